@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// @file
+/// Raw data files put together by hand, cell by cell, without a line of the library: what the tests hold it against.
+
+/// A cell: text, NUL bytes, CR LF.
+inline std::string Cell(std::size_t width, std::string text) {
+    text.resize(width - 2, '\0');
+    return text + "\r\n";
+}
+
+/// Samples, low byte first.
+inline std::string SampleBytes(const std::vector<std::uint16_t>& samples) {
+    std::string bytes;
+    for (const auto sample : samples) {
+        bytes += static_cast<char>(sample & 0xFFU);
+        bytes += static_cast<char>(sample >> 8U);
+    }
+    return bytes;
+}
+
+/// The 1190 bytes of the file header that `ExampleFileHdr` stands for.
+inline std::string FileHdrBytes(std::int64_t firstRecordingHdr, const std::string& compoundTest = "CompoundTest",
+                                int version = 2) {
+    return Cell(50, "OVL Vexaprobe") + Cell(50, "FPosFirstRecordingHdr=" + std::to_string(firstRecordingHdr)) +
+           Cell(50, "FileType=Raw") + Cell(50, "ProgramVersion=1.0") +
+           Cell(30, "FileVersion=" + std::to_string(version)) + Cell(50, "Guid=0123") + Cell(30, "PlateID=P1") +
+           Cell(30, "CompoundID=5") + Cell(200, "CompoundName=Test") + Cell(100, "PreQC") + Cell(150, compoundTest) +
+           Cell(100, "PostQC") + Cell(100, "CheckSum=0") + Cell(200, "Reserved");
+}
+
+/// What may differ between the recordings of the tests.
+struct CRecordingText {
+    std::string task = "CompoundTest";
+    int recording = 1;
+    std::int64_t data = -1;
+    std::int64_t next = -1;
+    bool hasStartTime = true;
+    std::string wells = "2";
+    std::string wellIDs = "=11:12";
+};
+
+/// The 2460 bytes of a recording header; 2410 without its start time.
+inline std::string RecordingHdrBytes(const CRecordingText& t) {
+    return Cell(50, "TaskName=" + t.task) + Cell(50, "Recording=" + std::to_string(t.recording)) +
+           Cell(50, "Dose=1000") + Cell(50, "FPosRecordingData=" + std::to_string(t.data)) +
+           Cell(50, "FPosRecordingTrailer=-1") + Cell(50, "FPosNextRecordingHdr=" + std::to_string(t.next)) +
+           (t.hasStartTime ? Cell(50, "RecordingStartTime=1000000") : std::string()) + Cell(50, "RecordingTime=300") +
+           Cell(30, "NumberOfWells=" + t.wells) + Cell(200, "WellIDs" + t.wellIDs) + Cell(200, "Ticks=100:100") +
+           Cell(400, "UnitsPerADs=0.0002:0.0002") + Cell(200, "ADZeros=32768:32768") + Cell(30, "NumberOfAuxCh=0") +
+           Cell(200, "AuxIDs") + Cell(200, "Ticks") + Cell(400, "UnitsPerADs") + Cell(200, "ADZeros");
+}
+
+/// The 300 bytes of a segment header. `size` is text, so that a test can put anything there.
+inline std::string SegmentHdrBytes(int wellID, std::int64_t next, std::int64_t from, std::int64_t to,
+                                   const std::string& size) {
+    return Cell(50, "Type=Well") + Cell(50, "ID=" + std::to_string(wellID)) +
+           Cell(50, "FPosNextSegmentHdr=" + std::to_string(next)) + Cell(50, "TimeFrom=" + std::to_string(from)) +
+           Cell(50, "TimeTo=" + std::to_string(to)) + Cell(50, "Size=" + size);
+}
+
+inline const std::vector<std::uint16_t> kWell11 = {1, 256, 65535, 32768};
+inline const std::vector<std::uint16_t> kWell12 = {7, 8, 9, 10};
+
+/// A whole small file of 4266 bytes: one recording, wells 11 and 12, one segment of four samples each.
+inline std::string SmallFileBytes() {
+    return FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({.data = 3650}) +
+           SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 300, "4") +
+           SampleBytes(kWell12);
+}

@@ -1,0 +1,281 @@
+#include <gtest/gtest.h>
+
+#include "tests/rawdata/ExampleHdrs.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/rawdata/SegmentsOf.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+class ReaderTest : public testing::Test {
+ protected:
+    void OpenBytes(const std::string& bytes) {
+        WriteAll(m_path, bytes);
+        m_reader.Open(m_path);
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("run.vxd");
+    CVXFileIO m_io;
+    CIRawDataReader& m_reader = *m_io.GetRawDataReader();
+};
+
+TEST_F(ReaderTest, EveryFieldOfTheHeadersComesBack) {
+    OpenBytes(SmallFileBytes());
+    const CRawDataFileHdr& file = *m_reader.GetFileHdr();
+    EXPECT_EQ(file.HeaderID, "OVL Vexaprobe");
+    EXPECT_EQ(file.FPosFirstRecordingHdr, 1190);
+    EXPECT_EQ(file.FileType + file.ProgramVersion + file.Guid + file.PlateID + file.CompoundName, "Raw1.00123P1Test");
+    EXPECT_EQ(file.FileVersion, 2);
+    EXPECT_EQ(file.CompoundID, 5);
+    EXPECT_EQ(file.CompoundTest, (std::vector<std::int64_t>{1000, 2000}));
+    EXPECT_TRUE(file.PreQC.empty() && file.PostQC.empty());
+    EXPECT_EQ(file.CheckSum, "0");
+    EXPECT_EQ(file.Reserved, "");
+
+    const CRawDataRecordingHdr* recording = m_reader.GetRecordingHdr("CompoundTest", 1);
+    ASSERT_NE(recording, nullptr);
+    EXPECT_EQ(recording->Dose, 1000);
+    EXPECT_EQ(recording->FPosRecordingData, 3650);
+    EXPECT_EQ(recording->FPosRecordingTrailer, -1);
+    EXPECT_EQ(recording->FPosNextRecordingHdr, -1);
+    EXPECT_EQ(recording->RecordingStartTime, 1000000U);
+    EXPECT_EQ(recording->RecordingTime, 300);
+    ASSERT_EQ(recording->WellChannels.size(), 2U);
+    EXPECT_EQ(recording->WellChannels[1].ID, 12);
+    EXPECT_EQ(recording->WellChannels[1].ADZero, 32768);
+    EXPECT_EQ(recording->WellChannels[1].UnitsPerAD, 0.0002);
+    EXPECT_EQ(recording->WellChannels[1].Ticks, 100);
+    EXPECT_TRUE(recording->AuxChannels.empty());
+
+    const CRawDataIndex& index = *m_reader.GetIndex();
+    ASSERT_EQ(index.GetCount(), 1);
+    EXPECT_EQ(index.GetEntry(0)->TaskName, "CompoundTest");
+    EXPECT_EQ(index.GetEntry(0)->Recording, 1);
+    EXPECT_EQ(index.GetEntry(0)->Dose, 1000);
+    EXPECT_EQ(index.GetEntry(1), nullptr);
+    EXPECT_EQ(index.GetEntry(-1), nullptr);
+}
+
+TEST_F(ReaderTest, AuxiliaryChannelsOfOtherWritersAreRead) {
+    std::string bytes = SmallFileBytes();
+    bytes.replace(1190 + 1430, 1030,
+                  Cell(30, "NumberOfAuxCh=2") + Cell(200, "AuxIDs=7:8") + Cell(200, "Ticks=1:2") +
+                      Cell(400, "UnitsPerADs=0.5:-1e3") + Cell(200, "ADZeros=3:4"));
+    OpenBytes(bytes);
+    const auto& aux = m_reader.GetRecordingHdr("CompoundTest", 1)->AuxChannels;
+    ASSERT_EQ(aux.size(), 2U);
+    EXPECT_EQ(aux[1].ID, 8);
+    EXPECT_EQ(aux[1].Ticks, 2);
+    EXPECT_EQ(aux[1].UnitsPerAD, -1000.0);
+    EXPECT_EQ(aux[1].ADZero, 4);
+}
+
+TEST_F(ReaderTest, QuestionsAreAnsweredInFileOrder) {
+    m_io.GetRawDateWriter()->Open(m_path);
+    m_io.GetRawDateWriter()->WriteFileHdr(ExampleFileHdr());
+    const auto add = [&](const char* task, int number, std::int64_t dose, std::vector<CRawDataChannelInfo> wells) {
+        CRawDataRecordingHdr header = ExampleRecordingHdr(task, number);
+        header.Dose = dose;
+        header.WellChannels = std::move(wells);
+        m_io.GetRawDateWriter()->WriteRecordingHdr(header);
+    };
+    add("Series", 1, 50, {{.ID = 3}, {.ID = 4}});
+    add("PreQC", 1, 0, {{.ID = 3}});
+    add("Series", 1, 20, {{.ID = 4}, {.ID = 4}});
+    add("Series", 2, 50, {{.ID = 3}});
+    m_io.GetRawDateWriter()->Close();
+    m_reader.Open(m_path);
+    EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"Series", "PreQC"}));
+    EXPECT_EQ(m_reader.GetDoses("Series", 3), (std::vector<std::int64_t>{50, 50}));
+    EXPECT_EQ(m_reader.GetDoses("Series", 4), (std::vector<std::int64_t>{50, 20, 20}));
+    EXPECT_TRUE(m_reader.GetDoses("series", 3).empty());
+    EXPECT_EQ(m_reader.GetWellIDs("Series", 1), (std::vector<std::int32_t>{3, 4, 4, 4}));
+    EXPECT_TRUE(m_reader.GetWellIDs("PreQC", 2).empty());
+    EXPECT_EQ(m_reader.GetWellIDs("no such task"), (std::vector<std::int32_t>{3, 4}));
+    EXPECT_EQ(m_reader.GetRecordingHdr("Series", 1)->Dose, 50);
+    EXPECT_EQ(m_reader.GetRecordingHdr("Series", 3), nullptr);
+    // Of twins, the first answers questions and the last delivers data (here: what stands behind its empty chain).
+    ASSERT_TRUE(m_reader.JumpToData("Series", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "Error reading Data Segment Header");
+}
+
+TEST_F(ReaderTest, SegmentsComeInOrderUntilTheChainEnds) {
+    OpenBytes(SmallFileBytes());
+    EXPECT_EQ(SegmentsOf(m_reader), "end");
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end");
+    EXPECT_EQ(SegmentsOf(m_reader), "end");
+    EXPECT_FALSE(m_reader.JumpToData("CompoundTest", 2));
+    EXPECT_FALSE(m_reader.JumpToData("Compoundtest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "end");
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
+}
+
+TEST_F(ReaderTest, SelectedWellIsDeliveredAloneAcrossJumpsAndOpens) {
+    m_io.GetRawDateWriter()->Open(m_path);
+    m_io.GetRawDateWriter()->WriteFileHdr(ExampleFileHdr());
+    m_io.GetRawDateWriter()->WriteRecordingHdr(ExampleRecordingHdr());
+    // Lengths differ from one segment to the next, so that no guess about the next one is right.
+    const std::vector<std::uint16_t> samples = {1, 2, 3, 4, 5};
+    for (int i = 0; i < 5; ++i)
+        m_io.GetRawDateWriter()->WriteData(11 + i % 2, i * 10, i * 10 + i, 1, samples.data());
+    m_io.GetRawDateWriter()->Close();
+    m_reader.Open(m_path);
+    m_reader.SelectWellID(12);
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader, 1), "12[10..11]1,2");
+    m_reader.SelectWellID(-1);
+    EXPECT_EQ(SegmentsOf(m_reader), "11[20..22]1,2,3 12[30..33]1,2,3,4 11[40..44]1,2,3,4,5 end");
+    m_reader.SelectWellID(11);
+    m_reader.Open(m_path);
+    EXPECT_EQ(SegmentsOf(m_reader), "end");  // opening sets the position back
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "11[0..0]1 11[20..22]1,2,3 11[40..44]1,2,3,4,5 end");
+
+    m_reader.SelectWellID(99);
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    std::int32_t wellID = 0;
+    std::int64_t from = 77;
+    std::int64_t to = 78;
+    std::uint32_t size = 79;
+    std::uint16_t* data = nullptr;
+    EXPECT_FALSE(m_reader.ReadSegment(wellID, from, to, size, data));
+    EXPECT_EQ(wellID, 11);  // the last one passed over
+    EXPECT_TRUE(from == 77 && to == 78 && size == 79 && data == nullptr);
+    m_reader.SelectWellID(-1);
+    EXPECT_EQ(SegmentsOf(m_reader), "end");
+}
+
+TEST_F(ReaderTest, EqualSegmentsShareOneBuffer) {
+    OpenBytes(SmallFileBytes());
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    std::int32_t wellID = 0;
+    std::int64_t time = 0;
+    std::uint32_t size = 0;
+    std::uint16_t* first = nullptr;
+    std::uint16_t* second = nullptr;
+    ASSERT_TRUE(m_reader.ReadSegment(wellID, time, time, size, first));
+    ASSERT_TRUE(m_reader.ReadSegment(wellID, time, time, size, second));
+    EXPECT_EQ(first, second);
+    EXPECT_EQ(first[0], 7);
+}
+
+TEST_F(ReaderTest, UnfinishedLastRecordingIsListedButNotDelivered) {
+    auto& writer = *m_io.GetRawDateWriter();
+    writer.Open(m_path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr("PreQC", 1));
+    writer.WriteData(11, 0, 300, 100, kWell11.data());
+    writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC", 1));
+    writer.WriteData(12, 0, 300, 100, kWell12.data());
+    m_reader.Open(m_path);  // while the writer is at work
+    EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"PreQC", "PostQC"}));
+    EXPECT_FALSE(m_reader.JumpToData("PostQC", 1));
+    ASSERT_TRUE(m_reader.JumpToData("PreQC", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "11[0..300]1,256,65535,32768 end");
+    writer.Close();
+    m_reader.Open(m_path);
+    ASSERT_TRUE(m_reader.JumpToData("PostQC", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
+}
+
+TEST_F(ReaderTest, OldFilesLackTheStartTime) {
+    OpenBytes(FileHdrBytes(1190, "CompoundTest", 1) +
+              RecordingHdrBytes({.data = 1190 + 2410, .next = 3908, .hasStartTime = false}) +
+              SegmentHdrBytes(11, -1, 0, 300, "4") + SampleBytes(kWell11) +
+              RecordingHdrBytes({.task = "PostQC", .hasStartTime = false}));
+    const CRawDataRecordingHdr& header = *m_reader.GetRecordingHdr("CompoundTest", 1);
+    EXPECT_EQ(header.RecordingStartTime, 0U);
+    EXPECT_EQ(header.RecordingTime, 300);
+    ASSERT_EQ(header.WellChannels.size(), 2U);
+    EXPECT_EQ(header.WellChannels[1].ID, 12);
+    EXPECT_EQ(header.WellChannels[1].ADZero, 32768);
+    EXPECT_EQ(m_reader.GetIndex()->GetCount(), 2);
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader), "11[0..300]1,256,65535,32768 end");
+}
+
+TEST_F(ReaderTest, FilesThatAreNotOursAreRefusedByText) {
+    const auto refusal = [&](const std::string& bytes) { return TextOfFailure([&] { OpenBytes(bytes); }); };
+    const std::string ours = SmallFileBytes();
+    EXPECT_EQ(TextOfFailure([&] { m_reader.Open(m_path); }), "Cannot open file " + m_path);
+    EXPECT_EQ(TextOfFailure([&] { m_reader.Open(m_folder.Path(".")); }), "Cannot open file " + m_folder.Path("."));
+    EXPECT_EQ(refusal(""), "Opened file is not a Vexaprobe file.");
+    EXPECT_EQ(refusal(ours.substr(0, 49)), "Opened file is not a Vexaprobe file.");
+    EXPECT_EQ(refusal(" " + ours), "Opened file is not a Vexaprobe file.");
+    EXPECT_EQ(refusal("OVL Vexaprob" + ours.substr(12).replace(0, 1, "E")), "Opened file is not a Vexaprobe file.");
+    EXPECT_EQ(refusal(FileHdrBytes(-1)), "Opened file is empty.");
+    EXPECT_EQ(refusal(FileHdrBytes(1190)), "Error reading Recording Header");
+    EXPECT_EQ(refusal(FileHdrBytes(1191) + ours.substr(1190)), "Error reading Recording Header");
+    EXPECT_EQ(refusal(FileHdrBytes(-2) + ours.substr(1190)), "Error reading Recording Header");
+    OpenBytes(Cell(50, "OVL Vexaprobe 2.1=x:y") + ours.substr(50));
+    EXPECT_EQ(m_reader.GetFileHdr()->HeaderID, "OVL Vexaprobe 2.1=x:y");
+}
+
+TEST_F(ReaderTest, CellsAreTakenAsFarAsTheyMakeSense) {
+    std::string bytes = SmallFileBytes();
+    bytes.replace(100, 50, Cell(50, "FileType=A=B"));
+    bytes.replace(150, 50, Cell(50, "whatever key=A:B"));
+    bytes.replace(230, 50, Cell(50, "Guid==:=x"));
+    bytes.replace(280, 30, "PlateID=no NUL in this cell \r\n");
+    bytes.replace(310, 30, Cell(30, "CompoundID= +12abc"));
+    bytes.replace(340, 200, Cell(200, "CompoundName="));
+    bytes.replace(540, 100, Cell(100, "PreQC=1:x:-99999999999999999999:3:"));
+    OpenBytes(bytes);
+    const CRawDataFileHdr& file = *m_reader.GetFileHdr();
+    EXPECT_EQ(file.FileType, "A");
+    EXPECT_EQ(file.ProgramVersion, "A");
+    EXPECT_EQ(file.Guid, "x");
+    EXPECT_EQ(file.PlateID, "no NUL in this cell ");
+    EXPECT_EQ(file.CompoundID, 12);
+    EXPECT_EQ(file.CompoundName, "");
+    EXPECT_EQ(file.PreQC, (std::vector<std::int64_t>{1, 0, std::numeric_limits<std::int64_t>::min(), 3, 0}));
+}
+
+TEST_F(ReaderTest, ShortListsLeaveDefaultsAndLongNumbersTheNearestValue) {
+    std::string bytes = SmallFileBytes();
+    bytes.replace(1190 + 400, 1030,
+                  Cell(30, "NumberOfWells=3") + Cell(200, "WellIDs=1:99999999999") +
+                      Cell(200, "Ticks=5000000000:-5000000000:6") + Cell(400, "UnitsPerADs=0,5:1e999:nan") +
+                      Cell(200, "ADZeros"));
+    OpenBytes(bytes);
+    const auto& wells = m_reader.GetRecordingHdr("CompoundTest", 1)->WellChannels;
+    ASSERT_EQ(wells.size(), 3U);
+    EXPECT_EQ(wells[0].ID, 1);
+    EXPECT_EQ(wells[1].ID, 2147483647);
+    EXPECT_EQ(wells[2].ID, -1);
+    EXPECT_EQ(wells[0].Ticks, 2147483647);  // intervals have the range of 32 bits in files
+    EXPECT_EQ(wells[1].Ticks, -2147483648);
+    EXPECT_EQ(wells[2].Ticks, 6);
+    EXPECT_EQ(wells[0].UnitsPerAD, 0.0);
+    EXPECT_EQ(wells[1].UnitsPerAD, std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(wells[2].UnitsPerAD != wells[2].UnitsPerAD);
+    EXPECT_EQ(wells[0].ADZero, 0);
+}
+
+TEST_F(ReaderTest, DefaultsAndCopiesOfTheHeaderObjects) {
+    const CRawDataChannelInfo channel;
+    EXPECT_TRUE(channel.ID == -1 && channel.ADZero == 0 && channel.UnitsPerAD == 0.0 && channel.Ticks == 0);
+    const CRawDataRecordingHdr recording;
+    EXPECT_TRUE(recording.Recording == -1 && recording.Dose == 0 && recording.RecordingStartTime == 0);
+    EXPECT_TRUE(recording.FPosRecordingData == -1 && recording.FPosRecordingTrailer == -1);
+    EXPECT_TRUE(recording.FPosNextRecordingHdr == -1 && recording.RecordingTime == 0);
+    const CRawDataFileHdr file;
+    EXPECT_TRUE(file.FPosFirstRecordingHdr == -1 && file.CompoundID == -1 && file.FileVersion == 0);
+
+    CRawDataIndex index;
+    index.AddEntry({"A", 1, 2});
+    CRawDataIndex copy = index;
+    copy.AddEntry({"B", 3, 4});
+    index.Clear();
+    EXPECT_EQ(index.GetCount(), 0);
+    ASSERT_EQ(copy.GetCount(), 2);
+    EXPECT_EQ(copy.GetEntry(0)->TaskName, "A");
+    EXPECT_EQ(copy.GetEntry(1)->Dose, 4);
+}
+
+}  // namespace

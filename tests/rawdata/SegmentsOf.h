@@ -1,0 +1,32 @@
+#pragma once
+
+#include <vxfileio/frame/VXFileIO.h>
+
+#include <string>
+
+/// Reads segments, at most `most`, and puts them into one line: well[from..to]samples for each, "end" for the end of
+/// the chain, the text of the failure for a failure.
+inline std::string SegmentsOf(CIRawDataReader& reader, int most = 1000) {
+    std::string line;
+    const auto add = [&](const std::string& item) { line += (line.empty() ? "" : " ") + item; };
+    try {
+        for (int i = 0; i < most; ++i) {
+            std::int32_t wellID = 0;
+            std::int64_t from = 0;
+            std::int64_t to = 0;
+            std::uint32_t size = 0;
+            std::uint16_t* samples = nullptr;
+            if (!reader.ReadSegment(wellID, from, to, size, samples)) {
+                add("end");
+                break;
+            }
+            std::string item = std::to_string(wellID) + "[" + std::to_string(from) + ".." + std::to_string(to) + "]";
+            for (std::uint32_t s = 0; s < size; ++s)
+                item += (s == 0 ? "" : ",") + std::to_string(samples[s]);
+            add(item);
+        }
+    } catch (const CExcVXReader& failure) {
+        add(failure.GetMsg());
+    }
+    return line;
+}

@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tests/rawdata/ExampleHdrs.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+class WriterTest : public testing::Test {
+ protected:
+    std::string Bytes() const { return ReadAll(m_path); }
+
+    /// Up to a recording of wells 11 and 12 that waits for data.
+    void BeginRecording() {
+        m_writer.Open(m_path);
+        m_writer.WriteFileHdr(ExampleFileHdr());
+        m_writer.WriteRecordingHdr(ExampleRecordingHdr());
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("run.vxd");
+    CVXFileIO m_io;
+    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
+};
+
+// The whole life of the small file, looked at from outside after every call.
+TEST_F(WriterTest, EachCallLeavesItsBytesWithTheSystem) {
+    m_writer.Open(m_path);
+    EXPECT_EQ(Bytes(), "");
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    EXPECT_EQ(Bytes(), FileHdrBytes(-1));
+    m_writer.WriteRecordingHdr(ExampleRecordingHdr());
+    EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({}));
+    m_writer.WriteData(11, 0, 300, 100, kWell11.data());
+    const std::string first = SegmentHdrBytes(11, -1, 0, 300, "4") + SampleBytes(kWell11);
+    EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({}) + first);
+    m_writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+    m_writer.WriteData(12, 0, 300, 100, kWell12.data());
+    EXPECT_EQ(Bytes(), FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({}) +
+                           SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) +
+                           SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12));
+    m_writer.Close();
+    EXPECT_EQ(Bytes(), SmallFileBytes());
+    m_writer.Close();
+    EXPECT_EQ(Bytes(), SmallFileBytes());
+}
+
+TEST_F(WriterTest, NextRecordingFinishesTheOneBefore) {
+    BeginRecording();
+    m_writer.WriteData(11, 0, 300, 100, kWell11.data());
+    m_writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC", 2));
+    m_writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC", 3));
+    m_writer.WriteData(12, 400, 700, 100, kWell12.data());
+    m_writer.Close();
+    // A recording without segments points right behind its header; no segment points into another recording.
+    EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 3958}) +
+                           SegmentHdrBytes(11, -1, 0, 300, "4") + SampleBytes(kWell11) +
+                           RecordingHdrBytes({.task = "PostQC", .recording = 2, .data = 6418, .next = 6418}) +
+                           RecordingHdrBytes({.task = "PostQC", .recording = 3, .data = 8878}) +
+                           SegmentHdrBytes(12, -1, 400, 700, "4") + SampleBytes(kWell12));
+}
+
+TEST_F(WriterTest, HeaderFieldsThatTheWriterKeepsForItselfAreNotUsed) {
+    CRawDataFileHdr file = ExampleFileHdr();
+    file.FPosFirstRecordingHdr = 7;
+    file.PreQC = file.CompoundTest = file.PostQC = {1};
+    file.CheckSum = file.Reserved = "x";
+    CRawDataRecordingHdr recording = ExampleRecordingHdr();
+    recording.FPosRecordingData = recording.FPosRecordingTrailer = recording.FPosNextRecordingHdr = 7;
+    recording.AuxChannels.resize(3);
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(file);
+    m_writer.WriteRecordingHdr(recording);
+    EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({}));
+}
+
+TEST_F(WriterTest, ValuesTakeTheirTextForm) {
+    CRawDataRecordingHdr header;
+    header.TaskName = "";
+    header.Recording = std::numeric_limits<std::int32_t>::min();
+    header.Dose = std::numeric_limits<std::int64_t>::min();
+    header.RecordingStartTime = std::numeric_limits<std::uint64_t>::max();
+    header.RecordingTime = -1;
+    header.WellChannels = {{-3, -1, 1234567.0, std::int64_t{1} << 40}, {4, 0, 0.00001, 0}, {5, 6, -0.25, 7}};
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    m_writer.WriteRecordingHdr(header);
+    const std::string bytes = Bytes().substr(1190);
+    EXPECT_EQ(bytes.substr(0, 50), Cell(50, "TaskName"));
+    EXPECT_EQ(bytes.substr(50, 50), Cell(50, "Recording=-2147483648"));
+    EXPECT_EQ(bytes.substr(100, 50), Cell(50, "Dose=-9223372036854775808"));
+    EXPECT_EQ(bytes.substr(300, 50), Cell(50, "RecordingStartTime=18446744073709551615"));
+    EXPECT_EQ(bytes.substr(350, 50), Cell(50, "RecordingTime=-1"));
+    EXPECT_EQ(bytes.substr(400, 30), Cell(30, "NumberOfWells=3"));
+    EXPECT_EQ(bytes.substr(430, 200), Cell(200, "WellIDs=-3:4:5"));
+    EXPECT_EQ(bytes.substr(630, 200), Cell(200, "Ticks=1099511627776:0:7"));
+    EXPECT_EQ(bytes.substr(830, 400), Cell(400, "UnitsPerADs=1.23457e+06:1e-05:-0.25"));
+    EXPECT_EQ(bytes.substr(1230, 200), Cell(200, "ADZeros=-1:0:6"));
+}
+
+TEST_F(WriterTest, RecordingWithoutWellsKeepsKeysAlone) {
+    CRawDataRecordingHdr header = ExampleRecordingHdr();
+    header.WellChannels.clear();
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    m_writer.WriteRecordingHdr(header);
+    EXPECT_EQ(Bytes().substr(1190 + 400, 1030), Cell(30, "NumberOfWells=0") + Cell(200, "WellIDs") +
+                                                    Cell(200, "Ticks") + Cell(400, "UnitsPerADs") +
+                                                    Cell(200, "ADZeros"));
+}
+
+TEST_F(WriterTest, SizeIsTheTruncatedQuotientPlusOne) {
+    struct {
+        std::int64_t from, to, tick, size;
+    } const cases[] = {{0, 0, 7, 1}, {0, 6, 7, 1}, {0, 7, 7, 2}, {-100, 99, 100, 2}, {-9, -9, 1, 1}};
+    const std::vector<std::uint16_t> samples(4, 0x0102);
+    for (const auto& c : cases) {
+        BeginRecording();
+        m_writer.WriteData(1, c.from, c.to, c.tick, samples.data());
+        const auto size = static_cast<std::size_t>(c.size);
+        EXPECT_EQ(Bytes().substr(3650), SegmentHdrBytes(1, -1, c.from, c.to, std::to_string(size)) +
+                                            SampleBytes({samples.data(), &samples[size]}));
+    }
+}
+
+TEST_F(WriterTest, UpdateReplacesOneListAndNothingElse) {
+    struct {
+        const char* task;
+        std::size_t offset, width;
+    } const lists[] = {{"PreQC", 540, 100}, {"CompoundTest", 640, 150}, {"PostQC", 790, 100}};
+    BeginRecording();
+    for (const auto& list : lists) {
+        std::string expected = Bytes();
+        m_writer.UpdateFileHdr(list.task, {"1", "-2", "3"});
+        EXPECT_EQ(Bytes(),
+                  expected.replace(list.offset, list.width, Cell(list.width, list.task + std::string("=1:-2:3"))));
+        m_writer.UpdateFileHdr(list.task, {});
+        EXPECT_EQ(Bytes(), expected.replace(list.offset, list.width, Cell(list.width, list.task)));
+        m_writer.UpdateFileHdr(list.task, {"", "x"});
+        EXPECT_EQ(Bytes(), expected.replace(list.offset, list.width, Cell(list.width, list.task + std::string("=:x"))));
+    }
+    const std::string before = Bytes();
+    for (const char* other : {"Washin", "preqc", "PreQC ", ""})
+        m_writer.UpdateFileHdr(other, {"9"});
+    EXPECT_EQ(Bytes(), before);
+}
+
+TEST_F(WriterTest, ValueMayFillItsCellButNotOneByteMore) {
+    const std::string beyond = "Value does not fit its cell: ";
+    CRawDataFileHdr file = ExampleFileHdr();
+    file.PlateID = std::string(30 - 3 - 8, 'p');
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(file);
+    EXPECT_EQ(Bytes().substr(280, 30), Cell(30, "PlateID=" + file.PlateID));
+
+    m_writer.Open(m_path);
+    file.PlateID += 'p';
+    EXPECT_EQ(TextOfFailure([&] { m_writer.WriteFileHdr(file); }), beyond + "PlateID");
+    EXPECT_EQ(Bytes(), "");
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    m_writer.WriteRecordingHdr(ExampleRecordingHdr());
+    m_writer.WriteData(11, 0, 300, 100, kWell11.data());
+    const std::string before = Bytes();
+
+    CRawDataRecordingHdr recording = ExampleRecordingHdr();
+    recording.WellChannels.assign(64, {.ID = 10});  // 64 IDs of two digits: 191 characters for a room of 189
+    EXPECT_EQ(TextOfFailure([&] { m_writer.WriteRecordingHdr(recording); }), beyond + "WellIDs");
+    EXPECT_EQ(TextOfFailure([&] { m_writer.UpdateFileHdr("PreQC", {std::string(92, '1')}); }), beyond + "PreQC");
+    EXPECT_EQ(Bytes(), before);
+
+    // The recording that was going on still is.
+    m_writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+    m_writer.WriteData(12, 0, 300, 100, kWell12.data());
+    m_writer.Close();
+    EXPECT_EQ(Bytes(), SmallFileBytes());
+}
+
+TEST_F(WriterTest, CallsOutOfOrderAreRefusedAndChangeNothing) {
+    const auto refuses = [&](auto call) { return TextOfFailure(call) != "no failure"; };
+    const auto writeFileHdr = [&] { m_writer.WriteFileHdr(ExampleFileHdr()); };
+    const auto writeRecordingHdr = [&] { m_writer.WriteRecordingHdr(ExampleRecordingHdr()); };
+    const auto writeData = [&] { m_writer.WriteData(11, 0, 300, 100, kWell11.data()); };
+    const auto update = [&] { m_writer.UpdateFileHdr("PreQC", {"1"}); };
+    EXPECT_TRUE(refuses(writeFileHdr) && refuses(writeRecordingHdr) && refuses(writeData) && refuses(update));
+    m_writer.Open(m_path);
+    EXPECT_TRUE(refuses(writeRecordingHdr) && refuses(writeData) && refuses(update));
+    EXPECT_EQ(Bytes(), "");
+    writeFileHdr();
+    EXPECT_TRUE(refuses(writeFileHdr) && refuses(writeData));
+    EXPECT_EQ(Bytes(), FileHdrBytes(-1));
+    writeRecordingHdr();
+    EXPECT_TRUE(refuses(writeFileHdr));
+    EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({}));
+    m_writer.Close();
+    EXPECT_TRUE(refuses(writeFileHdr) && refuses(writeRecordingHdr) && refuses(writeData) && refuses(update));
+}
+
+TEST_F(WriterTest, ArgumentsThatAreNoSegmentAreRefusedAndChangeNothing) {
+    constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
+    BeginRecording();
+    const std::string before = Bytes();
+    const auto refusal = [&](std::int64_t from, std::int64_t to, std::int64_t tick, const std::uint16_t* samples) {
+        return TextOfFailure([&] { m_writer.WriteData(11, from, to, tick, samples); });
+    };
+    EXPECT_EQ(refusal(0, 300, 0, kWell11.data()), "The sample interval must be above 0.");
+    EXPECT_EQ(refusal(0, 300, -1, kWell11.data()), "The sample interval must be above 0.");
+    EXPECT_EQ(refusal(1, 0, 1, kWell11.data()), "The segment ends before it begins.");
+    EXPECT_EQ(refusal(kMin, kMax, kMax, kWell11.data()), "The segment holds too many samples.");
+    EXPECT_EQ(refusal(-1, kMax, kMax, kWell11.data()), "The segment holds too many samples.");
+    EXPECT_EQ(refusal(0, kMax, 1, kWell11.data()), "The segment holds too many samples.");
+    EXPECT_EQ(refusal(0, (std::int64_t{1} << 32) - 1, 1, kWell11.data()), "The segment holds too many samples.");
+    EXPECT_EQ(refusal(0, 300, 100, nullptr), "The samples are missing.");
+    EXPECT_EQ(Bytes(), before);
+    m_writer.WriteData(11, kMax - 1, kMax, kMax, kWell11.data());  // the far end of time is a time
+    EXPECT_EQ(Bytes().size(), before.size() + 302);
+}
+
+TEST_F(WriterTest, SecondOpenFinishesTheFirstFileAndStartsAfresh) {
+    const std::string other = m_folder.Path("other.vxd");
+    BeginRecording();
+    m_writer.WriteData(11, 0, 300, 100, kWell11.data());
+    m_writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+    m_writer.WriteData(12, 0, 300, 100, kWell12.data());
+    m_writer.Open(other);
+    EXPECT_EQ(Bytes(), SmallFileBytes());
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    EXPECT_EQ(TextOfFailure([&] { m_writer.WriteData(11, 0, 300, 100, kWell11.data()); }),
+              "No recording has been begun.");
+    m_writer.Close();
+    EXPECT_EQ(ReadAll(other), FileHdrBytes(-1));
+}
+
+TEST_F(WriterTest, EndOfTheLibraryObjectFinishesTheFile) {
+    {
+        CVXFileIO io;
+        auto& writer = *io.GetRawDateWriter();
+        writer.Open(m_path);
+        writer.WriteFileHdr(ExampleFileHdr());
+        writer.WriteRecordingHdr(ExampleRecordingHdr());
+        writer.WriteData(11, 0, 300, 100, kWell11.data());
+        writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+        writer.WriteData(12, 0, 300, 100, kWell12.data());
+    }
+    EXPECT_EQ(Bytes(), SmallFileBytes());
+}
+
+TEST_F(WriterTest, FileThatCannotBeCreatedIsReportedWithItsPath) {
+    const std::string path = m_folder.Path("missing/run.vxd");
+    EXPECT_EQ(TextOfFailure([&] { m_writer.Open(path); }), "Cannot open file " + path);
+    EXPECT_EQ(TextOfFailure([&] { m_writer.Open(""); }), "Cannot open file ");
+    const std::string cut = m_path + std::string("\0.txt", 5);
+    EXPECT_EQ(TextOfFailure([&] { m_writer.Open(cut); }), "Cannot open file " + cut);
+    EXPECT_FALSE(std::filesystem::exists(m_path));
+    EXPECT_EQ(TextOfFailure([&] { m_writer.WriteFileHdr(ExampleFileHdr()); }), "No raw data file is open for writing.");
+}
+
+TEST_F(WriterTest, BothSlashesSeparateFolders) {
+    std::filesystem::create_directory(m_folder.Path("sub"));
+    std::string path = m_folder.Path("sub/run.vxd");
+    std::replace(path.begin(), path.end(), '/', '\\');
+    m_writer.Open(path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    m_writer.Close();
+    EXPECT_EQ(ReadAll(m_folder.Path("sub/run.vxd")), FileHdrBytes(-1));
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+
+/// A folder of its own for one test, removed with everything in it at the end.
+class CTempFolder {
+ public:
+    CTempFolder() {
+        const std::string tag = std::to_string(std::random_device{}()) + std::to_string(std::random_device{}());
+        m_folder = std::filesystem::temp_directory_path() / ("vxfileio-test-" + tag);
+        std::filesystem::create_directories(m_folder);
+    }
+    ~CTempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+    CTempFolder(const CTempFolder&) = delete;
+    CTempFolder& operator=(const CTempFolder&) = delete;
+
+    /// The path of a file of this name in the folder.
+    std::string Path(const std::string& name) const { return (m_folder / name).string(); }
+
+ private:
+    std::filesystem::path m_folder;
+};
+
+/// Returns all bytes of a file; a file that can't be opened fails the test.
+inline std::string ReadAll(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file.is_open()) << path;
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// Makes a file of exactly these bytes.
+inline void WriteAll(const std::string& path, const std::string& bytes) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    EXPECT_TRUE(file.good()) << path;
+}

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vxfileio/frame/Api.h"
+#include "vxfileio/rawdata/RawDataHeaders.h"
+
+class CRawDataReader;
+
+/// Reads a raw data file (`.vxd`): its content from memory, its samples one segment at a time.
+///
+/// `Open` walks the recording headers once; every question about tasks, doses and wells is then answered without
+/// touching the file. For samples: `Open`, `SelectWellID` if only one well is wanted, `JumpToData`, then `ReadSegment`
+/// until it returns false. The file may still be growing under another thread's or process's writer: everything that
+/// was whole before `Open` is seen whole.
+///
+/// Every failure is a `CExcVXReader` with code -1. After one the reader stays usable: `Open` another file, or
+/// `JumpToData` to another recording. Task names are compared whole and byte by byte. One thread at a time.
+class VXFILEIO_API CIRawDataReader {
+ public:
+    CIRawDataReader();
+    /// Releases the file and the sample buffer.
+    ~CIRawDataReader();
+
+    CIRawDataReader(const CIRawDataReader&) = delete;
+    CIRawDataReader& operator=(const CIRawDataReader&) = delete;
+
+    /// Opens a file and reads all its headers. Releases the file before; the selected well stays.
+    ///
+    /// Throws "Cannot open file " and the path, "Opened file is not a Vexaprobe file.", "Opened file is empty." if no
+    /// recording was ever begun, or "Error reading Recording Header" if the chain of recordings is damaged or leads
+    /// back into itself. After that the content of the headers isn't to be used.
+    void Open(const std::string& path);
+
+    /// Returns the file header. The pointer stays valid as long as the reader; its content changes with `Open`.
+    const CRawDataFileHdr* GetFileHdr() const;
+
+    /// Returns one entry per recording, in file order. The pointer stays valid as long as the reader; its content
+    /// changes with `Open`.
+    const CRawDataIndex* GetIndex() const;
+
+    /// Returns each task name once, in the order of first appearance.
+    std::vector<std::string> GetTasks() const;
+
+    /// Returns the doses, in picomolar, of the recordings of a task that have this well, in file order and with
+    /// repetitions.
+    std::vector<std::int64_t> GetDoses(const std::string& taskName, std::int32_t wellID) const;
+
+    /// Returns the well IDs of the first recording of the file, whatever the task name.
+    std::vector<std::int32_t> GetWellIDs(const std::string& taskName) const;
+
+    /// Returns the well IDs of every recording with this task name and number, in file order.
+    std::vector<std::int32_t> GetWellIDs(const std::string& taskName, std::int32_t recording) const;
+
+    /// Returns the first recording with this task name and number, or null. The pointer stays valid until the next
+    /// `Open`.
+    const CRawDataRecordingHdr* GetRecordingHdr(const std::string& taskName, std::int32_t recording) const;
+
+    /// Narrows `ReadSegment` to one well from its next call on; -1 means all wells.
+    void SelectWellID(std::int32_t wellID);
+
+    /// Goes to the first segment of a recording. Of several with this task name and number the last counts.
+    /// Returns false, leaving the position as it was, if there is none or its writer never finished it. Reads nothing.
+    bool JumpToData(const std::string& taskName, std::int32_t recording);
+
+    /// Delivers the next segment of the recording, or returns false at the end of its chain.
+    ///
+    /// On true `samples` points at `size` samples in the reader's own buffer, valid until the next `ReadSegment` or the
+    /// end of the reader; times are inclusive and in the instrument's time unit. Samples behind the end of a cut file
+    /// are 0. On false with a well selected, `wellID` holds the last well passed over; all else is unchanged.
+    ///
+    /// Throws "Error seeking Data Segment." for a position that no file has, and "Error reading Data Segment Header"
+    /// where no whole segment header stands or the chain leads back into itself; the position stays at that segment.
+    bool ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo, std::uint32_t& size,
+                     std::uint16_t*& samples);
+
+ private:
+    std::unique_ptr<CRawDataReader> m_reader;
+};

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vxfileio/frame/Api.h"
+#include "vxfileio/rawdata/RawDataHeaders.h"
+
+class CRawDataWriter;
+
+/// Writes a raw data file (`.vxd`) while the recording runs.
+///
+/// Call in this order: `Open`, `WriteFileHdr`, then for each recording `WriteRecordingHdr` and any number of
+/// `WriteData`, last `Close`. `UpdateFileHdr` may come at any time between `WriteFileHdr` and `Close`.
+///
+/// *What holds on disk.* Each segment is with the operating system before `WriteData` returns. What is appended is
+/// whole before anything points at it, so whenever the process dies, every chain in the file leads only to what is
+/// whole. The last recording can be reached by a reader once the next one was begun or the file was closed.
+///
+/// *What is reported.* A file that can't be created, and a caller's mistake (calls out of order, a value that doesn't
+/// fit its cell, arguments that can't be a segment): `CExcVXReader` with code -1, thrown before anything is written,
+/// so that the file is as it was and the writer goes on from there. A write that the system refuses (a full disk) is
+/// not reported: that segment is left out, the file stays sound, and the next call tries afresh.
+///
+/// One thread at a time.
+class VXFILEIO_API CIRawDataWriter {
+ public:
+    CIRawDataWriter();
+    /// Finishes the file as `Close` does.
+    ~CIRawDataWriter();
+
+    CIRawDataWriter(const CIRawDataWriter&) = delete;
+    CIRawDataWriter& operator=(const CIRawDataWriter&) = delete;
+
+    /// Creates the file, or empties an existing one. A file still open is finished first, as `Close` would.
+    /// Throws `CExcVXReader` ("Cannot open file " and the path) if it can't be created.
+    void Open(const std::string& path);
+
+    /// Writes the file header (1190 bytes). Of the header's own fields, `FPosFirstRecordingHdr`, the three lists,
+    /// `CheckSum` and `Reserved` aren't used: the file begins without recordings and with empty lists. The caller sets
+    /// `HeaderID` to a text that begins "OVL Vexaprobe" and `FileVersion` to 2 or more; the reader relies on both.
+    void WriteFileHdr(const CRawDataFileHdr& header);
+
+    /// Finishes the recording before, and begins a new one with a header of 2460 bytes. The header's file positions
+    /// and `AuxChannels` aren't used. The four lists of the well channels must fit their cells.
+    void WriteRecordingHdr(const CRawDataRecordingHdr& header);
+
+    /// Appends one segment: the samples of one well from `timeFrom` to `timeTo`, both inclusive.
+    ///
+    /// `tick` is the sample interval, above 0, and all three are in the instrument's time unit. Exactly
+    /// (timeTo - timeFrom) / tick + 1 samples, at most 2^32 - 1, are read from `samples`, which is not kept.
+    /// Costs two system calls and no allocation, and copies no sample.
+    void WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
+                   const std::uint16_t* samples);
+
+    /// Replaces one list of the file header: that of the task "PreQC", "CompoundTest" or "PostQC", by `values`, each
+    /// the decimal text of a 64-bit whole number. Any other task name has no effect.
+    void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
+
+    /// Finishes the last recording and closes the file. Without an open file it does nothing.
+    void Close();
+
+ private:
+    std::unique_ptr<CRawDataWriter> m_writer;
+};

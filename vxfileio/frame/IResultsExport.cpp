@@ -1,0 +1,4 @@
+#include "vxfileio/frame/IResultsExport.h"
+
+CIResultsExport::CIResultsExport() = default;
+CIResultsExport::~CIResultsExport() = default;

@@ -1,0 +1,4 @@
+#include "vxfileio/frame/IResultsReader.h"
+
+CIResultsReader::CIResultsReader() = default;
+CIResultsReader::~CIResultsReader() = default;

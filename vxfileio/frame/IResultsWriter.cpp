@@ -1,0 +1,4 @@
+#include "vxfileio/frame/IResultsWriter.h"
+
+CIResultsWriter::CIResultsWriter() = default;
+CIResultsWriter::~CIResultsWriter() = default;

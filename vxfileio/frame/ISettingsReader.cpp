@@ -1,0 +1,4 @@
+#include "vxfileio/frame/ISettingsReader.h"
+
+CISettingsReader::CISettingsReader() = default;
+CISettingsReader::~CISettingsReader() = default;

@@ -1,0 +1,4 @@
+#include "vxfileio/frame/ISettingsWriter.h"
+
+CISettingsWriter::CISettingsWriter() = default;
+CISettingsWriter::~CISettingsWriter() = default;

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+#include <string>
+
+/// @file
+/// The one way to the operating system's files. Every file of the library is opened here.
+
+namespace vxfileio {
+
+/// Bytes that are read from, owned by somebody else.
+using CBytes = std::span<const std::byte>;
+/// Bytes that are written into, owned by somebody else.
+using CMutableBytes = std::span<std::byte>;
+
+/// A file of plain bytes with 64-bit positions.
+///
+/// There is no current position: every operation names its own, apart from `Append`, which knows where the file ends
+/// because the file began empty under this object. Paths are narrow bytes in the caller's code page; both slashes
+/// separate folders on every host. A file that is open here may be read and written by others at the same time.
+///
+/// Nothing throws. A failure is a result, and whoever passes it over says why.
+class CFile {
+ public:
+    /// The most buffers that one gathered call takes.
+    static constexpr std::size_t kMostBuffers = 4;
+
+    CFile() = default;
+    ~CFile();
+    CFile(const CFile&) = delete;
+    CFile& operator=(const CFile&) = delete;
+
+    /// Opens an existing file for reading; closes what was open. Returns false if it can't be opened or is a folder.
+    bool OpenForReading(const std::string& path);
+
+    /// Creates a file, or empties an existing one, for writing; closes what was open. Returns false if it can't.
+    bool Create(const std::string& path);
+
+    /// Tells whether a file is open.
+    bool IsOpen() const { return m_handle != kClosed; }
+
+    /// Closes the file. Without an open file it does nothing. Returns false if the system reports a late failure.
+    bool Close();
+
+    /// Reads from `position` on into the buffers, one after the other, up to their ends or the end of the file, and
+    /// returns the number of bytes read. An unreadable position gives 0. What wasn't read keeps its old content.
+    std::size_t ReadUpTo(std::int64_t position, std::initializer_list<CMutableBytes> buffers) const;
+
+    /// Writes the buffers, one after the other, at `position`. True means that all of it is with the system.
+    bool WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers);
+
+    /// Writes the buffers, one after the other, behind what was appended so far. If that fails, the file is cut back
+    /// to its old end, so that the next `Append` starts where this one did.
+    bool Append(std::initializer_list<CBytes> buffers);
+
+    /// Returns where the next `Append` begins. Only meaningful for a file opened by `Create`.
+    std::int64_t End() const { return m_end; }
+
+    /// Asks the system for the size in bytes; 0 if it doesn't know.
+    std::int64_t Size() const;
+
+ private:
+    bool Truncate(std::int64_t size);
+
+    static constexpr std::intptr_t kClosed = -1;
+
+    std::intptr_t m_handle = kClosed;  ///< The system's handle.
+    std::int64_t m_end = 0;            ///< Where the next `Append` begins.
+};
+
+/// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
+inline bool IsWholePath(const std::string& path) {
+    return path.find('\0') == std::string::npos;
+}
+
+}  // namespace vxfileio

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <charconv>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+/// @file
+/// Numbers as decimal text and back, the same in every process: no locale has a say.
+
+namespace vxfileio {
+
+/// The text of one number, kept in place: making it allocates nothing.
+class CNumberText {
+ public:
+    /// A whole number: digits with a leading minus sign if negative.
+    template <std::integral Whole>
+    explicit CNumberText(Whole value) {
+        SetEnd(std::to_chars(Begin(), Begin() + m_text.size(), value).ptr);
+    }
+
+    /// A floating-point value in the general form with six significant digits, as `0.0002` or `1e-05`; `nan`, `inf`
+    /// and `-inf` are texts too.
+    static CNumberText General(double value);
+
+    /// The text, which lives as long as this object.
+    std::string_view View() const { return {m_text.data(), m_size}; }
+
+ private:
+    CNumberText() = default;
+
+    char* Begin() { return m_text.data(); }
+    void SetEnd(const char* end) { m_size = static_cast<std::size_t>(end - m_text.data()); }
+
+    std::array<char, 24> m_text{};  ///< Room for 20 digits and a sign.
+    std::size_t m_size = 0;
+};
+
+/// @name Text to number
+/// Each skips leading blanks, takes a sign, stops at the first character that doesn't belong to the number, and gives
+/// 0 if there is none. A number too large for the type gives the nearest value that the type holds.
+/// @{
+std::int32_t ParseInt32(std::string_view text);
+std::int64_t ParseInt64(std::string_view text);
+std::uint32_t ParseUInt32(std::string_view text);  ///< A minus sign negates in unsigned arithmetic: "-1" is 2^32 - 1.
+std::uint64_t ParseUInt64(std::string_view text);  ///< A minus sign negates in unsigned arithmetic: "-1" is 2^64 - 1.
+double ParseDouble(std::string_view text);         ///< The largest double is followed by the infinities.
+/// @}
+
+}  // namespace vxfileio

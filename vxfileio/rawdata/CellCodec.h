@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "vxfileio/helpers/Tokenizer.h"
+
+/// @file
+/// One cell as bytes: `key=value` or `key=item:item`, NUL bytes, CR LF.
+
+namespace vxfileio::rawdata {
+
+/// Puts the text of one cell together in place. Nothing is ever written outside the cell.
+class CCellWriter {
+ public:
+    /// Fills the whole cell, with the key as its text so far. The bytes stay the caller's.
+    CCellWriter(std::span<char> cell, std::string_view key);
+
+    /// Adds text as it stands.
+    void PutBare(std::string_view text);
+
+    /// Adds a value, or the next item of a list, behind its `=` or `:`. It isn't empty.
+    void PutItem(std::string_view item);
+
+    /// Adds a value that may be empty: then the cell keeps its key alone.
+    void PutValue(std::string_view value);
+
+    /// Tells whether all that was put had room.
+    bool Fits() const { return m_fits; }
+
+ private:
+    std::span<char> m_room;  ///< What is left for text.
+    bool m_fits = true;
+    bool m_hasItem = false;
+};
+
+/// Returns the text of a cell: its bytes up to the first NUL. It points into the cell.
+std::string_view CellText(std::string_view cell);
+
+/// The tokens of a cell behind its key: the one value, or the items of a list. They point into the cell.
+class CCellItems {
+ public:
+    explicit CCellItems(std::string_view cell);
+
+    /// Returns the next item, or nothing if there is none left.
+    std::optional<std::string_view> Next() { return m_tokens.Next(); }
+
+ private:
+    CTokenizer m_tokens;
+};
+
+/// Returns the value of a cell; empty if the cell holds its key alone. It points into the cell.
+std::string_view CellValue(std::string_view cell);
+
+}  // namespace vxfileio::rawdata

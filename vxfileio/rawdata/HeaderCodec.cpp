@@ -1,0 +1,200 @@
+#include "vxfileio/rawdata/HeaderCodec.h"
+
+#include <string>
+
+#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
+
+namespace vxfileio::rawdata {
+
+namespace {
+
+void RefuseUnlessFitting(const CCellWriter& writer, std::string_view key) {
+    if (!writer.Fits()) throw CExcVXReader(kDoesNotFit + std::string(key));
+}
+
+// ---- Values to text -------------------------------------------------------------------------------------------------
+
+CNumberText ToText(std::int32_t value) {
+    return CNumberText(value);
+}
+CNumberText ToText(std::int64_t value) {
+    return CNumberText(value);
+}
+CNumberText ToText(std::uint64_t value) {
+    return CNumberText(value);
+}
+CNumberText ToText(double value) {
+    return CNumberText::General(value);
+}
+
+void Put(CCellWriter& writer, const std::string& value) {
+    writer.PutValue(value);
+}
+
+void Put(CCellWriter& writer, const auto& number) {
+    writer.PutItem(ToText(number).View());
+}
+
+void Put(CCellWriter& writer, const std::vector<std::int64_t>& list) {
+    for (const auto number : list)
+        Put(writer, number);
+}
+
+template <class Header, class Value>
+void PutMember(CCellWriter& writer, const Header& header, Value Header::*member) {
+    Put(writer, header.*member);
+}
+
+template <class Header>
+void PutMember(CCellWriter& writer, const Header& header, CBareText<Header> member) {
+    writer.PutBare(header.*member.text);
+}
+
+template <class Header>
+void PutMember(CCellWriter& /*writer*/, const Header& /*header*/, std::monostate /*member*/) {}
+
+void PutMember(CCellWriter& writer, const CRawDataRecordingHdr& header, CChannelCount member) {
+    Put(writer, static_cast<std::uint64_t>((header.*member.channels).size()));
+}
+
+void PutMember(CCellWriter& writer, const CRawDataRecordingHdr& header, CChannelList member) {
+    const auto putAll = [&](auto field) {
+        for (const auto& channel : header.*member.channels)
+            Put(writer, channel.*field);
+    };
+    std::visit(putAll, member.field);
+}
+
+void EncodeCells(const auto& cells, const auto& header, std::span<char> bytes) {
+    for (const auto& cell : cells) {
+        CCellWriter writer(bytes.first(cell.width), cell.key);
+        if (cell.standBy) {
+            writer.PutValue(*cell.standBy);
+        } else {
+            std::visit([&](auto member) { PutMember(writer, header, member); }, cell.member);
+        }
+        RefuseUnlessFitting(writer, cell.key);
+        bytes = bytes.subspan(cell.width);
+    }
+}
+
+// ---- Text to values -------------------------------------------------------------------------------------------------
+
+void FromText(std::string_view text, std::string& value) {
+    value = text;
+}
+void FromText(std::string_view text, std::int32_t& value) {
+    value = ParseInt32(text);
+}
+void FromText(std::string_view text, std::int64_t& value) {
+    value = ParseInt64(text);
+}
+void FromText(std::string_view text, std::uint64_t& value) {
+    value = ParseUInt64(text);
+}
+void FromText(std::string_view text, double& value) {
+    value = ParseDouble(text);
+}
+
+void Take(std::string_view cell, auto& value) {
+    FromText(CellValue(cell), value);
+}
+
+void Take(std::string_view cell, std::vector<std::int64_t>& list) {
+    list.clear();
+    CCellItems items(cell);
+    while (const auto item = items.Next())
+        list.push_back(ParseInt64(*item));
+}
+
+template <class Header, class Value>
+bool TakeMember(std::string_view cell, Header& header, Value Header::*member) {
+    Take(cell, header.*member);
+    return true;
+}
+
+template <class Header>
+bool TakeMember(std::string_view cell, Header& header, CBareText<Header> member) {
+    header.*member.text = CellText(cell);
+    return true;
+}
+
+template <class Header>
+bool TakeMember(std::string_view /*cell*/, Header& /*header*/, std::monostate /*member*/) {
+    return true;
+}
+
+bool TakeMember(std::string_view cell, CRawDataRecordingHdr& header, CChannelCount member) {
+    const std::int32_t count = ParseInt32(CellValue(cell));
+    if (count < 0 || static_cast<std::size_t>(count) > kMostChannels) return false;
+    (header.*member.channels).assign(static_cast<std::size_t>(count), CRawDataChannelInfo());
+    return true;
+}
+
+/// Interval items have the range of 32 bits in this format, although the field is wider.
+void TakeChannelItem(std::string_view item, std::int64_t& interval) {
+    interval = ParseInt32(item);
+}
+void TakeChannelItem(std::string_view item, auto& value) {
+    FromText(item, value);
+}
+
+bool TakeMember(std::string_view cell, CRawDataRecordingHdr& header, CChannelList member) {
+    const auto takeAll = [&](auto field) {
+        CCellItems items(cell);
+        for (auto& channel : header.*member.channels) {
+            const auto item = items.Next();
+            if (!item) break;
+            TakeChannelItem(*item, channel.*field);
+        }
+    };
+    std::visit(takeAll, member.field);
+    return true;
+}
+
+bool DecodeCells(const auto& cells, std::int32_t version, std::string_view bytes, auto& header) {
+    for (const auto& cell : cells) {
+        if (!HasCell(cell, version)) continue;
+        const auto text = bytes.substr(0, cell.width);
+        if (!std::visit([&](auto member) { return TakeMember(text, header, member); }, cell.member)) return false;
+        bytes.remove_prefix(cell.width);
+    }
+    return true;
+}
+
+}  // namespace
+
+void Encode(const CRawDataFileHdr& header, std::span<char, kFileHdrSize> bytes) {
+    EncodeCells(kFileCells, header, bytes);
+}
+
+void Encode(const CRawDataRecordingHdr& header, std::span<char, kRecordingHdrSize> bytes) {
+    EncodeCells(kRecordingCells, header, bytes);
+}
+
+void Encode(const CSegmentHdr& header, std::span<char, kSegmentHdrSize> bytes) {
+    EncodeCells(kSegmentCells, header, bytes);
+}
+
+void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char> cell) {
+    CCellWriter writer(cell.first(place.width), place.key);
+    writer.PutValue(value);
+    RefuseUnlessFitting(writer, place.key);
+}
+
+void Decode(std::string_view bytes, CRawDataFileHdr& header) {
+    DecodeCells(kFileCells, kNewestVersion, bytes, header);
+}
+
+void Decode(std::string_view bytes, CSegmentHdr& header) {
+    DecodeCells(kSegmentCells, kNewestVersion, bytes, header);
+}
+
+bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
+    return DecodeCells(kRecordingCells, version, bytes, header);
+}
+
+}  // namespace vxfileio::rawdata

@@ -1,0 +1,193 @@
+#include "vxfileio/rawdata/RawDataReader.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/HeaderCodec.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
+
+using namespace vxfileio::rawdata;
+using vxfileio::CMutableBytes;
+
+namespace {
+
+/// How far behind the end of the file the samples of a segment may reach by its own telling. A cut file gives such
+/// segments, and they are delivered with zeros behind the end; a damaged size must not cost more memory than this.
+constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
+
+/// Room for one header. It begins as zeros, and so does everything behind the end of the file.
+template <std::size_t Size>
+class CHdrBytes {
+ public:
+    CMutableBytes Writable() { return std::as_writable_bytes(std::span(m_bytes)); }
+    std::string_view View() const { return {m_bytes.data(), m_bytes.size()}; }
+
+    /// Tells whether the first cell is whole in the `read` bytes and begins with the text.
+    template <class Cells>
+    bool BeginsWith(std::string_view text, const Cells& cells, std::size_t read) const {
+        const std::size_t width = cells.front().width;
+        return read >= width && CellText(View().substr(0, width)).starts_with(text);
+    }
+
+ private:
+    std::array<char, Size> m_bytes{};
+};
+
+bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName, std::int32_t recording) {
+    return header.TaskName == taskName && header.Recording == recording;
+}
+
+void AppendWellIDs(const CRawDataRecordingHdr& header, std::vector<std::int32_t>& wellIDs) {
+    for (const auto& channel : header.WellChannels)
+        wellIDs.push_back(channel.ID);
+}
+
+}  // namespace
+
+void CRawDataReader::Open(const std::string& path) {
+    m_readPosition = kUnset;
+    if (!m_file.OpenForReading(path)) throw CExcVXReader(kCannotOpen + path);
+    m_index.Clear();
+    ReadFileHdr();
+    m_recordings.clear();
+    CChainGuard guard(m_file, SizeOf(kRecordingCells, m_fileHdr.FileVersion));
+    for (auto position = m_fileHdr.FPosFirstRecordingHdr; position != kUnset;
+         position = m_recordings.back().FPosNextRecordingHdr) {
+        if (!guard.Admits(position)) throw CExcVXReader(kBadRecordingHdr);
+        const auto& header = m_recordings.emplace_back(ReadRecordingHdr(position));
+        m_index.AddEntry({header.TaskName, header.Recording, header.Dose});
+    }
+}
+
+std::vector<std::string> CRawDataReader::GetTasks() const {
+    std::vector<std::string> tasks;
+    for (const auto& header : m_recordings) {
+        if (std::find(tasks.begin(), tasks.end(), header.TaskName) == tasks.end()) tasks.push_back(header.TaskName);
+    }
+    return tasks;
+}
+
+std::vector<std::int64_t> CRawDataReader::GetDoses(const std::string& taskName, std::int32_t wellID) const {
+    std::vector<std::int64_t> doses;
+    for (const auto& header : m_recordings) {
+        if (header.TaskName != taskName) continue;
+        const auto& wells = header.WellChannels;
+        const auto count = std::count_if(wells.begin(), wells.end(), [&](const auto& c) { return c.ID == wellID; });
+        doses.insert(doses.end(), static_cast<std::size_t>(count), header.Dose);
+    }
+    return doses;
+}
+
+std::vector<std::int32_t> CRawDataReader::GetWellIDs(const std::string& /*taskName*/) const {
+    std::vector<std::int32_t> wellIDs;
+    if (!m_recordings.empty()) AppendWellIDs(m_recordings.front(), wellIDs);
+    return wellIDs;
+}
+
+std::vector<std::int32_t> CRawDataReader::GetWellIDs(const std::string& taskName, std::int32_t recording) const {
+    std::vector<std::int32_t> wellIDs;
+    for (const auto& header : m_recordings) {
+        if (IsRecording(header, taskName, recording)) AppendWellIDs(header, wellIDs);
+    }
+    return wellIDs;
+}
+
+const CRawDataRecordingHdr* CRawDataReader::GetRecordingHdr(const std::string& taskName, std::int32_t recording) const {
+    const auto matches = [&](const auto& header) { return IsRecording(header, taskName, recording); };
+    const auto found = std::find_if(m_recordings.begin(), m_recordings.end(), matches);
+    return found == m_recordings.end() ? nullptr : &*found;
+}
+
+bool CRawDataReader::JumpToData(const std::string& taskName, std::int32_t recording) {
+    const auto matches = [&](const auto& header) {
+        return IsRecording(header, taskName, recording) && header.FPosRecordingData != kUnset;
+    };
+    const auto last = std::find_if(m_recordings.rbegin(), m_recordings.rend(), matches);
+    if (last == m_recordings.rend()) return false;
+    m_readPosition = last->FPosRecordingData;
+    m_segmentGuard.Restart();
+    return true;
+}
+
+bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo,
+                                 std::uint32_t& size, std::uint16_t*& samples) {
+    // Without a selection the next segment is the one, most likely as long as the one before: its samples come along.
+    const auto guess = m_selectedWell == kAllWells ? SampleBytes() : CMutableBytes();
+    CSegmentHdr header;
+    std::size_t sampleBytes = 0;
+    std::int64_t dataPosition = kUnset;
+    do {
+        if (m_readPosition == kUnset) return false;
+        sampleBytes = ReadSegmentHdr(m_readPosition, guess, header);
+        dataPosition = m_readPosition + static_cast<std::int64_t>(kSegmentHdrSize);
+        wellID = header.ID;
+        if (IsWanted(wellID)) RefuseImpossibleSize(dataPosition, static_cast<std::uint32_t>(header.Size));
+        m_readPosition = header.FPosNextSegmentHdr;
+    } while (!IsWanted(wellID));
+
+    timeFrom = header.TimeFrom;
+    timeTo = header.TimeTo;
+    size = static_cast<std::uint32_t>(header.Size);
+    if (size != m_sampleCount || guess.empty()) {
+        MakeRoomFor(size);
+        sampleBytes = m_file.ReadUpTo(dataPosition, {SampleBytes()});
+    }
+    std::ranges::fill(SampleBytes().subspan(sampleBytes), std::byte{0});
+    samples = m_samples.get();
+    return true;
+}
+
+void CRawDataReader::ReadFileHdr() {
+    CHdrBytes<kFileHdrSize> bytes;
+    const std::size_t read = m_file.ReadUpTo(0, {bytes.Writable()});
+    Decode(bytes.View(), m_fileHdr);
+    if (!bytes.BeginsWith(kFileTypeText, kFileCells, read)) throw CExcVXReader(kNotOurFile);
+    if (m_fileHdr.FPosFirstRecordingHdr == kUnset) throw CExcVXReader(kEmptyFile);
+}
+
+CRawDataRecordingHdr CRawDataReader::ReadRecordingHdr(std::int64_t position) const {
+    CHdrBytes<kRecordingHdrSize> bytes;
+    const std::size_t read = m_file.ReadUpTo(position, {bytes.Writable()});
+    CRawDataRecordingHdr header;
+    if (!bytes.BeginsWith(kRecordingCells.front().key, kRecordingCells, read) ||
+        !Decode(bytes.View(), m_fileHdr.FileVersion, header)) {
+        throw CExcVXReader(kBadRecordingHdr);
+    }
+    return header;
+}
+
+/// Reads a segment header, and what follows it into `samples` in the same call. Returns how many bytes of that came.
+std::size_t CRawDataReader::ReadSegmentHdr(std::int64_t position, CMutableBytes samples, CSegmentHdr& header) {
+    if (position < 0) throw CExcVXReader(kBadSegmentPosition);
+    CHdrBytes<kSegmentHdrSize> bytes;
+    const std::size_t read = m_file.ReadUpTo(position, {bytes.Writable(), samples});
+    if (!bytes.BeginsWith(kSegmentCells.front().key, kSegmentCells, read) || !m_segmentGuard.Admits(position)) {
+        throw CExcVXReader(kBadSegmentHdr);
+    }
+    Decode(bytes.View(), header);
+    return read - std::min(read, kSegmentHdrSize);
+}
+
+void CRawDataReader::RefuseImpossibleSize(std::int64_t dataPosition, std::uint32_t size) const {
+    const std::int64_t bytes = std::int64_t{size} * std::int64_t{sizeof(std::uint16_t)};
+    if (size == m_sampleCount || bytes <= kMostMissingBytes) return;
+    if (dataPosition + bytes - kMostMissingBytes > m_file.Size()) throw CExcVXReader(kBadSegmentHdr);
+}
+
+/// Gives the buffer the exact size of a segment; a run of equal segments keeps it.
+void CRawDataReader::MakeRoomFor(std::uint32_t size) {
+    if (size == m_sampleCount && m_samples) return;
+    m_samples.reset();  // first, so that there is never more than one segment in memory
+    m_sampleCount = 0;
+    m_samples = std::make_unique_for_overwrite<std::uint16_t[]>(size);
+    m_sampleCount = size;
+}
+
+CMutableBytes CRawDataReader::SampleBytes() {
+    return std::as_writable_bytes(std::span(m_samples.get(), m_sampleCount));
+}

@@ -1,0 +1,217 @@
+#include "vxfileio/rawdata/RawDataWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <limits>
+#include <span>
+
+#include "vxfileio/frame/EnumerationWords.h"
+#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/rawdata/HeaderCodec.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
+
+using namespace vxfileio::rawdata;
+using vxfileio::CBytes;
+using vxfileio::CNumberText;
+
+namespace {
+
+static_assert(std::endian::native == std::endian::little,
+              "samples go to the file straight from memory, low byte first");
+
+constexpr CCellPlace kFirstRecordingHdr = PlaceOf(kFileCells, "FPosFirstRecordingHdr");
+constexpr CCellPlace kNextSegmentHdr = PlaceOf(kSegmentCells, "FPosNextSegmentHdr");
+
+/// The cells that finishing a recording rewrites. They lie together, so that one write does it.
+constexpr std::array kFinishedCells = {
+    PlaceOf(kRecordingCells, "FPosRecordingData"),
+    PlaceOf(kRecordingCells, "FPosRecordingTrailer"),
+    PlaceOf(kRecordingCells, "FPosNextRecordingHdr"),
+};
+constexpr std::size_t kFinishedSize = kFinishedCells[0].width + kFinishedCells[1].width + kFinishedCells[2].width;
+static_assert(kFinishedCells[2].offset + kFinishedCells[2].width == kFinishedCells[0].offset + kFinishedSize);
+
+/// The lists of the file header that a caller may replace, by the task that each belongs to.
+struct CTaskList {
+    enTask task;
+    CCellPlace cell;
+};
+constexpr std::array kTaskLists = {
+    CTaskList{enTask::PreQC, PlaceOf(kFileCells, "PreQC")},
+    CTaskList{enTask::CompoundTest, PlaceOf(kFileCells, "CompoundTest")},
+    CTaskList{enTask::PostQC, PlaceOf(kFileCells, "PostQC")},
+};
+
+/// A reader holds a segment's size in 32 bits.
+constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
+
+CBytes AsBytes(std::string_view text) {
+    return std::as_bytes(std::span(text.data(), text.size()));
+}
+
+std::int64_t SampleCount(std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick) {
+    if (tick <= 0) throw CExcVXReader(kBadTick);
+    if (timeTo < timeFrom) throw CExcVXReader(kTimesReversed);
+    // Unsigned, because the span of two 64-bit times can go beyond the signed range.
+    const auto span = static_cast<std::uint64_t>(timeTo) - static_cast<std::uint64_t>(timeFrom);
+    const bool tooLong = span > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    if (tooLong || static_cast<std::int64_t>(span) / tick >= kMostSamples) throw CExcVXReader(kTooManySamples);
+    return static_cast<std::int64_t>(span) / tick + 1;
+}
+
+std::string Join(const std::vector<std::string>& values) {
+    std::string joined;
+    for (const auto& value : values) {
+        if (&value != &values.front()) joined += ':';
+        joined += value;
+    }
+    return joined;
+}
+
+std::string EncodedCell(const CCellPlace& place, std::string_view value) {
+    std::string cell(place.width, '\0');
+    EncodeCell(place, value, cell);
+    return cell;
+}
+
+}  // namespace
+
+CRawDataWriter::~CRawDataWriter() {
+    Close();
+}
+
+void CRawDataWriter::Open(const std::string& path) {
+    Close();
+    if (!m_file.Create(path)) throw CExcVXReader(kCannotOpen + path);
+    m_stage = enStage::Opened;
+}
+
+void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
+    RefuseBefore(enStage::Opened);
+    if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
+    std::array<char, kFileHdrSize> bytes;
+    Encode(header, bytes);
+    m_refusedHdrs.assign(bytes.begin(), bytes.end());
+    m_stage = enStage::HasFileHdr;
+    AppendRefusedHdrs();
+}
+
+void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
+    RefuseBefore(enStage::HasFileHdr);
+    std::array<char, kRecordingHdrSize> bytes;
+    Encode(header, bytes);
+    // A recording before this one whose header never reached the file has no data there either: it is given up.
+    m_refusedHdrs.resize(m_file.End() == 0 ? kFileHdrSize : 0);
+    m_refusedHdrs.append(bytes.begin(), bytes.end());
+    m_stage = enStage::InRecording;
+    AppendRefusedHdrs();
+}
+
+void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
+                               const std::uint16_t* samples) {
+    RefuseBefore(enStage::InRecording);
+    const std::int64_t count = SampleCount(timeFrom, timeTo, tick);
+    if (samples == nullptr) throw CExcVXReader(kNoSamples);
+    if (!AppendRefusedHdrs()) return;
+
+    std::array<char, kSegmentHdrSize> bytes;
+    Encode(CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
+    const std::int64_t position = m_file.End();
+    const std::span data(samples, static_cast<std::size_t>(count));
+    // A full disk isn't reported; the file ends where it did, and the next segment takes this one's place.
+    if (!m_file.Append({std::as_bytes(std::span(bytes)), std::as_bytes(data)})) return;
+
+    if (m_latestSegment != kUnset) {
+        std::array<char, kNextSegmentHdr.width> cell;
+        EncodeCell(kNextSegmentHdr, CNumberText(position).View(), cell);
+        Rewrite(m_latestSegment + static_cast<std::int64_t>(kNextSegmentHdr.offset), {cell.data(), cell.size()});
+    }
+    m_latestSegment = position;
+}
+
+void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values) {
+    RefuseBefore(enStage::HasFileHdr);
+    const auto isTask = [&](const CTaskList& list) { return WordOf(list.task) == taskName; };
+    const auto* list = std::find_if(kTaskLists.begin(), kTaskLists.end(), isTask);
+    if (list == kTaskLists.end()) return;
+    const std::string cell = EncodedCell(list->cell, Join(values));
+    if (m_file.End() == 0) {
+        m_refusedHdrs.replace(list->cell.offset, cell.size(), cell);
+    } else {
+        Rewrite(static_cast<std::int64_t>(list->cell.offset), cell);
+    }
+}
+
+void CRawDataWriter::Close() {
+    if (m_stage == enStage::Closed) return;
+    AppendRefusedHdrs();
+    FinishRecording(kUnset);
+    RetryRewrites();
+    m_file.Close();  // as with every write, a late failure isn't reported
+    m_stage = enStage::Closed;
+    m_refusedHdrs.clear();
+    m_refusedRewrites.clear();
+    m_recordingHdr = kUnset;
+    m_latestSegment = kUnset;
+}
+
+void CRawDataWriter::RefuseBefore(enStage needed) const {
+    if (m_stage >= needed) return;
+    if (m_stage == enStage::Closed) throw CExcVXReader(kNoOpenFile);
+    throw CExcVXReader(m_stage == enStage::Opened ? kFileHdrMissing : kNoRecording);
+}
+
+/// Appends the headers that the file still lacks. Returns false if the system refuses again.
+bool CRawDataWriter::AppendRefusedHdrs() {
+    if (m_refusedHdrs.empty()) return true;
+    if (!m_file.Append({AsBytes(m_refusedHdrs)})) return false;
+    m_refusedHdrs.clear();
+    if (m_stage == enStage::InRecording) BeginRecordingAt(m_file.End() - static_cast<std::int64_t>(kRecordingHdrSize));
+    return true;
+}
+
+/// Points at a recording header that has just become whole.
+void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
+    if (m_recordingHdr == kUnset) {
+        Rewrite(static_cast<std::int64_t>(kFirstRecordingHdr.offset),
+                EncodedCell(kFirstRecordingHdr, CNumberText(position).View()));
+    } else {
+        FinishRecording(position);
+    }
+    m_recordingHdr = position;
+    m_latestSegment = kUnset;
+}
+
+/// Gives the latest recording, if there is one, the position of its data and of what comes behind it.
+void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
+    if (m_recordingHdr == kUnset) return;
+    const std::int64_t data = m_recordingHdr + static_cast<std::int64_t>(kRecordingHdrSize);
+    const std::array values = {data, kUnset, nextRecordingHdr};
+    std::array<char, kFinishedSize> bytes;
+    std::span<char> room(bytes);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        EncodeCell(kFinishedCells[i], CNumberText(values[i]).View(), room);
+        room = room.subspan(kFinishedCells[i].width);
+    }
+    Rewrite(m_recordingHdr + static_cast<std::int64_t>(kFinishedCells[0].offset), {bytes.data(), bytes.size()});
+}
+
+/// Writes cells over those at a position, now or, if the system refuses, as soon as it takes them.
+void CRawDataWriter::Rewrite(std::int64_t position, std::string_view bytes) {
+    RetryRewrites();
+    if (m_file.WriteAt(position, {AsBytes(bytes)})) {
+        m_refusedRewrites.erase(position);
+    } else {
+        m_refusedRewrites[position] = bytes;
+    }
+}
+
+/// Repeats the refused rewrites up to the first that is refused again, so that a broken disk costs one call.
+void CRawDataWriter::RetryRewrites() {
+    auto next = m_refusedRewrites.begin();
+    while (next != m_refusedRewrites.end() && m_file.WriteAt(next->first, {AsBytes(next->second)})) {
+        next = m_refusedRewrites.erase(next);
+    }
+}

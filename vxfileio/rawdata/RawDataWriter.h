@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+/// Writes one raw data file after the other. What each operation does is told at `CIRawDataWriter`.
+///
+/// Two rules keep the file sound whenever a write fails or the process dies. *Append first, then point*: a position is
+/// only written once the system has everything that it leads to. *What failed is tried again*: a header that the
+/// system refused goes ahead of the next segment, a refused rewrite is repeated with the next one; a refused segment
+/// leaves nothing behind. The writer knows where the file ends and never asks.
+class CRawDataWriter {
+ public:
+    CRawDataWriter() = default;
+    ~CRawDataWriter();
+    CRawDataWriter(const CRawDataWriter&) = delete;
+    CRawDataWriter& operator=(const CRawDataWriter&) = delete;
+
+    void Open(const std::string& path);
+    void WriteFileHdr(const CRawDataFileHdr& header);
+    void WriteRecordingHdr(const CRawDataRecordingHdr& header);
+    void WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
+                   const std::uint16_t* samples);
+    void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
+    void Close();
+
+ private:
+    /// How far the calls for the open file have come.
+    enum class enStage { Closed, Opened, HasFileHdr, InRecording };
+
+    void RefuseBefore(enStage needed) const;
+    bool AppendRefusedHdrs();
+    void BeginRecordingAt(std::int64_t position);
+    void FinishRecording(std::int64_t nextRecordingHdr);
+    void Rewrite(std::int64_t position, std::string_view bytes);
+    void RetryRewrites();
+
+    vxfileio::CFile m_file;
+    enStage m_stage = enStage::Closed;
+
+    /// Headers that were to be written and that the system hasn't taken yet: empty while the disk has room. At the
+    /// file's start the file header, and last the header of the recording that the caller has begun.
+    std::string m_refusedHdrs;
+
+    /// Cells that were to be rewritten and that the system hasn't taken yet, by their position.
+    std::map<std::int64_t, std::string> m_refusedRewrites;
+
+    std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;   ///< Latest recording header in the file.
+    std::int64_t m_latestSegment = vxfileio::rawdata::kUnset;  ///< Latest segment of that recording.
+};
