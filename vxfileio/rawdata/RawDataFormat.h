@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -71,8 +72,9 @@ struct CCell {
     std::variant<std::monostate, std::string Header::*, std::int32_t Header::*, std::int64_t Header::*, More...> member;
     /// If set, the writer begins with this value, whatever the header holds.
     std::optional<std::string_view> standBy = std::nullopt;
-    /// The first version of the format whose files have the cell. Written files have every cell.
-    std::int32_t sinceVersion = 0;
+    /// The first version of the format whose files have the cell; most cells are in all, whatever number a file claims.
+    /// Written files have every cell.
+    std::int32_t sinceVersion = std::numeric_limits<std::int32_t>::min();
 };
 
 using CFileCell = CCell<CRawDataFileHdr, CBareText<CRawDataFileHdr>, std::vector<std::int64_t> CRawDataFileHdr::*>;

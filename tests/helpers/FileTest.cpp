@@ -1,0 +1,94 @@
+#include "vxfileio/helpers/File.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+
+#include "tests/support/TempFolder.h"
+#include "vxfileio/helpers/LittleEndian.h"
+
+namespace {
+
+using namespace vxfileio;
+
+CBytes AsBytes(const std::string& text) {
+    return std::as_bytes(std::span(text));
+}
+CMutableBytes AsRoom(std::string& text) {
+    return std::as_writable_bytes(std::span(text));
+}
+
+class FileTest : public testing::Test {
+ protected:
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("file");
+    CFile m_file;
+};
+
+TEST_F(FileTest, GatheredWritesAndScatteredReadsKeepTheirOrder) {
+    ASSERT_TRUE(m_file.Create(m_path));
+    const std::string a = "abc";
+    const std::string nothing;
+    const std::string b = "defgh";
+    EXPECT_TRUE(m_file.Append({AsBytes(a), AsBytes(nothing), AsBytes(b)}));
+    EXPECT_TRUE(m_file.Append({AsBytes(a)}));
+    EXPECT_TRUE(m_file.WriteAt(2, {AsBytes(std::string("XY")), AsBytes(std::string("Z"))}));
+    EXPECT_EQ(m_file.End(), 11);
+    EXPECT_EQ(m_file.Size(), 11);
+    EXPECT_EQ(ReadAll(m_path), "abXYZfghabc");
+
+    CFile reader;  // beside the writer
+    ASSERT_TRUE(reader.OpenForReading(m_path));
+    std::string first(4, '-');
+    std::string second(9, '-');
+    EXPECT_EQ(reader.ReadUpTo(1, {AsRoom(first), AsRoom(second)}), 10U);
+    EXPECT_EQ(first + second, "bXYZfghabc---");
+    EXPECT_EQ(reader.ReadUpTo(11, {AsRoom(first)}), 0U);
+    EXPECT_EQ(reader.ReadUpTo(-1, {AsRoom(first)}), 0U);
+    EXPECT_EQ(reader.ReadUpTo(std::numeric_limits<std::int64_t>::max(), {AsRoom(first)}), 0U);
+    EXPECT_EQ(first, "bXYZ");
+}
+
+TEST_F(FileTest, ClosedFilesAndFoldersGiveNothing) {
+    std::string room(4, '-');
+    EXPECT_EQ(m_file.ReadUpTo(0, {AsRoom(room)}), 0U);
+    EXPECT_FALSE(m_file.WriteAt(0, {AsBytes(room)}));
+    EXPECT_FALSE(m_file.Append({AsBytes(room)}));
+    EXPECT_EQ(m_file.Size(), 0);
+    EXPECT_TRUE(m_file.Close());
+    EXPECT_FALSE(m_file.OpenForReading(m_path));
+    EXPECT_FALSE(m_file.OpenForReading(m_folder.Path("")));
+    EXPECT_FALSE(m_file.Create(m_folder.Path("")));
+    EXPECT_FALSE(m_file.IsOpen());
+}
+
+TEST_F(FileTest, PositionsBeyond4GiBAreReached) {
+    constexpr std::int64_t kFar = (std::int64_t{5} << 30) + 7;
+    ASSERT_TRUE(m_file.Create(m_path));
+    if (!m_file.WriteAt(kFar, {AsBytes(std::string("far"))})) GTEST_SKIP() << "no room for a file of 5 GiB";
+    EXPECT_TRUE(m_file.WriteAt(7, {AsBytes(std::string("near"))}));
+    CFile reader;
+    ASSERT_TRUE(reader.OpenForReading(m_path));
+    EXPECT_EQ(reader.Size(), kFar + 3);
+    std::string room(8, '-');
+    EXPECT_EQ(reader.ReadUpTo(kFar, {AsRoom(room)}), 3U);
+    EXPECT_EQ(room, "far-----");
+    EXPECT_EQ(reader.ReadUpTo(7, {AsRoom(room)}), 8U);
+    EXPECT_EQ(room, std::string("near\0\0\0\0", 8));
+}
+
+TEST(LittleEndianTest, LeastSignificantByteComesFirstAtAnyAlignment) {
+    std::array<std::byte, 9> bytes{};
+    StoreLE64(&bytes[1], 0x8877665544332211U);
+    for (std::size_t i = 1; i < bytes.size(); ++i)
+        EXPECT_EQ(std::to_integer<unsigned>(bytes[i]), 0x11U * i);
+    EXPECT_EQ(LoadLE64(&bytes[1]), 0x8877665544332211U);
+    EXPECT_EQ(LoadLE32(&bytes[3]), 0x66554433U);
+    EXPECT_EQ(LoadLE16(&bytes[7]), 0x8877U);
+    StoreLE32(&bytes[0], 0xA1B2C3D4U);
+    StoreLE16(&bytes[5], 0xE5F6U);
+    EXPECT_EQ(LoadLE64(&bytes[1]), 0x8877E5F644A1B2C3U);
+}
+
+}  // namespace

@@ -1,0 +1,133 @@
+#include "vxfileio/helpers/NumberText.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace {
+
+using namespace vxfileio;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+std::string General(double value) {
+    return std::string(CNumberText::General(value).View());
+}
+
+TEST(NumberTextTest, WholeNumbersReachTheEndsOfTheirTypes) {
+    EXPECT_EQ(CNumberText(0).View(), "0");
+    EXPECT_EQ(CNumberText(std::numeric_limits<std::int64_t>::min()).View(), "-9223372036854775808");
+    EXPECT_EQ(CNumberText(std::numeric_limits<std::uint64_t>::max()).View(), "18446744073709551615");
+    EXPECT_EQ(CNumberText(std::numeric_limits<std::int32_t>::min()).View(), "-2147483648");
+}
+
+TEST(NumberTextTest, GeneralFormHasSixSignificantDigits) {
+    EXPECT_EQ(General(0.0), "0");
+    EXPECT_EQ(General(-0.0), "-0");
+    EXPECT_EQ(General(0.0002), "0.0002");
+    EXPECT_EQ(General(0.00001), "1e-05");
+    EXPECT_EQ(General(123456.5), "123456");  // half goes to even
+    EXPECT_EQ(General(999999.5), "1e+06");
+    EXPECT_EQ(General(1.0 / 3), "0.333333");
+    EXPECT_EQ(General(-1e300), "-1e+300");
+    EXPECT_EQ(General(std::numeric_limits<double>::denorm_min()), "4.94066e-324");
+    EXPECT_EQ(General(kInfinity), "inf");
+    EXPECT_EQ(General(-kInfinity), "-inf");
+    EXPECT_EQ(General(std::nan("")), "nan");
+    EXPECT_EQ(General(-std::nan("")), "nan");
+}
+
+TEST(NumberTextTest, WholeNumbersAreReadAsFarAsTheyGo) {
+    const struct {
+        const char* text;
+        std::int32_t narrow;
+        std::int64_t wide;
+    } cases[] = {
+        {"", 0, 0},
+        {"abc", 0, 0},
+        {"-", 0, 0},
+        {"+", 0, 0},
+        {"--5", 0, 0},
+        {"+-5", 0, 0},
+        {"12abc", 12, 12},
+        {" \t\n\v\f\r+12", 12, 12},
+        {"1 2", 1, 1},
+        {"- 5", 0, 0},
+        {"007", 7, 7},
+        {"0x10", 0, 0},
+        {"-2147483648", -2147483647 - 1, -2147483648LL},
+        {"2147483648", 2147483647, 2147483648LL},
+        {"-9223372036854775808", -2147483647 - 1, std::numeric_limits<std::int64_t>::min()},
+        {"-9223372036854775809", -2147483647 - 1, std::numeric_limits<std::int64_t>::min()},
+        {"9223372036854775808", 2147483647, std::numeric_limits<std::int64_t>::max()},
+        {"99999999999999999999999", 2147483647, std::numeric_limits<std::int64_t>::max()},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ParseInt32(c.text), c.narrow) << c.text;
+        EXPECT_EQ(ParseInt64(c.text), c.wide) << c.text;
+    }
+}
+
+TEST(NumberTextTest, UnsignedNumbersNegateAndStopAtTheirEnd) {
+    EXPECT_EQ(ParseUInt64("18446744073709551615"), 18446744073709551615U);
+    EXPECT_EQ(ParseUInt64("18446744073709551616"), 18446744073709551615U);
+    EXPECT_EQ(ParseUInt64("-1"), 18446744073709551615U);
+    EXPECT_EQ(ParseUInt64("-18446744073709551615"), 1U);
+    EXPECT_EQ(ParseUInt64("-99999999999999999999"), 18446744073709551615U);
+    EXPECT_EQ(ParseUInt32("4294967295"), 4294967295U);
+    EXPECT_EQ(ParseUInt32("4294967296"), 4294967295U);
+    EXPECT_EQ(ParseUInt32(" -2x"), 4294967294U);
+}
+
+TEST(NumberTextTest, DoublesAreReadAsFarAsTheyGo) {
+    const struct {
+        const char* text;
+        double value;
+    } cases[] = {
+        {"", 0.0},
+        {"x", 0.0},
+        {"-", 0.0},
+        {"--1", 0.0},
+        {"0,5", 0.0},
+        {"0.5", 0.5},
+        {" +.5e1x", 5.0},
+        {"4.", 4.0},
+        {"6.25e-002", 0.0625},
+        {"-1e3", -1000.0},
+        {"1e", 1.0},
+        {"1e+", 1.0},
+        {"1.5.5", 1.5},
+        {"inf", kInfinity},
+        {"-inf", -kInfinity},
+        {"1e309", kInfinity},
+        {"-1e309", -kInfinity},
+        {"1e-400", 0.0},
+        {"0.0000001e320", kInfinity},
+        {"1e99999999999999999999", kInfinity},
+        {"1e-99999999999999999999", 0.0},
+        {"4.9406564584124654e-324", std::numeric_limits<double>::denorm_min()},
+        {"1.7976931348623157e308", std::numeric_limits<double>::max()},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ParseDouble(c.text), c.value) << c.text;
+    EXPECT_TRUE(std::isnan(ParseDouble("nan")));
+    EXPECT_EQ(ParseDouble("1" + std::string(400, '0')), kInfinity);
+    EXPECT_EQ(ParseDouble("0." + std::string(400, '0') + "1"), 0.0);
+    EXPECT_EQ(ParseDouble("0." + std::string(400, '0') + "1e402"), 10.0);
+}
+
+TEST(NumberTextTest, LocaleOfTheProcessHasNoSay) {
+    const char* const before = std::setlocale(LC_ALL, nullptr);
+    const std::string restore = before == nullptr ? "C" : before;
+    for (const char* locale : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"}) {
+        if (std::setlocale(LC_ALL, locale) != nullptr) break;
+    }
+    EXPECT_EQ(General(0.5), "0.5");
+    EXPECT_EQ(ParseDouble("0.5"), 0.5);
+    std::setlocale(LC_ALL, restore.c_str());
+}
+
+}  // namespace

@@ -1,0 +1,267 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <set>
+#include <string_view>
+
+#include "tests/rawdata/ExampleHdrs.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/rawdata/SegmentsOf.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+constexpr const char* kNotOurs = "Opened file is not a Vexaprobe file.";
+constexpr const char* kEmpty = "Opened file is empty.";
+constexpr const char* kBadRecording = "Error reading Recording Header";
+constexpr const char* kBadSegment = "Error reading Data Segment Header";
+constexpr const char* kBadSeek = "Error seeking Data Segment.";
+
+/// A small file with verbs of damage.
+class DamagedFileTest : public testing::Test {
+ protected:
+    void SetCell(std::size_t offset, std::size_t width, const std::string& text) {
+        m_bytes.replace(offset, width, Cell(width, text));
+    }
+
+    /// Opens the bytes and reads all that any recording gives, as one line; or the text of the failure to open.
+    std::string Outcome() {
+        WriteAll(m_path, m_bytes);
+        const std::string failure = TextOfFailure([&] { m_reader.Open(m_path); });
+        if (failure != "no failure") return failure;
+        std::string line;
+        for (int i = 0; i < m_reader.GetIndex()->GetCount(); ++i) {
+            const CIndexEntry& entry = *m_reader.GetIndex()->GetEntry(i);
+            AskEverything(entry);
+            line += entry.TaskName + std::to_string(entry.Recording) + ": ";
+            if (!m_reader.JumpToData(entry.TaskName, entry.Recording)) {
+                line += "unreachable ";
+                continue;
+            }
+            m_reader.SelectWellID(12);
+            SegmentsOf(m_reader);
+            m_reader.SelectWellID(-1);
+            m_reader.JumpToData(entry.TaskName, entry.Recording);
+            line += SegmentsOf(m_reader);
+        }
+        return line;
+    }
+
+    void AskEverything(const CIndexEntry& entry) {
+        m_reader.GetTasks();
+        m_reader.GetDoses(entry.TaskName, 11);
+        m_reader.GetWellIDs(entry.TaskName, entry.Recording);
+        EXPECT_NE(m_reader.GetRecordingHdr(entry.TaskName, entry.Recording), nullptr);
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("damaged.vxd");
+    std::string m_bytes = SmallFileBytes();
+    CVXFileIO m_io;
+    CIRawDataReader& m_reader = *m_io.GetRawDataReader();
+};
+
+// Where a file may be cut, and what must come of every cut up to there.
+TEST_F(DamagedFileTest, EveryPrefixGivesItsToldOutcome) {
+    const std::string whole = m_bytes;
+    const std::string first = "CompoundTest1: 11[0..300]1,256,65535,32768 ";
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        m_bytes = whole.substr(0, size);
+        const std::string outcome = Outcome();
+        SCOPED_TRACE(size);
+        if (size < 50) {
+            EXPECT_EQ(outcome, kNotOurs);
+        } else if (size < 1190 + 50) {
+            EXPECT_EQ(outcome, kBadRecording);
+        } else if (size < 1190 + 250) {
+            // The header is cut before all three of its positions: those cells read as 0, and 0 is no recording.
+            EXPECT_EQ(outcome, kBadRecording);
+        } else if (size >= 1190 + 300 && size < 3650 + 50) {
+            EXPECT_EQ(outcome, std::string("CompoundTest1: ") + kBadSegment);
+        } else if (size >= 3958 && size < 3958 + 50) {
+            EXPECT_EQ(outcome, first + kBadSegment);
+        } else if (size >= 3958 + 300 && size < whole.size()) {
+            const std::array tails = {"0,0,0,0", "7,0,0,0", "7,8,0,0",
+                                      "7,8,9,0"};  // little values: the high bytes are 0
+            const std::string expected = tails[(size - 4258 + 1) / 2 == 4 ? 3 : (size - 4258 + 1) / 2];
+            EXPECT_EQ(outcome,
+                      size == 4265 ? first + "12[0..300]7,8,9,10 end" : first + "12[0..300]" + expected + " end");
+        }
+    }
+    EXPECT_EQ(Outcome(), first + "12[0..300]7,8,9,10 end");
+}
+
+// No single damaged byte may bring more than one of the told outcomes, and none may bring the reader down.
+TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInAToldOutcome) {
+    const std::string whole = m_bytes;
+    const std::set<std::string> told = {kNotOurs, kEmpty, kBadRecording};
+    std::set<std::string> seen;
+    const auto isToldEnding = [](const std::string& line) {
+        for (const char* ending : {"end", "unreachable ", kBadSegment, kBadSeek}) {
+            if (line.ends_with(ending)) return true;
+        }
+        return false;
+    };
+    for (std::size_t at = 0; at < 4258; ++at) {
+        if (at >= 3950 && at < 3958) continue;  // samples
+        for (const int flip : {0x01, 0xFF}) {
+            m_bytes = whole;
+            m_bytes[at] = static_cast<char>(m_bytes[at] ^ flip);
+            const std::string outcome = Outcome();
+            EXPECT_TRUE(told.contains(outcome) || isToldEnding(outcome)) << at << ": " << outcome;
+            seen.insert(outcome);
+        }
+    }
+    EXPECT_TRUE(seen.contains(kNotOurs) && seen.contains(kBadRecording));
+}
+
+TEST_F(DamagedFileTest, EveryCellTakesAnyTextWithoutHarm) {
+    const std::string whole = m_bytes;
+    const std::array values = {"",
+                               "=",
+                               ":",
+                               "text",
+                               "-1",
+                               "-2",
+                               "0",
+                               "4611686018427387904",
+                               "2147483647",
+                               "-2147483648",
+                               "9223372036854775807",
+                               "-9223372036854775808",
+                               "1e300",
+                               "99999999999999999999999999",
+                               "1190",
+                               "3650",
+                               "3958",
+                               "::::",
+                               "5=6:7"};
+    std::vector<std::pair<std::size_t, std::size_t>> cells;
+    for (std::size_t at = 0; at < m_bytes.size();) {
+        const std::size_t end = m_bytes.find("\r\n", at);
+        if (end == std::string::npos) break;
+        if (at != 3950) cells.emplace_back(at, end + 2 - at);
+        at = at == 3950 ? 3958 : end + 2;
+    }
+    ASSERT_EQ(cells.size(), 14U + 18U + 6U + 6U);
+    for (const auto& [offset, width] : cells) {
+        const std::string key = whole.substr(offset, whole.find_first_of(std::string("=\0", 2), offset) - offset);
+        for (const std::string value : values) {
+            m_bytes = whole;
+            if (key.size() + 1 + value.size() > width - 2) continue;
+            SetCell(offset, width, key + "=" + value);
+            EXPECT_NE(Outcome(), "") << key << "=" << value;
+        }
+        m_bytes = whole;
+        m_bytes.replace(offset, width, std::string(width, '7'));  // no NUL, no CR LF
+        EXPECT_NE(Outcome(), "");
+    }
+}
+
+TEST_F(DamagedFileTest, RecordingChainsThatLeadBackAreReported) {
+    SetCell(1440, 50, "FPosNextRecordingHdr=1190");
+    EXPECT_EQ(Outcome(), kBadRecording);
+    m_bytes = FileHdrBytes(1190);
+    for (int i = 0; i < 40; ++i) {
+        m_bytes += RecordingHdrBytes({.recording = i, .next = i < 39 ? 1190 + 2460 * (i + 1) : 1190 + 2460 * 17});
+    }
+    EXPECT_EQ(Outcome(), kBadRecording);
+}
+
+TEST_F(DamagedFileTest, RecordingChainThatRunsBackwardsIsValid) {
+    m_bytes = FileHdrBytes(6110) + RecordingHdrBytes({.task = "C"}) + RecordingHdrBytes({.task = "B", .next = 1190}) +
+              RecordingHdrBytes({.task = "A", .next = 3650});
+    WriteAll(m_path, m_bytes);
+    m_reader.Open(m_path);
+    EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"A", "B", "C"}));
+}
+
+TEST_F(DamagedFileTest, SegmentChainsThatLeadBackAreReportedAnewAfterEachJump) {
+    SetCell(4058, 50, "FPosNextSegmentHdr=3650");
+    WriteAll(m_path, m_bytes);
+    m_reader.Open(m_path);
+    for (const int well : {-1, 12, 99}) {
+        m_reader.SelectWellID(well);
+        for (int pass = 0; pass < 2; ++pass) {
+            ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+            const std::string line = SegmentsOf(m_reader, 100);
+            EXPECT_TRUE(line.ends_with(kBadSegment)) << line;
+            EXPECT_EQ(line.starts_with(well == 99   ? "Error"
+                                       : well == 12 ? "12["
+                                                    : "11[0..300]1,256,65535,32768 12["),
+                      true);
+            EXPECT_EQ(SegmentsOf(m_reader, 100), kBadSegment);  // and stays there
+        }
+    }
+}
+
+TEST_F(DamagedFileTest, SegmentChainThatRunsBackwardsIsValid) {
+    m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3958}) + SegmentHdrBytes(12, -1, 5, 8, "4") +
+              SampleBytes(kWell12) + SegmentHdrBytes(11, 3650, 1, 4, "4") + SampleBytes(kWell11);
+    EXPECT_EQ(Outcome(), "CompoundTest1: 11[1..4]1,256,65535,32768 12[5..8]7,8,9,10 end");
+}
+
+TEST_F(DamagedFileTest, SegmentPositionsOutsideTheFileAreReported) {
+    struct {
+        const char* position;
+        std::string outcome;
+    } const cases[] = {{"-2", kBadSeek},      {"-9223372036854775808", kBadSeek},
+                       {"4266", kBadSegment}, {"9223372036854775807", kBadSegment},
+                       {"0", kBadSegment},    {"-1", "unreachable "}};
+    for (const auto& c : cases) {
+        SetCell(1340, 50, std::string("FPosRecordingData=") + c.position);
+        EXPECT_EQ(Outcome(), "CompoundTest1: " + c.outcome) << c.position;
+        m_bytes = SmallFileBytes();
+        if (c.outcome == "unreachable ") continue;
+        SetCell(3750, 50, std::string("FPosNextSegmentHdr=") + c.position);
+        EXPECT_EQ(Outcome(), "CompoundTest1: 11[0..300]1,256,65535,32768 " + c.outcome) << c.position;
+        m_bytes = SmallFileBytes();
+    }
+}
+
+TEST_F(DamagedFileTest, SizesBeyondTheFileGiveZerosOrAnErrorButNoMemory) {
+    const auto lastSegment = [&](const std::string& size) {
+        m_bytes = SmallFileBytes();
+        SetCell(4208, 50, "Size=" + size);
+        std::string line = Outcome();
+        return line.substr(line.find("32768 ") + 6);
+    };
+    EXPECT_EQ(lastSegment("6"), "12[0..300]7,8,9,10,0,0 end");
+    EXPECT_EQ(lastSegment("0"), "12[0..300] end");
+    EXPECT_EQ(lastSegment("4611686018427387904"), "12[0..300] end");  // its low 32 bits are 0
+    EXPECT_EQ(lastSegment("4294967298"), "12[0..300]7,8 end");
+    for (const char* size : {"-1", "4294967295", "2147483647", "9223372036854775807", "10000000"}) {
+        EXPECT_EQ(lastSegment(size), kBadSegment) << size;
+    }
+}
+
+TEST_F(DamagedFileTest, ChannelCountsThatNoCellCouldListAreReported) {
+    for (const char* count : {"194", "2147483647", "-1", "99999999999"}) {
+        m_bytes = SmallFileBytes();
+        SetCell(1590, 30, std::string("NumberOfWells=") + count);
+        EXPECT_EQ(Outcome(), kBadRecording) << count;
+        m_bytes = SmallFileBytes();
+        SetCell(2620, 30, std::string("NumberOfAuxCh=") + count);
+        EXPECT_EQ(Outcome(), kBadRecording) << count;
+    }
+    m_bytes = SmallFileBytes();
+    SetCell(1590, 30, "NumberOfWells=193");
+    EXPECT_NE(Outcome(), kBadRecording);
+    EXPECT_EQ(m_reader.GetWellIDs("CompoundTest").size(), 193U);
+}
+
+TEST_F(DamagedFileTest, ReaderGoesOnAfterAnyFailure) {
+    const std::string whole = m_bytes;
+    SetCell(3958, 50, "Typo=Well");
+    EXPECT_EQ(Outcome(), std::string("CompoundTest1: 11[0..300]1,256,65535,32768 ") + kBadSegment);
+    EXPECT_EQ(SegmentsOf(m_reader), kBadSegment);
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
+    m_bytes = "rubbish";
+    EXPECT_EQ(Outcome(), kNotOurs);
+    EXPECT_EQ(SegmentsOf(m_reader), "end");
+    m_bytes = whole;
+    EXPECT_EQ(Outcome(), "CompoundTest1: 11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end");
+}
+
+}  // namespace

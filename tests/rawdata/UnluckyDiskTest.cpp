@@ -1,0 +1,192 @@
+#if defined(__unix__)
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "tests/rawdata/ExampleHdrs.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/rawdata/SegmentsOf.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+/// A disk that is full from a size on: the system refuses, or takes only a part of, what goes beyond.
+class CFullDisk {
+ public:
+    explicit CFullDisk(std::size_t size) {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        m_signal = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{size, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~CFullDisk() {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signal);
+    }
+    CFullDisk(const CFullDisk&) = delete;
+    CFullDisk& operator=(const CFullDisk&) = delete;
+
+ private:
+    rlimit m_before{};
+    void (*m_signal)(int) = SIG_DFL;
+};
+
+/// All segments of all recordings, or the text of the failure to open.
+std::string ContentOf(const std::string& path) {
+    CVXFileIO io;
+    CIRawDataReader& reader = *io.GetRawDataReader();
+    const std::string failure = TextOfFailure([&] { reader.Open(path); });
+    if (failure != "no failure") return failure;
+    std::string content;
+    for (int i = 0; i < reader.GetIndex()->GetCount(); ++i) {
+        const CIndexEntry& entry = *reader.GetIndex()->GetEntry(i);
+        content += entry.TaskName + ": ";
+        content += reader.JumpToData(entry.TaskName, entry.Recording) ? SegmentsOf(reader) + "; " : "unreachable; ";
+    }
+    return content;
+}
+
+/// Plays two recordings of two segments each; the disk is full from `fullFrom` on until the step `freeAgain`.
+void PlayRun(const std::string& path, std::size_t fullFrom, int freeAgain) {
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    writer.Open(path);
+    auto disk = std::make_unique<CFullDisk>(fullFrom);
+    auto step = [&, next = 0](auto call) mutable {
+        if (next++ == freeAgain) disk.reset();
+        call();
+    };
+    step([&] { writer.WriteFileHdr(ExampleFileHdr()); });
+    step([&] { writer.WriteRecordingHdr(ExampleRecordingHdr("PreQC")); });
+    step([&] { writer.WriteData(11, 0, 300, 100, kWell11.data()); });
+    step([&] { writer.WriteData(12, 0, 300, 100, kWell12.data()); });
+    step([&] { writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC")); });
+    step([&] { writer.UpdateFileHdr("CompoundTest", {"1000", "2000"}); });
+    step([&] { writer.WriteData(11, 1, 301, 100, kWell11.data()); });
+    step([&] { writer.WriteData(12, 1, 301, 100, kWell12.data()); });
+    step([&] { writer.Close(); });
+}
+
+// The places where the run's writes begin and end, and how much of it then reads back.
+TEST(UnluckyDiskTest, FullDiskLeavesEverythingThatWasWholeAndNothingElse) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("full.vxd");
+    const std::string pre1 = "PreQC: 11[0..300]1,256,65535,32768 ";
+    const std::string pre = pre1 + "12[0..300]7,8,9,10 end; ";
+    const std::string post1 = "PostQC: 11[1..301]1,256,65535,32768 ";
+    const std::string badSegment = "Error reading Data Segment Header; ";
+    const struct {
+        std::size_t upTo;
+        std::string content;
+    } stages[] = {
+        {1190, "Opened file is not a Vexaprobe file."},
+        {3650, "Opened file is empty."},
+        {3958, "PreQC: " + badSegment},
+        {4266, pre1 + "end; "},
+        {6726, pre},
+        {7034, pre + "PostQC: " + badSegment},
+        {7342, pre + post1 + "end; "},
+        {7343, pre + post1 + "12[1..301]7,8,9,10 end; "},
+    };
+    std::size_t size = 0;
+    for (const auto& stage : stages) {
+        for (; size < stage.upTo; size += size % 50 == 0 ? 1 : 49) {
+            PlayRun(path, size, 99);
+            ASSERT_EQ(ContentOf(path), stage.content) << "full from " << size;
+            ASSERT_LE(std::filesystem::file_size(path), size);
+        }
+        size = stage.upTo;
+    }
+}
+
+TEST(UnluckyDiskTest, WhatTheDiskRefusedComesBehindOnceThereIsRoom) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("again.vxd");
+    PlayRun(path, std::size_t{1} << 30, 99);
+    const std::string whole = ReadAll(path);
+
+    PlayRun(path, 700, 1);  // the file header goes ahead of the first recording
+    EXPECT_EQ(ReadAll(path), whole);
+    PlayRun(path, 2000, 2);  // so does a recording header ahead of its first segment
+    EXPECT_EQ(ReadAll(path), whole);
+    PlayRun(path, 5000, 6);
+    EXPECT_EQ(ReadAll(path), whole);
+    PlayRun(path, 700, 6);  // a recording that never reached the disk gives way; a list set meanwhile is there
+    const std::string late = ReadAll(path);
+    EXPECT_EQ(late.substr(0, 1190), FileHdrBytes(1190, "CompoundTest=1000:2000"));
+    EXPECT_EQ(ContentOf(path), "PostQC: 11[1..301]1,256,65535,32768 12[1..301]7,8,9,10 end; ");
+    PlayRun(path, 3800, 3);  // a lost segment's place is taken by the next
+    EXPECT_EQ(ReadAll(path).substr(3650, 308), SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12));
+    PlayRun(path, 6800, 8);
+    EXPECT_EQ(ContentOf(path),
+              "PreQC: 11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end; PostQC: Error reading Data Segment Header; ");
+}
+
+/// Writes without end; the samples of segment n are all n, and well 7 has every segment.
+[[noreturn]] void WriteForEver(const std::string& path) {
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    writer.Open(path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    for (std::int64_t n = 0;; ++n) {
+        if (n % 20 == 0) writer.WriteRecordingHdr(ExampleRecordingHdr("Series", static_cast<std::int32_t>(n / 20)));
+        const std::vector<std::uint16_t> samples(500, static_cast<std::uint16_t>(n));
+        writer.WriteData(7, n, n + 499, 1, samples.data());
+    }
+}
+
+// Every recording but the last must be there in full, whatever the moment at which the writer died.
+TEST(UnluckyDiskTest, KilledWriterLeavesAChainThatLeadsOnlyToWhatIsWhole) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("killed.vxd");
+    std::int64_t delivered = 0;
+    for (int round = 0; round < 40; ++round) {
+        std::filesystem::remove(path);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) WriteForEver(path);
+        std::this_thread::sleep_for(std::chrono::microseconds(2000 + 377 * round));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+
+        CVXFileIO io;
+        CIRawDataReader& reader = *io.GetRawDataReader();
+        const std::string failure = TextOfFailure([&] { reader.Open(path); });
+        if (failure != "no failure") continue;  // killed before there was a recording
+        const std::int32_t recordings = reader.GetIndex()->GetCount();
+        std::int64_t expected = 0;
+        for (std::int32_t r = 0; r < recordings; ++r) {
+            // The last one, and the one before it if its successor was just being linked, may be unfinished.
+            if (!reader.JumpToData("Series", r)) {
+                EXPECT_EQ(r, recordings - 1);
+                continue;
+            }
+            std::int32_t wellID = 0;
+            std::int64_t from = 0;
+            std::int64_t to = 0;
+            std::uint32_t size = 0;
+            std::uint16_t* samples = nullptr;
+            while (reader.ReadSegment(wellID, from, to, size, samples)) {
+                ASSERT_EQ(from, expected);
+                ASSERT_EQ(to, expected + 499);
+                ASSERT_EQ(size, 500U);
+                for (std::uint32_t s = 0; s < size; ++s)
+                    ASSERT_EQ(samples[s], static_cast<std::uint16_t>(expected));
+                ++expected;
+            }
+            EXPECT_EQ(expected % 20, 0) << "a finished recording lost segments";
+        }
+        delivered += expected;
+    }
+    EXPECT_GT(delivered, 0);
+}
+
+}  // namespace
+
+#endif
