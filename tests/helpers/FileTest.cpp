@@ -12,12 +12,8 @@ namespace {
 
 using namespace vxfileio;
 
-CBytes AsBytes(const std::string& text) {
-    return std::as_bytes(std::span(text));
-}
-CMutableBytes AsRoom(std::string& text) {
-    return std::as_writable_bytes(std::span(text));
-}
+CBytes AsBytes(const std::string& text) { return std::as_bytes(std::span(text)); }
+CMutableBytes AsRoom(std::string& text) { return std::as_writable_bytes(std::span(text)); }
 
 class FileTest : public testing::Test {
  protected:

@@ -13,9 +13,7 @@ using namespace vxfileio;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-std::string General(double value) {
-    return std::string(CNumberText::General(value).View());
-}
+std::string General(double value) { return std::string(CNumberText::General(value).View()); }
 
 TEST(NumberTextTest, WholeNumbersReachTheEndsOfTheirTypes) {
     EXPECT_EQ(CNumberText(0).View(), "0");

@@ -11,9 +11,7 @@ namespace {
 
 constexpr const char* kCellSeparators = "=:\r\n";
 
-std::string Text(const CStdStr& string) {
-    return string.Text();
-}
+std::string Text(const CStdStr& string) { return string.Text(); }
 
 std::vector<std::string> Fields(const char* text, const char* separators = kCellSeparators) {
     const CStringParser parser(text, separators);

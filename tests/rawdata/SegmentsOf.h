@@ -8,7 +8,7 @@
 /// the chain, the text of the failure for a failure.
 inline std::string SegmentsOf(CIRawDataReader& reader, int most = 1000) {
     std::string line;
-    const auto add = [&](const std::string& item) { line += (line.empty() ? "" : " ") + item; };
+    const auto add = [&](const std::string& item) { line.append(line.empty() ? "" : " ").append(item); };
     try {
         for (int i = 0; i < most; ++i) {
             std::int32_t wellID = 0;

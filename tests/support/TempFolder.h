@@ -11,9 +11,10 @@
 /// A folder of its own for one test, removed with everything in it at the end.
 class CTempFolder {
  public:
-    CTempFolder() {
+    CTempFolder() : CTempFolder(std::filesystem::temp_directory_path()) {}
+    explicit CTempFolder(const std::filesystem::path& parent) {
         const std::string tag = std::to_string(std::random_device{}()) + std::to_string(std::random_device{}());
-        m_folder = std::filesystem::temp_directory_path() / ("vxfileio-test-" + tag);
+        m_folder = parent / ("vxfileio-test-" + tag);
         std::filesystem::create_directories(m_folder);
     }
     ~CTempFolder() {

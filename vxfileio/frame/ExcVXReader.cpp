@@ -12,10 +12,6 @@ CExcVXReader::CExcVXReader(std::int32_t code, std::string message) : m_code(code
 
 CExcVXReader::CExcVXReader(std::string message) : CExcVXReader(kCodeWithoutNumber, std::move(message)) {}
 
-std::int32_t CExcVXReader::GetCode() const {
-    return m_code;
-}
+std::int32_t CExcVXReader::GetCode() const { return m_code; }
 
-std::string CExcVXReader::GetMsg() const {
-    return m_message;
-}
+std::string CExcVXReader::GetMsg() const { return m_message; }

@@ -5,17 +5,11 @@
 CIRawDataWriter::CIRawDataWriter() : m_writer(std::make_unique<CRawDataWriter>()) {}
 CIRawDataWriter::~CIRawDataWriter() = default;
 
-void CIRawDataWriter::Open(const std::string& path) {
-    m_writer->Open(path);
-}
+void CIRawDataWriter::Open(const std::string& path) { m_writer->Open(path); }
 
-void CIRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
-    m_writer->WriteFileHdr(header);
-}
+void CIRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) { m_writer->WriteFileHdr(header); }
 
-void CIRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
-    m_writer->WriteRecordingHdr(header);
-}
+void CIRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) { m_writer->WriteRecordingHdr(header); }
 
 void CIRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
                                 const std::uint16_t* samples) {
@@ -26,6 +20,4 @@ void CIRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vect
     m_writer->UpdateFileHdr(taskName, values);
 }
 
-void CIRawDataWriter::Close() {
-    m_writer->Close();
-}
+void CIRawDataWriter::Close() { m_writer->Close(); }

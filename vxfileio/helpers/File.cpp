@@ -2,9 +2,7 @@
 
 namespace vxfileio {
 
-CFile::~CFile() {
-    Close();
-}
+CFile::~CFile() { Close(); }
 
 bool CFile::Append(std::initializer_list<CBytes> buffers) {
     if (!WriteAt(m_end, buffers)) {

@@ -72,8 +72,6 @@ class CFile {
 };
 
 /// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
-inline bool IsWholePath(const std::string& path) {
-    return path.find('\0') == std::string::npos;
-}
+inline bool IsWholePath(const std::string& path) { return path.find('\0') == std::string::npos; }
 
 }  // namespace vxfileio

@@ -123,8 +123,6 @@ std::int64_t CFile::Size() const {
     return ::fstat(static_cast<int>(m_handle), &status) == 0 ? status.st_size : 0;
 }
 
-bool CFile::Truncate(std::int64_t size) {
-    return ::ftruncate(static_cast<int>(m_handle), size) == 0;
-}
+bool CFile::Truncate(std::int64_t size) { return ::ftruncate(static_cast<int>(m_handle), size) == 0; }
 
 }  // namespace vxfileio

@@ -16,9 +16,7 @@ constexpr DWORD kShareWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_
 /// The most bytes that one system call is asked to move; its count has 32 bits.
 constexpr std::size_t kMostBytesPerCall = std::size_t{1} << 30;
 
-HANDLE Native(std::intptr_t handle) {
-    return reinterpret_cast<HANDLE>(handle);
-}
+HANDLE Native(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
 
 std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition) {
     if (!IsWholePath(path)) return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);

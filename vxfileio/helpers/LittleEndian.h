@@ -28,28 +28,16 @@ constexpr Number LoadLittleEndian(const std::byte* from) {
 }
 
 /// Stores 2 bytes.
-constexpr void StoreLE16(std::byte* to, std::uint16_t value) {
-    StoreLittleEndian(to, value);
-}
+constexpr void StoreLE16(std::byte* to, std::uint16_t value) { StoreLittleEndian(to, value); }
 /// Stores 4 bytes.
-constexpr void StoreLE32(std::byte* to, std::uint32_t value) {
-    StoreLittleEndian(to, value);
-}
+constexpr void StoreLE32(std::byte* to, std::uint32_t value) { StoreLittleEndian(to, value); }
 /// Stores 8 bytes.
-constexpr void StoreLE64(std::byte* to, std::uint64_t value) {
-    StoreLittleEndian(to, value);
-}
+constexpr void StoreLE64(std::byte* to, std::uint64_t value) { StoreLittleEndian(to, value); }
 /// Loads 2 bytes.
-constexpr std::uint16_t LoadLE16(const std::byte* from) {
-    return LoadLittleEndian<std::uint16_t>(from);
-}
+constexpr std::uint16_t LoadLE16(const std::byte* from) { return LoadLittleEndian<std::uint16_t>(from); }
 /// Loads 4 bytes.
-constexpr std::uint32_t LoadLE32(const std::byte* from) {
-    return LoadLittleEndian<std::uint32_t>(from);
-}
+constexpr std::uint32_t LoadLE32(const std::byte* from) { return LoadLittleEndian<std::uint32_t>(from); }
 /// Loads 8 bytes.
-constexpr std::uint64_t LoadLE64(const std::byte* from) {
-    return LoadLittleEndian<std::uint64_t>(from);
-}
+constexpr std::uint64_t LoadLE64(const std::byte* from) { return LoadLittleEndian<std::uint64_t>(from); }
 
 }  // namespace vxfileio

@@ -14,9 +14,7 @@ constexpr int kGeneralDigits = 6;
 
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
-constexpr bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::string_view SkipBlanks(std::string_view text) {
     const auto start = text.find_first_not_of(kBlanks);
@@ -93,18 +91,10 @@ CNumberText CNumberText::General(double value) {
     return text;
 }
 
-std::int32_t ParseInt32(std::string_view text) {
-    return ParseSigned<std::int32_t>(text);
-}
-std::int64_t ParseInt64(std::string_view text) {
-    return ParseSigned<std::int64_t>(text);
-}
-std::uint32_t ParseUInt32(std::string_view text) {
-    return ParseUnsigned<std::uint32_t>(text);
-}
-std::uint64_t ParseUInt64(std::string_view text) {
-    return ParseUnsigned<std::uint64_t>(text);
-}
+std::int32_t ParseInt32(std::string_view text) { return ParseSigned<std::int32_t>(text); }
+std::int64_t ParseInt64(std::string_view text) { return ParseSigned<std::int64_t>(text); }
+std::uint32_t ParseUInt32(std::string_view text) { return ParseUnsigned<std::uint32_t>(text); }
+std::uint64_t ParseUInt64(std::string_view text) { return ParseUnsigned<std::uint64_t>(text); }
 
 double ParseDouble(std::string_view text) {
     text = SkipBlanks(text);

@@ -33,9 +33,7 @@ CStdStr CPath::GetDriveDirectory() const {
     return place;
 }
 
-CStdStr CPath::GetTitle() const {
-    return m_title;
-}
+CStdStr CPath::GetTitle() const { return m_title; }
 
 CStdStr CPath::GetExtension() const {
     if (m_extension.Text().empty()) return {};

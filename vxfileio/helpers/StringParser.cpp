@@ -21,7 +21,8 @@ CStringParser::CStringParser(const CStdStr& text, const char* separators, char /
     if (m_separators.Text().empty()) {
         m_fields.push_back(text);
     } else {
-        vxfileio::CTokenizer tokens(text.Text(), m_separators.Text());
+        const vxfileio::CCharSet set(m_separators.Text());
+        vxfileio::CTokenizer tokens(text.Text(), set);
         while (const auto token = tokens.Next())
             m_fields.emplace_back(std::string(*token));
     }

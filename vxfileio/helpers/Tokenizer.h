@@ -1,9 +1,25 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <optional>
 #include <string_view>
 
 namespace vxfileio {
+
+/// A set of characters that is asked in one step.
+class CCharSet {
+ public:
+    constexpr explicit CCharSet(std::string_view members) {
+        for (const char c : members)
+            m_has[static_cast<unsigned char>(c)] = true;
+    }
+
+    constexpr bool Has(char c) const { return m_has[static_cast<unsigned char>(c)]; }
+
+ private:
+    std::array<bool, 256> m_has{};
+};
 
 /// Cuts a text into tokens, copying nothing.
 ///
@@ -11,22 +27,22 @@ namespace vxfileio {
 /// first token, a trailing one an empty last token; an empty text has no token.
 class CTokenizer {
  public:
-    CTokenizer(std::string_view text, std::string_view separators)
-        : m_rest(text), m_separators(separators), m_emptyAtEnd(!text.empty() && IsSeparator(text.back())) {}
+    /// Text and separators stay the caller's and outlive this object.
+    CTokenizer(std::string_view text, const CCharSet& separators)
+        : m_rest(text), m_separators(separators), m_emptyAtEnd(!text.empty() && separators.Has(text.back())) {}
 
     /// Returns the next token, which points into the text, or nothing if there is none left.
     std::optional<std::string_view> Next() {
         if (m_rest.empty()) return NextAtEnd();
-        const auto end = m_rest.find_first_of(m_separators);
-        const auto token = m_rest.substr(0, end);
-        const auto next = m_rest.find_first_not_of(m_separators, token.size());
-        m_rest.remove_prefix(next == std::string_view::npos ? m_rest.size() : next);
+        const auto isSeparator = [this](char c) { return m_separators.Has(c); };
+        const auto* const end = std::find_if(m_rest.begin(), m_rest.end(), isSeparator);
+        const auto* const next = std::find_if_not(end, m_rest.end(), isSeparator);
+        const std::string_view token(m_rest.begin(), end);
+        m_rest = {next, m_rest.end()};
         return token;
     }
 
  private:
-    bool IsSeparator(char c) const { return m_separators.find(c) != std::string_view::npos; }
-
     std::optional<std::string_view> NextAtEnd() {
         if (!m_emptyAtEnd) return std::nullopt;
         m_emptyAtEnd = false;
@@ -34,7 +50,7 @@ class CTokenizer {
     }
 
     std::string_view m_rest;
-    std::string_view m_separators;
+    const CCharSet& m_separators;
     bool m_emptyAtEnd;
 };
 

@@ -9,7 +9,7 @@ namespace vxfileio::rawdata {
 namespace {
 
 /// A run of these counts as one, so a value read back stops at its first `=` or `:`. Cells without NUL end in CR LF.
-constexpr std::string_view kSeparators = "=:\r\n";
+constexpr CCharSet kSeparators("=:\r\n");
 
 }  // namespace
 
@@ -39,16 +39,16 @@ void CCellWriter::PutValue(std::string_view value) {
     if (!value.empty()) PutItem(value);
 }
 
-std::string_view CellText(std::string_view cell) {
-    return cell.substr(0, cell.find('\0'));
-}
+std::string_view CellText(std::string_view cell) { return cell.substr(0, cell.find('\0')); }
 
-CCellItems::CCellItems(std::string_view cell) : m_tokens(CellText(cell), kSeparators) {
-    m_tokens.Next();
-}
+CCellItems::CCellItems(std::string_view cell) : m_tokens(CellText(cell), kSeparators) { m_tokens.Next(); }
 
-std::string_view CellValue(std::string_view cell) {
-    return CCellItems(cell).Next().value_or(std::string_view());
+std::string_view CellValue(std::string_view cell) { return CCellItems(cell).Next().value_or(std::string_view()); }
+
+std::string_view CellNumber(std::string_view cell, std::string_view key) {
+    const std::size_t start = key.size() + 1;
+    const bool plain = cell.starts_with(key) && cell[key.size()] == '=' && !kSeparators.Has(cell[start]);
+    return plain ? cell.substr(start) : CellValue(cell);
 }
 
 }  // namespace vxfileio::rawdata

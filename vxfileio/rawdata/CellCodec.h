@@ -53,4 +53,8 @@ class CCellItems {
 /// Returns the value of a cell; empty if the cell holds its key alone. It points into the cell.
 std::string_view CellValue(std::string_view cell);
 
+/// Returns the value of a cell from its first character on, for reading a number, which ends by itself. It points into
+/// the cell. `key` is the one that the cell most likely has: then nothing needs cutting.
+std::string_view CellNumber(std::string_view cell, std::string_view key);
+
 }  // namespace vxfileio::rawdata

@@ -17,26 +17,14 @@ void RefuseUnlessFitting(const CCellWriter& writer, std::string_view key) {
 
 // ---- Values to text -------------------------------------------------------------------------------------------------
 
-CNumberText ToText(std::int32_t value) {
-    return CNumberText(value);
-}
-CNumberText ToText(std::int64_t value) {
-    return CNumberText(value);
-}
-CNumberText ToText(std::uint64_t value) {
-    return CNumberText(value);
-}
-CNumberText ToText(double value) {
-    return CNumberText::General(value);
-}
+CNumberText ToText(std::int32_t value) { return CNumberText(value); }
+CNumberText ToText(std::int64_t value) { return CNumberText(value); }
+CNumberText ToText(std::uint64_t value) { return CNumberText(value); }
+CNumberText ToText(double value) { return CNumberText::General(value); }
 
-void Put(CCellWriter& writer, const std::string& value) {
-    writer.PutValue(value);
-}
+void Put(CCellWriter& writer, const std::string& value) { writer.PutValue(value); }
 
-void Put(CCellWriter& writer, const auto& number) {
-    writer.PutItem(ToText(number).View());
-}
+void Put(CCellWriter& writer, const auto& number) { writer.PutItem(ToText(number).View()); }
 
 void Put(CCellWriter& writer, const std::vector<std::int64_t>& list) {
     for (const auto number : list)
@@ -83,68 +71,59 @@ void EncodeCells(const auto& cells, const auto& header, std::span<char> bytes) {
 
 // ---- Text to values -------------------------------------------------------------------------------------------------
 
-void FromText(std::string_view text, std::string& value) {
-    value = text;
-}
-void FromText(std::string_view text, std::int32_t& value) {
-    value = ParseInt32(text);
-}
-void FromText(std::string_view text, std::int64_t& value) {
-    value = ParseInt64(text);
-}
-void FromText(std::string_view text, std::uint64_t& value) {
-    value = ParseUInt64(text);
-}
-void FromText(std::string_view text, double& value) {
-    value = ParseDouble(text);
-}
+void FromText(std::string_view text, std::int32_t& value) { value = ParseInt32(text); }
+void FromText(std::string_view text, std::int64_t& value) { value = ParseInt64(text); }
+void FromText(std::string_view text, std::uint64_t& value) { value = ParseUInt64(text); }
+void FromText(std::string_view text, double& value) { value = ParseDouble(text); }
 
-void Take(std::string_view cell, auto& value) {
-    FromText(CellValue(cell), value);
-}
+/// One cell on its way into a header: its bytes, and the key that the table gives it.
+struct CCellBytes {
+    std::string_view bytes;
+    std::string_view key;
+};
 
-void Take(std::string_view cell, std::vector<std::int64_t>& list) {
+void Take(CCellBytes cell, std::string& value) { value = CellValue(cell.bytes); }
+void Take(CCellBytes cell, auto& number) { FromText(CellNumber(cell.bytes, cell.key), number); }
+
+void Take(CCellBytes cell, std::vector<std::int64_t>& list) {
     list.clear();
-    CCellItems items(cell);
+    CCellItems items(cell.bytes);
     while (const auto item = items.Next())
         list.push_back(ParseInt64(*item));
 }
 
 template <class Header, class Value>
-bool TakeMember(std::string_view cell, Header& header, Value Header::*member) {
+bool TakeMember(CCellBytes cell, Header& header, Value Header::*member) {
     Take(cell, header.*member);
     return true;
 }
 
 template <class Header>
-bool TakeMember(std::string_view cell, Header& header, CBareText<Header> member) {
-    header.*member.text = CellText(cell);
+bool TakeMember(CCellBytes cell, Header& header, CBareText<Header> member) {
+    header.*member.text = CellText(cell.bytes);
     return true;
 }
 
 template <class Header>
-bool TakeMember(std::string_view /*cell*/, Header& /*header*/, std::monostate /*member*/) {
+bool TakeMember(CCellBytes /*cell*/, Header& /*header*/, std::monostate /*member*/) {
     return true;
 }
 
-bool TakeMember(std::string_view cell, CRawDataRecordingHdr& header, CChannelCount member) {
-    const std::int32_t count = ParseInt32(CellValue(cell));
+bool TakeMember(CCellBytes cell, CRawDataRecordingHdr& header, CChannelCount member) {
+    std::int32_t count = 0;
+    Take(cell, count);
     if (count < 0 || static_cast<std::size_t>(count) > kMostChannels) return false;
     (header.*member.channels).assign(static_cast<std::size_t>(count), CRawDataChannelInfo());
     return true;
 }
 
 /// Interval items have the range of 32 bits in this format, although the field is wider.
-void TakeChannelItem(std::string_view item, std::int64_t& interval) {
-    interval = ParseInt32(item);
-}
-void TakeChannelItem(std::string_view item, auto& value) {
-    FromText(item, value);
-}
+void TakeChannelItem(std::string_view item, std::int64_t& interval) { interval = ParseInt32(item); }
+void TakeChannelItem(std::string_view item, auto& value) { FromText(item, value); }
 
-bool TakeMember(std::string_view cell, CRawDataRecordingHdr& header, CChannelList member) {
+bool TakeMember(CCellBytes cell, CRawDataRecordingHdr& header, CChannelList member) {
     const auto takeAll = [&](auto field) {
-        CCellItems items(cell);
+        CCellItems items(cell.bytes);
         for (auto& channel : header.*member.channels) {
             const auto item = items.Next();
             if (!item) break;
@@ -158,8 +137,8 @@ bool TakeMember(std::string_view cell, CRawDataRecordingHdr& header, CChannelLis
 bool DecodeCells(const auto& cells, std::int32_t version, std::string_view bytes, auto& header) {
     for (const auto& cell : cells) {
         if (!HasCell(cell, version)) continue;
-        const auto text = bytes.substr(0, cell.width);
-        if (!std::visit([&](auto member) { return TakeMember(text, header, member); }, cell.member)) return false;
+        const CCellBytes taken{bytes.substr(0, cell.width), cell.key};
+        if (!std::visit([&](auto member) { return TakeMember(taken, header, member); }, cell.member)) return false;
         bytes.remove_prefix(cell.width);
     }
     return true;
@@ -185,13 +164,9 @@ void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char>
     RefuseUnlessFitting(writer, place.key);
 }
 
-void Decode(std::string_view bytes, CRawDataFileHdr& header) {
-    DecodeCells(kFileCells, kNewestVersion, bytes, header);
-}
+void Decode(std::string_view bytes, CRawDataFileHdr& header) { DecodeCells(kFileCells, kNewestVersion, bytes, header); }
 
-void Decode(std::string_view bytes, CSegmentHdr& header) {
-    DecodeCells(kSegmentCells, kNewestVersion, bytes, header);
-}
+void Decode(std::string_view bytes, CSegmentHdr& header) { DecodeCells(kSegmentCells, kNewestVersion, bytes, header); }
 
 bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
     return DecodeCells(kRecordingCells, version, bytes, header);

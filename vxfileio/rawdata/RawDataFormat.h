@@ -132,9 +132,7 @@ inline constexpr std::array kSegmentCells = {
 };
 
 /// The version rule: whether files of this version have the cell. It decides for reading only.
-constexpr bool HasCell(const auto& cell, std::int32_t version) {
-    return version >= cell.sinceVersion;
-}
+constexpr bool HasCell(const auto& cell, std::int32_t version) { return version >= cell.sinceVersion; }
 
 /// The version whose files have every cell; what is written is laid out like this.
 inline constexpr std::int32_t kNewestVersion = 2;

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "vxfileio/frame/ExcVXReader.h"
-#include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 
@@ -30,8 +29,7 @@ class CHdrBytes {
     /// Tells whether the first cell is whole in the `read` bytes and begins with the text.
     template <class Cells>
     bool BeginsWith(std::string_view text, const Cells& cells, std::size_t read) const {
-        const std::size_t width = cells.front().width;
-        return read >= width && CellText(View().substr(0, width)).starts_with(text);
+        return read >= cells.front().width && View().starts_with(text);
     }
 
  private:

@@ -47,9 +47,7 @@ constexpr std::array kTaskLists = {
 /// A reader holds a segment's size in 32 bits.
 constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
 
-CBytes AsBytes(std::string_view text) {
-    return std::as_bytes(std::span(text.data(), text.size()));
-}
+CBytes AsBytes(std::string_view text) { return std::as_bytes(std::span(text.data(), text.size())); }
 
 std::int64_t SampleCount(std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick) {
     if (tick <= 0) throw CExcVXReader(kBadTick);
@@ -78,9 +76,7 @@ std::string EncodedCell(const CCellPlace& place, std::string_view value) {
 
 }  // namespace
 
-CRawDataWriter::~CRawDataWriter() {
-    Close();
-}
+CRawDataWriter::~CRawDataWriter() { Close(); }
 
 void CRawDataWriter::Open(const std::string& path) {
     Close();
