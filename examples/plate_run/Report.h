@@ -1,0 +1,25 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "PlatePlan.h"
+#include "Replay.h"
+
+/// @file
+/// What people are told about a run, on any stream.
+
+/// Prints which wells are recorded, how often and how long.
+void PrintPlan(std::ostream& out, const CPlatePlan& plan);
+
+/// Prints one line for each task of the file, and the sum.
+void PrintTasks(std::ostream& out, const CReplay& replay);
+
+/// Prints how fast all samples went through the library, both ways: without the time for making and comparing them.
+void PrintSpeed(std::ostream& out, const CReplay& replay, double secondsWriting);
+
+/// Prints what was read of one well alone.
+void PrintWell(std::ostream& out, const CWell& well, const CAmount& read);
+
+/// Prints where a file lies, and its size.
+void PrintFile(std::ostream& out, const std::string& path);

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# check_symbols.sh PREFIX: the installed shared library exports what the public headers mark, all of it and nothing
+# else, has its versioned name, and needs only the C++ runtime.
+set -euo pipefail
+prefix=$1
+library=$prefix/lib/libvxfileio.so
+status=0
+
+complain() {
+    printf '%s\n' "$@" >&2
+    status=1
+}
+
+# What stands behind VXFILEIO_API in the headers: classes, and functions with their name before the parenthesis.
+public_names() {
+    grep -rhoP '(class|struct) VXFILEIO_API \K\w+|^VXFILEIO_API [^(]*?\K\w+(?=\()' "$prefix/include" | sort -u
+}
+
+# What a symbol belongs to: the class or the free function. "typeinfo for" and the like belong to their class.
+owners() {
+    sed -E 's/^((typeinfo|typeinfo name|vtable|VTT|guard variable) for )//; s/\[abi:cxx11\]//; s/(::|\(| ).*//' | sort -u
+}
+
+exported=$(nm -D -C --defined-only "$library" | cut -c 20-)
+foreign=$(comm -13 <(public_names) <(owners <<<"$exported"))
+unseen=$(comm -23 <(public_names) <(owners <<<"$exported"))
+[[ -z $foreign ]] || complain "exported, but in no public header:" "$foreign"
+[[ -z $unseen ]] || complain "in a public header, but not exported:" "$unseen"
+
+soname=$(readelf -d "$library" | sed -n 's/.*SONAME.*\[\(.*\)\]/\1/p')
+[[ $soname == libvxfileio.so.1 ]] || complain "the library calls itself $soname"
+
+needed=$(readelf -d "$library" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | grep -vE '^lib(stdc\+\+|gcc_s|c|m)\.so\.' || true)
+[[ -z $needed ]] || complain "the library needs $needed"
+
+echo "$(wc -l <<<"$exported") symbols of $(public_names | wc -l) public classes and functions"
+exit $status

@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# windows.sh LINUX_BUILD WINDOWS_BUILD: runs the tests of the Windows build under wine, and compares the files that the
+# programs of both builds write, byte by byte.
+set -euo pipefail
+linux=$1
+windows=$2
+work=$(dirname "$windows")/wine-files
+
+export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+WINEPREFIX=$(dirname "$windows")/wine
+
+# A server that is there before the first program, and holds none of our streams, keeps each start short and nobody
+# waiting for it.
+start_wine() {
+    mkdir -p "$WINEPREFIX"
+    setsid wineserver -p </dev/null >/dev/null 2>&1
+    trap 'wineserver -k' EXIT
+    wine wineboot </dev/null >/dev/null 2>&1
+}
+
+# on_both PROGRAM [ARGUMENT...]: runs a program of both builds, each in a folder of its own, and compares what they
+# leave there.
+on_both() {
+    local program=$1
+    shift
+    echo "Comparing what $program writes"
+    rm -rf "$work"
+    mkdir -p "$work/linux" "$work/windows"
+    (cd "$work/linux" && "$linux/bin/$program" "$@" >/dev/null)
+    (cd "$work/windows" && wine "$windows/bin/$program.exe" "$@" >/dev/null)
+    [[ -n $(ls "$work/linux") ]] || { echo "$program wrote nothing" >&2 && exit 1; }
+    diff -r "$work/linux" "$work/windows"
+    (cd "$work/linux" && du -ab --apparent-size . | sort -k 2)
+}
+
+start_wine
+ctest --test-dir "$windows" --output-on-failure --no-tests=error --parallel "$(nproc)"
+on_both write_samples .

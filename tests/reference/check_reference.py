@@ -1,0 +1,91 @@
+#!/usr/bin/python3
+"""Checks that the reference files, their text twins, the reader in Python and the page on the format agree.
+
+Prints one line for each disagreement and ends with 1 if there is any.
+"""
+
+import pathlib
+import re
+import sys
+import tempfile
+
+import make_reference
+import read_vxd
+
+FOLDER = pathlib.Path(__file__).resolve().parent
+PAGE = FOLDER.parent.parent / "docs" / "raw-data-file.md"
+
+
+def reader_against_twins():
+    """Every file reads as its twin tells."""
+    for path in sorted(FOLDER.glob("*.vxd")):
+        read = "".join(line + "\n" for line in read_vxd.twin_lines(path))
+        if read != path.with_suffix(".txt").read_text("ascii"):
+            yield f"{path.name} doesn't read as its twin tells:\n{read}"
+
+
+def committed_against_made():
+    """Making the files again gives the same files and the same bytes."""
+    with tempfile.TemporaryDirectory() as folder:
+        made = pathlib.Path(folder)
+        make_reference.make(made)
+        names = {path.name for path in made.iterdir()}
+        committed = {path.name for suffix in ("vxd", "txt") for path in FOLDER.glob(f"*.{suffix}")}
+        for name in sorted(names ^ committed):
+            yield f"{name} is {'not committed' if name in names else 'not made by make_reference.py'}"
+        for name in sorted(names & committed):
+            if (made / name).read_bytes() != (FOLDER / name).read_bytes():
+                yield f"{name} isn't what make_reference.py makes"
+
+
+def rows_of(section):
+    """The rows of the tables in a section of the page, as lists of cells without their backquotes."""
+    text = PAGE.read_text("utf-8").split(f"\n## {section}", 1)[1].split("\n## ", 1)[0]
+    return [[field.strip().strip("`") for field in line.strip("|").split("|")]
+            for line in text.splitlines() if re.match(r"\| [0-9]+ \|", line)]
+
+
+def tables_against_page():
+    """The reader's tables are those of the page, and the offsets of the page add up."""
+    for section, cells in (("File header", read_vxd.FILE_CELLS), ("Recording header", read_vxd.RECORDING_CELLS),
+                           ("Segment header", read_vxd.SEGMENT_CELLS)):
+        expected = []
+        for key, width, kind in cells:
+            is_bare = kind == "bare text"
+            offset = sum(int(row[1]) for row in expected)
+            expected.append([str(offset), str(width), "" if is_bare else key, "text" if is_bare else kind])
+        rows = [row[:4] for row in rows_of(section)][:len(cells)]
+        if rows != expected:
+            yield f"the table of the {section.lower()} in {PAGE.name} isn't that of read_vxd.py"
+
+
+def example_against_file():
+    """The page's example and its dumps are the bytes of small_example.vxd."""
+    data = (FOLDER / "small_example.vxd").read_bytes()
+    end = 0
+    for offset, width, text in rows_of("A file, byte by byte"):
+        offset, width = int(offset), int(width)
+        if text.startswith("samples "):
+            told = b"".join(int(sample).to_bytes(2, "little") for sample in re.findall("[0-9]+", text))
+        else:
+            told = text.encode("ascii").ljust(width - 2, b"\0") + b"\r\n"
+        if offset != end or data[offset:offset + width] != told:
+            yield f"{PAGE.name} and small_example.vxd differ at {offset}"
+        end = offset + width
+    if end != len(data):
+        yield f"the example in {PAGE.name} ends at {end}"
+    dumps = re.findall(r"^ +([0-9]+)  ((?:[0-9a-f]{2} )+) +\|", PAGE.read_text("utf-8"), re.MULTILINE)
+    if not dumps:
+        yield f"{PAGE.name} has no dump"
+    for offset, told in dumps:
+        told = bytes.fromhex(told)
+        if data[int(offset):int(offset) + len(told)] != told:
+            yield f"the dump in {PAGE.name} is wrong at {offset}"
+
+
+CHECKS = (reader_against_twins, committed_against_made, tables_against_page, example_against_file)
+
+if __name__ == "__main__":
+    disagreements = [line for check in CHECKS for line in check()]
+    print("\n".join(disagreements) or f"{len(list(FOLDER.glob('*.vxd')))} reference files agree")
+    sys.exit(bool(disagreements))
