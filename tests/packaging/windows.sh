@@ -36,3 +36,4 @@ on_both() {
 start_wine
 ctest --test-dir "$windows" --output-on-failure --no-tests=error --parallel "$(nproc)"
 on_both write_samples .
+on_both plate_run .

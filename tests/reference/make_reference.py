@@ -231,13 +231,13 @@ def foreign_numbers():
             (630, cell(200, b"Ticks=99999999999:-99999999999")), (830, cell(400, b"UnitsPerADs=1e400:-.5E1:5.e:6")),
             (1230, cell(200, b"ADZeros=-1:--1:7 8:9:10")), (1430, cell(30, b"NumberOfAuxCh=\t3")),
             (1460, cell(200, b"AuxIDs=7:8")), (1660, cell(200, b"Ticks=1:2")),
-            (1860, cell(400, b"UnitsPerADs=1e-400:NaN")), (2260, cell(200, b"ADZeros=3:4"))):
+            (1860, cell(400, b"UnitsPerADs=1e-400:NaN:-x")), (2260, cell(200, b"ADZeros=3:4"))):
         raw = patched(raw, offset, new)
 
     odd = segment(12, 0, -7, 513, 1027)
     odd_bytes = encode_segment(segment(0, 0, 0, 513, 1027))
     for offset, new in ((0, cell(50, b"Types of segments")), (50, cell(50, b"=12:13")),
-                        (150, cell(50, b"TimeFrom=- 5")), (200, cell(50, b"TimeTo=-07")),
+                        (150, cell(50, b"TimeFrom= \r\n5")), (200, cell(50, b"TimeTo=-07")),
                         (250, cell(50, b"Size=4294967298"))):
         odd_bytes = patched(odd_bytes, offset, new)
     return data + raw + odd_bytes, twin(header, (read, odd))

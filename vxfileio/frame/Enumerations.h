@@ -99,27 +99,27 @@ enum class enFPAveIntervalType : std::int32_t {
 /// @name Number to word
 /// Each returns the word of the number, or the fallback of its enumeration.
 /// @{
-VXFILEIO_API std::string TaskToString(enTask task);
-VXFILEIO_API std::string ResponseTypeToString(enResponseType type);
-VXFILEIO_API std::string AnalysisMarkToString(enAnalysisMark mark);
-VXFILEIO_API std::string FPmaxTypeToString(enFPmaxType type);
-VXFILEIO_API std::string PipetModeToString(enPipetMode mode);
-VXFILEIO_API std::string PlateLayoutToString(enPlateLayout layout);
-VXFILEIO_API std::string AcqModeToString(enAcqMode mode);
-VXFILEIO_API std::string VexaprobeModeToString(enVexaprobeMode mode);
+VXFILEIO_API std::string TaskToString(enTask task);                    ///< The word of a step.
+VXFILEIO_API std::string ResponseTypeToString(enResponseType type);    ///< The word of a response.
+VXFILEIO_API std::string AnalysisMarkToString(enAnalysisMark mark);    ///< The word of a mark.
+VXFILEIO_API std::string FPmaxTypeToString(enFPmaxType type);          ///< The word of a shape.
+VXFILEIO_API std::string PipetModeToString(enPipetMode mode);          ///< The word of a pipetting mode.
+VXFILEIO_API std::string PlateLayoutToString(enPlateLayout layout);    ///< The word of a layout.
+VXFILEIO_API std::string AcqModeToString(enAcqMode mode);              ///< The word of a mode.
+VXFILEIO_API std::string VexaprobeModeToString(enVexaprobeMode mode);  ///< The word of an instrument.
 /// @}
 
 /// @name Word to number
 /// Each returns the number of the word, or the fallback of its enumeration.
 /// @{
-VXFILEIO_API enTask StringToTask(const std::string& word);
-VXFILEIO_API enResponseType StringToResponseType(const std::string& word);
-VXFILEIO_API enAnalysisMark StringToAnalysisMark(const std::string& word);
-VXFILEIO_API enFPmaxType StringToFPmaxType(const std::string& word);
-VXFILEIO_API enPipetMode StringToPipetMode(const std::string& word);
-VXFILEIO_API enPlateLayout StringToPlateLayout(const std::string& word);
-VXFILEIO_API enAcqMode StringToAcqMode(const std::string& word);
-VXFILEIO_API enVexaprobeMode StringToVexaprobeMode(const std::string& word);
+VXFILEIO_API enTask StringToTask(const std::string& word);                    ///< The step of a word.
+VXFILEIO_API enResponseType StringToResponseType(const std::string& word);    ///< The response of a word.
+VXFILEIO_API enAnalysisMark StringToAnalysisMark(const std::string& word);    ///< The mark of a word.
+VXFILEIO_API enFPmaxType StringToFPmaxType(const std::string& word);          ///< The shape of a word.
+VXFILEIO_API enPipetMode StringToPipetMode(const std::string& word);          ///< The pipetting mode of a word.
+VXFILEIO_API enPlateLayout StringToPlateLayout(const std::string& word);      ///< The layout of a word.
+VXFILEIO_API enAcqMode StringToAcqMode(const std::string& word);              ///< The mode of a word.
+VXFILEIO_API enVexaprobeMode StringToVexaprobeMode(const std::string& word);  ///< The instrument of a word.
 /// @}
 
 /// Returns the responses that can be measured, in the order of their numbers; `NotDefined` isn't among them.

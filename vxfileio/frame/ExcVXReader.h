@@ -17,10 +17,6 @@ class VXFILEIO_API CExcVXReader {
     /// Makes a failure with the code -1 and the given text.
     explicit CExcVXReader(std::string message);
 
-    CExcVXReader(const CExcVXReader&) = default;
-    CExcVXReader& operator=(const CExcVXReader&) = default;
-    ~CExcVXReader() = default;
-
     /// Returns the code: -1 unless the thrower gave one.
     std::int32_t GetCode() const;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +15,7 @@ class CChainGuard {
  public:
     /// `leastItemSize` is the size of the smallest thing that a position of the chain can lead to.
     CChainGuard(const CFile& file, std::size_t leastItemSize)
-        : m_file(file), m_leastItemSize(static_cast<std::int64_t>(leastItemSize)) {}
+        : m_file(file), m_leastItemSize(static_cast<std::int64_t>(std::max<std::size_t>(leastItemSize, 1))) {}
 
     /// Begins a new walk.
     void Restart() {

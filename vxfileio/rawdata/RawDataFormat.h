@@ -67,7 +67,7 @@ struct CChannelList {
 template <class Header, class... More>
 struct CCell {
     std::string_view key;
-    std::size_t width;
+    std::size_t width = 0;
     /// What is read into the header, and written from it; nothing for a cell whose value is always the same.
     std::variant<std::monostate, std::string Header::*, std::int32_t Header::*, std::int64_t Header::*, More...> member;
     /// If set, the writer begins with this value, whatever the header holds.
@@ -148,8 +148,8 @@ constexpr std::size_t SizeOf(const auto& cells, std::int32_t version = kNewestVe
 /// Where a cell stands in its header, and what it is called there.
 struct CCellPlace {
     std::string_view key;
-    std::size_t offset;
-    std::size_t width;
+    std::size_t offset = 0;
+    std::size_t width = 0;
 };
 
 /// Returns the place of the first cell with this key; a key that no cell has doesn't compile.

@@ -35,7 +35,7 @@ static_assert(kFinishedCells[2].offset + kFinishedCells[2].width == kFinishedCel
 
 /// The lists of the file header that a caller may replace, by the task that each belongs to.
 struct CTaskList {
-    enTask task;
+    enTask task = enTask::Nil;
     CCellPlace cell;
 };
 constexpr std::array kTaskLists = {
@@ -87,7 +87,7 @@ void CRawDataWriter::Open(const std::string& path) {
 void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     RefuseBefore(enStage::Opened);
     if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
-    std::array<char, kFileHdrSize> bytes;
+    std::array<char, kFileHdrSize> bytes{};
     Encode(header, bytes);
     m_refusedHdrs.assign(bytes.begin(), bytes.end());
     m_stage = enStage::HasFileHdr;
@@ -96,7 +96,7 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
 
 void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
-    std::array<char, kRecordingHdrSize> bytes;
+    std::array<char, kRecordingHdrSize> bytes{};
     Encode(header, bytes);
     // A recording before this one whose header never reached the file has no data there either: it is given up.
     m_refusedHdrs.resize(m_file.End() == 0 ? kFileHdrSize : 0);
@@ -112,7 +112,7 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     if (samples == nullptr) throw CExcVXReader(kNoSamples);
     if (!AppendRefusedHdrs()) return;
 
-    std::array<char, kSegmentHdrSize> bytes;
+    std::array<char, kSegmentHdrSize> bytes{};
     Encode(CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
     const std::int64_t position = m_file.End();
     const std::span data(samples, static_cast<std::size_t>(count));
@@ -120,7 +120,7 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     if (!m_file.Append({std::as_bytes(std::span(bytes)), std::as_bytes(data)})) return;
 
     if (m_latestSegment != kUnset) {
-        std::array<char, kNextSegmentHdr.width> cell;
+        std::array<char, kNextSegmentHdr.width> cell{};
         EncodeCell(kNextSegmentHdr, CNumberText(position).View(), cell);
         Rewrite(m_latestSegment + static_cast<std::int64_t>(kNextSegmentHdr.offset), {cell.data(), cell.size()});
     }
@@ -185,7 +185,7 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     if (m_recordingHdr == kUnset) return;
     const std::int64_t data = m_recordingHdr + static_cast<std::int64_t>(kRecordingHdrSize);
     const std::array values = {data, kUnset, nextRecordingHdr};
-    std::array<char, kFinishedSize> bytes;
+    std::array<char, kFinishedSize> bytes{};
     std::span<char> room(bytes);
     for (std::size_t i = 0; i < values.size(); ++i) {
         EncodeCell(kFinishedCells[i], CNumberText(values[i]).View(), room);
