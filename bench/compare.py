@@ -27,7 +27,7 @@ def measure(build, folder, workload, rounds):
     mode, size = workload.split("-")
     samples, total = SIZES[size]
     path = os.path.join(folder, "bench.vxd")
-    limit, ours = (os.path.join(build, "bench", name) for name in ("raw_limit", "raw_vx"))
+    limit, ours = (os.path.join(build, "bin", name) for name in ("raw_limit", "raw_vx"))
     if mode == "read":
         run(ours, "write", path, samples, total)
     times = {limit: [], ours: []}

@@ -30,7 +30,7 @@ on_both() {
     (cd "$work/windows" && wine "$windows/bin/$program.exe" "$@" >/dev/null)
     [[ -n $(ls "$work/linux") ]] || { echo "$program wrote nothing" >&2 && exit 1; }
     diff -r "$work/linux" "$work/windows"
-    (cd "$work/linux" && du -ab --apparent-size . | sort -k 2)
+    find "$work/linux" -type f -printf 'same %10s bytes: %P\n' | sort -k 4
 }
 
 start_wine
