@@ -223,6 +223,7 @@ TEST_F(ReaderTest, CellsAreTakenAsFarAsTheyMakeSense) {
     bytes.replace(230, 50, Cell(50, "Guid==:=x"));
     bytes.replace(280, 30, "PlateID=no NUL in this cell \r\n");
     bytes.replace(310, 30, Cell(30, "CompoundID= +12abc"));
+    bytes.replace(1290, 50, Cell(50, "Recording= \r7"));  // CR separates, so the value is a blank
     bytes.replace(340, 200, Cell(200, "CompoundName="));
     bytes.replace(540, 100, Cell(100, "PreQC=1:x:-99999999999999999999:3:"));
     OpenBytes(bytes);
@@ -233,6 +234,7 @@ TEST_F(ReaderTest, CellsAreTakenAsFarAsTheyMakeSense) {
     EXPECT_EQ(file.PlateID, "no NUL in this cell ");
     EXPECT_EQ(file.CompoundID, 12);
     EXPECT_EQ(file.CompoundName, "");
+    EXPECT_EQ(m_reader.GetIndex()->GetEntry(0)->Recording, 0);
     EXPECT_EQ(file.PreQC, (std::vector<std::int64_t>{1, 0, std::numeric_limits<std::int64_t>::min(), 3, 0}));
 }
 

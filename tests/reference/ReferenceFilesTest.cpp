@@ -2,6 +2,7 @@
 #include <vxfileio/frame/VXFileIO.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -36,8 +37,8 @@ std::string Show(std::uint64_t number) { return std::to_string(number); }
 
 std::string Show(double value) {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.15g", value);
-    return text.data();
+    const int length = std::snprintf(text.data(), text.size(), "%.15g", value);
+    return {text.data(), static_cast<std::size_t>(length)};
 }
 
 /// A text in quotes, with bytes that don't print as \xHH.

@@ -102,6 +102,7 @@ double ParseDouble(std::string_view text) {
     if (!text.empty() && text.front() == '-') return 0.0;  // a second sign belongs to no number
     double value = 0.0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec == std::errc::invalid_argument) return 0.0;  // nor does a sign alone make one, not even -0
     if (result.ec == std::errc::result_out_of_range) {
         value = IsTooLarge(text) ? std::numeric_limits<double>::infinity() : 0.0;
     }
