@@ -19,7 +19,7 @@ using CMutableBytes = std::span<std::byte>;
 /// A file of plain bytes with 64-bit positions.
 ///
 /// There is no current position: every operation names its own, apart from `Append`, which knows where the file ends
-/// because it was looked up when the file was opened for writing. Paths are narrow bytes in the caller's code page; both slashes
+/// because the file began empty under this object. Paths are narrow bytes in the caller's code page; both slashes
 /// separate folders on every host. A file that is open here may be read and written by others at the same time.
 ///
 /// Nothing throws. A failure is a result, and whoever passes it over says why.
@@ -35,10 +35,6 @@ class CFile {
 
     /// Opens an existing file for reading; closes what was open. Returns false if it can't be opened or is a folder.
     bool OpenForReading(const std::string& path);
-
-    /// Opens an existing file for reading and writing, keeping its content; closes what was open. Returns false if it
-    /// can't be opened or is a folder.
-    bool OpenForUpdate(const std::string& path);
 
     /// Creates a file, or empties an existing one, for writing; closes what was open. Returns false if it can't.
     bool Create(const std::string& path);
@@ -60,7 +56,7 @@ class CFile {
     /// to its old end, so that the next `Append` starts where this one did.
     bool Append(std::initializer_list<CBytes> buffers);
 
-    /// Returns where the next `Append` begins. Only meaningful for a file opened for writing.
+    /// Returns where the next `Append` begins. Only meaningful for a file opened by `Create`.
     std::int64_t End() const { return m_end; }
 
     /// Asks the system for the size in bytes; 0 if it doesn't know.

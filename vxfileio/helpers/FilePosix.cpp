@@ -93,13 +93,6 @@ bool CFile::OpenForReading(const std::string& path) {
     return IsOpen();
 }
 
-bool CFile::OpenForUpdate(const std::string& path) {
-    Close();
-    m_handle = OpenPath(path, O_RDWR);
-    m_end = Size();
-    return IsOpen();
-}
-
 bool CFile::Create(const std::string& path) {
     Close();
     const int handle = OpenPath(path, O_WRONLY | O_CREAT | O_TRUNC);

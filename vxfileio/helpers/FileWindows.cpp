@@ -61,13 +61,6 @@ bool CFile::OpenForReading(const std::string& path) {
     return IsOpen();
 }
 
-bool CFile::OpenForUpdate(const std::string& path) {
-    Close();
-    m_handle = OpenPath(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
-    m_end = Size();
-    return IsOpen();
-}
-
 bool CFile::Create(const std::string& path) {
     Close();
     m_handle = OpenPath(path, GENERIC_WRITE, CREATE_ALWAYS);
