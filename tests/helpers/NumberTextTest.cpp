@@ -111,6 +111,7 @@ TEST(NumberTextTest, DoublesAreReadAsFarAsTheyGo) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(ParseDouble(c.text), c.value) << c.text;
+    EXPECT_EQ(ParseDouble("0." + std::string(400, '0') + "1x999"), 0.0);
     EXPECT_FALSE(std::signbit(ParseDouble("-x")));
     EXPECT_TRUE(std::signbit(ParseDouble("-0")));
     EXPECT_TRUE(std::isnan(ParseDouble("nan")));

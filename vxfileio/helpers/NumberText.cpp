@@ -75,7 +75,7 @@ bool IsTooLarge(std::string_view digits) {
         if (significant && !fraction) ++scale;
         if (!significant && fraction) --scale;
     }
-    if (at == digits.size()) return scale > 0;
+    if (at == digits.size() || (digits[at] != 'e' && digits[at] != 'E')) return scale > 0;
     const std::int64_t exponent = ParseInt32(digits.substr(at + 1));
     return scale + exponent > 0;
 }

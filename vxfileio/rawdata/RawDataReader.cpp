@@ -174,7 +174,7 @@ std::size_t CRawDataReader::ReadSegmentHdr(std::int64_t position, CMutableBytes 
 void CRawDataReader::RefuseImpossibleSize(std::int64_t dataPosition, std::uint32_t size) const {
     const std::int64_t bytes = std::int64_t{size} * std::int64_t{sizeof(std::uint16_t)};
     if (size == m_sampleCount || bytes <= kMostMissingBytes) return;
-    if (dataPosition + bytes - kMostMissingBytes > m_file.Size()) throw CExcVXReader(kBadSegmentHdr);
+    if (bytes - kMostMissingBytes > m_file.Size() - dataPosition) throw CExcVXReader(kBadSegmentHdr);
 }
 
 /// Gives the buffer the exact size of a segment; a run of equal segments keeps it.
