@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/rawdata/SegmentsOf.h"
@@ -183,6 +186,30 @@ TEST_F(ReaderTest, UnfinishedLastRecordingIsListedButNotDelivered) {
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
+// A position cell may be read in the very moment in which it is rewritten; no such moment may spoil a sound file.
+TEST_F(ReaderTest, OpeningBesideAWriterAtWorkNeverFails) {
+    constexpr int kRecordings = 3000;
+    auto& writer = *m_io.GetRawDateWriter();
+    writer.Open(m_path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr("Series", 0));
+    std::atomic<int> begun = 1;
+    std::thread writing([&] {
+        for (int i = 1; i < kRecordings; ++i) {
+            writer.WriteData(11, 0, 300, 100, kWell11.data());
+            writer.WriteRecordingHdr(ExampleRecordingHdr("Series", i));
+            begun = i + 1;
+        }
+    });
+    while (begun < kRecordings) {
+        const int before = begun;
+        const std::string failure = TextOfFailure([&] { m_reader.Open(m_path); });
+        EXPECT_EQ(failure, "no failure");
+        EXPECT_GE(m_reader.GetIndex()->GetCount(), before);
+    }
+    writing.join();
+}
+
 TEST_F(ReaderTest, OldFilesLackTheStartTime) {
     OpenBytes(FileHdrBytes(1190, "CompoundTest", 1) +
               RecordingHdrBytes({.data = 1190 + 2410, .next = 3908, .hasStartTime = false}) +
@@ -223,7 +250,7 @@ TEST_F(ReaderTest, CellsAreTakenAsFarAsTheyMakeSense) {
     bytes.replace(230, 50, Cell(50, "Guid==:=x"));
     bytes.replace(280, 30, "PlateID=no NUL in this cell \r\n");
     bytes.replace(310, 30, Cell(30, "CompoundID= +12abc"));
-    bytes.replace(1290, 50, Cell(50, "Recording= \r7"));  // CR separates, so the value is a blank
+    bytes.replace(1240, 50, Cell(50, "Recording= \r7"));  // CR separates, so the value is a blank
     bytes.replace(340, 200, Cell(200, "CompoundName="));
     bytes.replace(540, 100, Cell(100, "PreQC=1:x:-99999999999999999999:3:"));
     OpenBytes(bytes);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -18,6 +19,9 @@ namespace {
 /// How far behind the end of the file the samples of a segment may reach by its own telling. A cut file gives such
 /// segments, and they are delivered with zeros behind the end; a damaged size must not cost more memory than this.
 constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
+
+/// How often a header is read again because its writer seems to be rewriting it. A rewrite takes microseconds.
+constexpr int kMostRereads = 100;
 
 /// Room for one header. It begins as zeros, and so does everything behind the end of the file.
 template <std::size_t Size>
@@ -54,18 +58,23 @@ void CRawDataReader::Open(const std::string& path) {
     ReadFileHdr();
     m_recordings.clear();
     CChainGuard guard(m_file, SizeOf(kRecordingCells, m_fileHdr.FileVersion));
-    for (auto position = m_fileHdr.FPosFirstRecordingHdr; position != kUnset;
-         position = m_recordings.back().FPosNextRecordingHdr) {
-        if (!guard.Admits(position)) throw CExcVXReader(kBadRecordingHdr);
-        const auto& header = m_recordings.emplace_back(ReadRecordingHdr(position));
-        m_index.AddEntry({header.TaskName, header.Recording, header.Dose});
+    int rereads = 0;
+    while (NextRecordingHdr() != kUnset) {
+        CRawDataRecordingHdr header;
+        if (guard.Admits(NextRecordingHdr()) && ReadSettledHdr(NextRecordingHdr(), header)) {
+            m_index.AddEntry({header.TaskName, header.Recording, header.Dose});
+            m_recordings.push_back(std::move(header));
+        } else if (++rereads > kMostRereads || !RereadNextRecordingHdr()) {
+            throw CExcVXReader(kBadRecordingHdr);
+        }
     }
 }
 
 std::vector<std::string> CRawDataReader::GetTasks() const {
     std::vector<std::string> tasks;
+    std::set<std::string_view> taken;
     for (const auto& header : m_recordings) {
-        if (std::find(tasks.begin(), tasks.end(), header.TaskName) == tasks.end()) tasks.push_back(header.TaskName);
+        if (taken.insert(header.TaskName).second) tasks.push_back(header.TaskName);
     }
     return tasks;
 }
@@ -148,15 +157,55 @@ void CRawDataReader::ReadFileHdr() {
     if (m_fileHdr.FPosFirstRecordingHdr == kUnset) throw CExcVXReader(kEmptyFile);
 }
 
-CRawDataRecordingHdr CRawDataReader::ReadRecordingHdr(std::int64_t position) const {
+/// Returns false if no whole recording header stands at the position.
+bool CRawDataReader::ReadRecordingHdr(std::int64_t position, CRawDataRecordingHdr& header) const {
     CHdrBytes<kRecordingHdrSize> bytes;
     const std::size_t read = m_file.ReadUpTo(position, {bytes.Writable()});
-    CRawDataRecordingHdr header;
-    if (!bytes.BeginsWith(kRecordingCells.front().key, kRecordingCells, read) ||
-        !Decode(bytes.View(), m_fileHdr.FileVersion, header)) {
-        throw CExcVXReader(kBadRecordingHdr);
+    return bytes.BeginsWith(kRecordingCells.front().key, kRecordingCells, read) &&
+           Decode(bytes.View(), m_fileHdr.FileVersion, header);
+}
+
+/// Reads a recording header whose positions can be believed. A writer at work rewrites them in place, and what is read
+/// in that moment may be half old, half new: positions that no writer of ours leaves are read again until they stay.
+bool CRawDataReader::ReadSettledHdr(std::int64_t position, CRawDataRecordingHdr& header) const {
+    if (!ReadRecordingHdr(position, header)) return false;
+    for (int rereads = 0; rereads < kMostRereads && !LooksSettled(position, header); ++rereads) {
+        CRawDataRecordingHdr again;
+        if (!ReadRecordingHdr(position, again)) return false;
+        const bool stays = again.FPosRecordingData == header.FPosRecordingData &&
+                           again.FPosNextRecordingHdr == header.FPosNextRecordingHdr;
+        header = std::move(again);
+        if (stays) break;
     }
-    return header;
+    return true;
+}
+
+/// Tells whether the positions are such as a writer leaves behind: none, or the data right behind the header and the
+/// next header behind that.
+bool CRawDataReader::LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const {
+    const auto size = static_cast<std::int64_t>(SizeOf(kRecordingCells, m_fileHdr.FileVersion));
+    const std::int64_t next = header.FPosNextRecordingHdr;
+    if (header.FPosRecordingData == kUnset) return next == kUnset;
+    return header.FPosRecordingData == position + size && (next == kUnset || next >= position + size);
+}
+
+/// Returns where the chain of recordings goes on behind those read so far.
+std::int64_t CRawDataReader::NextRecordingHdr() const {
+    return m_recordings.empty() ? m_fileHdr.FPosFirstRecordingHdr : m_recordings.back().FPosNextRecordingHdr;
+}
+
+/// Reads the cell that led to nothing once more, in case its writer was just rewriting it. Returns false if it still
+/// says the same.
+bool CRawDataReader::RereadNextRecordingHdr() {
+    const std::int64_t before = NextRecordingHdr();
+    if (m_recordings.empty()) {
+        ReadFileHdr();
+    } else {
+        const auto position = m_recordings.size() == 1 ? m_fileHdr.FPosFirstRecordingHdr
+                                                       : m_recordings[m_recordings.size() - 2].FPosNextRecordingHdr;
+        ReadSettledHdr(position, m_recordings.back());
+    }
+    return NextRecordingHdr() != before;
 }
 
 /// Reads a segment header, and what follows it into `samples` in the same call. Returns how many bytes of that came.

@@ -41,7 +41,11 @@ class CRawDataReader {
 
     bool IsWanted(std::int32_t wellID) const { return m_selectedWell == kAllWells || m_selectedWell == wellID; }
     void ReadFileHdr();
-    CRawDataRecordingHdr ReadRecordingHdr(std::int64_t position) const;
+    bool ReadRecordingHdr(std::int64_t position, CRawDataRecordingHdr& header) const;
+    bool ReadSettledHdr(std::int64_t position, CRawDataRecordingHdr& header) const;
+    std::int64_t NextRecordingHdr() const;
+    bool LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const;
+    bool RereadNextRecordingHdr();
     std::size_t ReadSegmentHdr(std::int64_t position, vxfileio::CMutableBytes samples,
                                vxfileio::rawdata::CSegmentHdr& header);
     void RefuseImpossibleSize(std::int64_t dataPosition, std::uint32_t size) const;

@@ -144,8 +144,9 @@ void CRawDataWriter::Close() {
     if (m_stage == enStage::Closed) return;
     AppendRefusedHdrs();
     FinishRecording(kUnset);
-    RetryRewrites();
-    m_file.Close();  // as with every write, a late failure isn't reported
+    for (const auto& [position, bytes] : m_refusedRewrites)
+        m_file.WriteAt(position, {AsBytes(bytes)});  // the last try
+    m_file.Close();                                  // as with every write, a late failure isn't reported
     m_stage = enStage::Closed;
     m_refusedHdrs.clear();
     m_refusedRewrites.clear();
