@@ -27,7 +27,7 @@ need() {
         return
     fi
     local missing
-    mapfile -t missing < <(missing_packages "$@")
+    mapfile -t missing < <(missing_packages "$@" | sort -u)
     ((${#missing[@]})) || return 0
 
     local become_root=()
