@@ -54,7 +54,7 @@ class CCellItems {
 std::string_view CellValue(std::string_view cell);
 
 /// Returns the value of a cell from its first character on, for reading a number, which ends by itself. It points into
-/// the cell. `key` is the one that the cell most likely has: then nothing needs cutting.
+/// the cell. The number is that of `CellValue`; it is only faster if the cell has this `key`.
 std::string_view CellNumber(std::string_view cell, std::string_view key);
 
 }  // namespace vxfileio::rawdata

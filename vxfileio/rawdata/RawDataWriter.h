@@ -14,7 +14,8 @@
 /// Two rules keep the file sound whenever a write fails or the process dies. *Append first, then point*: a position is
 /// only written once the system has everything that it leads to. *What failed is tried again*: a header that the
 /// system refused goes ahead of the next segment, a refused rewrite is repeated with the next one; a refused segment
-/// leaves nothing behind. The writer knows where the file ends and never asks.
+/// leaves nothing behind. A recording whose header never reached the file is given up when the next one begins. The
+/// writer knows where the file ends and never asks.
 class CRawDataWriter {
  public:
     CRawDataWriter() = default;
