@@ -235,6 +235,25 @@ TEST_F(DamagedFileTest, SizesBeyondTheFileGiveZerosOrAnErrorButNoMemory) {
     }
 }
 
+// A size is no more believable for being that of the segment before, which was there in full.
+TEST_F(DamagedFileTest, HugeSegmentOfACutFileIsReportedWhateverWasReadBefore) {
+    constexpr std::int64_t kSamples = 10'000'000;
+    constexpr std::int64_t kSecond = 3650 + 300 + 2 * kSamples;
+    const std::string size = std::to_string(kSamples);
+    WriteAll(m_path, FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) + SegmentHdrBytes(11, kSecond, 0, 1, size));
+    std::filesystem::resize_file(m_path, kSecond);  // the samples are a hole
+    std::ofstream(m_path, std::ios::binary | std::ios::app) << SegmentHdrBytes(12, -1, 0, 1, size);
+    m_reader.Open(m_path);
+    for (const bool beginWithTheWhole : {true, false}) {
+        m_reader.SelectWellID(beginWithTheWhole ? -1 : 12);
+        ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+        if (beginWithTheWhole) {
+            EXPECT_TRUE(SegmentsOf(m_reader, 1).ends_with(",0,0"));
+        }
+        EXPECT_EQ(SegmentsOf(m_reader), kBadSegment);
+    }
+}
+
 TEST_F(DamagedFileTest, ChannelCountsThatNoCellCouldListAreReported) {
     for (const char* count : {"194", "2147483647", "-1", "99999999999"}) {
         m_bytes = SmallFileBytes();

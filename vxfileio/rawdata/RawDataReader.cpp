@@ -133,7 +133,7 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
         sampleBytes = ReadSegmentHdr(m_readPosition, guess, header);
         dataPosition = m_readPosition + static_cast<std::int64_t>(kSegmentHdrSize);
         wellID = header.ID;
-        if (IsWanted(wellID)) RefuseImpossibleSize(dataPosition, static_cast<std::uint32_t>(header.Size));
+        if (IsWanted(wellID)) RefuseImpossibleSize(dataPosition, sampleBytes, static_cast<std::uint32_t>(header.Size));
         m_readPosition = header.FPosNextSegmentHdr;
     } while (!IsWanted(wellID));
 
@@ -220,9 +220,10 @@ std::size_t CRawDataReader::ReadSegmentHdr(std::int64_t position, CMutableBytes 
     return read - std::min(read, kSegmentHdrSize);
 }
 
-void CRawDataReader::RefuseImpossibleSize(std::int64_t dataPosition, std::uint32_t size) const {
+/// `read` bytes of the samples are known to be there; the file is asked only if that doesn't settle it.
+void CRawDataReader::RefuseImpossibleSize(std::int64_t dataPosition, std::size_t read, std::uint32_t size) const {
     const std::int64_t bytes = std::int64_t{size} * std::int64_t{sizeof(std::uint16_t)};
-    if (size == m_sampleCount || bytes <= kMostMissingBytes) return;
+    if (bytes - static_cast<std::int64_t>(read) <= kMostMissingBytes) return;
     if (bytes - kMostMissingBytes > m_file.Size() - dataPosition) throw CExcVXReader(kBadSegmentHdr);
 }
 

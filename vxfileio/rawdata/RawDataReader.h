@@ -48,7 +48,7 @@ class CRawDataReader {
     bool RereadNextRecordingHdr();
     std::size_t ReadSegmentHdr(std::int64_t position, vxfileio::CMutableBytes samples,
                                vxfileio::rawdata::CSegmentHdr& header);
-    void RefuseImpossibleSize(std::int64_t dataPosition, std::uint32_t size) const;
+    void RefuseImpossibleSize(std::int64_t dataPosition, std::size_t read, std::uint32_t size) const;
     void MakeRoomFor(std::uint32_t size);
     vxfileio::CMutableBytes SampleBytes();
 
