@@ -195,6 +195,22 @@ TEST_F(DamagedFileTest, SegmentChainsThatLeadBackAreReportedAnewAfterEachJump) {
     }
 }
 
+// Each cell serves as part of several headers: cell k is a key to the header there, and the position behind it to the
+// header two cells before. The chain never returns, but has more items than an honest file of this size.
+TEST_F(DamagedFileTest, SegmentsThatOverlapAreReportedOnceTheyAreTooMany) {
+    m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650});
+    for (int at = 3650; at < 30000; at += 50)
+        m_bytes += Cell(50, "Type=" + std::to_string(at - 50));
+    WriteAll(m_path, m_bytes);
+    m_reader.Open(m_path);
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    const std::size_t most = m_bytes.size() / 300 + 1;
+    std::size_t delivered = 0;
+    while (SegmentsOf(m_reader, 1) != kBadSegment)
+        ++delivered;
+    EXPECT_EQ(delivered, most);
+}
+
 TEST_F(DamagedFileTest, SegmentChainThatRunsBackwardsIsValid) {
     m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3958}) + SegmentHdrBytes(12, -1, 5, 8, "4") +
               SampleBytes(kWell12) + SegmentHdrBytes(11, 3650, 1, 4, "4") + SampleBytes(kWell11);

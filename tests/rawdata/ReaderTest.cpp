@@ -98,9 +98,26 @@ TEST_F(ReaderTest, QuestionsAreAnsweredInFileOrder) {
     EXPECT_EQ(m_reader.GetWellIDs("no such task"), (std::vector<std::int32_t>{3, 4}));
     EXPECT_EQ(m_reader.GetRecordingHdr("Series", 1)->Dose, 50);
     EXPECT_EQ(m_reader.GetRecordingHdr("Series", 3), nullptr);
-    // Of twins, the first answers questions and the last delivers data (here: what stands behind its empty chain).
-    ASSERT_TRUE(m_reader.JumpToData("Series", 1));
-    EXPECT_EQ(SegmentsOf(m_reader), "Error reading Data Segment Header");
+}
+
+TEST_F(ReaderTest, OfTwinsTheFirstAnswersQuestionsAndTheLastDeliversData) {
+    const auto twin = [](std::int64_t data, std::int64_t next, const char* wells) {
+        return RecordingHdrBytes({.data = data, .next = next, .wellIDs = wells});
+    };
+    OpenBytes(FileHdrBytes(1190) + twin(3650, 3958, "=11:12") + SegmentHdrBytes(11, -1, 0, 300, "4") +
+              SampleBytes(kWell11) + twin(6418, 6726, "=21:22") + SegmentHdrBytes(12, -1, 0, 300, "4") +
+              SampleBytes(kWell12) + twin(-1, -1, "=31:32"));
+    EXPECT_EQ(m_reader.GetRecordingHdr("CompoundTest", 1)->WellChannels[0].ID, 11);
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));  // the third was never finished
+    EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
+}
+
+TEST_F(ReaderTest, SelectedWellIsReadAfreshIntoABufferOfItsSize) {
+    OpenBytes(SmallFileBytes());
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
+    m_reader.SelectWellID(12);
+    EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
 TEST_F(ReaderTest, SegmentsComeInOrderUntilTheChainEnds) {

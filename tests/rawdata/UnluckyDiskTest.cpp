@@ -128,6 +128,45 @@ TEST(UnluckyDiskTest, WhatTheDiskRefusedComesBehindOnceThereIsRoom) {
               "PreQC: 11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end; PostQC: Error reading Data Segment Header; ");
 }
 
+TEST(UnluckyDiskTest, RefusedRewriteIsMadeWithTheNextOneAndTheNewestCounts) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("rewrite.vxd");
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    writer.Open(path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    {
+        const CFullDisk disk(600);  // the lists at 640 and 790 are refused
+        writer.UpdateFileHdr("CompoundTest", {"7"});
+        writer.UpdateFileHdr("PostQC", {"8"});
+        writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+    }
+    EXPECT_EQ(ReadAll(path), FileHdrBytes(1190) + RecordingHdrBytes({}));
+    writer.UpdateFileHdr("PostQC", {});
+    EXPECT_EQ(ReadAll(path), FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({}));
+    writer.Close();
+    EXPECT_EQ(ReadAll(path), FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({.data = 3650}));
+}
+
+TEST(UnluckyDiskTest, NothingThatOneFileWasRefusedGoesIntoTheNext) {
+    const CTempFolder folder;
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    {
+        const CFullDisk disk(0);
+        writer.Open(folder.Path("refused.vxd"));
+        writer.WriteFileHdr(ExampleFileHdr());
+        writer.WriteRecordingHdr(ExampleRecordingHdr());
+        writer.UpdateFileHdr("PreQC", {"1"});
+        writer.Close();
+    }
+    writer.Open(folder.Path("next.vxd"));
+    writer.Close();
+    EXPECT_EQ(ReadAll(folder.Path("refused.vxd")), "");
+    EXPECT_EQ(ReadAll(folder.Path("next.vxd")), "");
+}
+
 /// Writes without end; the samples of segment n are all n, and well 7 has every segment.
 [[noreturn]] void WriteForEver(const std::string& path) {
     CVXFileIO io;
