@@ -96,6 +96,13 @@ enum class enFPAveIntervalType : std::int32_t {
     HeartRateDefined = 2,
 };
 
+/// Which values of a well are meant: as measured, or after the caller's normalisation. Any number but `Normalized`
+/// stands for the plain ones. It has no words.
+enum class enValueType : std::int32_t {
+    Plain = 0,
+    Normalized = 1,
+};
+
 /// @name Number to word
 /// Each returns the word of the number, or the fallback of its enumeration.
 /// @{

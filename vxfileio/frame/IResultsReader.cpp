@@ -1,4 +1,12 @@
 #include "vxfileio/frame/IResultsReader.h"
 
-CIResultsReader::CIResultsReader() = default;
+#include "vxfileio/results/ResultsReader.h"
+
+CIResultsReader::CIResultsReader() : m_reader(std::make_unique<CResultsReader>()) {}
 CIResultsReader::~CIResultsReader() = default;
+
+void CIResultsReader::ReadFile(const std::string& path) { m_reader->ReadFile(path); }
+
+const CResults* CIResultsReader::GetResults() const { return m_reader->GetResults(); }
+
+const CXmlFileHeader* CIResultsReader::GetXmlFileHeader() const { return m_reader->GetXmlFileHeader(); }

@@ -1,4 +1,12 @@
 #include "vxfileio/frame/IResultsWriter.h"
 
-CIResultsWriter::CIResultsWriter() = default;
+#include "vxfileio/results/ResultsWriter.h"
+
+CIResultsWriter::CIResultsWriter() : m_writer(std::make_unique<CResultsWriter>()) {}
 CIResultsWriter::~CIResultsWriter() = default;
+
+void CIResultsWriter::SetXmlFileHeader(const CXmlFileHeader& header) { m_writer->SetXmlFileHeader(header); }
+
+void CIResultsWriter::WriteFile(const std::string& path, const CResults& results) {
+    m_writer->WriteFile(path, results);
+}

@@ -1,10 +1,17 @@
 #pragma once
 
-#include "vxfileio/frame/Api.h"
+#include <memory>
+#include <string>
 
-/// The writer of results files.
+#include "vxfileio/frame/Api.h"
+#include "vxfileio/results/Results.h"
+#include "vxfileio/settings/XmlFileHeader.h"
+
+class CResultsWriter;
+
+/// Writes results files (`.vxr`): the results of one compound, as one XML document.
 ///
-/// It has no operations yet; its accessor in `CVXFileIO` stands.
+/// Any number of files can be written. A write that the system refuses isn't reported. One thread at a time.
 class VXFILEIO_API CIResultsWriter {
  public:
     CIResultsWriter();
@@ -12,4 +19,15 @@ class VXFILEIO_API CIResultsWriter {
 
     CIResultsWriter(const CIResultsWriter&) = delete;
     CIResultsWriter& operator=(const CIResultsWriter&) = delete;
+
+    /// Sets the header, which is copied. Its `FileType` becomes "VXResults", whatever it was. Without a call the header
+    /// has its defaults.
+    void SetXmlFileHeader(const CXmlFileHeader& header);
+
+    /// Writes the file, replacing one of that name. The results aren't kept. Throws `CExcVXReader` with code -1, "Could
+    /// not open results file: " and the path, if the file can't be created.
+    void WriteFile(const std::string& path, const CResults& results);
+
+ private:
+    std::unique_ptr<CResultsWriter> m_writer;
 };

@@ -1,4 +1,39 @@
 #include "vxfileio/frame/ISettingsWriter.h"
 
-CISettingsWriter::CISettingsWriter() = default;
+#include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/settings/SettingsWriter.h"
+
+CISettingsWriter::CISettingsWriter() : m_writer(std::make_unique<CSettingsWriter>()) {}
 CISettingsWriter::~CISettingsWriter() = default;
+
+void CISettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) { m_writer->SetXmlFileHeader(header); }
+
+void CISettingsWriter::SetControlProperty(const CPropControl& property) { m_writer->SetControlProperty(property); }
+
+void CISettingsWriter::SetNotebookProperty(const CPropNotebook& property) { m_writer->SetNotebookProperty(property); }
+
+void CISettingsWriter::SetRobotProperty(const CPropRobot& property) { m_writer->SetRobotProperty(property); }
+
+void CISettingsWriter::SetRecordPlateProperty(const CPropRecordPlate& property) {
+    m_writer->SetRecordPlateProperty(property);
+}
+
+void CISettingsWriter::SetQualityCheckProperty(const CPropQualityCheck& property) {
+    m_writer->SetQualityCheckProperty(property);
+}
+
+void CISettingsWriter::SetWashInProperty(const CPropWashIn& property) { m_writer->SetWashInProperty(property); }
+
+void CISettingsWriter::SetRecordingProperty(const CPropRecording& property) {
+    m_writer->SetRecordingProperty(property);
+}
+
+void CISettingsWriter::SetAnalyzerProperty(const CPropAnalyzer& property) { m_writer->SetAnalyzerProperty(property); }
+
+void CISettingsWriter::WriteFile(const std::string& path) {
+    m_writer->WriteFile(path, vxfileio::settings::kAnyCompound);
+}
+
+void CISettingsWriter::WriteFile(const std::string& path, std::int32_t compound) {
+    m_writer->WriteFile(path, compound);
+}

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <system_error>
 
 /// @file
 /// The one way to the operating system's files. Every file of the library is opened here.
@@ -39,6 +40,9 @@ class CFile {
     /// Creates a file, or empties an existing one, for writing; closes what was open. Returns false if it can't.
     bool Create(const std::string& path);
 
+    /// Why the last opening failed, in the system's own numbers.
+    std::error_code OpenError() const { return m_openError; }
+
     /// Tells whether a file is open.
     bool IsOpen() const { return m_handle != kClosed; }
 
@@ -68,7 +72,8 @@ class CFile {
     static constexpr std::intptr_t kClosed = -1;
 
     std::intptr_t m_handle = kClosed;  ///< The system's handle.
-    std::int64_t m_end = 0;            ///< Where the next `Append` begins.
+    std::error_code m_openError;
+    std::int64_t m_end = 0;  ///< Where the next `Append` begins.
 };
 
 /// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.

@@ -22,13 +22,15 @@ constexpr mode_t kNewFileMode = 0666;
 /// O_NONBLOCK lets opening a pipe fail or return instead of waiting for its other end; it does nothing to plain files.
 constexpr int kAlways = O_CLOEXEC | O_NONBLOCK;
 
-int OpenPath(std::string path, int flags) {
+int OpenPath(std::string path, int flags, std::error_code& error) {
+    error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return -1;
     std::replace(path.begin(), path.end(), '\\', '/');
     int handle = -1;
     do {
         handle = ::open(path.c_str(), flags | kAlways, kNewFileMode);
     } while (handle < 0 && errno == EINTR);
+    error = {handle < 0 ? errno : 0, std::generic_category()};
     return handle;
 }
 
@@ -86,16 +88,19 @@ std::size_t Transfer(Call call, std::intptr_t handle, std::int64_t position, CPe
 
 bool CFile::OpenForReading(const std::string& path) {
     Close();
-    const int handle = OpenPath(path, O_RDONLY);
+    const int handle = OpenPath(path, O_RDONLY, m_openError);
     if (handle < 0) return false;
     m_handle = handle;
-    if (IsFolder(handle)) Close();
+    if (IsFolder(handle)) {
+        Close();
+        m_openError = std::make_error_code(std::errc::is_a_directory);
+    }
     return IsOpen();
 }
 
 bool CFile::Create(const std::string& path) {
     Close();
-    const int handle = OpenPath(path, O_WRONLY | O_CREAT | O_TRUNC);
+    const int handle = OpenPath(path, O_WRONLY | O_CREAT | O_TRUNC, m_openError);
     if (handle < 0) return false;
     m_handle = handle;
     m_end = 0;

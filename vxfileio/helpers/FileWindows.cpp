@@ -18,10 +18,13 @@ constexpr std::size_t kMostBytesPerCall = std::size_t{1} << 30;
 
 HANDLE Native(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
 
-std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition) {
+std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition, std::error_code& error) {
+    error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
-    return reinterpret_cast<std::intptr_t>(
-        ::CreateFileA(path.c_str(), access, kShareWithAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const HANDLE handle =
+        ::CreateFileA(path.c_str(), access, kShareWithAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    error = {handle == INVALID_HANDLE_VALUE ? static_cast<int>(::GetLastError()) : 0, std::system_category()};
+    return reinterpret_cast<std::intptr_t>(handle);
 }
 
 /// The position of a transfer, in the form that the system takes it.
@@ -57,13 +60,13 @@ std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers) {
 
 bool CFile::OpenForReading(const std::string& path) {
     Close();
-    m_handle = OpenPath(path, GENERIC_READ, OPEN_EXISTING);
+    m_handle = OpenPath(path, GENERIC_READ, OPEN_EXISTING, m_openError);
     return IsOpen();
 }
 
 bool CFile::Create(const std::string& path) {
     Close();
-    m_handle = OpenPath(path, GENERIC_WRITE, CREATE_ALWAYS);
+    m_handle = OpenPath(path, GENERIC_WRITE, CREATE_ALWAYS, m_openError);
     m_end = 0;
     return IsOpen();
 }

@@ -1,6 +1,8 @@
 #include "vxfileio/helpers/NumberText.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <system_error>
@@ -11,6 +13,10 @@ namespace vxfileio {
 namespace {
 
 constexpr int kGeneralDigits = 6;
+
+/// Decimal exponents between which `RoundTrip` writes a number without an exponent.
+constexpr std::int32_t kLeastFixedExponent = -1;
+constexpr std::int32_t kMostFixedExponent = 37;
 
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
@@ -88,6 +94,45 @@ CNumberText CNumberText::General(double value) {
     text.SetEnd(std::to_chars(text.Begin(), text.Begin() + text.m_text.size(), value, std::chars_format::general,
                               kGeneralDigits)
                     .ptr);
+    return text;
+}
+
+CNumberText CNumberText::RoundTrip(double value) {
+    CNumberText text;
+    if (!std::isfinite(value)) return General(value);
+    if (std::signbit(value)) text.Add('-');
+
+    // The digits and the exponent out of "d.ddde-XX".
+    std::array<char, 32> room;
+    const auto* const end =
+        std::to_chars(room.data(), room.data() + room.size(), std::abs(value), std::chars_format::scientific).ptr;
+    const std::string_view shortest(room.data(), static_cast<std::size_t>(end - room.data()));
+    const auto e = shortest.find('e');
+    const std::string_view first = shortest.substr(0, 1);
+    const std::string_view fraction = e > 1 ? shortest.substr(2, e - 2) : std::string_view();
+    const std::int32_t exponent = ParseInt32(shortest.substr(e + 1));
+
+    if (exponent < kLeastFixedExponent || exponent > kMostFixedExponent) {
+        text.Add(first);
+        text.Add('.');
+        text.Add(fraction);
+        text.Add(exponent < 0 ? "e-" : "e+");
+        const std::int32_t size = std::abs(exponent);
+        for (const std::int32_t unit : {100, 10, 1})
+            text.Add(static_cast<char>('0' + size / unit % 10));
+    } else if (exponent < 0) {
+        text.Add("0.");
+        text.Add(first);
+        text.Add(fraction);
+    } else {
+        const auto whole = static_cast<std::size_t>(exponent);
+        text.Add(first);
+        text.Add(fraction.substr(0, whole));
+        for (std::size_t i = fraction.size(); i < whole; ++i)
+            text.Add('0');
+        text.Add('.');
+        text.Add(fraction.substr(std::min(whole, fraction.size())));
+    }
     return text;
 }
 

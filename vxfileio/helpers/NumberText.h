@@ -25,16 +25,24 @@ class CNumberText {
     /// and `-inf` are texts too.
     static CNumberText General(double value);
 
+    /// A floating-point value with the fewest digits that read back as the same: fixed notation for decimal exponents
+    /// from -1 to 37, beyond them an exponent of three digits and its sign. The point always stands, zeros behind it
+    /// don't: `4.`, `0.5`, `6.25e-002`. `nan`, `inf` and `-inf` are texts too.
+    static CNumberText RoundTrip(double value);
+
     /// The text, which lives as long as this object.
     std::string_view View() const { return {m_text.data(), m_size}; }
 
  private:
     CNumberText() = default;
 
+    void Add(char c) { m_text[m_size++] = c; }
+    void Add(std::string_view text) { m_size += text.copy(m_text.data() + m_size, m_text.size() - m_size); }
+
     char* Begin() { return m_text.data(); }
     void SetEnd(const char* end) { m_size = static_cast<std::size_t>(end - m_text.data()); }
 
-    std::array<char, 24> m_text{};  ///< Room for 20 digits and a sign.
+    std::array<char, 48> m_text;  ///< Room for 38 digits, a sign and a point.
     std::size_t m_size = 0;
 };
 

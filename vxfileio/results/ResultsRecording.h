@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "vxfileio/frame/Api.h"
+#include "vxfileio/frame/Enumerations.h"
+#include "vxfileio/results/ResponseMean.h"
+#include "vxfileio/results/ResultsWell.h"
+#include "vxfileio/xmlarchive/XmlArchive.h"
+
+/// What was found in one recording: its wells, and what the compound's wells came to together. A value with deep
+/// copies.
+class VXFILEIO_API CResultsRecording {
+ public:
+    CResultsRecording() = default;
+    /// Makes one well per ID, with the label at the same place; without a label for it the label is empty. A repeated
+    /// ID replaces the well before. The last three are those of `CResultsWell`.
+    CResultsRecording(std::uint64_t dose, const std::vector<std::int32_t>& wellIDs,
+                      const std::vector<std::string>& wellLabels, std::uint32_t samples, std::int64_t averageTick,
+                      std::int64_t preFPfastTime);
+
+    std::uint64_t Dose = 0;                                       ///< The dose, in picomolar.
+    std::map<std::int32_t, CResultsWell> Wells;                   ///< The wells, by well ID.
+    std::map<enResponseType, CResponseMean> NormalizedResponses;  ///< The compound's statistics.
+
+    /// Returns whether there is a statistic of this response.
+    bool ResultsExist(enResponseType type) const { return NormalizedResponses.contains(type); }
+    void ClearResponses();  ///< Removes the statistics; the wells stay.
+    void Clear();           ///< Gives every field its default.
+
+    /// Writes the element `Recording`.
+    void Save(CXmlFileArchive& archive) const;
+    /// Reads on to the end tag of `Recording`. Each well is found by its place: `WellID` is its first child.
+    void Load(CXmlFileArchive& archive);
+};

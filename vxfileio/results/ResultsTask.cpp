@@ -1,0 +1,47 @@
+#include "vxfileio/results/ResultsTask.h"
+
+#include "vxfileio/results/ResultsFile.h"
+
+namespace vxfileio {
+
+namespace {
+
+struct CRecordingsField {
+    std::string_view tag = "Recordings";
+
+    void Put(CXmlFileArchive& archive, const CResultsTask& task) const {
+        PutList(archive, task.Recordings, [&](const CResultsRecording& recording) { recording.Save(archive); });
+    }
+    void Get(CXmlFileArchive& archive, CResultsTask& task) const {
+        task.Recordings.clear();
+        GetEntries<CResultsRecording>(
+            archive, [&](CResultsRecording& recording) { recording.Load(archive); },
+            [&](CResultsRecording recording) { task.Recordings.push_back(std::move(recording)); });
+    }
+};
+
+}  // namespace
+
+template <>
+struct CXmlForm<CResultsTask> {
+    static constexpr std::string_view kElement = results::kTaskElement;
+    static constexpr auto kFields = std::tuple{
+        CValueField{"TaskName", &CResultsTask::TaskName},
+        CRecordingsField{},
+    };
+};
+
+}  // namespace vxfileio
+
+CResultsTask::CResultsTask(const std::vector<std::uint64_t>& doses, const std::vector<std::int32_t>& wellIDs,
+                           const std::vector<std::string>& wellLabels, std::uint32_t samples, std::int64_t averageTick,
+                           std::int64_t preFPfastTime) {
+    Recordings.reserve(doses.size());
+    for (const std::uint64_t dose : doses)
+        Recordings.emplace_back(dose, wellIDs, wellLabels, samples, averageTick, preFPfastTime);
+}
+
+void CResultsTask::Clear() { Recordings.clear(); }
+
+void CResultsTask::Save(CXmlFileArchive& archive) const { vxfileio::SaveElement(archive, *this); }
+void CResultsTask::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }

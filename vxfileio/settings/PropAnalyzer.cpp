@@ -1,0 +1,243 @@
+#include "vxfileio/settings/PropAnalyzer.h"
+
+#include "vxfileio/frame/EnumerationWords.h"
+#include "vxfileio/helpers/FileTime.h"
+#include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
+
+namespace vxfileio {
+
+template <>
+struct CXmlForm<CPropAnalyzer> {
+    using Analyzer = CPropAnalyzer;
+    static constexpr std::string_view kElement = settings::kAnalyzerElement;
+
+    /// Ahead of the date's text and the marks, and behind them.
+    static constexpr auto kHead = std::tuple{
+        CTextField{"Operator", &Analyzer::Operator},
+        CTextField{"Program", &Analyzer::Program},
+        CTextField{"ProgramVersion", &Analyzer::ProgramVersion},
+        CValueField{"AnalyzingDate", &Analyzer::AnalyzingDate},
+    };
+    static constexpr std::string_view kDateText = "AnalyzingDateString";  // for people: it isn't read
+    static constexpr std::string_view kMarks = "AnalyzeSettings";
+    static constexpr auto kParameters = std::tuple{
+        CWordField{"FPAveIntervalType", &Analyzer::FPAveIntervalType},
+        CValueField{"FPAveHRDefinedFactor", &Analyzer::FPAveHRDefinedFactor},
+        CValueField{"PreFPfastTime", &Analyzer::PreFPfastTime},
+        CValueField{"FPAverageTime", &Analyzer::FPAverageTime},
+        CValueField{"FPmaxSearchBegin", &Analyzer::FPmaxSearchBegin},
+        CValueField{"FPmaxSearchEnd", &Analyzer::FPmaxSearchEnd},
+        CValueField{"FPSlopeInterval", &Analyzer::FPSlopeInterval},
+        CValueField{"FPfastAutoAdjust", &Analyzer::FPfastAutoAdjust},
+        CValueField{"FPfastAutoAdjustFactor", &Analyzer::FPfastAutoAdjustFactor},
+        CValueField{"FPfastAutoAdjustTime", &Analyzer::FPfastAutoAdjustTime},
+        CValueField{"FPfastAmplitude", &Analyzer::FPfastAmplitude},
+        CValueField{"FPfastRiseTimeMin", &Analyzer::FPfastRiseTimeMin},
+        CValueField{"FPfastRiseTimeMax", &Analyzer::FPfastRiseTimeMax},
+        CValueField{"FPfastSlopeRangeMin", &Analyzer::FPfastSlopeRangeMin},
+        CValueField{"FPfastSlopeRangeMax", &Analyzer::FPfastSlopeRangeMax},
+    };
+};
+
+namespace {
+
+using CForm = CXmlForm<CPropAnalyzer>;
+
+/// The tags of the marks, from the outside in. Both a recording and its number are a `Recording`.
+constexpr std::string_view kTasks = "Tasks";
+constexpr std::string_view kTask = "Task";
+constexpr std::string_view kTaskName = "TaskName";
+constexpr std::string_view kRecordings = "Recordings";
+constexpr std::string_view kRecording = "Recording";
+constexpr std::string_view kWells = "Wells";
+constexpr std::string_view kWell = "Well";
+constexpr std::string_view kWellID = "WellID";
+constexpr std::string_view kAnalyze = "Analyze";
+constexpr std::string_view kResponses = "Responses";
+
+constexpr std::int32_t kNoWell = -1;
+
+/// The wells of a recording that are to be written, in the order in which they are.
+using CChosenWells = std::vector<RecordingAnalysis::const_pointer>;
+
+std::string Word(auto value) { return std::string(WordOf(value)); }
+
+CChosenWells AllWells(const RecordingAnalysis& recording) {
+    CChosenWells wells;
+    for (const auto& well : recording)
+        wells.push_back(&well);
+    return wells;
+}
+
+CChosenWells TheseWells(const RecordingAnalysis& recording, const std::vector<std::int32_t>& wellIDs) {
+    CChosenWells wells;
+    for (const std::int32_t wellID : wellIDs) {
+        const auto well = recording.find(wellID);
+        if (well != recording.end()) wells.push_back(&*well);
+    }
+    return wells;
+}
+
+void SaveWell(CXmlFileArchive& archive, std::int32_t wellID, const WellAnalysis& well) {
+    archive.OpenChild(kWell);
+    SaveValue(archive, kWellID, wellID);
+    SaveValue(archive, kAnalyze, well.Analyze);
+    archive.OpenChild(kResponses);
+    PutList(archive, well.Responses,
+            [&](const auto& response) { SaveValue(archive, Word(response.first), Word(response.second)); });
+    archive.CloseElement().CloseElement();
+}
+
+void SaveRecording(CXmlFileArchive& archive, std::int32_t number, const CChosenWells& wells) {
+    archive.OpenChild(kRecording);
+    SaveValue(archive, kRecording, number);
+    archive.OpenChild(kWells);
+    PutList(archive, wells, [&](const auto* well) { SaveWell(archive, well->first, well->second); });
+    archive.CloseElement().CloseElement();
+}
+
+template <class ChooseWells>
+void SaveTask(CXmlFileArchive& archive, enTask task, const TaskAnalysis& recordings, ChooseWells chooseWells) {
+    archive.OpenChild(kTask);
+    SaveValue(archive, kTaskName, Word(task));
+    archive.OpenChild(kRecordings);
+    std::int32_t number = 0;
+    PutList(archive, recordings,
+            [&](const RecordingAnalysis& recording) { SaveRecording(archive, number++, chooseWells(recording)); });
+    archive.CloseElement().CloseElement();
+}
+
+template <class ChooseWells>
+void SaveAnalyzer(CXmlFileArchive& archive, CPropAnalyzer& analyzer, ChooseWells chooseWells) {
+    analyzer.AnalyzingDate = GetCurrentFileTime();
+    archive.OpenChild(CForm::kElement);
+    PutFields(archive, analyzer, CForm::kHead);
+    SaveValue(archive, CForm::kDateText, FileTimeToText(analyzer.AnalyzingDate));
+    archive.OpenChild(CForm::kMarks).OpenChild(kTasks);
+    PutList(archive, analyzer.AnalyzeSettings,
+            [&](const auto& task) { SaveTask(archive, task.first, task.second, chooseWells); });
+    archive.CloseElement().CloseElement();
+    PutFields(archive, analyzer, CForm::kParameters);
+    archive.CloseElement();
+}
+
+/// Reads a list up to its end tag, its entries by `load()` at their start. A list without entries has no end tag.
+template <class Load>
+void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view entryTag, Load load) {
+    gd_xml_stream::XmlValue size(std::int32_t{0});
+    archive.GetAttribute("Size", size);
+    if (size.AsInt32() <= 0) return;
+    ForEachEventUntil(archive, tag, [&] {
+        if (IsStartOf(archive, entryTag)) load();
+    });
+}
+
+void LoadResponse(CXmlFileArchive& archive, WellAnalysis& well) {
+    for (auto& [response, mark] : well.Responses) {
+        if (!IsStartOf(archive, WordOf(response))) continue;
+        std::string word;
+        archive.GetValue(word);
+        mark = ValueOf<enAnalysisMark>(word);
+        return;
+    }
+}
+
+void LoadWell(CXmlFileArchive& archive, RecordingAnalysis& wells) {
+    std::int32_t wellID = kNoWell;
+    archive.NextElement();
+    if (archive.TagName() == kWellID) archive.GetValue(wellID);
+    WellAnalysis well;
+    ForEachEventUntil(archive, kWell, [&] {
+        if (IsStartOf(archive, kAnalyze)) return archive.GetValue(well.Analyze);
+        LoadResponse(archive, well);
+    });
+    wells[wellID] = std::move(well);
+}
+
+void LoadRecording(CXmlFileArchive& archive, TaskAnalysis& recordings) {
+    archive.NextElement();  // its number, which the order of the document tells as well
+    RecordingAnalysis wells;
+    ForEachEventUntil(archive, kRecording, [&] {
+        if (IsStartOf(archive, kWells)) LoadList(archive, kWells, kWell, [&] { LoadWell(archive, wells); });
+    });
+    recordings.push_back(std::move(wells));
+}
+
+void LoadTask(CXmlFileArchive& archive, std::map<enTask, TaskAnalysis>& tasks) {
+    archive.NextElement();
+    const bool named = IsStartOf(archive, kTaskName);
+    std::string name;
+    if (named) archive.GetValue(name);
+    TaskAnalysis recordings;
+    ForEachEventUntil(archive, kTask, [&] {
+        if (!IsStartOf(archive, kRecordings)) return;
+        LoadList(archive, kRecordings, kRecording, [&] { LoadRecording(archive, recordings); });
+    });
+    if (named) tasks[ValueOf<enTask>(name)] = std::move(recordings);
+}
+
+void LoadMarks(CXmlFileArchive& archive, std::map<enTask, TaskAnalysis>& tasks) {
+    ForEachEventUntil(archive, CForm::kMarks, [&] {
+        if (IsStartOf(archive, kTasks)) LoadList(archive, kTasks, kTask, [&] { LoadTask(archive, tasks); });
+    });
+}
+
+/// Returns the marks of a well, or null if there are none.
+const WellAnalysis* FindWell(const std::map<enTask, TaskAnalysis>& tasks, enTask task, std::int32_t recording,
+                             std::int32_t wellID) {
+    const auto recordings = tasks.find(task);
+    if (recordings == tasks.end() || recording < 0) return nullptr;
+    const auto number = static_cast<std::size_t>(recording);
+    if (number >= recordings->second.size()) return nullptr;
+    const RecordingAnalysis& wells = recordings->second[number];
+    const auto well = wells.find(wellID);
+    return well == wells.end() ? nullptr : &well->second;
+}
+
+}  // namespace
+
+}  // namespace vxfileio
+
+void CPropAnalyzer::Save(CXmlFileArchive& archive) { vxfileio::SaveAnalyzer(archive, *this, vxfileio::AllWells); }
+
+void CPropAnalyzer::SaveWells(CXmlFileArchive& archive, const std::vector<std::int32_t>& wellIDs) {
+    vxfileio::SaveAnalyzer(
+        archive, *this, [&](const RecordingAnalysis& recording) { return vxfileio::TheseWells(recording, wellIDs); });
+}
+
+void CPropAnalyzer::Load(CXmlFileArchive& archive) {
+    using vxfileio::CForm;
+    vxfileio::ForEachEventUntil(archive, CForm::kElement, [&] {
+        if (vxfileio::GetField(archive, *this, CForm::kHead)) return;
+        if (vxfileio::GetField(archive, *this, CForm::kParameters)) return;
+        const bool hasMarks = (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
+        if (vxfileio::IsStartOf(archive, CForm::kMarks) && hasMarks) vxfileio::LoadMarks(archive, AnalyzeSettings);
+    });
+}
+
+void CPropAnalyzer::InitTask(enTask task, std::int32_t recordings, const std::vector<std::int32_t>& wellIDs) {
+    RecordingAnalysis wells;
+    for (const std::int32_t wellID : wellIDs)
+        wells.try_emplace(wellID);
+    AnalyzeSettings[task].assign(recordings < 1 ? 0 : static_cast<std::size_t>(recordings), wells);
+}
+
+enAnalysisMark CPropAnalyzer::GetResponseMark(enTask task, std::int32_t recording, std::int32_t wellID,
+                                              enResponseType response) const {
+    const WellAnalysis* const well = vxfileio::FindWell(AnalyzeSettings, task, recording, wellID);
+    if (well == nullptr) return enAnalysisMark::Undefined;
+    const auto mark = well->Responses.find(response);
+    return mark == well->Responses.end() ? enAnalysisMark::Undefined : mark->second;
+}
+
+bool CPropAnalyzer::IsWellAnalyzed(enTask task, std::int32_t recording, std::int32_t wellID) const {
+    const WellAnalysis* const well = vxfileio::FindWell(AnalyzeSettings, task, recording, wellID);
+    return well != nullptr && well->Analyze;
+}
+
+std::string CPropAnalyzer::FPAveIntervalTypeToString(enFPAveIntervalType type) { return vxfileio::Word(type); }
+
+enFPAveIntervalType CPropAnalyzer::StringToFPAveIntervalType(const std::string& word) {
+    return ValueOf<enFPAveIntervalType>(word);
+}

@@ -1,0 +1,35 @@
+#include "vxfileio/settings/PropControl.h"
+
+#include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
+
+namespace vxfileio {
+
+template <>
+struct CXmlForm<CPropControl> {
+    static constexpr std::string_view kElement = settings::kControlElement;
+    static constexpr auto kFields = std::tuple{
+        CWordField{"VexaprobeMode", &CPropControl::VexaprobeMode},
+        CWordField{"RobotMode", &CPropControl::RobotMode},
+        CWordField{"DataAcqMode", &CPropControl::DataAcqMode},
+        CValueField{"SimulationDataFile", &CPropControl::SimulationDataFile},
+    };
+};
+
+}  // namespace vxfileio
+
+void CPropControlSlots::Save(CXmlFileArchive& /*archive*/) {}
+void CPropControlSlots::Load(CXmlFileArchive& /*archive*/) {}
+
+template <class File>
+void CPropControl::Save(gd_xml_stream::CXMLArchive<File>& archive) const {
+    vxfileio::SaveElement(archive, *this);
+}
+
+template <class File>
+void CPropControl::Load(gd_xml_stream::CXMLArchive<File>& archive) {
+    vxfileio::LoadElement(archive, *this);
+}
+
+template VXFILEIO_API void CPropControl::Save(CXmlFileArchive& archive) const;
+template VXFILEIO_API void CPropControl::Load(CXmlFileArchive& archive);

@@ -1,0 +1,432 @@
+#include "vxfileio/settings/PropRecordPlate.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <unordered_map>
+
+#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/frame/VXExceptions.h"
+#include "vxfileio/helpers/DeepCopy.h"
+#include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
+
+namespace vxfileio {
+
+namespace {
+
+/// A list of values in which only the entries count; what stands between them is passed over.
+template <class Object, class Value>
+struct CSoughtValuesField {
+    std::string_view tag;
+    std::string_view entryTag;
+    std::vector<Value> Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { PutValues(archive, entryTag, object.*member); }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        auto& values = object.*member;
+        values.assign(archive.GetListSize(), Value{});
+        if (values.empty()) return;  // such a list is self-closed and has no end tag
+        std::size_t found = 0;
+        while (found < values.size() && archive.NextElement()) {
+            if (IsStartOf(archive, entryTag)) archive.GetValue(values[found++]);
+        }
+        archive.NextElement();  // the end tag
+    }
+};
+
+/// A list of owned objects, which replaces the one before.
+template <class Object, class Entry>
+struct COwnedListField {
+    std::string_view tag;
+    std::vector<std::unique_ptr<Entry>> Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const {
+        std::vector<const Entry*> entries;
+        for (const auto& entry : object.*member) {
+            if (entry) entries.push_back(entry.get());
+        }
+        PutList(archive, entries, [&](const Entry* entry) { SaveElement(archive, *entry); });
+    }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        auto& entries = object.*member;
+        entries.clear();
+        GetEntries<Entry>(
+            archive, [&](Entry& entry) { LoadElement(archive, entry); },
+            [&](Entry entry) { entries.push_back(std::make_unique<Entry>(std::move(entry))); });
+    }
+};
+
+/// The wells of the long form. Being inactive doesn't outlast the run that a well was inactive in.
+struct CPlateWellsField : COwnedListField<PlateRecords, PlateWell> {
+    void Get(CXmlFileArchive& archive, PlateData& data) const {
+        COwnedListField::Get(archive, data);
+        for (const auto& well : data.Wells) {
+            if (well->State == PlateWell::kInactive) well->State = PlateWell::kActive;
+        }
+    }
+};
+
+/// The layout, which the plate map follows.
+struct CLayoutField {
+    std::string_view tag = "Layout";
+    CWordField<PlateData, enPlateLayout> word{tag, &PlateData::Layout};
+
+    void Put(CXmlFileArchive& archive, const CPropRecordPlate& plate) const { word.Put(archive, plate.Data); }
+    void Get(CXmlFileArchive& archive, CPropRecordPlate& plate) const {
+        word.Get(archive, plate.Data);
+        plate.BuildPlateMap(plate.Data.Layout);
+    }
+};
+
+}  // namespace
+
+template <>
+struct CXmlForm<PlateCompound> {
+    static constexpr std::string_view kElement = "Compound";
+    static constexpr CValueField kID{"CompoundID", &PlateCompound::CompoundID};
+    static constexpr CTextField kLabel{"Label", &PlateCompound::Label};
+    static constexpr auto kFields = std::tuple{
+        kID,
+        kLabel,
+        CCharacterField{"StockPlateID", &PlateCompound::StockPlateID},
+        CValueField{"StockPlateRow", &PlateCompound::StockPlateRow},
+        CSoughtValuesField{"Wells", "WellID", &PlateCompound::Wells},
+    };
+};
+
+template <>
+struct CXmlForm<PlateWell> {
+    static constexpr std::string_view kElement = "Well";
+    static constexpr auto kFields = std::tuple{
+        CValueField{"WellID", &PlateWell::WellID},     CValueField{"ChID", &PlateWell::ChID},
+        CValueField{"Label", &PlateWell::Label},       CValueField{"PlateColumn", &PlateWell::PlateColumn},
+        CValueField{"PlateRow", &PlateWell::PlateRow}, CValueField{"State", &PlateWell::State},
+    };
+};
+
+template <>
+struct CXmlForm<CPropRecordPlate> {
+    static constexpr std::string_view kElement = settings::kRecordPlateElement;
+
+    /// What both forms have: at their heads, and further down in an order of their own.
+    static constexpr auto kHead = std::tuple_cat(
+        std::tuple{CLayoutField{}},
+        FieldsOfPart(&CPropRecordPlate::Data,  //
+                     CCharacterField{"PlateID", &PlateData::PlateID}, CValueField{"PlateRows", &PlateData::PlateRows},
+                     CValueField{"PlateColumns", &PlateData::PlateColumns}));
+    static constexpr auto kSeries =
+        FieldsOfPart(&CPropRecordPlate::Data, CValuesField{"Series", "Dose", &PlateData::Series});
+    static constexpr auto kPipetMode =
+        FieldsOfPart(&CPropRecordPlate::Data, CWordField{"PipetMode", &PlateData::PipetMode});
+
+    /// The long form.
+    static constexpr auto kFields = std::tuple_cat(
+        kHead,
+        FieldsOfPart(&CPropRecordPlate::Data,  //
+                     COwnedListField{"Compounds", &PlateRecords::Compounds},
+                     CPlateWellsField{{"Wells", &PlateRecords::Wells}}),
+        kSeries,
+        FieldsOfPart(&CPropRecordPlate::Data,  //
+                     CValueField{"MaxVolume", &PlateData::MaxVolume},
+                     CValueField{"MinWellsPerCompound", &PlateData::MinWellsPerCompound},
+                     CValueField{"MixVolume", &PlateData::MixVolume}),
+        kPipetMode, FieldsOfPart(&CPropRecordPlate::Data, CValueField{"StdVolume", &PlateData::StdVolume}));
+
+    /// The short form: the compound's own fields, and its wells with their records.
+    static constexpr auto kShortHead = kHead;
+    static constexpr auto kShortCompound = std::tuple{
+        CXmlForm<PlateCompound>::kID,
+        CValueField{"Label", &PlateCompound::Label},
+    };
+    static constexpr std::string_view kShortWells = "Wells";
+    static constexpr auto kShortRest = std::tuple_cat(kPipetMode, kSeries);
+};
+
+namespace {
+
+using CPlateForm = CXmlForm<CPropRecordPlate>;
+
+/// The first well of each ID. A plate is a list, and asking it for every well in turn would take its square.
+class CWellIndex {
+ public:
+    explicit CWellIndex(const PlateData& data) {
+        for (const auto& well : data.Wells) {
+            if (well) Add(*well);
+        }
+    }
+
+    /// Adds a well, unless its ID is there already. Returns the one that is there.
+    PlateWell& Add(PlateWell& well) { return *m_wells.try_emplace(well.WellID, &well).first->second; }
+
+    /// Returns the well with this ID, or null.
+    const PlateWell* Find(std::int32_t wellID) const {
+        const auto place = m_wells.find(wellID);
+        return place == m_wells.end() ? nullptr : place->second;
+    }
+
+ private:
+    std::unordered_map<std::int32_t, PlateWell*> m_wells;
+};
+
+bool IsActive(std::int32_t state) { return state == PlateWell::kActive || state == PlateWell::kNew; }
+
+/// Returns the first record whose `key` is `id`, or null.
+template <class Record>
+Record* FindRecord(const std::vector<std::unique_ptr<Record>>& records, std::int32_t Record::*key, std::int32_t id) {
+    for (const auto& record : records) {
+        if (record && (*record).*key == id) return record.get();
+    }
+    return nullptr;
+}
+
+/// Returns the `key` of each record for which `wanted` holds.
+template <class Record, class Wanted>
+std::vector<std::int32_t> KeysOf(const std::vector<std::unique_ptr<Record>>& records, std::int32_t Record::*key,
+                                 Wanted wanted) {
+    std::vector<std::int32_t> keys;
+    for (const auto& record : records) {
+        if (record && wanted(*record)) keys.push_back((*record).*key);
+    }
+    return keys;
+}
+
+constexpr auto kAny = [](const auto& /*record*/) { return true; };
+
+/// Returns the compound of a short form; null if the plate has none there.
+const PlateCompound* CompoundAt(const PlateData& data, std::int32_t index) {
+    if (index == -1) {
+        const auto isThere = [](const auto& compound) { return compound != nullptr; };
+        const auto first = std::find_if(data.Compounds.begin(), data.Compounds.end(), isThere);
+        return first == data.Compounds.end() ? nullptr : first->get();
+    }
+    const auto place = static_cast<std::size_t>(index);
+    return index >= 0 && place < data.Compounds.size() ? data.Compounds[place].get() : nullptr;
+}
+
+/// Reads the wells of the short form's compound, and adds a record for each.
+void LoadShortWells(CXmlFileArchive& archive, PlateData& data, PlateCompound& compound, CWellIndex& index) {
+    compound.Wells.clear();
+    GetEntries<PlateWell>(
+        archive, [&](PlateWell& well) { LoadElement(archive, well); },
+        [&](const PlateWell& well) {
+            data.AddWell(well.WellID, well.PlateRow, well.PlateColumn, well.ChID, well.Label);
+            index.Add(*data.Wells.back()).State = well.State;
+            compound.Wells.push_back(well.WellID);
+        });
+}
+
+// ---- Plate maps -----------------------------------------------------------------------------------------------------
+
+constexpr std::size_t kRows8x12 = 8;
+constexpr std::size_t kColumns8x12 = 12;
+constexpr std::size_t kRows6x9 = 6;
+constexpr std::size_t kColumns6x9 = 9;
+
+/// The wells of the 6x9 plate lie in six blocks of nine around its middle, and its channels by its wiring.
+constexpr std::array<std::array<const char*, kColumns6x9>, kRows6x9> kLabels6x9{{
+    {"F1", "F2", "F3", "A1", "A2", "A3", "B1", "B2", "B3"},
+    {"F4", "F5", "F6", "A4", "A5", "A6", "B4", "B5", "B6"},
+    {"F7", "F8", "F9", "A7", "A8", "A9", "B7", "B8", "B9"},
+    {"E9", "E8", "E7", "D9", "D8", "D7", "C9", "C8", "C7"},
+    {"E6", "E5", "E4", "D6", "D5", "D4", "C6", "C5", "C4"},
+    {"E3", "E2", "E1", "D3", "D2", "D1", "C3", "C2", "C1"},
+}};
+constexpr std::array<std::array<std::int32_t, kColumns6x9>, kRows6x9> kChannels6x9{{
+    {17, 19, 21, 27, 29, 31, 37, 39, 41},
+    {16, 20, 22, 26, 30, 32, 36, 40, 42},
+    {15, 18, 23, 25, 28, 33, 35, 38, 43},
+    {13, 8, 5, 3, 58, 55, 53, 48, 45},
+    {12, 10, 6, 2, 0, 56, 52, 50, 46},
+    {11, 9, 7, 1, 59, 57, 51, 49, 47},
+}};
+
+/// The channels of the 8x12 plate run down and up its columns in two halves: from 64 on above, from 0 on below.
+constexpr std::int32_t ChannelOf8x12(std::size_t row, std::size_t column) {
+    const auto r = static_cast<std::int32_t>(row);
+    const auto c = static_cast<std::int32_t>(column);
+    return r < 4 ? 64 + 4 * c + r : 4 * c + 7 - r;
+}
+
+/// Builds a map of which `labelOf(row, column)` and `channelOf(row, column)` tell the positions.
+template <class LabelOf, class ChannelOf>
+void FillPositions(PlateMap& map, std::size_t rows, std::size_t columns, LabelOf labelOf, ChannelOf channelOf) {
+    map.Labels.assign(rows, std::vector<std::string>(columns));
+    map.ChIDs.assign(rows, std::vector<std::int32_t>(columns));
+    for (std::size_t row = 0; row < rows; ++row) {
+        for (std::size_t column = 0; column < columns; ++column) {
+            map.Labels[row][column] = labelOf(row, column);
+            map.ChIDs[row][column] = channelOf(row, column);
+        }
+    }
+}
+
+void Build8x12(PlateMap& map) {
+    map.RowLabels.clear();
+    for (std::size_t row = 0; row < kRows8x12; ++row)
+        map.RowLabels.emplace_back(1, static_cast<char>('A' + row));
+    map.ColumnLabels.clear();
+    for (std::size_t column = 1; column <= kColumns8x12; ++column)
+        map.ColumnLabels.push_back(std::to_string(column));
+    const auto labelOf = [&](std::size_t row, std::size_t column) {
+        return map.RowLabels[row] + map.ColumnLabels[column];
+    };
+    FillPositions(map, kRows8x12, kColumns8x12, labelOf, ChannelOf8x12);
+}
+
+void Build6x9(PlateMap& map) {
+    map.RowLabels.assign(kRows6x9, std::string());
+    map.ColumnLabels.assign(kColumns6x9, std::string());
+    FillPositions(
+        map, kRows6x9, kColumns6x9, [](std::size_t row, std::size_t column) { return kLabels6x9[row][column]; },
+        [](std::size_t row, std::size_t column) { return kChannels6x9[row][column]; });
+}
+
+/// The units of doses, from picomolar on, each a thousand times the one before. The micro sign is Latin-1's.
+constexpr std::array<std::string_view, 4> kDoseUnits{"pM", "nM", "\xB5M", "mM"};
+
+}  // namespace
+
+}  // namespace vxfileio
+
+using vxfileio::CPlateForm;
+
+PlateRecords::PlateRecords(const PlateRecords& other)
+    : Compounds(vxfileio::DeepCopy(other.Compounds)), Wells(vxfileio::DeepCopy(other.Wells)) {}
+
+PlateRecords& PlateRecords::operator=(const PlateRecords& other) { return *this = PlateRecords(other); }
+
+void PlateData::AddWell(std::int32_t wellID, std::int32_t row, std::int32_t column, std::int32_t channel,
+                        const std::string& label) {
+    Wells.push_back(std::make_unique<PlateWell>(PlateWell{wellID, label, channel, column, row, PlateWell::kNew}));
+}
+
+void PlateData::ClearWells() { Wells.clear(); }
+
+void PlateData::ResetCompounds(std::size_t count) {
+    Compounds.clear();
+    Compounds.resize(count);
+}
+
+void CPropRecordPlate::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
+void CPropRecordPlate::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+
+void CPropRecordPlate::RequireCompound(std::int32_t index) const {
+    if (index == -1 || vxfileio::CompoundAt(Data, index) != nullptr) return;
+    throw CExcVXReader("The record plate has no compound at index " + std::to_string(index));
+}
+
+void CPropRecordPlate::SaveShort(CXmlFileArchive& archive, std::int32_t index) const {
+    RequireCompound(index);
+    const PlateCompound none;
+    const PlateCompound* const found = vxfileio::CompoundAt(Data, index);
+    const PlateCompound& compound = found == nullptr ? none : *found;
+    const vxfileio::CWellIndex wells(Data);
+
+    archive.OpenChild(CPlateForm::kElement);
+    vxfileio::PutFields(archive, *this, CPlateForm::kHead);
+    vxfileio::PutFields(archive, compound, CPlateForm::kShortCompound);
+    archive.OpenChild(CPlateForm::kShortWells);
+    vxfileio::PutList(archive, compound.Wells, [&](std::int32_t wellID) {
+        const PlateWell* const well = wells.Find(wellID);
+        vxfileio::SaveElement(archive, well == nullptr ? PlateWell{wellID} : *well);
+    });
+    archive.CloseElement();
+    vxfileio::PutFields(archive, *this, CPlateForm::kShortRest);
+    archive.CloseElement();
+}
+
+void CPropRecordPlate::LoadShort(CXmlFileArchive& archive) {
+    Data.ClearWells();
+    Data.ResetCompounds(1);
+    Data.Compounds.front() = std::make_unique<PlateCompound>();
+    PlateCompound& compound = *Data.Compounds.front();
+    vxfileio::CWellIndex index(Data);
+
+    vxfileio::ForEachEventUntil(archive, CPlateForm::kElement, [&] {
+        if (vxfileio::GetField(archive, *this, CPlateForm::kHead)) return;
+        if (vxfileio::GetField(archive, *this, CPlateForm::kShortRest)) return;
+        if (vxfileio::GetField(archive, compound, CPlateForm::kShortCompound)) return;
+        if (vxfileio::IsStartOf(archive, CPlateForm::kShortWells))
+            vxfileio::LoadShortWells(archive, Data, compound, index);
+    });
+}
+
+void CPropRecordPlate::BuildPlateMap(enPlateLayout layout) {
+    if (layout == enPlateLayout::L8x12 || layout == enPlateLayout::L16x6) vxfileio::Build8x12(Map);
+    if (layout == enPlateLayout::Ostrel6x9) vxfileio::Build6x9(Map);
+}
+
+std::vector<std::int32_t> CPropRecordPlate::GetAllWellIDs() const {
+    return vxfileio::KeysOf(Data.Wells, &PlateWell::WellID, vxfileio::kAny);
+}
+
+std::vector<std::int32_t> CPropRecordPlate::GetActiveWellIDs() const {
+    return vxfileio::KeysOf(Data.Wells, &PlateWell::WellID,
+                            [](const PlateWell& well) { return vxfileio::IsActive(well.State); });
+}
+
+std::vector<std::int32_t> CPropRecordPlate::GetCompoundIDs() const {
+    return vxfileio::KeysOf(Data.Compounds, &PlateCompound::CompoundID, vxfileio::kAny);
+}
+
+std::vector<std::int32_t> CPropRecordPlate::GetCompoundWellIDs(std::int32_t compoundID) const {
+    const PlateCompound* const compound = FindCompound(compoundID);
+    return compound == nullptr ? std::vector<std::int32_t>() : compound->Wells;
+}
+
+std::vector<std::int32_t> CPropRecordPlate::GetActiveCompoundWellIDs(std::int32_t compoundID) const {
+    const vxfileio::CWellIndex index(Data);
+    std::vector<std::int32_t> wells = GetCompoundWellIDs(compoundID);
+    std::erase_if(wells, [&](std::int32_t wellID) {
+        const PlateWell* const well = index.Find(wellID);
+        return well != nullptr && !vxfileio::IsActive(well->State);
+    });
+    return wells;
+}
+
+PlateCompound* CPropRecordPlate::FindCompound(std::int32_t compoundID) {
+    return vxfileio::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
+}
+
+const PlateCompound* CPropRecordPlate::FindCompound(std::int32_t compoundID) const {
+    return vxfileio::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
+}
+
+PlateWell* CPropRecordPlate::FindWell(std::int32_t wellID) {
+    return vxfileio::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
+}
+
+const PlateWell* CPropRecordPlate::FindWell(std::int32_t wellID) const {
+    return vxfileio::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
+}
+
+std::int32_t CPropRecordPlate::GetWellState(std::int32_t wellID) const {
+    const PlateWell* const well = FindWell(wellID);
+    return well == nullptr ? PlateWell::kActive : well->State;
+}
+
+void CPropRecordPlate::SetWellState(std::int32_t wellID, std::int32_t state) {
+    if (PlateWell* const well = FindWell(wellID)) well->State = state;
+}
+
+std::string CPropRecordPlate::GetWellLabel(std::int32_t wellID) const {
+    const PlateWell* const well = FindWell(wellID);
+    return well == nullptr ? std::string() : well->Label;
+}
+
+std::vector<std::string> CPropRecordPlate::GetSeriesLabels() const {
+    std::vector<std::string> labels;
+    labels.reserve(Data.Series.size());
+    for (const std::uint64_t dose : Data.Series)
+        labels.push_back(DoseToText(dose));
+    return labels;
+}
+
+std::string DoseToText(std::uint64_t dose) {
+    std::size_t unit = 0;
+    for (; dose >= 10'000 || (dose >= 1'000 && dose % 1'000 == 0); dose /= 1'000)
+        ++unit;
+    if (unit >= vxfileio::kDoseUnits.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
+    return std::to_string(dose).append(vxfileio::kDoseUnits[unit]);
+}

@@ -1,0 +1,24 @@
+#include "vxfileio/settings/PropViability.h"
+
+#include "vxfileio/xmlarchive/XmlFields.h"
+
+namespace vxfileio {
+
+template <>
+struct CXmlForm<CPropViability> {
+    static constexpr std::string_view kElement = "PropertyViability";
+    static constexpr auto kFields = std::tuple{
+        CValueField{"ApplyViabilityTest", &CPropViability::ApplyViabilityTest},
+        CValueField{"AnalyzeHeartRate", &CPropViability::AnalyzeHeartRate},
+        CValueField{"ApplyMinimumWellsPerCompound", &CPropViability::ApplyMinimumWellsPerCompound},
+        CValueField{"Dose", &CPropViability::Dose},
+        CValueField{"FMin", &CPropViability::FMin},
+        CValueField{"FMax", &CPropViability::FMax},
+        CValueField{"RecordTime", &CPropViability::RecordTime},
+    };
+};
+
+}  // namespace vxfileio
+
+void CPropViability::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
+void CPropViability::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }

@@ -1,0 +1,29 @@
+#include "vxfileio/settings/SettingsReader.h"
+
+#include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/XmlDocument.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
+
+void CSettingsReader::ReadFile(const std::string& path) {
+    vxfileio::ReadDocument(path, vxfileio::settings::kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
+        m_header.Load(archive);
+        vxfileio::ForEachEventUntil(archive, vxfileio::settings::kSettingsElement, [&] { LoadSection(archive); });
+    });
+    if (m_header.FileVersion >= vxfileio::settings::kFirstVersionWithMarks) return;
+    m_analyzer.InitTask(enTask::Series, static_cast<std::int32_t>(m_recordPlate.Data.Series.size()),
+                        m_recordPlate.GetActiveWellIDs());
+}
+
+/// Reads the section whose start the archive stands at; anything else passes by.
+void CSettingsReader::LoadSection(CXmlFileArchive& archive) {
+    const auto at = [&](std::string_view element) { return vxfileio::IsStartOf(archive, element); };
+    if (at(vxfileio::settings::kControlElement)) return m_control.Load(archive);
+    if (at(vxfileio::settings::kNotebookElement)) return m_notebook.Load(archive);
+    if (at(vxfileio::settings::kRobotElement)) return m_robot.Load(archive);
+    if (at(vxfileio::settings::kRecordPlateElement)) return m_recordPlate.LoadShort(archive);
+    if (at(vxfileio::settings::kQualityCheckElement)) return m_qualityCheck.Load(archive);
+    if (at(vxfileio::settings::kWashInElement)) return m_washIn.Load(archive);
+    if (at(vxfileio::settings::kRecordingElement) || at(vxfileio::settings::kOlderRecordingElement))
+        return m_recording.Load(archive);
+    if (at(vxfileio::settings::kAnalyzerElement)) return m_analyzer.Load(archive);
+}

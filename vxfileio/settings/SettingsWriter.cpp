@@ -1,0 +1,28 @@
+#include "vxfileio/settings/SettingsWriter.h"
+
+#include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/XmlDocument.h"
+
+void CSettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
+    m_header = header;
+    m_header.FileType = vxfileio::settings::kSettingsFileType;
+}
+
+void CSettingsWriter::WriteFile(const std::string& path, std::int32_t compound) {
+    m_recordPlate.RequireCompound(compound);  // while the file is still as it was
+    const auto wells = compound == vxfileio::settings::kAnyCompound ? m_recordPlate.GetActiveWellIDs()
+                                                                    : m_recordPlate.GetActiveCompoundWellIDs(compound);
+    vxfileio::WriteDocument(path, vxfileio::settings::kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
+        m_header.Save(archive);
+        archive.OpenChild(vxfileio::settings::kSettingsElement);
+        m_control.Save(archive);
+        m_notebook.Save(archive);
+        m_robot.Save(archive);
+        m_recordPlate.SaveShort(archive, compound);
+        m_qualityCheck.Save(archive, false);
+        m_washIn.Save(archive);
+        m_recording.Save(archive);
+        m_analyzer.SaveWells(archive, wells);
+        archive.CloseElement();
+    });
+}

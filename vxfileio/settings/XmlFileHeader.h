@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "vxfileio/frame/Api.h"
+#include "vxfileio/xmlarchive/XmlArchive.h"
+
+/// What stands at the head of every settings and results file: who wrote it, when, and what it is. The library gives
+/// the fields no meaning, apart from `FileVersion` of settings files. A value with deep copies.
+class VXFILEIO_API CXmlFileHeader {
+ public:
+    std::string HeaderID = "OVL Vexaprobe";    ///< The system's mark.
+    std::string CompoundName;                  ///< The compound that the file is about.
+    std::string VexaprobeMode = "NotDefined";  ///< The kind of instrument, as free text.
+    std::string FileType;                      ///< "VXSettings" or "VXResults"; set by the writers.
+    std::string ProgramVersion;                ///< The version of the writing program.
+    std::int32_t FileVersion = 0;              ///< The version of the file's form.
+    std::uint64_t RecordingDate = 0;           ///< When the run was recorded, as a file time.
+    std::string RecordingDateString;           ///< The same for people.
+    std::string FileName;                      ///< The name that the file was given.
+    std::string Guid;                          ///< The run's own identifier.
+
+    /// Writes the element `Header`.
+    void Save(CXmlFileArchive& archive) const;
+
+    /// Reads on to the end tag of `Header`. What isn't in the file keeps what it held.
+    void Load(CXmlFileArchive& archive);
+};

@@ -1,0 +1,218 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "vxfileio/frame/EnumerationWords.h"
+#include "vxfileio/xmlarchive/XmlArchive.h"
+
+/// @file
+/// Lists of fields: how a class says once which elements it consists of, for saving and loading both.
+///
+/// A class `C` that goes into a document has a specialisation of `CXmlForm<C>` beside its `Save` and `Load`, with
+/// - `kElement`, the tag of its element, and
+/// - `kFields`, a tuple of fields in the order of the file.
+///
+/// A field is anything with a `tag`, a `Put(archive, object)` that writes what stands inside the field's element, and a
+/// `Get(archive, object)` that reads it at the element's start event. Fields are found by their tags, in any order; an
+/// element that no field knows passes by, and a field whose element is missing keeps what it held.
+
+namespace vxfileio {
+
+/// The form of a class in a document; specialised beside the class's `Save` and `Load`.
+template <class Object>
+struct CXmlForm;
+
+/// A number, truth value or string, as its type has it.
+template <class Object, class Value>
+struct CValueField {
+    std::string_view tag;
+    Value Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
+    void Get(CXmlFileArchive& archive, Object& object) const { archive.GetValue(object.*member); }
+};
+
+/// A string whose CDATA sections, which other programs write, are taken as they stand.
+template <class Object>
+struct CTextField {
+    std::string_view tag;
+    std::string Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
+    void Get(CXmlFileArchive& archive, Object& object) const { object.*member = archive.GetText(); }
+};
+
+/// An enumeration, as its word.
+template <class Object, class Enumeration>
+struct CWordField {
+    std::string_view tag;
+    Enumeration Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const {
+        archive.PutValue(std::string(WordOf(object.*member)));
+    }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        std::string word;
+        archive.GetValue(word);
+        object.*member = ValueOf<Enumeration>(word);
+    }
+};
+
+/// One character, as a string. Read, it is the string's first byte, and NUL if there is none.
+template <class Object>
+struct CCharacterField {
+    std::string_view tag;
+    char Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(std::string(1, object.*member)); }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        std::string text;
+        archive.GetValue(text);
+        object.*member = text.empty() ? '\0' : text.front();
+    }
+};
+
+/// Writes a list: its `Size`, then `saveEntry(entry)` for each.
+template <class Entries, class SaveEntry>
+void PutList(CXmlFileArchive& archive, const Entries& entries, SaveEntry saveEntry) {
+    archive.PutAttribute("Size", static_cast<std::int32_t>(entries.size()));
+    for (const auto& entry : entries)
+        saveEntry(entry);
+}
+
+/// Writes an element with a value.
+inline void SaveValue(CXmlFileArchive& archive, std::string_view tag, const gd_xml_stream::XmlValue& value) {
+    archive.OpenChild(tag).PutValue(value).CloseElement();
+}
+
+/// Writes a list of plain values, one element `entryTag` each.
+template <class Value>
+void PutValues(CXmlFileArchive& archive, std::string_view entryTag, const std::vector<Value>& values) {
+    PutList(archive, values, [&](const Value& value) { SaveValue(archive, entryTag, value); });
+}
+
+/// Whether the archive stands at the start of an element with this tag.
+inline bool IsStartOf(const CXmlFileArchive& archive, std::string_view tag) {
+    return !archive.IsEndTag() && archive.TagName() == tag;
+}
+
+/// A list of plain values of which each event uses up one count. What isn't an entry adds none to the list.
+template <class Object, class Value>
+struct CValuesField {
+    std::string_view tag;
+    std::string_view entryTag;
+    std::vector<Value> Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { PutValues(archive, entryTag, object.*member); }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        auto& values = object.*member;
+        values.clear();
+        for (std::size_t count = archive.GetListSize(); count > 0; --count) {
+            archive.NextElement();
+            if (!IsStartOf(archive, entryTag)) continue;
+            Value value{};
+            archive.GetValue(value);
+            values.push_back(std::move(value));
+        }
+    }
+};
+
+/// A list of plain values that is as long as its `Size` says, in which each event stands for one entry. What isn't an
+/// entry leaves its place at the default.
+template <class Object, class Value>
+struct CPlacedValuesField {
+    std::string_view tag;
+    std::string_view entryTag;
+    std::vector<Value> Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { PutValues(archive, entryTag, object.*member); }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        auto& values = object.*member;
+        values.assign(archive.GetListSize(), Value{});
+        for (Value& value : values) {
+            archive.NextElement();
+            if (IsStartOf(archive, entryTag)) archive.GetValue(value);
+        }
+    }
+};
+
+/// A field of a part of the object, in the object's own element.
+template <class Object, class Part, class Field>
+struct CPartField {
+    Part Object::*part;
+    Field field;
+    std::string_view tag = field.tag;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const { field.Put(archive, object.*part); }
+    void Get(CXmlFileArchive& archive, Object& object) const { field.Get(archive, object.*part); }
+};
+
+/// Lifts fields of a part to the object that has the part.
+template <class Object, class Part, class... Fields>
+constexpr auto FieldsOfPart(Part Object::*part, const Fields&... fields) {
+    return std::tuple{CPartField<Object, Part, Fields>{part, fields}...};
+}
+
+/// Reads a list of objects: as many as its `Size` says, each read by `load(entry)` and handed on to `keep`.
+template <class Entry, class LoadEntry, class KeepEntry>
+void GetEntries(CXmlFileArchive& archive, LoadEntry load, KeepEntry keep) {
+    for (std::size_t count = archive.GetListSize(); count > 0; --count) {
+        Entry entry{};
+        load(entry);
+        keep(std::move(entry));
+    }
+}
+
+/// Writes what stands inside the element of an object.
+template <class Object, class... Fields>
+void PutFields(CXmlFileArchive& archive, const Object& object, const std::tuple<Fields...>& fields) {
+    const auto save = [&](const auto& field) {
+        archive.OpenChild(field.tag);
+        field.Put(archive, object);
+        archive.CloseElement();
+    };
+    std::apply([&](const auto&... field) { (save(field), ...); }, fields);
+}
+
+/// Reads the field whose start the archive stands at. Returns false if it is none of these.
+template <class Object, class... Fields>
+bool GetField(CXmlFileArchive& archive, Object& object, const std::tuple<Fields...>& fields) {
+    if (archive.IsEndTag()) return false;
+    const std::string_view tag = archive.TagName();
+    const auto load = [&](const auto& field) {
+        if (field.tag != tag) return false;
+        field.Get(archive, object);
+        return true;
+    };
+    return std::apply([&](const auto&... field) { return (load(field) || ...); }, fields);
+}
+
+/// Goes through the events up to the end tag of the current object, or the end of the document.
+template <class Handle>
+void ForEachEventUntil(CXmlFileArchive& archive, std::string_view endTag, Handle handle) {
+    while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == endTag))
+        handle();
+}
+
+/// Writes the whole element of an object.
+template <class Object>
+void SaveElement(CXmlFileArchive& archive, const Object& object) {
+    archive.OpenChild(CXmlForm<Object>::kElement);
+    PutFields(archive, object, CXmlForm<Object>::kFields);
+    archive.CloseElement();
+}
+
+/// Reads an object up to its end tag. The archive may stand ahead of its start tag or behind it.
+template <class Object>
+void LoadElement(CXmlFileArchive& archive, Object& object) {
+    ForEachEventUntil(archive, CXmlForm<Object>::kElement,
+                      [&] { GetField(archive, object, CXmlForm<Object>::kFields); });
+}
+
+}  // namespace vxfileio

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/xmlarchive/FileBuffer.h"
+
+namespace gd_xml_stream {
+
+/// What a byte may be to the scanner; a byte can belong to several classes.
+///
+/// Bytes count as signed here, so those from 0x80 up lie below the blank: between tags they are passed over, and they
+/// end a name. Only inside text do they stand for themselves.
+enum CharClass : std::uint8_t {
+    kBlank = 1,      ///< At most a blank, as a signed number.
+    kTextBlank = 2,  ///< At most a blank, as an unsigned number.
+    kName = 4,       ///< Belongs to the name in a start tag: "-" and all from "0" up but ">".
+    kEndName = 8,    ///< Belongs to the name in an end tag: neither blank nor ">".
+    kOpen = 16,      ///< "<" itself.
+};
+
+inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
+    std::array<std::uint8_t, 256> classes{};
+    for (int byte = 0; byte < 256; ++byte) {
+        const bool blank = byte <= ' ' || byte >= 0x80;
+        const bool name = byte == '-' || (byte >= '0' && byte < 0x80 && byte != '>');
+        classes[static_cast<std::size_t>(byte)] =
+            static_cast<std::uint8_t>((blank ? kBlank : 0) | (byte <= ' ' ? kTextBlank : 0) | (name ? kName : 0) |
+                                      (!blank && byte != '>' ? kEndName : 0) | (byte == '<' ? kOpen : 0));
+    }
+    return classes;
+}();
+
+/// Tells whether a byte belongs to one of the classes in `wanted`.
+inline bool Is(char c, unsigned wanted) { return (kCharClasses[static_cast<unsigned char>(c)] & wanted) != 0; }
+
+/// A document as the scanner sees it: bytes up to the end of the file or its first NUL, whichever comes first, with a
+/// cursor. One block of it is in memory at a time, and no caller can tell where a block ends.
+class XmlInput {
+ public:
+    /// The most bytes that `StandsOn` compares.
+    static constexpr std::size_t kMostAhead = 16;
+
+    /// Reads nothing yet. `file` may be null, which is an empty document; it isn't owned.
+    XmlInput(CFileBuffer* file, std::size_t blockSize)
+        : m_file(file), m_blockSize(blockSize), m_ended(file == nullptr) {}
+
+    /// Whether no byte is left.
+    bool AtEnd() { return m_cursor == m_size && !ReadBlock(); }
+
+    /// Whether the document ended in a NUL, rather than with its file. Told only once `AtEnd` holds.
+    bool EndsInNul() const { return m_endsInNul; }
+
+    /// The byte at the cursor; NUL at the end.
+    char Peek() { return AtEnd() ? '\0' : m_buffer[m_cursor]; }
+
+    /// The byte at the cursor, which moves behind it; NUL at the end.
+    char Take() { return AtEnd() ? '\0' : m_buffer[m_cursor++]; }
+
+    /// What is in memory from the cursor on, at least one byte unless the document is at its end. It lives until the
+    /// next operation other than `Pass`.
+    std::string_view Rest() {
+        if (AtEnd()) return {};
+        return {m_buffer.data() + m_cursor, m_size - m_cursor};
+    }
+
+    /// Moves the cursor over bytes that `Rest` or `StandsOn` showed.
+    void Pass(std::size_t count) { m_cursor += count; }
+
+    /// Whether `text` stands at the cursor.
+    bool StandsOn(std::string_view text);
+
+    /// Moves to the next `wanted` byte. Returns false, at the end, if there is none.
+    bool SkipTo(char wanted);
+
+    /// Moves to the next place where `text` stands. Returns false, at the end, if there is none.
+    bool SkipToText(std::string_view text) {
+        return TakeToText(text, [](std::string_view) {});
+    }
+
+    /// Moves over all bytes of these classes.
+    void SkipWhile(unsigned classes);
+
+    /// Moves over all bytes of these classes and appends them to `taken`.
+    void TakeWhile(unsigned classes, std::string& taken);
+
+    /// Moves to the next place where `text` stands, passing the bytes before it to `take` in pieces. Returns false, at
+    /// the end, if there is none.
+    template <class Take>
+    bool TakeToText(std::string_view text, Take take) {
+        while (!AtEnd()) {
+            const std::string_view rest = Rest();
+            const std::size_t start = rest.find(text.front());
+            take(rest.substr(0, start));
+            Pass(start == std::string_view::npos ? rest.size() : start);
+            if (start == std::string_view::npos) continue;
+            if (StandsOn(text)) return true;
+            take(text.substr(0, 1));
+            Pass(1);
+        }
+        return false;
+    }
+
+ private:
+    bool ReadBlock();
+
+    CFileBuffer* m_file;
+    std::size_t m_blockSize;
+    std::vector<char> m_buffer;  ///< A block, behind what was left of the one before.
+    std::size_t m_cursor = 0;
+    std::size_t m_size = 0;  ///< Bytes of the document in `m_buffer`.
+    bool m_ended;            ///< Nothing follows what is in memory.
+    bool m_endsInNul = false;
+};
+
+}  // namespace gd_xml_stream

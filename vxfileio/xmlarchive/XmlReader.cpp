@@ -1,0 +1,145 @@
+#include "vxfileio/xmlarchive/XmlReader.h"
+
+#include <algorithm>
+
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/xmlarchive/XmlText.h"
+
+namespace gd_xml_stream {
+
+namespace {
+
+/// Returns how many bytes at the front of `text` belong to these classes.
+std::size_t RunOf(std::string_view text, unsigned classes) {
+    const auto* const end = std::find_if_not(text.begin(), text.end(), [=](char c) { return Is(c, classes); });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
+template <class Value>
+XmlValue Parsed(std::string_view text) {
+    Value value{};
+    ParseValue(text, value);
+    return value;
+}
+
+}  // namespace
+
+std::string_view XmlReader::Name() const {
+    const std::string_view element = m_scanner.Element();
+    return element.substr(0, RunOf(element, kName));
+}
+
+std::optional<std::string_view> XmlReader::Value() const {
+    const std::string_view element = m_scanner.Element();
+    const std::size_t mark = element.find_first_of(">\"", m_valueAt);
+    if (mark == std::string_view::npos || mark + 1 == element.size()) return std::nullopt;
+    const std::string_view value = element.substr(mark + 1);
+    return element[mark] == '"' ? value.substr(0, value.find('"')) : value;
+}
+
+std::string_view XmlReader::DecodedValue() {
+    m_decoded.clear();
+    AppendDecoded(Value().value_or(std::string_view()), m_decoded);
+    return m_decoded;
+}
+
+std::string XmlReader::ElementText() const {
+    const std::string_view element = m_scanner.Element();
+    const std::size_t tagEnd = element.find('>');
+    if (tagEnd == std::string_view::npos || m_scanner.IsSelfClosing()) return {};
+    const std::string_view text = element.substr(tagEnd + 1);
+    if ((m_scanner.State() & XmlState::kHasSection) != 0) return std::string(text);
+    std::string decoded;
+    AppendDecoded(text, decoded);
+    return decoded;
+}
+
+/// Returns where the value of an attribute begins, behind its quotation mark. Only those delimit values.
+std::optional<std::size_t> XmlReader::FindAttribute(std::string_view name) const {
+    const std::string_view element = m_scanner.Element();
+    std::size_t at = Name().size();
+    while (true) {
+        at += RunOf(element.substr(at), kBlank);
+        if (at == element.size() || element[at] == '>') return std::nullopt;
+        const std::size_t behind = at + name.size();
+        const bool found = element.substr(at).starts_with(name) &&
+                           (behind == element.size() || element[behind] == '=' || Is(element[behind], kBlank));
+        const std::size_t opening = element.find('"', at);
+        if (opening == std::string_view::npos || opening + 1 == element.size()) return std::nullopt;
+        if (found) return opening + 1;
+        const std::size_t closing = element.find('"', opening + 1);
+        if (closing == std::string_view::npos) return std::nullopt;
+        at = closing + 1;
+    }
+}
+
+bool XmlReader::ReadAttribute(std::string_view name, XmlValue& value) {
+    const auto start = FindAttribute(name);
+    if (!start) return false;
+    const std::string_view rest = std::string_view(m_scanner.Element()).substr(*start);
+    const std::string_view text = rest.substr(0, rest.find('"'));
+    m_valueAt = std::min(m_scanner.Element().size(), *start + text.size() + 1);
+    switch (value.Type()) {
+        case XmlType::Int32:
+            value = Parsed<std::int32_t>(text);
+            break;
+        case XmlType::UInt16:
+            value = Parsed<std::uint16_t>(text);
+            break;
+        case XmlType::UInt32:
+            value = Parsed<std::uint32_t>(text);
+            break;
+        case XmlType::Int64:
+            value = Parsed<std::int64_t>(text);
+            break;
+        case XmlType::UInt64:
+            value = Parsed<std::uint64_t>(text);
+            break;
+        case XmlType::Double:
+            value = Parsed<double>(text);
+            break;
+        case XmlType::Bool:
+            value = Parsed<bool>(text);
+            break;
+        case XmlType::ConstText:
+        case XmlType::Text:
+            m_decoded.clear();
+            AppendDecoded(text, m_decoded);
+            value = XmlValue(m_decoded);
+            break;
+    }
+    return true;
+}
+
+std::size_t XmlReader::ReadListSize() {
+    XmlValue claimed(std::int32_t{0});
+    ReadAttribute("Size", claimed);
+    if (!m_listEntries) m_listEntries = m_file == nullptr ? 0 : static_cast<std::size_t>(m_file->Size());
+    const auto wanted = static_cast<std::size_t>(std::max(claimed.AsInt32(), std::int32_t{0}));
+    const std::size_t granted = std::min(wanted, *m_listEntries);
+    *m_listEntries -= granted;
+    return granted;
+}
+
+void XmlReader::ReadSamples(std::vector<double>& samples) {
+    std::string_view text = Value().value_or(std::string_view());
+    if (text.find('&') != std::string_view::npos) text = DecodedValue();
+    for (double& sample : samples) {
+        const std::size_t semicolon = text.find(';');
+        if (semicolon == std::string_view::npos) return;
+        sample = vxfileio::ParseDouble(text.substr(0, semicolon));
+        text.remove_prefix(semicolon + 1);
+    }
+}
+
+void ParseValue(std::string_view text, std::int32_t& value) { value = vxfileio::ParseInt32(text); }
+void ParseValue(std::string_view text, bool& value) { value = vxfileio::ParseInt32(text) == 1; }
+void ParseValue(std::string_view text, std::int64_t& value) { value = vxfileio::ParseInt64(text); }
+void ParseValue(std::string_view text, std::uint64_t& value) { value = vxfileio::ParseUInt64(text); }
+void ParseValue(std::string_view text, double& value) { value = vxfileio::ParseDouble(text); }
+void ParseValue(std::string_view text, std::uint16_t& value) {
+    value = static_cast<std::uint16_t>(vxfileio::ParseUInt32(text) & 0xFFFFU);
+}
+void ParseValue(std::string_view text, std::uint32_t& value) { value = vxfileio::ParseUInt32(text); }
+
+}  // namespace gd_xml_stream

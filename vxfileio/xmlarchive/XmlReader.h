@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/xmlarchive/FileBuffer.h"
+#include "vxfileio/xmlarchive/XmlScanner.h"
+#include "vxfileio/xmlarchive/XmlValue.h"
+
+namespace gd_xml_stream {
+
+/// The loading half of an archive: finds values in the element that its scanner stands at.
+class XmlReader {
+ public:
+    /// `file`, which may be null, isn't owned.
+    XmlReader(CFileBuffer* file, std::size_t blockSize) : m_scanner(file, blockSize), m_file(file) {}
+
+    /// Goes to the root element; see `XmlScanner::SkipProlog`.
+    bool SkipProlog() { return m_scanner.SkipProlog(); }
+
+    /// Goes on to the next event; see `XmlScanner::Next`.
+    bool Next() {
+        m_valueAt = 0;
+        return m_scanner.Next();
+    }
+
+    /// The name of the current element; empty without one.
+    std::string_view Name() const;
+
+    /// What stands between the text of the value and the tag behind it; nothing if the element has no text.
+    std::optional<std::string_view> Value() const;
+
+    /// The same with its references decoded, empty without text. It lives until the next call.
+    std::string_view DecodedValue();
+
+    /// The text of the element behind its start tag, decoded unless a CDATA section is in it.
+    std::string ElementText() const;
+
+    /// Reads an attribute into `value`, in its type. Returns false if it is absent.
+    bool ReadAttribute(std::string_view name, XmlValue& value);
+
+    /// Returns the entries that the current list may have; see `CXMLArchive::GetListSize`.
+    std::size_t ReadListSize();
+
+    /// Reads the value as numbers; see `CXMLArchive::GetSamples`.
+    void ReadSamples(std::vector<double>& samples);
+
+    /// The scanner, for its states.
+    const XmlScanner& Scanner() const { return m_scanner; }
+
+ private:
+    std::optional<std::size_t> FindAttribute(std::string_view name) const;
+
+    XmlScanner m_scanner;
+    CFileBuffer* m_file;
+    std::string m_decoded;
+    std::size_t m_valueAt = 0;                 ///< Where in the element the next value is sought.
+    std::optional<std::size_t> m_listEntries;  ///< What the lists of the document may still have; set by the first.
+};
+
+/// Reads a number from the front of `text` in the type of `value`; see the values of `CXMLArchive`.
+void ParseValue(std::string_view text, std::int32_t& value);
+void ParseValue(std::string_view text, bool& value);
+void ParseValue(std::string_view text, std::int64_t& value);
+void ParseValue(std::string_view text, std::uint64_t& value);
+void ParseValue(std::string_view text, double& value);
+void ParseValue(std::string_view text, std::uint16_t& value);
+void ParseValue(std::string_view text, std::uint32_t& value);
+
+}  // namespace gd_xml_stream

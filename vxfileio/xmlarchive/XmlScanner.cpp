@@ -1,0 +1,173 @@
+#include "vxfileio/xmlarchive/XmlScanner.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace gd_xml_stream {
+
+namespace {
+
+constexpr std::string_view kSectionStart = "<![CDATA[";
+constexpr std::string_view kSectionEnd = "]]>";
+constexpr std::string_view kCommentEnd = "-->";
+
+static_assert(kSectionStart.size() <= XmlInput::kMostAhead);
+
+}  // namespace
+
+bool XmlScanner::SkipProlog() {
+    m_input.SkipWhile(kBlank);
+    if (!m_input.AtEnd() && m_input.Peek() != '<') {
+        m_input.Pass(1);
+        return false;
+    }
+    // Comments aren't understood here: a "<" in one counts like any other.
+    while (m_input.SkipTo('<') && (m_input.StandsOn("<?") || m_input.StandsOn("<!")))
+        m_input.Pass(1);
+    return true;
+}
+
+bool XmlScanner::Next() {
+    m_element.clear();
+    m_state = 0;
+    m_selfClosing = false;
+    if (ReadEvent()) return true;
+    m_element.clear();
+    m_state = 0;
+    return false;
+}
+
+bool XmlScanner::Fail(XmlError error) {
+    m_lastError = error;
+    return false;
+}
+
+bool XmlScanner::ReadEvent() {
+    if (!FindTag()) return false;
+    m_input.SkipWhile(kBlank);
+    if (m_input.AtEnd()) return Fail(m_open.IsEmpty() ? XmlError::EndInElement : XmlError::EndInTag);
+    const char first = m_input.Take();
+    return first == '/' ? ReadEndTag() : ReadStartTag(first);
+}
+
+/// Moves behind the "<" of the next tag, over text that belongs to no element, and over comments.
+bool XmlScanner::FindTag() {
+    if (!m_tagTaken && m_input.AtEnd()) return false;
+    while (true) {
+        if (!std::exchange(m_tagTaken, false)) {
+            if (!m_input.SkipTo('<')) return m_open.IsEmpty() ? false : Fail(XmlError::EndInElement);
+            m_input.Pass(1);
+        }
+        if (m_input.Peek() != '!') return true;
+        if (!SkipComment() || m_lastError != XmlError::None) return false;
+    }
+}
+
+/// Moves from the "!" of a comment or declaration to the next "<".
+bool XmlScanner::SkipComment() {
+    m_input.Pass(1);
+    if (m_input.StandsOn("--")) {
+        m_input.Pass(2);
+        m_input.SkipToText(kCommentEnd);
+    }
+    if (m_input.SkipTo('<')) return true;
+    return Fail(m_input.EndsInNul() ? XmlError::EndInElement : XmlError::EndInComment);
+}
+
+bool XmlScanner::ReadEndTag() {
+    m_input.SkipWhile(kBlank);
+    if (m_input.AtEnd()) return Fail(XmlError::EndInTag);
+    m_input.TakeWhile(kEndName, m_element);
+    if (m_open.IsEmpty() || m_open.Top() != m_element) return Fail(XmlError::WrongEndTag);
+    m_open.Pop();
+    if (!m_input.SkipTo('>')) return Fail(XmlError::EndInElement);
+    m_state = XmlState::kEndTag;
+    return true;
+}
+
+bool XmlScanner::ReadStartTag(char first) {
+    char behindName = first;
+    if (Is(first, kName)) {
+        m_element += first;
+        m_input.TakeWhile(kName, m_element);
+        behindName = m_input.Take();
+    }
+    m_open.Push(m_element);
+    m_element += ' ';
+    m_element += behindName;
+    if (!CollectText()) return false;
+    if (m_selfClosing) {
+        m_open.Pop();
+        return true;
+    }
+
+    m_input.SkipWhile(kBlank | kOpen);
+    if (m_input.AtEnd()) return Fail(XmlError::EndInElement);
+    if (m_input.Peek() == '/') {  // the end tag of an element with text alone; its name isn't looked at
+        if (!m_input.SkipTo('<')) return Fail(XmlError::EndInElement);
+        m_open.Pop();
+        return true;
+    }
+    m_state |= XmlState::kHasChildren;
+    m_tagTaken = true;
+    return true;
+}
+
+/// Appends the text up to the next tag. Returns false if a CDATA section isn't ended.
+bool XmlScanner::CollectText() {
+    bool keepBlanks = !m_input.StandsOn(kSectionStart);
+    while (!m_input.AtEnd()) {
+        if (m_input.Peek() != '<') {
+            const std::string_view rest = m_input.Rest();
+            if (!CollectRun(rest.substr(0, rest.find('<')), keepBlanks)) return true;
+        } else if (m_input.StandsOn(kSectionStart)) {
+            if (!CollectSection()) return false;
+        } else {
+            return true;
+        }
+    }
+    return true;
+}
+
+bool XmlScanner::CollectSection() {
+    m_state |= XmlState::kHasSection;
+    m_input.Pass(kSectionStart.size());
+    if (!m_input.TakeToText(kSectionEnd, [this](std::string_view text) { m_element += text; }))
+        return Fail(XmlError::EndInElement);
+    m_input.Pass(kSectionEnd.size());
+    return true;
+}
+
+/// Appends a piece of text without "<". Behind a ">", which mostly ends the attributes, blanks are dropped up to the
+/// first other byte. Returns false, on that ">", where it ends a self-closing element.
+bool XmlScanner::CollectRun(std::string_view run, bool& keepBlanks) {
+    while (!run.empty()) {
+        std::size_t blanks = 0;
+        if (!keepBlanks) {
+            while (blanks < run.size() && Is(run[blanks], kTextBlank))
+                ++blanks;
+            keepBlanks = blanks < run.size();
+        }
+        const std::size_t close = run.find('>', blanks);
+        const std::size_t size = std::min(run.size(), close);
+        m_element += run.substr(blanks, size - blanks);
+        m_input.Pass(size);
+        run.remove_prefix(size);
+        if (run.empty()) return true;
+
+        keepBlanks = false;
+        m_selfClosing = LastVisibleIsSlash();
+        m_element += '>';
+        if (m_selfClosing) return false;
+        m_input.Pass(1);
+        run.remove_prefix(1);
+    }
+    return true;
+}
+
+bool XmlScanner::LastVisibleIsSlash() const {
+    const auto last = std::find_if(m_element.rbegin(), m_element.rend(), [](char c) { return !Is(c, kBlank); });
+    return last != m_element.rend() && *last == '/';
+}
+
+}  // namespace gd_xml_stream

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "vxfileio/xmlarchive/XmlInput.h"
+#include "vxfileio/xmlarchive/XmlNameStack.h"
+#include "vxfileio/xmlarchive/XmlState.h"
+
+namespace gd_xml_stream {
+
+/// Takes a document apart into events. It keeps the names of the open elements and the text of the current one, and
+/// nothing else of the document.
+///
+/// Nothing is rejected: what isn't well-formed is read by fixed rules, which tell for every byte what becomes of it.
+/// They are looser than XML's, and files that rely on that exist.
+class XmlScanner {
+ public:
+    /// `file` isn't owned; it is read in blocks of `blockSize` bytes.
+    XmlScanner(CFileBuffer* file, std::size_t blockSize) : m_input(file, blockSize) {}
+
+    /// Goes to the first "<" that opens neither declaration nor comment nor instruction. Returns false, behind the
+    /// offending byte, if other text stands ahead of the first tag.
+    bool SkipProlog();
+
+    /// Goes on to the next event. On false there is no current element.
+    bool Next();
+
+    /// The current element: its name, a blank, the byte that ended the name, and all that followed up to the next tag,
+    /// CDATA sections included as plain text. At an end tag the name alone, without an element nothing.
+    const std::string& Element() const { return m_element; }
+
+    /// State bits of the current element: `XmlState::kHasChildren`, `kEndTag`, `kHasSection`.
+    std::uint32_t State() const { return m_state; }
+
+    /// Whether the current element is `<name/>`.
+    bool IsSelfClosing() const { return m_selfClosing; }
+
+    /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.
+    XmlError LastError() const { return m_lastError; }
+
+ private:
+    bool ReadEvent();
+    bool FindTag();
+    bool SkipComment();
+    bool ReadEndTag();
+    bool ReadStartTag(char first);
+    bool CollectText();
+    bool CollectSection();
+    bool CollectRun(std::string_view run, bool& keepBlanks);
+    bool LastVisibleIsSlash() const;
+    bool Fail(XmlError error);
+
+    XmlInput m_input;
+    XmlNameStack m_open;
+    std::string m_element;
+    std::uint32_t m_state = 0;
+    XmlError m_lastError = XmlError::None;
+    bool m_selfClosing = false;
+    bool m_tagTaken = false;  ///< The "<" of the next tag was passed already, with the element before it.
+};
+
+}  // namespace gd_xml_stream

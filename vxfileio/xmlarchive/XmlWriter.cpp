@@ -1,0 +1,121 @@
+#include "vxfileio/xmlarchive/XmlWriter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/xmlarchive/XmlState.h"
+#include "vxfileio/xmlarchive/XmlText.h"
+
+namespace gd_xml_stream {
+
+using vxfileio::CNumberText;
+
+XmlWriter::XmlWriter(CFileBuffer* file, std::size_t blockSize, unsigned char* buffer) : m_file(file) {
+    if (buffer == nullptr && file != nullptr) {
+        m_own = std::make_unique_for_overwrite<unsigned char[]>(blockSize);
+        buffer = m_own.get();
+    }
+    if (buffer != nullptr) m_block = {buffer, blockSize};
+}
+
+void XmlWriter::Flush() {
+    WriteBlock();
+    if (m_file != nullptr) m_file->Flush();
+}
+
+void XmlWriter::WriteBlock() {
+    if (m_file != nullptr) m_file->Write(m_block.data(), m_used);
+    m_used = 0;
+}
+
+void XmlWriter::Append(std::string_view text) {
+    if (m_file == nullptr) return;
+    while (!text.empty()) {
+        const std::size_t piece = std::min(text.size(), m_block.size() - m_used);
+        std::memcpy(m_block.data() + m_used, text.data(), piece);
+        m_used += piece;
+        text.remove_prefix(piece);
+        if (m_used == m_block.size()) WriteBlock();
+    }
+}
+
+void XmlWriter::AppendValue(const XmlValue& value) {
+    switch (value.Type()) {
+        case XmlType::Int32:
+            return Append(CNumberText(value.AsInt32()).View());
+        case XmlType::UInt16:
+            return Append(CNumberText(value.AsUInt16()).View());
+        case XmlType::UInt32:
+            return Append(CNumberText(value.AsUInt32()).View());
+        case XmlType::Int64:
+            return Append(CNumberText(value.AsInt64()).View());
+        case XmlType::UInt64:
+            return Append(CNumberText(value.AsUInt64()).View());
+        case XmlType::Double:
+            return Append(CNumberText::RoundTrip(value.AsDouble()).View());
+        case XmlType::Bool:
+            return Append(value.AsBool() ? "1" : "0");
+        case XmlType::ConstText:
+        case XmlType::Text:
+            if (value.AsText() == nullptr) return;
+            return PutCoded(value.AsText(), [this](std::string_view piece) { Append(piece); });
+    }
+}
+
+void XmlWriter::WriteDeclaration(std::string_view attributes) {
+    Append("<?xml ");
+    Append(attributes);
+    Append(" ?>");
+}
+
+void XmlWriter::OpenChild(std::string_view name) {
+    if ((m_state & XmlState::kTagOpen) != 0 && (m_state & XmlState::kHasText) == 0) Append(">");
+    m_outerStates.push_back((m_state | XmlState::kHasChildren) & ~XmlState::kPassing);
+    m_state = XmlState::kOpen | XmlState::kTagOpen;
+    Append("<");
+    Append(name);
+    m_open.Push(name);
+}
+
+void XmlWriter::PutAttribute(std::string_view name, const XmlValue& value) {
+    Append(" ");
+    Append(name);
+    Append("=\"");
+    AppendValue(value);
+    Append("\"");
+}
+
+void XmlWriter::BeginText() {
+    Append(">");
+    m_state |= XmlState::kHasText;
+}
+
+void XmlWriter::PutValue(const XmlValue& value) {
+    BeginText();
+    AppendValue(value);
+}
+
+void XmlWriter::PutSamples(const std::vector<double>& samples) {
+    BeginText();
+    for (const double sample : samples) {
+        Append(CNumberText::General(sample).View());
+        Append(";");
+    }
+}
+
+void XmlWriter::CloseElement() {
+    if (m_open.IsEmpty()) return;
+    if ((m_state & (XmlState::kHasText | XmlState::kHasChildren)) != 0) {
+        Append("</");
+        Append(m_open.Top());
+        Append(">");
+    } else {
+        Append("/>");
+    }
+    m_open.Pop();
+    m_state = m_outerStates.back();
+    m_outerStates.pop_back();
+}
+
+}  // namespace gd_xml_stream

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/xmlarchive/FileBuffer.h"
+#include "vxfileio/xmlarchive/XmlNameStack.h"
+#include "vxfileio/xmlarchive/XmlValue.h"
+
+namespace gd_xml_stream {
+
+/// The storing half of an archive: what is put goes straight into the block, and each full block to the file.
+class XmlWriter {
+ public:
+    /// Neither `file`, which may be null, nor `buffer` is owned. Without a buffer of `blockSize` bytes it makes its
+    /// own.
+    XmlWriter(CFileBuffer* file, std::size_t blockSize, unsigned char* buffer);
+
+    /// Hands everything so far to the system.
+    void Flush();
+    /// Forgets the file.
+    void Detach() { m_file = nullptr; }
+
+    void WriteDeclaration(std::string_view attributes);
+    void OpenChild(std::string_view name);
+    void PutAttribute(std::string_view name, const XmlValue& value);
+    void PutValue(const XmlValue& value);
+    void PutSamples(const std::vector<double>& samples);
+    void CloseElement();
+
+    /// State bits of the current element.
+    std::uint32_t State() const { return m_state; }
+
+ private:
+    void Append(std::string_view text);
+    void AppendValue(const XmlValue& value);
+    void BeginText();
+    void WriteBlock();
+
+    CFileBuffer* m_file;
+    std::unique_ptr<unsigned char[]> m_own;  ///< The block, unless the caller gave one.
+    std::span<unsigned char> m_block;
+    std::size_t m_used = 0;  ///< Bytes in the block.
+    XmlNameStack m_open;
+    std::vector<std::uint32_t> m_outerStates;  ///< Those of the enclosing elements, innermost last.
+    std::uint32_t m_state = 0;
+};
+
+}  // namespace gd_xml_stream
