@@ -2,13 +2,12 @@
 // usage: raw_vx write|read FILE SEGMENTS SAMPLES
 #include <vxfileio/frame/VXFileIO.h>
 
-#include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <vector>
+
+#include "Measure.h"
 
 namespace {
 
@@ -52,16 +51,6 @@ bool Read(CIRawDataReader& reader, long segments, long samples) {
     return !reader.ReadSegment(wellID, from, to, size, data);
 }
 
-/// The program's own peak memory. The usual call would count that of the process that started it, too.
-long PeakKiB() {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        long peak = 0;
-        if (word == "VmHWM:" && status >> peak) return peak;
-    }
-    return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -75,13 +64,12 @@ int main(int argc, char** argv) {
         if (!io.GetRawDataReader()->JumpToData("Series", 1)) return 1;
     }
     bool ok = true;
-    const auto start = std::chrono::steady_clock::now();
-    if (writes) {
-        Write(*io.GetRawDateWriter(), std::atol(argv[3]), std::atol(argv[4]));
-    } else {
-        ok = Read(*io.GetRawDataReader(), std::atol(argv[3]), std::atol(argv[4]));
-    }
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-    std::printf("%.6f %ld\n", seconds.count(), PeakKiB());
+    Measure([&] {
+        if (writes) {
+            Write(*io.GetRawDateWriter(), std::atol(argv[3]), std::atol(argv[4]));
+        } else {
+            ok = Read(*io.GetRawDataReader(), std::atol(argv[3]), std::atol(argv[4]));
+        }
+    });
     return ok ? 0 : 1;
 }

@@ -4,7 +4,10 @@
 
 #include <clocale>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
+#include <random>
 #include <string>
 
 namespace {
@@ -36,6 +39,74 @@ TEST(NumberTextTest, GeneralFormHasSixSignificantDigits) {
     EXPECT_EQ(General(-kInfinity), "-inf");
     EXPECT_EQ(General(std::nan("")), "nan");
     EXPECT_EQ(General(-std::nan("")), "nan");
+}
+
+TEST(NumberTextTest, GeneralFormIsTheNearestOfSixDigits) {
+    const auto expect = [](double value) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%g", value);
+        ASSERT_EQ(General(value), text);
+        ASSERT_EQ(General(-value), "-" + std::string(text));
+    };
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 100'000; ++i) {
+        const auto digits = static_cast<double>(random() % 10'000'000);
+        for (const double scale : {1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12})
+            expect(digits / scale);  // among them what lies nearest to the middle of two texts
+        expect(std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 80) - 90));
+    }
+    for (double power = 1e-7; power < 1e9; power *= 10) {
+        for (const double value : {power, std::nextafter(power, 0.0), std::nextafter(power, 1e9), power * 0.9999995})
+            expect(value);
+    }
+    for (int halves = 200'001; halves < 2'000'000; halves += 2)
+        expect(halves / 2.0);  // each in the middle of two texts, of which the even one counts
+}
+
+TEST(NumberTextTest, DecimalsAreReadAsTheNearestValue) {
+    std::mt19937_64 random(2);
+    for (int i = 0; i < 200'000; ++i) {
+        std::string text = std::to_string(random() >> (random() % 64));
+        text.insert(random() % (text.size() + 1), ".");
+        text.insert(0, random() % 5, '0');
+        if (random() % 8 == 0) text += "e-0" + std::to_string(random() % 30);
+        ASSERT_EQ(ParseDouble(text), std::strtod(text.c_str(), nullptr)) << text;
+    }
+    EXPECT_EQ(ParseDouble(".5") + ParseDouble("5.") + ParseDouble("1.2.3"), 6.7);
+    EXPECT_EQ(ParseDouble("."), 0.0);
+    EXPECT_EQ(ParseDouble("9007199254740993"), 9007199254740992.0);
+    EXPECT_EQ(ParseDouble("0.00000000000000000000001"), 1e-23);
+}
+
+TEST(NumberTextTest, RoundTripFormTellsEveryValueApart) {
+    const struct {
+        double value;
+        const char* text;
+    } cases[] = {
+        {0.0, "0."},
+        {-0.0, "-0."},
+        {4.0, "4."},
+        {-0.5, "-0.5"},
+        {0.1, "0.1"},
+        {0.0625, "6.25e-002"},
+        {1.0 / 3, "0.3333333333333333"},
+        {123456.75, "123456.75"},
+        {1e37, "10000000000000000000000000000000000000."},
+        {1.5e37, "15000000000000000000000000000000000000."},
+        {1e38, "1.e+038"},
+        {9007199254740993.0, "9007199254740992."},
+        {-1.7976931348623157e308, "-1.7976931348623157e+308"},
+        {4.9406564584124654e-324, "5.e-324"},
+        {kInfinity, "inf"},
+        {-kInfinity, "-inf"},
+        {-std::nan(""), "nan"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(CNumberText::RoundTrip(c.value).View(), c.text);
+        if (!std::isnan(c.value)) {
+            EXPECT_EQ(ParseDouble(c.text), c.value) << c.text;
+        }
+    }
 }
 
 TEST(NumberTextTest, WholeNumbersAreReadAsFarAsTheyGo) {

@@ -14,6 +14,7 @@
 
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
+#include "tests/reference/Twin.h"
 #include "tests/support/TempFolder.h"
 
 // The reference files and their text twins are made by make_reference.py, and read by read_vxd.py as well. What stands
@@ -26,46 +27,6 @@ constexpr std::array kNames = {
     "version_1",          "awkward_text",         "foreign_numbers", "backwards",          "cut_samples",
     "circle_of_segments", "circle_of_recordings", "too_many_wells",  "cut_header",         "damaged_segments",
 };
-
-std::string ReferencePath(const std::string& fileName) { return std::string(VXFILEIO_REFERENCE_DIR) + "/" + fileName; }
-
-// ---- The text twin --------------------------------------------------------------------------------------------------
-
-std::string Show(std::int64_t number) { return std::to_string(number); }
-
-std::string Show(std::uint64_t number) { return std::to_string(number); }
-
-std::string Show(double value) {
-    std::array<char, 32> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%.15g", value);
-    return {text.data(), static_cast<std::size_t>(length)};
-}
-
-/// A text in quotes, with bytes that don't print as \xHH.
-std::string Show(const std::string& text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string shown;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 32 && byte < 127 && c != '"' && c != '\\') {
-            shown += c;
-        } else {
-            shown += {'\\', 'x', digits[byte / 16], digits[byte % 16]};
-        }
-    }
-    return '"' + shown + '"';
-}
-
-std::string Show(const std::vector<std::int64_t>& list) {
-    std::string shown;
-    for (const std::int64_t number : list)
-        shown += (shown.empty() ? "" : ", ") + std::to_string(number);
-    return "[" + shown + "]";
-}
-
-std::string FieldLine(const char* key, const auto& value) {
-    return std::string("  ") + key + ": " + Show(value) + "\n";
-}
 
 std::string FailureLine(const CExcVXReader& failure) {
     EXPECT_EQ(failure.GetCode(), -1);

@@ -76,7 +76,8 @@ const CDocument kDocuments[] = {
     // Ours.
     {"<R><A>1</A><L Size=\"1\"><B/></L></R>", "R{ A='1' L#1='1'/''{ B='' }L }R !0 !0 !0 "},
     {"<?xml version=\"1.0\" ?><R><A></A><B>x</B></R>", "R{ A='' B='x' }R !0 !0 !0 "},
-    {"<R><L Size=\"0\"/><M Size=\"2\"><T>1</T><T>2</T></M></R>", "R{ L#0='0'/'' M#2='2'/''{ T='1' T='2' }M }R !0 !0 !0 "},
+    {"<R><L Size=\"0\"/><M Size=\"2\"><T>1</T><T>2</T></M></R>",
+     "R{ L#0='0'/'' M#2='2'/''{ T='1' T='2' }M }R !0 !0 !0 "},
     // Other dress: indentation, blanks in tags, comments, declarations, instructions ahead of the root.
     {"\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!DOCTYPE R [<!ELEMENT R ANY>]>\n<!-- plain -->\n<?go?>\n<R>\n"
      "  <A>\t1 </A>\n  <!-- - -- <B>2</B> --->\n\t<B >x</B >\n</R>\n",

@@ -1,6 +1,7 @@
 #include "vxfileio/helpers/NumberText.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -14,6 +15,13 @@ namespace {
 
 constexpr int kGeneralDigits = 6;
 
+/// Powers of ten that a double holds exactly.
+constexpr std::array<double, 23> kPowersOfTen{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+/// Up to this a whole number is exact as a double.
+constexpr std::uint64_t kMostExactWhole = std::uint64_t{1} << 53;
+
 /// Decimal exponents between which `RoundTrip` writes a number without an exponent.
 constexpr std::int32_t kLeastFixedExponent = -1;
 constexpr std::int32_t kMostFixedExponent = 37;
@@ -23,6 +31,7 @@ constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::string_view SkipBlanks(std::string_view text) {
+    if (!text.empty() && text.front() > ' ') return text;
     const auto start = text.find_first_not_of(kBlanks);
     return start == std::string_view::npos ? std::string_view() : text.substr(start);
 }
@@ -65,6 +74,34 @@ Whole ParseUnsigned(std::string_view text) {
     return negative ? static_cast<Whole>(Whole{0} - *magnitude) : *magnitude;
 }
 
+/// Reads digits from `at` on into `number`, which may overflow, and returns where they end.
+const char* TakeDigits(const char* at, const char* end, std::uint64_t& number) {
+    for (; at != end && IsDigit(*at); ++at)
+        number = 10 * number + static_cast<std::uint64_t>(*at - '0');
+    return at;
+}
+
+/// Reads digits with a point at most, such as nearly all numbers are, if one division of two exact doubles gives the
+/// nearest value. Anything else, an exponent or more digits than that, is left to the general way.
+std::optional<double> ParsePlainDecimal(std::string_view text) {
+    constexpr std::ptrdiff_t kMostDigits = 19;  // every number of so many fits
+    std::uint64_t digits = 0;
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    const char* at = TakeDigits(begin, end, digits);
+    std::ptrdiff_t count = at - begin;
+    std::ptrdiff_t places = 0;
+    if (at != end && *at == '.') {
+        const char* const point = at;
+        at = TakeDigits(point + 1, end, digits);
+        places = at - point - 1;
+        count += places;
+    }
+    if (count == 0 || count > kMostDigits || digits > kMostExactWhole) return std::nullopt;
+    if (at != end && (*at == 'e' || *at == 'E')) return std::nullopt;
+    return static_cast<double>(digits) / kPowersOfTen[static_cast<std::size_t>(places)];
+}
+
 /// Tells whether a number that is out of a double's range is so for being too large: its first digit other than 0
 /// then stands ahead of the point once the exponent is applied.
 bool IsTooLarge(std::string_view digits) {
@@ -86,14 +123,58 @@ bool IsTooLarge(std::string_view digits) {
     return scale + exponent > 0;
 }
 
+/// The value rounded to a whole number times 10^-`scale`, ties to even. The product may not be exact, but what it lacks
+/// is less than half its last place, so that it only matters where the product itself is a tie.
+std::uint32_t RoundScaled(double value, double scale) {
+    const double product = value * scale;
+    const auto whole = static_cast<std::uint32_t>(product);
+    const double rest = product - whole;
+    if (rest != 0.5) return whole + (rest > 0.5 ? 1 : 0);
+    const double lacking = std::fma(value, scale, -product);
+    if (lacking != 0) return whole + (lacking > 0 ? 1 : 0);
+    return whole + (whole & 1U);
+}
+
+/// Writes the values that have no exponent in the general form, 0.0001 to below a million; null for all others.
+char* WriteSixDigits(char* to, double value) {
+    constexpr std::array<double, 11> kLimits{1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+    constexpr int kLeastExponent = -4;
+    constexpr std::uint32_t kSevenDigits = 1'000'000;
+    const double size = std::abs(value);
+    if (!(size >= kLimits.front() && size < kLimits.back())) return nullptr;
+    int exponent = kLeastExponent;
+    while (size >= kLimits[static_cast<std::size_t>(exponent - kLeastExponent + 1)])
+        ++exponent;
+    const int places = kGeneralDigits - 1 - exponent;  // behind the point
+    std::uint32_t digits = RoundScaled(size, kPowersOfTen[static_cast<std::size_t>(places)]);
+    if (digits >= kSevenDigits) return nullptr;  // rounded up to the next exponent
+
+    // The digits from the last to the first, with the point where it belongs.
+    if (value < 0) *to++ = '-';
+    const int width = std::max(kGeneralDigits, places + 1) + 1;  // with the point and all leading zeros
+    char* last = to + width;
+    for (int place = 0; place < width - 1; ++place) {
+        if (place == places) *--last = '.';
+        *--last = static_cast<char>('0' + digits % 10);
+        digits /= 10;
+    }
+    char* end = to + width;
+    while (end[-1] == '0')
+        --end;
+    return end[-1] == '.' ? end - 1 : end;
+}
+
 }  // namespace
+
+char* WriteGeneral(char* to, double value) {
+    if (char* const end = WriteSixDigits(to, value)) return end;
+    if (std::isnan(value)) value = std::numeric_limits<double>::quiet_NaN();  // a NaN has no sign in our files
+    return std::to_chars(to, to + kMostGeneralSize, value, std::chars_format::general, kGeneralDigits).ptr;
+}
 
 CNumberText CNumberText::General(double value) {
     CNumberText text;
-    if (std::isnan(value)) value = std::numeric_limits<double>::quiet_NaN();  // a NaN has no sign in our files
-    text.SetEnd(std::to_chars(text.Begin(), text.Begin() + text.m_text.size(), value, std::chars_format::general,
-                              kGeneralDigits)
-                    .ptr);
+    text.SetEnd(WriteGeneral(text.Begin(), value));
     return text;
 }
 
@@ -144,6 +225,7 @@ std::uint64_t ParseUInt64(std::string_view text) { return ParseUnsigned<std::uin
 double ParseDouble(std::string_view text) {
     text = SkipBlanks(text);
     const bool negative = TakeSign(text);
+    if (const auto plain = ParsePlainDecimal(text)) return negative ? -*plain : *plain;
     if (!text.empty() && text.front() == '-') return 0.0;  // a second sign belongs to no number
     double value = 0.0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);

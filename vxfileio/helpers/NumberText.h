@@ -12,6 +12,13 @@
 
 namespace vxfileio {
 
+/// Room for any number in the general form.
+inline constexpr std::size_t kMostGeneralSize = 16;
+
+/// Writes a number in the general form, as `CNumberText::General` tells it, to a place with room for `kMostGeneralSize`
+/// characters. Returns where it ends.
+char* WriteGeneral(char* to, double value);
+
 /// The text of one number, kept in place: making it allocates nothing.
 class CNumberText {
  public:

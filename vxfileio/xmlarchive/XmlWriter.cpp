@@ -1,6 +1,7 @@
 #include "vxfileio/xmlarchive/XmlWriter.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "vxfileio/helpers/NumberText.h"
@@ -98,10 +99,18 @@ void XmlWriter::PutValue(const XmlValue& value) {
 
 void XmlWriter::PutSamples(const std::vector<double>& samples) {
     BeginText();
+    std::array<char, 1024> texts;
+    char* end = texts.data();
+    const auto append = [&] { Append({texts.data(), static_cast<std::size_t>(end - texts.data())}); };
     for (const double sample : samples) {
-        Append(CNumberText::General(sample).View());
-        Append(";");
+        if (texts.data() + texts.size() - end <= static_cast<std::ptrdiff_t>(vxfileio::kMostGeneralSize)) {
+            append();
+            end = texts.data();
+        }
+        end = vxfileio::WriteGeneral(end, sample);
+        *end++ = ';';
     }
+    append();
 }
 
 void XmlWriter::CloseElement() {

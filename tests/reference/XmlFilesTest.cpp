@@ -1,0 +1,310 @@
+#include <gtest/gtest.h>
+#include <vxfileio/frame/VXFileIO.h>
+
+#include <string>
+
+#include "tests/reference/Twin.h"
+#include "tests/support/TempFolder.h"
+
+// The reference files of settings and results are made by make_xml.py and read by read_xml.py, both without the
+// library. Here the library must read the same from each of them, and write the two that are in its own form byte for
+// byte.
+
+namespace {
+
+/// The lines of one object, each named as in the file.
+class CLines {
+ public:
+    explicit CLines(const char* name) : m_lines(std::string(name) + "\n") {}
+
+    CLines& Add(const char* tag, const auto& value) {
+        m_lines += FieldLine(tag, value);
+        return *this;
+    }
+    CLines& Add(const char* tag, char value) { return Add(tag, std::string(1, value)); }
+    CLines& Begin(const char* tag) {
+        m_lines += std::string("  ") + tag + "\n";
+        return *this;
+    }
+    CLines& Item(const std::string& text) {
+        m_lines += "    " + text + "\n";
+        return *this;
+    }
+    operator std::string() const { return m_lines; }
+
+ private:
+    std::string m_lines;
+};
+
+std::string Lines(const CXmlFileHeader& h) {
+    return CLines("Header")
+        .Add("HeaderID", h.HeaderID)
+        .Add("CompoundName", h.CompoundName)
+        .Add("VexaprobeMode", h.VexaprobeMode)
+        .Add("FileType", h.FileType)
+        .Add("ProgramVersion", h.ProgramVersion)
+        .Add("FileVersion", h.FileVersion)
+        .Add("RecordingDate", h.RecordingDate)
+        .Add("RecordingDateString", h.RecordingDateString)
+        .Add("FileName", h.FileName)
+        .Add("Guid", h.Guid);
+}
+
+std::string Lines(const CPropControl& p) {
+    return CLines("PropertyControl")
+        .Add("VexaprobeMode", VexaprobeModeToString(p.VexaprobeMode))
+        .Add("RobotMode", AcqModeToString(p.RobotMode))
+        .Add("DataAcqMode", AcqModeToString(p.DataAcqMode))
+        .Add("SimulationDataFile", p.SimulationDataFile);
+}
+
+std::string Lines(const CPropNotebook& p) {
+    return CLines("PropertyNotebook")
+        .Add("ExperimentID", p.ExperimentID)
+        .Add("FileName", p.FileName)
+        .Add("Director", p.Director)
+        .Add("Scientist", p.Scientist)
+        .Add("Operator", p.Operator)
+        .Add("Department", p.Department)
+        .Add("Company", p.Company)
+        .Add("StudyDesignator", p.StudyDesignator)
+        .Add("Species", p.Species)
+        .Add("Age", p.Age)
+        .Add("Comment", p.Comment);
+}
+
+std::string Lines(const CPropRobot& p) {
+    return CLines("PropertyRobot")
+        .Add("RobotSerialNumber", p.RobotSerialNumber)
+        .Add("FirmwareVersion", p.FirmwareVersion)
+        .Add("FirmwareDate", p.FirmwareDate)
+        .Add("IPAddress", p.RobotConfig.IPAddress)
+        .Add("CleanerID", p.RobotConfig.CleanerID)
+        .Add("WasteID", p.RobotConfig.WasteID)
+        .Add("TroughIDStockDilution", p.RobotConfig.TroughIDStockDilution)
+        .Add("TroughIDWellMedium", p.RobotConfig.TroughIDWellMedium)
+        .Add("TroughMediumNames", p.RobotConfig.TroughMediumNames)
+        .Add("StockPlateIDL8x12", p.RobotConfig.StockPlateIDL8x12)
+        .Add("StockPlateIDL16x6", p.RobotConfig.StockPlateIDL16x6);
+}
+
+std::string Lines(const CPropRecordPlate& p) {
+    const PlateCompound& compound = *p.Data.Compounds.at(0);
+    CLines lines("PropertyRecordPlate");
+    lines.Add("Layout", PlateLayoutToString(p.Data.Layout))
+        .Add("PlateID", p.Data.PlateID)
+        .Add("PlateRows", p.Data.PlateRows)
+        .Add("PlateColumns", p.Data.PlateColumns)
+        .Add("CompoundID", compound.CompoundID)
+        .Add("Label", compound.Label)
+        .Begin("Wells");
+    EXPECT_EQ(p.GetAllWellIDs(), compound.Wells);
+    for (const auto& w : p.Data.Wells)
+        lines.Item("WellID " + Show(w->WellID) + ", ChID " + Show(w->ChID) + ", Label " + Show(w->Label) +
+                   ", PlateColumn " + Show(w->PlateColumn) + ", PlateRow " + Show(w->PlateRow) + ", State " +
+                   Show(w->State));
+    return lines.Add("PipetMode", PipetModeToString(p.Data.PipetMode)).Add("Series", p.Data.Series);
+}
+
+std::string Lines(const CPropWashIn& p) { return CLines("PropertyWashIn").Add("WashIn", p.WashIn); }
+
+std::string Lines(const CPropRecording& p) {
+    return CLines("PropertyRecording")
+        .Add("DataFormat", p.DataFormat)
+        .Add("ADMax", p.ADMax)
+        .Add("ADMin", p.ADMin)
+        .Add("ADZero", p.ADZero)
+        .Add("Gain", p.Gain)
+        .Add("RecordingTime", p.RecordingTime)
+        .Add("Tick", p.Tick)
+        .Add("VoltageRange", p.VoltageRange)
+        .Add("VoltPerADStep", p.VoltPerADStep);
+}
+
+void AddMarks(CLines& lines, const CPropAnalyzer& p) {
+    lines.Begin("AnalyzeSettings");
+    for (const auto& [task, recordings] : p.AnalyzeSettings) {
+        lines.Item(TaskToString(task) + ": " + Show(recordings.size()) + " recordings");
+        for (std::size_t number = 0; number < recordings.size(); ++number) {
+            for (const auto& [id, well] : recordings[number]) {
+                std::string line = TaskToString(task) + " " + Show(number) + " well " + Show(id) + ": Analyze " +
+                                   Show(static_cast<int>(well.Analyze));
+                for (const auto& [response, mark] : well.Responses)
+                    line += " " + ResponseTypeToString(response) + " " + AnalysisMarkToString(mark);
+                lines.Item(line);
+            }
+        }
+    }
+}
+
+std::string Lines(const CPropAnalyzer& p) {
+    CLines lines("PropertyAnalyzer");
+    lines.Add("Operator", p.Operator)
+        .Add("Program", p.Program)
+        .Add("ProgramVersion", p.ProgramVersion)
+        .Add("AnalyzingDate", p.AnalyzingDate);
+    AddMarks(lines, p);
+    return lines.Add("FPAveIntervalType", CPropAnalyzer::FPAveIntervalTypeToString(p.FPAveIntervalType))
+        .Add("FPAveHRDefinedFactor", p.FPAveHRDefinedFactor)
+        .Add("PreFPfastTime", p.PreFPfastTime)
+        .Add("FPAverageTime", p.FPAverageTime)
+        .Add("FPmaxSearchBegin", p.FPmaxSearchBegin)
+        .Add("FPmaxSearchEnd", p.FPmaxSearchEnd)
+        .Add("FPSlopeInterval", p.FPSlopeInterval)
+        .Add("FPfastAutoAdjust", p.FPfastAutoAdjust)
+        .Add("FPfastAutoAdjustFactor", p.FPfastAutoAdjustFactor)
+        .Add("FPfastAutoAdjustTime", p.FPfastAutoAdjustTime)
+        .Add("FPfastAmplitude", p.FPfastAmplitude)
+        .Add("FPfastRiseTimeMin", p.FPfastRiseTimeMin)
+        .Add("FPfastRiseTimeMax", p.FPfastRiseTimeMax)
+        .Add("FPfastSlopeRangeMin", p.FPfastSlopeRangeMin)
+        .Add("FPfastSlopeRangeMax", p.FPfastSlopeRangeMax);
+}
+
+std::string Lines(const QualityCheckRecord& r) {
+    return CLines("QC")
+        .Add("TaskName", r.TaskName)
+        .Add("EnableQC", r.EnableQC)
+        .Add("QCPerformed", r.QCPerformed)
+        .Add("CompoundName", r.CompoundName)
+        .Add("CompoundDose", r.CompoundDose)
+        .Add("Series", r.Series)
+        .Add("CompoundStockDose", r.CompoundStockDose)
+        .Add("CompoundPlateID", r.CompoundPlateID)
+        .Add("CompoundPlateCol", r.CompoundPlateCol)
+        .Add("WashInWait", r.WashInWait)
+        .Add("RecordingTime", r.RecordingTime)
+        .Add("WashOutCycles", r.WashOutCycles)
+        .Add("WashOutTroughID", r.WashOutTroughID)
+        .Add("WashOutWait", r.WashOutWait)
+        .Add("ApplyQC", r.ApplyQC)
+        .Add("QCResponse", ResponseTypeToString(r.QCResponse))
+        .Add("PerformCompoundQC", r.PerformCompoundQC)
+        .Add("CompoundQCEffect", r.CompoundQCEffect)
+        .Add("CompoundQCComparison", r.CompoundQCComparison)
+        .Add("CompoundQCEffectValue", r.CompoundQCEffectValue)
+        .Add("PerformWashOutQC", r.PerformWashOutQC)
+        .Add("WashOutQCEffect", r.WashOutQCEffect)
+        .Add("WashOutQCComparison", r.WashOutQCComparison)
+        .Add("WashOutQCEffectValue", r.WashOutQCEffectValue);
+}
+
+std::string Lines(const CISettingsReader& reader) {
+    std::string lines = Lines(*reader.GetXmlFileHeader()) + Lines(*reader.GetControlProperty()) +
+                        Lines(*reader.GetNotebookProperty()) + Lines(*reader.GetRobotProperty()) +
+                        Lines(*reader.GetRecordPlateProperty()) + Lines(*reader.GetWashInProperty()) +
+                        Lines(*reader.GetRecordingProperty()) + Lines(*reader.GetAnalyzerProperty());
+    for (const auto& [task, check] : reader.GetQualityCheckProperty()->QualityChecks) {
+        EXPECT_EQ(TaskToString(task), check.TaskName);
+        lines += Lines(check);
+    }
+    return lines;
+}
+
+template <class Responses>
+void AddResponses(CLines& lines, const char* tag, const Responses& responses, auto show) {
+    lines.Begin(tag);
+    for (const auto& [type, response] : responses) {
+        EXPECT_EQ(ResponseTypeToString(type), response.Label);
+        lines.Item("Label " + Show(response.Label) + ", " + show(response));
+    }
+}
+
+std::string Lines(std::int32_t id, const CResultsWell& w) {
+    CLines lines("Well");
+    lines.Add("WellID", id)
+        .Add("WellLabel", w.WellLabel)
+        .Add("Dose", w.Dose)
+        .Add("FPfastDetectionTimes", w.FPfastDetectionTimes)
+        .Add("AverageCount", w.AverageCount)
+        .Add("AveragePreFPfastTime", w.AveragePreFPfastTime)
+        .Add("AverageTick", w.AverageTick)
+        .Add("Average", w.Average)
+        .Add("FPfastDetected", w.FPfastDetected)
+        .Add("FPfastMaxAmp", w.FPfastMaxAmp)
+        .Add("FPfastMaxAmpTimeStamp", w.FPfastMaxAmpTimeStamp)
+        .Add("FPfastMinAmp", w.FPfastMinAmp)
+        .Add("FPfastMinAmpTimeStamp", w.FPfastMinAmpTimeStamp)
+        .Add("FPfastSlopeX0", w.FPfastSlopeX0)
+        .Add("FPfastSlopeY0", w.FPfastSlopeY0)
+        .Add("FPfastSlopeX1", w.FPfastSlopeX1)
+        .Add("FPfastSlopeY1", w.FPfastSlopeY1)
+        .Add("FPmaxType", FPmaxTypeToString(w.FPmaxType));
+    const auto show = [](const CResponse& response) { return "Value " + Show(response.Value); };
+    AddResponses(lines, "Responses", w.Responses, show);
+    AddResponses(lines, "NormalizedResponses", w.NormalizedResponses, show);
+    return lines;
+}
+
+std::string Lines(const CIResultsReader& reader) {
+    std::string lines = Lines(*reader.GetXmlFileHeader());
+    for (const auto& [key, task] : reader.GetResults()->Tasks) {
+        EXPECT_EQ(TaskToString(key), task.TaskName);
+        lines += "Task " + Show(task.TaskName) + "\n";
+        for (const auto& recording : task.Recordings) {
+            CLines fields("Recording");
+            fields.Add("Dose", recording.Dose);
+            AddResponses(fields, "NormalizedResponses", recording.NormalizedResponses, [](const CResponseMean& mean) {
+                return "normMean " + Show(mean.normMean) + ", normStdDev " + Show(mean.normStdDev) + ", Samples " +
+                       Show(mean.Samples);
+            });
+            lines += fields;
+            for (const auto& [id, well] : recording.Wells)
+                lines += Lines(id, well);
+        }
+    }
+    return lines;
+}
+
+TEST(XmlFilesTest, EveryFileReadsAsItsTwinTells) {
+    for (const std::string name :
+         {"settings", "settings_indented", "settings_shuffled", "settings_sections", "settings_version_2"}) {
+        CVXFileIO io;
+        io.GetSettingsReader()->ReadFile(ReferencePath(name + ".vxs"));
+        EXPECT_EQ(Lines(*io.GetSettingsReader()), ReadAll(ReferencePath(name + ".txt"))) << name;
+    }
+    for (const std::string name : {"results", "results_indented", "results_shuffled", "results_sections"}) {
+        CVXFileIO io;
+        io.GetResultsReader()->ReadFile(ReferencePath(name + ".vxr"));
+        EXPECT_EQ(Lines(*io.GetResultsReader()), ReadAll(ReferencePath(name + ".txt"))) << name;
+    }
+}
+
+/// The bytes with this date of saving, which is the present one in every file.
+std::string WithDate(std::string bytes, const std::string& number, const std::string& text) {
+    const std::string tag = "<AnalyzingDate>";
+    const std::string textTag = "</AnalyzingDate><AnalyzingDateString>";
+    const std::size_t at = bytes.find(tag) + tag.size();
+    bytes.replace(at, number.size(), number);
+    EXPECT_EQ(bytes.substr(at + number.size(), textTag.size()), textTag);
+    bytes.replace(at + number.size() + textTag.size(), text.size(), text);
+    return bytes;
+}
+
+TEST(XmlFilesTest, WhatWasReadIsWrittenAsTheSameBytes) {
+    const CTempFolder folder;
+    CVXFileIO io;
+    CISettingsReader& read = *io.GetSettingsReader();
+    read.ReadFile(ReferencePath("settings.vxs"));
+    CISettingsWriter& writer = *io.GetSettingsWriter();
+    writer.SetXmlFileHeader(*read.GetXmlFileHeader());
+    writer.SetControlProperty(*read.GetControlProperty());
+    writer.SetNotebookProperty(*read.GetNotebookProperty());
+    writer.SetRobotProperty(*read.GetRobotProperty());
+    writer.SetRecordPlateProperty(*read.GetRecordPlateProperty());
+    writer.SetQualityCheckProperty(*read.GetQualityCheckProperty());
+    writer.SetWashInProperty(*read.GetWashInProperty());
+    writer.SetRecordingProperty(*read.GetRecordingProperty());
+    writer.SetAnalyzerProperty(*read.GetAnalyzerProperty());
+    for (int twice = 0; twice < 2; ++twice) {
+        writer.WriteFile(folder.Path("a.vxs"));
+        EXPECT_EQ(WithDate(ReadAll(folder.Path("a.vxs")), "133512191990000000", "2024-01-31 23:59:59"),
+                  ReadAll(ReferencePath("settings.vxs")));
+    }
+    io.GetResultsReader()->ReadFile(ReferencePath("results.vxr"));
+    io.GetResultsWriter()->SetXmlFileHeader(*io.GetResultsReader()->GetXmlFileHeader());
+    io.GetResultsWriter()->WriteFile(folder.Path("a.vxr"), *io.GetResultsReader()->GetResults());
+    EXPECT_EQ(ReadAll(folder.Path("a.vxr")), ReadAll(ReferencePath("results.vxr")));
+}
+
+}  // namespace

@@ -1,0 +1,224 @@
+#!/usr/bin/python3
+"""Reads settings files (.vxs) and results files (.vxr) with Python's own XML parser, and prints what is in them.
+
+It shares nothing with the library. The tables below are those of docs/settings-file.md and docs/results-file.md.
+
+    read_xml.py FILE...
+"""
+
+import pathlib
+import re
+import sys
+import xml.etree.ElementTree as ElementTree
+
+# Each field: its tag, its type, what a reader takes where the tag is missing.
+HEADER = [
+    ("HeaderID", "text", "OVL Vexaprobe"), ("CompoundName", "text", ""), ("VexaprobeMode", "text", "NotDefined"),
+    ("FileType", "text", ""), ("ProgramVersion", "text", ""), ("FileVersion", "int32", 0),
+    ("RecordingDate", "uint64", 0), ("RecordingDateString", "text", ""), ("FileName", "text", ""), ("Guid", "text", ""),
+]
+SECTIONS = {
+    "PropertyControl": [
+        ("VexaprobeMode", "word", "NotDefined"), ("RobotMode", "word", "NotDefined"),
+        ("DataAcqMode", "word", "NotDefined"), ("SimulationDataFile", "text", ""),
+    ],
+    "PropertyNotebook": [(tag, "text", "") for tag in (
+        "ExperimentID", "FileName", "Director", "Scientist", "Operator", "Department", "Company", "StudyDesignator",
+        "Species", "Age", "Comment")],
+    "PropertyRobot": [
+        ("RobotSerialNumber", "text", "not read"), ("FirmwareVersion", "text", "not read"),
+        ("FirmwareDate", "text", "not read"), ("IPAddress", "text", ""), ("CleanerID", "int32", -1),
+        ("WasteID", "int32", -1), ("TroughIDStockDilution", "int32", -1), ("TroughIDWellMedium", "int32", -1),
+        ("TroughMediumNames", "list of text", []), ("StockPlateIDL8x12", "character", " "),
+        ("StockPlateIDL16x6", "character", " "),
+    ],
+    "PropertyRecordPlate": [
+        ("Layout", "word", "NotDefined"), ("PlateID", "character", " "), ("PlateRows", "int32", 0),
+        ("PlateColumns", "int32", 0), ("CompoundID", "int32", 0), ("Label", "text", ""), ("Wells", "wells", []),
+        ("PipetMode", "word", "NotDefined"), ("Series", "list of uint64", []),
+    ],
+    "PropertyWashIn": [("WashIn", "int64", 0)],
+    "PropertyRecording": [
+        ("DataFormat", "uint32", 0), ("ADMax", "uint16", 0), ("ADMin", "uint16", 0), ("ADZero", "uint16", 0),
+        ("Gain", "uint32", 0), ("RecordingTime", "int64", 0), ("Tick", "int64", 0), ("VoltageRange", "text", ""),
+        ("VoltPerADStep", "double", 0.0),
+    ],
+    "PropertyAnalyzer": [
+        ("Operator", "text", ""), ("Program", "text", ""), ("ProgramVersion", "text", ""),
+        ("AnalyzingDate", "uint64", 0), ("AnalyzeSettings", "marks", []), ("FPAveIntervalType", "word", "UserDefined"),
+        ("FPAveHRDefinedFactor", "double", 0.0), ("PreFPfastTime", "int64", 0), ("FPAverageTime", "int64", 0),
+        ("FPmaxSearchBegin", "int64", 50000), ("FPmaxSearchEnd", "int64", 0), ("FPSlopeInterval", "int64", 0),
+        ("FPfastAutoAdjust", "bool", True), ("FPfastAutoAdjustFactor", "double", 0.0),
+        ("FPfastAutoAdjustTime", "int64", 0), ("FPfastAmplitude", "double", 0.0), ("FPfastRiseTimeMin", "int64", 0),
+        ("FPfastRiseTimeMax", "int64", 0), ("FPfastSlopeRangeMin", "int32", 0), ("FPfastSlopeRangeMax", "int32", 0),
+    ],
+}
+QUALITY_CHECK = [
+    ("TaskName", "text", ""), ("EnableQC", "bool", False), ("QCPerformed", "list of int32", []),
+    ("CompoundName", "text", ""), ("CompoundDose", "uint64", 0), ("Series", "list of uint64", [0, 0, 0]),
+    ("CompoundStockDose", "uint64", 0), ("CompoundPlateID", "character", "C"), ("CompoundPlateCol", "int32", 0),
+    ("WashInWait", "int64", 0), ("RecordingTime", "int64", 0), ("WashOutCycles", "int32", 0),
+    ("WashOutTroughID", "int32", 0), ("WashOutWait", "int64", 0), ("ApplyQC", "bool", False),
+    ("QCResponse", "word", "NotDefined"), ("PerformCompoundQC", "bool", False), ("CompoundQCEffect", "text", ""),
+    ("CompoundQCComparison", "text", ""), ("CompoundQCEffectValue", "int32", 0), ("PerformWashOutQC", "bool", False),
+    ("WashOutQCEffect", "text", ""), ("WashOutQCComparison", "text", ""), ("WashOutQCEffectValue", "int32", 0),
+]
+PLATE_WELL = [
+    ("WellID", "int32", 0), ("ChID", "int32", 0), ("Label", "text", ""), ("PlateColumn", "int32", 0),
+    ("PlateRow", "int32", 0), ("State", "int32", 0),
+]
+RESULTS_WELL = [
+    ("WellID", "int32", 0), ("WellLabel", "text", ""), ("Dose", "uint64", 0),
+    ("FPfastDetectionTimes", "list of int64", []), ("AverageCount", "uint32", 0), ("AveragePreFPfastTime", "int64", 0),
+    ("AverageTick", "int64", 0), ("Average", "samples", []), ("FPfastDetected", "bool", False),
+    ("FPfastMaxAmp", "double", 0.0), ("FPfastMaxAmpTimeStamp", "int64", 0), ("FPfastMinAmp", "double", 0.0),
+    ("FPfastMinAmpTimeStamp", "int64", 0), ("FPfastSlopeX0", "double", 0.0), ("FPfastSlopeY0", "double", 0.0),
+    ("FPfastSlopeX1", "double", 0.0), ("FPfastSlopeY1", "double", 0.0), ("FPmaxType", "word", "Undefined"),
+    ("Responses", "responses", []), ("NormalizedResponses", "responses", []),
+]
+RESPONSE = [("Label", "text", ""), ("Value", "double", 0.0)]
+RESPONSE_MEAN = [("Label", "text", ""), ("normMean", "double", 0.0), ("normStdDev", "double", 0.0),
+                 ("Samples", "uint32", 0)]
+RECORDING = [("Dose", "uint64", 0), ("NormalizedResponses", "response means", [])]
+
+OLDER_NAMES = {"PropRecording": "PropertyRecording"}
+FIRST_VERSION_WITH_MARKS = 3
+
+# Tasks are kept in this order, whatever that of the file.
+TASKS = ("Notebook", "Compounds", "Viability", "CompoundTest", "Dilute", "Washout", "Washin", "Pipet", "Series", "Analyze",
+         "PreQC", "PostQC", "Reportsheet", "Inspect", "Nil")
+
+# ---- Values ----------------------------------------------------------------------------------------------------------
+
+
+def text_of(element):
+    """References in our files stand for bytes, which Latin-1 maps to the characters that the parser makes of them."""
+    return element.text or ""
+
+
+def values_of(element, kind):
+    return [CONVERSIONS[kind](child) for child in element]
+
+
+CONVERSIONS = {
+    "text": text_of,
+    "word": text_of,
+    "character": lambda element: text_of(element)[:1],
+    "bool": lambda element: int(text_of(element)) == 1,
+    "double": lambda element: float(text_of(element)),
+    "samples": lambda element: [float(text) for text in text_of(element.find("Ave")).split(";")[:-1]],
+    "wells": lambda element: [fields_of(child, PLATE_WELL) for child in element],
+    "responses": lambda element: [fields_of(child, RESPONSE) for child in element],
+    "response means": lambda element: [fields_of(child, RESPONSE_MEAN) for child in element],
+    "marks": lambda element: list(marks_of(element)),
+    **{kind: lambda element: int(text_of(element)) for kind in ("int32", "uint16", "uint32", "int64", "uint64")},
+}
+
+
+def fields_of(element, table):
+    """The fields of an element as (tag, type, value)."""
+    found = {child.tag: child for child in element}
+    for tag, kind, default in table:
+        if tag not in found or (kind in ("double", "int64") and not text_of(found[tag])):
+            yield tag, kind, default
+        elif kind.startswith("list of "):
+            yield tag, kind, values_of(found[tag], kind.removeprefix("list of "))
+        else:
+            yield tag, kind, CONVERSIONS[kind](found[tag])
+
+
+def tasks_of(element):
+    return sorted(element.iter("Task"), key=lambda task: TASKS.index(task.findtext("TaskName")))
+
+
+def by_id(wells):
+    return sorted(wells, key=lambda well: int(well.findtext("WellID")))
+
+
+def marks_of(element):
+    for task in tasks_of(element):
+        yield f"{task.findtext('TaskName')}: {len(task.find('Recordings'))} recordings"
+        for number, recording in enumerate(task.find("Recordings")):
+            for well in by_id(recording.find("Wells")):
+                marks = " ".join(f"{mark.tag} {mark.text}" for mark in well.find("Responses"))
+                yield (f"{task.findtext('TaskName')} {number} well {well.findtext('WellID')}: "
+                       f"Analyze {well.findtext('Analyze')} {marks}")
+
+
+def made_marks(plate):
+    """What a reader makes up for files that are older than the marks."""
+    series = [values_of(child, "uint64") for child in plate if child.tag == "Series"][0]
+    yield f"Series: {len(series)} recordings"
+    for number, _ in enumerate(series):
+        for well in by_id(plate.find("Wells")):
+            if int(well.findtext("State")) in (0, 2):
+                yield (f"Series {number} well {well.findtext('WellID')}: Analyze 1 "
+                       "Na-Amplitude Automatic Na-Slope Automatic QT-Interval Automatic")
+
+
+# ---- The text twin ---------------------------------------------------------------------------------------------------
+
+
+def show(value):
+    if isinstance(value, bool):
+        return str(int(value))
+    if isinstance(value, float):
+        return f"{value:.15g}"
+    if isinstance(value, list):
+        return "[" + ", ".join(map(show, value)) + "]"
+    if isinstance(value, str):
+        return '"' + re.sub(r'[^ !#-\[\]-~]', lambda c: f"\\x{ord(c[0]):02x}", value) + '"'
+    return str(value)
+
+
+def shown(name, fields):
+    yield name
+    for tag, kind, value in fields:
+        if kind in ("wells", "responses", "response means"):
+            yield f"  {tag}"
+            for item in value:
+                yield "    " + ", ".join(f"{tag} {show(value)}" for tag, _, value in item)
+        elif kind == "marks":
+            yield f"  {tag}"
+            yield from ("    " + mark for mark in value)
+        else:
+            yield f"  {tag}: {show(value)}"
+
+
+def settings_lines(header, settings):
+    found = {OLDER_NAMES.get(section.tag, section.tag): section for section in settings}
+    nothing = ElementTree.Element("nothing")
+    for name, table in SECTIONS.items():
+        fields = [list(field) for field in fields_of(found.get(name, nothing), table)]
+        for field in fields:
+            if field[0] == "VoltageRange":
+                field[2] = "\xb1 " + field[2]
+            if field[1] == "marks" and int(header.findtext("FileVersion")) < FIRST_VERSION_WITH_MARKS:
+                field[2] = list(made_marks(found["PropertyRecordPlate"]))
+        yield from shown(name, fields)
+    for check in found["PropertyQualityCheck"].find("QualityChecks"):
+        yield from shown("QC", fields_of(check, QUALITY_CHECK))
+
+
+def results_lines(results):
+    for task in tasks_of(results):
+        yield f"Task {show(task.findtext('TaskName'))}"
+        for recording in task.find("Recordings"):
+            yield from shown("Recording", fields_of(recording, RECORDING))
+            for well in by_id(recording.find("Wells")):
+                yield from shown("Well", fields_of(well, RESULTS_WELL))
+
+
+def twin_lines(path):
+    """What the file holds, one line for each value."""
+    root = ElementTree.parse(path).getroot()
+    yield from shown("Header", fields_of(root.find("Header"), HEADER))
+    if root.find("Settings") is not None:
+        yield from settings_lines(root.find("Header"), root.find("Settings"))
+    else:
+        yield from results_lines(root.find("Results"))
+
+
+if __name__ == "__main__":
+    for name in sys.argv[1:]:
+        print("\n".join(twin_lines(pathlib.Path(name))))

@@ -1,0 +1,122 @@
+#include <string>
+
+#include "tests/xmlarchive/ArchiveTest.h"
+
+namespace {
+
+/// Whole settings files, through the facades.
+class SettingsFileTest : public testing::Test {
+ protected:
+    void ReadDocument(const std::string& document) {
+        WriteAll(m_path, document);
+        m_reader.ReadFile(m_path);
+    }
+    std::string Write(std::int32_t compound = -1) {
+        m_writer.WriteFile(m_path, compound);
+        return ReadAll(m_path);
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("a.vxs");
+    CVXFileIO m_io;
+    CISettingsWriter& m_writer = *m_io.GetSettingsWriter();
+    CISettingsReader& m_reader = *m_io.GetSettingsReader();
+};
+
+TEST_F(SettingsFileTest, CompoundIsAPlaceInTheListAndAnIDOfTheMarks) {
+    CPropRecordPlate plate;
+    for (const std::int32_t well : {3, 4, 5, 6})
+        plate.Data.AddWell(well, 0, 0, well, "");
+    plate.SetWellState(6, PlateWell::kInactive);
+    plate.Data.Compounds.push_back(std::make_unique<PlateCompound>(PlateCompound{"first", {3}, 1}));
+    plate.Data.Compounds.push_back(std::make_unique<PlateCompound>(PlateCompound{"second", {4, 6}, 0}));
+    m_writer.SetRecordPlateProperty(plate);
+    CPropAnalyzer analyzer;
+    analyzer.InitTask(enTask::Series, 1, {3, 4, 5, 6});
+    m_writer.SetAnalyzerProperty(analyzer);
+
+    const auto written = [&](std::int32_t compound) {
+        Write(compound);
+        CVXFileIO io;
+        io.GetSettingsReader()->ReadFile(m_path);
+        std::string content = io.GetSettingsReader()->GetRecordPlateProperty()->Data.Compounds[0]->Label + ":";
+        for (const auto& [well, marks] :
+             io.GetSettingsReader()->GetAnalyzerProperty()->AnalyzeSettings.at(enTask::Series)[0])
+            content += " " + std::to_string(well);
+        return content;
+    };
+    CXmlFileHeader header;
+    header.FileVersion = 3;
+    m_writer.SetXmlFileHeader(header);
+    EXPECT_EQ(written(-1), "first: 3 4 5");
+    EXPECT_EQ(written(0), "first: 4") << "the compound with the ID 0 is the second";
+    EXPECT_EQ(written(1), "second: 3");
+    const std::string before = ReadAll(m_path);
+    for (const std::int32_t absent : {2, -2}) {
+        EXPECT_THROW(Write(absent), CExcVXReader);
+        EXPECT_EQ(ReadAll(m_path), before) << "the file is as it was";
+    }
+    m_writer.WriteFile(m_path);
+    EXPECT_NE(ReadAll(m_path).find("<Label>first</Label>"), std::string::npos);
+}
+
+TEST_F(SettingsFileTest, FilesOlderThanTheMarksGetDefaultOnes) {
+    const std::string plate =
+        "<PropertyRecordPlate><Wells Size=\"2\"><Well><WellID>7</WellID></Well><Well><WellID>8</WellID><State>1</State>"
+        "</Well></Wells><Series Size=\"2\"><Dose>1</Dose><Dose>1000000000000000</Dose></Series></PropertyRecordPlate>";
+    for (const char* const version : {"<FileVersion>2</FileVersion>", "<FileVersion>-1</FileVersion>", ""}) {
+        CVXFileIO io;
+        WriteAll(m_path,
+                 "<V><Header><Guid/>" + std::string(version) + "</Header><Settings>" + plate + "</Settings></V>");
+        io.GetSettingsReader()->ReadFile(m_path);
+        const CPropAnalyzer& analyzer = *io.GetSettingsReader()->GetAnalyzerProperty();
+        EXPECT_TRUE(analyzer.IsWellAnalyzed(enTask::Series, 1, 7)) << "whatever the doses are";
+        EXPECT_FALSE(analyzer.IsWellAnalyzed(enTask::Series, 1, 8));
+        EXPECT_FALSE(analyzer.IsWellAnalyzed(enTask::Series, 2, 7));
+    }
+    ReadDocument("<V><Header><FileVersion>3</FileVersion></Header><Settings>" + plate + "</Settings></V>");
+    EXPECT_TRUE(m_reader.GetAnalyzerProperty()->AnalyzeSettings.empty());
+}
+
+TEST_F(SettingsFileTest, WhatAFileDoesNotHoldStaysAsItWas) {
+    ReadDocument(
+        "<V><Header><FileVersion>3</FileVersion><Guid>g</Guid></Header><Settings><PropertyWashIn><WashIn>1"
+        "</WashIn></PropertyWashIn><Unknown><PropertyViability><FMin>9.</FMin></PropertyViability></Unknown>"
+        "<PropertyWashIn><WashIn>2</WashIn></PropertyWashIn></Settings><PropertyWashIn><WashIn>3</WashIn>"
+        "</PropertyWashIn></V>");
+    EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 2) << "read over, and nothing behind the settings";
+    EXPECT_EQ(m_reader.GetViabilityProperty()->FMin, 0.5) << "no file holds it";
+    for (const std::string nothing : {"", "x", "<V><Settings><PropertyWashIn><WashIn>5</WashIn></PropertyWashIn></V>",
+                                      "<V><Header><FileName/></Header><Settings><PropertyWashIn><WashIn>"}) {
+        ReadDocument(nothing);
+        EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 2) << nothing;
+        EXPECT_EQ(m_reader.GetXmlFileHeader()->Guid, "g");
+        EXPECT_EQ(m_reader.GetXmlFileHeader()->FileVersion, 3);
+    }
+}
+
+TEST_F(SettingsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
+    const std::string path = m_folder.Path("no such folder/a.vxs");
+    const auto text = [&](auto call) {
+        try {
+            call();
+        } catch (const CExcVXReader& failure) {
+            EXPECT_EQ(failure.GetCode(), -1);
+            return failure.GetMsg();
+        }
+        return std::string();
+    };
+    EXPECT_EQ(text([&] { m_writer.WriteFile(path); }), "Could not open settings file: " + path);
+    EXPECT_EQ(text([&] { m_reader.ReadFile(path); }), "Could not open settings file: " + path);
+    EXPECT_EQ(text([&] { m_reader.ReadFile(m_folder.Path("")); }),
+              "Could not open settings file: " + m_folder.Path(""));
+
+    CXmlFileHeader header;
+    header.FileType = "X";
+    EXPECT_NE(Write().find("<FileType></FileType>"), std::string::npos) << "the default header, as long as none is set";
+    m_writer.SetXmlFileHeader(header);
+    EXPECT_NE(Write().find("<FileType>VXSettings</FileType>"), std::string::npos);
+    EXPECT_EQ(header.FileType, "X");
+}
+
+}  // namespace
