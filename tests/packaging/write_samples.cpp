@@ -83,8 +83,32 @@ void WriteEmptyOnes(CIRawDataWriter& writer, const std::string& folder) {
     writer.Close();
 }
 
+/// Results with numbers of every size. (Settings files hold the date of their writing, so they can't be compared
+/// whole.)
+void WriteResults(CIResultsWriter& writer, const std::string& path) {
+    CXmlFileHeader header;
+    header.CompoundName = "Compound \"A\" <1 \xB5M> & more";
+    header.RecordingDate = std::numeric_limits<std::uint64_t>::max();
+    CResults results;
+    results.SetFPAverage(3000, 100, 25);
+    results.Init(1, enTask::Series, "Series", {1000, 1'000'000}, {1, -2, 12}, {"A1", "\xFF", ""});
+    CResultsWell& well = *results.GetWellResults(enTask::Series, 1, 12);
+    well.FPfastDetectionTimes = {Limits::min(), 0, Limits::max()};
+    well.FPfastDetected = true;
+    well.FPfastMaxAmp = 1.0 / 3;
+    well.FPfastMinAmp = -5e-324;
+    double value = 1e-310;
+    for (double& sample : well.Average)
+        sample = value *= -1.7;
+    for (const double large : {1e37, 1e38, 1.7976931348623157e308, std::numeric_limits<double>::infinity()})
+        results.SetCompoundResults(enTask::Series, 0, static_cast<enResponseType>(large > 1e300), large, -large, 1);
+    writer.SetXmlFileHeader(header);
+    writer.WriteFile(path, results);
+}
+
 void WriteAll(const std::string& folder) {
     CVXFileIO io;
+    WriteResults(*io.GetResultsWriter(), folder + "\\results.vxr");
     CIRawDataWriter& writer = *io.GetRawDateWriter();
     WritePlate(writer, folder + "/plate.vxd");
     WriteExtremes(writer, folder + "\\extremes.vxd");

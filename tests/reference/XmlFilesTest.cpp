@@ -260,13 +260,13 @@ TEST(XmlFilesTest, EveryFileReadsAsItsTwinTells) {
     for (const std::string name :
          {"settings", "settings_indented", "settings_shuffled", "settings_sections", "settings_version_2"}) {
         CVXFileIO io;
-        io.GetSettingsReader()->ReadFile(ReferencePath(name + ".vxs"));
-        EXPECT_EQ(Lines(*io.GetSettingsReader()), ReadAll(ReferencePath(name + ".txt"))) << name;
+        io.GetSettingsReader()->ReadFile(ReferencePath("xml/" + name + ".vxs"));
+        EXPECT_EQ(Lines(*io.GetSettingsReader()), ReadAll(ReferencePath("xml/" + name + ".txt"))) << name;
     }
     for (const std::string name : {"results", "results_indented", "results_shuffled", "results_sections"}) {
         CVXFileIO io;
-        io.GetResultsReader()->ReadFile(ReferencePath(name + ".vxr"));
-        EXPECT_EQ(Lines(*io.GetResultsReader()), ReadAll(ReferencePath(name + ".txt"))) << name;
+        io.GetResultsReader()->ReadFile(ReferencePath("xml/" + name + ".vxr"));
+        EXPECT_EQ(Lines(*io.GetResultsReader()), ReadAll(ReferencePath("xml/" + name + ".txt"))) << name;
     }
 }
 
@@ -285,7 +285,7 @@ TEST(XmlFilesTest, WhatWasReadIsWrittenAsTheSameBytes) {
     const CTempFolder folder;
     CVXFileIO io;
     CISettingsReader& read = *io.GetSettingsReader();
-    read.ReadFile(ReferencePath("settings.vxs"));
+    read.ReadFile(ReferencePath("xml/settings.vxs"));
     CISettingsWriter& writer = *io.GetSettingsWriter();
     writer.SetXmlFileHeader(*read.GetXmlFileHeader());
     writer.SetControlProperty(*read.GetControlProperty());
@@ -299,12 +299,12 @@ TEST(XmlFilesTest, WhatWasReadIsWrittenAsTheSameBytes) {
     for (int twice = 0; twice < 2; ++twice) {
         writer.WriteFile(folder.Path("a.vxs"));
         EXPECT_EQ(WithDate(ReadAll(folder.Path("a.vxs")), "133512191990000000", "2024-01-31 23:59:59"),
-                  ReadAll(ReferencePath("settings.vxs")));
+                  ReadAll(ReferencePath("xml/settings.vxs")));
     }
-    io.GetResultsReader()->ReadFile(ReferencePath("results.vxr"));
+    io.GetResultsReader()->ReadFile(ReferencePath("xml/results.vxr"));
     io.GetResultsWriter()->SetXmlFileHeader(*io.GetResultsReader()->GetXmlFileHeader());
     io.GetResultsWriter()->WriteFile(folder.Path("a.vxr"), *io.GetResultsReader()->GetResults());
-    EXPECT_EQ(ReadAll(folder.Path("a.vxr")), ReadAll(ReferencePath("results.vxr")));
+    EXPECT_EQ(ReadAll(folder.Path("a.vxr")), ReadAll(ReferencePath("xml/results.vxr")));
 }
 
 }  // namespace

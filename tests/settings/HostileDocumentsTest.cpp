@@ -21,7 +21,7 @@ class HostileDocumentsTest : public testing::TestWithParam<const char*> {
  protected:
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("hostile.xml");
-    std::string m_document = ReadAll(ReferencePath(GetParam()));
+    std::string m_document = ReadAll(ReferencePath(std::string("xml/") + GetParam()));
 };
 
 TEST_P(HostileDocumentsTest, CutAnywhere) {

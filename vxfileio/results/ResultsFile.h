@@ -45,5 +45,7 @@ struct CResponsesField {
             });
     }
 };
+template <class Object, class Response>
+CResponsesField(std::string_view, std::map<enResponseType, Response> Object::*) -> CResponsesField<Object, Response>;
 
 }  // namespace vxfileio

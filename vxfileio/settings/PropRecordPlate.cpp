@@ -34,6 +34,9 @@ struct CSoughtValuesField {
         archive.NextElement();  // the end tag
     }
 };
+template <class Object, class Value>
+CSoughtValuesField(std::string_view, std::string_view, std::vector<Value> Object::*)
+    -> CSoughtValuesField<Object, Value>;
 
 /// A list of owned objects, which replaces the one before.
 template <class Object, class Entry>
@@ -56,6 +59,8 @@ struct COwnedListField {
             [&](Entry entry) { entries.push_back(std::make_unique<Entry>(std::move(entry))); });
     }
 };
+template <class Object, class Entry>
+COwnedListField(std::string_view, std::vector<std::unique_ptr<Entry>> Object::*) -> COwnedListField<Object, Entry>;
 
 /// The wells of the long form. Being inactive doesn't outlast the run that a well was inactive in.
 struct CPlateWellsField : COwnedListField<PlateRecords, PlateWell> {
@@ -133,8 +138,8 @@ struct CXmlForm<CPropRecordPlate> {
                      CValueField{"MixVolume", &PlateData::MixVolume}),
         kPipetMode, FieldsOfPart(&CPropRecordPlate::Data, CValueField{"StdVolume", &PlateData::StdVolume}));
 
-    /// The short form: the compound's own fields, and its wells with their records.
-    static constexpr auto kShortHead = kHead;
+    /// The short form: the compound's own fields, whose label is read like that of a well, and the wells with their
+    /// records.
     static constexpr auto kShortCompound = std::tuple{
         CXmlForm<PlateCompound>::kID,
         CValueField{"Label", &PlateCompound::Label},

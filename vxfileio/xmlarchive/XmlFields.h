@@ -21,6 +21,8 @@
 /// A field is anything with a `tag`, a `Put(archive, object)` that writes what stands inside the field's element, and a
 /// `Get(archive, object)` that reads it at the element's start event. Fields are found by their tags, in any order; an
 /// element that no field knows passes by, and a field whose element is missing keeps what it held.
+///
+/// (Clang 14 deduces no aggregate's template arguments by itself, hence the guides.)
 
 namespace vxfileio {
 
@@ -37,6 +39,8 @@ struct CValueField {
     void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const { archive.GetValue(object.*member); }
 };
+template <class Object, class Value>
+CValueField(std::string_view, Value Object::*) -> CValueField<Object, Value>;
 
 /// A string whose CDATA sections, which other programs write, are taken as they stand.
 template <class Object>
@@ -47,6 +51,8 @@ struct CTextField {
     void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const { object.*member = archive.GetText(); }
 };
+template <class Object>
+CTextField(std::string_view, std::string Object::*) -> CTextField<Object>;
 
 /// An enumeration, as its word.
 template <class Object, class Enumeration>
@@ -63,6 +69,8 @@ struct CWordField {
         object.*member = ValueOf<Enumeration>(word);
     }
 };
+template <class Object, class Enumeration>
+CWordField(std::string_view, Enumeration Object::*) -> CWordField<Object, Enumeration>;
 
 /// One character, as a string. Read, it is the string's first byte, and NUL if there is none.
 template <class Object>
@@ -77,6 +85,8 @@ struct CCharacterField {
         object.*member = text.empty() ? '\0' : text.front();
     }
 };
+template <class Object>
+CCharacterField(std::string_view, char Object::*) -> CCharacterField<Object>;
 
 /// Writes a list: its `Size`, then `saveEntry(entry)` for each.
 template <class Entries, class SaveEntry>
@@ -122,6 +132,8 @@ struct CValuesField {
         }
     }
 };
+template <class Object, class Value>
+CValuesField(std::string_view, std::string_view, std::vector<Value> Object::*) -> CValuesField<Object, Value>;
 
 /// A list of plain values that is as long as its `Size` says, in which each event stands for one entry. What isn't an
 /// entry leaves its place at the default.
@@ -141,6 +153,9 @@ struct CPlacedValuesField {
         }
     }
 };
+template <class Object, class Value>
+CPlacedValuesField(std::string_view, std::string_view, std::vector<Value> Object::*)
+    -> CPlacedValuesField<Object, Value>;
 
 /// A field of a part of the object, in the object's own element.
 template <class Object, class Part, class Field>

@@ -1,0 +1,94 @@
+#!/usr/bin/python3
+"""Checks that the reference files of settings and results, their text twins, the reader in Python and the two pages on
+the formats agree.
+
+Prints one line for each disagreement and ends with 1 if there is any.
+"""
+
+import pathlib
+import re
+import sys
+import tempfile
+
+import make_xml
+import read_xml
+
+FOLDER = pathlib.Path(__file__).resolve().parent
+PAGES = FOLDER.parent.parent.parent / "docs"
+
+# Each table of the pages: page, heading, the reader's table.
+TABLES = [("settings-file.md", heading, table) for heading, table in (
+    ("Header", read_xml.HEADER), *read_xml.SECTIONS.items(), ("QC", read_xml.QUALITY_CHECK),
+    ("Well", read_xml.PLATE_WELL))] + [("results-file.md", heading, table) for heading, table in (
+        ("Well", read_xml.RESULTS_WELL), ("Recording", read_xml.RECORDING),
+        ("Response of a recording", read_xml.RESPONSE_MEAN), ("Response of a well", read_xml.RESPONSE))]
+
+
+def files_against_made():
+    """Making the files and their twins again, which reads each of them, gives the same bytes."""
+    with tempfile.TemporaryDirectory() as folder:
+        made = pathlib.Path(folder)
+        make_xml.make(made)
+        for path in sorted(made.iterdir()):
+            committed = FOLDER / path.name
+            if not committed.exists() or committed.read_bytes() != path.read_bytes():
+                yield f"{path.name} isn't what make_xml.py makes"
+        for path in sorted(FOLDER.glob("*.vx[sr]")):
+            if not (made / path.name).exists():
+                yield f"{path.name} is not made by make_xml.py"
+
+
+def same_content():
+    """Other dress tells the same."""
+    for name in ("settings_indented", "settings_shuffled", "settings_sections", "results_indented", "results_shuffled",
+                 "results_sections"):
+        if (FOLDER / f"{name}.txt").read_bytes() != (FOLDER / f"{name.split('_')[0]}.txt").read_bytes():
+            yield f"{name} tells something else than {name.split('_')[0]}"
+
+
+def rows_of(page, heading):
+    """The rows of the table under a heading, as lists of cells."""
+    section = re.split(r"\n##+ ", (PAGES / page).read_text("utf-8").split(f"\n### {heading}\n", 1)[1], maxsplit=1)[0]
+    return [[cell.strip() for cell in line.strip("|").split(" | ")] for line in section.splitlines()
+            if line.startswith("| `")]
+
+
+def default_text(value):
+    if value in ("", []):
+        return "empty"
+    if isinstance(value, bool):
+        return str(int(value))
+    if isinstance(value, list):
+        return ", ".join(map(str, value))
+    if isinstance(value, str):
+        return "blank" if value == " " else f"`{value}`"
+    return f"{value:g}"
+
+
+def tables_against_pages():
+    """The reader's tables are those of the pages."""
+    for page, heading, table in TABLES:
+        expected = [[f"`{tag}`", kind, default_text(default)] for tag, kind, default in table]
+        if [row[:3] for row in rows_of(page, heading)] != expected:
+            yield f"the table of {heading} in {page} isn't that of read_xml.py"
+
+
+def examples_against_files():
+    """The pages' examples are in the reference files, byte for byte, once their lines are joined."""
+    for page, name in (("settings-file.md", "settings.vxs"), ("results-file.md", "results.vxr")):
+        document = (FOLDER / name).read_text("ascii")
+        blocks = re.findall(r"(?:^    <.*\n)+", (PAGES / page).read_text("utf-8"), re.MULTILINE)
+        examples = [example for block in blocks if "..." not in (example := block.replace("\n    ", "").strip())]
+        if not examples:
+            yield f"{page} has no example"
+        for example in examples:
+            if example not in document:
+                yield f"{page} shows what isn't in {name}: {example[:80]}"
+
+
+CHECKS = (files_against_made, same_content, tables_against_pages, examples_against_files)
+
+if __name__ == "__main__":
+    disagreements = [line for check in CHECKS for line in check()]
+    print("\n".join(disagreements) or f"{len(make_xml.DOCUMENTS)} XML reference files agree")
+    sys.exit(bool(disagreements))
