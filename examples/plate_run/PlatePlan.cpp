@@ -6,23 +6,23 @@ constexpr std::int64_t kSecond = 360;  // all by the clock of the run, in sample
 constexpr std::int64_t kSegment = 10 * kSecond;
 constexpr std::int64_t kPipetting = 30 * kSecond;
 
-/// How wells of an 8x12 plate are wired: two amplifiers, one for the upper half and one, upside down, for the lower.
-std::int32_t WellID(std::int32_t row, std::int32_t column) {
-    return row < 4 ? 64 + 4 * column + row : 4 * column + 7 - row;
-}
+constexpr std::int32_t kRows = 8;
+constexpr std::int32_t kWells = 3 * kRows;
 
-std::string WellLabel(std::int32_t row, std::int32_t column) {
-    return std::string(1, static_cast<char>('A' + row)) + std::to_string(column + 1);
-}
-
-/// The first three columns of the plate: 24 wells.
+/// The first three columns of the plate. The library knows how the wells of a layout are wired and called.
 std::vector<CWell> MakeWells() {
+    CPropRecordPlate plate;
+    plate.BuildPlateMap(kLayout);
     std::vector<CWell> wells;
-    for (std::int32_t column = 0; column < 3; ++column) {
-        for (std::int32_t row = 0; row < 8; ++row) {
-            const std::int64_t n = 8 * column + row;
-            wells.push_back({WellID(row, column), WellLabel(row, column), 37 * n, 700 + 25 * n, 4 + 3 * row});
-        }
+    for (std::int32_t n = 0; n < kWells; ++n) {
+        const std::int32_t row = n % kRows;
+        const std::int32_t column = n / kRows;
+        const auto position = [&](const auto& table) {
+            return table.at(static_cast<std::size_t>(row)).at(static_cast<std::size_t>(column));
+        };
+        const std::int64_t place = n;
+        wells.push_back({position(plate.Map.ChIDs), position(plate.Map.Labels), row, column, 37 * place,
+                         700 + 25 * place, 4 + 3 * row});
     }
     return wells;
 }
@@ -50,7 +50,18 @@ std::vector<CTaskDoses> MakeTasks() {
 }  // namespace
 
 CPlatePlan MakePlatePlan(std::int64_t minutes) {
-    CPlatePlan plan{"P1", 1, "Example compound", MakeWells(), {}, kSegment, minutes * 60 * kSecond / kSegment};
+    CPlatePlan plan{
+        .guid = "2f1a7c34-0001-4d5e-9a60-706c61746531",  // this and the date: the same each time, so that the files of
+        .date = 133'512'480'000'000'000,                 // two runs can be compared
+        .dateText = "2024-02-01 08:00:00",
+        .plateID = "P1",
+        .compoundID = 1,
+        .compoundName = "Example compound",
+        .wells = MakeWells(),
+        .recordings = {},
+        .samplesPerSegment = kSegment,
+        .segmentsPerWell = minutes * 60 * kSecond / kSegment,
+    };
     std::int64_t clock = 0;
     for (const CTaskDoses& task : MakeTasks()) {
         std::int32_t number = 0;
@@ -68,4 +79,11 @@ std::vector<std::int64_t> DosesOf(const CPlatePlan& plan, enTask task) {
         if (recording.task == task) doses.push_back(recording.dose);
     }
     return doses;
+}
+
+std::vector<std::int32_t> WellIDsOf(const CPlatePlan& plan) {
+    std::vector<std::int32_t> ids;
+    for (const CWell& well : plan.wells)
+        ids.push_back(well.id);
+    return ids;
 }

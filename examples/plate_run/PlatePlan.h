@@ -19,10 +19,15 @@ inline constexpr std::int64_t kTick = 2778;
 inline constexpr std::int32_t kADZero = 32768;
 inline constexpr double kMillivoltPerAD = 0.0003125;
 
+/// How the plate is laid out.
+inline constexpr enPlateLayout kLayout = enPlateLayout::L8x12;
+
 /// One well, and what makes its signal differ from that of its neighbours.
 struct CWell {
-    std::int32_t id;            ///< How the well is known in every file.
+    std::int32_t id;            ///< How the well is known in every file. This instrument takes its channel for it.
     std::string label;          ///< How people know it, such as "B3".
+    std::int32_t row;           ///< Where it is on the plate, from 0.
+    std::int32_t column;        ///< Also from 0.
     std::int64_t delay;         ///< Samples by which its signal is late.
     std::int64_t gainPermille;  ///< Strength of its signal.
     std::int64_t noise;         ///< Most AD steps by which a sample is off.
@@ -38,6 +43,9 @@ struct CRecordingPlan {
 
 /// The plan of the whole run.
 struct CPlatePlan {
+    std::string guid;      ///< The run's own identifier, which all its files have.
+    std::uint64_t date;    ///< When it is recorded, as a file time: units of 100 ns since 1601-01-01, UTC.
+    std::string dateText;  ///< The same for people.
     std::string plateID;
     std::int32_t compoundID;
     std::string compoundName;
@@ -65,3 +73,6 @@ CPlatePlan MakePlatePlan(std::int64_t minutes);
 
 /// Returns the doses of one task in the order of its recordings.
 std::vector<std::int64_t> DosesOf(const CPlatePlan& plan, enTask task);
+
+/// Returns the IDs of all wells.
+std::vector<std::int32_t> WellIDsOf(const CPlatePlan& plan);

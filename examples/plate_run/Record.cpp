@@ -15,7 +15,7 @@ CRawDataFileHdr MakeFileHdr(const CPlatePlan& plan) {
     header.FileVersion = 2;
     header.FileType = "Raw";
     header.ProgramVersion = "1.0";
-    header.Guid = "2f1a7c34-0001-4d5e-9a60-706c61746531";  // the same each time, so that two runs can be compared
+    header.Guid = plan.guid;
     header.PlateID = plan.plateID;
     header.CompoundID = plan.compoundID;
     header.CompoundName = plan.compoundName;

@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <span>
 
+#include "Difference.h"
 #include "Progress.h"
+#include "Segment.h"
 
 namespace {
 
 constexpr std::int32_t kAllWells = -1;
-
-void Expect(bool isAsRecorded, const std::string& what) {
-    if (!isAsRecorded) throw CDifference(what + " isn't what was recorded");
-}
 
 std::string NameOf(const CRecordingPlan& recording) {
     return TaskToString(recording.task) + " " + std::to_string(recording.number);
@@ -46,22 +44,6 @@ void CheckRecordingHdr(const CRawDataRecordingHdr& header, const CPlatePlan& pla
     Expect(header.RecordingStartTime == static_cast<std::uint64_t>(recording.firstSample * kTick) &&
                header.RecordingTime == plan.SamplesPerWell() * kTick,
            "The time of " + NameOf(recording));
-}
-
-/// What `ReadSegment` gives. The samples are the reader's own and good until the next segment is read.
-struct CSegment {
-    std::int32_t wellID;
-    std::int64_t timeFrom;
-    std::int64_t timeTo;
-    std::span<const std::uint16_t> samples;
-};
-
-bool ReadSegment(CIRawDataReader& reader, CSegment& segment) {
-    std::uint32_t size = 0;
-    std::uint16_t* samples = nullptr;
-    if (!reader.ReadSegment(segment.wellID, segment.timeFrom, segment.timeTo, size, samples)) return false;
-    segment.samples = {samples, size};
-    return true;
 }
 
 /// Reads recordings, and measures again what they should hold, one segment at a time.

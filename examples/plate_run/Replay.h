@@ -4,17 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "PlatePlan.h"
 #include "Signal.h"
-
-/// Something that was read isn't what was recorded. The text tells what and where.
-class CDifference : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 /// How much was read.
 struct CAmount {

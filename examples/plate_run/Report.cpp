@@ -5,6 +5,9 @@
 #include <filesystem>
 #include <iomanip>
 #include <ostream>
+#include <vector>
+
+#include "Beats.h"
 
 namespace {
 
@@ -54,6 +57,34 @@ void PrintRate(std::ostream& out, const std::string& what, std::int64_t bytes, d
         << CountText(std::llround(megabytes / seconds)) << " MB/s\n";
 }
 
+/// A number with so many digits behind its point, right-aligned; "-" if it isn't there.
+void PrintNumber(std::ostream& out, bool isThere, double number, int digits) {
+    out << std::right << std::setw(8);
+    if (isThere) {
+        out << std::fixed << std::setprecision(digits) << number;
+    } else {
+        out << '-';
+    }
+}
+
+void PrintBeats(std::ostream& out, const std::vector<CResultsRecording>& recordings, const CWell& well) {
+    out << std::left << std::setw(12) << well.label;
+    for (const CResultsRecording& recording : recordings) {
+        const double rate = BeatsPerMinute(recording.Wells.at(well.id).FPfastDetectionTimes);
+        PrintNumber(out, rate > 0.0, rate, 1);
+    }
+    out << '\n';
+}
+
+void PrintMeans(std::ostream& out, const std::vector<CResultsRecording>& recordings, enResponseType type) {
+    out << std::left << std::setw(12) << ResponseTypeToString(type);
+    for (const CResultsRecording& recording : recordings) {
+        const bool isThere = recording.ResultsExist(type);
+        PrintNumber(out, isThere, isThere ? recording.NormalizedResponses.at(type).normMean : 0.0, 3);
+    }
+    out << '\n';
+}
+
 CAmount SumOf(const CReplay& replay) {
     CAmount sum;
     for (const CTaskContent& task : replay.tasks)
@@ -90,6 +121,22 @@ void PrintSpeed(std::ostream& out, const CReplay& replay, double secondsWriting)
 void PrintWell(std::ostream& out, const CWell& well, const CAmount& read) {
     out << "Well " << well.label << " alone: " << CountText(read.segments) << " segments, " << CountText(read.samples)
         << " samples, as they were recorded\n";
+}
+
+void PrintSeries(std::ostream& out, const CPlatePlan& plan, const CResults& results) {
+    constexpr std::size_t kEvery = 5;  // wells, so that those which are shown lie all over the plate
+    const std::vector<CResultsRecording>& recordings = results.GetTaskResults(enTask::Series)->Recordings;
+    out << "\nBeats per minute of some wells; a well whose signal is too weak has none\n"
+        << std::left << std::setw(12) << "Well";
+    for (const CResultsRecording& recording : recordings)
+        out << std::right << std::setw(8) << DoseText(static_cast<std::int64_t>(recording.Dose));
+    out << '\n';
+    for (std::size_t i = 0; i < plan.wells.size(); i += kEvery)
+        PrintBeats(out, recordings, plan.wells[i]);
+    out << "\nMeans over all wells, what a well gave at the lowest dose being 1\n";
+    for (const enResponseType type : AllResponseTypes())
+        PrintMeans(out, recordings, type);
+    out << '\n';
 }
 
 void PrintFile(std::ostream& out, const std::string& path) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vxfileio/frame/VXFileIO.h>
+
 #include <iosfwd>
 #include <string>
 
@@ -20,6 +22,9 @@ void PrintSpeed(std::ostream& out, const CReplay& replay, double secondsWriting)
 
 /// Prints what was read of one well alone.
 void PrintWell(std::ostream& out, const CWell& well, const CAmount& read);
+
+/// Prints how often the heart beats at each dose in some of the wells, and what the responses of all wells come to.
+void PrintSeries(std::ostream& out, const CPlatePlan& plan, const CResults& results);
 
 /// Prints where a file lies, and its size.
 void PrintFile(std::ostream& out, const std::string& path);

@@ -1,6 +1,8 @@
-/// The road of one plate run, from the instrument's samples to a file and back; also a first tour of the library.
+/// The whole day of one plate: its settings, its recordings, and what was found in them, each written to a file and
+/// read back; also a first tour of the library.
 ///
-/// Read it in this order: this file, PlatePlan.h (what is recorded), Record.cpp (writing), Replay.cpp (reading).
+/// Read it in this order: this file, PlatePlan.h (what is recorded), Settings.cpp and SettingsFile.cpp (how it is set
+/// up), Record.cpp (writing samples), Replay.cpp (reading them), Analyze.cpp (what they say) and ResultsFile.cpp.
 /// Signal.h stands for the instrument. Progress.h and Report.h are for people.
 
 #include <vxfileio/frame/VXFileIO.h>
@@ -12,10 +14,14 @@
 #include <iostream>
 #include <string>
 
+#include "Analyze.h"
 #include "PlatePlan.h"
 #include "Record.h"
 #include "Replay.h"
 #include "Report.h"
+#include "ResultsFile.h"
+#include "Settings.h"
+#include "SettingsFile.h"
 #include "Signal.h"
 
 namespace {
@@ -37,22 +43,47 @@ bool Take(int argc, char** argv, CArguments& arguments) {
     return error == std::errc() && rest == end && arguments.minutes >= 1 && arguments.minutes <= 10'000;
 }
 
+/// Where the files of the run lie.
+struct CPlateFiles {
+    std::string settings;
+    std::string samples;
+    std::string results;
+};
+
+/// Makes the folder, if it isn't there.
+CPlateFiles FilesIn(const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder);
+    const auto in = [&](const char* name) { return (folder / name).string(); };
+    return {in("plate.vxs"), in("plate.vxd"), in("plate.vxr")};
+}
+
 void RunPlate(const CArguments& arguments) {
     const CPlatePlan plan = MakePlatePlan(arguments.minutes);
     const CSignal signal(arguments.signal);
-    std::filesystem::create_directories(arguments.folder);
-    const std::string path = (std::filesystem::path(arguments.folder) / "plate.vxd").string();
+    const CPlateFiles files = FilesIn(arguments.folder);
+    CVXFileIO io;  // owns the writers and the readers
     PrintPlan(std::cout, plan);
 
-    CVXFileIO io;  // owns the writer and the reader
-    const double secondsWriting = RecordPlate(*io.GetRawDateWriter(), plan, signal, path);
-    const CReplay replay = ReplayPlate(*io.GetRawDataReader(), plan, signal, path);
+    const CRunSettings settings = MakeSettings(plan, std::filesystem::path(arguments.signal).filename().string());
+    WriteSettings(*io.GetSettingsWriter(), settings, files.settings);
+    CheckSettings(*io.GetSettingsReader(), settings, files.settings);
+
+    const double secondsWriting = RecordPlate(*io.GetRawDateWriter(), plan, signal, files.samples);
+    const CReplay replay = ReplayPlate(*io.GetRawDataReader(), plan, signal, files.samples);
     PrintTasks(std::cout, replay);
     PrintSpeed(std::cout, replay, secondsWriting);
-
     const CWell& well = plan.wells[plan.wells.size() / 2];
     PrintWell(std::cout, well, ReplayWell(*io.GetRawDataReader(), plan, signal, well));
-    PrintFile(std::cout, path);
+
+    // How to analyse, and what: the two files tell it all.
+    const CResults results = AnalyzeSeries(*io.GetRawDataReader(), *io.GetSettingsReader());
+    const CXmlFileHeader header = MakeXmlFileHeader(plan, "plate.vxr");
+    WriteResults(*io.GetResultsWriter(), header, results, files.results);
+    CheckResults(*io.GetResultsReader(), header, results, files.results);
+    PrintSeries(std::cout, plan, *io.GetResultsReader()->GetResults());
+
+    for (const std::string& path : {files.settings, files.samples, files.results})
+        PrintFile(std::cout, path);
 }
 
 }  // namespace

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <vxfileio/frame/VXFileIO.h>
+
+#include <cstdint>
+#include <span>
+
+/// What `ReadSegment` gives. The samples are the reader's own and good until the next segment is read.
+struct CSegment {
+    std::int32_t wellID;
+    std::int64_t timeFrom;
+    std::int64_t timeTo;
+    std::span<const std::uint16_t> samples;
+};
+
+/// Reads the next segment of a recording. Returns false at its end.
+bool ReadSegment(CIRawDataReader& reader, CSegment& segment);

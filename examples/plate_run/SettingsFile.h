@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vxfileio/frame/VXFileIO.h>
+
+#include <string>
+
+#include "Settings.h"
+
+/// Writes a settings file.
+void WriteSettings(CISettingsWriter& writer, const CRunSettings& settings, const std::string& path);
+
+/// Reads a settings file, which the reader keeps, and compares it with what was set. Throws `CDifference` at the first
+/// property set that isn't as it was.
+void CheckSettings(CISettingsReader& reader, const CRunSettings& settings, const std::string& path);
