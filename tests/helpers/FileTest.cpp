@@ -46,6 +46,20 @@ TEST_F(FileTest, GatheredWritesAndScatteredReadsKeepTheirOrder) {
     EXPECT_EQ(first, "bXYZ");
 }
 
+TEST_F(FileTest, UpdatedFilesKeepTheirContentAndGrowAtTheirEnd) {
+    EXPECT_FALSE(m_file.OpenForUpdate(m_path));
+    EXPECT_FALSE(m_file.OpenForUpdate(m_folder.Path("")));
+    WriteAll(m_path, "abcdef");
+    ASSERT_TRUE(m_file.OpenForUpdate(m_path));
+    std::string room(3, '-');
+    EXPECT_EQ(m_file.ReadUpTo(1, {AsRoom(room)}), 3U);
+    EXPECT_EQ(room, "bcd");
+    EXPECT_TRUE(m_file.WriteAt(2, {AsBytes(std::string("XY"))}));
+    EXPECT_TRUE(m_file.Append({AsBytes(std::string("gh"))}));
+    EXPECT_EQ(m_file.End(), 8);
+    EXPECT_EQ(ReadAll(m_path), "abXYefgh");
+}
+
 TEST_F(FileTest, ClosedFilesAndFoldersGiveNothing) {
     std::string room(4, '-');
     EXPECT_EQ(m_file.ReadUpTo(0, {AsRoom(room)}), 0U);

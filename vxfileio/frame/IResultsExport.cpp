@@ -1,4 +1,18 @@
 #include "vxfileio/frame/IResultsExport.h"
 
-CIResultsExport::CIResultsExport() = default;
+#include "vxfileio/export/ResultsExport.h"
+
+CIResultsExport::CIResultsExport() : m_export(std::make_unique<CResultsExport>()) {}
 CIResultsExport::~CIResultsExport() = default;
+
+void CIResultsExport::SetResults(const CResults* results) { m_export->SetResults(results); }
+
+void CIResultsExport::SetPropertyAnalyzer(const CPropAnalyzer* analyzer) { m_export->SetPropertyAnalyzer(analyzer); }
+
+void CIResultsExport::SetPropertyRecordPlate(const CPropRecordPlate* plate) { m_export->SetPropertyRecordPlate(plate); }
+
+void CIResultsExport::SetPropertyResultsExport(const CPropResultsExport* property) {
+    m_export->SetPropertyResultsExport(property);
+}
+
+void CIResultsExport::ExportExcel(const std::string& path) { m_export->ExportExcel(path); }

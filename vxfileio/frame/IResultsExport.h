@@ -1,10 +1,20 @@
 #pragma once
 
-#include "vxfileio/frame/Api.h"
+#include <memory>
+#include <string>
 
-/// The export of results to spreadsheet workbooks.
+#include "vxfileio/frame/Api.h"
+#include "vxfileio/results/Results.h"
+#include "vxfileio/settings/PropAnalyzer.h"
+#include "vxfileio/settings/PropRecordPlate.h"
+#include "vxfileio/settings/PropResultsExport.h"
+
+class CResultsExport;
+
+/// Exports the results of the task "Series" to spreadsheet workbooks.
 ///
-/// It has no operations yet; its accessor in `CVXFileIO` stands.
+/// The setters come first, in any order. They keep the caller's pointers, which must stay valid up to `ExportExcel` and
+/// of which null is none. One object can export again and again. One thread at a time.
 class VXFILEIO_API CIResultsExport {
  public:
     CIResultsExport();
@@ -12,4 +22,25 @@ class VXFILEIO_API CIResultsExport {
 
     CIResultsExport(const CIResultsExport&) = delete;
     CIResultsExport& operator=(const CIResultsExport&) = delete;
+
+    void SetResults(const CResults* results);                    ///< Sets what is exported.
+    void SetPropertyAnalyzer(const CPropAnalyzer* analyzer);     ///< Sets the marks that tell which values count.
+    void SetPropertyRecordPlate(const CPropRecordPlate* plate);  ///< Sets the wells, their labels and the doses.
+    /// Sets the settings of the export. There are none yet, and nothing depends on it.
+    void SetPropertyResultsExport(const CPropResultsExport* property);
+
+    /// Writes the main workbook to `path`: its sheet "Results" has a block for each response, with one row per well of
+    /// the plate and one column per recording. Values that the marks leave out have no cell. Then it writes one
+    /// workbook for each well in the state `PlateWell::kNew`, whose path has "-" and the well's label between title and
+    /// extension: its sheet "HB Time Stamps" has the times of the beats, "Averages" the averages in microvolts against
+    /// their time.
+    ///
+    /// Files of these names are replaced. A workbook that can't be written is left out without a word, as is that of a
+    /// well whose label can't be in the name of a file; what lies beyond 65536 rows or 256 columns is left out as well.
+    /// Throws `CExcVXReader`, before anything is written, if results, analyzer or plate aren't set, and what
+    /// `DoseToText` throws for a dose without text.
+    void ExportExcel(const std::string& path);
+
+ private:
+    std::unique_ptr<CResultsExport> m_export;
 };

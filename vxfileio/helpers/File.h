@@ -19,9 +19,9 @@ using CMutableBytes = std::span<std::byte>;
 
 /// A file of plain bytes with 64-bit positions.
 ///
-/// There is no current position: every operation names its own, apart from `Append`, which knows where the file ends
-/// because the file began empty under this object. Paths are narrow bytes in the caller's code page; both slashes
-/// separate folders on every host. A file that is open here may be read and written by others at the same time.
+/// There is no current position: every operation names its own, apart from `Append`, which knows where the file ended
+/// when it was opened for writing. Paths are narrow bytes in the caller's code page; both slashes separate folders on
+/// every host. A file that is open here may be read and written by others at the same time.
 ///
 /// Nothing throws. A failure is a result, and whoever passes it over says why.
 class CFile {
@@ -36,6 +36,10 @@ class CFile {
 
     /// Opens an existing file for reading; closes what was open. Returns false if it can't be opened or is a folder.
     bool OpenForReading(const std::string& path);
+
+    /// Opens an existing file for reading and writing, keeping its content; closes what was open. Returns false if it
+    /// can't be opened or is a folder.
+    bool OpenForUpdate(const std::string& path);
 
     /// Creates a file, or empties an existing one, for writing; closes what was open. Returns false if it can't.
     bool Create(const std::string& path);
@@ -60,7 +64,7 @@ class CFile {
     /// to its old end, so that the next `Append` starts where this one did.
     bool Append(std::initializer_list<CBytes> buffers);
 
-    /// Returns where the next `Append` begins. Only meaningful for a file opened by `Create`.
+    /// Returns where the next `Append` begins. Only meaningful for a file opened for writing.
     std::int64_t End() const { return m_end; }
 
     /// Asks the system for the size in bytes; 0 if it doesn't know.
@@ -78,5 +82,9 @@ class CFile {
 
 /// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
 inline bool IsWholePath(const std::string& path) { return path.find('\0') == std::string::npos; }
+
+/// Tells whether a name stays in its folder and can be that of a file: it has no separator and no NUL, and none of the
+/// characters by which the system would take it for something else.
+bool IsFileName(const std::string& name);
 
 }  // namespace vxfileio

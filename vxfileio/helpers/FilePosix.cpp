@@ -86,6 +86,10 @@ std::size_t Transfer(Call call, std::intptr_t handle, std::int64_t position, CPe
 
 }  // namespace
 
+bool IsFileName(const std::string& name) {
+    return IsWholePath(name) && name.find_first_of(R"(/\)") == std::string::npos;
+}
+
 bool CFile::OpenForReading(const std::string& path) {
     Close();
     const int handle = OpenPath(path, O_RDONLY, m_openError);
@@ -95,6 +99,13 @@ bool CFile::OpenForReading(const std::string& path) {
         Close();
         m_openError = std::make_error_code(std::errc::is_a_directory);
     }
+    return IsOpen();
+}
+
+bool CFile::OpenForUpdate(const std::string& path) {
+    Close();
+    m_handle = OpenPath(path, O_RDWR, m_openError);
+    m_end = Size();
     return IsOpen();
 }
 

@@ -58,9 +58,21 @@ std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers) {
 
 }  // namespace
 
+/// What stands behind a colon would name a hidden stream of the file, or a file of another drive.
+bool IsFileName(const std::string& name) {
+    return IsWholePath(name) && name.find_first_of(R"(/\:)") == std::string::npos;
+}
+
 bool CFile::OpenForReading(const std::string& path) {
     Close();
     m_handle = OpenPath(path, GENERIC_READ, OPEN_EXISTING, m_openError);
+    return IsOpen();
+}
+
+bool CFile::OpenForUpdate(const std::string& path) {
+    Close();
+    m_handle = OpenPath(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, m_openError);
+    m_end = Size();
     return IsOpen();
 }
 

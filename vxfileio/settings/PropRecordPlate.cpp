@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <unordered_map>
 
 #include "vxfileio/frame/ExcVXReader.h"
 #include "vxfileio/frame/VXExceptions.h"
 #include "vxfileio/helpers/DeepCopy.h"
 #include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/settings/WellIndex.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
 namespace vxfileio {
@@ -151,28 +151,6 @@ struct CXmlForm<CPropRecordPlate> {
 namespace {
 
 using CPlateForm = CXmlForm<CPropRecordPlate>;
-
-/// The first well of each ID. A plate is a list, and asking it for every well in turn would take its square.
-class CWellIndex {
- public:
-    explicit CWellIndex(const PlateData& data) {
-        for (const auto& well : data.Wells) {
-            if (well) Add(*well);
-        }
-    }
-
-    /// Adds a well, unless its ID is there already. Returns the one that is there.
-    PlateWell& Add(PlateWell& well) { return *m_wells.try_emplace(well.WellID, &well).first->second; }
-
-    /// Returns the well with this ID, or null.
-    const PlateWell* Find(std::int32_t wellID) const {
-        const auto place = m_wells.find(wellID);
-        return place == m_wells.end() ? nullptr : place->second;
-    }
-
- private:
-    std::unordered_map<std::int32_t, PlateWell*> m_wells;
-};
 
 bool IsActive(std::int32_t state) { return state == PlateWell::kActive || state == PlateWell::kNew; }
 

@@ -1,0 +1,131 @@
+#include "vxfileio/export/Document.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/export/biff/RecordBytes.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using YExcel::Document;
+using YExcel::Sheet;
+
+/// The names of a document's sheets, in the order of its stream.
+std::string Names(const Document& document) {
+    std::string names;
+    for (const CFoundRecord& record : RecordsOf(ToString(document.BuildStream().Bytes())))
+        if (record.code == 0x0085) names += record.body.substr(8) + " ";
+    return names;
+}
+
+TEST(DocumentTest, CreateSheetsBeginsAnew) {
+    Document document;
+    EXPECT_EQ(document.FindSheet("Sheet1"), nullptr);
+    document.CreateSheets(3);
+    EXPECT_EQ(Names(document), "Sheet1 Sheet2 Sheet3 ");
+    document.FindSheet("Sheet1")->At(0, 0)->SetText("old");
+    for (const int count : {1, 0, -5}) {
+        document.CreateSheets(count);
+        EXPECT_EQ(Names(document), "Sheet1 ");
+        EXPECT_EQ(document.FindSheet("Sheet1")->RowCount(), 0U);
+    }
+}
+
+TEST(DocumentTest, SheetsStandWhereTheyWerePut) {
+    Document document;
+    document.CreateSheets(2);
+    Sheet* const second = document.FindSheet("Sheet2");
+    const Sheet* const first = document.AddSheet("first", 0);
+    EXPECT_EQ(document.FindSheet("first"), first);
+    document.AddSheet("third", 2);
+    document.AddSheet("last", -1);
+    document.AddSheet("beyond", 99);
+    EXPECT_EQ(Names(document), "first Sheet1 third Sheet2 last beyond ");
+    EXPECT_EQ(document.FindSheet("Sheet2"), second);
+    EXPECT_EQ(document.AddSheet("last"), nullptr);
+}
+
+TEST(DocumentTest, DefaultNamesStepOverThoseInUse) {
+    Document document;
+    document.CreateSheets(1);
+    document.AddSheet("Sheet3");
+    document.AddSheet("Sheet4", 0);
+    const Sheet* const fifth = document.AddDefaultSheet(0);
+    const Sheet* const sixth = document.AddDefaultSheet();
+    EXPECT_EQ(document.FindSheet("Sheet5"), fifth);
+    EXPECT_EQ(document.FindSheet("Sheet6"), sixth);
+    document.AddSheet("Sheet7");
+    document.AddDefaultSheet();
+    EXPECT_EQ(Names(document), "Sheet5 Sheet4 Sheet1 Sheet3 Sheet6 Sheet7 Sheet8 ");
+}
+
+TEST(DocumentTest, RenameNeedsAnOldNameAndAFreeOne) {
+    Document document;
+    document.CreateSheets(2);
+    EXPECT_TRUE(document.RenameSheet("Sheet1", "Results"));
+    EXPECT_FALSE(document.RenameSheet("Sheet1", "Other"));
+    EXPECT_FALSE(document.RenameSheet("Sheet2", "Results"));
+    EXPECT_FALSE(document.RenameSheet("Sheet2", "Sheet2"));
+    EXPECT_TRUE(document.RenameSheet("Sheet2", "results"));
+    EXPECT_EQ(Names(document), "Results results ");
+    EXPECT_EQ(document.FindSheet("RESULTS"), nullptr);
+}
+
+TEST(DocumentTest, SheetGrowsToWhatWasAskedForAndNoFurther) {
+    Document document;
+    document.CreateSheets(1);
+    Sheet& sheet = *document.FindSheet("Sheet1");
+    YExcel::Cell* const cell = sheet.At(3, 4);
+    cell->SetInteger(5);
+    EXPECT_EQ(sheet.RowCount(), 4U);
+    EXPECT_EQ(sheet.ColumnCount(), 5U);
+    EXPECT_EQ(sheet.At(65536, 0), nullptr);
+    EXPECT_EQ(sheet.At(0, 256), nullptr);
+    EXPECT_EQ(sheet.At(0xFFFFFFFF, 0xFFFFFFFF), nullptr);
+    EXPECT_EQ(sheet.RowCount(), 4U);
+    EXPECT_NE(sheet.At(65535, 255), nullptr);
+    EXPECT_EQ(sheet.RowCount(), 65536U);
+    EXPECT_EQ(sheet.ColumnCount(), 256U);
+    EXPECT_EQ(sheet.At(3, 4), cell);
+    EXPECT_EQ(cell->GetInteger(), 5);
+    EXPECT_EQ(sheet.At(131, 4)->Type(), YExcel::CellType::Undefined);  // apart from row 3, a strip further down
+}
+
+/// The stream of a workbook file whose sectors stand in rising order, and of which only the first is a FAT sector.
+std::string StreamIn(const std::string& file, std::size_t size) {
+    constexpr std::size_t kSector = 512;
+    if (size >= 4096) return file.substr(3 * kSector, size);
+    const std::string miniStream = file.substr(3 * kSector, kSector) + (size > kSector ? file.substr(5 * kSector) : "");
+    return miniStream.substr(0, size);
+}
+
+TEST(DocumentTest, SavedFileHoldsTheStreamAtItsExactSize) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("run.xls");
+    Document document;
+    document.CreateSheets(1);
+    for (const unsigned rows : {0U, 50U, 200U, 10U}) {
+        document.CreateSheets(1);
+        for (unsigned row = 0; row < rows; ++row)
+            document.FindSheet("Sheet1")->At(row, 0)->SetDouble(row * 0.001);
+        const std::string stream = ToString(document.BuildStream().Bytes());
+        ASSERT_TRUE(document.SaveToFile(path));
+        const std::string file = ReadAll(path);
+        EXPECT_EQ(StreamIn(file, stream.size()), stream);
+        EXPECT_EQ(NumberAt(file, 512 * 2 + 128 + 120, 4), stream.size());
+        EXPECT_TRUE(document.SaveToFile(path));
+        EXPECT_EQ(ReadAll(path), file);
+    }
+}
+
+TEST(DocumentTest, FileThatCannotBeMadeIsFalse) {
+    const CTempFolder folder;
+    Document document;
+    document.CreateSheets(1);
+    EXPECT_FALSE(document.SaveToFile(folder.Path("no such folder/run.xls")));
+    EXPECT_FALSE(document.SaveToFile(folder.Path("")));
+    EXPECT_FALSE(document.SaveToFile(folder.Path(std::string("run\0.xls", 8))));
+    EXPECT_TRUE(document.SaveToFile(folder.Path("run.xls")));
+}
+
+}  // namespace

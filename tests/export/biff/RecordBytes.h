@@ -1,0 +1,75 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "vxfileio/export/biff/RecordStream.h"
+
+/// @file
+/// Bytes put together by hand, number by number, and streams taken apart into records, without a line of the library:
+/// what the tests hold it against.
+
+inline std::string LowFirst(std::uint64_t value, int size) {
+    std::string bytes;
+    for (int i = 0; i < size; ++i)
+        bytes += static_cast<char>((value >> (8 * i)) & 0xFFU);
+    return bytes;
+}
+inline std::string U8(std::uint64_t value) { return LowFirst(value, 1); }
+inline std::string U16(std::uint64_t value) { return LowFirst(value, 2); }
+inline std::string U32(std::uint64_t value) { return LowFirst(value, 4); }
+inline std::string U64(std::uint64_t value) { return LowFirst(value, 8); }
+inline std::string Zeros(std::size_t size) { return std::string().append(size, '\0'); }
+
+/// Characters of two bytes.
+inline std::string Units(std::u16string_view text) {
+    std::string bytes;
+    for (const char16_t unit : text)
+        bytes += U16(unit);
+    return bytes;
+}
+
+inline std::string ToString(std::span<const std::byte> bytes) {
+    std::string text;
+    for (const std::byte byte : bytes)
+        text += static_cast<char>(byte);
+    return text;
+}
+
+/// The bytes of a record alone in a stream.
+std::string BytesOf(const YExcel::Record auto& record) {
+    YExcel::RecordStream stream;
+    stream.Put(record);
+    return ToString(stream.Bytes());
+}
+
+inline std::uint32_t NumberAt(const std::string& bytes, std::size_t position, int size) {
+    std::uint32_t value = 0;
+    for (int i = size; i-- > 0;)
+        value = (value << 8U) | static_cast<unsigned char>(bytes.at(position + static_cast<std::size_t>(i)));
+    return value;
+}
+
+/// A record as it was found in a stream.
+struct CFoundRecord {
+    std::size_t position = 0;
+    std::uint32_t code = 0;
+    std::string body;
+};
+
+/// Takes a stream apart. One that doesn't end with a whole record throws.
+inline std::vector<CFoundRecord> RecordsOf(const std::string& stream) {
+    std::vector<CFoundRecord> records;
+    for (std::size_t position = 0; position < stream.size();) {
+        const std::uint32_t length = NumberAt(stream, position + 2, 2);
+        if (position + 4 + length > stream.size()) throw std::string("a record is cut");
+        records.push_back({position, NumberAt(stream, position, 2), stream.substr(position + 4, length)});
+        position += 4 + length;
+    }
+    return records;
+}

@@ -1,0 +1,74 @@
+#include "vxfileio/export/biff/RkNumber.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+
+namespace {
+
+using YExcel::DecodeRK;
+using YExcel::EncodeIntegerRK;
+using YExcel::EncodeRK;
+using YExcel::Truncate;
+using YExcel::TwoDecimalTest;
+
+struct CCase {
+    double value;
+    std::uint32_t word;
+    double stored;  ///< What a reader gets.
+};
+
+TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
+    const std::array<CCase, 16> cases = {{{0.0, 0x00000000, 0.0},
+                                          {-0.0, 0x80000000, 0.0},
+                                          {100.0, 0x40590000, 100.0},
+                                          {1.5, 0x4062C001, 1.5},
+                                          {-12.5, 0xC0938801, -12.5},
+                                          {12.5, 0x40938801, 12.5},
+                                          {0.01, 0x3FF00001, 0.01},
+                                          {1234.56, 0x40FE2401, 1234.56},
+                                          {214748.0, 0x410A36E0, 214748.0},
+                                          {-214748.0, 0xC10A36E0, -214748.0},
+                                          {12.34005, 0x40934805, 12.3400390625},  // the fifth decimal isn't looked at
+                                          {5242.89, 0x41200001, 5242.88},         // 524289 doesn't fit 30 bits
+                                          {0.0000999, 0x3F1A302C, 9.989994578063488e-05},
+                                          {5368709.12, 0x41C00001, 5368709.12},  // 536870912 * 100 wraps to the mark
+                                          {-5368709.12, 0xC1C00001, -5368709.12},
+                                          {16106127.36, 0x41D80001, 16106127.36}}};
+    for (const CCase& c : cases) {
+        EXPECT_TRUE(TwoDecimalTest(c.value)) << c.value;
+        EXPECT_EQ(EncodeRK(c.value), c.word) << c.value;
+        EXPECT_DOUBLE_EQ(DecodeRK(c.word), c.stored) << c.value;
+    }
+}
+
+TEST(RkNumberTest, DoublesWithMoreToThemKeepTheirFullForm) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const double value : {214749.0, -214749.0, 123456789.0, 153.2738, 0.0001, 1.0 / 3.0, 5368709.2, 1e300, -1e300,
+                               kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_FALSE(TwoDecimalTest(value)) << value;
+}
+
+TEST(RkNumberTest, TruncationIsTowardZeroAndHasOneAnswerForAllThatDoesNotFit) {
+    EXPECT_EQ(Truncate(1.99), 1);
+    EXPECT_EQ(Truncate(-1.99), -1);
+    EXPECT_EQ(Truncate(2147483647.9), 2147483647);
+    EXPECT_EQ(Truncate(-2147483648.9), -2147483647 - 1);
+    for (const double value : {2147483648.0, 1e300, -1e300, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(Truncate(value), -2147483647 - 1) << value;
+}
+
+TEST(RkNumberTest, WholeNumbersOfThirtyBits) {
+    EXPECT_EQ(EncodeIntegerRK(0), 0x00000002U);
+    EXPECT_EQ(EncodeIntegerRK(1), 0x00000006U);
+    EXPECT_EQ(EncodeIntegerRK(-1), 0xFFFFFFFEU);
+    EXPECT_EQ(EncodeIntegerRK(536870911), 0x7FFFFFFEU);
+    EXPECT_EQ(EncodeIntegerRK(-536870912), 0x80000002U);
+    EXPECT_EQ(DecodeRK(0x7FFFFFFE), 536870911.0);
+    EXPECT_EQ(DecodeRK(0x80000002), -536870912.0);
+    EXPECT_EQ(DecodeRK(1299U * 4 + 3), 12.0);  // hundredths of a whole number are cut off
+    EXPECT_EQ(DecodeRK(static_cast<std::uint32_t>(-1299) * 4 + 3), -12.0);
+}
+
+}  // namespace

@@ -1,0 +1,126 @@
+#include "vxfileio/export/compound/SectorFile.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using Block = std::array<std::byte, 512>;
+
+Block BlockOf(char letter) {
+    Block block{};
+    block.fill(static_cast<std::byte>(letter));
+    return block;
+}
+
+class SectorFileTest : public testing::Test {
+ protected:
+    /// The first letter of each block.
+    std::string Letters() const {
+        const std::string bytes = ReadAll(m_path);
+        std::string letters;
+        for (std::size_t at = 0; at < bytes.size(); at += 512)
+            letters += bytes.substr(at, 512) == std::string(512, bytes[at]) ? bytes[at] : '?';
+        return letters;
+    }
+
+    void MakeBlocks(const std::string& letters) {
+        ASSERT_TRUE(m_file.Create(m_path));
+        for (std::uint32_t i = 0; i < letters.size(); ++i)
+            ASSERT_TRUE(m_file.Write(i, BlockOf(letters[i])));
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("blocks");
+    SectorFile m_file;
+};
+
+TEST_F(SectorFileTest, ModesAllowWhatTheySayAndNothingElse) {
+    EXPECT_FALSE(m_file.Open(m_path, 3));
+    WriteAll(m_path, std::string(512, 'a') + std::string(188, 'b'));
+    Block block{};
+    EXPECT_FALSE(m_file.Open(m_path, 0));
+    EXPECT_FALSE(m_file.IsOpen());
+    EXPECT_FALSE(m_file.Open(m_folder.Path(""), 3));
+
+    ASSERT_TRUE(m_file.Open(m_path, 1));
+    EXPECT_EQ(m_file.ByteSize(), 700U);
+    EXPECT_EQ(m_file.BlockCount(), 2U);
+    EXPECT_TRUE(m_file.Read(0, block));
+    EXPECT_EQ(block, BlockOf('a'));
+    EXPECT_FALSE(m_file.Read(1, block));  // cut short
+    EXPECT_FALSE(m_file.Read(2, block));
+    EXPECT_FALSE(m_file.Write(0, block));
+    EXPECT_FALSE(m_file.WriteRun(0, block));
+
+    ASSERT_TRUE(m_file.Open(m_path, 2));
+    EXPECT_FALSE(m_file.Read(0, block));
+    EXPECT_TRUE(m_file.Write(1, BlockOf('c')));
+    EXPECT_EQ(Letters(), "ac");
+
+    m_file.Close();
+    EXPECT_EQ(m_file.ByteSize(), 0U);
+    EXPECT_EQ(m_file.BlockCount(), 0U);
+    EXPECT_FALSE(m_file.Read(0, block));
+    EXPECT_FALSE(m_file.Write(0, block));
+    EXPECT_EQ(Letters(), "ac");
+    ASSERT_TRUE(m_file.Create(m_path));
+    EXPECT_EQ(m_file.BlockCount(), 0U);
+    EXPECT_EQ(Letters(), "");
+}
+
+TEST_F(SectorFileTest, WritesGrowTheFileByTheBlocksThemselves) {
+    MakeBlocks("ab");
+    EXPECT_TRUE(m_file.Write(0, BlockOf('c')));
+    EXPECT_EQ(m_file.ByteSize(), 1024U);
+    EXPECT_TRUE(m_file.Write(4, BlockOf('e')));
+    EXPECT_EQ(m_file.BlockCount(), 5U);
+    EXPECT_EQ(m_file.ByteSize(), 1536U);  // the gap isn't counted
+    EXPECT_EQ(Letters(), std::string("cb\0\0e", 5));
+}
+
+TEST_F(SectorFileTest, RunsAreWholeBlocksFilledUpWithZeros) {
+    MakeBlocks("abcd");
+    const std::string bytes = std::string(1024, 'x') + "y";
+    EXPECT_TRUE(m_file.WriteRun(2, std::as_bytes(std::span(bytes))));
+    EXPECT_EQ(m_file.BlockCount(), 5U);
+    EXPECT_EQ(m_file.ByteSize(), 2560U);
+    EXPECT_TRUE(m_file.WriteRun(0, {}));
+    EXPECT_EQ(ReadAll(m_path), std::string(512, 'a') + std::string(512, 'b') + bytes + std::string(511, '\0'));
+}
+
+TEST_F(SectorFileTest, BlocksAreInsertedSwappedAndMoved) {
+    MakeBlocks("abcd");
+    EXPECT_TRUE(m_file.Swap(0, 3));
+    EXPECT_EQ(Letters(), "dbca");
+    EXPECT_TRUE(m_file.Move(0, 2));
+    EXPECT_EQ(Letters(), "bcda");
+    EXPECT_TRUE(m_file.Move(3, 1));
+    EXPECT_EQ(Letters(), "bacd");
+    EXPECT_TRUE(m_file.Insert(1, BlockOf('x')));
+    EXPECT_EQ(Letters(), "bxacd");
+    EXPECT_TRUE(m_file.Insert(5, BlockOf('y')));
+    EXPECT_EQ(Letters(), "bxacdy");
+    EXPECT_TRUE(m_file.Insert(7, BlockOf('z')));
+    EXPECT_EQ(Letters(), std::string("bxacdy\0z", 8));
+    EXPECT_FALSE(m_file.Swap(0, 8));
+    EXPECT_FALSE(m_file.Swap(8, 0));
+    EXPECT_FALSE(m_file.Move(8, 0));
+    EXPECT_FALSE(m_file.Move(0, 8));
+    EXPECT_EQ(Letters(), std::string("bxacdy\0z", 8));
+}
+
+TEST_F(SectorFileTest, WriteTellsThatTheFileCannotBeOpenedAgain) {
+    MakeBlocks("a");
+    const std::string newPath = m_folder.Path("elsewhere");
+    std::filesystem::rename(m_path, newPath);
+    EXPECT_FALSE(m_file.Write(1, BlockOf('b')));
+    EXPECT_FALSE(m_file.IsOpen());
+    EXPECT_EQ(ReadAll(newPath), std::string(512, 'a') + std::string(512, 'b'));
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <span>
+
+#include "tests/export/compound/CompoundReader.h"
+#include "tests/support/TempFolder.h"
+#include "vxfileio/export/compound/CompoundStorage.h"
+
+/// Bytes of a sector.
+inline constexpr std::size_t kSector = 512;
+
+/// Bytes that tell where they stand: neither sectors nor mini sectors of equal content, and no zeros.
+inline std::string Pattern(std::size_t size, unsigned seed = 1) {
+    std::string bytes(size, '\0');
+    std::uint32_t state = seed;
+    for (char& byte : bytes) {
+        state = state * 1664525U + 1013904223U;
+        byte = static_cast<char>((state >> 24U) | 1U);
+    }
+    return bytes;
+}
+
+/// A fixture with a new compound file of its own.
+class StorageTest : public testing::Test {
+ protected:
+    StorageTest() { m_storage.Create(m_path); }
+
+    std::int32_t Write(const std::string& name, const std::string& content) {
+        return m_storage.WriteFile(name, std::as_bytes(std::span(content)));
+    }
+
+    /// Makes a stream with content.
+    void Add(const std::string& name, const std::string& content) {
+        EXPECT_EQ(m_storage.MakeFile(name), 1) << name;
+        EXPECT_EQ(Write(name, content), 1) << name;
+    }
+
+    std::string Bytes() const { return ReadAll(m_path); }
+    CompoundReader Read() const { return CompoundReader(Bytes()); }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("storage.xls");
+    CompoundStorage m_storage;
+};

@@ -1,0 +1,203 @@
+#include "vxfileio/export/ResultsExport.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include "vxfileio/export/Document.h"
+#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/helpers/Path.h"
+#include "vxfileio/settings/WellIndex.h"
+
+namespace vxfileio {
+
+namespace {
+
+constexpr enTask kTask = enTask::Series;
+
+/// Where the blocks of responses begin on their sheet.
+constexpr std::uint32_t kFirstRow = 2;
+constexpr std::uint32_t kFirstColumn = 0;
+
+constexpr const char* kResultsSheet = "Results";
+constexpr const char* kBeatsSheet = "HB Time Stamps";
+constexpr const char* kAveragesSheet = "Averages";
+constexpr const char* kTime = "Time";
+
+/// Amplitudes are kept in volts and shown in microvolts.
+constexpr double kMicrovolts = 1'000'000.0;
+
+/// One block of the results: a response, and what its values are multiplied by.
+struct CResponseBlock {
+    enResponseType response;
+    double factor;
+};
+
+/// The blocks, from left to right.
+constexpr CResponseBlock kBlocks[] = {
+    {enResponseType::QTInterval, 1.0}, {enResponseType::NaAmplitude, kMicrovolts}, {enResponseType::NaSlope, 1.0}};
+
+/// What all workbooks are made from.
+struct CSource {
+    const CResults& results;
+    const CPropAnalyzer& analyzer;
+    const CPropRecordPlate& plate;
+    std::vector<std::string> doses = plate.GetSeriesLabels();  ///< By recording.
+    CWellIndex index{plate.Data};
+    std::uint32_t recordings = static_cast<std::uint32_t>(results.GetRecordingCount(kTask));
+    std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that a sheet has room for.
+
+    /// The plate's wells in their order. Of those with one ID, the first stands for all.
+    std::vector<const PlateWell*> Wells() const {
+        std::vector<const PlateWell*> wells;
+        for (const std::int32_t wellID : plate.GetAllWellIDs())
+            wells.push_back(index.Find(wellID));
+        return wells;
+    }
+
+    const CResultsWell* Well(std::uint32_t recording, std::int32_t wellID) const {
+        return results.GetWellResults(kTask, static_cast<std::int32_t>(recording), wellID);
+    }
+};
+
+// What lies beyond the sheet has no cell, and is left out.
+
+void PutText(YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column, const std::string& text) {
+    if (text.empty()) return;
+    if (YExcel::Cell* const cell = sheet.At(row, column)) cell->SetText(text);
+}
+
+void PutNumber(YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column, double number) {
+    if (YExcel::Cell* const cell = sheet.At(row, column)) cell->SetDouble(number);
+}
+
+void PutDose(const CSource& source, YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column,
+             std::uint32_t recording) {
+    if (recording < source.doses.size()) PutText(sheet, row, column, source.doses[recording]);
+}
+
+/// Returns the well of a recording if its response is there and counts, or null.
+const CResultsWell* CountingWell(const CSource& source, std::uint32_t recording, std::int32_t wellID,
+                                 enResponseType response) {
+    const CResultsWell* const well = source.Well(recording, wellID);
+    const auto number = static_cast<std::int32_t>(recording);
+    const bool counts =
+        well != nullptr && source.analyzer.IsWellAnalyzed(kTask, number, wellID) &&
+        source.analyzer.GetResponseMark(kTask, number, wellID, response) != enAnalysisMark::Deselected &&
+        well->ResultsExist(response, enValueType::Plain);
+    return counts ? well : nullptr;
+}
+
+void PutBlock(const CSource& source, YExcel::Sheet& sheet, const CResponseBlock& block, std::uint32_t left) {
+    PutText(sheet, kFirstRow, left, ResponseTypeToString(block.response));
+    for (std::uint32_t recording = 0; recording < source.shown; ++recording)
+        PutDose(source, sheet, kFirstRow + 1, left + 1 + recording, recording);
+    std::uint32_t row = kFirstRow + 2;
+    for (const PlateWell* const place : source.Wells()) {
+        PutText(sheet, row, left, place->Label);
+        for (std::uint32_t recording = 0; recording < source.shown; ++recording) {
+            const CResultsWell* const well = CountingWell(source, recording, place->WellID, block.response);
+            if (well == nullptr) continue;
+            const double value = well->GetResults(block.response, enValueType::Plain);
+            PutNumber(sheet, row, left + 1 + recording, value * block.factor);
+        }
+        ++row;
+    }
+}
+
+void PutResults(const CSource& source, YExcel::Sheet& sheet) {
+    std::uint32_t left = kFirstColumn;
+    for (const CResponseBlock& block : kBlocks) {
+        PutBlock(source, sheet, block, left);
+        left += source.recordings + 2;  // the labels of the wells, and a gap
+    }
+}
+
+/// One column per recording: its dose, and the times of the beats below.
+void PutBeats(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet) {
+    for (std::uint32_t recording = 0; recording < source.shown; ++recording) {
+        PutDose(source, sheet, 0, recording, recording);
+        const CResultsWell* const well = source.Well(recording, wellID);
+        if (well == nullptr) continue;
+        std::uint32_t row = 1;
+        for (const std::int64_t time : well->FPfastDetectionTimes)
+            PutNumber(sheet, row++, recording, static_cast<double>(time));
+    }
+}
+
+/// The time of a sample of the average. (Spreadsheets begin at the start of the axis, one tick ahead of
+/// `GetAveTimeStamp`; files that people have are so.)
+double TimeOfSample(const CResultsWell& well, std::uint64_t sample) {
+    const std::uint64_t time =
+        sample * static_cast<std::uint64_t>(well.AverageTick) - static_cast<std::uint64_t>(well.AveragePreFPfastTime);
+    return static_cast<double>(static_cast<std::int64_t>(time));
+}
+
+void PutTimeAxis(const CResultsWell& well, YExcel::Sheet& sheet) {
+    PutText(sheet, 0, 0, kTime);
+    for (std::uint32_t sample = 0; sample < well.GetAveSamples(); ++sample)
+        PutNumber(sheet, sample + 1, 0, TimeOfSample(well, sample));
+}
+
+/// The time axis of the first recording that has an average, and one column per recording: its dose, and the samples of
+/// the average below.
+void PutAverages(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet) {
+    bool hasAxis = false;
+    for (std::uint32_t recording = 0; recording < source.shown; ++recording) {
+        PutDose(source, sheet, 0, recording + 1, recording);
+        const CResultsWell* const well = source.Well(recording, wellID);
+        if (well == nullptr || !well->AverageExist()) continue;
+        if (!hasAxis) PutTimeAxis(*well, sheet);
+        hasAxis = true;
+        std::uint32_t row = 1;
+        for (const double voltage : well->Average)
+            PutNumber(sheet, row++, recording + 1, voltage * kMicrovolts);
+    }
+}
+
+void ExportResults(const CSource& source, const std::string& path) {
+    YExcel::Document document;
+    document.CreateSheets(1);
+    document.RenameSheet("Sheet1", kResultsSheet);
+    PutResults(source, *document.FindSheet(kResultsSheet));
+    document.SaveToFile(path);
+}
+
+void ExportWell(const CSource& source, std::int32_t wellID, const std::string& path, YExcel::Document& document) {
+    document.CreateSheets(2);
+    document.RenameSheet("Sheet1", kBeatsSheet);
+    document.RenameSheet("Sheet2", kAveragesSheet);
+    PutBeats(source, wellID, *document.FindSheet(kBeatsSheet));
+    PutAverages(source, wellID, *document.FindSheet(kAveragesSheet));
+    document.SaveToFile(path);
+}
+
+/// Exports the wells that have a workbook of their own, beside that of the results. A label that would lead out of the
+/// folder, or that no file can have in its name, leaves its well out.
+void ExportWells(const CSource& source, const CPath& path) {
+    YExcel::Document document;
+    for (const PlateWell* const well : source.Wells()) {
+        if (well->State != PlateWell::kNew) continue;
+        const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
+        if (IsFileName(name)) ExportWell(source, well->WellID, path.GetDriveDirectory().Text() + name, document);
+    }
+}
+
+template <class Object>
+const Object& Required(const Object* object, const char* what) {
+    if (object == nullptr) throw CExcVXReader(std::string("The export has no ") + what);
+    return *object;
+}
+
+}  // namespace
+
+}  // namespace vxfileio
+
+void CResultsExport::ExportExcel(const std::string& path) const {
+    const vxfileio::CSource source{.results = vxfileio::Required(m_results, "results"),
+                                   .analyzer = vxfileio::Required(m_analyzer, "analyzer property"),
+                                   .plate = vxfileio::Required(m_plate, "record plate")};
+    vxfileio::ExportResults(source, path);
+    if (vxfileio::IsWholePath(path)) vxfileio::ExportWells(source, CPath(path.c_str()));
+}

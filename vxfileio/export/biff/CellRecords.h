@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+/// @file
+/// The records of single cells, and of runs of cells in a row. Rows and columns count from 0; `xf` is the index of the
+/// cell's format. A run's items belong to somebody else and must outlive the record.
+
+namespace YExcel {
+
+/// A number in the short form of `RkNumber.h`.
+struct RK {
+    static constexpr std::uint16_t kCode = 0x027E;
+
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+    std::uint16_t xf = 0;
+    std::uint32_t word = 0;
+
+    constexpr void Fields(auto& body) const { body(row, column, xf, word); }
+};
+
+/// A run of numbers in the short form.
+struct MulRK {
+    static constexpr std::uint16_t kCode = 0x00BD;
+
+    struct Item {
+        std::uint16_t xf = 0;
+        std::uint32_t word = 0;
+
+        constexpr void Fields(auto& body) const { body(xf, word); }
+    };
+
+    std::uint16_t row = 0;
+    std::uint16_t firstColumn = 0;
+    std::span<const Item> items = {};
+    std::uint16_t lastColumn = 0;
+
+    constexpr void Fields(auto& body) const { body(row, firstColumn, items, lastColumn); }
+};
+
+/// A number in full.
+struct Number {
+    static constexpr std::uint16_t kCode = 0x0203;
+
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+    std::uint16_t xf = 0;
+    double value = 0.0;
+
+    constexpr void Fields(auto& body) const { body(row, column, xf, value); }
+};
+
+/// A text, by its index in the shared strings.
+struct LabelSST {
+    static constexpr std::uint16_t kCode = 0x00FD;
+
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+    std::uint16_t xf = 0;
+    std::uint32_t stringIndex = 0;
+
+    constexpr void Fields(auto& body) const { body(row, column, xf, stringIndex); }
+};
+
+/// A cell that has a format and nothing else. A saved workbook has none, nor any of the records below.
+struct Blank {
+    static constexpr std::uint16_t kCode = 0x0201;
+
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+    std::uint16_t xf = 0;
+
+    constexpr void Fields(auto& body) const { body(row, column, xf); }
+};
+
+/// A run of blank cells, by their formats.
+struct MulBlank {
+    static constexpr std::uint16_t kCode = 0x00BE;
+
+    std::uint16_t row = 0;
+    std::uint16_t firstColumn = 0;
+    std::span<const std::uint16_t> xfs = {};
+    std::uint16_t lastColumn = 0;
+
+    constexpr void Fields(auto& body) const { body(row, firstColumn, xfs, lastColumn); }
+};
+
+/// A truth value, or the code of an error.
+struct BoolErr {
+    static constexpr std::uint16_t kCode = 0x0205;
+
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+    std::uint16_t xf = 0;
+    std::uint8_t value = 0;
+    std::uint8_t isError = 0;
+
+    constexpr void Fields(auto& body) const { body(row, column, xf, value, isError); }
+};
+
+}  // namespace YExcel

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <variant>
+
+#include "vxfileio/export/biff/CountedString.h"
+#include "vxfileio/export/biff/GlobalRecords.h"
+
+/// @file
+/// A formula and the records that may follow it. A saved workbook has none of them. Rows and columns count from 0.
+
+namespace YExcel {
+
+/// A parsed expression, byte for byte, behind its size. The bytes belong to somebody else.
+struct Expression {
+    std::string_view bytes;
+
+    constexpr void Fields(auto& body) const { body(static_cast<std::uint16_t>(bytes.size()), bytes); }
+};
+
+/// A rectangle of cells, first and last ones included.
+struct CellRange {
+    std::uint16_t firstRow = 0;
+    std::uint16_t lastRow = 0;
+    std::uint8_t firstColumn = 0;
+    std::uint8_t lastColumn = 0;
+
+    constexpr void Fields(auto& body) const { body(firstRow, lastRow, firstColumn, lastColumn); }
+};
+
+/// A formula that fills a rectangle.
+struct Array {
+    static constexpr std::uint16_t kCode = 0x0221;
+
+    CellRange range = {};
+    std::uint16_t options = 0;
+    Expression expression = {};
+
+    constexpr void Fields(auto& body) const { body(range, options, kReserved<std::uint32_t>, expression); }
+};
+
+/// A formula that several cells share. It exists under two codes.
+template <std::uint16_t code>
+struct SharedFormula {
+    static constexpr std::uint16_t kCode = code;
+
+    CellRange range = {};
+    std::uint8_t useCount = 0;
+    Expression expression = {};
+
+    constexpr void Fields(auto& body) const { body(range, kReserved<std::uint8_t>, useCount, expression); }
+};
+using ShrFmla = SharedFormula<0x00BC>;
+using ShrFmla1 = SharedFormula<0x04BC>;
+
+/// A table of what a formula gives for rows and columns of input.
+struct Table {
+    static constexpr std::uint16_t kCode = 0x0036;
+
+    CellRange range = {};
+    std::uint16_t options = 0;
+    std::uint16_t rowInputRow = 0;
+    std::uint16_t rowInputColumn = 0;
+    std::uint16_t columnInputRow = 0;
+    std::uint16_t columnInputColumn = 0;
+
+    constexpr void Fields(auto& body) const {
+        body(range, options, rowInputRow, rowInputColumn, columnInputRow, columnInputColumn);
+    }
+};
+
+/// The text that a formula resulted in.
+struct String {
+    static constexpr std::uint16_t kCode = 0x0207;
+
+    SstString text = SstString();
+
+    constexpr void Fields(auto& body) const { body(text); }
+};
+
+/// A formula with its last result.
+struct Formula {
+    static constexpr std::uint16_t kCode = 0x0006;
+
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+    std::uint16_t xf = 0;
+    double result = 0.0;
+    std::uint16_t options = 0;
+    Expression expression = {};
+    /// At most one record follows the formula. It isn't part of the formula's own body.
+    std::variant<std::monostate, Array, ShrFmla, ShrFmla1, Table, String> companion = {};
+
+    constexpr void Fields(auto& body) const {
+        body(row, column, xf, result, options, kReserved<std::uint32_t>, expression);
+    }
+};
+
+}  // namespace YExcel

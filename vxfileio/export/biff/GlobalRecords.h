@@ -1,0 +1,162 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "vxfileio/export/biff/CountedString.h"
+
+/// @file
+/// The records in front of the sheets: what holds for the whole workbook. `BOF` and `YEOF` enclose every sheet as well.
+
+namespace YExcel {
+
+/// A reserved field, always 0.
+template <class Number>
+inline constexpr Number kReserved = 0;
+
+/// The beginning of the globals or of a sheet.
+struct BOF {
+    static constexpr std::uint16_t kCode = 0x0809;
+    static constexpr std::uint16_t kGlobals = 5;
+    static constexpr std::uint16_t kSheet = 0x10;
+
+    std::uint16_t version = 0x0600;
+    std::uint16_t type = kGlobals;
+    std::uint16_t build = 6560;
+    std::uint16_t year = 1997;
+    std::uint32_t fileHistory = 0x0000C0C9;
+    std::uint32_t lowestVersion = 0x00000306;
+
+    constexpr void Fields(auto& body) const { body(version, type, build, year, fileHistory, lowestVersion); }
+};
+
+/// The end of what a `BOF` began.
+struct YEOF {
+    static constexpr std::uint16_t kCode = 0x000A;
+
+    constexpr void Fields(auto& /*body*/) const {}
+};
+
+/// The window that shows the workbook. Lengths are in twentieths of a point, the tab bar's share in thousandths.
+struct Window1 {
+    static constexpr std::uint16_t kCode = 0x003D;
+
+    std::uint16_t horizontalPosition = 120;
+    std::uint16_t verticalPosition = 120;
+    std::uint16_t width = 15135;
+    std::uint16_t height = 9300;
+    std::uint16_t options = 0x0038;
+    std::uint16_t activeSheet = 0;
+    std::uint16_t firstTab = 0;
+    std::uint16_t selectedSheets = 1;
+    std::uint16_t tabBarRatio = 600;
+
+    constexpr void Fields(auto& body) const {
+        body(horizontalPosition, verticalPosition, width, height, options);
+        body(activeSheet, firstTab, selectedSheets, tabBarRatio);
+    }
+};
+
+/// A font. The height is in twentieths of a point.
+struct Font {
+    static constexpr std::uint16_t kCode = 0x0031;
+
+    std::uint16_t height = 200;
+    std::uint16_t options = 0;
+    std::uint16_t colourIndex = 0x7FFF;
+    std::uint16_t weight = 400;
+    std::uint16_t escapement = 0;
+    std::uint8_t underline = 0;
+    std::uint8_t family = 0;
+    std::uint8_t characterSet = 0;
+    SmallString name = SmallString(std::u16string_view(u"Arial"));
+
+    constexpr void Fields(auto& body) const {
+        body(height, options, colourIndex, weight, escapement);
+        body(underline, family, characterSet, kReserved<std::uint8_t>, name);
+    }
+};
+
+/// A cell format.
+struct XF {
+    static constexpr std::uint16_t kCode = 0x00E0;
+
+    std::uint16_t font = 0;
+    std::uint16_t format = 0;
+    std::uint16_t protectionAndType = 0xFFF5;
+    std::uint8_t alignment = 0x20;
+    std::uint8_t rotation = 0;
+    std::uint8_t textProperties = 0;
+    std::uint8_t usedAttributes = 0;
+    std::uint32_t borders = 0;
+    std::uint32_t colours = 0;
+    std::uint16_t fillColours = 0x20C0;
+
+    constexpr void Fields(auto& body) const {
+        body(font, format, protectionAndType, alignment, rotation, textProperties, usedAttributes);
+        body(borders, colours, fillColours);
+    }
+};
+
+/// A named style: one that is built in, or else one with a name of its own.
+struct Style {
+    static constexpr std::uint16_t kCode = 0x0293;
+    static constexpr std::uint16_t kBuiltIn = 0x8000;
+
+    std::uint16_t xfAndFlag = kBuiltIn;
+    std::uint8_t identifier = 0;  ///< Of a built-in style, as is the level.
+    std::uint8_t level = 0xFF;
+    SstString name = SstString();  ///< Of any other.
+
+    constexpr void Fields(auto& body) const {
+        body(xfAndFlag);
+        if ((xfAndFlag & kBuiltIn) != 0) {
+            body(identifier, level);
+        } else {
+            body(name);
+        }
+    }
+};
+
+/// A sheet: its name, and where its `BOF` stands, counted from the start of the stream.
+struct BoundSheet {
+    static constexpr std::uint16_t kCode = 0x0085;
+
+    std::uint32_t position = 0;
+    std::uint8_t visibility = 0;
+    std::uint8_t type = 0;
+    SmallString name = SmallString();
+
+    constexpr void Fields(auto& body) const { body(position, visibility, type, name); }
+};
+
+/// Every text of the workbook once. `total` counts the cells that show one.
+struct SharedStringTable {
+    static constexpr std::uint16_t kCode = 0x00FC;
+
+    std::uint32_t total = 0;
+    std::vector<SstString> strings = {};
+
+    constexpr void Fields(auto& body) const { body(total, static_cast<std::uint32_t>(strings.size()), strings); }
+};
+
+/// Where every so-manieth shared string stands. A workbook is complete without it, and ours has none.
+struct ExtSST {
+    static constexpr std::uint16_t kCode = 0x00FF;
+
+    struct Bucket {
+        std::uint32_t position;  ///< Of its first string, from the start of the stream.
+        std::uint16_t offset;    ///< The same, from the start of its record.
+
+        constexpr void Fields(auto& body) const { body(position, offset, kReserved<std::uint16_t>); }
+    };
+
+    std::uint16_t stringsPerBucket = 8;
+    std::vector<Bucket> buckets = {};
+
+    constexpr void Fields(auto& body) const { body(stringsPerBucket, buckets); }
+};
+
+}  // namespace YExcel

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+
+#include "vxfileio/export/FieldVisitors.h"
+#include "vxfileio/export/biff/ContinuedBody.h"
+
+/// @file
+/// Records of a workbook stream: each is its code, the length of its body, and the body, all numbers little-endian.
+
+namespace YExcel {
+
+/// A plain value with a `kCode` and one list of fields, `Fields`. A new one has the values that a fresh workbook has.
+template <class Type>
+concept Record = requires(const Type& record, FieldSize& size) {
+    { Type::kCode } -> std::convertible_to<std::uint16_t>;
+    record.Fields(size);
+};
+
+/// Returns the bytes of the body, as if it stood in one record.
+template <Record Type>
+constexpr std::size_t DataSize(const Type& record) {
+    FieldSize size;
+    record.Fields(size);
+    return size.Size();
+}
+
+/// Returns the bytes that the record takes in a stream, its own header and all that its CONTINUE records add included.
+template <Record Type>
+constexpr std::size_t RecordSize(const Type& record) {
+    const std::size_t dataSize = DataSize(record);
+    if (dataSize <= kMostBody) return kHeaderSize + dataSize;
+    RecordsSize size;
+    ContinuedBody body(size, Type::kCode);
+    record.Fields(body);
+    return size.Size();
+}
+
+/// Stores the record at `to`, which has room for its `RecordSize`.
+template <Record Type>
+void Write(const Type& record, std::byte* to) {
+    const std::size_t dataSize = DataSize(record);
+    if (dataSize <= kMostBody) {
+        FieldStore store(to);
+        store(Type::kCode, static_cast<std::uint16_t>(dataSize));
+        record.Fields(store);
+    } else {
+        RecordsStore records(to);
+        ContinuedBody body(records, Type::kCode);
+        record.Fields(body);
+    }
+}
+
+}  // namespace YExcel

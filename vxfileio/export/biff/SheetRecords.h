@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "vxfileio/export/biff/GlobalRecords.h"
+
+/// @file
+/// The records around the cells of a sheet. Rows and columns count from 0.
+
+namespace YExcel {
+
+/// Where the `DBCell` of each row block stands, counted from the start of the stream.
+struct Index {
+    static constexpr std::uint16_t kCode = 0x020B;
+
+    std::uint32_t firstUsedRow = 0;
+    std::uint32_t firstUnusedRow = 0;
+    std::vector<std::uint32_t> dbCellPositions = {};
+
+    constexpr void Fields(auto& body) const {
+        body(kReserved<std::uint32_t>, firstUsedRow, firstUnusedRow, kReserved<std::uint32_t>, dbCellPositions);
+    }
+};
+
+/// The part of the sheet that is in use.
+struct Dimensions {
+    static constexpr std::uint16_t kCode = 0x0200;
+
+    std::uint32_t firstUsedRow = 0;
+    std::uint32_t endRow = 0;  ///< Last used row + 1, as the column below.
+    std::uint16_t firstUsedColumn = 0;
+    std::uint16_t endColumn = 0;
+
+    constexpr void Fields(auto& body) const {
+        body(firstUsedRow, endRow, firstUsedColumn, endColumn, kReserved<std::uint16_t>);
+    }
+};
+
+/// How the window shows the sheet.
+struct Window2 {
+    static constexpr std::uint16_t kCode = 0x023E;
+    static constexpr std::uint16_t kSelected = 0x0200;  ///< In `options`.
+
+    std::uint16_t options = 0x06B6;
+    std::uint16_t firstRow = 0;
+    std::uint16_t firstColumn = 0;
+    std::uint16_t gridlineColour = 64;
+    std::uint16_t pageBreakZoom = 0;
+    std::uint16_t normalZoom = 0;
+
+    constexpr void Fields(auto& body) const {
+        body(options, firstRow, firstColumn, gridlineColour, kReserved<std::uint16_t>);
+        body(pageBreakZoom, normalZoom, kReserved<std::uint32_t>);
+    }
+};
+
+/// A row that has cells. The height is in twentieths of a point.
+struct Row {
+    static constexpr std::uint16_t kCode = 0x0208;
+
+    std::uint16_t row = 0;
+    std::uint16_t firstCell = 0;
+    std::uint16_t endCell = 0;  ///< Last cell + 1.
+    std::uint16_t height = 255;
+    std::uint32_t options = 0;
+
+    constexpr void Fields(auto& body) const {
+        body(row, firstCell, endCell, height, kReserved<std::uint16_t>, kReserved<std::uint16_t>, options);
+    }
+};
+
+/// The end of a row block: how far back its first `Row` is, and the way from there to the cells of each row. The first
+/// offset leads from the second `Row` to the first cell, each further one from row to row.
+struct DBCell {
+    static constexpr std::uint16_t kCode = 0x00D7;
+
+    std::uint32_t firstRowOffset = 0;
+    std::vector<std::uint16_t> rowOffsets = {};
+
+    constexpr void Fields(auto& body) const { body(firstRowOffset, rowOffsets); }
+};
+
+}  // namespace YExcel

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/export/compound/Directory.h"
+#include "vxfileio/export/compound/SectorFile.h"
+#include "vxfileio/export/compound/SectorTable.h"
+#include "vxfileio/export/compound/StorageHeader.h"
+
+/// Makes a new compound file and keeps named streams in it, which may stand in storages as files do in folders.
+///
+/// Paths inside the file have backslashes between their names; one that begins with a backslash starts at the root, any
+/// other at the current storage. "." and ".." are the storage itself and the one around it; around the root is the
+/// root. Each byte of a name becomes one 16-bit unit, and names that differ in case only are different names.
+///
+/// The file on disk is whole after every operation, and closing it adds nothing. Sectors are taken in rising order, so
+/// that equal calls make equal files; sectors given up are free again, but the file never becomes shorter. Existing
+/// compound files can't be opened. One thread at a time.
+class CompoundStorage {
+ public:
+    /// @name Results
+    /// A failure of the disk isn't among them; `IsComplete` tells it.
+    /// @{
+    static constexpr std::int32_t kSuccess = 1;
+    static constexpr std::int32_t kNoName = -1;       ///< The path holds no name.
+    static constexpr std::int32_t kNoStorage = -2;    ///< A storage of the path doesn't exist.
+    static constexpr std::int32_t kTooLarge = -3;     ///< The data is more than a stream holds, which is 2 GiB.
+    static constexpr std::int32_t kNoStream = -4;     ///< The stream doesn't exist.
+    static constexpr std::int32_t kNameTooLong = -5;  ///< The name has 32 or more bytes.
+    static constexpr std::int32_t kNameExists = -6;   ///< The storage has an entry of that name already.
+    /// @}
+
+    CompoundStorage();
+    CompoundStorage(const CompoundStorage&) = delete;
+    CompoundStorage& operator=(const CompoundStorage&) = delete;
+
+    /// Closes what is open and makes a new file without streams, in place of any file at the path. Always returns true:
+    /// `IsOpen` tells whether the file could be made. If not, all operations work as usual, but write nothing.
+    bool Create(const std::string& path);
+
+    /// Tells whether a file is open.
+    bool IsOpen() const { return m_file.IsOpen(); }
+
+    /// Tells whether the system took everything that was written since `Create`.
+    bool IsComplete() const { return m_isComplete; }
+
+    /// Adds an empty stream, and the storages of its path that don't exist.
+    std::int32_t MakeFile(const std::string& path);
+    /// Adds an empty storage, and those around it that don't exist.
+    std::int32_t MakeDirectory(const std::string& path);
+    /// Makes a storage the current one. A failure leaves the old one.
+    std::int32_t ChangeDirectory(const std::string& path);
+
+    /// Replaces the content of a stream. The data is written straight from the caller's buffer, and not kept unless it
+    /// is less than 4096 bytes.
+    std::int32_t WriteFile(const std::string& path, vxfileio::CBytes data);
+
+    /// Closes the file and forgets it.
+    void Close();
+
+ private:
+    std::int32_t Make(std::string_view path, vxfileio::compound::enEntryType type);
+    DirectoryNode* StartOf(std::string_view path) const;
+
+    void StoreStream(DirectoryEntry& entry, vxfileio::CBytes data, bool isBig);
+    void StoreBigStream(DirectoryEntry& entry, vxfileio::CBytes data);
+    void StoreMiniStream(DirectoryEntry& entry, vxfileio::CBytes data);
+    void CopyToMiniStream(std::uint32_t miniSector, vxfileio::CBytes data);
+
+    void ExtendFat();
+    void ExtendMiniFat();
+
+    void WriteTables();
+    void WriteFat();
+    void WriteDifat();
+    void WriteMiniFat();
+    void WriteChain(std::uint32_t first, vxfileio::CBytes bytes);
+    void WriteSectors(std::uint32_t first, vxfileio::CBytes bytes);
+    void WriteBlocks(std::uint32_t first, vxfileio::CBytes bytes);
+
+    SectorFile m_file;
+    StorageHeader m_header;
+    vxfileio::compound::CSectorTable m_fat;
+    vxfileio::compound::CSectorTable m_miniFat;
+    vxfileio::compound::CDirectory m_directory;
+    DirectoryNode* m_current = nullptr;
+    std::vector<std::byte> m_miniStream;  ///< The content of all short streams, as it stands in the file.
+    bool m_isComplete = false;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "vxfileio/export/compound/CompoundFormat.h"
+
+/// An entry of the directory, its fields in the order of their bytes. Siblings and child are indices of other entries.
+/// Every entry is black: the trees of siblings are sorted, not balanced. No time is ever set.
+struct DirectoryEntry {
+    std::array<std::uint16_t, vxfileio::compound::kNameUnits> name = {};
+    std::uint16_t nameSize = 0;  ///< In bytes, with the zero that ends the name.
+    std::uint8_t type = 0;       ///< An `enEntryType`; 0 is an empty slot.
+    std::uint8_t colour = 1;
+    std::uint32_t left = vxfileio::compound::kNoEntry;
+    std::uint32_t right = vxfileio::compound::kNoEntry;
+    std::uint32_t child = vxfileio::compound::kNoEntry;
+    std::array<std::uint8_t, 16> classID = {};
+    std::uint32_t stateBits = 0;
+    std::array<std::uint64_t, 2> times = {};  ///< Creation and modification.
+    std::uint32_t startSector = vxfileio::compound::kEndOfChain;
+    std::uint32_t streamSize = 0;  ///< In bytes.
+    std::uint32_t reserved = 0;
+
+    /// An empty entry; each byte of the name, which is at most 31 of them, becomes one 16-bit unit.
+    DirectoryEntry(vxfileio::compound::enEntryType entryType, std::string_view bytesOfName);
+
+    bool Is(vxfileio::compound::enEntryType asked) const { return type == static_cast<std::uint8_t>(asked); }
+
+    constexpr void Fields(auto& body) const {
+        body(name, nameSize, type, colour, left, right, child, classID, stateBits, times, startSector, streamSize,
+             reserved);
+    }
+};
+
+/// The order of entries, and so of siblings: shorter names first, then by their 16-bit units.
+bool HasLowerName(const DirectoryEntry& a, const DirectoryEntry& b);

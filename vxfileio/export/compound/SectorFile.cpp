@@ -1,0 +1,98 @@
+#include "vxfileio/export/compound/SectorFile.h"
+
+#include <algorithm>
+#include <array>
+
+using vxfileio::CBytes;
+
+namespace {
+
+using Block = std::array<std::byte, SectorFile::kBlockSize>;
+
+constexpr std::int64_t PositionOf(std::uint32_t index) {
+    return std::int64_t{index} * std::int64_t{SectorFile::kBlockSize};
+}
+
+constexpr std::uint64_t BlocksOf(std::uint64_t bytes) {
+    return (bytes + SectorFile::kBlockSize - 1) / SectorFile::kBlockSize;
+}
+
+}  // namespace
+
+bool SectorFile::Create(const std::string& path) {
+    Close();
+    return m_file.Create(path) && Open(path, kRead | kWrite);
+}
+
+bool SectorFile::Open(const std::string& path, std::uint32_t mode) {
+    Close();
+    m_path = path;
+    m_mode = mode;
+    if (!OpenInMode()) return false;
+    m_byteSize = static_cast<std::uint64_t>(m_file.Size());
+    m_blockCount = static_cast<std::uint32_t>(BlocksOf(m_byteSize));
+    return true;
+}
+
+void SectorFile::Close() {
+    m_file.Close();
+    m_path.clear();
+    m_mode = 0;
+    m_blockCount = 0;
+    m_byteSize = 0;
+}
+
+bool SectorFile::Read(std::uint32_t index, std::span<std::byte, kBlockSize> buffer) const {
+    if (!HasMode(kRead) || index >= m_blockCount) return false;
+    return m_file.ReadUpTo(PositionOf(index), {buffer}) == buffer.size();
+}
+
+bool SectorFile::Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
+    if (!HasMode(kWrite)) return false;
+    WriteRun(index, buffer);  // a block that the disk doesn't take isn't told here
+    return OpenInMode();
+}
+
+bool SectorFile::WriteRun(std::uint32_t index, CBytes bytes) {
+    static constexpr Block kZeros{};
+    if (!HasMode(kWrite)) return false;
+    const std::uint64_t blocks = BlocksOf(bytes.size());
+    const auto padding = CBytes(kZeros).first(blocks * kBlockSize - bytes.size());
+    CountWritten(index, blocks);
+    return m_file.WriteAt(PositionOf(index), {bytes, padding});
+}
+
+bool SectorFile::Insert(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
+    if (index > m_blockCount) return Write(index, buffer);
+    const std::uint32_t end = m_blockCount;
+    return Write(end, buffer) && Move(end, index);
+}
+
+bool SectorFile::Swap(std::uint32_t a, std::uint32_t b) {
+    Block blockA{};
+    Block blockB{};
+    return Read(a, blockA) && Read(b, blockB) && Write(a, blockB) && Write(b, blockA);
+}
+
+bool SectorFile::Move(std::uint32_t from, std::uint32_t to) {
+    if (from >= m_blockCount || to >= m_blockCount) return false;
+    while (from != to) {
+        const std::uint32_t next = from < to ? from + 1 : from - 1;
+        if (!Swap(from, next)) return false;
+        from = next;
+    }
+    return true;
+}
+
+bool SectorFile::OpenInMode() {
+    if ((m_mode & kWrite) != 0) return m_file.OpenForUpdate(m_path);
+    return (m_mode & kRead) != 0 && m_file.OpenForReading(m_path);
+}
+
+/// A block beyond the end adds its own size to the file's, not that of a gap in front of it.
+void SectorFile::CountWritten(std::uint32_t index, std::size_t blocks) {
+    const std::uint64_t end = std::uint64_t{index} + blocks;
+    if (end <= m_blockCount) return;
+    m_byteSize += (end - std::max<std::uint64_t>(index, m_blockCount)) * kBlockSize;
+    m_blockCount = static_cast<std::uint32_t>(end);
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "vxfileio/export/compound/CompoundFormat.h"
+
+/// The header of a compound file, its fields in the order of their bytes. A new one is that of a file whose sectors are
+/// one of the FAT, number 0, and one of the directory, number 1.
+struct StorageHeader {
+    std::array<std::uint8_t, 8> signature = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
+    std::array<std::uint8_t, 16> classID = {};
+    std::uint16_t minorVersion = 0x003B;
+    std::uint16_t majorVersion = 3;
+    std::uint16_t byteOrder = 0xFFFE;
+    std::uint16_t sectorShift = vxfileio::compound::kSectorShift;
+    std::uint16_t miniSectorShift = vxfileio::compound::kMiniSectorShift;
+    std::array<std::uint8_t, 6> reserved = {};
+    std::uint32_t directorySectors = 0;  ///< Not counted in this version of the format.
+    std::uint32_t fatSectors = 1;
+    std::uint32_t firstDirectorySector = 1;
+    std::uint32_t transactionSignature = 0;
+    std::uint32_t miniStreamCutOff = vxfileio::compound::kMiniStreamCutOff;
+    std::uint32_t firstMiniFatSector = vxfileio::compound::kEndOfChain;
+    std::uint32_t miniFatSectors = 0;
+    std::uint32_t firstDifatSector = vxfileio::compound::kEndOfChain;
+    std::uint32_t difatSectors = 0;
+    /// The first sectors of the FAT.
+    std::array<std::uint32_t, vxfileio::compound::kDifatEntriesInHeader> difat = [] {
+        std::array<std::uint32_t, vxfileio::compound::kDifatEntriesInHeader> sectors{};
+        sectors.fill(vxfileio::compound::kFree);
+        sectors[0] = 0;
+        return sectors;
+    }();
+
+    constexpr void Fields(auto& body) const {
+        body(signature, classID, minorVersion, majorVersion, byteOrder, sectorShift, miniSectorShift, reserved,
+             directorySectors, fatSectors, firstDirectorySector, transactionSignature, miniStreamCutOff,
+             firstMiniFatSector, miniFatSectors, firstDifatSector, difatSectors, difat);
+    }
+};
