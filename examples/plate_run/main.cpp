@@ -2,7 +2,7 @@
 /// read back; also a first tour of the library.
 ///
 /// Read it in this order: this file, PlatePlan.h (what is recorded), Settings.cpp and SettingsFile.cpp (how it is set
-/// up), Record.cpp (writing samples), Replay.cpp (reading them), Analyze.cpp (what they say) and ResultsFile.cpp.
+/// up), Record.cpp (writing samples), Replay.cpp (reading them), Analyze.cpp (what they say), ResultsFile.cpp and Workbooks.cpp.
 /// Signal.h stands for the instrument. Progress.h and Report.h are for people.
 
 #include <vxfileio/frame/VXFileIO.h>
@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "Analyze.h"
 #include "PlatePlan.h"
@@ -23,6 +24,7 @@
 #include "Settings.h"
 #include "SettingsFile.h"
 #include "Signal.h"
+#include "Workbooks.h"
 
 namespace {
 
@@ -48,13 +50,14 @@ struct CPlateFiles {
     std::string settings;
     std::string samples;
     std::string results;
+    std::string workbook;
 };
 
 /// Makes the folder, if it isn't there.
 CPlateFiles FilesIn(const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder);
     const auto in = [&](const char* name) { return (folder / name).string(); };
-    return {in("plate.vxs"), in("plate.vxd"), in("plate.vxr")};
+    return {in("plate.vxs"), in("plate.vxd"), in("plate.vxr"), in("plate.xls")};
 }
 
 void RunPlate(const CArguments& arguments) {
@@ -82,7 +85,11 @@ void RunPlate(const CArguments& arguments) {
     CheckResults(*io.GetResultsReader(), header, results, files.results);
     PrintSeries(std::cout, plan, *io.GetResultsReader()->GetResults());
 
+    const std::vector<std::string> workbooks = ExportWorkbooks(*io.GetResultsExport(), *io.GetSettingsReader(),
+                                                               *io.GetResultsReader()->GetResults(), files.workbook);
     for (const std::string& path : {files.settings, files.samples, files.results})
+        PrintFile(std::cout, path);
+    for (const std::string& path : workbooks)
         PrintFile(std::cout, path);
 }
 
