@@ -2,8 +2,8 @@
 /// read back; also a first tour of the library.
 ///
 /// Read it in this order: this file, PlatePlan.h (what is recorded), Settings.cpp and SettingsFile.cpp (how it is set
-/// up), Record.cpp (writing samples), Replay.cpp (reading them), Analyze.cpp (what they say), ResultsFile.cpp and Workbooks.cpp.
-/// Signal.h stands for the instrument. Progress.h and Report.h are for people.
+/// up), Record.cpp (writing samples), Replay.cpp (reading them), Analyze.cpp (what they say), ResultsFile.cpp and
+/// Workbooks.cpp. Signal.h stands for the instrument. Progress.h and Report.h are for people.
 
 #include <vxfileio/frame/VXFileIO.h>
 

@@ -16,9 +16,11 @@ public_names() {
     grep -rhoP '(class|struct) VXFILEIO_API \K\w+|^VXFILEIO_API [^(]*?\K\w+(?=\()' "$prefix/include" | sort -u
 }
 
-# What a symbol belongs to: the class or the free function. "typeinfo for" and the like belong to their class.
+# What a symbol belongs to: the class or the free function. "typeinfo for" and the like belong to their class. Functions
+# made from templates tell their type first.
 owners() {
-    sed -E 's/^((typeinfo|typeinfo name|vtable|VTT|guard variable) for )//; s/\[abi:cxx11\]//; s/(::|\(| ).*//' | sort -u
+    sed -E 's/^((typeinfo|typeinfo name|vtable|VTT|guard variable) for |void )//; s/\[abi:cxx11\]//
+            s/^gd_xml_stream:://; s/(::|\(|<| ).*//' | sort -u
 }
 
 exported=$(nm -D -C --defined-only "$library" | cut -c 20-)

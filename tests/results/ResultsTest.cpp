@@ -178,6 +178,11 @@ TEST_F(ResultsFileTest, ListsAreAsLongAsTheySay) {
     EXPECT_EQ(LoadedWell("<FPfastDetectionTimes Size=\"3\"><Time>1</Time><X>2</X><Time>3</Time></FPfastDetectionTimes>")
                   .FPfastDetectionTimes,
               (Times{1, 0, 3}));
+    EXPECT_EQ(LoadedWell("<FPfastDetectionTimes Size=\"2\"><Time>1</Time><Time>2</Time></FPfastDetectionTimes>"
+                         "<FPfastDetectionTimes Size=\"2\"><X/><Time>3</Time></FPfastDetectionTimes>")
+                  .FPfastDetectionTimes,
+              (Times{0, 3}))
+        << "the second counts";
     EXPECT_EQ(LoadedWell("<FPfastDetectionTimes><Time>1</Time></FPfastDetectionTimes>").FPfastDetectionTimes, Times{});
     EXPECT_EQ(LoadedWell("<Average Size=\"2\"><Ave>1;2;3;</Ave></Average>").Average, (Samples{1, 2}));
     EXPECT_EQ(LoadedWell("<Average Size=\"3\"><Ave>1;2</Ave></Average>").Average, (Samples{1, 0, 0}));

@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <map>
 #include <set>
 #include <string>
 
@@ -86,6 +86,12 @@ TEST_F(RecordPlateTest, TheShortFormHoldsOneCompoundAndItsWells) {
     EXPECT_TRUE(back.Data.Wells.empty());
     ASSERT_EQ(back.Data.Compounds.size(), 1U);
     EXPECT_EQ(back.Data.Compounds[0]->CompoundID, 0);
+
+    LoadShort(back,
+              "<PropertyRecordPlate><Wells Size=\"1\"><Well><WellID>1</WellID></Well></Wells><Wells Size=\"1\"><Well>"
+              "<WellID>2</WellID></Well></Wells></PropertyRecordPlate>");
+    EXPECT_EQ(back.GetAllWellIDs(), (std::vector<std::int32_t>{1, 2}));
+    EXPECT_EQ(back.GetCompoundWellIDs(0), (std::vector<std::int32_t>{2})) << "the second list counts";
 
     // The state goes to the first well of an ID, as it does when it is set.
     LoadShort(back,
@@ -188,6 +194,7 @@ TEST_F(RecordPlateTest, EveryLayoutHasItsMap) {
         EXPECT_EQ(plate.Map.ChIDs[well.row][well.column], well.channel) << well.label;
     }
     EXPECT_EQ(plate.Map.RowLabels, (std::vector<std::string>{"A", "B", "C", "D", "E", "F", "G", "H"}));
+    EXPECT_EQ(plate.Map.ColumnLabels.size(), 12U) << "built anew";
     EXPECT_EQ(plate.Map.ColumnLabels.back(), "12");
 
     plate.BuildPlateMap(enPlateLayout::Ostrel6x9);
@@ -205,8 +212,18 @@ TEST_F(RecordPlateTest, EveryLayoutHasItsMap) {
     }
     EXPECT_EQ(channels, expected);
     EXPECT_EQ(labels.size(), 54U);
-    EXPECT_EQ(small.Labels[3], (std::vector<std::string>{"E9", "E8", "E7", "D9", "D8", "D7", "C9", "C8", "C7"}));
-    EXPECT_EQ(small.ChIDs[4], (std::vector<std::int32_t>{12, 10, 6, 2, 0, 56, 52, 50, 46}));
+    std::map<std::string, std::int32_t> byLabel;
+    for (std::size_t row = 0; row < 6; ++row) {
+        for (std::size_t column = 0; column < 9; ++column)
+            byLabel[small.Labels[row][column]] = small.ChIDs[row][column];
+    }
+    std::vector<std::int32_t> fromA1ToF9;
+    for (const auto& [label, channel] : byLabel)
+        fromA1ToF9.push_back(channel);
+    EXPECT_EQ(fromA1ToF9,
+              (std::vector<std::int32_t>{27, 29, 31, 26, 30, 32, 25, 28, 33, 37, 39, 41, 36, 40, 42, 35, 38, 43,
+                                         47, 49, 51, 46, 50, 52, 45, 48, 53, 57, 59, 1,  56, 0,  2,  55, 58, 3,
+                                         7,  9,  11, 6,  10, 12, 5,  8,  13, 17, 19, 21, 16, 20, 22, 15, 18, 23}));
 
     for (const std::int32_t unknown : {0, 4, -1}) {
         plate.BuildPlateMap(static_cast<enPlateLayout>(unknown));

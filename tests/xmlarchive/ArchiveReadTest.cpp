@@ -85,6 +85,7 @@ const CDocument kDocuments[] = {
     {"< R >< A / >< B>x</ B ></\tR\n>", "R{ A='' B='x' }R !0 !0 !0 "},
     {"<R><A><!-- note --></A><B>1<!-- n -->2</B></R>", "R{ A{ }A B='1'{ }B }R !0 !0 !0 "},
     {"<R><A k=\"a>b\" Size = \"3\">  x y </A></R>", "R{ A#3='a>b'/'b\" Size = \"3\">x y ' }R !0 !0 !0 "},
+    {"<R><A Size=\"2\"> \xFC x</A><A/\xFC></R>", "R{ A#2='2'/'\xFC x' A='' }R !0 !0 !0 "},
     {"<R>text<A/>text</R>text", "R='text'{ A='' }R !0 !0 !0 "},
     {"<a.b>1<c/></a.b>", "a='1'{ c='' !18 !16 !16 "},
     // CDATA sections.
@@ -228,7 +229,7 @@ TEST_F(ArchiveReadTest, SamplesEndAtTheirSemicolons) {
     EXPECT_EQ(samples("<A>1;2</A>", 3), (std::vector<double>{1, -1, -1}));
     EXPECT_EQ(samples("<A>;x;1e-05;-0.125 ;</A>", 5), (std::vector<double>{0, 0, 1e-05, -0.125, -1}));
     EXPECT_EQ(samples("<A><![CDATA[1;]]>2;</A>", 2), (std::vector<double>{1, 2}));
-    EXPECT_EQ(samples("<A>1&#059;2;</A>", 2), (std::vector<double>{1, 2}));
+    EXPECT_EQ(samples("<A>1&#48;&#059;2;</A>", 2), (std::vector<double>{10, 2}));
     EXPECT_EQ(samples("<A/>", 1), (std::vector<double>{-1}));
 }
 

@@ -28,6 +28,8 @@ TEST_F(ArchiveWriteTest, ElementsTakeTheirShortestShape) {
         "<A Size=\"2\"><B/></A>");
     EXPECT_EQ(text([](Archive& a) { a.OpenChild("A").PutAttribute("x", "<\xFC\"").CloseElement(); }),
               "<A x=\"&lt;&#252;&quot;\"/>");
+    EXPECT_EQ(text([](Archive& a) { a.OpenChild("A").PutValue("x").OpenChild("B").CloseElement().CloseElement(); }),
+              "<A>x<B/></A>");
     EXPECT_EQ(text([](Archive& a) { a.CloseElement().OpenChild("A").CloseElement().CloseElement(); }), "<A/>");
     EXPECT_EQ(text([](Archive& a) { a.WriteDeclaration("version=\"1.0\""); }), "<?xml version=\"1.0\" ?>");
 }

@@ -142,9 +142,8 @@ char* WriteSixDigits(char* to, double value) {
     constexpr std::uint32_t kSevenDigits = 1'000'000;
     const double size = std::abs(value);
     if (!(size >= kLimits.front() && size < kLimits.back())) return nullptr;
-    int exponent = kLeastExponent;
-    while (size >= kLimits[static_cast<std::size_t>(exponent - kLeastExponent + 1)])
-        ++exponent;
+    const auto* const above = std::upper_bound(kLimits.begin(), kLimits.end(), size);
+    const int exponent = kLeastExponent + static_cast<int>(above - kLimits.begin()) - 1;
     const int places = kGeneralDigits - 1 - exponent;  // behind the point
     std::uint32_t digits = RoundScaled(size, kPowersOfTen[static_cast<std::size_t>(places)]);
     if (digits >= kSevenDigits) return nullptr;  // rounded up to the next exponent
@@ -184,7 +183,7 @@ CNumberText CNumberText::RoundTrip(double value) {
     if (std::signbit(value)) text.Add('-');
 
     // The digits and the exponent out of "d.ddde-XX".
-    std::array<char, 32> room;
+    std::array<char, 32> room{};
     const auto* const end =
         std::to_chars(room.data(), room.data() + room.size(), std::abs(value), std::chars_format::scientific).ptr;
     const std::string_view shortest(room.data(), static_cast<std::size_t>(end - room.data()));

@@ -49,7 +49,7 @@ class CNumberText {
     char* Begin() { return m_text.data(); }
     void SetEnd(const char* end) { m_size = static_cast<std::size_t>(end - m_text.data()); }
 
-    std::array<char, 48> m_text;  ///< Room for 38 digits, a sign and a point.
+    std::array<char, 48> m_text{};  ///< Room for 38 digits, a sign and a point.
     std::size_t m_size = 0;
 };
 

@@ -8,7 +8,7 @@
 
 namespace gd_xml_stream {
 
-/// Passes `text`, up to its first NUL, to `append` in pieces, with references in place of `"`, `&`, `<`, `>` and the
+/// Passes `text` to `append` in pieces, with references in place of `"`, `&`, `<`, `>` and the
 /// bytes from 0x80 up. The other bytes, line ends and tabs among them, stay as they are.
 template <class Append>
 void PutCoded(std::string_view text, Append append);
@@ -35,7 +35,6 @@ std::string_view NamedReference(char byte);
 
 template <class Append>
 void PutCoded(std::string_view text, Append append) {
-    text = text.substr(0, text.find('\0'));
     while (true) {
         const std::size_t plain = xml_text::PlainSize(text);
         append(text.substr(0, plain));
