@@ -207,6 +207,15 @@ TEST_F(ResultsFileTest, TasksFindTheirKeysAgainAndOthersStay) {
     EXPECT_EQ(results.GetTasks(), (std::vector<enTask>{enTask::Series, enTask::Analyze, enTask::Nil}));
     EXPECT_EQ(results.GetCompoundID(), 7);
     EXPECT_EQ(results.GetWellIDs(enTask::Nil, 1), (std::vector<std::int32_t>{0, 3}));
+    EXPECT_EQ(Loaded("<Task><TaskName>Series</TaskName><Recordings Size=\"1\"><Recording><Dose>1</Dose></Recording>"
+                     "</Recordings><Recordings Size=\"1\"><Recording><Dose>2</Dose></Recording></Recordings></Task>")
+                  .GetRecordingCount(enTask::Series),
+              1)
+        << "the second list counts";
+    EXPECT_EQ(LoadedWell("<Responses Size=\"1\"><Response><Label>Na-Slope</Label></Response></Responses>"
+                         "<Responses Size=\"1\"><Response><Label>Na-Amplitude</Label></Response></Responses>")
+                  .Responses.size(),
+              1U);
     EXPECT_EQ(Loaded("<Task><TaskName>Series</TaskName><Recordings Size=\"0\"/></Task>", before)
                   .GetRecordingCount(enTask::Series),
               0);

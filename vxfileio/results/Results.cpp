@@ -17,7 +17,8 @@ auto* FindIn(Map& map, const typename Map::key_type& key) {
 template <class Tree>
 auto* RecordingOf(Tree& results, enTask task, std::int32_t index) {
     auto* const found = FindIn(results.Tasks, task);
-    const bool there = found != nullptr && index >= 0 && static_cast<std::size_t>(index) < found->Recordings.size();
+    // Below 0, an index is larger than any size.
+    const bool there = found != nullptr && static_cast<std::size_t>(index) < found->Recordings.size();
     return there ? &found->Recordings[static_cast<std::size_t>(index)] : nullptr;
 }
 
