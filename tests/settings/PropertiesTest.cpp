@@ -1,4 +1,5 @@
-#include <algorithm>
+#include <cstdint>
+#include <ctime>
 #include <string>
 
 #include "tests/xmlarchive/ArchiveTest.h"
@@ -254,7 +255,24 @@ TEST_F(PropertiesTest, MarksOfOneTaskAreReplacedTogether) {
     EXPECT_EQ(other.AnalyzeSettings.size(), 4U);
     EXPECT_EQ(other.AnalyzeSettings[enTask::Series].size(), 2U);
     EXPECT_EQ(other.GetResponseMark(enTask::Series, 1, 11, enResponseType::QTInterval), enAnalysisMark::Deselected);
-    EXPECT_EQ(other.AnalyzingDate, analyzer.AnalyzingDate - (analyzer.AnalyzingDate - other.AnalyzingDate));
+}
+
+TEST_F(PropertiesTest, SavingTheAnalyzerSetsItsDate) {
+    // Seconds since 1970 as a file time: units of 100 ns since 1601.
+    const auto fileTime = [] { return static_cast<std::uint64_t>(std::time(nullptr) + 11644473600) * 10'000'000; };
+    CPropAnalyzer analyzer;
+    const std::uint64_t before = fileTime();
+    const std::string saved = Saved(analyzer);
+    EXPECT_GE(analyzer.AnalyzingDate, before);
+    EXPECT_LE(analyzer.AnalyzingDate, fileTime() + 10'000'000);
+    const auto second = static_cast<std::time_t>(analyzer.AnalyzingDate / 10'000'000) - 11644473600;
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::gmtime(&second));
+    EXPECT_NE(saved.find("<AnalyzingDate>" + std::to_string(analyzer.AnalyzingDate) +
+                         "</AnalyzingDate><AnalyzingDateString>" + text + "</AnalyzingDateString>"),
+              std::string::npos)
+        << saved;
+    EXPECT_EQ(Loaded<CPropAnalyzer>(saved).AnalyzingDate, analyzer.AnalyzingDate);
 }
 
 TEST_F(PropertiesTest, MarksAreFoundByTheirOwnTags) {
@@ -263,8 +281,10 @@ TEST_F(PropertiesTest, MarksAreFoundByTheirOwnTags) {
         "<TaskName>Series</TaskName><Recordings Size=\"9\"><Recording><Recording>5</Recording><Wells Size=\"1\"><Well>"
         "<Analyze>1</Analyze><Na-Slope>Manually</Na-Slope><QT-Interval>?</QT-Interval><NotDefined>Manually</NotDefined>"
         "</Well><Well><WellID>3</WellID><Analyze>0</Analyze></Well></Wells></Recording><Recording><Recording>5"
-        "</Recording><Wells Size=\"0\"/></Recording></Recordings></Task><Task><Recordings Size=\"0\"/></Task><Task>"
-        "<TaskName>Hm</TaskName></Task></Tasks></AnalyzeSettings><FPmaxSearchEnd>8</FPmaxSearchEnd><FPAveIntervalType>?"
+        "</Recording><Wells Size=\"0\"/></Recording></Recordings></Task><Task><TaskName>Hm"
+        "</TaskName><Recordings Size=\"1\"><Recording><Recording>0</Recording></Recording></Recordings></Task><Task>"
+        "<Recordings "
+        "Size=\"0\"/></Task></Tasks></AnalyzeSettings><FPmaxSearchEnd>8</FPmaxSearchEnd><FPAveIntervalType>?"
         "</FPAveIntervalType></PropertyAnalyzer>");
     ASSERT_EQ(analyzer.AnalyzeSettings.size(), 2U) << "a task without a name has no place";
     const TaskAnalysis& series = analyzer.AnalyzeSettings.at(enTask::Series);
@@ -277,7 +297,7 @@ TEST_F(PropertiesTest, MarksAreFoundByTheirOwnTags) {
     EXPECT_EQ(marks.at(enResponseType::NaSlope), enAnalysisMark::Manually);
     EXPECT_EQ(marks.at(enResponseType::QTInterval), enAnalysisMark::Undefined);
     EXPECT_EQ(marks.size(), 3U);
-    EXPECT_TRUE(analyzer.AnalyzeSettings.at(enTask::Nil).empty());
+    EXPECT_EQ(analyzer.AnalyzeSettings.at(enTask::Nil).size(), 1U);
     EXPECT_EQ(analyzer.FPAverageTime, 7);
     EXPECT_EQ(analyzer.FPmaxSearchEnd, 8);
     EXPECT_EQ(analyzer.FPAveIntervalType, enFPAveIntervalType::Undefined);

@@ -187,8 +187,8 @@ void LoadMarks(CXmlFileArchive& archive, std::map<enTask, TaskAnalysis>& tasks) 
 const WellAnalysis* FindWell(const std::map<enTask, TaskAnalysis>& tasks, enTask task, std::int32_t recording,
                              std::int32_t wellID) {
     const auto recordings = tasks.find(task);
-    if (recordings == tasks.end() || recording < 0) return nullptr;
-    const auto number = static_cast<std::size_t>(recording);
+    if (recordings == tasks.end()) return nullptr;
+    const auto number = static_cast<std::size_t>(recording);  // below 0, it is larger than any size
     if (number >= recordings->second.size()) return nullptr;
     const RecordingAnalysis& wells = recordings->second[number];
     const auto well = wells.find(wellID);
