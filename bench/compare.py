@@ -28,6 +28,8 @@ WORKLOADS = {
     "read-1000": ("read", "raw", [], raw(1000, 128 * MIB)),
     "results-write": ("write", "results", [], ["1"]),
     "results-read": ("read", "results", ["expat"], ["1"]),
+    "workbook-write": ("write", "workbook", ["xlsxwriter"], ["12"]),
+    "workbook-write-x4": ("write", "workbook", ["xlsxwriter"], ["48"]),
     "results-write-x4": ("write", "results", [], ["4"]),
     "results-read-x4": ("read", "results", ["expat"], ["4"]),
 }

@@ -298,6 +298,15 @@ TEST_F(PropertiesTest, MarksAreFoundByTheirOwnTags) {
     EXPECT_EQ(marks.at(enResponseType::QTInterval), enAnalysisMark::Undefined);
     EXPECT_EQ(marks.size(), 3U);
     EXPECT_EQ(analyzer.AnalyzeSettings.at(enTask::Nil).size(), 1U);
+    for (const std::string empty :
+         {"<Tasks Size=\"2\"/>", "<Tasks Size=\"2\"></Tasks>",
+          "<Tasks Size=\"1\"><Task><TaskName>Nil</TaskName><Recordings Size=\"2\"/></Task></Tasks>"}) {
+        EXPECT_EQ(Loaded<CPropAnalyzer>("<PropertyAnalyzer><AnalyzeSettings>" + empty +
+                                        "</AnalyzeSettings><FPmaxSearchEnd>8</FPmaxSearchEnd></PropertyAnalyzer>")
+                      .FPmaxSearchEnd,
+                  8)
+            << empty;
+    }
     EXPECT_EQ(analyzer.FPAverageTime, 7);
     EXPECT_EQ(analyzer.FPmaxSearchEnd, 8);
     EXPECT_EQ(analyzer.FPAveIntervalType, enFPAveIntervalType::Undefined);

@@ -63,19 +63,28 @@ TEST_F(SettingsFileTest, CompoundIsAPlaceInTheListAndAnIDOfTheMarks) {
 TEST_F(SettingsFileTest, FilesOlderThanTheMarksGetDefaultOnes) {
     const std::string plate =
         "<PropertyRecordPlate><Wells Size=\"2\"><Well><WellID>7</WellID></Well><Well><WellID>8</WellID><State>1</State>"
-        "</Well></Wells><Series Size=\"2\"><Dose>1</Dose><Dose>1000000000000000</Dose></Series></PropertyRecordPlate>";
+        "</Well></Wells><Series Size=\"2\"><Dose>1</Dose><Dose>999000000000</Dose></Series></PropertyRecordPlate>";
     for (const char* const version : {"<FileVersion>2</FileVersion>", "<FileVersion>-1</FileVersion>", ""}) {
         CVXFileIO io;
         WriteAll(m_path,
                  "<V><Header><Guid/>" + std::string(version) + "</Header><Settings>" + plate + "</Settings></V>");
         io.GetSettingsReader()->ReadFile(m_path);
         const CPropAnalyzer& analyzer = *io.GetSettingsReader()->GetAnalyzerProperty();
-        EXPECT_TRUE(analyzer.IsWellAnalyzed(enTask::Series, 1, 7)) << "whatever the doses are";
+        EXPECT_TRUE(analyzer.IsWellAnalyzed(enTask::Series, 1, 7));
         EXPECT_FALSE(analyzer.IsWellAnalyzed(enTask::Series, 1, 8));
         EXPECT_FALSE(analyzer.IsWellAnalyzed(enTask::Series, 2, 7));
     }
     ReadDocument("<V><Header><FileVersion>3</FileVersion></Header><Settings>" + plate + "</Settings></V>");
     EXPECT_TRUE(m_reader.GetAnalyzerProperty()->AnalyzeSettings.empty());
+}
+
+TEST_F(SettingsFileTest, ADoseWithoutTextIsReportedWhereMarksAreMadeUp) {
+    const std::string settings =
+        "</FileVersion></Header><Settings><PropertyRecordPlate><Series Size=\"1\"><Dose>1000000000000</Dose></Series>"
+        "</PropertyRecordPlate><PropertyWashIn><WashIn>9</WashIn></PropertyWashIn></Settings></V>";
+    EXPECT_ANY_THROW(ReadDocument("<V><Header><FileVersion>2" + settings));
+    EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 9) << "all else was read";
+    EXPECT_NO_THROW(ReadDocument("<V><Header><FileVersion>3" + settings));
 }
 
 TEST_F(SettingsFileTest, WhatAFileDoesNotHoldStaysAsItWas) {

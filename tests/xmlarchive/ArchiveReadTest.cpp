@@ -234,13 +234,33 @@ TEST_F(ArchiveReadTest, SamplesEndAtTheirSemicolons) {
 }
 
 TEST_F(ArchiveReadTest, ListsTogetherNeverClaimMoreThanTheFileHolds) {
-    const std::string document = "<R><L Size=\"7\"/><L Size=\"-5\"/><L/><L Size=\"2147483647\"/><L Size=\"9\"/></R>";
-    std::vector<std::size_t> sizes;
-    Read(document, [&](CXmlFileArchive& archive) {
-        for (archive.NextElement(); archive.NextElement() && !archive.IsEndTag();)
-            sizes.push_back(archive.GetListSize());
-    });
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{7, 0, 0, document.size() - 7, 0}));
+    const auto sizes = [&](const std::string& document) {
+        std::vector<std::size_t> granted;
+        Read(document, [&](CXmlFileArchive& archive) {
+            while (archive.NextElement()) {
+                if (!archive.IsEndTag() && archive.TagName() == "L") granted.push_back(archive.GetListSize());
+            }
+        });
+        return granted;
+    };
+    const std::string honest = "<L Size=\"2\"><T>1</T><T>2</T></L><L Size=\"3\"><A>1;2;3;</A></L><L/><L Size=\"-5\"/>";
+    const auto found = sizes("<R><L Size=\"2147483647\"/>" + honest + honest + "</R>");
+    EXPECT_EQ((std::vector<std::size_t>(found.begin() + 1, found.end())),
+              (std::vector<std::size_t>{2, 3, 0, 0, 2, 3, 0, 0}))
+        << "a list that lies takes nothing from the others";
+
+    for (const char* const claim : {"2147483647", "1000", "100"}) {
+        std::string document = "<R>";
+        for (int i = 0; i < 300; ++i)
+            document += "<L Size=\"" + std::string(claim) + "\"/>";
+        std::size_t sum = 0;
+        for (const std::size_t size : sizes(document + "</R>"))
+            sum += size;
+        EXPECT_LE(sum, document.size() + 4);
+        EXPECT_GT(sum, 0U);
+    }
+    const auto cut = sizes("<R><L Size=\"2147483647\"/>" + std::string(1, '\0') + std::string(100'000, ' '));
+    EXPECT_LT(cut.at(0), 100U) << "what stands behind a NUL is not of the document";
 }
 
 TEST_F(ArchiveReadTest, DepthAndLengthCostNoMoreThanTheirBytes) {

@@ -31,9 +31,11 @@ class VXFILEIO_API CISettingsReader {
     CISettingsReader& operator=(const CISettingsReader&) = delete;
 
     /// Reads a file. Its sections may stand in any order, and those that aren't known are passed over. A file that is
-    /// damaged, or is none of ours, is read as far as it makes sense, and nothing is said about it. In files of
-    /// versions below 3, which hold no marks, the task "Series" gets default marks for all active wells and doses.
-    /// Throws `CExcVXReader` with code -1, "Could not open settings file: " and the path, if the file can't be opened.
+    /// damaged, or is none of ours, is read as far as it makes sense, and nothing is said about it. Where the
+    /// header's `FileVersion` is below 3, the task "Series" gets default marks for all active wells and doses, in place
+    /// of any that the file has. Throws `CExcVXReader` with code -1, "Could not open settings file: " and the path, if
+    /// the file can't be opened; and below version 3 what `DoseToText` throws for a dose without text, all else being
+    /// read.
     void ReadFile(const std::string& path);
 
     const CXmlFileHeader* GetXmlFileHeader() const;    ///< Returns the header.

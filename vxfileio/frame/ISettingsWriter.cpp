@@ -1,6 +1,5 @@
 #include "vxfileio/frame/ISettingsWriter.h"
 
-#include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/settings/SettingsWriter.h"
 
 CISettingsWriter::CISettingsWriter() : m_writer(std::make_unique<CSettingsWriter>()) {}
@@ -31,7 +30,7 @@ void CISettingsWriter::SetRecordingProperty(const CPropRecording& property) {
 void CISettingsWriter::SetAnalyzerProperty(const CPropAnalyzer& property) { m_writer->SetAnalyzerProperty(property); }
 
 void CISettingsWriter::WriteFile(const std::string& path) {
-    m_writer->WriteFile(path, vxfileio::settings::kAnyCompound);
+    m_writer->WriteFile(path, CPropRecordPlate::kFirstCompound);
 }
 
 void CISettingsWriter::WriteFile(const std::string& path, std::int32_t compound) {

@@ -29,7 +29,8 @@ class VXFILEIO_API CISettingsWriter {
     CISettingsWriter(const CISettingsWriter&) = delete;
     CISettingsWriter& operator=(const CISettingsWriter&) = delete;
 
-    /// Sets the header. Its `FileType` becomes "VXSettings", whatever it was.
+    /// Sets the header. Its `FileType` becomes "VXSettings", whatever it was. Its `FileVersion` should be 3: below
+    /// that, a reader makes up the marks of "Series" itself.
     void SetXmlFileHeader(const CXmlFileHeader& header);
     void SetControlProperty(const CPropControl& property);            ///< Sets how the system is driven.
     void SetNotebookProperty(const CPropNotebook& property);          ///< Sets the notebook.
@@ -40,9 +41,9 @@ class VXFILEIO_API CISettingsWriter {
     void SetRecordingProperty(const CPropRecording& property);        ///< Sets how signals are recorded.
     void SetAnalyzerProperty(const CPropAnalyzer& property);          ///< Sets how they are analysed.
 
-    /// Writes the file with the plate's first compound and the marks of all its active wells, replacing a file of that
-    /// name. The analyzer's date is that of the writing. Throws `CExcVXReader` with code -1, "Could not open settings
-    /// file: " and the path, if the file can't be created.
+    /// Writes the file with the plate's first compound (a default one if it has none) and the marks of its active
+    /// wells, replacing a file of that name. The analyzer's date is that of the writing. Throws `CExcVXReader` with
+    /// code -1, "Could not open settings file: " and the path, if the file can't be created.
     void WriteFile(const std::string& path);
 
     /// The same with the compound at that index in the plate's list; the marks are those of the active wells of the

@@ -61,7 +61,7 @@ std::int32_t ParseInt32(std::string_view text);
 std::int64_t ParseInt64(std::string_view text);
 std::uint32_t ParseUInt32(std::string_view text);  ///< A minus sign negates in unsigned arithmetic: "-1" is 2^32 - 1.
 std::uint64_t ParseUInt64(std::string_view text);  ///< A minus sign negates in unsigned arithmetic: "-1" is 2^64 - 1.
-double ParseDouble(std::string_view text);         ///< The largest double is followed by the infinities.
+double ParseDouble(std::string_view text);         ///< Decimal only. The largest double is followed by the infinities.
 /// @}
 
 }  // namespace vxfileio

@@ -106,7 +106,7 @@ double CResultsWell::GetAveVoltage(std::uint32_t sample) const {
 }
 
 std::int64_t CResultsWell::GetAveTimeStamp(std::uint32_t sample) const {
-    // Unsigned, so that absurd ticks wrap around as they do on disk.
+    // Unsigned, so that absurd ticks wrap around instead of overflowing.
     const std::uint32_t ticks = sample + 1;
     return static_cast<std::int64_t>(ticks * static_cast<std::uint64_t>(AverageTick) -
                                      static_cast<std::uint64_t>(AveragePreFPfastTime));

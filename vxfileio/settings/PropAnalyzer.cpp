@@ -122,12 +122,11 @@ void SaveAnalyzer(CXmlFileArchive& archive, CPropAnalyzer& analyzer, ChooseWells
     archive.CloseElement();
 }
 
-/// Reads a list up to its end tag, its entries by `load()` at their start. A list without entries has no end tag.
+/// Reads a list up to its end tag, its entries by `load()` at their start. Whatever a list claims, without children it
+/// has no end tag.
 template <class Load>
 void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view entryTag, Load load) {
-    gd_xml_stream::XmlValue size(std::int32_t{0});
-    archive.GetAttribute("Size", size);
-    if (size.AsInt32() <= 0) return;
+    if (!HasChildren(archive) || !archive.ListHasEntries()) return;
     ForEachEventUntil(archive, tag, [&] {
         if (IsStartOf(archive, entryTag)) load();
     });
@@ -211,8 +210,8 @@ void CPropAnalyzer::Load(CXmlFileArchive& archive) {
     vxfileio::ForEachEventUntil(archive, CForm::kElement, [&] {
         if (vxfileio::GetField(archive, *this, CForm::kHead)) return;
         if (vxfileio::GetField(archive, *this, CForm::kParameters)) return;
-        const bool hasMarks = (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
-        if (vxfileio::IsStartOf(archive, CForm::kMarks) && hasMarks) vxfileio::LoadMarks(archive, AnalyzeSettings);
+        if (vxfileio::IsStartOf(archive, CForm::kMarks) && vxfileio::HasChildren(archive))
+            vxfileio::LoadMarks(archive, AnalyzeSettings);
     });
 }
 
@@ -220,7 +219,8 @@ void CPropAnalyzer::InitTask(enTask task, std::int32_t recordings, const std::ve
     RecordingAnalysis wells;
     for (const std::int32_t wellID : wellIDs)
         wells.try_emplace(wellID);
-    AnalyzeSettings[task].assign(recordings < 1 ? 0 : static_cast<std::size_t>(recordings), wells);
+    TaskAnalysis marks(recordings < 1 ? 0 : static_cast<std::size_t>(recordings), wells);
+    AnalyzeSettings[task] = std::move(marks);
 }
 
 enAnalysisMark CPropAnalyzer::GetResponseMark(enTask task, std::int32_t recording, std::int32_t wellID,

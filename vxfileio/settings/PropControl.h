@@ -28,8 +28,8 @@ class VXFILEIO_API CPropControl : public CPropControlSlots {
     enAcqMode DataAcqMode = enAcqMode::NotDefined;                ///< How the data acquisition is driven.
     std::string SimulationDataFile;                               ///< Where simulated data come from.
 
-    /// Writes the element `PropertyControl`. (A template, so that it hides the base's operation and isn't one of its
-    /// kind.)
+    /// Writes the element `PropertyControl`. (A plain function would override that of the base, through which nothing
+    /// must be stored; a template can't.)
     template <class File>
     void Save(gd_xml_stream::CXMLArchive<File>& archive) const;
 

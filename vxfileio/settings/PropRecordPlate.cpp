@@ -178,7 +178,7 @@ constexpr auto kAny = [](const auto& /*record*/) { return true; };
 
 /// Returns the compound of a short form; null if the plate has none there.
 const PlateCompound* CompoundAt(const PlateData& data, std::int32_t index) {
-    if (index == -1) {
+    if (index == CPropRecordPlate::kFirstCompound) {
         const auto isThere = [](const auto& compound) { return compound != nullptr; };
         const auto first = std::find_if(data.Compounds.begin(), data.Compounds.end(), isThere);
         return first == data.Compounds.end() ? nullptr : first->get();
@@ -295,7 +295,7 @@ void CPropRecordPlate::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(ar
 void CPropRecordPlate::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
 
 void CPropRecordPlate::RequireCompound(std::int32_t index) const {
-    if (index == -1 || vxfileio::CompoundAt(Data, index) != nullptr) return;
+    if (index == kFirstCompound || vxfileio::CompoundAt(Data, index) != nullptr) return;
     throw CExcVXReader("The record plate has no compound at index " + std::to_string(index));
 }
 

@@ -93,10 +93,13 @@ class VXFILEIO_API CPropRecordPlate : public CVXProperty {
     /// that was stored as inactive comes back active.
     void Load(CXmlFileArchive& archive) override;
 
-    /// Writes the short form of the compound at `index` in the list. With -1 it is the first compound; a plate without
+    /// Stands for the index of the first compound that there is.
+    static constexpr std::int32_t kFirstCompound = -1;
+
+    /// Writes the short form of the compound at `index` in the list. With `kFirstCompound` it is the first compound; a plate without
     /// any writes a default one. A compound's well that has no record is written as a default well with that ID.
     /// Throws `CExcVXReader`, before anything is written, for any other index without a compound.
-    void SaveShort(CXmlFileArchive& archive, std::int32_t index = -1) const;
+    void SaveShort(CXmlFileArchive& archive, std::int32_t index = kFirstCompound) const;
 
     /// Reads the short form, up to the end tag of `PropertyRecordPlate`. Its compound and wells replace all that were
     /// there, whatever the document holds; wells keep their stored states.
@@ -138,6 +141,6 @@ class VXFILEIO_API CPropRecordPlate : public CVXProperty {
 };
 
 /// Returns a dose of picomolar with its unit, such as "999pM", "10nM" or "1\xB5M" (the byte of Latin-1). A remainder is
-/// dropped from 10000 on. Throws if the dose is a thousand molar or more, which no unit has room for; the exception is
-/// the library's own, and callers catch it with all others.
+/// dropped from 10000 on. Throws from one molar on, for which there is no unit, unless the dose is below ten molar and
+/// no whole number of them; the exception is the library's own, and callers catch it with all others.
 VXFILEIO_API std::string DoseToText(std::uint64_t dose);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -26,7 +27,8 @@ inline constexpr std::string_view kSettingsOpenFailed = "Could not open settings
 /// The first version whose files hold the analyzer's marks; from older ones they are made up.
 inline constexpr std::int32_t kFirstVersionWithMarks = 3;
 
-/// Stands for no particular compound: the plate's first, with all its active wells.
-inline constexpr std::int32_t kAnyCompound = -1;
+/// The most marks that are made up. No plate has so many wells and doses, and a file that claims them would otherwise
+/// take memory as the product of two lists.
+inline constexpr std::size_t kMostMadeMarks = 100'000;
 
 }  // namespace vxfileio::settings

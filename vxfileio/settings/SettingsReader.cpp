@@ -1,5 +1,8 @@
 #include "vxfileio/settings/SettingsReader.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
@@ -9,9 +12,15 @@ void CSettingsReader::ReadFile(const std::string& path) {
         m_header.Load(archive);
         vxfileio::ForEachEventUntil(archive, vxfileio::settings::kSettingsElement, [&] { LoadSection(archive); });
     });
-    if (m_header.FileVersion >= vxfileio::settings::kFirstVersionWithMarks) return;
-    m_analyzer.InitTask(enTask::Series, static_cast<std::int32_t>(m_recordPlate.Data.Series.size()),
-                        m_recordPlate.GetActiveWellIDs());
+    if (m_header.FileVersion < vxfileio::settings::kFirstVersionWithMarks) MakeMarks();
+}
+
+/// Makes up the marks that older files don't have: default ones for every dose that has a text and every active well.
+void CSettingsReader::MakeMarks() {
+    const std::vector<std::int32_t> wells = m_recordPlate.GetActiveWellIDs();
+    const std::size_t room = vxfileio::settings::kMostMadeMarks / std::max<std::size_t>(wells.size(), 1);
+    const std::size_t recordings = std::min(m_recordPlate.GetSeriesLabels().size(), room);
+    m_analyzer.InitTask(enTask::Series, static_cast<std::int32_t>(recordings), wells);
 }
 
 /// Reads the section whose start the archive stands at; anything else passes by.

@@ -30,6 +30,7 @@ class CSettingsReader {
 
  private:
     void LoadSection(CXmlFileArchive& archive);
+    void MakeMarks();
 
     CXmlFileHeader m_header;
     CPropControl m_control;

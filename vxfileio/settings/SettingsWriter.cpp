@@ -10,7 +10,7 @@ void CSettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
 
 void CSettingsWriter::WriteFile(const std::string& path, std::int32_t compound) {
     m_recordPlate.RequireCompound(compound);  // while the file is still as it was
-    const auto wells = compound == vxfileio::settings::kAnyCompound ? m_recordPlate.GetActiveWellIDs()
+    const auto wells = compound == CPropRecordPlate::kFirstCompound ? m_recordPlate.GetActiveWellIDs()
                                                                     : m_recordPlate.GetActiveCompoundWellIDs(compound);
     vxfileio::WriteDocument(path, vxfileio::settings::kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
         m_header.Save(archive);

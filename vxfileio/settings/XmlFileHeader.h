@@ -15,7 +15,7 @@ class VXFILEIO_API CXmlFileHeader {
     std::string VexaprobeMode = "NotDefined";  ///< The kind of instrument, as free text.
     std::string FileType;                      ///< "VXSettings" or "VXResults"; set by the writers.
     std::string ProgramVersion;                ///< The version of the writing program.
-    std::int32_t FileVersion = 0;              ///< The version of the file's form.
+    std::int32_t FileVersion = 0;              ///< The version of the file's form; settings files are of version 3.
     std::uint64_t RecordingDate = 0;           ///< When the run was recorded, as a file time.
     std::string RecordingDateString;           ///< The same for people.
     std::string FileName;                      ///< The name that the file was given.

@@ -159,6 +159,11 @@ std::size_t CXMLArchive<File>::GetListSize() {
 }
 
 template <class File>
+bool CXMLArchive<File>::ListHasEntries() {
+    return m_reader->ReadListClaim() > 0;
+}
+
+template <class File>
 void CXMLArchive<File>::GetSamples(std::vector<double>& samples) {
     m_reader->ReadSamples(samples);
 }

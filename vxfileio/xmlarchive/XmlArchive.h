@@ -124,8 +124,11 @@ class CXMLArchive {
 
     /// Reads the attribute `Size` of a list, and returns how many entries to make room for: never less than none, and
     /// never so many that all lists of the document together had more entries than the file has bytes, whatever they
-    /// claim.
+    /// claim. A list that claims more than can follow takes no room from lists behind it.
     std::size_t GetListSize();
+
+    /// Whether a list says that it has entries. One that says it hasn't is self-closed and has no end tag.
+    bool ListHasEntries();
 
     /// Reads the text of the current element as numbers, each up to its semicolon, into the entries of `samples`. It
     /// changes as many entries as there are semicolons, and ignores what it has no entry for.

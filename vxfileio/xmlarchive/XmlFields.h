@@ -91,7 +91,7 @@ CCharacterField(std::string_view, char Object::*) -> CCharacterField<Object>;
 /// Writes a list: its `Size`, then `saveEntry(entry)` for each.
 template <class Entries, class SaveEntry>
 void PutList(CXmlFileArchive& archive, const Entries& entries, SaveEntry saveEntry) {
-    archive.PutAttribute("Size", static_cast<std::int32_t>(entries.size()));
+    archive.PutAttribute(gd_xml_stream::kListSize, static_cast<std::int32_t>(entries.size()));
     for (const auto& entry : entries)
         saveEntry(entry);
 }
@@ -110,6 +110,11 @@ void PutValues(CXmlFileArchive& archive, std::string_view entryTag, const std::v
 /// Whether the archive stands at the start of an element with this tag.
 inline bool IsStartOf(const CXmlFileArchive& archive, std::string_view tag) {
     return !archive.IsEndTag() && archive.TagName() == tag;
+}
+
+/// Whether the current element has children, and so an end tag of its own.
+inline bool HasChildren(const CXmlFileArchive& archive) {
+    return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
 /// A list of plain values of which each event uses up one count. What isn't an entry adds none to the list.

@@ -18,9 +18,17 @@ bool XmlInput::ReadBlock() {
     const std::size_t whole = std::string_view(m_buffer.data() + m_size, read).find('\0');
     m_endsInNul = whole != std::string_view::npos;
     m_ended = m_endsInNul || read < m_blockSize;
+    m_read += read;
     read = std::min(read, whole);
     m_size += read;
     return read > 0;
+}
+
+std::size_t XmlInput::Remaining() const {
+    const std::size_t inMemory = m_size - m_cursor;
+    if (m_ended) return inMemory;
+    const auto fileSize = static_cast<std::size_t>(m_file->Size());
+    return inMemory + fileSize - std::min(fileSize, m_read);
 }
 
 bool XmlInput::StandsOn(std::string_view text) {

@@ -54,6 +54,10 @@ class XmlInput {
     /// Whether the document ended in a NUL, rather than with its file. Told only once `AtEnd` holds.
     bool EndsInNul() const { return m_endsInNul; }
 
+    /// How many bytes the document can have behind the cursor, by the size of its file; exactly so many once its end is
+    /// in memory.
+    std::size_t Remaining() const;
+
     /// The byte at the cursor; NUL at the end.
     char Peek() { return AtEnd() ? '\0' : m_buffer[m_cursor]; }
 
@@ -112,6 +116,7 @@ class XmlInput {
     std::vector<char> m_buffer;  ///< A block, behind what was left of the one before.
     std::size_t m_cursor = 0;
     std::size_t m_size = 0;  ///< Bytes of the document in `m_buffer`.
+    std::size_t m_read = 0;  ///< Bytes of the file that were read.
     bool m_ended;            ///< Nothing follows what is in memory.
     bool m_endsInNul = false;
 };

@@ -111,12 +111,20 @@ bool XmlReader::ReadAttribute(std::string_view name, XmlValue& value) {
     return true;
 }
 
-std::size_t XmlReader::ReadListSize() {
+std::size_t XmlReader::ReadListClaim() {
     XmlValue claimed(std::int32_t{0});
-    ReadAttribute("Size", claimed);
-    if (!m_listEntries) m_listEntries = m_file == nullptr ? 0 : static_cast<std::size_t>(m_file->Size());
-    const auto wanted = static_cast<std::size_t>(std::max(claimed.AsInt32(), std::int32_t{0}));
-    const std::size_t granted = std::min(wanted, *m_listEntries);
+    ReadAttribute(kListSize, claimed);
+    return static_cast<std::size_t>(std::max(claimed.AsInt32(), std::int32_t{0}));
+}
+
+std::size_t XmlReader::ReadListSize() {
+    constexpr std::size_t kLeastBytesPerEntry = 2;  // a digit and a semicolon
+    const std::size_t claimed = ReadListClaim();
+    const std::size_t possible = m_scanner.Remaining() / kLeastBytesPerEntry;
+    if (!m_listEntries) m_listEntries = m_scanner.Remaining() + m_scanner.Element().size();
+    // A list that claims more than can follow mustn't take what lists behind it may need.
+    const std::size_t room = claimed <= possible ? *m_listEntries : *m_listEntries - std::min(*m_listEntries, possible);
+    const std::size_t granted = std::min(claimed, room);
     *m_listEntries -= granted;
     return granted;
 }

@@ -17,7 +17,7 @@ namespace gd_xml_stream {
 class XmlReader {
  public:
     /// `file`, which may be null, isn't owned.
-    XmlReader(CFileBuffer* file, std::size_t blockSize) : m_scanner(file, blockSize), m_file(file) {}
+    XmlReader(CFileBuffer* file, std::size_t blockSize) : m_scanner(file, blockSize) {}
 
     /// Goes to the root element; see `XmlScanner::SkipProlog`.
     bool SkipProlog() { return m_scanner.SkipProlog(); }
@@ -31,7 +31,7 @@ class XmlReader {
     /// The name of the current element; empty without one.
     std::string_view Name() const;
 
-    /// What stands between the text of the value and the tag behind it; nothing if the element has no text.
+    /// The text of the value, its references not yet decoded; nothing if the element has no text.
     std::optional<std::string_view> Value() const;
 
     /// The same with its references decoded, empty without text. It lives until the next call.
@@ -42,6 +42,9 @@ class XmlReader {
 
     /// Reads an attribute into `value`, in its type. Returns false if it is absent.
     bool ReadAttribute(std::string_view name, XmlValue& value);
+
+    /// Returns the entries that the current list claims to have; never less than none.
+    std::size_t ReadListClaim();
 
     /// Returns the entries that the current list may have; see `CXMLArchive::GetListSize`.
     std::size_t ReadListSize();
@@ -56,7 +59,6 @@ class XmlReader {
     std::optional<std::size_t> FindAttribute(std::string_view name) const;
 
     XmlScanner m_scanner;
-    CFileBuffer* m_file;
     std::string m_decoded;
     std::size_t m_valueAt = 0;                 ///< Where in the element the next value is sought.
     std::optional<std::size_t> m_listEntries;  ///< What the lists of the document may still have; set by the first.

@@ -37,6 +37,9 @@ class XmlScanner {
     /// Whether the current element is `<name/>`.
     bool IsSelfClosing() const { return m_selfClosing; }
 
+    /// How many bytes the document can still have; see `XmlInput::Remaining`.
+    std::size_t Remaining() const { return m_input.Remaining(); }
+
     /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.
     XmlError LastError() const { return m_lastError; }
 

@@ -7,6 +7,9 @@
 
 namespace gd_xml_stream {
 
+/// The attribute of a list that tells its number of entries.
+inline constexpr const char* kListSize = "Size";
+
 /// Bits of the state of an element.
 struct XmlState {
     static constexpr std::uint32_t kOpen = 0x0001;         ///< Storing: an element is open.

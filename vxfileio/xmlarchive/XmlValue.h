@@ -9,8 +9,8 @@ namespace gd_xml_stream {
 enum class XmlType : std::uint16_t {
     Int32 = 3,
     Double = 5,
-    ConstText = 8,  ///< Text that lives as long as the program; names of elements and attributes are of this type.
-    Text = 9,
+    ConstText = 8,  ///< A NUL-terminated text, such as the names of elements and attributes.
+    Text = 9,       ///< The characters of a string.
     Bool = 11,
     UInt16 = 18,
     UInt32 = 19,
@@ -21,13 +21,16 @@ enum class XmlType : std::uint16_t {
 /// One value on its way into or out of an archive: a type and its payload.
 ///
 /// Text is not owned. On the way in it must live for the call; on the way out it belongs to the archive, ends with a
-/// NUL, is null if there was none, and lives until the archive's next string is read.
+/// NUL and lives until the archive's next string is read.
 class XmlValue {
  public:
     XmlValue(std::int32_t value) : m_type(XmlType::Int32) { m_payload.int32 = value; }
     XmlValue(double value) : m_type(XmlType::Double) { m_payload.real = value; }
     XmlValue(const char* text) : m_type(XmlType::ConstText) { m_payload.text = text; }
     XmlValue(const std::string& text) : m_type(XmlType::Text) { m_payload.text = text.c_str(); }
+    XmlValue(char value) = delete;  // a number or a text?
+    template <class Object>
+    XmlValue(const Object* value) = delete;  // or it would be a truth value
     XmlValue(bool value) : m_type(XmlType::Bool) { m_payload.boolean = value; }
     XmlValue(std::uint16_t value) : m_type(XmlType::UInt16) { m_payload.uint16 = value; }
     XmlValue(std::uint32_t value) : m_type(XmlType::UInt32) { m_payload.uint32 = value; }

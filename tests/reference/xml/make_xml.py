@@ -40,7 +40,7 @@ SETTINGS = DECLARATION + (
     "</PlateRow><State>0</State></Well><Well><WellID>66</WellID><ChID>66</ChID><Label>C1</Label><PlateColumn>0"
     "</PlateColumn><PlateRow>2</PlateRow><State>1</State></Well><Well><WellID>5</WellID><ChID>67</ChID><Label></Label>"
     "<PlateColumn>0</PlateColumn><PlateRow>3</PlateRow><State>0</State></Well></Wells><PipetMode>SaveCompounds"
-    '</PipetMode><Series Size="2"><Dose>1000</Dose><Dose>18446744073709551615</Dose></Series></PropertyRecordPlate>'
+    '</PipetMode><Series Size="2"><Dose>1000</Dose><Dose>999000000000</Dose></Series></PropertyRecordPlate>'
     '<PropertyQualityCheck><QualityChecks Size="2">'
     '<QC><TaskName>CompoundTest</TaskName><EnableQC>1</EnableQC><QCPerformed Size="2"><CompoundID>3</CompoundID>'
     "<CompoundID>7</CompoundID></QCPerformed><CompoundName>Ref</CompoundName><CompoundDose>1000000</CompoundDose>"

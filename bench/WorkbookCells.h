@@ -1,0 +1,9 @@
+#pragma once
+
+// The cells that all programs put into a workbook.
+
+#include <cstdint>
+
+inline constexpr std::uint32_t kRows = 65'000;
+
+inline double CellOf(std::uint32_t row, std::uint32_t column) { return (row * 12 + column) / 7.0 + 0.001; }

@@ -1,0 +1,159 @@
+#!/usr/bin/python3
+"""Checks that the reference workbooks, their text twins, xlrd and the page on the format agree.
+
+Prints one line for each disagreement and ends with 1 if there is any.
+"""
+
+import itertools
+import pathlib
+import re
+import sys
+import tempfile
+
+import make_workbooks
+
+FOLDER = pathlib.Path(__file__).resolve().parent
+ROOT = FOLDER.parent.parent.parent
+PAGE = (ROOT / "docs" / "workbook.md").read_text("utf-8")
+sys.path.append(str(ROOT / "tests" / "workbooks"))
+import check_workbooks  # noqa: E402
+
+NAMES = sorted(make_workbooks.WORKBOOKS)
+
+
+def number(data):
+    return int.from_bytes(data, "little")
+
+
+def records(stream):
+    """Position, code and body of each record."""
+    position = 0
+    while position < len(stream):
+        end = position + 4 + number(stream[position + 2:position + 4])
+        yield position, number(stream[position:position + 2]), stream[position + 4:end]
+        position = end
+
+
+ALL_RECORDS = [entry for sheets in make_workbooks.WORKBOOKS.values()
+               for entry in records(make_workbooks.stream_of(sheets))]
+
+
+def committed_against_made():
+    """Making the files again gives the same files and the same bytes."""
+    with tempfile.TemporaryDirectory() as folder:
+        made = pathlib.Path(folder)
+        make_workbooks.make(made)
+        names = {path.name for path in made.iterdir()}
+        committed = {path.name for suffix in ("xls", "txt") for path in FOLDER.glob(f"*.{suffix}")}
+        for name in sorted(names ^ committed):
+            yield f"{name} is {'not committed' if name in names else 'not made by make_workbooks.py'}"
+        for name in sorted(names & committed):
+            if (made / name).read_bytes() != (FOLDER / name).read_bytes():
+                yield f"{name} isn't what make_workbooks.py makes"
+
+
+def xlrd_against_twins():
+    """Every workbook reads as its twin tells."""
+    for name in NAMES:
+        expected = check_workbooks.expected_cells(FOLDER / f"{name}.txt")
+        found = check_workbooks.read_xlrd(FOLDER / f"{name}.xls")
+        for text in check_workbooks.differences("xlrd", expected, found):
+            yield f"{name}.xls: {text}"
+
+
+# ---- The page --------------------------------------------------------------------------------------------------------
+
+
+def section(heading):
+    """What stands under a heading that begins so, up to the next heading."""
+    return re.split(r"^##", PAGE.split(f"\n{heading}", 1)[1], maxsplit=1, flags=re.MULTILINE)[0]
+
+
+def rows_of(heading):
+    """The rows of the tables in a section, as lists of cells."""
+    return [[cell.strip() for cell in line.strip().strip("|").split("|")] for line in section(heading).splitlines()
+            if re.match(r"\| [0-9.]+ \|", line)]
+
+
+def fields_against(what, rows, bodies):
+    """The fields of a table are side by side, and wherever it tells numbers, each body has one of them there."""
+    end = 0
+    for offset, width, field, value in rows:
+        if int(offset) != end:
+            yield f"{field} of {what} doesn't stand behind what comes before"
+        if not width.isdigit():
+            continue
+        end = int(offset) + int(width)
+        told = [int(text, 0) for text in re.findall(r"\b(?:0x[0-9A-F]+|[0-9]+)\b", value)]
+        if value[:1].isdigit() and not all(number(body[int(offset):end]) in told for body in bodies):
+            yield f"{field} of {what} isn't what the page tells"
+
+
+def records_against_page():
+    """Code, size and fixed values of all records are those of the page, and the page tells every record."""
+    headings = re.findall(r"^### (\w+): (0x[0-9A-F]{4}), (.*)$", PAGE, re.MULTILINE)
+    told = {int(code, 16): name for name, code, _ in headings}
+    if told.keys() != {code for _, code, _ in ALL_RECORDS}:
+        yield "the page tells other records than there are"
+    for name, code, size in headings:
+        bodies = [body for _, of_body, body in ALL_RECORDS if of_body == int(code, 16)]
+        if exact := re.fullmatch("([0-9]+) bytes", size):
+            if {len(body) for body in bodies} != {int(exact[1])}:
+                yield f"{name} has another size than the page tells"
+        yield from fields_against(name, rows_of(f"### {name}: "), bodies)
+
+
+def file_against_page():
+    """Header and directory are those of the page."""
+    for name in NAMES:
+        data = (FOLDER / f"{name}.xls").read_bytes()
+        yield from fields_against(f"the header of {name}.xls", rows_of("### Header of the file"), [data[:512]])
+        yield from fields_against(f"the directory of {name}.xls", rows_of("### Directory entry"),
+                                  [data[1024:1152], data[1152:1280]])
+
+
+def walk_against_stream():
+    """The page's walk through small.xls meets every record."""
+    codes = {name: int(code, 16) for name, code in re.findall(r"^### (\w+): (0x[0-9A-F]{4})", PAGE, re.MULTILINE)}
+    told = [(int(offset), codes[name], int(size)) for offset, name, size, _ in rows_of("## A stream, record by record")]
+    repeated = {codes[name] for name in ("Font", "XF", "Style")}
+    stream = make_workbooks.stream_of(make_workbooks.SMALL)
+    found = []
+    for code, group in itertools.groupby(records(stream), lambda entry: entry[1]):
+        group = list(group)
+        found += [(position, code, len(body)) for position, _, body in (group[:1] if code in repeated else group)]
+    if told != found:
+        yield "the page's walk through small.xls isn't that of its stream"
+    if f"It has {len(stream)} bytes." not in PAGE:
+        yield "the page tells another size of the stream in small.xls"
+
+
+def dumps_against_file():
+    data = (FOLDER / "small.xls").read_bytes()
+    dumps = re.findall(r"^ +([0-9]+)  ((?:[0-9a-f]{2} )+) +\|", PAGE, re.MULTILINE)
+    if not dumps:
+        yield "the page has no dump"
+    for offset, told in dumps:
+        told = bytes.fromhex(told)
+        if data[int(offset):int(offset) + len(told)] != told:
+            yield f"the page's dump is wrong at {offset}"
+
+
+def precision_against_page():
+    """The values that the page shows are kept as it says."""
+    rows = rows_of("## What precision a value keeps")
+    if not rows:
+        yield "the page has no table of what precision a value keeps"
+    for value, form, reads_as in rows:
+        is_short = make_workbooks.is_short(float(value))
+        if is_short != (form == "short") or check_workbooks.kept(float(value)) != float(reads_as):
+            yield f"{value} isn't kept as the page says"
+
+
+CHECKS = (committed_against_made, xlrd_against_twins, records_against_page, file_against_page, walk_against_stream,
+          dumps_against_file, precision_against_page)
+
+if __name__ == "__main__":
+    disagreements = [line for check in CHECKS for line in check()]
+    print("\n".join(disagreements) or f"{len(NAMES)} reference workbooks agree")
+    sys.exit(bool(disagreements))

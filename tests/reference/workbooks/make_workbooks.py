@@ -1,0 +1,271 @@
+#!/usr/bin/python3
+"""Makes the reference workbooks: NAME.xls, byte for byte what the library must write, and its text twin NAME.txt.
+
+A twin has one line per cell: sheet, row, column, type and value, apart by tabs. A text stands there with four digits
+for each character. docs/workbook.md tells the format; nothing here comes from the library or from a program that writes
+workbooks.
+
+    make_workbooks.py [FOLDER]      default: the folder of this script
+"""
+
+import itertools
+import pathlib
+import struct
+import sys
+
+# ---- The workbooks ---------------------------------------------------------------------------------------------------
+
+# Each: its sheets, and their cells by row and column. A float, an int and a str are cells of different types.
+EMPTY = {"Sheet1": {}}
+
+SMALL = {
+    "Results": {
+        (2, 1): "1\xb5M", (2, 2): 5, (2, 3): -1, (2, 4): 536870911,        # three whole numbers are one run,
+        (2, 5): 1.0, (2, 6): 12.34, (2, 7): -99.99, (2, 8): 0.0,           # four doubles another
+        (4, 0): "B7", (4, 1): 0.5, (4, 3): 1234.56, (4, 4): 153.2738, (4, 5): 5242.89, (4, 7): -7,
+        (70, 0): 12.34005, (70, 1): 214748.0, (70, 2): 214749.0, (70, 3): "1\xb5M", (70, 4): 1e-5, (70, 5): 0.29,
+    },
+    "\xc4nderung": {(0, 0): "1\xb5M", (0, 1): "\u03bcV", (1, 200): 1e300},
+}
+
+# 40 texts of 203 bytes leave 96 in their record, which is enough to begin the next one and not enough to end it.
+BIG = {
+    "Beats": {
+        **{(row, 0): chr(0x3b1 + row % 16) * 99 + chr(0x100 + row) for row in range(40)},
+        (40, 0): "\u20ac" * 46 + "|" + "\u4e2d" * 53,
+        (41, 0): "behind",
+        **{(row, column): row + column / 8 for row in range(0, 100, 3) for column in range(1, 6)},
+        **{(row, 7): 1 / (row + 3) for row in range(1, 65, 2)},
+    },
+    "Second": {(31, 0): 31.5, (32, 0): 32, (33, 255): "behind"},
+}
+
+WORKBOOKS = {"empty": EMPTY, "small": SMALL, "big": BIG}
+
+# ---- Records ---------------------------------------------------------------------------------------------------------
+
+MOST_BODY = 8224
+
+
+def record(code, layout="", *fields, tail=b""):
+    body = struct.pack("<" + layout, *fields) + tail
+    assert len(body) <= MOST_BODY
+    return struct.pack("<HH", code, len(body)) + body
+
+
+def is_narrow(text):
+    return all(ord(character) < 0x100 for character in text)
+
+
+def characters(text):
+    return text.encode("latin-1" if is_narrow(text) else "utf-16-le")
+
+
+def option(text):
+    return b"\0" if is_narrow(text) else b"\1"
+
+
+def bof(kind):
+    return record(0x0809, "HHHHII", 0x0600, kind, 6560, 1997, 0xC0C9, 0x306)
+
+
+EOF = record(0x000A)
+FONT = record(0x0031, "5H4B", 200, 0, 0x7FFF, 400, 0, 0, 0, 0, 0, tail=b"\5\1" + "Arial".encode("utf-16-le"))
+XF = record(0x00E0, "3H4BIIH", 0, 0, 0xFFF5, 0x20, 0, 0, 0, 0, 0, 0x20C0)
+STYLE = record(0x0293, "HBB", 0x8000, 0, 0xFF)
+WINDOW1 = record(0x003D, "9H", 120, 120, 15135, 9300, 0x0038, 0, 0, 1, 600)
+
+
+def window2(is_first):
+    return record(0x023E, "7HI", 0x06B6 if is_first else 0x04B6, 0, 0, 64, 0, 0, 0, 0)
+
+
+def bound_sheet(position, name):
+    return record(0x0085, "IBBBB", position, 0, 0, len(name), 0, tail=name.encode("latin-1"))
+
+
+def shared_strings(texts):
+    """The record of all texts and its CONTINUE records. `texts` are those of all cells, in their order."""
+    different = list(dict.fromkeys(texts))
+    bodies = [struct.pack("<II", len(texts), len(different))]
+    for text in different:
+        data, width = characters(text), 1 if is_narrow(text) else 2
+        room = MOST_BODY - len(bodies[-1])
+        if 3 + len(data) > room and room < 12:
+            bodies.append(b"")
+            room = MOST_BODY
+        head = struct.pack("<H", len(text)) + option(text)
+        while True:
+            fitting = min(len(data), (room - len(head)) // width * width)
+            bodies[-1] += head + data[:fitting]
+            data = data[fitting:]
+            if not data:
+                break
+            bodies.append(b"")
+            head, room = option(text), MOST_BODY
+    return b"".join(record(0x003C if i else 0x00FC, tail=body) for i, body in enumerate(bodies))
+
+
+# ---- Cells -----------------------------------------------------------------------------------------------------------
+
+
+def whole(value):
+    """Without decimals, in 32 bits; what doesn't fit is the least number."""
+    return int(value) if -2147483649 < value < 2147483648 else -2147483648
+
+
+def is_short(value):
+    """Whether a double has the short form: as far as its first four decimals tell, they end with the second."""
+    return (whole(value * 100) * 100 - whole(value * 10000)) % 2**32 == 0
+
+
+def word_of(value):
+    if isinstance(value, int):
+        return (value * 4 + 2) % 2**32
+    in_hundredths = (whole(value) * 100 - whole(value * 100)) % 2**32 != 0
+    upper_half, = struct.unpack("<4xI", struct.pack("<d", value * 100 if in_hundredths else value))
+    return upper_half // 4 * 4 + in_hundredths
+
+
+def form_of(value):
+    if isinstance(value, float):
+        return "short double" if is_short(value) else "double"
+    return "whole" if isinstance(value, int) else "text"
+
+
+def runs(cells):
+    """The cells of a row, neighbours of one short form together. `cells` are (column, value), from left to right."""
+    def key(numbered):
+        number, (column, value) = numbered
+        form = form_of(value)
+        return form, column - number if form in ("whole", "short double") else column
+    return [[cell for _, cell in group] for _, group in itertools.groupby(enumerate(cells), key)]
+
+
+def run_record(row, run, string_index):
+    column, value = run[0]
+    form = form_of(value)
+    if form == "text":
+        return record(0x00FD, "HHHI", row, column, 0, string_index[value])
+    if form == "double":
+        return record(0x0203, "HHHd", row, column, 0, value)
+    if len(run) == 1:
+        return record(0x027E, "HHHI", row, column, 0, word_of(value))
+    items = b"".join(struct.pack("<HI", 0, word_of(item)) for _, item in run)
+    return record(0x00BD, "HH", row, column, tail=items + struct.pack("<H", run[-1][0]))
+
+
+def row_block(rows, column_end, string_index):
+    """The records of a block, and how far into them its DBCell is. `rows` are (row, cells)."""
+    heads = b"".join(record(0x0208, "HHHHHHI", row, 0, column_end, 255, 0, 0, 0) for row, _ in rows)
+    cells, offsets, way = b"", [], len(heads) - 20  # from the second row's record on
+    for row, line in rows:
+        offsets.append(way)
+        of_row = b"".join(run_record(row, run, string_index) for run in runs(line))
+        cells += of_row
+        way = len(of_row)
+    back = len(heads + cells)
+    return heads + cells + record(0x00D7, f"I{len(offsets)}H", back, *offsets), back
+
+
+def sheet_records(cells, is_first, position, string_index):
+    """The records of a sheet that stands at `position` of the stream."""
+    row_end = max((row + 1 for row, _ in cells), default=0)
+    column_end = max((column + 1 for _, column in cells), default=0)
+    first_row, first_column = min(cells, default=(0, 0))
+    lines = {row: [(column, value) for (_, column), value in line]
+             for row, line in itertools.groupby(sorted(cells.items()), lambda item: item[0][0])}
+    block_count = (row_end + 31) // 32
+    place = position + 20 + 20 + 4 * max(block_count, 1) + 18
+    blocks, places = b"", []
+    for block in range(block_count):
+        rows = [(row, line) for row, line in lines.items() if row // 32 == block]
+        data, back = row_block(rows, column_end, string_index)
+        places.append(place + len(blocks) + back)
+        blocks += data
+    places = places or [0]
+    return (bof(0x10) + record(0x020B, f"IIII{len(places)}I", 0, first_row, row_end, 0, *places) +
+            record(0x0200, "IIHHH", first_row, row_end, first_column, column_end, 0) + blocks + window2(is_first) + EOF)
+
+
+def stream_of(sheets):
+    """The stream `Workbook`."""
+    texts = [value for cells in sheets.values() for _, value in sorted(cells.items()) if isinstance(value, str)]
+    string_index = {text: index for index, text in enumerate(dict.fromkeys(texts))}
+    front = bof(5) + WINDOW1 + 4 * FONT + 21 * XF + 6 * STYLE
+    back = shared_strings(texts) + EOF
+    position = len(front + back) + sum(len(bound_sheet(0, name)) for name in sheets)
+    names, bodies = b"", b""
+    for number, (name, cells) in enumerate(sheets.items()):
+        names += bound_sheet(position + len(bodies), name)
+        bodies += sheet_records(cells, number == 0, position + len(bodies), string_index)
+    return front + names + back + bodies
+
+
+# ---- The compound file -----------------------------------------------------------------------------------------------
+
+FREE, END_OF_CHAIN, FAT_SECTOR = 0xFFFFFFFF, 0xFFFFFFFE, 0xFFFFFFFD
+
+
+def in_units(data, unit):
+    return -(-len(data) // unit)
+
+
+def table(marks):
+    assert len(marks) <= 128, "one sector of the FAT is enough for every workbook here"
+    return struct.pack("<128I", *marks, *[FREE] * (128 - len(marks)))
+
+
+def entry(name, kind, child, start, size):
+    return struct.pack("<64sHBBIII36xIII", name.encode("utf-16-le"), 2 * len(name) + 2, kind, 1, FREE, FREE, child,
+                       start, size, 0)
+
+
+def chain(sectors):
+    """The marks of these sectors, each leading to the next."""
+    return dict(zip(sectors, sectors[1:] + [END_OF_CHAIN]))
+
+
+def compound_file(stream):
+    if len(stream) >= 4096:
+        count = in_units(stream, 512)
+        marks = {0: FAT_SECTOR, 1: END_OF_CHAIN, **chain(list(range(2, 2 + count)))}
+        sectors = stream.ljust(512 * count, b"\0")
+        mini_fat, root, start = (END_OF_CHAIN, 0), (END_OF_CHAIN, 0), 2
+    else:
+        count, mini_count = in_units(stream, 512), in_units(stream, 64)
+        data = stream.ljust(512 * count, b"\0")
+        of_mini_fat = table([*range(1, mini_count), END_OF_CHAIN])
+        marks = {0: FAT_SECTOR, 1: END_OF_CHAIN, 3: END_OF_CHAIN, **chain([2, *range(4, 3 + count)])}
+        sectors = data[:512] + of_mini_fat + data[512:]
+        mini_fat, root, start = (3, 1), (2, 64 * mini_count), 0
+    header = struct.pack("<8s16x5H6x9I", bytes.fromhex("D0CF11E0A1B11AE1"), 0x3B, 3, 0xFFFE, 9, 6, 0, 1, 1, 0, 4096,
+                         *mini_fat, END_OF_CHAIN, 0) + struct.pack("<109I", 0, *[FREE] * 108)
+    directory = entry("Root Entry", 5, 1, *root) + entry("Workbook", 2, FREE, start, len(stream)) + bytes(256)
+    return header + table([mark for _, mark in sorted(marks.items())]) + directory + sectors
+
+
+# ---- Files -----------------------------------------------------------------------------------------------------------
+
+
+def twin_line(sheet, row, column, value):
+    if isinstance(value, str):
+        kind, text = "text", "".join(f"{ord(character):04x}" for character in value)
+    else:
+        kind, text = ("integer", str(value)) if isinstance(value, int) else ("double", f"{value:.17g}")
+    return f"{sheet}\t{row}\t{column}\t{kind}\t{text}\n"
+
+
+def twin_of(sheets):
+    return "".join(twin_line(sheet, *place, value) for sheet, cells in sheets.items()
+                   for place, value in sorted(cells.items()))
+
+
+def make(folder):
+    for name, sheets in WORKBOOKS.items():
+        (folder / f"{name}.xls").write_bytes(compound_file(stream_of(sheets)))
+        (folder / f"{name}.txt").write_bytes(twin_of(sheets).encode("latin-1"))
+
+
+if __name__ == "__main__":
+    make(pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).resolve().parent)
