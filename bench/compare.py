@@ -9,6 +9,7 @@ usage: compare.py BUILD_FOLDER [--rounds N] [--folder DIR] [WORKLOAD...]
 import argparse
 import filecmp
 import os
+import shutil
 import statistics
 import subprocess
 import tempfile
@@ -30,6 +31,7 @@ WORKLOADS = {
     "results-read": ("read", "results", ["expat"], ["1"]),
     "workbook-write": ("write", "workbook", ["xlsxwriter"], ["12"]),
     "workbook-write-x4": ("write", "workbook", ["xlsxwriter"], ["48"]),
+    "plate-export": ("write", "export", [], ["2000"]),
     "results-write-x4": ("write", "results", [], ["4"]),
     "results-read-x4": ("read", "results", ["expat"], ["4"]),
 }
@@ -62,20 +64,21 @@ def check_same_bytes(folder, programs, arguments):
 def measure(build, folder, workload, rounds):
     mode, family, peers, arguments = WORKLOADS[workload]
     programs = programs_of(build, family, peers)
-    path = os.path.join(folder, "bench.file")
-    if family != "raw":
+    path = os.path.join(folder, workload, "bench.xls")
+    os.mkdir(os.path.dirname(path))
+    if family not in ("raw", "export"):
         check_same_bytes(folder, programs, arguments)
-    if mode == "read":
+    if mode == "read" or family == "export":  # the limit of an export writes again what the library wrote
         run(programs[1], "write", path, arguments)
     times = {program: [] for program in programs}
     peaks = {}
     for _ in range(rounds):
         for program in programs:
-            if mode == "write" and os.path.exists(path):
+            if mode == "write" and family != "export" and os.path.exists(path):
                 os.remove(path)
             seconds, peaks[program] = run(program, mode, path, arguments)
             times[program].append(seconds)
-    os.remove(path)
+    shutil.rmtree(os.path.dirname(path))
     limit = programs[0]
     for program in programs[1:]:
         ratio = statistics.median(times[program]) / statistics.median(times[limit])
