@@ -77,7 +77,7 @@ class VXFILEIO_API CPropAnalyzer : public CVXProperty {
     /// @name The words of `FPAveIntervalType`
     /// An unknown number or word is `enFPAveIntervalType::Undefined`, "Undefined".
     /// @{
-    static std::string FPAveIntervalTypeToString(enFPAveIntervalType type);
-    static enFPAveIntervalType StringToFPAveIntervalType(const std::string& word);
+    static std::string FPAveIntervalTypeToString(enFPAveIntervalType type);         ///< The word of a number.
+    static enFPAveIntervalType StringToFPAveIntervalType(const std::string& word);  ///< The number of a word.
     /// @}
 };

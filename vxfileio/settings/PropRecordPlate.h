@@ -20,10 +20,9 @@ struct PlateMap {
 
 /// One well of a plate.
 struct PlateWell {
-    /// States of a well. Any other number is a well that isn't active.
-    static constexpr std::int32_t kActive = 0;
-    static constexpr std::int32_t kInactive = 1;
-    static constexpr std::int32_t kNew = 2;  ///< Active too; the export writes a workbook of its own for it.
+    static constexpr std::int32_t kActive = 0;    ///< A state: the well counts.
+    static constexpr std::int32_t kInactive = 1;  ///< A state: it doesn't; nor does it in any that isn't told here.
+    static constexpr std::int32_t kNew = 2;  ///< A state: it counts; the export writes a workbook of its own for it.
 
     std::int32_t WellID = 0;       ///< The key by which a well is known everywhere.
     std::string Label = {};        ///< For people, such as "A1".
@@ -45,10 +44,13 @@ struct PlateCompound {
 /// What a plate owns: compounds and wells. A null pointer is passed over everywhere. Copies are deep.
 struct VXFILEIO_API PlateRecords {
     PlateRecords() = default;
+    /// @{
+    /// Copies are deep.
     PlateRecords(const PlateRecords& other);
     PlateRecords(PlateRecords&&) = default;
     PlateRecords& operator=(const PlateRecords& other);
     PlateRecords& operator=(PlateRecords&&) = default;
+    /// @}
     ~PlateRecords() = default;
 
     std::vector<std::unique_ptr<PlateCompound>> Compounds;  ///< In the order of the plate's list.
@@ -96,9 +98,9 @@ class VXFILEIO_API CPropRecordPlate : public CVXProperty {
     /// Stands for the index of the first compound that there is.
     static constexpr std::int32_t kFirstCompound = -1;
 
-    /// Writes the short form of the compound at `index` in the list. With `kFirstCompound` it is the first compound; a plate without
-    /// any writes a default one. A compound's well that has no record is written as a default well with that ID.
-    /// Throws `CExcVXReader`, before anything is written, for any other index without a compound.
+    /// Writes the short form of the compound at `index` in the list. With `kFirstCompound` it is the first compound; a
+    /// plate without any writes a default one. A compound's well that has no record is written as a default well with
+    /// that ID. Throws `CExcVXReader`, before anything is written, for any other index without a compound.
     void SaveShort(CXmlFileArchive& archive, std::int32_t index = kFirstCompound) const;
 
     /// Reads the short form, up to the end tag of `PropertyRecordPlate`. Its compound and wells replace all that were

@@ -11,26 +11,29 @@
 
 /// A plate on the robot's deck.
 struct CRobotPlate {
-    char ID = ' ';
-    std::array<std::int32_t, 12> Values{};
+    char ID = ' ';                          ///< Its identifier.
+    std::array<std::int32_t, 12> Values{};  ///< Its geometry.
 };
 
 /// The geometry of the robot's deck. The library only copies it, deeply; no file holds it.
 struct VXFILEIO_API CRobotGeometry {
     CRobotGeometry() = default;
+    /// @{
+    /// Copies are deep.
     CRobotGeometry(const CRobotGeometry& other);
     CRobotGeometry(CRobotGeometry&&) = default;
     CRobotGeometry& operator=(const CRobotGeometry& other);
     CRobotGeometry& operator=(CRobotGeometry&&) = default;
+    /// @}
     ~CRobotGeometry() = default;
 
-    std::unique_ptr<std::array<std::int32_t, 6>> Range;
-    std::unique_ptr<std::array<std::int32_t, 5>> Dilutor;
-    std::unique_ptr<CRobotPlate> RecordPlate;
-    std::vector<std::unique_ptr<std::array<std::int32_t, 4>>> Cleaners;
-    std::vector<std::unique_ptr<std::array<std::int32_t, 4>>> Wastes;
-    std::vector<std::unique_ptr<std::array<std::int32_t, 7>>> Troughs;
-    std::vector<std::unique_ptr<CRobotPlate>> StockPlates;
+    std::unique_ptr<std::array<std::int32_t, 6>> Range;                  ///< Where the robot reaches.
+    std::unique_ptr<std::array<std::int32_t, 5>> Dilutor;                ///< The dilutor.
+    std::unique_ptr<CRobotPlate> RecordPlate;                            ///< The record plate.
+    std::vector<std::unique_ptr<std::array<std::int32_t, 4>>> Cleaners;  ///< The cleaners.
+    std::vector<std::unique_ptr<std::array<std::int32_t, 4>>> Wastes;    ///< The wastes.
+    std::vector<std::unique_ptr<std::array<std::int32_t, 7>>> Troughs;   ///< The troughs.
+    std::vector<std::unique_ptr<CRobotPlate>> StockPlates;               ///< The stock plates.
 };
 
 /// How the robot is set up: its deck, where it is reached, and what its positions serve for; -1 is none.

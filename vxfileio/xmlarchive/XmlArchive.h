@@ -98,13 +98,12 @@ class CXMLArchive {
     /// Whether the current event is the end of an element with children.
     bool IsEndTag() const;
 
-    /// @name Values
-    /// Each reads the text of the current element, or the first attribute that `GetAttribute` hasn't passed. None moves
+    /// @{
+    /// Reads the text of the current element, or the first attribute that `GetAttribute` hasn't passed. None moves
     /// on, so a value can be read again. A number is read as far as its text makes sense: no digits make 0, a value
     /// beyond the type the nearest that it holds (beyond 16 bits, the low ones of 32). An element without text leaves
     /// the number as it was. True is the number 1 alone. A string has its references decoded, and is empty without
     /// text.
-    /// @{
     void GetValue(std::int32_t& value);
     void GetValue(bool& value);
     void GetValue(std::int64_t& value);

@@ -24,6 +24,8 @@ enum class XmlType : std::uint16_t {
 /// NUL and lives until the archive's next string is read.
 class XmlValue {
  public:
+    /// @{
+    /// Makes a value of the type that belongs to the argument's.
     XmlValue(std::int32_t value) : m_type(XmlType::Int32) { m_payload.int32 = value; }
     XmlValue(double value) : m_type(XmlType::Double) { m_payload.real = value; }
     XmlValue(const char* text) : m_type(XmlType::ConstText) { m_payload.text = text; }
@@ -36,6 +38,7 @@ class XmlValue {
     XmlValue(std::uint32_t value) : m_type(XmlType::UInt32) { m_payload.uint32 = value; }
     XmlValue(std::int64_t value) : m_type(XmlType::Int64) { m_payload.int64 = value; }
     XmlValue(std::uint64_t value) : m_type(XmlType::UInt64) { m_payload.uint64 = value; }
+    /// @}
 
     /// The type. Only the accessor of this type may be asked.
     XmlType Type() const { return m_type; }
