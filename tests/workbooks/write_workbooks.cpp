@@ -3,6 +3,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -104,7 +105,8 @@ void WriteSizes(const std::filesystem::path& folder) {
     one.Double(0, 0, 1.0);
     one.Save(folder, "one_cell");
     // The last short stream, the first long one, and what lies around the first FAT sector's end and the next one's.
-    for (const std::size_t size : {4095, 4096, 4097, 62'976, 63'488, 64'000, 64'513, 129'024, 130'000, 7'200'000}) {
+    for (const std::size_t size : std::initializer_list<std::size_t>{4095, 4096, 4097, 62'976, 63'488, 64'000, 64'513,
+                                                                     129'024, 130'000, 7'200'000}) {
         CWorkbook workbook;
         FillTo(workbook, size);
         workbook.Save(folder, "stream_" + std::to_string(size));
