@@ -99,7 +99,7 @@ void XmlWriter::PutValue(const XmlValue& value) {
 
 void XmlWriter::PutSamples(const std::vector<double>& samples) {
     BeginText();
-    std::array<char, 1024> texts;
+    std::array<char, 1024> texts{};
     char* end = texts.data();
     const auto append = [&] { Append({texts.data(), static_cast<std::size_t>(end - texts.data())}); };
     for (const double sample : samples) {
