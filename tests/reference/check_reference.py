@@ -7,8 +7,8 @@ Prints one line for each disagreement and ends with 1 if there is any.
 import pathlib
 import re
 import sys
-import tempfile
 
+import made
 import make_reference
 import read_vxd
 
@@ -26,16 +26,7 @@ def reader_against_twins():
 
 def committed_against_made():
     """Making the files again gives the same files and the same bytes."""
-    with tempfile.TemporaryDirectory() as folder:
-        made = pathlib.Path(folder)
-        make_reference.make(made)
-        names = {path.name for path in made.iterdir()}
-        committed = {path.name for suffix in ("vxd", "txt") for path in FOLDER.glob(f"*.{suffix}")}
-        for name in sorted(names ^ committed):
-            yield f"{name} is {'not committed' if name in names else 'not made by make_reference.py'}"
-        for name in sorted(names & committed):
-            if (made / name).read_bytes() != (FOLDER / name).read_bytes():
-                yield f"{name} isn't what make_reference.py makes"
+    return made.against_committed(make_reference.make, FOLDER, ("*.vxd", "*.txt"))
 
 
 def rows_of(section):

@@ -1,6 +1,7 @@
 #include "vxfileio/results/Results.h"
 
 #include "vxfileio/results/ResultsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
 
 namespace vxfileio {
 

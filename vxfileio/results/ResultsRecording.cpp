@@ -1,6 +1,7 @@
 #include "vxfileio/results/ResultsRecording.h"
 
 #include "vxfileio/results/ResultsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
 
 namespace vxfileio {
 
@@ -39,7 +40,7 @@ struct CXmlForm<CResultsRecording> {
     static constexpr std::string_view kElement = results::kRecordingElement;
     static constexpr auto kFields = std::tuple{
         CValueField{"Dose", &CResultsRecording::Dose},
-        CResponsesField{"NormalizedResponses", &CResultsRecording::NormalizedResponses},
+        CKeyedObjectsField{"NormalizedResponses", &CResultsRecording::NormalizedResponses, &CResponseMean::Label},
         CResultsWellsField{},
     };
 };

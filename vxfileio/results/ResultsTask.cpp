@@ -1,33 +1,16 @@
 #include "vxfileio/results/ResultsTask.h"
 
 #include "vxfileio/results/ResultsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
 
 namespace vxfileio {
-
-namespace {
-
-struct CRecordingsField {
-    std::string_view tag = "Recordings";
-
-    void Put(CXmlFileArchive& archive, const CResultsTask& task) const {
-        PutList(archive, task.Recordings, [&](const CResultsRecording& recording) { recording.Save(archive); });
-    }
-    void Get(CXmlFileArchive& archive, CResultsTask& task) const {
-        task.Recordings.clear();
-        GetEntries<CResultsRecording>(
-            archive, [&](CResultsRecording& recording) { recording.Load(archive); },
-            [&](CResultsRecording recording) { task.Recordings.push_back(std::move(recording)); });
-    }
-};
-
-}  // namespace
 
 template <>
 struct CXmlForm<CResultsTask> {
     static constexpr std::string_view kElement = results::kTaskElement;
     static constexpr auto kFields = std::tuple{
         CValueField{"TaskName", &CResultsTask::TaskName},
-        CRecordingsField{},
+        CObjectsField{"Recordings", &CResultsTask::Recordings},
     };
 };
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "vxfileio/results/ResultsFile.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
 
 namespace vxfileio {
 
@@ -57,8 +58,8 @@ struct CXmlForm<CResultsWell> {
     };
     static constexpr auto kResponses = std::tuple{
         CWordField{"FPmaxType", &Well::FPmaxType},
-        CResponsesField{"Responses", &Well::Responses},
-        CResponsesField{"NormalizedResponses", &Well::NormalizedResponses},
+        CKeyedObjectsField{"Responses", &Well::Responses, &CResponse::Label},
+        CKeyedObjectsField{"NormalizedResponses", &Well::NormalizedResponses, &CResponse::Label},
     };
 };
 

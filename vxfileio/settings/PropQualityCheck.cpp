@@ -9,14 +9,10 @@ template <>
 struct CXmlForm<QualityCheckRecord> {
     using Record = QualityCheckRecord;
     static constexpr std::string_view kElement = "QC";
-    static constexpr CValuesField kPerformed{"QCPerformed", "CompoundID", &Record::QCPerformed};
-
-    /// Ahead of `kPerformed`, which is left empty at times, and behind it.
-    static constexpr auto kHead = std::tuple{
+    static constexpr auto kFields = std::tuple{
         CTextField{"TaskName", &Record::TaskName},
         CValueField{"EnableQC", &Record::EnableQC},
-    };
-    static constexpr auto kRest = std::tuple{
+        CValuesField{"QCPerformed", "CompoundID", &Record::QCPerformed},
         CTextField{"CompoundName", &Record::CompoundName},
         CValueField{"CompoundDose", &Record::CompoundDose},
         CValuesField{"Series", "Dose", &Record::Series},
@@ -39,43 +35,24 @@ struct CXmlForm<QualityCheckRecord> {
         CTextField{"WashOutQCComparison", &Record::WashOutQCComparison},
         CValueField{"WashOutQCEffectValue", &Record::WashOutQCEffectValue},
     };
-    static constexpr auto kFields = std::tuple_cat(kHead, std::tuple{kPerformed}, kRest);
 };
 
-namespace {
-
-constexpr std::string_view kChecks = "QualityChecks";
-
-void SaveRecord(CXmlFileArchive& archive, const QualityCheckRecord& record, bool omitPerformed) {
-    using Form = CXmlForm<QualityCheckRecord>;
-    if (!omitPerformed) return SaveElement(archive, record);
-    archive.OpenChild(Form::kElement);
-    PutFields(archive, record, Form::kHead);
-    PutFields(archive, QualityCheckRecord(), std::tuple{Form::kPerformed});
-    PutFields(archive, record, Form::kRest);
-    archive.CloseElement();
-}
-
-}  // namespace
+template <>
+struct CXmlForm<CPropQualityCheck> {
+    static constexpr std::string_view kElement = settings::kQualityCheckElement;
+    static constexpr auto kFields = std::tuple{
+        CKeyedObjectsField{"QualityChecks", &CPropQualityCheck::QualityChecks, &QualityCheckRecord::TaskName},
+    };
+};
 
 }  // namespace vxfileio
 
 void CPropQualityCheck::Save(CXmlFileArchive& archive, bool omitPerformed) {
-    archive.OpenChild(vxfileio::settings::kQualityCheckElement).OpenChild(vxfileio::kChecks);
-    vxfileio::PutList(archive, QualityChecks,
-                      [&](const auto& check) { vxfileio::SaveRecord(archive, check.second, omitPerformed); });
-    archive.CloseElement().CloseElement();
+    if (!omitPerformed) return vxfileio::SaveElement(archive, *this);
+    CPropQualityCheck unperformed = *this;
+    for (auto& [task, check] : unperformed.QualityChecks)
+        check.QCPerformed.clear();
+    vxfileio::SaveElement(archive, unperformed);
 }
 
-void CPropQualityCheck::Load(CXmlFileArchive& archive) {
-    vxfileio::ForEachEventUntil(archive, vxfileio::settings::kQualityCheckElement, [&] {
-        if (!vxfileio::IsStartOf(archive, vxfileio::kChecks)) return;
-        QualityChecks.clear();
-        vxfileio::GetEntries<QualityCheckRecord>(
-            archive, [&](QualityCheckRecord& check) { vxfileio::LoadElement(archive, check); },
-            [&](QualityCheckRecord check) {
-                const enTask task = StringToTask(check.TaskName);
-                QualityChecks[task] = std::move(check);
-            });
-    });
-}
+void CPropQualityCheck::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }

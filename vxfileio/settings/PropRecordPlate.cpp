@@ -17,19 +17,16 @@ namespace {
 
 /// A list of values in which only the entries count; what stands between them is passed over.
 template <class Object, class Value>
-struct CSoughtValuesField {
-    std::string_view tag;
-    std::string_view entryTag;
-    std::vector<Value> Object::*member;
+struct CSoughtValuesField : CListField<Object, Value> {
+    using CListField<Object, Value>::CListField;
 
-    void Put(CXmlFileArchive& archive, const Object& object) const { PutValues(archive, entryTag, object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const {
-        auto& values = object.*member;
+        auto& values = object.*(this->member);
         values.assign(archive.GetListSize(), Value{});
         if (values.empty()) return;  // such a list is self-closed and has no end tag
         std::size_t found = 0;
         while (found < values.size() && archive.NextElement()) {
-            if (IsStartOf(archive, entryTag)) archive.GetValue(values[found++]);
+            if (IsStartOf(archive, this->entryTag)) archive.GetValue(values[found++]);
         }
         archive.NextElement();  // the end tag
     }
@@ -49,14 +46,12 @@ struct COwnedListField {
         for (const auto& entry : object.*member) {
             if (entry) entries.push_back(entry.get());
         }
-        PutList(archive, entries, [&](const Entry* entry) { SaveElement(archive, *entry); });
+        PutList(archive, entries, [&](const Entry* entry) { SaveEntry(archive, *entry); });
     }
     void Get(CXmlFileArchive& archive, Object& object) const {
         auto& entries = object.*member;
         entries.clear();
-        GetEntries<Entry>(
-            archive, [&](Entry& entry) { LoadElement(archive, entry); },
-            [&](Entry entry) { entries.push_back(std::make_unique<Entry>(std::move(entry))); });
+        GetEntries<Entry>(archive, [&](Entry entry) { entries.push_back(std::make_unique<Entry>(std::move(entry))); });
     }
 };
 template <class Object, class Entry>
@@ -190,13 +185,11 @@ const PlateCompound* CompoundAt(const PlateData& data, std::int32_t index) {
 /// Reads the wells of the short form's compound, and adds a record for each.
 void LoadShortWells(CXmlFileArchive& archive, PlateData& data, PlateCompound& compound, CWellIndex& index) {
     compound.Wells.clear();
-    GetEntries<PlateWell>(
-        archive, [&](PlateWell& well) { LoadElement(archive, well); },
-        [&](const PlateWell& well) {
-            data.AddWell(well.WellID, well.PlateRow, well.PlateColumn, well.ChID, well.Label);
-            index.Add(*data.Wells.back()).State = well.State;
-            compound.Wells.push_back(well.WellID);
-        });
+    GetEntries<PlateWell>(archive, [&](const PlateWell& well) {
+        data.AddWell(well.WellID, well.PlateRow, well.PlateColumn, well.ChID, well.Label);
+        index.Add(*data.Wells.back()).State = well.State;
+        compound.Wells.push_back(well.WellID);
+    });
 }
 
 // ---- Plate maps -----------------------------------------------------------------------------------------------------

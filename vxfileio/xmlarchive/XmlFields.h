@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -101,12 +102,6 @@ inline void SaveValue(CXmlFileArchive& archive, std::string_view tag, const gd_x
     archive.OpenChild(tag).PutValue(value).CloseElement();
 }
 
-/// Writes a list of plain values, one element `entryTag` each.
-template <class Value>
-void PutValues(CXmlFileArchive& archive, std::string_view entryTag, const std::vector<Value>& values) {
-    PutList(archive, values, [&](const Value& value) { SaveValue(archive, entryTag, value); });
-}
-
 /// Whether the archive stands at the start of an element with this tag.
 inline bool IsStartOf(const CXmlFileArchive& archive, std::string_view tag) {
     return !archive.IsEndTag() && archive.TagName() == tag;
@@ -117,20 +112,32 @@ inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
-/// A list of plain values of which each event uses up one count. What isn't an entry adds none to the list.
+/// A list of plain values, one element `entryTag` each. How it is read, the kinds of it say.
 template <class Object, class Value>
-struct CValuesField {
+struct CListField {
     std::string_view tag;
     std::string_view entryTag;
     std::vector<Value> Object::*member;
 
-    void Put(CXmlFileArchive& archive, const Object& object) const { PutValues(archive, entryTag, object.*member); }
+    constexpr CListField(std::string_view listTag, std::string_view valueTag, std::vector<Value> Object::*values)
+        : tag(listTag), entryTag(valueTag), member(values) {}
+
+    void Put(CXmlFileArchive& archive, const Object& object) const {
+        PutList(archive, object.*member, [&](const Value& value) { SaveValue(archive, entryTag, value); });
+    }
+};
+
+/// A list of plain values of which each event uses up one count. What isn't an entry adds none to the list.
+template <class Object, class Value>
+struct CValuesField : CListField<Object, Value> {
+    using CListField<Object, Value>::CListField;
+
     void Get(CXmlFileArchive& archive, Object& object) const {
-        auto& values = object.*member;
+        auto& values = object.*(this->member);
         values.clear();
         for (std::size_t count = archive.GetListSize(); count > 0; --count) {
             archive.NextElement();
-            if (!IsStartOf(archive, entryTag)) continue;
+            if (!IsStartOf(archive, this->entryTag)) continue;
             Value value{};
             archive.GetValue(value);
             values.push_back(std::move(value));
@@ -143,18 +150,15 @@ CValuesField(std::string_view, std::string_view, std::vector<Value> Object::*) -
 /// A list of plain values that is as long as its `Size` says, in which each event stands for one entry. What isn't an
 /// entry leaves its place at the default.
 template <class Object, class Value>
-struct CPlacedValuesField {
-    std::string_view tag;
-    std::string_view entryTag;
-    std::vector<Value> Object::*member;
+struct CPlacedValuesField : CListField<Object, Value> {
+    using CListField<Object, Value>::CListField;
 
-    void Put(CXmlFileArchive& archive, const Object& object) const { PutValues(archive, entryTag, object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const {
-        auto& values = object.*member;
+        auto& values = object.*(this->member);
         values.assign(archive.GetListSize(), Value{});
         for (Value& value : values) {
             archive.NextElement();
-            if (IsStartOf(archive, entryTag)) archive.GetValue(value);
+            if (IsStartOf(archive, this->entryTag)) archive.GetValue(value);
         }
     }
 };
@@ -177,16 +181,6 @@ struct CPartField {
 template <class Object, class Part, class... Fields>
 constexpr auto FieldsOfPart(Part Object::*part, const Fields&... fields) {
     return std::tuple{CPartField<Object, Part, Fields>{part, fields}...};
-}
-
-/// Reads a list of objects: as many as its `Size` says, each read by `load(entry)` and handed on to `keep`.
-template <class Entry, class LoadEntry, class KeepEntry>
-void GetEntries(CXmlFileArchive& archive, LoadEntry load, KeepEntry keep) {
-    for (std::size_t count = archive.GetListSize(); count > 0; --count) {
-        Entry entry{};
-        load(entry);
-        keep(std::move(entry));
-    }
 }
 
 /// Writes what stands inside the element of an object.
@@ -234,5 +228,76 @@ void LoadElement(CXmlFileArchive& archive, Object& object) {
     ForEachEventUntil(archive, CXmlForm<Object>::kElement,
                       [&] { GetField(archive, object, CXmlForm<Object>::kFields); });
 }
+
+// ---- Lists of objects -----------------------------------------------------------------------------------------------
+
+/// Writes an object that stands in a list: as it does itself, or by its form.
+template <class Entry>
+void SaveEntry(CXmlFileArchive& archive, const Entry& entry) {
+    if constexpr (requires { entry.Save(archive); }) {
+        entry.Save(archive);
+    } else {
+        SaveElement(archive, entry);
+    }
+}
+
+/// Reads such an object.
+template <class Entry>
+Entry LoadEntry(CXmlFileArchive& archive) {
+    Entry entry{};
+    if constexpr (requires { entry.Load(archive); }) {
+        entry.Load(archive);
+    } else {
+        LoadElement(archive, entry);
+    }
+    return entry;
+}
+
+/// Reads a list of objects, as many as its `Size` says, and hands each on to `keep`.
+template <class Entry, class KeepEntry>
+void GetEntries(CXmlFileArchive& archive, KeepEntry keep) {
+    for (std::size_t count = archive.GetListSize(); count > 0; --count)
+        keep(LoadEntry<Entry>(archive));
+}
+
+/// A list of objects, which replaces the one before.
+template <class Object, class Entry>
+struct CObjectsField {
+    std::string_view tag;
+    std::vector<Entry> Object::*member;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const {
+        PutList(archive, object.*member, [&](const Entry& entry) { SaveEntry(archive, entry); });
+    }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        (object.*member).clear();
+        GetEntries<Entry>(archive, [&](Entry entry) { (object.*member).push_back(std::move(entry)); });
+    }
+};
+template <class Object, class Entry>
+CObjectsField(std::string_view, std::vector<Entry> Object::*) -> CObjectsField<Object, Entry>;
+
+/// A map of objects as a list, which replaces the one before. Keys aren't stored: each is that of a word that the
+/// object holds. Of objects with one key, the last counts.
+template <class Object, class Key, class Entry>
+struct CKeyedObjectsField {
+    std::string_view tag;
+    std::map<Key, Entry> Object::*member;
+    std::string Entry::*word;
+
+    void Put(CXmlFileArchive& archive, const Object& object) const {
+        PutList(archive, object.*member, [&](const auto& entry) { SaveEntry(archive, entry.second); });
+    }
+    void Get(CXmlFileArchive& archive, Object& object) const {
+        (object.*member).clear();
+        GetEntries<Entry>(archive, [&](Entry entry) {
+            const Key key = ValueOf<Key>(entry.*word);
+            (object.*member)[key] = std::move(entry);
+        });
+    }
+};
+template <class Object, class Key, class Entry>
+CKeyedObjectsField(std::string_view, std::map<Key, Entry> Object::*, std::string Entry::*)
+    -> CKeyedObjectsField<Object, Key, Entry>;
 
 }  // namespace vxfileio

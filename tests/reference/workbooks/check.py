@@ -8,15 +8,15 @@ import itertools
 import pathlib
 import re
 import sys
-import tempfile
 
 import make_workbooks
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parent.parent.parent
 PAGE = (ROOT / "docs" / "workbook.md").read_text("utf-8")
-sys.path.append(str(ROOT / "tests" / "workbooks"))
+sys.path += [str(ROOT / "tests" / "workbooks"), str(ROOT / "tests" / "reference")]
 import check_workbooks  # noqa: E402
+import made  # noqa: E402
 
 NAMES = sorted(make_workbooks.WORKBOOKS)
 
@@ -40,16 +40,7 @@ ALL_RECORDS = [entry for sheets in make_workbooks.WORKBOOKS.values()
 
 def committed_against_made():
     """Making the files again gives the same files and the same bytes."""
-    with tempfile.TemporaryDirectory() as folder:
-        made = pathlib.Path(folder)
-        make_workbooks.make(made)
-        names = {path.name for path in made.iterdir()}
-        committed = {path.name for suffix in ("xls", "txt") for path in FOLDER.glob(f"*.{suffix}")}
-        for name in sorted(names ^ committed):
-            yield f"{name} is {'not committed' if name in names else 'not made by make_workbooks.py'}"
-        for name in sorted(names & committed):
-            if (made / name).read_bytes() != (FOLDER / name).read_bytes():
-                yield f"{name} isn't what make_workbooks.py makes"
+    return made.against_committed(make_workbooks.make, FOLDER, ("*.xls", "*.txt"))
 
 
 def xlrd_against_twins():

@@ -8,12 +8,14 @@ Prints one line for each disagreement and ends with 1 if there is any.
 import pathlib
 import re
 import sys
-import tempfile
 
 import make_xml
 import read_xml
 
 FOLDER = pathlib.Path(__file__).resolve().parent
+sys.path.append(str(FOLDER.parent))
+import made  # noqa: E402
+
 PAGES = FOLDER.parent.parent.parent / "docs"
 
 # Each table of the pages: page, heading, the reader's table.
@@ -26,16 +28,7 @@ TABLES = [("settings-file.md", heading, table) for heading, table in (
 
 def files_against_made():
     """Making the files and their twins again, which reads each of them, gives the same bytes."""
-    with tempfile.TemporaryDirectory() as folder:
-        made = pathlib.Path(folder)
-        make_xml.make(made)
-        for path in sorted(made.iterdir()):
-            committed = FOLDER / path.name
-            if not committed.exists() or committed.read_bytes() != path.read_bytes():
-                yield f"{path.name} isn't what make_xml.py makes"
-        for path in sorted(FOLDER.glob("*.vx[sr]")):
-            if not (made / path.name).exists():
-                yield f"{path.name} is not made by make_xml.py"
+    return made.against_committed(make_xml.make, FOLDER, ("*.vx[sr]", "*.txt"))
 
 
 def same_content():
