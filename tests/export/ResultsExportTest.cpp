@@ -44,7 +44,8 @@ class ResultsExportTest : public testing::Test {
         exporter.SetPropertyRecordPlate(&m_plate);
         exporter.ExportExcel(m_folder.Path(name));
     }
-    WorkbookCells Cells(const std::string& name) { return CellsOf(ReadAll(m_folder.Path(name))); }
+    WorkbookCells Cells(const std::string& name) { return WorkbookOf(ReadAll(m_folder.Path(name))).cells; }
+    WorkbookSizes Sizes(const std::string& name) { return WorkbookOf(ReadAll(m_folder.Path(name))).sizes; }
 
     /// The names of all files below the temporary folder's parent that this test made.
     std::set<std::string> Files() {
@@ -131,6 +132,22 @@ TEST_F(ResultsExportTest, WithoutRecordingsOrWellsTheBlocksAreEmpty) {
     Export("no wells.xls");
     EXPECT_EQ(Cells("no wells.xls").size(), 3U);
     EXPECT_EQ(Files().size(), 3U);
+}
+
+TEST_F(ResultsExportTest, SheetsGrowToCellsThatStayEmpty) {
+    SetAll(1);
+    Export();
+    EXPECT_EQ(Sizes("run.xls"), (WorkbookSizes{{"Results", {7, 11}}}));
+    EXPECT_EQ(Sizes("run-B5.xls"), (WorkbookSizes{{"HB Time Stamps", {1, 2}}, {"Averages", {1, 3}}}));
+
+    m_plate.Data.Series.clear();  // fewer doses than recordings
+    m_plate.Data.ClearWells();
+    m_plate.Data.AddWell(7, 0, 0, 7, "");
+    Export();
+    EXPECT_EQ(Cells("run.xls").size(), 3U);
+    EXPECT_EQ(Sizes("run.xls"), (WorkbookSizes{{"Results", {5, 11}}}));
+    EXPECT_TRUE(Cells("run-.xls").empty());
+    EXPECT_EQ(Sizes("run-.xls"), (WorkbookSizes{{"HB Time Stamps", {1, 2}}, {"Averages", {1, 3}}}));
 }
 
 TEST_F(ResultsExportTest, ALabelNeverLeadsOutOfTheFolder) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/export/compound/CompoundReader.h"
@@ -39,18 +40,26 @@ inline std::vector<std::string> TextsOf(const std::string& body) {
 
 }  // namespace workbook_reader
 
+/// What a workbook says of the size of its sheets: behind the last row and behind the last column of each.
+using WorkbookSizes = std::map<std::string, std::pair<std::uint32_t, std::uint32_t>>;
+
+struct Workbook {
+    WorkbookCells cells;
+    WorkbookSizes sizes;
+};
+
 /// Reads the workbook with these bytes.
-inline WorkbookCells CellsOf(const std::string& file) {
+inline Workbook WorkbookOf(const std::string& file) {
     using namespace workbook_reader;
     const std::string stream = CompoundReader(file).streams.at("Workbook");
     std::map<std::size_t, std::string> names;  // by the position of the sheet
     std::vector<std::string> texts;
     std::string sheet;
-    WorkbookCells cells;
+    Workbook workbook;
     for (std::size_t at = 0; at < stream.size(); at += 4 + U16(stream, at + 2)) {
         const std::string body = stream.substr(at + 4, U16(stream, at + 2));
         const auto put = [&](std::size_t column, const std::string& text) {
-            cells[sheet + " " + std::to_string(U16(body, 0)) + " " + std::to_string(column)] = text;
+            workbook.cells[sheet + " " + std::to_string(U16(body, 0)) + " " + std::to_string(column)] = text;
         };
         switch (U16(stream, at)) {
             case 0x0085:
@@ -75,9 +84,12 @@ inline WorkbookCells CellsOf(const std::string& file) {
                 for (std::size_t i = 0; 6 * i + 6 < body.size(); ++i)
                     put(U16(body, 2) + i, NumberText(DecimalOf(U32(body, 6 * i + 6))));
                 break;
+            case 0x0200:
+                workbook.sizes[sheet] = {U32(body, 4), U16(body, 10)};
+                break;
             default:
                 break;
         }
     }
-    return cells;
+    return workbook;
 }

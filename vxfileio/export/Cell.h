@@ -14,7 +14,7 @@ enum class CellType : std::uint8_t { Undefined = 0, Integer = 1, Double = 2, Tex
 
 /// One cell of a sheet: a number, a text, or nothing. A cell without anything is a gap in the sheet.
 ///
-/// A cell is small, since a sheet has many; a text lies aside and is the cell's own. Cells move, and aren't copied.
+/// A cell is small, since a sheet has many; a text lies aside and is the cell's own, so that cells aren't copied.
 class Cell {
  public:
     /// The characters that a spreadsheet keeps of a text; what comes behind them is cut off.

@@ -61,10 +61,10 @@ struct CSource {
     }
 };
 
-// What lies beyond the sheet has no cell, and is left out.
+// What lies beyond the sheet has no cell, and is left out. A text that is empty leaves its cell empty, but the sheet
+// grows to hold it.
 
 void PutText(YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column, const std::string& text) {
-    if (text.empty()) return;
     if (YExcel::Cell* const cell = sheet.At(row, column)) cell->SetText(text);
 }
 
@@ -74,7 +74,7 @@ void PutNumber(YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column, do
 
 void PutDose(const CSource& source, YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column,
              std::uint32_t recording) {
-    if (recording < source.doses.size()) PutText(sheet, row, column, source.doses[recording]);
+    PutText(sheet, row, column, recording < source.doses.size() ? source.doses[recording] : std::string());
 }
 
 /// Returns the well of a recording if its response is there and counts, or null.

@@ -35,7 +35,8 @@ class VXFILEIO_API CIResultsExport {
     /// extension: its sheet "HB Time Stamps" has the times of the beats, "Averages" the averages in microvolts against
     /// their time.
     ///
-    /// Files of these names are replaced. A workbook that can't be written is left out without a word, as is that of a
+    /// Files of these names are replaced. A workbook that can't be created is left out without a word, and one that a
+    /// full disk doesn't take whole stays cut short, the file before it being gone. Left out is also the workbook of a
     /// well whose label can't be in the name of a file; what lies beyond 65536 rows or 256 columns is left out as well.
     /// Throws `CExcVXReader`, before anything is written, if results, analyzer or plate aren't set, and what
     /// `DoseToText` throws for a dose without text.

@@ -45,13 +45,7 @@ TEST(CellRecordsTest, FormulaAndWhatMayFollowIt) {
     const std::string rangeBytes = U16(1) + U16(0x0203) + U8(4) + U8(5);
     const Expression expression{"\x1E\x07"};
     const std::string expressionBytes = U16(2) + "\x1E\x07";
-    const Formula formula{.row = 0x0102,
-                          .column = 3,
-                          .xf = 4,
-                          .result = 2.0,
-                          .options = 1,
-                          .expression = expression,
-                          .companion = Table()};
+    const Formula formula{.row = 0x0102, .column = 3, .xf = 4, .result = 2.0, .options = 1, .expression = expression};
     EXPECT_EQ(BytesOf(formula), U16(0x0006) + U16(24) + kPlace + U64(0x4000000000000000) +  //
                                     U16(1) + U32(0) +                                       // options, reserved
                                     expressionBytes);

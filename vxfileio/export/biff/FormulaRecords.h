@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string_view>
-#include <variant>
 
 #include "vxfileio/export/biff/CountedString.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
@@ -12,11 +12,15 @@
 
 namespace YExcel {
 
-/// A parsed expression, byte for byte, behind its size. The bytes belong to somebody else.
+/// A parsed expression, byte for byte, behind its size. The bytes belong to somebody else; what the size can't tell is
+/// cut off.
 struct Expression {
     std::string_view bytes;
 
-    constexpr void Fields(auto& body) const { body(static_cast<std::uint16_t>(bytes.size()), bytes); }
+    constexpr void Fields(auto& body) const {
+        const auto kept = bytes.substr(0, std::numeric_limits<std::uint16_t>::max());
+        body(static_cast<std::uint16_t>(kept.size()), kept);
+    }
 };
 
 /// A rectangle of cells, first and last ones included.
@@ -79,7 +83,7 @@ struct String {
     constexpr void Fields(auto& body) const { body(text); }
 };
 
-/// A formula with its last result.
+/// A formula with its last result. At most one of the records above follows it, and is put by whoever puts the formula.
 struct Formula {
     static constexpr std::uint16_t kCode = 0x0006;
 
@@ -89,8 +93,6 @@ struct Formula {
     double result = 0.0;
     std::uint16_t options = 0;
     Expression expression = {};
-    /// At most one record follows the formula. It isn't part of the formula's own body.
-    std::variant<std::monostate, Array, ShrFmla, ShrFmla1, Table, String> companion = {};
 
     constexpr void Fields(auto& body) const {
         body(row, column, xf, result, options, kReserved<std::uint32_t>, expression);

@@ -28,7 +28,7 @@ class SectorFile {
 
     /// Returns the number of blocks; the last one may be cut short by the end of the file.
     std::uint32_t BlockCount() const { return m_blockCount; }
-    /// Returns the bytes of the file.
+    /// Returns the bytes of the file, without gaps that blocks beyond the end have left in front of them.
     std::uint64_t ByteSize() const { return m_byteSize; }
 
     /// Reads one block. False if there is no such block, or if the file ends inside it.
