@@ -1,4 +1,4 @@
-// The export of a whole plate: 54 wells at 8 doses, averages of 2,000 samples, 300 beats, a workbook for each well.
+// The export of a whole plate: 54 wells at 8 doses, 300 beats, averages of AVERAGES samples, a workbook for each well.
 // usage: export_vx write FOLDER/NAME.xls AVERAGES
 #include <vxfileio/frame/VXFileIO.h>
 
@@ -6,38 +6,49 @@
 #include <string>
 
 #include "Measure.h"
-#include "ResultsTree.h"
+#include "PlateTree.h"
 
-int main(int argc, char** argv) {
-    constexpr int kExportDoses = 8;
-    if (argc != 4) return 2;
+namespace {
+
+CPropRecordPlate PlateOf(const CTree& tree) {
     CPropRecordPlate plate;
-    std::vector<std::int32_t> wells;
-    std::vector<std::string> labels;
-    for (int id = 0; id < kWells; ++id) {
-        wells.push_back(kFirstWell + id);
-        labels.push_back("W" + std::to_string(id));
-        plate.Data.AddWell(wells.back(), 0, 0, id, labels.back());
-    }
+    for (const auto& [id, well] : tree.recordings.front().wells)
+        plate.Data.AddWell(id, 0, 0, id - kFirstWell, well.label);
     for (int dose = 0; dose < kExportDoses; ++dose)
         plate.Data.Series.push_back(1000U * static_cast<unsigned>(dose + 1));
-    CPropAnalyzer analyzer;
-    analyzer.InitTask(enTask::Series, kExportDoses, wells);
+    return plate;
+}
+
+CResults ResultsOf(const CTree& tree, const CPropRecordPlate& plate, std::uint32_t samples) {
+    std::vector<std::string> labels;
+    for (const auto& [id, well] : tree.recordings.front().wells)
+        labels.push_back(well.label);
     CResults results;
-    results.SetFPAverage(static_cast<std::uint32_t>(std::atoi(argv[3])), 10, 25);
-    results.Init(1, enTask::Series, "Series", plate.Data.Series, wells, labels);
+    results.SetFPAverage(samples, static_cast<std::int64_t>(kExportTick), static_cast<std::int64_t>(kExportPre));
+    results.Init(1, enTask::Series, "Series", plate.Data.Series, plate.GetAllWellIDs(), labels);
     for (int dose = 0; dose < kExportDoses; ++dose) {
-        for (int id = 0; id < kWells; ++id) {
-            CResultsWell& well = *results.GetWellResults(enTask::Series, dose, kFirstWell + id);
+        for (const auto& [id, from] : tree.recordings[static_cast<std::size_t>(dose)].wells) {
+            CResultsWell& well = *results.GetWellResults(enTask::Series, dose, id);
             well.AverageCount = 1;
-            for (int i = 0; i < kTimes; ++i)
-                well.FPfastDetectionTimes.push_back(TimeOf(dose, id, i));
-            for (std::size_t i = 0; i < well.Average.size(); ++i)
-                well.Average[i] = SampleOf(dose, id, static_cast<int>(i)) / 1000;
-            for (const enResponseType type : AllResponseTypes())
-                well.SetResults(type, enValueType::Plain, ResponseOf(dose, id, static_cast<int>(type)));
+            well.FPfastDetectionTimes = from.times;
+            well.Average = from.average;
+            for (const auto& [type, value] : from.responses)
+                well.SetResults(static_cast<enResponseType>(type), enValueType::Plain, value);
         }
     }
+    return results;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) return 2;
+    const int samples = std::atoi(argv[3]);
+    const CTree tree = MakePlate(samples);
+    const CPropRecordPlate plate = PlateOf(tree);
+    const CResults results = ResultsOf(tree, plate, static_cast<std::uint32_t>(samples));
+    CPropAnalyzer analyzer;
+    analyzer.InitTask(enTask::Series, kExportDoses, plate.GetAllWellIDs());
     CVXFileIO io;
     CIResultsExport& exporter = *io.GetResultsExport();
     exporter.SetResults(&results);

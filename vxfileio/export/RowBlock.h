@@ -2,88 +2,75 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "vxfileio/export/Sheet.h"
 #include "vxfileio/export/biff/CellRecords.h"
-#include "vxfileio/export/biff/Record.h"
+#include "vxfileio/export/biff/RecordStream.h"
 #include "vxfileio/export/biff/RkNumber.h"
 #include "vxfileio/export/biff/SheetRecords.h"
 
 namespace YExcel {
 
-/// Which record a cell becomes. Neighbours of the same short form share one.
-enum class CellForm : std::uint8_t { IntegerRK, DecimalRK, Number, Label };
+/// Numbers of one short form side by side in a row, held back until it is known where they end: one alone has a record
+/// of its own, several share one.
+class ShortRun {
+ public:
+    /// Adds the number of a cell. What was held back goes out first if the cell doesn't continue it.
+    void Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, RecordStream& out);
+    /// Puts out what was held back.
+    void Finish(std::uint16_t row, RecordStream& out);
 
-/// Returns the word of a cell that has a short form.
-inline std::uint32_t WordOf(CellForm form, const Cell& cell) {
-    return form == CellForm::IntegerRK ? EncodeIntegerRK(cell.GetInteger()) : EncodeRK(cell.GetDouble());
-}
+ private:
+    CellType m_type = CellType::Undefined;
+    std::uint16_t m_firstColumn = 0;
+    std::uint16_t m_lastColumn = 0;
+    std::vector<MulRK::Item> m_items;  ///< Empty between runs, its memory being used again.
+};
 
-/// The cells of up to 32 rows that hold something, taken together for their records. One object serves block after
-/// block, so that its memory is used again.
+/// Up to 32 rows of a sheet on their way into records. One object serves block after block.
 class RowBlock {
  public:
     static constexpr std::uint32_t kRows = 32;
+    /// The most bytes of a block's records beside those of its cells, and of a cell, none taking more than a `Number`.
+    static constexpr std::size_t kMostFrameSize =
+        kRows * (kHeaderSize + DataSize(Row())) + kHeaderSize + sizeof(std::uint32_t) + kRows * sizeof(std::uint16_t);
+    static constexpr std::size_t kMostCellSize = kHeaderSize + DataSize(Number());
 
-    /// Takes the cells of block `number` of the sheet in place of those before. They must not change while they are in
-    /// use here.
-    void Gather(const Sheet& sheet, std::uint32_t number);
+    /// Finds the rows of block `number` that hold something.
+    void Begin(const Sheet& sheet, std::uint32_t number);
 
     bool IsEmpty() const { return m_rows.empty(); }
     /// The first row that has a cell, and the column of its first one. Only if the block isn't empty.
-    std::uint16_t FirstRow() const { return m_rows.front().row; }
-    std::uint16_t FirstColumn() const { return m_cells.front().column; }
+    std::uint16_t FirstRow() const { return m_rows.front(); }
+    std::uint16_t FirstColumn() const { return m_firstColumn; }
 
     /// Puts the records of the block: its rows, their cells, the way back to them. `indexOf(cell)` gives the index of a
     /// text in the shared strings. Returns where the `DBCell` stands.
-    template <class Out, class IndexOf>
-    std::size_t Put(Out& out, IndexOf& indexOf);
+    template <class IndexOf>
+    std::size_t Put(const Sheet& sheet, RecordStream& out, IndexOf& indexOf);
 
  private:
-    struct UsedRow {
-        std::uint16_t row;
-        std::size_t begin;  ///< Of its cells.
-        std::size_t count;
-    };
-    struct UsedCell {
-        std::uint16_t column;
-        CellForm form;
-        const Cell* cell;
-    };
+    template <class IndexOf>
+    void PutCells(const Sheet& sheet, std::uint16_t row, RecordStream& out, IndexOf& indexOf);
 
-    /// Neighbouring cells that one record holds.
-    using Run = std::span<const UsedCell>;
-
-    void GatherRow(const Sheet& sheet, std::uint32_t row);
-    /// Returns the run that the rest of a row begins with.
-    static Run FirstRun(Run rest);
-
-    template <class Out, class IndexOf>
-    void PutCells(const UsedRow& row, Out& out, IndexOf& indexOf);
-    template <class Out, class IndexOf>
-    void PutRun(std::uint16_t row, Run run, Out& out, IndexOf& indexOf);
-    /// Returns the items of a run's record, valid until the next call.
-    std::span<const MulRK::Item> ItemsOf(Run run);
-
-    std::uint16_t m_columnCount = 0;
-    std::vector<UsedRow> m_rows;
-    std::vector<UsedCell> m_cells;
-    std::vector<MulRK::Item> m_items;
+    std::vector<std::uint16_t> m_rows;
+    std::uint16_t m_firstColumn = 0;
+    ShortRun m_run;
 };
 
-template <class Out, class IndexOf>
-std::size_t RowBlock::Put(Out& out, IndexOf& indexOf) {
+template <class IndexOf>
+std::size_t RowBlock::Put(const Sheet& sheet, RecordStream& out, IndexOf& indexOf) {
     const std::size_t begin = out.Position();
     std::size_t last = begin + RecordSize(Row());
-    for (const UsedRow& row : m_rows)
-        out.Put(Row{.row = row.row, .endCell = m_columnCount});
+    for (const std::uint16_t row : m_rows)
+        out.Put(Row{.row = row, .endCell = static_cast<std::uint16_t>(sheet.ColumnCount())});
     DBCell dbCell;
-    for (const UsedRow& row : m_rows) {
+    dbCell.rowOffsets.reserve(m_rows.size());
+    for (const std::uint16_t row : m_rows) {
         dbCell.rowOffsets.push_back(static_cast<std::uint16_t>(out.Position() - last));
         last = out.Position();
-        PutCells(row, out, indexOf);
+        PutCells(sheet, row, out, indexOf);
     }
     const std::size_t position = out.Position();
     dbCell.firstRowOffset = static_cast<std::uint32_t>(position - begin);
@@ -91,27 +78,25 @@ std::size_t RowBlock::Put(Out& out, IndexOf& indexOf) {
     return position;
 }
 
-template <class Out, class IndexOf>
-void RowBlock::PutCells(const UsedRow& row, Out& out, IndexOf& indexOf) {
-    for (Run rest = Run(m_cells).subspan(row.begin, row.count); !rest.empty();) {
-        const Run run = FirstRun(rest);
-        PutRun(row.row, run, out, indexOf);
-        rest = rest.subspan(run.size());
-    }
-}
-
-template <class Out, class IndexOf>
-void RowBlock::PutRun(std::uint16_t row, Run run, Out& out, IndexOf& indexOf) {
-    const auto [column, form, cell] = run.front();
-    if (form == CellForm::Label) {
-        out.Put(LabelSST{.row = row, .column = column, .stringIndex = indexOf(*cell)});
-    } else if (form == CellForm::Number) {
-        out.Put(Number{.row = row, .column = column, .value = cell->GetDouble()});
-    } else if (run.size() == 1) {
-        out.Put(RK{.row = row, .column = column, .word = WordOf(form, *cell)});
-    } else {
-        out.Put(MulRK{.row = row, .firstColumn = column, .items = ItemsOf(run), .lastColumn = run.back().column});
-    }
+template <class IndexOf>
+void RowBlock::PutCells(const Sheet& sheet, std::uint16_t row, RecordStream& out, IndexOf& indexOf) {
+    sheet.ForEachUsed(row, [&](std::uint16_t column, const Cell& cell) {
+        const CellType type = cell.Type();
+        const double value = cell.GetDouble();
+        if (type == CellType::Integer) {
+            m_run.Add(type, column, EncodeIntegerRK(cell.GetInteger()), row, out);
+        } else if (type == CellType::Double && TwoDecimalTest(value)) {
+            m_run.Add(type, column, EncodeRK(value), row, out);
+        } else {
+            m_run.Finish(row, out);
+            if (type == CellType::Double) {
+                out.Put(Number{.row = row, .column = column, .value = value});
+            } else {
+                out.Put(LabelSST{.row = row, .column = column, .stringIndex = indexOf(cell)});
+            }
+        }
+    });
+    m_run.Finish(row, out);
 }
 
 }  // namespace YExcel

@@ -1,20 +1,26 @@
 #include "vxfileio/export/Sheet.h"
 
-#include <algorithm>
-
 namespace YExcel {
 
-Cell* Sheet::At(std::uint32_t row, std::uint32_t column) {
-    if (row >= kMostRows || column >= kMostColumns) return nullptr;
+Sheet::Strip& Sheet::AddStrip(std::uint32_t row, std::uint32_t column) {
     const std::size_t number = row / kStripRows;
     if (number >= m_bands.size()) m_bands.resize(number + 1);
     Band& band = m_bands[number];
     if (column >= band.size()) band.resize(std::size_t{column} + 1);
-    auto& strip = band[column];
-    if (strip == nullptr) strip = std::make_unique<Strip>();
-    m_rowCount = std::max(m_rowCount, row + 1);
-    m_columnCount = std::max(m_columnCount, column + 1);
-    return &(*strip)[row % kStripRows];
+    band[column] = std::make_unique<Strip>();
+    return *band[column];
+}
+
+std::optional<std::uint16_t> Sheet::FirstUsedColumn(std::uint32_t row) const {
+    const std::size_t number = row / kStripRows;
+    if (number >= m_bands.size()) return std::nullopt;
+    const Band& band = m_bands[number];
+    const auto holdsCell = [&](const auto& strip) {
+        return strip != nullptr && (*strip)[row % kStripRows].Type() != CellType::Undefined;
+    };
+    const auto found = std::find_if(band.begin(), band.end(), holdsCell);
+    if (found == band.end()) return std::nullopt;
+    return static_cast<std::uint16_t>(found - band.begin());
 }
 
 }  // namespace YExcel

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,11 +30,21 @@ class Sheet {
 
     /// Returns the cell, which the table grows to hold if need be; null beyond the sheet's 65536 rows and 256 columns.
     /// The cell is the sheet's, valid as long as the sheet.
-    Cell* At(std::uint32_t row, std::uint32_t column);
+    Cell* At(std::uint32_t row, std::uint32_t column) {
+        if (row >= kMostRows || column >= kMostColumns) return nullptr;
+        Strip* const known = StripAt(row, column);
+        Strip& strip = known == nullptr ? AddStrip(row, column) : *known;
+        m_rowCount = std::max(m_rowCount, row + 1);
+        m_columnCount = std::max(m_columnCount, column + 1);
+        return &strip[row % kStripRows];
+    }
 
     /// Calls `take(column, cell)` for every cell of the row that holds something, from left to right.
     template <class Take>
     void ForEachUsed(std::uint32_t row, Take take) const;
+
+    /// Returns the column of the first cell of the row that holds something, if there is one.
+    std::optional<std::uint16_t> FirstUsedColumn(std::uint32_t row) const;
 
     std::uint32_t RowCount() const { return m_rowCount; }
     std::uint32_t ColumnCount() const { return m_columnCount; }
@@ -41,6 +53,14 @@ class Sheet {
     static constexpr std::uint32_t kStripRows = 128;
     using Strip = std::array<Cell, kStripRows>;
     using Band = std::vector<std::unique_ptr<Strip>>;  ///< By column.
+
+    /// Returns the strip of a cell, or null if there is none yet.
+    Strip* StripAt(std::uint32_t row, std::uint32_t column) const {
+        const std::size_t number = row / kStripRows;
+        if (number >= m_bands.size() || column >= m_bands[number].size()) return nullptr;
+        return m_bands[number][column].get();
+    }
+    Strip& AddStrip(std::uint32_t row, std::uint32_t column);
 
     std::string m_name;
     std::uint32_t m_rowCount = 0;
@@ -52,7 +72,7 @@ template <class Take>
 void Sheet::ForEachUsed(std::uint32_t row, Take take) const {
     const std::size_t number = row / kStripRows;
     if (number >= m_bands.size()) return;
-    std::uint32_t column = 0;
+    std::uint16_t column = 0;
     for (const auto& strip : m_bands[number]) {
         if (strip != nullptr) {
             const Cell& cell = (*strip)[row % kStripRows];

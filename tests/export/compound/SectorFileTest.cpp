@@ -6,9 +6,11 @@
 #include <filesystem>
 
 #include "tests/support/TempFolder.h"
+#include "vxfileio/export/compound/BlockWrites.h"
 
 namespace {
 
+using vxfileio::compound::CBlockWrites;
 using Block = std::array<std::byte, 512>;
 
 Block BlockOf(char letter) {
@@ -55,7 +57,7 @@ TEST_F(SectorFileTest, ModesAllowWhatTheySayAndNothingElse) {
     EXPECT_FALSE(m_file.Read(1, block));  // cut short
     EXPECT_FALSE(m_file.Read(2, block));
     EXPECT_FALSE(m_file.Write(0, block));
-    EXPECT_FALSE(m_file.WriteRun(0, block));
+    EXPECT_FALSE(m_file.WriteRun(0, {}));
 
     ASSERT_TRUE(m_file.Open(m_path, 2));
     EXPECT_FALSE(m_file.Read(0, block));
@@ -83,14 +85,22 @@ TEST_F(SectorFileTest, WritesGrowTheFileByTheBlocksThemselves) {
     EXPECT_EQ(Letters(), std::string("cb\0\0e", 5));
 }
 
-TEST_F(SectorFileTest, RunsAreWholeBlocksFilledUpWithZeros) {
-    MakeBlocks("abcd");
-    const std::string bytes = std::string(1024, 'x') + "y";
-    EXPECT_TRUE(m_file.WriteRun(2, std::as_bytes(std::span(bytes))));
-    EXPECT_EQ(m_file.BlockCount(), 5U);
-    EXPECT_EQ(m_file.ByteSize(), 2560U);
-    EXPECT_TRUE(m_file.WriteRun(0, {}));
-    EXPECT_EQ(ReadAll(m_path), std::string(512, 'a') + std::string(512, 'b') + bytes + std::string(511, '\0'));
+TEST_F(SectorFileTest, GatheredBlocksGoToTheirPlacesFilledUpWithZeros) {
+    MakeBlocks("abcdefgh");
+    const std::string run = std::string(1024, 'x') + "y";
+    CBlockWrites writes;
+    writes.AddCopy(9, BlockOf('p'));
+    writes.Add(2, std::as_bytes(std::span(run)));
+    writes.AddCopy(1, BlockOf('q'));
+    writes.Add(6, std::as_bytes(std::span(run)).first(512));
+    for (std::uint32_t i = 0; i < 8; ++i)  // more than one run takes
+        writes.AddCopy(17 - i, BlockOf(static_cast<char>('A' + i)));
+    EXPECT_TRUE(writes.WriteTo(m_file));
+    EXPECT_EQ(m_file.BlockCount(), 18U);
+    EXPECT_EQ(Letters(), "aqxx?fxh" + std::string(1, '\0') + "pHGFEDCBA");
+    EXPECT_EQ(ReadAll(m_path).substr(2048, 512), "y" + std::string(511, '\0'));
+    m_file.Close();
+    EXPECT_FALSE(writes.WriteTo(m_file));
 }
 
 TEST_F(SectorFileTest, BlocksAreInsertedSwappedAndMoved) {

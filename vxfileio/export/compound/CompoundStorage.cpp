@@ -10,7 +10,7 @@ using vxfileio::CBytes;
 
 namespace {
 
-using Sector = std::array<std::byte, kSectorSize>;
+using Sector = CBlockWrites::Block;
 
 constexpr std::size_t Count(std::size_t bytes, std::size_t unit) { return (bytes + unit - 1) / unit; }
 
@@ -28,6 +28,9 @@ constexpr std::size_t FirstFatListedBy(std::size_t difatSector) {
 
 /// A sector of the DIFAT stands right behind the first FAT sector that it lists.
 constexpr std::uint32_t DifatSector(std::size_t i) { return FatSector(FirstFatListedBy(i)) + 1; }
+
+/// The header is block 0, so sectors count from block 1.
+constexpr std::uint32_t BlockOf(std::uint32_t sector) { return sector + 1; }
 
 // ---- Bytes ----------------------------------------------------------------------------------------------------------
 
@@ -51,6 +54,10 @@ Sector BytesOf(std::span<const std::uint32_t, kMarksPerSector> marks) {
     vxfileio::FieldStore store(bytes.data());
     store(marks);
     return bytes;
+}
+
+void AddSector(CBlockWrites& writes, std::uint32_t sector, std::span<const std::uint32_t, kMarksPerSector> marks) {
+    writes.AddCopy(BlockOf(sector), BytesOf(marks));
 }
 
 // ---- Paths ----------------------------------------------------------------------------------------------------------
@@ -98,7 +105,8 @@ bool CompoundStorage::Create(const std::string& path) {
     m_fat.Mark(m_header.firstDirectorySector, kEndOfChain);
     m_directory.Reset();
     m_current = m_directory.Root();
-    WriteTables();
+    CBlockWrites writes;
+    Write(writes);
     return true;
 }
 
@@ -149,7 +157,8 @@ std::int32_t CompoundStorage::Make(std::string_view path, enEntryType type) {
     const std::size_t before = m_directory.Count();
     DirectoryNode* const parent = Walk(StartOf(path), storages, addStorage);
     if (parent != nullptr) add(parent, name, type);
-    if (m_directory.Count() != before) WriteTables();
+    CBlockWrites writes;
+    if (m_directory.Count() != before) Write(writes);
     return result;
 }
 
@@ -164,30 +173,33 @@ std::int32_t CompoundStorage::WriteFile(const std::string& path, CBytes data) {
     DirectoryEntry& entry = stream->entry;
     const bool wasBig = IsBig(entry.streamSize);
     const bool isBig = IsBig(data.size());
-    if (wasBig != isBig) StoreStream(entry, {}, wasBig);
-    StoreStream(entry, data, isBig);
-    WriteTables();
+    if (wasBig != isBig) FitStream(entry, 0, wasBig);
+    FitStream(entry, data.size(), isBig);
+
+    CBlockWrites writes;
+    if (isBig) AddChain(writes, entry.startSector, data);
+    if (!isBig) CopyToMiniStream(entry.startSector, data);
+    if (!isBig || !wasBig) AddChain(writes, m_directory.Root()->entry.startSector, m_miniStream);
+    Write(writes);
     return kSuccess;
 }
 
-void CompoundStorage::StoreStream(DirectoryEntry& entry, CBytes data, bool isBig) {
-    isBig ? StoreBigStream(entry, data) : StoreMiniStream(entry, data);
-    entry.streamSize = static_cast<std::uint32_t>(data.size());
-}
-
-void CompoundStorage::StoreBigStream(DirectoryEntry& entry, CBytes data) {
-    m_fat.FitChain(entry.startSector, Count(data.size(), kSectorSize));
-    WriteChain(entry.startSector, data);
+void CompoundStorage::FitStream(DirectoryEntry& entry, std::size_t size, bool isBig) {
+    if (isBig) {
+        m_fat.FitChain(entry.startSector, Count(size, kSectorSize));
+    } else {
+        FitMiniStream(entry, size);
+    }
+    entry.streamSize = static_cast<std::uint32_t>(size);
 }
 
 /// The root's stream is the mini stream. Its first sector is taken before the mini FAT's, and any further ones after.
-void CompoundStorage::StoreMiniStream(DirectoryEntry& entry, CBytes data) {
+void CompoundStorage::FitMiniStream(DirectoryEntry& entry, std::size_t size) {
     DirectoryEntry& root = m_directory.Root()->entry;
-    if (!data.empty() && root.startSector == kEndOfChain) m_fat.FitChain(root.startSector, 1);
-    m_miniFat.FitChain(entry.startSector, Count(data.size(), kMiniSectorSize));
+    if (size > 0 && root.startSector == kEndOfChain) m_fat.FitChain(root.startSector, 1);
+    m_miniFat.FitChain(entry.startSector, Count(size, kMiniSectorSize));
     m_miniStream.resize(m_miniFat.UsedSize() * kMiniSectorSize);
-    CopyToMiniStream(entry.startSector, data);
-    StoreStream(root, m_miniStream, true);
+    FitStream(root, m_miniStream.size(), true);
 }
 
 void CompoundStorage::CopyToMiniStream(std::uint32_t miniSector, CBytes data) {
@@ -222,22 +234,24 @@ void CompoundStorage::ExtendMiniFat() {
 
 // ---- Writing --------------------------------------------------------------------------------------------------------
 
-void CompoundStorage::WriteTables() {
+/// Writes what was gathered, and all tables.
+void CompoundStorage::Write(CBlockWrites& writes) {
     const std::vector<std::byte> directory = m_directory.Encode();
     m_fat.FitChain(m_header.firstDirectorySector, Count(directory.size(), kSectorSize));  // changes header and FAT
-    WriteBlocks(0, BytesOf(m_header));
-    WriteFat();
-    WriteDifat();
-    WriteMiniFat();
-    WriteChain(m_header.firstDirectorySector, directory);
+    writes.AddCopy(0, BytesOf(m_header));
+    AddFat(writes);
+    AddDifat(writes);
+    AddMiniFat(writes);
+    AddChain(writes, m_header.firstDirectorySector, directory);
+    if (!writes.WriteTo(m_file)) m_isComplete = false;
 }
 
-void CompoundStorage::WriteFat() {
+void CompoundStorage::AddFat(CBlockWrites& writes) const {
     for (std::uint32_t i = 0; i < m_header.fatSectors; ++i)
-        WriteSectors(FatSector(i), BytesOf(m_fat.MarksOf(i)));
+        AddSector(writes, FatSector(i), m_fat.MarksOf(i));
 }
 
-void CompoundStorage::WriteDifat() {
+void CompoundStorage::AddDifat(CBlockWrites& writes) const {
     for (std::uint32_t i = 0; i < m_header.difatSectors; ++i) {
         std::array<std::uint32_t, kMarksPerSector> sectors{};
         sectors.fill(kFree);
@@ -245,30 +259,22 @@ void CompoundStorage::WriteDifat() {
         const std::size_t end = std::min<std::size_t>(FirstFatListedBy(i + 1), m_header.fatSectors);
         std::generate_n(sectors.begin(), end - first, [fat = first]() mutable { return FatSector(fat++); });
         sectors.back() = i + 1 < m_header.difatSectors ? DifatSector(i + 1) : kEndOfChain;
-        WriteSectors(DifatSector(i), BytesOf(sectors));
+        AddSector(writes, DifatSector(i), sectors);
     }
 }
 
-void CompoundStorage::WriteMiniFat() {
+void CompoundStorage::AddMiniFat(CBlockWrites& writes) const {
     std::uint32_t sector = m_header.firstMiniFatSector;
     for (std::uint32_t i = 0; i < m_header.miniFatSectors; ++i, sector = m_fat.Next(sector))
-        WriteSectors(sector, BytesOf(m_miniFat.MarksOf(i)));
+        AddSector(writes, sector, m_miniFat.MarksOf(i));
 }
 
-/// Sectors that stand side by side go to disk at once.
-void CompoundStorage::WriteChain(std::uint32_t first, CBytes bytes) {
+void CompoundStorage::AddChain(CBlockWrites& writes, std::uint32_t first, CBytes bytes) const {
     while (!bytes.empty()) {
         const std::uint32_t length = m_fat.RunLength(first);
         const auto run = bytes.first(std::min(bytes.size(), length * kSectorSize));
-        WriteSectors(first, run);
+        writes.Add(BlockOf(first), run);
         bytes = bytes.subspan(run.size());
         first = m_fat.Next(first + length - 1);
     }
-}
-
-/// The header is block 0, so sectors count from block 1.
-void CompoundStorage::WriteSectors(std::uint32_t first, CBytes bytes) { WriteBlocks(first + 1, bytes); }
-
-void CompoundStorage::WriteBlocks(std::uint32_t first, CBytes bytes) {
-    if (!m_file.WriteRun(first, bytes)) m_isComplete = false;
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "vxfileio/export/compound/BlockWrites.h"
 #include "vxfileio/export/compound/Directory.h"
 #include "vxfileio/export/compound/SectorFile.h"
 #include "vxfileio/export/compound/SectorTable.h"
@@ -65,21 +66,18 @@ class CompoundStorage {
     std::int32_t Make(std::string_view path, vxfileio::compound::enEntryType type);
     DirectoryNode* StartOf(std::string_view path) const;
 
-    void StoreStream(DirectoryEntry& entry, vxfileio::CBytes data, bool isBig);
-    void StoreBigStream(DirectoryEntry& entry, vxfileio::CBytes data);
-    void StoreMiniStream(DirectoryEntry& entry, vxfileio::CBytes data);
+    void FitStream(DirectoryEntry& entry, std::size_t size, bool isBig);
+    void FitMiniStream(DirectoryEntry& entry, std::size_t size);
     void CopyToMiniStream(std::uint32_t miniSector, vxfileio::CBytes data);
 
     void ExtendFat();
     void ExtendMiniFat();
 
-    void WriteTables();
-    void WriteFat();
-    void WriteDifat();
-    void WriteMiniFat();
-    void WriteChain(std::uint32_t first, vxfileio::CBytes bytes);
-    void WriteSectors(std::uint32_t first, vxfileio::CBytes bytes);
-    void WriteBlocks(std::uint32_t first, vxfileio::CBytes bytes);
+    void Write(vxfileio::compound::CBlockWrites& writes);
+    void AddFat(vxfileio::compound::CBlockWrites& writes) const;
+    void AddDifat(vxfileio::compound::CBlockWrites& writes) const;
+    void AddMiniFat(vxfileio::compound::CBlockWrites& writes) const;
+    void AddChain(vxfileio::compound::CBlockWrites& writes, std::uint32_t first, vxfileio::CBytes bytes) const;
 
     SectorFile m_file;
     StorageHeader m_header;

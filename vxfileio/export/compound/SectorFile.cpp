@@ -49,18 +49,22 @@ bool SectorFile::Read(std::uint32_t index, std::span<std::byte, kBlockSize> buff
 
 bool SectorFile::Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
     if (!HasMode(kWrite)) return false;
-    WriteRun(index, buffer);  // a block that the disk doesn't take isn't told here
+    const CBytes block = buffer;
+    WriteRun(index, {&block, 1});  // a block that the disk doesn't take isn't told here
     return OpenInMode();
 }
 
-bool SectorFile::WriteRun(std::uint32_t index, CBytes bytes) {
-    static constexpr Block kZeros{};
+bool SectorFile::WriteRun(std::uint32_t index, std::span<const CBytes> parts) {
     if (!HasMode(kWrite)) return false;
-    const std::uint64_t blocks = BlocksOf(bytes.size());
-    const auto padding = CBytes(kZeros).first(blocks * kBlockSize - bytes.size());
-    CountWritten(index, blocks);
-    return m_file.WriteAt(PositionOf(index), {bytes, padding});
+    std::array<CBytes, kMostParts> all;
+    std::copy(parts.begin(), parts.end(), all.begin());
+    std::size_t bytes = 0;
+    for (const CBytes& part : parts)
+        bytes += part.size();
+    CountWritten(index, bytes / kBlockSize);
+    return m_file.WriteAt(PositionOf(index), {all[0], all[1], all[2], all[3]});
 }
+static_assert(SectorFile::kMostParts == 4, "WriteRun hands on as many");
 
 bool SectorFile::Insert(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
     if (index > m_blockCount) return Write(index, buffer);

@@ -38,9 +38,12 @@ class SectorFile {
     /// The result is whether the file is open; whether the disk took the block isn't told.
     bool Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer);
 
-    /// Writes as many blocks as `bytes` take, side by side from `index` on, at once. The last one is filled up with
-    /// zeros. True means that all of it is with the system.
-    bool WriteRun(std::uint32_t index, vxfileio::CBytes bytes);
+    /// The most pieces that one run is written from.
+    static constexpr std::size_t kMostParts = vxfileio::CFile::kMostBuffers;
+
+    /// Writes blocks side by side from `index` on, at once. The parts, up to `kMostParts` of them, are whole blocks
+    /// each. True means that all of it is with the system.
+    bool WriteRun(std::uint32_t index, std::span<const vxfileio::CBytes> parts);
 
     /// Writes a block between others, so that those from `index` on move up by one. An index beyond the end is a plain
     /// `Write`.
