@@ -33,8 +33,12 @@ class Document {
     Sheet* FindSheet(const std::string& name);
 
     /// Writes the workbook to a new file in place of any at the path. The sheets stay as they are, and the file stays
-    /// open until the next call or the document's end. Returns false if the file can't be made or written.
+    /// open until the next call, `CloseFile` or the document's end. Returns false if the file can't be made or written.
     bool SaveToFile(const std::string& path);
+
+    /// Closes the saved file. Returns what the system refused first since it was begun, in words with the path; an
+    /// empty text if nothing.
+    std::string CloseFile() { return m_file.Close(); }
 
     /// Returns the workbook's stream, the bytes that `SaveToFile` stores.
     RecordStream BuildStream() const { return BuildWorkbookStream(m_sheets); }

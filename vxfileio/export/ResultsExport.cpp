@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "vxfileio/export/Document.h"
@@ -156,31 +157,48 @@ void PutAverages(const CSource& source, std::int32_t wellID, YExcel::Sheet& shee
     }
 }
 
-void ExportResults(const CSource& source, const std::string& path) {
+void AddLine(std::string& lines, const std::string& line) { lines.append(lines.empty() ? "" : "\n").append(line); }
+
+/// Saves a workbook. If it can't be whole, a line is added that tells why and names it.
+void Save(YExcel::Document& document, const std::string& path, std::string& failures) {
+    const bool isSaved = document.SaveToFile(path);
+    std::string failure = document.CloseFile();
+    if (!isSaved && failure.empty()) failure = "File too large, writing " + path;
+    if (!failure.empty()) AddLine(failures, failure);
+}
+
+void ExportResults(const CSource& source, const std::string& path, std::string& failures) {
     YExcel::Document document;
     document.CreateSheets(1);
     document.RenameSheet("Sheet1", kResultsSheet);
     PutResults(source, *document.FindSheet(kResultsSheet));
-    document.SaveToFile(path);
+    Save(document, path, failures);
 }
 
-void ExportWell(const CSource& source, std::int32_t wellID, const std::string& path, YExcel::Document& document) {
+void ExportWell(const CSource& source, std::int32_t wellID, const std::string& path, YExcel::Document& document,
+                std::string& failures) {
     document.CreateSheets(2);
     document.RenameSheet("Sheet1", kBeatsSheet);
     document.RenameSheet("Sheet2", kAveragesSheet);
     PutBeats(source, wellID, *document.FindSheet(kBeatsSheet));
     PutAverages(source, wellID, *document.FindSheet(kAveragesSheet));
-    document.SaveToFile(path);
+    Save(document, path, failures);
 }
 
 /// Exports the wells that have a workbook of their own, beside that of the results. A label that would lead out of the
-/// folder, or that no file can have in its name, leaves its well out.
-void ExportWells(const CSource& source, const CPath& path) {
+/// folder, or that no file can have in its name, leaves its well out, and so does a path that is cut.
+void ExportWells(const CSource& source, const std::string& wholePath, std::string& failures) {
     YExcel::Document document;
+    const CPath path(wholePath.c_str());
     for (const PlateWell* const well : source.Wells()) {
         if (well->State != PlateWell::kNew) continue;
         const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
-        if (IsFileName(name)) ExportWell(source, well->WellID, path.GetDriveDirectory().Text() + name, document);
+        const std::string wellPath = path.GetDriveDirectory().Text() + name;
+        if (IsWholePath(wholePath) && IsFileName(name)) {
+            ExportWell(source, well->WellID, wellPath, document, failures);
+        } else {
+            AddLine(failures, "Not the name of a file: " + wellPath);
+        }
     }
 }
 
@@ -194,10 +212,13 @@ const Object& Required(const Object* object, const char* what) {
 
 }  // namespace vxfileio
 
-void CResultsExport::ExportExcel(const std::string& path) const {
+void CResultsExport::ExportExcel(const std::string& path) {
     const vxfileio::CSource source{.results = vxfileio::Required(m_results, "results"),
                                    .analyzer = vxfileio::Required(m_analyzer, "analyzer property"),
                                    .plate = vxfileio::Required(m_plate, "record plate")};
-    vxfileio::ExportResults(source, path);
-    if (vxfileio::IsWholePath(path)) vxfileio::ExportWells(source, CPath(path.c_str()));
+    m_writeError = "Not finished: " + path;  // until it is
+    std::string failures;
+    vxfileio::ExportResults(source, path, failures);
+    vxfileio::ExportWells(source, path, failures);
+    m_writeError = std::move(failures);
 }

@@ -14,11 +14,13 @@ class CResultsExport {
     void SetPropertyAnalyzer(const CPropAnalyzer* analyzer) { m_analyzer = analyzer; }
     void SetPropertyResultsExport(const CPropResultsExport* property) { m_property = property; }
     void SetPropertyRecordPlate(const CPropRecordPlate* plate) { m_plate = plate; }
-    void ExportExcel(const std::string& path) const;
+    void ExportExcel(const std::string& path);
+    const std::string& GetWriteError() const { return m_writeError; }
 
  private:
     const CResults* m_results = nullptr;
     const CPropAnalyzer* m_analyzer = nullptr;
     const CPropResultsExport* m_property = nullptr;  ///< Nothing depends on it yet.
     const CPropRecordPlate* m_plate = nullptr;
+    std::string m_writeError;
 };

@@ -17,4 +17,9 @@ bool WorkbookFile::Store(std::span<const std::byte> stream) {
     return m_storage.WriteFile(kStreamName, stream) == CompoundStorage::kSuccess && m_storage.IsComplete();
 }
 
+std::string WorkbookFile::Close() {
+    m_storage.Close();
+    return m_storage.WriteError();
+}
+
 }  // namespace YExcel

@@ -9,13 +9,15 @@
 namespace YExcel {
 
 /// The file of a saved workbook: a compound file that holds the workbook's stream. It stays open until the next
-/// `Create` or the object's end.
+/// `Create`, `Close` or the object's end.
 class WorkbookFile {
  public:
     /// Makes a new file with an empty stream, in place of any file at the path. Returns false if that can't be done.
     bool Create(const std::string& path);
     /// Stores the stream's bytes. Returns false if they are more than a file holds, or the disk doesn't take them.
     bool Store(std::span<const std::byte> stream);
+    /// Closes the file. Returns what the system refused first since `Create`, in words with the path, or nothing.
+    std::string Close();
 
  private:
     CompoundStorage m_storage;

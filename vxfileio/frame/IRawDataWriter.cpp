@@ -21,3 +21,5 @@ void CIRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vect
 }
 
 void CIRawDataWriter::Close() { m_writer->Close(); }
+
+std::string CIRawDataWriter::GetWriteError() const { return m_writer->GetWriteError(); }

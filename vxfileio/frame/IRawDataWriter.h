@@ -22,7 +22,7 @@ class CRawDataWriter;
 /// *What is reported.* A file that can't be created, and a caller's mistake (calls out of order, a value that doesn't
 /// fit its cell, arguments that can't be a segment): `CExcVXReader` with code -1, thrown before anything is written,
 /// so that the file is as it was and the writer goes on from there. A write that the system refuses (a full disk) is
-/// not reported: that segment is left out, the file stays sound, and the next call tries afresh.
+/// quiet: that segment is left out, the file stays sound, and the next call tries afresh. `GetWriteError` tells.
 ///
 /// One thread at a time.
 class VXFILEIO_API CIRawDataWriter {
@@ -61,6 +61,13 @@ class VXFILEIO_API CIRawDataWriter {
 
     /// Finishes the last recording and closes the file. Without an open file it does nothing.
     void Close();
+
+    /// Returns an empty text while all that was asked for since `Open` is with the operating system, else what it
+    /// refused first in words: "No space left on device, writing 40300 bytes at 123456 of run.vxd". If segments are
+    /// missing in the file, "; segments missing: " and their number follow. Headers and cells that are refused are
+    /// written as soon as there is room; the failure stays told all the same. After `Close` the text holds for the
+    /// closed file, and what only closing it showed counts.
+    std::string GetWriteError() const;
 
  private:
     std::unique_ptr<CRawDataWriter> m_writer;

@@ -16,3 +16,5 @@ void CIResultsExport::SetPropertyResultsExport(const CPropResultsExport* propert
 }
 
 void CIResultsExport::ExportExcel(const std::string& path) { m_export->ExportExcel(path); }
+
+std::string CIResultsExport::GetWriteError() const { return m_export->GetWriteError(); }

@@ -35,12 +35,17 @@ class VXFILEIO_API CIResultsExport {
     /// extension: its sheet "HB Time Stamps" has the times of the beats, "Averages" the averages in microvolts against
     /// their time.
     ///
-    /// Files of these names are replaced. A workbook that can't be created is left out without a word, and one that a
-    /// full disk doesn't take whole stays cut short, the file before it being gone. Left out is also the workbook of a
-    /// well whose label can't be in the name of a file; what lies beyond 65536 rows or 256 columns is left out as well.
-    /// Throws `CExcVXReader`, before anything is written, if results, analyzer or plate aren't set, and what
-    /// `DoseToText` throws for a dose without text.
+    /// Files of these names are replaced. A workbook that can't be created is left out, and one that a full disk
+    /// doesn't take whole stays cut short, the file before it being gone. Left out is also the workbook of a well whose
+    /// label can't be in the name of a file. All this is quiet, and told by `GetWriteError`. What lies beyond 65536
+    /// rows or 256 columns is left out as well. Throws `CExcVXReader`, before anything is written, if results, analyzer
+    /// or plate aren't set, and what `DoseToText` throws for a dose without text.
     void ExportExcel(const std::string& path);
+
+    /// Returns an empty text if the last `ExportExcel` brought every workbook to the operating system, else one line
+    /// for each that it didn't, which names it: "No space left on device, writing 512 bytes at 0 of run-A1.xls". Lines
+    /// are parted by line feeds.
+    std::string GetWriteError() const;
 
  private:
     std::unique_ptr<CResultsExport> m_export;

@@ -10,3 +10,5 @@ void CIResultsWriter::SetXmlFileHeader(const CXmlFileHeader& header) { m_writer-
 void CIResultsWriter::WriteFile(const std::string& path, const CResults& results) {
     m_writer->WriteFile(path, results);
 }
+
+std::string CIResultsWriter::GetWriteError() const { return m_writer->GetWriteError(); }

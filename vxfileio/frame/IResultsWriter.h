@@ -11,7 +11,9 @@ class CResultsWriter;
 
 /// Writes results files (`.vxr`): the results of one compound, as one XML document.
 ///
-/// Any number of files can be written. A write that the system refuses isn't reported. One thread at a time.
+/// Any number of files can be written. One takes the place of an older file only when it is whole: whoever reads finds
+/// the old or the new one, and the old one stays if the system refuses a write, which `GetWriteError` tells. Only where
+/// no second file can stand beside it is it written in place. One thread at a time.
 class VXFILEIO_API CIResultsWriter {
  public:
     CIResultsWriter();
@@ -27,6 +29,10 @@ class VXFILEIO_API CIResultsWriter {
     /// Writes the file, replacing one of that name. The results aren't kept. Throws `CExcVXReader` with code -1, "Could
     /// not open results file: " and the path, if the file can't be created.
     void WriteFile(const std::string& path, const CResults& results);
+
+    /// Returns an empty text if the last `WriteFile` brought everything to the operating system, else what that refused
+    /// first in words: "No space left on device, writing 65536 bytes at 0 of run.vxr".
+    std::string GetWriteError() const;
 
  private:
     std::unique_ptr<CResultsWriter> m_writer;

@@ -36,3 +36,5 @@ void CISettingsWriter::WriteFile(const std::string& path) {
 void CISettingsWriter::WriteFile(const std::string& path, std::int32_t compound) {
     m_writer->WriteFile(path, compound);
 }
+
+std::string CISettingsWriter::GetWriteError() const { return m_writer->GetWriteError(); }

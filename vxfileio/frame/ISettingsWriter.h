@@ -20,7 +20,9 @@ class CSettingsWriter;
 /// Writes settings files (`.vxs`): how a run was set up, as one XML document.
 ///
 /// The setters come first, in any order, and copy what they are given; what isn't set is written with its defaults.
-/// Any number of files can then be written. A write that the system refuses isn't reported. One thread at a time.
+/// Any number of files can then be written. A file takes the place of an older one only when it is whole: whoever
+/// reads finds the old or the new one, and the old one stays if the system refuses a write, which `GetWriteError`
+/// tells. Only where no second file can stand beside it is it written in place. One thread at a time.
 class VXFILEIO_API CISettingsWriter {
  public:
     CISettingsWriter();
@@ -51,6 +53,10 @@ class VXFILEIO_API CISettingsWriter {
     /// with its own wells. -1 is the first compound with all active wells. Throws `CExcVXReader`, and touches no file,
     /// if the plate has no compound there.
     void WriteFile(const std::string& path, std::int32_t compound);
+
+    /// Returns an empty text if the last `WriteFile` brought everything to the operating system, else what that refused
+    /// first in words: "No space left on device, writing 65536 bytes at 0 of run.vxs".
+    std::string GetWriteError() const;
 
  private:
     std::unique_ptr<CSettingsWriter> m_writer;

@@ -17,13 +17,31 @@ using CBytes = std::span<const std::byte>;
 /// Bytes that are written into, owned by somebody else.
 using CMutableBytes = std::span<std::byte>;
 
+/// What the system refused to do with a file, and why. A fresh one tells of nothing.
+struct CFileFailure {
+    enum class enStep { Opening, Writing, Closing, Replacing };
+
+    std::error_code error;  ///< In the system's own numbers.
+    enStep step = enStep::Opening;
+    std::size_t bytes = 0;      ///< Writing: how many bytes were to be written.
+    std::int64_t position = 0;  ///< Writing: where.
+
+    /// Tells whether there is anything to tell.
+    explicit operator bool() const { return static_cast<bool>(error); }
+
+    /// Puts it into words: "No space left on device, writing 40300 bytes at 123456 of " and the path; empty without a
+    /// failure.
+    std::string Text(const std::string& path) const;
+};
+
 /// A file of plain bytes with 64-bit positions.
 ///
 /// There is no current position: every operation names its own, apart from `Append`, which knows where the file ended
 /// when it was opened for writing. Paths are narrow bytes in the caller's code page; both slashes separate folders on
 /// every host. A file that is open here may be read and written by others at the same time.
 ///
-/// Nothing throws. A failure is a result, and whoever passes it over says why.
+/// Nothing throws, apart from opening for want of memory. A failure is a result, and the first one of opening, writing
+/// or closing is kept for whoever asks later, at no cost as long as there is none.
 class CFile {
  public:
     /// The most buffers that one gathered call takes.
@@ -38,14 +56,30 @@ class CFile {
     bool OpenForReading(const std::string& path);
 
     /// Opens an existing file for reading and writing, keeping its content; closes what was open. Returns false if it
-    /// can't be opened or is a folder.
+    /// can't be opened or is a folder. An earlier failure stays the first one.
     bool OpenForUpdate(const std::string& path);
+
+    /// Opens an existing file for writing alone, keeping its content; closes what was open. Returns false if it can't.
+    bool OpenForWriting(const std::string& path);
 
     /// Creates a file, or empties an existing one, for writing; closes what was open. Returns false if it can't.
     bool Create(const std::string& path);
 
-    /// Why the last opening failed, in the system's own numbers.
-    std::error_code OpenError() const { return m_openError; }
+    /// Creates a file for writing where there was none, by a path in the form that the system takes, and gives it the
+    /// rights of `model`, if that is open; closes what was open. Returns false if there is one or it can't; then
+    /// nothing is left behind. An owner or a group that the process mayn't give away is its own, without more rights
+    /// for that group than everybody has.
+    bool CreateLike(const std::string& path, const CFile& model);
+
+    /// Returns where a file stands that was opened, or was not found, by this path: in its folder, symbolic links
+    /// followed, in the form that the system takes. Empty if it isn't a plain file or stands nowhere.
+    std::string PlaceOf(const std::string& path) const;
+
+    /// What failed first since the last opening; `OpenForUpdate` isn't counted.
+    const CFileFailure& Failure() const { return m_failure; }
+
+    /// The same in words, with the path; empty if nothing failed.
+    std::string WriteError() const { return m_failure.Text(m_path); }
 
     /// Tells whether a file is open.
     bool IsOpen() const { return m_handle != kClosed; }
@@ -71,14 +105,28 @@ class CFile {
     std::int64_t Size() const;
 
  private:
+    void Begin(const std::string& path);
+    bool Keep(CFileFailure failure);
     bool Truncate(std::int64_t size);
+    std::error_code CloseHandle();
+    std::error_code WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers);
 
     static constexpr std::intptr_t kClosed = -1;
 
     std::intptr_t m_handle = kClosed;  ///< The system's handle.
-    std::error_code m_openError;
+    std::string m_path;
+    CFileFailure m_failure;
     std::int64_t m_end = 0;  ///< Where the next `Append` begins.
 };
+
+/// Gives a file the place of another, at once. Both are paths in the form that the system takes.
+std::error_code MoveOver(const std::string& from, const std::string& to);
+
+/// Removes a file, by its path in the form that the system takes.
+void RemoveFile(const std::string& path);
+
+/// A number that no other process of this machine has at the moment.
+std::uint64_t ProcessNumber();
 
 /// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
 inline bool IsWholePath(const std::string& path) { return path.find('\0') == std::string::npos; }

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <utility>
+#include <climits>
 
 #include "vxfileio/helpers/File.h"
 
@@ -22,21 +22,61 @@ constexpr mode_t kNewFileMode = 0666;
 /// O_NONBLOCK lets opening a pipe fail or return instead of waiting for its other end; it does nothing to plain files.
 constexpr int kAlways = O_CLOEXEC | O_NONBLOCK;
 
-int OpenPath(std::string path, int flags, std::error_code& error) {
+std::string Native(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+std::error_code SystemError(int number) { return {number, std::generic_category()}; }
+
+/// The outcome of a call that gives a negative number if it fails.
+std::error_code Outcome(int result) { return SystemError(result < 0 ? errno : 0); }
+
+int OpenPath(const std::string& path, int flags, mode_t mode, std::error_code& error) {
     error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return -1;
-    std::replace(path.begin(), path.end(), '\\', '/');
+    const std::string native = Native(path);
     int handle = -1;
     do {
-        handle = ::open(path.c_str(), flags | kAlways, kNewFileMode);
+        handle = ::open(native.c_str(), flags | kAlways, mode);
     } while (handle < 0 && errno == EINTR);
-    error = {handle < 0 ? errno : 0, std::generic_category()};
+    error = Outcome(handle);
     return handle;
 }
 
 bool IsFolder(int handle) {
     struct stat status {};
     return ::fstat(handle, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// More links than that are a circle.
+constexpr int kMostLinks = 40;
+
+/// Goes from symbolic link to symbolic link to what is none.
+std::string FollowLinks(std::string path) {
+    std::array<char, PATH_MAX> target{};
+    for (int i = 0; i < kMostLinks; ++i) {
+        const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
+        if (size <= 0) break;
+        const std::size_t folder = target[0] == '/' ? 0 : path.rfind('/') + 1;
+        path.replace(folder, std::string::npos, target.data(), static_cast<std::size_t>(size));
+    }
+    return path;
+}
+
+/// Gives a file the owner, as far as allowed, and the rights of another one.
+std::error_code TakeRights(int handle, int model) {
+    constexpr mode_t kRights = 07777;
+    struct stat own {};
+    struct stat wanted {};
+    if (::fstat(handle, &own) < 0 || ::fstat(model, &wanted) < 0) return SystemError(errno);
+    mode_t rights = wanted.st_mode & kRights;
+    constexpr auto kSame = static_cast<uid_t>(-1);
+    const bool hasGroup = own.st_gid == wanted.st_gid || ::fchown(handle, kSame, wanted.st_gid) == 0;
+    if (!hasGroup) rights &= ~static_cast<mode_t>(S_IRWXG) | ((rights & S_IRWXO) << 3U);
+    const bool hasOwner = own.st_uid == wanted.st_uid || ::fchown(handle, wanted.st_uid, kSame) == 0;
+    if (!hasOwner || !hasGroup) rights &= ~static_cast<mode_t>(S_ISUID | S_ISGID);
+    return Outcome(::fchmod(handle, rights));
 }
 
 /// The part of a gathered transfer that is still to be done.
@@ -69,14 +109,18 @@ class CPending {
     std::size_t m_count = 0;
 };
 
-/// Repeats a gathered system call until all is transferred, the file ends or the system refuses; returns the bytes.
+/// Repeats a gathered system call until all is transferred, the file ends or the system refuses. Returns the bytes,
+/// and why there are no more.
 template <class Call>
-std::size_t Transfer(Call call, std::intptr_t handle, std::int64_t position, CPending pending) {
+std::size_t Transfer(Call call, std::intptr_t handle, std::int64_t position, CPending pending, std::error_code& error) {
     std::size_t done = 0;
     while (!pending.IsEmpty()) {
         const ssize_t moved = call(static_cast<int>(handle), pending.Data(), pending.Count(), position);
         if (moved < 0 && errno == EINTR) continue;
-        if (moved <= 0) break;
+        if (moved <= 0) {
+            error = SystemError(moved < 0 ? errno : EIO);
+            break;
+        }
         pending.Pass(static_cast<std::size_t>(moved));
         done += static_cast<std::size_t>(moved);
         position += moved;
@@ -91,47 +135,72 @@ bool IsFileName(const std::string& name) {
 }
 
 bool CFile::OpenForReading(const std::string& path) {
-    Close();
-    const int handle = OpenPath(path, O_RDONLY, m_openError);
+    Begin(path);
+    const int handle = OpenPath(path, O_RDONLY, 0, m_failure.error);
     if (handle < 0) return false;
     m_handle = handle;
     if (IsFolder(handle)) {
         Close();
-        m_openError = std::make_error_code(std::errc::is_a_directory);
+        m_failure = {std::make_error_code(std::errc::is_a_directory)};
     }
     return IsOpen();
 }
 
 bool CFile::OpenForUpdate(const std::string& path) {
     Close();
-    m_handle = OpenPath(path, O_RDWR, m_openError);
+    m_path = path;
+    std::error_code error;
+    m_handle = OpenPath(path, O_RDWR, 0, error);
     m_end = Size();
+    return Keep({error});
+}
+
+bool CFile::OpenForWriting(const std::string& path) {
+    Begin(path);
+    m_handle = OpenPath(path, O_WRONLY, 0, m_failure.error);
     return IsOpen();
 }
 
 bool CFile::Create(const std::string& path) {
-    Close();
-    const int handle = OpenPath(path, O_WRONLY | O_CREAT | O_TRUNC, m_openError);
-    if (handle < 0) return false;
-    m_handle = handle;
-    m_end = 0;
-    return true;
+    Begin(path);
+    m_handle = OpenPath(path, O_WRONLY | O_CREAT | O_TRUNC, kNewFileMode, m_failure.error);
+    return IsOpen();
 }
 
-bool CFile::Close() {
-    if (!IsOpen()) return true;
-    return ::close(static_cast<int>(std::exchange(m_handle, kClosed))) == 0;
+bool CFile::CreateLike(const std::string& path, const CFile& model) {
+    Begin(path);
+    const mode_t mode = model.IsOpen() ? S_IRUSR | S_IWUSR : kNewFileMode;
+    m_handle = OpenPath(path, O_WRONLY | O_CREAT | O_EXCL, mode, m_failure.error);
+    if (!IsOpen() || !model.IsOpen()) return IsOpen();
+    m_failure.error = TakeRights(static_cast<int>(m_handle), static_cast<int>(model.m_handle));
+    if (!m_failure) return true;
+    Close();
+    RemoveFile(path);
+    return false;
 }
+
+std::string CFile::PlaceOf(const std::string& path) const {
+    std::string place = FollowLinks(Native(path));
+    struct stat found {};
+    struct stat own {};
+    const bool isThere = ::lstat(place.c_str(), &found) == 0;
+    if (!IsOpen()) return !isThere && errno == ENOENT ? place : std::string();
+    const bool isOwn = isThere && ::fstat(static_cast<int>(m_handle), &own) == 0 && S_ISREG(own.st_mode) &&
+                       own.st_dev == found.st_dev && own.st_ino == found.st_ino;
+    return isOwn ? place : std::string();
+}
+
+std::error_code CFile::CloseHandle() { return Outcome(::close(static_cast<int>(m_handle))); }
 
 std::size_t CFile::ReadUpTo(std::int64_t position, std::initializer_list<CMutableBytes> buffers) const {
-    return Transfer(::preadv, m_handle, position, CPending(buffers));
+    std::error_code whatever;
+    return Transfer(::preadv, m_handle, position, CPending(buffers), whatever);
 }
 
-bool CFile::WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers) {
-    std::size_t wanted = 0;
-    for (const CBytes& buffer : buffers)
-        wanted += buffer.size();
-    return Transfer(::pwritev, m_handle, position, CPending(buffers)) == wanted;
+std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {
+    std::error_code error;
+    Transfer(::pwritev, m_handle, position, CPending(buffers), error);
+    return error;
 }
 
 std::int64_t CFile::Size() const {
@@ -140,5 +209,13 @@ std::int64_t CFile::Size() const {
 }
 
 bool CFile::Truncate(std::int64_t size) { return ::ftruncate(static_cast<int>(m_handle), size) == 0; }
+
+std::error_code MoveOver(const std::string& from, const std::string& to) {
+    return Outcome(::rename(from.c_str(), to.c_str()));
+}
+
+void RemoveFile(const std::string& path) { ::unlink(path.c_str()); }
+
+std::uint64_t ProcessNumber() { return static_cast<std::uint64_t>(::getpid()); }
 
 }  // namespace vxfileio

@@ -1,8 +1,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
-#include <utility>
 
 #include "vxfileio/helpers/File.h"
 
@@ -18,14 +18,23 @@ constexpr std::size_t kMostBytesPerCall = std::size_t{1} << 30;
 
 HANDLE Native(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
 
-std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition, std::error_code& error) {
+std::error_code SystemError(DWORD number) { return {static_cast<int>(number), std::system_category()}; }
+
+/// The outcome of a call that gives 0 if it fails.
+std::error_code Outcome(BOOL result) { return SystemError(result == 0 ? ::GetLastError() : 0); }
+
+std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition, std::error_code& error,
+                       DWORD attributes = FILE_ATTRIBUTE_NORMAL) {
     error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
-    const HANDLE handle =
-        ::CreateFileA(path.c_str(), access, kShareWithAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    error = {handle == INVALID_HANDLE_VALUE ? static_cast<int>(::GetLastError()) : 0, std::system_category()};
+    const HANDLE handle = ::CreateFileA(path.c_str(), access, kShareWithAll, nullptr, disposition, attributes, nullptr);
+    error = Outcome(handle != INVALID_HANDLE_VALUE);
     return reinterpret_cast<std::intptr_t>(handle);
 }
+
+/// How often, and after how many milliseconds again, a file is moved over one that somebody has open at the moment.
+constexpr int kMostMoves = 20;
+constexpr DWORD kMovePause = 5;
 
 /// The position of a transfer, in the form that the system takes it.
 OVERLAPPED At(std::int64_t position) {
@@ -36,10 +45,11 @@ OVERLAPPED At(std::int64_t position) {
 }
 
 /// Moves one buffer after the other through `call(data, size, place, moved)` until all is moved, the file ends or the
-/// system refuses; returns the bytes. Plain files have no gathered call here.
+/// system refuses. Returns the bytes, and why there are no more. Plain files have no gathered call here.
 template <class Call, class Buffers>
-std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers) {
+std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers, std::error_code& error) {
     std::size_t done = 0;
+    error = std::make_error_code(std::errc::invalid_argument);
     if (position < 0) return done;
     for (auto buffer : buffers) {
         while (!buffer.empty()) {
@@ -48,11 +58,16 @@ std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers) {
             OVERLAPPED place = At(position + static_cast<std::int64_t>(done));
             DWORD moved = 0;
             const auto size = static_cast<DWORD>(std::min(buffer.size(), kMostBytesPerCall));
-            if (!call(buffer.data(), size, &place, &moved) || moved == 0) return done;
+            if (!call(buffer.data(), size, &place, &moved) || moved == 0) {
+                const DWORD number = ::GetLastError();
+                error = SystemError(number == 0 ? ERROR_WRITE_FAULT : number);
+                return done;
+            }
             buffer = buffer.subspan(moved);
             done += moved;
         }
     }
+    error.clear();
     return done;
 }
 
@@ -64,45 +79,74 @@ bool IsFileName(const std::string& name) {
 }
 
 bool CFile::OpenForReading(const std::string& path) {
-    Close();
-    m_handle = OpenPath(path, GENERIC_READ, OPEN_EXISTING, m_openError);
+    Begin(path);
+    m_handle = OpenPath(path, GENERIC_READ, OPEN_EXISTING, m_failure.error);
     return IsOpen();
 }
 
 bool CFile::OpenForUpdate(const std::string& path) {
     Close();
-    m_handle = OpenPath(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, m_openError);
+    m_path = path;
+    std::error_code error;
+    m_handle = OpenPath(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, error);
     m_end = Size();
+    return Keep({error});
+}
+
+bool CFile::OpenForWriting(const std::string& path) {
+    Begin(path);
+    m_handle = OpenPath(path, GENERIC_WRITE, OPEN_EXISTING, m_failure.error);
     return IsOpen();
 }
 
 bool CFile::Create(const std::string& path) {
-    Close();
-    m_handle = OpenPath(path, GENERIC_WRITE, CREATE_ALWAYS, m_openError);
-    m_end = 0;
+    Begin(path);
+    m_handle = OpenPath(path, GENERIC_WRITE, CREATE_ALWAYS, m_failure.error);
     return IsOpen();
 }
 
-bool CFile::Close() {
-    if (!IsOpen()) return true;
-    return ::CloseHandle(Native(std::exchange(m_handle, kClosed))) != 0;
+/// Whether a file is hidden goes with it. Its access list is that of the folder.
+bool CFile::CreateLike(const std::string& path, const CFile& model) {
+    constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    Begin(path);
+    BY_HANDLE_FILE_INFORMATION found{};
+    const bool isKnown = model.IsOpen() && ::GetFileInformationByHandle(Native(model.m_handle), &found) != 0;
+    const DWORD attributes = isKnown ? found.dwFileAttributes & kKept : 0;
+    m_handle = OpenPath(path, GENERIC_WRITE, CREATE_NEW, m_failure.error,
+                        attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes);
+    return IsOpen();
 }
+
+/// A colon behind the drive would name a hidden stream of a file, which can't be moved.
+std::string CFile::PlaceOf(const std::string& path) const {
+    if (path.find(':', 2) != std::string::npos) return {};
+    const DWORD attributes = ::GetFileAttributesA(path.c_str());
+    const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    if (!IsOpen()) return isLink ? std::string() : path;
+    if (::GetFileType(Native(m_handle)) != FILE_TYPE_DISK) return {};
+    if (!isLink) return path;
+    std::array<char, MAX_PATH> target{};
+    const DWORD size = ::GetFinalPathNameByHandleA(Native(m_handle), target.data(), MAX_PATH, FILE_NAME_NORMALIZED);
+    return size < target.size() ? std::string(target.data(), size) : std::string();
+}
+
+std::error_code CFile::CloseHandle() { return Outcome(::CloseHandle(Native(m_handle))); }
 
 std::size_t CFile::ReadUpTo(std::int64_t position, std::initializer_list<CMutableBytes> buffers) const {
     const auto read = [this](std::byte* data, DWORD size, OVERLAPPED* place, DWORD* moved) {
         return ::ReadFile(Native(m_handle), data, size, moved, place) != 0;
     };
-    return Transfer(read, position, buffers);
+    std::error_code whatever;
+    return Transfer(read, position, buffers, whatever);
 }
 
-bool CFile::WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers) {
-    std::size_t wanted = 0;
-    for (const CBytes& buffer : buffers)
-        wanted += buffer.size();
+std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {
     const auto write = [this](const std::byte* data, DWORD size, OVERLAPPED* place, DWORD* moved) {
         return ::WriteFile(Native(m_handle), data, size, moved, place) != 0;
     };
-    return Transfer(write, position, buffers) == wanted;
+    std::error_code error;
+    Transfer(write, position, buffers, error);
+    return error;
 }
 
 std::int64_t CFile::Size() const {
@@ -115,5 +159,20 @@ bool CFile::Truncate(std::int64_t size) {
     end.EndOfFile.QuadPart = size;
     return ::SetFileInformationByHandle(Native(m_handle), FileEndOfFileInfo, &end, sizeof end) != 0;
 }
+
+/// The system refuses as long as somebody has the old file open, which readers do for moments only.
+std::error_code MoveOver(const std::string& from, const std::string& to) {
+    std::error_code error;
+    for (int i = 0; i < kMostMoves; ++i) {
+        error = Outcome(::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING));
+        if (error != std::errc::permission_denied) break;
+        ::Sleep(kMovePause);
+    }
+    return error;
+}
+
+void RemoveFile(const std::string& path) { ::DeleteFileA(path.c_str()); }
+
+std::uint64_t ProcessNumber() { return ::GetCurrentProcessId(); }
 
 }  // namespace vxfileio

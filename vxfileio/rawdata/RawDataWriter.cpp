@@ -80,6 +80,9 @@ CRawDataWriter::~CRawDataWriter() { Close(); }
 
 void CRawDataWriter::Open(const std::string& path) {
     Close();
+    m_refusedHdrs.reserve(kFileHdrSize + kRecordingHdrSize);
+    m_missingSegments = 0;
+    MakeRoomForRefusals();
     if (!m_file.Create(path)) throw CExcVXReader(kCannotOpen + path);
     m_stage = enStage::Opened;
 }
@@ -89,6 +92,7 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
     std::array<char, kFileHdrSize> bytes{};
     Encode(header, bytes);
+    MakeRoomForRefusals();
     m_refusedHdrs.assign(bytes.begin(), bytes.end());
     m_stage = enStage::HasFileHdr;
     AppendRefusedHdrs();
@@ -98,6 +102,7 @@ void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
     std::array<char, kRecordingHdrSize> bytes{};
     Encode(header, bytes);
+    MakeRoomForRefusals();
     // A recording before this one whose header never reached the file has no data there either: it is given up.
     m_refusedHdrs.resize(m_file.End() == 0 ? kFileHdrSize : 0);
     m_refusedHdrs.append(bytes.begin(), bytes.end());
@@ -110,20 +115,18 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     RefuseBefore(enStage::InRecording);
     const std::int64_t count = SampleCount(timeFrom, timeTo, tick);
     if (samples == nullptr) throw CExcVXReader(kNoSamples);
-    if (!AppendRefusedHdrs()) return;
+    MakeRoomForRefusals();
 
     std::array<char, kSegmentHdrSize> bytes{};
     Encode(CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
-    const std::int64_t position = m_file.End();
     const std::span data(samples, static_cast<std::size_t>(count));
-    // A full disk isn't reported; the file ends where it did, and the next segment takes this one's place.
-    if (!m_file.Append({std::as_bytes(std::span(bytes)), std::as_bytes(data)})) return;
-
-    if (m_latestSegment != kUnset) {
-        std::array<char, kNextSegmentHdr.width> cell{};
-        EncodeCell(kNextSegmentHdr, CNumberText(position).View(), cell);
-        Rewrite(m_latestSegment + static_cast<std::int64_t>(kNextSegmentHdr.offset), {cell.data(), cell.size()});
+    const bool hasHdrs = AppendRefusedHdrs();
+    const std::int64_t position = m_file.End();
+    if (!hasHdrs || !m_file.Append({std::as_bytes(std::span(bytes)), std::as_bytes(data)})) {
+        ++m_missingSegments;  // the file ends where it did, and the next segment takes this one's place
+        return;
     }
+    if (m_latestSegment != kUnset) RewritePosition(m_latestSegment, kNextSegmentHdr, position);
     m_latestSegment = position;
 }
 
@@ -133,6 +136,7 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     const auto* list = std::find_if(kTaskLists.begin(), kTaskLists.end(), isTask);
     if (list == kTaskLists.end()) return;
     const std::string cell = EncodedCell(list->cell, Join(values));
+    MakeRoomForRefusals();
     if (m_file.End() == 0) {
         m_refusedHdrs.replace(list->cell.offset, cell.size(), cell);
     } else {
@@ -144,9 +148,9 @@ void CRawDataWriter::Close() {
     if (m_stage == enStage::Closed) return;
     AppendRefusedHdrs();
     FinishRecording(kUnset);
-    for (const auto& [position, bytes] : m_refusedRewrites)
-        m_file.WriteAt(position, {AsBytes(bytes)});  // the last try
-    m_file.Close();                                  // as with every write, a late failure isn't reported
+    for (const CRefusedRewrite& rewrite : m_refusedRewrites)
+        Repeat(rewrite);  // the last try
+    m_file.Close();
     m_stage = enStage::Closed;
     m_refusedHdrs.clear();
     m_refusedRewrites.clear();
@@ -158,6 +162,19 @@ void CRawDataWriter::RefuseBefore(enStage needed) const {
     if (m_stage >= needed) return;
     if (m_stage == enStage::Closed) throw CExcVXReader(kNoOpenFile);
     throw CExcVXReader(m_stage == enStage::Opened ? kFileHdrMissing : kNoRecording);
+}
+
+std::string CRawDataWriter::GetWriteError() const {
+    std::string text = m_file.WriteError();
+    if (m_missingSegments > 0) text += "; segments missing: " + std::to_string(m_missingSegments);
+    return text;
+}
+
+/// A call has one rewrite, and `Close` behind it up to two.
+void CRawDataWriter::MakeRoomForRefusals() {
+    constexpr std::size_t kMostRewrites = 3;
+    const std::size_t size = m_refusedRewrites.size();
+    if (m_refusedRewrites.capacity() < size + kMostRewrites) m_refusedRewrites.reserve(2 * size + kMostRewrites);
 }
 
 /// Appends the headers that the file still lacks. Returns false if the system refuses again.
@@ -172,8 +189,7 @@ bool CRawDataWriter::AppendRefusedHdrs() {
 /// Points at a recording header that has just become whole.
 void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
     if (m_recordingHdr == kUnset) {
-        Rewrite(static_cast<std::int64_t>(kFirstRecordingHdr.offset),
-                EncodedCell(kFirstRecordingHdr, CNumberText(position).View()));
+        RewritePosition(0, kFirstRecordingHdr, position);
     } else {
         FinishRecording(position);
     }
@@ -195,20 +211,37 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     Rewrite(m_recordingHdr + static_cast<std::int64_t>(kFinishedCells[0].offset), {bytes.data(), bytes.size()});
 }
 
+/// Rewrites one cell of the header at `hdr`, which tells a position.
+void CRawDataWriter::RewritePosition(std::int64_t hdr, const CCellPlace& place, std::int64_t position) {
+    std::array<char, kMostRewritten> bytes{};
+    const auto cell = std::span(bytes).first(place.width);
+    EncodeCell(place, CNumberText(position).View(), cell);
+    Rewrite(hdr + static_cast<std::int64_t>(place.offset), {cell.data(), cell.size()});
+}
+
 /// Writes cells over those at a position, now or, if the system refuses, as soon as it takes them.
 void CRawDataWriter::Rewrite(std::int64_t position, std::string_view bytes) {
     RetryRewrites();
-    if (m_file.WriteAt(position, {AsBytes(bytes)})) {
-        m_refusedRewrites.erase(position);
-    } else {
-        m_refusedRewrites[position] = bytes;
+    const bool isTaken = m_file.WriteAt(position, {AsBytes(bytes)});
+    const auto place = std::lower_bound(m_refusedRewrites.begin(), m_refusedRewrites.end(), position,
+                                        [](const auto& rewrite, std::int64_t at) { return rewrite.position < at; });
+    const bool isKnown = place != m_refusedRewrites.end() && place->position == position;
+    if (isTaken) {
+        if (isKnown) m_refusedRewrites.erase(place);
+        return;
     }
+    // Of one position, the newest cells count; they are always as many.
+    const auto kept = isKnown ? place : m_refusedRewrites.insert(place, {position, bytes.size()});
+    std::copy(bytes.begin(), bytes.end(), kept->bytes.begin());
 }
 
 /// Repeats the refused rewrites up to the first that is refused again, so that a broken disk costs one call.
 void CRawDataWriter::RetryRewrites() {
-    auto next = m_refusedRewrites.begin();
-    while (next != m_refusedRewrites.end() && m_file.WriteAt(next->first, {AsBytes(next->second)})) {
-        next = m_refusedRewrites.erase(next);
-    }
+    const auto isRefused = [this](const CRefusedRewrite& rewrite) { return !Repeat(rewrite); };
+    const auto first = std::find_if(m_refusedRewrites.begin(), m_refusedRewrites.end(), isRefused);
+    m_refusedRewrites.erase(m_refusedRewrites.begin(), first);
+}
+
+bool CRawDataWriter::Repeat(const CRefusedRewrite& rewrite) {
+    return m_file.WriteAt(rewrite.position, {AsBytes({rewrite.bytes.data(), rewrite.size})});
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,9 @@
 /// system refused goes ahead of the next segment, a refused rewrite is repeated with the next one; a refused segment
 /// leaves nothing behind. A recording whose header never reached the file is given up when the next one begins. The
 /// writer knows where the file ends and never asks.
+///
+/// What a refusal needs to be remembered is allocated before a call writes anything, so that want of memory leaves file
+/// and writer as they were, and `Close` needs none.
 class CRawDataWriter {
  public:
     CRawDataWriter() = default;
@@ -30,17 +34,31 @@ class CRawDataWriter {
                    const std::uint16_t* samples);
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
     void Close();
+    std::string GetWriteError() const;
 
  private:
     /// How far the calls for the open file have come.
     enum class enStage { Closed, Opened, HasFileHdr, InRecording };
 
+    /// The most bytes that are rewritten at once.
+    static constexpr std::size_t kMostRewritten = 150;
+
+    /// Cells that were to be rewritten and that the system hasn't taken yet.
+    struct CRefusedRewrite {
+        std::int64_t position = 0;
+        std::size_t size = 0;
+        std::array<char, kMostRewritten> bytes{};
+    };
+
     void RefuseBefore(enStage needed) const;
+    void MakeRoomForRefusals();
     bool AppendRefusedHdrs();
     void BeginRecordingAt(std::int64_t position);
     void FinishRecording(std::int64_t nextRecordingHdr);
+    void RewritePosition(std::int64_t hdr, const vxfileio::rawdata::CCellPlace& place, std::int64_t position);
     void Rewrite(std::int64_t position, std::string_view bytes);
     void RetryRewrites();
+    bool Repeat(const CRefusedRewrite& rewrite);
 
     vxfileio::CFile m_file;
     enStage m_stage = enStage::Closed;
@@ -49,8 +67,8 @@ class CRawDataWriter {
     /// file's start the file header, and last the header of the recording that the caller has begun.
     std::string m_refusedHdrs;
 
-    /// Cells that were to be rewritten and that the system hasn't taken yet, by their position.
-    std::map<std::int64_t, std::string> m_refusedRewrites;
+    std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
+    std::int64_t m_missingSegments = 0;              ///< Those that the system refused.
 
     std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;   ///< Latest recording header in the file.
     std::int64_t m_latestSegment = vxfileio::rawdata::kUnset;  ///< Latest segment of that recording.

@@ -8,9 +8,10 @@ void CResultsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_header.FileType = vxfileio::results::kResultsFileType;
 }
 
-void CResultsWriter::WriteFile(const std::string& path, const CResults& results) const {
-    vxfileio::WriteDocument(path, vxfileio::results::kResultsOpenFailed, [&](CXmlFileArchive& archive) {
+void CResultsWriter::WriteFile(const std::string& path, const CResults& results) {
+    const auto save = [&](CXmlFileArchive& archive) {
         m_header.Save(archive);
         results.Save(archive);
-    });
+    };
+    vxfileio::WriteDocument(path, vxfileio::results::kResultsOpenFailed, m_writeError, save);
 }

@@ -9,8 +9,10 @@
 class CResultsWriter {
  public:
     void SetXmlFileHeader(const CXmlFileHeader& header);
-    void WriteFile(const std::string& path, const CResults& results) const;
+    void WriteFile(const std::string& path, const CResults& results);
+    const std::string& GetWriteError() const { return m_writeError; }
 
  private:
     CXmlFileHeader m_header;
+    std::string m_writeError;
 };

@@ -12,7 +12,7 @@ void CSettingsWriter::WriteFile(const std::string& path, std::int32_t compound) 
     m_recordPlate.RequireCompound(compound);  // while the file is still as it was
     const auto wells = compound == CPropRecordPlate::kFirstCompound ? m_recordPlate.GetActiveWellIDs()
                                                                     : m_recordPlate.GetActiveCompoundWellIDs(compound);
-    vxfileio::WriteDocument(path, vxfileio::settings::kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
+    const auto save = [&](CXmlFileArchive& archive) {
         m_header.Save(archive);
         archive.OpenChild(vxfileio::settings::kSettingsElement);
         m_control.Save(archive);
@@ -24,5 +24,6 @@ void CSettingsWriter::WriteFile(const std::string& path, std::int32_t compound) 
         m_recording.Save(archive);
         m_analyzer.SaveWells(archive, wells);
         archive.CloseElement();
-    });
+    };
+    vxfileio::WriteDocument(path, vxfileio::settings::kSettingsOpenFailed, m_writeError, save);
 }

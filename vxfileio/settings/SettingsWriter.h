@@ -26,6 +26,7 @@ class CSettingsWriter {
     void SetRecordingProperty(const CPropRecording& property) { m_recording = property; }
     void SetAnalyzerProperty(const CPropAnalyzer& property) { m_analyzer = property; }
     void WriteFile(const std::string& path, std::int32_t compound);
+    const std::string& GetWriteError() const { return m_writeError; }
 
  private:
     CXmlFileHeader m_header;
@@ -37,4 +38,5 @@ class CSettingsWriter {
     CPropWashIn m_washIn;
     CPropRecording m_recording;
     CPropAnalyzer m_analyzer;
+    std::string m_writeError;
 };

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "vxfileio/helpers/File.h"
+#include "vxfileio/helpers/ReplacingFile.h"
 
 namespace gd_xml_stream {
 
@@ -17,7 +17,8 @@ constexpr std::size_t kGathered = std::size_t{64} << 10;
 }  // namespace
 
 struct CFileBuffer::CState {
-    vxfileio::CFile file;
+    vxfileio::CReplacingFile replacing;
+    vxfileio::CFile& file = replacing.File();
     bool writes = false;
     bool refused = false;  ///< A write failed: what follows is dropped, so that the file is a beginning without gaps.
     std::vector<std::byte> gathered = std::vector<std::byte>(kGathered);
@@ -46,12 +47,29 @@ int CFileBuffer::Open(const std::string& path, const std::string& mode, char* er
         m_state = std::move(state);
         return 0;
     }
-    const std::error_condition error = state->file.OpenError().default_error_condition();
+    const std::error_condition error = state->file.Failure().error.default_error_condition();
     if (errorText != nullptr && errorTextSize > 0) {
         const std::string text = error.message();
         errorText[text.copy(errorText, errorTextSize - 1)] = '\0';
     }
     return error.value();
+}
+
+std::string CFileBuffer::OpenReplacing(const std::string& path) {
+    Close();
+    auto state = std::make_unique<CState>();
+    state->writes = true;
+    if (!state->replacing.Create(path)) return state->replacing.WriteError();
+    m_state = std::move(state);
+    return {};
+}
+
+std::string CFileBuffer::Commit() {
+    if (!m_state) return {};
+    Flush();
+    const std::unique_ptr<CState> state = std::move(m_state);
+    state->replacing.Commit();
+    return state->replacing.WriteError();
 }
 
 void CFileBuffer::Close() {

@@ -27,6 +27,15 @@ class VXFILEIO_API CFileBuffer {
     int Open(const std::string& path, const std::string& mode, char* errorText = nullptr,
              std::size_t errorTextSize = 0);
 
+    /// Opens a file for writing that replaces the one at the path, and does so with `Commit` alone: until then, and if
+    /// it never comes, a file that was there is as it was. What is no plain file, or stands where no second one can be
+    /// made, is written in place as by `Open`. Returns an empty text, or in words why the file can't be opened.
+    std::string OpenReplacing(const std::string& path);
+
+    /// Ends what `OpenReplacing` began: hands everything to the system, closes the file and puts it in its place.
+    /// Returns an empty text, or in words what the system refused first.
+    std::string Commit();
+
     /// Hands everything to the system and closes the file. Without an open file it does nothing.
     void Close();
 

@@ -48,6 +48,9 @@ class CompoundStorage {
     /// Tells whether the system took everything that was written since `Create`.
     bool IsComplete() const { return m_isComplete; }
 
+    /// What the system refused first since `Create`, in words with the path; empty if nothing. Closing counts.
+    std::string WriteError() const { return m_file.WriteError(); }
+
     /// Adds an empty stream, and the storages of its path that don't exist.
     std::int32_t MakeFile(const std::string& path);
     /// Adds an empty storage, and those around it that don't exist.

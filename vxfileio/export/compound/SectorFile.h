@@ -25,6 +25,8 @@ class SectorFile {
     void Close();
     /// Tells whether a file is open.
     bool IsOpen() const { return m_file.IsOpen(); }
+    /// What the system refused first since `Create`, in words with the path; empty if nothing. Closing counts.
+    std::string WriteError() const { return m_file.WriteError(); }
 
     /// Returns the number of blocks; the last one may be cut short by the end of the file.
     std::uint32_t BlockCount() const { return m_blockCount; }
