@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <vxfileio/frame/VXFileIO.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
 #include <set>
@@ -46,6 +47,11 @@ class ResultsExportTest : public testing::Test {
     }
     WorkbookCells Cells(const std::string& name) { return WorkbookOf(ReadAll(m_folder.Path(name))).cells; }
     WorkbookSizes Sizes(const std::string& name) { return WorkbookOf(ReadAll(m_folder.Path(name))).sizes; }
+
+    std::ptrdiff_t CountLines() {
+        const std::string text = m_io.GetResultsExport()->GetWriteError();
+        return text.empty() ? 0 : std::count(text.begin(), text.end(), '\n') + 1;
+    }
 
     /// The names of all files below the temporary folder's parent that this test made.
     std::set<std::string> Files() {
@@ -159,9 +165,14 @@ TEST_F(ResultsExportTest, ALabelNeverLeadsOutOfTheFolder) {
     for (const std::string& label : labels)
         m_plate.Data.AddWell(id++, 0, 0, 0, label);
     Export("sub/run.xls");
+    EXPECT_EQ(CountLines(), 5) << "one for each label that makes no name of a file";
     EXPECT_EQ(Files(), (std::set<std::string>{"run-", "sub", "run.xls", "run-ok.xls", "run-.xls"}));
-    Export("no such folder/run.xls");  // without a word
+    Export("no such folder/run.xls");  // without a word, unless asked
+    EXPECT_TRUE(m_io.GetResultsExport()->GetWriteError().starts_with("No such file or directory, opening " +
+                                                                     m_folder.Path("no such folder/run.xls") + "\n"));
+    EXPECT_EQ(CountLines(), 8) << "all workbooks";
     Export(std::string("cut\0.xls", 8));
+    EXPECT_EQ(CountLines(), 8);
     EXPECT_EQ(Files().size(), 5U);
 }
 
@@ -171,6 +182,7 @@ TEST_F(ResultsExportTest, WhatIsMissingIsReportedBeforeAnythingIsWritten) {
     Export("first.xls");
     exporter.SetPropertyAnalyzer(nullptr);
     EXPECT_THROW(exporter.ExportExcel(m_folder.Path("run.xls")), CExcVXReader);
+    EXPECT_EQ(exporter.GetWriteError(), "") << "that of the last export";
     m_plate.Data.Series.push_back(1'000'000'000'000);  // no recording has it
     EXPECT_ANY_THROW(Export("run.xls"));
     EXPECT_EQ(Files(), (std::set<std::string>{"first.xls", "first-B5.xls"}));

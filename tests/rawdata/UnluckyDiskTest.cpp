@@ -149,6 +149,46 @@ TEST(UnluckyDiskTest, RefusedRewriteIsMadeWithTheNextOneAndTheNewestCounts) {
     EXPECT_EQ(ReadAll(path), FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({.data = 3650}));
 }
 
+TEST(UnluckyDiskTest, WriteErrorTellsTheFirstRefusalAndHowManySegmentsAreMissing) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("told.vxd");
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    EXPECT_EQ(writer.GetWriteError(), "");
+    writer.Open(path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    writer.WriteData(11, 0, 300, 100, kWell11.data());
+    EXPECT_EQ(writer.GetWriteError(), "");
+    const std::string first = "File too large, writing 308 bytes at 3958 of " + path;
+    {
+        const CFullDisk disk(4000);
+        writer.WriteData(12, 0, 300, 100, kWell12.data());
+        EXPECT_EQ(writer.GetWriteError(), first + "; segments missing: 1");
+        writer.WriteData(12, 1, 301, 100, kWell12.data());
+        writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC"));
+        writer.WriteData(12, 2, 302, 100, kWell12.data());
+    }
+    writer.WriteData(11, 3, 303, 100, kWell11.data());
+    EXPECT_EQ(writer.GetWriteError(), first + "; segments missing: 3");
+    writer.Close();
+    EXPECT_EQ(writer.GetWriteError(), first + "; segments missing: 3");
+    EXPECT_EQ(ContentOf(path),
+              "CompoundTest: 11[0..300]1,256,65535,32768 end; PostQC: 11[3..303]1,256,65535,32768 end; ");
+
+    EXPECT_THROW(writer.Open(folder.Path("missing/a.vxd")), CExcVXReader);
+    EXPECT_EQ(writer.GetWriteError(), "No such file or directory, opening " + folder.Path("missing/a.vxd"));
+    writer.Open(path);
+    EXPECT_EQ(writer.GetWriteError(), "");
+    {
+        const CFullDisk disk(0);
+        writer.WriteFileHdr(ExampleFileHdr());
+    }
+    writer.Close();  // with a second try for the header
+    EXPECT_EQ(writer.GetWriteError(), "File too large, writing 1190 bytes at 0 of " + path);
+    EXPECT_EQ(ReadAll(path), FileHdrBytes(-1, "CompoundTest"));
+}
+
 TEST(UnluckyDiskTest, NothingThatOneFileWasRefusedGoesIntoTheNext) {
     const CTempFolder folder;
     CVXFileIO io;

@@ -116,6 +116,7 @@ TEST_F(SettingsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
         return std::string();
     };
     EXPECT_EQ(text([&] { m_writer.WriteFile(path); }), "Could not open settings file: " + path);
+    EXPECT_EQ(m_writer.GetWriteError(), "No such file or directory, opening " + path);
     EXPECT_EQ(text([&] { m_reader.ReadFile(path); }), "Could not open settings file: " + path);
     EXPECT_EQ(text([&] { m_reader.ReadFile(m_folder.Path("")); }),
               "Could not open settings file: " + m_folder.Path(""));
@@ -123,6 +124,7 @@ TEST_F(SettingsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
     CXmlFileHeader header;
     header.FileType = "X";
     EXPECT_NE(Write().find("<FileType></FileType>"), std::string::npos) << "the default header, as long as none is set";
+    EXPECT_EQ(m_writer.GetWriteError(), "");
     m_writer.SetXmlFileHeader(header);
     EXPECT_NE(Write().find("<FileType>VXSettings</FileType>"), std::string::npos);
     EXPECT_EQ(header.FileType, "X");

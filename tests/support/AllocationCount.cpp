@@ -7,18 +7,32 @@
 namespace {
 
 std::atomic<std::size_t> g_allocations{0};
+std::atomic<std::size_t> g_freed{0};
+std::atomic<std::size_t> g_failing{0};  ///< The number of the allocation that fails.
+
+void Free(void* memory) {
+    if (memory != nullptr) ++g_freed;
+    std::free(memory);
+}
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-    ++g_allocations;
+    if (++g_allocations == g_failing) {
+        ++g_freed;  // it never was
+        throw std::bad_alloc();
+    }
     if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
     throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept { Free(memory); }
+void operator delete[](void* memory) noexcept { Free(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { Free(memory); }
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { Free(memory); }
 
 std::size_t AllocationCount() { return g_allocations; }
+
+std::size_t LiveAllocations() { return g_allocations - g_freed; }
+
+void FailAllocation(std::size_t count) { g_failing = count == 0 ? 0 : g_allocations + count; }

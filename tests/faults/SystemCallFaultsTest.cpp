@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <sstream>
+
+#include "tests/faults/Plays.h"
+#include "tests/faults/SystemCalls.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+/// The names and bytes of the files in a folder.
+std::map<std::string, std::string> FilesIn(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        files[entry.path().filename().string()] = BytesOf(entry.path().string());
+    return files;
+}
+
+std::size_t OpenHandles() {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+/// How many segments the text of a write error misses.
+std::int64_t MissingSegments(const std::string& error) {
+    const std::string tag = "; segments missing: ";
+    const std::size_t at = error.find(tag);
+    return at == std::string::npos ? 0 : std::stoll(error.substr(at + tag.size()));
+}
+
+constexpr CFault kNone;
+constexpr CFault kHalf{CFault::enKind::Half};
+constexpr CFault kKill{CFault::enKind::Kill};
+constexpr CFault Once(int error) { return {CFault::enKind::Error, error, false}; }
+constexpr CFault FromThere(int error) { return {CFault::enKind::Error, error, true}; }
+
+/// Every kind of file meets every fault at every call.
+class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
+ protected:
+    SystemCallFaultsTest() {
+        Play(0, kNone);
+        m_whole = FilesIn(m_folder.Path(""));
+        m_calls = m_lastCalls;
+    }
+
+    /// Writes with a fault at a call, over an older file; returns what `GetWriteError` tells.
+    std::string Play(int at, const CFault& fault) {
+        std::filesystem::remove_all(m_folder.Path(""));
+        std::filesystem::create_directory(m_folder.Path(""));
+        if (at > 0) WriteAll(m_path, kOld);
+        CVXFileIO io;
+        const auto steps = m_kind.steps(io, m_path);
+        m_wasThrown = false;
+        const std::size_t handles = OpenHandles();
+        BeginCalls(at, fault);
+        try {
+            for (const auto& step : steps)
+                step();
+        } catch (const CExcVXReader& failure) {
+            m_wasThrown = true;
+        }
+        m_lastCalls = EndCalls();
+        EXPECT_EQ(OpenHandles(), handles) << "a file stayed open";
+        return m_kind.writeError(io);
+    }
+
+    /// What can be read, or the text of the failure.
+    std::string Read() {
+        CVXFileIO io;
+        try {
+            return m_kind.read(io, m_path);
+        } catch (const CExcVXReader& failure) {
+            return failure.GetMsg();
+        }
+    }
+
+    /// Whether `content` is a list of segments of which each is whole and there once, in their order.
+    static bool IsInOrder(const std::string& content) {
+        std::int64_t before = -1;
+        std::istringstream words(content);
+        for (std::string word; words >> word; before = std::stoll(word)) {
+            if (word.find_first_not_of("0123456789") != std::string::npos || std::stoll(word) <= before) return false;
+        }
+        return true;
+    }
+
+    void ExpectReplacedOrOld(bool isNew) {
+        const auto files = FilesIn(m_folder.Path(""));
+        EXPECT_EQ(files.size(), 1U) << "nothing is left beside it";
+        EXPECT_EQ(files.at(m_kind.file) == m_whole.at(m_kind.file), isNew);
+        EXPECT_EQ(files.at(m_kind.file) == kOld, !isNew);
+    }
+
+    /// A workbook that isn't whole is named.
+    void ExpectNamed(const std::string& error) {
+        const auto files = FilesIn(m_folder.Path(""));
+        for (const auto& [name, bytes] : m_whole) {
+            const bool isWhole = files.contains(name) && files.at(name) == bytes;
+            EXPECT_TRUE(isWhole || error.find(name) != std::string::npos) << name << " isn't named: " << error;
+        }
+    }
+
+    static constexpr const char* kOld = "what was there before";
+
+    CKind m_kind = GetParam();
+    CTempFolder m_parent;
+    CTempFolder m_folder{m_parent.Path("files")};
+    std::string m_path = m_folder.Path(m_kind.file);
+    std::map<std::string, std::string> m_whole;
+    int m_calls = 0;
+    int m_lastCalls = 0;
+    bool m_wasThrown = false;
+};
+
+TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
+    ASSERT_GE(m_calls, 5);
+    for (const int error : {ENOSPC, EIO, EACCES, EINTR}) {
+        for (int at = 1; at <= m_calls + 2; ++at) {  // an older file makes for more calls than the first one
+            SCOPED_TRACE("error " + std::to_string(error) + " at call " + std::to_string(at));
+            const std::string told = Play(at, Once(error));
+            EXPECT_TRUE(!m_wasThrown || !told.empty());
+            if (m_kind.isReplaced) {
+                ExpectReplacedOrOld(told.empty());
+            } else if (m_kind.read == nullptr) {
+                ExpectNamed(told);
+            } else if (!m_wasThrown) {
+                const std::string content = Read();
+                EXPECT_TRUE(IsInOrder(content)) << content;
+                EXPECT_EQ(std::count(content.begin(), content.end(), ' '), kSegments - MissingSegments(told)) << told;
+                EXPECT_TRUE(!told.empty() || FilesIn(m_folder.Path("")) == m_whole);
+            }
+        }
+    }
+}
+
+TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneGoOn) {
+    for (int at = 1; at <= m_calls; ++at) {
+        SCOPED_TRACE(at);
+        EXPECT_EQ(Play(at, kHalf), "");
+        EXPECT_EQ(FilesIn(m_folder.Path("")), m_whole);
+    }
+}
+
+TEST_P(SystemCallFaultsTest, ADiskThatBreaksForGoodLeavesWhatWasWhole) {
+    for (const int error : {ENOSPC, EIO}) {
+        for (int at = 1; at <= m_calls; ++at) {
+            SCOPED_TRACE("error " + std::to_string(error) + " from call " + std::to_string(at));
+            const std::string told = Play(at, FromThere(error));
+            const std::string bytes = BytesOf(m_path);
+            if (m_kind.isReplaced) {
+                EXPECT_EQ(bytes == m_whole.at(m_kind.file), told.empty());
+                EXPECT_EQ(bytes == kOld, !told.empty());
+            } else if (m_kind.read == nullptr) {
+                ExpectNamed(told);
+            } else {
+                EXPECT_NE(told, "");
+                const std::string content = Read();
+                EXPECT_TRUE(IsInOrder(content) || content.starts_with("Error") || content.starts_with("Opened file"))
+                    << content;
+            }
+        }
+    }
+}
+
+TEST_P(SystemCallFaultsTest, AKilledProcessLeavesWhatWasWhole) {
+    std::size_t most = 0;
+    for (int at = 1; at <= m_calls; ++at) {
+        SCOPED_TRACE("killed at call " + std::to_string(at));
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            Play(at, kKill);
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        const std::string bytes = BytesOf(m_path);
+        if (m_kind.isReplaced) {
+            EXPECT_TRUE(bytes == kOld || bytes == m_whole.at(m_kind.file));
+        } else if (m_kind.read != nullptr) {
+            const std::string content = Read();
+            const bool isSound = IsInOrder(content);
+            EXPECT_TRUE(isSound || content.starts_with("Opened file")) << content;
+            const auto size = isSound ? static_cast<std::size_t>(std::count(content.begin(), content.end(), ' ')) : 0;
+            EXPECT_TRUE(size % 3 == 0 && size >= most) << "finished recordings are whole, and stay";
+            most = size;
+        }
+    }
+}
+
+TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
+    if (m_kind.read == nullptr) return;  // there is no reader
+    Play(0, kNone);
+    BeginCalls(0, kNone);
+    const std::string whole = Read();
+    const int calls = EndCalls();
+    ASSERT_GE(calls, 3);
+    const std::size_t handles = OpenHandles();
+    for (int at = 1; at <= calls; ++at) {
+        SCOPED_TRACE(at);
+        for (const int error : {EIO, ENOMEM}) {
+            for (const CFault& fault : {Once(error), FromThere(error)}) {
+                BeginCalls(at, fault);
+                Read();
+                EndCalls();
+                EXPECT_EQ(OpenHandles(), handles);
+            }
+        }
+        BeginCalls(at, kHalf);
+        EXPECT_EQ(Read(), whole);
+        EndCalls();
+        EXPECT_EQ(Read(), whole) << "the next one knows nothing of it";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, SystemCallFaultsTest, testing::ValuesIn(AllKinds()),
+                         [](const auto& kind) { return std::string(kind.param.name); });
+
+}  // namespace

@@ -1,0 +1,115 @@
+#include "tests/faults/SystemCalls.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+bool g_counts = false;
+int g_calls = 0;
+int g_at = 0;
+CFault g_fault;
+
+/// Counts a call. Returns whether it meets the fault.
+bool IsMet() {
+    if (!g_counts) return false;
+    ++g_calls;
+    return g_at != 0 && (g_fault.goesOn ? g_calls >= g_at : g_calls == g_at);
+}
+
+/// Makes a call, unless it meets the fault; `half` makes the half of it.
+template <class Call, class Half>
+auto Make(Call call, Half half) -> decltype(call()) {
+    if (!IsMet()) return call();
+    if (g_fault.kind == CFault::enKind::Half) return half();
+    if (g_fault.kind == CFault::enKind::Kill) std::raise(SIGKILL);
+    errno = g_fault.error;
+    return -1;
+}
+
+template <class Call>
+auto Make(Call call) {
+    return Make(call, call);
+}
+
+/// Moves the first bytes of the first buffer alone.
+template <class Call>
+ssize_t Transfer(Call call, int handle, const iovec* parts, int count, off_t position) {
+    const iovec half{parts[0].iov_base, (parts[0].iov_len + 1) / 2};
+    return Make([&] { return call(handle, parts, count, position); }, [&] { return call(handle, &half, 1, position); });
+}
+
+}  // namespace
+
+void BeginCalls(int at, const CFault& fault) {
+    g_counts = true;
+    g_calls = 0;
+    g_at = at;
+    g_fault = fault;
+}
+
+int EndCalls() {
+    g_counts = false;
+    return g_calls;
+}
+
+extern "C" {
+
+int __real_open(const char* path, int flags, mode_t mode);
+int __real_close(int handle);
+int __real_fstat(int handle, struct stat* status);
+int __real_lstat(const char* path, struct stat* status);
+ssize_t __real_readlink(const char* path, char* target, size_t size);
+ssize_t __real_preadv(int handle, const iovec* parts, int count, off_t position);
+ssize_t __real_pwritev(int handle, const iovec* parts, int count, off_t position);
+int __real_ftruncate(int handle, off_t size);
+int __real_fchmod(int handle, mode_t mode);
+int __real_fchown(int handle, uid_t owner, gid_t group);
+int __real_rename(const char* from, const char* to);
+int __real_unlink(const char* path);
+
+int __wrap_open(const char* path, int flags, mode_t mode) {
+    return Make([&] { return __real_open(path, flags, mode); });
+}
+int __wrap_close(int handle) {  // a handle is closed, whatever the call says
+    const int result = __real_close(handle);
+    return Make([&] { return result; });
+}
+int __wrap_fstat(int handle, struct stat* status) {
+    return Make([&] { return __real_fstat(handle, status); });
+}
+int __wrap_lstat(const char* path, struct stat* status) {
+    return Make([&] { return __real_lstat(path, status); });
+}
+ssize_t __wrap_readlink(const char* path, char* target, size_t size) {
+    return Make([&] { return __real_readlink(path, target, size); });
+}
+ssize_t __wrap_preadv(int handle, const iovec* parts, int count, off_t position) {
+    return Transfer(__real_preadv, handle, parts, count, position);
+}
+ssize_t __wrap_pwritev(int handle, const iovec* parts, int count, off_t position) {
+    return Transfer(__real_pwritev, handle, parts, count, position);
+}
+int __wrap_ftruncate(int handle, off_t size) {
+    return Make([&] { return __real_ftruncate(handle, size); });
+}
+int __wrap_fchmod(int handle, mode_t mode) {
+    return Make([&] { return __real_fchmod(handle, mode); });
+}
+int __wrap_fchown(int handle, uid_t owner, gid_t group) {
+    return Make([&] { return __real_fchown(handle, owner, group); });
+}
+int __wrap_rename(const char* from, const char* to) {
+    return Make([&] { return __real_rename(from, to); });
+}
+int __wrap_unlink(const char* path) {
+    return Make([&] { return __real_unlink(path); });
+}
+
+}  // extern "C"

@@ -1,0 +1,19 @@
+#pragma once
+
+/// @file
+/// The system calls of the library's files, each of which can be made to fail. Linking the source with the options that
+/// its folder's build tells puts it between the static library and the system.
+
+/// What happens to a call, and to all behind it if it goes on.
+struct CFault {
+    enum class enKind { Error, Half, Kill };
+    enKind kind = enKind::Error;
+    int error = 0;  ///< The error's number.
+    bool goesOn = false;
+};
+
+/// From now on calls are counted, and that of number `at`, from 1, meets the fault; 0 is none.
+void BeginCalls(int at, const CFault& fault);
+
+/// Ends that, and returns how many calls there were.
+int EndCalls();

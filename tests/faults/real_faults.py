@@ -1,0 +1,194 @@
+"""real_faults.py PLAY_FILES FOLDER: faults that the system itself makes, while PLAY_FILES writes or reads below FOLDER.
+
+A tracer refuses, or kills at, one system call after the other; a memory disk is too small; files may not grow; a device
+is always full. After each, what was whole must be there, and the program must have told what isn't.
+"""
+import os
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+
+FILES = {"raw": "run.vxd", "settings": "run.vxs", "results": "run.vxr", "export": "run.xls"}
+REPLACED = ("settings", "results")
+OLD = b"what was there before"
+SEGMENTS = 6
+# What the library calls. Some have another name on other systems.
+CALLS = ("open,openat", "close", "fstat,newfstatat,lstat", "readlink", "pwritev,pwritev2", "preadv,preadv2", "ftruncate",
+         "fchmod", "rename", "unlink")
+FAULTS = ("error=ENOSPC", "error=EIO", "error=EINTR", "signal=KILL")
+
+
+class Plays:
+    def __init__(self, program, folder):
+        self.program = program
+        self.folder = folder
+        self.count = 0
+        self.whole = {}
+        for kind in FILES:
+            self.start(kind, None)
+            assert self.run("write", kind).returncode == 0, kind
+            self.whole[kind] = self.files()
+
+    def start(self, kind, old=OLD):
+        shutil.rmtree(self.folder, ignore_errors=True)
+        os.makedirs(self.folder)
+        if old is not None:
+            with open(self.path(kind), "wb") as file:
+                file.write(old)
+
+    def path(self, kind):
+        return os.path.join(self.folder, FILES[kind])
+
+    def files(self):
+        found = {}
+        for name in os.listdir(self.folder):
+            with open(os.path.join(self.folder, name), "rb") as file:
+                found[name] = re.sub(rb"<AnalyzingDate>.*</AnalyzingDateString>", b"", file.read())
+        return found
+
+    def run(self, verb, kind, before=(), **options):
+        self.count += 1
+        return subprocess.run([*before, self.program, verb, kind, self.folder], stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, timeout=60, check=False, **options)
+
+    def check(self, kind, done, what, once=True):
+        """Holds what is on disk against what the program told."""
+        told = done.stdout.decode("latin-1").strip()
+        killed = done.returncode in (-signal.SIGKILL, 128 + signal.SIGKILL)
+        assert killed or done.returncode in (0, 1, 2), (what, done)
+        assert killed or (done.returncode == 0) == (told == ""), (what, done)
+        found = self.files()
+        if kind in REPLACED:
+            content = found[FILES[kind]]
+            is_new = content == self.whole[kind][FILES[kind]]
+            assert is_new or content == OLD, (what, "neither the old nor the new file")
+            assert killed or is_new == (told == ""), (what, told)
+            assert killed or len(found) == 1, (what, "left behind", list(found))
+        elif kind == "export":
+            for name, content in self.whole[kind].items():
+                assert killed or found.get(name) == content or name in told, (what, name, told)
+        elif done.returncode != 2:
+            self.check_segments(done, killed, told, what, once)
+
+    def check_segments(self, done, killed, told, what, once):
+        read = self.run("read", "raw")
+        content = read.stdout.decode("latin-1").strip()
+        assert read.returncode in (0, 2), (what, read)
+        if read.returncode == 2:
+            assert told or killed, (what, content)
+            return
+        segments = [int(word) for word in content.split()]
+        assert segments == sorted(set(segments)), (what, content)
+        missing = re.search(r"; segments missing: (\d+)", told)
+        if killed:
+            assert len(segments) % 3 == 0, (what, content)
+        elif once:
+            assert len(segments) == SEGMENTS - int(missing[1] if missing else 0), (what, content, told)
+
+
+def traced(plays):
+    before = plays.count
+    for kind in FILES:
+        for calls in CALLS:
+            for fault in FAULTS:
+                number = 0
+                met = True
+                while met:
+                    number += 1
+                    plays.start(kind)
+                    done = plays.run("write", kind, ["strace", "-qq", "-e", f"trace={calls}", "-e",
+                                                     f"inject={calls}:{fault}:when={number}"])
+                    met = b"(INJECTED)" in done.stderr or b"killed by SIGKILL" in done.stderr
+                    what = f"{kind}: {fault} at {calls} number {number}"
+                    plays.check(kind, done, what)
+        if kind != "export":
+            read_traced(plays, kind)
+    print(f"{plays.count - before} runs: a tracer refused, or killed at, each system call of writing and reading")
+
+
+def read_traced(plays, kind):
+    plays.start(kind, None)
+    plays.run("write", kind)
+    whole = plays.run("read", kind).stdout
+    for calls in CALLS:
+        number = 0
+        met = True
+        while met:
+            number += 1
+            done = plays.run("read", kind, ["strace", "-qq", "-e", f"trace={calls}", "-e",
+                                            f"inject={calls}:error=EIO:when={number}"])
+            met = b"(INJECTED)" in done.stderr
+            assert done.returncode in (0, 2), (kind, calls, number, done)
+    assert plays.run("read", kind).stdout == whole
+
+
+def on_small_disks(plays):
+    mount = ["mount", "-t", "tmpfs", "-o"]
+    os.makedirs(plays.folder, exist_ok=True)
+    count = 0
+    for kind in FILES:
+        largest = max(len(content) for content in plays.whole[kind].values())
+        for size in sorted({4096 * (1 + step * (2 * largest // 4096 + 2) // 12) for step in range(13)}):
+            plays.start(kind, None)
+            subprocess.run([*mount, f"size={size}", "tmpfs", plays.folder], check=True, capture_output=True)
+            try:
+                with open(plays.path(kind), "wb") as file:
+                    file.write(OLD)
+                plays.check(kind, plays.run("write", kind), f"{kind}: on a disk of {size} bytes", once=False)
+                count += 1
+            finally:
+                subprocess.run(["umount", plays.folder], check=True)
+    print(f"{count} runs on memory disks that were too small, or just large enough")
+
+
+def with_limits(plays):
+    count = 0
+    for kind in FILES:
+        largest = max(len(content) for content in plays.whole[kind].values())
+        for size in range(0, largest + largest // 30, max(largest // 30, 1)):
+            plays.start(kind)
+            done = plays.run("write", kind, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size)))
+            plays.check(kind, done, f"{kind}: files of {size} bytes at most", once=False)
+            assert size >= largest or done.returncode == 1 and b"File too large" in done.stdout, (kind, size, done)
+            count += 1
+    print(f"{count} runs with a limit to the size of files")
+
+
+def on_devices(plays):
+    for kind in FILES:
+        for device, text in (("/dev/full", "No space left on device, writing"), ("/dev/null", "")):
+            plays.start(kind, None)
+            os.symlink(device, plays.path(kind))
+            told = plays.run("write", kind).stdout.decode("latin-1").strip()
+            assert told.startswith(text) and (told == "") == (text == ""), (kind, device, told)
+            assert os.readlink(plays.path(kind)) == device
+    print("every kind written to a device that is always full, and to one that takes all")
+
+
+def works(command):
+    return subprocess.run(command, capture_output=True, check=False).returncode == 0
+
+
+def main():
+    plays = Plays(os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2]))
+    if len(sys.argv) > 3:
+        on_small_disks(plays)
+        return
+    with_limits(plays)
+    on_devices(plays)
+    if works(["strace", "-qq", "-e", "trace=none", "true"]):
+        traced(plays)
+    else:
+        print("No program can be traced here. faults_test made every call fail between library and system instead.")
+    os.makedirs(plays.folder, exist_ok=True)
+    apart = ["unshare", "-rm"]  # what is mounted there goes with the process
+    if works([*apart, "mount", "-t", "tmpfs", "tmpfs", plays.folder]):
+        subprocess.run([*apart, sys.executable, *sys.argv, "disks"], check=True)
+    else:
+        print("No disk can be mounted here. Limits to the size of files stood for full disks instead.")
+
+
+main()

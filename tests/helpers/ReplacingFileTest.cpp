@@ -1,0 +1,113 @@
+#include "vxfileio/helpers/ReplacingFile.h"
+
+#include <gtest/gtest.h>
+
+#include <span>
+
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using namespace vxfileio;
+namespace fs = std::filesystem;
+
+class ReplacingFileTest : public testing::Test {
+ protected:
+    bool Put(const std::string& content) { return m_file.File().Append({std::as_bytes(std::span(content))}); }
+
+    /// Replaces a file, and expects that to work.
+    void Replace(const std::string& path, const std::string& content) {
+        ASSERT_TRUE(m_file.Create(path));
+        EXPECT_TRUE(Put(content));
+        EXPECT_TRUE(m_file.Commit()) << m_file.WriteError();
+        EXPECT_EQ(m_file.WriteError(), "");
+    }
+
+    std::ptrdiff_t CountFiles() { return std::distance(fs::directory_iterator(m_folder.Path("")), {}); }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("file");
+    CReplacingFile m_file;
+};
+
+TEST_F(ReplacingFileTest, TheOldFileStandsUntilTheNewOneIsWhole) {
+    Replace(m_path, "first");
+    EXPECT_EQ(ReadAll(m_path), "first");
+    CFile reader;
+    ASSERT_TRUE(reader.OpenForReading(m_path));
+    ASSERT_TRUE(m_file.Create(m_path));
+    EXPECT_TRUE(Put("second"));
+    EXPECT_EQ(ReadAll(m_path), "first");
+    reader.Close();
+    EXPECT_TRUE(m_file.Commit());
+    EXPECT_EQ(ReadAll(m_path), "second");
+
+    ASSERT_TRUE(m_file.Create(m_path));
+    EXPECT_TRUE(Put("third"));
+    ASSERT_TRUE(m_file.Create(m_path)) << "beginning again drops what was begun";
+    EXPECT_EQ(CountFiles(), 2);
+    {
+        CReplacingFile other;
+        ASSERT_TRUE(other.Create(m_path));
+        EXPECT_EQ(CountFiles(), 3) << "two at once have names of their own";
+    }
+    EXPECT_TRUE(m_file.Commit());
+    EXPECT_EQ(ReadAll(m_path), "");
+    EXPECT_EQ(CountFiles(), 1);
+}
+
+TEST_F(ReplacingFileTest, AReaderThatHasTheOldFileOpenIsNoHindrance) {
+    WriteAll(m_path, "old");
+    CFile reader;
+    ASSERT_TRUE(reader.OpenForReading(m_path));
+    Replace(m_path, "new content");
+    EXPECT_EQ(ReadAll(m_path), "new content");
+    EXPECT_EQ(CountFiles(), 1);
+}
+
+TEST_F(ReplacingFileTest, WhatCannotBeOpenedIsToldAndLeavesNothing) {
+    for (const std::string& path :
+         {m_folder.Path("missing/file"), m_folder.Path(""), std::string(), m_folder.Path(std::string("nul\0", 4))}) {
+        EXPECT_FALSE(m_file.Create(path));
+        EXPECT_NE(m_file.WriteError().find(", opening " + path), std::string::npos) << m_file.WriteError();
+    }
+    EXPECT_EQ(CountFiles(), 0);
+}
+
+#if defined(__unix__)
+TEST_F(ReplacingFileTest, LinksStayAndRightsAreKept) {
+    fs::create_directory(m_folder.Path("sub"));
+    const std::string target = m_folder.Path("sub/target");
+    WriteAll(target, "old");
+    fs::permissions(target, fs::perms(0640));
+    fs::create_hard_link(target, m_folder.Path("copy"));
+    fs::create_symlink("sub/target", m_folder.Path("link"));
+    fs::create_symlink(m_folder.Path("link"), m_path);
+    Replace(m_path, "new");
+    EXPECT_TRUE(fs::is_symlink(m_path) && fs::is_symlink(m_folder.Path("link")));
+    EXPECT_EQ(ReadAll(target), "new");
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
+    EXPECT_EQ(ReadAll(m_folder.Path("copy")), "old") << "another name keeps the old file";
+
+    fs::remove(target);  // the link leads nowhere now
+    Replace(m_folder.Path("sub\\..\\file"), "made");
+    EXPECT_TRUE(fs::is_symlink(m_path));
+    EXPECT_EQ(ReadAll(target), "made");
+    WriteAll(m_folder.Path("plain"), "");
+    EXPECT_EQ(fs::status(target).permissions(), fs::status(m_folder.Path("plain")).permissions()) << "as any new file";
+}
+
+TEST_F(ReplacingFileTest, DevicesAndRemovedFilesAreWrittenInPlace) {
+    Replace("/dev/null", "nothing");
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    fs::create_symlink("/dev/full", m_path);
+    ASSERT_TRUE(m_file.Create(m_path));
+    EXPECT_FALSE(Put("much"));
+    EXPECT_FALSE(m_file.Commit());
+    EXPECT_EQ(m_file.WriteError(), "No space left on device, writing 4 bytes at 0 of " + m_path);
+    EXPECT_TRUE(fs::is_symlink(m_path));
+    EXPECT_EQ(CountFiles(), 1);
+}
+#endif
+
+}  // namespace
