@@ -99,6 +99,8 @@ TEST_F(SectorFileTest, GatheredBlocksGoToTheirPlacesFilledUpWithZeros) {
     EXPECT_EQ(m_file.BlockCount(), 18U);
     EXPECT_EQ(Letters(), "aqxx?fxh" + std::string(1, '\0') + "pHGFEDCBA");
     EXPECT_EQ(ReadAll(m_path).substr(2048, 512), "y" + std::string(511, '\0'));
+    EXPECT_TRUE(m_file.WriteRun(99, {}));
+    EXPECT_EQ(m_file.BlockCount(), 18U);
     m_file.Close();
     EXPECT_FALSE(writes.WriteTo(m_file));
 }

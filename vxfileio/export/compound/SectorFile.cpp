@@ -93,10 +93,10 @@ bool SectorFile::OpenInMode() {
     return (m_mode & kRead) != 0 && m_file.OpenForReading(m_path);
 }
 
-/// A block beyond the end adds its own size to the file's, not that of a gap in front of it.
+/// A block beyond the end adds its own size to the file's, not that of a gap in front of it. No block adds nothing.
 void SectorFile::CountWritten(std::uint32_t index, std::size_t blocks) {
     const std::uint64_t end = std::uint64_t{index} + blocks;
-    if (end <= m_blockCount) return;
+    if (blocks == 0 || end <= m_blockCount) return;
     m_byteSize += (end - std::max<std::uint64_t>(index, m_blockCount)) * kBlockSize;
     m_blockCount = static_cast<std::uint32_t>(end);
 }
