@@ -1,0 +1,117 @@
+// A document, read event by event. The first byte of the input is the size of the blocks, which must make no
+// difference; what was read is written anew, and reads the same.
+#include <vector>
+
+#include "fuzz/Documents.h"
+
+namespace {
+
+using gd_xml_stream::XmlType;
+using gd_xml_stream::XmlValue;
+
+struct CEvent {
+    std::string name;
+    bool isEnd = false;
+    bool hasChildren = false;
+    std::string text;
+    std::string value;
+    std::string attribute;
+
+    bool operator==(const CEvent&) const = default;
+};
+
+template <class Value>
+std::string ValueText(CXmlFileArchive& archive, Value value) {
+    archive.GetValue(value);
+    return std::to_string(value) + ' ';
+}
+
+/// Everything that the archive tells of the current element.
+CEvent EventOf(CXmlFileArchive& archive) {
+    CEvent event{std::string(archive.TagName()),
+                 archive.IsEndTag(),
+                 (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0,
+                 archive.GetText(),
+                 {},
+                 {}};
+    archive.GetValue(event.value);
+    event.value += ValueText(archive, std::int32_t{-7}) + ValueText(archive, std::int64_t{-7}) +
+                   ValueText(archive, std::uint16_t{7}) + ValueText(archive, std::uint32_t{7}) +
+                   ValueText(archive, std::uint64_t{7}) + ValueText(archive, 0.5);
+    bool truth = false;
+    archive.GetValue(truth);
+    std::vector<double> samples(4);
+    archive.GetSamples(samples);
+    for (const double sample : samples)
+        event.value += std::to_string(sample);
+    event.value += truth ? "true" : "false";
+    event.attribute = std::to_string(archive.GetListSize()) + (archive.ListHasEntries() ? " " : "0");
+    XmlValue size(std::int32_t{-7});
+    if (archive.GetAttribute("Size", size) == 0) event.attribute += std::to_string(size.AsInt32());
+    XmlValue text("");
+    if (archive.GetAttribute("Name", text) == 0) event.attribute += text.AsText();
+    return event;
+}
+
+/// Behind a failure reading goes on, but not for ever.
+std::vector<CEvent> EventsOf(const std::string& path, std::int32_t blockSize) {
+    std::vector<CEvent> events;
+    ReadDocument(path, blockSize, [&](CXmlFileArchive& archive) {
+        events.push_back({.name = std::to_string(archive.SkipProlog())});
+        for (int failures = 0; failures < 3;) {
+            if (archive.NextElement()) {
+                events.push_back(EventOf(archive));
+            } else {
+                ++failures;
+                Require(archive.TagName().empty() && archive.GetText().empty(), "no element behind a failure");
+                events.push_back({.text = std::to_string(static_cast<int>(archive.LastError()))});
+            }
+        }
+    });
+    return events;
+}
+
+/// Whether all names are such as a writer may use; reading is less strict.
+bool HasPlainNames(const std::vector<CEvent>& events) {
+    constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-";
+    return std::all_of(events.begin(), events.end(), [&](const CEvent& event) {
+        return event.name.find_first_not_of(kLetters) == std::string::npos;
+    });
+}
+
+/// A document with the same elements and texts, as far as the first failure or the end of the root.
+std::string Written(const std::string& path, const std::vector<CEvent>& events, std::int32_t blockSize) {
+    return WrittenDocument(path, blockSize, [&](CXmlFileArchive& archive) {
+        int open = 0;
+        for (std::size_t i = 1; i < events.size() && !events[i].name.empty(); ++i) {
+            const bool opens = !events[i].isEnd;
+            const bool closes = events[i].isEnd || !events[i].hasChildren;
+            if (opens) archive.OpenChild(events[i].name).PutValue(events[i].text);
+            if (closes) archive.CloseElement();
+            open += (opens ? 1 : 0) - (closes ? 1 : 0);
+            if (open == 0) return;
+        }
+        for (; open > 0; --open)
+            archive.CloseElement();
+    });
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string read = CFuzzFolder::Path("read.xml");
+    static const std::string written = CFuzzFolder::Path("written.xml");
+    CCalls input(Input(data, size));
+    const auto blockSize = static_cast<std::int32_t>(input.Byte());
+    WriteBytes(read, input.Rest());
+    const auto events = EventsOf(read, blockSize);
+    Require(events == EventsOf(read, gd_xml_stream::kBlockSize), "blocks of any size read the same");
+    const bool hasTree = events.size() > 1 && events[1].hasChildren;
+    if (!hasTree || !HasPlainNames(events)) return 0;
+
+    const std::string once = Written(written, events, blockSize);
+    Require(once == Written(written, events, gd_xml_stream::kBlockSize), "blocks of any size write the same");
+    const auto again = EventsOf(written, blockSize);
+    Require(Written(written, again, blockSize) == once, "a document reads the same once written");
+    return 0;
+}

@@ -1,0 +1,255 @@
+// A list of calls for the facades, in any order and with any values. What the writer of raw data took must be in the
+// file once it is closed, and as far as it was finished already while it is written.
+#include <optional>
+#include <vector>
+
+#include "fuzz/Fuzz.h"
+#include "vxfileio/frame/VXExceptions.h"
+#include "vxfileio/frame/VXFileIO.h"
+
+namespace {
+
+struct CSegment {
+    std::int32_t well;
+    std::int64_t from;
+    std::int64_t to;
+    std::vector<std::uint16_t> samples;
+};
+
+struct CRecording {
+    std::string task;
+    std::int32_t number;
+    std::vector<CSegment> segments;
+};
+
+/// Samples that depend on their place alone.
+std::vector<std::uint16_t> SamplesOf(std::size_t count, std::uint8_t seed) {
+    std::vector<std::uint16_t> samples(count);
+    for (std::size_t i = 0; i < count; ++i)
+        samples[i] = static_cast<std::uint16_t>(257 * (i + seed));
+    return samples;
+}
+
+/// Returns whether the call was taken; no refusal is anything but the library's own exceptions.
+template <class Function>
+bool Takes(Function function) try {
+    function();
+    return true;
+} catch (const CExcVXReader& failure) {
+    Require(failure.GetCode() == -1 && !failure.GetMsg().empty(), "a failure has a text");
+    return false;
+} catch (const CExcConversion& dose) {
+    Require(dose.code == CExcConversion::kDoseOutOfRange, "nothing but doses can't be converted");
+    return false;
+}
+
+class CSession {
+ public:
+    CSession() {
+        m_results.SetFPAverage(3, 10, 5);
+        std::remove(m_raw.c_str());
+        m_export.SetResults(&m_results);
+    }
+
+    void Call(CCalls& calls) {
+        static constexpr void (CSession::*kCalls[])(CCalls&) = {
+            &CSession::OpenWriter,  &CSession::WriteFileHdr, &CSession::WriteRecordingHdr, &CSession::WriteData,
+            &CSession::WriteData,   &CSession::UpdateHdr,    &CSession::CloseWriter,       &CSession::OpenReader,
+            &CSession::ReadData,    &CSession::EditPlate,    &CSession::EditResults,       &CSession::EditAnalyzer,
+            &CSession::KeepOptions, &CSession::Settings,     &CSession::Results,           &CSession::Export};
+        (this->*kCalls[calls.Byte() % std::size(kCalls)])(calls);
+    }
+
+    void Check() {
+        m_writer.Close();
+        if (!m_hasHdr) return;
+        Require(Takes([&] { m_reader.Open(m_raw); }) == !m_recordings.empty(), "a file with recordings opens");
+        if (!m_recordings.empty()) CheckRecordings(m_recordings.size());
+    }
+
+ private:
+    void OpenWriter(CCalls&) {
+        m_writer.Open(m_raw);
+        m_hasHdr = false;
+        m_isOpen = true;
+        m_recordings.clear();
+    }
+
+    void WriteFileHdr(CCalls& calls) {
+        const CRawDataFileHdr header{.HeaderID = "OVL Vexaprobe", .FileVersion = 2, .PlateID = calls.Text()};
+        const bool taken = Takes([&] { m_writer.WriteFileHdr(header); });
+        Require(!taken || (m_isOpen && !m_hasHdr), "one file header");
+        m_hasHdr = m_hasHdr || taken;
+    }
+
+    /// Numbers are unique, so that every recording can be found again.
+    void WriteRecordingHdr(CCalls& calls) {
+        CRawDataRecordingHdr header{.TaskName = "Series", .Recording = static_cast<std::int32_t>(m_recordings.size())};
+        header.Dose = calls.Signed(8);
+        for (int i = calls.Byte() % 40; i > 0; --i)
+            header.WellChannels.push_back({i, 32768, 0.5, static_cast<std::int64_t>(calls.Number(1))});
+        const bool taken = Takes([&] { m_writer.WriteRecordingHdr(header); });
+        Require(!taken || m_hasHdr, "no recording without a file header");
+        if (taken) m_recordings.push_back({header.TaskName, header.Recording, {}});
+    }
+
+    void WriteData(CCalls& calls) {
+        constexpr std::int64_t kMostSpan = 4096;
+        const auto well = static_cast<std::int32_t>(calls.Signed(1));
+        const std::int64_t from = calls.Signed(8);
+        const std::uint64_t span = calls.Number(2);
+        const std::int64_t tick = calls.Signed(1);
+        const auto to = static_cast<std::int64_t>(static_cast<std::uint64_t>(from) + span);
+        const bool isSmall = to >= from && tick > 0 && to - from <= kMostSpan;
+        const auto samples = SamplesOf(isSmall ? static_cast<std::size_t>((to - from) / tick) + 1 : 1, calls.Byte());
+        if (to >= from && tick > 0 && !isSmall) return;  // it would read more than there is
+        const bool taken = Takes([&] { m_writer.WriteData(well, from, to, tick, samples.data()); });
+        Require(taken == (isSmall && !m_recordings.empty() && m_isOpen), "data when it can be, and only then");
+        if (taken) m_recordings.back().segments.push_back({well, from, to, samples});
+    }
+
+    void UpdateHdr(CCalls& calls) {
+        std::vector<std::string> values;
+        for (int i = calls.Byte() % 32; i > 0; --i)
+            values.push_back(std::to_string(calls.Signed(2)));
+        Takes([&] { m_writer.UpdateFileHdr(calls.Byte() % 2 == 0 ? "PreQC" : "CompoundTest", values); });
+    }
+
+    void CloseWriter(CCalls&) {
+        m_writer.Close();
+        m_isOpen = false;
+    }
+
+    /// While the writer is at work, all recordings but the last are finished.
+    void OpenReader(CCalls&) {
+        if (!Takes([&] { m_reader.Open(m_raw); })) {
+            Require(m_recordings.empty(), "a file with a recording opens");
+            return;
+        }
+        CheckRecordings(m_recordings.size() - (m_isOpen && !m_recordings.empty() ? 1 : 0));
+    }
+
+    void ReadData(CCalls& calls) {
+        m_reader.SelectWellID(static_cast<std::int32_t>(calls.Signed(1)));
+        Takes([&] { m_reader.JumpToData("Series", calls.Byte()); });
+        for (int i = 0; i < 3; ++i)
+            Takes([&] { ReadOne(); });
+    }
+
+    bool ReadOne() {
+        m_samples.clear();
+        std::uint32_t size = 0;
+        std::uint16_t* samples = nullptr;
+        if (!m_reader.ReadSegment(m_segment.well, m_segment.from, m_segment.to, size, samples)) return false;
+        m_samples.assign(samples, samples + size);
+        return true;
+    }
+
+    void CheckRecordings(std::size_t finished) {
+        m_reader.SelectWellID(-1);
+        for (std::size_t i = 0; i < finished; ++i) {
+            const CRecording& recording = m_recordings[i];
+            Require(m_reader.JumpToData(recording.task, recording.number), "a finished recording is there");
+            for (const CSegment& wanted : recording.segments) {
+                Require(Takes([&] { Require(ReadOne(), "a segment is there"); }), "a segment can be read");
+                Require(m_segment.well == wanted.well && m_segment.from == wanted.from && m_segment.to == wanted.to &&
+                            m_samples == wanted.samples,
+                        "a segment is as it was given");
+            }
+            if (!recording.segments.empty()) Require(Takes([&] { Require(!ReadOne(), "the end"); }), "no further one");
+        }
+    }
+
+    void EditPlate(CCalls& calls) {
+        const auto well = static_cast<std::int32_t>(calls.Signed(1));
+        m_plate.Data.AddWell(well, calls.Byte(), calls.Byte(), calls.Byte(), LabelOf(calls));
+        m_plate.SetWellState(well, calls.Byte() % 4);
+        m_plate.Data.Series.push_back(calls.Number(calls.Byte() % 9));
+        if (calls.Byte() % 4 != 0) return;
+        m_plate.Data.Compounds.push_back(std::make_unique<PlateCompound>());
+        m_plate.Data.Compounds.back()->Wells = m_plate.GetAllWellIDs();
+    }
+
+    void EditResults(CCalls& calls) {
+        const auto task = static_cast<enTask>(calls.Byte() % 8);
+        if (calls.Byte() % 2 == 0)
+            m_results.Init(calls.Byte(), task, TaskToString(task), m_plate.Data.Series, m_plate.GetAllWellIDs(), {});
+        CResultsWell* const well = m_results.GetWellResults(task, calls.Byte() % 4, static_cast<int>(calls.Signed(1)));
+        if (well == nullptr) return;
+        well->FPfastDetectionTimes.push_back(calls.Signed(8));
+        well->AverageCount = calls.Byte();
+        well->Average.assign(calls.Byte(), static_cast<double>(calls.Signed(4)));
+        well->SetResults(static_cast<enResponseType>(calls.Byte() % 20), enValueType::Plain,
+                         static_cast<double>(calls.Signed(8)));
+    }
+
+    void EditAnalyzer(CCalls& calls) {
+        m_analyzer.InitTask(enTask::Series, calls.Byte() % 8, m_plate.GetActiveWellIDs());
+        if (!m_analyzer.AnalyzeSettings[enTask::Series].empty())
+            m_analyzer.AnalyzeSettings[enTask::Series].front()[calls.Byte()].Analyze = false;
+    }
+
+    void KeepOptions(CCalls& calls) {
+        if (calls.Byte() % 2 == 0) m_export.SetPropertyAnalyzer(&m_analyzer);
+        if (calls.Byte() % 2 == 0) m_export.SetPropertyRecordPlate(&m_plate);
+        m_header.FileVersion = calls.Byte() % 5;
+        m_header.CompoundName = calls.Text();
+    }
+
+    void Settings(CCalls& calls) {
+        CISettingsWriter& writer = *m_io.GetSettingsWriter();
+        CISettingsReader& reader = *m_io.GetSettingsReader();
+        writer.SetXmlFileHeader(m_header);
+        writer.SetRecordPlateProperty(m_plate);
+        writer.SetAnalyzerProperty(m_analyzer);
+        if (!Takes([&] { writer.WriteFile(m_settings, static_cast<std::int32_t>(calls.Signed(1))); })) return;
+        if (!Takes([&] { reader.ReadFile(m_settings); })) return;
+        Require(reader.GetRecordPlateProperty()->Data.Series == m_plate.Data.Series, "the series comes back");
+        if (calls.Byte() % 2 == 0) m_plate = *reader.GetRecordPlateProperty();
+    }
+
+    void Results(CCalls& calls) {
+        m_io.GetResultsWriter()->SetXmlFileHeader(m_header);
+        m_io.GetResultsWriter()->WriteFile(m_resultsFile, m_results);
+        CIResultsReader reader;
+        reader.ReadFile(m_resultsFile);
+        if (calls.Byte() % 2 == 0) m_results = *reader.GetResults();
+    }
+
+    void Export(CCalls&) {
+        Takes([&] { m_export.ExportExcel(m_workbook); });
+    }
+
+    /// A label of at most four letters, since there is a file for each.
+    static std::string LabelOf(CCalls& calls) { return std::string(calls.Byte() % 5, "AB/\\"[calls.Byte() % 4]); }
+
+    std::string m_raw = CFuzzFolder::Path("run.vxd");
+    std::string m_settings = CFuzzFolder::Path("run.vxs");
+    std::string m_resultsFile = CFuzzFolder::Path("run.vxr");
+    std::string m_workbook = CFuzzFolder::Path("run.xls");
+    CVXFileIO m_io;
+    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
+    CIRawDataReader& m_reader = *m_io.GetRawDataReader();
+    CIResultsExport& m_export = *m_io.GetResultsExport();
+    CPropRecordPlate m_plate;
+    CPropAnalyzer m_analyzer;
+    CResults m_results;
+    CXmlFileHeader m_header;
+    std::vector<CRecording> m_recordings;  ///< What the file has taken.
+    bool m_isOpen = false;
+    bool m_hasHdr = false;
+    CSegment m_segment{};
+    std::vector<std::uint16_t> m_samples;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr int kMostCalls = 60;
+    CCalls calls(Input(data, size));
+    CSession session;
+    for (int i = 0; i < kMostCalls && !calls.AtEnd(); ++i)
+        session.Call(calls);
+    session.Check();
+    return 0;
+}

@@ -1,0 +1,186 @@
+// Writes the inputs that fuzzing begins with, and the dictionary: files that the library's writers made, the reference
+// files of the tests, and lists of calls.
+// usage: make_seeds FOLDER REFERENCE_FOLDER
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <random>
+#include <set>
+#include <string>
+
+#include "vxfileio/frame/VXFileIO.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void WriteSeed(const fs::path& path, const std::string& bytes) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string ReadAll(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void WriteRawFile(const fs::path& path) {
+    const std::uint16_t samples[] = {32768, 32790, 33512, 32741, 0, 65535};
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    writer.Open(path.string());
+    writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2, .CompoundName = "seed"});
+    for (int recording = 0; recording < 3; ++recording) {
+        CRawDataRecordingHdr header{.TaskName = recording == 0 ? "PreQC" : "Series", .Recording = recording};
+        header.WellChannels = {{11, 32768, 0.0003, 100}, {12, 32768, 0.0003, 100}};
+        writer.WriteRecordingHdr(header);
+        for (int segment = 0; segment < 4; ++segment)
+            writer.WriteData(11 + segment % 2, 600 * segment, 600 * segment + 500, 100, samples);
+    }
+    writer.UpdateFileHdr("PreQC", {"0"});
+}
+
+CPropRecordPlate MakePlate() {
+    CPropRecordPlate plate;
+    plate.Data.Layout = enPlateLayout::L8x12;
+    plate.Data.Series = {0, 1000, 10'000'000};
+    plate.Data.Compounds.push_back(std::make_unique<PlateCompound>(PlateCompound{.Label = "seed", .Wells = {11, 12}}));
+    plate.Data.AddWell(11, 0, 0, 64, "A1");
+    plate.Data.AddWell(12, 0, 1, 68, "A2");
+    return plate;
+}
+
+void WriteSettings(const fs::path& path) {
+    const CPropRecordPlate plate = MakePlate();
+    CPropAnalyzer analyzer;
+    analyzer.InitTask(enTask::Series, 3, {11, 12});
+    CPropQualityCheck checks;
+    checks.QualityChecks[enTask::PreQC] = {.QCPerformed = {1, 2}, .TaskName = "PreQC"};
+    CPropRobot robot;
+    robot.RobotConfig.TroughMediumNames = {"water", "medium"};
+    CISettingsWriter writer;
+    writer.SetXmlFileHeader({.FileVersion = 3});
+    writer.SetRecordPlateProperty(plate);
+    writer.SetAnalyzerProperty(analyzer);
+    writer.SetQualityCheckProperty(checks);
+    writer.SetRobotProperty(robot);
+    writer.WriteFile(path.string());
+}
+
+void WriteResults(const fs::path& path) {
+    CResults results;
+    results.SetFPAverage(4, 10, 20);
+    results.Init(1, enTask::Series, "Series", {0, 1000}, {11, 12}, {"A1", "A2"});
+    CResultsWell& well = *results.GetWellResults(enTask::Series, 0, 11);
+    well.FPfastDetectionTimes = {100, 1100, 2100};
+    well.AverageCount = 3;
+    well.Average = {0.5, -0.25, 1e-5, 0.0};
+    well.FPfastDetected = true;
+    well.SetResults(enResponseType::QTInterval, enValueType::Plain, 350.5);
+    results.SetCompoundResults(enTask::Series, 1, enResponseType::QTInterval, 1.25, 0.5, 2);
+    CIResultsWriter writer;
+    writer.WriteFile(path.string(), results);
+}
+
+/// The property sets that no file of the library holds, or only in another form.
+template <class Property>
+std::string ElementOf(const fs::path& scratch, Property property) {
+    gd_xml_stream::CFileBuffer file;
+    file.Open(scratch.string(), "wb");
+    {
+        CXmlFileArchive archive(&file, gd_xml_stream::kStore, gd_xml_stream::kBlockSize);
+        property.Save(archive);
+    }
+    file.Close();
+    return ReadAll(scratch);
+}
+
+/// Files of one kind, and the documents among them for the archive and for each property set as well.
+void CopyReferences(const fs::path& folder, const fs::path& references) {
+    for (const auto& entry : fs::recursive_directory_iterator(references)) {
+        const fs::path name = entry.path().filename();
+        const std::string kind = name.extension().string();
+        const std::string bytes = kind == ".vxd" || kind == ".vxs" || kind == ".vxr" ? ReadAll(entry.path()) : "";
+        if (kind == ".vxd") WriteSeed(folder / "raw" / name, bytes);
+        if (kind == ".vxs") WriteSeed(folder / "settings" / name, bytes);
+        if (kind == ".vxr") WriteSeed(folder / "results" / name, bytes);
+        if (kind != ".vxs" && kind != ".vxr") continue;
+        WriteSeed(folder / "archive" / name, '\x07' + bytes);
+        for (char set = 0; kind == ".vxs" && set < 10; ++set)
+            WriteSeed(folder / "properties" / (name.string() + std::to_string(set)), set + ('\x40' + bytes));
+    }
+}
+
+/// Calls without a plan: lengths and bytes from a generator that always gives the same.
+void WriteCalls(const fs::path& folder, const std::string& target) {
+    std::mt19937 random(1);
+    for (int seed = 0; seed < 64; ++seed) {
+        std::string calls(random() % 400, '\0');
+        for (char& byte : calls)
+            byte = static_cast<char>(random());
+        WriteSeed(folder / target / ("calls" + std::to_string(seed)), calls);
+    }
+}
+
+void AddCells(const auto& cells, std::set<std::string>& words) {
+    for (const auto& cell : cells)
+        words.insert(std::string(cell.key) + "=");
+}
+
+/// The start tags of a document, as they stand there.
+void AddTags(const std::string& document, std::set<std::string>& words) {
+    for (std::size_t at = document.find('<'); at != std::string::npos; at = document.find('<', at + 1)) {
+        const std::size_t end = document.find('>', at);
+        if (end == std::string::npos) return;
+        words.insert(document.substr(at, end - at + 1));
+    }
+}
+
+void WriteDictionary(const fs::path& path, const std::set<std::string>& words) {
+    std::ofstream file(path);
+    for (const std::string& word : words) {
+        file << '"';
+        for (const char c : word)
+            file << (c == '"' || c == '\\' ? "\\" : "") << c;
+        file << "\"\n";
+    }
+}
+
+void MakeSeeds(const fs::path& folder, const fs::path& references) {
+    for (const char* target : {"raw", "settings", "results"})
+        fs::create_directories(folder / target);
+    WriteRawFile(folder / "raw/seed.vxd");
+    WriteSettings(folder / "settings/seed.vxs");
+    WriteResults(folder / "results/seed.vxr");
+    CopyReferences(folder, references);
+    const std::string plate = ElementOf(folder / "scratch", MakePlate());
+    const std::string viability = ElementOf(folder / "scratch", CPropViability());
+    fs::remove(folder / "scratch");
+    WriteSeed(folder / "properties/plate", std::string("\0\x10", 2) + plate);
+    WriteSeed(folder / "properties/viability", "\x08\x10" + viability);
+    for (const char* target : {"compound", "facades", "sectors", "workbook"})
+        WriteCalls(folder, target);
+
+    std::set<std::string> words = {"<![CDATA[", "]]>",      "<!--", "-->", "<?xml ",       "&#",
+                                   "&lt;",      " Size=\"", "nan;", "=-1", "OVL Vexaprobe"};
+    AddCells(vxfileio::rawdata::kFileCells, words);
+    AddCells(vxfileio::rawdata::kRecordingCells, words);
+    AddCells(vxfileio::rawdata::kSegmentCells, words);
+    for (const std::string& document :
+         {ReadAll(folder / "settings/seed.vxs"), ReadAll(folder / "results/seed.vxr"), plate, viability})
+        AddTags(document, words);
+    WriteDictionary(folder / "words.dict", words);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::cerr << "usage: make_seeds FOLDER REFERENCE_FOLDER\n";
+        return 2;
+    }
+    MakeSeeds(argv[1], argv[2]);
+    return 0;
+}

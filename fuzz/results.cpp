@@ -1,0 +1,44 @@
+// Any bytes as a results file: everything in it is read; what was read is written anew, and reads the same.
+#include "fuzz/Fuzz.h"
+#include "vxfileio/frame/VXFileIO.h"
+
+namespace {
+
+/// Asks what a caller may ask of results.
+void Walk(const CResults& results) {
+    for (const enTask task : results.GetTasks()) {
+        const std::int32_t recordings = results.GetRecordingCount(task);
+        Require(results.GetRecording(task, recordings) == nullptr, "no recording behind the last");
+        for (std::int32_t recording = 0; recording < recordings; ++recording) {
+            for (const std::int32_t id : results.GetWellIDs(task, recording)) {
+                const CResultsWell* const well = results.GetWellResults(task, recording, id);
+                Require(well != nullptr, "each well is found");
+                Require(well->GetAveVoltage(well->GetAveSamples()) == 0.0, "nothing behind the average");
+                for (const auto& [type, response] : well->Responses)
+                    Require(well->ResultsExist(type, enValueType::Plain), "each response is found");
+            }
+        }
+    }
+}
+
+std::string Copied(const std::string& from, const std::string& to) {
+    CIResultsReader reader;
+    reader.ReadFile(from);
+    Walk(*reader.GetResults());
+    CIResultsWriter writer;
+    writer.SetXmlFileHeader(*reader.GetXmlFileHeader());
+    writer.WriteFile(to, *reader.GetResults());
+    return ReadBytes(to);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string read = CFuzzFolder::Path("read.vxr");
+    static const std::string first = CFuzzFolder::Path("first.vxr");
+    static const std::string second = CFuzzFolder::Path("second.vxr");
+    WriteBytes(read, Input(data, size));
+    const std::string once = Copied(read, first);
+    Require(Copied(first, second) == once, "results read the same once written");
+    return 0;
+}
