@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <thread>
-
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/rawdata/SegmentsOf.h"
@@ -204,29 +201,6 @@ TEST_F(ReaderTest, UnfinishedLastRecordingIsListedButNotDelivered) {
 }
 
 // A position cell may be read in the very moment in which it is rewritten; no such moment may spoil a sound file.
-TEST_F(ReaderTest, OpeningBesideAWriterAtWorkNeverFails) {
-    constexpr int kRecordings = 3000;
-    auto& writer = *m_io.GetRawDateWriter();
-    writer.Open(m_path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr("Series", 0));
-    std::atomic<int> begun = 1;
-    std::thread writing([&] {
-        for (int i = 1; i < kRecordings; ++i) {
-            writer.WriteData(11, 0, 300, 100, kWell11.data());
-            writer.WriteRecordingHdr(ExampleRecordingHdr("Series", i));
-            begun = i + 1;
-        }
-    });
-    while (begun < kRecordings) {
-        const int before = begun;
-        const std::string failure = TextOfFailure([&] { m_reader.Open(m_path); });
-        EXPECT_EQ(failure, "no failure");
-        EXPECT_GE(m_reader.GetIndex()->GetCount(), before);
-    }
-    writing.join();
-}
-
 TEST_F(ReaderTest, OldFilesLackTheStartTime) {
     OpenBytes(FileHdrBytes(1190, "CompoundTest", 1) +
               RecordingHdrBytes({.data = 1190 + 2410, .next = 3908, .hasStartTime = false}) +

@@ -1,0 +1,239 @@
+#include <gtest/gtest.h>
+#include <vxfileio/frame/VXFileIO.h>
+
+#include <atomic>
+#include <cstdint>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/TempFolder.h"
+
+#if defined(__unix__)
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+// ---- Recordings that can be told from their numbers -----------------------------------------------------------------
+
+constexpr std::int64_t kTick = 10;
+
+std::uint16_t SampleAt(std::int32_t well, std::int64_t time) {
+    return static_cast<std::uint16_t>(7919 * well + 31 * (time / kTick));
+}
+
+struct CPlannedSegment {
+    std::int32_t well;
+    std::int64_t from;
+    std::int64_t to;
+};
+
+/// The segments of a recording: some, of some wells and lengths.
+std::vector<CPlannedSegment> SegmentsOf(std::int32_t recording) {
+    std::vector<CPlannedSegment> segments;
+    for (std::int32_t i = 0; i <= recording % 7; ++i) {
+        const std::int64_t from = std::int64_t{recording} * 1'000'000 + i * 5000;
+        segments.push_back({10 + i % 4, from, from + kTick * ((13 * recording + 7 * i) % 300)});
+    }
+    return segments;
+}
+
+void WriteRecording(CIRawDataWriter& writer, std::int32_t recording) {
+    CRawDataRecordingHdr header{.TaskName = "Series", .Recording = recording};
+    header.WellChannels = {{10, 0, 1.0, kTick}, {11, 0, 1.0, kTick}, {12, 0, 1.0, kTick}, {13, 0, 1.0, kTick}};
+    writer.WriteRecordingHdr(header);
+    for (const auto& [well, from, to] : SegmentsOf(recording)) {
+        std::vector<std::uint16_t> samples;
+        for (std::int64_t time = from; time <= to; time += kTick)
+            samples.push_back(SampleAt(well, time));
+        writer.WriteData(well, from, to, kTick, samples.data());
+    }
+}
+
+/// Whether a recording is in the file with all its segments and samples.
+bool IsWhole(CIRawDataReader& reader, std::int32_t recording) {
+    if (!reader.JumpToData("Series", recording)) return false;
+    std::int32_t well = 0;
+    std::int64_t from = 0;
+    std::int64_t to = 0;
+    std::uint32_t size = 0;
+    std::uint16_t* samples = nullptr;
+    for (const auto& planned : SegmentsOf(recording)) {
+        if (!reader.ReadSegment(well, from, to, size, samples)) return false;
+        if (well != planned.well || from != planned.from || to != planned.to || size != (to - from) / kTick + 1)
+            return false;
+        for (std::uint32_t i = 0; i < size; ++i)
+            if (samples[i] != SampleAt(well, from + i * kTick)) return false;
+    }
+    return !reader.ReadSegment(well, from, to, size, samples);
+}
+
+// ---- A reader beside a writer ---------------------------------------------------------------------------------------
+
+/// How far writer and reader have come. Each tells the other; it may lie in memory that two processes share.
+struct CProgress {
+    std::atomic<std::int32_t> finished = 0;  ///< Recordings that are finished, over all files.
+    std::atomic<std::int32_t> opens = 0;     ///< How often the reader has opened a file.
+};
+
+constexpr std::int32_t kOpens = 5000;  ///< Per test.
+constexpr std::int32_t kRecordingsPerFile = 50;
+
+std::string FileOf(const CTempFolder& folder, std::int32_t recording) {
+    return folder.Path("run" + std::to_string(recording / kRecordingsPerFile) + ".vxd");
+}
+
+/// Writes one file after the other, no more than a few recordings ahead of the reader, so that most of what it reads is
+/// being written.
+void WriteBesideReader(const CTempFolder& folder, CProgress& progress) {
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    for (std::int32_t recording = 0; progress.opens < kOpens; ++recording) {
+        while (recording > progress.opens + 3)
+            std::this_thread::yield();
+        if (recording % kRecordingsPerFile == 0) {
+            writer.Open(FileOf(folder, recording));
+            writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+        }
+        WriteRecording(writer, recording);
+        writer.UpdateFileHdr("CompoundTest", {std::to_string(recording)});
+        if ((recording + 1) % kRecordingsPerFile == 0) writer.Close();
+        progress.finished = (recording + 1) % kRecordingsPerFile == 0 ? recording + 1 : recording;
+    }
+}
+
+void ReadBesideWriter(const CTempFolder& folder, CProgress& progress) {
+    CVXFileIO io;
+    CIRawDataReader& reader = *io.GetRawDataReader();
+    for (std::int32_t open = 0; open < kOpens && !testing::Test::HasFailure(); ++open) {
+        std::int32_t finished = 0;
+        while ((finished = progress.finished) == 0)
+            std::this_thread::yield();
+        const std::int32_t last = finished - 1;
+        const std::int32_t first = last - last % kRecordingsPerFile;
+        ASSERT_NO_THROW(reader.Open(FileOf(folder, last))) << "at open " << open;
+        ASSERT_GE(reader.GetIndex()->GetCount(), last - first + 1) << "at open " << open;
+        for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i)
+            ASSERT_EQ(reader.GetIndex()->GetEntry(i)->Recording, first + i);
+        for (const std::int32_t recording : {last, (last + first) / 2, first + open % (last - first + 1)})
+            ASSERT_TRUE(IsWhole(reader, recording)) << recording << " of " << finished << " at open " << open;
+        ++progress.opens;
+    }
+    progress.opens = kOpens;  // the writer comes to its end, whatever happened here
+}
+
+TEST(ThreadsTest, ReaderBesideAWritingThreadSeesWhatWasFinished) {
+    const CTempFolder folder;
+    CProgress progress;
+    std::thread writer([&] { WriteBesideReader(folder, progress); });
+    ReadBesideWriter(folder, progress);
+    progress.opens = kOpens;
+    writer.join();
+}
+
+#if defined(__unix__)
+TEST(ThreadsTest, ReaderBesideAWritingProcessSeesWhatWasFinished) {
+    const CTempFolder folder;
+    void* const shared = mmap(nullptr, sizeof(CProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    CProgress& progress = *new (shared) CProgress;
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        WriteBesideReader(folder, progress);
+        _exit(0);
+    }
+    ReadBesideWriter(folder, progress);
+    progress.opens = kOpens;
+    int status = -1;
+    EXPECT_EQ(waitpid(writer, &status, 0), writer);
+    EXPECT_EQ(status, 0);
+    munmap(shared, sizeof(CProgress));
+}
+#endif
+
+// ---- Objects of their own -------------------------------------------------------------------------------------------
+
+CPropRecordPlate MakePlate() {
+    CPropRecordPlate plate;
+    plate.BuildPlateMap(enPlateLayout::L8x12);
+    plate.Data.Series = {1000, 2000};
+    plate.Data.Compounds.push_back(std::make_unique<PlateCompound>(PlateCompound{.Label = "C", .Wells = {11, 12}}));
+    plate.Data.AddWell(11, 0, 0, 64, "A1");
+    plate.Data.AddWell(12, 0, 1, 68, "A2");
+    return plate;
+}
+
+CResults MakeResults() {
+    CResults results;
+    results.SetFPAverage(50, 10, 20);
+    results.Init(1, enTask::Series, "Series", {1000, 2000}, {11, 12}, {"A1", "A2"});
+    for (std::int32_t recording = 0; recording < 2; ++recording) {
+        for (const std::int32_t id : {11, 12}) {
+            CResultsWell& well = *results.GetWellResults(enTask::Series, recording, id);
+            well.FPfastDetectionTimes = {100, 1100 + id};
+            well.AverageCount = 2;
+            well.Average[static_cast<std::size_t>(recording)] = 0.25;
+            well.SetResults(enResponseType::QTInterval, enValueType::Plain, 0.125 * id);
+        }
+    }
+    return results;
+}
+
+/// Writes and reads every kind of file, and returns all bytes that don't tell the time of writing.
+std::string EveryKindOfFile() {
+    const CTempFolder folder;
+    const CPropRecordPlate plate = MakePlate();
+    const CResults results = MakeResults();
+    CPropAnalyzer analyzer;
+    analyzer.InitTask(enTask::Series, 2, plate.GetActiveWellIDs());
+    CVXFileIO io;
+    io.GetRawDateWriter()->Open(folder.Path("run.vxd"));
+    io.GetRawDateWriter()->WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+    for (std::int32_t recording = 0; recording < 5; ++recording)
+        WriteRecording(*io.GetRawDateWriter(), recording);
+    io.GetRawDateWriter()->Close();
+    CXmlFileHeader header;
+    header.FileVersion = 3;
+    io.GetSettingsWriter()->SetXmlFileHeader(header);
+    io.GetSettingsWriter()->SetRecordPlateProperty(plate);
+    io.GetSettingsWriter()->SetAnalyzerProperty(analyzer);
+    io.GetSettingsWriter()->WriteFile(folder.Path("run.vxs"));
+    io.GetSettingsReader()->ReadFile(folder.Path("run.vxs"));
+    io.GetResultsWriter()->WriteFile(folder.Path("run.vxr"), results);
+    io.GetResultsReader()->ReadFile(folder.Path("run.vxr"));
+    io.GetResultsExport()->SetResults(io.GetResultsReader()->GetResults());
+    io.GetResultsExport()->SetPropertyAnalyzer(io.GetSettingsReader()->GetAnalyzerProperty());
+    io.GetResultsExport()->SetPropertyRecordPlate(io.GetSettingsReader()->GetRecordPlateProperty());
+    io.GetResultsExport()->ExportExcel(folder.Path("run.xls"));
+    io.GetRawDataReader()->Open(folder.Path("run.vxd"));
+    std::string all = IsWhole(*io.GetRawDataReader(), 4) ? "whole" : "cut";
+    for (const char* name : {"run.vxd", "run.vxr", "run.xls"})
+        all += ReadAll(folder.Path(name));
+    const std::string settings = ReadAll(folder.Path("run.vxs"));
+    return all + settings.substr(0, settings.find("<AnalyzingDate>"));
+}
+
+TEST(ThreadsTest, ObjectsOfTheirOwnWorkSideBySide) {
+    constexpr int kThreads = 8;
+    constexpr int kRounds = 20;
+    const std::string alone = EveryKindOfFile();
+    EXPECT_TRUE(alone.starts_with("whole"));
+    std::atomic<int> different = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < kRounds; ++round)
+                different += EveryKindOfFile() != alone ? 1 : 0;
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(different, 0);
+}
+
+}  // namespace
