@@ -38,13 +38,6 @@ auto Make(Call call) {
     return Make(call, call);
 }
 
-/// Moves the first bytes of the first buffer alone.
-template <class Call>
-ssize_t Transfer(Call call, int handle, const iovec* parts, int count, off_t position) {
-    const iovec half{parts[0].iov_base, (parts[0].iov_len + 1) / 2};
-    return Make([&] { return call(handle, parts, count, position); }, [&] { return call(handle, &half, 1, position); });
-}
-
 }  // namespace
 
 void BeginCalls(int at, const CFault& fault) {
@@ -66,7 +59,7 @@ int __real_close(int handle);
 int __real_fstat(int handle, struct stat* status);
 int __real_lstat(const char* path, struct stat* status);
 ssize_t __real_readlink(const char* path, char* target, size_t size);
-ssize_t __real_preadv(int handle, const iovec* parts, int count, off_t position);
+ssize_t __real_pread(int handle, void* buffer, size_t size, off_t position);
 ssize_t __real_pwritev(int handle, const iovec* parts, int count, off_t position);
 int __real_ftruncate(int handle, off_t size);
 int __real_fchmod(int handle, mode_t mode);
@@ -90,11 +83,15 @@ int __wrap_lstat(const char* path, struct stat* status) {
 ssize_t __wrap_readlink(const char* path, char* target, size_t size) {
     return Make([&] { return __real_readlink(path, target, size); });
 }
-ssize_t __wrap_preadv(int handle, const iovec* parts, int count, off_t position) {
-    return Transfer(__real_preadv, handle, parts, count, position);
+// A transfer that is cut short moves the first bytes alone.
+ssize_t __wrap_pread(int handle, void* buffer, size_t size, off_t position) {
+    return Make([&] { return __real_pread(handle, buffer, size, position); },
+                [&] { return __real_pread(handle, buffer, (size + 1) / 2, position); });
 }
 ssize_t __wrap_pwritev(int handle, const iovec* parts, int count, off_t position) {
-    return Transfer(__real_pwritev, handle, parts, count, position);
+    const iovec half{parts[0].iov_base, (parts[0].iov_len + 1) / 2};
+    return Make([&] { return __real_pwritev(handle, parts, count, position); },
+                [&] { return __real_pwritev(handle, &half, 1, position); });
 }
 int __wrap_ftruncate(int handle, off_t size) {
     return Make([&] { return __real_ftruncate(handle, size); });

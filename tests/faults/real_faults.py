@@ -16,7 +16,7 @@ REPLACED = ("settings", "results")
 OLD = b"what was there before"
 SEGMENTS = 6
 # What the library calls. Some have another name on other systems.
-CALLS = ("open,openat", "close", "fstat,newfstatat,lstat", "readlink", "pwritev,pwritev2", "preadv,preadv2", "ftruncate",
+CALLS = ("open,openat", "close", "fstat,newfstatat,lstat", "readlink", "pwritev,pwritev2", "pread64", "ftruncate",
          "fchmod", "rename", "unlink")
 FAULTS = ("error=ENOSPC", "error=EIO", "error=EINTR", "signal=KILL")
 

@@ -30,16 +30,17 @@ TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
     std::int64_t time = 0;
     std::uint32_t size = 0;
     std::uint16_t* data = nullptr;
-    for (const std::int32_t well : {-1, 1'000'000'001}) {
-        reader.SelectWellID(well);
+    for (const int pass : {0, 1, 2}) {
+        reader.SelectWellID(pass == 0 ? -1 : 1'000'000'001);
         ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
         ASSERT_TRUE(reader.ReadSegment(wellID, time, time, size, data));
         const std::size_t beforeReading = AllocationCount();
         int count = 1;
         while (reader.ReadSegment(wellID, time, time, size, data))
             ++count;
-        EXPECT_EQ(AllocationCount(), beforeReading);
-        EXPECT_EQ(count, well == -1 ? 200 : 100);
+        // The first pass for one well remembers places, many in one allocation; the second has nothing to add.
+        EXPECT_LE(AllocationCount() - beforeReading, pass == 1 ? 200U / 16 : 0U);
+        EXPECT_EQ(count, pass == 0 ? 200 : 100);
     }
 }
 

@@ -60,6 +60,12 @@ class VXFILEIO_API CIRawDataReader {
     const CRawDataRecordingHdr* GetRecordingHdr(const std::string& taskName, std::int32_t recording) const;
 
     /// Narrows `ReadSegment` to one well from its next call on; -1 means all wells.
+    ///
+    /// While a well is selected, the reader remembers where the segments stand that it passes, in 16 bytes each, until
+    /// the next `Open`. Later passes through the same recording, for whatever well, don't read those again that they
+    /// don't deliver. What is delivered is always read from the file, header and samples; a header that says something
+    /// else by then is followed as it stands. A change in a segment that is passed over shows at the latest after the
+    /// next `Open`.
     void SelectWellID(std::int32_t wellID);
 
     /// Goes to the first segment of a recording. Of several with this task name and number the last counts.

@@ -87,9 +87,9 @@ class CFile {
     /// Closes the file. Without an open file it does nothing. Returns false if the system reports a late failure.
     bool Close();
 
-    /// Reads from `position` on into the buffers, one after the other, up to their ends or the end of the file, and
-    /// returns the number of bytes read. An unreadable position gives 0. What wasn't read keeps its old content.
-    std::size_t ReadUpTo(std::int64_t position, std::initializer_list<CMutableBytes> buffers) const;
+    /// Reads from `position` on up to the end of the buffer or of the file, and returns the number of bytes read. An
+    /// unreadable position gives 0. What wasn't read keeps its old content.
+    std::size_t ReadUpTo(std::int64_t position, CMutableBytes buffer) const;
 
     /// Writes the buffers, one after the other, at `position`. True means that all of it is with the system.
     bool WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers);

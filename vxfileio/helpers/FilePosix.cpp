@@ -79,12 +79,11 @@ std::error_code TakeRights(int handle, int model) {
     return Outcome(::fchmod(handle, rights));
 }
 
-/// The part of a gathered transfer that is still to be done.
+/// The part of a gathered write that is still to be done.
 class CPending {
  public:
-    template <class Buffers>
-    explicit CPending(const Buffers& buffers) {
-        for (const auto& buffer : buffers) {
+    explicit CPending(std::initializer_list<CBytes> buffers) {
+        for (const CBytes& buffer : buffers) {
             if (buffer.empty() || m_count == m_parts.size()) continue;
             // The system's description of a buffer serves both directions, so it can't be constant.
             m_parts[m_count++] = {const_cast<std::byte*>(buffer.data()), buffer.size()};
@@ -108,25 +107,6 @@ class CPending {
     std::size_t m_first = 0;
     std::size_t m_count = 0;
 };
-
-/// Repeats a gathered system call until all is transferred, the file ends or the system refuses. Returns the bytes,
-/// and why there are no more.
-template <class Call>
-std::size_t Transfer(Call call, std::intptr_t handle, std::int64_t position, CPending pending, std::error_code& error) {
-    std::size_t done = 0;
-    while (!pending.IsEmpty()) {
-        const ssize_t moved = call(static_cast<int>(handle), pending.Data(), pending.Count(), position);
-        if (moved < 0 && errno == EINTR) continue;
-        if (moved <= 0) {
-            error = SystemError(moved < 0 ? errno : EIO);
-            break;
-        }
-        pending.Pass(static_cast<std::size_t>(moved));
-        done += static_cast<std::size_t>(moved);
-        position += moved;
-    }
-    return done;
-}
 
 }  // namespace
 
@@ -192,15 +172,29 @@ std::string CFile::PlaceOf(const std::string& path) const {
 
 std::error_code CFile::CloseHandle() { return Outcome(::close(static_cast<int>(m_handle))); }
 
-std::size_t CFile::ReadUpTo(std::int64_t position, std::initializer_list<CMutableBytes> buffers) const {
-    std::error_code whatever;
-    return Transfer(::preadv, m_handle, position, CPending(buffers), whatever);
+std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
+    std::size_t done = 0;
+    while (done < buffer.size()) {
+        const CMutableBytes rest = buffer.subspan(done);
+        const auto from = static_cast<off_t>(position + static_cast<std::int64_t>(done));
+        const ssize_t read = ::pread(static_cast<int>(m_handle), rest.data(), rest.size(), from);
+        if (read < 0 && errno == EINTR) continue;
+        if (read <= 0) break;
+        done += static_cast<std::size_t>(read);
+    }
+    return done;
 }
 
 std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {
-    std::error_code error;
-    Transfer(::pwritev, m_handle, position, CPending(buffers), error);
-    return error;
+    CPending pending(buffers);
+    while (!pending.IsEmpty()) {
+        const ssize_t written = ::pwritev(static_cast<int>(m_handle), pending.Data(), pending.Count(), position);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return SystemError(written < 0 ? errno : EIO);
+        pending.Pass(static_cast<std::size_t>(written));
+        position += written;
+    }
+    return {};
 }
 
 std::int64_t CFile::Size() const {

@@ -132,12 +132,12 @@ std::string CFile::PlaceOf(const std::string& path) const {
 
 std::error_code CFile::CloseHandle() { return Outcome(::CloseHandle(Native(m_handle))); }
 
-std::size_t CFile::ReadUpTo(std::int64_t position, std::initializer_list<CMutableBytes> buffers) const {
+std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
     const auto read = [this](std::byte* data, DWORD size, OVERLAPPED* place, DWORD* moved) {
         return ::ReadFile(Native(m_handle), data, size, moved, place) != 0;
     };
     std::error_code whatever;
-    return Transfer(read, position, buffers, whatever);
+    return Transfer(read, position, std::array{buffer}, whatever);
 }
 
 std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {

@@ -30,7 +30,7 @@ constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-std::string_view SkipBlanks(std::string_view text) {
+inline std::string_view SkipBlanks(std::string_view text) {
     if (!text.empty() && text.front() > ' ') return text;
     const auto start = text.find_first_not_of(kBlanks);
     return start == std::string_view::npos ? std::string_view() : text.substr(start);
@@ -44,12 +44,28 @@ bool TakeSign(std::string_view& text) {
     return negative;
 }
 
+/// Every number of so many digits fits 64 bits.
+constexpr std::ptrdiff_t kMostSafeDigits = 19;
+
+/// Reads digits from `at` on into `number`, which may overflow, and returns where they end.
+const char* TakeDigits(const char* at, const char* end, std::uint64_t& number) {
+    for (; at != end && IsDigit(*at); ++at)
+        number = 10 * number + static_cast<std::uint64_t>(*at - '0');
+    return at;
+}
+
 /// Reads digits only; nothing if the type is too small for them, 0 if there are none.
 template <std::unsigned_integral Whole>
-std::optional<Whole> ParseDigits(std::string_view text) {
+inline std::optional<Whole> ParseDigits(std::string_view text) {
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    std::uint64_t number = 0;
+    if (TakeDigits(begin, end, number) - begin <= kMostSafeDigits) {
+        if (number > std::numeric_limits<Whole>::max()) return std::nullopt;
+        return static_cast<Whole>(number);
+    }
     Whole value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec == std::errc::result_out_of_range) return std::nullopt;
+    if (std::from_chars(begin, end, value).ec == std::errc::result_out_of_range) return std::nullopt;
     return value;
 }
 
@@ -74,17 +90,9 @@ Whole ParseUnsigned(std::string_view text) {
     return negative ? static_cast<Whole>(Whole{0} - *magnitude) : *magnitude;
 }
 
-/// Reads digits from `at` on into `number`, which may overflow, and returns where they end.
-const char* TakeDigits(const char* at, const char* end, std::uint64_t& number) {
-    for (; at != end && IsDigit(*at); ++at)
-        number = 10 * number + static_cast<std::uint64_t>(*at - '0');
-    return at;
-}
-
 /// Reads digits with a point at most, such as nearly all numbers are, if one division of two exact doubles gives the
 /// nearest value. Anything else, an exponent or more digits than that, is left to the general way.
 std::optional<double> ParsePlainDecimal(std::string_view text) {
-    constexpr std::ptrdiff_t kMostDigits = 19;  // every number of so many fits
     std::uint64_t digits = 0;
     const char* const begin = text.data();
     const char* const end = begin + text.size();
@@ -97,7 +105,7 @@ std::optional<double> ParsePlainDecimal(std::string_view text) {
         places = at - point - 1;
         count += places;
     }
-    if (count == 0 || count > kMostDigits || digits > kMostExactWhole) return std::nullopt;
+    if (count == 0 || count > kMostSafeDigits || digits > kMostExactWhole) return std::nullopt;
     if (at != end && (*at == 'e' || *at == 'E')) return std::nullopt;
     return static_cast<double>(digits) / kPowersOfTen[static_cast<std::size_t>(places)];
 }

@@ -11,8 +11,6 @@ namespace {
 /// A run of these counts as one, so a value read back stops at its first `=` or `:`. Cells without NUL end in CR LF.
 constexpr CCharSet kSeparators("=:\r\n");
 
-constexpr CCharSet kNumberStarts("-0123456789");
-
 }  // namespace
 
 CCellWriter::CCellWriter(std::span<char> cell, std::string_view key) : m_room(cell.first(cell.size() - kCellEndSize)) {
@@ -46,12 +44,5 @@ std::string_view CellText(std::string_view cell) { return cell.substr(0, cell.fi
 CCellItems::CCellItems(std::string_view cell) : m_tokens(CellText(cell), kSeparators) { m_tokens.Next(); }
 
 std::string_view CellValue(std::string_view cell) { return CCellItems(cell).Next().value_or(std::string_view()); }
-
-std::string_view CellNumber(std::string_view cell, std::string_view key) {
-    const std::size_t start = key.size() + 1;
-    // Blanks ahead of the number could hide a separator that ends the value before its first digit.
-    const bool plain = cell.starts_with(key) && cell[key.size()] == '=' && kNumberStarts.Has(cell[start]);
-    return plain ? cell.substr(start) : CellValue(cell);
-}
 
 }  // namespace vxfileio::rawdata

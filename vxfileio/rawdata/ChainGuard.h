@@ -13,16 +13,10 @@ namespace vxfileio::rawdata {
 /// going for ever. A chain that runs backwards without a circle is as good as any.
 class CChainGuard {
  public:
-    /// `leastItemSize` is the size of the smallest thing that a position of the chain can lead to.
+    /// `leastItemSize` is the size of the smallest thing that a position of the chain can lead to. The file stays the
+    /// caller's and outlives this object.
     CChainGuard(const CFile& file, std::size_t leastItemSize)
-        : m_file(file), m_leastItemSize(static_cast<std::int64_t>(std::max<std::size_t>(leastItemSize, 1))) {}
-
-    /// Begins a new walk.
-    void Restart() {
-        m_mostHops = 0;
-        m_hops = 0;
-        m_marked = -1;
-    }
+        : m_file(&file), m_leastItemSize(static_cast<std::int64_t>(std::max<std::size_t>(leastItemSize, 1))) {}
 
     /// Counts one hop. Returns false if the walk has been at `position` before, or has made more hops than the file has
     /// room for things to lead to.
@@ -31,12 +25,12 @@ class CChainGuard {
         ++m_hops;
         // Of a circle of n positions, one that is marked at 2^k >= n hops comes round again within n further hops.
         if (std::has_single_bit(static_cast<std::uint64_t>(m_hops))) m_marked = position;
-        if (m_hops > m_mostHops) m_mostHops = m_file.Size() / m_leastItemSize + 1;
+        if (m_hops > m_mostHops) m_mostHops = m_file->Size() / m_leastItemSize + 1;
         return m_hops <= m_mostHops;
     }
 
  private:
-    const CFile& m_file;
+    const CFile* m_file;
     std::int64_t m_leastItemSize;
     std::int64_t m_mostHops = 0;  ///< Asked from the file once it is reached: the file may have grown.
     std::int64_t m_hops = 0;

@@ -1,6 +1,7 @@
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 #include <string>
+#include <utility>
 
 #include "vxfileio/frame/ExcVXReader.h"
 #include "vxfileio/helpers/NumberText.h"
@@ -82,10 +83,10 @@ struct CCellBytes {
     std::string_view key;
 };
 
-void Take(CCellBytes cell, std::string& value) { value = CellValue(cell.bytes); }
-void Take(CCellBytes cell, auto& number) { FromText(CellNumber(cell.bytes, cell.key), number); }
+void Take(const CCellBytes& cell, std::string& value) { value = CellValue(cell.bytes); }
+void Take(const CCellBytes& cell, auto& number) { FromText(CellNumber(cell.bytes, cell.key), number); }
 
-void Take(CCellBytes cell, std::vector<std::int64_t>& list) {
+void Take(const CCellBytes& cell, std::vector<std::int64_t>& list) {
     list.clear();
     CCellItems items(cell.bytes);
     while (const auto item = items.Next())
@@ -93,23 +94,23 @@ void Take(CCellBytes cell, std::vector<std::int64_t>& list) {
 }
 
 template <class Header, class Value>
-bool TakeMember(CCellBytes cell, Header& header, Value Header::*member) {
+bool TakeMember(const CCellBytes& cell, Header& header, Value Header::*member) {
     Take(cell, header.*member);
     return true;
 }
 
 template <class Header>
-bool TakeMember(CCellBytes cell, Header& header, CBareText<Header> member) {
+bool TakeMember(const CCellBytes& cell, Header& header, CBareText<Header> member) {
     header.*member.text = CellText(cell.bytes);
     return true;
 }
 
 template <class Header>
-bool TakeMember(CCellBytes /*cell*/, Header& /*header*/, std::monostate /*member*/) {
+bool TakeMember(const CCellBytes& /*cell*/, Header& /*header*/, std::monostate /*member*/) {
     return true;
 }
 
-bool TakeMember(CCellBytes cell, CRawDataRecordingHdr& header, CChannelCount member) {
+bool TakeMember(const CCellBytes& cell, CRawDataRecordingHdr& header, CChannelCount member) {
     std::int32_t count = 0;
     Take(cell, count);
     if (count < 0 || static_cast<std::size_t>(count) > kMostChannels) return false;
@@ -121,7 +122,7 @@ bool TakeMember(CCellBytes cell, CRawDataRecordingHdr& header, CChannelCount mem
 void TakeChannelItem(std::string_view item, std::int64_t& interval) { interval = ParseInt32(item); }
 void TakeChannelItem(std::string_view item, auto& value) { FromText(item, value); }
 
-bool TakeMember(CCellBytes cell, CRawDataRecordingHdr& header, CChannelList member) {
+bool TakeMember(const CCellBytes& cell, CRawDataRecordingHdr& header, CChannelList member) {
     const auto takeAll = [&](auto field) {
         CCellItems items(cell.bytes);
         for (auto& channel : header.*member.channels) {
@@ -134,14 +135,26 @@ bool TakeMember(CCellBytes cell, CRawDataRecordingHdr& header, CChannelList memb
     return true;
 }
 
-bool DecodeCells(const auto& cells, std::int32_t version, std::string_view bytes, auto& header) {
-    for (const auto& cell : cells) {
-        if (!HasCell(cell, version)) continue;
-        const CCellBytes taken{bytes.substr(0, cell.width), cell.key};
-        if (!std::visit([&](auto member) { return TakeMember(taken, header, member); }, cell.member)) return false;
-        bytes.remove_prefix(cell.width);
+/// Takes one cell of a table off the front of `bytes`, if files of this version have it.
+template <const auto& Cells, std::size_t Number>
+bool DecodeCell(std::int32_t version, std::string_view& bytes, auto& header) {
+    constexpr std::string_view kKey = Cells[Number].key;
+    constexpr std::size_t kWidth = Cells[Number].width;
+    constexpr auto kMember = std::get<Cells[Number].member.index()>(Cells[Number].member);
+    if (!HasCell(Cells[Number], version)) return true;
+    const CCellBytes taken{bytes.substr(0, kWidth), kKey};
+    bytes.remove_prefix(kWidth);
+    return TakeMember(taken, header, kMember);
+}
+
+/// Decodes the cells from number `First` up to `End`. Each has code of its own, made for its key and type: a segment
+/// header is decoded for every system call of a reader.
+template <const auto& Cells, std::size_t First = 0, std::size_t End = Cells.size()>
+bool DecodeCells(std::int32_t version, std::string_view bytes, auto& header) {
+    return [&]<std::size_t... Numbers>(std::index_sequence<Numbers...>) {
+        return (DecodeCell<Cells, First + Numbers>(version, bytes, header) && ...);
     }
-    return true;
+    (std::make_index_sequence<End - First>());
 }
 
 }  // namespace
@@ -164,12 +177,20 @@ void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char>
     RefuseUnlessFitting(writer, place.key);
 }
 
-void Decode(std::string_view bytes, CRawDataFileHdr& header) { DecodeCells(kFileCells, kNewestVersion, bytes, header); }
+void Decode(std::string_view bytes, CRawDataFileHdr& header) { DecodeCells<kFileCells>(kNewestVersion, bytes, header); }
 
-void Decode(std::string_view bytes, CSegmentHdr& header) { DecodeCells(kSegmentCells, kNewestVersion, bytes, header); }
+void Decode(std::string_view bytes, CSegmentHdr& header) { DecodeCells<kSegmentCells>(kNewestVersion, bytes, header); }
 
-bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
-    return DecodeCells(kRecordingCells, version, bytes, header);
+void DecodeAllButChannels(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
+    DecodeCells<kRecordingCells, 0, kFirstChannelCell>(version, bytes, header);
+}
+
+bool DecodeChannels(std::string_view bytes, CRawDataRecordingHdr& header) {
+    return DecodeCells<kRecordingCells, kFirstChannelCell>(kNewestVersion, bytes, header);
+}
+
+std::string_view ChannelBytes(std::string_view bytes, std::int32_t version) {
+    return bytes.substr(SizeOf(std::span(kRecordingCells).first(kFirstChannelCell), version));
 }
 
 }  // namespace vxfileio::rawdata

@@ -172,6 +172,14 @@ static_assert(kSegmentHdrSize == 300);
 /// The bytes of a cell that can't hold text: a NUL that ends it for the reader, then CR LF.
 inline constexpr std::size_t kCellEndSize = 3;
 
+/// The cells that describe the channels of a recording, from the number of wells on; every version has them all.
+inline constexpr std::size_t kFirstChannelCell = [] {
+    std::size_t cell = 0;
+    while (!std::holds_alternative<CChannelCount>(kRecordingCells[cell].member))
+        ++cell;
+    return cell;
+}();
+
 /// The most items that a list in the widest cell can have, at one digit each. A header that claims more is damaged.
 inline constexpr std::size_t kMostChannels = [] {
     std::size_t most = 0;

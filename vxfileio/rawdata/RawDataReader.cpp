@@ -20,25 +20,7 @@ namespace {
 /// segments, and they are delivered with zeros behind the end; a damaged size must not cost more memory than this.
 constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
 
-/// How often a header is read again because its writer seems to be rewriting it. A rewrite takes microseconds.
-constexpr int kMostRereads = 100;
-
-/// Room for one header. It begins as zeros, and so does everything behind the end of the file.
-template <std::size_t Size>
-class CHdrBytes {
- public:
-    CMutableBytes Writable() { return std::as_writable_bytes(std::span(m_bytes)); }
-    std::string_view View() const { return {m_bytes.data(), m_bytes.size()}; }
-
-    /// Tells whether the first cell is whole in the `read` bytes and begins with the text.
-    template <class Cells>
-    bool BeginsWith(std::string_view text, const Cells& cells, std::size_t read) const {
-        return read >= cells.front().width && View().starts_with(text);
-    }
-
- private:
-    std::array<char, Size> m_bytes{};
-};
+constexpr std::int64_t kSampleBytes = sizeof(std::uint16_t);
 
 bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName, std::int32_t recording) {
     return header.TaskName == taskName && header.Recording == recording;
@@ -52,19 +34,22 @@ void AppendWellIDs(const CRawDataRecordingHdr& header, std::vector<std::int32_t>
 }  // namespace
 
 void CRawDataReader::Open(const std::string& path) {
-    m_readPosition = kUnset;
+    m_pass = BeginningAt(kUnset);
+    m_chain = nullptr;
+    m_chains.clear();
     if (!m_file.OpenForReading(path)) throw CExcVXReader(kCannotOpen + path);
     m_index.Clear();
     ReadFileHdr();
     m_recordings.clear();
+    CRecordingHdrReader headers(m_file, m_fileHdr.FileVersion);
     CChainGuard guard(m_file, SizeOf(kRecordingCells, m_fileHdr.FileVersion));
     int rereads = 0;
     while (NextRecordingHdr() != kUnset) {
         CRawDataRecordingHdr header;
-        if (guard.Admits(NextRecordingHdr()) && ReadSettledHdr(NextRecordingHdr(), header)) {
+        if (guard.Admits(NextRecordingHdr()) && headers.Read(NextRecordingHdr(), header)) {
             m_index.AddEntry({header.TaskName, header.Recording, header.Dose});
             m_recordings.push_back(std::move(header));
-        } else if (++rereads > kMostRereads || !RereadNextRecordingHdr()) {
+        } else if (++rereads > CRecordingHdrReader::kMostRereads || !RereadNextRecordingHdr(headers)) {
             throw CExcVXReader(kBadRecordingHdr);
         }
     }
@@ -116,77 +101,43 @@ bool CRawDataReader::JumpToData(const std::string& taskName, std::int32_t record
     };
     const auto last = std::find_if(m_recordings.rbegin(), m_recordings.rend(), matches);
     if (last == m_recordings.rend()) return false;
-    m_readPosition = last->FPosRecordingData;
-    m_segmentGuard.Restart();
+    m_dataPosition = last->FPosRecordingData;
+    const auto chain = m_chains.find(m_dataPosition);
+    m_chain = chain == m_chains.end() ? nullptr : &chain->second;
+    m_pass = BeginningAt(m_dataPosition);
     return true;
 }
 
 bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo,
                                  std::uint32_t& size, std::uint16_t*& samples) {
-    // Without a selection the next segment is the one, most likely as long as the one before: its samples come along.
-    const auto guess = m_selectedWell == kAllWells ? SampleBytes() : CMutableBytes();
     CSegmentHdr header;
     std::size_t sampleBytes = 0;
     std::int64_t dataPosition = kUnset;
     do {
-        if (m_readPosition == kUnset) return false;
-        sampleBytes = ReadSegmentHdr(m_readPosition, guess, header);
-        dataPosition = m_readPosition + static_cast<std::int64_t>(kSegmentHdrSize);
+        if (m_pass.position == kUnset) return false;
+        sampleBytes = ReadNextHdr(header, wellID);
+        dataPosition = m_pass.position + static_cast<std::int64_t>(kSegmentHdrSize);
         wellID = header.ID;
         if (IsWanted(wellID)) RefuseImpossibleSize(dataPosition, sampleBytes, static_cast<std::uint32_t>(header.Size));
-        m_readPosition = header.FPosNextSegmentHdr;
+        PassBehind(header);
     } while (!IsWanted(wellID));
 
     timeFrom = header.TimeFrom;
     timeTo = header.TimeTo;
     size = static_cast<std::uint32_t>(header.Size);
-    if (size != m_sampleCount || guess.empty()) {
-        MakeRoomFor(size);
-        sampleBytes = m_file.ReadUpTo(dataPosition, {SampleBytes()});
-    }
-    std::ranges::fill(SampleBytes().subspan(sampleBytes), std::byte{0});
-    samples = m_samples.get();
+    FetchSamples(dataPosition, sampleBytes, size);
+    samples = m_segment.Samples();
     return true;
 }
 
 void CRawDataReader::ReadFileHdr() {
-    CHdrBytes<kFileHdrSize> bytes;
-    const std::size_t read = m_file.ReadUpTo(0, {bytes.Writable()});
-    Decode(bytes.View(), m_fileHdr);
-    if (!bytes.BeginsWith(kFileTypeText, kFileCells, read)) throw CExcVXReader(kNotOurFile);
+    std::array<char, kFileHdrSize> bytes{};  // zeros also behind the end of the file
+    const std::string_view text(bytes.data(), bytes.size());
+    const std::size_t read = m_file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes)));
+    Decode(text, m_fileHdr);
+    const bool whole = read >= kFileCells.front().width;
+    if (!whole || !text.starts_with(kFileTypeText)) throw CExcVXReader(kNotOurFile);
     if (m_fileHdr.FPosFirstRecordingHdr == kUnset) throw CExcVXReader(kEmptyFile);
-}
-
-/// Returns false if no whole recording header stands at the position.
-bool CRawDataReader::ReadRecordingHdr(std::int64_t position, CRawDataRecordingHdr& header) const {
-    CHdrBytes<kRecordingHdrSize> bytes;
-    const std::size_t read = m_file.ReadUpTo(position, {bytes.Writable()});
-    return bytes.BeginsWith(kRecordingCells.front().key, kRecordingCells, read) &&
-           Decode(bytes.View(), m_fileHdr.FileVersion, header);
-}
-
-/// Reads a recording header whose positions can be believed. A writer at work rewrites them in place, and what is read
-/// in that moment may be half old, half new: positions that no writer of ours leaves are read again until they stay.
-bool CRawDataReader::ReadSettledHdr(std::int64_t position, CRawDataRecordingHdr& header) const {
-    if (!ReadRecordingHdr(position, header)) return false;
-    for (int rereads = 0; rereads < kMostRereads && !LooksSettled(position, header); ++rereads) {
-        CRawDataRecordingHdr again;
-        if (!ReadRecordingHdr(position, again)) return false;
-        const bool stays = again.FPosRecordingData == header.FPosRecordingData &&
-                           again.FPosNextRecordingHdr == header.FPosNextRecordingHdr;
-        header = std::move(again);
-        if (stays) break;
-    }
-    return true;
-}
-
-/// Tells whether the positions are such as a writer leaves behind: none, or the data right behind the header and the
-/// next header behind that.
-bool CRawDataReader::LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const {
-    const auto size = static_cast<std::int64_t>(SizeOf(kRecordingCells, m_fileHdr.FileVersion));
-    const std::int64_t next = header.FPosNextRecordingHdr;
-    if (header.FPosRecordingData == kUnset) return next == kUnset;
-    return header.FPosRecordingData == position + size && (next == kUnset || next >= position + size);
 }
 
 /// Returns where the chain of recordings goes on behind those read so far.
@@ -196,46 +147,106 @@ std::int64_t CRawDataReader::NextRecordingHdr() const {
 
 /// Reads the cell that led to nothing once more, in case its writer was just rewriting it. Returns false if it still
 /// says the same.
-bool CRawDataReader::RereadNextRecordingHdr() {
+bool CRawDataReader::RereadNextRecordingHdr(CRecordingHdrReader& headers) {
     const std::int64_t before = NextRecordingHdr();
     if (m_recordings.empty()) {
         ReadFileHdr();
     } else {
         const auto position = m_recordings.size() == 1 ? m_fileHdr.FPosFirstRecordingHdr
                                                        : m_recordings[m_recordings.size() - 2].FPosNextRecordingHdr;
-        ReadSettledHdr(position, m_recordings.back());
+        headers.Reread(position, m_recordings.back());
     }
     return NextRecordingHdr() != before;
 }
 
-/// Reads a segment header, and what follows it into `samples` in the same call. Returns how many bytes of that came.
-std::size_t CRawDataReader::ReadSegmentHdr(std::int64_t position, CMutableBytes samples, CSegmentHdr& header) {
-    if (position < 0) throw CExcVXReader(kBadSegmentPosition);
-    CHdrBytes<kSegmentHdrSize> bytes;
-    const std::size_t read = m_file.ReadUpTo(position, {bytes.Writable(), samples});
-    if (!bytes.BeginsWith(kSegmentCells.front().key, kSegmentCells, read) || !m_segmentGuard.Admits(position)) {
-        throw CExcVXReader(kBadSegmentHdr);
+CRawDataReader::CPass CRawDataReader::BeginningAt(std::int64_t position) const {
+    return {position, 0, CChainGuard(m_file, kSegmentHdrSize)};
+}
+
+/// Moves on to the next segment that is worth reading: one of the selected well, or the last that is remembered, since
+/// what follows that one isn't.
+void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
+    if (m_chain == nullptr || m_selectedWell == kAllWells) return;
+    const CSegmentPlace* place = Remembered();
+    while (place != nullptr && place->wellID != m_selectedWell) {
+        const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
+        if (successor == nullptr) return;
+        if (!m_pass.guard.Admits(m_pass.position)) throw CExcVXReader(kBadSegmentHdr);
+        wellID = place->wellID;
+        m_pass.position = successor->position;
+        ++m_pass.number;
+        place = successor;
     }
-    Decode(bytes.View(), header);
-    return read - std::min(read, kSegmentHdrSize);
+}
+
+/// Makes room for the samples of the next segment as far as they are worth reading along with its header, and returns
+/// how many these are. What is remembered may be wrong, and mustn't cost more memory than a damaged size.
+std::uint32_t CRawDataReader::MakeRoomForNext() {
+    if (const CSegmentPlace* const place = Remembered()) {
+        const bool modest = std::int64_t{place->size} * kSampleBytes <= kMostMissingBytes;
+        if (IsWanted(place->wellID) && modest) m_segment.MakeRoomFor(place->size);
+        return IsWanted(place->wellID) && place->size == m_segment.Count() ? place->size : 0;
+    }
+    // Without a selection the next segment is the one, most likely as long as the one before.
+    return m_selectedWell == kAllWells ? m_segment.Count() : 0;
+}
+
+/// Reads the header at the position of the pass, and as many of the samples behind it as are expected. Returns false if
+/// no whole header stands there.
+bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
+    const std::size_t expected = MakeRoomForNext() * std::size_t{kSampleBytes};
+    m_segment.MakeRoomFor(m_segment.Count());
+    const CMutableBytes bytes = m_segment.SegmentBytes().first(kSegmentHdrSize + expected);
+    const std::size_t read = m_file.ReadUpTo(m_pass.position, bytes);
+    if (read < kSegmentCells.front().width || !m_segment.Hdr().starts_with(kSegmentCells.front().key)) return false;
+    if (read < kSegmentHdrSize) std::ranges::fill(bytes.first(kSegmentHdrSize).subspan(read), std::byte{0});
+    Decode(m_segment.Hdr(), header);
+    sampleBytes = read - std::min(read, kSegmentHdrSize);
+    return true;
+}
+
+/// Reads the header of the next segment that is worth reading. Returns how many bytes of its samples came along; none
+/// if it has another size than expected.
+std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID) {
+    std::size_t sampleBytes = 0;
+    const CPass behindLastRead = m_pass;
+    PassOverRemembered(wellID);
+    bool found = ReadHdr(header, sampleBytes);
+    if (m_pass.number != behindLastRead.number && !(found && header.ID == Remembered()->wellID)) {
+        // The file was rewritten: what was passed over may not be what it was, either.
+        m_pass = behindLastRead;
+        m_chain->ForgetFrom(m_pass.number);
+        found = ReadHdr(header, sampleBytes);
+    }
+    if (m_pass.position < 0) throw CExcVXReader(kBadSegmentPosition);
+    if (!found || !m_pass.guard.Admits(m_pass.position)) throw CExcVXReader(kBadSegmentHdr);
+    return sampleBytes;
+}
+
+/// Moves on behind the segment whose header was just read.
+void CRawDataReader::PassBehind(const CSegmentHdr& header) {
+    const CSegmentPlace place{m_pass.position, header.ID, static_cast<std::uint32_t>(header.Size)};
+    if (m_chain != nullptr) m_chain->Confirm(m_pass.number, place, header.FPosNextSegmentHdr);
+    if (m_selectedWell != kAllWells) {
+        if (m_chain == nullptr) m_chain = &m_chains[m_dataPosition];
+        m_chain->Remember(m_pass.number, place);
+    }
+    m_pass.position = header.FPosNextSegmentHdr;
+    ++m_pass.number;
 }
 
 /// `read` bytes of the samples are known to be there; the file is asked only if that doesn't settle it.
 void CRawDataReader::RefuseImpossibleSize(std::int64_t dataPosition, std::size_t read, std::uint32_t size) const {
-    const std::int64_t bytes = std::int64_t{size} * std::int64_t{sizeof(std::uint16_t)};
+    const std::int64_t bytes = size * kSampleBytes;
     if (bytes - static_cast<std::int64_t>(read) <= kMostMissingBytes) return;
     if (bytes - kMostMissingBytes > m_file.Size() - dataPosition) throw CExcVXReader(kBadSegmentHdr);
 }
 
-/// Gives the buffer the exact size of a segment; a run of equal segments keeps it.
-void CRawDataReader::MakeRoomFor(std::uint32_t size) {
-    if (size == m_sampleCount && m_samples) return;
-    m_samples.reset();  // first, so that there is never more than one segment in memory
-    m_sampleCount = 0;
-    m_samples = std::make_unique_for_overwrite<std::uint16_t[]>(size);
-    m_sampleCount = size;
-}
-
-CMutableBytes CRawDataReader::SampleBytes() {
-    return std::as_writable_bytes(std::span(m_samples.get(), m_sampleCount));
+/// Completes the samples of a segment: all of them, unless they are what was expected and came along.
+void CRawDataReader::FetchSamples(std::int64_t dataPosition, std::size_t read, std::uint32_t size) {
+    if (read != size * std::size_t{kSampleBytes} || m_segment.Count() != size) {
+        m_segment.MakeRoomFor(size);
+        read = m_file.ReadUpTo(dataPosition, m_segment.SampleBytes());
+    }
+    std::ranges::fill(m_segment.SampleBytes().subspan(read), std::byte{0});
 }

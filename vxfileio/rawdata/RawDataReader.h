@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -10,11 +10,17 @@
 #include "vxfileio/rawdata/ChainGuard.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
+#include "vxfileio/rawdata/RecordingHdrReader.h"
+#include "vxfileio/rawdata/SegmentBuffer.h"
+#include "vxfileio/rawdata/SegmentChain.h"
 
 /// Reads one raw data file after the other. What each operation does is told at `CIRawDataReader`.
 ///
 /// Headers live in memory from `Open` on, samples only for one segment. The file is taken at its word as little as
 /// possible: no size out of it reaches an allocation before it was held against the bytes that are there.
+///
+/// A pass for one well remembers where the segments of the recording stand, so that the next one reads only what it
+/// delivers. A pass over all wells reads every segment anyway and remembers nothing.
 class CRawDataReader {
  public:
     CRawDataReader() = default;
@@ -39,26 +45,39 @@ class CRawDataReader {
     /// The selection that takes every segment.
     static constexpr std::int32_t kAllWells = -1;
 
-    bool IsWanted(std::int32_t wellID) const { return m_selectedWell == kAllWells || m_selectedWell == wellID; }
+    /// How far a pass through the segments of a recording has come.
+    struct CPass {
+        std::int64_t position = vxfileio::rawdata::kUnset;  ///< The next segment header.
+        std::size_t number = 0;                             ///< Segments ahead of that one.
+        vxfileio::rawdata::CChainGuard guard;
+    };
+
     void ReadFileHdr();
-    bool ReadRecordingHdr(std::int64_t position, CRawDataRecordingHdr& header) const;
-    bool ReadSettledHdr(std::int64_t position, CRawDataRecordingHdr& header) const;
     std::int64_t NextRecordingHdr() const;
-    bool LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const;
-    bool RereadNextRecordingHdr();
-    std::size_t ReadSegmentHdr(std::int64_t position, vxfileio::CMutableBytes samples,
-                               vxfileio::rawdata::CSegmentHdr& header);
+    bool RereadNextRecordingHdr(vxfileio::rawdata::CRecordingHdrReader& headers);
+
+    bool IsWanted(std::int32_t wellID) const { return m_selectedWell == kAllWells || m_selectedWell == wellID; }
+    const vxfileio::rawdata::CSegmentPlace* Remembered() const {
+        return m_chain == nullptr ? nullptr : m_chain->Find(m_pass.number);
+    }
+    CPass BeginningAt(std::int64_t position) const;
+    void PassOverRemembered(std::int32_t& wellID);
+    std::uint32_t MakeRoomForNext();
+    bool ReadHdr(vxfileio::rawdata::CSegmentHdr& header, std::size_t& sampleBytes);
+    std::size_t ReadNextHdr(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID);
+    void PassBehind(const vxfileio::rawdata::CSegmentHdr& header);
     void RefuseImpossibleSize(std::int64_t dataPosition, std::size_t read, std::uint32_t size) const;
-    void MakeRoomFor(std::uint32_t size);
-    vxfileio::CMutableBytes SampleBytes();
+    void FetchSamples(std::int64_t dataPosition, std::size_t read, std::uint32_t size);
 
     vxfileio::CFile m_file;
-    std::int64_t m_readPosition = vxfileio::rawdata::kUnset;  ///< The next segment header.
-    std::uint32_t m_sampleCount = 0;                          ///< Samples that the buffer has room for.
-    std::unique_ptr<std::uint16_t[]> m_samples;
-    std::int32_t m_selectedWell = kAllWells;
     CRawDataIndex m_index;                           ///< One entry per recording, in file order.
     CRawDataFileHdr m_fileHdr;                       ///< As read.
     std::vector<CRawDataRecordingHdr> m_recordings;  ///< In file order.
-    vxfileio::rawdata::CChainGuard m_segmentGuard{m_file, vxfileio::rawdata::kSegmentHdrSize};
+
+    std::int32_t m_selectedWell = kAllWells;
+    vxfileio::rawdata::CSegmentBuffer m_segment;
+    std::map<std::int64_t, vxfileio::rawdata::CSegmentChain> m_chains;  ///< By the positions of their recordings' data.
+    vxfileio::rawdata::CSegmentChain* m_chain = nullptr;                ///< That of the current recording, if any.
+    std::int64_t m_dataPosition = vxfileio::rawdata::kUnset;            ///< The current recording's.
+    CPass m_pass = BeginningAt(vxfileio::rawdata::kUnset);
 };

@@ -30,7 +30,7 @@ struct CFileBuffer::CState {
 
     bool Fill() {
         begin = 0;
-        end = file.ReadUpTo(next, {std::span(gathered)});
+        end = file.ReadUpTo(next, std::span(gathered));
         next += static_cast<std::int64_t>(end);
         return end > 0;
     }

@@ -1,0 +1,94 @@
+#include "vxfileio/rawdata/RecordingHdrReader.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "vxfileio/rawdata/HeaderCodec.h"
+
+namespace vxfileio::rawdata {
+
+namespace {
+
+/// What is read at once where headers lie close together.
+constexpr std::size_t kBlock = std::size_t{32} << 10;
+
+/// How far apart two headers may begin for the ones behind to be read along. At this distance copying what lies between
+/// them costs about as much as the calls that are saved.
+constexpr std::int64_t kNear = std::int64_t{8} << 10;
+
+}  // namespace
+
+bool CRecordingHdrReader::Read(std::int64_t position, CRawDataRecordingHdr& header) {
+    if (!ReadOnce(position, header)) return false;
+    for (int rereads = 0; rereads < kMostRereads && !LooksSettled(position, header); ++rereads) {
+        CRawDataRecordingHdr again;
+        m_blockSize = 0;
+        if (!ReadOnce(position, again)) return false;
+        const bool stays = again.FPosRecordingData == header.FPosRecordingData &&
+                           again.FPosNextRecordingHdr == header.FPosNextRecordingHdr;
+        header = std::move(again);
+        if (stays) break;
+    }
+    return true;
+}
+
+bool CRecordingHdrReader::Reread(std::int64_t position, CRawDataRecordingHdr& header) {
+    m_blockSize = 0;
+    return Read(position, header);
+}
+
+bool CRecordingHdrReader::ReadOnce(std::int64_t position, CRawDataRecordingHdr& header) {
+    const std::string_view bytes = HdrAt(position);
+    if (!bytes.starts_with(kRecordingCells.front().key)) return false;
+    DecodeAllButChannels(bytes, m_version, header);
+    return TakeChannels(ChannelBytes(bytes, m_version), header);
+}
+
+/// Returns the bytes of the header at the position, zeros behind the end of the file; none if its first cell isn't
+/// whole. They live until the next call.
+std::string_view CRecordingHdrReader::HdrAt(std::int64_t position) {
+    const std::int64_t distance = position - m_lastPosition;
+    const bool near = m_lastPosition != kUnset && distance > 0 && distance <= kNear;
+    m_lastPosition = position;
+    // Only forwards: our writers point at a header that lies ahead once it is whole, so that bytes read behind the
+    // position are as new as the position itself.
+    const auto hdrSize = static_cast<std::int64_t>(m_hdrSize);
+    const std::int64_t end = m_blockPosition + static_cast<std::int64_t>(m_blockSize);
+    if (near && position >= m_blockPosition && position + hdrSize <= end) {
+        return {m_block.data() + (position - m_blockPosition), m_hdrSize};
+    }
+    m_block.resize(std::max(near ? kBlock : m_hdrSize, m_block.size()));
+    const auto room = std::span(m_block).first(near ? kBlock : m_hdrSize);
+    m_blockPosition = position;
+    m_blockSize = m_file.ReadUpTo(position, std::as_writable_bytes(room));
+    if (m_blockSize < kRecordingCells.front().width) return {};
+    if (m_blockSize < m_hdrSize) std::ranges::fill(room.subspan(m_blockSize, m_hdrSize - m_blockSize), '\0');
+    return {m_block.data(), m_hdrSize};
+}
+
+/// `bytes` are the cells of the channels. Returns false if they can't be true.
+bool CRecordingHdrReader::TakeChannels(std::string_view bytes, CRawDataRecordingHdr& header) {
+    if (bytes == m_channelBytes) {
+        header.WellChannels = m_channels.WellChannels;
+        header.AuxChannels = m_channels.AuxChannels;
+        return true;
+    }
+    m_channelBytes.clear();
+    if (!DecodeChannels(bytes, header)) return false;
+    m_channelBytes = bytes;
+    m_channels.WellChannels = header.WellChannels;
+    m_channels.AuxChannels = header.AuxChannels;
+    return true;
+}
+
+/// Tells whether the positions are such as a writer leaves behind: none, or the data right behind the header and the
+/// next header behind that.
+bool CRecordingHdrReader::LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const {
+    const auto size = static_cast<std::int64_t>(m_hdrSize);
+    const std::int64_t next = header.FPosNextRecordingHdr;
+    if (header.FPosRecordingData == kUnset) return next == kUnset;
+    return header.FPosRecordingData == position + size && (next == kUnset || next >= position + size);
+}
+
+}  // namespace vxfileio::rawdata

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+namespace vxfileio::rawdata {
+
+/// Reads the recording headers of one file, one after the other along their chain. Headers that lie close together are
+/// read together, and lists of channels that are the same as in the header before aren't parsed again.
+class CRecordingHdrReader {
+ public:
+    /// `version` is the file's own. The file stays the caller's and outlives this object.
+    CRecordingHdrReader(const CFile& file, std::int32_t version)
+        : m_file(file), m_version(version), m_hdrSize(SizeOf(kRecordingCells, version)) {}
+
+    /// Reads a header whose positions can be believed. Returns false if no whole header stands at the position.
+    ///
+    /// A writer at work rewrites positions in place, and what is read in that moment may be half old, half new:
+    /// positions that no writer of ours leaves are read again until they stay.
+    bool Read(std::int64_t position, CRawDataRecordingHdr& header);
+
+    /// The same from what the file holds now. After it, nothing that was read before is used any more.
+    bool Reread(std::int64_t position, CRawDataRecordingHdr& header);
+
+    /// How often a header is read again because its writer seems to be rewriting it. A rewrite takes microseconds.
+    static constexpr int kMostRereads = 100;
+
+ private:
+    bool ReadOnce(std::int64_t position, CRawDataRecordingHdr& header);
+    std::string_view HdrAt(std::int64_t position);
+    bool TakeChannels(std::string_view bytes, CRawDataRecordingHdr& header);
+    bool LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const;
+
+    const CFile& m_file;
+    std::int32_t m_version;
+    std::size_t m_hdrSize;
+
+    std::vector<char> m_block;              ///< What one call read, beginning with a header.
+    std::int64_t m_blockPosition = kUnset;  ///< Where that stands in the file.
+    std::size_t m_blockSize = 0;            ///< How much of it came.
+    std::int64_t m_lastPosition = kUnset;   ///< The header that was asked for last.
+
+    std::string m_channelBytes;       ///< The cells of the channels that were parsed last.
+    CRawDataRecordingHdr m_channels;  ///< What they came to.
+};
+
+}  // namespace vxfileio::rawdata

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+namespace vxfileio::rawdata {
+
+/// Where a segment stands, and what its header said when it was last read.
+struct CSegmentPlace {
+    std::int64_t position = kUnset;
+    std::int32_t wellID = 0;
+    std::uint32_t size = 0;  ///< Samples.
+
+    bool operator==(const CSegmentPlace&) const = default;
+};
+static_assert(sizeof(CSegmentPlace) == 16, "what a segment may cost in memory");
+
+/// The first segments of one recording in the order of their chain, as far as they were walked.
+///
+/// It only ever saves reading what nobody asked for: what is delivered comes from the file, which is believed where it
+/// says something else by now. Where the chain goes on behind the last place isn't remembered, not even that it ends: a
+/// writer may have appended.
+class CSegmentChain {
+ public:
+    /// Returns the segment with this number, or null if it isn't remembered. It lives until the next change.
+    const CSegmentPlace* Find(std::size_t number) const {
+        return number < m_places.size() ? &m_places[number] : nullptr;
+    }
+
+    /// Takes note of a header that was read as that of the segment with this number: if it contradicts what is
+    /// remembered of it or of its successor, that is forgotten with all behind it. `next` is where its chain goes on.
+    void Confirm(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
+        const CSegmentPlace* const successor = Find(number + 1);
+        if (successor != nullptr && successor->position != next) ForgetFrom(number + 1);
+        const CSegmentPlace* const remembered = Find(number);
+        if (remembered != nullptr && *remembered != place) ForgetFrom(number);
+    }
+
+    /// Remembers the segment with this number if all ahead of it are remembered, too.
+    void Remember(std::size_t number, const CSegmentPlace& place) {
+        if (number == m_places.size()) m_places.push_back(place);
+    }
+
+    /// Forgets the segment with this number and all behind it.
+    void ForgetFrom(std::size_t number) {
+        if (number < m_places.size()) m_places.resize(number);
+    }
+
+ private:
+    std::deque<CSegmentPlace> m_places;  ///< It grows without ever being copied.
+};
+
+}  // namespace vxfileio::rawdata
