@@ -31,12 +31,19 @@ inline constexpr int kSamples = 2000;
 inline constexpr int kFirstWell = 10;
 inline constexpr const char* kResponses[] = {"NotDefined", "Na-Amplitude", "Na-Slope", "QT-Interval"};
 
+inline constexpr const char* kFindings[] = {"FPfastMaxAmp",          "FPfastMaxAmpTimeStamp", "FPfastMinAmp",
+                                            "FPfastMinAmpTimeStamp", "FPfastSlopeX0",         "FPfastSlopeY0",
+                                            "FPfastSlopeX1",         "FPfastSlopeY1"};
+
+/// Whether that finding is a time stamp.
+inline bool IsWholeFinding(int i) { return i == 1 || i == 3; }
+
 inline std::int64_t TimeOf(int dose, int well, int i) { return 1'000'000LL * i + 977LL * well + 31LL * dose; }
 inline double SampleOf(int dose, int well, int i) {
     return 0.35 * std::sin(0.01 * i + well) * (1 + 0.01 * dose) - 1e-4 * i;
 }
 inline double FindingOf(int dose, int well, int i) {
-    return i == 1 || i == 3 ? 1500.0 + 10 * well + i : 0.5 + 0.1 / (1 + i) + well / 64.0 + dose / 16.0;
+    return IsWholeFinding(i) ? 1500.0 + 10 * well + i : 0.5 + 0.1 / (1 + i) + well / 64.0 + dose / 16.0;
 }
 inline double ResponseOf(int dose, int well, int type) { return 1.0 + 0.3 * type + well / 54.0 + dose; }
 

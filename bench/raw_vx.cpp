@@ -1,75 +1,134 @@
-// Raw recordings through the library, the same work as limits/raw_limit.cpp.
-// usage: raw_vx write|read FILE SEGMENTS SAMPLES
+// Raw recordings through the library. usage:
+//   raw_vx write|read|one|every FILE ROUNDS SAMPLES    all wells round robin, one well, each well in turn
+//   raw_vx headers|open FILE RECORDINGS                recordings without samples, written and opened
 #include <vxfileio/frame/VXFileIO.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "Measure.h"
+#include "RawData.h"
 
 namespace {
 
-constexpr int kWells = 54;
-
-void Begin(CIRawDataWriter& writer, const std::string& path) {
-    CRawDataFileHdr file;
-    file.HeaderID = "OVL Vexaprobe";
-    file.FileVersion = 2;
+CRawDataRecordingHdr MakeRecordingHdr(int number) {
     CRawDataRecordingHdr recording;
     recording.TaskName = "Series";
-    recording.Recording = 1;
+    recording.Recording = number;
+    recording.Dose = 1000L * number;
     for (int well = 0; well < kWells; ++well)
-        recording.WellChannels.push_back({10 + well, 0, 0.005, 1});
+        recording.WellChannels.push_back({kFirstWell + well, kADZero, kUnitsPerAD, kTick});
+    return recording;
+}
+
+void BeginFile(CIRawDataWriter& writer, const char* path) {
     writer.Open(path);
-    writer.WriteFileHdr(file);
-    writer.WriteRecordingHdr(recording);
+    writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
 }
 
-void Write(CIRawDataWriter& writer, long segments, long samples) {
-    std::vector<std::uint16_t> data(static_cast<std::size_t>(samples));
-    for (long s = 0; s < segments; ++s) {
-        for (std::size_t i = 0; i < 8 && i < data.size(); ++i) {
-            data[i] = static_cast<std::uint16_t>(s + static_cast<long>(i));
+void Write(CIRawDataWriter& writer, const char* path, const CShape& shape) {
+    BeginFile(writer, path);
+    writer.WriteRecordingHdr(MakeRecordingHdr(1));
+    std::vector<std::uint16_t> samples = MakeSamples(shape);
+    Measure([&] {
+        for (long round = 0; round < shape.rounds; ++round) {
+            for (int well = 0; well < kWells; ++well) {
+                TurnInto(samples.data(), round, well);
+                writer.WriteData(kFirstWell + well, shape.TimeFrom(round), shape.TimeTo(round), kTick, samples.data());
+            }
         }
-        const std::int64_t from = s / kWells * samples;
-        writer.WriteData(10 + static_cast<int>(s % kWells), from, from + samples - 1, 1, data.data());
-    }
+    });
 }
 
-bool Read(CIRawDataReader& reader, long segments, long samples) {
+/// Reads the next segment, which has to be that of this round and well.
+bool ReadNext(CIRawDataReader& reader, const CShape& shape, long round, int well) {
     std::int32_t wellID = 0;
-    std::int64_t from = 0;
-    std::int64_t to = 0;
+    std::int64_t from = 0, to = 0;
     std::uint32_t size = 0;
-    std::uint16_t* data = nullptr;
-    for (long s = 0; s < segments; ++s) {
-        if (!reader.ReadSegment(wellID, from, to, size, data)) return false;
-        if (size != static_cast<std::uint32_t>(samples) || data[0] != static_cast<std::uint16_t>(s)) return false;
+    std::uint16_t* samples = nullptr;
+    return reader.ReadSegment(wellID, from, to, size, samples) && wellID == kFirstWell + well &&
+           from == shape.TimeFrom(round) && to == shape.TimeTo(round) && size == shape.samples &&
+           AreSamples(samples, shape, round, well);
+}
+
+bool IsAtEnd(CIRawDataReader& reader) {
+    std::int32_t wellID = 0;
+    std::int64_t from = 0, to = 0;
+    std::uint32_t size = 0;
+    std::uint16_t* samples = nullptr;
+    return !reader.ReadSegment(wellID, from, to, size, samples);
+}
+
+/// Reads `wells` wells from `first` on that follow one another in each round.
+bool ReadRounds(CIRawDataReader& reader, const CShape& shape, int first, int wells) {
+    if (!reader.JumpToData("Series", 1)) return false;
+    for (long round = 0; round < shape.rounds; ++round) {
+        for (int well = first; well < first + wells; ++well)
+            if (!ReadNext(reader, shape, round, well)) return false;
     }
-    return !reader.ReadSegment(wellID, from, to, size, data);
+    return IsAtEnd(reader);
+}
+
+bool ReadWell(CIRawDataReader& reader, const CShape& shape, int well) {
+    reader.SelectWellID(kFirstWell + well);
+    return ReadRounds(reader, shape, well, 1);
+}
+
+bool ReadEveryWell(CIRawDataReader& reader, const CShape& shape) {
+    for (int well = 0; well < kWells; ++well)
+        if (!ReadWell(reader, shape, well)) return false;
+    return true;
+}
+
+bool Read(CIRawDataReader& reader, const std::string& mode, const char* path, const CShape& shape) {
+    bool good = false;
+    reader.Open(path);
+    Measure([&] {
+        if (mode == "read") good = ReadRounds(reader, shape, 0, kWells);
+        if (mode == "one") good = ReadWell(reader, shape, kOneWell);
+        if (mode == "every") good = ReadEveryWell(reader, shape);
+    });
+    return good;
+}
+
+void WriteHeaders(CIRawDataWriter& writer, const char* path, int recordings) {
+    BeginFile(writer, path);
+    Measure([&] {
+        for (int number = 0; number < recordings; ++number)
+            writer.WriteRecordingHdr(MakeRecordingHdr(number));
+    });
+}
+
+/// Opens a file of recordings; every hundredth is looked at.
+bool Open(CIRawDataReader& reader, const char* path, int recordings) {
+    Measure([&] { reader.Open(path); });
+    bool good = reader.GetIndex()->GetCount() == recordings;
+    for (int number = 0; good && number < recordings; number += 100) {
+        const CRawDataRecordingHdr* const read = reader.GetRecordingHdr("Series", number);
+        good = read != nullptr && read->Dose == 1000L * number && read->WellChannels.size() == kWells;
+        for (int well = 0; good && well < kWells; ++well) {
+            const CRawDataChannelInfo& channel = read->WellChannels[static_cast<std::size_t>(well)];
+            good = channel.ID == kFirstWell + well && channel.Ticks == kTick && channel.ADZero == kADZero &&
+                   channel.UnitsPerAD == kUnitsPerAD;
+        }
+    }
+    return good;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 5) return 2;
-    const bool writes = std::string(argv[1]) == "write";
+    if (argc < 4) return 2;
+    const std::string mode = argv[1];
     CVXFileIO io;
-    if (writes) {
-        Begin(*io.GetRawDateWriter(), argv[2]);
+    bool good = true;
+    if (mode == "headers") {
+        WriteHeaders(*io.GetRawDateWriter(), argv[2], std::atoi(argv[3]));
+    } else if (mode == "open") {
+        good = Open(*io.GetRawDataReader(), argv[2], std::atoi(argv[3]));
+    } else if (mode == "write") {
+        Write(*io.GetRawDateWriter(), argv[2], CShape(argv));
     } else {
-        io.GetRawDataReader()->Open(argv[2]);
-        if (!io.GetRawDataReader()->JumpToData("Series", 1)) return 1;
+        good = Read(*io.GetRawDataReader(), mode, argv[2], CShape(argv));
     }
-    bool ok = true;
-    Measure([&] {
-        if (writes) {
-            Write(*io.GetRawDateWriter(), std::atol(argv[3]), std::atol(argv[4]));
-        } else {
-            ok = Read(*io.GetRawDataReader(), std::atol(argv[3]), std::atol(argv[4]));
-        }
-    });
-    return ok ? 0 : 1;
+    return good ? 0 : 1;
 }

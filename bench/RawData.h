@@ -1,0 +1,52 @@
+#pragma once
+
+// The raw recordings that all programs are given: rounds of 54 wells, in each round a segment of every well. It shares
+// nothing with the library.
+
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+inline constexpr int kWells = 54;
+inline constexpr int kFirstWell = 10;
+inline constexpr int kOneWell = 36;  // the one that is read alone
+inline constexpr long kTick = 10;
+inline constexpr int kADZero = 32;
+inline constexpr double kUnitsPerAD = 0.0005;
+
+/// How much there is: `ROUNDS SAMPLES` behind mode and file on the command line.
+struct CShape {
+    long rounds = 0;
+    long samples = 0;
+
+    explicit CShape(char** argv) : rounds(std::atol(argv[3])), samples(std::atol(argv[4])) {}
+    long TimeFrom(long round) const { return round * samples * kTick; }
+    long TimeTo(long round) const { return TimeFrom(round) + (samples - 1) * kTick; }
+};
+
+inline constexpr int kOwnSamples = 8;  // at the front of a segment; the rest is the same in all
+
+inline std::uint16_t OwnSample(long round, int well, int i) {
+    return static_cast<std::uint16_t>(round * 54 + well + i);
+}
+
+inline std::vector<std::uint16_t> MakeSamples(const CShape& shape) {
+    std::vector<std::uint16_t> samples;
+    for (long i = 0; i < shape.samples; ++i)
+        samples.push_back(static_cast<std::uint16_t>(i * 37));
+    return samples;
+}
+
+inline void TurnInto(std::uint16_t* samples, long round, int well) {
+    for (int i = 0; i < kOwnSamples; ++i)
+        samples[i] = OwnSample(round, well, i);
+}
+
+/// Whether these are the samples of that round and well. For EDFlib they are of another type.
+template <class Sample>
+bool AreSamples(const Sample* samples, const CShape& shape, long round, int well) {
+    for (int i = 0; i < kOwnSamples; ++i)
+        if (static_cast<std::uint16_t>(samples[i]) != OwnSample(round, well, i)) return false;
+    const long last = shape.samples - 1;
+    return static_cast<std::uint16_t>(samples[last]) == static_cast<std::uint16_t>(last * 37);
+}

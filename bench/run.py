@@ -1,0 +1,205 @@
+#!/usr/bin/python3
+"""Runs each workload interleaved (limit, library, peers, limit, ...), each program in a process of its own, and prints
+a table for each. `scripts/bench` builds the programs and calls this.
+
+Every program checks what it reads; those that write the limit's format must write the same bytes, and the others read
+back what they wrote. System calls and allocations are counted in runs of their own that aren't timed.
+"""
+import argparse
+import json
+import os
+import re
+import shutil
+import statistics
+import subprocess
+import tempfile
+import zipfile
+from math import isclose
+
+import tables
+from workloads import LIMIT, OURS, WORKLOADS
+
+
+class Bench:
+    """A folder of programs, and one for the files of a workload."""
+
+    def __init__(self, programs, folder, workload):
+        self.programs = programs
+        self.folder = os.path.join(folder, "files")
+        self.workload = workload
+        self.available = [p for p in workload.programs if os.path.exists(os.path.join(programs, p.binary))]
+
+    def path(self, owner):
+        return os.path.join(self.folder, owner, "bench" + self.workload.suffix)
+
+    def run(self, binary, mode, path, size, ahead=(), environment=None):
+        """Returns seconds, KiB added and allocations; wrong data or a failure ends the benchmark."""
+        command = [*ahead, os.path.join(self.programs, binary), mode, path, *map(str, self.workload.arguments(size))]
+        done = subprocess.run(command, capture_output=True, text=True, env=environment, check=False)
+        if done.returncode != 0:
+            raise SystemExit(f"Wrong data or a failure ({done.returncode}): {' '.join(command)}\n{done.stderr}")
+        seconds, added, allocations = done.stdout.split()
+        return float(seconds), int(added), int(allocations)
+
+    def file_of(self, program):
+        """The file that a program works on; what writes finds none there."""
+        if program.source:
+            return self.path(program.source)
+        path = self.path(program.name)
+        shutil.rmtree(os.path.dirname(path), ignore_errors=True)
+        os.makedirs(os.path.dirname(path))
+        return path
+
+    def measure(self, program, size, **how):
+        return self.run(program.binary, program.mode, self.file_of(program), size, **how)
+
+    def prepare(self, size):
+        """Leaves the files that are read, or checks what is written."""
+        shutil.rmtree(self.folder, ignore_errors=True)
+        for source in {p.source for p in self.available} - {""}:
+            os.makedirs(os.path.dirname(self.path(source)))
+            self.run(source, self.workload.prepare.get(source, "write"), self.path(source), size)
+        if self.workload.programs[0].source == "":
+            self.check_written(size)
+
+    def check_written(self, size):
+        for program in self.available:
+            self.measure(program, size)
+            if program.read_back == "xlsx":
+                check_cells(self.path(program.name), size)
+            elif program.read_back:
+                self.run(program.binary, program.read_back, self.path(program.name), size)
+            elif program.name != LIMIT:
+                check_same_bytes(*(os.path.dirname(self.path(name)) for name in (LIMIT, program.name)))
+        self.size_on_disk = size_of(os.path.dirname(self.path(OURS)))
+        shutil.rmtree(self.folder)
+
+    def count_calls(self, program, size):
+        """Returns the system calls and allocations of one operation; None for what can't be counted here."""
+        operations = self.workload.operations(size)
+        counter = os.path.join(self.programs, "count_allocations.so")
+        allocations = self.measure(program, size, environment={**os.environ, "LD_PRELOAD": counter})[2]
+        trace = os.path.join(os.path.dirname(self.folder), "trace")
+        self.measure(program, size, ahead=["strace", "-f", "-o", trace])
+        with open(trace, encoding="utf-8", errors="replace") as lines:
+            work = re.search(r'access\("work begins".*?\n(.*?)[^\n]*access\("work ends"', lines.read(), re.DOTALL)[1]
+        calls = sum(1 for line in work.splitlines() if not re.search(r"resumed>|--- |\+\+\+ ", line))
+        return calls / operations, allocations / operations
+
+
+def size_of(folder):
+    return sum(entry.stat().st_size for entry in os.scandir(folder))
+
+
+def check_same_bytes(*folders):
+    """All files but the dates of writing."""
+    names = [sorted(os.listdir(folder)) for folder in folders]
+    if names[0] != names[1]:
+        raise SystemExit(f"{folders[0]} and {folders[1]} hold different files")
+    for name in names[0]:
+        if subprocess.run(["cmp", "-s", *(os.path.join(folder, name) for folder in folders)], check=False).returncode:
+            first, second = (without_dates(os.path.join(folder, name)) for folder in folders)
+            if first != second:
+                raise SystemExit(f"{folders[0]} and {folders[1]} differ in {name}")
+
+
+def without_dates(path):
+    with open(path, "rb") as file:
+        return re.sub(rb"<(AnalyzingDate|AnalyzingDateString)>[^<]*", rb"<\1>", file.read())
+
+
+def check_cells(path, columns):
+    """Whether a zipped workbook holds the cells of WorkbookCells.h."""
+    with zipfile.ZipFile(path) as archive:
+        cells = re.findall(rb"<v>([^<]*)</v>", archive.read("xl/worksheets/sheet1.xml"))
+    made = ((row * 12 + column) / 7 + 0.001 for row in range(65000) for column in range(columns))
+    if len(cells) != 65000 * columns or not all(isclose(float(a), b, rel_tol=1e-14) for a, b in zip(cells, made)):
+        raise SystemExit(f"{path} holds other cells")
+
+
+def measure(programs, folder, workload, options):
+    """Returns what a table tells: of each program its times, memory and calls."""
+    size = options.scale * (options.quick and workload.quick or workload.size)
+    bench = Bench(programs, folder, workload)
+    counted = {}
+    if not options.no_counts:
+        bench.prepare(workload.counted or workload.size)
+        counted = {p.name: bench.count_calls(p, workload.counted or workload.size) for p in bench.available}
+    bench.prepare(size)
+    runs = {program.name: [] for program in bench.available}
+    for _ in range(options.rounds):
+        for program in bench.available:
+            runs[program.name].append(bench.measure(program, size)[:2])
+    return {
+        "title": workload.title, "operation": workload.operation, "operations": workload.operations(size),
+        "rounds": options.rounds,
+        "programs": {p.name: {
+            "seconds": [seconds for seconds, _ in runs[p.name]],
+            "KiB": statistics.median(added for _, added in runs[p.name]),
+            "calls": counted.get(p.name, (None, None))[0], "allocations": counted.get(p.name, (None, None))[1],
+            "less": p.less,
+        } for p in bench.available},
+    }
+
+
+def measure_growth(programs, folder, workload, options):
+    """Returns the seconds that limit and library take for each MiB of their file, at 1, 4 and 16 times the size."""
+    grown = {LIMIT: [], OURS: []}
+    for factor in (1, 4, 16):
+        size = factor * options.scale * (options.quick and workload.quick or workload.size)
+        bench = Bench(programs, folder, workload)
+        bench.available = [p for p in bench.available if p.name in grown]
+        bench.prepare(size)
+        source = bench.available[0].source
+        mib = (size_of(os.path.dirname(bench.path(source))) if source else bench.size_on_disk) / (1 << 20)
+        runs = {p.name: [] for p in bench.available}
+        for _ in range(options.rounds):
+            for program in bench.available:
+                runs[program.name].append(bench.measure(program, size)[0] / mib)
+        for name, seconds in runs.items():
+            grown[name].append(statistics.median(seconds))
+    return {"title": workload.title, "rounds": options.rounds, "secondsPerMiB": grown}
+
+
+def read_options():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter,
+                                     prog="scripts/bench")
+    parser.add_argument("--programs", required=True, help=argparse.SUPPRESS)
+    parser.add_argument("workloads", nargs="*", metavar="WORKLOAD", help=", ".join(WORKLOADS))
+    parser.add_argument("--quick", action="store_true", help="small sizes, under three minutes")
+    parser.add_argument("--rounds", type=int, default=5, help="how often each program runs (5)")
+    parser.add_argument("--scale", type=int, default=1, help="so many times the size (1)")
+    parser.add_argument("--growth", action="store_true", help="instead, the time per MiB at 1, 4 and 16 times the size")
+    parser.add_argument("--no-counts", action="store_true", help="don't count system calls and allocations")
+    parser.add_argument("--folder", help="where the files that are measured lie, for a while (the system's own)")
+    parser.add_argument("--json", metavar="FILE", help="add the numbers to those in FILE")
+    parser.add_argument("--page", metavar="FILE", help="put the tables, also those of the JSON file, into this page")
+    options = parser.parse_intermixed_args()
+    for name in options.workloads:
+        if name not in WORKLOADS:
+            parser.error(f"no workload is called {name}")
+    return options
+
+
+def main():
+    options = read_options()
+    outcome = {"machine": {}, "workloads": {}, "growth": {}}
+    if options.json and os.path.exists(options.json):
+        with open(options.json, encoding="utf-8") as file:
+            outcome = json.load(file)
+    kind, work, table = ("growth", measure_growth, tables.growth_table) if options.growth else (
+        "workloads", measure, tables.workload_table)
+    with tempfile.TemporaryDirectory(dir=options.folder) as folder:
+        outcome["machine"] = tables.machine(folder)
+        for name in options.workloads or WORKLOADS:
+            outcome[kind][name] = work(options.programs, folder, WORKLOADS[name], options)
+            print(table({name: outcome[kind][name]} if options.growth else outcome[kind][name]), flush=True)
+            if options.json:
+                with open(options.json, "w", encoding="utf-8") as file:
+                    json.dump(outcome, file, indent=1)
+    if options.page:
+        tables.write_page(options.page, outcome)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,97 @@
+"""What is measured: the workloads, their sizes, and the programs that do them."""
+from dataclasses import dataclass, field
+
+
+@dataclass
+class Program:
+    """One way of doing the work: a program of the build folder and its mode."""
+
+    name: str
+    binary: str
+    mode: str
+    source: str = ""  # the program that writes what this one reads; empty for a program that writes
+    read_back: str = ""  # how it reads again what it wrote; empty if its bytes are compared with the limit's
+    less: bool = False  # whether it gives less than the others, and so is no measure for them
+
+
+@dataclass
+class Workload:
+    title: str
+    operation: str
+    arguments: callable  # of the size
+    operations: callable  # of the size
+    programs: list
+    size: int
+    quick: int = 0  # the size for --quick; 0 is the same
+    counted: int = 0  # the size at which calls are counted; 0 is the same
+    suffix: str = ""
+    prepare: dict = field(default_factory=dict)  # the mode in which a source writes, if not "write"
+
+
+LIMIT, OURS = "limit", "VX-FileIO"
+
+
+def raw_writers():
+    return [
+        Program(LIMIT, "raw_write_limit", "write"),
+        Program(OURS, "raw_vx", "write"),
+        Program("HDF5, flushed", "raw_hdf5", "write", read_back="read"),
+        Program("HDF5", "raw_hdf5", "write-later", read_back="read", less=True),
+        Program("EDFlib", "raw_edf", "write", read_back="read", less=True),
+    ]
+
+
+def raw_readers(mode):
+    return [
+        Program(LIMIT, "raw_read_limit", mode, "raw_vx"),
+        Program(OURS, "raw_vx", mode, "raw_vx"),
+        Program("HDF5", "raw_hdf5", mode, "raw_hdf5"),
+        Program("EDFlib", "raw_edf", mode, "raw_edf"),
+    ]
+
+
+def raw(title, programs, samples, rounds, counted=24, delivered=54):
+    """Rounds of 54 segments, of which so many are delivered; calls are counted in one of so many rounds."""
+    return Workload(title, "segment", lambda n: [n, samples], lambda n: delivered * n, programs, rounds, rounds // 8,
+                    rounds // counted)
+
+
+def xml(kind, title, mode, times):
+    """A file, so often in one run; results are long enough for one."""
+    source = "" if mode == "write" else f"{kind}_vx"
+    peers = ["pugixml", "tinyxml2"] + (["expat"] if mode == "read" else [])
+    read_back = f"read-{kind}" if mode == "write" else ""
+    programs = [Program(LIMIT, f"{kind}_limit", mode, source), Program(OURS, f"{kind}_vx", mode, source)]
+    programs += [Program(peer, f"xml_{peer}", f"{mode}-{kind}", source, read_back) for peer in peers]
+    arguments = [times] if times > 1 else []
+    return Workload(title, "file", lambda n: [n, *arguments], lambda n: times, programs, 1, suffix=".xml")
+
+
+WORKLOADS = {
+    "write-20000": raw("54 wells written round robin, segments of 20,000 samples", raw_writers(), 20000, 246),
+    "write-1000": raw("54 wells written round robin, segments of 1,000 samples", raw_writers(), 1000, 1080),
+    "read-20000": raw("All wells read, segments of 20,000 samples", raw_readers("read"), 20000, 246),
+    "read-1000": raw("All wells read, segments of 1,000 samples", raw_readers("read"), 1000, 1080),
+    "one-20000": raw("One well of 54, first pass, segments of 20,000 samples", raw_readers("one"), 20000, 246, 24, 1),
+    "one-1000": raw("One well of 54, first pass, segments of 1,000 samples", raw_readers("one"), 1000, 1080, 24, 1),
+    "every-20000": raw("Every well in turn, segments of 20,000 samples", raw_readers("every"), 20000, 246, 96),
+    "every-1000": raw("Every well in turn, segments of 1,000 samples", raw_readers("every"), 1000, 1080, 96),
+    "open": Workload("A file of 10,000 recordings opened", "recording", lambda n: [n], lambda n: n, [
+        Program(LIMIT, "raw_open_limit", "open", "raw_vx"),
+        Program(OURS, "raw_vx", "open", "raw_vx"),
+        Program("HDF5", "raw_hdf5", "open", "raw_hdf5"),
+    ], 10000, 2000, 1000, prepare={"raw_vx": "headers", "raw_hdf5": "headers"}),
+    "results-write": xml("results", "A results file written", "write", 1),
+    "results-read": xml("results", "A results file read", "read", 1),
+    "settings-write": xml("settings", "A settings file written", "write", 100),
+    "settings-read": xml("settings", "A settings file read", "read", 100),
+    "workbook": Workload("A workbook of 65,000 x 12 doubles", "workbook", lambda n: [n], lambda n: 1, [
+        Program(LIMIT, "workbook_limit", "write"),
+        Program(OURS, "workbook_vx", "write"),
+        Program("libxlsxwriter", "workbook_xlsxwriter", "write", read_back="xlsx"),
+    ], 12, 3, 3, ".xls"),
+    "plate-export": Workload("A whole plate's export, 55 workbooks", "workbook", lambda n: [n], lambda n: 55, [
+        Program(LIMIT, "export_limit", "write"),
+        Program(OURS, "export_vx", "write"),
+    ], 2000, suffix=".xls"),
+}
