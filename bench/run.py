@@ -27,6 +27,7 @@ class Bench:
         self.programs = programs
         self.folder = os.path.join(folder, "files")
         self.workload = workload
+        self.bytes = 0  # of the file that the last program worked on
         self.available = [p for p in workload.programs if os.path.exists(os.path.join(programs, p.binary))]
 
     def path(self, owner):
@@ -51,15 +52,25 @@ class Bench:
         return path
 
     def measure(self, program, size, **how):
-        return self.run(program.binary, program.mode, self.file_of(program), size, **how)
+        path = self.file_of(program)
+        outcome = self.run(program.binary, program.mode, path, size, **how)
+        self.bytes = size_of(os.path.dirname(path))
+        return outcome
 
-    def prepare(self, size):
+    def time(self, program, size):
+        """Returns seconds and KiB. What was written goes at once, lest the system begins to carry it to the disk."""
+        measured = self.measure(program, size)[:2]
+        if not program.source:
+            shutil.rmtree(self.folder)
+        return measured
+
+    def prepare(self, size, check=True):
         """Leaves the files that are read, or checks what is written."""
         shutil.rmtree(self.folder, ignore_errors=True)
         for source in {p.source for p in self.available} - {""}:
             os.makedirs(os.path.dirname(self.path(source)))
             self.run(source, self.workload.prepare.get(source, "write"), self.path(source), size)
-        if self.workload.programs[0].source == "":
+        if check and not self.workload.programs[0].source:
             self.check_written(size)
 
     def check_written(self, size):
@@ -71,7 +82,6 @@ class Bench:
                 self.run(program.binary, program.read_back, self.path(program.name), size)
             elif program.name != LIMIT:
                 check_same_bytes(*(os.path.dirname(self.path(name)) for name in (LIMIT, program.name)))
-        self.size_on_disk = size_of(os.path.dirname(self.path(OURS)))
         shutil.rmtree(self.folder)
 
     def count_calls(self, program, size):
@@ -129,7 +139,7 @@ def measure(programs, folder, workload, options):
     runs = {program.name: [] for program in bench.available}
     for _ in range(options.rounds):
         for program in bench.available:
-            runs[program.name].append(bench.measure(program, size)[:2])
+            runs[program.name].append(bench.time(program, size))
     return {
         "title": workload.title, "operation": workload.operation, "operations": workload.operations(size),
         "rounds": options.rounds,
@@ -149,13 +159,12 @@ def measure_growth(programs, folder, workload, options):
         size = factor * options.scale * (options.quick and workload.quick or workload.size)
         bench = Bench(programs, folder, workload)
         bench.available = [p for p in bench.available if p.name in grown]
-        bench.prepare(size)
-        source = bench.available[0].source
-        mib = (size_of(os.path.dirname(bench.path(source))) if source else bench.size_on_disk) / (1 << 20)
-        runs = {p.name: [] for p in bench.available}
+        bench.prepare(size, check=factor == 1)
+        runs = {name: [] for name in grown}
         for _ in range(options.rounds):
             for program in bench.available:
-                runs[program.name].append(bench.measure(program, size)[0] / mib)
+                seconds = bench.time(program, size)[0]
+                runs[program.name].append(seconds / bench.bytes * (1 << 20))
         for name, seconds in runs.items():
             grown[name].append(statistics.median(seconds))
     return {"title": workload.title, "rounds": options.rounds, "secondsPerMiB": grown}
@@ -190,7 +199,8 @@ def main():
     kind, work, table = ("growth", measure_growth, tables.growth_table) if options.growth else (
         "workloads", measure, tables.workload_table)
     with tempfile.TemporaryDirectory(dir=options.folder) as folder:
-        outcome["machine"] = tables.machine(folder)
+        if not options.growth:
+            outcome["machine"] = tables.machine(folder)
         for name in options.workloads or WORKLOADS:
             outcome[kind][name] = work(options.programs, folder, WORKLOADS[name], options)
             print(table({name: outcome[kind][name]} if options.growth else outcome[kind][name]), flush=True)

@@ -24,12 +24,10 @@ def output_of(*command):
 def machine(folder):
     """What the numbers depend on."""
     memory = int(first_match("/proc/meminfo", r"^MemTotal:\s*(\d+)"))
-    source = os.path.dirname(os.path.abspath(__file__))
     versions = (output_of("dpkg-query", "-W", "-f", "${Version}", peer) for peer in PEERS)
     peers = [f"{peer.removeprefix('lib').removesuffix('-dev')} {version}" for peer, version in zip(PEERS, versions)]
     return {
         "Date": date.today().isoformat(),
-        "Commit": output_of("git", "-C", source, "describe", "--always", "--dirty"),
         "Processor": f"{first_match('/proc/cpuinfo', r'^model name.*: (.*)')}, {os.cpu_count()} cores",
         "Memory": f"{memory / (1 << 20):.0f} GiB",
         "System": f"{platform.system()} {platform.release().split('-')[0]}, "
