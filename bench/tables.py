@@ -31,7 +31,7 @@ def machine(folder):
         "Processor": f"{first_match('/proc/cpuinfo', r'^model name.*: (.*)')}, {os.cpu_count()} cores",
         "Memory": f"{memory / (1 << 20):.0f} GiB",
         "System": f"{platform.system()} {platform.release().split('-')[0]}, "
-                  f"{output_of('stat', '-f', '-c', '%T', folder)}, page cache",
+                  f"{output_of('findmnt', '-n', '-o', 'FSTYPE', '-T', folder)}",
         "Compiler": output_of("g++", "--version").split("\n")[0],
         "Peers": ", ".join(peers),
     }
@@ -74,6 +74,18 @@ def workload_table(outcome):
     return f"{title.replace(' 1 ' + operation + 's', ' 1 ' + operation)}\n\n{rows_to_text(rows)}\n"
 
 
+def losses_table(outcomes):
+    """Who is faster than the library, and what part of its time they take."""
+    rows = [["Workload", "Faster", "Part of our time"]]
+    for outcome in outcomes.values():
+        medians = {name: statistics.median(program["seconds"]) for name, program in outcome["programs"].items()}
+        for name, median in sorted(medians.items(), key=lambda item: item[1]):
+            if name not in (LIMIT, OURS) and median < medians[OURS]:
+                star = " *" if outcome["programs"][name]["less"] else ""
+                rows.append([outcome["title"], name + star, f"{median / medians[OURS]:.2f}"])
+    return rows_to_text(rows) + "\n"
+
+
 def growth_table(outcomes):
     rows = [["Workload", "Limit, 1", "4", "16", "VX-FileIO, 1", "4", "16"]]
     for outcome in outcomes.values():
@@ -88,7 +100,8 @@ def growth_table(outcomes):
 def write_page(path, outcome):
     """Puts each table between its markers: `<!-- table NAME -->` and `<!-- end -->`."""
     made = {name: workload_table(table) for name, table in outcome["workloads"].items()}
-    made["machine"] = rows_to_text([["", ""], *([key, value] for key, value in outcome["machine"].items())]) + "\n"
+    made["machine"] = "".join(f"- {key}: {value}\n" for key, value in outcome["machine"].items())
+    made["losses"] = losses_table(outcome["workloads"])
     if outcome["growth"]:
         made["growth"] = growth_table(outcome["growth"])
 

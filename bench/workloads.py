@@ -76,7 +76,7 @@ WORKLOADS = {
     "one-1000": raw("One well of 54, first pass, segments of 1,000 samples", raw_readers("one"), 1000, 1080, 24, 1),
     "every-20000": raw("Every well in turn, segments of 20,000 samples", raw_readers("every"), 20000, 246, 96),
     "every-1000": raw("Every well in turn, segments of 1,000 samples", raw_readers("every"), 1000, 1080, 96),
-    "open": Workload("A file of 10,000 recordings opened", "recording", lambda n: [n], lambda n: n, [
+    "open": Workload("A file of recordings opened", "recording", lambda n: [n], lambda n: n, [
         Program(LIMIT, "raw_open_limit", "open", "raw_vx"),
         Program(OURS, "raw_vx", "open", "raw_vx"),
         Program("HDF5", "raw_hdf5", "open", "raw_hdf5"),
@@ -85,7 +85,7 @@ WORKLOADS = {
     "results-read": xml("results", "A results file read", "read", 1),
     "settings-write": xml("settings", "A settings file written", "write", 100),
     "settings-read": xml("settings", "A settings file read", "read", 100),
-    "workbook": Workload("A workbook of 65,000 x 12 doubles", "workbook", lambda n: [n], lambda n: 1, [
+    "workbook": Workload("A workbook of 65,000 rows of doubles", "workbook", lambda n: [n], lambda n: 1, [
         Program(LIMIT, "workbook_limit", "write"),
         Program(OURS, "workbook_vx", "write"),
         Program("libxlsxwriter", "workbook_xlsxwriter", "write", read_back="xlsx"),
