@@ -127,14 +127,19 @@ def check_cells(path, columns):
         raise SystemExit(f"{path} holds other cells")
 
 
+def size_for(workload, options):
+    return options.scale * (workload.quick if options.quick and workload.quick else workload.size)
+
+
 def measure(programs, folder, workload, options):
     """Returns what a table tells: of each program its times, memory and calls."""
-    size = options.scale * (options.quick and workload.quick or workload.size)
+    size = size_for(workload, options)
     bench = Bench(programs, folder, workload)
     counted = {}
     if not options.no_counts:
-        bench.prepare(workload.counted or workload.size)
-        counted = {p.name: bench.count_calls(p, workload.counted or workload.size) for p in bench.available}
+        few = workload.counted or workload.size
+        bench.prepare(few)
+        counted = {program.name: bench.count_calls(program, few) for program in bench.available}
     bench.prepare(size)
     runs = {program.name: [] for program in bench.available}
     for _ in range(options.rounds):
@@ -156,7 +161,7 @@ def measure_growth(programs, folder, workload, options):
     """Returns the seconds that limit and library take for each MiB of their file, at 1, 4 and 16 times the size."""
     grown = {LIMIT: [], OURS: []}
     for factor in (1, 4, 16):
-        size = factor * options.scale * (options.quick and workload.quick or workload.size)
+        size = factor * size_for(workload, options)
         bench = Bench(programs, folder, workload)
         bench.available = [p for p in bench.available if p.name in grown]
         bench.prepare(size, check=factor == 1)
