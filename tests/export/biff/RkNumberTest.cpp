@@ -20,7 +20,7 @@ struct CCase {
 };
 
 TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
-    const std::array<CCase, 16> cases = {{{0.0, 0x00000000, 0.0},
+    const std::array<CCase, 17> cases = {{{0.0, 0x00000000, 0.0},
                                           {-0.0, 0x80000000, 0.0},
                                           {100.0, 0x40590000, 100.0},
                                           {1.5, 0x4062C001, 1.5},
@@ -31,6 +31,7 @@ TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
                                           {214748.0, 0x410A36E0, 214748.0},
                                           {-214748.0, 0xC10A36E0, -214748.0},
                                           {12.34005, 0x40934805, 12.3400390625},  // the fifth decimal isn't looked at
+                                          {1.1401, 0x405C80A1, 1.14009765625},    // times 10000: 11400.999999999998
                                           {5242.89, 0x41200001, 5242.88},         // 524289 doesn't fit 30 bits
                                           {0.0000999, 0x3F1A302C, 9.989994578063488e-05},
                                           {5368709.12, 0x41C00001, 5368709.12},  // 536870912 * 100 wraps to the mark
@@ -45,8 +46,8 @@ TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
 
 TEST(RkNumberTest, DoublesWithMoreToThemKeepTheirFullForm) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    for (const double value : {214749.0, -214749.0, 123456789.0, 153.2738, 0.0001, 1.0 / 3.0, 5368709.2, 1e300, -1e300,
-                               kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()})
+    for (const double value : {214749.0, -214749.0, 123456789.0, 153.2738, 0.0001, 1.0 / 3.0, 5368709.2, 18 * 0.3,
+                               1e300, -1e300, kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_FALSE(TwoDecimalTest(value)) << value;
 }
 

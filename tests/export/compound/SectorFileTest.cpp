@@ -133,6 +133,10 @@ TEST_F(SectorFileTest, WriteTellsThatTheFileCannotBeOpenedAgain) {
     EXPECT_FALSE(m_file.Write(1, BlockOf('b')));
     EXPECT_FALSE(m_file.IsOpen());
     EXPECT_EQ(ReadAll(newPath), std::string(512, 'a') + std::string(512, 'b'));
+#if defined(__linux__)
+    ASSERT_TRUE(m_file.Create("/dev/full"));
+    EXPECT_TRUE(m_file.Write(0, BlockOf('a')));
+#endif
 }
 
 }  // namespace
