@@ -95,13 +95,16 @@ TEST_F(ResultsExportTest, ResultsHaveABlockForEachResponse) {
 
 TEST_F(ResultsExportTest, AWellOfItsOwnHasItsBeatsAndAverages) {
     m_analyzer.AnalyzeSettings.clear();  // plays no part here
+    m_plate.SetWellState(9, PlateWell::kNew);
+    Well(0, 9).FPfastDetectionTimes = {1, 2, 3};  // exported first, and gone in the next workbook
+    m_plate.SetWellState(4, PlateWell::kNew + 1);
     Well(0, 5).FPfastDetectionTimes = {-5, 1234567890123};
     Well(1, 5).FPfastDetectionTimes = {7};
     Well(0, 5).Average = {9, 9, 9};  // none, as long as it has no count
     Well(1, 5).Average = {0.5, -0.000125, 0.25};
     Well(1, 5).AverageCount = 1;
     Export();
-    EXPECT_EQ(Files(), (std::set<std::string>{"run.xls", "run-B5.xls"}));
+    EXPECT_EQ(Files(), (std::set<std::string>{"run.xls", "run-B9.xls", "run-B5.xls"}));
     const WorkbookCells expected = {
         {"HB Time Stamps 0 0", "1500pM"}, {"HB Time Stamps 1 0", "-5"}, {"HB Time Stamps 2 0", "1.23456789012e+12"},
         {"HB Time Stamps 0 1", "1\xB5M"}, {"HB Time Stamps 1 1", "7"},  {"Averages 0 0", "Time"},
@@ -196,6 +199,7 @@ TEST_F(ResultsExportTest, WhatASheetHasNoRoomForIsLeftOut) {
         Well(recording, 5).AverageCount = 1;
         Well(recording, 5).AverageTick = std::numeric_limits<std::int64_t>::max();
     }
+    Well(254, 5).AverageTick = 1;  // the axis is that of the first average
     Export();
     const WorkbookCells cells = Cells("run-B5.xls");
     EXPECT_EQ(cells.at("HB Time Stamps 65535 0") + cells.at("HB Time Stamps 65535 255"), "11");
