@@ -1,0 +1,130 @@
+"""Plants small faults into a copy of the library, one at a time, and looks whether the tests notice.
+
+usage: mutate.py BUILD_FOLDER [WORD]
+
+The faults are in faults.txt beside this script; with a WORD, only those whose file or text has it. Each begins with a
+line "@ FILE"; lines with "-" are text that stands in that file exactly once, lines with "+" what comes in its place.
+A fault whose text doesn't stand there any more, or that doesn't compile, is an error: the list must be brought up to
+date. So is one that no test notices.
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has noticed it
+
+# The programs that look at a room, those most likely to notice first.
+PROGRAMS = {
+    "frame": ["frame_test", "rawdata_test", "settings_test"],
+    "helpers": ["helpers_test", "xmlarchive_test", "rawdata_test", "results_test"],
+    "rawdata": ["rawdata_test", "reference_test"],
+    "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test"],
+    "settings": ["settings_test", "reference_test", "results_test"],
+    "results": ["results_test", "reference_test"],
+    "export": ["export_test", "results_test"],
+}
+
+
+class Fault:
+    def __init__(self, file):
+        self.file, self.old, self.new = file, [], []
+
+    def __str__(self):
+        return "%s: %s -> %s" % (self.file, " ".join(self.old), " ".join(self.new) or "nothing")
+
+    def programs(self):
+        return PROGRAMS[self.file.split("/")[1]]
+
+    def plant(self, text):
+        old = "\n".join(self.old)
+        if text.count(old) != 1:
+            sys.exit("the text stands there %d times, not once: %s" % (text.count(old), self))
+        return text.replace(old, "\n".join(self.new))
+
+
+def read_faults(path):
+    faults = []
+    for line in path.read_text().splitlines():
+        if line.startswith("@ "):
+            faults.append(Fault(line[2:]))
+        elif line.startswith("- "):
+            faults[-1].old.append(line[2:])
+        elif line.startswith("+"):
+            faults[-1].new.append(line[2:])
+        elif line and not line.startswith("#"):
+            sys.exit("not a line of a fault: " + line)
+    return faults
+
+
+def run(*command):
+    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+
+
+def build(folder, programs):
+    return run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", *programs)
+
+
+def failing_program(folder, programs):
+    """Returns the first program that doesn't pass, or None."""
+    for program in programs:
+        command = [str(folder / "bin" / program), "--gtest_brief=1", "--gtest_fail_fast"]
+        try:
+            if subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=TIMEOUT).returncode:
+                return program
+        except subprocess.TimeoutExpired:
+            return program
+    return None
+
+
+def make_copy(folder, programs):
+    """Copies the sources and builds these tests, which must pass."""
+    shutil.rmtree(folder / "source", ignore_errors=True)
+    ignore = shutil.ignore_patterns("build", ".git")
+    shutil.copytree(ROOT, folder / "source", ignore=ignore)
+    configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
+                     "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
+    built = build(folder, programs)
+    if configured.returncode or built.returncode:
+        sys.exit(configured.stdout + built.stdout)
+    if failing_program(folder, programs):
+        sys.exit("the tests must pass before faults are planted")
+
+
+def is_noticed(folder, fault):
+    path = folder / "source" / fault.file
+    before = path.read_text()
+    programs = fault.programs()
+    path.write_text(fault.plant(before))
+    try:
+        built = build(folder, programs)
+        if built.returncode:
+            sys.exit("doesn't compile: %s\n%s" % (fault, built.stdout))
+        program = failing_program(folder, programs)
+        print("%-16s %s" % (program or "NOT NOTICED", fault), flush=True)
+        return program is not None
+    finally:
+        path.write_text(before)
+
+
+def main():
+    if len(sys.argv) not in (2, 3):
+        sys.exit(__doc__)
+    folder = pathlib.Path(sys.argv[1]).resolve()
+    if os.path.isdir("/dev/shm"):
+        os.environ["TMPDIR"] = "/dev/shm"  # files in memory: the tests take a tenth of the time
+    faults = read_faults(pathlib.Path(__file__).with_name("faults.txt"))
+    for fault in faults:
+        fault.plant((ROOT / fault.file).read_text())
+    chosen = [fault for fault in faults if sys.argv[2:] == [] or sys.argv[2] in str(fault)]
+    make_copy(folder, sorted({program for fault in chosen for program in fault.programs()}))
+    noticed = [is_noticed(folder, fault) for fault in chosen]
+    print("%d of %d faults noticed" % (sum(noticed), len(noticed)))
+    sys.exit(0 if all(noticed) and noticed else 1)
+
+
+if __name__ == "__main__":
+    main()
