@@ -59,7 +59,8 @@ std::string FollowLinks(std::string path) {
         const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
         if (size <= 0) break;
         const std::size_t folder = target[0] == '/' ? 0 : path.rfind('/') + 1;
-        path.replace(folder, std::string::npos, target.data(), static_cast<std::size_t>(size));
+        path.resize(folder);
+        path.append(target.data(), static_cast<std::size_t>(size));
     }
     return path;
 }
