@@ -10,7 +10,6 @@ date. So is one that no test notices.
 
 import os
 import pathlib
-import shutil
 import subprocess
 import sys
 
@@ -80,11 +79,23 @@ def failing_program(folder, programs):
     return None
 
 
+def update_copy(copy):
+    """Makes the copy equal to the sources, and touches only files that differ: what was planted last is built anew."""
+    tops = [top for top in ROOT.iterdir() if top.name not in ("build", ".git")]
+    files = {path.relative_to(ROOT) for top in tops for path in [top, *top.rglob("*")] if path.is_file()}
+    for name in files:
+        content = (ROOT / name).read_bytes()
+        if not (copy / name).is_file() or (copy / name).read_bytes() != content:
+            (copy / name).parent.mkdir(parents=True, exist_ok=True)
+            (copy / name).write_bytes(content)
+    for path in copy.rglob("*"):
+        if path.is_file() and path.relative_to(copy) not in files:
+            path.unlink()
+
+
 def make_copy(folder, programs):
     """Copies the sources and builds these tests, which must pass."""
-    shutil.rmtree(folder / "source", ignore_errors=True)
-    ignore = shutil.ignore_patterns("build", ".git")
-    shutil.copytree(ROOT, folder / "source", ignore=ignore)
+    update_copy(folder / "source")
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
                      "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
     built = build(folder, programs)
