@@ -103,7 +103,8 @@ void CopyReferences(const fs::path& folder, const fs::path& references) {
         const fs::path name = entry.path().filename();
         const std::string kind = name.extension().string();
         const std::string bytes = kind == ".vxd" || kind == ".vxs" || kind == ".vxr" ? ReadAll(entry.path()) : "";
-        if (kind == ".vxd") WriteSeed(folder / "raw" / name, bytes);
+        for (const char* target : {"raw", "vxfile_recover"})
+            if (kind == ".vxd") WriteSeed(folder / target / name, bytes);
         if (kind == ".vxs") WriteSeed(folder / "settings" / name, bytes);
         if (kind == ".vxr") WriteSeed(folder / "results" / name, bytes);
         if (kind != ".vxs" && kind != ".vxr") continue;

@@ -181,6 +181,11 @@ void Decode(std::string_view bytes, CRawDataFileHdr& header) { DecodeCells<kFile
 
 void Decode(std::string_view bytes, CSegmentHdr& header) { DecodeCells<kSegmentCells>(kNewestVersion, bytes, header); }
 
+bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
+    DecodeAllButChannels(bytes, version, header);
+    return DecodeChannels(ChannelBytes(bytes, version), header);
+}
+
 void DecodeAllButChannels(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
     DecodeCells<kRecordingCells, 0, kFirstChannelCell>(version, bytes, header);
 }

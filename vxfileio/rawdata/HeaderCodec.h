@@ -29,11 +29,14 @@ void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char>
 void Decode(std::string_view bytes, CRawDataFileHdr& header);
 void Decode(std::string_view bytes, CSegmentHdr& header);
 
-/// `version` is the file's own.
+/// `version` is the file's own. Returns false, with the header half set, if it claims more channels than any cell can
+/// list.
+bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header);
+
+/// The first half of that, which can't fail.
 void DecodeAllButChannels(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header);
 
-/// `bytes` are those of `ChannelBytes`. Returns false, with the channels half set, if they claim more of them than any
-/// cell can list.
+/// The other half; `bytes` are those of `ChannelBytes`.
 bool DecodeChannels(std::string_view bytes, CRawDataRecordingHdr& header);
 /// @}
 

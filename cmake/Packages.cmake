@@ -1,0 +1,43 @@
+# Packages of what is installed: three for Debian, or an archive for Windows. scripts/package makes and tries them.
+
+set(CPACK_PACKAGE_NAME vxfileio)
+set(CPACK_PACKAGE_CONTACT "VX-FileIO <vx-fileio@invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development tool)
+
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+  install(FILES LICENSE DESTINATION . COMPONENT library)
+else()
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_COMPONENTS_GROUPING IGNORE)
+  set(CPACK_DEB_COMPONENT_INSTALL ON)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR}/vxfileio)
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvxfileio${PROJECT_VERSION_MAJOR})
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/triggers)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvxfileio-dev)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+      "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_TOOL_PACKAGE_NAME vxfile)
+  set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION science)
+  set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The shared library.")
+  set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, the static library, and files for CMake and pkg-config.")
+  set(CPACK_COMPONENT_TOOL_DESCRIPTION "The program vxfile, which looks into the files, checks and saves them.")
+  # The loader learns of the library when it comes and when it goes.
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+  foreach(component IN ITEMS library development tool)
+    string(TOUPPER ${component} name)
+    install(FILES LICENSE RENAME copyright COMPONENT ${component}
+            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME})
+  endforeach()
+endif()
+
+include(CPack)

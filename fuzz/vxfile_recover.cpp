@@ -1,0 +1,59 @@
+#include <vxfileio/frame/VXFileIO.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <string>
+
+#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/recover/RecoverReport.h"
+
+namespace {
+
+/// A file in memory, where there is such a folder.
+std::string NameOf(const char* part) {
+    static const std::string folder = std::filesystem::exists("/dev/shm") ? "/dev/shm/" : "";
+    static const std::string number = std::to_string(std::hash<const void*>()(&folder) ^ std::random_device()());
+    return folder + "vxfile_recover_" + number + part;
+}
+
+/// Reads a recovered file to its end. Only a recording without segments may end in a failure.
+void ReadBack(const std::string& path) {
+    CVXFileIO io;
+    CIRawDataReader& reader = *io.GetRawDataReader();
+    reader.Open(path);
+    for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i) {
+        const CIndexEntry& entry = *reader.GetIndex()->GetEntry(i);
+        if (!reader.JumpToData(entry.TaskName, entry.Recording)) std::abort();
+        std::int32_t well = 0;
+        std::int64_t from = 0;
+        std::int64_t to = 0;
+        std::uint32_t size = 0;
+        std::uint16_t* samples = nullptr;
+        bool any = false;
+        try {
+            while (reader.ReadSegment(well, from, to, size, samples))
+                any = true;
+        } catch (const CExcVXReader&) {
+            if (any) std::abort();
+        }
+    }
+}
+
+}  // namespace
+
+/// Saves any bytes. Whatever comes out must be a file that the library reads to its end.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string in = NameOf(".in");
+    const std::string out = NameOf(".out");
+    std::ofstream(in, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    try {
+        vxfile::Recover(in, out, size % 2 == 1);
+        ReadBack(out);
+    } catch (const vxfile::CFailure&) {  // there was nothing to save
+    }
+    return 0;
+}

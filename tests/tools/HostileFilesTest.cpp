@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/vxfile/Program.h"
+
+namespace {
+
+const std::string kReference = VXFILEIO_REFERENCE_DIR "/";
+
+std::string ReadAll(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Runs the program on files with this content, and keeps what it prints.
+class VxfileOnHostileFiles : public testing::Test {
+ protected:
+    int Run(const std::string& bytes, const std::vector<std::string>& command) {
+        std::ofstream(m_path, std::ios::binary) << bytes;
+        std::vector<const char*> arguments = {"vxfile"};
+        for (const auto& argument : command)
+            arguments.push_back(argument.c_str());
+        arguments.push_back(m_path.c_str());
+        std::ostringstream out;
+        std::ostringstream err;
+        auto* const oldOut = std::cout.rdbuf(out.rdbuf());
+        auto* const oldErr = std::cerr.rdbuf(err.rdbuf());
+        const int status = vxfile::RunProgram(static_cast<int>(arguments.size()), arguments.data());
+        std::cout.rdbuf(oldOut);
+        std::cerr.rdbuf(oldErr);
+        m_out = out.str();
+        return status;
+    }
+
+    int Verify(const std::string& bytes) { return Run(bytes, {"verify", "--quiet"}); }
+
+    void TearDown() override { std::filesystem::remove(m_path); }
+
+    /// Runs all commands that read one file, and tells whether each came to an end with a status and a document.
+    void ExpectAnswers(const std::string& bytes, const std::string& original, const std::string& what) {
+        for (const std::vector<std::string>& command :
+             {std::vector<std::string>{"verify", "--json"}, {"info", "--json"}, {"diff", "--json", original}}) {
+            const int status = Run(bytes, command);
+            EXPECT_TRUE(status >= 0 && status <= 2) << what << ": " << command.front() << " gives " << status;
+            const bool isDocument = nlohmann::json::accept(m_out) || (m_out.empty() && status == 2);
+            EXPECT_TRUE(isDocument) << what << ": " << command.front() << " prints " << m_out;
+        }
+    }
+
+    std::string m_path = "vxfile_test_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::string m_out;
+};
+
+constexpr std::array kSoundFiles = {"small_example.vxd", "version_1.vxd",       "xml/settings.vxs",
+                                    "xml/results.vxr",   "workbooks/small.xls", "workbooks/empty.xls"};
+
+/// The other byte that a byte becomes: a letter another letter, a digit another digit.
+char Flipped(char c) { return static_cast<char>(c ^ 1); }
+
+/// Tells which bytes of a raw data file are no value: keys, `=`, padding and line ends. A byte right behind a value may
+/// as well belong to it.
+std::vector<std::size_t> FixedBytesOfRawData(const std::string& bytes) {
+    std::vector<std::size_t> fixed;
+    for (std::size_t cell = 0, end = bytes.find("\r\n"); end != std::string::npos;
+         cell = end + 2, end = bytes.find("\r\n", cell)) {
+        const std::size_t text = std::min(bytes.find('\0', cell), end);
+        const std::size_t value = std::min(bytes.find('=', cell), text);
+        for (std::size_t i = cell; i < end + 2; ++i) {
+            const bool isMarkEnd = cell == 0 && i == text;  // the mark may go on
+            if ((i <= value || i > text) && !isMarkEnd) fixed.push_back(i);
+        }
+    }
+    return fixed;
+}
+
+}  // namespace
+
+TEST_F(VxfileOnHostileFiles, AnswersToEveryKindOfDamage) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(kReference)) {
+        const std::string path = entry.path().string();
+        constexpr std::array<std::string_view, 4> kEndings = {".vxd", ".vxs", ".vxr", ".xls"};
+        if (std::ranges::find(kEndings, entry.path().extension().string()) == kEndings.end()) continue;
+        const std::string bytes = ReadAll(path);
+        const std::size_t step = bytes.size() / 60 + 1;
+        for (std::size_t at = 0; at < bytes.size(); at += step) {
+            ExpectAnswers(bytes.substr(0, at), path, path + " cut at " + std::to_string(at));
+            std::string flipped = bytes;
+            flipped[at] = Flipped(flipped[at]);
+            ExpectAnswers(flipped, path, path + " changed at " + std::to_string(at));
+        }
+    }
+}
+
+TEST_F(VxfileOnHostileFiles, FindsEveryCutOfASoundFile) {
+    for (const std::string name : kSoundFiles) {
+        const std::string bytes = ReadAll(kReference + name);
+        ASSERT_EQ(Verify(bytes), 0) << name;
+        for (std::size_t size = 0; size < bytes.size(); size += 7)
+            ASSERT_NE(Verify(bytes.substr(0, size)), 0) << name << " cut at " << size;
+    }
+}
+
+TEST_F(VxfileOnHostileFiles, FindsEveryChangeOfWhatRawDataFixes) {
+    const std::string bytes = ReadAll(kReference + "small_example.vxd");
+    constexpr std::size_t kHeaders = 3950;  // behind them stand samples
+    for (const std::size_t at : FixedBytesOfRawData(bytes.substr(0, kHeaders))) {
+        std::string changed = bytes;
+        changed[at] = Flipped(changed[at]);
+        ASSERT_NE(Verify(changed), 0) << "changed at " << at;
+    }
+    for (const std::string_view cell :
+         {"FPosFirstRecordingHdr=", "FPosRecordingData=", "FPosNextRecordingHdr=", "FPosNextSegmentHdr=",
+          "NumberOfWells=", "NumberOfAuxCh=", "CheckSum=", "\nType=", "\nID=", "Size="}) {
+        std::string changed = bytes;
+        const std::size_t value = changed.find(cell) + cell.size();
+        changed[value] = Flipped(changed[value]);
+        EXPECT_NE(Verify(changed), 0) << cell;
+    }
+}
+
+TEST_F(VxfileOnHostileFiles, FindsEveryChangeOfATag) {
+    for (const std::string name : {"xml/settings.vxs", "xml/results.vxr"}) {
+        const std::string bytes = ReadAll(kReference + name);
+        bool inTag = false;
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
+            inTag = bytes[at] == '<' || (inTag && bytes[at - 1] != '>');
+            if (!inTag) continue;
+            std::string changed = bytes;
+            changed[at] = Flipped(changed[at]);
+            ASSERT_NE(Verify(changed), 0) << name << " changed at " << at;
+        }
+    }
+}
+
+TEST_F(VxfileOnHostileFiles, FindsEveryChangeOfACompoundFile) {
+    const std::string bytes = ReadAll(kReference + "workbooks/small.xls");
+    constexpr std::size_t kTables = 3 * 512;  // header, FAT, directory
+    for (std::size_t at = 0; at < kTables; ++at) {
+        std::string changed = bytes;
+        changed[at] = Flipped(changed[at]);
+        ASSERT_NE(Verify(changed), 0) << "changed at " << at;
+    }
+}
+
+TEST_F(VxfileOnHostileFiles, EndsOnDocumentsThatNestWithoutEnd) {
+    std::string nested = "<Vexaprobe><Settings>";
+    for (int i = 0; i < 200000; ++i)
+        nested += "<a>";
+    ExpectAnswers(nested, kReference + "xml/settings.vxs", "nested elements");
+}

@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""Runs the console sessions of Markdown pages and compares what they print with what the pages say.
+
+    check_sessions.py [--update] FOLDER_OF_VXFILE PAGE...
+
+A session is a block that begins with ```console; its lines that begin with "$ " are commands, the others their output.
+They run in a folder of their own that has the files below. --update puts the real output into the pages.
+"""
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+REFERENCE = pathlib.Path(__file__).resolve().parent.parent / "reference"
+FILES = {
+    "run.vxd": "small_example.vxd",
+    "series.vxd": "version_1.vxd",
+    "cut.vxd": "unfinished.vxd",
+    "torn.vxd": "cut_samples.vxd",
+    "backwards.vxd": "backwards.vxd",
+    "circle.vxd": "circle_of_recordings.vxd",
+    "numbers.vxd": "foreign_numbers.vxd",
+    "run.vxs": "xml/settings.vxs",
+    "edited.vxs": "xml/settings_indented.vxs",
+    "run.vxr": "xml/results.vxr",
+    "shuffled.vxr": "xml/results_shuffled.vxr",
+    "small.xls": "workbooks/small.xls",
+    "other.txt": "small_example.txt",
+}
+
+
+def run(command, folder, programs):
+    environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", NO_COLOR="1", LC_ALL="C.UTF-8")
+    done = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, timeout=60)
+    return done.stdout.decode(errors="replace").replace("\r\n", "\n").splitlines()
+
+
+def play(lines, folder, programs):
+    """Returns the lines of a page with what its commands print now."""
+    played, in_session, output = [], False, None
+    for line in lines:
+        if in_session and (line.startswith("$ ") or line == "```") and output is not None:
+            played += output
+            output = None
+        if in_session and line.startswith("$ "):
+            output = run(line[2:], folder, programs)
+        if line == "```" or not in_session or line.startswith("$ ") or output is None:
+            played.append(line)
+        in_session = line == "```console" or (in_session and line != "```")
+    return played
+
+
+def main():
+    arguments = [a for a in sys.argv[1:] if a != "--update"]
+    programs, pages = pathlib.Path(arguments[0]).resolve(), arguments[1:]
+    wrong = 0
+    for page in pages:
+        said = pathlib.Path(page).read_text(encoding="utf-8").splitlines()
+        with tempfile.TemporaryDirectory() as folder:
+            for name, source in FILES.items():
+                shutil.copyfile(REFERENCE / source, pathlib.Path(folder) / name)
+            real = play(said, folder, programs)
+        commands = sum(line.startswith("$ ") for line in said)
+        if "--update" in sys.argv:
+            pathlib.Path(page).write_text("\n".join(real) + "\n", encoding="utf-8")
+        elif real != said or commands == 0:
+            wrong += 1
+            for number, (a, b) in enumerate(zip(said + [""] * len(real), real + [""] * len(said)), 1):
+                if a != b:
+                    print(f"{page}:{number}: the page says\n    {a}\nbut the program\n    {b}")
+                    break
+        print(f"{page}: {commands} commands")
+    return 1 if wrong else 0
+
+
+sys.exit(main())

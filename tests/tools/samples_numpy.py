@@ -1,0 +1,68 @@
+"""Holds what `vxfile samples` writes against an independent reader: numpy for arrays, the text twin for all samples.
+
+usage: samples_numpy.py VXFILE REFERENCE.vxd REFERENCE.txt
+"""
+
+import io
+import re
+import subprocess
+import sys
+import tempfile
+
+import numpy
+
+VXFILE, REFERENCE, TWIN = sys.argv[1:]
+
+
+def run(*options):
+    done = subprocess.run([VXFILE, "samples", REFERENCE, *options], capture_output=True, check=False)
+    assert done.returncode == 0, done.stderr
+    return done.stdout
+
+
+def twin_rows():
+    """Yields task, recording, well, time, sample and the value in units, as the twin tells them."""
+    task = number = None
+    wells = {}
+    for line in open(TWIN, encoding="latin-1"):
+        if line.startswith("recording"):
+            wells = {}
+        elif found := re.match(r' +TaskName: "(.*)"', line):
+            task = found[1]
+        elif found := re.match(r" +Recording: (.*)", line):
+            number = int(found[1])
+        elif found := re.match(r" +well (-?\d+): Ticks (\d+), UnitsPerAD (\S+), ADZero (-?\d+)", line):
+            wells[int(found[1])] = int(found[2]), float(found[3]), int(found[4])
+        elif found := re.match(r" +segment of well (-?\d+), (-?\d+) to -?\d+, \d+ samples: (.*)", line):
+            well, time = int(found[1]), int(found[2])
+            tick, units, zero = wells.get(well, (1, None, None))
+            for sample in map(int, found[3].split()):
+                yield task, number, well, time, sample, None if units is None else (sample - zero) * units
+                time += tick
+
+
+rows = list(twin_rows())
+assert len(rows) == 15, len(rows)
+
+expected = "task,recording,well,time,sample\n" + "".join(",".join(map(str, row[:5])) + "\n" for row in rows)
+assert run().decode() == expected
+assert run("--tsv").decode() == expected.replace(",", "\t")
+chosen = [row for row in rows if row[0] == "PreQC" and row[2] in (1, 2) and 50 <= row[3] <= 200]
+text = run("--task", "PreQC", "--well", "1,2", "--from", "50", "--to", "200", "--units").decode().splitlines()
+assert [line.split(",")[:4] for line in text[1:]] == [[str(item) for item in row[:4]] for row in chosen]
+assert [float(line.split(",")[4]) for line in text[1:]] == [row[5] for row in chosen]
+
+with tempfile.TemporaryDirectory() as folder:
+    run("--task", "PreQC", "--npy", "-o", folder + "/well-{well}.npy")
+    for well in 1, 2:
+        array = numpy.load(f"{folder}/well-{well}.npy")
+        assert array.dtype == numpy.dtype("<u2")
+        assert list(array) == [row[4] for row in rows if row[0] == "PreQC" and row[2] == well]
+    array = numpy.load(io.BytesIO(run("--task", "PreQC", "--well", "2", "--npy", "--units")))
+    assert list(array) == [row[5] for row in rows if row[0] == "PreQC" and row[2] == 2]
+    table = numpy.load(io.BytesIO(run("--npy", "--table")))
+    assert [tuple(item)[1:] for item in table.tolist()] == [(row[2], row[3], row[4]) for row in rows]
+    several = subprocess.run([VXFILE, "samples", REFERENCE, "--npy"], capture_output=True, check=False)
+    assert several.returncode == 2 and b"--well" in several.stderr, several
+
+print("samples agree with numpy and the twin")

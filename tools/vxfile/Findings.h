@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vxfile {
+
+/// One thing in a file that isn't as its format has it.
+struct CFinding {
+    std::string where;         ///< The way there in words: recording, segment and cell, or the path of an element.
+    std::int64_t offset = -1;  ///< Bytes from the start of the file; -1 if it has no place.
+    std::string found;         ///< What stands there.
+    std::string expected;      ///< What should.
+    std::string meaning;       ///< What that means for whoever reads the file.
+};
+
+/// All findings about one file. A damaged file may have millions; all are counted, the first ones kept.
+class CFindings {
+ public:
+    static constexpr std::size_t kMostKept = 1000;
+
+    void Add(CFinding finding);
+
+    /// Notes that no reader gets anything out of the file.
+    void MakeUnusable() { m_usable = false; }
+
+    std::size_t Count() const { return m_count; }
+    const std::vector<CFinding>& Kept() const { return m_kept; }
+
+    /// Returns `kSound`, `kFindings` or `kTrouble`.
+    int Status() const;
+
+ private:
+    std::vector<CFinding> m_kept;
+    std::size_t m_count = 0;
+    bool m_usable = true;
+};
+
+}  // namespace vxfile

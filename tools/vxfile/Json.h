@@ -1,0 +1,14 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+namespace vxfile {
+
+/// JSON with its members in the order in which they were put.
+using CJson = nlohmann::ordered_json;
+
+/// Prints the document that a command answers `--json` with: the program and its version, the command, and `files`.
+void PrintJson(std::string_view command, CJson files);
+
+}  // namespace vxfile

@@ -1,0 +1,77 @@
+#include "tools/vxfile/Page.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iostream>
+#include <string>
+
+#include "tools/vxfile/io/Style.h"
+#include "tools/vxfile/io/Text.h"
+
+namespace vxfile {
+
+namespace {
+
+/// So many rows fit on one screen beside all the rest.
+constexpr std::size_t kMostRows = 16;
+
+/// Returns how many characters a text in UTF-8 has.
+std::size_t Width(std::string_view text) {
+    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; };
+    return static_cast<std::size_t>(std::ranges::count_if(text, begins));
+}
+
+std::string Filled(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(width, Width(text)), ' ');
+}
+
+std::vector<std::size_t> WidthsOf(const std::vector<CPage::CRow>& table) {
+    std::vector<std::size_t> widths(table.front().size());
+    for (const auto& row : table) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], Width(row[i]));
+    }
+    return widths;
+}
+
+std::string LineOf(const CPage::CRow& row, const std::vector<std::size_t>& widths) {
+    std::string line = "  ";
+    for (std::size_t i = 0; i + 1 < row.size(); ++i)
+        line += Filled(row[i], widths[i] + 2);
+    return line + row.back();
+}
+
+void PrintTable(const std::vector<CPage::CRow>& table) {
+    const auto widths = WidthsOf(table);
+    std::cout << '\n' << Bold(LineOf(table.front(), widths)) << '\n';
+    const std::size_t rows = table.size() - 1;
+    const std::size_t shown = rows <= kMostRows ? rows : kMostRows - 1;
+    for (std::size_t i = 1; i <= shown; ++i)
+        std::cout << LineOf(table[i], widths) << '\n';
+    if (shown < rows) std::cout << "  and " << rows - shown << " more; --json lists them all\n";
+}
+
+}  // namespace
+
+void CPage::Add(std::string_view label, std::string_view key, const std::string& text, CJson value) {
+    m_lines.emplace_back(label, text);
+    m_json[std::string(key)] = std::move(value);
+}
+
+void CPage::AddText(std::string_view label, std::string_view key, std::string_view bytes) {
+    const std::string text = Readable(bytes);
+    if (!text.empty()) m_lines.emplace_back(label, text);
+    m_json[std::string(key)] = text;
+}
+
+void CPage::Print() const {
+    std::size_t width = 0;
+    for (const auto& [label, text] : m_lines)
+        width = std::max(width, Width(label));
+    for (const auto& [label, text] : m_lines)
+        std::cout << "  " << Filled(label, width + 2) << text << '\n';
+    if (m_table.size() > 1) PrintTable(m_table);
+    if (!m_remark.empty()) std::cout << "\n  " << m_remark << '\n';
+}
+
+}  // namespace vxfile

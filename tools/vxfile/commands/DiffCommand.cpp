@@ -1,0 +1,114 @@
+#include "tools/vxfile/commands/DiffCommand.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "tools/vxfile/Json.h"
+#include "tools/vxfile/diff/Differences.h"
+#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/io/FileKind.h"
+#include "tools/vxfile/io/Style.h"
+#include "tools/vxfile/io/Text.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "diff",
+    .purpose = "Tell how two files of one kind differ",
+    .details =
+        "Raw data files are compared header by header and sample by sample, settings and results element by "
+        "element, workbooks cell by cell. How the bytes are arranged makes no difference.",
+    .example = "vxfile diff run.vxd copy.vxd",
+    .statuses =
+        "  0  the files say the same\n"
+        "  1  they differ\n"
+        "  2  they can't be compared",
+};
+
+constexpr std::size_t kMostPrinted = 50;
+
+using CCompare = void (*)(const std::string&, const std::string&, CDifferences&);
+
+CCompare CompareFor(EFileKind kind) {
+    constexpr std::array<CCompare, 4> kCompares = {CompareRawData, CompareDocuments, CompareDocuments,
+                                                   CompareWorkbooks};
+    return kCompares[static_cast<std::size_t>(kind)];
+}
+
+class CDiffCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("LEFT", m_left, "One file")->required();
+        app.add_option("RIGHT", m_right, "The other")->required();
+        app.add_flag("--json", m_json, "Print a JSON document for programs");
+        app.add_flag("-q,--quiet", m_quiet, "Print nothing; the exit status tells the outcome");
+    }
+
+    int Run() override {
+        const EFileKind kind = Kind();
+        CDifferences differences;
+        CompareFor(kind)(m_left, m_right, differences);
+        if (m_json && !m_quiet) PrintDocument(kind, differences);
+        if (!m_json && !m_quiet) Print(differences);
+        return differences.Count() == 0 ? kSound : kFindings;
+    }
+
+ private:
+    EFileKind Kind() const {
+        const EFileKind left = FileKindOf(m_left);
+        const EFileKind right = FileKindOf(m_right);
+        if (left == EFileKind::Unknown || right == EFileKind::Unknown)
+            throw CFailure((left == EFileKind::Unknown ? m_left : m_right) +
+                           " is no file of this system; vxfile compares only those.");
+        if (left != right)
+            throw CFailure(m_left + " is a " + std::string(NameOf(left)) + ", " + m_right + " a " +
+                           std::string(NameOf(right)) + "; name two of one kind.");
+        return left;
+    }
+
+    static void Print(const CDifferences& differences) {
+        const auto& kept = differences.Kept();
+        for (const auto& difference : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
+            std::cout << Bold(Readable(difference.where)) << '\n';
+            if (!difference.left.empty()) std::cout << "  < " << Readable(difference.left) << '\n';
+            if (!difference.right.empty()) std::cout << "  > " << Readable(difference.right) << '\n';
+        }
+        if (differences.Count() > kMostPrinted)
+            std::cout << "and " << Counted(differences.Count() - kMostPrinted, "difference") << " more\n";
+    }
+
+    void PrintDocument(EFileKind kind, const CDifferences& differences) const {
+        CJson list = CJson::array();
+        for (const auto& difference : differences.Kept())
+            list.push_back({{"where", Readable(difference.where)},
+                            {"left", Readable(difference.left)},
+                            {"right", Readable(difference.right)}});
+        CJson files = CJson::array();
+        files.push_back({{"left", m_left},
+                         {"right", m_right},
+                         {"kind", WordOf(kind)},
+                         {"equal", differences.Count() == 0},
+                         {"differenceCount", differences.Count()},
+                         {"differences", std::move(list)}});
+        PrintJson(kText.name, std::move(files));
+    }
+
+    std::string m_left;
+    std::string m_right;
+    bool m_json = false;
+    bool m_quiet = false;
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeDiffCommand() { return std::make_unique<CDiffCommand>(); }
+
+}  // namespace vxfile

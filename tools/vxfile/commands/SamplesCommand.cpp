@@ -1,0 +1,91 @@
+#include "tools/vxfile/commands/SamplesCommand.h"
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tools/vxfile/io/Progress.h"
+#include "tools/vxfile/samples/SampleSink.h"
+#include "tools/vxfile/samples/SampleSource.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "samples",
+    .purpose = "Write samples as CSV, TSV or NPY",
+    .details =
+        "Takes the samples of a raw data file, or those of the tasks, recordings, wells and times that are "
+        "chosen, and writes them: as text with a line per sample (task, recording, well, time, sample), or as "
+        "arrays for numpy. With --units a sample is (sample - ADZero) * UnitsPerAD of its well. Times are "
+        "whole numbers of the instrument's time unit.",
+    .example = "vxfile samples run.vxd --task Series --well 11 --units --npy -o well11.npy",
+    .statuses =
+        "  0  all that was chosen is written\n"
+        "  1  written, but a chosen recording was never finished, and its samples are missing\n"
+        "  2  the file is damaged, or the options don't go together; no file is left",
+};
+
+class CSamplesCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("FILE", m_path, "The raw data file")->required();
+        const auto list = [&](const char* name, auto& values, const char* text) {
+            app.add_option(name, values, text)->delimiter(',')->allow_extra_args(false);
+        };
+        list("--task", m_choice.tasks, "Only recordings of this task; may be given more than once");
+        list("--recording", m_choice.recordings, "Only recordings with this number; likewise");
+        list("--well", m_choice.wells, "Only this well ID; likewise");
+        app.add_option("--from", m_choice.from, "Only samples of this time or later");
+        app.add_option("--to", m_choice.to, "Only samples of this time or earlier");
+        auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (this is the form if none is told)");
+        auto* const tsv = app.add_flag("--tsv", m_tsv, "Text with tabs")->excludes(csv);
+        auto* const npy = app.add_flag("--npy", m_npy, "An array per well, for numpy")->excludes(csv)->excludes(tsv);
+        app.add_flag("--table", m_table, "With --npy: one table of all, with recordings, wells and times")->needs(npy);
+        app.add_flag("--units", m_form.units, "In physical units instead of steps of the converter");
+        app.add_option("-o,--output", m_form.target,
+                       "Where to write; - is standard output. {well} in the name stands for the well ID");
+    }
+
+    int Run() override {
+        using enum CSampleForm::EKind;
+        m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArrays;
+        CSampleSource source(m_path, m_choice);
+        const auto sink = MakeSampleSink(m_form, source);
+        CProgress progress("Writing samples", source.Size());
+        source.ForEach([&](const CPiece& piece) {
+            std::int64_t time = piece.time;
+            source.Read(piece, [&](std::span<const std::uint16_t> samples) {
+                sink->Put(piece, time, samples);
+                time = piece.TimeBehind(time, samples.size());
+            });
+            progress.Reach(piece.position);
+        });
+        sink->Commit();
+        return TellUnfinished(source);
+    }
+
+ private:
+    static int TellUnfinished(const CSampleSource& source) {
+        for (const auto& name : source.Unfinished())
+            std::cerr << "vxfile: " << name << " was never finished; vxfile recover gives its samples.\n";
+        return source.Unfinished().empty() ? kSound : kFindings;
+    }
+
+    std::string m_path;
+    CSampleChoice m_choice;
+    CSampleForm m_form;
+    bool m_csv = false;  ///< What is taken anyway.
+    bool m_tsv = false;
+    bool m_npy = false;
+    bool m_table = false;
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeSamplesCommand() { return std::make_unique<CSamplesCommand>(); }
+
+}  // namespace vxfile

@@ -1,0 +1,177 @@
+#include "tools/vxfile/commands/VerifyCommand.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/Findings.h"
+#include "tools/vxfile/Json.h"
+#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/io/FileKind.h"
+#include "tools/vxfile/io/Style.h"
+#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "tools/vxfile/xml/XmlVerify.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "verify",
+    .purpose = "Check every byte that the format of a file fixes",
+    .details =
+        "Each finding says where it is, what stands there, what should, and what that means. The kind of a file "
+        "is told by its content. Of a folder, all files of known kinds are checked, those of its folders too. "
+        "Files are opened for reading only.",
+    .example = "vxfile verify run.vxd",
+    .statuses =
+        "  0  all files are sound\n"
+        "  1  all can be read, some with findings\n"
+        "  2  some can't be used, or weren't checked",
+};
+
+/// So many findings of one file are printed; JSON has all that were kept.
+constexpr std::size_t kMostPrinted = 50;
+
+/// One file and what was found.
+struct CVerdict {
+    std::string path;
+    EFileKind kind;
+    CFindings findings;
+};
+
+CFindings VerifyUnknown(const std::string& /*path*/) {
+    CFindings findings;
+    findings.Add({"file", 0, "no beginning that is known",
+                  "that of a raw data file, a settings file, a results file or a workbook",
+                  "It is a file of another kind, or its beginning is damaged."});
+    findings.MakeUnusable();
+    return findings;
+}
+
+CFindings VerifyKind(EFileKind kind, const std::string& path) {
+    constexpr std::array kVerify = {VerifyRawData, VerifySettings, VerifyResults, VerifyWorkbook, VerifyUnknown};
+    return kVerify[static_cast<std::size_t>(kind)](path);
+}
+
+std::string_view StatusWord(int status) {
+    constexpr std::array<std::string_view, 3> kWords = {"sound", "findings", "unusable"};
+    return kWords[static_cast<std::size_t>(status)];
+}
+
+std::string StatusText(const CFindings& findings) {
+    const std::string count = Counted(findings.Count(), "finding");
+    switch (findings.Status()) {
+        case kSound:
+            return Green("sound");
+        case kFindings:
+            return Yellow(count);
+        default:
+            return Red("not usable") + ", " + count;
+    }
+}
+
+void Print(const CVerdict& verdict) {
+    std::cout << verdict.path << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings) << '\n';
+    const auto& kept = verdict.findings.Kept();
+    for (const auto& finding : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
+        std::cout << "  " << Bold(finding.where);
+        if (finding.offset >= 0) std::cout << " (offset " << finding.offset << ')';
+        std::cout << "\n    stands:  " << finding.found << "\n    should:  " << finding.expected
+                  << "\n    meaning: " << finding.meaning << '\n';
+    }
+    if (verdict.findings.Count() > kMostPrinted)
+        std::cout << "  and " << verdict.findings.Count() - kMostPrinted << " more; --json tells up to "
+                  << CFindings::kMostKept << '\n';
+}
+
+CJson ToJson(const CVerdict& verdict) {
+    CJson findings = CJson::array();
+    for (const auto& finding : verdict.findings.Kept())
+        findings.push_back({{"where", finding.where},
+                            {"offset", finding.offset < 0 ? CJson() : CJson(finding.offset)},
+                            {"found", finding.found},
+                            {"expected", finding.expected},
+                            {"meaning", finding.meaning}});
+    return {{"path", verdict.path},
+            {"kind", WordOf(verdict.kind)},
+            {"status", StatusWord(verdict.findings.Status())},
+            {"findingCount", verdict.findings.Count()},
+            {"findings", std::move(findings)}};
+}
+
+/// Appends the files of a folder that are of a known kind, in the order of their names.
+void AddFolder(const std::string& folder, std::vector<std::string>& paths) {
+    std::vector<std::string> found;
+    using CWalk = std::filesystem::recursive_directory_iterator;
+    for (const auto& entry : CWalk(folder, std::filesystem::directory_options::skip_permission_denied)) {
+        const std::string path = entry.path().string();
+        if (entry.is_regular_file() && FileKindOf(path) != EFileKind::Unknown) found.push_back(path);
+    }
+    std::ranges::sort(found);
+    paths.insert(paths.end(), found.begin(), found.end());
+}
+
+class CVerifyCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("FILE", m_arguments, "Files, or folders of files")->required();
+        app.add_flag("--json", m_json, "Print a JSON document for programs");
+        app.add_flag("-q,--quiet", m_quiet, "Print nothing; the exit status tells the outcome");
+    }
+
+    int Run() override {
+        CJson files = CJson::array();
+        for (const auto& path : Paths()) {
+            const EFileKind kind = FileKindOf(path);
+            const CVerdict verdict{path, kind, VerifyKind(kind, path)};
+            const int status = verdict.findings.Status();
+            ++m_counts[static_cast<std::size_t>(status)];
+            if (m_json) files.push_back(ToJson(verdict));
+            if (!m_json && !m_quiet) Print(verdict);
+        }
+        if (m_json && !m_quiet) PrintJson(kText.name, std::move(files));
+        if (!m_json && !m_quiet) PrintSummary();
+        return m_counts[kTrouble] != 0 ? kTrouble : m_counts[kFindings] != 0 ? kFindings : kSound;
+    }
+
+ private:
+    std::vector<std::string> Paths() const {
+        std::vector<std::string> paths;
+        for (const auto& argument : m_arguments) {
+            if (std::filesystem::is_directory(argument)) {
+                AddFolder(argument, paths);
+            } else {
+                paths.push_back(argument);
+            }
+        }
+        if (paths.empty()) throw CFailure("No file of a known kind is there; name the files themselves.");
+        return paths;
+    }
+
+    void PrintSummary() const {
+        const std::size_t all = m_counts[0] + m_counts[1] + m_counts[2];
+        if (all < 2) return;
+        std::cout << all << " files: " << m_counts[kSound] << " sound, " << m_counts[kFindings] << " with findings, "
+                  << m_counts[kTrouble] << " not usable\n";
+    }
+
+    std::vector<std::string> m_arguments;
+    bool m_json = false;
+    bool m_quiet = false;
+    std::array<std::size_t, 3> m_counts{};  ///< Files by their status.
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeVerifyCommand() { return std::make_unique<CVerifyCommand>(); }
+
+}  // namespace vxfile

@@ -1,0 +1,130 @@
+#include "tools/vxfile/commands/WatchCommand.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <string>
+#include <thread>
+
+#include "tools/vxfile/io/Interrupt.h"
+#include "tools/vxfile/io/Terminal.h"
+#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/watch/GrowingFile.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "watch",
+    .purpose = "Follow a recording while it is being written",
+    .details =
+        "Tells each recording as it begins, and how it grows: wells, segments, samples, size and rate; on a "
+        "terminal in one line that is written again and again, elsewhere in a line each time. It ends when the "
+        "writer has closed the file. A writer that was killed never does: use --idle, or Ctrl-C.",
+    .example = "vxfile watch run.vxd --idle 60",
+    .statuses =
+        "  0  the file is finished\n"
+        "  1  nothing new has come for the time of --idle\n"
+        "  2  the file can't be watched",
+};
+
+using CClock = std::chrono::steady_clock;
+
+class CWatchCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("FILE", m_path, "The raw data file that is being written")->required();
+        app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
+            ->check(CLI::PositiveNumber);
+        app.add_option("--every", m_every, "Look after so many seconds (1, if not told)")
+            ->check(CLI::Range(0.01, 3600.0));
+    }
+
+    int Run() override {
+        CGrowingFile file(m_path);
+        m_onTerminal = IsOutputTerminal() && EnableColours();
+        auto lastNews = CClock::now();
+        auto lastLook = lastNews;
+        for (std::int64_t lastPosition = 0;;) {
+            const bool isNew = file.Look([&](const CRunningRecording& latest) { TellBegun(latest); });
+            const auto now = CClock::now();
+            const std::chrono::duration<double> passed = now - lastLook;
+            if (isNew && file.Latest() != nullptr) {
+                const auto bytes = static_cast<double>(file.Position() - lastPosition);
+                TellGrowth(file, lastPosition == 0 ? 0 : bytes / passed.count());
+            }
+            if (file.IsFinished()) return End(file, "The file is finished", kSound);
+            if (isNew) lastNews = now;
+            if (m_idle > 0 && now - lastNews >= std::chrono::duration<double>(m_idle))
+                return End(file, "Nothing new has come; its writer may be gone. vxfile recover saves what is there",
+                           kFindings);
+            lastPosition = file.Position();
+            lastLook = now;
+            Wait();
+        }
+    }
+
+ private:
+    /// Sleeps in short pieces, so that Ctrl-C doesn't have to wait.
+    void Wait() const {
+        const auto end = CClock::now() + std::chrono::duration<double>(m_every);
+        while (CClock::now() < end) {
+            CheckInterrupt();
+            std::this_thread::sleep_for(std::min<std::chrono::duration<double>>(end - CClock::now(), kStep));
+        }
+    }
+
+    static std::string Title(const CRunningRecording& recording) {
+        return "Recording " + std::to_string(recording.index + 1) + " (" + Readable(recording.header.TaskName) + ' ' +
+               std::to_string(recording.header.Recording) + ')';
+    }
+
+    void TellBegun(const CRunningRecording& latest) {
+        ClearLine();
+        std::cout << Title(latest) << " has begun, with " << Counted(latest.header.WellChannels.size(), "well")
+                  << std::endl;
+    }
+
+    void TellGrowth(const CGrowingFile& file, double bytesPerSecond) {
+        const CRunningRecording& latest = *file.Latest();
+        std::string line = Title(latest) + ": " + Counted(latest.wells.size(), "well") + ", " +
+                           Counted(latest.segments, "segment") + ", " + Counted(latest.samples, "sample") + ", file " +
+                           SizeText(file.Position());
+        if (bytesPerSecond > 0) line += ", " + SizeText(static_cast<std::int64_t>(bytesPerSecond)) + "/s";
+        if (!m_onTerminal) {
+            std::cout << line << std::endl;
+            return;
+        }
+        std::cout << '\r' << line.substr(0, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K" << std::flush;
+        m_hasLine = true;
+    }
+
+    int End(const CGrowingFile& file, const std::string& why, int status) {
+        if (m_hasLine) std::cout << '\n';
+        std::cout << why << ": " << Counted(file.Recordings(), "recording") << ", " << SizeText(file.Position()) << '.'
+                  << std::endl;
+        return status;
+    }
+
+    void ClearLine() {
+        if (m_hasLine) std::cout << "\r\033[K";
+        m_hasLine = false;
+    }
+
+    static constexpr auto kStep = std::chrono::milliseconds(50);
+
+    std::string m_path;
+    double m_idle = 0;
+    double m_every = 1;
+    bool m_onTerminal = false;
+    bool m_hasLine = false;  ///< A line stands on the terminal that is to be written again.
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeWatchCommand() { return std::make_unique<CWatchCommand>(); }
+
+}  // namespace vxfile

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vxfile {
+
+/// One place where two files differ. What only one of them has is empty in the other.
+struct CDifference {
+    std::string where;
+    std::string left;
+    std::string right;
+};
+
+/// How two files differ. All differences are counted, the first ones kept.
+class CDifferences {
+ public:
+    static constexpr std::size_t kMostKept = 1000;
+
+    void Add(CDifference difference) {
+        ++m_count;
+        if (m_kept.size() < kMostKept) m_kept.push_back(std::move(difference));
+    }
+
+    std::size_t Count() const { return m_count; }
+    const std::vector<CDifference>& Kept() const { return m_kept; }
+
+ private:
+    std::vector<CDifference> m_kept;
+    std::size_t m_count = 0;
+};
+
+/// What a file says at one place, such as a cell or an element. Places have names of their own.
+struct CLeaf {
+    std::string where;
+    std::string value;
+};
+
+/// Compares what two files say, place by place.
+void CompareLeaves(const std::vector<CLeaf>& left, const std::vector<CLeaf>& right, CDifferences& differences);
+
+/// @name Comparing two files of one kind
+/// Each throws `CFailure` if one of them can't be read.
+/// @{
+void CompareRawData(const std::string& left, const std::string& right, CDifferences& differences);
+void CompareDocuments(const std::string& left, const std::string& right, CDifferences& differences);
+void CompareWorkbooks(const std::string& left, const std::string& right, CDifferences& differences);
+/// @}
+
+}  // namespace vxfile

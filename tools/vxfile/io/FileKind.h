@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vxfile {
+
+/// What kind of file somebody has in hand.
+enum class EFileKind { RawData, Settings, Results, Workbook, Unknown };
+
+/// Tells the kind of a file by its content, whatever its name is. A file that is cut or damaged is still of its kind as
+/// long as its first bytes tell one; otherwise it is unknown. Throws `CFailure` if it can't be opened.
+EFileKind FileKindOf(const std::string& path);
+
+/// Returns what people call a file of this kind, such as "raw data file".
+std::string_view NameOf(EFileKind kind);
+
+/// Returns the word by which JSON tells it, such as "raw".
+std::string_view WordOf(EFileKind kind);
+
+}  // namespace vxfile

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace vxfile {
+
+/// A file that is there whole or not at all. It is written under another name beside its place and moved there when it
+/// is done; whatever ends the work before that removes it.
+class CWholeFile {
+ public:
+    /// Takes the name that the file will have. Throws `CFailure` if that is a folder, or a file and `replace` isn't
+    /// set. Nothing is created yet.
+    explicit CWholeFile(std::string path, bool replace = true);
+    ~CWholeFile();
+    CWholeFile(const CWholeFile&) = delete;
+    CWholeFile& operator=(const CWholeFile&) = delete;
+
+    /// The name to write to, in the same folder.
+    const std::string& WorkPath() const { return m_workPath; }
+    /// The name that the file will have.
+    const std::string& Path() const { return m_path; }
+
+    /// Moves the file to its place; whoever wrote it has closed it. Throws `CFailure` if that fails.
+    void Commit();
+
+ private:
+    std::string m_path;
+    std::string m_workPath;
+    bool m_committed = false;
+};
+
+/// Where the bytes of a command go: a file, or standard output for the path `-`. Everything is buffered, and every
+/// failure is a `CFailure`: a disk that is full never leaves a file that looks whole.
+class COutput {
+ public:
+    explicit COutput(const std::string& path);
+    ~COutput();
+    COutput(const COutput&) = delete;
+    COutput& operator=(const COutput&) = delete;
+
+    /// Writes behind what was written so far. Throws `CInterruption` if Ctrl-C was hit.
+    void Write(std::string_view text);
+    void Write(std::span<const std::byte> bytes);
+
+    /// Tells whether bytes can be written again: in a file, but not in a pipe.
+    bool CanRewrite() const { return m_file != nullptr; }
+    /// Replaces bytes at a position that has been written; the next `Write` goes on at the end all the same.
+    void Rewrite(std::int64_t position, std::span<const std::byte> bytes);
+
+    /// Ends the output; without it nothing is left of a file.
+    void Commit();
+
+ private:
+    void Check(bool good) const;
+
+    std::unique_ptr<CWholeFile> m_file;  ///< Null for standard output.
+    std::FILE* m_stream = nullptr;
+};
+
+}  // namespace vxfile

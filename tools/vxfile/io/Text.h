@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// @file
+/// Texts for people.
+
+namespace vxfile {
+
+/// Returns bytes in quotation marks: what can't be printed as `\n` or `\x00`, long ones cut by `...`.
+std::string Quoted(std::string_view bytes);
+
+/// Returns a text of a file as UTF-8 that is safe on a terminal. Files don't name their code page: what isn't UTF-8
+/// already is taken for Latin-1.
+std::string Readable(std::string_view bytes);
+
+/// Returns a count and its noun, such as "1 byte" or "2 bytes".
+std::string Counted(std::uint64_t count, std::string_view noun);
+
+/// Returns a size such as "4.2 KiB".
+std::string SizeText(std::int64_t bytes);
+
+/// Returns a dose of picomolar in the largest unit that takes it whole, such as "10 nM".
+std::string DoseWithUnit(std::uint64_t dose);
+
+/// Returns numbers with ", " between them; runs of neighbours are shortened to "11 - 34".
+std::string ListText(const std::vector<std::int32_t>& numbers);
+
+}  // namespace vxfile

@@ -1,0 +1,3 @@
+#include "tools/vxfile/Program.h"
+
+int main(int argc, char** argv) { return vxfile::RunProgram(argc, argv); }

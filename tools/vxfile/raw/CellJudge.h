@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tools/vxfile/Findings.h"
+
+/// @file
+/// The cells of a raw data file's headers, held against what the format fixes of them: key, value as it is written,
+/// padding, line end, and that lists are as long as they should be. What values mean together is judged elsewhere.
+
+namespace vxfile {
+
+/// The header whose cells are judged.
+struct CHeaderPlace {
+    std::string name;         ///< Such as "file header".
+    std::int64_t offset = 0;  ///< Where it stands.
+};
+
+/// @name Judging one header
+/// `bytes` is what the file has of it; a header that the end of the file cuts is one finding.
+/// @{
+void JudgeFileCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings);
+void JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place, CFindings& findings);
+void JudgeSegmentCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings);
+/// @}
+
+/// Tells whether the header of a segment is right to the byte. It is much faster than judging its cells.
+bool IsExactSegmentHdr(std::string_view bytes);
+
+}  // namespace vxfile

@@ -1,0 +1,209 @@
+#include "tools/vxfile/raw/RawInfo.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/io/Progress.h"
+#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/raw/RawScan.h"
+
+using vxfileio::rawdata::kUnset;
+
+namespace vxfile {
+
+namespace {
+
+/// Files up to this size have their samples counted in any case: it takes no time that anybody would notice.
+constexpr std::int64_t kSmallFile = std::int64_t{64} << 20;
+
+bool IsFinished(const CRecordingAt& recording) { return recording.header.FPosRecordingData != kUnset; }
+
+std::string DoseText(std::int64_t dose) {
+    return dose < 0 ? std::to_string(dose) + " pM" : DoseWithUnit(static_cast<std::uint64_t>(dose));
+}
+
+std::string DosesText(const std::vector<std::int64_t>& doses) {
+    std::string text;
+    for (const auto dose : doses)
+        text += (text.empty() ? "" : ", ") + DoseText(dose);
+    return text;
+}
+
+std::vector<std::int32_t> WellIDsOf(const CRecordingAt& recording) {
+    std::vector<std::int32_t> wellIDs;
+    for (const auto& well : recording.header.WellChannels)
+        wellIDs.push_back(well.ID);
+    return wellIDs;
+}
+
+/// Returns the one value that all channels have, or the least and the greatest.
+std::string IntervalText(const CRecordingAt& recording) {
+    const auto& wells = recording.header.WellChannels;
+    if (wells.empty()) return "";
+    const auto [least, most] = std::ranges::minmax(wells, {}, &CRawDataChannelInfo::Ticks);
+    const std::string text = std::to_string(least.Ticks);
+    return least.Ticks == most.Ticks ? text : text + " - " + std::to_string(most.Ticks);
+}
+
+CJson ChannelsJson(const std::vector<CRawDataChannelInfo>& channels) {
+    CJson list = CJson::array();
+    for (const auto& channel : channels)
+        list.push_back({{"id", channel.ID},
+                        {"interval", channel.Ticks},
+                        {"unitsPerAD", channel.UnitsPerAD},
+                        {"adZero", channel.ADZero}});
+    return list;
+}
+
+class CRawInfo {
+ public:
+    CRawInfo(const std::string& path, bool full)
+        : m_scan(path),
+          m_counts(full || m_scan.Size() <= kSmallFile),
+          m_budget(m_scan),
+          m_progress("Counting samples", m_scan.Size()) {}
+
+    CPage Tell() {
+        TellHeader();
+        TellRecordings();
+        if (m_scan.Break())
+            m_page.SetRemark(
+                "The chain of recordings is damaged; vxfile verify tells where, vxfile recover saves "
+                "what is whole.");
+        else if (!m_counts)
+            m_page.SetRemark("Segments and samples weren't counted; --full does.");
+        return std::move(m_page);
+    }
+
+ private:
+    void TellHeader();
+    void TellLists();
+    void TellRecordings();
+    void TellSummary();
+    CPage::CRow TellRecording(std::size_t index, CJson& list);
+    void CountSegments(const CRecordingAt& recording, CPage::CRow& row, CJson& json);
+
+    CRawScan m_scan;
+    bool m_counts;  ///< Whether segments are.
+    CSegmentBudget m_budget;
+    CProgress m_progress;
+    CPage m_page;
+};
+
+void CRawInfo::TellHeader() {
+    const CRawDataFileHdr& header = m_scan.Header();
+    m_page.AddText("Mark", "headerID", header.HeaderID);
+    m_page.AddText("File type", "fileType", header.FileType);
+    m_page.AddText("Program version", "programVersion", header.ProgramVersion);
+    m_page.Add("Format version", "fileVersion", std::to_string(header.FileVersion), header.FileVersion);
+    m_page.AddText("Guid", "guid", header.Guid);
+    m_page.AddText("Plate", "plateID", header.PlateID);
+    const std::string name = header.CompoundName.empty() ? "" : " (" + Readable(header.CompoundName) + ")";
+    m_page.Add("Compound", "compoundID", std::to_string(header.CompoundID) + name, header.CompoundID);
+    m_page.Json()["compoundName"] = Readable(header.CompoundName);
+    TellLists();
+}
+
+void CRawInfo::TellLists() {
+    const CRawDataFileHdr& header = m_scan.Header();
+    const auto tell = [&](const char* label, const char* key, const std::vector<std::int64_t>& doses) {
+        if (!doses.empty()) m_page.Add(label, key, DosesText(doses), doses);
+        m_page.Json()[key] = doses;
+    };
+    tell("PreQC doses", "preQC", header.PreQC);
+    tell("CompoundTest doses", "compoundTest", header.CompoundTest);
+    tell("PostQC doses", "postQC", header.PostQC);
+}
+
+void CRawInfo::TellRecordings() {
+    TellSummary();
+    CPage::CRow head = {"#", "Task", "Number", "Dose", "Wells", "Interval", "Length", "State"};
+    if (m_counts) head.insert(head.end() - 1, {"Segments", "Samples"});
+    std::vector<CPage::CRow> table = {head};
+    CJson list = CJson::array();
+    for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i)
+        table.push_back(TellRecording(i, list));
+    m_page.SetTable(std::move(table));
+    m_page.Json()["recordings"] = std::move(list);
+    m_page.Json()["chainDamaged"] = m_scan.Break().has_value();
+}
+
+void CRawInfo::TellSummary() {
+    const auto& recordings = m_scan.Recordings();
+    std::vector<std::string> tasks;
+    std::set<std::int32_t> wells;
+    std::string taskText;
+    for (const auto& recording : recordings) {
+        const std::string task = Readable(recording.header.TaskName);
+        if (std::ranges::find(tasks, task) == tasks.end()) tasks.push_back(task);
+        const auto wellIDs = WellIDsOf(recording);
+        wells.insert(wellIDs.begin(), wellIDs.end());
+    }
+    for (const auto& task : tasks)
+        taskText += (taskText.empty() ? "" : ", ") + task;
+    const bool finished = !recordings.empty() && IsFinished(recordings.back());
+    m_page.Add("Tasks", "tasks", taskText, tasks);
+    const std::vector<std::int32_t> wellIDs(wells.begin(), wells.end());
+    m_page.Add("Wells", "wells", std::to_string(wells.size()) + ": " + ListText(wellIDs), wellIDs);
+    std::string count = std::to_string(recordings.size());
+    if (!recordings.empty())
+        count += finished ? ", the last one finished" : ", the last one not finished: vxfile recover saves it";
+    m_page.Add("Recordings", "recordingCount", count, recordings.size());
+    m_page.Json()["lastFinished"] = finished;
+}
+
+CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
+    const CRecordingAt& recording = m_scan.Recordings()[index];
+    const CRawDataRecordingHdr& header = recording.header;
+    CJson json = {{"task", Readable(header.TaskName)},
+                  {"number", header.Recording},
+                  {"dose", header.Dose},
+                  {"offset", recording.position},
+                  {"startTime", header.RecordingStartTime},
+                  {"length", header.RecordingTime},
+                  {"finished", IsFinished(recording)},
+                  {"channels", ChannelsJson(header.WellChannels)},
+                  {"auxChannels", ChannelsJson(header.AuxChannels)}};
+    CPage::CRow row = {std::to_string(index + 1),
+                       Readable(header.TaskName),
+                       std::to_string(header.Recording),
+                       DoseText(header.Dose),
+                       std::to_string(header.WellChannels.size()),
+                       IntervalText(recording),
+                       std::to_string(header.RecordingTime),
+                       IsFinished(recording) ? "finished" : "not finished"};
+    if (m_counts) CountSegments(recording, row, json);
+    list.push_back(std::move(json));
+    return row;
+}
+
+/// Segments of an unfinished recording are those behind its header.
+void CRawInfo::CountSegments(const CRecordingAt& recording, CPage::CRow& row, CJson& json) {
+    CSegmentWalk walk = IsFinished(recording) ? SegmentsOf(m_scan, recording) : SegmentsBehind(m_scan, recording);
+    std::uint64_t segments = 0;
+    std::uint64_t samples = 0;
+    bool shared = false;  // its chain leads through segments of another one
+    while (const CSegmentAt* segment = walk.Next()) {
+        shared = !m_budget.Take();
+        if (shared) break;
+        ++segments;
+        const std::int64_t there = std::max<std::int64_t>(m_scan.Size() - segment->DataPosition(), 0) / 2;
+        samples += static_cast<std::uint64_t>(std::min<std::int64_t>(there, segment->Samples()));
+        m_progress.Reach(segment->position);
+    }
+    const bool damaged = walk.Break() || shared;
+    if (damaged && IsFinished(recording)) row.back() += ", damaged";
+    row.insert(row.end() - 1, {std::to_string(segments), std::to_string(samples)});
+    json["segments"] = segments;
+    json["samples"] = samples;
+    json["segmentsDamaged"] = damaged;
+}
+
+}  // namespace
+
+CPage InfoOfRawData(const std::string& path, bool full) { return CRawInfo(path, full).Tell(); }
+
+}  // namespace vxfile

@@ -1,0 +1,153 @@
+#include "tools/vxfile/raw/RawScan.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/io/OpenInput.h"
+#include "tools/vxfile/io/Text.h"
+#include "vxfileio/rawdata/HeaderCodec.h"
+
+using namespace vxfileio::rawdata;
+
+namespace vxfile {
+
+namespace {
+
+/// Segments up to this size are read as many as the window holds, longer ones by their headers alone: copying what
+/// nobody looks at would cost more than another call.
+constexpr std::int64_t kShortSegment = 8 << 10;
+constexpr std::size_t kWindowSize = std::size_t{128} << 10;
+
+constexpr auto kFirstRecordingCell = PlaceOf(kFileCells, "FPosFirstRecordingHdr");
+constexpr auto kNextRecordingCell = PlaceOf(kRecordingCells, "FPosNextRecordingHdr");
+constexpr auto kDataCell = PlaceOf(kRecordingCells, "FPosRecordingData");
+constexpr auto kNextSegmentCell = PlaceOf(kSegmentCells, "FPosNextSegmentHdr");
+
+/// Tells whether the first cell is whole and has the key that says what stands here.
+bool BeginsHeader(std::string_view bytes, const auto& cells) {
+    return bytes.size() >= cells.front().width && bytes.starts_with(cells.front().key);
+}
+
+/// Decodes what is there of a header, with zeros behind the end of the file, as the library's reader does.
+std::string Padded(std::string_view bytes, std::size_t size) {
+    std::string padded(bytes);
+    padded.resize(size);
+    return padded;
+}
+
+}  // namespace
+
+CRawScan::CRawScan(const std::string& path) {
+    OpenInput(m_file, path);
+    m_size = m_file.Size();
+    const std::string bytes = ReadBytes(0, kFileHdrSize);
+    if (bytes.size() < kFileCells.front().width || !bytes.starts_with(kFileTypeText))
+        throw CFailure(path + " doesn't begin as a raw data file does; vxfile info tells what it is.");
+    Decode(Padded(bytes, kFileHdrSize), m_header);
+    WalkRecordings();
+}
+
+std::int64_t CRawScan::RecordingHdrSize() const {
+    return static_cast<std::int64_t>(SizeOf(kRecordingCells, m_header.FileVersion));
+}
+
+std::string CRawScan::ReadBytes(std::int64_t position, std::size_t size) const {
+    std::string bytes(size, '\0');
+    bytes.resize(m_file.ReadUpTo(position, std::as_writable_bytes(std::span(bytes))));
+    return bytes;
+}
+
+/// Appends the recording at the position, or returns why there is none.
+std::optional<CChainBreak::EReason> CRawScan::ReadRecording(std::int64_t position) {
+    if (position < 0 || position >= m_size) return CChainBreak::EReason::Nowhere;
+    const std::string bytes = ReadBytes(position, static_cast<std::size_t>(RecordingHdrSize()));
+    if (!BeginsHeader(bytes, kRecordingCells)) return CChainBreak::EReason::NoHeader;
+    CRecordingAt recording{position, {}};
+    if (!Decode(Padded(bytes, kRecordingHdrSize), m_header.FileVersion, recording.header))
+        return CChainBreak::EReason::TooManyChannels;
+    m_recordings.push_back(std::move(recording));
+    return std::nullopt;
+}
+
+void CRawScan::WalkRecordings() {
+    CChainGuard guard(m_file, static_cast<std::size_t>(RecordingHdrSize()));
+    std::int64_t next = m_header.FPosFirstRecordingHdr;
+    auto cell = static_cast<std::int64_t>(kFirstRecordingCell.offset);
+    while (next != kUnset && !m_break) {
+        const auto reason = guard.Admits(next) ? ReadRecording(next) : CChainBreak::EReason::Circle;
+        if (reason) {
+            m_break = CChainBreak{*reason, next, cell};
+        } else {
+            cell = next + static_cast<std::int64_t>(kNextRecordingCell.offset);
+            next = m_recordings.back().header.FPosNextRecordingHdr;
+        }
+    }
+}
+
+CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell)
+    : m_scan(scan), m_guard(scan.File(), kSegmentHdrSize), m_next(first), m_cell(cell), m_window(kWindowSize) {}
+
+const CSegmentAt* CSegmentWalk::Next() {
+    using enum CChainBreak::EReason;
+    if (m_next == kUnset || m_break) return nullptr;
+    const auto breakOff = [&](CChainBreak::EReason reason) {
+        m_break = CChainBreak{reason, m_next, m_cell};
+        return nullptr;
+    };
+    if (m_next < 0 || m_next >= m_scan.Size()) return breakOff(Nowhere);
+    if (!m_guard.Admits(m_next)) return breakOff(Circle);
+    const std::string_view bytes = HeaderBytes(m_next);
+    if (!BeginsHeader(bytes, kSegmentCells)) return breakOff(NoHeader);
+
+    m_segment.position = m_next;
+    m_segment.bytes = bytes;
+    m_segment.header = {};
+    if (bytes.size() == kSegmentHdrSize) {
+        Decode(bytes, m_segment.header);
+    } else {
+        Decode(Padded(bytes, kSegmentHdrSize), m_segment.header);
+    }
+    m_segmentBytes = m_segment.End() - m_next;
+    m_cell = m_next + static_cast<std::int64_t>(kNextSegmentCell.offset);
+    m_next = m_segment.header.FPosNextSegmentHdr;
+    return &m_segment;
+}
+
+std::string_view CSegmentWalk::HeaderBytes(std::int64_t position) {
+    const auto windowEnd = m_windowStart + static_cast<std::int64_t>(m_windowSize);
+    if (position < m_windowStart || position + std::int64_t{kSegmentHdrSize} > windowEnd) {
+        const bool isShort = m_segmentBytes != 0 && m_segmentBytes <= kShortSegment;
+        const auto room = std::span(m_window).first(isShort ? kWindowSize : kSegmentHdrSize);
+        m_windowStart = position;
+        m_windowSize = m_scan.File().ReadUpTo(position, std::as_writable_bytes(room));
+    }
+    const auto offset = static_cast<std::size_t>(position - m_windowStart);
+    return std::string_view(m_window.data(), m_windowSize).substr(offset, kSegmentHdrSize);
+}
+
+CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {
+    const std::int64_t cell = recording.position + static_cast<std::int64_t>(kDataCell.offset);
+    const std::int64_t first = IsWithoutSegments(scan, recording) ? kUnset : recording.header.FPosRecordingData;
+    return {scan, first, cell};
+}
+
+CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording) {
+    const std::int64_t first = scan.DataPosition(recording);
+    const bool found = BeginsHeader(scan.ReadBytes(first, kSegmentHdrSize), kSegmentCells);
+    return {scan, found ? first : kUnset, first};
+}
+
+bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording) {
+    const std::int64_t first = recording.header.FPosRecordingData;
+    const bool leadsBehind = first == recording.header.FPosNextRecordingHdr || first == scan.Size();
+    return leadsBehind && first >= 0 && !BeginsHeader(scan.ReadBytes(first, kSegmentHdrSize), kSegmentCells);
+}
+
+std::string NameOf(const CRecordingAt& recording, std::size_t index) {
+    return "recording " + std::to_string(index + 1) + " (" + Readable(recording.header.TaskName) + ' ' +
+           std::to_string(recording.header.Recording) + ')';
+}
+
+}  // namespace vxfile

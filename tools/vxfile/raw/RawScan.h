@@ -1,0 +1,137 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/rawdata/ChainGuard.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/RawDataHeaders.h"
+
+/// @file
+/// Raw data files for whoever looks at damage, too: what the library's reader refuses as a whole is told here as far
+/// as it can be read, and where it breaks off. Only headers are read, never samples.
+
+namespace vxfile {
+
+/// Where and why a chain of positions leads no further.
+struct CChainBreak {
+    enum class EReason { Nowhere, NoHeader, TooManyChannels, Circle };
+
+    EReason reason;
+    std::int64_t position;  ///< What the cell says that should have led on.
+    std::int64_t cell;      ///< Where that cell stands.
+};
+
+/// One recording and where its header stands.
+struct CRecordingAt {
+    std::int64_t position = 0;
+    CRawDataRecordingHdr header;
+};
+
+/// One segment and where its header stands.
+struct CSegmentAt {
+    std::int64_t position = 0;
+    vxfileio::rawdata::CSegmentHdr header;
+    std::string_view bytes;  ///< Of the header, as far as the file has them; valid until the next segment.
+
+    std::int64_t DataPosition() const { return position + std::int64_t{vxfileio::rawdata::kSegmentHdrSize}; }
+    /// Returns the number of samples as every reader takes it: within 32 bits.
+    std::uint32_t Samples() const { return static_cast<std::uint32_t>(header.Size); }
+    /// Returns where the samples end; the file may end earlier.
+    std::int64_t End() const { return DataPosition() + std::int64_t{Samples()} * 2; }
+};
+
+/// A file and what its headers tell. Opening it walks the recordings and no segment.
+class CRawScan {
+ public:
+    /// Throws `CFailure` if the file can't be opened or hasn't the mark of a raw data file.
+    explicit CRawScan(const std::string& path);
+
+    const vxfileio::CFile& File() const { return m_file; }
+    /// The size of the file as it was opened.
+    std::int64_t Size() const { return m_size; }
+    const CRawDataFileHdr& Header() const { return m_header; }
+    /// All recordings that the chain leads to, in its order.
+    const std::vector<CRecordingAt>& Recordings() const { return m_recordings; }
+    /// Why there are no more recordings; nothing if the chain ends as it should.
+    const std::optional<CChainBreak>& Break() const { return m_break; }
+
+    /// The bytes of a recording header in this file's version.
+    std::int64_t RecordingHdrSize() const;
+    /// Where the header of a recording ends, and its first segment stands if it has one.
+    std::int64_t DataPosition(const CRecordingAt& recording) const { return recording.position + RecordingHdrSize(); }
+
+    /// Reads up to `size` bytes; fewer at the end of the file.
+    std::string ReadBytes(std::int64_t position, std::size_t size) const;
+
+ private:
+    std::optional<CChainBreak::EReason> ReadRecording(std::int64_t position);
+    void WalkRecordings();
+
+    vxfileio::CFile m_file;
+    std::int64_t m_size = 0;
+    CRawDataFileHdr m_header;
+    std::vector<CRecordingAt> m_recordings;
+    std::optional<CChainBreak> m_break;
+};
+
+/// Walks one chain of segments. Short segments come many at a time, of long ones only the header is read.
+class CSegmentWalk {
+ public:
+    /// `first` is the position that leads to the chain, told by the cell at `cell`.
+    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell);
+
+    /// Goes to the next segment. Returns null at the end of the chain or where it breaks. The segment is valid until
+    /// the next call.
+    const CSegmentAt* Next();
+
+    /// Why there are no more segments; nothing if the chain ends as it should.
+    const std::optional<CChainBreak>& Break() const { return m_break; }
+
+ private:
+    std::string_view HeaderBytes(std::int64_t position);
+
+    const CRawScan& m_scan;
+    vxfileio::rawdata::CChainGuard m_guard;
+    std::int64_t m_next;
+    std::int64_t m_cell;
+    CSegmentAt m_segment;
+    std::optional<CChainBreak> m_break;
+    std::vector<char> m_window;       ///< Bytes of the file.
+    std::int64_t m_windowStart = 0;   ///< Where they stand in it.
+    std::size_t m_windowSize = 0;     ///< How many there are.
+    std::int64_t m_segmentBytes = 0;  ///< Of the segment before, header and samples.
+};
+
+/// Counts the segments of all recordings together. A file has room for so many and no more: where damage makes chains
+/// share segments, whoever walks them all stops in time.
+class CSegmentBudget {
+ public:
+    explicit CSegmentBudget(const CRawScan& scan)
+        : m_left(scan.Size() / std::int64_t{vxfileio::rawdata::kSegmentHdrSize} + 1) {}
+
+    /// Counts one more segment. Returns false if the file can't have that many.
+    bool Take() { return m_left-- > 0; }
+
+ private:
+    std::int64_t m_left;
+};
+
+/// Returns the walk along a recording's own chain; it has no segment if the recording isn't finished.
+CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording);
+
+/// Returns the walk along the segments that stand behind the header of an unfinished recording.
+CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording);
+
+/// Tells whether a finished recording has no segments: its position leads to what follows it, not to a segment.
+bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording);
+
+/// Returns a recording as people name it, such as `recording 2 (Series 1)`; `index` counts from 0.
+std::string NameOf(const CRecordingAt& recording, std::size_t index);
+
+}  // namespace vxfile

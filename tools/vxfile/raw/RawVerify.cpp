@@ -1,0 +1,308 @@
+#include "tools/vxfile/raw/RawVerify.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "tools/vxfile/io/Progress.h"
+#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/raw/CellJudge.h"
+#include "tools/vxfile/raw/Coverage.h"
+#include "tools/vxfile/raw/RawScan.h"
+
+using namespace vxfileio::rawdata;
+
+namespace vxfile {
+
+namespace {
+
+constexpr std::int64_t OffsetOf(const CCellPlace& place) { return static_cast<std::int64_t>(place.offset); }
+
+constexpr std::int64_t kFirstRecordingCell = OffsetOf(PlaceOf(kFileCells, "FPosFirstRecordingHdr"));
+constexpr std::int64_t kDataCell = OffsetOf(PlaceOf(kRecordingCells, "FPosRecordingData"));
+constexpr std::int64_t kTrailerCell = OffsetOf(PlaceOf(kRecordingCells, "FPosRecordingTrailer"));
+constexpr std::int64_t kNextRecordingCell = OffsetOf(PlaceOf(kRecordingCells, "FPosNextRecordingHdr"));
+constexpr std::int64_t kTicksCell = OffsetOf(PlaceOf(kRecordingCells, "Ticks"));
+constexpr std::int64_t kWellIDsCell = OffsetOf(PlaceOf(kRecordingCells, "WellIDs"));
+constexpr std::int64_t kSegmentIDCell = OffsetOf(PlaceOf(kSegmentCells, "ID"));
+constexpr std::int64_t kNextSegmentCell = OffsetOf(PlaceOf(kSegmentCells, "FPosNextSegmentHdr"));
+constexpr std::int64_t kTimeToCell = OffsetOf(PlaceOf(kSegmentCells, "TimeTo"));
+constexpr std::int64_t kSizeCell = OffsetOf(PlaceOf(kSegmentCells, "Size"));
+
+std::string Text(std::int64_t number) { return std::to_string(number); }
+
+std::string NameOfSegment(const std::string& recording, std::size_t index, const CSegmentAt& segment) {
+    return recording + " > segment " + std::to_string(index + 1) + " (well " + Text(segment.header.ID) + ")";
+}
+
+/// Returns how many samples lie between the times; nothing where that can't be told.
+std::optional<std::uint64_t> SamplesBetween(std::int64_t from, std::int64_t to, std::int64_t tick) {
+    if (tick <= 0 || to < from) return std::nullopt;
+    return (static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from)) / static_cast<std::uint64_t>(tick) + 1;
+}
+
+/// What was found along one chain of segments.
+struct CChainSum {
+    std::size_t segments = 0;
+    std::uint64_t samples = 0;
+    std::set<std::int32_t> wells = {};
+    std::int64_t end = 0;  ///< Where the last segment ends.
+};
+
+class CRawVerifier {
+ public:
+    explicit CRawVerifier(const std::string& path)
+        : m_scan(path), m_progress("Checking " + path, m_scan.Size()), m_budget(m_scan) {}
+
+    CFindings Verify() {
+        JudgeFileHdr();
+        for (std::size_t index = 0; index < m_scan.Recordings().size(); ++index)
+            JudgeRecording(index);
+        if (m_scan.Break()) JudgeBreakOfRecordings(*m_scan.Break());
+        JudgeCoverage();
+        return std::move(m_findings);
+    }
+
+ private:
+    void Add(std::string where, std::int64_t offset, std::string found, std::string expected, std::string meaning) {
+        m_findings.Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
+    }
+
+    /// Returns where a cell stands in this file's recording headers, by its place in the newest ones. It is one of
+    /// those behind the cell that older ones don't have.
+    std::int64_t CellOffset(std::int64_t newest) const {
+        return newest - (std::int64_t{kRecordingHdrSize} - m_scan.RecordingHdrSize());
+    }
+    bool IsInFile(std::int64_t position) const { return position >= 0 && position < m_scan.Size(); }
+
+    void JudgeFileHdr();
+    void JudgeRecording(std::size_t index);
+    void JudgePositions(const CRecordingAt& recording, const std::string& name);
+    void JudgeWells(const CRecordingAt& recording, const std::string& name);
+    void JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end);
+    void JudgeUnfinished(const CRecordingAt& recording, const std::string& name);
+    CChainSum JudgeSegments(CSegmentWalk walk, const CRecordingAt& recording, const std::string& name);
+    void JudgeSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index);
+    void JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index);
+    void JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index);
+    void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
+                    const std::string& meaning);
+    void JudgeBreakOfRecordings(const CChainBreak& chainBreak);
+    void JudgeCoverage();
+
+    CRawScan m_scan;
+    CProgress m_progress;
+    CFindings m_findings;
+    CCoverage m_coverage;
+    std::map<std::int32_t, std::int64_t> m_ticks;  ///< Sample interval of each well of the recording at hand.
+    CSegmentBudget m_budget;
+    bool m_circle = false;  ///< Something is passed more than once, so overlaps say nothing.
+};
+
+void CRawVerifier::JudgeFileHdr() {
+    const std::string name = "file header";
+    JudgeFileCells(m_scan.ReadBytes(0, kFileHdrSize), {name, 0}, m_findings);
+    m_coverage.Add({0, std::int64_t{kFileHdrSize}});
+    const std::int64_t first = m_scan.Header().FPosFirstRecordingHdr;
+    if (first == kUnset) {
+        Add(name + " > FPosFirstRecordingHdr", kFirstRecordingCell, "-1", "the position of the first recording",
+            "The file holds no recording; readers refuse it as empty.");
+        m_findings.MakeUnusable();
+    } else if (first != std::int64_t{kFileHdrSize} && !m_scan.Recordings().empty()) {
+        Add(name + " > FPosFirstRecordingHdr", kFirstRecordingCell, Text(first), Text(std::int64_t{kFileHdrSize}),
+            "Recordings don't begin where writers put them; readers follow the position all the same.");
+    }
+}
+
+void CRawVerifier::JudgeRecording(std::size_t index) {
+    const CRecordingAt& recording = m_scan.Recordings()[index];
+    const std::string name = NameOf(recording, index);
+    const auto size = static_cast<std::size_t>(m_scan.RecordingHdrSize());
+    JudgeRecordingCells(m_scan.ReadBytes(recording.position, size), m_scan.Header().FileVersion,
+                        {name, recording.position}, m_findings);
+    m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
+    m_progress.Reach(recording.position);
+    JudgeWells(recording, name);
+    if (recording.header.FPosRecordingData == kUnset) return JudgeUnfinished(recording, name);
+    JudgePositions(recording, name);
+    const CChainSum sum = JudgeSegments(SegmentsOf(m_scan, recording), recording, name);
+    JudgeNextRecording(recording, name, sum.end);
+}
+
+void CRawVerifier::JudgePositions(const CRecordingAt& recording, const std::string& name) {
+    const std::int64_t behind = m_scan.DataPosition(recording);
+    if (recording.header.FPosRecordingData != behind && IsInFile(recording.header.FPosRecordingData))
+        Add(name + " > FPosRecordingData", recording.position + kDataCell, Text(recording.header.FPosRecordingData),
+            Text(behind) + ", right behind the header",
+            "The segments don't begin where writers put them; readers follow the position all the same.");
+    if (recording.header.FPosRecordingTrailer != kUnset)
+        Add(name + " > FPosRecordingTrailer", recording.position + kTrailerCell,
+            Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers don't look at it.");
+}
+
+void CRawVerifier::JudgeWells(const CRecordingAt& recording, const std::string& name) {
+    m_ticks.clear();
+    for (const auto& well : recording.header.WellChannels) {
+        if (!m_ticks.emplace(well.ID, well.Ticks).second)
+            Add(name + " > WellIDs", recording.position + CellOffset(kWellIDsCell), "well " + Text(well.ID) + " twice",
+                "each well once", "Nobody can tell which channel a segment of this well belongs to.");
+        if (well.Ticks <= 0)
+            Add(name + " > Ticks", recording.position + CellOffset(kTicksCell),
+                Text(well.Ticks) + " for well " + Text(well.ID), "a sample interval above 0",
+                "The times of its samples can't be told.");
+    }
+}
+
+/// Writers put the next recording where the one before ends.
+void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end) {
+    const std::int64_t next = recording.header.FPosNextRecordingHdr;
+    if (next == kUnset || next == end) return;
+    if (m_scan.Break() && m_scan.Break()->cell == recording.position + kNextRecordingCell) return;
+    Add(name + " > FPosNextRecordingHdr", recording.position + kNextRecordingCell, Text(next),
+        Text(end) + ", where its last segment ends", "Either segments are missing here, or the recordings were moved.");
+}
+
+/// An unfinished recording is as its writer left it. What it wrote stands behind the header.
+void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::string& name) {
+    const CChainSum sum = JudgeSegments(SegmentsBehind(m_scan, recording), recording, name);
+    std::string meaning = "The recording was never finished: its writer is still at work, or it was cut off. ";
+    if (sum.segments == 0) {
+        meaning += "No segment stands behind its header.";
+    } else {
+        meaning += "Readers don't reach its " + Counted(sum.segments, "segment") + " of " +
+                   Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") +
+                   "); vxfile recover puts them into a new file.";
+    }
+    Add(name + " > FPosRecordingData", recording.position + kDataCell, "-1",
+        Text(m_scan.DataPosition(recording)) + ", right behind the header", meaning);
+    if (recording.header.FPosNextRecordingHdr != kUnset)
+        Add(name + " > FPosNextRecordingHdr", recording.position + kNextRecordingCell,
+            Text(recording.header.FPosNextRecordingHdr), "-1 in a recording that isn't finished",
+            "Writers set both positions at once; one of them is damaged.");
+}
+
+CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& recording, const std::string& name) {
+    CChainSum sum;
+    sum.end = m_scan.DataPosition(recording);
+    while (const CSegmentAt* segment = walk.Next()) {
+        if (!m_budget.Take()) {
+            if (!std::exchange(m_circle, true))
+                Add(name, segment->position, "a segment that other segments lead to as well", "chains of their own",
+                    "Chains are tangled; what follows wasn't checked.");
+            break;
+        }
+        JudgeSegment(*segment, name, sum.segments++);
+        sum.samples += segment->Samples();
+        sum.wells.insert(segment->header.ID);
+        sum.end = segment->End();
+        m_progress.Reach(sum.end);
+    }
+    if (walk.Break())
+        JudgeBreak(*walk.Break(), name + (sum.segments == 0 ? " > FPosRecordingData" : " > FPosNextSegmentHdr"),
+                   "a segment",
+                   "Readers give " + Counted(sum.segments, "segment") +
+                       " of this recording and then an error; vxfile recover looks for what follows.");
+    return sum;
+}
+
+void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
+    m_coverage.Add({segment.position, std::min(segment.End(), m_scan.Size())});
+    if (!IsExactSegmentHdr(segment.bytes))
+        JudgeSegmentCells(segment.bytes, {NameOfSegment(recording, index, segment), segment.position}, m_findings);
+    if (segment.bytes.size() < kSegmentHdrSize) return;
+    JudgeTimes(segment, recording, index);
+    JudgeNextSegment(segment, recording, index);
+    if (segment.End() > m_scan.Size())
+        Add(NameOfSegment(recording, index, segment) + " > samples", segment.DataPosition(),
+            Counted(static_cast<std::uint64_t>(m_scan.Size() - segment.DataPosition()), "byte"),
+            Counted(segment.Samples() * std::uint64_t{2}, "byte"),
+            "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or refuse.");
+}
+
+void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
+    const CSegmentHdr& header = segment.header;
+    const auto well = m_ticks.find(header.ID);
+    if (well == m_ticks.end()) {
+        Add(NameOfSegment(recording, index, segment) + " > ID", segment.position + kSegmentIDCell, Text(header.ID),
+            "a well that the recording lists", "Interval and units of its samples can't be told.");
+        return;
+    }
+    if (header.TimeTo < header.TimeFrom) {
+        Add(NameOfSegment(recording, index, segment) + " > TimeTo", segment.position + kTimeToCell, Text(header.TimeTo),
+            "at least TimeFrom, " + Text(header.TimeFrom), "The segment ends before it begins.");
+        return;
+    }
+    const auto samples = SamplesBetween(header.TimeFrom, header.TimeTo, well->second);
+    if (samples && *samples != static_cast<std::uint64_t>(header.Size))
+        Add(NameOfSegment(recording, index, segment) + " > Size", segment.position + kSizeCell, Text(header.Size),
+            std::to_string(*samples) + ", one for each interval from TimeFrom to TimeTo",
+            "Size, a time or the interval is damaged; readers go by Size.");
+}
+
+void CRawVerifier::JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
+    const std::int64_t next = segment.header.FPosNextSegmentHdr;
+    if (!IsInFile(next) || next == segment.End()) return;
+    Add(NameOfSegment(recording, index, segment) + " > FPosNextSegmentHdr", segment.position + kNextSegmentCell,
+        Text(next), Text(segment.End()) + ", where this segment ends",
+        "Segments don't follow one another as writers put them; readers follow the position all the same.");
+}
+
+void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
+                              const std::string& meaning) {
+    const std::string position = Text(chainBreak.position);
+    const std::string what(wanted);
+    switch (chainBreak.reason) {
+        case CChainBreak::EReason::Nowhere:
+            Add(where, chainBreak.cell, position, "-1, or a position in the file", meaning);
+            break;
+        case CChainBreak::EReason::NoHeader:
+            Add(where, chainBreak.cell,
+                position + ", where " + Quoted(m_scan.ReadBytes(chainBreak.position, kSegmentCells[0].width)) +
+                    " stands",
+                "the position of " + what, meaning);
+            break;
+        case CChainBreak::EReason::TooManyChannels:
+            Add(where, chainBreak.cell, position + ", where a recording has an impossible number of channels",
+                "0 to " + std::to_string(kMostChannels) + " channels", meaning);
+            break;
+        case CChainBreak::EReason::Circle:
+            m_circle = true;
+            Add(where, chainBreak.cell, position + ", which the chain has passed before", "-1, or what comes next",
+                meaning);
+            break;
+    }
+}
+
+void CRawVerifier::JudgeBreakOfRecordings(const CChainBreak& chainBreak) {
+    const std::size_t count = m_scan.Recordings().size();
+    const std::string where = count == 0 ? "file header > FPosFirstRecordingHdr"
+                                         : NameOf(m_scan.Recordings().back(), count - 1) + " > FPosNextRecordingHdr";
+    JudgeBreak(chainBreak, where, "a recording",
+               "Readers refuse the whole file; vxfile recover saves the recordings that are whole.");
+    m_findings.MakeUnusable();
+}
+
+void CRawVerifier::JudgeCoverage() {
+    const auto describe = [&](CRange range) {
+        return Counted(static_cast<std::uint64_t>(range.end - range.begin), "byte") + " up to " + Text(range.end);
+    };
+    m_coverage.Inspect(
+        m_scan.Size(),
+        [&](CRange gap) {
+            Add("file", gap.begin, describe(gap) + " that no position leads to", "bytes that belong to something",
+                "What stands there was lost or never finished; vxfile recover looks for segments in it.");
+        },
+        [&](CRange overlap) {
+            if (m_circle) return;  // which passes everything twice
+            Add("file", overlap.begin, describe(overlap) + " that two things claim", "bytes that belong to one",
+                "A position or a Size is damaged.");
+        });
+}
+
+}  // namespace
+
+CFindings VerifyRawData(const std::string& path) { return CRawVerifier(path).Verify(); }
+
+}  // namespace vxfile

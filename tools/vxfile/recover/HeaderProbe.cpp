@@ -1,0 +1,138 @@
+#include "tools/vxfile/recover/HeaderProbe.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <span>
+
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/rawdata/HeaderCodec.h"
+
+namespace vxfile {
+
+using namespace vxfileio::rawdata;
+
+namespace {
+
+/// What a damaged position is told as: no whole cell has it.
+constexpr std::int64_t kNoPosition = -2;
+
+constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
+
+constexpr std::int32_t kVersionWithoutStartTime = 1;
+
+std::size_t CellsOf(const auto& cells, std::int32_t version, std::size_t bytes) {
+    std::size_t count = 0;
+    for (const auto& cell : cells) {
+        if (!HasCell(cell, version)) continue;
+        if (cell.width > bytes) break;
+        bytes -= cell.width;
+        ++count;
+    }
+    return count;
+}
+
+/// Tells whether at least half of the cells that are there are whole.
+bool MostAreWhole(const auto& cells, std::int32_t version, const CDamagedCells& damaged, std::size_t bytes) {
+    const std::size_t there = CellsOf(cells, version, bytes);
+    const std::size_t missing = CellsOf(cells, version, kRecordingHdrSize) - there;
+    return there > 0 && 2 * (damaged.count() - std::min(damaged.count(), missing)) <= there;
+}
+
+bool BeginsLike(std::string_view bytes, std::string_view text) {
+    return !bytes.empty() && bytes.starts_with(text.substr(0, bytes.size()));
+}
+
+}  // namespace
+
+std::size_t CSegmentProbe::RowOfKey(std::string_view key) {
+    const auto isIt = [&](const auto& cell) { return cell.key == key; };
+    return static_cast<std::size_t>(std::ranges::find_if(kSegmentCells, isIt) - kSegmentCells.begin());
+}
+
+std::int64_t CSegmentProbe::EndOf(std::int64_t samples) const {
+    return Data() + samples * static_cast<std::int64_t>(sizeof(std::uint16_t));
+}
+
+std::size_t CRecordingProbe::Size() const { return SizeOf(kRecordingCells, version); }
+
+bool CRecordingProbe::IsMostlyWhole() const {
+    return bytes.size() == Size() && MostAreWhole(kRecordingCells, version, damaged, bytes.size());
+}
+
+std::int64_t CRecordingProbe::Position(std::size_t row) const {
+    if (damaged[row] || bytes.size() != Size()) return kNoPosition;
+    std::size_t offset = 0;
+    for (std::size_t i = 0; i < row; ++i)
+        offset += kRecordingCells[i].width;  // the positions stand ahead of the cell that not every version has
+    const auto cell = std::string_view(bytes).substr(offset, kRecordingCells[row].width);
+    return vxfileio::ParseInt64(WholeValue(cell, kRecordingCells[row].key).value_or(""));
+}
+
+std::string CHeaderProbe::Read(std::int64_t position, std::size_t size) const {
+    const std::int64_t left = std::max<std::int64_t>(m_size - position, 0);
+    std::string bytes(static_cast<std::size_t>(std::min(left, static_cast<std::int64_t>(size))), '\0');
+    bytes.resize(m_file.ReadUpTo(position, std::as_writable_bytes(std::span(bytes))));
+    return bytes;
+}
+
+CSegmentProbe CHeaderProbe::Segment(std::int64_t position) const {
+    std::string bytes = Read(position, kSegmentHdrSize);
+    CSegmentProbe probe{.position = position, .damaged = DamagedSegmentCells(bytes), .header = {}};
+    bytes.resize(kSegmentHdrSize);
+    Decode(bytes, probe.header);
+    // A size that can't be held is as good as none.
+    if (probe.header.Size < 1 || probe.header.Size > kMostSamples) probe.damaged[RowOf(kSegmentCells, "Size")] = true;
+    return probe;
+}
+
+CRecordingProbe CHeaderProbe::Recording(std::int64_t position, std::int32_t version) const {
+    const std::string bytes = Read(position, kRecordingHdrSize);
+    const auto layout = [&](std::int32_t candidate) {
+        CRecordingProbe probe{.position = position, .version = candidate, .bytes = bytes, .damaged = {}};
+        probe.bytes.resize(std::min(bytes.size(), SizeOf(kRecordingCells, candidate)));
+        probe.damaged = DamagedRecordingCells(probe.bytes, candidate);
+        return probe;
+    };
+    const bool hasStartTime = version >= kNewestVersion;
+    const auto told = layout(hasStartTime ? kNewestVersion : kVersionWithoutStartTime);
+    if (told.damaged.none()) return told;
+    const auto other = layout(hasStartTime ? kVersionWithoutStartTime : kNewestVersion);
+    return other.damaged.count() < told.damaged.count() ? other : told;
+}
+
+bool CHeaderProbe::LooksLikeHeader(std::int64_t position) const {
+    const std::string bytes = Read(position, kSegmentCells.front().width);
+    if (bytes.size() < kSegmentCells.front().width)
+        return BeginsLike(bytes, "Type=Well") || BeginsLike(bytes, kRecordingCells.front().key);
+    const CSegmentProbe segment = Segment(position);
+    const auto left = static_cast<std::size_t>(std::min<std::int64_t>(m_size - position, kRecordingHdrSize));
+    const std::size_t there = std::min(left, kSegmentHdrSize);
+    const std::size_t missing = kSegmentCells.size() - there / kSegmentCells.front().width;
+    if (2 * (segment.damaged.count() - missing) <= kSegmentCells.size() - missing) return true;
+    const CRecordingProbe recording = Recording(position, kNewestVersion);
+    return MostAreWhole(kRecordingCells, recording.version, recording.damaged, recording.bytes.size());
+}
+
+std::optional<std::uint64_t> SpanOf(const CSegmentHdr& header) {
+    if (header.TimeTo < header.TimeFrom) return std::nullopt;
+    const auto span = static_cast<std::uint64_t>(header.TimeTo) - static_cast<std::uint64_t>(header.TimeFrom);
+    if (span > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return std::nullopt;
+    return span;
+}
+
+bool GoesWith(const CSegmentHdr& header, std::int64_t tick) {
+    const auto span = SpanOf(header);
+    return span && tick > 0 && static_cast<std::int64_t>(*span) / tick + 1 == header.Size;
+}
+
+bool IsConsistent(const CSegmentHdr& header) {
+    const auto span = SpanOf(header);
+    if (!span || header.Size < 1) return false;
+    // The largest interval that gives so many samples.
+    return header.Size == 1 || GoesWith(header, static_cast<std::int64_t>(*span) / (header.Size - 1));
+}
+
+}  // namespace vxfile

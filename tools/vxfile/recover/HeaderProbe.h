@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tools/vxfile/recover/WholeCells.h"
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+namespace vxfile {
+
+/// The bytes where a segment header may stand, and what they say.
+struct CSegmentProbe {
+    std::int64_t position = 0;
+    CDamagedCells damaged;
+    vxfileio::rawdata::CSegmentHdr header;  ///< As a reader would take it.
+
+    bool IsWhole(std::string_view key) const { return !damaged[RowOfKey(key)]; }
+    /// Where the samples begin.
+    std::int64_t Data() const { return position + static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize); }
+    /// Where so many samples end.
+    std::int64_t EndOf(std::int64_t samples) const;
+
+ private:
+    static std::size_t RowOfKey(std::string_view key);
+};
+
+/// The bytes where a recording header may stand.
+struct CRecordingProbe {
+    std::int64_t position = 0;
+    std::int32_t version = vxfileio::rawdata::kNewestVersion;  ///< Of the layout that fits better.
+    std::string bytes;                                         ///< As many as a header of that version has.
+    CDamagedCells damaged;
+
+    std::int64_t End() const { return position + static_cast<std::int64_t>(Size()); }
+    std::size_t Size() const;
+    /// Tells whether it is there to its end, and most of its cells are whole.
+    bool IsMostlyWhole() const;
+    /// Returns a position that a whole cell tells, or -2 for a cell that is damaged.
+    std::int64_t Position(std::size_t row) const;
+};
+
+/// Looks at positions of a file for headers. It believes nothing but what is there.
+class CHeaderProbe {
+ public:
+    /// The file stays the caller's.
+    explicit CHeaderProbe(const vxfileio::CFile& file) : m_file(file), m_size(file.Size()) {}
+
+    /// The size that the file had at first; what grows behind it isn't looked at.
+    std::int64_t Size() const { return m_size; }
+
+    CSegmentProbe Segment(std::int64_t position) const;
+    /// Tries the layout of `version` first, then the other one.
+    CRecordingProbe Recording(std::int64_t position, std::int32_t version) const;
+    /// Reads so many bytes, or as many as there are.
+    std::string Read(std::int64_t position, std::size_t size) const;
+
+    /// Tells whether a header begins there, even if part of its cells are damaged or the file ends within it.
+    bool LooksLikeHeader(std::int64_t position) const;
+
+ private:
+    const vxfileio::CFile& m_file;
+    std::int64_t m_size;
+};
+
+/// @name Times and sizes
+/// @{
+/// Returns the time from the first sample to the last; nothing if the times are no segment's.
+std::optional<std::uint64_t> SpanOf(const vxfileio::rawdata::CSegmentHdr& header);
+/// Tells whether there is any sample interval with which `Size` goes with the times.
+bool IsConsistent(const vxfileio::rawdata::CSegmentHdr& header);
+/// Tells whether `Size` goes with the times at this interval.
+bool GoesWith(const vxfileio::rawdata::CSegmentHdr& header, std::int64_t tick);
+/// @}
+
+}  // namespace vxfile

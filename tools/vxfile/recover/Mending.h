@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/vxfile/recover/Inventory.h"
+
+namespace vxfile {
+
+/// A recording as the new file has it.
+struct CMendedRecording {
+    std::string bytes;  ///< The header in the newest layout; its positions aren't set yet.
+    CRawDataRecordingHdr header;
+    std::vector<std::string> notes;  ///< What had to be made up, a clause each.
+};
+
+/// The file header as the new file has it.
+struct CMendedFileHdr {
+    std::string bytes;  ///< Its position isn't set yet.
+    std::vector<std::string> notes;
+};
+
+/// Decides about segments that contradict the interval which their recording's header gives their well. If there is an
+/// interval that all of the well's segments go with, the header is wrong; otherwise they are, and are lost.
+void SettleDisagreements(CInventory& inventory);
+
+/// Makes a whole header of what is left of one: cells that are whole stay as they are, to the byte; what is damaged is
+/// made up from the others and from the segments. `number` is that of a recording of which nothing is known.
+CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number);
+
+/// The same for the file header.
+CMendedFileHdr MendFileHdr(const CInventory& inventory);
+
+}  // namespace vxfile

@@ -1,0 +1,74 @@
+#include "tools/vxfile/workbook/WorkbookInfo.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/workbook/CompoundScan.h"
+#include "tools/vxfile/workbook/Records.h"
+#include "vxfileio/export/biff/CellRecords.h"
+#include "vxfileio/export/biff/GlobalRecords.h"
+#include "vxfileio/export/biff/SheetRecords.h"
+
+namespace vxfile {
+
+namespace {
+
+/// How far a sheet reaches, and what is in it.
+struct CSheetSum {
+    std::uint64_t rows = 0;
+    std::uint64_t columns = 0;
+    std::uint64_t numbers = 0;
+    std::uint64_t texts = 0;
+};
+
+std::uint64_t NumbersIn(const CRecord& record) {
+    constexpr std::size_t kFrame = 6;  // row, first column, last column
+    if (record.code == YExcel::RK::kCode || record.code == YExcel::Number::kCode) return 1;
+    return record.code == YExcel::MulRK::kCode ? (record.body.size() - std::min(record.body.size(), kFrame)) / 6 : 0;
+}
+
+CSheetSum Sum(std::span<const std::byte> stream, const CSheetName& sheet) {
+    CSheetSum sum;
+    for (auto record = RecordAt(stream, sheet.position);
+         record && record->position < sheet.end && record->code != YExcel::YEOF::kCode;
+         record = RecordAt(stream, record->End())) {
+        sum.numbers += NumbersIn(*record);
+        sum.texts += record->code == YExcel::LabelSST::kCode ? 1U : 0U;
+        if (record->code != YExcel::Dimensions::kCode) continue;
+        sum.rows = record->U32(4);
+        sum.columns = record->U16(10);
+    }
+    return sum;
+}
+
+}  // namespace
+
+CPage InfoOfWorkbook(const std::string& path) {
+    const CCompoundScan scan(path);
+    const std::vector<CSheetName> sheets = SheetsOf(scan.Stream());
+    std::vector<CPage::CRow> table = {{"Sheet", "Rows", "Columns", "Numbers", "Texts"}};
+    CJson list = CJson::array();
+    for (const auto& sheet : sheets) {
+        const CSheetSum sum = Sum(scan.Stream(), sheet);
+        const std::string name = Readable(sheet.name);
+        table.push_back({name, std::to_string(sum.rows), std::to_string(sum.columns), std::to_string(sum.numbers),
+                         std::to_string(sum.texts)});
+        list.push_back({{"name", name},
+                        {"rows", sum.rows},
+                        {"columns", sum.columns},
+                        {"numbers", sum.numbers},
+                        {"texts", sum.texts}});
+    }
+    CPage page;
+    page.Add("Stream", "streamSize", SizeText(static_cast<std::int64_t>(scan.Stream().size())), scan.Stream().size());
+    page.Add("Sheets", "sheetCount", std::to_string(sheets.size()), sheets.size());
+    page.SetTable(std::move(table));
+    page.Json()["sheets"] = std::move(list);
+    return page;
+}
+
+}  // namespace vxfile

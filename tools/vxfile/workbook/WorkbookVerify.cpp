@@ -1,0 +1,172 @@
+#include "tools/vxfile/workbook/WorkbookVerify.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/io/FileKind.h"
+#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/workbook/CompoundLayout.h"
+#include "tools/vxfile/workbook/CompoundScan.h"
+#include "vxfileio/export/FieldVisitors.h"
+
+using namespace vxfileio::compound;
+
+namespace vxfile {
+
+namespace {
+
+/// A field by its place in its block, for naming it.
+struct CFieldPlace {
+    std::size_t offset;
+    std::string_view name;
+};
+
+constexpr std::array kHeaderFields = {
+    CFieldPlace{0, "signature"},
+    CFieldPlace{8, "class ID"},
+    CFieldPlace{24, "minor version"},
+    CFieldPlace{26, "major version"},
+    CFieldPlace{28, "byte order"},
+    CFieldPlace{30, "sector size"},
+    CFieldPlace{32, "mini sector size"},
+    CFieldPlace{34, "reserved"},
+    CFieldPlace{40, "directory sectors"},
+    CFieldPlace{44, "FAT sectors"},
+    CFieldPlace{48, "first directory sector"},
+    CFieldPlace{52, "transaction signature"},
+    CFieldPlace{56, "least size of a stream outside the mini stream"},
+    CFieldPlace{60, "first mini FAT sector"},
+    CFieldPlace{64, "mini FAT sectors"},
+    CFieldPlace{68, "first DIFAT sector"},
+    CFieldPlace{72, "DIFAT sectors"},
+    CFieldPlace{76, "list of FAT sectors"},
+};
+
+constexpr std::array kEntryFields = {
+    CFieldPlace{0, "name"},       CFieldPlace{64, "bytes of the name"}, CFieldPlace{66, "type"},
+    CFieldPlace{67, "colour"},    CFieldPlace{68, "left sibling"},      CFieldPlace{72, "right sibling"},
+    CFieldPlace{76, "child"},     CFieldPlace{80, "class ID"},          CFieldPlace{96, "state bits"},
+    CFieldPlace{100, "times"},    CFieldPlace{116, "first sector"},     CFieldPlace{120, "size"},
+    CFieldPlace{124, "reserved"},
+};
+
+std::string Bytes(std::span<const std::byte> bytes) {
+    return Quoted({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+std::vector<std::byte> BytesOf(const auto& fields) {
+    vxfileio::FieldSize size;
+    size(fields);
+    std::vector<std::byte> bytes(size.Size());
+    vxfileio::FieldStore store(bytes.data());
+    store(fields);
+    return bytes;
+}
+
+class CCompoundVerifier {
+ public:
+    CCompoundVerifier(const CCompoundScan& scan, CFindings& findings)
+        : m_scan(scan), m_layout(static_cast<std::uint32_t>(scan.Stream().size())), m_findings(findings) {}
+
+    void Verify() {
+        JudgeFields("header", 0, kHeaderFields, BytesOf(m_layout.Header()));
+        JudgeDirectory();
+        JudgeTables();
+        JudgeEnd();
+    }
+
+ private:
+    void Compare(const std::string& where, std::uint64_t offset, std::span<const std::byte> found,
+                 std::span<const std::byte> expected) {
+        if (!std::ranges::equal(found, expected))
+            m_findings.Add({where, static_cast<std::int64_t>(offset), Bytes(found), Bytes(expected),
+                            "Spreadsheet programs may refuse the file, or show something else."});
+    }
+
+    template <std::size_t N>
+    void JudgeFields(const std::string& where, std::uint64_t offset, const std::array<CFieldPlace, N>& fields,
+                     std::span<const std::byte> expected) {
+        const auto block = m_scan.Block(offset / kSectorSize);
+        const auto found = std::span(block).subspan(offset % kSectorSize, expected.size());
+        for (std::size_t i = 0; i < N; ++i) {
+            const std::size_t begin = fields[i].offset;
+            const std::size_t size = (i + 1 < N ? fields[i + 1].offset : expected.size()) - begin;
+            Compare(where + " > " + std::string(fields[i].name), offset + begin, found.subspan(begin, size),
+                    expected.subspan(begin, size));
+        }
+    }
+
+    void JudgeDirectory() {
+        const std::uint64_t offset = OffsetOf(m_layout.Header().firstDirectorySector);
+        constexpr std::array kNames = {"directory > root", "directory > stream", "directory > third entry",
+                                       "directory > fourth entry"};
+        for (std::size_t i = 0; i < kNames.size(); ++i)
+            JudgeFields(kNames[i], offset + i * kDirectoryEntrySize, kEntryFields,
+                        std::span(m_layout.Directory()).subspan(i * kDirectoryEntrySize, kDirectoryEntrySize));
+    }
+
+    void JudgeTables() {
+        for (std::size_t i = 0; i < m_layout.FatSectors().size(); ++i)
+            JudgeMarks("FAT", m_layout.FatSectors()[i], i * kMarksPerSector,
+                       std::span(m_layout.Fat()).subspan(i * kMarksPerSector, kMarksPerSector));
+        for (std::size_t i = 0; i < m_layout.DifatSectors().size(); ++i)
+            JudgeMarks("DIFAT", m_layout.DifatSectors()[i], i * kMarksPerSector, m_layout.Difat(i));
+        if (!m_layout.MiniFat().empty())
+            JudgeMarks("mini FAT", m_layout.Header().firstMiniFatSector, 0, m_layout.MiniFat());
+    }
+
+    void JudgeMarks(const std::string& table, std::uint32_t sector, std::size_t first,
+                    std::span<const std::uint32_t> marks) {
+        const auto block = m_scan.Block(sector + std::uint64_t{1});
+        for (std::size_t i = 0; i < marks.size(); ++i) {
+            constexpr std::size_t kSize = sizeof(std::uint32_t);
+            Compare(table + " > mark " + std::to_string(first + i), OffsetOf(sector) + i * kSize,
+                    std::span(block).subspan(i * kSize, kSize), BytesOf(marks[i]));
+        }
+    }
+
+    /// What the stream leaves of its last sector is zeros, and there is no further sector.
+    void JudgeEnd() {
+        const std::size_t used = m_scan.Stream().size() % kSectorSize;
+        if (used != 0) {
+            const std::uint32_t last = m_layout.StreamSectors().back();
+            const auto block = m_scan.Block(last + std::uint64_t{1});
+            Compare("sector " + std::to_string(last) + " > padding", OffsetOf(last) + used,
+                    std::span(block).subspan(used), std::vector<std::byte>(kSectorSize - used));
+        }
+        const auto size = static_cast<std::int64_t>((m_layout.Sectors() + 1) * kSectorSize);
+        if (m_scan.Size() != size)
+            m_findings.Add({"file", std::min(size, m_scan.Size()),
+                            Counted(static_cast<std::uint64_t>(m_scan.Size()), "byte"), std::to_string(size),
+                            m_scan.Size() < size ? "The file was cut." : "Something was put behind its end."});
+    }
+
+    static std::uint64_t OffsetOf(std::uint32_t sector) { return (sector + std::uint64_t{1}) * kSectorSize; }
+
+    const CCompoundScan& m_scan;
+    CCompoundLayout m_layout;
+    CFindings& m_findings;
+};
+
+}  // namespace
+
+CFindings VerifyWorkbook(const std::string& path) {
+    CFindings findings;
+    static_cast<void>(FileKindOf(path));  // a file that can't be opened isn't a finding
+    try {
+        const CCompoundScan scan(path);
+        CCompoundVerifier(scan, findings).Verify();
+        JudgeRecords(scan.Stream(), findings);
+    } catch (const CFailure& failure) {
+        findings.Add({"file", 0, "tables that lead to no stream", "a stream Workbook whose sectors are all there",
+                      failure.what()});
+        findings.MakeUnusable();
+    }
+    return findings;
+}
+
+}  // namespace vxfile

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+
+#include "tools/vxfile/Findings.h"
+
+namespace vxfile {
+
+/// Holds a workbook against what the library writes around its cells: header, FAT, DIFAT, directory and mini stream of
+/// the compound file, and the records of its stream. Cells may have any value. Throws `CFailure` if the file can't be
+/// opened.
+CFindings VerifyWorkbook(const std::string& path);
+
+/// Judges the records of the stream. Their order, sizes, fixed fields, positions of one another, and shared strings.
+void JudgeRecords(std::span<const std::byte> stream, CFindings& findings);
+
+}  // namespace vxfile
