@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -137,6 +139,42 @@ TEST(NumberTextTest, WholeNumbersAreReadAsFarAsTheyGo) {
     for (const auto& c : cases) {
         EXPECT_EQ(ParseInt32(c.text), c.narrow) << c.text;
         EXPECT_EQ(ParseInt64(c.text), c.wide) << c.text;
+    }
+}
+
+TEST(NumberTextTest, DigitsOfEveryCountAreReadAsTheStandardLibraryReadsThem) {
+    constexpr std::string_view kEnds[] = {"",
+                                          ";",
+                                          "/9",
+                                          ":9",
+                                          "a123456789",
+                                          ".5",
+                                          "\x80"
+                                          "9",
+                                          "\xB0",
+                                          "\xFF"
+                                          "1",
+                                          std::string_view("\0"
+                                                           "9",
+                                                           2)};
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 200'000; ++i) {
+        std::string text(random() % 24, '0');
+        for (char& digit : text)
+            digit = static_cast<char>('0' + random() % (random() % 4 == 0 ? 1 : 10));
+        text += kEnds[random() % std::size(kEnds)];
+        const char* const end = text.data() + text.size();
+        std::uint64_t whole = 0;
+        const bool fits = std::from_chars(text.data(), end, whole).ec != std::errc::result_out_of_range;
+        ASSERT_EQ(ParseUInt64(text), fits ? whole : std::numeric_limits<std::uint64_t>::max()) << text;
+        std::int64_t negative = 0;
+        const std::string minus = "-" + text;
+        const bool fitsToo =
+            std::from_chars(minus.data(), minus.data() + minus.size(), negative).ec != std::errc::result_out_of_range;
+        ASSERT_EQ(ParseInt64(minus), fitsToo ? negative : std::numeric_limits<std::int64_t>::min()) << text;
+        double decimal = 0.0;
+        std::from_chars(text.data(), end, decimal, std::chars_format::fixed);
+        ASSERT_EQ(ParseDouble(text), decimal) << text;
     }
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -9,22 +12,26 @@
 
 namespace vxfileio {
 
+/// Turns the bytes of a number from the machine's order into that of files, or back.
+template <std::unsigned_integral Number>
+constexpr std::array<std::byte, sizeof(Number)> InFileOrder(std::array<std::byte, sizeof(Number)> bytes) {
+    if constexpr (std::endian::native == std::endian::big) std::reverse(bytes.begin(), bytes.end());
+    return bytes;
+}
+
 /// Stores the bytes of `value` at `to`, which has room for them.
 template <std::unsigned_integral Number>
 constexpr void StoreLittleEndian(std::byte* to, Number value) {
-    for (std::size_t i = 0; i < sizeof(Number); ++i) {
-        to[i] = static_cast<std::byte>(static_cast<std::uint64_t>(value) >> (8 * i));
-    }
+    const auto bytes = InFileOrder<Number>(std::bit_cast<std::array<std::byte, sizeof(Number)>>(value));
+    std::copy_n(bytes.data(), bytes.size(), to);
 }
 
 /// Loads a number from the bytes at `from`.
 template <std::unsigned_integral Number>
 constexpr Number LoadLittleEndian(const std::byte* from) {
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < sizeof(Number); ++i) {
-        value |= std::to_integer<std::uint64_t>(from[i]) << (8 * i);
-    }
-    return static_cast<Number>(value);
+    std::array<std::byte, sizeof(Number)> bytes{};
+    std::copy_n(from, bytes.size(), bytes.data());
+    return std::bit_cast<Number>(InFileOrder<Number>(bytes));
 }
 
 /// Stores 2 bytes.

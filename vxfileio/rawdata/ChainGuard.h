@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -24,7 +23,7 @@ class CChainGuard {
         if (position == m_marked) return false;
         ++m_hops;
         // Of a circle of n positions, one that is marked at 2^k >= n hops comes round again within n further hops.
-        if (std::has_single_bit(static_cast<std::uint64_t>(m_hops))) m_marked = position;
+        if ((m_hops & (m_hops - 1)) == 0) m_marked = position;
         if (m_hops > m_mostHops) m_mostHops = m_file->Size() / m_leastItemSize + 1;
         return m_hops <= m_mostHops;
     }

@@ -94,7 +94,9 @@ class CRawDiff {
             const std::string where =
                 NameOf(m_left.Recordings()[index], index) + " > segment " + std::to_string(number);
             if (left == nullptr || right == nullptr) {
-                if (left != right) Tell({where, left ? SegmentText(*left) : "", right ? SegmentText(*right) : ""});
+                if (left != right)
+                    Tell({where, left == nullptr ? "" : SegmentText(*left),
+                          right == nullptr ? "" : SegmentText(*right)});
                 break;
             }
             if (!m_budget.Take()) throw CFailure("Chains of segments are tangled; vxfile verify tells where.");
