@@ -31,7 +31,6 @@ class Cell {
     void Clear() { m_value = std::monostate(); }
 
     CellType Type() const { return static_cast<CellType>(m_value.index()); }
-    bool HasText() const { return Type() >= CellType::Text; }
     /// Returns the number of a Double or Integer cell, 0.0 of any other.
     double GetDouble() const {
         if (const auto* value = std::get_if<double>(&m_value)) return *value;

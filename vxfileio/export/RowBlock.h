@@ -6,7 +6,7 @@
 
 #include "vxfileio/export/Sheet.h"
 #include "vxfileio/export/biff/CellRecords.h"
-#include "vxfileio/export/biff/RecordStream.h"
+#include "vxfileio/export/biff/Record.h"
 #include "vxfileio/export/biff/RkNumber.h"
 #include "vxfileio/export/biff/SheetRecords.h"
 
@@ -17,9 +17,11 @@ namespace YExcel {
 class ShortRun {
  public:
     /// Adds the number of a cell. What was held back goes out first if the cell doesn't continue it.
-    void Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, RecordStream& out);
+    template <class Out>
+    void Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, Out& out);
     /// Puts out what was held back.
-    void Finish(std::uint16_t row, RecordStream& out);
+    template <class Out>
+    void Finish(std::uint16_t row, Out& out);
 
  private:
     CellType m_type = CellType::Undefined;
@@ -32,11 +34,6 @@ class ShortRun {
 class RowBlock {
  public:
     static constexpr std::uint32_t kRows = 32;
-    /// The most bytes of a block's records beside those of its cells, and of a cell, none taking more than a `Number`.
-    static constexpr std::size_t kMostFrameSize =
-        kRows * (kHeaderSize + DataSize(Row())) + kHeaderSize + sizeof(std::uint32_t) + kRows * sizeof(std::uint16_t);
-    static constexpr std::size_t kMostCellSize = kHeaderSize + DataSize(Number());
-
     /// Finds the rows of block `number` that hold something.
     void Begin(const Sheet& sheet, std::uint32_t number);
 
@@ -47,20 +44,40 @@ class RowBlock {
 
     /// Puts the records of the block: its rows, their cells, the way back to them. `indexOf(cell)` gives the index of a
     /// text in the shared strings. Returns where the `DBCell` stands.
-    template <class IndexOf>
-    std::size_t Put(const Sheet& sheet, RecordStream& out, IndexOf& indexOf);
+    template <class Out, class IndexOf>
+    std::size_t Put(const Sheet& sheet, Out& out, IndexOf& indexOf);
 
  private:
-    template <class IndexOf>
-    void PutCells(const Sheet& sheet, std::uint16_t row, RecordStream& out, IndexOf& indexOf);
+    template <class Out, class IndexOf>
+    void PutCells(const Sheet& sheet, std::uint16_t row, Out& out, IndexOf& indexOf);
 
     std::vector<std::uint16_t> m_rows;
     std::uint16_t m_firstColumn = 0;
     ShortRun m_run;
 };
 
-template <class IndexOf>
-std::size_t RowBlock::Put(const Sheet& sheet, RecordStream& out, IndexOf& indexOf) {
+template <class Out>
+void ShortRun::Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, Out& out) {
+    if (type != m_type || column != m_lastColumn + 1) Finish(row, out);
+    if (m_items.empty()) m_firstColumn = column;
+    m_type = type;
+    m_lastColumn = column;
+    m_items.push_back({.word = word});
+}
+
+template <class Out>
+void ShortRun::Finish(std::uint16_t row, Out& out) {
+    if (m_items.empty()) return;
+    if (m_items.size() == 1) {
+        out.Put(RK{.row = row, .column = m_firstColumn, .word = m_items.front().word});
+    } else {
+        out.Put(MulRK{.row = row, .firstColumn = m_firstColumn, .items = m_items, .lastColumn = m_lastColumn});
+    }
+    m_items.clear();
+}
+
+template <class Out, class IndexOf>
+std::size_t RowBlock::Put(const Sheet& sheet, Out& out, IndexOf& indexOf) {
     const std::size_t begin = out.Position();
     std::size_t last = begin + RecordSize(Row());
     for (const std::uint16_t row : m_rows)
@@ -78,8 +95,8 @@ std::size_t RowBlock::Put(const Sheet& sheet, RecordStream& out, IndexOf& indexO
     return position;
 }
 
-template <class IndexOf>
-void RowBlock::PutCells(const Sheet& sheet, std::uint16_t row, RecordStream& out, IndexOf& indexOf) {
+template <class Out, class IndexOf>
+void RowBlock::PutCells(const Sheet& sheet, std::uint16_t row, Out& out, IndexOf& indexOf) {
     sheet.ForEachUsed(row, [&](std::uint16_t column, const Cell& cell) {
         const CellType type = cell.Type();
         const double value = cell.GetDouble();

@@ -18,21 +18,18 @@ constexpr int kFonts = 4;
 constexpr int kFormats = 21;
 constexpr int kStyles = 6;
 
-/// More than the records around the sheets take without their texts, and more than those around the cells of a sheet.
-constexpr std::size_t kMostFrameSize = 1024;
-
 std::uint32_t BlockCount(const Sheet& sheet) { return (sheet.RowCount() + RowBlock::kRows - 1) / RowBlock::kRows; }
 
 std::uint32_t Position32(std::size_t position) { return static_cast<std::uint32_t>(position); }
 
-void PutCopies(int count, const auto& record, RecordStream& out) {
+void PutCopies(int count, const auto& record, auto& out) {
     for (int i = 0; i < count; ++i)
         out.Put(record);
 }
 
 /// Puts the rows and cells of a sheet, and fills in what the records in front of them tell about them.
-template <class IndexOf>
-void PutRowBlocks(const Sheet& sheet, Index& index, Dimensions& dimensions, RecordStream& out, IndexOf& indexOf) {
+template <class Out, class IndexOf>
+void PutRowBlocks(const Sheet& sheet, Index& index, Dimensions& dimensions, Out& out, IndexOf& indexOf) {
     RowBlock block;
     bool isUsed = false;
     for (std::uint32_t number = 0; number < BlockCount(sheet); ++number) {
@@ -47,8 +44,8 @@ void PutRowBlocks(const Sheet& sheet, Index& index, Dimensions& dimensions, Reco
 }
 
 /// The records of a sheet, in their order. Those that tell about the cells go out twice: first to hold their places.
-template <class IndexOf>
-void PutSheet(const Sheet& sheet, bool isFirst, RecordStream& out, IndexOf& indexOf) {
+template <class Out, class IndexOf>
+void PutSheet(const Sheet& sheet, bool isFirst, Out& out, IndexOf& indexOf) {
     Index index{.firstUnusedRow = sheet.RowCount()};
     index.dbCellPositions.resize(std::max(BlockCount(sheet), 1U));
     Dimensions dimensions{.endRow = sheet.RowCount(), .endColumn = static_cast<std::uint16_t>(sheet.ColumnCount())};
@@ -73,8 +70,8 @@ BoundSheet BoundSheetOf(const Sheet& sheet, std::size_t position) {
 }
 
 /// The records of a workbook, in their order. Each sheet's name learns where the sheet stands once that is known.
-template <class IndexOf>
-void PutWorkbook(const Sheets& sheets, const SharedStringTable& strings, RecordStream& out, IndexOf indexOf) {
+template <class Out, class IndexOf>
+void PutWorkbook(const Sheets& sheets, const SharedStringTable& strings, Out& out, IndexOf& indexOf) {
     out.Put(BOF{.type = BOF::kGlobals});
     out.Put(Window1());
     PutCopies(kFonts, Font(), out);
@@ -94,33 +91,21 @@ void PutWorkbook(const Sheets& sheets, const SharedStringTable& strings, RecordS
     }
 }
 
-/// Takes in the texts of a sheet, in the order in which its records will ask for them. Returns the most bytes that the
-/// sheet's records can take.
-std::size_t Survey(const Sheet& sheet, SharedStrings& strings) {
-    std::size_t cells = 0;
-    for (std::uint32_t row = 0; row < sheet.RowCount(); ++row) {
-        sheet.ForEachUsed(row, [&](std::uint16_t /*column*/, const Cell& cell) {
-            ++cells;
-            if (cell.HasText()) strings.Add(cell);
-        });
-    }
-    const std::size_t indexEntries = BlockCount(sheet) * sizeof(std::uint32_t);
-    return kMostFrameSize + indexEntries + BlockCount(sheet) * RowBlock::kMostFrameSize +
-           cells * RowBlock::kMostCellSize;
-}
-
 }  // namespace
 
 RecordStream BuildWorkbookStream(const Sheets& sheets) {
     SharedStrings strings;
-    std::size_t mostBytes = kMostFrameSize;
-    for (const auto& sheet : sheets)
-        mostBytes += Survey(*sheet, strings);
-    mostBytes += RecordSize(strings.Table());
+    auto collect = [&](const Cell& cell) { return strings.Add(cell); };
 
-    RecordStream stream(mostBytes);
-    PutWorkbook(sheets, strings.Table(), stream,
-                [next = strings.Uses().begin()](const Cell& /*cell*/) mutable { return *next++; });
+    // Once over the cells to count the bytes, with no texts in the table yet, and once more to store them.
+    StreamSize size;
+    PutWorkbook(sheets, SharedStringTable(), size, collect);
+    const SharedStringTable& table = strings.Table();
+    const std::size_t tableGrowth = RecordSize(table) - RecordSize(SharedStringTable());
+
+    RecordStream stream(size.Position() + tableGrowth);
+    auto repeat = [next = strings.Uses().begin()](const Cell& /*cell*/) mutable { return *next++; };
+    PutWorkbook(sheets, table, stream, repeat);
     return stream;
 }
 

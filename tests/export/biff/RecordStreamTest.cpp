@@ -10,6 +10,7 @@ namespace {
 
 using YExcel::Blank;
 using YExcel::RecordStream;
+using YExcel::StreamSize;
 using YExcel::YEOF;
 
 std::string BlankBytes(unsigned row) { return U16(0x0201) + U16(6) + U16(row) + Zeros(4); }
@@ -17,13 +18,16 @@ std::string BlankBytes(unsigned row) { return U16(0x0201) + U16(6) + U16(row) + 
 TEST(RecordStreamTest, RecordsBeyondTheReservedRoomKeepThoseBefore) {
     for (const std::size_t room : {0U, 1U, 10U, 25U, 1000U}) {
         RecordStream stream(room);
+        StreamSize size;
         std::string expected;
         for (std::uint16_t row = 0; row < 20; ++row) {
             EXPECT_EQ(stream.Position(), expected.size());
             stream.Put(Blank{.row = row});
+            size.Put(Blank{.row = row});
             expected += BlankBytes(row);
         }
         EXPECT_EQ(ToString(stream.Bytes()), expected);
+        EXPECT_EQ(size.Position(), expected.size());
     }
 }
 

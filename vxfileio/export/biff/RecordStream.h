@@ -7,7 +7,24 @@
 
 #include "vxfileio/export/biff/Record.h"
 
+/// @file
+/// The two ends that a row of records can be put into: one counts the bytes, the other holds them. Whoever puts records
+/// is written once for both, so that the room a stream needs is known to the byte before its first record is stored.
+
 namespace YExcel {
+
+/// Counts the bytes of a stream.
+class StreamSize {
+ public:
+    /// Bytes so far: where the next record begins.
+    std::size_t Position() const { return m_size; }
+    void Put(const Record auto& record) { m_size += RecordSize(record); }
+    /// Another record in place of one of the same size changes nothing.
+    void Replace(std::size_t /*position*/, const Record auto& /*record*/) const {}
+
+ private:
+    std::size_t m_size = 0;
+};
 
 /// The bytes of a stream in memory.
 class RecordStream {
