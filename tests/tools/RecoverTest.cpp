@@ -218,7 +218,7 @@ TEST_F(RecoverTest, FilesWithinSamplesArePassedOver) {
     const std::string unfinished = inner.substr(0, 1190) + RecordingHdrBytes({}) + inner.substr(3650, 1214);
     for (const std::string& samples : {inner + std::string(2, '\0'), unfinished, inner.substr(0, 9784 + 300)}) {
         const std::string whole = WithSegment(samples);
-        for (const std::size_t damaged : {0, 1, 2, 3, 6}) {
+        for (const std::size_t damaged : {0U, 1U, 2U, 3U, 6U}) {
             std::string bytes = whole;
             for (std::size_t cell = 0; cell < damaged; ++cell)
                 bytes.replace(3650 + 50 * ((cell + 5) % 6), 50, std::string(50, 'x'));
