@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <set>
 #include <span>
 #include <string_view>
@@ -111,6 +112,22 @@ bool CRawDataReader::JumpToData(const std::string& taskName, std::int32_t record
 bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo,
                                  std::uint32_t& size, std::uint16_t*& samples) {
     CSegmentHdr header;
+    const CPass before = m_pass;
+    try {
+        if (!FetchNext(header, wellID)) return false;
+    } catch (const std::bad_alloc&) {
+        m_pass = before;
+        throw;
+    }
+    timeFrom = header.TimeFrom;
+    timeTo = header.TimeTo;
+    size = static_cast<std::uint32_t>(header.Size);
+    samples = m_segment.Samples();
+    return true;
+}
+
+/// Fetches the next segment of the selected well, header and samples. Returns false at the end of the chain.
+bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
     std::size_t sampleBytes = 0;
     std::int64_t dataPosition = kUnset;
     do {
@@ -121,12 +138,7 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
         if (IsWanted(wellID)) RefuseImpossibleSize(dataPosition, sampleBytes, static_cast<std::uint32_t>(header.Size));
         PassBehind(header);
     } while (!IsWanted(wellID));
-
-    timeFrom = header.TimeFrom;
-    timeTo = header.TimeTo;
-    size = static_cast<std::uint32_t>(header.Size);
-    FetchSamples(dataPosition, sampleBytes, size);
-    samples = m_segment.Samples();
+    FetchSamples(dataPosition, sampleBytes, static_cast<std::uint32_t>(header.Size));
     return true;
 }
 

@@ -56,6 +56,7 @@ class CRawDataReader {
     std::int64_t NextRecordingHdr() const;
     bool RereadNextRecordingHdr(vxfileio::rawdata::CRecordingHdrReader& headers);
 
+    bool FetchNext(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID);
     bool IsWanted(std::int32_t wellID) const { return m_selectedWell == kAllWells || m_selectedWell == wellID; }
     const vxfileio::rawdata::CSegmentPlace* Remembered() const {
         return m_chain == nullptr ? nullptr : m_chain->Find(m_pass.number);
