@@ -133,13 +133,12 @@ void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view e
 }
 
 void LoadResponse(CXmlFileArchive& archive, WellAnalysis& well) {
-    for (auto& [response, mark] : well.Responses) {
-        if (!IsStartOf(archive, WordOf(response))) continue;
-        std::string word;
-        archive.GetValue(word);
-        mark = ValueOf<enAnalysisMark>(word);
-        return;
-    }
+    if (archive.IsEndTag()) return;
+    const auto response = well.Responses.find(ValueOf<enResponseType>(archive.TagName()));
+    if (response == well.Responses.end()) return;
+    std::string word;
+    archive.GetValue(word);
+    response->second = ValueOf<enAnalysisMark>(word);
 }
 
 void LoadWell(CXmlFileArchive& archive, RecordingAnalysis& wells) {
@@ -151,7 +150,7 @@ void LoadWell(CXmlFileArchive& archive, RecordingAnalysis& wells) {
         if (IsStartOf(archive, kAnalyze)) return archive.GetValue(well.Analyze);
         LoadResponse(archive, well);
     });
-    wells[wellID] = std::move(well);
+    wells.insert_or_assign(wells.end(), wellID, std::move(well));
 }
 
 void LoadRecording(CXmlFileArchive& archive, TaskAnalysis& recordings) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <span>
-#include <vector>
 
 #include "vxfileio/helpers/ReplacingFile.h"
 
@@ -21,7 +20,7 @@ struct CFileBuffer::CState {
     vxfileio::CFile& file = replacing.File();
     bool writes = false;
     bool refused = false;  ///< A write failed: what follows is dropped, so that the file is a beginning without gaps.
-    std::vector<std::byte> gathered = std::vector<std::byte>(kGathered);
+    std::unique_ptr<std::byte[]> gathered = std::make_unique_for_overwrite<std::byte[]>(kGathered);
     std::size_t begin = 0;  ///< Reading: the first byte that wasn't handed on yet.
     std::size_t end = 0;    ///< Behind the last byte that is in `gathered`.
     std::int64_t next = 0;  ///< Reading: where the file goes on.
@@ -30,7 +29,7 @@ struct CFileBuffer::CState {
 
     bool Fill() {
         begin = 0;
-        end = file.ReadUpTo(next, std::span(gathered));
+        end = file.ReadUpTo(next, {gathered.get(), kGathered});
         next += static_cast<std::int64_t>(end);
         return end > 0;
     }
@@ -84,7 +83,7 @@ std::size_t CFileBuffer::Write(const void* bytes, std::size_t count) {
     if (count > kGathered) {
         m_state->Append(rest);
     } else {
-        std::copy(rest.begin(), rest.end(), m_state->gathered.begin() + static_cast<std::ptrdiff_t>(m_state->end));
+        std::copy(rest.begin(), rest.end(), &m_state->gathered[m_state->end]);
         m_state->end += count;
     }
     return count;
@@ -92,7 +91,7 @@ std::size_t CFileBuffer::Write(const void* bytes, std::size_t count) {
 
 void CFileBuffer::Flush() {
     if (!m_state || !m_state->writes || m_state->end == 0) return;
-    m_state->Append(std::span(m_state->gathered).first(m_state->end));
+    m_state->Append({m_state->gathered.get(), m_state->end});
     m_state->end = 0;
 }
 

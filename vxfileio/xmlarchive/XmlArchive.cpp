@@ -140,7 +140,7 @@ void CXMLArchive<File>::GetValue(std::uint32_t& value) {
 
 template <class File>
 void CXMLArchive<File>::GetValue(std::string& value) {
-    value = m_reader->DecodedValue();
+    m_reader->ReadText(value);
 }
 
 template <class File>

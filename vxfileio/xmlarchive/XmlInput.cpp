@@ -24,44 +24,18 @@ bool XmlInput::ReadBlock() {
     return read > 0;
 }
 
-std::size_t XmlInput::Remaining() const {
+std::size_t XmlInput::Remaining() {
     const std::size_t inMemory = m_size - m_cursor;
     if (m_ended) return inMemory;
-    const auto fileSize = static_cast<std::size_t>(m_file->Size());
-    return inMemory + fileSize - std::min(fileSize, m_read);
-}
-
-bool XmlInput::StandsOn(std::string_view text) {
-    while (m_size - m_cursor < text.size()) {
-        if (!ReadBlock()) return false;
-    }
-    return std::string_view(m_buffer.data() + m_cursor, text.size()) == text;
-}
-
-bool XmlInput::SkipTo(char wanted) {
-    while (!AtEnd()) {
-        const std::string_view rest = Rest();
-        const std::size_t place = rest.find(wanted);
-        Pass(std::min(place, rest.size()));
-        if (place != std::string_view::npos) return true;
-    }
-    return false;
-}
-
-void XmlInput::SkipWhile(unsigned classes) {
-    while (!AtEnd()) {
-        while (m_cursor < m_size && Is(m_buffer[m_cursor], classes))
-            ++m_cursor;
-        if (m_cursor < m_size) return;
-    }
+    if (!m_fileSize) m_fileSize = static_cast<std::size_t>(m_file->Size());
+    return inMemory + *m_fileSize - std::min(*m_fileSize, m_read);
 }
 
 void XmlInput::TakeWhile(unsigned classes, std::string& taken) {
     while (!AtEnd()) {
-        const std::size_t start = m_cursor;
-        while (m_cursor < m_size && Is(m_buffer[m_cursor], classes))
-            ++m_cursor;
-        taken.append(m_buffer.data() + start, m_cursor - start);
+        const std::string_view run = Rest().substr(0, RunOf(Rest(), classes));
+        taken += run;
+        Pass(run.size());
         if (m_cursor < m_size) return;
     }
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +39,14 @@ inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
 /// Tells whether a byte belongs to one of the classes in `wanted`.
 inline bool Is(char c, unsigned wanted) { return (kCharClasses[static_cast<unsigned char>(c)] & wanted) != 0; }
 
+/// Returns how many bytes at the front of `text` belong to these classes.
+inline std::size_t RunOf(std::string_view text, unsigned wanted) {
+    std::size_t size = 0;
+    while (size < text.size() && Is(text[size], wanted))
+        ++size;
+    return size;
+}
+
 /// A document as the scanner sees it: bytes up to the end of the file or its first NUL, whichever comes first, with a
 /// cursor. One block of it is in memory at a time, and no caller can tell where a block ends.
 class XmlInput {
@@ -54,9 +64,9 @@ class XmlInput {
     /// Whether the document ended in a NUL, rather than with its file. Told only once `AtEnd` holds.
     bool EndsInNul() const { return m_endsInNul; }
 
-    /// How many bytes the document can have behind the cursor, by the size of its file; exactly so many once its end is
-    /// in memory.
-    std::size_t Remaining() const;
+    /// How many bytes the document can have behind the cursor, by the size that its file had when this was first asked;
+    /// exactly so many once its end is in memory.
+    std::size_t Remaining();
 
     /// The byte at the cursor; NUL at the end.
     char Peek() { return AtEnd() ? '\0' : m_buffer[m_cursor]; }
@@ -75,10 +85,23 @@ class XmlInput {
     void Pass(std::size_t count) { m_cursor += count; }
 
     /// Whether `text` stands at the cursor.
-    bool StandsOn(std::string_view text);
+    bool StandsOn(std::string_view text) {
+        while (m_size - m_cursor < text.size()) {
+            if (!ReadBlock()) return false;
+        }
+        return std::string_view(m_buffer.data() + m_cursor, text.size()) == text;
+    }
 
     /// Moves to the next `wanted` byte. Returns false, at the end, if there is none.
-    bool SkipTo(char wanted);
+    bool SkipTo(char wanted) {
+        while (!AtEnd()) {
+            const std::string_view rest = Rest();
+            const std::size_t place = rest.front() == wanted ? 0 : rest.find(wanted);
+            Pass(std::min(place, rest.size()));
+            if (place != std::string_view::npos) return true;
+        }
+        return false;
+    }
 
     /// Moves to the next place where `text` stands. Returns false, at the end, if there is none.
     bool SkipToText(std::string_view text) {
@@ -86,7 +109,10 @@ class XmlInput {
     }
 
     /// Moves over all bytes of these classes.
-    void SkipWhile(unsigned classes);
+    void SkipWhile(unsigned classes) {
+        while (!AtEnd() && Is(m_buffer[m_cursor], classes))
+            ++m_cursor;
+    }
 
     /// Moves over all bytes of these classes and appends them to `taken`.
     void TakeWhile(unsigned classes, std::string& taken);
@@ -115,9 +141,10 @@ class XmlInput {
     std::size_t m_blockSize;
     std::vector<char> m_buffer;  ///< A block, behind what was left of the one before.
     std::size_t m_cursor = 0;
-    std::size_t m_size = 0;  ///< Bytes of the document in `m_buffer`.
-    std::size_t m_read = 0;  ///< Bytes of the file that were read.
-    bool m_ended;            ///< Nothing follows what is in memory.
+    std::size_t m_size = 0;                 ///< Bytes of the document in `m_buffer`.
+    std::size_t m_read = 0;                 ///< Bytes of the file that were read.
+    std::optional<std::size_t> m_fileSize;  ///< Asked of the system once, however many lists want to know.
+    bool m_ended;                           ///< Nothing follows what is in memory.
     bool m_endsInNul = false;
 };
 

@@ -9,12 +9,6 @@ namespace gd_xml_stream {
 
 namespace {
 
-/// Returns how many bytes at the front of `text` belong to these classes.
-std::size_t RunOf(std::string_view text, unsigned classes) {
-    const auto* const end = std::find_if_not(text.begin(), text.end(), [=](char c) { return Is(c, classes); });
-    return static_cast<std::size_t>(end - text.begin());
-}
-
 template <class Value>
 XmlValue Parsed(std::string_view text) {
     Value value{};
@@ -24,23 +18,19 @@ XmlValue Parsed(std::string_view text) {
 
 }  // namespace
 
-std::string_view XmlReader::Name() const {
-    const std::string_view element = m_scanner.Element();
-    return element.substr(0, RunOf(element, kName));
-}
-
 std::optional<std::string_view> XmlReader::Value() const {
     const std::string_view element = m_scanner.Element();
-    const std::size_t mark = element.find_first_of(">\"", m_valueAt);
-    if (mark == std::string_view::npos || mark + 1 == element.size()) return std::nullopt;
+    std::size_t mark = std::max(m_valueAt, Name().size());
+    while (mark < element.size() && element[mark] != '>' && element[mark] != '"')
+        ++mark;
+    if (mark + 1 >= element.size()) return std::nullopt;
     const std::string_view value = element.substr(mark + 1);
     return element[mark] == '"' ? value.substr(0, value.find('"')) : value;
 }
 
-std::string_view XmlReader::DecodedValue() {
-    m_decoded.clear();
-    AppendDecoded(Value().value_or(std::string_view()), m_decoded);
-    return m_decoded;
+void XmlReader::ReadText(std::string& text) const {
+    text.clear();
+    AppendDecoded(Value().value_or(std::string_view()), text);
 }
 
 std::string XmlReader::ElementText() const {
@@ -131,7 +121,10 @@ std::size_t XmlReader::ReadListSize() {
 
 void XmlReader::ReadSamples(std::vector<double>& samples) {
     std::string_view text = Value().value_or(std::string_view());
-    if (text.find('&') != std::string_view::npos) text = DecodedValue();
+    if (text.find('&') != std::string_view::npos) {
+        ReadText(m_decoded);
+        text = m_decoded;
+    }
     for (double& sample : samples) {
         const std::size_t semicolon = text.find(';');
         if (semicolon == std::string_view::npos) return;

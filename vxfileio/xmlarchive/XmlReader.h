@@ -29,13 +29,13 @@ class XmlReader {
     }
 
     /// The name of the current element; empty without one.
-    std::string_view Name() const;
+    std::string_view Name() const { return m_scanner.Name(); }
 
     /// The text of the value, its references not yet decoded; nothing if the element has no text.
     std::optional<std::string_view> Value() const;
 
-    /// The same with its references decoded, empty without text. It lives until the next call.
-    std::string_view DecodedValue();
+    /// Reads the same into `text` with its references decoded; empty without text.
+    void ReadText(std::string& text) const;
 
     /// The text of the element behind its start tag, decoded unless a CDATA section is in it.
     std::string ElementText() const;

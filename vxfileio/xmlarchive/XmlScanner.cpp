@@ -28,13 +28,17 @@ bool XmlScanner::SkipProlog() {
 }
 
 bool XmlScanner::Next() {
-    m_element.clear();
-    m_state = 0;
+    ForgetElement();
     m_selfClosing = false;
     if (ReadEvent()) return true;
-    m_element.clear();
-    m_state = 0;
+    ForgetElement();
     return false;
+}
+
+void XmlScanner::ForgetElement() {
+    m_element.clear();
+    m_nameSize = 0;
+    m_state = 0;
 }
 
 bool XmlScanner::Fail(XmlError error) {
@@ -46,8 +50,9 @@ bool XmlScanner::ReadEvent() {
     if (!FindTag()) return false;
     m_input.SkipWhile(kBlank);
     if (m_input.AtEnd()) return Fail(m_open.IsEmpty() ? XmlError::EndInElement : XmlError::EndInTag);
-    const char first = m_input.Take();
-    return first == '/' ? ReadEndTag() : ReadStartTag(first);
+    if (m_input.Peek() != '/') return ReadStartTag();
+    m_input.Pass(1);
+    return ReadEndTag();
 }
 
 /// Moves behind the "<" of the next tag, over text that belongs to no element, and over comments.
@@ -80,34 +85,24 @@ bool XmlScanner::ReadEndTag() {
     m_input.TakeWhile(kEndName, m_element);
     if (m_open.IsEmpty() || m_open.Top() != m_element) return Fail(XmlError::WrongEndTag);
     m_open.Pop();
+    m_nameSize = m_element.size();
     if (!m_input.SkipTo('>')) return Fail(XmlError::EndInElement);
     m_state = XmlState::kEndTag;
     return true;
 }
 
-bool XmlScanner::ReadStartTag(char first) {
-    char behindName = first;
-    if (Is(first, kName)) {
-        m_element += first;
-        m_input.TakeWhile(kName, m_element);
-        behindName = m_input.Take();
-    }
-    m_open.Push(m_element);
-    m_element += ' ';
-    m_element += behindName;
+bool XmlScanner::ReadStartTag() {
+    m_input.TakeWhile(kName, m_element);
+    m_nameSize = m_element.size();
+    m_element += {' ', m_input.Take()};
     if (!CollectText()) return false;
-    if (m_selfClosing) {
-        m_open.Pop();
-        return true;
-    }
+    if (m_selfClosing) return true;
 
     m_input.SkipWhile(kBlank | kOpen);
     if (m_input.AtEnd()) return Fail(XmlError::EndInElement);
-    if (m_input.Peek() == '/') {  // the end tag of an element with text alone; its name isn't looked at
-        if (!m_input.SkipTo('<')) return Fail(XmlError::EndInElement);
-        m_open.Pop();
-        return true;
-    }
+    // The end tag of an element with text alone; its name isn't looked at.
+    if (m_input.Peek() == '/') return m_input.SkipTo('<') || Fail(XmlError::EndInElement);
+    m_open.Push(Name());
     m_state |= XmlState::kHasChildren;
     m_tagTaken = true;
     return true;
@@ -144,8 +139,7 @@ bool XmlScanner::CollectRun(std::string_view run, bool& keepBlanks) {
     while (!run.empty()) {
         std::size_t blanks = 0;
         if (!keepBlanks) {
-            while (blanks < run.size() && Is(run[blanks], kTextBlank))
-                ++blanks;
+            blanks = RunOf(run, kTextBlank);
             keepBlanks = blanks < run.size();
         }
         const std::size_t close = run.find('>', blanks);

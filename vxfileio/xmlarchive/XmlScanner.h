@@ -31,6 +31,9 @@ class XmlScanner {
     /// CDATA sections included as plain text. At an end tag the name alone, without an element nothing.
     const std::string& Element() const { return m_element; }
 
+    /// The name alone; empty without an element.
+    std::string_view Name() const { return std::string_view(m_element).substr(0, m_nameSize); }
+
     /// State bits of the current element: `XmlState::kHasChildren`, `kEndTag`, `kHasSection`.
     std::uint32_t State() const { return m_state; }
 
@@ -38,17 +41,18 @@ class XmlScanner {
     bool IsSelfClosing() const { return m_selfClosing; }
 
     /// How many bytes the document can still have; see `XmlInput::Remaining`.
-    std::size_t Remaining() const { return m_input.Remaining(); }
+    std::size_t Remaining() { return m_input.Remaining(); }
 
     /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.
     XmlError LastError() const { return m_lastError; }
 
  private:
+    void ForgetElement();
     bool ReadEvent();
     bool FindTag();
     bool SkipComment();
     bool ReadEndTag();
-    bool ReadStartTag(char first);
+    bool ReadStartTag();
     bool CollectText();
     bool CollectSection();
     bool CollectRun(std::string_view run, bool& keepBlanks);
@@ -58,6 +62,7 @@ class XmlScanner {
     XmlInput m_input;
     XmlNameStack m_open;
     std::string m_element;
+    std::size_t m_nameSize = 0;  ///< Of `m_element`, the name at its front.
     std::uint32_t m_state = 0;
     XmlError m_lastError = XmlError::None;
     bool m_selfClosing = false;
