@@ -31,13 +31,4 @@ std::size_t XmlInput::Remaining() {
     return inMemory + *m_fileSize - std::min(*m_fileSize, m_read);
 }
 
-void XmlInput::TakeWhile(unsigned classes, std::string& taken) {
-    while (!AtEnd()) {
-        const std::string_view run = Rest().substr(0, RunOf(Rest(), classes));
-        taken += run;
-        Pass(run.size());
-        if (m_cursor < m_size) return;
-    }
-}
-
 }  // namespace gd_xml_stream

@@ -115,7 +115,14 @@ class XmlInput {
     }
 
     /// Moves over all bytes of these classes and appends them to `taken`.
-    void TakeWhile(unsigned classes, std::string& taken);
+    void TakeWhile(unsigned classes, std::string& taken) {
+        while (!AtEnd()) {
+            const std::size_t size = RunOf(Rest(), classes);
+            taken.append(m_buffer.data() + m_cursor, size);
+            Pass(size);
+            if (m_cursor < m_size) return;
+        }
+    }
 
     /// Moves to the next place where `text` stands, passing the bytes before it to `take` in pieces. Returns false, at
     /// the end, if there is none.
