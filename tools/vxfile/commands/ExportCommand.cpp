@@ -10,6 +10,7 @@
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/FileKind.h"
 #include "tools/vxfile/io/Interrupt.h"
+#include "tools/vxfile/io/Output.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
@@ -73,6 +74,7 @@ class CExportCommand : public CCommand {
     int Run() override {
         Require(EFileKind::Results, m_results);
         Require(EFileKind::Settings, m_settings);
+        RefuseInputs(m_output);
         const fs::path target = m_output;
         if (fs::is_directory(target)) throw CFailure(m_output + " is a folder; name the workbook in it.");
         const CWorkFolder folder(target);
@@ -99,12 +101,19 @@ class CExportCommand : public CCommand {
         return 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
     }
 
+    void RefuseInputs(const std::string& target) const {
+        RefuseTarget(target, m_results);
+        RefuseTarget(target, m_settings);
+    }
+
     void Move(const fs::path& from, const fs::path& to, std::size_t expected) const {
         std::vector<fs::path> workbooks;
         for (const auto& entry : fs::directory_iterator(from))
             workbooks.push_back(entry.path());
         std::ranges::sort(workbooks);
         if (workbooks.empty()) throw CFailure("No workbook could be written; make room on the disk.");
+        for (const auto& workbook : workbooks)
+            RefuseInputs((to / workbook.filename()).string());
         for (const auto& workbook : workbooks) {
             const fs::path place = to / workbook.filename();
             fs::rename(workbook, place);

@@ -61,11 +61,10 @@ class CRecoverCommand : public CCommand {
         const EFileKind kind = FileKindOf(m_source);
         if (kind != EFileKind::RawData && kind != EFileKind::Unknown)
             throw CFailure(m_source + " is a " + std::string(NameOf(kind)) + "; only raw data files can be recovered.");
+        RefuseTarget(m_target, m_source);
         std::error_code ignored;
-        if (!std::filesystem::exists(m_target, ignored)) return;
-        if (std::filesystem::equivalent(m_source, m_target, ignored))
-            throw CFailure(m_target + " is the file itself, which is never written to; choose another name.");
-        if (!m_force) throw CFailure(m_target + " is there already; choose another name, or replace it with --force.");
+        if (!m_force && std::filesystem::exists(m_target, ignored))
+            throw CFailure(m_target + " is there already; choose another name, or replace it with --force.");
     }
 
     std::string m_source;

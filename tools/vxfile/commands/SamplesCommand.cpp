@@ -53,6 +53,7 @@ class CSamplesCommand : public CCommand {
     int Run() override {
         using enum CSampleForm::EKind;
         m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArrays;
+        m_form.source = m_path;
         CSampleSource source(m_path, m_choice);
         const auto sink = MakeSampleSink(m_form, source);
         CProgress progress("Writing samples", source.Size());

@@ -131,12 +131,11 @@ class CVerifyCommand : public CCommand {
     int Run() override {
         CJson files = CJson::array();
         for (const auto& path : Paths()) {
-            const EFileKind kind = FileKindOf(path);
-            const CVerdict verdict{path, kind, VerifyKind(kind, path)};
-            const int status = verdict.findings.Status();
-            ++m_counts[static_cast<std::size_t>(status)];
-            if (m_json) files.push_back(ToJson(verdict));
-            if (!m_json && !m_quiet) Print(verdict);
+            try {
+                files.push_back(Tell(path));
+            } catch (const CFailure& failure) {
+                files.push_back(Refuse(path, failure.what()));
+            }
         }
         if (m_json && !m_quiet) PrintJson(kText.name, std::move(files));
         if (!m_json && !m_quiet) PrintSummary();
@@ -144,6 +143,25 @@ class CVerifyCommand : public CCommand {
     }
 
  private:
+    /// Returns what JSON has about the file, if it is asked for.
+    CJson Tell(const std::string& path) {
+        const EFileKind kind = FileKindOf(path);
+        const CVerdict verdict{path, kind, VerifyKind(kind, path)};
+        ++m_counts[static_cast<std::size_t>(verdict.findings.Status())];
+        if (!m_json && !m_quiet) Print(verdict);
+        return m_json ? ToJson(verdict) : CJson();
+    }
+
+    /// One file that can't be read doesn't keep the others back.
+    CJson Refuse(const std::string& path, const std::string& sentence) {
+        ++m_counts[kTrouble];
+        if (!m_json && !m_quiet) {
+            std::cout.flush();
+            std::cerr << "vxfile: " << sentence << '\n';
+        }
+        return {{"path", path}, {"error", sentence}};
+    }
+
     std::vector<std::string> Paths() const {
         std::vector<std::string> paths;
         for (const auto& argument : m_arguments) {

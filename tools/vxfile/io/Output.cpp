@@ -35,6 +35,13 @@ int SeekTo(std::FILE* stream, std::int64_t position, int origin) {
 
 }  // namespace
 
+void RefuseTarget(const std::string& target, const std::string& source) {
+    std::error_code ignored;
+    if (target == "-") throw CFailure("This can't go to standard output; name a file by -o.");
+    if (std::filesystem::equivalent(target, source, ignored))
+        throw CFailure(target + " is the file itself, which is never written to; choose another name.");
+}
+
 CWholeFile::CWholeFile(std::string path, bool replace) : m_path(std::move(path)), m_workPath(FreeNameBeside(m_path)) {
     std::error_code ignored;
     if (std::filesystem::is_directory(m_path, ignored)) throw CFailure(m_path + " is a folder; name a file in it.");
@@ -54,12 +61,13 @@ void CWholeFile::Commit() {
     m_committed = true;
 }
 
-COutput::COutput(const std::string& path) {
+COutput::COutput(const std::string& path, const std::string& source) {
     if (path == "-") {
         MakeOutputBinary();
         m_stream = stdout;
         return;
     }
+    RefuseTarget(path, source);
     // A pipe or a device is written to; only a file can be put in the place of another.
     std::error_code ignored;
     const auto status = std::filesystem::status(path, ignored);

@@ -10,6 +10,11 @@
 
 namespace vxfile {
 
+/// Throws `CFailure` if `target` is the file that is read, under whatever name: nothing may take its place. Throws it
+/// for
+/// `-` too, since what stands in its own place only when it is whole can't go to standard output.
+void RefuseTarget(const std::string& target, const std::string& source);
+
 /// A file that is there whole or not at all. It is written under another name beside its place and moved there when it
 /// is done; whatever ends the work before that removes it.
 class CWholeFile {
@@ -35,11 +40,12 @@ class CWholeFile {
     bool m_committed = false;
 };
 
-/// Where the bytes of a command go: a file, or standard output for the path `-`. Everything is buffered, and every
-/// failure is a `CFailure`: a disk that is full never leaves a file that looks whole.
+/// Where the bytes of a command go: a file, or standard output for the path `-`. Never the file `source`, from which
+/// the bytes come. Everything is buffered, and every failure is a `CFailure`: a disk that is full never leaves a file
+/// that looks whole.
 class COutput {
  public:
-    explicit COutput(const std::string& path);
+    COutput(const std::string& path, const std::string& source);
     ~COutput();
     COutput(const COutput&) = delete;
     COutput& operator=(const COutput&) = delete;

@@ -38,7 +38,7 @@ const CRawDataChannelInfo& ChannelOf(const CPiece& piece) {
 class CTextTable : public CSampleSink {
  public:
     CTextTable(const CSampleForm& form, char separator)
-        : m_units(form.units), m_separator(separator), m_output(form.target) {
+        : m_units(form.units), m_separator(separator), m_output(form.target, form.source) {
         std::string names = "task,recording,well,time,";
         names += m_units ? "value\n" : "sample\n";
         for (char& c : names)
@@ -103,7 +103,8 @@ class CTextTable : public CSampleSink {
 class CNpyFile {
  public:
     /// `type` is a description of numpy, and `count` tells how many items will come.
-    CNpyFile(const std::string& target, const std::string& type, std::uint64_t count) : m_output(target) {
+    CNpyFile(const std::string& target, const std::string& source, const std::string& type, std::uint64_t count)
+        : m_output(target, source) {
         constexpr std::size_t kHeaderSize = 192;  // a multiple of 64, so that the items are aligned
         constexpr std::string_view kMagic("\x93NUMPY\x01\x00", 8);
         std::string header(kMagic);
@@ -146,7 +147,7 @@ class CNpyArrays : public CSampleSink {
                            " wells, and an array has one: choose it by --well, put {well} into the name of -o, or ask "
                            "for one --table of all.");
         for (const auto& [well, count] : counts)
-            m_files.try_emplace(well, WithWell(form.target, well), m_units ? "'<f8'" : "'<u2'", count);
+            m_files.try_emplace(well, WithWell(form.target, well), form.source, m_units ? "'<f8'" : "'<u2'", count);
     }
 
     void Put(const CPiece& piece, std::int64_t /*time*/, std::span<const std::uint16_t> samples) override {
@@ -176,7 +177,7 @@ class CNpyArrays : public CSampleSink {
 class CNpyTable : public CSampleSink {
  public:
     CNpyTable(const CSampleForm& form, const CSampleSource& source)
-        : m_units(form.units), m_file(form.target, Type(form.units), Count(source)) {}
+        : m_units(form.units), m_file(form.target, form.source, Type(form.units), Count(source)) {}
 
     void Put(const CPiece& piece, std::int64_t time, std::span<const std::uint16_t> samples) override {
         const CRawDataChannelInfo channel = m_units ? ChannelOf(piece) : CRawDataChannelInfo();

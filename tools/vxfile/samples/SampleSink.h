@@ -15,6 +15,7 @@ struct CSampleForm {
 
     EKind kind = EKind::Csv;
     bool units = false;        ///< In the channel's physical unit instead of steps of the converter.
+    std::string source;        ///< The file that is read.
     std::string target = "-";  ///< A path, or `-` for standard output. Arrays of several wells need `{well}` in it.
 };
 
