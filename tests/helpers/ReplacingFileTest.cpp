@@ -65,6 +65,17 @@ TEST_F(ReplacingFileTest, AReaderThatHasTheOldFileOpenIsNoHindrance) {
     EXPECT_EQ(CountFiles(), 1);
 }
 
+// Where every program has the same number, as in a container, those that died may have left all the names.
+TEST_F(ReplacingFileTest, WhereNoNameIsFreeTheFileIsWrittenInPlace) {
+    constexpr int kNames = 100;
+    for (int i = 0; i < kNames; ++i)
+        WriteAll(m_folder.Path(".vxfileio-" + std::to_string(ProcessNumber()) + "-" + std::to_string(i) + ".new"), "");
+    WriteAll(m_path, "old");
+    Replace(m_path, "new");
+    EXPECT_EQ(ReadAll(m_path), "new");
+    EXPECT_EQ(CountFiles(), kNames + 1);
+}
+
 TEST_F(ReplacingFileTest, WhatCannotBeOpenedIsToldAndLeavesNothing) {
     for (const std::string& path :
          {m_folder.Path("missing/file"), m_folder.Path(""), std::string(), m_folder.Path(std::string("nul\0", 4))}) {

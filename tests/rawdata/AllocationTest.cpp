@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/support/AllocationCount.h"
@@ -41,6 +43,54 @@ TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
         // The first pass for one well remembers places, many in one allocation; the second has nothing to add.
         EXPECT_LE(AllocationCount() - beforeReading, pass == 1 ? 200U / 16 : 0U);
         EXPECT_EQ(count, pass == 0 ? 200 : 100);
+    }
+}
+
+/// Reads a recording to its end, from a fresh reader; the allocation of number `failing` fails, and its call is made
+/// again. Returns the times of the segments.
+std::vector<std::int64_t> TimesReadDespite(std::size_t failing, const std::string& path, std::int32_t well) {
+    std::vector<std::int64_t> times;
+    times.reserve(100);
+    CVXFileIO io;
+    CIRawDataReader& reader = *io.GetRawDataReader();
+    reader.Open(path);
+    reader.SelectWellID(well);
+    EXPECT_TRUE(reader.JumpToData("CompoundTest", 1));
+    FailAllocation(failing);
+    for (bool goesOn = true; goesOn;) {
+        std::int32_t wellID = 0;
+        std::int64_t from = 0;
+        std::int64_t to = 0;
+        std::uint32_t size = 0;
+        std::uint16_t* data = nullptr;
+        try {
+            goesOn = reader.ReadSegment(wellID, from, to, size, data);
+            if (goesOn) times.push_back(from);
+        } catch (const std::bad_alloc&) {
+            FailAllocation(0);
+        }
+    }
+    FailAllocation(0);
+    return times;
+}
+
+TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("grows.vxd");
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    writer.Open(path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    const std::vector<std::uint16_t> samples(20, 5);
+    for (std::int64_t time = 0; time < 8; ++time)
+        writer.WriteData(11 + static_cast<std::int32_t>(time % 2), time, 2 * time, 1, samples.data());
+    writer.Close();
+
+    for (std::size_t failing = 1; failing < 20; ++failing) {
+        const std::vector<std::int64_t> all = {0, 1, 2, 3, 4, 5, 6, 7};
+        EXPECT_EQ(TimesReadDespite(failing, path, -1), all) << failing;
+        EXPECT_EQ(TimesReadDespite(failing, path, 12), std::vector<std::int64_t>({1, 3, 5, 7})) << failing;
     }
 }
 

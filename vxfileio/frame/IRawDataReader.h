@@ -80,6 +80,7 @@ class VXFILEIO_API CIRawDataReader {
     ///
     /// Throws "Error seeking Data Segment." for a position that no file has, and "Error reading Data Segment Header"
     /// where no whole segment header stands or the chain leads back into itself; the position stays at that segment.
+    /// After `std::bad_alloc` the next call delivers the segment that found no room.
     bool ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo, std::uint32_t& size,
                      std::uint16_t*& samples);
 

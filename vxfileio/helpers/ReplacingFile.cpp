@@ -16,9 +16,10 @@ constexpr int kMostNames = 100;
 
 /// Tells whether an error is the folder's answer, that of a disk which is well.
 bool IsRefusal(const std::error_code& error) {
-    static constexpr std::errc kRefusals[] = {std::errc::permission_denied,       std::errc::operation_not_permitted,
-                                              std::errc::read_only_file_system,   std::errc::filename_too_long,
-                                              std::errc::device_or_resource_busy, std::errc::cross_device_link};
+    static constexpr std::errc kRefusals[] = {
+        std::errc::permission_denied, std::errc::operation_not_permitted, std::errc::read_only_file_system,
+        std::errc::filename_too_long, std::errc::device_or_resource_busy, std::errc::cross_device_link,
+        std::errc::file_exists};
     return std::any_of(std::begin(kRefusals), std::end(kRefusals), [&](std::errc one) { return error == one; });
 }
 
