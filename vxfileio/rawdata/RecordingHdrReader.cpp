@@ -48,16 +48,13 @@ bool CRecordingHdrReader::ReadOnce(std::int64_t position, CRawDataRecordingHdr& 
 /// Returns the bytes of the header at the position, zeros behind the end of the file; none if its first cell isn't
 /// whole. They live until the next call.
 std::string_view CRecordingHdrReader::HdrAt(std::int64_t position) {
-    const std::int64_t distance = position - m_lastPosition;
-    const bool near = m_lastPosition != kUnset && distance > 0 && distance <= kNear;
+    // Of two positions that may be any numbers, only those of the same sign have a difference.
+    const bool near = m_lastPosition >= 0 && position > m_lastPosition && position - m_lastPosition <= kNear;
     m_lastPosition = position;
     // Only forwards: our writers point at a header that lies ahead once it is whole, so that bytes read behind the
     // position are as new as the position itself.
-    const auto hdrSize = static_cast<std::int64_t>(m_hdrSize);
-    const std::int64_t end = m_blockPosition + static_cast<std::int64_t>(m_blockSize);
-    if (near && position >= m_blockPosition && position + hdrSize <= end) {
-        return {m_block.data() + (position - m_blockPosition), m_hdrSize};
-    }
+    const auto place = near ? static_cast<std::size_t>(position - m_blockPosition) : 0;
+    if (near && place + m_hdrSize <= m_blockSize) return {m_block.data() + place, m_hdrSize};
     m_block.resize(std::max(near ? kBlock : m_hdrSize, m_block.size()));
     const auto room = std::span(m_block).first(near ? kBlock : m_hdrSize);
     m_blockPosition = position;
