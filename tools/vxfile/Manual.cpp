@@ -56,7 +56,7 @@ std::string OptionWords(const CLI::App& app) {
 }  // namespace
 
 void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& out) {
-    out << ".TH VXFILE 1 \"\" \"vxfile " << VXFILE_VERSION << "\" \"User Commands\"\n"
+    out << R"(.TH VXFILE 1 "" "vxfile )" << VXFILE_VERSION << R"(" "User Commands")" << '\n'
         << ".SH NAME\nvxfile \\- look into, check and save the files of a cell screening instrument\n"
         << ".SH SYNOPSIS\n.B vxfile\n.I COMMAND\n[\\fIOPTIONS\\fR] \\fIFILE\\fR...\n"
         << ".SH DESCRIPTION\n"

@@ -97,7 +97,7 @@ CRecordingProbe CHeaderProbe::Recording(std::int64_t position, std::int32_t vers
         return probe;
     };
     const bool hasStartTime = version >= kNewestVersion;
-    const auto told = layout(hasStartTime ? kNewestVersion : kVersionWithoutStartTime);
+    auto told = layout(hasStartTime ? kNewestVersion : kVersionWithoutStartTime);
     if (told.damaged.none()) return told;
     const auto other = layout(hasStartTime ? kVersionWithoutStartTime : kNewestVersion);
     return other.damaged.count() < told.damaged.count() ? other : told;

@@ -212,7 +212,7 @@ std::string Join(const std::vector<std::string>& words) {
 std::string EncodedWithRoom(CMendedRecording& mended) {
     for (bool left = false;; left = true) {
         try {
-            const auto bytes = Encoded<CRawDataRecordingHdr, kRecordingHdrSize>(mended.header);
+            auto bytes = Encoded<CRawDataRecordingHdr, kRecordingHdrSize>(mended.header);
             if (left) mended.notes.emplace_back("not all of its wells fit into the header");
             return bytes;
         } catch (const CExcVXReader&) {
