@@ -19,7 +19,7 @@ TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has n
 # The programs that look at a room, those most likely to notice first.
 PROGRAMS = {
     "frame": ["frame_test", "rawdata_test", "settings_test"],
-    "helpers": ["helpers_test", "xmlarchive_test", "rawdata_test", "results_test"],
+    "helpers": ["helpers_test", "xmlarchive_test", "rawdata_test", "results_test", "faults_test"],
     "rawdata": ["rawdata_test", "reference_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test"],
     "settings": ["settings_test", "reference_test", "results_test"],
