@@ -1,4 +1,5 @@
 // A list of calls for a file of blocks, held against the same calls on blocks in memory.
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -33,12 +34,12 @@ class CBothFiles {
                 At(a) = block;
                 break;
             case 1: {
-                const std::vector<std::byte> run(a * 100, block[0]);
-                Require(m_file.WriteRun(b, run), "blocks can be written");
-                for (std::size_t i = 0; i < run.size(); i += block.size()) {
-                    Block& to = At(b + i / block.size()) = Block{};
-                    std::copy_n(run.begin(), std::min(block.size(), run.size() - i), to.begin());
-                }
+                const std::vector<std::byte> run(a * block.size(), block[0]);
+                const std::size_t cut = std::min(a, b) * block.size();  // the run goes out in two parts
+                const std::array parts{vxfileio::CBytes(run).first(cut), vxfileio::CBytes(run).subspan(cut)};
+                Require(m_file.WriteRun(b, parts), "blocks can be written");
+                for (std::uint32_t i = 0; i < a; ++i)
+                    At(b + i).fill(block[0]);
                 break;
             }
             case 2:
