@@ -3,6 +3,7 @@
 #include <vxfileio/frame/VXFileIO.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct CKind {
     /// Reads the file and returns its content in words; null for what the library doesn't read. Throws as it does.
     std::string (*read)(CVXFileIO& io, const std::string& path);
 };
+
+/// The name alone: tests are listed by it, and a list must be the same each time.
+inline void PrintTo(const CKind& kind, std::ostream* out) { *out << kind.name; }
 
 /// All kinds.
 const std::vector<CKind>& AllKinds();
