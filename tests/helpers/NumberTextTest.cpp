@@ -2,15 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
+
+#include "vxfileio/helpers/Digits.h"
 
 namespace {
 
@@ -172,6 +176,9 @@ TEST(NumberTextTest, DigitsOfEveryCountAreReadAsTheStandardLibraryReadsThem) {
         const bool fitsToo =
             std::from_chars(minus.data(), minus.data() + minus.size(), negative).ec != std::errc::result_out_of_range;
         ASSERT_EQ(ParseInt64(minus), fitsToo ? negative : std::numeric_limits<std::int64_t>::min()) << text;
+        const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+        const bool isShort = minus.size() >= 17 && digits >= 1 && digits <= 15;
+        ASSERT_EQ(ParseShortWhole(minus), isShort ? std::optional(negative) : std::nullopt) << text;
         double decimal = 0.0;
         std::from_chars(text.data(), end, decimal, std::chars_format::fixed);
         ASSERT_EQ(ParseDouble(text), decimal) << text;

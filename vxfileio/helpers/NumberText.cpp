@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -10,7 +9,7 @@
 #include <system_error>
 #include <type_traits>
 
-#include "vxfileio/helpers/LittleEndian.h"
+#include "vxfileio/helpers/Digits.h"
 
 namespace vxfileio {
 
@@ -50,37 +49,12 @@ bool TakeSign(std::string_view& text) {
 /// Every number of so many digits fits 64 bits.
 constexpr std::ptrdiff_t kMostSafeDigits = 19;
 
-/// Eight characters at once, the first one in the lowest byte: what each differs by from `0`, and which are no digits.
-struct CEightCharacters {
-    explicit CEightCharacters(const char* at)
-        : values(LoadLE64(reinterpret_cast<const std::byte*>(at)) ^ 0x3030303030303030) {}
-
-    /// Returns how many digits they begin with. The sum sets the top bit of a byte above 9; a carry out of such a byte
-    /// only reaches those behind it.
-    int Digits() const {
-        const std::uint64_t others = ((values + 0x7676767676767676) | values) & 0x8080808080808080;
-        return std::countr_zero(others) / 8;
-    }
-
-    /// Returns the number of the first `digits` characters, from 1 to 8: pairs of digits, pairs of pairs, both halves.
-    std::uint64_t Number(int digits) const {
-        std::uint64_t number = values << (64 - 8 * digits);  // zeros in front
-        number = (number * 10 + (number >> 8)) & 0x00FF00FF00FF00FF;
-        number = (number * 100 + (number >> 16)) & 0x0000FFFF0000FFFF;
-        return (number * 10000 + (number >> 32)) & 0x00000000FFFFFFFF;
-    }
-
-    std::uint64_t values;
-};
-
 /// Reads digits from `at` on into `number`, which may overflow, and returns where they end.
 const char* TakeDigits(const char* at, const char* end, std::uint64_t& number) {
-    static constexpr std::array<std::uint64_t, 9> kPowers{1,       10,        100,        1'000,      10'000,
-                                                          100'000, 1'000'000, 10'000'000, 100'000'000};
     if (end - at >= 8) {
         const CEightCharacters characters(at);
         const int digits = characters.Digits();
-        if (digits > 0) number = number * kPowers[static_cast<std::size_t>(digits)] + characters.Number(digits);
+        characters.AppendTo(number, digits);
         at += digits;
         if (digits < 8) return at;
     }

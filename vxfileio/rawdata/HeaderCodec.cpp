@@ -1,9 +1,11 @@
 #include "vxfileio/rawdata/HeaderCodec.h"
 
+#include <concepts>
 #include <string>
 #include <utility>
 
 #include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/helpers/Digits.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
@@ -77,16 +79,33 @@ void FromText(std::string_view text, std::int64_t& value) { value = ParseInt64(t
 void FromText(std::string_view text, std::uint64_t& value) { value = ParseUInt64(text); }
 void FromText(std::string_view text, double& value) { value = ParseDouble(text); }
 
-/// One cell on its way into a header: its bytes, and the key that the table gives it.
+/// One cell on its way into a header. Each cell of the tables has a type of its own, so that its key is known where the
+/// code for it is made: a segment header is decoded for every system call of a reader.
+template <const auto& Cells, std::size_t Number>
 struct CCellBytes {
+    static constexpr std::string_view kKey = Cells[Number].key;
+    static constexpr std::size_t kWidth = Cells[Number].width;
+    static constexpr auto kMember = std::get<Cells[Number].member.index()>(Cells[Number].member);
+
     std::string_view bytes;
-    std::string_view key;
 };
 
-void Take(const CCellBytes& cell, std::string& value) { value = CellValue(cell.bytes); }
-void Take(const CCellBytes& cell, auto& number) { FromText(CellNumber(cell.bytes, cell.key), number); }
+void Take(const auto& cell, std::string& value) { value = CellValue(cell.bytes); }
 
-void Take(const CCellBytes& cell, std::vector<std::int64_t>& list) {
+template <class Number>
+void Take(const auto& cell, Number& number) {
+    const std::string_view text = CellNumber(cell.bytes, cell.kKey);
+    if constexpr (std::signed_integral<Number>) {
+        const auto value = ParseShortWhole(text);
+        if (value && std::in_range<Number>(*value)) {
+            number = static_cast<Number>(*value);
+            return;
+        }
+    }
+    FromText(text, number);
+}
+
+void Take(const auto& cell, std::vector<std::int64_t>& list) {
     list.clear();
     CCellItems items(cell.bytes);
     while (const auto item = items.Next())
@@ -94,23 +113,23 @@ void Take(const CCellBytes& cell, std::vector<std::int64_t>& list) {
 }
 
 template <class Header, class Value>
-bool TakeMember(const CCellBytes& cell, Header& header, Value Header::*member) {
+bool TakeMember(const auto& cell, Header& header, Value Header::*member) {
     Take(cell, header.*member);
     return true;
 }
 
 template <class Header>
-bool TakeMember(const CCellBytes& cell, Header& header, CBareText<Header> member) {
+bool TakeMember(const auto& cell, Header& header, CBareText<Header> member) {
     header.*member.text = CellText(cell.bytes);
     return true;
 }
 
 template <class Header>
-bool TakeMember(const CCellBytes& /*cell*/, Header& /*header*/, std::monostate /*member*/) {
+bool TakeMember(const auto& /*cell*/, Header& /*header*/, std::monostate /*member*/) {
     return true;
 }
 
-bool TakeMember(const CCellBytes& cell, CRawDataRecordingHdr& header, CChannelCount member) {
+bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelCount member) {
     std::int32_t count = 0;
     Take(cell, count);
     if (count < 0 || static_cast<std::size_t>(count) > kMostChannels) return false;
@@ -122,7 +141,7 @@ bool TakeMember(const CCellBytes& cell, CRawDataRecordingHdr& header, CChannelCo
 void TakeChannelItem(std::string_view item, std::int64_t& interval) { interval = ParseInt32(item); }
 void TakeChannelItem(std::string_view item, auto& value) { FromText(item, value); }
 
-bool TakeMember(const CCellBytes& cell, CRawDataRecordingHdr& header, CChannelList member) {
+bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelList member) {
     const auto takeAll = [&](auto field) {
         CCellItems items(cell.bytes);
         for (auto& channel : header.*member.channels) {
@@ -138,17 +157,14 @@ bool TakeMember(const CCellBytes& cell, CRawDataRecordingHdr& header, CChannelLi
 /// Takes one cell of a table off the front of `bytes`, if files of this version have it.
 template <const auto& Cells, std::size_t Number>
 bool DecodeCell(std::int32_t version, std::string_view& bytes, auto& header) {
-    constexpr std::string_view kKey = Cells[Number].key;
-    constexpr std::size_t kWidth = Cells[Number].width;
-    constexpr auto kMember = std::get<Cells[Number].member.index()>(Cells[Number].member);
+    using CCell = CCellBytes<Cells, Number>;
     if (!HasCell(Cells[Number], version)) return true;
-    const CCellBytes taken{bytes.substr(0, kWidth), kKey};
-    bytes.remove_prefix(kWidth);
-    return TakeMember(taken, header, kMember);
+    const CCell taken{bytes.substr(0, CCell::kWidth)};
+    bytes.remove_prefix(CCell::kWidth);
+    return TakeMember(taken, header, CCell::kMember);
 }
 
-/// Decodes the cells from number `First` up to `End`. Each has code of its own, made for its key and type: a segment
-/// header is decoded for every system call of a reader.
+/// Decodes the cells from number `First` up to `End`.
 template <const auto& Cells, std::size_t First = 0, std::size_t End = Cells.size()>
 bool DecodeCells(std::int32_t version, std::string_view bytes, auto& header) {
     return [&]<std::size_t... Numbers>(std::index_sequence<Numbers...>) {
