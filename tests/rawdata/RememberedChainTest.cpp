@@ -121,7 +121,7 @@ TEST_F(RememberedChainTest, SegmentsPassedOverOnceAreNotReadAgain) {
     Patch(m_starts[2], "Typo");
     EXPECT_EQ(Pass(12), first);
     EXPECT_EQ(Pass(-1), std::string("11[0..0]0,1,2,3 12[1..1]100,101,102,103 ") + kBadSegment);
-    m_reader.Open(m_path);  // forgets
+    // That failure made the reader forget.
     EXPECT_EQ(Pass(12), std::string("12[1..1]100,101,102,103 ") + kBadSegment);
 }
 
@@ -158,6 +158,27 @@ TEST_F(RememberedChainTest, SegmentsAppendedLaterAreFound) {
     Patch(end, SegmentHdrBytes(12, -1, 9, 9, "4") + SampleBytes(kWell12));
     Patch(m_starts.back() + 100, Cell(50, "FPosNextSegmentHdr=" + std::to_string(end)));
     EXPECT_EQ(Pass(12), before.substr(0, before.size() - 3) + "12[9..9]7,8,9,10 end");
+}
+
+// However the pass before came upon the circle: by its failure, or in a few segments that it took, of any well.
+TEST_F(RememberedChainTest, CirclesMendedInTheFileAreGoneInTheNextPass) {
+    for (const std::size_t back : {0, 1, 4}) {
+        for (const int well : {-1, 11, 12, 13, 99}) {
+            for (const int most : {1, 4, 1000}) {
+                Write(9);
+                m_reader.Open(m_path);
+                const std::string whole = Pass(well);
+                const auto next = m_bytes.substr(m_starts[4] + 100, 50);
+                Patch(m_starts[4] + 100, Cell(50, "FPosNextSegmentHdr=" + std::to_string(m_starts[back])));
+                m_reader.Open(m_path);
+                m_reader.JumpToData("CompoundTest", 1);
+                const std::string segments = SegmentsOf(m_reader, most);
+                EXPECT_TRUE(most < 1000 || segments.ends_with(kBadSegment)) << segments;
+                Patch(m_starts[4] + 100, next);
+                EXPECT_EQ(Pass(well), whole) << back << " " << well << " " << most;
+            }
+        }
+    }
 }
 
 // Another writer begins the file anew: where segments stood, there are now samples.

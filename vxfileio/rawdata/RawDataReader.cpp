@@ -118,6 +118,10 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
     } catch (const std::bad_alloc&) {
         m_pass = before;
         throw;
+    } catch (const CExcVXReader&) {
+        // What led here may be mended in the file before the next pass, which mustn't know better.
+        if (m_chain != nullptr) m_chain->ForgetFrom(0);
+        throw;
     }
     timeFrom = header.TimeFrom;
     timeTo = header.TimeTo;
@@ -241,7 +245,7 @@ void CRawDataReader::PassBehind(const CSegmentHdr& header) {
     if (m_chain != nullptr) m_chain->Confirm(m_pass.number, place, header.FPosNextSegmentHdr);
     if (m_selectedWell != kAllWells) {
         if (m_chain == nullptr) m_chain = &m_chains[m_dataPosition];
-        m_chain->Remember(m_pass.number, place);
+        m_chain->Remember(m_pass.number, place, header.FPosNextSegmentHdr);
     }
     m_pass.position = header.FPosNextSegmentHdr;
     ++m_pass.number;

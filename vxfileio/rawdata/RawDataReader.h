@@ -20,7 +20,8 @@
 /// possible: no size out of it reaches an allocation before it was held against the bytes that are there.
 ///
 /// A pass for one well remembers where the segments of the recording stand, so that the next one reads only what it
-/// delivers. A pass over all wells reads every segment anyway and remembers nothing.
+/// delivers. A pass over all wells reads every segment anyway and remembers nothing. After a failure, and in a chain
+/// that turns back, nothing is remembered: the next pass walks the file as it stands by then.
 class CRawDataReader {
  public:
     CRawDataReader() = default;

@@ -32,16 +32,19 @@ class CSegmentChain {
 
     /// Takes note of a header that was read as that of the segment with this number: if it contradicts what is
     /// remembered of it or of its successor, that is forgotten with all behind it. `next` is where its chain goes on.
+    /// A chain that turns back is forgotten whole: it may be a circle, and once that is mended in the file, nothing
+    /// of it may be left.
     void Confirm(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
+        if (!LeadsOn(place, next)) ForgetFrom(0);
         const CSegmentPlace* const successor = Find(number + 1);
         if (successor != nullptr && successor->position != next) ForgetFrom(number + 1);
         const CSegmentPlace* const remembered = Find(number);
         if (remembered != nullptr && *remembered != place) ForgetFrom(number);
     }
 
-    /// Remembers the segment with this number if all ahead of it are remembered, too.
-    void Remember(std::size_t number, const CSegmentPlace& place) {
-        if (number == m_places.size()) m_places.push_back(place);
+    /// Remembers the segment with this number if all ahead of it are remembered, too. `next` is as for `Confirm`.
+    void Remember(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
+        if (number == m_places.size() && LeadsOn(place, next)) m_places.push_back(place);
     }
 
     /// Forgets the segment with this number and all behind it.
@@ -50,6 +53,11 @@ class CSegmentChain {
     }
 
  private:
+    /// Writers append, so that each segment of theirs leads further on, or nowhere.
+    static bool LeadsOn(const CSegmentPlace& place, std::int64_t next) {
+        return next == kUnset || next > place.position;
+    }
+
     std::deque<CSegmentPlace> m_places;  ///< It grows without ever being copied.
 };
 
