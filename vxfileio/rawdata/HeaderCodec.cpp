@@ -173,6 +173,14 @@ bool DecodeCells(std::int32_t version, std::string_view bytes, auto& header) {
     (std::make_index_sequence<End - First>());
 }
 
+/// Decodes one cell where it stands in a header that is the same in all versions.
+template <const auto& Cells, std::size_t Number>
+void DecodeCellInPlace(std::string_view bytes, auto& header) {
+    using CCell = CCellBytes<Cells, Number>;
+    constexpr std::size_t kOffset = SizeOf(std::span(Cells).first(Number));
+    TakeMember(CCell{bytes.substr(kOffset, CCell::kWidth)}, header, CCell::kMember);
+}
+
 }  // namespace
 
 void Encode(const CRawDataFileHdr& header, std::span<char, kFileHdrSize> bytes) {
@@ -195,7 +203,21 @@ void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char>
 
 void Decode(std::string_view bytes, CRawDataFileHdr& header) { DecodeCells<kFileCells>(kNewestVersion, bytes, header); }
 
-void Decode(std::string_view bytes, CSegmentHdr& header) { DecodeCells<kSegmentCells>(kNewestVersion, bytes, header); }
+void Decode(std::string_view bytes, CSegmentHdr& header) {
+    DecodeAllButTimes(bytes, header);
+    DecodeTimes(bytes, header);
+}
+
+void DecodeAllButTimes(std::string_view bytes, CSegmentHdr& header) {
+    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "ID")>(bytes, header);
+    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "FPosNextSegmentHdr")>(bytes, header);
+    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "Size")>(bytes, header);
+}
+
+void DecodeTimes(std::string_view bytes, CSegmentHdr& header) {
+    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "TimeFrom")>(bytes, header);
+    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "TimeTo")>(bytes, header);
+}
 
 bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {
     DecodeAllButChannels(bytes, version, header);

@@ -29,6 +29,11 @@ void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char>
 void Decode(std::string_view bytes, CRawDataFileHdr& header);
 void Decode(std::string_view bytes, CSegmentHdr& header);
 
+/// What has to be known of a segment to pass over it.
+void DecodeAllButTimes(std::string_view bytes, CSegmentHdr& header);
+/// The rest of it.
+void DecodeTimes(std::string_view bytes, CSegmentHdr& header);
+
 /// `version` is the file's own. Returns false, with the header half set, if it claims more channels than any cell can
 /// list.
 bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header);

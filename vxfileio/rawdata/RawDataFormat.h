@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -152,13 +153,18 @@ struct CCellPlace {
     std::size_t width = 0;
 };
 
-/// Returns the place of the first cell with this key; a key that no cell has doesn't compile.
+/// Returns the number of the first cell with this key; a key that no cell has doesn't compile.
+consteval std::size_t NumberOf(const auto& cells, std::string_view key) {
+    std::size_t number = 0;
+    while (cells[number].key != key)
+        ++number;
+    return number;
+}
+
+/// Returns the place of the first cell with this key.
 consteval CCellPlace PlaceOf(const auto& cells, std::string_view key) {
-    std::size_t offset = 0;
-    const auto* cell = cells.begin();
-    for (; cell->key != key; ++cell)
-        offset += cell->width;
-    return {cell->key, offset, cell->width};
+    const std::size_t number = NumberOf(cells, key);
+    return {cells[number].key, SizeOf(std::span(cells).first(number)), cells[number].width};
 }
 
 inline constexpr std::size_t kFileHdrSize = SizeOf(kFileCells);

@@ -112,12 +112,8 @@ bool CRawDataReader::JumpToData(const std::string& taskName, std::int32_t record
 bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo,
                                  std::uint32_t& size, std::uint16_t*& samples) {
     CSegmentHdr header;
-    const CPass before = m_pass;
     try {
         if (!FetchNext(header, wellID)) return false;
-    } catch (const std::bad_alloc&) {
-        m_pass = before;
-        throw;
     } catch (const CExcVXReader&) {
         // What led here may be mended in the file before the next pass, which mustn't know better.
         if (m_chain != nullptr) m_chain->ForgetFrom(0);
@@ -130,20 +126,21 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
     return true;
 }
 
-/// Fetches the next segment of the selected well, header and samples. Returns false at the end of the chain.
+/// Fetches the next segment of the selected well, header and samples. Returns false at the end of the chain. The pass
+/// moves on only from what is done with: whatever memory is wanting, the same segment is the next one.
 bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
-    std::size_t sampleBytes = 0;
-    std::int64_t dataPosition = kUnset;
-    do {
-        if (m_pass.position == kUnset) return false;
-        sampleBytes = ReadNextHdr(header, wellID);
-        dataPosition = m_pass.position + static_cast<std::int64_t>(kSegmentHdrSize);
+    while (m_pass.position != kUnset) {
+        const std::size_t sampleBytes = ReadNextHdr(header, wellID);
         wellID = header.ID;
-        if (IsWanted(wellID)) RefuseImpossibleSize(dataPosition, sampleBytes, static_cast<std::uint32_t>(header.Size));
+        const bool isWanted = IsWanted(wellID);
+        if (isWanted) {
+            DecodeTimes(m_segment.Hdr(), header);
+            CompleteSamples(sampleBytes, static_cast<std::uint32_t>(header.Size));
+        }
         PassBehind(header);
-    } while (!IsWanted(wellID));
-    FetchSamples(dataPosition, sampleBytes, static_cast<std::uint32_t>(header.Size));
-    return true;
+        if (isWanted) return true;
+    }
+    return false;
 }
 
 void CRawDataReader::ReadFileHdr() {
@@ -182,7 +179,6 @@ CRawDataReader::CPass CRawDataReader::BeginningAt(std::int64_t position) const {
 /// Moves on to the next segment that is worth reading: one of the selected well, or the last that is remembered, since
 /// what follows that one isn't.
 void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
-    if (m_chain == nullptr || m_selectedWell == kAllWells) return;
     const CSegmentPlace* place = Remembered();
     while (place != nullptr && place->wellID != m_selectedWell) {
         const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
@@ -207,36 +203,47 @@ std::uint32_t CRawDataReader::MakeRoomForNext() {
     return m_selectedWell == kAllWells ? m_segment.Count() : 0;
 }
 
-/// Reads the header at the position of the pass, and as many of the samples behind it as are expected. Returns false if
-/// no whole header stands there.
+/// Reads the header at the position of the pass, apart from its times, and as many of the samples behind it as are
+/// expected. Returns false if no whole header stands there.
 bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     const std::size_t expected = MakeRoomForNext() * std::size_t{kSampleBytes};
     m_segment.MakeRoomFor(m_segment.Count());
     const CMutableBytes bytes = m_segment.SegmentBytes().first(kSegmentHdrSize + expected);
     const std::size_t read = m_file.ReadUpTo(m_pass.position, bytes);
-    if (read < kSegmentCells.front().width || !m_segment.Hdr().starts_with(kSegmentCells.front().key)) return false;
+    constexpr std::string_view kKey = kSegmentCells.front().key;
+    if (read < kSegmentCells.front().width || !m_segment.Hdr().starts_with(kKey)) return false;
     if (read < kSegmentHdrSize) std::ranges::fill(bytes.first(kSegmentHdrSize).subspan(read), std::byte{0});
-    Decode(m_segment.Hdr(), header);
+    DecodeAllButTimes(m_segment.Hdr(), header);
     sampleBytes = read - std::min(read, kSegmentHdrSize);
     return true;
+}
+
+/// Passes over what is remembered and nobody wants, and reads the header behind it. Returns false, at the place where
+/// it began, if there is nothing to pass over, or if the file says something else by now: it was rewritten, and what
+/// was passed over may not be what it was, either.
+bool CRawDataReader::ReadHdrBehindRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes) {
+    const CPass behindLastRead = m_pass;
+    try {
+        PassOverRemembered(wellID);
+        if (m_pass.number == behindLastRead.number) return false;
+        if (ReadHdr(header, sampleBytes) && header.ID == Remembered()->wellID) return true;
+    } catch (const std::bad_alloc&) {
+        m_pass = behindLastRead;
+        throw;
+    }
+    m_pass = behindLastRead;
+    m_chain->ForgetFrom(m_pass.number);
+    return false;
 }
 
 /// Reads the header of the next segment that is worth reading. Returns how many bytes of its samples came along; none
 /// if it has another size than expected.
 std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID) {
     std::size_t sampleBytes = 0;
-    const CPass behindLastRead = m_pass;
-    PassOverRemembered(wellID);
-    bool found = ReadHdr(header, sampleBytes);
-    if (m_pass.number != behindLastRead.number && !(found && header.ID == Remembered()->wellID)) {
-        // The file was rewritten: what was passed over may not be what it was, either.
-        m_pass = behindLastRead;
-        m_chain->ForgetFrom(m_pass.number);
-        found = ReadHdr(header, sampleBytes);
-    }
-    if (m_pass.position < 0) throw CExcVXReader(kBadSegmentPosition);
-    if (!found || !m_pass.guard.Admits(m_pass.position)) throw CExcVXReader(kBadSegmentHdr);
-    return sampleBytes;
+    const bool mayKnow = m_chain != nullptr && m_selectedWell != kAllWells;
+    if (mayKnow && ReadHdrBehindRemembered(header, wellID, sampleBytes)) return sampleBytes;
+    if (ReadHdr(header, sampleBytes)) return sampleBytes;
+    throw CExcVXReader(m_pass.position < 0 ? kBadSegmentPosition : kBadSegmentHdr);
 }
 
 /// Moves on behind the segment whose header was just read.
@@ -247,22 +254,25 @@ void CRawDataReader::PassBehind(const CSegmentHdr& header) {
         if (m_chain == nullptr) m_chain = &m_chains[m_dataPosition];
         m_chain->Remember(m_pass.number, place, header.FPosNextSegmentHdr);
     }
+    if (!m_pass.guard.Admits(m_pass.position)) throw CExcVXReader(kBadSegmentHdr);
     m_pass.position = header.FPosNextSegmentHdr;
     ++m_pass.number;
 }
 
-/// `read` bytes of the samples are known to be there; the file is asked only if that doesn't settle it.
-void CRawDataReader::RefuseImpossibleSize(std::int64_t dataPosition, std::size_t read, std::uint32_t size) const {
-    const std::int64_t bytes = size * kSampleBytes;
-    if (bytes - static_cast<std::int64_t>(read) <= kMostMissingBytes) return;
-    if (bytes - kMostMissingBytes > m_file.Size() - dataPosition) throw CExcVXReader(kBadSegmentHdr);
+/// Completes the samples of the segment whose header was just read: all of them, unless they are what was expected and
+/// came along in these first `read` bytes.
+void CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
+    if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return;
+    const std::int64_t position = m_pass.position + static_cast<std::int64_t>(kSegmentHdrSize);
+    RefuseImpossibleSize(position, size);
+    m_segment.MakeRoomFor(size);
+    read = m_file.ReadUpTo(position, m_segment.SampleBytes());
+    std::ranges::fill(m_segment.SampleBytes().subspan(read), std::byte{0});
 }
 
-/// Completes the samples of a segment: all of them, unless they are what was expected and came along.
-void CRawDataReader::FetchSamples(std::int64_t dataPosition, std::size_t read, std::uint32_t size) {
-    if (read != size * std::size_t{kSampleBytes} || m_segment.Count() != size) {
-        m_segment.MakeRoomFor(size);
-        read = m_file.ReadUpTo(dataPosition, m_segment.SampleBytes());
-    }
-    std::ranges::fill(m_segment.SampleBytes().subspan(read), std::byte{0});
+/// The file is asked only if a segment is too large to be delivered whatever the file's size.
+void CRawDataReader::RefuseImpossibleSize(std::int64_t position, std::uint32_t size) const {
+    const std::int64_t bytes = size * kSampleBytes;
+    if (bytes <= kMostMissingBytes) return;
+    if (bytes - kMostMissingBytes > m_file.Size() - position) throw CExcVXReader(kBadSegmentHdr);
 }

@@ -66,10 +66,12 @@ class CRawDataReader {
     void PassOverRemembered(std::int32_t& wellID);
     std::uint32_t MakeRoomForNext();
     bool ReadHdr(vxfileio::rawdata::CSegmentHdr& header, std::size_t& sampleBytes);
+    bool ReadHdrBehindRemembered(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID,
+                                 std::size_t& sampleBytes);
     std::size_t ReadNextHdr(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID);
     void PassBehind(const vxfileio::rawdata::CSegmentHdr& header);
-    void RefuseImpossibleSize(std::int64_t dataPosition, std::size_t read, std::uint32_t size) const;
-    void FetchSamples(std::int64_t dataPosition, std::size_t read, std::uint32_t size);
+    void CompleteSamples(std::size_t read, std::uint32_t size);
+    void RefuseImpossibleSize(std::int64_t position, std::uint32_t size) const;
 
     vxfileio::CFile m_file;
     CRawDataIndex m_index;                           ///< One entry per recording, in file order.

@@ -36,10 +36,10 @@ class CSegmentChain {
     /// of it may be left.
     void Confirm(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
         if (!LeadsOn(place, next)) ForgetFrom(0);
+        if (number >= m_places.size()) return;
         const CSegmentPlace* const successor = Find(number + 1);
         if (successor != nullptr && successor->position != next) ForgetFrom(number + 1);
-        const CSegmentPlace* const remembered = Find(number);
-        if (remembered != nullptr && *remembered != place) ForgetFrom(number);
+        if (m_places[number] != place) ForgetFrom(number);
     }
 
     /// Remembers the segment with this number if all ahead of it are remembered, too. `next` is as for `Confirm`.
