@@ -162,7 +162,7 @@ TEST_F(RememberedChainTest, SegmentsAppendedLaterAreFound) {
 
 // However the pass before came upon the circle: by its failure, or in a few segments that it took, of any well.
 TEST_F(RememberedChainTest, CirclesMendedInTheFileAreGoneInTheNextPass) {
-    for (const std::size_t back : {0, 1, 4}) {
+    for (const std::size_t back : {0U, 1U, 4U}) {
         for (const int well : {-1, 11, 12, 13, 99}) {
             for (const int most : {1, 4, 1000}) {
                 Write(9);

@@ -1,9 +1,5 @@
 #include "vxfileio/rawdata/CellCodec.h"
 
-#include <algorithm>
-
-#include "vxfileio/rawdata/RawDataFormat.h"
-
 namespace vxfileio::rawdata {
 
 namespace {
@@ -12,32 +8,6 @@ namespace {
 constexpr CCharSet kSeparators("=:\r\n");
 
 }  // namespace
-
-CCellWriter::CCellWriter(std::span<char> cell, std::string_view key) : m_room(cell.first(cell.size() - kCellEndSize)) {
-    std::fill(cell.begin(), cell.end(), '\0');
-    cell[cell.size() - 2] = '\r';
-    cell[cell.size() - 1] = '\n';
-    PutBare(key);
-}
-
-void CCellWriter::PutBare(std::string_view text) {
-    if (text.size() > m_room.size()) {
-        m_fits = false;
-        return;
-    }
-    std::copy(text.begin(), text.end(), m_room.begin());
-    m_room = m_room.subspan(text.size());
-}
-
-void CCellWriter::PutItem(std::string_view item) {
-    PutBare(m_hasItem ? ":" : "=");
-    PutBare(item);
-    m_hasItem = true;
-}
-
-void CCellWriter::PutValue(std::string_view value) {
-    if (!value.empty()) PutItem(value);
-}
 
 std::string_view CellText(std::string_view cell) { return cell.substr(0, cell.find('\0')); }
 

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <algorithm>
+#include <charconv>
+#include <concepts>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <system_error>
 
 #include "vxfileio/helpers/Tokenizer.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
 
 /// @file
 /// One cell as bytes: `key=value` or `key=item:item`, NUL bytes, CR LF.
@@ -15,21 +20,55 @@ namespace vxfileio::rawdata {
 class CCellWriter {
  public:
     /// Fills the whole cell, with the key as its text so far. The bytes stay the caller's.
-    CCellWriter(std::span<char> cell, std::string_view key);
+    CCellWriter(std::span<char> cell, std::string_view key) : m_room(cell.first(cell.size() - kCellEndSize)) {
+        std::fill(cell.begin(), cell.end(), '\0');
+        cell[cell.size() - 2] = '\r';
+        cell[cell.size() - 1] = '\n';
+        PutBare(key);
+    }
 
     /// Adds text as it stands.
-    void PutBare(std::string_view text);
+    void PutBare(std::string_view text) {
+        if (text.size() > m_room.size()) {
+            m_fits = false;
+            return;
+        }
+        std::copy(text.begin(), text.end(), m_room.begin());
+        m_room = m_room.subspan(text.size());
+    }
 
     /// Adds a value, or the next item of a list, behind its `=` or `:`. It isn't empty.
-    void PutItem(std::string_view item);
+    void PutItem(std::string_view item) {
+        PutSeparator();
+        PutBare(item);
+    }
+
+    /// The same with a whole number.
+    void PutItem(std::integral auto number) {
+        PutSeparator();
+        char* const begin = m_room.data();
+        const auto [end, error] = std::to_chars(begin, begin + m_room.size(), number);
+        if (error != std::errc()) {
+            m_fits = false;
+            return;
+        }
+        m_room = m_room.subspan(static_cast<std::size_t>(end - begin));
+    }
 
     /// Adds a value that may be empty: then the cell keeps its key alone.
-    void PutValue(std::string_view value);
+    void PutValue(std::string_view value) {
+        if (!value.empty()) PutItem(value);
+    }
 
     /// Tells whether all that was put had room.
     bool Fits() const { return m_fits; }
 
  private:
+    void PutSeparator() {
+        PutBare(m_hasItem ? ":" : "=");
+        m_hasItem = true;
+    }
+
     std::span<char> m_room;  ///< What is left for text.
     bool m_fits = true;
     bool m_hasItem = false;

@@ -14,25 +14,27 @@ namespace vxfileio::rawdata {
 
 namespace {
 
+/// One cell of a table. Each has a type of its own, so that its key is known where the code for it is made: the header
+/// of a segment is encoded or decoded for every call of the system or two.
+template <const auto& Cells, std::size_t Number>
+struct CTableCell {
+    static constexpr std::string_view kKey = Cells[Number].key;
+    static constexpr std::size_t kWidth = Cells[Number].width;
+    static constexpr auto kMember = std::get<Cells[Number].member.index()>(Cells[Number].member);
+    static constexpr std::optional<std::string_view> kStandBy = Cells[Number].standBy;
+};
+
 void RefuseUnlessFitting(const CCellWriter& writer, std::string_view key) {
     if (!writer.Fits()) throw CExcVXReader(kDoesNotFit + std::string(key));
 }
 
 // ---- Values to text -------------------------------------------------------------------------------------------------
 
-CNumberText ToText(std::int32_t value) { return CNumberText(value); }
-CNumberText ToText(std::int64_t value) { return CNumberText(value); }
-CNumberText ToText(std::uint64_t value) { return CNumberText(value); }
-CNumberText ToText(double value) { return CNumberText::General(value); }
-
 void Put(CCellWriter& writer, const std::string& value) { writer.PutValue(value); }
 
-void Put(CCellWriter& writer, const auto& number) { writer.PutItem(ToText(number).View()); }
+void Put(CCellWriter& writer, std::integral auto number) { writer.PutItem(number); }
 
-void Put(CCellWriter& writer, const std::vector<std::int64_t>& list) {
-    for (const auto number : list)
-        Put(writer, number);
-}
+void Put(CCellWriter& writer, double number) { writer.PutItem(CNumberText::General(number).View()); }
 
 template <class Header, class Value>
 void PutMember(CCellWriter& writer, const Header& header, Value Header::*member) {
@@ -59,17 +61,24 @@ void PutMember(CCellWriter& writer, const CRawDataRecordingHdr& header, CChannel
     std::visit(putAll, member.field);
 }
 
-void EncodeCells(const auto& cells, const auto& header, std::span<char> bytes) {
-    for (const auto& cell : cells) {
-        CCellWriter writer(bytes.first(cell.width), cell.key);
-        if (cell.standBy) {
-            writer.PutValue(*cell.standBy);
-        } else {
-            std::visit([&](auto member) { PutMember(writer, header, member); }, cell.member);
-        }
-        RefuseUnlessFitting(writer, cell.key);
-        bytes = bytes.subspan(cell.width);
+/// Encodes one cell of a table at the front of `bytes`, and takes that off.
+template <const auto& Cells, std::size_t Number>
+void EncodeCell(const auto& header, std::span<char>& bytes) {
+    using CCell = CTableCell<Cells, Number>;
+    CCellWriter writer(bytes.first(CCell::kWidth), CCell::kKey);
+    if constexpr (CCell::kStandBy) {
+        writer.PutValue(*CCell::kStandBy);
+    } else {
+        PutMember(writer, header, CCell::kMember);
     }
+    RefuseUnlessFitting(writer, CCell::kKey);
+    bytes = bytes.subspan(CCell::kWidth);
+}
+
+template <const auto& Cells>
+void EncodeCells(const auto& header, std::span<char> bytes) {
+    [&]<std::size_t... Numbers>(std::index_sequence<Numbers...>) { (EncodeCell<Cells, Numbers>(header, bytes), ...); }
+    (std::make_index_sequence<Cells.size()>());
 }
 
 // ---- Text to values -------------------------------------------------------------------------------------------------
@@ -79,22 +88,20 @@ void FromText(std::string_view text, std::int64_t& value) { value = ParseInt64(t
 void FromText(std::string_view text, std::uint64_t& value) { value = ParseUInt64(text); }
 void FromText(std::string_view text, double& value) { value = ParseDouble(text); }
 
-/// One cell on its way into a header. Each cell of the tables has a type of its own, so that its key is known where the
-/// code for it is made: a segment header is decoded for every system call of a reader.
-template <const auto& Cells, std::size_t Number>
+/// The bytes of a cell on its way into a header.
+template <class CCell>
 struct CCellBytes {
-    static constexpr std::string_view kKey = Cells[Number].key;
-    static constexpr std::size_t kWidth = Cells[Number].width;
-    static constexpr auto kMember = std::get<Cells[Number].member.index()>(Cells[Number].member);
-
     std::string_view bytes;
 };
 
-void Take(const auto& cell, std::string& value) { value = CellValue(cell.bytes); }
+template <class CCell>
+void Take(const CCellBytes<CCell>& cell, std::string& value) {
+    value = CellValue(cell.bytes);
+}
 
-template <class Number>
-void Take(const auto& cell, Number& number) {
-    const std::string_view text = CellNumber(cell.bytes, cell.kKey);
+template <class CCell, class Number>
+void Take(const CCellBytes<CCell>& cell, Number& number) {
+    const std::string_view text = CellNumber(cell.bytes, CCell::kKey);
     if constexpr (std::signed_integral<Number>) {
         const auto value = ParseShortWhole(text);
         if (value && std::in_range<Number>(*value)) {
@@ -105,7 +112,8 @@ void Take(const auto& cell, Number& number) {
     FromText(text, number);
 }
 
-void Take(const auto& cell, std::vector<std::int64_t>& list) {
+template <class CCell>
+void Take(const CCellBytes<CCell>& cell, std::vector<std::int64_t>& list) {
     list.clear();
     CCellItems items(cell.bytes);
     while (const auto item = items.Next())
@@ -157,9 +165,9 @@ bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelList mem
 /// Takes one cell of a table off the front of `bytes`, if files of this version have it.
 template <const auto& Cells, std::size_t Number>
 bool DecodeCell(std::int32_t version, std::string_view& bytes, auto& header) {
-    using CCell = CCellBytes<Cells, Number>;
+    using CCell = CTableCell<Cells, Number>;
     if (!HasCell(Cells[Number], version)) return true;
-    const CCell taken{bytes.substr(0, CCell::kWidth)};
+    const CCellBytes<CCell> taken{bytes.substr(0, CCell::kWidth)};
     bytes.remove_prefix(CCell::kWidth);
     return TakeMember(taken, header, CCell::kMember);
 }
@@ -176,28 +184,34 @@ bool DecodeCells(std::int32_t version, std::string_view bytes, auto& header) {
 /// Decodes one cell where it stands in a header that is the same in all versions.
 template <const auto& Cells, std::size_t Number>
 void DecodeCellInPlace(std::string_view bytes, auto& header) {
-    using CCell = CCellBytes<Cells, Number>;
+    using CCell = CTableCell<Cells, Number>;
     constexpr std::size_t kOffset = SizeOf(std::span(Cells).first(Number));
-    TakeMember(CCell{bytes.substr(kOffset, CCell::kWidth)}, header, CCell::kMember);
+    TakeMember(CCellBytes<CCell>{bytes.substr(kOffset, CCell::kWidth)}, header, CCell::kMember);
 }
 
 }  // namespace
 
 void Encode(const CRawDataFileHdr& header, std::span<char, kFileHdrSize> bytes) {
-    EncodeCells(kFileCells, header, bytes);
+    EncodeCells<kFileCells>(header, bytes);
 }
 
 void Encode(const CRawDataRecordingHdr& header, std::span<char, kRecordingHdrSize> bytes) {
-    EncodeCells(kRecordingCells, header, bytes);
+    EncodeCells<kRecordingCells>(header, bytes);
 }
 
 void Encode(const CSegmentHdr& header, std::span<char, kSegmentHdrSize> bytes) {
-    EncodeCells(kSegmentCells, header, bytes);
+    EncodeCells<kSegmentCells>(header, bytes);
 }
 
 void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char> cell) {
     CCellWriter writer(cell.first(place.width), place.key);
     writer.PutValue(value);
+    RefuseUnlessFitting(writer, place.key);
+}
+
+void EncodeCell(const CCellPlace& place, std::int64_t value, std::span<char> cell) {
+    CCellWriter writer(cell.first(place.width), place.key);
+    writer.PutItem(value);
     RefuseUnlessFitting(writer, place.key);
 }
 

@@ -21,6 +21,7 @@ void Encode(const CSegmentHdr& header, std::span<char, kSegmentHdrSize> bytes);
 
 /// Fills one cell, as wide as its place says, for rewriting it. Throws `CExcVXReader` if the value doesn't fit.
 void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char> cell);
+void EncodeCell(const CCellPlace& place, std::int64_t value, std::span<char> cell);
 
 /// @name Decoding
 /// Each sets the fields of `header` from `bytes`, taking every cell on trust. A list shorter than its count leaves the

@@ -153,8 +153,8 @@ struct CCellPlace {
     std::size_t width = 0;
 };
 
-/// Returns the number of the first cell with this key; a key that no cell has doesn't compile.
-consteval std::size_t NumberOf(const auto& cells, std::string_view key) {
+/// Returns the number of the first cell with this key, for constants: a key that no cell has doesn't compile.
+constexpr std::size_t NumberOf(const auto& cells, std::string_view key) {
     std::size_t number = 0;
     while (cells[number].key != key)
         ++number;

@@ -8,13 +8,11 @@
 
 #include "vxfileio/frame/EnumerationWords.h"
 #include "vxfileio/frame/ExcVXReader.h"
-#include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 
 using namespace vxfileio::rawdata;
 using vxfileio::CBytes;
-using vxfileio::CNumberText;
 
 namespace {
 
@@ -205,7 +203,7 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     std::array<char, kFinishedSize> bytes{};
     std::span<char> room(bytes);
     for (std::size_t i = 0; i < values.size(); ++i) {
-        EncodeCell(kFinishedCells[i], CNumberText(values[i]).View(), room);
+        EncodeCell(kFinishedCells[i], values[i], room);
         room = room.subspan(kFinishedCells[i].width);
     }
     Rewrite(m_recordingHdr + static_cast<std::int64_t>(kFinishedCells[0].offset), {bytes.data(), bytes.size()});
@@ -215,7 +213,7 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
 void CRawDataWriter::RewritePosition(std::int64_t hdr, const CCellPlace& place, std::int64_t position) {
     std::array<char, kMostRewritten> bytes{};
     const auto cell = std::span(bytes).first(place.width);
-    EncodeCell(place, CNumberText(position).View(), cell);
+    EncodeCell(place, position, cell);
     Rewrite(hdr + static_cast<std::int64_t>(place.offset), {cell.data(), cell.size()});
 }
 
