@@ -1,17 +1,26 @@
 #include "vxfileio/xmlarchive/XmlInput.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace gd_xml_stream {
+
+/// Closes the gaps ahead of what was gathered and behind it. Of a long element only what is new is moved.
+void XmlInput::MoveToFront() {
+    if (m_gathered == m_gatheredEnd) ForgetGathered();
+    const auto at = [this](std::size_t place) { return m_buffer.begin() + static_cast<std::ptrdiff_t>(place); };
+    if (m_gathered > 0) std::copy(at(m_gathered), at(m_gatheredEnd), at(0));
+    m_gatheredEnd -= std::exchange(m_gathered, 0);
+    if (m_gatheredEnd < m_cursor) std::copy(at(m_cursor), at(m_size), at(m_gatheredEnd));
+    m_size -= m_cursor - m_gatheredEnd;
+    m_cursor = m_gatheredEnd;
+}
 
 /// Reads one block behind what is left of the one before. Returns false if nothing more comes.
 bool XmlInput::ReadBlock() {
     if (m_ended) return false;
-    m_buffer.resize(kMostAhead + m_blockSize);
-    const auto begin = m_buffer.begin();
-    std::copy(begin + static_cast<std::ptrdiff_t>(m_cursor), begin + static_cast<std::ptrdiff_t>(m_size), begin);
-    m_size -= m_cursor;
-    m_cursor = 0;
+    MoveToFront();
+    if (m_buffer.size() < m_size + m_blockSize) m_buffer.resize(m_size + m_blockSize);
 
     std::size_t read = 0;
     m_file->Read(m_buffer.data() + m_size, m_blockSize, read);

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -49,11 +49,11 @@ inline std::size_t RunOf(std::string_view text, unsigned wanted) {
 
 /// A document as the scanner sees it: bytes up to the end of the file or its first NUL, whichever comes first, with a
 /// cursor. One block of it is in memory at a time, and no caller can tell where a block ends.
+///
+/// What the scanner wants of an element is gathered where it stands in memory, and only moved where something between
+/// is left out. It stays there until the next is begun, however many blocks it reaches over.
 class XmlInput {
  public:
-    /// The most bytes that `StandsOn` compares.
-    static constexpr std::size_t kMostAhead = 16;
-
     /// Reads nothing yet. `file` may be null, which is an empty document; it isn't owned.
     XmlInput(CFileBuffer* file, std::size_t blockSize)
         : m_file(file), m_blockSize(blockSize), m_ended(file == nullptr) {}
@@ -71,9 +71,6 @@ class XmlInput {
     /// The byte at the cursor; NUL at the end.
     char Peek() { return AtEnd() ? '\0' : m_buffer[m_cursor]; }
 
-    /// The byte at the cursor, which moves behind it; NUL at the end.
-    char Take() { return AtEnd() ? '\0' : m_buffer[m_cursor++]; }
-
     /// What is in memory from the cursor on, at least one byte unless the document is at its end. It lives until the
     /// next operation other than `Pass`.
     std::string_view Rest() {
@@ -83,6 +80,23 @@ class XmlInput {
 
     /// Moves the cursor over bytes that `Rest` or `StandsOn` showed.
     void Pass(std::size_t count) { m_cursor += count; }
+
+    /// Forgets what was gathered.
+    void ForgetGathered() { m_gathered = m_gatheredEnd = m_cursor; }
+
+    /// Passes bytes as `Pass` does, and puts them behind what was gathered so far.
+    void Gather(std::size_t count) {
+        if (m_gathered == m_gatheredEnd) ForgetGathered();
+        if (m_gatheredEnd < m_cursor) std::memmove(m_buffer.data() + m_gatheredEnd, m_buffer.data() + m_cursor, count);
+        m_gatheredEnd += count;
+        Pass(count);
+    }
+
+    /// Moves the cursor back to the byte that was passed last. Nothing more is gathered then.
+    void StepBack() { --m_cursor; }
+
+    /// What was gathered; it lives until the next operation.
+    std::string_view Gathered() const { return {m_buffer.data() + m_gathered, m_gatheredEnd - m_gathered}; }
 
     /// Whether `text` stands at the cursor.
     bool StandsOn(std::string_view text) {
@@ -105,7 +119,12 @@ class XmlInput {
 
     /// Moves to the next place where `text` stands. Returns false, at the end, if there is none.
     bool SkipToText(std::string_view text) {
-        return TakeToText(text, [](std::string_view) {});
+        return GoToText(text, [this](std::size_t count) { Pass(count); });
+    }
+
+    /// The same, and gathers the bytes before it.
+    bool GatherToText(std::string_view text) {
+        return GoToText(text, [this](std::size_t count) { Gather(count); });
     }
 
     /// Moves over all bytes of these classes.
@@ -114,41 +133,39 @@ class XmlInput {
             ++m_cursor;
     }
 
-    /// Moves over all bytes of these classes and appends them to `taken`.
-    void TakeWhile(unsigned classes, std::string& taken) {
+    /// Gathers all bytes of these classes.
+    void GatherWhile(unsigned classes) {
         while (!AtEnd()) {
-            const std::size_t size = RunOf(Rest(), classes);
-            taken.append(m_buffer.data() + m_cursor, size);
-            Pass(size);
+            Gather(RunOf(Rest(), classes));
             if (m_cursor < m_size) return;
         }
     }
 
-    /// Moves to the next place where `text` stands, passing the bytes before it to `take` in pieces. Returns false, at
-    /// the end, if there is none.
-    template <class Take>
-    bool TakeToText(std::string_view text, Take take) {
+ private:
+    bool ReadBlock();
+    void MoveToFront();
+
+    /// Moves to the next place where `text` stands, over the bytes before it by `pass(count)`.
+    template <class PassBytes>
+    bool GoToText(std::string_view text, PassBytes pass) {
         while (!AtEnd()) {
             const std::string_view rest = Rest();
             const std::size_t start = rest.find(text.front());
-            take(rest.substr(0, start));
-            Pass(start == std::string_view::npos ? rest.size() : start);
+            pass(std::min(start, rest.size()));
             if (start == std::string_view::npos) continue;
             if (StandsOn(text)) return true;
-            take(text.substr(0, 1));
-            Pass(1);
+            pass(1);
         }
         return false;
     }
 
- private:
-    bool ReadBlock();
-
     CFileBuffer* m_file;
     std::size_t m_blockSize;
-    std::vector<char> m_buffer;  ///< A block, behind what was left of the one before.
+    std::vector<char> m_buffer;  ///< What was gathered, and behind it the rest of the block.
+    std::size_t m_gathered = 0;
+    std::size_t m_gatheredEnd = 0;
     std::size_t m_cursor = 0;
-    std::size_t m_size = 0;                 ///< Bytes of the document in `m_buffer`.
+    std::size_t m_size = 0;                 ///< Bytes in `m_buffer`.
     std::size_t m_read = 0;                 ///< Bytes of the file that were read.
     std::optional<std::size_t> m_fileSize;  ///< Asked of the system once, however many lists want to know.
     bool m_ended;                           ///< Nothing follows what is in memory.

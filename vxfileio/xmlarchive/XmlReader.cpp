@@ -66,7 +66,7 @@ std::optional<std::size_t> XmlReader::FindAttribute(std::string_view name) const
 bool XmlReader::ReadAttribute(std::string_view name, XmlValue& value) {
     const auto start = FindAttribute(name);
     if (!start) return false;
-    const std::string_view rest = std::string_view(m_scanner.Element()).substr(*start);
+    const std::string_view rest = m_scanner.Element().substr(*start);
     const std::string_view text = rest.substr(0, rest.find('"'));
     m_valueAt = std::min(m_scanner.Element().size(), *start + text.size() + 1);
     switch (value.Type()) {
@@ -111,7 +111,7 @@ std::size_t XmlReader::ReadListSize() {
     constexpr std::size_t kLeastBytesPerEntry = 2;  // a digit and a semicolon
     const std::size_t claimed = ReadListClaim();
     const std::size_t possible = m_scanner.Remaining() / kLeastBytesPerEntry;
-    if (!m_listEntries) m_listEntries = m_scanner.Remaining() + m_scanner.Element().size();
+    if (!m_listEntries) m_listEntries = m_scanner.Remaining() + m_scanner.ElementSize();
     // A list that claims more than can follow mustn't take what lists behind it may need.
     const std::size_t room = claimed <= possible ? *m_listEntries : *m_listEntries - std::min(*m_listEntries, possible);
     const std::size_t granted = std::min(claimed, room);

@@ -11,8 +11,6 @@ constexpr std::string_view kSectionStart = "<![CDATA[";
 constexpr std::string_view kSectionEnd = "]]>";
 constexpr std::string_view kCommentEnd = "-->";
 
-static_assert(kSectionStart.size() <= XmlInput::kMostAhead);
-
 }  // namespace
 
 bool XmlScanner::SkipProlog() {
@@ -36,7 +34,7 @@ bool XmlScanner::Next() {
 }
 
 void XmlScanner::ForgetElement() {
-    m_element.clear();
+    m_input.ForgetGathered();
     m_nameSize = 0;
     m_state = 0;
 }
@@ -82,19 +80,19 @@ bool XmlScanner::SkipComment() {
 bool XmlScanner::ReadEndTag() {
     m_input.SkipWhile(kBlank);
     if (m_input.AtEnd()) return Fail(XmlError::EndInTag);
-    m_input.TakeWhile(kEndName, m_element);
-    if (m_open.IsEmpty() || m_open.Top() != m_element) return Fail(XmlError::WrongEndTag);
+    m_input.GatherWhile(kEndName);
+    if (m_open.IsEmpty() || m_open.Top() != Element()) return Fail(XmlError::WrongEndTag);
     m_open.Pop();
-    m_nameSize = m_element.size();
+    m_nameSize = Element().size();
     if (!m_input.SkipTo('>')) return Fail(XmlError::EndInElement);
     m_state = XmlState::kEndTag;
     return true;
 }
 
 bool XmlScanner::ReadStartTag() {
-    m_input.TakeWhile(kName, m_element);
-    m_nameSize = m_element.size();
-    m_element += {' ', m_input.Take()};
+    m_input.GatherWhile(kName);
+    m_nameSize = Element().size();
+    if (!m_input.AtEnd()) m_input.Gather(1);
     if (!CollectText()) return false;
     if (m_selfClosing) return true;
 
@@ -108,7 +106,7 @@ bool XmlScanner::ReadStartTag() {
     return true;
 }
 
-/// Appends the text up to the next tag. Returns false if a CDATA section isn't ended.
+/// Gathers the text up to the next tag. Returns false if a CDATA section isn't ended.
 bool XmlScanner::CollectText() {
     bool keepBlanks = !m_input.StandsOn(kSectionStart);
     while (!m_input.AtEnd()) {
@@ -127,41 +125,42 @@ bool XmlScanner::CollectText() {
 bool XmlScanner::CollectSection() {
     m_state |= XmlState::kHasSection;
     m_input.Pass(kSectionStart.size());
-    if (!m_input.TakeToText(kSectionEnd, [this](std::string_view text) { m_element += text; }))
-        return Fail(XmlError::EndInElement);
+    if (!m_input.GatherToText(kSectionEnd)) return Fail(XmlError::EndInElement);
     m_input.Pass(kSectionEnd.size());
     return true;
 }
 
-/// Appends a piece of text without "<". Behind a ">", which mostly ends the attributes, blanks are dropped up to the
+/// Gathers a piece of text without "<". Behind a ">", which mostly ends the attributes, blanks are dropped up to the
 /// first other byte. Returns false, on that ">", where it ends a self-closing element.
 bool XmlScanner::CollectRun(std::string_view run, bool& keepBlanks) {
     while (!run.empty()) {
-        std::size_t blanks = 0;
         if (!keepBlanks) {
-            blanks = RunOf(run, kTextBlank);
+            const std::size_t blanks = RunOf(run, kTextBlank);
             keepBlanks = blanks < run.size();
+            m_input.Pass(blanks);
+            run.remove_prefix(blanks);
         }
-        const std::size_t close = run.find('>', blanks);
-        const std::size_t size = std::min(run.size(), close);
-        m_element += run.substr(blanks, size - blanks);
-        m_input.Pass(size);
+        const std::size_t size = std::min(run.size(), run.find('>'));
+        m_input.Gather(size);
         run.remove_prefix(size);
         if (run.empty()) return true;
 
         keepBlanks = false;
         m_selfClosing = LastVisibleIsSlash();
-        m_element += '>';
-        if (m_selfClosing) return false;
-        m_input.Pass(1);
+        m_input.Gather(1);
+        if (m_selfClosing) {
+            m_input.StepBack();
+            return false;
+        }
         run.remove_prefix(1);
     }
     return true;
 }
 
 bool XmlScanner::LastVisibleIsSlash() const {
-    const auto last = std::find_if(m_element.rbegin(), m_element.rend(), [](char c) { return !Is(c, kBlank); });
-    return last != m_element.rend() && *last == '/';
+    const std::string_view element = Element();
+    const auto last = std::find_if(element.rbegin(), element.rend(), [](char c) { return !Is(c, kBlank); });
+    return last != element.rend() && *last == '/';
 }
 
 }  // namespace gd_xml_stream

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "vxfileio/xmlarchive/XmlInput.h"
@@ -10,8 +10,8 @@
 
 namespace gd_xml_stream {
 
-/// Takes a document apart into events. It keeps the names of the open elements and the text of the current one, and
-/// nothing else of the document.
+/// Takes a document apart into events. It keeps the names of the open elements and the current one as it stands in its
+/// block, and nothing else of the document.
 ///
 /// Nothing is rejected: what isn't well-formed is read by fixed rules, which tell for every byte what becomes of it.
 /// They are looser than XML's, and files that rely on that exist.
@@ -27,12 +27,16 @@ class XmlScanner {
     /// Goes on to the next event. On false there is no current element.
     bool Next();
 
-    /// The current element: its name, a blank, the byte that ended the name, and all that followed up to the next tag,
-    /// CDATA sections included as plain text. At an end tag the name alone, without an element nothing.
-    const std::string& Element() const { return m_element; }
+    /// The current element: its name, the byte that ended the name, and all that followed up to the next tag, CDATA
+    /// sections included as plain text. At an end tag the name alone, without an element nothing. It lives until the
+    /// next event.
+    std::string_view Element() const { return m_input.Gathered(); }
+
+    /// How many bytes of the document it takes, from its "<" on; without an element none.
+    std::size_t ElementSize() const { return Element().empty() ? 0 : Element().size() + 1; }
 
     /// The name alone; empty without an element.
-    std::string_view Name() const { return std::string_view(m_element).substr(0, m_nameSize); }
+    std::string_view Name() const { return Element().substr(0, m_nameSize); }
 
     /// State bits of the current element: `XmlState::kHasChildren`, `kEndTag`, `kHasSection`.
     std::uint32_t State() const { return m_state; }
@@ -61,8 +65,7 @@ class XmlScanner {
 
     XmlInput m_input;
     XmlNameStack m_open;
-    std::string m_element;
-    std::size_t m_nameSize = 0;  ///< Of `m_element`, the name at its front.
+    std::size_t m_nameSize = 0;  ///< Of the element, the name at its front.
     std::uint32_t m_state = 0;
     XmlError m_lastError = XmlError::None;
     bool m_selfClosing = false;
