@@ -99,26 +99,6 @@ Whole ParseUnsigned(std::string_view text) {
     return negative ? static_cast<Whole>(Whole{0} - *magnitude) : *magnitude;
 }
 
-/// Reads digits with a point at most, such as nearly all numbers are, if one division of two exact doubles gives the
-/// nearest value. Anything else, an exponent or more digits than that, is left to the general way.
-std::optional<double> ParsePlainDecimal(std::string_view text) {
-    std::uint64_t digits = 0;
-    const char* const begin = text.data();
-    const char* const end = begin + text.size();
-    const char* at = TakeDigits(begin, end, digits);
-    std::ptrdiff_t count = at - begin;
-    std::ptrdiff_t places = 0;
-    if (at != end && *at == '.') {
-        const char* const point = at;
-        at = TakeDigits(point + 1, end, digits);
-        places = at - point - 1;
-        count += places;
-    }
-    if (count == 0 || count > kMostSafeDigits || digits > kMostExactWhole) return std::nullopt;
-    if (at != end && (*at == 'e' || *at == 'E')) return std::nullopt;
-    return static_cast<double>(digits) / kPowersOfTen[static_cast<std::size_t>(places)];
-}
-
 /// Tells whether a number that is out of a double's range is so for being too large: its first digit other than 0
 /// then stands ahead of the point once the exponent is applied.
 bool IsTooLarge(std::string_view digits) {
@@ -238,12 +218,38 @@ std::int64_t ParseInt64(std::string_view text) { return ParseSigned<std::int64_t
 std::uint32_t ParseUInt32(std::string_view text) { return ParseUnsigned<std::uint32_t>(text); }
 std::uint64_t ParseUInt64(std::string_view text) { return ParseUnsigned<std::uint64_t>(text); }
 
+bool TakeDecimal(std::string_view& text, double& value) {
+    std::string_view rest = text;
+    const bool negative = TakeSign(rest);
+    const char* const begin = rest.data();
+    const char* const end = begin + rest.size();
+    std::uint64_t digits = 0;
+    const char* at = begin;
+    for (; at != end && IsDigit(*at); ++at)  // mostly one
+        digits = 10 * digits + static_cast<std::uint64_t>(*at - '0');
+    std::ptrdiff_t count = at - begin;
+    std::ptrdiff_t places = 0;
+    if (at != end && *at == '.') {
+        const char* const fraction = at + 1;
+        at = TakeDigits(fraction, end, digits);
+        places = at - fraction;
+        count += places;
+    }
+    if (count == 0 || count > kMostSafeDigits || digits > kMostExactWhole) return false;
+    if (at != end && (*at == 'e' || *at == 'E')) return false;
+    // Both are exact, so that their quotient is the nearest value.
+    const double size = static_cast<double>(digits) / kPowersOfTen[static_cast<std::size_t>(places)];
+    value = negative ? -size : size;
+    text.remove_prefix(static_cast<std::size_t>(at - text.data()));
+    return true;
+}
+
 double ParseDouble(std::string_view text) {
     text = SkipBlanks(text);
-    const bool negative = TakeSign(text);
-    if (const auto plain = ParsePlainDecimal(text)) return negative ? -*plain : *plain;
-    if (!text.empty() && text.front() == '-') return 0.0;  // a second sign belongs to no number
     double value = 0.0;
+    if (TakeDecimal(text, value)) return value;
+    const bool negative = TakeSign(text);
+    if (!text.empty() && text.front() == '-') return 0.0;  // a second sign belongs to no number
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     if (result.ec == std::errc::invalid_argument) return 0.0;  // nor does a sign alone make one, not even -0
     if (result.ec == std::errc::result_out_of_range) {

@@ -64,4 +64,9 @@ std::uint64_t ParseUInt64(std::string_view text);  ///< A minus sign negates in 
 double ParseDouble(std::string_view text);         ///< Decimal only. The largest double is followed by the infinities.
 /// @}
 
+/// Takes a decimal off the front of `text` if it has the form that nearly all have: a sign perhaps, digits with a point
+/// at most, no exponent. Returns false, and changes nothing, if it hasn't, or has so many digits that `ParseDouble` is
+/// to be asked.
+bool TakeDecimal(std::string_view& text, double& value);
+
 }  // namespace vxfileio

@@ -141,11 +141,12 @@ void LoadResponse(CXmlFileArchive& archive, WellAnalysis& well) {
     response->second = ValueOf<enAnalysisMark>(word);
 }
 
-void LoadWell(CXmlFileArchive& archive, RecordingAnalysis& wells) {
+/// Reads a well, of which what isn't in the document is as in `start`.
+void LoadWell(CXmlFileArchive& archive, RecordingAnalysis& wells, const WellAnalysis& start) {
     std::int32_t wellID = kNoWell;
     archive.NextElement();
     if (archive.TagName() == kWellID) archive.GetValue(wellID);
-    WellAnalysis well;
+    WellAnalysis well = start;
     ForEachEventUntil(archive, kWell, [&] {
         if (IsStartOf(archive, kAnalyze)) return archive.GetValue(well.Analyze);
         LoadResponse(archive, well);
@@ -156,8 +157,9 @@ void LoadWell(CXmlFileArchive& archive, RecordingAnalysis& wells) {
 void LoadRecording(CXmlFileArchive& archive, TaskAnalysis& recordings) {
     archive.NextElement();  // its number, which the order of the document tells as well
     RecordingAnalysis wells;
+    const WellAnalysis start;  // made once, since copies are made faster
     ForEachEventUntil(archive, kRecording, [&] {
-        if (IsStartOf(archive, kWells)) LoadList(archive, kWells, kWell, [&] { LoadWell(archive, wells); });
+        if (IsStartOf(archive, kWells)) LoadList(archive, kWells, kWell, [&] { LoadWell(archive, wells, start); });
     });
     recordings.push_back(std::move(wells));
 }

@@ -22,6 +22,7 @@ enum CharClass : std::uint8_t {
     kName = 4,       ///< Belongs to the name in a start tag: "-" and all from "0" up but ">".
     kEndName = 8,    ///< Belongs to the name in an end tag: neither blank nor ">".
     kOpen = 16,      ///< "<" itself.
+    kText = 32,      ///< Neither "<" nor ">".
 };
 
 inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
@@ -31,7 +32,8 @@ inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
         const bool name = byte == '-' || (byte >= '0' && byte < 0x80 && byte != '>');
         classes[static_cast<std::size_t>(byte)] =
             static_cast<std::uint8_t>((blank ? kBlank : 0) | (byte <= ' ' ? kTextBlank : 0) | (name ? kName : 0) |
-                                      (!blank && byte != '>' ? kEndName : 0) | (byte == '<' ? kOpen : 0));
+                                      (!blank && byte != '>' ? kEndName : 0) | (byte == '<' ? kOpen : 0) |
+                                      (byte != '<' && byte != '>' ? kText : 0));
     }
     return classes;
 }();
@@ -41,10 +43,8 @@ inline bool Is(char c, unsigned wanted) { return (kCharClasses[static_cast<unsig
 
 /// Returns how many bytes at the front of `text` belong to these classes.
 inline std::size_t RunOf(std::string_view text, unsigned wanted) {
-    std::size_t size = 0;
-    while (size < text.size() && Is(text[size], wanted))
-        ++size;
-    return size;
+    const auto* const end = std::find_if_not(text.begin(), text.end(), [wanted](char c) { return Is(c, wanted); });
+    return static_cast<std::size_t>(end - text.begin());
 }
 
 /// A document as the scanner sees it: bytes up to the end of the file or its first NUL, whichever comes first, with a

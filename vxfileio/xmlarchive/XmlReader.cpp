@@ -126,6 +126,13 @@ void XmlReader::ReadSamples(std::vector<double>& samples) {
         text = m_decoded;
     }
     for (double& sample : samples) {
+        std::string_view behind = text;
+        double decimal = 0.0;
+        if (vxfileio::TakeDecimal(behind, decimal) && behind.starts_with(';')) {
+            sample = decimal;
+            text = behind.substr(1);
+            continue;
+        }
         const std::size_t semicolon = text.find(';');
         if (semicolon == std::string_view::npos) return;
         sample = vxfileio::ParseDouble(text.substr(0, semicolon));

@@ -11,6 +11,9 @@ constexpr std::string_view kSectionStart = "<![CDATA[";
 constexpr std::string_view kSectionEnd = "]]>";
 constexpr std::string_view kCommentEnd = "-->";
 
+/// Up to this length a text is gone through byte by byte.
+constexpr std::size_t kShortText = 64;
+
 }  // namespace
 
 bool XmlScanner::SkipProlog() {
@@ -48,7 +51,7 @@ bool XmlScanner::ReadEvent() {
     if (!FindTag()) return false;
     m_input.SkipWhile(kBlank);
     if (m_input.AtEnd()) return Fail(m_open.IsEmpty() ? XmlError::EndInElement : XmlError::EndInTag);
-    if (m_input.Peek() != '/') return ReadStartTag();
+    if (m_input.Peek() != '/') return ReadPlainLeaf() || ReadStartTag();
     m_input.Pass(1);
     return ReadEndTag();
 }
@@ -86,6 +89,22 @@ bool XmlScanner::ReadEndTag() {
     m_nameSize = Element().size();
     if (!m_input.SkipTo('>')) return Fail(XmlError::EndInElement);
     m_state = XmlState::kEndTag;
+    return true;
+}
+
+/// Reads an element of the form `<name>text</name>`, as nearly all are, if it stands in one block together with the
+/// beginning of the next tag, and its text is short. Else it returns false, and nothing was read.
+bool XmlScanner::ReadPlainLeaf() {
+    const std::string_view rest = m_input.Rest();
+    const std::size_t nameSize = RunOf(rest, kName);
+    const std::size_t textStart = std::min(nameSize + 1, rest.size());
+    const std::size_t size = textStart + RunOf(rest.substr(textStart, kShortText), kText);
+    if (size + 1 >= rest.size() || rest[nameSize] != '>' || rest[size] != '<' || rest[size + 1] != '/') return false;
+    const std::size_t next = rest.find('<', size + 1);
+    if (next == std::string_view::npos) return false;
+    m_nameSize = nameSize;
+    m_input.Gather(size);
+    m_input.Pass(next - size);
     return true;
 }
 

@@ -56,6 +56,7 @@ class XmlScanner {
     bool FindTag();
     bool SkipComment();
     bool ReadEndTag();
+    bool ReadPlainLeaf();
     bool ReadStartTag();
     bool CollectText();
     bool CollectSection();
