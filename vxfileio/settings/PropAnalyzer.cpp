@@ -65,6 +65,7 @@ std::string Word(auto value) { return std::string(WordOf(value)); }
 
 CChosenWells AllWells(const RecordingAnalysis& recording) {
     CChosenWells wells;
+    wells.reserve(recording.size());
     for (const auto& well : recording)
         wells.push_back(&well);
     return wells;
@@ -72,6 +73,7 @@ CChosenWells AllWells(const RecordingAnalysis& recording) {
 
 CChosenWells TheseWells(const RecordingAnalysis& recording, const std::vector<std::int32_t>& wellIDs) {
     CChosenWells wells;
+    wells.reserve(wellIDs.size());
     for (const std::int32_t wellID : wellIDs) {
         const auto well = recording.find(wellID);
         if (well != recording.end()) wells.push_back(&*well);

@@ -12,6 +12,7 @@ namespace vxfileio {
 class CWellIndex {
  public:
     explicit CWellIndex(const PlateData& data) {
+        m_wells.reserve(data.Wells.size());
         for (const auto& well : data.Wells) {
             if (well) Add(*well);
         }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/xmlarchive/XmlState.h"
@@ -13,11 +12,15 @@ namespace gd_xml_stream {
 using vxfileio::CNumberText;
 
 XmlWriter::XmlWriter(CFileBuffer* file, std::size_t blockSize, unsigned char* buffer) : m_file(file) {
-    if (buffer == nullptr && file != nullptr) {
-        m_own = std::make_unique_for_overwrite<unsigned char[]>(blockSize);
-        buffer = m_own.get();
-    }
-    if (buffer != nullptr) m_block = {buffer, blockSize};
+    if (file == nullptr) return;
+    if (buffer == nullptr) m_own = std::make_unique_for_overwrite<char[]>(blockSize);
+    m_block = {buffer == nullptr ? m_own.get() : reinterpret_cast<char*>(buffer), blockSize};
+}
+
+void XmlWriter::Detach() {
+    m_file = nullptr;
+    m_block = {};
+    m_used = 0;
 }
 
 void XmlWriter::Flush() {
@@ -30,11 +33,10 @@ void XmlWriter::WriteBlock() {
     m_used = 0;
 }
 
-void XmlWriter::Append(std::string_view text) {
+void XmlWriter::AppendOverBlocks(std::string_view text) {
     if (m_file == nullptr) return;
     while (!text.empty()) {
-        const std::size_t piece = std::min(text.size(), m_block.size() - m_used);
-        std::memcpy(m_block.data() + m_used, text.data(), piece);
+        const std::size_t piece = text.copy(m_block.data() + m_used, m_block.size() - m_used);
         m_used += piece;
         text.remove_prefix(piece);
         if (m_used == m_block.size()) WriteBlock();

@@ -23,7 +23,7 @@ class XmlWriter {
     /// Hands everything so far to the system.
     void Flush();
     /// Forgets the file.
-    void Detach() { m_file = nullptr; }
+    void Detach();
 
     void WriteDeclaration(std::string_view attributes);
     void OpenChild(std::string_view name);
@@ -36,14 +36,19 @@ class XmlWriter {
     std::uint32_t State() const { return m_state; }
 
  private:
-    void Append(std::string_view text);
+    /// Puts text into the block, mostly with room to spare.
+    void Append(std::string_view text) {
+        if (text.size() >= m_block.size() - m_used) return AppendOverBlocks(text);
+        m_used += text.copy(m_block.data() + m_used, text.size());
+    }
+    void AppendOverBlocks(std::string_view text);
     void AppendValue(const XmlValue& value);
     void BeginText();
     void WriteBlock();
 
     CFileBuffer* m_file;
-    std::unique_ptr<unsigned char[]> m_own;  ///< The block, unless the caller gave one.
-    std::span<unsigned char> m_block;
+    std::unique_ptr<char[]> m_own;  ///< The block, unless the caller gave one.
+    std::span<char> m_block;        ///< Empty without a file.
     std::size_t m_used = 0;  ///< Bytes in the block.
     XmlNameStack m_open;
     std::vector<std::uint32_t> m_outerStates;  ///< Those of the enclosing elements, innermost last.
