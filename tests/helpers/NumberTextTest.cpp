@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <clocale>
 #include <cmath>
@@ -84,6 +85,30 @@ TEST(NumberTextTest, DecimalsAreReadAsTheNearestValue) {
     EXPECT_EQ(ParseDouble("0.00000000000000000000001"), 1e-23);
 }
 
+TEST(NumberTextTest, DecimalsAreTakenOffTheFront) {
+    std::mt19937_64 random(3);
+    for (int i = 0; i < 100'000; ++i) {
+        std::string text = std::to_string(random() >> (11 + random() % 53));
+        if (random() % 4 > 0) text.insert(random() % (text.size() + 1), ".");
+        if (random() % 2 > 0) text.insert(0, "-");
+        for (const char* end : {"", ";12345678", "-1", " ", "x"}) {
+            const std::string all = text + end;
+            std::string_view rest = all;
+            double value = 0.0;
+            ASSERT_TRUE(TakeDecimal(rest, value)) << all;
+            ASSERT_EQ(value, std::strtod(text.c_str(), nullptr)) << all;
+            ASSERT_EQ(rest, end) << all;
+        }
+    }
+    for (const std::string_view text :
+         {"", "-", ".", ";", " 1", "--1", "nan", "1e5", "0.5E-3", "9007199254740993", "0.00000000000000000001"}) {
+        std::string_view rest = text;
+        double value = 7.0;
+        EXPECT_FALSE(TakeDecimal(rest, value)) << text;
+        EXPECT_TRUE(rest.data() == text.data() && rest == text && value == 7.0) << text;
+    }
+}
+
 TEST(NumberTextTest, RoundTripFormTellsEveryValueApart) {
     const struct {
         double value;
@@ -112,6 +137,12 @@ TEST(NumberTextTest, RoundTripFormTellsEveryValueApart) {
         if (!std::isnan(c.value)) {
             EXPECT_EQ(ParseDouble(c.text), c.value) << c.text;
         }
+    }
+    std::mt19937_64 random(4);
+    for (int i = 0; i < 100'000; ++i) {
+        const auto value = std::bit_cast<double>(random());
+        const std::string text(CNumberText::RoundTrip(value).View());
+        ASSERT_TRUE(std::isnan(value) || std::strtod(text.c_str(), nullptr) == value) << text;
     }
 }
 

@@ -49,7 +49,7 @@ class XmlWriter {
     CFileBuffer* m_file;
     std::unique_ptr<char[]> m_own;  ///< The block, unless the caller gave one.
     std::span<char> m_block;        ///< Empty without a file.
-    std::size_t m_used = 0;  ///< Bytes in the block.
+    std::size_t m_used = 0;         ///< Bytes in the block.
     XmlNameStack m_open;
     std::vector<std::uint32_t> m_outerStates;  ///< Those of the enclosing elements, innermost last.
     std::uint32_t m_state = 0;
