@@ -109,10 +109,9 @@ class XmlInput {
     /// Moves to the next `wanted` byte. Returns false, at the end, if there is none.
     bool SkipTo(char wanted) {
         while (!AtEnd()) {
+            if (m_buffer[m_cursor] == wanted) return true;
             const std::string_view rest = Rest();
-            const std::size_t place = rest.front() == wanted ? 0 : rest.find(wanted);
-            Pass(std::min(place, rest.size()));
-            if (place != std::string_view::npos) return true;
+            Pass(std::min(rest.find(wanted), rest.size()));
         }
         return false;
     }
