@@ -160,9 +160,9 @@ class XmlInput {
 
     CFileBuffer* m_file;
     std::size_t m_blockSize;
-    std::vector<char> m_buffer;  ///< What was gathered, and behind it the rest of the block.
-    std::size_t m_gathered = 0;
-    std::size_t m_gatheredEnd = 0;
+    std::vector<char> m_buffer;     ///< What was gathered, and behind it the rest of the block.
+    std::size_t m_gathered = 0;     ///< Where what was gathered begins,
+    std::size_t m_gatheredEnd = 0;  ///< and where it ends.
     std::size_t m_cursor = 0;
     std::size_t m_size = 0;                 ///< Bytes in `m_buffer`.
     std::size_t m_read = 0;                 ///< Bytes of the file that were read.

@@ -16,6 +16,22 @@ XmlValue Parsed(std::string_view text) {
     return value;
 }
 
+/// Takes a number and its semicolon off the front of `text`. Returns false, and changes nothing, without a semicolon.
+bool TakeSample(std::string_view& text, double& sample) {
+    std::string_view behind = text;
+    double decimal = 0.0;
+    if (vxfileio::TakeDecimal(behind, decimal) && behind.starts_with(';')) {
+        sample = decimal;
+        text = behind.substr(1);
+        return true;
+    }
+    const std::size_t semicolon = text.find(';');
+    if (semicolon == std::string_view::npos) return false;
+    sample = vxfileio::ParseDouble(text.substr(0, semicolon));
+    text.remove_prefix(semicolon + 1);
+    return true;
+}
+
 }  // namespace
 
 std::optional<std::string_view> XmlReader::Value() const {
@@ -126,17 +142,7 @@ void XmlReader::ReadSamples(std::vector<double>& samples) {
         text = m_decoded;
     }
     for (double& sample : samples) {
-        std::string_view behind = text;
-        double decimal = 0.0;
-        if (vxfileio::TakeDecimal(behind, decimal) && behind.starts_with(';')) {
-            sample = decimal;
-            text = behind.substr(1);
-            continue;
-        }
-        const std::size_t semicolon = text.find(';');
-        if (semicolon == std::string_view::npos) return;
-        sample = vxfileio::ParseDouble(text.substr(0, semicolon));
-        text.remove_prefix(semicolon + 1);
+        if (!TakeSample(text, sample)) return;
     }
 }
 
