@@ -13,7 +13,7 @@ using YExcel::Sheet;
 /// The names of a document's sheets, in the order of its stream.
 std::string Names(const Document& document) {
     std::string names;
-    for (const CFoundRecord& record : RecordsOf(ToString(document.BuildStream().Bytes())))
+    for (const CFoundRecord& record : RecordsOf(StreamOf(document)))
         if (record.code == 0x0085) names += record.body.substr(8) + " ";
     return names;
 }
@@ -108,7 +108,7 @@ TEST(DocumentTest, SavedFileHoldsTheStreamAtItsExactSize) {
         document.CreateSheets(1);
         for (unsigned row = 0; row < rows; ++row)
             document.FindSheet("Sheet1")->At(row, 0)->SetDouble(row * 0.001);
-        const std::string stream = ToString(document.BuildStream().Bytes());
+        const std::string stream = StreamOf(document);
         ASSERT_TRUE(document.SaveToFile(path));
         const std::string file = ReadAll(path);
         EXPECT_EQ(StreamIn(file, stream.size()), stream);

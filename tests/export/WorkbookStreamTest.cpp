@@ -33,7 +33,7 @@ class WorkbookStreamTest : public testing::Test {
     WorkbookStreamTest() { m_document.CreateSheets(1); }
 
     Sheet& First() { return *m_document.FindSheet("Sheet1"); }
-    std::string Stream() const { return ToString(m_document.BuildStream().Bytes()); }
+    std::string Stream() const { return StreamOf(m_document); }
 
     /// The bodies of all records with this code, in their order.
     std::vector<std::string> Bodies(std::uint32_t code) const {

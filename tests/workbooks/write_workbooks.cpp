@@ -47,7 +47,7 @@ class CWorkbook {
         Tell(row, column, "text", Hex(text));
     }
 
-    std::size_t StreamSize() const { return m_document.BuildStream().Bytes().size(); }
+    std::size_t StreamSize() const { return m_document.Stream().Size(); }
 
     void Save(const std::filesystem::path& folder, const std::string& name) {
         std::ofstream(folder / (name + ".txt"), std::ios::binary) << m_cells;

@@ -39,8 +39,6 @@ Sheet* Document::FindSheet(const std::string& name) {
     return found == m_sheets.end() ? nullptr : found->get();
 }
 
-bool Document::SaveToFile(const std::string& path) {
-    return m_file.Create(path) && m_file.Store(BuildStream().Bytes());
-}
+bool Document::SaveToFile(const std::string& path) { return m_file.Create(path) && m_file.Store(Stream()); }
 
 }  // namespace YExcel

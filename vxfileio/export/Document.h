@@ -40,8 +40,8 @@ class Document {
     /// empty text if nothing.
     std::string CloseFile() { return m_file.Close(); }
 
-    /// Returns the workbook's stream, the bytes that `SaveToFile` stores.
-    RecordStream BuildStream() const { return BuildWorkbookStream(m_sheets); }
+    /// Returns the workbook's stream, whose bytes `SaveToFile` stores. It is valid until the document changes.
+    WorkbookStream Stream() const { return WorkbookStream(m_sheets); }
 
  private:
     Sheets m_sheets;

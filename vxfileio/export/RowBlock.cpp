@@ -9,10 +9,7 @@ void RowBlock::Begin(const Sheet& sheet, std::uint32_t number) {
     const std::uint32_t begin = number * kRows;
     const std::uint32_t end = std::min(begin + kRows, sheet.RowCount());
     for (std::uint32_t row = begin; row < end; ++row) {
-        const auto column = sheet.FirstUsedColumn(row);
-        if (!column) continue;
-        if (m_rows.empty()) m_firstColumn = *column;
-        m_rows.push_back(static_cast<std::uint16_t>(row));
+        if (sheet.FirstUsedColumn(row)) m_rows.push_back(static_cast<std::uint16_t>(row));
     }
 }
 

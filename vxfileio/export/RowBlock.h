@@ -37,11 +37,6 @@ class RowBlock {
     /// Finds the rows of block `number` that hold something.
     void Begin(const Sheet& sheet, std::uint32_t number);
 
-    bool IsEmpty() const { return m_rows.empty(); }
-    /// The first row that has a cell, and the column of its first one. Only if the block isn't empty.
-    std::uint16_t FirstRow() const { return m_rows.front(); }
-    std::uint16_t FirstColumn() const { return m_firstColumn; }
-
     /// Puts the records of the block: its rows, their cells, the way back to them. `indexOf(cell)` gives the index of a
     /// text in the shared strings. Returns where the `DBCell` stands.
     template <class Out, class IndexOf>
@@ -52,7 +47,7 @@ class RowBlock {
     void PutCells(const Sheet& sheet, std::uint16_t row, Out& out, IndexOf& indexOf);
 
     std::vector<std::uint16_t> m_rows;
-    std::uint16_t m_firstColumn = 0;
+    std::vector<std::uint16_t> m_offsets;  ///< By the rows; what their `DBCell` tells.
     ShortRun m_run;
 };
 
@@ -82,16 +77,14 @@ std::size_t RowBlock::Put(const Sheet& sheet, Out& out, IndexOf& indexOf) {
     std::size_t last = begin + RecordSize(Row());
     for (const std::uint16_t row : m_rows)
         out.Put(Row{.row = row, .endCell = static_cast<std::uint16_t>(sheet.ColumnCount())});
-    DBCell dbCell;
-    dbCell.rowOffsets.reserve(m_rows.size());
+    m_offsets.clear();
     for (const std::uint16_t row : m_rows) {
-        dbCell.rowOffsets.push_back(static_cast<std::uint16_t>(out.Position() - last));
+        m_offsets.push_back(static_cast<std::uint16_t>(out.Position() - last));
         last = out.Position();
         PutCells(sheet, row, out, indexOf);
     }
     const std::size_t position = out.Position();
-    dbCell.firstRowOffset = static_cast<std::uint32_t>(position - begin);
-    out.Put(dbCell);
+    out.Put(DBCell{.firstRowOffset = static_cast<std::uint32_t>(position - begin), .rowOffsets = m_offsets});
     return position;
 }
 

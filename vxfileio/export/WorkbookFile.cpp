@@ -13,9 +13,12 @@ bool WorkbookFile::Create(const std::string& path) {
     return m_storage.IsOpen() && m_storage.MakeFile(kStreamName) == CompoundStorage::kSuccess;
 }
 
-bool WorkbookFile::Store(std::span<const std::byte> stream) {
-    return m_storage.WriteFile(kStreamName, stream) == CompoundStorage::kSuccess && m_storage.IsComplete();
+bool WorkbookFile::Store(const WorkbookStream& stream) {
+    const auto give = [&](const CompoundStorage::TakePiece& take) { stream.GiveTo(take); };
+    const std::int32_t result = m_storage.WriteFile(kStreamName, stream.Size(), give);
+    return result == CompoundStorage::kSuccess && m_storage.IsComplete();
 }
+static_assert(RecordStream::kPieceSize % SectorFile::kBlockSize == 0, "the storage wants whole sectors");
 
 std::string WorkbookFile::Close() {
     m_storage.Close();

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <cstddef>
-#include <span>
 #include <string>
 
+#include "vxfileio/export/WorkbookStream.h"
 #include "vxfileio/export/compound/CompoundStorage.h"
 
 namespace YExcel {
@@ -14,8 +13,8 @@ class WorkbookFile {
  public:
     /// Makes a new file with an empty stream, in place of any file at the path. Returns false if that can't be done.
     bool Create(const std::string& path);
-    /// Stores the stream's bytes. Returns false if they are more than a file holds, or the disk doesn't take them.
-    bool Store(std::span<const std::byte> stream);
+    /// Stores the stream. Returns false if it is more than a file holds, or the disk doesn't take it.
+    bool Store(const WorkbookStream& stream);
     /// Closes the file. Returns what the system refused first since `Create`, in words with the path, or nothing.
     std::string Close();
 

@@ -1,14 +1,10 @@
 #include "vxfileio/export/WorkbookStream.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "vxfileio/export/RowBlock.h"
-#include "vxfileio/export/SharedStrings.h"
-#include "vxfileio/export/biff/GlobalRecords.h"
-#include "vxfileio/export/biff/SheetRecords.h"
 
 namespace YExcel {
 
@@ -27,86 +23,96 @@ void PutCopies(int count, const auto& record, auto& out) {
         out.Put(record);
 }
 
-/// Puts the rows and cells of a sheet, and fills in what the records in front of them tell about them.
-template <class Out, class IndexOf>
-void PutRowBlocks(const Sheet& sheet, Index& index, Dimensions& dimensions, Out& out, IndexOf& indexOf) {
+/// Puts the rows and cells of a sheet, and calls `learn(number, position)` with where the `DBCell` of each block
+/// stands.
+template <class Out, class IndexOf, class Learn>
+void PutRowBlocks(const Sheet& sheet, Out& out, IndexOf& indexOf, Learn learn) {
     RowBlock block;
-    bool isUsed = false;
     for (std::uint32_t number = 0; number < BlockCount(sheet); ++number) {
         block.Begin(sheet, number);
-        if (!isUsed && !block.IsEmpty()) {
-            isUsed = true;
-            index.firstUsedRow = dimensions.firstUsedRow = block.FirstRow();
-            dimensions.firstUsedColumn = block.FirstColumn();
-        }
-        index.dbCellPositions[number] = Position32(block.Put(sheet, out, indexOf));
+        learn(number, block.Put(sheet, out, indexOf));
     }
 }
 
-/// The records of a sheet, in their order. Those that tell about the cells go out twice: first to hold their places.
-template <class Out, class IndexOf>
-void PutSheet(const Sheet& sheet, bool isFirst, Out& out, IndexOf& indexOf) {
-    Index index{.firstUnusedRow = sheet.RowCount()};
-    index.dbCellPositions.resize(std::max(BlockCount(sheet), 1U));
-    Dimensions dimensions{.endRow = sheet.RowCount(), .endColumn = static_cast<std::uint16_t>(sheet.ColumnCount())};
-    Window2 window;
-    if (!isFirst) window.options &= static_cast<std::uint16_t>(~Window2::kSelected);
-
-    out.Put(BOF{.type = BOF::kSheet});
-    const std::size_t indexPosition = out.Position();
-    out.Put(index);
-    const std::size_t dimensionsPosition = out.Position();
-    out.Put(dimensions);
-    PutRowBlocks(sheet, index, dimensions, out, indexOf);
-    out.Put(window);
-    out.Put(YEOF());
-
-    out.Replace(indexPosition, index);
-    out.Replace(dimensionsPosition, dimensions);
-}
-
-BoundSheet BoundSheetOf(const Sheet& sheet, std::size_t position) {
-    return {.position = Position32(position), .name = SmallString(std::string_view(sheet.Name()))};
-}
-
-/// The records of a workbook, in their order. Each sheet's name learns where the sheet stands once that is known.
-template <class Out, class IndexOf>
-void PutWorkbook(const Sheets& sheets, const SharedStringTable& strings, Out& out, IndexOf& indexOf) {
+/// The records of the globals, in their order.
+void PutGlobals(const std::vector<SheetRecords>& sheets, const SharedStringTable& strings, auto& out) {
     out.Put(BOF{.type = BOF::kGlobals});
     out.Put(Window1());
     PutCopies(kFonts, Font(), out);
     PutCopies(kFormats, XF(), out);
     PutCopies(kStyles, Style(), out);
-    std::size_t namePosition = out.Position();
-    for (const auto& sheet : sheets)
-        out.Put(BoundSheetOf(*sheet, 0));
+    for (const SheetRecords& sheet : sheets)
+        out.Put(sheet.name);
     out.Put(strings);
     out.Put(YEOF());
+}
 
-    for (const auto& sheet : sheets) {
-        const BoundSheet name = BoundSheetOf(*sheet, out.Position());
-        out.Replace(namePosition, name);
-        namePosition += RecordSize(name);
-        PutSheet(*sheet, sheet == sheets.front(), out, indexOf);
+/// The records of a sheet, in their order.
+template <class Out, class IndexOf, class Learn>
+void PutSheet(const SheetRecords& sheet, Out& out, IndexOf& indexOf, Learn learn) {
+    out.Put(BOF{.type = BOF::kSheet});
+    out.Put(sheet.index);
+    out.Put(sheet.dimensions);
+    PutRowBlocks(*sheet.sheet, out, indexOf, learn);
+    out.Put(sheet.window);
+    out.Put(YEOF());
+}
+
+/// What can be told about a sheet before its cells are counted.
+SheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
+    SheetRecords records{
+        .sheet = &sheet,
+        .name = {.name = SmallString(std::string_view(sheet.Name()))},
+        .index = {.firstUnusedRow = sheet.RowCount()},
+        .dimensions = {.endRow = sheet.RowCount(), .endColumn = static_cast<std::uint16_t>(sheet.ColumnCount())},
+        .window = {}};
+    records.index.dbCellPositions.resize(std::max(BlockCount(sheet), 1U));
+    if (!isFirst) records.window.options &= static_cast<std::uint16_t>(~Window2::kSelected);
+    for (std::uint32_t row = 0; row < sheet.RowCount(); ++row) {
+        const auto column = sheet.FirstUsedColumn(row);
+        if (!column) continue;
+        records.index.firstUsedRow = records.dimensions.firstUsedRow = row;
+        records.dimensions.firstUsedColumn = *column;
+        break;
     }
+    return records;
+}
+
+/// The sheet stands further back than it was thought to. (One without rows tells of a block at 0, wherever it stands.)
+void MoveBy(std::size_t bytes, SheetRecords& sheet) {
+    sheet.name.position += Position32(bytes);
+    if (BlockCount(*sheet.sheet) == 0) return;
+    for (std::uint32_t& position : sheet.index.dbCellPositions)
+        position += Position32(bytes);
 }
 
 }  // namespace
 
-RecordStream BuildWorkbookStream(const Sheets& sheets) {
-    SharedStrings strings;
-    auto collect = [&](const Cell& cell) { return strings.Add(cell); };
+/// The cells are counted first, as if nothing stood in front of the sheets: only then all texts are known.
+WorkbookStream::WorkbookStream(const Sheets& sheets) {
+    StreamSize cells;
+    auto collect = [&](const Cell& cell) { return m_strings.Add(cell); };
+    for (const auto& sheet : sheets) {
+        SheetRecords& records = m_sheets.emplace_back(RecordsOf(*sheet, m_sheets.empty()));
+        records.name.position = Position32(cells.Position());
+        PutSheet(records, cells, collect, [&](std::uint32_t number, std::size_t position) {
+            records.index.dbCellPositions[number] = Position32(position);
+        });
+    }
+    StreamSize globals;
+    PutGlobals(m_sheets, m_strings.Table(), globals);
+    for (SheetRecords& records : m_sheets)
+        MoveBy(globals.Position(), records);
+    m_size = globals.Position() + cells.Position();
+}
 
-    // Once over the cells to count the bytes, with no texts in the table yet, and once more to store them.
-    StreamSize size;
-    PutWorkbook(sheets, SharedStringTable(), size, collect);
-    const SharedStringTable& table = strings.Table();
-    const std::size_t tableGrowth = RecordSize(table) - RecordSize(SharedStringTable());
-
-    RecordStream stream(size.Position() + tableGrowth);
-    auto repeat = [next = strings.Uses().begin()](const Cell& /*cell*/) mutable { return *next++; };
-    PutWorkbook(sheets, table, stream, repeat);
-    return stream;
+void WorkbookStream::GiveTo(const RecordStream::Take& take) const {
+    RecordStream stream(take);
+    PutGlobals(m_sheets, m_strings.Table(), stream);
+    auto repeat = [next = m_strings.Uses().begin()](const Cell& /*cell*/) mutable { return *next++; };
+    for (const SheetRecords& sheet : m_sheets)
+        PutSheet(sheet, stream, repeat, [](auto...) {});
+    stream.Finish();
 }
 
 }  // namespace YExcel

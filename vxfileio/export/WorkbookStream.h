@@ -1,17 +1,44 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
+#include "vxfileio/export/SharedStrings.h"
 #include "vxfileio/export/Sheet.h"
+#include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/RecordStream.h"
+#include "vxfileio/export/biff/SheetRecords.h"
 
 namespace YExcel {
 
 /// The sheets of a workbook, in their order.
 using Sheets = std::vector<std::unique_ptr<Sheet>>;
 
-/// Returns the stream that stands for a workbook of these sheets, which stay as they are.
-RecordStream BuildWorkbookStream(const Sheets& sheets);
+/// A sheet, and the records that tell about its cells from other places of the stream.
+struct SheetRecords {
+    const Sheet* sheet = nullptr;
+    BoundSheet name = {};
+    Index index = {};
+    Dimensions dimensions = {};
+    Window2 window = {};
+};
+
+/// The stream that stands for a workbook of sheets, which must stay as they are as long as this object is in use. It is
+/// counted at once, and comes piece by piece when asked for, so that it is never in memory whole.
+class WorkbookStream {
+ public:
+    explicit WorkbookStream(const Sheets& sheets);
+
+    /// Returns the number of bytes.
+    std::size_t Size() const { return m_size; }
+    /// Gives out all bytes, in pieces of `RecordStream::kPieceSize` and a last one of what is left.
+    void GiveTo(const RecordStream::Take& take) const;
+
+ private:
+    std::vector<SheetRecords> m_sheets;
+    SharedStrings m_strings;
+    std::size_t m_size = 0;
+};
 
 }  // namespace YExcel

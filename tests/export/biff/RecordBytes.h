@@ -42,10 +42,13 @@ inline std::string ToString(std::span<const std::byte> bytes) {
 }
 
 /// The bytes of a record alone in a stream.
-std::string BytesOf(const YExcel::Record auto& record) {
-    YExcel::RecordStream stream;
-    stream.Put(record);
-    return ToString(stream.Bytes());
+std::string BytesOf(const YExcel::Record auto& record) { return ToString(YExcel::RecordBytes(record)); }
+
+/// The bytes of a document's stream.
+std::string StreamOf(const auto& document) {
+    std::string bytes;
+    document.Stream().GiveTo([&](auto piece) { bytes += ToString(piece); });
+    return bytes;
 }
 
 inline std::uint32_t NumberAt(const std::string& bytes, std::size_t position, int size) {

@@ -10,36 +10,72 @@ namespace {
 
 using YExcel::Blank;
 using YExcel::RecordStream;
+using YExcel::SharedStringTable;
+using YExcel::SstString;
 using YExcel::StreamSize;
 using YExcel::YEOF;
 
+constexpr std::size_t kPiece = 65536;
+
 std::string BlankBytes(unsigned row) { return U16(0x0201) + U16(6) + U16(row) + Zeros(4); }
 
-TEST(RecordStreamTest, RecordsBeyondTheReservedRoomKeepThoseBefore) {
-    for (const std::size_t room : {0U, 1U, 10U, 25U, 1000U}) {
-        RecordStream stream(room);
+TEST(RecordStreamTest, PiecesAreFullWhereverRecordsEndAndTheLastHasTheRest) {
+    for (const unsigned eofs : {0U, 1U, 2U, 3U, 4U}) {  // 4 bytes each; 6553 records of 10 bytes leave 6 of a piece
+        std::vector<std::string> pieces;
+        RecordStream stream([&](auto piece) { pieces.push_back(ToString(piece)); });
         StreamSize size;
         std::string expected;
-        for (std::uint16_t row = 0; row < 20; ++row) {
+        const auto put = [&](const auto& record, const std::string& bytes) {
             EXPECT_EQ(stream.Position(), expected.size());
-            stream.Put(Blank{.row = row});
-            size.Put(Blank{.row = row});
-            expected += BlankBytes(row);
-        }
-        EXPECT_EQ(ToString(stream.Bytes()), expected);
+            stream.Put(record);
+            size.Put(record);
+            expected += bytes;
+        };
+        for (unsigned i = 0; i < eofs; ++i)
+            put(YEOF(), U16(0x000A) + U16(0));
+        for (unsigned row = 0; row < 13200; ++row)
+            put(Blank{.row = static_cast<std::uint16_t>(row)}, BlankBytes(row));
         EXPECT_EQ(size.Position(), expected.size());
+        stream.Finish();
+        EXPECT_EQ(pieces, (std::vector<std::string>{expected.substr(0, kPiece), expected.substr(kPiece, kPiece),
+                                                    expected.substr(2 * kPiece)}));
     }
 }
 
-TEST(RecordStreamTest, ReplacingTouchesOneRecordOnly) {
-    RecordStream stream;
+TEST(RecordStreamTest, NothingIsHandedOnBehindAWholePieceOrOfNoRecord) {
+    int pieces = 0;
+    RecordStream stream([&](auto piece) {
+        EXPECT_EQ(piece.size(), kPiece);
+        ++pieces;
+    });
+    stream.Finish();
+    EXPECT_EQ(pieces, 0);
+    for (std::size_t i = 0; i < kPiece / 4; ++i)
+        stream.Put(YEOF());
+    stream.Finish();
+    EXPECT_EQ(pieces, 1);
+}
+
+TEST(RecordStreamTest, LongBodyGoesOverPieces) {
+    const std::string x(32767, 'x');
+    SharedStringTable table{.total = 9, .strings = std::vector(9, SstString(std::string_view(x)))};
+    std::string text = U32(9) + U32(9);  // what the bodies hold, but for the option bytes that they begin with
+    for (int i = 0; i < 9; ++i)
+        text += U16(32767) + U8(0) + x;
+    std::string bytes;
+    RecordStream stream([&](auto piece) { bytes += ToString(piece); });
     stream.Put(Blank{.row = 1});
-    const std::size_t position = stream.Position();
+    stream.Put(table);
     stream.Put(Blank{.row = 2});
-    stream.Put(YEOF());
-    stream.Replace(position, Blank{.row = 7});
-    EXPECT_EQ(ToString(stream.Bytes()), BlankBytes(1) + BlankBytes(7) + U16(0x000A) + U16(0));
-    EXPECT_TRUE(RecordStream().Bytes().empty());
+    EXPECT_EQ(stream.Position(), 10 + YExcel::RecordSize(table) + 10);
+    stream.Finish();
+    const auto records = RecordsOf(bytes);
+    EXPECT_EQ(records.front().body + records.back().body, BlankBytes(1).substr(4) + BlankBytes(2).substr(4));
+    std::string found = records[1].body;
+    for (std::size_t i = 2; i + 1 < records.size(); ++i)
+        found += records[i].body.substr(records[i].body[0] == 0 ? 1 : 0);
+    EXPECT_EQ(found, text);
+    EXPECT_EQ(bytes.size(), 20 + YExcel::RecordSize(table));
 }
 
 }  // namespace

@@ -42,7 +42,8 @@ TEST(SheetRecordsTest, RowAndEndOfRowBlock) {
                                                                               U16(255) +           // height
                                                                               U16(0) + U16(0) +    // reserved
                                                                               U32(0));             // options
-    EXPECT_EQ(BytesOf(DBCell{.firstRowOffset = 0x10203, .rowOffsets = {20, 0x405}}),
+    const std::uint16_t offsets[] = {20, 0x405};
+    EXPECT_EQ(BytesOf(DBCell{.firstRowOffset = 0x10203, .rowOffsets = offsets}),
               U16(0x00D7) + U16(8) + U32(0x10203) + U16(20) + U16(0x405));
     EXPECT_EQ(BytesOf(DBCell()), U16(0x00D7) + U16(4) + U32(0));
 }

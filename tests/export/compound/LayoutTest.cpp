@@ -77,6 +77,10 @@ TEST_F(LayoutTest, StreamsOfEverySizeStandWhereTheyShould) {
             Add("Workbook", content);
             EXPECT_EQ(Difference(Bytes(), ExpectedWorkbookFile(content)), "") << size;
             EXPECT_TRUE(Read().streams.at("Workbook") == content) << size;
+            m_storage.Create(m_path);
+            m_storage.MakeFile("Workbook");
+            EXPECT_EQ(WriteInPieces("Workbook", content, 64 * kSector, size), 1);
+            EXPECT_EQ(Difference(Bytes(), ExpectedWorkbookFile(content)), "") << size << " in pieces";
         }
     }
 }

@@ -56,6 +56,27 @@ TEST_F(RewriteTest, ShortStreamsGiveUpMiniSectorsAndTheMiniStreamItsEnd) {
     EXPECT_EQ(Marks(Read(), 2, 3), (Numbers{kFree, kEnd}));  // the mini FAT stays
 }
 
+// What is told as the size counts, whatever comes: no byte behind it, and no sector of another stream.
+TEST_F(RewriteTest, PiecesGoAlongAChainThatLeadsBackAndEndWithTheSizeTold) {
+    Add("a", Pattern(10 * kSector));
+    Add("b", Pattern(10 * kSector));
+    EXPECT_EQ(Write("b", Pattern(20 * kSector)), 1);
+    EXPECT_EQ(Write("a", ""), 1);
+    EXPECT_EQ(Write("b", Pattern(200 * kSector)), 1);  // goes on in the sectors of "a", and behind its own
+    Add("c", Pattern(8 * kSector));
+    for (const unsigned sectors : {1U, 3U, 64U, 300U}) {
+        const std::string content = Pattern(200 * kSector, sectors);
+        for (const std::size_t size : {198 * kSector, 197 * kSector + 1, 200 * kSector}) {
+            EXPECT_EQ(WriteInPieces("b", content, sectors * kSector, size), 1);
+            EXPECT_EQ(Read().streams.at("b"), content.substr(0, size));
+        }
+    }
+    EXPECT_EQ(WriteInPieces("c", Pattern(9000), kSector, 4000), 1);
+    EXPECT_EQ(Read().streams.at("c"), Pattern(9000).substr(0, 4000));
+    EXPECT_TRUE(m_storage.IsComplete());
+    EXPECT_EQ(WriteInPieces("missing", "x", kSector, 1), -4);
+}
+
 TEST_F(RewriteTest, EmptyStreamTakesNothingOfAFullFat) {
     Add("full", Pattern(126 * kSector));
     Add("empty", "");

@@ -102,7 +102,25 @@ TEST_F(SectorFileTest, GatheredBlocksGoToTheirPlacesFilledUpWithZeros) {
     EXPECT_TRUE(m_file.WriteRun(99, {}));
     EXPECT_EQ(m_file.BlockCount(), 18U);
     m_file.Close();
+    writes.AddCopy(0, BlockOf('z'));
     EXPECT_FALSE(writes.WriteTo(m_file));
+}
+
+TEST_F(SectorFileTest, LentBlocksAreWrittenWithThoseInFrontOfThem) {
+    MakeBlocks("abcdefgh");
+    CBlockWrites writes;
+    writes.AddCopy(7, BlockOf('q'));
+    writes.AddCopy(0, BlockOf('p'));
+    EXPECT_TRUE(writes.WriteLentTo(m_file));
+    EXPECT_EQ(Letters(), "abcdefgh");
+    std::string lent = std::string(512, 'x') + std::string(512, 'y');
+    writes.Add(2, std::as_bytes(std::span(lent)));
+    writes.Add(5, std::as_bytes(std::span(lent)).first(512));
+    EXPECT_TRUE(writes.WriteLentTo(m_file));
+    EXPECT_EQ(Letters(), "pbxyexgh");
+    lent.assign(1024, '?');
+    EXPECT_TRUE(writes.WriteTo(m_file));
+    EXPECT_EQ(Letters(), "pbxyexgq");
 }
 
 TEST_F(SectorFileTest, BlocksAreInsertedSwappedAndMoved) {

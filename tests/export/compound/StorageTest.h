@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <span>
 
 #include "tests/export/compound/CompoundReader.h"
@@ -29,6 +30,19 @@ class StorageTest : public testing::Test {
 
     std::int32_t Write(const std::string& name, const std::string& content) {
         return m_storage.WriteFile(name, std::as_bytes(std::span(content)));
+    }
+
+    /// The same in pieces of so many bytes, each of which is gone when the next one comes. `size` is what is told.
+    std::int32_t WriteInPieces(const std::string& name, const std::string& content, std::size_t piece,
+                               std::size_t size) {
+        const auto give = [&](const CompoundStorage::TakePiece& take) {
+            for (std::size_t at = 0; at < content.size(); at += piece) {
+                std::string bytes = content.substr(at, piece);
+                take(std::as_bytes(std::span(bytes)));
+                std::fill(bytes.begin(), bytes.end(), '?');
+            }
+        };
+        return m_storage.WriteFile(name, size, give);
     }
 
     /// Makes a stream with content.

@@ -12,7 +12,7 @@
 #include "tools/vxfile/workbook/WorkbookVerify.h"
 #include "vxfileio/export/biff/CellRecords.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
-#include "vxfileio/export/biff/Record.h"
+#include "vxfileio/export/biff/RecordStream.h"
 #include "vxfileio/export/biff/SheetRecords.h"
 
 namespace vxfile {
@@ -133,8 +133,7 @@ void CRecordsJudge::ExpectExactly(const Type& record) {
 
 template <class Type>
 void CRecordsJudge::Compare(const CRecord& found, const Type& expected) {
-    std::vector<std::byte> bytes(YExcel::RecordSize(expected));
-    YExcel::Write(expected, bytes.data());
+    const auto bytes = YExcel::RecordBytes(expected);
     const auto body = std::span(bytes).subspan(YExcel::kHeaderSize);
     if (std::ranges::equal(found.body, body)) return;
     const auto differs = static_cast<std::size_t>(std::ranges::mismatch(found.body, body).in1 - found.body.begin());
@@ -289,14 +288,14 @@ void CRecordsJudge::JudgeDBCell(std::size_t firstRow, const std::vector<CRowPlac
     const auto record = Expect(YExcel::DBCell::kCode);
     if (!record) return;
     constexpr std::size_t kRowSize = 20;
-    YExcel::DBCell expected;
-    if (!rows.empty()) expected.firstRowOffset = static_cast<std::uint32_t>(record->position - firstRow);
+    std::vector<std::uint16_t> offsets;
     std::size_t from = firstRow + kRowSize;
     for (const auto& row : rows) {
-        expected.rowOffsets.push_back(static_cast<std::uint16_t>(row.firstCell - from));
+        offsets.push_back(static_cast<std::uint16_t>(row.firstCell - from));
         from = row.firstCell;
     }
-    Compare(*record, expected);
+    const std::size_t wayBack = rows.empty() ? 0 : record->position - firstRow;
+    Compare(*record, YExcel::DBCell{.firstRowOffset = static_cast<std::uint32_t>(wayBack), .rowOffsets = offsets});
     sum.dbCells.push_back(static_cast<std::uint32_t>(record->position));
 }
 

@@ -11,7 +11,7 @@
 #include "tools/vxfile/workbook/Records.h"
 #include "vxfileio/export/biff/ContinuedBody.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
-#include "vxfileio/export/biff/Record.h"
+#include "vxfileio/export/biff/RecordStream.h"
 
 using namespace YExcel;
 
@@ -175,8 +175,7 @@ std::size_t JudgeSharedStrings(std::span<const std::byte> stream, std::size_t po
                       "Cells that show the others are damaged."});
         return end;
     }
-    std::vector<std::byte> expected(RecordSize(texts.table));
-    Write(texts.table, expected.data());
+    const auto expected = RecordBytes(texts.table);
     const auto found = stream.subspan(position, end - position);
     const auto differs = std::ranges::mismatch(found, expected).in1 - found.begin();
     if (!std::ranges::equal(found, expected))

@@ -17,7 +17,6 @@
 namespace YExcel {
 
 using vxfileio::FieldSize;
-using vxfileio::FieldStore;
 using vxfileio::FieldVisitor;
 
 /// The most bytes of a body that one record holds, its header not counted.
@@ -95,30 +94,6 @@ class RecordsSize {
 
  private:
     std::size_t m_size = 0;
-};
-
-/// Stores records one after the other from an address on, where there is room for them.
-class RecordsStore {
- public:
-    explicit RecordsStore(std::byte* to) : m_to(to) {}
-
-    void Begin(std::uint16_t code) {
-        FieldStore store(m_to);
-        m_length = 0;
-        store(code, m_length);
-        m_to = store.End();
-    }
-
-    void Bytes(std::span<const std::byte> bytes) {
-        std::byte* const lengthField = m_to - m_length - sizeof(m_length);
-        m_length = static_cast<std::uint16_t>(m_length + bytes.size());
-        vxfileio::StoreLE16(lengthField, m_length);
-        m_to = std::copy(bytes.begin(), bytes.end(), m_to);
-    }
-
- private:
-    std::byte* m_to;
-    std::uint16_t m_length = 0;  ///< Of the body so far.
 };
 
 }  // namespace YExcel

@@ -38,19 +38,4 @@ constexpr std::size_t RecordSize(const Type& record) {
     return size.Size();
 }
 
-/// Stores the record at `to`, which has room for its `RecordSize`.
-template <Record Type>
-void Write(const Type& record, std::byte* to) {
-    const std::size_t dataSize = DataSize(record);
-    if (dataSize <= kMostBody) {
-        FieldStore store(to);
-        store(Type::kCode, static_cast<std::uint16_t>(dataSize));
-        record.Fields(store);
-    } else {
-        RecordsStore records(to);
-        ContinuedBody body(records, Type::kCode);
-        record.Fields(body);
-    }
-}
-
 }  // namespace YExcel

@@ -2,16 +2,24 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "vxfileio/export/biff/Record.h"
+#include "vxfileio/helpers/LittleEndian.h"
 
 /// @file
-/// The two ends that a row of records can be put into: one counts the bytes, the other holds them. Whoever puts records
-/// is written once for both, so that the room a stream needs is known to the byte before its first record is stored.
+/// The two ends that a row of records can be put into: one counts the bytes, the other stores them. Whoever puts
+/// records is written once for both, so that the size of a stream is known to the byte before its first record is
+/// stored.
 
 namespace YExcel {
+
+using vxfileio::FieldStore;
 
 /// Counts the bytes of a stream.
 class StreamSize {
@@ -19,49 +27,101 @@ class StreamSize {
     /// Bytes so far: where the next record begins.
     std::size_t Position() const { return m_size; }
     void Put(const Record auto& record) { m_size += RecordSize(record); }
-    /// Another record in place of one of the same size changes nothing.
-    void Replace(std::size_t /*position*/, const Record auto& /*record*/) const {}
 
  private:
     std::size_t m_size = 0;
 };
 
-/// The bytes of a stream in memory.
+/// Stores the bytes of a stream and hands them on piece by piece. The pieces stand in one buffer that is used again and
+/// again, so that the stream is never in memory whole.
 class RecordStream {
  public:
-    /// Makes room for so many bytes. More may come; that costs a copy of all that stands.
-    explicit RecordStream(std::size_t capacity = 0) : m_capacity(capacity) {
-        if (capacity != 0) m_bytes = std::make_unique_for_overwrite<std::byte[]>(capacity);
-    }
+    /// The bytes of every piece but the last one, which has what is left.
+    static constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
+
+    /// Takes a piece, whose bytes are valid until it returns.
+    using Take = std::function<void(std::span<const std::byte> piece)>;
+
+    explicit RecordStream(Take take) : m_take(std::move(take)) {}
 
     /// Bytes so far: where the next record begins.
-    std::size_t Position() const { return m_size; }
+    std::size_t Position() const { return m_handedOn + Waiting(); }
 
     /// Appends a record.
-    void Put(const Record auto& record) {
-        const std::size_t size = RecordSize(record);
-        if (size > m_capacity - m_size) Grow(size);
-        Write(record, m_bytes.get() + m_size);
-        m_size += size;
+    template <Record Type>
+    void Put(const Type& record) {
+        const std::size_t dataSize = DataSize(record);
+        if (dataSize <= kMostBody) {
+            FieldStore store(m_end);
+            store(Type::kCode, static_cast<std::uint16_t>(dataSize));
+            record.Fields(store);
+            m_end = store.End();
+        } else {
+            LongBody records(*this);
+            ContinuedBody body(records, Type::kCode);
+            record.Fields(body);
+        }
+        HandOnWholePiece();
     }
 
-    /// Stores a record over the one that begins at `position` and has the same size.
-    void Replace(std::size_t position, const Record auto& record) { Write(record, m_bytes.get() + position); }
-
-    /// The whole stream, valid until the next change.
-    std::span<const std::byte> Bytes() const { return {m_bytes.get(), m_size}; }
+    /// Hands on what is left behind the last whole piece, if there is anything.
+    void Finish() {
+        if (m_end != m_buffer.get()) HandOn(Waiting());
+    }
 
  private:
-    void Grow(std::size_t size) {
-        m_capacity = std::max(2 * m_capacity, m_size + size);
-        auto bytes = std::make_unique_for_overwrite<std::byte[]>(m_capacity);
-        std::copy_n(m_bytes.get(), m_size, bytes.get());
-        m_bytes = std::move(bytes);
+    /// The records of a body that is too long for one.
+    class LongBody {
+     public:
+        explicit LongBody(RecordStream& stream) : m_stream(stream) {}
+
+        void Begin(std::uint16_t code) {
+            m_stream.HandOnWholePiece();
+            m_length = 0;
+            FieldStore store(m_stream.m_end);
+            store(code, m_length);
+            m_stream.m_end = store.End();
+        }
+        void Bytes(std::span<const std::byte> bytes) {
+            std::byte* const lengthField = m_stream.m_end - m_length - sizeof(m_length);
+            m_length = static_cast<std::uint16_t>(m_length + bytes.size());
+            vxfileio::StoreLE16(lengthField, m_length);
+            m_stream.m_end = std::copy(bytes.begin(), bytes.end(), m_stream.m_end);
+        }
+
+     private:
+        RecordStream& m_stream;
+        std::uint16_t m_length = 0;  ///< Of the record's body so far.
+    };
+
+    std::size_t Waiting() const { return static_cast<std::size_t>(m_end - m_buffer.get()); }
+
+    /// Leaves less than a piece waiting, and so room for a record.
+    void HandOnWholePiece() {
+        if (Waiting() >= kPieceSize) HandOn(kPieceSize);
     }
 
-    std::unique_ptr<std::byte[]> m_bytes;
-    std::size_t m_size = 0;
-    std::size_t m_capacity;
+    void HandOn(std::size_t size) {
+        m_take({m_buffer.get(), size});
+        m_handedOn += size;
+        m_end = std::copy(m_buffer.get() + size, m_end, m_buffer.get());
+    }
+
+    Take m_take;
+    std::size_t m_handedOn = 0;
+    /// Room for a piece, and for the record that goes over its end.
+    std::unique_ptr<std::byte[]> m_buffer =
+        std::make_unique_for_overwrite<std::byte[]>(kPieceSize + kHeaderSize + kMostBody);
+    std::byte* m_end = m_buffer.get();  ///< Of what waits to be handed on.
 };
+
+/// Returns the bytes of a record that stands alone.
+std::vector<std::byte> RecordBytes(const Record auto& record) {
+    std::vector<std::byte> bytes;
+    RecordStream stream([&](auto piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
+    stream.Put(record);
+    stream.Finish();
+    return bytes;
+}
 
 }  // namespace YExcel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "vxfileio/export/biff/GlobalRecords.h"
@@ -71,12 +72,13 @@ struct Row {
 };
 
 /// The end of a row block: how far back its first `Row` is, and the way from there to the cells of each row. The first
-/// offset leads from the second `Row` to the first cell, each further one from row to row.
+/// offset leads from the second `Row` to the first cell, each further one from row to row. The offsets belong to
+/// somebody else and must outlive the record.
 struct DBCell {
     static constexpr std::uint16_t kCode = 0x00D7;
 
     std::uint32_t firstRowOffset = 0;
-    std::vector<std::uint16_t> rowOffsets = {};
+    std::span<const std::uint16_t> rowOffsets = {};
 
     constexpr void Fields(auto& body) const { body(firstRowOffset, rowOffsets); }
 };

@@ -5,32 +5,46 @@
 
 namespace vxfileio::compound {
 
+namespace {
+
+constexpr std::uint32_t BlocksIn(CBytes bytes) {
+    return static_cast<std::uint32_t>(bytes.size() / SectorFile::kBlockSize);
+}
+
+}  // namespace
+
 void CBlockWrites::Add(std::uint32_t first, CBytes bytes) {
-    const std::size_t wholeBlocks = bytes.size() / SectorFile::kBlockSize;
-    const CBytes whole = bytes.first(wholeBlocks * SectorFile::kBlockSize);
+    const std::uint32_t end = first + BlocksIn(bytes);
+    const CBytes whole = bytes.first(BlocksIn(bytes) * SectorFile::kBlockSize);
     const CBytes rest = bytes.subspan(whole.size());
-    if (!whole.empty()) m_parts.push_back({first, whole});
+    if (!whole.empty()) {
+        m_parts.emplace(first, whole);
+        m_endOfLent = std::max(m_endOfLent, end);
+    }
     if (rest.empty()) return;
     Block last{};
     std::copy(rest.begin(), rest.end(), last.begin());
-    AddCopy(first + static_cast<std::uint32_t>(wholeBlocks), last);
+    AddCopy(end, last);
 }
 
-void CBlockWrites::AddCopy(std::uint32_t index, const Block& block) {
-    m_parts.push_back({index, m_copies.emplace_back(block)});
+void CBlockWrites::AddCopy(std::uint32_t index, std::span<const std::byte, SectorFile::kBlockSize> block) {
+    Block& copy = m_copies.emplace_back();
+    std::copy(block.begin(), block.end(), copy.begin());
+    m_parts.emplace(index, copy);
 }
 
-bool CBlockWrites::WriteTo(SectorFile& file) {
-    std::sort(m_parts.begin(), m_parts.end(), [](const CPart& a, const CPart& b) { return a.first < b.first; });
+/// Writes what begins in front of block `end`, and what stands side by side with it.
+bool CBlockWrites::WriteBefore(std::uint32_t end, SectorFile& file) {
     bool isComplete = true;
-    for (auto next = m_parts.begin(); next != m_parts.end();) {
-        const std::uint32_t first = next->first;
-        std::uint32_t end = first;
+    while (!m_parts.empty() && m_parts.begin()->first < end) {
+        const std::uint32_t first = m_parts.begin()->first;
+        std::uint32_t next = first;
         std::array<CBytes, SectorFile::kMostParts> run;
         std::size_t count = 0;
-        for (; next != m_parts.end() && next->first == end && count < run.size(); ++next) {
-            run[count++] = next->bytes;
-            end = next->End();
+        while (count < run.size() && !m_parts.empty() && m_parts.begin()->first == next) {
+            const CBytes part = m_parts.extract(m_parts.begin()).mapped();
+            next += BlocksIn(part);
+            run[count++] = part;
         }
         isComplete = file.WriteRun(first, std::span(run).first(count)) && isComplete;
     }

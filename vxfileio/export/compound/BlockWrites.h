@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <vector>
+#include <limits>
+#include <map>
+#include <span>
+#include <utility>
 
 #include "vxfileio/export/compound/SectorFile.h"
 
@@ -16,26 +19,24 @@ class CBlockWrites {
  public:
     using Block = std::array<std::byte, SectorFile::kBlockSize>;
 
-    /// Adds the blocks from `first` on that these bytes fill, the rest of the last one being zeros. The bytes are the
-    /// caller's and must outlive this object. No block may be added twice.
+    /// Adds the blocks from `first` on that these bytes fill, the rest of the last one being zeros. The bytes are lent:
+    /// they are the caller's and must stay until they are written. No block may wait twice.
     void Add(std::uint32_t first, CBytes bytes);
     /// Adds one block, of which a copy is kept.
-    void AddCopy(std::uint32_t index, const Block& block);
+    void AddCopy(std::uint32_t index, std::span<const std::byte, SectorFile::kBlockSize> block);
 
     /// Writes all blocks in the order of the file. Returns whether the system took everything; what it refused doesn't
     /// keep the others from being written.
-    bool WriteTo(SectorFile& file);
+    bool WriteTo(SectorFile& file) { return WriteBefore(std::numeric_limits<std::uint32_t>::max(), file); }
+    /// The same with the blocks up to the last one whose bytes are lent. Those behind it wait on.
+    bool WriteLentTo(SectorFile& file) { return WriteBefore(std::exchange(m_endOfLent, 0), file); }
 
  private:
-    struct CPart {
-        std::uint32_t first;
-        CBytes bytes;  ///< Whole blocks.
+    bool WriteBefore(std::uint32_t end, SectorFile& file);
 
-        std::uint32_t End() const { return first + static_cast<std::uint32_t>(bytes.size() / Block().size()); }
-    };
-
-    std::vector<CPart> m_parts;
-    std::deque<Block> m_copies;  ///< A deque, since they must stay where they are while others are added.
+    std::map<std::uint32_t, CBytes> m_parts;  ///< Whole blocks, by the number of the first.
+    std::deque<Block> m_copies;               ///< A deque, since they must stay where they are while others are added.
+    std::uint32_t m_endOfLent = 0;            ///< The block behind the last one that was lent.
 };
 
 }  // namespace vxfileio::compound

@@ -105,8 +105,7 @@ bool CompoundStorage::Create(const std::string& path) {
     m_fat.Mark(m_header.firstDirectorySector, kEndOfChain);
     m_directory.Reset();
     m_current = m_directory.Root();
-    CBlockWrites writes;
-    Write(writes);
+    WriteTables();
     return true;
 }
 
@@ -157,28 +156,37 @@ std::int32_t CompoundStorage::Make(std::string_view path, enEntryType type) {
     const std::size_t before = m_directory.Count();
     DirectoryNode* const parent = Walk(StartOf(path), storages, addStorage);
     if (parent != nullptr) add(parent, name, type);
-    CBlockWrites writes;
-    if (m_directory.Count() != before) Write(writes);
+    if (m_directory.Count() != before) WriteTables();
     return result;
 }
 
 // ---- Streams --------------------------------------------------------------------------------------------------------
 
 std::int32_t CompoundStorage::WriteFile(const std::string& path, CBytes data) {
+    return WriteFile(path, data.size(), [data](const TakePiece& take) { take(data); });
+}
+
+std::int32_t CompoundStorage::WriteFile(const std::string& path, std::size_t size,
+                                        const std::function<void(const TakePiece& take)>& give) {
     const auto [storages, name] = Split(path);
     const DirectoryNode* const parent = Walk(StartOf(path), storages, Nowhere);
     DirectoryNode* const stream = parent == nullptr ? nullptr : parent->FindChild(name);
     if (stream == nullptr || !stream->entry.Is(enEntryType::Stream)) return kNoStream;
-    if (data.size() > kMostStreamSize) return kTooLarge;
+    if (size > kMostStreamSize) return kTooLarge;
     DirectoryEntry& entry = stream->entry;
     const bool wasBig = IsBig(entry.streamSize);
-    const bool isBig = IsBig(data.size());
+    const bool isBig = IsBig(size);
     if (wasBig != isBig) FitStream(entry, 0, wasBig);
-    FitStream(entry, data.size(), isBig);
+    FitStream(entry, size, isBig);
 
     CBlockWrites writes;
-    if (isBig) AddChain(writes, entry.startSector, data);
-    if (!isBig) CopyToMiniStream(entry.startSector, data);
+    AddTables(writes);
+    std::uint32_t sector = entry.startSector;
+    give([&](CBytes piece) {
+        piece = piece.first(std::min(piece.size(), size));
+        size -= piece.size();
+        sector = isBig ? WritePiece(writes, sector, piece) : CopyToMiniStream(sector, piece);
+    });
     if (!isBig || !wasBig) AddChain(writes, m_directory.Root()->entry.startSector, m_miniStream);
     Write(writes);
     return kSuccess;
@@ -202,14 +210,15 @@ void CompoundStorage::FitMiniStream(DirectoryEntry& entry, std::size_t size) {
     FitStream(root, m_miniStream.size(), true);
 }
 
-void CompoundStorage::CopyToMiniStream(std::uint32_t miniSector, CBytes data) {
-    while (!data.empty()) {
+std::uint32_t CompoundStorage::CopyToMiniStream(std::uint32_t miniSector, CBytes data) {
+    while (!data.empty() && miniSector != kEndOfChain) {
         const auto part = data.first(std::min(data.size(), kMiniSectorSize));
         const auto sector = std::span(m_miniStream).subspan(miniSector * kMiniSectorSize, kMiniSectorSize);
         std::fill(std::copy(part.begin(), part.end(), sector.begin()), sector.end(), std::byte{0});
         data = data.subspan(part.size());
         miniSector = m_miniFat.Next(miniSector);
     }
+    return miniSector;
 }
 
 // ---- Room for more sectors ------------------------------------------------------------------------------------------
@@ -234,16 +243,35 @@ void CompoundStorage::ExtendMiniFat() {
 
 // ---- Writing --------------------------------------------------------------------------------------------------------
 
-/// Writes what was gathered, and all tables.
 void CompoundStorage::Write(CBlockWrites& writes) {
+    if (!writes.WriteTo(m_file)) m_isComplete = false;
+}
+
+void CompoundStorage::WriteTables() {
+    CBlockWrites writes;
+    AddTables(writes);
+    Write(writes);
+}
+
+/// Writes a piece of a stream to its chain from this sector on, and the tables in front of it. Returns the sector that
+/// the next piece goes to.
+std::uint32_t CompoundStorage::WritePiece(CBlockWrites& writes, std::uint32_t sector, CBytes piece) {
+    sector = AddChain(writes, sector, piece);
+    if (!writes.WriteLentTo(m_file)) m_isComplete = false;
+    return sector;
+}
+
+/// Adds all that is in the file beside the streams, as it stands now.
+void CompoundStorage::AddTables(CBlockWrites& writes) {
     const std::vector<std::byte> directory = m_directory.Encode();
     m_fat.FitChain(m_header.firstDirectorySector, Count(directory.size(), kSectorSize));  // changes header and FAT
     writes.AddCopy(0, BytesOf(m_header));
     AddFat(writes);
     AddDifat(writes);
     AddMiniFat(writes);
-    AddChain(writes, m_header.firstDirectorySector, directory);
-    if (!writes.WriteTo(m_file)) m_isComplete = false;
+    std::uint32_t sector = m_header.firstDirectorySector;
+    for (CBytes rest = directory; !rest.empty(); rest = rest.subspan(kSectorSize), sector = m_fat.Next(sector))
+        writes.AddCopy(BlockOf(sector), rest.first<kSectorSize>());
 }
 
 void CompoundStorage::AddFat(CBlockWrites& writes) const {
@@ -269,12 +297,14 @@ void CompoundStorage::AddMiniFat(CBlockWrites& writes) const {
         AddSector(writes, sector, m_miniFat.MarksOf(i));
 }
 
-void CompoundStorage::AddChain(CBlockWrites& writes, std::uint32_t first, CBytes bytes) const {
-    while (!bytes.empty()) {
-        const std::uint32_t length = m_fat.RunLength(first);
+/// Adds bytes that stand in a chain from this sector on. Returns the sector behind them.
+std::uint32_t CompoundStorage::AddChain(CBlockWrites& writes, std::uint32_t sector, CBytes bytes) const {
+    while (!bytes.empty() && sector != kEndOfChain) {
+        const std::uint32_t length = m_fat.RunLength(sector);
         const auto run = bytes.first(std::min(bytes.size(), length * kSectorSize));
-        writes.Add(BlockOf(first), run);
+        writes.Add(BlockOf(sector), run);
         bytes = bytes.subspan(run.size());
-        first = m_fat.Next(first + length - 1);
+        sector = m_fat.Next(sector + static_cast<std::uint32_t>(Count(run.size(), kSectorSize)) - 1);
     }
+    return sector;
 }

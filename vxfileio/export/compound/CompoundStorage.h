@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,6 +64,15 @@ class CompoundStorage {
     /// is less than 4096 bytes.
     std::int32_t WriteFile(const std::string& path, vxfileio::CBytes data);
 
+    /// Takes the next piece of a stream's content. All pieces but the last fill whole sectors of 512 bytes.
+    using TakePiece = std::function<void(vxfileio::CBytes piece)>;
+
+    /// The same with `size` bytes that needn't stand in memory together: `give(take)` is called once, unless the call
+    /// is refused, and calls `take` for one piece after the other. A piece goes to the system before `take` returns;
+    /// what comes beyond `size` is left out. Where `give` throws, the stream isn't whole.
+    std::int32_t WriteFile(const std::string& path, std::size_t size,
+                           const std::function<void(const TakePiece& take)>& give);
+
     /// Closes the file and forgets it.
     void Close();
 
@@ -71,16 +82,20 @@ class CompoundStorage {
 
     void FitStream(DirectoryEntry& entry, std::size_t size, bool isBig);
     void FitMiniStream(DirectoryEntry& entry, std::size_t size);
-    void CopyToMiniStream(std::uint32_t miniSector, vxfileio::CBytes data);
+    std::uint32_t CopyToMiniStream(std::uint32_t miniSector, vxfileio::CBytes data);
 
     void ExtendFat();
     void ExtendMiniFat();
 
     void Write(vxfileio::compound::CBlockWrites& writes);
+    void WriteTables();
+    std::uint32_t WritePiece(vxfileio::compound::CBlockWrites& writes, std::uint32_t sector, vxfileio::CBytes piece);
+    void AddTables(vxfileio::compound::CBlockWrites& writes);
     void AddFat(vxfileio::compound::CBlockWrites& writes) const;
     void AddDifat(vxfileio::compound::CBlockWrites& writes) const;
     void AddMiniFat(vxfileio::compound::CBlockWrites& writes) const;
-    void AddChain(vxfileio::compound::CBlockWrites& writes, std::uint32_t first, vxfileio::CBytes bytes) const;
+    std::uint32_t AddChain(vxfileio::compound::CBlockWrites& writes, std::uint32_t sector,
+                           vxfileio::CBytes bytes) const;
 
     SectorFile m_file;
     StorageHeader m_header;
