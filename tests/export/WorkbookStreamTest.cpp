@@ -156,6 +156,18 @@ TEST_F(WorkbookStreamTest, AWorkbookHasEachTextOnce) {
     EXPECT_EQ(Stream(), Stream());
 }
 
+// So many that they are looked for among many, and again when there are more.
+TEST_F(WorkbookStreamTest, ThousandsOfTextsKeepTheirIndices) {
+    constexpr unsigned kTexts = 3000;
+    for (unsigned i = 0; i < 2 * kTexts; ++i)
+        First().At(i, 0)->SetText("text " + std::to_string(i * 7 % kTexts));
+    const auto cells = Cells();
+    for (unsigned i = 0; i < 2 * kTexts; ++i)
+        EXPECT_EQ(cells.at(i).second, Place(i, 0) + U32(i % kTexts));
+    EXPECT_EQ(Body(kSst).substr(0, 8), U32(2 * kTexts) + U32(kTexts));
+    EXPECT_EQ(Body(kSst).substr(8, 3 + 6 + 3 + 6), U16(6) + U8(0) + "text 0" + U16(6) + U8(0) + "text 7");
+}
+
 // Rows 2, 3 and 33 have cells; row 34 and column 4 were asked for and left empty.
 TEST_F(WorkbookStreamTest, RowBlocksTellTheWayToTheirCells) {
     First().At(2, 3)->SetDouble(153.2738);

@@ -1,45 +1,43 @@
 #include "vxfileio/export/Cell.h"
 
-#include "vxfileio/export/biff/RkNumber.h"
+#include <memory>
 
 namespace YExcel {
 
-namespace {
-
-/// The part of a text that a cell keeps.
-template <class View>
-View Kept(View text) {
-    return text.substr(0, text.find(typename View::value_type{})).substr(0, Cell::kMostCharacters);
-}
-
-}  // namespace
-
-void Cell::SetText(std::string_view text) {
-    const auto kept = Kept(text);
+/// The new text may be a part of the old one, which goes last.
+template <class Character>
+void Cell::SetCharacters(std::basic_string_view<Character> text, CellType type) {
+    const auto kept = text.substr(0, text.find(Character{})).substr(0, kMostCharacters);
     if (kept.empty()) return Clear();
-    m_value = std::make_unique<const std::string>(kept);
+    const std::size_t size = (kept.size() + 1) * sizeof(Character);
+    decltype(m_value) value{};
+    const bool isAside = size > value.size();
+    std::unique_ptr<std::byte[]> aside;
+    if (isAside) aside = std::make_unique<std::byte[]>(size);
+    std::memcpy(isAside ? aside.get() : value.data(), kept.data(), size - sizeof(Character));
+    Clear();
+    if (isAside) {
+        Set(aside.release(), type);
+    } else {
+        Set(value, type);
+    }
+    m_isAside = isAside;
 }
 
-void Cell::SetWideText(std::u16string_view text) {
-    const auto kept = Kept(text);
-    if (kept.empty()) return Clear();
-    m_value = std::make_unique<const std::u16string>(kept);
+template <class Character>
+std::basic_string_view<Character> Cell::GetCharacters(CellType type) const {
+    if (m_type != type) return {};
+    return reinterpret_cast<const Character*>(m_isAside ? Get<const std::byte*>() : m_value.data());
 }
+
+template void Cell::SetCharacters(std::string_view text, CellType type);
+template void Cell::SetCharacters(std::u16string_view text, CellType type);
+template std::string_view Cell::GetCharacters(CellType type) const;
+template std::u16string_view Cell::GetCharacters(CellType type) const;
 
 std::int32_t Cell::GetInteger() const {
-    if (const auto* value = std::get_if<std::int32_t>(&m_value)) return *value;
-    if (const auto* value = std::get_if<double>(&m_value)) return Truncate(*value);
-    return 0;
-}
-
-std::string_view Cell::GetText() const {
-    const auto* text = std::get_if<std::unique_ptr<const std::string>>(&m_value);
-    return text == nullptr ? std::string_view() : **text;
-}
-
-std::u16string_view Cell::GetWideText() const {
-    const auto* text = std::get_if<std::unique_ptr<const std::u16string>>(&m_value);
-    return text == nullptr ? std::u16string_view() : **text;
+    if (m_type == CellType::Integer) return Get<std::int32_t>();
+    return Truncate(GetDouble());
 }
 
 }  // namespace YExcel

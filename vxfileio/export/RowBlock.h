@@ -21,9 +21,14 @@ class ShortRun {
     void Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, Out& out);
     /// Puts out what was held back.
     template <class Out>
-    void Finish(std::uint16_t row, Out& out);
+    void Finish(std::uint16_t row, Out& out) {
+        if (!m_items.empty()) PutOut(row, out);
+    }
 
  private:
+    template <class Out>
+    void PutOut(std::uint16_t row, Out& out);
+
     CellType m_type = CellType::Undefined;
     std::uint16_t m_firstColumn = 0;
     std::uint16_t m_lastColumn = 0;
@@ -61,8 +66,7 @@ void ShortRun::Add(CellType type, std::uint16_t column, std::uint32_t word, std:
 }
 
 template <class Out>
-void ShortRun::Finish(std::uint16_t row, Out& out) {
-    if (m_items.empty()) return;
+void ShortRun::PutOut(std::uint16_t row, Out& out) {
     if (m_items.size() == 1) {
         out.Put(RK{.row = row, .column = m_firstColumn, .word = m_items.front().word});
     } else {
@@ -92,15 +96,14 @@ template <class Out, class IndexOf>
 void RowBlock::PutCells(const Sheet& sheet, std::uint16_t row, Out& out, IndexOf& indexOf) {
     sheet.ForEachUsed(row, [&](std::uint16_t column, const Cell& cell) {
         const CellType type = cell.Type();
-        const double value = cell.GetDouble();
         if (type == CellType::Integer) {
             m_run.Add(type, column, EncodeIntegerRK(cell.GetInteger()), row, out);
-        } else if (type == CellType::Double && TwoDecimalTest(value)) {
-            m_run.Add(type, column, EncodeRK(value), row, out);
+        } else if (cell.IsShortDouble()) {
+            m_run.Add(type, column, EncodeRK(cell.GetDouble()), row, out);
         } else {
             m_run.Finish(row, out);
             if (type == CellType::Double) {
-                out.Put(Number{.row = row, .column = column, .value = value});
+                out.Put(Number{.row = row, .column = column, .value = cell.GetDouble()});
             } else {
                 out.Put(LabelSST{.row = row, .column = column, .stringIndex = indexOf(cell)});
             }

@@ -1,20 +1,56 @@
 #include "vxfileio/export/SharedStrings.h"
 
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <variant>
+
 namespace YExcel {
 
-template <class View>
-std::uint32_t SharedStrings::AddTo(IndexOf<View>& indices, View text) {
-    const auto next = static_cast<std::uint32_t>(m_table.strings.size());
-    const auto [place, isNew] = indices.try_emplace(text, next);
-    if (isNew) m_table.strings.emplace_back(text);
-    return place->second;
+namespace {
+
+/// A slot that no text has.
+constexpr std::uint32_t kEmpty = std::numeric_limits<std::uint32_t>::max();
+
+constexpr std::size_t kFirstSlots = 64;
+
+SstString TextOf(const Cell& cell) {
+    return cell.Type() == CellType::WideText ? SstString(cell.GetWideText()) : SstString(cell.GetText());
 }
 
+}  // namespace
+
 std::uint32_t SharedStrings::Add(const Cell& cell) {
-    const bool isWide = cell.Type() == CellType::WideText;
+    if (4 * m_table.strings.size() >= 3 * m_slots.size()) AddSlots();
+    const SstString text = TextOf(cell);
+    std::uint32_t& slot = SlotOf(text);
+    if (slot == kEmpty) {
+        slot = static_cast<std::uint32_t>(m_table.strings.size());
+        m_table.strings.push_back(text);
+    }
     ++m_table.total;
-    m_uses.push_back(isWide ? AddTo(m_wide, cell.GetWideText()) : AddTo(m_narrow, cell.GetText()));
-    return m_uses.back();
+    m_uses.push_back(slot);
+    return slot;
+}
+
+/// Returns the slot of a text, or the empty one that it is to have.
+std::uint32_t& SharedStrings::SlotOf(const SstString& text) {
+    const auto characters = text.Text();
+    std::size_t place = std::hash<SstString::Characters>()(characters);
+    while (true) {
+        std::uint32_t& slot = m_slots[place % m_slots.size()];
+        if (slot == kEmpty || m_table.strings[slot].Text() == characters) return slot;
+        ++place;
+    }
+}
+
+/// Doubles the slots. The old ones go first: all that they tell is told by the texts.
+void SharedStrings::AddSlots() {
+    const std::size_t count = std::max(kFirstSlots, 2 * m_slots.size());
+    m_slots = std::vector<std::uint32_t>();
+    m_slots.resize(count, kEmpty);
+    for (std::uint32_t i = 0; i < m_table.strings.size(); ++i)
+        SlotOf(m_table.strings[i]) = i;
 }
 
 }  // namespace YExcel

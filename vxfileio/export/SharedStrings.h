@@ -1,9 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string_view>
-#include <unordered_map>
-#include <utility>
+#include <deque>
 #include <vector>
 
 #include "vxfileio/export/Cell.h"
@@ -19,22 +18,19 @@ class SharedStrings {
     std::uint32_t Add(const Cell& cell);
 
     /// The indices that `Add` returned, in the order of its calls: going over the same cells again needs no search.
-    const std::vector<std::uint32_t>& Uses() const { return m_uses; }
+    const std::deque<std::uint32_t>& Uses() const { return m_uses; }
 
     /// The record of all texts.
     const SharedStringTable& Table() const { return m_table; }
 
  private:
-    template <class View>
-    using IndexOf = std::unordered_map<View, std::uint32_t>;
+    std::uint32_t& SlotOf(const SstString& text);
+    void AddSlots();
 
-    template <class View>
-    std::uint32_t AddTo(IndexOf<View>& indices, View text);
-
-    IndexOf<std::string_view> m_narrow;
-    IndexOf<std::u16string_view> m_wide;
+    // A workbook may have hundreds of thousands of short texts, so that a node for each would be most of its memory.
     SharedStringTable m_table;
-    std::vector<std::uint32_t> m_uses;
+    std::vector<std::uint32_t> m_slots;  ///< Indices of texts, by their hash, or the next free slot; a power of 2.
+    std::deque<std::uint32_t> m_uses;
 };
 
 }  // namespace YExcel

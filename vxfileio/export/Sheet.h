@@ -16,8 +16,8 @@ namespace YExcel {
 /// A table of cells, as high and wide as the highest row and column that were ever asked for. Rows and columns count
 /// from 0.
 ///
-/// Memory goes with the cells that were asked for, in strips of one column and a band of rows, wherever they lie. A
-/// cell never moves.
+/// Memory goes with the cells that were asked for, in tiles of a few columns and rows, wherever they lie. A cell never
+/// moves.
 class Sheet {
  public:
     static constexpr std::uint32_t kMostRows = 65536;
@@ -32,54 +32,68 @@ class Sheet {
     /// The cell is the sheet's, valid as long as the sheet.
     Cell* At(std::uint32_t row, std::uint32_t column) {
         if (row >= kMostRows || column >= kMostColumns) return nullptr;
-        Strip* const known = StripAt(row, column);
-        Strip& strip = known == nullptr ? AddStrip(row, column) : *known;
+        Tile* const known = TileAt(row, column);
+        Tile& tile = known == nullptr ? AddTile(row, column) : *known;
         m_rowCount = std::max(m_rowCount, row + 1);
         m_columnCount = std::max(m_columnCount, column + 1);
-        return &strip[row % kStripRows];
+        return &tile[row % kTileRows][column % kTileColumns];
     }
 
     /// Calls `take(column, cell)` for every cell of the row that holds something, from left to right.
     template <class Take>
-    void ForEachUsed(std::uint32_t row, Take take) const;
+    void ForEachUsed(std::uint32_t row, Take take) const {
+        FindUsed(row, [&](std::uint16_t column, const Cell& cell) {
+            take(column, cell);
+            return false;
+        });
+    }
 
     /// Returns the column of the first cell of the row that holds something, if there is one.
-    std::optional<std::uint16_t> FirstUsedColumn(std::uint32_t row) const;
+    std::optional<std::uint16_t> FirstUsedColumn(std::uint32_t row) const {
+        return FindUsed(row, [](const auto&...) { return true; });
+    }
 
     std::uint32_t RowCount() const { return m_rowCount; }
     std::uint32_t ColumnCount() const { return m_columnCount; }
 
  private:
-    static constexpr std::uint32_t kStripRows = 128;
-    using Strip = std::array<Cell, kStripRows>;
-    using Band = std::vector<std::unique_ptr<Strip>>;  ///< By column.
+    // Cells go into records row by row, and those of a row in one tile share a line of the processor's cache.
+    static constexpr std::uint32_t kTileRows = 32;
+    static constexpr std::uint32_t kTileColumns = 4;
+    using Tile = std::array<std::array<Cell, kTileColumns>, kTileRows>;
+    using Band = std::vector<std::unique_ptr<Tile>>;  ///< By column / kTileColumns.
 
-    /// Returns the strip of a cell, or null if there is none yet.
-    Strip* StripAt(std::uint32_t row, std::uint32_t column) const {
-        const std::size_t number = row / kStripRows;
-        if (number >= m_bands.size() || column >= m_bands[number].size()) return nullptr;
-        return m_bands[number][column].get();
+    /// Returns the tile of a cell, or null if there is none yet.
+    Tile* TileAt(std::uint32_t row, std::uint32_t column) const {
+        const std::size_t band = row / kTileRows;
+        const std::size_t tile = column / kTileColumns;
+        return band < m_bands.size() && tile < m_bands[band].size() ? m_bands[band][tile].get() : nullptr;
     }
-    Strip& AddStrip(std::uint32_t row, std::uint32_t column);
+    Tile& AddTile(std::uint32_t row, std::uint32_t column);
+
+    /// Calls `isFound(column, cell)` for the cells of the row that hold something, until it is true. Returns where.
+    template <class IsFound>
+    std::optional<std::uint16_t> FindUsed(std::uint32_t row, IsFound isFound) const;
 
     std::string m_name;
     std::uint32_t m_rowCount = 0;
     std::uint32_t m_columnCount = 0;
-    std::vector<Band> m_bands;  ///< By row / kStripRows.
+    std::vector<Band> m_bands;  ///< By row / kTileRows.
 };
 
-template <class Take>
-void Sheet::ForEachUsed(std::uint32_t row, Take take) const {
-    const std::size_t number = row / kStripRows;
-    if (number >= m_bands.size()) return;
-    std::uint16_t column = 0;
-    for (const auto& strip : m_bands[number]) {
-        if (strip != nullptr) {
-            const Cell& cell = (*strip)[row % kStripRows];
-            if (cell.Type() != CellType::Undefined) take(column, cell);
+template <class IsFound>
+std::optional<std::uint16_t> Sheet::FindUsed(std::uint32_t row, IsFound isFound) const {
+    if (row / kTileRows >= m_bands.size()) return std::nullopt;
+    const Band& band = m_bands[row / kTileRows];
+    for (std::size_t tile = 0; tile < band.size(); ++tile) {
+        if (band[tile] == nullptr) continue;
+        const auto& cells = (*band[tile])[row % kTileRows];
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            const auto column = static_cast<std::uint16_t>(tile * kTileColumns + i);
+            if (cells[i].Type() != CellType::Undefined && isFound(column, cells[i])) return column;
         }
-        ++column;
     }
+    return std::nullopt;
 }
 
 }  // namespace YExcel

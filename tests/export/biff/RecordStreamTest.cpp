@@ -58,7 +58,7 @@ TEST(RecordStreamTest, NothingIsHandedOnBehindAWholePieceOrOfNoRecord) {
 
 TEST(RecordStreamTest, LongBodyGoesOverPieces) {
     const std::string x(32767, 'x');
-    SharedStringTable table{.total = 9, .strings = std::vector(9, SstString(std::string_view(x)))};
+    SharedStringTable table{.total = 9, .strings = std::deque(9, SstString(std::string_view(x)))};
     std::string text = U32(9) + U32(9);  // what the bodies hold, but for the option bytes that they begin with
     for (int i = 0; i < 9; ++i)
         text += U16(32767) + U8(0) + x;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -13,33 +14,45 @@ inline constexpr std::uint8_t kNarrow = 0;
 inline constexpr std::uint8_t kWide = 1;
 
 /// A text as it stands in a record: its length in characters, an option byte, the characters. The characters belong to
-/// somebody else and must outlive this object. A text that is longer than `Length` can tell is cut there.
+/// somebody else and must outlive this object, which is small, since a workbook may have many. A text that is longer
+/// than `Length` can tell is cut there.
 template <class Length>
 class CountedString {
  public:
     using Characters = std::variant<std::string_view, std::u16string_view>;
 
     constexpr CountedString() = default;
-    constexpr explicit CountedString(std::string_view narrow) : m_characters(narrow.substr(0, kMost)) {}
-    constexpr explicit CountedString(std::u16string_view wide) : m_characters(wide.substr(0, kMost)) {}
+    constexpr explicit CountedString(std::string_view narrow)
+        : m_first{.narrow = narrow.data()}, m_count(CountOf(narrow)) {}
+    constexpr explicit CountedString(std::u16string_view wide)
+        : m_first{.wide = wide.data()}, m_count(CountOf(wide)), m_option(kWide) {}
 
-    constexpr Length Count() const {
-        return std::visit([](auto characters) { return static_cast<Length>(characters.size()); }, m_characters);
+    constexpr Length Count() const { return m_count; }
+    constexpr std::uint8_t Option() const { return m_option; }
+    constexpr Characters Text() const {
+        if (m_option == kWide) return std::u16string_view(m_first.wide, m_count);
+        return std::string_view(m_first.narrow, m_count);
     }
-    constexpr std::uint8_t Option() const {
-        return std::holds_alternative<std::u16string_view>(m_characters) ? kWide : kNarrow;
-    }
-    constexpr const Characters& Text() const { return m_characters; }
 
     constexpr void Fields(auto& body) const {
-        body(Count(), Option());
-        std::visit([&](auto characters) { body(characters); }, m_characters);
+        body(m_count, m_option);
+        std::visit([&](auto characters) { body(characters); }, Text());
     }
 
  private:
-    static constexpr std::size_t kMost = std::numeric_limits<Length>::max();
+    static constexpr Length CountOf(auto characters) {
+        return static_cast<Length>(std::min<std::size_t>(characters.size(), std::numeric_limits<Length>::max()));
+    }
 
-    Characters m_characters;
+    /// The first character, of the kind that the option tells.
+    union CFirst {
+        const char* narrow;
+        const char16_t* wide;
+    };
+
+    CFirst m_first{.narrow = nullptr};
+    Length m_count = 0;
+    std::uint8_t m_option = kNarrow;
 };
 
 /// The name of a font or a sheet.

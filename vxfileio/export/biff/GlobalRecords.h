@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -132,12 +133,13 @@ struct BoundSheet {
     constexpr void Fields(auto& body) const { body(position, visibility, type, name); }
 };
 
-/// Every text of the workbook once. `total` counts the cells that show one.
+/// Every text of the workbook once. `total` counts the cells that show one. Strings are added without a copy of those
+/// that are there.
 struct SharedStringTable {
     static constexpr std::uint16_t kCode = 0x00FC;
 
     std::uint32_t total = 0;
-    std::vector<SstString> strings = {};
+    std::deque<SstString> strings = {};
 
     constexpr void Fields(auto& body) const { body(total, static_cast<std::uint32_t>(strings.size()), strings); }
 };
