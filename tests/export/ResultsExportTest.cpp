@@ -174,6 +174,10 @@ TEST_F(ResultsExportTest, ALabelNeverLeadsOutOfTheFolder) {
     EXPECT_TRUE(m_io.GetResultsExport()->GetWriteError().starts_with("No such file or directory, opening " +
                                                                      m_folder.Path("no such folder/run.xls") + "\n"));
     EXPECT_EQ(CountLines(), 8) << "all workbooks";
+    const std::string folder = std::filesystem::path(m_folder.Path("no such folder/")).make_preferred().string();
+    for (const std::string& line : {"No such file or directory, opening " + folder + "run-ok.xls",
+                                    "Not the name of a file: " + folder + "run-\\..\\out.xls"})
+        EXPECT_NE(m_io.GetResultsExport()->GetWriteError().find("\n" + line + "\n"), std::string::npos) << line;
     Export(std::string("cut\0.xls", 8));
     EXPECT_EQ(CountLines(), 8);
     EXPECT_EQ(Files().size(), 5U);

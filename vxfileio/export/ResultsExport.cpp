@@ -163,7 +163,7 @@ void AddLine(std::string& lines, const std::string& line) { lines.append(lines.e
 void Save(YExcel::Document& document, const std::string& path, std::string& failures) {
     const bool isSaved = document.SaveToFile(path);
     std::string failure = document.CloseFile();
-    if (!isSaved && failure.empty()) failure = "File too large, writing " + path;
+    if (!isSaved && failure.empty()) failure = "File too large, writing " + NativePath(path);
     if (!failure.empty()) AddLine(failures, failure);
 }
 
@@ -193,7 +193,7 @@ void ExportWells(const CSource& source, const std::string& wholePath, std::strin
     for (const PlateWell* const well : source.Wells()) {
         if (well->State != PlateWell::kNew) continue;
         const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
-        const std::string wellPath = path.GetDriveDirectory().Text() + name;
+        const std::string wellPath = NativePath(path.GetDriveDirectory().Text()) + name;
         if (IsWholePath(wholePath) && IsFileName(name)) {
             ExportWell(source, well->WellID, wellPath, document, failures);
         } else {
@@ -216,7 +216,7 @@ void CResultsExport::ExportExcel(const std::string& path) {
     const vxfileio::CSource source{.results = vxfileio::Required(m_results, "results"),
                                    .analyzer = vxfileio::Required(m_analyzer, "analyzer property"),
                                    .plate = vxfileio::Required(m_plate, "record plate")};
-    m_writeError = "Not finished: " + path;  // until it is
+    m_writeError = "Not finished: " + vxfileio::NativePath(path);  // until it is
     std::string failures;
     vxfileio::ExportResults(source, path, failures);
     vxfileio::ExportWells(source, path, failures);

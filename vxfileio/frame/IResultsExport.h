@@ -43,8 +43,8 @@ class VXFILEIO_API CIResultsExport {
     void ExportExcel(const std::string& path);
 
     /// Returns an empty text if the last `ExportExcel` brought every workbook to the operating system, else one line
-    /// for each that it didn't, which names it: "No space left on device, writing 512 bytes at 0 of run-A1.xls". Lines
-    /// are parted by line feeds.
+    /// for each that it didn't, which names it by its path as this system has it: "No space left on device, writing 512
+    /// bytes at 0 of out/run-A1.xls". Lines are parted by line feeds.
     std::string GetWriteError() const;
 
  private:

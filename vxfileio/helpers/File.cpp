@@ -10,7 +10,7 @@ std::string CFileFailure::Text(const std::string& path) const {
     // The condition has the same words on every system.
     std::string text = error.default_error_condition().message() + ", " + kSteps[static_cast<std::size_t>(step)];
     if (step == enStep::Writing) text += std::to_string(bytes) + " bytes at " + std::to_string(position) + " of ";
-    return text + path;
+    return text + NativePath(path);
 }
 
 CFile::~CFile() { Close(); }

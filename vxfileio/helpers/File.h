@@ -29,8 +29,8 @@ struct CFileFailure {
     /// Tells whether there is anything to tell.
     explicit operator bool() const { return static_cast<bool>(error); }
 
-    /// Puts it into words: "No space left on device, writing 40300 bytes at 123456 of " and the path; empty without a
-    /// failure.
+    /// Puts it into words: "No space left on device, writing 40300 bytes at 123456 of " and the path in the form that
+    /// the system takes; empty without a failure.
     std::string Text(const std::string& path) const;
 };
 
@@ -127,6 +127,9 @@ void RemoveFile(const std::string& path);
 
 /// A number that no other process of this machine has at the moment.
 std::uint64_t ProcessNumber();
+
+/// Returns a path in the form that the system takes, which isn't asked for it.
+std::string NativePath(std::string path);
 
 /// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
 inline bool IsWholePath(const std::string& path) { return path.find('\0') == std::string::npos; }

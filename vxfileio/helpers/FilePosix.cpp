@@ -22,11 +22,6 @@ constexpr mode_t kNewFileMode = 0666;
 /// O_NONBLOCK lets opening a pipe fail or return instead of waiting for its other end; it does nothing to plain files.
 constexpr int kAlways = O_CLOEXEC | O_NONBLOCK;
 
-std::string Native(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
-}
-
 std::error_code SystemError(int number) { return {number, std::generic_category()}; }
 
 /// The outcome of a call that gives a negative number if it fails.
@@ -35,7 +30,7 @@ std::error_code Outcome(int result) { return SystemError(result < 0 ? errno : 0)
 int OpenPath(const std::string& path, int flags, mode_t mode, std::error_code& error) {
     error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return -1;
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     int handle = -1;
     do {
         handle = ::open(native.c_str(), flags | kAlways, mode);
@@ -111,6 +106,11 @@ class CPending {
 
 }  // namespace
 
+std::string NativePath(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
 bool IsFileName(const std::string& name) {
     return IsWholePath(name) && name.find_first_of(R"(/\)") == std::string::npos;
 }
@@ -161,7 +161,7 @@ bool CFile::CreateLike(const std::string& path, const CFile& model) {
 }
 
 std::string CFile::PlaceOf(const std::string& path) const {
-    std::string place = FollowLinks(Native(path));
+    std::string place = FollowLinks(NativePath(path));
     struct stat found {};
     struct stat own {};
     const bool isThere = ::lstat(place.c_str(), &found) == 0;

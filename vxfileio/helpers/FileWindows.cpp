@@ -73,6 +73,9 @@ std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers, s
 
 }  // namespace
 
+/// Both slashes are taken as they are.
+std::string NativePath(std::string path) { return path; }
+
 /// What stands behind a colon would name a hidden stream of the file, or a file of another drive.
 bool IsFileName(const std::string& name) {
     return IsWholePath(name) && name.find_first_of(R"(/\:)") == std::string::npos;
