@@ -18,6 +18,7 @@
 #include "tools/vxfile/commands/WatchCommand.h"
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Interrupt.h"
+#include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/io/Text.h"
 #include "vxfileio/frame/ExcVXReader.h"
 #include "vxfileio/frame/VXExceptions.h"
@@ -101,6 +102,13 @@ int ParseAndRun(int argc, const char* const* argv) {
     return RunParsed(app, commands);
 }
 
+/// Runs what is asked for. What it printed counts only if it could be written.
+int RunWhole(int argc, const char* const* argv) {
+    const int status = ParseAndRun(argc, argv);
+    FinishPrinting();
+    return status;
+}
+
 int Tell(const std::string& sentence) {
     std::cout.flush();
     std::cerr << "vxfile: " << sentence << '\n';
@@ -122,7 +130,7 @@ CCommands MakeCommands() {
 }
 
 int RunProgram(int argc, const char* const* argv) noexcept try {
-    return ParseAndRun(argc, argv);
+    return RunWhole(argc, argv);
 } catch (const CInterruption&) {
     Tell("interrupted; no half file is left.");
     return kInterrupted;

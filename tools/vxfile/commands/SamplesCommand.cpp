@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/vxfile/io/Progress.h"
+#include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/samples/SampleSink.h"
 #include "tools/vxfile/samples/SampleSource.h"
 
@@ -23,8 +24,8 @@ constexpr CCommandText kText = {
     .example = "vxfile samples run.vxd --task Series --well 11 --units --npy -o well11.npy",
     .statuses =
         "  0  all that was chosen is written\n"
-        "  1  written, but a chosen recording was never finished, and its samples are missing\n"
-        "  2  the file is damaged, or the options don't go together; no file is left",
+        "  1  written, but a chosen recording was never finished, or a chosen well has no samples\n"
+        "  2  the file is damaged, nothing is chosen, or the options don't go together; no file is left",
 };
 
 class CSamplesCommand : public CCommand {
@@ -47,33 +48,42 @@ class CSamplesCommand : public CCommand {
         app.add_flag("--table", m_table, "With --npy: one table of all, with recordings, wells and times")->needs(npy);
         app.add_flag("--units", m_form.units, "In physical units instead of steps of the converter");
         app.add_option("-o,--output", m_form.target,
-                       "Where to write; - is standard output. {well} in the name stands for the well ID");
+                       "Where to write; - is standard output. With {well} in the name each well has a file of its own");
     }
 
     int Run() override {
         using enum CSampleForm::EKind;
-        m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArrays;
+        m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArray;
         m_form.source = m_path;
         CSampleSource source(m_path, m_choice);
         const auto sink = MakeSampleSink(m_form, source);
         CProgress progress("Writing samples", source.Size());
         source.ForEach([&](const CPiece& piece) {
             std::int64_t time = piece.time;
+            sink->Begin(piece);
             source.Read(piece, [&](std::span<const std::uint16_t> samples) {
-                sink->Put(piece, time, samples);
+                sink->Put(time, samples);
                 time = piece.TimeBehind(time, samples.size());
             });
             progress.Reach(piece.position);
         });
+        source.RefuseNothing();
+        const int status = TellMissing(source);
         sink->Commit();
-        return TellUnfinished(source);
+        return status;
     }
 
  private:
-    static int TellUnfinished(const CSampleSource& source) {
-        for (const auto& name : source.Unfinished())
+    /// Tells what was chosen and isn't there, beside what is.
+    static int TellMissing(const CSampleSource& source) {
+        const auto unfinished = source.Unfinished();
+        for (const auto& name : unfinished)
             std::cerr << "vxfile: " << name << " was never finished; vxfile recover gives its samples.\n";
-        return source.Unfinished().empty() ? kSound : kFindings;
+        const auto wells = source.MissingWells();
+        if (!wells.empty())
+            std::cerr << "vxfile: " << source.Path()
+                      << " has no samples of these wells among those chosen: " << ListText(wells) << ".\n";
+        return unfinished.empty() && wells.empty() ? kSound : kFindings;
     }
 
     std::string m_path;

@@ -1,20 +1,24 @@
 #include "tools/vxfile/io/Output.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <system_error>
 #include <utility>
 
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Interrupt.h"
-#include "tools/vxfile/io/Terminal.h"
 
 namespace vxfile {
 
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+constexpr std::size_t kBlockSize = std::size_t{64} << 10;
+
+/// From this size on a part isn't copied into the block, but written as it is.
+constexpr std::size_t kLargePart = std::size_t{16} << 10;
 
 /// A name beside `path` that no file has yet.
 std::string FreeNameBeside(const std::string& path) {
@@ -25,12 +29,10 @@ std::string FreeNameBeside(const std::string& path) {
     }
 }
 
-int SeekTo(std::FILE* stream, std::int64_t position, int origin) {
-#ifdef _WIN32
-    return _fseeki64(stream, position, origin);
-#else
-    return fseeko(stream, position, origin);
-#endif
+/// `error` is the system's number; 0 if nobody knows any more.
+[[noreturn]] void RefuseWrite(const std::string& target, int error) {
+    const std::string reason = error == 0 ? "" : std::string(": ") + std::strerror(error);
+    throw CFailure("Can't write to " + target + reason + "; make room, or write elsewhere.");
 }
 
 }  // namespace
@@ -61,10 +63,11 @@ void CWholeFile::Commit() {
     m_committed = true;
 }
 
-COutput::COutput(const std::string& path, const std::string& source) {
+COutput::COutput(const std::string& path, const std::string& source) : m_name(path) {
+    m_gathered.reserve(kBlockSize);
     if (path == "-") {
-        MakeOutputBinary();
-        m_stream = stdout;
+        m_name = "standard output";
+        m_descriptor.UseStandardOutput();
         return;
     }
     RefuseTarget(path, source);
@@ -73,42 +76,61 @@ COutput::COutput(const std::string& path, const std::string& source) {
     const auto status = std::filesystem::status(path, ignored);
     const bool isSpecial = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
     if (!isSpecial || std::filesystem::is_directory(status)) m_file = std::make_unique<CWholeFile>(path);
-    m_stream = std::fopen((m_file ? m_file->WorkPath() : path).c_str(), "wb");
-    if (m_stream == nullptr)
+    if (!m_descriptor.Create(m_file ? m_file->WorkPath() : path))
         throw CFailure("Can't create " + path + ": " + std::strerror(errno) + "; choose another folder.");
-    static_cast<void>(std::setvbuf(m_stream, nullptr, _IOFBF, kBufferSize));  // without it, it is only slower
 }
 
+/// What went into a pipe stays there, so the rest of it may as well follow.
 COutput::~COutput() {
-    if (m_file && m_stream != nullptr) static_cast<void>(std::fclose(m_stream));  // a failure: the file goes anyway
+    if (!m_file && !IsInterrupted()) static_cast<void>(m_descriptor.Write(m_gathered));
 }
 
 void COutput::Write(std::string_view text) { Write(std::as_bytes(std::span(text))); }
 
 void COutput::Write(std::span<const std::byte> bytes) {
-    CheckInterrupt();
-    Check(std::fwrite(bytes.data(), 1, bytes.size(), m_stream) == bytes.size());
+    if (m_gathered.size() + bytes.size() > kBlockSize) Flush();
+    if (bytes.size() >= kLargePart) {
+        Flush();
+        Pass(bytes);
+    } else {
+        m_gathered.insert(m_gathered.end(), bytes.begin(), bytes.end());
+    }
 }
 
-void COutput::Rewrite(std::int64_t position, std::span<const std::byte> bytes) {
-    Check(SeekTo(m_stream, position, SEEK_SET) == 0);
-    Write(bytes);
-    Check(SeekTo(m_stream, 0, SEEK_END) == 0);
+void COutput::RewriteFront(std::string_view text) {
+    Flush();
+    Check(m_descriptor.GoToFront());
+    Pass(std::as_bytes(std::span(text)));
 }
 
 void COutput::Commit() {
-    if (!m_file) {
-        Check(std::fflush(m_stream) == 0);
-        return;
-    }
-    Check(std::fclose(std::exchange(m_stream, nullptr)) == 0);
+    Flush();
+    if (!m_file) return;
+    Check(m_descriptor.Close());
     m_file->Commit();
 }
 
-void COutput::Check(bool good) const {
+void COutput::Pass(std::span<const std::byte> bytes) {
+    CheckInterrupt();
+    Check(m_descriptor.Write(bytes));
+}
+
+void COutput::Flush() {
+    Pass(m_gathered);
+    m_gathered.clear();
+}
+
+void COutput::Check(bool good) {
     if (good) return;
-    const std::string target = m_file ? m_file->Path() : "standard output";
-    throw CFailure("Can't write to " + target + ": " + std::strerror(errno) + "; make room, or write elsewhere.");
+    m_gathered.clear();
+    RefuseWrite(m_name, errno);
+}
+
+void FinishPrinting() {
+    errno = 0;
+    std::cout.flush();
+    const bool isWhole = std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good();
+    if (!isWhole) RefuseWrite("standard output", errno);
 }
 
 }  // namespace vxfile

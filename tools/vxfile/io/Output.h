@@ -2,17 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "tools/vxfile/io/Descriptor.h"
 
 namespace vxfile {
 
 /// Throws `CFailure` if `target` is the file that is read, under whatever name: nothing may take its place. Throws it
-/// for
-/// `-` too, since what stands in its own place only when it is whole can't go to standard output.
+/// for `-` too, since what stands in its own place only when it is whole can't go to standard output.
 void RefuseTarget(const std::string& target, const std::string& source);
 
 /// A file that is there whole or not at all. It is written under another name beside its place and moved there when it
@@ -41,8 +42,8 @@ class CWholeFile {
 };
 
 /// Where the bytes of a command go: a file, or standard output for the path `-`. Never the file `source`, from which
-/// the bytes come. Everything is buffered, and every failure is a `CFailure`: a disk that is full never leaves a file
-/// that looks whole.
+/// the bytes come. Small parts are gathered in a block, large ones pass by it, and every failure is a `CFailure`: a
+/// disk that is full never leaves a file that looks whole.
 class COutput {
  public:
     COutput(const std::string& path, const std::string& source);
@@ -54,19 +55,26 @@ class COutput {
     void Write(std::string_view text);
     void Write(std::span<const std::byte> bytes);
 
-    /// Tells whether bytes can be written again: in a file, but not in a pipe.
-    bool CanRewrite() const { return m_file != nullptr; }
-    /// Replaces bytes at a position that has been written; the next `Write` goes on at the end all the same.
-    void Rewrite(std::int64_t position, std::span<const std::byte> bytes);
+    /// Tells whether what stands in front can be written again: in a file, but not in a pipe.
+    bool CanRewriteFront() const { return m_file != nullptr; }
+    /// Replaces the first bytes that were written. Nothing more is written then.
+    void RewriteFront(std::string_view text);
 
     /// Ends the output; without it nothing is left of a file.
     void Commit();
 
  private:
-    void Check(bool good) const;
+    void Pass(std::span<const std::byte> bytes);
+    void Flush();
+    void Check(bool good);
 
-    std::unique_ptr<CWholeFile> m_file;  ///< Null for standard output.
-    std::FILE* m_stream = nullptr;
+    std::unique_ptr<CWholeFile> m_file;  ///< Null for standard output and devices.
+    std::string m_name;
+    CDescriptor m_descriptor;  ///< Closed before the file is removed.
+    std::vector<std::byte> m_gathered;
 };
+
+/// Ends what was printed on standard output. Throws `CFailure` if it isn't all there.
+void FinishPrinting();
 
 }  // namespace vxfile

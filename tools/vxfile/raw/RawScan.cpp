@@ -15,10 +15,8 @@ namespace vxfile {
 
 namespace {
 
-/// Segments up to this size are read as many as the window holds, longer ones by their headers alone: copying what
-/// nobody looks at would cost more than another call.
+/// Segments up to this size are read as many as the window holds even if only their headers are wanted.
 constexpr std::int64_t kShortSegment = 8 << 10;
-constexpr std::size_t kWindowSize = std::size_t{128} << 10;
 
 constexpr auto kFirstRecordingCell = PlaceOf(kFileCells, "FPosFirstRecordingHdr");
 constexpr auto kNextRecordingCell = PlaceOf(kRecordingCells, "FPosNextRecordingHdr");
@@ -86,8 +84,8 @@ void CRawScan::WalkRecordings() {
     }
 }
 
-CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell)
-    : m_scan(scan), m_guard(scan.File(), kSegmentHdrSize), m_next(first), m_cell(cell), m_window(kWindowSize) {}
+CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads)
+    : m_scan(scan), m_guard(scan.File(), kSegmentHdrSize), m_next(first), m_cell(cell), m_reads(reads) {}
 
 const CSegmentAt* CSegmentWalk::Next() {
     using enum CChainBreak::EReason;
@@ -116,27 +114,26 @@ const CSegmentAt* CSegmentWalk::Next() {
 }
 
 std::string_view CSegmentWalk::HeaderBytes(std::int64_t position) {
-    const auto windowEnd = m_windowStart + static_cast<std::int64_t>(m_windowSize);
-    if (position < m_windowStart || position + std::int64_t{kSegmentHdrSize} > windowEnd) {
-        const bool isShort = m_segmentBytes != 0 && m_segmentBytes <= kShortSegment;
-        const auto room = std::span(m_window).first(isShort ? kWindowSize : kSegmentHdrSize);
-        m_windowStart = position;
-        m_windowSize = m_scan.File().ReadUpTo(position, std::as_writable_bytes(room));
-    }
-    const auto offset = static_cast<std::size_t>(position - m_windowStart);
-    return std::string_view(m_window.data(), m_windowSize).substr(offset, kSegmentHdrSize);
+    return m_scan.Window().BytesAt(position, kSegmentHdrSize, BytesAhead()).substr(0, kSegmentHdrSize);
 }
 
-CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {
+/// Segments tend to be as long as the one before: whole ones are read, so that none comes in two parts.
+std::size_t CSegmentWalk::BytesAhead() const {
+    if (m_segmentBytes == 0 || (m_reads == EWalk::Headers && m_segmentBytes > kShortSegment)) return kSegmentHdrSize;
+    const auto bytes = static_cast<std::size_t>(m_segmentBytes);
+    return std::max(CFileWindow::kRoom / bytes, std::size_t{1}) * bytes;
+}
+
+CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWalk reads) {
     const std::int64_t cell = recording.position + static_cast<std::int64_t>(kDataCell.offset);
     const std::int64_t first = IsWithoutSegments(scan, recording) ? kUnset : recording.header.FPosRecordingData;
-    return {scan, first, cell};
+    return {scan, first, cell, reads};
 }
 
 CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = scan.DataPosition(recording);
     const bool found = BeginsHeader(scan.ReadBytes(first, kSegmentHdrSize), kSegmentCells);
-    return {scan, found ? first : kUnset, first};
+    return {scan, found ? first : kUnset, first, EWalk::Headers};
 }
 
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording) {

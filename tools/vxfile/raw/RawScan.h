@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/vxfile/raw/FileWindow.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/ChainGuard.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
@@ -37,7 +38,7 @@ struct CRecordingAt {
 struct CSegmentAt {
     std::int64_t position = 0;
     vxfileio::rawdata::CSegmentHdr header;
-    std::string_view bytes;  ///< Of the header, as far as the file has them; valid until the next segment.
+    std::string_view bytes;  ///< Of the header, as far as the file has them; valid until the window moves.
 
     std::int64_t DataPosition() const { return position + std::int64_t{vxfileio::rawdata::kSegmentHdrSize}; }
     /// Returns the number of samples as every reader takes it: within 32 bits.
@@ -53,6 +54,8 @@ class CRawScan {
     explicit CRawScan(const std::string& path);
 
     const vxfileio::CFile& File() const { return m_file; }
+    /// What is at hand of the file for the walk that is under way, and for whoever reads the samples that it leads to.
+    CFileWindow& Window() const { return m_window; }
     /// The size of the file as it was opened.
     std::int64_t Size() const { return m_size; }
     const CRawDataFileHdr& Header() const { return m_header; }
@@ -74,17 +77,24 @@ class CRawScan {
     void WalkRecordings();
 
     vxfileio::CFile m_file;
+    mutable CFileWindow m_window{m_file};
     std::int64_t m_size = 0;
     CRawDataFileHdr m_header;
     std::vector<CRecordingAt> m_recordings;
     std::optional<CChainBreak> m_break;
 };
 
-/// Walks one chain of segments. Short segments come many at a time, of long ones only the header is read.
+/// What a walk reads. Short segments come many at a time in any case.
+enum class EWalk {
+    Headers,  ///< Of long segments the header alone: copying what nobody looks at would cost more than another call.
+    Samples,  ///< All that follows, since the samples are wanted, too.
+};
+
+/// Walks one chain of segments, through the window of its file.
 class CSegmentWalk {
  public:
     /// `first` is the position that leads to the chain, told by the cell at `cell`.
-    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell);
+    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads);
 
     /// Goes to the next segment. Returns null at the end of the chain or where it breaks. The segment is valid until
     /// the next call.
@@ -93,8 +103,13 @@ class CSegmentWalk {
     /// Why there are no more segments; nothing if the chain ends as it should.
     const std::optional<CChainBreak>& Break() const { return m_break; }
 
+    /// Where the next segment stands; `kUnset` at the end. A walk that begins later can go on there.
+    std::int64_t NextPosition() const { return m_next; }
+    void GoTo(std::int64_t position) { m_next = position; }
+
  private:
     std::string_view HeaderBytes(std::int64_t position);
+    std::size_t BytesAhead() const;
 
     const CRawScan& m_scan;
     vxfileio::rawdata::CChainGuard m_guard;
@@ -102,9 +117,7 @@ class CSegmentWalk {
     std::int64_t m_cell;
     CSegmentAt m_segment;
     std::optional<CChainBreak> m_break;
-    std::vector<char> m_window;       ///< Bytes of the file.
-    std::int64_t m_windowStart = 0;   ///< Where they stand in it.
-    std::size_t m_windowSize = 0;     ///< How many there are.
+    EWalk m_reads;
     std::int64_t m_segmentBytes = 0;  ///< Of the segment before, header and samples.
 };
 
@@ -123,7 +136,7 @@ class CSegmentBudget {
 };
 
 /// Returns the walk along a recording's own chain; it has no segment if the recording isn't finished.
-CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording);
+CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWalk reads = EWalk::Headers);
 
 /// Returns the walk along the segments that stand behind the header of an unfinished recording.
 CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording);

@@ -1,9 +1,15 @@
 #include "tools/vxfile/samples/SampleSink.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
+#include <cstring>
+#include <functional>
 #include <map>
+#include <numeric>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/vxfile/io/Failure.h"
@@ -15,17 +21,15 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "numbers go to the arrays straight from memory");
 
-/// Files that are open at once; more wells than this are no plate's.
-constexpr std::size_t kMostArrays = 400;
-
 constexpr std::string_view kWellMark = "{well}";
 
 double InUnits(std::uint16_t sample, const CRawDataChannelInfo& channel) {
     return (static_cast<double>(sample) - channel.ADZero) * channel.UnitsPerAD;
 }
 
-/// Returns what turns the piece's samples into units.
-const CRawDataChannelInfo& ChannelOf(const CPiece& piece) {
+/// Returns what turns the piece's samples into units; nothing needs to, if they aren't asked for.
+CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
+    if (!units) return {};
     if (piece.channel == nullptr)
         throw CFailure("The recording header has no well " + std::to_string(piece.well) +
                        ", so its unit isn't known; leave out --units or choose other wells.");
@@ -39,35 +43,39 @@ class CTextTable : public CSampleSink {
  public:
     CTextTable(const CSampleForm& form, char separator)
         : m_units(form.units), m_separator(separator), m_output(form.target, form.source) {
-        std::string names = "task,recording,well,time,";
-        names += m_units ? "value\n" : "sample\n";
-        for (char& c : names)
-            c = c == ',' ? separator : c;
-        m_output.Write(names);
+        m_text = "task,recording,well,time,";
+        m_text += m_units ? "value\n" : "sample\n";
+        std::ranges::replace(m_text, ',', separator);
     }
 
-    void Put(const CPiece& piece, std::int64_t time, std::span<const std::uint16_t> samples) override {
-        const CRawDataChannelInfo channel = m_units ? ChannelOf(piece) : CRawDataChannelInfo();
-        const std::string start = Field(piece.recording->TaskName) + m_separator +
-                                  std::to_string(piece.recording->Recording) + m_separator +
-                                  std::to_string(piece.well) + m_separator;
+    void Begin(const CPiece& piece) override {
+        m_piece = &piece;
+        m_channel = ChannelOf(piece, m_units);
+        m_start = Field(piece.recording->TaskName) + m_separator + std::to_string(piece.recording->Recording) +
+                  m_separator + std::to_string(piece.well) + m_separator;
+    }
+
+    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
         for (const std::uint16_t sample : samples) {
-            m_text += start;
+            m_text += m_start;
             AddNumber(time);
             m_text += m_separator;
             if (m_units) {
-                AddNumber(InUnits(sample, channel));
+                AddNumber(InUnits(sample, m_channel));
             } else {
                 AddNumber(sample);
             }
             m_text += '\n';
-            time = piece.TimeBehind(time, 1);
+            time = m_piece->TimeBehind(time, 1);
             if (m_text.size() > kBlockSize) Flush();
         }
         Flush();
     }
 
-    void Commit() override { m_output.Commit(); }
+    void Commit() override {
+        Flush();
+        m_output.Commit();
+    }
 
  private:
     static constexpr std::size_t kBlockSize = std::size_t{64} << 10;
@@ -82,7 +90,7 @@ class CTextTable : public CSampleSink {
     }
 
     void AddNumber(auto number) {
-        std::array<char, 32> room{};
+        std::array<char, 32> room;  // without a first value, since there are millions of them
         m_text.append(room.data(), std::to_chars(room.data(), room.data() + room.size(), number).ptr);
     }
 
@@ -94,140 +102,174 @@ class CTextTable : public CSampleSink {
     bool m_units;
     char m_separator;
     COutput m_output;
+    const CPiece* m_piece = nullptr;
+    CRawDataChannelInfo m_channel;
+    std::string m_start;  ///< Of each line of the piece.
     std::string m_text;
 };
 
 // ---- NPY ------------------------------------------------------------------------------------------------------------
 
-/// One array in a file of its own. Its length stands ahead of it.
+/// One array in a file of its own.
 class CNpyFile {
  public:
-    /// `type` is a description of numpy, and `count` tells how many items will come.
-    CNpyFile(const std::string& target, const std::string& source, const std::string& type, std::uint64_t count)
-        : m_output(target, source) {
+    /// `type` is a description of numpy. `countAhead` tells how many items will come; it is asked only if that can't be
+    /// put in when they are there.
+    CNpyFile(const CSampleForm& form, std::string type, const std::function<std::uint64_t()>& countAhead)
+        : m_type(std::move(type)), m_output(form.target, form.source) {
+        m_output.Write(Header(m_output.CanRewriteFront() ? 0 : countAhead()));
+    }
+
+    void Put(std::span<const std::byte> bytes, std::size_t items) {
+        m_count += items;
+        m_output.Write(bytes);
+    }
+
+    void Commit() {
+        if (m_output.CanRewriteFront()) m_output.RewriteFront(Header(m_count));
+        m_output.Commit();
+    }
+
+ private:
+    std::string Header(std::uint64_t count) const {
         constexpr std::size_t kHeaderSize = 192;  // a multiple of 64, so that the items are aligned
         constexpr std::string_view kMagic("\x93NUMPY\x01\x00", 8);
         std::string header(kMagic);
         header += static_cast<char>(kHeaderSize - kMagic.size() - 2);
         header += '\0';
-        header += "{'descr': " + type + ", 'fortran_order': False, 'shape': (" + std::to_string(count) + ",), }";
+        header += "{'descr': " + m_type + ", 'fortran_order': False, 'shape': (" + std::to_string(count) + ",), }";
         header.resize(kHeaderSize - 1, ' ');
-        m_output.Write(header + '\n');
+        return header + '\n';
     }
 
-    void Put(std::span<const std::byte> bytes) { m_output.Write(bytes); }
-    void Commit() { m_output.Commit(); }
-
- private:
+    std::string m_type;
     COutput m_output;
+    std::uint64_t m_count = 0;
 };
 
-/// How many samples each well has among those chosen.
-std::map<std::int32_t, std::uint64_t> CountWells(const CSampleSource& source) {
-    std::map<std::int32_t, std::uint64_t> counts;
-    source.ForEach([&](const CPiece& piece) { counts[piece.well] += piece.count; });
-    return counts;
+[[noreturn]] void RefuseNoSamples() {
+    throw CFailure("There are no samples to write; vxfile info tells what the file holds.");
 }
 
-std::string WithWell(std::string target, std::int32_t well) {
-    const auto mark = target.find(kWellMark);
-    return mark == std::string::npos ? target : target.replace(mark, kWellMark.size(), std::to_string(well));
+[[noreturn]] void RefuseSecondWell() {
+    throw CFailure(
+        "There are several wells, and an array has one: choose it by --well, put {well} into the name of -o, or ask "
+        "for "
+        "one --table of all.");
 }
 
-/// One array per well: the samples alone.
-class CNpyArrays : public CSampleSink {
+/// Returns how many samples will come to a form's target.
+std::uint64_t CountAhead(const CSampleForm& form, CSampleSource& source) {
+    const auto& counts = source.Counts();
+    if (counts.empty()) RefuseNoSamples();
+    if (form.well) return counts.at(*form.well);
+    if (form.kind == CSampleForm::EKind::NpyArray && counts.size() > 1) RefuseSecondWell();
+    return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const auto& count) { return sum + count.second; });
+}
+
+/// The samples of one well, alone.
+class CNpyArray : public CSampleSink {
  public:
-    CNpyArrays(const CSampleForm& form, const CSampleSource& source) : m_units(form.units) {
-        const auto counts = CountWells(source);
-        if (counts.empty()) throw CFailure("No samples are chosen, so there is no array to write.");
-        if (counts.size() > kMostArrays)
-            throw CFailure("There are too many wells for a file each; choose some by --well.");
-        if (counts.size() > 1 && form.target.find(kWellMark) == std::string::npos)
-            throw CFailure("There are " + std::to_string(counts.size()) +
-                           " wells, and an array has one: choose it by --well, put {well} into the name of -o, or ask "
-                           "for one --table of all.");
-        for (const auto& [well, count] : counts)
-            m_files.try_emplace(well, WithWell(form.target, well), form.source, m_units ? "'<f8'" : "'<u2'", count);
+    CNpyArray(const CSampleForm& form, CSampleSource& source)
+        : m_units(form.units), m_file(form, form.units ? "'<f8'" : "'<u2'", [&] { return CountAhead(form, source); }) {}
+
+    void Begin(const CPiece& piece) override {
+        if (piece.well != m_well.value_or(piece.well)) RefuseSecondWell();
+        m_well = piece.well;
+        m_channel = ChannelOf(piece, m_units);
     }
 
-    void Put(const CPiece& piece, std::int64_t /*time*/, std::span<const std::uint16_t> samples) override {
-        auto bytes = std::as_bytes(samples);
-        if (m_units) {
-            const CRawDataChannelInfo& channel = ChannelOf(piece);
-            m_values.clear();
-            for (const std::uint16_t sample : samples)
-                m_values.push_back(InUnits(sample, channel));
-            bytes = std::as_bytes(std::span(m_values));
-        }
-        m_files.at(piece.well).Put(bytes);
+    void Put(std::int64_t /*time*/, std::span<const std::uint16_t> samples) override {
+        if (!m_units) return m_file.Put(std::as_bytes(samples), samples.size());
+        m_values.resize(samples.size());
+        std::ranges::transform(samples, m_values.begin(), [&](auto sample) { return InUnits(sample, m_channel); });
+        m_file.Put(std::as_bytes(std::span(m_values)), samples.size());
     }
 
     void Commit() override {
-        for (auto& file : m_files)
-            file.second.Commit();
+        if (!m_well) RefuseNoSamples();
+        m_file.Commit();
     }
 
  private:
     bool m_units;
+    CNpyFile m_file;
+    std::optional<std::int32_t> m_well;
+    CRawDataChannelInfo m_channel;
     std::vector<double> m_values;
-    std::map<std::int32_t, CNpyFile> m_files;
 };
 
-/// One table of all: an item per sample, with recording, well, time and value.
+/// A table of all: an item per sample, with recording, well, time and value.
 class CNpyTable : public CSampleSink {
  public:
-    CNpyTable(const CSampleForm& form, const CSampleSource& source)
-        : m_units(form.units), m_file(form.target, form.source, Type(form.units), Count(source)) {}
+    CNpyTable(const CSampleForm& form, CSampleSource& source)
+        : m_units(form.units),
+          m_itemSize(sizeof(std::uint32_t) + sizeof(std::int32_t) + sizeof(std::int64_t) +
+                     (m_units ? sizeof(double) : sizeof(std::uint16_t))),
+          m_block(kBlockItems * m_itemSize),
+          m_file(form, Type(), [&] { return CountAhead(form, source); }) {}
 
-    void Put(const CPiece& piece, std::int64_t time, std::span<const std::uint16_t> samples) override {
-        const CRawDataChannelInfo channel = m_units ? ChannelOf(piece) : CRawDataChannelInfo();
-        const auto recording = static_cast<std::uint32_t>(piece.recordingIndex + 1);
-        m_bytes.clear();
-        for (const std::uint16_t sample : samples) {
-            Add(recording);
-            Add(piece.well);
-            Add(time);
-            if (m_units) {
-                Add(InUnits(sample, channel));
-            } else {
-                Add(sample);
-            }
-            time = piece.TimeBehind(time, 1);
+    void Begin(const CPiece& piece) override {
+        m_piece = &piece;
+        m_channel = ChannelOf(piece, m_units);
+    }
+
+    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
+        while (!samples.empty()) {
+            const auto part = samples.first(std::min(samples.size(), kBlockItems));
+            Fill(time, part);
+            m_file.Put(std::span(m_block).first(part.size() * m_itemSize), part.size());
+            samples = samples.subspan(part.size());
+            time = m_piece->TimeBehind(time, part.size());
         }
-        m_file.Put(std::as_bytes(std::span(m_bytes)));
     }
 
     void Commit() override { m_file.Commit(); }
 
  private:
-    static std::string Type(bool units) {
+    static constexpr std::size_t kBlockItems = 4096;
+
+    std::string Type() const {
         return std::string("[('recording','<u4'),('well','<i4'),('time','<i8'),") +
-               (units ? "('value','<f8')]" : "('sample','<u2')]");
+               (m_units ? "('value','<f8')]" : "('sample','<u2')]");
     }
 
-    static std::uint64_t Count(const CSampleSource& source) {
-        std::uint64_t count = 0;
-        source.ForEach([&](const CPiece& piece) { count += piece.count; });
-        return count;
-    }
-
-    void Add(auto number) {
-        const auto* bytes = reinterpret_cast<const char*>(&number);
-        m_bytes.insert(m_bytes.end(), bytes, bytes + sizeof number);
+    void Fill(std::int64_t time, std::span<const std::uint16_t> samples) {
+        const auto recording = static_cast<std::uint32_t>(m_piece->recordingIndex + 1);
+        std::byte* at = m_block.data();
+        const auto add = [&at](const auto& number) {
+            std::memcpy(at, &number, sizeof number);
+            at += sizeof number;
+        };
+        for (const std::uint16_t sample : samples) {
+            add(recording);
+            add(m_piece->well);
+            add(time);
+            if (m_units) {
+                add(InUnits(sample, m_channel));
+            } else {
+                add(sample);
+            }
+            time = m_piece->TimeBehind(time, 1);
+        }
     }
 
     bool m_units;
-    std::vector<char> m_bytes;
+    std::size_t m_itemSize;
+    std::vector<std::byte> m_block;
     CNpyFile m_file;
+    const CPiece* m_piece = nullptr;
+    CRawDataChannelInfo m_channel;
 };
 
-}  // namespace
+// ---- A file per well ------------------------------------------------------------------------------------------------
 
-std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, const CSampleSource& source) {
+std::unique_ptr<CSampleSink> MakeSink(const CSampleForm& form, CSampleSource& source) {
     using enum CSampleForm::EKind;
     switch (form.kind) {
-        case NpyArrays:
-            return std::make_unique<CNpyArrays>(form, source);
+        case NpyArray:
+            return std::make_unique<CNpyArray>(form, source);
         case NpyTable:
             return std::make_unique<CNpyTable>(form, source);
         case Tsv:
@@ -236,6 +278,54 @@ std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, const CSamp
             break;
     }
     return std::make_unique<CTextTable>(form, ',');
+}
+
+/// Each well has a sink of its own, named after it.
+class CSinkPerWell : public CSampleSink {
+ public:
+    CSinkPerWell(CSampleForm form, CSampleSource& source) : m_form(std::move(form)), m_source(source) {}
+
+    void Begin(const CPiece& piece) override {
+        auto& sink = m_sinks[piece.well];
+        if (m_sinks.size() > kMostSinks)
+            throw CFailure("There are too many wells for a file each; choose some by --well.");
+        if (!sink) sink = MakeSink(FormOf(piece.well), m_source);
+        m_current = sink.get();
+        m_current->Begin(piece);
+    }
+
+    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override { m_current->Put(time, samples); }
+
+    void Commit() override {
+        if (m_sinks.empty()) RefuseNoSamples();
+        for (auto& sink : m_sinks)
+            sink.second->Commit();
+    }
+
+ private:
+    /// Files that are open at once; more wells than this are no plate's.
+    static constexpr std::size_t kMostSinks = 400;
+
+    CSampleForm FormOf(std::int32_t well) const {
+        CSampleForm form = m_form;
+        form.well = well;
+        const std::string number = std::to_string(well);
+        for (auto at = form.target.find(kWellMark); at != std::string::npos; at = form.target.find(kWellMark))
+            form.target.replace(at, kWellMark.size(), number);
+        return form;
+    }
+
+    CSampleForm m_form;
+    CSampleSource& m_source;
+    std::map<std::int32_t, std::unique_ptr<CSampleSink>> m_sinks;
+    CSampleSink* m_current = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source) {
+    if (form.target.find(kWellMark) == std::string::npos) return MakeSink(form, source);
+    return std::make_unique<CSinkPerWell>(form, source);
 }
 
 }  // namespace vxfile

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -11,12 +12,13 @@ namespace vxfile {
 
 /// How samples are written.
 struct CSampleForm {
-    enum class EKind { Csv, Tsv, NpyArrays, NpyTable };
+    enum class EKind { Csv, Tsv, NpyArray, NpyTable };
 
     EKind kind = EKind::Csv;
     bool units = false;        ///< In the channel's physical unit instead of steps of the converter.
     std::string source;        ///< The file that is read.
-    std::string target = "-";  ///< A path, or `-` for standard output. Arrays of several wells need `{well}` in it.
+    std::string target = "-";  ///< A path, or `-` for standard output. With `{well}` in it each well has its own.
+    std::optional<std::int32_t> well;  ///< The one whose target this is, if each has its own.
 };
 
 /// Takes samples, piece by piece, and writes them in one of the forms.
@@ -27,14 +29,17 @@ class CSampleSink {
     CSampleSink(const CSampleSink&) = delete;
     CSampleSink& operator=(const CSampleSink&) = delete;
 
-    /// Takes samples that follow one another. `piece` is theirs, and `time` that of the first one.
-    virtual void Put(const CPiece& piece, std::int64_t time, std::span<const std::uint16_t> samples) = 0;
+    /// Is told of a piece before it is read. It stays until the next one.
+    virtual void Begin(const CPiece& piece) = 0;
+    /// Takes samples of this piece that follow one another. `time` is that of the first one.
+    virtual void Put(std::int64_t time, std::span<const std::uint16_t> samples) = 0;
     /// Ends all files; without it there are none.
     virtual void Commit() = 0;
 };
 
-/// Makes the sink for a form. An array's length stands ahead of it, so the headers may be gone through for counting.
-/// Throws `CFailure` if the form can't hold what is chosen.
-std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, const CSampleSource& source);
+/// Makes the sink for a form. The length of an array stands ahead of it: where that can't be put in later, as in a
+/// pipe, the source is gone through for counting. Throws `CFailure` if the form can't hold what is chosen. The source
+/// outlives the sink.
+std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source);
 
 }  // namespace vxfile

@@ -1,15 +1,20 @@
 #include "tools/vxfile/samples/SampleSource.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/io/Text.h"
 
 namespace vxfile {
 
 namespace {
 
-constexpr std::size_t kBlockSamples = std::size_t{512} << 10;
+/// So many pieces are kept of the first time that the file is gone through.
+constexpr std::size_t kMostKept = std::size_t{16} << 10;
+
+constexpr std::size_t kSampleSize = sizeof(std::uint16_t);
 
 /// Tells whether a list that stands for a choice has the item.
 bool Has(const auto& list, const auto& item) { return list.empty() || std::ranges::find(list, item) != list.end(); }
@@ -28,25 +33,88 @@ std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channe
     return std::max<std::int64_t>(static_cast<std::int64_t>(tick), 1);
 }
 
+bool HasAllTimes(const CSampleChoice& choice) {
+    const CSampleChoice all;
+    return choice.from == all.from && choice.to == all.to;
+}
+
+std::string Joined(const std::set<std::string>& texts) {
+    std::string joined;
+    for (const auto& text : texts)
+        joined += (joined.empty() ? "" : ", ") + text;
+    return joined.empty() ? "none" : joined;
+}
+
+std::string Joined(const std::set<std::int32_t>& numbers) {
+    return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()});
+}
+
 }  // namespace
 
 CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
-    : m_path(path), m_scan(path), m_choice(std::move(choice)), m_block(kBlockSamples) {
+    : m_path(path),
+      m_scan(path),
+      m_choice(std::move(choice)),
+      m_reads(m_choice.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
     if (m_scan.Break()) RefuseBreak("its recordings");
+    RefuseUnknownTasks();
+    RefuseUnknownRecordings();
 }
 
-void CSampleSource::ForEach(const std::function<void(const CPiece&)>& take) const {
-    for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
+void CSampleSource::RefuseUnknownTasks() const {
+    std::set<std::string> tasks;
+    for (const auto& recording : m_scan.Recordings())
+        tasks.insert(recording.header.TaskName);
+    for (const auto& task : m_choice.tasks) {
+        if (tasks.contains(task)) continue;
+        std::set<std::string> names;
+        for (const auto& name : tasks)
+            names.insert(Readable(name));
+        throw CFailure(m_path + " has no task " + task + "; its tasks: " + Joined(names) + '.');
+    }
+}
+
+void CSampleSource::RefuseUnknownRecordings() const {
+    std::set<std::int32_t> numbers;
+    for (const auto& recording : m_scan.Recordings()) {
+        if (Has(m_choice.tasks, recording.header.TaskName)) numbers.insert(recording.header.Recording);
+    }
+    for (const auto number : m_choice.recordings) {
+        if (numbers.contains(number)) continue;
+        throw CFailure(m_path + " has no recording " + std::to_string(number) +
+                       (m_choice.tasks.empty() ? "" : " of the tasks chosen") + "; their numbers: " + Joined(numbers) +
+                       '.');
+    }
+}
+
+void CSampleSource::ForEach(const CTakePiece& take) {
+    for (const CPiece& piece : m_kept)
+        take(piece);
+    Walk(m_behindKept, m_reads, [&](const CPiece& piece, CPlace /*behind*/) { take(piece); });
+}
+
+const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
+    if (!m_kept.empty()) return m_counts;
+    Walk({}, EWalk::Headers, [&](const CPiece& piece, CPlace behind) {
+        m_counts[piece.well] += piece.count;
+        if (m_kept.size() == kMostKept) return;
+        m_kept.push_back(piece);
+        m_behindKept = behind;
+    });
+    return m_counts;
+}
+
+void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take) {
+    for (std::size_t i = from.recording; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
         if (!IsChosen(recording.header)) continue;
-        CSegmentWalk walk = SegmentsOf(m_scan, recording);
+        CSegmentWalk walk = SegmentsOf(m_scan, recording, reads);
+        if (i == from.recording && from.segment) walk.GoTo(*from.segment);
         while (const CSegmentAt* segment = walk.Next()) {
             if (!Has(m_choice.wells, segment->header.ID)) continue;
             if (segment->End() > m_scan.Size()) RefuseBreak("the last segment of " + NameOf(recording, i));
-            CPiece piece = PieceOf(*segment, recording);
-            piece.recordingIndex = i;
-            Clip(piece);
-            if (piece.count > 0) take(piece);
+            const CPiece piece = Chosen(*segment, i);
+            if (piece.count > 0) take(piece, {i, walk.NextPosition()});
         }
         if (walk.Break()) RefuseBreak(NameOf(recording, i));
     }
@@ -55,13 +123,46 @@ void CSampleSource::ForEach(const std::function<void(const CPiece&)>& take) cons
 void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take) {
     std::int64_t position = piece.position;
     for (std::uint64_t left = piece.count; left > 0;) {
-        const auto block = std::span(m_block).first(std::min<std::uint64_t>(left, kBlockSamples));
-        if (m_scan.File().ReadUpTo(position, std::as_writable_bytes(block)) != block.size_bytes())
-            RefuseBreak("the samples at byte " + std::to_string(position));
-        take(block);
-        left -= block.size();
-        position += static_cast<std::int64_t>(block.size_bytes());
+        const auto samples = m_scan.Window().SamplesAt(position, left * kSampleSize);
+        if (samples.empty()) RefuseBreak("the samples at byte " + std::to_string(position));
+        const auto part = samples.first(std::min<std::uint64_t>(samples.size(), left));
+        take(part);
+        left -= part.size();
+        position += static_cast<std::int64_t>(part.size_bytes());
     }
+}
+
+void CSampleSource::RefuseNothing() const {
+    const bool isRestricted =
+        !m_choice.tasks.empty() || !m_choice.recordings.empty() || !m_choice.wells.empty() || !HasAllTimes(m_choice);
+    if (m_any || !isRestricted) return;
+    if (m_first > m_last) RefuseWells();
+    throw CFailure(m_path + " has no samples of the times chosen; those of the wells and recordings chosen go from " +
+                   std::to_string(m_first) + " to " + std::to_string(m_last) + '.');
+}
+
+/// The recordings chosen have no segment of the wells chosen.
+void CSampleSource::RefuseWells() const {
+    const auto unfinished = Unfinished();
+    if (!unfinished.empty())
+        throw CFailure(unfinished.front() +
+                       " was never finished, so there is nothing to take from it; vxfile recover "
+                       "puts what it has into a new file.");
+    std::set<std::int32_t> wells;
+    for (const auto& recording : m_scan.Recordings()) {
+        if (!IsChosen(recording.header)) continue;
+        for (const auto& channel : recording.header.WellChannels)
+            wells.insert(channel.ID);
+    }
+    throw CFailure(m_path + " has no samples of what was chosen; the wells of the recordings chosen: " + Joined(wells) +
+                   '.');
+}
+
+std::vector<std::int32_t> CSampleSource::MissingWells() const {
+    std::vector<std::int32_t> missing;
+    std::ranges::copy_if(m_choice.wells, std::back_inserter(missing),
+                         [&](std::int32_t well) { return !m_wells.contains(well); });
+    return missing;
 }
 
 std::vector<std::string> CSampleSource::Unfinished() const {
@@ -78,17 +179,24 @@ bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
     return Has(m_choice.tasks, header.TaskName) && Has(m_choice.recordings, header.Recording);
 }
 
-CPiece CSampleSource::PieceOf(const CSegmentAt& segment, const CRecordingAt& recording) const {
+/// Returns what is chosen of a segment, and notes what there was to choose from.
+CPiece CSampleSource::Chosen(const CSegmentAt& segment, std::size_t recordingIndex) {
+    const CRawDataRecordingHdr& recording = m_scan.Recordings()[recordingIndex].header;
     CPiece piece;
-    piece.recording = &recording.header;
+    piece.recording = &recording;
+    piece.recordingIndex = recordingIndex;
     piece.well = segment.header.ID;
-    const auto& wells = recording.header.WellChannels;
-    const auto well = std::ranges::find(wells, piece.well, &CRawDataChannelInfo::ID);
-    if (well != wells.end()) piece.channel = &*well;
+    const auto well = std::ranges::find(recording.WellChannels, piece.well, &CRawDataChannelInfo::ID);
+    if (well != recording.WellChannels.end()) piece.channel = &*well;
     piece.time = segment.header.TimeFrom;
     piece.tick = TickOf(segment, piece.channel);
     piece.count = segment.Samples();
     piece.position = segment.DataPosition();
+    if (!m_choice.wells.empty()) m_wells.insert(piece.well);
+    m_first = std::min(m_first, segment.header.TimeFrom);
+    m_last = std::max(m_last, segment.header.TimeTo);
+    Clip(piece);
+    m_any = m_any || piece.count > 0;
     return piece;
 }
 
@@ -109,7 +217,7 @@ void CSampleSource::Clip(CPiece& piece) const {
     }
     piece.count -= passed;
     piece.time = static_cast<std::int64_t>(static_cast<std::uint64_t>(piece.time) + passed * tick);
-    piece.position += static_cast<std::int64_t>(passed * sizeof(std::uint16_t));
+    piece.position += static_cast<std::int64_t>(passed * kSampleSize);
 }
 
 void CSampleSource::RefuseBreak(const std::string& where) const {

@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <map>
+#include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -38,35 +41,67 @@ struct CPiece {
     }
 };
 
-/// The samples of a file, in the order of its recordings and of the segments in them. Only headers are read here, so
-/// that it can be gone through once to count, and once more to read.
+/// The samples of a file, in the order of its recordings and of the segments in them. It may be gone through more than
+/// once. Memory is a window on the file, and the places of some segments.
 class CSampleSource {
  public:
-    /// Throws `CFailure` if the file can't be opened or its recordings can't be followed to the last.
+    using CTakePiece = std::function<void(const CPiece&)>;
+
+    /// Throws `CFailure` if the file can't be opened, its recordings can't be followed to the last, or none of them has
+    /// a task or a number of the choice.
     CSampleSource(const std::string& path, CSampleChoice choice);
 
     /// Calls `take` for each piece. Throws `CFailure` where a chain of segments breaks: what is broken is saved first,
     /// not passed on by halves.
-    void ForEach(const std::function<void(const CPiece&)>& take) const;
+    void ForEach(const CTakePiece& take);
 
-    /// Reads the samples of a piece and calls `take` for one block of them after the other. Memory is a block.
+    /// Reads the samples of a piece and calls `take` for one part of them after the other.
     void Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take);
+
+    /// Returns how many samples each well has. The first call goes through all headers; who needs it before the samples
+    /// shall call it before.
+    const std::map<std::int32_t, std::uint64_t>& Counts();
+
+    /// To be called when all was gone through. Throws `CFailure` if something was to be chosen and nothing was; the
+    /// sentence says what the file has instead.
+    void RefuseNothing() const;
+
+    /// The wells of the choice that have no segment in the recordings chosen; asked when all was gone through.
+    std::vector<std::int32_t> MissingWells() const;
 
     /// The names of chosen recordings that can't be read, since their writer never finished them.
     std::vector<std::string> Unfinished() const;
 
+    const std::string& Path() const { return m_path; }
     std::int64_t Size() const { return m_scan.Size(); }
 
  private:
+    /// Where to go on.
+    struct CPlace {
+        std::size_t recording = 0;
+        std::optional<std::int64_t> segment;  ///< Nothing stands for the first one.
+    };
+
+    void RefuseUnknownTasks() const;
+    void RefuseUnknownRecordings() const;
+    [[noreturn]] void RefuseWells() const;
+    void Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take);
     bool IsChosen(const CRawDataRecordingHdr& header) const;
-    CPiece PieceOf(const CSegmentAt& segment, const CRecordingAt& recording) const;
+    CPiece Chosen(const CSegmentAt& segment, std::size_t recordingIndex);
     void Clip(CPiece& piece) const;
     [[noreturn]] void RefuseBreak(const std::string& where) const;
 
     std::string m_path;
     CRawScan m_scan;
     CSampleChoice m_choice;
-    std::vector<std::uint16_t> m_block;
+    EWalk m_reads;
+    std::map<std::int32_t, std::uint64_t> m_counts;
+    std::vector<CPiece> m_kept;  ///< The first ones, which needn't be looked for once more.
+    CPlace m_behindKept;
+    std::set<std::int32_t> m_wells;                                   ///< Those of the choice that have segments.
+    std::int64_t m_first = std::numeric_limits<std::int64_t>::max();  ///< The times of their segments, clipped or not.
+    std::int64_t m_last = std::numeric_limits<std::int64_t>::min();
+    bool m_any = false;  ///< There are samples.
 };
 
 }  // namespace vxfile

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "vxfileio/helpers/File.h"
+
+namespace vxfile {
+
+/// A stretch of a file in memory, for whoever goes through the file from front to back: one call to the system serves
+/// all that lies in it. What is returned is valid until the next call.
+class CFileWindow {
+ public:
+    static constexpr std::size_t kRoom = std::size_t{64} << 10;  ///< Bytes; they stay near the processor.
+
+    /// The file stays the caller's, and outlives this object.
+    explicit CFileWindow(const vxfileio::CFile& file) : m_file(file) {}
+
+    /// Returns the bytes that are at hand from a position on: at least `least`, unless the file ends. If there are
+    /// fewer, `ahead` are read first, which is `least` or more; `kRoom` is the most.
+    std::string_view BytesAt(std::int64_t position, std::size_t least, std::size_t ahead) {
+        const std::int64_t offset = position - m_start;
+        const auto size = static_cast<std::int64_t>(m_size);
+        if (offset < 0 || offset + static_cast<std::int64_t>(least) > size) Read(position, ahead);
+        const auto passed = static_cast<std::size_t>(position - m_start);
+        return {reinterpret_cast<const char*>(m_room.get()) + passed, m_size - passed};
+    }
+
+    /// Returns the samples that are at hand from a position on, likewise: none only where the file ends.
+    std::span<const std::uint16_t> SamplesAt(std::int64_t position, std::size_t ahead) {
+        if ((position - m_start) % kSampleSize != 0) Read(position, ahead);
+        const std::size_t bytes = BytesAt(position, sizeof(std::uint16_t), ahead).size();
+        return {m_room.get() + (position - m_start) / kSampleSize, bytes / sizeof(std::uint16_t)};
+    }
+
+ private:
+    static constexpr std::size_t kRoomSamples = kRoom / sizeof(std::uint16_t);
+    static constexpr std::int64_t kSampleSize = sizeof(std::uint16_t);
+
+    void Read(std::int64_t position, std::size_t ahead) {
+        const auto room = std::as_writable_bytes(std::span(m_room.get(), kRoomSamples));
+        m_start = position;
+        m_size = m_file.ReadUpTo(position, room.first(std::min(ahead, kRoom)));
+    }
+
+    const vxfileio::CFile& m_file;
+    std::unique_ptr<std::uint16_t[]> m_room = std::make_unique_for_overwrite<std::uint16_t[]>(kRoomSamples);
+    std::int64_t m_start = 0;  ///< Where the bytes stand in the file.
+    std::size_t m_size = 0;    ///< How many there are.
+};
+
+}  // namespace vxfile
