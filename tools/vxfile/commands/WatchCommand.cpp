@@ -5,8 +5,10 @@
 #include <iostream>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "tools/vxfile/io/Interrupt.h"
+#include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/io/Terminal.h"
 #include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/watch/GrowingFile.h"
@@ -19,9 +21,9 @@ constexpr CCommandText kText = {
     .name = "watch",
     .purpose = "Follow a recording while it is being written",
     .details =
-        "Tells each recording as it begins, and how it grows: wells, segments, samples, size and rate; on a "
-        "terminal in one line that is written again and again, elsewhere in a line each time. It ends when the "
-        "writer has closed the file. A writer that was killed never does: use --idle, or Ctrl-C.",
+        "Tells how the latest recording grows: wells, segments, samples, size and rate, in one line each time that "
+        "it looks; on a terminal the line is written again and again until the next recording begins. It ends when "
+        "the writer has closed the file. A writer that was killed never does: use --idle, or Ctrl-C.",
     .example = "vxfile watch run.vxd --idle 60",
     .statuses =
         "  0  the file is finished\n"
@@ -49,7 +51,7 @@ class CWatchCommand : public CCommand {
         auto lastNews = CClock::now();
         auto lastLook = lastNews;
         for (std::int64_t lastPosition = 0;;) {
-            const bool isNew = file.Look([&](const CRunningRecording& latest) { TellBegun(latest); });
+            const bool isNew = file.Look();
             const auto now = CClock::now();
             const std::chrono::duration<double> passed = now - lastLook;
             if (isNew && file.Latest() != nullptr) {
@@ -82,36 +84,31 @@ class CWatchCommand : public CCommand {
                std::to_string(recording.header.Recording) + ')';
     }
 
-    void TellBegun(const CRunningRecording& latest) {
-        ClearLine();
-        std::cout << Title(latest) << " has begun, with " << Counted(latest.header.WellChannels.size(), "well")
-                  << std::endl;
-    }
-
+    /// One line, however much has come.
     void TellGrowth(const CGrowingFile& file, double bytesPerSecond) {
         const CRunningRecording& latest = *file.Latest();
-        std::string line = Title(latest) + ": " + Counted(latest.wells.size(), "well") + ", " +
+        const std::size_t begun = file.Recordings() - std::exchange(m_toldRecordings, file.Recordings());
+        std::string line = Title(latest) + (begun > 1 ? ", " + std::to_string(begun) + " new" : "") + ": " +
+                           std::to_string(latest.wells.size()) + " of " +
+                           Counted(latest.header.WellChannels.size(), "well") + ", " +
                            Counted(latest.segments, "segment") + ", " + Counted(latest.samples, "sample") + ", file " +
                            SizeText(file.Position());
         if (bytesPerSecond > 0) line += ", " + SizeText(static_cast<std::int64_t>(bytesPerSecond)) + "/s";
-        if (!m_onTerminal) {
-            std::cout << line << std::endl;
-            return;
+        if (m_onTerminal) {
+            if (m_hasLine && begun > 0) std::cout << '\n';  // what the one before came to stays
+            std::cout << '\r' << line.substr(0, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K";
+            m_hasLine = true;
+        } else {
+            std::cout << line << '\n';
         }
-        std::cout << '\r' << line.substr(0, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K" << std::flush;
-        m_hasLine = true;
+        FinishPrinting();
     }
 
     int End(const CGrowingFile& file, const std::string& why, int status) {
         if (m_hasLine) std::cout << '\n';
-        std::cout << why << ": " << Counted(file.Recordings(), "recording") << ", " << SizeText(file.Position()) << '.'
-                  << std::endl;
+        std::cout << why << ": " << Counted(file.Recordings(), "recording") << ", " << SizeText(file.Position())
+                  << ".\n";
         return status;
-    }
-
-    void ClearLine() {
-        if (m_hasLine) std::cout << "\r\033[K";
-        m_hasLine = false;
     }
 
     static constexpr auto kStep = std::chrono::milliseconds(50);
@@ -119,6 +116,7 @@ class CWatchCommand : public CCommand {
     std::string m_path;
     double m_idle = 0;
     double m_every = 1;
+    std::size_t m_toldRecordings = 0;
     bool m_onTerminal = false;
     bool m_hasLine = false;  ///< A line stands on the terminal that is to be written again.
 };

@@ -14,17 +14,13 @@ using namespace vxfileio::rawdata;
 
 CGrowingFile::CGrowingFile(const std::string& path) : m_path(path) { OpenInput(m_file, path); }
 
-bool CGrowingFile::Look(const std::function<void(const CRunningRecording&)>& begun) {
+bool CGrowingFile::Look() {
     const std::int64_t before = m_position;
-    if (m_file.Size() < m_position)
-        throw CFailure(m_path + " has become shorter; somebody has replaced it. Watch it anew.");
+    m_size = m_file.Size();
+    if (m_size < m_position) throw CFailure(m_path + " has become shorter; somebody has replaced it. Watch it anew.");
     if (m_position == 0 && !TakeFileHdr()) return false;
-    for (;;) {
+    while (TakeSegment() || TakeRecording())
         CheckInterrupt();
-        if (TakeSegment()) continue;
-        if (!TakeRecording()) break;
-        begun(m_latest);
-    }
     return m_position != before;
 }
 
@@ -59,7 +55,7 @@ bool CGrowingFile::TakeSegment() {
     const std::int64_t data = m_position + static_cast<std::int64_t>(kSegmentHdrSize);
     const auto samples = static_cast<std::uint32_t>(header.Size);
     const std::int64_t end = data + std::int64_t{samples} * static_cast<std::int64_t>(sizeof(std::uint16_t));
-    if (end > m_file.Size()) return false;
+    if (end > m_size) return false;
     ++m_latest.segments;
     m_latest.samples += samples;
     m_latest.wells.insert(header.ID);
@@ -70,7 +66,7 @@ bool CGrowingFile::TakeSegment() {
 bool CGrowingFile::TakeRecording() {
     const std::size_t size = SizeOf(kRecordingCells, m_version);
     std::string bytes = Read(m_position, size);
-    if (bytes.size() < size || !bytes.starts_with(kRecordingCells.front().key)) return false;
+    if (m_position >= m_size || bytes.size() < size || !bytes.starts_with(kRecordingCells.front().key)) return false;
     bytes.resize(kRecordingHdrSize);
     CRunningRecording latest;
     latest.index = m_recordings;

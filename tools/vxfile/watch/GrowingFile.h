@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <set>
 #include <string>
 
@@ -29,9 +28,9 @@ class CGrowingFile {
     /// Throws `CFailure` if the file can't be opened.
     explicit CGrowingFile(const std::string& path);
 
-    /// Takes all that is new and whole. `begun` is called for each recording that has begun, before its segments.
-    /// Returns whether there was anything. Throws `CFailure` if the file isn't one that is being written.
-    bool Look(const std::function<void(const CRunningRecording&)>& begun);
+    /// Takes all that is whole and was there when the look began, so that it ends however fast the writer is. Returns
+    /// whether there was anything new. Throws `CFailure` if the file isn't one that is being written.
+    bool Look();
 
     /// Tells whether the writer has closed the file.
     bool IsFinished() const;
@@ -51,6 +50,7 @@ class CGrowingFile {
     std::string m_path;
     vxfileio::CFile m_file;
     std::int64_t m_position = 0;  ///< Behind the last thing taken.
+    std::int64_t m_size = 0;      ///< Of the file, when the look began.
     std::int32_t m_version = vxfileio::rawdata::kNewestVersion;
     std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;
     CRunningRecording m_latest;
