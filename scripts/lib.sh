@@ -52,3 +52,13 @@ build_preset() {
     (cd "$root" && cmake --preset "$preset" --log-level=WARNING >/dev/null &&
         cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet)
 }
+
+# start_wine: starts wine in build/wine and ends it with the script. A server that is there before the first program, and
+# holds none of our streams, keeps each start short and nobody waiting for it.
+start_wine() {
+    export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+    mkdir -p "$WINEPREFIX"
+    setsid wineserver -p </dev/null >/dev/null 2>&1
+    trap 'wineserver -k' EXIT
+    wine wineboot </dev/null >/dev/null 2>&1
+}

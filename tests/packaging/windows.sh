@@ -6,17 +6,7 @@ linux=$1
 windows=$2
 work=$(dirname "$windows")/wine-files
 
-export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
-WINEPREFIX=$(dirname "$windows")/wine
-
-# A server that is there before the first program, and holds none of our streams, keeps each start short and nobody
-# waiting for it.
-start_wine() {
-    mkdir -p "$WINEPREFIX"
-    setsid wineserver -p </dev/null >/dev/null 2>&1
-    trap 'wineserver -k' EXIT
-    wine wineboot </dev/null >/dev/null 2>&1
-}
+source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib.sh"
 
 # on_both PROGRAM [ARGUMENT...]: runs a program of both builds, each in a folder of its own, and compares what they
 # leave there.
