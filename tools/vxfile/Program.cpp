@@ -1,13 +1,11 @@
 #include "tools/vxfile/Program.h"
 
-#include <algorithm>
 #include <exception>
 #include <iostream>
-#include <numeric>
 #include <string>
-#include <utility>
 
 #include "tools/vxfile/Command.h"
+#include "tools/vxfile/CommandLine.h"
 #include "tools/vxfile/Manual.h"
 #include "tools/vxfile/commands/DiffCommand.h"
 #include "tools/vxfile/commands/ExportCommand.h"
@@ -16,7 +14,6 @@
 #include "tools/vxfile/commands/SamplesCommand.h"
 #include "tools/vxfile/commands/VerifyCommand.h"
 #include "tools/vxfile/commands/WatchCommand.h"
-#include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Interrupt.h"
 #include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/io/Text.h"
@@ -26,52 +23,6 @@
 namespace vxfile {
 
 namespace {
-
-/// Returns how many characters have to be put, taken or changed to make one word of the other.
-std::size_t EditDistance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char c : from) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t i = 1; i < row.size(); ++i) {
-            const std::size_t changed = diagonal + (c == to[i - 1] ? 0 : 1);
-            diagonal = row[i];
-            row[i] = std::min({row[i] + 1, row[i - 1] + 1, changed});
-        }
-    }
-    return row.back();
-}
-
-/// A word that is no command gets the one that was most likely meant.
-void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
-    std::string_view nearest;
-    std::size_t least = 3;  // what is further away was meant otherwise
-    for (const auto& command : commands) {
-        const auto name = command->Text().name;
-        const auto distance = EditDistance(word, name);
-        if (distance == 0) return;
-        if (distance < std::min(least, name.size() - 1)) {
-            least = distance;
-            nearest = name;
-        }
-    }
-    const std::string advice =
-        nearest.empty() ? "vxfile --help lists them." : "did you mean '" + std::string(nearest) + "'?";
-    throw CFailure("'" + std::string(word) + "' is no command; " + advice);
-}
-
-void Describe(CLI::App& app, const CCommands& commands) {
-    app.set_version_flag("--version", std::string("vxfile ") + VXFILE_VERSION, "Print the version and end");
-    app.require_subcommand(1);
-    app.footer("vxfile COMMAND --help tells more about a command, with an example.");
-    for (const auto& command : commands) {
-        const CCommandText& text = command->Text();
-        auto* const part = app.add_subcommand(std::string(text.name), std::string(text.purpose));
-        part->footer(std::string(text.details) + "\n\nExample:\n  " + std::string(text.example) + "\n\nExit status:\n" +
-                     std::string(text.statuses));
-        command->AddOptions(*part);
-    }
-}
 
 /// What the build asks for is nothing that help lists. Returns false if it is something else.
 bool PrintedForBuild(const CLI::App& app, const CCommands& commands, std::string_view word) {
@@ -89,14 +40,16 @@ int RunParsed(const CLI::App& app, const CCommands& commands) {
 
 int ParseAndRun(int argc, const char* const* argv) {
     const CCommands commands = MakeCommands();
-    CLI::App app("Looks into the files of a cell screening instrument, checks and saves them.", "vxfile");
+    CLI::App app;
     Describe(app, commands);
     if (PrintedForBuild(app, commands, argc > 1 ? argv[1] : "")) return kSound;
-    if (argc > 1 && argv[1][0] != '-') RefuseUnknownCommand(commands, argv[1]);
+    if (argc < 2 || argv[1][0] != '-') RefuseUnknownCommand(commands, argc < 2 ? "" : argv[1]);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {  // help or version
+        return app.exit(asked);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kSound : kTrouble;
+        RefuseCommandLine(app, error);
     }
     CatchInterrupts();
     return RunParsed(app, commands);

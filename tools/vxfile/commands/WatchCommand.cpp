@@ -40,9 +40,11 @@ class CWatchCommand : public CCommand {
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_path, "The raw data file that is being written")->required();
         app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
-            ->check(CLI::PositiveNumber);
-        app.add_option("--every", m_every, "Look after so many seconds (1, if not told)")
-            ->check(CLI::Range(0.01, 3600.0));
+            ->check(CLI::Validator(CLI::PositiveNumber).description(""))
+            ->type_name("SECONDS");
+        app.add_option("--every", m_every, "Look after so many seconds, 0.01 to 3600 (1, if not told)")
+            ->check(CLI::Range(0.01, 3600.0).description(""))
+            ->type_name("SECONDS");
     }
 
     int Run() override {
