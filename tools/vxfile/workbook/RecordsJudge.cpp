@@ -13,6 +13,7 @@
 #include "vxfileio/export/biff/CellRecords.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/RecordStream.h"
+#include "vxfileio/export/biff/RkNumber.h"
 #include "vxfileio/export/biff/SheetRecords.h"
 
 namespace vxfile {
@@ -38,6 +39,15 @@ struct CRowPlace {
     std::uint16_t row;
     std::size_t firstCell = 0;
 };
+
+/// Numbers in the short form that stand side by side, as far as they were seen.
+struct CShortRun {
+    std::uint16_t row;
+    std::uint32_t endColumn;
+    bool isWhole;
+};
+
+bool IsWhole(std::uint32_t word) { return (word & YExcel::rk::kWhole) != 0; }
 
 bool IsCell(std::uint16_t code) {
     return code == YExcel::RK::kCode || code == YExcel::MulRK::kCode || code == YExcel::Number::kCode ||
@@ -100,6 +110,9 @@ class CRecordsJudge {
     std::vector<CRowPlace> JudgeRows(std::uint32_t number, std::uint16_t endColumn);
     void JudgeCells(std::vector<CRowPlace>& rows, CSheetSum& sum);
     std::uint16_t JudgeCell(const CRecord& cell);
+    std::uint16_t JudgeRun(const CRecord& cell);
+    void JudgeWords(const CRecord& cell, const std::vector<std::uint32_t>& words);
+    void JudgeNumber(const CRecord& cell);
     void JudgeDBCell(std::size_t firstRow, const std::vector<CRowPlace>& rows, CSheetSum& sum);
 
     std::span<const std::byte> m_stream;
@@ -110,6 +123,7 @@ class CRecordsJudge {
     std::uint32_t m_strings = 0;
     std::uint32_t m_uses = 0;
     std::uint32_t m_labels = 0;
+    std::optional<CShortRun> m_run;
 };
 
 /// Goes over the record that should come next. If another one comes, the rest can't be judged.
@@ -262,26 +276,61 @@ void CRecordsJudge::JudgeCells(std::vector<CRowPlace>& rows, CSheetSum& sum) {
 std::uint16_t CRecordsJudge::JudgeCell(const CRecord& cell) {
     const std::uint16_t row = cell.U16(0);
     const std::uint16_t column = cell.U16(2);
+    if (cell.code == YExcel::MulRK::kCode) return JudgeRun(cell);
     if (cell.code == YExcel::RK::kCode) {
         Compare(cell, YExcel::RK{.row = row, .column = column, .word = cell.U32(6)});
+        JudgeWords(cell, {cell.U32(6)});
     } else if (cell.code == YExcel::LabelSST::kCode) {
         Compare(cell, YExcel::LabelSST{.row = row, .column = column, .stringIndex = cell.U32(6)});
         ++m_labels;
         if (cell.U32(6) >= m_strings)
             Add(cell.position, "text " + std::to_string(cell.U32(6)), "one of " + Counted(m_strings, "text"),
                 "The cell shows nothing, or the file is refused.");
-    } else if (cell.code == YExcel::Number::kCode) {
-        const std::uint64_t bits = cell.U32(6) | std::uint64_t{cell.U32(10)} << 32U;
-        Compare(cell, YExcel::Number{.row = row, .column = column, .value = std::bit_cast<double>(bits)});
     } else {
-        std::vector<YExcel::MulRK::Item> items;
-        for (std::size_t at = 4; at + 8 <= cell.body.size(); at += 6)
-            items.push_back({0, cell.U32(at + 2)});
-        const auto last = static_cast<std::uint16_t>(column + items.size() - 1);
-        Compare(cell, YExcel::MulRK{.row = row, .firstColumn = column, .items = items, .lastColumn = last});
-        return std::max(last, column);
+        JudgeNumber(cell);
     }
     return column;
+}
+
+std::uint16_t CRecordsJudge::JudgeRun(const CRecord& cell) {
+    const std::uint16_t column = cell.U16(2);
+    std::vector<YExcel::MulRK::Item> items;
+    std::vector<std::uint32_t> words;
+    for (std::size_t at = 4; at + 8 <= cell.body.size(); at += 6) {
+        words.push_back(cell.U32(at + 2));
+        items.push_back({0, words.back()});
+    }
+    const auto last = static_cast<std::uint16_t>(column + items.size() - 1);
+    Compare(cell, YExcel::MulRK{.row = cell.U16(0), .firstColumn = column, .items = items, .lastColumn = last});
+    JudgeWords(cell, words);
+    return std::max(last, column);
+}
+
+/// Numbers in the short form side by side share a record if they are of one kind, doubles or whole numbers.
+void CRecordsJudge::JudgeWords(const CRecord& cell, const std::vector<std::uint32_t>& words) {
+    if (words.empty()) return;
+    const std::uint16_t row = cell.U16(0);
+    const std::uint16_t column = cell.U16(2);
+    const bool isWhole = IsWhole(words.front());
+    const auto isOfTwo = [](std::uint32_t word) { return (word & YExcel::rk::kFlags) == YExcel::rk::kFlags; };
+    if (std::ranges::any_of(words, isOfTwo))
+        Add(cell.position, "a number that is marked as whole and as hundredths", "one mark or none",
+            "A number is damaged; spreadsheet programs show its hundredth part.");
+    if (std::ranges::any_of(words, [&](std::uint32_t word) { return IsWhole(word) != isWhole; }))
+        Add(cell.position, "doubles and whole numbers in one record", "numbers of one kind",
+            "A number is damaged, or another program wrote this; readers take it as it is.");
+    if (m_run && m_run->row == row && m_run->endColumn == column && m_run->isWhole == isWhole)
+        Add(cell.position, "a record that goes on where the one before ends", "one MulRK record of both",
+            "A column is damaged, or another program wrote this; readers take it as it is.");
+    m_run = CShortRun{row, static_cast<std::uint32_t>(column + words.size()), isWhole};
+}
+
+void CRecordsJudge::JudgeNumber(const CRecord& cell) {
+    const double value = std::bit_cast<double>(cell.U32(6) | std::uint64_t{cell.U32(10)} << 32U);
+    Compare(cell, YExcel::Number{.row = cell.U16(0), .column = cell.U16(2), .value = value});
+    if (YExcel::TwoDecimalTest(value))
+        Add(cell.position, "a number of two decimals in full", "its short form, RK or MulRK",
+            "The number is damaged, or another program wrote this; readers take it as it is.");
 }
 
 void CRecordsJudge::JudgeDBCell(std::size_t firstRow, const std::vector<CRowPlace>& rows, CSheetSum& sum) {
