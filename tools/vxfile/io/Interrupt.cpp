@@ -18,6 +18,9 @@ extern "C" void NoteInterrupt(int signal) {
 void CatchInterrupts() {
     static_cast<void>(std::signal(SIGINT, NoteInterrupt));
     static_cast<void>(std::signal(SIGTERM, NoteInterrupt));
+#ifdef SIGHUP  // the terminal was closed
+    static_cast<void>(std::signal(SIGHUP, NoteInterrupt));
+#endif
 }
 
 bool IsInterrupted() { return g_interrupted != 0; }

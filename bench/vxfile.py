@@ -1,0 +1,62 @@
+#!/usr/bin/python3
+"""Compares vxfile with the library, and with the least that a program can do: processor time of whole processes, user
+and system together, run in turns, medians.
+
+    bench/vxfile.py FOLDER_OF_PROGRAMS [ROUNDS_OF_TURNS]
+
+The programs are those of the targets `bench` and `vxfile` of a release build.
+"""
+import os
+import resource
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+
+PROGRAMS = os.path.abspath(sys.argv[1])
+TURNS = int(sys.argv[2]) if len(sys.argv) > 2 else 15
+SHAPES = ((20000, 200), (1000, 1500))  # samples of a segment, rounds of 54 wells
+ONE_WELL = 46  # the one that raw_vx reads alone
+
+
+def seconds(command, folder):
+    """Returns what a command takes; its arrays go into a folder that is empty each time."""
+    shutil.rmtree(folder, ignore_errors=True)
+    os.makedirs(folder)
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    subprocess.run([os.path.join(PROGRAMS, command[0]), *command[1:]], check=True, stdout=subprocess.DEVNULL)
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+
+def compare(title, folder, least, *others):
+    """Prints how fast the others are, as parts of the speed of the first."""
+    taken = {name: [] for name, _ in (least, *others)}
+    for _ in range(TURNS):
+        for name, command in (least, *others):
+            taken[name].append(seconds(command, folder))
+    medians = {name: statistics.median(times) for name, times in taken.items()}
+    for name, _ in others:
+        print(f"{title:14} {name:42} {medians[least[0]] / medians[name]:5.2f} of {least[0]}", flush=True)
+
+
+def main():
+    with tempfile.TemporaryDirectory() as work:
+        path, arrays = os.path.join(work, "run.vxd"), os.path.join(work, "arrays")
+        for samples, rounds in SHAPES:
+            subprocess.run([f"{PROGRAMS}/raw_vx", "write", path, str(rounds), str(samples)], check=True,
+                           stdout=subprocess.DEVNULL)
+            title, shape = f"{samples} samples", [path, str(rounds), str(samples)]
+            one, all_wells = ["--well", str(ONE_WELL), "--npy"], ["--npy", "-o", arrays + "/{well}.npy"]
+            compare(title, arrays, ("the library, all wells", ["raw_vx", "read", *shape]),
+                    ("verify", ["vxfile", "verify", path]))
+            compare(title, arrays, ("the library, one well", ["raw_vx", "one", *shape]),
+                    ("samples of one well to /dev/null", ["vxfile", "samples", path, *one]),
+                    ("samples of one well into a file", ["vxfile", "samples", path, *one, "-o", arrays + "/one.npy"]))
+            compare(title, arrays, ("one read and one write per segment", ["raw_arrays_limit", path, str(samples), arrays]),
+                    ("samples of all wells, a file each", ["vxfile", "samples", path, *all_wells]))
+            shutil.rmtree(arrays)
+
+
+main()
