@@ -1,6 +1,6 @@
 """Holds what `vxfile samples` writes against an independent reader: numpy for arrays, the text twin for all samples.
 
-usage: samples_numpy.py VXFILE REFERENCE.vxd REFERENCE.txt
+usage: samples_numpy.py VXFILE REFERENCE.vxd REFERENCE.txt SMALL_EXAMPLE.vxd
 """
 
 import io
@@ -11,11 +11,11 @@ import tempfile
 
 import numpy
 
-VXFILE, REFERENCE, TWIN = sys.argv[1:]
+VXFILE, REFERENCE, TWIN, SMALL = sys.argv[1:]
 
 
-def run(*options):
-    done = subprocess.run([VXFILE, "samples", REFERENCE, *options], capture_output=True, check=False)
+def run(*options, path=REFERENCE):
+    done = subprocess.run([VXFILE, "samples", path, *options], capture_output=True, check=False)
     assert done.returncode == 0, done.stderr
     return done.stdout
 
@@ -64,5 +64,40 @@ with tempfile.TemporaryDirectory() as folder:
     assert [tuple(item)[1:] for item in table.tolist()] == [(row[2], row[3], row[4]) for row in rows]
     several = subprocess.run([VXFILE, "samples", REFERENCE, "--npy"], capture_output=True, check=False)
     assert several.returncode == 2 and b"--well" in several.stderr, several
+
+
+def cell(width, text):
+    return text.encode().ljust(width - 2, b"\0") + b"\r\n"
+
+
+def write_uneven(path):
+    """Writes segments at odd positions, short ones and some longer than any block, and returns the samples of each well."""
+    with open(SMALL, "rb") as small:
+        headers = bytearray(small.read()[:3650])
+    headers[1340:1390] = cell(50, "FPosRecordingData=3651")
+    content, position, wells = headers + b"?", 3651, {11: [], 12: []}
+    sizes = [3, 200000, 1, 40000, 40000, 33000, 700, 700, 700, 5]
+    for i, size in enumerate(sizes):
+        well, samples = 11 + i % 2, (numpy.arange(size) * 7 + i).astype("<u2")
+        position += 300 + 2 * size
+        content += cell(50, "Type=Well") + cell(50, f"ID={well}")
+        content += cell(50, f"FPosNextSegmentHdr={-1 if i == len(sizes) - 1 else position}")
+        content += cell(50, "TimeFrom=0") + cell(50, f"TimeTo={100 * (size - 1)}") + cell(50, f"Size={size}")
+        content += samples.tobytes()
+        wells[well].append(samples)
+    with open(path, "wb") as file:
+        file.write(content)
+    return {well: numpy.concatenate(parts) for well, parts in wells.items()}
+
+
+with tempfile.TemporaryDirectory() as folder:
+    path = folder + "/uneven.vxd"
+    wells = write_uneven(path)
+    run("--npy", "-o", folder + "/{well}.npy", path=path)
+    table = numpy.load(io.BytesIO(run("--npy", "--table", path=path)))
+    for well, samples in wells.items():
+        assert numpy.array_equal(numpy.load(f"{folder}/{well}.npy"), samples)
+        assert numpy.array_equal(numpy.load(io.BytesIO(run("--well", str(well), "--npy", path=path))), samples)
+        assert numpy.array_equal(table[table["well"] == well]["sample"], samples)
 
 print("samples agree with numpy and the twin")
