@@ -90,8 +90,7 @@ class CTextTable : public CSampleSink {
     }
 
     void AddNumber(auto number) {
-        std::array<char, 32> room;  // without a first value, since there are millions of them
-        m_text.append(room.data(), std::to_chars(room.data(), room.data() + room.size(), number).ptr);
+        m_text.append(m_number.data(), std::to_chars(m_number.data(), m_number.data() + m_number.size(), number).ptr);
     }
 
     void Flush() {
@@ -106,6 +105,7 @@ class CTextTable : public CSampleSink {
     CRawDataChannelInfo m_channel;
     std::string m_start;  ///< Of each line of the piece.
     std::string m_text;
+    std::array<char, 32> m_number{};  ///< Room for one; there are too many to make it anew.
 };
 
 // ---- NPY ------------------------------------------------------------------------------------------------------------

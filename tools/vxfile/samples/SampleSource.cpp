@@ -41,7 +41,7 @@ bool HasAllTimes(const CSampleChoice& choice) {
 std::string Joined(const std::set<std::string>& texts) {
     std::string joined;
     for (const auto& text : texts)
-        joined += (joined.empty() ? "" : ", ") + text;
+        joined += (joined.empty() ? "" : ", ") + Readable(text);
     return joined.empty() ? "none" : joined;
 }
 
@@ -66,11 +66,8 @@ void CSampleSource::RefuseUnknownTasks() const {
     for (const auto& recording : m_scan.Recordings())
         tasks.insert(recording.header.TaskName);
     for (const auto& task : m_choice.tasks) {
-        if (tasks.contains(task)) continue;
-        std::set<std::string> names;
-        for (const auto& name : tasks)
-            names.insert(Readable(name));
-        throw CFailure(m_path + " has no task " + task + "; its tasks: " + Joined(names) + '.');
+        if (!tasks.contains(task))
+            throw CFailure(m_path + " has no task " + task + "; its tasks: " + Joined(tasks) + '.');
     }
 }
 
@@ -80,10 +77,10 @@ void CSampleSource::RefuseUnknownRecordings() const {
         if (Has(m_choice.tasks, recording.header.TaskName)) numbers.insert(recording.header.Recording);
     }
     for (const auto number : m_choice.recordings) {
-        if (numbers.contains(number)) continue;
-        throw CFailure(m_path + " has no recording " + std::to_string(number) +
-                       (m_choice.tasks.empty() ? "" : " of the tasks chosen") + "; their numbers: " + Joined(numbers) +
-                       '.');
+        if (!numbers.contains(number))
+            throw CFailure(m_path + " has no recording " + std::to_string(number) +
+                           (m_choice.tasks.empty() ? "; its numbers: " : " of the tasks chosen; their numbers: ") +
+                           Joined(numbers) + '.');
     }
 }
 
