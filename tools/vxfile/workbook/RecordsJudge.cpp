@@ -326,7 +326,7 @@ void CRecordsJudge::JudgeWords(const CRecord& cell, const std::vector<std::uint3
 }
 
 void CRecordsJudge::JudgeNumber(const CRecord& cell) {
-    const double value = std::bit_cast<double>(cell.U32(6) | std::uint64_t{cell.U32(10)} << 32U);
+    const auto value = std::bit_cast<double>(cell.U32(6) | std::uint64_t{cell.U32(10)} << 32U);
     Compare(cell, YExcel::Number{.row = cell.U16(0), .column = cell.U16(2), .value = value});
     if (YExcel::TwoDecimalTest(value))
         Add(cell.position, "a number of two decimals in full", "its short form, RK or MulRK",
