@@ -54,7 +54,8 @@ def main():
             compare(title, arrays, ("the library, one well", ["raw_vx", "one", *shape]),
                     ("samples of one well to /dev/null", ["vxfile", "samples", path, *one]),
                     ("samples of one well into a file", ["vxfile", "samples", path, *one, "-o", arrays + "/one.npy"]))
-            compare(title, arrays, ("one read and one write per segment", ["raw_arrays_limit", path, str(samples), arrays]),
+            compare(title, arrays,
+                    ("one read and one write per segment", ["raw_arrays_limit", path, str(samples), arrays]),
                     ("samples of all wells, a file each", ["vxfile", "samples", path, *all_wells]))
             shutil.rmtree(arrays)
 

@@ -53,8 +53,8 @@ build_preset() {
         cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet)
 }
 
-# start_wine: starts wine in build/wine and ends it with the script. A server that is there before the first program, and
-# holds none of our streams, keeps each start short and nobody waiting for it.
+# start_wine: starts wine in build/wine and ends it with the script. A server that is there before the first program,
+# and holds none of our streams, keeps each start short and nobody waiting for it.
 start_wine() {
     export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     mkdir -p "$WINEPREFIX"

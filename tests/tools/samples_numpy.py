@@ -71,7 +71,7 @@ def cell(width, text):
 
 
 def write_uneven(path):
-    """Writes segments at odd positions, short ones and some longer than any block, and returns the samples of each well."""
+    """Writes segments at odd positions, short ones and some longer than any block. Returns the samples of each well."""
     with open(SMALL, "rb") as small:
         headers = bytearray(small.read()[:3650])
     headers[1340:1390] = cell(50, "FPosRecordingData=3651")
