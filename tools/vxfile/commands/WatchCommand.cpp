@@ -90,12 +90,12 @@ class CWatchCommand : public CCommand {
     void TellGrowth(const CGrowingFile& file, double bytesPerSecond) {
         const CRunningRecording& latest = *file.Latest();
         const std::size_t begun = file.Recordings() - std::exchange(m_toldRecordings, file.Recordings());
-        std::string line = Title(latest) + (begun > 1 ? ", " + std::to_string(begun) + " new" : "") + ": " +
-                           std::to_string(latest.wells.size()) + " of " +
-                           Counted(latest.header.WellChannels.size(), "well") + ", " +
-                           Counted(latest.segments, "segment") + ", " + Counted(latest.samples, "sample") + ", file " +
+        std::string line = Title(latest) + (begun > 1 ? ", " + std::to_string(begun) + " new" : "") + ": file " +
                            SizeText(file.Position());
         if (bytesPerSecond > 0) line += ", " + SizeText(static_cast<std::int64_t>(bytesPerSecond)) + "/s";
+        line += ", " + std::to_string(latest.wells.size()) + " of " +
+                Counted(latest.header.WellChannels.size(), "well") + ", " + Counted(latest.segments, "segment") + ", " +
+                Counted(latest.samples, "sample");
         if (m_onTerminal) {
             if (m_hasLine && begun > 0) std::cout << '\n';  // what the one before came to stays
             std::cout << '\r' << line.substr(0, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K";
