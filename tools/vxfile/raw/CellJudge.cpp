@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
-#include <type_traits>
 #include <utility>
 #include <variant>
 
 #include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/raw/CellFault.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
@@ -19,154 +18,43 @@ namespace vxfile {
 
 namespace {
 
-/// What is wrong with a cell.
-struct CFault {
+/// A fault in words.
+struct CWords {
     std::string expected;
     std::string meaning;
 };
-using CVerdict = std::optional<CFault>;
 
-// ---- How the value of each kind is written --------------------------------------------------------------------------
-
-std::string Exact(std::int32_t /*type*/, std::string_view text) {
-    return std::string(CNumberText(ParseInt32(text)).View());
-}
-std::string Exact(std::int64_t /*type*/, std::string_view text) {
-    return std::string(CNumberText(ParseInt64(text)).View());
-}
-std::string Exact(std::uint64_t /*type*/, std::string_view text) {
-    return std::string(CNumberText(ParseUInt64(text)).View());
-}
-std::string Exact(double /*type*/, std::string_view text) {
-    return std::string(CNumberText::General(ParseDouble(text)).View());
-}
-
-template <class Number>
-CVerdict JudgeNumber(std::string_view text) {
-    const std::string exact = Exact(Number{}, text);
-    if (text == exact) return std::nullopt;
-    return CFault{"the number as it is written, " + Quoted(exact), "Readers take it for " + exact + "."};
-}
-
-/// The colons between the items, and each item.
-template <class Number>
-CVerdict JudgeItems(std::string_view text) {
-    while (true) {
-        const auto end = std::min(text.find(':'), text.size());
-        if (auto verdict = JudgeNumber<Number>(text.substr(0, end))) return verdict;
-        if (end == text.size()) return std::nullopt;
-        text.remove_prefix(end + 1);
-    }
-}
-
-CVerdict JudgeText(std::string_view text) {
-    const auto end = text.find_first_of("=:\r\n");
-    if (end == std::string_view::npos) return std::nullopt;
-    return CFault{"a text without '=', ':' and line ends", "Readers take only " + Quoted(text.substr(0, end)) + "."};
-}
-
-/// Interval items have 32 bits in this format, although the field is wider.
-template <class Value>
-using CItemOf = std::conditional_t<std::is_same_v<Value, std::int64_t>, std::int32_t, Value>;
-
-/// Judges a value that isn't empty by the kind of its member.
-struct CValueJudge {
-    std::string_view value;
-
-    CVerdict operator()(std::monostate /*member*/) const { return std::nullopt; }
-    template <class Header>
-    CVerdict operator()(CBareText<Header> /*member*/) const {
-        return std::nullopt;
-    }
-    CVerdict operator()(CChannelCount /*member*/) const { return JudgeNumber<std::int32_t>(value); }
-    CVerdict operator()(CChannelList member) const {
-        return std::visit(
-            [&]<class Value>(Value CRawDataChannelInfo::* /*field*/) { return JudgeItems<CItemOf<Value>>(value); },
-            member.field);
-    }
-    template <class Header, class Value>
-    CVerdict operator()(Value Header::* /*member*/) const {
-        if constexpr (std::is_same_v<Value, std::string>) {
-            return JudgeText(value);
-        } else if constexpr (std::is_same_v<Value, std::vector<std::int64_t>>) {
-            return JudgeItems<std::int64_t>(value);
-        } else {
-            return JudgeNumber<Value>(value);
-        }
-    }
-};
-
-/// Tells whether a cell may stand without a value: texts and lists may, numbers may not.
-struct CMayBeEmpty {
-    bool operator()(std::monostate /*member*/) const { return false; }
-    template <class Header>
-    bool operator()(CBareText<Header> /*member*/) const {
-        return true;
-    }
-    bool operator()(CChannelCount /*member*/) const { return false; }
-    bool operator()(CChannelList /*member*/) const { return true; }
-    template <class Header, class Value>
-    bool operator()(Value Header::* /*member*/) const {
-        return !std::is_arithmetic_v<Value>;
-    }
-};
-
-struct CIsText {
-    bool operator()(std::monostate /*member*/) const { return true; }
-    template <class Header, class Value>
-    bool operator()(Value Header::* /*member*/) const {
-        return std::is_same_v<Value, std::string>;
-    }
-    bool operator()(const auto& /*member*/) const { return false; }
-};
-
-/// Tells whether a cell always holds what the writer begins with: a text that isn't the caller's.
-template <class Cell>
-bool IsFixed(const Cell& cell) {
-    return cell.standBy && std::visit(CIsText(), cell.member);
-}
-
-// ---- One cell -------------------------------------------------------------------------------------------------------
-
-/// What surrounds the text of a cell.
-CVerdict JudgeFrame(std::string_view bytes) {
-    if (!bytes.ends_with("\r\n"))
-        return CFault{"CR LF as the last two bytes", "The cell has lost its end; readers don't look at it."};
-    const auto end = bytes.find('\0');
-    if (end > bytes.size() - kCellEndSize)
-        return CFault{"at least one NUL byte ahead of the line end", "Readers see one item too many."};
-    if (bytes.find_first_not_of('\0', end) < bytes.size() - 2)
-        return CFault{"nothing but NUL bytes up to the line end", "Readers pass over what stands behind a NUL."};
-    return std::nullopt;
-}
-
-template <class Cell>
-CVerdict JudgeValue(const Cell& cell, std::string_view text) {
-    const bool hasSign = text.size() > cell.key.size();
-    const std::string_view value = hasSign ? text.substr(cell.key.size() + 1) : std::string_view();
+CWords WordsFor(const CCellFault& fault, const auto& cell) {
     const std::string key(cell.key);
-    if (IsFixed(cell) && value != *cell.standBy) {
-        const std::string fixed = cell.standBy->empty() ? key : key + '=' + std::string(*cell.standBy);
-        return CFault{Quoted(fixed), "No writer puts anything else there; readers don't look at it."};
+    switch (fault.kind) {
+        case ECellFault::NoLineEnd:
+            return {"CR LF as the last two bytes", "The cell has lost its end; readers don't look at it."};
+        case ECellFault::NoPadding:
+            return {"at least one NUL byte ahead of the line end", "Readers see one item too many."};
+        case ECellFault::Padding:
+            return {"nothing but NUL bytes up to the line end", "Readers pass over what stands behind a NUL."};
+        case ECellFault::NoMark:
+            return {"a text that begins " + Quoted(kFileTypeText), "No reader takes the file."};
+        case ECellFault::NoKey:
+            return {"the key " + Quoted(key), "Readers find cells by their place and take the value as told."};
+        case ECellFault::NotFixed:
+            return {Quoted(cell.standBy->empty() ? key : key + '=' + std::string(*cell.standBy)),
+                    "No writer puts anything else there; readers don't look at it."};
+        case ECellFault::LoneSign:
+            return {"the key alone if there is no value", "Some readers see an item where there is none."};
+        case ECellFault::NoNumber:
+            return {"a number behind " + Quoted(key + '='), "Readers take it for 0."};
+        case ECellFault::OtherNumber:
+            return {"the number as it is written, " + Quoted(fault.taken), "Readers take it for " + fault.taken + "."};
+        case ECellFault::Separator:
+            return {"a text without '=', ':' and line ends", "Readers take only " + Quoted(fault.taken) + "."};
     }
-    if (!value.empty()) return std::visit(CValueJudge{value}, cell.member);
-    if (hasSign) return CFault{"the key alone if there is no value", "Some readers see an item where there is none."};
-    if (std::visit(CMayBeEmpty(), cell.member)) return std::nullopt;
-    return CFault{"a number behind " + Quoted(key + '='), "Readers take it for 0."};
+    return {};
 }
 
-template <class Cell>
-CVerdict JudgeCell(const Cell& cell, std::string_view bytes) {
-    if (auto verdict = JudgeFrame(bytes)) return verdict;
-    const std::string_view text = CellText(bytes);
-    if (cell.key.empty()) {
-        if (text.starts_with(kFileTypeText)) return std::nullopt;
-        return CFault{"a text that begins " + Quoted(kFileTypeText), "No reader takes the file."};
-    }
-    const bool hasKey = text.starts_with(cell.key) && (text.size() == cell.key.size() || text[cell.key.size()] == '=');
-    if (!hasKey)
-        return CFault{"the key " + Quoted(cell.key), "Readers find cells by their place and take the value as told."};
-    return JudgeValue(cell, text);
+/// Tells whether a fault lies behind the text of a cell, so that all of it has to be shown.
+bool IsBehindText(ECellFault kind) {
+    return kind == ECellFault::NoLineEnd || kind == ECellFault::NoPadding || kind == ECellFault::Padding;
 }
 
 template <class Cells>
@@ -182,10 +70,10 @@ void JudgeCells(const Cells& cells, std::string_view bytes, std::int32_t version
             return;
         }
         const std::string_view cellBytes = bytes.substr(0, cell.width);
-        if (auto fault = JudgeCell(cell, cellBytes)) {
-            const bool unpadded = JudgeFrame(cellBytes).has_value();
-            findings.Add({where, offset, Quoted(unpadded ? cellBytes : CellText(cellBytes)), std::move(fault->expected),
-                          std::move(fault->meaning)});
+        if (const auto fault = FaultOf(cell, cellBytes)) {
+            auto [expected, meaning] = WordsFor(*fault, cell);
+            findings.Add({where, offset, Quoted(IsBehindText(fault->kind) ? cellBytes : CellText(cellBytes)),
+                          std::move(expected), std::move(meaning)});
         }
         bytes.remove_prefix(cell.width);
         offset += static_cast<std::int64_t>(cell.width);

@@ -2,8 +2,6 @@
 
 #include <bitset>
 #include <cstdint>
-#include <optional>
-#include <span>
 #include <string_view>
 
 #include "vxfileio/rawdata/RawDataFormat.h"
@@ -17,13 +15,9 @@ namespace vxfile {
 /// One bit per row of a header's table: that cell is damaged.
 using CDamagedCells = std::bitset<32>;
 
-/// Returns the value of a cell that is whole: the key, a `=` and the value if there is one, NUL bytes and CR LF. It
-/// points into the cell. Nothing is returned for any other cell, and for one that isn't there in full.
-std::optional<std::string_view> WholeValue(std::string_view cell, std::string_view key);
-
 /// @name Damage
-/// Each tells which cells of a header aren't whole, or hold what their type doesn't admit: a number that isn't written
-/// as this format writes it, a position below -1. `bytes` may be cut short; cells that are missing are damaged.
+/// Each tells which cells of a header aren't whole: what isn't as the format has it, but for separators within a text,
+/// and numbers that can't be. `bytes` may be cut short; cells that are missing are damaged.
 /// @{
 CDamagedCells DamagedFileCells(std::string_view bytes);
 CDamagedCells DamagedRecordingCells(std::string_view bytes, std::int32_t version);
