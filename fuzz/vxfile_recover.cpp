@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/recover/RecoverReport.h"
 
 namespace {
@@ -43,16 +44,25 @@ void ReadBack(const std::string& path) {
     }
 }
 
+/// Holds a recovered file against the format. Only texts may be what a caller of the library could have given it.
+void Verify(const std::string& path) {
+    const vxfile::CFindings findings = vxfile::VerifyRawData(path);
+    for (const auto& finding : findings.Kept()) {
+        if (finding.expected != "a text without '=', ':' and line ends") std::abort();
+    }
+}
+
 }  // namespace
 
-/// Saves any bytes. Whatever comes out must be a file that the library reads to its end.
+/// Saves any bytes. Whatever comes out must be a sound file, which the library reads to its end.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string in = NameOf(".in");
     const std::string out = NameOf(".out");
     std::ofstream(in, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     try {
-        vxfile::Recover(in, out, size % 2 == 1);
+        vxfile::Recover(in, out, {.keepCut = size % 2 == 1, .replace = true});
         ReadBack(out);
+        Verify(out);
     } catch (const vxfile::CFailure&) {  // there was nothing to save
     }
     return 0;

@@ -1,14 +1,11 @@
 #include "tools/vxfile/commands/RecoverCommand.h"
 
-#include <filesystem>
 #include <iostream>
 #include <string>
-#include <system_error>
 
 #include "tools/vxfile/Json.h"
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/FileKind.h"
-#include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/recover/RecoverReport.h"
 
 namespace vxfile {
@@ -26,7 +23,7 @@ constexpr CCommandText kText = {
     .example = "vxfile recover run.vxd -o saved.vxd",
     .statuses =
         "  0  the new file has all that there was\n"
-        "  1  the new file is written, but something was lost or made up\n"
+        "  1  the new file is written, but something was lost, made up or in doubt\n"
         "  2  nothing was written",
 };
 
@@ -43,11 +40,8 @@ class CRecoverCommand : public CCommand {
     }
 
     int Run() override {
-        RefuseWrongFiles();
-        CWholeFile target(m_target, m_force);
-        CRecoverReport report = Recover(m_source, target.WorkPath(), m_keepCut);
-        target.Commit();
-        report.target = m_target;
+        RefuseOtherKinds();
+        const CRecoverReport report = Recover(m_source, m_target, {.keepCut = m_keepCut, .replace = m_force});
         if (m_json) {
             PrintJson(kText.name, CJson::array({report.ToJson()}));
         } else {
@@ -57,14 +51,10 @@ class CRecoverCommand : public CCommand {
     }
 
  private:
-    void RefuseWrongFiles() const {
+    void RefuseOtherKinds() const {
         const EFileKind kind = FileKindOf(m_source);
         if (kind != EFileKind::RawData && kind != EFileKind::Unknown)
             throw CFailure(m_source + " is a " + std::string(NameOf(kind)) + "; only raw data files can be recovered.");
-        RefuseTarget(m_target, m_source);
-        std::error_code ignored;
-        if (!m_force && std::filesystem::exists(m_target, ignored))
-            throw CFailure(m_target + " is there already; choose another name, or replace it with --force.");
     }
 
     std::string m_source;

@@ -47,8 +47,10 @@ void RefuseTarget(const std::string& target, const std::string& source) {
 CWholeFile::CWholeFile(std::string path, bool replace) : m_path(std::move(path)), m_workPath(FreeNameBeside(m_path)) {
     std::error_code ignored;
     if (std::filesystem::is_directory(m_path, ignored)) throw CFailure(m_path + " is a folder; name a file in it.");
-    if (!replace && std::filesystem::exists(m_path, ignored))
-        throw CFailure(m_path + " is there already; choose another name, so that nothing is lost.");
+    if (!std::filesystem::exists(m_path, ignored)) return;
+    if (!std::filesystem::is_regular_file(m_path, ignored))
+        throw CFailure(m_path + " is a device or a pipe, which can't hold the whole file; name a file.");
+    if (!replace) throw CFailure(m_path + " is there already; choose another name, or replace it with --force.");
 }
 
 CWholeFile::~CWholeFile() {

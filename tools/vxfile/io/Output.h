@@ -20,8 +20,8 @@ void RefuseTarget(const std::string& target, const std::string& source);
 /// is done; whatever ends the work before that removes it.
 class CWholeFile {
  public:
-    /// Takes the name that the file will have. Throws `CFailure` if that is a folder, or a file and `replace` isn't
-    /// set. Nothing is created yet.
+    /// Takes the name that the file will have. Throws `CFailure` if that is a folder, a device or a pipe, or a file and
+    /// `replace` isn't set. Nothing is created yet.
     explicit CWholeFile(std::string path, bool replace = true);
     ~CWholeFile();
     CWholeFile(const CWholeFile&) = delete;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 
+#include "tools/vxfile/io/Failure.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
@@ -23,6 +24,9 @@ constexpr std::int64_t kNoPosition = -2;
 constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
 
 constexpr std::int32_t kVersionWithoutStartTime = 1;
+
+constexpr std::size_t kTaskRow = RowOf(kRecordingCells, "TaskName");
+constexpr std::size_t kDataRow = RowOf(kRecordingCells, "FPosRecordingData");
 
 std::size_t CellsOf(const auto& cells, std::int32_t version, std::size_t bytes) {
     std::size_t count = 0;
@@ -59,9 +63,12 @@ std::int64_t CSegmentProbe::EndOf(std::int64_t samples) const {
 
 std::size_t CRecordingProbe::Size() const { return SizeOf(kRecordingCells, version); }
 
-bool CRecordingProbe::IsMostlyWhole() const {
-    return bytes.size() == Size() && MostAreWhole(kRecordingCells, version, damaged, bytes.size());
+bool CRecordingProbe::IsCredible() const {
+    if (bytes.size() != Size()) return false;
+    return (!damaged[kTaskRow] && KnowsItsPlace()) || MostAreWhole(kRecordingCells, version, damaged, bytes.size());
 }
+
+bool CRecordingProbe::KnowsItsPlace() const { return bytes.size() == Size() && Position(kDataRow) == End(); }
 
 std::int64_t CRecordingProbe::Position(std::size_t row) const {
     if (damaged[row] || bytes.size() != Size()) return kNoPosition;
@@ -75,7 +82,12 @@ std::int64_t CRecordingProbe::Position(std::size_t row) const {
 std::string CHeaderProbe::Read(std::int64_t position, std::size_t size) const {
     const std::int64_t left = std::max<std::int64_t>(m_size - position, 0);
     std::string bytes(static_cast<std::size_t>(std::min(left, static_cast<std::int64_t>(size))), '\0');
-    bytes.resize(m_file.ReadUpTo(position, std::as_writable_bytes(std::span(bytes))));
+    const std::size_t read = m_file.ReadUpTo(position, std::as_writable_bytes(std::span(bytes)));
+    if (read < bytes.size()) {
+        const std::int64_t where = position + static_cast<std::int64_t>(read);
+        throw CFailure("Can't read " + m_path + " at byte " + std::to_string(where) +
+                       "; copy it with a program that passes over bad places of a disk, and recover the copy.");
+    }
     return bytes;
 }
 
@@ -99,8 +111,9 @@ CRecordingProbe CHeaderProbe::Recording(std::int64_t position, std::int32_t vers
     };
     const bool hasStartTime = version >= kNewestVersion;
     auto told = layout(hasStartTime ? kNewestVersion : kVersionWithoutStartTime);
-    if (told.damaged.none()) return told;
-    const auto other = layout(hasStartTime ? kVersionWithoutStartTime : kNewestVersion);
+    if (told.damaged.none() || told.KnowsItsPlace()) return told;
+    auto other = layout(hasStartTime ? kVersionWithoutStartTime : kNewestVersion);
+    if (other.KnowsItsPlace()) return other;
     return other.damaged.count() < told.damaged.count() ? other : told;
 }
 
@@ -114,13 +127,22 @@ bool CHeaderProbe::LooksLikeHeader(std::int64_t position) const {
     const std::size_t missing = kSegmentCells.size() - there / kSegmentCells.front().width;
     if (2 * (segment.damaged.count() - missing) <= kSegmentCells.size() - missing) return true;
     const CRecordingProbe recording = Recording(position, kNewestVersion);
-    return MostAreWhole(kRecordingCells, recording.version, recording.damaged, recording.bytes.size());
+    return recording.IsCredible() ||
+           MostAreWhole(kRecordingCells, recording.version, recording.damaged, recording.bytes.size());
+}
+
+bool CHeaderProbe::LooksLikeEnd(std::int64_t position) const {
+    const auto isEnd = [&](std::size_t lost) {
+        const std::int64_t behind = position + static_cast<std::int64_t>(lost);
+        return behind == m_size || LooksLikeHeader(behind);
+    };
+    return isEnd(0) || isEnd(SizeOf(kRecordingCells)) || isEnd(SizeOf(kRecordingCells, kVersionWithoutStartTime));
 }
 
 std::optional<std::uint64_t> SpanOf(const CSegmentHdr& header) {
     if (header.TimeTo < header.TimeFrom) return std::nullopt;
     const auto span = static_cast<std::uint64_t>(header.TimeTo) - static_cast<std::uint64_t>(header.TimeFrom);
-    if (span > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return std::nullopt;
+    if (span >= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return std::nullopt;
     return span;
 }
 

@@ -36,8 +36,10 @@ struct CRecordingProbe {
 
     std::int64_t End() const { return position + static_cast<std::int64_t>(Size()); }
     std::size_t Size() const;
-    /// Tells whether it is there to its end, and most of its cells are whole.
-    bool IsMostlyWhole() const;
+    /// Tells whether it is there to its end, and most of its cells are whole, or those that tell what and where it is.
+    bool IsCredible() const;
+    /// Tells whether it is there to its end and leads right behind it, as writers leave it.
+    bool KnowsItsPlace() const;
     /// Returns a position that a whole cell tells, or -2 for a cell that is damaged.
     std::int64_t Position(std::size_t row) const;
 };
@@ -45,8 +47,9 @@ struct CRecordingProbe {
 /// Looks at positions of a file for headers. It believes nothing but what is there.
 class CHeaderProbe {
  public:
-    /// The file stays the caller's.
-    explicit CHeaderProbe(const vxfileio::CFile& file) : m_file(file), m_size(file.Size()) {}
+    /// The file stays the caller's; `path` is what messages call it.
+    CHeaderProbe(const vxfileio::CFile& file, std::string path)
+        : m_file(file), m_path(std::move(path)), m_size(file.Size()) {}
 
     /// The size that the file had at first; what grows behind it isn't looked at.
     std::int64_t Size() const { return m_size; }
@@ -54,20 +57,26 @@ class CHeaderProbe {
     CSegmentProbe Segment(std::int64_t position) const;
     /// Tries the layout of `version` first, then the other one.
     CRecordingProbe Recording(std::int64_t position, std::int32_t version) const;
-    /// Reads so many bytes, or as many as there are.
+    /// Reads so many bytes, or as many as there are. Throws `CFailure` if the system can't read what the file has.
     std::string Read(std::int64_t position, std::size_t size) const;
 
     /// Tells whether a header begins there, even if part of its cells are damaged or the file ends within it.
     bool LooksLikeHeader(std::int64_t position) const;
 
+    /// Tells whether the last segment of a recording may end there: at the end of the file, ahead of a header, or ahead
+    /// of a recording header that is lost, but for its size.
+    bool LooksLikeEnd(std::int64_t position) const;
+
  private:
     const vxfileio::CFile& m_file;
+    std::string m_path;
     std::int64_t m_size;
 };
 
 /// @name Times and sizes
 /// @{
-/// Returns the time from the first sample to the last; nothing if the times are no segment's.
+/// Returns the time from the first sample to the last; nothing if the times are no segment's. One more has 63 bits,
+/// too.
 std::optional<std::uint64_t> SpanOf(const vxfileio::rawdata::CSegmentHdr& header);
 /// Tells whether there is any sample interval with which `Size` goes with the times.
 bool IsConsistent(const vxfileio::rawdata::CSegmentHdr& header);

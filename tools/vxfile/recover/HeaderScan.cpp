@@ -61,15 +61,29 @@ bool CHeaderScan::IsSegmentHdr(std::int64_t position) const {
     if (probe.damaged.any() || !IsConsistent(probe.header)) return false;
     const std::int64_t end = probe.EndOf(probe.header.Size);
     if (end > m_probe.Size()) return false;
-    if (probe.header.FPosNextSegmentHdr == end || m_isPromised(position)) return true;
-    return probe.header.FPosNextSegmentHdr == kUnset && (end == m_probe.Size() || IsRecordingHdr(end));
+    if (probe.header.FPosNextSegmentHdr == end || m_known.isPromised(position)) return true;
+    const bool isLast = probe.header.FPosNextSegmentHdr == kUnset;
+    const bool isExpected = m_known.isExpected(probe.header);
+    return (isLast && (isExpected || m_known.isPromised(end))) ||
+           ((isLast || isExpected) && m_probe.LooksLikeEnd(end)) || IsShifted(probe);
+}
+
+/// Tells whether a segment and the one right behind it lead as far beside their ends: bytes were put in or taken out
+/// somewhere ahead of them.
+bool CHeaderScan::IsShifted(const CSegmentProbe& probe) const {
+    const CSegmentProbe next = m_probe.Segment(probe.EndOf(probe.header.Size));
+    if (next.damaged.any() || !IsConsistent(next.header)) return false;
+    const auto shift = [](const CSegmentProbe& segment) {
+        return segment.header.FPosNextSegmentHdr - segment.EndOf(segment.header.Size);
+    };
+    return next.header.FPosNextSegmentHdr == kUnset || shift(next) == shift(probe);
 }
 
 bool CHeaderScan::IsRecordingHdr(std::int64_t position) const {
     const CRecordingProbe probe = m_probe.Recording(position, m_version);
-    if (probe.damaged.any()) return false;
-    const std::int64_t data = probe.Position(kDataRow);
-    return data == probe.End() || data == kUnset || m_isPromised(position);
+    if (!probe.IsCredible()) return false;
+    return probe.KnowsItsPlace() || probe.damaged[kDataRow] || probe.Position(kDataRow) == kUnset ||
+           m_known.isPromised(position) || (probe.damaged.none() && m_probe.LooksLikeEnd(probe.End()));
 }
 
 /// Returns where a raw data file that begins at `position` ends, as far as its headers follow one another.

@@ -11,14 +11,22 @@ namespace vxfile {
 /// Searches bytes of which nobody knows what they are for the next header.
 ///
 /// Any bytes may be samples, and samples may hold anything, a raw data file too. So a header must be whole to the last
-/// byte here, and it must know where it stands: its position leads right behind its own samples, or something that was
-/// believed before leads to it. What follows the header of a file within the file is passed over.
+/// byte here, and something must speak for its place: its position leads right behind its own samples, or it leads as
+/// far beside them as that of the one that follows; something that was believed before leads to it; or it goes on with
+/// a well, or ends a recording, and what follows agrees. What follows the header of a file within the file is passed
+/// over.
 class CHeaderScan {
  public:
-    /// `isPromised` tells whether a position that was believed leads there. `reach` is told how far the search is.
-    CHeaderScan(const CHeaderProbe& probe, std::int32_t version, std::function<bool(std::int64_t)> isPromised,
-                std::function<void(std::int64_t)> reach)
-        : m_probe(probe), m_version(version), m_isPromised(std::move(isPromised)), m_reach(std::move(reach)) {}
+    /// What is known of the file already.
+    struct CKnown {
+        std::function<bool(std::int64_t)> isPromised;  ///< A position that was believed leads there.
+        /// The recording at hand has a well of this ID and interval, and these times come next.
+        std::function<bool(const vxfileio::rawdata::CSegmentHdr&)> isExpected;
+    };
+
+    /// `reach` is told how far the search is.
+    CHeaderScan(const CHeaderProbe& probe, std::int32_t version, CKnown known, std::function<void(std::int64_t)> reach)
+        : m_probe(probe), m_version(version), m_known(std::move(known)), m_reach(std::move(reach)) {}
 
     /// Returns where the next header stands, at `from` or behind; the end of the file if there is none.
     std::int64_t Next(std::int64_t from) const;
@@ -27,12 +35,13 @@ class CHeaderScan {
     std::int64_t NextBeginning(std::int64_t from) const;
     bool IsHeader(std::int64_t position) const;
     bool IsSegmentHdr(std::int64_t position) const;
+    bool IsShifted(const CSegmentProbe& probe) const;
     bool IsRecordingHdr(std::int64_t position) const;
     std::optional<std::int64_t> EndOfFileWithin(std::int64_t position) const;
 
     const CHeaderProbe& m_probe;
     std::int32_t m_version;
-    std::function<bool(std::int64_t)> m_isPromised;
+    CKnown m_known;
     std::function<void(std::int64_t)> m_reach;
 };
 

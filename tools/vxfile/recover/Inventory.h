@@ -11,13 +11,10 @@
 
 namespace vxfile {
 
-/// What the segments of one well say about its sample interval, which they don't tell themselves.
-struct CTickBounds {
-    std::uint64_t atLeast = 1;       ///< A smaller interval would make more samples of some segment's times.
-    std::uint64_t atMost = kNoMost;  ///< A larger one would make fewer.
-    std::uint64_t disagreeing = 0;   ///< Segments that don't go with the recording header's interval.
-
-    static constexpr std::uint64_t kNoMost = INT64_MAX;
+/// The sample interval of a well that has segments.
+struct CWellInterval {
+    std::int64_t ticks = 0;
+    bool isTold = false;  ///< Its segments leave no other choice.
 };
 
 /// One recording that was found, or of which there is reason to think that it was there.
@@ -25,29 +22,54 @@ struct CFoundRecording {
     std::int64_t position = 0;  ///< Where its header stands, or stood.
     std::string bytes;          ///< Its header as it is in the file, in the layout of its version; empty if it is lost.
     std::int32_t version = vxfileio::rawdata::kNewestVersion;
-    CDamagedCells damaged;                      ///< Cells of `bytes` that can't be used.
-    bool unfinished = false;                    ///< Its writer never told where its data is.
-    CRawDataRecordingHdr header;                ///< What is known of it.
-    std::map<std::int32_t, CTickBounds> ticks;  ///< By well ID.
+    CDamagedCells damaged;                          ///< Cells of `bytes` that can't be used.
+    bool unfinished = false;                        ///< Its writer never told where its data is.
+    CRawDataRecordingHdr header;                    ///< What is known of it.
+    std::map<std::int32_t, CWellInterval> wells{};  ///< Those that have segments, by well ID.
 };
 
 /// One segment whose header proved itself. There may be millions of them.
 struct CFoundSegment {
     std::int64_t position = 0;  ///< Where its header stands.
+    std::int64_t from = 0;      ///< Time of the first sample.
+    std::int64_t to = 0;        ///< Time of the last sample.
     std::uint32_t samples = 0;  ///< Those to be kept.
     std::int32_t wellID = 0;
     std::uint32_t recording = 0;  ///< Index of its recording.
-    bool disagrees = false;       ///< With the interval that the recording header gives its well.
     bool cut = false;             ///< The file ends within its samples.
+
+    /// Bytes of its header and the samples to be kept.
+    std::int64_t Bytes() const {
+        return static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize) +
+               static_cast<std::int64_t>(sizeof(std::uint16_t)) * samples;
+    }
+    std::int64_t End() const { return position + Bytes(); }
 };
 
-/// Bytes of the file that are not in the new one.
-struct CLoss {
+/// What there is to tell about a part of the file.
+struct CRemark {
     std::int64_t from = 0;                                  ///< Position in the file.
     std::int64_t to = 0;                                    ///< Where it ends.
     std::optional<std::uint32_t> recording = std::nullopt;  ///< Index of the recording that it most likely belongs to.
-    std::optional<std::int32_t> wellID = std::nullopt;      ///< The well, where that can still be read.
+    std::optional<std::int32_t> wellID = std::nullopt;      ///< The well, where that can be read.
     std::string why;
+};
+
+/// Remarks of one kind: the first ones, as a file full of rubbish mustn't fill the memory.
+struct CRemarks {
+    std::vector<CRemark> first;
+    std::uint64_t more = 0;  ///< Those that aren't told one by one.
+
+    void Add(CRemark remark) {
+        if (first.size() < kMost) {
+            first.push_back(std::move(remark));
+        } else {
+            ++more;
+        }
+    }
+    bool None() const { return first.empty(); }
+
+    static constexpr std::size_t kMost = 10'000;
 };
 
 /// All that a file holds and that can be relied on, in the order in which the new file will have it.
@@ -56,18 +78,8 @@ struct CInventory {
     CDamagedCells fileDamage;  ///< Its cells that can't be used.
     std::vector<CFoundRecording> recordings;
     std::vector<CFoundSegment> segments;  ///< Those of one recording lie together.
-    std::vector<CLoss> losses;            ///< The first ones; a file full of rubbish mustn't fill the memory.
-    std::uint64_t moreLosses = 0;         ///< Those that aren't told one by one.
-
-    void Lose(CLoss loss) {
-        if (losses.size() < kMostLosses) {
-            losses.push_back(std::move(loss));
-        } else {
-            ++moreLosses;
-        }
-    }
-
-    static constexpr std::size_t kMostLosses = 10'000;
+    CRemarks losses;                      ///< Bytes that are not in the new file.
+    CRemarks doubts;                      ///< Segments that are, although it isn't certain whose they are.
 };
 
 }  // namespace vxfile

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/vxfile/io/Text.h"
 #include "vxfileio/frame/ExcVXReader.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
@@ -89,12 +90,6 @@ std::size_t ItemsIn(const std::string& whole, std::size_t row) {
     return count;
 }
 
-/// Returns the interval that the segments of a well agree on, or 0.
-std::int64_t TickFrom(const CTickBounds& bounds) {
-    if (bounds.atLeast > bounds.atMost) return 0;
-    return static_cast<std::int64_t>(bounds.atMost == CTickBounds::kNoMost ? bounds.atLeast : bounds.atMost);
-}
-
 /// Brings the lists of the wells of one recording in order.
 class CWellLists {
  public:
@@ -108,7 +103,9 @@ class CWellLists {
             MakeUpWells();
         } else {
             TakeLists();
+            DropTwins();
         }
+        AddUnlisted();
         MendTicks();
         return m_damaged;
     }
@@ -148,41 +145,81 @@ class CWellLists {
         m_mended.header.WellChannels = lists.WellChannels;
     }
 
-    /// The wells are those that have segments. What the lists say of them can only be used if it is the same for all.
+    /// The wells are those that have segments.
     void MakeUpWells() {
-        const auto told = std::exchange(m_mended.header.WellChannels, {});
+        m_model = CommonOf(std::exchange(m_mended.header.WellChannels, {}));
+        MarkLists();
+        m_mended.notes.emplace_back("the wells are those of its segments");
+    }
+
+    /// A well that is listed twice has lost the other's name; the first one stays.
+    void DropTwins() {
+        auto& wells = m_mended.header.WellChannels;
+        m_model = CommonOf(wells);
+        for (auto well = wells.begin(); well != wells.end();) {
+            const bool isTwin =
+                std::find_if(wells.begin(), well, [&](const auto& other) { return other.ID == well->ID; }) != well;
+            if (isTwin) {
+                m_mended.notes.push_back("well " + std::to_string(well->ID) + " was listed twice");
+                MarkLists();
+            }
+            well = isTwin ? wells.erase(well) : std::next(well);
+        }
+    }
+
+    /// Lists the wells that have segments and aren't listed yet.
+    void AddUnlisted() {
+        auto& wells = m_mended.header.WellChannels;
+        std::vector<std::int32_t> added;
+        for (const auto& [wellID, interval] : m_recording.wells) {
+            if (wells.size() == kMostChannels) break;
+            if (std::ranges::find(wells, wellID, &CRawDataChannelInfo::ID) != wells.end()) continue;
+            m_model.ID = wellID;
+            wells.push_back(m_model);
+            added.push_back(wellID);
+        }
+        if (added.empty()) return;
+        if (!m_damaged[kIDsRow])
+            m_mended.notes.push_back((added.size() == 1 ? "listed now, as it has segments: well "
+                                                        : "listed now, as they have segments: wells ") +
+                                     ListText(added));
+        MarkLists();
+    }
+
+    /// Returns what the lists say of all wells in the same way; what they differ in is left out.
+    static CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
         CRawDataChannelInfo common;
         const auto take = [&](auto field) {
-            const auto differs = [&](const auto& well) { return well.*field != told.front().*field; };
-            if (!told.empty() && std::ranges::none_of(told, differs)) common.*field = told.front().*field;
+            const auto differs = [&](const auto& well) { return well.*field != wells.front().*field; };
+            if (!wells.empty() && std::ranges::none_of(wells, differs)) common.*field = wells.front().*field;
         };
         take(&CRawDataChannelInfo::ADZero);
         take(&CRawDataChannelInfo::UnitsPerAD);
         take(&CRawDataChannelInfo::Ticks);
-        for (const auto& [wellID, bounds] : m_recording.ticks) {
-            if (m_mended.header.WellChannels.size() == kMostChannels) break;
-            common.ID = wellID;
-            m_mended.header.WellChannels.push_back(common);
-        }
+        return common;
+    }
+
+    void MarkLists() {
         for (auto row = kCountRow; row < kEndOfListRows; ++row)
             m_damaged[row] = true;
-        m_mended.notes.emplace_back("the wells are those of its segments");
     }
 
     /// Gives a well the interval that its segments were recorded with, where the header has none or a wrong one. One
     /// without segments may have any.
     void MendTicks() {
         for (auto& well : m_mended.header.WellChannels) {
-            const auto found = m_recording.ticks.find(well.ID);
-            const CTickBounds bounds = found == m_recording.ticks.end() ? CTickBounds() : found->second;
-            if (bounds.disagreeing == 0 && well.Ticks > 0) continue;
-            const std::int64_t tick = TickFrom(bounds);
-            if (tick == 0 || tick > INT32_MAX) continue;
-            well.Ticks = tick;
-            m_damaged[kTicksRow] = true;
-            const bool told = bounds.atMost != CTickBounds::kNoMost;
+            const auto found = m_recording.wells.find(well.ID);
+            const CWellInterval interval = found != m_recording.wells.end() ? found->second
+                                           : well.Ticks > 0                 ? CWellInterval{well.Ticks, true}
+                                                                            : CWellInterval{1, false};
+            if (well.Ticks == interval.ticks) continue;
             m_mended.notes.push_back("the interval of well " + std::to_string(well.ID) +
-                                     (told ? " is told by its segments" : " isn't known"));
+                                     (interval.isTold
+                                          ? " is " + std::to_string(interval.ticks) + ", as its segments tell"
+                                          : " isn't known") +
+                                     (well.Ticks > 0 ? "; the header said " + std::to_string(well.Ticks) : ""));
+            well.Ticks = interval.ticks;
+            m_damaged[kTicksRow] = true;
         }
     }
 
@@ -191,6 +228,7 @@ class CWellLists {
     CMendedRecording& m_mended;
     CDamagedCells m_damaged;
     std::size_t m_count = 0;
+    CRawDataChannelInfo m_model;  ///< What is known of a well that isn't listed.
 };
 
 std::vector<std::string> KeysOf(const auto& cells, const CDamagedCells& damaged) {
@@ -223,21 +261,6 @@ std::string EncodedWithRoom(CMendedRecording& mended) {
 }
 
 }  // namespace
-
-void SettleDisagreements(CInventory& inventory) {
-    const auto isWrong = [&](const CFoundSegment& segment) {
-        if (!segment.disagrees) return false;
-        if (TickFrom(inventory.recordings[segment.recording].ticks[segment.wellID]) > 0) return false;
-        const auto bytes = static_cast<std::int64_t>(kSegmentHdrSize) + 2 * std::int64_t{segment.samples};
-        inventory.Lose({.from = segment.position,
-                        .to = segment.position + bytes,
-                        .recording = segment.recording,
-                        .wellID = segment.wellID,
-                        .why = "its times don't go with the interval of its well: the well ID or a time is damaged"});
-        return true;
-    };
-    std::erase_if(inventory.segments, isWrong);
-}
 
 CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number) {
     CMendedRecording mended;

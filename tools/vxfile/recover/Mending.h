@@ -21,10 +21,6 @@ struct CMendedFileHdr {
     std::vector<std::string> notes;
 };
 
-/// Decides about segments that contradict the interval which their recording's header gives their well. If there is an
-/// interval that all of the well's segments go with, the header is wrong; otherwise they are, and are lost.
-void SettleDisagreements(CInventory& inventory);
-
 /// Makes a whole header of what is left of one: cells that are whole stay as they are, to the byte; what is damaged is
 /// made up from the others and from the segments. `number` is that of a recording of which nothing is known.
 CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number);

@@ -1,38 +1,53 @@
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/OpenInput.h"
+#include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/io/Progress.h"
 #include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/recover/Mending.h"
 #include "tools/vxfile/recover/RecoverReport.h"
 #include "tools/vxfile/recover/RecoveredFile.h"
 #include "tools/vxfile/recover/Survey.h"
+#include "tools/vxfile/recover/WellJudge.h"
 
 namespace vxfile {
 
 namespace {
 
 using vxfileio::CFile;
-using vxfileio::rawdata::CSegmentHdr;
 
-/// By the order in the file, unless the chains lead to as much and are whole: then by them.
-CInventory TakeInventory(const CFile& file, bool keepCut) {
-    CProgress progress("Surveying", file.Size());
-    const auto reach = [&](std::int64_t position) { progress.Reach(position); };
-    CInventory inOrder = CSurvey(file, keepCut, reach).Take();
-    auto alongChains = CSurvey(file, keepCut, reach).TakeAlongChains();
-    if (!alongChains || alongChains->segments.size() < inOrder.segments.size() ||
-        alongChains->recordings.size() < inOrder.recordings.size())
-        return inOrder;
-    return std::move(*alongChains);
+/// Tells whether all segments of one inventory are in another.
+bool Holds(const CInventory& inventory, const CInventory& other) {
+    const auto places = [](const CInventory& all) {
+        std::vector<std::int64_t> positions;
+        for (const CFoundSegment& segment : all.segments)
+            positions.push_back(segment.position);
+        std::ranges::sort(positions);
+        return positions;
+    };
+    return inventory.recordings.size() >= other.recordings.size() &&
+           std::ranges::includes(places(inventory), places(other));
 }
 
-void Add(const CSegmentHdr& header, CKeptWell& well) {
-    well.from = well.segments == 0 ? header.TimeFrom : std::min(well.from, header.TimeFrom);
-    well.to = well.segments == 0 ? header.TimeTo : std::max(well.to, header.TimeTo);
-    well.samples += static_cast<std::uint64_t>(header.Size);
+/// By the order in the file, unless the chains are whole and lead to all that was found so: then by them. A chain that
+/// leaves something out may have been led astray by a damaged position, even into samples that look like segments.
+CInventory TakeInventory(const CHeaderProbe& probe, bool keepCut) {
+    CProgress progress("Surveying", probe.Size());
+    const auto reach = [&](std::int64_t position) { progress.Reach(position); };
+    CSurvey survey(probe, keepCut, reach);
+    CInventory inOrder = survey.Take();
+    if (survey.IsStraight()) return inOrder;
+    auto alongChains = CSurvey(probe, keepCut, reach).TakeAlongChains();
+    return alongChains && Holds(*alongChains, inOrder) ? std::move(*alongChains) : std::move(inOrder);
+}
+
+void Add(const CFoundSegment& segment, CKeptWell& well) {
+    well.from = well.segments == 0 ? segment.from : std::min(well.from, segment.from);
+    well.to = well.segments == 0 ? segment.to : std::max(well.to, segment.to);
+    well.samples += segment.samples;
     ++well.segments;
 }
 
@@ -46,19 +61,11 @@ CRecoverReport::CRecording ReportOf(const CFoundRecording& found, const CMendedR
             .wells = {}};
 }
 
-}  // namespace
-
-CRecoverReport Recover(const std::string& source, const std::string& target, bool keepCut) {
-    CFile file;
-    OpenInput(file, source);
-    CInventory inventory = TakeInventory(file, keepCut);
-    SettleDisagreements(inventory);
-    if (inventory.recordings.empty())
-        throw CFailure(source + " holds no recording, not even a damaged one; there is nothing to save.");
-
+/// Writes what was found to the file that isn't in its place yet.
+CRecoverReport Write(const CInventory& inventory, const CCopyFiles& files) {
     CRecoverReport report;
-    report.source = source;
-    report.target = target;
+    report.source = files.sourcePath;
+    report.target = files.target;
     const CMendedFileHdr fileHdr = MendFileHdr(inventory);
     report.fileNotes = fileHdr.notes;
     std::vector<CMendedRecording> recordings;
@@ -66,14 +73,31 @@ CRecoverReport Recover(const std::string& source, const std::string& target, boo
         recordings.push_back(Mend(found, static_cast<std::int32_t>(recordings.size() + 1)));
         report.recordings.push_back(ReportOf(found, recordings.back()));
     }
-    CProgress progress("Saving", file.Size());
-    const auto tell = [&](const CFoundSegment& segment, const CSegmentHdr& header, std::int64_t size) {
-        Add(header, report.recordings[segment.recording].wells[header.ID]);
+    CProgress progress("Saving", files.source.Size());
+    const auto tell = [&](const CFoundSegment& segment, std::int64_t size) {
+        Add(segment, report.recordings[segment.recording].wells[segment.wellID]);
         progress.Reach(size);
     };
-    report.bytes = WriteRecovered(inventory, fileHdr, recordings, file, target, tell);
+    report.bytes = WriteRecovered(inventory, fileHdr, recordings, files, tell);
+    return report;
+}
+
+}  // namespace
+
+CRecoverReport Recover(const std::string& source, const std::string& target, const CRecoverOptions& options) {
+    CFile file;
+    OpenInput(file, source);
+    RefuseTarget(target, source);
+    CWholeFile whole(target, options.replace);
+    const CHeaderProbe probe(file, source);
+    CInventory inventory = TakeInventory(probe, options.keepCut);
+    if (inventory.recordings.empty())
+        throw CFailure(source + " holds no recording, not even a damaged one; there is nothing to save.");
+    SettleWells(inventory);
+    CRecoverReport report = Write(inventory, {file, source, whole.WorkPath(), target});
+    whole.Commit();
     report.losses = std::move(inventory.losses);
-    report.moreLosses = inventory.moreLosses;
+    report.doubts = std::move(inventory.doubts);
     return report;
 }
 

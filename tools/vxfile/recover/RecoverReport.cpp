@@ -1,6 +1,8 @@
 #include "tools/vxfile/recover/RecoverReport.h"
 
 #include <algorithm>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include "tools/vxfile/io/Text.h"
@@ -22,16 +24,30 @@ void PrintWells(std::ostream& out, const std::map<std::int32_t, CKeptWell>& kept
     }
 }
 
-void PrintLoss(std::ostream& out, const CLoss& loss) {
-    out << "    lost: bytes " << loss.from << " to " << loss.to;
-    if (loss.wellID) out << ", well " << *loss.wellID;
-    out << ": " << loss.why << '\n';
+void PrintRemark(std::ostream& out, std::string_view kind, const CRemark& remark) {
+    out << "    " << kind << ": bytes " << remark.from << " to " << remark.to;
+    if (remark.wellID) out << ", well " << *remark.wellID;
+    out << ": " << remark.why << '\n';
 }
 
-CJson LossJson(const CLoss& loss) {
-    CJson json = {{"from", loss.from}, {"to", loss.to}, {"why", loss.why}};
-    json["well"] = loss.wellID ? CJson(*loss.wellID) : CJson();
+/// Prints those remarks that belong to a recording, or to none.
+void PrintRemarks(std::ostream& out, std::string_view kind, const CRemarks& remarks,
+                  const std::optional<std::uint32_t>& recording) {
+    for (const CRemark& remark : remarks.first) {
+        if (remark.recording == recording) PrintRemark(out, kind, remark);
+    }
+}
+
+CJson RemarkJson(const CRemark& remark) {
+    CJson json = {{"from", remark.from}, {"to", remark.to}, {"why", remark.why}};
+    json["well"] = remark.wellID ? CJson(*remark.wellID) : CJson();
     return json;
+}
+
+/// Puts each remark into the list of that name, of its recording or of the whole file.
+void AddRemarks(CJson& json, const char* list, const CRemarks& remarks) {
+    for (const CRemark& remark : remarks.first)
+        (remark.recording ? json["recordings"][*remark.recording] : json)[list].push_back(RemarkJson(remark));
 }
 
 CJson RecordingJson(const CRecoverReport::CRecording& recording) {
@@ -43,31 +59,29 @@ CJson RecordingJson(const CRecoverReport::CRecording& recording) {
                          {"from", kept.from},
                          {"to", kept.to}});
     }
-    return {{"task", Readable(recording.task)},
-            {"recording", recording.number},
-            {"position", recording.position},
-            {"unfinished", recording.unfinished},
-            {"notes", recording.notes},
-            {"wells", wells},
-            {"lost", CJson::array()}};
+    return {{"task", Readable(recording.task)}, {"recording", recording.number},
+            {"position", recording.position},   {"unfinished", recording.unfinished},
+            {"notes", recording.notes},         {"wells", wells},
+            {"lost", CJson::array()},           {"doubts", CJson::array()}};
 }
 
 }  // namespace
 
 bool CRecoverReport::IsComplete() const {
     const auto hasNotes = [](const CRecording& recording) { return !recording.notes.empty(); };
-    return losses.empty() && fileNotes.empty() && std::ranges::none_of(recordings, hasNotes);
+    return losses.None() && doubts.None() && fileNotes.empty() && std::ranges::none_of(recordings, hasNotes);
+}
+
+const char* CRecoverReport::Verdict() const {
+    if (IsComplete()) return "nothing was lost";
+    if (!losses.None()) return "what was lost is told above";
+    return "nothing was lost, but what is told above isn't certain";
 }
 
 void CRecoverReport::PrintText(std::ostream& out) const {
     for (const auto& note : fileNotes)
         out << source << ": " << note << '\n';
-    const auto printLosses = [&](const std::optional<std::uint32_t>& recording) {
-        for (const CLoss& loss : losses) {
-            if (loss.recording == recording) PrintLoss(out, loss);
-        }
-    };
-    printLosses(std::nullopt);
+    PrintRemarks(out, "lost", losses, std::nullopt);
     std::uint64_t samples = 0;
     for (std::uint32_t i = 0; i < recordings.size(); ++i) {
         const CRecording& recording = recordings[i];
@@ -78,23 +92,23 @@ void CRecoverReport::PrintText(std::ostream& out) const {
         PrintWells(out, recording.wells);
         for (const auto& well : recording.wells)
             samples += well.second.samples;
-        printLosses(i);
+        PrintRemarks(out, "lost", losses, i);
+        PrintRemarks(out, "doubt", doubts, i);
     }
-    if (moreLosses > 0) out << "  and " << Counted(moreLosses, "more place") << " with losses\n";
+    if (losses.more > 0) out << "  and " << Counted(losses.more, "more place") << " with losses\n";
+    if (doubts.more > 0) out << "  and " << Counted(doubts.more, "more doubt") << '\n';
     out << target << ": " << Counted(recordings.size(), "recording") << ", " << Counted(samples, "sample") << ", "
-        << bytes << " bytes; " << (IsComplete() ? "nothing was lost" : "what was lost is told above") << ".\n";
+        << bytes << " bytes; " << Verdict() << ".\n";
 }
 
 CJson CRecoverReport::ToJson() const {
     CJson json = {{"file", Readable(source)}, {"output", Readable(target)}, {"bytes", bytes},
                   {"complete", IsComplete()}, {"notes", fileNotes},         {"recordings", CJson::array()},
-                  {"lost", CJson::array()},   {"moreLosses", moreLosses}};
+                  {"lost", CJson::array()},   {"moreLosses", losses.more},  {"moreDoubts", doubts.more}};
     for (const CRecording& recording : recordings)
         json["recordings"].push_back(RecordingJson(recording));
-    for (const CLoss& loss : losses) {
-        auto& list = loss.recording ? json["recordings"][*loss.recording]["lost"] : json["lost"];
-        list.push_back(LossJson(loss));
-    }
+    AddRemarks(json, "lost", losses);
+    AddRemarks(json, "doubts", doubts);
     return json;
 }
 

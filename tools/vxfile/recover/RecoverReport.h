@@ -39,20 +39,29 @@ struct CRecoverReport {
         std::map<std::int32_t, CKeptWell> wells;
     };
     std::vector<CRecording> recordings;
-    std::vector<CLoss> losses;
-    std::uint64_t moreLosses = 0;
+    CRemarks losses;  ///< What isn't in the new file.
+    CRemarks doubts;  ///< What is, but may belong to another well.
 
-    /// Tells whether the new file has all that the old one had, but for positions.
+    /// Tells whether the new file has all that the old one had, but for positions, and without a doubt.
     bool IsComplete() const;
     /// Prints the report for people.
     void PrintText(std::ostream& out) const;
     /// The report for programs.
     CJson ToJson() const;
+
+ private:
+    const char* Verdict() const;
 };
 
-/// Surveys the file at `source` and writes what is whole to a new one at `target`, which isn't there yet or may be
-/// replaced. `keepCut` keeps a last segment that was cut, up to its last whole sample. The report tells `target` as
-/// its target. Throws `CFailure` if there is nothing to save, or the files can't be read or written.
-CRecoverReport Recover(const std::string& source, const std::string& target, bool keepCut);
+/// How to recover.
+struct CRecoverOptions {
+    bool keepCut = false;  ///< Keep a last segment that was cut, up to its last whole sample.
+    bool replace = false;  ///< Replace the new file if there is one already.
+};
+
+/// Surveys the file at `source` and writes what is whole to a new one at `target`, which is there when it is whole, or
+/// not at all. Throws `CFailure` if there is nothing to save, if `target` is the file itself, or if the files can't be
+/// read or written.
+CRecoverReport Recover(const std::string& source, const std::string& target, const CRecoverOptions& options);
 
 }  // namespace vxfile

@@ -19,42 +19,22 @@ namespace {
 
 constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 
-constexpr std::int64_t kSampleSize = sizeof(std::uint16_t);
-
 void SetPosition(std::string& header, const CCellPlace& place, std::int64_t position) {
     EncodeCell(place, CNumberText(position).View(), std::span(header).subspan(place.offset, place.width));
-}
-
-std::int64_t BytesOf(const CFoundSegment& segment) {
-    return static_cast<std::int64_t>(kSegmentHdrSize) + kSampleSize * segment.samples;
-}
-
-/// Returns the header of a segment as the new file has it, but for where the next one stands.
-CSegmentHdr HeaderOf(const CFoundSegment& segment, const CInventory& inventory, const CFile& source) {
-    std::array<char, kSegmentHdrSize> bytes{};
-    source.ReadUpTo(segment.position, std::as_writable_bytes(std::span(bytes)));
-    CSegmentHdr header;
-    Decode({bytes.data(), bytes.size()}, header);
-    header.Size = segment.samples;
-    if (segment.cut) {
-        const auto& wells = inventory.recordings[segment.recording].header.WellChannels;
-        const auto well = std::ranges::find(wells, segment.wellID, &CRawDataChannelInfo::ID);
-        header.TimeTo = header.TimeFrom + (header.Size - 1) * (well == wells.end() ? 0 : well->Ticks);
-    }
-    return header;
 }
 
 /// Copies header by header and block by block.
 class CCopy {
  public:
-    CCopy(const CInventory& inventory, const CFile& source, const std::string& path, const CTellSegment& tell)
+    CCopy(const CInventory& inventory, const CCopyFiles& files, const CTellSegment& tell)
         : m_inventory(inventory),
-          m_source(source),
+          m_files(files),
           m_tell(tell),
           m_block(kBlockSize),
           m_segment(inventory.segments.begin()) {
-        if (!m_file.Create(path))
-            throw CFailure("Can't create a file there: " + m_file.Failure().error.message() + ".");
+        if (!m_file.Create(files.work))
+            throw CFailure("Can't create " + files.target + ": " + m_file.Failure().error.message() +
+                           "; choose another folder.");
     }
 
     void PutFileHdr(std::string bytes) {
@@ -70,7 +50,7 @@ class CCopy {
                                       [&](const auto& segment) { return segment.recording != recording; });
         std::int64_t next = data;
         for (auto segment = m_segment; segment != end; ++segment)
-            next += BytesOf(*segment);
+            next += segment->Bytes();
         const bool isLast = recording + 1 == m_inventory.recordings.size();
         SetPosition(bytes, PlaceOf(kRecordingCells, "FPosRecordingData"), data);
         SetPosition(bytes, PlaceOf(kRecordingCells, "FPosRecordingTrailer"), kUnset);
@@ -82,38 +62,46 @@ class CCopy {
 
     /// Returns the size of the file.
     std::int64_t Close() {
-        if (!m_file.Close()) throw CFailure("The system couldn't keep all of the new file; make room and try again.");
+        if (!m_file.Close()) RefuseToWrite();
         return m_file.End();
     }
 
  private:
     void PutSegment(const CFoundSegment& segment, bool isLast) {
-        CSegmentHdr header = HeaderOf(segment, m_inventory, m_source);
-        header.FPosNextSegmentHdr = isLast ? kUnset : m_file.End() + BytesOf(segment);
+        const CSegmentHdr header{.ID = segment.wellID,
+                                 .FPosNextSegmentHdr = isLast ? kUnset : m_file.End() + segment.Bytes(),
+                                 .TimeFrom = segment.from,
+                                 .TimeTo = segment.to,
+                                 .Size = segment.samples};
         std::array<char, kSegmentHdrSize> bytes{};
         Encode(header, bytes);
         vxfileio::CBytes headerBytes = std::as_bytes(std::span(bytes));
         std::int64_t from = segment.position + static_cast<std::int64_t>(kSegmentHdrSize);
-        for (std::int64_t left = kSampleSize * segment.samples; left > 0;) {
+        for (std::int64_t left = segment.End() - from; left > 0;) {
             const auto part = std::span(m_block).first(
                 static_cast<std::size_t>(std::min(left, static_cast<std::int64_t>(kBlockSize))));
-            if (m_source.ReadUpTo(from, part) != part.size())
-                throw CFailure("The file can't be read any more at byte " + std::to_string(from) + "; copy it first.");
+            if (m_files.source.ReadUpTo(from, part) != part.size())
+                throw CFailure("Can't read " + m_files.sourcePath + " any more at byte " + std::to_string(from) +
+                               "; copy it elsewhere, and recover the copy.");
             Append(headerBytes, part);
             headerBytes = {};
             from += static_cast<std::int64_t>(part.size());
             left -= static_cast<std::int64_t>(part.size());
         }
-        m_tell(segment, header, m_file.End());
+        m_tell(segment, m_file.End());
     }
 
     void Append(vxfileio::CBytes first, vxfileio::CBytes second) {
-        if (!m_file.Append({first, second}))
-            throw CFailure("The new file can't be written, most likely because the disk is full; make room.");
+        if (!m_file.Append({first, second})) RefuseToWrite();
+    }
+
+    [[noreturn]] void RefuseToWrite() const {
+        throw CFailure("Can't write " + m_files.target + ": " + m_file.Failure().error.message() +
+                       "; make room, or write elsewhere.");
     }
 
     const CInventory& m_inventory;
-    const CFile& m_source;
+    const CCopyFiles& m_files;
     const CTellSegment& m_tell;
     CFile m_file;
     std::vector<std::byte> m_block;
@@ -123,9 +111,9 @@ class CCopy {
 }  // namespace
 
 std::int64_t WriteRecovered(const CInventory& inventory, const CMendedFileHdr& fileHdr,
-                            const std::vector<CMendedRecording>& recordings, const CFile& source,
-                            const std::string& path, const CTellSegment& tell) {
-    CCopy copy(inventory, source, path, tell);
+                            const std::vector<CMendedRecording>& recordings, const CCopyFiles& files,
+                            const CTellSegment& tell) {
+    CCopy copy(inventory, files, tell);
     copy.PutFileHdr(fileHdr.bytes);
     for (std::uint32_t i = 0; i < recordings.size(); ++i)
         copy.PutRecording(recordings[i].bytes, i);

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 #include <utility>
 
+#include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/recover/HeaderScan.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
@@ -15,12 +17,15 @@ using namespace vxfileio::rawdata;
 
 namespace {
 
+constexpr std::int64_t kNoMost = std::numeric_limits<std::int64_t>::max();
+
 constexpr std::size_t kTypeRow = RowOf(kSegmentCells, "Type");
 constexpr std::size_t kPointerRow = RowOf(kSegmentCells, "FPosNextSegmentHdr");
 constexpr std::size_t kSizeRow = RowOf(kSegmentCells, "Size");
 constexpr std::size_t kIDRow = RowOf(kSegmentCells, "ID");
 
 constexpr std::size_t kDataRow = RowOf(kRecordingCells, "FPosRecordingData");
+constexpr std::size_t kWellsRow = RowOf(kRecordingCells, "WellIDs");
 constexpr std::size_t kNextRecordingRow = RowOf(kRecordingCells, "FPosNextRecordingHdr");
 
 /// Returns the keys of damaged cells in a row, for people.
@@ -34,8 +39,8 @@ std::string DamagedKeys(const CDamagedCells& damaged) {
 
 }  // namespace
 
-CSurvey::CSurvey(const vxfileio::CFile& file, bool keepCut, std::function<void(std::int64_t)> reach)
-    : m_probe(file), m_keepCut(keepCut), m_reach(std::move(reach)) {}
+CSurvey::CSurvey(const CHeaderProbe& probe, bool keepCut, std::function<void(std::int64_t)> reach)
+    : m_probe(probe), m_keepCut(keepCut), m_reach(std::move(reach)) {}
 
 CInventory CSurvey::Take() {
     TakeFileHdr();
@@ -60,6 +65,7 @@ std::optional<CInventory> CSurvey::TakeAlongChains() {
         m_position = probe.Position(kNextRecordingRow);
     }
     if (!AreApart()) return std::nullopt;
+    TellGaps();
     return std::move(m_found);
 }
 
@@ -72,7 +78,7 @@ bool CSurvey::TakeChain() {
         const CProof proof = Prove(probe);
         if (m_position == first && !proof.holds) return !m_probe.LooksLikeHeader(first) || m_promised.contains(first);
         if (!proof.holds || proof.cut || probe.damaged.any() || !HasRoomForMore()) return false;
-        Accept(probe, proof);
+        Accept(probe);
         m_position = probe.header.FPosNextSegmentHdr;
     }
     return true;
@@ -89,10 +95,23 @@ bool CSurvey::AreApart() const {
     auto segments = m_found.segments;
     std::ranges::sort(segments, {}, &CFoundSegment::position);
     const auto overlap = [](const CFoundSegment& segment, const CFoundSegment& next) {
-        return segment.position + static_cast<std::int64_t>(kSegmentHdrSize) + 2 * std::int64_t{segment.samples} >
-               next.position;
+        return segment.End() > next.position;
     };
     return std::ranges::adjacent_find(segments, overlap) == segments.end();
+}
+
+/// Loses the bytes that no chain leads to.
+void CSurvey::TellGaps() {
+    CCoverage coverage;
+    coverage.Add({0, static_cast<std::int64_t>(kFileHdrSize)});
+    for (const CFoundRecording& recording : m_found.recordings)
+        coverage.Add({recording.position, recording.position + static_cast<std::int64_t>(recording.bytes.size())});
+    for (const CFoundSegment& segment : m_found.segments)
+        coverage.Add({segment.position, segment.End()});
+    const auto lose = [&](CRange gap) {
+        m_found.losses.Add({.from = gap.begin, .to = gap.end, .why = "no position leads there"});
+    };
+    coverage.Inspect(m_probe.Size(), lose, [](CRange /*overlap*/) {});
 }
 
 void CSurvey::TakeFileHdr() {
@@ -103,14 +122,18 @@ void CSurvey::TakeFileHdr() {
     bytes.resize(kFileHdrSize);
     Decode(bytes, header);
     if (!m_found.fileDamage[RowOf(kFileCells, "FileVersion")]) m_version = header.FileVersion;
-    if (!m_found.fileDamage[RowOf(kFileCells, "FPosFirstRecordingHdr")])
+    if (!m_found.fileDamage[RowOf(kFileCells, "FPosFirstRecordingHdr")]) {
         m_promised.insert(header.FPosFirstRecordingHdr);
+        m_nextRecording = header.FPosFirstRecordingHdr;
+    }
     m_position = static_cast<std::int64_t>(kFileHdrSize);
+    // A file without its beginning.
+    if (2 * m_found.fileDamage.count() > kFileCells.size() && !m_probe.LooksLikeHeader(m_position)) m_position = 0;
 }
 
 bool CSurvey::TakeRecording() {
     const CRecordingProbe probe = m_probe.Recording(m_position, m_version);
-    if (!probe.IsMostlyWhole()) return false;
+    if (!probe.IsCredible()) return false;
     BeginRecording(probe, probe.Position(kDataRow) == kUnset);
     return true;
 }
@@ -121,13 +144,19 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
                               .version = probe.version,
                               .damaged = probe.damaged,
                               .unfinished = unfinished,
-                              .header = {},
-                              .ticks = {}};
+                              .header = {}};
     std::string bytes = probe.bytes;
     bytes.resize(kRecordingHdrSize);
     if (!Decode(bytes, probe.version, recording.header)) recording.header.WellChannels.clear();
+    const std::int64_t data = probe.Position(kDataRow);
+    if ((m_next && *m_next != kUnset) || (m_nextRecording && *m_nextRecording != probe.position) ||
+        (data >= 0 && data != probe.End()))
+        m_isStraight = false;
     m_promised.insert(probe.Position(kNextRecordingRow));
+    m_nextRecording.reset();
+    if (!probe.damaged[kNextRecordingRow]) m_nextRecording = recording.header.FPosNextRecordingHdr;
     m_next.reset();
+    m_seen.clear();
     m_position = probe.End();
     m_found.recordings.push_back(std::move(recording));
 }
@@ -141,29 +170,26 @@ bool CSurvey::TakeSegment() {
     if (proof.cut) {
         AcceptCut(probe);
     } else {
-        Accept(probe, proof);
+        Accept(probe);
     }
     return true;
 }
 
-/// Proves a segment that stands where one is expected. The cells that others make up for may be damaged: what kind it
+/// Proves a segment that stands where one is expected. One cell that others make up for may be damaged: what kind it
 /// is, where the next one stands, and, if its well's interval is known, how many samples it has.
 CSurvey::CProof CSurvey::Prove(CSegmentProbe& probe) const {
     CDamagedCells dispensable;
     dispensable[kTypeRow] = dispensable[kPointerRow] = dispensable[kSizeRow] = true;
-    const bool damaged = probe.damaged.any();
     if (probe.damaged.count() > 1 || (probe.damaged & ~dispensable).any()) return {};
     if (probe.damaged[kSizeRow] && !MendSize(probe)) return {};
+    const bool goes =
+        GoesWith(probe.header, TickOf(probe.header.ID)) || (probe.damaged.none() && MendContradiction(probe));
     if (!IsConsistent(probe.header)) return {};
-
-    const std::int64_t tick = TickOf(probe.header.ID);
-    const bool goes = GoesWith(probe.header, tick);
-    if (probe.EndOf(probe.header.Size) > m_probe.Size()) {
-        const bool linked = probe.header.FPosNextSegmentHdr == probe.EndOf(probe.header.Size);
-        return {.holds = !damaged && (goes || linked), .disagrees = tick > 0 && !goes, .cut = true};
-    }
-    if (damaged || !goes) return {.holds = IsFollowed(probe), .disagrees = tick > 0 && !goes, .cut = false};
-    return {.holds = true};
+    const bool damaged = probe.damaged.any();
+    const std::int64_t end = probe.EndOf(probe.header.Size);
+    if (end > m_probe.Size())
+        return {.holds = !damaged && (goes || probe.header.FPosNextSegmentHdr == end), .cut = true};
+    return {.holds = (goes && !damaged) || IsFollowed(probe)};
 }
 
 /// Sets the number of samples from the times. Returns false if the well's interval isn't known.
@@ -176,48 +202,94 @@ bool CSurvey::MendSize(CSegmentProbe& probe) const {
            probe.EndOf(probe.header.Size) <= m_probe.Size();
 }
 
+/// A size that can be read but contradicts the times is damaged if what the times say is confirmed, and it isn't.
+bool CSurvey::MendContradiction(CSegmentProbe& probe) const {
+    CSegmentProbe mended = probe;
+    if (!MendSize(mended) || !IsFollowed(mended) || IsFollowed(probe)) return false;
+    mended.damaged[kSizeRow] = true;
+    probe = mended;
+    return true;
+}
+
 /// Tells whether what stands behind the samples confirms where they end.
 bool CSurvey::IsFollowed(const CSegmentProbe& probe) const {
     const std::int64_t end = probe.EndOf(probe.header.Size);
-    if (end == m_probe.Size()) return true;
-    return (probe.IsWhole("FPosNextSegmentHdr") && probe.header.FPosNextSegmentHdr == end) ||
-           m_probe.LooksLikeHeader(end);
+    if (end > m_probe.Size()) return false;
+    const bool knowsNext = !probe.damaged[kPointerRow];
+    const std::int64_t next = probe.header.FPosNextSegmentHdr;
+    return (knowsNext && next == end) || IsPromised(end) || m_probe.LooksLikeHeader(end) || end == m_probe.Size() ||
+           (knowsNext && next == kUnset && m_probe.LooksLikeEnd(end));
 }
 
+/// Tells whether a cell that is whole says that a header stands there.
+bool CSurvey::IsPromised(std::int64_t position) const {
+    return m_promised.contains(position) || (m_next && *m_next == position);
+}
+
+/// Tells whether nothing speaks against a segment being one of this recording: its well is listed, if there is a list,
+/// its times go with the interval, if it is known, and they come behind those that its well has by now.
+bool CSurvey::Belongs(const CSegmentHdr& header) const {
+    const CFoundRecording& recording = m_found.recordings.back();
+    const auto& wells = recording.header.WellChannels;
+    const bool knowsWells = !recording.damaged[kWellsRow] && !wells.empty();
+    if (knowsWells && std::ranges::find(wells, header.ID, &CRawDataChannelInfo::ID) == wells.end()) return false;
+    const std::int64_t tick = TickOf(header.ID);
+    if (tick > 0 && !GoesWith(header, tick)) return false;
+    const auto seen = m_seen.find(header.ID);
+    return seen == m_seen.end() || header.TimeFrom > seen->second.to;
+}
+
+/// Tells whether a segment is one that this recording can be expected to have next.
+bool CSurvey::IsExpected(const CSegmentHdr& header) const {
+    return !m_found.recordings.empty() && TickOf(header.ID) > 0 && Belongs(header);
+}
+
+/// Tells whether neither a segment nor the one behind it belongs to this recording; one alone may be damaged.
+bool CSurvey::IsForeign(const CSegmentProbe& probe) const {
+    if (Belongs(probe.header)) return false;
+    const CSegmentProbe next = m_probe.Segment(probe.EndOf(probe.header.Size));
+    return next.damaged.any() || !Belongs(next.header);
+}
+
+/// Returns the interval that the header gives a well, or that its segments so far tell; 0 if there is none.
 std::int64_t CSurvey::TickOf(std::int32_t wellID) const {
     if (m_found.recordings.empty()) return 0;
     const CFoundRecording& recording = m_found.recordings.back();
     const auto& wells = recording.header.WellChannels;
     const auto well = std::ranges::find(wells, wellID, &CRawDataChannelInfo::ID);
-    return well == wells.end() ? 0 : well->Ticks;
+    if (well != wells.end() && well->Ticks > 0) return well->Ticks;
+    const auto seen = m_seen.find(wellID);
+    if (seen == m_seen.end() || seen->second.atLeast > seen->second.atMost) return 0;
+    return seen->second.atMost < kNoMost ? seen->second.atMost : 0;
 }
 
-void CSurvey::Accept(const CSegmentProbe& probe, const CProof& proof) {
-    Tally(probe, proof.disagrees);
-    m_found.segments.push_back({.position = probe.position,
-                                .samples = static_cast<std::uint32_t>(probe.header.Size),
-                                .wellID = probe.header.ID,
-                                .recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1),
-                                .disagrees = proof.disagrees,
-                                .cut = false});
+void CSurvey::Accept(const CSegmentProbe& probe) {
+    if (m_next && *m_next != probe.position) m_isStraight = false;
+    Tally(probe.header);
+    Keep(probe, probe.header.Size, probe.header.TimeTo);
     m_next.reset();
     if (!probe.damaged[kPointerRow]) m_next = probe.header.FPosNextSegmentHdr;
     m_position = probe.EndOf(probe.header.Size);
 }
 
+void CSurvey::Keep(const CSegmentProbe& probe, std::int64_t samples, std::int64_t to) {
+    m_found.segments.push_back({.position = probe.position,
+                                .from = probe.header.TimeFrom,
+                                .to = to,
+                                .samples = static_cast<std::uint32_t>(samples),
+                                .wellID = probe.header.ID,
+                                .recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1),
+                                .cut = samples < probe.header.Size});
+}
+
 /// The last segment of a file that ends within its samples.
 void CSurvey::AcceptCut(const CSegmentProbe& probe) {
     const std::int64_t whole = (m_probe.Size() - probe.Data()) / static_cast<std::int64_t>(sizeof(std::uint16_t));
-    const bool keep = m_keepCut && whole > 0 && GoesWith(probe.header, TickOf(probe.header.ID));
+    const std::int64_t tick = TickOf(probe.header.ID);
     const std::string missing = std::to_string(probe.header.Size - whole) + " of its " +
                                 std::to_string(probe.header.Size) + " samples are not in the file";
-    if (keep) {
-        m_found.segments.push_back({.position = probe.position,
-                                    .samples = static_cast<std::uint32_t>(whole),
-                                    .wellID = probe.header.ID,
-                                    .recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1),
-                                    .disagrees = false,
-                                    .cut = true});
+    if (m_keepCut && whole > 0 && GoesWith(probe.header, tick)) {
+        Keep(probe, whole, probe.header.TimeFrom + (whole - 1) * tick);
         Lose(probe.EndOf(whole), probe.EndOf(probe.header.Size), probe.header.ID,
              "the segment was cut: " + missing + ", those before are kept");
     } else {
@@ -227,13 +299,12 @@ void CSurvey::AcceptCut(const CSegmentProbe& probe) {
     m_position = m_probe.Size();
 }
 
-void CSurvey::Tally(const CSegmentProbe& probe, bool disagrees) {
-    const auto samples = static_cast<std::uint64_t>(probe.header.Size);
-    const std::uint64_t span = SpanOf(probe.header).value_or(0);
-    CTickBounds& bounds = m_found.recordings.back().ticks[probe.header.ID];
-    bounds.atLeast = std::max(bounds.atLeast, span / samples + 1);
-    if (samples > 1) bounds.atMost = std::min(bounds.atMost, span / (samples - 1));
-    if (disagrees) ++bounds.disagreeing;
+void CSurvey::Tally(const CSegmentHdr& header) {
+    const auto span = static_cast<std::int64_t>(SpanOf(header).value_or(0));
+    CSeenWell& seen = m_seen.try_emplace(header.ID, CSeenWell{.atMost = kNoMost, .to = header.TimeTo}).first->second;
+    seen.atLeast = std::max(seen.atLeast, span / header.Size + 1);
+    if (header.Size > 1) seen.atMost = std::min(seen.atMost, span / (header.Size - 1));
+    seen.to = std::max(seen.to, header.TimeTo);
 }
 
 /// Goes on behind bytes that are no header that proves itself.
@@ -249,15 +320,19 @@ void CSurvey::PassDamage() {
         m_position = *end;
         return;
     }
-    const auto isPromised = [this](std::int64_t at) { return m_promised.contains(at) || (m_next && *m_next == at); };
-    m_position = CHeaderScan(m_probe, m_version, isPromised, m_reach).Next(from + 1);
-    const std::size_t losses = m_found.losses.size();
+    m_position = FindNext(from + 1);
     if (m_position == m_probe.Size()) {
         Lose(from, m_position, std::nullopt, "the file ends behind it without another whole header");
         return;
     }
-    if (!m_probe.Recording(m_position, m_version).IsMostlyWhole()) MakeUpRecording(from, m_position);
-    if (losses == m_found.losses.size()) Lose(from, m_position, std::nullopt, "no header that proves itself");
+    const bool isMadeUp = !m_probe.Recording(m_position, m_version).IsCredible() && MakeUpRecording(from, m_position);
+    if (!isMadeUp) Lose(from, m_position, std::nullopt, "no header that proves itself");
+}
+
+std::int64_t CSurvey::FindNext(std::int64_t from) const {
+    const CHeaderScan::CKnown known{.isPromised = [this](std::int64_t position) { return IsPromised(position); },
+                                    .isExpected = [this](const CSegmentHdr& header) { return IsExpected(header); }};
+    return CHeaderScan(m_probe, m_version, known, m_reach).Next(from);
 }
 
 /// Returns where a segment with a damaged header ends, as far as one of its cells and what follows agree about it.
@@ -275,13 +350,18 @@ std::optional<std::int64_t> CSurvey::EndOfDamaged(const CSegmentProbe& probe) co
     return std::nullopt;
 }
 
-/// Segments behind damage may belong to a recording whose header is lost there. They do if a position led to it, or if
-/// the recording before had ended.
-void CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
+/// Segments behind damage may belong to a recording whose header is lost there. They do if a position led to it, if the
+/// recording before had ended, or if there is room for a header and the first ones don't belong to that one.
+bool CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
+    const CSegmentProbe first = m_probe.Segment(to);
     const auto promised = m_promised.lower_bound(from);
-    const bool isTold = promised != m_promised.end() && *promised < to;
+    // Where something was put in or taken out, positions lead astray.
+    const std::int64_t next = first.header.FPosNextSegmentHdr;
+    const bool isInPlace = first.damaged.any() || next == kUnset || next == first.EndOf(first.header.Size);
+    const bool isTold = isInPlace && promised != m_promised.end() && *promised < to;
     const bool ended = m_next && *m_next == kUnset;
-    if (!isTold && !ended && !m_found.recordings.empty()) return;
+    const bool hasRoom = to - from >= static_cast<std::int64_t>(kRecordingHdrSize);
+    if (!isTold && !ended && !m_found.recordings.empty() && !(hasRoom && IsForeign(first))) return false;
     CRecordingProbe probe = m_probe.Recording(isTold ? *promised : from, m_version);
     if (probe.End() > to || probe.bytes.size() != probe.Size()) {
         probe.bytes.clear();
@@ -290,12 +370,13 @@ void CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
     BeginRecording(probe, false);
     m_position = to;
     Lose(from, to, std::nullopt, "the recording header is damaged or lost");
+    return true;
 }
 
 void CSurvey::Lose(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why) {
-    CLoss loss{.from = from, .to = to, .recording = std::nullopt, .wellID = wellID, .why = std::move(why)};
+    CRemark loss{.from = from, .to = to, .recording = std::nullopt, .wellID = wellID, .why = std::move(why)};
     if (!m_found.recordings.empty()) loss.recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1);
-    m_found.Lose(std::move(loss));
+    m_found.losses.Add(std::move(loss));
 }
 
 }  // namespace vxfile

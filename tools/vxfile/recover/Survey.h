@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -18,11 +19,14 @@ namespace vxfile {
 /// are never looked at, so that a file within the samples can't pass for a part of this one.
 class CSurvey {
  public:
-    /// `reach` is told the position that has been surveyed by now. The file stays the caller's and outlives this.
-    CSurvey(const vxfileio::CFile& file, bool keepCut, std::function<void(std::int64_t)> reach);
+    /// `reach` is told the position that has been surveyed by now. The probe stays the caller's and outlives this.
+    CSurvey(const CHeaderProbe& probe, bool keepCut, std::function<void(std::int64_t)> reach);
 
     /// Surveys the file from its beginning to its end. Call this or `TakeAlongChains`, and once.
     CInventory Take();
+
+    /// Tells after `Take` whether no position that is whole leads elsewhere than to what stands next.
+    bool IsStraight() const { return m_isStraight; }
 
     /// Surveys the file as a reader goes, from position to position, wherever they lead. Returns nothing unless every
     /// chain is whole to its end: only then is it better to go by than by the order in the file.
@@ -32,8 +36,14 @@ class CSurvey {
     /// What speaks for a segment header.
     struct CProof {
         bool holds = false;
-        bool disagrees = false;  ///< With the interval that the recording header gives its well.
         bool cut = false;
+    };
+
+    /// What the segments of a well have told by now.
+    struct CSeenWell {
+        std::int64_t atLeast = 1;  ///< A smaller interval would make more samples of some segment's times.
+        std::int64_t atMost;       ///< A larger one would make fewer.
+        std::int64_t to;           ///< The last time.
     };
 
     void TakeFileHdr();
@@ -43,28 +53,39 @@ class CSurvey {
     bool TakeChain();
     bool HasRoomForMore() const;
     bool AreApart() const;
+    void TellGaps();
 
     CProof Prove(CSegmentProbe& probe) const;
     bool MendSize(CSegmentProbe& probe) const;
+    bool MendContradiction(CSegmentProbe& probe) const;
     bool IsFollowed(const CSegmentProbe& probe) const;
+    bool IsPromised(std::int64_t position) const;
+    bool Belongs(const vxfileio::rawdata::CSegmentHdr& header) const;
+    bool IsExpected(const vxfileio::rawdata::CSegmentHdr& header) const;
+    bool IsForeign(const CSegmentProbe& probe) const;
+    std::int64_t FindNext(std::int64_t from) const;
     std::optional<std::int64_t> EndOfDamaged(const CSegmentProbe& probe) const;
     std::int64_t TickOf(std::int32_t wellID) const;
-    void Accept(const CSegmentProbe& probe, const CProof& proof);
+    void Accept(const CSegmentProbe& probe);
     void AcceptCut(const CSegmentProbe& probe);
-    void Tally(const CSegmentProbe& probe, bool disagrees);
+    void Keep(const CSegmentProbe& probe, std::int64_t samples, std::int64_t to);
+    void Tally(const vxfileio::rawdata::CSegmentHdr& header);
     void BeginRecording(const CRecordingProbe& probe, bool unfinished);
-    void MakeUpRecording(std::int64_t from, std::int64_t to);
+    bool MakeUpRecording(std::int64_t from, std::int64_t to);
     void Lose(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why);
 
-    CHeaderProbe m_probe;
+    const CHeaderProbe& m_probe;
     bool m_keepCut;
     std::function<void(std::int64_t)> m_reach;
     CInventory m_found;
     std::int64_t m_position = 0;
     std::int32_t m_version = vxfileio::rawdata::kNewestVersion;
-    std::set<std::int64_t> m_promised;  ///< Where whole cells say that a recording header stands.
+    std::set<std::int64_t> m_promised;         ///< Where whole cells say that a recording header stands.
+    std::map<std::int32_t, CSeenWell> m_seen;  ///< The wells of the recording at hand.
     /// What the segment before says of the next one, if its cell is whole and a segment is what came last.
     std::optional<std::int64_t> m_next;
+    std::optional<std::int64_t> m_nextRecording;  ///< The same of recordings.
+    bool m_isStraight = true;
 };
 
 }  // namespace vxfile
