@@ -1,10 +1,12 @@
 #if defined(__unix__)
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -207,32 +209,74 @@ TEST(UnluckyDiskTest, NothingThatOneFileWasRefusedGoesIntoTheNext) {
     EXPECT_EQ(ReadAll(folder.Path("next.vxd")), "");
 }
 
-/// Writes without end; the samples of segment n are all n, and well 7 has every segment.
-[[noreturn]] void WriteForEver(const std::string& path) {
+/// A number that a process sees change while another one changes it.
+class CSharedNumber {
+ public:
+    CSharedNumber()
+        : m_memory(mmap(nullptr, sizeof(Number), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)),
+          m_number(new (m_memory) Number(0)) {}
+    ~CSharedNumber() { munmap(m_memory, sizeof(Number)); }
+    CSharedNumber(const CSharedNumber&) = delete;
+    CSharedNumber& operator=(const CSharedNumber&) = delete;
+
+    std::int64_t Get() const { return *m_number; }
+    void Set(std::int64_t value) { *m_number = value; }
+
+ private:
+    using Number = std::atomic<std::int64_t>;
+
+    void* m_memory;
+    Number* m_number;
+};
+
+constexpr int kPerRecording = 20;
+constexpr int kPerSegment = 500;
+
+/// Segment n of a run without end: its samples are all n.
+std::vector<std::uint16_t> EndlessSamples(std::int64_t n) {
+    return std::vector<std::uint16_t>(kPerSegment, static_cast<std::uint16_t>(n));
+}
+
+/// Writes without end, well 7 alone, and tells how many segments were taken.
+[[noreturn]] void WriteForEver(const std::string& path, CSharedNumber& taken) {
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
     writer.Open(path);
     writer.WriteFileHdr(ExampleFileHdr());
-    for (std::int64_t n = 0;; ++n) {
-        if (n % 20 == 0) writer.WriteRecordingHdr(ExampleRecordingHdr("Series", static_cast<std::int32_t>(n / 20)));
-        const std::vector<std::uint16_t> samples(500, static_cast<std::uint16_t>(n));
-        writer.WriteData(7, n, n + 499, 1, samples.data());
+    for (std::int64_t n = 0;; taken.Set(++n)) {
+        const auto recording = static_cast<std::int32_t>(n / kPerRecording);
+        if (n % kPerRecording == 0) writer.WriteRecordingHdr(ExampleRecordingHdr("Series", recording));
+        writer.WriteData(7, n, n + kPerSegment - 1, 1, EndlessSamples(n).data());
     }
 }
 
-// Every recording but the last must be there in full, whatever the moment at which the writer died.
+/// How many of the segments are in the file at their places, from the first on, each with a header and all samples.
+std::int64_t SegmentsInPlace(const std::string& bytes) {
+    for (std::int64_t n = 0;; ++n) {
+        const auto at = static_cast<std::size_t>(1190 + 2460 * (n / kPerRecording + 1) + n * (300 + 2 * kPerSegment));
+        const std::string wanted = SampleBytes(EndlessSamples(n));
+        const bool isThere = bytes.size() >= at + 300 + wanted.size() && bytes.compare(at, 9, "Type=Well") == 0 &&
+                             bytes.compare(at + 300, wanted.size(), wanted) == 0;
+        if (!isThere) return n;
+    }
+}
+
+// Whatever the moment at which the writer died: each segment that was taken is in the file, and every recording but the
+// last can be read in full.
 TEST(UnluckyDiskTest, KilledWriterLeavesAChainThatLeadsOnlyToWhatIsWhole) {
     const CTempFolder folder;
     const std::string path = folder.Path("killed.vxd");
     std::int64_t delivered = 0;
     for (int round = 0; round < 40; ++round) {
         std::filesystem::remove(path);
+        CSharedNumber taken;
         const pid_t child = fork();
         ASSERT_GE(child, 0);
-        if (child == 0) WriteForEver(path);
+        if (child == 0) WriteForEver(path, taken);
         std::this_thread::sleep_for(std::chrono::microseconds(2000 + 377 * round));
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
+        ASSERT_TRUE(taken.Get() == 0 || SegmentsInPlace(ReadAll(path)) >= taken.Get());
 
         CVXFileIO io;
         CIRawDataReader& reader = *io.GetRawDataReader();
@@ -253,13 +297,11 @@ TEST(UnluckyDiskTest, KilledWriterLeavesAChainThatLeadsOnlyToWhatIsWhole) {
             std::uint16_t* samples = nullptr;
             while (reader.ReadSegment(wellID, from, to, size, samples)) {
                 ASSERT_EQ(from, expected);
-                ASSERT_EQ(to, expected + 499);
-                ASSERT_EQ(size, 500U);
-                for (std::uint32_t s = 0; s < size; ++s)
-                    ASSERT_EQ(samples[s], static_cast<std::uint16_t>(expected));
+                ASSERT_EQ(to, expected + kPerSegment - 1);
+                ASSERT_EQ(std::vector<std::uint16_t>(samples, samples + size), EndlessSamples(expected));
                 ++expected;
             }
-            EXPECT_EQ(expected % 20, 0) << "a finished recording lost segments";
+            EXPECT_EQ(expected % kPerRecording, 0) << "a finished recording lost segments";
         }
         delivered += expected;
     }
