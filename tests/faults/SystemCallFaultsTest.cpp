@@ -34,6 +34,7 @@ std::int64_t MissingSegments(const std::string& error) {
 
 constexpr CFault kNone;
 constexpr CFault kHalf{CFault::enKind::Half};
+constexpr CFault kInterrupted{CFault::enKind::Interrupted};
 constexpr CFault kKill{CFault::enKind::Kill};
 constexpr CFault Once(int error) { return {CFault::enKind::Error, error, false}; }
 constexpr CFault FromThere(int error) { return {CFault::enKind::Error, error, true}; }
@@ -137,11 +138,13 @@ TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
     }
 }
 
-TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneGoOn) {
+TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneOrInterruptedGoOn) {
     for (int at = 1; at <= m_calls; ++at) {
         SCOPED_TRACE(at);
-        EXPECT_EQ(Play(at, kHalf), "");
-        EXPECT_EQ(FilesIn(m_folder.Path("")), m_whole);
+        for (const CFault& fault : {kHalf, kInterrupted}) {
+            EXPECT_EQ(Play(at, fault), "");
+            EXPECT_EQ(FilesIn(m_folder.Path("")), m_whole);
+        }
     }
 }
 
@@ -211,9 +214,11 @@ TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
                 EXPECT_EQ(OpenHandles(), handles);
             }
         }
-        BeginCalls(at, kHalf);
-        EXPECT_EQ(Read(), whole);
-        EndCalls();
+        for (const CFault& fault : {kHalf, kInterrupted}) {
+            BeginCalls(at, fault);
+            EXPECT_EQ(Read(), whole);
+            EndCalls();
+        }
         EXPECT_EQ(Read(), whole) << "the next one knows nothing of it";
     }
 }

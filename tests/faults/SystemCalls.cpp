@@ -23,19 +23,27 @@ bool IsMet() {
     return g_at != 0 && (g_fault.goesOn ? g_calls >= g_at : g_calls == g_at);
 }
 
+int Refuse(int error) {
+    errno = error;
+    return -1;
+}
+
 /// Makes a call, unless it meets the fault; `half` makes the half of it.
 template <class Call, class Half>
 auto Make(Call call, Half half) -> decltype(call()) {
     if (!IsMet()) return call();
     if (g_fault.kind == CFault::enKind::Half) return half();
+    if (g_fault.kind == CFault::enKind::Interrupted) return Refuse(EINTR);
     if (g_fault.kind == CFault::enKind::Kill) std::raise(SIGKILL);
-    errno = g_fault.error;
-    return -1;
+    return Refuse(g_fault.error);
 }
 
 template <class Call>
-auto Make(Call call) {
-    return Make(call, call);
+auto Make(Call call) -> decltype(call()) {
+    const bool isPlain = g_fault.kind == CFault::enKind::Half || g_fault.kind == CFault::enKind::Interrupted;
+    if (!isPlain) return Make(call, call);
+    IsMet();  // it counts all the same
+    return call();
 }
 
 }  // namespace
@@ -68,7 +76,8 @@ int __real_rename(const char* from, const char* to);
 int __real_unlink(const char* path);
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
-    return Make([&] { return __real_open(path, flags, mode); });
+    const auto call = [&] { return __real_open(path, flags, mode); };
+    return Make(call, call);
 }
 int __wrap_close(int handle) {  // a handle is closed, whatever the call says
     const int result = __real_close(handle);

@@ -4,9 +4,10 @@
 /// The system calls of the library's files, each of which can be made to fail. Linking the source with the options that
 /// its folder's build tells puts it between the static library and the system.
 
-/// What happens to a call, and to all behind it if it goes on.
+/// What happens to a call, and to all behind it if it goes on. Only opening and transfers are ever cut short or
+/// interrupted; other calls are made as if nothing were.
 struct CFault {
-    enum class enKind { Error, Half, Kill };
+    enum class enKind { Error, Half, Interrupted, Kill };
     enKind kind = enKind::Error;
     int error = 0;  ///< The error's number.
     bool goesOn = false;
