@@ -21,9 +21,14 @@ struct CEvent {
 };
 
 template <class Value>
-std::string ValueText(CXmlFileArchive& archive, Value value) {
-    archive.GetValue(value);
-    return std::to_string(value) + ' ';
+void AddBytes(std::string& bytes, Value value) {
+    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+template <class... Values>
+void AddValues(CXmlFileArchive& archive, std::string& bytes, Values... values) {
+    (archive.GetValue(values), ...);
+    (AddBytes(bytes, values), ...);
 }
 
 /// Everything that the archive tells of the current element.
@@ -35,16 +40,12 @@ CEvent EventOf(CXmlFileArchive& archive) {
                  {},
                  {}};
     archive.GetValue(event.value);
-    event.value += ValueText(archive, std::int32_t{-7}) + ValueText(archive, std::int64_t{-7}) +
-                   ValueText(archive, std::uint16_t{7}) + ValueText(archive, std::uint32_t{7}) +
-                   ValueText(archive, std::uint64_t{7}) + ValueText(archive, 0.5);
-    bool truth = false;
-    archive.GetValue(truth);
+    AddValues(archive, event.value, std::int32_t{-7}, std::int64_t{-7}, std::uint16_t{7}, std::uint32_t{7},
+              std::uint64_t{7}, 0.5, false);
     std::vector<double> samples(4);
     archive.GetSamples(samples);
     for (const double sample : samples)
-        event.value += std::to_string(sample);
-    event.value += truth ? "true" : "false";
+        AddBytes(event.value, sample);
     event.attribute = std::to_string(archive.GetListSize()) + (archive.ListHasEntries() ? " " : "0");
     XmlValue size(std::int32_t{-7});
     if (archive.GetAttribute("Size", size) == 0) event.attribute += std::to_string(size.AsInt32());

@@ -73,7 +73,7 @@ class CBothFiles {
     }
 
  private:
-    static constexpr std::uint32_t kMostBlocks = 40;
+    static constexpr std::uint32_t kMostBlocks = 16;
 
     Block& At(std::size_t index) {
         m_blocks.resize(std::max(m_blocks.size(), index + 1));

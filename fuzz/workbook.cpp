@@ -226,7 +226,7 @@ class CBothWorkbooks {
     void SetCell(CCalls& calls) {
         CSheetModel& sheet = m_sheets[calls.Byte() % m_sheets.size()];
         const std::uint8_t how = calls.Byte();
-        const Place place(how < 250 ? calls.Byte() : calls.Number(2), calls.Byte() % 64);
+        const Place place(how < 254 ? calls.Byte() : calls.Number(2), calls.Byte() % 64);
         YExcel::Cell& cell = *m_document.FindSheet(sheet.name)->At(place.first, place.second);
         sheet.rows = std::max(sheet.rows, place.first + 1);
         sheet.columns = std::max(sheet.columns, place.second + 1);
