@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#if defined(__unix__)
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 #include <span>
 
 #include "tests/support/TempFolder.h"
@@ -118,6 +123,17 @@ TEST_F(ReplacingFileTest, DevicesAndRemovedFilesAreWrittenInPlace) {
     EXPECT_EQ(m_file.WriteError(), "No space left on device, writing 4 bytes at 0 of " + m_path);
     EXPECT_TRUE(fs::is_symlink(m_path));
     EXPECT_EQ(CountFiles(), 1);
+
+    // A removed file goes on for whoever has it open. The system's name for it may be that of another one.
+    const std::string removed = m_folder.Path("removed");
+    WriteAll(removed, "old");
+    const int handle = ::open(removed.c_str(), O_RDONLY | O_CLOEXEC);
+    fs::remove(removed);
+    WriteAll(removed + " (deleted)", "another");
+    Replace("/proc/self/fd/" + std::to_string(handle), "new");
+    EXPECT_EQ(ReadAll("/proc/self/fd/" + std::to_string(handle)), "new");
+    EXPECT_EQ(ReadAll(removed + " (deleted)"), "another");
+    ::close(handle);
 }
 #endif
 
