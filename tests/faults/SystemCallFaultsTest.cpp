@@ -36,8 +36,8 @@ constexpr CFault kNone;
 constexpr CFault kHalf{CFault::enKind::Half};
 constexpr CFault kInterrupted{CFault::enKind::Interrupted};
 constexpr CFault kKill{CFault::enKind::Kill};
-constexpr CFault Once(int error) { return {CFault::enKind::Error, error, false}; }
-constexpr CFault FromThere(int error) { return {CFault::enKind::Error, error, true}; }
+constexpr CFault Once(int error) { return {.error = error}; }
+constexpr CFault FromThere(int error) { return {.error = error, .goesOn = true}; }
 
 /// Every kind of file meets every fault at every call.
 class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
@@ -52,7 +52,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
     std::string Play(int at, const CFault& fault) {
         std::filesystem::remove_all(m_folder.Path(""));
         std::filesystem::create_directory(m_folder.Path(""));
-        if (at > 0) WriteAll(m_path, kOld);
+        if (at > 0) MakeOld();
         CVXFileIO io;
         const auto steps = m_kind.steps(io, m_path);
         m_wasThrown = false;
@@ -67,6 +67,13 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
         m_lastCalls = EndCalls();
         EXPECT_EQ(OpenHandles(), handles) << "a file stayed open";
         return m_kind.writeError(io);
+    }
+
+    /// The older file is another group's, where the process may give it away.
+    void MakeOld() {
+        WriteAll(m_path, kOld);
+        std::filesystem::permissions(m_path, std::filesystem::perms(0664));
+        m_isForeign = ::chown(m_path.c_str(), static_cast<uid_t>(-1), ::getegid() + 1) == 0;
     }
 
     /// What can be read, or the text of the failure.
@@ -115,6 +122,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
     int m_calls = 0;
     int m_lastCalls = 0;
     bool m_wasThrown = false;
+    bool m_isForeign = false;
 };
 
 TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
@@ -146,6 +154,31 @@ TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneOrInterruptedGoOn) {
             EXPECT_EQ(FilesIn(m_folder.Path("")), m_whole);
         }
     }
+}
+
+// The folder's refusal of a second file is no fault of the disk, as long as the old one can be written.
+TEST_P(SystemCallFaultsTest, WhatTheFolderRefusesIsWrittenInPlace) {
+    if (!m_kind.isReplaced) return;
+    for (const int error : {EACCES, EPERM, EROFS, EBUSY, EXDEV}) {
+        EXPECT_EQ(Play(1, {.error = error, .calls = "rename"}), "");
+        ExpectReplacedOrOld(true);
+        EXPECT_EQ(Play(2, {.error = error, .calls = "open"}), "") << "the first is that of the old file";
+        ExpectReplacedOrOld(true);
+    }
+    EXPECT_EQ(Play(2, {.error = ENOSPC, .calls = "open"}), "No space left on device, opening " + m_path);
+    ExpectReplacedOrOld(false);
+    EXPECT_EQ(Play(1, {.error = ENOSPC, .calls = "rename"}), "No space left on device, replacing " + m_path);
+    ExpectReplacedOrOld(false);
+    EXPECT_EQ(Play(1, {.error = EXDEV, .goesOn = true, .calls = "rename pread"}),
+              "Input/output error, replacing " + m_path)
+        << "it can't be read to be copied over the old one";
+}
+
+TEST_P(SystemCallFaultsTest, AGroupThatMayNotBeGivenAwayGivesNoRights) {
+    if (!m_kind.isReplaced) return;
+    EXPECT_EQ(Play(1, {.error = EPERM, .goesOn = true, .calls = "fchown"}), "");
+    const auto rights = static_cast<unsigned>(std::filesystem::status(m_path).permissions());
+    EXPECT_EQ(rights, m_isForeign ? 0644U : 0664U);
 }
 
 TEST_P(SystemCallFaultsTest, ADiskThatBreaksForGoodLeavesWhatWasWhole) {

@@ -17,8 +17,8 @@ int g_at = 0;
 CFault g_fault;
 
 /// Counts a call. Returns whether it meets the fault.
-bool IsMet() {
-    if (!g_counts) return false;
+bool IsMet(std::string_view call) {
+    if (!g_counts || (!g_fault.calls.empty() && g_fault.calls.find(call) == std::string_view::npos)) return false;
     ++g_calls;
     return g_at != 0 && (g_fault.goesOn ? g_calls >= g_at : g_calls == g_at);
 }
@@ -30,8 +30,8 @@ int Refuse(int error) {
 
 /// Makes a call, unless it meets the fault; `half` makes the half of it.
 template <class Call, class Half>
-auto Make(Call call, Half half) -> decltype(call()) {
-    if (!IsMet()) return call();
+auto Make(std::string_view name, Call call, Half half) -> decltype(call()) {
+    if (!IsMet(name)) return call();
     if (g_fault.kind == CFault::enKind::Half) return half();
     if (g_fault.kind == CFault::enKind::Interrupted) return Refuse(EINTR);
     if (g_fault.kind == CFault::enKind::Kill) std::raise(SIGKILL);
@@ -39,10 +39,10 @@ auto Make(Call call, Half half) -> decltype(call()) {
 }
 
 template <class Call>
-auto Make(Call call) -> decltype(call()) {
+auto Make(std::string_view name, Call call) -> decltype(call()) {
     const bool isPlain = g_fault.kind == CFault::enKind::Half || g_fault.kind == CFault::enKind::Interrupted;
-    if (!isPlain) return Make(call, call);
-    IsMet();  // it counts all the same
+    if (!isPlain) return Make(name, call, call);
+    IsMet(name);  // it counts all the same
     return call();
 }
 
@@ -77,45 +77,47 @@ int __real_unlink(const char* path);
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
     const auto call = [&] { return __real_open(path, flags, mode); };
-    return Make(call, call);
+    return Make("open", call, call);
 }
 int __wrap_close(int handle) {  // a handle is closed, whatever the call says
     const int result = __real_close(handle);
-    return Make([&] { return result; });
+    return Make("close", [&] { return result; });
 }
 int __wrap_fstat(int handle, struct stat* status) {
-    return Make([&] { return __real_fstat(handle, status); });
+    return Make("fstat", [&] { return __real_fstat(handle, status); });
 }
 int __wrap_lstat(const char* path, struct stat* status) {
-    return Make([&] { return __real_lstat(path, status); });
+    return Make("lstat", [&] { return __real_lstat(path, status); });
 }
 ssize_t __wrap_readlink(const char* path, char* target, size_t size) {
-    return Make([&] { return __real_readlink(path, target, size); });
+    return Make("readlink", [&] { return __real_readlink(path, target, size); });
 }
 // A transfer that is cut short moves the first bytes alone.
 ssize_t __wrap_pread(int handle, void* buffer, size_t size, off_t position) {
-    return Make([&] { return __real_pread(handle, buffer, size, position); },
-                [&] { return __real_pread(handle, buffer, (size + 1) / 2, position); });
+    return Make(
+        "pread", [&] { return __real_pread(handle, buffer, size, position); },
+        [&] { return __real_pread(handle, buffer, (size + 1) / 2, position); });
 }
 ssize_t __wrap_pwritev(int handle, const iovec* parts, int count, off_t position) {
     const iovec half{parts[0].iov_base, (parts[0].iov_len + 1) / 2};
-    return Make([&] { return __real_pwritev(handle, parts, count, position); },
-                [&] { return __real_pwritev(handle, &half, 1, position); });
+    return Make(
+        "pwritev", [&] { return __real_pwritev(handle, parts, count, position); },
+        [&] { return __real_pwritev(handle, &half, 1, position); });
 }
 int __wrap_ftruncate(int handle, off_t size) {
-    return Make([&] { return __real_ftruncate(handle, size); });
+    return Make("ftruncate", [&] { return __real_ftruncate(handle, size); });
 }
 int __wrap_fchmod(int handle, mode_t mode) {
-    return Make([&] { return __real_fchmod(handle, mode); });
+    return Make("fchmod", [&] { return __real_fchmod(handle, mode); });
 }
 int __wrap_fchown(int handle, uid_t owner, gid_t group) {
-    return Make([&] { return __real_fchown(handle, owner, group); });
+    return Make("fchown", [&] { return __real_fchown(handle, owner, group); });
 }
 int __wrap_rename(const char* from, const char* to) {
-    return Make([&] { return __real_rename(from, to); });
+    return Make("rename", [&] { return __real_rename(from, to); });
 }
 int __wrap_unlink(const char* path) {
-    return Make([&] { return __real_unlink(path); });
+    return Make("unlink", [&] { return __real_unlink(path); });
 }
 
 }  // extern "C"

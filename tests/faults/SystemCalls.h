@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 /// @file
 /// The system calls of the library's files, each of which can be made to fail. Linking the source with the options that
 /// its folder's build tells puts it between the static library and the system.
@@ -11,6 +13,7 @@ struct CFault {
     enKind kind = enKind::Error;
     int error = 0;  ///< The error's number.
     bool goesOn = false;
+    std::string_view calls = {};  ///< The names of the only calls that count, with blanks between them; empty is all.
 };
 
 /// From now on calls are counted, and that of number `at`, from 1, meets the fault; 0 is none.
