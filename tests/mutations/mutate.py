@@ -18,13 +18,13 @@ TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has n
 
 # The programs that look at a room, those most likely to notice first.
 PROGRAMS = {
-    "frame": ["frame_test", "rawdata_test", "settings_test"],
-    "helpers": ["helpers_test", "xmlarchive_test", "rawdata_test", "results_test", "faults_test"],
+    "frame": ["frame_test", "settings_test", "rawdata_test", "faults_test"],
+    "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
     "rawdata": ["rawdata_test", "reference_test"],
-    "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test"],
+    "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
     "settings": ["settings_test", "reference_test", "results_test"],
     "results": ["results_test", "reference_test"],
-    "export": ["export_test", "results_test"],
+    "export": ["export_test", "results_test", "faults_test"],
 }
 
 
@@ -63,13 +63,16 @@ def run(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
 
-def build(folder, programs):
-    return run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", *programs)
+def build(folder, program):
+    built = run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", program)
+    if built.returncode:
+        sys.exit(built.stdout)
 
 
 def failing_program(folder, programs):
-    """Returns the first program that doesn't pass, or None."""
+    """Builds and runs one program after the other. Returns the first that doesn't pass, or None."""
     for program in programs:
+        build(folder, program)
         command = [str(folder / "bin" / program), "--gtest_brief=1", "--gtest_fail_fast"]
         try:
             if subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=TIMEOUT).returncode:
@@ -94,29 +97,28 @@ def update_copy(copy):
 
 
 def make_copy(folder, programs):
-    """Copies the sources and builds these tests, which must pass."""
+    """Copies the sources. These tests of theirs must pass."""
     update_copy(folder / "source")
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
                      "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
-    built = build(folder, programs)
-    if configured.returncode or built.returncode:
-        sys.exit(configured.stdout + built.stdout)
-    if failing_program(folder, programs):
-        sys.exit("the tests must pass before faults are planted")
+    if configured.returncode:
+        sys.exit(configured.stdout)
+    program = failing_program(folder, programs)
+    if program:
+        sys.exit(program + " must pass before faults are planted")
 
 
 def is_noticed(folder, fault):
     path = folder / "source" / fault.file
     before = path.read_text()
-    programs = fault.programs()
     path.write_text(fault.plant(before))
     try:
-        built = build(folder, programs)
-        if built.returncode:
-            sys.exit("doesn't compile: %s\n%s" % (fault, built.stdout))
-        program = failing_program(folder, programs)
+        program = failing_program(folder, fault.programs())
         print("%-16s %s" % (program or "NOT NOTICED", fault), flush=True)
         return program is not None
+    except SystemExit:
+        print("doesn't compile: %s" % fault)
+        raise
     finally:
         path.write_text(before)
 

@@ -208,6 +208,19 @@ TEST(UnluckyDiskTest, NothingThatOneFileWasRefusedGoesIntoTheNext) {
     writer.Close();
     EXPECT_EQ(ReadAll(folder.Path("refused.vxd")), "");
     EXPECT_EQ(ReadAll(folder.Path("next.vxd")), "");
+
+    writer.Open(folder.Path("refused.vxd"));
+    writer.WriteFileHdr(ExampleFileHdr());
+    {
+        const CFullDisk disk(600);
+        writer.UpdateFileHdr("CompoundTest", {"7"});
+        writer.Close();
+    }
+    writer.Open(folder.Path("next.vxd"));
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    writer.Close();
+    EXPECT_EQ(ReadAll(folder.Path("next.vxd")), FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}));
 }
 
 /// A number that a process sees change while another one changes it.
