@@ -259,4 +259,28 @@ TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
 INSTANTIATE_TEST_SUITE_P(Kinds, SystemCallFaultsTest, testing::ValuesIn(AllKinds()),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
+// A disk that refuses one place while it takes another: a list's older text must not come behind its newer one.
+TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("lists.vxd");
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    writer.Open(path);
+    writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+    writer.WriteRecordingHdr({.TaskName = "Series"});
+    BeginCalls(1, {.error = EIO, .goesOn = true, .calls = "pwritev"});
+    writer.UpdateFileHdr("PreQC", {"1"});
+    writer.UpdateFileHdr("PostQC", {"2"});
+    BeginCalls(1, {.error = EIO, .calls = "pwritev"});
+    writer.UpdateFileHdr("PostQC", {"3"});  // before it, the other list is refused once more
+    EndCalls();
+    writer.UpdateFileHdr("CompoundTest", {"4"});
+    writer.Close();
+    io.GetRawDataReader()->Open(path);
+    const CRawDataFileHdr& header = *io.GetRawDataReader()->GetFileHdr();
+    EXPECT_EQ(header.PreQC, std::vector<std::int64_t>{1});
+    EXPECT_EQ(header.CompoundTest, std::vector<std::int64_t>{4});
+    EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
+}
+
 }  // namespace
