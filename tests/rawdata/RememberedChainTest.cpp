@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <optional>
 #include <random>
@@ -158,6 +159,25 @@ TEST_F(RememberedChainTest, SegmentsAppendedLaterAreFound) {
     Patch(end, SegmentHdrBytes(12, -1, 9, 9, "4") + SampleBytes(kWell12));
     Patch(m_starts.back() + 100, Cell(50, "FPosNextSegmentHdr=" + std::to_string(end)));
     EXPECT_EQ(Pass(12), before.substr(0, before.size() - 3) + "12[9..9]7,8,9,10 end");
+
+    // In the middle of a pass, and more than the file had room for when it began.
+    Write(2);
+    m_reader.Open(m_path);
+    m_reader.SelectWellID(-1);
+    m_reader.JumpToData("CompoundTest", 1);
+    SegmentsOf(m_reader, 1);
+    constexpr std::size_t kMany = 100;
+    const std::size_t first = m_bytes.size();
+    std::string many;
+    for (std::size_t i = 1; i <= kMany; ++i) {
+        const auto next = i < kMany ? static_cast<std::int64_t>(first + 308 * i) : -1;
+        many += SegmentHdrBytes(12, next, 9, 9, "4") + SampleBytes(kWell12);
+    }
+    Patch(first, many);
+    Patch(m_starts.back() + 100, Cell(50, "FPosNextSegmentHdr=" + std::to_string(first)));
+    const std::string rest = SegmentsOf(m_reader);
+    EXPECT_EQ(std::count(rest.begin(), rest.end(), '['), 1 + kMany);
+    EXPECT_TRUE(rest.ends_with(" end")) << rest.substr(rest.size() - 80);
 }
 
 // However the pass before came upon the circle: by its failure, or in a few segments that it took, of any well.
