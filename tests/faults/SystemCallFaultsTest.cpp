@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <map>
+#include <random>
 #include <sstream>
 
 #include "tests/faults/Plays.h"
@@ -281,6 +282,62 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     EXPECT_EQ(header.PreQC, std::vector<std::int64_t>{1});
     EXPECT_EQ(header.CompoundTest, std::vector<std::int64_t>{4});
     EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
+}
+
+/// The numbers of all segments that can be read, each followed by a blank. A recording without any fails.
+std::string SegmentsIn(const std::string& path) {
+    CVXFileIO io;
+    CIRawDataReader& reader = *io.GetRawDataReader();
+    reader.Open(path);
+    std::string content;
+    for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i) {
+        const CIndexEntry& entry = *reader.GetIndex()->GetEntry(i);
+        EXPECT_TRUE(reader.JumpToData(entry.TaskName, entry.Recording));
+        std::int32_t well = 0;
+        std::int64_t from = 0;
+        std::int64_t to = 0;
+        std::uint32_t size = 0;
+        std::uint16_t* samples = nullptr;
+        const std::size_t before = content.size();
+        try {
+            while (reader.ReadSegment(well, from, to, size, samples)) {
+                EXPECT_EQ(std::vector<std::uint16_t>(samples, samples + size), SamplesOf(from));
+                content += std::to_string(from) + " ";
+            }
+        } catch (const CExcVXReader&) {
+            EXPECT_EQ(content.size(), before);
+        }
+    }
+    return content;
+}
+
+// Whenever the disk is full and has room again: all segments that were taken, and no others, are read in the end.
+TEST(MoodyDiskTest, WhatWasTakenIsThereAndWhatIsMissingIsCounted) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("moody.vxd");
+    std::mt19937 random(1);
+    for (int run = 0; run < 200; ++run) {
+        CVXFileIO io;
+        CIRawDataWriter& writer = *io.GetRawDateWriter();
+        writer.Open(path);
+        std::string taken;
+        bool isFull = false;
+        for (std::int64_t segment = 0; segment < 60; ++segment) {
+            if (random() % 5 == 0) isFull = !isFull;
+            if (isFull) BeginCalls(1, {.error = ENOSPC, .goesOn = random() % 4 != 0, .calls = "pwritev"});
+            if (segment == 0) writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+            const auto recording = static_cast<std::int32_t>(segment / 6);
+            if (segment % 6 == 0) writer.WriteRecordingHdr({.TaskName = "Series", .Recording = recording});
+            if (random() % 4 == 0) writer.UpdateFileHdr("PreQC", {std::to_string(segment)});
+            const std::vector<std::uint16_t> samples = SamplesOf(segment);
+            const std::int64_t missing = MissingSegments(writer.GetWriteError());
+            writer.WriteData(7, segment, segment + static_cast<std::int64_t>(samples.size()) - 1, 1, samples.data());
+            EndCalls();
+            if (MissingSegments(writer.GetWriteError()) == missing) taken += std::to_string(segment) + " ";
+        }
+        writer.Close();
+        ASSERT_EQ(SegmentsIn(path), taken) << "run " << run;
+    }
 }
 
 }  // namespace
