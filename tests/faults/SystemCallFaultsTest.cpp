@@ -284,6 +284,22 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
 }
 
+// What is written in place is a beginning of the document, without gaps.
+TEST(RefusedPieceTest, NothingIsWrittenBehindIt) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("pieces.xml");
+    gd_xml_stream::CFileBuffer file;
+    ASSERT_EQ(file.Open(path, "wb"), 0);
+    BeginCalls(2, {.error = ENOSPC, .calls = "pwritev"});
+    for (const char letter : {'a', 'b', 'c'}) {
+        const std::string piece(100'000, letter);
+        file.Write(piece.data(), piece.size());
+    }
+    file.Close();
+    EndCalls();
+    EXPECT_EQ(BytesOf(path), std::string(100'000, 'a'));
+}
+
 /// The numbers of all segments that can be read, each followed by a blank. A recording without any fails.
 std::string SegmentsIn(const std::string& path) {
     CVXFileIO io;
