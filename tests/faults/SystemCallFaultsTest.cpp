@@ -300,6 +300,35 @@ TEST(RefusedPieceTest, NothingIsWrittenBehindIt) {
     EXPECT_EQ(BytesOf(path), std::string(100'000, 'a'));
 }
 
+// A reader may see any beginning of the cells that a writer is just putting over others, but only for a moment.
+TEST(RewrittenHdrTest, PositionsThatAreJustRewrittenAreReadAgain) {
+    constexpr std::size_t kCells = 1190 + 150;
+    constexpr std::size_t kCellsSize = 150;
+    const CTempFolder folder;
+    const std::string path = folder.Path("live.vxd");
+    const CKind& raw = AllKinds().front();
+    {
+        CVXFileIO io;
+        for (const auto& step : raw.steps(io, path))
+            step();
+    }
+    const std::string whole = BytesOf(path);
+    std::string before = whole;
+    for (std::size_t cell = 0; cell < kCellsSize; cell += 50) {
+        const std::size_t value = before.find('=', kCells + cell) + 1;
+        before.replace(value, 48 - (value - kCells - cell), "-1" + std::string(46 - (value - kCells - cell), '\0'));
+    }
+    ASSERT_EQ(before.size(), whole.size());
+    for (std::size_t done = 0; done <= kCellsSize; ++done) {
+        WriteAll(path, before.substr(0, kCells) + whole.substr(kCells, done) + before.substr(kCells + done));
+        CVXFileIO io;
+        BeginCalls(3, "pread", [&] { WriteAll(path, whole); });  // the file header is the first, this one the second
+        const std::string content = raw.read(io, path);
+        EndCalls();
+        EXPECT_TRUE(content.empty() || content == "0 1 2 " || content == "0 1 2 3 4 5 ") << done << ": " << content;
+    }
+}
+
 /// The numbers of all segments that can be read, each followed by a blank. A recording without any fails.
 std::string SegmentsIn(const std::string& path) {
     CVXFileIO io;

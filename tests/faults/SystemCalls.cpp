@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -15,12 +16,18 @@ bool g_counts = false;
 int g_calls = 0;
 int g_at = 0;
 CFault g_fault;
+std::function<void()> g_act;
 
 /// Counts a call. Returns whether it meets the fault.
 bool IsMet(std::string_view call) {
     if (!g_counts || (!g_fault.calls.empty() && g_fault.calls.find(call) == std::string_view::npos)) return false;
     ++g_calls;
-    return g_at != 0 && (g_fault.goesOn ? g_calls >= g_at : g_calls == g_at);
+    const bool isMet = g_at != 0 && (g_fault.goesOn ? g_calls >= g_at : g_calls == g_at);
+    if (!isMet || !g_act) return isMet;
+    g_counts = false;
+    g_act();
+    g_counts = true;
+    return false;
 }
 
 int Refuse(int error) {
@@ -53,6 +60,12 @@ void BeginCalls(int at, const CFault& fault) {
     g_calls = 0;
     g_at = at;
     g_fault = fault;
+    g_act = nullptr;
+}
+
+void BeginCalls(int at, std::string_view calls, std::function<void()> act) {
+    BeginCalls(at, CFault{.calls = calls});
+    g_act = std::move(act);
 }
 
 int EndCalls() {

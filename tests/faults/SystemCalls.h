@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 /// @file
@@ -18,6 +19,9 @@ struct CFault {
 
 /// From now on calls are counted, and that of number `at`, from 1, meets the fault; 0 is none.
 void BeginCalls(int at, const CFault& fault);
+
+/// The same, but `act` is called ahead of that call, and nothing fails. What it calls itself isn't counted.
+void BeginCalls(int at, std::string_view calls, std::function<void()> act);
 
 /// Ends that, and returns how many calls there were.
 int EndCalls();

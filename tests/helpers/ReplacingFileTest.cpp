@@ -4,6 +4,7 @@
 
 #if defined(__unix__)
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -123,6 +124,11 @@ TEST_F(ReplacingFileTest, DevicesAndRemovedFilesAreWrittenInPlace) {
     EXPECT_EQ(m_file.WriteError(), "No space left on device, writing 4 bytes at 0 of " + m_path);
     EXPECT_TRUE(fs::is_symlink(m_path));
     EXPECT_EQ(CountFiles(), 1);
+
+    const std::string pipe = m_folder.Path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    EXPECT_FALSE(m_file.Create(pipe)) << "nobody waits for a reader";
+    EXPECT_EQ(m_file.WriteError(), "No such device or address, opening " + pipe);
 
     // A removed file goes on for whoever has it open. The system's name for it may be that of another one.
     const std::string removed = m_folder.Path("removed");
