@@ -55,6 +55,7 @@ TEST_F(SettingsFileTest, CompoundIsAPlaceInTheListAndAnIDOfTheMarks) {
     for (const std::int32_t absent : {2, -2}) {
         EXPECT_THROW(Write(absent), CExcVXReader);
         EXPECT_EQ(ReadAll(m_path), before) << "the file is as it was";
+        EXPECT_EQ(m_writer.GetWriteError(), "") << "nothing was begun";
     }
     m_writer.WriteFile(m_path);
     EXPECT_NE(ReadAll(m_path).find("<Label>first</Label>"), std::string::npos);
