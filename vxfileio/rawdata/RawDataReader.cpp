@@ -240,8 +240,9 @@ bool CRawDataReader::ReadHdrBehindRemembered(CSegmentHdr& header, std::int32_t& 
 /// if it has another size than expected.
 std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID) {
     std::size_t sampleBytes = 0;
-    const bool mayKnow = m_chain != nullptr && m_selectedWell != kAllWells;
-    if (mayKnow && ReadHdrBehindRemembered(header, wellID, sampleBytes)) return sampleBytes;
+    const CSegmentPlace* const place = Remembered();
+    const bool mayPass = place != nullptr && !IsWanted(place->wellID);
+    if (mayPass && ReadHdrBehindRemembered(header, wellID, sampleBytes)) return sampleBytes;
     if (ReadHdr(header, sampleBytes)) return sampleBytes;
     throw CExcVXReader(m_pass.position < 0 ? kBadSegmentPosition : kBadSegmentHdr);
 }

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <vector>
 
 #include "vxfileio/rawdata/RawDataFormat.h"
 
@@ -27,7 +27,7 @@ class CSegmentChain {
  public:
     /// Returns the segment with this number, or null if it isn't remembered. It lives until the next change.
     const CSegmentPlace* Find(std::size_t number) const {
-        return number < m_places.size() ? &m_places[number] : nullptr;
+        return number < m_count ? &m_blocks[number / kBlockSize][number % kBlockSize] : nullptr;
     }
 
     /// Takes note of a header that was read as that of the segment with this number: if it contradicts what is
@@ -36,20 +36,27 @@ class CSegmentChain {
     /// of it may be left.
     void Confirm(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
         if (!LeadsOn(place, next)) ForgetFrom(0);
-        if (number >= m_places.size()) return;
+        const CSegmentPlace* const remembered = Find(number);
+        if (remembered == nullptr) return;
         const CSegmentPlace* const successor = Find(number + 1);
         if (successor != nullptr && successor->position != next) ForgetFrom(number + 1);
-        if (m_places[number] != place) ForgetFrom(number);
+        if (*remembered != place) ForgetFrom(number);
     }
 
     /// Remembers the segment with this number if all ahead of it are remembered, too. `next` is as for `Confirm`.
     void Remember(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
-        if (number == m_places.size() && LeadsOn(place, next)) m_places.push_back(place);
+        if (number != m_count || !LeadsOn(place, next)) return;
+        if (m_blocks.size() * kBlockSize == m_count) m_blocks.emplace_back().reserve(kBlockSize);
+        m_blocks.back().push_back(place);
+        ++m_count;
     }
 
     /// Forgets the segment with this number and all behind it.
     void ForgetFrom(std::size_t number) {
-        if (number < m_places.size()) m_places.resize(number);
+        if (number >= m_count) return;
+        m_blocks.resize(number / kBlockSize + 1);
+        m_blocks.back().resize(number % kBlockSize);
+        m_count = number;
     }
 
  private:
@@ -58,7 +65,10 @@ class CSegmentChain {
         return next == kUnset || next > place.position;
     }
 
-    std::deque<CSegmentPlace> m_places;  ///< It grows without ever being copied.
+    static constexpr std::size_t kBlockSize = 256;
+
+    std::vector<std::vector<CSegmentPlace>> m_blocks;  ///< All full but the last, so that no place is ever copied.
+    std::size_t m_count = 0;                           ///< Of all places.
 };
 
 }  // namespace vxfileio::rawdata
