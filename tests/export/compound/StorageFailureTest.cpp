@@ -1,4 +1,7 @@
+#include <new>
+
 #include "tests/export/compound/StorageTest.h"
+#include "tests/support/AllocationCount.h"
 
 namespace {
 
@@ -59,6 +62,37 @@ TEST_F(StorageFailureTest, MoreThanAStreamHoldsIsRefusedUnseen) {
     EXPECT_EQ(m_storage.WriteFile("Workbook", {nothing, (std::size_t{1} << 31) + 1}), -3);
     EXPECT_EQ(m_storage.WriteFile("missing", {nothing, (std::size_t{1} << 31) + 1}), -4);
     EXPECT_EQ(Bytes(), before);
+}
+
+TEST_F(StorageFailureTest, LessThanWasToldIsNotComplete) {
+    Add("Workbook", "whole");
+    EXPECT_EQ(WriteInPieces("Workbook", Pattern(8 * kSector), 2 * kSector, 9 * kSector), 1);
+    EXPECT_FALSE(m_storage.IsComplete());
+}
+
+// Whatever was missing, and on whichever side of 4096 bytes the stream is next: it is written as if nothing had been.
+TEST_F(StorageFailureTest, StreamThatFoundNoMemoryCanBeWrittenAgain) {
+    const std::string big = Pattern(200000);
+    const std::string small = Pattern(3000, 2);
+    for (const auto& [refused, next] : {std::pair(big, big), {big, small}, {small, big}, {small, small}}) {
+        bool failed = true;
+        for (std::size_t count = 1; failed; ++count) {
+            m_storage.Create(m_path);
+            Add("other", Pattern(100, 3));
+            m_storage.MakeFile("Workbook");
+            FailAllocation(count);
+            try {
+                Write("Workbook", refused);
+                failed = false;
+            } catch (const std::bad_alloc&) {
+            }
+            FailAllocation(0);
+            Write("Workbook", next);
+            const CompoundReader reader = Read();
+            ASSERT_EQ(reader.streams.at("Workbook"), next) << refused.size() << ", " << count;
+            ASSERT_EQ(reader.streams.at("other"), Pattern(100, 3)) << refused.size() << ", " << count;
+        }
+    }
 }
 
 }  // namespace

@@ -187,18 +187,20 @@ std::int32_t CompoundStorage::WriteFile(const std::string& path, std::size_t siz
         size -= piece.size();
         sector = isBig ? WritePiece(writes, sector, piece) : CopyToMiniStream(sector, piece);
     });
+    if (size > 0) m_isComplete = false;
     if (!isBig || !wasBig) AddChain(writes, m_directory.Root()->entry.startSector, m_miniStream);
     Write(writes);
     return kSuccess;
 }
 
+/// The size comes first: it tells which table the chain is in, even if memory is wanting before all of it is.
 void CompoundStorage::FitStream(DirectoryEntry& entry, std::size_t size, bool isBig) {
+    entry.streamSize = static_cast<std::uint32_t>(size);
     if (isBig) {
         m_fat.FitChain(entry.startSector, Count(size, kSectorSize));
     } else {
         FitMiniStream(entry, size);
     }
-    entry.streamSize = static_cast<std::uint32_t>(size);
 }
 
 /// The root's stream is the mini stream. Its first sector is taken before the mini FAT's, and any further ones after.
@@ -223,10 +225,12 @@ std::uint32_t CompoundStorage::CopyToMiniStream(std::uint32_t miniSector, CBytes
 
 // ---- Room for more sectors ------------------------------------------------------------------------------------------
 
+// Sectors of a table are counted once there are marks for them, since memory may be wanting.
+
 /// The file grows by a sector of the FAT, and by one of the DIFAT if no other has room to list that.
 void CompoundStorage::ExtendFat() {
-    const std::uint32_t fatSector = m_header.fatSectors++;
     m_fat.AddSector();
+    const std::uint32_t fatSector = m_header.fatSectors++;
     m_fat.Mark(FatSector(fatSector), kFatSector);
     if (fatSector < kDifatEntriesInHeader) {
         m_header.difat[fatSector] = FatSector(fatSector);
@@ -237,8 +241,9 @@ void CompoundStorage::ExtendFat() {
 }
 
 void CompoundStorage::ExtendMiniFat() {
-    m_fat.FitChain(m_header.firstMiniFatSector, ++m_header.miniFatSectors);
+    m_fat.FitChain(m_header.firstMiniFatSector, m_header.miniFatSectors + 1);
     m_miniFat.AddSector();
+    ++m_header.miniFatSectors;
 }
 
 // ---- Writing --------------------------------------------------------------------------------------------------------

@@ -47,7 +47,7 @@ class CompoundStorage {
     /// Tells whether a file is open.
     bool IsOpen() const { return m_file.IsOpen(); }
 
-    /// Tells whether the system took everything that was written since `Create`.
+    /// Tells whether the system took everything that was to be written since `Create`.
     bool IsComplete() const { return m_isComplete; }
 
     /// What the system refused first since `Create`, in words with the path; empty if nothing. Closing counts.
@@ -69,7 +69,8 @@ class CompoundStorage {
 
     /// The same with `size` bytes that needn't stand in memory together: `give(take)` is called once, unless the call
     /// is refused, and calls `take` for one piece after the other. A piece goes to the system before `take` returns;
-    /// what comes beyond `size` is left out. Where `give` throws, the stream isn't whole.
+    /// what comes beyond `size` is left out. Where less comes, the stream isn't whole, as `IsComplete` tells, and where
+    /// `give` throws, or memory is wanting, it isn't either, until it is written again.
     std::int32_t WriteFile(const std::string& path, std::size_t size,
                            const std::function<void(const TakePiece& take)>& give);
 
