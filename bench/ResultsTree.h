@@ -81,8 +81,10 @@ inline bool IsWhole(const CTree& tree, int scale) {
             if (read.normalized != well.normalized || read.average.size() != well.average.size()) return false;
             for (int i = 0; i < 8; ++i)
                 if (read.findings[i] != well.findings[i]) return false;
-            for (std::size_t i = 0; i < well.average.size(); ++i)
-                if (std::abs(read.average[i] - well.average[i]) > 1e-6) return false;
+            for (std::size_t i = 0; i < well.average.size(); ++i) {
+                const double halfOfSixthDigit = 5e-6 * std::abs(well.average[i]) + 1e-12;
+                if (std::abs(read.average[i] - well.average[i]) > halfOfSixthDigit) return false;
+            }
         }
     }
     return true;

@@ -44,7 +44,8 @@ class VXFILEIO_API CIResultsExport {
 
     /// Returns an empty text if the last `ExportExcel` brought every workbook to the operating system, else one line
     /// for each that it didn't, which names it by its path as this system has it: "No space left on device, writing 512
-    /// bytes at 0 of out/run-A1.xls". Lines are parted by line feeds.
+    /// bytes at 0 of out/run-A1.xls". Lines are parted by line feeds. A call that was refused before it wrote anything,
+    /// by an exception, doesn't count: what is told is that of the one before.
     std::string GetWriteError() const;
 
  private:

@@ -218,19 +218,19 @@ void EncodeCell(const CCellPlace& place, std::int64_t value, std::span<char> cel
 void Decode(std::string_view bytes, CRawDataFileHdr& header) { DecodeCells<kFileCells>(kNewestVersion, bytes, header); }
 
 void Decode(std::string_view bytes, CSegmentHdr& header) {
-    DecodeAllButTimes(bytes, header);
-    DecodeTimes(bytes, header);
+    DecodeFront(bytes, header);
+    DecodeRest(bytes, header);
 }
 
-void DecodeAllButTimes(std::string_view bytes, CSegmentHdr& header) {
+void DecodeFront(std::string_view bytes, CSegmentHdr& header) {
     DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "ID")>(bytes, header);
     DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "FPosNextSegmentHdr")>(bytes, header);
-    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "Size")>(bytes, header);
 }
 
-void DecodeTimes(std::string_view bytes, CSegmentHdr& header) {
+void DecodeRest(std::string_view bytes, CSegmentHdr& header) {
     DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "TimeFrom")>(bytes, header);
     DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "TimeTo")>(bytes, header);
+    DecodeCellInPlace<kSegmentCells, NumberOf(kSegmentCells, "Size")>(bytes, header);
 }
 
 bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header) {

@@ -30,10 +30,10 @@ void EncodeCell(const CCellPlace& place, std::int64_t value, std::span<char> cel
 void Decode(std::string_view bytes, CRawDataFileHdr& header);
 void Decode(std::string_view bytes, CSegmentHdr& header);
 
-/// What has to be known of a segment to pass over it.
-void DecodeAllButTimes(std::string_view bytes, CSegmentHdr& header);
-/// The rest of it.
-void DecodeTimes(std::string_view bytes, CSegmentHdr& header);
+/// The first `kSegmentFrontSize` bytes of a segment's header, which are all that who passes over it has to know.
+void DecodeFront(std::string_view bytes, CSegmentHdr& header);
+/// The cells behind those; `bytes` are the whole header.
+void DecodeRest(std::string_view bytes, CSegmentHdr& header);
 
 /// `version` is the file's own. Returns false, with the header half set, if it claims more channels than any cell can
 /// list.

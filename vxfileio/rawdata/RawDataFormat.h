@@ -171,6 +171,11 @@ inline constexpr std::size_t kFileHdrSize = SizeOf(kFileCells);
 inline constexpr std::size_t kRecordingHdrSize = SizeOf(kRecordingCells);
 inline constexpr std::size_t kSegmentHdrSize = SizeOf(kSegmentCells);
 
+/// The cells of a segment's header that tell its well and where the next one stands; they lie at its beginning.
+inline constexpr std::size_t kSegmentFrontSize = 150;
+static_assert(PlaceOf(kSegmentCells, "ID").offset < kSegmentFrontSize);
+static_assert(PlaceOf(kSegmentCells, "TimeFrom").offset == kSegmentFrontSize);
+
 static_assert(kFileHdrSize == 1190);
 static_assert(kRecordingHdrSize == 2460);
 static_assert(kSegmentHdrSize == 300);

@@ -27,6 +27,11 @@ bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName
     return header.TaskName == taskName && header.Recording == recording;
 }
 
+/// Sets to zero what reading up to the end of a file has left as it was.
+void ZeroBehind(std::size_t read, CMutableBytes bytes) {
+    if (read < bytes.size()) std::ranges::fill(bytes.subspan(read), std::byte{0});
+}
+
 void AppendWellIDs(const CRawDataRecordingHdr& header, std::vector<std::int32_t>& wellIDs) {
     for (const auto& channel : header.WellChannels)
         wellIDs.push_back(channel.ID);
@@ -133,10 +138,7 @@ bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
         const std::size_t sampleBytes = ReadNextHdr(header, wellID);
         wellID = header.ID;
         const bool isWanted = IsWanted(wellID);
-        if (isWanted) {
-            DecodeTimes(m_segment.Hdr(), header);
-            CompleteSamples(sampleBytes, static_cast<std::uint32_t>(header.Size));
-        }
+        if (isWanted) CompleteSamples(sampleBytes, static_cast<std::uint32_t>(header.Size));
         PassBehind(header);
         if (isWanted) return true;
     }
@@ -191,29 +193,39 @@ void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
     }
 }
 
-/// Makes room for the samples of the next segment as far as they are worth reading along with its header, and returns
-/// how many these are. What is remembered may be wrong, and mustn't cost more memory than a damaged size.
-std::uint32_t CRawDataReader::MakeRoomForNext() {
-    if (const CSegmentPlace* const place = Remembered()) {
-        const bool modest = std::int64_t{place->size} * kSampleBytes <= kMostMissingBytes;
-        if (IsWanted(place->wellID) && modest) m_segment.MakeRoomFor(place->size);
-        return IsWanted(place->wellID) && place->size == m_segment.Count() ? place->size : 0;
-    }
-    // Without a selection the next segment is the one, most likely as long as the one before.
-    return m_selectedWell == kAllWells ? m_segment.Count() : 0;
+/// Returns how many samples a remembered segment has if its successor stands right behind it, else as many as the one
+/// before. What is remembered may be wrong, and mustn't cost more memory than a damaged size.
+std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
+    const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
+    if (successor == nullptr) return m_segment.Count();
+    const std::int64_t bytes = successor->position - place.position - static_cast<std::int64_t>(kSegmentHdrSize);
+    return bytes >= 0 && bytes <= kMostMissingBytes ? static_cast<std::uint32_t>(bytes / kSampleBytes)
+                                                    : m_segment.Count();
 }
 
-/// Reads the header at the position of the pass, apart from its times, and as many of the samples behind it as are
-/// expected. Returns false if no whole header stands there.
+/// Makes room for the next segment as it is expected to be. Returns whether that one is expected to be wanted.
+bool CRawDataReader::MakeRoomForNext() {
+    const CSegmentPlace* const place = Remembered();
+    const bool isExpected = place == nullptr ? m_selectedWell == kAllWells : IsWanted(place->wellID);
+    m_segment.MakeRoomFor(place != nullptr && isExpected ? ExpectedSize(*place) : m_segment.Count());
+    return isExpected;
+}
+
+/// Reads the header at the position of the pass, and as many of the samples behind it as are expected. Of a segment
+/// that isn't wanted, only the front of the header is sure to be read. Returns false if no header stands there.
 bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
-    const std::size_t expected = MakeRoomForNext() * std::size_t{kSampleBytes};
-    m_segment.MakeRoomFor(m_segment.Count());
-    const CMutableBytes bytes = m_segment.SegmentBytes().first(kSegmentHdrSize + expected);
-    const std::size_t read = m_file.ReadUpTo(m_pass.position, bytes);
+    const bool isExpected = MakeRoomForNext();
+    const CMutableBytes bytes = m_segment.SegmentBytes();
+    std::size_t read = m_file.ReadUpTo(m_pass.position, isExpected ? bytes : bytes.first(kSegmentFrontSize));
     constexpr std::string_view kKey = kSegmentCells.front().key;
     if (read < kSegmentCells.front().width || !m_segment.Hdr().starts_with(kKey)) return false;
-    if (read < kSegmentHdrSize) std::ranges::fill(bytes.first(kSegmentHdrSize).subspan(read), std::byte{0});
-    DecodeAllButTimes(m_segment.Hdr(), header);
+    ZeroBehind(read, bytes.first(kSegmentFrontSize));
+    DecodeFront(m_segment.Hdr(), header);
+    if (!IsWanted(header.ID)) return true;
+    if (read == kSegmentFrontSize)
+        read += m_file.ReadUpTo(m_pass.position + std::int64_t{kSegmentFrontSize}, bytes.subspan(kSegmentFrontSize));
+    ZeroBehind(read, bytes.first(kSegmentHdrSize));
+    DecodeRest(m_segment.Hdr(), header);
     sampleBytes = read - std::min(read, kSegmentHdrSize);
     return true;
 }
@@ -249,7 +261,7 @@ std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellI
 
 /// Moves on behind the segment whose header was just read.
 void CRawDataReader::PassBehind(const CSegmentHdr& header) {
-    const CSegmentPlace place{m_pass.position, header.ID, static_cast<std::uint32_t>(header.Size)};
+    const CSegmentPlace place{m_pass.position, header.ID};
     if (m_chain != nullptr) m_chain->Confirm(m_pass.number, place, header.FPosNextSegmentHdr);
     if (m_selectedWell != kAllWells) {
         if (m_chain == nullptr) m_chain = &m_chains[m_dataPosition];
@@ -268,7 +280,7 @@ void CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     RefuseImpossibleSize(position, size);
     m_segment.MakeRoomFor(size);
     read = m_file.ReadUpTo(position, m_segment.SampleBytes());
-    std::ranges::fill(m_segment.SampleBytes().subspan(read), std::byte{0});
+    ZeroBehind(read, m_segment.SampleBytes());
 }
 
 /// The file is asked only if a segment is too large to be delivered whatever the file's size.

@@ -64,7 +64,8 @@ class CRawDataReader {
     }
     CPass BeginningAt(std::int64_t position) const;
     void PassOverRemembered(std::int32_t& wellID);
-    std::uint32_t MakeRoomForNext();
+    std::uint32_t ExpectedSize(const vxfileio::rawdata::CSegmentPlace& place) const;
+    bool MakeRoomForNext();
     bool ReadHdr(vxfileio::rawdata::CSegmentHdr& header, std::size_t& sampleBytes);
     bool ReadHdrBehindRemembered(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID,
                                  std::size_t& sampleBytes);

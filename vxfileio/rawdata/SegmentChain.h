@@ -8,11 +8,10 @@
 
 namespace vxfileio::rawdata {
 
-/// Where a segment stands, and what its header said when it was last read.
+/// Where a segment stands, and whose it was when its header was last read.
 struct CSegmentPlace {
     std::int64_t position = kUnset;
     std::int32_t wellID = 0;
-    std::uint32_t size = 0;  ///< Samples.
 
     bool operator==(const CSegmentPlace&) const = default;
 };
