@@ -45,10 +45,12 @@ void PrintTable(const std::vector<CPage::CRow>& table) {
     const auto widths = WidthsOf(table);
     std::cout << '\n' << Bold(LineOf(table.front(), widths)) << '\n';
     const std::size_t rows = table.size() - 1;
-    const std::size_t shown = rows <= kMostRows ? rows : kMostRows - 1;
+    const std::size_t shown = rows <= kMostRows ? rows : kMostRows - 2;
     for (std::size_t i = 1; i <= shown; ++i)
         std::cout << LineOf(table[i], widths) << '\n';
-    if (shown < rows) std::cout << "  and " << rows - shown << " more; --json lists them all\n";
+    if (shown == rows) return;
+    // The last row is that of a recording which was cut off, so it is never among those left out.
+    std::cout << "  " << rows - shown - 1 << " more, which --json lists\n" << LineOf(table.back(), widths) << '\n';
 }
 
 }  // namespace

@@ -84,7 +84,10 @@ class CInfoCommand : public CCommand {
             case EFileKind::Unknown:
                 break;
         }
-        throw CFailure(path + " is no file of this system; its beginning is another one, or damaged.");
+        if (SizeOfFile(path) == 0) throw CFailure(path + " is empty; there is nothing to tell or to save.");
+        throw CFailure(path +
+                       " is no file of this system, or its beginning is damaged; if it is a raw data file, "
+                       "vxfile recover saves it.");
     }
 
     void Tell(const std::string& path, CJson& json) {

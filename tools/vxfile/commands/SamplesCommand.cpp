@@ -37,7 +37,7 @@ class CSamplesCommand : public CCommand {
         const auto list = [&](const char* name, auto& values, const char* text) {
             app.add_option(name, values, text)->delimiter(',')->allow_extra_args(false);
         };
-        list("--task", m_choice.tasks, "Only recordings of this task; may be given more than once");
+        list("--task", m_choice.tasks, "Only recordings of this task; several with commas, as A,B");
         list("--recording", m_choice.recordings, "Only recordings with this number; likewise");
         list("--well", m_choice.wells, "Only this well ID; likewise");
         app.add_option("--from", m_choice.from, "Only samples of this time or later");

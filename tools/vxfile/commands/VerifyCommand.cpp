@@ -50,7 +50,8 @@ CFindings VerifyUnknown(const std::string& /*path*/) {
     CFindings findings;
     findings.Add({"file", 0, "no beginning that is known",
                   "that of a raw data file, a settings file, a results file or a workbook",
-                  "It is a file of another kind, or its beginning is damaged."});
+                  "It is a file of another kind, or its beginning is damaged; if it is a raw data file, vxfile recover "
+                  "saves it."});
     findings.MakeUnusable();
     return findings;
 }

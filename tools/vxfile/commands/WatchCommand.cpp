@@ -33,6 +33,14 @@ constexpr CCommandText kText = {
 
 using CClock = std::chrono::steady_clock;
 
+/// Returns a check whose refusal says in words what is wanted.
+CLI::Validator Seconds(const CLI::Validator& range, const std::string& wanted) {
+    const auto judge = [range, wanted](const std::string& text) {
+        return range(text).empty() ? "" : "'" + text + "' isn't " + wanted;
+    };
+    return {[judge](std::string& text) { return judge(text); }, ""};
+}
+
 class CWatchCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
@@ -40,10 +48,10 @@ class CWatchCommand : public CCommand {
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_path, "The raw data file that is being written")->required();
         app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
-            ->check(CLI::Validator(CLI::PositiveNumber).description(""))
+            ->check(Seconds(CLI::PositiveNumber, "a number of seconds above 0"))
             ->type_name("SECONDS");
         app.add_option("--every", m_every, "Look after so many seconds, 0.01 to 3600 (1, if not told)")
-            ->check(CLI::Range(0.01, 3600.0).description(""))
+            ->check(Seconds(CLI::Range(0.01, 3600.0), "a number from 0.01 to 3600"))
             ->type_name("SECONDS");
     }
 

@@ -10,6 +10,7 @@ namespace vxfile {
 /// Opens a file for reading. Throws `CFailure`, in a sentence that says what to do, if that can't be done.
 inline void OpenInput(vxfileio::CFile& file, const std::string& path) {
     if (file.OpenForReading(path)) return;
+    if (path == "-") throw CFailure("Standard input can't be read, as files are read here and there; name a file.");
     throw CFailure("Can't open " + path + ": " + file.Failure().error.message() + "; check the name and its rights.");
 }
 

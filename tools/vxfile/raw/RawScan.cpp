@@ -42,7 +42,9 @@ CRawScan::CRawScan(const std::string& path) {
     m_size = m_file.Size();
     const std::string bytes = ReadBytes(0, kFileHdrSize);
     if (bytes.size() < kFileCells.front().width || !bytes.starts_with(kFileTypeText))
-        throw CFailure(path + " doesn't begin as a raw data file does; vxfile info tells what it is.");
+        throw CFailure(path +
+                       " doesn't begin as a raw data file does; vxfile info tells what it is, and vxfile "
+                       "recover saves a raw data file whose beginning is damaged.");
     Decode(Padded(bytes, kFileHdrSize), m_header);
     WalkRecordings();
 }

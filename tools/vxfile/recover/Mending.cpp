@@ -234,7 +234,8 @@ class CWellLists {
 std::vector<std::string> KeysOf(const auto& cells, const CDamagedCells& damaged) {
     std::vector<std::string> keys;
     for (std::size_t row = 0; row < cells.size(); ++row) {
-        if (damaged[row] && !cells[row].key.starts_with("FPos")) keys.emplace_back(cells[row].key);
+        if (!damaged[row] || cells[row].key.starts_with("FPos")) continue;
+        keys.emplace_back(cells[row].key.empty() ? "the mark" : cells[row].key);  // the first cell of a file has no key
     }
     return keys;
 }

@@ -56,6 +56,9 @@ CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
       m_scan(path),
       m_choice(std::move(choice)),
       m_reads(m_choice.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
+    if (m_choice.from > m_choice.to)
+        throw CFailure("No time is from " + std::to_string(m_choice.from) + " to " + std::to_string(m_choice.to) +
+                       "; --from is the earlier one.");
     if (m_scan.Break()) RefuseBreak("its recordings");
     RefuseUnknownTasks();
     RefuseUnknownRecordings();
