@@ -66,6 +66,11 @@ void CPage::AddText(std::string_view label, std::string_view key, std::string_vi
     m_json[std::string(key)] = text;
 }
 
+void CPage::SetDamage(const std::string& sentence) {
+    m_damage = sentence;
+    if (IsDamaged()) m_json["damage"] = sentence;
+}
+
 void CPage::Print() const {
     std::size_t width = 0;
     for (const auto& [label, text] : m_lines)
@@ -73,7 +78,9 @@ void CPage::Print() const {
     for (const auto& [label, text] : m_lines)
         std::cout << "  " << Filled(label, width + 2) << text << '\n';
     if (m_table.size() > 1) PrintTable(m_table);
-    if (!m_remark.empty()) std::cout << "\n  " << m_remark << '\n';
+    for (const auto& text : {m_damage, m_remark}) {
+        if (!text.empty()) std::cout << "\n  " << text << '\n';
+    }
 }
 
 }  // namespace vxfile

@@ -24,6 +24,11 @@ class CPage {
     /// A remark for people, below all.
     void SetRemark(std::string remark) { m_remark = std::move(remark); }
 
+    /// Says in a sentence that the file was cut or damaged, below all, and as a member of the JSON object. An empty one
+    /// says nothing.
+    void SetDamage(const std::string& sentence);
+    bool IsDamaged() const { return !m_damage.empty(); }
+
     /// The object that goes into the document for programs; what only programs get is put right there.
     CJson& Json() { return m_json; }
 
@@ -34,6 +39,7 @@ class CPage {
     std::vector<std::pair<std::string, std::string>> m_lines;
     std::vector<CRow> m_table;
     std::string m_remark;
+    std::string m_damage;
     CJson m_json = CJson::object();
 };
 

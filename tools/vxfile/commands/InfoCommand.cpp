@@ -1,5 +1,6 @@
 #include "tools/vxfile/commands/InfoCommand.h"
 
+#include <algorithm>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -31,6 +32,7 @@ constexpr CCommandText kText = {
     .example = "vxfile info run.vxd",
     .statuses =
         "  0  all files were told about\n"
+        "  1  likewise, but some are cut or damaged, and only what is there was told\n"
         "  2  some couldn't be read",
 };
 
@@ -63,7 +65,7 @@ class CInfoCommand : public CCommand {
             } catch (const CVXExceptions& failure) {
                 Refuse(Readable(failure.message), json);
             }
-            if (json.contains("error")) status = kTrouble;
+            status = std::max(status, StatusOf(json));
             files.push_back(std::move(json));
         }
         if (m_json) PrintJson(kText.name, std::move(files));
@@ -71,6 +73,10 @@ class CInfoCommand : public CCommand {
     }
 
  private:
+    static int StatusOf(const CJson& json) {
+        return json.contains("error") ? kTrouble : json.contains("damage") ? kFindings : kSound;
+    }
+
     CPage PageOf(EFileKind kind, const std::string& path) const {
         switch (kind) {
             case EFileKind::RawData:

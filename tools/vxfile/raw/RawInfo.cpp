@@ -19,6 +19,8 @@ namespace {
 /// Files up to this size have their samples counted in any case: it takes no time that anybody would notice.
 constexpr std::int64_t kSmallFile = std::int64_t{64} << 20;
 
+constexpr const char* kFinished = "finished";
+
 bool IsFinished(const CRecordingAt& recording) { return recording.header.FPosRecordingData != kUnset; }
 
 std::string DoseText(std::int64_t dose) {
@@ -69,12 +71,10 @@ class CRawInfo {
     CPage Tell() {
         TellHeader();
         TellRecordings();
-        if (m_scan.Break())
-            m_page.SetRemark(
-                "The chain of recordings is damaged; vxfile verify tells where, vxfile recover saves "
-                "what is whole.");
-        else if (!m_counts)
-            m_page.SetRemark("Segments and samples weren't counted; --full does.");
+        if (m_scan.Break()) m_damage = "The chain of recordings is damaged";
+        if (!m_damage.empty())
+            m_page.SetDamage(m_damage + "; vxfile verify tells where, vxfile recover saves what is whole.");
+        if (!m_counts) m_page.SetRemark("Segments and samples weren't counted; --full does.");
         return std::move(m_page);
     }
 
@@ -84,13 +84,16 @@ class CRawInfo {
     void TellRecordings();
     void TellSummary();
     CPage::CRow TellRecording(std::size_t index, CJson& list);
-    void CountSegments(const CRecordingAt& recording, CPage::CRow& row, CJson& json);
+    void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
+    void JudgeHeader(std::size_t index, CPage::CRow& row);
+    void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
 
     CRawScan m_scan;
     bool m_counts;  ///< Whether segments are.
     CSegmentBudget m_budget;
     CProgress m_progress;
     CPage m_page;
+    std::string m_damage;  ///< The first one that is met; empty if there is none.
 };
 
 void CRawInfo::TellHeader() {
@@ -174,32 +177,55 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
                        std::to_string(header.WellChannels.size()),
                        IntervalText(recording),
                        std::to_string(header.RecordingTime),
-                       IsFinished(recording) ? "finished" : "not finished"};
-    if (m_counts) CountSegments(recording, row, json);
+                       IsFinished(recording) ? kFinished : "not finished"};
+    JudgeHeader(index, row);
+    if (m_counts) CountSegments(index, row, json);
     list.push_back(std::move(json));
     return row;
 }
 
-/// Segments of an unfinished recording are those behind its header.
-void CRawInfo::CountSegments(const CRecordingAt& recording, CPage::CRow& row, CJson& json) {
+/// What is noted isn't noted again where segments are counted.
+void CRawInfo::NoteDamage(CPage::CRow& row, const char* word, const std::string& what) {
+    if (m_damage.empty()) m_damage = what;
+    if (row.back() == kFinished) row.back() += word;
+}
+
+/// What a header tells of a cut, without a look at the segments.
+void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
+    const CRecordingAt& recording = m_scan.Recordings()[index];
+    const std::int64_t data = recording.header.FPosRecordingData;
+    if (m_scan.DataPosition(recording) > m_scan.Size())
+        NoteDamage(row, ", cut", "The file ends within the header of " + NameOf(recording, index));
+    else if (IsFinished(recording) && (data < 0 || data > m_scan.Size()))
+        NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
+}
+
+/// Segments of an unfinished recording are those behind its header; the last of them may be just being written.
+void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
+    const CRecordingAt& recording = m_scan.Recordings()[index];
     CSegmentWalk walk = IsFinished(recording) ? SegmentsOf(m_scan, recording) : SegmentsBehind(m_scan, recording);
     std::uint64_t segments = 0;
     std::uint64_t samples = 0;
     bool shared = false;  // its chain leads through segments of another one
+    bool cut = false;
     while (const CSegmentAt* segment = walk.Next()) {
         shared = !m_budget.Take();
         if (shared) break;
         ++segments;
         const std::int64_t there = std::max<std::int64_t>(m_scan.Size() - segment->DataPosition(), 0) / 2;
         samples += static_cast<std::uint64_t>(std::min<std::int64_t>(there, segment->Samples()));
+        cut = cut || there < segment->Samples();
         m_progress.Reach(segment->position);
     }
     const bool damaged = walk.Break() || shared;
-    if (damaged && IsFinished(recording)) row.back() += ", damaged";
+    if (damaged && IsFinished(recording))
+        NoteDamage(row, ", damaged", "The chain of the segments of " + NameOf(recording, index) + " is damaged");
+    if (cut && IsFinished(recording))
+        NoteDamage(row, ", cut", "The file ends within a segment of " + NameOf(recording, index));
     row.insert(row.end() - 1, {std::to_string(segments), std::to_string(samples)});
     json["segments"] = segments;
     json["samples"] = samples;
-    json["segmentsDamaged"] = damaged;
+    json["segmentsDamaged"] = damaged || cut;
 }
 
 }  // namespace

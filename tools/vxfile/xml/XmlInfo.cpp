@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/io/WholeText.h"
+#include "tools/vxfile/xml/XmlDamage.h"
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/helpers/NumberText.h"
 
@@ -107,9 +109,10 @@ void TellResults(const std::string& task, std::size_t number, const CResultsReco
 }  // namespace
 
 CPage InfoOfSettings(const std::string& path) {
+    CPage page;
+    page.SetDamage(DamageOfDocument(ReadWholeText(path)));
     CISettingsReader reader;
     reader.ReadFile(path);
-    CPage page;
     TellHeader(*reader.GetXmlFileHeader(), page);
     TellNotebook(*reader.GetNotebookProperty(), page);
     TellRecording(*reader.GetRecordingProperty(), page);
@@ -119,9 +122,10 @@ CPage InfoOfSettings(const std::string& path) {
 }
 
 CPage InfoOfResults(const std::string& path) {
+    CPage page;
+    page.SetDamage(DamageOfDocument(ReadWholeText(path)));
     CIResultsReader reader;
     reader.ReadFile(path);
-    CPage page;
     TellHeader(*reader.GetXmlFileHeader(), page);
     std::vector<CPage::CRow> table = {{"Task", "Number", "Dose", "Wells", "Beats", "Averages", "Means"}};
     CJson list = CJson::array();
