@@ -11,6 +11,7 @@
 #include "tools/vxfile/io/FileKind.h"
 #include "tools/vxfile/io/Interrupt.h"
 #include "tools/vxfile/io/Output.h"
+#include "tools/vxfile/io/Text.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
@@ -28,6 +29,7 @@ constexpr CCommandText kText = {
     .example = "vxfile export run.vxr run.vxs -o run.xls",
     .statuses =
         "  0  the workbooks are there\n"
+        "  1  likewise, but the files are of two runs, or a well has no workbook of its own\n"
         "  2  they couldn't be made, and nothing was replaced",
 };
 
@@ -61,52 +63,64 @@ class CWorkFolder {
     fs::path m_path;
 };
 
+/// A file and what is in it.
+template <class CReader>
+struct CInput {
+    std::string path;
+    CReader reader = {};
+};
+
+/// Returns a Guid as it can be compared: some programs put it into braces, some write it in capitals.
+std::string BareGuid(const std::string& guid) {
+    std::string bare;
+    for (const char c : guid) {
+        if (c != '{' && c != '}') bare += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return bare;
+}
+
 class CExportCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
     void AddOptions(CLI::App& app) override {
-        app.add_option("RESULTS", m_results, "The results file")->required();
-        app.add_option("SETTINGS", m_settings, "The settings file of the same run")->required();
+        app.add_option("RESULTS", m_results.path, "The results file")->required();
+        app.add_option("SETTINGS", m_settings.path, "The settings file of the same run")->required();
         app.add_option("-o,--output", m_output, "The workbook of all wells, such as run.xls")->required();
     }
 
     int Run() override {
-        Require(EFileKind::Results, m_results);
-        Require(EFileKind::Settings, m_settings);
+        Require(EFileKind::Results, m_results.path);
+        Require(EFileKind::Settings, m_settings.path);
         RefuseInputs(m_output);
         const fs::path target = m_output;
         if (fs::is_directory(target)) throw CFailure(m_output + " is a folder; name the workbook in it.");
+        m_settings.reader.ReadFile(m_settings.path);
+        m_results.reader.ReadFile(m_results.path);
         const CWorkFolder folder(target);
-        const std::size_t expected = Export((folder.Path() / target.filename()).string());
+        Export((folder.Path() / target.filename()).string());
         CheckInterrupt();
-        Move(folder.Path(), target.parent_path(), expected);
-        return kSound;
+        const std::size_t made = Move(folder.Path(), target.parent_path());
+        const bool isOneRun = TellOtherRun();
+        return TellMissing(made) && isOneRun ? kSound : kFindings;
     }
 
  private:
-    /// Returns how many workbooks there should be by now.
-    std::size_t Export(const std::string& path) const {
-        CISettingsReader settings;
-        CIResultsReader results;
+    void Export(const std::string& path) {
         CIResultsExport exporter;
-        settings.ReadFile(m_settings);
-        results.ReadFile(m_results);
-        exporter.SetResults(results.GetResults());
-        exporter.SetPropertyAnalyzer(settings.GetAnalyzerProperty());
-        exporter.SetPropertyRecordPlate(settings.GetRecordPlateProperty());
+        exporter.SetResults(m_results.reader.GetResults());
+        exporter.SetPropertyAnalyzer(m_settings.reader.GetAnalyzerProperty());
+        exporter.SetPropertyRecordPlate(m_settings.reader.GetRecordPlateProperty());
         exporter.ExportExcel(path);
-        const auto& wells = settings.GetRecordPlateProperty()->Data.Wells;
-        const auto isNew = [](const auto& well) { return well && well->State == PlateWell::kNew; };
-        return 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
     }
 
     void RefuseInputs(const std::string& target) const {
-        RefuseTarget(target, m_results);
-        RefuseTarget(target, m_settings);
+        RefuseTarget(target, m_results.path);
+        RefuseTarget(target, m_settings.path);
     }
 
-    void Move(const fs::path& from, const fs::path& to, std::size_t expected) const {
+    /// Returns how many workbooks there were.
+    std::size_t Move(const fs::path& from, const fs::path& to) const {
         std::vector<fs::path> workbooks;
         for (const auto& entry : fs::directory_iterator(from))
             workbooks.push_back(entry.path());
@@ -119,13 +133,35 @@ class CExportCommand : public CCommand {
             fs::rename(workbook, place);
             std::cout << place.string() << '\n';
         }
-        if (workbooks.size() < expected)
-            std::cerr << "vxfile: " << expected - workbooks.size()
-                      << " wells have no workbook of their own: their labels are no names of files, or are the same.\n";
+        return workbooks.size();
     }
 
-    std::string m_results;
-    std::string m_settings;
+    /// Returns false if it had to tell that the settings aren't those of the results. Most programs leave the Guid out.
+    bool TellOtherRun() {
+        const std::string settings = m_settings.reader.GetXmlFileHeader()->Guid;
+        const std::string results = m_results.reader.GetXmlFileHeader()->Guid;
+        if (settings.empty() || results.empty() || BareGuid(settings) == BareGuid(results)) return true;
+        std::cout.flush();
+        std::cerr << "vxfile: " << m_settings.path << " isn't of the run of " << m_results.path << ": its Guid is "
+                  << Readable(settings) << ", that of the results " << Readable(results)
+                  << ". Labels and doses in the workbooks may be those of another plate.\n";
+        return false;
+    }
+
+    /// Returns false if it had to tell that there are fewer workbooks than there should be.
+    bool TellMissing(std::size_t made) {
+        const auto& wells = m_settings.reader.GetRecordPlateProperty()->Data.Wells;
+        const auto isNew = [](const auto& well) { return well && well->State == PlateWell::kNew; };
+        const std::size_t expected = 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
+        if (made >= expected) return true;
+        std::cout.flush();
+        std::cerr << "vxfile: " << expected - made
+                  << " wells have no workbook of their own: their labels are no names of files, or are the same.\n";
+        return false;
+    }
+
+    CInput<CIResultsReader> m_results;
+    CInput<CISettingsReader> m_settings;
     std::string m_output;
 };
 
