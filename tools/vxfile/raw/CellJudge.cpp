@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <utility>
 #include <variant>
 
@@ -89,26 +90,81 @@ std::size_t CountItems(std::string_view cell) {
     return count;
 }
 
-void JudgeListLengths(std::string_view bytes, std::int32_t version, const CHeaderPlace& place, CFindings& findings) {
-    std::int64_t channels = 0;
-    std::int64_t offset = place.offset;
+/// A cell that tells how many channels there are: the count by its number, a list by its items.
+struct CTellingCell {
+    std::string_view key;
+    std::int64_t offset;  ///< In the header.
+    std::int64_t channels;
+};
+
+/// The count and then the lists that go with it.
+using CTellingCells = std::vector<CTellingCell>;
+
+CTellingCells CellsThatTell(CChannels channels, std::string_view bytes, std::int32_t version) {
+    CTellingCells cells;
+    std::size_t offset = 0;
     for (const auto& cell : kRecordingCells) {
         if (!HasCell(cell, version)) continue;
-        if (bytes.size() < cell.width) return;
-        const std::string_view cellBytes = bytes.substr(0, cell.width);
-        if (std::holds_alternative<CChannelCount>(cell.member)) channels = ParseInt64(CellValue(cellBytes));
-        if (std::holds_alternative<CChannelList>(cell.member)) {
-            const auto items = static_cast<std::int64_t>(CountItems(cellBytes));
-            if (items != channels)
-                findings.Add({place.name + " > " + std::string(cell.key), offset,
-                              Counted(static_cast<std::uint64_t>(items), "item"),
-                              std::to_string(channels) + ", one for each channel",
-                              items < channels ? "The channels behind keep their defaults."
-                                               : "Readers pass over the items behind."});
-        }
-        bytes.remove_prefix(cell.width);
-        offset += static_cast<std::int64_t>(cell.width);
+        const std::string_view cellBytes = bytes.substr(offset, cell.width);
+        const auto add = [&](std::int64_t told) {
+            cells.push_back({cell.key, static_cast<std::int64_t>(offset), told});
+        };
+        const auto* const count = std::get_if<CChannelCount>(&cell.member);
+        const auto* const list = std::get_if<CChannelList>(&cell.member);
+        if (count != nullptr && count->channels == channels) add(ParseInt64(CellValue(cellBytes)));
+        if (list != nullptr && list->channels == channels) add(static_cast<std::int64_t>(CountItems(cellBytes)));
+        offset += cell.width;
     }
+    return cells;
+}
+
+/// Returns the number that most of the cells tell; that of the count, unless more agree on another one.
+std::int64_t MostTold(const CTellingCells& cells) {
+    const auto votes = [&](std::int64_t number) { return std::ranges::count(cells, number, &CTellingCell::channels); };
+    std::int64_t most = cells.front().channels;
+    for (const auto& cell : cells) {
+        if (votes(cell.channels) > votes(most)) most = cell.channels;
+    }
+    return most;
+}
+
+/// Readers go by the count.
+const char* MeaningOfList(const CTellingCell& list, const CTellingCell& count) {
+    if (list.channels == count.channels) return "Readers take as many as the count tells.";
+    return list.channels < count.channels ? "The channels behind keep their defaults."
+                                          : "Readers pass over the items behind.";
+}
+
+/// One damaged cell is one finding, be it the count or a list.
+void JudgeNumbers(const CTellingCells& cells, const CHeaderPlace& place, CFindings& findings) {
+    const std::int64_t channels = MostTold(cells);
+    const auto add = [&](const CTellingCell& cell, std::string found, const char* expected, const char* meaning) {
+        findings.Add({place.name + " > " + std::string(cell.key), place.offset + cell.offset, std::move(found),
+                      std::to_string(channels) + expected, meaning});
+    };
+    const CTellingCell& count = cells.front();
+    if (count.channels != channels)
+        add(count, std::to_string(count.channels), ", as many as the lists behind have items",
+            count.channels < channels ? "Readers don't see the last channels."
+                                      : "Readers see channels that aren't there.");
+    for (const auto& list : std::span(cells).subspan(1)) {
+        if (list.channels != channels)
+            add(list, Counted(static_cast<std::uint64_t>(list.channels), "item"), ", one for each channel",
+                MeaningOfList(list, count));
+    }
+}
+
+/// The wells that the lists tell, whatever the count says.
+CListedWells ListedWells(const CTellingCells& cells, std::string_view bytes, std::int32_t version) {
+    constexpr std::size_t kIDs = 1;
+    constexpr std::size_t kTicks = 2;
+    const std::int64_t count = std::min(MostTold(cells), cells[kIDs].channels);
+    std::string channels(ChannelBytes(bytes, version));
+    constexpr CCellPlace kCount = PlaceOf(kRecordingCells, "NumberOfWells");
+    EncodeCell(kCount, count, std::span(channels).first(kCount.width));
+    CRawDataRecordingHdr header;
+    DecodeChannels(channels, header);
+    return {std::move(header.WellChannels), static_cast<std::size_t>(cells[kTicks].channels)};
 }
 
 }  // namespace
@@ -117,9 +173,14 @@ void JudgeFileCells(std::string_view bytes, const CHeaderPlace& place, CFindings
     JudgeCells(kFileCells, bytes, kNewestVersion, place, findings);
 }
 
-void JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place, CFindings& findings) {
+CListedWells JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place,
+                                 CFindings& findings) {
     JudgeCells(kRecordingCells, bytes, version, place, findings);
-    JudgeListLengths(bytes, version, place, findings);
+    if (bytes.size() < SizeOf(kRecordingCells, version)) return {};
+    const auto wells = CellsThatTell(&CRawDataRecordingHdr::WellChannels, bytes, version);
+    JudgeNumbers(wells, place, findings);
+    JudgeNumbers(CellsThatTell(&CRawDataRecordingHdr::AuxChannels, bytes, version), place, findings);
+    return ListedWells(wells, bytes, version);
 }
 
 void JudgeSegmentCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings) {

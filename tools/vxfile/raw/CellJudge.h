@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/vxfile/Findings.h"
+#include "vxfileio/rawdata/RawDataHeaders.h"
 
 /// @file
 /// The cells of a raw data file's headers, held against what the format fixes of them: key, value as it is written,
@@ -18,11 +21,19 @@ struct CHeaderPlace {
     std::int64_t offset = 0;  ///< Where it stands.
 };
 
+/// The wells of a recording as its lists tell them, even if the count ahead of them is damaged.
+struct CListedWells {
+    std::vector<CRawDataChannelInfo> wells;  ///< As many as the list of their IDs has.
+    std::size_t intervals = 0;               ///< So many of them have a sample interval.
+};
+
 /// @name Judging one header
-/// `bytes` is what the file has of it; a header that the end of the file cuts is one finding.
+/// `bytes` is what the file has of it; a header that the end of the file cuts is one finding, and its wells aren't
+/// known.
 /// @{
 void JudgeFileCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings);
-void JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place, CFindings& findings);
+CListedWells JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place,
+                                 CFindings& findings);
 void JudgeSegmentCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings);
 /// @}
 

@@ -80,7 +80,7 @@ class CRawVerifier {
     void JudgeFileHdr();
     void JudgeRecording(std::size_t index);
     void JudgePositions(const CRecordingAt& recording, const std::string& name);
-    void JudgeWells(const CRecordingAt& recording, const std::string& name);
+    void JudgeWells(const CListedWells& listed, const CRecordingAt& recording, const std::string& name);
     void JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end);
     void JudgeUnfinished(const CRecordingAt& recording, const std::string& name);
     CChainSum JudgeSegments(CSegmentWalk walk, const CRecordingAt& recording, const std::string& name);
@@ -120,11 +120,12 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const std::string name = NameOf(recording, index);
     const auto size = static_cast<std::size_t>(m_scan.RecordingHdrSize());
-    JudgeRecordingCells(m_scan.ReadBytes(recording.position, size), m_scan.Header().FileVersion,
-                        {name, recording.position}, m_findings);
+    const CListedWells listed =
+        JudgeRecordingCells(m_scan.ReadBytes(recording.position, size), m_scan.Header().FileVersion,
+                            {name, recording.position}, m_findings);
     m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
     m_progress.Reach(recording.position);
-    JudgeWells(recording, name);
+    JudgeWells(listed, recording, name);
     if (recording.header.FPosRecordingData == kUnset) return JudgeUnfinished(recording, name);
     JudgePositions(recording, name);
     const CChainSum sum = JudgeSegments(SegmentsOf(m_scan, recording), recording, name);
@@ -142,13 +143,14 @@ void CRawVerifier::JudgePositions(const CRecordingAt& recording, const std::stri
             Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers don't look at it.");
 }
 
-void CRawVerifier::JudgeWells(const CRecordingAt& recording, const std::string& name) {
+void CRawVerifier::JudgeWells(const CListedWells& listed, const CRecordingAt& recording, const std::string& name) {
     m_ticks.clear();
-    for (const auto& well : recording.header.WellChannels) {
+    for (std::size_t i = 0; i < listed.wells.size(); ++i) {
+        const CRawDataChannelInfo& well = listed.wells[i];
         if (!m_ticks.emplace(well.ID, well.Ticks).second)
             Add(name + " > WellIDs", recording.position + CellOffset(kWellIDsCell), "well " + Text(well.ID) + " twice",
                 "each well once", "Nobody can tell which channel a segment of this well belongs to.");
-        if (well.Ticks <= 0)
+        if (well.Ticks <= 0 && i < listed.intervals)
             Add(name + " > Ticks", recording.position + CellOffset(kTicksCell),
                 Text(well.Ticks) + " for well " + Text(well.ID), "a sample interval above 0",
                 "The times of its samples can't be told.");
