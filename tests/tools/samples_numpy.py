@@ -61,7 +61,8 @@ with tempfile.TemporaryDirectory() as folder:
     array = numpy.load(io.BytesIO(run("--task", "PreQC", "--well", "2", "--npy", "--units")))
     assert list(array) == [row[5] for row in rows if row[0] == "PreQC" and row[2] == 2]
     table = numpy.load(io.BytesIO(run("--npy", "--table")))
-    assert [tuple(item)[1:] for item in table.tolist()] == [(row[2], row[3], row[4]) for row in rows]
+    assert table.dtype.names == ("task", "recording", "well", "time", "sample")
+    assert [tuple(item) for item in table.tolist()] == [(row[0].encode("latin-1"), *row[1:5]) for row in rows]
     several = subprocess.run([VXFILE, "samples", REFERENCE, "--npy"], capture_output=True, check=False)
     assert several.returncode == 2 and b"--well" in several.stderr, several
 

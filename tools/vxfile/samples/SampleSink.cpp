@@ -200,12 +200,13 @@ class CNpyArray : public CSampleSink {
     std::vector<double> m_values;
 };
 
-/// A table of all: an item per sample, with recording, well, time and value.
+/// A table of all: an item per sample, with task, recording, well, time and value, as the lines of a text have them.
 class CNpyTable : public CSampleSink {
  public:
     CNpyTable(const CSampleForm& form, CSampleSource& source)
         : m_units(form.units),
-          m_itemSize(sizeof(std::uint32_t) + sizeof(std::int32_t) + sizeof(std::int64_t) +
+          m_taskSize(std::max(source.LongestTask(), std::size_t{1})),
+          m_itemSize(m_taskSize + 2 * sizeof(std::int32_t) + sizeof(std::int64_t) +
                      (m_units ? sizeof(double) : sizeof(std::uint16_t))),
           m_block(kBlockItems * m_itemSize),
           m_file(form, Type(), [&] { return CountAhead(form, source); }) {}
@@ -213,6 +214,10 @@ class CNpyTable : public CSampleSink {
     void Begin(const CPiece& piece) override {
         m_piece = &piece;
         m_channel = ChannelOf(piece, m_units);
+        m_front = piece.recording->TaskName;
+        m_front.resize(m_taskSize);
+        Append(m_front, piece.recording->Recording);
+        Append(m_front, piece.well);
     }
 
     void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
@@ -231,20 +236,24 @@ class CNpyTable : public CSampleSink {
     static constexpr std::size_t kBlockItems = 4096;
 
     std::string Type() const {
-        return std::string("[('recording','<u4'),('well','<i4'),('time','<i8'),") +
+        return "[('task','|S" + std::to_string(m_taskSize) + "'),('recording','<i4'),('well','<i4'),('time','<i8')," +
                (m_units ? "('value','<f8')]" : "('sample','<u2')]");
     }
 
+    static void Append(std::string& bytes, std::int32_t number) {
+        std::array<char, sizeof number> raw{};
+        std::memcpy(raw.data(), &number, sizeof number);
+        bytes.append(raw.data(), raw.size());
+    }
+
     void Fill(std::int64_t time, std::span<const std::uint16_t> samples) {
-        const auto recording = static_cast<std::uint32_t>(m_piece->recordingIndex + 1);
         std::byte* at = m_block.data();
         const auto add = [&at](const auto& number) {
             std::memcpy(at, &number, sizeof number);
             at += sizeof number;
         };
         for (const std::uint16_t sample : samples) {
-            add(recording);
-            add(m_piece->well);
+            at = std::ranges::copy(std::as_bytes(std::span(m_front)), at).out;
             add(time);
             if (m_units) {
                 add(InUnits(sample, m_channel));
@@ -256,9 +265,11 @@ class CNpyTable : public CSampleSink {
     }
 
     bool m_units;
+    std::size_t m_taskSize;
     std::size_t m_itemSize;
     std::vector<std::byte> m_block;
     CNpyFile m_file;
+    std::string m_front;  ///< Of each item of the piece: all ahead of the time.
     const CPiece* m_piece = nullptr;
     CRawDataChannelInfo m_channel;
 };

@@ -113,7 +113,7 @@ void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(cons
         while (const CSegmentAt* segment = walk.Next()) {
             if (!Has(m_choice.wells, segment->header.ID)) continue;
             if (segment->End() > m_scan.Size()) RefuseBreak("the last segment of " + NameOf(recording, i));
-            const CPiece piece = Chosen(*segment, i);
+            const CPiece piece = Chosen(*segment, recording.header);
             if (piece.count > 0) take(piece, {i, walk.NextPosition()});
         }
         if (walk.Break()) RefuseBreak(NameOf(recording, i));
@@ -175,16 +175,22 @@ std::vector<std::string> CSampleSource::Unfinished() const {
     return names;
 }
 
+std::size_t CSampleSource::LongestTask() const {
+    std::size_t longest = 0;
+    for (const auto& recording : m_scan.Recordings()) {
+        if (IsChosen(recording.header)) longest = std::max(longest, recording.header.TaskName.size());
+    }
+    return longest;
+}
+
 bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
     return Has(m_choice.tasks, header.TaskName) && Has(m_choice.recordings, header.Recording);
 }
 
 /// Returns what is chosen of a segment, and notes what there was to choose from.
-CPiece CSampleSource::Chosen(const CSegmentAt& segment, std::size_t recordingIndex) {
-    const CRawDataRecordingHdr& recording = m_scan.Recordings()[recordingIndex].header;
+CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording) {
     CPiece piece;
     piece.recording = &recording;
-    piece.recordingIndex = recordingIndex;
     piece.well = segment.header.ID;
     const auto well = std::ranges::find(recording.WellChannels, piece.well, &CRawDataChannelInfo::ID);
     if (well != recording.WellChannels.end()) piece.channel = &*well;

@@ -26,7 +26,6 @@ struct CSampleChoice {
 /// The chosen samples of one segment.
 struct CPiece {
     const CRawDataRecordingHdr* recording = nullptr;  ///< Valid as long as the file is open.
-    std::size_t recordingIndex = 0;                   ///< In the order of the file, from 0.
     const CRawDataChannelInfo* channel = nullptr;     ///< Null if the recording header doesn't name the well.
     std::int32_t well = 0;
     std::int64_t time = 0;      ///< Of the first sample.
@@ -72,6 +71,9 @@ class CSampleSource {
     /// The names of chosen recordings that can't be read, since their writer never finished them.
     std::vector<std::string> Unfinished() const;
 
+    /// The bytes of the longest name that a chosen recording's task has.
+    std::size_t LongestTask() const;
+
     const std::string& Path() const { return m_path; }
     std::int64_t Size() const { return m_scan.Size(); }
 
@@ -87,7 +89,7 @@ class CSampleSource {
     [[noreturn]] void RefuseWells() const;
     void Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take);
     bool IsChosen(const CRawDataRecordingHdr& header) const;
-    CPiece Chosen(const CSegmentAt& segment, std::size_t recordingIndex);
+    CPiece Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording);
     void Clip(CPiece& piece) const;
     [[noreturn]] void RefuseBreak(const std::string& where) const;
 
