@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -25,7 +26,7 @@ constexpr CCommandText kText = {
     .purpose = "Make the workbooks of a results file and its settings file",
     .details =
         "One workbook has the responses of all wells, and each well in the state \"new\" gets one of its own "
-        "beside it, named after its label. Workbooks of these names are replaced, all of them or none.",
+        "beside it, named after its label. They appear when all of them are made.",
     .example = "vxfile export run.vxr run.vxs -o run.xls",
     .statuses =
         "  0  the workbooks are there\n"
@@ -87,14 +88,15 @@ class CExportCommand : public CCommand {
         app.add_option("RESULTS", m_results.path, "The results file")->required();
         app.add_option("SETTINGS", m_settings.path, "The settings file of the same run")->required();
         app.add_option("-o,--output", m_output, "The workbook of all wells, such as run.xls")->required();
+        app.add_flag("--force", m_force, "Replace workbooks that are there already");
     }
 
     int Run() override {
         Require(EFileKind::Results, m_results.path);
         Require(EFileKind::Settings, m_settings.path);
         RefuseInputs(m_output);
+        static_cast<void>(CWholeFile(m_output, m_force));  // what can be refused is refused before the work
         const fs::path target = m_output;
-        if (fs::is_directory(target)) throw CFailure(m_output + " is a folder; name the workbook in it.");
         m_settings.reader.ReadFile(m_settings.path);
         m_results.reader.ReadFile(m_results.path);
         const CWorkFolder folder(target);
@@ -126,12 +128,17 @@ class CExportCommand : public CCommand {
             workbooks.push_back(entry.path());
         std::ranges::sort(workbooks);
         if (workbooks.empty()) throw CFailure("No workbook could be written; make room on the disk.");
-        for (const auto& workbook : workbooks)
-            RefuseInputs((to / workbook.filename()).string());
+        std::vector<std::unique_ptr<CWholeFile>> places;
         for (const auto& workbook : workbooks) {
-            const fs::path place = to / workbook.filename();
-            fs::rename(workbook, place);
-            std::cout << place.string() << '\n';
+            const std::string place = (to / workbook.filename()).string();
+            RefuseInputs(place);
+            places.push_back(std::make_unique<CWholeFile>(place, m_force));
+        }
+        for (std::size_t i = 0; i < workbooks.size(); ++i)
+            places[i]->Take(workbooks[i].string());
+        for (std::size_t i = 0; i < workbooks.size(); ++i) {
+            places[i]->Commit();
+            std::cout << (to / workbooks[i].filename()).string() << '\n';
         }
         return workbooks.size();
     }
@@ -163,6 +170,7 @@ class CExportCommand : public CCommand {
     CInput<CIResultsReader> m_results;
     CInput<CISettingsReader> m_settings;
     std::string m_output;
+    bool m_force = false;
 };
 
 }  // namespace

@@ -45,10 +45,12 @@ class CSamplesCommand : public CCommand {
         auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (this is the form if none is told)");
         auto* const tsv = app.add_flag("--tsv", m_tsv, "Text with tabs")->excludes(csv);
         auto* const npy = app.add_flag("--npy", m_npy, "An array per well, for numpy")->excludes(csv)->excludes(tsv);
-        app.add_flag("--table", m_table, "With --npy: one table of all, with tasks, recordings, wells and times")->needs(npy);
+        app.add_flag("--table", m_table, "With --npy: one table of all, with tasks, recordings, wells and times")
+            ->needs(npy);
         app.add_flag("--units", m_form.units, "In physical units instead of steps of the converter");
         app.add_option("-o,--output", m_form.target,
                        "Where to write; - is standard output. With {well} in the name each well has a file of its own");
+        app.add_flag("--force", m_form.replace, "Replace files that are there already");
     }
 
     int Run() override {

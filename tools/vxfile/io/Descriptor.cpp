@@ -36,9 +36,9 @@ bool CDescriptor::Create(const std::string& path) {
     return m_number != kClosed;
 }
 
-void CDescriptor::UseStandardOutput() {
-    MakeOutputBinary();
-    m_number = kStandardOutput;
+void CDescriptor::UseOpen(int number) {
+    if (number == kStandardOutput) MakeOutputBinary();
+    m_number = number;
 }
 
 bool CDescriptor::Write(std::span<const std::byte> bytes) {

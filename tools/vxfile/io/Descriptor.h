@@ -18,8 +18,9 @@ class CDescriptor {
     /// Creates a file or empties an existing one, or opens what is no plain file.
     bool Create(const std::string& path);
 
-    /// Takes standard output, where bytes pass as they are from now on. It is never closed.
-    void UseStandardOutput();
+    /// Takes a file that is open already, by its number: 1 is standard output, where bytes pass as they are from now
+    /// on. It isn't closed.
+    void UseOpen(int number);
 
     /// Writes all bytes at the current position, which moves behind them.
     bool Write(std::span<const std::byte> bytes);

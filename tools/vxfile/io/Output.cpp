@@ -5,15 +5,21 @@
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <system_error>
 #include <utility>
 
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Interrupt.h"
+#include "vxfileio/helpers/NumberText.h"
 
 namespace vxfile {
 
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kStandardOutput = 1;
 
 constexpr std::size_t kBlockSize = std::size_t{64} << 10;
 
@@ -25,8 +31,13 @@ std::string FreeNameBeside(const std::string& path) {
     std::error_code ignored;
     for (int number = 1;; ++number) {
         std::string name = path + ".part" + std::to_string(number);
-        if (!std::filesystem::exists(name, ignored)) return name;
+        if (!fs::exists(name, ignored)) return name;
     }
+}
+
+/// Tells whether something is a device or a pipe.
+bool IsSpecial(const fs::file_status& status) {
+    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
 /// `error` is the system's number; 0 if nobody knows any more.
@@ -35,49 +46,91 @@ std::string FreeNameBeside(const std::string& path) {
     throw CFailure("Can't write to " + target + reason + "; make room, or write elsewhere.");
 }
 
+/// What a path leads to.
+struct CTarget {
+    std::string path;              ///< Links followed.
+    std::optional<int> open = {};  ///< The number of an open file, if it is no name: 1 of `/dev/stdout`.
+};
+
+CTarget Follow(const std::string& path) {
+    constexpr int kMostLinks = 40;  // the system itself follows no more
+    std::error_code none;
+    const fs::path openFiles = fs::canonical("/proc/self/fd", none);
+    fs::path place = path;
+    for (int links = 0; fs::is_symlink(fs::symlink_status(place, none)); ++links) {
+        const fs::path folder = fs::canonical(place.has_parent_path() ? place.parent_path() : ".", none);
+        if (!openFiles.empty() && folder == openFiles) return {path, vxfileio::ParseInt32(place.filename().string())};
+        if (links == kMostLinks) throw CFailure(path + " is a link that leads round in circles; name a file.");
+        place = folder / fs::read_symlink(place, none);
+    }
+    return {place == path ? path : place.string()};
+}
+
 }  // namespace
 
 void RefuseTarget(const std::string& target, const std::string& source) {
     std::error_code ignored;
     if (target == "-") throw CFailure("This can't go to standard output; name a file by -o.");
-    if (std::filesystem::equivalent(target, source, ignored))
+    if (fs::equivalent(target, source, ignored))
         throw CFailure(target + " is the file itself, which is never written to; choose another name.");
 }
 
-CWholeFile::CWholeFile(std::string path, bool replace) : m_path(std::move(path)), m_workPath(FreeNameBeside(m_path)) {
+CWholeFile::CWholeFile(std::string path, bool replace) : m_path(std::move(path)), m_replace(replace) {
     std::error_code ignored;
-    if (std::filesystem::is_directory(m_path, ignored)) throw CFailure(m_path + " is a folder; name a file in it.");
-    if (!std::filesystem::exists(m_path, ignored)) return;
-    if (!std::filesystem::is_regular_file(m_path, ignored))
+    const CTarget target = Follow(m_path);
+    m_place = target.path;
+    m_workPath = FreeNameBeside(m_place);
+    const auto status = fs::status(m_place, ignored);
+    if (fs::is_directory(status)) throw CFailure(m_path + " is a folder; name a file in it.");
+    if (target.open || IsSpecial(status))
         throw CFailure(m_path + " is a device or a pipe, which can't hold the whole file; name a file.");
-    if (!replace) throw CFailure(m_path + " is there already; choose another name, or replace it with --force.");
+    RefuseReplacing();
 }
 
 CWholeFile::~CWholeFile() {
     std::error_code ignored;
-    if (!m_committed) std::filesystem::remove(m_workPath, ignored);
+    if (!m_committed) fs::remove(m_workPath, ignored);
+}
+
+void CWholeFile::RefuseReplacing() const {
+    std::error_code ignored;
+    if (!m_replace && fs::exists(m_place, ignored))
+        throw CFailure(m_path + " is there already; choose another name, or replace it with --force.");
+}
+
+void CWholeFile::Take(const std::string& made) {
+    std::error_code error;
+    fs::rename(made, m_workPath, error);
+    if (error) fs::copy_file(made, m_workPath, error);  // a link may lead to another disk
+    if (error) throw CFailure("Can't write to " + m_path + ": " + error.message() + "; make room, or write elsewhere.");
 }
 
 void CWholeFile::Commit() {
     std::error_code error;
-    std::filesystem::rename(m_workPath, m_path, error);
+    RefuseReplacing();
+    if (const auto replaced = fs::status(m_place, error); fs::exists(replaced))
+        fs::permissions(m_workPath, replaced.permissions(), error);
+    fs::rename(m_workPath, m_place, error);
     if (error) throw CFailure("Can't put " + m_path + " in its place: " + error.message() + ".");
     m_committed = true;
 }
 
-COutput::COutput(const std::string& path, const std::string& source) : m_name(path) {
+COutput::COutput(const std::string& path, const std::string& source, bool replace) : m_name(path) {
     m_gathered.reserve(kBlockSize);
     if (path == "-") {
         m_name = "standard output";
-        m_descriptor.UseStandardOutput();
-        return;
+        m_descriptor.UseOpen(kStandardOutput);
+    } else {
+        RefuseTarget(path, source);
+        Open(path, replace);
     }
-    RefuseTarget(path, source);
-    // A pipe or a device is written to; only a file can be put in the place of another.
+}
+
+/// A pipe or a device is written to; only a file can be put in the place of another.
+void COutput::Open(const std::string& path, bool replace) {
     std::error_code ignored;
-    const auto status = std::filesystem::status(path, ignored);
-    const bool isSpecial = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
-    if (!isSpecial || std::filesystem::is_directory(status)) m_file = std::make_unique<CWholeFile>(path);
+    if (const auto open = Follow(path).open) return m_descriptor.UseOpen(*open);
+    if (!IsSpecial(fs::status(path, ignored))) m_file = std::make_unique<CWholeFile>(path, replace);
     if (!m_descriptor.Create(m_file ? m_file->WorkPath() : path))
         throw CFailure("Can't create " + path + ": " + std::strerror(errno) + "; choose another folder.");
 }

@@ -42,7 +42,7 @@ CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
 class CTextTable : public CSampleSink {
  public:
     CTextTable(const CSampleForm& form, char separator)
-        : m_units(form.units), m_separator(separator), m_output(form.target, form.source) {
+        : m_units(form.units), m_separator(separator), m_output(form.target, form.source, form.replace) {
         m_text = "task,recording,well,time,";
         m_text += m_units ? "value\n" : "sample\n";
         std::ranges::replace(m_text, ',', separator);
@@ -116,7 +116,7 @@ class CNpyFile {
     /// `type` is a description of numpy. `countAhead` tells how many items will come; it is asked only if that can't be
     /// put in when they are there.
     CNpyFile(const CSampleForm& form, std::string type, const std::function<std::uint64_t()>& countAhead)
-        : m_type(std::move(type)), m_output(form.target, form.source) {
+        : m_type(std::move(type)), m_output(form.target, form.source, form.replace) {
         m_output.Write(Header(m_output.CanRewriteFront() ? 0 : countAhead()));
     }
 
