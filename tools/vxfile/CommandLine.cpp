@@ -74,7 +74,7 @@ std::string Footer(const CCommands& commands) {
     return footer +
            "\nvxfile COMMAND --help tells more about a command and its exit status. A wrong\n"
            "command line is 2, and Ctrl-C 130; it leaves no half file behind.\n"
-           "Nothing is coloured if NO_COLOR is set.";
+           "Nothing is coloured if NO_COLOR is set, or TERM is dumb.";
 }
 
 /// Returns the command whose arguments were being parsed; the program itself if there is none.
@@ -91,6 +91,11 @@ std::vector<std::string> OptionsOf(const CLI::App& command) {
             words.push_back("--" + word);
     }
     return words;
+}
+
+bool TakesLists(const CLI::App& command) {
+    const auto options = command.get_options();
+    return std::ranges::any_of(options, [](const CLI::Option* option) { return option->get_delimiter() != '\0'; });
 }
 
 }  // namespace
@@ -121,6 +126,13 @@ void Describe(CLI::App& app, const CCommands& commands) {
     }
 }
 
+CLI::Validator Wanted(const CLI::Validator& check, const std::string& wanted) {
+    const auto judge = [check, wanted](const std::string& text) {
+        return check(text).empty() ? "" : "'" + text + "' isn't " + wanted;
+    };
+    return {[judge](std::string& text) { return judge(text); }, ""};
+}
+
 void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
     std::vector<std::string> names;
     for (const auto& command : commands)
@@ -137,7 +149,10 @@ void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
     if (unknown.empty()) throw CFailure(std::string(error.what()) + "; " + help + " tells how.");
     const auto option = std::ranges::find_if(unknown, [](const auto& word) { return word.starts_with("-"); });
     if (option == unknown.end())
-        throw CFailure("'" + unknown.front() + "' is one argument too many; " + help + " tells how.");
+        throw CFailure(
+            "'" + unknown.front() + "' is one argument too many" +
+            (TakesLists(command) ? " (several values of an option have commas between them, as 1,2); " : "; ") + help +
+            " tells how.");
     throw CFailure("'" + *option + "' is no option; " + Advice(Nearest(*option, OptionsOf(command)), help));
 }
 

@@ -31,11 +31,20 @@ std::string NameOf(const CLI::Option& option) {
     return name;
 }
 
+/// Returns what an option takes, such as "SECONDS", in the words of `--help`; empty if it takes nothing.
+std::string ValueOf(const CLI::App& app, const CLI::Option& option) {
+    if (option.get_positional() || option.get_type_name().empty()) return "";
+    return app.get_formatter()->get_label(option.get_type_name());
+}
+
 void WriteCommand(const CLI::App& app, const CCommandText& text, std::ostream& out) {
     out << ".SS " << text.name << "\n" << Escaped(text.purpose) << ".\n";
     if (!text.details.empty()) out << ".PP\n" << Escaped(text.details) << '\n';
-    for (const CLI::Option* option : app.get_options())
-        out << ".TP\n.B " << Escaped(NameOf(*option)) << '\n' << Escaped(option->get_description()) << '\n';
+    for (const CLI::Option* option : app.get_options()) {
+        const std::string value = ValueOf(app, *option);
+        out << ".TP\n.B " << Escaped(NameOf(*option)) << (value.empty() ? "" : R"(\fR \fI)") << Escaped(value) << '\n'
+            << Escaped(option->get_description()) << '\n';
+    }
     out << ".PP\nExample:\n.PP\n.nf\n"
         << Escaped(text.example) << "\n.fi\n.PP\nExit status:\n.PP\n.nf\n"
         << Escaped(text.statuses) << "\n.fi\n";
@@ -67,6 +76,7 @@ void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& o
         WriteCommand(*app.get_subcommand(std::string(text.name)), text, out);
     }
     out << ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nIf it is set and not empty, nothing is coloured.\n"
+        << ".TP\n.B TERM\nOn a terminal that is \"dumb\" nothing is coloured, and no line is written twice.\n"
         << ".SH EXIT STATUS\nEach command tells its own above. A wrong command line is 2, and Ctrl\\-C 130.\n";
 }
 

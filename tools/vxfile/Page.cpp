@@ -15,12 +15,6 @@ namespace {
 /// So many rows fit on one screen beside all the rest.
 constexpr std::size_t kMostRows = 16;
 
-/// Returns how many characters a text in UTF-8 has.
-std::size_t Width(std::string_view text) {
-    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; };
-    return static_cast<std::size_t>(std::ranges::count_if(text, begins));
-}
-
 std::string Filled(const std::string& text, std::size_t width) {
     return text + std::string(width - std::min(width, Width(text)), ' ');
 }

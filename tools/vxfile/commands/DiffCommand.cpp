@@ -53,24 +53,33 @@ class CDiffCommand : public CCommand {
     }
 
     int Run() override {
+        if (!m_json || m_quiet) return Compare();
+        int status = kTrouble;
+        const std::string failure = FailureOf([&] { status = Compare(); });
+        if (!failure.empty()) PrintDocument({{"error", failure}});
+        return status;
+    }
+
+ private:
+    int Compare() const {
         const EFileKind kind = Kind();
         CDifferences differences;
         CompareFor(kind)(m_left, m_right, differences);
-        if (m_json && !m_quiet) PrintDocument(kind, differences);
+        if (m_json && !m_quiet) PrintDocument(ToJson(kind, differences));
         if (!m_json && !m_quiet) Print(differences);
         return differences.Count() == 0 ? kSound : kFindings;
     }
 
- private:
     EFileKind Kind() const {
         const EFileKind left = FileKindOf(m_left);
         const EFileKind right = FileKindOf(m_right);
-        if (left == EFileKind::Unknown || right == EFileKind::Unknown)
-            throw CFailure((left == EFileKind::Unknown ? m_left : m_right) +
-                           " is no file of this system; vxfile compares only those.");
+        for (const auto& [kind, path] : {std::pair(left, m_left), std::pair(right, m_right)}) {
+            if (kind == EFileKind::Empty) throw CFailure(path + " is empty; there is nothing to compare.");
+            if (!IsOurs(kind)) throw CFailure(path + " is no file of this system; vxfile compares only those.");
+        }
         if (left != right)
-            throw CFailure(m_left + " is a " + std::string(NameOf(left)) + ", " + m_right + " a " +
-                           std::string(NameOf(right)) + "; name two of one kind.");
+            throw CFailure(m_left + " is " + ArticleAndNameOf(left) + ", " + m_right + ' ' + ArticleAndNameOf(right) +
+                           "; name two of one kind.");
         return left;
     }
 
@@ -85,20 +94,23 @@ class CDiffCommand : public CCommand {
             std::cout << "and " << Counted(differences.Count() - kMostPrinted, "difference") << " more\n";
     }
 
-    void PrintDocument(EFileKind kind, const CDifferences& differences) const {
+    static CJson ToJson(EFileKind kind, const CDifferences& differences) {
         CJson list = CJson::array();
         for (const auto& difference : differences.Kept())
             list.push_back({{"where", Readable(difference.where)},
                             {"left", Readable(difference.left)},
                             {"right", Readable(difference.right)}});
-        CJson files = CJson::array();
-        files.push_back({{"left", m_left},
-                         {"right", m_right},
-                         {"kind", WordOf(kind)},
-                         {"equal", differences.Count() == 0},
-                         {"differenceCount", differences.Count()},
-                         {"differences", std::move(list)}});
-        PrintJson(kText.name, std::move(files));
+        return {{"kind", WordOf(kind)},
+                {"equal", differences.Count() == 0},
+                {"differenceCount", differences.Count()},
+                {"differences", std::move(list)}};
+    }
+
+    /// Prints what is told of the two files.
+    void PrintDocument(const CJson& told) const {
+        CJson json = {{"left", m_left}, {"right", m_right}};
+        json.update(told);
+        PrintJson(kText.name, CJson::array({std::move(json)}));
     }
 
     std::string m_left;

@@ -31,14 +31,13 @@ constexpr CCommandText kText = {
     .statuses =
         "  0  the workbooks are there\n"
         "  1  likewise, but the files are of two runs, or a well has no workbook of its own\n"
-        "  2  they couldn't be made, and nothing was replaced",
+        "  2  they couldn't be made, or one is there already; nothing was replaced",
 };
 
 void Require(EFileKind kind, const std::string& path) {
     const EFileKind found = FileKindOf(path);
     if (found != kind)
-        throw CFailure(path + " is a " + std::string(NameOf(found)) + "; a " + std::string(NameOf(kind)) +
-                       " is wanted here.");
+        throw CFailure(path + " is " + ArticleAndNameOf(found) + "; " + ArticleAndNameOf(kind) + " is wanted here.");
 }
 
 /// A folder beside the workbooks in which they are made, so that those in place stay until the new ones are whole.
@@ -162,8 +161,8 @@ class CExportCommand : public CCommand {
         const std::size_t expected = 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
         if (made >= expected) return true;
         std::cout.flush();
-        std::cerr << "vxfile: " << expected - made
-                  << " wells have no workbook of their own: their labels are no names of files, or are the same.\n";
+        std::cerr << "vxfile: " << Counted(expected - made, "workbook")
+                  << " of single wells couldn't be made: their labels are no names of files, or are the same.\n";
         return false;
     }
 

@@ -15,8 +15,6 @@
 #include "tools/vxfile/raw/RawInfo.h"
 #include "tools/vxfile/workbook/WorkbookInfo.h"
 #include "tools/vxfile/xml/XmlInfo.h"
-#include "vxfileio/frame/ExcVXReader.h"
-#include "vxfileio/frame/VXExceptions.h"
 #include "vxfileio/helpers/File.h"
 
 namespace vxfile {
@@ -56,15 +54,8 @@ class CInfoCommand : public CCommand {
         int status = kSound;
         for (const auto& path : m_paths) {
             CJson json = {{"path", path}};
-            try {
-                Tell(path, json);
-            } catch (const CFailure& failure) {
-                Refuse(failure.what(), json);
-            } catch (const CExcVXReader& failure) {
-                Refuse(failure.GetMsg(), json);
-            } catch (const CVXExceptions& failure) {
-                Refuse(Readable(failure.message), json);
-            }
+            const std::string failure = FailureOf([&] { Tell(path, json); });
+            if (!failure.empty()) Refuse(failure, json);
             status = std::max(status, StatusOf(json));
             files.push_back(std::move(json));
         }
@@ -87,10 +78,11 @@ class CInfoCommand : public CCommand {
                 return InfoOfResults(path);
             case EFileKind::Workbook:
                 return InfoOfWorkbook(path);
+            case EFileKind::Empty:
+                throw CFailure(path + " is empty; there is nothing to tell or to save.");
             case EFileKind::Unknown:
                 break;
         }
-        if (SizeOfFile(path) == 0) throw CFailure(path + " is empty; there is nothing to tell or to save.");
         throw CFailure(path +
                        " is no file of this system, or its beginning is damaged; if it is a raw data file, "
                        "vxfile recover saves it.");

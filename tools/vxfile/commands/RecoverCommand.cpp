@@ -53,8 +53,9 @@ class CRecoverCommand : public CCommand {
  private:
     void RefuseOtherKinds() const {
         const EFileKind kind = FileKindOf(m_source);
+        if (kind == EFileKind::Empty) throw CFailure(m_source + " is empty; there is nothing to save.");
         if (kind != EFileKind::RawData && kind != EFileKind::Unknown)
-            throw CFailure(m_source + " is a " + std::string(NameOf(kind)) + "; only raw data files can be recovered.");
+            throw CFailure(m_source + " is " + ArticleAndNameOf(kind) + "; only raw data files can be recovered.");
     }
 
     std::string m_source;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/vxfile/CommandLine.h"
 #include "tools/vxfile/io/Progress.h"
 #include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/samples/SampleSink.h"
@@ -25,7 +26,8 @@ constexpr CCommandText kText = {
     .statuses =
         "  0  all that was chosen is written\n"
         "  1  written, but a chosen recording was never finished, or a chosen well has no samples\n"
-        "  2  the file is damaged, nothing is chosen, or the options don't go together; no file is left",
+        "  2  the file is damaged, nothing is chosen, the options don't go together, or a file is there; no new\n"
+        "     file is left",
 };
 
 class CSamplesCommand : public CCommand {
@@ -35,13 +37,18 @@ class CSamplesCommand : public CCommand {
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_path, "The raw data file")->required();
         const auto list = [&](const char* name, auto& values, const char* text) {
-            app.add_option(name, values, text)->delimiter(',')->allow_extra_args(false);
+            return app.add_option(name, values, text)->delimiter(',')->allow_extra_args(false);
         };
+        const CLI::TypeValidator<std::int32_t> number("");
+        const CLI::Validator time = Wanted(CLI::TypeValidator<std::int64_t>(""),
+                                           "a time, which is a whole number of the instrument's time unit");
         list("--task", m_choice.tasks, "Only recordings of this task; several with commas, as A,B");
-        list("--recording", m_choice.recordings, "Only recordings with this number; likewise");
-        list("--well", m_choice.wells, "Only this well ID; likewise");
-        app.add_option("--from", m_choice.from, "Only samples of this time or later");
-        app.add_option("--to", m_choice.to, "Only samples of this time or earlier");
+        list("--recording", m_choice.recordings, "Only recordings with this number; likewise")
+            ->check(Wanted(number, "the number of a recording"));
+        list("--well", m_choice.wells, "Only this well ID; likewise")
+            ->check(Wanted(number, "the ID of a well, which is a whole number"));
+        app.add_option("--from", m_choice.from, "Only samples of this time or later")->check(time);
+        app.add_option("--to", m_choice.to, "Only samples of this time or earlier")->check(time);
         auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (this is the form if none is told)");
         auto* const tsv = app.add_flag("--tsv", m_tsv, "Text with tabs")->excludes(csv);
         auto* const npy = app.add_flag("--npy", m_npy, "An array per well, for numpy")->excludes(csv)->excludes(tsv);

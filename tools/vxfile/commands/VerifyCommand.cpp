@@ -46,6 +46,14 @@ struct CVerdict {
     CFindings findings;
 };
 
+CFindings VerifyEmpty(const std::string& /*path*/) {
+    CFindings findings;
+    findings.Add({"file", 0, "nothing", "a file of this system",
+                  "The file is empty: there is nothing to read and nothing to save."});
+    findings.MakeUnusable();
+    return findings;
+}
+
 CFindings VerifyUnknown(const std::string& /*path*/) {
     CFindings findings;
     findings.Add({"file", 0, "no beginning that is known",
@@ -57,7 +65,8 @@ CFindings VerifyUnknown(const std::string& /*path*/) {
 }
 
 CFindings VerifyKind(EFileKind kind, const std::string& path) {
-    constexpr std::array kVerify = {VerifyRawData, VerifySettings, VerifyResults, VerifyWorkbook, VerifyUnknown};
+    constexpr std::array kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
+                                    VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
     return kVerify[static_cast<std::size_t>(kind)](path);
 }
 
@@ -113,7 +122,7 @@ void AddFolder(const std::string& folder, std::vector<std::string>& paths) {
     using CWalk = std::filesystem::recursive_directory_iterator;
     for (const auto& entry : CWalk(folder, std::filesystem::directory_options::skip_permission_denied)) {
         const std::string path = entry.path().string();
-        if (entry.is_regular_file() && FileKindOf(path) != EFileKind::Unknown) found.push_back(path);
+        if (entry.is_regular_file() && IsOurs(FileKindOf(path))) found.push_back(path);
     }
     std::ranges::sort(found);
     paths.insert(paths.end(), found.begin(), found.end());
@@ -132,11 +141,9 @@ class CVerifyCommand : public CCommand {
     int Run() override {
         CJson files = CJson::array();
         for (const auto& path : Paths()) {
-            try {
-                files.push_back(Tell(path));
-            } catch (const CFailure& failure) {
-                files.push_back(Refuse(path, failure.what()));
-            }
+            CJson json;
+            const std::string failure = FailureOf([&] { json = Tell(path); });
+            files.push_back(failure.empty() ? std::move(json) : Refuse(path, failure));
         }
         if (m_json && !m_quiet) PrintJson(kText.name, std::move(files));
         if (!m_json && !m_quiet) PrintSummary();

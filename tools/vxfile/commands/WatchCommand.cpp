@@ -4,9 +4,11 @@
 #include <chrono>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
+#include "tools/vxfile/CommandLine.h"
 #include "tools/vxfile/io/Interrupt.h"
 #include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/io/Terminal.h"
@@ -33,14 +35,6 @@ constexpr CCommandText kText = {
 
 using CClock = std::chrono::steady_clock;
 
-/// Returns a check whose refusal says in words what is wanted.
-CLI::Validator Seconds(const CLI::Validator& range, const std::string& wanted) {
-    const auto judge = [range, wanted](const std::string& text) {
-        return range(text).empty() ? "" : "'" + text + "' isn't " + wanted;
-    };
-    return {[judge](std::string& text) { return judge(text); }, ""};
-}
-
 class CWatchCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
@@ -48,16 +42,25 @@ class CWatchCommand : public CCommand {
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_path, "The raw data file that is being written")->required();
         app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
-            ->check(Seconds(CLI::PositiveNumber, "a number of seconds above 0"))
+            ->check(Wanted(CLI::PositiveNumber, "a number of seconds above 0"))
             ->type_name("SECONDS");
         app.add_option("--every", m_every, "Look after so many seconds, 0.01 to 3600 (1, if not told)")
-            ->check(Seconds(CLI::Range(0.01, 3600.0), "a number from 0.01 to 3600"))
+            ->check(Wanted(CLI::Range(0.01, 3600.0), "a number from 0.01 to 3600"))
             ->type_name("SECONDS");
     }
 
     int Run() override {
         CGrowingFile file(m_path);
         m_onTerminal = IsOutputTerminal() && EnableColours();
+        try {
+            return Follow(file);
+        } catch (const CInterruption&) {
+            return End(file, "Interrupted", kInterrupted);
+        }
+    }
+
+ private:
+    int Follow(CGrowingFile& file) {
         auto lastNews = CClock::now();
         auto lastLook = lastNews;
         for (std::int64_t lastPosition = 0;;) {
@@ -71,15 +74,13 @@ class CWatchCommand : public CCommand {
             if (file.IsFinished()) return End(file, "The file is finished", kSound);
             if (isNew) lastNews = now;
             if (m_idle > 0 && now - lastNews >= std::chrono::duration<double>(m_idle))
-                return End(file, "Nothing new has come; its writer may be gone. vxfile recover saves what is there",
-                           kFindings);
+                return End(file, file.Recordings() == 0 ? kNothing : kNothingNew, kFindings);
             lastPosition = file.Position();
             lastLook = now;
             Wait();
         }
     }
 
- private:
     /// Sleeps in short pieces, so that Ctrl-C doesn't have to wait.
     void Wait() const {
         const auto end = CClock::now() + std::chrono::duration<double>(m_every);
@@ -106,7 +107,7 @@ class CWatchCommand : public CCommand {
                 Counted(latest.samples, "sample");
         if (m_onTerminal) {
             if (m_hasLine && begun > 0) std::cout << '\n';  // what the one before came to stays
-            std::cout << '\r' << line.substr(0, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K";
+            std::cout << '\r' << Cut(line, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K";
             m_hasLine = true;
         } else {
             std::cout << line << '\n';
@@ -114,12 +115,16 @@ class CWatchCommand : public CCommand {
         FinishPrinting();
     }
 
-    int End(const CGrowingFile& file, const std::string& why, int status) {
+    int End(const CGrowingFile& file, std::string_view why, int status) {
         if (m_hasLine) std::cout << '\n';
         std::cout << why << ": " << Counted(file.Recordings(), "recording") << ", " << SizeText(file.Position())
                   << ".\n";
         return status;
     }
+
+    static constexpr std::string_view kNothing = "No recording has come; its writer may be gone";
+    static constexpr std::string_view kNothingNew =
+        "Nothing new has come; its writer may be gone. vxfile recover saves what is there";
 
     static constexpr auto kStep = std::chrono::milliseconds(50);
 

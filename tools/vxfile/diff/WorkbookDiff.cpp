@@ -1,4 +1,6 @@
+#include <array>
 #include <bit>
+#include <charconv>
 #include <cstdint>
 
 #include "tools/vxfile/diff/Differences.h"
@@ -9,7 +11,6 @@
 #include "vxfileio/export/biff/CellRecords.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/RkNumber.h"
-#include "vxfileio/helpers/NumberText.h"
 
 namespace vxfile {
 
@@ -23,7 +24,11 @@ std::string CellName(const std::string& sheet, std::uint16_t row, std::uint32_t 
     return sheet + '!' + letters + std::to_string(row + 1);
 }
 
-std::string NumberText(double value) { return std::string(vxfileio::CNumberText::RoundTrip(value).View()); }
+/// The fewest digits that tell the number from all others.
+std::string NumberText(double value) {
+    std::array<char, 32> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
 
 /// What a record of cells says, cell by cell.
 void AddCells(const CRecord& record, const std::string& sheet, const std::vector<std::string>& texts,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -10,5 +11,9 @@ class CFailure : public std::runtime_error {
  public:
     explicit CFailure(const std::string& sentence) : std::runtime_error(sentence) {}
 };
+
+/// Does some work. Returns the sentence of the failure that ended it, be it the program's own or the library's; empty
+/// if there was none. An interruption passes.
+std::string FailureOf(const std::function<void()>& work);
 
 }  // namespace vxfile

@@ -49,19 +49,24 @@ EFileKind FileKindOf(const std::string& path) {
     std::vector<char> bytes(kLookAhead);
     bytes.resize(file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
     const std::string_view text(bytes.data(), bytes.size());
+    if (text.empty()) return EFileKind::Empty;
     if (text.starts_with(vxfileio::rawdata::kFileTypeText)) return EFileKind::RawData;
     if (text.starts_with(kCompoundMark)) return EFileKind::Workbook;
     return KindOfDocument(text);
 }
 
 std::string_view NameOf(EFileKind kind) {
-    constexpr std::array<std::string_view, 5> kNames = {"raw data file", "settings file", "results file", "workbook",
-                                                        "file of another kind"};
+    constexpr std::array<std::string_view, 6> kNames = {"raw data file", "settings file",        "results file",
+                                                        "workbook",      "file of another kind", "empty file"};
     return kNames[static_cast<std::size_t>(kind)];
 }
 
+std::string ArticleAndNameOf(EFileKind kind) {
+    return (kind == EFileKind::Empty ? "an " : "a ") + std::string(NameOf(kind));
+}
+
 std::string_view WordOf(EFileKind kind) {
-    constexpr std::array<std::string_view, 5> kWords = {"raw", "settings", "results", "workbook", "unknown"};
+    constexpr std::array<std::string_view, 6> kWords = {"raw", "settings", "results", "workbook", "unknown", "empty"};
     return kWords[static_cast<std::size_t>(kind)];
 }
 

@@ -13,7 +13,8 @@
 namespace vxfile {
 
 /// Throws `CFailure` if `target` is the file that is read, under whatever name: nothing may take its place. Throws it
-/// for `-` too, since what stands in its own place only when it is whole can't go to standard output.
+/// for an empty name, and for `-` too, since what stands in its own place only when it is whole can't go to standard
+/// output.
 void RefuseTarget(const std::string& target, const std::string& source);
 
 /// A file that is there whole or not at all. It is written under another name beside its place and moved there when it

@@ -1,6 +1,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <string_view>
+
 #include "tools/vxfile/io/Terminal.h"
 
 namespace vxfile {
@@ -10,13 +13,18 @@ bool IsOutputTerminal() { return isatty(STDOUT_FILENO) != 0; }
 bool IsErrorTerminal() { return isatty(STDERR_FILENO) != 0; }
 
 int TerminalWidth() {
-    winsize size{};
-    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
-    return known ? size.ws_col : 80;
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+        winsize size{};
+        if (ioctl(stream, TIOCGWINSZ, &size) == 0 && size.ws_col != 0) return size.ws_col;
+    }
+    return 80;
 }
 
 void MakeOutputBinary() {}
 
-bool EnableColours() { return true; }
+bool EnableColours() {
+    const char* const terminal = std::getenv("TERM");
+    return terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
 
 }  // namespace vxfile

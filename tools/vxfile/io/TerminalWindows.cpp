@@ -14,9 +14,12 @@ bool IsOutputTerminal() { return _isatty(_fileno(stdout)) != 0; }
 bool IsErrorTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
 int TerminalWidth() {
-    CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) == 0) return 80;
-    return info.srWindow.Right - info.srWindow.Left + 1;
+    for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        if (GetConsoleScreenBufferInfo(GetStdHandle(stream), &info) != 0)
+            return info.srWindow.Right - info.srWindow.Left + 1;
+    }
+    return 80;
 }
 
 void MakeOutputBinary() { _setmode(_fileno(stdout), _O_BINARY); }

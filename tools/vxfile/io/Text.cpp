@@ -1,5 +1,6 @@
 #include "tools/vxfile/io/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
@@ -49,6 +50,8 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
+bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
+
 std::string Latin1(char c) {
     const unsigned char byte = Byte(c);
     if (byte < 0xA0) return Hex(c);
@@ -75,6 +78,17 @@ std::string Readable(std::string_view bytes) {
         }
     }
     return text;
+}
+
+std::size_t Width(std::string_view text) {
+    return static_cast<std::size_t>(std::ranges::count_if(text, BeginsCharacter));
+}
+
+std::string_view Cut(std::string_view text, std::size_t width) {
+    std::size_t end = 0;
+    while (end < text.size() && (width > 0 || !BeginsCharacter(text[end])))
+        width -= BeginsCharacter(text[end++]) ? 1 : 0;
+    return text.substr(0, end);
 }
 
 std::string Counted(std::uint64_t count, std::string_view noun) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -16,6 +17,12 @@ std::string Quoted(std::string_view bytes);
 /// Returns a text of a file as UTF-8 that is safe on a terminal. Files don't name their code page: what isn't UTF-8
 /// already is taken for Latin-1.
 std::string Readable(std::string_view bytes);
+
+/// Returns how many characters a text in UTF-8 has.
+std::size_t Width(std::string_view text);
+
+/// Returns the first characters of such a text, as many as there is room for.
+std::string_view Cut(std::string_view text, std::size_t width);
 
 /// Returns a count and its noun, such as "1 byte" or "2 bytes".
 std::string Counted(std::uint64_t count, std::string_view noun);

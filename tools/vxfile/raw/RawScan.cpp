@@ -40,6 +40,7 @@ std::string Padded(std::string_view bytes, std::size_t size) {
 CRawScan::CRawScan(const std::string& path) {
     OpenInput(m_file, path);
     m_size = m_file.Size();
+    if (m_size == 0) throw CFailure(path + " is empty; there is nothing to read or to save.");
     const std::string bytes = ReadBytes(0, kFileHdrSize);
     if (bytes.size() < kFileCells.front().width || !bytes.starts_with(kFileTypeText))
         throw CFailure(path +

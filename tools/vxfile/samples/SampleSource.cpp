@@ -143,19 +143,23 @@ void CSampleSource::RefuseNothing() const {
 
 /// The recordings chosen have no segment of the wells chosen.
 void CSampleSource::RefuseWells() const {
-    const auto unfinished = Unfinished();
-    if (!unfinished.empty())
-        throw CFailure(unfinished.front() +
-                       " was never finished, so there is nothing to take from it; vxfile recover "
-                       "puts what it has into a new file.");
     std::set<std::int32_t> wells;
     for (const auto& recording : m_scan.Recordings()) {
         if (!IsChosen(recording.header)) continue;
         for (const auto& channel : recording.header.WellChannels)
             wells.insert(channel.ID);
     }
-    throw CFailure(m_path + " has no samples of what was chosen; the wells of the recordings chosen: " + Joined(wells) +
-                   '.');
+    const std::string theirs = Joined(wells) + '.';
+    const auto isListed = [&](std::int32_t well) { return wells.contains(well); };
+    if (!m_choice.wells.empty() && std::ranges::none_of(m_choice.wells, isListed))
+        throw CFailure(m_path + " has no well " + ListText(m_choice.wells) +
+                       " in the recordings chosen; their wells: " + theirs);
+    const auto unfinished = Unfinished();
+    if (!unfinished.empty())
+        throw CFailure(unfinished.front() +
+                       " was never finished, so there is nothing to take from it; vxfile recover "
+                       "puts what it has into a new file.");
+    throw CFailure(m_path + " has no samples of what was chosen; the wells of the recordings chosen: " + theirs);
 }
 
 std::vector<std::int32_t> CSampleSource::MissingWells() const {

@@ -1,0 +1,22 @@
+#include "tools/vxfile/io/Failure.h"
+
+#include <exception>
+
+#include "tools/vxfile/io/Text.h"
+#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/frame/VXExceptions.h"
+
+namespace vxfile {
+
+std::string FailureOf(const std::function<void()>& work) try {
+    work();
+    return {};
+} catch (const CExcVXReader& failure) {
+    return failure.GetMsg();
+} catch (const CVXExceptions& failure) {
+    return Readable(failure.message);
+} catch (const std::exception& failure) {
+    return failure.what();
+}
+
+}  // namespace vxfile
