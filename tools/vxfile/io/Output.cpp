@@ -35,9 +35,13 @@ std::string FreeNameBeside(const std::string& path) {
     }
 }
 
-/// Tells whether something is a device or a pipe.
-bool IsSpecial(const fs::file_status& status) {
-    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+/// Tells whether something is a device or a pipe. Windows doesn't say so of its own, such as `nul`, but has another way
+/// there for them.
+bool IsSpecial(const std::string& path) {
+    std::error_code none;
+    const auto status = fs::status(path, none);
+    const bool isOther = fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+    return isOther || fs::absolute(path, none).string().starts_with(R"(\\.\)");
 }
 
 /// `error` is the system's number; 0 if nobody knows any more.
@@ -81,9 +85,8 @@ CWholeFile::CWholeFile(std::string path, bool replace) : m_path(std::move(path))
     const CTarget target = Follow(m_path);
     m_place = target.path;
     m_workPath = FreeNameBeside(m_place);
-    const auto status = fs::status(m_place, ignored);
-    if (fs::is_directory(status)) throw CFailure(m_path + " is a folder; name a file in it.");
-    if (target.open || IsSpecial(status))
+    if (fs::is_directory(m_place, ignored)) throw CFailure(m_path + " is a folder; name a file in it.");
+    if (target.open || IsSpecial(m_place))
         throw CFailure(m_path + " is a device or a pipe, which can't hold the whole file; name a file.");
     RefuseReplacing();
 }
@@ -129,9 +132,8 @@ COutput::COutput(const std::string& path, const std::string& source, bool replac
 
 /// A pipe or a device is written to; only a file can be put in the place of another.
 void COutput::Open(const std::string& path, bool replace) {
-    std::error_code ignored;
     if (const auto open = Follow(path).open) return m_descriptor.UseOpen(*open);
-    if (!IsSpecial(fs::status(path, ignored))) m_file = std::make_unique<CWholeFile>(path, replace);
+    if (!IsSpecial(path)) m_file = std::make_unique<CWholeFile>(path, replace);
     if (!m_descriptor.Create(m_file ? m_file->WorkPath() : path))
         throw CFailure("Can't create " + path + ": " + std::strerror(errno) + "; choose another folder.");
 }
