@@ -82,7 +82,7 @@ class CRawInfo {
     void TellHeader();
     void TellLists();
     void TellRecordings();
-    void TellSummary();
+    void TellSummary(const std::string& lastState);
     CPage::CRow TellRecording(std::size_t index, CJson& list);
     void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
     void JudgeHeader(std::size_t index, CPage::CRow& row);
@@ -122,19 +122,20 @@ void CRawInfo::TellLists() {
 }
 
 void CRawInfo::TellRecordings() {
-    TellSummary();
     CPage::CRow head = {"#", "Task", "Number", "Dose", "Wells", "Interval", "Length", "State"};
     if (m_counts) head.insert(head.end() - 1, {"Segments", "Samples"});
     std::vector<CPage::CRow> table = {head};
     CJson list = CJson::array();
     for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i)
         table.push_back(TellRecording(i, list));
+    TellSummary(table.back().back());
     m_page.SetTable(std::move(table));
     m_page.Json()["recordings"] = std::move(list);
     m_page.Json()["chainDamaged"] = m_scan.Break().has_value();
 }
 
-void CRawInfo::TellSummary() {
+/// `lastState` is that of the last recording, if there is one.
+void CRawInfo::TellSummary(const std::string& lastState) {
     const auto& recordings = m_scan.Recordings();
     std::vector<std::string> tasks;
     std::set<std::int32_t> wells;
@@ -152,8 +153,7 @@ void CRawInfo::TellSummary() {
     const std::vector<std::int32_t> wellIDs(wells.begin(), wells.end());
     m_page.Add("Wells", "wells", std::to_string(wells.size()) + ": " + ListText(wellIDs), wellIDs);
     std::string count = std::to_string(recordings.size());
-    if (!recordings.empty())
-        count += finished ? ", the last one finished" : ", the last one not finished: vxfile recover saves it";
+    if (!recordings.empty()) count += ", the last one " + lastState + (finished ? "" : ": vxfile recover saves it");
     m_page.Add("Recordings", "recordingCount", count, recordings.size());
     m_page.Json()["lastFinished"] = finished;
 }
