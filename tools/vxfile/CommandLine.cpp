@@ -105,6 +105,7 @@ void Describe(CLI::App& app, const CCommands& commands) {
     app.description("Looks into the files of a cell screening instrument, checks and saves them.");
     app.set_version_flag("--version", std::string("vxfile ") + VXFILE_VERSION, "Print the version and end");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // which would make options of names such as /runs/1.vxd
     const auto words = std::make_shared<CLI::Formatter>();
     words->label("SUBCOMMAND", "COMMAND");
     words->label("Positionals", "Arguments");
