@@ -1,6 +1,7 @@
 #include "vxfileio/export/Cell.h"
 
 #include <memory>
+#include <new>
 
 namespace YExcel {
 
@@ -27,7 +28,8 @@ void Cell::SetCharacters(std::basic_string_view<Character> text, CellType type) 
 template <class Character>
 std::basic_string_view<Character> Cell::GetCharacters(CellType type) const {
     if (m_type != type) return {};
-    return reinterpret_cast<const Character*>(m_isAside ? Get<const std::byte*>() : m_value.data());
+    const std::byte* bytes = m_isAside ? Get<const std::byte*>() : m_value.data();
+    return std::launder(reinterpret_cast<const Character*>(bytes));
 }
 
 template void Cell::SetCharacters(std::string_view text, CellType type);
