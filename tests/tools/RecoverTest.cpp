@@ -151,8 +151,9 @@ TEST_F(RecoverTest, WholeFilesComeOutByteForByte) {
                     Cell(30, "NumberOfWells=2") + Cell(200, "WellIDs=96:-2147483648") + Cell(200, "Ticks=1:1") +
                         Cell(400, "UnitsPerADs=-2.5e+06:-2.5e+06") + Cell(200, "ADZeros=0:0"));
     EXPECT_EQ(ReadAll(m_out), several);
-    ASSERT_EQ(m_report.doubts.first.size(), 1U);
-    EXPECT_EQ(m_report.doubts.first[0].from, 10392);
+    ASSERT_EQ(m_report.doubts.first.size(), 2U);
+    EXPECT_EQ(m_report.doubts.first[0].from, 13160) << "the last recording has no segment, or has lost them";
+    EXPECT_EQ(m_report.doubts.first[1].from, 10392);
 }
 
 // Positions of the four recording headers and of the segments tell what each cut leaves.
@@ -169,6 +170,7 @@ TEST_F(RecoverTest, EveryTruncationGivesEveryWholeSegmentAndNothingElse) {
         ASSERT_EQ(Recovered(whole.substr(0, size)), expected);
         const std::size_t headers = (size >= 3650) + (size >= 7324) + (size >= 9784) + (size >= 13160);
         ASSERT_EQ(m_report.recordings.size(), headers);
+        EXPECT_TRUE(headers == 0 || size == whole.size() || !m_report.losses.None()) << "lost without a word";
 
         // What the cut leaves of a segment of a well whose interval is known. Of one sample no half can be kept.
         const auto cut =
@@ -322,6 +324,21 @@ TEST_F(RecoverTest, IntervalsAreThoseThatMostSegmentsGoWith) {
     // A size that can be read is believed no more than the rest.
     EXPECT_EQ(Recovered(damage(file.bytes, file.segments[2].position, "Size=", "5")), file.segments);
     EXPECT_EQ(ReadAll(m_out), file.bytes);
+}
+
+// An unfinished recording tells what it lacks by its segments' positions alone, and without any not at all.
+TEST_F(RecoverTest, CutsBetweenSegmentsAreTold) {
+    CWritten file = TakingTurns(3);
+    file.bytes.replace(1190 + 150, 50, Cell(50, "FPosRecordingData=-1"));
+    for (const CSeen& one : file.segments) {
+        EXPECT_EQ(Recovered(file.bytes.substr(0, one.position)).size(), (one.position - 3650) / 308);
+        const auto& told = one.position == 3650 ? m_report.doubts : m_report.losses;
+        ASSERT_EQ(told.first.size(), 1U);
+        EXPECT_EQ(told.first[0].from, static_cast<std::int64_t>(one.position));
+        EXPECT_EQ(told.first[0].recording, 0U);
+    }
+    EXPECT_EQ(Recovered(file.bytes), file.segments);
+    EXPECT_TRUE(m_report.IsComplete());
 }
 
 /// A file of which a segment's samples are a whole segment: well 12 of the times that come next, and the position

@@ -79,7 +79,7 @@ struct CInventory {
     std::vector<CFoundRecording> recordings;
     std::vector<CFoundSegment> segments;  ///< Those of one recording lie together.
     CRemarks losses;                      ///< Bytes that are not in the new file.
-    CRemarks doubts;                      ///< Segments that are, although it isn't certain whose they are.
+    CRemarks doubts;                      ///< What may be lost, or not be what it was.
 };
 
 }  // namespace vxfile

@@ -25,7 +25,12 @@ void PrintWells(std::ostream& out, const std::map<std::int32_t, CKeptWell>& kept
 }
 
 void PrintRemark(std::ostream& out, std::string_view kind, const CRemark& remark) {
-    out << "    " << kind << ": bytes " << remark.from << " to " << remark.to;
+    out << "    " << kind;
+    if (remark.from == remark.to) {
+        out << ": at byte " << remark.from;
+    } else {
+        out << ": bytes " << remark.from << " to " << remark.to;
+    }
     if (remark.wellID) out << ", well " << *remark.wellID;
     out << ": " << remark.why << '\n';
 }
@@ -75,7 +80,7 @@ bool CRecoverReport::IsComplete() const {
 const char* CRecoverReport::Verdict() const {
     if (IsComplete()) return "nothing was lost";
     if (!losses.None()) return "what was lost is told above";
-    return "nothing was lost, but what is told above isn't certain";
+    return "every segment that is there was kept, but what is told above isn't certain";
 }
 
 void CRecoverReport::PrintText(std::ostream& out) const {

@@ -40,7 +40,7 @@ struct CRecoverReport {
     };
     std::vector<CRecording> recordings;
     CRemarks losses;  ///< What isn't in the new file.
-    CRemarks doubts;  ///< What is, but may belong to another well.
+    CRemarks doubts;  ///< What may be lost, or not be what it was.
 
     /// Tells whether the new file has all that the old one had, but for positions, and without a doubt.
     bool IsComplete() const;

@@ -48,6 +48,8 @@ CInventory CSurvey::Take() {
         m_reach(m_position);
         if (!TakeSegment() && !TakeRecording()) PassDamage();
     }
+    TellEnd();
+    if (m_astray) m_found.doubts.Add(std::move(*m_astray));
     return std::move(m_found);
 }
 
@@ -76,12 +78,18 @@ bool CSurvey::TakeChain() {
         m_reach(m_position);
         CSegmentProbe probe = m_probe.Segment(m_position);
         const CProof proof = Prove(probe);
-        if (m_position == first && !proof.holds) return !m_probe.LooksLikeHeader(first) || m_promised.contains(first);
+        if (m_position == first && !proof.holds) return MayBeWithoutSegments(first);
         if (!proof.holds || proof.cut || probe.damaged.any() || !HasRoomForMore()) return false;
         Accept(probe);
         m_position = probe.header.FPosNextSegmentHdr;
     }
     return true;
+}
+
+/// Tells whether a recording may have no segments if its position leads to this place.
+bool CSurvey::MayBeWithoutSegments(std::int64_t data) {
+    if (data == m_probe.Size()) DoubtThatItWasEmpty();
+    return data == m_probe.Size() || m_promised.contains(data);
 }
 
 /// Tells whether a file of this size can hold one thing more; a chain that leads back into itself ends by this.
@@ -149,9 +157,8 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
     bytes.resize(kRecordingHdrSize);
     if (!Decode(bytes, probe.version, recording.header)) recording.header.WellChannels.clear();
     const std::int64_t data = probe.Position(kDataRow);
-    if ((m_next && *m_next != kUnset) || (m_nextRecording && *m_nextRecording != probe.position) ||
-        (data >= 0 && data != probe.End()))
-        m_isStraight = false;
+    if (m_next) Compare("FPosNextSegmentHdr", *m_next, kUnset);
+    if (m_nextRecording) Compare("the position of the next recording", *m_nextRecording, probe.position);
     m_promised.insert(probe.Position(kNextRecordingRow));
     m_nextRecording.reset();
     if (!probe.damaged[kNextRecordingRow]) m_nextRecording = recording.header.FPosNextRecordingHdr;
@@ -159,6 +166,7 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
     m_seen.clear();
     m_position = probe.End();
     m_found.recordings.push_back(std::move(recording));
+    if (data >= 0) Compare("FPosRecordingData", data, m_position);
 }
 
 bool CSurvey::TakeSegment() {
@@ -264,7 +272,7 @@ std::int64_t CSurvey::TickOf(std::int32_t wellID) const {
 }
 
 void CSurvey::Accept(const CSegmentProbe& probe) {
-    if (m_next && *m_next != probe.position) m_isStraight = false;
+    if (m_next) Compare("FPosNextSegmentHdr", *m_next, probe.position);
     Tally(probe.header);
     Keep(probe, probe.header.Size, probe.header.TimeTo);
     m_next.reset();
@@ -282,6 +290,37 @@ void CSurvey::Keep(const CSegmentProbe& probe, std::int64_t samples, std::int64_
                                 .cut = samples < probe.header.Size});
 }
 
+/// Holds a position that was told against what is there. What is there counts; -1 may not have been set yet.
+void CSurvey::Compare(const std::string& what, std::int64_t told, std::int64_t there) {
+    if (told == there) return;
+    m_isStraight = false;
+    if (told == kUnset || m_astray) return;
+    m_astray = Remark(m_position, m_position, std::nullopt,
+                      what + " is " + std::to_string(told) + ", but should be " + std::to_string(there) +
+                          ": it is damaged, or bytes were put in or taken out");
+}
+
+/// Tells what must have stood behind the end of the file. A position is written when what it leads to is there.
+void CSurvey::TellEnd() {
+    TellEndOf("FPosNextSegmentHdr", m_next, "segment");
+    TellEndOf("the position of the next recording", m_nextRecording, "recording");
+    if (m_found.recordings.empty()) return;
+    const CFoundRecording& last = m_found.recordings.back();
+    if (last.position + static_cast<std::int64_t>(last.bytes.size()) == m_probe.Size()) DoubtThatItWasEmpty();
+}
+
+void CSurvey::TellEndOf(const std::string& what, std::optional<std::int64_t> told, const std::string& thing) {
+    if (!told || *told < m_probe.Size()) return Compare(what, told.value_or(kUnset), kUnset);
+    Lose(m_probe.Size(), *told, std::nullopt,
+         "the file ends, but " + what + " leads to byte " + std::to_string(*told) + ": at least one " + thing +
+             " is gone");
+}
+
+void CSurvey::DoubtThatItWasEmpty() {
+    Doubt(m_probe.Size(), m_probe.Size(), std::nullopt,
+          "the file ends behind the header of this recording: had it a segment, that is gone");
+}
+
 /// The last segment of a file that ends within its samples.
 void CSurvey::AcceptCut(const CSegmentProbe& probe) {
     const std::int64_t whole = (m_probe.Size() - probe.Data()) / static_cast<std::int64_t>(sizeof(std::uint16_t));
@@ -297,6 +336,7 @@ void CSurvey::AcceptCut(const CSegmentProbe& probe) {
              "the segment was cut: " + missing + (whole > 0 && !m_keepCut ? " (--cut keeps the others)" : ""));
     }
     m_position = m_probe.Size();
+    m_next.reset();
 }
 
 void CSurvey::Tally(const CSegmentHdr& header) {
@@ -311,6 +351,9 @@ void CSurvey::Tally(const CSegmentHdr& header) {
 void CSurvey::PassDamage() {
     const std::int64_t from = m_position;
     const CSegmentProbe probe = m_probe.Segment(from);
+    // What leads here is right, however little is left.
+    if (m_next == from) m_next.reset();
+    if (m_nextRecording == from) m_nextRecording.reset();
     if (const auto end = EndOfDamaged(probe)) {
         const auto well = probe.damaged[kIDRow] ? std::nullopt : std::optional(probe.header.ID);
         const std::string keys = DamagedKeys(probe.damaged);
@@ -374,9 +417,18 @@ bool CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
 }
 
 void CSurvey::Lose(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why) {
-    CRemark loss{.from = from, .to = to, .recording = std::nullopt, .wellID = wellID, .why = std::move(why)};
-    if (!m_found.recordings.empty()) loss.recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1);
-    m_found.losses.Add(std::move(loss));
+    m_found.losses.Add(Remark(from, to, wellID, std::move(why)));
+}
+
+void CSurvey::Doubt(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why) {
+    m_found.doubts.Add(Remark(from, to, wellID, std::move(why)));
+}
+
+/// A remark on the recording at hand, if there is one yet.
+CRemark CSurvey::Remark(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why) const {
+    CRemark remark{.from = from, .to = to, .recording = std::nullopt, .wellID = wellID, .why = std::move(why)};
+    if (!m_found.recordings.empty()) remark.recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1);
+    return remark;
 }
 
 }  // namespace vxfile

@@ -51,6 +51,7 @@ class CSurvey {
     bool TakeSegment();
     void PassDamage();
     bool TakeChain();
+    bool MayBeWithoutSegments(std::int64_t data);
     bool HasRoomForMore() const;
     bool AreApart() const;
     void TellGaps();
@@ -72,7 +73,13 @@ class CSurvey {
     void Tally(const vxfileio::rawdata::CSegmentHdr& header);
     void BeginRecording(const CRecordingProbe& probe, bool unfinished);
     bool MakeUpRecording(std::int64_t from, std::int64_t to);
+    void Compare(const std::string& what, std::int64_t told, std::int64_t there);
+    void TellEnd();
+    void TellEndOf(const std::string& what, std::optional<std::int64_t> told, const std::string& thing);
+    void DoubtThatItWasEmpty();
     void Lose(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why);
+    void Doubt(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why);
+    CRemark Remark(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why) const;
 
     const CHeaderProbe& m_probe;
     bool m_keepCut;
@@ -86,6 +93,7 @@ class CSurvey {
     std::optional<std::int64_t> m_next;
     std::optional<std::int64_t> m_nextRecording;  ///< The same of recordings.
     bool m_isStraight = true;
+    std::optional<CRemark> m_astray;  ///< The first position that was set and leads elsewhere.
 };
 
 }  // namespace vxfile
