@@ -258,6 +258,8 @@ TEST_F(RecoverTest, NoDamagedByteCostsAWholeSegmentOrBringsAWrongSample) {
                 std::string bytes = file.bytes;
                 bytes[at] = damages[i];
                 ExpectPromiseKept(file, bytes);
+                const std::string saved = ReadAll(m_out);
+                EXPECT_TRUE(!m_report.IsComplete() || saved == bytes) << "mended untold";
             }
         }
     }
@@ -339,6 +341,24 @@ TEST_F(RecoverTest, CutsBetweenSegmentsAreTold) {
     }
     EXPECT_EQ(Recovered(file.bytes), file.segments);
     EXPECT_TRUE(m_report.IsComplete());
+}
+
+// Its line end, its padding, or its value.
+TEST_F(RecoverTest, OneDamagedCellOfASegmentIsMadeUpForByTheOthers) {
+    const CWritten file = TakingTurns(3);
+    for (const CSeen& one : file.segments) {
+        for (std::size_t cell = one.position; cell < one.position + 300; cell += 50) {
+            for (const std::size_t at : {cell + 49, cell + 40, file.bytes.find('=', cell) + 1}) {
+                std::string bytes = file.bytes;
+                bytes[at] = 'x';
+                EXPECT_EQ(Recovered(bytes), file.segments) << "byte " << at;
+                EXPECT_EQ(ReadAll(m_out), file.bytes);
+                ASSERT_FALSE(m_report.doubts.None()) << "byte " << at;
+                EXPECT_EQ(m_report.doubts.first[0].from, static_cast<std::int64_t>(one.position));
+                EXPECT_TRUE(m_report.losses.None());
+            }
+        }
+    }
 }
 
 /// A file of which a segment's samples are a whole segment: well 12 of the times that come next, and the position

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <span>
@@ -18,7 +19,7 @@ using namespace vxfileio::rawdata;
 
 namespace {
 
-/// What a damaged position is told as: no whole cell has it.
+/// What a lost position is told as: no whole cell has it.
 constexpr std::int64_t kNoPosition = -2;
 
 constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
@@ -52,11 +53,6 @@ bool BeginsLike(std::string_view bytes, std::string_view text) {
 
 }  // namespace
 
-std::size_t CSegmentProbe::RowOfKey(std::string_view key) {
-    const auto isIt = [&](const auto& cell) { return cell.key == key; };
-    return static_cast<std::size_t>(std::ranges::find_if(kSegmentCells, isIt) - kSegmentCells.begin());
-}
-
 std::int64_t CSegmentProbe::EndOf(std::int64_t samples) const {
     return Data() + samples * static_cast<std::int64_t>(sizeof(std::uint16_t));
 }
@@ -65,13 +61,14 @@ std::size_t CRecordingProbe::Size() const { return SizeOf(kRecordingCells, versi
 
 bool CRecordingProbe::IsCredible() const {
     if (bytes.size() != Size()) return false;
-    return (!damaged[kTaskRow] && KnowsItsPlace()) || MostAreWhole(kRecordingCells, version, damaged, bytes.size());
+    return (!cells.lost[kTaskRow] && KnowsItsPlace()) ||
+           MostAreWhole(kRecordingCells, version, cells.damaged, bytes.size());
 }
 
 bool CRecordingProbe::KnowsItsPlace() const { return bytes.size() == Size() && Position(kDataRow) == End(); }
 
 std::int64_t CRecordingProbe::Position(std::size_t row) const {
-    if (damaged[row] || bytes.size() != Size()) return kNoPosition;
+    if (cells.lost[row] || bytes.size() != Size()) return kNoPosition;
     std::size_t offset = 0;
     for (std::size_t i = 0; i < row; ++i)
         offset += kRecordingCells[i].width;  // the positions stand ahead of the cell that not every version has
@@ -93,28 +90,28 @@ std::string CHeaderProbe::Read(std::int64_t position, std::size_t size) const {
 
 CSegmentProbe CHeaderProbe::Segment(std::int64_t position) const {
     std::string bytes = Read(position, kSegmentHdrSize);
-    CSegmentProbe probe{.position = position, .damaged = DamagedSegmentCells(bytes), .header = {}};
+    CSegmentProbe probe{.position = position, .cells = DamageOfSegmentHdr(bytes), .header = {}};
     bytes.resize(kSegmentHdrSize);
     Decode(bytes, probe.header);
     // A size that can't be held is as good as none.
-    if (probe.header.Size < 1 || probe.header.Size > kMostSamples) probe.damaged[RowOf(kSegmentCells, "Size")] = true;
+    if (probe.header.Size < 1 || probe.header.Size > kMostSamples) probe.cells.Lose(RowOf(kSegmentCells, "Size"));
     return probe;
 }
 
 CRecordingProbe CHeaderProbe::Recording(std::int64_t position, std::int32_t version) const {
     const std::string bytes = Read(position, kRecordingHdrSize);
     const auto layout = [&](std::int32_t candidate) {
-        CRecordingProbe probe{.position = position, .version = candidate, .bytes = bytes, .damaged = {}};
+        CRecordingProbe probe{.position = position, .version = candidate, .bytes = bytes, .cells = {}};
         probe.bytes.resize(std::min(bytes.size(), SizeOf(kRecordingCells, candidate)));
-        probe.damaged = DamagedRecordingCells(probe.bytes, candidate);
+        probe.cells = DamageOfRecordingHdr(probe.bytes, candidate);
         return probe;
     };
     const bool hasStartTime = version >= kNewestVersion;
     auto told = layout(hasStartTime ? kNewestVersion : kVersionWithoutStartTime);
-    if (told.damaged.none() || told.KnowsItsPlace()) return told;
+    if (told.IsWhole() || told.KnowsItsPlace()) return told;
     auto other = layout(hasStartTime ? kVersionWithoutStartTime : kNewestVersion);
     if (other.KnowsItsPlace()) return other;
-    return other.damaged.count() < told.damaged.count() ? other : told;
+    return other.cells.damaged.count() < told.cells.damaged.count() ? other : told;
 }
 
 bool CHeaderProbe::LooksLikeHeader(std::int64_t position) const {
@@ -125,10 +122,10 @@ bool CHeaderProbe::LooksLikeHeader(std::int64_t position) const {
     const auto left = static_cast<std::size_t>(std::min<std::int64_t>(m_size - position, kRecordingHdrSize));
     const std::size_t there = std::min(left, kSegmentHdrSize);
     const std::size_t missing = kSegmentCells.size() - there / kSegmentCells.front().width;
-    if (2 * (segment.damaged.count() - missing) <= kSegmentCells.size() - missing) return true;
+    if (2 * (segment.cells.damaged.count() - missing) <= kSegmentCells.size() - missing) return true;
     const CRecordingProbe recording = Recording(position, kNewestVersion);
     return recording.IsCredible() ||
-           MostAreWhole(kRecordingCells, recording.version, recording.damaged, recording.bytes.size());
+           MostAreWhole(kRecordingCells, recording.version, recording.cells.damaged, recording.bytes.size());
 }
 
 bool CHeaderProbe::LooksLikeEnd(std::int64_t position) const {
@@ -144,6 +141,15 @@ std::optional<std::uint64_t> SpanOf(const CSegmentHdr& header) {
     const auto span = static_cast<std::uint64_t>(header.TimeTo) - static_cast<std::uint64_t>(header.TimeFrom);
     if (span >= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return std::nullopt;
     return span;
+}
+
+std::optional<std::int64_t> TimeBehind(std::int64_t time, std::int64_t intervals, std::int64_t tick) {
+    using CLimits = std::numeric_limits<std::int64_t>;
+    if (intervals == 0) return time;
+    if (tick <= 0 || tick > CLimits::max() / std::abs(intervals)) return std::nullopt;
+    const std::int64_t length = tick * intervals;
+    if (length > 0 ? time > CLimits::max() - length : time < CLimits::min() - length) return std::nullopt;
+    return time + length;
 }
 
 bool GoesWith(const CSegmentHdr& header, std::int64_t tick) {

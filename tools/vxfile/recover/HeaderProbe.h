@@ -14,17 +14,15 @@ namespace vxfile {
 /// The bytes where a segment header may stand, and what they say.
 struct CSegmentProbe {
     std::int64_t position = 0;
-    CDamagedCells damaged;
+    CDamage cells;
     vxfileio::rawdata::CSegmentHdr header;  ///< As a reader would take it.
 
-    bool IsWhole(std::string_view key) const { return !damaged[RowOfKey(key)]; }
+    /// Tells whether every cell is as a writer leaves it.
+    bool IsWhole() const { return cells.damaged.none(); }
     /// Where the samples begin.
     std::int64_t Data() const { return position + static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize); }
     /// Where so many samples end.
     std::int64_t EndOf(std::int64_t samples) const;
-
- private:
-    static std::size_t RowOfKey(std::string_view key);
 };
 
 /// The bytes where a recording header may stand.
@@ -32,15 +30,17 @@ struct CRecordingProbe {
     std::int64_t position = 0;
     std::int32_t version = vxfileio::rawdata::kNewestVersion;  ///< Of the layout that fits better.
     std::string bytes;                                         ///< As many as a header of that version has.
-    CDamagedCells damaged;
+    CDamage cells;
 
+    /// Tells whether every cell is as a writer leaves it.
+    bool IsWhole() const { return cells.damaged.none(); }
     std::int64_t End() const { return position + static_cast<std::int64_t>(Size()); }
     std::size_t Size() const;
     /// Tells whether it is there to its end, and most of its cells are whole, or those that tell what and where it is.
     bool IsCredible() const;
     /// Tells whether it is there to its end and leads right behind it, as writers leave it.
     bool KnowsItsPlace() const;
-    /// Returns a position that a whole cell tells, or -2 for a cell that is damaged.
+    /// Returns a position that a cell tells, or -2 for a cell that is lost.
     std::int64_t Position(std::size_t row) const;
 };
 
@@ -80,6 +80,9 @@ class CHeaderProbe {
 std::optional<std::uint64_t> SpanOf(const vxfileio::rawdata::CSegmentHdr& header);
 /// Tells whether there is any sample interval with which `Size` goes with the times.
 bool IsConsistent(const vxfileio::rawdata::CSegmentHdr& header);
+/// Returns the time so many intervals behind another, or ahead of it if they are negative; nothing if there is no such
+/// time, or no interval.
+std::optional<std::int64_t> TimeBehind(std::int64_t time, std::int64_t intervals, std::int64_t tick);
 /// Tells whether `Size` goes with the times at this interval.
 bool GoesWith(const vxfileio::rawdata::CSegmentHdr& header, std::int64_t tick);
 /// @}

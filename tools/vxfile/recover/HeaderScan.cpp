@@ -58,7 +58,7 @@ bool CHeaderScan::IsHeader(std::int64_t position) const { return IsSegmentHdr(po
 
 bool CHeaderScan::IsSegmentHdr(std::int64_t position) const {
     const CSegmentProbe probe = m_probe.Segment(position);
-    if (probe.damaged.any() || !IsConsistent(probe.header)) return false;
+    if (!probe.IsWhole() || !IsConsistent(probe.header)) return false;
     const std::int64_t end = probe.EndOf(probe.header.Size);
     if (end > m_probe.Size()) return false;
     if (probe.header.FPosNextSegmentHdr == end || m_known.isPromised(position)) return true;
@@ -72,7 +72,7 @@ bool CHeaderScan::IsSegmentHdr(std::int64_t position) const {
 /// somewhere ahead of them.
 bool CHeaderScan::IsShifted(const CSegmentProbe& probe) const {
     const CSegmentProbe next = m_probe.Segment(probe.EndOf(probe.header.Size));
-    if (next.damaged.any() || !IsConsistent(next.header)) return false;
+    if (!next.IsWhole() || !IsConsistent(next.header)) return false;
     const auto shift = [](const CSegmentProbe& segment) {
         return segment.header.FPosNextSegmentHdr - segment.EndOf(segment.header.Size);
     };
@@ -82,28 +82,28 @@ bool CHeaderScan::IsShifted(const CSegmentProbe& probe) const {
 bool CHeaderScan::IsRecordingHdr(std::int64_t position) const {
     const CRecordingProbe probe = m_probe.Recording(position, m_version);
     if (!probe.IsCredible()) return false;
-    return probe.KnowsItsPlace() || probe.damaged[kDataRow] || probe.Position(kDataRow) == kUnset ||
-           m_known.isPromised(position) || (probe.damaged.none() && m_probe.LooksLikeEnd(probe.End()));
+    return probe.KnowsItsPlace() || probe.cells.lost[kDataRow] || probe.Position(kDataRow) == kUnset ||
+           m_known.isPromised(position) || (probe.IsWhole() && m_probe.LooksLikeEnd(probe.End()));
 }
 
 /// Returns where a raw data file that begins at `position` ends, as far as its headers follow one another.
 std::optional<std::int64_t> CHeaderScan::EndOfFileWithin(std::int64_t position) const {
     const std::string header = m_probe.Read(position, kFileHdrSize);
-    if (!header.starts_with(kFileTypeText) || DamagedFileCells(header).count() > kFileCells.size() / 2)
+    if (!header.starts_with(kFileTypeText) || DamageOfFileHdr(header).damaged.count() > kFileCells.size() / 2)
         return std::nullopt;
     auto end = position + static_cast<std::int64_t>(header.size());
     for (bool ended = false; end < m_probe.Size();) {
         m_reach(end);
         const CSegmentProbe segment = m_probe.Segment(end);
         const CRecordingProbe recording = m_probe.Recording(end, m_version);
-        if (!ended && segment.damaged.none() && IsConsistent(segment.header)) {
+        if (!ended && segment.IsWhole() && IsConsistent(segment.header)) {
             const std::int64_t behind = segment.EndOf(segment.header.Size);
             // One that knows its place in the file around it belongs to that. What isn't followed may be cut.
             if (segment.header.FPosNextSegmentHdr == behind) break;
             if (!m_probe.LooksLikeHeader(behind)) return segment.Data();
             ended = segment.header.FPosNextSegmentHdr == kUnset;
             end = behind;
-        } else if (recording.damaged.none() && recording.Position(kDataRow) != recording.End()) {
+        } else if (recording.IsWhole() && recording.Position(kDataRow) != recording.End()) {
             ended = false;
             end = recording.End();
         } else {

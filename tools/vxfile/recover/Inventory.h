@@ -22,7 +22,7 @@ struct CFoundRecording {
     std::int64_t position = 0;  ///< Where its header stands, or stood.
     std::string bytes;          ///< Its header as it is in the file, in the layout of its version; empty if it is lost.
     std::int32_t version = vxfileio::rawdata::kNewestVersion;
-    CDamagedCells damaged;                          ///< Cells of `bytes` that can't be used.
+    CDamage cells;                                  ///< Of `bytes`.
     bool unfinished = false;                        ///< Its writer never told where its data is.
     CRawDataRecordingHdr header;                    ///< What is known of it.
     std::map<std::int32_t, CWellInterval> wells{};  ///< Those that have segments, by well ID.
@@ -36,7 +36,7 @@ struct CFoundSegment {
     std::uint32_t samples = 0;  ///< Those to be kept.
     std::int32_t wellID = 0;
     std::uint32_t recording = 0;  ///< Index of its recording.
-    bool cut = false;             ///< The file ends within its samples.
+    bool namesWell = true;        ///< Its ID can be read.
 
     /// Bytes of its header and the samples to be kept.
     std::int64_t Bytes() const {
@@ -74,8 +74,8 @@ struct CRemarks {
 
 /// All that a file holds and that can be relied on, in the order in which the new file will have it.
 struct CInventory {
-    std::string fileHdr;       ///< The file header as it is, perhaps cut short.
-    CDamagedCells fileDamage;  ///< Its cells that can't be used.
+    std::string fileHdr;  ///< The file header as it is, perhaps cut short.
+    CDamage fileCells;    ///< Its cells.
     std::vector<CFoundRecording> recordings;
     std::vector<CFoundSegment> segments;  ///< Those of one recording lie together.
     CRemarks losses;                      ///< Bytes that are not in the new file.

@@ -48,18 +48,14 @@ Bytes CellAt(const auto& cells, std::int32_t version, Bytes bytes, std::size_t r
     }
 }
 
-/// Returns the header in the newest layout with nothing but keys in cells that are damaged.
-std::string WithoutDamage(const auto& cells, std::int32_t version, std::string_view bytes,
-                          const CDamagedCells& damaged) {
+/// Returns the header in the newest layout with nothing but keys in cells that are lost.
+std::string WithoutDamage(const auto& cells, std::int32_t version, std::string_view bytes, const CDamagedCells& lost) {
     std::string whole(SizeOf(cells), '\0');
     std::size_t offset = 0;
     for (std::size_t row = 0; row < cells.size(); ++row) {
-        const std::span room = std::span(whole).subspan(offset, cells[row].width);
-        if (damaged[row] || !HasCell(cells[row], version)) {
-            EncodeCell({cells[row].key, offset, cells[row].width}, "", room);
-        } else {
-            std::ranges::copy(CellAt(cells, version, bytes, row), room.begin());
-        }
+        const bool hasText = !lost[row] && HasCell(cells[row], version);
+        CCellWriter(std::span(whole).subspan(offset, cells[row].width),
+                    hasText ? CellText(CellAt(cells, version, bytes, row)) : cells[row].key);
         offset += cells[row].width;
     }
     return whole;
@@ -94,11 +90,12 @@ std::size_t ItemsIn(const std::string& whole, std::size_t row) {
 class CWellLists {
  public:
     CWellLists(const CFoundRecording& recording, const std::string& whole, CMendedRecording& mended)
-        : m_recording(recording), m_whole(whole), m_mended(mended), m_damaged(recording.damaged) {}
+        : m_recording(recording), m_whole(whole), m_mended(mended), m_damaged(recording.cells.lost) {}
 
     /// Returns the cells that have been made up.
     CDamagedCells Mend() {
         JudgeCounts();
+        m_mended.lost = m_damaged;
         if (m_damaged[kIDsRow]) {
             MakeUpWells();
         } else {
@@ -231,20 +228,24 @@ class CWellLists {
     CRawDataChannelInfo m_model;  ///< What is known of a well that isn't listed.
 };
 
-std::vector<std::string> KeysOf(const auto& cells, const CDamagedCells& damaged) {
-    std::vector<std::string> keys;
+/// Returns a note for each kind of damage that cells of a header have.
+std::vector<std::string> NotesOn(const auto& cells, const CDamagedCells& damaged, const CDamagedCells& lost,
+                                 const std::string& header) {
+    std::string gone;
+    std::string mended;
+    std::string legible;
     for (std::size_t row = 0; row < cells.size(); ++row) {
-        if (!damaged[row] || cells[row].key.starts_with("FPos")) continue;
-        keys.emplace_back(cells[row].key.empty() ? "the mark" : cells[row].key);  // the first cell of a file has no key
+        if (!damaged[row] && !lost[row]) continue;
+        const std::string_view key = cells[row].key.empty() ? "the mark" : cells[row].key;  // the first one of a file
+        const bool isTold = key.starts_with("FPos") || key == "NumberOfWells";
+        std::string& keys = !lost[row] ? legible : isTold ? mended : gone;
+        keys.append(keys.empty() ? "" : ", ").append(key);
     }
-    return keys;
-}
-
-std::string Join(const std::vector<std::string>& words) {
-    std::string joined;
-    for (const auto& word : words)
-        joined.append(joined.empty() ? "" : ", ").append(word);
-    return joined;
+    std::vector<std::string> notes;
+    if (!gone.empty()) notes.push_back("lost from " + header + ": " + gone);
+    if (!mended.empty()) notes.push_back("damaged in " + header + ", but told by the rest of the file: " + mended);
+    if (!legible.empty()) notes.push_back("damaged in " + header + ", but legible: " + legible);
+    return notes;
 }
 
 /// Encodes a header whose lists may be too long for their cells: as many wells as fit.
@@ -265,43 +266,49 @@ std::string EncodedWithRoom(CMendedRecording& mended) {
 
 CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number) {
     CMendedRecording mended;
-    const std::string whole = WithoutDamage(kRecordingCells, recording.version, recording.bytes, recording.damaged);
+    const std::string whole = WithoutDamage(kRecordingCells, recording.version, recording.bytes, recording.cells.lost);
     Decode(whole, kNewestVersion, mended.header);
-    if (recording.damaged[kTaskRow]) mended.header.TaskName = kLostName;
-    if (recording.damaged[kRecordingRow]) mended.header.Recording = number;
+    if (recording.cells.lost[kTaskRow]) mended.header.TaskName = kLostName;
+    if (recording.cells.lost[kRecordingRow]) mended.header.Recording = number;
     CDamagedCells made = CWellLists(recording, whole, mended).Mend();
     if (!HasCell(kRecordingCells[kStartRow], recording.version)) made[kStartRow] = true;
 
     // Auxiliary channels stay if all that tells of them is whole.
     bool auxDamaged = false;
     for (auto row = kAuxRow; row < kRecordingCells.size(); ++row)
-        auxDamaged = auxDamaged || recording.damaged[row] ||
+        auxDamaged = auxDamaged || recording.cells.lost[row] ||
                      (row > kAuxRow && ItemsIn(whole, row) != mended.header.AuxChannels.size());
     for (auto row = kAuxRow; row < kRecordingCells.size(); ++row)
         made[row] = auxDamaged;
+    if (auxDamaged && !recording.bytes.empty())
+        mended.notes.emplace_back("auxiliary channels are left out: their cells don't agree");
 
     mended.bytes = EncodedWithRoom(mended);
     Keep(kRecordingCells, whole, made, mended.bytes);
     if (recording.bytes.empty()) {
         mended.notes.insert(mended.notes.begin(), "its header is lost, this one is made up");
-    } else if (const auto keys = KeysOf(kRecordingCells, recording.damaged); !keys.empty()) {
-        mended.notes.insert(mended.notes.begin(), "lost from its header: " + Join(keys));
+    } else {
+        const auto notes = NotesOn(kRecordingCells, recording.cells.damaged, mended.lost, "its header");
+        mended.notes.insert(mended.notes.begin(), notes.begin(), notes.end());
     }
     return mended;
 }
 
 CMendedFileHdr MendFileHdr(const CInventory& inventory) {
-    const std::string whole = WithoutDamage(kFileCells, kNewestVersion, inventory.fileHdr, inventory.fileDamage);
+    const std::string whole = WithoutDamage(kFileCells, kNewestVersion, inventory.fileHdr, inventory.fileCells.lost);
     CRawDataFileHdr header;
     Decode(whole, header);
     CMendedFileHdr mended;
-    CDamagedCells made = inventory.fileDamage;
-    if (const auto keys = KeysOf(kFileCells, made); !keys.empty())
-        mended.notes.push_back("lost from the file header: " + Join(keys));
+    CDamagedCells made = inventory.fileCells.lost;
+    mended.notes = NotesOn(kFileCells, inventory.fileCells.damaged, made, "the file header");
     if (header.HeaderID.empty()) header.HeaderID = kFileTypeText;
     if (header.FileVersion < kNewestVersion) {
         constexpr std::size_t kVersionRow = RowOf(kFileCells, "FileVersion");
-        if (!made[kVersionRow]) mended.notes.emplace_back("the file is of version 2 now, with start times of 0");
+        const auto lacksStart = [](const CFoundRecording& recording) { return recording.version < kNewestVersion; };
+        if (!made[kVersionRow])
+            mended.notes.push_back(
+                std::string("the file is of version 2 now") +
+                (std::ranges::any_of(inventory.recordings, lacksStart) ? ", with start times of 0" : ""));
         header.FileVersion = kNewestVersion;
         made[kVersionRow] = true;
     }

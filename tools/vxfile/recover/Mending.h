@@ -12,6 +12,7 @@ namespace vxfile {
 struct CMendedRecording {
     std::string bytes;  ///< The header in the newest layout; its positions aren't set yet.
     CRawDataRecordingHdr header;
+    CDamagedCells lost;              ///< Cells of the old header that said nothing, or something that can't be.
     std::vector<std::string> notes;  ///< What had to be made up, a clause each.
 };
 

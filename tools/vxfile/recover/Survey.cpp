@@ -19,10 +19,11 @@ namespace {
 
 constexpr std::int64_t kNoMost = std::numeric_limits<std::int64_t>::max();
 
-constexpr std::size_t kTypeRow = RowOf(kSegmentCells, "Type");
-constexpr std::size_t kPointerRow = RowOf(kSegmentCells, "FPosNextSegmentHdr");
-constexpr std::size_t kSizeRow = RowOf(kSegmentCells, "Size");
 constexpr std::size_t kIDRow = RowOf(kSegmentCells, "ID");
+constexpr std::size_t kPointerRow = RowOf(kSegmentCells, "FPosNextSegmentHdr");
+constexpr std::size_t kFromRow = RowOf(kSegmentCells, "TimeFrom");
+constexpr std::size_t kToRow = RowOf(kSegmentCells, "TimeTo");
+constexpr std::size_t kSizeRow = RowOf(kSegmentCells, "Size");
 
 constexpr std::size_t kDataRow = RowOf(kRecordingCells, "FPosRecordingData");
 constexpr std::size_t kWellsRow = RowOf(kRecordingCells, "WellIDs");
@@ -55,12 +56,12 @@ CInventory CSurvey::Take() {
 
 std::optional<CInventory> CSurvey::TakeAlongChains() {
     TakeFileHdr();
-    if (m_found.fileDamage.any()) return std::nullopt;
+    if (m_found.fileCells.damaged.any()) return std::nullopt;
     m_position = *m_promised.begin();
     while (m_position != kUnset) {
         const CRecordingProbe probe = m_probe.Recording(m_position, m_version);
         const std::int64_t data = probe.Position(kDataRow);
-        if (probe.damaged.any() || data == kUnset || !HasRoomForMore()) return std::nullopt;
+        if (!probe.IsWhole() || data == kUnset || !HasRoomForMore()) return std::nullopt;
         BeginRecording(probe, false);
         m_position = data;
         if (!TakeChain()) return std::nullopt;
@@ -79,7 +80,7 @@ bool CSurvey::TakeChain() {
         CSegmentProbe probe = m_probe.Segment(m_position);
         const CProof proof = Prove(probe);
         if (m_position == first && !proof.holds) return MayBeWithoutSegments(first);
-        if (!proof.holds || proof.cut || probe.damaged.any() || !HasRoomForMore()) return false;
+        if (!proof.holds || proof.cut || !probe.IsWhole() || !HasRoomForMore()) return false;
         Accept(probe);
         m_position = probe.header.FPosNextSegmentHdr;
     }
@@ -124,19 +125,20 @@ void CSurvey::TellGaps() {
 
 void CSurvey::TakeFileHdr() {
     m_found.fileHdr = m_probe.Read(0, kFileHdrSize);
-    m_found.fileDamage = DamagedFileCells(m_found.fileHdr);
+    m_found.fileCells = DamageOfFileHdr(m_found.fileHdr);
     CRawDataFileHdr header;
     std::string bytes = m_found.fileHdr;
     bytes.resize(kFileHdrSize);
     Decode(bytes, header);
-    if (!m_found.fileDamage[RowOf(kFileCells, "FileVersion")]) m_version = header.FileVersion;
-    if (!m_found.fileDamage[RowOf(kFileCells, "FPosFirstRecordingHdr")]) {
+    if (!m_found.fileCells.lost[RowOf(kFileCells, "FileVersion")]) m_version = header.FileVersion;
+    if (!m_found.fileCells.lost[RowOf(kFileCells, "FPosFirstRecordingHdr")]) {
         m_promised.insert(header.FPosFirstRecordingHdr);
         m_nextRecording = header.FPosFirstRecordingHdr;
     }
     m_position = static_cast<std::int64_t>(kFileHdrSize);
     // A file without its beginning.
-    if (2 * m_found.fileDamage.count() > kFileCells.size() && !m_probe.LooksLikeHeader(m_position)) m_position = 0;
+    if (2 * m_found.fileCells.damaged.count() > kFileCells.size() && !m_probe.LooksLikeHeader(m_position))
+        m_position = 0;
 }
 
 bool CSurvey::TakeRecording() {
@@ -150,7 +152,7 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
     CFoundRecording recording{.position = probe.position,
                               .bytes = probe.bytes,
                               .version = probe.version,
-                              .damaged = probe.damaged,
+                              .cells = probe.cells,
                               .unfinished = unfinished,
                               .header = {}};
     std::string bytes = probe.bytes;
@@ -161,7 +163,7 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
     if (m_nextRecording) Compare("the position of the next recording", *m_nextRecording, probe.position);
     m_promised.insert(probe.Position(kNextRecordingRow));
     m_nextRecording.reset();
-    if (!probe.damaged[kNextRecordingRow]) m_nextRecording = recording.header.FPosNextRecordingHdr;
+    if (!probe.cells.lost[kNextRecordingRow]) m_nextRecording = recording.header.FPosNextRecordingHdr;
     m_next.reset();
     m_seen.clear();
     m_position = probe.End();
@@ -183,21 +185,49 @@ bool CSurvey::TakeSegment() {
     return true;
 }
 
-/// Proves a segment that stands where one is expected. One cell that others make up for may be damaged: what kind it
-/// is, where the next one stands, and, if its well's interval is known, how many samples it has.
+/// Proves a segment that stands where one is expected. One cell may be lost if the others make up for it and what
+/// follows confirms where the segment ends.
 CSurvey::CProof CSurvey::Prove(CSegmentProbe& probe) const {
-    CDamagedCells dispensable;
-    dispensable[kTypeRow] = dispensable[kPointerRow] = dispensable[kSizeRow] = true;
-    if (probe.damaged.count() > 1 || (probe.damaged & ~dispensable).any()) return {};
-    if (probe.damaged[kSizeRow] && !MendSize(probe)) return {};
-    const bool goes =
-        GoesWith(probe.header, TickOf(probe.header.ID)) || (probe.damaged.none() && MendContradiction(probe));
+    if (!MakeUp(probe)) return {};
+    const bool isWhole = probe.IsWhole();
+    const bool goes = GoesWith(probe.header, TickOf(probe.header.ID)) || (isWhole && MendContradiction(probe));
     if (!IsConsistent(probe.header)) return {};
-    const bool damaged = probe.damaged.any();
     const std::int64_t end = probe.EndOf(probe.header.Size);
     if (end > m_probe.Size())
-        return {.holds = !damaged && (goes || probe.header.FPosNextSegmentHdr == end), .cut = true};
-    return {.holds = (goes && !damaged) || IsFollowed(probe)};
+        return {.holds = isWhole && (goes || probe.header.FPosNextSegmentHdr == end), .cut = true};
+    return {.holds = (goes && probe.IsWhole()) || IsFollowed(probe)};
+}
+
+/// Sets what a lost cell said from the others. Returns false if they don't tell it, or if more than one is lost.
+bool CSurvey::MakeUp(CSegmentProbe& probe) const {
+    struct CMaker {
+        std::size_t row;
+        bool (CSurvey::*make)(CSegmentProbe&) const;
+    };
+    // What kind it is, whose, and where the next one stands isn't needed to find its end and its times.
+    static constexpr std::array<CMaker, 3> kMakers = {{
+        {kFromRow, &CSurvey::MendTimeFrom},
+        {kToRow, &CSurvey::MendTimeTo},
+        {kSizeRow, &CSurvey::MendSize},
+    }};
+    const CDamagedCells& lost = probe.cells.lost;
+    const auto isLost = [&](const CMaker& maker) { return lost[maker.row]; };
+    const auto* const maker = std::ranges::find_if(kMakers, isLost);
+    return lost.count() <= 1 && (maker == kMakers.end() || (this->*maker->make)(probe));
+}
+
+bool CSurvey::MendTimeFrom(CSegmentProbe& probe) const {
+    CSegmentHdr& header = probe.header;
+    const auto from = TimeBehind(header.TimeTo, 1 - header.Size, TickOf(header.ID));
+    header.TimeFrom = from.value_or(0);
+    return from.has_value();
+}
+
+bool CSurvey::MendTimeTo(CSegmentProbe& probe) const {
+    CSegmentHdr& header = probe.header;
+    const auto to = TimeBehind(header.TimeFrom, header.Size - 1, TickOf(header.ID));
+    header.TimeTo = to.value_or(0);
+    return to.has_value();
 }
 
 /// Sets the number of samples from the times. Returns false if the well's interval isn't known.
@@ -214,7 +244,7 @@ bool CSurvey::MendSize(CSegmentProbe& probe) const {
 bool CSurvey::MendContradiction(CSegmentProbe& probe) const {
     CSegmentProbe mended = probe;
     if (!MendSize(mended) || !IsFollowed(mended) || IsFollowed(probe)) return false;
-    mended.damaged[kSizeRow] = true;
+    mended.cells.Lose(kSizeRow);
     probe = mended;
     return true;
 }
@@ -223,7 +253,7 @@ bool CSurvey::MendContradiction(CSegmentProbe& probe) const {
 bool CSurvey::IsFollowed(const CSegmentProbe& probe) const {
     const std::int64_t end = probe.EndOf(probe.header.Size);
     if (end > m_probe.Size()) return false;
-    const bool knowsNext = !probe.damaged[kPointerRow];
+    const bool knowsNext = !probe.cells.lost[kPointerRow];
     const std::int64_t next = probe.header.FPosNextSegmentHdr;
     return (knowsNext && next == end) || IsPromised(end) || m_probe.LooksLikeHeader(end) || end == m_probe.Size() ||
            (knowsNext && next == kUnset && m_probe.LooksLikeEnd(end));
@@ -239,7 +269,7 @@ bool CSurvey::IsPromised(std::int64_t position) const {
 bool CSurvey::Belongs(const CSegmentHdr& header) const {
     const CFoundRecording& recording = m_found.recordings.back();
     const auto& wells = recording.header.WellChannels;
-    const bool knowsWells = !recording.damaged[kWellsRow] && !wells.empty();
+    const bool knowsWells = !recording.cells.lost[kWellsRow] && !wells.empty();
     if (knowsWells && std::ranges::find(wells, header.ID, &CRawDataChannelInfo::ID) == wells.end()) return false;
     const std::int64_t tick = TickOf(header.ID);
     if (tick > 0 && !GoesWith(header, tick)) return false;
@@ -256,7 +286,7 @@ bool CSurvey::IsExpected(const CSegmentHdr& header) const {
 bool CSurvey::IsForeign(const CSegmentProbe& probe) const {
     if (Belongs(probe.header)) return false;
     const CSegmentProbe next = m_probe.Segment(probe.EndOf(probe.header.Size));
-    return next.damaged.any() || !Belongs(next.header);
+    return !next.IsWhole() || !Belongs(next.header);
 }
 
 /// Returns the interval that the header gives a well, or that its segments so far tell; 0 if there is none.
@@ -273,10 +303,11 @@ std::int64_t CSurvey::TickOf(std::int32_t wellID) const {
 
 void CSurvey::Accept(const CSegmentProbe& probe) {
     if (m_next) Compare("FPosNextSegmentHdr", *m_next, probe.position);
-    Tally(probe.header);
+    if (!probe.cells.lost[kIDRow]) Tally(probe.header);
     Keep(probe, probe.header.Size, probe.header.TimeTo);
+    if (!probe.IsWhole()) DoubtDamaged(probe);
     m_next.reset();
-    if (!probe.damaged[kPointerRow]) m_next = probe.header.FPosNextSegmentHdr;
+    if (!probe.cells.lost[kPointerRow]) m_next = probe.header.FPosNextSegmentHdr;
     m_position = probe.EndOf(probe.header.Size);
 }
 
@@ -287,7 +318,15 @@ void CSurvey::Keep(const CSegmentProbe& probe, std::int64_t samples, std::int64_
                                 .samples = static_cast<std::uint32_t>(samples),
                                 .wellID = probe.header.ID,
                                 .recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1),
-                                .cut = samples < probe.header.Size});
+                                .namesWell = !probe.cells.lost[kIDRow]});
+}
+
+void CSurvey::DoubtDamaged(const CSegmentProbe& probe) {
+    const char* const means = probe.cells.lost.none()    ? ", but legible"
+                              : probe.cells.lost[kIDRow] ? ", of which no more is left"
+                                                         : ", told by the others";
+    Doubt(probe.position, probe.EndOf(probe.header.Size), probe.header.ID,
+          "damaged cells: " + DamagedKeys(probe.cells.damaged) + means);
 }
 
 /// Holds a position that was told against what is there. What is there counts; -1 may not have been set yet.
@@ -355,11 +394,11 @@ void CSurvey::PassDamage() {
     if (m_next == from) m_next.reset();
     if (m_nextRecording == from) m_nextRecording.reset();
     if (const auto end = EndOfDamaged(probe)) {
-        const auto well = probe.damaged[kIDRow] ? std::nullopt : std::optional(probe.header.ID);
-        const std::string keys = DamagedKeys(probe.damaged);
+        const auto well = probe.cells.lost[kIDRow] ? std::nullopt : std::optional(probe.header.ID);
+        const std::string keys = DamagedKeys(probe.cells.damaged);
         Lose(from, *end, well,
              keys.empty() ? "the cells of the segment header contradict one another" : "damaged cells: " + keys);
-        m_next = probe.damaged[kPointerRow] ? std::nullopt : std::optional(probe.header.FPosNextSegmentHdr);
+        m_next = probe.cells.lost[kPointerRow] ? std::nullopt : std::optional(probe.header.FPosNextSegmentHdr);
         m_position = *end;
         return;
     }
@@ -380,10 +419,10 @@ std::int64_t CSurvey::FindNext(std::int64_t from) const {
 
 /// Returns where a segment with a damaged header ends, as far as one of its cells and what follows agree about it.
 std::optional<std::int64_t> CSurvey::EndOfDamaged(const CSegmentProbe& probe) const {
-    if (2 * probe.damaged.count() > kSegmentCells.size()) return std::nullopt;
+    if (2 * probe.cells.lost.count() > kSegmentCells.size()) return std::nullopt;
     std::array<std::int64_t, 3> ends = {kUnset, kUnset, kUnset};
-    if (!probe.damaged[kSizeRow]) ends[0] = probe.EndOf(probe.header.Size);
-    if (!probe.damaged[kPointerRow]) ends[1] = probe.header.FPosNextSegmentHdr;
+    if (!probe.cells.lost[kSizeRow]) ends[0] = probe.EndOf(probe.header.Size);
+    if (!probe.cells.lost[kPointerRow]) ends[1] = probe.header.FPosNextSegmentHdr;
     CSegmentProbe mended = probe;
     if (MendSize(mended)) ends[2] = mended.EndOf(mended.header.Size);
     for (const std::int64_t end : ends) {
@@ -400,7 +439,7 @@ bool CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
     const auto promised = m_promised.lower_bound(from);
     // Where something was put in or taken out, positions lead astray.
     const std::int64_t next = first.header.FPosNextSegmentHdr;
-    const bool isInPlace = first.damaged.any() || next == kUnset || next == first.EndOf(first.header.Size);
+    const bool isInPlace = !first.IsWhole() || next == kUnset || next == first.EndOf(first.header.Size);
     const bool isTold = isInPlace && promised != m_promised.end() && *promised < to;
     const bool ended = m_next && *m_next == kUnset;
     const bool hasRoom = to - from >= static_cast<std::int64_t>(kRecordingHdrSize);
@@ -408,7 +447,8 @@ bool CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
     CRecordingProbe probe = m_probe.Recording(isTold ? *promised : from, m_version);
     if (probe.End() > to || probe.bytes.size() != probe.Size()) {
         probe.bytes.clear();
-        probe.damaged.set();
+        probe.cells.damaged.set();
+        probe.cells.lost.set();
     }
     BeginRecording(probe, false);
     m_position = to;

@@ -57,6 +57,9 @@ class CSurvey {
     void TellGaps();
 
     CProof Prove(CSegmentProbe& probe) const;
+    bool MakeUp(CSegmentProbe& probe) const;
+    bool MendTimeFrom(CSegmentProbe& probe) const;
+    bool MendTimeTo(CSegmentProbe& probe) const;
     bool MendSize(CSegmentProbe& probe) const;
     bool MendContradiction(CSegmentProbe& probe) const;
     bool IsFollowed(const CSegmentProbe& probe) const;
@@ -77,6 +80,7 @@ class CSurvey {
     void TellEnd();
     void TellEndOf(const std::string& what, std::optional<std::int64_t> told, const std::string& thing);
     void DoubtThatItWasEmpty();
+    void DoubtDamaged(const CSegmentProbe& probe);
     void Lose(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why);
     void Doubt(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why);
     CRemark Remark(std::int64_t from, std::int64_t to, std::optional<std::int32_t> wellID, std::string why) const;

@@ -104,7 +104,12 @@ class CRecordingJudge {
 
     void Judge() {
         Group();
-        if (m_knowsWells && Return(Strays())) Group();
+        const bool anyReturned = m_knowsWells && Return(Strays());
+        if (anyReturned || !m_nameless.empty()) {
+            for (CFoundSegment* const segment : m_nameless)
+                segment->namesWell = true;  // what is left of its ID must do if no well was found for it
+            Group();
+        }
         LoseMisfits();
         if (m_knowsWells) TellDoubts();
     }
@@ -130,15 +135,16 @@ class CRecordingJudge {
     std::uint32_t m_number;
     std::span<CFoundSegment> m_segments;  ///< In the order of the file.
     std::map<std::int32_t, CGroup> m_groups;
-    CGroup m_misfits;  ///< They don't go with the interval of their well.
+    CGroup m_nameless;  ///< Their IDs are lost, and no well was found for them yet.
+    CGroup m_misfits;   ///< They don't go with the interval of their well.
     bool m_knowsWells = false;
     std::map<std::int32_t, std::int64_t> m_listed;  ///< The header's wells and their intervals; 0 if that isn't known.
     std::int64_t m_common = 0;                      ///< The interval of all listed wells; 0 if they differ.
 };
 
 void CRecordingJudge::TakeList() {
-    m_knowsWells = !m_recording.damaged[RowOf(kRecordingCells, "WellIDs")];
-    const bool knowsTicks = !m_recording.damaged[RowOf(kRecordingCells, "Ticks")];
+    m_knowsWells = !m_recording.cells.lost[RowOf(kRecordingCells, "WellIDs")];
+    const bool knowsTicks = !m_recording.cells.lost[RowOf(kRecordingCells, "Ticks")];
     const auto& wells = m_recording.header.WellChannels;
     for (const auto& well : wells)
         m_listed.emplace(well.ID, knowsTicks ? std::max<std::int64_t>(well.Ticks, 0) : 0);
@@ -151,8 +157,9 @@ void CRecordingJudge::TakeList() {
 void CRecordingJudge::Group() {
     m_groups.clear();
     m_misfits.clear();
+    m_nameless.clear();
     for (CFoundSegment& segment : m_segments)
-        m_groups[segment.wellID].push_back(&segment);
+        (segment.namesWell ? m_groups[segment.wellID] : m_nameless).push_back(&segment);
     m_recording.wells.clear();
     for (auto& [well, group] : m_groups) {
         const CWellInterval interval = Elect(well, group);
@@ -207,7 +214,8 @@ bool CRecordingJudge::Lacks(std::int32_t well, const CFoundSegment& segment, boo
 std::vector<std::int32_t> CRecordingJudge::WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const {
     std::vector<std::int32_t> lacking;
     for (const auto& entry : m_listed) {
-        if (entry.first != segment.wellID && Lacks(entry.first, segment, mustAdjoin)) lacking.push_back(entry.first);
+        const bool isOther = entry.first != segment.wellID || !segment.namesWell;
+        if (isOther && Lacks(entry.first, segment, mustAdjoin)) lacking.push_back(entry.first);
     }
     return lacking;
 }
@@ -220,6 +228,14 @@ std::vector<CStray> CRecordingJudge::Strays() {
         if (lacking.size() == 1) strays.push_back({segment, lacking.front()});
     };
     std::ranges::for_each(m_misfits, take);
+    for (CFoundSegment* const segment : m_nameless) {
+        const auto lacking = WellsLacking(*segment, false);
+        if (lacking.size() == 1) {
+            strays.push_back({segment, lacking.front()});
+        } else {
+            take(segment);
+        }
+    }
     for (const auto& [well, group] : m_groups) {
         // More than one of a well that isn't listed are a well of their own.
         if (!m_listed.contains(well) && group.size() == 1) take(group.front());
@@ -276,6 +292,7 @@ bool CRecordingJudge::Return(std::vector<CStray> strays) {
         m_inventory.doubts.Add(RemarkOn(*segment, "the segment names this well, but by its times it is one of well " +
                                                       std::to_string(well) + ", where it is kept"));
         segment->wellID = well;
+        segment->namesWell = true;
         any = true;
     }
     return any;

@@ -1,6 +1,7 @@
 #include "tools/vxfile/recover/WholeCells.h"
 
 #include <algorithm>
+#include <string>
 
 #include "tools/vxfile/raw/CellFault.h"
 #include "vxfileio/helpers/NumberText.h"
@@ -12,36 +13,54 @@ using namespace vxfileio::rawdata;
 
 namespace {
 
-/// Tells whether a number that is written as it should be can be what it says: no position lies below -1, and no header
-/// has room for more channels.
+/// Tells whether a number that is written as it should be can be what it says: no position lies below -1, there are no
+/// trailers, and no header has room for more channels.
 bool IsInRange(const auto& cell, std::string_view bytes) {
+    if (cell.key == "FPosRecordingTrailer") return vxfileio::ParseInt64(CellValue(bytes)) == kUnset;
     if (cell.key.starts_with("FPos")) return vxfileio::ParseInt64(CellValue(bytes)) >= kUnset;
     if (!cell.key.starts_with("NumberOf")) return true;
     const std::int64_t count = vxfileio::ParseInt64(CellValue(bytes));
     return count >= 0 && count <= static_cast<std::int64_t>(kMostChannels);
 }
 
-CDamagedCells DamagedCells(const auto& cells, std::int32_t version, std::string_view bytes) {
-    CDamagedCells damaged;
+bool IsDamaged(const auto& cell, std::string_view bytes) {
+    if (bytes.size() < cell.width) return true;
+    const auto fault = FaultOf(cell, bytes);
+    return fault ? fault->kind != ECellFault::Separator : !IsInRange(cell, bytes);
+}
+
+/// Tells whether the text of a damaged cell would be whole in a cell that isn't. A single NUL behind it doesn't end it
+/// for sure: that may have been a character, and what follows the rest of the text.
+bool IsLegible(const auto& cell, std::string_view bytes) {
+    const std::string_view text = CellText(bytes);
+    if (bytes.size() < cell.width || text.size() + kCellEndSize + 1 > cell.width || bytes[text.size() + 1] != '\0')
+        return false;
+    std::string whole(cell.width, '\0');
+    CCellWriter(whole, text);
+    return !IsDamaged(cell, whole);
+}
+
+CDamage DamageOf(const auto& cells, std::int32_t version, std::string_view bytes) {
+    CDamage damage;
     for (std::size_t row = 0; row < cells.size(); ++row) {
         const auto& cell = cells[row];
         if (!HasCell(cell, version)) continue;
         const std::string_view cellBytes = bytes.substr(0, cell.width);
-        const auto fault = cellBytes.size() < cell.width ? CCellFault{ECellFault::NoLineEnd} : FaultOf(cell, cellBytes);
-        damaged[row] = fault ? fault->kind != ECellFault::Separator : !IsInRange(cell, cellBytes);
+        damage.damaged[row] = IsDamaged(cell, cellBytes);
+        damage.lost[row] = damage.damaged[row] && !IsLegible(cell, cellBytes);
         bytes.remove_prefix(cellBytes.size());
     }
-    return damaged;
+    return damage;
 }
 
 }  // namespace
 
-CDamagedCells DamagedFileCells(std::string_view bytes) { return DamagedCells(kFileCells, kNewestVersion, bytes); }
+CDamage DamageOfFileHdr(std::string_view bytes) { return DamageOf(kFileCells, kNewestVersion, bytes); }
 
-CDamagedCells DamagedRecordingCells(std::string_view bytes, std::int32_t version) {
-    return DamagedCells(kRecordingCells, version, bytes);
+CDamage DamageOfRecordingHdr(std::string_view bytes, std::int32_t version) {
+    return DamageOf(kRecordingCells, version, bytes);
 }
 
-CDamagedCells DamagedSegmentCells(std::string_view bytes) { return DamagedCells(kSegmentCells, kNewestVersion, bytes); }
+CDamage DamageOfSegmentHdr(std::string_view bytes) { return DamageOf(kSegmentCells, kNewestVersion, bytes); }
 
 }  // namespace vxfile

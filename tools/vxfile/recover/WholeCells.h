@@ -15,13 +15,21 @@ namespace vxfile {
 /// One bit per row of a header's table: that cell is damaged.
 using CDamagedCells = std::bitset<32>;
 
+/// What became of the cells of a header.
+struct CDamage {
+    CDamagedCells damaged;  ///< They aren't as a writer leaves them.
+    CDamagedCells lost;     ///< Of these, those whose text can't be relied on; of the others only what surrounds it.
+
+    void Lose(std::size_t row) { damaged[row] = lost[row] = true; }
+};
+
 /// @name Damage
 /// Each tells which cells of a header aren't whole: what isn't as the format has it, but for separators within a text,
-/// and numbers that can't be. `bytes` may be cut short; cells that are missing are damaged.
+/// and numbers that can't be. `bytes` may be cut short; cells that are missing are lost.
 /// @{
-CDamagedCells DamagedFileCells(std::string_view bytes);
-CDamagedCells DamagedRecordingCells(std::string_view bytes, std::int32_t version);
-CDamagedCells DamagedSegmentCells(std::string_view bytes);
+CDamage DamageOfFileHdr(std::string_view bytes);
+CDamage DamageOfRecordingHdr(std::string_view bytes, std::int32_t version);
+CDamage DamageOfSegmentHdr(std::string_view bytes);
 /// @}
 
 /// Returns the place of a key in its table; of the first, if it stands there twice.
