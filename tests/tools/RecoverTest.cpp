@@ -307,14 +307,29 @@ TEST_F(RecoverTest, IntervalsAreThoseThatMostSegmentsGoWith) {
         const std::size_t cell = bytes.find(key, at) + key.size();
         return bytes.replace(cell, value.size(), value);
     };
-    // The header gives well 11 an interval that none of its segments has, and one of these has damaged times.
+    // The header gives well 11 an interval that none of its segments has, and one of these has a damaged time, which
+    // those before and behind tell.
     const std::string wrong = damage(file.bytes, 1190, "Ticks=", "500:100");
-    std::vector<CSeen> kept = Recovered(damage(wrong, file.segments[2].position, "TimeTo=", "900"));
-    ASSERT_EQ(kept.size(), 5U);
-    EXPECT_EQ(kept[1], file.segments[1]);
+    for (const auto& [key, value] :
+         {std::pair("TimeTo=", "900"), std::pair("TimeTo=", "100"), std::pair("TimeFrom=", "900")}) {
+        EXPECT_EQ(Recovered(damage(wrong, file.segments[2].position, key, value)), file.segments);
+        EXPECT_EQ(ReadAll(m_out), file.bytes);
+        ASSERT_EQ(m_report.doubts.first.size(), 1U);
+        EXPECT_EQ(m_report.doubts.first[0].from, static_cast<std::int64_t>(file.segments[2].position));
+    }
+
+    // A well has no other segment.
+    const CWritten two = TakingTurns(1);
+    EXPECT_EQ(Placeless(Recovered(damage(two.bytes, two.segments[0].position, "TimeTo=", "900"))),
+              Placeless({two.segments[1]}));
     ExpectSound();
     ASSERT_EQ(m_report.losses.first.size(), 1U);
-    EXPECT_EQ(m_report.losses.first[0].from, static_cast<std::int64_t>(file.segments[2].position));
+    EXPECT_EQ(m_report.losses.first[0].from, 3650);
+
+    // What the header says and the others go on by stays, even if another interval would go with all.
+    const std::string alone = damage(file.bytes, 1190, "Ticks=", std::string("100:99\0", 7));
+    Recovered(damage(alone, file.segments[0].position, "TimeFrom=", "1"));
+    EXPECT_EQ(ReadAll(m_out), alone);
 
     // Nobody tells the interval, and no two segments agree.
     std::string none = damage(file.bytes, 1190, "Ticks=", "xxx:xxx");

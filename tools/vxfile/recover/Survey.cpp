@@ -80,7 +80,8 @@ bool CSurvey::TakeChain() {
         CSegmentProbe probe = m_probe.Segment(m_position);
         const CProof proof = Prove(probe);
         if (m_position == first && !proof.holds) return MayBeWithoutSegments(first);
-        if (!proof.holds || proof.cut || !probe.IsWhole() || !HasRoomForMore()) return false;
+        if (!proof.holds || proof.cut || !probe.IsWhole() || !IsConsistent(probe.header) || !HasRoomForMore())
+            return false;
         Accept(probe);
         m_position = probe.header.FPosNextSegmentHdr;
     }
@@ -191,10 +192,12 @@ CSurvey::CProof CSurvey::Prove(CSegmentProbe& probe) const {
     if (!MakeUp(probe)) return {};
     const bool isWhole = probe.IsWhole();
     const bool goes = GoesWith(probe.header, TickOf(probe.header.ID)) || (isWhole && MendContradiction(probe));
-    if (!IsConsistent(probe.header)) return {};
+    const bool isConsistent = IsConsistent(probe.header);
     const std::int64_t end = probe.EndOf(probe.header.Size);
     if (end > m_probe.Size())
-        return {.holds = isWhole && (goes || probe.header.FPosNextSegmentHdr == end), .cut = true};
+        return {.holds = isWhole && isConsistent && (goes || probe.header.FPosNextSegmentHdr == end), .cut = true};
+    // Of whole cells that contradict one another one time may be wrong, which the well's other segments may tell.
+    if (!isConsistent && !isWhole) return {};
     return {.holds = (goes && probe.IsWhole()) || IsFollowed(probe)};
 }
 
@@ -303,7 +306,7 @@ std::int64_t CSurvey::TickOf(std::int32_t wellID) const {
 
 void CSurvey::Accept(const CSegmentProbe& probe) {
     if (m_next) Compare("FPosNextSegmentHdr", *m_next, probe.position);
-    if (!probe.cells.lost[kIDRow]) Tally(probe.header);
+    if (!probe.cells.lost[kIDRow] && IsConsistent(probe.header)) Tally(probe.header);
     Keep(probe, probe.header.Size, probe.header.TimeTo);
     if (!probe.IsWhole()) DoubtDamaged(probe);
     m_next.reset();

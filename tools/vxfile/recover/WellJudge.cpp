@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/recover/HeaderProbe.h"
 
 namespace vxfile {
 
@@ -32,12 +33,13 @@ struct CTickRange {
     bool Has(std::int64_t tick) const { return tick >= atLeast && tick <= atMost; }
 };
 
-/// Returns the intervals with which the times of a segment make as many samples as it has.
+/// Returns the intervals with which the times of a segment make as many samples as it has; none if no interval does.
 CTickRange RangeOf(const CFoundSegment& segment) {
-    const auto span =
-        static_cast<std::int64_t>(static_cast<std::uint64_t>(segment.to) - static_cast<std::uint64_t>(segment.from));
+    const auto span = SpanOf({.TimeFrom = segment.from, .TimeTo = segment.to});
+    if (!span) return {.atMost = 0};
+    const auto length = static_cast<std::int64_t>(*span);
     const std::int64_t samples = segment.samples;
-    return {.atLeast = span / samples + 1, .atMost = samples > 1 ? span / (samples - 1) : kNoMost};
+    return {.atLeast = length / samples + 1, .atMost = samples > 1 ? length / (samples - 1) : kNoMost};
 }
 
 std::size_t CountGoingWith(std::int64_t tick, const CGroup& group) {
@@ -50,7 +52,7 @@ CTickRange MostShared(const CGroup& group) {
     std::vector<std::pair<std::int64_t, int>> ends;  // where ranges begin, or are over
     for (const auto* segment : group) {
         const CTickRange range = RangeOf(*segment);
-        if (range.atLeast > kMostReadable) continue;
+        if (range.atLeast > std::min(range.atMost, kMostReadable)) continue;
         ends.emplace_back(range.atLeast, 1);
         if (range.atMost < kNoMost) ends.emplace_back(range.atMost + 1, -1);
     }
@@ -110,6 +112,7 @@ class CRecordingJudge {
                 segment->namesWell = true;  // what is left of its ID must do if no well was found for it
             Group();
         }
+        MendMisfits();
         LoseMisfits();
         if (m_knowsWells) TellDoubts();
     }
@@ -119,6 +122,7 @@ class CRecordingJudge {
     void Group();
     CWellInterval Elect(std::int32_t well, const CGroup& group) const;
     std::int64_t TickOf(std::int32_t well) const;
+    std::pair<const CFoundSegment*, const CFoundSegment*> NeighboursOf(std::int32_t well, std::int64_t time) const;
     bool Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const;
     std::vector<std::int32_t> WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const;
     std::vector<CStray> Strays();
@@ -127,6 +131,9 @@ class CRecordingJudge {
     bool Return(std::vector<CStray> strays);
     void TellDoubts();
     void TellSharing(const CGroup& group);
+    void MendMisfits();
+    bool MendTime(CFoundSegment& segment);
+    bool GoesOn(const CFoundSegment& segment) const;
     void LoseMisfits();
     CRemark RemarkOn(const CFoundSegment& segment, std::string why) const;
 
@@ -172,8 +179,8 @@ void CRecordingJudge::Group() {
     }
 }
 
-/// Where voices are equal, the header's interval stays. It has a voice of its own if another well has the same, and
-/// against segments that could have any larger one.
+/// Where voices are equal, the header's interval stays. It has a voice of its own if another well has the same, if a
+/// segment goes on with the one before it to the tick, and against segments that could have any larger one.
 CWellInterval CRecordingJudge::Elect(std::int32_t well, const CGroup& group) const {
     const auto listed = m_listed.find(well);
     const std::int64_t told = listed != m_listed.end() ? listed->second : m_common;
@@ -181,7 +188,11 @@ CWellInterval CRecordingJudge::Elect(std::int32_t well, const CGroup& group) con
     if (going == group.size()) return {told, true};
     const CTickRange best = MostShared(group);
     const bool isShared = std::ranges::count(m_listed, told, [](const auto& entry) { return entry.second; }) > 1;
-    const std::size_t voices = going + (isShared || best.atMost == kNoMost ? 1 : 0);
+    const auto goesOn = [&](const CFoundSegment* before, const CFoundSegment* segment) {
+        return TimeBehind(before->from, before->samples, told) == segment->from;
+    };
+    const bool hasSteps = std::ranges::adjacent_find(group, goesOn) != group.end();
+    const std::size_t voices = going + (isShared || hasSteps || best.atMost == kNoMost ? 1 : 0);
     if (told > 0 && best.segments <= voices) return {told, true};
     if (best.atMost == kNoMost) return {best.atLeast, false};
     return {best.Has(kMostReadable) ? best.atLeast : best.atMost, true};
@@ -194,17 +205,22 @@ std::int64_t CRecordingJudge::TickOf(std::int32_t well) const {
     return listed == m_listed.end() ? 0 : listed->second;
 }
 
+/// Returns the last segment of a well that begins ahead of a time, and the first one that doesn't, or null.
+std::pair<const CFoundSegment*, const CFoundSegment*> CRecordingJudge::NeighboursOf(std::int32_t well,
+                                                                                    std::int64_t time) const {
+    const auto found = m_groups.find(well);
+    if (found == m_groups.end()) return {nullptr, nullptr};
+    const CGroup& group = found->second;
+    const auto behind = std::ranges::lower_bound(group, time, {}, &CFoundSegment::from);
+    return {behind == group.begin() ? nullptr : *std::prev(behind), behind == group.end() ? nullptr : *behind};
+}
+
 /// Tells whether a well has nothing at the times of a segment that would go with its interval. `mustAdjoin` asks for
 /// samples right ahead of them or right behind them, too.
 bool CRecordingJudge::Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const {
     const std::int64_t tick = TickOf(well);
     if (tick <= 0 || !RangeOf(segment).Has(tick)) return false;
-    const auto found = m_groups.find(well);
-    if (found == m_groups.end() || found->second.empty()) return !mustAdjoin;
-    const CGroup& group = found->second;
-    const auto behind = std::ranges::lower_bound(group, segment.from, {}, &CFoundSegment::from);
-    const CFoundSegment* const next = behind == group.end() ? nullptr : *behind;
-    const CFoundSegment* const before = behind == group.begin() ? nullptr : *std::prev(behind);
+    const auto [before, next] = NeighboursOf(well, segment.from);
     if ((next != nullptr && ShareTimes(*next, segment)) || (before != nullptr && ShareTimes(*before, segment)))
         return false;
     return !mustAdjoin || (next != nullptr && Follows(next->from, segment.to, tick)) ||
@@ -325,6 +341,39 @@ void CRecordingJudge::TellSharing(const CGroup& group) {
     m_inventory.doubts.Add(RemarkOn(*first, "this well has two segments of the same times (" + Counted(count, "case") +
                                                 "), while well " + std::to_string(lacking.front()) +
                                                 " has none then; an ID may be damaged"));
+}
+
+/// Keeps segments of which one time is damaged where the well's other segments tell which one: those before and behind
+/// go on with them to the tick if the other time is right.
+void CRecordingJudge::MendMisfits() {
+    bool any = false;
+    for (CFoundSegment* const segment : m_misfits)
+        any = MendTime(*segment) || any;
+    if (any) Group();
+}
+
+bool CRecordingJudge::MendTime(CFoundSegment& segment) {
+    const std::int64_t tick = TickOf(segment.wellID);
+    const std::int64_t intervals = std::int64_t{segment.samples} - 1;
+    CFoundSegment byFrom = segment;
+    CFoundSegment byTo = segment;
+    byFrom.to = TimeBehind(segment.from, intervals, tick).value_or(segment.to);
+    byTo.from = TimeBehind(segment.to, -intervals, tick).value_or(segment.from);
+    const bool isFrom = GoesOn(byFrom);
+    if (isFrom == GoesOn(byTo)) return false;
+    m_inventory.doubts.Add(RemarkOn(segment, std::string(isFrom ? "TimeTo" : "TimeFrom") +
+                                                 " doesn't go with the interval; the well's other segments tell it"));
+    segment = isFrom ? byFrom : byTo;
+    return true;
+}
+
+/// Tells whether a segment goes on with the one of its well before or behind it, to the tick.
+bool CRecordingJudge::GoesOn(const CFoundSegment& segment) const {
+    const std::int64_t tick = TickOf(segment.wellID);
+    const auto [before, next] = NeighboursOf(segment.wellID, segment.from);
+    return Lacks(segment.wellID, segment, false) &&
+           ((before != nullptr && TimeBehind(before->from, before->samples, tick) == segment.from) ||
+            (next != nullptr && TimeBehind(segment.from, segment.samples, tick) == next->from));
 }
 
 void CRecordingJudge::LoseMisfits() {

@@ -12,8 +12,9 @@ namespace vxfile {
 /// if the well has another segment of the same times. Where exactly one listed well lacks those times, and goes on with
 /// them to the tick, the segment is given to it; otherwise it stays with the well that it names. Both is told.
 ///
-/// The interval of a well is that of the header, unless more segments go with another one. Segments that don't go with
-/// the interval of their well have damaged times, and are lost.
+/// The interval of a well is that of the header, unless more segments go with another one. Of a segment that
+/// doesn't go with the interval of its well one time is damaged: it is made up where the segments before and behind
+/// tell which one, or the segment is lost. Either is told.
 void SettleWells(CInventory& inventory);
 
 }  // namespace vxfile
