@@ -526,6 +526,11 @@ TEST_F(RecoverTest, LostRecordingHeadersAreMadeUp) {
     EXPECT_EQ(kept[4].samples, all[4].samples);
     EXPECT_FALSE(m_report.IsComplete());
 
+    // A cell that ran into the next one says nothing.
+    bytes = whole;
+    bytes.replace(1190, 50, "TaskName=PreQC\r\nRecording=1" + std::string(23, '\0'));
+    EXPECT_EQ(Recovered(bytes)[0].recording, "Recovered1");
+
     // All but the name is lost; the name stays, and the interval is what the segments say.
     bytes = whole;
     bytes.replace(1190 + 50, 2410, std::string(2410, '\xAA'));

@@ -30,11 +30,12 @@ bool IsDamaged(const auto& cell, std::string_view bytes) {
 }
 
 /// Tells whether the text of a damaged cell would be whole in a cell that isn't. A single NUL behind it doesn't end it
-/// for sure: that may have been a character, and what follows the rest of the text.
+/// for sure: that may have been a character, and what follows the rest of the text. A line end within it may be that of
+/// the cell, with another one behind.
 bool IsLegible(const auto& cell, std::string_view bytes) {
     const std::string_view text = CellText(bytes);
-    if (bytes.size() < cell.width || text.size() + kCellEndSize + 1 > cell.width || bytes[text.size() + 1] != '\0')
-        return false;
+    if (bytes.size() < cell.width || text.size() + kCellEndSize + 1 > cell.width) return false;
+    if (bytes[text.size() + 1] != '\0' || text.find('\n') != std::string_view::npos) return false;
     std::string whole(cell.width, '\0');
     CCellWriter(whole, text);
     return !IsDamaged(cell, whole);
