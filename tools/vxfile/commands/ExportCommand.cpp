@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -13,6 +14,9 @@
 #include "tools/vxfile/io/Interrupt.h"
 #include "tools/vxfile/io/Output.h"
 #include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/io/WholeText.h"
+#include "tools/vxfile/xml/XmlDamage.h"
+#include "vxfileio/frame/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
@@ -30,7 +34,7 @@ constexpr CCommandText kText = {
     .example = "vxfile export run.vxr run.vxs -o run.xls",
     .statuses =
         "  0  the workbooks are there\n"
-        "  1  likewise, but the files are of two runs, or a well has no workbook of its own\n"
+        "  1  likewise, but from damaged files or two runs, or a well has none\n"
         "  2  they couldn't be made, or one is there already; nothing was replaced",
 };
 
@@ -79,6 +83,16 @@ std::string BareGuid(const std::string& guid) {
     return bare;
 }
 
+/// Returns why the system refused a workbook, the first of them; empty if it refused none. A label that can't be in the
+/// name of a file is no refusal of the system: such a well is left out.
+std::string RefusalIn(const std::string& writeErrors) {
+    std::istringstream lines(writeErrors);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with("Not the name of a file: ")) return line.substr(0, line.find(", writing "));
+    }
+    return {};
+}
+
 class CExportCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
@@ -102,8 +116,11 @@ class CExportCommand : public CCommand {
         Export((folder.Path() / target.filename()).string());
         CheckInterrupt();
         const std::size_t made = Move(folder.Path(), target.parent_path());
-        const bool isOneRun = TellOtherRun();
-        return TellMissing(made) && isOneRun ? kSound : kFindings;
+        const std::vector<std::string> doubts = Doubts(made);
+        std::cout.flush();
+        for (const auto& doubt : doubts)
+            std::cerr << "vxfile: " << doubt << '\n';
+        return doubts.empty() ? kSound : kFindings;
     }
 
  private:
@@ -112,7 +129,14 @@ class CExportCommand : public CCommand {
         exporter.SetResults(m_results.reader.GetResults());
         exporter.SetPropertyAnalyzer(m_settings.reader.GetAnalyzerProperty());
         exporter.SetPropertyRecordPlate(m_settings.reader.GetRecordPlateProperty());
-        exporter.ExportExcel(path);
+        try {
+            exporter.ExportExcel(path);
+        } catch (const CExcConversion&) {
+            throw CFailure(m_settings.path + " has a dose that is too large for the head of a column; correct it.");
+        }
+        const std::string refusal = RefusalIn(exporter.GetWriteError());
+        if (!refusal.empty())
+            throw CFailure("The workbooks can't be written: " + refusal + "; make room, or write elsewhere.");
     }
 
     void RefuseInputs(const std::string& target) const {
@@ -142,28 +166,40 @@ class CExportCommand : public CCommand {
         return workbooks.size();
     }
 
-    /// Returns false if it had to tell that the settings aren't those of the results. Most programs leave the Guid out.
-    bool TellOtherRun() {
-        const std::string settings = m_settings.reader.GetXmlFileHeader()->Guid;
-        const std::string results = m_results.reader.GetXmlFileHeader()->Guid;
-        if (settings.empty() || results.empty() || BareGuid(settings) == BareGuid(results)) return true;
-        std::cout.flush();
-        std::cerr << "vxfile: " << m_settings.path << " isn't of the run of " << m_results.path << ": its Guid is "
-                  << Readable(settings) << ", that of the results " << Readable(results)
-                  << ". Labels and doses in the workbooks may be those of another plate.\n";
-        return false;
+    /// Returns what the workbooks leave in doubt, a sentence each.
+    std::vector<std::string> Doubts(std::size_t made) {
+        std::vector<std::string> doubts;
+        for (const auto& path : {m_results.path, m_settings.path}) {
+            const std::string damage = DamageOfDocument(ReadWholeText(path));
+            if (!damage.empty()) doubts.push_back(path + ": " + damage);
+        }
+        if (!AreOfOneRun()) doubts.push_back(OtherRun());
+        if (made < Expected())
+            doubts.push_back(Counted(Expected() - made, "workbook") +
+                             " of single wells couldn't be made: their labels are no names of files, or are the same.");
+        return doubts;
     }
 
-    /// Returns false if it had to tell that there are fewer workbooks than there should be.
-    bool TellMissing(std::size_t made) {
+    const std::string& GuidOf(auto& input) { return input.reader.GetXmlFileHeader()->Guid; }
+
+    /// Most programs leave the Guid out.
+    bool AreOfOneRun() {
+        const std::string settings = BareGuid(GuidOf(m_settings));
+        const std::string results = BareGuid(GuidOf(m_results));
+        return settings.empty() || results.empty() || settings == results;
+    }
+
+    std::string OtherRun() {
+        return m_settings.path + " isn't of the run of " + m_results.path + ": its Guid is " +
+               Readable(GuidOf(m_settings)) + ", that of the results " + Readable(GuidOf(m_results)) +
+               ". Labels and doses in the workbooks may be those of another plate.";
+    }
+
+    /// Returns how many workbooks there should be.
+    std::size_t Expected() {
         const auto& wells = m_settings.reader.GetRecordPlateProperty()->Data.Wells;
         const auto isNew = [](const auto& well) { return well && well->State == PlateWell::kNew; };
-        const std::size_t expected = 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
-        if (made >= expected) return true;
-        std::cout.flush();
-        std::cerr << "vxfile: " << Counted(expected - made, "workbook")
-                  << " of single wells couldn't be made: their labels are no names of files, or are the same.\n";
-        return false;
+        return 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
     }
 
     CInput<CIResultsReader> m_results;
