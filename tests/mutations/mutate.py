@@ -1,4 +1,4 @@
-"""Plants small faults into a copy of the library, one at a time, and looks whether the tests notice.
+"""Plants small faults into a copy of the sources, one at a time, and looks whether the tests notice.
 
 usage: mutate.py BUILD_FOLDER [WORD]
 
@@ -25,6 +25,15 @@ PROGRAMS = {
     "settings": ["settings_test", "reference_test", "results_test"],
     "results": ["results_test", "reference_test"],
     "export": ["export_test", "results_test", "faults_test"],
+    "vxfile": ["sessions", "samples", "vxfile_test", "recover_test"],
+}
+
+# What isn't a test program: the target that it looks at, and its words, of which {} is the folder of the build. The
+# paths in them are those of the sources.
+SCRIPTS = {
+    "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
+    "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference/several_recordings.vxd",
+                           "tests/reference/several_recordings.txt", "tests/reference/small_example.vxd"]),
 }
 
 
@@ -63,19 +72,28 @@ def run(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
 
-def build(folder, program):
-    built = run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", program)
+def build(folder, target):
+    built = run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", target)
     if built.returncode:
         sys.exit(built.stdout)
+
+
+def command_of(folder, program):
+    """Builds what a program needs. Returns the words that run it."""
+    target, words = SCRIPTS.get(program, (program, None))
+    build(folder, target)
+    if words is None:
+        return [str(folder / "bin" / program), "--gtest_brief=1", "--gtest_fail_fast"]
+    return ["/usr/bin/python3", *(word.format(folder) for word in words)]
 
 
 def failing_program(folder, programs):
     """Builds and runs one program after the other. Returns the first that doesn't pass, or None."""
     for program in programs:
-        build(folder, program)
-        command = [str(folder / "bin" / program), "--gtest_brief=1", "--gtest_fail_fast"]
+        command = command_of(folder, program)
         try:
-            if subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=TIMEOUT).returncode:
+            if subprocess.run(command, cwd=folder / "source", stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              timeout=TIMEOUT).returncode:
                 return program
         except subprocess.TimeoutExpired:
             return program
@@ -100,6 +118,7 @@ def make_copy(folder, programs):
     """Copies the sources. These tests of theirs must pass."""
     update_copy(folder / "source")
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
+                     "-DVXFILEIO_BUILD_TOOLS=ON",
                      "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
     if configured.returncode:
         sys.exit(configured.stdout)

@@ -16,6 +16,7 @@ import tempfile
 REFERENCE = pathlib.Path(__file__).resolve().parent.parent / "reference"
 FILES = {
     "run.vxd": "small_example.vxd",
+    "several.vxd": "several_recordings.vxd",
     "series.vxd": "version_1.vxd",
     "cut.vxd": "unfinished.vxd",
     "torn.vxd": "cut_samples.vxd",
@@ -33,8 +34,9 @@ FILES = {
 
 def run(command, folder, programs):
     environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", NO_COLOR="1", LC_ALL="C.UTF-8")
-    done = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, timeout=60)
+    # timeout(1) ends what the shell has started, too.
+    done = subprocess.run(["timeout", "60", "bash", "-c", command], cwd=folder, env=environment,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     return done.stdout.decode(errors="replace").replace("\r\n", "\n").splitlines()
 
 

@@ -72,7 +72,7 @@ def cell(width, text):
 
 
 def write_uneven(path):
-    """Writes segments at odd positions, short ones and some longer than any block. Returns the samples of each well."""
+    """Writes segments at odd positions, some longer than any block. Returns times and samples of each well."""
     with open(SMALL, "rb") as small:
         headers = bytearray(small.read()[:3650])
     headers[1340:1390] = cell(50, "FPosRecordingData=3651")
@@ -85,10 +85,10 @@ def write_uneven(path):
         content += cell(50, f"FPosNextSegmentHdr={-1 if i == len(sizes) - 1 else position}")
         content += cell(50, "TimeFrom=0") + cell(50, f"TimeTo={100 * (size - 1)}") + cell(50, f"Size={size}")
         content += samples.tobytes()
-        wells[well].append(samples)
+        wells[well].append((100 * numpy.arange(size), samples))
     with open(path, "wb") as file:
         file.write(content)
-    return {well: numpy.concatenate(parts) for well, parts in wells.items()}
+    return {well: map(numpy.concatenate, zip(*parts)) for well, parts in wells.items()}
 
 
 with tempfile.TemporaryDirectory() as folder:
@@ -96,9 +96,10 @@ with tempfile.TemporaryDirectory() as folder:
     wells = write_uneven(path)
     run("--npy", "-o", folder + "/{well}.npy", path=path)
     table = numpy.load(io.BytesIO(run("--npy", "--table", path=path)))
-    for well, samples in wells.items():
+    for well, (times, samples) in wells.items():
         assert numpy.array_equal(numpy.load(f"{folder}/{well}.npy"), samples)
         assert numpy.array_equal(numpy.load(io.BytesIO(run("--well", str(well), "--npy", path=path))), samples)
         assert numpy.array_equal(table[table["well"] == well]["sample"], samples)
+        assert numpy.array_equal(table[table["well"] == well]["time"], times)
 
 print("samples agree with numpy and the twin")
