@@ -25,8 +25,9 @@ constexpr CCommandText kText = {
     .example = "vxfile samples run.vxd --task Series --well 11 --units --npy -o well11.npy",
     .statuses =
         "  0  all that was chosen is written\n"
-        "  1  written, but a chosen recording was never finished, or a chosen well has no samples\n"
-        "  2  the file is damaged, nothing is chosen, the options don't go together, or a file is there; no new\n"
+        "  1  written, but a chosen recording was never finished, a chosen well has no samples, or something is\n"
+        "     in doubt or missing, as standard error tells\n"
+        "  2  the file is damaged, there are no samples, the options don't go together, or a file is there; no new\n"
         "     file is left",
 };
 
@@ -83,8 +84,11 @@ class CSamplesCommand : public CCommand {
     }
 
  private:
-    /// Tells what was chosen and isn't there, beside what is.
+    /// Tells what is in doubt or missing of what was chosen, beside what is there.
     static int TellMissing(const CSampleSource& source) {
+        const auto doubts = source.Doubts();
+        for (const auto& doubt : doubts)
+            std::cerr << "vxfile: " << doubt << '\n';
         const auto unfinished = source.Unfinished();
         for (const auto& name : unfinished)
             std::cerr << "vxfile: " << name << " was never finished; vxfile recover gives its samples.\n";
@@ -92,7 +96,7 @@ class CSamplesCommand : public CCommand {
         if (!wells.empty())
             std::cerr << "vxfile: " << source.Path()
                       << " has no samples of these wells among those chosen: " << ListText(wells) << ".\n";
-        return unfinished.empty() && wells.empty() ? kSound : kFindings;
+        return doubts.empty() && unfinished.empty() && wells.empty() ? kSound : kFindings;
     }
 
     std::string m_path;

@@ -54,6 +54,14 @@ std::int64_t CRawScan::RecordingHdrSize() const {
     return static_cast<std::int64_t>(SizeOf(kRecordingCells, m_header.FileVersion));
 }
 
+bool CRawScan::HasRecordingAt(std::int64_t position) const {
+    return position >= 0 && BeginsHeader(ReadBytes(position, kRecordingCells.front().width), kRecordingCells);
+}
+
+bool CRawScan::HasSegmentAt(std::int64_t position) const {
+    return position >= 0 && BeginsHeader(ReadBytes(position, kSegmentCells.front().width), kSegmentCells);
+}
+
 std::string CRawScan::ReadBytes(std::int64_t position, std::size_t size) const {
     std::string bytes(size, '\0');
     bytes.resize(m_file.ReadUpTo(position, std::as_writable_bytes(std::span(bytes))));
@@ -135,14 +143,13 @@ CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWa
 
 CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = scan.DataPosition(recording);
-    const bool found = BeginsHeader(scan.ReadBytes(first, kSegmentHdrSize), kSegmentCells);
-    return {scan, found ? first : kUnset, first, EWalk::Headers};
+    return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, EWalk::Headers};
 }
 
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = recording.header.FPosRecordingData;
     const bool leadsBehind = first == recording.header.FPosNextRecordingHdr || first == scan.Size();
-    return leadsBehind && first >= 0 && !BeginsHeader(scan.ReadBytes(first, kSegmentHdrSize), kSegmentCells);
+    return leadsBehind && first >= 0 && !scan.HasSegmentAt(first);
 }
 
 std::string NameOf(const CRecordingAt& recording, std::size_t index) {

@@ -69,6 +69,13 @@ class CRawScan {
     /// Where the header of a recording ends, and its first segment stands if it has one.
     std::int64_t DataPosition(const CRecordingAt& recording) const { return recording.position + RecordingHdrSize(); }
 
+    /// @name What stands at a position
+    /// Each tells whether the first cell of such a header does.
+    /// @{
+    bool HasRecordingAt(std::int64_t position) const;
+    bool HasSegmentAt(std::int64_t position) const;
+    /// @}
+
     /// Reads up to `size` bytes; fewer at the end of the file.
     std::string ReadBytes(std::int64_t position, std::size_t size) const;
 

@@ -33,6 +33,9 @@ CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
     if (piece.channel == nullptr)
         throw CFailure("The recording header has no well " + std::to_string(piece.well) +
                        ", so its unit isn't known; leave out --units or choose other wells.");
+    if (!piece.hasScale)
+        throw CFailure("The recording header doesn't tell UnitsPerAD and ADZero of well " + std::to_string(piece.well) +
+                       ", so its unit isn't known; leave out --units or choose other wells.");
     return *piece.channel;
 }
 
@@ -147,10 +150,6 @@ class CNpyFile {
     std::uint64_t m_count = 0;
 };
 
-[[noreturn]] void RefuseNoSamples() {
-    throw CFailure("There are no samples to write; vxfile info tells what the file holds.");
-}
-
 [[noreturn]] void RefuseSecondWell() {
     throw CFailure(
         "There are several wells, and an array has one: choose it by --well, put {well} into the name of -o, or ask "
@@ -161,7 +160,7 @@ class CNpyFile {
 /// Returns how many samples will come to a form's target.
 std::uint64_t CountAhead(const CSampleForm& form, CSampleSource& source) {
     const auto& counts = source.Counts();
-    if (counts.empty()) RefuseNoSamples();
+    source.RefuseNothing();
     if (form.well) return counts.at(*form.well);
     if (form.kind == CSampleForm::EKind::NpyArray && counts.size() > 1) RefuseSecondWell();
     return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0},
@@ -187,10 +186,7 @@ class CNpyArray : public CSampleSink {
         m_file.Put(std::as_bytes(std::span(m_values)), samples.size());
     }
 
-    void Commit() override {
-        if (!m_well) RefuseNoSamples();
-        m_file.Commit();
-    }
+    void Commit() override { m_file.Commit(); }
 
  private:
     bool m_units;
@@ -308,7 +304,6 @@ class CSinkPerWell : public CSampleSink {
     void Put(std::int64_t time, std::span<const std::uint16_t> samples) override { m_current->Put(time, samples); }
 
     void Commit() override {
-        if (m_sinks.empty()) RefuseNoSamples();
         for (auto& sink : m_sinks)
             sink.second->Commit();
     }

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/samples/UnitScales.h"
 
 namespace vxfile {
 
@@ -31,6 +33,23 @@ std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channe
     if (segment.Samples() < 2 || header.TimeTo <= header.TimeFrom) return 1;
     const std::uint64_t tick = Distance(header.TimeFrom, header.TimeTo) / (segment.Samples() - 1);
     return std::max<std::int64_t>(static_cast<std::int64_t>(tick), 1);
+}
+
+/// Tells whether there are times for all samples.
+bool HasTimes(const CSegmentAt& segment, std::int64_t tick) {
+    const std::uint64_t most = Distance(segment.header.TimeFrom, std::numeric_limits<std::int64_t>::max());
+    return segment.Samples() == 0 || segment.Samples() - 1 <= most / static_cast<std::uint64_t>(tick);
+}
+
+/// Returns the well of a segment as its recording lists it; null if it doesn't.
+const CRawDataChannelInfo* ChannelOf(const CSegmentAt& segment, const CRecordingAt& recording) {
+    const auto& wells = recording.header.WellChannels;
+    const auto well = std::ranges::find(wells, segment.header.ID, &CRawDataChannelInfo::ID);
+    return well == wells.end() ? nullptr : &*well;
+}
+
+bool IsFinished(const CRecordingAt& recording) {
+    return recording.header.FPosRecordingData != vxfileio::rawdata::kUnset;
 }
 
 bool HasAllTimes(const CSampleChoice& choice) {
@@ -62,6 +81,7 @@ CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
     if (m_scan.Break()) RefuseBreak("its recordings");
     RefuseUnknownTasks();
     RefuseUnknownRecordings();
+    RefuseUnfinished();
 }
 
 void CSampleSource::RefuseUnknownTasks() const {
@@ -87,6 +107,15 @@ void CSampleSource::RefuseUnknownRecordings() const {
     }
 }
 
+void CSampleSource::RefuseUnfinished() const {
+    const auto isUnfinished = [&](const auto& recording) {
+        return IsChosen(recording.header) && !IsFinished(recording);
+    };
+    const auto isFinished = [&](const auto& recording) { return IsChosen(recording.header) && IsFinished(recording); };
+    const auto& recordings = m_scan.Recordings();
+    if (std::ranges::any_of(recordings, isUnfinished) && std::ranges::none_of(recordings, isFinished)) RefuseWells();
+}
+
 void CSampleSource::ForEach(const CTakePiece& take) {
     for (const CPiece& piece : m_kept)
         take(piece);
@@ -95,29 +124,56 @@ void CSampleSource::ForEach(const CTakePiece& take) {
 
 const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
     if (!m_kept.empty()) return m_counts;
+    m_judge.Clear();
     Walk({}, EWalk::Headers, [&](const CPiece& piece, CPlace behind) {
         m_counts[piece.well] += piece.count;
         if (m_kept.size() == kMostKept) return;
         m_kept.push_back(piece);
         m_behindKept = behind;
     });
+    m_judge.Close();
     return m_counts;
 }
 
 void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take) {
     for (std::size_t i = from.recording; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
-        if (!IsChosen(recording.header)) continue;
+        if (!IsChosen(recording.header) || !IsFinished(recording)) continue;
         CSegmentWalk walk = SegmentsOf(m_scan, recording, reads);
         if (i == from.recording && from.segment) walk.GoTo(*from.segment);
-        while (const CSegmentAt* segment = walk.Next()) {
-            if (!Has(m_choice.wells, segment->header.ID)) continue;
-            if (segment->End() > m_scan.Size()) RefuseBreak("the last segment of " + NameOf(recording, i));
-            const CPiece piece = Chosen(*segment, recording.header);
-            if (piece.count > 0) take(piece, {i, walk.NextPosition()});
-        }
-        if (walk.Break()) RefuseBreak(NameOf(recording, i));
+        WalkRecording(i, walk, take);
     }
+}
+
+void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
+                                  const std::function<void(const CPiece&, CPlace)>& take) {
+    const CRecordingAt& recording = m_scan.Recordings()[index];
+    const auto withoutScale = WellsWithoutScale(m_scan, recording);
+    const auto noteJump = [&](std::int64_t end) {
+        if (walk.NextPosition() != end) m_judge.NoteEnd(end, index);
+    };
+    noteJump(m_scan.DataPosition(recording));
+    while (const CSegmentAt* segment = walk.Next()) {
+        noteJump(segment->End());
+        const CRawDataChannelInfo* const channel = ChannelOf(*segment, recording);
+        if (channel == nullptr) m_judge.NoteUnlisted(*segment, index);
+        if (!Has(m_choice.wells, segment->header.ID)) continue;
+        RefuseWrong(*segment, channel, index);
+        CPiece piece = Chosen(*segment, recording.header, channel);
+        piece.hasScale = !withoutScale.contains(piece.well);
+        if (piece.count > 0) take(piece, {index, walk.NextPosition()});
+    }
+    if (walk.Break()) RefuseBreak(NameOf(recording, index));
+}
+
+/// Goes on only with a segment whose samples are in the file, and are its own.
+void CSampleSource::RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording) {
+    const auto name = [&] { return NameOf(m_scan.Recordings()[recording], recording); };
+    if (segment.End() > m_scan.Size()) RefuseBreak("the last segment of " + name());
+    const bool isAdmitted = m_judge.Admits(segment, channel == nullptr ? 0 : channel->Ticks, recording);
+    if (!isAdmitted || !HasTimes(segment, TickOf(segment, channel)))
+        RefuseBreak("the segment of well " + std::to_string(segment.header.ID) + " at byte " +
+                    std::to_string(segment.position) + " in " + name());
 }
 
 void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take) {
@@ -133,10 +189,8 @@ void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span
 }
 
 void CSampleSource::RefuseNothing() const {
-    const bool isRestricted =
-        !m_choice.tasks.empty() || !m_choice.recordings.empty() || !m_choice.wells.empty() || !HasAllTimes(m_choice);
-    if (m_any || !isRestricted) return;
-    if (m_first > m_last) RefuseWells();
+    if (m_any) return;
+    if (m_first > m_last || HasAllTimes(m_choice)) RefuseWells();
     throw CFailure(m_path + " has no samples of the times chosen; those of the wells and recordings chosen go from " +
                    std::to_string(m_first) + " to " + std::to_string(m_last) + '.');
 }
@@ -159,6 +213,10 @@ void CSampleSource::RefuseWells() const {
         throw CFailure(unfinished.front() +
                        " was never finished, so there is nothing to take from it; vxfile recover "
                        "puts what it has into a new file.");
+    const auto doubts = Doubts();
+    if (!doubts.empty()) throw CFailure(m_path + " has no samples of what was chosen. " + doubts.front());
+    if (m_choice.tasks.empty() && m_choice.recordings.empty() && m_choice.wells.empty())
+        throw CFailure(m_path + " has no samples; vxfile info tells what it holds.");
     throw CFailure(m_path + " has no samples of what was chosen; the wells of the recordings chosen: " + theirs);
 }
 
@@ -173,8 +231,7 @@ std::vector<std::string> CSampleSource::Unfinished() const {
     std::vector<std::string> names;
     for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
-        if (IsChosen(recording.header) && recording.header.FPosRecordingData == vxfileio::rawdata::kUnset)
-            names.push_back(NameOf(recording, i));
+        if (IsChosen(recording.header) && !IsFinished(recording)) names.push_back(NameOf(recording, i));
     }
     return names;
 }
@@ -192,12 +249,12 @@ bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
 }
 
 /// Returns what is chosen of a segment, and notes what there was to choose from.
-CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording) {
+CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording,
+                             const CRawDataChannelInfo* channel) {
     CPiece piece;
     piece.recording = &recording;
     piece.well = segment.header.ID;
-    const auto well = std::ranges::find(recording.WellChannels, piece.well, &CRawDataChannelInfo::ID);
-    if (well != recording.WellChannels.end()) piece.channel = &*well;
+    piece.channel = channel;
     piece.time = segment.header.TimeFrom;
     piece.tick = TickOf(segment, piece.channel);
     piece.count = segment.Samples();

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/samples/SegmentJudge.h"
 
 namespace vxfile {
 
@@ -27,14 +28,14 @@ struct CSampleChoice {
 struct CPiece {
     const CRawDataRecordingHdr* recording = nullptr;  ///< Valid as long as the file is open.
     const CRawDataChannelInfo* channel = nullptr;     ///< Null if the recording header doesn't name the well.
+    bool hasScale = true;                             ///< The header tells how samples of the channel turn into units.
     std::int32_t well = 0;
     std::int64_t time = 0;      ///< Of the first sample.
     std::int64_t tick = 0;      ///< From one sample to the next.
     std::uint64_t count = 0;    ///< Samples.
     std::int64_t position = 0;  ///< Where the first one stands in the file.
 
-    /// Returns the time of the sample that comes so many behind the one of `from`. Times of a damaged file may go
-    /// round.
+    /// Returns the time of the sample that comes so many behind the one of `from`. The one behind the last may be none.
     std::int64_t TimeBehind(std::int64_t from, std::uint64_t samples) const {
         return static_cast<std::int64_t>(static_cast<std::uint64_t>(from) + samples * static_cast<std::uint64_t>(tick));
     }
@@ -46,12 +47,12 @@ class CSampleSource {
  public:
     using CTakePiece = std::function<void(const CPiece&)>;
 
-    /// Throws `CFailure` if the file can't be opened, its recordings can't be followed to the last, or none of them has
-    /// a task or a number of the choice.
+    /// Throws `CFailure` if the file can't be opened, its recordings can't be followed to the last, none of them has
+    /// a task or a number of the choice, or none of those chosen was finished.
     CSampleSource(const std::string& path, CSampleChoice choice);
 
-    /// Calls `take` for each piece. Throws `CFailure` where a chain of segments breaks: what is broken is saved first,
-    /// not passed on by halves.
+    /// Calls `take` for each piece. Throws `CFailure` where a chain of segments breaks, or a header would give wrong
+    /// samples: what is broken is saved first, not passed on by halves.
     void ForEach(const CTakePiece& take);
 
     /// Reads the samples of a piece and calls `take` for one part of them after the other.
@@ -61,8 +62,8 @@ class CSampleSource {
     /// shall call it before.
     const std::map<std::int32_t, std::uint64_t>& Counts();
 
-    /// To be called when all was gone through. Throws `CFailure` if something was to be chosen and nothing was; the
-    /// sentence says what the file has instead.
+    /// To be called when all was gone through. Throws `CFailure` if there are no samples; the sentence says what the
+    /// file has instead.
     void RefuseNothing() const;
 
     /// The wells of the choice that have no segment in the recordings chosen; asked when all was gone through.
@@ -70,6 +71,9 @@ class CSampleSource {
 
     /// The names of chosen recordings that can't be read, since their writer never finished them.
     std::vector<std::string> Unfinished() const;
+
+    /// What isn't certain of the samples, or is missing, a sentence each; asked when all was gone through.
+    std::vector<std::string> Doubts() const { return m_judge.Doubts(); }
 
     /// The bytes of the longest name that a chosen recording's task has.
     std::size_t LongestTask() const;
@@ -86,15 +90,19 @@ class CSampleSource {
 
     void RefuseUnknownTasks() const;
     void RefuseUnknownRecordings() const;
+    void RefuseUnfinished() const;
     [[noreturn]] void RefuseWells() const;
     void Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take);
     bool IsChosen(const CRawDataRecordingHdr& header) const;
-    CPiece Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording);
+    void WalkRecording(std::size_t index, CSegmentWalk walk, const std::function<void(const CPiece&, CPlace)>& take);
+    void RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording);
+    CPiece Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording, const CRawDataChannelInfo* channel);
     void Clip(CPiece& piece) const;
     [[noreturn]] void RefuseBreak(const std::string& where) const;
 
     std::string m_path;
     CRawScan m_scan;
+    CSegmentJudge m_judge{m_scan};
     CSampleChoice m_choice;
     EWalk m_reads;
     std::map<std::int32_t, std::uint64_t> m_counts;
