@@ -28,7 +28,7 @@ constexpr CCommandText kText = {
     .statuses =
         "  0  the files say the same\n"
         "  1  they differ\n"
-        "  2  they can't be compared",
+        "  2  they, or what damage hides in them, can't be compared, and no difference was found",
 };
 
 constexpr std::size_t kMostPrinted = 50;
@@ -65,6 +65,8 @@ class CDiffCommand : public CCommand {
         const EFileKind kind = Kind();
         CDifferences differences;
         CompareFor(kind)(m_left, m_right, differences);
+        const std::string& omission = differences.Omission();
+        if (differences.Count() == 0 && !omission.empty()) throw CFailure(omission);
         if (m_json && !m_quiet) PrintDocument(ToJson(kind, differences));
         if (!m_json && !m_quiet) Print(differences);
         return differences.Count() == 0 ? kSound : kFindings;
@@ -92,6 +94,7 @@ class CDiffCommand : public CCommand {
         }
         if (differences.Count() > kMostPrinted)
             std::cout << "and " << Counted(differences.Count() - kMostPrinted, "difference") << " more\n";
+        if (!differences.Omission().empty()) std::cerr << "vxfile: " << differences.Omission() << '\n';
     }
 
     static CJson ToJson(EFileKind kind, const CDifferences& differences) {
@@ -100,10 +103,12 @@ class CDiffCommand : public CCommand {
             list.push_back({{"where", Readable(difference.where)},
                             {"left", Readable(difference.left)},
                             {"right", Readable(difference.right)}});
-        return {{"kind", WordOf(kind)},
-                {"equal", differences.Count() == 0},
-                {"differenceCount", differences.Count()},
-                {"differences", std::move(list)}};
+        CJson json = {{"kind", WordOf(kind)},
+                      {"equal", differences.Count() == 0},
+                      {"differenceCount", differences.Count()},
+                      {"differences", std::move(list)}};
+        if (!differences.Omission().empty()) json["omission"] = differences.Omission();
+        return json;
     }
 
     /// Prints what is told of the two files.

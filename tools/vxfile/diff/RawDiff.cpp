@@ -2,13 +2,18 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <span>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tools/vxfile/diff/Differences.h"
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Progress.h"
 #include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawScan.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
@@ -61,38 +66,75 @@ std::string SegmentText(const CSegmentAt& segment) {
            std::to_string(header.TimeTo) + ", " + Counted(segment.Samples(), "sample");
 }
 
+/// One of the two files.
+struct CSide {
+    explicit CSide(const std::string& file) : path(file), scan(file) {}
+
+    std::string path;
+    CRawScan scan;
+    CCoverage reached = {};  ///< What positions lead to.
+    std::vector<std::byte> block = {};
+};
+
+void Reach(CSide& side, std::int64_t begin, std::int64_t end) {
+    side.reached.Add({begin, std::min(end, side.scan.Size())});
+}
+
+/// Returns what no position leads to.
+std::vector<CRange> Unreached(CSide& side) {
+    Reach(side, 0, kFileHdrSize);
+    for (const auto& recording : side.scan.Recordings())
+        Reach(side, recording.position, side.scan.DataPosition(recording));
+    std::vector<CRange> gaps;
+    side.reached.Inspect(
+        side.scan.Size(), [&](CRange gap) { gaps.push_back(gap); }, [](CRange /*overlap*/) {});
+    return gaps;
+}
+
+std::int64_t BytesOf(const std::vector<CRange>& ranges) {
+    return std::accumulate(ranges.begin(), ranges.end(), std::int64_t{0},
+                           [](std::int64_t sum, CRange range) { return sum + range.end - range.begin; });
+}
+
+/// Reads a part of a file; less where the file ends.
+std::span<const std::byte> Read(CSide& side, std::int64_t position, std::size_t size) {
+    side.block.resize(std::max(side.block.size(), size));
+    const std::span<std::byte> block(side.block);
+    return block.first(side.scan.File().ReadUpTo(position, block.first(size)));
+}
+
 class CRawDiff {
  public:
     CRawDiff(const std::string& left, const std::string& right, CDifferences& differences)
         : m_left(left),
           m_right(right),
           m_differences(differences),
-          m_budget(m_left),
-          m_progress("Comparing", m_left.Size()) {
-        for (const auto* scan : {&m_left, &m_right}) {
-            if (scan->Break())
-                throw CFailure((scan == &m_left ? left : right) +
-                               " has a damaged chain of recordings; vxfile verify tells where.");
+          m_budget(m_left.scan),
+          m_progress("Comparing", m_left.scan.Size()) {
+        for (const auto* side : {&m_left, &m_right}) {
+            if (side->scan.Break())
+                throw CFailure(side->path + " has a damaged chain of recordings; vxfile verify tells where.");
         }
     }
 
     void Compare() {
-        CompareLeaves(HeaderLeaves(m_left), HeaderLeaves(m_right), m_differences);
-        const std::size_t count = std::min(m_left.Recordings().size(), m_right.Recordings().size());
+        CompareLeaves(HeaderLeaves(m_left.scan), HeaderLeaves(m_right.scan), m_differences);
+        const std::size_t count = std::min(m_left.scan.Recordings().size(), m_right.scan.Recordings().size());
         for (std::size_t i = 0; i < count; ++i)
             CompareSegments(i);
+        if (m_differences.Count() == 0) CompareUnreached();  // all segments were passed
     }
 
  private:
     void CompareSegments(std::size_t index) {
-        CSegmentWalk lefts = Walk(m_left, index);
-        CSegmentWalk rights = Walk(m_right, index);
+        CSegmentWalk lefts = Walk(m_left.scan, index);
+        CSegmentWalk rights = Walk(m_right.scan, index);
+        const std::string name = NameOf(m_left.scan.Recordings()[index], index);
         m_told = 0;
         for (std::size_t number = 1; m_told < kMostSegmentsTold; ++number) {
             const CSegmentAt* const left = lefts.Next();
             const CSegmentAt* const right = rights.Next();
-            const std::string where =
-                NameOf(m_left.Recordings()[index], index) + " > segment " + std::to_string(number);
+            const std::string where = name + " > segment " + std::to_string(number);
             if (left == nullptr || right == nullptr) {
                 if (left != right)
                     Tell({where, left == nullptr ? "" : SegmentText(*left),
@@ -104,8 +146,13 @@ class CRawDiff {
             CompareSegment(where, *left, *right);
         }
         if (lefts.Break().has_value() != rights.Break().has_value())
-            Tell({NameOf(m_left.Recordings()[index], index) + " > chain of segments",
-                  lefts.Break() ? "damaged" : "whole", rights.Break() ? "damaged" : "whole"});
+            Tell({name + " > chain of segments", lefts.Break() ? "damaged" : "whole",
+                  rights.Break() ? "damaged" : "whole"});
+        for (const auto& [side, walk] : {std::pair(&m_left, &lefts), std::pair(&m_right, &rights)}) {
+            if (walk->Break())
+                m_differences.Omit(side->path + " has a damaged chain of segments in " + name +
+                                   ", so what follows there wasn't compared; vxfile verify tells where.");
+        }
     }
 
     static CSegmentWalk Walk(const CRawScan& scan, std::size_t index) {
@@ -115,21 +162,40 @@ class CRawDiff {
     }
 
     void CompareSegment(const std::string& where, const CSegmentAt& left, const CSegmentAt& right) {
+        Reach(m_left, left.position, left.End());
+        Reach(m_right, right.position, right.End());
         const std::string leftText = SegmentText(left);
         const std::string rightText = SegmentText(right);
         if (leftText != rightText) return Tell({where, leftText, rightText});
-        const std::int64_t size = std::int64_t{left.Samples()} * 2;
+        CompareBytes(left.DataPosition(), right.DataPosition(), std::int64_t{left.Samples()} * 2,
+                     [&](std::int64_t done, std::span<const std::byte> a, std::span<const std::byte> b) {
+                         TellSample(std::string(where).append(", ").append(leftText), done, a, b);
+                     });
+    }
+
+    /// Calls `tell(done, left, right)` for the first block that isn't the same, so many bytes from the positions.
+    void CompareBytes(std::int64_t left, std::int64_t right, std::int64_t size, auto tell) {
         for (std::int64_t done = 0; done < size; done += kBlockSize) {
             const auto part = static_cast<std::size_t>(std::min<std::int64_t>(size - done, kBlockSize));
-            const std::size_t leftRead = m_left.File().ReadUpTo(left.DataPosition() + done, Block(m_leftBlock, part));
-            const std::size_t rightRead =
-                m_right.File().ReadUpTo(right.DataPosition() + done, Block(m_rightBlock, part));
-            const auto a = std::span(m_leftBlock).first(leftRead);
-            const auto b = std::span(m_rightBlock).first(rightRead);
-            if (!std::ranges::equal(a, b))
-                return TellSample(std::string(where).append(", ").append(leftText), done, a, b);
-            if (leftRead < part) return;  // both files end here
+            const auto a = Read(m_left, left + done, part);
+            const auto b = Read(m_right, right + done, part);
+            if (!std::ranges::equal(a, b)) return tell(done, a, b);
+            if (a.size() < part) return;  // both files end here
         }
+    }
+
+    /// What no position leads to may be anything, so it is the same only to the byte.
+    void CompareUnreached() {
+        const auto lefts = Unreached(m_left);
+        const auto rights = Unreached(m_right);
+        const auto size = [](CRange range) { return range.end - range.begin; };
+        bool same = std::ranges::equal(lefts, rights, {}, size, size);
+        for (std::size_t i = 0; same && i < lefts.size(); ++i)
+            CompareBytes(lefts[i].begin, rights[i].begin, size(lefts[i]), [&](auto...) { same = false; });
+        if (!same)
+            m_differences.Omit("Bytes that no position leads to weren't compared: " + std::to_string(BytesOf(lefts)) +
+                               " in " + m_left.path + ", " + std::to_string(BytesOf(rights)) + " in " + m_right.path +
+                               "; vxfile recover looks for segments in them.");
     }
 
     void TellSample(const std::string& where, std::int64_t done, std::span<const std::byte> left,
@@ -149,18 +215,11 @@ class CRawDiff {
         m_differences.Add(std::move(difference));
     }
 
-    static std::span<std::byte> Block(std::vector<std::byte>& block, std::size_t size) {
-        block.resize(std::max(block.size(), size));
-        return std::span(block).first(size);
-    }
-
-    CRawScan m_left;
-    CRawScan m_right;
+    CSide m_left;
+    CSide m_right;
     CDifferences& m_differences;
     CSegmentBudget m_budget;
     CProgress m_progress;
-    std::vector<std::byte> m_leftBlock;
-    std::vector<std::byte> m_rightBlock;
     int m_told = 0;
 };
 

@@ -108,12 +108,8 @@ void CSampleSource::RefuseUnknownRecordings() const {
 }
 
 void CSampleSource::RefuseUnfinished() const {
-    const auto isUnfinished = [&](const auto& recording) {
-        return IsChosen(recording.header) && !IsFinished(recording);
-    };
-    const auto isFinished = [&](const auto& recording) { return IsChosen(recording.header) && IsFinished(recording); };
-    const auto& recordings = m_scan.Recordings();
-    if (std::ranges::any_of(recordings, isUnfinished) && std::ranges::none_of(recordings, isFinished)) RefuseWells();
+    const auto isReadable = [&](const auto& recording) { return IsChosen(recording.header) && IsFinished(recording); };
+    if (!Unfinished().empty() && std::ranges::none_of(m_scan.Recordings(), isReadable)) RefuseWells();
 }
 
 void CSampleSource::ForEach(const CTakePiece& take) {

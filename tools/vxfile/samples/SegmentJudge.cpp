@@ -71,6 +71,7 @@ void CSegmentJudge::Clear() {
     m_times = {};
     m_unlisted = {};
     m_behind.clear();
+    m_closed = false;
 }
 
 /// Chains needn't run in the order of the file: what one recording ends at may be another's, or come earlier in its
