@@ -102,7 +102,9 @@ void CopyReferences(const fs::path& folder, const fs::path& references) {
     for (const auto& entry : fs::recursive_directory_iterator(references)) {
         const fs::path name = entry.path().filename();
         const std::string kind = name.extension().string();
-        const std::string bytes = kind == ".vxd" || kind == ".vxs" || kind == ".vxr" ? ReadAll(entry.path()) : "";
+        if (kind != ".vxd" && kind != ".vxs" && kind != ".vxr" && kind != ".xls") continue;
+        const std::string bytes = ReadAll(entry.path());
+        WriteSeed(folder / "vxfile" / name, bytes);
         for (const char* target : {"raw", "vxfile_recover"})
             if (kind == ".vxd") WriteSeed(folder / target / name, bytes);
         if (kind == ".vxs") WriteSeed(folder / "settings" / name, bytes);

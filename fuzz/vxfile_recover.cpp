@@ -2,24 +2,14 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <random>
 #include <string>
 
+#include "fuzz/Fuzz.h"
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/recover/RecoverReport.h"
 
 namespace {
-
-/// A file in memory, where there is such a folder.
-std::string NameOf(const char* part) {
-    static const std::string folder = std::filesystem::exists("/dev/shm") ? "/dev/shm/" : "";
-    static const std::string number = std::to_string(std::hash<const void*>()(&folder) ^ std::random_device()());
-    return folder + "vxfile_recover_" + number + part;
-}
 
 /// Reads a recovered file to its end. Only a recording without segments may end in a failure.
 void ReadBack(const std::string& path) {
@@ -56,9 +46,9 @@ void Verify(const std::string& path) {
 
 /// Saves any bytes. Whatever comes out must be a sound file, which the library reads to its end.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string in = NameOf(".in");
-    const std::string out = NameOf(".out");
-    std::ofstream(in, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    static const std::string in = CFuzzFolder::Path("in.vxd");
+    static const std::string out = CFuzzFolder::Path("out.vxd");
+    WriteBytes(in, Input(data, size));
     try {
         vxfile::Recover(in, out, {.keepCut = size % 2 == 1, .replace = true});
         ReadBack(out);
