@@ -450,6 +450,24 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
         EXPECT_FALSE(m_report.losses.None());
         ExpectSound();
     }
+    // Nothing tells whether they are within the samples ahead of them, unless those are the last ones.
+    Recovered(std::string(file.bytes).insert(file.segments[1].position + 304, 10, '\xAA'));
+    EXPECT_FALSE(m_report.doubts.None());
+    // What bytes are taken out of is lost, and no more.
+    for (std::size_t i = 0; i + 1 < file.segments.size(); ++i) {
+        auto others = original;
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
+        EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(file.segments[i].position + 302, 2))), others) << i;
+        EXPECT_FALSE(m_report.losses.None());
+    }
+    EXPECT_EQ(Recovered(std::string(file.bytes).erase(2000, 512)).size(), original.size());
+    EXPECT_FALSE(m_report.losses.None());
+    // What stands ahead of a file isn't of it.
+    for (const std::size_t size : {1U, 512U}) {
+        EXPECT_EQ(Recovered(std::string(size, '\0') + file.bytes), file.segments);
+        ASSERT_EQ(m_report.losses.first.size(), 1U);
+        EXPECT_EQ(m_report.losses.first[0].to, static_cast<std::int64_t>(size));
+    }
     // Without its first bytes it isn't even a raw data file; what is left makes one, under a name that is made up.
     std::vector<CSeen> kept = Placeless(Recovered(file.bytes.substr(3000)));
     ASSERT_EQ(kept.size(), original.size());
@@ -458,6 +476,21 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
         EXPECT_EQ(kept[i], original[i]);
     }
     ExpectSound();
+}
+
+// Segments of one length: a header stands wherever a damaged size leads that is too large by some of them.
+TEST_F(RecoverTest, DamagedSizesThatLeadToAHeaderAreNotBelieved) {
+    const CWritten file = TakingTurns(6);
+    for (std::size_t i = 0; i < file.segments.size(); ++i) {
+        for (std::size_t beyond = i + 1; beyond < file.segments.size(); ++beyond) {
+            std::string bytes = file.bytes;
+            bytes.replace(file.segments[i].position + 250, 50,
+                          Cell(50, "Size=" + std::to_string(4 + 154 * (beyond - i))));
+            SCOPED_TRACE(testing::Message() << "segment " << i << " leads behind segment " << beyond);
+            EXPECT_EQ(Recovered(bytes), file.segments);
+            EXPECT_FALSE(m_report.IsComplete());
+        }
+    }
 }
 
 // Nothing is left of the last recording but a header, whose chain is whole as that of one without segments would be.

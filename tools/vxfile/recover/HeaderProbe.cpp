@@ -57,6 +57,12 @@ std::int64_t CSegmentProbe::EndOf(std::int64_t samples) const {
     return Data() + samples * static_cast<std::int64_t>(sizeof(std::uint16_t));
 }
 
+std::optional<std::int64_t> CSegmentProbe::Shift() const {
+    const std::int64_t next = header.FPosNextSegmentHdr;
+    if (cells.lost[RowOf(kSegmentCells, "FPosNextSegmentHdr")] || next == kUnset) return std::nullopt;
+    return next - EndOf(header.Size);
+}
+
 std::size_t CRecordingProbe::Size() const { return SizeOf(kRecordingCells, version); }
 
 bool CRecordingProbe::IsCredible() const {
@@ -66,6 +72,12 @@ bool CRecordingProbe::IsCredible() const {
 }
 
 bool CRecordingProbe::KnowsItsPlace() const { return bytes.size() == Size() && Position(kDataRow) == End(); }
+
+std::optional<std::int64_t> CRecordingProbe::Shift() const {
+    const std::int64_t data = Position(kDataRow);
+    if (!IsCredible() || data < 0) return std::nullopt;
+    return data - End();
+}
 
 std::int64_t CRecordingProbe::Position(std::size_t row) const {
     if (cells.lost[row] || bytes.size() != Size()) return kNoPosition;

@@ -23,6 +23,8 @@ struct CSegmentProbe {
     std::int64_t Data() const { return position + static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize); }
     /// Where so many samples end.
     std::int64_t EndOf(std::int64_t samples) const;
+    /// How far behind its end it leads, which is 0 where nothing was put in or taken out; nothing if it leads nowhere.
+    std::optional<std::int64_t> Shift() const;
 };
 
 /// The bytes where a recording header may stand.
@@ -40,6 +42,8 @@ struct CRecordingProbe {
     bool IsCredible() const;
     /// Tells whether it is there to its end and leads right behind it, as writers leave it.
     bool KnowsItsPlace() const;
+    /// How far behind its end it leads to its data; nothing if it isn't credible or leads nowhere.
+    std::optional<std::int64_t> Shift() const;
     /// Returns a position that a cell tells, or -2 for a cell that is lost.
     std::int64_t Position(std::size_t row) const;
 };

@@ -42,6 +42,35 @@ std::int64_t CHeaderScan::Next(std::int64_t from) const {
     return m_probe.Size();
 }
 
+std::optional<std::int64_t> CHeaderScan::NextAhead(std::int64_t from, std::int64_t end, std::int64_t shift) const {
+    for (auto at = NextBeginning(from); at < end; at = NextBeginning(at + 1)) {
+        m_reach(at);
+        if (IsAhead(at, shift + end - at)) return at;
+    }
+    return std::nullopt;
+}
+
+/// The last segment of a recording leads nowhere, so its well and what follows have to speak for it.
+bool CHeaderScan::IsAhead(std::int64_t position, std::int64_t shift) const {
+    const CSegmentProbe probe = m_probe.Segment(position);
+    if (!probe.IsWhole() || !IsConsistent(probe.header)) return m_probe.Recording(position, m_version).Shift() == shift;
+    if (probe.header.FPosNextSegmentHdr != kUnset) return probe.Shift() == shift;
+    return m_known.isExpected(probe.header) && m_probe.LooksLikeEnd(probe.EndOf(probe.header.Size));
+}
+
+std::int64_t CHeaderScan::FirstFile() const {
+    const std::int64_t first = Next(1);
+    for (auto at = NextBeginning(1); at < first; at = NextBeginning(at + 1)) {
+        if (IsFileHdr(at)) return at;
+    }
+    return 0;
+}
+
+bool CHeaderScan::IsFileHdr(std::int64_t position) const {
+    const std::string header = m_probe.Read(position, kFileHdrSize);
+    return header.starts_with(kFileTypeText) && DamageOfFileHdr(header).damaged.count() <= kFileCells.size() / 2;
+}
+
 std::int64_t CHeaderScan::NextBeginning(std::int64_t from) const {
     for (auto size = kFirstBlockSize; from < m_probe.Size(); size = std::min(2 * size, kMostBlockSize)) {
         const std::string block = m_probe.Read(from, size);
@@ -73,10 +102,7 @@ bool CHeaderScan::IsSegmentHdr(std::int64_t position) const {
 bool CHeaderScan::IsShifted(const CSegmentProbe& probe) const {
     const CSegmentProbe next = m_probe.Segment(probe.EndOf(probe.header.Size));
     if (!next.IsWhole() || !IsConsistent(next.header)) return false;
-    const auto shift = [](const CSegmentProbe& segment) {
-        return segment.header.FPosNextSegmentHdr - segment.EndOf(segment.header.Size);
-    };
-    return next.header.FPosNextSegmentHdr == kUnset || shift(next) == shift(probe);
+    return next.header.FPosNextSegmentHdr == kUnset || next.Shift() == probe.Shift();
 }
 
 bool CHeaderScan::IsRecordingHdr(std::int64_t position) const {
@@ -88,10 +114,8 @@ bool CHeaderScan::IsRecordingHdr(std::int64_t position) const {
 
 /// Returns where a raw data file that begins at `position` ends, as far as its headers follow one another.
 std::optional<std::int64_t> CHeaderScan::EndOfFileWithin(std::int64_t position) const {
-    const std::string header = m_probe.Read(position, kFileHdrSize);
-    if (!header.starts_with(kFileTypeText) || DamageOfFileHdr(header).damaged.count() > kFileCells.size() / 2)
-        return std::nullopt;
-    auto end = position + static_cast<std::int64_t>(header.size());
+    if (!IsFileHdr(position)) return std::nullopt;
+    auto end = std::min(position + static_cast<std::int64_t>(kFileHdrSize), m_probe.Size());
     for (bool ended = false; end < m_probe.Size();) {
         m_reach(end);
         const CSegmentProbe segment = m_probe.Segment(end);

@@ -31,7 +31,16 @@ class CHeaderScan {
     /// Returns where the next header stands, at `from` or behind; the end of the file if there is none.
     std::int64_t Next(std::int64_t from) const;
 
+    /// Returns where a header stands from `from` on that should stand at `end`: bytes were taken out between what ends
+    /// there and it, so that it leads as much too far. `shift` is how far ahead of that all lead beside their ends.
+    std::optional<std::int64_t> NextAhead(std::int64_t from, std::int64_t end, std::int64_t shift) const;
+
+    /// Returns where a header of a raw data file stands ahead of any other header; 0 if there is none.
+    std::int64_t FirstFile() const;
+
  private:
+    bool IsAhead(std::int64_t position, std::int64_t shift) const;
+    bool IsFileHdr(std::int64_t position) const;
     std::int64_t NextBeginning(std::int64_t from) const;
     bool IsHeader(std::int64_t position) const;
     bool IsSegmentHdr(std::int64_t position) const;

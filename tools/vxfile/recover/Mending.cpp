@@ -228,23 +228,25 @@ class CWellLists {
     CRawDataChannelInfo m_model;  ///< What is known of a well that isn't listed.
 };
 
-/// Returns a note for each kind of damage that cells of a header have.
-std::vector<std::string> NotesOn(const auto& cells, const CDamagedCells& damaged, const CDamagedCells& lost,
+/// Returns a note for each kind of damage that cells of a header have; `lost` are those that had to be made up.
+std::vector<std::string> NotesOn(const auto& cells, const CDamage& damage, const CDamagedCells& lost,
                                  const std::string& header) {
     std::string gone;
     std::string mended;
     std::string legible;
+    std::string odd;
     for (std::size_t row = 0; row < cells.size(); ++row) {
-        if (!damaged[row] && !lost[row]) continue;
+        if (!damage.damaged[row] && !lost[row] && !damage.odd[row]) continue;
         const std::string_view key = cells[row].key.empty() ? "the mark" : cells[row].key;  // the first one of a file
         const bool isTold = key.starts_with("FPos") || key == "NumberOfWells";
-        std::string& keys = !lost[row] ? legible : isTold ? mended : gone;
+        std::string& keys = damage.odd[row] ? odd : !lost[row] ? legible : isTold ? mended : gone;
         keys.append(keys.empty() ? "" : ", ").append(key);
     }
     std::vector<std::string> notes;
     if (!gone.empty()) notes.push_back("lost from " + header + ": " + gone);
     if (!mended.empty()) notes.push_back("damaged in " + header + ", but told by the rest of the file: " + mended);
     if (!legible.empty()) notes.push_back("damaged in " + header + ", but legible: " + legible);
+    if (!odd.empty()) notes.push_back("with a separator in " + header + ", damaged or from another program: " + odd);
     return notes;
 }
 
@@ -288,7 +290,7 @@ CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number) {
     if (recording.bytes.empty()) {
         mended.notes.insert(mended.notes.begin(), "its header is lost, this one is made up");
     } else {
-        const auto notes = NotesOn(kRecordingCells, recording.cells.damaged, mended.lost, "its header");
+        const auto notes = NotesOn(kRecordingCells, recording.cells, mended.lost, "its header");
         mended.notes.insert(mended.notes.begin(), notes.begin(), notes.end());
     }
     return mended;
@@ -300,7 +302,7 @@ CMendedFileHdr MendFileHdr(const CInventory& inventory) {
     Decode(whole, header);
     CMendedFileHdr mended;
     CDamagedCells made = inventory.fileCells.lost;
-    mended.notes = NotesOn(kFileCells, inventory.fileCells.damaged, made, "the file header");
+    mended.notes = NotesOn(kFileCells, inventory.fileCells, made, "the file header");
     if (header.HeaderID.empty()) header.HeaderID = kFileTypeText;
     if (header.FileVersion < kNewestVersion) {
         constexpr std::size_t kVersionRow = RowOf(kFileCells, "FileVersion");

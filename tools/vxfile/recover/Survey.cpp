@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "tools/vxfile/raw/Coverage.h"
-#include "tools/vxfile/recover/HeaderScan.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
@@ -125,8 +124,20 @@ void CSurvey::TellGaps() {
 }
 
 void CSurvey::TakeFileHdr() {
-    m_found.fileHdr = m_probe.Read(0, kFileHdrSize);
-    m_found.fileCells = DamageOfFileHdr(m_found.fileHdr);
+    std::int64_t begin = 0;
+    const auto take = [&] {
+        m_found.fileHdr = m_probe.Read(begin, kFileHdrSize);
+        m_found.fileCells = DamageOfFileHdr(m_found.fileHdr);
+        m_position = begin + static_cast<std::int64_t>(kFileHdrSize);
+        return 2 * m_found.fileCells.damaged.count() <= kFileCells.size() || m_probe.LooksLikeHeader(m_position);
+    };
+    bool isThere = take();
+    // Something was put ahead of the file, or its beginning is lost.
+    if (!isThere && !m_probe.LooksLikeHeader(0)) {
+        begin = Scan().FirstFile();
+        isThere = take();
+        if (isThere) Lose(0, begin, std::nullopt, "they stand ahead of the file");
+    }
     CRawDataFileHdr header;
     std::string bytes = m_found.fileHdr;
     bytes.resize(kFileHdrSize);
@@ -136,10 +147,7 @@ void CSurvey::TakeFileHdr() {
         m_promised.insert(header.FPosFirstRecordingHdr);
         m_nextRecording = header.FPosFirstRecordingHdr;
     }
-    m_position = static_cast<std::int64_t>(kFileHdrSize);
-    // A file without its beginning.
-    if (2 * m_found.fileCells.damaged.count() > kFileCells.size() && !m_probe.LooksLikeHeader(m_position))
-        m_position = 0;
+    if (!isThere) m_position = 0;
 }
 
 bool CSurvey::TakeRecording() {
@@ -243,10 +251,12 @@ bool CSurvey::MendSize(CSegmentProbe& probe) const {
            probe.EndOf(probe.header.Size) <= m_probe.Size();
 }
 
-/// A size that can be read but contradicts the times is damaged if what the times say is confirmed, and it isn't.
+/// A size that can be read but contradicts the times is damaged if what the times say is confirmed, and it isn't. Where
+/// segments are of one length, a header stands at either end: the nearer one counts, as nothing may be jumped over.
 bool CSurvey::MendContradiction(CSegmentProbe& probe) const {
     CSegmentProbe mended = probe;
-    if (!MendSize(mended) || !IsFollowed(mended) || IsFollowed(probe)) return false;
+    if (!MendSize(mended) || !IsFollowed(mended)) return false;
+    if (IsFollowed(probe) && mended.header.Size > probe.header.Size) return false;
     mended.cells.Lose(kSizeRow);
     probe = mended;
     return true;
@@ -255,11 +265,17 @@ bool CSurvey::MendContradiction(CSegmentProbe& probe) const {
 /// Tells whether what stands behind the samples confirms where they end.
 bool CSurvey::IsFollowed(const CSegmentProbe& probe) const {
     const std::int64_t end = probe.EndOf(probe.header.Size);
-    if (end > m_probe.Size()) return false;
+    if (end > m_probe.Size() || LeadsNearer(probe, end)) return false;
     const bool knowsNext = !probe.cells.lost[kPointerRow];
     const std::int64_t next = probe.header.FPosNextSegmentHdr;
     return (knowsNext && next == end) || IsPromised(end) || m_probe.LooksLikeHeader(end) || end == m_probe.Size() ||
            (knowsNext && next == kUnset && m_probe.LooksLikeEnd(end));
+}
+
+/// Tells whether the segment itself leads to a header that stands ahead of `end`.
+bool CSurvey::LeadsNearer(const CSegmentProbe& probe, std::int64_t end) const {
+    const std::int64_t next = probe.header.FPosNextSegmentHdr;
+    return !probe.cells.lost[kPointerRow] && next >= probe.Data() && next < end && m_probe.Segment(next).IsWhole();
 }
 
 /// Tells whether a cell that is whole says that a header stands there.
@@ -391,6 +407,7 @@ void CSurvey::Tally(const CSegmentHdr& header) {
 
 /// Goes on behind bytes that are no header that proves itself.
 void CSurvey::PassDamage() {
+    if (GoBackIntoWhatWasHit()) return;
     const std::int64_t from = m_position;
     const CSegmentProbe probe = m_probe.Segment(from);
     // What leads here is right, however little is left.
@@ -405,22 +422,61 @@ void CSurvey::PassDamage() {
         m_position = *end;
         return;
     }
-    m_position = FindNext(from + 1);
+    m_position = Scan().Next(from + 1);
     if (m_position == m_probe.Size()) {
         Lose(from, m_position, std::nullopt, "the file ends behind it without another whole header");
         return;
     }
+    DoubtWhatGrew(from, m_position);
     const bool isMadeUp = !m_probe.Recording(m_position, m_version).IsCredible() && MakeUpRecording(from, m_position);
-    if (!isMadeUp) Lose(from, m_position, std::nullopt, "no header that proves itself");
+    const bool hasRoom = m_position - from >= static_cast<std::int64_t>(kRecordingHdrSize);
+    if (!isMadeUp)
+        Lose(from, m_position, std::nullopt,
+             std::string("no header that proves itself") + (hasRoom ? "; one of a recording may be among it" : ""));
 }
 
-std::int64_t CSurvey::FindNext(std::int64_t from) const {
+/// Where bytes were taken out, the next header stands within what had them. Then a segment is lost, while of a
+/// recording header the cells ahead of that place stay. Returns false if there is no such header.
+bool CSurvey::GoBackIntoWhatWasHit() {
+    if (m_found.recordings.empty()) return false;
+    CFoundRecording& recording = m_found.recordings.back();
+    const bool isSegment = !m_found.segments.empty() && m_found.segments.back().End() == m_position;
+    const bool isRecording = recording.position + static_cast<std::int64_t>(recording.bytes.size()) == m_position;
+    if (!isSegment && !isRecording) return false;
+    const std::int64_t hit = isSegment ? m_found.segments.back().position : recording.position;
+    const auto shift = isSegment ? m_probe.Segment(hit).Shift() : m_probe.Recording(hit, recording.version).Shift();
+    const auto next = Scan().NextAhead(hit + 1, m_position, shift.value_or(0));
+    if (!next) return false;
+    if (isSegment) {
+        Lose(hit, *next, m_found.segments.back().wellID,
+             "bytes were taken out of it: the next header stands within it");
+        m_found.segments.pop_back();
+    } else {
+        Lose(hit, *next, std::nullopt, "bytes were taken out of the recording header");
+        LoseCellsBehind(static_cast<std::size_t>(*next - hit), recording.version, recording.cells);
+    }
+    m_position = *next;
+    return true;
+}
+
+/// Where bytes were put in, nobody knows whether that was behind the segment or within its samples.
+void CSurvey::DoubtWhatGrew(std::int64_t from, std::int64_t to) {
+    if (m_found.segments.empty() || m_found.segments.back().End() != from) return;
+    const CFoundSegment& segment = m_found.segments.back();
+    const auto shift = m_probe.Segment(to).Shift();
+    if (!shift || *shift != m_probe.Segment(segment.position).Shift().value_or(0) + from - to) return;
+    Doubt(segment.position, from, segment.wellID,
+          "bytes were put in behind it or within its samples, which are wrong from there on");
+}
+
+CHeaderScan CSurvey::Scan() const {
     const CHeaderScan::CKnown known{.isPromised = [this](std::int64_t position) { return IsPromised(position); },
                                     .isExpected = [this](const CSegmentHdr& header) { return IsExpected(header); }};
-    return CHeaderScan(m_probe, m_version, known, m_reach).Next(from);
+    return {m_probe, m_version, known, m_reach};
 }
 
-/// Returns where a segment with a damaged header ends, as far as one of its cells and what follows agree about it.
+/// Returns where a segment with a damaged header ends, as far as one of its cells and what follows agree about it: the
+/// nearest such place, as nothing may be jumped over.
 std::optional<std::int64_t> CSurvey::EndOfDamaged(const CSegmentProbe& probe) const {
     if (2 * probe.cells.lost.count() > kSegmentCells.size()) return std::nullopt;
     std::array<std::int64_t, 3> ends = {kUnset, kUnset, kUnset};
@@ -428,11 +484,12 @@ std::optional<std::int64_t> CSurvey::EndOfDamaged(const CSegmentProbe& probe) co
     if (!probe.cells.lost[kPointerRow]) ends[1] = probe.header.FPosNextSegmentHdr;
     CSegmentProbe mended = probe;
     if (MendSize(mended)) ends[2] = mended.EndOf(mended.header.Size);
-    for (const std::int64_t end : ends) {
-        if (end < probe.Data() || end > m_probe.Size()) continue;
-        if (end == m_probe.Size() || m_probe.LooksLikeHeader(end)) return end;
-    }
-    return std::nullopt;
+    std::ranges::sort(ends);
+    const auto isEnd = [&](std::int64_t end) {
+        return end >= probe.Data() && (end == m_probe.Size() || m_probe.LooksLikeHeader(end));
+    };
+    const auto* const end = std::ranges::find_if(ends, isEnd);
+    return end == ends.end() ? std::nullopt : std::optional(*end);
 }
 
 /// Segments behind damage may belong to a recording whose header is lost there. They do if a position led to it, if the

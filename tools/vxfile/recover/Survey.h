@@ -7,6 +7,7 @@
 #include <set>
 
 #include "tools/vxfile/recover/HeaderProbe.h"
+#include "tools/vxfile/recover/HeaderScan.h"
 #include "tools/vxfile/recover/Inventory.h"
 
 namespace vxfile {
@@ -50,6 +51,8 @@ class CSurvey {
     bool TakeRecording();
     bool TakeSegment();
     void PassDamage();
+    bool GoBackIntoWhatWasHit();
+    void DoubtWhatGrew(std::int64_t from, std::int64_t to);
     bool TakeChain();
     bool MayBeWithoutSegments(std::int64_t data);
     bool HasRoomForMore() const;
@@ -63,11 +66,12 @@ class CSurvey {
     bool MendSize(CSegmentProbe& probe) const;
     bool MendContradiction(CSegmentProbe& probe) const;
     bool IsFollowed(const CSegmentProbe& probe) const;
+    bool LeadsNearer(const CSegmentProbe& probe, std::int64_t end) const;
     bool IsPromised(std::int64_t position) const;
     bool Belongs(const vxfileio::rawdata::CSegmentHdr& header) const;
     bool IsExpected(const vxfileio::rawdata::CSegmentHdr& header) const;
     bool IsForeign(const CSegmentProbe& probe) const;
-    std::int64_t FindNext(std::int64_t from) const;
+    CHeaderScan Scan() const;
     std::optional<std::int64_t> EndOfDamaged(const CSegmentProbe& probe) const;
     std::int64_t TickOf(std::int32_t wellID) const;
     void Accept(const CSegmentProbe& probe);

@@ -23,6 +23,11 @@ bool IsInRange(const auto& cell, std::string_view bytes) {
     return count >= 0 && count <= static_cast<std::int64_t>(kMostChannels);
 }
 
+bool IsOdd(const auto& cell, std::string_view bytes) {
+    const auto fault = FaultOf(cell, bytes);
+    return fault && fault->kind == ECellFault::Separator;
+}
+
 bool IsDamaged(const auto& cell, std::string_view bytes) {
     if (bytes.size() < cell.width) return true;
     const auto fault = FaultOf(cell, bytes);
@@ -49,6 +54,7 @@ CDamage DamageOf(const auto& cells, std::int32_t version, std::string_view bytes
         const std::string_view cellBytes = bytes.substr(0, cell.width);
         damage.damaged[row] = IsDamaged(cell, cellBytes);
         damage.lost[row] = damage.damaged[row] && !IsLegible(cell, cellBytes);
+        damage.odd[row] = !damage.damaged[row] && IsOdd(cell, cellBytes);
         bytes.remove_prefix(cellBytes.size());
     }
     return damage;
@@ -63,5 +69,14 @@ CDamage DamageOfRecordingHdr(std::string_view bytes, std::int32_t version) {
 }
 
 CDamage DamageOfSegmentHdr(std::string_view bytes) { return DamageOf(kSegmentCells, kNewestVersion, bytes); }
+
+void LoseCellsBehind(std::size_t size, std::int32_t version, CDamage& damage) {
+    std::size_t end = 0;
+    for (std::size_t row = 0; row < kRecordingCells.size(); ++row) {
+        if (!HasCell(kRecordingCells[row], version)) continue;
+        end += kRecordingCells[row].width;
+        if (end > size) damage.Lose(row);
+    }
+}
 
 }  // namespace vxfile

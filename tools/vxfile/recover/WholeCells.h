@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -19,6 +20,7 @@ using CDamagedCells = std::bitset<32>;
 struct CDamage {
     CDamagedCells damaged;  ///< They aren't as a writer leaves them.
     CDamagedCells lost;     ///< Of these, those whose text can't be relied on; of the others only what surrounds it.
+    CDamagedCells odd;      ///< Texts with separators, which are damaged or which some program wrote so.
 
     void Lose(std::size_t row) { damaged[row] = lost[row] = true; }
 };
@@ -31,6 +33,9 @@ CDamage DamageOfFileHdr(std::string_view bytes);
 CDamage DamageOfRecordingHdr(std::string_view bytes, std::int32_t version);
 CDamage DamageOfSegmentHdr(std::string_view bytes);
 /// @}
+
+/// Loses the cells of a recording header that end behind its first `size` bytes.
+void LoseCellsBehind(std::size_t size, std::int32_t version, CDamage& damage);
 
 /// Returns the place of a key in its table; of the first, if it stands there twice.
 consteval std::size_t RowOf(const auto& cells, std::string_view key) {
