@@ -4,7 +4,9 @@
 #include <array>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -12,6 +14,7 @@
 #include "tools/vxfile/Json.h"
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/FileKind.h"
+#include "tools/vxfile/io/FolderWalk.h"
 #include "tools/vxfile/io/Style.h"
 #include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/raw/RawVerify.h"
@@ -27,12 +30,12 @@ constexpr CCommandText kText = {
     .purpose = "Check every byte that the format of a file fixes",
     .details =
         "Each finding says where it is, what stands there, what should, and what that means. The kind of a file "
-        "is told by its content. Of a folder, all files of known kinds are checked, those of its folders too. "
-        "Files are opened for reading only.",
+        "is told by its content. Of a folder, all files are checked that are named .vxd, .vxs, .vxr or .xls, and "
+        "those of other names that are of a known kind; those of its folders too. Files are opened for reading only.",
     .example = "vxfile verify run.vxd",
     .statuses =
         "  0  all files are sound\n"
-        "  1  all can be read, some with findings\n"
+        "  1  some have findings, but readers open them all\n"
         "  2  some can't be used, or weren't checked",
 };
 
@@ -116,18 +119,6 @@ CJson ToJson(const CVerdict& verdict) {
             {"findings", std::move(findings)}};
 }
 
-/// Appends the files of a folder that are of a known kind, in the order of their names.
-void AddFolder(const std::string& folder, std::vector<std::string>& paths) {
-    std::vector<std::string> found;
-    using CWalk = std::filesystem::recursive_directory_iterator;
-    for (const auto& entry : CWalk(folder, std::filesystem::directory_options::skip_permission_denied)) {
-        const std::string path = entry.path().string();
-        if (entry.is_regular_file() && IsOurs(FileKindOf(path))) found.push_back(path);
-    }
-    std::ranges::sort(found);
-    paths.insert(paths.end(), found.begin(), found.end());
-}
-
 class CVerifyCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
@@ -140,10 +131,11 @@ class CVerifyCommand : public CCommand {
 
     int Run() override {
         CJson files = CJson::array();
-        for (const auto& path : Paths()) {
+        for (const auto& entry : Entries()) {
             CJson json;
-            const std::string failure = FailureOf([&] { json = Tell(path); });
-            files.push_back(failure.empty() ? std::move(json) : Refuse(path, failure));
+            const std::string failure =
+                entry.failure.empty() ? FailureOf([&] { json = Tell(entry.path); }) : entry.failure;
+            files.push_back(failure.empty() ? std::move(json) : Refuse(entry.path, failure));
         }
         if (m_json && !m_quiet) PrintJson(kText.name, std::move(files));
         if (!m_json && !m_quiet) PrintSummary();
@@ -170,30 +162,36 @@ class CVerifyCommand : public CCommand {
         return {{"path", path}, {"error", sentence}};
     }
 
-    std::vector<std::string> Paths() const {
-        std::vector<std::string> paths;
+    std::vector<CFolderEntry> Entries() {
+        std::vector<CFolderEntry> entries;
+        std::error_code none;
         for (const auto& argument : m_arguments) {
-            if (std::filesystem::is_directory(argument)) {
-                AddFolder(argument, paths);
+            if (std::filesystem::is_directory(argument, none)) {
+                CFolderContent content = WalkFolder(argument);
+                std::ranges::move(content.entries, std::back_inserter(entries));
+                m_passedOver += content.passedOver;
             } else {
-                paths.push_back(argument);
+                entries.push_back({argument});
             }
         }
-        if (paths.empty()) throw CFailure("No file of a known kind is there; name the files themselves.");
-        return paths;
+        if (entries.empty()) throw CFailure("No file of a known kind is there; name the files themselves.");
+        return entries;
     }
 
     void PrintSummary() const {
         const std::size_t all = m_counts[0] + m_counts[1] + m_counts[2];
-        if (all < 2) return;
-        std::cout << all << " files: " << m_counts[kSound] << " sound, " << m_counts[kFindings] << " with findings, "
-                  << m_counts[kTrouble] << " not usable\n";
+        if (all < 2 && m_passedOver == 0) return;
+        std::cout << Counted(all, "file") << ": " << m_counts[kSound] << " sound, " << m_counts[kFindings]
+                  << " with findings, " << m_counts[kTrouble] << " not usable";
+        if (m_passedOver != 0) std::cout << "; " << Counted(m_passedOver, "other file") << " passed over";
+        std::cout << '\n';
     }
 
     std::vector<std::string> m_arguments;
     bool m_json = false;
     bool m_quiet = false;
-    std::array<std::size_t, 3> m_counts{};  ///< Files by their status.
+    std::array<std::size_t, 3> m_counts{};  ///< Files by their status; folders that can't be looked into, too.
+    std::size_t m_passedOver = 0;           ///< Files of folders that are none of this system.
 };
 
 }  // namespace
