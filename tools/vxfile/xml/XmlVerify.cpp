@@ -45,6 +45,7 @@ class CXmlVerifier {
     bool Ends(const CXmlRule& rule, const CXmlToken& token);
 
     void JudgeDeclaration();
+    bool JudgeRoot(const CXmlToken& root);
     void JudgeElement(const CXmlRule& rule, const CXmlToken& start);
     void JudgeAttributes(const CXmlRule& rule, const CXmlToken& start);
     void JudgeValue(const CXmlRule& rule, const CXmlToken& start);
@@ -111,11 +112,7 @@ bool CXmlVerifier::Ends(const CXmlRule& rule, const CXmlToken& token) {
 CFindings CXmlVerifier::Verify() {
     JudgeDeclaration();
     const CXmlToken root = NextToken();
-    if (root.kind != EToken::Start || root.tag != kRoot) {
-        Add(root.offset, Quoted(root.bytes), "<Vexaprobe>", "This is no document of this system.");
-        m_findings.MakeUnusable();
-        return std::move(m_findings);
-    }
+    if (!JudgeRoot(root)) return std::move(m_findings);
     JudgeElement(m_root, root);
     if (m_blanks != 0)
         Add(m_firstBlank, "blanks or line ends, here and " + Counted(m_blanks - 1, "time") + " more",
@@ -126,6 +123,21 @@ CFindings CXmlVerifier::Verify() {
             Add(behind.offset, Quoted(behind.bytes), "the end of the file", "Readers pass over what stands behind.");
     }
     return std::move(m_findings);
+}
+
+/// Readers find the sections wherever they stand. Returns whether there is an element around them, whatever its name.
+bool CXmlVerifier::JudgeRoot(const CXmlToken& root) {
+    if (root.kind == EToken::Start && root.tag == kRoot) return true;
+    const bool isSection = std::ranges::find(m_root.children, root.tag, &CXmlRule::tag) != m_root.children.end();
+    const bool isRenamed = root.kind == EToken::Start && !isSection;
+    const bool isOver = root.kind == EToken::Nothing || root.kind == EToken::Broken;
+    Add(root.offset, isOver ? "the end of the file" : Quoted(root.bytes), "<" + std::string(kRoot) + ">",
+        isRenamed ? "Readers don't look at the name of the outermost element."
+        : isOver  ? "The document was cut or damaged here; there is nothing to read."
+                  : "The outermost element is missing; readers take the others all the same. They weren't checked.");
+    if (isOver) m_findings.MakeUnusable();
+    if (isRenamed && m_document.find("</" + std::string(root.tag) + ">") != std::string::npos) m_root.tag = root.tag;
+    return isRenamed;
 }
 
 void CXmlVerifier::JudgeDeclaration() {
