@@ -10,6 +10,7 @@
 #include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/raw/RawScan.h"
 
+using vxfileio::rawdata::kFileHdrSize;
 using vxfileio::rawdata::kUnset;
 
 namespace vxfile {
@@ -72,7 +73,9 @@ class CRawInfo {
         TellHeader();
         TellRecordings();
         if (m_scan.Break()) m_damage = "The chain of recordings is damaged";
-        if (!m_damage.empty())
+        if (m_scan.Size() < std::int64_t{kFileHdrSize})
+            m_page.SetDamage("The file ends within its first header; there is no recording to save.");
+        else if (!m_damage.empty())
             m_page.SetDamage(m_damage + "; vxfile verify tells where, vxfile recover saves what is whole.");
         if (!m_counts) m_page.SetRemark("Segments and samples weren't counted; --full does.");
         return std::move(m_page);

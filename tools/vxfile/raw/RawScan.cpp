@@ -42,7 +42,7 @@ CRawScan::CRawScan(const std::string& path) {
     m_size = m_file.Size();
     if (m_size == 0) throw CFailure(path + " is empty; there is nothing to read or to save.");
     const std::string bytes = ReadBytes(0, kFileHdrSize);
-    if (bytes.size() < kFileCells.front().width || !bytes.starts_with(kFileTypeText))
+    if (!bytes.starts_with(kFileTypeText))
         throw CFailure(path +
                        " doesn't begin as a raw data file does; vxfile info tells what it is, and vxfile "
                        "recover saves a raw data file whose beginning is damaged.");

@@ -58,6 +58,7 @@ class CRawVerifier {
 
     CFindings Verify() {
         JudgeFileHdr();
+        if (m_scan.Size() < std::int64_t{kFileHdrSize}) return std::move(m_findings);
         for (std::size_t index = 0; index < m_scan.Recordings().size(); ++index)
             JudgeRecording(index);
         if (m_scan.Break()) JudgeBreakOfRecordings(*m_scan.Break());
@@ -84,7 +85,8 @@ class CRawVerifier {
     void JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end);
     void JudgeUnfinished(const CRecordingAt& recording, const std::string& name);
     CChainSum JudgeSegments(CSegmentWalk walk, const CRecordingAt& recording, const std::string& name);
-    void JudgeSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index);
+    void JudgeSegment(const CSegmentAt& segment, const CRecordingAt& recording, const std::string& name,
+                      std::size_t index);
     void JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index);
     void JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index);
     void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
@@ -106,7 +108,9 @@ void CRawVerifier::JudgeFileHdr() {
     JudgeFileCells(m_scan.ReadBytes(0, kFileHdrSize), {name, 0}, m_findings);
     m_coverage.Add({0, std::int64_t{kFileHdrSize}});
     const std::int64_t first = m_scan.Header().FPosFirstRecordingHdr;
-    if (first == kUnset) {
+    if (m_scan.Size() < std::int64_t{kFileHdrSize}) {
+        m_findings.MakeUnusable();  // it was told where the header ends
+    } else if (first == kUnset) {
         Add(name + " > FPosFirstRecordingHdr", kFirstRecordingCell, "-1", "the position of the first recording",
             "The file holds no recording; readers refuse it as empty.");
         m_findings.MakeUnusable();
@@ -195,7 +199,7 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
                     "Chains are tangled; what follows wasn't checked.");
             break;
         }
-        JudgeSegment(*segment, name, sum.segments++);
+        JudgeSegment(*segment, recording, name, sum.segments++);
         sum.samples += segment->Samples();
         sum.wells.insert(segment->header.ID);
         sum.end = segment->End();
@@ -209,18 +213,26 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
     return sum;
 }
 
-void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
+void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& recording, const std::string& name,
+                                std::size_t index) {
     m_coverage.Add({segment.position, std::min(segment.End(), m_scan.Size())});
+    const bool isRunning = recording.header.FPosRecordingData == kUnset;
+    if (segment.bytes.size() < kSegmentHdrSize && isRunning)
+        return Add(NameOfSegment(name, index, segment), segment.position, "the end of the file within the header",
+                   "a whole segment", "Its writer is still at work, or the file was cut.");
     if (!IsExactSegmentHdr(segment.bytes))
-        JudgeSegmentCells(segment.bytes, {NameOfSegment(recording, index, segment), segment.position}, m_findings);
+        JudgeSegmentCells(segment.bytes, {NameOfSegment(name, index, segment), segment.position}, m_findings);
     if (segment.bytes.size() < kSegmentHdrSize) return;
-    JudgeTimes(segment, recording, index);
-    JudgeNextSegment(segment, recording, index);
+    JudgeTimes(segment, name, index);
+    JudgeNextSegment(segment, name, index);
     if (segment.End() > m_scan.Size())
-        Add(NameOfSegment(recording, index, segment) + " > samples", segment.DataPosition(),
+        Add(NameOfSegment(name, index, segment) + " > samples", segment.DataPosition(),
             Counted(static_cast<std::uint64_t>(m_scan.Size() - segment.DataPosition()), "byte"),
             Counted(segment.Samples() * std::uint64_t{2}, "byte"),
-            "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or refuse.");
+            isRunning
+                ? "Its writer is still at work, the file was cut within the samples, or Size is damaged."
+                : "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or "
+                  "refuse.");
 }
 
 void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
