@@ -15,6 +15,13 @@ namespace {
 /// So many rows fit on one screen beside all the rest.
 constexpr std::size_t kMostRows = 16;
 
+/// A text of a file may have any length; so much of it does for a page.
+std::string Shortened(const std::string& text) {
+    constexpr std::size_t kMostCharacters = 160;
+    const std::string_view shown = Cut(text, kMostCharacters);
+    return std::string(shown) + (shown.size() < text.size() ? "..." : "");
+}
+
 std::string Filled(const std::string& text, std::size_t width) {
     return text + std::string(width - std::min(width, Width(text)), ' ');
 }
@@ -50,14 +57,20 @@ void PrintTable(const std::vector<CPage::CRow>& table) {
 }  // namespace
 
 void CPage::Add(std::string_view label, std::string_view key, const std::string& text, CJson value) {
-    m_lines.emplace_back(label, text);
+    m_lines.emplace_back(label, Shortened(text));
     m_json[std::string(key)] = std::move(value);
 }
 
 void CPage::AddText(std::string_view label, std::string_view key, std::string_view bytes) {
     const std::string text = Readable(bytes);
-    if (!text.empty()) m_lines.emplace_back(label, text);
+    if (!text.empty()) m_lines.emplace_back(label, Shortened(text));
     m_json[std::string(key)] = text;
+}
+
+void CPage::SetTable(std::vector<CRow> rows) {
+    m_table = std::move(rows);
+    for (auto& row : m_table)
+        std::ranges::transform(row, row.begin(), Shortened);
 }
 
 void CPage::SetDamage(const std::string& sentence) {

@@ -9,7 +9,7 @@
 
 namespace vxfile {
 
-/// What is told about one file, put together once for people and for programs.
+/// What is told about one file, put together once for people and for programs. Long texts are cut for people.
 class CPage {
  public:
     /// Adds a line with a label, and the same as a member of the JSON object.
@@ -20,7 +20,7 @@ class CPage {
 
     /// A table for people: the heads of its columns, then its rows, all as long.
     using CRow = std::vector<std::string>;
-    void SetTable(std::vector<CRow> rows) { m_table = std::move(rows); }
+    void SetTable(std::vector<CRow> rows);
     /// A remark for people, below all.
     void SetRemark(std::string remark) { m_remark = std::move(remark); }
 

@@ -22,6 +22,10 @@ constexpr std::int64_t kSmallFile = std::int64_t{64} << 20;
 
 constexpr const char* kFinished = "finished";
 
+constexpr int kAuxColumn = 5;  ///< Of the table: behind the wells.
+
+bool HasAuxChannels(const CRecordingAt& recording) { return !recording.header.AuxChannels.empty(); }
+
 bool IsFinished(const CRecordingAt& recording) { return recording.header.FPosRecordingData != kUnset; }
 
 std::string DoseText(std::int64_t dose) {
@@ -66,12 +70,14 @@ class CRawInfo {
     CRawInfo(const std::string& path, bool full)
         : m_scan(path),
           m_counts(full || m_scan.Size() <= kSmallFile),
+          m_hasAux(std::ranges::any_of(m_scan.Recordings(), HasAuxChannels)),
           m_budget(m_scan),
           m_progress("Counting samples", m_scan.Size()) {}
 
     CPage Tell() {
         TellHeader();
         TellRecordings();
+        JudgeWhatIsBehind();
         if (m_scan.Break()) m_damage = "The chain of recordings is damaged";
         if (m_scan.Size() < std::int64_t{kFileHdrSize})
             m_page.SetDamage("The file ends within its first header; there is no recording to save.");
@@ -89,14 +95,17 @@ class CRawInfo {
     CPage::CRow TellRecording(std::size_t index, CJson& list);
     void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
     void JudgeHeader(std::size_t index, CPage::CRow& row);
+    void JudgeWhatIsBehind();
     void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
 
     CRawScan m_scan;
     bool m_counts;  ///< Whether segments are.
+    bool m_hasAux;  ///< Whether there are auxiliary channels to be told of.
     CSegmentBudget m_budget;
     CProgress m_progress;
     CPage m_page;
-    std::string m_damage;  ///< The first one that is met; empty if there is none.
+    std::string m_damage;    ///< The first one that is met; empty if there is none.
+    std::int64_t m_end = 0;  ///< Where the last thing ends that was met.
 };
 
 void CRawInfo::TellHeader() {
@@ -126,6 +135,7 @@ void CRawInfo::TellLists() {
 
 void CRawInfo::TellRecordings() {
     CPage::CRow head = {"#", "Task", "Number", "Dose", "Wells", "Interval", "Length", "State"};
+    if (m_hasAux) head.insert(head.begin() + kAuxColumn, "Auxiliary");
     if (m_counts) head.insert(head.end() - 1, {"Segments", "Samples"});
     std::vector<CPage::CRow> table = {head};
     CJson list = CJson::array();
@@ -152,9 +162,10 @@ void CRawInfo::TellSummary(const std::string& lastState) {
     for (const auto& task : tasks)
         taskText += (taskText.empty() ? "" : ", ") + task;
     const bool finished = !recordings.empty() && IsFinished(recordings.back());
-    m_page.Add("Tasks", "tasks", taskText, tasks);
+    m_page.Add("Tasks", "tasks", taskText.empty() ? "none" : taskText, tasks);
     const std::vector<std::int32_t> wellIDs(wells.begin(), wells.end());
-    m_page.Add("Wells", "wells", std::to_string(wells.size()) + ": " + ListText(wellIDs), wellIDs);
+    const std::string wellText = wells.empty() ? "" : ": " + ListText(wellIDs);
+    m_page.Add("Wells", "wells", std::to_string(wells.size()) + wellText, wellIDs);
     std::string count = std::to_string(recordings.size());
     if (!recordings.empty()) count += ", the last one " + lastState + (finished ? "" : ": vxfile recover saves it");
     m_page.Add("Recordings", "recordingCount", count, recordings.size());
@@ -181,6 +192,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
                        IntervalText(recording),
                        std::to_string(header.RecordingTime),
                        IsFinished(recording) ? kFinished : "not finished"};
+    if (m_hasAux) row.insert(row.begin() + kAuxColumn, std::to_string(header.AuxChannels.size()));
     JudgeHeader(index, row);
     if (m_counts) CountSegments(index, row, json);
     list.push_back(std::move(json));
@@ -203,6 +215,14 @@ void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
         NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
 }
 
+/// A chain that ends too early looks whole. Behind a finished recording stands nothing, or what the chain should lead
+/// to.
+void CRawInfo::JudgeWhatIsBehind() {
+    const auto& recordings = m_scan.Recordings();
+    if (!m_counts || recordings.empty() || !IsFinished(recordings.back()) || !m_damage.empty()) return;
+    if (m_scan.HasHeaderAt(m_end)) m_damage = "No position leads to what stands behind byte " + std::to_string(m_end);
+}
+
 /// Segments of an unfinished recording are those behind its header; the last of them may be just being written.
 void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
@@ -211,6 +231,7 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
     std::uint64_t samples = 0;
     bool shared = false;  // its chain leads through segments of another one
     bool cut = false;
+    m_end = std::max(m_end, m_scan.DataPosition(recording));
     while (const CSegmentAt* segment = walk.Next()) {
         shared = !m_budget.Take();
         if (shared) break;
@@ -218,6 +239,7 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
         const std::int64_t there = std::max<std::int64_t>(m_scan.Size() - segment->DataPosition(), 0) / 2;
         samples += static_cast<std::uint64_t>(std::min<std::int64_t>(there, segment->Samples()));
         cut = cut || there < segment->Samples();
+        m_end = std::max(m_end, segment->End());
         m_progress.Reach(segment->position);
     }
     const bool damaged = walk.Break() || shared;

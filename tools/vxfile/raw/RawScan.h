@@ -74,6 +74,7 @@ class CRawScan {
     /// @{
     bool HasRecordingAt(std::int64_t position) const;
     bool HasSegmentAt(std::int64_t position) const;
+    bool HasHeaderAt(std::int64_t position) const { return HasSegmentAt(position) || HasRecordingAt(position); }
     /// @}
 
     /// Reads up to `size` bytes; fewer at the end of the file.

@@ -18,15 +18,11 @@ bool IsContradicted(const CSegmentHdr& header, std::int64_t tick) {
     return span / static_cast<std::uint64_t>(tick) + 1 != static_cast<std::uint64_t>(header.Size);
 }
 
-bool HasHeaderAt(const CRawScan& scan, std::int64_t position) {
-    return scan.HasSegmentAt(position) || scan.HasRecordingAt(position);
-}
-
 /// Tells whether something begins, or the file ends, where the samples end.
 bool IsEndConfirmed(const CRawScan& scan, const CSegmentAt& segment) {
     const std::int64_t next = segment.header.FPosNextSegmentHdr;
     if (next != kUnset) return next == segment.End();
-    return segment.End() == scan.Size() || HasHeaderAt(scan, segment.End());
+    return segment.End() == scan.Size() || scan.HasHeaderAt(segment.End());
 }
 
 /// Calls `act(position)` for each segment that a position leads to, and for those of unfinished recordings.
@@ -58,7 +54,7 @@ void CSegmentJudge::NoteUnlisted(const CSegmentAt& segment, std::size_t recordin
 /// Behind its last segment, a writer puts the next recording, or the file ends.
 void CSegmentJudge::NoteEnd(std::int64_t end, std::size_t recording) {
     if (m_closed || end == m_scan.Recordings()[recording].header.FPosNextRecordingHdr || end >= m_scan.Size()) return;
-    if (HasHeaderAt(m_scan, end)) m_behind.push_back({end, recording});
+    if (m_scan.HasHeaderAt(end)) m_behind.push_back({end, recording});
 }
 
 void CSegmentJudge::Note(CTally& tally, const CSegmentAt& segment, std::size_t recording) const {
