@@ -77,7 +77,8 @@ void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& o
     }
     out << ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nIf it is set and not empty, nothing is coloured.\n"
         << ".TP\n.B TERM\nOn a terminal that is \"dumb\" nothing is coloured, and no line is written twice.\n"
-        << ".SH EXIT STATUS\nEach command tells its own above. A wrong command line is 2, and Ctrl\\-C 130.\n";
+        << ".SH EXIT STATUS\nEach command tells its own above. A wrong command line is 2, and Ctrl\\-C 130;\n"
+        << "so is another request to end, SIGTERM or SIGHUP.\n";
 }
 
 void WriteCompletion(const CLI::App& app, const CCommands& commands, std::ostream& out) {

@@ -1,7 +1,7 @@
 #include "tools/vxfile/Program.h"
 
-#include <exception>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 #include "tools/vxfile/Command.h"
@@ -14,11 +14,10 @@
 #include "tools/vxfile/commands/SamplesCommand.h"
 #include "tools/vxfile/commands/VerifyCommand.h"
 #include "tools/vxfile/commands/WatchCommand.h"
+#include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Interrupt.h"
+#include "tools/vxfile/io/MemoryReserve.h"
 #include "tools/vxfile/io/Output.h"
-#include "tools/vxfile/io/Text.h"
-#include "vxfileio/frame/ExcVXReader.h"
-#include "vxfileio/frame/VXExceptions.h"
 
 namespace vxfile {
 
@@ -47,7 +46,10 @@ int ParseAndRun(int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {  // help or version
-        return app.exit(asked);
+        std::ostringstream text;
+        const int status = app.exit(asked, text, text);
+        std::cout << text.str();
+        return status;
     } catch (const CLI::ParseError& error) {
         RefuseCommandLine(app, error);
     }
@@ -60,12 +62,6 @@ int RunWhole(int argc, const char* const* argv) {
     const int status = ParseAndRun(argc, argv);
     FinishPrinting();
     return status;
-}
-
-int Tell(const std::string& sentence) {
-    std::cout.flush();
-    std::cerr << "vxfile: " << sentence << '\n';
-    return kTrouble;
 }
 
 }  // namespace
@@ -83,16 +79,15 @@ CCommands MakeCommands() {
 }
 
 int RunProgram(int argc, const char* const* argv) noexcept try {
-    return RunWhole(argc, argv);
+    KeepMemoryReserve();
+    int status = kTrouble;
+    const std::string failure = FailureOf([&] { status = RunWhole(argc, argv); });
+    if (failure.empty()) return status;
+    PrintFailure(failure);
+    return kTrouble;
 } catch (const CInterruption&) {
-    Tell("interrupted; no half file is left.");
+    PrintFailure("interrupted; no half file is left.");
     return kInterrupted;
-} catch (const CExcVXReader& failure) {
-    return Tell(failure.GetMsg());
-} catch (const CVXExceptions& failure) {
-    return Tell(Readable(failure.message));
-} catch (const std::exception& failure) {
-    return Tell(failure.what());
 }
 
 }  // namespace vxfile

@@ -96,7 +96,7 @@ class CInfoCommand : public CCommand {
         CPage page = PageOf(kind, path);
         if (!m_json) {
             if (std::exchange(m_printed, true)) std::cout << '\n';
-            std::cout << Bold(path) << ": " << NameOf(kind) << ", " << SizeText(size) << '\n';
+            std::cout << Bold(Readable(path)) << ": " << NameOf(kind) << ", " << SizeText(size) << '\n';
             page.Print();
         }
         json.update(page.Json());
@@ -105,9 +105,7 @@ class CInfoCommand : public CCommand {
     /// One file that can't be read doesn't keep the others back.
     void Refuse(const std::string& sentence, CJson& json) const {
         json["error"] = sentence;
-        if (m_json) return;
-        std::cout.flush();
-        std::cerr << "vxfile: " << sentence << '\n';
+        if (!m_json) PrintFailure(sentence);
     }
 
     std::vector<std::string> m_paths;

@@ -91,7 +91,7 @@ std::string StatusText(const CFindings& findings) {
 }
 
 void Print(const CVerdict& verdict) {
-    std::cout << verdict.path << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings) << '\n';
+    std::cout << Readable(verdict.path) << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings) << '\n';
     const auto& kept = verdict.findings.Kept();
     for (const auto& finding : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
         std::cout << "  " << Bold(finding.where);
@@ -155,10 +155,7 @@ class CVerifyCommand : public CCommand {
     /// One file that can't be read doesn't keep the others back.
     CJson Refuse(const std::string& path, const std::string& sentence) {
         ++m_counts[kTrouble];
-        if (!m_json && !m_quiet) {
-            std::cout.flush();
-            std::cerr << "vxfile: " << sentence << '\n';
-        }
+        if (!m_json && !m_quiet) PrintFailure(sentence);
         return {{"path", path}, {"error", sentence}};
     }
 

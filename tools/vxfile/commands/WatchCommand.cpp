@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <iostream>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -29,11 +30,24 @@ constexpr CCommandText kText = {
     .example = "vxfile watch run.vxd --idle 60",
     .statuses =
         "  0  the file is finished\n"
-        "  1  nothing new has come for the time of --idle\n"
+        "  1  nothing new has come for the time of --idle, or the file was closed and\n"
+        "     is damaged\n"
         "  2  the file can't be watched",
 };
 
 using CClock = std::chrono::steady_clock;
+
+constexpr double kMostSeconds = std::numeric_limits<double>::max();
+
+/// Takes the numbers of a range, and so no nan.
+CLI::Validator Within(double least, double most) {
+    const auto judge = [least, most](const std::string& text) {
+        double number = 0;
+        const bool isWithin = CLI::detail::lexical_cast(text, number) && number >= least && number <= most;
+        return std::string(isWithin ? "" : "outside");
+    };
+    return {[judge](std::string& text) { return judge(text); }, ""};
+}
 
 class CWatchCommand : public CCommand {
  public:
@@ -42,10 +56,10 @@ class CWatchCommand : public CCommand {
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_path, "The raw data file that is being written")->required();
         app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
-            ->check(Wanted(CLI::PositiveNumber, "a number of seconds above 0"))
+            ->check(Wanted(Within(std::numeric_limits<double>::min(), kMostSeconds), "a number of seconds above 0"))
             ->type_name("SECONDS");
         app.add_option("--every", m_every, "Look after so many seconds, 0.01 to 3600 (1, if not told)")
-            ->check(Wanted(CLI::Range(0.01, 3600.0), "a number from 0.01 to 3600"))
+            ->check(Wanted(Within(0.01, 3600), "a number from 0.01 to 3600"))
             ->type_name("SECONDS");
     }
 
@@ -71,7 +85,9 @@ class CWatchCommand : public CCommand {
                 const auto bytes = static_cast<double>(file.Position() - lastPosition);
                 TellGrowth(file, lastPosition == 0 ? 0 : bytes / passed.count());
             }
-            if (file.IsFinished()) return End(file, "The file is finished", kSound);
+            const auto state = file.State(isNew);
+            if (state == CGrowingFile::EState::Finished) return End(file, "The file is finished", kSound);
+            if (state == CGrowingFile::EState::Damaged) return End(file, kDamaged, kFindings);
             if (isNew) lastNews = now;
             if (m_idle > 0 && now - lastNews >= std::chrono::duration<double>(m_idle))
                 return End(file, file.Recordings() == 0 ? kNothing : kNothingNew, kFindings);
@@ -122,6 +138,7 @@ class CWatchCommand : public CCommand {
         return status;
     }
 
+    static constexpr std::string_view kDamaged = "The file is closed, but damaged; vxfile verify tells where";
     static constexpr std::string_view kNothing = "No recording has come; its writer may be gone";
     static constexpr std::string_view kNothingNew =
         "Nothing new has come; its writer may be gone. vxfile recover saves what is there";

@@ -1,7 +1,10 @@
 #include "tools/vxfile/io/Failure.h"
 
 #include <exception>
+#include <iostream>
+#include <new>
 
+#include "tools/vxfile/io/MemoryReserve.h"
 #include "tools/vxfile/io/Text.h"
 #include "vxfileio/frame/ExcVXReader.h"
 #include "vxfileio/frame/VXExceptions.h"
@@ -15,8 +18,16 @@ std::string FailureOf(const std::function<void()>& work) try {
     return failure.GetMsg();
 } catch (const CVXExceptions& failure) {
     return Readable(failure.message);
+} catch (const std::bad_alloc&) {
+    KeepMemoryReserve();
+    return "There isn't enough memory for this; close other programs, or take a machine that has more.";
 } catch (const std::exception& failure) {
     return failure.what();
+}
+
+void PrintFailure(const std::string& sentence) {
+    std::cout.flush();
+    std::cerr << "vxfile: " << Readable(sentence) << '\n';
 }
 
 }  // namespace vxfile

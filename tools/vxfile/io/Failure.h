@@ -12,8 +12,12 @@ class CFailure : public std::runtime_error {
     explicit CFailure(const std::string& sentence) : std::runtime_error(sentence) {}
 };
 
-/// Does some work. Returns the sentence of the failure that ended it, be it the program's own or the library's; empty
-/// if there was none. An interruption passes.
+/// Does some work. Returns the sentence of the failure that ended it, be it the program's own or the library's, or that
+/// memory ran short; empty if there was none. An interruption passes.
 std::string FailureOf(const std::function<void()>& work);
+
+/// Tells a failure on standard error, behind what was printed so far. Names of files may have control characters,
+/// which no terminal shall see.
+void PrintFailure(const std::string& sentence);
 
 }  // namespace vxfile

@@ -5,7 +5,9 @@
 #include <iostream>
 
 #include "tools/vxfile/io/Interrupt.h"
+#include "tools/vxfile/io/MemoryReserve.h"
 #include "tools/vxfile/io/Terminal.h"
+#include "tools/vxfile/io/Text.h"
 
 namespace vxfile {
 
@@ -19,7 +21,7 @@ constexpr auto kTimeBetweenBars = std::chrono::milliseconds(100);
 }  // namespace
 
 CProgress::CProgress(std::string_view title, std::int64_t total)
-    : m_title(title), m_total(total), m_enabled(total > 0 && IsErrorTerminal()) {}
+    : m_title(Readable(title)), m_total(total), m_enabled(total > 0 && IsErrorTerminal()) {}
 
 CProgress::~CProgress() {
     if (m_drawn) std::cerr << "\r\033[K" << std::flush;
@@ -27,6 +29,7 @@ CProgress::~CProgress() {
 
 void CProgress::Reach(std::int64_t done) {
     CheckInterrupt();
+    CheckMemory();
     if (!m_enabled || ++m_calls % kCallsPerLook != 0) return;
     const auto now = CClock::now();
     if (now < m_next) return;

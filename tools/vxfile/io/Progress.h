@@ -18,7 +18,7 @@ class CProgress {
     CProgress& operator=(const CProgress&) = delete;
 
     /// Tells how much is done by now. Call it often: it looks at the clock only now and then. Throws `CInterruption`
-    /// if Ctrl-C was hit.
+    /// if Ctrl-C was hit, and `std::bad_alloc` if memory has run short.
     void Reach(std::int64_t done);
 
  private:

@@ -139,8 +139,10 @@ void CRawInfo::TellRecordings() {
     if (m_counts) head.insert(head.end() - 1, {"Segments", "Samples"});
     std::vector<CPage::CRow> table = {head};
     CJson list = CJson::array();
-    for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i)
+    for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
         table.push_back(TellRecording(i, list));
+        m_progress.Reach(m_end);
+    }
     TellSummary(table.back().back());
     m_page.SetTable(std::move(table));
     m_page.Json()["recordings"] = std::move(list);

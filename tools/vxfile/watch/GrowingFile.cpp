@@ -6,6 +6,7 @@
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Interrupt.h"
 #include "tools/vxfile/io/OpenInput.h"
+#include "tools/vxfile/raw/RawScan.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 namespace vxfile {
@@ -25,13 +26,33 @@ bool CGrowingFile::Look() {
 }
 
 /// The positions are read before the size: between recordings the next header is in the file before they are rewritten.
-bool CGrowingFile::IsFinished() const {
+/// Once they are set, all is in the file, so whatever the next look doesn't take nobody will ever take.
+CGrowingFile::EState CGrowingFile::State(bool hasNews) {
+    const bool wasSet = std::exchange(m_wasSet, IsLastSet());
+    if (!m_wasSet) return EState::Running;
+    if (m_file.Size() == m_position) return LeadsToAll() ? EState::Finished : EState::Damaged;
+    return wasSet && !hasNews ? EState::Damaged : EState::Running;
+}
+
+bool CGrowingFile::IsLastSet() const {
     if (m_recordings == 0) return false;
     CRawDataRecordingHdr header;
     std::string bytes = Read(m_recordingHdr, SizeOf(kRecordingCells, m_version));
     bytes.resize(kRecordingHdrSize);
-    if (!Decode(bytes, m_version, header)) return false;
-    return header.FPosRecordingData != kUnset && header.FPosNextRecordingHdr == kUnset && m_file.Size() == m_position;
+    return Decode(bytes, m_version, header) && header.FPosRecordingData != kUnset;
+}
+
+bool CGrowingFile::LeadsToAll() const {
+    const CRawScan scan(m_path);
+    CSegmentBudget budget(scan);
+    std::uint64_t segments = 0;
+    for (const auto& recording : scan.Recordings()) {
+        CSegmentWalk walk = SegmentsOf(scan, recording);
+        for (; walk.Next() != nullptr && budget.Take(); ++segments)
+            CheckInterrupt();
+        if (walk.Break()) return false;
+    }
+    return !scan.Break() && scan.Recordings().size() == m_recordings && segments == m_segments;
 }
 
 bool CGrowingFile::TakeFileHdr() {
@@ -57,6 +78,7 @@ bool CGrowingFile::TakeSegment() {
     const std::int64_t end = data + std::int64_t{samples} * static_cast<std::int64_t>(sizeof(std::uint16_t));
     if (end > m_size) return false;
     ++m_latest.segments;
+    ++m_segments;
     m_latest.samples += samples;
     m_latest.wells.insert(header.ID);
     m_position = end;

@@ -22,7 +22,8 @@ struct CRunningRecording {
 ///
 /// A writer appends, so what comes next always stands where the last thing ended: another segment, or the header of the
 /// next recording. A thing that isn't there in full yet is looked at again. Positions are of no use while a recording
-/// runs; they tell when the file is finished: the last recording is then told where its data is.
+/// runs; they tell when the file is finished: the last recording is then told where its data is. All of them are looked
+/// at then, since they are what readers go by.
 class CGrowingFile {
  public:
     /// Throws `CFailure` if the file can't be opened.
@@ -32,8 +33,12 @@ class CGrowingFile {
     /// whether there was anything new. Throws `CFailure` if the file isn't one that is being written.
     bool Look();
 
-    /// Tells whether the writer has closed the file.
-    bool IsFinished() const;
+    /// How far the writer is.
+    enum class EState { Running, Finished, Damaged };
+
+    /// Tells whether the writer has closed the file, and whether its positions lead to all that was taken. Call it once
+    /// behind each look, with what that returned.
+    EState State(bool hasNews);
 
     /// The latest recording; null before the first.
     const CRunningRecording* Latest() const { return m_recordings == 0 ? nullptr : &m_latest; }
@@ -42,6 +47,8 @@ class CGrowingFile {
     std::int64_t Position() const { return m_position; }
 
  private:
+    bool IsLastSet() const;
+    bool LeadsToAll() const;
     bool TakeFileHdr();
     bool TakeSegment();
     bool TakeRecording();
@@ -55,6 +62,8 @@ class CGrowingFile {
     std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;
     CRunningRecording m_latest;
     std::size_t m_recordings = 0;
+    std::uint64_t m_segments = 0;  ///< Of all recordings.
+    bool m_wasSet = false;         ///< The last recording was told where its data is already at the look before.
 };
 
 }  // namespace vxfile
