@@ -20,7 +20,7 @@ std::string FailureOf(const std::function<void()>& work) try {
     return Readable(failure.message);
 } catch (const std::bad_alloc&) {
     KeepMemoryReserve();
-    return "There isn't enough memory for this; close other programs, or take a machine that has more.";
+    return kNoMemory;
 } catch (const std::exception& failure) {
     return failure.what();
 }

@@ -1,9 +1,13 @@
 #include "tools/vxfile/io/MemoryReserve.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <memory>
 #include <new>
+
+#include "tools/vxfile/Command.h"
 
 namespace vxfile {
 
@@ -41,11 +45,25 @@ void GiveReserveFree() {
     g_firstPart.reset();
 }
 
+/// A document that grows is copied, which may use up all that was put by before anything can fail.
+[[noreturn]] void EndForWantOfMemory() {
+    try {
+        if (const auto failure = std::current_exception()) std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        static_cast<void>(std::fprintf(stderr, "vxfile: %s\n", kNoMemory));
+        std::_Exit(kTrouble);
+    } catch (...) {  // a fault of the program
+        std::abort();
+    }
+    std::abort();
+}
+
 }  // namespace
 
 void KeepMemoryReserve() {
     g_isShort = false;
     std::set_new_handler(GiveReserveFree);
+    std::set_terminate(EndForWantOfMemory);
     PutBy(g_firstPart);
     PutBy(g_secondPart);
 }
