@@ -50,11 +50,12 @@ std::optional<std::int64_t> CHeaderScan::NextAhead(std::int64_t from, std::int64
     return std::nullopt;
 }
 
-/// The last segment of a recording leads nowhere, so its well and what follows have to speak for it.
+/// It leads further still if whole things were taken out with the rest, and so does the one behind it. The last segment
+/// of a recording leads nowhere, so its well and what follows have to speak for it.
 bool CHeaderScan::IsAhead(std::int64_t position, std::int64_t shift) const {
     const CSegmentProbe probe = m_probe.Segment(position);
     if (!probe.IsWhole() || !IsConsistent(probe.header)) return m_probe.Recording(position, m_version).Shift() == shift;
-    if (probe.header.FPosNextSegmentHdr != kUnset) return probe.Shift() == shift;
+    if (const auto told = probe.Shift()) return *told == shift || (*told > shift && IsShifted(probe));
     return m_known.isExpected(probe.header) && m_probe.LooksLikeEnd(probe.EndOf(probe.header.Size));
 }
 

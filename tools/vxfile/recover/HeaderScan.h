@@ -32,7 +32,8 @@ class CHeaderScan {
     std::int64_t Next(std::int64_t from) const;
 
     /// Returns where a header stands from `from` on that should stand at `end`: bytes were taken out between what ends
-    /// there and it, so that it leads as much too far. `shift` is how far ahead of that all lead beside their ends.
+    /// there and it, so that it leads at least as much too far. `shift` is how far all ahead of that lead beside their
+    /// ends.
     std::optional<std::int64_t> NextAhead(std::int64_t from, std::int64_t end, std::int64_t shift) const;
 
     /// Returns where a header of a raw data file stands ahead of any other header; 0 if there is none.
