@@ -20,7 +20,7 @@ constexpr CCommandText kText = {
         "file with everything in it that is whole: recordings that were never finished, chains behind a broken "
         "position, headers as far as they can be read. It tells per recording and well what was kept, what was "
         "lost and why. The file itself is only read.",
-    .example = "vxfile recover run.vxd -o saved.vxd",
+    .example = "vxfile recover run.vxd -o saved.vxd --cut",
     .statuses =
         "  0  the new file has all that there was\n"
         "  1  the new file is written, but something was lost, made up or in doubt\n"
