@@ -171,7 +171,7 @@ class CExportCommand : public CCommand {
         std::vector<std::string> doubts;
         for (const auto& path : {m_results.path, m_settings.path}) {
             const std::string damage = DamageOfDocument(ReadWholeText(path));
-            if (!damage.empty()) doubts.push_back(path + ": " + damage);
+            if (!damage.empty()) doubts.push_back(std::string(path).append(": ").append(damage));
         }
         if (!AreOfOneRun()) doubts.push_back(OtherRun());
         if (made < Expected())
