@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tools/vxfile/Command.h"
+#include "tools/vxfile/ExitStatus.h"
 
 namespace vxfile {
 

@@ -83,10 +83,10 @@ int RunProgram(int argc, const char* const* argv) noexcept try {
     int status = kTrouble;
     const std::string failure = FailureOf([&] { status = RunWhole(argc, argv); });
     if (failure.empty()) return status;
-    PrintFailure(failure);
+    Complain(failure);
     return kTrouble;
 } catch (const CInterruption&) {
-    PrintFailure("interrupted; no half file is left.");
+    Complain("interrupted; no half file is left.");
     return kInterrupted;
 }
 

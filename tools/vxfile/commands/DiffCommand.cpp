@@ -94,7 +94,7 @@ class CDiffCommand : public CCommand {
         }
         if (differences.Count() > kMostPrinted)
             std::cout << "and " << Counted(differences.Count() - kMostPrinted, "difference") << " more\n";
-        if (!differences.Omission().empty()) std::cerr << "vxfile: " << differences.Omission() << '\n';
+        if (!differences.Omission().empty()) Complain(differences.Omission());
     }
 
     static CJson ToJson(EFileKind kind, const CDifferences& differences) {

@@ -76,10 +76,8 @@ struct CInput {
 
 /// Returns a Guid as it can be compared: some programs put it into braces, some write it in capitals.
 std::string BareGuid(const std::string& guid) {
-    std::string bare;
-    for (const char c : guid) {
-        if (c != '{' && c != '}') bare += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
+    std::string bare = Lowered(guid);
+    std::erase_if(bare, [](char c) { return c == '{' || c == '}'; });
     return bare;
 }
 
@@ -117,9 +115,7 @@ class CExportCommand : public CCommand {
         CheckInterrupt();
         const std::size_t made = Move(folder.Path(), target.parent_path());
         const std::vector<std::string> doubts = Doubts(made);
-        std::cout.flush();
-        for (const auto& doubt : doubts)
-            std::cerr << "vxfile: " << doubt << '\n';
+        std::ranges::for_each(doubts, Complain);
         return doubts.empty() ? kSound : kFindings;
     }
 

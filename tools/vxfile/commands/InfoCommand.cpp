@@ -105,7 +105,7 @@ class CInfoCommand : public CCommand {
     /// One file that can't be read doesn't keep the others back.
     void Refuse(const std::string& sentence, CJson& json) const {
         json["error"] = sentence;
-        if (!m_json) PrintFailure(sentence);
+        if (!m_json) Complain(sentence);
     }
 
     std::vector<std::string> m_paths;

@@ -1,10 +1,11 @@
 #include "tools/vxfile/commands/SamplesCommand.h"
 
-#include <iostream>
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "tools/vxfile/CommandLine.h"
+#include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/Progress.h"
 #include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/samples/SampleSink.h"
@@ -87,15 +88,13 @@ class CSamplesCommand : public CCommand {
     /// Tells what is in doubt or missing of what was chosen, beside what is there.
     static int TellMissing(const CSampleSource& source) {
         const auto doubts = source.Doubts();
-        for (const auto& doubt : doubts)
-            std::cerr << "vxfile: " << doubt << '\n';
+        std::ranges::for_each(doubts, Complain);
         const auto unfinished = source.Unfinished();
         for (const auto& name : unfinished)
-            std::cerr << "vxfile: " << name << " was never finished; vxfile recover gives its samples.\n";
+            Complain(name + " was never finished; vxfile recover gives its samples.");
         const auto wells = source.MissingWells();
         if (!wells.empty())
-            std::cerr << "vxfile: " << source.Path()
-                      << " has no samples of these wells among those chosen: " << ListText(wells) << ".\n";
+            Complain(source.Path() + " has no samples of these wells among those chosen: " + ListText(wells) + ".");
         return doubts.empty() && unfinished.empty() && wells.empty() ? kSound : kFindings;
     }
 

@@ -49,22 +49,24 @@ struct CVerdict {
     CFindings findings;
 };
 
-CFindings VerifyEmpty(const std::string& /*path*/) {
+/// The one finding about a file of which nothing can be checked.
+CFindings Unusable(const char* found, const char* expected, const char* meaning) {
     CFindings findings;
-    findings.Add({"file", 0, "nothing", "a file of this system",
-                  "The file is empty: there is nothing to read and nothing to save."});
+    findings.Add({"file", 0, found, expected, meaning});
     findings.MakeUnusable();
     return findings;
 }
 
+CFindings VerifyEmpty(const std::string& /*path*/) {
+    return Unusable("nothing", "a file of this system",
+                    "The file is empty: there is nothing to read and nothing to save.");
+}
+
 CFindings VerifyUnknown(const std::string& /*path*/) {
-    CFindings findings;
-    findings.Add({"file", 0, "no beginning that is known",
-                  "that of a raw data file, a settings file, a results file or a workbook",
-                  "It is a file of another kind, or its beginning is damaged; if it is a raw data file, vxfile recover "
-                  "saves it."});
-    findings.MakeUnusable();
-    return findings;
+    return Unusable("no beginning that is known",
+                    "that of a raw data file, a settings file, a results file or a workbook",
+                    "It is a file of another kind, or its beginning is damaged; if it is a raw data file, vxfile "
+                    "recover saves it.");
 }
 
 CFindings VerifyKind(EFileKind kind, const std::string& path) {
@@ -155,7 +157,7 @@ class CVerifyCommand : public CCommand {
     /// One file that can't be read doesn't keep the others back.
     CJson Refuse(const std::string& path, const std::string& sentence) {
         ++m_counts[kTrouble];
-        if (!m_json && !m_quiet) PrintFailure(sentence);
+        if (!m_json && !m_quiet) Complain(sentence);
         return {{"path", path}, {"error", sentence}};
     }
 

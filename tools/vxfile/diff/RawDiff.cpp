@@ -54,8 +54,7 @@ std::vector<CLeaf> HeaderLeaves(const CRawScan& scan) {
         const CRecordingAt& recording = scan.Recordings()[i];
         const std::string name = "recording " + std::to_string(i + 1);
         AddCells(kRecordingCells, scan.Header().FileVersion, name, scan.ReadBytes(recording.position, size), leaves);
-        leaves.push_back(
-            {name + " > state", recording.header.FPosRecordingData == kUnset ? "not finished" : "finished"});
+        leaves.push_back({name + " > state", recording.IsFinished() ? "finished" : "not finished"});
     }
     return leaves;
 }
@@ -127,8 +126,8 @@ class CRawDiff {
 
  private:
     void CompareSegments(std::size_t index) {
-        CSegmentWalk lefts = Walk(m_left.scan, index);
-        CSegmentWalk rights = Walk(m_right.scan, index);
+        CSegmentWalk lefts = AllSegmentsOf(m_left.scan, m_left.scan.Recordings()[index]);
+        CSegmentWalk rights = AllSegmentsOf(m_right.scan, m_right.scan.Recordings()[index]);
         const std::string name = NameOf(m_left.scan.Recordings()[index], index);
         m_told = 0;
         for (std::size_t number = 1; m_told < kMostSegmentsTold; ++number) {
@@ -153,12 +152,6 @@ class CRawDiff {
                 m_differences.Omit(side->path + " has a damaged chain of segments in " + name +
                                    ", so what follows there wasn't compared; vxfile verify tells where.");
         }
-    }
-
-    static CSegmentWalk Walk(const CRawScan& scan, std::size_t index) {
-        const CRecordingAt& recording = scan.Recordings()[index];
-        const bool finished = recording.header.FPosRecordingData != kUnset;
-        return finished ? SegmentsOf(scan, recording) : SegmentsBehind(scan, recording);
     }
 
     void CompareSegment(const std::string& where, const CSegmentAt& left, const CSegmentAt& right) {

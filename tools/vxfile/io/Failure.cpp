@@ -25,7 +25,7 @@ std::string FailureOf(const std::function<void()>& work) try {
     return failure.what();
 }
 
-void PrintFailure(const std::string& sentence) {
+void Complain(const std::string& sentence) {
     std::cout.flush();
     std::cerr << "vxfile: " << Readable(sentence) << '\n';
 }

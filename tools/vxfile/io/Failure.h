@@ -16,8 +16,8 @@ class CFailure : public std::runtime_error {
 /// memory ran short; empty if there was none. An interruption passes.
 std::string FailureOf(const std::function<void()>& work);
 
-/// Tells a failure on standard error, behind what was printed so far. Names of files may have control characters,
+/// Tells a sentence on standard error, behind what was printed so far. Names of files may have control characters,
 /// which no terminal shall see.
-void PrintFailure(const std::string& sentence);
+void Complain(const std::string& sentence);
 
 }  // namespace vxfile

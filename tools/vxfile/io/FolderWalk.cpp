@@ -8,6 +8,7 @@
 
 #include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/io/FileKind.h"
+#include "tools/vxfile/io/Text.h"
 
 namespace vxfile {
 
@@ -15,13 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 bool HasOurExtension(const fs::path& path) {
     constexpr std::array<std::string_view, 4> kExtensions = {".vxd", ".vxs", ".vxr", ".xls"};
-    std::string extension = path.extension().string();
-    std::ranges::transform(extension, extension.begin(), Lower);
-    return std::ranges::find(kExtensions, extension) != kExtensions.end();
+    return std::ranges::find(kExtensions, Lowered(path.extension().string())) != kExtensions.end();
 }
 
 bool IsToBeChecked(const fs::directory_entry& entry) {

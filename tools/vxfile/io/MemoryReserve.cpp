@@ -7,7 +7,7 @@
 #include <memory>
 #include <new>
 
-#include "tools/vxfile/Command.h"
+#include "tools/vxfile/ExitStatus.h"
 
 namespace vxfile {
 

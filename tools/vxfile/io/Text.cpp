@@ -91,6 +91,12 @@ std::string_view Cut(std::string_view text, std::size_t width) {
     return text.substr(0, end);
 }
 
+std::string Lowered(std::string text) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    std::ranges::transform(text, text.begin(), lower);
+    return text;
+}
+
 std::string Counted(std::uint64_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }

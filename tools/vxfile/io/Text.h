@@ -24,6 +24,9 @@ std::size_t Width(std::string_view text);
 /// Returns the first characters of such a text, as many as there is room for.
 std::string_view Cut(std::string_view text, std::size_t width);
 
+/// Returns a text with small letters for the capitals of ASCII.
+std::string Lowered(std::string text);
+
 /// Returns a count and its noun, such as "1 byte" or "2 bytes".
 std::string Counted(std::uint64_t count, std::string_view noun);
 

@@ -26,8 +26,6 @@ constexpr int kAuxColumn = 5;  ///< Of the table: behind the wells.
 
 bool HasAuxChannels(const CRecordingAt& recording) { return !recording.header.AuxChannels.empty(); }
 
-bool IsFinished(const CRecordingAt& recording) { return recording.header.FPosRecordingData != kUnset; }
-
 std::string DoseText(std::int64_t dose) {
     return dose < 0 ? std::to_string(dose) + " pM" : DoseWithUnit(static_cast<std::uint64_t>(dose));
 }
@@ -163,7 +161,7 @@ void CRawInfo::TellSummary(const std::string& lastState) {
     }
     for (const auto& task : tasks)
         taskText += (taskText.empty() ? "" : ", ") + task;
-    const bool finished = !recordings.empty() && IsFinished(recordings.back());
+    const bool finished = !recordings.empty() && recordings.back().IsFinished();
     m_page.Add("Tasks", "tasks", taskText.empty() ? "none" : taskText, tasks);
     const std::vector<std::int32_t> wellIDs(wells.begin(), wells.end());
     const std::string wellText = wells.empty() ? "" : ": " + ListText(wellIDs);
@@ -183,7 +181,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
                   {"offset", recording.position},
                   {"startTime", header.RecordingStartTime},
                   {"length", header.RecordingTime},
-                  {"finished", IsFinished(recording)},
+                  {"finished", recording.IsFinished()},
                   {"channels", ChannelsJson(header.WellChannels)},
                   {"auxChannels", ChannelsJson(header.AuxChannels)}};
     CPage::CRow row = {std::to_string(index + 1),
@@ -193,7 +191,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
                        std::to_string(header.WellChannels.size()),
                        IntervalText(recording),
                        std::to_string(header.RecordingTime),
-                       IsFinished(recording) ? kFinished : "not finished"};
+                       recording.IsFinished() ? kFinished : "not finished"};
     if (m_hasAux) row.insert(row.begin() + kAuxColumn, std::to_string(header.AuxChannels.size()));
     JudgeHeader(index, row);
     if (m_counts) CountSegments(index, row, json);
@@ -213,7 +211,7 @@ void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
     const std::int64_t data = recording.header.FPosRecordingData;
     if (m_scan.DataPosition(recording) > m_scan.Size())
         NoteDamage(row, ", cut", "The file ends within the header of " + NameOf(recording, index));
-    else if (IsFinished(recording) && (data < 0 || data > m_scan.Size()))
+    else if (recording.IsFinished() && (data < 0 || data > m_scan.Size()))
         NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
 }
 
@@ -221,14 +219,14 @@ void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
 /// to.
 void CRawInfo::JudgeWhatIsBehind() {
     const auto& recordings = m_scan.Recordings();
-    if (!m_counts || recordings.empty() || !IsFinished(recordings.back()) || !m_damage.empty()) return;
+    if (!m_counts || recordings.empty() || !recordings.back().IsFinished() || !m_damage.empty()) return;
     if (m_scan.HasHeaderAt(m_end)) m_damage = "No position leads to what stands behind byte " + std::to_string(m_end);
 }
 
 /// Segments of an unfinished recording are those behind its header; the last of them may be just being written.
 void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
-    CSegmentWalk walk = IsFinished(recording) ? SegmentsOf(m_scan, recording) : SegmentsBehind(m_scan, recording);
+    CSegmentWalk walk = AllSegmentsOf(m_scan, recording);
     std::uint64_t segments = 0;
     std::uint64_t samples = 0;
     bool shared = false;  // its chain leads through segments of another one
@@ -245,9 +243,9 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
         m_progress.Reach(segment->position);
     }
     const bool damaged = walk.Break() || shared;
-    if (damaged && IsFinished(recording))
+    if (damaged && recording.IsFinished())
         NoteDamage(row, ", damaged", "The chain of the segments of " + NameOf(recording, index) + " is damaged");
-    if (cut && IsFinished(recording))
+    if (cut && recording.IsFinished())
         NoteDamage(row, ", cut", "The file ends within a segment of " + NameOf(recording, index));
     row.insert(row.end() - 1, {std::to_string(segments), std::to_string(samples)});
     json["segments"] = segments;

@@ -37,6 +37,12 @@ std::string Padded(std::string_view bytes, std::size_t size) {
 
 }  // namespace
 
+std::optional<std::uint64_t> CSegmentAt::SamplesByTimes(std::int64_t tick) const {
+    if (tick <= 0 || header.TimeTo < header.TimeFrom) return std::nullopt;
+    const auto span = static_cast<std::uint64_t>(header.TimeTo) - static_cast<std::uint64_t>(header.TimeFrom);
+    return span / static_cast<std::uint64_t>(tick) + 1;
+}
+
 CRawScan::CRawScan(const std::string& path) {
     OpenInput(m_file, path);
     m_size = m_file.Size();
@@ -144,6 +150,10 @@ CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWa
 CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = scan.DataPosition(recording);
     return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, EWalk::Headers};
+}
+
+CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {
+    return recording.IsFinished() ? SegmentsOf(scan, recording) : SegmentsBehind(scan, recording);
 }
 
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording) {

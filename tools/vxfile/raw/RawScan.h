@@ -32,6 +32,9 @@ struct CChainBreak {
 struct CRecordingAt {
     std::int64_t position = 0;
     CRawDataRecordingHdr header;
+
+    /// Tells whether its writer has told where its data is.
+    bool IsFinished() const { return header.FPosRecordingData != vxfileio::rawdata::kUnset; }
 };
 
 /// One segment and where its header stands.
@@ -45,6 +48,8 @@ struct CSegmentAt {
     std::uint32_t Samples() const { return static_cast<std::uint32_t>(header.Size); }
     /// Returns where the samples end; the file may end earlier.
     std::int64_t End() const { return DataPosition() + std::int64_t{Samples()} * 2; }
+    /// Returns how many samples its times make at this interval; nothing where that can't be told.
+    std::optional<std::uint64_t> SamplesByTimes(std::int64_t tick) const;
 };
 
 /// A file and what its headers tell. Opening it walks the recordings and no segment.
@@ -148,6 +153,9 @@ CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWa
 
 /// Returns the walk along the segments that stand behind the header of an unfinished recording.
 CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording);
+
+/// Returns the one of both that a recording has.
+CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording);
 
 /// Tells whether a finished recording has no segments: its position leads to what follows it, not to a segment.
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording);

@@ -37,12 +37,6 @@ std::string NameOfSegment(const std::string& recording, std::size_t index, const
     return recording + " > segment " + std::to_string(index + 1) + " (well " + Text(segment.header.ID) + ")";
 }
 
-/// Returns how many samples lie between the times; nothing where that can't be told.
-std::optional<std::uint64_t> SamplesBetween(std::int64_t from, std::int64_t to, std::int64_t tick) {
-    if (tick <= 0 || to < from) return std::nullopt;
-    return (static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from)) / static_cast<std::uint64_t>(tick) + 1;
-}
-
 /// What was found along one chain of segments.
 struct CChainSum {
     std::size_t segments = 0;
@@ -130,7 +124,7 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
     m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
     m_progress.Reach(recording.position);
     JudgeWells(listed, recording, name);
-    if (recording.header.FPosRecordingData == kUnset) return JudgeUnfinished(recording, name);
+    if (!recording.IsFinished()) return JudgeUnfinished(recording, name);
     JudgePositions(recording, name);
     const CChainSum sum = JudgeSegments(SegmentsOf(m_scan, recording), recording, name);
     JudgeNextRecording(recording, name, sum.end);
@@ -216,7 +210,7 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
 void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& recording, const std::string& name,
                                 std::size_t index) {
     m_coverage.Add({segment.position, std::min(segment.End(), m_scan.Size())});
-    const bool isRunning = recording.header.FPosRecordingData == kUnset;
+    const bool isRunning = !recording.IsFinished();
     if (segment.bytes.size() < kSegmentHdrSize && isRunning)
         return Add(NameOfSegment(name, index, segment), segment.position, "the end of the file within the header",
                    "a whole segment", "Its writer is still at work, or the file was cut.");
@@ -248,7 +242,7 @@ void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& reco
             "at least TimeFrom, " + Text(header.TimeFrom), "The segment ends before it begins.");
         return;
     }
-    const auto samples = SamplesBetween(header.TimeFrom, header.TimeTo, well->second);
+    const auto samples = segment.SamplesByTimes(well->second);
     if (samples && *samples != static_cast<std::uint64_t>(header.Size))
         Add(NameOfSegment(recording, index, segment) + " > Size", segment.position + kSizeCell, Text(header.Size),
             std::to_string(*samples) + ", one for each interval from TimeFrom to TimeTo",

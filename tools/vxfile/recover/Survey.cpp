@@ -413,15 +413,7 @@ void CSurvey::PassDamage() {
     // What leads here is right, however little is left.
     if (m_next == from) m_next.reset();
     if (m_nextRecording == from) m_nextRecording.reset();
-    if (const auto end = EndOfDamaged(probe)) {
-        const auto well = probe.cells.lost[kIDRow] ? std::nullopt : std::optional(probe.header.ID);
-        const std::string keys = DamagedKeys(probe.cells.damaged);
-        Lose(from, *end, well,
-             keys.empty() ? "the cells of the segment header contradict one another" : "damaged cells: " + keys);
-        m_next = probe.cells.lost[kPointerRow] ? std::nullopt : std::optional(probe.header.FPosNextSegmentHdr);
-        m_position = *end;
-        return;
-    }
+    if (const auto end = EndOfDamaged(probe)) return LoseSegment(probe, *end);
     m_position = Scan().Next(from + 1);
     if (m_position == m_probe.Size()) {
         Lose(from, m_position, std::nullopt, "the file ends behind it without another whole header");
@@ -435,6 +427,15 @@ void CSurvey::PassDamage() {
              std::string("no header that proves itself") + (hasRoom ? "; one of a recording may be among it" : ""));
 }
 
+void CSurvey::LoseSegment(const CSegmentProbe& probe, std::int64_t end) {
+    const auto well = probe.cells.lost[kIDRow] ? std::nullopt : std::optional(probe.header.ID);
+    const std::string keys = DamagedKeys(probe.cells.damaged);
+    Lose(probe.position, end, well,
+         keys.empty() ? "the cells of the segment header contradict one another" : "damaged cells: " + keys);
+    m_next = probe.cells.lost[kPointerRow] ? std::nullopt : std::optional(probe.header.FPosNextSegmentHdr);
+    m_position = end;
+}
+
 /// Where bytes were taken out, the next header stands within what had them. Then a segment is lost, while of a
 /// recording header the cells ahead of that place stay. Returns false if there is no such header.
 bool CSurvey::GoBackIntoWhatWasHit() {
@@ -442,7 +443,8 @@ bool CSurvey::GoBackIntoWhatWasHit() {
     CFoundRecording& recording = m_found.recordings.back();
     const bool isSegment = !m_found.segments.empty() && m_found.segments.back().End() == m_position;
     const bool isRecording = recording.position + static_cast<std::int64_t>(recording.bytes.size()) == m_position;
-    if (!isSegment && !isRecording) return false;
+    if ((!isSegment && !isRecording) || m_position <= m_wentBackFrom) return false;
+    m_wentBackFrom = m_position;
     const std::int64_t hit = isSegment ? m_found.segments.back().position : recording.position;
     const auto shift = isSegment ? m_probe.Segment(hit).Shift() : m_probe.Recording(hit, recording.version).Shift();
     const auto next = Scan().NextAhead(hit + 1, m_position, shift.value_or(0));

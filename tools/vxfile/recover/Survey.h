@@ -51,6 +51,7 @@ class CSurvey {
     bool TakeRecording();
     bool TakeSegment();
     void PassDamage();
+    void LoseSegment(const CSegmentProbe& probe, std::int64_t end);
     bool GoBackIntoWhatWasHit();
     void DoubtWhatGrew(std::int64_t from, std::int64_t to);
     bool TakeChain();
@@ -101,6 +102,8 @@ class CSurvey {
     std::optional<std::int64_t> m_next;
     std::optional<std::int64_t> m_nextRecording;  ///< The same of recordings.
     bool m_isStraight = true;
+    std::int64_t m_wentBackFrom =
+        0;  ///< Each place is gone back from once at most, so that the survey comes to an end.
     std::optional<CRemark> m_astray;  ///< The first position that was set and leads elsewhere.
 };
 

@@ -48,10 +48,6 @@ const CRawDataChannelInfo* ChannelOf(const CSegmentAt& segment, const CRecording
     return well == wells.end() ? nullptr : &*well;
 }
 
-bool IsFinished(const CRecordingAt& recording) {
-    return recording.header.FPosRecordingData != vxfileio::rawdata::kUnset;
-}
-
 bool HasAllTimes(const CSampleChoice& choice) {
     const CSampleChoice all;
     return choice.from == all.from && choice.to == all.to;
@@ -108,7 +104,7 @@ void CSampleSource::RefuseUnknownRecordings() const {
 }
 
 void CSampleSource::RefuseUnfinished() const {
-    const auto isReadable = [&](const auto& recording) { return IsChosen(recording.header) && IsFinished(recording); };
+    const auto isReadable = [&](const auto& recording) { return IsChosen(recording.header) && recording.IsFinished(); };
     if (!Unfinished().empty() && std::ranges::none_of(m_scan.Recordings(), isReadable)) RefuseWells();
 }
 
@@ -134,7 +130,7 @@ const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
 void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take) {
     for (std::size_t i = from.recording; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
-        if (!IsChosen(recording.header) || !IsFinished(recording)) continue;
+        if (!IsChosen(recording.header) || !recording.IsFinished()) continue;
         CSegmentWalk walk = SegmentsOf(m_scan, recording, reads);
         if (i == from.recording && from.segment) walk.GoTo(*from.segment);
         WalkRecording(i, walk, take);
@@ -227,7 +223,7 @@ std::vector<std::string> CSampleSource::Unfinished() const {
     std::vector<std::string> names;
     for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
-        if (IsChosen(recording.header) && !IsFinished(recording)) names.push_back(NameOf(recording, i));
+        if (IsChosen(recording.header) && !recording.IsFinished()) names.push_back(NameOf(recording, i));
     }
     return names;
 }

@@ -11,11 +11,8 @@ namespace vxfile {
 namespace {
 
 /// Tells whether the times of a segment make another number of samples than it has. Nobody knows without an interval.
-bool IsContradicted(const CSegmentHdr& header, std::int64_t tick) {
-    if (tick <= 0) return false;
-    if (header.TimeTo < header.TimeFrom) return true;
-    const auto span = static_cast<std::uint64_t>(header.TimeTo) - static_cast<std::uint64_t>(header.TimeFrom);
-    return span / static_cast<std::uint64_t>(tick) + 1 != static_cast<std::uint64_t>(header.Size);
+bool IsContradicted(const CSegmentAt& segment, std::int64_t tick) {
+    return tick > 0 && segment.SamplesByTimes(tick) != static_cast<std::uint64_t>(segment.header.Size);
 }
 
 /// Tells whether something begins, or the file ends, where the samples end.
@@ -29,8 +26,7 @@ bool IsEndConfirmed(const CRawScan& scan, const CSegmentAt& segment) {
 void ForReached(const CRawScan& scan, auto act) {
     CSegmentBudget budget(scan);
     for (const auto& recording : scan.Recordings()) {
-        const bool finished = recording.header.FPosRecordingData != kUnset;
-        CSegmentWalk walk = finished ? SegmentsOf(scan, recording) : SegmentsBehind(scan, recording);
+        CSegmentWalk walk = AllSegmentsOf(scan, recording);
         for (const CSegmentAt* segment = walk.Next(); segment != nullptr && budget.Take(); segment = walk.Next())
             act(segment->position);
     }
@@ -41,7 +37,7 @@ void ForReached(const CRawScan& scan, auto act) {
 bool CSegmentJudge::Admits(const CSegmentAt& segment, std::int64_t tick, std::size_t recording) {
     const std::int64_t next = segment.header.FPosNextSegmentHdr;
     if (next >= segment.position && next < segment.End()) return false;
-    if (!IsContradicted(segment.header, tick)) return true;
+    if (!IsContradicted(segment, tick)) return true;
     if (!IsEndConfirmed(m_scan, segment)) return false;
     Note(m_times, segment, recording);
     return true;
