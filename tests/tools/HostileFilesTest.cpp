@@ -46,7 +46,11 @@ class VxfileOnHostileFiles : public testing::Test {
         return status;
     }
 
-    int Verify(const std::string& bytes) { return Run(bytes, {"verify", "--quiet"}); }
+    int Verify(const std::string& bytes) {
+        const int status = Run(bytes, {"verify", "--quiet"});
+        EXPECT_EQ(m_out, "");
+        return status;
+    }
 
     void TearDown() override { std::filesystem::remove(m_path); }
 
@@ -179,4 +183,12 @@ TEST_F(VxfileOnHostileFiles, EndsOnDocumentsThatNestWithoutEnd) {
     for (int i = 0; i < 200000; ++i)
         nested += "<a>";
     ExpectAnswers(nested, kReference + "xml/settings.vxs", "nested elements");
+}
+
+TEST_F(VxfileOnHostileFiles, WatchTellsWhetherAFileIsFinished) {
+    const std::vector<std::string> watch = {"watch", "--idle", "0.1", "--every", "0.02"};
+    EXPECT_EQ(Run(ReadAll(kReference + "small_example.vxd"), watch), 0);
+    EXPECT_TRUE(m_out.ends_with("The file is finished: 1 recording, 4.2 KiB.\n")) << m_out;
+    EXPECT_EQ(Run(ReadAll(kReference + "unfinished.vxd"), watch), 1);
+    EXPECT_TRUE(m_out.ends_with("saves what is there: 2 recordings, 6.9 KiB.\n")) << m_out;
 }

@@ -71,12 +71,14 @@ class CSamplesCommand : public CCommand {
         CProgress progress("Writing samples", source.Size());
         source.ForEach([&](const CPiece& piece) {
             std::int64_t time = piece.time;
+            std::int64_t position = piece.position;
             sink->Begin(piece);
             source.Read(piece, [&](std::span<const std::uint16_t> samples) {
                 sink->Put(time, samples);
                 time = piece.TimeBehind(time, samples.size());
+                position += static_cast<std::int64_t>(samples.size_bytes());
+                progress.Reach(position);
             });
-            progress.Reach(piece.position);
         });
         source.RefuseNothing();
         const int status = TellMissing(source);
