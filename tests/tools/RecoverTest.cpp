@@ -491,6 +491,15 @@ TEST_F(RecoverTest, DamagedSizesThatLeadToAHeaderAreNotBelieved) {
             EXPECT_FALSE(m_report.IsComplete());
         }
     }
+    // The last one of a recording leads nowhere itself; this one seems to reach into the next recording.
+    std::string bytes = TakingTurns(1).bytes + RecordingHdrBytes({.recording = 2, .data = 6726});
+    for (const std::int64_t next : {7034, -1})
+        bytes += SegmentHdrBytes(11, next, next == -1 ? 400 : 0, next == -1 ? 700 : 300, "4") + SampleBytes(kWell12);
+    const std::vector<CSeen> all = Recovered(bytes);
+    ASSERT_EQ(all.size(), 4U);
+    bytes.replace(3958 + 250, 50, Cell(50, "Size=1388"));
+    EXPECT_EQ(Recovered(bytes), all);
+    EXPECT_FALSE(m_report.IsComplete());
 }
 
 // Nothing is left of the last recording but a header, whose chain is whole as that of one without segments would be.
