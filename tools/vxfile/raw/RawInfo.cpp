@@ -11,7 +11,6 @@
 #include "tools/vxfile/raw/RawScan.h"
 
 using vxfileio::rawdata::kFileHdrSize;
-using vxfileio::rawdata::kUnset;
 
 namespace vxfile {
 
