@@ -48,15 +48,16 @@ def main():
             subprocess.run([f"{PROGRAMS}/raw_vx", "write", path, str(rounds), str(samples)], check=True,
                            stdout=subprocess.DEVNULL)
             title, shape = f"{samples} samples", [path, str(rounds), str(samples)]
+            limit = ["raw_arrays_limit", path, str(samples), arrays]
             one, all_wells = ["--well", str(ONE_WELL), "--npy"], ["--npy", "--force", "-o", arrays + "/{well}.npy"]
             compare(title, arrays, ("the library, all wells", ["raw_vx", "read", *shape]),
                     ("verify", ["vxfile", "verify", path]))
             compare(title, arrays, ("the library, one well", ["raw_vx", "one", *shape]),
                     ("samples of one well to /dev/null", ["vxfile", "samples", path, *one]),
                     ("samples of one well into a file", ["vxfile", "samples", path, *one, "--force", "-o",
-                                                      arrays + "/one.npy"]))
-            compare(title, arrays,
-                    ("one read and one write per segment", ["raw_arrays_limit", path, str(samples), arrays]),
+                                                      arrays + "/one.npy"]),
+                    ("the same by the least of system calls", [*limit, str(ONE_WELL)]))
+            compare(title, arrays, ("one read and one write per segment", limit),
                     ("samples of all wells, a file each", ["vxfile", "samples", path, *all_wells]))
             shutil.rmtree(arrays)
 

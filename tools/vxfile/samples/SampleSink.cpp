@@ -152,9 +152,8 @@ class CNpyFile {
 
 [[noreturn]] void RefuseSecondWell() {
     throw CFailure(
-        "There are several wells, and an array has one: choose it by --well, put {well} into the name of -o, or ask "
-        "for "
-        "one --table of all.");
+        "There are several wells, and an array has one: choose it by --well, put {well} into the name of -o, or "
+        "ask for one --table of all.");
 }
 
 /// Returns how many samples will come to a form's target.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <unordered_map>
 #include <utility>
 
 #include "tools/vxfile/io/Failure.h"
@@ -41,12 +42,23 @@ bool HasTimes(const CSegmentAt& segment, std::int64_t tick) {
     return segment.Samples() == 0 || segment.Samples() - 1 <= most / static_cast<std::uint64_t>(tick);
 }
 
-/// Returns the well of a segment as its recording lists it; null if it doesn't.
-const CRawDataChannelInfo* ChannelOf(const CSegmentAt& segment, const CRecordingAt& recording) {
-    const auto& wells = recording.header.WellChannels;
-    const auto well = std::ranges::find(wells, segment.header.ID, &CRawDataChannelInfo::ID);
-    return well == wells.end() ? nullptr : &*well;
-}
+/// The wells that a recording lists, for looking up those of its segments. Of two with one ID, the first counts.
+class CListedWells {
+ public:
+    explicit CListedWells(const CRecordingAt& recording) {
+        for (const auto& channel : recording.header.WellChannels)
+            m_channels.try_emplace(channel.ID, &channel);
+    }
+
+    /// Returns null if the well isn't listed. Valid as long as the recording.
+    const CRawDataChannelInfo* Find(std::int32_t well) const {
+        const auto channel = m_channels.find(well);
+        return channel == m_channels.end() ? nullptr : channel->second;
+    }
+
+ private:
+    std::unordered_map<std::int32_t, const CRawDataChannelInfo*> m_channels;
+};
 
 bool HasAllTimes(const CSampleChoice& choice) {
     const CSampleChoice all;
@@ -140,6 +152,7 @@ void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(cons
 void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
                                   const std::function<void(const CPiece&, CPlace)>& take) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
+    const CListedWells wells(recording);
     const auto withoutScale = WellsWithoutScale(m_scan, recording);
     const auto noteJump = [&](std::int64_t end) {
         if (walk.NextPosition() != end) m_judge.NoteEnd(end, index);
@@ -147,7 +160,7 @@ void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
     noteJump(m_scan.DataPosition(recording));
     while (const CSegmentAt* segment = walk.Next()) {
         noteJump(segment->End());
-        const CRawDataChannelInfo* const channel = ChannelOf(*segment, recording);
+        const CRawDataChannelInfo* const channel = wells.Find(segment->header.ID);
         if (channel == nullptr) m_judge.NoteUnlisted(*segment, index);
         if (!Has(m_choice.wells, segment->header.ID)) continue;
         RefuseWrong(*segment, channel, index);
