@@ -22,8 +22,6 @@ namespace {
 /// What a lost position is told as: no whole cell has it.
 constexpr std::int64_t kNoPosition = -2;
 
-constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
-
 constexpr std::int32_t kVersionWithoutStartTime = 1;
 
 constexpr std::size_t kTaskRow = RowOf(kRecordingCells, "TaskName");

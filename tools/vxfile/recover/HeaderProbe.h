@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@
 #include "vxfileio/rawdata/RawDataFormat.h"
 
 namespace vxfile {
+
+/// A segment has no more samples than this.
+inline constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
 
 /// The bytes where a segment header may stand, and what they say.
 struct CSegmentProbe {

@@ -56,7 +56,7 @@ bool CHeaderScan::IsAhead(std::int64_t position, std::int64_t shift) const {
     const CSegmentProbe probe = m_probe.Segment(position);
     if (!probe.IsWhole() || !IsConsistent(probe.header)) return m_probe.Recording(position, m_version).Shift() == shift;
     if (const auto told = probe.Shift()) return *told == shift || (*told > shift && IsShifted(probe));
-    return m_known.isExpected(probe.header) && m_probe.LooksLikeEnd(probe.EndOf(probe.header.Size));
+    return m_evidence.IsExpected(probe.header) && m_probe.LooksLikeEnd(probe.EndOf(probe.header.Size));
 }
 
 std::int64_t CHeaderScan::FirstFile() const {
@@ -91,10 +91,10 @@ bool CHeaderScan::IsSegmentHdr(std::int64_t position) const {
     if (!probe.IsWhole() || !IsConsistent(probe.header)) return false;
     const std::int64_t end = probe.EndOf(probe.header.Size);
     if (end > m_probe.Size()) return false;
-    if (probe.header.FPosNextSegmentHdr == end || m_known.isPromised(position)) return true;
+    if (probe.header.FPosNextSegmentHdr == end || m_evidence.IsPromised(position)) return true;
     const bool isLast = probe.header.FPosNextSegmentHdr == kUnset;
-    const bool isExpected = m_known.isExpected(probe.header);
-    return (isLast && (isExpected || m_known.isPromised(end))) ||
+    const bool isExpected = m_evidence.IsExpected(probe.header);
+    return (isLast && (isExpected || m_evidence.IsPromised(end))) ||
            ((isLast || isExpected) && m_probe.LooksLikeEnd(end)) || IsShifted(probe);
 }
 
@@ -110,7 +110,7 @@ bool CHeaderScan::IsRecordingHdr(std::int64_t position) const {
     const CRecordingProbe probe = m_probe.Recording(position, m_version);
     if (!probe.IsCredible()) return false;
     return probe.KnowsItsPlace() || probe.cells.lost[kDataRow] || probe.Position(kDataRow) == kUnset ||
-           m_known.isPromised(position) || (probe.IsWhole() && m_probe.LooksLikeEnd(probe.End()));
+           m_evidence.IsPromised(position) || (probe.IsWhole() && m_probe.LooksLikeEnd(probe.End()));
 }
 
 /// Returns where a raw data file that begins at `position` ends, as far as its headers follow one another.

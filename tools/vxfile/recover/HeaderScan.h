@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
 
+#include "tools/vxfile/recover/Evidence.h"
 #include "tools/vxfile/recover/HeaderProbe.h"
 
 namespace vxfile {
@@ -17,16 +19,10 @@ namespace vxfile {
 /// over.
 class CHeaderScan {
  public:
-    /// What is known of the file already.
-    struct CKnown {
-        std::function<bool(std::int64_t)> isPromised;  ///< A position that was believed leads there.
-        /// The recording at hand has a well of this ID and interval, and these times come next.
-        std::function<bool(const vxfileio::rawdata::CSegmentHdr&)> isExpected;
-    };
-
-    /// `reach` is told how far the search is.
-    CHeaderScan(const CHeaderProbe& probe, std::int32_t version, CKnown known, std::function<void(std::int64_t)> reach)
-        : m_probe(probe), m_version(version), m_known(std::move(known)), m_reach(std::move(reach)) {}
+    /// Probe and evidence stay the caller's and outlive this. `reach` is told how far the search is.
+    CHeaderScan(const CHeaderProbe& probe, std::int32_t version, const CEvidence& evidence,
+                std::function<void(std::int64_t)> reach)
+        : m_probe(probe), m_version(version), m_evidence(evidence), m_reach(std::move(reach)) {}
 
     /// Returns where the next header stands, at `from` or behind; the end of the file if there is none.
     std::int64_t Next(std::int64_t from) const;
@@ -51,7 +47,7 @@ class CHeaderScan {
 
     const CHeaderProbe& m_probe;
     std::int32_t m_version;
-    CKnown m_known;
+    const CEvidence& m_evidence;
     std::function<void(std::int64_t)> m_reach;
 };
 

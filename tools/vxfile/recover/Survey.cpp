@@ -1,8 +1,6 @@
 #include "tools/vxfile/recover/Survey.h"
 
 #include <algorithm>
-#include <array>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -16,13 +14,8 @@ using namespace vxfileio::rawdata;
 
 namespace {
 
-constexpr std::int64_t kNoMost = std::numeric_limits<std::int64_t>::max();
-
 constexpr std::size_t kIDRow = RowOf(kSegmentCells, "ID");
 constexpr std::size_t kPointerRow = RowOf(kSegmentCells, "FPosNextSegmentHdr");
-constexpr std::size_t kFromRow = RowOf(kSegmentCells, "TimeFrom");
-constexpr std::size_t kToRow = RowOf(kSegmentCells, "TimeTo");
-constexpr std::size_t kSizeRow = RowOf(kSegmentCells, "Size");
 
 constexpr std::size_t kDataRow = RowOf(kRecordingCells, "FPosRecordingData");
 constexpr std::size_t kWellsRow = RowOf(kRecordingCells, "WellIDs");
@@ -35,6 +28,11 @@ std::string DamagedKeys(const CDamagedCells& damaged) {
         if (damaged[row]) keys.append(keys.empty() ? "" : ", ").append(kSegmentCells[row].key);
     }
     return keys;
+}
+
+/// Returns where a segment says that the next one stands; nothing if that cell is lost.
+std::optional<std::int64_t> NextOf(const CSegmentProbe& probe) {
+    return probe.cells.lost[kPointerRow] ? std::nullopt : std::optional(probe.header.FPosNextSegmentHdr);
 }
 
 }  // namespace
@@ -56,7 +54,7 @@ CInventory CSurvey::Take() {
 std::optional<CInventory> CSurvey::TakeAlongChains() {
     TakeFileHdr();
     if (m_found.fileCells.damaged.any()) return std::nullopt;
-    m_position = *m_promised.begin();
+    m_position = m_nextRecording.value_or(kUnset);
     while (m_position != kUnset) {
         const CRecordingProbe probe = m_probe.Recording(m_position, m_version);
         const std::int64_t data = probe.Position(kDataRow);
@@ -77,7 +75,7 @@ bool CSurvey::TakeChain() {
     while (m_position != kUnset) {
         m_reach(m_position);
         CSegmentProbe probe = m_probe.Segment(m_position);
-        const CProof proof = Prove(probe);
+        const auto proof = m_proof.Prove(probe);
         if (m_position == first && !proof.holds) return MayBeWithoutSegments(first);
         if (!proof.holds || proof.cut || !probe.IsWhole() || !IsConsistent(probe.header) || !HasRoomForMore())
             return false;
@@ -90,7 +88,7 @@ bool CSurvey::TakeChain() {
 /// Tells whether a recording may have no segments if its position leads to this place.
 bool CSurvey::MayBeWithoutSegments(std::int64_t data) {
     if (data == m_probe.Size()) DoubtThatItWasEmpty();
-    return data == m_probe.Size() || m_promised.contains(data);
+    return data == m_probe.Size() || m_evidence.IsRecordingPromised(data);
 }
 
 /// Tells whether a file of this size can hold one thing more; a chain that leads back into itself ends by this.
@@ -144,7 +142,7 @@ void CSurvey::TakeFileHdr() {
     Decode(bytes, header);
     if (!m_found.fileCells.lost[RowOf(kFileCells, "FileVersion")]) m_version = header.FileVersion;
     if (!m_found.fileCells.lost[RowOf(kFileCells, "FPosFirstRecordingHdr")]) {
-        m_promised.insert(header.FPosFirstRecordingHdr);
+        m_evidence.PromiseRecording(header.FPosFirstRecordingHdr);
         m_nextRecording = header.FPosFirstRecordingHdr;
     }
     if (!isThere) m_position = 0;
@@ -168,21 +166,24 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
     bytes.resize(kRecordingHdrSize);
     if (!Decode(bytes, probe.version, recording.header)) recording.header.WellChannels.clear();
     const std::int64_t data = probe.Position(kDataRow);
-    if (m_next) Compare("FPosNextSegmentHdr", *m_next, kUnset);
+    if (const auto next = m_evidence.Next()) Compare("FPosNextSegmentHdr", *next, kUnset);
     if (m_nextRecording) Compare("the position of the next recording", *m_nextRecording, probe.position);
-    m_promised.insert(probe.Position(kNextRecordingRow));
+    m_evidence.PromiseRecording(probe.Position(kNextRecordingRow));
     m_nextRecording.reset();
     if (!probe.cells.lost[kNextRecordingRow]) m_nextRecording = recording.header.FPosNextRecordingHdr;
-    m_next.reset();
-    m_seen.clear();
+    Learn(recording);
     m_position = probe.End();
     m_found.recordings.push_back(std::move(recording));
     if (data >= 0) Compare("FPosRecordingData", data, m_position);
 }
 
+void CSurvey::Learn(const CFoundRecording& recording) {
+    m_evidence.BeginRecording(recording.header, !recording.cells.lost[kWellsRow]);
+}
+
 bool CSurvey::TakeSegment() {
     CSegmentProbe probe = m_probe.Segment(m_position);
-    const CProof proof = Prove(probe);
+    const auto proof = m_proof.Prove(probe);
     if (!proof.holds) return false;
     // A segment that no recording stands ahead of: the header at the file's beginning is lost.
     if (m_found.recordings.empty()) MakeUpRecording(m_position, m_position);
@@ -194,139 +195,19 @@ bool CSurvey::TakeSegment() {
     return true;
 }
 
-/// Proves a segment that stands where one is expected. One cell may be lost if the others make up for it and what
-/// follows confirms where the segment ends.
-CSurvey::CProof CSurvey::Prove(CSegmentProbe& probe) const {
-    if (!MakeUp(probe)) return {};
-    const bool isWhole = probe.IsWhole();
-    const bool goes = GoesWith(probe.header, TickOf(probe.header.ID)) || (isWhole && MendContradiction(probe));
-    const bool isConsistent = IsConsistent(probe.header);
-    const std::int64_t end = probe.EndOf(probe.header.Size);
-    if (end > m_probe.Size())
-        return {.holds = isWhole && isConsistent && (goes || probe.header.FPosNextSegmentHdr == end), .cut = true};
-    // Of whole cells that contradict one another one time may be wrong, which the well's other segments may tell.
-    if (!isConsistent && !isWhole) return {};
-    return {.holds = (goes && probe.IsWhole()) || IsFollowed(probe)};
-}
-
-/// Sets what a lost cell said from the others. Returns false if they don't tell it, or if more than one is lost.
-bool CSurvey::MakeUp(CSegmentProbe& probe) const {
-    struct CMaker {
-        std::size_t row;
-        bool (CSurvey::*make)(CSegmentProbe&) const;
-    };
-    // What kind it is, whose, and where the next one stands isn't needed to find its end and its times.
-    static constexpr std::array<CMaker, 3> kMakers = {{
-        {kFromRow, &CSurvey::MendTimeFrom},
-        {kToRow, &CSurvey::MendTimeTo},
-        {kSizeRow, &CSurvey::MendSize},
-    }};
-    const CDamagedCells& lost = probe.cells.lost;
-    const auto isLost = [&](const CMaker& maker) { return lost[maker.row]; };
-    const auto* const maker = std::ranges::find_if(kMakers, isLost);
-    return lost.count() <= 1 && (maker == kMakers.end() || (this->*maker->make)(probe));
-}
-
-bool CSurvey::MendTimeFrom(CSegmentProbe& probe) const {
-    CSegmentHdr& header = probe.header;
-    const auto from = TimeBehind(header.TimeTo, 1 - header.Size, TickOf(header.ID));
-    header.TimeFrom = from.value_or(0);
-    return from.has_value();
-}
-
-bool CSurvey::MendTimeTo(CSegmentProbe& probe) const {
-    CSegmentHdr& header = probe.header;
-    const auto to = TimeBehind(header.TimeFrom, header.Size - 1, TickOf(header.ID));
-    header.TimeTo = to.value_or(0);
-    return to.has_value();
-}
-
-/// Sets the number of samples from the times. Returns false if the well's interval isn't known.
-bool CSurvey::MendSize(CSegmentProbe& probe) const {
-    const std::int64_t tick = TickOf(probe.header.ID);
-    const auto span = SpanOf(probe.header);
-    if (tick <= 0 || !span) return false;
-    probe.header.Size = static_cast<std::int64_t>(*span) / tick + 1;
-    return probe.header.Size > 0 && probe.header.Size <= INT64_C(0xFFFFFFFF) &&
-           probe.EndOf(probe.header.Size) <= m_probe.Size();
-}
-
-/// A size that can be read but contradicts the times is damaged if what the times say is confirmed, and it isn't. Where
-/// segments are of one length, a header stands at either end: the nearer one counts, as nothing may be jumped over.
-bool CSurvey::MendContradiction(CSegmentProbe& probe) const {
-    CSegmentProbe mended = probe;
-    if (!MendSize(mended) || !IsFollowed(mended)) return false;
-    if (IsFollowed(probe) && mended.header.Size > probe.header.Size) return false;
-    mended.cells.Lose(kSizeRow);
-    probe = mended;
-    return true;
-}
-
-/// Tells whether what stands behind the samples confirms where they end.
-bool CSurvey::IsFollowed(const CSegmentProbe& probe) const {
-    const std::int64_t end = probe.EndOf(probe.header.Size);
-    if (end > m_probe.Size() || LeadsNearer(probe, end)) return false;
-    const bool knowsNext = !probe.cells.lost[kPointerRow];
-    const std::int64_t next = probe.header.FPosNextSegmentHdr;
-    return (knowsNext && next == end) || IsPromised(end) || m_probe.LooksLikeHeader(end) || end == m_probe.Size() ||
-           (knowsNext && next == kUnset && m_probe.LooksLikeEnd(end));
-}
-
-/// Tells whether the segment itself leads to a header that stands ahead of `end`.
-bool CSurvey::LeadsNearer(const CSegmentProbe& probe, std::int64_t end) const {
-    const std::int64_t next = probe.header.FPosNextSegmentHdr;
-    return !probe.cells.lost[kPointerRow] && next >= probe.Data() && next < end && m_probe.Segment(next).IsWhole();
-}
-
-/// Tells whether a cell that is whole says that a header stands there.
-bool CSurvey::IsPromised(std::int64_t position) const {
-    return m_promised.contains(position) || (m_next && *m_next == position);
-}
-
-/// Tells whether nothing speaks against a segment being one of this recording: its well is listed, if there is a list,
-/// its times go with the interval, if it is known, and they come behind those that its well has by now.
-bool CSurvey::Belongs(const CSegmentHdr& header) const {
-    const CFoundRecording& recording = m_found.recordings.back();
-    const auto& wells = recording.header.WellChannels;
-    const bool knowsWells = !recording.cells.lost[kWellsRow] && !wells.empty();
-    if (knowsWells && std::ranges::find(wells, header.ID, &CRawDataChannelInfo::ID) == wells.end()) return false;
-    const std::int64_t tick = TickOf(header.ID);
-    if (tick > 0 && !GoesWith(header, tick)) return false;
-    const auto seen = m_seen.find(header.ID);
-    return seen == m_seen.end() || header.TimeFrom > seen->second.to;
-}
-
-/// Tells whether a segment is one that this recording can be expected to have next.
-bool CSurvey::IsExpected(const CSegmentHdr& header) const {
-    return !m_found.recordings.empty() && TickOf(header.ID) > 0 && Belongs(header);
-}
-
 /// Tells whether neither a segment nor the one behind it belongs to this recording; one alone may be damaged.
 bool CSurvey::IsForeign(const CSegmentProbe& probe) const {
-    if (Belongs(probe.header)) return false;
+    if (m_evidence.Belongs(probe.header)) return false;
     const CSegmentProbe next = m_probe.Segment(probe.EndOf(probe.header.Size));
-    return !next.IsWhole() || !Belongs(next.header);
-}
-
-/// Returns the interval that the header gives a well, or that its segments so far tell; 0 if there is none.
-std::int64_t CSurvey::TickOf(std::int32_t wellID) const {
-    if (m_found.recordings.empty()) return 0;
-    const CFoundRecording& recording = m_found.recordings.back();
-    const auto& wells = recording.header.WellChannels;
-    const auto well = std::ranges::find(wells, wellID, &CRawDataChannelInfo::ID);
-    if (well != wells.end() && well->Ticks > 0) return well->Ticks;
-    const auto seen = m_seen.find(wellID);
-    if (seen == m_seen.end() || seen->second.atLeast > seen->second.atMost) return 0;
-    return seen->second.atMost < kNoMost ? seen->second.atMost : 0;
+    return !next.IsWhole() || !m_evidence.Belongs(next.header);
 }
 
 void CSurvey::Accept(const CSegmentProbe& probe) {
-    if (m_next) Compare("FPosNextSegmentHdr", *m_next, probe.position);
-    if (!probe.cells.lost[kIDRow] && IsConsistent(probe.header)) Tally(probe.header);
+    if (const auto next = m_evidence.Next()) Compare("FPosNextSegmentHdr", *next, probe.position);
+    if (!probe.cells.lost[kIDRow] && IsConsistent(probe.header)) m_evidence.Tally(probe.header);
     Keep(probe, probe.header.Size, probe.header.TimeTo);
     if (!probe.IsWhole()) DoubtDamaged(probe);
-    m_next.reset();
-    if (!probe.cells.lost[kPointerRow]) m_next = probe.header.FPosNextSegmentHdr;
+    m_evidence.SetNext(NextOf(probe));
     m_position = probe.EndOf(probe.header.Size);
 }
 
@@ -360,7 +241,7 @@ void CSurvey::Compare(const std::string& what, std::int64_t told, std::int64_t t
 
 /// Tells what must have stood behind the end of the file. A position is written when what it leads to is there.
 void CSurvey::TellEnd() {
-    TellEndOf("FPosNextSegmentHdr", m_next, "segment");
+    TellEndOf("FPosNextSegmentHdr", m_evidence.Next(), "segment");
     TellEndOf("the position of the next recording", m_nextRecording, "recording");
     if (m_found.recordings.empty()) return;
     const CFoundRecording& last = m_found.recordings.back();
@@ -382,7 +263,7 @@ void CSurvey::DoubtThatItWasEmpty() {
 /// The last segment of a file that ends within its samples.
 void CSurvey::AcceptCut(const CSegmentProbe& probe) {
     const std::int64_t whole = (m_probe.Size() - probe.Data()) / static_cast<std::int64_t>(sizeof(std::uint16_t));
-    const std::int64_t tick = TickOf(probe.header.ID);
+    const std::int64_t tick = m_evidence.TickOf(probe.header.ID);
     const std::string missing = std::to_string(probe.header.Size - whole) + " of its " +
                                 std::to_string(probe.header.Size) + " samples are not in the file";
     if (m_keepCut && whole > 0 && GoesWith(probe.header, tick)) {
@@ -394,15 +275,7 @@ void CSurvey::AcceptCut(const CSegmentProbe& probe) {
              "the segment was cut: " + missing + (whole > 0 && !m_keepCut ? " (--cut keeps the others)" : ""));
     }
     m_position = m_probe.Size();
-    m_next.reset();
-}
-
-void CSurvey::Tally(const CSegmentHdr& header) {
-    const auto span = static_cast<std::int64_t>(SpanOf(header).value_or(0));
-    CSeenWell& seen = m_seen.try_emplace(header.ID, CSeenWell{.atMost = kNoMost, .to = header.TimeTo}).first->second;
-    seen.atLeast = std::max(seen.atLeast, span / header.Size + 1);
-    if (header.Size > 1) seen.atMost = std::min(seen.atMost, span / (header.Size - 1));
-    seen.to = std::max(seen.to, header.TimeTo);
+    m_evidence.SetNext({});
 }
 
 /// Goes on behind bytes that are no header that proves itself.
@@ -411,9 +284,9 @@ void CSurvey::PassDamage() {
     const std::int64_t from = m_position;
     const CSegmentProbe probe = m_probe.Segment(from);
     // What leads here is right, however little is left.
-    if (m_next == from) m_next.reset();
+    if (m_evidence.Next() == from) m_evidence.SetNext({});
     if (m_nextRecording == from) m_nextRecording.reset();
-    if (const auto end = EndOfDamaged(probe)) return LoseSegment(probe, *end);
+    if (const auto end = m_proof.EndOfDamaged(probe)) return LoseSegment(probe, *end);
     m_position = Scan().Next(from + 1);
     if (m_position == m_probe.Size()) {
         Lose(from, m_position, std::nullopt, "the file ends behind it without another whole header");
@@ -432,7 +305,7 @@ void CSurvey::LoseSegment(const CSegmentProbe& probe, std::int64_t end) {
     const std::string keys = DamagedKeys(probe.cells.damaged);
     Lose(probe.position, end, well,
          keys.empty() ? "the cells of the segment header contradict one another" : "damaged cells: " + keys);
-    m_next = probe.cells.lost[kPointerRow] ? std::nullopt : std::optional(probe.header.FPosNextSegmentHdr);
+    m_evidence.SetNext(NextOf(probe));
     m_position = end;
 }
 
@@ -456,6 +329,7 @@ bool CSurvey::GoBackIntoWhatWasHit() {
     } else {
         Lose(hit, *next, std::nullopt, "bytes were taken out of the recording header");
         LoseCellsBehind(static_cast<std::size_t>(*next - hit), recording.version, recording.cells);
+        Learn(recording);
     }
     m_position = *next;
     return true;
@@ -471,39 +345,18 @@ void CSurvey::DoubtWhatGrew(std::int64_t from, std::int64_t to) {
           "bytes were put in behind it or within its samples, which are wrong from there on");
 }
 
-CHeaderScan CSurvey::Scan() const {
-    const CHeaderScan::CKnown known{.isPromised = [this](std::int64_t position) { return IsPromised(position); },
-                                    .isExpected = [this](const CSegmentHdr& header) { return IsExpected(header); }};
-    return {m_probe, m_version, known, m_reach};
-}
-
-/// Returns where a segment with a damaged header ends, as far as one of its cells and what follows agree about it: the
-/// nearest such place, as nothing may be jumped over.
-std::optional<std::int64_t> CSurvey::EndOfDamaged(const CSegmentProbe& probe) const {
-    if (2 * probe.cells.lost.count() > kSegmentCells.size()) return std::nullopt;
-    std::array<std::int64_t, 3> ends = {kUnset, kUnset, kUnset};
-    if (!probe.cells.lost[kSizeRow]) ends[0] = probe.EndOf(probe.header.Size);
-    if (!probe.cells.lost[kPointerRow]) ends[1] = probe.header.FPosNextSegmentHdr;
-    CSegmentProbe mended = probe;
-    if (MendSize(mended)) ends[2] = mended.EndOf(mended.header.Size);
-    std::ranges::sort(ends);
-    const auto isEnd = [&](std::int64_t end) {
-        return end >= probe.Data() && (end == m_probe.Size() || m_probe.LooksLikeHeader(end));
-    };
-    const auto* const end = std::ranges::find_if(ends, isEnd);
-    return end == ends.end() ? std::nullopt : std::optional(*end);
-}
+CHeaderScan CSurvey::Scan() const { return {m_probe, m_version, m_evidence, m_reach}; }
 
 /// Segments behind damage may belong to a recording whose header is lost there. They do if a position led to it, if the
 /// recording before had ended, or if there is room for a header and the first ones don't belong to that one.
 bool CSurvey::MakeUpRecording(std::int64_t from, std::int64_t to) {
     const CSegmentProbe first = m_probe.Segment(to);
-    const auto promised = m_promised.lower_bound(from);
+    const auto promised = m_evidence.PromisedBehind(from);
     // Where something was put in or taken out, positions lead astray.
     const std::int64_t next = first.header.FPosNextSegmentHdr;
     const bool isInPlace = !first.IsWhole() || next == kUnset || next == first.EndOf(first.header.Size);
-    const bool isTold = isInPlace && promised != m_promised.end() && *promised < to;
-    const bool ended = m_next && *m_next == kUnset;
+    const bool isTold = isInPlace && promised && *promised < to;
+    const bool ended = m_evidence.Next() == kUnset;
     const bool hasRoom = to - from >= static_cast<std::int64_t>(kRecordingHdrSize);
     if (!isTold && !ended && !m_found.recordings.empty() && !(hasRoom && IsForeign(first))) return false;
     CRecordingProbe probe = m_probe.Recording(isTold ? *promised : from, m_version);

@@ -2,13 +2,13 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
-#include <set>
 
+#include "tools/vxfile/recover/Evidence.h"
 #include "tools/vxfile/recover/HeaderProbe.h"
 #include "tools/vxfile/recover/HeaderScan.h"
 #include "tools/vxfile/recover/Inventory.h"
+#include "tools/vxfile/recover/SegmentProof.h"
 
 namespace vxfile {
 
@@ -22,6 +22,9 @@ class CSurvey {
  public:
     /// `reach` is told the position that has been surveyed by now. The probe stays the caller's and outlives this.
     CSurvey(const CHeaderProbe& probe, bool keepCut, std::function<void(std::int64_t)> reach);
+    // Its parts know one another by their addresses.
+    CSurvey(const CSurvey&) = delete;
+    CSurvey& operator=(const CSurvey&) = delete;
 
     /// Surveys the file from its beginning to its end. Call this or `TakeAlongChains`, and once.
     CInventory Take();
@@ -34,19 +37,6 @@ class CSurvey {
     std::optional<CInventory> TakeAlongChains();
 
  private:
-    /// What speaks for a segment header.
-    struct CProof {
-        bool holds = false;
-        bool cut = false;
-    };
-
-    /// What the segments of a well have told by now.
-    struct CSeenWell {
-        std::int64_t atLeast = 1;  ///< A smaller interval would make more samples of some segment's times.
-        std::int64_t atMost;       ///< A larger one would make fewer.
-        std::int64_t to;           ///< The last time.
-    };
-
     void TakeFileHdr();
     bool TakeRecording();
     bool TakeSegment();
@@ -60,26 +50,13 @@ class CSurvey {
     bool AreApart() const;
     void TellGaps();
 
-    CProof Prove(CSegmentProbe& probe) const;
-    bool MakeUp(CSegmentProbe& probe) const;
-    bool MendTimeFrom(CSegmentProbe& probe) const;
-    bool MendTimeTo(CSegmentProbe& probe) const;
-    bool MendSize(CSegmentProbe& probe) const;
-    bool MendContradiction(CSegmentProbe& probe) const;
-    bool IsFollowed(const CSegmentProbe& probe) const;
-    bool LeadsNearer(const CSegmentProbe& probe, std::int64_t end) const;
-    bool IsPromised(std::int64_t position) const;
-    bool Belongs(const vxfileio::rawdata::CSegmentHdr& header) const;
-    bool IsExpected(const vxfileio::rawdata::CSegmentHdr& header) const;
     bool IsForeign(const CSegmentProbe& probe) const;
     CHeaderScan Scan() const;
-    std::optional<std::int64_t> EndOfDamaged(const CSegmentProbe& probe) const;
-    std::int64_t TickOf(std::int32_t wellID) const;
     void Accept(const CSegmentProbe& probe);
     void AcceptCut(const CSegmentProbe& probe);
     void Keep(const CSegmentProbe& probe, std::int64_t samples, std::int64_t to);
-    void Tally(const vxfileio::rawdata::CSegmentHdr& header);
     void BeginRecording(const CRecordingProbe& probe, bool unfinished);
+    void Learn(const CFoundRecording& recording);
     bool MakeUpRecording(std::int64_t from, std::int64_t to);
     void Compare(const std::string& what, std::int64_t told, std::int64_t there);
     void TellEnd();
@@ -96,14 +73,12 @@ class CSurvey {
     CInventory m_found;
     std::int64_t m_position = 0;
     std::int32_t m_version = vxfileio::rawdata::kNewestVersion;
-    std::set<std::int64_t> m_promised;         ///< Where whole cells say that a recording header stands.
-    std::map<std::int32_t, CSeenWell> m_seen;  ///< The wells of the recording at hand.
-    /// What the segment before says of the next one, if its cell is whole and a segment is what came last.
-    std::optional<std::int64_t> m_next;
-    std::optional<std::int64_t> m_nextRecording;  ///< The same of recordings.
+    CEvidence m_evidence;
+    CSegmentProof m_proof{m_probe, m_evidence};
+    std::optional<std::int64_t> m_nextRecording;  ///< What the recording before says of the next one, if that is whole.
     bool m_isStraight = true;
-    std::int64_t m_wentBackFrom =
-        0;  ///< Each place is gone back from once at most, so that the survey comes to an end.
+    /// Each place is gone back from once at most, so that the survey comes to an end.
+    std::int64_t m_wentBackFrom = 0;
     std::optional<CRemark> m_astray;  ///< The first position that was set and leads elsewhere.
 };
 
