@@ -7,6 +7,7 @@
 #include <limits>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -279,6 +280,11 @@ CWritten TakingTurns(int rounds) {
     return file;
 }
 
+std::vector<CSeen> Without(std::vector<CSeen> segments, std::size_t one) {
+    segments.erase(segments.begin() + static_cast<std::ptrdiff_t>(one));
+    return segments;
+}
+
 TEST_F(RecoverTest, DamagedWellIDsAreToldByTimesAndTurns) {
     const CWritten file = TakingTurns(4);
     ASSERT_EQ(Recovered(file.bytes), file.segments);
@@ -455,9 +461,8 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
     EXPECT_FALSE(m_report.doubts.None());
     // What bytes are taken out of is lost, and no more.
     for (std::size_t i = 0; i + 1 < file.segments.size(); ++i) {
-        auto others = original;
-        others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
-        EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(file.segments[i].position + 302, 2))), others) << i;
+        EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(file.segments[i].position + 302, 2))),
+                  Without(original, i));
         EXPECT_FALSE(m_report.losses.None());
     }
     EXPECT_EQ(Recovered(std::string(file.bytes).erase(2000, 512)).size(), original.size());
@@ -476,6 +481,48 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
         EXPECT_EQ(kept[i], original[i]);
     }
     ExpectSound();
+}
+
+// Wherever in a header, the samples behind it are found; what its own cells can't tell any more others may.
+TEST_F(RecoverTest, BytesPutIntoAHeaderOrTakenOutOfItCostNoSample) {
+    const CWritten file = TakingTurns(3);
+    const auto original = Placeless(file.segments);
+    const CSeen& hit = file.segments[2];
+    for (std::size_t at = 0; at < 300 && !HasFailure(); at += kStride) {
+        for (const std::size_t size : {1U, 5U, 10U, 50U}) {
+            SCOPED_TRACE(testing::Message() << size << " bytes at " << at);
+            const std::size_t place = hit.position + at;
+            const auto put = Placeless(Recovered(std::string(file.bytes).insert(place, size, '\0')));
+            EXPECT_TRUE(put == original || put == Without(original, 2));
+            EXPECT_FALSE(m_report.IsComplete());
+            if (at + size >= 300) continue;
+            const auto taken = Placeless(Recovered(std::string(file.bytes).erase(place, size)));
+            EXPECT_TRUE(taken == original || taken == Without(original, 2));
+            EXPECT_FALSE(m_report.IsComplete());
+        }
+    }
+    // Where the times make up for the size, all is there.
+    EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).insert(hit.position + 220, 3, '\0'))), original);
+    EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(hit.position + 270, 3))), original);
+}
+
+// As many bytes as one segment has: another header stands where the next one should.
+TEST_F(RecoverTest, WhereAWholeSegmentsLengthIsGoneItIsTold) {
+    const CWritten file = TakingTurns(4);
+    const auto original = Placeless(file.segments);
+    EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(2000, 308))), original) << "of the recording header";
+    EXPECT_FALSE(m_report.losses.None());
+    const auto doubted = [&](std::size_t position) {
+        Recovered(std::string(file.bytes).erase(position, 308));
+        std::set<std::int32_t> wells;
+        for (const auto& doubt : m_report.doubts.first)
+            wells.insert(doubt.wellID.value_or(0));
+        return wells;
+    };
+    // Samples of well 11, and the header of well 12 behind them.
+    EXPECT_EQ(doubted(file.segments[2].position + 304), (std::set<std::int32_t>{0, 11}));
+    // The ID of well 11, and all of well 12 but its own.
+    EXPECT_EQ(doubted(file.segments[2].position + 102).contains(11), true);
 }
 
 // Segments of one length: a header stands wherever a damaged size leads that is too large by some of them.

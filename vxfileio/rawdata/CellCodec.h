@@ -22,8 +22,7 @@ class CCellWriter {
     /// Fills the whole cell, with the key as its text so far. The bytes stay the caller's.
     CCellWriter(std::span<char> cell, std::string_view key) : m_room(cell.first(cell.size() - kCellEndSize)) {
         std::fill(cell.begin(), cell.end(), '\0');
-        cell[cell.size() - 2] = '\r';
-        cell[cell.size() - 1] = '\n';
+        std::copy(kCellEnd.begin(), kCellEnd.end(), cell.last(kCellEndSize).begin());
         PutBare(key);
     }
 

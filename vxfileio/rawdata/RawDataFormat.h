@@ -181,7 +181,8 @@ static_assert(kRecordingHdrSize == 2460);
 static_assert(kSegmentHdrSize == 300);
 
 /// The bytes of a cell that can't hold text: a NUL that ends it for the reader, then CR LF.
-inline constexpr std::size_t kCellEndSize = 3;
+inline constexpr std::string_view kCellEnd{"\0\r\n", 3};
+inline constexpr std::size_t kCellEndSize = kCellEnd.size();
 
 /// The cells that describe the channels of a recording, from the number of wells on; every version has them all.
 inline constexpr std::size_t kFirstChannelCell = [] {

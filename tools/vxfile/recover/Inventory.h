@@ -36,14 +36,19 @@ struct CFoundSegment {
     std::uint32_t samples = 0;  ///< Those to be kept.
     std::int32_t wellID = 0;
     std::uint32_t recording = 0;  ///< Index of its recording.
+    std::int16_t grown = 0;       ///< Bytes that were put into its header; negative if they were taken out.
     bool namesWell = true;        ///< Its ID can be read.
 
-    /// Bytes of its header and the samples to be kept.
+    /// Where the samples begin.
+    std::int64_t Data() const {
+        return position + static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize) + grown;
+    }
+    /// Bytes that a whole header and the samples to be kept take.
     std::int64_t Bytes() const {
         return static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize) +
                static_cast<std::int64_t>(sizeof(std::uint16_t)) * samples;
     }
-    std::int64_t End() const { return position + Bytes(); }
+    std::int64_t End() const { return position + Bytes() + grown; }
 };
 
 /// What there is to tell about a part of the file.

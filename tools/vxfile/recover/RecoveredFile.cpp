@@ -76,7 +76,7 @@ class CCopy {
         std::array<char, kSegmentHdrSize> bytes{};
         Encode(header, bytes);
         vxfileio::CBytes headerBytes = std::as_bytes(std::span(bytes));
-        std::int64_t from = segment.position + static_cast<std::int64_t>(kSegmentHdrSize);
+        std::int64_t from = segment.Data();
         for (std::int64_t left = segment.End() - from; left > 0;) {
             const auto part = std::span(m_block).first(
                 static_cast<std::size_t>(std::min(left, static_cast<std::int64_t>(kBlockSize))));

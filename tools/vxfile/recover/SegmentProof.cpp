@@ -62,11 +62,11 @@ bool CSegmentProof::MendTimeTo(CSegmentProbe& segment) const {
     return to.has_value();
 }
 
-/// Sets the number of samples from the times. Returns false if the well's interval isn't known.
+/// Sets the number of samples from the times. Returns false if those or the well's interval aren't known.
 bool CSegmentProof::MendSize(CSegmentProbe& segment) const {
     const std::int64_t tick = m_evidence.TickOf(segment.header.ID);
     const auto span = SpanOf(segment.header);
-    if (tick <= 0 || !span) return false;
+    if (segment.cells.lost[kFromRow] || segment.cells.lost[kToRow] || tick <= 0 || !span) return false;
     segment.header.Size = static_cast<std::int64_t>(*span) / tick + 1;
     return segment.header.Size > 0 && segment.header.Size <= kMostSamples &&
            segment.EndOf(segment.header.Size) <= m_probe.Size();

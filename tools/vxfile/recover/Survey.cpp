@@ -1,6 +1,7 @@
 #include "tools/vxfile/recover/Survey.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -14,8 +15,11 @@ using namespace vxfileio::rawdata;
 
 namespace {
 
+constexpr const char* kOfSegmentBefore = "FPosNextSegmentHdr of the segment before";
+
 constexpr std::size_t kIDRow = RowOf(kSegmentCells, "ID");
 constexpr std::size_t kPointerRow = RowOf(kSegmentCells, "FPosNextSegmentHdr");
+constexpr std::size_t kSizeRow = RowOf(kSegmentCells, "Size");
 
 constexpr std::size_t kDataRow = RowOf(kRecordingCells, "FPosRecordingData");
 constexpr std::size_t kWellsRow = RowOf(kRecordingCells, "WellIDs");
@@ -151,6 +155,7 @@ void CSurvey::TakeFileHdr() {
 bool CSurvey::TakeRecording() {
     const CRecordingProbe probe = m_probe.Recording(m_position, m_version);
     if (!probe.IsCredible()) return false;
+    if (GoesBackForShift(probe.Shift(), probe.End())) return true;
     BeginRecording(probe, probe.Position(kDataRow) == kUnset);
     return true;
 }
@@ -166,7 +171,7 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
     bytes.resize(kRecordingHdrSize);
     if (!Decode(bytes, probe.version, recording.header)) recording.header.WellChannels.clear();
     const std::int64_t data = probe.Position(kDataRow);
-    if (const auto next = m_evidence.Next()) Compare("FPosNextSegmentHdr", *next, kUnset);
+    if (const auto next = m_evidence.Next()) Compare(kOfSegmentBefore, *next, kUnset);
     if (m_nextRecording) Compare("the position of the next recording", *m_nextRecording, probe.position);
     m_evidence.PromiseRecording(probe.Position(kNextRecordingRow));
     m_nextRecording.reset();
@@ -185,6 +190,12 @@ bool CSurvey::TakeSegment() {
     CSegmentProbe probe = m_probe.Segment(m_position);
     const auto proof = m_proof.Prove(probe);
     if (!proof.holds) return false;
+    const std::int64_t shift = m_shift;
+    if (!proof.cut && GoesBackForShift(probe.Shift(), probe.EndOf(probe.header.Size))) return true;
+    // The front of a header and the rest of a later one look like a whole one.
+    if (m_shift - shift >= static_cast<std::int64_t>(kSegmentHdrSize))
+        Doubt(m_position, probe.EndOf(probe.header.Size), probe.header.ID,
+              "bytes were taken out ahead of it or within its header: it may be of another well");
     // A segment that no recording stands ahead of: the header at the file's beginning is lost.
     if (m_found.recordings.empty()) MakeUpRecording(m_position, m_position);
     if (proof.cut) {
@@ -203,7 +214,7 @@ bool CSurvey::IsForeign(const CSegmentProbe& probe) const {
 }
 
 void CSurvey::Accept(const CSegmentProbe& probe) {
-    if (const auto next = m_evidence.Next()) Compare("FPosNextSegmentHdr", *next, probe.position);
+    if (const auto next = m_evidence.Next()) Compare(kOfSegmentBefore, *next, probe.position);
     if (!probe.cells.lost[kIDRow] && IsConsistent(probe.header)) m_evidence.Tally(probe.header);
     Keep(probe, probe.header.Size, probe.header.TimeTo);
     if (!probe.IsWhole()) DoubtDamaged(probe);
@@ -241,7 +252,7 @@ void CSurvey::Compare(const std::string& what, std::int64_t told, std::int64_t t
 
 /// Tells what must have stood behind the end of the file. A position is written when what it leads to is there.
 void CSurvey::TellEnd() {
-    TellEndOf("FPosNextSegmentHdr", m_evidence.Next(), "segment");
+    TellEndOf(kOfSegmentBefore, m_evidence.Next(), "segment");
     TellEndOf("the position of the next recording", m_nextRecording, "recording");
     if (m_found.recordings.empty()) return;
     const CFoundRecording& last = m_found.recordings.back();
@@ -287,12 +298,14 @@ void CSurvey::PassDamage() {
     if (m_evidence.Next() == from) m_evidence.SetNext({});
     if (m_nextRecording == from) m_nextRecording.reset();
     if (const auto end = m_proof.EndOfDamaged(probe)) return LoseSegment(probe, *end);
-    m_position = Scan().Next(from + 1);
+    const std::int64_t next = Scan().Next(from + 1);
+    const bool isSettled = SettleWhatGrew(next);
+    m_position = next;
+    if (isSettled) return;
     if (m_position == m_probe.Size()) {
         Lose(from, m_position, std::nullopt, "the file ends behind it without another whole header");
         return;
     }
-    DoubtWhatGrew(from, m_position);
     const bool isMadeUp = !m_probe.Recording(m_position, m_version).IsCredible() && MakeUpRecording(from, m_position);
     const bool hasRoom = m_position - from >= static_cast<std::int64_t>(kRecordingHdrSize);
     if (!isMadeUp)
@@ -309,40 +322,108 @@ void CSurvey::LoseSegment(const CSegmentProbe& probe, std::int64_t end) {
     m_position = end;
 }
 
-/// Where bytes were taken out, the next header stands within what had them. Then a segment is lost, while of a
-/// recording header the cells ahead of that place stay. Returns false if there is no such header.
+/// Where positions begin to lead beside what stands there, and go on so, bytes were put in or taken out ahead. Returns
+/// true if the survey went back to what the bytes that are gone had covered.
+bool CSurvey::GoesBackForShift(std::optional<std::int64_t> shift, std::int64_t end) {
+    if (!shift || *shift == m_shift || ShiftBehind(end) != shift) return false;
+    if (*shift > m_shift && GoBackIntoWhatWasHit()) return true;
+    if (MayReachFurther()) DoubtSamples(*shift);
+    m_shift = *shift;
+    return false;
+}
+
+/// Nobody knows whether it was behind the last segment or within its samples that positions began to lead elsewhere.
+void CSurvey::DoubtSamples(std::int64_t shift) {
+    const CFoundSegment& segment = m_found.segments.back();
+    Doubt(segment.position, segment.End(), segment.wellID,
+          std::string(shift > m_shift ? "bytes were taken out" : "bytes were put in") +
+              " behind it or within it: its samples may be wrong from there on");
+    m_shift = shift;
+}
+
+/// Returns how far what stands at a place leads behind its end. The last segment of a recording leads nowhere; the next
+/// recording tells.
+std::optional<std::int64_t> CSurvey::ShiftBehind(std::int64_t position) const {
+    const CSegmentProbe segment = m_probe.Segment(position);
+    if (!segment.IsWhole() || !IsConsistent(segment.header)) return m_probe.Recording(position, m_version).Shift();
+    const auto shift = segment.Shift();
+    return shift ? shift : m_probe.Recording(segment.EndOf(segment.header.Size), m_version).Shift();
+}
+
+/// Tells whether the last segment ends where the survey has come to.
+bool CSurvey::EndsHere() const { return !m_found.segments.empty() && m_found.segments.back().End() == m_position; }
+
+/// Tells whether bytes that were put in or taken out by here may be of the last segment: no header stands where it
+/// ends, or nothing was found in between.
+bool CSurvey::MayReachFurther() const {
+    if (m_found.segments.empty() || m_found.segments.back().recording + 1 != m_found.recordings.size()) return false;
+    return EndsHere() || !m_probe.LooksLikeHeader(m_found.segments.back().End());
+}
+
+/// Where bytes were taken out, the next header stands within what had them. Then a segment is lost, unless they are of
+/// its header alone, while of a recording header the cells ahead of that place stay. Returns false if there is no such
+/// header.
 bool CSurvey::GoBackIntoWhatWasHit() {
     if (m_found.recordings.empty()) return false;
     CFoundRecording& recording = m_found.recordings.back();
-    const bool isSegment = !m_found.segments.empty() && m_found.segments.back().End() == m_position;
+    const bool isSegment = EndsHere();
     const bool isRecording = recording.position + static_cast<std::int64_t>(recording.bytes.size()) == m_position;
     if ((!isSegment && !isRecording) || m_position <= m_wentBackFrom) return false;
-    m_wentBackFrom = m_position;
     const std::int64_t hit = isSegment ? m_found.segments.back().position : recording.position;
-    const auto shift = isSegment ? m_probe.Segment(hit).Shift() : m_probe.Recording(hit, recording.version).Shift();
-    const auto next = Scan().NextAhead(hit + 1, m_position, shift.value_or(0));
+    const auto next = Scan().NextAhead(hit + 1, m_position, m_shift);
     if (!next) return false;
-    if (isSegment) {
-        Lose(hit, *next, m_found.segments.back().wellID,
-             "bytes were taken out of it: the next header stands within it");
-        m_found.segments.pop_back();
-    } else {
+    m_wentBackFrom = m_position;
+    if (!isSegment) {
         Lose(hit, *next, std::nullopt, "bytes were taken out of the recording header");
         LoseCellsBehind(static_cast<std::size_t>(*next - hit), recording.version, recording.cells);
         Learn(recording);
+    } else if (!SettleGrownHeader(*next)) {
+        Lose(hit, *next, m_found.segments.back().wellID,
+             "bytes were taken out of it: the next header stands within it");
+        m_found.segments.pop_back();
     }
     m_position = *next;
     return true;
 }
 
-/// Where bytes were put in, nobody knows whether that was behind the segment or within its samples.
-void CSurvey::DoubtWhatGrew(std::int64_t from, std::int64_t to) {
-    if (m_found.segments.empty() || m_found.segments.back().End() != from) return;
+/// Where bytes were put in, the next header stands behind the last segment's end. If they were put into its header, its
+/// samples begin so much later. Returns false if they are nothing of this segment.
+bool CSurvey::SettleWhatGrew(std::int64_t next) {
+    if (!EndsHere()) return false;
     const CFoundSegment& segment = m_found.segments.back();
-    const auto shift = m_probe.Segment(to).Shift();
-    if (!shift || *shift != m_probe.Segment(segment.position).Shift().value_or(0) + from - to) return;
-    Doubt(segment.position, from, segment.wellID,
-          "bytes were put in behind it or within its samples, which are wrong from there on");
+    const bool isLast = next == m_probe.Size();
+    const bool isHeaderWhole = m_probe.Segment(segment.position).IsWhole();
+    if (isLast ? isHeaderWhole : ShiftBehind(next) != m_shift + m_position - next) return false;
+    if (!isHeaderWhole && SettleGrownHeader(next)) return true;
+    if (isLast) return false;
+    DoubtSamples(*ShiftBehind(next));
+    return false;
+}
+
+/// Where the next header stands elsewhere since bytes were put into the last segment's header or taken out of it, its
+/// samples stand there, too. Returns false if the header doesn't end so much later or earlier.
+bool CSurvey::SettleGrownHeader(std::int64_t next) {
+    CFoundSegment& segment = m_found.segments.back();
+    const std::int64_t by = next - segment.End();
+    if (std::abs(by) >= static_cast<std::int64_t>(kSegmentHdrSize) || !EndsSoFarOff(segment, by)) return false;
+    segment.grown = static_cast<std::int16_t>(by);
+    m_shift -= by;
+    Doubt(segment.position, next, segment.wellID,
+          std::string(by > 0 ? "bytes were put into its header" : "bytes were taken out of its header") +
+              ", behind which its samples stand whole");
+    return true;
+}
+
+/// Tells whether the last cell of a header stands so many bytes beside its place, or at least its end does.
+bool CSurvey::EndsSoFarOff(const CFoundSegment& segment, std::int64_t by) const {
+    const CSegmentProbe shifted = m_probe.Segment(segment.position + by);
+    if (!shifted.cells.damaged[kSizeRow] && shifted.header.Size == segment.samples) return true;
+    const auto width = static_cast<std::int64_t>(kSegmentCells[kSizeRow].width);
+    if (by <= -width) return false;  // that end is the one of the cell before
+    CDamagedCells ahead = m_probe.Segment(segment.position).cells.damaged;
+    ahead.reset(kSizeRow);
+    const auto last = segment.position + static_cast<std::int64_t>(kSegmentHdrSize) - 1 + by;
+    return ahead.none() && m_probe.Read(last, 1).ends_with(kCellEnd.back());
 }
 
 CHeaderScan CSurvey::Scan() const { return {m_probe, m_version, m_evidence, m_reach}; }

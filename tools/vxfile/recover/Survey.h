@@ -42,8 +42,15 @@ class CSurvey {
     bool TakeSegment();
     void PassDamage();
     void LoseSegment(const CSegmentProbe& probe, std::int64_t end);
+    bool GoesBackForShift(std::optional<std::int64_t> shift, std::int64_t end);
+    std::optional<std::int64_t> ShiftBehind(std::int64_t position) const;
+    void DoubtSamples(std::int64_t shift);
+    bool EndsHere() const;
+    bool MayReachFurther() const;
     bool GoBackIntoWhatWasHit();
-    void DoubtWhatGrew(std::int64_t from, std::int64_t to);
+    bool SettleWhatGrew(std::int64_t next);
+    bool SettleGrownHeader(std::int64_t next);
+    bool EndsSoFarOff(const CFoundSegment& segment, std::int64_t by) const;
     bool TakeChain();
     bool MayBeWithoutSegments(std::int64_t data);
     bool HasRoomForMore() const;
@@ -76,6 +83,7 @@ class CSurvey {
     CEvidence m_evidence;
     CSegmentProof m_proof{m_probe, m_evidence};
     std::optional<std::int64_t> m_nextRecording;  ///< What the recording before says of the next one, if that is whole.
+    std::int64_t m_shift = 0;  ///< How far behind the end of things their positions lead, since bytes were taken out.
     bool m_isStraight = true;
     /// Each place is gone back from once at most, so that the survey comes to an end.
     std::int64_t m_wentBackFrom = 0;

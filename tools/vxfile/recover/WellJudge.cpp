@@ -275,10 +275,10 @@ std::optional<CStray> CRecordingJudge::StrayOf(CFoundSegment& one, CFoundSegment
 }
 
 /// Tells whether the two wells take turns in the file if `stray` is the other one's. Between the two segments there
-/// must be none of these wells.
+/// must be none of these wells, nor one of a well that isn't listed: that may be one of them.
 bool CRecordingJudge::TakeTurns(const CFoundSegment& stray, const CFoundSegment& own, std::int32_t well) const {
     const auto isOfThem = [&](const CFoundSegment& segment) {
-        return segment.wellID == well || segment.wellID == own.wellID;
+        return segment.wellID == well || segment.wellID == own.wellID || !m_listed.contains(segment.wellID);
     };
     const auto [low, high] = std::minmax({&stray, &own});
     if (std::any_of(low + 1, high, isOfThem)) return false;
@@ -288,8 +288,11 @@ bool CRecordingJudge::TakeTurns(const CFoundSegment& stray, const CFoundSegment&
     const CFoundSegment* const behind = std::find_if(high + 1, end, isOfThem);
     const std::int32_t lowWell = low == &stray ? well : own.wellID;
     const std::int32_t highWell = high == &stray ? well : own.wellID;
-    return (before == std::make_reverse_iterator(begin) || before->wellID != lowWell) &&
-           (behind == end || behind->wellID != highWell);
+    const auto isOther = [&](const CFoundSegment& neighbour, std::int32_t than) {
+        return neighbour.wellID != than && m_listed.contains(neighbour.wellID);
+    };
+    return (before == std::make_reverse_iterator(begin) || isOther(*before, lowWell)) &&
+           (behind == end || isOther(*behind, highWell));
 }
 
 /// Gives strays to their wells, unless several would share their times there. Returns false if there was none.
