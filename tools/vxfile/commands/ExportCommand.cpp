@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <string>
 #include <system_error>
@@ -52,7 +53,9 @@ class CWorkFolder {
         for (int number = 1; m_path.empty() || fs::exists(m_path); ++number)
             m_path = target.string() + ".part" + std::to_string(number);
         fs::create_directory(m_path, error);
-        if (error) throw CFailure("Can't write beside " + target.string() + ": " + error.message() + ".");
+        if (error)
+            throw CFailure("Can't write beside " + target.string() + ": " + error.message() +
+                           "; choose another folder.");
     }
     ~CWorkFolder() {
         std::error_code ignored;
@@ -113,7 +116,7 @@ class CExportCommand : public CCommand {
         const CWorkFolder folder(target);
         Export((folder.Path() / target.filename()).string());
         CheckInterrupt();
-        const std::size_t made = Move(folder.Path(), target.parent_path());
+        const std::set<std::string> made = Move(folder.Path(), target.parent_path());
         const std::vector<std::string> doubts = Doubts(made);
         std::ranges::for_each(doubts, Complain);
         return doubts.empty() ? kSound : kFindings;
@@ -140,8 +143,8 @@ class CExportCommand : public CCommand {
         RefuseTarget(target, m_settings.path);
     }
 
-    /// Returns how many workbooks there were.
-    std::size_t Move(const fs::path& from, const fs::path& to) const {
+    /// Returns the names of the workbooks. Labels, which may hold anything, are part of them.
+    std::set<std::string> Move(const fs::path& from, const fs::path& to) const {
         std::vector<fs::path> workbooks;
         for (const auto& entry : fs::directory_iterator(from))
             workbooks.push_back(entry.path());
@@ -155,24 +158,29 @@ class CExportCommand : public CCommand {
         }
         for (std::size_t i = 0; i < workbooks.size(); ++i)
             places[i]->Take(workbooks[i].string());
+        std::set<std::string> names;
         for (std::size_t i = 0; i < workbooks.size(); ++i) {
             places[i]->Commit();
-            std::cout << (to / workbooks[i].filename()).string() << '\n';
+            names.insert(workbooks[i].filename().string());
+            std::cout << Readable((to / workbooks[i].filename()).string()) << '\n';
         }
-        return workbooks.size();
+        return names;
     }
 
     /// Returns what the workbooks leave in doubt, a sentence each.
-    std::vector<std::string> Doubts(std::size_t made) {
+    std::vector<std::string> Doubts(const std::set<std::string>& made) {
         std::vector<std::string> doubts;
         for (const auto& path : {m_results.path, m_settings.path}) {
             const std::string damage = DamageOfDocument(ReadWholeText(path));
             if (!damage.empty()) doubts.push_back(std::string(path).append(": ").append(damage));
         }
         if (!AreOfOneRun()) doubts.push_back(OtherRun());
-        if (made < Expected())
-            doubts.push_back(Counted(Expected() - made, "workbook") +
-                             " of single wells couldn't be made: their labels are no names of files, or are the same.");
+        const std::string missing = LabelsWithout(made);
+        if (!missing.empty())
+            doubts.push_back(
+                "There is no workbook for each well with these labels, as they are no names of files or not "
+                "the only ones: " +
+                missing + '.');
         return doubts;
     }
 
@@ -191,11 +199,16 @@ class CExportCommand : public CCommand {
                ". Labels and doses in the workbooks may be those of another plate.";
     }
 
-    /// Returns how many workbooks there should be.
-    std::size_t Expected() {
-        const auto& wells = m_settings.reader.GetRecordPlateProperty()->Data.Wells;
-        const auto isNew = [](const auto& well) { return well && well->State == PlateWell::kNew; };
-        return 1 + static_cast<std::size_t>(std::ranges::count_if(wells, isNew));
+    /// Returns the labels of the wells that should have a workbook of their own, and have none.
+    std::string LabelsWithout(std::set<std::string> made) {
+        std::string labels;
+        const fs::path target = fs::path(m_output).filename();
+        for (const auto& well : m_settings.reader.GetRecordPlateProperty()->Data.Wells) {
+            if (!well || well->State != PlateWell::kNew) continue;
+            const std::string name = target.stem().string() + '-' + well->Label + target.extension().string();
+            if (made.erase(name) == 0) labels += (labels.empty() ? "" : ", ") + well->Label;
+        }
+        return labels;
     }
 
     CInput<CIResultsReader> m_results;

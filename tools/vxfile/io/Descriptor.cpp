@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "tools/vxfile/io/Interrupt.h"
 #include "tools/vxfile/io/Terminal.h"
 
 namespace vxfile {
@@ -44,6 +45,7 @@ void CDescriptor::UseOpen(int number) {
 bool CDescriptor::Write(std::span<const std::byte> bytes) {
     constexpr std::size_t kMost = std::size_t{1} << 30;  // systems take no more than 2 GiB at once
     while (!bytes.empty()) {
+        if (IsInterrupted()) return false;
         const auto part = bytes.first(std::min(bytes.size(), kMost));
         const auto written = ::write(m_number, part.data(), static_cast<unsigned>(part.size()));
         if (written > 0) {

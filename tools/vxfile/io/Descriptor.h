@@ -7,7 +7,7 @@
 namespace vxfile {
 
 /// What bytes go to: a file, a pipe, a device, or standard output. Every call is one of the system's: there is no
-/// buffer. What fails returns false, and `errno` tells why.
+/// buffer. What fails returns false, and `errno` tells why; after Ctrl-C nothing is written.
 class CDescriptor {
  public:
     CDescriptor() = default;

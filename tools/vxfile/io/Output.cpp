@@ -134,8 +134,10 @@ COutput::COutput(const std::string& path, const std::string& source, bool replac
 void COutput::Open(const std::string& path, bool replace) {
     if (const auto open = Follow(path).open) return m_descriptor.UseOpen(*open);
     if (!IsSpecial(path)) m_file = std::make_unique<CWholeFile>(path, replace);
-    if (!m_descriptor.Create(m_file ? m_file->WorkPath() : path))
-        throw CFailure("Can't create " + path + ": " + std::strerror(errno) + "; choose another folder.");
+    if (m_descriptor.Create(m_file ? m_file->WorkPath() : path)) return;
+    const int error = errno;
+    CheckInterrupt();  // of waiting for somebody to open the other end of a pipe
+    throw CFailure("Can't create " + path + ": " + std::strerror(error) + "; choose another folder.");
 }
 
 /// What went into a pipe stays there, so the rest of it may as well follow.
@@ -180,15 +182,20 @@ void COutput::Flush() {
 
 void COutput::Check(bool good) {
     if (good) return;
+    const int error = errno;
     m_gathered.clear();
-    RefuseWrite(m_name, errno);
+    CheckInterrupt();
+    RefuseWrite(m_name, error);
 }
 
 void FinishPrinting() {
     errno = 0;
     std::cout.flush();
     const bool isWhole = std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good();
-    if (!isWhole) RefuseWrite("standard output", errno);
+    if (isWhole) return;
+    const int error = errno;
+    CheckInterrupt();
+    RefuseWrite("standard output", error);
 }
 
 }  // namespace vxfile
