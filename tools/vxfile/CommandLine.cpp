@@ -8,6 +8,7 @@
 
 #include "tools/vxfile/Command.h"
 #include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/io/Text.h"
 
 namespace vxfile {
 
@@ -140,7 +141,8 @@ void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
         names.emplace_back(command->Text().name);
     if (std::ranges::find(names, word) != names.end()) return;
     if (word.empty()) throw CFailure("A command is wanted; vxfile --help lists them.");
-    throw CFailure("'" + std::string(word) + "' is no command; " + Advice(Nearest(word, names), "vxfile --help"));
+    const std::string nearest = word == "help" ? "--help" : Nearest(Lowered(std::string(word)), names);
+    throw CFailure("'" + std::string(word) + "' is no command; " + Advice(nearest, "vxfile --help"));
 }
 
 void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {

@@ -40,17 +40,25 @@ class CRecoverCommand : public CCommand {
     }
 
     int Run() override {
-        RefuseOtherKinds();
-        const CRecoverReport report = Recover(m_source, m_target, {.keepCut = m_keepCut, .replace = m_force});
-        if (m_json) {
-            PrintJson(kText.name, CJson::array({report.ToJson()}));
-        } else {
+        CRecoverReport report;
+        const auto recover = [&] {
+            RefuseOtherKinds();
+            report = Recover(m_source, m_target, {.keepCut = m_keepCut, .replace = m_force});
+        };
+        if (!m_json) {
+            recover();
             report.PrintText(std::cout);
+            return StatusOf(report);
         }
-        return report.IsComplete() ? kSound : kFindings;
+        const std::string failure = FailureOf(recover);
+        PrintJson(kText.name,
+                  CJson::array({failure.empty() ? report.ToJson() : CJson{{"file", m_source}, {"error", failure}}}));
+        return failure.empty() ? StatusOf(report) : kTrouble;
     }
 
  private:
+    static int StatusOf(const CRecoverReport& report) { return report.IsComplete() ? kSound : kFindings; }
+
     void RefuseOtherKinds() const {
         const EFileKind kind = FileKindOf(m_source);
         if (kind == EFileKind::Empty) throw CFailure(m_source + " is empty; there is nothing to save.");

@@ -21,7 +21,8 @@ constexpr CCommandText kText = {
     .details =
         "Takes the samples of a raw data file, or those of the tasks, recordings, wells and times that are "
         "chosen, and writes them: as text with a line per sample (task, recording, well, time, sample), or as "
-        "arrays for numpy. With --units a sample is (sample - ADZero) * UnitsPerAD of its well. Times are "
+        "arrays for numpy. An array has all samples of a well that were chosen, one recording behind the other; what "
+        "is of which, a --table tells. With --units a sample is (sample - ADZero) * UnitsPerAD of its well. Times are "
         "whole numbers of the instrument's time unit.",
     .example = "vxfile samples run.vxd --task Series --well 11 --units --npy -o well11.npy",
     .statuses =

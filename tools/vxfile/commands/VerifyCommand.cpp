@@ -173,7 +173,8 @@ class CVerifyCommand : public CCommand {
                 entries.push_back({argument});
             }
         }
-        if (entries.empty()) throw CFailure("No file of a known kind is there; name the files themselves.");
+        if (entries.empty())
+            throw CFailure(m_arguments.front() + " has no file of a known kind; name the files themselves.");
         return entries;
     }
 

@@ -15,10 +15,11 @@ inline void OpenInput(vxfileio::CFile& file, const std::string& path) {
     std::error_code ignored;
     const auto status = std::filesystem::status(path, ignored);
     if (std::filesystem::is_other(status))
-        throw CFailure(path +
-                       " is a pipe or a device, and can't be read, as files are read here and there; name a file.");
+        throw CFailure(
+            path + " is a pipe or a device, which is read from front to back alone; put it into a file and name that.");
     if (file.OpenForReading(path)) return;
-    if (path == "-") throw CFailure("Standard input can't be read, as files are read here and there; name a file.");
+    if (path == "-")
+        throw CFailure("Standard input is read from front to back alone; put it into a file and name that.");
     if (std::filesystem::is_directory(status))
         throw CFailure(path + " is a folder; name a file in it. vxfile verify checks whole folders.");
     throw CFailure("Can't open " + path + ": " + file.Failure().error.message() + "; check the name and its rights.");

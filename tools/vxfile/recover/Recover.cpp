@@ -92,7 +92,7 @@ CRecoverReport Recover(const std::string& source, const std::string& target, con
     const CHeaderProbe probe(file, source);
     CInventory inventory = TakeInventory(probe, options.keepCut);
     if (inventory.recordings.empty())
-        throw CFailure(source + " holds no recording, not even a damaged one; there is nothing to save.");
+        throw CFailure(source + " holds no segment and no complete recording header; there is nothing to save.");
     SettleWells(inventory);
     CRecoverReport report = Write(inventory, {file, source, whole.WorkPath(), target});
     whole.Commit();

@@ -303,7 +303,9 @@ void CSurvey::PassDamage() {
     m_position = next;
     if (isSettled) return;
     if (m_position == m_probe.Size()) {
-        Lose(from, m_position, std::nullopt, "the file ends behind it without another whole header");
+        Lose(from, m_position, std::nullopt,
+             m_probe.LooksLikeHeader(from) ? "the file ends within a header"
+                                           : "the file ends behind it without another whole header");
         return;
     }
     const bool isMadeUp = !m_probe.Recording(m_position, m_version).IsCredible() && MakeUpRecording(from, m_position);
