@@ -1,5 +1,7 @@
 #include "tools/vxfile/io/Interrupt.h"
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 
 namespace vxfile {
@@ -16,7 +18,15 @@ constexpr int kSignals[] = {
 #endif
 };
 
-volatile std::sig_atomic_t g_interrupted = 0;
+/// Signals that follow one another within this time are one request: a terminal, a shell or a service that ends a
+/// program often sends two.
+constexpr auto kOneRequest = std::chrono::milliseconds(500);
+
+using CClock = std::chrono::steady_clock;
+constexpr CClock::rep kNever = 0;
+
+std::atomic<CClock::rep> g_interrupted = kNever;  ///< When the first signal came.
+static_assert(std::atomic<CClock::rep>::is_always_lock_free, "a signal may come at any moment");
 
 /// Returns what stood there before. A system call that waits, for somebody who reads a pipe, say, ends by the signal.
 CHandler SetHandler(int signal, CHandler handler) {
@@ -31,24 +41,25 @@ CHandler SetHandler(int signal, CHandler handler) {
 #endif
 }
 
-/// Leaves alone what has another handler: a signal that is to be ignored stays so.
-void ReplaceHandlers(CHandler from, CHandler to) {
-    for (const int signal : kSignals) {
-        const CHandler before = SetHandler(signal, to);
-        if (before != from) SetHandler(signal, before);
-    }
-}
-
-extern "C" void NoteInterrupt(int /*signal*/) {
-    g_interrupted = 1;
-    ReplaceHandlers(NoteInterrupt, SIG_DFL);
+extern "C" void NoteInterrupt(int signal) {
+    const CClock::duration now = CClock::now().time_since_epoch();
+    CClock::rep first = kNever;
+    const bool isFirst = g_interrupted.compare_exchange_strong(first, now.count());
+    const bool isOver = !isFirst && now - CClock::duration(first) > kOneRequest;
+    SetHandler(signal, isOver ? SIG_DFL : NoteInterrupt);  // some systems have taken it away
+    if (isOver) static_cast<void>(std::raise(signal));
 }
 
 }  // namespace
 
-void CatchInterrupts() { ReplaceHandlers(SIG_DFL, NoteInterrupt); }
+void CatchInterrupts() {
+    for (const int signal : kSignals) {
+        const CHandler before = SetHandler(signal, NoteInterrupt);
+        if (before != SIG_DFL) SetHandler(signal, before);  // what is to be ignored stays so
+    }
+}
 
-bool IsInterrupted() { return g_interrupted != 0; }
+bool IsInterrupted() { return g_interrupted != kNever; }
 
 void CheckInterrupt() {
     if (IsInterrupted()) throw CInterruption();

@@ -9,7 +9,8 @@ namespace vxfile {
 /// Thrown when Ctrl-C was hit.
 class CInterruption {};
 
-/// From now on Ctrl-C, or a polite request to end, leaves a note instead of ending the program. A second one ends it.
+/// From now on Ctrl-C, or a polite request to end, leaves a note instead of ending the program. Another one, half a
+/// second later or more, ends it. What is to be ignored, as by `nohup`, stays so.
 void CatchInterrupts();
 
 /// Tells whether Ctrl-C was hit.
