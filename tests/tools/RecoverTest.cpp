@@ -7,7 +7,6 @@
 #include <limits>
 #include <map>
 #include <random>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -514,15 +513,16 @@ TEST_F(RecoverTest, WhereAWholeSegmentsLengthIsGoneItIsTold) {
     EXPECT_FALSE(m_report.losses.None());
     const auto doubted = [&](std::size_t position) {
         Recovered(std::string(file.bytes).erase(position, 308));
-        std::set<std::int32_t> wells;
+        std::map<std::int64_t, std::int32_t> wells;
         for (const auto& doubt : m_report.doubts.first)
-            wells.insert(doubt.wellID.value_or(0));
+            wells.emplace(doubt.from, doubt.wellID.value_or(0));
         return wells;
     };
-    // Samples of well 11, and the header of well 12 behind them.
-    EXPECT_EQ(doubted(file.segments[2].position + 304), (std::set<std::int32_t>{0, 11}));
-    // The ID of well 11, and all of well 12 but its own.
-    EXPECT_EQ(doubted(file.segments[2].position + 102).contains(11), true);
+    // Samples of well 11, and the header of well 12 behind them; then the ID of well 11, and all of well 12 but its
+    // own.
+    const auto third = static_cast<std::int64_t>(file.segments[2].position);
+    EXPECT_EQ(doubted(file.segments[2].position + 304)[third], 11);
+    EXPECT_EQ(doubted(file.segments[2].position + 102)[third], 11);
 }
 
 // Segments of one length: a header stands wherever a damaged size leads that is too large by some of them.
@@ -538,6 +538,11 @@ TEST_F(RecoverTest, DamagedSizesThatLeadToAHeaderAreNotBelieved) {
             EXPECT_FALSE(m_report.IsComplete());
         }
     }
+    // Times that can't be read tell no size, even if a number stands in front.
+    std::string damaged = file.bytes;
+    damaged.replace(file.segments[2].position + 200, 50, Cell(50, "TimeTo=16200\xD5"));
+    EXPECT_EQ(Placeless(Recovered(damaged.insert(file.segments[2].position + 252, 2, '\0'))),
+              Without(Placeless(file.segments), 2));
     // The last one of a recording leads nowhere itself; this one seems to reach into the next recording.
     std::string bytes = TakingTurns(1).bytes + RecordingHdrBytes({.recording = 2, .data = 6726});
     for (const std::int64_t next : {7034, -1})
