@@ -466,6 +466,13 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
     }
     EXPECT_EQ(Recovered(std::string(file.bytes).erase(2000, 512)).size(), original.size());
     EXPECT_FALSE(m_report.losses.None());
+    // Positions at the end of all numbers are of no file, even if they go together.
+    std::string far = file.bytes;
+    constexpr std::int64_t kEnd = std::numeric_limits<std::int64_t>::max();
+    far.replace(file.segments[1].position + 100, 50, Cell(50, "FPosNextSegmentHdr=" + std::to_string(kEnd - 308)));
+    far.replace(file.segments[2].position + 100, 50, Cell(50, "FPosNextSegmentHdr=" + std::to_string(kEnd)));
+    far.replace(file.segments[4].position, 300, 300, '?');
+    EXPECT_EQ(Placeless(Recovered(far)), Without(original, 4));
     // What stands ahead of a file isn't of it.
     for (const std::size_t size : {1U, 512U}) {
         EXPECT_EQ(Recovered(std::string(size, '\0') + file.bytes), file.segments);

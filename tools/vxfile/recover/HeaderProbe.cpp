@@ -45,6 +45,13 @@ bool MostAreWhole(const auto& cells, std::int32_t version, const CDamagedCells& 
     return there > 0 && 2 * (damaged.count() - std::min(damaged.count(), missing)) <= there;
 }
 
+/// Returns how far a position leads behind an end; nothing if it leads nowhere, or where no file ever is.
+std::optional<std::int64_t> Beyond(std::int64_t position, std::int64_t end) {
+    constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max() / 4;  // so that sums stay in range
+    if (position < 0 || position > kFarthest) return std::nullopt;
+    return position - end;
+}
+
 bool BeginsLike(std::string_view bytes, std::string_view text) {
     return !bytes.empty() && bytes.starts_with(text.substr(0, bytes.size()));
 }
@@ -56,9 +63,8 @@ std::int64_t CSegmentProbe::EndOf(std::int64_t samples) const {
 }
 
 std::optional<std::int64_t> CSegmentProbe::Shift() const {
-    const std::int64_t next = header.FPosNextSegmentHdr;
-    if (cells.lost[RowOf(kSegmentCells, "FPosNextSegmentHdr")] || next == kUnset) return std::nullopt;
-    return next - EndOf(header.Size);
+    if (cells.lost[RowOf(kSegmentCells, "FPosNextSegmentHdr")]) return std::nullopt;
+    return Beyond(header.FPosNextSegmentHdr, EndOf(header.Size));
 }
 
 std::size_t CRecordingProbe::Size() const { return SizeOf(kRecordingCells, version); }
@@ -72,9 +78,8 @@ bool CRecordingProbe::IsCredible() const {
 bool CRecordingProbe::KnowsItsPlace() const { return bytes.size() == Size() && Position(kDataRow) == End(); }
 
 std::optional<std::int64_t> CRecordingProbe::Shift() const {
-    const std::int64_t data = Position(kDataRow);
-    if (!IsCredible() || data < 0) return std::nullopt;
-    return data - End();
+    if (!IsCredible()) return std::nullopt;
+    return Beyond(Position(kDataRow), End());
 }
 
 std::int64_t CRecordingProbe::Position(std::size_t row) const {
