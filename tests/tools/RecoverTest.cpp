@@ -489,8 +489,8 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
     ExpectSound();
 }
 
-// Wherever in a header, the samples behind it are found; what its own cells can't tell any more others may.
-TEST_F(RecoverTest, BytesPutIntoAHeaderOrTakenOutOfItCostNoSample) {
+// Its samples come out right or not at all, and those of all others do.
+TEST_F(RecoverTest, BytesPutIntoAHeaderOrTakenOutOfItBringNoWrongSample) {
     const CWritten file = TakingTurns(3);
     const auto original = Placeless(file.segments);
     const CSeen& hit = file.segments[2];

@@ -141,8 +141,9 @@ void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
         names.emplace_back(command->Text().name);
     if (std::ranges::find(names, word) != names.end()) return;
     if (word.empty()) throw CFailure("A command is wanted; vxfile --help lists them.");
-    const std::string nearest = word == "help" ? "--help" : Nearest(Lowered(std::string(word)), names);
-    throw CFailure("'" + std::string(word) + "' is no command; " + Advice(nearest, "vxfile --help"));
+    names.insert(names.end(), {"--help", "--version"});  // which some programs take as commands
+    throw CFailure("'" + std::string(word) + "' is no command; " +
+                   Advice(Nearest(Lowered(std::string(word)), names), "vxfile --help"));
 }
 
 void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {

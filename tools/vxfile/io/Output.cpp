@@ -44,8 +44,9 @@ bool IsSpecial(const std::string& path) {
     return isOther || fs::absolute(path, none).string().starts_with(R"(\\.\)");
 }
 
-/// `error` is the system's number; 0 if nobody knows any more.
+/// `error` is the system's number; 0 if nobody knows any more. What was interrupted wasn't refused.
 [[noreturn]] void RefuseWrite(const std::string& target, int error) {
+    CheckInterrupt();
     const std::string reason = error == 0 ? "" : std::string(": ") + std::strerror(error);
     throw CFailure("Can't write to " + target + reason + "; make room, or write elsewhere.");
 }
@@ -183,20 +184,15 @@ void COutput::Flush() {
 
 void COutput::Check(bool good) {
     if (good) return;
-    const int error = errno;
     m_gathered.clear();
-    CheckInterrupt();
-    RefuseWrite(m_name, error);
+    RefuseWrite(m_name, errno);
 }
 
 void FinishPrinting() {
     errno = 0;
     std::cout.flush();
     const bool isWhole = std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good();
-    if (isWhole) return;
-    const int error = errno;
-    CheckInterrupt();
-    RefuseWrite("standard output", error);
+    if (!isWhole) RefuseWrite("standard output", errno);
 }
 
 }  // namespace vxfile

@@ -340,7 +340,6 @@ void CSurvey::DoubtSamples(std::int64_t shift) {
     Doubt(segment.position, segment.End(), segment.wellID,
           std::string(shift > m_shift ? "bytes were taken out" : "bytes were put in") +
               " behind it or within it: its samples may be wrong from there on");
-    m_shift = shift;
 }
 
 /// Returns how far what stands at a place leads behind its end. The last segment of a recording leads nowhere; the next
@@ -389,16 +388,17 @@ bool CSurvey::GoBackIntoWhatWasHit() {
 }
 
 /// Where bytes were put in, the next header stands behind the last segment's end. If they were put into its header, its
-/// samples begin so much later. Returns false if they are nothing of this segment.
+/// samples begin so much later. Returns true if that accounts for all bytes up to there.
 bool CSurvey::SettleWhatGrew(std::int64_t next) {
     if (!EndsHere()) return false;
-    const CFoundSegment& segment = m_found.segments.back();
     const bool isLast = next == m_probe.Size();
-    const bool isHeaderWhole = m_probe.Segment(segment.position).IsWhole();
-    if (isLast ? isHeaderWhole : ShiftBehind(next) != m_shift + m_position - next) return false;
+    const std::int64_t shift = m_shift + m_position - next;
+    if (!isLast && ShiftBehind(next) != shift) return false;
+    const bool isHeaderWhole = m_probe.Segment(m_found.segments.back().position).IsWhole();
     if (!isHeaderWhole && SettleGrownHeader(next)) return true;
     if (isLast) return false;
-    DoubtSamples(*ShiftBehind(next));
+    DoubtSamples(shift);
+    m_shift = shift;
     return false;
 }
 
