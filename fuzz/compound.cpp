@@ -9,6 +9,9 @@
 #include "tests/export/compound/CompoundReader.h"
 #include "vxfileio/export/compound/CompoundStorage.h"
 
+using vxfileio::compound::CompoundStorage;
+using vxfileio::helpers::CPath;
+
 namespace {
 
 using Names = std::vector<std::string>;

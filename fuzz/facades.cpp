@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "vxfileio/frame/VXExceptions.h"
+#include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
+
+using vxfileio::base::CExcConversion;
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include "fuzz/Fuzz.h"
 #include "vxfileio/export/compound/SectorFile.h"
 
+using vxfileio::compound::SectorFile;
+
 namespace {
 
 using Block = std::array<std::byte, SectorFile::kBlockSize>;
@@ -36,7 +38,8 @@ class CBothFiles {
             case 1: {
                 const std::vector<std::byte> run(a * block.size(), block[0]);
                 const std::size_t cut = std::min(a, b) * block.size();  // the run goes out in two parts
-                const std::array parts{vxfileio::CBytes(run).first(cut), vxfileio::CBytes(run).subspan(cut)};
+                const std::array parts{vxfileio::helpers::CBytes(run).first(cut),
+                                       vxfileio::helpers::CBytes(run).subspan(cut)};
                 Require(m_file.WriteRun(b, parts), "blocks can be written");
                 for (std::uint32_t i = 0; i < a; ++i)
                     At(b + i).fill(block[0]);

@@ -1,7 +1,9 @@
 // Any bytes as a settings file: everything in it is read; what was read is written anew, and reads the same.
 #include "fuzz/Fuzz.h"
-#include "vxfileio/frame/VXExceptions.h"
+#include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
+
+using vxfileio::base::CExcConversion;
 
 namespace {
 

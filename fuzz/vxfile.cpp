@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "tools/vxfile/Program.h"
+#include "tools/vxfile/shell/Program.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "fuzz/Fuzz.h"
-#include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/recover/RecoverReport.h"
+#include "tools/vxfile/system/Failure.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-using namespace vxfileio;
+using namespace vxfileio::helpers;
 
 CBytes AsBytes(const std::string& text) { return std::as_bytes(std::span(text)); }
 CMutableBytes AsRoom(std::string& text) { return std::as_writable_bytes(std::span(text)); }

@@ -19,7 +19,7 @@
 
 namespace {
 
-using namespace vxfileio;
+using namespace vxfileio::helpers;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 

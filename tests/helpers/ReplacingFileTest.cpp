@@ -14,7 +14,7 @@
 
 namespace {
 
-using namespace vxfileio;
+using namespace vxfileio::helpers;
 namespace fs = std::filesystem;
 
 class ReplacingFileTest : public testing::Test {

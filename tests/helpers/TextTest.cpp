@@ -7,6 +7,12 @@
 #include "vxfileio/helpers/StdStr.h"
 #include "vxfileio/helpers/StringParser.h"
 
+using vxfileio::helpers::CPath;
+using vxfileio::helpers::CStdStr;
+using vxfileio::helpers::CStringParser;
+using vxfileio::helpers::FileTimeToText;
+using vxfileio::helpers::GetCurrentFileTime;
+
 namespace {
 
 constexpr const char* kCellSeparators = "=:\r\n";

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "tests/tools/Stride.h"
-#include "tools/vxfile/Program.h"
+#include "tools/vxfile/shell/Program.h"
 
 namespace {
 

@@ -21,9 +21,9 @@
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/Stride.h"
-#include "tools/vxfile/io/Failure.h"
 #include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/recover/RecoverReport.h"
+#include "tools/vxfile/system/Failure.h"
 
 namespace {
 

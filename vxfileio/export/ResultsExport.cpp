@@ -5,13 +5,13 @@
 #include <utility>
 #include <vector>
 
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/export/Document.h"
-#include "vxfileio/frame/ExcVXReader.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/helpers/Path.h"
 #include "vxfileio/settings/WellIndex.h"
 
-namespace vxfileio {
+namespace vxfileio::workbook {
 
 namespace {
 
@@ -45,7 +45,7 @@ struct CSource {
     const CPropAnalyzer& analyzer;
     const CPropRecordPlate& plate;
     std::vector<std::string> doses = plate.GetSeriesLabels();  ///< By recording.
-    CWellIndex index{plate.Data};
+    settings::CWellIndex index{plate.Data};
     std::uint32_t recordings = static_cast<std::uint32_t>(results.GetRecordingCount(kTask));
     std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that a sheet has room for.
 
@@ -163,7 +163,7 @@ void AddLine(std::string& lines, const std::string& line) { lines.append(lines.e
 void Save(YExcel::Document& document, const std::string& path, std::string& failures) {
     const bool isSaved = document.SaveToFile(path);
     std::string failure = document.CloseFile();
-    if (!isSaved && failure.empty()) failure = "File too large, writing " + NativePath(path);
+    if (!isSaved && failure.empty()) failure = "File too large, writing " + helpers::NativePath(path);
     if (!failure.empty()) AddLine(failures, failure);
 }
 
@@ -189,12 +189,12 @@ void ExportWell(const CSource& source, std::int32_t wellID, const std::string& p
 /// folder, or that no file can have in its name, leaves its well out, and so does a path that is cut.
 void ExportWells(const CSource& source, const std::string& wholePath, std::string& failures) {
     YExcel::Document document;
-    const CPath path(wholePath.c_str());
+    const helpers::CPath path(wholePath.c_str());
     for (const PlateWell* const well : source.Wells()) {
         if (well->State != PlateWell::kNew) continue;
         const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
-        const std::string wellPath = NativePath(path.GetDriveDirectory().Text()) + name;
-        if (IsWholePath(wholePath) && IsFileName(name)) {
+        const std::string wellPath = helpers::NativePath(path.GetDriveDirectory().Text()) + name;
+        if (helpers::IsWholePath(wholePath) && helpers::IsFileName(name)) {
             ExportWell(source, well->WellID, wellPath, document, failures);
         } else {
             AddLine(failures, "Not the name of a file: " + wellPath);
@@ -210,15 +210,15 @@ const Object& Required(const Object* object, const char* what) {
 
 }  // namespace
 
-}  // namespace vxfileio
-
 void CResultsExport::ExportExcel(const std::string& path) {
-    const vxfileio::CSource source{.results = vxfileio::Required(m_results, "results"),
-                                   .analyzer = vxfileio::Required(m_analyzer, "analyzer property"),
-                                   .plate = vxfileio::Required(m_plate, "record plate")};
-    m_writeError = "Not finished: " + vxfileio::NativePath(path);  // until it is
+    const CSource source{.results = Required(m_results, "results"),
+                         .analyzer = Required(m_analyzer, "analyzer property"),
+                         .plate = Required(m_plate, "record plate")};
+    m_writeError = "Not finished: " + helpers::NativePath(path);  // until it is
     std::string failures;
-    vxfileio::ExportResults(source, path, failures);
-    vxfileio::ExportWells(source, path, failures);
+    ExportResults(source, path, failures);
+    ExportWells(source, path, failures);
     m_writeError = std::move(failures);
 }
+
+}  // namespace vxfileio::workbook

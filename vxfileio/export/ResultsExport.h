@@ -7,6 +7,8 @@
 #include "vxfileio/settings/PropRecordPlate.h"
 #include "vxfileio/settings/PropResultsExport.h"
 
+namespace vxfileio::workbook {
+
 /// The work behind `CIResultsExport`, where the operations are told.
 class CResultsExport {
  public:
@@ -24,3 +26,5 @@ class CResultsExport {
     const CPropRecordPlate* m_plate = nullptr;
     std::string m_writeError;
 };
+
+}  // namespace vxfileio::workbook

@@ -1,5 +1,8 @@
 #include "vxfileio/export/WorkbookFile.h"
 
+using vxfileio::compound::CompoundStorage;
+using vxfileio::compound::SectorFile;
+
 namespace YExcel {
 
 namespace {

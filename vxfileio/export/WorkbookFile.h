@@ -19,7 +19,7 @@ class WorkbookFile {
     std::string Close();
 
  private:
-    CompoundStorage m_storage;
+    vxfileio::compound::CompoundStorage m_storage;
 };
 
 }  // namespace YExcel

@@ -2,6 +2,8 @@
 
 #include "vxfileio/rawdata/RawDataReader.h"
 
+using vxfileio::rawdata::CRawDataReader;
+
 CIRawDataReader::CIRawDataReader() : m_reader(std::make_unique<CRawDataReader>()) {}
 CIRawDataReader::~CIRawDataReader() = default;
 

@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
+namespace vxfileio::rawdata {
 class CRawDataReader;
+}
 
 /// Reads a raw data file (`.vxd`): its content from memory, its samples one segment at a time.
 ///
@@ -85,5 +87,5 @@ class VXFILEIO_API CIRawDataReader {
                      std::uint16_t*& samples);
 
  private:
-    std::unique_ptr<CRawDataReader> m_reader;
+    std::unique_ptr<vxfileio::rawdata::CRawDataReader> m_reader;
 };

@@ -2,6 +2,8 @@
 
 #include "vxfileio/rawdata/RawDataWriter.h"
 
+using vxfileio::rawdata::CRawDataWriter;
+
 CIRawDataWriter::CIRawDataWriter() : m_writer(std::make_unique<CRawDataWriter>()) {}
 CIRawDataWriter::~CIRawDataWriter() = default;
 

@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
+namespace vxfileio::rawdata {
 class CRawDataWriter;
+}
 
 /// Writes a raw data file (`.vxd`) while the recording runs.
 ///
@@ -70,5 +72,5 @@ class VXFILEIO_API CIRawDataWriter {
     std::string GetWriteError() const;
 
  private:
-    std::unique_ptr<CRawDataWriter> m_writer;
+    std::unique_ptr<vxfileio::rawdata::CRawDataWriter> m_writer;
 };

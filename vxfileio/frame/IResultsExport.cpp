@@ -2,6 +2,8 @@
 
 #include "vxfileio/export/ResultsExport.h"
 
+using vxfileio::workbook::CResultsExport;
+
 CIResultsExport::CIResultsExport() : m_export(std::make_unique<CResultsExport>()) {}
 CIResultsExport::~CIResultsExport() = default;
 

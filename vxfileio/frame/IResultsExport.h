@@ -3,13 +3,15 @@
 #include <memory>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/PropAnalyzer.h"
 #include "vxfileio/settings/PropRecordPlate.h"
 #include "vxfileio/settings/PropResultsExport.h"
 
+namespace vxfileio::workbook {
 class CResultsExport;
+}
 
 /// Exports the results of the task "Series" to spreadsheet workbooks.
 ///
@@ -49,5 +51,5 @@ class VXFILEIO_API CIResultsExport {
     std::string GetWriteError() const;
 
  private:
-    std::unique_ptr<CResultsExport> m_export;
+    std::unique_ptr<vxfileio::workbook::CResultsExport> m_export;
 };

@@ -2,6 +2,8 @@
 
 #include "vxfileio/results/ResultsReader.h"
 
+using vxfileio::results::CResultsReader;
+
 CIResultsReader::CIResultsReader() : m_reader(std::make_unique<CResultsReader>()) {}
 CIResultsReader::~CIResultsReader() = default;
 

@@ -3,11 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::results {
 class CResultsReader;
+}
 
 /// Reads results files (`.vxr`).
 ///
@@ -35,5 +37,5 @@ class VXFILEIO_API CIResultsReader {
     const CXmlFileHeader* GetXmlFileHeader() const;
 
  private:
-    std::unique_ptr<CResultsReader> m_reader;
+    std::unique_ptr<vxfileio::results::CResultsReader> m_reader;
 };

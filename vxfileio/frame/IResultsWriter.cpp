@@ -2,6 +2,8 @@
 
 #include "vxfileio/results/ResultsWriter.h"
 
+using vxfileio::results::CResultsWriter;
+
 CIResultsWriter::CIResultsWriter() : m_writer(std::make_unique<CResultsWriter>()) {}
 CIResultsWriter::~CIResultsWriter() = default;
 

@@ -3,11 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::results {
 class CResultsWriter;
+}
 
 /// Writes results files (`.vxr`): the results of one compound, as one XML document.
 ///
@@ -35,5 +37,5 @@ class VXFILEIO_API CIResultsWriter {
     std::string GetWriteError() const;
 
  private:
-    std::unique_ptr<CResultsWriter> m_writer;
+    std::unique_ptr<vxfileio::results::CResultsWriter> m_writer;
 };

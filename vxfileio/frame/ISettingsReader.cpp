@@ -2,6 +2,8 @@
 
 #include "vxfileio/settings/SettingsReader.h"
 
+using vxfileio::settings::CSettingsReader;
+
 CISettingsReader::CISettingsReader() : m_reader(std::make_unique<CSettingsReader>()) {}
 CISettingsReader::~CISettingsReader() = default;
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/PropAnalyzer.h"
 #include "vxfileio/settings/PropControl.h"
 #include "vxfileio/settings/PropNotebook.h"
@@ -15,7 +15,9 @@
 #include "vxfileio/settings/PropWashIn.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::settings {
 class CSettingsReader;
+}
 
 /// Reads settings files (`.vxs`).
 ///
@@ -52,5 +54,5 @@ class VXFILEIO_API CISettingsReader {
     const CPropWashIn* GetWashInProperty() const;      ///< Returns the wash-in.
 
  private:
-    std::unique_ptr<CSettingsReader> m_reader;
+    std::unique_ptr<vxfileio::settings::CSettingsReader> m_reader;
 };

@@ -2,6 +2,8 @@
 
 #include "vxfileio/settings/SettingsWriter.h"
 
+using vxfileio::settings::CSettingsWriter;
+
 CISettingsWriter::CISettingsWriter() : m_writer(std::make_unique<CSettingsWriter>()) {}
 CISettingsWriter::~CISettingsWriter() = default;
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/PropAnalyzer.h"
 #include "vxfileio/settings/PropControl.h"
 #include "vxfileio/settings/PropNotebook.h"
@@ -15,7 +15,9 @@
 #include "vxfileio/settings/PropWashIn.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::settings {
 class CSettingsWriter;
+}
 
 /// Writes settings files (`.vxs`): how a run was set up, as one XML document.
 ///
@@ -59,5 +61,5 @@ class VXFILEIO_API CISettingsWriter {
     std::string GetWriteError() const;
 
  private:
-    std::unique_ptr<CSettingsWriter> m_writer;
+    std::unique_ptr<vxfileio::settings::CSettingsWriter> m_writer;
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "vxfileio/frame/Api.h"
-#include "vxfileio/frame/Enumerations.h"
-#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/base/Api.h"
+#include "vxfileio/base/Enumerations.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/frame/IRawDataReader.h"
 #include "vxfileio/frame/IRawDataWriter.h"
 #include "vxfileio/frame/IResultsExport.h"

@@ -6,7 +6,7 @@
 /// @file
 /// Copies of what is owned by pointer. A null pointer stays null.
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 template <class Value>
 std::unique_ptr<Value> DeepCopy(const std::unique_ptr<Value>& source) {
@@ -22,4 +22,4 @@ std::vector<std::unique_ptr<Value>> DeepCopy(const std::vector<std::unique_ptr<V
     return copy;
 }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

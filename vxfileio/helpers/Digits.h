@@ -12,7 +12,7 @@
 /// @file
 /// Digits read eight at a time. It lies in a header since readers decode numbers for every system call that they make.
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 /// Eight characters at once, the first one in the lowest byte: what each differs by from `0`, and which are no digits.
 class CEightCharacters {
@@ -68,4 +68,4 @@ inline std::optional<std::int64_t> ParseShortWhole(std::string_view text) {
     return negative ? -value : value;
 }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

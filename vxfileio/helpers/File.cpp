@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 std::string CFileFailure::Text(const std::string& path) const {
     static constexpr const char* kSteps[] = {"opening ", "writing ", "closing ", "replacing "};
@@ -56,4 +56,4 @@ bool CFile::Keep(CFileFailure failure) {
     return !failure;
 }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

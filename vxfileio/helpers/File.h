@@ -10,7 +10,7 @@
 /// @file
 /// The one way to the operating system's files. Every file of the library is opened here.
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 /// Bytes that are read from, owned by somebody else.
 using CBytes = std::span<const std::byte>;
@@ -138,4 +138,4 @@ inline bool IsWholePath(const std::string& path) { return path.find('\0') == std
 /// characters by which the system would take it for something else.
 bool IsFileName(const std::string& name);
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

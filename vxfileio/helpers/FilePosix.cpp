@@ -12,7 +12,7 @@
 
 static_assert(sizeof(off_t) == sizeof(std::int64_t), "files beyond 2 GiB need 64-bit positions");
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 namespace {
 
@@ -213,4 +213,4 @@ void RemoveFile(const std::string& path) { ::unlink(path.c_str()); }
 
 std::uint64_t ProcessNumber() { return static_cast<std::uint64_t>(::getpid()); }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

@@ -8,6 +8,8 @@
 
 #include "vxfileio/helpers/NumberText.h"
 
+namespace vxfileio::helpers {
+
 namespace {
 
 using CFileTimeUnits = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
@@ -17,7 +19,7 @@ constexpr auto kEpoch = std::chrono::sys_days(std::chrono::January / 1 / 1601);
 
 /// Appends a number with leading zeros up to `width`, and what stands behind it.
 void AppendPadded(std::string& text, std::int64_t value, std::size_t width, std::string_view behind) {
-    const vxfileio::CNumberText digits(value);
+    const CNumberText digits(value);
     text.append(width - std::min(width, digits.View().size()), '0').append(digits.View()).append(behind);
 }
 
@@ -45,3 +47,5 @@ std::string FileTimeToText(std::uint64_t fileTime) {
     AppendPadded(text, time.seconds().count(), 2, "");
     return text;
 }
+
+}  // namespace vxfileio::helpers

@@ -6,7 +6,7 @@
 
 #include "vxfileio/helpers/File.h"
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 namespace {
 
@@ -178,4 +178,4 @@ void RemoveFile(const std::string& path) { ::DeleteFileA(path.c_str()); }
 
 std::uint64_t ProcessNumber() { return ::GetCurrentProcessId(); }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

@@ -10,7 +10,7 @@
 /// @file
 /// Unsigned whole numbers as bytes, least significant first, whatever the machine's own order. Any alignment will do.
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 /// Turns the bytes of a number from the machine's order into that of files, or back.
 template <std::unsigned_integral Number>
@@ -47,4 +47,4 @@ constexpr std::uint32_t LoadLE32(const std::byte* from) { return LoadLittleEndia
 /// Loads 8 bytes.
 constexpr std::uint64_t LoadLE64(const std::byte* from) { return LoadLittleEndian<std::uint64_t>(from); }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

@@ -11,7 +11,7 @@
 
 #include "vxfileio/helpers/Digits.h"
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 namespace {
 
@@ -258,4 +258,4 @@ double ParseDouble(std::string_view text) {
     return negative ? -value : value;
 }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

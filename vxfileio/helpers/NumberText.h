@@ -10,7 +10,7 @@
 /// @file
 /// Numbers as decimal text and back, the same in every process: no locale has a say.
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 /// Room for any number in the general form.
 inline constexpr std::size_t kMostGeneralSize = 16;
@@ -69,4 +69,4 @@ double ParseDouble(std::string_view text);         ///< Decimal only. The larges
 /// to be asked.
 bool TakeDecimal(std::string_view& text, double& value);
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+namespace vxfileio::helpers {
+
 namespace {
 
 std::string_view Unquoted(std::string_view path) {
@@ -41,3 +43,5 @@ CStdStr CPath::GetExtension() const {
     extension += m_extension;
     return extension;
 }
+
+}  // namespace vxfileio::helpers

@@ -2,6 +2,8 @@
 
 #include "vxfileio/helpers/StdStr.h"
 
+namespace vxfileio::helpers {
+
 /// The pieces of a file path, by the rules of drive letters and backslashes on every host.
 class CPath {
  public:
@@ -27,3 +29,5 @@ class CPath {
     CStdStr m_title;
     CStdStr m_extension;  ///< Without its dot.
 };
+
+}  // namespace vxfileio::helpers

@@ -4,7 +4,7 @@
 #include <array>
 #include <memory>
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 namespace {
 
@@ -100,4 +100,4 @@ void CReplacingFile::Discard() {
     m_beside.clear();
 }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

@@ -4,7 +4,7 @@
 
 #include "vxfileio/helpers/File.h"
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 /// A file that is written beside the one it is to replace, and takes its place at once when it is whole. Whoever reads
 /// finds the old file or the new one, and whatever fails before leaves the old one as it was and nothing beside it.
@@ -52,4 +52,4 @@ class CReplacingFile {
     std::string m_beside;    ///< Where it is written; empty if it is written in place, or done.
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

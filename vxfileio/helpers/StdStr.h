@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+namespace vxfileio::helpers {
+
 /// A narrow string, the type that `CStringParser` and `CPath` work in. A value with deep copies.
 class CStdStr {
  public:
@@ -49,3 +51,5 @@ class CStdStr {
  private:
     std::string m_text;
 };
+
+}  // namespace vxfileio::helpers

@@ -4,6 +4,8 @@
 
 #include "vxfileio/helpers/Tokenizer.h"
 
+namespace vxfileio::helpers {
+
 namespace {
 
 constexpr const char* kOutOfRange = "ERROR: Array index out of range.";
@@ -21,8 +23,8 @@ CStringParser::CStringParser(const CStdStr& text, const char* separators, char /
     if (m_separators.Text().empty()) {
         m_fields.push_back(text);
     } else {
-        const vxfileio::CCharSet set(m_separators.Text());
-        vxfileio::CTokenizer tokens(text.Text(), set);
+        const CCharSet set(m_separators.Text());
+        CTokenizer tokens(text.Text(), set);
         while (const auto token = tokens.Next())
             m_fields.emplace_back(std::string(*token));
     }
@@ -34,3 +36,5 @@ CStdStr CStringParser::GetField(std::int32_t index, bool strip) const {
     const CStdStr& field = m_fields[static_cast<std::size_t>(index)];
     return strip ? WithoutBlanks(field.Text()) : field;
 }
+
+}  // namespace vxfileio::helpers

@@ -5,7 +5,9 @@
 
 #include "vxfileio/helpers/StdStr.h"
 
-/// Cuts a text into tokens and keeps them. How a text is cut is told at `vxfileio::CTokenizer`.
+namespace vxfileio::helpers {
+
+/// Cuts a text into tokens and keeps them. How a text is cut is told at `vxfileio::helpers::CTokenizer`.
 class CStringParser {
  public:
     /// Parses at once. Without separators the whole text is the one token. Nothing is ever quoted: every caller passes
@@ -27,3 +29,5 @@ class CStringParser {
     std::int32_t m_count = 0;
     CStdStr m_separators;
 };
+
+}  // namespace vxfileio::helpers

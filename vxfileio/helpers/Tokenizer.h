@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace vxfileio {
+namespace vxfileio::helpers {
 
 /// A set of characters that is asked in one step.
 class CCharSet {
@@ -54,4 +54,4 @@ class CTokenizer {
     bool m_emptyAtEnd;
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::helpers

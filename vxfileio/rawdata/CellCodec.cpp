@@ -5,7 +5,7 @@ namespace vxfileio::rawdata {
 namespace {
 
 /// A run of these counts as one, so a value read back stops at its first `=` or `:`. Cells without NUL end in CR LF.
-constexpr CCharSet kSeparators("=:\r\n");
+constexpr helpers::CCharSet kSeparators("=:\r\n");
 
 }  // namespace
 

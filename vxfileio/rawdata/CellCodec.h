@@ -85,7 +85,7 @@ class CCellItems {
     std::optional<std::string_view> Next() { return m_tokens.Next(); }
 
  private:
-    CTokenizer m_tokens;
+    helpers::CTokenizer m_tokens;
 };
 
 /// Returns the value of a cell; empty if the cell holds its key alone. It points into the cell.

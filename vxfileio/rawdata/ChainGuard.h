@@ -14,7 +14,7 @@ class CChainGuard {
  public:
     /// `leastItemSize` is the size of the smallest thing that a position of the chain can lead to. The file stays the
     /// caller's and outlives this object.
-    CChainGuard(const CFile& file, std::size_t leastItemSize)
+    CChainGuard(const helpers::CFile& file, std::size_t leastItemSize)
         : m_file(&file), m_leastItemSize(static_cast<std::int64_t>(std::max<std::size_t>(leastItemSize, 1))) {}
 
     /// Counts one hop. Returns false if the walk has been at `position` before, or has made more hops than the file has
@@ -29,7 +29,7 @@ class CChainGuard {
     }
 
  private:
-    const CFile* m_file;
+    const helpers::CFile* m_file;
     std::int64_t m_leastItemSize;
     std::int64_t m_mostHops = 0;  ///< Asked from the file once it is reached: the file may have grown.
     std::int64_t m_hops = 0;

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/helpers/Digits.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
@@ -34,7 +34,7 @@ void Put(CCellWriter& writer, const std::string& value) { writer.PutValue(value)
 
 void Put(CCellWriter& writer, std::integral auto number) { writer.PutItem(number); }
 
-void Put(CCellWriter& writer, double number) { writer.PutItem(CNumberText::General(number).View()); }
+void Put(CCellWriter& writer, double number) { writer.PutItem(helpers::CNumberText::General(number).View()); }
 
 template <class Header, class Value>
 void PutMember(CCellWriter& writer, const Header& header, Value Header::*member) {
@@ -83,10 +83,10 @@ void EncodeCells(const auto& header, std::span<char> bytes) {
 
 // ---- Text to values -------------------------------------------------------------------------------------------------
 
-void FromText(std::string_view text, std::int32_t& value) { value = ParseInt32(text); }
-void FromText(std::string_view text, std::int64_t& value) { value = ParseInt64(text); }
-void FromText(std::string_view text, std::uint64_t& value) { value = ParseUInt64(text); }
-void FromText(std::string_view text, double& value) { value = ParseDouble(text); }
+void FromText(std::string_view text, std::int32_t& value) { value = helpers::ParseInt32(text); }
+void FromText(std::string_view text, std::int64_t& value) { value = helpers::ParseInt64(text); }
+void FromText(std::string_view text, std::uint64_t& value) { value = helpers::ParseUInt64(text); }
+void FromText(std::string_view text, double& value) { value = helpers::ParseDouble(text); }
 
 /// The bytes of a cell on its way into a header.
 template <class CCell>
@@ -103,7 +103,7 @@ template <class CCell, class Number>
 void Take(const CCellBytes<CCell>& cell, Number& number) {
     const std::string_view text = CellNumber(cell.bytes, CCell::kKey);
     if constexpr (std::signed_integral<Number>) {
-        const auto value = ParseShortWhole(text);
+        const auto value = helpers::ParseShortWhole(text);
         if (value && std::in_range<Number>(*value)) {
             number = static_cast<Number>(*value);
             return;
@@ -117,7 +117,7 @@ void Take(const CCellBytes<CCell>& cell, std::vector<std::int64_t>& list) {
     list.clear();
     CCellItems items(cell.bytes);
     while (const auto item = items.Next())
-        list.push_back(ParseInt64(*item));
+        list.push_back(helpers::ParseInt64(*item));
 }
 
 template <class Header, class Value>
@@ -146,7 +146,7 @@ bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelCount me
 }
 
 /// Interval items have the range of 32 bits in this format, although the field is wider.
-void TakeChannelItem(std::string_view item, std::int64_t& interval) { interval = ParseInt32(item); }
+void TakeChannelItem(std::string_view item, std::int64_t& interval) { interval = helpers::ParseInt32(item); }
 void TakeChannelItem(std::string_view item, auto& value) { FromText(item, value); }
 
 bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelList member) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 
 /// @file
 /// The values that carry the headers of a raw data file between caller and library.

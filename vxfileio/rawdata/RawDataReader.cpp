@@ -8,12 +8,13 @@
 #include <string_view>
 #include <utility>
 
-#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 
-using namespace vxfileio::rawdata;
-using vxfileio::CMutableBytes;
+namespace vxfileio::rawdata {
+
+using helpers::CMutableBytes;
 
 namespace {
 
@@ -289,3 +290,5 @@ void CRawDataReader::RefuseImpossibleSize(std::int64_t position, std::uint32_t s
     if (bytes <= kMostMissingBytes) return;
     if (bytes - kMostMissingBytes > m_file.Size() - position) throw CExcVXReader(kBadSegmentHdr);
 }
+
+}  // namespace vxfileio::rawdata

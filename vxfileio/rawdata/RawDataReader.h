@@ -14,6 +14,8 @@
 #include "vxfileio/rawdata/SegmentBuffer.h"
 #include "vxfileio/rawdata/SegmentChain.h"
 
+namespace vxfileio::rawdata {
+
 /// Reads one raw data file after the other. What each operation does is told at `CIRawDataReader`.
 ///
 /// Headers live in memory from `Open` on, samples only for one segment. The file is taken at its word as little as
@@ -74,7 +76,7 @@ class CRawDataReader {
     void CompleteSamples(std::size_t read, std::uint32_t size);
     void RefuseImpossibleSize(std::int64_t position, std::uint32_t size) const;
 
-    vxfileio::CFile m_file;
+    helpers::CFile m_file;
     CRawDataIndex m_index;                           ///< One entry per recording, in file order.
     CRawDataFileHdr m_fileHdr;                       ///< As read.
     std::vector<CRawDataRecordingHdr> m_recordings;  ///< In file order.
@@ -86,3 +88,5 @@ class CRawDataReader {
     std::int64_t m_dataPosition = vxfileio::rawdata::kUnset;            ///< The current recording's.
     CPass m_pass = BeginningAt(vxfileio::rawdata::kUnset);
 };
+
+}  // namespace vxfileio::rawdata

@@ -6,13 +6,14 @@
 #include <limits>
 #include <span>
 
-#include "vxfileio/frame/EnumerationWords.h"
-#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/base/EnumerationWords.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 
-using namespace vxfileio::rawdata;
-using vxfileio::CBytes;
+namespace vxfileio::rawdata {
+
+using helpers::CBytes;
 
 namespace {
 
@@ -130,7 +131,7 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
 
 void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values) {
     RefuseBefore(enStage::HasFileHdr);
-    const auto isTask = [&](const CTaskList& list) { return WordOf(list.task) == taskName; };
+    const auto isTask = [&](const CTaskList& list) { return base::WordOf(list.task) == taskName; };
     const auto* list = std::find_if(kTaskLists.begin(), kTaskLists.end(), isTask);
     if (list == kTaskLists.end()) return;
     const std::string cell = EncodedCell(list->cell, Join(values));
@@ -243,3 +244,5 @@ void CRawDataWriter::RetryRewrites() {
 bool CRawDataWriter::Repeat(const CRefusedRewrite& rewrite) {
     return m_file.WriteAt(rewrite.position, {AsBytes({rewrite.bytes.data(), rewrite.size})});
 }
+
+}  // namespace vxfileio::rawdata

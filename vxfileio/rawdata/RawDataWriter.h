@@ -10,6 +10,8 @@
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
 
+namespace vxfileio::rawdata {
+
 /// Writes one raw data file after the other. What each operation does is told at `CIRawDataWriter`.
 ///
 /// Two rules keep the file sound whenever a write fails or the process dies. *Append first, then point*: a position is
@@ -60,7 +62,7 @@ class CRawDataWriter {
     void RetryRewrites();
     bool Repeat(const CRefusedRewrite& rewrite);
 
-    vxfileio::CFile m_file;
+    helpers::CFile m_file;
     enStage m_stage = enStage::Closed;
 
     /// Headers that were to be written and that the system hasn't taken yet: empty while the disk has room. At the
@@ -73,3 +75,5 @@ class CRawDataWriter {
     std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;   ///< Latest recording header in the file.
     std::int64_t m_latestSegment = vxfileio::rawdata::kUnset;  ///< Latest segment of that recording.
 };
+
+}  // namespace vxfileio::rawdata

@@ -16,7 +16,7 @@ namespace vxfileio::rawdata {
 class CRecordingHdrReader {
  public:
     /// `version` is the file's own. The file stays the caller's and outlives this object.
-    CRecordingHdrReader(const CFile& file, std::int32_t version)
+    CRecordingHdrReader(const helpers::CFile& file, std::int32_t version)
         : m_file(file), m_version(version), m_hdrSize(SizeOf(kRecordingCells, version)) {}
 
     /// Reads a header whose positions can be believed. Returns false if no whole header stands at the position.
@@ -37,7 +37,7 @@ class CRecordingHdrReader {
     bool TakeChannels(std::string_view bytes, CRawDataRecordingHdr& header);
     bool LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const;
 
-    const CFile& m_file;
+    const helpers::CFile& m_file;
     std::int32_t m_version;
     std::size_t m_hdrSize;
 

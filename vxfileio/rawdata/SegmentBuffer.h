@@ -29,10 +29,12 @@ class CSegmentBuffer {
 
     /// The samples; they live until there is other room.
     std::uint16_t* Samples() { return m_room.get() + kHdrRoom; }
-    CMutableBytes SampleBytes() { return SegmentBytes().subspan(kSegmentHdrSize); }
+    helpers::CMutableBytes SampleBytes() { return SegmentBytes().subspan(kSegmentHdrSize); }
 
     /// Header and samples. There is room for a header once `MakeRoomFor` was called.
-    CMutableBytes SegmentBytes() { return std::as_writable_bytes(std::span(m_room.get(), kHdrRoom + m_count)); }
+    helpers::CMutableBytes SegmentBytes() {
+        return std::as_writable_bytes(std::span(m_room.get(), kHdrRoom + m_count));
+    }
 
     /// The header, as text.
     std::string_view Hdr() const { return {reinterpret_cast<const char*>(m_room.get()), kSegmentHdrSize}; }

@@ -3,7 +3,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CResponse> {
@@ -14,7 +14,7 @@ struct CXmlForm<CResponse> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CResponse::Save(CXmlFileArchive& archive) const { vxfileio::SaveElement(archive, *this); }
-void CResponse::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CResponse::Save(CXmlFileArchive& archive) const { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CResponse::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// One response of a well. A value.

@@ -3,7 +3,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CResponseMean> {
@@ -16,7 +16,7 @@ struct CXmlForm<CResponseMean> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CResponseMean::Save(CXmlFileArchive& archive) const { vxfileio::SaveElement(archive, *this); }
-void CResponseMean::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CResponseMean::Save(CXmlFileArchive& archive) const { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CResponseMean::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// What one response came to over all wells of a compound at one dose. A value.

@@ -3,7 +3,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 namespace {
 
@@ -40,7 +40,7 @@ std::vector<typename Map::key_type> KeysOf(const Map& map) {
 
 }  // namespace
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
 void CResults::SetFPAverage(std::uint32_t samples, std::int64_t averageTick, std::int64_t preFPfastTime) {
     FPAverageSamples = samples;
@@ -57,10 +57,10 @@ void CResults::Init(std::int32_t compoundID, enTask task, const std::string& tas
     Tasks[task] = std::move(results);
 }
 
-std::vector<enTask> CResults::GetTasks() const { return vxfileio::KeysOf(Tasks); }
+std::vector<enTask> CResults::GetTasks() const { return vxfileio::xmlarchive::KeysOf(Tasks); }
 
-CResultsTask* CResults::GetTaskResults(enTask task) { return vxfileio::FindIn(Tasks, task); }
-const CResultsTask* CResults::GetTaskResults(enTask task) const { return vxfileio::FindIn(Tasks, task); }
+CResultsTask* CResults::GetTaskResults(enTask task) { return vxfileio::xmlarchive::FindIn(Tasks, task); }
+const CResultsTask* CResults::GetTaskResults(enTask task) const { return vxfileio::xmlarchive::FindIn(Tasks, task); }
 
 std::int32_t CResults::GetRecordingCount(enTask task) const {
     const CResultsTask* const found = GetTaskResults(task);
@@ -68,22 +68,22 @@ std::int32_t CResults::GetRecordingCount(enTask task) const {
 }
 
 CResultsRecording* CResults::GetRecording(enTask task, std::int32_t index) {
-    return vxfileio::RecordingOf(*this, task, index);
+    return vxfileio::xmlarchive::RecordingOf(*this, task, index);
 }
 const CResultsRecording* CResults::GetRecording(enTask task, std::int32_t index) const {
-    return vxfileio::RecordingOf(*this, task, index);
+    return vxfileio::xmlarchive::RecordingOf(*this, task, index);
 }
 
 std::vector<std::int32_t> CResults::GetWellIDs(enTask task, std::int32_t index) const {
     const CResultsRecording* const recording = GetRecording(task, index);
-    return recording == nullptr ? std::vector<std::int32_t>() : vxfileio::KeysOf(recording->Wells);
+    return recording == nullptr ? std::vector<std::int32_t>() : vxfileio::xmlarchive::KeysOf(recording->Wells);
 }
 
 CResultsWell* CResults::GetWellResults(enTask task, std::int32_t index, std::int32_t wellID) {
-    return vxfileio::WellOf(*this, task, index, wellID);
+    return vxfileio::xmlarchive::WellOf(*this, task, index, wellID);
 }
 const CResultsWell* CResults::GetWellResults(enTask task, std::int32_t index, std::int32_t wellID) const {
-    return vxfileio::WellOf(*this, task, index, wellID);
+    return vxfileio::xmlarchive::WellOf(*this, task, index, wellID);
 }
 
 void CResults::SetCompoundResults(enTask task, std::int32_t index, enResponseType type, double normMean,
@@ -108,8 +108,8 @@ void CResults::Save(CXmlFileArchive& archive) const {
 }
 
 void CResults::Load(CXmlFileArchive& archive) {
-    vxfileio::ForEachEventUntil(archive, vxfileio::results::kResultsElement, [&] {
-        if (!vxfileio::IsStartOf(archive, vxfileio::results::kTaskElement)) return;
+    vxfileio::xmlarchive::ForEachEventUntil(archive, vxfileio::results::kResultsElement, [&] {
+        if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement)) return;
         CResultsTask results;
         results.Load(archive);
         const enTask task = StringToTask(results.TaskName);

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
-#include "vxfileio/frame/Enumerations.h"
+#include "vxfileio/base/Api.h"
+#include "vxfileio/base/Enumerations.h"
 #include "vxfileio/results/ResultsTask.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 

@@ -3,9 +3,13 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 
+namespace vxfileio::results {
+
 void CResultsReader::ReadFile(const std::string& path) {
-    vxfileio::ReadDocument(path, vxfileio::results::kResultsOpenFailed, [&](CXmlFileArchive& archive) {
+    xmlarchive::ReadDocument(path, vxfileio::results::kResultsOpenFailed, [&](CXmlFileArchive& archive) {
         m_header.Load(archive);
         m_results.Load(archive);
     });
 }
+
+}  // namespace vxfileio::results

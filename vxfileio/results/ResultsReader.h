@@ -5,6 +5,8 @@
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::results {
+
 /// The work behind `CIResultsReader`, where the operations are told.
 class CResultsReader {
  public:
@@ -16,3 +18,5 @@ class CResultsReader {
     CXmlFileHeader m_header;
     CResults m_results;
 };
+
+}  // namespace vxfileio::results

@@ -3,7 +3,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 namespace {
 
@@ -45,7 +45,7 @@ struct CXmlForm<CResultsRecording> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
 CResultsRecording::CResultsRecording(std::uint64_t dose, const std::vector<std::int32_t>& wellIDs,
                                      const std::vector<std::string>& wellLabels, std::uint32_t samples,
@@ -61,5 +61,5 @@ void CResultsRecording::ClearResponses() { NormalizedResponses.clear(); }
 
 void CResultsRecording::Clear() { *this = CResultsRecording(); }
 
-void CResultsRecording::Save(CXmlFileArchive& archive) const { vxfileio::SaveElement(archive, *this); }
-void CResultsRecording::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CResultsRecording::Save(CXmlFileArchive& archive) const { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CResultsRecording::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

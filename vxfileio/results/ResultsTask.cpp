@@ -3,7 +3,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CResultsTask> {
@@ -14,7 +14,7 @@ struct CXmlForm<CResultsTask> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
 CResultsTask::CResultsTask(const std::vector<std::uint64_t>& doses, const std::vector<std::int32_t>& wellIDs,
                            const std::vector<std::string>& wellLabels, std::uint32_t samples, std::int64_t averageTick,
@@ -26,5 +26,5 @@ CResultsTask::CResultsTask(const std::vector<std::uint64_t>& doses, const std::v
 
 void CResultsTask::Clear() { Recordings.clear(); }
 
-void CResultsTask::Save(CXmlFileArchive& archive) const { vxfileio::SaveElement(archive, *this); }
-void CResultsTask::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CResultsTask::Save(CXmlFileArchive& archive) const { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CResultsTask::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

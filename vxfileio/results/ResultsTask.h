@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/results/ResultsRecording.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 

@@ -5,7 +5,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 namespace {
 
@@ -75,9 +75,9 @@ void PutEmpty(CXmlFileArchive& archive, const std::tuple<Fields...>& fields) {
 
 }  // namespace
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-using vxfileio::CWellForm;
+using vxfileio::xmlarchive::CWellForm;
 
 CResultsWell::CResultsWell(std::uint64_t dose, std::string label, std::uint32_t samples, std::int64_t averageTick,
                            std::int64_t preFPfastTime)
@@ -123,15 +123,15 @@ void CResultsWell::ClearNormalizedResponses() { NormalizedResponses.clear(); }
 void CResultsWell::Clear() { *this = CResultsWell(); }
 
 void CResultsWell::Save(CXmlFileArchive& archive) const {
-    vxfileio::PutFields(archive, *this, CWellForm::kHead);
+    vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kHead);
     if (FPfastDetectionTimes.empty()) return;
-    vxfileio::PutFields(archive, *this, CWellForm::kAverage);
+    vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kAverage);
     if (FPfastDetected) {
-        vxfileio::PutFields(archive, *this, CWellForm::kFindings);
+        vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kFindings);
     } else {
-        vxfileio::PutEmpty(archive, CWellForm::kFindings);
+        vxfileio::xmlarchive::PutEmpty(archive, CWellForm::kFindings);
     }
-    vxfileio::PutFields(archive, *this, CWellForm::kResponses);
+    vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kResponses);
 }
 
 void CResultsWell::Load(CXmlFileArchive& archive) {
@@ -139,10 +139,10 @@ void CResultsWell::Load(CXmlFileArchive& archive) {
     FPfastMaxAmp = FPfastMinAmp = 0.0;
     FPfastMaxAmpTimeStamp = FPfastMinAmpTimeStamp = 0;
     FPmaxType = enFPmaxType::Undefined;
-    vxfileio::ForEachEventUntil(archive, CWellForm::kElement, [&] {
-        if (vxfileio::GetField(archive, *this, CWellForm::kHead)) return;
-        if (vxfileio::GetField(archive, *this, CWellForm::kAverage)) return;
-        if (vxfileio::GetField(archive, *this, CWellForm::kResponses)) return;
-        if (FPfastDetected) vxfileio::GetField(archive, *this, CWellForm::kFindings);
+    vxfileio::xmlarchive::ForEachEventUntil(archive, CWellForm::kElement, [&] {
+        if (vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kHead)) return;
+        if (vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kAverage)) return;
+        if (vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kResponses)) return;
+        if (FPfastDetected) vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kFindings);
     });
 }

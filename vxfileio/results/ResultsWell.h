@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
-#include "vxfileio/frame/Enumerations.h"
+#include "vxfileio/base/Api.h"
+#include "vxfileio/base/Enumerations.h"
 #include "vxfileio/results/Response.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 

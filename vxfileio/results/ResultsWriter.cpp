@@ -3,6 +3,8 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 
+namespace vxfileio::results {
+
 void CResultsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_header = header;
     m_header.FileType = vxfileio::results::kResultsFileType;
@@ -13,5 +15,7 @@ void CResultsWriter::WriteFile(const std::string& path, const CResults& results)
         m_header.Save(archive);
         results.Save(archive);
     };
-    vxfileio::WriteDocument(path, vxfileio::results::kResultsOpenFailed, m_writeError, save);
+    xmlarchive::WriteDocument(path, vxfileio::results::kResultsOpenFailed, m_writeError, save);
 }
+
+}  // namespace vxfileio::results

@@ -5,6 +5,8 @@
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::results {
+
 /// The work behind `CIResultsWriter`, where the operations are told.
 class CResultsWriter {
  public:
@@ -16,3 +18,5 @@ class CResultsWriter {
     CXmlFileHeader m_header;
     std::string m_writeError;
 };
+
+}  // namespace vxfileio::results

@@ -1,11 +1,13 @@
 #include "vxfileio/settings/PropAnalyzer.h"
 
-#include "vxfileio/frame/EnumerationWords.h"
+#include "vxfileio/base/EnumerationWords.h"
 #include "vxfileio/helpers/FileTime.h"
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+using vxfileio::base::ValueOf;
+
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropAnalyzer> {
@@ -61,7 +63,7 @@ constexpr std::int32_t kNoWell = -1;
 /// The wells of a recording that are to be written, in the order in which they are.
 using CChosenWells = std::vector<RecordingAnalysis::const_pointer>;
 
-std::string Word(auto value) { return std::string(WordOf(value)); }
+std::string Word(auto value) { return std::string(base::WordOf(value)); }
 
 CChosenWells AllWells(const RecordingAnalysis& recording) {
     CChosenWells wells;
@@ -112,10 +114,10 @@ void SaveTask(CXmlFileArchive& archive, enTask task, const TaskAnalysis& recordi
 
 template <class ChooseWells>
 void SaveAnalyzer(CXmlFileArchive& archive, CPropAnalyzer& analyzer, ChooseWells chooseWells) {
-    analyzer.AnalyzingDate = GetCurrentFileTime();
+    analyzer.AnalyzingDate = helpers::GetCurrentFileTime();
     archive.OpenChild(CForm::kElement);
     PutFields(archive, analyzer, CForm::kHead);
-    SaveValue(archive, CForm::kDateText, FileTimeToText(analyzer.AnalyzingDate));
+    SaveValue(archive, CForm::kDateText, helpers::FileTimeToText(analyzer.AnalyzingDate));
     archive.OpenChild(CForm::kMarks).OpenChild(kTasks);
     PutList(archive, analyzer.AnalyzeSettings,
             [&](const auto& task) { SaveTask(archive, task.first, task.second, chooseWells); });
@@ -136,11 +138,11 @@ void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view e
 
 void LoadResponse(CXmlFileArchive& archive, WellAnalysis& well) {
     if (archive.IsEndTag()) return;
-    const auto response = well.Responses.find(ValueOf<enResponseType>(archive.TagName()));
+    const auto response = well.Responses.find(base::ValueOf<enResponseType>(archive.TagName()));
     if (response == well.Responses.end()) return;
     std::string word;
     archive.GetValue(word);
-    response->second = ValueOf<enAnalysisMark>(word);
+    response->second = base::ValueOf<enAnalysisMark>(word);
 }
 
 /// Reads a well, of which what isn't in the document is as in `start`.
@@ -176,7 +178,7 @@ void LoadTask(CXmlFileArchive& archive, std::map<enTask, TaskAnalysis>& tasks) {
         if (!IsStartOf(archive, kRecordings)) return;
         LoadList(archive, kRecordings, kRecording, [&] { LoadRecording(archive, recordings); });
     });
-    if (named) tasks[ValueOf<enTask>(name)] = std::move(recordings);
+    if (named) tasks[base::ValueOf<enTask>(name)] = std::move(recordings);
 }
 
 void LoadMarks(CXmlFileArchive& archive, std::map<enTask, TaskAnalysis>& tasks) {
@@ -199,22 +201,25 @@ const WellAnalysis* FindWell(const std::map<enTask, TaskAnalysis>& tasks, enTask
 
 }  // namespace
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CPropAnalyzer::Save(CXmlFileArchive& archive) { vxfileio::SaveAnalyzer(archive, *this, vxfileio::AllWells); }
+void CPropAnalyzer::Save(CXmlFileArchive& archive) {
+    vxfileio::xmlarchive::SaveAnalyzer(archive, *this, vxfileio::xmlarchive::AllWells);
+}
 
 void CPropAnalyzer::SaveWells(CXmlFileArchive& archive, const std::vector<std::int32_t>& wellIDs) {
-    vxfileio::SaveAnalyzer(
-        archive, *this, [&](const RecordingAnalysis& recording) { return vxfileio::TheseWells(recording, wellIDs); });
+    vxfileio::xmlarchive::SaveAnalyzer(archive, *this, [&](const RecordingAnalysis& recording) {
+        return vxfileio::xmlarchive::TheseWells(recording, wellIDs);
+    });
 }
 
 void CPropAnalyzer::Load(CXmlFileArchive& archive) {
-    using vxfileio::CForm;
-    vxfileio::ForEachEventUntil(archive, CForm::kElement, [&] {
-        if (vxfileio::GetField(archive, *this, CForm::kHead)) return;
-        if (vxfileio::GetField(archive, *this, CForm::kParameters)) return;
-        if (vxfileio::IsStartOf(archive, CForm::kMarks) && vxfileio::HasChildren(archive))
-            vxfileio::LoadMarks(archive, AnalyzeSettings);
+    using vxfileio::xmlarchive::CForm;
+    vxfileio::xmlarchive::ForEachEventUntil(archive, CForm::kElement, [&] {
+        if (vxfileio::xmlarchive::GetField(archive, *this, CForm::kHead)) return;
+        if (vxfileio::xmlarchive::GetField(archive, *this, CForm::kParameters)) return;
+        if (vxfileio::xmlarchive::IsStartOf(archive, CForm::kMarks) && vxfileio::xmlarchive::HasChildren(archive))
+            vxfileio::xmlarchive::LoadMarks(archive, AnalyzeSettings);
     });
 }
 
@@ -228,18 +233,20 @@ void CPropAnalyzer::InitTask(enTask task, std::int32_t recordings, const std::ve
 
 enAnalysisMark CPropAnalyzer::GetResponseMark(enTask task, std::int32_t recording, std::int32_t wellID,
                                               enResponseType response) const {
-    const WellAnalysis* const well = vxfileio::FindWell(AnalyzeSettings, task, recording, wellID);
+    const WellAnalysis* const well = vxfileio::xmlarchive::FindWell(AnalyzeSettings, task, recording, wellID);
     if (well == nullptr) return enAnalysisMark::Undefined;
     const auto mark = well->Responses.find(response);
     return mark == well->Responses.end() ? enAnalysisMark::Undefined : mark->second;
 }
 
 bool CPropAnalyzer::IsWellAnalyzed(enTask task, std::int32_t recording, std::int32_t wellID) const {
-    const WellAnalysis* const well = vxfileio::FindWell(AnalyzeSettings, task, recording, wellID);
+    const WellAnalysis* const well = vxfileio::xmlarchive::FindWell(AnalyzeSettings, task, recording, wellID);
     return well != nullptr && well->Analyze;
 }
 
-std::string CPropAnalyzer::FPAveIntervalTypeToString(enFPAveIntervalType type) { return vxfileio::Word(type); }
+std::string CPropAnalyzer::FPAveIntervalTypeToString(enFPAveIntervalType type) {
+    return vxfileio::xmlarchive::Word(type);
+}
 
 enFPAveIntervalType CPropAnalyzer::StringToFPAveIntervalType(const std::string& word) {
     return ValueOf<enFPAveIntervalType>(word);

@@ -3,7 +3,7 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropControl> {
@@ -16,19 +16,19 @@ struct CXmlForm<CPropControl> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
 void CPropControlSlots::Save(CXmlFileArchive& /*archive*/) {}
 void CPropControlSlots::Load(CXmlFileArchive& /*archive*/) {}
 
 template <class File>
 void CPropControl::Save(gd_xml_stream::CXMLArchive<File>& archive) const {
-    vxfileio::SaveElement(archive, *this);
+    vxfileio::xmlarchive::SaveElement(archive, *this);
 }
 
 template <class File>
 void CPropControl::Load(gd_xml_stream::CXMLArchive<File>& archive) {
-    vxfileio::LoadElement(archive, *this);
+    vxfileio::xmlarchive::LoadElement(archive, *this);
 }
 
 template VXFILEIO_API void CPropControl::Save(CXmlFileArchive& archive) const;

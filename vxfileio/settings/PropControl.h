@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "vxfileio/frame/Api.h"
-#include "vxfileio/frame/Enumerations.h"
+#include "vxfileio/base/Api.h"
+#include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// Keeps `CPropControl` out of what is saved and loaded through the base: its two operations do nothing.

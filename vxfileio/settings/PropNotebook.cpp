@@ -3,7 +3,7 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropNotebook> {
@@ -23,7 +23,7 @@ struct CXmlForm<CPropNotebook> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CPropNotebook::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
-void CPropNotebook::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropNotebook::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CPropNotebook::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

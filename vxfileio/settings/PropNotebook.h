@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// The notebook of an experiment: who did what with what, in free text. A value with deep copies.

@@ -3,7 +3,7 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<QualityCheckRecord> {
@@ -45,14 +45,14 @@ struct CXmlForm<CPropQualityCheck> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
 void CPropQualityCheck::Save(CXmlFileArchive& archive, bool omitPerformed) {
-    if (!omitPerformed) return vxfileio::SaveElement(archive, *this);
+    if (!omitPerformed) return vxfileio::xmlarchive::SaveElement(archive, *this);
     CPropQualityCheck unperformed = *this;
     for (auto& [task, check] : unperformed.QualityChecks)
         check.QCPerformed.clear();
-    vxfileio::SaveElement(archive, unperformed);
+    vxfileio::xmlarchive::SaveElement(archive, unperformed);
 }
 
-void CPropQualityCheck::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropQualityCheck::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

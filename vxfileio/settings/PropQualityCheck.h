@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
-#include "vxfileio/frame/Enumerations.h"
+#include "vxfileio/base/Api.h"
+#include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// How the quality check of one task is run, and what passes. Doses are picomolar; what waits, times and texts stand

@@ -4,14 +4,16 @@
 #include <array>
 #include <optional>
 
-#include "vxfileio/frame/ExcVXReader.h"
-#include "vxfileio/frame/VXExceptions.h"
+#include "vxfileio/base/ExcVXReader.h"
+#include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/helpers/DeepCopy.h"
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/settings/WellIndex.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+using vxfileio::base::CExcConversion;
+
+namespace vxfileio::xmlarchive {
 
 namespace {
 
@@ -183,7 +185,7 @@ const PlateCompound* CompoundAt(const PlateData& data, std::int32_t index) {
 }
 
 /// Reads the wells of the short form's compound, and adds a record for each.
-void LoadShortWells(CXmlFileArchive& archive, PlateData& data, PlateCompound& compound, CWellIndex& index) {
+void LoadShortWells(CXmlFileArchive& archive, PlateData& data, PlateCompound& compound, settings::CWellIndex& index) {
     compound.Wells.clear();
     GetEntries<PlateWell>(archive, [&](const PlateWell& well) {
         data.AddWell(well.WellID, well.PlateRow, well.PlateColumn, well.ChID, well.Label);
@@ -263,12 +265,12 @@ constexpr std::array<std::string_view, 4> kDoseUnits{"pM", "nM", "\xB5M", "mM"};
 
 }  // namespace
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-using vxfileio::CPlateForm;
+using vxfileio::xmlarchive::CPlateForm;
 
 PlateRecords::PlateRecords(const PlateRecords& other)
-    : Compounds(vxfileio::DeepCopy(other.Compounds)), Wells(vxfileio::DeepCopy(other.Wells)) {}
+    : Compounds(vxfileio::helpers::DeepCopy(other.Compounds)), Wells(vxfileio::helpers::DeepCopy(other.Wells)) {}
 
 PlateRecords& PlateRecords::operator=(const PlateRecords& other) { return *this = PlateRecords(other); }
 
@@ -284,31 +286,31 @@ void PlateData::ResetCompounds(std::size_t count) {
     Compounds.resize(count);
 }
 
-void CPropRecordPlate::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
-void CPropRecordPlate::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropRecordPlate::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CPropRecordPlate::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }
 
 void CPropRecordPlate::RequireCompound(std::int32_t index) const {
-    if (index == kFirstCompound || vxfileio::CompoundAt(Data, index) != nullptr) return;
+    if (index == kFirstCompound || vxfileio::xmlarchive::CompoundAt(Data, index) != nullptr) return;
     throw CExcVXReader("The record plate has no compound at index " + std::to_string(index));
 }
 
 void CPropRecordPlate::SaveShort(CXmlFileArchive& archive, std::int32_t index) const {
     RequireCompound(index);
     const PlateCompound none;
-    const PlateCompound* const found = vxfileio::CompoundAt(Data, index);
+    const PlateCompound* const found = vxfileio::xmlarchive::CompoundAt(Data, index);
     const PlateCompound& compound = found == nullptr ? none : *found;
-    const vxfileio::CWellIndex wells(Data);
+    const vxfileio::settings::CWellIndex wells(Data);
 
     archive.OpenChild(CPlateForm::kElement);
-    vxfileio::PutFields(archive, *this, CPlateForm::kHead);
-    vxfileio::PutFields(archive, compound, CPlateForm::kShortCompound);
+    vxfileio::xmlarchive::PutFields(archive, *this, CPlateForm::kHead);
+    vxfileio::xmlarchive::PutFields(archive, compound, CPlateForm::kShortCompound);
     archive.OpenChild(CPlateForm::kShortWells);
-    vxfileio::PutList(archive, compound.Wells, [&](std::int32_t wellID) {
+    vxfileio::xmlarchive::PutList(archive, compound.Wells, [&](std::int32_t wellID) {
         const PlateWell* const well = wells.Find(wellID);
-        vxfileio::SaveElement(archive, well == nullptr ? PlateWell{wellID} : *well);
+        vxfileio::xmlarchive::SaveElement(archive, well == nullptr ? PlateWell{wellID} : *well);
     });
     archive.CloseElement();
-    vxfileio::PutFields(archive, *this, CPlateForm::kShortRest);
+    vxfileio::xmlarchive::PutFields(archive, *this, CPlateForm::kShortRest);
     archive.CloseElement();
 }
 
@@ -317,33 +319,34 @@ void CPropRecordPlate::LoadShort(CXmlFileArchive& archive) {
     Data.ResetCompounds(1);
     Data.Compounds.front() = std::make_unique<PlateCompound>();
     PlateCompound& compound = *Data.Compounds.front();
-    vxfileio::CWellIndex index(Data);
+    vxfileio::settings::CWellIndex index(Data);
 
-    vxfileio::ForEachEventUntil(archive, CPlateForm::kElement, [&] {
-        if (vxfileio::GetField(archive, *this, CPlateForm::kHead)) return;
-        if (vxfileio::GetField(archive, *this, CPlateForm::kShortRest)) return;
-        if (vxfileio::GetField(archive, compound, CPlateForm::kShortCompound)) return;
-        if (vxfileio::IsStartOf(archive, CPlateForm::kShortWells))
-            vxfileio::LoadShortWells(archive, Data, compound, index);
+    vxfileio::xmlarchive::ForEachEventUntil(archive, CPlateForm::kElement, [&] {
+        if (vxfileio::xmlarchive::GetField(archive, *this, CPlateForm::kHead)) return;
+        if (vxfileio::xmlarchive::GetField(archive, *this, CPlateForm::kShortRest)) return;
+        if (vxfileio::xmlarchive::GetField(archive, compound, CPlateForm::kShortCompound)) return;
+        if (vxfileio::xmlarchive::IsStartOf(archive, CPlateForm::kShortWells))
+            vxfileio::xmlarchive::LoadShortWells(archive, Data, compound, index);
     });
 }
 
 void CPropRecordPlate::BuildPlateMap(enPlateLayout layout) {
-    if (layout == enPlateLayout::L8x12 || layout == enPlateLayout::L16x6) vxfileio::Build8x12(Map);
-    if (layout == enPlateLayout::Ostrel6x9) vxfileio::Build6x9(Map);
+    if (layout == enPlateLayout::L8x12 || layout == enPlateLayout::L16x6) vxfileio::xmlarchive::Build8x12(Map);
+    if (layout == enPlateLayout::Ostrel6x9) vxfileio::xmlarchive::Build6x9(Map);
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetAllWellIDs() const {
-    return vxfileio::KeysOf(Data.Wells, &PlateWell::WellID, vxfileio::kAny);
+    return vxfileio::xmlarchive::KeysOf(Data.Wells, &PlateWell::WellID, vxfileio::xmlarchive::kAny);
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetActiveWellIDs() const {
-    return vxfileio::KeysOf(Data.Wells, &PlateWell::WellID,
-                            [](const PlateWell& well) { return vxfileio::IsActive(well.State); });
+    return vxfileio::xmlarchive::KeysOf(Data.Wells, &PlateWell::WellID, [](const PlateWell& well) {
+        return vxfileio::xmlarchive::IsActive(well.State);
+    });
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetCompoundIDs() const {
-    return vxfileio::KeysOf(Data.Compounds, &PlateCompound::CompoundID, vxfileio::kAny);
+    return vxfileio::xmlarchive::KeysOf(Data.Compounds, &PlateCompound::CompoundID, vxfileio::xmlarchive::kAny);
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetCompoundWellIDs(std::int32_t compoundID) const {
@@ -352,29 +355,29 @@ std::vector<std::int32_t> CPropRecordPlate::GetCompoundWellIDs(std::int32_t comp
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetActiveCompoundWellIDs(std::int32_t compoundID) const {
-    const vxfileio::CWellIndex index(Data);
+    const vxfileio::settings::CWellIndex index(Data);
     std::vector<std::int32_t> wells = GetCompoundWellIDs(compoundID);
     std::erase_if(wells, [&](std::int32_t wellID) {
         const PlateWell* const well = index.Find(wellID);
-        return well != nullptr && !vxfileio::IsActive(well->State);
+        return well != nullptr && !vxfileio::xmlarchive::IsActive(well->State);
     });
     return wells;
 }
 
 PlateCompound* CPropRecordPlate::FindCompound(std::int32_t compoundID) {
-    return vxfileio::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
+    return vxfileio::xmlarchive::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
 }
 
 const PlateCompound* CPropRecordPlate::FindCompound(std::int32_t compoundID) const {
-    return vxfileio::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
+    return vxfileio::xmlarchive::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
 }
 
 PlateWell* CPropRecordPlate::FindWell(std::int32_t wellID) {
-    return vxfileio::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
+    return vxfileio::xmlarchive::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
 }
 
 const PlateWell* CPropRecordPlate::FindWell(std::int32_t wellID) const {
-    return vxfileio::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
+    return vxfileio::xmlarchive::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
 }
 
 std::int32_t CPropRecordPlate::GetWellState(std::int32_t wellID) const {
@@ -403,6 +406,6 @@ std::string DoseToText(std::uint64_t dose) {
     std::size_t unit = 0;
     for (; dose >= 10'000 || (dose >= 1'000 && dose % 1'000 == 0); dose /= 1'000)
         ++unit;
-    if (unit >= vxfileio::kDoseUnits.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
-    return std::to_string(dose).append(vxfileio::kDoseUnits[unit]);
+    if (unit >= vxfileio::xmlarchive::kDoseUnits.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
+    return std::to_string(dose).append(vxfileio::xmlarchive::kDoseUnits[unit]);
 }

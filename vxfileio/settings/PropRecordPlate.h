@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
-#include "vxfileio/frame/Enumerations.h"
+#include "vxfileio/base/Api.h"
+#include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// Where each well of a layout sits, built by `CPropRecordPlate::BuildPlateMap`. Both tables are indexed by row, then

@@ -3,7 +3,7 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 namespace {
 
@@ -39,17 +39,17 @@ struct CXmlForm<CPropRecording> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CPropRecording::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
+void CPropRecording::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
 
 void CPropRecording::Load(CXmlFileArchive& archive) {
-    using Form = vxfileio::CXmlForm<CPropRecording>;
+    using Form = vxfileio::xmlarchive::CXmlForm<CPropRecording>;
     const auto atEnd = [&] {
         return archive.IsEndTag() &&
                (archive.TagName() == Form::kElement || archive.TagName() == vxfileio::settings::kOlderRecordingElement);
     };
     while (archive.NextElement() && !atEnd())
-        vxfileio::GetField(archive, *this, Form::kFields);
-    VoltageRange.insert(0, vxfileio::kPlusMinus);
+        vxfileio::xmlarchive::GetField(archive, *this, Form::kFields);
+    VoltageRange.insert(0, vxfileio::xmlarchive::kPlusMinus);
 }

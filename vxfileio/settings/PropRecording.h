@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// How the signals are recorded. Times and sample intervals are in the instrument's time unit. A value with deep

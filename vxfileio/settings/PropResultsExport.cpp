@@ -2,7 +2,7 @@
 
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropResultsExport> {
@@ -10,7 +10,7 @@ struct CXmlForm<CPropResultsExport> {
     static constexpr std::tuple<> kFields{};
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CPropResultsExport::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
-void CPropResultsExport::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropResultsExport::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CPropResultsExport::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// The settings of an export; there are none yet. Callers pass it along.

@@ -4,7 +4,7 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropRobot> {
@@ -25,9 +25,9 @@ struct CXmlForm<CPropRobot> {
                      CCharacterField{"StockPlateIDL16x6", &CRobotConfig::StockPlateIDL16x6}));
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-using vxfileio::DeepCopy;
+using vxfileio::helpers::DeepCopy;
 
 CRobotGeometry::CRobotGeometry(const CRobotGeometry& other)
     : Range(DeepCopy(other.Range)),
@@ -40,5 +40,5 @@ CRobotGeometry::CRobotGeometry(const CRobotGeometry& other)
 
 CRobotGeometry& CRobotGeometry::operator=(const CRobotGeometry& other) { return *this = CRobotGeometry(other); }
 
-void CPropRobot::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
-void CPropRobot::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropRobot::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CPropRobot::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// A plate on the robot's deck.

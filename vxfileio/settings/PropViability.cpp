@@ -2,7 +2,7 @@
 
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropViability> {
@@ -18,7 +18,7 @@ struct CXmlForm<CPropViability> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CPropViability::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
-void CPropViability::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropViability::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CPropViability::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// The test of which wells are alive enough to be used. A value with deep copies.

@@ -3,7 +3,7 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CPropWashIn> {
@@ -13,7 +13,7 @@ struct CXmlForm<CPropWashIn> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CPropWashIn::Save(CXmlFileArchive& archive) { vxfileio::SaveElement(archive, *this); }
-void CPropWashIn::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CPropWashIn::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CPropWashIn::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

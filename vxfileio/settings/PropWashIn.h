@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
 /// How long a compound is washed in. A value with deep copies.

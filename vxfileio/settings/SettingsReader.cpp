@@ -7,10 +7,12 @@
 #include "vxfileio/xmlarchive/XmlDocument.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
+namespace vxfileio::settings {
+
 void CSettingsReader::ReadFile(const std::string& path) {
-    vxfileio::ReadDocument(path, vxfileio::settings::kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
+    xmlarchive::ReadDocument(path, vxfileio::settings::kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
         m_header.Load(archive);
-        vxfileio::ForEachEventUntil(archive, vxfileio::settings::kSettingsElement, [&] { LoadSection(archive); });
+        xmlarchive::ForEachEventUntil(archive, vxfileio::settings::kSettingsElement, [&] { LoadSection(archive); });
     });
     if (m_header.FileVersion < vxfileio::settings::kFirstVersionWithMarks) MakeMarks();
 }
@@ -25,7 +27,7 @@ void CSettingsReader::MakeMarks() {
 
 /// Reads the section whose start the archive stands at; anything else passes by.
 void CSettingsReader::LoadSection(CXmlFileArchive& archive) {
-    const auto at = [&](std::string_view element) { return vxfileio::IsStartOf(archive, element); };
+    const auto at = [&](std::string_view element) { return xmlarchive::IsStartOf(archive, element); };
     if (at(vxfileio::settings::kControlElement)) return m_control.Load(archive);
     if (at(vxfileio::settings::kNotebookElement)) return m_notebook.Load(archive);
     if (at(vxfileio::settings::kRobotElement)) return m_robot.Load(archive);
@@ -36,3 +38,5 @@ void CSettingsReader::LoadSection(CXmlFileArchive& archive) {
         return m_recording.Load(archive);
     if (at(vxfileio::settings::kAnalyzerElement)) return m_analyzer.Load(archive);
 }
+
+}  // namespace vxfileio::settings

@@ -13,6 +13,8 @@
 #include "vxfileio/settings/PropWashIn.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::settings {
+
 /// The work behind `CISettingsReader`, where the operations are told.
 class CSettingsReader {
  public:
@@ -43,3 +45,5 @@ class CSettingsReader {
     CPropRobot m_robot;
     CPropWashIn m_washIn;
 };
+
+}  // namespace vxfileio::settings

@@ -3,6 +3,8 @@
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 
+namespace vxfileio::settings {
+
 void CSettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_header = header;
     m_header.FileType = vxfileio::settings::kSettingsFileType;
@@ -25,5 +27,7 @@ void CSettingsWriter::WriteFile(const std::string& path, std::int32_t compound) 
         m_analyzer.SaveWells(archive, wells);
         archive.CloseElement();
     };
-    vxfileio::WriteDocument(path, vxfileio::settings::kSettingsOpenFailed, m_writeError, save);
+    xmlarchive::WriteDocument(path, vxfileio::settings::kSettingsOpenFailed, m_writeError, save);
 }
+
+}  // namespace vxfileio::settings

@@ -13,6 +13,8 @@
 #include "vxfileio/settings/PropWashIn.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
+namespace vxfileio::settings {
+
 /// The work behind `CISettingsWriter`, where the operations are told.
 class CSettingsWriter {
  public:
@@ -40,3 +42,5 @@ class CSettingsWriter {
     CPropAnalyzer m_analyzer;
     std::string m_writeError;
 };
+
+}  // namespace vxfileio::settings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// The base of the property sets: plain values that hold one group of settings each and live inside their owners.

@@ -5,7 +5,7 @@
 
 #include "vxfileio/settings/PropRecordPlate.h"
 
-namespace vxfileio {
+namespace vxfileio::settings {
 
 /// The first well of each ID. A plate is a list, and asking it for every well in turn would take its square. It points
 /// at the plate's wells, which must stay.
@@ -31,4 +31,4 @@ class CWellIndex {
     std::unordered_map<std::int32_t, PlateWell*> m_wells;
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::settings

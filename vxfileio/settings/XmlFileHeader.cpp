@@ -2,7 +2,7 @@
 
 #include "vxfileio/xmlarchive/XmlFields.h"
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 template <>
 struct CXmlForm<CXmlFileHeader> {
@@ -22,7 +22,7 @@ struct CXmlForm<CXmlFileHeader> {
     };
 };
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive
 
-void CXmlFileHeader::Save(CXmlFileArchive& archive) const { vxfileio::SaveElement(archive, *this); }
-void CXmlFileHeader::Load(CXmlFileArchive& archive) { vxfileio::LoadElement(archive, *this); }
+void CXmlFileHeader::Save(CXmlFileArchive& archive) const { vxfileio::xmlarchive::SaveElement(archive, *this); }
+void CXmlFileHeader::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

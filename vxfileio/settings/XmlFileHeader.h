@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// What stands at the head of every settings and results file: who wrote it, when, and what it is. The library gives

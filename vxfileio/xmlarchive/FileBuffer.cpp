@@ -16,8 +16,8 @@ constexpr std::size_t kGathered = std::size_t{32} << 10;
 }  // namespace
 
 struct CFileBuffer::CState {
-    vxfileio::CReplacingFile replacing;
-    vxfileio::CFile& file = replacing.File();
+    vxfileio::helpers::CReplacingFile replacing;
+    vxfileio::helpers::CFile& file = replacing.File();
     bool writes = false;
     bool refused = false;  ///< A write failed: what follows is dropped, so that the file is a beginning without gaps.
     std::unique_ptr<std::byte[]> gathered = std::make_unique_for_overwrite<std::byte[]>(kGathered);

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 
 namespace gd_xml_stream {
 

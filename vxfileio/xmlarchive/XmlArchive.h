@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vxfileio/frame/Api.h"
+#include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/FileBuffer.h"
 #include "vxfileio/xmlarchive/XmlState.h"
 #include "vxfileio/xmlarchive/XmlValue.h"

@@ -4,14 +4,14 @@
 #include <string_view>
 #include <utility>
 
-#include "vxfileio/frame/ExcVXReader.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// @file
 /// The frame of every document of the library: declaration and root. Both throw `CExcVXReader` with `openFailed` and
 /// the path, before anything is written or read, if the file can't be opened.
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 inline constexpr std::string_view kXmlVersion = "version=\"1.0\"";
 inline constexpr std::string_view kRootElement = "Vexaprobe";
@@ -46,4 +46,4 @@ void ReadDocument(const std::string& path, std::string_view openFailed, Load loa
     load(archive);
 }
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "vxfileio/frame/EnumerationWords.h"
+#include "vxfileio/base/EnumerationWords.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// @file
@@ -25,7 +25,7 @@
 ///
 /// (Clang 14 deduces no aggregate's template arguments by itself, hence the guides.)
 
-namespace vxfileio {
+namespace vxfileio::xmlarchive {
 
 /// The form of a class in a document; specialised beside the class's `Save` and `Load`.
 template <class Object>
@@ -62,12 +62,12 @@ struct CWordField {
     Enumeration Object::*member;
 
     void Put(CXmlFileArchive& archive, const Object& object) const {
-        archive.PutValue(std::string(WordOf(object.*member)));
+        archive.PutValue(std::string(base::WordOf(object.*member)));
     }
     void Get(CXmlFileArchive& archive, Object& object) const {
         std::string word;
         archive.GetValue(word);
-        object.*member = ValueOf<Enumeration>(word);
+        object.*member = base::ValueOf<Enumeration>(word);
     }
 };
 template <class Object, class Enumeration>
@@ -291,7 +291,7 @@ struct CKeyedObjectsField {
     void Get(CXmlFileArchive& archive, Object& object) const {
         (object.*member).clear();
         GetEntries<Entry>(archive, [&](Entry entry) {
-            const Key key = ValueOf<Key>(entry.*word);
+            const Key key = base::ValueOf<Key>(entry.*word);
             (object.*member)[key] = std::move(entry);
         });
     }
@@ -300,4 +300,4 @@ template <class Object, class Key, class Entry>
 CKeyedObjectsField(std::string_view, std::map<Key, Entry> Object::*, std::string Entry::*)
     -> CKeyedObjectsField<Object, Key, Entry>;
 
-}  // namespace vxfileio
+}  // namespace vxfileio::xmlarchive

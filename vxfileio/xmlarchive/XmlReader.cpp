@@ -20,14 +20,14 @@ XmlValue Parsed(std::string_view text) {
 bool TakeSample(std::string_view& text, double& sample) {
     std::string_view behind = text;
     double decimal = 0.0;
-    if (vxfileio::TakeDecimal(behind, decimal) && behind.starts_with(';')) {
+    if (vxfileio::helpers::TakeDecimal(behind, decimal) && behind.starts_with(';')) {
         sample = decimal;
         text = behind.substr(1);
         return true;
     }
     const std::size_t semicolon = text.find(';');
     if (semicolon == std::string_view::npos) return false;
-    sample = vxfileio::ParseDouble(text.substr(0, semicolon));
+    sample = vxfileio::helpers::ParseDouble(text.substr(0, semicolon));
     text.remove_prefix(semicolon + 1);
     return true;
 }
@@ -146,14 +146,14 @@ void XmlReader::ReadSamples(std::vector<double>& samples) {
     }
 }
 
-void ParseValue(std::string_view text, std::int32_t& value) { value = vxfileio::ParseInt32(text); }
-void ParseValue(std::string_view text, bool& value) { value = vxfileio::ParseInt32(text) == 1; }
-void ParseValue(std::string_view text, std::int64_t& value) { value = vxfileio::ParseInt64(text); }
-void ParseValue(std::string_view text, std::uint64_t& value) { value = vxfileio::ParseUInt64(text); }
-void ParseValue(std::string_view text, double& value) { value = vxfileio::ParseDouble(text); }
+void ParseValue(std::string_view text, std::int32_t& value) { value = vxfileio::helpers::ParseInt32(text); }
+void ParseValue(std::string_view text, bool& value) { value = vxfileio::helpers::ParseInt32(text) == 1; }
+void ParseValue(std::string_view text, std::int64_t& value) { value = vxfileio::helpers::ParseInt64(text); }
+void ParseValue(std::string_view text, std::uint64_t& value) { value = vxfileio::helpers::ParseUInt64(text); }
+void ParseValue(std::string_view text, double& value) { value = vxfileio::helpers::ParseDouble(text); }
 void ParseValue(std::string_view text, std::uint16_t& value) {
-    value = static_cast<std::uint16_t>(vxfileio::ParseUInt32(text) & 0xFFFFU);
+    value = static_cast<std::uint16_t>(vxfileio::helpers::ParseUInt32(text) & 0xFFFFU);
 }
-void ParseValue(std::string_view text, std::uint32_t& value) { value = vxfileio::ParseUInt32(text); }
+void ParseValue(std::string_view text, std::uint32_t& value) { value = vxfileio::helpers::ParseUInt32(text); }
 
 }  // namespace gd_xml_stream

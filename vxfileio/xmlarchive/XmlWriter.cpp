@@ -9,7 +9,7 @@
 
 namespace gd_xml_stream {
 
-using vxfileio::CNumberText;
+using vxfileio::helpers::CNumberText;
 
 XmlWriter::XmlWriter(CFileBuffer* file, std::size_t blockSize, unsigned char* buffer) : m_file(file) {
     if (file == nullptr) return;
@@ -105,11 +105,11 @@ void XmlWriter::PutSamples(const std::vector<double>& samples) {
     char* end = texts.data();
     const auto append = [&] { Append({texts.data(), static_cast<std::size_t>(end - texts.data())}); };
     for (const double sample : samples) {
-        if (texts.data() + texts.size() - end <= static_cast<std::ptrdiff_t>(vxfileio::kMostGeneralSize)) {
+        if (texts.data() + texts.size() - end <= static_cast<std::ptrdiff_t>(vxfileio::helpers::kMostGeneralSize)) {
             append();
             end = texts.data();
         }
-        end = vxfileio::WriteGeneral(end, sample);
+        end = vxfileio::helpers::WriteGeneral(end, sample);
         *end++ = ';';
     }
     append();

@@ -8,6 +8,8 @@
 #include "tests/support/TempFolder.h"
 #include "vxfileio/export/compound/BlockWrites.h"
 
+using vxfileio::compound::SectorFile;
+
 namespace {
 
 using vxfileio::compound::CBlockWrites;

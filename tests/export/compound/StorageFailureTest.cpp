@@ -3,6 +3,8 @@
 #include "tests/export/compound/StorageTest.h"
 #include "tests/support/AllocationCount.h"
 
+using vxfileio::compound::CompoundStorage;
+
 namespace {
 
 using StorageFailureTest = StorageTest;

@@ -35,7 +35,7 @@ class StorageTest : public testing::Test {
     /// The same in pieces of so many bytes, each of which is gone when the next one comes. `size` is what is told.
     std::int32_t WriteInPieces(const std::string& name, const std::string& content, std::size_t piece,
                                std::size_t size) {
-        const auto give = [&](const CompoundStorage::TakePiece& take) {
+        const auto give = [&](const vxfileio::compound::CompoundStorage::TakePiece& take) {
             for (std::size_t at = 0; at < content.size(); at += piece) {
                 std::string bytes = content.substr(at, piece);
                 take(std::as_bytes(std::span(bytes)));
@@ -56,5 +56,5 @@ class StorageTest : public testing::Test {
 
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("storage.xls");
-    CompoundStorage m_storage;
+    vxfileio::compound::CompoundStorage m_storage;
 };

@@ -6,13 +6,13 @@
 #include <utility>
 #include <variant>
 
-#include "tools/vxfile/io/Text.h"
-#include "tools/vxfile/raw/CellFault.h"
+#include "tools/vxfile/report/Text.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/CellFault.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
-using namespace vxfileio;
+using namespace vxfileio::helpers;
 using namespace vxfileio::rawdata;
 
 namespace vxfile {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vxfile/Findings.h"
+#include "tools/vxfile/report/Findings.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
 /// @file

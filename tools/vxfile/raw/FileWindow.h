@@ -18,7 +18,7 @@ class CFileWindow {
     static constexpr std::size_t kRoom = std::size_t{64} << 10;  ///< Bytes; they stay near the processor.
 
     /// The file stays the caller's, and outlives this object.
-    explicit CFileWindow(const vxfileio::CFile& file) : m_file(file) {}
+    explicit CFileWindow(const vxfileio::helpers::CFile& file) : m_file(file) {}
 
     /// Returns the bytes that are at hand from a position on: at least `least`, unless the file ends. If there are
     /// fewer, `ahead` are read first, which is `least` or more; `kRoom` is the most.
@@ -47,7 +47,7 @@ class CFileWindow {
         m_size = m_file.ReadUpTo(position, room.first(std::min(ahead, kRoom)));
     }
 
-    const vxfileio::CFile& m_file;
+    const vxfileio::helpers::CFile& m_file;
     std::unique_ptr<std::uint16_t[]> m_room = std::make_unique_for_overwrite<std::uint16_t[]>(kRoomSamples);
     std::int64_t m_start = 0;  ///< Where the bytes stand in the file.
     std::size_t m_size = 0;    ///< How many there are.

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/io/Progress.h"
-#include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Progress.h"
 
 using vxfileio::rawdata::kFileHdrSize;
 

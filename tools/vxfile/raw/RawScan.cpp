@@ -4,9 +4,9 @@
 #include <span>
 #include <utility>
 
-#include "tools/vxfile/io/Failure.h"
-#include "tools/vxfile/io/OpenInput.h"
-#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/OpenInput.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 using namespace vxfileio::rawdata;

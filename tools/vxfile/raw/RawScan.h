@@ -58,7 +58,7 @@ class CRawScan {
     /// Throws `CFailure` if the file can't be opened or hasn't the mark of a raw data file.
     explicit CRawScan(const std::string& path);
 
-    const vxfileio::CFile& File() const { return m_file; }
+    const vxfileio::helpers::CFile& File() const { return m_file; }
     /// What is at hand of the file for the walk that is under way, and for whoever reads the samples that it leads to.
     CFileWindow& Window() const { return m_window; }
     /// The size of the file as it was opened.
@@ -89,7 +89,7 @@ class CRawScan {
     std::optional<CChainBreak::EReason> ReadRecording(std::int64_t position);
     void WalkRecordings();
 
-    vxfileio::CFile m_file;
+    vxfileio::helpers::CFile m_file;
     mutable CFileWindow m_window{m_file};
     std::int64_t m_size = 0;
     CRawDataFileHdr m_header;

@@ -6,11 +6,11 @@
 #include <set>
 #include <utility>
 
-#include "tools/vxfile/io/Progress.h"
-#include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/raw/CellJudge.h"
 #include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Progress.h"
 
 using namespace vxfileio::rawdata;
 

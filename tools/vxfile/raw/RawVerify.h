@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/vxfile/Findings.h"
+#include "tools/vxfile/report/Findings.h"
 
 namespace vxfile {
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <span>
 
-#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/system/Failure.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
@@ -88,7 +88,7 @@ std::int64_t CRecordingProbe::Position(std::size_t row) const {
     for (std::size_t i = 0; i < row; ++i)
         offset += kRecordingCells[i].width;  // the positions stand ahead of the cell that not every version has
     const auto cell = std::string_view(bytes).substr(offset, kRecordingCells[row].width);
-    return vxfileio::ParseInt64(CellValue(cell));
+    return vxfileio::helpers::ParseInt64(CellValue(cell));
 }
 
 std::string CHeaderProbe::Read(std::int64_t position, std::size_t size) const {

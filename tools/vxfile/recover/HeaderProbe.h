@@ -56,7 +56,7 @@ struct CRecordingProbe {
 class CHeaderProbe {
  public:
     /// The file stays the caller's; `path` is what messages call it.
-    CHeaderProbe(const vxfileio::CFile& file, std::string path)
+    CHeaderProbe(const vxfileio::helpers::CFile& file, std::string path)
         : m_file(file), m_path(std::move(path)), m_size(file.Size()) {}
 
     /// The size that the file had at first; what grows behind it isn't looked at.
@@ -76,7 +76,7 @@ class CHeaderProbe {
     bool LooksLikeEnd(std::int64_t position) const;
 
  private:
-    const vxfileio::CFile& m_file;
+    const vxfileio::helpers::CFile& m_file;
     std::string m_path;
     std::int64_t m_size;
 };

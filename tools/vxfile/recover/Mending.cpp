@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vxfile/io/Text.h"
-#include "vxfileio/frame/ExcVXReader.h"
+#include "tools/vxfile/report/Text.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
@@ -16,7 +16,7 @@
 namespace vxfile {
 
 using namespace vxfileio::rawdata;
-using vxfileio::CNumberText;
+using vxfileio::helpers::CNumberText;
 
 namespace {
 

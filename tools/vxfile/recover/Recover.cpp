@@ -2,22 +2,22 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/io/Failure.h"
-#include "tools/vxfile/io/OpenInput.h"
-#include "tools/vxfile/io/Output.h"
-#include "tools/vxfile/io/Progress.h"
-#include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/recover/Mending.h"
 #include "tools/vxfile/recover/RecoverReport.h"
 #include "tools/vxfile/recover/RecoveredFile.h"
 #include "tools/vxfile/recover/Survey.h"
 #include "tools/vxfile/recover/WellJudge.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/OpenInput.h"
+#include "tools/vxfile/system/Output.h"
+#include "tools/vxfile/system/Progress.h"
 
 namespace vxfile {
 
 namespace {
 
-using vxfileio::CFile;
+using vxfileio::helpers::CFile;
 
 /// Tells whether all segments of one inventory are in another.
 bool Holds(const CInventory& inventory, const CInventory& other) {

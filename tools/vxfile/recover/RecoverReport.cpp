@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/report/Text.h"
 
 namespace vxfile {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/vxfile/Json.h"
 #include "tools/vxfile/recover/Inventory.h"
 #include "tools/vxfile/recover/Mending.h"
+#include "tools/vxfile/report/Json.h"
 
 namespace vxfile {
 

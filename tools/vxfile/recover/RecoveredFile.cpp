@@ -5,15 +5,15 @@
 #include <cstddef>
 #include <span>
 
-#include "tools/vxfile/io/Failure.h"
+#include "tools/vxfile/system/Failure.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 namespace vxfile {
 
 using namespace vxfileio::rawdata;
-using vxfileio::CFile;
-using vxfileio::CNumberText;
+using vxfileio::helpers::CFile;
+using vxfileio::helpers::CNumberText;
 
 namespace {
 
@@ -75,7 +75,7 @@ class CCopy {
                                  .Size = segment.samples};
         std::array<char, kSegmentHdrSize> bytes{};
         Encode(header, bytes);
-        vxfileio::CBytes headerBytes = std::as_bytes(std::span(bytes));
+        vxfileio::helpers::CBytes headerBytes = std::as_bytes(std::span(bytes));
         std::int64_t from = segment.Data();
         for (std::int64_t left = segment.End() - from; left > 0;) {
             const auto part = std::span(m_block).first(
@@ -91,7 +91,7 @@ class CCopy {
         m_tell(segment, m_file.End());
     }
 
-    void Append(vxfileio::CBytes first, vxfileio::CBytes second) {
+    void Append(vxfileio::helpers::CBytes first, vxfileio::helpers::CBytes second) {
         if (!m_file.Append({first, second})) RefuseToWrite();
     }
 

@@ -16,7 +16,7 @@ using CTellSegment = std::function<void(const CFoundSegment& segment, std::int64
 
 /// The files of a recovery.
 struct CCopyFiles {
-    const vxfileio::CFile& source;
+    const vxfileio::helpers::CFile& source;
     const std::string& sourcePath;  ///< What messages call it.
     const std::string& work;        ///< Where the new file is written.
     const std::string& target;      ///< What messages call it.

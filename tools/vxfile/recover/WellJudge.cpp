@@ -7,8 +7,8 @@
 #include <span>
 #include <utility>
 
-#include "tools/vxfile/io/Text.h"
 #include "tools/vxfile/recover/HeaderProbe.h"
+#include "tools/vxfile/report/Text.h"
 
 namespace vxfile {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string>
 
-#include "tools/vxfile/raw/CellFault.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/CellFault.h"
 
 namespace vxfile {
 
@@ -16,10 +16,10 @@ namespace {
 /// Tells whether a number that is written as it should be can be what it says: no position lies below -1, there are no
 /// trailers, and no header has room for more channels.
 bool IsInRange(const auto& cell, std::string_view bytes) {
-    if (cell.key == "FPosRecordingTrailer") return vxfileio::ParseInt64(CellValue(bytes)) == kUnset;
-    if (cell.key.starts_with("FPos")) return vxfileio::ParseInt64(CellValue(bytes)) >= kUnset;
+    if (cell.key == "FPosRecordingTrailer") return vxfileio::helpers::ParseInt64(CellValue(bytes)) == kUnset;
+    if (cell.key.starts_with("FPos")) return vxfileio::helpers::ParseInt64(CellValue(bytes)) >= kUnset;
     if (!cell.key.starts_with("NumberOf")) return true;
-    const std::int64_t count = vxfileio::ParseInt64(CellValue(bytes));
+    const std::int64_t count = vxfileio::helpers::ParseInt64(CellValue(bytes));
     return count >= 0 && count <= static_cast<std::int64_t>(kMostChannels);
 }
 

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <numeric>
 
-#include "vxfileio/export/FieldVisitors.h"
 #include "vxfileio/export/compound/DirectoryEntry.h"
+#include "vxfileio/helpers/FieldVisitors.h"
+
+using vxfileio::compound::DirectoryEntry;
 
 using namespace vxfileio::compound;
 
@@ -43,7 +45,7 @@ CCompoundLayout::CCompoundLayout(std::uint32_t streamSize) {
         root.streamSize = static_cast<std::uint32_t>(Count(streamSize, kMiniSectorSize) * kMiniSectorSize);
     }
     m_directory.resize(kSectorSize);
-    vxfileio::FieldStore store(m_directory.data());
+    vxfileio::helpers::FieldStore store(m_directory.data());
     root.Fields(store);
     stream.Fields(store);
     m_sectors = m_fat.size();

@@ -14,7 +14,7 @@ class CCompoundLayout {
  public:
     explicit CCompoundLayout(std::uint32_t streamSize);
 
-    const StorageHeader& Header() const { return m_header; }
+    const vxfileio::compound::StorageHeader& Header() const { return m_header; }
     /// The marks of all sectors, up to the end of the last sector of the FAT.
     const std::vector<std::uint32_t>& Fat() const { return m_fat; }
     /// The marks of the mini sectors, as many as the mini FAT has; empty without one.
@@ -38,7 +38,7 @@ class CCompoundLayout {
     void LayOutMiniStream(std::uint32_t streamSize);
     void FillHeader();
 
-    StorageHeader m_header;
+    vxfileio::compound::StorageHeader m_header;
     std::vector<std::uint32_t> m_fat;
     std::vector<std::uint32_t> m_miniFat;
     std::vector<std::byte> m_directory;

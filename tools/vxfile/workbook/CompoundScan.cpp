@@ -4,15 +4,17 @@
 #include <span>
 #include <string_view>
 
-#include "tools/vxfile/io/Failure.h"
-#include "tools/vxfile/io/OpenInput.h"
-#include "vxfileio/export/FieldVisitors.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/OpenInput.h"
 #include "vxfileio/export/compound/CompoundFormat.h"
 #include "vxfileio/export/compound/DirectoryEntry.h"
+#include "vxfileio/helpers/FieldVisitors.h"
 #include "vxfileio/helpers/LittleEndian.h"
 
+using vxfileio::compound::DirectoryEntry;
+
 using namespace vxfileio::compound;
-using vxfileio::LoadLE32;
+using vxfileio::helpers::LoadLE32;
 
 namespace vxfile {
 
@@ -74,7 +76,7 @@ void CCompoundScan::ReadFat() {
 void CCompoundScan::ReadStream() {
     const DirectoryEntry wanted(enEntryType::Stream, "Workbook");
     std::vector<std::byte> name(kDirectoryEntrySize);
-    vxfileio::FieldStore(name.data())(wanted.name);
+    vxfileio::helpers::FieldStore(name.data())(wanted.name);
     m_root = ReadChain(Field(kFirstDirectorySector), kSectorSize);
     for (std::size_t at = kDirectoryEntrySize; at < kSectorSize; at += kDirectoryEntrySize) {
         const auto entry = std::span(m_root).subspan(at, kDirectoryEntrySize);

@@ -30,7 +30,7 @@ class CCompoundScan {
     std::uint32_t Field(std::size_t offset) const;
 
     std::string m_path;
-    vxfileio::CFile m_file;
+    vxfileio::helpers::CFile m_file;
     std::int64_t m_size = 0;
     std::vector<std::byte> m_header;
     std::vector<std::uint32_t> m_fat;

@@ -18,7 +18,7 @@ namespace {
 template <class Number>
 Number LoadAt(std::span<const std::byte> body, std::size_t offset) {
     if (offset + sizeof(Number) > body.size()) return 0;
-    return vxfileio::LoadLittleEndian<Number>(&body[offset]);
+    return vxfileio::helpers::LoadLittleEndian<Number>(&body[offset]);
 }
 
 struct CCodeName {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/workbook/Records.h"
 #include "tools/vxfile/workbook/SharedStringsJudge.h"
 #include "tools/vxfile/workbook/WorkbookVerify.h"

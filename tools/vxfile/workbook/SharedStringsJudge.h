@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vxfile/Findings.h"
+#include "tools/vxfile/report/Findings.h"
 
 namespace vxfile {
 

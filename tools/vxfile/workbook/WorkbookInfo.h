@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/vxfile/Page.h"
+#include "tools/vxfile/report/Page.h"
 
 namespace vxfile {
 

@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vxfile/io/Failure.h"
-#include "tools/vxfile/io/FileKind.h"
-#include "tools/vxfile/io/Text.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/FileKind.h"
 #include "tools/vxfile/workbook/CompoundLayout.h"
 #include "tools/vxfile/workbook/CompoundScan.h"
-#include "vxfileio/export/FieldVisitors.h"
+#include "vxfileio/helpers/FieldVisitors.h"
 
 using namespace vxfileio::compound;
 
@@ -59,10 +59,10 @@ std::string Bytes(std::span<const std::byte> bytes) {
 }
 
 std::vector<std::byte> BytesOf(const auto& fields) {
-    vxfileio::FieldSize size;
+    vxfileio::helpers::FieldSize size;
     size(fields);
     std::vector<std::byte> bytes(size.Size());
-    vxfileio::FieldStore store(bytes.data());
+    vxfileio::helpers::FieldStore store(bytes.data());
     store(fields);
     return bytes;
 }

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "tools/vxfile/Findings.h"
+#include "tools/vxfile/report/Findings.h"
 
 namespace vxfile {
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <span>
 
-#include "vxfileio/export/FieldVisitors.h"
 #include "vxfileio/export/biff/CountedString.h"
+#include "vxfileio/helpers/FieldVisitors.h"
 #include "vxfileio/helpers/LittleEndian.h"
 
 /// @file
@@ -16,8 +16,8 @@
 
 namespace YExcel {
 
-using vxfileio::FieldSize;
-using vxfileio::FieldVisitor;
+using vxfileio::helpers::FieldSize;
+using vxfileio::helpers::FieldVisitor;
 
 /// The most bytes of a body that one record holds, its header not counted.
 inline constexpr std::size_t kMostBody = 8224;
@@ -38,7 +38,7 @@ class ContinuedBody : public FieldVisitor<ContinuedBody<Records>> {
 
     void Number(std::unsigned_integral auto value) {
         std::array<std::byte, sizeof(value)> bytes{};
-        vxfileio::StoreLittleEndian(bytes.data(), value);
+        vxfileio::helpers::StoreLittleEndian(bytes.data(), value);
         Bytes(bytes);
     }
 

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "vxfileio/export/FieldVisitors.h"
 #include "vxfileio/export/biff/ContinuedBody.h"
+#include "vxfileio/helpers/FieldVisitors.h"
 
 /// @file
 /// Records of a workbook stream: each is its code, the length of its body, and the body, all numbers little-endian.

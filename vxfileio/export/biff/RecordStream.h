@@ -19,7 +19,7 @@
 
 namespace YExcel {
 
-using vxfileio::FieldStore;
+using vxfileio::helpers::FieldStore;
 
 /// Counts the bytes of a stream.
 class StreamSize {
@@ -85,7 +85,7 @@ class RecordStream {
         void Bytes(std::span<const std::byte> bytes) {
             std::byte* const lengthField = m_stream.m_end - m_length - sizeof(m_length);
             m_length = static_cast<std::uint16_t>(m_length + bytes.size());
-            vxfileio::StoreLE16(lengthField, m_length);
+            vxfileio::helpers::StoreLE16(lengthField, m_length);
             m_stream.m_end = std::copy(bytes.begin(), bytes.end(), m_stream.m_end);
         }
 

@@ -7,16 +7,16 @@ namespace vxfileio::compound {
 
 namespace {
 
-constexpr std::uint32_t BlocksIn(CBytes bytes) {
+constexpr std::uint32_t BlocksIn(helpers::CBytes bytes) {
     return static_cast<std::uint32_t>(bytes.size() / SectorFile::kBlockSize);
 }
 
 }  // namespace
 
-void CBlockWrites::Add(std::uint32_t first, CBytes bytes) {
+void CBlockWrites::Add(std::uint32_t first, helpers::CBytes bytes) {
     const std::uint32_t end = first + BlocksIn(bytes);
-    const CBytes whole = bytes.first(BlocksIn(bytes) * SectorFile::kBlockSize);
-    const CBytes rest = bytes.subspan(whole.size());
+    const helpers::CBytes whole = bytes.first(BlocksIn(bytes) * SectorFile::kBlockSize);
+    const helpers::CBytes rest = bytes.subspan(whole.size());
     if (!whole.empty()) {
         m_parts.emplace(first, whole);
         m_endOfLent = std::max(m_endOfLent, end);
@@ -39,10 +39,10 @@ bool CBlockWrites::WriteBefore(std::uint32_t end, SectorFile& file) {
     while (!m_parts.empty() && m_parts.begin()->first < end) {
         const std::uint32_t first = m_parts.begin()->first;
         std::uint32_t next = first;
-        std::array<CBytes, SectorFile::kMostParts> run;
+        std::array<helpers::CBytes, SectorFile::kMostParts> run;
         std::size_t count = 0;
         while (count < run.size() && !m_parts.empty() && m_parts.begin()->first == next) {
-            const CBytes part = m_parts.extract(m_parts.begin()).mapped();
+            const helpers::CBytes part = m_parts.extract(m_parts.begin()).mapped();
             next += BlocksIn(part);
             run[count++] = part;
         }

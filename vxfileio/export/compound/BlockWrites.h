@@ -21,7 +21,7 @@ class CBlockWrites {
 
     /// Adds the blocks from `first` on that these bytes fill, the rest of the last one being zeros. The bytes are lent:
     /// they are the caller's and must stay until they are written. No block may wait twice.
-    void Add(std::uint32_t first, CBytes bytes);
+    void Add(std::uint32_t first, helpers::CBytes bytes);
     /// Adds one block, of which a copy is kept.
     void AddCopy(std::uint32_t index, std::span<const std::byte, SectorFile::kBlockSize> block);
 
@@ -34,9 +34,9 @@ class CBlockWrites {
  private:
     bool WriteBefore(std::uint32_t end, SectorFile& file);
 
-    std::map<std::uint32_t, CBytes> m_parts;  ///< Whole blocks, by the number of the first.
-    std::deque<Block> m_copies;               ///< A deque, since they must stay where they are while others are added.
-    std::uint32_t m_endOfLent = 0;            ///< The block behind the last one that was lent.
+    std::map<std::uint32_t, helpers::CBytes> m_parts;  ///< Whole blocks, by the number of the first.
+    std::deque<Block> m_copies;     ///< A deque, since they must stay where they are while others are added.
+    std::uint32_t m_endOfLent = 0;  ///< The block behind the last one that was lent.
 };
 
 }  // namespace vxfileio::compound

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <array>
 
-#include "vxfileio/export/FieldVisitors.h"
+#include "vxfileio/helpers/FieldVisitors.h"
 
-using namespace vxfileio::compound;
-using vxfileio::CBytes;
+namespace vxfileio::compound {
+
+using helpers::CBytes;
 
 namespace {
 
@@ -35,7 +36,7 @@ constexpr std::uint32_t BlockOf(std::uint32_t sector) { return sector + 1; }
 // ---- Bytes ----------------------------------------------------------------------------------------------------------
 
 constexpr std::size_t SizeOf(const auto& object) {
-    vxfileio::FieldSize size;
+    helpers::FieldSize size;
     object.Fields(size);
     return size.Size();
 }
@@ -44,14 +45,14 @@ static_assert(SizeOf(StorageHeader()) == kSectorSize);
 
 Sector BytesOf(const StorageHeader& header) {
     Sector bytes{};
-    vxfileio::FieldStore store(bytes.data());
+    helpers::FieldStore store(bytes.data());
     header.Fields(store);
     return bytes;
 }
 
 Sector BytesOf(std::span<const std::uint32_t, kMarksPerSector> marks) {
     Sector bytes{};
-    vxfileio::FieldStore store(bytes.data());
+    helpers::FieldStore store(bytes.data());
     store(marks);
     return bytes;
 }
@@ -313,3 +314,5 @@ std::uint32_t CompoundStorage::AddChain(CBlockWrites& writes, std::uint32_t sect
     }
     return sector;
 }
+
+}  // namespace vxfileio::compound

@@ -13,6 +13,8 @@
 #include "vxfileio/export/compound/SectorTable.h"
 #include "vxfileio/export/compound/StorageHeader.h"
 
+namespace vxfileio::compound {
+
 /// Makes a new compound file and keeps named streams in it, which may stand in storages as files do in folders.
 ///
 /// Paths inside the file have backslashes between their names; one that begins with a backslash starts at the root, any
@@ -62,10 +64,10 @@ class CompoundStorage {
 
     /// Replaces the content of a stream. The data is written straight from the caller's buffer, and not kept unless it
     /// is less than 4096 bytes.
-    std::int32_t WriteFile(const std::string& path, vxfileio::CBytes data);
+    std::int32_t WriteFile(const std::string& path, helpers::CBytes data);
 
     /// Takes the next piece of a stream's content. All pieces but the last fill whole sectors of 512 bytes.
-    using TakePiece = std::function<void(vxfileio::CBytes piece)>;
+    using TakePiece = std::function<void(helpers::CBytes piece)>;
 
     /// The same with `size` bytes that needn't stand in memory together: `give(take)` is called once, unless the call
     /// is refused, and calls `take` for one piece after the other. A piece goes to the system before `take` returns;
@@ -83,20 +85,19 @@ class CompoundStorage {
 
     void FitStream(DirectoryEntry& entry, std::size_t size, bool isBig);
     void FitMiniStream(DirectoryEntry& entry, std::size_t size);
-    std::uint32_t CopyToMiniStream(std::uint32_t miniSector, vxfileio::CBytes data);
+    std::uint32_t CopyToMiniStream(std::uint32_t miniSector, helpers::CBytes data);
 
     void ExtendFat();
     void ExtendMiniFat();
 
     void Write(vxfileio::compound::CBlockWrites& writes);
     void WriteTables();
-    std::uint32_t WritePiece(vxfileio::compound::CBlockWrites& writes, std::uint32_t sector, vxfileio::CBytes piece);
+    std::uint32_t WritePiece(vxfileio::compound::CBlockWrites& writes, std::uint32_t sector, helpers::CBytes piece);
     void AddTables(vxfileio::compound::CBlockWrites& writes);
     void AddFat(vxfileio::compound::CBlockWrites& writes) const;
     void AddDifat(vxfileio::compound::CBlockWrites& writes) const;
     void AddMiniFat(vxfileio::compound::CBlockWrites& writes) const;
-    std::uint32_t AddChain(vxfileio::compound::CBlockWrites& writes, std::uint32_t sector,
-                           vxfileio::CBytes bytes) const;
+    std::uint32_t AddChain(vxfileio::compound::CBlockWrites& writes, std::uint32_t sector, helpers::CBytes bytes) const;
 
     SectorFile m_file;
     StorageHeader m_header;
@@ -107,3 +108,5 @@ class CompoundStorage {
     std::vector<std::byte> m_miniStream;  ///< The content of all short streams, as it stands in the file.
     bool m_isComplete = false;
 };
+
+}  // namespace vxfileio::compound

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "vxfileio/export/FieldVisitors.h"
+#include "vxfileio/helpers/FieldVisitors.h"
 
 namespace vxfileio::compound {
 
@@ -37,7 +37,7 @@ void CDirectory::MakeRoomAt(std::size_t place) {
 std::vector<std::byte> CDirectory::Encode() const {
     const std::size_t size = m_nodes.size() * kDirectoryEntrySize;
     std::vector<std::byte> bytes((size + kSectorSize - 1) / kSectorSize * kSectorSize);
-    vxfileio::FieldStore store(bytes.data());
+    helpers::FieldStore store(bytes.data());
     for (const auto& node : m_nodes)
         node->entry.Fields(store);
     return bytes;

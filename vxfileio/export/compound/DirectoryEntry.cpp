@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <tuple>
 
+namespace vxfileio::compound {
+
 DirectoryEntry::DirectoryEntry(vxfileio::compound::enEntryType entryType, std::string_view bytesOfName)
     : nameSize(static_cast<std::uint16_t>(2 * bytesOfName.size() + 2)), type(static_cast<std::uint8_t>(entryType)) {
     std::transform(bytesOfName.begin(), bytesOfName.end(), name.begin(),
@@ -12,3 +14,5 @@ DirectoryEntry::DirectoryEntry(vxfileio::compound::enEntryType entryType, std::s
 bool HasLowerName(const DirectoryEntry& a, const DirectoryEntry& b) {
     return std::tie(a.nameSize, a.name) < std::tie(b.nameSize, b.name);
 }
+
+}  // namespace vxfileio::compound

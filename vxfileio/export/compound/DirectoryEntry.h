@@ -6,6 +6,8 @@
 
 #include "vxfileio/export/compound/CompoundFormat.h"
 
+namespace vxfileio::compound {
+
 /// An entry of the directory, its fields in the order of their bytes. Siblings and child are indices of other entries.
 /// Every entry is black: the trees of siblings are sorted, not balanced. No time is ever set.
 struct DirectoryEntry {
@@ -36,3 +38,5 @@ struct DirectoryEntry {
 
 /// The order of entries, and so of siblings: shorter names first, then by their 16-bit units.
 bool HasLowerName(const DirectoryEntry& a, const DirectoryEntry& b);
+
+}  // namespace vxfileio::compound

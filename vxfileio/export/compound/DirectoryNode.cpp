@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-using namespace vxfileio::compound;
+namespace vxfileio::compound {
 
 DirectoryNode* DirectoryNode::FindChild(std::string_view name) const {
     if (name.size() >= kNameUnits) return nullptr;
@@ -33,3 +33,5 @@ void DirectoryNode::LinkChildren() {
     }
     entry.child = indexAt(middle);
 }
+
+}  // namespace vxfileio::compound

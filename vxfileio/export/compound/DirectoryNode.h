@@ -6,6 +6,8 @@
 
 #include "vxfileio/export/compound/DirectoryEntry.h"
 
+namespace vxfileio::compound {
+
 /// An entry of the directory and its place in the tree of storages. Nodes belong to the directory.
 struct DirectoryNode {
     DirectoryNode* parent;  ///< Null for the root.
@@ -25,3 +27,5 @@ struct DirectoryNode {
  private:
     void LinkChildren();
 };
+
+}  // namespace vxfileio::compound

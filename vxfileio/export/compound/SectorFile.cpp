@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
-using vxfileio::CBytes;
+namespace vxfileio::compound {
+
+using helpers::CBytes;
 
 namespace {
 
@@ -100,3 +102,5 @@ void SectorFile::CountWritten(std::uint32_t index, std::size_t blocks) {
     m_byteSize += (end - std::max<std::uint64_t>(index, m_blockCount)) * kBlockSize;
     m_blockCount = static_cast<std::uint32_t>(end);
 }
+
+}  // namespace vxfileio::compound

@@ -7,6 +7,8 @@
 #include "vxfileio/export/compound/CompoundFormat.h"
 #include "vxfileio/helpers/File.h"
 
+namespace vxfileio::compound {
+
 /// A file seen as blocks of 512 bytes, numbered from 0. Nothing throws; what can't be done gives false.
 class SectorFile {
  public:
@@ -41,11 +43,11 @@ class SectorFile {
     bool Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer);
 
     /// The most pieces that one run is written from.
-    static constexpr std::size_t kMostParts = vxfileio::CFile::kMostBuffers;
+    static constexpr std::size_t kMostParts = helpers::CFile::kMostBuffers;
 
     /// Writes blocks side by side from `index` on, at once. The parts, up to `kMostParts` of them, are whole blocks
     /// each. True means that all of it is with the system.
-    bool WriteRun(std::uint32_t index, std::span<const vxfileio::CBytes> parts);
+    bool WriteRun(std::uint32_t index, std::span<const helpers::CBytes> parts);
 
     /// Writes a block between others, so that those from `index` on move up by one. An index beyond the end is a plain
     /// `Write`.
@@ -61,8 +63,10 @@ class SectorFile {
     void CountWritten(std::uint32_t index, std::size_t blocks);
 
     std::string m_path;
-    vxfileio::CFile m_file;
+    helpers::CFile m_file;
     std::uint32_t m_mode = 0;
     std::uint32_t m_blockCount = 0;
     std::uint64_t m_byteSize = 0;
 };
+
+}  // namespace vxfileio::compound

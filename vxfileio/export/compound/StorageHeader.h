@@ -5,6 +5,8 @@
 
 #include "vxfileio/export/compound/CompoundFormat.h"
 
+namespace vxfileio::compound {
+
 /// The header of a compound file, its fields in the order of their bytes. A new one is that of a file whose sectors are
 /// one of the FAT, number 0, and one of the directory, number 1.
 struct StorageHeader {
@@ -39,3 +41,5 @@ struct StorageHeader {
              firstMiniFatSector, miniFatSectors, firstDifatSector, difatSectors, difat);
     }
 };
+
+}  // namespace vxfileio::compound

@@ -1,0 +1,124 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "tools/vxfile/document/XmlTokens.h"
+#include "tools/vxfile/report/Differences.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/WholeText.h"
+#include "vxfileio/helpers/NumberText.h"
+
+namespace vxfile {
+
+namespace {
+
+/// No document of this system is half as deep. A path is kept for each value, so depth costs memory.
+constexpr std::size_t kMostDepth = 32;
+
+/// Such as "&#128;".
+constexpr std::size_t kLongestReference = 6;
+
+/// Returns the text that a value stands for, whatever references it is written with.
+std::string Decoded(std::string_view text) {
+    constexpr std::array<std::pair<std::string_view, char>, 5> kNames = {
+        {{"&quot;", '"'}, {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&apos;", '\''}}};
+    std::string decoded;
+    while (!text.empty()) {
+        const auto starts = [&](const auto& name) { return text.starts_with(name.first); };
+        const auto* const name = std::ranges::find_if(kNames, starts);
+        const auto end = text.substr(0, kLongestReference).find(';');
+        if (name != kNames.end()) {
+            decoded += name->second;
+            text.remove_prefix(name->first.size());
+        } else if (text.starts_with("&#") && end != std::string_view::npos) {
+            decoded += static_cast<char>(vxfileio::helpers::ParseUInt32(text.substr(2, end - 2)));
+            text.remove_prefix(end + 1);
+        } else {
+            decoded += text.front();
+            text.remove_prefix(1);
+        }
+    }
+    return decoded;
+}
+
+/// Gathers the values of a document by the paths of their elements; an element that comes again has its number.
+class CXmlLeaves {
+ public:
+    CXmlLeaves(std::string path, std::string_view document) : m_file(std::move(path)), m_tokens(document) {}
+
+    std::vector<CLeaf> Gather() {
+        for (CXmlToken token = m_tokens.Next(); token.kind != CXmlToken::EKind::Nothing; token = m_tokens.Next())
+            Take(token);
+        return std::move(m_leaves);
+    }
+
+ private:
+    struct CLevel {
+        std::size_t pathSize;
+        std::string_view text = {};
+        bool hasChildren = false;
+        std::map<std::string_view, std::size_t> counts = {};
+    };
+
+    void Take(const CXmlToken& token) {
+        switch (token.kind) {
+            case CXmlToken::EKind::Start:
+                Open(token);
+                break;
+            case CXmlToken::EKind::SelfClosed:
+                Open(token);
+                Close();
+                break;
+            case CXmlToken::EKind::End:
+                Close();
+                break;
+            case CXmlToken::EKind::Text:
+                m_levels.back().text = token.bytes;
+                break;
+            case CXmlToken::EKind::Broken:
+                throw CFailure(m_file + " ends within a tag; vxfile verify tells more.");
+            default:
+                break;
+        }
+    }
+
+    void Open(const CXmlToken& token) {
+        if (m_levels.size() > kMostDepth)
+            throw CFailure(m_file + " has elements that no such file has; vxfile verify tells more.");
+        CLevel& parent = m_levels.back();
+        parent.hasChildren = true;
+        const std::size_t number = parent.counts[token.tag]++;
+        m_levels.push_back({m_path.size()});
+        m_path += '/' + std::string(token.tag);
+        if (number > 0) m_path += '[' + std::to_string(number) + ']';
+    }
+
+    void Close() {
+        if (m_levels.size() < 2) throw CFailure(m_file + " closes what isn't open; vxfile verify tells more.");
+        const CLevel& level = m_levels.back();
+        if (!level.hasChildren) m_leaves.push_back({m_path.substr(1), Decoded(level.text)});
+        m_path.resize(level.pathSize);
+        m_levels.pop_back();
+        m_levels.back().text = {};
+    }
+
+    std::string m_file;
+    CXmlTokens m_tokens;
+    std::string m_path;
+    std::vector<CLevel> m_levels = {{0}};
+    std::vector<CLeaf> m_leaves;
+};
+
+}  // namespace
+
+void CompareDocuments(const std::string& left, const std::string& right, CDifferences& differences) {
+    const std::string leftText = ReadWholeText(left);
+    const std::string rightText = ReadWholeText(right);
+    CompareLeaves(CXmlLeaves(left, leftText).Gather(), CXmlLeaves(right, rightText).Gather(), differences);
+}
+
+}  // namespace vxfile

@@ -1,0 +1,78 @@
+#include "tools/vxfile/document/XmlTokens.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vxfile {
+
+namespace {
+
+/// What isn't an element, by its two ends.
+struct COtherForm {
+    std::string_view begin;
+    std::string_view end;
+};
+
+constexpr std::array kOtherForms = {
+    COtherForm{"<?", "?>"},
+    COtherForm{"<!--", "-->"},
+    COtherForm{"<![CDATA[", "]]>"},
+    COtherForm{"<!", ">"},
+};
+
+constexpr std::string_view kBehindTag = " \t\r\n/>";
+
+/// Returns where a tag ends, behind its `>`; npos if it doesn't. A quoted value may have a `>`.
+std::size_t EndOfTag(std::string_view text) {
+    char quote = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quote == 0 && c == '>') return i + 1;
+        if (c == quote) {
+            quote = 0;
+        } else if (quote == 0 && (c == '"' || c == '\'')) {
+            quote = c;
+        }
+    }
+    return std::string_view::npos;
+}
+
+}  // namespace
+
+CXmlToken CXmlTokens::Next() {
+    const std::string_view rest = m_document.substr(m_offset);
+    if (rest.empty()) return Take(CXmlToken::EKind::Nothing, 0);
+    if (rest.front() != '<') return Take(CXmlToken::EKind::Text, std::min(rest.find('<'), rest.size()));
+    for (const auto& form : kOtherForms) {
+        if (!rest.starts_with(form.begin)) continue;
+        const auto end = rest.find(form.end, form.begin.size());
+        if (end == std::string_view::npos) return Take(CXmlToken::EKind::Broken, rest.size());
+        return Take(CXmlToken::EKind::Other, end + form.end.size());
+    }
+    return TakeTag(rest);
+}
+
+CXmlToken CXmlTokens::Take(CXmlToken::EKind kind, std::size_t size) {
+    const CXmlToken token{kind, m_offset, m_document.substr(m_offset, size)};
+    m_offset += size;
+    return token;
+}
+
+CXmlToken CXmlTokens::TakeTag(std::string_view rest) {
+    const std::size_t size = EndOfTag(rest);
+    if (size == std::string_view::npos) return Take(CXmlToken::EKind::Broken, rest.size());
+    const bool isEnd = rest[1] == '/';
+    const bool isSelfClosed = !isEnd && rest[size - 2] == '/';
+    const auto kind = isEnd          ? CXmlToken::EKind::End
+                      : isSelfClosed ? CXmlToken::EKind::SelfClosed
+                                     : CXmlToken::EKind::Start;
+    CXmlToken token = Take(kind, size);
+    const std::size_t begin = isEnd ? 2 : 1;
+    const std::size_t end = size - (isSelfClosed ? 2 : 1);
+    const std::string_view inner = token.bytes.substr(begin, end - begin);
+    token.tag = inner.substr(0, inner.find_first_of(kBehindTag));
+    token.attributes = inner.substr(token.tag.size());
+    return token;
+}
+
+}  // namespace vxfile

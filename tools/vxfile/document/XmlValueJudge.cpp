@@ -1,0 +1,143 @@
+#include "tools/vxfile/document/XmlValueJudge.h"
+
+#include <algorithm>
+#include <array>
+
+#include "tools/vxfile/report/Text.h"
+#include "vxfileio/helpers/NumberText.h"
+
+using namespace vxfileio::helpers;
+
+namespace vxfile {
+
+namespace {
+
+using CVerdict = std::optional<CValueFault>;
+
+// ---- Texts ----------------------------------------------------------------------------------------------------------
+
+constexpr std::array<std::string_view, 4> kNamedReferences = {"&quot;", "&amp;", "&lt;", "&gt;"};
+
+/// Returns the bytes of the reference at the front, as it is written for a byte that needs one; 0 if it is another.
+std::size_t SizeOfReference(std::string_view text) {
+    constexpr std::size_t kNumeric = 6;  // &#128;
+    for (const auto reference : kNamedReferences) {
+        if (text.starts_with(reference)) return reference.size();
+    }
+    if (!text.starts_with("&#") || text.size() < kNumeric || text[kNumeric - 1] != ';') return 0;
+    const std::string_view digits = text.substr(2, 3);
+    const bool areDigits = std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
+    const std::int32_t value = ParseInt32(digits);
+    return areDigits && value >= 128 && value <= 255 ? kNumeric : 0;
+}
+
+/// Returns how many bytes the text stands for, or what is wrong with it.
+struct CTextLength {
+    std::size_t bytes = 0;
+    CVerdict fault = std::nullopt;
+};
+
+CTextLength Measure(std::string_view text) {
+    CTextLength length;
+    while (!text.empty()) {
+        const char c = text.front();
+        std::size_t size = 1;
+        if (c == '&') {
+            size = SizeOfReference(text);
+            if (size == 0) {
+                length.fault = CValueFault{"&quot; &amp; &lt; &gt; or &#128; to &#255;",
+                                           "The reference is of another form; readers may take it for something else."};
+                return length;
+            }
+        } else if (c == '"' || c == '>' || static_cast<unsigned char>(c) >= 0x80) {
+            length.fault = CValueFault{"a reference in place of " + Quoted({&c, 1}),
+                                       "Another program wrote this; readers of this library take the byte as it is."};
+            return length;
+        }
+        ++length.bytes;
+        text.remove_prefix(size);
+    }
+    return length;
+}
+
+CVerdict JudgeCharacter(std::string_view text) {
+    const CTextLength length = Measure(text);
+    if (length.fault || length.bytes <= 1) return length.fault;
+    return CValueFault{"one character", "Readers take the first one."};
+}
+
+CVerdict JudgeWord(const CXmlRule& rule, std::string_view text) {
+    if (std::ranges::find(rule.words, text) != rule.words.end()) return std::nullopt;
+    if (text.empty() && rule.kind == EXmlKind::NoWord) return std::nullopt;
+    std::string words;
+    for (const auto word : rule.words)
+        words += (words.empty() ? "" : ", ") + std::string(word);
+    return CValueFault{"one of the words " + words, "Readers take it for an unknown one."};
+}
+
+// ---- Numbers --------------------------------------------------------------------------------------------------------
+
+std::string WrittenNumber(EXmlKind kind, std::string_view text) {
+    const auto written = [](auto number) { return std::string(CNumberText(number).View()); };
+    switch (kind) {
+        case EXmlKind::Bool:
+            return ParseInt32(text) == 1 ? "1" : "0";
+        case EXmlKind::Int32:
+            return written(ParseInt32(text));
+        case EXmlKind::Int64:
+        case EXmlKind::FoundInt64:
+            return written(ParseInt64(text));
+        case EXmlKind::UInt16:
+            return written(static_cast<std::uint16_t>(ParseUInt32(text)));
+        case EXmlKind::UInt32:
+            return written(ParseUInt32(text));
+        case EXmlKind::UInt64:
+            return written(ParseUInt64(text));
+        default:
+            return std::string(CNumberText::RoundTrip(ParseDouble(text)).View());
+    }
+}
+
+CVerdict JudgeNumber(EXmlKind kind, std::string_view text) {
+    if (text.empty()) return CValueFault{"a number", "Readers keep the default."};
+    std::string written = WrittenNumber(kind, text);
+    if (text == written) return std::nullopt;
+    return CValueFault{"the number as it is written, " + Quoted(written), "Readers take it for " + written + "."};
+}
+
+CVerdict JudgeSamples(std::string_view text) {
+    while (!text.empty()) {
+        const auto end = text.find(';');
+        if (end == std::string_view::npos)
+            return CValueFault{"a semicolon behind each sample", "Readers take the last sample for 0."};
+        const std::string_view sample = text.substr(0, end);
+        const std::string written(CNumberText::General(ParseDouble(sample)).View());
+        if (sample != written)
+            return CValueFault{Quoted(written) + " in place of " + Quoted(sample),
+                               "Readers take it for " + written + "."};
+        text.remove_prefix(end + 1);
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<CValueFault> JudgeXmlValue(const CXmlRule& rule, std::string_view text) {
+    switch (rule.kind) {
+        case EXmlKind::Text:
+            return Measure(text).fault;
+        case EXmlKind::Word:
+        case EXmlKind::NoWord:
+            return JudgeWord(rule, text);
+        case EXmlKind::Character:
+            return JudgeCharacter(text);
+        case EXmlKind::Samples:
+            return JudgeSamples(text);
+        default:
+            return JudgeNumber(rule.kind, text);
+    }
+}
+
+std::size_t CountSamples(std::string_view text) { return static_cast<std::size_t>(std::ranges::count(text, ';')); }
+
+}  // namespace vxfile

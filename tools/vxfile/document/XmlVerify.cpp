@@ -1,0 +1,295 @@
+#include "tools/vxfile/document/XmlVerify.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/document/XmlRules.h"
+#include "tools/vxfile/document/XmlTokens.h"
+#include "tools/vxfile/document/XmlValueJudge.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Progress.h"
+#include "tools/vxfile/system/WholeText.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr std::string_view kDeclaration = R"(<?xml version="1.0" ?>)";
+constexpr std::string_view kRoot = "Vexaprobe";
+
+using EToken = CXmlToken::EKind;
+
+bool IsFound(EXmlKind kind) { return kind == EXmlKind::FoundInt64 || kind == EXmlKind::FoundDouble; }
+
+bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+
+/// Goes through a document and its rules at once. The rules are no deeper than a dozen elements, and what isn't in them
+/// is passed over without going into it, so no document makes this go deep.
+class CXmlVerifier {
+ public:
+    CXmlVerifier(const std::string& path, std::span<const CXmlRule> rules)
+        : m_document(ReadWholeText(path)),
+          m_progress("Checking " + path, static_cast<std::int64_t>(m_document.size())),
+          m_root{.tag = kRoot, .kind = EXmlKind::Object, .children = rules},
+          m_tokens(m_document) {}
+
+    CFindings Verify();
+
+ private:
+    void Add(std::size_t offset, std::string found, std::string expected, std::string meaning);
+    CXmlToken NextToken();
+    bool Ends(const CXmlRule& rule, const CXmlToken& token);
+
+    void JudgeDeclaration();
+    bool JudgeRoot(const CXmlToken& root);
+    void JudgeElement(const CXmlRule& rule, const CXmlToken& start);
+    void JudgeAttributes(const CXmlRule& rule, const CXmlToken& start);
+    void JudgeValue(const CXmlRule& rule, const CXmlToken& start);
+    void JudgeText(const CXmlRule& rule, std::string_view text, std::size_t offset);
+    void JudgeObject(const CXmlRule& rule);
+    std::size_t JudgeChild(const CXmlRule& rule, const CXmlToken& start, std::size_t next);
+    void TellMissing(const CXmlRule& rule, std::size_t from, std::size_t to, std::size_t offset);
+    void JudgeList(const CXmlRule& rule, const CXmlToken& start);
+    void PassOver(const CXmlToken& start);
+
+    std::string m_document;
+    CProgress m_progress;
+    CXmlRule m_root;
+    CXmlTokens m_tokens;
+    CFindings m_findings;
+    std::vector<std::string> m_path;
+    bool m_broken = false;          ///< The document has ended too early; what is missing is told once.
+    bool m_detected = false;        ///< What the last `FPfastDetected` said.
+    std::size_t m_lastEntries = 0;  ///< Of the list that ended last.
+    std::size_t m_samples = 0;      ///< Of the last average.
+    std::size_t m_blanks = 0;       ///< Stretches of blanks and line ends between tags; all are one finding.
+    std::size_t m_firstBlank = 0;
+};
+
+void CXmlVerifier::Add(std::size_t offset, std::string found, std::string expected, std::string meaning) {
+    std::string where;
+    for (const auto& tag : m_path)
+        where += (where.empty() ? "" : "/") + tag;
+    m_findings.Add({where.empty() ? "document" : where, static_cast<std::int64_t>(offset), std::move(found),
+                    std::move(expected), std::move(meaning)});
+}
+
+/// Returns the next piece that means something; what stands between elements for people's eyes is a finding.
+CXmlToken CXmlVerifier::NextToken() {
+    while (true) {
+        const CXmlToken token = m_tokens.Next();
+        m_progress.Reach(static_cast<std::int64_t>(token.offset));
+        if (token.kind == EToken::Text && IsBlank(token.bytes)) {
+            if (m_blanks++ == 0) m_firstBlank = token.offset;
+        } else if (token.kind == EToken::Text) {
+            Add(token.offset, Quoted(token.bytes), "nothing between two tags",
+                "It belongs to no element; readers pass over it.");
+        } else if (token.kind == EToken::Other) {
+            Add(token.offset, Quoted(token.bytes), "elements alone",
+                "Another program wrote this; readers pass over it.");
+        } else {
+            return token;
+        }
+    }
+}
+
+/// Tells whether the element is over. What can't follow in it breaks the document off.
+bool CXmlVerifier::Ends(const CXmlRule& rule, const CXmlToken& token) {
+    if (m_broken) return true;
+    if (token.kind == EToken::End && token.tag == rule.tag) return true;
+    if (token.kind == EToken::Start || token.kind == EToken::SelfClosed) return false;
+    m_broken = true;
+    Add(token.offset, token.kind == EToken::Nothing ? "the end of the file" : Quoted(token.bytes),
+        "</" + std::string(rule.tag) + ">",
+        "The document was cut or damaged here; readers take what stands ahead, and guess at the rest.");
+    return true;
+}
+
+CFindings CXmlVerifier::Verify() {
+    JudgeDeclaration();
+    const CXmlToken root = NextToken();
+    if (!JudgeRoot(root)) return std::move(m_findings);
+    JudgeElement(m_root, root);
+    if (m_blanks != 0)
+        Add(m_firstBlank, "blanks or line ends, here and " + Counted(m_blanks - 1, "time") + " more",
+            "nothing between two tags", "The document was edited or indented; readers pass over it.");
+    if (!m_broken) {
+        const CXmlToken behind = m_tokens.Next();
+        if (behind.kind != EToken::Nothing)
+            Add(behind.offset, Quoted(behind.bytes), "the end of the file", "Readers pass over what stands behind.");
+    }
+    return std::move(m_findings);
+}
+
+/// Readers find the sections wherever they stand. Returns whether there is an element around them, whatever its name.
+bool CXmlVerifier::JudgeRoot(const CXmlToken& root) {
+    if (root.kind == EToken::Start && root.tag == kRoot) return true;
+    const bool isSection = std::ranges::find(m_root.children, root.tag, &CXmlRule::tag) != m_root.children.end();
+    const bool isRenamed = root.kind == EToken::Start && !isSection;
+    const bool isOver = root.kind == EToken::Nothing || root.kind == EToken::Broken;
+    Add(root.offset, isOver ? "the end of the file" : Quoted(root.bytes), "<" + std::string(kRoot) + ">",
+        isRenamed ? "Readers don't look at the name of the outermost element."
+        : isOver  ? "The document was cut or damaged here; there is nothing to read."
+                  : "The outermost element is missing; readers take the others all the same. They weren't checked.");
+    if (isOver) m_findings.MakeUnusable();
+    if (isRenamed && m_document.find("</" + std::string(root.tag) + ">") != std::string::npos) m_root.tag = root.tag;
+    return isRenamed;
+}
+
+void CXmlVerifier::JudgeDeclaration() {
+    const CXmlToken first = m_tokens.Next();
+    if (first.bytes == kDeclaration) return;
+    Add(0, Quoted(first.bytes), Quoted(kDeclaration), "Another program wrote this; readers don't look at it.");
+    if (first.kind != EToken::Other) m_tokens = CXmlTokens(m_document);
+}
+
+void CXmlVerifier::JudgeElement(const CXmlRule& rule, const CXmlToken& start) {
+    m_path.emplace_back(rule.tag);
+    JudgeAttributes(rule, start);
+    switch (rule.kind) {
+        case EXmlKind::Object:
+            if (start.kind == EToken::Start) {
+                JudgeObject(rule);
+            } else {
+                TellMissing(rule, 0, rule.children.size(), start.offset);
+            }
+            break;
+        case EXmlKind::List:
+        case EXmlKind::Entries:
+            JudgeList(rule, start);
+            break;
+        default:
+            JudgeValue(rule, start);
+    }
+    m_path.pop_back();
+}
+
+void CXmlVerifier::JudgeAttributes(const CXmlRule& rule, const CXmlToken& start) {
+    if (rule.kind == EXmlKind::List || IsBlank(start.attributes)) return;  // JudgeList looks at those of a list
+    Add(start.offset, Quoted(start.bytes), "no attribute", "Readers pass over it.");
+}
+
+void CXmlVerifier::JudgeValue(const CXmlRule& rule, const CXmlToken& start) {
+    if (start.kind == EToken::SelfClosed) {
+        const std::string tag(rule.tag);
+        Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "To readers both are the same.");
+        return;
+    }
+    std::string_view text;
+    CXmlToken token = m_tokens.Next();
+    if (token.kind == EToken::Text) {
+        text = token.bytes;
+        token = m_tokens.Next();
+    }
+    JudgeText(rule, text, start.offset + start.bytes.size());
+    while (!Ends(rule, token)) {
+        Add(token.offset, Quoted(token.bytes), "a value alone", "Readers pass over elements inside a value.");
+        PassOver(token);
+        token = NextToken();
+    }
+}
+
+void CXmlVerifier::JudgeText(const CXmlRule& rule, std::string_view text, std::size_t offset) {
+    if (const auto nul = text.find('\0'); nul != std::string_view::npos)
+        Add(offset + nul, Quoted(text.substr(nul)), "no byte 0", "To readers the document ends here.");
+    if (rule.tag == "FPfastDetected") m_detected = text == "1";
+    if (rule.kind == EXmlKind::Samples) m_samples = CountSamples(text);
+    if (IsFound(rule.kind) && !m_detected) {
+        if (!text.empty()) Add(offset, Quoted(text), "nothing, since FPfastDetected is 0", "Readers take it for 0.");
+        return;
+    }
+    if (auto fault = JudgeXmlValue(rule, text))
+        Add(offset, Quoted(text), std::move(fault->expected), std::move(fault->meaning));
+}
+
+void CXmlVerifier::JudgeObject(const CXmlRule& rule) {
+    std::size_t next = 0;
+    CXmlToken token = NextToken();
+    for (; !Ends(rule, token); token = NextToken())
+        next = JudgeChild(rule, token, next);
+    if (m_broken) return;
+    const bool isEnough = next == rule.enough && m_lastEntries == 0;
+    if (!isEnough) TellMissing(rule, next, rule.children.size(), token.offset);
+}
+
+/// Judges a child of an object whose first `next` children have been there. Returns how many have been by now.
+std::size_t CXmlVerifier::JudgeChild(const CXmlRule& rule, const CXmlToken& start, std::size_t next) {
+    const auto found = std::ranges::find(rule.children, start.tag, &CXmlRule::tag);
+    if (found == rule.children.end()) {
+        Add(start.offset, Quoted(start.bytes), "one of the elements of " + std::string(rule.tag),
+            "The element isn't known here; readers pass over it.");
+        PassOver(start);
+        return next;
+    }
+    const auto place = static_cast<std::size_t>(found - rule.children.begin());
+    if (place < next) {
+        Add(start.offset, Quoted(start.bytes), "this element once, and further ahead",
+            "It is repeated or out of its order; most readers take it all the same.");
+    } else {
+        TellMissing(rule, next, place, start.offset);
+    }
+    JudgeElement(*found, start);
+    return std::max(next, place + 1);
+}
+
+void CXmlVerifier::TellMissing(const CXmlRule& rule, std::size_t from, std::size_t to, std::size_t offset) {
+    if (from >= to || rule.children.size() <= from) return;
+    std::string tags;
+    for (const auto& child : rule.children.subspan(from, to - from))
+        tags += (tags.empty() ? "<" : ", <") + std::string(child.tag) + ">";
+    Add(offset, "no " + tags + " up to here", "all elements, in their order",
+        "It is missing or stands further down; readers keep the defaults of what is missing.");
+}
+
+void CXmlVerifier::JudgeList(const CXmlRule& rule, const CXmlToken& start) {
+    const std::size_t begin = start.offset;
+    std::size_t entries = 0;
+    m_samples = 0;
+    if (start.kind == EToken::Start) {
+        for (CXmlToken token = NextToken(); !Ends(rule, token); token = NextToken()) {
+            const auto found = std::ranges::find(rule.children, token.tag, &CXmlRule::tag);
+            if (found == rule.children.end()) {
+                Add(token.offset, Quoted(token.bytes), "<" + std::string(rule.children.front().tag) + ">",
+                    "The element isn't known here; it takes the place of an entry.");
+                PassOver(token);
+            } else {
+                m_path.back() = std::string(rule.tag) + '[' + std::to_string(entries) + ']';
+                JudgeElement(*found, token);
+                ++entries;
+            }
+        }
+        m_path.back() = rule.tag;
+    }
+    const bool isAverage = rule.children.front().kind == EXmlKind::Samples;
+    m_lastEntries = isAverage ? m_samples : entries;
+    if (m_broken || rule.kind == EXmlKind::Entries) return;
+    const std::string expected = " Size=\"" + std::to_string(m_lastEntries) + '"';
+    if (start.attributes != expected)
+        Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + ">",
+            "Size isn't the number of the entries; readers believe it.");
+    if (entries == 0 && start.kind == EToken::Start)
+        Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + "/>", "To readers both are the same.");
+}
+
+/// Goes to the end of an element that no rule has, however deep it is.
+void CXmlVerifier::PassOver(const CXmlToken& start) {
+    if (start.kind != EToken::Start) return;
+    for (std::size_t depth = 1; depth > 0;) {
+        const CXmlToken token = m_tokens.Next();
+        m_progress.Reach(static_cast<std::int64_t>(token.offset));
+        if (token.kind == EToken::Nothing || token.kind == EToken::Broken) return;
+        if (token.kind == EToken::Start) ++depth;
+        if (token.kind == EToken::End) --depth;
+    }
+}
+
+}  // namespace
+
+CFindings VerifySettings(const std::string& path) { return CXmlVerifier(path, kSettingsRules).Verify(); }
+CFindings VerifyResults(const std::string& path) { return CXmlVerifier(path, kResultsRules).Verify(); }
+
+}  // namespace vxfile

@@ -1,3 +1,0 @@
-#include "tools/vxfile/Program.h"
-
-int main(int argc, char** argv) { return vxfile::RunProgram(argc, argv); }

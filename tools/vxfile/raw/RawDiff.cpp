@@ -1,0 +1,225 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <numeric>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/raw/Coverage.h"
+#include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/report/Differences.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/Progress.h"
+#include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+using namespace vxfileio::rawdata;
+
+namespace vxfile {
+
+namespace {
+
+constexpr std::size_t kBlockSize = std::size_t{1} << 20;
+
+/// So many segments of one recording are told; behind them only that there are more.
+constexpr int kMostSegmentsTold = 5;
+
+/// Positions tell where something stands and not what it is, so they aren't compared.
+bool IsPosition(std::string_view key) { return key.starts_with("FPos"); }
+
+void AddCells(const auto& cells, std::int32_t version, const std::string& name, std::string_view bytes,
+              std::vector<CLeaf>& leaves) {
+    std::string_view block;  // keys stand twice in recording headers: for wells and for auxiliary channels
+    for (const auto& cell : cells) {
+        if (!HasCell(cell, version)) continue;
+        const std::string_view text = CellText(bytes.substr(0, cell.width));
+        bytes.remove_prefix(std::min(cell.width, bytes.size()));
+        if (cell.key == "NumberOfAuxCh") block = "auxiliary ";
+        if (!IsPosition(cell.key))
+            leaves.push_back({name + " > " + std::string(block) + std::string(cell.key.empty() ? "mark" : cell.key),
+                              Quoted(text.substr(std::min(text.size(), cell.key.size())))});
+    }
+}
+
+std::vector<CLeaf> HeaderLeaves(const CRawScan& scan) {
+    std::vector<CLeaf> leaves;
+    AddCells(kFileCells, kNewestVersion, "file header", scan.ReadBytes(0, kFileHdrSize), leaves);
+    const auto size = static_cast<std::size_t>(scan.RecordingHdrSize());
+    for (std::size_t i = 0; i < scan.Recordings().size(); ++i) {
+        const CRecordingAt& recording = scan.Recordings()[i];
+        const std::string name = "recording " + std::to_string(i + 1);
+        AddCells(kRecordingCells, scan.Header().FileVersion, name, scan.ReadBytes(recording.position, size), leaves);
+        leaves.push_back({name + " > state", recording.IsFinished() ? "finished" : "not finished"});
+    }
+    return leaves;
+}
+
+std::string SegmentText(const CSegmentAt& segment) {
+    const auto& header = segment.header;
+    return "well " + std::to_string(header.ID) + ", from " + std::to_string(header.TimeFrom) + " to " +
+           std::to_string(header.TimeTo) + ", " + Counted(segment.Samples(), "sample");
+}
+
+/// One of the two files.
+struct CSide {
+    explicit CSide(const std::string& file) : path(file), scan(file) {}
+
+    std::string path;
+    CRawScan scan;
+    CCoverage reached = {};  ///< What positions lead to.
+    std::vector<std::byte> block = {};
+};
+
+void Reach(CSide& side, std::int64_t begin, std::int64_t end) {
+    side.reached.Add({begin, std::min(end, side.scan.Size())});
+}
+
+/// Returns what no position leads to.
+std::vector<CRange> Unreached(CSide& side) {
+    Reach(side, 0, kFileHdrSize);
+    for (const auto& recording : side.scan.Recordings())
+        Reach(side, recording.position, side.scan.DataPosition(recording));
+    std::vector<CRange> gaps;
+    side.reached.Inspect(
+        side.scan.Size(), [&](CRange gap) { gaps.push_back(gap); }, [](CRange /*overlap*/) {});
+    return gaps;
+}
+
+std::int64_t BytesOf(const std::vector<CRange>& ranges) {
+    return std::accumulate(ranges.begin(), ranges.end(), std::int64_t{0},
+                           [](std::int64_t sum, CRange range) { return sum + range.end - range.begin; });
+}
+
+/// Reads a part of a file; less where the file ends.
+std::span<const std::byte> Read(CSide& side, std::int64_t position, std::size_t size) {
+    side.block.resize(std::max(side.block.size(), size));
+    const std::span<std::byte> block(side.block);
+    return block.first(side.scan.File().ReadUpTo(position, block.first(size)));
+}
+
+class CRawDiff {
+ public:
+    CRawDiff(const std::string& left, const std::string& right, CDifferences& differences)
+        : m_left(left),
+          m_right(right),
+          m_differences(differences),
+          m_budget(m_left.scan),
+          m_progress("Comparing", m_left.scan.Size()) {
+        for (const auto* side : {&m_left, &m_right}) {
+            if (side->scan.Break())
+                throw CFailure(side->path + " has a damaged chain of recordings; vxfile verify tells where.");
+        }
+    }
+
+    void Compare() {
+        CompareLeaves(HeaderLeaves(m_left.scan), HeaderLeaves(m_right.scan), m_differences);
+        const std::size_t count = std::min(m_left.scan.Recordings().size(), m_right.scan.Recordings().size());
+        for (std::size_t i = 0; i < count; ++i)
+            CompareSegments(i);
+        if (m_differences.Count() == 0) CompareUnreached();  // all segments were passed
+    }
+
+ private:
+    void CompareSegments(std::size_t index) {
+        CSegmentWalk lefts = AllSegmentsOf(m_left.scan, m_left.scan.Recordings()[index]);
+        CSegmentWalk rights = AllSegmentsOf(m_right.scan, m_right.scan.Recordings()[index]);
+        const std::string name = NameOf(m_left.scan.Recordings()[index], index);
+        m_told = 0;
+        for (std::size_t number = 1; m_told < kMostSegmentsTold; ++number) {
+            const CSegmentAt* const left = lefts.Next();
+            const CSegmentAt* const right = rights.Next();
+            const std::string where = name + " > segment " + std::to_string(number);
+            if (left == nullptr || right == nullptr) {
+                if (left != right)
+                    Tell({where, left == nullptr ? "" : SegmentText(*left),
+                          right == nullptr ? "" : SegmentText(*right)});
+                break;
+            }
+            if (!m_budget.Take()) throw CFailure("Chains of segments are tangled; vxfile verify tells where.");
+            m_progress.Reach(left->position);
+            CompareSegment(where, *left, *right);
+        }
+        if (lefts.Break().has_value() != rights.Break().has_value())
+            Tell({name + " > chain of segments", lefts.Break() ? "damaged" : "whole",
+                  rights.Break() ? "damaged" : "whole"});
+        for (const auto& [side, walk] : {std::pair(&m_left, &lefts), std::pair(&m_right, &rights)}) {
+            if (walk->Break())
+                m_differences.Omit(side->path + " has a damaged chain of segments in " + name +
+                                   ", so what follows there wasn't compared; vxfile verify tells where.");
+        }
+    }
+
+    void CompareSegment(const std::string& where, const CSegmentAt& left, const CSegmentAt& right) {
+        Reach(m_left, left.position, left.End());
+        Reach(m_right, right.position, right.End());
+        const std::string leftText = SegmentText(left);
+        const std::string rightText = SegmentText(right);
+        if (leftText != rightText) return Tell({where, leftText, rightText});
+        CompareBytes(left.DataPosition(), right.DataPosition(), std::int64_t{left.Samples()} * 2,
+                     [&](std::int64_t done, std::span<const std::byte> a, std::span<const std::byte> b) {
+                         TellSample(std::string(where).append(", ").append(leftText), done, a, b);
+                     });
+    }
+
+    /// Calls `tell(done, left, right)` for the first block that isn't the same, so many bytes from the positions.
+    void CompareBytes(std::int64_t left, std::int64_t right, std::int64_t size, auto tell) {
+        for (std::int64_t done = 0; done < size; done += kBlockSize) {
+            const auto part = static_cast<std::size_t>(std::min<std::int64_t>(size - done, kBlockSize));
+            const auto a = Read(m_left, left + done, part);
+            const auto b = Read(m_right, right + done, part);
+            if (!std::ranges::equal(a, b)) return tell(done, a, b);
+            if (a.size() < part) return;  // both files end here
+        }
+    }
+
+    /// What no position leads to may be anything, so it is the same only to the byte.
+    void CompareUnreached() {
+        const auto lefts = Unreached(m_left);
+        const auto rights = Unreached(m_right);
+        const auto size = [](CRange range) { return range.end - range.begin; };
+        bool same = std::ranges::equal(lefts, rights, {}, size, size);
+        for (std::size_t i = 0; same && i < lefts.size(); ++i)
+            CompareBytes(lefts[i].begin, rights[i].begin, size(lefts[i]), [&](auto...) { same = false; });
+        if (!same)
+            m_differences.Omit("Bytes that no position leads to weren't compared: " + std::to_string(BytesOf(lefts)) +
+                               " in " + m_left.path + ", " + std::to_string(BytesOf(rights)) + " in " + m_right.path +
+                               "; vxfile recover looks for segments in them.");
+    }
+
+    void TellSample(const std::string& where, std::int64_t done, std::span<const std::byte> left,
+                    std::span<const std::byte> right) {
+        const auto at = static_cast<std::size_t>(std::ranges::mismatch(left, right).in1 - left.begin()) / 2;
+        const auto sample = [at](std::span<const std::byte> bytes) {
+            if (2 * at + 1 >= bytes.size()) return std::string("the end of the file");
+            return std::to_string(std::to_integer<unsigned>(bytes[2 * at]) |
+                                  std::to_integer<unsigned>(bytes[2 * at + 1]) << 8U);
+        };
+        Tell({where + " > sample " + std::to_string(done / 2 + static_cast<std::int64_t>(at)), sample(left),
+              sample(right)});
+    }
+
+    void Tell(CDifference difference) {
+        if (++m_told == kMostSegmentsTold) difference.where += " (and maybe more in this recording)";
+        m_differences.Add(std::move(difference));
+    }
+
+    CSide m_left;
+    CSide m_right;
+    CDifferences& m_differences;
+    CSegmentBudget m_budget;
+    CProgress m_progress;
+    int m_told = 0;
+};
+
+}  // namespace
+
+void CompareRawData(const std::string& left, const std::string& right, CDifferences& differences) {
+    CRawDiff(left, right, differences).Compare();
+}
+
+}  // namespace vxfile

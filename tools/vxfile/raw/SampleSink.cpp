@@ -1,0 +1,336 @@
+#include "tools/vxfile/raw/SampleSink.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <numeric>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/Output.h"
+
+namespace vxfile {
+
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "numbers go to the arrays straight from memory");
+
+constexpr std::string_view kWellMark = "{well}";
+
+double InUnits(std::uint16_t sample, const CRawDataChannelInfo& channel) {
+    return (static_cast<double>(sample) - channel.ADZero) * channel.UnitsPerAD;
+}
+
+/// Returns what turns the piece's samples into units; nothing needs to, if they aren't asked for.
+CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
+    if (!units) return {};
+    if (piece.channel == nullptr)
+        throw CFailure("The recording header has no well " + std::to_string(piece.well) +
+                       ", so its unit isn't known; leave out --units or choose other wells.");
+    if (!piece.hasScale)
+        throw CFailure("The recording header doesn't tell UnitsPerAD and ADZero of well " + std::to_string(piece.well) +
+                       ", so its unit isn't known; leave out --units or choose other wells.");
+    return *piece.channel;
+}
+
+// ---- Text -----------------------------------------------------------------------------------------------------------
+
+/// A line per sample, behind a line of names.
+class CTextTable : public CSampleSink {
+ public:
+    CTextTable(const CSampleForm& form, char separator)
+        : m_units(form.units), m_separator(separator), m_output(form.target, form.source, form.replace) {
+        m_text = "task,recording,well,time,";
+        m_text += m_units ? "value\n" : "sample\n";
+        std::ranges::replace(m_text, ',', separator);
+    }
+
+    void Begin(const CPiece& piece) override {
+        m_piece = &piece;
+        m_channel = ChannelOf(piece, m_units);
+        m_start = Field(piece.recording->TaskName) + m_separator + std::to_string(piece.recording->Recording) +
+                  m_separator + std::to_string(piece.well) + m_separator;
+    }
+
+    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
+        for (const std::uint16_t sample : samples) {
+            m_text += m_start;
+            AddNumber(time);
+            m_text += m_separator;
+            if (m_units) {
+                AddNumber(InUnits(sample, m_channel));
+            } else {
+                AddNumber(sample);
+            }
+            m_text += '\n';
+            time = m_piece->TimeBehind(time, 1);
+            if (m_text.size() > kBlockSize) Flush();
+        }
+        Flush();
+    }
+
+    void Commit() override {
+        Flush();
+        m_output.Commit();
+    }
+
+ private:
+    static constexpr std::size_t kBlockSize = std::size_t{64} << 10;
+
+    /// In quotation marks if it would be taken for more than one field otherwise.
+    std::string Field(const std::string& text) const {
+        if (text.find_first_of(std::string("\"\r\n") + m_separator) == std::string::npos) return text;
+        std::string quoted = "\"";
+        for (const char c : text)
+            quoted.append(c == '"' ? 2 : 1, c);
+        return quoted + '"';
+    }
+
+    void AddNumber(auto number) {
+        m_text.append(m_number.data(), std::to_chars(m_number.data(), m_number.data() + m_number.size(), number).ptr);
+    }
+
+    void Flush() {
+        m_output.Write(m_text);
+        m_text.clear();
+    }
+
+    bool m_units;
+    char m_separator;
+    COutput m_output;
+    const CPiece* m_piece = nullptr;
+    CRawDataChannelInfo m_channel;
+    std::string m_start;  ///< Of each line of the piece.
+    std::string m_text;
+    std::array<char, 32> m_number{};  ///< Room for one; there are too many to make it anew.
+};
+
+// ---- NPY ------------------------------------------------------------------------------------------------------------
+
+/// One array in a file of its own.
+class CNpyFile {
+ public:
+    /// `type` is a description of numpy. `countAhead` tells how many items will come; it is asked only if that can't be
+    /// put in when they are there.
+    CNpyFile(const CSampleForm& form, std::string type, const std::function<std::uint64_t()>& countAhead)
+        : m_type(std::move(type)), m_output(form.target, form.source, form.replace) {
+        m_output.Write(Header(m_output.CanRewriteFront() ? 0 : countAhead()));
+    }
+
+    void Put(std::span<const std::byte> bytes, std::size_t items) {
+        m_count += items;
+        m_output.Write(bytes);
+    }
+
+    void Commit() {
+        if (m_output.CanRewriteFront()) m_output.RewriteFront(Header(m_count));
+        m_output.Commit();
+    }
+
+ private:
+    std::string Header(std::uint64_t count) const {
+        constexpr std::size_t kHeaderSize = 192;  // a multiple of 64, so that the items are aligned
+        constexpr std::string_view kMagic("\x93NUMPY\x01\x00", 8);
+        std::string header(kMagic);
+        header += static_cast<char>(kHeaderSize - kMagic.size() - 2);
+        header += '\0';
+        header += "{'descr': " + m_type + ", 'fortran_order': False, 'shape': (" + std::to_string(count) + ",), }";
+        header.resize(kHeaderSize - 1, ' ');
+        return header + '\n';
+    }
+
+    std::string m_type;
+    COutput m_output;
+    std::uint64_t m_count = 0;
+};
+
+[[noreturn]] void RefuseSecondWell() {
+    throw CFailure(
+        "There are several wells, and an array has one: choose it by --well, put {well} into the name of -o, or "
+        "ask for one --table of all.");
+}
+
+/// Returns how many samples will come to a form's target.
+std::uint64_t CountAhead(const CSampleForm& form, CSampleSource& source) {
+    const auto& counts = source.Counts();
+    source.RefuseNothing();
+    if (form.well) return counts.at(*form.well);
+    if (form.kind == CSampleForm::EKind::NpyArray && counts.size() > 1) RefuseSecondWell();
+    return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const auto& count) { return sum + count.second; });
+}
+
+/// The samples of one well, alone.
+class CNpyArray : public CSampleSink {
+ public:
+    CNpyArray(const CSampleForm& form, CSampleSource& source)
+        : m_units(form.units), m_file(form, form.units ? "'<f8'" : "'<u2'", [&] { return CountAhead(form, source); }) {}
+
+    void Begin(const CPiece& piece) override {
+        if (piece.well != m_well.value_or(piece.well)) RefuseSecondWell();
+        m_well = piece.well;
+        m_channel = ChannelOf(piece, m_units);
+    }
+
+    void Put(std::int64_t /*time*/, std::span<const std::uint16_t> samples) override {
+        if (!m_units) return m_file.Put(std::as_bytes(samples), samples.size());
+        m_values.resize(samples.size());
+        std::ranges::transform(samples, m_values.begin(), [&](auto sample) { return InUnits(sample, m_channel); });
+        m_file.Put(std::as_bytes(std::span(m_values)), samples.size());
+    }
+
+    void Commit() override { m_file.Commit(); }
+
+ private:
+    bool m_units;
+    CNpyFile m_file;
+    std::optional<std::int32_t> m_well;
+    CRawDataChannelInfo m_channel;
+    std::vector<double> m_values;
+};
+
+/// A table of all: an item per sample, with task, recording, well, time and value, as the lines of a text have them.
+class CNpyTable : public CSampleSink {
+ public:
+    CNpyTable(const CSampleForm& form, CSampleSource& source)
+        : m_units(form.units),
+          m_taskSize(std::max(source.LongestTask(), std::size_t{1})),
+          m_itemSize(m_taskSize + 2 * sizeof(std::int32_t) + sizeof(std::int64_t) +
+                     (m_units ? sizeof(double) : sizeof(std::uint16_t))),
+          m_block(kBlockItems * m_itemSize),
+          m_file(form, Type(), [&] { return CountAhead(form, source); }) {}
+
+    void Begin(const CPiece& piece) override {
+        m_piece = &piece;
+        m_channel = ChannelOf(piece, m_units);
+        m_front = piece.recording->TaskName;
+        m_front.resize(m_taskSize);
+        Append(m_front, piece.recording->Recording);
+        Append(m_front, piece.well);
+    }
+
+    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
+        while (!samples.empty()) {
+            const auto part = samples.first(std::min(samples.size(), kBlockItems));
+            Fill(time, part);
+            m_file.Put(std::span(m_block).first(part.size() * m_itemSize), part.size());
+            samples = samples.subspan(part.size());
+            time = m_piece->TimeBehind(time, part.size());
+        }
+    }
+
+    void Commit() override { m_file.Commit(); }
+
+ private:
+    static constexpr std::size_t kBlockItems = 4096;
+
+    std::string Type() const {
+        return "[('task','|S" + std::to_string(m_taskSize) + "'),('recording','<i4'),('well','<i4'),('time','<i8')," +
+               (m_units ? "('value','<f8')]" : "('sample','<u2')]");
+    }
+
+    static void Append(std::string& bytes, std::int32_t number) {
+        std::array<char, sizeof number> raw{};
+        std::memcpy(raw.data(), &number, sizeof number);
+        bytes.append(raw.data(), raw.size());
+    }
+
+    void Fill(std::int64_t time, std::span<const std::uint16_t> samples) {
+        std::byte* at = m_block.data();
+        const auto add = [&at](const auto& number) {
+            std::memcpy(at, &number, sizeof number);
+            at += sizeof number;
+        };
+        for (const std::uint16_t sample : samples) {
+            at = std::ranges::copy(std::as_bytes(std::span(m_front)), at).out;
+            add(time);
+            if (m_units) {
+                add(InUnits(sample, m_channel));
+            } else {
+                add(sample);
+            }
+            time = m_piece->TimeBehind(time, 1);
+        }
+    }
+
+    bool m_units;
+    std::size_t m_taskSize;
+    std::size_t m_itemSize;
+    std::vector<std::byte> m_block;
+    CNpyFile m_file;
+    std::string m_front;  ///< Of each item of the piece: all ahead of the time.
+    const CPiece* m_piece = nullptr;
+    CRawDataChannelInfo m_channel;
+};
+
+// ---- A file per well ------------------------------------------------------------------------------------------------
+
+std::unique_ptr<CSampleSink> MakeSink(const CSampleForm& form, CSampleSource& source) {
+    using enum CSampleForm::EKind;
+    switch (form.kind) {
+        case NpyArray:
+            return std::make_unique<CNpyArray>(form, source);
+        case NpyTable:
+            return std::make_unique<CNpyTable>(form, source);
+        case Tsv:
+            return std::make_unique<CTextTable>(form, '\t');
+        case Csv:
+            break;
+    }
+    return std::make_unique<CTextTable>(form, ',');
+}
+
+/// Each well has a sink of its own, named after it.
+class CSinkPerWell : public CSampleSink {
+ public:
+    CSinkPerWell(CSampleForm form, CSampleSource& source) : m_form(std::move(form)), m_source(source) {}
+
+    void Begin(const CPiece& piece) override {
+        auto& sink = m_sinks[piece.well];
+        if (m_sinks.size() > kMostSinks)
+            throw CFailure("There are too many wells for a file each; choose some by --well.");
+        if (!sink) sink = MakeSink(FormOf(piece.well), m_source);
+        m_current = sink.get();
+        m_current->Begin(piece);
+    }
+
+    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override { m_current->Put(time, samples); }
+
+    void Commit() override {
+        for (auto& sink : m_sinks)
+            sink.second->Commit();
+    }
+
+ private:
+    /// Files that are open at once; more wells than this are no plate's.
+    static constexpr std::size_t kMostSinks = 400;
+
+    CSampleForm FormOf(std::int32_t well) const {
+        CSampleForm form = m_form;
+        form.well = well;
+        const std::string number = std::to_string(well);
+        for (auto at = form.target.find(kWellMark); at != std::string::npos; at = form.target.find(kWellMark))
+            form.target.replace(at, kWellMark.size(), number);
+        return form;
+    }
+
+    CSampleForm m_form;
+    CSampleSource& m_source;
+    std::map<std::int32_t, std::unique_ptr<CSampleSink>> m_sinks;
+    CSampleSink* m_current = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source) {
+    if (form.target.find(kWellMark) == std::string::npos) return MakeSink(form, source);
+    return std::make_unique<CSinkPerWell>(form, source);
+}
+
+}  // namespace vxfile

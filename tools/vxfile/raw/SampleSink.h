@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "tools/vxfile/raw/SampleSource.h"
+
+namespace vxfile {
+
+/// How samples are written.
+struct CSampleForm {
+    enum class EKind { Csv, Tsv, NpyArray, NpyTable };
+
+    EKind kind = EKind::Csv;
+    bool units = false;        ///< In the channel's physical unit instead of steps of the converter.
+    std::string source;        ///< The file that is read.
+    std::string target = "-";  ///< A path, or `-` for standard output. With `{well}` in it each well has its own.
+    bool replace = false;      ///< A file that is there already.
+    std::optional<std::int32_t> well;  ///< The one whose target this is, if each has its own.
+};
+
+/// Takes samples, piece by piece, and writes them in one of the forms.
+class CSampleSink {
+ public:
+    CSampleSink() = default;
+    virtual ~CSampleSink() = default;
+    CSampleSink(const CSampleSink&) = delete;
+    CSampleSink& operator=(const CSampleSink&) = delete;
+
+    /// Is told of a piece before it is read. It stays until the next one.
+    virtual void Begin(const CPiece& piece) = 0;
+    /// Takes samples of this piece that follow one another. `time` is that of the first one.
+    virtual void Put(std::int64_t time, std::span<const std::uint16_t> samples) = 0;
+    /// Ends all files; without it there are none.
+    virtual void Commit() = 0;
+};
+
+/// Makes the sink for a form. The length of an array stands ahead of it: where that can't be put in later, as in a
+/// pipe, the source is gone through for counting. Throws `CFailure` if the form can't hold what is chosen. The source
+/// outlives the sink.
+std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source);
+
+}  // namespace vxfile

@@ -1,0 +1,299 @@
+#include "tools/vxfile/raw/SampleSource.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <unordered_map>
+#include <utility>
+
+#include "tools/vxfile/raw/UnitScales.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+
+namespace vxfile {
+
+namespace {
+
+/// So many pieces are kept of the first time that the file is gone through.
+constexpr std::size_t kMostKept = std::size_t{16} << 10;
+
+constexpr std::size_t kSampleSize = sizeof(std::uint16_t);
+
+/// Tells whether a list that stands for a choice has the item.
+bool Has(const auto& list, const auto& item) { return list.empty() || std::ranges::find(list, item) != list.end(); }
+
+/// Returns the distance of two times; it may be beyond the signed range.
+std::uint64_t Distance(std::int64_t from, std::int64_t to) {
+    return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
+}
+
+/// Returns the sample interval of a segment: that of its well, or the one that its own times tell.
+std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel) {
+    if (channel != nullptr && channel->Ticks > 0) return channel->Ticks;
+    const auto& header = segment.header;
+    if (segment.Samples() < 2 || header.TimeTo <= header.TimeFrom) return 1;
+    const std::uint64_t tick = Distance(header.TimeFrom, header.TimeTo) / (segment.Samples() - 1);
+    return std::max<std::int64_t>(static_cast<std::int64_t>(tick), 1);
+}
+
+/// Tells whether there are times for all samples.
+bool HasTimes(const CSegmentAt& segment, std::int64_t tick) {
+    const std::uint64_t most = Distance(segment.header.TimeFrom, std::numeric_limits<std::int64_t>::max());
+    return segment.Samples() == 0 || segment.Samples() - 1 <= most / static_cast<std::uint64_t>(tick);
+}
+
+/// The wells that a recording lists, for looking up those of its segments. Of two with one ID, the first counts.
+class CListedWells {
+ public:
+    explicit CListedWells(const CRecordingAt& recording) {
+        for (const auto& channel : recording.header.WellChannels)
+            m_channels.try_emplace(channel.ID, &channel);
+    }
+
+    /// Returns null if the well isn't listed. Valid as long as the recording.
+    const CRawDataChannelInfo* Find(std::int32_t well) const {
+        const auto channel = m_channels.find(well);
+        return channel == m_channels.end() ? nullptr : channel->second;
+    }
+
+ private:
+    std::unordered_map<std::int32_t, const CRawDataChannelInfo*> m_channels;
+};
+
+bool HasAllTimes(const CSampleChoice& choice) {
+    const CSampleChoice all;
+    return choice.from == all.from && choice.to == all.to;
+}
+
+std::string Joined(const std::set<std::string>& texts) {
+    std::string joined;
+    for (const auto& text : texts)
+        joined += (joined.empty() ? "" : ", ") + Readable(text);
+    return joined.empty() ? "none" : joined;
+}
+
+std::string Joined(const std::set<std::int32_t>& numbers) {
+    return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()});
+}
+
+}  // namespace
+
+CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
+    : m_path(path),
+      m_scan(path),
+      m_choice(std::move(choice)),
+      m_reads(m_choice.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
+    if (m_choice.from > m_choice.to)
+        throw CFailure("No time is from " + std::to_string(m_choice.from) + " to " + std::to_string(m_choice.to) +
+                       "; --from is the earlier one.");
+    if (m_scan.Break()) RefuseBreak("its recordings");
+    RefuseUnknownTasks();
+    RefuseUnknownRecordings();
+    RefuseUnfinished();
+}
+
+void CSampleSource::RefuseUnknownTasks() const {
+    std::set<std::string> tasks;
+    for (const auto& recording : m_scan.Recordings())
+        tasks.insert(recording.header.TaskName);
+    for (const auto& task : m_choice.tasks) {
+        if (!tasks.contains(task))
+            throw CFailure(m_path + " has no task " + task + "; its tasks: " + Joined(tasks) + '.');
+    }
+}
+
+void CSampleSource::RefuseUnknownRecordings() const {
+    std::set<std::int32_t> numbers;
+    for (const auto& recording : m_scan.Recordings()) {
+        if (Has(m_choice.tasks, recording.header.TaskName)) numbers.insert(recording.header.Recording);
+    }
+    for (const auto number : m_choice.recordings) {
+        if (!numbers.contains(number))
+            throw CFailure(m_path + " has no recording " + std::to_string(number) +
+                           (m_choice.tasks.empty() ? "; its numbers: " : " of the tasks chosen; their numbers: ") +
+                           Joined(numbers) + '.');
+    }
+}
+
+void CSampleSource::RefuseUnfinished() const {
+    const auto isReadable = [&](const auto& recording) { return IsChosen(recording.header) && recording.IsFinished(); };
+    if (!Unfinished().empty() && std::ranges::none_of(m_scan.Recordings(), isReadable)) RefuseWells();
+}
+
+void CSampleSource::ForEach(const CTakePiece& take) {
+    for (const CPiece& piece : m_kept)
+        take(piece);
+    Walk(m_behindKept, m_reads, [&](const CPiece& piece, CPlace /*behind*/) { take(piece); });
+}
+
+const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
+    if (!m_kept.empty()) return m_counts;
+    m_judge.Clear();
+    Walk({}, EWalk::Headers, [&](const CPiece& piece, CPlace behind) {
+        m_counts[piece.well] += piece.count;
+        if (m_kept.size() == kMostKept) return;
+        m_kept.push_back(piece);
+        m_behindKept = behind;
+    });
+    m_judge.Close();
+    return m_counts;
+}
+
+void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take) {
+    for (std::size_t i = from.recording; i < m_scan.Recordings().size(); ++i) {
+        const CRecordingAt& recording = m_scan.Recordings()[i];
+        if (!IsChosen(recording.header) || !recording.IsFinished()) continue;
+        CSegmentWalk walk = SegmentsOf(m_scan, recording, reads);
+        if (i == from.recording && from.segment) walk.GoTo(*from.segment);
+        WalkRecording(i, walk, take);
+    }
+}
+
+void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
+                                  const std::function<void(const CPiece&, CPlace)>& take) {
+    const CRecordingAt& recording = m_scan.Recordings()[index];
+    const CListedWells wells(recording);
+    const auto withoutScale = WellsWithoutScale(m_scan, recording);
+    const auto noteJump = [&](std::int64_t end) {
+        if (walk.NextPosition() != end) m_judge.NoteEnd(end, index);
+    };
+    noteJump(m_scan.DataPosition(recording));
+    while (const CSegmentAt* segment = walk.Next()) {
+        noteJump(segment->End());
+        const CRawDataChannelInfo* const channel = wells.Find(segment->header.ID);
+        if (channel == nullptr) m_judge.NoteUnlisted(*segment, index);
+        if (!Has(m_choice.wells, segment->header.ID)) continue;
+        RefuseWrong(*segment, channel, index);
+        CPiece piece = Chosen(*segment, recording.header, channel);
+        piece.hasScale = !withoutScale.contains(piece.well);
+        if (piece.count > 0) take(piece, {index, walk.NextPosition()});
+    }
+    if (walk.Break()) RefuseBreak(NameOf(recording, index));
+}
+
+/// Goes on only with a segment whose samples are in the file, and are its own.
+void CSampleSource::RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording) {
+    const auto name = [&] { return NameOf(m_scan.Recordings()[recording], recording); };
+    if (segment.End() > m_scan.Size()) RefuseBreak("the last segment of " + name());
+    const bool isAdmitted = m_judge.Admits(segment, channel == nullptr ? 0 : channel->Ticks, recording);
+    if (!isAdmitted || !HasTimes(segment, TickOf(segment, channel)))
+        RefuseBreak("the segment of well " + std::to_string(segment.header.ID) + " at byte " +
+                    std::to_string(segment.position) + " in " + name());
+}
+
+void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take) {
+    std::int64_t position = piece.position;
+    for (std::uint64_t left = piece.count; left > 0;) {
+        const auto samples = m_scan.Window().SamplesAt(position, left * kSampleSize);
+        if (samples.empty()) RefuseBreak("the samples at byte " + std::to_string(position));
+        const auto part = samples.first(std::min<std::uint64_t>(samples.size(), left));
+        take(part);
+        left -= part.size();
+        position += static_cast<std::int64_t>(part.size_bytes());
+    }
+}
+
+void CSampleSource::RefuseNothing() const {
+    if (m_any) return;
+    if (m_first > m_last || HasAllTimes(m_choice)) RefuseWells();
+    throw CFailure(m_path + " has no samples of the times chosen; those of the wells and recordings chosen go from " +
+                   std::to_string(m_first) + " to " + std::to_string(m_last) + '.');
+}
+
+/// The recordings chosen have no segment of the wells chosen.
+void CSampleSource::RefuseWells() const {
+    std::set<std::int32_t> wells;
+    for (const auto& recording : m_scan.Recordings()) {
+        if (!IsChosen(recording.header)) continue;
+        for (const auto& channel : recording.header.WellChannels)
+            wells.insert(channel.ID);
+    }
+    const std::string theirs = Joined(wells) + '.';
+    const auto isListed = [&](std::int32_t well) { return wells.contains(well); };
+    if (!m_choice.wells.empty() && std::ranges::none_of(m_choice.wells, isListed))
+        throw CFailure(m_path + " has no well " + ListText(m_choice.wells) +
+                       " in the recordings chosen; their wells: " + theirs);
+    const auto unfinished = Unfinished();
+    if (!unfinished.empty())
+        throw CFailure(unfinished.front() +
+                       " was never finished, so there is nothing to take from it; vxfile recover "
+                       "puts what it has into a new file.");
+    const auto doubts = Doubts();
+    if (!doubts.empty()) throw CFailure(m_path + " has no samples of what was chosen. " + doubts.front());
+    if (m_choice.tasks.empty() && m_choice.recordings.empty() && m_choice.wells.empty())
+        throw CFailure(m_path + " has no samples; vxfile info tells what it holds.");
+    throw CFailure(m_path + " has no samples of what was chosen; the wells of the recordings chosen: " + theirs);
+}
+
+std::vector<std::int32_t> CSampleSource::MissingWells() const {
+    std::vector<std::int32_t> missing;
+    std::ranges::copy_if(m_choice.wells, std::back_inserter(missing),
+                         [&](std::int32_t well) { return !m_wells.contains(well); });
+    return missing;
+}
+
+std::vector<std::string> CSampleSource::Unfinished() const {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
+        const CRecordingAt& recording = m_scan.Recordings()[i];
+        if (IsChosen(recording.header) && !recording.IsFinished()) names.push_back(NameOf(recording, i));
+    }
+    return names;
+}
+
+std::size_t CSampleSource::LongestTask() const {
+    std::size_t longest = 0;
+    for (const auto& recording : m_scan.Recordings()) {
+        if (IsChosen(recording.header)) longest = std::max(longest, recording.header.TaskName.size());
+    }
+    return longest;
+}
+
+bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
+    return Has(m_choice.tasks, header.TaskName) && Has(m_choice.recordings, header.Recording);
+}
+
+/// Returns what is chosen of a segment, and notes what there was to choose from.
+CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording,
+                             const CRawDataChannelInfo* channel) {
+    CPiece piece;
+    piece.recording = &recording;
+    piece.well = segment.header.ID;
+    piece.channel = channel;
+    piece.time = segment.header.TimeFrom;
+    piece.tick = TickOf(segment, piece.channel);
+    piece.count = segment.Samples();
+    piece.position = segment.DataPosition();
+    if (!m_choice.wells.empty()) m_wells.insert(piece.well);
+    m_first = std::min(m_first, segment.header.TimeFrom);
+    m_last = std::max(m_last, segment.header.TimeTo);
+    Clip(piece);
+    m_any = m_any || piece.count > 0;
+    return piece;
+}
+
+/// Leaves out what lies before and behind the chosen times.
+void CSampleSource::Clip(CPiece& piece) const {
+    const auto tick = static_cast<std::uint64_t>(piece.tick);
+    if (m_choice.to < piece.time) {
+        piece.count = 0;
+        return;
+    }
+    if (piece.count == 0) return;
+    piece.count = std::min(piece.count - 1, Distance(piece.time, m_choice.to) / tick) + 1;
+    if (m_choice.from <= piece.time) return;
+    const std::uint64_t passed = (Distance(piece.time, m_choice.from) - 1) / tick + 1;
+    if (passed >= piece.count) {
+        piece.count = 0;
+        return;
+    }
+    piece.count -= passed;
+    piece.time = static_cast<std::int64_t>(static_cast<std::uint64_t>(piece.time) + passed * tick);
+    piece.position += static_cast<std::int64_t>(passed * kSampleSize);
+}
+
+void CSampleSource::RefuseBreak(const std::string& where) const {
+    throw CFailure(m_path + " is damaged or cut, " + where + " can't be read; save what is whole by vxfile recover.");
+}
+
+}  // namespace vxfile

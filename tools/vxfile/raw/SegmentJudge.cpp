@@ -1,0 +1,108 @@
+#include "tools/vxfile/raw/SegmentJudge.h"
+
+#include <algorithm>
+
+#include "tools/vxfile/report/Text.h"
+
+using namespace vxfileio::rawdata;
+
+namespace vxfile {
+
+namespace {
+
+/// Tells whether the times of a segment make another number of samples than it has. Nobody knows without an interval.
+bool IsContradicted(const CSegmentAt& segment, std::int64_t tick) {
+    return tick > 0 && segment.SamplesByTimes(tick) != static_cast<std::uint64_t>(segment.header.Size);
+}
+
+/// Tells whether something begins, or the file ends, where the samples end.
+bool IsEndConfirmed(const CRawScan& scan, const CSegmentAt& segment) {
+    const std::int64_t next = segment.header.FPosNextSegmentHdr;
+    if (next != kUnset) return next == segment.End();
+    return segment.End() == scan.Size() || scan.HasHeaderAt(segment.End());
+}
+
+/// Calls `act(position)` for each segment that a position leads to, and for those of unfinished recordings.
+void ForReached(const CRawScan& scan, auto act) {
+    CSegmentBudget budget(scan);
+    for (const auto& recording : scan.Recordings()) {
+        CSegmentWalk walk = AllSegmentsOf(scan, recording);
+        for (const CSegmentAt* segment = walk.Next(); segment != nullptr && budget.Take(); segment = walk.Next())
+            act(segment->position);
+    }
+}
+
+}  // namespace
+
+bool CSegmentJudge::Admits(const CSegmentAt& segment, std::int64_t tick, std::size_t recording) {
+    const std::int64_t next = segment.header.FPosNextSegmentHdr;
+    if (next >= segment.position && next < segment.End()) return false;
+    if (!IsContradicted(segment, tick)) return true;
+    if (!IsEndConfirmed(m_scan, segment)) return false;
+    Note(m_times, segment, recording);
+    return true;
+}
+
+void CSegmentJudge::NoteUnlisted(const CSegmentAt& segment, std::size_t recording) {
+    Note(m_unlisted, segment, recording);
+}
+
+/// Behind its last segment, a writer puts the next recording, or the file ends.
+void CSegmentJudge::NoteEnd(std::int64_t end, std::size_t recording) {
+    if (m_closed || end == m_scan.Recordings()[recording].header.FPosNextRecordingHdr || end >= m_scan.Size()) return;
+    if (m_scan.HasHeaderAt(end)) m_behind.push_back({end, recording});
+}
+
+void CSegmentJudge::Note(CTally& tally, const CSegmentAt& segment, std::size_t recording) const {
+    if (m_closed || tally.count++ > 0) return;
+    tally.first = "well " + std::to_string(segment.header.ID) + ", at byte " + std::to_string(segment.position) +
+                  " in " + NameOf(m_scan.Recordings()[recording], recording);
+}
+
+void CSegmentJudge::Clear() {
+    m_times = {};
+    m_unlisted = {};
+    m_behind.clear();
+    m_closed = false;
+}
+
+/// Chains needn't run in the order of the file: what one recording ends at may be another's, or come earlier in its
+/// own chain.
+std::vector<CSegmentJudge::CBehind> CSegmentJudge::Unreached() const {
+    std::vector<CBehind> behind = m_behind;
+    if (behind.empty()) return behind;
+    const auto reach = [&](std::int64_t position) {
+        auto at = std::ranges::lower_bound(behind, position, {}, &CBehind::position);
+        for (; at != behind.end() && at->position == position && !at->isReached; ++at)
+            at->isReached = true;
+    };
+    std::ranges::stable_sort(behind, {}, &CBehind::position);
+    for (const auto& recording : m_scan.Recordings())
+        reach(recording.position);
+    ForReached(m_scan, reach);
+    std::erase_if(behind, [](const CBehind& place) { return place.isReached; });
+    std::ranges::stable_sort(behind, {}, &CBehind::recording);
+    return behind;
+}
+
+std::vector<std::string> CSegmentJudge::Doubts() const {
+    std::vector<std::string> doubts;
+    const auto add = [&](const CTally& tally, const std::string& what) {
+        if (tally.count > 0)
+            doubts.push_back(Counted(tally.count, "segment") + ' ' + what + "; the first is of " + tally.first + '.');
+    };
+    add(m_times, "with times that Size contradicts, so they are in doubt");
+    add(m_unlisted, "of a well that the recording doesn't list, so it may be another's");
+    const auto unreached = Unreached();
+    if (!unreached.empty()) {
+        const CBehind& first = unreached.front();
+        const std::string more = unreached.size() == 1 ? "" : ", and more at other places";
+        doubts.push_back("At byte " + std::to_string(first.position) + ", in or behind " +
+                         NameOf(m_scan.Recordings()[first.recording], first.recording) + ", stands a " +
+                         (m_scan.HasSegmentAt(first.position) ? "segment" : "recording") +
+                         " that no position leads to" + more + "; vxfile recover saves what is missing here.");
+    }
+    return doubts;
+}
+
+}  // namespace vxfile

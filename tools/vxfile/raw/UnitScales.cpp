@@ -1,0 +1,46 @@
+#include "tools/vxfile/raw/UnitScales.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+using namespace vxfileio::helpers;
+using namespace vxfileio::rawdata;
+
+namespace vxfile {
+
+namespace {
+
+/// What isn't told is read as 0.
+bool MayLack(const CRawDataChannelInfo& channel) { return channel.UnitsPerAD == 0 || channel.ADZero == 0; }
+
+/// Tells whether a text is more than the 0 that any text gives.
+bool IsNumber(std::string_view text) {
+    const auto first = text.find_first_not_of(" +-.");
+    const bool hasDigit = first != std::string_view::npos && text[first] >= '0' && text[first] <= '9';
+    return hasDigit || ParseDouble(text) != 0;
+}
+
+}  // namespace
+
+std::set<std::int32_t> WellsWithoutScale(const CRawScan& scan, const CRecordingAt& recording) {
+    const auto& wells = recording.header.WellChannels;
+    if (std::ranges::none_of(wells, MayLack)) return {};
+    std::set<std::int32_t> without;
+    for (const CCellPlace& place : {PlaceOf(kRecordingCells, "UnitsPerADs"), PlaceOf(kRecordingCells, "ADZeros")}) {
+        const auto fromEnd = static_cast<std::int64_t>(kRecordingHdrSize - place.offset);  // the same in all versions
+        const std::string cell = scan.ReadBytes(scan.DataPosition(recording) - fromEnd, place.width);
+        CCellItems items(cell);
+        for (const auto& well : wells) {
+            const auto item = items.Next();
+            if (!item || !IsNumber(*item)) without.insert(well.ID);
+        }
+    }
+    return without;
+}
+
+}  // namespace vxfile

@@ -1,0 +1,138 @@
+#include "tools/vxfile/report/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdio>
+#include <utility>
+
+namespace vxfile {
+
+namespace {
+
+constexpr std::size_t kMostQuoted = 60;
+
+unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
+
+std::string Hex(char c) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    return {'\\', 'x', kDigits[Byte(c) >> 4U], kDigits[Byte(c) & 15U]};
+}
+
+std::string Printable(char c) {
+    if (c == '\r') return "\\r";
+    if (c == '\n') return "\\n";
+    if (c == '"' || c == '\\') return {'\\', c};
+    return c >= ' ' && c <= '~' ? std::string(1, c) : Hex(c);
+}
+
+/// Returns the bytes of the UTF-8 character at the front that isn't ASCII; 0 if there is none.
+std::size_t SizeOfWide(std::string_view text) {
+    const unsigned char lead = Byte(text.front());
+    const std::size_t size = lead >= 0xF5 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
+    if (size == 0 || text.size() < size) return 0;
+    for (const char c : text.substr(1, size - 1)) {
+        if ((Byte(c) & 0xC0U) != 0x80) return 0;
+    }
+    const unsigned char second = Byte(text[1]);
+    const bool isOutside = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
+                           (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F) ||
+                           (lead == 0xC2 && second < 0xA0);  // control characters
+    return isOutside ? 0 : size;
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t size = Byte(text.front()) < 0x80 ? 1 : SizeOfWide(text);
+        if (size == 0) return false;
+        text.remove_prefix(size);
+    }
+    return true;
+}
+
+bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
+
+std::string Latin1(char c) {
+    const unsigned char byte = Byte(c);
+    if (byte < 0xA0) return Hex(c);
+    return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
+}
+
+}  // namespace
+
+std::string Quoted(std::string_view bytes) {
+    std::string text = "\"";
+    for (const char c : bytes.substr(0, kMostQuoted))
+        text += Printable(c);
+    return text + (bytes.size() > kMostQuoted ? "\"..." : "\"");
+}
+
+std::string Readable(std::string_view bytes) {
+    const bool isUtf8 = IsUtf8(bytes);
+    std::string text;
+    for (const char c : bytes) {
+        if (Byte(c) < 0x80) {
+            text += c >= ' ' && c <= '~' ? std::string(1, c) : Printable(c);
+        } else {
+            text += isUtf8 ? std::string(1, c) : Latin1(c);
+        }
+    }
+    return text;
+}
+
+std::size_t Width(std::string_view text) {
+    return static_cast<std::size_t>(std::ranges::count_if(text, BeginsCharacter));
+}
+
+std::string_view Cut(std::string_view text, std::size_t width) {
+    std::size_t end = 0;
+    while (end < text.size() && (width > 0 || !BeginsCharacter(text[end])))
+        width -= BeginsCharacter(text[end++]) ? 1 : 0;
+    return text.substr(0, end);
+}
+
+std::string Lowered(std::string text) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    std::ranges::transform(text, text.begin(), lower);
+    return text;
+}
+
+std::string Counted(std::uint64_t count, std::string_view noun) {
+    return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string SizeText(std::int64_t bytes) {
+    constexpr std::array kUnits = {"KiB", "MiB", "GiB", "TiB"};
+    if (bytes < 1024) return Counted(static_cast<std::uint64_t>(bytes), "byte");
+    double size = static_cast<double>(bytes) / 1024;
+    std::size_t unit = 0;
+    for (; size >= 1024 && unit + 1 < kUnits.size(); ++unit)
+        size /= 1024;
+    std::array<char, 32> text{};
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%.1f %s", size, kUnits[unit]));
+    return text.data();
+}
+
+std::string DoseWithUnit(std::uint64_t dose) {
+    constexpr std::array kUnits = {"pM", "nM", "\xC2\xB5M", "mM", "M"};
+    std::size_t unit = 0;
+    for (; dose != 0 && dose % 1000 == 0 && unit + 1 < kUnits.size(); ++unit)
+        dose /= 1000;
+    return std::to_string(dose) + ' ' + kUnits[unit];
+}
+
+std::string ListText(const std::vector<std::int32_t>& numbers) {
+    std::string text;
+    for (std::size_t i = 0; i < numbers.size();) {
+        std::size_t last = i;
+        while (last + 1 < numbers.size() && std::int64_t{numbers[last + 1]} == std::int64_t{numbers[last]} + 1)
+            ++last;
+        if (last < i + 2) last = i;  // two neighbours are told one by one
+        text += (text.empty() ? "" : ", ") + std::to_string(numbers[i]);
+        if (last != i) text += " - " + std::to_string(numbers[last]);
+        i = last + 1;
+    }
+    return text;
+}
+
+}  // namespace vxfile

@@ -1,0 +1,93 @@
+#include "tools/vxfile/shell/Program.h"
+
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "tools/vxfile/shell/Command.h"
+#include "tools/vxfile/shell/CommandLine.h"
+#include "tools/vxfile/shell/Manual.h"
+#include "tools/vxfile/shell/commands/DiffCommand.h"
+#include "tools/vxfile/shell/commands/ExportCommand.h"
+#include "tools/vxfile/shell/commands/InfoCommand.h"
+#include "tools/vxfile/shell/commands/RecoverCommand.h"
+#include "tools/vxfile/shell/commands/SamplesCommand.h"
+#include "tools/vxfile/shell/commands/VerifyCommand.h"
+#include "tools/vxfile/shell/commands/WatchCommand.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/Interrupt.h"
+#include "tools/vxfile/system/MemoryReserve.h"
+#include "tools/vxfile/system/Output.h"
+
+namespace vxfile {
+
+namespace {
+
+/// What the build asks for is nothing that help lists. Returns false if it is something else.
+bool PrintedForBuild(const CLI::App& app, const CCommands& commands, std::string_view word) {
+    if (word == "--manual") WriteManual(app, commands, std::cout);
+    if (word == "--bash-completion") WriteCompletion(app, commands, std::cout);
+    return word == "--manual" || word == "--bash-completion";
+}
+
+int RunParsed(const CLI::App& app, const CCommands& commands) {
+    for (const auto& command : commands) {
+        if (app.got_subcommand(std::string(command->Text().name))) return command->Run();
+    }
+    return kTrouble;
+}
+
+int ParseAndRun(int argc, const char* const* argv) {
+    const CCommands commands = MakeCommands();
+    CLI::App app;
+    Describe(app, commands);
+    if (PrintedForBuild(app, commands, argc > 1 ? argv[1] : "")) return kSound;
+    if (argc < 2 || argv[1][0] != '-') RefuseUnknownCommand(commands, argc < 2 ? "" : argv[1]);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {  // help or version
+        std::ostringstream text;
+        const int status = app.exit(asked, text, text);
+        std::cout << text.str();
+        return status;
+    } catch (const CLI::ParseError& error) {
+        RefuseCommandLine(app, error);
+    }
+    CatchInterrupts();
+    return RunParsed(app, commands);
+}
+
+/// Runs what is asked for. What it printed counts only if it could be written.
+int RunWhole(int argc, const char* const* argv) {
+    const int status = ParseAndRun(argc, argv);
+    FinishPrinting();
+    return status;
+}
+
+}  // namespace
+
+CCommands MakeCommands() {
+    CCommands commands;
+    commands.push_back(MakeInfoCommand());
+    commands.push_back(MakeVerifyCommand());
+    commands.push_back(MakeRecoverCommand());
+    commands.push_back(MakeSamplesCommand());
+    commands.push_back(MakeExportCommand());
+    commands.push_back(MakeWatchCommand());
+    commands.push_back(MakeDiffCommand());
+    return commands;
+}
+
+int RunProgram(int argc, const char* const* argv) noexcept try {
+    KeepMemoryReserve();
+    int status = kTrouble;
+    const std::string failure = FailureOf([&] { status = RunWhole(argc, argv); });
+    if (failure.empty()) return status;
+    Complain(failure);
+    return kTrouble;
+} catch (const CInterruption&) {
+    Complain("interrupted; no half file is left.");
+    return kInterrupted;
+}
+
+}  // namespace vxfile

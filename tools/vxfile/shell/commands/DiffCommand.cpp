@@ -1,0 +1,131 @@
+#include "tools/vxfile/shell/commands/DiffCommand.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "tools/vxfile/report/Differences.h"
+#include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/Style.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/FileKind.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "diff",
+    .purpose = "Tell how two files of one kind differ",
+    .details =
+        "Raw data files are compared header by header and sample by sample, settings and results element by "
+        "element, workbooks cell by cell. How the bytes are arranged makes no difference.",
+    .example = "vxfile diff run.vxd copy.vxd",
+    .statuses =
+        "  0  the files say the same\n"
+        "  1  they differ\n"
+        "  2  they, or what damage hides in them, can't be compared, and no difference was found",
+};
+
+constexpr std::size_t kMostPrinted = 50;
+
+using CCompare = void (*)(const std::string&, const std::string&, CDifferences&);
+
+CCompare CompareFor(EFileKind kind) {
+    constexpr std::array<CCompare, 4> kCompares = {CompareRawData, CompareDocuments, CompareDocuments,
+                                                   CompareWorkbooks};
+    return kCompares[static_cast<std::size_t>(kind)];
+}
+
+class CDiffCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("LEFT", m_left, "One file")->required();
+        app.add_option("RIGHT", m_right, "The other")->required();
+        app.add_flag("--json", m_json, "Print a JSON document for programs");
+        app.add_flag("-q,--quiet", m_quiet, "Print nothing; the exit status tells the outcome");
+    }
+
+    int Run() override {
+        if (!m_json || m_quiet) return Compare();
+        int status = kTrouble;
+        const std::string failure = FailureOf([&] { status = Compare(); });
+        if (!failure.empty()) PrintDocument({{"error", failure}});
+        return status;
+    }
+
+ private:
+    int Compare() const {
+        const EFileKind kind = Kind();
+        CDifferences differences;
+        CompareFor(kind)(m_left, m_right, differences);
+        const std::string& omission = differences.Omission();
+        if (differences.Count() == 0 && !omission.empty()) throw CFailure(omission);
+        if (m_json && !m_quiet) PrintDocument(ToJson(kind, differences));
+        if (!m_json && !m_quiet) Print(differences);
+        return differences.Count() == 0 ? kSound : kFindings;
+    }
+
+    EFileKind Kind() const {
+        const EFileKind left = FileKindOf(m_left);
+        const EFileKind right = FileKindOf(m_right);
+        for (const auto& [kind, path] : {std::pair(left, m_left), std::pair(right, m_right)}) {
+            if (kind == EFileKind::Empty) throw CFailure(path + " is empty; there is nothing to compare.");
+            if (!IsOurs(kind)) throw CFailure(path + " is no file of this system; vxfile compares only those.");
+        }
+        if (left != right)
+            throw CFailure(m_left + " is " + ArticleAndNameOf(left) + ", " + m_right + ' ' + ArticleAndNameOf(right) +
+                           "; name two of one kind.");
+        return left;
+    }
+
+    static void Print(const CDifferences& differences) {
+        const auto& kept = differences.Kept();
+        for (const auto& difference : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
+            std::cout << Bold(Readable(difference.where)) << '\n';
+            if (!difference.left.empty()) std::cout << "  < " << Readable(difference.left) << '\n';
+            if (!difference.right.empty()) std::cout << "  > " << Readable(difference.right) << '\n';
+        }
+        if (differences.Count() > kMostPrinted)
+            std::cout << "and " << Counted(differences.Count() - kMostPrinted, "difference") << " more\n";
+        if (!differences.Omission().empty()) Complain(differences.Omission());
+    }
+
+    static CJson ToJson(EFileKind kind, const CDifferences& differences) {
+        CJson list = CJson::array();
+        for (const auto& difference : differences.Kept())
+            list.push_back({{"where", Readable(difference.where)},
+                            {"left", Readable(difference.left)},
+                            {"right", Readable(difference.right)}});
+        CJson json = {{"kind", WordOf(kind)},
+                      {"equal", differences.Count() == 0},
+                      {"differenceCount", differences.Count()},
+                      {"differences", std::move(list)}};
+        if (!differences.Omission().empty()) json["omission"] = differences.Omission();
+        return json;
+    }
+
+    /// Prints what is told of the two files.
+    void PrintDocument(const CJson& told) const {
+        CJson json = {{"left", m_left}, {"right", m_right}};
+        json.update(told);
+        PrintJson(kText.name, CJson::array({std::move(json)}));
+    }
+
+    std::string m_left;
+    std::string m_right;
+    bool m_json = false;
+    bool m_quiet = false;
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeDiffCommand() { return std::make_unique<CDiffCommand>(); }
+
+}  // namespace vxfile

@@ -1,0 +1,121 @@
+#include "tools/vxfile/shell/commands/InfoCommand.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/document/XmlInfo.h"
+#include "tools/vxfile/raw/RawInfo.h"
+#include "tools/vxfile/report/Page.h"
+#include "tools/vxfile/report/Style.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/FileKind.h"
+#include "tools/vxfile/workbook/WorkbookInfo.h"
+#include "vxfileio/helpers/File.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "info",
+    .purpose = "Tell what a file is and holds",
+    .details =
+        "The kind of a file is told by its content. Times are in the instrument's own unit. The samples of a "
+        "large raw data file are counted only on --full, since that takes a walk through all of it.",
+    .example = "vxfile info run.vxd",
+    .statuses =
+        "  0  all files were told about\n"
+        "  1  likewise, but some are cut or damaged, and only what is there was told\n"
+        "  2  some couldn't be read",
+};
+
+std::int64_t SizeOfFile(const std::string& path) {
+    vxfileio::helpers::CFile file;
+    return file.OpenForReading(path) ? file.Size() : 0;
+}
+
+class CInfoCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("FILE", m_paths, "Files to tell about")->required();
+        app.add_flag("--json", m_json, "Print a JSON document for programs");
+        app.add_flag("--full", m_full, "Count the samples of large raw data files, too");
+    }
+
+    int Run() override {
+        CJson files = CJson::array();
+        int status = kSound;
+        for (const auto& path : m_paths) {
+            CJson json = {{"path", path}};
+            const std::string failure = FailureOf([&] { Tell(path, json); });
+            if (!failure.empty()) Refuse(failure, json);
+            status = std::max(status, StatusOf(json));
+            files.push_back(std::move(json));
+        }
+        if (m_json) PrintJson(kText.name, std::move(files));
+        return status;
+    }
+
+ private:
+    static int StatusOf(const CJson& json) {
+        return json.contains("error") ? kTrouble : json.contains("damage") ? kFindings : kSound;
+    }
+
+    CPage PageOf(EFileKind kind, const std::string& path) const {
+        switch (kind) {
+            case EFileKind::RawData:
+                return InfoOfRawData(path, m_full);
+            case EFileKind::Settings:
+                return InfoOfSettings(path);
+            case EFileKind::Results:
+                return InfoOfResults(path);
+            case EFileKind::Workbook:
+                return InfoOfWorkbook(path);
+            case EFileKind::Empty:
+                throw CFailure(path + " is empty; there is nothing to tell or to save.");
+            case EFileKind::Unknown:
+                break;
+        }
+        throw CFailure(path +
+                       " is no file of this system, or its beginning is damaged; if it is a raw data file, "
+                       "vxfile recover saves it.");
+    }
+
+    void Tell(const std::string& path, CJson& json) {
+        const EFileKind kind = FileKindOf(path);
+        const std::int64_t size = SizeOfFile(path);
+        json["kind"] = WordOf(kind);
+        json["size"] = size;
+        CPage page = PageOf(kind, path);
+        if (!m_json) {
+            if (std::exchange(m_printed, true)) std::cout << '\n';
+            std::cout << Bold(Readable(path)) << ": " << NameOf(kind) << ", " << SizeText(size) << '\n';
+            page.Print();
+        }
+        json.update(page.Json());
+    }
+
+    /// One file that can't be read doesn't keep the others back.
+    void Refuse(const std::string& sentence, CJson& json) const {
+        json["error"] = sentence;
+        if (!m_json) Complain(sentence);
+    }
+
+    std::vector<std::string> m_paths;
+    bool m_json = false;
+    bool m_full = false;
+    bool m_printed = false;
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeInfoCommand() { return std::make_unique<CInfoCommand>(); }
+
+}  // namespace vxfile

@@ -1,0 +1,201 @@
+#include "tools/vxfile/shell/commands/VerifyCommand.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/document/XmlVerify.h"
+#include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/report/Findings.h"
+#include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/Style.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/FileKind.h"
+#include "tools/vxfile/system/FolderWalk.h"
+#include "tools/vxfile/workbook/WorkbookVerify.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "verify",
+    .purpose = "Check every byte that the format of a file fixes",
+    .details =
+        "Each finding says where it is, what stands there, what should, and what that means. The kind of a file "
+        "is told by its content. Of a folder, all files are checked that are named .vxd, .vxs, .vxr or .xls, and "
+        "those of other names that are of a known kind; those of its folders too. Files are opened for reading only.",
+    .example = "vxfile verify run.vxd",
+    .statuses =
+        "  0  all files are sound\n"
+        "  1  some have findings, but readers open them all\n"
+        "  2  some can't be used, or weren't checked",
+};
+
+/// So many findings of one file are printed; JSON has all that were kept.
+constexpr std::size_t kMostPrinted = 50;
+
+/// One file and what was found.
+struct CVerdict {
+    std::string path;
+    EFileKind kind;
+    CFindings findings;
+};
+
+/// The one finding about a file of which nothing can be checked.
+CFindings Unusable(const char* found, const char* expected, const char* meaning) {
+    CFindings findings;
+    findings.Add({"file", 0, found, expected, meaning});
+    findings.MakeUnusable();
+    return findings;
+}
+
+CFindings VerifyEmpty(const std::string& /*path*/) {
+    return Unusable("nothing", "a file of this system",
+                    "The file is empty: there is nothing to read and nothing to save.");
+}
+
+CFindings VerifyUnknown(const std::string& /*path*/) {
+    return Unusable("no beginning that is known",
+                    "that of a raw data file, a settings file, a results file or a workbook",
+                    "It is a file of another kind, or its beginning is damaged; if it is a raw data file, vxfile "
+                    "recover saves it.");
+}
+
+CFindings VerifyKind(EFileKind kind, const std::string& path) {
+    constexpr std::array kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
+                                    VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
+    return kVerify[static_cast<std::size_t>(kind)](path);
+}
+
+std::string_view StatusWord(int status) {
+    constexpr std::array<std::string_view, 3> kWords = {"sound", "findings", "unusable"};
+    return kWords[static_cast<std::size_t>(status)];
+}
+
+std::string StatusText(const CFindings& findings) {
+    const std::string count = Counted(findings.Count(), "finding");
+    switch (findings.Status()) {
+        case kSound:
+            return Green("sound");
+        case kFindings:
+            return Yellow(count);
+        default:
+            return Red("not usable") + ", " + count;
+    }
+}
+
+void Print(const CVerdict& verdict) {
+    std::cout << Readable(verdict.path) << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings) << '\n';
+    const auto& kept = verdict.findings.Kept();
+    for (const auto& finding : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
+        std::cout << "  " << Bold(finding.where);
+        if (finding.offset >= 0) std::cout << " (offset " << finding.offset << ')';
+        std::cout << "\n    stands:  " << finding.found << "\n    should:  " << finding.expected
+                  << "\n    meaning: " << finding.meaning << '\n';
+    }
+    if (verdict.findings.Count() > kMostPrinted)
+        std::cout << "  and " << verdict.findings.Count() - kMostPrinted << " more; --json tells up to "
+                  << CFindings::kMostKept << '\n';
+}
+
+CJson ToJson(const CVerdict& verdict) {
+    CJson findings = CJson::array();
+    for (const auto& finding : verdict.findings.Kept())
+        findings.push_back({{"where", finding.where},
+                            {"offset", finding.offset < 0 ? CJson() : CJson(finding.offset)},
+                            {"found", finding.found},
+                            {"expected", finding.expected},
+                            {"meaning", finding.meaning}});
+    return {{"path", verdict.path},
+            {"kind", WordOf(verdict.kind)},
+            {"status", StatusWord(verdict.findings.Status())},
+            {"findingCount", verdict.findings.Count()},
+            {"findings", std::move(findings)}};
+}
+
+class CVerifyCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("FILE", m_arguments, "Files, or folders of files")->required();
+        app.add_flag("--json", m_json, "Print a JSON document for programs");
+        app.add_flag("-q,--quiet", m_quiet, "Print nothing; the exit status tells the outcome");
+    }
+
+    int Run() override {
+        CJson files = CJson::array();
+        for (const auto& entry : Entries()) {
+            CJson json;
+            const std::string failure =
+                entry.failure.empty() ? FailureOf([&] { json = Tell(entry.path); }) : entry.failure;
+            files.push_back(failure.empty() ? std::move(json) : Refuse(entry.path, failure));
+        }
+        if (m_json && !m_quiet) PrintJson(kText.name, std::move(files));
+        if (!m_json && !m_quiet) PrintSummary();
+        return m_counts[kTrouble] != 0 ? kTrouble : m_counts[kFindings] != 0 ? kFindings : kSound;
+    }
+
+ private:
+    /// Returns what JSON has about the file, if it is asked for.
+    CJson Tell(const std::string& path) {
+        const EFileKind kind = FileKindOf(path);
+        const CVerdict verdict{path, kind, VerifyKind(kind, path)};
+        ++m_counts[static_cast<std::size_t>(verdict.findings.Status())];
+        if (!m_json && !m_quiet) Print(verdict);
+        return m_json ? ToJson(verdict) : CJson();
+    }
+
+    /// One file that can't be read doesn't keep the others back.
+    CJson Refuse(const std::string& path, const std::string& sentence) {
+        ++m_counts[kTrouble];
+        if (!m_json && !m_quiet) Complain(sentence);
+        return {{"path", path}, {"error", sentence}};
+    }
+
+    std::vector<CFolderEntry> Entries() {
+        std::vector<CFolderEntry> entries;
+        std::error_code none;
+        for (const auto& argument : m_arguments) {
+            if (std::filesystem::is_directory(argument, none)) {
+                CFolderContent content = WalkFolder(argument);
+                std::ranges::move(content.entries, std::back_inserter(entries));
+                m_passedOver += content.passedOver;
+            } else {
+                entries.push_back({argument});
+            }
+        }
+        if (entries.empty())
+            throw CFailure(m_arguments.front() + " has no file of a known kind; name the files themselves.");
+        return entries;
+    }
+
+    void PrintSummary() const {
+        const std::size_t all = m_counts[0] + m_counts[1] + m_counts[2];
+        if (all < 2 && m_passedOver == 0) return;
+        std::cout << Counted(all, "file") << ": " << m_counts[kSound] << " sound, " << m_counts[kFindings]
+                  << " with findings, " << m_counts[kTrouble] << " not usable";
+        if (m_passedOver != 0) std::cout << "; " << Counted(m_passedOver, "other file") << " passed over";
+        std::cout << '\n';
+    }
+
+    std::vector<std::string> m_arguments;
+    bool m_json = false;
+    bool m_quiet = false;
+    std::array<std::size_t, 3> m_counts{};  ///< Files by their status; folders that can't be looked into, too.
+    std::size_t m_passedOver = 0;           ///< Files of folders that are none of this system.
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeVerifyCommand() { return std::make_unique<CVerifyCommand>(); }
+
+}  // namespace vxfile

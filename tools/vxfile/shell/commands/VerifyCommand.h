@@ -1,0 +1,12 @@
+#pragma once
+
+#include <memory>
+
+#include "tools/vxfile/shell/Command.h"
+
+namespace vxfile {
+
+/// Makes the command that its text tells.
+std::unique_ptr<CCommand> MakeVerifyCommand();
+
+}  // namespace vxfile

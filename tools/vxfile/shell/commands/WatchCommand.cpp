@@ -1,0 +1,160 @@
+#include "tools/vxfile/shell/commands/WatchCommand.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "tools/vxfile/raw/GrowingFile.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/CommandLine.h"
+#include "tools/vxfile/system/Interrupt.h"
+#include "tools/vxfile/system/Output.h"
+#include "tools/vxfile/system/Terminal.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "watch",
+    .purpose = "Follow a recording while it is being written",
+    .details =
+        "Tells how the latest recording grows: wells, segments, samples, size and rate, in one line each time that "
+        "it looks; on a terminal the line is written again and again until the next recording begins. It ends when "
+        "the writer has closed the file. A writer that was killed never does: use --idle, or Ctrl-C.",
+    .example = "vxfile watch run.vxd --idle 60",
+    .statuses =
+        "  0  the file is finished\n"
+        "  1  nothing new has come for the time of --idle, or the file was closed and\n"
+        "     is damaged\n"
+        "  2  the file can't be watched",
+};
+
+using CClock = std::chrono::steady_clock;
+
+constexpr double kMostSeconds = std::numeric_limits<double>::max();
+
+/// Takes the numbers of a range, and so no nan.
+CLI::Validator Within(double least, double most) {
+    const auto judge = [least, most](const std::string& text) {
+        double number = 0;
+        const bool isWithin = CLI::detail::lexical_cast(text, number) && number >= least && number <= most;
+        return std::string(isWithin ? "" : "outside");
+    };
+    return {[judge](std::string& text) { return judge(text); }, ""};
+}
+
+class CWatchCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    void AddOptions(CLI::App& app) override {
+        app.add_option("FILE", m_path, "The raw data file that is being written")->required();
+        app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
+            ->check(Wanted(Within(std::numeric_limits<double>::min(), kMostSeconds), "a number of seconds above 0"))
+            ->type_name("SECONDS");
+        app.add_option("--every", m_every, "Look after so many seconds, 0.01 to 3600 (1, if not told)")
+            ->check(Wanted(Within(0.01, 3600), "a number from 0.01 to 3600"))
+            ->type_name("SECONDS");
+    }
+
+    int Run() override {
+        CGrowingFile file(m_path);
+        m_onTerminal = IsOutputTerminal() && EnableColours();
+        try {
+            return Follow(file);
+        } catch (const CInterruption&) {
+            return End(file, "Interrupted", kInterrupted);
+        }
+    }
+
+ private:
+    int Follow(CGrowingFile& file) {
+        auto lastNews = CClock::now();
+        auto lastLook = lastNews;
+        for (std::int64_t lastPosition = 0;;) {
+            const bool isNew = file.Look();
+            const auto now = CClock::now();
+            const std::chrono::duration<double> passed = now - lastLook;
+            if (isNew && file.Latest() != nullptr) {
+                const auto bytes = static_cast<double>(file.Position() - lastPosition);
+                TellGrowth(file, lastPosition == 0 ? 0 : bytes / passed.count());
+            }
+            const auto state = file.State(isNew);
+            if (state == CGrowingFile::EState::Finished) return End(file, "The file is finished", kSound);
+            if (state == CGrowingFile::EState::Damaged) return End(file, kDamaged, kFindings);
+            if (isNew) lastNews = now;
+            if (m_idle > 0 && now - lastNews >= std::chrono::duration<double>(m_idle))
+                return End(file, file.Recordings() == 0 ? kNothing : kNothingNew, kFindings);
+            lastPosition = file.Position();
+            lastLook = now;
+            Wait();
+        }
+    }
+
+    /// Sleeps in short pieces, so that Ctrl-C doesn't have to wait.
+    void Wait() const {
+        const auto end = CClock::now() + std::chrono::duration<double>(m_every);
+        while (CClock::now() < end) {
+            CheckInterrupt();
+            std::this_thread::sleep_for(std::min<std::chrono::duration<double>>(end - CClock::now(), kStep));
+        }
+    }
+
+    static std::string Title(const CRunningRecording& recording) {
+        return "Recording " + std::to_string(recording.index + 1) + " (" + Readable(recording.header.TaskName) + ' ' +
+               std::to_string(recording.header.Recording) + ')';
+    }
+
+    /// One line, however much has come.
+    void TellGrowth(const CGrowingFile& file, double bytesPerSecond) {
+        const CRunningRecording& latest = *file.Latest();
+        const std::size_t begun = file.Recordings() - std::exchange(m_toldRecordings, file.Recordings());
+        std::string line = Title(latest) + (begun > 1 ? ", " + std::to_string(begun) + " new" : "") + ": file " +
+                           SizeText(file.Position());
+        if (bytesPerSecond > 0) line += ", " + SizeText(static_cast<std::int64_t>(bytesPerSecond)) + "/s";
+        line += ", " + std::to_string(latest.wells.size()) + " of " +
+                Counted(latest.header.WellChannels.size(), "well") + ", " + Counted(latest.segments, "segment") + ", " +
+                Counted(latest.samples, "sample");
+        if (m_onTerminal) {
+            if (m_hasLine && begun > 0) std::cout << '\n';  // what the one before came to stays
+            std::cout << '\r' << Cut(line, static_cast<std::size_t>(TerminalWidth() - 1)) << "\033[K";
+            m_hasLine = true;
+        } else {
+            std::cout << line << '\n';
+        }
+        FinishPrinting();
+    }
+
+    int End(const CGrowingFile& file, std::string_view why, int status) {
+        if (m_hasLine) std::cout << '\n';
+        std::cout << why << ": " << Counted(file.Recordings(), "recording") << ", " << SizeText(file.Position())
+                  << ".\n";
+        return status;
+    }
+
+    static constexpr std::string_view kDamaged = "The file is closed, but damaged; vxfile verify tells where";
+    static constexpr std::string_view kNothing = "No recording has come; its writer may be gone";
+    static constexpr std::string_view kNothingNew =
+        "Nothing new has come; its writer may be gone. vxfile recover saves what is there";
+
+    static constexpr auto kStep = std::chrono::milliseconds(50);
+
+    std::string m_path;
+    double m_idle = 0;
+    double m_every = 1;
+    std::size_t m_toldRecordings = 0;
+    bool m_onTerminal = false;
+    bool m_hasLine = false;  ///< A line stands on the terminal that is to be written again.
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeWatchCommand() { return std::make_unique<CWatchCommand>(); }
+
+}  // namespace vxfile

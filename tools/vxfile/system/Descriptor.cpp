@@ -1,0 +1,67 @@
+#include "tools/vxfile/system/Descriptor.h"
+
+#include <fcntl.h>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "tools/vxfile/system/Interrupt.h"
+#include "tools/vxfile/system/Terminal.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr int kStandardOutput = 1;
+
+/// Readable and writable by whom the process's own mask allows.
+constexpr int kNewFileMode = 0666;
+
+#ifdef _WIN32
+constexpr int kAsTheyAre = O_BINARY;
+#else
+constexpr int kAsTheyAre = O_CLOEXEC;
+#endif
+
+}  // namespace
+
+bool CDescriptor::Create(const std::string& path) {
+    m_number = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | kAsTheyAre, kNewFileMode);
+    m_isOwn = true;
+    return m_number != kClosed;
+}
+
+void CDescriptor::UseOpen(int number) {
+    if (number == kStandardOutput) MakeOutputBinary();
+    m_number = number;
+}
+
+bool CDescriptor::Write(std::span<const std::byte> bytes) {
+    constexpr std::size_t kMost = std::size_t{1} << 30;  // systems take no more than 2 GiB at once
+    while (!bytes.empty()) {
+        if (IsInterrupted()) return false;
+        const auto part = bytes.first(std::min(bytes.size(), kMost));
+        const auto written = ::write(m_number, part.data(), static_cast<unsigned>(part.size()));
+        if (written > 0) {
+            bytes = bytes.subspan(static_cast<std::size_t>(written));
+        } else if (written == 0 || errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CDescriptor::GoToFront() { return ::lseek(m_number, 0, SEEK_SET) == 0; }
+
+bool CDescriptor::Close() {
+    const int number = std::exchange(m_number, kClosed);
+    return !std::exchange(m_isOwn, false) || number == kClosed || ::close(number) == 0;
+}
+
+}  // namespace vxfile

@@ -1,0 +1,73 @@
+#include "tools/vxfile/system/FileKind.h"
+
+#include <array>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "tools/vxfile/system/OpenInput.h"
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/rawdata/RawDataFormat.h"
+
+namespace vxfile {
+
+namespace {
+
+/// How far into a document its section is looked for. Headers are far shorter; people may have put comments there.
+constexpr std::size_t kLookAhead = std::size_t{64} << 10;
+
+constexpr std::string_view kCompoundMark = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+/// Tells whether the text has a start tag of this name.
+bool HasTag(std::string_view text, std::string_view tag) {
+    for (auto at = text.find(tag); at != std::string_view::npos; at = text.find(tag, at + 1)) {
+        const auto end = at + tag.size();
+        const char next = end < text.size() ? text[end] : ' ';
+        if (at > 0 && text[at - 1] == '<' && (next == '>' || next == '/' || kBlanks.find(next) != std::string::npos))
+            return true;
+    }
+    return false;
+}
+
+EFileKind KindOfDocument(std::string_view text) {
+    const auto start = text.find_first_not_of(kBlanks, text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+    if (start == std::string_view::npos || text[start] != '<') return EFileKind::Unknown;
+    if (HasTag(text, "Settings")) return EFileKind::Settings;
+    if (HasTag(text, "Results")) return EFileKind::Results;
+    if (text.find("<FileType>VXSettings<") != std::string_view::npos) return EFileKind::Settings;
+    if (text.find("<FileType>VXResults<") != std::string_view::npos) return EFileKind::Results;
+    return EFileKind::Unknown;
+}
+
+}  // namespace
+
+EFileKind FileKindOf(const std::string& path) {
+    vxfileio::helpers::CFile file;
+    OpenInput(file, path);
+    std::vector<char> bytes(kLookAhead);
+    bytes.resize(file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
+    const std::string_view text(bytes.data(), bytes.size());
+    if (text.empty()) return EFileKind::Empty;
+    if (text.starts_with(vxfileio::rawdata::kFileTypeText)) return EFileKind::RawData;
+    if (text.starts_with(kCompoundMark)) return EFileKind::Workbook;
+    return KindOfDocument(text);
+}
+
+std::string_view NameOf(EFileKind kind) {
+    constexpr std::array<std::string_view, 6> kNames = {"raw data file", "settings file",        "results file",
+                                                        "workbook",      "file of another kind", "empty file"};
+    return kNames[static_cast<std::size_t>(kind)];
+}
+
+std::string ArticleAndNameOf(EFileKind kind) {
+    return (kind == EFileKind::Empty ? "an " : "a ") + std::string(NameOf(kind));
+}
+
+std::string_view WordOf(EFileKind kind) {
+    constexpr std::array<std::string_view, 6> kWords = {"raw", "settings", "results", "workbook", "unknown", "empty"};
+    return kWords[static_cast<std::size_t>(kind)];
+}
+
+}  // namespace vxfile

@@ -1,0 +1,68 @@
+#include "tools/vxfile/system/Interrupt.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+
+namespace vxfile {
+
+namespace {
+
+using CHandler = void (*)(int);
+
+constexpr int kSignals[] = {
+    SIGINT,
+    SIGTERM,
+#ifdef SIGHUP  // the terminal was closed
+    SIGHUP,
+#endif
+};
+
+/// Signals that follow one another within this time are one request: a terminal, a shell or a service that ends a
+/// program often sends two.
+constexpr auto kOneRequest = std::chrono::milliseconds(500);
+
+using CClock = std::chrono::steady_clock;
+constexpr CClock::rep kNever = 0;
+
+std::atomic<CClock::rep> g_interrupted = kNever;  ///< When the first signal came.
+static_assert(std::atomic<CClock::rep>::is_always_lock_free, "a signal may come at any moment");
+
+/// Returns what stood there before. A system call that waits, for somebody who reads a pipe, say, ends by the signal.
+CHandler SetHandler(int signal, CHandler handler) {
+#ifdef _WIN32
+    return std::signal(signal, handler);
+#else
+    struct sigaction action {};
+    struct sigaction before {};
+    action.sa_handler = handler;
+    ::sigaction(signal, &action, &before);
+    return before.sa_handler;
+#endif
+}
+
+extern "C" void NoteInterrupt(int signal) {
+    const CClock::duration now = CClock::now().time_since_epoch();
+    CClock::rep first = kNever;
+    const bool isFirst = g_interrupted.compare_exchange_strong(first, now.count());
+    const bool isOver = !isFirst && now - CClock::duration(first) > kOneRequest;
+    SetHandler(signal, isOver ? SIG_DFL : NoteInterrupt);  // some systems have taken it away
+    if (isOver) static_cast<void>(std::raise(signal));
+}
+
+}  // namespace
+
+void CatchInterrupts() {
+    for (const int signal : kSignals) {
+        const CHandler before = SetHandler(signal, NoteInterrupt);
+        if (before != SIG_DFL) SetHandler(signal, before);  // what is to be ignored stays so
+    }
+}
+
+bool IsInterrupted() { return g_interrupted != kNever; }
+
+void CheckInterrupt() {
+    if (IsInterrupted()) throw CInterruption();
+}
+
+}  // namespace vxfile

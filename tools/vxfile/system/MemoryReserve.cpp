@@ -1,0 +1,75 @@
+#include "tools/vxfile/system/MemoryReserve.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <new>
+
+#include "tools/vxfile/shell/ExitStatus.h"
+
+namespace vxfile {
+
+namespace {
+
+/// To take a document down that tells of 80,000 recordings takes no more. Where there is less memory, a part is
+/// smaller.
+constexpr std::size_t kMostOfPart = std::size_t{4} << 20;
+constexpr std::size_t kLeastOfPart = std::size_t{256} << 10;
+
+struct CFree {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+using CReserve = std::unique_ptr<void, CFree>;
+
+CReserve g_firstPart;
+CReserve g_secondPart;
+bool g_isShort = false;
+
+void PutBy(CReserve& part) {
+    for (std::size_t size = kMostOfPart; !part && size >= kLeastOfPart; size /= 2)
+        part.reset(std::malloc(size));
+}
+
+[[noreturn]] void Refuse() {
+    g_firstPart.reset();
+    g_secondPart.reset();
+    throw std::bad_alloc();
+}
+
+void GiveReserveFree() {
+    g_isShort = true;
+    if (!g_firstPart) Refuse();
+    g_firstPart.reset();
+}
+
+/// A document that grows is copied, which may use up all that was put by before anything can fail.
+[[noreturn]] void EndForWantOfMemory() {
+    try {
+        if (const auto failure = std::current_exception()) std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        static_cast<void>(std::fprintf(stderr, "vxfile: %s\n", kNoMemory));
+        std::_Exit(kTrouble);
+    } catch (...) {  // a fault of the program
+        std::abort();
+    }
+    std::abort();
+}
+
+}  // namespace
+
+void KeepMemoryReserve() {
+    g_isShort = false;
+    std::set_new_handler(GiveReserveFree);
+    std::set_terminate(EndForWantOfMemory);
+    PutBy(g_firstPart);
+    PutBy(g_secondPart);
+}
+
+void CheckMemory() {
+    if (g_isShort) Refuse();
+}
+
+}  // namespace vxfile
