@@ -1,3 +1,5 @@
+#include "tools/vxfile/document/XmlDiff.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -6,7 +8,6 @@
 #include <utility>
 
 #include "tools/vxfile/document/XmlTokens.h"
-#include "tools/vxfile/report/Differences.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/WholeText.h"

@@ -10,8 +10,8 @@
 #include "tools/vxfile/document/XmlRules.h"
 #include "tools/vxfile/document/XmlTokens.h"
 #include "tools/vxfile/document/XmlValueJudge.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Progress.h"
 #include "tools/vxfile/system/WholeText.h"
 
 namespace vxfile {

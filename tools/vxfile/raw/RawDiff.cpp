@@ -1,3 +1,5 @@
+#include "tools/vxfile/raw/RawDiff.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -11,10 +13,9 @@
 
 #include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawScan.h"
-#include "tools/vxfile/report/Differences.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/Progress.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Progress.h"
 
 using vxfileio::rawdata::kFileHdrSize;
 

@@ -9,8 +9,8 @@
 #include "tools/vxfile/raw/CellJudge.h"
 #include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Progress.h"
 
 using namespace vxfileio::rawdata;
 

@@ -7,11 +7,11 @@
 #include "tools/vxfile/recover/RecoveredFile.h"
 #include "tools/vxfile/recover/Survey.h"
 #include "tools/vxfile/recover/WellJudge.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/OpenInput.h"
 #include "tools/vxfile/system/Output.h"
-#include "tools/vxfile/system/Progress.h"
 
 namespace vxfile {
 

@@ -49,12 +49,4 @@ struct CLeaf {
 /// Compares what two files say, place by place.
 void CompareLeaves(const std::vector<CLeaf>& left, const std::vector<CLeaf>& right, CDifferences& differences);
 
-/// @name Comparing two files of one kind
-/// Each throws `CFailure` if one of them can't be read.
-/// @{
-void CompareRawData(const std::string& left, const std::string& right, CDifferences& differences);
-void CompareDocuments(const std::string& left, const std::string& right, CDifferences& differences);
-void CompareWorkbooks(const std::string& left, const std::string& right, CDifferences& differences);
-/// @}
-
 }  // namespace vxfile

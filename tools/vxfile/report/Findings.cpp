@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tools/vxfile/shell/ExitStatus.h"
+#include "tools/vxfile/system/ExitStatus.h"
 
 namespace vxfile {
 

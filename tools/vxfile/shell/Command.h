@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vxfile/shell/ExitStatus.h"
+#include "tools/vxfile/system/ExitStatus.h"
 
 namespace vxfile {
 
@@ -37,7 +37,9 @@ class CCommand {
     virtual int Run() = 0;
 };
 
+using CCommands = std::vector<std::unique_ptr<CCommand>>;
+
 /// Makes all commands, in the order in which help lists them.
-std::vector<std::unique_ptr<CCommand>> MakeCommands();
+[[nodiscard]] CCommands MakeCommands();
 
 }  // namespace vxfile

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <memory>
 #include <ostream>
-#include <vector>
 
 #include "tools/vxfile/shell/Command.h"
 
@@ -11,8 +9,6 @@
 /// The manual page and the completion of the shell, out of the same description as `--help`.
 
 namespace vxfile {
-
-using CCommands = std::vector<std::unique_ptr<CCommand>>;
 
 /// Writes the manual page in the language of `man`.
 void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& out);

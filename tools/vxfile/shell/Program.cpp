@@ -4,17 +4,11 @@
 #include <sstream>
 #include <string>
 
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/shell/Command.h"
 #include "tools/vxfile/shell/CommandLine.h"
 #include "tools/vxfile/shell/Manual.h"
-#include "tools/vxfile/shell/commands/DiffCommand.h"
-#include "tools/vxfile/shell/commands/ExportCommand.h"
-#include "tools/vxfile/shell/commands/InfoCommand.h"
-#include "tools/vxfile/shell/commands/RecoverCommand.h"
-#include "tools/vxfile/shell/commands/SamplesCommand.h"
-#include "tools/vxfile/shell/commands/VerifyCommand.h"
-#include "tools/vxfile/shell/commands/WatchCommand.h"
-#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/MemoryReserve.h"
 #include "tools/vxfile/system/Output.h"
@@ -68,13 +62,9 @@ int RunWhole(int argc, const char* const* argv) {
 
 CCommands MakeCommands() {
     CCommands commands;
-    commands.push_back(MakeInfoCommand());
-    commands.push_back(MakeVerifyCommand());
-    commands.push_back(MakeRecoverCommand());
-    commands.push_back(MakeSamplesCommand());
-    commands.push_back(MakeExportCommand());
-    commands.push_back(MakeWatchCommand());
-    commands.push_back(MakeDiffCommand());
+    for (auto* const make : {MakeInfoCommand, MakeVerifyCommand, MakeRecoverCommand, MakeSamplesCommand,
+                             MakeExportCommand, MakeWatchCommand, MakeDiffCommand})
+        commands.push_back(make());
     return commands;
 }
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <new>
 
-#include "tools/vxfile/shell/ExitStatus.h"
+#include "tools/vxfile/system/ExitStatus.h"
 
 namespace vxfile {
 

@@ -1,9 +1,10 @@
+#include "tools/vxfile/workbook/WorkbookDiff.h"
+
 #include <array>
 #include <bit>
 #include <charconv>
 #include <cstdint>
 
-#include "tools/vxfile/report/Differences.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/workbook/CompoundScan.h"
 #include "tools/vxfile/workbook/Records.h"

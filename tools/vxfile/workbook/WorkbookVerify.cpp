@@ -8,7 +8,7 @@
 
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
+#include "tools/vxfile/system/OpenInput.h"
 #include "tools/vxfile/workbook/CompoundLayout.h"
 #include "tools/vxfile/workbook/CompoundScan.h"
 #include "vxfileio/helpers/FieldVisitors.h"
@@ -156,7 +156,8 @@ class CCompoundVerifier {
 
 CFindings VerifyWorkbook(const std::string& path) {
     CFindings findings;
-    static_cast<void>(FileKindOf(path));  // a file that can't be opened isn't a finding
+    vxfileio::helpers::CFile file;
+    OpenInput(file, path);  // a file that can't be opened isn't a finding
     try {
         const CCompoundScan scan(path);
         CCompoundVerifier(scan, findings).Verify();

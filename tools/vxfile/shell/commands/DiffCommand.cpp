@@ -1,5 +1,3 @@
-#include "tools/vxfile/shell/commands/DiffCommand.h"
-
 #include <algorithm>
 #include <array>
 #include <iostream>
@@ -7,12 +5,16 @@
 #include <string>
 #include <utility>
 
-#include "tools/vxfile/report/Differences.h"
+#include "tools/vxfile/document/XmlDiff.h"
+#include "tools/vxfile/raw/RawDiff.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
+#include "tools/vxfile/workbook/WorkbookDiff.h"
 
 namespace vxfile {
 

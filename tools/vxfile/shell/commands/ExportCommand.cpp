@@ -1,5 +1,3 @@
-#include "tools/vxfile/shell/commands/ExportCommand.h"
-
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
@@ -11,9 +9,11 @@
 #include <vector>
 
 #include "tools/vxfile/document/XmlDamage.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Output.h"
 #include "tools/vxfile/system/WholeText.h"

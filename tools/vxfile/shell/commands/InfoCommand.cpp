@@ -1,5 +1,3 @@
-#include "tools/vxfile/shell/commands/InfoCommand.h"
-
 #include <algorithm>
 #include <iostream>
 #include <string>
@@ -9,11 +7,13 @@
 
 #include "tools/vxfile/document/XmlInfo.h"
 #include "tools/vxfile/raw/RawInfo.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Page.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
 #include "tools/vxfile/workbook/WorkbookInfo.h"
 #include "vxfileio/helpers/File.h"
 

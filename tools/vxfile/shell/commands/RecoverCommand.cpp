@@ -1,12 +1,12 @@
-#include "tools/vxfile/shell/commands/RecoverCommand.h"
-
 #include <iostream>
 #include <string>
 
 #include "tools/vxfile/recover/RecoverReport.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
 
 namespace vxfile {
 

@@ -1,15 +1,14 @@
-#include "tools/vxfile/shell/commands/SamplesCommand.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
+#include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/CommandLine.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/Progress.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 
 namespace vxfile {
 

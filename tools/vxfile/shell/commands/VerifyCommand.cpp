@@ -1,5 +1,3 @@
-#include "tools/vxfile/shell/commands/VerifyCommand.h"
-
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -12,13 +10,15 @@
 
 #include "tools/vxfile/document/XmlVerify.h"
 #include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Findings.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/FolderWalk.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
-#include "tools/vxfile/system/FolderWalk.h"
 #include "tools/vxfile/workbook/WorkbookVerify.h"
 
 namespace vxfile {

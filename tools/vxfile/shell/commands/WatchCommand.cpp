@@ -1,5 +1,3 @@
-#include "tools/vxfile/shell/commands/WatchCommand.h"
-
 #include <algorithm>
 #include <chrono>
 #include <iostream>
@@ -12,6 +10,7 @@
 #include "tools/vxfile/raw/GrowingFile.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/CommandLine.h"
+#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Output.h"
 #include "tools/vxfile/system/Terminal.h"

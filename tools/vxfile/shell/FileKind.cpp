@@ -1,4 +1,4 @@
-#include "tools/vxfile/system/FileKind.h"
+#include "tools/vxfile/shell/FileKind.h"
 
 #include <array>
 #include <cstddef>

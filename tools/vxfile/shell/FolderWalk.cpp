@@ -1,4 +1,4 @@
-#include "tools/vxfile/system/FolderWalk.h"
+#include "tools/vxfile/shell/FolderWalk.h"
 
 #include <algorithm>
 #include <array>
@@ -6,9 +6,9 @@
 #include <string_view>
 #include <system_error>
 
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/FileKind.h"
+#include "tools/vxfile/shell/FileKind.h"
 
 namespace vxfile {
 

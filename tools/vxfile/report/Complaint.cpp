@@ -1,4 +1,4 @@
-#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/report/Complaint.h"
 
 #include <exception>
 #include <iostream>

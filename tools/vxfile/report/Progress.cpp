@@ -1,4 +1,4 @@
-#include "tools/vxfile/system/Progress.h"
+#include "tools/vxfile/report/Progress.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "tools/vxfile/report/Differences.h"
+
+namespace vxfile {
+
+/// Compares two settings or results files and adds to `differences` how they differ. Throws `CFailure` if one can't be
+/// read.
+void CompareDocuments(const std::string& left, const std::string& right, CDifferences& differences);
+
+}  // namespace vxfile

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+
+#include "tools/vxfile/shell/Command.h"
+
+/// @file
+/// The commands, each defined in a source of its own. `MakeCommands` calls all of these.
+
+namespace vxfile {
+
+[[nodiscard]] std::unique_ptr<CCommand> MakeDiffCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeExportCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeInfoCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeRecoverCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeSamplesCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeVerifyCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeWatchCommand();
+
+}  // namespace vxfile
