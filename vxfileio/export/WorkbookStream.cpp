@@ -10,10 +10,6 @@ namespace YExcel {
 
 namespace {
 
-constexpr int kFonts = 4;
-constexpr int kFormats = 21;
-constexpr int kStyles = 6;
-
 std::uint32_t BlockCount(const Sheet& sheet) { return (sheet.RowCount() + RowBlock::kRows - 1) / RowBlock::kRows; }
 
 std::uint32_t Position32(std::size_t position) { return static_cast<std::uint32_t>(position); }

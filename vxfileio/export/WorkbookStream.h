@@ -12,6 +12,13 @@
 
 namespace YExcel {
 
+/// @name The number of equal records of each kind among the globals
+/// @{
+inline constexpr int kFonts = 4;
+inline constexpr int kFormats = 21;
+inline constexpr int kStyles = 6;
+/// @}
+
 /// The sheets of a workbook, in their order.
 using Sheets = std::vector<std::unique_ptr<Sheet>>;
 

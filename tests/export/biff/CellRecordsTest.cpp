@@ -15,29 +15,30 @@ using namespace YExcel;
 const std::string kPlace = U16(0x0102) + U16(3) + U16(4);
 
 TEST(CellRecordsTest, NumbersAndTexts) {
-    EXPECT_EQ(BytesOf(RK{.row = 0x0102, .column = 3, .xf = 4, .word = 0x40938801}),
-              U16(0x027E) + U16(10) + kPlace + U32(0x40938801));
-    EXPECT_EQ(BytesOf(Number{.row = 0x0102, .column = 3, .xf = 4, .value = -1.25}),
-              U16(0x0203) + U16(14) + kPlace + U64(0xBFF4000000000000));
-    EXPECT_EQ(BytesOf(LabelSST{.row = 0x0102, .column = 3, .xf = 4, .stringIndex = 0x10005}),
-              U16(0x00FD) + U16(10) + kPlace + U32(0x10005));
+    ExpectRecord(RK{.row = 0x0102, .column = 3, .xf = 4, .word = 0x40938801},
+                 U16(0x027E) + U16(10) + kPlace + U32(0x40938801));
+    ExpectRecord(Number{.row = 0x0102, .column = 3, .xf = 4, .value = -1.25},
+                 U16(0x0203) + U16(14) + kPlace + U64(0xBFF4000000000000));
+    ExpectRecord(LabelSST{.row = 0x0102, .column = 3, .xf = 4, .stringIndex = 0x10005},
+                 U16(0x00FD) + U16(10) + kPlace + U32(0x10005));
 }
 
 TEST(CellRecordsTest, RunEndsWithItsLastColumn) {
     const std::array<MulRK::Item, 2> items = {MulRK::Item{.xf = 4, .word = 0x11223344}, {.xf = 5, .word = 0x55667788}};
-    EXPECT_EQ(BytesOf(MulRK{.row = 0x0102, .firstColumn = 3, .items = items, .lastColumn = 4}),
-              U16(0x00BD) + U16(18) + U16(0x0102) + U16(3) +           // row, first column
-                  U16(4) + U32(0x11223344) + U16(5) + U32(0x55667788)  // format and word of each cell
-                  + U16(4));                                           // last column
+    ExpectRecord(MulRK{.row = 0x0102, .firstColumn = 3, .items = items, .lastColumn = 4},
+                 U16(0x00BD) + U16(18) + U16(0x0102) + U16(3) +           // row, first column
+                     U16(4) + U32(0x11223344) + U16(5) + U32(0x55667788)  // format and word of each cell
+                     + U16(4),                                            // last column
+                 2);
     const std::array<std::uint16_t, 3> xfs = {7, 8, 9};
-    EXPECT_EQ(BytesOf(MulBlank{.row = 0x0102, .firstColumn = 3, .xfs = xfs, .lastColumn = 5}),
-              U16(0x00BE) + U16(12) + U16(0x0102) + U16(3) + U16(7) + U16(8) + U16(9) + U16(5));
+    ExpectRecord(MulBlank{.row = 0x0102, .firstColumn = 3, .xfs = xfs, .lastColumn = 5},
+                 U16(0x00BE) + U16(12) + U16(0x0102) + U16(3) + U16(7) + U16(8) + U16(9) + U16(5), 3);
 }
 
 TEST(CellRecordsTest, BlanksTruthAndErrors) {
-    EXPECT_EQ(BytesOf(Blank{.row = 0x0102, .column = 3, .xf = 4}), U16(0x0201) + U16(6) + kPlace);
-    EXPECT_EQ(BytesOf(BoolErr{.row = 0x0102, .column = 3, .xf = 4, .value = 0x2A, .isError = 1}),
-              U16(0x0205) + U16(8) + kPlace + U8(0x2A) + U8(1));
+    ExpectRecord(Blank{.row = 0x0102, .column = 3, .xf = 4}, U16(0x0201) + U16(6) + kPlace);
+    ExpectRecord(BoolErr{.row = 0x0102, .column = 3, .xf = 4, .value = 0x2A, .isError = 1},
+                 U16(0x0205) + U16(8) + kPlace + U8(0x2A) + U8(1));
 }
 
 TEST(CellRecordsTest, FormulaAndWhatMayFollowIt) {
@@ -46,23 +47,23 @@ TEST(CellRecordsTest, FormulaAndWhatMayFollowIt) {
     const Expression expression{"\x1E\x07"};
     const std::string expressionBytes = U16(2) + "\x1E\x07";
     const Formula formula{.row = 0x0102, .column = 3, .xf = 4, .result = 2.0, .options = 1, .expression = expression};
-    EXPECT_EQ(BytesOf(formula), U16(0x0006) + U16(24) + kPlace + U64(0x4000000000000000) +  //
-                                    U16(1) + U32(0) +                                       // options, reserved
-                                    expressionBytes);
-    EXPECT_EQ(BytesOf(Array{.range = range, .options = 6, .expression = expression}),
-              U16(0x0221) + U16(16) + rangeBytes + U16(6) + U32(0) + expressionBytes);
+    ExpectRecord(formula, U16(0x0006) + U16(24) + kPlace + U64(0x4000000000000000) +  //
+                              U16(1) + U32(0) +                                       // options, reserved
+                              expressionBytes);
+    ExpectRecord(Array{.range = range, .options = 6, .expression = expression},
+                 U16(0x0221) + U16(16) + rangeBytes + U16(6) + U32(0) + expressionBytes);
     const std::string shared = U16(12) + rangeBytes + U8(0) + U8(6) + expressionBytes;
-    EXPECT_EQ(BytesOf(ShrFmla{.range = range, .useCount = 6, .expression = expression}), U16(0x00BC) + shared);
-    EXPECT_EQ(BytesOf(ShrFmla1{.range = range, .useCount = 6, .expression = expression}), U16(0x04BC) + shared);
+    ExpectRecord(ShrFmla{.range = range, .useCount = 6, .expression = expression}, U16(0x00BC) + shared);
+    ExpectRecord(ShrFmla1{.range = range, .useCount = 6, .expression = expression}, U16(0x04BC) + shared);
     const Table table{.range = range,
                       .options = 6,
                       .rowInputRow = 7,
                       .rowInputColumn = 8,
                       .columnInputRow = 9,
                       .columnInputColumn = 10};
-    EXPECT_EQ(BytesOf(table), U16(0x0036) + U16(16) + rangeBytes + U16(6) + U16(7) + U16(8) + U16(9) + U16(10));
-    EXPECT_EQ(BytesOf(String{.text = SstString(std::u16string_view(u"ab"))}),
-              U16(0x0207) + U16(7) + U16(2) + U8(1) + Units(u"ab"));
+    ExpectRecord(table, U16(0x0036) + U16(16) + rangeBytes + U16(6) + U16(7) + U16(8) + U16(9) + U16(10));
+    ExpectRecord(String{.text = SstString(std::u16string_view(u"ab"))},
+                 U16(0x0207) + U16(7) + U16(2) + U8(1) + Units(u"ab"));
 }
 
 }  // namespace

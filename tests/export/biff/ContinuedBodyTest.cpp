@@ -31,7 +31,7 @@ struct CLong {
     std::string_view bytes;
     std::uint32_t number;
 
-    constexpr void Fields(auto& body) const { body(bytes, number); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.bytes, self.number); }
 };
 
 TEST(ContinuedBodyTest, BytesAndNumbersAreCutWhereARecordIsFull) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -43,6 +45,26 @@ inline std::string ToString(std::span<const std::byte> bytes) {
 
 /// The bytes of a record alone in a stream.
 std::string BytesOf(const YExcel::Record auto& record) { return ToString(YExcel::RecordBytes(record)); }
+
+/// Expects a record to be stored as these bytes and to be loaded from them, and loading to refuse every shorter body.
+/// A list that reaches to the end may lose whole items: `shorterLists` counts such bodies.
+template <YExcel::Record Type>
+void ExpectRecord(const Type& record, const std::string& bytes, std::size_t shorterLists = 0) {
+    EXPECT_EQ(BytesOf(record), bytes);
+    std::size_t accepted = 0;
+    for (std::size_t size = YExcel::kHeaderSize; size <= bytes.size(); ++size) {
+        // A block of its own, so that a sanitizer notices a byte that is read after the end.
+        const std::vector<char> body(bytes.begin() + YExcel::kHeaderSize,
+                                     bytes.begin() + static_cast<std::ptrdiff_t>(size));
+        vxfileio::helpers::FieldLoad load(std::as_bytes(std::span(body)));
+        Type loaded;
+        load(loaded);
+        if (!load.TookAll()) continue;
+        ++accepted;
+        EXPECT_EQ(BytesOf(loaded).substr(YExcel::kHeaderSize), std::string(body.begin(), body.end()));
+    }
+    EXPECT_EQ(accepted, 1 + shorterLists) << "record " << Type::kCode;
+}
 
 /// The bytes of a document's stream.
 std::string StreamOf(const auto& document) {

@@ -46,8 +46,7 @@ CCompoundLayout::CCompoundLayout(std::uint32_t streamSize) {
     }
     m_directory.resize(kSectorSize);
     vxfileio::helpers::FieldStore store(m_directory.data());
-    root.Fields(store);
-    stream.Fields(store);
+    store(root, stream);
     m_sectors = m_fat.size();
     m_fat.resize(m_fatSectors.size() * kMarksPerSector, kFree);
     FillHeader();

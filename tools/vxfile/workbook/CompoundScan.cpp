@@ -1,42 +1,30 @@
 #include "tools/vxfile/workbook/CompoundScan.h"
 
 #include <algorithm>
+#include <array>
 #include <span>
 #include <string_view>
 
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/OpenInput.h"
-#include "vxfileio/export/compound/CompoundFormat.h"
-#include "vxfileio/export/compound/DirectoryEntry.h"
 #include "vxfileio/helpers/FieldVisitors.h"
-#include "vxfileio/helpers/LittleEndian.h"
-
-using vxfileio::compound::DirectoryEntry;
 
 using namespace vxfileio::compound;
-using vxfileio::helpers::LoadLE32;
+using vxfileio::helpers::FieldLoad;
 
 namespace vxfile {
 
 namespace {
 
-/// @name Where fields stand
-/// In the header and in a directory entry.
-/// @{
-constexpr std::size_t kFirstDirectorySector = 48;
-constexpr std::size_t kFirstMiniFatSector = 60;
-constexpr std::size_t kMiniFatSectors = 64;
-constexpr std::size_t kFirstDifatSector = 68;
-constexpr std::size_t kDifat = 76;
-constexpr std::size_t kEntryStart = 116;
-constexpr std::size_t kEntrySize = 120;
-/// @}
+using CMarks = std::array<std::uint32_t, kMarksPerSector>;
 
-std::vector<std::uint32_t> Marks(std::span<const std::byte> bytes) {
-    std::vector<std::uint32_t> marks;
-    for (std::size_t i = 0; i + sizeof(std::uint32_t) <= bytes.size(); i += sizeof(std::uint32_t))
-        marks.push_back(LoadLE32(&bytes[i]));
-    return marks;
+/// Loads an object, such as a header or the marks of a sector. What is cut off keeps its value.
+template <class Object>
+Object Load(std::span<const std::byte> bytes) {
+    Object object{};
+    FieldLoad load(bytes);
+    load(object);
+    return object;
 }
 
 }  // namespace
@@ -44,7 +32,7 @@ std::vector<std::uint32_t> Marks(std::span<const std::byte> bytes) {
 CCompoundScan::CCompoundScan(const std::string& path) : m_path(path) {
     OpenInput(m_file, path);
     m_size = m_file.Size();
-    m_header = Block(0);
+    m_header = Load<StorageHeader>(Block(0));
     ReadFat();
     ReadStream();
 }
@@ -55,34 +43,32 @@ std::vector<std::byte> CCompoundScan::Block(std::uint64_t block) const {
     return bytes;
 }
 
-std::uint32_t CCompoundScan::Field(std::size_t offset) const { return LoadLE32(&m_header[offset]); }
-
 /// The list of the FAT's sectors stands in the header, and goes on in sectors of its own.
 void CCompoundScan::ReadFat() {
     const auto sectors = static_cast<std::uint64_t>(m_size) / kSectorSize;
-    std::vector<std::uint32_t> difat = Marks(std::span(m_header).subspan(kDifat));
-    for (std::uint32_t next = Field(kFirstDifatSector); next < sectors && difat.size() <= sectors;) {
-        const auto marks = Marks(Block(next + std::uint64_t{1}));
+    std::vector<std::uint32_t> difat(m_header.difat.begin(), m_header.difat.end());
+    for (std::uint32_t next = m_header.firstDifatSector; next < sectors && difat.size() <= sectors;) {
+        const auto marks = Load<CMarks>(Block(next + std::uint64_t{1}));
         difat.insert(difat.end(), marks.begin(), marks.end() - 1);
         next = marks.back();
     }
     for (const std::uint32_t sector : difat) {
         if (sector >= sectors || m_fat.size() > sectors) break;
-        const auto marks = Marks(Block(sector + std::uint64_t{1}));
+        const auto marks = Load<CMarks>(Block(sector + std::uint64_t{1}));
         m_fat.insert(m_fat.end(), marks.begin(), marks.end());
     }
 }
 
 void CCompoundScan::ReadStream() {
     const DirectoryEntry wanted(enEntryType::Stream, "Workbook");
-    std::vector<std::byte> name(kDirectoryEntrySize);
-    vxfileio::helpers::FieldStore(name.data())(wanted.name);
-    m_root = ReadChain(Field(kFirstDirectorySector), kSectorSize);
-    for (std::size_t at = kDirectoryEntrySize; at < kSectorSize; at += kDirectoryEntrySize) {
-        const auto entry = std::span(m_root).subspan(at, kDirectoryEntrySize);
-        if (!std::equal(entry.begin(), entry.begin() + 2 * kNameUnits, name.begin())) continue;
-        const std::uint32_t first = LoadLE32(&entry[kEntryStart]);
-        const std::uint32_t size = LoadLE32(&entry[kEntrySize]);
+    const auto bytes = ReadChain(m_header.firstDirectorySector, kSectorSize);
+    const auto entries = Load<std::array<DirectoryEntry, kSectorSize / kDirectoryEntrySize>>(bytes);
+    m_root = entries.front();
+    const auto* const found = std::find_if(entries.begin() + 1, entries.end(),
+                                           [&](const DirectoryEntry& entry) { return entry.name == wanted.name; });
+    if (found != entries.end()) {
+        const std::uint32_t first = found->startSector;
+        const std::uint32_t size = found->streamSize;
         m_stream = size < kMiniStreamCutOff ? ReadMiniChain(first, size) : ReadChain(first, size);
         return;
     }
@@ -108,9 +94,9 @@ std::vector<std::byte> CCompoundScan::ReadChain(std::uint32_t first, std::uint64
 
 /// Short streams stand in the stream of the root, whose sectors are cut in eight.
 std::vector<std::byte> CCompoundScan::ReadMiniChain(std::uint32_t first, std::uint32_t size) const {
-    const auto miniStream = ReadChain(LoadLE32(&m_root[kEntryStart]), LoadLE32(&m_root[kEntrySize]));
-    const std::uint64_t tableSize = std::uint64_t{Field(kMiniFatSectors)} * kSectorSize;
-    const auto miniFat = Marks(ReadChain(Field(kFirstMiniFatSector), tableSize));
+    const auto miniStream = ReadChain(m_root.startSector, m_root.streamSize);
+    const std::uint64_t tableSize = std::uint64_t{m_header.miniFatSectors} * kSectorSize;
+    const auto miniFat = Load<std::vector<std::uint32_t>>(ReadChain(m_header.firstMiniFatSector, tableSize));
     std::vector<std::byte> bytes;
     for (std::uint32_t sector = first; bytes.size() < size; sector = miniFat[sector]) {
         const std::size_t begin = std::size_t{sector} * kMiniSectorSize;

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "vxfileio/export/compound/DirectoryEntry.h"
+#include "vxfileio/export/compound/StorageHeader.h"
 #include "vxfileio/helpers/File.h"
 
 namespace vxfile {
@@ -27,14 +29,13 @@ class CCompoundScan {
     void ReadStream();
     std::vector<std::byte> ReadChain(std::uint32_t first, std::uint64_t size) const;
     std::vector<std::byte> ReadMiniChain(std::uint32_t first, std::uint32_t size) const;
-    std::uint32_t Field(std::size_t offset) const;
 
     std::string m_path;
     vxfileio::helpers::CFile m_file;
     std::int64_t m_size = 0;
-    std::vector<std::byte> m_header;
+    vxfileio::compound::StorageHeader m_header;
     std::vector<std::uint32_t> m_fat;
-    std::vector<std::byte> m_root;  ///< The directory entry of the root.
+    vxfileio::compound::DirectoryEntry m_root;
     std::vector<std::byte> m_stream;
 };
 

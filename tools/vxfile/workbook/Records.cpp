@@ -3,23 +3,14 @@
 #include <algorithm>
 #include <array>
 
-#include "vxfileio/export/biff/CellRecords.h"
-#include "vxfileio/export/biff/ContinuedBody.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/SheetRecords.h"
-#include "vxfileio/helpers/LittleEndian.h"
 
 using namespace YExcel;
 
 namespace vxfile {
 
 namespace {
-
-template <class Number>
-Number LoadAt(std::span<const std::byte> body, std::size_t offset) {
-    if (offset + sizeof(Number) > body.size()) return 0;
-    return vxfileio::helpers::LoadLittleEndian<Number>(&body[offset]);
-}
 
 struct CCodeName {
     std::uint16_t code;
@@ -49,15 +40,12 @@ constexpr std::array kNames = {
 
 }  // namespace
 
-std::uint8_t CRecord::U8(std::size_t offset) const { return LoadAt<std::uint8_t>(body, offset); }
-std::uint16_t CRecord::U16(std::size_t offset) const { return LoadAt<std::uint16_t>(body, offset); }
-std::uint32_t CRecord::U32(std::size_t offset) const { return LoadAt<std::uint32_t>(body, offset); }
-
 std::optional<CRecord> RecordAt(std::span<const std::byte> stream, std::size_t position) {
-    if (position > stream.size() || stream.size() - position < kHeaderSize) return std::nullopt;
-    const auto code = LoadAt<std::uint16_t>(stream, position);
-    const auto size = LoadAt<std::uint16_t>(stream, position + 2);
-    if (stream.size() - position - kHeaderSize < size) return std::nullopt;
+    vxfileio::helpers::FieldLoad load(stream.subspan(std::min(position, stream.size())));
+    std::uint16_t code = 0;
+    std::uint16_t size = 0;
+    load(code, size);
+    if (!load.IsWhole() || load.Left() < size) return std::nullopt;
     return CRecord{position, code, stream.subspan(position + kHeaderSize, size)};
 }
 
@@ -66,17 +54,27 @@ std::string RecordName(std::uint16_t code) {
     return found == kNames.end() ? "record " + std::to_string(code) : std::string(found->name);
 }
 
+void AppendUtf8(std::uint16_t unit, std::string& utf8) {
+    if (unit < 0x80) {
+        utf8 += static_cast<char>(unit);
+    } else if (unit < 0x800) {
+        utf8 += {static_cast<char>(0xC0U | unit >> 6U), static_cast<char>(0x80U | (unit & 0x3FU))};
+    } else {
+        utf8 += {static_cast<char>(0xE0U | unit >> 12U), static_cast<char>(0x80U | (unit >> 6U & 0x3FU)),
+                 static_cast<char>(0x80U | (unit & 0x3FU))};
+    }
+}
+
 std::vector<CSheetName> SheetsOf(std::span<const std::byte> stream) {
-    constexpr std::size_t kName = 8;  // behind position, two bytes, count and option
     std::vector<CSheetName> sheets;
     for (auto record = RecordAt(stream, 0); record && record->code != YEOF::kCode;
          record = RecordAt(stream, record->End())) {
-        if (record->code != BoundSheet::kCode || record->body.size() < kName) continue;
-        const auto name = record->body.subspan(kName);
-        const std::uint32_t position = record->U32(0);
-        if (!sheets.empty() && position <= sheets.back().position) continue;
-        if (!sheets.empty()) sheets.back().end = position;
-        sheets.push_back({{reinterpret_cast<const char*>(name.data()), name.size()}, position, stream.size()});
+        const auto add = [&](const BoundSheet& sheet) {
+            if (!sheets.empty() && sheet.position <= sheets.back().position) return;
+            if (!sheets.empty()) sheets.back().end = sheet.position;
+            sheets.push_back({Utf8(sheet.name), sheet.position, stream.size()});
+        };
+        TakeAs<BoundSheet>(*record, add);
     }
     return sheets;
 }

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,6 +9,8 @@
 #include "tools/vxfile/workbook/Records.h"
 #include "tools/vxfile/workbook/SharedStringsJudge.h"
 #include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "vxfileio/export/RowBlock.h"
+#include "vxfileio/export/WorkbookStream.h"
 #include "vxfileio/export/biff/CellRecords.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/RecordStream.h"
@@ -20,10 +21,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr int kFonts = 4;
-constexpr int kFormats = 21;
-constexpr int kStyles = 6;
-constexpr std::uint32_t kRowsPerBlock = 32;
+constexpr std::uint32_t kRowsPerBlock = YExcel::RowBlock::kRows;
 
 /// What a sheet's cells turned out to be; the records around them must say the same.
 struct CSheetSum {
@@ -49,17 +47,21 @@ struct CShortRun {
 
 bool IsWhole(std::uint32_t word) { return (word & YExcel::rk::kWhole) != 0; }
 
-bool IsCell(std::uint16_t code) {
-    return code == YExcel::RK::kCode || code == YExcel::MulRK::kCode || code == YExcel::Number::kCode ||
-           code == YExcel::LabelSST::kCode;
-}
+/// A cell or a run of cells by its place.
+struct CCellPlace {
+    std::uint16_t row = 0;
+    std::uint16_t column = 0;
+};
 
-/// A sheet may end in rows and columns whose cells stay empty: it is as large as it says, if its blocks agree.
-void Extend(CSheetSum& sum, const CRecord& dimensions) {
-    const std::uint32_t rows = dimensions.U32(4);
+CCellPlace PlaceOf(const YExcel::MulRK& run) { return {run.row, run.firstColumn}; }
+CCellPlace PlaceOf(const auto& cell) { return {cell.row, cell.column}; }
+
+/// A sheet may end in rows and columns without cells: it is as large as it says if its blocks agree.
+void Extend(CSheetSum& sum, const YExcel::Dimensions& dimensions) {
+    const std::uint32_t rows = dimensions.endRow;
     const std::size_t blocks = (std::size_t{rows} + kRowsPerBlock - 1) / kRowsPerBlock;
     if (rows >= sum.endRow && blocks == sum.dbCells.size()) sum.endRow = rows;
-    sum.endColumn = std::max(sum.endColumn, dimensions.U16(10));
+    sum.endColumn = std::max(sum.endColumn, dimensions.endColumn);
     if (sum.dbCells.empty()) sum.dbCells.push_back(0);
 }
 
@@ -109,10 +111,12 @@ class CRecordsJudge {
     void JudgeBlock(std::uint32_t number, std::uint16_t endColumn, CSheetSum& sum);
     std::vector<CRowPlace> JudgeRows(std::uint32_t number, std::uint16_t endColumn);
     void JudgeCells(std::vector<CRowPlace>& rows, CSheetSum& sum);
-    std::uint16_t JudgeCell(const CRecord& cell);
-    std::uint16_t JudgeRun(const CRecord& cell);
-    void JudgeWords(const CRecord& cell, const std::vector<std::uint32_t>& words);
-    void JudgeNumber(const CRecord& cell);
+    void AddMisplaced(const CRecord& record, CCellPlace place, const CRowPlace* row, std::uint32_t nextColumn);
+    std::uint16_t Judge(const CRecord& record, const YExcel::RK& cell);
+    std::uint16_t Judge(const CRecord& record, const YExcel::MulRK& run);
+    std::uint16_t Judge(const CRecord& record, const YExcel::Number& cell);
+    std::uint16_t Judge(const CRecord& record, const YExcel::LabelSST& cell);
+    void JudgeWords(const CRecord& record, CCellPlace place, const std::vector<std::uint32_t>& words);
     void JudgeDBCell(std::size_t firstRow, const std::vector<CRowPlace>& rows, CSheetSum& sum);
 
     std::span<const std::byte> m_stream;
@@ -163,11 +167,11 @@ void CRecordsJudge::Compare(const CRecord& found, const Type& expected) {
 void CRecordsJudge::JudgeGlobals() {
     ExpectExactly(YExcel::BOF{.type = YExcel::BOF::kGlobals});
     ExpectExactly(YExcel::Window1());
-    for (int i = 0; i < kFonts; ++i)
+    for (int i = 0; i < YExcel::kFonts; ++i)
         ExpectExactly(YExcel::Font());
-    for (int i = 0; i < kFormats; ++i)
+    for (int i = 0; i < YExcel::kFormats; ++i)
         ExpectExactly(YExcel::XF());
-    for (int i = 0; i < kStyles; ++i)
+    for (int i = 0; i < YExcel::kStyles; ++i)
         ExpectExactly(YExcel::Style());
     JudgeBoundSheets();
     if (const auto table = Expect(YExcel::SharedStringTable::kCode))
@@ -179,10 +183,10 @@ void CRecordsJudge::JudgeBoundSheets() {
     if (!IsNext(YExcel::BoundSheet::kCode)) Expect(YExcel::BoundSheet::kCode);
     while (!m_lost && IsNext(YExcel::BoundSheet::kCode)) {
         const CRecord record = *Expect(YExcel::BoundSheet::kCode);
-        constexpr std::size_t kName = 8;
-        const auto name = record.body.subspan(std::min(kName, record.body.size()));
-        const std::string_view text(reinterpret_cast<const char*>(name.data()), name.size());
-        Compare(record, YExcel::BoundSheet{.position = record.U32(0), .name = YExcel::SmallString(text)});
+        const auto compare = [&](const YExcel::BoundSheet& sheet) {
+            Compare(record, YExcel::BoundSheet{.position = sheet.position, .name = sheet.name});
+        };
+        TakeAs<YExcel::BoundSheet>(record, compare);
     }
 }
 
@@ -194,9 +198,10 @@ void CRecordsJudge::JudgeSheet(const CSheetName& sheet, bool isFirst) {
     const auto index = Expect(YExcel::Index::kCode);
     const auto dimensions = Expect(YExcel::Dimensions::kCode);
     if (m_lost) return;
-    CSheetSum sum = JudgeBlocks(dimensions->U16(10));
+    const auto size = dimensions->As<YExcel::Dimensions>();
+    CSheetSum sum = JudgeBlocks(size.endColumn);
     if (m_lost) return;
-    Extend(sum, *dimensions);
+    Extend(sum, size);
     Compare(*index, YExcel::Index{.firstUsedRow = sum.firstRow.value_or(0),
                                   .firstUnusedRow = sum.endRow,
                                   .dbCellPositions = sum.dbCells});
@@ -231,7 +236,7 @@ std::vector<CRowPlace> CRecordsJudge::JudgeRows(std::uint32_t number, std::uint1
     std::vector<CRowPlace> rows;
     while (!m_lost && IsNext(YExcel::Row::kCode)) {
         const CRecord record = *Expect(YExcel::Row::kCode);
-        const std::uint16_t row = record.U16(0);
+        const std::uint16_t row = record.As<YExcel::Row>().row;
         Compare(record, YExcel::Row{.row = row, .endCell = endColumn});
         if (row / kRowsPerBlock != number || (!rows.empty() && row <= rows.back().row))
             Add(record.position, "row " + std::to_string(row),
@@ -247,98 +252,98 @@ std::vector<CRowPlace> CRecordsJudge::JudgeRows(std::uint32_t number, std::uint1
 void CRecordsJudge::JudgeCells(std::vector<CRowPlace>& rows, CSheetSum& sum) {
     auto row = rows.begin();
     std::uint32_t nextColumn = 0;
-    for (auto cell = Peek(); cell && IsCell(cell->code); cell = Peek()) {
-        m_position = cell->End();
-        const std::uint16_t column = cell->U16(2);
-        if (row != rows.end() && row->firstCell != 0 && cell->U16(0) != row->row) {
+    const auto judge = [&](const CRecord& record, const auto& cell) {
+        const CCellPlace place = PlaceOf(cell);
+        if (row != rows.end() && row->firstCell != 0 && place.row != row->row) {
             ++row;
             nextColumn = 0;
         }
-        if (row == rows.end() || cell->U16(0) != row->row || column < nextColumn) {
-            Add(cell->position, "a cell in row " + std::to_string(cell->U16(0)) + ", column " + std::to_string(column),
-                row == rows.end() ? "a cell of a row that is told above"
-                                  : "row " + std::to_string(row->row) + ", from column " + std::to_string(nextColumn),
-                "Rows and cells don't agree; what follows in this sheet wasn't checked.");
-            m_lost = true;
-            return;
-        }
-        if (row->firstCell == 0) row->firstCell = cell->position;
-        if (!sum.firstRow && row == rows.begin() && nextColumn == 0) sum.firstColumn = column;
-        nextColumn = JudgeCell(*cell) + 1U;
+        if (row == rows.end() || place.row != row->row || place.column < nextColumn)
+            return AddMisplaced(record, place, row == rows.end() ? nullptr : &*row, nextColumn);
+        if (row->firstCell == 0) row->firstCell = record.position;
+        if (!sum.firstRow && row == rows.begin() && nextColumn == 0) sum.firstColumn = place.column;
+        nextColumn = Judge(record, cell) + 1U;
         sum.endColumn = std::max(sum.endColumn, static_cast<std::uint16_t>(nextColumn));
+    };
+    for (auto record = Peek(); record && !m_lost; record = Peek()) {
+        if (!TakeCell(*record, [&](const auto& cell) { judge(*record, cell); })) break;
+        m_position = record->End();
     }
+    if (m_lost) return;
     const auto isEmpty = [](const CRowPlace& place) { return place.firstCell == 0; };
     if (const auto empty = std::ranges::find_if(rows, isEmpty); empty != rows.end())
         Add(m_position, "no cell of row " + std::to_string(empty->row), "at least one", "Cells are missing.");
 }
 
-/// Returns the last column of the cell or cells.
-std::uint16_t CRecordsJudge::JudgeCell(const CRecord& cell) {
-    const std::uint16_t row = cell.U16(0);
-    const std::uint16_t column = cell.U16(2);
-    if (cell.code == YExcel::MulRK::kCode) return JudgeRun(cell);
-    if (cell.code == YExcel::RK::kCode) {
-        Compare(cell, YExcel::RK{.row = row, .column = column, .word = cell.U32(6)});
-        JudgeWords(cell, {cell.U32(6)});
-    } else if (cell.code == YExcel::LabelSST::kCode) {
-        Compare(cell, YExcel::LabelSST{.row = row, .column = column, .stringIndex = cell.U32(6)});
-        ++m_labels;
-        if (cell.U32(6) >= m_strings)
-            Add(cell.position, "text " + std::to_string(cell.U32(6)), "one of " + Counted(m_strings, "text"),
-                "The cell shows nothing, or the file is refused.");
-    } else {
-        JudgeNumber(cell);
-    }
-    return column;
+void CRecordsJudge::AddMisplaced(const CRecord& record, CCellPlace place, const CRowPlace* row,
+                                 std::uint32_t nextColumn) {
+    m_lost = true;
+    Add(record.position, "a cell in row " + std::to_string(place.row) + ", column " + std::to_string(place.column),
+        row == nullptr ? "a cell of a row that is told above"
+                       : "row " + std::to_string(row->row) + ", from column " + std::to_string(nextColumn),
+        "Rows and cells don't agree; what follows in this sheet wasn't checked.");
 }
 
-std::uint16_t CRecordsJudge::JudgeRun(const CRecord& cell) {
-    const std::uint16_t column = cell.U16(2);
+// Each `Judge` returns the last column of the cell or run.
+
+std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::RK& cell) {
+    Compare(record, YExcel::RK{.row = cell.row, .column = cell.column, .word = cell.word});
+    JudgeWords(record, PlaceOf(cell), {cell.word});
+    return cell.column;
+}
+
+std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::MulRK& run) {
     std::vector<YExcel::MulRK::Item> items;
     std::vector<std::uint32_t> words;
-    for (std::size_t at = 4; at + 8 <= cell.body.size(); at += 6) {
-        words.push_back(cell.U32(at + 2));
-        items.push_back({0, words.back()});
+    for (const auto& item : run.items) {
+        items.push_back({.word = item.word});
+        words.push_back(item.word);
     }
-    const auto last = static_cast<std::uint16_t>(column + items.size() - 1);
-    Compare(cell, YExcel::MulRK{.row = cell.U16(0), .firstColumn = column, .items = items, .lastColumn = last});
-    JudgeWords(cell, words);
-    return std::max(last, column);
+    const auto last = static_cast<std::uint16_t>(run.firstColumn + items.size() - 1);
+    Compare(record, YExcel::MulRK{.row = run.row, .firstColumn = run.firstColumn, .items = items, .lastColumn = last});
+    JudgeWords(record, PlaceOf(run), words);
+    return std::max(last, run.firstColumn);
+}
+
+std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::Number& cell) {
+    Compare(record, YExcel::Number{.row = cell.row, .column = cell.column, .value = cell.value});
+    if (YExcel::TwoDecimalTest(cell.value))
+        Add(record.position, "a number of two decimals in full", "its short form, RK or MulRK",
+            "The number is damaged, or another program wrote this; readers take it as it is.");
+    return cell.column;
+}
+
+std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::LabelSST& cell) {
+    Compare(record, YExcel::LabelSST{.row = cell.row, .column = cell.column, .stringIndex = cell.stringIndex});
+    ++m_labels;
+    if (cell.stringIndex >= m_strings)
+        Add(record.position, "text " + std::to_string(cell.stringIndex), "one of " + Counted(m_strings, "text"),
+            "The cell shows nothing, or the file is refused.");
+    return cell.column;
 }
 
 /// Numbers in the short form side by side share a record if they are of one kind, doubles or whole numbers.
-void CRecordsJudge::JudgeWords(const CRecord& cell, const std::vector<std::uint32_t>& words) {
+void CRecordsJudge::JudgeWords(const CRecord& record, CCellPlace place, const std::vector<std::uint32_t>& words) {
     if (words.empty()) return;
-    const std::uint16_t row = cell.U16(0);
-    const std::uint16_t column = cell.U16(2);
     const bool isWhole = IsWhole(words.front());
     const auto isOfTwo = [](std::uint32_t word) { return (word & YExcel::rk::kFlags) == YExcel::rk::kFlags; };
     if (std::ranges::any_of(words, isOfTwo))
-        Add(cell.position, "a number that is marked as whole and as hundredths", "one mark or none",
+        Add(record.position, "a number that is marked as whole and as hundredths", "one mark or none",
             "A number is damaged; spreadsheet programs show its hundredth part.");
     if (std::ranges::any_of(words, [&](std::uint32_t word) { return IsWhole(word) != isWhole; }))
-        Add(cell.position, "doubles and whole numbers in one record", "numbers of one kind",
+        Add(record.position, "doubles and whole numbers in one record", "numbers of one kind",
             "A number is damaged, or another program wrote this; readers take it as it is.");
-    if (m_run && m_run->row == row && m_run->endColumn == column && m_run->isWhole == isWhole)
-        Add(cell.position, "a record that goes on where the one before ends", "one MulRK record of both",
+    if (m_run && m_run->row == place.row && m_run->endColumn == place.column && m_run->isWhole == isWhole)
+        Add(record.position, "a record that goes on where the one before ends", "one MulRK record of both",
             "A column is damaged, or another program wrote this; readers take it as it is.");
-    m_run = CShortRun{row, static_cast<std::uint32_t>(column + words.size()), isWhole};
-}
-
-void CRecordsJudge::JudgeNumber(const CRecord& cell) {
-    const auto value = std::bit_cast<double>(cell.U32(6) | std::uint64_t{cell.U32(10)} << 32U);
-    Compare(cell, YExcel::Number{.row = cell.U16(0), .column = cell.U16(2), .value = value});
-    if (YExcel::TwoDecimalTest(value))
-        Add(cell.position, "a number of two decimals in full", "its short form, RK or MulRK",
-            "The number is damaged, or another program wrote this; readers take it as it is.");
+    m_run = CShortRun{place.row, static_cast<std::uint32_t>(place.column + words.size()), isWhole};
 }
 
 void CRecordsJudge::JudgeDBCell(std::size_t firstRow, const std::vector<CRowPlace>& rows, CSheetSum& sum) {
     const auto record = Expect(YExcel::DBCell::kCode);
     if (!record) return;
-    constexpr std::size_t kRowSize = 20;
     std::vector<std::uint16_t> offsets;
-    std::size_t from = firstRow + kRowSize;
+    std::size_t from = firstRow + YExcel::RecordSize(YExcel::Row());
     for (const auto& row : rows) {
         offsets.push_back(static_cast<std::uint16_t>(row.firstCell - from));
         from = row.firstCell;

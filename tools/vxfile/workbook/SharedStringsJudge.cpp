@@ -1,11 +1,10 @@
 #include "tools/vxfile/workbook/SharedStringsJudge.h"
 
 #include <algorithm>
-#include <list>
-#include <optional>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "tools/vxfile/workbook/Records.h"
@@ -19,52 +18,49 @@ namespace vxfile {
 
 namespace {
 
-/// The bodies of a record and its CONTINUE records, read one after the other.
-class CBodies {
+/// Loads the fields of a record that goes on in CONTINUE records, as `ContinuedBody` stores them.
+class CContinuedLoad : public vxfileio::helpers::FieldReader<CContinuedLoad> {
  public:
-    CBodies(std::span<const std::byte> stream, std::size_t position) : m_stream(stream) {
+    CContinuedLoad(std::span<const std::byte> stream, std::size_t position) : m_stream(stream), m_end(position) {
         if (const auto record = RecordAt(stream, position)) Enter(*record);
     }
 
-    /// Returns the next byte; nothing behind the last body. Going on in a further record passes over its option byte if
-    /// that cuts a text, and takes it over.
-    std::optional<std::uint8_t> Next(std::uint8_t* option = nullptr) {
-        while (m_body.empty()) {
-            const auto record = RecordAt(m_stream, m_end);
-            if (!record || record->code != kContinue) return std::nullopt;
-            Enter(*record);
-            if (option != nullptr && !m_body.empty()) *option = Take();
+    bool Take(std::span<std::byte> bytes) {
+        for (std::byte& byte : bytes) {
+            while (m_body.empty()) {
+                if (!Continue()) return false;
+            }
+            byte = m_body.front();
+            m_body = m_body.subspan(1);
         }
-        return Take();
+        return true;
     }
+    /// Of the record at hand and everything after it.
+    std::size_t Left() const { return m_body.size() + m_stream.size() - m_end; }
 
-    /// Takes a number, least significant byte first.
-    std::optional<std::uint32_t> Number(std::size_t size) {
-        std::uint32_t number = 0;
-        for (std::size_t i = 0; i < size; ++i) {
-            const auto byte = Next();
-            if (!byte) return std::nullopt;
-            number |= std::uint32_t{*byte} << (8 * i);
+    void Text(SstString& string) {
+        std::uint16_t count = 0;
+        std::uint8_t option = kNarrow;
+        (*this)(count, option);
+        const bool isWide = option == kWide;
+        std::u16string text;
+        for (; count > 0 && IsWhole(); --count)
+            text += Character(option);
+        if (!IsWhole()) return;
+        if (isWide) {
+            string = SstString(std::u16string_view(Keep<std::u16string>() = std::move(text)));
+        } else {
+            auto& narrow = Keep<std::string>();
+            std::ranges::transform(text, std::back_inserter(narrow), [](char16_t c) { return static_cast<char>(c); });
+            string = SstString(std::string_view(narrow));
         }
-        return number;
     }
 
-    /// Takes one character, as wide as the option says.
-    std::optional<char16_t> Character(std::uint8_t& option) {
-        const auto low = Next(&option);
-        if (!low || option != kWide) return low;
-        const auto high = Next();
-        if (!high) return std::nullopt;
-        return static_cast<char16_t>(*low | *high << 8U);
-    }
-
-    /// Returns where the last of the records ends.
-    std::size_t End() const {
-        std::size_t end = m_end;
-        for (auto record = RecordAt(m_stream, end); record && record->code == kContinue;
-             record = RecordAt(m_stream, end))
-            end = record->End();
-        return end;
+    /// Returns the end of the last CONTINUE record.
+    std::size_t End() {
+        while (Continue()) {
+        }
+        return m_end;
     }
 
  private:
@@ -72,77 +68,28 @@ class CBodies {
         m_body = record.body;
         m_end = record.End();
     }
-    std::uint8_t Take() {
-        const auto byte = std::to_integer<std::uint8_t>(m_body.front());
-        m_body = m_body.subspan(1);
-        return byte;
+    bool Continue() {
+        const auto record = RecordAt(m_stream, m_end);
+        const bool isMore = record && record->code == kContinue;
+        if (isMore) Enter(*record);
+        return isMore;
+    }
+    /// Characters that go on in a further record follow a new option byte there.
+    char16_t Character(std::uint8_t& option) {
+        if (m_body.empty()) (*this)(option);
+        std::uint8_t low = 0;
+        std::uint8_t high = 0;
+        (*this)(low);
+        if (option == kWide) (*this)(high);
+        return static_cast<char16_t>(low | high << 8U);
     }
 
     std::span<const std::byte> m_stream;
     std::span<const std::byte> m_body;
-    std::size_t m_end = 0;
+    std::size_t m_end;  ///< Of the record at hand.
 };
-
-/// The texts of a table. Lists keep their items where they are, which the table looks at.
-struct CTexts {
-    std::list<std::string> narrow;
-    std::list<std::u16string> wide;
-    SharedStringTable table;
-};
-
-bool ReadText(CBodies& bodies, CTexts& texts) {
-    const auto count = bodies.Number(2);
-    const auto first = bodies.Number(1);
-    if (!count || !first) return false;
-    auto option = static_cast<std::uint8_t>(*first);
-    const bool isWide = option == kWide;
-    std::u16string text;
-    for (std::uint32_t i = 0; i < *count; ++i) {
-        const auto character = bodies.Character(option);
-        if (!character) return false;
-        text += *character;
-    }
-    if (isWide) {
-        texts.table.strings.emplace_back(std::u16string_view(texts.wide.emplace_back(std::move(text))));
-    } else {
-        std::string narrow(text.size(), '\0');
-        std::ranges::transform(text, narrow.begin(), [](char16_t c) { return static_cast<char>(c); });
-        texts.table.strings.emplace_back(std::string_view(texts.narrow.emplace_back(std::move(narrow))));
-    }
-    return true;
-}
-
-/// Reads a whole table. Returns the number of texts that it claims to have.
-std::uint32_t ReadTable(CBodies& bodies, CTexts& texts) {
-    texts.table.total = bodies.Number(4).value_or(0);
-    const std::uint32_t claimed = bodies.Number(4).value_or(0);
-    while (texts.table.strings.size() < claimed && ReadText(bodies, texts)) {
-    }
-    return claimed;
-}
 
 std::string Where(std::size_t position) { return "SST > byte " + std::to_string(position) + " of the stream"; }
-
-std::string Utf8(const SstString& text) {
-    std::string utf8;
-    const auto append = [&](unsigned c) {
-        if (c < 0x80) {
-            utf8 += static_cast<char>(c);
-        } else if (c < 0x800) {
-            utf8 += {static_cast<char>(0xC0U | c >> 6U), static_cast<char>(0x80U | (c & 0x3FU))};
-        } else {
-            utf8 += {static_cast<char>(0xE0U | c >> 12U), static_cast<char>(0x80U | (c >> 6U & 0x3FU)),
-                     static_cast<char>(0x80U | (c & 0x3FU))};
-        }
-    };
-    std::visit(
-        [&](auto characters) {
-            for (const auto c : characters)
-                append(static_cast<unsigned>(c) & (sizeof(c) == 1 ? 0xFFU : 0xFFFFU));
-        },
-        text.Text());
-    return utf8;
-}
 
 }  // namespace
 
@@ -152,30 +99,28 @@ std::vector<std::string> SharedTextsOf(std::span<const std::byte> stream) {
         record = RecordAt(stream, record->End());
     std::vector<std::string> list;
     if (!record) return list;
-    CBodies bodies(stream, record->position);
-    CTexts texts;
-    ReadTable(bodies, texts);
-    for (const auto& text : texts.table.strings)
+    CContinuedLoad load(stream, record->position);
+    SharedStringTable table;
+    load(table);
+    for (const auto& text : table.strings)
         list.push_back(Utf8(text));
     return list;
 }
 
 std::size_t JudgeSharedStrings(std::span<const std::byte> stream, std::size_t position, std::uint32_t& count,
                                std::uint32_t& uses, CFindings& findings) {
-    CBodies bodies(stream, position);
-    CTexts texts;
-    uses = texts.table.total = bodies.Number(4).value_or(0);
-    const std::uint32_t claimed = bodies.Number(4).value_or(0);
-    while (texts.table.strings.size() < claimed && ReadText(bodies, texts)) {
-    }
-    count = static_cast<std::uint32_t>(texts.table.strings.size());
-    const std::size_t end = bodies.End();
-    if (count < claimed) {
-        findings.Add({Where(position), -1, std::to_string(count) + " whole texts", std::to_string(claimed),
-                      "Cells that show the others are damaged."});
+    CContinuedLoad load(stream, position);
+    SharedStringTable table;
+    load(table);
+    uses = table.total;
+    count = static_cast<std::uint32_t>(table.strings.size());
+    const std::size_t end = load.End();
+    if (load.Missing() != 0) {
+        findings.Add({Where(position), -1, std::to_string(count) + " whole texts",
+                      std::to_string(count + load.Missing()), "Cells that show the others are damaged."});
         return end;
     }
-    const auto expected = RecordBytes(texts.table);
+    const auto expected = RecordBytes(table);
     const auto found = stream.subspan(position, end - position);
     const auto differs = std::ranges::mismatch(found, expected).in1 - found.begin();
     if (!std::ranges::equal(found, expected))

@@ -1,9 +1,9 @@
 #include "tools/vxfile/workbook/WorkbookDiff.h"
 
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cstdint>
+#include <utility>
 
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/workbook/CompoundScan.h"
@@ -31,25 +31,27 @@ std::string NumberText(double value) {
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
 
-/// What a record of cells says, cell by cell.
-void AddCells(const CRecord& record, const std::string& sheet, const std::vector<std::string>& texts,
-              std::vector<CLeaf>& leaves) {
-    const auto add = [&](std::uint32_t column, std::string value) {
-        leaves.push_back({CellName(sheet, record.U16(0), column), std::move(value)});
-    };
-    const std::uint16_t column = record.U16(2);
-    if (record.code == YExcel::RK::kCode) {
-        add(column, NumberText(YExcel::DecodeRK(record.U32(6))));
-    } else if (record.code == YExcel::Number::kCode) {
-        add(column, NumberText(std::bit_cast<double>(record.U32(6) | std::uint64_t{record.U32(10)} << 32U)));
-    } else if (record.code == YExcel::LabelSST::kCode) {
-        const std::uint32_t text = record.U32(6);
-        add(column, text < texts.size() ? Quoted(texts[text]) : "a text that isn't there");
-    } else if (record.code == YExcel::MulRK::kCode) {
-        for (std::size_t at = 4, i = 0; at + 8 <= record.body.size(); at += 6, ++i)
-            add(column + static_cast<std::uint32_t>(i), NumberText(YExcel::DecodeRK(record.U32(at + 2))));
+/// Adds the cells of records to a list of leaves.
+struct CCellLeaves {
+    const std::string& sheet;
+    const std::vector<std::string>& texts;
+    std::vector<CLeaf>& leaves;
+
+    void Add(std::uint16_t row, std::uint32_t column, std::string value) {
+        leaves.push_back({CellName(sheet, row, column), std::move(value)});
     }
-}
+    void operator()(const YExcel::RK& cell) { Add(cell.row, cell.column, NumberText(YExcel::DecodeRK(cell.word))); }
+    void operator()(const YExcel::Number& cell) { Add(cell.row, cell.column, NumberText(cell.value)); }
+    void operator()(const YExcel::LabelSST& cell) {
+        const bool isThere = cell.stringIndex < texts.size();
+        Add(cell.row, cell.column, isThere ? Quoted(texts[cell.stringIndex]) : "a text that isn't there");
+    }
+    void operator()(const YExcel::MulRK& run) {
+        std::uint32_t column = run.firstColumn;
+        for (const auto& item : run.items)
+            Add(run.row, column++, NumberText(YExcel::DecodeRK(item.word)));
+    }
+};
 
 std::vector<CLeaf> CellsOf(const std::string& path) {
     const CCompoundScan scan(path);
@@ -61,7 +63,7 @@ std::vector<CLeaf> CellsOf(const std::string& path) {
         for (auto record = RecordAt(scan.Stream(), sheet.position);
              record && record->position < sheet.end && record->code != YExcel::YEOF::kCode;
              record = RecordAt(scan.Stream(), record->End()))
-            AddCells(*record, name, texts, leaves);
+            TakeCell(*record, CCellLeaves{name, texts, leaves});
     }
     return leaves;
 }

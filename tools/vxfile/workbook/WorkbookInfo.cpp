@@ -1,6 +1,5 @@
 #include "tools/vxfile/workbook/WorkbookInfo.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -25,22 +24,25 @@ struct CSheetSum {
     std::uint64_t texts = 0;
 };
 
-std::uint64_t NumbersIn(const CRecord& record) {
-    constexpr std::size_t kFrame = 6;  // row, first column, last column
-    if (record.code == YExcel::RK::kCode || record.code == YExcel::Number::kCode) return 1;
-    return record.code == YExcel::MulRK::kCode ? (record.body.size() - std::min(record.body.size(), kFrame)) / 6 : 0;
-}
+/// Counts cells.
+struct CCellCount {
+    CSheetSum& sum;
+
+    void operator()(const YExcel::LabelSST& /*cell*/) { ++sum.texts; }
+    void operator()(const YExcel::MulRK& run) { sum.numbers += run.items.size(); }
+    void operator()(const auto& /*number*/) { ++sum.numbers; }
+};
 
 CSheetSum Sum(std::span<const std::byte> stream, const CSheetName& sheet) {
     CSheetSum sum;
     for (auto record = RecordAt(stream, sheet.position);
          record && record->position < sheet.end && record->code != YExcel::YEOF::kCode;
          record = RecordAt(stream, record->End())) {
-        sum.numbers += NumbersIn(*record);
-        sum.texts += record->code == YExcel::LabelSST::kCode ? 1U : 0U;
+        TakeCell(*record, CCellCount{sum});
         if (record->code != YExcel::Dimensions::kCode) continue;
-        sum.rows = record->U32(4);
-        sum.columns = record->U16(10);
+        const auto dimensions = record->As<YExcel::Dimensions>();
+        sum.rows = dimensions.endRow;
+        sum.columns = dimensions.endColumn;
     }
     return sum;
 }

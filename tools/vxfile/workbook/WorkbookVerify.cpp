@@ -19,40 +19,64 @@ namespace vxfile {
 
 namespace {
 
-/// A field by its place in its block, for naming it.
-struct CFieldPlace {
-    std::size_t offset;
-    std::string_view name;
+/// The names of the fields, in their order.
+constexpr std::array<std::string_view, 18> kHeaderFields = {
+    "signature",
+    "class ID",
+    "minor version",
+    "major version",
+    "byte order",
+    "sector size",
+    "mini sector size",
+    "reserved",
+    "directory sectors",
+    "FAT sectors",
+    "first directory sector",
+    "transaction signature",
+    "least size of a stream outside the mini stream",
+    "first mini FAT sector",
+    "mini FAT sectors",
+    "first DIFAT sector",
+    "DIFAT sectors",
+    "list of FAT sectors",
 };
 
-constexpr std::array kHeaderFields = {
-    CFieldPlace{0, "signature"},
-    CFieldPlace{8, "class ID"},
-    CFieldPlace{24, "minor version"},
-    CFieldPlace{26, "major version"},
-    CFieldPlace{28, "byte order"},
-    CFieldPlace{30, "sector size"},
-    CFieldPlace{32, "mini sector size"},
-    CFieldPlace{34, "reserved"},
-    CFieldPlace{40, "directory sectors"},
-    CFieldPlace{44, "FAT sectors"},
-    CFieldPlace{48, "first directory sector"},
-    CFieldPlace{52, "transaction signature"},
-    CFieldPlace{56, "least size of a stream outside the mini stream"},
-    CFieldPlace{60, "first mini FAT sector"},
-    CFieldPlace{64, "mini FAT sectors"},
-    CFieldPlace{68, "first DIFAT sector"},
-    CFieldPlace{72, "DIFAT sectors"},
-    CFieldPlace{76, "list of FAT sectors"},
+constexpr std::array<std::string_view, 13> kEntryFields = {
+    "name",     "bytes of the name", "type",  "colour",       "left sibling", "right sibling", "child",
+    "class ID", "state bits",        "times", "first sector", "size",         "reserved",
 };
 
-constexpr std::array kEntryFields = {
-    CFieldPlace{0, "name"},       CFieldPlace{64, "bytes of the name"}, CFieldPlace{66, "type"},
-    CFieldPlace{67, "colour"},    CFieldPlace{68, "left sibling"},      CFieldPlace{72, "right sibling"},
-    CFieldPlace{76, "child"},     CFieldPlace{80, "class ID"},          CFieldPlace{96, "state bits"},
-    CFieldPlace{100, "times"},    CFieldPlace{116, "first sector"},     CFieldPlace{120, "size"},
-    CFieldPlace{124, "reserved"},
+/// Collects the offset after each field of an object.
+struct CFieldEnds {
+    std::vector<std::size_t> ends;
+    std::size_t end = 0;
+
+    void operator()(const auto&... fields) { (Add(fields), ...); }
+
+ private:
+    void Add(const auto& field) {
+        vxfileio::helpers::FieldSize size;
+        size(field);
+        ends.push_back(end += size.Size());
+    }
 };
+
+/// Counts the fields of an object.
+struct CFieldCount {
+    std::size_t count = 0;
+
+    constexpr void operator()(const auto&... fields) { count += sizeof...(fields); }
+};
+
+template <class Object>
+constexpr std::size_t CountFields() {
+    CFieldCount count;
+    const Object object;
+    Object::Fields(object, count);
+    return count.count;
+}
+static_assert(CountFields<StorageHeader>() == kHeaderFields.size(), "each field has a name");
+static_assert(CountFields<DirectoryEntry>() == kEntryFields.size(), "each field has a name");
 
 std::string Bytes(std::span<const std::byte> bytes) {
     return Quoted({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
@@ -73,7 +97,7 @@ class CCompoundVerifier {
         : m_scan(scan), m_layout(static_cast<std::uint32_t>(scan.Stream().size())), m_findings(findings) {}
 
     void Verify() {
-        JudgeFields("header", 0, kHeaderFields, BytesOf(m_layout.Header()));
+        JudgeFields<StorageHeader>("header", 0, kHeaderFields, BytesOf(m_layout.Header()));
         JudgeDirectory();
         JudgeTables();
         JudgeEnd();
@@ -87,15 +111,18 @@ class CCompoundVerifier {
                             "Spreadsheet programs may refuse the file, or show something else."});
     }
 
-    template <std::size_t N>
-    void JudgeFields(const std::string& where, std::uint64_t offset, const std::array<CFieldPlace, N>& fields,
+    template <class Object>
+    void JudgeFields(const std::string& where, std::uint64_t offset, std::span<const std::string_view> names,
                      std::span<const std::byte> expected) {
         const auto block = m_scan.Block(offset / kSectorSize);
         const auto found = std::span(block).subspan(offset % kSectorSize, expected.size());
-        for (std::size_t i = 0; i < N; ++i) {
-            const std::size_t begin = fields[i].offset;
-            const std::size_t size = (i + 1 < N ? fields[i + 1].offset : expected.size()) - begin;
-            Compare(where + " > " + std::string(fields[i].name), offset + begin, found.subspan(begin, size),
+        CFieldEnds fields;
+        const Object object;
+        Object::Fields(object, fields);
+        std::size_t begin = 0;
+        for (std::size_t i = 0; i < names.size(); begin = fields.ends[i++]) {
+            const std::size_t size = fields.ends[i] - begin;
+            Compare(where + " > " + std::string(names[i]), offset + begin, found.subspan(begin, size),
                     expected.subspan(begin, size));
         }
     }
@@ -105,8 +132,9 @@ class CCompoundVerifier {
         constexpr std::array kNames = {"directory > root", "directory > stream", "directory > third entry",
                                        "directory > fourth entry"};
         for (std::size_t i = 0; i < kNames.size(); ++i)
-            JudgeFields(kNames[i], offset + i * kDirectoryEntrySize, kEntryFields,
-                        std::span(m_layout.Directory()).subspan(i * kDirectoryEntrySize, kDirectoryEntrySize));
+            JudgeFields<DirectoryEntry>(
+                kNames[i], offset + i * kDirectoryEntrySize, kEntryFields,
+                std::span(m_layout.Directory()).subspan(i * kDirectoryEntrySize, kDirectoryEntrySize));
     }
 
     void JudgeTables() {

@@ -18,7 +18,7 @@ struct RK {
     std::uint16_t xf = 0;
     std::uint32_t word = 0;
 
-    constexpr void Fields(auto& body) const { body(row, column, xf, word); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.row, self.column, self.xf, self.word); }
 };
 
 /// A run of numbers in the short form.
@@ -29,7 +29,7 @@ struct MulRK {
         std::uint16_t xf = 0;
         std::uint32_t word = 0;
 
-        constexpr void Fields(auto& body) const { body(xf, word); }
+        static constexpr void Fields(auto& self, auto& body) { body(self.xf, self.word); }
     };
 
     std::uint16_t row = 0;
@@ -37,7 +37,9 @@ struct MulRK {
     std::span<const Item> items = {};
     std::uint16_t lastColumn = 0;
 
-    constexpr void Fields(auto& body) const { body(row, firstColumn, items, lastColumn); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.row, self.firstColumn, self.items, self.lastColumn);
+    }
 };
 
 /// A number in full.
@@ -49,7 +51,7 @@ struct Number {
     std::uint16_t xf = 0;
     double value = 0.0;
 
-    constexpr void Fields(auto& body) const { body(row, column, xf, value); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.row, self.column, self.xf, self.value); }
 };
 
 /// A text, by its index in the shared strings.
@@ -61,7 +63,7 @@ struct LabelSST {
     std::uint16_t xf = 0;
     std::uint32_t stringIndex = 0;
 
-    constexpr void Fields(auto& body) const { body(row, column, xf, stringIndex); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.row, self.column, self.xf, self.stringIndex); }
 };
 
 /// A cell that has a format and nothing else. A saved workbook has none, nor any of the records below.
@@ -72,7 +74,7 @@ struct Blank {
     std::uint16_t column = 0;
     std::uint16_t xf = 0;
 
-    constexpr void Fields(auto& body) const { body(row, column, xf); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.row, self.column, self.xf); }
 };
 
 /// A run of blank cells, by their formats.
@@ -84,7 +86,9 @@ struct MulBlank {
     std::span<const std::uint16_t> xfs = {};
     std::uint16_t lastColumn = 0;
 
-    constexpr void Fields(auto& body) const { body(row, firstColumn, xfs, lastColumn); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.row, self.firstColumn, self.xfs, self.lastColumn);
+    }
 };
 
 /// A truth value, or the code of an error.
@@ -97,7 +101,9 @@ struct BoolErr {
     std::uint8_t value = 0;
     std::uint8_t isError = 0;
 
-    constexpr void Fields(auto& body) const { body(row, column, xf, value, isError); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.row, self.column, self.xf, self.value, self.isError);
+    }
 };
 
 }  // namespace YExcel

@@ -54,7 +54,7 @@ class ContinuedBody : public FieldVisitor<ContinuedBody<Records>> {
 
     void Text(const SstString& string) {
         FieldSize size;
-        string.Fields(size);
+        size(string);
         if (size.Size() > m_room && m_room < kLeastRoomForPart) Continue();
         (*this)(string.Count(), string.Option());
         std::visit([&](auto characters) { Characters(string.Option(), characters); }, string.Text());

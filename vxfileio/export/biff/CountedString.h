@@ -34,12 +34,24 @@ class CountedString {
         return std::string_view(m_first.narrow, m_count);
     }
 
-    constexpr void Fields(auto& body) const {
-        body(m_count, m_option);
-        std::visit([&](auto characters) { body(characters); }, Text());
+    static constexpr void Fields(auto& self, auto& body) {
+        if constexpr (requires { body.template Characters<char>(0); }) {
+            self = Loaded(body);
+        } else {
+            body(self.m_count, self.m_option);
+            std::visit([&](auto characters) { body(characters); }, self.Text());
+        }
     }
 
  private:
+    static CountedString Loaded(auto& body) {
+        Length count = 0;
+        std::uint8_t option = kNarrow;
+        body(count, option);
+        if (option == kWide) return CountedString(body.template Characters<char16_t>(count));
+        return CountedString(body.template Characters<char>(count));
+    }
+
     static constexpr Length CountOf(auto characters) {
         return static_cast<Length>(std::min<std::size_t>(characters.size(), std::numeric_limits<Length>::max()));
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 #include "vxfileio/export/biff/CountedString.h"
@@ -12,15 +11,11 @@
 
 namespace YExcel {
 
-/// A parsed expression, byte for byte, behind its size. The bytes belong to somebody else; what the size can't tell is
-/// cut off.
+/// A parsed expression, byte for byte, after its size. The caller owns the bytes; those beyond 65535 are cut off.
 struct Expression {
     std::string_view bytes;
 
-    constexpr void Fields(auto& body) const {
-        const auto kept = bytes.substr(0, std::numeric_limits<std::uint16_t>::max());
-        body(static_cast<std::uint16_t>(kept.size()), kept);
-    }
+    static constexpr void Fields(auto& self, auto& body) { body.template Counted<std::uint16_t>(self.bytes); }
 };
 
 /// A rectangle of cells, first and last ones included.
@@ -30,7 +25,9 @@ struct CellRange {
     std::uint8_t firstColumn = 0;
     std::uint8_t lastColumn = 0;
 
-    constexpr void Fields(auto& body) const { body(firstRow, lastRow, firstColumn, lastColumn); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.firstRow, self.lastRow, self.firstColumn, self.lastColumn);
+    }
 };
 
 /// A formula that fills a rectangle.
@@ -41,7 +38,9 @@ struct Array {
     std::uint16_t options = 0;
     Expression expression = {};
 
-    constexpr void Fields(auto& body) const { body(range, options, kReserved<std::uint32_t>, expression); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.range, self.options, kReserved<std::uint32_t>, self.expression);
+    }
 };
 
 /// A formula that several cells share. It exists under two codes.
@@ -53,7 +52,9 @@ struct SharedFormula {
     std::uint8_t useCount = 0;
     Expression expression = {};
 
-    constexpr void Fields(auto& body) const { body(range, kReserved<std::uint8_t>, useCount, expression); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.range, kReserved<std::uint8_t>, self.useCount, self.expression);
+    }
 };
 using ShrFmla = SharedFormula<0x00BC>;
 using ShrFmla1 = SharedFormula<0x04BC>;
@@ -69,8 +70,9 @@ struct Table {
     std::uint16_t columnInputRow = 0;
     std::uint16_t columnInputColumn = 0;
 
-    constexpr void Fields(auto& body) const {
-        body(range, options, rowInputRow, rowInputColumn, columnInputRow, columnInputColumn);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.range, self.options, self.rowInputRow, self.rowInputColumn, self.columnInputRow,
+             self.columnInputColumn);
     }
 };
 
@@ -80,7 +82,7 @@ struct String {
 
     SstString text = SstString();
 
-    constexpr void Fields(auto& body) const { body(text); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.text); }
 };
 
 /// A formula with its last result. At most one of the records above follows it, and is put by whoever puts the formula.
@@ -94,8 +96,8 @@ struct Formula {
     std::uint16_t options = 0;
     Expression expression = {};
 
-    constexpr void Fields(auto& body) const {
-        body(row, column, xf, result, options, kReserved<std::uint32_t>, expression);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.row, self.column, self.xf, self.result, self.options, kReserved<std::uint32_t>, self.expression);
     }
 };
 

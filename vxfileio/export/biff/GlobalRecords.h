@@ -30,14 +30,16 @@ struct BOF {
     std::uint32_t fileHistory = 0x0000C0C9;
     std::uint32_t lowestVersion = 0x00000306;
 
-    constexpr void Fields(auto& body) const { body(version, type, build, year, fileHistory, lowestVersion); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.version, self.type, self.build, self.year, self.fileHistory, self.lowestVersion);
+    }
 };
 
 /// The end of what a `BOF` began.
 struct YEOF {
     static constexpr std::uint16_t kCode = 0x000A;
 
-    constexpr void Fields(auto& /*body*/) const {}
+    static constexpr void Fields(auto& /*self*/, auto& /*body*/) {}
 };
 
 /// The window that shows the workbook. Lengths are in twentieths of a point, the tab bar's share in thousandths.
@@ -54,9 +56,9 @@ struct Window1 {
     std::uint16_t selectedSheets = 1;
     std::uint16_t tabBarRatio = 600;
 
-    constexpr void Fields(auto& body) const {
-        body(horizontalPosition, verticalPosition, width, height, options);
-        body(activeSheet, firstTab, selectedSheets, tabBarRatio);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.horizontalPosition, self.verticalPosition, self.width, self.height, self.options);
+        body(self.activeSheet, self.firstTab, self.selectedSheets, self.tabBarRatio);
     }
 };
 
@@ -74,9 +76,9 @@ struct Font {
     std::uint8_t characterSet = 0;
     SmallString name = SmallString(std::u16string_view(u"Arial"));
 
-    constexpr void Fields(auto& body) const {
-        body(height, options, colourIndex, weight, escapement);
-        body(underline, family, characterSet, kReserved<std::uint8_t>, name);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.height, self.options, self.colourIndex, self.weight, self.escapement);
+        body(self.underline, self.family, self.characterSet, kReserved<std::uint8_t>, self.name);
     }
 };
 
@@ -95,9 +97,10 @@ struct XF {
     std::uint32_t colours = 0;
     std::uint16_t fillColours = 0x20C0;
 
-    constexpr void Fields(auto& body) const {
-        body(font, format, protectionAndType, alignment, rotation, textProperties, usedAttributes);
-        body(borders, colours, fillColours);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.font, self.format, self.protectionAndType, self.alignment, self.rotation, self.textProperties,
+             self.usedAttributes);
+        body(self.borders, self.colours, self.fillColours);
     }
 };
 
@@ -111,12 +114,12 @@ struct Style {
     std::uint8_t level = 0xFF;
     SstString name = SstString();  ///< Of any other.
 
-    constexpr void Fields(auto& body) const {
-        body(xfAndFlag);
-        if ((xfAndFlag & kBuiltIn) != 0) {
-            body(identifier, level);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.xfAndFlag);
+        if ((self.xfAndFlag & kBuiltIn) != 0) {
+            body(self.identifier, self.level);
         } else {
-            body(name);
+            body(self.name);
         }
     }
 };
@@ -130,7 +133,7 @@ struct BoundSheet {
     std::uint8_t type = 0;
     SmallString name = SmallString();
 
-    constexpr void Fields(auto& body) const { body(position, visibility, type, name); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.position, self.visibility, self.type, self.name); }
 };
 
 /// Every text of the workbook once. `total` counts the cells that show one. Strings are added without a copy of those
@@ -141,24 +144,29 @@ struct SharedStringTable {
     std::uint32_t total = 0;
     std::deque<SstString> strings = {};
 
-    constexpr void Fields(auto& body) const { body(total, static_cast<std::uint32_t>(strings.size()), strings); }
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.total);
+        body.template Counted<std::uint32_t>(self.strings);
+    }
 };
 
-/// Where every so-manieth shared string stands. A workbook is complete without it, and ours has none.
+/// The stream offset of every n-th shared string. It is optional; a saved workbook has none.
 struct ExtSST {
     static constexpr std::uint16_t kCode = 0x00FF;
 
     struct Bucket {
-        std::uint32_t position;  ///< Of its first string, from the start of the stream.
-        std::uint16_t offset;    ///< The same, from the start of its record.
+        std::uint32_t position = 0;  ///< Of its first string, from the start of the stream.
+        std::uint16_t offset = 0;    ///< The same, from the start of its record.
 
-        constexpr void Fields(auto& body) const { body(position, offset, kReserved<std::uint16_t>); }
+        static constexpr void Fields(auto& self, auto& body) {
+            body(self.position, self.offset, kReserved<std::uint16_t>);
+        }
     };
 
     std::uint16_t stringsPerBucket = 8;
     std::vector<Bucket> buckets = {};
 
-    constexpr void Fields(auto& body) const { body(stringsPerBucket, buckets); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.stringsPerBucket, self.buckets); }
 };
 
 }  // namespace YExcel

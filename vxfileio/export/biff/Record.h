@@ -16,14 +16,14 @@ namespace YExcel {
 template <class Type>
 concept Record = requires(const Type& record, FieldSize& size) {
     { Type::kCode } -> std::convertible_to<std::uint16_t>;
-    record.Fields(size);
+    Type::Fields(record, size);
 };
 
 /// Returns the bytes of the body, as if it stood in one record.
 template <Record Type>
 constexpr std::size_t DataSize(const Type& record) {
     FieldSize size;
-    record.Fields(size);
+    Type::Fields(record, size);
     return size.Size();
 }
 
@@ -34,7 +34,7 @@ constexpr std::size_t RecordSize(const Type& record) {
     if (dataSize <= kMostBody) return kHeaderSize + dataSize;
     RecordsSize size;
     ContinuedBody body(size, Type::kCode);
-    record.Fields(body);
+    Type::Fields(record, body);
     return size.Size();
 }
 

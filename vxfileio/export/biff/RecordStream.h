@@ -54,12 +54,12 @@ class RecordStream {
         if (dataSize <= kMostBody) {
             FieldStore store(m_end);
             store(Type::kCode, static_cast<std::uint16_t>(dataSize));
-            record.Fields(store);
+            Type::Fields(record, store);
             m_end = store.End();
         } else {
             LongBody records(*this);
             ContinuedBody body(records, Type::kCode);
-            record.Fields(body);
+            Type::Fields(record, body);
         }
         HandOnWholePiece();
     }

@@ -19,8 +19,9 @@ struct Index {
     std::uint32_t firstUnusedRow = 0;
     std::vector<std::uint32_t> dbCellPositions = {};
 
-    constexpr void Fields(auto& body) const {
-        body(kReserved<std::uint32_t>, firstUsedRow, firstUnusedRow, kReserved<std::uint32_t>, dbCellPositions);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(kReserved<std::uint32_t>, self.firstUsedRow, self.firstUnusedRow, kReserved<std::uint32_t>,
+             self.dbCellPositions);
     }
 };
 
@@ -33,8 +34,8 @@ struct Dimensions {
     std::uint16_t firstUsedColumn = 0;
     std::uint16_t endColumn = 0;
 
-    constexpr void Fields(auto& body) const {
-        body(firstUsedRow, endRow, firstUsedColumn, endColumn, kReserved<std::uint16_t>);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.firstUsedRow, self.endRow, self.firstUsedColumn, self.endColumn, kReserved<std::uint16_t>);
     }
 };
 
@@ -50,9 +51,9 @@ struct Window2 {
     std::uint16_t pageBreakZoom = 0;
     std::uint16_t normalZoom = 0;
 
-    constexpr void Fields(auto& body) const {
-        body(options, firstRow, firstColumn, gridlineColour, kReserved<std::uint16_t>);
-        body(pageBreakZoom, normalZoom, kReserved<std::uint32_t>);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.options, self.firstRow, self.firstColumn, self.gridlineColour, kReserved<std::uint16_t>);
+        body(self.pageBreakZoom, self.normalZoom, kReserved<std::uint32_t>);
     }
 };
 
@@ -66,8 +67,9 @@ struct Row {
     std::uint16_t height = 255;
     std::uint32_t options = 0;
 
-    constexpr void Fields(auto& body) const {
-        body(row, firstCell, endCell, height, kReserved<std::uint16_t>, kReserved<std::uint16_t>, options);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.row, self.firstCell, self.endCell, self.height, kReserved<std::uint16_t>, kReserved<std::uint16_t>,
+             self.options);
     }
 };
 
@@ -80,7 +82,7 @@ struct DBCell {
     std::uint32_t firstRowOffset = 0;
     std::span<const std::uint16_t> rowOffsets = {};
 
-    constexpr void Fields(auto& body) const { body(firstRowOffset, rowOffsets); }
+    static constexpr void Fields(auto& self, auto& body) { body(self.firstRowOffset, self.rowOffsets); }
 };
 
 }  // namespace YExcel

@@ -37,7 +37,7 @@ constexpr std::uint32_t BlockOf(std::uint32_t sector) { return sector + 1; }
 
 constexpr std::size_t SizeOf(const auto& object) {
     helpers::FieldSize size;
-    object.Fields(size);
+    size(object);
     return size.Size();
 }
 
@@ -46,7 +46,7 @@ static_assert(SizeOf(StorageHeader()) == kSectorSize);
 Sector BytesOf(const StorageHeader& header) {
     Sector bytes{};
     helpers::FieldStore store(bytes.data());
-    header.Fields(store);
+    store(header);
     return bytes;
 }
 

@@ -39,7 +39,7 @@ std::vector<std::byte> CDirectory::Encode() const {
     std::vector<std::byte> bytes((size + kSectorSize - 1) / kSectorSize * kSectorSize);
     helpers::FieldStore store(bytes.data());
     for (const auto& node : m_nodes)
-        node->entry.Fields(store);
+        store(node->entry);
     return bytes;
 }
 

@@ -25,14 +25,16 @@ struct DirectoryEntry {
     std::uint32_t streamSize = 0;  ///< In bytes.
     std::uint32_t reserved = 0;
 
-    /// An empty entry; each byte of the name, which is at most 31 of them, becomes one 16-bit unit.
+    /// An empty slot.
+    DirectoryEntry() = default;
+    /// An entry without content; each byte of the name, which is at most 31 of them, becomes one 16-bit unit.
     DirectoryEntry(vxfileio::compound::enEntryType entryType, std::string_view bytesOfName);
 
     bool Is(vxfileio::compound::enEntryType asked) const { return type == static_cast<std::uint8_t>(asked); }
 
-    constexpr void Fields(auto& body) const {
-        body(name, nameSize, type, colour, left, right, child, classID, stateBits, times, startSector, streamSize,
-             reserved);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.name, self.nameSize, self.type, self.colour, self.left, self.right, self.child, self.classID,
+             self.stateBits, self.times, self.startSector, self.streamSize, self.reserved);
     }
 };
 

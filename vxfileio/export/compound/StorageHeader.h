@@ -35,10 +35,11 @@ struct StorageHeader {
         return sectors;
     }();
 
-    constexpr void Fields(auto& body) const {
-        body(signature, classID, minorVersion, majorVersion, byteOrder, sectorShift, miniSectorShift, reserved,
-             directorySectors, fatSectors, firstDirectorySector, transactionSignature, miniStreamCutOff,
-             firstMiniFatSector, miniFatSectors, firstDifatSector, difatSectors, difat);
+    static constexpr void Fields(auto& self, auto& body) {
+        body(self.signature, self.classID, self.minorVersion, self.majorVersion, self.byteOrder, self.sectorShift,
+             self.miniSectorShift, self.reserved, self.directorySectors, self.fatSectors, self.firstDirectorySector,
+             self.transactionSignature, self.miniStreamCutOff, self.firstMiniFatSector, self.miniFatSectors,
+             self.firstDifatSector, self.difatSectors, self.difat);
     }
 };
 
