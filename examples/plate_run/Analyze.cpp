@@ -14,12 +14,12 @@ namespace {
 
 constexpr enTask kTask = enTask::Series;
 
-/// The tree of the results, with all that isn't known yet empty.
+/// Returns the tree of results without any findings yet.
 CResults MakeResults(const CISettingsReader& settings) {
     const CPropRecordPlate& plate = *settings.GetRecordPlateProperty();
     const CPropAnalyzer& analyzer = *settings.GetAnalyzerProperty();
     const std::int64_t tick = settings.GetRecordingProperty()->Tick;
-    const std::int32_t compoundID = plate.GetCompoundIDs().front();  // a settings file has one, no less and no more
+    const std::int32_t compoundID = plate.GetCompoundIDs().front();  // a settings file has exactly one
     const std::vector<std::int32_t> wellIDs = plate.GetActiveCompoundWellIDs(compoundID);
     std::vector<std::string> labels;
     labels.reserve(wellIDs.size());
@@ -49,7 +49,7 @@ CResults AnalyzeSeries(CIRawDataReader& recorded, const CISettingsReader& settin
     CProgress progress("Analysing", doses * std::ssize(wellIDs));
     for (const std::int32_t wellID : wellIDs) {
         for (std::int32_t dose = 0; dose < doses; ++dose) {
-            // Recordings are counted from 0 in results, and from 1 in this raw data file.
+            // Recordings are numbered from 0 in results, and from 1 in this raw data file.
             AnalyzeWell(*results.GetWellResults(kTask, dose, wellID), ReadTrace(recorded, kTask, dose + 1, wellID),
                         analyzer);
             progress.Step();

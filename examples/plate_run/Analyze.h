@@ -2,6 +2,6 @@
 
 #include <vxfileio/frame/VXFileIO.h>
 
-/// Analyses the dose series in a raw data file that is open, as settings that were read tell it: which compound in
-/// which wells, at which doses, and how beats are found. The library has no part in that; it keeps the results.
+/// Analyses the dose series in an open raw data file. The settings say which compound is in which wells at which doses,
+/// and how to find beats. The analysis is this program's own; the library only stores its results.
 CResults AnalyzeSeries(CIRawDataReader& recorded, const CISettingsReader& settings);

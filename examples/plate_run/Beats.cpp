@@ -6,12 +6,12 @@
 
 namespace {
 
-/// A heart doesn't beat twice within this time: 250 ms.
+/// The minimum time between two beats: 250 ms.
 constexpr std::int64_t kRefractoryTime = 250'000;
 
 constexpr double kNever = std::numeric_limits<double>::infinity();
 
-/// How much higher each sample is than the one so many samples before; 0 for those at the beginning.
+/// Returns by how much each sample exceeds the one `distance` samples earlier; 0 for the first `distance` samples.
 std::vector<std::int32_t> RisesOf(const std::vector<std::int32_t>& samples, std::size_t distance) {
     std::vector<std::int32_t> rises(samples.size());
     for (std::size_t i = distance; i < samples.size(); ++i)
@@ -19,7 +19,7 @@ std::vector<std::int32_t> RisesOf(const std::vector<std::int32_t>& samples, std:
     return rises;
 }
 
-/// The rise, in AD steps, from which on it is a beat.
+/// Returns the minimum rise of a beat, in AD steps.
 double ThresholdOf(const std::vector<std::int32_t>& rises, const CTrace& trace, const CPropAnalyzer& analyzer) {
     const double least = analyzer.FPfastAmplitude / trace.voltsPerAD;
     if (!analyzer.FPfastAutoAdjust) return least;

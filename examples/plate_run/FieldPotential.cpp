@@ -9,13 +9,13 @@
 
 namespace {
 
-/// Samples of an average, from the first to behind the last.
+/// The samples [first, end) of an average.
 struct CRange {
     std::uint32_t first;
     std::uint32_t end;
 };
 
-/// The samples of an average between two times, both inclusive.
+/// Returns the samples of an average between two times, both inclusive.
 CRange SamplesBetween(const CResultsWell& well, std::int64_t from, std::int64_t to) {
     CRange range{0, well.GetAveSamples()};
     while (range.first < range.end && well.GetAveTimeStamp(range.first) < from)
@@ -25,7 +25,7 @@ CRange SamplesBetween(const CResultsWell& well, std::int64_t from, std::int64_t 
     return range;
 }
 
-/// The sample of the range at which `heightOf(sample)` is greatest; the first of several. The range isn't empty.
+/// Returns the first sample in the range with the largest `heightOf(sample)`. The range must not be empty.
 template <class HeightOf>
 std::uint32_t HighestIn(CRange range, HeightOf heightOf) {
     std::uint32_t highest = range.first;
@@ -35,8 +35,8 @@ std::uint32_t HighestIn(CRange range, HeightOf heightOf) {
     return highest;
 }
 
-/// How far a sample of the range lies above the straight line between the range's ends. This line stands for the
-/// voltage without a peak, which drifts.
+/// Returns the height of a sample above the straight line between the ends of the range. The line approximates the
+/// drifting voltage without a peak.
 double HeightAbove(const CResultsWell& well, CRange range, std::uint32_t sample) {
     const double from = well.GetAveVoltage(range.first);
     const double to = well.GetAveVoltage(range.end - 1);
@@ -44,7 +44,7 @@ double HeightAbove(const CResultsWell& well, CRange range, std::uint32_t sample)
     return well.GetAveVoltage(sample) - (from + way * (to - from));
 }
 
-/// The steepest stretch of this length, in samples, in the range.
+/// Finds the steepest section of `length` samples in the range.
 void FindSlope(CResultsWell& well, CRange range, std::uint32_t length) {
     if (range.end - range.first <= length) return;
     const std::uint32_t start = HighestIn({range.first, range.end - length}, [&](std::uint32_t sample) {
@@ -60,7 +60,7 @@ void FindSlope(CResultsWell& well, CRange range, std::uint32_t length) {
 
 void AverageBeats(CResultsWell& well, const CTrace& trace) {
     const std::size_t length = well.Average.size();
-    std::vector<std::int64_t> sums(length);  // whole AD steps: no rounding before the end
+    std::vector<std::int64_t> sums(length);  // in AD steps, so that only the final result is rounded
     well.AverageCount = 0;
     for (const std::int64_t beat : well.FPfastDetectionTimes) {
         const std::int64_t first = (beat + well.GetAveTimeStamp(0) - trace.begin) / trace.tick;

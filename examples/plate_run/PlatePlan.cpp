@@ -2,14 +2,14 @@
 
 namespace {
 
-constexpr std::int64_t kSecond = 360;  // all by the clock of the run, in samples
+constexpr std::int64_t kSecond = 360;  // all on the clock of the run, in samples
 constexpr std::int64_t kSegment = 10 * kSecond;
 constexpr std::int64_t kPipetting = 30 * kSecond;
 
 constexpr std::int32_t kRows = 8;
 constexpr std::int32_t kWells = 3 * kRows;
 
-/// The first three columns of the plate. The library knows how the wells of a layout are wired and called.
+/// Returns the wells in the first three columns of the plate. The library knows channel and label of each well.
 std::vector<CWell> MakeWells() {
     CPropRecordPlate plate;
     plate.BuildPlateMap(kLayout);
@@ -32,8 +32,8 @@ struct CTaskDoses {
     std::vector<std::int64_t> doses;  // in picomolar
 };
 
-/// A run begins and ends with a check of the wells without a compound. In between, a known compound shows that they
-/// respond as they should, and then comes what the run is about: one compound at rising doses.
+/// A run begins and ends with a check of the wells without a compound. In between, a known compound verifies that the
+/// wells respond as expected, followed by the actual experiment: one compound at increasing doses.
 std::vector<CTaskDoses> MakeTasks() {
     constexpr std::int64_t kNanomolar = 1'000;
     constexpr std::int64_t kMicromolar = 1'000'000;
@@ -51,8 +51,8 @@ std::vector<CTaskDoses> MakeTasks() {
 
 CPlatePlan MakePlatePlan(std::int64_t minutes) {
     CPlatePlan plan{
-        .guid = "2f1a7c34-0001-4d5e-9a60-706c61746531",  // this and the date: the same each time, so that the files of
-        .date = 133'512'480'000'000'000,                 // two runs can be compared
+        .guid = "2f1a7c34-0001-4d5e-9a60-706c61746531",  // this and the date are constant, so that the files of two
+        .date = 133'512'480'000'000'000,                 // runs can be compared
         .dateText = "2024-02-01 08:00:00",
         .plateID = "P1",
         .compoundID = 1,

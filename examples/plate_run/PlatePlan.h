@@ -7,45 +7,47 @@
 #include <vector>
 
 /// @file
-/// What is recorded: which wells, which tasks at which doses, and when. A real application takes it from its settings.
+/// What is recorded: which wells, which tasks at which doses, and when. A real application reads this from its
+/// settings.
 ///
-/// Everything runs by one clock, the number of a sample since the run began; a time is that number times `kTick`. The
-/// library doesn't care which unit of time an instrument has. This one counts microseconds.
+/// There is one clock: the number of samples since the start of the run. A time is that number times `kTick`. The
+/// library works with any unit of time. This instrument counts microseconds.
 
-/// The sample interval. 360 samples a second would be 2777.8 us: the unit allows whole numbers only.
+/// The sample interval. Exactly 360 samples per second would be 2777.8 us, but times are whole numbers.
 inline constexpr std::int64_t kTick = 2778;
 
-/// What stands for zero, and how many millivolts one AD step is. A reader needs both to turn samples into a voltage.
+/// The sample value for zero, and the number of millivolts per AD step. A reader needs both to convert samples to a
+/// voltage.
 inline constexpr std::int32_t kADZero = 32768;
 inline constexpr double kMillivoltPerAD = 0.0003125;
 
-/// How the plate is laid out.
+/// The layout of the plate.
 inline constexpr enPlateLayout kLayout = enPlateLayout::L8x12;
 
-/// One well, and what makes its signal differ from that of its neighbours.
+/// One well, and how its signal differs from that of its neighbours.
 struct CWell {
-    std::int32_t id;            ///< How the well is known in every file. This instrument takes its channel for it.
-    std::string label;          ///< How people know it, such as "B3".
-    std::int32_t row;           ///< Where it is on the plate, from 0.
-    std::int32_t column;        ///< Also from 0.
-    std::int64_t delay;         ///< Samples by which its signal is late.
-    std::int64_t gainPermille;  ///< Strength of its signal.
-    std::int64_t noise;         ///< Most AD steps by which a sample is off.
+    std::int32_t id;            ///< Identifies the well in every file. This instrument uses the channel number.
+    std::string label;          ///< Readable name, such as "B3".
+    std::int32_t row;           ///< Row on the plate, from 0.
+    std::int32_t column;        ///< Column on the plate, from 0.
+    std::int64_t delay;         ///< Delay of the signal, in samples.
+    std::int64_t gainPermille;  ///< Strength of the signal.
+    std::int64_t noise;         ///< Maximum noise, in AD steps.
 };
 
-/// One recording: all wells for a while at one dose.
+/// One recording: all wells for a certain time at one dose.
 struct CRecordingPlan {
     enTask task;
     std::int32_t number;       ///< Number within the task, from 1.
     std::int64_t dose;         ///< In picomolar.
-    std::int64_t firstSample;  ///< By the clock of the run.
+    std::int64_t firstSample;  ///< On the clock of the run.
 };
 
 /// The plan of the whole run.
 struct CPlatePlan {
-    std::string guid;      ///< The run's own identifier, which all its files have.
-    std::uint64_t date;    ///< When it is recorded, as a file time: units of 100 ns since 1601-01-01, UTC.
-    std::string dateText;  ///< The same for people.
+    std::string guid;      ///< Unique identifier of the run, stored in all its files.
+    std::uint64_t date;    ///< Date of the run as a file time: units of 100 ns since 1601-01-01, UTC.
+    std::string dateText;  ///< The same date as readable text.
     std::string plateID;
     std::int32_t compoundID;
     std::string compoundName;
@@ -54,24 +56,24 @@ struct CPlatePlan {
     std::int64_t samplesPerSegment;
     std::int64_t segmentsPerWell;  ///< In each recording.
 
-    /// The clock at the beginning of a segment of a recording.
+    /// Returns the clock at the beginning of a segment of a recording.
     std::int64_t FirstSample(const CRecordingPlan& recording, std::int64_t segment) const {
         return recording.firstSample + segment * samplesPerSegment;
     }
 
-    /// The samples of one well in one recording.
+    /// Returns the number of samples of one well in one recording.
     std::int64_t SamplesPerWell() const { return segmentsPerWell * samplesPerSegment; }
 
-    /// The segments of the run.
+    /// Returns the number of segments in the run.
     std::int64_t Segments() const {
         return static_cast<std::int64_t>(recordings.size() * wells.size()) * segmentsPerWell;
     }
 };
 
-/// Returns the plan of a run whose recordings last so many minutes each.
+/// Returns the plan of a run in which each recording lasts `minutes` minutes.
 CPlatePlan MakePlatePlan(std::int64_t minutes);
 
-/// Returns the doses of one task in the order of its recordings.
+/// Returns the doses of one task, in the order of its recordings.
 std::vector<std::int64_t> DosesOf(const CPlatePlan& plan, enTask task);
 
 /// Returns the IDs of all wells.

@@ -4,18 +4,18 @@
 #include <cstdint>
 #include <string>
 
-/// Tells on the error stream how far a long piece of work is; short work passes without a word.
+/// Shows the progress of a long task on the error stream. Short tasks show nothing.
 class CProgress {
  public:
-    /// Begins a piece of work of so many steps.
+    /// Starts a task of `steps` steps.
     CProgress(std::string what, std::int64_t steps);
-    /// Removes what was shown.
+    /// Clears the progress line.
     ~CProgress();
 
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
 
-    /// One step is done.
+    /// Counts one finished step.
     void Step();
 
  private:

@@ -8,10 +8,10 @@
 
 namespace {
 
-/// The fields that aren't set here are the library's: positions in the file, and lists that begin empty.
+/// The library sets the other fields: positions in the file, and lists that are empty at first.
 CRawDataFileHdr MakeFileHdr(const CPlatePlan& plan) {
     CRawDataFileHdr header;
-    header.HeaderID = "OVL Vexaprobe";  // a reader takes no other file
+    header.HeaderID = "OVL Vexaprobe";  // readers reject any other text
     header.FileVersion = 2;
     header.FileType = "Raw";
     header.ProgramVersion = "1.0";
@@ -34,8 +34,8 @@ CRawDataRecordingHdr MakeRecordingHdr(const CPlatePlan& plan, const CRecordingPl
     return header;
 }
 
-/// Puts the doses of a task, up to this recording, into the file header, while the file grows behind it. The header
-/// has such a list for PreQC, CompoundTest and PostQC; for any other task the call has no effect.
+/// Updates the doses of a task, up to this recording, in the file header while the file grows. The header has such a
+/// list for PreQC, CompoundTest and PostQC; for any other task the call has no effect.
 void UpdateDoses(CIRawDataWriter& writer, const CPlatePlan& plan, const CRecordingPlan& recording) {
     std::vector<std::string> doses;
     for (const std::int64_t dose : DosesOf(plan, recording.task)) {
@@ -45,7 +45,7 @@ void UpdateDoses(CIRawDataWriter& writer, const CPlatePlan& plan, const CRecordi
     writer.UpdateFileHdr(TaskToString(recording.task), doses);
 }
 
-/// One run of the instrument. The samples of a segment are handed to the writer as they arrive, and nothing is kept.
+/// One run of the instrument. Passes the samples of each segment to the writer as they arrive, and keeps nothing.
 class CRecorder {
  public:
     CRecorder(CIRawDataWriter& writer, const CPlatePlan& plan, const CSignal& signal)
@@ -55,7 +55,7 @@ class CRecorder {
           m_samples(static_cast<std::size_t>(plan.samplesPerSegment)),
           m_progress("Recording", plan.Segments()) {}
 
-    /// Wells take turns, as they do when samples arrive from all of them at once.
+    /// Records the wells in turn, as if samples arrived from all of them at once.
     void Record(const CRecordingPlan& recording) {
         m_writer.WriteRecordingHdr(MakeRecordingHdr(m_plan, recording));
         UpdateDoses(m_writer, m_plan, recording);
@@ -72,7 +72,7 @@ class CRecorder {
         m_signal.Measure(well, dose, first, m_samples);
         const std::int64_t last = first + m_plan.samplesPerSegment - 1;
         m_inLibrary.Start();
-        // Both times are those of samples; how many samples there are follows from them.
+        // Both are times of samples; the number of samples follows from them.
         m_writer.WriteData(well.id, first * kTick, last * kTick, kTick, m_samples.data());
         m_inLibrary.Stop();
         m_progress.Step();
@@ -94,8 +94,8 @@ double RecordPlate(CIRawDataWriter& writer, const CPlatePlan& plan, const CSigna
     writer.WriteFileHdr(MakeFileHdr(plan));
     for (const CRecordingPlan& recording : plan.recordings)
         recorder.Record(recording);
-    // The last recording can be read only now. A full disk has gone unreported so far: whoever wants to be sure reads
-    // the file again, as this example does.
+    // The last recording becomes readable only now. A full disk hasn't caused an error so far; to be sure, read the
+    // file back, as this example does.
     writer.Close();
     return recorder.SecondsInLibrary();
 }

@@ -15,7 +15,7 @@ std::string NameOf(const CRecordingPlan& recording) {
     return TaskToString(recording.task) + " " + std::to_string(recording.number);
 }
 
-/// The index has one entry for each recording, in the order of the file.
+/// The index has one entry per recording, in file order.
 void CheckIndex(const CRawDataIndex& index, const CPlatePlan& plan) {
     Expect(index.GetCount() == static_cast<std::int32_t>(plan.recordings.size()), "The number of recordings");
     for (std::int32_t i = 0; i < index.GetCount(); ++i) {
@@ -46,7 +46,7 @@ void CheckRecordingHdr(const CRawDataRecordingHdr& header, const CPlatePlan& pla
            "The time of " + NameOf(recording));
 }
 
-/// Reads recordings, and measures again what they should hold, one segment at a time.
+/// Reads recordings one segment at a time, and compares each with the signal measured again.
 class CReplayer {
  public:
     CReplayer(CIRawDataReader& reader, const CPlatePlan& plan, const CSignal& signal, std::span<const CWell> wells)
@@ -57,7 +57,7 @@ class CReplayer {
           m_expected(static_cast<std::size_t>(plan.samplesPerSegment)),
           m_progress("Reading", plan.Segments() / std::ssize(plan.wells) * std::ssize(wells)) {}
 
-    /// Segments come in the order in which they were written: the wells taking turns.
+    /// Segments arrive in the order of writing, so the wells take turns.
     CAmount Replay(const CRecordingPlan& recording) {
         CAmount read;
         if (!m_reader.JumpToData(TaskToString(recording.task), recording.number)) {
@@ -110,7 +110,7 @@ CReplay ReplayPlate(CIRawDataReader& reader, const CPlatePlan& plan, const CSign
     CheckFileHdr(*reader.GetFileHdr(), plan);
     CheckIndex(*reader.GetIndex(), plan);
 
-    // From here on everything but the samples comes from memory: `Open` has read all headers.
+    // From here on everything except the samples comes from memory: `Open` has read all headers.
     CReplay replay{};
     for (const std::string& task : reader.GetTasks()) {
         const std::vector<std::int32_t> wellIDs = reader.GetWellIDs(task, 1);
@@ -129,7 +129,7 @@ CReplay ReplayPlate(CIRawDataReader& reader, const CPlatePlan& plan, const CSign
 }
 
 CAmount ReplayWell(CIRawDataReader& reader, const CPlatePlan& plan, const CSignal& signal, const CWell& well) {
-    reader.SelectWellID(well.id);  // the samples of all other wells are passed over, not read
+    reader.SelectWellID(well.id);  // skips the samples of all other wells without reading them
     CReplayer replayer(reader, plan, signal, {&well, 1});
     CAmount read;
     for (const CRecordingPlan& recording : plan.recordings)

@@ -10,7 +10,7 @@
 #include "PlatePlan.h"
 #include "Signal.h"
 
-/// How much was read.
+/// The amount of data read.
 struct CAmount {
     std::int64_t segments = 0;
     std::int64_t samples = 0;
@@ -22,23 +22,23 @@ struct CAmount {
     }
 };
 
-/// What a file tells about one task, and how much was found of it.
+/// A task as listed in the file, and the amount of its data.
 struct CTaskContent {
     std::string name;
-    std::vector<std::int64_t> doses;  ///< One for each recording, in picomolar.
+    std::vector<std::int64_t> doses;  ///< One per recording, in picomolar.
     std::size_t wells;
     CAmount read;
 };
 
-/// What came out of reading a whole file.
+/// The outcome of reading a whole file.
 struct CReplay {
     std::vector<CTaskContent> tasks;
-    double seconds;  ///< That the library took of it.
+    double seconds;  ///< Time spent in the library.
 };
 
-/// Opens a raw data file and compares all that it holds with the plan: headers, order of segments, and every sample of
-/// every well with what the signal gives. Throws `CDifference` at the first thing that differs.
+/// Opens a raw data file and compares everything in it with the plan and the signal: headers, order of segments, and
+/// every sample of every well. Throws `CDifference` at the first difference.
 CReplay ReplayPlate(CIRawDataReader& reader, const CPlatePlan& plan, const CSignal& signal, const std::string& path);
 
-/// The same for the samples of one well alone, of a file that is open.
+/// Does the same for the samples of one well. The file must be open.
 CAmount ReplayWell(CIRawDataReader& reader, const CPlatePlan& plan, const CSignal& signal, const CWell& well);

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// A count with commas, such as "12,345".
+/// Returns a count with commas, such as "12,345".
 std::string CountText(std::int64_t count) {
     std::string text = std::to_string(count);
     for (std::size_t place = text.size(); place > 3;) {
@@ -21,7 +21,7 @@ std::string CountText(std::int64_t count) {
     return text;
 }
 
-/// A dose, given in picomolar, with its unit, such as "30 nM".
+/// Returns a dose, given in picomolar, with its unit, such as "30 nM".
 std::string DoseText(std::int64_t dose) {
     constexpr std::array kUnits = {"pM", "nM", "uM", "mM"};
     if (dose == 0) return "none";
@@ -57,7 +57,7 @@ void PrintRate(std::ostream& out, const std::string& what, std::int64_t bytes, d
         << CountText(std::llround(megabytes / seconds)) << " MB/s\n";
 }
 
-/// A number with so many digits behind its point, right-aligned; "-" if it isn't there.
+/// Prints a number with `digits` decimals, right-aligned, or "-" if there is none.
 void PrintNumber(std::ostream& out, bool isThere, double number, int digits) {
     out << std::right << std::setw(8);
     if (isThere) {
@@ -97,7 +97,7 @@ CAmount SumOf(const CReplay& replay) {
 void PrintPlan(std::ostream& out, const CPlatePlan& plan) {
     const std::int64_t seconds = plan.SamplesPerWell() * kTick / 1'000'000;
     out << "A heart signal on a plate of " << plan.wells.size() << " wells: " << plan.recordings.size()
-        << " recordings of " << seconds << " s, a sample every " << kTick << " us\n\n";
+        << " recordings of " << seconds << " s, one sample every " << kTick << " us\n\n";
 }
 
 void PrintTasks(std::ostream& out, const CReplay& replay) {
@@ -115,25 +115,25 @@ void PrintSpeed(std::ostream& out, const CReplay& replay, double secondsWriting)
     const std::int64_t bytes = BytesOf(SumOf(replay));
     PrintRate(out, "Written: ", bytes, secondsWriting);
     PrintRate(out, "Read:    ", bytes, replay.seconds);
-    out << "Compared: every sample is as it was recorded\n";
+    out << "Compared: every sample matches the recorded signal\n";
 }
 
 void PrintWell(std::ostream& out, const CWell& well, const CAmount& read) {
     out << "Well " << well.label << " alone: " << CountText(read.segments) << " segments, " << CountText(read.samples)
-        << " samples, as they were recorded\n";
+        << " samples, all matching\n";
 }
 
 void PrintSeries(std::ostream& out, const CPlatePlan& plan, const CResults& results) {
-    constexpr std::size_t kEvery = 5;  // wells, so that those which are shown lie all over the plate
+    constexpr std::size_t kEvery = 5;  // shows every fifth well, to cover the whole plate
     const std::vector<CResultsRecording>& recordings = results.GetTaskResults(enTask::Series)->Recordings;
-    out << "\nBeats per minute of some wells; a well whose signal is too weak has none\n"
+    out << "\nBeats per minute of selected wells (- if the signal is too weak)\n"
         << std::left << std::setw(12) << "Well";
     for (const CResultsRecording& recording : recordings)
         out << std::right << std::setw(8) << DoseText(static_cast<std::int64_t>(recording.Dose));
     out << '\n';
     for (std::size_t i = 0; i < plan.wells.size(); i += kEvery)
         PrintBeats(out, recordings, plan.wells[i]);
-    out << "\nMeans over all wells, what a well gave at the lowest dose being 1\n";
+    out << "\nMeans over all wells, relative to each well's response at the lowest dose\n";
     for (const enResponseType type : AllResponseTypes())
         PrintMeans(out, recordings, type);
     out << '\n';

@@ -9,22 +9,22 @@
 #include "Replay.h"
 
 /// @file
-/// What people are told about a run, on any stream.
+/// Prints reports about a run to any stream.
 
-/// Prints which wells are recorded, how often and how long.
+/// Prints the number of wells and recordings, and the length of a recording.
 void PrintPlan(std::ostream& out, const CPlatePlan& plan);
 
-/// Prints one line for each task of the file, and the sum.
+/// Prints one line per task in the file, and the total.
 void PrintTasks(std::ostream& out, const CReplay& replay);
 
-/// Prints how fast all samples went through the library, both ways: without the time for making and comparing them.
+/// Prints the speed of writing and reading samples, without the time for generating and comparing them.
 void PrintSpeed(std::ostream& out, const CReplay& replay, double secondsWriting);
 
-/// Prints what was read of one well alone.
+/// Prints the amount of data read for one well.
 void PrintWell(std::ostream& out, const CWell& well, const CAmount& read);
 
-/// Prints how often the heart beats at each dose in some of the wells, and what the responses of all wells come to.
+/// Prints the heart rate at each dose for some of the wells, and the mean responses over all wells.
 void PrintSeries(std::ostream& out, const CPlatePlan& plan, const CResults& results);
 
-/// Prints where a file lies, and its size.
+/// Prints the path and size of a file.
 void PrintFile(std::ostream& out, const std::string& path);

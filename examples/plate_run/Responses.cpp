@@ -12,7 +12,7 @@ double MeanOf(const std::vector<double>& values) {
     return sum / static_cast<double>(values.size());
 }
 
-/// The standard deviation of a sample; 0.0 for a single value.
+/// Returns the sample standard deviation; 0.0 for a single value.
 double StdDevOf(const std::vector<double>& values, double mean) {
     if (values.size() < 2) return 0.0;
     double sum = 0.0;
@@ -21,7 +21,7 @@ double StdDevOf(const std::vector<double>& values, double mean) {
     return std::sqrt(sum / static_cast<double>(values.size() - 1));
 }
 
-/// The normalised values of one response that count in one recording.
+/// Returns the normalised values of one response that count in one recording.
 std::vector<double> CountedValues(const CResults& results, enTask task, std::int32_t recording, enResponseType type,
                                   const CPropAnalyzer& analyzer) {
     std::vector<double> values;

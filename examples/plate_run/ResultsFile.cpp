@@ -19,7 +19,7 @@ static bool operator==(const CResponseMean& a, const CResponseMean& b) {
 
 namespace {
 
-/// What a file keeps of a well: without beats only which well it is, at which dose.
+/// Returns what the file stores of a well: without beats only its label and dose.
 CResultsWell Kept(const CResultsWell& well) {
     if (!well.FPfastDetectionTimes.empty()) return well;
     CResultsWell kept;
@@ -28,14 +28,14 @@ CResultsWell Kept(const CResultsWell& well) {
     return kept;
 }
 
-/// Whether a sample of an average came back. Six significant digits of it are stored, so that it may be off by half a
-/// unit of the sixth.
+/// Returns whether a sample of an average reads back as set. The file stores six significant digits, so the sample may
+/// differ by half a unit of the sixth digit.
 bool IsSameSample(double read, double set) {
-    constexpr double kHalfOfSixthDigit = 5.000001e-6;  // relative, for the worst case, which begins with a 1
+    constexpr double kHalfOfSixthDigit = 5.000001e-6;  // relative; the worst case is a number that begins with 1
     return std::abs(read - set) <= kHalfOfSixthDigit * std::abs(set);
 }
 
-/// All other numbers come back as they were, to the last bit.
+/// Compares all other numbers exactly.
 bool IsSameWell(const CResultsWell& read, const CResultsWell& set) {
     const auto allButAverage = [](const CResultsWell& w) {
         return std::tie(w.WellLabel, w.Dose, w.AveragePreFPfastTime, w.FPfastDetectionTimes, w.AverageCount,
@@ -76,7 +76,7 @@ void CheckResults(CIResultsReader& reader, const CXmlFileHeader& header, const C
                   const std::string& path) {
     reader.ReadFile(path);
     CheckXmlHeader(*reader.GetXmlFileHeader(), header, "VXResults");
-    const CResults& read = *reader.GetResults();  // it has no compound ID: the name in the header stands for it
+    const CResults& read = *reader.GetResults();  // without a compound ID: the file only has the name, in its header
     Expect(read.GetTasks() == results.GetTasks(), "The list of tasks in results");
     for (const enTask task : results.GetTasks())
         CheckTask(*read.GetTaskResults(task), *results.GetTaskResults(task));

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-/// What `ReadSegment` gives. The samples are the reader's own and good until the next segment is read.
+/// A segment returned by `ReadSegment`. The reader owns the samples; they are valid until the next segment is read.
 struct CSegment {
     std::int32_t wellID;
     std::int64_t timeFrom;
@@ -13,5 +13,5 @@ struct CSegment {
     std::span<const std::uint16_t> samples;
 };
 
-/// Reads the next segment of a recording. Returns false at its end.
+/// Reads the next segment of a recording. Returns false at the end of the recording.
 bool ReadSegment(CIRawDataReader& reader, CSegment& segment);

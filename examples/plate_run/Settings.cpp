@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The export writes a workbook for each well that is as `AddWell` left it. A few are enough.
+/// The export writes a workbook for each well in the state set by `AddWell`. Two of them are enough here.
 bool HasOwnWorkbook(const CPlatePlan& plan, const CWell& well) {
     return well.id == plan.wells.front().id || well.id == plan.wells.back().id;
 }
@@ -17,7 +17,7 @@ constexpr std::int32_t kStockTrough = 1;
 constexpr char kStockPlate = 'S';
 constexpr std::int64_t kWashIn = 20'000'000;  // 20 s
 
-/// So many milliseconds as a whole number of sample intervals, so that averages lie on samples.
+/// Converts milliseconds to a time that is a multiple of the sample interval, so that averages start on a sample.
 constexpr std::int64_t Milliseconds(std::int64_t count) { return count * 1000 / kTick * kTick; }
 
 std::vector<std::uint64_t> SeriesOf(const CPlatePlan& plan, enTask task) {
@@ -72,7 +72,7 @@ CPropRobot MakeRobot() {
 CPropRecordPlate MakeRecordPlate(const CPlatePlan& plan) {
     CPropRecordPlate plate;
     plate.BuildPlateMap(kLayout);
-    plate.Data.PlateID = plan.plateID.front();  // one letter: this is how the robot knows it
+    plate.Data.PlateID = plan.plateID.front();  // the robot identifies a plate by one letter
     plate.Data.Layout = kLayout;
     plate.Data.PlateRows = static_cast<std::int32_t>(plate.Map.RowLabels.size());
     plate.Data.PlateColumns = static_cast<std::int32_t>(plate.Map.ColumnLabels.size());
@@ -89,7 +89,7 @@ CPropRecordPlate MakeRecordPlate(const CPlatePlan& plan) {
     return plate;
 }
 
-/// The check of one task: by amplitude, which a working compound brings down and washing out brings back.
+/// Returns the check of one task. It uses the amplitude: a working compound lowers it, and washing out restores it.
 QualityCheckRecord MakeCheck(const CPlatePlan& plan, enTask task) {
     QualityCheckRecord check;
     check.EnableQC = true;
@@ -140,14 +140,14 @@ CPropRecording MakeRecording(const CPlatePlan& plan) {
     recording.ADMax = std::numeric_limits<std::uint16_t>::max();
     recording.ADMin = 0;
     recording.VoltPerADStep = kMillivoltPerAD / 1000;
-    recording.VoltageRange = "\xB1 10.24 mV";  // the sign is that of Latin-1
+    recording.VoltageRange = "\xB1 10.24 mV";  // plus-minus sign in Latin-1
     recording.Tick = kTick;
     recording.RecordingTime = plan.SamplesPerWell() * kTick;
     return recording;
 }
 
-/// How beats are found and averaged. A real application has uses for the fields that this example leaves alone:
-/// averages by heart rate, the least rise time and the range of slopes.
+/// Sets how beats are found and averaged. A real application also uses the fields that the analysis in this example
+/// ignores: averages by heart rate, the minimum rise time and the range of slopes.
 void SetParameters(CPropAnalyzer& analyzer) {
     analyzer.FPAveIntervalType = enFPAveIntervalType::UserDefined;
     analyzer.FPAveHRDefinedFactor = 0.5;
@@ -166,12 +166,12 @@ void SetParameters(CPropAnalyzer& analyzer) {
     analyzer.FPfastSlopeRangeMax = 80;
 }
 
-/// All wells count in all recordings. At the highest dose, though, too little is left of the signal to tell where its
-/// maximum is, so that the interval up to it is taken out of account there.
+/// All wells count in all recordings. But at the highest dose the signal is too weak to locate its maximum, so the
+/// interval to the maximum is excluded there.
 void SetMarks(CPropAnalyzer& analyzer, const CPlatePlan& plan) {
     const std::vector<std::int32_t> wellIDs = WellIDsOf(plan);
     for (const CRecordingPlan& recording : plan.recordings)
-        analyzer.InitTask(recording.task, recording.number, wellIDs);  // the last of a task makes as many as there are
+        analyzer.InitTask(recording.task, recording.number, wellIDs);  // the task's last call makes all its recordings
     for (auto& [wellID, marks] : analyzer.AnalyzeSettings[enTask::Series].back())
         marks.Responses[enResponseType::QTInterval] = enAnalysisMark::Deselected;
 }
@@ -203,11 +203,11 @@ CRunSettings MakeSettings(const CPlatePlan& plan, const std::string& signalFile)
 }
 
 CXmlFileHeader MakeXmlFileHeader(const CPlatePlan& plan, const std::string& fileName) {
-    CXmlFileHeader header;  // `FileType` is the writer's
+    CXmlFileHeader header;  // the writer sets `FileType`
     header.CompoundName = plan.compoundName;
     header.VexaprobeMode = VexaprobeModeToString(enVexaprobeMode::Tecan);
     header.ProgramVersion = "1.0";
-    header.FileVersion = 3;  // from 3 on, a settings file holds the analyzer's marks
+    header.FileVersion = 3;  // since version 3, a settings file contains the analyzer's marks
     header.RecordingDate = plan.date;
     header.RecordingDateString = plan.dateText;
     header.FileName = fileName;

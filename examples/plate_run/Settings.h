@@ -6,7 +6,7 @@
 
 #include "PlatePlan.h"
 
-/// Everything that a settings file holds: how a run is set up.
+/// The content of a settings file: how a run is set up.
 struct CRunSettings {
     CXmlFileHeader header;
     CPropControl control;
@@ -19,7 +19,7 @@ struct CRunSettings {
     CPropAnalyzer analyzer;
 };
 
-/// Returns the settings of a run that goes by this plan. `signalFile` is the name of the file that the wells play.
+/// Returns the settings of a run with this plan. `signalFile` is the name of the recorded signal that the wells play.
 CRunSettings MakeSettings(const CPlatePlan& plan, const std::string& signalFile);
 
 /// Returns the header of a settings or results file of this run.

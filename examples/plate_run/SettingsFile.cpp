@@ -8,8 +8,8 @@
 #include "Difference.h"
 #include "XmlHeaderCheck.h"
 
-// The library's values are plain and have no comparison of their own. What follows names all that a settings file holds
-// of each.
+// The library's value types have no comparison operators. Each function below lists the members that a settings file
+// stores.
 
 static auto Stored(const CPropControl& p) {
     return std::tie(p.VexaprobeMode, p.RobotMode, p.DataAcqMode, p.SimulationDataFile);
@@ -33,7 +33,7 @@ static auto Stored(const PlateWell& w) {
 
 static auto Stored(const PlateCompound& c) { return std::tie(c.Label, c.Wells, c.CompoundID); }
 
-/// Beside its compounds and wells.
+/// Without compounds and wells.
 static auto Stored(const CPropRecordPlate& p) {
     return std::tie(p.Map.ChIDs, p.Map.Labels, p.Map.RowLabels, p.Map.ColumnLabels, p.Data.PlateID, p.Data.Layout,
                     p.Data.PipetMode, p.Data.Series, p.Data.PlateRows, p.Data.PlateColumns);
@@ -56,7 +56,7 @@ static auto Stored(const CPropRecording& p) {
 
 static auto Stored(const WellAnalysis& w) { return std::tie(w.Responses, w.Analyze); }
 
-/// Beside its date, which is that of the writing.
+/// Without the date, which is set when the file is written.
 static auto Stored(const CPropAnalyzer& p) {
     return std::tie(p.Operator, p.Program, p.ProgramVersion, p.FPAveIntervalType, p.FPAveHRDefinedFactor,
                     p.AnalyzeSettings, p.PreFPfastTime, p.FPAverageTime, p.FPmaxSearchBegin, p.FPmaxSearchEnd,

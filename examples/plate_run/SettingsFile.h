@@ -9,6 +9,6 @@
 /// Writes a settings file.
 void WriteSettings(CISettingsWriter& writer, const CRunSettings& settings, const std::string& path);
 
-/// Reads a settings file, which the reader keeps, and compares it with what was set. Throws `CDifference` at the first
-/// property set that isn't as it was.
+/// Reads a settings file, whose content stays in the reader, and compares it with what was set. Throws `CDifference` at
+/// the first property set that differs.
 void CheckSettings(CISettingsReader& reader, const CRunSettings& settings, const std::string& path);

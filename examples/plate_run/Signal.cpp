@@ -8,9 +8,9 @@ namespace {
 
 constexpr std::int32_t kRecordedZero = 1024;
 constexpr std::int64_t kStepsPerRecordedStep = 16;  // 0.005 mV in steps of kMillivoltPerAD
-constexpr std::int64_t kHalfDose = 300'000;         // at 300 nM the compound leaves half of the signal
+constexpr std::int64_t kHalfDose = 300'000;         // at 300 nM the compound halves the signal
 
-/// A number that looks random but follows from the key alone.
+/// Returns a pseudo-random number that depends only on the key.
 std::uint64_t Scatter(std::uint64_t key) {
     key += 0x9E3779B97F4A7C15;
     key = (key ^ (key >> 30)) * 0xBF58476D1CE4E5B9;
@@ -18,7 +18,7 @@ std::uint64_t Scatter(std::uint64_t key) {
     return key ^ (key >> 31);
 }
 
-/// Noise of a well at a moment: from -most to most.
+/// Returns the noise of a well at a time: from -`well.noise` to `well.noise`.
 std::int64_t Noise(const CWell& well, std::int64_t clock) {
     const std::uint64_t key = (static_cast<std::uint64_t>(well.id) << 40) + static_cast<std::uint64_t>(clock);
     const auto choices = static_cast<std::uint64_t>(2 * well.noise + 1);

@@ -7,17 +7,17 @@
 
 #include "PlatePlan.h"
 
-/// Stands for the instrument: every well sees the same heart, later or earlier, stronger or weaker, with noise of its
-/// own. The same well gives the same samples at the same time whenever it is asked, so that nobody has to keep them.
+/// Simulates the instrument: every well sees the same heart, with its own delay, strength and noise. The samples depend
+/// only on well, dose and time, so they can be computed again instead of being kept.
 class CSignal {
  public:
-    /// Loads a recorded signal: unsigned 16-bit samples, low byte first. Throws `std::runtime_error` if it can't.
+    /// Loads a recorded signal: unsigned 16-bit samples, low byte first. Throws `std::runtime_error` on failure.
     explicit CSignal(const std::string& path);
 
-    /// Fills `samples` with what a well gives at this dose (in picomolar) from the clock `firstSample` on.
+    /// Fills `samples` with the signal of a well at this dose (in picomolar), starting at the clock `firstSample`.
     void Measure(const CWell& well, std::int64_t dose, std::int64_t firstSample,
                  std::span<std::uint16_t> samples) const;
 
  private:
-    std::vector<std::int32_t> m_heart;  // in AD steps of the recorded signal around its zero; played over and over
+    std::vector<std::int32_t> m_heart;  // in AD steps of the recorded signal, relative to its zero; played in a loop
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// How the samples of a well turn into a voltage: the header of its recording tells.
+/// Returns the channel of a well from the header of the recording. It says how to convert samples to volts.
 const CRawDataChannelInfo& ChannelOf(const CRawDataRecordingHdr& header, std::int32_t wellID) {
     const auto channel = std::ranges::find(header.WellChannels, wellID, &CRawDataChannelInfo::ID);
     if (channel == header.WellChannels.end()) {
@@ -29,7 +29,7 @@ CTrace ReadTrace(CIRawDataReader& reader, enTask task, std::int32_t recording, s
     const CRawDataChannelInfo& channel = ChannelOf(header, wellID);
     CTrace trace{static_cast<std::int64_t>(header.RecordingStartTime), channel.Ticks, channel.UnitsPerAD / 1000, {}};
 
-    reader.SelectWellID(wellID);  // its segments follow each other without a gap
+    reader.SelectWellID(wellID);  // its segments follow each other without gaps in time
     CSegment segment{};
     while (ReadSegment(reader, segment)) {
         for (const std::uint16_t sample : segment.samples)

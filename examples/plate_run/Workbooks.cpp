@@ -14,13 +14,13 @@ std::vector<std::string> ExportWorkbooks(CIResultsExport& exporter, const CISett
         if (well->State == PlateWell::kNew) paths.push_back((main.parent_path() / name).string());
     }
     for (const std::string& workbook : paths)
-        std::filesystem::remove(workbook);  // so that what is there afterwards is new
+        std::filesystem::remove(workbook);  // so that any file found afterwards is new
 
     exporter.SetResults(&results);
     exporter.SetPropertyAnalyzer(settings.GetAnalyzerProperty());
     exporter.SetPropertyRecordPlate(&plate);
     exporter.ExportExcel(path);
-    // The export says nothing of a workbook that it couldn't write.
+    // The export doesn't throw if it can't write a workbook.
     for (const std::string& workbook : paths)
         Expect(std::filesystem::exists(workbook), "The workbook " + workbook);
     return paths;

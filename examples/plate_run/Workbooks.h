@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// Exports results, with the settings of their run, to workbooks: one at `path`, and one beside it for each well that
-/// the plate has as new. Returns the paths of all.
+/// Exports results, with the settings of their run, to workbooks: one at `path`, and one next to it for each new well
+/// of the plate. Returns all their paths.
 std::vector<std::string> ExportWorkbooks(CIResultsExport& exporter, const CISettingsReader& settings,
                                          const CResults& results, const std::string& path);

@@ -1,9 +1,9 @@
-/// The whole day of one plate: its settings, its recordings, and what was found in them, each written to a file and
-/// read back; also a first tour of the library.
+/// A complete plate run: its settings, recordings and results, each written to a file and read back. It is also a tour
+/// of the library.
 ///
-/// Read it in this order: this file, PlatePlan.h (what is recorded), Settings.cpp and SettingsFile.cpp (how it is set
-/// up), Record.cpp (writing samples), Replay.cpp (reading them), Analyze.cpp (what they say), ResultsFile.cpp and
-/// Workbooks.cpp. Signal.h stands for the instrument. Progress.h and Report.h are for people.
+/// Read it in this order: this file, PlatePlan.h (what is recorded), Settings.cpp and SettingsFile.cpp (how the run is
+/// set up), Record.cpp (writing samples), Replay.cpp (reading samples), Analyze.cpp (analysing them), ResultsFile.cpp
+/// and Workbooks.cpp. Signal.h simulates the instrument. Progress.h and Report.h print to the terminal.
 
 #include <vxfileio/frame/VXFileIO.h>
 
@@ -34,7 +34,7 @@ struct CArguments {
     std::string signal = SIGNAL_FILE;
 };
 
-/// Returns false if the arguments aren't what this program takes.
+/// Parses the command line. Returns false if it is invalid.
 bool Take(int argc, char** argv, CArguments& arguments) {
     if (argc < 2 || argc > 4) return false;
     arguments.folder = argv[1];
@@ -45,7 +45,7 @@ bool Take(int argc, char** argv, CArguments& arguments) {
     return error == std::errc() && rest == end && arguments.minutes >= 1 && arguments.minutes <= 10'000;
 }
 
-/// Where the files of the run lie.
+/// The paths of the run's files.
 struct CPlateFiles {
     std::string settings;
     std::string samples;
@@ -53,7 +53,7 @@ struct CPlateFiles {
     std::string workbook;
 };
 
-/// Makes the folder, if it isn't there.
+/// Returns the paths of the files in `folder`, and creates it if needed.
 CPlateFiles FilesIn(const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder);
     const auto in = [&](const char* name) { return (folder / name).string(); };
@@ -78,7 +78,7 @@ void RunPlate(const CArguments& arguments) {
     const CWell& well = plan.wells[plan.wells.size() / 2];
     PrintWell(std::cout, well, ReplayWell(*io.GetRawDataReader(), plan, signal, well));
 
-    // How to analyse, and what: the two files tell it all.
+    // The two files contain everything that the analysis needs.
     const CResults results = AnalyzeSeries(*io.GetRawDataReader(), *io.GetSettingsReader());
     const CXmlFileHeader header = MakeXmlFileHeader(plan, "plate.vxr");
     WriteResults(*io.GetResultsWriter(), header, results, files.results);
@@ -100,14 +100,14 @@ int main(int argc, char** argv) {
         CArguments arguments;
         if (!Take(argc, argv, arguments)) {
             std::cerr << "usage: plate_run FOLDER [MINUTES [SIGNAL]]\n"
-                         "  FOLDER   where the files go\n"
+                         "  FOLDER   output folder\n"
                          "  MINUTES  length of each recording, 1 to 10000 (default 1)\n"
                          "  SIGNAL   recorded signal that the wells play (default " SIGNAL_FILE ")\n";
             return 2;
         }
         RunPlate(arguments);
         return 0;
-    } catch (const CExcVXReader& failure) {  // what the library throws; it derives from nothing
+    } catch (const CExcVXReader& failure) {  // thrown by the library; not derived from std::exception
         std::cerr << "plate_run: " << failure.GetMsg() << '\n';
     } catch (const std::exception& failure) {
         std::cerr << "plate_run: " << failure.what() << '\n';
