@@ -5,7 +5,7 @@
 #include "fuzz/Fuzz.h"
 #include "vxfileio/frame/VXFileIO.h"
 
-/// Lets `load(archive)` read a document in blocks of a size.
+/// Calls `load(archive)` to read a document in blocks of the given size.
 template <class Load>
 void ReadDocument(const std::string& path, std::int32_t blockSize, Load load) {
     gd_xml_stream::CFileBuffer file;
@@ -14,7 +14,7 @@ void ReadDocument(const std::string& path, std::int32_t blockSize, Load load) {
     load(archive);
 }
 
-/// Returns the document that `save(archive)` writes in blocks of a size.
+/// Returns the document that `save(archive)` writes in blocks of the given size.
 template <class Save>
 std::string WrittenDocument(const std::string& path, std::int32_t blockSize, Save save) {
     gd_xml_stream::CFileBuffer file;

@@ -12,22 +12,22 @@
 #include <string_view>
 
 /// @file
-/// What the fuzz targets share. A target is one function that takes any bytes; it ends the process where something that
-/// should hold doesn't, and the fuzzer keeps the bytes.
+/// Shared by the fuzz targets. A target is a function that accepts any bytes. It aborts the process if a condition is
+/// violated, and the fuzzer then keeps the bytes.
 
 using Input = std::span<const std::uint8_t>;
 
-/// Ends the process unless the condition holds.
+/// Aborts the process unless the condition holds.
 inline void Require(bool holds, const char* what) {
     if (holds) return;
     std::fprintf(stderr, "doesn't hold: %s\n", what);
     std::abort();
 }
 
-/// A folder of this process's own, in memory if the system has such a place, removed at the end.
+/// A temporary folder of this process, in memory if possible, removed at the end.
 class CFuzzFolder {
  public:
-    /// The path of a file of this name in the folder.
+    /// Returns the path of a file in the folder.
     static std::string Path(const std::string& name) {
         static const CFuzzFolder folder;
         return folder.m_path / name;
@@ -51,7 +51,7 @@ class CFuzzFolder {
     std::filesystem::path m_path;
 };
 
-/// Makes a file of exactly these bytes.
+/// Writes a file with exactly these bytes.
 inline void WriteBytes(const std::string& path, Input bytes) {
     std::FILE* const file = std::fopen(path.c_str(), "wb");
     Require(file != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size(), "room for the input");
@@ -73,8 +73,7 @@ inline std::string ReadBytes(const std::string& path) {
     return bytes;
 }
 
-/// An input that is a list of calls: what they are and what they are given, taken from the front. Behind its end
-/// everything is 0.
+/// An input that is a list of calls and their arguments, consumed from the front. After its end everything is 0.
 class CCalls {
  public:
     explicit CCalls(Input input) : m_rest(input) {}
@@ -89,7 +88,7 @@ class CCalls {
         return byte;
     }
 
-    /// A number of `bytes` bytes, the least significant first.
+    /// Returns a little-endian number of `bytes` bytes.
     std::uint64_t Number(int bytes) {
         std::uint64_t number = 0;
         for (int i = 0; i < bytes; ++i)
@@ -101,7 +100,7 @@ class CCalls {
         return static_cast<std::int64_t>(Number(bytes) << shift) >> shift;
     }
 
-    /// A text of up to 255 bytes: its length, then itself.
+    /// Returns a text of up to 255 bytes, stored as its length and its bytes.
     std::string Text() {
         const std::size_t size = std::min<std::size_t>(Byte(), m_rest.size());
         std::string text(reinterpret_cast<const char*>(m_rest.data()), size);

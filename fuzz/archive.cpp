@@ -1,5 +1,5 @@
-// A document, read event by event. The first byte of the input is the size of the blocks, which must make no
-// difference; what was read is written anew, and reads the same.
+// Reads a document event by event. The first byte of the input is the block size, which must not affect the result.
+// What was read is written again and must read the same.
 #include <vector>
 
 #include "fuzz/Documents.h"
@@ -32,7 +32,7 @@ void AddValues(CXmlFileArchive& archive, std::string& bytes, Values... values) {
     (AddBytes(bytes, values), ...);
 }
 
-/// Everything that the archive tells of the current element.
+/// Returns everything that the archive reports about the current element.
 CEvent EventOf(CXmlFileArchive& archive) {
     CEvent event{.name = std::string(archive.TagName()),
                  .isEnd = archive.IsEndTag(),
@@ -54,7 +54,7 @@ CEvent EventOf(CXmlFileArchive& archive) {
     return event;
 }
 
-/// Behind a failure reading goes on, but not for ever.
+/// Reading continues after a failure, but not for ever.
 std::vector<CEvent> EventsOf(const std::string& path, std::int32_t blockSize) {
     std::vector<CEvent> events;
     ReadDocument(path, blockSize, [&](CXmlFileArchive& archive) {
@@ -72,13 +72,14 @@ std::vector<CEvent> EventsOf(const std::string& path, std::int32_t blockSize) {
     return events;
 }
 
-/// What a list that lies is granted depends on what can follow. A NUL that ends a document is seen with its block only.
+/// How many entries a list with a wrong `Size` may have depends on how much can follow. A NUL that ends the document is
+/// noticed only when its block is read.
 void ForgetListSizes(std::vector<CEvent>& events) {
     for (CEvent& event : events)
         event.listSize = 0;
 }
 
-/// Whether all names are such as a writer may use; reading is less strict.
+/// Returns whether a writer may use all these names; reading is less strict.
 bool HasPlainNames(const std::vector<CEvent>& events) {
     constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-";
     return std::all_of(events.begin(), events.end(), [&](const CEvent& event) {
@@ -86,7 +87,7 @@ bool HasPlainNames(const std::vector<CEvent>& events) {
     });
 }
 
-/// A document with the same elements and texts, as far as the first failure or the end of the root.
+/// Returns a document with the same elements and texts, up to the first failure or the end of the root.
 std::string Written(const std::string& path, const std::vector<CEvent>& events, std::int32_t blockSize) {
     return WrittenDocument(path, blockSize, [&](CXmlFileArchive& archive) {
         int open = 0;
@@ -119,7 +120,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ForgetListSizes(others);
     }
     Require(events == others, "blocks of any size read the same");
-    // A root without children at the end of a document is no event.
+    // A root without children at the end of a document causes no event.
     const bool hasTree = events.size() > 2 && events[1].hasChildren && !events[2].isEnd && !events[2].name.empty();
     if (!hasTree || !HasPlainNames(events)) return 0;
 

@@ -1,5 +1,5 @@
-// A list of calls for a compound file, held against a model of its storages and streams. After the calls a second
-// reader takes the file apart, and checks all its tables while doing so.
+// Makes a list of calls on a compound file, and compares with a model of its storages and streams. Afterwards a second
+// reader reads the file and checks all its tables.
 #include <map>
 #include <optional>
 #include <set>
@@ -16,12 +16,12 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// Names as long as they may be, and one longer.
+/// Names up to the maximum length, and one that is too long.
 constexpr std::size_t kMostName = 31;
 
 class CModel {
  public:
-    /// The names that a path leads over, from the root on, with "." and ".." gone. `make` adds what is missing.
+    /// Returns the names along a path from the root, with "." and ".." resolved. `make` adds missing storages.
     std::int32_t Walk(const Names& path, Names& at, bool make) {
         for (const std::string& name : path) {
             if (name == ".." && !at.empty()) at.pop_back();
@@ -61,7 +61,7 @@ class CModel {
         return found == m_streams.end() ? nullptr : &found->second;
     }
 
-    /// The second reader finds exactly what is here.
+    /// Checks that the second reader finds exactly the content of this model.
     void Check(const std::string& path) const {
         const CompoundReader file(ReadBytes(path));
         std::map<std::string, std::string> streams;
@@ -91,7 +91,7 @@ class CModel {
     std::set<Names> m_storages;
 };
 
-/// A path of up to four names, by the bits of one number.
+/// Returns a path of up to four names, chosen by the bits of one number.
 struct CPath {
     bool fromRoot;
     Names names;

@@ -1,5 +1,5 @@
-// A list of calls for the facades, in any order and with any values. What the writer of raw data took must be in the
-// file once it is closed, and as far as it was finished already while it is written.
+// Makes a list of calls on the facades, in any order and with any values. Everything that the raw data writer accepted
+// must be in the file once it is closed; finished recordings must be there while it is still being written.
 #include <optional>
 #include <vector>
 
@@ -24,7 +24,7 @@ struct CRecording {
     std::vector<CSegment> segments;
 };
 
-/// Samples that depend on their place alone.
+/// Returns samples that depend only on their position.
 std::vector<std::uint16_t> SamplesOf(std::size_t count, std::uint8_t seed) {
     std::vector<std::uint16_t> samples(count);
     for (std::size_t i = 0; i < count; ++i)
@@ -32,7 +32,7 @@ std::vector<std::uint16_t> SamplesOf(std::size_t count, std::uint8_t seed) {
     return samples;
 }
 
-/// Returns whether the call was taken; no refusal is anything but the library's own exceptions.
+/// Returns whether the call was accepted. The library refuses calls only with its own exceptions.
 template <class Function>
 bool Takes(Function function) try {
     function();
@@ -84,7 +84,7 @@ class CSession {
         m_hasHdr = m_hasHdr || taken;
     }
 
-    /// Numbers are unique, so that every recording can be found again.
+    /// Numbers are unique, so that every recording can be found.
     void WriteRecordingHdr(CCalls& calls) {
         CRawDataRecordingHdr header{.TaskName = "Series", .Recording = static_cast<std::int32_t>(m_recordings.size())};
         header.Dose = calls.Signed(8);
@@ -104,7 +104,7 @@ class CSession {
         const auto to = static_cast<std::int64_t>(static_cast<std::uint64_t>(from) + span);
         const bool isSmall = to >= from && tick > 0 && to - from <= kMostSpan;
         const auto samples = SamplesOf(isSmall ? static_cast<std::size_t>((to - from) / tick) + 1 : 1, calls.Byte());
-        if (to >= from && tick > 0 && !isSmall) return;  // it would read more than there is
+        if (to >= from && tick > 0 && !isSmall) return;  // it would read beyond the samples
         const bool taken = Takes([&] { m_writer.WriteData(well, from, to, tick, samples.data()); });
         Require(taken == (isSmall && !m_recordings.empty() && m_isOpen), "data when it can be, and only then");
         if (taken) m_recordings.back().segments.push_back({well, from, to, samples});
@@ -122,7 +122,7 @@ class CSession {
         m_isOpen = false;
     }
 
-    /// While the writer is at work, all recordings but the last are finished.
+    /// While the writer is open, all recordings except the last are finished.
     void OpenReader(CCalls&) {
         if (!Takes([&] { m_reader.Open(m_raw); })) {
             Require(m_recordings.empty(), "a file with a recording opens");
@@ -222,7 +222,7 @@ class CSession {
         Takes([&] { m_export.ExportExcel(m_workbook); });
     }
 
-    /// A label of at most four letters, since there is a file for each.
+    /// Returns a label of at most four letters, since each label makes a file.
     static std::string LabelOf(CCalls& calls) { return std::string(calls.Byte() % 5, "AB/\\"[calls.Byte() % 4]); }
 
     std::string m_raw = CFuzzFolder::Path("run.vxd");
@@ -237,7 +237,7 @@ class CSession {
     CPropAnalyzer m_analyzer;
     CResults m_results;
     CXmlFileHeader m_header;
-    std::vector<CRecording> m_recordings;  ///< What the file has taken.
+    std::vector<CRecording> m_recordings;  ///< Everything that was written to the file.
     bool m_isOpen = false;
     bool m_hasHdr = false;
     CSegment m_segment{};

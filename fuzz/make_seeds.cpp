@@ -1,5 +1,5 @@
-// Writes the inputs that fuzzing begins with, and the dictionary: files that the library's writers made, the reference
-// files of the tests, and lists of calls.
+// Writes the seed corpus and the dictionary: files made by the library's writers, the reference files of the tests, and
+// lists of calls.
 // usage: make_seeds FOLDER REFERENCE_FOLDER
 #include <filesystem>
 #include <fstream>
@@ -84,7 +84,7 @@ void WriteResults(const fs::path& path) {
     writer.WriteFile(path.string(), results);
 }
 
-/// The property sets that no file of the library holds, or only in another form.
+/// Returns the document of a property set that the library never stores in a file, or only in another form.
 template <class Property>
 std::string ElementOf(const fs::path& scratch, Property property) {
     gd_xml_stream::CFileBuffer file;
@@ -97,7 +97,7 @@ std::string ElementOf(const fs::path& scratch, Property property) {
     return ReadAll(scratch);
 }
 
-/// Files of one kind, and the documents among them for the archive and for each property set as well.
+/// Copies each reference file to the targets that read its kind; documents also to the archive and each property set.
 void CopyReferences(const fs::path& folder, const fs::path& references) {
     for (const auto& entry : fs::recursive_directory_iterator(references)) {
         const fs::path name = entry.path().filename();
@@ -116,7 +116,7 @@ void CopyReferences(const fs::path& folder, const fs::path& references) {
     }
 }
 
-/// Calls without a plan: lengths and bytes from a generator that always gives the same.
+/// Writes random lists of calls. The generator has a fixed seed.
 void WriteCalls(const fs::path& folder, const std::string& target) {
     std::mt19937 random(1);
     for (int seed = 0; seed < 64; ++seed) {
@@ -132,7 +132,7 @@ void AddCells(const auto& cells, std::set<std::string>& words) {
         words.insert(std::string(cell.key) + "=");
 }
 
-/// The start tags of a document, as they stand there.
+/// Adds the start tags of a document to the dictionary.
 void AddTags(const std::string& document, std::set<std::string>& words) {
     for (std::size_t at = document.find('<'); at != std::string::npos; at = document.find('<', at + 1)) {
         const std::size_t end = document.find('>', at);

@@ -1,5 +1,5 @@
-// Any element as each property set, and as the record plate's long form, which no file of the library holds. The first
-// byte of the input picks the set, the second is the size of the blocks.
+// Reads any element as one of the property sets, or as the record plate's long form, which the library never stores in
+// a file. The first byte of the input selects the set, the second is the block size.
 #include "fuzz/Documents.h"
 
 namespace {
@@ -15,8 +15,8 @@ std::string Saved(const std::string& path, Property& property, std::int32_t bloc
     });
 }
 
-/// What a property set holds that was read and written reads the same. (The analyzer's date is that of its writing, and
-/// stays out of it.)
+/// Checks that a property set reads the same after it was written. (Ignores the analyzer's date, which is the time of
+/// writing.)
 template <class Property>
 void Check(const std::string& path, std::int32_t blockSize) {
     Property property;

@@ -1,4 +1,4 @@
-// Any bytes as a raw data file: everything in it is read; what reads is written anew, and reads the same.
+// Reads any bytes as a raw data file, completely. What can be read is written again and must read the same.
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -30,10 +30,10 @@ struct CContent {
     std::vector<CRecording> recordings;
 };
 
-/// A walk ends behind so many samples: segments that claim many, all of them behind the end, would only take time.
+/// A walk stops after this many samples, since segments that claim many samples beyond the end would only take time.
 constexpr std::size_t kMostSamples = 1 << 20;
 
-/// Reads on from where the reader stands. Returns false if that wasn't possible up to the end of the chain.
+/// Reads from the current position. Returns false if the end of the chain wasn't reached.
 bool ReadSegments(CIRawDataReader& reader, std::vector<CSegment>& segments) try {
     CSegment segment;
     std::uint32_t size = 0;
@@ -51,7 +51,7 @@ bool ReadSegments(CIRawDataReader& reader, std::vector<CSegment>& segments) try 
     return false;
 }
 
-/// One well alone delivers the same segments as all wells together.
+/// Checks that reading each well alone delivers the same segments as reading all wells together.
 void CheckSelection(CIRawDataReader& reader, const CRecording& recording) {
     if (recording.segments.empty()) return;
     const std::int32_t well = recording.segments.front().well;
@@ -65,7 +65,7 @@ void CheckSelection(CIRawDataReader& reader, const CRecording& recording) {
     reader.SelectWellID(-1);
 }
 
-/// Of recordings with one task and number, the first tells the header and the last the segments.
+/// If several recordings have the same task and number, the header comes from the first and the segments from the last.
 std::optional<CContent> ReadContent(const std::string& path) try {
     CIRawDataReader reader;
     reader.Open(path);
@@ -97,8 +97,8 @@ std::vector<std::string> TextsOf(const std::vector<std::int64_t>& numbers) {
     return texts;
 }
 
-/// What reading doesn't hold against a file, but writing would: the version, times that don't go with the size, and
-/// digits that the cells have no room for.
+/// Corrects what a reader accepts but a writer would reject: the version, times that don't match the size, and numbers
+/// that are too long for their cells.
 void MakeWritable(CContent& content) {
     content.header.FileVersion = std::max(content.header.FileVersion, 2);
     for (CRecording& recording : content.recordings) {
@@ -116,7 +116,7 @@ void MakeWritable(CContent& content) {
     }
 }
 
-/// Returns false if a value doesn't fit its cell; then the file isn't whole.
+/// Returns false if a value doesn't fit its cell; the file is then incomplete.
 bool WriteContent(const std::string& path, const CContent& content) try {
     CIRawDataWriter writer;
     writer.Open(path);

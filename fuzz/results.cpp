@@ -1,10 +1,10 @@
-// Any bytes as a results file: everything in it is read; what was read is written anew, and reads the same.
+// Reads any bytes as a results file, completely. What was read is written again and must read the same.
 #include "fuzz/Fuzz.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace {
 
-/// Asks what a caller may ask of results.
+/// Calls all query functions of the results.
 void Walk(const CResults& results) {
     for (const enTask task : results.GetTasks()) {
         const std::int32_t recordings = results.GetRecordingCount(task);

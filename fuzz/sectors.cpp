@@ -1,4 +1,4 @@
-// A list of calls for a file of blocks, held against the same calls on blocks in memory.
+// Makes a list of calls on a file of blocks, and compares with the same calls on blocks in memory.
 #include <algorithm>
 #include <array>
 #include <vector>
@@ -19,7 +19,7 @@ Block BlockOf(std::uint8_t seed) {
     return block;
 }
 
-/// The blocks as they should be, and the file.
+/// The expected blocks, and the file.
 class CBothFiles {
  public:
     CBothFiles() { Require(m_file.Create(m_path), "the file can be made"); }
@@ -37,7 +37,7 @@ class CBothFiles {
                 break;
             case 1: {
                 const std::vector<std::byte> run(a * block.size(), block[0]);
-                const std::size_t cut = std::min(a, b) * block.size();  // the run goes out in two parts
+                const std::size_t cut = std::min(a, b) * block.size();  // the run is written in two parts
                 const std::array parts{vxfileio::helpers::CBytes(run).first(cut),
                                        vxfileio::helpers::CBytes(run).subspan(cut)};
                 Require(m_file.WriteRun(b, parts), "blocks can be written");

@@ -1,4 +1,4 @@
-// Any bytes as a settings file: everything in it is read; what was read is written anew, and reads the same.
+// Reads any bytes as a settings file, completely. What was read is written again and must read the same.
 #include "fuzz/Fuzz.h"
 #include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
@@ -7,7 +7,7 @@ using vxfileio::base::CExcConversion;
 
 namespace {
 
-/// Asks what a caller may ask of a plate.
+/// Calls all query functions of the plate.
 void WalkPlate(const CPropRecordPlate& plate, const CPropAnalyzer& analyzer) {
     for (const std::int32_t well : plate.GetAllWellIDs()) {
         Require(plate.FindWell(well) != nullptr, "each well is found");
@@ -23,8 +23,7 @@ void WalkPlate(const CPropRecordPlate& plate, const CPropAnalyzer& analyzer) {
     Require(plate.GetActiveCompoundWellIDs(compounds.front()).size() <= plate.Data.Wells.size(), "its active wells");
 }
 
-/// Writes what was read, through its copies, with the date of writing evened out. Returns nothing if a dose of an old
-/// file has no text.
+/// Writes copies of what was read, with a fixed date of writing. Returns nothing if a dose of an old file has no text.
 std::string Copied(const std::string& from, const std::string& to) try {
     CISettingsReader reader;
     reader.ReadFile(from);
@@ -60,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     WriteBytes(read, Input(data, size));
     const std::string once = Copied(read, first);
     if (once.empty()) return 0;
-    // Wells that don't belong to the compound have marks once more, but not records.
+    // Wells that don't belong to the compound get marks once more, but no records.
     const std::string twice = Copied(first, second);
     if (twice != once) Require(Copied(second, first) == twice, "settings read the same once written");
     return 0;

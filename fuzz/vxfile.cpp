@@ -16,7 +16,7 @@ int Run(CWords words) {
     return vxfile::RunProgram(static_cast<int>(words.size()), words.data());
 }
 
-/// What the commands print goes nowhere; what the fuzzer prints passes by the stream.
+/// Discards what the commands print. The fuzzer doesn't print through this stream.
 void PrintNowhere() {
     static const bool isDone = std::freopen("/dev/null", "w", stdout) != nullptr;
     Require(isDone, "there is /dev/null");
@@ -25,8 +25,8 @@ void PrintNowhere() {
 
 }  // namespace
 
-/// Gives any bytes to the commands that read. None ends but by a status that it tells, a file is equal to itself or
-/// can't be compared, and what verify calls sound is read by the others without complaint.
+/// Runs the reading commands on any bytes. Each command must exit with a documented status, a file must equal itself or
+/// be incomparable, and the others must read without complaint what verify calls sound.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = CFuzzFolder::Path("file");
     static const std::string table = CFuzzFolder::Path("table.npy");

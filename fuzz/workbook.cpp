@@ -1,5 +1,5 @@
-// A list of calls for a workbook: sheets, names, cells. The saved file is taken apart by a second reader, which must
-// find in every sheet the cells that went into it.
+// Makes a list of calls on a workbook: sheets, names, cells. A second reader must find in each sheet of the saved file
+// the cells that were written.
 #include <bit>
 #include <cmath>
 #include <map>
@@ -40,8 +40,8 @@ std::vector<CRecord> RecordsOf(const std::string& stream) {
     return records;
 }
 
-/// The table of texts: a record, and those that continue it. Characters that go on in the next record have their width
-/// told anew at its front; everything else stands in one record.
+/// The table of texts: a record, and those that continue it. Where the characters of a text continue in the next
+/// record, that record begins with their width again; nothing else is split.
 class CTextTable {
  public:
     explicit CTextTable(std::vector<std::string> bodies) : m_bodies(std::move(bodies)) {
@@ -89,7 +89,7 @@ double NumberOf(std::uint32_t word) {
     return (word & 1U) != 0 ? number / 100 : number;
 }
 
-/// What a workbook's stream says, sheet by sheet.
+/// The content of a workbook's stream, sheet by sheet.
 class CReadWorkbook {
  public:
     explicit CReadWorkbook(const std::string& stream) : m_records(RecordsOf(stream)), m_texts(TextBodies()) {
@@ -136,7 +136,7 @@ class CReadWorkbook {
         Require(sheets.at(m_sheet - 1).cells.emplace(place, std::move(content)).second, "each cell once");
     }
 
-    /// The index of a sheet leads to the ends of its blocks of rows.
+    /// Checks that the index of a sheet points to the end of each block of rows.
     void CheckIndex(const std::string& body) const {
         if (U32(body, 8) == 0) return;  // no rows
         for (std::size_t at = 16; at < body.size(); at += 4) {
@@ -151,7 +151,7 @@ class CReadWorkbook {
     std::size_t m_sheet = 0;
 };
 
-/// Numbers that look short are kept with 30 bits.
+/// Returns the number as stored: numbers that look short keep 30 bits.
 bool IsSame(const Content& wanted, const Content& found) {
     const auto* const number = std::get_if<double>(&wanted);
     if (number == nullptr || !std::holds_alternative<double>(found)) return wanted == found;

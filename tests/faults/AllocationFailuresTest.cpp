@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Calls the operation. Returns whether it ran out of memory; any other exception is the test's failure.
+/// Calls the operation. Returns whether it ran out of memory; any other exception fails the test.
 bool RunsOutOfMemory(const std::function<void()>& operation) {
     try {
         operation();
@@ -19,11 +19,11 @@ bool RunsOutOfMemory(const std::function<void()>& operation) {
     return false;
 }
 
-/// Every kind of file meets a failure of every allocation.
+/// Fails every allocation for every kind of file.
 class AllocationFailuresTest : public testing::TestWithParam<CKind> {
  protected:
-    /// Writes the file, over an older one. The allocation of number `failing` fails; the call that it reaches is made
-    /// again, or else is the last one. Returns whether there was that allocation.
+    /// Writes the file over an older one. The `failing`-th allocation fails; the call in which it happens is repeated,
+    /// or else is the last one. Returns whether there were that many allocations.
     bool Write(std::size_t failing, bool again) {
         if (m_kind.isReplaced) WriteAll(m_path, kOld);
         CVXFileIO io;
@@ -55,7 +55,7 @@ class AllocationFailuresTest : public testing::TestWithParam<CKind> {
     CKind m_kind = GetParam();
     CTempFolder m_folder;
     std::string m_path = m_folder.Path(m_kind.file);
-    std::size_t m_unfinished = 0;  ///< How often a file was told that memory for the rest of it was wanting.
+    std::size_t m_unfinished = 0;  ///< Number of times that a file was left incomplete for lack of memory.
 };
 
 TEST_P(AllocationFailuresTest, ACallThatRanOutOfMemoryCanBeMadeAgain) {

@@ -30,7 +30,7 @@ std::vector<std::function<void()>> RawSteps(CVXFileIO& io, const std::string& pa
     return steps;
 }
 
-/// The numbers of the segments that can be read, each followed by a blank; one with wrong samples is "damaged".
+/// Returns the numbers of the readable segments, each followed by a blank; "damaged" for one with wrong samples.
 std::string ReadRaw(CVXFileIO& io, const std::string& path) {
     CIRawDataReader& reader = *io.GetRawDataReader();
     reader.Open(path);
@@ -66,7 +66,7 @@ CPropAnalyzer Analyzer() {
     return analyzer;
 }
 
-/// More than a file takes in one piece.
+/// More than is written in one piece.
 CResults Results() {
     CResults results;
     results.SetFPAverage(4000, 10, 25);

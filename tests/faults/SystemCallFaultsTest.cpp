@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The names and bytes of the files in a folder.
+/// Returns the names and bytes of the files in a folder.
 std::map<std::string, std::string> FilesIn(const std::string& folder) {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
@@ -26,7 +26,7 @@ std::size_t OpenHandles() {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-/// How many segments the text of a write error misses.
+/// Returns the number of missing segments in the text of a write error.
 std::int64_t MissingSegments(const std::string& error) {
     const std::string tag = "; segments missing: ";
     const std::size_t at = error.find(tag);
@@ -40,7 +40,7 @@ constexpr CFault kKill{CFault::enKind::Kill};
 constexpr CFault Once(int error) { return {.error = error}; }
 constexpr CFault FromThere(int error) { return {.error = error, .goesOn = true}; }
 
-/// Every kind of file meets every fault at every call.
+/// Applies every fault at every call for every kind of file.
 class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
  protected:
     SystemCallFaultsTest() {
@@ -49,7 +49,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
         m_calls = m_lastCalls;
     }
 
-    /// Writes with a fault at a call, over an older file; returns what `GetWriteError` tells.
+    /// Writes over an older file, with a fault at one call. Returns the result of `GetWriteError`.
     std::string Play(int at, const CFault& fault) {
         std::filesystem::remove_all(m_folder.Path(""));
         std::filesystem::create_directory(m_folder.Path(""));
@@ -70,14 +70,14 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
         return m_kind.writeError(io);
     }
 
-    /// The older file is another group's, where the process may give it away.
+    /// Gives the older file to another group, if the process may do so.
     void MakeOld() {
         WriteAll(m_path, kOld);
         std::filesystem::permissions(m_path, std::filesystem::perms(0664));
         m_isForeign = ::chown(m_path.c_str(), static_cast<uid_t>(-1), ::getegid() + 1) == 0;
     }
 
-    /// What can be read, or the text of the failure.
+    /// Returns what can be read, or the text of the failure.
     std::string Read() {
         CVXFileIO io;
         try {
@@ -87,7 +87,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
         }
     }
 
-    /// Whether `content` is a list of segments of which each is whole and there once, in their order.
+    /// Returns whether `content` lists complete segments, each once, in ascending order.
     static bool IsInOrder(const std::string& content) {
         std::int64_t before = -1;
         std::istringstream words(content);
@@ -104,7 +104,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
         EXPECT_EQ(files.at(m_kind.file) == kOld, !isNew);
     }
 
-    /// A workbook that isn't whole is named.
+    /// Checks that an incomplete workbook is named.
     void ExpectNamed(const std::string& error) {
         const auto files = FilesIn(m_folder.Path(""));
         for (const auto& [name, bytes] : m_whole) {
@@ -129,7 +129,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
 TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
     ASSERT_GE(m_calls, 5);
     for (const int error : {ENOSPC, EIO, EACCES, EINTR}) {
-        for (int at = 1; at <= m_calls + 2; ++at) {  // an older file makes for more calls than the first one
+        for (int at = 1; at <= m_calls + 2; ++at) {  // replacing an older file takes more calls than a new file
             SCOPED_TRACE("error " + std::to_string(error) + " at call " + std::to_string(at));
             const std::string told = Play(at, Once(error));
             EXPECT_TRUE(!m_wasThrown || !told.empty());
@@ -157,7 +157,7 @@ TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneOrInterruptedGoOn) {
     }
 }
 
-// The folder's refusal of a second file is no fault of the disk, as long as the old one can be written.
+// A folder that refuses a second file isn't a write error, as long as the old file can be overwritten.
 TEST_P(SystemCallFaultsTest, WhatTheFolderRefusesIsWrittenInPlace) {
     if (!m_kind.isReplaced) return;
     for (const int error : {EACCES, EPERM, EROFS, EBUSY, EXDEV}) {
@@ -260,7 +260,7 @@ TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
 INSTANTIATE_TEST_SUITE_P(Kinds, SystemCallFaultsTest, testing::ValuesIn(AllKinds()),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
-// A disk that refuses one place while it takes another: a list's older text must not come behind its newer one.
+// A disk that refuses one place but accepts another: an older text of a list must not be written after a newer one.
 TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     const CTempFolder folder;
     const std::string path = folder.Path("lists.vxd");
@@ -273,7 +273,7 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     writer.UpdateFileHdr("PreQC", {"1"});
     writer.UpdateFileHdr("PostQC", {"2"});
     BeginCalls(1, {.error = EIO, .calls = "pwritev"});
-    writer.UpdateFileHdr("PostQC", {"3"});  // before it, the other list is refused once more
+    writer.UpdateFileHdr("PostQC", {"3"});  // the other list is tried first, and refused again
     EndCalls();
     writer.UpdateFileHdr("CompoundTest", {"4"});
     writer.Close();
@@ -284,7 +284,7 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
 }
 
-// What is written in place is a beginning of the document, without gaps.
+// A file written in place holds the beginning of the document, without gaps.
 TEST(RefusedPieceTest, NothingIsWrittenBehindIt) {
     const CTempFolder folder;
     const std::string path = folder.Path("pieces.xml");
@@ -300,7 +300,7 @@ TEST(RefusedPieceTest, NothingIsWrittenBehindIt) {
     EXPECT_EQ(BytesOf(path), std::string(100'000, 'a'));
 }
 
-// A reader may see any beginning of the cells that a writer is just putting over others, but only for a moment.
+// While a writer overwrites cells, a reader may see any beginning of the new ones, but only for a moment.
 TEST(RewrittenHdrTest, PositionsThatAreJustRewrittenAreReadAgain) {
     constexpr std::size_t kCells = 1190 + 150;
     constexpr std::size_t kCellsSize = 150;
@@ -329,7 +329,7 @@ TEST(RewrittenHdrTest, PositionsThatAreJustRewrittenAreReadAgain) {
     }
 }
 
-/// The numbers of all segments that can be read, each followed by a blank. A recording without any fails.
+/// Returns the numbers of all readable segments, each followed by a blank. Fails for a recording without segments.
 std::string SegmentsIn(const std::string& path) {
     CVXFileIO io;
     CIRawDataReader& reader = *io.GetRawDataReader();
@@ -356,7 +356,7 @@ std::string SegmentsIn(const std::string& path) {
     return content;
 }
 
-// Whenever the disk is full and has room again: all segments that were taken, and no others, are read in the end.
+// Whenever the disk is full and later has room again, exactly the accepted segments can be read in the end.
 TEST(MoodyDiskTest, WhatWasTakenIsThereAndWhatIsMissingIsCounted) {
     const CTempFolder folder;
     const std::string path = folder.Path("moody.vxd");

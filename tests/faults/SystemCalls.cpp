@@ -18,7 +18,7 @@ int g_at = 0;
 CFault g_fault;
 std::function<void()> g_act;
 
-/// Counts a call. Returns whether it meets the fault.
+/// Counts a call. Returns whether the fault applies to it.
 bool IsMet(std::string_view call) {
     if (!g_counts || (!g_fault.calls.empty() && g_fault.calls.find(call) == std::string_view::npos)) return false;
     ++g_calls;
@@ -35,7 +35,7 @@ int Refuse(int error) {
     return -1;
 }
 
-/// Makes a call, unless it meets the fault; `half` makes the half of it.
+/// Makes a call unless the fault applies to it; `half` makes half of the transfer.
 template <class Call, class Half>
 auto Make(std::string_view name, Call call, Half half) -> decltype(call()) {
     if (!IsMet(name)) return call();
@@ -49,7 +49,7 @@ template <class Call>
 auto Make(std::string_view name, Call call) -> decltype(call()) {
     const bool isPlain = g_fault.kind == CFault::enKind::Half || g_fault.kind == CFault::enKind::Interrupted;
     if (!isPlain) return Make(name, call, call);
-    IsMet(name);  // it counts all the same
+    IsMet(name);  // only counts the call
     return call();
 }
 
@@ -92,7 +92,7 @@ int __wrap_open(const char* path, int flags, mode_t mode) {
     const auto call = [&] { return __real_open(path, flags, mode); };
     return Make("open", call, call);
 }
-int __wrap_close(int handle) {  // a handle is closed, whatever the call says
+int __wrap_close(int handle) {  // closes the handle even if the call reports a failure
     const int result = __real_close(handle);
     return Make("close", [&] { return result; });
 }
@@ -105,7 +105,7 @@ int __wrap_lstat(const char* path, struct stat* status) {
 ssize_t __wrap_readlink(const char* path, char* target, size_t size) {
     return Make("readlink", [&] { return __real_readlink(path, target, size); });
 }
-// A transfer that is cut short moves the first bytes alone.
+// A short transfer moves only the first bytes.
 ssize_t __wrap_pread(int handle, void* buffer, size_t size, off_t position) {
     return Make(
         "pread", [&] { return __real_pread(handle, buffer, size, position); },

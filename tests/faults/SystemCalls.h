@@ -4,24 +4,24 @@
 #include <string_view>
 
 /// @file
-/// The system calls of the library's files, each of which can be made to fail. Linking the source with the options that
-/// its folder's build tells puts it between the static library and the system.
+/// Wraps the system calls of the library's file operations and can make any of them fail. To use it, link the source
+/// with the options in this folder's CMakeLists.txt.
 
-/// What happens to a call, and to all behind it if it goes on. Only opening and transfers are ever cut short or
-/// interrupted; other calls are made as if nothing were.
+/// What happens to a call, and to all later calls if the fault persists. Only opening and transfers can be cut short or
+/// interrupted; other calls are made as usual.
 struct CFault {
     enum class enKind { Error, Half, Interrupted, Kill };
     enKind kind = enKind::Error;
     int error = 0;  ///< The error's number.
     bool goesOn = false;
-    std::string_view calls = {};  ///< The names of the only calls that count, with blanks between them; empty is all.
+    std::string_view calls = {};  ///< The names of the calls to count, separated by blanks; empty means all.
 };
 
-/// From now on calls are counted, and that of number `at`, from 1, meets the fault; 0 is none.
+/// Starts counting calls. The fault applies to call number `at`, from 1; 0 means none.
 void BeginCalls(int at, const CFault& fault);
 
-/// The same, but `act` is called ahead of that call, and nothing fails. What it calls itself isn't counted.
+/// Starts counting calls, and calls `act` before call number `at`; nothing fails. Calls made by `act` aren't counted.
 void BeginCalls(int at, std::string_view calls, std::function<void()> act);
 
-/// Ends that, and returns how many calls there were.
+/// Stops counting and returns the number of calls.
 int EndCalls();

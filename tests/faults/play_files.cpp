@@ -1,7 +1,7 @@
 // play_files write|read KIND FOLDER: writes or reads one file of a kind in a folder.
 //
-// Writing tells what GetWriteError tells, and ends with 0 if that is nothing, with 1 if it is something, and with 2 if
-// the file couldn't be opened. Reading tells the content, or the failure and ends with 2.
+// Writing prints the result of GetWriteError, and exits with 0 if it is empty, with 1 if not, and with 2 if the file
+// couldn't be opened. Reading prints the content, or prints the failure and exits with 2.
 
 #include <csignal>
 #include <iostream>
@@ -39,7 +39,7 @@ int Read(const CKind& kind, const std::string& path) {
 
 int main(int argc, char** argv) {
 #if defined(SIGXFSZ)
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a refusal, not the end
+    std::signal(SIGXFSZ, SIG_IGN);  // exceeding a file size limit is an error, not the end of the process
 #endif
     for (const CKind& kind : AllKinds()) {
         if (argc != 4 || argv[2] != std::string(kind.name)) continue;

@@ -19,7 +19,7 @@ void Free(void* memory) {
 
 void* operator new(std::size_t size) {
     if (++g_allocations == g_failing) {
-        ++g_freed;  // it never was
+        ++g_freed;  // a failed allocation doesn't count as unfreed
         throw std::bad_alloc();
     }
     if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;

@@ -3,13 +3,13 @@
 #include <cstddef>
 
 /// @file
-/// Linking the source counts the allocations of the whole program, and can make one fail.
+/// Counts the allocations of a whole program that links the source file, and can make one of them fail.
 
-/// Returns how many allocations the process has made so far.
+/// Returns the number of allocations that the process has made so far.
 std::size_t AllocationCount();
 
-/// Returns how many of them have not been freed.
+/// Returns the number of allocations that haven't been freed.
 std::size_t LiveAllocations();
 
-/// Makes the allocation of number `count` from now on fail, once; 0 is none.
+/// Makes the `count`-th allocation from now on fail, once; 0 means none.
 void FailAllocation(std::size_t count);

@@ -8,7 +8,7 @@
 #include <random>
 #include <string>
 
-/// A folder of its own for one test, removed with everything in it at the end.
+/// A temporary folder for one test, removed with its content at the end.
 class CTempFolder {
  public:
     CTempFolder() : CTempFolder(std::filesystem::temp_directory_path()) {}
@@ -24,21 +24,21 @@ class CTempFolder {
     CTempFolder(const CTempFolder&) = delete;
     CTempFolder& operator=(const CTempFolder&) = delete;
 
-    /// The path of a file of this name in the folder.
+    /// Returns the path of a file in the folder.
     std::string Path(const std::string& name) const { return (m_folder / name).string(); }
 
  private:
     std::filesystem::path m_folder;
 };
 
-/// Returns all bytes of a file; a file that can't be opened fails the test.
+/// Returns all bytes of a file. Fails the test if the file can't be opened.
 inline std::string ReadAll(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(file.is_open()) << path;
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// Makes a file of exactly these bytes.
+/// Writes a file with exactly these bytes.
 inline void WriteAll(const std::string& path, const std::string& bytes) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));

@@ -18,7 +18,7 @@
 
 namespace {
 
-// ---- Recordings that can be told from their numbers -----------------------------------------------------------------
+// ---- Recordings whose content follows from their numbers ------------------------------------------------------------
 
 constexpr std::int64_t kTick = 10;
 
@@ -32,7 +32,7 @@ struct CPlannedSegment {
     std::int64_t to;
 };
 
-/// The segments of a recording: some, of some wells and lengths.
+/// Returns the segments of a recording: their number, wells and lengths vary.
 std::vector<CPlannedSegment> SegmentsOf(std::int32_t recording) {
     std::vector<CPlannedSegment> segments;
     for (std::int32_t i = 0; i <= recording % 7; ++i) {
@@ -54,7 +54,7 @@ void WriteRecording(CIRawDataWriter& writer, std::int32_t recording) {
     }
 }
 
-/// Whether a recording is in the file with all its segments and samples.
+/// Returns whether a recording is in the file with all its segments and samples.
 bool IsWhole(CIRawDataReader& reader, std::int32_t recording) {
     if (!reader.JumpToData("Series", recording)) return false;
     std::int32_t well = 0;
@@ -72,12 +72,12 @@ bool IsWhole(CIRawDataReader& reader, std::int32_t recording) {
     return !reader.ReadSegment(well, from, to, size, samples);
 }
 
-// ---- A reader beside a writer ---------------------------------------------------------------------------------------
+// ---- A reader next to a writer --------------------------------------------------------------------------------------
 
-/// How far writer and reader have come. Each tells the other; it may lie in memory that two processes share.
+/// The progress of writer and reader, through which they synchronise. May be in memory shared by two processes.
 struct CProgress {
-    std::atomic<std::int32_t> finished = 0;  ///< Recordings that are finished, over all files.
-    std::atomic<std::int32_t> opens = 0;     ///< How often the reader has opened a file.
+    std::atomic<std::int32_t> finished = 0;  ///< Number of finished recordings, over all files.
+    std::atomic<std::int32_t> opens = 0;     ///< Number of times that the reader has opened a file.
 };
 
 constexpr std::int32_t kOpens = 5000;  ///< Per test.
@@ -87,8 +87,8 @@ std::string FileOf(const CTempFolder& folder, std::int32_t recording) {
     return folder.Path("run" + std::to_string(recording / kRecordingsPerFile) + ".vxd");
 }
 
-/// Writes one file after the other, no more than a few recordings ahead of the reader, so that most of what it reads is
-/// being written.
+/// Writes one file after another, at most a few recordings ahead of the reader, so that most files are read while they
+/// are written.
 void WriteBesideReader(const CTempFolder& folder, CProgress& progress) {
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
@@ -123,7 +123,7 @@ void ReadBesideWriter(const CTempFolder& folder, CProgress& progress) {
             ASSERT_TRUE(IsWhole(reader, recording)) << recording << " of " << finished << " at open " << open;
         ++progress.opens;
     }
-    progress.opens = kOpens;  // the writer comes to its end, whatever happened here
+    progress.opens = kOpens;  // lets the writer finish, even after a failure
 }
 
 TEST(ThreadsTest, ReaderBesideAWritingThreadSeesWhatWasFinished) {
@@ -156,7 +156,7 @@ TEST(ThreadsTest, ReaderBesideAWritingProcessSeesWhatWasFinished) {
 }
 #endif
 
-// ---- Objects of their own -------------------------------------------------------------------------------------------
+// ---- Separate objects -----------------------------------------------------------------------------------------------
 
 CPropRecordPlate MakePlate() {
     CPropRecordPlate plate;
@@ -184,7 +184,7 @@ CResults MakeResults() {
     return results;
 }
 
-/// Writes and reads every kind of file, and returns all bytes that don't tell the time of writing.
+/// Writes and reads every kind of file. Returns all bytes except those that depend on the time of writing.
 std::string EveryKindOfFile() {
     const CTempFolder folder;
     const CPropRecordPlate plate = MakePlate();
