@@ -1,5 +1,5 @@
-// Loaded ahead of a program, it counts what the program and its libraries take from the heap; Measure.h asks for the
-// number. It needs the names under which glibc keeps its own functions.
+// Preloaded into a program, it counts the heap allocations of the program and its libraries. Measure.h reads the count.
+// It uses glibc's internal names of the allocation functions.
 #include <cerrno>
 #include <cstddef>
 

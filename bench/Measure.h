@@ -7,11 +7,10 @@
 #include <fstream>
 #include <string>
 
-/// Returns how often memory was taken from the heap so far. There is none unless CountAllocations.cpp is loaded ahead
-/// of the program.
+/// Returns the number of heap allocations so far. The function only exists if CountAllocations.cpp is preloaded.
 extern "C" __attribute__((weak)) long CountedAllocations();
 
-/// The program's own peak memory in KiB. The usual call would count that of the process that started it, too.
+/// Returns the program's own peak memory in KiB. (`getrusage` would include that of the process that started it.)
 inline long PeakKiB() {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
@@ -21,11 +20,11 @@ inline long PeakKiB() {
     return 0;
 }
 
-/// Lets the peak begin anew with what is there at this moment.
+/// Resets the peak to the current memory use.
 inline void ForgetPeak() { std::ofstream("/proc/self/clear_refs") << 5 << std::flush; }
 
-/// Prints the seconds that `work` takes, the KiB that its peak is above what was there before, and, where they are
-/// counted, its allocations. No file has the names that are asked for: they bound the work for who traces its calls.
+/// Prints the seconds that `work` takes, the KiB by which its peak exceeds the memory use before, and its allocations
+/// if they are counted. The names passed to `access` don't exist: they mark the work in a trace of system calls.
 template <class Work>
 void Measure(Work work) {
     ForgetPeak();

@@ -1,6 +1,6 @@
 #pragma once
 
-// The results of a plate whose workbooks are exported, as the programs beside the library hold them.
+// The results of a plate for the export of workbooks, as stored by the programs that don't use the library.
 
 #include "ResultsTree.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The raw recordings that all programs are given: rounds of 54 wells, in each round a segment of every well. It shares
-// nothing with the library.
+// The raw recordings for all programs: rounds of 54 wells, with one segment per well in each round. Shares no code with
+// the library.
 
 #include <cstdint>
 #include <cstdlib>
@@ -9,12 +9,12 @@
 
 inline constexpr int kWells = 54;
 inline constexpr int kFirstWell = 10;
-inline constexpr int kOneWell = 36;  // the one that is read alone
+inline constexpr int kOneWell = 36;  // the well that is read alone
 inline constexpr long kTick = 10;
 inline constexpr int kADZero = 32;
 inline constexpr double kUnitsPerAD = 0.0005;
 
-/// How much there is: `ROUNDS SAMPLES` behind mode and file on the command line.
+/// The amount of data: `ROUNDS SAMPLES` after mode and file on the command line.
 struct CShape {
     long rounds = 0;
     long samples = 0;
@@ -24,7 +24,7 @@ struct CShape {
     long TimeTo(long round) const { return TimeFrom(round) + (samples - 1) * kTick; }
 };
 
-inline constexpr int kOwnSamples = 8;  // at the front of a segment; the rest is the same in all
+inline constexpr int kOwnSamples = 8;  // at the front of a segment; the others are the same in all segments
 
 inline std::uint16_t OwnSample(long round, int well, int i) {
     return static_cast<std::uint16_t>(round * 54 + well + i);
@@ -42,11 +42,11 @@ inline void TurnInto(std::uint16_t* samples, long round, int well) {
         samples[i] = OwnSample(round, well, i);
 }
 
-/// Whether every sample is looked at. A run that is timed looks at those that differ from segment to segment only, and
-/// at the last.
+/// Returns whether to check every sample. A timed run checks only the samples that differ between segments, and the
+/// last one.
 inline const bool kLooksAtAll = std::getenv("LOOK_AT_ALL_SAMPLES") != nullptr;
 
-/// Whether these are the samples of that round and well. For EDFlib they are of another type.
+/// Returns whether these are the samples of that round and well. EDFlib uses another sample type.
 template <class Sample>
 bool AreSamples(const Sample* samples, const CShape& shape, long round, int well) {
     for (int i = 0; i < kOwnSamples; ++i)

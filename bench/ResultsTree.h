@@ -1,7 +1,7 @@
 #pragma once
 
-// The results of one compound as the programs beside the library hold them, and the numbers that all programs are
-// given. It shares nothing with the library.
+// The results of one compound as stored by the programs that don't use the library, and the numbers for all programs.
+// Shares no code with the library.
 
 #include <cmath>
 #include <cstdint>
@@ -14,7 +14,7 @@ struct CTree {
         std::string label;
         std::vector<std::int64_t> times;
         std::vector<double> average;
-        double findings[8] = {};  // in the order of the file; the time stamps among them are whole
+        double findings[8] = {};  // in file order; time stamps are whole numbers
         std::map<int, double> responses, normalized;
     };
     struct CRecording {
@@ -35,7 +35,7 @@ inline constexpr const char* kFindings[] = {"FPfastMaxAmp",          "FPfastMaxA
                                             "FPfastMinAmpTimeStamp", "FPfastSlopeX0",         "FPfastSlopeY0",
                                             "FPfastSlopeX1",         "FPfastSlopeY1"};
 
-/// Whether that finding is a time stamp.
+/// Returns whether a finding is a time stamp.
 inline bool IsWholeFinding(int i) { return i == 1 || i == 3; }
 
 inline std::int64_t TimeOf(int dose, int well, int i) { return 1'000'000LL * i + 977LL * well + 31LL * dose; }
@@ -68,7 +68,7 @@ inline CTree MakeTree(int scale) {
     return tree;
 }
 
-/// Whether a tree that was read is the one that was made; averages come back with six digits.
+/// Returns whether a tree was read back correctly; averages keep only six digits.
 inline bool IsWhole(const CTree& tree, int scale) {
     const CTree made = MakeTree(scale);
     if (tree.recordings.size() != made.recordings.size()) return false;

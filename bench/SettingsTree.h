@@ -1,7 +1,7 @@
 #pragma once
 
-// The wells, doses and marks of a settings file as the programs beside the library hold them. It shares nothing with
-// the library. What else the file has are defaults.
+// The wells, doses and marks of a settings file as stored by the programs that don't use the library. Everything else
+// in the file has its default. Shares no code with the library.
 
 #include <cstdint>
 #include <map>
@@ -18,7 +18,7 @@ struct CSettings {
     };
     struct CMarks {
         int analyze = 1;
-        int marks[3] = {};  // places in kMarks
+        int marks[3] = {};  // indices into kMarks
         bool operator==(const CMarks&) const = default;
     };
     using CRecording = std::map<int, CMarks>;
@@ -30,12 +30,12 @@ struct CSettings {
 };
 
 inline constexpr int kPlateWells = 54;
-inline constexpr int kSeries = 1;  // the task with a recording for each dose
+inline constexpr int kSeries = 1;  // the task with one recording per dose
 inline constexpr std::string_view kTasks[] = {"CompoundTest", "Series", "PreQC", "PostQC"};
 inline constexpr std::string_view kMarks[] = {"Undefined", "Automatic", "Manually", "Deselected"};
 inline constexpr std::string_view kMarkedResponses[] = {"Na-Amplitude", "Na-Slope", "QT-Interval"};
 
-/// The place of a mark's word in the list.
+/// Returns the index of a mark's word in the list.
 inline int MarkOf(std::string_view word) {
     int mark = 3;
     while (mark > 0 && kMarks[mark] != word)
@@ -43,7 +43,7 @@ inline int MarkOf(std::string_view word) {
     return mark;
 }
 
-/// The plate's wells, 11 doses for each unit of the scale, and marks in all four tasks.
+/// Makes the plate's wells, 11 doses times `scale`, and marks in all four tasks.
 inline CSettings MakeSettings(int scale) {
     CSettings settings;
     for (int i = 0; i < kPlateWells; ++i)
@@ -62,8 +62,8 @@ inline CSettings MakeSettings(int scale) {
     return settings;
 }
 
-/// Where the file with this number is written: each time a new one, since a file system may wait for its disk when a
-/// file is replaced. The first has the path itself.
+/// Returns the path of a numbered file. Each one is new, since a file system may wait for the disk when a file is
+/// replaced. The first has `path` itself.
 inline std::string FileOf(const char* path, int number) {
     return number == 0 ? path : path + ("." + std::to_string(number));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The cells that all programs put into a workbook.
+// The cells of the workbook that all programs write.
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-// The export of a whole plate: 54 wells at 8 doses, 300 beats, averages of AVERAGES samples, a workbook for each well.
+// Exports a whole plate: 54 wells at 8 doses, 300 beats, averages of AVERAGES samples, one workbook per well.
 // usage: export_vx write FOLDER/NAME.xls AVERAGES
 #include <vxfileio/frame/VXFileIO.h>
 

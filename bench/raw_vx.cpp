@@ -1,4 +1,4 @@
-// Raw recordings through the library. usage:
+// Writes and reads raw recordings with the library. usage:
 //   raw_vx write|read|one|every FILE ROUNDS SAMPLES    all wells round robin, one well, each well in turn
 //   raw_vx headers|open FILE RECORDINGS                recordings without samples, written and opened
 #include <vxfileio/frame/VXFileIO.h>
@@ -39,7 +39,7 @@ void Write(CIRawDataWriter& writer, const char* path, const CShape& shape) {
     });
 }
 
-/// Reads the next segment, which has to be that of this round and well.
+/// Reads the next segment, which must be the one of this round and well.
 bool ReadNext(CIRawDataReader& reader, const CShape& shape, long round, int well) {
     std::int32_t wellID = 0;
     std::int64_t from = 0, to = 0;
@@ -58,7 +58,7 @@ bool IsAtEnd(CIRawDataReader& reader) {
     return !reader.ReadSegment(wellID, from, to, size, samples);
 }
 
-/// Reads `wells` wells from `first` on that follow one another in each round.
+/// Reads `wells` wells, starting with `first`, which follow each other in each round.
 bool ReadRounds(CIRawDataReader& reader, const CShape& shape, int first, int wells) {
     if (!reader.JumpToData("Series", 1)) return false;
     for (long round = 0; round < shape.rounds; ++round) {
@@ -98,7 +98,7 @@ void WriteHeaders(CIRawDataWriter& writer, const char* path, int recordings) {
     });
 }
 
-/// Opens a file of recordings; every hundredth is looked at.
+/// Opens a file of recordings, and checks every hundredth.
 bool Open(CIRawDataReader& reader, const char* path, int recordings) {
     Measure([&] { reader.Open(path); });
     bool good = reader.GetIndex()->GetCount() == recordings;

@@ -1,4 +1,4 @@
-// A results file through the library, the same work as limits/results_limit.cpp.
+// Writes or reads a results file with the library; the same work as limits/results_limit.cpp.
 // usage: results_vx write|read FILE SCALE
 #include <vxfileio/frame/VXFileIO.h>
 
@@ -52,7 +52,7 @@ CResults MakeResults(int scale) {
     return results;
 }
 
-/// The same in the form that the other programs have, to be compared with what they were given.
+/// Converts to the tree of the other programs, for comparison with their data.
 CTree TreeOf(const CResults& results) {
     CTree tree;
     for (int dose = 0; dose < results.GetRecordingCount(enTask::Series); ++dose) {

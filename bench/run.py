@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Runs each workload interleaved (limit, library, peers, limit, ...), each program in a process of its own, and prints
-a table for each. `scripts/bench` builds the programs and calls this.
+"""Runs the programs of each workload in turn (limit, library, peers, limit, ...), each in its own process, and prints a
+table per workload. `scripts/bench` builds the programs and calls this.
 
-Every program checks what it reads; those that write the limit's format must write the same bytes, and the others read
-back what they wrote. System calls and allocations are counted in runs of their own that aren't timed.
+Every program checks what it reads. Programs that write the limit's format must write the same bytes; the others read
+back what they wrote. System calls and allocations are counted in separate runs that aren't timed.
 """
 import argparse
 import json
@@ -23,20 +23,20 @@ LOOKING_AT_ALL = {**os.environ, "LOOK_AT_ALL_SAMPLES": "1"}
 
 
 class Bench:
-    """A folder of programs, and one for the files of a workload."""
+    """The programs of a workload and the folder for its files."""
 
     def __init__(self, programs, folder, workload):
         self.programs = programs
         self.folder = os.path.join(folder, "files")
         self.workload = workload
-        self.bytes = 0  # of the file that the last program worked on
+        self.bytes = 0  # size of the last program's files
         self.available = [p for p in workload.programs if os.path.exists(os.path.join(programs, p.binary))]
 
     def path(self, owner):
         return os.path.join(self.folder, owner, "bench" + self.workload.suffix)
 
     def run(self, binary, mode, path, size, ahead=(), environment=None):
-        """Returns seconds, KiB added and allocations; wrong data or a failure ends the benchmark."""
+        """Returns seconds, KiB added and allocations. Wrong data or a failure ends the benchmark."""
         command = [*ahead, os.path.join(self.programs, binary), mode, path, *map(str, self.workload.arguments(size))]
         done = subprocess.run(command, capture_output=True, text=True, env=environment, check=False)
         if done.returncode != 0:
@@ -45,7 +45,7 @@ class Bench:
         return float(seconds), int(added), int(allocations)
 
     def file_of(self, program):
-        """The file that a program works on; what writes finds none there."""
+        """Returns the path of the file that a program works on. A writing program starts without the file."""
         if program.source:
             return self.path(program.source)
         path = self.path(program.name)
@@ -60,14 +60,14 @@ class Bench:
         return outcome
 
     def time(self, program, size):
-        """Returns seconds and KiB. What was written goes at once, lest the system begins to carry it to the disk."""
+        """Returns seconds and KiB. Removes written files immediately, before the system flushes them to the disk."""
         measured = self.measure(program, size)[:2]
         if not program.source:
             shutil.rmtree(self.folder)
         return measured
 
     def prepare(self, size, check=True):
-        """Leaves the files that are read, or none, and checks all that is read or written."""
+        """Makes the files to be read, if any, and checks everything that is read or written."""
         shutil.rmtree(self.folder, ignore_errors=True)
         for source in {p.source for p in self.available} - {""}:
             os.makedirs(os.path.dirname(self.path(source)))
@@ -92,7 +92,7 @@ class Bench:
         shutil.rmtree(self.folder)
 
     def count_calls(self, program, size):
-        """Returns the system calls and allocations of one operation; None for what can't be counted here."""
+        """Returns the number of system calls and allocations per operation; None if it can't be counted here."""
         operations = self.workload.operations(size)
         counter = os.path.join(self.programs, "count_allocations.so")
         allocations = self.measure(program, size, environment={**os.environ, "LD_PRELOAD": counter})[2]
@@ -109,7 +109,7 @@ def size_of(folder):
 
 
 def check_same_bytes(*folders):
-    """All files but the dates of writing."""
+    """Compares all files, except for their dates of writing."""
     names = [sorted(os.listdir(folder)) for folder in folders]
     if names[0] != names[1]:
         raise SystemExit(f"{folders[0]} and {folders[1]} hold different files")
@@ -126,12 +126,12 @@ def without_dates(path):
 
 
 def check_cells(path, columns):
-    """Whether a zipped workbook holds the cells of WorkbookCells.h."""
+    """Checks that a zipped workbook contains the cells of WorkbookCells.h."""
     with zipfile.ZipFile(path) as archive:
         cells = re.findall(rb"<v>([^<]*)</v>", archive.read("xl/worksheets/sheet1.xml"))
     made = ((row * 12 + column) / 7 + 0.001 for row in range(65000) for column in range(columns))
     if len(cells) != 65000 * columns or not all(isclose(float(a), b, rel_tol=1e-14) for a, b in zip(cells, made)):
-        raise SystemExit(f"{path} holds other cells")
+        raise SystemExit(f"{path} contains wrong cells")
 
 
 def size_for(workload, options):
@@ -139,7 +139,7 @@ def size_for(workload, options):
 
 
 def measure(programs, folder, workload, options):
-    """Returns what a table tells: of each program its times, memory and calls."""
+    """Returns the data of a table: times, memory and calls of each program."""
     size = size_for(workload, options)
     bench = Bench(programs, folder, workload)
     counted = {}
@@ -165,7 +165,7 @@ def measure(programs, folder, workload, options):
 
 
 def measure_growth(programs, folder, workload, options):
-    """Returns the seconds that limit and library take for each MiB of their file, at 1, 4 and 16 times the size."""
+    """Returns the seconds per MiB of limit and library, at 1, 4 and 16 times the size."""
     grown = {LIMIT: [], OURS: []}
     for factor in (1, 4, 16):
         size = factor * size_for(workload, options)
@@ -188,17 +188,17 @@ def read_options():
     parser.add_argument("--programs", required=True, help=argparse.SUPPRESS)
     parser.add_argument("workloads", nargs="*", metavar="WORKLOAD", help=", ".join(WORKLOADS))
     parser.add_argument("--quick", action="store_true", help="small sizes, under three minutes")
-    parser.add_argument("--rounds", type=int, default=5, help="how often each program runs (5)")
-    parser.add_argument("--scale", type=int, default=1, help="so many times the size (1)")
-    parser.add_argument("--growth", action="store_true", help="instead, the time per MiB at 1, 4 and 16 times the size")
+    parser.add_argument("--rounds", type=int, default=5, help="number of runs of each program (default 5)")
+    parser.add_argument("--scale", type=int, default=1, help="factor for all sizes (default 1)")
+    parser.add_argument("--growth", action="store_true", help="measure the time per MiB at 1, 4 and 16 times the size")
     parser.add_argument("--no-counts", action="store_true", help="don't count system calls and allocations")
-    parser.add_argument("--folder", help="where the files that are measured lie, for a while (the system's own)")
+    parser.add_argument("--folder", help="folder for temporary files (default: the system's)")
     parser.add_argument("--json", metavar="FILE", help="add the numbers to those in FILE")
-    parser.add_argument("--page", metavar="FILE", help="put the tables, also those of the JSON file, into this page")
+    parser.add_argument("--page", metavar="FILE", help="update this page's tables, also from the JSON file")
     options = parser.parse_intermixed_args()
     for name in options.workloads:
         if name not in WORKLOADS:
-            parser.error(f"no workload is called {name}")
+            parser.error(f"unknown workload {name}")
     return options
 
 

@@ -1,4 +1,4 @@
-// Settings files through the library: written so often, or one read so often, that a clock sees it.
+// Writes settings files, or reads one repeatedly, with the library: often enough to measure the time.
 // usage: settings_vx write|read FILE SCALE TIMES
 #include <vxfileio/frame/VXFileIO.h>
 
@@ -41,7 +41,7 @@ CPropAnalyzer MakeAnalyzer(const CSettings& settings) {
     return analyzer;
 }
 
-/// The same in the form that the other programs have.
+/// Converts to the tree of the other programs.
 CSettings SettingsOf(const CISettingsReader& reader) {
     CSettings settings;
     settings.doses = reader.GetRecordPlateProperty()->Data.Series;

@@ -1,4 +1,4 @@
-"""Tables of what was measured, as they stand in docs/performance.md and are read in a terminal."""
+"""Tables of the measurements, for docs/performance.md and the terminal."""
 import os
 import platform
 import re
@@ -22,7 +22,7 @@ def output_of(*command):
 
 
 def machine(folder):
-    """What the numbers depend on."""
+    """Describes the machine, system, compiler and peers."""
     memory = int(first_match("/proc/meminfo", r"^MemTotal:\s*(\d+)"))
     versions = (output_of("dpkg-query", "-W", "-f", "${Version}", peer) for peer in PEERS)
     peers = [f"{peer.removeprefix('lib').removesuffix('-dev')} {version}" for peer, version in zip(PEERS, versions)]
@@ -38,7 +38,7 @@ def machine(folder):
 
 
 def rows_to_text(rows):
-    """A table whose first row is its head; all columns but the first stand right."""
+    """Formats a table. The first row is its head; all columns except the first are right-aligned."""
     widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
     lines = ["| " + " | ".join([row[0].ljust(widths[0])] + [cell.rjust(width) for cell, width in
                                                             zip(row[1:], widths[1:])]) + " |" for row in rows]
@@ -75,7 +75,7 @@ def workload_table(outcome):
 
 
 def losses_table(outcomes):
-    """Who is faster than the library, and what part of its time they take."""
+    """Lists the peers that are faster than the library, with their part of its time."""
     rows = [["Workload", "Faster", "Part of our time"]]
     for outcome in outcomes.values():
         medians = {name: statistics.median(program["seconds"]) for name, program in outcome["programs"].items()}
@@ -98,7 +98,7 @@ def growth_table(outcomes):
 
 
 def write_page(path, outcome):
-    """Puts each table between its markers: `<!-- table NAME -->` and `<!-- end -->`."""
+    """Writes each table between its markers: `<!-- table NAME -->` and `<!-- end -->`."""
     made = {name: workload_table(table) for name, table in outcome["workloads"].items()}
     made["machine"] = "".join(f"- {key}: {value}\n" for key, value in outcome["machine"].items())
     made["losses"] = losses_table(outcome["workloads"])

@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""Compares vxfile with the library, and with the least that a program can do: processor time of whole processes, user
-and system together, run in turns, medians.
+"""Compares vxfile with the library and with minimal programs. Prints medians of the processor time (user and system) of
+whole processes, which run in turns.
 
     bench/vxfile.py FOLDER_OF_PROGRAMS [ROUNDS_OF_TURNS]
 
-The programs are those of the targets `bench` and `vxfile` of a release build.
+Needs the targets `bench` and `vxfile` of a release build.
 """
 import os
 import resource
@@ -16,12 +16,12 @@ import tempfile
 
 PROGRAMS = os.path.abspath(sys.argv[1])
 TURNS = int(sys.argv[2]) if len(sys.argv) > 2 else 15
-SHAPES = ((20000, 200), (1000, 1500))  # samples of a segment, rounds of 54 wells
-ONE_WELL = 46  # the one that raw_vx reads alone
+SHAPES = ((20000, 200), (1000, 1500))  # samples per segment, rounds of 54 wells
+ONE_WELL = 46  # the well that raw_vx reads alone
 
 
 def seconds(command, folder):
-    """Returns what a command takes; its arrays go into a folder that is empty each time."""
+    """Returns the seconds that a command takes. Empties the folder for its arrays first."""
     shutil.rmtree(folder, ignore_errors=True)
     os.makedirs(folder)
     before = resource.getrusage(resource.RUSAGE_CHILDREN)
@@ -31,7 +31,7 @@ def seconds(command, folder):
 
 
 def compare(title, folder, least, *others):
-    """Prints how fast the others are, as parts of the speed of the first."""
+    """Prints the speed of the others relative to the first."""
     taken = {name: [] for name, _ in (least, *others)}
     for _ in range(TURNS):
         for name, command in (least, *others):
@@ -56,9 +56,9 @@ def main():
                     ("samples of one well to /dev/null", ["vxfile", "samples", path, *one]),
                     ("samples of one well into a file", ["vxfile", "samples", path, *one, "--force", "-o",
                                                       arrays + "/one.npy"]),
-                    ("the same by the least of system calls", [*limit, str(ONE_WELL)]))
+                    ("the same with minimal system calls", [*limit, str(ONE_WELL)]))
             compare(title, arrays, ("one read and one write per segment", limit),
-                    ("samples of all wells, a file each", ["vxfile", "samples", path, *all_wells]))
+                    ("samples of all wells, one file each", ["vxfile", "samples", path, *all_wells]))
             shutil.rmtree(arrays)
 
 

@@ -1,4 +1,4 @@
-// A workbook of doubles through the export's own document, the same work as limits/workbook_limit.cpp.
+// Writes a workbook of doubles with the export's document class; the same work as limits/workbook_limit.cpp.
 // usage: workbook_vx write FILE COLUMNS
 #include <cstdlib>
 

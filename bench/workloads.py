@@ -1,17 +1,17 @@
-"""What is measured: the workloads, their sizes, and the programs that do them."""
+"""The workloads, their sizes, and the programs that run them."""
 from dataclasses import dataclass, field
 
 
 @dataclass
 class Program:
-    """One way of doing the work: a program of the build folder and its mode."""
+    """One implementation of a workload: a program of the build folder and its mode."""
 
     name: str
     binary: str
     mode: str
-    source: str = ""  # the program that writes what this one reads; empty for a program that writes
-    read_back: str = ""  # how it reads again what it wrote; empty if its bytes are compared with the limit's
-    less: bool = False  # whether it gives less than the others, and so is no measure for them
+    source: str = ""  # the program that writes the file to be read; empty for a program that writes
+    read_back: str = ""  # the mode that reads back what it wrote; empty if its bytes are compared with the limit's
+    less: bool = False  # whether it does less than the others, so that it doesn't count as a peer
 
 
 @dataclass
@@ -22,8 +22,8 @@ class Workload:
     operations: callable  # of the size
     programs: list
     size: int
-    quick: int = 0  # the size for --quick; 0 is the same
-    counted: int = 0  # the size at which calls are counted; 0 is the same
+    quick: int = 0  # the size for --quick; 0 means the same size
+    counted: int = 0  # the size for counting calls; 0 means the same size
     suffix: str = ""
     prepare: dict = field(default_factory=dict)  # the mode in which a source writes, if not "write"
 
@@ -51,13 +51,13 @@ def raw_readers(mode):
 
 
 def raw(title, programs, samples, rounds, counted=24, delivered=54):
-    """Rounds of 54 segments, of which so many are delivered; calls are counted in one of so many rounds."""
+    """Rounds of 54 segments, of which `delivered` are read or written; calls are counted in 1 of `counted` rounds."""
     return Workload(title, "segment", lambda n: [n, samples], lambda n: delivered * n, programs, rounds, rounds // 8,
                     rounds // counted)
 
 
 def xml(kind, title, mode, times):
-    """A file, so often in one run; results are long enough for one."""
+    """One file, `times` times per run, so that a run is long enough to measure."""
     source = "" if mode == "write" else f"{kind}_vx"
     peers = ["pugixml", "tinyxml2"] + (["expat"] if mode == "read" else [])
     read_back = f"read-{kind}" if mode == "write" else ""

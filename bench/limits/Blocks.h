@@ -1,7 +1,7 @@
 #pragma once
 
-// The two ways of going through a document whose form is known beforehand: numbers formatted by std::to_chars into
-// blocks of 64 KiB, and parsed by std::from_chars out of such blocks. A document is described once, for both.
+// Writes and reads documents of a known form: formats numbers with std::to_chars into blocks of 64 KiB, and parses them
+// with std::from_chars from such blocks. A document is described once, for both directions.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -72,7 +72,7 @@ class CReading {
     void Word(int& value, const auto& /*words*/, auto valueOf) { value = valueOf(Rest()); }
 
  private:
-    /// Sees to it that no text and no number is cut: none is longer than 4 KiB.
+    /// Ensures that no text or number is split between blocks: none is longer than 4 KiB.
     void Fill() {
         if (m_end - m_at > 4096 || m_ended) return;
         std::memmove(m_block, m_block + m_at, m_end - m_at);
@@ -96,7 +96,7 @@ class CReading {
     char m_block[kBlock];
 };
 
-/// A list's number of entries and what stands around it.
+/// The number of entries of a list, and the text around it.
 template <class Way, class List>
 void Size(Way& way, std::string_view ahead, List& list) {
     std::size_t size = list.size();

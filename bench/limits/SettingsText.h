@@ -1,6 +1,6 @@
 #pragma once
 
-// The text of a settings file between what SettingsTree.h tells: all that is default.
+// The text of a settings file around the data of SettingsTree.h: everything else is default.
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// The cells of straight workbooks.
+// The cells of the minimal workbooks.
 
 #include <limits>
 
@@ -21,15 +21,15 @@ inline U32 ShortForm(double value) {
     return (U32(bits >> 32) & ~3U) | U32(hundredths);
 }
 
-/// Numbers side by side; `get(column)` gives each.
+/// Stores neighbouring numbers; `get(column)` returns each.
 template <class Get>
 void PutNumbers(U32 row, U32 column, U32 end, Get get) {
-    char* run = nullptr;  // the record of short forms that goes on
+    char* run = nullptr;  // the current record of short forms
     U32 first = 0;
     const auto close = [&] {
         if (run == nullptr) return;
         const U32 count = U32(g_at - run - 8) / 6;
-        if (count == 1) {  // one alone has the record of its own, of the same fields
+        if (count == 1) {  // a single number has another record type, with the same fields
             const U16 code = 0x27E;
             std::memcpy(run, &code, 2);
         } else {

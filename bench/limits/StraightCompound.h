@@ -1,8 +1,8 @@
 #pragma once
 
-// The compound file around the stream of a straight workbook that has 4,096 bytes or more: 128 sectors share a FAT
-// sector that is the first of them; DIFAT sectors follow the FAT sectors that they are needed for; the directory is
-// sector 1; the stream fills the rest. All goes out of the caller's buffer by gathered writes.
+// The compound file around the stream of a minimal workbook with 4,096 bytes or more. Each FAT sector is the first of
+// the 128 sectors that it lists; DIFAT sectors follow the FAT sectors that require them; the directory is sector 1; the
+// stream fills the rest. Everything is written from the caller's buffer by gathered writes.
 
 #include <utility>
 
@@ -19,11 +19,11 @@ inline void PutEntry(const std::string& name, U8 type, U32 child, U32 start, U32
     Put(start, size, U32(0));
 }
 
-/// Writes the file out of a stream of `size` bytes, zeros behind it up to a whole sector.
+/// Writes the file around a stream of `size` bytes, followed by zeros up to a whole sector.
 inline bool WriteCompound(const char* path, char* stream, U32 size) {
     std::vector<U32> fat;
     std::vector<iovec> parts{{nullptr, 512}};
-    std::vector<U32> ownSectors;  // those of the tables, by their number
+    std::vector<U32> ownSectors;  // sectors of the tables, by number
     U32 last = 0;
     char* next = stream;
     while (next < stream + size || fat.size() < 2) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// Workbooks with nothing but the unavoidable: records go into one buffer by straight stores, and the compound file out
-// of it with one gathered write. Whoever uses it has a buffer large enough.
+// Writes minimal workbooks: stores records directly into one buffer, and writes the compound file from it with one
+// gathered write. The caller provides a buffer that is large enough.
 
 #include <fcntl.h>
 #include <sys/uio.h>
@@ -28,7 +28,7 @@ void Put(Values... values) {
 
 inline void PutText(const std::string& text) { g_at = std::copy(text.begin(), text.end(), g_at); }
 
-/// The records ahead of the sheets. Returns where the positions of the sheets are to be stored.
+/// Stores the records before the sheets. Returns where to store the positions of the sheets.
 inline std::vector<char*> PutGlobals(const std::vector<std::string>& sheets, U32 texts,
                                      const std::vector<std::string>& strings) {
     Put(U16(0x809), U16(16), U16(0x600), U16(5), U16(0x19A0), U16(0x7CD), U32(0xC0C9), U32(0x306));
@@ -60,7 +60,7 @@ inline std::vector<char*> PutGlobals(const std::vector<std::string>& sheets, U32
     return positions;
 }
 
-/// A sheet whose rows from `firstRow` on are all in use; `putRow(row)` stores the cells of one.
+/// Stores a sheet in which all rows from `firstRow` on have cells; `putRow(row)` stores the cells of a row.
 template <class PutRow>
 void PutSheet(const char* stream, char* position, bool isFirst, U32 firstRow, U32 rows, U32 columns, PutRow putRow) {
     const U32 blocks = (rows + 31) / 32;

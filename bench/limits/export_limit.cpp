@@ -1,5 +1,5 @@
-// The workbooks of a whole plate with nothing but the unavoidable: straight stores of their cells into one buffer, and
-// one write each. usage: export_limit write FOLDER/NAME.xls AVERAGES
+// Writes the workbooks of a whole plate with minimal effort: stores their cells directly into one buffer, and makes one
+// write per workbook. usage: export_limit write FOLDER/NAME.xls AVERAGES
 #include <cstdlib>
 #include <memory>
 

@@ -1,6 +1,5 @@
-// The samples of a recording on their way into arrays, with the system calls that nobody can do without: one read per
-// segment, and one write of its samples into the file of its well. If one well alone is wanted, only the headers of the
-// others' segments are read. usage:
+// Copies the samples of a recording to arrays with the minimum of system calls: one read per segment, and one write of
+// its samples to the file of its well. For a single well, reads only the headers of the other wells' segments. usage:
 // raw_arrays_limit FILE SAMPLES FOLDER [WELL]
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// A file of many recordings opened with one read for each header, whose cells are all parsed.
+// Opens a file of many recordings with one read per header, and parses all cells.
 // usage: raw_open_limit open FILE RECORDINGS
 #include <fcntl.h>
 #include <unistd.h>
@@ -31,7 +31,7 @@ void Parse(const char* cell, std::size_t key, std::string& value) {
     value = *(cell + key - 1) == '=' ? cell + key : "";
 }
 
-/// Parses a list into one member of each channel; `key` counts the `=`.
+/// Parses a list into one member of each channel; `key` includes the `=`.
 template <class Value>
 void ParseList(const char* cell, std::size_t key, std::size_t width, std::vector<CChannel>& channels,
                Value CChannel::*member) {
@@ -40,7 +40,7 @@ void ParseList(const char* cell, std::size_t key, std::size_t width, std::vector
         at = std::from_chars(at, cell + width, channel.*member).ptr + 1;
 }
 
-/// Parses the four lists of the wells or the others, and ahead of them how many there are.
+/// Parses the number of channels and the four lists of the wells or the auxiliary channels.
 void ParseChannels(const char* cell, std::size_t countKey, std::size_t idKey, std::vector<CChannel>& channels) {
     std::size_t count = 0;
     Parse(cell, countKey, count);

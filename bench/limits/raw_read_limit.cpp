@@ -1,5 +1,5 @@
-// Segments read with the system calls that nobody can do without: one positioned read each into one buffer. Of a
-// segment that isn't wanted only well and position of the next are read; one that is has its rest behind that. usage:
+// Reads segments with the minimum of system calls: one positioned read per segment, into one buffer. For one well,
+// reads only the well and next position of each segment, then the rest if the well matches. usage:
 // raw_read_limit read|one|every FILE ROUNDS SAMPLES
 #include <fcntl.h>
 #include <unistd.h>
@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr ssize_t kHeader = 300, kFront = 150;  // the front tells well and position of the next
+constexpr ssize_t kHeader = 300, kFront = 150;  // the front contains well and position of the next
 constexpr off_t kFirstSegment = 3650;
 
 struct CSegments {
@@ -35,7 +35,7 @@ struct CSegments {
         return pread(file, Bytes() + from, static_cast<std::size_t>(to - from), next + from) == to - from;
     }
 
-    /// Whether this round and well is in the buffer; goes to the next.
+    /// Returns whether this round and well is in the buffer, and moves to the next.
     bool Take(long round, int well) {
         next = Number(100 + 19);
         return Number(50 + 3) == kFirstWell + well && Number(150 + 9) == shape.TimeFrom(round) &&

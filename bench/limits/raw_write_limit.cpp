@@ -1,5 +1,5 @@
-// Segments written with the system calls that nobody can do without: one gathered write for header and samples, and one
-// of 50 bytes that points at it. usage: raw_write_limit write FILE ROUNDS SAMPLES
+// Writes segments with the minimum of system calls: one gathered write of header and samples, and one write of 50 bytes
+// that points to it. usage: raw_write_limit write FILE ROUNDS SAMPLES
 #include <fcntl.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -26,7 +26,7 @@ void AddList(std::string& header, std::size_t width, std::string text, auto item
     AddCell(header, width, text);
 }
 
-/// What stands ahead of the segments. It is there before the work begins.
+/// Writes everything before the segments, before the measured work begins.
 std::string MakeHeaders() {
     std::string header;
     AddCell(header, 50, "OVL Vexaprobe");

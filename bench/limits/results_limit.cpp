@@ -1,4 +1,4 @@
-// A results file with nothing but the unavoidable digits. usage: results_limit write|read FILE SCALE
+// Writes or reads a results file, handling only the unavoidable digits. usage: results_limit write|read FILE SCALE
 #include "../Measure.h"
 #include "../ResultsTree.h"
 #include "Blocks.h"

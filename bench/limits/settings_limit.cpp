@@ -1,4 +1,4 @@
-// Settings files with nothing but the unavoidable digits and words. The date of writing is any, written or not read.
+// Writes or reads settings files, handling only the unavoidable digits and words. The date of writing is arbitrary.
 // usage: settings_limit write|read FILE SCALE TIMES
 #include "../Measure.h"
 #include "../SettingsTree.h"

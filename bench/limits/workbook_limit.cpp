@@ -1,4 +1,4 @@
-// A workbook of doubles with nothing but the unavoidable: straight stores into one buffer, and one write.
+// Writes a workbook of doubles with minimal effort: direct stores into one buffer, and one write.
 // usage: workbook_limit write FILE COLUMNS
 #include <cstdlib>
 #include <memory>

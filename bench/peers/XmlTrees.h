@@ -1,14 +1,14 @@
 #pragma once
 
-// Results and settings files by way of a whole document in memory. What a library has of its own is in a `Dom`:
+// Reads and writes results and settings files through a whole document in memory. A `Dom` wraps each library:
 //
-//   using Node                                   a handle that is false where there is no element
+//   using Node                                   a handle that is false if there is no element
 //   bool Load(const char* path), Save(path)      the document
 //   Node AddRoot(name), Root(), Child(Node, name), Next(Node, name)
 //   const char* Text(Node)                       never null
 //   Node Add(Node, name), void SetText(Node, const char*), void SetSize(Node, size)
 //
-// Numbers go by std::from_chars and std::to_chars, the fastest that callers of such a library have.
+// Numbers use std::from_chars and std::to_chars, the fastest choice for callers of such a library.
 
 #include <charconv>
 #include <cstdlib>
@@ -220,7 +220,7 @@ class CXmlTrees {
 inline bool IsSame(const CTree& tree, int scale) { return IsWhole(tree, scale); }
 inline bool IsSame(const CSettings& settings, int scale) { return settings == MakeSettings(scale); }
 
-/// Reads or writes as often as told, each time with a fresh `Trees`, and says whether the data are right.
+/// Reads or writes the given number of times, each time with a new `Trees`. Returns whether the data are correct.
 template <class Trees, class Tree>
 bool MeasureXml(const std::string& mode, char** argv, int times, const Tree& made) {
     const bool reads = mode.starts_with("read");

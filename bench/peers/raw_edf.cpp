@@ -1,4 +1,4 @@
-// Raw recordings in an EDF+ file by EDFlib: 54 signals, and in each data record a segment of every well.
+// Writes and reads raw recordings in an EDF+ file with EDFlib: 54 signals, one segment per well in each data record.
 // usage: raw_edf write|read|one|every FILE ROUNDS SAMPLES
 #include <edflib.h>
 
@@ -36,7 +36,7 @@ bool Write(const char* path, const CShape& shape) {
     return good && edfclose_file(file) == 0;
 }
 
-/// Reads `count` wells from `first` on round robin. EDFlib gives samples as numbers of 32 bits.
+/// Reads `count` wells, starting with `first`, round robin. EDFlib returns samples as 32-bit numbers.
 bool ReadRounds(int file, const CShape& shape, int first, int count) {
     std::vector<int> samples(static_cast<std::size_t>(shape.samples));
     const int size = static_cast<int>(shape.samples);

@@ -1,7 +1,7 @@
-// Raw recordings in an HDF5 file with a chunked dataset for each well, a segment a chunk, by the calls that pass
-// samples on as they are. usage:
-//   raw_hdf5 write|write-later|read|one|every FILE ROUNDS SAMPLES    write-later leaves it to HDF5 when data are
-//   written raw_hdf5 headers|open FILE RECORDINGS                            recordings as groups with attributes
+// Writes and reads raw recordings in an HDF5 file with a chunked dataset per well and one segment per chunk, through
+// the calls that don't convert samples. usage:
+//   raw_hdf5 write|write-later|read|one|every FILE ROUNDS SAMPLES    with write-later HDF5 decides when to write
+//   raw_hdf5 headers|open FILE RECORDINGS                            recordings as groups with attributes
 #include <hdf5.h>
 
 #include <algorithm>
@@ -62,7 +62,7 @@ bool ReadSegment(hid_t dataset, const CShape& shape, long round, int well, std::
            AreSamples(samples.data(), shape, round, well);
 }
 
-/// Reads `count` wells from `first` on round robin.
+/// Reads `count` wells, starting with `first`, round robin.
 bool ReadRounds(const std::vector<hid_t>& wells, const CShape& shape, int first, int count) {
     std::vector<std::uint16_t> samples(static_cast<std::size_t>(shape.samples));
     for (long round = 0; round < shape.rounds; ++round) {
@@ -87,7 +87,7 @@ bool Read(const char* path, const CShape& shape, const std::string& mode) {
     return good;
 }
 
-/// What one recording tells, as it lies in memory.
+/// The header of a recording, as stored in memory.
 struct CRecording {
     char task[50] = "Series";
     std::int64_t number = 0, dose = 0, start = 0, time = 0;

@@ -1,4 +1,4 @@
-// The same cells written with libxlsxwriter, whose workbooks are zipped XML.
+// Writes the same cells with libxlsxwriter, whose workbooks are zipped XML.
 // usage: workbook_xlsxwriter write FILE COLUMNS
 #include <xlsxwriter.h>
 

@@ -1,4 +1,4 @@
-// Results and settings files read with expat, by handlers written for them, out of blocks of 64 KiB.
+// Reads results and settings files with expat in blocks of 64 KiB, with handlers written for them.
 #include <expat.h>
 
 #include <cstdio>
@@ -10,7 +10,7 @@ namespace {
 
 bool Same(const char* a, const char* b) { return std::strcmp(a, b) == 0; }
 
-/// The place of a name in a list, or -1.
+/// Returns the index of a name in a list, or -1.
 int PlaceOf(const char* name, const auto& names) {
     for (int i = 0; i < static_cast<int>(std::size(names)); ++i)
         if (name == std::string_view(names[i])) return i;
@@ -66,7 +66,7 @@ struct CSettingsHandler {
         if (Same(name, "Task")) settings.tasks.emplace_back();
         if (settings.tasks.empty() && Same(name, "Well")) settings.wells.emplace_back();
         if (!settings.tasks.empty() && Same(name, "Recordings")) settings.tasks.back().reserve(size);
-        // A recording has the list of its wells, and a number of the same name.
+        // A recording contains a number with the same tag, and the list of its wells.
         if (!settings.tasks.empty() && Same(name, "Wells")) settings.tasks.back().emplace_back();
     }
 
@@ -133,7 +133,7 @@ struct CTrees {
     static bool Read(const char* path, CSettings& settings) {
         return CParsing<CSettingsHandler>{{settings}}.Parse(path);
     }
-    /// It writes nothing.
+    /// expat only reads.
     static bool Write(const char*, const auto&) { return false; }
 };
 

@@ -1,4 +1,4 @@
-// Results and settings files with pugixml. Its documents are read and written whole.
+// Reads and writes results and settings files with pugixml, as whole documents.
 #include <pugixml.hpp>
 
 #include "XmlTrees.h"

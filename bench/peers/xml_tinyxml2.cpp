@@ -1,4 +1,4 @@
-// Results and settings files with tinyxml2. Its documents are read and written whole.
+// Reads and writes results and settings files with tinyxml2, as whole documents.
 #include <tinyxml2.h>
 
 #include "XmlTrees.h"

@@ -17,27 +17,27 @@ PAGE = FOLDER.parent.parent / "docs" / "raw-data-file.md"
 
 
 def reader_against_twins():
-    """Every file reads as its twin tells."""
+    """Every file reads as its twin says."""
     for path in sorted(FOLDER.glob("*.vxd")):
         read = "".join(line + "\n" for line in read_vxd.twin_lines(path))
         if read != path.with_suffix(".txt").read_text("ascii"):
-            yield f"{path.name} doesn't read as its twin tells:\n{read}"
+            yield f"{path.name} doesn't read as its twin says:\n{read}"
 
 
 def committed_against_made():
-    """Making the files again gives the same files and the same bytes."""
+    """Making the files again produces the same files and bytes."""
     return made.against_committed(make_reference.make, FOLDER, ("*.vxd", "*.txt"))
 
 
 def rows_of(section):
-    """The rows of the tables in a section of the page, as lists of cells without their backquotes."""
+    """Returns the rows of the tables in a section of the page, as lists of cells without backquotes."""
     text = PAGE.read_text("utf-8").split(f"\n## {section}", 1)[1].split("\n## ", 1)[0]
     return [[field.strip().strip("`") for field in line.strip("|").split("|")]
             for line in text.splitlines() if re.match(r"\| [0-9]+ \|", line)]
 
 
 def tables_against_page():
-    """The reader's tables are those of the page, and the offsets of the page add up."""
+    """The reader's tables match those of the page, and the page's offsets add up."""
     for section, cells in (("File header", read_vxd.FILE_CELLS), ("Recording header", read_vxd.RECORDING_CELLS),
                            ("Segment header", read_vxd.SEGMENT_CELLS)):
         expected = []
@@ -47,11 +47,11 @@ def tables_against_page():
             expected.append([str(offset), str(width), "" if is_bare else key, "text" if is_bare else kind])
         rows = [row[:4] for row in rows_of(section)][:len(cells)]
         if rows != expected:
-            yield f"the table of the {section.lower()} in {PAGE.name} isn't that of read_vxd.py"
+            yield f"the table of the {section.lower()} in {PAGE.name} differs from that of read_vxd.py"
 
 
 def example_against_file():
-    """The page's example and its dumps are the bytes of small_example.vxd."""
+    """The page's example and dumps match the bytes of small_example.vxd."""
     data = (FOLDER / "small_example.vxd").read_bytes()
     end = 0
     for offset, width, text in rows_of("A file, byte by byte"):

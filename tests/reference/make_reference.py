@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Makes the reference files: NAME.vxd and its text twin NAME.txt, which tells all that a reader finds in it.
+"""Makes the reference files: NAME.vxd and its text twin NAME.txt, which lists everything that a reader finds in it.
 
-The twins don't come from reading: each function below says what it writes and what must be read. Positions are written
-out as numbers, so that a file can be followed by eye. docs/raw-data-file.md tells the format.
+The twins aren't made by reading the files: each function below states what is written and what must be read. Positions
+are literal numbers, so that a file can be followed by eye. docs/raw-data-file.md describes the format.
 
     make_reference.py [FOLDER]      default: the folder of this script
 """
@@ -63,7 +63,7 @@ def encode_segment(segment, following=-1):
 
 
 def patched(data, offset, new):
-    """The data with other bytes at an offset, in the same length."""
+    """Returns the data with the bytes at an offset replaced, without changing the length."""
     assert offset + len(new) <= len(data)
     return data[:offset] + new + data[offset + len(new):]
 
@@ -103,14 +103,14 @@ SEGMENT_12 = segment(12, 0, 300, 7, 8, 9, 10)
 
 
 def read_as(item, **fields):
-    """What is read where it isn't what was written."""
+    """Returns an item as it is read, if that differs from what was written."""
     if isinstance(item, dict):
         return item | fields
     return Recording(item.fields | fields, item.wells, item.aux)
 
 
 def twin(header, *recordings):
-    """Each of the recordings is a tuple: the recording, its segments, and the failure's text if there is one."""
+    """Each of the recordings is a tuple: the recording, its segments, and the text of the failure, if any."""
     lines = read_vxd.file_lines(header)
     for item, *segments in recordings:
         lines += read_vxd.recording_lines(item)
@@ -132,7 +132,7 @@ BAD_SEGMENT_HEADER = "Error reading Data Segment Header"
 BAD_SEGMENT_POSITION = "Error seeking Data Segment."
 BAD_RECORDING_HEADER = "Error reading Recording Header"
 
-# ---- The files: each function gives the bytes and the lines of the twin ----------------------------------------------
+# ---- The files: each function returns the bytes and the lines of the twin --------------------------------------------
 
 
 def small_example():
@@ -153,7 +153,7 @@ def not_ours():
 
 
 def several_recordings():
-    """Wells, intervals and lists in number; signs and limits; recordings that have no segments."""
+    """Several wells, intervals and list items; signs and limits; recordings without segments."""
     header = file_header(HeaderID=b"OVL Vexaprobe 2", FileVersion=3, CompoundID=-7, PreQC=[-1, 2],
                          CompoundTest=[0, 1000000, 9223372036854775807], PostQC=[-9223372036854775808])
     wells = [Channel(1, 100, 0.0002, 32768), Channel(2, 50, 1e-05, -32768), Channel(96, 1, -2.5e+06, 0)]
@@ -178,7 +178,7 @@ def several_recordings():
 
 
 def unfinished():
-    """The writer died: the last recording leads nowhere, although two whole segments of it are on disk."""
+    """The writer died: no position points to the two complete segments of the last recording."""
     header = file_header()
     first = recording(3650, 3958)
     last = recording(-1, number=2)
@@ -197,7 +197,7 @@ def version_1():
 
 
 def awkward_text():
-    """Separators in values, empty values, line ends, bytes of a code page, cells filled to the last byte."""
+    """Separators in values, empty values, line ends, bytes of a code page, completely filled cells."""
     header = file_header(HeaderID=b"OVL Vexaprobe=2:x", FileType=b"=Raw", ProgramVersion=b"", Guid=b":",
                          PlateID=b"nineteen bytes long", CompoundName=b"A:B", CompoundTest=[1])
     seen = read_as(header, FileType=b"Raw", Guid=b"", CompoundName=b"A")
@@ -211,7 +211,7 @@ def awkward_text():
 
 
 def foreign_numbers():
-    """Numbers and lists as no writer here makes them: blanks, signs, rubbish, limits, wrong counts, no NUL."""
+    """Numbers and lists that our writers never write: blanks, signs, garbage, limits, wrong counts, no NUL."""
     header = file_header(CompoundID=2147483647, PreQC=[0], CompoundTest=[1, 2, 0], PostQC=[9223372036854775807, 0])
     data = encode_file_header(file_header())
     for offset, new in ((200, cell(30, b"FileVersion= +2junk")), (310, cell(30, b"CompoundID=99999999999")),
@@ -244,7 +244,7 @@ def foreign_numbers():
 
 
 def backwards():
-    """Both chains run from the end of the file to its beginning, with bytes between that nothing leads to."""
+    """Both chains run from the end of the file to its beginning, with unreferenced bytes in between."""
     header = file_header(FPosFirstRecordingHdr=7300)
     late, early = recording(6992, 3724), recording(1298, number=2)
     data = encode_file_header(header).ljust(1298, b"?")
@@ -262,7 +262,7 @@ def circle_of_recordings():
 
 
 def circle_of_segments():
-    """A circle of two segments in one recording, a segment that leads to itself in the other."""
+    """A circle of two segments in one recording, a segment that points to itself in the other."""
     header = file_header()
     pair, single = recording(3650, 4266), recording(6726, number=2)
     data = (encode_file_header(header) + encode_recording(pair) + encode_segment(SEGMENT_11, 3958) +
@@ -281,7 +281,7 @@ def cut_samples():
 
 
 def cut_header():
-    """The file ends behind `ID=1` of `ID=12`: a header without times, samples and the end of its chain."""
+    """The file ends after `ID=1` of `ID=12`: a header without times, samples and the end of its chain."""
     header = file_header()
     only = recording(3650)
     data = (encode_file_header(header) + encode_recording(only) + encode_segment(SEGMENT_11, 3958) +
@@ -290,7 +290,7 @@ def cut_header():
 
 
 def damaged_segments():
-    """One recording for each way in which a position or a size can be wrong."""
+    """One recording for each kind of wrong position or size."""
     header = file_header()
     good = encode_segment(SEGMENT_11)
     cases = (

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Reads raw data files as docs/raw-data-file.md tells them; nothing but that page and Python's own library is in here.
+"""Reads raw data files. Written from docs/raw-data-file.md alone, with Python's standard library.
 
-As a command it prints the text twin of each file that it is given. As a module:
+As a command it prints the text twin of each given file. As a module:
 
     with read_vxd.RawDataFile("run.vxd") as file:
         for recording in file.recordings:
@@ -75,7 +75,7 @@ def header_size(cells):
 
 
 def recording_cells(version):
-    """The cells of a recording header in a file of this version."""
+    """Returns the cells of a recording header in a file of this version."""
     if version >= START_TIME_SINCE_VERSION:
         return RECORDING_CELLS
     return tuple(cell for cell in RECORDING_CELLS if cell[0] != "RecordingStartTime")
@@ -139,7 +139,7 @@ def decode_value(cell, kind):
 
 
 def decode_header(data, cells):
-    """Returns (key, value) for each cell, in their order: keys can stand twice."""
+    """Returns (key, value) for each cell, in order: keys can occur twice."""
     items = []
     offset = 0
     for key, width, kind in cells:
@@ -148,10 +148,10 @@ def decode_header(data, cells):
     return items
 
 
-# ---- What a file holds -----------------------------------------------------------------------------------------------
+# ---- Content of a file -----------------------------------------------------------------------------------------------
 
 class RawDataError(Exception):
-    """The file, or the recording that is being read, is damaged; the text tells how."""
+    """The file, or the recording being read, is damaged; the text says how."""
 
 
 @dataclasses.dataclass
@@ -196,7 +196,7 @@ def make_recording(items):
 
 
 class ChainGuard:
-    """Watches a chain of positions, so that one that leads back into itself comes to an end."""
+    """Monitors a chain of positions, and raises an error if it is circular."""
 
     def __init__(self, file_size, item_size, error):
         self.most = file_size // item_size + 1
@@ -213,7 +213,7 @@ class ChainGuard:
 
 
 class RawDataFile:
-    """A raw data file: its headers are read at once, its samples segment by segment when they are asked for."""
+    """A raw data file. Reads all headers immediately, and samples segment by segment on request."""
 
     def __init__(self, path):
         self._file = open(path, "rb")
@@ -232,7 +232,7 @@ class RawDataFile:
         self._file.close()
 
     def segments(self, recording, well=None):
-        """Yields the segments of a recording, of one well only if it is told.
+        """Yields the segments of a recording, or only those of one well.
 
         Raises RawDataError where the chain is damaged. An unfinished recording has none: see `is_finished`.
         """
@@ -284,7 +284,7 @@ class RawDataFile:
         return samples
 
     def _read(self, position, size):
-        """Returns the bytes from a position on: fewer or none behind the end of the file."""
+        """Returns the bytes from a position on: fewer or none beyond the end of the file."""
         if not 0 <= position < self._size:
             return b""
         self._file.seek(position)
@@ -298,7 +298,7 @@ def is_finished(recording):
 # ---- The text twin ---------------------------------------------------------------------------------------------------
 
 def show(value):
-    """A text in quotes, with bytes that don't print as \\xHH; a list in brackets; a number as it is."""
+    """Formats a text in quotes, with unprintable bytes as \\xHH; a list in brackets; a number unchanged."""
     if isinstance(value, bytes):
         return '"' + "".join(chr(b) if 32 <= b < 127 and b not in b'"\\' else f"\\x{b:02x}" for b in value) + '"'
     if isinstance(value, list):
@@ -341,7 +341,7 @@ def failure_line(text):
 
 
 def twin_lines(path):
-    """Yields the lines of a file's text twin: all that it holds, in the order of its chains."""
+    """Yields the lines of a file's text twin: its whole content, in the order of its chains."""
     try:
         file = RawDataFile(path)
     except RawDataError as error:

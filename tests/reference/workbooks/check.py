@@ -26,7 +26,7 @@ def number(data):
 
 
 def records(stream):
-    """Position, code and body of each record."""
+    """Yields position, code and body of each record."""
     position = 0
     while position < len(stream):
         end = position + 4 + number(stream[position + 2:position + 4])
@@ -39,12 +39,12 @@ ALL_RECORDS = [entry for sheets in make_workbooks.WORKBOOKS.values()
 
 
 def committed_against_made():
-    """Making the files again gives the same files and the same bytes."""
+    """Making the files again produces the same files and bytes."""
     return made.against_committed(make_workbooks.make, FOLDER, ("*.xls", "*.txt"))
 
 
 def xlrd_against_twins():
-    """Every workbook reads as its twin tells."""
+    """Every workbook reads as its twin says."""
     for name in NAMES:
         expected = check_workbooks.expected_cells(FOLDER / f"{name}.txt")
         found = check_workbooks.read_xlrd(FOLDER / f"{name}.xls")
@@ -56,46 +56,46 @@ def xlrd_against_twins():
 
 
 def section(heading):
-    """What stands under a heading that begins so, up to the next heading."""
+    """Returns the text from the heading with this beginning to the next heading."""
     return re.split(r"^##", PAGE.split(f"\n{heading}", 1)[1], maxsplit=1, flags=re.MULTILINE)[0]
 
 
 def rows_of(heading):
-    """The rows of the tables in a section, as lists of cells."""
+    """Returns the rows of the tables in a section, as lists of cells."""
     return [[cell.strip() for cell in line.strip().strip("|").split("|")] for line in section(heading).splitlines()
             if re.match(r"\| [0-9.]+ \|", line)]
 
 
 def fields_against(what, rows, bodies):
-    """The fields of a table are side by side, and wherever it tells numbers, each body has one of them there."""
+    """The fields of a table are contiguous, and where it lists numbers, each body contains one of them."""
     end = 0
     for offset, width, field, value in rows:
         if int(offset) != end:
-            yield f"{field} of {what} doesn't stand behind what comes before"
+            yield f"{field} of {what} isn't at the end of the previous field"
         if not width.isdigit():
             continue
         end = int(offset) + int(width)
         told = [int(text, 0) for text in re.findall(r"\b(?:0x[0-9A-F]+|[0-9]+)\b", value)]
         if value[:1].isdigit() and not all(number(body[int(offset):end]) in told for body in bodies):
-            yield f"{field} of {what} isn't what the page tells"
+            yield f"{field} of {what} differs from the page"
 
 
 def records_against_page():
-    """Code, size and fixed values of all records are those of the page, and the page tells every record."""
+    """Code, size and fixed values of all records match the page, and the page lists every record."""
     headings = re.findall(r"^### (\w+): (0x[0-9A-F]{4}), (.*)$", PAGE, re.MULTILINE)
     told = {int(code, 16): name for name, code, _ in headings}
     if told.keys() != {code for _, code, _ in ALL_RECORDS}:
-        yield "the page tells other records than there are"
+        yield "the records on the page differ from those in the files"
     for name, code, size in headings:
         bodies = [body for _, of_body, body in ALL_RECORDS if of_body == int(code, 16)]
         if exact := re.fullmatch("([0-9]+) bytes", size):
             if {len(body) for body in bodies} != {int(exact[1])}:
-                yield f"{name} has another size than the page tells"
+                yield f"the size of {name} differs from the page"
         yield from fields_against(name, rows_of(f"### {name}: "), bodies)
 
 
 def file_against_page():
-    """Header and directory are those of the page."""
+    """Header and directory match the page."""
     for name in NAMES:
         data = (FOLDER / f"{name}.xls").read_bytes()
         yield from fields_against(f"the header of {name}.xls", rows_of("### Header of the file"), [data[:512]])
@@ -104,7 +104,7 @@ def file_against_page():
 
 
 def walk_against_stream():
-    """The page's walk through small.xls meets every record."""
+    """The page's walk through small.xls lists every record."""
     codes = {name: int(code, 16) for name, code in re.findall(r"^### (\w+): (0x[0-9A-F]{4})", PAGE, re.MULTILINE)}
     told = [(int(offset), codes[name], int(size)) for offset, name, size, _ in rows_of("## A stream, record by record")]
     repeated = {codes[name] for name in ("Font", "XF", "Style")}
@@ -114,9 +114,9 @@ def walk_against_stream():
         group = list(group)
         found += [(position, code, len(body)) for position, _, body in (group[:1] if code in repeated else group)]
     if told != found:
-        yield "the page's walk through small.xls isn't that of its stream"
+        yield "the page's walk through small.xls differs from its stream"
     if f"It has {len(stream)} bytes." not in PAGE:
-        yield "the page tells another size of the stream in small.xls"
+        yield "the size of the stream in small.xls differs from the page"
 
 
 def dumps_against_file():
@@ -131,14 +131,14 @@ def dumps_against_file():
 
 
 def precision_against_page():
-    """The values that the page shows are kept as it says."""
+    """The values on the page are stored with the stated precision."""
     rows = rows_of("## What precision a value keeps")
     if not rows:
         yield "the page has no table of what precision a value keeps"
     for value, form, reads_as in rows:
         is_short = make_workbooks.is_short(float(value))
         if is_short != (form == "short") or check_workbooks.kept(float(value)) != float(reads_as):
-            yield f"{value} isn't kept as the page says"
+            yield f"{value} isn't stored as the page says"
 
 
 CHECKS = (committed_against_made, xlrd_against_twins, records_against_page, file_against_page, walk_against_stream,

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Makes the reference workbooks: NAME.xls, byte for byte what the library must write, and its text twin NAME.txt.
 
-A twin has one line per cell: sheet, row, column, type and value, apart by tabs. A text stands there with four digits
-for each character. docs/workbook.md tells the format; nothing here comes from the library or from a program that writes
-workbooks.
+A twin has one line per cell: sheet, row, column, type and value, separated by tabs. A text is written as four
+hexadecimal digits per character. docs/workbook.md describes the format; nothing here comes from the library or from
+another program that writes workbooks.
 
     make_workbooks.py [FOLDER]      default: the folder of this script
 """
@@ -15,12 +15,12 @@ import sys
 
 # ---- The workbooks ---------------------------------------------------------------------------------------------------
 
-# Each: its sheets, and their cells by row and column. A float, an int and a str are cells of different types.
+# The sheets of each workbook, and their cells by row and column. A float, an int and a str make different cell types.
 EMPTY = {"Sheet1": {}}
 
 SMALL = {
     "Results": {
-        (2, 1): "1\xb5M", (2, 2): 5, (2, 3): -1, (2, 4): 536870911,        # three whole numbers are one run,
+        (2, 1): "1\xb5M", (2, 2): 5, (2, 3): -1, (2, 4): 536870911,        # three whole numbers make one record,
         (2, 5): 1.0, (2, 6): 12.34, (2, 7): -99.99, (2, 8): 0.0,           # four doubles another
         (4, 0): "B7", (4, 1): 0.5, (4, 3): 1234.56, (4, 4): 153.2738, (4, 5): 5242.89, (4, 7): -7,
         (70, 0): 12.34005, (70, 1): 214748.0, (70, 2): 214749.0, (70, 3): "1\xb5M", (70, 4): 1e-5, (70, 5): 0.29,
@@ -28,7 +28,7 @@ SMALL = {
     "\xc4nderung": {(0, 0): "1\xb5M", (0, 1): "\u03bcV", (1, 200): 1e300},
 }
 
-# 40 texts of 203 bytes leave 96 in their record, which is enough to begin the next one and not enough to end it.
+# 40 texts of 203 bytes leave 96 bytes in their record: enough to begin the next text but not to finish it.
 BIG = {
     "Beats": {
         **{(row, 0): chr(0x3b1 + row % 16) * 99 + chr(0x100 + row) for row in range(40)},
@@ -85,7 +85,7 @@ def bound_sheet(position, name):
 
 
 def shared_strings(texts):
-    """The record of all texts and its CONTINUE records. `texts` are those of all cells, in their order."""
+    """Returns the record of all texts and its CONTINUE records. `texts` are those of all cells, in order."""
     different = list(dict.fromkeys(texts))
     bodies = [struct.pack("<II", len(texts), len(different))]
     for text in different:
@@ -110,12 +110,12 @@ def shared_strings(texts):
 
 
 def whole(value):
-    """Without decimals, in 32 bits; what doesn't fit is the least number."""
+    """Cuts off the decimals. Returns the minimum for numbers that don't fit into 32 bits."""
     return int(value) if -2147483649 < value < 2147483648 else -2147483648
 
 
 def is_short(value):
-    """Whether a double has the short form: as far as its first four decimals tell, they end with the second."""
+    """Returns whether a double has the short form: its third and fourth decimals appear to be 0."""
     return (whole(value * 100) * 100 - whole(value * 10000)) % 2**32 == 0
 
 
@@ -134,7 +134,7 @@ def form_of(value):
 
 
 def runs(cells):
-    """The cells of a row, neighbours of one short form together. `cells` are (column, value), from left to right."""
+    """Returns the records of a row; neighbours of one short form share one. `cells` are (column, value), in order."""
     def key(numbered):
         number, (column, value) = numbered
         form = form_of(value)
@@ -156,7 +156,7 @@ def run_record(row, run, string_index):
 
 
 def row_block(rows, column_end, string_index):
-    """The records of a block, and how far into them its DBCell is. `rows` are (row, cells)."""
+    """Returns the records of a block and the offset of its DBCell in them. `rows` are (row, cells)."""
     heads = b"".join(record(0x0208, "HHHHHHI", row, 0, column_end, 255, 0, 0, 0) for row, _ in rows)
     cells, offsets, way = b"", [], len(heads) - 20  # from the second row's record on
     for row, line in rows:
@@ -169,7 +169,7 @@ def row_block(rows, column_end, string_index):
 
 
 def sheet_records(cells, is_first, position, string_index):
-    """The records of a sheet that stands at `position` of the stream."""
+    """Returns the records of a sheet at `position` in the stream."""
     row_end = max((row + 1 for row, _ in cells), default=0)
     column_end = max((column + 1 for _, column in cells), default=0)
     first_row, first_column = min(cells, default=(0, 0))
@@ -189,7 +189,7 @@ def sheet_records(cells, is_first, position, string_index):
 
 
 def stream_of(sheets):
-    """The stream `Workbook`."""
+    """Returns the stream `Workbook`."""
     texts = [value for cells in sheets.values() for _, value in sorted(cells.items()) if isinstance(value, str)]
     string_index = {text: index for index, text in enumerate(dict.fromkeys(texts))}
     front = bof(5) + WINDOW1 + 4 * FONT + 21 * XF + 6 * STYLE
@@ -222,7 +222,7 @@ def entry(name, kind, child, start, size):
 
 
 def chain(sectors):
-    """The marks of these sectors, each leading to the next."""
+    """Returns the marks of these sectors, each pointing to the next."""
     return dict(zip(sectors, sectors[1:] + [END_OF_CHAIN]))
 
 

@@ -18,7 +18,7 @@ import made  # noqa: E402
 
 PAGES = FOLDER.parent.parent.parent / "docs"
 
-# Each table of the pages: page, heading, the reader's table.
+# All tables of the pages: page, heading, the reader's table.
 TABLES = [("settings-file.md", heading, table) for heading, table in (
     ("Header", read_xml.HEADER), *read_xml.SECTIONS.items(), ("QC", read_xml.QUALITY_CHECK),
     ("Well", read_xml.PLATE_WELL))] + [("results-file.md", heading, table) for heading, table in (
@@ -27,20 +27,20 @@ TABLES = [("settings-file.md", heading, table) for heading, table in (
 
 
 def files_against_made():
-    """Making the files and their twins again, which reads each of them, gives the same bytes."""
+    """Making the files and their twins again, which reads each file, produces the same bytes."""
     return made.against_committed(make_xml.make, FOLDER, ("*.vx[sr]", "*.txt"))
 
 
 def same_content():
-    """Other dress tells the same."""
+    """Files with the same content in another form have the same twin."""
     for name in ("settings_indented", "settings_shuffled", "settings_sections", "results_indented", "results_shuffled",
                  "results_sections"):
         if (FOLDER / f"{name}.txt").read_bytes() != (FOLDER / f"{name.split('_')[0]}.txt").read_bytes():
-            yield f"{name} tells something else than {name.split('_')[0]}"
+            yield f"the content of {name} differs from that of {name.split('_')[0]}"
 
 
 def rows_of(page, heading):
-    """The rows of the table under a heading, as lists of cells."""
+    """Returns the rows of the table under a heading, as lists of cells."""
     section = re.split(r"\n##+ ", (PAGES / page).read_text("utf-8").split(f"\n### {heading}\n", 1)[1], maxsplit=1)[0]
     return [[cell.strip() for cell in line.strip("|").split(" | ")] for line in section.splitlines()
             if line.startswith("| `")]
@@ -59,15 +59,15 @@ def default_text(value):
 
 
 def tables_against_pages():
-    """The reader's tables are those of the pages."""
+    """The reader's tables match those of the pages."""
     for page, heading, table in TABLES:
         expected = [[f"`{tag}`", kind, default_text(default)] for tag, kind, default in table]
         if [row[:3] for row in rows_of(page, heading)] != expected:
-            yield f"the table of {heading} in {page} isn't that of read_xml.py"
+            yield f"the table of {heading} in {page} differs from that of read_xml.py"
 
 
 def examples_against_files():
-    """The pages' examples are in the reference files, byte for byte, once their lines are joined."""
+    """The pages' examples, with their lines joined, are in the reference files, byte for byte."""
     for page, name in (("settings-file.md", "settings.vxs"), ("results-file.md", "results.vxr")):
         document = (FOLDER / name).read_text("ascii")
         blocks = re.findall(r"(?:^    <.*\n)+", (PAGES / page).read_text("utf-8"), re.MULTILINE)
@@ -76,7 +76,7 @@ def examples_against_files():
             yield f"{page} has no example"
         for example in examples:
             if example not in document:
-                yield f"{page} shows what isn't in {name}: {example[:80]}"
+                yield f"an example in {page} isn't in {name}: {example[:80]}"
 
 
 CHECKS = (files_against_made, same_content, tables_against_pages, examples_against_files)

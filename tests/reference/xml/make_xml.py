@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Makes the reference files of settings and results, and the text twin of each, which tells what is read from it.
+"""Makes the reference files of settings and results, and the text twin of each, which lists what is read from it.
 
-The two documents that the library must write byte for byte are written out below. The others say the same in other
-dress, as other programs or older versions may put it, or less.
+The two documents that the library must write byte for byte are literals below. The others have the same content, or
+less, in a form that other programs or older versions may write.
 
     make_xml.py [FOLDER]      default: the folder of this script
 """
@@ -115,7 +115,7 @@ RESULTS = DECLARATION + (
     '<WellLabel></WellLabel><Dose>0</Dose><FPfastDetectionTimes Size="0"/></Well></Wells></Recording></Recordings></Task>'
     '<Task><TaskName>Nil</TaskName><Recordings Size="0"/></Task></Results></Vexaprobe>')
 
-# What other programs put between elements: nothing of it is ours.
+# What other programs may put between elements.
 NOISE = '<!-- a comment: <Dose>1</Dose> --><Unknown x="1" Size="9">text<Unheard><Of/></Unheard></Unknown>'
 
 
@@ -124,7 +124,7 @@ def parse(document):
 
 
 def serialised(tree):
-    """Bytes from 0x80 up as references to themselves, which is what the parser made of them."""
+    """Returns the document, with bytes from 0x80 up as references to themselves, as they were before parsing."""
     return ElementTree.tostring(tree.getroot(), "us-ascii").decode("ascii")
 
 
@@ -135,7 +135,7 @@ def indented(document):
 
 
 def shuffled(document, fixed_first):
-    """All children in reverse, apart from those that are found by their places and the entries of lists; and noise."""
+    """Reverses all children, except entries of lists and those found by their positions, and adds noise."""
     root = ElementTree.fromstring(document)
     for parent in root.iter():
         if parent.get("Size") is not None or len(parent) < 2 or parent is root:
@@ -148,13 +148,13 @@ def shuffled(document, fixed_first):
 
 
 def with_sections(document):
-    """Texts in CDATA sections, in one piece or more."""
+    """Puts parts of texts into CDATA sections."""
     return re.sub(r"<(CompoundName|Comment|Program|Label)>([a-zA-Z0-9]{2,})</",
                   lambda m: f"<{m[1]}>{m[2][:1]}<![CDATA[{m[2][1:]}]]></", document)
 
 
 def as_version_2(document):
-    """Before the marks; the recording section under its older name, and no section that came later."""
+    """Converts to version 2: no marks, no newer sections, and the older name of the recording section."""
     document = document.replace("<FileVersion>3<", "<FileVersion>2<").replace("PropertyRecording", "PropRecording")
     document = re.sub("<PropertyAnalyzer>.*</PropertyAnalyzer>", "", document)
     return re.sub("<PropertyRobot>.*</PropertyRobot>", "", document)

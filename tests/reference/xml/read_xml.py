@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Reads settings files (.vxs) and results files (.vxr) with Python's own XML parser, and prints what is in them.
 
-It shares nothing with the library. The tables below are those of docs/settings-file.md and docs/results-file.md.
+It shares no code with the library. The tables below match docs/settings-file.md and docs/results-file.md.
 
     read_xml.py FILE...
 """
@@ -11,7 +11,7 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-# Each field: its tag, its type, what a reader takes where the tag is missing.
+# Each field: its tag, its type, its value if the tag is missing.
 HEADER = [
     ("HeaderID", "text", "OVL Vexaprobe"), ("CompoundName", "text", ""), ("VexaprobeMode", "text", "NotDefined"),
     ("FileType", "text", ""), ("ProgramVersion", "text", ""), ("FileVersion", "int32", 0),
@@ -84,7 +84,7 @@ RECORDING = [("Dose", "uint64", 0), ("NormalizedResponses", "response means", []
 OLDER_NAMES = {"PropRecording": "PropertyRecording"}
 FIRST_VERSION_WITH_MARKS = 3
 
-# Tasks are kept in this order, whatever that of the file.
+# Readers sort tasks in this order, regardless of their order in the file.
 TASKS = ("Notebook", "Compounds", "Viability", "CompoundTest", "Dilute", "Washout", "Washin", "Pipet", "Series", "Analyze",
          "PreQC", "PostQC", "Reportsheet", "Inspect", "Nil")
 
@@ -92,7 +92,7 @@ TASKS = ("Notebook", "Compounds", "Viability", "CompoundTest", "Dilute", "Washou
 
 
 def text_of(element):
-    """References in our files stand for bytes, which Latin-1 maps to the characters that the parser makes of them."""
+    """References in our files mean bytes; the parser returns them as the Latin-1 characters of these bytes."""
     return element.text or ""
 
 
@@ -116,7 +116,7 @@ CONVERSIONS = {
 
 
 def fields_of(element, table):
-    """The fields of an element as (tag, type, value)."""
+    """Yields the fields of an element as (tag, type, value)."""
     found = {child.tag: child for child in element}
     for tag, kind, default in table:
         if tag not in found or (kind in ("double", "int64") and not text_of(found[tag])):
@@ -146,7 +146,7 @@ def marks_of(element):
 
 
 def made_marks(plate):
-    """What a reader makes up for files that are older than the marks."""
+    """Yields the marks that a reader generates for files without marks."""
     series = [values_of(child, "uint64") for child in plate if child.tag == "Series"][0]
     yield f"Series: {len(series)} recordings"
     for number, _ in enumerate(series):
@@ -210,7 +210,7 @@ def results_lines(results):
 
 
 def twin_lines(path):
-    """What the file holds, one line for each value."""
+    """Yields the content of a file, one line per value."""
     root = ElementTree.parse(path).getroot()
     yield from shown("Header", fields_of(root.find("Header"), HEADER))
     if root.find("Settings") is not None:
