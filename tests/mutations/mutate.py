@@ -20,7 +20,7 @@ TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has n
 PROGRAMS = {
     "frame": ["frame_test", "settings_test", "rawdata_test", "faults_test"],
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
-    "rawdata": ["rawdata_test", "reference_test", "faults_test"],
+    "rawdata": ["rawdata_test", "layout_test", "reference_test", "faults_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
     "settings": ["settings_test", "reference_test", "results_test"],
     "results": ["results_test", "reference_test"],

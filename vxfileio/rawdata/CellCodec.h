@@ -97,7 +97,8 @@ inline std::string_view CellNumber(std::string_view cell, std::string_view key) 
     const std::size_t start = key.size() + 1;
     // Blanks ahead of the number could hide a separator that ends the value before its first digit.
     const auto startsNumber = [](char c) { return c == '-' || (c >= '0' && c <= '9'); };
-    const bool plain = cell.starts_with(key) && cell[key.size()] == '=' && startsNumber(cell[start]);
+    const bool plain =
+        cell.size() > start && cell.starts_with(key) && cell[key.size()] == '=' && startsNumber(cell[start]);
     return plain ? cell.substr(start) : CellValue(cell);
 }
 

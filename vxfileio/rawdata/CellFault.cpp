@@ -105,7 +105,7 @@ struct CIsText {
 };
 
 /// Tells whether a cell always holds what the writer begins with: a text that isn't the caller's.
-bool IsFixed(const auto& cell) { return cell.standBy && std::visit(CIsText(), cell.member); }
+bool IsFixed(const auto& cell) { return cell.traits.standBy && std::visit(CIsText(), cell.member); }
 
 // ---- One cell -------------------------------------------------------------------------------------------------------
 
@@ -121,7 +121,7 @@ CVerdict JudgeFrame(std::string_view bytes) {
 CVerdict JudgeValue(const auto& cell, std::string_view text) {
     const bool hasSign = text.size() > cell.key.size();
     const std::string_view value = hasSign ? text.substr(cell.key.size() + 1) : std::string_view();
-    if (IsFixed(cell) && value != *cell.standBy) return CCellFault{ECellFault::NotFixed};
+    if (IsFixed(cell) && value != *cell.traits.standBy) return CCellFault{ECellFault::NotFixed};
     if (!value.empty()) return std::visit(CValueJudge{value}, cell.member);
     if (hasSign) return CCellFault{ECellFault::LoneSign};
     if (std::visit(CMayBeEmpty(), cell.member)) return std::nullopt;

@@ -3,50 +3,75 @@
 #include <span>
 #include <string_view>
 
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/Layout.h"
 
 /// @file
-/// Whole headers as bytes, by the tables of the format.
+/// Whole headers as bytes, in the layout of a version.
 
 namespace vxfileio::rawdata {
 
 /// @name Encoding
-/// Each fills `bytes`, which is as long as the header, from the first cell to the last. Throws `CExcVXReader` if a
-/// value doesn't fit its cell.
+/// Each fills `bytes`, which must be as long as the header in this layout. Throws `CExcVXReader` if a value doesn't fit
+/// its cell.
 /// @{
-void Encode(const CRawDataFileHdr& header, std::span<char, kFileHdrSize> bytes);
-void Encode(const CRawDataRecordingHdr& header, std::span<char, kRecordingHdrSize> bytes);
-void Encode(const CSegmentHdr& header, std::span<char, kSegmentHdrSize> bytes);
+inline void Encode(const CLayout& layout, const CRawDataFileHdr& header, std::span<char> bytes) {
+    layout.codec.encodeFile(header, bytes);
+}
+inline void Encode(const CLayout& layout, const CRawDataRecordingHdr& header, std::span<char> bytes) {
+    layout.codec.encodeRecording(header, bytes);
+}
+inline void Encode(const CLayout& layout, const CSegmentHdr& header, std::span<char> bytes) {
+    layout.codec.encodeSegment(header, bytes);
+}
 /// @}
 
-/// Fills one cell, as wide as its place says, for rewriting it. Throws `CExcVXReader` if the value doesn't fit.
-void EncodeCell(const CCellPlace& place, std::string_view value, std::span<char> cell);
-void EncodeCell(const CCellPlace& place, std::int64_t value, std::span<char> cell);
+/// Fills one cell, for rewriting it; `cell` is exactly as wide as the cell. Throws `CExcVXReader` if the value doesn't
+/// fit.
+void EncodeCell(std::string_view key, std::string_view value, std::span<char> cell);
+void EncodeCell(std::string_view key, std::int64_t value, std::span<char> cell);
 
 /// @name Decoding
-/// Each sets the fields of `header` from `bytes`, taking every cell on trust. A list shorter than its count leaves the
-/// remaining channels as they are.
+/// Each sets the fields of `header` from `bytes`, without checking any key. Bytes that are missing count as NUL, so
+/// numbers are read as 0 and texts as empty. A list shorter than its count leaves the remaining channels at their
+/// defaults.
 /// @{
-void Decode(std::string_view bytes, CRawDataFileHdr& header);
-void Decode(std::string_view bytes, CSegmentHdr& header);
+inline void Decode(const CLayout& layout, std::string_view bytes, CRawDataFileHdr& header) {
+    layout.codec.decodeFile(bytes, header);
+}
 
-/// The first `kSegmentFrontSize` bytes of a segment's header, which are all that who passes over it has to know.
-void DecodeFront(std::string_view bytes, CSegmentHdr& header);
-/// The cells behind those; `bytes` are the whole header.
-void DecodeRest(std::string_view bytes, CSegmentHdr& header);
+/// Decodes the first `layout.segmentFront` bytes of a segment header: enough to skip the segment.
+inline void DecodeFront(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
+    layout.codec.decodeFront(bytes, header);
+}
+/// Decodes the cells after those; `bytes` are the whole header.
+inline void DecodeRest(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
+    layout.codec.decodeRest(bytes, header);
+}
+inline void Decode(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
+    DecodeFront(layout, bytes, header);
+    DecodeRest(layout, bytes, header);
+}
 
-/// `version` is the file's own. Returns false, with the header half set, if it claims more channels than any cell can
-/// list.
-bool Decode(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header);
-
-/// The first half of that, which can't fail.
-void DecodeAllButChannels(std::string_view bytes, std::int32_t version, CRawDataRecordingHdr& header);
-
-/// The other half; `bytes` are those of `ChannelBytes`.
-bool DecodeChannels(std::string_view bytes, CRawDataRecordingHdr& header);
+/// Decodes all cells of a recording header but those of `ChannelBytes`.
+inline void DecodeAllButChannels(const CLayout& layout, std::string_view bytes, CRawDataRecordingHdr& header) {
+    layout.codec.decodeAllButChannels(bytes, header);
+}
+/// Decodes the cells of `ChannelBytes`; `bytes` are the whole header. Returns false, with the header half set, if it
+/// claims more channels than any cell can list.
+[[nodiscard]] inline bool DecodeChannels(const CLayout& layout, std::string_view bytes, CRawDataRecordingHdr& header) {
+    return layout.codec.decodeChannels(bytes, header);
+}
+/// Decodes both.
+[[nodiscard]] inline bool Decode(const CLayout& layout, std::string_view bytes, CRawDataRecordingHdr& header) {
+    DecodeAllButChannels(layout, bytes, header);
+    return DecodeChannels(layout, bytes, header);
+}
 /// @}
 
-/// Returns the cells of a recording header that describe its channels; they stand together at its end.
-std::string_view ChannelBytes(std::string_view bytes, std::int32_t version);
+/// Returns the part of a recording header that describes its channels, or as much of it as there is.
+inline std::string_view ChannelBytes(const CLayout& layout, std::string_view bytes) {
+    return bytes.size() < layout.channelsOffset ? std::string_view()
+                                                : bytes.substr(layout.channelsOffset, layout.channelsSize);
+}
 
 }  // namespace vxfileio::rawdata

@@ -1,10 +1,10 @@
 #include "vxfileio/rawdata/RawDataReader.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
 #include <set>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -48,8 +48,8 @@ void CRawDataReader::Open(const std::string& path) {
     m_index.Clear();
     ReadFileHdr();
     m_recordings.clear();
-    CRecordingHdrReader headers(m_file, m_fileHdr.FileVersion);
-    CChainGuard guard(m_file, SizeOf(kRecordingCells, m_fileHdr.FileVersion));
+    CRecordingHdrReader headers(m_file, *m_layout);
+    CChainGuard guard(m_file, m_layout->recording.size);
     int rereads = 0;
     while (NextRecordingHdr() != kUnset) {
         CRawDataRecordingHdr header;
@@ -147,12 +147,11 @@ bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
 }
 
 void CRawDataReader::ReadFileHdr() {
-    std::array<char, kFileHdrSize> bytes{};  // zeros also behind the end of the file
-    const std::string_view text(bytes.data(), bytes.size());
-    const std::size_t read = m_file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes)));
-    Decode(text, m_fileHdr);
-    const bool whole = read >= kFileCells.front().width;
-    if (!whole || !text.starts_with(kFileTypeText)) throw CExcVXReader(kNotOurFile);
+    std::string bytes(LargestFileHdr(), '\0');
+    bytes.resize(m_file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
+    m_layout = &LayoutOfFile(bytes);
+    Decode(*m_layout, bytes, m_fileHdr);
+    if (!m_layout->file.Begins(bytes) || !bytes.starts_with(kFileTypeText)) throw CExcVXReader(kNotOurFile);
     if (m_fileHdr.FPosFirstRecordingHdr == kUnset) throw CExcVXReader(kEmptyFile);
 }
 
@@ -176,7 +175,7 @@ bool CRawDataReader::RereadNextRecordingHdr(CRecordingHdrReader& headers) {
 }
 
 CRawDataReader::CPass CRawDataReader::BeginningAt(std::int64_t position) const {
-    return {position, 0, CChainGuard(m_file, kSegmentHdrSize)};
+    return {position, 0, CChainGuard(m_file, m_layout->segment.size)};
 }
 
 /// Moves on to the next segment that is worth reading: one of the selected well, or the last that is remembered, since
@@ -199,7 +198,7 @@ void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
 std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
     const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
     if (successor == nullptr) return m_segment.Count();
-    const std::int64_t bytes = successor->position - place.position - static_cast<std::int64_t>(kSegmentHdrSize);
+    const std::int64_t bytes = successor->position - place.position - SegmentHdrSize();
     return bytes >= 0 && bytes <= kMostMissingBytes ? static_cast<std::uint32_t>(bytes / kSampleBytes)
                                                     : m_segment.Count();
 }
@@ -208,7 +207,8 @@ std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
 bool CRawDataReader::MakeRoomForNext() {
     const CSegmentPlace* const place = Remembered();
     const bool isExpected = place == nullptr ? m_selectedWell == kAllWells : IsWanted(place->wellID);
-    m_segment.MakeRoomFor(place != nullptr && isExpected ? ExpectedSize(*place) : m_segment.Count());
+    m_segment.MakeRoomFor(place != nullptr && isExpected ? ExpectedSize(*place) : m_segment.Count(),
+                          m_layout->segment.size);
     return isExpected;
 }
 
@@ -217,17 +217,15 @@ bool CRawDataReader::MakeRoomForNext() {
 bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     const bool isExpected = MakeRoomForNext();
     const CMutableBytes bytes = m_segment.SegmentBytes();
-    std::size_t read = m_file.ReadUpTo(m_pass.position, isExpected ? bytes : bytes.first(kSegmentFrontSize));
-    constexpr std::string_view kKey = kSegmentCells.front().key;
-    if (read < kSegmentCells.front().width || !m_segment.Hdr().starts_with(kKey)) return false;
-    ZeroBehind(read, bytes.first(kSegmentFrontSize));
-    DecodeFront(m_segment.Hdr(), header);
+    const std::size_t front = m_layout->segmentFront;
+    std::size_t read = m_file.ReadUpTo(m_pass.position, isExpected ? bytes : bytes.first(front));
+    if (!m_layout->segment.Begins(m_segment.Hdr(read))) return false;
+    DecodeFront(*m_layout, m_segment.Hdr(read), header);
     if (!IsWanted(header.ID)) return true;
-    if (read == kSegmentFrontSize)
-        read += m_file.ReadUpTo(m_pass.position + std::int64_t{kSegmentFrontSize}, bytes.subspan(kSegmentFrontSize));
-    ZeroBehind(read, bytes.first(kSegmentHdrSize));
-    DecodeRest(m_segment.Hdr(), header);
-    sampleBytes = read - std::min(read, kSegmentHdrSize);
+    if (read == front)
+        read += m_file.ReadUpTo(m_pass.position + static_cast<std::int64_t>(front), bytes.subspan(front));
+    DecodeRest(*m_layout, m_segment.Hdr(read), header);
+    sampleBytes = read - std::min(read, m_layout->segment.size);
     return true;
 }
 
@@ -277,9 +275,9 @@ void CRawDataReader::PassBehind(const CSegmentHdr& header) {
 /// came along in these first `read` bytes.
 void CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return;
-    const std::int64_t position = m_pass.position + static_cast<std::int64_t>(kSegmentHdrSize);
+    const std::int64_t position = m_pass.position + SegmentHdrSize();
     RefuseImpossibleSize(position, size);
-    m_segment.MakeRoomFor(size);
+    m_segment.MakeRoomFor(size, m_layout->segment.size);
     read = m_file.ReadUpTo(position, m_segment.SampleBytes());
     ZeroBehind(read, m_segment.SampleBytes());
 }

@@ -8,7 +8,7 @@
 
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/ChainGuard.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/Layout.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
 #include "vxfileio/rawdata/RecordingHdrReader.h"
 #include "vxfileio/rawdata/SegmentBuffer.h"
@@ -50,43 +50,42 @@ class CRawDataReader {
 
     /// How far a pass through the segments of a recording has come.
     struct CPass {
-        std::int64_t position = vxfileio::rawdata::kUnset;  ///< The next segment header.
-        std::size_t number = 0;                             ///< Segments ahead of that one.
-        vxfileio::rawdata::CChainGuard guard;
+        std::int64_t position = kUnset;  ///< The next segment header.
+        std::size_t number = 0;          ///< Segments ahead of that one.
+        CChainGuard guard;
     };
 
+    std::int64_t SegmentHdrSize() const { return static_cast<std::int64_t>(m_layout->segment.size); }
     void ReadFileHdr();
     std::int64_t NextRecordingHdr() const;
-    bool RereadNextRecordingHdr(vxfileio::rawdata::CRecordingHdrReader& headers);
+    bool RereadNextRecordingHdr(CRecordingHdrReader& headers);
 
-    bool FetchNext(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID);
+    bool FetchNext(CSegmentHdr& header, std::int32_t& wellID);
     bool IsWanted(std::int32_t wellID) const { return m_selectedWell == kAllWells || m_selectedWell == wellID; }
-    const vxfileio::rawdata::CSegmentPlace* Remembered() const {
-        return m_chain == nullptr ? nullptr : m_chain->Find(m_pass.number);
-    }
+    const CSegmentPlace* Remembered() const { return m_chain == nullptr ? nullptr : m_chain->Find(m_pass.number); }
     CPass BeginningAt(std::int64_t position) const;
     void PassOverRemembered(std::int32_t& wellID);
-    std::uint32_t ExpectedSize(const vxfileio::rawdata::CSegmentPlace& place) const;
+    std::uint32_t ExpectedSize(const CSegmentPlace& place) const;
     bool MakeRoomForNext();
-    bool ReadHdr(vxfileio::rawdata::CSegmentHdr& header, std::size_t& sampleBytes);
-    bool ReadHdrBehindRemembered(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID,
-                                 std::size_t& sampleBytes);
-    std::size_t ReadNextHdr(vxfileio::rawdata::CSegmentHdr& header, std::int32_t& wellID);
-    void PassBehind(const vxfileio::rawdata::CSegmentHdr& header);
+    bool ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes);
+    bool ReadHdrBehindRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes);
+    std::size_t ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID);
+    void PassBehind(const CSegmentHdr& header);
     void CompleteSamples(std::size_t read, std::uint32_t size);
     void RefuseImpossibleSize(std::int64_t position, std::uint32_t size) const;
 
     helpers::CFile m_file;
+    const CLayout* m_layout = &Layouts().back();     ///< The open file's; never null.
     CRawDataIndex m_index;                           ///< One entry per recording, in file order.
     CRawDataFileHdr m_fileHdr;                       ///< As read.
     std::vector<CRawDataRecordingHdr> m_recordings;  ///< In file order.
 
     std::int32_t m_selectedWell = kAllWells;
-    vxfileio::rawdata::CSegmentBuffer m_segment;
-    std::map<std::int64_t, vxfileio::rawdata::CSegmentChain> m_chains;  ///< By the positions of their recordings' data.
-    vxfileio::rawdata::CSegmentChain* m_chain = nullptr;                ///< That of the current recording, if any.
-    std::int64_t m_dataPosition = vxfileio::rawdata::kUnset;            ///< The current recording's.
-    CPass m_pass = BeginningAt(vxfileio::rawdata::kUnset);
+    CSegmentBuffer m_segment;
+    std::map<std::int64_t, CSegmentChain> m_chains;  ///< By the positions of their recordings' data.
+    CSegmentChain* m_chain = nullptr;                ///< That of the current recording, if any.
+    std::int64_t m_dataPosition = kUnset;            ///< The current recording's.
+    CPass m_pass = BeginningAt(kUnset);
 };
 
 }  // namespace vxfileio::rawdata

@@ -5,6 +5,7 @@
 #include <bit>
 #include <limits>
 #include <span>
+#include <utility>
 
 #include "vxfileio/base/EnumerationWords.h"
 #include "vxfileio/base/ExcVXReader.h"
@@ -20,28 +21,14 @@ namespace {
 static_assert(std::endian::native == std::endian::little,
               "samples go to the file straight from memory, low byte first");
 
-constexpr CCellPlace kFirstRecordingHdr = PlaceOf(kFileCells, "FPosFirstRecordingHdr");
-constexpr CCellPlace kNextSegmentHdr = PlaceOf(kSegmentCells, "FPosNextSegmentHdr");
-
-/// The cells that finishing a recording rewrites. They lie together, so that one write does it.
-constexpr std::array kFinishedCells = {
-    PlaceOf(kRecordingCells, "FPosRecordingData"),
-    PlaceOf(kRecordingCells, "FPosRecordingTrailer"),
-    PlaceOf(kRecordingCells, "FPosNextRecordingHdr"),
-};
-constexpr std::size_t kFinishedSize = kFinishedCells[0].width + kFinishedCells[1].width + kFinishedCells[2].width;
-static_assert(kFinishedCells[2].offset + kFinishedCells[2].width == kFinishedCells[0].offset + kFinishedSize);
-
-/// The lists of the file header that a caller may replace, by the task that each belongs to.
-struct CTaskList {
-    enTask task = enTask::Nil;
-    CCellPlace cell;
-};
-constexpr std::array kTaskLists = {
-    CTaskList{enTask::PreQC, PlaceOf(kFileCells, "PreQC")},
-    CTaskList{enTask::CompoundTest, PlaceOf(kFileCells, "CompoundTest")},
-    CTaskList{enTask::PostQC, PlaceOf(kFileCells, "PostQC")},
-};
+/// Returns the key of the list that belongs to a task; null if the task has none.
+const char* ListOf(const std::string& taskName) {
+    for (const auto& [task, key] : {std::pair{enTask::PreQC, "PreQC"}, std::pair{enTask::CompoundTest, "CompoundTest"},
+                                    std::pair{enTask::PostQC, "PostQC"}}) {
+        if (base::WordOf(task) == taskName) return key;
+    }
+    return nullptr;
+}
 
 /// A reader holds a segment's size in 32 bits.
 constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
@@ -67,19 +54,13 @@ std::string Join(const std::vector<std::string>& values) {
     return joined;
 }
 
-std::string EncodedCell(const CCellPlace& place, std::string_view value) {
-    std::string cell(place.width, '\0');
-    EncodeCell(place, value, cell);
-    return cell;
-}
-
 }  // namespace
 
 CRawDataWriter::~CRawDataWriter() { Close(); }
 
 void CRawDataWriter::Open(const std::string& path) {
     Close();
-    m_refusedHdrs.reserve(kFileHdrSize + kRecordingHdrSize);
+    m_refusedHdrs.reserve(m_layout->file.size + m_layout->recording.size);
     m_missingSegments = 0;
     MakeRoomForRefusals();
     if (!m_file.Create(path)) throw CExcVXReader(kCannotOpen + path);
@@ -89,22 +70,26 @@ void CRawDataWriter::Open(const std::string& path) {
 void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     RefuseBefore(enStage::Opened);
     if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
-    std::array<char, kFileHdrSize> bytes{};
-    Encode(header, bytes);
+    const CLayout& layout = LayoutForWriting(header.FileVersion);
+    std::string bytes(layout.file.size, '\0');
+    Encode(layout, header, bytes);
     MakeRoomForRefusals();
-    m_refusedHdrs.assign(bytes.begin(), bytes.end());
+    m_refusedHdrs.reserve(layout.file.size + layout.recording.size);
+    m_layout = &layout;
+    m_nextSegmentCell = &layout.segment["FPosNextSegmentHdr"];
+    m_refusedHdrs = bytes;
     m_stage = enStage::HasFileHdr;
     AppendRefusedHdrs();
 }
 
 void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
-    std::array<char, kRecordingHdrSize> bytes{};
-    Encode(header, bytes);
+    std::string bytes(m_layout->recording.size, '\0');
+    Encode(*m_layout, header, bytes);
     MakeRoomForRefusals();
     // A recording before this one whose header never reached the file has no data there either: it is given up.
-    m_refusedHdrs.resize(m_file.End() == 0 ? kFileHdrSize : 0);
-    m_refusedHdrs.append(bytes.begin(), bytes.end());
+    m_refusedHdrs.resize(m_file.End() == 0 ? m_layout->file.size : 0);
+    m_refusedHdrs += bytes;
     m_stage = enStage::InRecording;
     AppendRefusedHdrs();
 }
@@ -116,30 +101,32 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     if (samples == nullptr) throw CExcVXReader(kNoSamples);
     MakeRoomForRefusals();
 
-    std::array<char, kSegmentHdrSize> bytes{};
-    Encode(CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
+    std::array<char, kMostSegmentHdr> room;
+    const auto bytes = std::span(room).first(m_layout->segment.size);
+    Encode(*m_layout, CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
     const std::span data(samples, static_cast<std::size_t>(count));
     const bool hasHdrs = AppendRefusedHdrs();
     const std::int64_t position = m_file.End();
-    if (!hasHdrs || !m_file.Append({std::as_bytes(std::span(bytes)), std::as_bytes(data)})) {
+    if (!hasHdrs || !m_file.Append({std::as_bytes(bytes), std::as_bytes(data)})) {
         ++m_missingSegments;  // the file ends where it did, and the next segment takes this one's place
         return;
     }
-    if (m_latestSegment != kUnset) RewritePosition(m_latestSegment, kNextSegmentHdr, position);
+    if (m_latestSegment != kUnset) RewritePosition(m_latestSegment, *m_nextSegmentCell, position);
     m_latestSegment = position;
 }
 
 void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values) {
     RefuseBefore(enStage::HasFileHdr);
-    const auto isTask = [&](const CTaskList& list) { return base::WordOf(list.task) == taskName; };
-    const auto* list = std::find_if(kTaskLists.begin(), kTaskLists.end(), isTask);
-    if (list == kTaskLists.end()) return;
-    const std::string cell = EncodedCell(list->cell, Join(values));
+    const char* const key = ListOf(taskName);
+    if (key == nullptr) return;
+    const CFileCell& list = m_layout->file[key];
+    std::string cell(list.width, '\0');
+    EncodeCell(list.key, Join(values), cell);
     MakeRoomForRefusals();
     if (m_file.End() == 0) {
-        m_refusedHdrs.replace(list->cell.offset, cell.size(), cell);
+        m_refusedHdrs.replace(list.offset, cell.size(), cell);
     } else {
-        Rewrite(static_cast<std::int64_t>(list->cell.offset), cell);
+        Rewrite(static_cast<std::int64_t>(list.offset), cell);
     }
 }
 
@@ -181,14 +168,15 @@ bool CRawDataWriter::AppendRefusedHdrs() {
     if (m_refusedHdrs.empty()) return true;
     if (!m_file.Append({AsBytes(m_refusedHdrs)})) return false;
     m_refusedHdrs.clear();
-    if (m_stage == enStage::InRecording) BeginRecordingAt(m_file.End() - static_cast<std::int64_t>(kRecordingHdrSize));
+    if (m_stage == enStage::InRecording)
+        BeginRecordingAt(m_file.End() - static_cast<std::int64_t>(m_layout->recording.size));
     return true;
 }
 
 /// Points at a recording header that has just become whole.
 void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
     if (m_recordingHdr == kUnset) {
-        RewritePosition(0, kFirstRecordingHdr, position);
+        RewritePosition(0, m_layout->file["FPosFirstRecordingHdr"], position);
     } else {
         FinishRecording(position);
     }
@@ -199,23 +187,26 @@ void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
 /// Gives the latest recording, if there is one, the position of its data and of what comes behind it.
 void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     if (m_recordingHdr == kUnset) return;
-    const std::int64_t data = m_recordingHdr + static_cast<std::int64_t>(kRecordingHdrSize);
-    const std::array values = {data, kUnset, nextRecordingHdr};
-    std::array<char, kFinishedSize> bytes{};
-    std::span<char> room(bytes);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        EncodeCell(kFinishedCells[i], values[i], room);
-        room = room.subspan(kFinishedCells[i].width);
-    }
-    Rewrite(m_recordingHdr + static_cast<std::int64_t>(kFinishedCells[0].offset), {bytes.data(), bytes.size()});
+    const auto& hdr = m_layout->recording;
+    const CRecordingCell& first = hdr["FPosRecordingData"];
+    const CRecordingCell& last = hdr["FPosNextRecordingHdr"];
+    std::array<char, kMostRewritten> room{};
+    const auto bytes = std::span(room).first(last.End() - first.offset);
+    const auto put = [&](const CRecordingCell& cell, std::int64_t position) {
+        EncodeCell(cell.key, position, bytes.subspan(cell.offset - first.offset, cell.width));
+    };
+    put(first, m_recordingHdr + static_cast<std::int64_t>(hdr.size));
+    put(hdr["FPosRecordingTrailer"], kUnset);
+    put(last, nextRecordingHdr);
+    Rewrite(m_recordingHdr + static_cast<std::int64_t>(first.offset), {bytes.data(), bytes.size()});
 }
 
-/// Rewrites one cell of the header at `hdr`, which tells a position.
-void CRawDataWriter::RewritePosition(std::int64_t hdr, const CCellPlace& place, std::int64_t position) {
-    std::array<char, kMostRewritten> bytes{};
-    const auto cell = std::span(bytes).first(place.width);
-    EncodeCell(place, position, cell);
-    Rewrite(hdr + static_cast<std::int64_t>(place.offset), {cell.data(), cell.size()});
+/// Rewrites one cell of the header at `hdr`, which holds a position.
+void CRawDataWriter::RewritePosition(std::int64_t hdr, const auto& cell, std::int64_t position) {
+    std::array<char, kMostRewritten> room{};
+    const auto bytes = std::span(room).first(cell.width);
+    EncodeCell(cell.key, position, bytes);
+    Rewrite(hdr + static_cast<std::int64_t>(cell.offset), {bytes.data(), bytes.size()});
 }
 
 /// Writes cells over those at a position, now or, if the system refuses, as soon as it takes them.

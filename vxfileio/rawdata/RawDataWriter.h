@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "vxfileio/helpers/File.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/Layout.h"
 
 namespace vxfileio::rawdata {
 
@@ -42,9 +42,6 @@ class CRawDataWriter {
     /// How far the calls for the open file have come.
     enum class enStage { Closed, Opened, HasFileHdr, InRecording };
 
-    /// The most bytes that are rewritten at once.
-    static constexpr std::size_t kMostRewritten = 150;
-
     /// Cells that were to be rewritten and that the system hasn't taken yet.
     struct CRefusedRewrite {
         std::int64_t position = 0;
@@ -57,7 +54,7 @@ class CRawDataWriter {
     bool AppendRefusedHdrs();
     void BeginRecordingAt(std::int64_t position);
     void FinishRecording(std::int64_t nextRecordingHdr);
-    void RewritePosition(std::int64_t hdr, const vxfileio::rawdata::CCellPlace& place, std::int64_t position);
+    void RewritePosition(std::int64_t hdr, const auto& cell, std::int64_t position);
     void Rewrite(std::int64_t position, std::string_view bytes);
     void RetryRewrites();
     bool Repeat(const CRefusedRewrite& rewrite);
@@ -72,8 +69,12 @@ class CRawDataWriter {
     std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
     std::int64_t m_missingSegments = 0;              ///< Those that the system refused.
 
-    std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;   ///< Latest recording header in the file.
-    std::int64_t m_latestSegment = vxfileio::rawdata::kUnset;  ///< Latest segment of that recording.
+    const CLayout* m_layout = &Layouts().back();  ///< That of the file, once its header is written; never null.
+    /// The cell of the layout that leads to the next segment; rewritten for each segment.
+    const CSegmentCell* m_nextSegmentCell = &m_layout->segment["FPosNextSegmentHdr"];
+
+    std::int64_t m_recordingHdr = kUnset;   ///< Latest recording header in the file.
+    std::int64_t m_latestSegment = kUnset;  ///< Latest segment of that recording.
 };
 
 }  // namespace vxfileio::rawdata

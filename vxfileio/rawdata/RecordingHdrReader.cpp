@@ -40,9 +40,9 @@ bool CRecordingHdrReader::Reread(std::int64_t position, CRawDataRecordingHdr& he
 
 bool CRecordingHdrReader::ReadOnce(std::int64_t position, CRawDataRecordingHdr& header) {
     const std::string_view bytes = HdrAt(position);
-    if (!bytes.starts_with(kRecordingCells.front().key)) return false;
-    DecodeAllButChannels(bytes, m_version, header);
-    return TakeChannels(ChannelBytes(bytes, m_version), header);
+    if (!m_layout.recording.Begins(bytes)) return false;
+    DecodeAllButChannels(m_layout, bytes, header);
+    return TakeChannels(bytes, header);
 }
 
 /// Returns the bytes of the header at the position, zeros behind the end of the file; none if its first cell isn't
@@ -59,20 +59,21 @@ std::string_view CRecordingHdrReader::HdrAt(std::int64_t position) {
     const auto room = std::span(m_block).first(near ? kBlock : m_hdrSize);
     m_blockPosition = position;
     m_blockSize = m_file.ReadUpTo(position, std::as_writable_bytes(room));
-    if (m_blockSize < kRecordingCells.front().width) return {};
+    if (m_blockSize < m_layout.recording.cells.front().width) return {};
     if (m_blockSize < m_hdrSize) std::ranges::fill(room.subspan(m_blockSize, m_hdrSize - m_blockSize), '\0');
     return {m_block.data(), m_hdrSize};
 }
 
-/// `bytes` are the cells of the channels. Returns false if they can't be true.
-bool CRecordingHdrReader::TakeChannels(std::string_view bytes, CRawDataRecordingHdr& header) {
+/// `hdr` is the whole header. Returns false if it claims more channels than it can list.
+bool CRecordingHdrReader::TakeChannels(std::string_view hdr, CRawDataRecordingHdr& header) {
+    const std::string_view bytes = ChannelBytes(m_layout, hdr);
     if (bytes == m_channelBytes) {
         header.WellChannels = m_channels.WellChannels;
         header.AuxChannels = m_channels.AuxChannels;
         return true;
     }
     m_channelBytes.clear();
-    if (!DecodeChannels(bytes, header)) return false;
+    if (!DecodeChannels(m_layout, hdr, header)) return false;
     m_channelBytes = bytes;
     m_channels.WellChannels = header.WellChannels;
     m_channels.AuxChannels = header.AuxChannels;

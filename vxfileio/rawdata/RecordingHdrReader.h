@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "vxfileio/helpers/File.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/Layout.h"
 
 namespace vxfileio::rawdata {
 
@@ -15,9 +15,9 @@ namespace vxfileio::rawdata {
 /// read together, and lists of channels that are the same as in the header before aren't parsed again.
 class CRecordingHdrReader {
  public:
-    /// `version` is the file's own. The file stays the caller's and outlives this object.
-    CRecordingHdrReader(const helpers::CFile& file, std::int32_t version)
-        : m_file(file), m_version(version), m_hdrSize(SizeOf(kRecordingCells, version)) {}
+    /// `layout` is that of the file. The caller owns the file, which must outlive this object.
+    CRecordingHdrReader(const helpers::CFile& file, const CLayout& layout)
+        : m_file(file), m_layout(layout), m_hdrSize(layout.recording.size) {}
 
     /// Reads a header whose positions can be believed. Returns false if no whole header stands at the position.
     ///
@@ -34,11 +34,11 @@ class CRecordingHdrReader {
  private:
     bool ReadOnce(std::int64_t position, CRawDataRecordingHdr& header);
     std::string_view HdrAt(std::int64_t position);
-    bool TakeChannels(std::string_view bytes, CRawDataRecordingHdr& header);
+    bool TakeChannels(std::string_view hdr, CRawDataRecordingHdr& header);
     bool LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const;
 
     const helpers::CFile& m_file;
-    std::int32_t m_version;
+    const CLayout& m_layout;
     std::size_t m_hdrSize;
 
     std::vector<char> m_block;              ///< What one call read, beginning with a header.

@@ -39,7 +39,7 @@ CWords WordsFor(const CCellFault& fault, const auto& cell) {
         case ECellFault::NoKey:
             return {"the key " + Quoted(key), "Readers find cells by their place and take the value as told."};
         case ECellFault::NotFixed:
-            return {Quoted(cell.standBy->empty() ? key : key + '=' + std::string(*cell.standBy)),
+            return {Quoted(cell.traits.standBy->empty() ? key : key + '=' + std::string(*cell.traits.standBy)),
                     "No writer puts anything else there; readers don't look at it."};
         case ECellFault::LoneSign:
             return {"the key alone if there is no value", "Some readers see an item where there is none."};
@@ -58,26 +58,21 @@ bool IsBehindText(ECellFault kind) {
     return kind == ECellFault::NoLineEnd || kind == ECellFault::NoPadding || kind == ECellFault::Padding;
 }
 
-template <class Cells>
-void JudgeCells(const Cells& cells, std::string_view bytes, std::int32_t version, const CHeaderPlace& place,
-                CFindings& findings) {
-    std::int64_t offset = place.offset;
+void JudgeCells(const auto& cells, std::string_view bytes, const CHeaderPlace& place, CFindings& findings) {
     for (const auto& cell : cells) {
-        if (!HasCell(cell, version)) continue;
+        const std::int64_t offset = place.offset + static_cast<std::int64_t>(cell.offset);
         const std::string where = cell.key.empty() ? place.name : place.name + " > " + std::string(cell.key);
-        if (bytes.size() < cell.width) {
+        if (bytes.size() < cell.End()) {
             findings.Add({where, offset, "the end of the file", "the rest of the header",
                           "The file was cut; readers take 0 for what is missing."});
             return;
         }
-        const std::string_view cellBytes = bytes.substr(0, cell.width);
+        const std::string_view cellBytes = CellIn(cell, bytes);
         if (const auto fault = FaultOf(cell, cellBytes)) {
             auto [expected, meaning] = WordsFor(*fault, cell);
             findings.Add({where, offset, Quoted(IsBehindText(fault->kind) ? cellBytes : CellText(cellBytes)),
                           std::move(expected), std::move(meaning)});
         }
-        bytes.remove_prefix(cell.width);
-        offset += static_cast<std::int64_t>(cell.width);
     }
 }
 
@@ -100,20 +95,17 @@ struct CTellingCell {
 /// The count and then the lists that go with it.
 using CTellingCells = std::vector<CTellingCell>;
 
-CTellingCells CellsThatTell(CChannels channels, std::string_view bytes, std::int32_t version) {
+CTellingCells CellsThatTell(CChannels channels, const CLayout& layout, std::string_view bytes) {
     CTellingCells cells;
-    std::size_t offset = 0;
-    for (const auto& cell : kRecordingCells) {
-        if (!HasCell(cell, version)) continue;
-        const std::string_view cellBytes = bytes.substr(offset, cell.width);
+    for (const auto& cell : layout.recording.cells) {
+        const std::string_view cellBytes = CellIn(cell, bytes);
         const auto add = [&](std::int64_t told) {
-            cells.push_back({cell.key, static_cast<std::int64_t>(offset), told});
+            cells.push_back({cell.key, static_cast<std::int64_t>(cell.offset), told});
         };
         const auto* const count = std::get_if<CChannelCount>(&cell.member);
         const auto* const list = std::get_if<CChannelList>(&cell.member);
         if (count != nullptr && count->channels == channels) add(ParseInt64(CellValue(cellBytes)));
         if (list != nullptr && list->channels == channels) add(static_cast<std::int64_t>(CountItems(cellBytes)));
-        offset += cell.width;
     }
     return cells;
 }
@@ -155,44 +147,44 @@ void JudgeNumbers(const CTellingCells& cells, const CHeaderPlace& place, CFindin
 }
 
 /// The wells that the lists tell, whatever the count says.
-CListedWells ListedWells(const CTellingCells& cells, std::string_view bytes, std::int32_t version) {
+CListedWells ListedWells(const CTellingCells& cells, const CLayout& layout, std::string bytes) {
     constexpr std::size_t kIDs = 1;
     constexpr std::size_t kTicks = 2;
     const std::int64_t count = std::min(MostTold(cells), cells[kIDs].channels);
-    std::string channels(ChannelBytes(bytes, version));
-    constexpr CCellPlace kCount = PlaceOf(kRecordingCells, "NumberOfWells");
-    EncodeCell(kCount, count, std::span(channels).first(kCount.width));
+    const CRecordingCell& cell = layout.recording["NumberOfWells"];
+    EncodeCell(cell.key, count, std::span(bytes).subspan(cell.offset, cell.width));
     CRawDataRecordingHdr header;
-    DecodeChannels(channels, header);
+    if (!DecodeChannels(layout, bytes, header)) return {};
     return {std::move(header.WellChannels), static_cast<std::size_t>(cells[kTicks].channels)};
 }
 
 }  // namespace
 
-void JudgeFileCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings) {
-    JudgeCells(kFileCells, bytes, kNewestVersion, place, findings);
+void JudgeFileCells(const CLayout& layout, std::string_view bytes, const CHeaderPlace& place, CFindings& findings) {
+    JudgeCells(layout.file.cells, bytes, place, findings);
 }
 
-CListedWells JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place,
+CListedWells JudgeRecordingCells(const CLayout& layout, std::string_view bytes, const CHeaderPlace& place,
                                  CFindings& findings) {
-    JudgeCells(kRecordingCells, bytes, version, place, findings);
-    if (bytes.size() < SizeOf(kRecordingCells, version)) return {};
-    const auto wells = CellsThatTell(&CRawDataRecordingHdr::WellChannels, bytes, version);
+    JudgeCells(layout.recording.cells, bytes, place, findings);
+    if (bytes.size() < layout.recording.size) return {};
+    const auto wells = CellsThatTell(&CRawDataRecordingHdr::WellChannels, layout, bytes);
     JudgeNumbers(wells, place, findings);
-    JudgeNumbers(CellsThatTell(&CRawDataRecordingHdr::AuxChannels, bytes, version), place, findings);
-    return ListedWells(wells, bytes, version);
+    JudgeNumbers(CellsThatTell(&CRawDataRecordingHdr::AuxChannels, layout, bytes), place, findings);
+    return ListedWells(wells, layout, std::string(bytes));
 }
 
-void JudgeSegmentCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings) {
-    JudgeCells(kSegmentCells, bytes, kNewestVersion, place, findings);
+void JudgeSegmentCells(const CLayout& layout, std::string_view bytes, const CHeaderPlace& place, CFindings& findings) {
+    JudgeCells(layout.segment.cells, bytes, place, findings);
 }
 
-bool IsExactSegmentHdr(std::string_view bytes) {
-    if (bytes.size() != kSegmentHdrSize) return false;
+bool IsExactSegmentHdr(const CLayout& layout, std::string_view bytes) {
+    if (bytes.size() != layout.segment.size) return false;
     CSegmentHdr header;
-    Decode(bytes, header);
-    std::array<char, kSegmentHdrSize> exact{};
-    Encode(header, exact);  // no number is too long for its cell
+    Decode(layout, bytes, header);
+    std::array<char, kMostSegmentHdr> room;
+    const auto exact = std::span(room).first(layout.segment.size);
+    Encode(layout, header, exact);  // no number is too long for its cell
     return std::equal(bytes.begin(), bytes.end(), exact.begin());
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tools/vxfile/report/Findings.h"
-#include "vxfileio/rawdata/RawDataHeaders.h"
+#include "vxfileio/rawdata/Layout.h"
 
 /// @file
 /// The cells of a raw data file's headers, held against what the format fixes of them: key, value as it is written,
@@ -28,16 +28,18 @@ struct CListedWells {
 };
 
 /// @name Judging one header
-/// `bytes` is what the file has of it; a header that the end of the file cuts is one finding, and its wells aren't
-/// known.
+/// `bytes` is what the file has of it, in this layout; a header that the end of the file cuts is one finding, and its
+/// wells aren't known.
 /// @{
-void JudgeFileCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings);
-CListedWells JudgeRecordingCells(std::string_view bytes, std::int32_t version, const CHeaderPlace& place,
-                                 CFindings& findings);
-void JudgeSegmentCells(std::string_view bytes, const CHeaderPlace& place, CFindings& findings);
+void JudgeFileCells(const vxfileio::rawdata::CLayout& layout, std::string_view bytes, const CHeaderPlace& place,
+                    CFindings& findings);
+CListedWells JudgeRecordingCells(const vxfileio::rawdata::CLayout& layout, std::string_view bytes,
+                                 const CHeaderPlace& place, CFindings& findings);
+void JudgeSegmentCells(const vxfileio::rawdata::CLayout& layout, std::string_view bytes, const CHeaderPlace& place,
+                       CFindings& findings);
 /// @}
 
 /// Tells whether the header of a segment is right to the byte. It is much faster than judging its cells.
-bool IsExactSegmentHdr(std::string_view bytes);
+bool IsExactSegmentHdr(const vxfileio::rawdata::CLayout& layout, std::string_view bytes);
 
 }  // namespace vxfile

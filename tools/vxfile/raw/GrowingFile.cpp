@@ -37,9 +37,8 @@ CGrowingFile::EState CGrowingFile::State(bool hasNews) {
 bool CGrowingFile::IsLastSet() const {
     if (m_recordings == 0) return false;
     CRawDataRecordingHdr header;
-    std::string bytes = Read(m_recordingHdr, SizeOf(kRecordingCells, m_version));
-    bytes.resize(kRecordingHdrSize);
-    return Decode(bytes, m_version, header) && header.FPosRecordingData != kUnset;
+    return Decode(*m_layout, Read(m_recordingHdr, m_layout->recording.size), header) &&
+           header.FPosRecordingData != kUnset;
 }
 
 bool CGrowingFile::LeadsToAll() const {
@@ -56,24 +55,22 @@ bool CGrowingFile::LeadsToAll() const {
 }
 
 bool CGrowingFile::TakeFileHdr() {
-    const std::string bytes = Read(0, kFileHdrSize);
+    const std::string bytes = Read(0, LargestFileHdr());
     if (!bytes.starts_with(kFileTypeText.substr(0, bytes.size())))
         throw CFailure(m_path + " is no raw data file; only those can be watched.");
-    if (bytes.size() < kFileHdrSize) return false;
-    CRawDataFileHdr header;
-    Decode(bytes, header);
-    m_version = header.FileVersion;
-    m_position = static_cast<std::int64_t>(kFileHdrSize);
+    m_layout = &LayoutOfFile(bytes);
+    if (bytes.size() < m_layout->file.size) return false;
+    m_position = static_cast<std::int64_t>(m_layout->file.size);
     return true;
 }
 
 bool CGrowingFile::TakeSegment() {
-    const std::string bytes = Read(m_position, kSegmentHdrSize);
-    if (m_recordings == 0 || bytes.size() < kSegmentHdrSize || !bytes.starts_with(kSegmentCells.front().key))
-        return false;
+    const auto& hdr = m_layout->segment;
+    const std::string bytes = Read(m_position, hdr.size);
+    if (m_recordings == 0 || bytes.size() < hdr.size || !hdr.Begins(bytes)) return false;
     CSegmentHdr header;
-    Decode(bytes, header);
-    const std::int64_t data = m_position + static_cast<std::int64_t>(kSegmentHdrSize);
+    Decode(*m_layout, bytes, header);
+    const std::int64_t data = m_position + static_cast<std::int64_t>(hdr.size);
     const auto samples = static_cast<std::uint32_t>(header.Size);
     const std::int64_t end = data + std::int64_t{samples} * static_cast<std::int64_t>(sizeof(std::uint16_t));
     if (end > m_size) return false;
@@ -86,16 +83,15 @@ bool CGrowingFile::TakeSegment() {
 }
 
 bool CGrowingFile::TakeRecording() {
-    const std::size_t size = SizeOf(kRecordingCells, m_version);
-    std::string bytes = Read(m_position, size);
-    if (m_position >= m_size || bytes.size() < size || !bytes.starts_with(kRecordingCells.front().key)) return false;
-    bytes.resize(kRecordingHdrSize);
+    const auto& hdr = m_layout->recording;
+    const std::string bytes = Read(m_position, hdr.size);
+    if (m_position >= m_size || bytes.size() < hdr.size || !hdr.Begins(bytes)) return false;
     CRunningRecording latest;
     latest.index = m_recordings;
-    if (!Decode(bytes, m_version, latest.header)) return false;
+    if (!Decode(*m_layout, bytes, latest.header)) return false;
     m_latest = std::move(latest);
     m_recordingHdr = m_position;
-    m_position += static_cast<std::int64_t>(size);
+    m_position += static_cast<std::int64_t>(hdr.size);
     ++m_recordings;
     return true;
 }

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "vxfileio/helpers/File.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/Layout.h"
 
 namespace vxfile {
 
@@ -58,7 +58,7 @@ class CGrowingFile {
     vxfileio::helpers::CFile m_file;
     std::int64_t m_position = 0;  ///< Behind the last thing taken.
     std::int64_t m_size = 0;      ///< Of the file, when the look began.
-    std::int32_t m_version = vxfileio::rawdata::kNewestVersion;
+    const vxfileio::rawdata::CLayout* m_layout = &vxfileio::rawdata::Layouts().back();  ///< Never null.
     std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;
     CRunningRecording m_latest;
     std::size_t m_recordings = 0;

@@ -30,18 +30,13 @@ constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 /// So many segments of one recording are told; behind them only that there are more.
 constexpr int kMostSegmentsTold = 5;
 
-/// Positions tell where something stands and not what it is, so they aren't compared.
-bool IsPosition(std::string_view key) { return key.starts_with("FPos"); }
-
-void AddCells(const auto& cells, std::int32_t version, const std::string& name, std::string_view bytes,
-              std::vector<CLeaf>& leaves) {
+void AddCells(const auto& cells, const std::string& name, std::string_view bytes, std::vector<CLeaf>& leaves) {
     std::string_view block;  // keys stand twice in recording headers: for wells and for auxiliary channels
     for (const auto& cell : cells) {
-        if (!HasCell(cell, version)) continue;
-        const std::string_view text = CellText(bytes.substr(0, cell.width));
-        bytes.remove_prefix(std::min(cell.width, bytes.size()));
+        const std::string_view text = CellText(CellIn(cell, bytes));
         if (cell.key == "NumberOfAuxCh") block = "auxiliary ";
-        if (!IsPosition(cell.key))
+        // Positions say where something is and not what it is.
+        if (cell.traits.role == ERole::Value)
             leaves.push_back({name + " > " + std::string(block) + std::string(cell.key.empty() ? "mark" : cell.key),
                               Quoted(text.substr(std::min(text.size(), cell.key.size())))});
     }
@@ -49,12 +44,12 @@ void AddCells(const auto& cells, std::int32_t version, const std::string& name, 
 
 std::vector<CLeaf> HeaderLeaves(const CRawScan& scan) {
     std::vector<CLeaf> leaves;
-    AddCells(kFileCells, kNewestVersion, "file header", scan.ReadBytes(0, kFileHdrSize), leaves);
-    const auto size = static_cast<std::size_t>(scan.RecordingHdrSize());
+    const CLayout& layout = scan.Layout();
+    AddCells(layout.file.cells, "file header", scan.ReadBytes(0, layout.file.size), leaves);
     for (std::size_t i = 0; i < scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = scan.Recordings()[i];
         const std::string name = "recording " + std::to_string(i + 1);
-        AddCells(kRecordingCells, scan.Header().FileVersion, name, scan.ReadBytes(recording.position, size), leaves);
+        AddCells(layout.recording.cells, name, scan.ReadBytes(recording.position, layout.recording.size), leaves);
         leaves.push_back({name + " > state", recording.IsFinished() ? "finished" : "not finished"});
     }
     return leaves;
@@ -82,7 +77,7 @@ void Reach(CSide& side, std::int64_t begin, std::int64_t end) {
 
 /// Returns what no position leads to.
 std::vector<CRange> Unreached(CSide& side) {
-    Reach(side, 0, kFileHdrSize);
+    Reach(side, 0, side.scan.FileHdrSize());
     for (const auto& recording : side.scan.Recordings())
         Reach(side, recording.position, side.scan.DataPosition(recording));
     std::vector<CRange> gaps;

@@ -10,8 +10,6 @@
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 
-using vxfileio::rawdata::kFileHdrSize;
-
 namespace vxfile {
 
 namespace {
@@ -76,7 +74,7 @@ class CRawInfo {
         TellRecordings();
         JudgeWhatIsBehind();
         if (m_scan.Break()) m_damage = "The chain of recordings is damaged";
-        if (m_scan.Size() < std::int64_t{kFileHdrSize})
+        if (m_scan.Size() < m_scan.FileHdrSize())
             m_page.SetDamage("The file ends within its first header; there is no recording to save.");
         else if (!m_damage.empty())
             m_page.SetDamage(m_damage + "; vxfile verify tells where, vxfile recover saves what is whole.");

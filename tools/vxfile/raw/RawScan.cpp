@@ -18,22 +18,7 @@ namespace {
 /// Segments up to this size are read as many as the window holds even if only their headers are wanted.
 constexpr std::int64_t kShortSegment = 8 << 10;
 
-constexpr auto kFirstRecordingCell = PlaceOf(kFileCells, "FPosFirstRecordingHdr");
-constexpr auto kNextRecordingCell = PlaceOf(kRecordingCells, "FPosNextRecordingHdr");
-constexpr auto kDataCell = PlaceOf(kRecordingCells, "FPosRecordingData");
-constexpr auto kNextSegmentCell = PlaceOf(kSegmentCells, "FPosNextSegmentHdr");
-
-/// Tells whether the first cell is whole and has the key that says what stands here.
-bool BeginsHeader(std::string_view bytes, const auto& cells) {
-    return bytes.size() >= cells.front().width && bytes.starts_with(cells.front().key);
-}
-
-/// Decodes what is there of a header, with zeros behind the end of the file, as the library's reader does.
-std::string Padded(std::string_view bytes, std::size_t size) {
-    std::string padded(bytes);
-    padded.resize(size);
-    return padded;
-}
+std::int64_t OffsetOf(const auto& cell) { return static_cast<std::int64_t>(cell.offset); }
 
 }  // namespace
 
@@ -47,25 +32,24 @@ CRawScan::CRawScan(const std::string& path) {
     OpenInput(m_file, path);
     m_size = m_file.Size();
     if (m_size == 0) throw CFailure(path + " is empty; there is nothing to read or to save.");
-    const std::string bytes = ReadBytes(0, kFileHdrSize);
+    const std::string bytes = ReadBytes(0, LargestFileHdr());
     if (!bytes.starts_with(kFileTypeText))
         throw CFailure(path +
                        " doesn't begin as a raw data file does; vxfile info tells what it is, and vxfile "
                        "recover saves a raw data file whose beginning is damaged.");
-    Decode(Padded(bytes, kFileHdrSize), m_header);
+    m_layout = &LayoutOfFile(bytes);
+    Decode(*m_layout, bytes, m_header);
     WalkRecordings();
 }
 
-std::int64_t CRawScan::RecordingHdrSize() const {
-    return static_cast<std::int64_t>(SizeOf(kRecordingCells, m_header.FileVersion));
-}
-
 bool CRawScan::HasRecordingAt(std::int64_t position) const {
-    return position >= 0 && BeginsHeader(ReadBytes(position, kRecordingCells.front().width), kRecordingCells);
+    const auto& hdr = m_layout->recording;
+    return position >= 0 && hdr.Begins(ReadBytes(position, hdr.cells.front().width));
 }
 
 bool CRawScan::HasSegmentAt(std::int64_t position) const {
-    return position >= 0 && BeginsHeader(ReadBytes(position, kSegmentCells.front().width), kSegmentCells);
+    const auto& hdr = m_layout->segment;
+    return position >= 0 && hdr.Begins(ReadBytes(position, hdr.cells.front().width));
 }
 
 std::string CRawScan::ReadBytes(std::int64_t position, std::size_t size) const {
@@ -77,32 +61,39 @@ std::string CRawScan::ReadBytes(std::int64_t position, std::size_t size) const {
 /// Appends the recording at the position, or returns why there is none.
 std::optional<CChainBreak::EReason> CRawScan::ReadRecording(std::int64_t position) {
     if (position < 0 || position >= m_size) return CChainBreak::EReason::Nowhere;
-    const std::string bytes = ReadBytes(position, static_cast<std::size_t>(RecordingHdrSize()));
-    if (!BeginsHeader(bytes, kRecordingCells)) return CChainBreak::EReason::NoHeader;
+    const std::string bytes = ReadBytes(position, m_layout->recording.size);
+    if (!m_layout->recording.Begins(bytes)) return CChainBreak::EReason::NoHeader;
     CRecordingAt recording{position, {}};
-    if (!Decode(Padded(bytes, kRecordingHdrSize), m_header.FileVersion, recording.header))
-        return CChainBreak::EReason::TooManyChannels;
+    if (!Decode(*m_layout, bytes, recording.header)) return CChainBreak::EReason::TooManyChannels;
     m_recordings.push_back(std::move(recording));
     return std::nullopt;
 }
 
 void CRawScan::WalkRecordings() {
-    CChainGuard guard(m_file, static_cast<std::size_t>(RecordingHdrSize()));
+    CChainGuard guard(m_file, m_layout->recording.size);
     std::int64_t next = m_header.FPosFirstRecordingHdr;
-    auto cell = static_cast<std::int64_t>(kFirstRecordingCell.offset);
+    std::int64_t cell = OffsetOf(m_layout->file["FPosFirstRecordingHdr"]);
     while (next != kUnset && !m_break) {
         const auto reason = guard.Admits(next) ? ReadRecording(next) : CChainBreak::EReason::Circle;
         if (reason) {
             m_break = CChainBreak{*reason, next, cell};
         } else {
-            cell = next + static_cast<std::int64_t>(kNextRecordingCell.offset);
+            cell = next + OffsetOf(m_layout->recording["FPosNextRecordingHdr"]);
             next = m_recordings.back().header.FPosNextRecordingHdr;
         }
     }
 }
 
 CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads)
-    : m_scan(scan), m_guard(scan.File(), kSegmentHdrSize), m_next(first), m_cell(cell), m_reads(reads) {}
+    : m_scan(scan),
+      m_layout(scan.Layout()),
+      m_nextCell(OffsetOf(m_layout.segment["FPosNextSegmentHdr"])),
+      m_guard(scan.File(), m_layout.segment.size),
+      m_next(first),
+      m_cell(cell),
+      m_reads(reads) {
+    m_segment.hdrSize = scan.SegmentHdrSize();
+}
 
 const CSegmentAt* CSegmentWalk::Next() {
     using enum CChainBreak::EReason;
@@ -114,35 +105,33 @@ const CSegmentAt* CSegmentWalk::Next() {
     if (m_next < 0 || m_next >= m_scan.Size()) return breakOff(Nowhere);
     if (!m_guard.Admits(m_next)) return breakOff(Circle);
     const std::string_view bytes = HeaderBytes(m_next);
-    if (!BeginsHeader(bytes, kSegmentCells)) return breakOff(NoHeader);
+    if (!m_layout.segment.Begins(bytes)) return breakOff(NoHeader);
 
     m_segment.position = m_next;
     m_segment.bytes = bytes;
     m_segment.header = {};
-    if (bytes.size() == kSegmentHdrSize) {
-        Decode(bytes, m_segment.header);
-    } else {
-        Decode(Padded(bytes, kSegmentHdrSize), m_segment.header);
-    }
+    Decode(m_layout, bytes, m_segment.header);
     m_segmentBytes = m_segment.End() - m_next;
-    m_cell = m_next + static_cast<std::int64_t>(kNextSegmentCell.offset);
+    m_cell = m_next + m_nextCell;
     m_next = m_segment.header.FPosNextSegmentHdr;
     return &m_segment;
 }
 
 std::string_view CSegmentWalk::HeaderBytes(std::int64_t position) {
-    return m_scan.Window().BytesAt(position, kSegmentHdrSize, BytesAhead()).substr(0, kSegmentHdrSize);
+    const std::size_t size = m_layout.segment.size;
+    return m_scan.Window().BytesAt(position, size, BytesAhead()).substr(0, size);
 }
 
 /// Segments tend to be as long as the one before: whole ones are read, so that none comes in two parts.
 std::size_t CSegmentWalk::BytesAhead() const {
-    if (m_segmentBytes == 0 || (m_reads == EWalk::Headers && m_segmentBytes > kShortSegment)) return kSegmentHdrSize;
+    if (m_segmentBytes == 0 || (m_reads == EWalk::Headers && m_segmentBytes > kShortSegment))
+        return m_layout.segment.size;
     const auto bytes = static_cast<std::size_t>(m_segmentBytes);
     return std::max(CFileWindow::kRoom / bytes, std::size_t{1}) * bytes;
 }
 
 CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWalk reads) {
-    const std::int64_t cell = recording.position + static_cast<std::int64_t>(kDataCell.offset);
+    const std::int64_t cell = recording.position + OffsetOf(scan.Layout().recording["FPosRecordingData"]);
     const std::int64_t first = IsWithoutSegments(scan, recording) ? kUnset : recording.header.FPosRecordingData;
     return {scan, first, cell, reads};
 }

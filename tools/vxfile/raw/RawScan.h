@@ -10,7 +10,7 @@
 #include "tools/vxfile/raw/FileWindow.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/ChainGuard.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "vxfileio/rawdata/Layout.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
 /// @file
@@ -41,9 +41,10 @@ struct CRecordingAt {
 struct CSegmentAt {
     std::int64_t position = 0;
     vxfileio::rawdata::CSegmentHdr header;
-    std::string_view bytes;  ///< Of the header, as far as the file has them; valid until the window moves.
+    std::string_view bytes;    ///< Of the header, as far as the file has them; valid until the window moves.
+    std::int64_t hdrSize = 0;  ///< Bytes of a whole header in this file's version.
 
-    std::int64_t DataPosition() const { return position + std::int64_t{vxfileio::rawdata::kSegmentHdrSize}; }
+    std::int64_t DataPosition() const { return position + hdrSize; }
     /// Returns the number of samples as every reader takes it: within 32 bits.
     std::uint32_t Samples() const { return static_cast<std::uint32_t>(header.Size); }
     /// Returns where the samples end; the file may end earlier.
@@ -64,13 +65,17 @@ class CRawScan {
     /// The size of the file as it was opened.
     std::int64_t Size() const { return m_size; }
     const CRawDataFileHdr& Header() const { return m_header; }
+    /// The layout of this file's version.
+    const vxfileio::rawdata::CLayout& Layout() const { return *m_layout; }
     /// All recordings that the chain leads to, in its order.
     const std::vector<CRecordingAt>& Recordings() const { return m_recordings; }
     /// Why there are no more recordings; nothing if the chain ends as it should.
     const std::optional<CChainBreak>& Break() const { return m_break; }
 
-    /// The bytes of a recording header in this file's version.
-    std::int64_t RecordingHdrSize() const;
+    /// The bytes of each header in this file's version.
+    std::int64_t FileHdrSize() const { return static_cast<std::int64_t>(m_layout->file.size); }
+    std::int64_t RecordingHdrSize() const { return static_cast<std::int64_t>(m_layout->recording.size); }
+    std::int64_t SegmentHdrSize() const { return static_cast<std::int64_t>(m_layout->segment.size); }
     /// Where the header of a recording ends, and its first segment stands if it has one.
     std::int64_t DataPosition(const CRecordingAt& recording) const { return recording.position + RecordingHdrSize(); }
 
@@ -92,6 +97,7 @@ class CRawScan {
     vxfileio::helpers::CFile m_file;
     mutable CFileWindow m_window{m_file};
     std::int64_t m_size = 0;
+    const vxfileio::rawdata::CLayout* m_layout = nullptr;  ///< Never null once the file is open.
     CRawDataFileHdr m_header;
     std::vector<CRecordingAt> m_recordings;
     std::optional<CChainBreak> m_break;
@@ -125,6 +131,8 @@ class CSegmentWalk {
     std::size_t BytesAhead() const;
 
     const CRawScan& m_scan;
+    const vxfileio::rawdata::CLayout& m_layout;
+    std::int64_t m_nextCell;  ///< Offset in a header of the cell that leads to the next segment.
     vxfileio::rawdata::CChainGuard m_guard;
     std::int64_t m_next;
     std::int64_t m_cell;
@@ -138,8 +146,7 @@ class CSegmentWalk {
 /// share segments, whoever walks them all stops in time.
 class CSegmentBudget {
  public:
-    explicit CSegmentBudget(const CRawScan& scan)
-        : m_left(scan.Size() / std::int64_t{vxfileio::rawdata::kSegmentHdrSize} + 1) {}
+    explicit CSegmentBudget(const CRawScan& scan) : m_left(scan.Size() / scan.SegmentHdrSize() + 1) {}
 
     /// Counts one more segment. Returns false if the file can't have that many.
     bool Take() { return m_left-- > 0; }

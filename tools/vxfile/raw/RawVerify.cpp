@@ -18,18 +18,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr std::int64_t OffsetOf(const CCellPlace& place) { return static_cast<std::int64_t>(place.offset); }
-
-constexpr std::int64_t kFirstRecordingCell = OffsetOf(PlaceOf(kFileCells, "FPosFirstRecordingHdr"));
-constexpr std::int64_t kDataCell = OffsetOf(PlaceOf(kRecordingCells, "FPosRecordingData"));
-constexpr std::int64_t kTrailerCell = OffsetOf(PlaceOf(kRecordingCells, "FPosRecordingTrailer"));
-constexpr std::int64_t kNextRecordingCell = OffsetOf(PlaceOf(kRecordingCells, "FPosNextRecordingHdr"));
-constexpr std::int64_t kTicksCell = OffsetOf(PlaceOf(kRecordingCells, "Ticks"));
-constexpr std::int64_t kWellIDsCell = OffsetOf(PlaceOf(kRecordingCells, "WellIDs"));
-constexpr std::int64_t kSegmentIDCell = OffsetOf(PlaceOf(kSegmentCells, "ID"));
-constexpr std::int64_t kNextSegmentCell = OffsetOf(PlaceOf(kSegmentCells, "FPosNextSegmentHdr"));
-constexpr std::int64_t kTimeToCell = OffsetOf(PlaceOf(kSegmentCells, "TimeTo"));
-constexpr std::int64_t kSizeCell = OffsetOf(PlaceOf(kSegmentCells, "Size"));
+std::int64_t OffsetIn(const auto& hdr, std::string_view key) { return static_cast<std::int64_t>(hdr[key].offset); }
 
 std::string Text(std::int64_t number) { return std::to_string(number); }
 
@@ -52,7 +41,7 @@ class CRawVerifier {
 
     CFindings Verify() {
         JudgeFileHdr();
-        if (m_scan.Size() < std::int64_t{kFileHdrSize}) return std::move(m_findings);
+        if (m_scan.Size() < m_scan.FileHdrSize()) return std::move(m_findings);
         for (std::size_t index = 0; index < m_scan.Recordings().size(); ++index)
             JudgeRecording(index);
         if (m_scan.Break()) JudgeBreakOfRecordings(*m_scan.Break());
@@ -65,11 +54,16 @@ class CRawVerifier {
         m_findings.Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
     }
 
-    /// Returns where a cell stands in this file's recording headers, by its place in the newest ones. It is one of
-    /// those behind the cell that older ones don't have.
-    std::int64_t CellOffset(std::int64_t newest) const {
-        return newest - (std::int64_t{kRecordingHdrSize} - m_scan.RecordingHdrSize());
+    /// @name The offset of a cell in the file, by its header and its key
+    /// @{
+    std::int64_t OffsetOf(std::string_view key) const { return OffsetIn(m_scan.Layout().file, key); }
+    std::int64_t OffsetOf(const CRecordingAt& recording, std::string_view key) const {
+        return recording.position + OffsetIn(m_scan.Layout().recording, key);
     }
+    std::int64_t OffsetOf(const CSegmentAt& segment, std::string_view key) const {
+        return segment.position + OffsetIn(m_scan.Layout().segment, key);
+    }
+    /// @}
     bool IsInFile(std::int64_t position) const { return position >= 0 && position < m_scan.Size(); }
 
     void JudgeFileHdr();
@@ -99,17 +93,19 @@ class CRawVerifier {
 
 void CRawVerifier::JudgeFileHdr() {
     const std::string name = "file header";
-    JudgeFileCells(m_scan.ReadBytes(0, kFileHdrSize), {name, 0}, m_findings);
-    m_coverage.Add({0, std::int64_t{kFileHdrSize}});
+    const CLayout& layout = m_scan.Layout();
+    JudgeFileCells(layout, m_scan.ReadBytes(0, layout.file.size), {name, 0}, m_findings);
+    m_coverage.Add({0, m_scan.FileHdrSize()});
     const std::int64_t first = m_scan.Header().FPosFirstRecordingHdr;
-    if (m_scan.Size() < std::int64_t{kFileHdrSize}) {
+    if (m_scan.Size() < m_scan.FileHdrSize()) {
         m_findings.MakeUnusable();  // it was told where the header ends
     } else if (first == kUnset) {
-        Add(name + " > FPosFirstRecordingHdr", kFirstRecordingCell, "-1", "the position of the first recording",
-            "The file holds no recording; readers refuse it as empty.");
+        Add(name + " > FPosFirstRecordingHdr", OffsetOf("FPosFirstRecordingHdr"), "-1",
+            "the position of the first recording", "The file holds no recording; readers refuse it as empty.");
         m_findings.MakeUnusable();
-    } else if (first != std::int64_t{kFileHdrSize} && !m_scan.Recordings().empty()) {
-        Add(name + " > FPosFirstRecordingHdr", kFirstRecordingCell, Text(first), Text(std::int64_t{kFileHdrSize}),
+    } else if (first != m_scan.FileHdrSize() && !m_scan.Recordings().empty()) {
+        Add(name + " > FPosFirstRecordingHdr", OffsetOf("FPosFirstRecordingHdr"), Text(first),
+            Text(m_scan.FileHdrSize()),
             "Recordings don't begin where writers put them; readers follow the position all the same.");
     }
 }
@@ -117,10 +113,9 @@ void CRawVerifier::JudgeFileHdr() {
 void CRawVerifier::JudgeRecording(std::size_t index) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const std::string name = NameOf(recording, index);
-    const auto size = static_cast<std::size_t>(m_scan.RecordingHdrSize());
-    const CListedWells listed =
-        JudgeRecordingCells(m_scan.ReadBytes(recording.position, size), m_scan.Header().FileVersion,
-                            {name, recording.position}, m_findings);
+    const CLayout& layout = m_scan.Layout();
+    const CListedWells listed = JudgeRecordingCells(layout, m_scan.ReadBytes(recording.position, layout.recording.size),
+                                                    {name, recording.position}, m_findings);
     m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
     m_progress.Reach(recording.position);
     JudgeWells(listed, recording, name);
@@ -133,11 +128,11 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
 void CRawVerifier::JudgePositions(const CRecordingAt& recording, const std::string& name) {
     const std::int64_t behind = m_scan.DataPosition(recording);
     if (recording.header.FPosRecordingData != behind && IsInFile(recording.header.FPosRecordingData))
-        Add(name + " > FPosRecordingData", recording.position + kDataCell, Text(recording.header.FPosRecordingData),
-            Text(behind) + ", right behind the header",
+        Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"),
+            Text(recording.header.FPosRecordingData), Text(behind) + ", right behind the header",
             "The segments don't begin where writers put them; readers follow the position all the same.");
     if (recording.header.FPosRecordingTrailer != kUnset)
-        Add(name + " > FPosRecordingTrailer", recording.position + kTrailerCell,
+        Add(name + " > FPosRecordingTrailer", OffsetOf(recording, "FPosRecordingTrailer"),
             Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers don't look at it.");
 }
 
@@ -146,12 +141,11 @@ void CRawVerifier::JudgeWells(const CListedWells& listed, const CRecordingAt& re
     for (std::size_t i = 0; i < listed.wells.size(); ++i) {
         const CRawDataChannelInfo& well = listed.wells[i];
         if (!m_ticks.emplace(well.ID, well.Ticks).second)
-            Add(name + " > WellIDs", recording.position + CellOffset(kWellIDsCell), "well " + Text(well.ID) + " twice",
+            Add(name + " > WellIDs", OffsetOf(recording, "WellIDs"), "well " + Text(well.ID) + " twice",
                 "each well once", "Nobody can tell which channel a segment of this well belongs to.");
         if (well.Ticks <= 0 && i < listed.intervals)
-            Add(name + " > Ticks", recording.position + CellOffset(kTicksCell),
-                Text(well.Ticks) + " for well " + Text(well.ID), "a sample interval above 0",
-                "The times of its samples can't be told.");
+            Add(name + " > Ticks", OffsetOf(recording, "Ticks"), Text(well.Ticks) + " for well " + Text(well.ID),
+                "a sample interval above 0", "The times of its samples can't be told.");
     }
 }
 
@@ -159,8 +153,8 @@ void CRawVerifier::JudgeWells(const CListedWells& listed, const CRecordingAt& re
 void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end) {
     const std::int64_t next = recording.header.FPosNextRecordingHdr;
     if (next == kUnset || next == end) return;
-    if (m_scan.Break() && m_scan.Break()->cell == recording.position + kNextRecordingCell) return;
-    Add(name + " > FPosNextRecordingHdr", recording.position + kNextRecordingCell, Text(next),
+    if (m_scan.Break() && m_scan.Break()->cell == OffsetOf(recording, "FPosNextRecordingHdr")) return;
+    Add(name + " > FPosNextRecordingHdr", OffsetOf(recording, "FPosNextRecordingHdr"), Text(next),
         Text(end) + ", where its last segment ends", "Either segments are missing here, or the recordings were moved.");
 }
 
@@ -175,10 +169,10 @@ void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::str
                    Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") +
                    "); vxfile recover puts them into a new file.";
     }
-    Add(name + " > FPosRecordingData", recording.position + kDataCell, "-1",
+    Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"), "-1",
         Text(m_scan.DataPosition(recording)) + ", right behind the header", meaning);
     if (recording.header.FPosNextRecordingHdr != kUnset)
-        Add(name + " > FPosNextRecordingHdr", recording.position + kNextRecordingCell,
+        Add(name + " > FPosNextRecordingHdr", OffsetOf(recording, "FPosNextRecordingHdr"),
             Text(recording.header.FPosNextRecordingHdr), "-1 in a recording that isn't finished",
             "Writers set both positions at once; one of them is damaged.");
 }
@@ -211,12 +205,13 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
                                 std::size_t index) {
     m_coverage.Add({segment.position, std::min(segment.End(), m_scan.Size())});
     const bool isRunning = !recording.IsFinished();
-    if (segment.bytes.size() < kSegmentHdrSize && isRunning)
+    if (segment.bytes.size() < m_scan.Layout().segment.size && isRunning)
         return Add(NameOfSegment(name, index, segment), segment.position, "the end of the file within the header",
                    "a whole segment", "Its writer is still at work, or the file was cut.");
-    if (!IsExactSegmentHdr(segment.bytes))
-        JudgeSegmentCells(segment.bytes, {NameOfSegment(name, index, segment), segment.position}, m_findings);
-    if (segment.bytes.size() < kSegmentHdrSize) return;
+    if (!IsExactSegmentHdr(m_scan.Layout(), segment.bytes))
+        JudgeSegmentCells(m_scan.Layout(), segment.bytes, {NameOfSegment(name, index, segment), segment.position},
+                          m_findings);
+    if (segment.bytes.size() < m_scan.Layout().segment.size) return;
     JudgeTimes(segment, name, index);
     JudgeNextSegment(segment, name, index);
     if (segment.End() > m_scan.Size())
@@ -233,18 +228,18 @@ void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& reco
     const CSegmentHdr& header = segment.header;
     const auto well = m_ticks.find(header.ID);
     if (well == m_ticks.end()) {
-        Add(NameOfSegment(recording, index, segment) + " > ID", segment.position + kSegmentIDCell, Text(header.ID),
+        Add(NameOfSegment(recording, index, segment) + " > ID", OffsetOf(segment, "ID"), Text(header.ID),
             "a well that the recording lists", "Interval and units of its samples can't be told.");
         return;
     }
     if (header.TimeTo < header.TimeFrom) {
-        Add(NameOfSegment(recording, index, segment) + " > TimeTo", segment.position + kTimeToCell, Text(header.TimeTo),
+        Add(NameOfSegment(recording, index, segment) + " > TimeTo", OffsetOf(segment, "TimeTo"), Text(header.TimeTo),
             "at least TimeFrom, " + Text(header.TimeFrom), "The segment ends before it begins.");
         return;
     }
     const auto samples = segment.SamplesByTimes(well->second);
     if (samples && *samples != static_cast<std::uint64_t>(header.Size))
-        Add(NameOfSegment(recording, index, segment) + " > Size", segment.position + kSizeCell, Text(header.Size),
+        Add(NameOfSegment(recording, index, segment) + " > Size", OffsetOf(segment, "Size"), Text(header.Size),
             std::to_string(*samples) + ", one for each interval from TimeFrom to TimeTo",
             "Size, a time or the interval is damaged; readers go by Size.");
 }
@@ -252,7 +247,7 @@ void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& reco
 void CRawVerifier::JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
     const std::int64_t next = segment.header.FPosNextSegmentHdr;
     if (!IsInFile(next) || next == segment.End()) return;
-    Add(NameOfSegment(recording, index, segment) + " > FPosNextSegmentHdr", segment.position + kNextSegmentCell,
+    Add(NameOfSegment(recording, index, segment) + " > FPosNextSegmentHdr", OffsetOf(segment, "FPosNextSegmentHdr"),
         Text(next), Text(segment.End()) + ", where this segment ends",
         "Segments don't follow one another as writers put them; readers follow the position all the same.");
 }
@@ -267,13 +262,14 @@ void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& 
             break;
         case CChainBreak::EReason::NoHeader:
             Add(where, chainBreak.cell,
-                position + ", where " + Quoted(m_scan.ReadBytes(chainBreak.position, kSegmentCells[0].width)) +
+                position + ", where " +
+                    Quoted(m_scan.ReadBytes(chainBreak.position, m_scan.Layout().segment.cells.front().width)) +
                     " stands",
                 "the position of " + what, meaning);
             break;
         case CChainBreak::EReason::TooManyChannels:
             Add(where, chainBreak.cell, position + ", where a recording has an impossible number of channels",
-                "0 to " + std::to_string(kMostChannels) + " channels", meaning);
+                "0 to " + std::to_string(m_scan.Layout().mostChannels) + " channels", meaning);
             break;
         case CChainBreak::EReason::Circle:
             m_circle = true;

@@ -6,7 +6,6 @@
 
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
 
 using namespace vxfileio::helpers;
 using namespace vxfileio::rawdata;
@@ -31,10 +30,11 @@ std::set<std::int32_t> WellsWithoutScale(const CRawScan& scan, const CRecordingA
     const auto& wells = recording.header.WellChannels;
     if (std::ranges::none_of(wells, MayLack)) return {};
     std::set<std::int32_t> without;
-    for (const CCellPlace& place : {PlaceOf(kRecordingCells, "UnitsPerADs"), PlaceOf(kRecordingCells, "ADZeros")}) {
-        const auto fromEnd = static_cast<std::int64_t>(kRecordingHdrSize - place.offset);  // the same in all versions
-        const std::string cell = scan.ReadBytes(scan.DataPosition(recording) - fromEnd, place.width);
-        CCellItems items(cell);
+    for (const char* key : {"UnitsPerADs", "ADZeros"}) {
+        const CRecordingCell& cell = scan.Layout().recording[key];
+        const std::string bytes =
+            scan.ReadBytes(recording.position + static_cast<std::int64_t>(cell.offset), cell.width);
+        CCellItems items(bytes);
         for (const auto& well : wells) {
             const auto item = items.Next();
             if (!item || !IsNumber(*item)) without.insert(well.ID);

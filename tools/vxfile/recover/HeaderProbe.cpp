@@ -107,7 +107,7 @@ CSegmentProbe CHeaderProbe::Segment(std::int64_t position) const {
     std::string bytes = Read(position, kSegmentHdrSize);
     CSegmentProbe probe{.position = position, .cells = DamageOfSegmentHdr(bytes), .header = {}};
     bytes.resize(kSegmentHdrSize);
-    Decode(bytes, probe.header);
+    Decode(RecoveredLayout(), bytes, probe.header);
     // A size that can't be held is as good as none.
     if (probe.header.Size < 1 || probe.header.Size > kMostSamples) probe.cells.Lose(RowOf(kSegmentCells, "Size"));
     return probe;

@@ -24,7 +24,7 @@ struct CSegmentProbe {
     /// Tells whether every cell is as a writer leaves it.
     bool IsWhole() const { return cells.damaged.none(); }
     /// Where the samples begin.
-    std::int64_t Data() const { return position + static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize); }
+    std::int64_t Data() const { return position + static_cast<std::int64_t>(kSegmentHdrSize); }
     /// Where so many samples end.
     std::int64_t EndOf(std::int64_t samples) const;
     /// How far behind its end it leads, which is 0 where nothing was put in or taken out; nothing if it leads nowhere.
@@ -34,8 +34,8 @@ struct CSegmentProbe {
 /// The bytes where a recording header may stand.
 struct CRecordingProbe {
     std::int64_t position = 0;
-    std::int32_t version = vxfileio::rawdata::kNewestVersion;  ///< Of the layout that fits better.
-    std::string bytes;                                         ///< As many as a header of that version has.
+    std::int32_t version = kNewestVersion;  ///< Of the layout that fits better.
+    std::string bytes;                      ///< As many as a header of that version has.
     CDamage cells;
 
     /// Tells whether every cell is as a writer leaves it.

@@ -21,7 +21,7 @@ struct CWellInterval {
 struct CFoundRecording {
     std::int64_t position = 0;  ///< Where its header stands, or stood.
     std::string bytes;          ///< Its header as it is in the file, in the layout of its version; empty if it is lost.
-    std::int32_t version = vxfileio::rawdata::kNewestVersion;
+    std::int32_t version = kNewestVersion;
     CDamage cells;                                  ///< Of `bytes`.
     bool unfinished = false;                        ///< Its writer never told where its data is.
     CRawDataRecordingHdr header;                    ///< What is known of it.
@@ -40,13 +40,10 @@ struct CFoundSegment {
     bool namesWell = true;        ///< Its ID can be read.
 
     /// Where the samples begin.
-    std::int64_t Data() const {
-        return position + static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize) + grown;
-    }
+    std::int64_t Data() const { return position + static_cast<std::int64_t>(kSegmentHdrSize) + grown; }
     /// Bytes that a whole header and the samples to be kept take.
     std::int64_t Bytes() const {
-        return static_cast<std::int64_t>(vxfileio::rawdata::kSegmentHdrSize) +
-               static_cast<std::int64_t>(sizeof(std::uint16_t)) * samples;
+        return static_cast<std::int64_t>(kSegmentHdrSize) + static_cast<std::int64_t>(sizeof(std::uint16_t)) * samples;
     }
     std::int64_t End() const { return position + Bytes() + grown; }
 };

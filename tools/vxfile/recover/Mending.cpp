@@ -73,7 +73,7 @@ void Keep(const auto& cells, const std::string& from, const CDamagedCells& made,
 template <class Header, std::size_t Size>
 std::string Encoded(const Header& header) {
     std::string bytes(Size, '\0');
-    Encode(header, std::span<char, Size>(bytes));
+    Encode(RecoveredLayout(), header, bytes);
     return bytes;
 }
 
@@ -130,16 +130,14 @@ class CWellLists {
         std::string bytes = m_whole;
         const auto put = [&](std::size_t row, std::string_view value) {
             const auto& cell = kRecordingCells[row];
-            EncodeCell({cell.key, 0, cell.width}, value,
-                       CellAt(kRecordingCells, kNewestVersion, std::span(bytes), row));
+            EncodeCell(cell.key, value, CellAt(kRecordingCells, kNewestVersion, std::span(bytes), row));
         };
         put(kCountRow, CNumberText(m_count).View());
         for (auto row = kFirstListRow; row < kEndOfListRows; ++row) {
             if (m_damaged[row]) put(row, "");
         }
         CRawDataRecordingHdr lists;
-        Decode(bytes, kNewestVersion, lists);
-        m_mended.header.WellChannels = lists.WellChannels;
+        if (Decode(RecoveredLayout(), bytes, lists)) m_mended.header.WellChannels = lists.WellChannels;
     }
 
     /// The wells are those that have segments.
@@ -269,7 +267,7 @@ std::string EncodedWithRoom(CMendedRecording& mended) {
 CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number) {
     CMendedRecording mended;
     const std::string whole = WithoutDamage(kRecordingCells, recording.version, recording.bytes, recording.cells.lost);
-    Decode(whole, kNewestVersion, mended.header);
+    if (!Decode(RecoveredLayout(), whole, mended.header)) mended.header.WellChannels.clear();
     if (recording.cells.lost[kTaskRow]) mended.header.TaskName = kLostName;
     if (recording.cells.lost[kRecordingRow]) mended.header.Recording = number;
     CDamagedCells made = CWellLists(recording, whole, mended).Mend();
@@ -299,7 +297,7 @@ CMendedRecording Mend(const CFoundRecording& recording, std::int32_t number) {
 CMendedFileHdr MendFileHdr(const CInventory& inventory) {
     const std::string whole = WithoutDamage(kFileCells, kNewestVersion, inventory.fileHdr, inventory.fileCells.lost);
     CRawDataFileHdr header;
-    Decode(whole, header);
+    Decode(RecoveredLayout(), whole, header);
     CMendedFileHdr mended;
     CDamagedCells made = inventory.fileCells.lost;
     mended.notes = NotesOn(kFileCells, inventory.fileCells, made, "the file header");

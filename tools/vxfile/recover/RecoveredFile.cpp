@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 
-void SetPosition(std::string& header, const CCellPlace& place, std::int64_t position) {
-    EncodeCell(place, CNumberText(position).View(), std::span(header).subspan(place.offset, place.width));
+void SetPosition(std::string& header, const auto& cell, std::int64_t position) {
+    EncodeCell(cell.key, position, std::span(header).subspan(cell.offset, cell.width));
 }
 
 /// Copies header by header and block by block.
@@ -39,7 +39,7 @@ class CCopy {
 
     void PutFileHdr(std::string bytes) {
         const bool any = !m_inventory.recordings.empty();
-        SetPosition(bytes, PlaceOf(kFileCells, "FPosFirstRecordingHdr"),
+        SetPosition(bytes, RecoveredLayout().file["FPosFirstRecordingHdr"],
                     any ? static_cast<std::int64_t>(kFileHdrSize) : kUnset);
         Append(std::as_bytes(std::span(bytes)), {});
     }
@@ -52,9 +52,10 @@ class CCopy {
         for (auto segment = m_segment; segment != end; ++segment)
             next += segment->Bytes();
         const bool isLast = recording + 1 == m_inventory.recordings.size();
-        SetPosition(bytes, PlaceOf(kRecordingCells, "FPosRecordingData"), data);
-        SetPosition(bytes, PlaceOf(kRecordingCells, "FPosRecordingTrailer"), kUnset);
-        SetPosition(bytes, PlaceOf(kRecordingCells, "FPosNextRecordingHdr"), isLast ? kUnset : next);
+        const auto& hdr = RecoveredLayout().recording;
+        SetPosition(bytes, hdr["FPosRecordingData"], data);
+        SetPosition(bytes, hdr["FPosRecordingTrailer"], kUnset);
+        SetPosition(bytes, hdr["FPosNextRecordingHdr"], isLast ? kUnset : next);
         Append(std::as_bytes(std::span(bytes)), {});
         for (; m_segment != end; ++m_segment)
             PutSegment(*m_segment, m_segment + 1 == end);
@@ -74,7 +75,7 @@ class CCopy {
                                  .TimeTo = segment.to,
                                  .Size = segment.samples};
         std::array<char, kSegmentHdrSize> bytes{};
-        Encode(header, bytes);
+        Encode(RecoveredLayout(), header, bytes);
         vxfileio::helpers::CBytes headerBytes = std::as_bytes(std::span(bytes));
         std::int64_t from = segment.Data();
         for (std::int64_t left = segment.End() - from; left > 0;) {

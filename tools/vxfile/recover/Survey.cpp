@@ -143,7 +143,7 @@ void CSurvey::TakeFileHdr() {
     CRawDataFileHdr header;
     std::string bytes = m_found.fileHdr;
     bytes.resize(kFileHdrSize);
-    Decode(bytes, header);
+    Decode(RecoveredLayout(), bytes, header);
     if (!m_found.fileCells.lost[RowOf(kFileCells, "FileVersion")]) m_version = header.FileVersion;
     if (!m_found.fileCells.lost[RowOf(kFileCells, "FPosFirstRecordingHdr")]) {
         m_evidence.PromiseRecording(header.FPosFirstRecordingHdr);
@@ -169,7 +169,7 @@ void CSurvey::BeginRecording(const CRecordingProbe& probe, bool unfinished) {
                               .header = {}};
     std::string bytes = probe.bytes;
     bytes.resize(kRecordingHdrSize);
-    if (!Decode(bytes, probe.version, recording.header)) recording.header.WellChannels.clear();
+    if (!Decode(LayoutOf(probe.version), bytes, recording.header)) recording.header.WellChannels.clear();
     const std::int64_t data = probe.Position(kDataRow);
     if (const auto next = m_evidence.Next()) Compare(kOfSegmentBefore, *next, kUnset);
     if (m_nextRecording) Compare("the position of the next recording", *m_nextRecording, probe.position);

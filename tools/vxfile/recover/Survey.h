@@ -79,7 +79,7 @@ class CSurvey {
     std::function<void(std::int64_t)> m_reach;
     CInventory m_found;
     std::int64_t m_position = 0;
-    std::int32_t m_version = vxfileio::rawdata::kNewestVersion;
+    std::int32_t m_version = kNewestVersion;
     CEvidence m_evidence;
     CSegmentProof m_proof{m_probe, m_evidence};
     std::optional<std::int64_t> m_nextRecording;  ///< What the recording before says of the next one, if that is whole.

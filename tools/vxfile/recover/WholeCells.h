@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "vxfileio/rawdata/RawDataFormat.h"
+#include "tools/vxfile/recover/FixedLayouts.h"
 
 /// @file
 /// Which cells of a header are as a writer leaves them, to the byte. A reader takes cells on trust; whoever looks for

@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/rawdata/ExampleHdrs.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/rawdata/SegmentsOf.h"
+#include "tests/support/TempFolder.h"
+#include "tools/vxfile/raw/RawVerify.h"
+#include "vxfileio/rawdata/Layout.h"
+
+/// @file
+/// Files of versions 1 and 2 beside those of a version 3, which `PrivateVersion.cpp` adds to this program.
+
+namespace {
+
+/// Returns the bytes with others put in at an offset.
+std::string With(std::string bytes, std::size_t at, const std::string& more) { return bytes.insert(at, more); }
+
+/// A file like `SmallFileBytes` in any of the three versions, put together by hand.
+std::string FileOf(int version) {
+    if (version < 3) {
+        const std::int64_t data = 1190 + (version == 1 ? 2410 : 2460);
+        return FileHdrBytes(1190, "CompoundTest=1000:2000", version) +
+               RecordingHdrBytes({.data = data, .hasStartTime = version != 1}) +
+               SegmentHdrBytes(11, data + 308, 0, 300, "4") + SampleBytes(kWell11) +
+               SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12);
+    }
+    const auto segmentHdr = [](const std::string& hdr, const std::string& samples) {
+        return Cell(50, "Kind=Segment") + With(hdr, 150, Cell(30, "Begin=0")) + Cell(40, "Samples=4") + samples;
+    };
+    return With(FileHdrBytes(1280, "CompoundTest=1000:2000", 3), 340, Cell(50, "Operator=0123")) + Cell(40, "LotID=5") +
+           Cell(50, "Run=1") + With(RecordingHdrBytes({.data = 3900}), 400, Cell(50, "Length=300")) +
+           Cell(60, "Note=CompoundTest") + segmentHdr(SegmentHdrBytes(11, 4328, 0, 300, "4"), SampleBytes(kWell11)) +
+           segmentHdr(SegmentHdrBytes(12, -1, 0, 300, "4"), SampleBytes(kWell12));
+}
+
+/// Writes the file by the facade. `version` is what the caller's header says.
+std::string Written(int version) {
+    const CTempFolder folder;
+    CVXFileIO io;
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CRawDataFileHdr header = ExampleFileHdr();
+    header.FileVersion = version;
+    writer.Open(folder.Path("written.vxd"));
+    writer.WriteFileHdr(header);
+    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    writer.WriteData(11, 0, 300, 100, kWell11.data());
+    writer.WriteData(12, 0, 300, 100, kWell12.data());
+    writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+    writer.Close();
+    return ReadAll(folder.Path("written.vxd"));
+}
+
+TEST(LayoutTest, AWriterUsesTheLayoutOfTheVersionThatItsCallerNames) {
+    EXPECT_EQ(Written(2), FileOf(2));
+    EXPECT_EQ(Written(3), FileOf(3));
+}
+
+TEST(LayoutTest, AVersionNewerThanAllIsWrittenLikeTheNewestAndOneThatIsOnlyReadLikeVersion2) {
+    EXPECT_EQ(Written(7).size(), FileOf(3).size());
+    EXPECT_EQ(Written(1).size(), FileOf(2).size());
+    EXPECT_EQ(Written(-5).size(), FileOf(2).size());
+}
+
+class LayoutOfVersionTest : public testing::TestWithParam<int> {
+ protected:
+    /// Opens a file of these bytes and returns its content in one line.
+    std::string ContentOf(const std::string& bytes, std::int32_t well = -1) {
+        WriteAll(m_path, bytes);
+        return Content(well);
+    }
+
+    std::string Content(std::int32_t well = -1) const {
+        CVXFileIO io;
+        CIRawDataReader& reader = *io.GetRawDataReader();
+        try {
+            reader.Open(m_path);
+        } catch (const CExcVXReader& failure) {
+            return failure.GetMsg();
+        }
+        reader.SelectWellID(well);
+        if (!reader.JumpToData("CompoundTest", 1)) return "no recording";
+        const CRawDataRecordingHdr& header = *reader.GetRecordingHdr("CompoundTest", 1);
+        return reader.GetFileHdr()->CompoundName + " " + std::to_string(header.RecordingStartTime) + " " +
+               std::to_string(header.RecordingTime) + " " + std::to_string(header.WellChannels.size()) + " " +
+               SegmentsOf(reader);
+    }
+
+    const CTempFolder m_folder;
+    const std::string m_path = m_folder.Path("file.vxd");
+};
+
+TEST_P(LayoutOfVersionTest, AReaderFindsAllCells) {
+    const std::string start = GetParam() == 1 ? "0" : "1000000";
+    EXPECT_EQ(ContentOf(FileOf(GetParam())),
+              "Test " + start + " 300 2 11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end");
+    EXPECT_EQ(ContentOf(FileOf(GetParam()), 12), "Test " + start + " 300 2 12[0..300]7,8,9,10 end");
+}
+
+TEST_P(LayoutOfVersionTest, AReaderOfACutFileFindsWhatIsLeft) {
+    const auto& layout = vxfileio::rawdata::LayoutOf(GetParam());
+    const std::size_t data = layout.file.size + layout.recording.size;
+    std::size_t size = FileOf(GetParam()).size();
+    WriteAll(m_path, FileOf(GetParam()));
+    while (size-- > 0) {
+        std::filesystem::resize_file(m_path, size);
+        const std::string content = Content();
+        const bool hasSegment = content.find(" 11[0..") != std::string::npos;
+        if (size < 50) {
+            EXPECT_EQ(content, "Opened file is not a Vexaprobe file.") << size;
+        } else if (size < layout.file.size + 50) {
+            EXPECT_EQ(content, "Error reading Recording Header") << size;
+        } else if (size < data + 50) {
+            const bool isRefused = content == "no recording" || content == "Error reading Recording Header" ||
+                                   content.ends_with(" Error reading Data Segment Header");
+            EXPECT_TRUE(isRefused && !hasSegment) << size << ": " << content;
+        } else {
+            const std::size_t id = data + layout.segment["ID"].offset + std::string("ID=11").size();
+            EXPECT_EQ(hasSegment, size >= id) << size << ": " << content;
+        }
+    }
+}
+
+TEST_P(LayoutOfVersionTest, VerifyFindsNothingInAWholeFile) {
+    WriteAll(m_path, FileOf(GetParam()));
+    const vxfile::CFindings findings = vxfile::VerifyRawData(m_path);
+    for (const auto& finding : findings.Kept())
+        ADD_FAILURE() << finding.where << ": " << finding.found << ", not " << finding.expected;
+}
+
+TEST_P(LayoutOfVersionTest, VerifyNamesEachCellThatHasLostItsKey) {
+    const std::string file = FileOf(GetParam());
+    const auto& layout = vxfileio::rawdata::LayoutOf(GetParam());
+    const auto expectFinding = [&](const auto& hdr, std::size_t position) {
+        for (const auto& cell : hdr.cells.subspan(1)) {
+            std::string damaged = file;
+            damaged[position + cell.offset] = '~';
+            WriteAll(m_path, damaged);
+            const vxfile::CFindings findings = vxfile::VerifyRawData(m_path);
+            ASSERT_GE(findings.Count(), 1U) << cell.key;
+            EXPECT_EQ(findings.Kept()[0].offset, static_cast<std::int64_t>(position + cell.offset)) << cell.key;
+        }
+    };
+    expectFinding(layout.file, 0);
+    expectFinding(layout.recording, layout.file.size);
+    expectFinding(layout.segment, layout.file.size + layout.recording.size);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryVersion, LayoutOfVersionTest, testing::Values(1, 2, 3));
+
+}  // namespace
