@@ -1,5 +1,4 @@
-# Provides GTest::gtest_main: the installed package, or the sources that Debian's package brings along when the build
-# is for another system than this one.
+# Provides GTest::gtest_main: from the installed package or, in a cross build, from the sources in Debian's package.
 
 if(NOT CMAKE_CROSSCOMPILING)
   find_package(GTest REQUIRED)

@@ -1,5 +1,5 @@
-# Installs both libraries, the public headers, a CMake package and a pkg-config file: what programs need to run as the
-# component `library`, what developers need besides as `development`.
+# Installs both libraries, the public headers, a CMake package and a pkg-config file. The component `library` is what
+# programs need to run, `development` what developers need as well.
 
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
@@ -21,7 +21,7 @@ write_basic_package_version_file(VXFileIOConfigVersion.cmake COMPATIBILITY SameM
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VXFileIOConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/VXFileIOConfigVersion.cmake
         DESTINATION ${package_folder} COMPONENT development)
 
-# The .pc file finds its prefix from where it lies, so that an installed tree can be moved.
+# The .pc file names its prefix relative to its own folder, so that an installed tree can be moved.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
            OUTPUT_VARIABLE prefix_from_pc)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/vxfileio.pc.in vxfileio.pc @ONLY)

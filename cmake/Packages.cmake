@@ -1,4 +1,4 @@
-# Packages of what is installed: three for Debian, or an archive for Windows. scripts/package makes and tries them.
+# Packages: three for Debian, or an archive for Windows. scripts/package makes and tries them.
 
 set(CPACK_PACKAGE_NAME vxfileio)
 set(CPACK_PACKAGE_CONTACT "VX-FileIO <vx-fileio@invalid>")
@@ -6,6 +6,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON) # tests and examples needn't be built to be left out
 set(CPACK_COMPONENTS_ALL library development tool)
 
 if(WIN32)
@@ -14,6 +15,7 @@ if(WIN32)
   install(FILES LICENSE DESTINATION . COMPONENT library)
 else()
   set(CPACK_GENERATOR DEB)
+  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
   set(CPACK_COMPONENTS_GROUPING IGNORE)
   set(CPACK_DEB_COMPONENT_INSTALL ON)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -30,8 +32,8 @@ else()
   set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION science)
   set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The shared library.")
   set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, the static library, and files for CMake and pkg-config.")
-  set(CPACK_COMPONENT_TOOL_DESCRIPTION "The program vxfile, which looks into the files, checks and saves them.")
-  # The loader learns of the library when it comes and when it goes.
+  set(CPACK_COMPONENT_TOOL_DESCRIPTION "The program vxfile, which inspects, checks, compares and recovers the files.")
+  # Installing and removing the library updates the loader's cache.
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
   foreach(component IN ITEMS library development tool)
     string(TOUPPER ${component} name)

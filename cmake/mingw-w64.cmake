@@ -1,9 +1,9 @@
-# Builds for 64-bit Windows on Linux with MinGW-w64, and runs what was built under wine.
+# Builds for 64-bit Windows on Linux with MinGW-w64, and runs the programs under wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
-# The flavour with POSIX threads is the one that has std::thread.
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix) # GoogleTest's project asks for one
+# Only the variant with POSIX threads has std::thread.
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix) # GoogleTest's project is in C, too
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
@@ -13,7 +13,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# Programs need no DLL of the compiler beside them.
+# Programs then need no DLL of the compiler.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 
 set(CMAKE_CROSSCOMPILING_EMULATOR wine)

@@ -1,18 +1,26 @@
-# Functions that the scripts of this folder share. Source it from bash; it sets `root` to the project's folder.
+# Functions shared by the scripts in this folder. Source it from bash; it sets `root` to the project's folder.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
 
-# CMake's choice for build folders that don't exist yet.
+# CMake uses this generator for new build folders.
 export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}
 
-# die TEXT...: ends the script with a message.
+# die TEXT...: prints a message and ends the script with 1.
 die() {
     echo "$(basename "$0"): $*" >&2
     exit 1
 }
 
-# missing_packages PACKAGE...: prints those that aren't installed.
+# offer_help ARGUMENT...: if --help or -h is among the script's arguments, prints the comment at the top of the script
+# and ends it. Call it before anything is installed or built.
+offer_help() {
+    [[ " $* " == *" --help "* || " $* " == *" -h "* ]] || return 0
+    sed -n '2,${/^#/!q;s/^# \{0,1\}//p}' "$0"
+    exit 0
+}
+
+# missing_packages PACKAGE...: prints the packages that aren't installed.
 missing_packages() {
     local package
     for package; do
@@ -20,10 +28,10 @@ missing_packages() {
     done
 }
 
-# need PACKAGE...: installs Debian packages, as root or by sudo. It does nothing if all are there.
+# need PACKAGE...: installs missing Debian packages, as root or with sudo.
 need() {
     if ! command -v dpkg-query >/dev/null; then
-        echo "This is no Debian system: what these packages hold must be there already: $*" >&2
+        echo "This isn't Debian. Make sure that the content of these packages is installed: $*" >&2
         return
     fi
     local missing
@@ -32,29 +40,43 @@ need() {
 
     local become_root=()
     if ((EUID != 0)); then
-        command -v sudo >/dev/null || die "not root and no sudo; have these packages installed: ${missing[*]}"
+        command -v sudo >/dev/null || die "not root, and sudo is missing; install these packages: ${missing[*]}"
         become_root=(sudo)
     fi
     echo "Installing ${missing[*]}"
     if ! { "${become_root[@]}" apt-get update -qq -o Acquire::Retries=3 &&
         "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq -o Acquire::Retries=3 \
             --no-install-recommends "${missing[@]}" >/dev/null; }; then
-        die "could not install packages; have these installed: ${missing[*]}"
+        die "could not install packages; install them yourself: ${missing[*]}"
     fi
 }
 
-# build_preset NAME [TARGET...]: configures a preset and builds it, without words as long as nothing goes wrong.
+# version: prints the project's version, which CMakeLists.txt defines.
+version() { sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' "$root/CMakeLists.txt"; }
+
+# configure_preset NAME [OPTION...]: configures the build folder of a preset.
+configure_preset() { (cd "$root" && cmake --preset "$1" "${@:2}" --log-level=WARNING >/dev/null); }
+
+# build_preset NAME [TARGET...]: configures a preset and builds all or some targets. Prints errors only.
 build_preset() {
     local preset=$1 targets=()
     shift
     (($#)) && targets=(--target "$@")
     echo "Building $preset"
-    (cd "$root" && cmake --preset "$preset" --log-level=WARNING >/dev/null &&
-        cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet)
+    configure_preset "$preset"
+    (cd "$root" && cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet)
 }
 
-# start_wine: starts wine in build/wine and ends it with the script. A server that is there before the first program,
-# and holds none of our streams, keeps each start short and nobody waiting for it.
+# build_with_progress NAME TARGET...: the same, and prints how far it is at every tenth.
+build_with_progress() {
+    configure_preset "$1"
+    (cd "$root" && cmake --build --preset "$1" --parallel "$jobs" --target "${@:2}") | awk -F '[][/]' '
+        !/^\[[0-9]+\/[0-9]+\]/ { print; next }
+        int(10 * $2 / $3) > tenth { tenth = int(10 * $2 / $3); print "  " 10 * tenth " %"; fflush() }'
+}
+
+# start_wine: starts wine in build/wine, and stops it when the script ends. A server that already runs makes each program
+# start faster. It must not hold our streams, or the reader of a stream would wait for it.
 start_wine() {
     export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     mkdir -p "$WINEPREFIX"

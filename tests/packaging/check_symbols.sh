@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# check_symbols.sh PREFIX: the installed shared library exports what the public headers mark, all of it and nothing
-# else, has its versioned name, and needs only the C++ runtime.
+# check_symbols.sh PREFIX VERSION: checks that the installed shared library exports exactly what the public headers mark,
+# has its versioned name, and needs only the C++ runtime.
 set -euo pipefail
 prefix=$1
+major=${2%%.*}
 library=$prefix/lib/libvxfileio.so
 status=0
 
@@ -11,13 +12,13 @@ complain() {
     status=1
 }
 
-# What stands behind VXFILEIO_API in the headers: classes, and functions with their name before the parenthesis.
+# Prints the names after VXFILEIO_API in the headers: of classes, and of functions.
 public_names() {
     grep -rhoP '(class|struct) VXFILEIO_API \K\w+|^VXFILEIO_API [^(]*?\K\w+(?=\()' "$prefix/include" | sort -u
 }
 
-# What a symbol belongs to: the class or the free function. "typeinfo for" and the like belong to their class. Functions
-# made from templates tell their type first.
+# Reads symbols and prints the class or free function that each belongs to. "typeinfo for" and the like belong to their
+# class. Functions made from templates start with their return type.
 owners() {
     sed -E 's/^((typeinfo|typeinfo name|vtable|VTT|guard variable) for |void )//; s/\[abi:cxx11\]//
             s/^gd_xml_stream:://; s/(::|\(|<| ).*//' | sort -u
@@ -30,7 +31,7 @@ unseen=$(comm -23 <(public_names) <(owners <<<"$exported"))
 [[ -z $unseen ]] || complain "in a public header, but not exported:" "$unseen"
 
 soname=$(readelf -d "$library" | sed -n 's/.*SONAME.*\[\(.*\)\]/\1/p')
-[[ $soname == libvxfileio.so.1 ]] || complain "the library calls itself $soname"
+[[ $soname == libvxfileio.so.$major ]] || complain "the library's soname is $soname"
 
 needed=$(readelf -d "$library" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | grep -vE '^lib(stdc\+\+|gcc_s|c|m)\.so\.' || true)
 [[ -z $needed ]] || complain "the library needs $needed"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# windows.sh LINUX_BUILD WINDOWS_BUILD: runs the tests of the Windows build under wine, and compares the files that the
-# programs of both builds write, byte by byte.
+# windows.sh LINUX_BUILD WINDOWS_BUILD: runs the tests of the Windows build under wine, then compares the files that the
+# programs of both builds write.
 set -euo pipefail
 linux=$1
 windows=$2
@@ -8,8 +8,8 @@ work=$(dirname "$windows")/wine-files
 
 source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib.sh"
 
-# on_both PROGRAM [ARGUMENT...]: runs a program of both builds, each in a folder of its own, and compares what they
-# leave there.
+# on_both PROGRAM [ARGUMENT...]: runs a program of both builds, each in its own folder, and compares the files they
+# write.
 on_both() {
     local program=$1
     shift
@@ -18,7 +18,7 @@ on_both() {
     mkdir -p "$work/linux" "$work/windows"
     (cd "$work/linux" && "$linux/bin/$program" "$@" >/dev/null)
     (cd "$work/windows" && wine "$windows/bin/$program.exe" "$@" >/dev/null)
-    # A settings file tells when it was written, which is never the same twice.
+    # Settings files contain the time of writing, which differs.
     find "$work" -name '*.vxs' -exec sed -i -E \
         's|(<AnalyzingDate>)[0-9]+(</AnalyzingDate><AnalyzingDateString>)[-0-9: ]+|\1\2|' {} +
     [[ -n $(ls "$work/linux") ]] || { echo "$program wrote nothing" >&2 && exit 1; }

@@ -4,8 +4,8 @@
 #include <array>
 #include <iostream>
 
-// Goes once through what a caller's link needs: the facades, a value class, the words, and a failure that is thrown
-// inside the library and caught outside.
+// Uses what a caller links: the facades, a value class, the words of an enumeration, and an exception that is thrown in
+// the library and caught here.
 
 namespace {
 
@@ -53,6 +53,6 @@ int main() {
     CVXFileIO io;
     Write(*io.GetRawDateWriter());
     const bool isGood = ComesBack(*io.GetRawDataReader()) && FailureArrives(*io.GetRawDataReader());
-    std::cout << (isGood ? "the library does its work\n" : "the library failed\n");
+    std::cout << (isGood ? "the library works\n" : "the library failed\n");
     return isGood ? 0 : 1;
 }

@@ -1,0 +1,91 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy over source files, several in one translation unit.
+
+    tidy.py DATABASE_FOLDER SOURCE...
+
+clang-tidy spends nine tenths of its time on the standard library's headers. Sources that are compiled alike share one
+generated file, so those headers are read once per group, and checks see through calls from one source into another.
+Two sources that use the same private name can't share a group. Where that is overlooked, the group doesn't compile, and
+its sources are checked one by one.
+"""
+
+import concurrent.futures
+import json
+import os
+import re
+import shlex
+import subprocess
+import sys
+
+LARGEST_GROUP = 12
+# A name that is defined at the beginning of a line, which is where clang-format puts what namespaces hold.
+DEFINITION = re.compile(r"^(?=[a-zA-Z])(?!using|namespace|return|#)[^\n=;{}]*?\b(\w+)(?:<[^\n;{}]*>)?\s*(?:[({=;\[]|:(?!:))",
+                        re.MULTILINE)
+
+
+def flags_of(entry):
+    """Returns the compiler's arguments without the source and the object file."""
+    words = shlex.split(entry["command"])[1:]
+    return tuple(word for before, word in zip([""] + words, words)
+                 if word not in ("-c", "-o", entry["file"]) and before != "-o" and not word.startswith("-DVXFILEIO_BUILD"))
+
+
+def private_names(source):
+    """Returns the names that a source defines in unnamed namespaces, and perhaps a few that it doesn't."""
+    with open(source, encoding="utf-8") as file:
+        text = file.read()
+    parts = re.findall(r"^namespace \{\n(.*?)^\}  // namespace", text, re.MULTILINE | re.DOTALL)
+    return set(DEFINITION.findall("\n".join(parts)))
+
+
+def groups_of(sources, database):
+    """Divides sources into groups that compile together: the same flags, no private name twice."""
+    groups = []  # (flags, sources, names)
+    for source in sources:
+        names, flags = private_names(source), flags_of(database[source])
+        for group_flags, members, taken in groups:
+            if group_flags == flags and len(members) < LARGEST_GROUP and not names & taken:
+                members.append(source)
+                taken |= names
+                break
+        else:
+            groups.append((flags, [source], names))
+    return groups
+
+
+def tidy(source, flags):
+    """Runs clang-tidy and returns whether it found nothing, and what it printed."""
+    run = subprocess.run(["clang-tidy", "--quiet", source, "--", *flags], capture_output=True, text=True, check=False)
+    return run.returncode == 0, run.stdout
+
+
+def check(number, group, folder):
+    """Checks one group; returns whether nothing was found, and what was."""
+    flags, members, _ = group
+    together = os.path.join(folder, f"group_{number}.cpp")
+    with open(together, "w", encoding="utf-8") as file:
+        file.writelines(f'#include "{source}"\n' for source in members)
+    passed, text = tidy(together, flags)
+    if not passed and "[clang-diagnostic-error" in text:
+        alone = [tidy(source, flags) for source in members]
+        return all(ok for ok, _ in alone), "".join(found for _, found in alone)
+    return passed, text
+
+
+def main():
+    build, sources = sys.argv[1], sorted(sys.argv[2:])
+    with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
+        database = {entry["file"]: entry for entry in json.load(file)}
+    folder = os.path.join(build, "tidy")
+    os.makedirs(folder, exist_ok=True)
+    groups = groups_of(sources, database)
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        results = list(pool.map(lambda numbered: check(*numbered, folder), enumerate(groups)))
+    for _, text in results:
+        print(text, end="")
+    print(f"clang-tidy checked {len(sources)} sources in {len(groups)} groups")
+    return 0 if all(passed for passed, _ in results) else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
