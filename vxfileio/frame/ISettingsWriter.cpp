@@ -9,27 +9,27 @@ CISettingsWriter::~CISettingsWriter() = default;
 
 void CISettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) { m_writer->SetXmlFileHeader(header); }
 
-void CISettingsWriter::SetControlProperty(const CPropControl& property) { m_writer->SetControlProperty(property); }
+void CISettingsWriter::SetControlProperty(const CPropControl& property) { m_writer->Content().Control = property; }
 
-void CISettingsWriter::SetNotebookProperty(const CPropNotebook& property) { m_writer->SetNotebookProperty(property); }
+void CISettingsWriter::SetNotebookProperty(const CPropNotebook& property) { m_writer->Content().Notebook = property; }
 
-void CISettingsWriter::SetRobotProperty(const CPropRobot& property) { m_writer->SetRobotProperty(property); }
+void CISettingsWriter::SetRobotProperty(const CPropRobot& property) { m_writer->Content().Robot = property; }
 
 void CISettingsWriter::SetRecordPlateProperty(const CPropRecordPlate& property) {
-    m_writer->SetRecordPlateProperty(property);
+    m_writer->Content().RecordPlate = property;
 }
 
 void CISettingsWriter::SetQualityCheckProperty(const CPropQualityCheck& property) {
-    m_writer->SetQualityCheckProperty(property);
+    m_writer->Content().QualityCheck = property;
 }
 
-void CISettingsWriter::SetWashInProperty(const CPropWashIn& property) { m_writer->SetWashInProperty(property); }
+void CISettingsWriter::SetWashInProperty(const CPropWashIn& property) { m_writer->Content().WashIn = property; }
 
 void CISettingsWriter::SetRecordingProperty(const CPropRecording& property) {
-    m_writer->SetRecordingProperty(property);
+    m_writer->Content().Recording = property;
 }
 
-void CISettingsWriter::SetAnalyzerProperty(const CPropAnalyzer& property) { m_writer->SetAnalyzerProperty(property); }
+void CISettingsWriter::SetAnalyzerProperty(const CPropAnalyzer& property) { m_writer->Content().Analyzer = property; }
 
 void CISettingsWriter::WriteFile(const std::string& path) {
     m_writer->WriteFile(path, CPropRecordPlate::kFirstCompound);

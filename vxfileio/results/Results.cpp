@@ -1,9 +1,8 @@
 #include "vxfileio/results/Results.h"
 
-#include "vxfileio/results/ResultsFile.h"
-#include "vxfileio/xmlarchive/XmlFields.h"
+#include "vxfileio/results/forms/ResultsForm.h"
 
-namespace vxfileio::xmlarchive {
+namespace vxfileio::results {
 
 namespace {
 
@@ -40,7 +39,7 @@ std::vector<typename Map::key_type> KeysOf(const Map& map) {
 
 }  // namespace
 
-}  // namespace vxfileio::xmlarchive
+}  // namespace vxfileio::results
 
 void CResults::SetFPAverage(std::uint32_t samples, std::int64_t averageTick, std::int64_t preFPfastTime) {
     FPAverageSamples = samples;
@@ -57,10 +56,10 @@ void CResults::Init(std::int32_t compoundID, enTask task, const std::string& tas
     Tasks[task] = std::move(results);
 }
 
-std::vector<enTask> CResults::GetTasks() const { return vxfileio::xmlarchive::KeysOf(Tasks); }
+std::vector<enTask> CResults::GetTasks() const { return vxfileio::results::KeysOf(Tasks); }
 
-CResultsTask* CResults::GetTaskResults(enTask task) { return vxfileio::xmlarchive::FindIn(Tasks, task); }
-const CResultsTask* CResults::GetTaskResults(enTask task) const { return vxfileio::xmlarchive::FindIn(Tasks, task); }
+CResultsTask* CResults::GetTaskResults(enTask task) { return vxfileio::results::FindIn(Tasks, task); }
+const CResultsTask* CResults::GetTaskResults(enTask task) const { return vxfileio::results::FindIn(Tasks, task); }
 
 std::int32_t CResults::GetRecordingCount(enTask task) const {
     const CResultsTask* const found = GetTaskResults(task);
@@ -68,22 +67,22 @@ std::int32_t CResults::GetRecordingCount(enTask task) const {
 }
 
 CResultsRecording* CResults::GetRecording(enTask task, std::int32_t index) {
-    return vxfileio::xmlarchive::RecordingOf(*this, task, index);
+    return vxfileio::results::RecordingOf(*this, task, index);
 }
 const CResultsRecording* CResults::GetRecording(enTask task, std::int32_t index) const {
-    return vxfileio::xmlarchive::RecordingOf(*this, task, index);
+    return vxfileio::results::RecordingOf(*this, task, index);
 }
 
 std::vector<std::int32_t> CResults::GetWellIDs(enTask task, std::int32_t index) const {
     const CResultsRecording* const recording = GetRecording(task, index);
-    return recording == nullptr ? std::vector<std::int32_t>() : vxfileio::xmlarchive::KeysOf(recording->Wells);
+    return recording == nullptr ? std::vector<std::int32_t>() : vxfileio::results::KeysOf(recording->Wells);
 }
 
 CResultsWell* CResults::GetWellResults(enTask task, std::int32_t index, std::int32_t wellID) {
-    return vxfileio::xmlarchive::WellOf(*this, task, index, wellID);
+    return vxfileio::results::WellOf(*this, task, index, wellID);
 }
 const CResultsWell* CResults::GetWellResults(enTask task, std::int32_t index, std::int32_t wellID) const {
-    return vxfileio::xmlarchive::WellOf(*this, task, index, wellID);
+    return vxfileio::results::WellOf(*this, task, index, wellID);
 }
 
 void CResults::SetCompoundResults(enTask task, std::int32_t index, enResponseType type, double normMean,
@@ -109,7 +108,7 @@ void CResults::Save(CXmlFileArchive& archive) const {
 
 void CResults::Load(CXmlFileArchive& archive) {
     vxfileio::xmlarchive::ForEachEventUntil(archive, vxfileio::results::kResultsElement, [&] {
-        if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement)) return;
+        if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement.tag)) return;
         CResultsTask results;
         results.Load(archive);
         const enTask task = StringToTask(results.TaskName);

@@ -6,7 +6,7 @@
 namespace vxfileio::results {
 
 void CResultsReader::ReadFile(const std::string& path) {
-    xmlarchive::ReadDocument(path, vxfileio::results::kResultsOpenFailed, [&](CXmlFileArchive& archive) {
+    xmlarchive::ReadDocument(path, kResultsOpenFailed, [&](CXmlFileArchive& archive) {
         m_header.Load(archive);
         m_results.Load(archive);
     });

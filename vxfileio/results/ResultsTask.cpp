@@ -1,20 +1,6 @@
 #include "vxfileio/results/ResultsTask.h"
 
-#include "vxfileio/results/ResultsFile.h"
-#include "vxfileio/xmlarchive/XmlFields.h"
-
-namespace vxfileio::xmlarchive {
-
-template <>
-struct CXmlForm<CResultsTask> {
-    static constexpr std::string_view kElement = results::kTaskElement;
-    static constexpr auto kFields = std::tuple{
-        CValueField{"TaskName", &CResultsTask::TaskName},
-        CObjectsField{"Recordings", &CResultsTask::Recordings},
-    };
-};
-
-}  // namespace vxfileio::xmlarchive
+#include "vxfileio/results/forms/ResultsTaskForm.h"
 
 CResultsTask::CResultsTask(const std::vector<std::uint64_t>& doses, const std::vector<std::int32_t>& wellIDs,
                            const std::vector<std::string>& wellLabels, std::uint32_t samples, std::int64_t averageTick,

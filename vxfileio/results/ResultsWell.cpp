@@ -2,82 +2,9 @@
 
 #include <utility>
 
-#include "vxfileio/results/ResultsFile.h"
-#include "vxfileio/xmlarchive/XmlFields.h"
+#include "vxfileio/results/forms/ResultsWellForm.h"
 
-namespace vxfileio::xmlarchive {
-
-namespace {
-
-/// The average: one child with all samples in one text.
-struct CAverageField {
-    std::string_view tag = "Average";
-    std::string_view samplesTag = "Ave";
-
-    void Put(CXmlFileArchive& archive, const CResultsWell& well) const {
-        archive.PutAttribute("Size", static_cast<std::int32_t>(well.Average.size()));
-        archive.OpenChild(samplesTag).PutSamples(well.Average).CloseElement();
-    }
-    void Get(CXmlFileArchive& archive, CResultsWell& well) const {
-        well.Average.resize(archive.GetListSize());
-        archive.NextElement();
-        if (IsStartOf(archive, samplesTag)) archive.GetSamples(well.Average);
-    }
-};
-
-}  // namespace
-
-template <>
-struct CXmlForm<CResultsWell> {
-    using Well = CResultsWell;
-    static constexpr std::string_view kElement = results::kWellElement;
-
-    /// What every well has.
-    static constexpr auto kHead = std::tuple{
-        CValueField{"WellLabel", &Well::WellLabel},
-        CValueField{"Dose", &Well::Dose},
-        CPlacedValuesField{"FPfastDetectionTimes", "Time", &Well::FPfastDetectionTimes},
-    };
-    /// What a well with detection times has, up to the word on whether `kFindings` hold anything.
-    static constexpr auto kAverage = std::tuple{
-        CValueField{"AverageCount", &Well::AverageCount},
-        CValueField{"AveragePreFPfastTime", &Well::AveragePreFPfastTime},
-        CValueField{"AverageTick", &Well::AverageTick},
-        CAverageField{},
-        CValueField{"FPfastDetected", &Well::FPfastDetected},
-    };
-    static constexpr auto kFindings = std::tuple{
-        CValueField{"FPfastMaxAmp", &Well::FPfastMaxAmp},
-        CValueField{"FPfastMaxAmpTimeStamp", &Well::FPfastMaxAmpTimeStamp},
-        CValueField{"FPfastMinAmp", &Well::FPfastMinAmp},
-        CValueField{"FPfastMinAmpTimeStamp", &Well::FPfastMinAmpTimeStamp},
-        CValueField{"FPfastSlopeX0", &Well::FPfastSlopeX0},
-        CValueField{"FPfastSlopeY0", &Well::FPfastSlopeY0},
-        CValueField{"FPfastSlopeX1", &Well::FPfastSlopeX1},
-        CValueField{"FPfastSlopeY1", &Well::FPfastSlopeY1},
-    };
-    static constexpr auto kResponses = std::tuple{
-        CWordField{"FPmaxType", &Well::FPmaxType},
-        CKeyedObjectsField{"Responses", &Well::Responses, &CResponse::Label},
-        CKeyedObjectsField{"NormalizedResponses", &Well::NormalizedResponses, &CResponse::Label},
-    };
-};
-
-namespace {
-
-using CWellForm = CXmlForm<CResultsWell>;
-
-/// Writes the elements of these fields with empty text.
-template <class... Fields>
-void PutEmpty(CXmlFileArchive& archive, const std::tuple<Fields...>& fields) {
-    std::apply([&](const auto&... field) { (SaveValue(archive, field.tag, ""), ...); }, fields);
-}
-
-}  // namespace
-
-}  // namespace vxfileio::xmlarchive
-
-using vxfileio::xmlarchive::CWellForm;
+using CForm = vxfileio::xmlarchive::CXmlForm<CResultsWell>;
 
 CResultsWell::CResultsWell(std::uint64_t dose, std::string label, std::uint32_t samples, std::int64_t averageTick,
                            std::int64_t preFPfastTime)
@@ -123,15 +50,8 @@ void CResultsWell::ClearNormalizedResponses() { NormalizedResponses.clear(); }
 void CResultsWell::Clear() { *this = CResultsWell(); }
 
 void CResultsWell::Save(CXmlFileArchive& archive) const {
-    vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kHead);
-    if (FPfastDetectionTimes.empty()) return;
-    vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kAverage);
-    if (FPfastDetected) {
-        vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kFindings);
-    } else {
-        vxfileio::xmlarchive::PutEmpty(archive, CWellForm::kFindings);
-    }
-    vxfileio::xmlarchive::PutFields(archive, *this, CWellForm::kResponses);
+    vxfileio::xmlarchive::PutFields(archive, CForm::kHead, *this);
+    if (!FPfastDetectionTimes.empty()) vxfileio::xmlarchive::PutFields(archive, CForm::kRest, *this);
 }
 
 void CResultsWell::Load(CXmlFileArchive& archive) {
@@ -139,10 +59,5 @@ void CResultsWell::Load(CXmlFileArchive& archive) {
     FPfastMaxAmp = FPfastMinAmp = 0.0;
     FPfastMaxAmpTimeStamp = FPfastMinAmpTimeStamp = 0;
     FPmaxType = enFPmaxType::Undefined;
-    vxfileio::xmlarchive::ForEachEventUntil(archive, CWellForm::kElement, [&] {
-        if (vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kHead)) return;
-        if (vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kAverage)) return;
-        if (vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kResponses)) return;
-        if (FPfastDetected) vxfileio::xmlarchive::GetField(archive, *this, CWellForm::kFindings);
-    });
+    vxfileio::xmlarchive::LoadElement(archive, *this);
 }

@@ -7,7 +7,7 @@ namespace vxfileio::results {
 
 void CResultsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_header = header;
-    m_header.FileType = vxfileio::results::kResultsFileType;
+    m_header.FileType = kResultsFileType;
 }
 
 void CResultsWriter::WriteFile(const std::string& path, const CResults& results) {
@@ -15,7 +15,7 @@ void CResultsWriter::WriteFile(const std::string& path, const CResults& results)
         m_header.Save(archive);
         results.Save(archive);
     };
-    xmlarchive::WriteDocument(path, vxfileio::results::kResultsOpenFailed, m_writeError, save);
+    xmlarchive::WriteDocument(path, kResultsOpenFailed, m_writeError, save);
 }
 
 }  // namespace vxfileio::results

@@ -1,22 +1,6 @@
 #include "vxfileio/settings/PropControl.h"
 
-#include "vxfileio/settings/SettingsFile.h"
-#include "vxfileio/xmlarchive/XmlFields.h"
-
-namespace vxfileio::xmlarchive {
-
-template <>
-struct CXmlForm<CPropControl> {
-    static constexpr std::string_view kElement = settings::kControlElement;
-    static constexpr auto kFields = std::tuple{
-        CWordField{"VexaprobeMode", &CPropControl::VexaprobeMode},
-        CWordField{"RobotMode", &CPropControl::RobotMode},
-        CWordField{"DataAcqMode", &CPropControl::DataAcqMode},
-        CValueField{"SimulationDataFile", &CPropControl::SimulationDataFile},
-    };
-};
-
-}  // namespace vxfileio::xmlarchive
+#include "vxfileio/settings/forms/ControlForm.h"
 
 void CPropControlSlots::Save(CXmlFileArchive& /*archive*/) {}
 void CPropControlSlots::Load(CXmlFileArchive& /*archive*/) {}

@@ -1,29 +1,6 @@
 #include "vxfileio/settings/PropNotebook.h"
 
-#include "vxfileio/settings/SettingsFile.h"
-#include "vxfileio/xmlarchive/XmlFields.h"
-
-namespace vxfileio::xmlarchive {
-
-template <>
-struct CXmlForm<CPropNotebook> {
-    static constexpr std::string_view kElement = settings::kNotebookElement;
-    static constexpr auto kFields = std::tuple{
-        CTextField{"ExperimentID", &CPropNotebook::ExperimentID},
-        CTextField{"FileName", &CPropNotebook::FileName},
-        CTextField{"Director", &CPropNotebook::Director},
-        CTextField{"Scientist", &CPropNotebook::Scientist},
-        CTextField{"Operator", &CPropNotebook::Operator},
-        CTextField{"Department", &CPropNotebook::Department},
-        CTextField{"Company", &CPropNotebook::Company},
-        CTextField{"StudyDesignator", &CPropNotebook::StudyDesignator},
-        CTextField{"Species", &CPropNotebook::Species},
-        CTextField{"Age", &CPropNotebook::Age},
-        CTextField{"Comment", &CPropNotebook::Comment},
-    };
-};
-
-}  // namespace vxfileio::xmlarchive
+#include "vxfileio/settings/forms/NotebookForm.h"
 
 void CPropNotebook::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
 void CPropNotebook::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -7,147 +7,14 @@
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/helpers/DeepCopy.h"
-#include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/settings/WellIndex.h"
-#include "vxfileio/xmlarchive/XmlFields.h"
+#include "vxfileio/settings/forms/RecordPlateForm.h"
 
 using vxfileio::base::CExcConversion;
 
-namespace vxfileio::xmlarchive {
+namespace vxfileio::settings {
 
 namespace {
-
-/// A list of values in which only the entries count; what stands between them is passed over.
-template <class Object, class Value>
-struct CSoughtValuesField : CListField<Object, Value> {
-    using CListField<Object, Value>::CListField;
-
-    void Get(CXmlFileArchive& archive, Object& object) const {
-        auto& values = object.*(this->member);
-        values.assign(archive.GetListSize(), Value{});
-        if (values.empty()) return;  // such a list is self-closed and has no end tag
-        std::size_t found = 0;
-        while (found < values.size() && archive.NextElement()) {
-            if (IsStartOf(archive, this->entryTag)) archive.GetValue(values[found++]);
-        }
-        archive.NextElement();  // the end tag
-    }
-};
-template <class Object, class Value>
-CSoughtValuesField(std::string_view, std::string_view, std::vector<Value> Object::*)
-    -> CSoughtValuesField<Object, Value>;
-
-/// A list of owned objects, which replaces the one before.
-template <class Object, class Entry>
-struct COwnedListField {
-    std::string_view tag;
-    std::vector<std::unique_ptr<Entry>> Object::*member;
-
-    void Put(CXmlFileArchive& archive, const Object& object) const {
-        std::vector<const Entry*> entries;
-        for (const auto& entry : object.*member) {
-            if (entry) entries.push_back(entry.get());
-        }
-        PutList(archive, entries, [&](const Entry* entry) { SaveEntry(archive, *entry); });
-    }
-    void Get(CXmlFileArchive& archive, Object& object) const {
-        auto& entries = object.*member;
-        entries.clear();
-        GetEntries<Entry>(archive, [&](Entry entry) { entries.push_back(std::make_unique<Entry>(std::move(entry))); });
-    }
-};
-template <class Object, class Entry>
-COwnedListField(std::string_view, std::vector<std::unique_ptr<Entry>> Object::*) -> COwnedListField<Object, Entry>;
-
-/// The wells of the long form. Being inactive doesn't outlast the run that a well was inactive in.
-struct CPlateWellsField : COwnedListField<PlateRecords, PlateWell> {
-    void Get(CXmlFileArchive& archive, PlateData& data) const {
-        COwnedListField::Get(archive, data);
-        for (const auto& well : data.Wells) {
-            if (well->State == PlateWell::kInactive) well->State = PlateWell::kActive;
-        }
-    }
-};
-
-/// The layout, which the plate map follows.
-struct CLayoutField {
-    std::string_view tag = "Layout";
-    CWordField<PlateData, enPlateLayout> word{tag, &PlateData::Layout};
-
-    void Put(CXmlFileArchive& archive, const CPropRecordPlate& plate) const { word.Put(archive, plate.Data); }
-    void Get(CXmlFileArchive& archive, CPropRecordPlate& plate) const {
-        word.Get(archive, plate.Data);
-        plate.BuildPlateMap(plate.Data.Layout);
-    }
-};
-
-}  // namespace
-
-template <>
-struct CXmlForm<PlateCompound> {
-    static constexpr std::string_view kElement = "Compound";
-    static constexpr CValueField kID{"CompoundID", &PlateCompound::CompoundID};
-    static constexpr CTextField kLabel{"Label", &PlateCompound::Label};
-    static constexpr auto kFields = std::tuple{
-        kID,
-        kLabel,
-        CCharacterField{"StockPlateID", &PlateCompound::StockPlateID},
-        CValueField{"StockPlateRow", &PlateCompound::StockPlateRow},
-        CSoughtValuesField{"Wells", "WellID", &PlateCompound::Wells},
-    };
-};
-
-template <>
-struct CXmlForm<PlateWell> {
-    static constexpr std::string_view kElement = "Well";
-    static constexpr auto kFields = std::tuple{
-        CValueField{"WellID", &PlateWell::WellID},     CValueField{"ChID", &PlateWell::ChID},
-        CValueField{"Label", &PlateWell::Label},       CValueField{"PlateColumn", &PlateWell::PlateColumn},
-        CValueField{"PlateRow", &PlateWell::PlateRow}, CValueField{"State", &PlateWell::State},
-    };
-};
-
-template <>
-struct CXmlForm<CPropRecordPlate> {
-    static constexpr std::string_view kElement = settings::kRecordPlateElement;
-
-    /// What both forms have: at their heads, and further down in an order of their own.
-    static constexpr auto kHead = std::tuple_cat(
-        std::tuple{CLayoutField{}},
-        FieldsOfPart(&CPropRecordPlate::Data,  //
-                     CCharacterField{"PlateID", &PlateData::PlateID}, CValueField{"PlateRows", &PlateData::PlateRows},
-                     CValueField{"PlateColumns", &PlateData::PlateColumns}));
-    static constexpr auto kSeries =
-        FieldsOfPart(&CPropRecordPlate::Data, CValuesField{"Series", "Dose", &PlateData::Series});
-    static constexpr auto kPipetMode =
-        FieldsOfPart(&CPropRecordPlate::Data, CWordField{"PipetMode", &PlateData::PipetMode});
-
-    /// The long form.
-    static constexpr auto kFields = std::tuple_cat(
-        kHead,
-        FieldsOfPart(&CPropRecordPlate::Data,  //
-                     COwnedListField{"Compounds", &PlateRecords::Compounds},
-                     CPlateWellsField{{"Wells", &PlateRecords::Wells}}),
-        kSeries,
-        FieldsOfPart(&CPropRecordPlate::Data,  //
-                     CValueField{"MaxVolume", &PlateData::MaxVolume},
-                     CValueField{"MinWellsPerCompound", &PlateData::MinWellsPerCompound},
-                     CValueField{"MixVolume", &PlateData::MixVolume}),
-        kPipetMode, FieldsOfPart(&CPropRecordPlate::Data, CValueField{"StdVolume", &PlateData::StdVolume}));
-
-    /// The short form: the compound's own fields, whose label is read like that of a well, and the wells with their
-    /// records.
-    static constexpr auto kShortCompound = std::tuple{
-        CXmlForm<PlateCompound>::kID,
-        CValueField{"Label", &PlateCompound::Label},
-    };
-    static constexpr std::string_view kShortWells = "Wells";
-    static constexpr auto kShortRest = std::tuple_cat(kPipetMode, kSeries);
-};
-
-namespace {
-
-using CPlateForm = CXmlForm<CPropRecordPlate>;
 
 bool IsActive(std::int32_t state) { return state == PlateWell::kActive || state == PlateWell::kNew; }
 
@@ -182,16 +49,6 @@ const PlateCompound* CompoundAt(const PlateData& data, std::int32_t index) {
     }
     const auto place = static_cast<std::size_t>(index);
     return index >= 0 && place < data.Compounds.size() ? data.Compounds[place].get() : nullptr;
-}
-
-/// Reads the wells of the short form's compound, and adds a record for each.
-void LoadShortWells(CXmlFileArchive& archive, PlateData& data, PlateCompound& compound, settings::CWellIndex& index) {
-    compound.Wells.clear();
-    GetEntries<PlateWell>(archive, [&](const PlateWell& well) {
-        data.AddWell(well.WellID, well.PlateRow, well.PlateColumn, well.ChID, well.Label);
-        index.Add(*data.Wells.back()).State = well.State;
-        compound.Wells.push_back(well.WellID);
-    });
 }
 
 // ---- Plate maps -----------------------------------------------------------------------------------------------------
@@ -265,9 +122,9 @@ constexpr std::array<std::string_view, 4> kDoseUnits{"pM", "nM", "\xB5M", "mM"};
 
 }  // namespace
 
-}  // namespace vxfileio::xmlarchive
+}  // namespace vxfileio::settings
 
-using vxfileio::xmlarchive::CPlateForm;
+using namespace vxfileio::settings;
 
 PlateRecords::PlateRecords(const PlateRecords& other)
     : Compounds(vxfileio::helpers::DeepCopy(other.Compounds)), Wells(vxfileio::helpers::DeepCopy(other.Wells)) {}
@@ -290,28 +147,16 @@ void CPropRecordPlate::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::Sa
 void CPropRecordPlate::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }
 
 void CPropRecordPlate::RequireCompound(std::int32_t index) const {
-    if (index == kFirstCompound || vxfileio::xmlarchive::CompoundAt(Data, index) != nullptr) return;
+    if (index == kFirstCompound || CompoundAt(Data, index) != nullptr) return;
     throw CExcVXReader("The record plate has no compound at index " + std::to_string(index));
 }
 
 void CPropRecordPlate::SaveShort(CXmlFileArchive& archive, std::int32_t index) const {
     RequireCompound(index);
     const PlateCompound none;
-    const PlateCompound* const found = vxfileio::xmlarchive::CompoundAt(Data, index);
+    const PlateCompound* const found = CompoundAt(Data, index);
     const PlateCompound& compound = found == nullptr ? none : *found;
-    const vxfileio::settings::CWellIndex wells(Data);
-
-    archive.OpenChild(CPlateForm::kElement);
-    vxfileio::xmlarchive::PutFields(archive, *this, CPlateForm::kHead);
-    vxfileio::xmlarchive::PutFields(archive, compound, CPlateForm::kShortCompound);
-    archive.OpenChild(CPlateForm::kShortWells);
-    vxfileio::xmlarchive::PutList(archive, compound.Wells, [&](std::int32_t wellID) {
-        const PlateWell* const well = wells.Find(wellID);
-        vxfileio::xmlarchive::SaveElement(archive, well == nullptr ? PlateWell{wellID} : *well);
-    });
-    archive.CloseElement();
-    vxfileio::xmlarchive::PutFields(archive, *this, CPlateForm::kShortRest);
-    archive.CloseElement();
+    SaveForm<CShortPlateForm>(archive, *this, compound, CCompoundToSave{compound, CWellIndex(Data)});
 }
 
 void CPropRecordPlate::LoadShort(CXmlFileArchive& archive) {
@@ -319,34 +164,25 @@ void CPropRecordPlate::LoadShort(CXmlFileArchive& archive) {
     Data.ResetCompounds(1);
     Data.Compounds.front() = std::make_unique<PlateCompound>();
     PlateCompound& compound = *Data.Compounds.front();
-    vxfileio::settings::CWellIndex index(Data);
-
-    vxfileio::xmlarchive::ForEachEventUntil(archive, CPlateForm::kElement, [&] {
-        if (vxfileio::xmlarchive::GetField(archive, *this, CPlateForm::kHead)) return;
-        if (vxfileio::xmlarchive::GetField(archive, *this, CPlateForm::kShortRest)) return;
-        if (vxfileio::xmlarchive::GetField(archive, compound, CPlateForm::kShortCompound)) return;
-        if (vxfileio::xmlarchive::IsStartOf(archive, CPlateForm::kShortWells))
-            vxfileio::xmlarchive::LoadShortWells(archive, Data, compound, index);
-    });
+    CCompoundToLoad wells{compound, Data};
+    LoadForm<CShortPlateForm>(archive, *this, compound, wells);
 }
 
 void CPropRecordPlate::BuildPlateMap(enPlateLayout layout) {
-    if (layout == enPlateLayout::L8x12 || layout == enPlateLayout::L16x6) vxfileio::xmlarchive::Build8x12(Map);
-    if (layout == enPlateLayout::Ostrel6x9) vxfileio::xmlarchive::Build6x9(Map);
+    if (layout == enPlateLayout::L8x12 || layout == enPlateLayout::L16x6) Build8x12(Map);
+    if (layout == enPlateLayout::Ostrel6x9) Build6x9(Map);
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetAllWellIDs() const {
-    return vxfileio::xmlarchive::KeysOf(Data.Wells, &PlateWell::WellID, vxfileio::xmlarchive::kAny);
+    return KeysOf(Data.Wells, &PlateWell::WellID, kAny);
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetActiveWellIDs() const {
-    return vxfileio::xmlarchive::KeysOf(Data.Wells, &PlateWell::WellID, [](const PlateWell& well) {
-        return vxfileio::xmlarchive::IsActive(well.State);
-    });
+    return KeysOf(Data.Wells, &PlateWell::WellID, [](const PlateWell& well) { return IsActive(well.State); });
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetCompoundIDs() const {
-    return vxfileio::xmlarchive::KeysOf(Data.Compounds, &PlateCompound::CompoundID, vxfileio::xmlarchive::kAny);
+    return KeysOf(Data.Compounds, &PlateCompound::CompoundID, kAny);
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetCompoundWellIDs(std::int32_t compoundID) const {
@@ -355,29 +191,29 @@ std::vector<std::int32_t> CPropRecordPlate::GetCompoundWellIDs(std::int32_t comp
 }
 
 std::vector<std::int32_t> CPropRecordPlate::GetActiveCompoundWellIDs(std::int32_t compoundID) const {
-    const vxfileio::settings::CWellIndex index(Data);
+    const CWellIndex index(Data);
     std::vector<std::int32_t> wells = GetCompoundWellIDs(compoundID);
     std::erase_if(wells, [&](std::int32_t wellID) {
         const PlateWell* const well = index.Find(wellID);
-        return well != nullptr && !vxfileio::xmlarchive::IsActive(well->State);
+        return well != nullptr && !IsActive(well->State);
     });
     return wells;
 }
 
 PlateCompound* CPropRecordPlate::FindCompound(std::int32_t compoundID) {
-    return vxfileio::xmlarchive::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
+    return FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
 }
 
 const PlateCompound* CPropRecordPlate::FindCompound(std::int32_t compoundID) const {
-    return vxfileio::xmlarchive::FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
+    return FindRecord(Data.Compounds, &PlateCompound::CompoundID, compoundID);
 }
 
 PlateWell* CPropRecordPlate::FindWell(std::int32_t wellID) {
-    return vxfileio::xmlarchive::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
+    return FindRecord(Data.Wells, &PlateWell::WellID, wellID);
 }
 
 const PlateWell* CPropRecordPlate::FindWell(std::int32_t wellID) const {
-    return vxfileio::xmlarchive::FindRecord(Data.Wells, &PlateWell::WellID, wellID);
+    return FindRecord(Data.Wells, &PlateWell::WellID, wellID);
 }
 
 std::int32_t CPropRecordPlate::GetWellState(std::int32_t wellID) const {
@@ -406,6 +242,6 @@ std::string DoseToText(std::uint64_t dose) {
     std::size_t unit = 0;
     for (; dose >= 10'000 || (dose >= 1'000 && dose % 1'000 == 0); dose /= 1'000)
         ++unit;
-    if (unit >= vxfileio::xmlarchive::kDoseUnits.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
-    return std::to_string(dose).append(vxfileio::xmlarchive::kDoseUnits[unit]);
+    if (unit >= kDoseUnits.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
+    return std::to_string(dose).append(kDoseUnits[unit]);
 }

@@ -1,16 +1,6 @@
 #include "vxfileio/settings/PropResultsExport.h"
 
-#include "vxfileio/xmlarchive/XmlFields.h"
-
-namespace vxfileio::xmlarchive {
-
-template <>
-struct CXmlForm<CPropResultsExport> {
-    static constexpr std::string_view kElement = "PropResultsExport";
-    static constexpr std::tuple<> kFields{};
-};
-
-}  // namespace vxfileio::xmlarchive
+#include "vxfileio/settings/forms/ResultsExportForm.h"
 
 void CPropResultsExport::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
 void CPropResultsExport::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

@@ -5,23 +5,11 @@
 #include <string_view>
 
 /// @file
-/// What settings files consist of, beside their sections.
+/// What settings files have beside their elements, which are in `forms/SettingsForm.h`.
 
 namespace vxfileio::settings {
 
 inline constexpr std::string_view kSettingsFileType = "VXSettings";
-inline constexpr std::string_view kSettingsElement = "Settings";
-/// The sections, in the order of writing; they are read in any.
-inline constexpr std::string_view kControlElement = "PropertyControl";
-inline constexpr std::string_view kNotebookElement = "PropertyNotebook";
-inline constexpr std::string_view kRobotElement = "PropertyRobot";
-inline constexpr std::string_view kRecordPlateElement = "PropertyRecordPlate";
-inline constexpr std::string_view kQualityCheckElement = "PropertyQualityCheck";
-inline constexpr std::string_view kWashInElement = "PropertyWashIn";
-inline constexpr std::string_view kRecordingElement = "PropertyRecording";
-inline constexpr std::string_view kAnalyzerElement = "PropertyAnalyzer";
-inline constexpr std::string_view kOlderRecordingElement = "PropRecording";  ///< Read, never written.
-
 inline constexpr std::string_view kSettingsOpenFailed = "Could not open settings file: ";
 
 /// The first version whose files hold the analyzer's marks; from older ones they are made up.

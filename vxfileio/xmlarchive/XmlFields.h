@@ -1,93 +1,180 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "vxfileio/base/EnumerationWords.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
+#include "vxfileio/xmlarchive/XmlElement.h"
 
 /// @file
-/// Lists of fields: how a class says once which elements it consists of, for saving and loading both.
+/// Forms: lists of fields that state once which elements a class consists of. Saving, loading, the checks of
+/// `vxfile verify` and the check of the tables in `docs` all follow from them.
 ///
-/// A class `C` that goes into a document has a specialisation of `CXmlForm<C>` beside its `Save` and `Load`, with
-/// - `kElement`, the tag of its element, and
-/// - `kFields`, a tuple of fields in the order of the file.
+/// A class `C` that goes into a document has a specialisation of `CXmlForm<C>` in a header of its own in `forms/`, with
+/// - `kElement`, the tag of its element,
+/// - `kFields`, a tuple of fields in the order of the file,
+/// - `kKey`, only if a map holds its objects by a key that the object doesn't hold itself: a `CKeyField`, and
+/// - `kShortSize`, only if the element may end early, see `CXmlElement::shortSize`.
 ///
-/// A field is anything with a `tag`, a `Put(archive, object)` that writes what stands inside the field's element, and a
-/// `Get(archive, object)` that reads it at the element's start event. Fields are found by their tags, in any order; an
-/// element that no field knows passes by, and a field whose element is missing keeps what it held.
+/// A field is anything with
+/// - `tag`, the tag of its element,
+/// - `Element()`, the description of its element,
+/// - `Put(archive, object)`, which writes the content of its element, and
+/// - `Get(archive, object)`, which reads the content once the archive has reached the start of its element.
 ///
-/// (Clang 14 deduces no aggregate's template arguments by itself, hence the guides.)
+/// A field that is a member of its class also has the type `CObject`, and `Value(object)`, which returns the member. A
+/// field that holds objects has the type `CEntryForm`, the form of these.
+///
+/// Fields are found by their tags, in any order. Elements that no field knows are skipped. A field whose element is
+/// missing keeps its value.
+///
+/// (Clang 14 doesn't deduce the template arguments of aggregates, hence the deduction guides.)
 
 namespace vxfileio::xmlarchive {
 
-/// The form of a class in a document; specialised beside the class's `Save` and `Load`.
+/// The form of a class in a document.
 template <class Object>
 struct CXmlForm;
 
-/// A number, truth value or string, as its type has it.
-template <class Object, class Value>
+// ---- Walking a form -------------------------------------------------------------------------------------------------
+
+/// Calls `visit(field)` for each field, in the order of the file.
+template <class... Fields, class Visit>
+constexpr void ForEachField(const std::tuple<Fields...>& fields, Visit visit) {
+    std::apply([&](const auto&... field) { (visit(field), ...); }, fields);
+}
+
+/// The descriptions of the children of a form's element.
+template <class Form>
+inline constexpr auto kChildrenOf = std::apply(
+    [](const auto&... field) {
+        if constexpr (requires { Form::kKey; }) {
+            return std::array<CXmlElement, sizeof...(field) + 1>{Form::kKey.Element(), field.Element()...};
+        } else {
+            return std::array<CXmlElement, sizeof...(field)>{field.Element()...};
+        }
+    },
+    Form::kFields);
+
+template <class Form>
+constexpr std::size_t ShortSizeOf() noexcept {
+    if constexpr (requires { Form::kShortSize; }) return Form::kShortSize;
+    return CXmlElement{}.shortSize;
+}
+
+/// The description of a form's element.
+template <class Form>
+inline constexpr CXmlElement kElementOf{
+    .tag = Form::kElement, .kind = EXmlKind::Object, .children = kChildrenOf<Form>, .shortSize = ShortSizeOf<Form>()};
+
+// ---- Single values --------------------------------------------------------------------------------------------------
+
+/// Writes one value: an enumeration as its word, a character as a text.
+template <class Value>
+void PutPlain(CXmlFileArchive& archive, const Value& value) {
+    if constexpr (std::is_enum_v<Value>) {
+        archive.PutValue(std::string(base::WordOf(value)));
+    } else if constexpr (std::is_same_v<Value, char>) {
+        archive.PutValue(std::string(1, value));
+    } else {
+        archive.PutValue(value);
+    }
+}
+
+/// Reads one value. A character is the first byte of its text, or NUL if the text is empty.
+template <class Value>
+void GetPlain(CXmlFileArchive& archive, Value& value) {
+    if constexpr (std::is_enum_v<Value> || std::is_same_v<Value, char>) {
+        std::string text;
+        archive.GetValue(text);
+        if constexpr (std::is_enum_v<Value>) {
+            value = base::ValueOf<Value>(text);
+        } else {
+            value = text.empty() ? '\0' : text.front();
+        }
+    } else {
+        archive.GetValue(value);
+    }
+}
+
+/// Writes an element with one value.
+template <class Value>
+void SaveValue(CXmlFileArchive& archive, std::string_view tag, const Value& value) {
+    archive.OpenChild(tag);
+    PutPlain(archive, value);
+    archive.CloseElement();
+}
+
+/// Returns whether the archive is at the start of an element with this tag.
+inline bool IsStartOf(const CXmlFileArchive& archive, std::string_view tag) {
+    return !archive.IsEndTag() && archive.TagName() == tag;
+}
+
+/// Returns whether the current element has children, and so an end tag of its own.
+inline bool HasChildren(const CXmlFileArchive& archive) {
+    return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
+}
+
+/// A number, bool, text, character or enumeration, depending on the member's type.
+template <class Object, class Member>
 struct CValueField {
+    using CObject = Object;
     std::string_view tag;
-    Value Object::*member;
+    Member Object::*member;
 
-    void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
-    void Get(CXmlFileArchive& archive, Object& object) const { archive.GetValue(object.*member); }
+    constexpr CXmlElement Element() const noexcept { return ElementOfValue<Member>(tag); }
+    const Member& Value(const Object& object) const noexcept { return object.*member; }
+    void Put(CXmlFileArchive& archive, const Object& object) const { PutPlain(archive, object.*member); }
+    void Get(CXmlFileArchive& archive, Object& object) const { GetPlain(archive, object.*member); }
 };
-template <class Object, class Value>
-CValueField(std::string_view, Value Object::*) -> CValueField<Object, Value>;
+template <class Object, class Member>
+CValueField(std::string_view, Member Object::*) -> CValueField<Object, Member>;
 
-/// A string whose CDATA sections, which other programs write, are taken as they stand.
+/// A text whose CDATA sections, which other programs write, are read undecoded.
 template <class Object>
 struct CTextField {
+    using CObject = Object;
     std::string_view tag;
     std::string Object::*member;
 
+    constexpr CXmlElement Element() const noexcept { return {.tag = tag}; }
+    const std::string& Value(const Object& object) const noexcept { return object.*member; }
     void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const { object.*member = archive.GetText(); }
 };
 template <class Object>
 CTextField(std::string_view, std::string Object::*) -> CTextField<Object>;
 
-/// An enumeration, as its word.
-template <class Object, class Enumeration>
-struct CWordField {
+/// The key of an object that a map holds: the object's first child, which is found by its place alone.
+template <class Key>
+struct CKeyField {
     std::string_view tag;
-    Enumeration Object::*member;
+    Key missing{};            ///< The key of an object that has another first child.
+    bool mayBeEmpty = false;  ///< A word may be missing.
 
-    void Put(CXmlFileArchive& archive, const Object& object) const {
-        archive.PutValue(std::string(base::WordOf(object.*member)));
+    constexpr CXmlElement Element() const noexcept {
+        CXmlElement element = ElementOfValue<Key>(tag);
+        element.mayBeEmpty = mayBeEmpty;
+        return element;
     }
-    void Get(CXmlFileArchive& archive, Object& object) const {
-        std::string word;
-        archive.GetValue(word);
-        object.*member = base::ValueOf<Enumeration>(word);
+    /// Reads the key from the current element.
+    Key Read(CXmlFileArchive& archive) const {
+        Key key = missing;
+        if (archive.TagName() == tag) GetPlain(archive, key);
+        return key;
     }
 };
-template <class Object, class Enumeration>
-CWordField(std::string_view, Enumeration Object::*) -> CWordField<Object, Enumeration>;
 
-/// One character, as a string. Read, it is the string's first byte, and NUL if there is none.
-template <class Object>
-struct CCharacterField {
-    std::string_view tag;
-    char Object::*member;
-
-    void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(std::string(1, object.*member)); }
-    void Get(CXmlFileArchive& archive, Object& object) const {
-        std::string text;
-        archive.GetValue(text);
-        object.*member = text.empty() ? '\0' : text.front();
-    }
-};
-template <class Object>
-CCharacterField(std::string_view, char Object::*) -> CCharacterField<Object>;
+// ---- Lists of values ------------------------------------------------------------------------------------------------
 
 /// Writes a list: its `Size`, then `saveEntry(entry)` for each.
 template <class Entries, class SaveEntry>
@@ -97,82 +184,77 @@ void PutList(CXmlFileArchive& archive, const Entries& entries, SaveEntry saveEnt
         saveEntry(entry);
 }
 
-/// Writes an element with a value.
-inline void SaveValue(CXmlFileArchive& archive, std::string_view tag, const gd_xml_stream::XmlValue& value) {
-    archive.OpenChild(tag).PutValue(value).CloseElement();
-}
-
-/// Whether the archive stands at the start of an element with this tag.
-inline bool IsStartOf(const CXmlFileArchive& archive, std::string_view tag) {
-    return !archive.IsEndTag() && archive.TagName() == tag;
-}
-
-/// Whether the current element has children, and so an end tag of its own.
-inline bool HasChildren(const CXmlFileArchive& archive) {
-    return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
-}
-
-/// A list of plain values, one element `entryTag` each. How it is read, the kinds of it say.
-template <class Object, class Value>
+/// A list of values with one element each. Derived classes differ in how they read it.
+template <class Object, class Entry>
 struct CListField {
+    using CObject = Object;
     std::string_view tag;
-    std::string_view entryTag;
-    std::vector<Value> Object::*member;
+    CXmlElement entry;
+    std::vector<Entry> Object::*member;
 
-    constexpr CListField(std::string_view listTag, std::string_view valueTag, std::vector<Value> Object::*values)
-        : tag(listTag), entryTag(valueTag), member(values) {}
+    constexpr CListField(std::string_view listTag, std::string_view entryTag, std::vector<Entry> Object::*entries)
+        : tag(listTag), entry(ElementOfValue<Entry>(entryTag)), member(entries) {}
 
+    constexpr CXmlElement Element() const noexcept {
+        return {.tag = tag, .kind = EXmlKind::List, .children = {&entry, 1}};
+    }
+    const std::vector<Entry>& Value(const Object& object) const noexcept { return object.*member; }
     void Put(CXmlFileArchive& archive, const Object& object) const {
-        PutList(archive, object.*member, [&](const Value& value) { SaveValue(archive, entryTag, value); });
+        PutList(archive, object.*member, [&](const Entry& value) { SaveValue(archive, entry.tag, value); });
     }
 };
 
-/// A list of plain values of which each event uses up one count. What isn't an entry adds none to the list.
-template <class Object, class Value>
-struct CValuesField : CListField<Object, Value> {
-    using CListField<Object, Value>::CListField;
+/// A list of values in which each event uses up one entry of its `Size`. Unknown elements add nothing to the list.
+template <class Object, class Entry>
+struct CValuesField : CListField<Object, Entry> {
+    using CListField<Object, Entry>::CListField;
 
     void Get(CXmlFileArchive& archive, Object& object) const {
         auto& values = object.*(this->member);
         values.clear();
         for (std::size_t count = archive.GetListSize(); count > 0; --count) {
             archive.NextElement();
-            if (!IsStartOf(archive, this->entryTag)) continue;
-            Value value{};
+            if (!IsStartOf(archive, this->entry.tag)) continue;
+            Entry value{};
             archive.GetValue(value);
             values.push_back(std::move(value));
         }
     }
 };
-template <class Object, class Value>
-CValuesField(std::string_view, std::string_view, std::vector<Value> Object::*) -> CValuesField<Object, Value>;
+template <class Object, class Entry>
+CValuesField(std::string_view, std::string_view, std::vector<Entry> Object::*) -> CValuesField<Object, Entry>;
 
-/// A list of plain values that is as long as its `Size` says, in which each event stands for one entry. What isn't an
-/// entry leaves its place at the default.
-template <class Object, class Value>
-struct CPlacedValuesField : CListField<Object, Value> {
-    using CListField<Object, Value>::CListField;
+/// A list of values that is as long as its `Size` says, in which each event is one entry. The entry of an unknown
+/// element keeps the default.
+template <class Object, class Entry>
+struct CPlacedValuesField : CListField<Object, Entry> {
+    using CListField<Object, Entry>::CListField;
 
     void Get(CXmlFileArchive& archive, Object& object) const {
         auto& values = object.*(this->member);
-        values.assign(archive.GetListSize(), Value{});
-        for (Value& value : values) {
+        values.assign(archive.GetListSize(), Entry{});
+        for (Entry& value : values) {
             archive.NextElement();
-            if (IsStartOf(archive, this->entryTag)) archive.GetValue(value);
+            if (IsStartOf(archive, this->entry.tag)) archive.GetValue(value);
         }
     }
 };
-template <class Object, class Value>
-CPlacedValuesField(std::string_view, std::string_view, std::vector<Value> Object::*)
-    -> CPlacedValuesField<Object, Value>;
+template <class Object, class Entry>
+CPlacedValuesField(std::string_view, std::string_view, std::vector<Entry> Object::*)
+    -> CPlacedValuesField<Object, Entry>;
+
+// ---- Fields of a part -----------------------------------------------------------------------------------------------
 
 /// A field of a part of the object, in the object's own element.
 template <class Object, class Part, class Field>
 struct CPartField {
+    using CObject = Object;
     Part Object::*part;
     Field field;
     std::string_view tag = field.tag;
 
+    constexpr CXmlElement Element() const noexcept { return field.Element(); }
+    const auto& Value(const Object& object) const noexcept { return field.Value(object.*part); }
     void Put(CXmlFileArchive& archive, const Object& object) const { field.Put(archive, object.*part); }
     void Get(CXmlFileArchive& archive, Object& object) const { field.Get(archive, object.*part); }
 };
@@ -183,55 +265,97 @@ constexpr auto FieldsOfPart(Part Object::*part, const Fields&... fields) {
     return std::tuple{CPartField<Object, Part, Fields>{part, fields}...};
 }
 
-/// Writes what stands inside the element of an object.
-template <class Object, class... Fields>
-void PutFields(CXmlFileArchive& archive, const Object& object, const std::tuple<Fields...>& fields) {
-    const auto save = [&](const auto& field) {
-        archive.OpenChild(field.tag);
+// ---- Objects --------------------------------------------------------------------------------------------------------
+
+/// Writes the content of a field from the first object that the field can write.
+template <class Field, class Object, class... Others>
+void PutContent(CXmlFileArchive& archive, const Field& field, const Object& object, const Others&... others) {
+    if constexpr (requires { field.Put(archive, object); }) {
         field.Put(archive, object);
-        archive.CloseElement();
-    };
-    std::apply([&](const auto&... field) { (save(field), ...); }, fields);
+    } else {
+        PutContent(archive, field, others...);
+    }
 }
 
-/// Reads the field whose start the archive stands at. Returns false if it is none of these.
-template <class Object, class... Fields>
-bool GetField(CXmlFileArchive& archive, Object& object, const std::tuple<Fields...>& fields) {
+/// Writes the elements of these fields. Each field takes the first object that it can write.
+template <class... Fields, class... Objects>
+void PutFields(CXmlFileArchive& archive, const std::tuple<Fields...>& fields, const Objects&... objects) {
+    ForEachField(fields, [&](const auto& field) {
+        archive.OpenChild(field.tag);
+        PutContent(archive, field, objects...);
+        archive.CloseElement();
+    });
+}
+
+/// Reads the content of a field into the first object that the field can read.
+template <class Field, class Object, class... Others>
+void GetContent(CXmlFileArchive& archive, const Field& field, Object& object, Others&... others) {
+    if constexpr (requires { field.Get(archive, object); }) {
+        field.Get(archive, object);
+    } else {
+        GetContent(archive, field, others...);
+    }
+}
+
+/// Reads the field whose start the archive is at. Each field takes the first object that it can read. Returns false if
+/// the element is none of these fields.
+template <class... Fields, class... Objects>
+bool GetField(CXmlFileArchive& archive, const std::tuple<Fields...>& fields, Objects&... objects) {
     if (archive.IsEndTag()) return false;
     const std::string_view tag = archive.TagName();
     const auto load = [&](const auto& field) {
         if (field.tag != tag) return false;
-        field.Get(archive, object);
+        GetContent(archive, field, objects...);
         return true;
     };
     return std::apply([&](const auto&... field) { return (load(field) || ...); }, fields);
 }
 
-/// Goes through the events up to the end tag of the current object, or the end of the document.
+/// Passes the events up to the end tag of the current object, or to the end of the document.
 template <class Handle>
 void ForEachEventUntil(CXmlFileArchive& archive, std::string_view endTag, Handle handle) {
     while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == endTag))
         handle();
 }
 
-/// Writes the whole element of an object.
-template <class Object>
-void SaveElement(CXmlFileArchive& archive, const Object& object) {
-    archive.OpenChild(CXmlForm<Object>::kElement);
-    PutFields(archive, object, CXmlForm<Object>::kFields);
+/// Writes the element of a form.
+template <class Form, class... Objects>
+void SaveForm(CXmlFileArchive& archive, const Objects&... objects) {
+    archive.OpenChild(Form::kElement);
+    PutFields(archive, Form::kFields, objects...);
     archive.CloseElement();
 }
 
-/// Reads an object up to its end tag. The archive may stand ahead of its start tag or behind it.
+/// Reads the fields of a form up to its end tag. The archive may be before its start tag or after it.
+template <class Form, class... Objects>
+void LoadForm(CXmlFileArchive& archive, Objects&... objects) {
+    ForEachEventUntil(archive, Form::kElement, [&] { GetField(archive, Form::kFields, objects...); });
+}
+
+/// Writes the element of an object.
+template <class Object>
+void SaveElement(CXmlFileArchive& archive, const Object& object) {
+    SaveForm<CXmlForm<Object>>(archive, object);
+}
+
+/// Reads an object up to its end tag. The archive may be before its start tag or after it.
 template <class Object>
 void LoadElement(CXmlFileArchive& archive, Object& object) {
-    ForEachEventUntil(archive, CXmlForm<Object>::kElement,
-                      [&] { GetField(archive, object, CXmlForm<Object>::kFields); });
+    LoadForm<CXmlForm<Object>>(archive, object);
+}
+
+/// Writes the element of an object in a map, with its key as the first child.
+template <class Form, class Key, class Object>
+void SaveKeyed(CXmlFileArchive& archive, const Key& key, const Object& object) {
+    archive.OpenChild(Form::kElement);
+    SaveValue(archive, Form::kKey.tag, key);
+    PutFields(archive, Form::kFields, object);
+    archive.CloseElement();
 }
 
 // ---- Lists of objects -----------------------------------------------------------------------------------------------
 
-/// Writes an object that stands in a list: as it does itself, or by its form.
+/// Writes an object in a list: by its own operation if it has one, otherwise by its form.
 template <class Entry>
 void SaveEntry(CXmlFileArchive& archive, const Entry& entry) {
     if constexpr (requires { entry.Save(archive); }) {
@@ -253,19 +377,29 @@ Entry LoadEntry(CXmlFileArchive& archive) {
     return entry;
 }
 
-/// Reads a list of objects, as many as its `Size` says, and hands each on to `keep`.
+/// Reads a list of objects, as many as its `Size` says, and passes each to `keep`.
 template <class Entry, class KeepEntry>
 void GetEntries(CXmlFileArchive& archive, KeepEntry keep) {
     for (std::size_t count = archive.GetListSize(); count > 0; --count)
         keep(LoadEntry<Entry>(archive));
 }
 
-/// A list of objects, which replaces the one before.
+/// Returns the description of a list of objects of this form.
+template <class Form>
+constexpr CXmlElement ElementOfList(std::string_view tag) noexcept {
+    return {.tag = tag, .kind = EXmlKind::List, .children = {&kElementOf<Form>, 1}};
+}
+
+/// A list of objects, which replaces the former one.
 template <class Object, class Entry>
 struct CObjectsField {
+    using CObject = Object;
+    using CEntryForm = CXmlForm<Entry>;
     std::string_view tag;
     std::vector<Entry> Object::*member;
 
+    constexpr CXmlElement Element() const noexcept { return ElementOfList<CEntryForm>(tag); }
+    const std::vector<Entry>& Value(const Object& object) const noexcept { return object.*member; }
     void Put(CXmlFileArchive& archive, const Object& object) const {
         PutList(archive, object.*member, [&](const Entry& entry) { SaveEntry(archive, entry); });
     }
@@ -277,14 +411,18 @@ struct CObjectsField {
 template <class Object, class Entry>
 CObjectsField(std::string_view, std::vector<Entry> Object::*) -> CObjectsField<Object, Entry>;
 
-/// A map of objects as a list, which replaces the one before. Keys aren't stored: each is that of a word that the
-/// object holds. Of objects with one key, the last counts.
+/// A map of objects as a list, which replaces the former map. Keys aren't stored: each is the value of a word that the
+/// object holds. The last of several objects with the same key counts.
 template <class Object, class Key, class Entry>
 struct CKeyedObjectsField {
+    using CObject = Object;
+    using CEntryForm = CXmlForm<Entry>;
     std::string_view tag;
     std::map<Key, Entry> Object::*member;
     std::string Entry::*word;
 
+    constexpr CXmlElement Element() const noexcept { return ElementOfList<CEntryForm>(tag); }
+    const std::map<Key, Entry>& Value(const Object& object) const noexcept { return object.*member; }
     void Put(CXmlFileArchive& archive, const Object& object) const {
         PutList(archive, object.*member, [&](const auto& entry) { SaveEntry(archive, entry.second); });
     }

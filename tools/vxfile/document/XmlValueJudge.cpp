@@ -7,6 +7,8 @@
 #include "vxfileio/helpers/NumberText.h"
 
 using namespace vxfileio::helpers;
+using vxfileio::xmlarchive::CXmlElement;
+using vxfileio::xmlarchive::EXmlKind;
 
 namespace vxfile {
 
@@ -66,9 +68,9 @@ CVerdict JudgeCharacter(std::string_view text) {
     return CValueFault{"one character", "Readers take the first one."};
 }
 
-CVerdict JudgeWord(const CXmlRule& rule, std::string_view text) {
+CVerdict JudgeWord(const CXmlElement& rule, std::string_view text) {
     if (std::ranges::find(rule.words, text) != rule.words.end()) return std::nullopt;
-    if (text.empty() && rule.kind == EXmlKind::NoWord) return std::nullopt;
+    if (text.empty() && rule.mayBeEmpty) return std::nullopt;
     std::string words;
     for (const auto word : rule.words)
         words += (words.empty() ? "" : ", ") + std::string(word);
@@ -85,7 +87,6 @@ std::string WrittenNumber(EXmlKind kind, std::string_view text) {
         case EXmlKind::Int32:
             return written(ParseInt32(text));
         case EXmlKind::Int64:
-        case EXmlKind::FoundInt64:
             return written(ParseInt64(text));
         case EXmlKind::UInt16:
             return written(static_cast<std::uint16_t>(ParseUInt32(text)));
@@ -122,12 +123,11 @@ CVerdict JudgeSamples(std::string_view text) {
 
 }  // namespace
 
-std::optional<CValueFault> JudgeXmlValue(const CXmlRule& rule, std::string_view text) {
+std::optional<CValueFault> JudgeXmlValue(const CXmlElement& rule, std::string_view text) {
     switch (rule.kind) {
         case EXmlKind::Text:
             return Measure(text).fault;
         case EXmlKind::Word:
-        case EXmlKind::NoWord:
             return JudgeWord(rule, text);
         case EXmlKind::Character:
             return JudgeCharacter(text);

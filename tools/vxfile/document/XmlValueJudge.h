@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vxfile/document/XmlRules.h"
+#include "vxfileio/xmlarchive/XmlElement.h"
 
 namespace vxfile {
 
@@ -16,7 +16,7 @@ struct CValueFault {
 
 /// Holds the text of an element, references as they stand, against how the library writes a value of this kind.
 /// Returns nothing if it is exactly so.
-std::optional<CValueFault> JudgeXmlValue(const CXmlRule& rule, std::string_view text);
+std::optional<CValueFault> JudgeXmlValue(const vxfileio::xmlarchive::CXmlElement& rule, std::string_view text);
 
 /// Returns how many samples such a text has: as many as semicolons.
 std::size_t CountSamples(std::string_view text);

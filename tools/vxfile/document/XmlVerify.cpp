@@ -7,23 +7,25 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/document/XmlRules.h"
 #include "tools/vxfile/document/XmlTokens.h"
 #include "tools/vxfile/document/XmlValueJudge.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/WholeText.h"
+#include "vxfileio/results/forms/ResultsForm.h"
+#include "vxfileio/settings/forms/SettingsForm.h"
+#include "vxfileio/xmlarchive/XmlDocument.h"
 
 namespace vxfile {
 
 namespace {
 
 constexpr std::string_view kDeclaration = R"(<?xml version="1.0" ?>)";
-constexpr std::string_view kRoot = "Vexaprobe";
 
 using EToken = CXmlToken::EKind;
-
-bool IsFound(EXmlKind kind) { return kind == EXmlKind::FoundInt64 || kind == EXmlKind::FoundDouble; }
+using vxfileio::xmlarchive::CXmlElement;
+using vxfileio::xmlarchive::EXmlKind;
+using vxfileio::xmlarchive::kRootElement;
 
 bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
@@ -31,10 +33,10 @@ bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") =
 /// is passed over without going into it, so no document makes this go deep.
 class CXmlVerifier {
  public:
-    CXmlVerifier(const std::string& path, std::span<const CXmlRule> rules)
+    CXmlVerifier(const std::string& path, std::span<const CXmlElement> rules)
         : m_document(ReadWholeText(path)),
           m_progress("Checking " + path, static_cast<std::int64_t>(m_document.size())),
-          m_root{.tag = kRoot, .kind = EXmlKind::Object, .children = rules},
+          m_root{.tag = kRootElement, .kind = EXmlKind::Object, .children = rules},
           m_tokens(m_document) {}
 
     CFindings Verify();
@@ -42,28 +44,28 @@ class CXmlVerifier {
  private:
     void Add(std::size_t offset, std::string found, std::string expected, std::string meaning);
     CXmlToken NextToken();
-    bool Ends(const CXmlRule& rule, const CXmlToken& token);
+    bool Ends(const CXmlElement& rule, const CXmlToken& token);
 
     void JudgeDeclaration();
     bool JudgeRoot(const CXmlToken& root);
-    void JudgeElement(const CXmlRule& rule, const CXmlToken& start);
-    void JudgeAttributes(const CXmlRule& rule, const CXmlToken& start);
-    void JudgeValue(const CXmlRule& rule, const CXmlToken& start);
-    void JudgeText(const CXmlRule& rule, std::string_view text, std::size_t offset);
-    void JudgeObject(const CXmlRule& rule);
-    std::size_t JudgeChild(const CXmlRule& rule, const CXmlToken& start, std::size_t next);
-    void TellMissing(const CXmlRule& rule, std::size_t from, std::size_t to, std::size_t offset);
-    void JudgeList(const CXmlRule& rule, const CXmlToken& start);
+    void JudgeElement(const CXmlElement& rule, const CXmlToken& start);
+    void JudgeAttributes(const CXmlElement& rule, const CXmlToken& start);
+    void JudgeValue(const CXmlElement& rule, const CXmlToken& start);
+    void JudgeText(const CXmlElement& rule, std::string_view text, std::size_t offset);
+    void JudgeObject(const CXmlElement& rule);
+    std::size_t JudgeChild(const CXmlElement& rule, const CXmlToken& start, std::size_t next);
+    void TellMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset);
+    void JudgeList(const CXmlElement& rule, const CXmlToken& start);
     void PassOver(const CXmlToken& start);
 
     std::string m_document;
     CProgress m_progress;
-    CXmlRule m_root;
+    CXmlElement m_root;
     CXmlTokens m_tokens;
     CFindings m_findings;
     std::vector<std::string> m_path;
     bool m_broken = false;          ///< The document has ended too early; what is missing is told once.
-    bool m_detected = false;        ///< What the last `FPfastDetected` said.
+    std::string_view m_trueBool;    ///< The tag of the last bool of the current object, if it was true.
     std::size_t m_lastEntries = 0;  ///< Of the list that ended last.
     std::size_t m_samples = 0;      ///< Of the last average.
     std::size_t m_blanks = 0;       ///< Stretches of blanks and line ends between tags; all are one finding.
@@ -98,7 +100,7 @@ CXmlToken CXmlVerifier::NextToken() {
 }
 
 /// Tells whether the element is over. What can't follow in it breaks the document off.
-bool CXmlVerifier::Ends(const CXmlRule& rule, const CXmlToken& token) {
+bool CXmlVerifier::Ends(const CXmlElement& rule, const CXmlToken& token) {
     if (m_broken) return true;
     if (token.kind == EToken::End && token.tag == rule.tag) return true;
     if (token.kind == EToken::Start || token.kind == EToken::SelfClosed) return false;
@@ -127,11 +129,11 @@ CFindings CXmlVerifier::Verify() {
 
 /// Readers find the sections wherever they stand. Returns whether there is an element around them, whatever its name.
 bool CXmlVerifier::JudgeRoot(const CXmlToken& root) {
-    if (root.kind == EToken::Start && root.tag == kRoot) return true;
-    const bool isSection = std::ranges::find(m_root.children, root.tag, &CXmlRule::tag) != m_root.children.end();
+    if (root.kind == EToken::Start && root.tag == kRootElement) return true;
+    const bool isSection = std::ranges::find(m_root.children, root.tag, &CXmlElement::tag) != m_root.children.end();
     const bool isRenamed = root.kind == EToken::Start && !isSection;
     const bool isOver = root.kind == EToken::Nothing || root.kind == EToken::Broken;
-    Add(root.offset, isOver ? "the end of the file" : Quoted(root.bytes), "<" + std::string(kRoot) + ">",
+    Add(root.offset, isOver ? "the end of the file" : Quoted(root.bytes), "<" + std::string(kRootElement) + ">",
         isRenamed ? "Readers don't look at the name of the outermost element."
         : isOver  ? "The document was cut or damaged here; there is nothing to read."
                   : "The outermost element is missing; readers take the others all the same. They weren't checked.");
@@ -147,7 +149,7 @@ void CXmlVerifier::JudgeDeclaration() {
     if (first.kind != EToken::Other) m_tokens = CXmlTokens(m_document);
 }
 
-void CXmlVerifier::JudgeElement(const CXmlRule& rule, const CXmlToken& start) {
+void CXmlVerifier::JudgeElement(const CXmlElement& rule, const CXmlToken& start) {
     m_path.emplace_back(rule.tag);
     JudgeAttributes(rule, start);
     switch (rule.kind) {
@@ -168,12 +170,12 @@ void CXmlVerifier::JudgeElement(const CXmlRule& rule, const CXmlToken& start) {
     m_path.pop_back();
 }
 
-void CXmlVerifier::JudgeAttributes(const CXmlRule& rule, const CXmlToken& start) {
+void CXmlVerifier::JudgeAttributes(const CXmlElement& rule, const CXmlToken& start) {
     if (rule.kind == EXmlKind::List || IsBlank(start.attributes)) return;  // JudgeList looks at those of a list
     Add(start.offset, Quoted(start.bytes), "no attribute", "Readers pass over it.");
 }
 
-void CXmlVerifier::JudgeValue(const CXmlRule& rule, const CXmlToken& start) {
+void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
     if (start.kind == EToken::SelfClosed) {
         const std::string tag(rule.tag);
         Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "To readers both are the same.");
@@ -193,32 +195,35 @@ void CXmlVerifier::JudgeValue(const CXmlRule& rule, const CXmlToken& start) {
     }
 }
 
-void CXmlVerifier::JudgeText(const CXmlRule& rule, std::string_view text, std::size_t offset) {
+void CXmlVerifier::JudgeText(const CXmlElement& rule, std::string_view text, std::size_t offset) {
     if (const auto nul = text.find('\0'); nul != std::string_view::npos)
         Add(offset + nul, Quoted(text.substr(nul)), "no byte 0", "To readers the document ends here.");
-    if (rule.tag == "FPfastDetected") m_detected = text == "1";
+    if (rule.kind == EXmlKind::Bool) m_trueBool = text == "1" ? rule.tag : "";
     if (rule.kind == EXmlKind::Samples) m_samples = CountSamples(text);
-    if (IsFound(rule.kind) && !m_detected) {
-        if (!text.empty()) Add(offset, Quoted(text), "nothing, since FPfastDetected is 0", "Readers take it for 0.");
+    if (!rule.onlyIf.empty() && m_trueBool != rule.onlyIf) {
+        if (!text.empty())
+            Add(offset, Quoted(text), "nothing, since " + std::string(rule.onlyIf) + " is 0", "Readers take it for 0.");
         return;
     }
     if (auto fault = JudgeXmlValue(rule, text))
         Add(offset, Quoted(text), std::move(fault->expected), std::move(fault->meaning));
 }
 
-void CXmlVerifier::JudgeObject(const CXmlRule& rule) {
+void CXmlVerifier::JudgeObject(const CXmlElement& rule) {
     std::size_t next = 0;
+    const std::string_view outerBool = std::exchange(m_trueBool, {});
     CXmlToken token = NextToken();
     for (; !Ends(rule, token); token = NextToken())
         next = JudgeChild(rule, token, next);
+    m_trueBool = outerBool;
     if (m_broken) return;
-    const bool isEnough = next == rule.enough && m_lastEntries == 0;
+    const bool isEnough = next == rule.shortSize && m_lastEntries == 0;
     if (!isEnough) TellMissing(rule, next, rule.children.size(), token.offset);
 }
 
 /// Judges a child of an object whose first `next` children have been there. Returns how many have been by now.
-std::size_t CXmlVerifier::JudgeChild(const CXmlRule& rule, const CXmlToken& start, std::size_t next) {
-    const auto found = std::ranges::find(rule.children, start.tag, &CXmlRule::tag);
+std::size_t CXmlVerifier::JudgeChild(const CXmlElement& rule, const CXmlToken& start, std::size_t next) {
+    const auto found = std::ranges::find(rule.children, start.tag, &CXmlElement::tag);
     if (found == rule.children.end()) {
         Add(start.offset, Quoted(start.bytes), "one of the elements of " + std::string(rule.tag),
             "The element isn't known here; readers pass over it.");
@@ -236,7 +241,7 @@ std::size_t CXmlVerifier::JudgeChild(const CXmlRule& rule, const CXmlToken& star
     return std::max(next, place + 1);
 }
 
-void CXmlVerifier::TellMissing(const CXmlRule& rule, std::size_t from, std::size_t to, std::size_t offset) {
+void CXmlVerifier::TellMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset) {
     if (from >= to || rule.children.size() <= from) return;
     std::string tags;
     for (const auto& child : rule.children.subspan(from, to - from))
@@ -245,13 +250,13 @@ void CXmlVerifier::TellMissing(const CXmlRule& rule, std::size_t from, std::size
         "It is missing or stands further down; readers keep the defaults of what is missing.");
 }
 
-void CXmlVerifier::JudgeList(const CXmlRule& rule, const CXmlToken& start) {
+void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
     const std::size_t begin = start.offset;
     std::size_t entries = 0;
     m_samples = 0;
     if (start.kind == EToken::Start) {
         for (CXmlToken token = NextToken(); !Ends(rule, token); token = NextToken()) {
-            const auto found = std::ranges::find(rule.children, token.tag, &CXmlRule::tag);
+            const auto found = std::ranges::find(rule.children, token.tag, &CXmlElement::tag);
             if (found == rule.children.end()) {
                 Add(token.offset, Quoted(token.bytes), "<" + std::string(rule.children.front().tag) + ">",
                     "The element isn't known here; it takes the place of an entry.");
@@ -289,7 +294,11 @@ void CXmlVerifier::PassOver(const CXmlToken& start) {
 
 }  // namespace
 
-CFindings VerifySettings(const std::string& path) { return CXmlVerifier(path, kSettingsRules).Verify(); }
-CFindings VerifyResults(const std::string& path) { return CXmlVerifier(path, kResultsRules).Verify(); }
+CFindings VerifySettings(const std::string& path) {
+    return CXmlVerifier(path, vxfileio::settings::kSettingsRoot).Verify();
+}
+CFindings VerifyResults(const std::string& path) {
+    return CXmlVerifier(path, vxfileio::results::kResultsRoot).Verify();
+}
 
 }  // namespace vxfile
