@@ -1,4 +1,10 @@
 #include <gtest/gtest.h>
+
+#if defined(__linux__)
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
 #include <vxfileio/frame/VXFileIO.h>
 
 #include <algorithm>
@@ -182,6 +188,41 @@ TEST_F(ResultsExportTest, ALabelNeverLeadsOutOfTheFolder) {
     EXPECT_EQ(CountLines(), 8);
     EXPECT_EQ(Files().size(), 5U);
 }
+
+TEST_F(ResultsExportTest, ALabelThatCannotBeInAFileNameLeavesOutThatWellAlone) {
+    m_plate.SetWellState(5, PlateWell::kActive);
+    const std::string labels[] = {"two\nlines", "\x1B[31mred", std::string(248, 'n'), std::string(247, 'y')};
+    std::int32_t id = 100;
+    for (const std::string& label : labels)
+        m_plate.Data.AddWell(id++, 0, 0, 0, label);
+    Export("run.xls");
+    EXPECT_EQ(Files(), (std::set<std::string>{"run.xls", "run-" + labels[3] + ".xls"}));
+    EXPECT_EQ(m_io.GetResultsExport()->GetWriteError(),
+              "Not the name of a file: " + m_folder.Path("run-two?lines.xls") + "\n" +  //
+                  "Not the name of a file: " + m_folder.Path("run-?[31mred.xls") + "\n" +
+                  "Not the name of a file: " + m_folder.Path("run-" + labels[2] + ".xls"));
+}
+
+#if defined(__linux__)
+TEST_F(ResultsExportTest, AWorkbookThatDoesNotFitLeavesTheOldOne) {
+    Export("run.xls");
+    const std::string old = ReadAll(m_folder.Path("run.xls"));
+    std::filesystem::create_directory(m_folder.Path("run-B5.xls.part1"));  // that name is taken
+    m_results.Clear();
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{1000, before.rlim_max};
+    const auto signal = std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    Export("run.xls");
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, signal);
+    EXPECT_EQ(CountLines(), 2);
+    EXPECT_TRUE(m_io.GetResultsExport()->GetWriteError().starts_with("File too large, writing "));
+    EXPECT_EQ(ReadAll(m_folder.Path("run.xls")), old);
+    EXPECT_EQ(Files(), (std::set<std::string>{"run.xls", "run-B5.xls", "run-B5.xls.part1"}));
+}
+#endif
 
 TEST_F(ResultsExportTest, WhatIsMissingIsReportedBeforeAnythingIsWritten) {
     CIResultsExport& exporter = *m_io.GetResultsExport();

@@ -71,15 +71,82 @@ TEST_F(ReplacingFileTest, AReaderThatHasTheOldFileOpenIsNoHindrance) {
     EXPECT_EQ(CountFiles(), 1);
 }
 
-// Where every program has the same number, as in a container, those that died may have left all the names.
+// Programs that were killed may have left files of all names.
 TEST_F(ReplacingFileTest, WhereNoNameIsFreeTheFileIsWrittenInPlace) {
     constexpr int kNames = 100;
     for (int i = 0; i < kNames; ++i)
-        WriteAll(m_folder.Path(".vxfileio-" + std::to_string(ProcessNumber()) + "-" + std::to_string(i) + ".new"), "");
+        WriteAll(m_path + ".part" + std::to_string(i + 1), "");
     WriteAll(m_path, "old");
     Replace(m_path, "new");
     EXPECT_EQ(ReadAll(m_path), "new");
     EXPECT_EQ(CountFiles(), kNames + 1);
+}
+
+TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneIsThereOrAppears) {
+    using enum CReplacingFile::enRule;
+    WriteAll(m_path, "old");
+    EXPECT_FALSE(m_file.Create(m_path, New));
+    EXPECT_EQ(m_file.Failure().error, std::errc::file_exists);
+    fs::remove(m_path);
+    ASSERT_TRUE(m_file.Create(m_path, New));
+    EXPECT_TRUE(Put("mine"));
+    WriteAll(m_path, "another program's");
+    EXPECT_FALSE(m_file.Commit());
+    EXPECT_EQ(m_file.Failure().error, std::errc::file_exists);
+    EXPECT_EQ(ReadAll(m_path), "another program's");
+    EXPECT_EQ(CountFiles(), 1);
+}
+
+// The new file needs a longer name for as long as it is written.
+TEST_F(ReplacingFileTest, TheLongestNameThatAFileCanHaveIsReplacedToo) {
+    const std::string path = m_folder.Path(std::string(255, 'n'));
+    Replace(path, "first");
+    Replace(path, "second");
+    EXPECT_EQ(ReadAll(path), "second");
+    EXPECT_EQ(CountFiles(), 1);
+}
+
+/// Begins three files: one that replaces, one that is new, and one more.
+class ReplacingFilesTest : public ReplacingFileTest {
+ protected:
+    void SetUp() override {
+        WriteAll(m_path, "old");
+        const std::string paths[] = {m_path, m_folder.Path("new"), m_folder.Path("last")};
+        for (std::size_t i = 0; i < 3; ++i) {
+            ASSERT_TRUE(m_files[i].Create(paths[i], CReplacingFile::enRule::Replace));
+            ASSERT_TRUE(m_files[i].File().Append({std::as_bytes(std::span(paths[i]))}));
+        }
+    }
+    bool CommitAll() {
+        CReplacingFile* const files[] = {&m_files[0], &m_files[1], &m_files[2]};
+        return CReplacingFile::CommitAll(files);
+    }
+
+    CReplacingFile m_files[3];
+};
+
+TEST_F(ReplacingFilesTest, FilesTakeTheirPlacesTogether) {
+    EXPECT_EQ(CountFiles(), 4);
+    EXPECT_TRUE(CommitAll());
+    for (const char* const name : {"file", "new", "last"})
+        EXPECT_EQ(ReadAll(m_folder.Path(name)), m_folder.Path(name));
+    EXPECT_EQ(CountFiles(), 3);
+}
+
+TEST_F(ReplacingFilesTest, ARefusedMoveLeavesTheOldFilesAndNoNewOne) {
+    fs::create_directories(m_folder.Path("last/in the way"));
+    EXPECT_FALSE(CommitAll());
+    EXPECT_EQ(m_files[2].Failure().step, CFileFailure::enStep::Replacing);
+    EXPECT_FALSE(m_files[0].Failure());
+    EXPECT_EQ(ReadAll(m_path), "old");
+    EXPECT_EQ(CountFiles(), 2) << "the old file and the folder";
+}
+
+TEST_F(ReplacingFilesTest, AFileThatIsNotWholeLeavesTheOldFilesAndNoNewOne) {
+    EXPECT_FALSE(m_files[2].File().WriteAt(-1, {std::as_bytes(std::span("no such place"))}));
+    EXPECT_FALSE(CommitAll());
+    EXPECT_EQ(ReadAll(m_path), "old");
+    EXPECT_EQ(CountFiles(), 1);
 }
 
 TEST_F(ReplacingFileTest, WhatCannotBeOpenedIsToldAndLeavesNothing) {
@@ -92,6 +159,24 @@ TEST_F(ReplacingFileTest, WhatCannotBeOpenedIsToldAndLeavesNothing) {
 }
 
 #if defined(__unix__)
+TEST_F(ReplacingFileTest, APlantedLinkIsNotFollowed) {
+    WriteAll(m_folder.Path("victim"), "valuable");
+    fs::create_symlink("victim", m_path + ".part1");
+    Replace(m_path, "new");
+    EXPECT_EQ(ReadAll(m_folder.Path("victim")), "valuable");
+    EXPECT_EQ(ReadAll(m_path), "new");
+    EXPECT_FALSE(fs::is_symlink(m_path));
+}
+
+TEST_F(ReplacingFileTest, ThePrivateContentIsPrivateWhileItIsWritten) {
+    WriteAll(m_path, "old");
+    fs::permissions(m_path, fs::perms(0600));
+    ASSERT_TRUE(m_file.Create(m_path));
+    EXPECT_EQ(fs::status(m_file.WorkPath()).permissions(), fs::perms(0600));
+    EXPECT_TRUE(m_file.Commit());
+    EXPECT_EQ(fs::status(m_path).permissions(), fs::perms(0600));
+}
+
 TEST_F(ReplacingFileTest, LinksStayAndRightsAreKept) {
     fs::create_directory(m_folder.Path("sub"));
     const std::string target = m_folder.Path("sub/target");

@@ -18,7 +18,6 @@ class WorkbookTest : public testing::Test {
     }
     std::vector<std::byte> Stream() {
         EXPECT_TRUE(m_document.SaveToFile(m_path));
-        EXPECT_EQ(m_document.CloseFile(), "");
         return vxfile::CCompoundScan(m_path).Stream();
     }
 

@@ -4,6 +4,10 @@
 #include <cstddef>
 #include <memory>
 
+#include "vxfileio/export/WorkbookFile.h"
+
+using vxfileio::helpers::CReplacingFile;
+
 namespace YExcel {
 
 void Document::CreateSheets(std::int32_t count) {
@@ -39,6 +43,11 @@ Sheet* Document::FindSheet(const std::string& name) {
     return found == m_sheets.end() ? nullptr : found->get();
 }
 
-bool Document::SaveToFile(const std::string& path) { return m_file.Create(path) && m_file.Store(Stream()); }
+bool Document::SaveToFile(const std::string& path) const {
+    CReplacingFile file;
+    return file.Create(path) && WriteTo(file) && file.Commit();
+}
+
+bool Document::WriteTo(CReplacingFile& file) const { return WriteWorkbook(Stream(), file.File()) && file.Finish(); }
 
 }  // namespace YExcel

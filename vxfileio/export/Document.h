@@ -4,8 +4,8 @@
 #include <string>
 
 #include "vxfileio/export/Sheet.h"
-#include "vxfileio/export/WorkbookFile.h"
 #include "vxfileio/export/WorkbookStream.h"
+#include "vxfileio/helpers/ReplacingFile.h"
 
 namespace YExcel {
 
@@ -32,20 +32,19 @@ class Document {
     /// Returns the sheet of this name, or null.
     Sheet* FindSheet(const std::string& name);
 
-    /// Writes the workbook to a new file in place of any at the path. The sheets stay as they are, and the file stays
-    /// open until the next call, `CloseFile` or the document's end. Returns false if the file can't be made or written.
-    bool SaveToFile(const std::string& path);
+    /// Writes the workbook to a new file, which replaces any at the path when it is whole. The sheets stay as they are.
+    /// Returns false on failure; then a file that was there is unchanged.
+    bool SaveToFile(const std::string& path) const;
 
-    /// Closes the saved file. Returns what the system refused first since it was begun, in words with the path; an
-    /// empty text if nothing.
-    std::string CloseFile() { return m_file.Close(); }
+    /// Writes the workbook to a file that was created. The caller commits it. Returns false on failure; what the system
+    /// refused is then the file's `Failure`, and a workbook that is too large leaves none.
+    [[nodiscard]] bool WriteTo(vxfileio::helpers::CReplacingFile& file) const;
 
     /// Returns the workbook's stream, whose bytes `SaveToFile` stores. It is valid until the document changes.
     WorkbookStream Stream() const { return WorkbookStream(m_sheets); }
 
  private:
     Sheets m_sheets;
-    WorkbookFile m_file;
 };
 
 }  // namespace YExcel

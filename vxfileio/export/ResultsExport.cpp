@@ -157,37 +157,40 @@ void PutAverages(const CSource& source, std::int32_t wellID, YExcel::Sheet& shee
     }
 }
 
-void AddLine(std::string& lines, const std::string& line) { lines.append(lines.empty() ? "" : "\n").append(line); }
-
-/// Saves a workbook. If it can't be whole, a line is added that tells why and names it.
-void Save(YExcel::Document& document, const std::string& path, std::string& failures) {
-    const bool isSaved = document.SaveToFile(path);
-    std::string failure = document.CloseFile();
-    if (!isSaved && failure.empty()) failure = "File too large, writing " + helpers::NativePath(path);
-    if (!failure.empty()) AddLine(failures, failure);
-}
-
-void ExportResults(const CSource& source, const std::string& path, std::string& failures) {
-    YExcel::Document document;
+void MakeResultsWorkbook(const CSource& source, YExcel::Document& document) {
     document.CreateSheets(1);
     document.RenameSheet("Sheet1", kResultsSheet);
     PutResults(source, *document.FindSheet(kResultsSheet));
-    Save(document, path, failures);
 }
 
-void ExportWell(const CSource& source, std::int32_t wellID, const std::string& path, YExcel::Document& document,
-                std::string& failures) {
+void MakeWellWorkbook(const CSource& source, std::int32_t wellID, YExcel::Document& document) {
     document.CreateSheets(2);
     document.RenameSheet("Sheet1", kBeatsSheet);
     document.RenameSheet("Sheet2", kAveragesSheet);
     PutBeats(source, wellID, *document.FindSheet(kBeatsSheet));
     PutAverages(source, wellID, *document.FindSheet(kAveragesSheet));
-    Save(document, path, failures);
 }
 
-/// Exports the wells that have a workbook of their own, beside that of the results. A label that would lead out of the
-/// folder, or that no file can have in its name, leaves its well out, and so does a path that is cut.
-void ExportWells(const CSource& source, const std::string& wholePath, std::string& failures) {
+std::optional<CWorkbookFailure> SaveAtOnce(const YExcel::Document& document, const std::string& path) {
+    helpers::CReplacingFile file;
+    if (file.Create(path) && document.WriteTo(file) && file.Commit()) return std::nullopt;
+    const auto kind = file.Failure() ? CWorkbookFailure::enKind::Refused : CWorkbookFailure::enKind::TooLarge;
+    return CWorkbookFailure{.kind = kind, .path = helpers::NativePath(path), .refusal = file.Failure()};
+}
+
+/// Saves workbooks and collects failures.
+struct CSaving {
+    const CResultsExport::CSave& save;
+    std::vector<CWorkbookFailure> failures = {};
+
+    void operator()(const YExcel::Document& document, const std::string& path) {
+        if (auto failure = save(document, path)) failures.push_back(std::move(*failure));
+    }
+};
+
+/// Exports the wells that have a workbook of their own, beside that of the results. Skips a well whose label would lead
+/// out of the folder or can't be in the name of a file, and all wells if the path has a NUL byte.
+void ExportWells(const CSource& source, const std::string& wholePath, CSaving& saving) {
     YExcel::Document document;
     const helpers::CPath path(wholePath.c_str());
     for (const PlateWell* const well : source.Wells()) {
@@ -195,9 +198,10 @@ void ExportWells(const CSource& source, const std::string& wholePath, std::strin
         const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
         const std::string wellPath = helpers::NativePath(path.GetDriveDirectory().Text()) + name;
         if (helpers::IsWholePath(wholePath) && helpers::IsFileName(name)) {
-            ExportWell(source, well->WellID, wellPath, document, failures);
+            MakeWellWorkbook(source, well->WellID, document);
+            saving(document, wellPath);
         } else {
-            AddLine(failures, "Not the name of a file: " + wellPath);
+            saving.failures.push_back({.kind = CWorkbookFailure::enKind::NoFileName, .path = wellPath});
         }
     }
 }
@@ -210,15 +214,42 @@ const Object& Required(const Object* object, const char* what) {
 
 }  // namespace
 
-void CResultsExport::ExportExcel(const std::string& path) {
+std::string CWorkbookFailure::Text() const {
+    switch (kind) {
+        case enKind::NotFinished:
+            return "Not finished: " + path;
+        case enKind::NoFileName:
+            return "Not the name of a file: " + helpers::WithoutControls(path);
+        case enKind::TooLarge:
+            return "File too large, writing " + path;
+        case enKind::Refused:
+            break;
+    }
+    return refusal.Text(path);
+}
+
+void CResultsExport::ExportExcel(const std::string& path) { Export(path, SaveAtOnce); }
+
+void CResultsExport::Export(const std::string& path, const CSave& save) {
     const CSource source{.results = Required(m_results, "results"),
                          .analyzer = Required(m_analyzer, "analyzer property"),
                          .plate = Required(m_plate, "record plate")};
-    m_writeError = "Not finished: " + helpers::NativePath(path);  // until it is
-    std::string failures;
-    ExportResults(source, path, failures);
-    ExportWells(source, path, failures);
-    m_writeError = std::move(failures);
+    m_failures = {{.kind = CWorkbookFailure::enKind::NotFinished, .path = helpers::NativePath(path)}};  // until it is
+    CSaving saving{save};
+    {
+        YExcel::Document document;
+        MakeResultsWorkbook(source, document);
+        saving(document, path);
+    }
+    ExportWells(source, path, saving);
+    m_failures = std::move(saving.failures);
+}
+
+std::string CResultsExport::GetWriteError() const {
+    std::string lines;
+    for (const CWorkbookFailure& failure : m_failures)
+        lines.append(lines.empty() ? "" : "\n").append(failure.Text());
+    return lines;
 }
 
 }  // namespace vxfileio::workbook

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
+#include "vxfileio/export/Document.h"
+#include "vxfileio/helpers/ReplacingFile.h"
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/PropAnalyzer.h"
 #include "vxfileio/settings/PropRecordPlate.h"
@@ -9,22 +14,49 @@
 
 namespace vxfileio::workbook {
 
-/// The work behind `CIResultsExport`, where the operations are told.
+/// A workbook that wasn't written, and why.
+struct CWorkbookFailure {
+    enum class enKind {
+        NotFinished,  ///< The export ended early.
+        NoFileName,   ///< Its name can't be that of a file, because of the label in it.
+        TooLarge,     ///< It is more than a compound file holds.
+        Refused,      ///< The system refused something.
+    };
+
+    enKind kind = enKind::Refused;
+    std::string path;                    ///< In the form that the system takes.
+    helpers::CFileFailure refusal = {};  ///< Of `Refused`.
+
+    /// Returns one line, such as "No space left on device, writing 512 bytes at 0 of out/run-A1.xls".
+    std::string Text() const;
+};
+
+/// The work of `CIResultsExport`, which documents the operations.
 class CResultsExport {
  public:
-    void SetResults(const CResults* results) { m_results = results; }
-    void SetPropertyAnalyzer(const CPropAnalyzer* analyzer) { m_analyzer = analyzer; }
-    void SetPropertyResultsExport(const CPropResultsExport* property) { m_property = property; }
-    void SetPropertyRecordPlate(const CPropRecordPlate* plate) { m_plate = plate; }
+    /// Saves a workbook at a path. Returns why it couldn't.
+    using CSave =
+        std::function<std::optional<CWorkbookFailure>(const YExcel::Document& document, const std::string& path)>;
+
+    void SetResults(const CResults* results) noexcept { m_results = results; }
+    void SetPropertyAnalyzer(const CPropAnalyzer* analyzer) noexcept { m_analyzer = analyzer; }
+    void SetPropertyResultsExport(const CPropResultsExport* property) noexcept { m_property = property; }
+    void SetPropertyRecordPlate(const CPropRecordPlate* plate) noexcept { m_plate = plate; }
+
     void ExportExcel(const std::string& path);
-    const std::string& GetWriteError() const { return m_writeError; }
+    /// The same through a function that saves each workbook. What it throws ends the export.
+    void Export(const std::string& path, const CSave& save);
+
+    /// Returns the workbooks that the last export didn't write.
+    const std::vector<CWorkbookFailure>& Failures() const noexcept { return m_failures; }
+    std::string GetWriteError() const;
 
  private:
     const CResults* m_results = nullptr;
     const CPropAnalyzer* m_analyzer = nullptr;
     const CPropResultsExport* m_property = nullptr;  ///< Nothing depends on it yet.
     const CPropRecordPlate* m_plate = nullptr;
-    std::string m_writeError;
+    std::vector<CWorkbookFailure> m_failures;
 };
 
 }  // namespace vxfileio::workbook

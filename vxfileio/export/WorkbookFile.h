@@ -1,25 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "vxfileio/export/WorkbookStream.h"
-#include "vxfileio/export/compound/CompoundStorage.h"
+#include "vxfileio/helpers/File.h"
 
 namespace YExcel {
 
-/// The file of a saved workbook: a compound file that holds the workbook's stream. It stays open until the next
-/// `Create`, `Close` or the object's end.
-class WorkbookFile {
- public:
-    /// Makes a new file with an empty stream, in place of any file at the path. Returns false if that can't be done.
-    bool Create(const std::string& path);
-    /// Stores the stream. Returns false if it is more than a file holds, or the disk doesn't take it.
-    bool Store(const WorkbookStream& stream);
-    /// Closes the file. Returns what the system refused first since `Create`, in words with the path, or nothing.
-    std::string Close();
-
- private:
-    vxfileio::compound::CompoundStorage m_storage;
-};
+/// Writes a workbook, which is a compound file with the one stream, to an empty file that is open for writing. Returns
+/// false if the stream is more than a compound file holds, or the system refuses something.
+[[nodiscard]] bool WriteWorkbook(const WorkbookStream& stream, vxfileio::helpers::CFile& file);
 
 }  // namespace YExcel

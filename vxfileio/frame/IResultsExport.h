@@ -15,8 +15,8 @@ class CResultsExport;
 
 /// Exports the results of the task "Series" to spreadsheet workbooks.
 ///
-/// The setters come first, in any order. They keep the caller's pointers, which must stay valid up to `ExportExcel` and
-/// of which null is none. One object can export again and again. One thread at a time.
+/// Call the setters first, in any order. They store the pointers, which must outlive the call to `ExportExcel`. Null
+/// means not set. One object can export any number of times. Use an object from one thread at a time.
 class VXFILEIO_API CIResultsExport {
  public:
     CIResultsExport();
@@ -26,9 +26,9 @@ class VXFILEIO_API CIResultsExport {
     CIResultsExport& operator=(const CIResultsExport&) = delete;
 
     void SetResults(const CResults* results);                    ///< Sets what is exported.
-    void SetPropertyAnalyzer(const CPropAnalyzer* analyzer);     ///< Sets the marks that tell which values count.
+    void SetPropertyAnalyzer(const CPropAnalyzer* analyzer);     ///< Sets the marks that say which values count.
     void SetPropertyRecordPlate(const CPropRecordPlate* plate);  ///< Sets the wells, their labels and the doses.
-    /// Sets the settings of the export. There are none yet, and nothing depends on it.
+    /// Sets the settings of the export. There are none yet; this has no effect.
     void SetPropertyResultsExport(const CPropResultsExport* property);
 
     /// Writes the main workbook to `path`: its sheet "Results" has a block for each response, with one row per well of
@@ -37,17 +37,18 @@ class VXFILEIO_API CIResultsExport {
     /// extension: its sheet "HB Time Stamps" has the times of the beats, "Averages" the averages in microvolts against
     /// their time.
     ///
-    /// Files of these names are replaced. A workbook that can't be created is left out, and one that a full disk
-    /// doesn't take whole stays cut short, the file before it being gone. Left out is also the workbook of a well whose
-    /// label can't be in the name of a file. All this is quiet, and told by `GetWriteError`. What lies beyond 65536
-    /// rows or 256 columns is left out as well. Throws `CExcVXReader`, before anything is written, if results, analyzer
-    /// or plate aren't set, and what `DoseToText` throws for a dose without text.
+    /// Files of these names are replaced, each at once when the new one is whole: after a failure the old file is
+    /// unchanged. Skips the workbook of a well whose label can't be in a file name: one with `/`, `\\` or a control
+    /// character, or one that makes the name longer than 255 bytes. A failure doesn't throw and doesn't stop the other
+    /// workbooks; `GetWriteError` reports it. Leaves out cells beyond 65536 rows or 256 columns.
+    ///
+    /// Throws `CExcVXReader`, before anything is written, if results, analyzer or plate aren't set, and what
+    /// `DoseToText` throws for a dose without text.
     void ExportExcel(const std::string& path);
 
-    /// Returns an empty text if the last `ExportExcel` brought every workbook to the operating system, else one line
-    /// for each that it didn't, which names it by its path as this system has it: "No space left on device, writing 512
-    /// bytes at 0 of out/run-A1.xls". Lines are parted by line feeds. A call that was refused before it wrote anything,
-    /// by an exception, doesn't count: what is told is that of the one before.
+    /// Returns one line for each workbook that the last `ExportExcel` didn't write, such as "No space left on device,
+    /// writing 512 bytes at 0 of out/run-A1.xls", with a line feed between lines; empty if all were written. A call
+    /// that threw before it wrote anything doesn't count: the result is that of the call before.
     std::string GetWriteError() const;
 
  private:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -120,13 +121,13 @@ class CFile {
 };
 
 /// Gives a file the place of another, at once. Both are paths in the form that the system takes.
-std::error_code MoveOver(const std::string& from, const std::string& to);
+std::error_code MoveOver(const std::string& from, const std::string& to) noexcept;
+
+/// Gives a file a second name, which must be free. Both are paths in the form that the system takes.
+std::error_code LinkFile(const std::string& file, const std::string& name) noexcept;
 
 /// Removes a file, by its path in the form that the system takes.
-void RemoveFile(const std::string& path);
-
-/// A number that no other process of this machine has at the moment.
-std::uint64_t ProcessNumber();
+void RemoveFile(const std::string& path) noexcept;
 
 /// Returns a path in the form that the system takes, which isn't asked for it.
 std::string NativePath(std::string path);
@@ -134,8 +135,22 @@ std::string NativePath(std::string path);
 /// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
 inline bool IsWholePath(const std::string& path) { return path.find('\0') == std::string::npos; }
 
-/// Tells whether a name stays in its folder and can be that of a file: it has no separator and no NUL, and none of the
-/// characters by which the system would take it for something else.
+/// Returns whether a text has a control character.
+inline bool HasControls(const std::string& text) {
+    const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
+    return std::any_of(text.begin(), text.end(), isControl);
+}
+
+/// Returns a text with a question mark in place of each control character.
+inline std::string WithoutControls(std::string text) {
+    for (char& c : text) {
+        if (HasControls({c})) c = '?';
+    }
+    return text;
+}
+
+/// Returns whether a name can be that of a file in its folder: it isn't too long, and has no separator, no control
+/// character, and none of the characters to which the system gives another meaning.
 bool IsFileName(const std::string& name);
 
 }  // namespace vxfileio::helpers

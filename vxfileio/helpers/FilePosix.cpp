@@ -112,7 +112,7 @@ std::string NativePath(std::string path) {
 }
 
 bool IsFileName(const std::string& name) {
-    return IsWholePath(name) && name.find_first_of(R"(/\)") == std::string::npos;
+    return name.size() <= NAME_MAX && !HasControls(name) && name.find_first_of(R"(/\)") == std::string::npos;
 }
 
 bool CFile::OpenForReading(const std::string& path) {
@@ -205,12 +205,14 @@ std::int64_t CFile::Size() const {
 
 bool CFile::Truncate(std::int64_t size) { return ::ftruncate(static_cast<int>(m_handle), size) == 0; }
 
-std::error_code MoveOver(const std::string& from, const std::string& to) {
+std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
     return Outcome(::rename(from.c_str(), to.c_str()));
 }
 
-void RemoveFile(const std::string& path) { ::unlink(path.c_str()); }
+std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {
+    return Outcome(::link(file.c_str(), name.c_str()));
+}
 
-std::uint64_t ProcessNumber() { return static_cast<std::uint64_t>(::getpid()); }
+void RemoveFile(const std::string& path) noexcept { ::unlink(path.c_str()); }
 
 }  // namespace vxfileio::helpers

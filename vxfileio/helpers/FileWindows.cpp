@@ -78,7 +78,7 @@ std::string NativePath(std::string path) { return path; }
 
 /// What stands behind a colon would name a hidden stream of the file, or a file of another drive.
 bool IsFileName(const std::string& name) {
-    return IsWholePath(name) && name.find_first_of(R"(/\:)") == std::string::npos;
+    return name.size() < MAX_PATH && !HasControls(name) && name.find_first_of(R"(/\:)") == std::string::npos;
 }
 
 bool CFile::OpenForReading(const std::string& path) {
@@ -164,7 +164,7 @@ bool CFile::Truncate(std::int64_t size) {
 }
 
 /// The system refuses as long as somebody has the old file open, which readers do for moments only.
-std::error_code MoveOver(const std::string& from, const std::string& to) {
+std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
     std::error_code error;
     for (int i = 0; i < kMostMoves; ++i) {
         error = Outcome(::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING));
@@ -174,8 +174,10 @@ std::error_code MoveOver(const std::string& from, const std::string& to) {
     return error;
 }
 
-void RemoveFile(const std::string& path) { ::DeleteFileA(path.c_str()); }
+std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {
+    return Outcome(::CreateHardLinkA(name.c_str(), file.c_str(), nullptr));
+}
 
-std::uint64_t ProcessNumber() { return ::GetCurrentProcessId(); }
+void RemoveFile(const std::string& path) noexcept { ::DeleteFileA(path.c_str()); }
 
 }  // namespace vxfileio::helpers

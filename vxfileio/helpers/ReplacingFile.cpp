@@ -8,13 +8,16 @@ namespace vxfileio::helpers {
 
 namespace {
 
-/// What one system call copies.
+/// The bytes that one system call copies.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
 /// How many names are tried for the file beside.
 constexpr int kMostNames = 100;
 
-/// Tells whether an error is the folder's answer, that of a disk which is well.
+/// Names may have 255 bytes; longer ones are cut to leave room for ".part" and a number.
+constexpr std::size_t kMostStem = 240;
+
+/// Returns whether an error is the folder's answer rather than a fault of the disk.
 bool IsRefusal(const std::error_code& error) {
     static constexpr std::errc kRefusals[] = {
         std::errc::permission_denied, std::errc::operation_not_permitted, std::errc::read_only_file_system,
@@ -23,11 +26,54 @@ bool IsRefusal(const std::error_code& error) {
     return std::any_of(std::begin(kRefusals), std::end(kRefusals), [&](std::errc one) { return error == one; });
 }
 
+/// Calls `make(name)` with one name beside a file after the other until it returns no error or another one than that
+/// the name is taken. Returns the error, and the name if there is none.
+std::error_code MakeBeside(const std::string& place, std::string& name, auto make) {
+    const std::size_t folder = place.find_last_of("/\\:") + 1;
+    const std::string stem = place.substr(0, folder + kMostStem) + ".part";
+    std::error_code error = std::make_error_code(std::errc::file_exists);
+    for (int i = 1; error == std::errc::file_exists && i <= kMostNames; ++i) {
+        std::string candidate = stem + std::to_string(i);
+        error = make(candidate);
+        if (!error) name = std::move(candidate);
+    }
+    return error;
+}
+
+/// Moves a file to a name that must be free.
+std::error_code MoveToFree(const std::string& from, const std::string& to) {
+    CFile reserved;
+    if (!reserved.CreateLike(to, CFile())) return reserved.Failure().error;
+    reserved.Close();
+    const std::error_code error = MoveOver(from, to);
+    if (error) RemoveFile(to);
+    return error;
+}
+
+/// Returns whether a file system without hard links refused one.
+bool HasNoLinks(const std::error_code& error) {
+    return error && error != std::errc::file_exists && error != std::errc::no_such_file_or_directory;
+}
+
+/// Gives a file a second name, which must be free. Without hard links the first name goes.
+std::error_code KeepAs(const std::string& file, const std::string& name) {
+    const std::error_code error = LinkFile(file, name);
+    return HasNoLinks(error) ? MoveToFree(file, name) : error;
+}
+
+/// Moves a file to a name that must be free, so that the name never belongs to anything but the whole file.
+std::error_code MoveWholeToFree(const std::string& from, const std::string& to) {
+    const std::error_code error = LinkFile(from, to);
+    if (!error) RemoveFile(from);
+    return HasNoLinks(error) ? MoveToFree(from, to) : error;
+}
+
 }  // namespace
 
-bool CReplacingFile::Create(const std::string& path) {
+bool CReplacingFile::Create(const std::string& path, enRule rule) {
     Discard();
     m_path = path;
+    m_rule = rule;
     m_failure = {};
     CFile old;
     const bool isThere = old.OpenForWriting(path);
@@ -35,47 +81,64 @@ bool CReplacingFile::Create(const std::string& path) {
         m_failure = old.Failure();
         return false;
     }
+    if (isThere && rule == enRule::New) return Fail(std::make_error_code(std::errc::file_exists));
     m_place = old.PlaceOf(path);
-    if (m_place.empty()) return m_file.Create(path);
-    if (CreateBeside(old)) return true;
-    // A disk without room for a second file has none for the new content either: the old one is better left alone.
-    return isThere && !IsRefusal(m_file.Failure().error) ? true : m_file.Create(path);
+    if (!m_place.empty() && CreateBeside(old)) return true;
+    if (rule != enRule::Overwrite)
+        return m_place.empty() ? Fail(std::make_error_code(std::errc::not_supported)) : false;
+    // A disk without room for a second file has none for the new content either: leave the old file alone.
+    const bool isFull = !m_place.empty() && isThere && !IsRefusal(m_file.Failure().error);
+    return isFull || m_file.Create(path);
 }
 
 bool CReplacingFile::CreateBeside(const CFile& old) {
-    const std::string folder = m_place.substr(0, m_place.find_last_of("/\\:") + 1);
-    const std::string start = folder + ".vxfileio-" + std::to_string(ProcessNumber()) + "-";
-    for (int i = 0; i < kMostNames; ++i) {
-        std::string name = start + std::to_string(i) + ".new";
-        if (m_file.CreateLike(name, old)) {
-            m_beside = std::move(name);
-            return true;
-        }
-        if (m_file.Failure().error != std::errc::file_exists) break;
-    }
-    return false;
+    const auto create = [&](const std::string& name) {
+        return m_file.CreateLike(name, old) ? std::error_code() : m_file.Failure().error;
+    };
+    return !MakeBeside(m_place, m_beside, create);
 }
 
-bool CReplacingFile::Commit() {
-    m_file.Close();
-    const bool isWhole = !Failure();
-    const bool isThere = isWhole && (m_beside.empty() || Move());
-    Discard();
-    return isThere;
-}
-
-bool CReplacingFile::Move() {
-    const std::error_code error = MoveOver(m_beside, m_place);
-    if (!error) {
-        m_beside.clear();
-        return true;
-    }
-    if (IsRefusal(error)) return CopyOver();
+bool CReplacingFile::Fail(std::error_code error) {
     m_failure = {error, CFileFailure::enStep::Replacing};
     return false;
 }
 
-/// Writes the content of the file beside over the old one, which can be written but not replaced.
+bool CReplacingFile::Finish() {
+    m_file.Close();
+    return !Failure();
+}
+
+bool CReplacingFile::Commit() {
+    const bool isThere = Finish() && (m_beside.empty() || Move());
+    Discard();
+    return isThere;
+}
+
+bool CReplacingFile::CommitAll(std::span<CReplacingFile* const> files) {
+    const auto finish = [](CReplacingFile* file) { return file->Finish(); };
+    const auto keep = [](CReplacingFile* file) { return file->KeepOld(); };
+    const auto move = [](CReplacingFile* file) { return file->Move(); };
+    const bool isDone = std::all_of(files.begin(), files.end(), finish) &&
+                        std::all_of(files.begin(), files.end(), keep) && std::all_of(files.begin(), files.end(), move);
+    for (CReplacingFile* const file : files) {
+        if (!isDone) file->BringBackOld();
+        file->Discard();
+    }
+    return isDone;
+}
+
+bool CReplacingFile::Move() {
+    const std::error_code error =
+        m_rule == enRule::New ? MoveWholeToFree(m_beside, m_place) : MoveOver(m_beside, m_place);
+    if (!error) {
+        m_beside.clear();
+        m_isMoved = true;
+        return true;
+    }
+    return m_rule == enRule::Overwrite && IsRefusal(error) ? CopyOver() : Fail(error);
+}
+
+/// Writes the new content over the old file, which can be written but not replaced.
 bool CReplacingFile::CopyOver() {
     const auto piece = std::make_unique<std::array<std::byte, kPiece>>();
     CFile beside;
@@ -89,15 +152,33 @@ bool CReplacingFile::CopyOver() {
     do {
         moved = beside.ReadUpTo(m_file.End(), {*piece});
     } while (moved > 0 && m_file.Append({CBytes(*piece).first(moved)}));
-    if (m_file.End() != size && !Failure())
-        m_failure = {std::make_error_code(std::errc::io_error), CFileFailure::enStep::Replacing};
+    if (m_file.End() != size && !Failure()) Fail(std::make_error_code(std::errc::io_error));
     return m_file.Close() && !Failure();
 }
 
-void CReplacingFile::Discard() {
+/// Gives the old file a second name, by which it can return.
+bool CReplacingFile::KeepOld() {
+    if (m_rule == enRule::New) return true;
+    const auto keep = [&](const std::string& name) { return KeepAs(m_place, name); };
+    const std::error_code error = MakeBeside(m_place, m_old, keep);
+    return !error || error == std::errc::no_such_file_or_directory || Fail(error);
+}
+
+void CReplacingFile::BringBackOld() noexcept {
+    if (!m_old.empty()) {
+        if (MoveOver(m_old, m_place)) m_old.clear();  // it has no other name now
+    } else if (m_isMoved) {
+        RemoveFile(m_place);
+    }
+}
+
+void CReplacingFile::Discard() noexcept {
     m_file.Close();
-    if (!m_beside.empty()) RemoveFile(m_beside);
-    m_beside.clear();
+    for (std::string* const name : {&m_beside, &m_old}) {
+        if (!name->empty()) RemoveFile(*name);
+        name->clear();
+    }
+    m_isMoved = false;
 }
 
 }  // namespace vxfileio::helpers

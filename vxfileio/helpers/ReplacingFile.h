@@ -1,21 +1,30 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "vxfileio/helpers/File.h"
 
 namespace vxfileio::helpers {
 
-/// A file that is written beside the one it is to replace, and takes its place at once when it is whole. Whoever reads
-/// finds the old file or the new one, and whatever fails before leaves the old one as it was and nothing beside it.
+/// A file that is written beside the file it replaces, as that file's path and ".part1" or a higher number, and moved
+/// into place when it is whole. Readers find the old file or the new one. A failure before that leaves the old file as
+/// it was and nothing beside it.
 ///
-/// The new file has the old one's rights; where the path is a symbolic link, the file that it leads to is replaced.
-/// What is no plain file is written in place, and so is a file whose folder takes no second one, or lets nobody replace
-/// it: then a failure leaves the beginning of the new content.
+/// The new file is created exclusively, so that neither another program nor a planted link can share it, and has the
+/// rights of the old file from the start. If the path is a symbolic link, the file that it points to is replaced.
 ///
-/// Nothing throws, apart from want of memory in `Create` and `Commit`.
+/// Throws nothing but `std::bad_alloc`, and only in `Create` and `Commit`.
 class CReplacingFile {
  public:
+    /// What to do about a file that is there already, or that can't be replaced.
+    enum class enRule {
+        Overwrite,  ///< Replace it. Write in place what is no plain file, and a file whose folder refuses a second one
+                    ///< or a rename; a failure then leaves the beginning of the new content.
+        Replace,    ///< Replace it, or fail.
+        New,        ///< Fail if there is one, even if it appears just before `Commit`.
+    };
+
     CReplacingFile() = default;
     /// Drops what wasn't committed.
     ~CReplacingFile() { Discard(); }
@@ -23,33 +32,50 @@ class CReplacingFile {
     CReplacingFile& operator=(const CReplacingFile&) = delete;
 
     /// Begins to replace the file of this path, or to make it if there is none; drops what was begun before. Returns
-    /// false if it can't be opened for writing; then it is as it was. If only the disk has no room for a second file,
-    /// the result is true, and all that is written is refused.
-    bool Create(const std::string& path);
+    /// false on failure, and the file is as it was. With `Overwrite`, a disk without room for a second file is a
+    /// success, and everything written is refused.
+    [[nodiscard]] bool Create(const std::string& path, enRule rule = enRule::Overwrite);
 
-    /// The file to write into until `Commit`. Not moved, it can also be opened for other purposes.
-    CFile& File() { return m_file; }
+    /// The file to write into until `Finish` or `Commit`. It can also be opened for other purposes; then it isn't
+    /// moved.
+    CFile& File() noexcept { return m_file; }
 
-    /// Closes the new file and, if the system took everything, moves it into place. Returns whether it is there.
-    bool Commit();
+    /// The path that is written to until `Commit`, in the form that the system takes.
+    const std::string& WorkPath() const noexcept { return m_beside; }
+
+    /// Closes the new file, which then waits for `Commit`. Returns whether the system took everything.
+    [[nodiscard]] bool Finish();
+
+    /// Finishes the file and, if it is whole, moves it into place. Returns whether it is there.
+    [[nodiscard]] bool Commit();
+
+    /// Commits all files or none: if one isn't whole or can't be moved, those moved before it go back and the old files
+    /// return. `Failure` of that file then says why. Requires a rule other than `Overwrite`.
+    [[nodiscard]] static bool CommitAll(std::span<CReplacingFile* const> files);
 
     /// What failed first since `Create`.
-    const CFileFailure& Failure() const { return m_failure ? m_failure : m_file.Failure(); }
+    const CFileFailure& Failure() const noexcept { return m_failure ? m_failure : m_file.Failure(); }
 
-    /// The same in words, with the path that `Create` got; empty if nothing failed.
+    /// The same in words, with the path passed to `Create`; empty if nothing failed.
     std::string WriteError() const { return Failure().Text(m_path); }
 
  private:
     bool CreateBeside(const CFile& old);
+    bool Fail(std::error_code error);
     bool Move();
     bool CopyOver();
-    void Discard();
+    bool KeepOld();
+    void BringBackOld() noexcept;
+    void Discard() noexcept;
 
     CFile m_file;
     CFileFailure m_failure;  ///< One that isn't the file's own.
-    std::string m_path;      ///< As the caller named it.
-    std::string m_place;     ///< Where the file is to stand.
-    std::string m_beside;    ///< Where it is written; empty if it is written in place, or done.
+    enRule m_rule = enRule::Overwrite;
+    std::string m_path;    ///< As the caller named it.
+    std::string m_place;   ///< The file to replace, links followed.
+    std::string m_beside;  ///< The new file; empty if it is written in place or was moved.
+    std::string m_old;     ///< While several are moved: another name of the old file; empty if there was none.
+    bool m_isMoved = false;
 };
 
 }  // namespace vxfileio::helpers

@@ -67,8 +67,7 @@ std::string CFileBuffer::Commit() {
     if (!m_state) return {};
     Flush();
     const std::unique_ptr<CState> state = std::move(m_state);
-    state->replacing.Commit();
-    return state->replacing.WriteError();
+    return state->replacing.Commit() ? std::string() : state->replacing.WriteError();
 }
 
 void CFileBuffer::Close() {

@@ -75,9 +75,10 @@ class CTextTable : public CSampleSink {
         Flush();
     }
 
-    void Commit() override {
+    void Finish(std::vector<COutput*>& outputs) override {
         Flush();
-        m_output.Commit();
+        m_output.Finish();
+        outputs.push_back(&m_output);
     }
 
  private:
@@ -128,9 +129,10 @@ class CNpyFile {
         m_output.Write(bytes);
     }
 
-    void Commit() {
+    void Finish(std::vector<COutput*>& outputs) {
         if (m_output.CanRewriteFront()) m_output.RewriteFront(Header(m_count));
-        m_output.Commit();
+        m_output.Finish();
+        outputs.push_back(&m_output);
     }
 
  private:
@@ -185,7 +187,7 @@ class CNpyArray : public CSampleSink {
         m_file.Put(std::as_bytes(std::span(m_values)), samples.size());
     }
 
-    void Commit() override { m_file.Commit(); }
+    void Finish(std::vector<COutput*>& outputs) override { m_file.Finish(outputs); }
 
  private:
     bool m_units;
@@ -225,7 +227,7 @@ class CNpyTable : public CSampleSink {
         }
     }
 
-    void Commit() override { m_file.Commit(); }
+    void Finish(std::vector<COutput*>& outputs) override { m_file.Finish(outputs); }
 
  private:
     static constexpr std::size_t kBlockItems = 4096;
@@ -302,9 +304,9 @@ class CSinkPerWell : public CSampleSink {
 
     void Put(std::int64_t time, std::span<const std::uint16_t> samples) override { m_current->Put(time, samples); }
 
-    void Commit() override {
+    void Finish(std::vector<COutput*>& outputs) override {
         for (auto& sink : m_sinks)
-            sink.second->Commit();
+            sink.second->Finish(outputs);
     }
 
  private:
@@ -327,6 +329,12 @@ class CSinkPerWell : public CSampleSink {
 };
 
 }  // namespace
+
+void CSampleSink::Commit() {
+    std::vector<COutput*> outputs;
+    Finish(outputs);
+    COutput::Commit(outputs);
+}
 
 std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source) {
     if (form.target.find(kWellMark) == std::string::npos) return MakeSink(form, source);

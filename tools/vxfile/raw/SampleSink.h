@@ -5,8 +5,10 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "tools/vxfile/raw/SampleSource.h"
+#include "tools/vxfile/system/Output.h"
 
 namespace vxfile {
 
@@ -34,8 +36,10 @@ class CSampleSink {
     virtual void Begin(const CPiece& piece) = 0;
     /// Takes samples of this piece that follow one another. `time` is that of the first one.
     virtual void Put(std::int64_t time, std::span<const std::uint16_t> samples) = 0;
-    /// Ends all files; without it there are none.
-    virtual void Commit() = 0;
+    /// Ends all outputs: all files appear, or none. Without it there are none.
+    void Commit();
+    /// Finishes all outputs and adds them to a list. They wait for being committed.
+    virtual void Finish(std::vector<COutput*>& outputs) = 0;
 };
 
 /// Makes the sink for a form. The length of an array stands ahead of it: where that can't be put in later, as in a

@@ -18,6 +18,7 @@ namespace vxfile {
 namespace {
 
 using vxfileio::helpers::CFile;
+using vxfileio::helpers::CReplacingFile;
 
 /// Tells whether all segments of one inventory are in another.
 bool Holds(const CInventory& inventory, const CInventory& other) {
@@ -88,14 +89,15 @@ CRecoverReport Recover(const std::string& source, const std::string& target, con
     CFile file;
     OpenInput(file, source);
     RefuseTarget(target, source);
-    CWholeFile whole(target, options.replace);
+    CReplacingFile whole;
+    CreateWhole(whole, target, options.replace);
     const CHeaderProbe probe(file, source);
     CInventory inventory = TakeInventory(probe, options.keepCut);
     if (inventory.recordings.empty())
         throw CFailure(source + " holds no segment and no complete recording header; there is nothing to save.");
     SettleWells(inventory);
     CRecoverReport report = Write(inventory, {file, source, whole.WorkPath(), target});
-    whole.Commit();
+    if (!whole.Commit()) RefuseWrite(target, whole.Failure());
     report.losses = std::move(inventory.losses);
     report.doubts = std::move(inventory.doubts);
     return report;

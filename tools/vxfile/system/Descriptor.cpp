@@ -20,9 +20,6 @@ namespace {
 
 constexpr int kStandardOutput = 1;
 
-/// Readable and writable by whom the process's own mask allows.
-constexpr int kNewFileMode = 0666;
-
 #ifdef _WIN32
 constexpr int kAsTheyAre = O_BINARY;
 #else
@@ -31,8 +28,8 @@ constexpr int kAsTheyAre = O_CLOEXEC;
 
 }  // namespace
 
-bool CDescriptor::Create(const std::string& path) {
-    m_number = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | kAsTheyAre, kNewFileMode);
+bool CDescriptor::Open(const std::string& path) {
+    m_number = ::open(path.c_str(), O_WRONLY | kAsTheyAre);
     m_isOwn = true;
     return m_number != kClosed;
 }
@@ -56,8 +53,6 @@ bool CDescriptor::Write(std::span<const std::byte> bytes) {
     }
     return true;
 }
-
-bool CDescriptor::GoToFront() { return ::lseek(m_number, 0, SEEK_SET) == 0; }
 
 bool CDescriptor::Close() {
     const int number = std::exchange(m_number, kClosed);

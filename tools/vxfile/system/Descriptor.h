@@ -6,29 +6,27 @@
 
 namespace vxfile {
 
-/// What bytes go to: a file, a pipe, a device, or standard output. Every call is one of the system's: there is no
-/// buffer. What fails returns false, and `errno` tells why; after Ctrl-C nothing is written.
+/// A pipe, a device, or standard output, to which bytes are written without a buffer. An operation that fails returns
+/// false and sets `errno`. After Ctrl-C nothing is written.
 class CDescriptor {
  public:
     CDescriptor() = default;
-    ~CDescriptor() { static_cast<void>(Close()); }  // whoever has to know whether that failed has closed it
+    ~CDescriptor() { static_cast<void>(Close()); }  // a device has taken everything by now
     CDescriptor(const CDescriptor&) = delete;
     CDescriptor& operator=(const CDescriptor&) = delete;
 
-    /// Creates a file or empties an existing one, or opens what is no plain file.
-    bool Create(const std::string& path);
+    /// Opens a pipe or a device.
+    [[nodiscard]] bool Open(const std::string& path);
 
-    /// Takes a file that is open already, by its number: 1 is standard output, where bytes pass as they are from now
-    /// on. It isn't closed.
+    /// Writes to an open file by its number, and doesn't close it. 1 is standard output, to which bytes pass unchanged
+    /// from now on.
     void UseOpen(int number);
 
-    /// Writes all bytes at the current position, which moves behind them.
-    bool Write(std::span<const std::byte> bytes);
+    /// Writes all bytes.
+    [[nodiscard]] bool Write(std::span<const std::byte> bytes);
 
-    /// Moves the position to the start of the file.
-    bool GoToFront();
-
-    bool Close();
+    /// Closes the file, unless it was open before.
+    [[nodiscard]] bool Close();
 
  private:
     static constexpr int kClosed = -1;

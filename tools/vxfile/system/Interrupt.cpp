@@ -53,6 +53,9 @@ extern "C" void NoteInterrupt(int signal) {
 }  // namespace
 
 void CatchInterrupts() {
+#ifdef SIGXFSZ  // a write beyond the size that is allowed fails instead of ending the program
+    SetHandler(SIGXFSZ, SIG_IGN);
+#endif
     for (const int signal : kSignals) {
         const CHandler before = SetHandler(signal, NoteInterrupt);
         if (before != SIG_DFL) SetHandler(signal, before);  // what is to be ignored stays so

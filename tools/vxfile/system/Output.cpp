@@ -7,11 +7,12 @@
 #include <iostream>
 #include <optional>
 #include <system_error>
-#include <utility>
 
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "vxfileio/helpers/NumberText.h"
+
+using vxfileio::helpers::CReplacingFile;
 
 namespace vxfile {
 
@@ -23,20 +24,10 @@ constexpr int kStandardOutput = 1;
 
 constexpr std::size_t kBlockSize = std::size_t{64} << 10;
 
-/// From this size on a part isn't copied into the block, but written as it is.
+/// Parts of this size or more are written directly instead of being copied into the block.
 constexpr std::size_t kLargePart = std::size_t{16} << 10;
 
-/// A name beside `path` that no file has yet.
-std::string FreeNameBeside(const std::string& path) {
-    std::error_code ignored;
-    for (int number = 1;; ++number) {
-        std::string name = path + ".part" + std::to_string(number);
-        if (!fs::exists(name, ignored)) return name;
-    }
-}
-
-/// Tells whether something is a device or a pipe. Windows doesn't say so of its own, such as `nul`, but has another way
-/// there for them.
+/// Returns whether something is a device or a pipe. Windows has devices, such as `nul`, that don't look like one.
 bool IsSpecial(const std::string& path) {
     std::error_code none;
     const auto status = fs::status(path, none);
@@ -44,32 +35,29 @@ bool IsSpecial(const std::string& path) {
     return isOther || fs::absolute(path, none).string().starts_with(R"(\\.\)");
 }
 
-/// `error` is the system's number; 0 if nobody knows any more. What was interrupted wasn't refused.
-[[noreturn]] void RefuseWrite(const std::string& target, int error) {
-    CheckInterrupt();
-    const std::string reason = error == 0 ? "" : std::string(": ") + std::strerror(error);
-    throw CFailure("Can't write to " + target + reason + "; make room, or write elsewhere.");
-}
-
-/// What a path leads to.
-struct CTarget {
-    std::string path;              ///< Links followed.
-    std::optional<int> open = {};  ///< The number of an open file, if it is no name: 1 of `/dev/stdout`.
-};
-
-CTarget Follow(const std::string& path) {
+/// Returns the number of an open file if a path leads to one, such as 1 for `/dev/stdout`.
+std::optional<int> OpenNumberOf(const std::string& path) {
     constexpr int kMostLinks = 40;  // the system itself follows no more
     std::error_code none;
     const fs::path openFiles = fs::canonical("/proc/self/fd", none);
     fs::path place = path;
-    for (int links = 0; fs::is_symlink(fs::symlink_status(place, none)); ++links) {
+    for (int links = 0; links < kMostLinks && fs::is_symlink(fs::symlink_status(place, none)); ++links) {
         const fs::path folder = fs::canonical(place.has_parent_path() ? place.parent_path() : ".", none);
-        if (!openFiles.empty() && folder == openFiles)
-            return {path, vxfileio::helpers::ParseInt32(place.filename().string())};
-        if (links == kMostLinks) throw CFailure(path + " is a link that leads round in circles; name a file.");
+        if (!openFiles.empty() && folder == openFiles) return vxfileio::helpers::ParseInt32(place.filename().string());
         place = folder / fs::read_symlink(place, none);
     }
-    return {place == path ? path : place.string()};
+    return std::nullopt;
+}
+
+[[noreturn]] void RefuseReplacing(const std::string& path) {
+    throw CFailure(path + " is there already; choose another name, or replace it with --force.");
+}
+
+/// `error` is the system's number, or 0 if it is unknown. An interruption isn't a refusal.
+[[noreturn]] void RefuseWrite(const std::string& target, int error) {
+    CheckInterrupt();
+    const std::string reason = error == 0 ? "" : std::string(": ") + std::strerror(error);
+    throw CFailure("Can't write to " + target + reason + "; make room, or write elsewhere.");
 }
 
 }  // namespace
@@ -83,43 +71,27 @@ void RefuseTarget(const std::string& target, const std::string& source) {
         throw CFailure(target + " is the file itself, which is never written to; choose another name.");
 }
 
-CWholeFile::CWholeFile(std::string path, bool replace) : m_path(std::move(path)), m_replace(replace) {
+void RefusePlace(const std::string& path, bool replace) {
     std::error_code ignored;
-    const CTarget target = Follow(m_path);
-    m_place = target.path;
-    m_workPath = FreeNameBeside(m_place);
-    if (fs::is_directory(m_place, ignored)) throw CFailure(m_path + " is a folder; name a file in it.");
-    if (target.open || IsSpecial(m_place))
-        throw CFailure(m_path + " is a device or a pipe, which can't hold the whole file; name a file.");
-    RefuseReplacing();
+    if (fs::is_directory(path, ignored)) throw CFailure(path + " is a folder; name a file in it.");
+    if (OpenNumberOf(path) || IsSpecial(path))
+        throw CFailure(path + " is a device or a pipe, which can't hold the whole file; name a file.");
+    if (!replace && fs::exists(path, ignored)) RefuseReplacing(path);
 }
 
-CWholeFile::~CWholeFile() {
-    std::error_code ignored;
-    if (!m_committed) fs::remove(m_workPath, ignored);
+void CreateWhole(CReplacingFile& file, const std::string& path, bool replace) {
+    RefusePlace(path, replace);
+    using enum CReplacingFile::enRule;
+    if (!file.Create(path, replace ? Replace : New))
+        throw CFailure("Can't create " + path + ": " + file.Failure().error.message() + "; choose another folder.");
 }
 
-void CWholeFile::RefuseReplacing() const {
-    std::error_code ignored;
-    if (!m_replace && fs::exists(m_place, ignored))
-        throw CFailure(m_path + " is there already; choose another name, or replace it with --force.");
-}
-
-void CWholeFile::Take(const std::string& made) {
-    std::error_code error;
-    fs::rename(made, m_workPath, error);
-    if (error) fs::copy_file(made, m_workPath, error);  // a link may lead to another disk
-    if (error) throw CFailure("Can't write to " + m_path + ": " + error.message() + "; make room, or write elsewhere.");
-}
-
-void CWholeFile::Commit() {
-    std::error_code error;
-    RefuseReplacing();
-    if (const auto replaced = fs::status(m_place, error); fs::exists(replaced))
-        fs::permissions(m_workPath, replaced.permissions(), error);
-    fs::rename(m_workPath, m_place, error);
-    if (error) throw CFailure("Can't put " + m_path + " in its place: " + error.message() + ".");
-    m_committed = true;
+void RefuseWrite(const std::string& target, const vxfileio::helpers::CFileFailure& failure) {
+    CheckInterrupt();
+    if (failure.error == std::errc::file_exists) RefuseReplacing(target);
+    if (failure.step == vxfileio::helpers::CFileFailure::enStep::Replacing)
+        throw CFailure("Can't put " + target + " in its place: " + failure.error.message() + ".");
+    throw CFailure("Can't write to " + target + ": " + failure.error.message() + "; make room, or write elsewhere.");
 }
 
 COutput::COutput(const std::string& path, const std::string& source, bool replace) : m_name(path) {
@@ -133,19 +105,20 @@ COutput::COutput(const std::string& path, const std::string& source, bool replac
     }
 }
 
-/// A pipe or a device is written to; only a file can be put in the place of another.
+/// A pipe or a device is written directly; only a file can replace another.
 void COutput::Open(const std::string& path, bool replace) {
-    if (const auto open = Follow(path).open) return m_descriptor.UseOpen(*open);
-    if (!IsSpecial(path)) m_file = std::make_unique<CWholeFile>(path, replace);
-    if (m_descriptor.Create(m_file ? m_file->WorkPath() : path)) return;
+    if (const auto open = OpenNumberOf(path)) return m_descriptor.UseOpen(*open);
+    m_isFile = !IsSpecial(path);
+    if (m_isFile) return CreateWhole(m_file, path, replace);
+    if (m_descriptor.Open(path)) return;
     const int error = errno;
-    CheckInterrupt();  // of waiting for somebody to open the other end of a pipe
+    CheckInterrupt();  // while waiting for a reader of the pipe
     throw CFailure("Can't create " + path + ": " + std::strerror(error) + "; choose another folder.");
 }
 
-/// What went into a pipe stays there, so the rest of it may as well follow.
+/// What went into a pipe stays there, so the rest may as well follow.
 COutput::~COutput() {
-    if (!m_file && !IsInterrupted()) static_cast<void>(m_descriptor.Write(m_gathered));
+    if (!m_isFile && !IsInterrupted()) static_cast<void>(m_descriptor.Write(m_gathered));
 }
 
 void COutput::Write(std::string_view text) { Write(std::as_bytes(std::span(text))); }
@@ -162,31 +135,40 @@ void COutput::Write(std::span<const std::byte> bytes) {
 
 void COutput::RewriteFront(std::string_view text) {
     Flush();
-    Check(m_descriptor.GoToFront());
-    Pass(std::as_bytes(std::span(text)));
+    if (!m_file.File().WriteAt(0, {std::as_bytes(std::span(text))})) RefuseWrite(m_name, m_file.Failure());
 }
 
-void COutput::Commit() {
+void COutput::Finish() {
     Flush();
-    if (!m_file) return;
-    Check(m_descriptor.Close());
-    m_file->Commit();
+    if (m_isFile && !m_file.Finish()) RefuseWrite(m_name, m_file.Failure());
+}
+
+void COutput::Commit(std::span<COutput* const> outputs) {
+    CheckInterrupt();
+    std::vector<CReplacingFile*> files;
+    for (COutput* const output : outputs) {
+        if (output->m_isFile) files.push_back(&output->m_file);
+    }
+    const bool isDone = files.size() == 1 ? files.front()->Commit() : CReplacingFile::CommitAll(files);
+    if (isDone) return;
+    for (const COutput* const output : outputs) {
+        if (output->m_file.Failure()) RefuseWrite(output->m_name, output->m_file.Failure());
+    }
 }
 
 void COutput::Pass(std::span<const std::byte> bytes) {
     CheckInterrupt();
-    Check(m_descriptor.Write(bytes));
+    if (m_isFile) {
+        if (!m_file.File().Append({bytes})) RefuseWrite(m_name, m_file.Failure());
+    } else if (!m_descriptor.Write(bytes)) {
+        m_gathered.clear();
+        RefuseWrite(m_name, errno);
+    }
 }
 
 void COutput::Flush() {
     Pass(m_gathered);
     m_gathered.clear();
-}
-
-void COutput::Check(bool good) {
-    if (good) return;
-    m_gathered.clear();
-    RefuseWrite(m_name, errno);
 }
 
 void FinishPrinting() {

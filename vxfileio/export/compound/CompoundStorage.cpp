@@ -99,7 +99,18 @@ CompoundStorage::CompoundStorage() : m_fat([this] { ExtendFat(); }), m_miniFat([
 
 bool CompoundStorage::Create(const std::string& path) {
     Close();
-    m_isComplete = m_file.Create(path);
+    Begin(m_file.Create(path));
+    return true;
+}
+
+void CompoundStorage::CreateIn(helpers::CFile& file) {
+    Close();
+    m_file.Use(file);
+    Begin(file.IsOpen());
+}
+
+void CompoundStorage::Begin(bool isOpen) {
+    m_isComplete = isOpen;
     m_header = StorageHeader();
     m_fat.AddSector();
     m_fat.Mark(FatSector(0), kFatSector);
@@ -107,7 +118,6 @@ bool CompoundStorage::Create(const std::string& path) {
     m_directory.Reset();
     m_current = m_directory.Root();
     WriteTables();
-    return true;
 }
 
 void CompoundStorage::Close() {

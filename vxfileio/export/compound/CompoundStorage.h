@@ -46,14 +46,14 @@ class CompoundStorage {
     /// `IsOpen` tells whether the file could be made. If not, all operations work as usual, but write nothing.
     bool Create(const std::string& path);
 
-    /// Tells whether a file is open.
-    bool IsOpen() const { return m_file.IsOpen(); }
+    /// The same in an empty file that the caller opened for writing. It must outlive its use here, and isn't closed.
+    void CreateIn(helpers::CFile& file);
 
-    /// Tells whether the system took everything that was to be written since `Create`.
-    bool IsComplete() const { return m_isComplete; }
+    /// Returns whether a file is open.
+    bool IsOpen() const noexcept { return m_file.IsOpen(); }
 
-    /// What the system refused first since `Create`, in words with the path; empty if nothing. Closing counts.
-    std::string WriteError() const { return m_file.WriteError(); }
+    /// Returns whether the system took everything since `Create`.
+    bool IsComplete() const noexcept { return m_isComplete; }
 
     /// Adds an empty stream, and the storages of its path that don't exist.
     std::int32_t MakeFile(const std::string& path);
@@ -80,6 +80,7 @@ class CompoundStorage {
     void Close();
 
  private:
+    void Begin(bool isOpen);
     std::int32_t Make(std::string_view path, vxfileio::compound::enEntryType type);
     DirectoryNode* StartOf(std::string_view path) const;
 

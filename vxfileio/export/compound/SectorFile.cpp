@@ -6,6 +6,7 @@
 namespace vxfileio::compound {
 
 using helpers::CBytes;
+using helpers::CFile;
 
 namespace {
 
@@ -23,7 +24,7 @@ constexpr std::uint64_t BlocksOf(std::uint64_t bytes) {
 
 bool SectorFile::Create(const std::string& path) {
     Close();
-    return m_file.Create(path) && Open(path, kRead | kWrite);
+    return m_file->Create(path) && Open(path, kRead | kWrite);
 }
 
 bool SectorFile::Open(const std::string& path, std::uint32_t mode) {
@@ -31,13 +32,20 @@ bool SectorFile::Open(const std::string& path, std::uint32_t mode) {
     m_path = path;
     m_mode = mode;
     if (!OpenInMode()) return false;
-    m_byteSize = static_cast<std::uint64_t>(m_file.Size());
+    m_byteSize = static_cast<std::uint64_t>(m_file->Size());
     m_blockCount = static_cast<std::uint32_t>(BlocksOf(m_byteSize));
     return true;
 }
 
+void SectorFile::Use(CFile& file) {
+    Close();
+    m_file = &file;
+    m_mode = kWrite;
+}
+
 void SectorFile::Close() {
-    m_file.Close();
+    m_own.Close();
+    m_file = &m_own;
     m_path.clear();
     m_mode = 0;
     m_blockCount = 0;
@@ -46,7 +54,7 @@ void SectorFile::Close() {
 
 bool SectorFile::Read(std::uint32_t index, std::span<std::byte, kBlockSize> buffer) const {
     if (!HasMode(kRead) || index >= m_blockCount) return false;
-    return m_file.ReadUpTo(PositionOf(index), buffer) == buffer.size();
+    return m_file->ReadUpTo(PositionOf(index), buffer) == buffer.size();
 }
 
 bool SectorFile::Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
@@ -64,7 +72,7 @@ bool SectorFile::WriteRun(std::uint32_t index, std::span<const CBytes> parts) {
     for (const CBytes& part : parts)
         bytes += part.size();
     CountWritten(index, bytes / kBlockSize);
-    return m_file.WriteAt(PositionOf(index), {all[0], all[1], all[2], all[3]});
+    return m_file->WriteAt(PositionOf(index), {all[0], all[1], all[2], all[3]});
 }
 static_assert(SectorFile::kMostParts == 4, "WriteRun hands on as many");
 
@@ -91,8 +99,9 @@ bool SectorFile::Move(std::uint32_t from, std::uint32_t to) {
 }
 
 bool SectorFile::OpenInMode() {
-    if ((m_mode & kWrite) != 0) return m_file.OpenForUpdate(m_path);
-    return (m_mode & kRead) != 0 && m_file.OpenForReading(m_path);
+    if (m_file != &m_own) return IsOpen();
+    if ((m_mode & kWrite) != 0) return m_file->OpenForUpdate(m_path);
+    return (m_mode & kRead) != 0 && m_file->OpenForReading(m_path);
 }
 
 /// A block beyond the end adds its own size to the file's, not that of a gap in front of it. No block adds nothing.

@@ -23,12 +23,12 @@ class SectorFile {
     bool Create(const std::string& path);
     /// Opens an existing file; closes what was open. Others may use the file too. A mode without any bit fails.
     bool Open(const std::string& path, std::uint32_t mode);
-    /// Closes the file. Without an open file it does nothing.
+    /// Writes to a file that the caller opened for writing, which must outlive its use here; closes what was open.
+    void Use(helpers::CFile& file);
+    /// Closes the file, unless it is the caller's. Without an open file it does nothing.
     void Close();
-    /// Tells whether a file is open.
-    bool IsOpen() const { return m_file.IsOpen(); }
-    /// What the system refused first since `Create`, in words with the path; empty if nothing. Closing counts.
-    std::string WriteError() const { return m_file.WriteError(); }
+    /// Returns whether a file is open.
+    bool IsOpen() const noexcept { return m_file->IsOpen(); }
 
     /// Returns the number of blocks; the last one may be cut short by the end of the file.
     std::uint32_t BlockCount() const { return m_blockCount; }
@@ -63,7 +63,8 @@ class SectorFile {
     void CountWritten(std::uint32_t index, std::size_t blocks);
 
     std::string m_path;
-    helpers::CFile m_file;
+    helpers::CFile m_own;
+    helpers::CFile* m_file = &m_own;
     std::uint32_t m_mode = 0;
     std::uint32_t m_blockCount = 0;
     std::uint64_t m_byteSize = 0;

@@ -1,11 +1,13 @@
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <optional>
 #include <set>
-#include <sstream>
 #include <string>
-#include <system_error>
+#include <string_view>
 #include <vector>
 
 #include "tools/vxfile/document/XmlDamage.h"
@@ -15,12 +17,17 @@
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
+#include "tools/vxfile/system/MemoryReserve.h"
 #include "tools/vxfile/system/Output.h"
 #include "tools/vxfile/system/WholeText.h"
 #include "vxfileio/base/VXExceptions.h"
+#include "vxfileio/export/ResultsExport.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 using vxfileio::base::CExcConversion;
+using vxfileio::helpers::CReplacingFile;
+using vxfileio::workbook::CResultsExport;
+using vxfileio::workbook::CWorkbookFailure;
 
 namespace vxfile {
 
@@ -47,30 +54,14 @@ void Require(EFileKind kind, const std::string& path) {
         throw CFailure(path + " is " + ArticleAndNameOf(found) + "; " + ArticleAndNameOf(kind) + " is wanted here.");
 }
 
-/// A folder beside the workbooks in which they are made, so that those in place stay until the new ones are whole.
-class CWorkFolder {
- public:
-    explicit CWorkFolder(const fs::path& target) {
-        std::error_code error;
-        for (int number = 1; m_path.empty() || fs::exists(m_path); ++number)
-            m_path = target.string() + ".part" + std::to_string(number);
-        fs::create_directory(m_path, error);
-        if (error)
-            throw CFailure("Can't write beside " + target.string() + ": " + error.message() +
-                           "; choose another folder.");
-    }
-    ~CWorkFolder() {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    }
-    CWorkFolder(const CWorkFolder&) = delete;
-    CWorkFolder& operator=(const CWorkFolder&) = delete;
-
-    const fs::path& Path() const { return m_path; }
-
- private:
-    fs::path m_path;
-};
+/// Workbooks have one format; a name that promises another one would mislead the programs that open it.
+void RefuseOtherFormats(const fs::path& target) {
+    constexpr std::array<std::string_view, 6> kOthers = {".xlsx", ".xlsm", ".xlsb", ".ods", ".csv", ".tsv"};
+    const std::string extension = target.extension().string();
+    if (std::ranges::find(kOthers, Lowered(extension)) != kOthers.end())
+        throw CFailure(target.string() + " would be a workbook in the format of .xls; name it " +
+                       fs::path(target).replace_extension(".xls").string() + '.');
+}
 
 /// A file and what is in it.
 template <class CReader>
@@ -86,15 +77,43 @@ std::string BareGuid(const std::string& guid) {
     return bare;
 }
 
-/// Returns why the system refused a workbook, the first of them; empty if it refused none. A label that can't be in the
-/// name of a file is no refusal of the system: such a well is left out.
-std::string RefusalIn(const std::string& writeErrors) {
-    std::istringstream lines(writeErrors);
-    for (std::string line; std::getline(lines, line);) {
-        if (!line.starts_with("Not the name of a file: ")) return line.substr(0, line.find(", writing "));
+/// The workbooks of an export: all appear or none.
+class CWorkbooks {
+ public:
+    /// Writes a workbook beside its place, instead of an earlier one of the same path. Throws `CFailure` if it is
+    /// refused.
+    void Save(const YExcel::Document& document, const std::string& path, bool replace) {
+        CReplacingFile& file = m_files[path];
+        CreateWhole(file, path, replace);
+        if (document.WriteTo(file)) return;
+        if (file.Failure()) RefuseWrite(path, file.Failure());
+        throw CFailure(path + " would be larger than a workbook can be; export fewer recordings.");
     }
-    return {};
-}
+
+    /// Moves all workbooks into place. Throws `CFailure` if one can't be moved; then none is.
+    void Commit() {
+        std::vector<CReplacingFile*> files;
+        for (auto& [path, file] : m_files)
+            files.push_back(&file);
+        if (CReplacingFile::CommitAll(files)) return;
+        for (const auto& [path, file] : m_files) {
+            if (file.Failure()) RefuseWrite(path, file.Failure());
+        }
+    }
+
+    /// Prints the paths of the workbooks, in their order, and returns the names.
+    std::set<std::string> Tell() const {
+        std::set<std::string> names;
+        for (const auto& [path, file] : m_files) {
+            names.insert(fs::path(path).filename().string());
+            std::cout << Readable(path) << '\n';
+        }
+        return names;
+    }
+
+ private:
+    std::map<std::string, CReplacingFile> m_files;  ///< By path.
+};
 
 class CExportCommand : public CCommand {
  public:
@@ -111,62 +130,44 @@ class CExportCommand : public CCommand {
         Require(EFileKind::Results, m_results.path);
         Require(EFileKind::Settings, m_settings.path);
         RefuseInputs(m_output);
-        static_cast<void>(CWholeFile(m_output, m_force));  // what can be refused is refused before the work
-        const fs::path target = m_output;
+        RefusePlace(m_output, m_force);
+        RefuseOtherFormats(m_output);
         m_settings.reader.ReadFile(m_settings.path);
         m_results.reader.ReadFile(m_results.path);
-        const CWorkFolder folder(target);
-        Export((folder.Path() / target.filename()).string());
+        CWorkbooks workbooks;
+        Export(workbooks);
         CheckInterrupt();
-        const std::set<std::string> made = Move(folder.Path(), target.parent_path());
+        workbooks.Commit();
+        const std::set<std::string> made = workbooks.Tell();
         const std::vector<std::string> doubts = Doubts(made);
         std::ranges::for_each(doubts, Complain);
         return doubts.empty() ? kSound : kFindings;
     }
 
  private:
-    void Export(const std::string& path) {
-        CIResultsExport exporter;
+    /// Writes all workbooks, which then wait for being committed. What can be refused is refused before the work.
+    void Export(CWorkbooks& workbooks) {
+        const auto save = [&](const YExcel::Document& document, const std::string& path) {
+            CheckInterrupt();
+            CheckMemory();
+            RefuseInputs(path);
+            workbooks.Save(document, path, m_force);
+            return std::optional<CWorkbookFailure>();
+        };
+        CResultsExport exporter;
         exporter.SetResults(m_results.reader.GetResults());
         exporter.SetPropertyAnalyzer(m_settings.reader.GetAnalyzerProperty());
         exporter.SetPropertyRecordPlate(m_settings.reader.GetRecordPlateProperty());
         try {
-            exporter.ExportExcel(path);
+            exporter.Export(m_output, save);
         } catch (const CExcConversion&) {
             throw CFailure(m_settings.path + " has a dose that is too large for the head of a column; correct it.");
         }
-        const std::string refusal = RefusalIn(exporter.GetWriteError());
-        if (!refusal.empty())
-            throw CFailure("The workbooks can't be written: " + refusal + "; make room, or write elsewhere.");
     }
 
     void RefuseInputs(const std::string& target) const {
         RefuseTarget(target, m_results.path);
         RefuseTarget(target, m_settings.path);
-    }
-
-    /// Returns the names of the workbooks. Labels, which may hold anything, are part of them.
-    std::set<std::string> Move(const fs::path& from, const fs::path& to) const {
-        std::vector<fs::path> workbooks;
-        for (const auto& entry : fs::directory_iterator(from))
-            workbooks.push_back(entry.path());
-        std::ranges::sort(workbooks);
-        if (workbooks.empty()) throw CFailure("No workbook could be written; make room on the disk.");
-        std::vector<std::unique_ptr<CWholeFile>> places;
-        for (const auto& workbook : workbooks) {
-            const std::string place = (to / workbook.filename()).string();
-            RefuseInputs(place);
-            places.push_back(std::make_unique<CWholeFile>(place, m_force));
-        }
-        for (std::size_t i = 0; i < workbooks.size(); ++i)
-            places[i]->Take(workbooks[i].string());
-        std::set<std::string> names;
-        for (std::size_t i = 0; i < workbooks.size(); ++i) {
-            places[i]->Commit();
-            names.insert(workbooks[i].filename().string());
-            std::cout << Readable((to / workbooks[i].filename()).string()) << '\n';
-        }
-        return names;
     }
 
     /// Returns what the workbooks leave in doubt, a sentence each.
