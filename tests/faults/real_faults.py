@@ -1,7 +1,8 @@
-"""real_faults.py PLAY_FILES FOLDER: faults that the system itself makes, while PLAY_FILES writes or reads below FOLDER.
+"""real_faults.py PLAY_FILES FOLDER: real system faults while PLAY_FILES writes or reads below FOLDER.
 
-A tracer refuses, or kills at, one system call after the other; a memory disk is too small; files may not grow; a device
-is always full. After each, what was whole must be there, and the program must have told what isn't.
+A tracer makes one system call after another fail, or kills the process there; a memory disk is too small; a limit keeps
+files from growing; a device is always full. After each fault, complete data must still be there, and the program must
+have reported what is missing.
 """
 import os
 import re
@@ -15,7 +16,7 @@ FILES = {"raw": "run.vxd", "settings": "run.vxs", "results": "run.vxr", "export"
 REPLACED = ("settings", "results")
 OLD = b"what was there before"
 SEGMENTS = 6
-# What the library calls. Some have another name on other systems.
+# The system calls that the library makes. Some have other names on other systems.
 CALLS = ("open,openat", "close", "fstat,newfstatat,lstat", "readlink", "pwritev,pwritev2", "pread64", "ftruncate",
          "fchmod", "rename", "unlink")
 FAULTS = ("error=ENOSPC", "error=EIO", "error=EINTR", "signal=KILL")
@@ -55,7 +56,7 @@ class Plays:
                               stderr=subprocess.PIPE, timeout=60, check=False, **options)
 
     def check(self, kind, done, what, once=True):
-        """Holds what is on disk against what the program told."""
+        """Compares the files with what the program reported."""
         told = done.stdout.decode("latin-1").strip()
         killed = done.returncode in (-signal.SIGKILL, 128 + signal.SIGKILL)
         assert killed or done.returncode in (0, 1, 2), (what, done)
@@ -106,7 +107,7 @@ def traced(plays):
                     plays.check(kind, done, what)
         if kind != "export":
             read_traced(plays, kind)
-    print(f"{plays.count - before} runs: a tracer refused, or killed at, each system call of writing and reading")
+    print(f"{plays.count - before} runs in which a tracer made each system call fail, or killed the process there")
 
 
 def read_traced(plays, kind):
@@ -154,7 +155,7 @@ def with_limits(plays):
             plays.check(kind, done, f"{kind}: files of {size} bytes at most", once=False)
             assert size >= largest or done.returncode == 1 and b"File too large" in done.stdout, (kind, size, done)
             count += 1
-    print(f"{count} runs with a limit to the size of files")
+    print(f"{count} runs with a file size limit")
 
 
 def on_devices(plays):
@@ -165,7 +166,7 @@ def on_devices(plays):
             told = plays.run("write", kind).stdout.decode("latin-1").strip()
             assert told.startswith(text) and (told == "") == (text == ""), (kind, device, told)
             assert os.readlink(plays.path(kind)) == device
-    print("every kind written to a device that is always full, and to one that takes all")
+    print("every kind written to a device that is always full, and to one that accepts everything")
 
 
 def works(command):
@@ -182,13 +183,13 @@ def main():
     if works(["strace", "-qq", "-e", "trace=none", "true"]):
         traced(plays)
     else:
-        print("No program can be traced here. faults_test made every call fail between library and system instead.")
+        print("Tracing is not possible here. faults_test made every call fail between library and system instead.")
     os.makedirs(plays.folder, exist_ok=True)
-    apart = ["unshare", "-rm"]  # what is mounted there goes with the process
+    apart = ["unshare", "-rm"]  # mounts made there disappear with the process
     if works([*apart, "mount", "-t", "tmpfs", "tmpfs", plays.folder]):
         subprocess.run([*apart, sys.executable, *sys.argv, "disks"], check=True)
     else:
-        print("No disk can be mounted here. Limits to the size of files stood for full disks instead.")
+        print("Mounting a disk is not possible here. File size limits simulated full disks instead.")
 
 
 main()

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Reads the compound files in a folder with olefile: one stream each, and nothing that olefile has to say about them.
+"""Reads the compound files in a folder with olefile. Each must have one stream and cause no complaint.
 
     check_compound.py FOLDER
 """
@@ -11,12 +11,12 @@ import olefile
 
 
 def complaints(path):
-    """What olefile finds wrong with a file."""
+    """Yields what olefile finds wrong with a file."""
     with olefile.OleFileIO(str(path), raise_defects=olefile.DEFECT_INCORRECT) as file:
         if file.listdir() != [["Workbook"]]:
-            yield f"{path.name} holds {file.listdir()}"
+            yield f"{path.name} contains {file.listdir()}"
         if len(file.openstream("Workbook").read()) != file.get_size("Workbook"):
-            yield f"{path.name} has a stream of another size than it says"
+            yield f"{path.name} has a stream whose size differs from its entry"
         for _, text in file.parsing_issues:
             yield f"{path.name}: {text}"
 

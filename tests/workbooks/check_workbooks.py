@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Reads workbooks with programs that aren't ours, and compares every cell with what went in.
+"""Reads workbooks with other programs, and compares every cell with what was written.
 
     check_workbooks.py READER FOLDER        READER: xlrd, ssconvert, soffice, sheetjs
 
-Beside each NAME.xls in the folder stands NAME.txt: one line per cell with sheet, row, column, type and value, apart by
-tabs. A double that has a short form is expected as that form keeps it; the rule is written out below. Prints a line for
-each workbook that differs, and ends with 1 if there is any.
+Each NAME.xls in the folder has a NAME.txt next to it: one line per cell with sheet, row, column, type and value,
+separated by tabs. A double with a short form is expected with the precision of that form; the rule is implemented
+below. Prints a line for each workbook that differs, and exits with 1 if there is any.
 """
 
 import gzip
@@ -19,11 +19,11 @@ import sys
 import tempfile
 import xml.etree.ElementTree as ElementTree
 
-# ---- What went in ----------------------------------------------------------------------------------------------------
+# ---- Expected cells --------------------------------------------------------------------------------------------------
 
 
 def truncated(value):
-    """Without its decimals, in 32 bits; what doesn't fit gives the least number of them."""
+    """Cuts off the decimals. Returns the minimum for numbers that don't fit into 32 bits."""
     if math.isnan(value) or not -2147483649 < value < 2147483648:
         return -2147483648
     return int(value)
@@ -34,7 +34,7 @@ def wrapped(number):
 
 
 def kept(value):
-    """A double as the workbook keeps it: of one whose decimals seem to end with the second, 30 bits."""
+    """Returns a double as the workbook stores it: with 30 bits if it appears to have at most two decimals."""
     if wrapped(truncated(value * 100) * 100) != truncated(value * 10000):
         return value
     has_decimals = wrapped(truncated(value) * 100) != truncated(value * 100)
@@ -56,7 +56,7 @@ def expected_cells(path):
     return cells
 
 
-# ---- What others read ------------------------------------------------------------------------------------------------
+# ---- Readers ---------------------------------------------------------------------------------------------------------
 
 
 def read_xlrd(path):
@@ -68,7 +68,7 @@ def read_xlrd(path):
 
 
 def converted(command, path, suffix):
-    """The file that a program makes of the workbook."""
+    """Returns the file that a program converts the workbook to."""
     with tempfile.TemporaryDirectory() as folder:
         made = pathlib.Path(folder) / (path.stem + suffix)
         subprocess.run([part.format(path=path, folder=folder, made=made) for part in command], check=True,
@@ -114,7 +114,7 @@ def read_soffice(path):
 
 
 def odf_text(element):
-    """A text, in which runs of blanks and tabs are elements."""
+    """Returns the text of an element; runs of blanks are child elements."""
     text_ns = "{urn:oasis:names:tc:opendocument:xmlns:text:1.0}"
     text = element.text or "" if element.tag.startswith(text_ns) else ""
     for child in element:
@@ -140,15 +140,15 @@ process.stdout.write(JSON.stringify(cells));
 
 
 def read_sheetjs(path):
-    """Run in a folder whose node_modules has the package."""
+    """Must run in a folder whose node_modules has the package."""
     output = subprocess.run(["node", "--max-old-space-size=4096", "-e", SHEETJS, str(path)], check=True,
                             capture_output=True).stdout
     return {(name, row, column): value for name, row, column, value in json.loads(output)}
 
 
 def windows_1252(text):
-    """What Gnumeric makes of a text of one-byte characters: those from 0x80 to 0x9F are of that code page, of which five
-    don't exist and end the text, and 0x7F is dropped."""
+    """Returns a text of one-byte characters as Gnumeric reads it: 0x80 to 0x9F as Windows-1252, where five bytes don't
+    exist and end the text; 0x7F is dropped."""
     if max(map(ord, text), default=0) > 0xFF:
         return text
     return re.split("[\x81\x8d\x8f\x90\x9d]", text)[0].replace("\x7f", "").encode("latin-1").decode("windows-1252")
@@ -160,7 +160,7 @@ READERS = {"xlrd": read_xlrd, "ssconvert": read_ssconvert, "soffice": read_soffi
 
 
 def same(reader, expected, found):
-    """Programs write numbers with 15 to 17 digits where they are asked for text."""
+    """Compares numbers to 14 digits, since some programs print them as text with 15 to 17 digits."""
     if reader == "ssconvert" and isinstance(expected, str):
         expected = windows_1252(expected)
     if isinstance(expected, str) or isinstance(found, str):
@@ -171,11 +171,11 @@ def same(reader, expected, found):
 def differences(reader, expected, found):
     for place in sorted(expected.keys() | found.keys()):
         if place not in found:
-            yield f"{place} should hold {expected[place]!r}"
+            yield f"{place} should contain {expected[place]!r}"
         elif place not in expected:
-            yield f"{place} holds {found[place]!r}, and nothing went in"
+            yield f"{place} contains {found[place]!r} but should be empty"
         elif not same(reader, expected[place], found[place]):
-            yield f"{place} holds {found[place]!r} and not {expected[place]!r}"
+            yield f"{place} contains {found[place]!r} instead of {expected[place]!r}"
 
 
 def check(reader, folder):

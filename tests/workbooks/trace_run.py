@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""Traces every number in the workbooks of a plate run back to the samples that it came from.
+"""Traces every number in the workbooks of a plate run back to the samples that it was computed from.
 
-    trace_run.py FOLDER        what `plate_run FOLDER` left there
+    trace_run.py FOLDER        the output of `plate_run FOLDER`
 
-The samples are read by read_vxd.py, the settings by Python's XML parser, the workbooks by xlrd; the analysis of the
-example is worked out here a second time. Nothing of the library takes part.
+Reads the samples with read_vxd.py, the settings with Python's XML parser and the workbooks with xlrd, and implements
+the analysis of the example a second time. Uses nothing of the library.
 """
 
 import pathlib
@@ -21,11 +21,11 @@ import read_vxd  # noqa: E402
 MICRO = 1e6
 REFRACTORY = 250_000
 
-# ---- The analysis, from samples to the numbers that are shown --------------------------------------------------------
+# ---- The analysis, from samples to the numbers in workbooks ----------------------------------------------------------
 
 
 class Settings:
-    """What the settings file tells about the plate and the analysis."""
+    """The settings of the plate and the analysis."""
 
     def __init__(self, path):
         settings = ElementTree.parse(path).getroot().find("Settings")
@@ -49,7 +49,7 @@ class Settings:
 
 
 class Trace:
-    """The samples of one well in one recording, as they turn into numbers."""
+    """The samples of one well in one recording, and what is computed from them."""
 
     def __init__(self, file, recording, well, settings):
         channel = next(channel for channel in recording.wells if channel.id == well)
@@ -83,7 +83,7 @@ class Trace:
         return (sample + 1) * self.tick - self.settings.whole("PreFPfastTime")
 
     def average_beats(self):
-        """In volts, with the six digits that a results file keeps."""
+        """Returns the average of all beats, in volts."""
         length = self.settings.whole("FPAverageTime") // self.tick
         pieces = []
         for beat in self.beats:
@@ -96,7 +96,7 @@ class Trace:
         return [k for k in range(len(self.average)) if begin <= self.time_in_average(k) <= end]
 
     def responses(self):
-        """The values of the three responses, as far as there are any."""
+        """Returns the values of the three responses that exist."""
         s, average = self.settings, self.average
         if not average:
             return {}
@@ -112,7 +112,7 @@ class Trace:
         return found
 
 
-# ---- What the workbooks must show ------------------------------------------------------------------------------------
+# ---- Expected cells of the workbooks ---------------------------------------------------------------------------------
 
 
 def dose_text(dose):
@@ -176,8 +176,8 @@ def check(folder):
         wrong = [place for place in found.keys() | workbooks[name].keys()
                  if place not in found or place not in workbooks[name] or not same(workbooks[name][place], found[place])]
         for place in sorted(wrong)[:5]:
-            bad.append(f"{name} {place}: {found.get(place)} where the samples say {workbooks[name].get(place)}")
-    print("\n".join(bad) or f"{sum(map(len, workbooks.values()))} cells of {len(workbooks)} workbooks come from the samples")
+            bad.append(f"{name} {place}: {found.get(place)}, but the samples result in {workbooks[name].get(place)}")
+    print("\n".join(bad) or f"{sum(map(len, workbooks.values()))} cells of {len(workbooks)} workbooks match the samples")
     return bool(bad)
 
 
