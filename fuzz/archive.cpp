@@ -64,7 +64,7 @@ std::vector<CEvent> EventsOf(const std::string& path, std::int32_t blockSize) {
                 events.push_back(EventOf(archive));
             } else {
                 ++failures;
-                Require(archive.TagName().empty() && archive.GetText().empty(), "no element behind a failure");
+                Require(archive.TagName().empty() && archive.GetText().empty(), "no element after a failure");
                 events.push_back({.text = std::to_string(static_cast<int>(archive.LastError()))});
             }
         }

@@ -146,7 +146,7 @@ class CBothStorages {
     }
 
     void Check() const {
-        Require(m_storage.IsComplete(), "the disk took everything");
+        Require(m_storage.IsComplete(), "the disk accepted everything");
         m_model.Check(m_path);
     }
 

@@ -8,12 +8,12 @@ namespace {
 void Walk(const CResults& results) {
     for (const enTask task : results.GetTasks()) {
         const std::int32_t recordings = results.GetRecordingCount(task);
-        Require(results.GetRecording(task, recordings) == nullptr, "no recording behind the last");
+        Require(results.GetRecording(task, recordings) == nullptr, "no recording after the last");
         for (std::int32_t recording = 0; recording < recordings; ++recording) {
             for (const std::int32_t id : results.GetWellIDs(task, recording)) {
                 const CResultsWell* const well = results.GetWellResults(task, recording, id);
                 Require(well != nullptr, "each well is found");
-                Require(well->GetAveVoltage(well->GetAveSamples()) == 0.0, "nothing behind the average");
+                Require(well->GetAveVoltage(well->GetAveSamples()) == 0.0, "nothing after the average");
                 for (const auto& [type, response] : well->Responses)
                     Require(well->ResultsExist(type, enValueType::Plain), "each response is found");
             }

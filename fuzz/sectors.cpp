@@ -72,7 +72,7 @@ class CBothFiles {
         Block block{};
         for (std::uint32_t i = 0; i < m_blocks.size(); ++i)
             Require(m_file.Read(i, block) && block == m_blocks[i], "a block");
-        Require(!m_file.Read(m_file.BlockCount(), block), "none behind the last");
+        Require(!m_file.Read(m_file.BlockCount(), block), "none after the last");
     }
 
  private:

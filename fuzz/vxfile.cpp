@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int compared = Run({"diff", file, file});
     const int sampled = Run({"samples", file, "--npy", "--table", "--force", "-o", table.c_str()});
     for (const int status : {verified, told, compared, sampled})
-        Require(status >= 0 && status <= 2, "the exit status is one that is told");
+        Require(status >= 0 && status <= 2, "the exit status is documented");
     Require(compared != 1, "a file is equal to itself");
     if (verified == 0) Require(told == 0 && compared == 0, "a sound file is read without complaint");
     return 0;

@@ -35,7 +35,7 @@ std::vector<CRecord> RecordsOf(const std::string& stream) {
     for (std::size_t at = 0; at < stream.size(); at += 4 + records.back().body.size()) {
         records.push_back({at, U16(stream, at), stream.substr(at + 4, U16(stream, at + 2))});
         Require(records.back().body.size() == U16(stream, at + 2), "whole records");
-        Require(records.back().body.size() <= kMostBody, "records of the size that readers take");
+        Require(records.back().body.size() <= kMostBody, "records of a size that readers accept");
     }
     return records;
 }
@@ -48,7 +48,7 @@ class CTextTable {
         const std::uint32_t count = U32(Take(8), 4);
         while (m_texts.size() < count)
             m_texts.push_back(TakeText());
-        Require(m_body + 1 == m_bodies.size() && m_at == m_bodies.back().size(), "nothing behind the texts");
+        Require(m_body + 1 == m_bodies.size() && m_at == m_bodies.back().size(), "nothing after the texts");
     }
 
     const std::u16string& At(std::size_t index) const { return m_texts.at(index); }

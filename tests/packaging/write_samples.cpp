@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// Writes a few files into the folder given. Their content is fixed, so that every build of the library, on whatever
-// system, must write the same bytes.
+// Writes a few files to the given folder. Their content is fixed, so every build of the library must write the same
+// bytes on any system.
 
 namespace {
 
@@ -40,7 +40,7 @@ CRawDataRecordingHdr RecordingHdr(const std::string& task, std::int32_t recordin
 /// A plate of few wells with every task, two segments per well.
 void WritePlate(CIRawDataWriter& writer, const std::string& path) {
     std::vector<std::uint16_t> samples(1000);
-    std::iota(samples.begin(), samples.end(), std::uint16_t{65000});  // on to 0 and further
+    std::iota(samples.begin(), samples.end(), std::uint16_t{65000});  // wraps to 0 and continues
     writer.Open(path);
     writer.WriteFileHdr(FileHdr("plate"));
     std::int32_t recording = 1;
@@ -58,7 +58,7 @@ void WritePlate(CIRawDataWriter& writer, const std::string& path) {
     writer.Close();
 }
 
-/// Numbers at the ends of their types, and fractions of every size.
+/// Numbers at the limits of their types, and fractions of every size.
 void WriteExtremes(CIRawDataWriter& writer, const std::string& path) {
     const std::uint16_t sample = 0x1234;
     writer.Open(path);
@@ -83,8 +83,8 @@ void WriteEmptyOnes(CIRawDataWriter& writer, const std::string& folder) {
     writer.Close();
 }
 
-/// Results with numbers of every size. (Settings files hold the date of their writing, so they can't be compared
-/// whole.)
+/// Results with numbers of every size. (Settings files contain the date of writing, so they can't be compared
+/// completely.)
 void WriteResults(CIResultsWriter& writer, const std::string& path) {
     CXmlFileHeader header;
     header.CompoundName = "Compound \"A\" <1 \xB5M> & more";

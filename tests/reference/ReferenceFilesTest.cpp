@@ -17,8 +17,8 @@
 #include "tests/reference/Twin.h"
 #include "tests/support/TempFolder.h"
 
-// The reference files and their text twins are made by make_reference.py, and read by read_vxd.py as well. What stands
-// here is the third party: it must read the same content from each file, and write the same bytes where it can.
+// The reference files and their text twins are made by make_reference.py, and also read by read_vxd.py. The library is
+// the third implementation: it must read the same content from each file, and write the same bytes if it can.
 
 namespace {
 
@@ -67,7 +67,7 @@ std::string RecordingLines(const CRawDataRecordingHdr& header) {
            ChannelLines("well", header.WellChannels) + ChannelLines("aux", header.AuxChannels);
 }
 
-/// Delivers the segments up to the end of the chain or a failure. No reference file has a hundred.
+/// Returns the segments up to the end of the chain or a failure. No reference file has a hundred.
 std::string SegmentLines(CIRawDataReader& reader) {
     std::string lines;
     try {
@@ -90,7 +90,8 @@ std::string SegmentLines(CIRawDataReader& reader) {
     return lines + "  more\n";
 }
 
-/// All that a file holds, in the order of its chains. (No reference file has two recordings of one task and number.)
+/// Returns the content of a file, in the order of its chains. (No reference file has two recordings with the same task
+/// and number.)
 std::string TwinOf(const std::string& path) {
     CVXFileIO io;
     CIRawDataReader& reader = *io.GetRawDataReader();
@@ -131,7 +132,7 @@ TEST(ReferenceFiles, AreAllTested) {
 
 // ---- Writing --------------------------------------------------------------------------------------------------------
 
-/// Writes a file with the content that make_reference.py tells, and compares every byte.
+/// Writes a file with the content defined in make_reference.py, and compares every byte.
 class WrittenReferenceFile : public testing::Test {
  protected:
     WrittenReferenceFile() { m_writer.Open(m_path); }

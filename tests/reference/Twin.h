@@ -10,7 +10,7 @@
 #include <vector>
 
 /// @file
-/// How values stand in the text twins of the reference files.
+/// The text form of values in the twins of the reference files.
 
 inline std::string ReferencePath(const std::string& fileName) {
     return std::string(VXFILEIO_REFERENCE_DIR) + "/" + fileName;
@@ -24,7 +24,7 @@ inline std::string Show(double value) {
     return {text.data(), static_cast<std::size_t>(length)};
 }
 
-/// A text in quotes, with bytes that don't print as \xHH.
+/// Returns a text in quotes, with unprintable bytes as \xHH.
 inline std::string Show(const std::string& text) {
     constexpr std::string_view digits = "0123456789abcdef";
     std::string shown;

@@ -12,8 +12,8 @@
 #include "tests/support/TempFolder.h"
 #include "vxfileio/export/Document.h"
 
-// The reference workbooks and their text twins are made by make_workbooks.py, without the library. Here a workbook is
-// filled with the cells that a twin tells, and must come out with the same bytes.
+// The reference workbooks and their text twins are made by make_workbooks.py, without the library. The tests fill a
+// workbook with the cells of a twin and expect the same bytes.
 
 namespace {
 
@@ -21,7 +21,7 @@ constexpr std::array kNames = {"big", "empty", "small"};
 
 std::string WorkbookPath(const std::string& fileName) { return ReferencePath("workbooks/" + fileName); }
 
-/// The characters of a text, which stands in the twin with four digits for each.
+/// Returns the characters of a text, which has four hexadecimal digits per character in the twin.
 std::u16string Characters(const std::string& digits) {
     std::u16string text;
     for (std::size_t i = 0; i < digits.size(); i += 4)
@@ -29,7 +29,7 @@ std::u16string Characters(const std::string& digits) {
     return text;
 }
 
-/// Texts are kept with one byte for each character if these are all below 256.
+/// Sets a text with one byte per character if all are below 256.
 void SetText(YExcel::Cell& cell, const std::u16string& text) {
     std::string narrow;
     for (const char16_t character : text)
@@ -49,7 +49,7 @@ void SetValue(YExcel::Cell& cell, const std::string& type, const std::string& va
     }
 }
 
-/// Fills a document with the cells of a twin. A twin without any is that of a workbook with one sheet.
+/// Fills a document with the cells of a twin. A twin without cells means a workbook with one sheet.
 void Fill(YExcel::Document& document, const std::string& twin) {
     if (twin.empty()) document.CreateSheets(1);
     std::istringstream lines(twin);
@@ -66,7 +66,7 @@ void Fill(YExcel::Document& document, const std::string& twin) {
     }
 }
 
-/// Where two files differ, or nothing: whole files would fill the screen.
+/// Returns where two files differ, or an empty text. (Printing whole files would fill the screen.)
 std::string Difference(const std::string& is, const std::string& expected) {
     if (is == expected) return "";
     const auto at = std::mismatch(is.begin(), is.end(), expected.begin(), expected.end()).first - is.begin();

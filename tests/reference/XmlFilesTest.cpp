@@ -7,12 +7,12 @@
 #include "tests/support/TempFolder.h"
 
 // The reference files of settings and results are made by make_xml.py and read by read_xml.py, both without the
-// library. Here the library must read the same from each of them, and write the two that are in its own form byte for
+// library. The library must read the same content from each of them, and write the two files in its own form byte for
 // byte.
 
 namespace {
 
-/// The lines of one object, each named as in the file.
+/// Collects the lines of one object, named as in the file.
 class CLines {
  public:
     explicit CLines(const char* name) : m_lines(std::string(name) + "\n") {}
@@ -270,7 +270,7 @@ TEST(XmlFilesTest, EveryFileReadsAsItsTwinTells) {
     }
 }
 
-/// The bytes with this date of saving, which is the present one in every file.
+/// Returns the bytes with this date of saving, which otherwise is the current time.
 std::string WithDate(std::string bytes, const std::string& number, const std::string& text) {
     const std::string tag = "<AnalyzingDate>";
     const std::string textTag = "</AnalyzingDate><AnalyzingDateString>";

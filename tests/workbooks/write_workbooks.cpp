@@ -10,13 +10,13 @@
 
 #include "vxfileio/export/Document.h"
 
-// Writes workbooks of every kind into the folder given, NAME.xls each, and beside each NAME.txt with what went into its
-// cells: one line per cell with sheet, row, column, type and value, apart by tabs. check_workbooks.py compares that
-// with what other programs read.
+// Writes workbooks of every kind to the given folder: NAME.xls, and next to it NAME.txt with its cells, one line per
+// cell with sheet, row, column, type and value, separated by tabs. check_workbooks.py compares them with what other
+// programs read.
 
 namespace {
 
-/// A workbook in the making, and what went into it.
+/// A workbook under construction, and the list of its cells.
 class CWorkbook {
  public:
     CWorkbook() { m_document.CreateSheets(1); }
@@ -65,7 +65,7 @@ class CWorkbook {
             m_sheet + '\t' + std::to_string(row) + '\t' + std::to_string(column) + '\t' + type + '\t' + value + '\n';
     }
 
-    /// Four digits for each character.
+    /// Returns four hexadecimal digits per character.
     static std::string Hex(const std::u16string& text) {
         std::string digits;
         for (const char16_t unit : text) {
@@ -81,10 +81,10 @@ class CWorkbook {
     std::string m_cells;
 };
 
-/// Fills a workbook so that its stream has exactly so many bytes: numbers, and a text, whose record grows byte by byte.
+/// Fills a workbook so that its stream has an exact size: with numbers, and a text, whose record grows byte by byte.
 void FillTo(CWorkbook& workbook, std::size_t size) {
     constexpr std::size_t kRoomForText = 1000;
-    constexpr std::size_t kBytesPerCell = 22;  // no number takes more
+    constexpr std::size_t kBytesPerCell = 22;  // the maximum for a number
     workbook.Text(0, 1, "x");
     std::uint32_t cell = 0;
     for (std::size_t now = workbook.StreamSize(); now + kRoomForText < size; now = workbook.StreamSize()) {
@@ -104,7 +104,7 @@ void WriteSizes(const std::filesystem::path& folder) {
     CWorkbook one;
     one.Double(0, 0, 1.0);
     one.Save(folder, "one_cell");
-    // The last short stream, the first long one, and what lies around the first FAT sector's end and the next one's.
+    // The last short stream, the first long one, and the sizes around the end of the first and second FAT sector.
     for (const std::size_t size : std::initializer_list<std::size_t>{4095, 4096, 4097, 62'976, 63'488, 64'000, 64'513,
                                                                      129'024, 130'000, 7'200'000}) {
         CWorkbook workbook;
@@ -113,7 +113,7 @@ void WriteSizes(const std::filesystem::path& folder) {
     }
 }
 
-/// Texts that end before, on and behind the end of a record, narrow and wide, and one over several records.
+/// Texts that end before, at and after the end of a record, narrow and wide, and one that spans several records.
 void WriteTexts(const std::filesystem::path& folder) {
     CWorkbook bytes;
     for (unsigned byte = 0x20; byte <= 0xFF; ++byte) {
@@ -123,7 +123,7 @@ void WriteTexts(const std::filesystem::path& folder) {
     bytes.Wide(0, 0, u"\u20AC \u03BC \u4E2D");
     bytes.Save(folder, "bytes");
 
-    constexpr std::size_t kFirstText = 8224 - 8;  // what a record holds, less the counts ahead of the first text
+    constexpr std::size_t kFirstText = 8224 - 8;  // the room in a record after the counts
     for (const std::size_t size : {kFirstText - 4, kFirstText - 3, kFirstText - 2}) {
         CWorkbook workbook;
         workbook.Text(0, 0, std::string(size, 'n'));
