@@ -8,6 +8,7 @@
 #include "fuzz/Fuzz.h"
 #include "tests/export/compound/CompoundReader.h"
 #include "vxfileio/export/compound/CompoundStorage.h"
+#include "vxfileio/helpers/Path.h"
 
 using vxfileio::compound::CompoundStorage;
 using vxfileio::helpers::CPath;
