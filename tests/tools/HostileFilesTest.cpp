@@ -3,47 +3,29 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tests/support/TempFolder.h"
 #include "tests/tools/Stride.h"
-#include "tools/vxfile/shell/Program.h"
+#include "tests/tools/ToolRun.h"
 
 namespace {
 
 const std::string kReference = VXFILEIO_REFERENCE_DIR "/";
 
-std::string ReadAll(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// Runs the program on files with this content, and keeps what it prints.
 class VxfileOnHostileFiles : public testing::Test {
  protected:
-    int Run(const std::string& bytes, const std::vector<std::string>& command) {
-        std::ofstream(m_path, std::ios::binary) << bytes;
-        std::vector<const char*> arguments = {"vxfile"};
-        for (const auto& argument : command)
-            arguments.push_back(argument.c_str());
-        arguments.push_back(m_path.c_str());
-        std::ostringstream out;
-        std::ostringstream err;
-        auto* const oldOut = std::cout.rdbuf(out.rdbuf());
-        auto* const oldErr = std::cerr.rdbuf(err.rdbuf());
-        const int status = vxfile::RunProgram(static_cast<int>(arguments.size()), arguments.data());
-        std::cout.rdbuf(oldOut);
-        std::cerr.rdbuf(oldErr);
-        m_out = out.str();
-        return status;
+    int Run(const std::string& bytes, std::vector<std::string> command) {
+        WriteAll(m_path, bytes);
+        command.push_back(m_path);
+        const CToolRun run = RunTool(command);
+        m_out = run.out;
+        return run.status;
     }
 
     int Verify(const std::string& bytes) {
@@ -51,8 +33,6 @@ class VxfileOnHostileFiles : public testing::Test {
         EXPECT_EQ(m_out, "");
         return status;
     }
-
-    void TearDown() override { std::filesystem::remove(m_path); }
 
     /// Runs all commands that read one file, and tells whether each came to an end with a status and a document.
     void ExpectAnswers(const std::string& bytes, const std::string& original, const std::string& what) {
@@ -64,7 +44,8 @@ class VxfileOnHostileFiles : public testing::Test {
         }
     }
 
-    std::string m_path = "vxfile_test_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name());
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("file");
     std::string m_out;
 };
 

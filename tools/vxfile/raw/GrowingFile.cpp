@@ -1,6 +1,8 @@
 #include "tools/vxfile/raw/GrowingFile.h"
 
+#include <filesystem>
 #include <span>
+#include <system_error>
 #include <utility>
 
 #include "tools/vxfile/raw/RawScan.h"
@@ -13,25 +15,71 @@ namespace vxfile {
 
 using namespace vxfileio::rawdata;
 
-CGrowingFile::CGrowingFile(const std::string& path) : m_path(path) { OpenInput(m_file, path); }
+CGrowingFile::CGrowingFile(std::string path) : m_path(std::move(path)) { static_cast<void>(Open()); }
 
 bool CGrowingFile::Look() {
-    const std::int64_t before = m_position;
+    if (!Open()) return false;
     m_size = m_file.Size();
-    if (m_size < m_position) throw CFailure(m_path + " has become shorter; somebody has replaced it. Watch it anew.");
+    if (IsAnother()) StartOver();
+    return TakeAll();
+}
+
+/// The positions are read before the size: between recordings the next header is in the file before they are rewritten.
+/// Once they are set, all is in the file, so what the next look doesn't take, none will.
+CGrowingFile::EState CGrowingFile::State(bool hasNews) {
+    if (!IsThere()) return EState::Running;
+    const bool wasSet = std::exchange(m_wasSet, IsLastSet());
+    if (!m_wasSet) return EState::Running;
+    const bool isAllTaken = m_file.Size() == m_position;
+    if (!isAllTaken && (!wasSet || hasNews)) return EState::Running;
+    if (isAllTaken && LeadsToAll()) return EState::Finished;
+    StartOver();  // some of what was taken may come from an earlier file of this name
+    m_size = m_file.Size();
+    static_cast<void>(TakeAll());
+    if (!IsLastSet()) return EState::Running;
+    return m_file.Size() == m_position && LeadsToAll() ? EState::Finished : EState::Damaged;
+}
+
+/// Opens the file that has the name now. Returns false if there is none.
+bool CGrowingFile::Open() {
+    std::error_code none;
+    if (std::filesystem::status(m_path, none).type() == std::filesystem::file_type::not_found) {
+        m_file.Close();
+        return false;
+    }
+    OpenInput(m_file, m_path);
+    return true;
+}
+
+/// Returns true if this isn't the file of the look before: it is shorter, or a header that was taken differs in what a
+/// writer never rewrites.
+bool CGrowingFile::IsAnother() const {
+    if (m_size < m_position) return true;
+    const auto& guid = m_layout->file["Guid"];
+    return m_position > 0 && (Read(static_cast<std::int64_t>(guid.offset), guid.width) != m_guid ||
+                              (m_recordings > 0 && RecordingStart(m_recordingHdr) != m_recordingStart));
+}
+
+/// Returns the cells of a recording header that stay the same when it is finished: the first ones.
+std::string CGrowingFile::RecordingStart(std::int64_t position) const {
+    return Read(position, m_layout->recording["FPosRecordingData"].offset);
+}
+
+void CGrowingFile::StartOver() {
+    ++m_replacements;
+    m_position = 0;
+    m_recordings = 0;
+    m_segments = 0;
+    m_wasSet = false;
+}
+
+/// Takes what is whole of the first `m_size` bytes. Returns whether there was anything.
+bool CGrowingFile::TakeAll() {
+    const std::int64_t before = m_position;
     if (m_position == 0 && !TakeFileHdr()) return false;
     while (TakeSegment() || TakeRecording())
         CheckInterrupt();
     return m_position != before;
-}
-
-/// The positions are read before the size: between recordings the next header is in the file before they are rewritten.
-/// Once they are set, all is in the file, so whatever the next look doesn't take nobody will ever take.
-CGrowingFile::EState CGrowingFile::State(bool hasNews) {
-    const bool wasSet = std::exchange(m_wasSet, IsLastSet());
-    if (!m_wasSet) return EState::Running;
-    if (m_file.Size() == m_position) return LeadsToAll() ? EState::Finished : EState::Damaged;
-    return wasSet && !hasNews ? EState::Damaged : EState::Running;
 }
 
 bool CGrowingFile::IsLastSet() const {
@@ -57,9 +105,10 @@ bool CGrowingFile::LeadsToAll() const {
 bool CGrowingFile::TakeFileHdr() {
     const std::string bytes = Read(0, LargestFileHdr());
     if (!bytes.starts_with(kFileTypeText.substr(0, bytes.size())))
-        throw CFailure(m_path + " is no raw data file; only those can be watched.");
+        throw CFailure(m_path + " isn't a raw data file; only those can be watched.");
     m_layout = &LayoutOfFile(bytes);
     if (bytes.size() < m_layout->file.size) return false;
+    m_guid = CellIn(m_layout->file["Guid"], bytes);
     m_position = static_cast<std::int64_t>(m_layout->file.size);
     return true;
 }
@@ -91,6 +140,7 @@ bool CGrowingFile::TakeRecording() {
     if (!Decode(*m_layout, bytes, latest.header)) return false;
     m_latest = std::move(latest);
     m_recordingHdr = m_position;
+    m_recordingStart = RecordingStart(m_position);
     m_position += static_cast<std::int64_t>(hdr.size);
     ++m_recordings;
     return true;

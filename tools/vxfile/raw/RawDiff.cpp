@@ -27,6 +27,10 @@ namespace {
 
 constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 
+/// A damaged `Size` makes segments overlap. The bytes of a file are compared up to this many times over, so that the
+/// time stays linear in its size.
+constexpr std::int64_t kMostPasses = 4;
+
 /// So many segments of one recording are told; behind them only that there are more.
 constexpr int kMostSegmentsTold = 5;
 
@@ -105,6 +109,7 @@ class CRawDiff {
           m_right(right),
           m_differences(differences),
           m_budget(m_left.scan),
+          m_bytesLeft(kMostPasses * m_left.scan.Size()),
           m_progress("Comparing", m_left.scan.Size()) {
         for (const auto* side : {&m_left, &m_right}) {
             if (side->scan.Break())
@@ -136,7 +141,7 @@ class CRawDiff {
                           right == nullptr ? "" : SegmentText(*right)});
                 break;
             }
-            if (!m_budget.Take()) throw CFailure("Chains of segments are tangled; vxfile verify tells where.");
+            if (!m_budget.Take()) RefuseTangle();
             m_progress.Reach(left->position);
             CompareSegment(where, *left, *right);
         }
@@ -167,6 +172,8 @@ class CRawDiff {
         for (std::int64_t done = 0; done < size; done += kBlockSize) {
             const auto part = static_cast<std::size_t>(std::min<std::int64_t>(size - done, kBlockSize));
             const auto a = Read(m_left, left + done, part);
+            m_bytesLeft -= static_cast<std::int64_t>(a.size());
+            if (m_bytesLeft < 0) RefuseTangle();
             const auto b = Read(m_right, right + done, part);
             if (!std::ranges::equal(a, b)) return tell(done, a, b);
             if (a.size() < part) return;  // both files end here
@@ -185,6 +192,10 @@ class CRawDiff {
             m_differences.Omit("Bytes that no position leads to weren't compared: " + std::to_string(BytesOf(lefts)) +
                                " in " + m_left.path + ", " + std::to_string(BytesOf(rights)) + " in " + m_right.path +
                                "; vxfile recover looks for segments in them.");
+    }
+
+    [[noreturn]] static void RefuseTangle() {
+        throw CFailure("Segments share bytes or chains; run 'vxfile verify' to see where.");
     }
 
     void TellSample(const std::string& where, std::int64_t done, std::span<const std::byte> left,
@@ -208,6 +219,7 @@ class CRawDiff {
     CSide m_right;
     CDifferences& m_differences;
     CSegmentBudget m_budget;
+    std::int64_t m_bytesLeft;  ///< So many bytes are still compared before segments that overlap are refused.
     CProgress m_progress;
     int m_told = 0;
 };

@@ -233,7 +233,9 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
         shared = !m_budget.Take();
         if (shared) break;
         ++segments;
-        const std::int64_t there = std::max<std::int64_t>(m_scan.Size() - segment->DataPosition(), 0) / 2;
+        const bool isWhole = m_scan.HasByteAt(segment->End() - 1);
+        const std::int64_t there =
+            isWhole ? segment->Samples() : std::max<std::int64_t>(m_scan.Size() - segment->DataPosition(), 0) / 2;
         samples += static_cast<std::uint64_t>(std::min<std::int64_t>(there, segment->Samples()));
         cut = cut || there < segment->Samples();
         m_end = std::max(m_end, segment->End());

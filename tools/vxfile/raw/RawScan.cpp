@@ -30,7 +30,7 @@ std::optional<std::uint64_t> CSegmentAt::SamplesByTimes(std::int64_t tick) const
 
 CRawScan::CRawScan(const std::string& path) {
     OpenInput(m_file, path);
-    m_size = m_file.Size();
+    m_size = m_openedSize = m_file.Size();
     if (m_size == 0) throw CFailure(path + " is empty; there is nothing to read or to save.");
     const std::string bytes = ReadBytes(0, LargestFileHdr());
     if (!bytes.starts_with(kFileTypeText))
@@ -40,6 +40,7 @@ CRawScan::CRawScan(const std::string& path) {
     m_layout = &LayoutOfFile(bytes);
     Decode(*m_layout, bytes, m_header);
     WalkRecordings();
+    m_size = std::max(m_size, m_file.Size());
 }
 
 bool CRawScan::HasRecordingAt(std::int64_t position) const {
@@ -60,7 +61,7 @@ std::string CRawScan::ReadBytes(std::int64_t position, std::size_t size) const {
 
 /// Appends the recording at the position, or returns why there is none.
 std::optional<CChainBreak::EReason> CRawScan::ReadRecording(std::int64_t position) {
-    if (position < 0 || position >= m_size) return CChainBreak::EReason::Nowhere;
+    if (!HasByteAt(position)) return CChainBreak::EReason::Nowhere;
     const std::string bytes = ReadBytes(position, m_layout->recording.size);
     if (!m_layout->recording.Begins(bytes)) return CChainBreak::EReason::NoHeader;
     CRecordingAt recording{position, {}};
@@ -84,14 +85,15 @@ void CRawScan::WalkRecordings() {
     }
 }
 
-CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads)
+CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads, bool isUnfinished)
     : m_scan(scan),
       m_layout(scan.Layout()),
       m_nextCell(OffsetOf(m_layout.segment["FPosNextSegmentHdr"])),
       m_guard(scan.File(), m_layout.segment.size),
       m_next(first),
       m_cell(cell),
-      m_reads(reads) {
+      m_reads(reads),
+      m_isUnfinished(isUnfinished) {
     m_segment.hdrSize = scan.SegmentHdrSize();
 }
 
@@ -102,7 +104,11 @@ const CSegmentAt* CSegmentWalk::Next() {
         m_break = CChainBreak{reason, m_next, m_cell};
         return nullptr;
     };
-    if (m_next < 0 || m_next >= m_scan.Size()) return breakOff(Nowhere);
+    if (!m_scan.HasByteAt(m_next)) return breakOff(Nowhere);
+    if (m_next >= m_scan.Size()) {  // appended since: the chain ended here
+        m_next = kUnset;
+        return nullptr;
+    }
     if (!m_guard.Admits(m_next)) return breakOff(Circle);
     const std::string_view bytes = HeaderBytes(m_next);
     if (!m_layout.segment.Begins(bytes)) return breakOff(NoHeader);
@@ -114,6 +120,7 @@ const CSegmentAt* CSegmentWalk::Next() {
     m_segmentBytes = m_segment.End() - m_next;
     m_cell = m_next + m_nextCell;
     m_next = m_segment.header.FPosNextSegmentHdr;
+    if (m_next == kUnset && m_isUnfinished && m_scan.HasSegmentAt(m_segment.End())) m_next = m_segment.End();
     return &m_segment;
 }
 
@@ -138,7 +145,7 @@ CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWa
 
 CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = scan.DataPosition(recording);
-    return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, EWalk::Headers};
+    return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, EWalk::Headers, true};
 }
 
 CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {

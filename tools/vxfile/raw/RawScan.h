@@ -62,8 +62,15 @@ class CRawScan {
     const vxfileio::helpers::CFile& File() const { return m_file; }
     /// What is at hand of the file for the walk that is under way, and for whoever reads the samples that it leads to.
     CFileWindow& Window() const { return m_window; }
-    /// The size of the file as it was opened.
+    /// The size of the file after its recording headers were read: everything that a finished recording points to lies
+    /// within it, even if a writer has appended more since.
     std::int64_t Size() const { return m_size; }
+    /// Returns true if the position lies within the file, with what was appended by now.
+    bool HasByteAt(std::int64_t position) const {
+        return position >= 0 && (position < m_size || position < m_file.Size());
+    }
+    /// Returns true if the file has grown since it was opened: its writer is still at work.
+    bool IsGrowing() const { return m_file.Size() > m_openedSize; }
     const CRawDataFileHdr& Header() const { return m_header; }
     /// The layout of this file's version.
     const vxfileio::rawdata::CLayout& Layout() const { return *m_layout; }
@@ -96,6 +103,7 @@ class CRawScan {
 
     vxfileio::helpers::CFile m_file;
     mutable CFileWindow m_window{m_file};
+    std::int64_t m_openedSize = 0;
     std::int64_t m_size = 0;
     const vxfileio::rawdata::CLayout* m_layout = nullptr;  ///< Never null once the file is open.
     CRawDataFileHdr m_header;
@@ -112,8 +120,10 @@ enum class EWalk {
 /// Walks one chain of segments, through the window of its file.
 class CSegmentWalk {
  public:
-    /// `first` is the position that leads to the chain, told by the cell at `cell`.
-    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads);
+    /// `first` is the position that leads to the chain; the cell at `cell` has it. In an unfinished recording the chain
+    /// goes on after its end if a segment follows there: a writer appends it before it sets the position that leads to
+    /// it.
+    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads, bool isUnfinished = false);
 
     /// Goes to the next segment. Returns null at the end of the chain or where it breaks. The segment is valid until
     /// the next call.
@@ -139,6 +149,7 @@ class CSegmentWalk {
     CSegmentAt m_segment;
     std::optional<CChainBreak> m_break;
     EWalk m_reads;
+    bool m_isUnfinished;
     std::int64_t m_segmentBytes = 0;  ///< Of the segment before, header and samples.
 };
 

@@ -80,6 +80,7 @@ class CRawVerifier {
     void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
                     const std::string& meaning);
     void JudgeBreakOfRecordings(const CChainBreak& chainBreak);
+    bool IsBeingWritten(CRange tail) const;
     void JudgeCoverage();
 
     CRawScan m_scan;
@@ -161,14 +162,10 @@ void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::
 /// An unfinished recording is as its writer left it. What it wrote stands behind the header.
 void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::string& name) {
     const CChainSum sum = JudgeSegments(SegmentsBehind(m_scan, recording), recording, name);
-    std::string meaning = "The recording was never finished: its writer is still at work, or it was cut off. ";
-    if (sum.segments == 0) {
-        meaning += "No segment stands behind its header.";
-    } else {
-        meaning += "Readers don't reach its " + Counted(sum.segments, "segment") + " of " +
-                   Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") +
-                   "); vxfile recover puts them into a new file.";
-    }
+    const std::string meaning = "The recording is unfinished, with " + Counted(sum.segments, "segment") + " of " +
+                                Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") +
+                                ") so far: its writer is still at work, or was cut off. Readers find no samples in "
+                                "it; if the writer is gone, vxfile recover saves them to a new file.";
     Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"), "-1",
         Text(m_scan.DataPosition(recording)) + ", right behind the header", meaning);
     if (recording.header.FPosNextRecordingHdr != kUnset)
@@ -205,16 +202,18 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
                                 std::size_t index) {
     m_coverage.Add({segment.position, std::min(segment.End(), m_scan.Size())});
     const bool isRunning = !recording.IsFinished();
-    if (segment.bytes.size() < m_scan.Layout().segment.size && isRunning)
+    const bool isCut = segment.bytes.size() < m_scan.Layout().segment.size;
+    if (isCut && isRunning && m_scan.IsGrowing()) return;
+    if (isCut && isRunning)
         return Add(NameOfSegment(name, index, segment), segment.position, "the end of the file within the header",
                    "a whole segment", "Its writer is still at work, or the file was cut.");
     if (!IsExactSegmentHdr(m_scan.Layout(), segment.bytes))
         JudgeSegmentCells(m_scan.Layout(), segment.bytes, {NameOfSegment(name, index, segment), segment.position},
                           m_findings);
-    if (segment.bytes.size() < m_scan.Layout().segment.size) return;
+    if (isCut) return;
     JudgeTimes(segment, name, index);
     JudgeNextSegment(segment, name, index);
-    if (segment.End() > m_scan.Size())
+    if (!m_scan.HasByteAt(segment.End() - 1) && !(isRunning && m_scan.IsGrowing()))
         Add(NameOfSegment(name, index, segment) + " > samples", segment.DataPosition(),
             Counted(static_cast<std::uint64_t>(m_scan.Size() - segment.DataPosition()), "byte"),
             Counted(segment.Samples() * std::uint64_t{2}, "byte"),
@@ -288,6 +287,14 @@ void CRawVerifier::JudgeBreakOfRecordings(const CChainBreak& chainBreak) {
     m_findings.MakeUnusable();
 }
 
+/// What ends the file may be a part of a segment, or the next recording header before positions lead to it.
+bool CRawVerifier::IsBeingWritten(CRange tail) const {
+    const auto& recordings = m_scan.Recordings();
+    if (m_scan.IsGrowing() || recordings.empty()) return m_scan.IsGrowing();
+    const bool isHeader = tail.end - tail.begin == m_scan.RecordingHdrSize() && m_scan.HasRecordingAt(tail.begin);
+    return isHeader && !recordings.back().IsFinished();
+}
+
 void CRawVerifier::JudgeCoverage() {
     const auto describe = [&](CRange range) {
         return Counted(static_cast<std::uint64_t>(range.end - range.begin), "byte") + " up to " + Text(range.end);
@@ -295,6 +302,7 @@ void CRawVerifier::JudgeCoverage() {
     m_coverage.Inspect(
         m_scan.Size(),
         [&](CRange gap) {
+            if (gap.end == m_scan.Size() && IsBeingWritten(gap)) return;
             Add("file", gap.begin, describe(gap) + " that no position leads to", "bytes that belong to something",
                 "What stands there was lost or never finished; vxfile recover looks for segments in it.");
         },

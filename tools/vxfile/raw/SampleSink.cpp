@@ -84,8 +84,10 @@ class CTextTable : public CSampleSink {
  private:
     static constexpr std::size_t kBlockSize = std::size_t{64} << 10;
 
-    /// In quotation marks if it would be taken for more than one field otherwise.
-    std::string Field(const std::string& text) const {
+    /// Returns the text as one field: with an apostrophe ahead if a spreadsheet would run it as a formula otherwise,
+    /// and in quotation marks if it would be more than one field.
+    std::string Field(std::string text) const {
+        if (text.find_first_of("=+-@") == 0) text.insert(0, 1, '\'');
         if (text.find_first_of(std::string("\"\r\n") + m_separator) == std::string::npos) return text;
         std::string quoted = "\"";
         for (const char c : text)

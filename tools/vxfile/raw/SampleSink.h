@@ -18,10 +18,10 @@ struct CSampleForm {
 
     EKind kind = EKind::Csv;
     bool units = false;        ///< In the channel's physical unit instead of steps of the converter.
-    std::string source;        ///< The file that is read.
+    std::string source = {};   ///< The file that is read.
     std::string target = "-";  ///< A path, or `-` for standard output. With `{well}` in it each well has its own.
     bool replace = false;      ///< A file that is there already.
-    std::optional<std::int32_t> well;  ///< The one whose target this is, if each has its own.
+    std::optional<std::int32_t> well = {};  ///< The one whose target this is, if each has its own.
 };
 
 /// Takes samples, piece by piece, and writes them in one of the forms.

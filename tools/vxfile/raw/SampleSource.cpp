@@ -140,6 +140,7 @@ const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
 }
 
 void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take) {
+    if (from.recording == 0 && !from.segment) m_judge.NoteStart();
     for (std::size_t i = from.recording; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
         if (!IsChosen(recording.header) || !recording.IsFinished()) continue;
@@ -175,6 +176,8 @@ void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
 void CSampleSource::RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording) {
     const auto name = [&] { return NameOf(m_scan.Recordings()[recording], recording); };
     if (segment.End() > m_scan.Size()) RefuseBreak("the last segment of " + name());
+    if (m_judge.IsShared(segment, recording)) RefuseBreak(name() + ", which leads into another recording,");
+    if (channel != nullptr && channel->Ticks <= 0) m_judge.NoteNoInterval(segment, recording);
     const bool isAdmitted = m_judge.Admits(segment, channel == nullptr ? 0 : channel->Ticks, recording);
     if (!isAdmitted || !HasTimes(segment, TickOf(segment, channel)))
         RefuseBreak("the segment of well " + std::to_string(segment.header.ID) + " at byte " +

@@ -17,9 +17,9 @@ namespace vxfile {
 
 /// Which samples are wanted. An empty list means all.
 struct CSampleChoice {
-    std::vector<std::string> tasks;
-    std::vector<std::int32_t> recordings;  ///< Numbers within their tasks.
-    std::vector<std::int32_t> wells;
+    std::vector<std::string> tasks = {};
+    std::vector<std::int32_t> recordings = {};  ///< Numbers within their tasks.
+    std::vector<std::int32_t> wells = {};
     std::int64_t from = std::numeric_limits<std::int64_t>::min();  ///< The first time.
     std::int64_t to = std::numeric_limits<std::int64_t>::max();    ///< The last time.
 };

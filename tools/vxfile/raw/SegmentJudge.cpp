@@ -1,6 +1,7 @@
 #include "tools/vxfile/raw/SegmentJudge.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/vxfile/report/Text.h"
 
@@ -47,6 +48,50 @@ void CSegmentJudge::NoteUnlisted(const CSegmentAt& segment, std::size_t recordin
     Note(m_unlisted, segment, recording);
 }
 
+void CSegmentJudge::NoteNoInterval(const CSegmentAt& segment, std::size_t recording) {
+    Note(m_noInterval, segment, recording);
+}
+
+/// Writers put the first recording right after the file header.
+void CSegmentJudge::NoteStart() {
+    const std::int64_t end = m_scan.FileHdrSize();
+    if (!m_closed && m_scan.Header().FPosFirstRecordingHdr != end && m_scan.HasHeaderAt(end))
+        m_behind.push_back({end, kFileHeader});
+}
+
+bool CSegmentJudge::IsShared(const CSegmentAt& segment, std::size_t recording) {
+    if (m_zone.recording != recording) Enter(recording);
+    const auto& recordings = m_scan.Recordings();
+    const bool isInside = segment.position > recordings[recording].position && segment.position < m_zone.end;
+    if (isInside || std::exchange(m_zone.isLookedInto, true)) return false;
+    return std::ranges::any_of(recordings, [&](const CRecordingAt& other) {
+        return &other != &recordings[recording] && LeadsTo(other, segment.position);
+    });
+}
+
+void CSegmentJudge::Enter(std::size_t recording) {
+    if (m_starts.empty()) {
+        for (const auto& each : m_scan.Recordings())
+            m_starts.push_back(each.position);
+        std::ranges::sort(m_starts);
+    }
+    const auto next = std::ranges::upper_bound(m_starts, m_scan.Recordings()[recording].position);
+    m_zone = {recording, next == m_starts.end() ? m_scan.Size() : *next, false};
+}
+
+bool CSegmentJudge::LeadsTo(const CRecordingAt& recording, std::int64_t position) {
+    if (!recording.IsFinished()) return false;
+    CSegmentWalk walk = SegmentsOf(m_scan, recording);
+    for (const CSegmentAt* segment = walk.Next(); segment != nullptr && m_budget.Take(); segment = walk.Next()) {
+        if (segment->position == position) return true;
+    }
+    return false;
+}
+
+std::string CSegmentJudge::NameOfPlace(std::size_t recording) const {
+    return recording == kFileHeader ? "the file header" : NameOf(m_scan.Recordings()[recording], recording);
+}
+
 /// Behind its last segment, a writer puts the next recording, or the file ends.
 void CSegmentJudge::NoteEnd(std::int64_t end, std::size_t recording) {
     if (m_closed || end == m_scan.Recordings()[recording].header.FPosNextRecordingHdr || end >= m_scan.Size()) return;
@@ -62,6 +107,7 @@ void CSegmentJudge::Note(CTally& tally, const CSegmentAt& segment, std::size_t r
 void CSegmentJudge::Clear() {
     m_times = {};
     m_unlisted = {};
+    m_noInterval = {};
     m_behind.clear();
     m_closed = false;
 }
@@ -93,13 +139,13 @@ std::vector<std::string> CSegmentJudge::Doubts() const {
     };
     add(m_times, "with times that Size contradicts, so they are in doubt");
     add(m_unlisted, "of a well that the recording doesn't list, so it may be another's");
+    add(m_noInterval, "of a well without a sample interval, so their times are worked out from TimeFrom and TimeTo");
     const auto unreached = Unreached();
     if (!unreached.empty()) {
         const CBehind& first = unreached.front();
         const std::string more = unreached.size() == 1 ? "" : ", and more at other places";
-        doubts.push_back("At byte " + std::to_string(first.position) + ", in or behind " +
-                         NameOf(m_scan.Recordings()[first.recording], first.recording) + ", stands a " +
-                         (m_scan.HasSegmentAt(first.position) ? "segment" : "recording") +
+        doubts.push_back("At byte " + std::to_string(first.position) + ", in or after " + NameOfPlace(first.recording) +
+                         ", is a " + (m_scan.HasSegmentAt(first.position) ? "segment" : "recording") +
                          " that no position leads to" + more + "; vxfile recover saves what is missing here.");
     }
     return doubts;

@@ -129,10 +129,11 @@ void Describe(CLI::App& app, const CCommands& commands) {
 }
 
 CLI::Validator Wanted(const CLI::Validator& check, const std::string& wanted) {
-    const auto judge = [check, wanted](const std::string& text) {
-        return check(text).empty() ? "" : "'" + text + "' isn't " + wanted;
+    const auto judge = [check, wanted](std::string& text) {
+        const std::string given = text;
+        return check(text).empty() ? "" : "'" + given + "' isn't " + wanted;
     };
-    return {[judge](std::string& text) { return judge(text); }, ""};
+    return {judge, ""};
 }
 
 void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {

@@ -95,7 +95,7 @@ class CDiffCommand : public CCommand {
             if (!difference.right.empty()) std::cout << "  > " << Readable(difference.right) << '\n';
         }
         if (differences.Count() > kMostPrinted)
-            std::cout << "and " << Counted(differences.Count() - kMostPrinted, "difference") << " more\n";
+            std::cout << "and " << Counted(differences.Count() - kMostPrinted, "more difference") << '\n';
         if (!differences.Omission().empty()) Complain(differences.Omission());
     }
 

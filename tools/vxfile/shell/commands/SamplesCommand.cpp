@@ -41,16 +41,16 @@ class CSamplesCommand : public CCommand {
         const auto list = [&](const char* name, auto& values, const char* text) {
             return app.add_option(name, values, text)->delimiter(',')->allow_extra_args(false);
         };
-        const CLI::TypeValidator<std::int32_t> number("");
-        const CLI::Validator time = Wanted(CLI::TypeValidator<std::int64_t>(""),
-                                           "a time, which is a whole number of the instrument's time unit");
+        const CLI::Validator number = WholeNumber<std::int32_t>();
+        const CLI::Validator time =
+            Wanted(WholeNumber<std::int64_t>(), "a time, which is a whole number of the instrument's time unit");
         list("--task", m_choice.tasks, "Only recordings of this task; several with commas, as A,B");
         list("--recording", m_choice.recordings, "Only recordings with this number; likewise")
-            ->check(Wanted(number, "the number of a recording"));
+            ->transform(Wanted(number, "the number of a recording"));
         list("--well", m_choice.wells, "Only this well ID; likewise")
-            ->check(Wanted(number, "the ID of a well, which is a whole number"));
-        app.add_option("--from", m_choice.from, "Only samples of this time or later")->check(time);
-        app.add_option("--to", m_choice.to, "Only samples of this time or earlier")->check(time);
+            ->transform(Wanted(number, "the ID of a well, which is a whole number"));
+        app.add_option("--from", m_choice.from, "Only samples of this time or later")->transform(time);
+        app.add_option("--to", m_choice.to, "Only samples of this time or earlier")->transform(time);
         auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (this is the form if none is told)");
         auto* const tsv = app.add_flag("--tsv", m_tsv, "Text with tabs")->excludes(csv);
         auto* const npy = app.add_flag("--npy", m_npy, "An array per well, for numpy")->excludes(csv)->excludes(tsv);

@@ -8,8 +8,10 @@
 #include <utility>
 
 #include "tools/vxfile/raw/GrowingFile.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/CommandLine.h"
+#include "tools/vxfile/shell/Idle.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Output.h"
@@ -74,12 +76,15 @@ class CWatchCommand : public CCommand {
 
  private:
     int Follow(CGrowingFile& file) {
-        auto lastNews = CClock::now();
-        auto lastLook = lastNews;
+        auto lastLook = CClock::now();
+        CIdle idle(m_idle, lastLook);
+        if (!file.IsThere()) Complain(m_path + " doesn't exist yet; waiting for it.");
         for (std::int64_t lastPosition = 0;;) {
             const bool isNew = file.Look();
             const auto now = CClock::now();
             const std::chrono::duration<double> passed = now - lastLook;
+            if (file.Replacements() != std::exchange(m_replacements, file.Replacements()))
+                TellReplacement(lastPosition);
             if (isNew && file.Latest() != nullptr) {
                 const auto bytes = static_cast<double>(file.Position() - lastPosition);
                 TellGrowth(file, lastPosition == 0 ? 0 : bytes / passed.count());
@@ -87,13 +92,18 @@ class CWatchCommand : public CCommand {
             const auto state = file.State(isNew);
             if (state == CGrowingFile::EState::Finished) return End(file, "The file is finished", kSound);
             if (state == CGrowingFile::EState::Damaged) return End(file, kDamaged, kFindings);
-            if (isNew) lastNews = now;
-            if (m_idle > 0 && now - lastNews >= std::chrono::duration<double>(m_idle))
-                return End(file, file.Recordings() == 0 ? kNothing : kNothingNew, kFindings);
+            if (idle.IsOver(isNew, now)) return End(file, file.Recordings() == 0 ? kNothing : kNothingNew, kFindings);
             lastPosition = file.Position();
             lastLook = now;
             Wait();
         }
+    }
+
+    void TellReplacement(std::int64_t& lastPosition) {
+        if (std::exchange(m_hasLine, false)) std::cout << '\n';
+        std::cout << "Another file has taken this name; following it from its beginning.\n";
+        m_toldRecordings = 0;
+        lastPosition = 0;
     }
 
     /// Sleeps in short pieces, so that Ctrl-C doesn't have to wait.
@@ -148,6 +158,7 @@ class CWatchCommand : public CCommand {
     double m_idle = 0;
     double m_every = 1;
     std::size_t m_toldRecordings = 0;
+    std::size_t m_replacements = 0;
     bool m_onTerminal = false;
     bool m_hasLine = false;  ///< A line stands on the terminal that is to be written again.
 };

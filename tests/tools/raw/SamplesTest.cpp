@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/support/TempFolder.h"
+#include "tests/tools/RawBytes.h"
+#include "tools/vxfile/raw/SampleSink.h"
+#include "tools/vxfile/raw/SampleSource.h"
+#include "tools/vxfile/report/Complaint.h"
+
+using namespace vxfile;
+
+namespace {
+
+constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
+constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+
+/// Wells 11 and 12 in two recordings; each sample has a value of its own.
+const std::string kFile = FileOf(
+    {{{11, 0, {1, 2, 3, 4}}, {12, 0, {5, 6, 7, 8}}, {11, 400, {9, 10}}}, {{12, 1000, {20, 21, 22}}, {11, 1000, {30}}}});
+
+class Samples : public testing::Test {
+ protected:
+    /// Writes the samples in a form, as the command does. Returns what it wrote, or the sentence of the failure.
+    std::string Written(const std::string& bytes, const CSampleChoice& choice, CSampleForm form = {}) {
+        WriteAll(m_path, bytes);
+        form.source = m_path;
+        form.target = m_folder.Path("out");
+        form.replace = true;
+        m_doubts.clear();
+        const std::string failure = FailureOf([&] {
+            CSampleSource source(m_path, choice);
+            const auto sink = MakeSampleSink(form, source);
+            source.ForEach([&](const CPiece& piece) {
+                sink->Begin(piece);
+                source.Read(piece, [&](std::span<const std::uint16_t> samples) { sink->Put(piece.time, samples); });
+            });
+            source.RefuseNothing();
+            m_doubts = source.Doubts();
+            m_missing = source.MissingWells();
+            sink->Commit();
+        });
+        return failure.empty() ? ReadAll(form.target) : failure;
+    }
+
+    /// Returns "time=sample " for each line of text.
+    std::string Chosen(const CSampleChoice& choice, const std::string& bytes = kFile) {
+        std::istringstream lines(Written(bytes, choice));
+        std::string text;
+        std::string line;
+        for (std::getline(lines, line); std::getline(lines, line);) {
+            const auto comma = line.rfind(',');
+            const auto before = line.rfind(',', comma - 1);
+            text += line.substr(before + 1, comma - before - 1) + "=" + line.substr(comma + 1) + " ";
+        }
+        return text;
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("run.vxd");
+    std::vector<std::string> m_doubts;
+    std::vector<std::int32_t> m_missing;
+};
+
+template <class Number>
+Number At(const std::string& bytes, std::size_t offset) {
+    Number number{};
+    std::memcpy(&number, bytes.data() + offset, sizeof number);
+    return number;
+}
+
+}  // namespace
+
+TEST_F(Samples, AreThoseFromOneTimeToAnother) {
+    struct CCase {
+        std::int64_t from;
+        std::int64_t to;
+        std::string samples;
+    };
+    for (const auto& [from, to, samples] :
+         std::vector<CCase>{{kLeast, kMost, "0=1 100=2 200=3 300=4 400=9 500=10 1000=30 "},
+                            {100, 100, "100=2 "},
+                            {101, 199, ""},
+                            {99, 200, "100=2 200=3 "},
+                            {101, 200, "200=3 "},
+                            {100, 199, "100=2 "},
+                            {-5, 0, "0=1 "},
+                            {300, 400, "300=4 400=9 "},
+                            {301, 399, ""},
+                            {500, kMost, "500=10 1000=30 "},
+                            {501, kMost, "1000=30 "},
+                            {kLeast, 0, "0=1 "}})
+        EXPECT_EQ(Chosen({.wells = {11}, .from = from, .to = to}), samples) << from << " to " << to;
+}
+
+TEST_F(Samples, AreThoseOfTheWellsAndRecordingsChosen) {
+    EXPECT_EQ(Chosen({.recordings = {2}}), "1000=20 1100=21 1200=22 1000=30 ");
+    EXPECT_EQ(Chosen({.wells = {12}}), "0=5 100=6 200=7 300=8 1000=20 1100=21 1200=22 ");
+    EXPECT_EQ(Chosen({.tasks = {"CompoundTest"}, .recordings = {1}, .wells = {13, 11, 14}, .to = 0}), "0=1 ");
+    EXPECT_EQ(m_missing, (std::vector<std::int32_t>{13, 14}));
+}
+
+TEST_F(Samples, NearTheEndOfTimeHaveTheirOwnTimes) {
+    const std::string late = FileOf({{{11, kMost - 200, {1, 2, 3}}}});
+    EXPECT_EQ(Chosen({}, late), "9223372036854775607=1 9223372036854775707=2 9223372036854775807=3 ");
+    EXPECT_EQ(Chosen({.from = kMost}, late), "9223372036854775807=3 ");
+    const std::string early = FileOf({{{11, kLeast, {1, 2}}}});
+    EXPECT_EQ(Chosen({.from = kLeast + 1}, early), "-9223372036854775708=2 ");
+}
+
+TEST_F(Samples, ConsistOfEverySampleOfALongSegment) {
+    std::vector<std::uint16_t> samples(100001);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::uint16_t>(i * 7);
+    const std::string bytes = Written(FileOf({{{11, 0, samples}}}), {}, {.kind = CSampleForm::EKind::NpyArray});
+    ASSERT_EQ(bytes.size(), 192 + 2 * samples.size());
+    EXPECT_EQ(bytes.substr(192), SampleBytes(samples));
+}
+
+TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
+    const std::string scaled = WithCell(
+        WithCell(FileOf({{{11, 0, {10, 20}}, {12, 0, {10, 20}}}}), "UnitsPerADs", "0.5:0.25"), "ADZeros", "8:4");
+    EXPECT_EQ(Written(scaled, {}, {.units = true}),
+              "task,recording,well,time,value\nCompoundTest,1,11,0,1\nCompoundTest,1,11,100,6\n"
+              "CompoundTest,1,12,0,1.5\nCompoundTest,1,12,100,4\n");
+    const std::string table = Written(scaled, {}, {.kind = CSampleForm::EKind::NpyTable, .units = true});
+    constexpr std::size_t kItem = 12 + 4 + 4 + 8 + 8;
+    ASSERT_EQ(table.size(), 192 + 4 * kItem);
+    const std::vector<double> values = {1, 6, 1.5, 4};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::size_t item = 192 + i * kItem;
+        EXPECT_EQ(table.substr(item, 12), "CompoundTest");
+        EXPECT_EQ(At<std::int32_t>(table, item + 12), 1);
+        EXPECT_EQ(At<std::int32_t>(table, item + 16), i < 2 ? 11 : 12);
+        EXPECT_EQ(At<std::int64_t>(table, item + 20), i % 2 == 0 ? 0 : 100);
+        EXPECT_EQ(At<double>(table, item + 28), values[i]);
+    }
+    const std::string array = Written(scaled, {.wells = {12}}, {.kind = CSampleForm::EKind::NpyArray, .units = true});
+    ASSERT_EQ(array.size(), 192U + 16);
+    EXPECT_EQ(At<double>(array, 192), 1.5);
+    EXPECT_EQ(At<double>(array, 200), 4);
+}
+
+TEST_F(Samples, AreSeparatedByTabsAndQuotedWhereTheTaskNeedsIt) {
+    const auto line = [&](const std::string& task, CSampleForm::EKind kind) {
+        const std::string text = Written(WithCell(FileOf({{{11, 0, {1}}}}), "TaskName", task), {}, {.kind = kind});
+        return text.substr(text.find('\n') + 1);
+    };
+    using enum CSampleForm::EKind;
+    EXPECT_EQ(line("Series", Tsv), "Series\t1\t11\t0\t1\n");
+    EXPECT_EQ(line("a,b", Tsv), "a,b\t1\t11\t0\t1\n");
+    EXPECT_EQ(line("a,b", Csv), "\"a,b\",1,11,0,1\n");
+    EXPECT_EQ(line("a\tb", Tsv), "\"a\tb\"\t1\t11\t0\t1\n");
+    EXPECT_EQ(line("a\"b", Csv), "\"a\"\"b\",1,11,0,1\n");
+}
+
+TEST_F(Samples, NeverMakeAFormulaOfATask) {
+    for (const std::string task : {"+1", "-1", "@SUM(A1)"}) {
+        const std::string text = Written(WithCell(FileOf({{{11, 0, {1}}}}), "TaskName", task), {});
+        EXPECT_EQ(text, "task,recording,well,time,sample\n'" + task + ",1,11,0,1\n");
+    }
+}
+
+TEST_F(Samples, OfAWellWithoutAnIntervalHaveTheTimesOfTheirSegmentsAndADoubt) {
+    const std::string bytes = WithCell(FileOf({{{11, 0, {1, 2, 3}, 50}}}), "Ticks", "0:100");
+    EXPECT_EQ(Chosen({}, bytes), "0=1 50=2 100=3 ");
+    ASSERT_EQ(m_doubts.size(), 1U);
+    EXPECT_NE(m_doubts[0].find("1 segment of a well without a sample interval"), std::string::npos) << m_doubts[0];
+    EXPECT_EQ(Chosen({}, FileOf({{{11, 0, {1, 2, 3}}}})), "0=1 100=2 200=3 ");
+    EXPECT_EQ(m_doubts, std::vector<std::string>());
+}
+
+TEST_F(Samples, BeforeTheFirstRecordingThatAPositionLeadsToAreADoubt) {
+    const std::size_t second = kFile.find("TaskName=", 1190 + 2460);
+    EXPECT_EQ(Chosen({}, WithCell(kFile, "FPosFirstRecordingHdr", std::to_string(second))),
+              "1000=20 1100=21 1200=22 1000=30 ");
+    ASSERT_EQ(m_doubts.size(), 1U);
+    EXPECT_NE(m_doubts[0].find("At byte 1190, in or after the file header, is a recording"), std::string::npos)
+        << m_doubts[0];
+}
+
+TEST_F(Samples, AreRefusedWhereOneRecordingLeadsIntoAnother) {
+    const std::size_t second = kFile.find("TaskName=", 1190 + 2460);
+    const std::size_t last = kFile.rfind("Type=Well", second);
+    for (const std::size_t into : {second + 2460, kFile.rfind("Type=Well")}) {
+        const std::string text = Written(WithCell(kFile, "FPosNextSegmentHdr", std::to_string(into), last), {});
+        EXPECT_NE(text.find("recording 1 (CompoundTest 1), which leads into another recording,"), std::string::npos)
+            << text;
+    }
+}
+
+TEST_F(Samples, OfSeveralWellsNeedATableOrAFileEach) {
+    const std::string text = Written(kFile, {}, {.kind = CSampleForm::EKind::NpyArray});
+    EXPECT_NE(text.find("--well"), std::string::npos) << text;
+}

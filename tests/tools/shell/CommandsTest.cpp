@@ -1,0 +1,262 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/TempFolder.h"
+#include "tests/tools/RawBytes.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/shell/Command.h"
+#include "tools/vxfile/shell/CommandLine.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/FolderWalk.h"
+#include "tools/vxfile/shell/Idle.h"
+
+using namespace vxfile;
+
+namespace {
+
+using CWords = std::vector<std::string>;
+
+class Commands : public testing::Test {
+ protected:
+    std::string File(const std::string& name, const std::string& bytes) {
+        WriteAll(m_folder.Path(name), bytes);
+        return m_folder.Path(name);
+    }
+
+    CTempFolder m_folder;
+    std::string m_sound = File("sound.vxd", SmallFileBytes());
+    std::string m_flawed = File("flawed.vxd", FileOf({{{13, 0, {1}}}}));
+    std::string m_cut = File("cut.vxd", SmallFileBytes().substr(0, 4000));
+    std::string m_other = File("other.txt", "text");
+};
+
+/// A recording with this many segments of a well that it doesn't list, one finding each.
+std::string WithFindings(int count) {
+    CSegmentTexts segments;
+    for (int i = 0; i < count; ++i)
+        segments.push_back({13, i * 100, {1}});
+    return FileOf({segments});
+}
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+}  // namespace
+
+TEST_F(Commands, EndWithTheWorstStatusOfAllFilesInAnyOrder) {
+    struct CCase {
+        CWords files;
+        int verify;
+        int info;
+    };
+    const std::string missing = m_folder.Path("missing.vxd");
+    for (auto c : std::vector<CCase>{{{m_sound, m_sound}, 0, 0},
+                                     {{m_sound, m_flawed}, 1, 0},
+                                     {{m_sound, m_cut, m_flawed}, 1, 1},
+                                     {{m_other, m_sound}, 2, 2},
+                                     {{missing, m_sound}, 2, 2},
+                                     {{m_sound, m_other, m_cut}, 2, 2}}) {
+        std::ranges::sort(c.files);
+        do {
+            for (const bool isJson : {false, true}) {
+                CWords verify = {"verify"};
+                CWords info = {"info"};
+                for (auto* words : {&verify, &info}) {
+                    words->insert(words->end(), c.files.begin(), c.files.end());
+                    if (isJson) words->push_back("--json");
+                }
+                EXPECT_EQ(RunTool(verify).status, c.verify);
+                EXPECT_EQ(RunTool(info).status, c.info);
+            }
+        } while (std::ranges::next_permutation(c.files).found);
+    }
+}
+
+TEST_F(Commands, VerifySaysHowManyFilesAreOfWhichStatus) {
+    const CToolRun run = RunTool({"verify", m_sound, m_flawed, m_cut, m_other, m_sound});
+    EXPECT_TRUE(Has(run.out, "5 files: 2 sound, 2 with findings, 1 not usable\n")) << run.out;
+}
+
+TEST_F(Commands, VerifyPrintsFiftyFindingsAndCountsTheRest) {
+    for (const auto& [count, more] :
+         std::vector<std::pair<int, std::string>>{{50, ""}, {51, "and 1 more"}, {60, "and 10 more"}}) {
+        const std::string path = File("many.vxd", WithFindings(count));
+        const std::string out = RunTool({"verify", path}).out;
+        EXPECT_TRUE(Has(out, std::to_string(count) + " findings\n")) << out;
+        EXPECT_EQ(Has(out, " more"), !more.empty()) << out;
+        EXPECT_TRUE(Has(out, more)) << out;
+        EXPECT_EQ(Has(out, "segment 50 "), true);
+        EXPECT_FALSE(Has(out, "segment 51 "));
+        const auto json = nlohmann::json::parse(RunTool({"verify", "--json", path}).out);
+        EXPECT_EQ(json["files"][0]["findingCount"], count);
+        EXPECT_EQ(json["files"][0]["findings"].size(), static_cast<std::size_t>(count));
+    }
+}
+
+TEST_F(Commands, DiffPrintsFiftyDifferencesAndCountsTheRest) {
+    const auto file = [](std::uint16_t sample) {
+        CSegmentTexts segments;
+        for (int i = 0; i < 5; ++i)
+            segments.push_back({11, i * 100, {sample}});
+        return FileOf(std::vector<CSegmentTexts>(11, segments));
+    };
+    const CWords diff = {"diff", File("left.vxd", file(1)), File("right.vxd", file(2))};
+    const CToolRun run = RunTool(diff);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.out.ends_with("and 5 more differences\n")) << run.out;
+    EXPECT_EQ(std::ranges::count(run.out, '<'), 50);
+}
+
+TEST_F(Commands, DiffEndsWithTwoOnlyIfItFindsNoDifferenceAndMayHaveMissedOne) {
+    const auto broken = [&](const std::string& name, const std::string& size) {
+        const std::string bytes = WithCell(SmallFileBytes(), "FPosNextSegmentHdr", "7");
+        return File(name, WithCell(bytes, "Dose", size));
+    };
+    const std::string left = broken("left.vxd", "1000");
+    EXPECT_EQ(RunTool({"diff", m_sound, m_sound}).status, 0);
+    EXPECT_EQ(RunTool({"diff", left, left}).status, 2);
+    EXPECT_EQ(RunTool({"diff", left, broken("right.vxd", "1001")}).status, 1);
+    EXPECT_EQ(RunTool({"diff", left, m_other}).status, 2);
+    EXPECT_EQ(RunTool({"diff", "-q", m_sound, m_flawed}).status, 1);
+}
+
+TEST_F(Commands, SamplesEndWithOneIfSomethingChosenIsMissing) {
+    EXPECT_EQ(RunTool({"samples", m_sound, "-o", m_folder.Path("a")}).status, 0);
+    EXPECT_EQ(RunTool({"samples", m_sound, "--well", "11,13", "-o", m_folder.Path("b")}).status, 1);
+    EXPECT_EQ(RunTool({"samples", m_sound, "--well", "13", "-o", m_folder.Path("c")}).status, 2);
+    EXPECT_EQ(RunTool({"samples", m_sound, "-o", m_folder.Path("a")}).status, 2);
+    EXPECT_EQ(RunTool({"samples", m_sound, "-o", m_folder.Path("a"), "--force"}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(m_folder.Path("c")));
+}
+
+TEST_F(Commands, WatchWaitsForAFileThatDoesNotExistYet) {
+    const CToolRun run = RunTool({"watch", m_folder.Path("new.vxd"), "--idle", "0.05", "--every", "0.01"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "vxfile: " + m_folder.Path("new.vxd") + " doesn't exist yet; waiting for it.\n");
+}
+
+TEST(Idle, BeginsAnewWithEverythingNew) {
+    const CIdle::CTime start{};
+    const auto at = [&](int milliseconds) { return start + std::chrono::milliseconds(milliseconds); };
+    CIdle idle(1, start);
+    EXPECT_FALSE(idle.IsOver(false, at(999)));
+    EXPECT_FALSE(idle.IsOver(true, at(1500)));
+    EXPECT_FALSE(idle.IsOver(false, at(2499)));
+    EXPECT_TRUE(idle.IsOver(false, at(2500)));
+    CIdle never(0, start);
+    EXPECT_FALSE(never.IsOver(false, at(1000000000)));
+}
+
+TEST(CommandLine, NamesWhatWasMostLikelyMeant) {
+    const auto said = [](const std::string& word) {
+        return FailureOf([&] { RefuseUnknownCommand(MakeCommands(), word); });
+    };
+    EXPECT_EQ(said("info"), "");
+    for (const auto& [word, meant] : std::vector<std::pair<std::string, std::string>>{
+             {"inof", "info"}, {"VERIFY", "verify"}, {"sample", "samples"}, {"dif", "diff"}, {"help", "--help"}})
+        EXPECT_TRUE(Has(said(word), "'" + word + "'") && Has(said(word), "'" + meant + "'?")) << said(word);
+    for (const std::string word : {"", "x", "unrelated"})
+        EXPECT_TRUE(Has(said(word), "vxfile --help") && !Has(said(word), "?")) << said(word);
+}
+
+TEST(CommandLine, RefusesValuesOutsideTheirRange) {
+    for (const CWords& words : std::vector<CWords>{{"watch", "f", "--idle", "0"},
+                                                   {"watch", "f", "--idle", "-1"},
+                                                   {"watch", "f", "--idle", "nan"},
+                                                   {"watch", "f", "--every", "0.009"},
+                                                   {"watch", "f", "--every", "3600.1"},
+                                                   {"samples", "f", "--well", "2147483648"},
+                                                   {"samples", "f", "--from", "9223372036854775808"},
+                                                   {"samples", "f", "--to", "0x10"},
+                                                   {"samples", "f", "--csv", "--npy"},
+                                                   {"samples", "f", "--table"},
+                                                   {"info"},
+                                                   {"diff", "f"}}) {
+        const CToolRun run = RunTool(words);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_TRUE(Has(run.err, "vxfile " + words[0] + " --help")) << run.err;
+    }
+}
+
+TEST_F(Commands, ReadNumbersAsDecimal) {
+    const CToolRun run = RunTool({"samples", m_sound, "--well", "011", "--to", "-0", "-o", m_folder.Path("a")});
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(ReadAll(m_folder.Path("a")), "task,recording,well,time,sample\nCompoundTest,1,11,0,1\n");
+}
+
+TEST(CommandLine, DescribesEveryCommandInHelpManualAndCompletion) {
+    const CToolRun help = RunTool({"--help"});
+    const CToolRun manual = RunTool({"--manual"});
+    const CToolRun completion = RunTool({"--bash-completion"});
+    for (const auto& command : MakeCommands()) {
+        const CCommandText& text = command->Text();
+        const std::string name(text.name);
+        EXPECT_TRUE(Has(help.out, "  " + name + " ")) << name;
+        EXPECT_TRUE(Has(help.out, std::string(text.example))) << name;
+        EXPECT_TRUE(Has(manual.out, ".SS " + name + "\n")) << name;
+        EXPECT_TRUE(Has(completion.out, "        " + name + ") words='")) << name;
+        const CToolRun own = RunTool({name, "--help"});
+        EXPECT_EQ(own.status, 0);
+        EXPECT_TRUE(Has(own.out, std::string(text.statuses))) << own.out;
+        std::istringstream statuses{std::string(text.statuses)};
+        int next = 0;
+        for (std::string line; std::getline(statuses, line);)
+            next += line.starts_with("  " + std::to_string(next) + "  ") ? 1 : 0;
+        EXPECT_EQ(next, 3) << name << " must say what 0, 1 and 2 mean";
+        EXPECT_FALSE(text.purpose.ends_with("."));
+        EXPECT_TRUE(text.details.ends_with(".")) << name;
+        EXPECT_TRUE(text.example.starts_with("vxfile " + name)) << name;
+    }
+}
+
+TEST(FileKind, IsThatOfTheFirstBytes) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("file");
+    struct CCase {
+        std::string bytes;
+        const char* word;
+    };
+    for (const auto& [bytes, word] : std::vector<CCase>{
+             {"", "empty"},
+             {"OVL Vexaprobe", "raw"},
+             {"OVL Vexaprob", "unknown"},
+             {"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", "workbook"},
+             {"\xD0\xCF\x11\xE0", "unknown"},
+             {"<Vexaprobe><Settings>", "settings"},
+             {"\xEF\xBB\xBF \r\n<Vexaprobe>\n<Results ", "results"},
+             {"<Vexaprobe><SettingsX>", "unknown"},
+             {"<Vexaprobe>Settings<Results/>", "results"},
+             {"<Other><FileType>VXResults</FileType>", "results"},
+             {"<Other><FileType>VXSettings</FileType>", "settings"},
+             {"text <Settings>", "unknown"},
+             {"<a>" + std::string((64 << 10) - 13, ' ') + "<Settings>", "settings"},
+             {"<a>" + std::string(64 << 10, ' ') + "<Settings>", "unknown"},
+         }) {
+        WriteAll(path, bytes);
+        EXPECT_EQ(WordOf(FileKindOf(path)), word) << bytes.substr(0, 60);
+    }
+    EXPECT_NE(FailureOf([&] { static_cast<void>(FileKindOf(folder.Path("missing"))); }), "");
+}
+
+TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
+    const CTempFolder folder;
+    std::filesystem::create_directories(folder.Path("b/c"));
+    for (const std::string name : {"z.vxd", "b/c/A.XLS", "a.VXR", "notes.txt"})
+        WriteAll(folder.Path(name), "text");
+    WriteAll(folder.Path("b/run"), SmallFileBytes());
+    const CFolderContent content = WalkFolder(folder.Path(""));
+    std::vector<std::string> names;
+    for (const auto& entry : content.entries) {
+        names.push_back(std::filesystem::relative(entry.path, folder.Path("")).generic_string());
+        EXPECT_EQ(entry.failure, "");
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"a.VXR", "b/c/A.XLS", "b/run", "z.vxd"}));
+    EXPECT_EQ(content.passedOver, 1U);
+}
