@@ -32,6 +32,7 @@ struct CChainSum {
     std::uint64_t samples = 0;
     std::set<std::int32_t> wells = {};
     std::int64_t end = 0;  ///< Where the last segment ends.
+    bool isLastIncomplete = false;
 };
 
 class CRawVerifier {
@@ -80,6 +81,7 @@ class CRawVerifier {
     void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
                     const std::string& meaning);
     void JudgeBreakOfRecordings(const CChainBreak& chainBreak);
+    bool IsIncomplete(const CSegmentAt& segment) const;
     bool IsBeingWritten(CRange tail) const;
     void JudgeCoverage();
 
@@ -163,8 +165,9 @@ void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::
 void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::string& name) {
     const CChainSum sum = JudgeSegments(SegmentsBehind(m_scan, recording), recording, name);
     const std::string meaning = "The recording is unfinished, with " + Counted(sum.segments, "segment") + " of " +
-                                Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") +
-                                ") so far: its writer is still at work, or was cut off. Readers find no samples in "
+                                Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") + ')' +
+                                (sum.isLastIncomplete ? " and a part of one more" : "") +
+                                " so far: its writer is still at work, or was cut off. Readers find no samples in "
                                 "it; if the writer is gone, vxfile recover saves them to a new file.";
     Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"), "-1",
         Text(m_scan.DataPosition(recording)) + ", right behind the header", meaning);
@@ -184,7 +187,12 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
                     "Chains are tangled; what follows wasn't checked.");
             break;
         }
-        JudgeSegment(*segment, recording, name, sum.segments++);
+        JudgeSegment(*segment, recording, name, sum.segments);
+        if (!recording.IsFinished() && IsIncomplete(*segment)) {
+            sum.isLastIncomplete = true;
+            break;
+        }
+        ++sum.segments;
         sum.samples += segment->Samples();
         sum.wells.insert(segment->header.ID);
         sum.end = segment->End();
@@ -203,24 +211,24 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
     m_coverage.Add({segment.position, std::min(segment.End(), m_scan.Size())});
     const bool isRunning = !recording.IsFinished();
     const bool isCut = segment.bytes.size() < m_scan.Layout().segment.size;
-    if (isCut && isRunning && m_scan.IsGrowing()) return;
-    if (isCut && isRunning)
-        return Add(NameOfSegment(name, index, segment), segment.position, "the end of the file within the header",
-                   "a whole segment", "Its writer is still at work, or the file was cut.");
+    if (isCut && isRunning) return;
     if (!IsExactSegmentHdr(m_scan.Layout(), segment.bytes))
         JudgeSegmentCells(m_scan.Layout(), segment.bytes, {NameOfSegment(name, index, segment), segment.position},
                           m_findings);
     if (isCut) return;
     JudgeTimes(segment, name, index);
     JudgeNextSegment(segment, name, index);
-    if (!m_scan.HasByteAt(segment.End() - 1) && !(isRunning && m_scan.IsGrowing()))
+    if (!m_scan.HasByteAt(segment.End() - 1) && !(isRunning && IsIncomplete(segment)))
         Add(NameOfSegment(name, index, segment) + " > samples", segment.DataPosition(),
             Counted(static_cast<std::uint64_t>(m_scan.Size() - segment.DataPosition()), "byte"),
             Counted(segment.Samples() * std::uint64_t{2}, "byte"),
-            isRunning
-                ? "Its writer is still at work, the file was cut within the samples, or Size is damaged."
-                : "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or "
-                  "refuse.");
+            "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or refuse.");
+}
+
+/// Returns true if the file ends within the segment and nothing follows it: what an unfinished recording may end with.
+bool CRawVerifier::IsIncomplete(const CSegmentAt& segment) const {
+    if (segment.bytes.size() < m_scan.Layout().segment.size) return true;
+    return segment.header.FPosNextSegmentHdr == kUnset && !m_scan.HasByteAt(segment.End() - 1);
 }
 
 void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
@@ -287,12 +295,15 @@ void CRawVerifier::JudgeBreakOfRecordings(const CChainBreak& chainBreak) {
     m_findings.MakeUnusable();
 }
 
-/// What ends the file may be a part of a segment, or the next recording header before positions lead to it.
+/// After an unfinished recording, the first bytes of a segment may end the file, or the next recording header before
+/// positions lead to it.
 bool CRawVerifier::IsBeingWritten(CRange tail) const {
     const auto& recordings = m_scan.Recordings();
     if (m_scan.IsGrowing() || recordings.empty()) return m_scan.IsGrowing();
-    const bool isHeader = tail.end - tail.begin == m_scan.RecordingHdrSize() && m_scan.HasRecordingAt(tail.begin);
-    return isHeader && !recordings.back().IsFinished();
+    if (recordings.back().IsFinished()) return false;
+    const std::int64_t size = tail.end - tail.begin;
+    const auto firstCell = static_cast<std::int64_t>(m_scan.Layout().segment.cells.front().width);
+    return size < firstCell || (size <= m_scan.RecordingHdrSize() && m_scan.HasRecordingAt(tail.begin));
 }
 
 void CRawVerifier::JudgeCoverage() {
