@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +14,7 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/CommaLocale.h"
 #include "vxfileio/helpers/Digits.h"
 
 namespace {
@@ -267,15 +267,12 @@ TEST(NumberTextTest, DoublesAreReadAsFarAsTheyGo) {
     EXPECT_EQ(ParseDouble("0." + std::string(400, '0') + "1e402"), 10.0);
 }
 
-TEST(NumberTextTest, LocaleOfTheProcessHasNoSay) {
-    const char* const before = std::setlocale(LC_ALL, nullptr);
-    const std::string restore = before == nullptr ? "C" : before;
-    for (const char* locale : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"}) {
-        if (std::setlocale(LC_ALL, locale) != nullptr) break;
-    }
-    EXPECT_EQ(General(0.5), "0.5");
-    EXPECT_EQ(ParseDouble("0.5"), 0.5);
-    std::setlocale(LC_ALL, restore.c_str());
+TEST(NumberTextTest, ADecimalCommaOfTheProcessChangesNothing) {
+    const CCommaLocale comma;
+    EXPECT_EQ(General(1234.5), "1234.5");
+    EXPECT_EQ(CNumberText::RoundTrip(1234.5).View(), "1234.5");
+    EXPECT_EQ(ParseDouble("1234.5"), 1234.5);
+    EXPECT_EQ(ParseDouble("1,5"), 1.0);
 }
 
 }  // namespace

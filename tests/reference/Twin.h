@@ -1,10 +1,10 @@
 #pragma once
 
 #include <array>
+#include <charconv>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,8 +20,8 @@ std::string Show(std::integral auto number) { return std::to_string(number); }
 
 inline std::string Show(double value) {
     std::array<char, 32> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%.15g", value);
-    return {text.data(), static_cast<std::size_t>(length)};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 15).ptr;
+    return {text.data(), end};
 }
 
 /// Returns a text in quotes, with unprintable bytes as \xHH.

@@ -1,7 +1,9 @@
 #include <random>
 #include <string>
+#include <utility>
 
 #include "tests/reference/Twin.h"
+#include "tests/support/AllocationCount.h"
 #include "tests/xmlarchive/ArchiveTest.h"
 
 namespace {
@@ -113,6 +115,47 @@ TEST(HostileDocumentsTest, MadeUpMarksAreNoProductOfTwoLists) {
                  "</Wells><Series Size=\"5000\">" + doses + "</Series></PropertyRecordPlate></Settings></V>");
     io.GetSettingsReader()->ReadFile(folder.Path("a.vxs"));
     EXPECT_EQ(io.GetSettingsReader()->GetAnalyzerProperty()->AnalyzeSettings.at(enTask::Series).size(), 20U);
+}
+
+/// Blanks make room for entries; whatever a list claims, they mustn't become entries a hundred times their size.
+TEST(HostileDocumentsTest, AListThatClaimsMoreThanThereIsTakesMemoryInProportion) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("claims.xml");
+    const std::size_t blanks = 1'000'000;
+    const std::pair<std::string, std::string> documents[] = {
+        {"<Results><Task><TaskName>Series</TaskName><Recordings Size=\"4000000000\">",
+         "</Recordings></Task></Results>"},
+        {"<Settings><PropertyRecordPlate><Wells Size=\"2147483647\">", "</Wells></PropertyRecordPlate></Settings>"},
+        {"<Settings><PropertyQualityCheck><QualityChecks Size=\"2147483647\">", "</QualityChecks></Settings>"},
+        {"<Settings><PropertyAnalyzer><AnalyzeSettings><Tasks Size=\"2147483647\">", "</Tasks></Settings>"},
+    };
+    for (const auto& [begin, end] : documents) {
+        WriteAll(path, "<V><Header><FileName/></Header>" + begin + std::string(blanks, ' ') + end + "</V>");
+        CVXFileIO io;
+        const std::size_t before = AllocatedBytes();
+        io.GetResultsReader()->ReadFile(path);
+        io.GetSettingsReader()->ReadFile(path);
+        EXPECT_LT(AllocatedBytes() - before, 4 * blanks) << begin;
+    }
+}
+
+TEST(HostileDocumentsTest, EntriesThatTheDocumentEndsBeforeAreMadeUpToAThousand) {
+    const CTempFolder folder;
+    const auto recordings = [&](const std::string& size, const std::string& entries) {
+        WriteAll(folder.Path("a.vxr"),
+                 "<V><Header><FileName/></Header><Results><Task><TaskName>Series</TaskName><Recordings Size=\"" + size +
+                     "\">" + entries + std::string(10'000, ' '));
+        CVXFileIO io;
+        io.GetResultsReader()->ReadFile(folder.Path("a.vxr"));
+        return io.GetResultsReader()->GetResults()->GetRecordingCount(enTask::Series);
+    };
+    const std::string entry = "<Recording><Dose>1</Dose></Recording>";
+    EXPECT_EQ(recordings("5", entry + entry), 5);
+    EXPECT_EQ(recordings("4000", entry + entry), 1002);
+    std::string all;
+    for (int i = 0; i < 4000; ++i)
+        all += entry;
+    EXPECT_EQ(recordings("4000", all), 4000);
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <string>
@@ -258,16 +259,18 @@ TEST_F(PropertiesTest, MarksOfOneTaskAreReplacedTogether) {
 }
 
 TEST_F(PropertiesTest, SavingTheAnalyzerSetsItsDate) {
-    // Seconds since 1970 as a file time: units of 100 ns since 1601.
-    const auto fileTime = [] { return static_cast<std::uint64_t>(std::time(nullptr) + 11644473600) * 10'000'000; };
+    // The clock that the date comes from: `std::time` may lag behind it.
+    const auto second = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); };
+    constexpr std::uint64_t unitsPerSecond = 10'000'000;  // of 100 ns, since 1601
     CPropAnalyzer analyzer;
-    const std::uint64_t before = fileTime();
+    const std::time_t before = second();
     const std::string saved = Saved(analyzer);
-    EXPECT_GE(analyzer.AnalyzingDate, before);
-    EXPECT_LE(analyzer.AnalyzingDate, fileTime() + 10'000'000);
-    const auto second = static_cast<std::time_t>(analyzer.AnalyzingDate / 10'000'000) - 11644473600;
+    const std::time_t after = second();
+    const auto saving = static_cast<std::time_t>(analyzer.AnalyzingDate / unitsPerSecond) - 11644473600;
+    EXPECT_GE(saving, before);
+    EXPECT_LE(saving, after);
     char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::gmtime(&second));
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::gmtime(&saving));
     EXPECT_NE(saved.find("<AnalyzingDate>" + std::to_string(analyzer.AnalyzingDate) +
                          "</AnalyzingDate><AnalyzingDateString>" + text + "</AnalyzingDateString>"),
               std::string::npos)

@@ -7,6 +7,7 @@
 namespace {
 
 std::atomic<std::size_t> g_allocations{0};
+std::atomic<std::size_t> g_bytes{0};
 std::atomic<std::size_t> g_freed{0};
 std::atomic<std::size_t> g_failing{0};  ///< The number of the allocation that fails.
 
@@ -18,6 +19,7 @@ void Free(void* memory) {
 }  // namespace
 
 void* operator new(std::size_t size) {
+    g_bytes += size;
     if (++g_allocations == g_failing) {
         ++g_freed;  // a failed allocation doesn't count as unfreed
         throw std::bad_alloc();
@@ -32,6 +34,8 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept { Free(memory)
 void operator delete[](void* memory, std::size_t /*size*/) noexcept { Free(memory); }
 
 std::size_t AllocationCount() { return g_allocations; }
+
+std::size_t AllocatedBytes() { return g_bytes; }
 
 std::size_t LiveAllocations() { return g_allocations - g_freed; }
 

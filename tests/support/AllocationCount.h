@@ -8,6 +8,9 @@
 /// Returns the number of allocations that the process has made so far.
 std::size_t AllocationCount();
 
+/// Returns the number of bytes that the process has asked for so far, freed or not.
+std::size_t AllocatedBytes();
+
 /// Returns the number of allocations that haven't been freed.
 std::size_t LiveAllocations();
 

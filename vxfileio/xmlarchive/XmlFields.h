@@ -377,11 +377,19 @@ Entry LoadEntry(CXmlFileArchive& archive) {
     return entry;
 }
 
-/// Reads a list of objects, as many as its `Size` says, and passes each to `keep`.
+/// The most entries that a list gets after the document has ended: an entry can take a hundred times the memory of the
+/// bytes that make room for it.
+inline constexpr std::size_t kMostMissingEntries = 1000;
+
+/// Reads a list of objects, as many as its `Size` says, and passes each to `keep`. Those that the document ends before
+/// have nothing of their own.
 template <class Entry, class KeepEntry>
 void GetEntries(CXmlFileArchive& archive, KeepEntry keep) {
-    for (std::size_t count = archive.GetListSize(); count > 0; --count)
+    std::size_t missing = 0;
+    for (std::size_t count = archive.GetListSize(); count > 0 && missing < kMostMissingEntries; --count) {
         keep(LoadEntry<Entry>(archive));
+        missing = archive.TagName().empty() ? missing + 1 : 0;
+    }
 }
 
 /// Returns the description of a list of objects of this form.
