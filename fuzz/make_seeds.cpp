@@ -7,6 +7,7 @@
 #include <iterator>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <string>
 
 #include "vxfileio/frame/VXFileIO.h"
@@ -88,7 +89,7 @@ void WriteResults(const fs::path& path) {
 template <class Property>
 std::string ElementOf(const fs::path& scratch, Property property) {
     gd_xml_stream::CFileBuffer file;
-    file.Open(scratch.string(), "wb");
+    if (file.Open(scratch.string(), "wb") != 0) throw std::runtime_error("can't open " + scratch.string());
     {
         CXmlFileArchive archive(&file, gd_xml_stream::kStore, gd_xml_stream::kBlockSize);
         property.Save(archive);

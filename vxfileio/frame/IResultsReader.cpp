@@ -9,6 +9,6 @@ CIResultsReader::~CIResultsReader() = default;
 
 void CIResultsReader::ReadFile(const std::string& path) { m_reader->ReadFile(path); }
 
-const CResults* CIResultsReader::GetResults() const { return m_reader->GetResults(); }
+const CResults* CIResultsReader::GetResults() const noexcept { return m_reader->GetResults(); }
 
-const CXmlFileHeader* CIResultsReader::GetXmlFileHeader() const { return m_reader->GetXmlFileHeader(); }
+const CXmlFileHeader* CIResultsReader::GetXmlFileHeader() const noexcept { return m_reader->GetXmlFileHeader(); }

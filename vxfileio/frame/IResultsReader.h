@@ -13,9 +13,9 @@ class CResultsReader;
 
 /// Reads results files (`.vxr`).
 ///
-/// `ReadFile` first, then the getters. Their pointers are never null, belong to the reader and live as long; what they
-/// point at changes with the next `ReadFile`, which reads over what is there: header fields and tasks that a file
-/// doesn't hold stay as they were. One thread at a time.
+/// Call `ReadFile` first, then the getters. Their pointers are never null and are valid as long as the reader, which
+/// owns the objects. The next `ReadFile` changes the objects: header fields and tasks that the new file doesn't hold
+/// stay as they were. Needs external synchronization.
 class VXFILEIO_API CIResultsReader {
  public:
     CIResultsReader();
@@ -24,17 +24,16 @@ class VXFILEIO_API CIResultsReader {
     CIResultsReader(const CIResultsReader&) = delete;
     CIResultsReader& operator=(const CIResultsReader&) = delete;
 
-    /// Reads a file. One that is damaged, or is none of ours, is read as far as it makes sense, and nothing is said
-    /// about it. Throws `CExcVXReader` with code -1, "Could not open results file: " and the path, if the file can't be
-    /// opened.
+    /// Reads a file. A damaged file, or one of another kind, is read as far as possible, without an error. Throws
+    /// `CExcVXReader` with code -1, "Could not open results file: " and the path, if the file can't be opened.
     void ReadFile(const std::string& path);
 
-    /// Returns the results. A file holds no compound ID and nothing that was given to `CResults::SetFPAverage`; the
+    /// Returns the results. A file holds neither the compound ID nor the values of `CResults::SetFPAverage`; the
     /// compound's name is in the header.
-    const CResults* GetResults() const;
+    const CResults* GetResults() const noexcept;
 
     /// Returns the header.
-    const CXmlFileHeader* GetXmlFileHeader() const;
+    const CXmlFileHeader* GetXmlFileHeader() const noexcept;
 
  private:
     std::unique_ptr<vxfileio::results::CResultsReader> m_reader;

@@ -13,9 +13,9 @@ class CResultsWriter;
 
 /// Writes results files (`.vxr`): the results of one compound, as one XML document.
 ///
-/// Any number of files can be written. One takes the place of an older file only when it is whole: whoever reads finds
-/// the old or the new one, and the old one stays if the system refuses a write, which `GetWriteError` tells. Only where
-/// no second file can stand beside it is it written in place. One thread at a time.
+/// Any number of files can be written. A file replaces an older one only when it is complete: readers find the old or
+/// the new one. If a write fails, the old one stays and `GetWriteError` says why. Only if the folder takes no second
+/// file is the old one overwritten in place. Needs external synchronization.
 class VXFILEIO_API CIResultsWriter {
  public:
     CIResultsWriter();
@@ -24,16 +24,16 @@ class VXFILEIO_API CIResultsWriter {
     CIResultsWriter(const CIResultsWriter&) = delete;
     CIResultsWriter& operator=(const CIResultsWriter&) = delete;
 
-    /// Sets the header, which is copied. Its `FileType` becomes "VXResults", whatever it was. Without a call the header
-    /// has its defaults.
+    /// Sets the header, which is copied. Its `FileType` is replaced by "VXResults". Without a call the header has its
+    /// defaults.
     void SetXmlFileHeader(const CXmlFileHeader& header);
 
-    /// Writes the file, replacing one of that name. The results aren't kept. Throws `CExcVXReader` with code -1, "Could
-    /// not open results file: " and the path, if the file can't be created.
+    /// Writes the file, replacing one of that name. Keeps no reference to the results. Throws `CExcVXReader` with code
+    /// -1, "Could not open results file: " and the path, if the file can't be created.
     void WriteFile(const std::string& path, const CResults& results);
 
-    /// Returns an empty text if the last `WriteFile` brought everything to the operating system, else what that refused
-    /// first in words: "No space left on device, writing 65536 bytes at 0 of run.vxr".
+    /// Returns an empty text if the last `WriteFile` passed everything to the operating system, otherwise a description
+    /// of the first failure: "No space left on device, writing 65536 bytes at 0 of run.vxr".
     std::string GetWriteError() const;
 
  private:

@@ -21,9 +21,9 @@ class CSettingsReader;
 
 /// Reads settings files (`.vxs`).
 ///
-/// `ReadFile` first, then the getters. Their pointers are never null, belong to the reader and live as long; what they
-/// point at changes with the next `ReadFile`, which reads over what is there: what a file doesn't hold stays as it was.
-/// One thread at a time.
+/// Call `ReadFile` first, then the getters. Their pointers are never null and are valid as long as the reader, which
+/// owns the objects. The next `ReadFile` changes the objects: values that the new file doesn't hold stay as they were.
+/// Needs external synchronization.
 class VXFILEIO_API CISettingsReader {
  public:
     CISettingsReader();
@@ -32,26 +32,25 @@ class VXFILEIO_API CISettingsReader {
     CISettingsReader(const CISettingsReader&) = delete;
     CISettingsReader& operator=(const CISettingsReader&) = delete;
 
-    /// Reads a file. Its sections may stand in any order, and those that aren't known are passed over. A file that is
-    /// damaged, or is none of ours, is read as far as it makes sense, and nothing is said about it. Where the
-    /// header's `FileVersion` is below 3, the task "Series" gets default marks for all active wells and doses, in place
-    /// of any that the file has. Throws `CExcVXReader` with code -1, "Could not open settings file: " and the path, if
-    /// the file can't be opened; and below version 3 what `DoseToText` throws for a dose without text, all else being
-    /// read.
+    /// Reads a file. Its sections may be in any order; unknown ones are skipped. A damaged file, or one of another
+    /// kind, is read as far as possible, without an error. If the header's `FileVersion` is below 3, the task "Series"
+    /// gets default marks for all active wells and doses instead of those in the file, 100,000 at most. Throws
+    /// `CExcVXReader` with code -1, "Could not open settings file: " and the path, if the file can't be opened. Below
+    /// version 3, throws what `DoseToText` throws for a dose without a text, after everything else was read.
     void ReadFile(const std::string& path);
 
-    const CXmlFileHeader* GetXmlFileHeader() const;    ///< Returns the header.
-    const CPropControl* GetControlProperty() const;    ///< Returns how the system is driven.
-    const CPropNotebook* GetNotebookProperty() const;  ///< Returns the notebook.
-    const CPropRecordPlate* GetRecordPlateProperty()
-        const;                                           ///< Returns the record plate, with one compound and its wells.
-    const CPropRecording* GetRecordingProperty() const;  ///< Returns how signals are recorded.
-    const CPropQualityCheck* GetQualityCheckProperty() const;  ///< Returns the quality checks.
-    const CPropViability* GetViabilityProperty()
-        const;  ///< Returns the viability test; no settings file holds it, so these are its defaults.
-    const CPropAnalyzer* GetAnalyzerProperty() const;  ///< Returns how signals are analysed.
-    const CPropRobot* GetRobotProperty() const;        ///< Returns the robot.
-    const CPropWashIn* GetWashInProperty() const;      ///< Returns the wash-in.
+    const CXmlFileHeader* GetXmlFileHeader() const noexcept;    ///< Returns the header.
+    const CPropControl* GetControlProperty() const noexcept;    ///< Returns how the system is driven.
+    const CPropNotebook* GetNotebookProperty() const noexcept;  ///< Returns the notebook.
+    /// Returns the record plate, with one compound and its wells.
+    const CPropRecordPlate* GetRecordPlateProperty() const noexcept;
+    const CPropRecording* GetRecordingProperty() const noexcept;        ///< Returns how signals are recorded.
+    const CPropQualityCheck* GetQualityCheckProperty() const noexcept;  ///< Returns the quality checks.
+    /// Returns the viability test with its defaults: no settings file holds it.
+    const CPropViability* GetViabilityProperty() const noexcept;
+    const CPropAnalyzer* GetAnalyzerProperty() const noexcept;  ///< Returns how signals are analysed.
+    const CPropRobot* GetRobotProperty() const noexcept;        ///< Returns the robot.
+    const CPropWashIn* GetWashInProperty() const noexcept;      ///< Returns the wash-in.
 
  private:
     std::unique_ptr<vxfileio::settings::CSettingsReader> m_reader;

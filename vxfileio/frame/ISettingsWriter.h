@@ -21,10 +21,10 @@ class CSettingsWriter;
 
 /// Writes settings files (`.vxs`): how a run was set up, as one XML document.
 ///
-/// The setters come first, in any order, and copy what they are given; what isn't set is written with its defaults.
-/// Any number of files can then be written. A file takes the place of an older one only when it is whole: whoever
-/// reads finds the old or the new one, and the old one stays if the system refuses a write, which `GetWriteError`
-/// tells. Only where no second file can stand beside it is it written in place. One thread at a time.
+/// Call the setters first, in any order. They copy their arguments; what isn't set is written with its defaults. Any
+/// number of files can then be written. A file replaces an older one only when it is complete: readers find the old or
+/// the new one. If a write fails, the old one stays and `GetWriteError` says why. Only if the folder takes no second
+/// file is the old one overwritten in place. Needs external synchronization.
 class VXFILEIO_API CISettingsWriter {
  public:
     CISettingsWriter();
@@ -33,7 +33,7 @@ class VXFILEIO_API CISettingsWriter {
     CISettingsWriter(const CISettingsWriter&) = delete;
     CISettingsWriter& operator=(const CISettingsWriter&) = delete;
 
-    /// Sets the header. Its `FileType` becomes "VXSettings", whatever it was. Its `FileVersion` should be 3: below
+    /// Sets the header. Its `FileType` is replaced by "VXSettings". Its `FileVersion` should be 3: below
     /// that, a reader makes up the marks of "Series" itself.
     void SetXmlFileHeader(const CXmlFileHeader& header);
     void SetControlProperty(const CPropControl& property);            ///< Sets how the system is driven.
@@ -46,18 +46,18 @@ class VXFILEIO_API CISettingsWriter {
     void SetAnalyzerProperty(const CPropAnalyzer& property);          ///< Sets how they are analysed.
 
     /// Writes the file with the plate's first compound (a default one if it has none) and the marks of its active
-    /// wells, replacing a file of that name. The analyzer's date is that of the writing. Throws `CExcVXReader` with
+    /// wells, replacing a file of that name. Sets the analyzer's date to the current time. Throws `CExcVXReader` with
     /// code -1, "Could not open settings file: " and the path, if the file can't be created.
     void WriteFile(const std::string& path);
 
-    /// The same with the compound at that index in the plate's list; the marks are those of the active wells of the
-    /// compound with that number as its ID. A caller whose compounds are numbered by their places gets one compound
-    /// with its own wells. -1 is the first compound with all active wells. Throws `CExcVXReader`, and touches no file,
-    /// if the plate has no compound there.
+    /// The same with the compound at index `compound` of the plate's list, and the marks of the active wells of the
+    /// compound whose ID is `compound`. If compounds are numbered by their index, that is one compound with its own
+    /// wells. -1 means the first compound with all active wells. Throws `CExcVXReader`, and touches no file, if the
+    /// plate has no compound at this index.
     void WriteFile(const std::string& path, std::int32_t compound);
 
-    /// Returns an empty text if the last `WriteFile` brought everything to the operating system, else what that refused
-    /// first in words: "No space left on device, writing 65536 bytes at 0 of run.vxs".
+    /// Returns an empty text if the last `WriteFile` passed everything to the operating system, otherwise a description
+    /// of the first failure: "No space left on device, writing 65536 bytes at 0 of run.vxs".
     std::string GetWriteError() const;
 
  private:

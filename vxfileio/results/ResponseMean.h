@@ -6,13 +6,13 @@
 #include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
-/// What one response came to over all wells of a compound at one dose. A value.
+/// The mean of one response over all wells of a compound at one dose. A value.
 class VXFILEIO_API CResponseMean {
  public:
     std::string Label = {};     ///< The word of its `enResponseType`.
     double normMean = 0.0;      ///< Mean of the normalised response.
     double normStdDev = 0.0;    ///< Its standard deviation.
-    std::uint32_t Samples = 0;  ///< How many wells are behind the mean.
+    std::uint32_t Samples = 0;  ///< The number of wells in the mean.
 
     /// Writes the element `Response`.
     void Save(CXmlFileArchive& archive) const;

@@ -12,23 +12,23 @@
 
 /// The results of one compound, as a tree: tasks, recordings, wells, responses. A value with deep copies.
 ///
-/// It is filled in this order: `SetFPAverage`, `Init` for each task, then whatever was found. Everything is kept in the
-/// order of its keys. A pointer into the tree belongs to the tree and lives until its task is replaced or removed.
-/// Recordings are counted from 0; an index outside the range, below it too, is like a recording that isn't there.
+/// Fill it in this order: `SetFPAverage`, `Init` for each task, then the findings. Everything is in the order of its
+/// keys. The tree owns what its pointers point to; they are valid until their task is replaced or removed. Recordings
+/// are counted from 0; an index outside the range, negative ones too, means a recording that doesn't exist.
 class VXFILEIO_API CResults {
  public:
     std::int32_t CompoundID = 0;              ///< The compound; no file holds it.
     std::map<enTask, CResultsTask> Tasks;     ///< The results by task.
     std::uint32_t FPAverageSamples = 0;       ///< Length of the averages that `Init` makes.
     std::int64_t FPAverageTick = 0;           ///< Spacing of their samples.
-    std::int64_t FPAveragePreFPfastTime = 0;  ///< How far ahead of their event they begin.
+    std::int64_t FPAveragePreFPfastTime = 0;  ///< The time from their beginning to their event.
 
     /// Returns the compound.
-    std::int32_t GetCompoundID() const { return CompoundID; }
-    /// Sets what the averages are like in wells that `Init` makes from now on.
+    std::int32_t GetCompoundID() const noexcept { return CompoundID; }
+    /// Sets the averages of wells that `Init` makes from now on.
     void SetFPAverage(std::uint32_t samples, std::int64_t averageTick, std::int64_t preFPfastTime);
-    /// Sets the compound, and makes a task anew: one recording per dose (picomolar), with one well per ID and the label
-    /// at the same place. `taskName` is the word of the task, under which a file has it.
+    /// Sets the compound, and replaces a task: one recording per dose (picomolar), with one well per ID and the label
+    /// at the same index. `taskName` is the word of the task, which files use as its key.
     void Init(std::int32_t compoundID, enTask task, const std::string& taskName,
               const std::vector<std::uint64_t>& doses, const std::vector<std::int32_t>& wellIDs,
               const std::vector<std::string>& wellLabels);

@@ -7,12 +7,12 @@
 
 namespace vxfileio::results {
 
-/// The work behind `CIResultsReader`, where the operations are told.
+/// The implementation of `CIResultsReader`, which documents the operations.
 class CResultsReader {
  public:
     void ReadFile(const std::string& path);
-    const CResults* GetResults() const { return &m_results; }
-    const CXmlFileHeader* GetXmlFileHeader() const { return &m_header; }
+    const CResults* GetResults() const noexcept { return &m_results; }
+    const CXmlFileHeader* GetXmlFileHeader() const noexcept { return &m_header; }
 
  private:
     CXmlFileHeader m_header;

@@ -11,13 +11,12 @@
 #include "vxfileio/results/ResultsWell.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
-/// What was found in one recording: its wells, and what the compound's wells came to together. A value with deep
-/// copies.
+/// The results of one recording: its wells, and statistics over the compound's wells. A value with deep copies.
 class VXFILEIO_API CResultsRecording {
  public:
     CResultsRecording() = default;
-    /// Makes one well per ID, with the label at the same place; without a label for it the label is empty. A repeated
-    /// ID replaces the well before. The last three are those of `CResultsWell`.
+    /// Makes one well per ID, with the label at the same index, or an empty label if there is none. A repeated ID
+    /// replaces the earlier well. The last three are those of `CResultsWell`.
     CResultsRecording(std::uint64_t dose, const std::vector<std::int32_t>& wellIDs,
                       const std::vector<std::string>& wellLabels, std::uint32_t samples, std::int64_t averageTick,
                       std::int64_t preFPfastTime);
@@ -33,6 +32,6 @@ class VXFILEIO_API CResultsRecording {
 
     /// Writes the element `Recording`.
     void Save(CXmlFileArchive& archive) const;
-    /// Reads on to the end tag of `Recording`. Each well is found by its place: `WellID` is its first child.
+    /// Reads on to the end tag of `Recording`. Wells are found by their position: `WellID` is the first child.
     void Load(CXmlFileArchive& archive);
 };

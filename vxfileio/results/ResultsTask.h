@@ -24,6 +24,6 @@ class VXFILEIO_API CResultsTask {
 
     /// Writes the element `Task`.
     void Save(CXmlFileArchive& archive) const;
-    /// Reads on to the end tag of `Task`, with the archive behind its start tag.
+    /// Reads on to the end tag of `Task`, with the archive after its start tag.
     void Load(CXmlFileArchive& archive);
 };

@@ -29,11 +29,11 @@ bool CResultsWell::ResultsExist(enResponseType type, enValueType valueType) cons
     return (valueType == enValueType::Normalized ? NormalizedResponses : Responses).contains(type);
 }
 
-double CResultsWell::GetAveVoltage(std::uint32_t sample) const {
+double CResultsWell::GetAveVoltage(std::uint32_t sample) const noexcept {
     return sample < Average.size() ? Average[sample] : 0.0;
 }
 
-std::int64_t CResultsWell::GetAveTimeStamp(std::uint32_t sample) const {
+std::int64_t CResultsWell::GetAveTimeStamp(std::uint32_t sample) const noexcept {
     // Unsigned, so that absurd ticks wrap around instead of overflowing.
     const std::uint32_t ticks = sample + 1;
     return static_cast<std::int64_t>(ticks * static_cast<std::uint64_t>(AverageTick) -

@@ -11,7 +11,7 @@
 #include "vxfileio/results/Response.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
-/// What was found in one well in one recording. Times are in the instrument's time unit, doses picomolar. A value with
+/// The results of one well in one recording. Times are in the instrument's time unit, doses picomolar. A value with
 /// deep copies.
 class VXFILEIO_API CResultsWell {
  public:
@@ -22,7 +22,7 @@ class VXFILEIO_API CResultsWell {
 
     std::string WellLabel;                           ///< For people, such as "A1".
     std::uint64_t Dose = 0;                          ///< The dose of its recording.
-    std::int64_t AveragePreFPfastTime = 0;           ///< How far ahead of its event the average begins.
+    std::int64_t AveragePreFPfastTime = 0;           ///< The time from the beginning of the average to its event.
     std::vector<std::int64_t> FPfastDetectionTimes;  ///< When each fast field potential was: the beats of the heart.
     std::uint32_t AverageCount = 0;                  ///< How many of them are in the average; 0 is no average.
     std::vector<double> Average;                     ///< The average trace, one voltage a sample.
@@ -48,22 +48,22 @@ class VXFILEIO_API CResultsWell {
     bool ResultsExist(enResponseType type, enValueType valueType) const;
 
     /// Returns whether there is an average.
-    bool AverageExist() const { return AverageCount > 0; }
+    bool AverageExist() const noexcept { return AverageCount > 0; }
     /// Returns the number of samples of the average.
-    std::uint32_t GetAveSamples() const { return static_cast<std::uint32_t>(Average.size()); }
+    std::uint32_t GetAveSamples() const noexcept { return static_cast<std::uint32_t>(Average.size()); }
     /// Returns a sample of the average; 0.0 beyond its end.
-    double GetAveVoltage(std::uint32_t sample) const;
-    /// Returns the time of a sample: the first lies one tick behind the start of the axis.
-    std::int64_t GetAveTimeStamp(std::uint32_t sample) const;
+    double GetAveVoltage(std::uint32_t sample) const noexcept;
+    /// Returns the time of a sample: the first is one tick after the start of the axis.
+    std::int64_t GetAveTimeStamp(std::uint32_t sample) const noexcept;
 
     void ClearResponses();            ///< Removes both kinds of responses.
     void ClearNormalizedResponses();  ///< Removes the normalised ones.
     void Clear();                     ///< Gives every field its default.
 
-    /// Writes what stands inside the element `Well` behind `WellID`. Without detection times that is label, dose and
-    /// the empty list of times, whatever else the well holds; without `FPfastDetected` the eight fields are left empty.
+    /// Writes the content of the element `Well` after `WellID`. Without detection times that is only the label, the
+    /// dose and the empty list of times; without `FPfastDetected` the eight fields are left empty.
     void Save(CXmlFileArchive& archive) const;
-    /// Reads on to the end tag of `Well`, with the archive behind its `WellID`. The eight fields are only taken behind
-    /// a `FPfastDetected` that is true.
+    /// Reads on to the end tag of `Well`, with the archive after its `WellID`. The eight fields are read only after a
+    /// `FPfastDetected` that is true.
     void Load(CXmlFileArchive& archive);
 };

@@ -7,7 +7,7 @@
 
 namespace vxfileio::results {
 
-/// The work behind `CIResultsWriter`, where the operations are told.
+/// The implementation of `CIResultsWriter`, which documents the operations.
 class CResultsWriter {
  public:
     void SetXmlFileHeader(const CXmlFileHeader& header);

@@ -9,7 +9,7 @@
 #include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
-/// Whether one well counts in one recording, and how each of its responses came to be.
+/// Whether one well counts in one recording, and how each of its responses was obtained.
 struct WellAnalysis {
     /// The mark of each response.
     std::map<enResponseType, enAnalysisMark> Responses = {
@@ -33,7 +33,7 @@ class VXFILEIO_API CPropAnalyzer : public CVXProperty {
     std::string Operator;             ///< Who analysed.
     std::string Program;              ///< The analysing program.
     std::string ProgramVersion;       ///< Its version.
-    std::uint64_t AnalyzingDate = 0;  ///< When this was last saved, as a file time.
+    std::uint64_t AnalyzingDate = 0;  ///< The time of the last `Save`, as a file time.
     /// How the averaging interval is defined.
     enFPAveIntervalType FPAveIntervalType = enFPAveIntervalType::UserDefined;
     double FPAveHRDefinedFactor = 0.0;               ///< Factor of an interval that the heart rate defines.
@@ -55,8 +55,8 @@ class VXFILEIO_API CPropAnalyzer : public CVXProperty {
     /// Sets `AnalyzingDate` to the current time, and writes the element `PropertyAnalyzer` with every well.
     void Save(CXmlFileArchive& archive) override;
 
-    /// The same with only the wells in `wellIDs`, in that order. An ID without marks is passed over; one that stands
-    /// there twice is written twice.
+    /// The same with only the wells in `wellIDs`, in that order. Skips an ID without marks; writes an ID that
+    /// is listed twice twice.
     void SaveWells(CXmlFileArchive& archive, const std::vector<std::int32_t>& wellIDs);
 
     /// Reads on to the end tag of `PropertyAnalyzer`. A task in the file replaces that task's marks; others stay.

@@ -6,7 +6,7 @@
 #include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
-/// Keeps `CPropControl` out of what is saved and loaded through the base: its two operations do nothing.
+/// Overrides the operations of the base so that they neither save nor load a `CPropControl`.
 class VXFILEIO_API CPropControlSlots : public CVXProperty {
  public:
     void Save(CXmlFileArchive& archive) final;  ///< Writes nothing.
@@ -19,14 +19,14 @@ class VXFILEIO_API CPropControlSlots : public CVXProperty {
 #pragma GCC diagnostic ignored "-Woverloaded-virtual"
 #endif
 
-/// How the system is driven. Only its own two operations store anything; through a `CVXProperty` it does nothing. A
+/// How the system is driven. Only its own two operations save and load; those of the base `CVXProperty` do nothing. A
 /// value with deep copies.
 class VXFILEIO_API CPropControl : public CPropControlSlots {
  public:
     enVexaprobeMode VexaprobeMode = enVexaprobeMode::NotDefined;  ///< The kind of instrument.
     enAcqMode RobotMode = enAcqMode::NotDefined;                  ///< How the robot is driven.
     enAcqMode DataAcqMode = enAcqMode::NotDefined;                ///< How the data acquisition is driven.
-    std::string SimulationDataFile;                               ///< Where simulated data come from.
+    std::string SimulationDataFile;                               ///< The file that simulated data come from.
 
     /// Writes the element `PropertyControl`. (A plain function would override that of the base, through which nothing
     /// must be stored; a template can't.)

@@ -9,8 +9,8 @@
 #include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
-/// How the quality check of one task is run, and what passes. Doses are picomolar; what waits, times and texts stand
-/// for is the instrument's own affair.
+/// How the quality check of one task is run, and what passes. Doses are picomolar. The instrument defines the units of
+/// waits and times and the meaning of the texts.
 struct QualityCheckRecord {
     bool EnableQC = false;                                   ///< Whether the check is made.
     std::vector<std::int32_t> QCPerformed;                   ///< IDs of the compounds that it was made for.
@@ -21,10 +21,10 @@ struct QualityCheckRecord {
     char CompoundPlateID = 'C';                              ///< Its plate.
     std::int32_t CompoundPlateCol = 0;                       ///< Its column there.
     std::vector<std::uint64_t> Series = {0, 0, 0};           ///< The doses of the check.
-    std::int64_t WashInWait = 0;                             ///< Wait behind the wash-in.
+    std::int64_t WashInWait = 0;                             ///< Wait after the wash-in.
     std::int64_t RecordingTime = 0;                          ///< Length of its recording.
-    std::int64_t WashOutWait = 0;                            ///< Wait behind the wash-out.
-    std::int32_t WashOutCycles = 0;                          ///< How often is washed out.
+    std::int64_t WashOutWait = 0;                            ///< Wait after the wash-out.
+    std::int32_t WashOutCycles = 0;                          ///< The number of wash-outs.
     std::int32_t WashOutTroughID = 0;                        ///< Trough of the medium for it.
     bool ApplyQC = false;                                    ///< Whether the outcome counts.
     enResponseType QCResponse = enResponseType::NotDefined;  ///< The response that the check looks at.

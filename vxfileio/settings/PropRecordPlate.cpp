@@ -83,7 +83,7 @@ constexpr std::int32_t ChannelOf8x12(std::size_t row, std::size_t column) {
     return r < 4 ? 64 + 4 * c + r : 4 * c + 7 - r;
 }
 
-/// Builds a map of which `labelOf(row, column)` and `channelOf(row, column)` tell the positions.
+/// Builds a map from `labelOf(row, column)` and `channelOf(row, column)`.
 template <class LabelOf, class ChannelOf>
 void FillPositions(PlateMap& map, std::size_t rows, std::size_t columns, LabelOf labelOf, ChannelOf channelOf) {
     map.Labels.assign(rows, std::vector<std::string>(columns));

@@ -9,8 +9,8 @@
 #include "vxfileio/base/Enumerations.h"
 #include "vxfileio/settings/VXProperty.h"
 
-/// Where each well of a layout sits, built by `CPropRecordPlate::BuildPlateMap`. Both tables are indexed by row, then
-/// by column.
+/// The position of each well of a layout, built by `CPropRecordPlate::BuildPlateMap`. Index both tables by row, then by
+/// column.
 struct PlateMap {
     std::vector<std::vector<std::int32_t>> ChIDs;  ///< Channels.
     std::vector<std::vector<std::string>> Labels;  ///< Labels, such as "A1".
@@ -20,8 +20,9 @@ struct PlateMap {
 
 /// One well of a plate.
 struct PlateWell {
-    static constexpr std::int32_t kActive = 0;    ///< A state: the well counts.
-    static constexpr std::int32_t kInactive = 1;  ///< A state: it doesn't; nor does it in any that isn't told here.
+    static constexpr std::int32_t kActive = 0;  ///< A state: the well counts.
+    static constexpr std::int32_t kInactive =
+        1;                                   ///< A state: it doesn't count, and neither does it in unlisted states.
     static constexpr std::int32_t kNew = 2;  ///< A state: it counts; the export writes a workbook of its own for it.
 
     std::int32_t WellID = 0;       ///< The key by which a well is known everywhere.
@@ -41,7 +42,7 @@ struct PlateCompound {
     std::int32_t StockPlateRow = 0;        ///< Its row there.
 };
 
-/// What a plate owns: compounds and wells. A null pointer is passed over everywhere. Copies are deep.
+/// The compounds and wells that a plate owns. Null pointers are skipped everywhere. Copies are deep.
 struct VXFILEIO_API PlateRecords {
     PlateRecords() = default;
     /// @{
@@ -57,10 +58,10 @@ struct VXFILEIO_API PlateRecords {
     std::vector<std::unique_ptr<PlateWell>> Wells;          ///< In plate order.
 };
 
-/// The plate of a run. Doses are picomolar; what the volumes are measured in is the caller's own affair.
+/// The plate of a run. Doses are picomolar; the unit of volumes is the caller's choice.
 struct VXFILEIO_API PlateData : PlateRecords {
     char PlateID = ' ';                                ///< The plate's identifier.
-    enPlateLayout Layout = enPlateLayout::NotDefined;  ///< Its layout; the plate map doesn't follow it by itself.
+    enPlateLayout Layout = enPlateLayout::NotDefined;  ///< Its layout; call `BuildPlateMap` after a change.
     enPipetMode PipetMode = enPipetMode::NotDefined;   ///< How it is pipetted.
     std::vector<std::uint64_t> Series;                 ///< The doses of the compound series, one per recording.
     std::uint32_t StdVolume = 0;                       ///< Usual volume.
@@ -82,7 +83,7 @@ struct VXFILEIO_API PlateData : PlateRecords {
 /// The record plate: its layout, its wells, its compounds and the series of their doses. A value with deep copies.
 ///
 /// It has two forms in a document. The long form holds all compounds; the short form one compound and its wells, and
-/// stands in settings files.
+/// is used in settings files.
 class VXFILEIO_API CPropRecordPlate : public CVXProperty {
  public:
     PlateMap Map;    ///< Where the wells of the layout sit; filled by `BuildPlateMap` and by loading.
@@ -95,7 +96,7 @@ class VXFILEIO_API CPropRecordPlate : public CVXProperty {
     /// that was stored as inactive comes back active.
     void Load(CXmlFileArchive& archive) override;
 
-    /// Stands for the index of the first compound that there is.
+    /// An index that means the first compound.
     static constexpr std::int32_t kFirstCompound = -1;
 
     /// Writes the short form of the compound at `index` in the list. With `kFirstCompound` it is the first compound; a
@@ -103,8 +104,8 @@ class VXFILEIO_API CPropRecordPlate : public CVXProperty {
     /// that ID. Throws `CExcVXReader`, before anything is written, for any other index without a compound.
     void SaveShort(CXmlFileArchive& archive, std::int32_t index = kFirstCompound) const;
 
-    /// Reads the short form, up to the end tag of `PropertyRecordPlate`. Its compound and wells replace all that were
-    /// there, whatever the document holds; wells keep their stored states.
+    /// Reads the short form, up to the end tag of `PropertyRecordPlate`. Its compound and wells always replace
+    /// the former ones; wells keep their stored states.
     void LoadShort(CXmlFileArchive& archive);
 
     /// Throws what `SaveShort` would throw for this index.
@@ -138,7 +139,7 @@ class VXFILEIO_API CPropRecordPlate : public CVXProperty {
     /// Returns the label of the first well with this ID; empty if there is none.
     std::string GetWellLabel(std::int32_t wellID) const;
 
-    /// Returns the doses of the series as `DoseToText` gives them. Throws what that throws.
+    /// Returns the texts of the series' doses; see `DoseToText`, which may throw.
     std::vector<std::string> GetSeriesLabels() const;
 };
 

@@ -5,7 +5,7 @@
 #include "vxfileio/base/Api.h"
 #include "vxfileio/settings/VXProperty.h"
 
-/// The test of which wells are alive enough to be used. A value with deep copies.
+/// The test that decides which wells are viable. A value with deep copies.
 class VXFILEIO_API CPropViability : public CVXProperty {
  public:
     bool ApplyViabilityTest = false;            ///< Whether the test is made.

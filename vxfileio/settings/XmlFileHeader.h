@@ -6,8 +6,8 @@
 #include "vxfileio/base/Api.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
-/// What stands at the head of every settings and results file: who wrote it, when, and what it is. The library gives
-/// the fields no meaning, apart from `FileVersion` of settings files. A value with deep copies.
+/// The header of every settings and results file: who wrote it, when, and what it is. The library uses none of the
+/// fields but `FileVersion` of settings files. A value with deep copies.
 class VXFILEIO_API CXmlFileHeader {
  public:
     std::string HeaderID = "OVL Vexaprobe";    ///< The system's mark.
@@ -15,11 +15,11 @@ class VXFILEIO_API CXmlFileHeader {
     std::string VexaprobeMode = "NotDefined";  ///< The kind of instrument, as free text.
     std::string FileType;                      ///< "VXSettings" or "VXResults"; set by the writers.
     std::string ProgramVersion;                ///< The version of the writing program.
-    std::int32_t FileVersion = 0;              ///< The version of the file's form; settings files are of version 3.
+    std::int32_t FileVersion = 0;              ///< The format version; settings files have version 3.
     std::uint64_t RecordingDate = 0;           ///< When the run was recorded, as a file time.
     std::string RecordingDateString;           ///< The same for people.
-    std::string FileName;                      ///< The name that the file was given.
-    std::string Guid;                          ///< The run's own identifier.
+    std::string FileName;                      ///< The name of the file.
+    std::string Guid;                          ///< The identifier of the run.
 
     /// Writes the element `Header`.
     void Save(CXmlFileArchive& archive) const;

@@ -11,8 +11,8 @@ namespace gd_xml_stream {
 
 /// One file of an XML archive, read or written from front to back.
 ///
-/// What is written is gathered and reaches the system in large pieces: at the latest with `Flush` or `Close`. The
-/// caller opens and closes it; the archive only uses it in between.
+/// Buffers what is written and passes it to the operating system in large pieces, at the latest with `Flush` or
+/// `Close`. The caller opens and closes the file; the archive uses it in between. Needs external synchronization.
 class VXFILEIO_API CFileBuffer {
  public:
     CFileBuffer();
@@ -22,31 +22,32 @@ class VXFILEIO_API CFileBuffer {
     CFileBuffer& operator=(const CFileBuffer&) = delete;
 
     /// Opens a file: a mode that begins with "w" creates or empties it for writing, any other opens it for reading.
-    /// Bytes are never translated. Returns 0, or the system's error number; then `errorText`, unless null, receives
-    /// the system's text for it, cut to `errorTextSize` bytes with the NUL at its end.
-    int Open(const std::string& path, const std::string& mode, char* errorText = nullptr,
-             std::size_t errorTextSize = 0);
+    /// Bytes are never translated. Returns 0, or the system's error number; `errorText`, unless null, then receives
+    /// the system's text for it, cut to `errorTextSize` bytes including the NUL.
+    [[nodiscard]] int Open(const std::string& path, const std::string& mode, char* errorText = nullptr,
+                           std::size_t errorTextSize = 0);
 
-    /// Opens a file for writing that replaces the one at the path, and does so with `Commit` alone: until then, and if
-    /// it never comes, a file that was there is as it was. What is no plain file, or stands where no second one can be
-    /// made, is written in place as by `Open`. Returns an empty text, or in words why the file can't be opened.
-    std::string OpenReplacing(const std::string& path);
+    /// Opens a file for writing that replaces the one at the path when `Commit` is called. Without `Commit` the old
+    /// file stays unchanged. Writes in place, as `Open` does, if the path isn't a regular file or if its folder takes
+    /// no second one. Returns an empty text, or a sentence that says why the file can't be opened.
+    [[nodiscard]] std::string OpenReplacing(const std::string& path);
 
-    /// Ends what `OpenReplacing` began: hands everything to the system, closes the file and puts it in its place.
-    /// Returns an empty text, or in words what the system refused first.
-    std::string Commit();
+    /// Completes what `OpenReplacing` began: passes everything to the operating system, closes the file and replaces
+    /// the old one. Returns an empty text, or a sentence that describes the first failure.
+    [[nodiscard]] std::string Commit();
 
-    /// Hands everything to the system and closes the file. Without an open file it does nothing.
+    /// Passes everything to the operating system and closes the file. Does nothing without an open file.
     void Close();
 
-    /// Takes `count` bytes and returns how many it took: all, or 0 without a file open for writing.
+    /// Appends `count` bytes and returns the number of bytes taken: `count`, or 0 without a file open for writing.
     std::size_t Write(const void* bytes, std::size_t count);
 
-    /// Hands to the system what was gathered. What the system refuses is dropped and not reported.
+    /// Passes the buffered bytes to the operating system. Bytes that it refuses are dropped; only `Commit` reports
+    /// that.
     void Flush();
 
-    /// Reads up to `count` bytes. Returns their number and stores it in `read`; less than `count` only at the end of
-    /// the file.
+    /// Reads up to `count` bytes. Returns the number of bytes read and stores it in `read`; it is below `count` only at
+    /// the end of the file.
     std::size_t Read(void* buffer, std::size_t count, std::size_t& read);
 
     /// Returns the size of the open file in bytes; 0 without one.

@@ -94,12 +94,12 @@ std::int32_t CXMLArchive<File>::SkipProlog() {
 }
 
 template <class File>
-std::string_view CXMLArchive<File>::TagName() const {
+std::string_view CXMLArchive<File>::TagName() const noexcept {
     return m_reader->Name();
 }
 
 template <class File>
-bool CXMLArchive<File>::IsEndTag() const {
+bool CXMLArchive<File>::IsEndTag() const noexcept {
     return (m_reader->Scanner().State() & XmlState::kEndTag) != 0;
 }
 
@@ -169,12 +169,12 @@ void CXMLArchive<File>::GetSamples(std::vector<double>& samples) {
 }
 
 template <class File>
-std::uint32_t CXMLArchive<File>::ElementState() const {
+std::uint32_t CXMLArchive<File>::ElementState() const noexcept {
     return m_stores ? m_writer->State() : m_reader->Scanner().State();
 }
 
 template <class File>
-XmlError CXMLArchive<File>::LastError() const {
+XmlError CXMLArchive<File>::LastError() const noexcept {
     return m_reader->Scanner().LastError();
 }
 

@@ -26,43 +26,43 @@ inline constexpr std::int32_t kBlockSize = 4096;
 
 /// Writes an XML document tag by tag, or reads one event by event; it never builds a tree.
 ///
-/// One archive serves one document in one direction, on one thread. Nothing throws but an allocation, and no failure is
-/// reported: a damaged document reads as far as it goes. Memory is the block, the names of the open elements and the
-/// longest element.
+/// One archive serves one document in one direction. It needs external synchronization. Only allocations throw, and no
+/// failure is reported: a damaged document is read as far as possible. Memory holds one block, the names of the open
+/// elements and the longest element.
 ///
 /// *Storing*: `WriteDeclaration`, `OpenChild` for the root, nested elements, `CloseElement` for the root, then
-/// `FlushBuffer`. The document is one line without line ends. Text is narrow bytes in whatever code page; bytes from
-/// 0x80 up are written as decimal references to the byte itself.
+/// `FlushBuffer`. The document is one line without line ends. Text is bytes in any code page; bytes from 0x80 up are
+/// written as decimal references to the byte itself.
 ///
 /// *Loading*: `SkipProlog`, then `NextElement` until it returns false. An element with text alone, or empty, is one
-/// event; an element with children is one event for its start and one for its end, of the same name. Whatever the
-/// caller doesn't know passes by.
+/// event; an element with children is one event for its start and one for its end, of the same name. Callers
+/// skip events that they don't know.
 ///
-/// `CFileBuffer` is the one file that the library has it for.
+/// The library instantiates it for `CFileBuffer` only.
 template <class File>
 class CXMLArchive {
  public:
-    /// `file` is open, isn't owned and outlives the archive. `mode` is `kStore` or `kLoad`; blocks of `blockSize`
-    /// bytes, at least one, go to and come from the file. `buffer`, unless null, has `blockSize` bytes and is used for
-    /// storing; it isn't owned and outlives the archive.
+    /// Stores `file`, which must be open and must outlive the archive. `mode` is `kStore` or `kLoad`. The file is
+    /// written and read in blocks of `blockSize` bytes, at least 1. `buffer`, unless null, must have `blockSize` bytes
+    /// and must outlive the archive; it is used for storing only. The caller owns both.
     CXMLArchive(File* file, std::uint32_t mode, std::int32_t blockSize, unsigned char* buffer = nullptr);
 
-    /// Storing, it flushes what has been put, unless `Detach` came before.
+    /// When storing, flushes what has been put, unless `Detach` was called.
     virtual ~CXMLArchive();
     CXMLArchive(const CXMLArchive&) = delete;
     CXMLArchive& operator=(const CXMLArchive&) = delete;
 
-    /// Storing: hands everything so far to the system. Loading it does nothing: blocks are read as they are needed.
+    /// Storing: passes everything so far to the operating system. Loading: does nothing; blocks are read when needed.
     virtual void FlushBuffer();
 
-    /// Storing: moves into the block what has been put. It is put there at once, so nothing is left to do.
+    /// Does nothing: what is put goes straight into the block.
     virtual void FlushPending();
 
-    /// Loading: goes on to the next event. Returns false at the end of the document, or where it makes no sense; then
-    /// there is no current element: no name matches and no value is read. After the latter the next call goes on.
+    /// Loading: moves to the next event. Returns false at the end of the document or at a syntax error. There is then
+    /// no current element: its name is empty and it has no value. After a syntax error the next call continues.
     virtual bool NextElement();
 
-    /// Forgets the file: nothing more is written, and nothing is read.
+    /// Forgets the file: nothing more is written or read.
     void Detach();
 
     // ---- Storing ----------------------------------------------------------------------------------------------------
@@ -79,31 +79,30 @@ class CXMLArchive {
     /// Writes the text of the current element; one value per element.
     CXMLArchive& PutValue(const XmlValue& value);
 
-    /// Writes the text of the current element: numbers in general form with six significant digits, a semicolon behind
-    /// each.
+    /// Writes the text of the current element: numbers in general form with six significant digits, each followed
+    /// by a semicolon.
     CXMLArchive& PutSamples(const std::vector<double>& samples);
 
-    /// Ends the current element. With none open it does nothing.
+    /// Ends the current element. Does nothing if none is open.
     CXMLArchive& CloseElement();
 
     // ---- Loading ----------------------------------------------------------------------------------------------------
 
-    /// Goes to the root element, past declaration, comments and the like. Returns 0, or 0x80004005 if text stands ahead
-    /// of the first tag; reading may go on regardless.
+    /// Moves to the root element, past declaration, comments and the like. Returns 0, or 0x80004005 if text precedes
+    /// the first tag; the caller may continue reading all the same.
     std::int32_t SkipProlog();
 
-    /// The name of the current element; empty without one. It lives until the next `NextElement`.
-    std::string_view TagName() const;
+    /// Returns the name of the current element, empty without one. It is valid until the next `NextElement`.
+    std::string_view TagName() const noexcept;
 
-    /// Whether the current event is the end of an element with children.
-    bool IsEndTag() const;
+    /// Returns whether the current event is the end of an element with children.
+    bool IsEndTag() const noexcept;
 
     /// @{
-    /// Reads the text of the current element, or the first attribute that `GetAttribute` hasn't passed. None moves
-    /// on, so a value can be read again. A number is read as far as its text makes sense: no digits make 0, a value
-    /// beyond the type the nearest that it holds (beyond 16 bits, the low ones of 32). An element without text leaves
-    /// the number as it was. True is the number 1 alone. A string has its references decoded, and is empty without
-    /// text.
+    /// Reads the text of the current element, or the first attribute that `GetAttribute` hasn't passed. Doesn't move,
+    /// so a value can be read again. A number is read up to the first byte that doesn't belong to it: without digits it
+    /// is 0, beyond the range of its type the nearest value (for 16 bits, the low bits of 32). An element without text
+    /// leaves the number unchanged. Only the number 1 is true. A string is decoded, and is empty without text.
     void GetValue(std::int32_t& value);
     void GetValue(bool& value);
     void GetValue(std::int64_t& value);
@@ -114,36 +113,36 @@ class CXMLArchive {
     void GetValue(std::string& value);
     /// @}
 
-    /// The text of the current element; with a CDATA section in it as it stands, else with its references decoded.
+    /// Returns the text of the current element: decoded, or unchanged if it has a CDATA section.
     std::string GetText() const;
 
-    /// Reads an attribute into `value`, in the type that `value` has; then the next value is sought behind it. Returns
-    /// 0, or 0x80004005 and an unchanged `value` if the attribute is absent. Text lives until the next string is read.
+    /// Reads an attribute into `value`, in the type of `value`; the next value is searched for after it. Returns 0, or
+    /// 0x80004005 and leaves `value` unchanged if the attribute is absent. Text is valid until the next string is read.
     std::int32_t GetAttribute(std::string_view name, XmlValue& value);
 
-    /// Reads the attribute `Size` of a list, and returns how many entries to make room for: never less than none, and
-    /// never so many that all lists of the document together had more entries than the file has bytes, whatever they
-    /// claim. A list that claims more than can follow takes no room from lists behind it.
+    /// Reads the attribute `Size` of a list and returns the number of entries to make room for, at least 0. All lists
+    /// of the document together never get more entries than the file has bytes. A list that claims more entries than
+    /// can follow takes no room from later lists.
     std::size_t GetListSize();
 
-    /// Whether a list says that it has entries. One that says it hasn't is self-closed and has no end tag.
+    /// Returns whether the `Size` of a list is above 0. A list without entries is self-closed and has no end tag.
     bool ListHasEntries();
 
-    /// Reads the text of the current element as numbers, each up to its semicolon, into the entries of `samples`. It
-    /// changes as many entries as there are semicolons, and ignores what it has no entry for.
+    /// Reads the text of the current element into `samples`: numbers, each followed by a semicolon. Changes as many
+    /// entries as there are semicolons, and ignores numbers beyond the end of `samples`.
     void GetSamples(std::vector<double>& samples);
 
     // ---- Both -------------------------------------------------------------------------------------------------------
 
-    /// The state of the current element: bits of `XmlState`.
-    std::uint32_t ElementState() const;
+    /// Returns the state of the current element: bits of `XmlState`.
+    std::uint32_t ElementState() const noexcept;
 
-    /// Loading: why the last `NextElement` that failed did so. Never cleared.
-    XmlError LastError() const;
+    /// Loading: returns the cause of the last failure of `NextElement`. Never cleared.
+    XmlError LastError() const noexcept;
 
  private:
-    std::unique_ptr<XmlWriter> m_writer;  ///< Without a file when loading: what is put goes nowhere.
-    std::unique_ptr<XmlReader> m_reader;  ///< Without a file when storing: there is nothing to read.
+    std::unique_ptr<XmlWriter> m_writer;  ///< Has no file when loading, and then drops what is put.
+    std::unique_ptr<XmlReader> m_reader;  ///< Has no file when storing, and then finds nothing.
     bool m_stores;
 };
 

@@ -8,17 +8,17 @@
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// @file
-/// The frame of every document of the library: declaration and root. Both throw `CExcVXReader` with `openFailed` and
-/// the path, before anything is written or read, if the file can't be opened.
+/// The frame of every document of the library: declaration and root. Both functions throw `CExcVXReader` with
+/// `openFailed` and the path, before they write or read anything, if the file can't be opened.
 
 namespace vxfileio::xmlarchive {
 
 inline constexpr std::string_view kXmlVersion = "version=\"1.0\"";
 inline constexpr std::string_view kRootElement = "Vexaprobe";
 
-/// Writes a document whose root holds what `save(archive)` writes. A file of that name is replaced once the document is
-/// whole, and else stays as it was. Afterwards `writeError` is empty, or tells in words what the system refused
-/// first, or that an exception ended the document.
+/// Writes a document whose root holds what `save(archive)` writes. Replaces a file of that name once the document is
+/// complete; until then the old file stays unchanged. Afterwards `writeError` is empty, or describes the first failure
+/// or the exception that ended the document.
 template <class Save>
 void WriteDocument(const std::string& path, std::string_view openFailed, std::string& writeError, Save save) {
     writeError = "Not finished: " + path;
@@ -36,7 +36,7 @@ void WriteDocument(const std::string& path, std::string_view openFailed, std::st
     writeError = file.Commit();
 }
 
-/// Reads a document by `load(archive)`, which begins ahead of the root. What stands ahead of it is passed over.
+/// Reads a document by `load(archive)`, with the archive before the root. Skips what precedes the root.
 template <class Load>
 void ReadDocument(const std::string& path, std::string_view openFailed, Load load) {
     gd_xml_stream::CFileBuffer file;

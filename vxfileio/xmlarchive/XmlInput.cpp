@@ -5,7 +5,7 @@
 
 namespace gd_xml_stream {
 
-/// Closes the gaps ahead of what was gathered and behind it. Of a long element only what is new is moved.
+/// Closes the gaps before and after the gathered bytes. Of a long element, moves only the new bytes.
 void XmlInput::MoveToFront() {
     if (m_gathered == m_gatheredEnd) ForgetGathered();
     const auto at = [this](std::size_t place) { return m_buffer.begin() + static_cast<std::ptrdiff_t>(place); };
@@ -16,7 +16,7 @@ void XmlInput::MoveToFront() {
     m_cursor = m_gatheredEnd;
 }
 
-/// Reads one block behind what is left of the one before. Returns false if nothing more comes.
+/// Appends one block to the rest of the last one. Returns false at the end of the file.
 bool XmlInput::ReadBlock() {
     if (m_ended) return false;
     MoveToFront();

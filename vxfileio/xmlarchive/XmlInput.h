@@ -38,40 +38,40 @@ inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
     return classes;
 }();
 
-/// Tells whether a byte belongs to one of the classes in `wanted`.
+/// Returns whether a byte belongs to one of the classes in `wanted`.
 inline bool Is(char c, unsigned wanted) { return (kCharClasses[static_cast<unsigned char>(c)] & wanted) != 0; }
 
-/// Returns how many bytes at the front of `text` belong to these classes.
+/// Returns the number of bytes at the front of `text` that belong to these classes.
 inline std::size_t RunOf(std::string_view text, unsigned wanted) {
     const auto* const end = std::find_if_not(text.begin(), text.end(), [wanted](char c) { return Is(c, wanted); });
     return static_cast<std::size_t>(end - text.begin());
 }
 
-/// A document as the scanner sees it: bytes up to the end of the file or its first NUL, whichever comes first, with a
-/// cursor. One block of it is in memory at a time, and no caller can tell where a block ends.
+/// The document of a scanner: bytes with a cursor, up to the end of the file or the first NUL. One block is in memory
+/// at a time; callers don't notice where a block ends.
 ///
-/// What the scanner wants of an element is gathered where it stands in memory, and only moved where something between
-/// is left out. It stays there until the next is begun, however many blocks it reaches over.
+/// The bytes of an element are gathered in place, and moved only to close gaps. They stay in memory until the next
+/// element begins, even if they span several blocks.
 class XmlInput {
  public:
     /// Reads nothing yet. `file` may be null, which is an empty document; it isn't owned.
     XmlInput(CFileBuffer* file, std::size_t blockSize)
         : m_file(file), m_blockSize(blockSize), m_ended(file == nullptr) {}
 
-    /// Whether no byte is left.
+    /// Returns whether no byte is left.
     bool AtEnd() { return m_cursor == m_size && !ReadBlock(); }
 
-    /// Whether the document ended in a NUL, rather than with its file. Told only once `AtEnd` holds.
+    /// Returns whether the document ended with a NUL rather than with its file. Requires: `AtEnd`.
     bool EndsInNul() const { return m_endsInNul; }
 
-    /// How many bytes the document can have behind the cursor, by the size that its file had when this was first asked;
-    /// exactly so many once its end is in memory.
+    /// Returns the most bytes that can follow the cursor, by the size of the file at the first call; the exact number
+    /// once the end is in memory.
     std::size_t Remaining();
 
-    /// The byte at the cursor; NUL at the end.
+    /// Returns the byte at the cursor; NUL at the end.
     char Peek() { return AtEnd() ? '\0' : m_buffer[m_cursor]; }
 
-    /// What is in memory from the cursor on, at least one byte unless the document is at its end. It lives until the
+    /// Returns the bytes in memory from the cursor on, at least one before the end of the document. Valid until the
     /// next operation other than `Pass`.
     std::string_view Rest() {
         if (AtEnd()) return {};
@@ -84,7 +84,7 @@ class XmlInput {
     /// Forgets what was gathered.
     void ForgetGathered() { m_gathered = m_gatheredEnd = m_cursor; }
 
-    /// Passes bytes as `Pass` does, and puts them behind what was gathered so far.
+    /// Passes bytes as `Pass` does, and appends them to the gathered ones.
     void Gather(std::size_t count) {
         if (m_gathered == m_gatheredEnd) ForgetGathered();
         if (m_gatheredEnd < m_cursor) std::memmove(m_buffer.data() + m_gatheredEnd, m_buffer.data() + m_cursor, count);
@@ -92,13 +92,13 @@ class XmlInput {
         Pass(count);
     }
 
-    /// Moves the cursor back to the byte that was passed last. Nothing more is gathered then.
+    /// Moves the cursor back by one byte. Nothing may be gathered afterwards.
     void StepBack() { --m_cursor; }
 
-    /// What was gathered; it lives until the next operation.
+    /// Returns the gathered bytes. Valid until the next operation.
     std::string_view Gathered() const { return {m_buffer.data() + m_gathered, m_gatheredEnd - m_gathered}; }
 
-    /// Whether `text` stands at the cursor.
+    /// Returns whether `text` is at the cursor.
     bool StandsOn(std::string_view text) {
         while (m_size - m_cursor < text.size()) {
             if (!ReadBlock()) return false;
@@ -106,7 +106,7 @@ class XmlInput {
         return std::string_view(m_buffer.data() + m_cursor, text.size()) == text;
     }
 
-    /// Moves to the next `wanted` byte. Returns false, at the end, if there is none.
+    /// Moves to the next `wanted` byte. Moves to the end and returns false if there is none.
     bool SkipTo(char wanted) {
         while (!AtEnd()) {
             if (m_buffer[m_cursor] == wanted) return true;
@@ -116,7 +116,7 @@ class XmlInput {
         return false;
     }
 
-    /// Moves to the next place where `text` stands. Returns false, at the end, if there is none.
+    /// Moves to the next occurrence of `text`. Moves to the end and returns false if there is none.
     bool SkipToText(std::string_view text) {
         return GoToText(text, [this](std::size_t count) { Pass(count); });
     }
@@ -144,7 +144,7 @@ class XmlInput {
     bool ReadBlock();
     void MoveToFront();
 
-    /// Moves to the next place where `text` stands, over the bytes before it by `pass(count)`.
+    /// Moves to the next occurrence of `text`, and passes the bytes before it with `pass(count)`.
     template <class PassBytes>
     bool GoToText(std::string_view text, PassBytes pass) {
         while (!AtEnd()) {
@@ -160,13 +160,13 @@ class XmlInput {
 
     CFileBuffer* m_file;
     std::size_t m_blockSize;
-    std::vector<char> m_buffer;     ///< What was gathered, and behind it the rest of the block.
+    std::vector<char> m_buffer;     ///< The gathered bytes, then the rest of the block.
     std::size_t m_gathered = 0;     ///< Where what was gathered begins,
     std::size_t m_gatheredEnd = 0;  ///< and where it ends.
     std::size_t m_cursor = 0;
     std::size_t m_size = 0;                 ///< Bytes in `m_buffer`.
     std::size_t m_read = 0;                 ///< Bytes of the file that were read.
-    std::optional<std::size_t> m_fileSize;  ///< Asked of the system once, however many lists want to know.
+    std::optional<std::size_t> m_fileSize;  ///< Queried once for all lists.
     bool m_ended;                           ///< Nothing follows what is in memory.
     bool m_endsInNul = false;
 };

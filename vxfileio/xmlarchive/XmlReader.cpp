@@ -18,11 +18,11 @@ XmlValue Parsed(std::string_view text) {
 
 /// Takes a number and its semicolon off the front of `text`. Returns false, and changes nothing, without a semicolon.
 bool TakeSample(std::string_view& text, double& sample) {
-    std::string_view behind = text;
+    std::string_view after = text;
     double decimal = 0.0;
-    if (vxfileio::helpers::TakeDecimal(behind, decimal) && behind.starts_with(';')) {
+    if (vxfileio::helpers::TakeDecimal(after, decimal) && after.starts_with(';')) {
         sample = decimal;
-        text = behind.substr(1);
+        text = after.substr(1);
         return true;
     }
     const std::size_t semicolon = text.find(';');
@@ -60,16 +60,16 @@ std::string XmlReader::ElementText() const {
     return decoded;
 }
 
-/// Returns where the value of an attribute begins, behind its quotation mark. Only those delimit values.
+/// Returns the offset of an attribute's value, after its double quote. Only double quotes delimit values.
 std::optional<std::size_t> XmlReader::FindAttribute(std::string_view name) const {
     const std::string_view element = m_scanner.Element();
     std::size_t at = Name().size();
     while (true) {
         at += RunOf(element.substr(at), kBlank);
         if (at == element.size() || element[at] == '>') return std::nullopt;
-        const std::size_t behind = at + name.size();
+        const std::size_t after = at + name.size();
         const bool found = element.substr(at).starts_with(name) &&
-                           (behind == element.size() || element[behind] == '=' || Is(element[behind], kBlank));
+                           (after == element.size() || element[after] == '=' || Is(element[after], kBlank));
         const std::size_t opening = element.find('"', at);
         if (opening == std::string_view::npos || opening + 1 == element.size()) return std::nullopt;
         if (found) return opening + 1;
@@ -128,7 +128,7 @@ std::size_t XmlReader::ReadListSize() {
     const std::size_t claimed = ReadListClaim();
     const std::size_t possible = m_scanner.Remaining() / kLeastBytesPerEntry;
     if (!m_listEntries) m_listEntries = m_scanner.Remaining() + m_scanner.ElementSize();
-    // A list that claims more than can follow mustn't take what lists behind it may need.
+    // A list that claims more than can follow must leave room for later lists.
     const std::size_t room = claimed <= possible ? *m_listEntries : *m_listEntries - std::min(*m_listEntries, possible);
     const std::size_t granted = std::min(claimed, room);
     *m_listEntries -= granted;

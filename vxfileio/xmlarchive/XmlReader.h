@@ -13,7 +13,7 @@
 
 namespace gd_xml_stream {
 
-/// The loading half of an archive: finds values in the element that its scanner stands at.
+/// The loading half of an archive: finds values in the current element of its scanner.
 class XmlReader {
  public:
     /// `file`, which may be null, isn't owned.
@@ -37,16 +37,16 @@ class XmlReader {
     /// Reads the same into `text` with its references decoded; empty without text.
     void ReadText(std::string& text) const;
 
-    /// The text of the element behind its start tag, decoded unless a CDATA section is in it.
+    /// Returns the text after the element's start tag: decoded, or unchanged if it has a CDATA section.
     std::string ElementText() const;
 
     /// Reads an attribute into `value`, in its type. Returns false if it is absent.
     bool ReadAttribute(std::string_view name, XmlValue& value);
 
-    /// Returns the entries that the current list claims to have; never less than none.
+    /// Returns the number of entries that the current list claims to have, at least 0.
     std::size_t ReadListClaim();
 
-    /// Returns the entries that the current list may have; see `CXMLArchive::GetListSize`.
+    /// Returns the number of entries that the current list may have; see `CXMLArchive::GetListSize`.
     std::size_t ReadListSize();
 
     /// Reads the value as numbers; see `CXMLArchive::GetSamples`.
@@ -60,8 +60,9 @@ class XmlReader {
 
     XmlScanner m_scanner;
     std::string m_decoded;
-    std::size_t m_valueAt = 0;                 ///< Where in the element the next value is sought.
-    std::optional<std::size_t> m_listEntries;  ///< What the lists of the document may still have; set by the first.
+    std::size_t m_valueAt = 0;  ///< The offset in the element where the search for the next value begins.
+    std::optional<std::size_t>
+        m_listEntries;  ///< The number of entries left for the lists of the document; set by the first.
 };
 
 /// Reads a number from the front of `text` in the type of `value`; see the values of `CXMLArchive`.

@@ -22,13 +22,13 @@ bool XmlScanner::SkipProlog() {
         m_input.Pass(1);
         return false;
     }
-    // Comments aren't understood here: a "<" in one counts like any other.
+    // Doesn't parse comments: a "<" inside one counts like any other.
     while (m_input.SkipTo('<') && (m_input.StandsOn("<?") || m_input.StandsOn("<!")))
         m_input.Pass(1);
     return true;
 }
 
-// What nearly every event passes is inline: the calls would cost a fifteenth of the time.
+// The functions that nearly every event uses are inline: the calls would cost a fifteenth of the time.
 
 bool XmlScanner::Next() {
     ForgetElement();
@@ -58,7 +58,7 @@ inline bool XmlScanner::ReadEvent() {
     return ReadEndTag();
 }
 
-/// Moves behind the "<" of the next tag, over text that belongs to no element, and over comments.
+/// Moves past the "<" of the next tag. Skips comments and text that belongs to no element.
 inline bool XmlScanner::FindTag() {
     if (!m_tagTaken && m_input.AtEnd()) return false;
     while (true) {
@@ -94,8 +94,8 @@ inline bool XmlScanner::ReadEndTag() {
     return true;
 }
 
-/// Reads an element of the form `<name>text</name>`, as nearly all are, if it stands in one block together with the
-/// beginning of the next tag, and its text is short. Else it returns false, and nothing was read.
+/// Reads an element of the form `<name>text</name>`, as nearly all are, if one block holds it together with the
+/// beginning of the next tag, and its text is short. Otherwise returns false and reads nothing.
 inline bool XmlScanner::ReadPlainLeaf() {
     const std::string_view rest = m_input.Rest();
     const std::size_t nameSize = RunOf(rest, kName);
@@ -119,7 +119,7 @@ bool XmlScanner::ReadStartTag() {
 
     m_input.SkipWhile(kBlank | kOpen);
     if (m_input.AtEnd()) return Fail(XmlError::EndInElement);
-    // The end tag of an element with text alone; its name isn't looked at.
+    // The end tag of an element that has only text; its name is ignored.
     if (m_input.Peek() == '/') return m_input.SkipTo('<') || Fail(XmlError::EndInElement);
     m_open.Push(Name());
     m_state |= XmlState::kHasChildren;
@@ -151,8 +151,8 @@ bool XmlScanner::CollectSection() {
     return true;
 }
 
-/// Gathers a piece of text without "<". Behind a ">", which mostly ends the attributes, blanks are dropped up to the
-/// first other byte. Returns false, on that ">", where it ends a self-closing element.
+/// Gathers a piece of text without "<". After a ">", which usually ends the attributes, drops blanks up to the first
+/// other byte. Returns false, at that ">", if it ends a self-closing element.
 bool XmlScanner::CollectRun(std::string_view run, bool& keepBlanks) {
     while (!run.empty()) {
         if (!keepBlanks) {

@@ -10,21 +10,21 @@
 
 namespace gd_xml_stream {
 
-/// Takes a document apart into events. It keeps the names of the open elements and the current one as it stands in its
-/// block, and nothing else of the document.
+/// Splits a document into events. Keeps the names of the open elements and the current element in its block, and
+/// nothing else of the document.
 ///
-/// Nothing is rejected: what isn't well-formed is read by fixed rules, which tell for every byte what becomes of it.
-/// They are looser than XML's, and files that rely on that exist.
+/// Rejects nothing: documents that aren't well-formed are read by fixed rules, which are looser than those of XML.
+/// There are files that rely on them.
 class XmlScanner {
  public:
     /// `file` isn't owned; it is read in blocks of `blockSize` bytes.
     XmlScanner(CFileBuffer* file, std::size_t blockSize) : m_input(file, blockSize) {}
 
-    /// Goes to the first "<" that opens neither declaration nor comment nor instruction. Returns false, behind the
-    /// offending byte, if other text stands ahead of the first tag.
+    /// Moves to the first "<" that doesn't open a declaration, comment or instruction. If other text precedes the first
+    /// tag, moves past its first byte and returns false.
     bool SkipProlog();
 
-    /// Goes on to the next event. On false there is no current element.
+    /// Moves to the next event. If it returns false, there is no current element.
     bool Next();
 
     /// The current element: its name, the byte that ended the name, and all that followed up to the next tag, CDATA
@@ -32,7 +32,7 @@ class XmlScanner {
     /// next event.
     std::string_view Element() const { return m_input.Gathered(); }
 
-    /// How many bytes of the document it takes, from its "<" on; without an element none.
+    /// Returns the number of bytes that the element takes in the document, from its "<" on; 0 without an element.
     std::size_t ElementSize() const { return Element().empty() ? 0 : Element().size() + 1; }
 
     /// The name alone; empty without an element.
@@ -44,7 +44,7 @@ class XmlScanner {
     /// Whether the current element is `<name/>`.
     bool IsSelfClosing() const { return m_selfClosing; }
 
-    /// How many bytes the document can still have; see `XmlInput::Remaining`.
+    /// Returns the most bytes that the document can still have; see `XmlInput::Remaining`.
     std::size_t Remaining() { return m_input.Remaining(); }
 
     /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.

@@ -3,11 +3,11 @@
 #include <cstdint>
 
 /// @file
-/// The numbers by which an archive tells about its current element and its failures. All are fixed.
+/// The codes for the state of the current element and for failures. Their values are fixed.
 
 namespace gd_xml_stream {
 
-/// The attribute of a list that tells its number of entries.
+/// The attribute of a list that holds its number of entries.
 inline constexpr const char* kListSize = "Size";
 
 /// Bits of the state of an element.
@@ -16,7 +16,7 @@ struct XmlState {
     static constexpr std::uint32_t kHasText = 0x0002;      ///< Storing: it has text.
     static constexpr std::uint32_t kHasChildren = 0x0004;  ///< It has child elements.
     static constexpr std::uint32_t kTagOpen = 0x0010;      ///< Storing: the ">" of its start tag isn't written yet.
-    static constexpr std::uint32_t kPassing = 0x00F0;      ///< All that doesn't outlast the start tag.
+    static constexpr std::uint32_t kPassing = 0x00F0;      ///< All bits that end with the start tag.
     static constexpr std::uint32_t kEndTag = 0x0100;       ///< Loading: this event is the element's end.
     static constexpr std::uint32_t kHasSection = 0x1000;   ///< Loading: its text has a CDATA section.
 };
@@ -27,7 +27,7 @@ enum class XmlError : std::int16_t {
     EndInElement = 16,  ///< The input ended inside an element or a CDATA section, or between elements of an open one.
     EndInTag = 17,      ///< The input ended where a name was expected.
     WrongEndTag = 18,   ///< An end tag doesn't match the innermost open element, or none is open.
-    EndInComment = 19,  ///< The file ended behind a comment or declaration, where the next tag was sought.
+    EndInComment = 19,  ///< The file ended after a comment or declaration, where a tag was expected.
 };
 
 }  // namespace gd_xml_stream

@@ -22,8 +22,8 @@ constexpr std::array<bool, 256> kPlain = [] {
     return plain;
 }();
 
-/// Takes a reference off the front of `text`, which begins with its ampersand, and stores its byte. Returns false if
-/// none stands there.
+/// Removes a reference from the front of `text`, which begins with an ampersand, and stores its byte. Returns false if
+/// there is none.
 bool TakeReference(std::string_view& text, char& byte) {
     for (const auto& [named, reference] : kNamedReferences) {
         if (!text.starts_with(reference)) continue;

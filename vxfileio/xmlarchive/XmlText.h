@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// @file
-/// How text stands in a document: four named references and decimal ones, the rest as it is.
+/// The coding of text in a document: four named references, decimal ones, and all other bytes unchanged.
 
 namespace gd_xml_stream {
 

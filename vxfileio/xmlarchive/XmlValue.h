@@ -25,32 +25,32 @@ enum class XmlType : std::uint16_t {
 class XmlValue {
  public:
     /// @{
-    /// Makes a value of the type that belongs to the argument's.
-    XmlValue(std::int32_t value) : m_type(XmlType::Int32) { m_payload.int32 = value; }
-    XmlValue(double value) : m_type(XmlType::Double) { m_payload.real = value; }
-    XmlValue(const char* text) : m_type(XmlType::ConstText) { m_payload.text = text; }
-    XmlValue(const std::string& text) : m_type(XmlType::Text) { m_payload.text = text.c_str(); }
+    /// Makes a value of the argument's type.
+    XmlValue(std::int32_t value) noexcept : m_type(XmlType::Int32) { m_payload.int32 = value; }
+    XmlValue(double value) noexcept : m_type(XmlType::Double) { m_payload.real = value; }
+    XmlValue(const char* text) noexcept : m_type(XmlType::ConstText) { m_payload.text = text; }
+    XmlValue(const std::string& text) noexcept : m_type(XmlType::Text) { m_payload.text = text.c_str(); }
     XmlValue(char value) = delete;  // a number or a text?
     template <class Object>
     XmlValue(const Object* value) = delete;  // or it would be a truth value
-    XmlValue(bool value) : m_type(XmlType::Bool) { m_payload.boolean = value; }
-    XmlValue(std::uint16_t value) : m_type(XmlType::UInt16) { m_payload.uint16 = value; }
-    XmlValue(std::uint32_t value) : m_type(XmlType::UInt32) { m_payload.uint32 = value; }
-    XmlValue(std::int64_t value) : m_type(XmlType::Int64) { m_payload.int64 = value; }
-    XmlValue(std::uint64_t value) : m_type(XmlType::UInt64) { m_payload.uint64 = value; }
+    XmlValue(bool value) noexcept : m_type(XmlType::Bool) { m_payload.boolean = value; }
+    XmlValue(std::uint16_t value) noexcept : m_type(XmlType::UInt16) { m_payload.uint16 = value; }
+    XmlValue(std::uint32_t value) noexcept : m_type(XmlType::UInt32) { m_payload.uint32 = value; }
+    XmlValue(std::int64_t value) noexcept : m_type(XmlType::Int64) { m_payload.int64 = value; }
+    XmlValue(std::uint64_t value) noexcept : m_type(XmlType::UInt64) { m_payload.uint64 = value; }
     /// @}
 
-    /// The type. Only the accessor of this type may be asked.
-    XmlType Type() const { return m_type; }
+    /// Returns the type. Only the accessor of this type may be called.
+    XmlType Type() const noexcept { return m_type; }
 
-    std::int32_t AsInt32() const { return m_payload.int32; }     ///< The payload of `XmlType::Int32`.
-    double AsDouble() const { return m_payload.real; }           ///< The payload of `XmlType::Double`.
-    const char* AsText() const { return m_payload.text; }        ///< The payload of both types of text.
-    bool AsBool() const { return m_payload.boolean; }            ///< The payload of `XmlType::Bool`.
-    std::uint16_t AsUInt16() const { return m_payload.uint16; }  ///< The payload of `XmlType::UInt16`.
-    std::uint32_t AsUInt32() const { return m_payload.uint32; }  ///< The payload of `XmlType::UInt32`.
-    std::int64_t AsInt64() const { return m_payload.int64; }     ///< The payload of `XmlType::Int64`.
-    std::uint64_t AsUInt64() const { return m_payload.uint64; }  ///< The payload of `XmlType::UInt64`.
+    std::int32_t AsInt32() const noexcept { return m_payload.int32; }     ///< The payload of `XmlType::Int32`.
+    double AsDouble() const noexcept { return m_payload.real; }           ///< The payload of `XmlType::Double`.
+    const char* AsText() const noexcept { return m_payload.text; }        ///< The payload of both types of text.
+    bool AsBool() const noexcept { return m_payload.boolean; }            ///< The payload of `XmlType::Bool`.
+    std::uint16_t AsUInt16() const noexcept { return m_payload.uint16; }  ///< The payload of `XmlType::UInt16`.
+    std::uint32_t AsUInt32() const noexcept { return m_payload.uint32; }  ///< The payload of `XmlType::UInt32`.
+    std::int64_t AsInt64() const noexcept { return m_payload.int64; }     ///< The payload of `XmlType::Int64`.
+    std::uint64_t AsUInt64() const noexcept { return m_payload.uint64; }  ///< The payload of `XmlType::UInt64`.
 
  private:
     XmlType m_type;

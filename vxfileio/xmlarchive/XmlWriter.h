@@ -13,14 +13,14 @@
 
 namespace gd_xml_stream {
 
-/// The storing half of an archive: what is put goes straight into the block, and each full block to the file.
+/// The storing half of an archive: writes into a block, and each full block to the file.
 class XmlWriter {
  public:
     /// Neither `file`, which may be null, nor `buffer` is owned. Without a buffer of `blockSize` bytes it makes its
     /// own.
     XmlWriter(CFileBuffer* file, std::size_t blockSize, unsigned char* buffer);
 
-    /// Hands everything so far to the system.
+    /// Passes everything so far to the operating system.
     void Flush();
     /// Forgets the file.
     void Detach();

@@ -5,8 +5,8 @@
 
 namespace vxfile {
 
-/// Returns a sentence that says where a document ends early or closes what isn't open; empty if every element that is
-/// opened is closed. Readers take what stands ahead of such a place and guess at the rest.
+/// Returns a sentence that says where a document ends early or closes an element that isn't open; empty if all elements
+/// are closed. Readers take what comes before such a place, and may misread the rest.
 std::string DamageOfDocument(std::string_view document);
 
 }  // namespace vxfile

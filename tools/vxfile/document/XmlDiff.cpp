@@ -23,7 +23,7 @@ constexpr std::size_t kMostDepth = 32;
 /// Such as "&#128;".
 constexpr std::size_t kLongestReference = 6;
 
-/// Returns the text that a value stands for, whatever references it is written with.
+/// Returns the decoded text of a value.
 std::string Decoded(std::string_view text) {
     constexpr std::array<std::pair<std::string_view, char>, 5> kNames = {
         {{"&quot;", '"'}, {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&apos;", '\''}}};

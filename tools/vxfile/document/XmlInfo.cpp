@@ -84,7 +84,7 @@ void TellQualityChecks(const CPropQualityCheck& checks, CPage& page) {
     page.Add("Quality checks", "qualityChecks", text.empty() ? "none" : text, tasks);
 }
 
-/// What is told of one recording of a task.
+/// Adds one recording of a task.
 void TellResults(const std::string& task, std::size_t number, const CResultsRecording& recording,
                  std::vector<CPage::CRow>& table, CJson& list) {
     std::size_t beats = 0;

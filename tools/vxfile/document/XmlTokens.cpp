@@ -22,7 +22,7 @@ constexpr std::array kOtherForms = {
 
 constexpr std::string_view kBehindTag = " \t\r\n/>";
 
-/// Returns where a tag ends, behind its `>`; npos if it doesn't. A quoted value may have a `>`.
+/// Returns the offset after the `>` of a tag; npos if there is none. A quoted value may contain a `>`.
 std::size_t EndOfTag(std::string_view text) {
     char quote = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {

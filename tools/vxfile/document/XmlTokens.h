@@ -11,7 +11,7 @@ struct CXmlToken {
         Start,       ///< `<tag ...>`
         SelfClosed,  ///< `<tag ... />`
         End,         ///< `</tag>`
-        Text,        ///< What stands between two tags, references as they are.
+        Text,        ///< The bytes between two tags, undecoded.
         Other,       ///< Declaration, comment, CDATA section and their like.
         Broken,      ///< A tag that the document ends in.
         Nothing,     ///< The end of the document.
@@ -21,10 +21,10 @@ struct CXmlToken {
     std::size_t offset = 0;
     std::string_view bytes = {};       ///< All of it.
     std::string_view tag = {};         ///< Of an element.
-    std::string_view attributes = {};  ///< What stands behind the tag, the blank in front included.
+    std::string_view attributes = {};  ///< The bytes after the tag, including the blank.
 };
 
-/// Cuts a document into its pieces. Nothing is decoded and nothing judged; every byte is in one piece.
+/// Cuts a document into its pieces, without decoding or judging them. Every byte belongs to one piece.
 class CXmlTokens {
  public:
     /// The document stays the caller's and outlives the tokens.

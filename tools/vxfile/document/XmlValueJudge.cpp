@@ -33,7 +33,7 @@ std::size_t SizeOfReference(std::string_view text) {
     return areDigits && value >= 128 && value <= 255 ? kNumeric : 0;
 }
 
-/// Returns how many bytes the text stands for, or what is wrong with it.
+/// The number of decoded bytes of a text, or its fault.
 struct CTextLength {
     std::size_t bytes = 0;
     CVerdict fault = std::nullopt;

@@ -64,7 +64,7 @@ class CXmlVerifier {
     CXmlTokens m_tokens;
     CFindings m_findings;
     std::vector<std::string> m_path;
-    bool m_broken = false;          ///< The document has ended too early; what is missing is told once.
+    bool m_broken = false;          ///< The document ended too early, which is reported once.
     std::string_view m_trueBool;    ///< The tag of the last bool of the current object, if it was true.
     std::size_t m_lastEntries = 0;  ///< Of the list that ended last.
     std::size_t m_samples = 0;      ///< Of the last average.
@@ -80,7 +80,7 @@ void CXmlVerifier::Add(std::size_t offset, std::string found, std::string expect
                     std::move(expected), std::move(meaning)});
 }
 
-/// Returns the next piece that means something; what stands between elements for people's eyes is a finding.
+/// Returns the next tag or end. Blanks, text and comments between elements become findings.
 CXmlToken CXmlVerifier::NextToken() {
     while (true) {
         const CXmlToken token = m_tokens.Next();
