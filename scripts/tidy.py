@@ -5,8 +5,9 @@
 
 clang-tidy spends nine tenths of its time on the standard library's headers. Sources that are compiled alike share one
 generated file, so those headers are read once per group, and checks see through calls from one source into another.
-Two sources that use the same private name can't share a group. Where that is overlooked, the group doesn't compile, and
-its sources are checked one by one.
+Two sources that use the same private name can't share a group. If clang-tidy reports anything for a group, even that it
+doesn't compile, its sources are checked one by one, and the outcome of that counts. What only shows in the group is
+printed as a hint.
 """
 
 import concurrent.futures
@@ -60,16 +61,18 @@ def tidy(source, flags):
 
 
 def check(number, group, folder):
-    """Checks one group; returns whether nothing was found, and what was."""
+    """Checks one group; returns whether nothing was found in its sources, and the text to print."""
     flags, members, _ = group
     together = os.path.join(folder, f"group_{number}.cpp")
     with open(together, "w", encoding="utf-8") as file:
         file.writelines(f'#include "{source}"\n' for source in members)
     passed, text = tidy(together, flags)
-    if not passed and "[clang-diagnostic-error" in text:
-        alone = [tidy(source, flags) for source in members]
-        return all(ok for ok, _ in alone), "".join(found for _, found in alone)
-    return passed, text
+    if passed:
+        return True, ""
+    alone = [tidy(source, flags) for source in members]
+    if all(ok for ok, _ in alone):
+        return True, f"{together}: nothing in its sources one by one, but together:\n{text}"
+    return False, "".join(found for _, found in alone)
 
 
 def main():
@@ -80,11 +83,12 @@ def main():
     os.makedirs(folder, exist_ok=True)
     groups = groups_of(sources, database)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = list(pool.map(lambda numbered: check(*numbered, folder), enumerate(groups)))
-    for _, text in results:
-        print(text, end="")
+        failed = False
+        for passed, text in pool.map(lambda numbered: check(*numbered, folder), enumerate(groups)):
+            failed |= not passed
+            print(text, end="", flush=True)
     print(f"clang-tidy checked {len(sources)} sources in {len(groups)} groups")
-    return 0 if all(passed for passed, _ in results) else 1
+    return 1 if failed else 0
 
 
 if __name__ == "__main__":
