@@ -203,6 +203,20 @@ TEST_F(ResultsExportTest, ALabelThatCannotBeInAFileNameLeavesOutThatWellAlone) {
                   "Not the name of a file: " + m_folder.Path("run-" + labels[2] + ".xls"));
 }
 
+TEST_F(ResultsExportTest, EverySheetHasASectionInTheDocs) {
+    const std::string page = ReadAll(VXFILEIO_REFERENCE_DIR "/../../docs/workbook.md");
+    Export("run.xls");
+    for (const auto& [workbook, path] : {std::pair("`run.xls`", "run.xls"), {"`run-A1.xls`", "run-B5.xls"}}) {
+        const std::size_t row = page.find(std::string("\n| ") + workbook);
+        ASSERT_NE(row, std::string::npos) << workbook;
+        const std::string line = page.substr(row + 1, page.find('\n', row + 1) - row - 1);
+        for (const auto& [sheet, size] : Sizes(path)) {
+            EXPECT_NE(line.find('`' + sheet + '`'), std::string::npos) << sheet << " in " << line;
+            EXPECT_NE(page.find("\n### " + sheet + '\n'), std::string::npos) << sheet;
+        }
+    }
+}
+
 #if defined(__linux__)
 TEST_F(ResultsExportTest, AWorkbookThatDoesNotFitLeavesTheOldOne) {
     Export("run.xls");

@@ -27,16 +27,16 @@ std::string Pattern(std::size_t size) {
 template <class Object>
 bool Load(const std::string& bytes, Object& object) {
     const std::vector<char> own(bytes.begin(), bytes.end());
-    FieldLoad load(std::as_bytes(std::span(own)));
+    CFieldLoad load(std::as_bytes(std::span(own)));
     load(object);
     return load.TookAll();
 }
 
 std::string Store(const auto& object) {
-    FieldSize size;
+    CFieldSize size;
     size(object);
     std::string bytes(size.Size(), '\0');
-    FieldStore(std::as_writable_bytes(std::span(bytes)).data())(object);
+    CFieldStore(std::as_writable_bytes(std::span(bytes)).data())(object);
     return bytes;
 }
 
@@ -88,7 +88,7 @@ TEST(FieldVisitorsTest, AFieldThatIsNotWholeKeepsItsValueAndSoDoAllAfterIt) {
 
 TEST(FieldVisitorsTest, ACountThatIsTooLargeLoadsTheItemsThatAreThere) {
     const std::string bytes("\x09\0\0\0\xFF\xFF\xFF\xFF\x01\0\0a\x02\0\0b", 16);
-    FieldLoad load(std::as_bytes(std::span(bytes)));
+    CFieldLoad load(std::as_bytes(std::span(bytes)));
     YExcel::SharedStringTable table;
     load(table);
     EXPECT_FALSE(load.IsWhole());

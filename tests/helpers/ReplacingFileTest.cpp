@@ -83,7 +83,7 @@ TEST_F(ReplacingFileTest, WhereNoNameIsFreeTheFileIsWrittenInPlace) {
 }
 
 TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneIsThereOrAppears) {
-    using enum CReplacingFile::enRule;
+    using enum CReplacingFile::ERule;
     WriteAll(m_path, "old");
     EXPECT_FALSE(m_file.Create(m_path, New));
     EXPECT_EQ(m_file.Failure().error, std::errc::file_exists);
@@ -113,7 +113,7 @@ class ReplacingFilesTest : public ReplacingFileTest {
         WriteAll(m_path, "old");
         const std::string paths[] = {m_path, m_folder.Path("new"), m_folder.Path("last")};
         for (std::size_t i = 0; i < 3; ++i) {
-            ASSERT_TRUE(m_files[i].Create(paths[i], CReplacingFile::enRule::Replace));
+            ASSERT_TRUE(m_files[i].Create(paths[i], CReplacingFile::ERule::Replace));
             ASSERT_TRUE(m_files[i].File().Append({std::as_bytes(std::span(paths[i]))}));
         }
     }

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <map>
+
 #include "tests/support/TempFolder.h"
 #include "tools/vxfile/workbook/CompoundScan.h"
 #include "tools/vxfile/workbook/Records.h"
@@ -64,6 +67,20 @@ TEST_F(WorkbookTest, ARecordIsReadAsItsTypeAndCutFieldsAreDefaults) {
         EXPECT_EQ(cut.As<YExcel::Number>().value, 0.0);
     }
     EXPECT_EQ(cells, 1);
+}
+
+TEST_F(WorkbookTest, EveryRecordHasASectionInTheDocs) {
+    const std::string page = ReadAll(VXFILEIO_REFERENCE_DIR "/../../docs/workbook.md");
+    const std::vector<std::byte> stream = vxfile::CCompoundScan(VXFILEIO_REFERENCE_DIR "/workbooks/big.xls").Stream();
+    std::map<std::string, std::uint16_t> codes;
+    for (auto record = vxfile::RecordAt(stream, 0); record; record = vxfile::RecordAt(stream, record->End()))
+        codes[vxfile::RecordName(record->code)] = record->code;
+    EXPECT_EQ(codes.size(), 17U);
+    for (const auto& [name, code] : codes) {
+        char number[8];
+        std::snprintf(number, sizeof number, "0x%04X", code);
+        EXPECT_NE(page.find("\n### " + name + ": " + number + ", "), std::string::npos) << name << ' ' << number;
+    }
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <memory>
 
-#include "vxfileio/export/WorkbookFile.h"
-
 using vxfileio::helpers::CReplacingFile;
 
 namespace YExcel {
@@ -43,11 +41,11 @@ Sheet* Document::FindSheet(const std::string& name) {
     return found == m_sheets.end() ? nullptr : found->get();
 }
 
-bool Document::SaveToFile(const std::string& path) const {
+bool Document::SaveToFile(const std::string& path) {
     CReplacingFile file;
     return file.Create(path) && WriteTo(file) && file.Commit();
 }
 
-bool Document::WriteTo(CReplacingFile& file) const { return WriteWorkbook(Stream(), file.File()) && file.Finish(); }
+bool Document::WriteTo(CReplacingFile& file) { return m_file.Write(Stream(), file.File()) && file.Finish(); }
 
 }  // namespace YExcel

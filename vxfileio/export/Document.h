@@ -4,6 +4,7 @@
 #include <string>
 
 #include "vxfileio/export/Sheet.h"
+#include "vxfileio/export/WorkbookFile.h"
 #include "vxfileio/export/WorkbookStream.h"
 #include "vxfileio/helpers/ReplacingFile.h"
 
@@ -34,17 +35,18 @@ class Document {
 
     /// Writes the workbook to a new file, which replaces any at the path when it is whole. The sheets stay as they are.
     /// Returns false on failure; then a file that was there is unchanged.
-    bool SaveToFile(const std::string& path) const;
+    bool SaveToFile(const std::string& path);
 
     /// Writes the workbook to a file that was created. The caller commits it. Returns false on failure; what the system
     /// refused is then the file's `Failure`, and a workbook that is too large leaves none.
-    [[nodiscard]] bool WriteTo(vxfileio::helpers::CReplacingFile& file) const;
+    [[nodiscard]] bool WriteTo(vxfileio::helpers::CReplacingFile& file);
 
     /// Returns the workbook's stream, whose bytes `SaveToFile` stores. It is valid until the document changes.
-    WorkbookStream Stream() const { return WorkbookStream(m_sheets); }
+    CWorkbookStream Stream() const { return CWorkbookStream(m_sheets); }
 
  private:
     Sheets m_sheets;
+    CWorkbookFile m_file;
 };
 
 }  // namespace YExcel

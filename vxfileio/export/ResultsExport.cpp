@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -21,9 +23,6 @@ constexpr enTask kTask = enTask::Series;
 constexpr std::uint32_t kFirstRow = 2;
 constexpr std::uint32_t kFirstColumn = 0;
 
-constexpr const char* kResultsSheet = "Results";
-constexpr const char* kBeatsSheet = "HB Time Stamps";
-constexpr const char* kAveragesSheet = "Averages";
 constexpr const char* kTime = "Time";
 
 /// Amplitudes are kept in volts and shown in microvolts.
@@ -107,7 +106,7 @@ void PutBlock(const CSource& source, YExcel::Sheet& sheet, const CResponseBlock&
     }
 }
 
-void PutResults(const CSource& source, YExcel::Sheet& sheet) {
+void PutResults(const CSource& source, std::int32_t /*wellID*/, YExcel::Sheet& sheet) {
     std::uint32_t left = kFirstColumn;
     for (const CResponseBlock& block : kBlocks) {
         PutBlock(source, sheet, block, left);
@@ -157,24 +156,31 @@ void PutAverages(const CSource& source, std::int32_t wellID, YExcel::Sheet& shee
     }
 }
 
-void MakeResultsWorkbook(const CSource& source, YExcel::Document& document) {
-    document.CreateSheets(1);
-    document.RenameSheet("Sheet1", kResultsSheet);
-    PutResults(source, *document.FindSheet(kResultsSheet));
+/// A sheet: its name, and what puts its cells.
+struct CSheetPlan {
+    const char* name;
+    void (*put)(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet);
+};
+
+/// The sheets of the workbook of all wells, from left to right.
+constexpr CSheetPlan kResultsSheets[] = {{"Results", PutResults}};
+
+/// The sheets of the workbook of one well.
+constexpr CSheetPlan kWellSheets[] = {{"HB Time Stamps", PutBeats}, {"Averages", PutAverages}};
+
+void MakeSheets(const CSource& source, std::span<const CSheetPlan> plans, std::int32_t wellID,
+                YExcel::Document& document) {
+    document.CreateSheets(static_cast<std::int32_t>(plans.size()));
+    for (std::size_t i = 0; i < plans.size(); ++i) {
+        document.RenameSheet("Sheet" + std::to_string(i + 1), plans[i].name);
+        plans[i].put(source, wellID, *document.FindSheet(plans[i].name));
+    }
 }
 
-void MakeWellWorkbook(const CSource& source, std::int32_t wellID, YExcel::Document& document) {
-    document.CreateSheets(2);
-    document.RenameSheet("Sheet1", kBeatsSheet);
-    document.RenameSheet("Sheet2", kAveragesSheet);
-    PutBeats(source, wellID, *document.FindSheet(kBeatsSheet));
-    PutAverages(source, wellID, *document.FindSheet(kAveragesSheet));
-}
-
-std::optional<CWorkbookFailure> SaveAtOnce(const YExcel::Document& document, const std::string& path) {
+std::optional<CWorkbookFailure> SaveAtOnce(YExcel::Document& document, const std::string& path) {
     helpers::CReplacingFile file;
     if (file.Create(path) && document.WriteTo(file) && file.Commit()) return std::nullopt;
-    const auto kind = file.Failure() ? CWorkbookFailure::enKind::Refused : CWorkbookFailure::enKind::TooLarge;
+    const auto kind = file.Failure() ? CWorkbookFailure::EKind::Refused : CWorkbookFailure::EKind::TooLarge;
     return CWorkbookFailure{.kind = kind, .path = helpers::NativePath(path), .refusal = file.Failure()};
 }
 
@@ -183,7 +189,7 @@ struct CSaving {
     const CResultsExport::CSave& save;
     std::vector<CWorkbookFailure> failures = {};
 
-    void operator()(const YExcel::Document& document, const std::string& path) {
+    void operator()(YExcel::Document& document, const std::string& path) {
         if (auto failure = save(document, path)) failures.push_back(std::move(*failure));
     }
 };
@@ -198,10 +204,10 @@ void ExportWells(const CSource& source, const std::string& wholePath, CSaving& s
         const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
         const std::string wellPath = helpers::NativePath(path.GetDriveDirectory().Text()) + name;
         if (helpers::IsWholePath(wholePath) && helpers::IsFileName(name)) {
-            MakeWellWorkbook(source, well->WellID, document);
+            MakeSheets(source, kWellSheets, well->WellID, document);
             saving(document, wellPath);
         } else {
-            saving.failures.push_back({.kind = CWorkbookFailure::enKind::NoFileName, .path = wellPath});
+            saving.failures.push_back({.kind = CWorkbookFailure::EKind::NoFileName, .path = wellPath});
         }
     }
 }
@@ -216,13 +222,13 @@ const Object& Required(const Object* object, const char* what) {
 
 std::string CWorkbookFailure::Text() const {
     switch (kind) {
-        case enKind::NotFinished:
+        case EKind::NotFinished:
             return "Not finished: " + path;
-        case enKind::NoFileName:
+        case EKind::NoFileName:
             return "Not the name of a file: " + helpers::WithoutControls(path);
-        case enKind::TooLarge:
+        case EKind::TooLarge:
             return "File too large, writing " + path;
-        case enKind::Refused:
+        case EKind::Refused:
             break;
     }
     return refusal.Text(path);
@@ -234,11 +240,11 @@ void CResultsExport::Export(const std::string& path, const CSave& save) {
     const CSource source{.results = Required(m_results, "results"),
                          .analyzer = Required(m_analyzer, "analyzer property"),
                          .plate = Required(m_plate, "record plate")};
-    m_failures = {{.kind = CWorkbookFailure::enKind::NotFinished, .path = helpers::NativePath(path)}};  // until it is
+    m_failures = {{.kind = CWorkbookFailure::EKind::NotFinished, .path = helpers::NativePath(path)}};  // until it is
     CSaving saving{save};
     {
         YExcel::Document document;
-        MakeResultsWorkbook(source, document);
+        MakeSheets(source, kResultsSheets, 0, document);
         saving(document, path);
     }
     ExportWells(source, path, saving);

@@ -16,14 +16,14 @@ namespace vxfileio::workbook {
 
 /// A workbook that wasn't written, and why.
 struct CWorkbookFailure {
-    enum class enKind {
+    enum class EKind {
         NotFinished,  ///< The export ended early.
         NoFileName,   ///< Its name can't be that of a file, because of the label in it.
         TooLarge,     ///< It is more than a compound file holds.
         Refused,      ///< The system refused something.
     };
 
-    enKind kind = enKind::Refused;
+    EKind kind = EKind::Refused;
     std::string path;                    ///< In the form that the system takes.
     helpers::CFileFailure refusal = {};  ///< Of `Refused`.
 
@@ -35,8 +35,7 @@ struct CWorkbookFailure {
 class CResultsExport {
  public:
     /// Saves a workbook at a path. Returns why it couldn't.
-    using CSave =
-        std::function<std::optional<CWorkbookFailure>(const YExcel::Document& document, const std::string& path)>;
+    using CSave = std::function<std::optional<CWorkbookFailure>(YExcel::Document& document, const std::string& path)>;
 
     void SetResults(const CResults* results) noexcept { m_results = results; }
     void SetPropertyAnalyzer(const CPropAnalyzer* analyzer) noexcept { m_analyzer = analyzer; }

@@ -14,7 +14,7 @@ namespace YExcel {
 
 /// Numbers of one short form side by side in a row, held back until it is known where they end: one alone has a record
 /// of its own, several share one.
-class ShortRun {
+class CShortRun {
  public:
     /// Adds the number of a cell. What was held back goes out first if the cell doesn't continue it.
     template <class Out>
@@ -53,11 +53,11 @@ class RowBlock {
 
     std::vector<std::uint16_t> m_rows;
     std::vector<std::uint16_t> m_offsets;  ///< By the rows; what their `DBCell` tells.
-    ShortRun m_run;
+    CShortRun m_run;
 };
 
 template <class Out>
-void ShortRun::Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, Out& out) {
+void CShortRun::Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, Out& out) {
     if (type != m_type || column != m_lastColumn + 1) Finish(row, out);
     if (m_items.empty()) m_firstColumn = column;
     m_type = type;
@@ -66,7 +66,7 @@ void ShortRun::Add(CellType type, std::uint16_t column, std::uint32_t word, std:
 }
 
 template <class Out>
-void ShortRun::PutOut(std::uint16_t row, Out& out) {
+void CShortRun::PutOut(std::uint16_t row, Out& out) {
     if (m_items.size() == 1) {
         out.Put(RK{.row = row, .column = m_firstColumn, .word = m_items.front().word});
     } else {

@@ -20,7 +20,7 @@ SstString TextOf(const Cell& cell) {
 
 }  // namespace
 
-std::uint32_t SharedStrings::Add(const Cell& cell) {
+std::uint32_t CSharedStrings::Add(const Cell& cell) {
     if (4 * m_table.strings.size() >= 3 * m_slots.size()) AddSlots();
     const SstString text = TextOf(cell);
     std::uint32_t& slot = SlotOf(text);
@@ -34,7 +34,7 @@ std::uint32_t SharedStrings::Add(const Cell& cell) {
 }
 
 /// Returns the slot of a text, or the empty one that it is to have.
-std::uint32_t& SharedStrings::SlotOf(const SstString& text) {
+std::uint32_t& CSharedStrings::SlotOf(const SstString& text) {
     const auto characters = text.Text();
     std::size_t place = std::hash<SstString::Characters>()(characters);
     while (true) {
@@ -45,7 +45,7 @@ std::uint32_t& SharedStrings::SlotOf(const SstString& text) {
 }
 
 /// Doubles the slots. The old ones go first: all that they tell is told by the texts.
-void SharedStrings::AddSlots() {
+void CSharedStrings::AddSlots() {
     const std::size_t count = std::max(kFirstSlots, 2 * m_slots.size());
     m_slots = std::vector<std::uint32_t>();
     m_slots.resize(count, kEmpty);

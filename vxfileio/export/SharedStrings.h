@@ -12,7 +12,7 @@ namespace YExcel {
 
 /// The texts of a workbook, each once, in the order of their first use. Narrow and wide ones with the same characters
 /// are different. The characters stay in the cells, which must not change as long as this object is in use.
-class SharedStrings {
+class CSharedStrings {
  public:
     /// Takes in the text of a cell and returns its index.
     std::uint32_t Add(const Cell& cell);

@@ -1,21 +1,21 @@
 #include "vxfileio/export/WorkbookFile.h"
 
-#include "vxfileio/export/compound/CompoundStorage.h"
-
 using vxfileio::compound::CompoundStorage;
 using vxfileio::compound::SectorFile;
 
 namespace YExcel {
 
-static_assert(RecordStream::kPieceSize % SectorFile::kBlockSize == 0, "the storage needs whole sectors");
+static_assert(CRecordStream::kPieceSize % SectorFile::kBlockSize == 0, "the storage needs whole sectors");
 
-bool WriteWorkbook(const WorkbookStream& stream, vxfileio::helpers::CFile& file) {
+bool CWorkbookFile::Write(const CWorkbookStream& stream, vxfileio::helpers::CFile& file) {
     static constexpr const char* kStreamName = "Workbook";
-    CompoundStorage storage;
-    storage.CreateIn(file);
-    storage.MakeFile(kStreamName);
+    m_storage.CreateIn(file);
+    m_storage.MakeFile(kStreamName);
     const auto give = [&](const CompoundStorage::TakePiece& take) { stream.GiveTo(take); };
-    return storage.WriteFile(kStreamName, stream.Size(), give) == CompoundStorage::kSuccess && storage.IsComplete();
+    const std::int32_t result = m_storage.WriteFile(kStreamName, stream.Size(), give);
+    const bool isWhole = result == CompoundStorage::kSuccess && m_storage.IsComplete();
+    m_storage.Close();
+    return isWhole;
 }
 
 }  // namespace YExcel

@@ -31,13 +31,13 @@ void PutRowBlocks(const Sheet& sheet, Out& out, IndexOf& indexOf, Learn learn) {
 }
 
 /// The records of the globals, in their order.
-void PutGlobals(const std::vector<SheetRecords>& sheets, const SharedStringTable& strings, auto& out) {
+void PutGlobals(const std::vector<CSheetRecords>& sheets, const SharedStringTable& strings, auto& out) {
     out.Put(BOF{.type = BOF::kGlobals});
     out.Put(Window1());
     PutCopies(kFonts, Font(), out);
     PutCopies(kFormats, XF(), out);
     PutCopies(kStyles, Style(), out);
-    for (const SheetRecords& sheet : sheets)
+    for (const CSheetRecords& sheet : sheets)
         out.Put(sheet.name);
     out.Put(strings);
     out.Put(YEOF());
@@ -45,7 +45,7 @@ void PutGlobals(const std::vector<SheetRecords>& sheets, const SharedStringTable
 
 /// The records of a sheet, in their order.
 template <class Out, class IndexOf, class Learn>
-void PutSheet(const SheetRecords& sheet, Out& out, IndexOf& indexOf, Learn learn) {
+void PutSheet(const CSheetRecords& sheet, Out& out, IndexOf& indexOf, Learn learn) {
     out.Put(BOF{.type = BOF::kSheet});
     out.Put(sheet.index);
     out.Put(sheet.dimensions);
@@ -55,8 +55,8 @@ void PutSheet(const SheetRecords& sheet, Out& out, IndexOf& indexOf, Learn learn
 }
 
 /// What can be told about a sheet before its cells are counted.
-SheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
-    SheetRecords records{
+CSheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
+    CSheetRecords records{
         .sheet = &sheet,
         .name = {.name = SmallString(std::string_view(sheet.Name()))},
         .index = {.firstUnusedRow = sheet.RowCount()},
@@ -75,7 +75,7 @@ SheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
 }
 
 /// The sheet stands further back than it was thought to. (One without rows tells of a block at 0, wherever it stands.)
-void MoveBy(std::size_t bytes, SheetRecords& sheet) {
+void MoveBy(std::size_t bytes, CSheetRecords& sheet) {
     sheet.name.position += Position32(bytes);
     if (BlockCount(*sheet.sheet) == 0) return;
     for (std::uint32_t& position : sheet.index.dbCellPositions)
@@ -85,28 +85,28 @@ void MoveBy(std::size_t bytes, SheetRecords& sheet) {
 }  // namespace
 
 /// The cells are counted first, as if nothing stood in front of the sheets: only then all texts are known.
-WorkbookStream::WorkbookStream(const Sheets& sheets) {
-    StreamSize cells;
+CWorkbookStream::CWorkbookStream(const Sheets& sheets) {
+    CStreamSize cells;
     auto collect = [&](const Cell& cell) { return m_strings.Add(cell); };
     for (const auto& sheet : sheets) {
-        SheetRecords& records = m_sheets.emplace_back(RecordsOf(*sheet, m_sheets.empty()));
+        CSheetRecords& records = m_sheets.emplace_back(RecordsOf(*sheet, m_sheets.empty()));
         records.name.position = Position32(cells.Position());
         PutSheet(records, cells, collect, [&](std::uint32_t number, std::size_t position) {
             records.index.dbCellPositions[number] = Position32(position);
         });
     }
-    StreamSize globals;
+    CStreamSize globals;
     PutGlobals(m_sheets, m_strings.Table(), globals);
-    for (SheetRecords& records : m_sheets)
+    for (CSheetRecords& records : m_sheets)
         MoveBy(globals.Position(), records);
     m_size = globals.Position() + cells.Position();
 }
 
-void WorkbookStream::GiveTo(const RecordStream::Take& take) const {
-    RecordStream stream(take);
+void CWorkbookStream::GiveTo(const CRecordStream::Take& take) const {
+    CRecordStream stream(take);
     PutGlobals(m_sheets, m_strings.Table(), stream);
     auto repeat = [next = m_strings.Uses().begin()](const Cell& /*cell*/) mutable { return *next++; };
-    for (const SheetRecords& sheet : m_sheets)
+    for (const CSheetRecords& sheet : m_sheets)
         PutSheet(sheet, stream, repeat, [](auto...) {});
     stream.Finish();
 }

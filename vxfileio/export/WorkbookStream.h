@@ -23,7 +23,7 @@ inline constexpr int kStyles = 6;
 using Sheets = std::vector<std::unique_ptr<Sheet>>;
 
 /// A sheet, and the records that tell about its cells from other places of the stream.
-struct SheetRecords {
+struct CSheetRecords {
     const Sheet* sheet = nullptr;
     BoundSheet name = {};
     Index index = {};
@@ -33,18 +33,18 @@ struct SheetRecords {
 
 /// The stream that stands for a workbook of sheets, which must stay as they are as long as this object is in use. It is
 /// counted at once, and comes piece by piece when asked for, so that it is never in memory whole.
-class WorkbookStream {
+class CWorkbookStream {
  public:
-    explicit WorkbookStream(const Sheets& sheets);
+    explicit CWorkbookStream(const Sheets& sheets);
 
     /// Returns the number of bytes.
     std::size_t Size() const { return m_size; }
-    /// Gives out all bytes, in pieces of `RecordStream::kPieceSize` and a last one of what is left.
-    void GiveTo(const RecordStream::Take& take) const;
+    /// Gives out all bytes, in pieces of `CRecordStream::kPieceSize` and a last one of what is left.
+    void GiveTo(const CRecordStream::Take& take) const;
 
  private:
-    std::vector<SheetRecords> m_sheets;
-    SharedStrings m_strings;
+    std::vector<CSheetRecords> m_sheets;
+    CSharedStrings m_strings;
     std::size_t m_size = 0;
 };
 

@@ -32,7 +32,7 @@ namespace vxfileio::helpers {
 /// Breaks fields down into calls of `Number` and `Bytes` of the derived visitor. A visitor that lays out counted
 /// strings in its own way also has `Text`.
 template <class Visitor>
-class FieldVisitor {
+class CFieldVisitor {
  public:
     constexpr void operator()(const auto&... fields) { (Visit(fields), ...); }
 
@@ -70,7 +70,7 @@ class FieldVisitor {
 };
 
 /// Adds up the bytes of fields.
-class FieldSize : public FieldVisitor<FieldSize> {
+class CFieldSize : public CFieldVisitor<CFieldSize> {
  public:
     constexpr void Number(std::unsigned_integral auto value) noexcept { m_size += sizeof(value); }
     constexpr void Bytes(std::span<const std::byte> bytes) noexcept { m_size += bytes.size(); }
@@ -82,9 +82,9 @@ class FieldSize : public FieldVisitor<FieldSize> {
 };
 
 /// Stores fields one after the other from an address on, which must have room for them.
-class FieldStore : public FieldVisitor<FieldStore> {
+class CFieldStore : public CFieldVisitor<CFieldStore> {
  public:
-    explicit FieldStore(std::byte* to) noexcept : m_to(to) {}
+    explicit CFieldStore(std::byte* to) noexcept : m_to(to) {}
 
     void Number(std::unsigned_integral auto value) noexcept {
         StoreLittleEndian(m_to, value);
@@ -105,16 +105,16 @@ class FieldStore : public FieldVisitor<FieldStore> {
 /// A field that isn't whole keeps its value, and so do all fields after it. A constant field, such as a reserved one,
 /// is skipped. Text and spans point into memory of the visitor, which must outlive the record.
 template <class Visitor>
-class FieldReader {
+class CFieldReader {
  public:
-    FieldReader() = default;
-    FieldReader(const FieldReader&) = delete;
-    FieldReader& operator=(const FieldReader&) = delete;
+    CFieldReader() = default;
+    CFieldReader(const CFieldReader&) = delete;
+    CFieldReader& operator=(const CFieldReader&) = delete;
 
     void operator()() {}
     template <class First, class... Rest>
     void operator()(First&& first, Rest&&... rest) {
-        FieldSize after;
+        CFieldSize after;
         after(rest...);
         Visit(first, after.Size());
         (*this)(rest...);
@@ -197,7 +197,7 @@ class FieldReader {
 
     template <class Item>
     void Fill(std::vector<Item>& items, std::size_t after) {
-        FieldSize size;
+        CFieldSize size;
         size(Item{});
         while (Self().Left() >= size.Size() + after && Append(items)) {
         }
@@ -224,9 +224,9 @@ class FieldReader {
 };
 
 /// Loads fields from bytes, which must outlive this visitor.
-class FieldLoad : public FieldReader<FieldLoad> {
+class CFieldLoad : public CFieldReader<CFieldLoad> {
  public:
-    explicit FieldLoad(std::span<const std::byte> from) noexcept : m_left(from) {}
+    explicit CFieldLoad(std::span<const std::byte> from) noexcept : m_left(from) {}
 
     bool Take(std::span<std::byte> bytes) noexcept {
         if (m_left.size() < bytes.size()) return false;

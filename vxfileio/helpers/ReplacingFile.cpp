@@ -70,7 +70,7 @@ std::error_code MoveWholeToFree(const std::string& from, const std::string& to) 
 
 }  // namespace
 
-bool CReplacingFile::Create(const std::string& path, enRule rule) {
+bool CReplacingFile::Create(const std::string& path, ERule rule) {
     Discard();
     m_path = path;
     m_rule = rule;
@@ -81,11 +81,10 @@ bool CReplacingFile::Create(const std::string& path, enRule rule) {
         m_failure = old.Failure();
         return false;
     }
-    if (isThere && rule == enRule::New) return Fail(std::make_error_code(std::errc::file_exists));
+    if (isThere && rule == ERule::New) return Fail(std::make_error_code(std::errc::file_exists));
     m_place = old.PlaceOf(path);
     if (!m_place.empty() && CreateBeside(old)) return true;
-    if (rule != enRule::Overwrite)
-        return m_place.empty() ? Fail(std::make_error_code(std::errc::not_supported)) : false;
+    if (rule != ERule::Overwrite) return m_place.empty() ? Fail(std::make_error_code(std::errc::not_supported)) : false;
     // A disk without room for a second file has none for the new content either: leave the old file alone.
     const bool isFull = !m_place.empty() && isThere && !IsRefusal(m_file.Failure().error);
     return isFull || m_file.Create(path);
@@ -129,13 +128,13 @@ bool CReplacingFile::CommitAll(std::span<CReplacingFile* const> files) {
 
 bool CReplacingFile::Move() {
     const std::error_code error =
-        m_rule == enRule::New ? MoveWholeToFree(m_beside, m_place) : MoveOver(m_beside, m_place);
+        m_rule == ERule::New ? MoveWholeToFree(m_beside, m_place) : MoveOver(m_beside, m_place);
     if (!error) {
         m_beside.clear();
         m_isMoved = true;
         return true;
     }
-    return m_rule == enRule::Overwrite && IsRefusal(error) ? CopyOver() : Fail(error);
+    return m_rule == ERule::Overwrite && IsRefusal(error) ? CopyOver() : Fail(error);
 }
 
 /// Writes the new content over the old file, which can be written but not replaced.
@@ -158,7 +157,7 @@ bool CReplacingFile::CopyOver() {
 
 /// Gives the old file a second name, by which it can return.
 bool CReplacingFile::KeepOld() {
-    if (m_rule == enRule::New) return true;
+    if (m_rule == ERule::New) return true;
     const auto keep = [&](const std::string& name) { return KeepAs(m_place, name); };
     const std::error_code error = MakeBeside(m_place, m_old, keep);
     return !error || error == std::errc::no_such_file_or_directory || Fail(error);

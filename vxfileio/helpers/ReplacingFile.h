@@ -18,7 +18,7 @@ namespace vxfileio::helpers {
 class CReplacingFile {
  public:
     /// What to do about a file that is there already, or that can't be replaced.
-    enum class enRule {
+    enum class ERule {
         Overwrite,  ///< Replace it. Write in place what is no plain file, and a file whose folder refuses a second one
                     ///< or a rename; a failure then leaves the beginning of the new content.
         Replace,    ///< Replace it, or fail.
@@ -34,7 +34,7 @@ class CReplacingFile {
     /// Begins to replace the file of this path, or to make it if there is none; drops what was begun before. Returns
     /// false on failure, and the file is as it was. With `Overwrite`, a disk without room for a second file is a
     /// success, and everything written is refused.
-    [[nodiscard]] bool Create(const std::string& path, enRule rule = enRule::Overwrite);
+    [[nodiscard]] bool Create(const std::string& path, ERule rule = ERule::Overwrite);
 
     /// The file to write into until `Finish` or `Commit`. It can also be opened for other purposes; then it isn't
     /// moved.
@@ -70,7 +70,7 @@ class CReplacingFile {
 
     CFile m_file;
     CFileFailure m_failure;  ///< One that isn't the file's own.
-    enRule m_rule = enRule::Overwrite;
+    ERule m_rule = ERule::Overwrite;
     std::string m_path;    ///< As the caller named it.
     std::string m_place;   ///< The file to replace, links followed.
     std::string m_beside;  ///< The new file; empty if it is written in place or was moved.

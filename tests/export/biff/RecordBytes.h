@@ -56,7 +56,7 @@ void ExpectRecord(const Type& record, const std::string& bytes, std::size_t shor
         // A block of its own, so that a sanitizer notices a byte that is read after the end.
         const std::vector<char> body(bytes.begin() + YExcel::kHeaderSize,
                                      bytes.begin() + static_cast<std::ptrdiff_t>(size));
-        vxfileio::helpers::FieldLoad load(std::as_bytes(std::span(body)));
+        vxfileio::helpers::CFieldLoad load(std::as_bytes(std::span(body)));
         Type loaded;
         load(loaded);
         if (!load.TookAll()) continue;

@@ -9,10 +9,10 @@
 namespace {
 
 using YExcel::Blank;
-using YExcel::RecordStream;
+using YExcel::CRecordStream;
+using YExcel::CStreamSize;
 using YExcel::SharedStringTable;
 using YExcel::SstString;
-using YExcel::StreamSize;
 using YExcel::YEOF;
 
 constexpr std::size_t kPiece = 65536;
@@ -22,8 +22,8 @@ std::string BlankBytes(unsigned row) { return U16(0x0201) + U16(6) + U16(row) + 
 TEST(RecordStreamTest, PiecesAreFullWhereverRecordsEndAndTheLastHasTheRest) {
     for (const unsigned eofs : {0U, 1U, 2U, 3U, 4U}) {  // 4 bytes each; 6553 records of 10 bytes leave 6 of a piece
         std::vector<std::string> pieces;
-        RecordStream stream([&](auto piece) { pieces.push_back(ToString(piece)); });
-        StreamSize size;
+        CRecordStream stream([&](auto piece) { pieces.push_back(ToString(piece)); });
+        CStreamSize size;
         std::string expected;
         const auto put = [&](const auto& record, const std::string& bytes) {
             EXPECT_EQ(stream.Position(), expected.size());
@@ -44,7 +44,7 @@ TEST(RecordStreamTest, PiecesAreFullWhereverRecordsEndAndTheLastHasTheRest) {
 
 TEST(RecordStreamTest, NothingIsHandedOnBehindAWholePieceOrOfNoRecord) {
     int pieces = 0;
-    RecordStream stream([&](auto piece) {
+    CRecordStream stream([&](auto piece) {
         EXPECT_EQ(piece.size(), kPiece);
         ++pieces;
     });
@@ -63,7 +63,7 @@ TEST(RecordStreamTest, LongBodyGoesOverPieces) {
     for (int i = 0; i < 9; ++i)
         text += U16(32767) + U8(0) + x;
     std::string bytes;
-    RecordStream stream([&](auto piece) { bytes += ToString(piece); });
+    CRecordStream stream([&](auto piece) { bytes += ToString(piece); });
     stream.Put(Blank{.row = 1});
     stream.Put(table);
     stream.Put(Blank{.row = 2});

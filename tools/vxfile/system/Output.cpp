@@ -81,7 +81,7 @@ void RefusePlace(const std::string& path, bool replace) {
 
 void CreateWhole(CReplacingFile& file, const std::string& path, bool replace) {
     RefusePlace(path, replace);
-    using enum CReplacingFile::enRule;
+    using enum CReplacingFile::ERule;
     if (!file.Create(path, replace ? Replace : New))
         throw CFailure("Can't create " + path + ": " + file.Failure().error.message() + "; choose another folder.");
 }

@@ -33,8 +33,8 @@ bool IsDifatSector(std::size_t sector) {
 CCompoundLayout::CCompoundLayout(std::uint32_t streamSize) {
     std::vector<std::uint32_t> directory;
     Append(directory);
-    DirectoryEntry root(enEntryType::Root, "Root Entry");
-    DirectoryEntry stream(enEntryType::Stream, "Workbook");
+    DirectoryEntry root(EEntryType::Root, "Root Entry");
+    DirectoryEntry stream(EEntryType::Stream, "Workbook");
     const bool isBig = streamSize >= kMiniStreamCutOff;
     isBig ? LayOutStream(streamSize) : LayOutMiniStream(streamSize);
     root.child = 1;
@@ -45,7 +45,7 @@ CCompoundLayout::CCompoundLayout(std::uint32_t streamSize) {
         root.streamSize = static_cast<std::uint32_t>(Count(streamSize, kMiniSectorSize) * kMiniSectorSize);
     }
     m_directory.resize(kSectorSize);
-    vxfileio::helpers::FieldStore store(m_directory.data());
+    vxfileio::helpers::CFieldStore store(m_directory.data());
     store(root, stream);
     m_sectors = m_fat.size();
     m_fat.resize(m_fatSectors.size() * kMarksPerSector, kFree);

@@ -10,7 +10,7 @@
 #include "vxfileio/helpers/FieldVisitors.h"
 
 using namespace vxfileio::compound;
-using vxfileio::helpers::FieldLoad;
+using vxfileio::helpers::CFieldLoad;
 
 namespace vxfile {
 
@@ -22,7 +22,7 @@ using CMarks = std::array<std::uint32_t, kMarksPerSector>;
 template <class Object>
 Object Load(std::span<const std::byte> bytes) {
     Object object{};
-    FieldLoad load(bytes);
+    CFieldLoad load(bytes);
     load(object);
     return object;
 }
@@ -60,7 +60,7 @@ void CCompoundScan::ReadFat() {
 }
 
 void CCompoundScan::ReadStream() {
-    const DirectoryEntry wanted(enEntryType::Stream, "Workbook");
+    const DirectoryEntry wanted(EEntryType::Stream, "Workbook");
     const auto bytes = ReadChain(m_header.firstDirectorySector, kSectorSize);
     const auto entries = Load<std::array<DirectoryEntry, kSectorSize / kDirectoryEntrySize>>(bytes);
     m_root = entries.front();

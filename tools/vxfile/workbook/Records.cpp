@@ -41,7 +41,7 @@ constexpr std::array kNames = {
 }  // namespace
 
 std::optional<CRecord> RecordAt(std::span<const std::byte> stream, std::size_t position) {
-    vxfileio::helpers::FieldLoad load(stream.subspan(std::min(position, stream.size())));
+    vxfileio::helpers::CFieldLoad load(stream.subspan(std::min(position, stream.size())));
     std::uint16_t code = 0;
     std::uint16_t size = 0;
     load(code, size);

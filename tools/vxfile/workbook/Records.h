@@ -28,7 +28,7 @@ struct CRecord {
     template <YExcel::Record Type>
     Type As() const {
         Type record;
-        vxfileio::helpers::FieldLoad load(body);
+        vxfileio::helpers::CFieldLoad load(body);
         load(record);
         return record;
     }
@@ -39,7 +39,7 @@ template <YExcel::Record Type>
 bool TakeAs(const CRecord& record, auto& take) {
     if (record.code != Type::kCode) return false;
     Type loaded;
-    vxfileio::helpers::FieldLoad load(record.body);
+    vxfileio::helpers::CFieldLoad load(record.body);
     load(loaded);
     take(loaded);
     return true;
@@ -63,7 +63,7 @@ void AppendUtf8(std::uint16_t unit, std::string& utf8);
 
 /// Returns the characters of a counted string as UTF-8; narrow ones are Latin-1.
 template <class Length>
-std::string Utf8(const YExcel::CountedString<Length>& text) {
+std::string Utf8(const YExcel::CCountedString<Length>& text) {
     std::string utf8;
     const auto append = [&](auto characters) {
         using Unit = std::conditional_t<sizeof(characters[0]) == 1, std::uint8_t, std::uint16_t>;

@@ -18,8 +18,8 @@ namespace vxfile {
 
 namespace {
 
-/// Loads the fields of a record that goes on in CONTINUE records, as `ContinuedBody` stores them.
-class CContinuedLoad : public vxfileio::helpers::FieldReader<CContinuedLoad> {
+/// Loads the fields of a record that goes on in CONTINUE records, as `CContinuedBody` stores them.
+class CContinuedLoad : public vxfileio::helpers::CFieldReader<CContinuedLoad> {
  public:
     CContinuedLoad(std::span<const std::byte> stream, std::size_t position) : m_stream(stream), m_end(position) {
         if (const auto record = RecordAt(stream, position)) Enter(*record);

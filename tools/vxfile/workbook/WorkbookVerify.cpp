@@ -55,7 +55,7 @@ struct CFieldEnds {
 
  private:
     void Add(const auto& field) {
-        vxfileio::helpers::FieldSize size;
+        vxfileio::helpers::CFieldSize size;
         size(field);
         ends.push_back(end += size.Size());
     }
@@ -83,10 +83,10 @@ std::string Bytes(std::span<const std::byte> bytes) {
 }
 
 std::vector<std::byte> BytesOf(const auto& fields) {
-    vxfileio::helpers::FieldSize size;
+    vxfileio::helpers::CFieldSize size;
     size(fields);
     std::vector<std::byte> bytes(size.Size());
-    vxfileio::helpers::FieldStore store(bytes.data());
+    vxfileio::helpers::CFieldStore store(bytes.data());
     store(fields);
     return bytes;
 }

@@ -16,8 +16,8 @@
 
 namespace YExcel {
 
-using vxfileio::helpers::FieldSize;
-using vxfileio::helpers::FieldVisitor;
+using vxfileio::helpers::CFieldSize;
+using vxfileio::helpers::CFieldVisitor;
 
 /// The most bytes of a body that one record holds, its header not counted.
 inline constexpr std::size_t kMostBody = 8224;
@@ -32,9 +32,9 @@ inline constexpr std::uint16_t kContinue = 0x003C;
 /// byte is said again in front of those that go on behind the cut; it moves as a whole to the next record if it doesn't
 /// fit and hardly any of it would stay.
 template <class Records>
-class ContinuedBody : public FieldVisitor<ContinuedBody<Records>> {
+class CContinuedBody : public CFieldVisitor<CContinuedBody<Records>> {
  public:
-    ContinuedBody(Records& records, std::uint16_t code) : m_records(records) { m_records.Begin(code); }
+    CContinuedBody(Records& records, std::uint16_t code) : m_records(records) { m_records.Begin(code); }
 
     void Number(std::unsigned_integral auto value) {
         std::array<std::byte, sizeof(value)> bytes{};
@@ -53,7 +53,7 @@ class ContinuedBody : public FieldVisitor<ContinuedBody<Records>> {
     }
 
     void Text(const SstString& string) {
-        FieldSize size;
+        CFieldSize size;
         size(string);
         if (size.Size() > m_room && m_room < kLeastRoomForPart) Continue();
         (*this)(string.Count(), string.Option());
@@ -85,7 +85,7 @@ class ContinuedBody : public FieldVisitor<ContinuedBody<Records>> {
 };
 
 /// Adds up the bytes of records, headers included.
-class RecordsSize {
+class CRecordsSize {
  public:
     void Begin(std::uint16_t /*code*/) { m_size += kHeaderSize; }
     void Bytes(std::span<const std::byte> bytes) { m_size += bytes.size(); }

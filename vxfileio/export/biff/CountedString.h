@@ -17,14 +17,14 @@ inline constexpr std::uint8_t kWide = 1;
 /// somebody else and must outlive this object, which is small, since a workbook may have many. A text that is longer
 /// than `Length` can tell is cut there.
 template <class Length>
-class CountedString {
+class CCountedString {
  public:
     using Characters = std::variant<std::string_view, std::u16string_view>;
 
-    constexpr CountedString() = default;
-    constexpr explicit CountedString(std::string_view narrow)
+    constexpr CCountedString() = default;
+    constexpr explicit CCountedString(std::string_view narrow)
         : m_first{.narrow = narrow.data()}, m_count(CountOf(narrow)) {}
-    constexpr explicit CountedString(std::u16string_view wide)
+    constexpr explicit CCountedString(std::u16string_view wide)
         : m_first{.wide = wide.data()}, m_count(CountOf(wide)), m_option(kWide) {}
 
     constexpr Length Count() const { return m_count; }
@@ -44,12 +44,12 @@ class CountedString {
     }
 
  private:
-    static CountedString Loaded(auto& body) {
+    static CCountedString Loaded(auto& body) {
         Length count = 0;
         std::uint8_t option = kNarrow;
         body(count, option);
-        if (option == kWide) return CountedString(body.template Characters<char16_t>(count));
-        return CountedString(body.template Characters<char>(count));
+        if (option == kWide) return CCountedString(body.template Characters<char16_t>(count));
+        return CCountedString(body.template Characters<char>(count));
     }
 
     static constexpr Length CountOf(auto characters) {
@@ -68,9 +68,9 @@ class CountedString {
 };
 
 /// The name of a font or a sheet.
-using SmallString = CountedString<std::uint8_t>;
+using SmallString = CCountedString<std::uint8_t>;
 /// A text of the shared strings, or the name of a style. Where it goes over the end of a record is told by
-/// `ContinuedBody`.
-using SstString = CountedString<std::uint16_t>;
+/// `CContinuedBody`.
+using SstString = CCountedString<std::uint16_t>;
 
 }  // namespace YExcel

@@ -14,7 +14,7 @@ namespace YExcel {
 
 /// A plain value with a `kCode` and one list of fields, `Fields`. A new one has the values that a fresh workbook has.
 template <class Type>
-concept Record = requires(const Type& record, FieldSize& size) {
+concept Record = requires(const Type& record, CFieldSize& size) {
     { Type::kCode } -> std::convertible_to<std::uint16_t>;
     Type::Fields(record, size);
 };
@@ -22,7 +22,7 @@ concept Record = requires(const Type& record, FieldSize& size) {
 /// Returns the bytes of the body, as if it stood in one record.
 template <Record Type>
 constexpr std::size_t DataSize(const Type& record) {
-    FieldSize size;
+    CFieldSize size;
     Type::Fields(record, size);
     return size.Size();
 }
@@ -32,8 +32,8 @@ template <Record Type>
 constexpr std::size_t RecordSize(const Type& record) {
     const std::size_t dataSize = DataSize(record);
     if (dataSize <= kMostBody) return kHeaderSize + dataSize;
-    RecordsSize size;
-    ContinuedBody body(size, Type::kCode);
+    CRecordsSize size;
+    CContinuedBody body(size, Type::kCode);
     Type::Fields(record, body);
     return size.Size();
 }

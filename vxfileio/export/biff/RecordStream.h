@@ -19,10 +19,10 @@
 
 namespace YExcel {
 
-using vxfileio::helpers::FieldStore;
+using vxfileio::helpers::CFieldStore;
 
 /// Counts the bytes of a stream.
-class StreamSize {
+class CStreamSize {
  public:
     /// Bytes so far: where the next record begins.
     std::size_t Position() const { return m_size; }
@@ -34,7 +34,7 @@ class StreamSize {
 
 /// Stores the bytes of a stream and hands them on piece by piece. The pieces stand in one buffer that is used again and
 /// again, so that the stream is never in memory whole.
-class RecordStream {
+class CRecordStream {
  public:
     /// The bytes of every piece but the last one, which has what is left.
     static constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
@@ -42,7 +42,7 @@ class RecordStream {
     /// Takes a piece, whose bytes are valid until it returns.
     using Take = std::function<void(std::span<const std::byte> piece)>;
 
-    explicit RecordStream(Take take) : m_take(std::move(take)) {}
+    explicit CRecordStream(Take take) : m_take(std::move(take)) {}
 
     /// Bytes so far: where the next record begins.
     std::size_t Position() const { return m_handedOn + Waiting(); }
@@ -52,13 +52,13 @@ class RecordStream {
     void Put(const Type& record) {
         const std::size_t dataSize = DataSize(record);
         if (dataSize <= kMostBody) {
-            FieldStore store(m_end);
+            CFieldStore store(m_end);
             store(Type::kCode, static_cast<std::uint16_t>(dataSize));
             Type::Fields(record, store);
             m_end = store.End();
         } else {
             LongBody records(*this);
-            ContinuedBody body(records, Type::kCode);
+            CContinuedBody body(records, Type::kCode);
             Type::Fields(record, body);
         }
         HandOnWholePiece();
@@ -73,12 +73,12 @@ class RecordStream {
     /// The records of a body that is too long for one.
     class LongBody {
      public:
-        explicit LongBody(RecordStream& stream) : m_stream(stream) {}
+        explicit LongBody(CRecordStream& stream) : m_stream(stream) {}
 
         void Begin(std::uint16_t code) {
             m_stream.HandOnWholePiece();
             m_length = 0;
-            FieldStore store(m_stream.m_end);
+            CFieldStore store(m_stream.m_end);
             store(code, m_length);
             m_stream.m_end = store.End();
         }
@@ -90,7 +90,7 @@ class RecordStream {
         }
 
      private:
-        RecordStream& m_stream;
+        CRecordStream& m_stream;
         std::uint16_t m_length = 0;  ///< Of the record's body so far.
     };
 
@@ -118,7 +118,7 @@ class RecordStream {
 /// Returns the bytes of a record that stands alone.
 std::vector<std::byte> RecordBytes(const Record auto& record) {
     std::vector<std::byte> bytes;
-    RecordStream stream([&](auto piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
+    CRecordStream stream([&](auto piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
     stream.Put(record);
     stream.Finish();
     return bytes;

@@ -53,6 +53,6 @@ inline constexpr std::size_t kNameUnits = 32;
 inline constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
 
 /// What a directory entry names.
-enum class enEntryType : std::uint8_t { Storage = 1, Stream = 2, Root = 5 };
+enum class EEntryType : std::uint8_t { Storage = 1, Stream = 2, Root = 5 };
 
 }  // namespace vxfileio::compound

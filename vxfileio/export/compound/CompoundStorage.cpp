@@ -36,7 +36,7 @@ constexpr std::uint32_t BlockOf(std::uint32_t sector) { return sector + 1; }
 // ---- Bytes ----------------------------------------------------------------------------------------------------------
 
 constexpr std::size_t SizeOf(const auto& object) {
-    helpers::FieldSize size;
+    helpers::CFieldSize size;
     size(object);
     return size.Size();
 }
@@ -45,14 +45,14 @@ static_assert(SizeOf(StorageHeader()) == kSectorSize);
 
 Sector BytesOf(const StorageHeader& header) {
     Sector bytes{};
-    helpers::FieldStore store(bytes.data());
+    helpers::CFieldStore store(bytes.data());
     store(header);
     return bytes;
 }
 
 Sector BytesOf(std::span<const std::uint32_t, kMarksPerSector> marks) {
     Sector bytes{};
-    helpers::FieldStore store(bytes.data());
+    helpers::CFieldStore store(bytes.data());
     store(marks);
     return bytes;
 }
@@ -85,7 +85,7 @@ DirectoryNode* Walk(DirectoryNode* node, std::string_view path, auto missing) {
         if (name == ".." && node->parent != nullptr) node = node->parent;
         if (!IsName(name)) continue;
         DirectoryNode* const child = node->FindChild(name);
-        const bool isThere = child != nullptr && child->entry.Is(enEntryType::Storage);
+        const bool isThere = child != nullptr && child->entry.Is(EEntryType::Storage);
         node = isThere ? child : missing(node, name);
     }
     return node;
@@ -132,9 +132,9 @@ void CompoundStorage::Close() {
 
 // ---- Names ----------------------------------------------------------------------------------------------------------
 
-std::int32_t CompoundStorage::MakeFile(const std::string& path) { return Make(path, enEntryType::Stream); }
+std::int32_t CompoundStorage::MakeFile(const std::string& path) { return Make(path, EEntryType::Stream); }
 
-std::int32_t CompoundStorage::MakeDirectory(const std::string& path) { return Make(path, enEntryType::Storage); }
+std::int32_t CompoundStorage::MakeDirectory(const std::string& path) { return Make(path, EEntryType::Storage); }
 
 std::int32_t CompoundStorage::ChangeDirectory(const std::string& path) {
     if (path.empty()) return kNoName;
@@ -148,12 +148,12 @@ DirectoryNode* CompoundStorage::StartOf(std::string_view path) const {
     return path.starts_with('\\') ? m_directory.Root() : m_current;
 }
 
-std::int32_t CompoundStorage::Make(std::string_view path, enEntryType type) {
+std::int32_t CompoundStorage::Make(std::string_view path, EEntryType type) {
     const auto [storages, name] = Split(path);
     if (!IsName(name)) return kNoName;
     if (m_current == nullptr) return kNoStorage;
     std::int32_t result = kSuccess;
-    const auto add = [&](DirectoryNode* parent, std::string_view newName, enEntryType newType) -> DirectoryNode* {
+    const auto add = [&](DirectoryNode* parent, std::string_view newName, EEntryType newType) -> DirectoryNode* {
         if (newName.size() >= kNameUnits) {
             result = kNameTooLong;
         } else if (parent->FindChild(newName) != nullptr) {
@@ -163,7 +163,7 @@ std::int32_t CompoundStorage::Make(std::string_view path, enEntryType type) {
         }
         return nullptr;
     };
-    const auto addStorage = [&](auto* parent, auto newName) { return add(parent, newName, enEntryType::Storage); };
+    const auto addStorage = [&](auto* parent, auto newName) { return add(parent, newName, EEntryType::Storage); };
     const std::size_t before = m_directory.Count();
     DirectoryNode* const parent = Walk(StartOf(path), storages, addStorage);
     if (parent != nullptr) add(parent, name, type);
@@ -182,7 +182,7 @@ std::int32_t CompoundStorage::WriteFile(const std::string& path, std::size_t siz
     const auto [storages, name] = Split(path);
     const DirectoryNode* const parent = Walk(StartOf(path), storages, Nowhere);
     DirectoryNode* const stream = parent == nullptr ? nullptr : parent->FindChild(name);
-    if (stream == nullptr || !stream->entry.Is(enEntryType::Stream)) return kNoStream;
+    if (stream == nullptr || !stream->entry.Is(EEntryType::Stream)) return kNoStream;
     if (size > kMostStreamSize) return kTooLarge;
     DirectoryEntry& entry = stream->entry;
     const bool wasBig = IsBig(entry.streamSize);

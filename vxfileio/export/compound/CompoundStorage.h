@@ -81,7 +81,7 @@ class CompoundStorage {
 
  private:
     void Begin(bool isOpen);
-    std::int32_t Make(std::string_view path, vxfileio::compound::enEntryType type);
+    std::int32_t Make(std::string_view path, vxfileio::compound::EEntryType type);
     DirectoryNode* StartOf(std::string_view path) const;
 
     void FitStream(DirectoryEntry& entry, std::size_t size, bool isBig);

@@ -8,7 +8,7 @@ namespace vxfileio::compound {
 
 void CDirectory::Reset() {
     Clear();
-    const DirectoryEntry root(enEntryType::Root, "Root Entry");
+    const DirectoryEntry root(EEntryType::Root, "Root Entry");
     m_nodes.push_back(std::make_unique<DirectoryNode>(nullptr, root, 0U));
 }
 
@@ -37,7 +37,7 @@ void CDirectory::MakeRoomAt(std::size_t place) {
 std::vector<std::byte> CDirectory::Encode() const {
     const std::size_t size = m_nodes.size() * kDirectoryEntrySize;
     std::vector<std::byte> bytes((size + kSectorSize - 1) / kSectorSize * kSectorSize);
-    helpers::FieldStore store(bytes.data());
+    helpers::CFieldStore store(bytes.data());
     for (const auto& node : m_nodes)
         store(node->entry);
     return bytes;

@@ -5,7 +5,7 @@
 
 namespace vxfileio::compound {
 
-DirectoryEntry::DirectoryEntry(vxfileio::compound::enEntryType entryType, std::string_view bytesOfName)
+DirectoryEntry::DirectoryEntry(vxfileio::compound::EEntryType entryType, std::string_view bytesOfName)
     : nameSize(static_cast<std::uint16_t>(2 * bytesOfName.size() + 2)), type(static_cast<std::uint8_t>(entryType)) {
     std::transform(bytesOfName.begin(), bytesOfName.end(), name.begin(),
                    [](char byte) { return static_cast<unsigned char>(byte); });

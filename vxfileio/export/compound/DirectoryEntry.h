@@ -13,7 +13,7 @@ namespace vxfileio::compound {
 struct DirectoryEntry {
     std::array<std::uint16_t, vxfileio::compound::kNameUnits> name = {};
     std::uint16_t nameSize = 0;  ///< In bytes, with the zero that ends the name.
-    std::uint8_t type = 0;       ///< An `enEntryType`; 0 is an empty slot.
+    std::uint8_t type = 0;       ///< An `EEntryType`; 0 is an empty slot.
     std::uint8_t colour = 1;
     std::uint32_t left = vxfileio::compound::kNoEntry;
     std::uint32_t right = vxfileio::compound::kNoEntry;
@@ -28,9 +28,9 @@ struct DirectoryEntry {
     /// An empty slot.
     DirectoryEntry() = default;
     /// An entry without content; each byte of the name, which is at most 31 of them, becomes one 16-bit unit.
-    DirectoryEntry(vxfileio::compound::enEntryType entryType, std::string_view bytesOfName);
+    DirectoryEntry(vxfileio::compound::EEntryType entryType, std::string_view bytesOfName);
 
-    bool Is(vxfileio::compound::enEntryType asked) const { return type == static_cast<std::uint8_t>(asked); }
+    bool Is(vxfileio::compound::EEntryType asked) const { return type == static_cast<std::uint8_t>(asked); }
 
     static constexpr void Fields(auto& self, auto& body) {
         body(self.name, self.nameSize, self.type, self.colour, self.left, self.right, self.child, self.classID,

@@ -6,7 +6,7 @@ namespace vxfileio::compound {
 
 DirectoryNode* DirectoryNode::FindChild(std::string_view name) const {
     if (name.size() >= kNameUnits) return nullptr;
-    const DirectoryEntry wanted(enEntryType::Stream, name);
+    const DirectoryEntry wanted(EEntryType::Stream, name);
     const auto isBelow = [](const DirectoryNode* node, const DirectoryEntry& than) {
         return HasLowerName(node->entry, than);
     };

@@ -82,7 +82,7 @@ class CWorkbooks {
  public:
     /// Writes a workbook beside its place, instead of an earlier one of the same path. Throws `CFailure` if it is
     /// refused.
-    void Save(const YExcel::Document& document, const std::string& path, bool replace) {
+    void Save(YExcel::Document& document, const std::string& path, bool replace) {
         CReplacingFile& file = m_files[path];
         CreateWhole(file, path, replace);
         if (document.WriteTo(file)) return;
@@ -147,7 +147,7 @@ class CExportCommand : public CCommand {
  private:
     /// Writes all workbooks, which then wait for being committed. What can be refused is refused before the work.
     void Export(CWorkbooks& workbooks) {
-        const auto save = [&](const YExcel::Document& document, const std::string& path) {
+        const auto save = [&](YExcel::Document& document, const std::string& path) {
             CheckInterrupt();
             CheckMemory();
             RefuseInputs(path);
