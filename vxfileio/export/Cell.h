@@ -19,7 +19,7 @@ enum class CellType : std::uint8_t { Undefined = 0, Integer = 1, Double = 2, Tex
 /// the cell's own, so that cells aren't copied.
 class Cell {
  public:
-    /// The characters that a spreadsheet keeps of a text; what comes behind them is cut off.
+    /// The most characters of a text; the rest is cut off.
     static constexpr std::size_t kMostCharacters = 32767;
 
     Cell() = default;
@@ -79,7 +79,7 @@ class Cell {
     template <class Character>
     std::basic_string_view<Character> GetCharacters(CellType type) const;
 
-    /// The bytes of the number, of the text with a zero behind it, or of the address where that lies.
+    /// The bytes of the number, of the zero-terminated text, or of the address of that text.
     alignas(double) std::array<std::byte, 13> m_value = {};
     CellType m_type = CellType::Undefined;
     bool m_isAside = false;  ///< The text lies elsewhere.

@@ -48,7 +48,7 @@ struct CSource {
     std::uint32_t recordings = static_cast<std::uint32_t>(results.GetRecordingCount(kTask));
     std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that a sheet has room for.
 
-    /// The plate's wells in their order. Of those with one ID, the first stands for all.
+    /// Returns the plate's wells in their order; of several with one ID the first.
     std::vector<const PlateWell*> Wells() const {
         std::vector<const PlateWell*> wells;
         for (const std::int32_t wellID : plate.GetAllWellIDs())

@@ -52,7 +52,7 @@ class RowBlock {
     void PutCells(const Sheet& sheet, std::uint16_t row, Out& out, IndexOf& indexOf);
 
     std::vector<std::uint16_t> m_rows;
-    std::vector<std::uint16_t> m_offsets;  ///< By the rows; what their `DBCell` tells.
+    std::vector<std::uint16_t> m_offsets;  ///< Of the rows, for their `DBCell`.
     CShortRun m_run;
 };
 

@@ -44,7 +44,7 @@ std::uint32_t& CSharedStrings::SlotOf(const SstString& text) {
     }
 }
 
-/// Doubles the slots. The old ones go first: all that they tell is told by the texts.
+/// Doubles the slots. Frees the old ones first: the texts are enough to fill the new ones.
 void CSharedStrings::AddSlots() {
     const std::size_t count = std::max(kFirstSlots, 2 * m_slots.size());
     m_slots = std::vector<std::uint32_t>();

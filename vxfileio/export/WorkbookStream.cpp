@@ -54,7 +54,7 @@ void PutSheet(const CSheetRecords& sheet, Out& out, IndexOf& indexOf, Learn lear
     out.Put(YEOF());
 }
 
-/// What can be told about a sheet before its cells are counted.
+/// Returns what is known about a sheet before its cells are counted.
 CSheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
     CSheetRecords records{
         .sheet = &sheet,
@@ -74,7 +74,7 @@ CSheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
     return records;
 }
 
-/// The sheet stands further back than it was thought to. (One without rows tells of a block at 0, wherever it stands.)
+/// Adds to the stream offsets of a sheet. (A sheet without rows has one block offset, which stays 0.)
 void MoveBy(std::size_t bytes, CSheetRecords& sheet) {
     sheet.name.position += Position32(bytes);
     if (BlockCount(*sheet.sheet) == 0) return;

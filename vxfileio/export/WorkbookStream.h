@@ -22,7 +22,7 @@ inline constexpr int kStyles = 6;
 /// The sheets of a workbook, in their order.
 using Sheets = std::vector<std::unique_ptr<Sheet>>;
 
-/// A sheet, and the records that tell about its cells from other places of the stream.
+/// A sheet, and the records that describe its cells elsewhere in the stream.
 struct CSheetRecords {
     const Sheet* sheet = nullptr;
     BoundSheet name = {};

@@ -3,7 +3,7 @@
 namespace vxfile {
 
 /// @name Exit status
-/// What the program says to a script. A command may use them in a sense of its own, which its text tells.
+/// The results for scripts. A command may give them another meaning; its help says so.
 /// @{
 inline constexpr int kSound = 0;          ///< All is well.
 inline constexpr int kFindings = 1;       ///< Done, and there is something to look at.

@@ -28,7 +28,7 @@ constexpr CClock::rep kNever = 0;
 std::atomic<CClock::rep> g_interrupted = kNever;  ///< When the first signal came.
 static_assert(std::atomic<CClock::rep>::is_always_lock_free, "a signal may come at any moment");
 
-/// Returns what stood there before. A system call that waits, for somebody who reads a pipe, say, ends by the signal.
+/// Returns the handler before. The signal ends a system call that waits, such as for the reader of a pipe.
 CHandler SetHandler(int signal, CHandler handler) {
 #ifdef _WIN32
     return std::signal(signal, handler);

@@ -21,7 +21,7 @@ constexpr std::uint32_t Count(std::uint64_t bytes, std::size_t unit) {
 /// A sector of the FAT is the first of those that it has the marks of.
 bool IsFatSector(std::size_t sector) { return sector % kMarksPerSector == 0; }
 
-/// A sector of the DIFAT stands right behind the first FAT sector that it lists.
+/// A sector of the DIFAT follows the first FAT sector that it lists.
 bool IsDifatSector(std::size_t sector) {
     const std::size_t fatSector = sector / kMarksPerSector;
     return sector % kMarksPerSector == 1 && fatSector >= kDifatEntriesInHeader &&
@@ -78,7 +78,7 @@ void CCompoundLayout::LayOutStream(std::uint32_t streamSize) {
         Append(m_stream);
 }
 
-/// The mini FAT stands behind the first sector of the mini stream.
+/// The mini FAT follows the first sector of the mini stream.
 void CCompoundLayout::LayOutMiniStream(std::uint32_t streamSize) {
     const std::uint32_t miniSectors = Count(streamSize, kMiniSectorSize);
     if (miniSectors == 0) return;

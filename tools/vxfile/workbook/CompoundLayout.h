@@ -19,7 +19,7 @@ class CCompoundLayout {
     const std::vector<std::uint32_t>& Fat() const { return m_fat; }
     /// The marks of the mini sectors, as many as the mini FAT has; empty without one.
     const std::vector<std::uint32_t>& MiniFat() const { return m_miniFat; }
-    /// The numbers of the FAT's sectors that one sector of the DIFAT lists, and of the next one behind them.
+    /// The numbers of the FAT sectors that one sector of the DIFAT lists, and that of the next DIFAT sector.
     std::vector<std::uint32_t> Difat(std::size_t index) const;
     /// The bytes of the directory.
     const std::vector<std::byte>& Directory() const { return m_directory; }

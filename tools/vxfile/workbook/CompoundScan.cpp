@@ -43,7 +43,7 @@ std::vector<std::byte> CCompoundScan::Block(std::uint64_t block) const {
     return bytes;
 }
 
-/// The list of the FAT's sectors stands in the header, and goes on in sectors of its own.
+/// The list of the FAT's sectors begins in the header and continues in sectors of its own.
 void CCompoundScan::ReadFat() {
     const auto sectors = static_cast<std::uint64_t>(m_size) / kSectorSize;
     std::vector<std::uint32_t> difat(m_header.difat.begin(), m_header.difat.end());
@@ -92,7 +92,7 @@ std::vector<std::byte> CCompoundScan::ReadChain(std::uint32_t first, std::uint64
     return bytes;
 }
 
-/// Short streams stand in the stream of the root, whose sectors are cut in eight.
+/// Short streams are parts of the root's stream, eight mini sectors to a sector.
 std::vector<std::byte> CCompoundScan::ReadMiniChain(std::uint32_t first, std::uint32_t size) const {
     const auto miniStream = ReadChain(m_root.startSector, m_root.streamSize);
     const std::uint64_t tableSize = std::uint64_t{m_header.miniFatSectors} * kSectorSize;

@@ -19,7 +19,7 @@ class CCompoundScan {
     explicit CCompoundScan(const std::string& path);
 
     std::int64_t Size() const { return m_size; }
-    /// The bytes of one block: 0 is the header, sector n is block n + 1. Zeros behind the end of the file.
+    /// The bytes of one block: 0 is the header, sector n is block n + 1. Bytes after the end of the file are zeros.
     std::vector<std::byte> Block(std::uint64_t block) const;
     /// The bytes of the stream.
     const std::vector<std::byte>& Stream() const { return m_stream; }

@@ -32,13 +32,13 @@ struct CSheetSum {
     std::vector<std::uint32_t> dbCells = {};
 };
 
-/// One row of a block: its number, and where its first cell stands.
+/// One row of a block: its number, and the stream offset of its first cell.
 struct CRowPlace {
     std::uint16_t row;
     std::size_t firstCell = 0;
 };
 
-/// Numbers in the short form that stand side by side, as far as they were seen.
+/// Adjacent numbers in the short form, as far as they were seen.
 struct CShortRun {
     std::uint16_t row;
     std::uint32_t endColumn;

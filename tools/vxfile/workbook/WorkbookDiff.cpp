@@ -25,7 +25,7 @@ std::string CellName(const std::string& sheet, std::uint16_t row, std::uint32_t 
     return sheet + '!' + letters + std::to_string(row + 1);
 }
 
-/// The fewest digits that tell the number from all others.
+/// Returns the fewest digits that no other number has.
 std::string NumberText(double value) {
     std::array<char, 32> text{};
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};

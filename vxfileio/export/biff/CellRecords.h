@@ -5,7 +5,7 @@
 
 /// @file
 /// The records of single cells, and of runs of cells in a row. Rows and columns count from 0; `xf` is the index of the
-/// cell's format. A run's items belong to somebody else and must outlive the record.
+/// cell's format. The caller owns the items of a run, which must outlive the record.
 
 namespace YExcel {
 

@@ -12,7 +12,7 @@
 #include "vxfileio/helpers/LittleEndian.h"
 
 /// @file
-/// Bodies that are longer than one record may be: the rest stands in CONTINUE records behind it.
+/// Bodies longer than a record may be: the rest goes into CONTINUE records after it.
 
 namespace YExcel {
 

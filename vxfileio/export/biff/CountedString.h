@@ -56,7 +56,7 @@ class CCountedString {
         return static_cast<Length>(std::min<std::size_t>(characters.size(), std::numeric_limits<Length>::max()));
     }
 
-    /// The first character, of the kind that the option tells.
+    /// The first character, narrow or wide according to the option.
     union CFirst {
         const char* narrow;
         const char16_t* wide;

@@ -59,7 +59,7 @@ struct SharedFormula {
 using ShrFmla = SharedFormula<0x00BC>;
 using ShrFmla1 = SharedFormula<0x04BC>;
 
-/// A table of what a formula gives for rows and columns of input.
+/// A table of the results of a formula for rows and columns of input.
 struct Table {
     static constexpr std::uint16_t kCode = 0x0036;
 
@@ -85,7 +85,7 @@ struct String {
     static constexpr void Fields(auto& self, auto& body) { body(self.text); }
 };
 
-/// A formula with its last result. At most one of the records above follows it, and is put by whoever puts the formula.
+/// A formula with its last result. At most one of the records above follows it; the caller puts that too.
 struct Formula {
     static constexpr std::uint16_t kCode = 0x0006;
 

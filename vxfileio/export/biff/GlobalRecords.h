@@ -124,7 +124,7 @@ struct Style {
     }
 };
 
-/// A sheet: its name, and where its `BOF` stands, counted from the start of the stream.
+/// A sheet: its name, and the stream offset of its `BOF`.
 struct BoundSheet {
     static constexpr std::uint16_t kCode = 0x0085;
 

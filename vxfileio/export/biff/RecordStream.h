@@ -64,7 +64,7 @@ class CRecordStream {
         HandOnWholePiece();
     }
 
-    /// Hands on what is left behind the last whole piece, if there is anything.
+    /// Hands on the bytes after the last whole piece, if there are any.
     void Finish() {
         if (m_end != m_buffer.get()) HandOn(Waiting());
     }
@@ -115,7 +115,7 @@ class CRecordStream {
     std::byte* m_end = m_buffer.get();  ///< Of what waits to be handed on.
 };
 
-/// Returns the bytes of a record that stands alone.
+/// Returns the bytes of a single record.
 std::vector<std::byte> RecordBytes(const Record auto& record) {
     std::vector<std::byte> bytes;
     CRecordStream stream([&](auto piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });

@@ -27,7 +27,7 @@ constexpr std::uint32_t TimesHundred(std::int32_t value) { return Bits(value) * 
 
 }  // namespace rk
 
-/// Cuts the decimals off. What lies beyond 32 bits, and what is no number, gives the least number of them.
+/// Cuts the decimals off. Returns the least 32-bit number if the value doesn't fit or isn't a number.
 constexpr std::int32_t Truncate(double value) {
     constexpr double kEnd = 2147483648.0;
     return value > -kEnd && value < kEnd ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
@@ -48,7 +48,7 @@ constexpr std::uint32_t EncodeRK(double value) {
 /// Returns the word for a whole number; of one that doesn't fit, the upper 2 bits are lost.
 constexpr std::uint32_t EncodeIntegerRK(std::int32_t value) { return rk::Bits(value) * 4U + rk::kWhole; }
 
-/// Returns the number that a word stands for. What is left of a whole number's hundredths is cut off.
+/// Returns the number of a word. The decimals of a whole number divided by 100 are cut off.
 inline double DecodeRK(std::uint32_t word) {
     const bool hundredths = (word & rk::kHundredths) != 0;
     if ((word & rk::kWhole) != 0) {

@@ -11,7 +11,7 @@
 
 namespace YExcel {
 
-/// Where the `DBCell` of each row block stands, counted from the start of the stream.
+/// The stream offsets of the `DBCell` of each row block.
 struct Index {
     static constexpr std::uint16_t kCode = 0x020B;
 

@@ -33,7 +33,7 @@ void CBlockWrites::AddCopy(std::uint32_t index, std::span<const std::byte, Secto
     m_parts.emplace(index, copy);
 }
 
-/// Writes what begins in front of block `end`, and what stands side by side with it.
+/// Writes the parts that begin before block `end`, and those that follow them without a gap.
 bool CBlockWrites::WriteBefore(std::uint32_t end, SectorFile& file) {
     bool isComplete = true;
     while (!m_parts.empty() && m_parts.begin()->first < end) {

@@ -28,7 +28,7 @@ class CBlockWrites {
     /// Writes all blocks in the order of the file. Returns whether the system took everything; what it refused doesn't
     /// keep the others from being written.
     bool WriteTo(SectorFile& file) { return WriteBefore(std::numeric_limits<std::uint32_t>::max(), file); }
-    /// The same with the blocks up to the last one whose bytes are lent. Those behind it wait on.
+    /// The same with the blocks up to the last one whose bytes are lent. Those after it keep waiting.
     bool WriteLentTo(SectorFile& file) { return WriteBefore(std::exchange(m_endOfLent, 0), file); }
 
  private:
@@ -36,7 +36,7 @@ class CBlockWrites {
 
     std::map<std::uint32_t, helpers::CBytes> m_parts;  ///< Whole blocks, by the number of the first.
     std::deque<Block> m_copies;     ///< A deque, since they must stay where they are while others are added.
-    std::uint32_t m_endOfLent = 0;  ///< The block behind the last one that was lent.
+    std::uint32_t m_endOfLent = 0;  ///< The block after the last one that was lent.
 };
 
 }  // namespace vxfileio::compound

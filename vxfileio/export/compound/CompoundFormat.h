@@ -32,7 +32,7 @@ inline constexpr std::size_t kMostStreamSize = std::size_t{1} << 31;
 /// @}
 
 /// @name Marks of the FAT and the mini FAT
-/// Any other mark is the number of the sector that goes on behind the one marked.
+/// Any other mark is the number of the next sector.
 /// @{
 inline constexpr std::uint32_t kFree = 0xFFFFFFFF;
 inline constexpr std::uint32_t kEndOfChain = 0xFFFFFFFE;
@@ -44,7 +44,7 @@ inline constexpr std::uint32_t kDifatSector = 0xFFFFFFFC;
 inline constexpr std::size_t kMarksPerSector = kSectorSize / sizeof(std::uint32_t);
 /// FAT sectors that the header lists.
 inline constexpr std::size_t kDifatEntriesInHeader = 109;
-/// FAT sectors that a sector of the DIFAT lists; behind them it has the number of the next one.
+/// FAT sectors that a sector of the DIFAT lists; after them it has the number of the next DIFAT sector.
 inline constexpr std::size_t kDifatEntriesPerSector = kMarksPerSector - 1;
 
 /// 16-bit units of a name, with the zero that ends it.

@@ -17,7 +17,7 @@ constexpr std::size_t Count(std::size_t bytes, std::size_t unit) { return (bytes
 
 constexpr bool IsBig(std::size_t streamSize) { return streamSize >= kMiniStreamCutOff; }
 
-// ---- Where the FAT stands -------------------------------------------------------------------------------------------
+// ---- Where the FAT is -----------------------------------------------------------------------------------------------
 
 /// A sector of the FAT is the first of the sectors that it has the marks of.
 constexpr std::uint32_t FatSector(std::size_t i) { return static_cast<std::uint32_t>(i * kMarksPerSector); }
@@ -27,7 +27,7 @@ constexpr std::size_t FirstFatListedBy(std::size_t difatSector) {
     return kDifatEntriesInHeader + difatSector * kDifatEntriesPerSector;
 }
 
-/// A sector of the DIFAT stands right behind the first FAT sector that it lists.
+/// A sector of the DIFAT follows the first FAT sector that it lists.
 constexpr std::uint32_t DifatSector(std::size_t i) { return FatSector(FirstFatListedBy(i)) + 1; }
 
 /// The header is block 0, so sectors count from block 1.
@@ -204,7 +204,7 @@ std::int32_t CompoundStorage::WriteFile(const std::string& path, std::size_t siz
     return kSuccess;
 }
 
-/// The size comes first: it tells which table the chain is in, even if memory is wanting before all of it is.
+/// Sets the size first: it says which table has the chain, even if memory runs out before all of the chain is there.
 void CompoundStorage::FitStream(DirectoryEntry& entry, std::size_t size, bool isBig) {
     entry.streamSize = static_cast<std::uint32_t>(size);
     if (isBig) {
@@ -236,7 +236,7 @@ std::uint32_t CompoundStorage::CopyToMiniStream(std::uint32_t miniSector, CBytes
 
 // ---- Room for more sectors ------------------------------------------------------------------------------------------
 
-// Sectors of a table are counted once there are marks for them, since memory may be wanting.
+// Sectors of a table are counted after their marks are there, since that can run out of memory.
 
 /// The file grows by a sector of the FAT, and by one of the DIFAT if no other has room to list that.
 void CompoundStorage::ExtendFat() {
@@ -277,7 +277,7 @@ std::uint32_t CompoundStorage::WritePiece(CBlockWrites& writes, std::uint32_t se
     return sector;
 }
 
-/// Adds all that is in the file beside the streams, as it stands now.
+/// Adds everything in the file besides the streams.
 void CompoundStorage::AddTables(CBlockWrites& writes) {
     const std::vector<std::byte> directory = m_directory.Encode();
     m_fat.FitChain(m_header.firstDirectorySector, Count(directory.size(), kSectorSize));  // changes header and FAT
@@ -313,7 +313,7 @@ void CompoundStorage::AddMiniFat(CBlockWrites& writes) const {
         AddSector(writes, sector, m_miniFat.MarksOf(i));
 }
 
-/// Adds bytes that stand in a chain from this sector on. Returns the sector behind them.
+/// Adds the bytes of a chain from this sector on. Returns the sector after them.
 std::uint32_t CompoundStorage::AddChain(CBlockWrites& writes, std::uint32_t sector, CBytes bytes) const {
     while (!bytes.empty() && sector != kEndOfChain) {
         const std::uint32_t length = m_fat.RunLength(sector);

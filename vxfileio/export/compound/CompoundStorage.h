@@ -27,7 +27,7 @@ namespace vxfileio::compound {
 class CompoundStorage {
  public:
     /// @name Results
-    /// A failure of the disk isn't among them; `IsComplete` tells it.
+    /// They don't include disk failures; see `IsComplete`.
     /// @{
     static constexpr std::int32_t kSuccess = 1;
     static constexpr std::int32_t kNoName = -1;       ///< The path holds no name.
@@ -43,7 +43,7 @@ class CompoundStorage {
     CompoundStorage& operator=(const CompoundStorage&) = delete;
 
     /// Closes what is open and makes a new file without streams, in place of any file at the path. Always returns true:
-    /// `IsOpen` tells whether the file could be made. If not, all operations work as usual, but write nothing.
+    /// `IsOpen` returns whether the file could be created. If not, all operations work as usual, but write nothing.
     bool Create(const std::string& path);
 
     /// The same in an empty file that the caller opened for writing. It must outlive its use here, and isn't closed.
@@ -106,7 +106,7 @@ class CompoundStorage {
     vxfileio::compound::CSectorTable m_miniFat;
     vxfileio::compound::CDirectory m_directory;
     DirectoryNode* m_current = nullptr;
-    std::vector<std::byte> m_miniStream;  ///< The content of all short streams, as it stands in the file.
+    std::vector<std::byte> m_miniStream;  ///< The content of all short streams, as in the file.
     bool m_isComplete = false;
 };
 

@@ -23,7 +23,7 @@ DirectoryNode* CDirectory::Add(DirectoryNode* parent, const DirectoryEntry& entr
     return added->get();
 }
 
-/// Counts up every index at or above the place, wherever it stands.
+/// Increments every index at or above the place, in all entries.
 void CDirectory::MakeRoomAt(std::size_t place) {
     const auto countUp = [place](std::uint32_t& index) {
         if (index != kNoEntry && index >= place) ++index;

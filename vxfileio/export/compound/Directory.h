@@ -12,9 +12,9 @@ namespace vxfileio::compound {
 /// storage they are in. Nodes stay where they are while others are added.
 class CDirectory {
  public:
-    /// Throws everything away and begins with the root entry alone.
+    /// Removes everything and starts with the root entry alone.
     void Reset();
-    /// Throws everything away, the root too.
+    /// Removes everything, including the root.
     void Clear() { m_nodes.clear(); }
 
     /// Returns the root; null if there is none.

@@ -60,7 +60,7 @@ bool SectorFile::Read(std::uint32_t index, std::span<std::byte, kBlockSize> buff
 bool SectorFile::Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
     if (!HasMode(kWrite)) return false;
     const CBytes block = buffer;
-    WriteRun(index, {&block, 1});  // a block that the disk doesn't take isn't told here
+    WriteRun(index, {&block, 1});  // a refused block isn't reported
     return OpenInMode();
 }
 

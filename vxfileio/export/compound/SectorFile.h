@@ -9,7 +9,7 @@
 
 namespace vxfileio::compound {
 
-/// A file seen as blocks of 512 bytes, numbered from 0. Nothing throws; what can't be done gives false.
+/// A file seen as blocks of 512 bytes, numbered from 0. Nothing throws; operations return false on failure.
 class SectorFile {
  public:
     /// @name Modes, to be added up
@@ -39,7 +39,7 @@ class SectorFile {
     bool Read(std::uint32_t index, std::span<std::byte, kBlockSize> buffer) const;
 
     /// Writes one block, then closes the file and opens it anew in the same mode, so that everybody sees the block.
-    /// The result is whether the file is open; whether the disk took the block isn't told.
+    /// Returns whether the file is open, not whether the disk took the block.
     bool Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer);
 
     /// The most pieces that one run is written from.

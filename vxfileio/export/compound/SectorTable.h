@@ -27,16 +27,16 @@ class CSectorTable {
     /// the chain stay in their order, further ones are the first free ones, and those given up become free.
     void FitChain(std::uint32_t& first, std::size_t count);
 
-    /// Returns the sector behind this one in its chain, or `kEndOfChain`.
+    /// Returns the sector after this one in its chain, or `kEndOfChain`.
     std::uint32_t Next(std::uint32_t sector) const { return m_marks[sector]; }
     /// Returns how many sectors from this one on follow each other in their chain as they do in the file.
     std::uint32_t RunLength(std::uint32_t sector) const;
 
     /// Returns the number of marks.
     std::size_t Size() const { return m_marks.size(); }
-    /// Returns the number of the sector behind the last one that isn't free.
+    /// Returns the number of the sector after the last one that isn't free.
     std::size_t UsedSize() const;
-    /// Returns the marks that stand in one sector of the table.
+    /// Returns the marks in one sector of the table.
     std::span<const std::uint32_t, kMarksPerSector> MarksOf(std::size_t tableSector) const;
 
  private:
