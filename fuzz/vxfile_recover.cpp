@@ -1,13 +1,14 @@
 #include <vxfileio/frame/VXFileIO.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <span>
 #include <string>
 
 #include "fuzz/Fuzz.h"
+#include "recovery/Recover.h"
 #include "tools/vxfile/raw/RawVerify.h"
-#include "tools/vxfile/recover/RecoverReport.h"
-#include "tools/vxfile/system/Failure.h"
 
 namespace {
 
@@ -49,11 +50,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::string in = CFuzzFolder::Path("in.vxd");
     static const std::string out = CFuzzFolder::Path("out.vxd");
     WriteBytes(in, Input(data, size));
-    try {
-        vxfile::Recover(in, out, {.keepCut = size % 2 == 1, .replace = true});
-        ReadBack(out);
-        Verify(out);
-    } catch (const vxfile::CFailure&) {  // there was nothing to save
-    }
+    vxfileio::helpers::CFile file;
+    if (!file.OpenForReading(in)) std::abort();
+    std::string saved;
+    vxfileio::recovery::Recover(vxfileio::recovery::CFileInput(file), {.keepCut = size % 2 == 1},
+                                [&](std::span<const std::byte> part) {
+                                    saved.append(reinterpret_cast<const char*>(part.data()), part.size());
+                                });
+    if (saved.empty()) return 0;  // there was nothing to save
+    WriteBytes(out, saved);
+    ReadBack(out);
+    Verify(out);
     return 0;
 }

@@ -25,7 +25,8 @@ PROGRAMS = {
     "settings": ["settings_test", "reference_test", "results_test"],
     "results": ["results_test", "reference_test"],
     "export": ["export_test", "results_test", "faults_test"],
-    "vxfile": ["sessions", "samples", "vxfile_test", "recover_test"],
+    "recovery": ["recover_test", "sessions"],
+    "vxfile": ["sessions", "samples", "vxfile_test"],
 }
 
 # What isn't a test program: the target that it looks at, and its words, of which {} is the folder of the build. The
@@ -45,7 +46,8 @@ class Fault:
         return "%s: %s -> %s" % (self.file, " ".join(self.old), " ".join(self.new) or "nothing")
 
     def programs(self):
-        return PROGRAMS[self.file.split("/")[1]]
+        rooms = self.file.split("/")
+        return PROGRAMS[rooms[0] if rooms[0] in PROGRAMS else rooms[1]]
 
     def plant(self, text):
         old = "\n".join(self.old)

@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "recovery/Recover.h"
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/rawdata/SegmentsOf.h"
+#include "tests/recovery/StringInput.h"
 #include "tests/support/TempFolder.h"
 #include "tools/vxfile/raw/RawVerify.h"
 #include "vxfileio/rawdata/Layout.h"
@@ -52,6 +56,15 @@ std::string Written(int version) {
     writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
     writer.Close();
     return ReadAll(folder.Path("written.vxd"));
+}
+
+/// Returns what recovery makes of a file.
+std::string Recovered(const std::string& bytes) {
+    std::string saved;
+    vxfileio::recovery::Recover(CStringInput(bytes), {}, [&](std::span<const std::byte> part) {
+        saved.append(reinterpret_cast<const char*>(part.data()), part.size());
+    });
+    return saved;
 }
 
 TEST(LayoutTest, AWriterUsesTheLayoutOfTheVersionThatItsCallerNames) {
@@ -150,5 +163,21 @@ TEST_P(LayoutOfVersionTest, VerifyNamesEachCellThatHasLostItsKey) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryVersion, LayoutOfVersionTest, testing::Values(1, 2, 3));
+
+TEST(LayoutTest, DamagedFilesOfEachVersionAreRecoveredByTheirLayout) {
+    for (const int version : {1, 2, 3}) {
+        const std::string whole = FileOf(version);
+        EXPECT_EQ(Recovered(whole) == whole, version > 1);
+        // Nothing but the headers themselves shows the version.
+        const std::string headless = whole.substr(version == 3 ? 1280 : 1190);
+        const std::string saved = Recovered(headless);
+        for (const auto& samples : {kWell11, kWell12})
+            EXPECT_NE(saved.find(SampleBytes(samples)), std::string::npos) << version;
+        // One cell of a segment header is gone.
+        const std::size_t size = whole.rfind("TimeTo=");
+        const std::string timeless = std::string(whole).replace(size, 10, 10, 'x');
+        EXPECT_EQ(Recovered(timeless), Recovered(whole)) << version;
+    }
+}
 
 }  // namespace

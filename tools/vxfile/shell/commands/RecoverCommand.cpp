@@ -1,16 +1,24 @@
 #include <iostream>
+#include <span>
 #include <string>
 
-#include "tools/vxfile/recover/RecoverReport.h"
+#include "recovery/Recover.h"
+#include "tools/vxfile/raw/RecoverText.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/OpenInput.h"
+#include "tools/vxfile/system/Output.h"
 
 namespace vxfile {
 
 namespace {
+
+using vxfileio::helpers::CFile;
+using vxfileio::recovery::CReport;
 
 constexpr CCommandText kText = {
     .name = "recover",
@@ -40,24 +48,55 @@ class CRecoverCommand : public CCommand {
     }
 
     int Run() override {
-        CRecoverReport report;
-        const auto recover = [&] {
-            RefuseOtherKinds();
-            report = Recover(m_source, m_target, {.keepCut = m_keepCut, .replace = m_force});
-        };
+        CReport report;
+        const CRecoverNames names{m_source, m_target};
         if (!m_json) {
-            recover();
-            report.PrintText(std::cout);
+            report = Recover();
+            PrintReport(std::cout, report, names);
             return StatusOf(report);
         }
-        const std::string failure = FailureOf(recover);
-        PrintJson(kText.name,
-                  CJson::array({failure.empty() ? report.ToJson() : CJson{{"file", m_source}, {"error", failure}}}));
+        const std::string failure = FailureOf([&] { report = Recover(); });
+        PrintJson(kText.name, CJson::array({failure.empty() ? ToJson(report, names)
+                                                            : CJson{{"file", m_source}, {"error", failure}}}));
         return failure.empty() ? StatusOf(report) : kTrouble;
     }
 
  private:
-    static int StatusOf(const CRecoverReport& report) { return report.IsComplete() ? kSound : kFindings; }
+    static int StatusOf(const CReport& report) { return report.IsComplete() ? kSound : kFindings; }
+
+    /// Recovers the file. Throws `CFailure` if there is nothing to save, if the target is the file itself, or if the
+    /// files can't be read or written.
+    CReport Recover() const {
+        RefuseOtherKinds();
+        CFile source;
+        OpenInput(source, m_source);
+        RefuseTarget(m_target, m_source);
+        vxfileio::helpers::CReplacingFile whole;
+        CreateWhole(whole, m_target, m_force);
+        const auto write = [&](std::span<const std::byte> bytes) {
+            if (!whole.File().Append({bytes})) RefuseWrite(m_target, whole.Failure());
+        };
+        CReport report = Recover(source, write);
+        if (report.bytes == 0)
+            throw CFailure(m_source + " holds no segment and no complete recording header; there is nothing to save.");
+        if (!whole.Commit()) RefuseWrite(m_target, whole.Failure());
+        return report;
+    }
+
+    CReport Recover(const CFile& source, const vxfileio::recovery::CSink& write) const {
+        CProgress searching("Searching", source.Size());
+        CProgress saving("Saving", source.Size());
+        const vxfileio::recovery::COptions options{
+            .keepCut = m_keepCut,
+            .searched = [&](std::int64_t position) { searching.Reach(position); },
+            .saved = [&](std::int64_t position) { saving.Reach(position); }};
+        try {
+            return vxfileio::recovery::Recover(vxfileio::recovery::CFileInput(source), options, write);
+        } catch (const vxfileio::recovery::CReadFailure& failure) {
+            throw CFailure("Can't read " + m_source + " at byte " + std::to_string(failure.Position()) +
+                           "; copy it with a program that passes over bad places of a disk, and recover the copy.");
+        }
+    }
 
     void RefuseOtherKinds() const {
         const EFileKind kind = FileKindOf(m_source);

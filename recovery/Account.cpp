@@ -1,0 +1,459 @@
+#include "recovery/Account.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "recovery/Times.h"
+
+namespace vxfileio::recovery {
+
+using namespace rawdata;
+
+namespace {
+
+constexpr const char* kNextSegment = "FPosNextSegmentHdr";
+constexpr const char* kNextRecording = "FPosNextRecordingHdr";
+
+std::size_t SegmentRow(const CCandidate& segment, std::string_view key) {
+    const auto& cells = Layouts()[segment.layout].segment;
+    return cells.RowOf(cells[key]);
+}
+
+class CAccountant {
+ public:
+    CAccountant(CWindow& window, const CCandidates& candidates, const std::vector<CPiece>& pieces, bool keepCut,
+                bool isGrowing)
+        : m_window(window), m_candidates(candidates), m_pieces(pieces), m_keepCut(keepCut), m_isGrowing(isGrowing) {}
+
+    CAccount Run() {
+        for (m_index = 0; m_index < m_pieces.size(); ++m_index) {
+            const CPiece& piece = m_pieces[m_index];
+            const CCandidate& candidate = CandidateOf(piece);
+            PassGap(std::min(candidate.begin, piece.end));
+            if (piece.isAmbiguous) Doubt({.reason = EReason::Ambiguous, .from = m_end, .to = candidate.begin});
+            if (candidate.kind == EKind::File) TakeFile(candidate);
+            if (candidate.kind == EKind::Recording) TakeRecording(piece, candidate);
+            if (candidate.kind == EKind::Segment) TakeSegment(piece, candidate);
+            m_shift = piece.shift;
+            m_end = piece.end;
+        }
+        PassEnd();
+        return std::move(m_account);
+    }
+
+ private:
+    const CCandidate& CandidateOf(const CPiece& piece) const { return m_candidates.list[piece.candidate]; }
+    CFound& Found() { return m_account.found; }
+    const CPiece* Before() const { return m_index == 0 ? nullptr : &m_pieces[m_index - 1]; }
+    const CCandidate* SegmentBefore() const {
+        const CPiece* const before = Before();
+        return before != nullptr && CandidateOf(*before).kind == EKind::Segment ? &CandidateOf(*before) : nullptr;
+    }
+
+    // ---- Headers ----------------------------------------------------------------------------------------------------
+
+    void TakeFile(const CCandidate& file) {
+        if (Found().fileLayout < 0 && Found().recordings.empty()) {
+            Found().file = file.Place();
+            Found().fileLayout = file.layout;
+        }
+        m_nextRecording = file.next;
+        m_nextKey = "FPosFirstRecordingHdr";
+    }
+
+    void TakeRecording(const CPiece& piece, const CCandidate& recording) {
+        const bool isDirect = m_end == recording.begin;
+        BeginRecording(recording.begin);
+        CFoundRecording& found = Found().recordings.back();
+        found.place = recording.Place();
+        found.layout = recording.layout;
+        found.cutAt = piece.end;
+        found.unfinished = recording.next == kUnset;
+        found.wellList = m_candidates.wellLists[static_cast<std::size_t>(recording.well)];
+        if (piece.end < recording.end) {
+            found.wellList = WellListOf(m_window, recording, piece.end);
+            Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
+        }
+        if (isDirect) CompareNext(false);
+        m_nextRecording = recording.from;
+        m_nextKey = kNextRecording;
+        if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
+        if (recording.moved > 0) DoubtMoved(recording, piece.end, std::nullopt);
+        if (recording.next != kUnset)
+            Compare("FPosRecordingData", recording.next, piece.end + piece.shift,
+                    {.from = recording.begin, .to = piece.end});
+    }
+
+    void BeginRecording(std::int64_t position) {
+        Compare(m_nextKey, m_nextRecording, position + m_shift, Here());
+        m_nextRecording = kLost;
+        Found().recordings.emplace_back();
+        Found().recordings.back().position = position;
+    }
+
+    void TakeSegment(const CPiece& piece, const CCandidate& segment) {
+        if (piece.isCut) return TakeCut(piece, segment);
+        Keep(piece, segment, piece.samples);
+        if (segment.moved != 0) {
+            DoubtMoved(segment, piece.end, WellOf(segment));
+        } else if (!segment.IsWhole() || piece.made == EMade::Size) {
+            DoubtCells(piece, segment);
+        }
+    }
+
+    void Keep(const CPiece& piece, const CCandidate& segment, std::int64_t samples) {
+        CFoundSegment found{.position = segment.begin,
+                            .data = segment.end,
+                            .from = segment.from,
+                            .to = segment.to,
+                            .samples = static_cast<std::uint32_t>(samples),
+                            .wellID = segment.well,
+                            .recording = static_cast<std::uint32_t>(Found().recordings.size() - 1),
+                            .namesWell = !segment.noID};
+        if (piece.made == EMade::From)
+            found.from = TimeAfter(segment.to, 1 - samples, piece.tick).value_or(segment.from);
+        if (piece.made == EMade::To) found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
+        if (piece.isCut) found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
+        Found().segments.push_back(found);
+    }
+
+    /// The last segment of an input that ends within its samples.
+    void TakeCut(const CPiece& piece, const CCandidate& segment) {
+        const std::int64_t there = (m_window.Size() - segment.end) / 2;
+        const bool canKeep = there > 0 && piece.tick > 0;
+        CRemark remark{.reason = EReason::Cut,
+                       .from = segment.begin,
+                       .to = m_window.Size(),
+                       .wellID = segment.well,
+                       .count = static_cast<std::uint64_t>(segment.size),
+                       .missing = static_cast<std::uint64_t>(segment.size - there)};
+        remark.should = canKeep && !m_keepCut ? 1 : 0;
+        if (canKeep && m_keepCut) {
+            Keep(piece, segment, there);
+            remark.reason = EReason::CutKept;
+            remark.from = segment.end + 2 * there;
+            remark.to = segment.end + 2 * segment.size;
+        }
+        LoseAtEnd(std::move(remark));
+    }
+
+    // ---- Gaps -------------------------------------------------------------------------------------------------------
+
+    /// Reports the bytes from the end of the last piece up to `begin`, which belong to nothing.
+    void PassGap(std::int64_t begin) {
+        const CPiece& piece = m_pieces[m_index];
+        const CCandidate& candidate = CandidateOf(piece);
+        const bool isGap = begin > m_end;
+        if (candidate.kind == EKind::Segment && !piece.lostRecording) CompareNext(true);
+        if (candidate.kind == EKind::Segment && piece.lostRecording && !isGap) CompareNext(false);
+        if (isGap || piece.shift != ShiftBefore(piece) || candidate.begin < m_end || IsAloneAstray(piece))
+            DoubtSegmentBefore(isGap);
+        if (candidate.kind == EKind::Segment && piece.lostRecording) {
+            BeginLostRecording(begin);
+            if (isGap) Lose({.reason = EReason::LostRecording, .from = m_end, .to = begin});
+            return;
+        }
+        if (!isGap) return;
+        if (candidate.kind == EKind::File && Found().recordings.empty()) {
+            Lose({.reason = EReason::BeforeFile, .from = m_end, .to = begin});
+        } else {
+            LoseGap(begin);
+        }
+    }
+
+    /// Returns how far positions pointed beside what they mean before a piece, if it changed nothing.
+    std::int64_t ShiftBefore(const CPiece& piece) const {
+        const CCandidate& candidate = CandidateOf(piece);
+        return candidate.kind == EKind::File ? piece.shift : m_shift - candidate.moved;
+    }
+
+    /// Tells whether a position points elsewhere, and no later one shows that it is damaged: bytes may be missing or
+    /// have been put in before it.
+    bool IsAloneAstray(const CPiece& piece) const {
+        if (!piece.hasOwnShift || piece.ownShift == m_shift) return false;
+        for (std::size_t i = m_index + 1; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
+            if (CandidateOf(m_pieces[i]).kind == EKind::File) return true;
+            if (m_pieces[i].hasOwnShift && m_pieces[i].ownShift == m_pieces[i - 1].shift) return false;
+        }
+        return true;
+    }
+
+    void LoseGap(std::int64_t end) {
+        const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
+        CRemark remark{.reason = EReason::NoHeader, .from = m_end, .to = end};
+        if (segment.whole >= segment.damaged) {
+            if (!segment.noID) remark.wellID = segment.well;
+            remark.cells = DamageOf(m_window, segment).damaged;
+            const bool isOverlapped = segment.IsWhole() && segment.end + 2 * segment.size > end;
+            remark.reason = isOverlapped        ? EReason::TakenOutOf
+                            : segment.IsWhole() ? EReason::Contradiction
+                                                : EReason::DamagedSegment;
+        }
+        Lose(std::move(remark));
+    }
+
+    /// The header of a recording is lost. What is left of its cells stays.
+    void BeginLostRecording(std::int64_t begin) {
+        const std::int64_t told = m_nextRecording == kLost ? m_end : m_nextRecording - m_shift;
+        const bool isTold = told >= m_end && told < begin;
+        const CCandidate left = BestAt(m_window, EKind::Recording, isTold ? told : m_end);
+        BeginRecording(left.begin);
+        CFoundRecording& found = Found().recordings.back();
+        if (begin == m_end || left.end > begin || left.whole == 0) return;
+        found.place = left.Place();
+        found.layout = left.layout;
+        found.cutAt = left.end;
+        found.wellList = WellListOf(m_window, left, left.end);
+        m_nextRecording = left.from;
+        m_nextKey = kNextRecording;
+    }
+
+    /// Doubts the segment before a gap, or before a place from where positions point elsewhere: the bytes that were put
+    /// in or taken out may have been in its samples.
+    void DoubtSegmentBefore(bool isGap) {
+        const CPiece& piece = m_pieces[m_index];
+        const CCandidate& candidate = CandidateOf(piece);
+        const bool isFile = candidate.kind == EKind::File;
+        const std::int64_t shift = isFile ? kLost : NextOwnShift();
+        if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(kLeastHdr))
+            Doubt({.reason = EReason::OtherHeader,
+                   .from = candidate.begin,
+                   .to = piece.end,
+                   .wellID = WellOf(candidate)});
+        const CCandidate* const before = SegmentBefore();
+        if (before == nullptr || Before()->isCut) return;
+        EReason reason = EReason::Unconfirmed;
+        if (candidate.begin < m_end || IsAloneAstray(piece)) {
+            reason = candidate.begin < m_end || piece.ownShift > m_shift ? EReason::TakenOut : EReason::PutIn;
+        } else if (shift == m_shift || (shift == kLost && LooksLikeHeader(m_window, m_end))) {
+            return;
+        } else if (shift != kLost) {
+            reason = shift > m_shift ? EReason::TakenOut : EReason::PutIn;
+        }
+        Doubt({.reason = reason, .from = before->begin, .to = Before()->end, .wellID = WellOf(*before)});
+    }
+
+    /// Returns how far positions point beside what they mean from the current piece on, as the next one says whose
+    /// position is right; `kLost` if none does before another file begins.
+    std::int64_t NextOwnShift() const {
+        for (std::size_t i = m_index; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
+            const CPiece& piece = m_pieces[i];
+            if (CandidateOf(piece).kind == EKind::File) return kLost;
+            if (piece.hasOwnShift && piece.ownShift - CandidateOf(piece).moved == piece.shift) return piece.ownShift;
+        }
+        return kLost;
+    }
+
+    // ---- The end ----------------------------------------------------------------------------------------------------
+
+    void PassEnd() {
+        const std::int64_t size = m_window.Size();
+        const CCandidate* const before = SegmentBefore();
+        const bool isCut = Before() != nullptr && Before()->isCut;
+        if (m_end < size) {
+            LoseEnd();
+        } else if (before != nullptr && !isCut) {
+            EndPosition(kNextSegment, before->next, EReason::MissingSegment);
+        }
+        if (!(m_end < size && m_nextRecording - m_shift == m_end))
+            EndPosition(m_nextKey, m_nextRecording, EReason::MissingRecording);
+        if (Before() != nullptr && CandidateOf(*Before()).kind == EKind::Recording && m_end == size && !m_isGrowing)
+            Doubt({.reason = EReason::MaybeEmpty, .from = size, .to = size});
+    }
+
+    void LoseEnd() {
+        const std::int64_t size = m_window.Size();
+        const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
+        const bool isLike = LooksLikeHeader(m_window, m_end);
+        CRemark remark{.reason = isLike ? EReason::EndsInHeader : EReason::EndsInRubbish, .from = m_end, .to = size};
+        if (segment.whole >= segment.damaged && segment.end <= size) {
+            remark.reason = segment.IsWhole() ? EReason::Contradiction : EReason::DamagedSegment;
+            remark.cells = DamageOf(m_window, segment).damaged;
+            if (!segment.noID) remark.wellID = segment.well;
+        }
+        const CCandidate* const before = SegmentBefore();
+        if (before != nullptr && !isLike)
+            Doubt({.reason = EReason::Unconfirmed,
+                   .from = before->begin,
+                   .to = Before()->end,
+                   .wellID = WellOf(*before)});
+        LoseAtEnd(std::move(remark));
+    }
+
+    /// Compares a last position with the end of the input. A position is set only after what it points at is written.
+    void EndPosition(const char* key, std::int64_t told, EReason reason) {
+        const std::int64_t size = m_window.Size();
+        if (told == kLost || told == kUnset) return;
+        if (told - m_shift < size) return Compare(key, told, kUnset, Here());
+        LoseAtEnd({.reason = reason, .from = size, .to = std::max(size, told - m_shift), .told = told});
+    }
+
+    // ---- Remarks ----------------------------------------------------------------------------------------------------
+
+    static std::optional<std::int32_t> WellOf(const CCandidate& candidate) {
+        return candidate.kind == EKind::Segment ? std::optional(candidate.well) : std::nullopt;
+    }
+
+    /// Compares a position with what is there. What is there counts. In a recording that was
+    /// never finished, -1 may not have been set yet.
+    void Compare(const char* key, std::int64_t told, std::int64_t should, const CRemark& where) {
+        if (told == should || told == kLost) return;
+        m_account.isStraight = false;
+        if (told == kUnset && (Found().recordings.empty() || Found().recordings.back().unfinished)) return;
+        CRemark remark = where;
+        remark.reason = EReason::Position;
+        remark.told = told;
+        remark.should = should;
+        remark.what = key;
+        Doubt(std::move(remark));
+    }
+
+    /// Compares the position of the segment before with what follows it.
+    void CompareNext(bool isFollowed) {
+        const CCandidate* const before = SegmentBefore();
+        if (before == nullptr || Before()->isCut) return;
+        const CRemark where{.from = before->begin, .to = m_end, .wellID = WellOf(*before)};
+        Compare(kNextSegment, before->next, isFollowed ? m_end + m_shift : kUnset, where);
+        if (m_shift != 0) m_account.isStraight = false;
+    }
+
+    CRemark Here() const { return {.from = m_end, .to = m_end}; }
+
+    void DoubtMoved(const CCandidate& candidate, std::int64_t end, std::optional<std::int32_t> well) {
+        Doubt({.reason = candidate.moved > 0 ? EReason::PutIntoHeader : EReason::TakenFromHeader,
+               .from = candidate.begin,
+               .to = end,
+               .wellID = well});
+    }
+
+    void DoubtCells(const CPiece& piece, const CCandidate& segment) {
+        const CDamage damage = DamageOf(m_window, segment);
+        CRemark remark{.reason = EReason::DamagedCells,
+                       .from = segment.begin,
+                       .to = piece.end,
+                       .wellID = segment.well,
+                       .cells = damage.damaged,
+                       .lost = damage.lost};
+        if (piece.made == EMade::Size) {
+            remark.cells.set(SegmentRow(segment, "Size"));
+            remark.lost.set(SegmentRow(segment, "Size"));
+        }
+        remark.should = segment.noID ? 1 : 0;
+        Doubt(std::move(remark));
+    }
+
+    /// While the input is being written, its end is neither a loss nor a doubt.
+    void LoseAtEnd(CRemark remark) {
+        if (!m_isGrowing) Lose(std::move(remark));
+    }
+
+    void Lose(CRemark remark) { Add(Found().losses, std::move(remark)); }
+    void Doubt(CRemark remark) { Add(Found().doubts, std::move(remark)); }
+
+    void Add(CRemarks& remarks, CRemark remark) {
+        const std::size_t recordings = Found().recordings.size();
+        if (recordings > 0) remark.recording = static_cast<std::uint32_t>(recordings - 1);
+        remarks.Add(std::move(remark));
+    }
+
+    static constexpr std::size_t kLeastHdr = 300;
+    static constexpr std::size_t kMostSteps = 64;  ///< Pieces that a look ahead takes in.
+
+    CWindow& m_window;
+    const CCandidates& m_candidates;
+    const std::vector<CPiece>& m_pieces;
+    bool m_keepCut;
+    bool m_isGrowing;
+    CAccount m_account;
+    std::size_t m_index = 0;
+    std::int64_t m_end = 0;                  ///< Where the last piece ends.
+    std::int64_t m_shift = 0;                ///< That of the last piece.
+    std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, as the last header says.
+    const char* m_nextKey = kNextRecording;  ///< The key of its cell.
+};
+
+/// A walk along the positions.
+class CFollower {
+ public:
+    CFollower(CWindow& window, const CReach& reach) : m_window(window), m_reach(reach) {}
+
+    std::optional<CFound> Run() {
+        const CCandidate file = BestAt(m_window, EKind::File, 0);
+        if (!file.IsWhole()) return std::nullopt;
+        m_found.file = file.Place();
+        m_found.fileLayout = file.layout;
+        for (std::int64_t position = file.next; position != kUnset;) {
+            const CCandidate recording = BestAt(m_window, EKind::Recording, position);
+            if (!recording.IsWhole() || recording.next == kUnset || !HasRoom()) return std::nullopt;
+            m_found.recordings.push_back({.position = position,
+                                          .place = recording.Place(),
+                                          .layout = recording.layout,
+                                          .cutAt = recording.end,
+                                          .wellList = WellListOf(m_window, recording, recording.end),
+                                          .wells = {}});
+            m_ranges.emplace_back(position, recording.end);
+            if (!TakeSegments(recording)) return std::nullopt;
+            position = recording.from;
+        }
+        m_ranges.emplace_back(0, file.end);
+        if (!ReportGaps()) return std::nullopt;
+        return std::move(m_found);
+    }
+
+ private:
+    bool HasRoom() const { return m_ranges.size() <= static_cast<std::size_t>(m_window.Size()) / 300; }
+
+    /// Takes the segments of a recording. Without any, its position points at what follows it.
+    bool TakeSegments(const CCandidate& recording) {
+        for (std::int64_t position = recording.next; position != kUnset;) {
+            m_reach(position);
+            const CCandidate segment = BestAt(m_window, EKind::Segment, position);
+            const std::int64_t end = segment.end + 2 * segment.size;
+            const bool isGood = segment.IsWhole() && end <= m_window.Size() && HasRoom() &&
+                                !IntervalsOf(segment.from, segment.to, segment.size).None();
+            if (!isGood)
+                return position == recording.next &&
+                       (position == m_window.Size() || BestAt(m_window, EKind::Recording, position).IsWhole());
+            m_found.segments.push_back({.position = position,
+                                        .data = segment.end,
+                                        .from = segment.from,
+                                        .to = segment.to,
+                                        .samples = static_cast<std::uint32_t>(segment.size),
+                                        .wellID = segment.well,
+                                        .recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1)});
+            m_ranges.emplace_back(position, end);
+            position = segment.next;
+        }
+        return true;
+    }
+
+    /// Loses the bytes that no position leads to. Returns false if some belong to two things.
+    bool ReportGaps() {
+        std::ranges::sort(m_ranges);
+        m_ranges.emplace_back(m_window.Size(), m_window.Size());
+        std::int64_t end = 0;
+        for (const auto& [from, to] : m_ranges) {
+            if (from < end) return false;
+            if (from > end) m_found.losses.Add({.reason = EReason::NotReached, .from = end, .to = from});
+            end = to;
+        }
+        return true;
+    }
+
+    CWindow& m_window;
+    const CReach& m_reach;
+    CFound m_found;
+    std::vector<std::pair<std::int64_t, std::int64_t>> m_ranges;
+};
+
+}  // namespace
+
+CAccount AccountFor(CWindow& window, const CCandidates& candidates, const std::vector<CPiece>& pieces, bool keepCut,
+                    bool isGrowing) {
+    return CAccountant(window, candidates, pieces, keepCut, isGrowing).Run();
+}
+
+std::optional<CFound> FollowPositions(CWindow& window, const CReach& reach) { return CFollower(window, reach).Run(); }
+
+}  // namespace vxfileio::recovery

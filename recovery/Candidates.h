@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "recovery/Cells.h"
+#include "recovery/Input.h"
+
+/// @file
+/// Step 1: every header that proves itself, in any layout, at any offset.
+
+namespace vxfileio::recovery {
+
+/// A position that can't be read from its cell.
+inline constexpr std::int64_t kLost = std::numeric_limits<std::int64_t>::min();
+
+enum class EKind : std::uint8_t { File, Recording, Segment };
+
+/// Bytes that may be a header.
+struct CCandidate {
+    std::int64_t begin = 0;  ///< Offset of its first byte, or where that would be.
+    std::int64_t claim = 0;  ///< Offset of its first undamaged cell: what lies before may belong to something else.
+    std::int64_t end = 0;    ///< Offset of the byte after the header.
+    /// The position in it: of the first recording (file), the data (recording) or the next segment. Or `kLost`.
+    std::int64_t next = kLost;
+    std::int64_t from = 0;  ///< Segment: time of the first sample. Recording: the position of the next one, or `kLost`.
+    std::int64_t to = 0;    ///< Segment: time of the last sample.
+    std::int64_t size = 0;  ///< Segment: number of samples.
+    std::int32_t well = 0;  ///< Segment: well ID. Recording: index of its channels in `CCandidates`.
+    std::int16_t moved = 0;
+    std::uint8_t movedRow = 0;
+    EKind kind = EKind::Segment;
+    std::uint8_t layout = 0;   ///< Index in `Layouts()`.
+    std::uint8_t damaged = 0;  ///< Number of damaged cells.
+    std::uint8_t whole = 0;    ///< Number of others.
+    /// @name Segment: cells that are lost
+    /// @{
+    bool noID = false;
+    bool noFrom = false;
+    bool noTo = false;
+    bool noSize = false;
+    /// @}
+
+    CHdrPlace Place() const { return {begin, movedRow, moved}; }
+    bool IsWhole() const { return damaged == 0; }
+};
+
+/// The channels that a recording header lists, and how far the list can be trusted.
+struct CWellList {
+    std::vector<std::pair<std::int32_t, std::int64_t>> wells;  ///< ID and interval; 0 where that is lost.
+    bool knowsWells = false;
+    bool knowsTicks = false;
+
+    /// Returns the interval of a well; 0 if it isn't known.
+    std::int64_t TickOf(std::int32_t well) const;
+    /// Returns the interval that all wells share; 0 if they differ.
+    std::int64_t CommonTick() const;
+    bool Lists(std::int32_t well) const;
+};
+
+struct CCandidates {
+    std::vector<CCandidate> list;  ///< In the order of their claims.
+    std::vector<CWellList> wellLists;
+};
+
+/// Is told how far a step is, as an offset. May throw to end it.
+using CReach = std::function<void(std::int64_t)>;
+
+/// Searches an input for headers. Samples of a segment are skipped if its header is whole and the header after the
+/// samples agrees.
+CCandidates FindCandidates(CWindow& window, const CReach& reach);
+
+/// Returns what a header at an offset says in the layout that fits best, however little that is.
+CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset);
+
+/// Returns the wells that a recording header lists; cells that end after `cutAt` are lost.
+CWellList WellListOf(CWindow& window, const CCandidate& recording, std::int64_t cutAt);
+
+/// Tells whether a header seems to begin at an offset: at least half of its cells are whole, or the input ends in it.
+bool LooksLikeHeader(CWindow& window, std::int64_t offset);
+
+/// Returns the damage of a candidate's cells.
+CDamage DamageOf(CWindow& window, const CCandidate& candidate);
+
+}  // namespace vxfileio::recovery

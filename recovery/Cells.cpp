@@ -1,0 +1,66 @@
+#include "recovery/Cells.h"
+
+#include <type_traits>
+#include <variant>
+
+#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/rawdata/CellCodec.h"
+#include "vxfileio/rawdata/CellFault.h"
+
+namespace vxfileio::recovery {
+
+using namespace rawdata;
+
+namespace {
+
+/// Tells whether a well-formed number is possible: positions start at -1, and a list has limited room.
+bool IsPossible(const auto& cell, std::string_view bytes) {
+    const std::int64_t value = helpers::ParseInt64(CellValue(bytes));
+    if (cell.traits.role == ERole::UnusedPosition) return value == kUnset;
+    if (cell.traits.role == ERole::Position) return value >= kUnset;
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(cell)>, CRecordingCell>) {
+        if (std::holds_alternative<CChannelCount>(cell.member))
+            return value >= 0 && value <= static_cast<std::int64_t>(Layouts().back().mostChannels);
+    }
+    return true;
+}
+
+bool IsDamaged(const auto& cell, std::string_view bytes) {
+    const auto fault = FaultOf(cell, bytes);
+    return fault ? fault->kind != ECellFault::Separator : !IsPossible(cell, bytes);
+}
+
+/// Tells whether the text of a damaged cell would be whole in an undamaged one. A single NUL needn't be its end: it may
+/// have been a character. A line end within the text may be that of the cell, followed by another cell.
+bool IsLegible(const auto& cell, std::string_view bytes) {
+    const std::string_view text = CellText(bytes);
+    if (text.size() + kCellEndSize + 1 > cell.width) return false;
+    if (bytes[text.size() + 1] != '\0' || text.find('\n') != std::string_view::npos) return false;
+    std::string whole(cell.width, '\0');
+    CCellWriter(whole, text);
+    return !IsDamaged(cell, whole);
+}
+
+template <class Layout>
+CDamage Judge(const Layout& layout, std::string_view bytes) {
+    CDamage damage;
+    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
+        const auto& cell = layout.cells[row];
+        const std::string_view cellBytes = CellIn(cell, bytes);
+        const auto fault = FaultOf(cell, cellBytes);
+        damage.odd[row] = fault && fault->kind == ECellFault::Separator;
+        damage.damaged[row] = fault ? !damage.odd[row] : !IsPossible(cell, cellBytes);
+        damage.lost[row] = damage.damaged[row] && !IsLegible(cell, cellBytes);
+    }
+    return damage;
+}
+
+}  // namespace
+
+CDamage DamageOf(const CHdrLayout<CFileCell>& layout, std::string_view bytes) { return Judge(layout, bytes); }
+
+CDamage DamageOf(const CHdrLayout<CRecordingCell>& layout, std::string_view bytes) { return Judge(layout, bytes); }
+
+CDamage DamageOf(const CHdrLayout<CSegmentCell>& layout, std::string_view bytes) { return Judge(layout, bytes); }
+
+}  // namespace vxfileio::recovery

@@ -1,0 +1,492 @@
+#include "recovery/Explanation.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <limits>
+#include <map>
+#include <optional>
+#include <queue>
+#include <unordered_map>
+#include <utility>
+
+#include "recovery/Times.h"
+
+namespace vxfileio::recovery {
+
+using namespace rawdata;
+
+namespace {
+
+constexpr std::int32_t kNone = -1;
+
+/// Positions beyond this are of no file, so that sums stay in range.
+constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max() / 4;
+
+bool IsPosition(std::int64_t position) { return position >= 0 && position <= kFarthest; }
+
+/// One way to explain the input up to the end of a piece.
+struct CNode {
+    CPiece piece;
+    std::int32_t cost = 0;
+    std::int32_t other = std::numeric_limits<std::int32_t>::max();  ///< Cost of the best way with another piece ahead.
+    std::int32_t parent = kNone;
+    std::int32_t recording = kNone;  ///< The node that began the recording.
+    std::int32_t wholeBefore = 0;    ///< Number of whole candidates up to this one.
+    bool cutsParent = false;         ///< It begins within the header of its parent.
+};
+
+/// One way to read a segment header.
+struct CReading {
+    std::int64_t samples = 0;
+    EMade made = EMade::None;
+};
+
+int GapCost(std::int64_t bytes) {
+    return bytes <= 0 ? 0 : costs::kGap + 2 * static_cast<int>(std::bit_width(static_cast<std::uint64_t>(bytes)));
+}
+
+bool IsRecordingHdrSize(std::int64_t bytes) {
+    return std::ranges::any_of(
+        Layouts(), [&](const CLayout& layout) { return bytes == static_cast<std::int64_t>(layout.recording.size); });
+}
+
+class CExplainer {
+ public:
+    CExplainer(const CCandidates& candidates, std::int64_t size, const CReach& reach)
+        : m_candidates(candidates), m_size(size), m_reach(reach) {
+        m_nodes.emplace_back();
+        m_open.push_back(0);
+    }
+
+    std::vector<CPiece> Run() {
+        for (std::uint32_t i = 0; i < m_candidates.list.size(); ++i) {
+            const CCandidate& candidate = m_candidates.list[i];
+            if (i % 1024 == 0) m_reach(candidate.begin);
+            Release(candidate.claim);
+            Extend(i);
+            m_whole += candidate.IsWhole() ? 1 : 0;
+        }
+        Release(m_size);
+        return Path(Best());
+    }
+
+ private:
+    static constexpr std::size_t kMostOpen = 16;
+
+    const CCandidate& CandidateOf(const CNode& node) const { return m_candidates.list[node.piece.candidate]; }
+    bool IsStart(const CNode& node) const { return node.parent == kNone; }
+    bool IsOf(const CNode& node, EKind kind) const { return !IsStart(node) && CandidateOf(node).kind == kind; }
+
+    /// Opens the nodes that end by here: something else may follow them.
+    void Release(std::int64_t position) {
+        while (!m_pending.empty() && m_pending.top().first <= position) {
+            const std::int32_t index = m_pending.top().second;
+            m_pending.pop();
+            CNode& node = m_nodes[static_cast<std::size_t>(index)];
+            if (m_whole > node.wholeBefore) node.cost += costs::kHeaderWithin;
+            const auto place = std::ranges::upper_bound(m_open, node.cost, {}, [&](std::int32_t other) {
+                return m_nodes[static_cast<std::size_t>(other)].cost;
+            });
+            m_open.insert(place, index);
+            if (m_open.size() > kMostOpen) m_open.pop_back();
+        }
+    }
+
+    void Extend(std::uint32_t index) {
+        const CCandidate& candidate = m_candidates.list[index];
+        m_offers.clear();
+        for (const std::int32_t parent : m_open)
+            Follow(parent, index, false);
+        for (const std::int32_t parent : m_recordings) {
+            const CNode& node = m_nodes[static_cast<std::size_t>(parent)];
+            if (IsStart(node)) continue;
+            const CCandidate& header = CandidateOf(node);
+            if (!header.IsWhole() && header.begin < candidate.begin && candidate.begin < header.end)
+                Follow(parent, index, true);
+        }
+        for (const CNode& offer : m_offers)
+            Add(offer);
+    }
+
+    void Add(CNode node) {
+        const auto index = static_cast<std::int32_t>(m_nodes.size());
+        const bool isRecording = IsOf(node, EKind::Recording);
+        if (isRecording || node.piece.lostRecording) node.recording = index;
+        if (isRecording) {
+            m_recordings[m_nextRecording++ % m_recordings.size()] = index;
+        }
+        node.wholeBefore = m_whole + (CandidateOf(node).IsWhole() ? 1 : 0);
+        m_pending.emplace(node.piece.end, index);
+        m_nodes.push_back(node);
+        Learn(node);
+    }
+
+    /// Offers the ways in which a candidate can follow a node.
+    void Follow(std::int32_t parentIndex, std::uint32_t index, bool cutsParent) {
+        const CNode& parent = m_nodes[static_cast<std::size_t>(parentIndex)];
+        const CCandidate& candidate = m_candidates.list[index];
+        const std::int64_t end = cutsParent ? candidate.begin : parent.piece.end;
+        if (end > candidate.claim) return;
+        CNode node{.piece = {.candidate = index}, .parent = parentIndex, .recording = parent.recording};
+        node.cutsParent = cutsParent;
+        const std::int64_t gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
+        const int cells = candidate.whole + candidate.damaged;
+        const bool isDirect = end == candidate.begin;
+        node.cost = parent.cost + GapCost(gap) + costs::kHeader * candidate.whole / cells +
+                    (cutsParent ? CutCost(parent, candidate.begin) : 0) +
+                    (isDirect ? 0 : UnconfirmedCost(parent, gap)) + (candidate.moved != 0 ? costs::kValue : 0);
+        if (candidate.kind == EKind::Segment) {
+            FollowWithSegment(parent, gap, node);
+        } else {
+            FollowWithHeader(parent, gap, node);
+        }
+    }
+
+    /// Returns what it costs that a recording header ends early: an assumption, and the cells that it loses.
+    int CutCost(const CNode& node, std::int64_t end) const {
+        const CCandidate& header = CandidateOf(node);
+        const int value = costs::kHeader * header.whole / (header.whole + header.damaged);
+        const auto lost = static_cast<double>(header.end - end) / static_cast<double>(header.end - header.begin);
+        return costs::kGap - static_cast<int>(value * lost);
+    }
+
+    void FollowWithHeader(const CNode& parent, std::int64_t gap, CNode node) {
+        const CCandidate& header = CandidateOf(node);
+        if (header.end > m_size) return;
+        node.piece.end = header.end;
+        if (header.kind == EKind::File) {
+            node.recording = kNone;
+            node.piece.shift = -header.begin;
+            node.piece.hasOwnShift = true;
+            return Offer(node);
+        }
+        if (IsOf(parent, EKind::Segment) && IsPosition(CandidateOf(parent).next)) node.cost += costs::kPosition;
+        if (parent.recording != kNone) {
+            const CNode& before = m_nodes[static_cast<std::size_t>(parent.recording)];
+            if (IsOf(before, EKind::Recording) && CandidateOf(before).layout != header.layout)
+                node.cost += costs::kVersion;
+        }
+        OfferShifts(parent, gap, node, header.next);
+    }
+
+    void FollowWithSegment(const CNode& parent, std::int64_t gap, CNode node) {
+        const CCandidate& segment = CandidateOf(node);
+        const bool mustBegin = parent.recording == kNone;
+        const int same = SameRecordingCost(parent, gap, node);
+        const int lost = LostRecordingCost(parent, gap, node);
+        node.piece.lostRecording = mustBegin || (gap > 0 && lost < same);
+        node.cost += node.piece.lostRecording ? lost : same;
+        const std::int64_t tick = node.piece.lostRecording ? 0 : TickOf(parent.recording, segment);
+        const CWellList* const wells = node.piece.lostRecording ? nullptr : WellListOf(parent.recording);
+        for (const CReading& reading :
+             ReadingsOf(segment, tick, parent.piece.shift, wells != nullptr && wells->knowsWells)) {
+            CNode way = node;
+            way.piece.samples = reading.samples;
+            way.piece.made = reading.made;
+            way.piece.tick = tick;
+            way.piece.end = segment.end + 2 * reading.samples;
+            way.cost += reading.made == EMade::None ? 0 : costs::kValue;
+            if (way.piece.end > m_size) {
+                const bool isTold = tick > 0 || segment.next == way.piece.end + parent.piece.shift;
+                if (!segment.IsWhole() || reading.made != EMade::None || !isTold) continue;
+                way.piece.isCut = true;
+                way.cost += costs::kCut;
+            }
+            OfferShifts(parent, gap, way, segment.next);
+        }
+    }
+
+    /// Offers a node as it is if its position agrees with those ahead; otherwise the position alone is wrong, or all
+    /// positions are from here on.
+    void OfferShifts(const CNode& parent, std::int64_t gap, CNode node, std::int64_t position) {
+        const std::int64_t moved = CandidateOf(node).moved;
+        const std::int64_t end = node.piece.end;
+        if (node.piece.isCut) node.piece.end = m_size;
+        node.piece.shift = parent.piece.shift - moved;
+        if (position == kLost || position == kUnset) return Offer(node);
+        node.piece.hasOwnShift = IsPosition(position);
+        node.piece.ownShift = node.piece.hasOwnShift ? position - (end - moved) : 0;
+        if (node.piece.hasOwnShift && node.piece.ownShift == parent.piece.shift) return Offer(node);
+        CNode wrong = node;
+        wrong.cost += costs::kPosition;
+        Offer(wrong);
+        if (!node.piece.hasOwnShift) return;
+        const std::int64_t by = node.piece.ownShift - parent.piece.shift;
+        const bool isByGap = gap > 0 && (by == -gap || by == OverlapOf(parent.piece.end, CandidateOf(node).begin));
+        node.cost += isByGap ? costs::kShiftByGap : costs::kShift;
+        node.piece.shift = node.piece.ownShift - moved;
+        Offer(node);
+    }
+
+    /// Returns how many bytes are missing from the whole segment at `begin` if the next header begins at `next`; 0 if
+    /// there is none.
+    std::int64_t OverlapOf(std::int64_t begin, std::int64_t next) const {
+        const auto found = std::ranges::lower_bound(m_candidates.list, begin, {}, &CCandidate::claim);
+        for (auto segment = found; segment != m_candidates.list.end() && segment->claim == begin; ++segment) {
+            if (segment->kind == EKind::Segment && segment->IsWhole())
+                return std::max<std::int64_t>(0, segment->end + 2 * segment->size - next);
+        }
+        return 0;
+    }
+
+    /// Keeps the better of two ways to the same state.
+    void Offer(const CNode& node) {
+        const auto isSame = [&](const CNode& other) {
+            return other.piece.end == node.piece.end && other.piece.made == node.piece.made &&
+                   other.piece.shift == node.piece.shift && other.piece.samples == node.piece.samples;
+        };
+        const auto same = std::ranges::find_if(m_offers, isSame);
+        if (same == m_offers.end()) return m_offers.push_back(node);
+        if (node.cost < same->cost) {
+            const std::int32_t other = same->cost;
+            *same = node;
+            same->other = other;
+        } else if (node.cost < same->other) {
+            same->other = node.cost;
+        }
+    }
+
+    /// Returns the ways to read a segment: with one value made up from the others at most.
+    std::vector<CReading> ReadingsOf(const CCandidate& segment, std::int64_t tick, std::int64_t shift,
+                                     bool knowsWells) const {
+        const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
+        const auto lost = std::ranges::count(isLost, true);
+        // Where bytes were taken out of a header, a cell next to the place may be a mixture of two.
+        if (lost > (segment.moved == 0 ? 1 : 0) || (segment.noID && segment.damaged > 1 && !knowsWells)) return {};
+        const auto samples = SamplesOf(segment.from, segment.to, tick);
+        if (segment.noSize) {
+            if (samples) return {{*samples, EMade::Size}};
+            const std::int64_t room = (segment.next - shift - segment.end) / 2;
+            const bool fits = tick == 0 && IsPosition(segment.next) && room > 0 && room <= kMostSamples &&
+                              !IntervalsOf(segment.from, segment.to, room).None();
+            return fits ? std::vector<CReading>{{room, EMade::Size}} : std::vector<CReading>{};
+        }
+        if (segment.noFrom)
+            return TimeAfter(segment.to, 1 - segment.size, tick) ? std::vector<CReading>{{segment.size, EMade::From}}
+                                                                 : std::vector<CReading>{};
+        if (segment.noTo)
+            return TimeAfter(segment.from, segment.size - 1, tick) ? std::vector<CReading>{{segment.size, EMade::To}}
+                                                                   : std::vector<CReading>{};
+        const CIntervals intervals = IntervalsOf(segment.from, segment.to, segment.size);
+        if (tick > 0 ? intervals.Has(tick) : !intervals.None()) return {{segment.size, EMade::None}};
+        std::vector<CReading> readings = {{segment.size, EMade::Either}};
+        if (samples) readings.push_back({*samples, EMade::Size});
+        return readings;
+    }
+
+    /// Returns what it costs that something else than a header lies where a node ends.
+    int UnconfirmedCost(const CNode& node, std::int64_t gap) const {
+        if (!IsOf(node, EKind::Segment)) return 0;
+        const CCandidate& segment = CandidateOf(node);
+        if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
+        // Bytes that were put into a damaged header move its samples.
+        if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
+        if (IsPosition(segment.next) && node.piece.ownShift == node.piece.shift) return 0;
+        return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
+    }
+
+    int SameRecordingCost(const CNode& parent, std::int64_t gap, const CNode& node) const {
+        int cost = IsOf(parent, EKind::Segment) && CandidateOf(parent).next == kUnset ? costs::kPosition : 0;
+        if (gap > 0 && parent.recording != kNone && IsForeign(parent, node)) cost += costs::kForeign;
+        if (gap > 0 && IsNextRecordingPassed(parent, node)) cost += costs::kPosition;
+        return cost;
+    }
+
+    int LostRecordingCost(const CNode& parent, std::int64_t gap, const CNode& node) const {
+        const bool expectsSegment = IsOf(parent, EKind::Segment) && IsPosition(CandidateOf(parent).next);
+        const bool hasRoom = gap >= static_cast<std::int64_t>(Layouts().front().recording.size);
+        const bool hasEnded = IsOf(parent, EKind::Segment) && CandidateOf(parent).next == kUnset;
+        return (hasRoom || hasEnded || IsNextRecordingPassed(parent, node) ? costs::kLostRecording
+                                                                           : costs::kForcedRecording) +
+               (expectsSegment && IsRecordingHdrSize(gap) ? costs::kPosition : 0);
+    }
+
+    /// Tells whether the header of the next recording should lie in the gap between two nodes.
+    bool IsNextRecordingPassed(const CNode& parent, const CNode& node) const {
+        std::int64_t next = kLost;
+        if (parent.recording != kNone) {
+            const CNode& recording = m_nodes[static_cast<std::size_t>(parent.recording)];
+            if (IsOf(recording, EKind::Recording)) next = CandidateOf(recording).from;
+        } else if (IsOf(parent, EKind::File)) {
+            next = CandidateOf(parent).next;
+        }
+        if (!IsPosition(next)) return false;
+        next -= parent.piece.shift;
+        return next >= parent.piece.end && next < CandidateOf(node).begin;
+    }
+
+    /// Tells whether neither a segment nor the one after it can be of the recording ahead; one alone may be damaged.
+    bool IsForeign(const CNode& parent, const CNode& node) const {
+        const CCandidate& segment = CandidateOf(node);
+        if (Belongs(parent, segment)) return false;
+        if (node.piece.candidate + 1 >= m_candidates.list.size()) return true;
+        const CCandidate& next = m_candidates.list[node.piece.candidate + 1];
+        return next.kind != EKind::Segment || !next.IsWhole() || !Belongs(parent, next);
+    }
+
+    bool Belongs(const CNode& parent, const CCandidate& segment) const {
+        const CWellList* const channels = WellListOf(parent.recording);
+        if (channels != nullptr && channels->knowsWells && !channels->Lists(segment.well)) return false;
+        const std::int64_t tick = TickOf(parent.recording, segment);
+        if (tick > 0 && !IntervalsOf(segment.from, segment.to, segment.size).Has(tick)) return false;
+        constexpr int kMostSteps = 256;
+        const CNode* node = &parent;
+        for (int i = 0; i < kMostSteps && node->parent != kNone && IsOf(*node, EKind::Segment); ++i) {
+            const CCandidate& before = CandidateOf(*node);
+            if (before.well == segment.well) return segment.from > before.to;
+            node = &m_nodes[static_cast<std::size_t>(node->parent)];
+        }
+        return true;
+    }
+
+    const CWellList* WellListOf(std::int32_t recording) const {
+        if (recording == kNone) return nullptr;
+        const CNode& node = m_nodes[static_cast<std::size_t>(recording)];
+        if (!IsOf(node, EKind::Recording)) return nullptr;
+        return &m_candidates.wellLists[static_cast<std::size_t>(CandidateOf(node).well)];
+    }
+
+    /// Returns the interval of a segment's well, as its recording or the segments before say; 0 if none does.
+    std::int64_t TickOf(std::int32_t recording, const CCandidate& segment) const {
+        if (const CWellList* const channels = WellListOf(recording)) {
+            const std::int64_t tick = segment.noID ? channels->CommonTick() : channels->TickOf(segment.well);
+            if (tick > 0) return tick;
+        }
+        const auto learned = m_learned.find({recording, segment.well});
+        if (learned == m_learned.end() || learned->second.None() || learned->second.IsOpen()) return 0;
+        return learned->second.atMost;
+    }
+
+    /// Remembers what a segment says of the interval of its well, where the recording doesn't.
+    void Learn(const CNode& node) {
+        const CCandidate& segment = CandidateOf(node);
+        if (segment.kind != EKind::Segment || !segment.IsWhole() || node.piece.made != EMade::None) return;
+        const CWellList* const channels = WellListOf(node.recording);
+        if (channels != nullptr && channels->TickOf(segment.well) > 0) return;
+        CIntervals& learned = m_learned[{node.recording, segment.well}];
+        const CIntervals own = IntervalsOf(segment.from, segment.to, segment.size);
+        learned.atLeast = std::max(learned.atLeast, own.atLeast);
+        learned.atMost = std::min(learned.atMost, own.atMost);
+    }
+
+    std::int32_t Best() const {
+        std::int32_t best = 0;
+        std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
+        for (const std::int32_t index : m_open) {
+            const CNode& node = m_nodes[static_cast<std::size_t>(index)];
+            const std::int64_t gap = m_size - node.piece.end;
+            const std::int32_t cost = node.cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(node, gap) : 0);
+            if (cost >= lowest) continue;
+            lowest = cost;
+            best = index;
+        }
+        return best;
+    }
+
+    std::vector<CPiece> Path(std::int32_t last) const {
+        std::vector<CPiece> pieces;
+        std::optional<std::int64_t> cutAt;
+        for (const CNode* node = &m_nodes[static_cast<std::size_t>(last)]; !IsStart(*node);
+             node = &m_nodes[static_cast<std::size_t>(node->parent)]) {
+            pieces.push_back(node->piece);
+            if (cutAt) pieces.back().end = *cutAt;
+            pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int32_t>::max() &&
+                                        node->other - node->cost <= costs::kNearlyEqual;
+            cutAt = node->cutsParent ? std::optional(CandidateOf(*node).begin) : std::nullopt;
+        }
+        std::ranges::reverse(pieces);
+        return pieces;
+    }
+
+    const CCandidates& m_candidates;
+    std::int64_t m_size;
+    const CReach& m_reach;
+    std::vector<CNode> m_nodes;
+    std::vector<std::int32_t> m_open;  ///< The best ways that end by here, the best first.
+    using CEnd = std::pair<std::int64_t, std::int32_t>;
+    std::priority_queue<CEnd, std::vector<CEnd>, std::greater<>> m_pending;  ///< Those that end later.
+    std::vector<CNode> m_offers;
+    std::array<std::int32_t, 4> m_recordings = {};  ///< The latest nodes of recordings; 0 for none.
+    std::size_t m_nextRecording = 0;
+    std::int32_t m_whole = 0;
+    std::map<std::pair<std::int32_t, std::int32_t>, CIntervals> m_learned;
+};
+
+/// Returns how far a candidate's own position points beside what it means, if it has one.
+std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
+    if (!candidate.IsWhole() || !IsPosition(candidate.next)) return std::nullopt;
+    if (candidate.kind == EKind::File) return -candidate.begin;
+    return candidate.next - candidate.end + candidate.moved -
+           (candidate.kind == EKind::Segment ? 2 * candidate.size : 0);
+}
+
+}  // namespace
+
+std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CReach& reach) {
+    LeaveOutFilesWithin(candidates);
+    return CExplainer(candidates, size, reach).Run();
+}
+
+namespace {
+
+/// Finds raw data files that were stored as samples.
+class CFilesWithin {
+ public:
+    explicit CFilesWithin(CCandidates& candidates) : m_lists(candidates.wellLists), m_list(candidates.list) {
+        for (std::size_t i = 0; i < m_list.size(); ++i) {
+            if (const auto shift = OwnShift(m_list[i]); shift && m_list[i].kind != EKind::File) m_lastOf[*shift] = i;
+        }
+    }
+
+    void LeaveOut() {
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < m_list.size(); ++i) {
+            const CCandidate& candidate = m_list[i];
+            if (candidate.kind == EKind::File && candidate.begin > 0 && candidate.IsWhole() && m_shift) i = EndOf(i);
+            if (m_list[i].kind == EKind::Recording) m_around = WellsOf(m_list[i]);
+            if (const auto shift = OwnShift(m_list[i])) m_shift = shift;
+            m_list[kept++] = m_list[i];
+        }
+        m_list.resize(kept);
+    }
+
+ private:
+    const CWellList* WellsOf(const CCandidate& recording) const {
+        return &m_lists[static_cast<std::size_t>(recording.well)];
+    }
+
+    /// Returns the index of the first candidate after the file that begins at `file`, or `file` if nothing around it
+    /// goes on.
+    std::size_t EndOf(std::size_t file) const {
+        const auto last = m_lastOf.find(*m_shift);
+        const bool goesOn = last != m_lastOf.end() && last->second > file;
+        const CWellList* inside = nullptr;
+        bool hasEnded = false;
+        for (std::size_t i = file + 1; i < m_list.size() && (goesOn || m_list[i].kind != EKind::File); ++i) {
+            const CCandidate& candidate = m_list[i];
+            if (const auto shift = OwnShift(candidate)) {
+                if (shift == m_shift && candidate.kind != EKind::File) return i;
+            } else if (candidate.kind == EKind::Segment && candidate.next == kUnset && m_around != nullptr &&
+                       m_around->Lists(candidate.well) &&
+                       (hasEnded || inside == nullptr || !inside->Lists(candidate.well))) {
+                return i;
+            }
+            if (candidate.kind == EKind::Recording) inside = WellsOf(candidate);
+            hasEnded = candidate.kind == EKind::Segment && candidate.next == kUnset;
+        }
+        return file;
+    }
+
+    const std::vector<CWellList>& m_lists;
+    std::vector<CCandidate>& m_list;
+    std::unordered_map<std::int64_t, std::size_t> m_lastOf;  ///< The last candidate with this shift.
+    const CWellList* m_around = nullptr;                     ///< The wells of the recording around.
+    std::optional<std::int64_t> m_shift;
+};
+
+}  // namespace
+
+void LeaveOutFilesWithin(CCandidates& candidates) { CFilesWithin(candidates).LeaveOut(); }
+
+}  // namespace vxfileio::recovery

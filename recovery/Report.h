@@ -1,0 +1,142 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "recovery/Cells.h"
+
+/// @file
+/// Step 4: what a recovery reports, as data.
+
+namespace vxfileio::recovery {
+
+/// Why something is lost, or in doubt.
+enum class EReason : std::uint8_t {
+    // Losses
+    BeforeFile,        ///< Bytes ahead of the file header.
+    NoHeader,          ///< No header proves itself.
+    EndsInHeader,      ///< The input ends within a header.
+    EndsInRubbish,     ///< No other whole header follows.
+    LostRecording,     ///< The header of a recording is damaged or lost.
+    DamagedSegment,    ///< Too many cells of the header, `cells`, are damaged.
+    Contradiction,     ///< The values of a segment contradict one another.
+    TakenOutOf,        ///< Bytes were taken out: the next header begins within it.
+    TakenOutOfHeader,  ///< Bytes were taken out of a recording header.
+    Cut,               ///< A segment of `count` samples lacks `missing` of them.
+    CutKept,           ///< The same, and those that are there are kept.
+    MissingSegment,    ///< The input ends, but a segment should follow.
+    MissingRecording,  ///< The input ends, but a recording should follow.
+    NotReached,        ///< No position leads there.
+    OtherInterval,     ///< The times of a segment don't go with the interval of its well, `told`.
+    // Doubts
+    DamagedCells,     ///< Cells of a segment header, `cells`; those in `lost` are made up from the others.
+    Position,         ///< A position is `told` but should be `should`.
+    PutIn,            ///< Bytes were put in after this segment or within it.
+    TakenOut,         ///< Bytes were taken out after this segment or within it.
+    Unconfirmed,      ///< Nothing confirms that this segment ends here: its last samples may be wrong.
+    PutIntoHeader,    ///< Bytes were put into its header; its samples are whole.
+    TakenFromHeader,  ///< Bytes were taken out of its header; its samples are whole.
+    OtherHeader,      ///< Bytes were taken out ahead of it or in its header: it may be of another well.
+    MaybeEmpty,       ///< The input ends after the header of a recording.
+    Ambiguous,        ///< Another explanation is nearly as good.
+    OtherWell,        ///< It names this well, but by its times it is of well `told`.
+    Unlisted,         ///< The recording doesn't list this well, which has `count` segments.
+    SharedTimes,  ///< `count` segments have times that others of this well have; well `told`, if any, has none then.
+    MadeTime,     ///< One time didn't go with the interval; the other segments tell it.
+};
+
+/// A part of the input and what became of it.
+struct CRemark {
+    EReason reason = EReason::NoHeader;
+    std::int64_t from = 0;                                  ///< Offset in the input.
+    std::int64_t to = 0;                                    ///< Offset of the byte after it.
+    std::optional<std::uint32_t> recording = std::nullopt;  ///< Index of the recording it most likely belongs to.
+    std::optional<std::int32_t> wellID = std::nullopt;      ///< The well, where that can be read.
+    CRows cells = {};                                       ///< Rows of the segment's layout.
+    CRows lost = {};
+    std::int64_t told = 0;
+    std::int64_t should = 0;
+    std::uint64_t count = 0;
+    std::uint64_t missing = 0;
+    std::string what = {};  ///< The key of a cell.
+};
+
+/// Remarks of one kind. Only the first ones are kept, so that a file full of rubbish can't fill the memory.
+struct CRemarks {
+    static constexpr std::size_t kMost = 10'000;
+
+    std::vector<CRemark> first;
+    std::uint64_t more = 0;  ///< Those that weren't kept.
+
+    void Add(CRemark remark) {
+        if (first.size() < kMost) {
+            first.push_back(std::move(remark));
+        } else {
+            ++more;
+        }
+    }
+    bool None() const { return first.empty(); }
+};
+
+/// What had to be made up in a header.
+struct CNote {
+    enum class EKind : std::uint8_t {
+        Lost,     ///< `keys` are gone.
+        Told,     ///< `keys` are damaged, but told by the rest of the file.
+        Legible,  ///< `keys` are damaged, but legible.
+        Odd,      ///< `keys` have a separator.
+        MadeUp,   ///< The whole header is made up.
+        WellsOfSegments,
+        ListedTwice,  ///< `wells`
+        ListedNow,    ///< `wells`
+        Interval,     ///< of the well is `to`; the header said `from`, if that isn't 0
+        NoInterval,   ///< of the well isn't known; the header said `from`
+        NoAuxChannels,
+        TooManyWells,
+        NewVersion,  ///< the file is of version `to` now
+        NewVersionWithoutStart,
+    };
+    EKind kind = EKind::Lost;
+    std::string keys = {};
+    std::vector<std::int32_t> wells = {};
+    std::int64_t from = 0;
+    std::int64_t to = 0;
+};
+
+/// What was kept of one well.
+struct CKeptWell {
+    std::uint64_t segments = 0;
+    std::uint64_t samples = 0;
+    std::int64_t from = 0;  ///< The first time.
+    std::int64_t to = 0;    ///< The last time.
+
+    bool operator==(const CKeptWell&) const = default;
+};
+
+struct CReportedRecording {
+    std::string task;
+    std::int32_t number = 0;
+    std::int64_t position = 0;  ///< In the input.
+    bool unfinished = false;
+    std::vector<CNote> notes;
+    std::map<std::int32_t, CKeptWell> wells;
+};
+
+/// What became of an input, by recording and well.
+struct CReport {
+    std::int64_t bytes = 0;  ///< Size of the new file; 0 if there was nothing to save, and nothing was written.
+    bool isGrowing = false;  ///< The input was still being written. What came after its first size isn't looked at.
+    std::vector<CNote> notes;
+    std::vector<CReportedRecording> recordings;
+    CRemarks losses;  ///< What isn't in the new file.
+    CRemarks doubts;  ///< What may be lost, or not be what it was.
+
+    /// Tells whether the new file has all that the old one had, but for positions, and without a doubt.
+    bool IsComplete() const;
+};
+
+}  // namespace vxfileio::recovery

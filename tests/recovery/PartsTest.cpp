@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "recovery/Explanation.h"
+#include "recovery/Recover.h"
+#include "recovery/Times.h"
+#include "recovery/Wells.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/recovery/StringInput.h"
+
+/// @file
+/// The parts of recovery, on bytes in memory.
+
+namespace {
+
+using namespace vxfileio::recovery;
+
+const CReach kNoReach = [](std::int64_t) {};
+
+std::vector<CCandidate> CandidatesIn(const std::string& bytes) {
+    const CStringInput input(bytes);
+    CWindow window(input, input.Size());
+    return FindCandidates(window, kNoReach).list;
+}
+
+/// Kinds and offsets of headers, such as "F0 R1190 S3650".
+std::string Text(const CCandidate& candidate) {
+    return "FRS"[static_cast<int>(candidate.kind)] + std::to_string(candidate.begin);
+}
+
+std::string WholeIn(const std::string& bytes) {
+    std::string text;
+    for (const CCandidate& candidate : CandidatesIn(bytes))
+        text += candidate.IsWhole() ? Text(candidate) + " " : "";
+    return text;
+}
+
+/// The pieces of the best explanation.
+std::string Explained(const std::string& bytes) {
+    const CStringInput input(bytes);
+    CWindow window(input, input.Size());
+    CCandidates candidates = FindCandidates(window, kNoReach);
+    std::string text;
+    for (const CPiece& piece : Explain(candidates, input.Size(), kNoReach))
+        text += Text(candidates.list[piece.candidate]) + (piece.lostRecording ? "! " : " ");
+    return text;
+}
+
+std::string With(std::string bytes, std::size_t at, std::size_t size, const std::string& other) {
+    return bytes.replace(at, size, other);
+}
+
+const std::string kRubbish(300, '\xAA');
+
+TEST(CandidatesTest, HeadersAreFoundAtAnyOffsetByAnyOfTheirCells) {
+    const std::string file = SmallFileBytes();
+    EXPECT_EQ(WholeIn(file), "F0 R1190 S3650 S3958 ");
+    EXPECT_EQ(WholeIn("x" + file.substr(3650)), "S1 S309 ");
+    EXPECT_EQ(WholeIn(kRubbish), "");
+    // The key of each cell in turn is gone.
+    for (std::size_t cell = 0; cell < 300; cell += 50) {
+        const auto found = CandidatesIn(With(file, 3650 + cell, 3, "???"));
+        const auto segment = std::ranges::find(found, 3650, &CCandidate::begin);
+        ASSERT_NE(segment, found.end()) << cell;
+        EXPECT_EQ(segment->damaged, 1) << cell;
+    }
+}
+
+TEST(CandidatesTest, PartsOfAHeaderThatBytesWerePutIntoAreJoined) {
+    const std::string file = SmallFileBytes();
+    for (const int moved : {-5, -1, 1, 7, 120}) {
+        std::string bytes = file;
+        moved > 0 ? bytes.insert(3650 + 130, static_cast<std::size_t>(moved), '\0')
+                  : bytes.erase(3650 + 130, static_cast<std::size_t>(-moved));
+        const auto found = CandidatesIn(bytes);
+        const auto joined = std::ranges::find(found, moved, &CCandidate::moved);
+        ASSERT_NE(joined, found.end()) << moved;
+        EXPECT_EQ(joined->begin, 3650);
+        EXPECT_EQ(joined->end, 3950 + moved);
+        EXPECT_EQ(joined->size, 4);
+    }
+}
+
+struct CExplanationCase {
+    const char* what;
+    std::string bytes;
+    const char* pieces;
+};
+
+TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
+    const std::string file = SmallFileBytes();
+    const std::string host = std::string("?") + file;  // a file as samples of an odd offset in the file
+    const auto last = static_cast<std::int64_t>(host.size() / 2 - 1) * 100;
+    const auto next = static_cast<std::int64_t>(3950 + host.size() / 2 * 2);
+    const std::string within = file.substr(0, 3650) +
+                               SegmentHdrBytes(11, next, 0, last, std::to_string(host.size() / 2)) +
+                               host.substr(0, host.size() / 2 * 2) + SegmentHdrBytes(12, -1, 0, 300, "4") + "12345678";
+    const std::string after = "S" + std::to_string(next) + " ";
+    const CExplanationCase cases[] = {
+        {"whole", file, "F0 R1190 S3650 S3958 "},
+        {"rubbish ahead", kRubbish + file, "F300 R1490 S3950 S4258 "},
+        {"no file header", file.substr(1190), "R0 S2460 S2768 "},
+        {"no recording header", file.substr(0, 1190) + file.substr(3650), "F0 S1190! S1498 "},
+        {"a lost segment header", With(file, 3650, 300, kRubbish), "F0 R1190 S3958 "},
+        {"bytes put in between", std::string(file).insert(3958, "xyz"), "F0 R1190 S3650 S3961 "},
+        {"bytes taken out of samples", std::string(file).erase(3952, 2), "F0 R1190 S3956 "},
+        {"a cut file with an intact one after it", file.substr(0, 3955) + file, "F0 R1190 F3955 R5145 S7605 S7913 "},
+        {"a cut header with an intact file after it", file.substr(0, 2000) + file, "F0 R1190 F2000 R3190 S5650 S5958 "},
+        {"a file as samples of a whole segment", within, nullptr},
+        {"a file as samples of a lost segment", With(within, 3650, 300, kRubbish), nullptr},
+    };
+    for (const CExplanationCase& one : cases) {
+        if (one.pieces != nullptr) {
+            EXPECT_EQ(Explained(one.bytes), one.pieces) << one.what;
+            continue;
+        }
+        const bool isWhole = one.bytes[3650] == 'T';
+        EXPECT_EQ(Explained(one.bytes), std::string("F0 R1190 ") + (isWhole ? "S3650 " : "") + after) << one.what;
+    }
+}
+
+TEST(ExplanationTest, TheCandidatesOfAFileFullOfHeadersAreNoMoreThanItsRoom) {
+    std::string bytes;
+    for (int i = 0; i < 1000; ++i)
+        bytes += SegmentHdrBytes(11, -1, 0, 300, "4").substr(0, 150 + 50 * static_cast<std::size_t>(i % 4));
+    EXPECT_LE(CandidatesIn(bytes).size(), bytes.size() / 150);
+}
+
+TEST(TimesTest, NoStepLeavesTheRange) {
+    constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+    constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
+    EXPECT_EQ(SpanOf(kLeast, kMost), std::nullopt);
+    EXPECT_EQ(SpanOf(0, kMost), std::nullopt);
+    EXPECT_EQ(SpanOf(5, 4), std::nullopt);
+    EXPECT_EQ(SamplesOf(0, 300, 100), 4);
+    EXPECT_EQ(SamplesOf(0, 399, 100), 4);
+    EXPECT_EQ(SamplesOf(0, kMost - 1, 1), std::nullopt);
+    EXPECT_EQ(TimeAfter(kMost - 1, 2, 1), std::nullopt);
+    EXPECT_EQ(TimeAfter(kLeast + 1, -2, 1), std::nullopt);
+    EXPECT_EQ(TimeAfter(100, -1, 100), 0);
+    EXPECT_EQ(IntervalsOf(0, 399, 4).atLeast, 100);
+    EXPECT_EQ(IntervalsOf(0, 399, 4).atMost, 133);
+    EXPECT_TRUE(IntervalsOf(0, 2, 4).None());
+    EXPECT_TRUE(IntervalsOf(0, 0, 1).IsOpen());
+}
+
+CFoundSegment Segment(std::int32_t well, std::int64_t from, std::int64_t to, std::uint32_t samples) {
+    CFoundSegment segment;
+    segment.wellID = well;
+    segment.from = from;
+    segment.to = to;
+    segment.samples = samples;
+    return segment;
+}
+
+TEST(WellsTest, EachSegmentIsInDoubtThatContradictsItsRecording) {
+    struct CCase {
+        std::vector<CFoundSegment> segments;
+        std::vector<EReason> reasons;
+        std::size_t kept;
+    };
+    const CCase cases[] = {
+        {{Segment(11, 0, 300, 4), Segment(12, 0, 150, 4)}, {}, 2},
+        {{Segment(11, 0, 300, 4), Segment(11, 0, 300, 4)}, {EReason::SharedTimes}, 2},
+        {{Segment(11, 0, 300, 4), Segment(13, 0, 300, 4)}, {EReason::Unlisted}, 2},
+        {{Segment(11, 0, 300, 4), Segment(13, 400, 700, 4), Segment(11, 800, 1100, 4)}, {EReason::OtherWell}, 3},
+        {{Segment(11, 0, 300, 4), Segment(11, 400, 900, 4), Segment(11, 800, 1100, 4)}, {EReason::MadeTime}, 3},
+        {{Segment(11, 0, 300, 4), Segment(11, 410, 900, 4), Segment(11, 900, 1200, 4)}, {EReason::OtherInterval}, 2},
+    };
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        CFound found;
+        found.recordings.resize(1);
+        found.recordings[0].wellList = {{{11, 100}, {12, 50}}, true, true};
+        found.segments = cases[i].segments;
+        SettleWells(found);
+        std::vector<EReason> reasons;
+        for (const CRemarks* remarks : {&found.losses, &found.doubts}) {
+            for (const CRemark& remark : remarks->first)
+                reasons.push_back(remark.reason);
+        }
+        EXPECT_EQ(reasons, cases[i].reasons) << i;
+        EXPECT_EQ(found.segments.size(), cases[i].kept) << i;
+    }
+}
+
+/// An input that gains bytes while it is read, as next to a healthy writer.
+class CGrowingInput : public CStringInput {
+ public:
+    CGrowingInput(const std::string& bytes, std::size_t first)
+        : CStringInput(bytes), m_size(static_cast<std::int64_t>(first)) {}
+    std::int64_t Size() const override { return std::exchange(m_size, CStringInput::Size()); }
+
+ private:
+    mutable std::int64_t m_size;
+};
+
+TEST(GrowingTest, WhatAWriterAppendsMeanwhileIsNoDamage) {
+    const std::string file = SmallFileBytes();
+    for (std::size_t first = 3650; first < file.size(); ++first) {
+        const CReport report = Recover(CGrowingInput(file, first), {}, [](std::span<const std::byte>) {});
+        EXPECT_TRUE(report.isGrowing);
+        EXPECT_TRUE(report.IsComplete()) << first;
+        EXPECT_EQ(report.recordings.at(0).wells.size(), first < 3958 ? 0U : 1U) << first;
+    }
+}
+
+}  // namespace

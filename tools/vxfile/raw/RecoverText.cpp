@@ -1,0 +1,290 @@
+#include "tools/vxfile/raw/RecoverText.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/report/Text.h"
+#include "vxfileio/rawdata/Layout.h"
+
+namespace vxfile {
+
+using namespace vxfileio::recovery;
+
+namespace {
+
+/// Returns the keys of cells of a segment header.
+std::string KeysOf(const CRows& rows) {
+    std::string keys;
+    const auto& layout = vxfileio::rawdata::Layouts().back().segment;
+    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
+        if (rows[row]) keys.append(keys.empty() ? "" : ", ").append(layout.cells[row].key);
+    }
+    return keys;
+}
+
+std::string CutText(const CRemark& remark) {
+    const std::string text = "the segment was cut: " + std::to_string(remark.missing) + " of its " +
+                             std::to_string(remark.count) + " samples are not in the file";
+    if (remark.reason == EReason::CutKept) return text + ", those before are kept";
+    return text + (remark.should != 0 ? " (--cut keeps the others)" : "");
+}
+
+std::string MissingText(const CRemark& remark) {
+    const bool isSegment = remark.reason == EReason::MissingSegment;
+    return std::string("the file ends, but ") +
+           (isSegment ? "FPosNextSegmentHdr of the segment before" : "the position of the next recording") +
+           " leads to byte " + std::to_string(remark.told) + ": at least one " + (isSegment ? "segment" : "recording") +
+           " is gone";
+}
+
+std::string DamagedText(const CRemark& remark) {
+    const char* const means = remark.lost.none()   ? ", but legible"
+                              : remark.should != 0 ? ", of which no more is left"
+                                                   : ", told by the others";
+    return "damaged cells: " + KeysOf(remark.cells) + means;
+}
+
+std::string SharedText(const CRemark& remark) {
+    return "this well has two segments of the same times (" + Counted(remark.count, "case") + ")" +
+           (remark.told >= 0 ? ", while well " + std::to_string(remark.told) + " has none then" : "") +
+           "; an ID may be damaged";
+}
+
+std::string LossText(const CRemark& remark) {
+    switch (remark.reason) {
+        case EReason::BeforeFile:
+            return "they stand ahead of the file";
+        case EReason::EndsInHeader:
+            return "the file ends within a header";
+        case EReason::EndsInRubbish:
+            return "no whole header follows";
+        case EReason::LostRecording:
+            return "the recording header is damaged or lost";
+        case EReason::DamagedSegment:
+            return "damaged cells: " + KeysOf(remark.cells);
+        case EReason::Contradiction:
+            return "the cells of the segment header contradict one another";
+        case EReason::TakenOutOf:
+            return "bytes were taken out of it: the next header begins within it";
+        case EReason::TakenOutOfHeader:
+            return "bytes were taken out of the recording header";
+        case EReason::Cut:
+        case EReason::CutKept:
+            return CutText(remark);
+        case EReason::MissingSegment:
+        case EReason::MissingRecording:
+            return MissingText(remark);
+        case EReason::NotReached:
+            return "no position leads there";
+        case EReason::OtherInterval:
+            return "its times don't go with the interval of its well, " + std::to_string(remark.told) +
+                   ": the well ID or a time is damaged";
+        default:
+            break;
+    }
+    const bool hasRoom =
+        remark.to - remark.from >= static_cast<std::int64_t>(vxfileio::rawdata::Layouts().back().recording.size);
+    return std::string("no header that proves itself") + (hasRoom ? "; one of a recording may be among it" : "");
+}
+
+std::string DoubtText(const CRemark& remark) {
+    switch (remark.reason) {
+        case EReason::DamagedCells:
+            return DamagedText(remark);
+        case EReason::Position:
+            return remark.what + " is " + std::to_string(remark.told) + ", but should be " +
+                   std::to_string(remark.should) + ": it is damaged, or bytes were put in or taken out";
+        case EReason::PutIn:
+            return "bytes were put in after it or within it: its samples may be wrong from there on";
+        case EReason::TakenOut:
+            return "bytes were taken out after it or within it: its samples may be wrong from there on";
+        case EReason::Unconfirmed:
+            return "nothing confirms where it ends: its last samples may be wrong";
+        case EReason::PutIntoHeader:
+            return "bytes were put into its header; what follows it is whole";
+        case EReason::TakenFromHeader:
+            return "bytes were taken out of its header; what follows it is whole";
+        case EReason::OtherHeader:
+            return "bytes were taken out ahead of it or within its header: it may be of another well";
+        case EReason::MaybeEmpty:
+            return "the file ends after the header of this recording: had it a segment, that is gone";
+        case EReason::Ambiguous:
+            return "what lies here may be something else: two explanations are equally good";
+        case EReason::OtherWell:
+            return "the segment names this well, but by its times it is one of well " + std::to_string(remark.told) +
+                   ", where it is kept";
+        case EReason::Unlisted:
+            return "the recording doesn't list this well, which has " + Counted(remark.count, "segment") +
+                   "; an ID may be damaged";
+        case EReason::SharedTimes:
+            return SharedText(remark);
+        case EReason::MadeTime:
+            return remark.what + " doesn't go with the interval; the well's other segments tell it";
+        default:
+            return {};
+    }
+}
+
+void PrintWells(std::ostream& out, const std::map<std::int32_t, CKeptWell>& kept) {
+    std::vector<std::int32_t> same;
+    for (auto well = kept.begin(); well != kept.end(); ++well) {
+        same.push_back(well->first);
+        if (const auto next = std::next(well); next != kept.end() && next->second == well->second) continue;
+        const CKeptWell& what = well->second;
+        out << "    " << (same.size() == 1 ? "well " : "wells ") << ListText(same)
+            << (same.size() == 1 ? ": " : ", each: ") << Counted(what.segments, "segment") << ", "
+            << Counted(what.samples, "sample") << ", times " << what.from << " to " << what.to << '\n';
+        same.clear();
+    }
+}
+
+/// Prints those remarks that belong to a recording, or to none.
+void PrintRemarks(std::ostream& out, std::string_view kind, const CRemarks& remarks,
+                  const std::optional<std::uint32_t>& recording) {
+    for (const CRemark& remark : remarks.first) {
+        if (remark.recording != recording) continue;
+        out << "    " << kind;
+        if (remark.from == remark.to) {
+            out << ": at byte " << remark.from;
+        } else {
+            out << ": bytes " << remark.from << " to " << remark.to;
+        }
+        if (remark.wellID) out << ", well " << *remark.wellID;
+        out << ": " << TextOf(remark) << '\n';
+    }
+}
+
+const char* VerdictOn(const CReport& report) {
+    if (report.IsComplete()) return "nothing was lost";
+    if (!report.losses.None()) return "what was lost is told above";
+    return "every segment that is there was kept, but what is told above isn't certain";
+}
+
+/// Puts each remark into the list of that name, of its recording or of the whole file.
+void AddRemarks(CJson& json, const char* list, const CRemarks& remarks) {
+    for (const CRemark& remark : remarks.first) {
+        CJson entry = {{"from", remark.from}, {"to", remark.to}, {"why", TextOf(remark)}};
+        entry["well"] = remark.wellID ? CJson(*remark.wellID) : CJson();
+        (remark.recording ? json["recordings"][*remark.recording] : json)[list].push_back(entry);
+    }
+}
+
+CJson NotesJson(const std::vector<CNote>& notes, const std::string& header) {
+    CJson json = CJson::array();
+    for (const CNote& note : notes)
+        json.push_back(TextOf(note, header));
+    return json;
+}
+
+CJson RecordingJson(const CReportedRecording& recording) {
+    CJson wells = CJson::array();
+    for (const auto& [wellID, kept] : recording.wells) {
+        wells.push_back({{"well", wellID},
+                         {"segments", kept.segments},
+                         {"samples", kept.samples},
+                         {"from", kept.from},
+                         {"to", kept.to}});
+    }
+    return {{"task", Readable(recording.task)},
+            {"recording", recording.number},
+            {"position", recording.position},
+            {"unfinished", recording.unfinished},
+            {"notes", NotesJson(recording.notes, "its header")},
+            {"wells", wells},
+            {"lost", CJson::array()},
+            {"doubts", CJson::array()}};
+}
+
+}  // namespace
+
+std::string TextOf(const CRemark& remark) {
+    const std::string doubt = DoubtText(remark);
+    return doubt.empty() ? LossText(remark) : doubt;
+}
+
+std::string TextOf(const CNote& note, const std::string& header) {
+    const std::string said = note.from > 0 ? "; the header said " + std::to_string(note.from) : "";
+    const std::string well = note.wells.empty() ? std::string() : std::to_string(note.wells.front());
+    switch (note.kind) {
+        case CNote::EKind::Lost:
+            return "lost from " + header + ": " + note.keys;
+        case CNote::EKind::Told:
+            return "damaged in " + header + ", but told by the rest of the file: " + note.keys;
+        case CNote::EKind::Legible:
+            return "damaged in " + header + ", but legible: " + note.keys;
+        case CNote::EKind::Odd:
+            return "with a separator in " + header + ", damaged or from another program: " + note.keys;
+        case CNote::EKind::MadeUp:
+            return "its header is lost, this one is made up";
+        case CNote::EKind::WellsOfSegments:
+            return "the wells are those of its segments";
+        case CNote::EKind::ListedTwice:
+            return "well " + well + " was listed twice";
+        case CNote::EKind::ListedNow:
+            return (note.wells.size() == 1 ? "listed now, as it has segments: well "
+                                           : "listed now, as they have segments: wells ") +
+                   ListText(note.wells);
+        case CNote::EKind::Interval:
+            return "the interval of well " + well + " is " + std::to_string(note.to) + ", as its segments tell" + said;
+        case CNote::EKind::NoInterval:
+            return "the interval of well " + well + " isn't known" + said;
+        case CNote::EKind::NoAuxChannels:
+            return "auxiliary channels are left out: their cells don't agree";
+        case CNote::EKind::TooManyWells:
+            return "not all of its wells fit into the header";
+        case CNote::EKind::NewVersion:
+            return "the file is of version " + std::to_string(note.to) + " now";
+        case CNote::EKind::NewVersionWithoutStart:
+            return "the file is of version " + std::to_string(note.to) + " now, with start times of 0";
+    }
+    return {};
+}
+
+void PrintReport(std::ostream& out, const CReport& report, const CRecoverNames& names) {
+    for (const CNote& note : report.notes)
+        out << names.source << ": " << TextOf(note, "the file header") << '\n';
+    PrintRemarks(out, "lost", report.losses, std::nullopt);
+    PrintRemarks(out, "doubt", report.doubts, std::nullopt);
+    std::uint64_t samples = 0;
+    for (std::uint32_t i = 0; i < report.recordings.size(); ++i) {
+        const CReportedRecording& recording = report.recordings[i];
+        out << "  " << Readable(recording.task) << ' ' << recording.number
+            << (recording.unfinished ? ", which its writer never finished" : "")
+            << (recording.wells.empty() ? ": no segments" : "") << '\n';
+        for (const CNote& note : recording.notes)
+            out << "    " << TextOf(note, "its header") << '\n';
+        PrintWells(out, recording.wells);
+        for (const auto& well : recording.wells)
+            samples += well.second.samples;
+        PrintRemarks(out, "lost", report.losses, i);
+        PrintRemarks(out, "doubt", report.doubts, i);
+    }
+    if (report.losses.more > 0) out << "  and " << Counted(report.losses.more, "more place") << " with losses\n";
+    if (report.doubts.more > 0) out << "  and " << Counted(report.doubts.more, "more doubt") << '\n';
+    if (report.isGrowing) out << "  The file is still being written; what came since isn't in the new file.\n";
+    out << names.target << ": " << Counted(report.recordings.size(), "recording") << ", " << Counted(samples, "sample")
+        << ", " << report.bytes << " bytes; " << VerdictOn(report) << ".\n";
+}
+
+CJson ToJson(const CReport& report, const CRecoverNames& names) {
+    CJson json = {{"file", Readable(names.source)},
+                  {"output", Readable(names.target)},
+                  {"bytes", report.bytes},
+                  {"complete", report.IsComplete()},
+                  {"notes", NotesJson(report.notes, "the file header")},
+                  {"recordings", CJson::array()},
+                  {"lost", CJson::array()},
+                  {"moreLosses", report.losses.more},
+                  {"moreDoubts", report.doubts.more}};
+    for (const CReportedRecording& recording : report.recordings)
+        json["recordings"].push_back(RecordingJson(recording));
+    AddRemarks(json, "lost", report.losses);
+    AddRemarks(json, "doubts", report.doubts);
+    return json;
+}
+
+}  // namespace vxfile
