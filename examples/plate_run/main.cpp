@@ -56,8 +56,9 @@ struct CPlateFiles {
 /// Returns the paths of the files in `folder`, and creates it if needed.
 CPlateFiles FilesIn(const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder);
-    const auto in = [&](const char* name) { return (folder / name).string(); };
-    return {in("plate.vxs"), in("plate.vxd"), in("plate.vxr"), in("plate.xls")};
+    const auto plate = [&](std::string_view extension) { return (folder / "plate").string().append(extension); };
+    return {plate(vxfileio::kSettingsExtension), plate(vxfileio::kRawDataExtension), plate(vxfileio::kResultsExtension),
+            plate(".xls")};
 }
 
 void RunPlate(const CArguments& arguments) {

@@ -17,6 +17,7 @@ int g_calls = 0;
 int g_at = 0;
 CFault g_fault;
 std::function<void()> g_act;
+std::function<void(std::int64_t, const std::string&)> g_watch;
 
 /// Counts a call. Returns whether the fault applies to it.
 bool IsMet(std::string_view call) {
@@ -68,6 +69,8 @@ void BeginCalls(int at, std::string_view calls, std::function<void()> act) {
     g_act = std::move(act);
 }
 
+void WatchWrites(std::function<void(std::int64_t offset, const std::string& bytes)> act) { g_watch = std::move(act); }
+
 int EndCalls() {
     g_counts = false;
     return g_calls;
@@ -113,9 +116,15 @@ ssize_t __wrap_pread(int handle, void* buffer, size_t size, off_t position) {
 }
 ssize_t __wrap_pwritev(int handle, const iovec* parts, int count, off_t position) {
     const iovec half{parts[0].iov_base, (parts[0].iov_len + 1) / 2};
-    return Make(
+    const ssize_t written = Make(
         "pwritev", [&] { return __real_pwritev(handle, parts, count, position); },
         [&] { return __real_pwritev(handle, &half, 1, position); });
+    if (!g_watch || written <= 0) return written;
+    std::string bytes;
+    for (int i = 0; i < count; ++i)
+        bytes.append(static_cast<const char*>(parts[i].iov_base), parts[i].iov_len);
+    g_watch(position, bytes.substr(0, static_cast<std::size_t>(written)));
+    return written;
 }
 int __wrap_ftruncate(int handle, off_t size) {
     return Make("ftruncate", [&] { return __real_ftruncate(handle, size); });

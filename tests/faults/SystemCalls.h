@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 
 /// @file
@@ -25,3 +27,6 @@ void BeginCalls(int at, std::string_view calls, std::function<void()> act);
 
 /// Stops counting and returns the number of calls.
 int EndCalls();
+
+/// Calls `act` with the offset and the bytes of each write that the system took, from now on; null ends it.
+void WatchWrites(std::function<void(std::int64_t offset, const std::string& bytes)> act);

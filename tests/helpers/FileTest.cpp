@@ -43,6 +43,26 @@ TEST_F(FileTest, GatheredWritesKeepTheirOrder) {
     EXPECT_EQ(room, "bXYZfghabc---");
 }
 
+TEST_F(FileTest, ManyBuffersAreWrittenInTheirOrder) {
+    ASSERT_TRUE(m_file.Create(m_path));
+    const std::string all = "abcdefghi";
+    const auto part = [&](std::size_t at) { return AsBytes(all).subspan(at, 1); };
+    EXPECT_TRUE(m_file.Append({part(0), part(1), {}, part(2), part(3), part(4), part(5), part(6), {}, part(7)}));
+    EXPECT_EQ(m_file.End(), 8);
+    EXPECT_TRUE(m_file.WriteAt(1, {part(8), part(7), part(6), part(5), part(4)}));
+    EXPECT_EQ(ReadAll(m_path), "aihgfegh");
+}
+
+TEST_F(FileTest, AnExactReadIsAllOrNothing) {
+    WriteAll(m_path, "abcdef");
+    ASSERT_TRUE(m_file.OpenForReading(m_path));
+    std::string room(4, '-');
+    EXPECT_TRUE(m_file.ReadExactly(2, AsRoom(room)));
+    EXPECT_EQ(room, "cdef");
+    EXPECT_FALSE(m_file.ReadExactly(3, AsRoom(room)));
+    EXPECT_FALSE(m_file.ReadExactly(-1, AsRoom(room)));
+}
+
 TEST_F(FileTest, UpdatedFilesKeepTheirContentAndGrowAtTheirEnd) {
     EXPECT_FALSE(m_file.OpenForUpdate(m_path));
     EXPECT_FALSE(m_file.OpenForUpdate(m_folder.Path("")));

@@ -3,6 +3,7 @@
 #include "vxfileio/base/Api.h"
 #include "vxfileio/base/Enumerations.h"
 #include "vxfileio/base/ExcVXReader.h"
+#include "vxfileio/base/FileExtensions.h"
 #include "vxfileio/frame/IRawDataReader.h"
 #include "vxfileio/frame/IRawDataWriter.h"
 #include "vxfileio/frame/IResultsExport.h"

@@ -45,9 +45,6 @@ struct CFileFailure {
 /// or closing is kept for whoever asks later, at no cost as long as there is none.
 class CFile {
  public:
-    /// The most buffers that one gathered call takes.
-    static constexpr std::size_t kMostBuffers = 4;
-
     CFile() = default;
     ~CFile();
     CFile(const CFile&) = delete;
@@ -92,12 +89,19 @@ class CFile {
     /// unreadable position gives 0. What wasn't read keeps its old content.
     std::size_t ReadUpTo(std::int64_t position, CMutableBytes buffer) const;
 
-    /// Writes the buffers, one after the other, at `position`. True means that all of it is with the system.
-    bool WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers);
+    /// Fills the whole buffer from `position` on. Returns false if the file ends before that or can't be read; the
+    /// buffer's content is then unspecified.
+    [[nodiscard]] bool ReadExactly(std::int64_t position, CMutableBytes buffer) const {
+        return ReadUpTo(position, buffer) == buffer.size();
+    }
+
+    /// Writes the buffers, one after the other, at `position`. Returns true once the system has all of them; there may
+    /// be any number. Up to four take one system call.
+    [[nodiscard]] bool WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers);
 
     /// Writes the buffers, one after the other, behind what was appended so far. If that fails, the file is cut back
     /// to its old end, so that the next `Append` starts where this one did.
-    bool Append(std::initializer_list<CBytes> buffers);
+    [[nodiscard]] bool Append(std::initializer_list<CBytes> buffers);
 
     /// Returns where the next `Append` begins. Only meaningful for a file opened for writing.
     std::int64_t End() const { return m_end; }

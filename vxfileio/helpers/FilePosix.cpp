@@ -75,16 +75,10 @@ std::error_code TakeRights(int handle, int model) {
     return Outcome(::fchmod(handle, rights));
 }
 
-/// The part of a gathered write that is still to be done.
+/// The part of a gathered write that is still to be done, of which one call takes up to four buffers.
 class CPending {
  public:
-    explicit CPending(std::initializer_list<CBytes> buffers) {
-        for (const CBytes& buffer : buffers) {
-            if (buffer.empty() || m_count == m_parts.size()) continue;
-            // The system's description of a buffer serves both directions, so it can't be constant.
-            m_parts[m_count++] = {const_cast<std::byte*>(buffer.data()), buffer.size()};
-        }
-    }
+    explicit CPending(std::initializer_list<CBytes> buffers) : m_buffers(buffers.begin(), buffers.end()) { Refill(); }
 
     bool IsEmpty() const { return m_first == m_count; }
     const iovec* Data() const { return m_parts.data() + m_first; }
@@ -93,13 +87,25 @@ class CPending {
     void Pass(std::size_t bytes) {
         while (!IsEmpty() && bytes >= m_parts[m_first].iov_len)
             bytes -= m_parts[m_first++].iov_len;
-        if (IsEmpty()) return;
+        if (IsEmpty()) return Refill();
         iovec& part = m_parts[m_first];
         part = {static_cast<std::byte*>(part.iov_base) + bytes, part.iov_len - bytes};
     }
 
  private:
-    std::array<iovec, CFile::kMostBuffers> m_parts{};
+    void Refill() {
+        m_first = 0;
+        m_count = 0;
+        for (; !m_buffers.empty() && m_count < m_parts.size(); m_buffers = m_buffers.subspan(1)) {
+            const CBytes& buffer = m_buffers.front();
+            if (buffer.empty()) continue;
+            // The system's description of a buffer serves both directions, so it can't be constant.
+            m_parts[m_count++] = {const_cast<std::byte*>(buffer.data()), buffer.size()};
+        }
+    }
+
+    std::span<const CBytes> m_buffers;  ///< Those that aren't in `m_parts` yet.
+    std::array<iovec, 4> m_parts{};
     std::size_t m_first = 0;
     std::size_t m_count = 0;
 };

@@ -91,15 +91,4 @@ class CCellItems {
 /// Returns the value of a cell; empty if the cell holds its key alone. It points into the cell.
 std::string_view CellValue(std::string_view cell);
 
-/// Returns the value of a cell from its first character on, for reading a number, which ends by itself. It points into
-/// the cell. The number is that of `CellValue`; it is only faster if the cell has this `key`.
-inline std::string_view CellNumber(std::string_view cell, std::string_view key) {
-    const std::size_t start = key.size() + 1;
-    // Blanks ahead of the number could hide a separator that ends the value before its first digit.
-    const auto startsNumber = [](char c) { return c == '-' || (c >= '0' && c <= '9'); };
-    const bool plain =
-        cell.size() > start && cell.starts_with(key) && cell[key.size()] == '=' && startsNumber(cell[start]);
-    return plain ? cell.substr(start) : CellValue(cell);
-}
-
 }  // namespace vxfileio::rawdata

@@ -39,16 +39,17 @@ inline void Decode(const CLayout& layout, std::string_view bytes, CRawDataFileHd
     layout.codec.decodeFile(bytes, header);
 }
 
-/// Decodes the first `layout.segmentFront` bytes of a segment header: enough to skip the segment.
-inline void DecodeFront(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
-    layout.codec.decodeFront(bytes, header);
+/// Decodes the first `layout.segmentFront` bytes of a segment header: enough to skip the segment. Returns whether they
+/// begin with a whole first cell that has its key, which is all that a reader tests; the fields are set in any case.
+[[nodiscard]] inline bool DecodeFront(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
+    return layout.codec.decodeFront(bytes, header);
 }
 /// Decodes the cells after those; `bytes` are the whole header.
 inline void DecodeRest(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
     layout.codec.decodeRest(bytes, header);
 }
 inline void Decode(const CLayout& layout, std::string_view bytes, CSegmentHdr& header) {
-    DecodeFront(layout, bytes, header);
+    static_cast<void>(DecodeFront(layout, bytes, header));
     DecodeRest(layout, bytes, header);
 }
 

@@ -60,7 +60,7 @@ struct CCodec {
     void (*decodeFile)(std::string_view bytes, CRawDataFileHdr& header);
     void (*decodeAllButChannels)(std::string_view bytes, CRawDataRecordingHdr& header);
     bool (*decodeChannels)(std::string_view bytes, CRawDataRecordingHdr& header);
-    void (*decodeFront)(std::string_view bytes, CSegmentHdr& header);
+    bool (*decodeFront)(std::string_view bytes, CSegmentHdr& header);
     void (*decodeRest)(std::string_view bytes, CSegmentHdr& header);
 };
 

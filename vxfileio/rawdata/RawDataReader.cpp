@@ -11,6 +11,7 @@
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::rawdata {
 
@@ -21,8 +22,6 @@ namespace {
 /// How far behind the end of the file the samples of a segment may reach by its own telling. A cut file gives such
 /// segments, and they are delivered with zeros behind the end; a damaged size must not cost more memory than this.
 constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
-
-constexpr std::int64_t kSampleBytes = sizeof(std::uint16_t);
 
 bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName, std::int32_t recording) {
     return header.TaskName == taskName && header.Recording == recording;
@@ -127,7 +126,7 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
     }
     timeFrom = header.TimeFrom;
     timeTo = header.TimeTo;
-    size = static_cast<std::uint32_t>(header.Size);
+    size = SamplesOf(header);
     samples = m_segment.Samples();
     return true;
 }
@@ -139,7 +138,7 @@ bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
         const std::size_t sampleBytes = ReadNextHdr(header, wellID);
         wellID = header.ID;
         const bool isWanted = IsWanted(wellID);
-        if (isWanted) CompleteSamples(sampleBytes, static_cast<std::uint32_t>(header.Size));
+        if (isWanted) CompleteSamples(sampleBytes, SamplesOf(header));
         PassBehind(header);
         if (isWanted) return true;
     }
@@ -198,7 +197,7 @@ void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
 std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
     const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
     if (successor == nullptr) return m_segment.Count();
-    const std::int64_t bytes = successor->position - place.position - SegmentHdrSize();
+    const std::int64_t bytes = successor->position - DataOf(*m_layout, place.position);
     return bytes >= 0 && bytes <= kMostMissingBytes ? static_cast<std::uint32_t>(bytes / kSampleBytes)
                                                     : m_segment.Count();
 }
@@ -219,8 +218,7 @@ bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     const CMutableBytes bytes = m_segment.SegmentBytes();
     const std::size_t front = m_layout->segmentFront;
     std::size_t read = m_file.ReadUpTo(m_pass.position, isExpected ? bytes : bytes.first(front));
-    if (!m_layout->segment.Begins(m_segment.Hdr(read))) return false;
-    DecodeFront(*m_layout, m_segment.Hdr(read), header);
+    if (!DecodeFront(*m_layout, m_segment.Hdr(read), header)) return false;
     if (!IsWanted(header.ID)) return true;
     if (read == front)
         read += m_file.ReadUpTo(m_pass.position + static_cast<std::int64_t>(front), bytes.subspan(front));
@@ -275,7 +273,7 @@ void CRawDataReader::PassBehind(const CSegmentHdr& header) {
 /// came along in these first `read` bytes.
 void CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return;
-    const std::int64_t position = m_pass.position + SegmentHdrSize();
+    const std::int64_t position = DataOf(*m_layout, m_pass.position);
     RefuseImpossibleSize(position, size);
     m_segment.MakeRoomFor(size, m_layout->segment.size);
     read = m_file.ReadUpTo(position, m_segment.SampleBytes());

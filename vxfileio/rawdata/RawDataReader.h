@@ -55,7 +55,6 @@ class CRawDataReader {
         CChainGuard guard;
     };
 
-    std::int64_t SegmentHdrSize() const { return static_cast<std::int64_t>(m_layout->segment.size); }
     void ReadFileHdr();
     std::int64_t NextRecordingHdr() const;
     bool RereadNextRecordingHdr(CRecordingHdrReader& headers);

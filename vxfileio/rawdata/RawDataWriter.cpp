@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <limits>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -11,6 +11,7 @@
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::rawdata {
 
@@ -30,19 +31,38 @@ const char* ListOf(const std::string& taskName) {
     return nullptr;
 }
 
-/// A reader holds a segment's size in 32 bits.
-constexpr std::int64_t kMostSamples = std::numeric_limits<std::uint32_t>::max();
-
 CBytes AsBytes(std::string_view text) { return std::as_bytes(std::span(text.data(), text.size())); }
 
-std::int64_t SampleCount(std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick) {
+/// Returns the number of samples to write, or throws if the arguments of `WriteData` can't be a segment.
+std::int64_t RequiredSamples(std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick) {
     if (tick <= 0) throw CExcVXReader(kBadTick);
     if (timeTo < timeFrom) throw CExcVXReader(kTimesReversed);
-    // Unsigned, because the span of two 64-bit times can go beyond the signed range.
-    const auto span = static_cast<std::uint64_t>(timeTo) - static_cast<std::uint64_t>(timeFrom);
-    const bool tooLong = span > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    if (tooLong || static_cast<std::int64_t>(span) / tick >= kMostSamples) throw CExcVXReader(kTooManySamples);
-    return static_cast<std::int64_t>(span) / tick + 1;
+    const auto count = SampleCount(timeFrom, timeTo, tick);
+    if (!count || *count > std::uint64_t{kMostSamples}) throw CExcVXReader(kTooManySamples);
+    return static_cast<std::int64_t>(*count);
+}
+
+/// Where the system copies one page after the other, a process may be killed in between.
+constexpr std::int64_t kPageSize = 4096;
+
+/// A number that a page boundary parts, in cells that are to be rewritten. Offsets are those in the cells.
+struct CPartedNumber {
+    std::size_t begin = 0;   ///< Of its cell.
+    std::size_t digits = 0;  ///< Where its text begins.
+    std::size_t boundary = 0;
+    std::size_t end = 0;  ///< Of its cell.
+};
+
+/// Returns the number whose digits lie on both sides of a page boundary, if there is one. `position` is the offset of
+/// the cells in the file.
+std::optional<CPartedNumber> PartedNumber(std::int64_t position, std::string_view cells) {
+    const auto boundary = static_cast<std::size_t>(kPageSize - position % kPageSize);
+    if (boundary >= cells.size()) return std::nullopt;
+    const std::size_t before = cells.substr(0, boundary).rfind('\n');
+    const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+    const std::size_t digits = cells.find('=', begin) + 1;
+    if (digits >= boundary || cells.find('\0', begin) <= boundary) return std::nullopt;
+    return CPartedNumber{begin, digits, boundary, cells.find('\n', boundary) + 1};
 }
 
 std::string Join(const std::vector<std::string>& values) {
@@ -71,25 +91,25 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     RefuseBefore(enStage::Opened);
     if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
     const CLayout& layout = LayoutForWriting(header.FileVersion);
-    std::string bytes(layout.file.size, '\0');
-    Encode(layout, header, bytes);
+    m_hdrRoom.resize(layout.file.size);
+    Encode(layout, header, m_hdrRoom);
     MakeRoomForRefusals();
     m_refusedHdrs.reserve(layout.file.size + layout.recording.size);
     m_layout = &layout;
     m_nextSegmentCell = &layout.segment["FPosNextSegmentHdr"];
-    m_refusedHdrs = bytes;
+    m_refusedHdrs = m_hdrRoom;
     m_stage = enStage::HasFileHdr;
     AppendRefusedHdrs();
 }
 
 void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
-    std::string bytes(m_layout->recording.size, '\0');
-    Encode(*m_layout, header, bytes);
+    m_hdrRoom.resize(m_layout->recording.size);
+    Encode(*m_layout, header, m_hdrRoom);
     MakeRoomForRefusals();
     // A recording before this one whose header never reached the file has no data there either: it is given up.
     m_refusedHdrs.resize(m_file.End() == 0 ? m_layout->file.size : 0);
-    m_refusedHdrs += bytes;
+    m_refusedHdrs += m_hdrRoom;
     m_stage = enStage::InRecording;
     AppendRefusedHdrs();
 }
@@ -97,7 +117,7 @@ void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
 void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
                                const std::uint16_t* samples) {
     RefuseBefore(enStage::InRecording);
-    const std::int64_t count = SampleCount(timeFrom, timeTo, tick);
+    const std::int64_t count = RequiredSamples(timeFrom, timeTo, tick);
     if (samples == nullptr) throw CExcVXReader(kNoSamples);
     MakeRoomForRefusals();
 
@@ -212,7 +232,7 @@ void CRawDataWriter::RewritePosition(std::int64_t hdr, const auto& cell, std::in
 /// Writes cells over those at a position, now or, if the system refuses, as soon as it takes them.
 void CRawDataWriter::Rewrite(std::int64_t position, std::string_view bytes) {
     RetryRewrites();
-    const bool isTaken = m_file.WriteAt(position, {AsBytes(bytes)});
+    const bool isTaken = WriteCells(position, bytes);
     const auto place = std::lower_bound(m_refusedRewrites.begin(), m_refusedRewrites.end(), position,
                                         [](const auto& rewrite, std::int64_t at) { return rewrite.position < at; });
     const bool isKnown = place != m_refusedRewrites.end() && place->position == position;
@@ -233,7 +253,31 @@ void CRawDataWriter::RetryRewrites() {
 }
 
 bool CRawDataWriter::Repeat(const CRefusedRewrite& rewrite) {
-    return m_file.WriteAt(rewrite.position, {AsBytes({rewrite.bytes.data(), rewrite.size})});
+    return WriteCells(rewrite.position, {rewrite.bytes.data(), rewrite.size});
+}
+
+/// Writes cells over those at a position, so that a process killed at any moment leaves each position unset or final.
+///
+/// The system copies each page by itself. Where a page boundary parts the digits of a number, those after it are
+/// written first: until the others follow, the cell still reads as -1, since a NUL follows the -1 ahead of the
+/// boundary. If the boundary is too close for that, the part ahead of it is first made to read as -1 whatever follows:
+/// readers find a cell by its offset and end a value at the next `=`. The other cells follow in file order, so that a
+/// recording gets its data before its successor. Recovery finds a key cut short at worst.
+bool CRawDataWriter::WriteCells(std::int64_t position, std::string_view bytes) {
+    const auto write = [&](std::size_t offset, std::string_view part) {
+        return m_file.WriteAt(position + static_cast<std::int64_t>(offset), {AsBytes(part)});
+    };
+    const auto parted = PartedNumber(position, bytes);
+    if (!parted) return write(0, bytes);
+    constexpr std::string_view kUnsetText = "=-1=";
+    const auto [begin, digits, boundary, end] = *parted;
+    if (boundary < digits + kUnsetText.size() - 1) {
+        std::array<char, kMostRewritten> room{};
+        const auto text = bytes.substr(begin, boundary - begin - kUnsetText.size()).copy(room.data(), room.size());
+        kUnsetText.copy(room.data() + text, kUnsetText.size());
+        if (!write(begin, {room.data(), boundary - begin})) return false;
+    }
+    return write(boundary, bytes.substr(boundary, end - boundary)) && write(0, bytes);
 }
 
 }  // namespace vxfileio::rawdata

@@ -58,6 +58,7 @@ class CRawDataWriter {
     void Rewrite(std::int64_t position, std::string_view bytes);
     void RetryRewrites();
     bool Repeat(const CRefusedRewrite& rewrite);
+    bool WriteCells(std::int64_t position, std::string_view bytes);
 
     helpers::CFile m_file;
     enStage m_stage = enStage::Closed;
@@ -65,6 +66,7 @@ class CRawDataWriter {
     /// Headers that were to be written and that the system hasn't taken yet: empty while the disk has room. At the
     /// file's start the file header, and last the header of the recording that the caller has begun.
     std::string m_refusedHdrs;
+    std::string m_hdrRoom;  ///< Where headers are encoded, so that only the first one allocates.
 
     std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
     std::int64_t m_missingSegments = 0;              ///< Those that the system refused.

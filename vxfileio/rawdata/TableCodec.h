@@ -5,6 +5,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string>
@@ -171,9 +172,22 @@ void Take(const CCellBytes<Cell>& cell, std::string& value) {
     value = CellValue(cell.bytes);
 }
 
+/// Returns the text that the number of a cell begins with. It is that of `CellValue`, found faster in a whole cell that
+/// has its key.
+template <class Cell>
+std::string_view NumberText(std::string_view cell) {
+    constexpr std::size_t kStart = Cell::kKey.size() + 1;
+    // Blanks ahead of the number could hide a separator that ends the value before its first digit.
+    const auto startsNumber = [](char c) { return c == '-' || (c >= '0' && c <= '9'); };
+    const bool isPlain = cell.size() == Cell::kWidth &&
+                         std::memcmp(cell.data(), Cell::kKey.data(), Cell::kKey.size()) == 0 &&
+                         cell[kStart - 1] == '=' && startsNumber(cell[kStart]);
+    return isPlain ? std::string_view(cell.data() + kStart, Cell::kWidth - kStart) : CellValue(cell);
+}
+
 template <class Cell, class Number>
 void Take(const CCellBytes<Cell>& cell, Number& number) {
-    const std::string_view text = CellNumber(cell.bytes, Cell::kKey);
+    const std::string_view text = NumberText<Cell>(cell.bytes);
     if constexpr (std::signed_integral<Number>) {
         const auto value = helpers::ParseShortWhole(text);
         if (value && std::in_range<Number>(*value)) {
@@ -238,7 +252,9 @@ bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelList mem
 /// Decodes a cell. Bytes that are missing count as NUL.
 template <class Cell>
 bool DecodeCell(std::string_view bytes, auto& header) {
-    const std::string_view cell = bytes.size() < Cell::kOffset ? "" : bytes.substr(Cell::kOffset, Cell::kWidth);
+    constexpr std::size_t kEnd = Cell::kOffset + Cell::kWidth;
+    const std::string_view rest = bytes.substr(std::min(Cell::kOffset, bytes.size()));
+    const std::string_view cell = bytes.size() < kEnd ? rest : std::string_view(rest.data(), Cell::kWidth);
     return TakeMember(CCellBytes<Cell>{cell}, header, Cell::kMember);
 }
 
@@ -263,13 +279,22 @@ bool DecodeChannels(std::string_view bytes, CRawDataRecordingHdr& header) {
     });
 }
 
-/// Decodes the cells of a segment header that end within its first `Front` bytes, or those that don't.
+/// Decodes the cells of a segment header that end within its first `Front` bytes, or those that don't. Readers call
+/// this for each segment, so all that it calls becomes part of it.
 template <const auto& Cells, std::size_t Front, bool InFront>
-void DecodePart(std::string_view bytes, CSegmentHdr& header) {
+[[gnu::flatten]] void DecodePart(std::string_view bytes, CSegmentHdr& header) {
     ForCells<Cells>([&]<class Cell>(Cell) {
         if constexpr ((Cell::kOffset + Cell::kWidth <= Front) == InFront) DecodeCell<Cell>(bytes, header);
         return true;
     });
+}
+
+/// Decodes the front of a segment header. Returns whether the bytes begin with a whole first cell that has its key.
+template <const auto& Cells, std::size_t Front>
+bool DecodeFront(std::string_view bytes, CSegmentHdr& header) {
+    constexpr std::string_view kKey = Cells.front().key;
+    DecodePart<Cells, Front, true>(bytes, header);
+    return bytes.size() >= Cells.front().width && std::memcmp(bytes.data(), kKey.data(), kKey.size()) == 0;
 }
 
 // ---- Layouts --------------------------------------------------------------------------------------------------------
@@ -333,7 +358,7 @@ consteval CLayout MakeLayout() {
                   .decodeFile = DecodeFile<kFile>,
                   .decodeAllButChannels = DecodeAllButChannels<kRecording>,
                   .decodeChannels = DecodeChannels<kRecording>,
-                  .decodeFront = DecodePart<kSegment, kFront, true>,
+                  .decodeFront = DecodeFront<kSegment, kFront>,
                   .decodeRest = DecodePart<kSegment, kFront, false>},
     };
 }
@@ -350,6 +375,8 @@ consteval CLayout MakeCheckedLayout() {
     static_assert(HasNamedCells(kLayout), "a list of the file header is wider than kMostRewritten");
     static_assert(HaveSameBeginning(kLayout.file, HdrIn<File, kOldestVersion>()),
                   "a file's version must have the same place in all versions");
+    static_assert(kLayout.file.size <= 4096,
+                  "the file header must lie in one page, so that lists are rewritten at once");
     static_assert(LieTogether(kLayout.recording), "the positions of a recording must lie together");
     static_assert(kLayout.recording["FPosNextRecordingHdr"].End() - kLayout.recording["FPosRecordingData"].offset <=
                   kMostRewritten);

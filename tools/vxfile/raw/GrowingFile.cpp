@@ -119,13 +119,11 @@ bool CGrowingFile::TakeSegment() {
     if (m_recordings == 0 || bytes.size() < hdr.size || !hdr.Begins(bytes)) return false;
     CSegmentHdr header;
     Decode(*m_layout, bytes, header);
-    const std::int64_t data = m_position + static_cast<std::int64_t>(hdr.size);
-    const auto samples = static_cast<std::uint32_t>(header.Size);
-    const std::int64_t end = data + std::int64_t{samples} * static_cast<std::int64_t>(sizeof(std::uint16_t));
+    const std::int64_t end = EndOf(*m_layout, m_position, header);
     if (end > m_size) return false;
     ++m_latest.segments;
     ++m_segments;
-    m_latest.samples += samples;
+    m_latest.samples += SamplesOf(header);
     m_latest.wells.insert(header.ID);
     m_position = end;
     return true;

@@ -22,12 +22,6 @@ std::int64_t OffsetOf(const auto& cell) { return static_cast<std::int64_t>(cell.
 
 }  // namespace
 
-std::optional<std::uint64_t> CSegmentAt::SamplesByTimes(std::int64_t tick) const {
-    if (tick <= 0 || header.TimeTo < header.TimeFrom) return std::nullopt;
-    const auto span = static_cast<std::uint64_t>(header.TimeTo) - static_cast<std::uint64_t>(header.TimeFrom);
-    return span / static_cast<std::uint64_t>(tick) + 1;
-}
-
 CRawScan::CRawScan(const std::string& path) {
     OpenInput(m_file, path);
     m_size = m_openedSize = m_file.Size();
@@ -94,7 +88,7 @@ CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_
       m_cell(cell),
       m_reads(reads),
       m_isUnfinished(isUnfinished) {
-    m_segment.hdrSize = scan.SegmentHdrSize();
+    m_segment.layout = &m_layout;
 }
 
 const CSegmentAt* CSegmentWalk::Next() {

@@ -12,6 +12,7 @@
 #include "vxfileio/rawdata/ChainGuard.h"
 #include "vxfileio/rawdata/Layout.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 /// @file
 /// Raw data files for whoever looks at damage, too: what the library's reader refuses as a whole is told here as far
@@ -41,16 +42,13 @@ struct CRecordingAt {
 struct CSegmentAt {
     std::int64_t position = 0;
     vxfileio::rawdata::CSegmentHdr header;
-    std::string_view bytes;    ///< Of the header, as far as the file has them; valid until the window moves.
-    std::int64_t hdrSize = 0;  ///< Bytes of a whole header in this file's version.
+    std::string_view bytes;  ///< Of the header, as far as the file has them; valid until the window moves.
+    const vxfileio::rawdata::CLayout* layout = nullptr;  ///< The file's; never null.
 
-    std::int64_t DataPosition() const { return position + hdrSize; }
-    /// Returns the number of samples as every reader takes it: within 32 bits.
-    std::uint32_t Samples() const { return static_cast<std::uint32_t>(header.Size); }
+    std::int64_t DataPosition() const { return DataOf(*layout, position); }
+    std::uint32_t Samples() const { return SamplesOf(header); }
     /// Returns where the samples end; the file may end earlier.
-    std::int64_t End() const { return DataPosition() + std::int64_t{Samples()} * 2; }
-    /// Returns how many samples its times make at this interval; nothing where that can't be told.
-    std::optional<std::uint64_t> SamplesByTimes(std::int64_t tick) const;
+    std::int64_t End() const { return EndOf(*layout, position, header); }
 };
 
 /// A file and what its headers tell. Opening it walks the recordings and no segment.

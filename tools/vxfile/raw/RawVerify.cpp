@@ -239,12 +239,14 @@ void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& reco
             "a well that the recording lists", "Interval and units of its samples can't be told.");
         return;
     }
-    if (header.TimeTo < header.TimeFrom) {
+    if (!SpanOf(header.TimeFrom, header.TimeTo)) {
+        const bool isReversed = header.TimeTo < header.TimeFrom;
         Add(NameOfSegment(recording, index, segment) + " > TimeTo", OffsetOf(segment, "TimeTo"), Text(header.TimeTo),
-            "at least TimeFrom, " + Text(header.TimeFrom), "The segment ends before it begins.");
+            (isReversed ? "at least TimeFrom, " : "at most 2^63 - 1 after TimeFrom, ") + Text(header.TimeFrom),
+            isReversed ? "The segment ends before it begins." : "No segment is as long as that.");
         return;
     }
-    const auto samples = segment.SamplesByTimes(well->second);
+    const auto samples = SampleCount(header.TimeFrom, header.TimeTo, well->second);
     if (samples && *samples != static_cast<std::uint64_t>(header.Size))
         Add(NameOfSegment(recording, index, segment) + " > Size", OffsetOf(segment, "Size"), Text(header.Size),
             std::to_string(*samples) + ", one for each interval from TimeFrom to TimeTo",

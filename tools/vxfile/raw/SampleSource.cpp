@@ -10,6 +10,8 @@
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
 
+using namespace vxfileio::rawdata;
+
 namespace vxfile {
 
 namespace {
@@ -17,15 +19,8 @@ namespace {
 /// So many pieces are kept of the first time that the file is gone through.
 constexpr std::size_t kMostKept = std::size_t{16} << 10;
 
-constexpr std::size_t kSampleSize = sizeof(std::uint16_t);
-
 /// Tells whether a list that stands for a choice has the item.
 bool Has(const auto& list, const auto& item) { return list.empty() || std::ranges::find(list, item) != list.end(); }
-
-/// Returns the distance of two times; it may be beyond the signed range.
-std::uint64_t Distance(std::int64_t from, std::int64_t to) {
-    return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
-}
 
 /// Returns the sample interval of a segment: that of its well, or the one that its own times tell.
 std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel) {
@@ -187,7 +182,7 @@ void CSampleSource::RefuseWrong(const CSegmentAt& segment, const CRawDataChannel
 void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take) {
     std::int64_t position = piece.position;
     for (std::uint64_t left = piece.count; left > 0;) {
-        const auto samples = m_scan.Window().SamplesAt(position, left * kSampleSize);
+        const auto samples = m_scan.Window().SamplesAt(position, left * kSampleBytes);
         if (samples.empty()) RefuseBreak("the samples at byte " + std::to_string(position));
         const auto part = samples.first(std::min<std::uint64_t>(samples.size(), left));
         take(part);
@@ -292,7 +287,7 @@ void CSampleSource::Clip(CPiece& piece) const {
     }
     piece.count -= passed;
     piece.time = static_cast<std::int64_t>(static_cast<std::uint64_t>(piece.time) + passed * tick);
-    piece.position += static_cast<std::int64_t>(passed * kSampleSize);
+    piece.position += static_cast<std::int64_t>(passed * kSampleBytes);
 }
 
 void CSampleSource::RefuseBreak(const std::string& where) const {

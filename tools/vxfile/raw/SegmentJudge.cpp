@@ -13,7 +13,7 @@ namespace {
 
 /// Tells whether the times of a segment make another number of samples than it has. Nobody knows without an interval.
 bool IsContradicted(const CSegmentAt& segment, std::int64_t tick) {
-    return tick > 0 && segment.SamplesByTimes(tick) != static_cast<std::uint64_t>(segment.header.Size);
+    return tick > 0 && !GoesWith(segment.header, tick);
 }
 
 /// Tells whether something begins, or the file ends, where the samples end.

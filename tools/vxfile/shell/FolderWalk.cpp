@@ -9,6 +9,7 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "vxfileio/base/FileExtensions.h"
 
 namespace vxfile {
 
@@ -17,7 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 
 bool HasOurExtension(const fs::path& path) {
-    constexpr std::array<std::string_view, 4> kExtensions = {".vxd", ".vxs", ".vxr", ".xls"};
+    constexpr std::array<std::string_view, 4> kExtensions = {vxfileio::kRawDataExtension, vxfileio::kSettingsExtension,
+                                                             vxfileio::kResultsExtension, ".xls"};
     return std::ranges::find(kExtensions, Lowered(path.extension().string())) != kExtensions.end();
 }
 

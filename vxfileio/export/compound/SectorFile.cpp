@@ -54,7 +54,7 @@ void SectorFile::Close() {
 
 bool SectorFile::Read(std::uint32_t index, std::span<std::byte, kBlockSize> buffer) const {
     if (!HasMode(kRead) || index >= m_blockCount) return false;
-    return m_file->ReadUpTo(PositionOf(index), buffer) == buffer.size();
+    return m_file->ReadExactly(PositionOf(index), buffer);
 }
 
 bool SectorFile::Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {

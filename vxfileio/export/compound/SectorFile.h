@@ -43,7 +43,7 @@ class SectorFile {
     bool Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer);
 
     /// The most pieces that one run is written from.
-    static constexpr std::size_t kMostParts = helpers::CFile::kMostBuffers;
+    static constexpr std::size_t kMostParts = 4;
 
     /// Writes blocks side by side from `index` on, at once. The parts, up to `kMostParts` of them, are whole blocks
     /// each. True means that all of it is with the system.
