@@ -1,6 +1,6 @@
 #include "vxfileio/results/ResultsRecording.h"
 
-#include "vxfileio/results/forms/ResultsRecordingForm.h"
+#include "vxfileio/results/forms/ResultsForm.h"
 
 CResultsRecording::CResultsRecording(std::uint64_t dose, const std::vector<std::int32_t>& wellIDs,
                                      const std::vector<std::string>& wellLabels, std::uint32_t samples,

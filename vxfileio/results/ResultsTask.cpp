@@ -1,6 +1,6 @@
 #include "vxfileio/results/ResultsTask.h"
 
-#include "vxfileio/results/forms/ResultsTaskForm.h"
+#include "vxfileio/results/forms/ResultsForm.h"
 
 CResultsTask::CResultsTask(const std::vector<std::uint64_t>& doses, const std::vector<std::int32_t>& wellIDs,
                            const std::vector<std::string>& wellLabels, std::uint32_t samples, std::int64_t averageTick,

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "vxfileio/results/forms/ResultsWellForm.h"
+#include "vxfileio/results/forms/ResultsForm.h"
 
 using CForm = vxfileio::xmlarchive::CXmlForm<CResultsWell>;
 

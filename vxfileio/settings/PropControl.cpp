@@ -1,6 +1,6 @@
 #include "vxfileio/settings/PropControl.h"
 
-#include "vxfileio/settings/forms/ControlForm.h"
+#include "vxfileio/settings/forms/PropertyForms.h"
 
 void CPropControlSlots::Save(CXmlFileArchive& /*archive*/) {}
 void CPropControlSlots::Load(CXmlFileArchive& /*archive*/) {}

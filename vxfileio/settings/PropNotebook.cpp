@@ -1,6 +1,6 @@
 #include "vxfileio/settings/PropNotebook.h"
 
-#include "vxfileio/settings/forms/NotebookForm.h"
+#include "vxfileio/settings/forms/PropertyForms.h"
 
 void CPropNotebook::Save(CXmlFileArchive& archive) { vxfileio::xmlarchive::SaveElement(archive, *this); }
 void CPropNotebook::Load(CXmlFileArchive& archive) { vxfileio::xmlarchive::LoadElement(archive, *this); }

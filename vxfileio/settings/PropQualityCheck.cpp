@@ -1,6 +1,6 @@
 #include "vxfileio/settings/PropQualityCheck.h"
 
-#include "vxfileio/settings/forms/QualityCheckForm.h"
+#include "vxfileio/settings/forms/PropertyForms.h"
 
 void CPropQualityCheck::Save(CXmlFileArchive& archive, bool omitPerformed) {
     if (!omitPerformed) return vxfileio::xmlarchive::SaveElement(archive, *this);

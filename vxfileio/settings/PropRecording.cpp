@@ -1,6 +1,6 @@
 #include "vxfileio/settings/PropRecording.h"
 
-#include "vxfileio/settings/forms/RecordingForm.h"
+#include "vxfileio/settings/forms/PropertyForms.h"
 
 using vxfileio::settings::kPlusMinus;
 using CForm = vxfileio::xmlarchive::CXmlForm<CPropRecording>;

@@ -1,7 +1,7 @@
 #include "vxfileio/settings/PropRobot.h"
 
 #include "vxfileio/helpers/DeepCopy.h"
-#include "vxfileio/settings/forms/RobotForm.h"
+#include "vxfileio/settings/forms/PropertyForms.h"
 
 using vxfileio::helpers::DeepCopy;
 

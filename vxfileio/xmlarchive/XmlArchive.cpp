@@ -20,164 +20,94 @@ void Read(const XmlReader& reader, Value& value) {
 
 }  // namespace
 
-template <class File>
-CXMLArchive<File>::CXMLArchive(File* file, std::uint32_t mode, std::int32_t blockSize, unsigned char* buffer)
+CXmlFileArchive::CXMLArchive(CFileBuffer* file, std::uint32_t mode, std::int32_t blockSize, unsigned char* buffer)
     : m_stores((mode & kStore) != 0) {
     const auto size = static_cast<std::size_t>(std::max(blockSize, std::int32_t{1}));
     m_writer = std::make_unique<XmlWriter>(m_stores ? file : nullptr, size, buffer);
     m_reader = std::make_unique<XmlReader>(m_stores ? nullptr : file, size);
 }
 
-template <class File>
-CXMLArchive<File>::~CXMLArchive() {
-    m_writer->Flush();
-}
+CXmlFileArchive::~CXMLArchive() { m_writer->Flush(); }
 
-template <class File>
-void CXMLArchive<File>::FlushBuffer() {
-    m_writer->Flush();
-}
+void CXmlFileArchive::FlushBuffer() { m_writer->Flush(); }
 
-template <class File>
-void CXMLArchive<File>::FlushPending() {}
+void CXmlFileArchive::FlushPending() {}
 
-template <class File>
-bool CXMLArchive<File>::NextElement() {
-    return m_reader->Next();
-}
+bool CXmlFileArchive::NextElement() { return m_reader->Next(); }
 
-template <class File>
-void CXMLArchive<File>::Detach() {
+void CXmlFileArchive::Detach() {
     m_writer->Detach();
     m_reader = std::make_unique<XmlReader>(nullptr, 1);
 }
 
-template <class File>
-CXMLArchive<File>& CXMLArchive<File>::WriteDeclaration(std::string_view attributes) {
+CXmlFileArchive& CXmlFileArchive::WriteDeclaration(std::string_view attributes) {
     m_writer->WriteDeclaration(attributes);
     return *this;
 }
 
-template <class File>
-CXMLArchive<File>& CXMLArchive<File>::OpenChild(std::string_view name) {
+CXmlFileArchive& CXmlFileArchive::OpenChild(std::string_view name) {
     m_writer->OpenChild(name);
     return *this;
 }
 
-template <class File>
-CXMLArchive<File>& CXMLArchive<File>::PutAttribute(std::string_view name, const XmlValue& value) {
+CXmlFileArchive& CXmlFileArchive::PutAttribute(std::string_view name, const XmlValue& value) {
     m_writer->PutAttribute(name, value);
     return *this;
 }
 
-template <class File>
-CXMLArchive<File>& CXMLArchive<File>::PutValue(const XmlValue& value) {
+CXmlFileArchive& CXmlFileArchive::PutValue(const XmlValue& value) {
     m_writer->PutValue(value);
     return *this;
 }
 
-template <class File>
-CXMLArchive<File>& CXMLArchive<File>::PutSamples(const std::vector<double>& samples) {
+CXmlFileArchive& CXmlFileArchive::PutSamples(const std::vector<double>& samples) {
     m_writer->PutSamples(samples);
     return *this;
 }
 
-template <class File>
-CXMLArchive<File>& CXMLArchive<File>::CloseElement() {
+CXmlFileArchive& CXmlFileArchive::CloseElement() {
     m_writer->CloseElement();
     return *this;
 }
 
-template <class File>
-std::int32_t CXMLArchive<File>::SkipProlog() {
-    return m_reader->SkipProlog() ? kDone : kFailed;
-}
+std::int32_t CXmlFileArchive::SkipProlog() { return m_reader->SkipProlog() ? kDone : kFailed; }
 
-template <class File>
-std::string_view CXMLArchive<File>::TagName() const noexcept {
-    return m_reader->Name();
-}
+std::string_view CXmlFileArchive::TagName() const noexcept { return m_reader->Name(); }
 
-template <class File>
-bool CXMLArchive<File>::IsEndTag() const noexcept {
-    return (m_reader->Scanner().State() & XmlState::kEndTag) != 0;
-}
+bool CXmlFileArchive::IsEndTag() const noexcept { return (m_reader->State() & XmlState::kEndTag) != 0; }
 
-template <class File>
-void CXMLArchive<File>::GetValue(std::int32_t& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(std::int32_t& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(bool& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(bool& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(std::int64_t& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(std::int64_t& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(std::uint64_t& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(std::uint64_t& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(double& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(double& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(std::uint16_t& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(std::uint16_t& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(std::uint32_t& value) {
-    Read(*m_reader, value);
-}
+void CXmlFileArchive::GetValue(std::uint32_t& value) { Read(*m_reader, value); }
 
-template <class File>
-void CXMLArchive<File>::GetValue(std::string& value) {
-    m_reader->ReadText(value);
-}
+void CXmlFileArchive::GetValue(std::string& value) { m_reader->ReadText(value); }
 
-template <class File>
-std::string CXMLArchive<File>::GetText() const {
-    return m_reader->ElementText();
-}
+std::string CXmlFileArchive::GetText() const { return m_reader->ElementText(); }
 
-template <class File>
-std::int32_t CXMLArchive<File>::GetAttribute(std::string_view name, XmlValue& value) {
+std::int32_t CXmlFileArchive::GetAttribute(std::string_view name, XmlValue& value) {
     return m_reader->ReadAttribute(name, value) ? kDone : kFailed;
 }
 
-template <class File>
-std::size_t CXMLArchive<File>::GetListSize() {
-    return m_reader->ReadListSize();
+std::size_t CXmlFileArchive::GetListSize() { return m_reader->ReadListSize(); }
+
+bool CXmlFileArchive::ListHasEntries() { return m_reader->ReadListClaim() > 0; }
+
+void CXmlFileArchive::GetSamples(std::vector<double>& samples) { m_reader->ReadSamples(samples); }
+
+std::uint32_t CXmlFileArchive::ElementState() const noexcept {
+    return m_stores ? m_writer->State() : m_reader->State();
 }
 
-template <class File>
-bool CXMLArchive<File>::ListHasEntries() {
-    return m_reader->ReadListClaim() > 0;
-}
-
-template <class File>
-void CXMLArchive<File>::GetSamples(std::vector<double>& samples) {
-    m_reader->ReadSamples(samples);
-}
-
-template <class File>
-std::uint32_t CXMLArchive<File>::ElementState() const noexcept {
-    return m_stores ? m_writer->State() : m_reader->Scanner().State();
-}
-
-template <class File>
-XmlError CXMLArchive<File>::LastError() const noexcept {
-    return m_reader->Scanner().LastError();
-}
-
-template class CXMLArchive<CFileBuffer>;
+XmlError CXmlFileArchive::LastError() const noexcept { return m_reader->LastError(); }
 
 }  // namespace gd_xml_stream

@@ -38,14 +38,17 @@ inline constexpr std::int32_t kBlockSize = 4096;
 /// event; an element with children is one event for its start and one for its end, of the same name. Callers
 /// skip events that they don't know.
 ///
-/// The library instantiates it for `CFileBuffer` only.
+/// There is one for `CFileBuffer` only.
 template <class File>
-class CXMLArchive {
+class CXMLArchive;
+
+template <>
+class VXFILEIO_API CXMLArchive<CFileBuffer> {
  public:
     /// Stores `file`, which must be open and must outlive the archive. `mode` is `kStore` or `kLoad`. The file is
     /// written and read in blocks of `blockSize` bytes, at least 1. `buffer`, unless null, must have `blockSize` bytes
     /// and must outlive the archive; it is used for storing only. The caller owns both.
-    CXMLArchive(File* file, std::uint32_t mode, std::int32_t blockSize, unsigned char* buffer = nullptr);
+    CXMLArchive(CFileBuffer* file, std::uint32_t mode, std::int32_t blockSize, unsigned char* buffer = nullptr);
 
     /// When storing, flushes what has been put, unless `Detach` was called.
     virtual ~CXMLArchive();
@@ -145,8 +148,6 @@ class CXMLArchive {
     std::unique_ptr<XmlReader> m_reader;  ///< Has no file when storing, and then finds nothing.
     bool m_stores;
 };
-
-extern template class VXFILEIO_API CXMLArchive<CFileBuffer>;
 
 }  // namespace gd_xml_stream
 

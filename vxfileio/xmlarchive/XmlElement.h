@@ -44,32 +44,26 @@ struct CXmlElement {
     bool isRead = true;                ///< False for what is written for people only.
 };
 
-template <class Value>
-inline constexpr EXmlKind kKindOf = std::is_enum_v<Value> ? EXmlKind::Word : EXmlKind::Object;
-template <>
-inline constexpr EXmlKind kKindOf<std::string> = EXmlKind::Text;
-template <>
-inline constexpr EXmlKind kKindOf<char> = EXmlKind::Character;
-template <>
-inline constexpr EXmlKind kKindOf<bool> = EXmlKind::Bool;
-template <>
-inline constexpr EXmlKind kKindOf<std::int32_t> = EXmlKind::Int32;
-template <>
-inline constexpr EXmlKind kKindOf<std::int64_t> = EXmlKind::Int64;
-template <>
-inline constexpr EXmlKind kKindOf<std::uint16_t> = EXmlKind::UInt16;
-template <>
-inline constexpr EXmlKind kKindOf<std::uint32_t> = EXmlKind::UInt32;
-template <>
-inline constexpr EXmlKind kKindOf<std::uint64_t> = EXmlKind::UInt64;
-template <>
-inline constexpr EXmlKind kKindOf<double> = EXmlKind::Double;
+/// @{
+/// Returns the kind of a value's content.
+constexpr EXmlKind KindOf(const std::string* /*type*/) noexcept { return EXmlKind::Text; }
+constexpr EXmlKind KindOf(const char* /*type*/) noexcept { return EXmlKind::Character; }
+constexpr EXmlKind KindOf(const bool* /*type*/) noexcept { return EXmlKind::Bool; }
+constexpr EXmlKind KindOf(const std::int32_t* /*type*/) noexcept { return EXmlKind::Int32; }
+constexpr EXmlKind KindOf(const std::int64_t* /*type*/) noexcept { return EXmlKind::Int64; }
+constexpr EXmlKind KindOf(const std::uint16_t* /*type*/) noexcept { return EXmlKind::UInt16; }
+constexpr EXmlKind KindOf(const std::uint32_t* /*type*/) noexcept { return EXmlKind::UInt32; }
+constexpr EXmlKind KindOf(const std::uint64_t* /*type*/) noexcept { return EXmlKind::UInt64; }
+constexpr EXmlKind KindOf(const double* /*type*/) noexcept { return EXmlKind::Double; }
+template <class Word>
+requires std::is_enum_v<Word>
+constexpr EXmlKind KindOf(const Word* /*type*/) noexcept { return EXmlKind::Word; }
+/// @}
 
 /// Returns the description of an element that holds one value of this type. Fails to compile for other types.
 template <class Value>
 constexpr CXmlElement ElementOfValue(std::string_view tag) noexcept {
-    static_assert(kKindOf<Value> != EXmlKind::Object, "values of this type have no form in a document");
-    CXmlElement element{.tag = tag, .kind = kKindOf<Value>};
+    CXmlElement element{.tag = tag, .kind = KindOf(static_cast<const Value*>(nullptr))};
     if constexpr (std::is_enum_v<Value>) element.words = base::kWords<Value>.words;
     return element;
 }

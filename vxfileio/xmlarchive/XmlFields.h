@@ -19,7 +19,7 @@
 /// Forms: lists of fields that state once which elements a class consists of. Saving, loading, the checks of
 /// `vxfile verify` and the check of the tables in `docs` all follow from them.
 ///
-/// A class `C` that goes into a document has a specialisation of `CXmlForm<C>` in a header of its own in `forms/`, with
+/// A class `C` that goes into a document has a specialisation of `CXmlForm<C>` in a header in `forms/`, with
 /// - `kElement`, the tag of its element,
 /// - `kFields`, a tuple of fields in the order of the file,
 /// - `kKey`, only if a map holds its objects by a key that the object doesn't hold itself: a `CKeyField`, and

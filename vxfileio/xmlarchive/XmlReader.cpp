@@ -35,7 +35,7 @@ bool TakeSample(std::string_view& text, double& sample) {
 }  // namespace
 
 std::optional<std::string_view> XmlReader::Value() const {
-    const std::string_view element = m_scanner.Element();
+    const std::string_view element = Element();
     std::size_t mark = std::max(m_valueAt, Name().size());
     while (mark < element.size() && element[mark] != '>' && element[mark] != '"')
         ++mark;
@@ -50,11 +50,11 @@ void XmlReader::ReadText(std::string& text) const {
 }
 
 std::string XmlReader::ElementText() const {
-    const std::string_view element = m_scanner.Element();
+    const std::string_view element = Element();
     const std::size_t tagEnd = element.find('>');
-    if (tagEnd == std::string_view::npos || m_scanner.IsSelfClosing()) return {};
+    if (tagEnd == std::string_view::npos || IsSelfClosing()) return {};
     const std::string_view text = element.substr(tagEnd + 1);
-    if ((m_scanner.State() & XmlState::kHasSection) != 0) return std::string(text);
+    if ((State() & XmlState::kHasSection) != 0) return std::string(text);
     std::string decoded;
     AppendDecoded(text, decoded);
     return decoded;
@@ -62,7 +62,7 @@ std::string XmlReader::ElementText() const {
 
 /// Returns the offset of an attribute's value, after its double quote. Only double quotes delimit values.
 std::optional<std::size_t> XmlReader::FindAttribute(std::string_view name) const {
-    const std::string_view element = m_scanner.Element();
+    const std::string_view element = Element();
     std::size_t at = Name().size();
     while (true) {
         at += RunOf(element.substr(at), kBlank);
@@ -82,39 +82,35 @@ std::optional<std::size_t> XmlReader::FindAttribute(std::string_view name) const
 bool XmlReader::ReadAttribute(std::string_view name, XmlValue& value) {
     const auto start = FindAttribute(name);
     if (!start) return false;
-    const std::string_view rest = m_scanner.Element().substr(*start);
+    const std::string_view rest = Element().substr(*start);
     const std::string_view text = rest.substr(0, rest.find('"'));
-    m_valueAt = std::min(m_scanner.Element().size(), *start + text.size() + 1);
-    switch (value.Type()) {
+    m_valueAt = std::min(Element().size(), *start + text.size() + 1);
+    value = ValueOf(value.Type(), text);
+    return true;
+}
+
+/// Reads a value of this type from the text of an attribute.
+XmlValue XmlReader::ValueOf(XmlType type, std::string_view text) {
+    switch (type) {
         case XmlType::Int32:
-            value = Parsed<std::int32_t>(text);
-            break;
+            return Parsed<std::int32_t>(text);
         case XmlType::UInt16:
-            value = Parsed<std::uint16_t>(text);
-            break;
+            return Parsed<std::uint16_t>(text);
         case XmlType::UInt32:
-            value = Parsed<std::uint32_t>(text);
-            break;
+            return Parsed<std::uint32_t>(text);
         case XmlType::Int64:
-            value = Parsed<std::int64_t>(text);
-            break;
+            return Parsed<std::int64_t>(text);
         case XmlType::UInt64:
-            value = Parsed<std::uint64_t>(text);
-            break;
+            return Parsed<std::uint64_t>(text);
         case XmlType::Double:
-            value = Parsed<double>(text);
-            break;
+            return Parsed<double>(text);
         case XmlType::Bool:
-            value = Parsed<bool>(text);
-            break;
-        case XmlType::ConstText:
-        case XmlType::Text:
+            return Parsed<bool>(text);
+        default:
             m_decoded.clear();
             AppendDecoded(text, m_decoded);
-            value = XmlValue(m_decoded);
-            break;
+            return m_decoded;
     }
-    return true;
 }
 
 std::size_t XmlReader::ReadListClaim() {
@@ -126,8 +122,8 @@ std::size_t XmlReader::ReadListClaim() {
 std::size_t XmlReader::ReadListSize() {
     constexpr std::size_t kLeastBytesPerEntry = 2;  // a digit and a semicolon
     const std::size_t claimed = ReadListClaim();
-    const std::size_t possible = m_scanner.Remaining() / kLeastBytesPerEntry;
-    if (!m_listEntries) m_listEntries = m_scanner.Remaining() + m_scanner.ElementSize();
+    const std::size_t possible = Remaining() / kLeastBytesPerEntry;
+    if (!m_listEntries) m_listEntries = Remaining() + ElementSize();
     // A list that claims more than can follow must leave room for later lists.
     const std::size_t room = claimed <= possible ? *m_listEntries : *m_listEntries - std::min(*m_listEntries, possible);
     const std::size_t granted = std::min(claimed, room);

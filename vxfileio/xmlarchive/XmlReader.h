@@ -7,29 +7,21 @@
 #include <string_view>
 #include <vector>
 
-#include "vxfileio/xmlarchive/FileBuffer.h"
 #include "vxfileio/xmlarchive/XmlScanner.h"
 #include "vxfileio/xmlarchive/XmlValue.h"
 
 namespace gd_xml_stream {
 
-/// The loading half of an archive: finds values in the current element of its scanner.
-class XmlReader {
+/// The loading half of an archive: a scanner that finds values in its current element.
+class XmlReader : public XmlScanner {
  public:
-    /// `file`, which may be null, isn't owned.
-    XmlReader(CFileBuffer* file, std::size_t blockSize) : m_scanner(file, blockSize) {}
+    using XmlScanner::XmlScanner;
 
-    /// Goes to the root element; see `XmlScanner::SkipProlog`.
-    bool SkipProlog() { return m_scanner.SkipProlog(); }
-
-    /// Goes on to the next event; see `XmlScanner::Next`.
+    /// Moves to the next event; see `XmlScanner::Next`.
     bool Next() {
         m_valueAt = 0;
-        return m_scanner.Next();
+        return XmlScanner::Next();
     }
-
-    /// The name of the current element; empty without one.
-    std::string_view Name() const { return m_scanner.Name(); }
 
     /// The text of the value, its references not yet decoded; nothing if the element has no text.
     std::optional<std::string_view> Value() const;
@@ -52,17 +44,14 @@ class XmlReader {
     /// Reads the value as numbers; see `CXMLArchive::GetSamples`.
     void ReadSamples(std::vector<double>& samples);
 
-    /// The scanner, for its states.
-    const XmlScanner& Scanner() const { return m_scanner; }
-
  private:
     std::optional<std::size_t> FindAttribute(std::string_view name) const;
+    XmlValue ValueOf(XmlType type, std::string_view text);
 
-    XmlScanner m_scanner;
     std::string m_decoded;
     std::size_t m_valueAt = 0;  ///< The offset in the element where the search for the next value begins.
-    std::optional<std::size_t>
-        m_listEntries;  ///< The number of entries left for the lists of the document; set by the first.
+    /// The number of entries left for the lists of the document; set by the first.
+    std::optional<std::size_t> m_listEntries;
 };
 
 /// Reads a number from the front of `text` in the type of `value`; see the values of `CXMLArchive`.

@@ -2,14 +2,8 @@
 
 #include "vxfileio/settings/Settings.h"
 #include "vxfileio/settings/forms/AnalyzerForm.h"
-#include "vxfileio/settings/forms/ControlForm.h"
-#include "vxfileio/settings/forms/HeaderForm.h"
-#include "vxfileio/settings/forms/NotebookForm.h"
-#include "vxfileio/settings/forms/QualityCheckForm.h"
+#include "vxfileio/settings/forms/PropertyForms.h"
 #include "vxfileio/settings/forms/RecordPlateForm.h"
-#include "vxfileio/settings/forms/RecordingForm.h"
-#include "vxfileio/settings/forms/RobotForm.h"
-#include "vxfileio/settings/forms/WashInForm.h"
 
 namespace vxfileio::settings {
 
