@@ -195,7 +195,7 @@ class CAccountant {
 
     /// The header of a recording is lost. What is left of its cells stays.
     void BeginLostRecording(std::int64_t begin) {
-        const std::int64_t told = m_nextRecording == kLost ? m_end : m_nextRecording - m_shift;
+        const std::int64_t told = m_nextRecording == kLost ? m_end : PlaceOf(m_nextRecording);
         const bool isTold = told >= m_end && told < begin;
         const CCandidate left = BestAt(m_window, EKind::Recording, isTold ? told : m_end);
         BeginRecording(left.begin);
@@ -256,7 +256,7 @@ class CAccountant {
         } else if (before != nullptr && !isCut) {
             EndPosition(kNextSegment, before->next, EReason::MissingSegment);
         }
-        if (!(m_end < size && m_nextRecording - m_shift == m_end))
+        if (!(m_end < size && PlaceOf(m_nextRecording) == m_end))
             EndPosition(m_nextKey, m_nextRecording, EReason::MissingRecording);
         if (Before() != nullptr && CandidateOf(*Before()).kind == EKind::Recording && m_end == size && !m_isGrowing)
             Doubt({.reason = EReason::MaybeEmpty, .from = size, .to = size});
@@ -285,11 +285,14 @@ class CAccountant {
     void EndPosition(const char* key, std::int64_t told, EReason reason) {
         const std::int64_t size = m_window.Size();
         if (told == kLost || told == kUnset) return;
-        if (told - m_shift < size) return Compare(key, told, kUnset, Here());
-        LoseAtEnd({.reason = reason, .from = size, .to = std::max(size, told - m_shift), .told = told});
+        if (PlaceOf(told) < size) return Compare(key, told, kUnset, Here());
+        LoseAtEnd({.reason = reason, .from = size, .to = std::max(size, PlaceOf(told)), .told = told});
     }
 
     // ---- Remarks ----------------------------------------------------------------------------------------------------
+
+    /// Returns the offset that a position means here.
+    std::int64_t PlaceOf(std::int64_t position) const { return IsPosition(position) ? position - m_shift : position; }
 
     static std::optional<std::int32_t> WellOf(const CCandidate& candidate) {
         return candidate.kind == EKind::Segment ? std::optional(candidate.well) : std::nullopt;

@@ -15,7 +15,6 @@ namespace vxfileio::recovery {
 struct CAccount {
     CFound found;
     bool isStraight = true;  ///< Every position points at what comes next in the input.
-    bool endsOpen = false;   ///< All that is lost or in doubt is at the end of the input, which may still be written.
 };
 
 /// Returns the recordings and segments of an explanation, with its losses and doubts. `keepCut` keeps a last segment

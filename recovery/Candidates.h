@@ -17,6 +17,11 @@ namespace vxfileio::recovery {
 /// A position that can't be read from its cell.
 inline constexpr std::int64_t kLost = std::numeric_limits<std::int64_t>::min();
 
+/// Positions beyond this are of no file, so that sums stay in range.
+inline constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max() / 4;
+
+constexpr bool IsPosition(std::int64_t position) { return position >= 0 && position <= kFarthest; }
+
 enum class EKind : std::uint8_t { File, Recording, Segment };
 
 /// Bytes that may be a header.

@@ -20,11 +20,6 @@ namespace {
 
 constexpr std::int32_t kNone = -1;
 
-/// Positions beyond this are of no file, so that sums stay in range.
-constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max() / 4;
-
-bool IsPosition(std::int64_t position) { return position >= 0 && position <= kFarthest; }
-
 /// One way to explain the input up to the end of a piece.
 struct CNode {
     CPiece piece;
@@ -113,9 +108,7 @@ class CExplainer {
         const auto index = static_cast<std::int32_t>(m_nodes.size());
         const bool isRecording = IsOf(node, EKind::Recording);
         if (isRecording || node.piece.lostRecording) node.recording = index;
-        if (isRecording) {
-            m_recordings[m_nextRecording++ % m_recordings.size()] = index;
-        }
+        if (isRecording) m_recordings[m_nextRecording++ % m_recordings.size()] = index;
         node.wholeBefore = m_whole + (CandidateOf(node).IsWhole() ? 1 : 0);
         m_pending.emplace(node.piece.end, index);
         m_nodes.push_back(node);
@@ -257,9 +250,9 @@ class CExplainer {
         const auto samples = SamplesOf(segment.from, segment.to, tick);
         if (segment.noSize) {
             if (samples) return {{*samples, EMade::Size}};
-            const std::int64_t room = (segment.next - shift - segment.end) / 2;
-            const bool fits = tick == 0 && IsPosition(segment.next) && room > 0 && room <= kMostSamples &&
-                              !IntervalsOf(segment.from, segment.to, room).None();
+            const std::int64_t room = IsPosition(segment.next) ? (segment.next - shift - segment.end) / 2 : 0;
+            const bool fits =
+                tick == 0 && room > 0 && room <= kMostSamples && !IntervalsOf(segment.from, segment.to, room).None();
             return fits ? std::vector<CReading>{{room, EMade::Size}} : std::vector<CReading>{};
         }
         if (segment.noFrom)

@@ -17,7 +17,7 @@ struct COptions {
 /// Writes what is whole in `input` as a new file to `sink`, and returns what became of it. If there is nothing to save,
 /// the report has no bytes and nothing is written. Whatever the callbacks throw ends the work.
 ///
-/// Time is linear in the size of the input. Memory is about 150 bytes per header and a few blocks of 1 MiB.
+/// Time is linear in the size of the input. Memory is about 300 bytes per header and a few blocks of 1 MiB.
 ///
 /// Throws `CReadFailure` if the input can't be read.
 CReport Recover(const CInput& input, const COptions& options, const CSink& sink);
