@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <set>
 #include <string_view>
@@ -54,6 +55,18 @@ class DamagedFileTest : public testing::Test {
         EXPECT_NE(m_reader.GetRecordingHdr(entry.TaskName, entry.Recording), nullptr);
     }
 
+    /// Reads a segment and returns its number of samples, which are 0, or the text of the failure.
+    std::string SizeOfNext() {
+        std::int32_t wellID = 0;
+        std::int64_t from = 0;
+        std::int64_t to = 0;
+        std::uint32_t size = 0;
+        std::uint16_t* samples = nullptr;
+        const std::string failure = TextOfFailure([&] { m_reader.ReadSegment(wellID, from, to, size, samples); });
+        EXPECT_EQ(std::count(samples, samples + size, 0), size);
+        return failure == "no failure" ? std::to_string(size) : failure;
+    }
+
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("damaged.vxd");
     std::string m_bytes = SmallFileBytes();
@@ -65,6 +78,19 @@ class DamagedFileTest : public testing::Test {
 TEST_F(DamagedFileTest, EveryPrefixGivesItsToldOutcome) {
     const std::string whole = m_bytes;
     const std::string first = "CompoundTest1: 11[0..300]1,256,65535,32768 ";
+    // What is left of a segment header whose first cell is whole: of each number the digits that are there, or 0.
+    const auto cutSegment = [&](std::size_t hdr) {
+        const auto left = [&](std::size_t offset) {
+            const std::string text = m_bytes.substr(std::min(m_bytes.size(), hdr + offset));
+            return text.substr(0, text.find('\0'));
+        };
+        const auto number = [&](std::size_t offset, std::size_t key) {
+            const std::string text = left(offset);
+            return text.size() > key ? text.substr(key) : "0";
+        };
+        const std::string samples = number(250, 5) == "4" ? "0,0,0,0" : "";
+        return number(50, 3) + "[" + number(150, 9) + ".." + number(200, 7) + "]" + samples + " ";
+    };
     for (std::size_t size = 0; size <= whole.size(); ++size) {
         m_bytes = whole.substr(0, size);
         const std::string outcome = Outcome();
@@ -78,8 +104,13 @@ TEST_F(DamagedFileTest, EveryPrefixGivesItsToldOutcome) {
             EXPECT_EQ(outcome, kBadRecording);
         } else if (size >= 1190 + 300 && size < 3650 + 50) {
             EXPECT_EQ(outcome, std::string("CompoundTest1: ") + kBadSegment);
+        } else if (size >= 3650 + 50 && size < 3650 + 300) {
+            EXPECT_EQ(outcome, "CompoundTest1: " + cutSegment(3650) + kBadSegment);
         } else if (size >= 3958 && size < 3958 + 50) {
             EXPECT_EQ(outcome, first + kBadSegment);
+        } else if (size >= 3958 + 50 && size < 3958 + 300) {
+            const bool isLast = size >= 3958 + 100 + std::string("FPosNextSegmentHdr=-1").size();
+            EXPECT_EQ(outcome, first + cutSegment(3958) + (isLast ? "end" : kBadSegment));
         } else if (size >= 3958 + 300 && size < whole.size()) {
             const std::array tails = {"0,0,0,0", "7,0,0,0", "7,8,0,0",
                                       "7,8,9,0"};  // little values: the high bytes are 0
@@ -251,22 +282,42 @@ TEST_F(DamagedFileTest, SizesBeyondTheFileGiveZerosOrAnErrorButNoMemory) {
     }
 }
 
-// A size is no more believable for being that of the segment before, which was there in full.
-TEST_F(DamagedFileTest, HugeSegmentOfACutFileIsReportedWhateverWasReadBefore) {
-    constexpr std::int64_t kSamples = 10'000'000;
-    constexpr std::int64_t kSecond = 3650 + 300 + 2 * kSamples;
-    const std::string size = std::to_string(kSamples);
-    WriteAll(m_path, FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) + SegmentHdrBytes(11, kSecond, 0, 1, size));
-    std::filesystem::resize_file(m_path, kSecond);  // the samples are a hole
-    std::ofstream(m_path, std::ios::binary | std::ios::app) << SegmentHdrBytes(12, -1, 0, 1, size);
-    m_reader.Open(m_path);
-    for (const bool beginWithTheWhole : {true, false}) {
-        m_reader.SelectWellID(beginWithTheWhole ? -1 : 12);
-        ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
-        if (beginWithTheWhole) {
-            EXPECT_TRUE(SegmentsOf(m_reader, 1).ends_with(",0,0"));
+// The largest segment whose missing samples take as many bytes as the file has, and one that is a sample larger.
+TEST_F(DamagedFileTest, ASegmentMayMissAsManyBytesAsALargeFileHas) {
+    constexpr std::int64_t kFileSize = 18'000'000;
+    constexpr std::int64_t kSecond = kFileSize - 300;
+    for (const bool isRefused : {false, true}) {
+        const std::int64_t size = kFileSize / 2 + (isRefused ? 1 : 0);
+        const std::string whole = std::to_string((kSecond - 3950) / 2);
+        WriteAll(m_path,
+                 FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) + SegmentHdrBytes(11, kSecond, 0, 1, whole));
+        std::filesystem::resize_file(m_path, kSecond);  // the samples are a hole
+        std::ofstream(m_path, std::ios::binary | std::ios::app) << SegmentHdrBytes(12, -1, 0, 1, std::to_string(size));
+        m_reader.Open(m_path);
+        for (const int well : {-1, 12}) {
+            m_reader.SelectWellID(well);
+            ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+            if (well == -1) {
+                EXPECT_EQ(SizeOfNext(), whole);
+            }
+            EXPECT_EQ(SizeOfNext(), isRefused ? kBadSegment : std::to_string(size));
         }
-        EXPECT_EQ(SegmentsOf(m_reader), kBadSegment);
+    }
+}
+
+TEST_F(DamagedFileTest, TheNextSegmentFollowsOneWhoseSizeIsRefused) {
+    SetCell(3900, 50, "Size=2147483647");
+    WriteAll(m_path, m_bytes);
+    m_reader.Open(m_path);
+    for (const int well : {-1, 11, 12}) {
+        m_reader.SelectWellID(well);
+        for (int pass = 0; pass < 2; ++pass) {
+            ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
+            if (well != 12) {
+                EXPECT_EQ(SegmentsOf(m_reader), kBadSegment);
+            }
+            EXPECT_EQ(SegmentsOf(m_reader), well == 11 ? "end" : "12[0..300]7,8,9,10 end");
+        }
     }
 }
 

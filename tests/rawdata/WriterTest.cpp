@@ -177,6 +177,69 @@ TEST_F(WriterTest, ValueMayFillItsCellButNotOneByteMore) {
     EXPECT_EQ(Bytes(), SmallFileBytes());
 }
 
+TEST_F(WriterTest, AFileThatReadersCannotUseIsWrittenAsGivenAndReportedAtOnce) {
+    const std::string notOurs = "HeaderID doesn't begin with OVL Vexaprobe, so readers won't open the file";
+    const std::string tooOld = "FileVersion is below 2, so readers won't find the wells";
+    const struct {
+        std::string headerID;
+        int version;
+        std::string report;
+    } cases[] = {{"OVL Vexaprobe, series 2", 2, ""}, {"OVL Vexaprobe", 1, tooOld},
+                 {"OVL Vexaprobe", 0, tooOld},       {"OVL Vexaprob", 3, notOurs},
+                 {"Our OVL Vexaprobe", 2, notOurs},  {"", -1, notOurs + "; " + tooOld}};
+    for (const auto& c : cases) {
+        CRawDataFileHdr header = ExampleFileHdr();
+        header.HeaderID = c.headerID;
+        header.FileVersion = c.version;
+        m_writer.Open(m_path);
+        EXPECT_EQ(m_writer.GetWriteError(), "");
+        m_writer.WriteFileHdr(header);
+        EXPECT_EQ(m_writer.GetWriteError(), c.report);
+        EXPECT_EQ(Bytes(), Cell(50, c.headerID) + FileHdrBytes(-1, "CompoundTest", c.version).substr(50));
+    }
+    m_writer.Close();
+    EXPECT_EQ(m_writer.GetWriteError(), notOurs + "; " + tooOld);
+}
+
+TEST_F(WriterTest, TextsThatReadersGetCutAreWrittenAsGivenAndReportedByKey) {
+    const auto cut = [](const char* key) {
+        return std::string("Because of a NUL, CR, LF, '=' or ':', readers get only a part of ") + key;
+    };
+    const std::vector<std::string> texts = {
+        "a=b", "a:b", "a\rb", "a\nb", std::string("a\0b", 3), std::string("a\0", 2)};
+    for (const std::string& text : texts) {
+        CRawDataFileHdr file = ExampleFileHdr();
+        file.PlateID = text;
+        CRawDataRecordingHdr recording = ExampleRecordingHdr();
+        m_writer.Open(m_path);
+        m_writer.WriteFileHdr(file);
+        EXPECT_EQ(Bytes().substr(280, 30), Cell(30, "PlateID=" + text));
+        EXPECT_EQ(m_writer.GetWriteError(), cut("PlateID"));
+        m_writer.WriteRecordingHdr(recording);
+        EXPECT_EQ(m_writer.GetWriteError(), cut("PlateID"));
+        recording.TaskName = text;
+        m_writer.WriteRecordingHdr(recording);
+        m_writer.WriteRecordingHdr(recording);
+        EXPECT_EQ(m_writer.GetWriteError(), cut("PlateID") + "; " + cut("TaskName")) << "each key once";
+        m_writer.UpdateFileHdr("PreQC", {"1", text});
+        EXPECT_EQ(m_writer.GetWriteError(), cut("PlateID") + "; " + cut("TaskName") + "; " + cut("PreQC"));
+    }
+    CRawDataFileHdr file = ExampleFileHdr();
+    file.HeaderID = "OVL Vexaprobe=1:2";  // the one cell that isn't split
+    file.Reserved = "never:written";
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(file);
+    EXPECT_EQ(m_writer.GetWriteError(), "");
+    file.HeaderID += std::string("\0x", 2);
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(file);
+    EXPECT_EQ(m_writer.GetWriteError(), cut("HeaderID"));
+    file.PlateID = std::string(30, 'x') + "=";
+    m_writer.Open(m_path);
+    EXPECT_NE(TextOfFailure([&] { m_writer.WriteFileHdr(file); }), "no failure");
+    EXPECT_EQ(m_writer.GetWriteError(), "") << "a refused header isn't in the file";
+}
+
 TEST_F(WriterTest, CallsOutOfOrderAreRefusedAndChangeNothing) {
     const auto refuses = [&](auto call) { return TextOfFailure(call) != "no failure"; };
     const auto writeFileHdr = [&] { m_writer.WriteFileHdr(ExampleFileHdr()); };

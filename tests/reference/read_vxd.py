@@ -67,7 +67,7 @@ START_TIME_SINCE_VERSION = 2
 UNSET = -1
 FILE_TYPE = b"OVL Vexaprobe"
 MOST_CHANNELS = 193
-MOST_MISSING_BYTES = 16 << 20
+LEAST_LIMIT_OF_MISSING_BYTES = 16 << 20
 
 
 def header_size(cells):
@@ -276,7 +276,7 @@ class RawDataFile:
 
     def _read_samples(self, position, count):
         size = 2 * count
-        if position + size > self._size + MOST_MISSING_BYTES:
+        if position + size > self._size + max(self._size, LEAST_LIMIT_OF_MISSING_BYTES):
             raise RawDataError("Error reading Data Segment Header")
         samples = array.array("H", self._read(position, size).ljust(size, b"\0"))
         if sys.byteorder == "big":

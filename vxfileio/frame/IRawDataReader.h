@@ -77,12 +77,13 @@ class VXFILEIO_API CIRawDataReader {
     /// Delivers the next segment of the recording, or returns false at the end of its chain.
     ///
     /// On true `samples` points at `size` samples in the reader's own buffer, valid until the next `ReadSegment` or the
-    /// end of the reader; times are inclusive and in the instrument's time unit. Samples behind the end of a cut file
+    /// end of the reader; times are inclusive and in the instrument's time unit. Samples beyond the end of a cut file
     /// are 0. On false with a well selected, `wellID` holds the last well passed over; all else is unchanged.
     ///
-    /// Throws "Error seeking Data Segment." for a position that no file has, and "Error reading Data Segment Header"
-    /// where no whole segment header stands or the chain leads back into itself; the position stays at that segment.
-    /// After `std::bad_alloc` the next call delivers the segment that found no room.
+    /// Throws "Error seeking Data Segment." for a negative position, and "Error reading Data Segment Header" if there
+    /// is no segment header or the chain is a circle; the position stays at that segment. Throws the latter also if the
+    /// samples reach further beyond the end of the file than the file is long (at least 16 MiB); the next call then
+    /// continues with the next segment. After `std::bad_alloc` the next call delivers the same segment.
     bool ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo, std::uint32_t& size,
                      std::uint16_t*& samples);
 

@@ -67,8 +67,12 @@ class VXFILEIO_API CIRawDataWriter {
     /// Returns an empty text while all that was asked for since `Open` is with the operating system, else what it
     /// refused first in words: "No space left on device, writing 40300 bytes at 123456 of run.vxd". If segments are
     /// missing in the file, "; segments missing: " and their number follow. Headers and cells that are refused are
-    /// written as soon as there is room; the failure stays told all the same. After `Close` the text holds for the
-    /// closed file, and what only closing it showed counts.
+    /// written as soon as there is room; the failure stays in the text. After `Close` the text is about the closed
+    /// file, including a failure to close it.
+    ///
+    /// Also reports values that are written as given although readers can't use them, one sentence each: a `HeaderID`
+    /// that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2, and each key with a text that readers get cut,
+    /// because it has a NUL, CR, LF, `=` or `:`.
     std::string GetWriteError() const;
 
  private:

@@ -73,6 +73,15 @@ class CCellWriter {
     bool m_hasItem = false;
 };
 
+/// A value or an item ends at the first of these. A run of them counts as one separator. A cell without NUL ends in CR
+/// LF.
+inline constexpr std::string_view kSeparators = "=:\r\n";
+
+/// Returns whether a text that is written to a cell is read back whole: it has no separator and no NUL.
+constexpr bool ReadsBackWhole(std::string_view text) noexcept {
+    return text.find_first_of(kSeparators) == std::string_view::npos && text.find('\0') == std::string_view::npos;
+}
+
 /// Returns the text of a cell: its bytes up to the first NUL. It points into the cell.
 std::string_view CellText(std::string_view cell);
 

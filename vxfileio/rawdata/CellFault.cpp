@@ -44,7 +44,7 @@ CVerdict JudgeItems(std::string_view text) {
 }
 
 CVerdict JudgeText(std::string_view text) {
-    const auto end = text.find_first_of("=:\r\n");
+    const auto end = text.find_first_of(kSeparators);
     if (end == std::string_view::npos) return std::nullopt;
     return CCellFault{ECellFault::Separator, std::string(text.substr(0, end))};
 }

@@ -24,4 +24,10 @@ inline constexpr const char* kBadTick = "The sample interval must be above 0.";
 inline constexpr const char* kTimesReversed = "The segment ends before it begins.";
 inline constexpr const char* kTooManySamples = "The segment holds too many samples.";
 
+// Values that are written as given although readers can't use them. `GetWriteError` reports them; the key of the cell
+// follows where the text ends in a blank.
+inline constexpr const char* kNotOurMark = "HeaderID doesn't begin with OVL Vexaprobe, so readers won't open the file";
+inline constexpr const char* kVersionTooOld = "FileVersion is below 2, so readers won't find the wells";
+inline constexpr const char* kReadBackCut = "Because of a NUL, CR, LF, '=' or ':', readers get only a part of ";
+
 }  // namespace vxfileio::rawdata

@@ -19,8 +19,8 @@ using helpers::CMutableBytes;
 
 namespace {
 
-/// How far behind the end of the file the samples of a segment may reach by its own telling. A cut file gives such
-/// segments, and they are delivered with zeros behind the end; a damaged size must not cost more memory than this.
+/// Samples of a cut file may reach so far beyond its end, or as far as the file is long; they are delivered with zeros
+/// after the end. A damaged size must not cost more memory than that.
 constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
 
 bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName, std::int32_t recording) {
@@ -132,14 +132,16 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
 }
 
 /// Fetches the next segment of the selected well, header and samples. Returns false at the end of the chain. The pass
-/// moves on only from what is done with: whatever memory is wanting, the same segment is the next one.
+/// advances past a header once it has been dealt with, even if its size is refused; after `std::bad_alloc` the same
+/// segment is the next one.
 bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
     while (m_pass.position != kUnset) {
         const std::size_t sampleBytes = ReadNextHdr(header, wellID);
         wellID = header.ID;
         const bool isWanted = IsWanted(wellID);
-        if (isWanted) CompleteSamples(sampleBytes, SamplesOf(header));
+        const bool isRefused = isWanted && !CompleteSamples(sampleBytes, SamplesOf(header));
         PassBehind(header);
+        if (isRefused) throw CExcVXReader(kBadSegmentHdr);
         if (isWanted) return true;
     }
     return false;
@@ -270,21 +272,23 @@ void CRawDataReader::PassBehind(const CSegmentHdr& header) {
 }
 
 /// Completes the samples of the segment whose header was just read: all of them, unless they are what was expected and
-/// came along in these first `read` bytes.
-void CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
-    if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return;
+/// came along in these first `read` bytes. Returns false if the size isn't credible.
+bool CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
+    if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return true;
     const std::int64_t position = DataOf(*m_layout, m_pass.position);
-    RefuseImpossibleSize(position, size);
+    if (!IsCredible(position, size)) return false;
     m_segment.MakeRoomFor(size, m_layout->segment.size);
     read = m_file.ReadUpTo(position, m_segment.SampleBytes());
     ZeroBehind(read, m_segment.SampleBytes());
+    return true;
 }
 
-/// The file is asked only if a segment is too large to be delivered whatever the file's size.
-void CRawDataReader::RefuseImpossibleSize(std::int64_t position, std::uint32_t size) const {
+/// Returns whether so many samples at this position are worth their memory. Asks the file only about large segments.
+bool CRawDataReader::IsCredible(std::int64_t position, std::uint32_t size) const {
     const std::int64_t bytes = size * kSampleBytes;
-    if (bytes <= kMostMissingBytes) return;
-    if (bytes - kMostMissingBytes > m_file.Size() - position) throw CExcVXReader(kBadSegmentHdr);
+    if (bytes <= kMostMissingBytes) return true;
+    const std::int64_t fileSize = m_file.Size();
+    return bytes - std::max(kMostMissingBytes, fileSize) <= fileSize - position;
 }
 
 }  // namespace vxfileio::rawdata

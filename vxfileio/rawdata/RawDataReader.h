@@ -70,8 +70,8 @@ class CRawDataReader {
     bool ReadHdrBehindRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes);
     std::size_t ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID);
     void PassBehind(const CSegmentHdr& header);
-    void CompleteSamples(std::size_t read, std::uint32_t size);
-    void RefuseImpossibleSize(std::int64_t position, std::uint32_t size) const;
+    [[nodiscard]] bool CompleteSamples(std::size_t read, std::uint32_t size);
+    bool IsCredible(std::int64_t position, std::uint32_t size) const;
 
     helpers::CFile m_file;
     const CLayout* m_layout = &Layouts().back();     ///< The open file's; never null.

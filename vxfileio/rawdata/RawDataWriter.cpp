@@ -5,10 +5,13 @@
 #include <bit>
 #include <optional>
 #include <span>
+#include <type_traits>
 #include <utility>
+#include <variant>
 
 #include "vxfileio/base/EnumerationWords.h"
 #include "vxfileio/base/ExcVXReader.h"
+#include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
@@ -82,6 +85,7 @@ void CRawDataWriter::Open(const std::string& path) {
     Close();
     m_refusedHdrs.reserve(m_layout->file.size + m_layout->recording.size);
     m_missingSegments = 0;
+    m_unreadable.clear();
     MakeRoomForRefusals();
     if (!m_file.Create(path)) throw CExcVXReader(kCannotOpen + path);
     m_stage = enStage::Opened;
@@ -93,6 +97,8 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     const CLayout& layout = LayoutForWriting(header.FileVersion);
     m_hdrRoom.resize(layout.file.size);
     Encode(layout, header, m_hdrRoom);
+    ReportUnreadable(header);
+    ReportCutTexts(layout.file.cells, header);
     MakeRoomForRefusals();
     m_refusedHdrs.reserve(layout.file.size + layout.recording.size);
     m_layout = &layout;
@@ -106,6 +112,7 @@ void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
     m_hdrRoom.resize(m_layout->recording.size);
     Encode(*m_layout, header, m_hdrRoom);
+    ReportCutTexts(m_layout->recording.cells, header);
     MakeRoomForRefusals();
     // A recording before this one whose header never reached the file has no data there either: it is given up.
     m_refusedHdrs.resize(m_file.End() == 0 ? m_layout->file.size : 0);
@@ -142,6 +149,7 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     const CFileCell& list = m_layout->file[key];
     std::string cell(list.width, '\0');
     EncodeCell(list.key, Join(values), cell);
+    if (!std::ranges::all_of(values, ReadsBackWhole)) ReportOnce(kReadBackCut + std::string(list.key));
     MakeRoomForRefusals();
     if (m_file.End() == 0) {
         m_refusedHdrs.replace(list.offset, cell.size(), cell);
@@ -173,7 +181,29 @@ void CRawDataWriter::RefuseBefore(enStage needed) const {
 std::string CRawDataWriter::GetWriteError() const {
     std::string text = m_file.WriteError();
     if (m_missingSegments > 0) text += "; segments missing: " + std::to_string(m_missingSegments);
-    return text;
+    if (!text.empty() && !m_unreadable.empty()) text += "; ";
+    return text + m_unreadable;
+}
+
+void CRawDataWriter::ReportUnreadable(const CRawDataFileHdr& header) {
+    if (!header.HeaderID.starts_with(kFileTypeText)) ReportOnce(kNotOurMark);
+    if (header.HeaderID.find('\0') != std::string::npos) ReportOnce(kReadBackCut + std::string("HeaderID"));
+    if (header.FileVersion < kOldestWrittenVersion) ReportOnce(kVersionTooOld);
+}
+
+void CRawDataWriter::ReportCutTexts(const auto& cells, const auto& header) {
+    using CText = std::string std::remove_cvref_t<decltype(header)>::*;
+    for (const auto& cell : cells) {
+        const auto* const text = std::get_if<CText>(&cell.member);
+        if (text == nullptr || cell.traits.standBy || ReadsBackWhole(header.**text)) continue;
+        ReportOnce(kReadBackCut + std::string(cell.key));
+    }
+}
+
+/// Adds a sentence to the report. It stays short, because each sentence is in it at most once.
+void CRawDataWriter::ReportOnce(const std::string& sentence) {
+    if (m_unreadable.find(sentence) != std::string::npos) return;
+    m_unreadable += (m_unreadable.empty() ? "" : "; ") + sentence;
 }
 
 /// A call has one rewrite, and `Close` behind it up to two.

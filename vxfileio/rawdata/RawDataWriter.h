@@ -50,6 +50,9 @@ class CRawDataWriter {
     };
 
     void RefuseBefore(enStage needed) const;
+    void ReportUnreadable(const CRawDataFileHdr& header);
+    void ReportCutTexts(const auto& cells, const auto& header);
+    void ReportOnce(const std::string& sentence);
     void MakeRoomForRefusals();
     bool AppendRefusedHdrs();
     void BeginRecordingAt(std::int64_t position);
@@ -70,6 +73,7 @@ class CRawDataWriter {
 
     std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
     std::int64_t m_missingSegments = 0;              ///< Those that the system refused.
+    std::string m_unreadable;                        ///< Sentences about values that readers can't use.
 
     const CLayout* m_layout = &Layouts().back();  ///< That of the file, once its header is written; never null.
     /// The cell of the layout that leads to the next segment; rewritten for each segment.
