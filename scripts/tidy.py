@@ -32,11 +32,12 @@ def flags_of(entry):
 
 
 def private_names(source):
-    """Returns the names that a source defines in unnamed namespaces, and perhaps a few that it doesn't."""
+    """Returns the names that a source keeps to itself, and perhaps a few that it doesn't."""
     with open(source, encoding="utf-8") as file:
         text = file.read()
     parts = re.findall(r"^namespace \{\n(.*?)^\}  // namespace", text, re.MULTILINE | re.DOTALL)
-    return set(DEFINITION.findall("\n".join(parts)))
+    aliases = re.findall(r"^using (\w+) =", text, re.MULTILINE)
+    return set(DEFINITION.findall("\n".join(parts))) | set(aliases)
 
 
 def groups_of(sources, database):

@@ -4,7 +4,8 @@
     check_sessions.py [--update] FOLDER_OF_VXFILE PAGE...
 
 A session is a block that begins with ```console; its lines that begin with "$ " are commands, the others their output.
-They run in a folder of their own that has the files below. --update puts the real output into the pages.
+They run in a folder of their own that has the files below. --update puts the real output into the pages. The version
+of the program reads VERSION on the pages, so that a release changes none of them.
 """
 import os
 import pathlib
@@ -32,23 +33,30 @@ FILES = {
 }
 
 
-def run(command, folder, programs):
+def run(command, folder, programs, version):
     environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", NO_COLOR="1", LC_ALL="C.UTF-8")
     # timeout(1) ends what the shell has started, too.
     done = subprocess.run(["timeout", "60", "bash", "-c", command], cwd=folder, env=environment,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    return done.stdout.decode(errors="replace").replace("\r\n", "\n").splitlines()
+    output = done.stdout.decode(errors="replace").replace("\r\n", "\n")
+    output = output.replace(f"vxfile {version}", "vxfile VERSION").replace(f'"vxfile": "{version}"', '"vxfile": "VERSION"')
+    return output.splitlines()
+
+
+def version_of(programs):
+    return subprocess.run([programs / "vxfile", "--version"], stdout=subprocess.PIPE, text=True).stdout.split()[-1]
 
 
 def play(lines, folder, programs):
     """Returns the lines of a page with what its commands print now."""
+    version = version_of(programs)
     played, in_session, output = [], False, None
     for line in lines:
         if in_session and (line.startswith("$ ") or line == "```") and output is not None:
             played += output
             output = None
         if in_session and line.startswith("$ "):
-            output = run(line[2:], folder, programs)
+            output = run(line[2:], folder, programs, version)
         if line == "```" or not in_session or line.startswith("$ ") or output is None:
             played.append(line)
         in_session = line == "```console" or (in_session and line != "```")
