@@ -18,7 +18,8 @@ TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has n
 
 # The programs that look at a room, those most likely to notice first.
 PROGRAMS = {
-    "frame": ["frame_test", "settings_test", "rawdata_test", "faults_test"],
+    "base": ["base_test", "rawdata_test", "settings_test"],
+    "frame": ["settings_test", "rawdata_test", "faults_test"],
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
     "rawdata": ["rawdata_test", "layout_test", "reference_test", "faults_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
@@ -26,7 +27,7 @@ PROGRAMS = {
     "results": ["results_test", "reference_test"],
     "export": ["export_test", "results_test", "faults_test"],
     "recovery": ["recover_test", "sessions"],
-    "vxfile": ["sessions", "samples", "vxfile_test"],
+    "vxfile": ["vxfile_test", "sessions", "samples"],
 }
 
 # What isn't a test program: the target that it looks at, and its words, of which {} is the folder of the build. The

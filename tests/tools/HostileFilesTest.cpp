@@ -171,7 +171,7 @@ TEST_F(VxfileOnHostileFiles, WatchTellsWhetherAFileIsFinished) {
     EXPECT_EQ(Run(ReadAll(kReference + "small_example.vxd"), watch), 0);
     EXPECT_TRUE(m_out.ends_with("The file is finished: 1 recording, 4.2 KiB.\n")) << m_out;
     EXPECT_EQ(Run(ReadAll(kReference + "unfinished.vxd"), watch), 1);
-    EXPECT_TRUE(m_out.ends_with("saves what is there: 2 recordings, 6.9 KiB.\n")) << m_out;
+    EXPECT_TRUE(m_out.ends_with("to save what is there: 2 recordings, 6.9 KiB.\n")) << m_out;
     EXPECT_EQ(Run(ReadAll(kReference + "cut_samples.vxd"), watch), 1);
-    EXPECT_TRUE(m_out.ends_with("vxfile verify tells where: 1 recording, 3.9 KiB.\n")) << m_out;
+    EXPECT_TRUE(m_out.ends_with("run 'vxfile verify' to see where: 1 recording, 3.9 KiB.\n")) << m_out;
 }

@@ -64,7 +64,7 @@ std::string DamageOfSamples(const std::string& path) {
         for (const auto& doubt : source.Doubts())
             doubts += doubt;
     });
-    const bool isTooEarly = failure.find("never finished") != std::string::npos;
+    const bool isTooEarly = failure.find("is unfinished") != std::string::npos;
     return doubts + (isTooEarly ? "" : failure);
 }
 

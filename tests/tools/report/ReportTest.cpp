@@ -106,7 +106,7 @@ TEST(Page, ShowsSixteenRowsOrFourteenAndTheLast) {
     EXPECT_NE(all.find("  15  finished\n  16  finished\n"), std::string::npos) << all;
     EXPECT_EQ(all.find("more"), std::string::npos) << all;
     const std::string some = Printed(WithRows(17));
-    EXPECT_NE(some.find("  14  finished\n  2 more, which --json lists\n  17  finished\n"), std::string::npos) << some;
+    EXPECT_NE(some.find("  14  finished\n  2 more; --json lists them\n  17  finished\n"), std::string::npos) << some;
 }
 
 TEST(Page, SaysDamageToPeopleAndPrograms) {

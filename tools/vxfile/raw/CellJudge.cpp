@@ -29,22 +29,22 @@ CWords WordsFor(const CCellFault& fault, const auto& cell) {
     const std::string key(cell.key);
     switch (fault.kind) {
         case ECellFault::NoLineEnd:
-            return {"CR LF as the last two bytes", "The cell has lost its end; readers don't look at it."};
+            return {"CR LF as the last two bytes", "The cell has lost its end; readers ignore it."};
         case ECellFault::NoPadding:
-            return {"at least one NUL byte ahead of the line end", "Readers see one item too many."};
+            return {"at least one NUL byte before the line end", "Readers see one item too many."};
         case ECellFault::Padding:
-            return {"nothing but NUL bytes up to the line end", "Readers pass over what stands behind a NUL."};
+            return {"nothing but NUL bytes up to the line end", "Readers ignore what follows a NUL."};
         case ECellFault::NoMark:
-            return {"a text that begins " + Quoted(kFileTypeText), "No reader takes the file."};
+            return {"a text that begins " + Quoted(kFileTypeText), "No reader accepts the file."};
         case ECellFault::NoKey:
-            return {"the key " + Quoted(key), "Readers find cells by their place and take the value as told."};
+            return {"the key " + Quoted(key), "Readers find cells by their offset and take the value anyway."};
         case ECellFault::NotFixed:
             return {Quoted(cell.traits.standBy->empty() ? key : key + '=' + std::string(*cell.traits.standBy)),
-                    "No writer puts anything else there; readers don't look at it."};
+                    "No writer puts anything else there; readers ignore it."};
         case ECellFault::LoneSign:
             return {"the key alone if there is no value", "Some readers see an item where there is none."};
         case ECellFault::NoNumber:
-            return {"a number behind " + Quoted(key + '='), "Readers take it for 0."};
+            return {"a number after " + Quoted(key + '='), "Readers take it for 0."};
         case ECellFault::OtherNumber:
             return {"the number as it is written, " + Quoted(fault.taken), "Readers take it for " + fault.taken + "."};
         case ECellFault::Separator:
@@ -122,9 +122,9 @@ std::int64_t MostTold(const CTellingCells& cells) {
 
 /// Readers go by the count.
 const char* MeaningOfList(const CTellingCell& list, const CTellingCell& count) {
-    if (list.channels == count.channels) return "Readers take as many as the count tells.";
-    return list.channels < count.channels ? "The channels behind keep their defaults."
-                                          : "Readers pass over the items behind.";
+    if (list.channels == count.channels) return "Readers take as many as the count says.";
+    return list.channels < count.channels ? "The remaining channels keep their defaults."
+                                          : "Readers ignore the remaining items.";
 }
 
 /// One damaged cell is one finding, be it the count or a list.
@@ -136,7 +136,7 @@ void JudgeNumbers(const CTellingCells& cells, const CHeaderPlace& place, CFindin
     };
     const CTellingCell& count = cells.front();
     if (count.channels != channels)
-        add(count, std::to_string(count.channels), ", as many as the lists behind have items",
+        add(count, std::to_string(count.channels), ", the number of items in the lists after it",
             count.channels < channels ? "Readers don't see the last channels."
                                       : "Readers see channels that aren't there.");
     for (const auto& list : std::span(cells).subspan(1)) {

@@ -31,7 +31,7 @@ constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 /// time stays linear in its size.
 constexpr std::int64_t kMostPasses = 4;
 
-/// So many segments of one recording are told; behind them only that there are more.
+/// The most segments of one recording that are named; after them, only that there may be more.
 constexpr int kMostSegmentsTold = 5;
 
 void AddCells(const auto& cells, const std::string& name, std::string_view bytes, std::vector<CLeaf>& leaves) {
@@ -113,7 +113,7 @@ class CRawDiff {
           m_progress("Comparing", m_left.scan.Size()) {
         for (const auto* side : {&m_left, &m_right}) {
             if (side->scan.Break())
-                throw CFailure(side->path + " has a damaged chain of recordings; vxfile verify tells where.");
+                throw CFailure(side->path + " has a damaged chain of recordings; run 'vxfile verify' to see where.");
         }
     }
 
@@ -151,7 +151,7 @@ class CRawDiff {
         for (const auto& [side, walk] : {std::pair(&m_left, &lefts), std::pair(&m_right, &rights)}) {
             if (walk->Break())
                 m_differences.Omit(side->path + " has a damaged chain of segments in " + name +
-                                   ", so what follows there wasn't compared; vxfile verify tells where.");
+                                   ", so what follows there wasn't compared; run 'vxfile verify' to see where.");
         }
     }
 
@@ -191,7 +191,7 @@ class CRawDiff {
         if (!same)
             m_differences.Omit("Bytes that no position leads to weren't compared: " + std::to_string(BytesOf(lefts)) +
                                " in " + m_left.path + ", " + std::to_string(BytesOf(rights)) + " in " + m_right.path +
-                               "; vxfile recover looks for segments in them.");
+                               "; run 'vxfile recover' to look for segments in them.");
     }
 
     [[noreturn]] static void RefuseTangle() {

@@ -75,10 +75,10 @@ class CRawInfo {
         JudgeWhatIsBehind();
         if (m_scan.Break()) m_damage = "The chain of recordings is damaged";
         if (m_scan.Size() < m_scan.FileHdrSize())
-            m_page.SetDamage("The file ends within its first header; there is no recording to save.");
+            m_page.SetDamage("The file ends within its first header; there is no recording to recover.");
         else if (!m_damage.empty())
-            m_page.SetDamage(m_damage + "; vxfile verify tells where, vxfile recover saves what is whole.");
-        if (!m_counts) m_page.SetRemark("Segments and samples weren't counted; --full does.");
+            m_page.SetDamage(m_damage + "; run 'vxfile verify' to see where, 'vxfile recover' to save what is whole.");
+        if (!m_counts) m_page.SetRemark("Segments and samples weren't counted; use --full.");
         return std::move(m_page);
     }
 
@@ -164,7 +164,8 @@ void CRawInfo::TellSummary(const std::string& lastState) {
     const std::string wellText = wells.empty() ? "" : ": " + ListText(wellIDs);
     m_page.Add("Wells", "wells", std::to_string(wells.size()) + wellText, wellIDs);
     std::string count = std::to_string(recordings.size());
-    if (!recordings.empty()) count += ", the last one " + lastState + (finished ? "" : ": vxfile recover saves it");
+    if (!recordings.empty())
+        count += ", the last one " + lastState + (finished ? "" : ": run 'vxfile recover' to save it");
     m_page.Add("Recordings", "recordingCount", count, recordings.size());
     m_page.Json()["lastFinished"] = finished;
 }
@@ -217,7 +218,7 @@ void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
 void CRawInfo::JudgeWhatIsBehind() {
     const auto& recordings = m_scan.Recordings();
     if (!m_counts || recordings.empty() || !recordings.back().IsFinished() || !m_damage.empty()) return;
-    if (m_scan.HasHeaderAt(m_end)) m_damage = "No position leads to what stands behind byte " + std::to_string(m_end);
+    if (m_scan.HasHeaderAt(m_end)) m_damage = "No position leads to what follows byte " + std::to_string(m_end);
 }
 
 /// Segments of an unfinished recording are those behind its header; the last of them may be just being written.

@@ -25,12 +25,12 @@ std::int64_t OffsetOf(const auto& cell) { return static_cast<std::int64_t>(cell.
 CRawScan::CRawScan(const std::string& path) {
     OpenInput(m_file, path);
     m_size = m_openedSize = m_file.Size();
-    if (m_size == 0) throw CFailure(path + " is empty; there is nothing to read or to save.");
+    if (m_size == 0) throw CFailure(path + " is empty; there is nothing to read or to recover.");
     const std::string bytes = ReadBytes(0, LargestFileHdr());
     if (!bytes.starts_with(kFileTypeText))
         throw CFailure(path +
-                       " doesn't begin as a raw data file does; vxfile info tells what it is, and vxfile "
-                       "recover saves a raw data file whose beginning is damaged.");
+                       " doesn't begin like a raw data file. Run 'vxfile info' to see what it is, or 'vxfile recover' "
+                       "if its beginning is damaged.");
     m_layout = &LayoutOfFile(bytes);
     Decode(*m_layout, bytes, m_header);
     WalkRecordings();

@@ -109,7 +109,7 @@ void CRawVerifier::JudgeFileHdr() {
     } else if (first != m_scan.FileHdrSize() && !m_scan.Recordings().empty()) {
         Add(name + " > FPosFirstRecordingHdr", OffsetOf("FPosFirstRecordingHdr"), Text(first),
             Text(m_scan.FileHdrSize()),
-            "Recordings don't begin where writers put them; readers follow the position all the same.");
+            "Recordings don't begin where writers put them; readers follow the position anyway.");
     }
 }
 
@@ -132,11 +132,11 @@ void CRawVerifier::JudgePositions(const CRecordingAt& recording, const std::stri
     const std::int64_t behind = m_scan.DataPosition(recording);
     if (recording.header.FPosRecordingData != behind && IsInFile(recording.header.FPosRecordingData))
         Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"),
-            Text(recording.header.FPosRecordingData), Text(behind) + ", right behind the header",
-            "The segments don't begin where writers put them; readers follow the position all the same.");
+            Text(recording.header.FPosRecordingData), Text(behind) + ", right after the header",
+            "The segments don't begin where writers put them; readers follow the position anyway.");
     if (recording.header.FPosRecordingTrailer != kUnset)
         Add(name + " > FPosRecordingTrailer", OffsetOf(recording, "FPosRecordingTrailer"),
-            Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers don't look at it.");
+            Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers ignore it.");
 }
 
 void CRawVerifier::JudgeWells(const CListedWells& listed, const CRecordingAt& recording, const std::string& name) {
@@ -145,10 +145,10 @@ void CRawVerifier::JudgeWells(const CListedWells& listed, const CRecordingAt& re
         const CRawDataChannelInfo& well = listed.wells[i];
         if (!m_ticks.emplace(well.ID, well.Ticks).second)
             Add(name + " > WellIDs", OffsetOf(recording, "WellIDs"), "well " + Text(well.ID) + " twice",
-                "each well once", "Nobody can tell which channel a segment of this well belongs to.");
+                "each well once", "It is unclear which channel a segment of this well belongs to.");
         if (well.Ticks <= 0 && i < listed.intervals)
             Add(name + " > Ticks", OffsetOf(recording, "Ticks"), Text(well.Ticks) + " for well " + Text(well.ID),
-                "a sample interval above 0", "The times of its samples can't be told.");
+                "a sample interval above 0", "The times of its samples are unknown.");
     }
 }
 
@@ -158,7 +158,7 @@ void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::
     if (next == kUnset || next == end) return;
     if (m_scan.Break() && m_scan.Break()->cell == OffsetOf(recording, "FPosNextRecordingHdr")) return;
     Add(name + " > FPosNextRecordingHdr", OffsetOf(recording, "FPosNextRecordingHdr"), Text(next),
-        Text(end) + ", where its last segment ends", "Either segments are missing here, or the recordings were moved.");
+        Text(end) + ", where its last segment ends", "Segments are missing here, or the recordings were moved.");
 }
 
 /// An unfinished recording is as its writer left it. What it wrote stands behind the header.
@@ -168,9 +168,9 @@ void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::str
                                 Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") + ')' +
                                 (sum.isLastIncomplete ? " and a part of one more" : "") +
                                 " so far: its writer is still at work, or was cut off. Readers find no samples in "
-                                "it; if the writer is gone, vxfile recover saves them to a new file.";
+                                "it; if the writer is gone, run 'vxfile recover' to save them to a new file.";
     Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"), "-1",
-        Text(m_scan.DataPosition(recording)) + ", right behind the header", meaning);
+        Text(m_scan.DataPosition(recording)) + ", right after the header", meaning);
     if (recording.header.FPosNextRecordingHdr != kUnset)
         Add(name + " > FPosNextRecordingHdr", OffsetOf(recording, "FPosNextRecordingHdr"),
             Text(recording.header.FPosNextRecordingHdr), "-1 in a recording that isn't finished",
@@ -201,8 +201,8 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
     if (walk.Break())
         JudgeBreak(*walk.Break(), name + (sum.segments == 0 ? " > FPosRecordingData" : " > FPosNextSegmentHdr"),
                    "a segment",
-                   "Readers give " + Counted(sum.segments, "segment") +
-                       " of this recording and then an error; vxfile recover looks for what follows.");
+                   "Readers return " + Counted(sum.segments, "segment") +
+                       " of this recording and then an error; run 'vxfile recover' to look for what follows.");
     return sum;
 }
 
@@ -236,7 +236,7 @@ void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& reco
     const auto well = m_ticks.find(header.ID);
     if (well == m_ticks.end()) {
         Add(NameOfSegment(recording, index, segment) + " > ID", OffsetOf(segment, "ID"), Text(header.ID),
-            "a well that the recording lists", "Interval and units of its samples can't be told.");
+            "a well that the recording lists", "Interval and units of its samples are unknown.");
         return;
     }
     if (!SpanOf(header.TimeFrom, header.TimeTo)) {
@@ -258,7 +258,7 @@ void CRawVerifier::JudgeNextSegment(const CSegmentAt& segment, const std::string
     if (!IsInFile(next) || next == segment.End()) return;
     Add(NameOfSegment(recording, index, segment) + " > FPosNextSegmentHdr", OffsetOf(segment, "FPosNextSegmentHdr"),
         Text(next), Text(segment.End()) + ", where this segment ends",
-        "Segments don't follow one another as writers put them; readers follow the position all the same.");
+        "Segments aren't in the order in which writers put them; readers follow the position anyway.");
 }
 
 void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
@@ -272,8 +272,7 @@ void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& 
         case CChainBreak::EReason::NoHeader:
             Add(where, chainBreak.cell,
                 position + ", where " +
-                    Quoted(m_scan.ReadBytes(chainBreak.position, m_scan.Layout().segment.cells.front().width)) +
-                    " stands",
+                    Quoted(m_scan.ReadBytes(chainBreak.position, m_scan.Layout().segment.cells.front().width)) + " is",
                 "the position of " + what, meaning);
             break;
         case CChainBreak::EReason::TooManyChannels:
@@ -282,7 +281,7 @@ void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& 
             break;
         case CChainBreak::EReason::Circle:
             m_circle = true;
-            Add(where, chainBreak.cell, position + ", which the chain has passed before", "-1, or what comes next",
+            Add(where, chainBreak.cell, position + ", which the chain has passed before", "-1, or the next position",
                 meaning);
             break;
     }
@@ -293,7 +292,7 @@ void CRawVerifier::JudgeBreakOfRecordings(const CChainBreak& chainBreak) {
     const std::string where = count == 0 ? "file header > FPosFirstRecordingHdr"
                                          : NameOf(m_scan.Recordings().back(), count - 1) + " > FPosNextRecordingHdr";
     JudgeBreak(chainBreak, where, "a recording",
-               "Readers refuse the whole file; vxfile recover saves the recordings that are whole.");
+               "Readers refuse the whole file; run 'vxfile recover' to save the recordings that are whole.");
     m_findings.MakeUnusable();
 }
 
@@ -317,11 +316,11 @@ void CRawVerifier::JudgeCoverage() {
         [&](CRange gap) {
             if (gap.end == m_scan.Size() && IsBeingWritten(gap)) return;
             Add("file", gap.begin, describe(gap) + " that no position leads to", "bytes that belong to something",
-                "What stands there was lost or never finished; vxfile recover looks for segments in it.");
+                "This content was lost or never finished; run 'vxfile recover' to look for segments in it.");
         },
         [&](CRange overlap) {
             if (m_circle) return;  // which passes everything twice
-            Add("file", overlap.begin, describe(overlap) + " that two things claim", "bytes that belong to one",
+            Add("file", overlap.begin, describe(overlap) + " that belong to two things", "bytes that belong to one",
                 "A position or a Size is damaged.");
         });
 }

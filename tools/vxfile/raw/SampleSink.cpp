@@ -32,10 +32,10 @@ CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
     if (!units) return {};
     if (piece.channel == nullptr)
         throw CFailure("The recording header has no well " + std::to_string(piece.well) +
-                       ", so its unit isn't known; leave out --units or choose other wells.");
+                       ", so its unit isn't known; omit --units or choose other wells.");
     if (!piece.hasScale)
-        throw CFailure("The recording header doesn't tell UnitsPerAD and ADZero of well " + std::to_string(piece.well) +
-                       ", so its unit isn't known; leave out --units or choose other wells.");
+        throw CFailure("The recording header lacks UnitsPerAD or ADZero of well " + std::to_string(piece.well) +
+                       ", so its unit isn't known; omit --units or choose other wells.");
     return *piece.channel;
 }
 
@@ -156,8 +156,8 @@ class CNpyFile {
 
 [[noreturn]] void RefuseSecondWell() {
     throw CFailure(
-        "There are several wells, and an array has one: choose it by --well, put {well} into the name of -o, or "
-        "ask for one --table of all.");
+        "There are several wells, but an array holds one. Choose it with --well, put {well} in the name of -o, or "
+        "use --table.");
 }
 
 /// Returns how many samples will come to a form's target.
@@ -298,7 +298,7 @@ class CSinkPerWell : public CSampleSink {
     void Begin(const CPiece& piece) override {
         auto& sink = m_sinks[piece.well];
         if (m_sinks.size() > kMostSinks)
-            throw CFailure("There are too many wells for a file each; choose some by --well.");
+            throw CFailure("There are too many wells for one file each; choose some with --well.");
         if (!sink) sink = MakeSink(FormOf(piece.well), m_source);
         m_current = sink.get();
         m_current->Begin(piece);

@@ -79,8 +79,8 @@ CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
       m_choice(std::move(choice)),
       m_reads(m_choice.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
     if (m_choice.from > m_choice.to)
-        throw CFailure("No time is from " + std::to_string(m_choice.from) + " to " + std::to_string(m_choice.to) +
-                       "; --from is the earlier one.");
+        throw CFailure("--from " + std::to_string(m_choice.from) + " is later than --to " +
+                       std::to_string(m_choice.to) + "; swap them.");
     if (m_scan.Break()) RefuseBreak("its recordings");
     RefuseUnknownTasks();
     RefuseUnknownRecordings();
@@ -105,7 +105,7 @@ void CSampleSource::RefuseUnknownRecordings() const {
     for (const auto number : m_choice.recordings) {
         if (!numbers.contains(number))
             throw CFailure(m_path + " has no recording " + std::to_string(number) +
-                           (m_choice.tasks.empty() ? "; its numbers: " : " of the tasks chosen; their numbers: ") +
+                           (m_choice.tasks.empty() ? "; its numbers: " : " in the chosen tasks; their numbers: ") +
                            Joined(numbers) + '.');
     }
 }
@@ -194,7 +194,7 @@ void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span
 void CSampleSource::RefuseNothing() const {
     if (m_any) return;
     if (m_first > m_last || HasAllTimes(m_choice)) RefuseWells();
-    throw CFailure(m_path + " has no samples of the times chosen; those of the wells and recordings chosen go from " +
+    throw CFailure(m_path + " has no samples in the chosen times; those of the chosen wells and recordings go from " +
                    std::to_string(m_first) + " to " + std::to_string(m_last) + '.');
 }
 
@@ -210,17 +210,17 @@ void CSampleSource::RefuseWells() const {
     const auto isListed = [&](std::int32_t well) { return wells.contains(well); };
     if (!m_choice.wells.empty() && std::ranges::none_of(m_choice.wells, isListed))
         throw CFailure(m_path + " has no well " + ListText(m_choice.wells) +
-                       " in the recordings chosen; their wells: " + theirs);
+                       " in the chosen recordings; their wells: " + theirs);
     const auto unfinished = Unfinished();
     if (!unfinished.empty())
         throw CFailure(unfinished.front() +
-                       " was never finished, so there is nothing to take from it; vxfile recover "
-                       "puts what it has into a new file.");
+                       " is unfinished, so its samples can't be read; run 'vxfile recover' "
+                       "to save them to a new file.");
     const auto doubts = Doubts();
     if (!doubts.empty()) throw CFailure(m_path + " has no samples of what was chosen. " + doubts.front());
     if (m_choice.tasks.empty() && m_choice.recordings.empty() && m_choice.wells.empty())
-        throw CFailure(m_path + " has no samples; vxfile info tells what it holds.");
-    throw CFailure(m_path + " has no samples of what was chosen; the wells of the recordings chosen: " + theirs);
+        throw CFailure(m_path + " has no samples; run 'vxfile info' to see what it contains.");
+    throw CFailure(m_path + " has no samples of what was chosen; the wells of the chosen recordings: " + theirs);
 }
 
 std::vector<std::int32_t> CSampleSource::MissingWells() const {
@@ -291,7 +291,8 @@ void CSampleSource::Clip(CPiece& piece) const {
 }
 
 void CSampleSource::RefuseBreak(const std::string& where) const {
-    throw CFailure(m_path + " is damaged or cut, " + where + " can't be read; save what is whole by vxfile recover.");
+    throw CFailure(m_path + " is damaged or cut: " + where +
+                   " can't be read. Run 'vxfile recover' to save what is whole.");
 }
 
 }  // namespace vxfile

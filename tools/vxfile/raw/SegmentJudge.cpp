@@ -137,8 +137,8 @@ std::vector<std::string> CSegmentJudge::Doubts() const {
         if (tally.count > 0)
             doubts.push_back(Counted(tally.count, "segment") + ' ' + what + "; the first is of " + tally.first + '.');
     };
-    add(m_times, "with times that Size contradicts, so they are in doubt");
-    add(m_unlisted, "of a well that the recording doesn't list, so it may be another's");
+    add(m_times, "with times that contradict Size, so they are in doubt");
+    add(m_unlisted, "of a well that the recording doesn't list, so it may belong to another");
     add(m_noInterval, "of a well without a sample interval, so their times are worked out from TimeFrom and TimeTo");
     const auto unreached = Unreached();
     if (!unreached.empty()) {
@@ -146,7 +146,7 @@ std::vector<std::string> CSegmentJudge::Doubts() const {
         const std::string more = unreached.size() == 1 ? "" : ", and more at other places";
         doubts.push_back("At byte " + std::to_string(first.position) + ", in or after " + NameOfPlace(first.recording) +
                          ", is a " + (m_scan.HasSegmentAt(first.position) ? "segment" : "recording") +
-                         " that no position leads to" + more + "; vxfile recover saves what is missing here.");
+                         " that no position leads to" + more + "; run 'vxfile recover' to save what is missing here.");
     }
     return doubts;
 }

@@ -51,7 +51,7 @@ void PrintTable(const std::vector<CPage::CRow>& table) {
         std::cout << LineOf(table[i], widths) << '\n';
     if (shown == rows) return;
     // The last row is that of a recording which was cut off, so it is never among those left out.
-    std::cout << "  " << rows - shown - 1 << " more, which --json lists\n" << LineOf(table.back(), widths) << '\n';
+    std::cout << "  " << rows - shown - 1 << " more; --json lists them\n" << LineOf(table.back(), widths) << '\n';
 }
 
 }  // namespace

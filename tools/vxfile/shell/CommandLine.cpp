@@ -14,10 +14,10 @@ namespace vxfile {
 
 namespace {
 
-/// So wide are texts of help that aren't lists.
+/// The width of help texts that aren't lists.
 constexpr std::size_t kTextWidth = 80;
 
-/// Returns how many characters have to be put, taken or changed to make one word of the other.
+/// Returns how many characters must be inserted, removed or changed to turn one word into the other.
 std::size_t EditDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
@@ -46,12 +46,12 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& words
     return nearest;
 }
 
-/// Returns the end of a sentence about a word that isn't known.
+/// Returns the advice after a sentence about an unknown word.
 std::string Advice(const std::string& nearest, const std::string& help) {
-    return nearest.empty() ? help + " lists them." : "did you mean '" + nearest + "'?";
+    return nearest.empty() ? "Run '" + help + "' for a list." : "Did you mean '" + nearest + "'?";
 }
 
-/// Returns a text with line ends where it would be too wide.
+/// Returns a text broken into lines of at most `kTextWidth`.
 std::string Wrapped(std::string_view text) {
     std::string wrapped;
     while (text.size() > kTextWidth) {
@@ -73,9 +73,9 @@ std::string Footer(const CCommands& commands) {
     for (const auto& command : commands)
         footer.append("  ").append(command->Text().example).append("\n");
     return footer +
-           "\nvxfile COMMAND --help tells more about a command and its exit status. A wrong\n"
-           "command line is 2, and Ctrl-C 130; it leaves no half file behind.\n"
-           "Nothing is coloured if NO_COLOR is set, or TERM is dumb.";
+           "\nRun 'vxfile COMMAND --help' for details and exit statuses. A wrong command line\n"
+           "ends with 2, Ctrl-C with 130; neither leaves an incomplete file.\n"
+           "Set NO_COLOR, or TERM=dumb, to turn colours off.";
 }
 
 /// Returns the command whose arguments were being parsed; the program itself if there is none.
@@ -103,8 +103,8 @@ bool TakesLists(const CLI::App& command) {
 
 void Describe(CLI::App& app, const CCommands& commands) {
     app.name("vxfile");
-    app.description("Looks into the files of a cell screening instrument, checks and saves them.");
-    app.set_version_flag("--version", std::string("vxfile ") + VXFILE_VERSION, "Print the version and end");
+    app.description("Inspects, checks, converts and recovers the files of a cell screening instrument.");
+    app.set_version_flag("--version", std::string("vxfile ") + VXFILE_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.allow_windows_style_options(false);  // which would make options of names such as /runs/1.vxd
     const auto words = std::make_shared<CLI::Formatter>();
@@ -114,7 +114,7 @@ void Describe(CLI::App& app, const CCommands& commands) {
     words->label("TEXT", "NAME");
     words->label("INT", "NUMBER");
     app.formatter(words);
-    app.set_help_flag("-h,--help", "Print this text and end");
+    app.set_help_flag("-h,--help", "Print this text and exit");
     app.footer(Footer(commands));
     for (const auto& command : commands) {
         const CCommandText& text = command->Text();
@@ -141,9 +141,9 @@ void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
     for (const auto& command : commands)
         names.emplace_back(command->Text().name);
     if (std::ranges::find(names, word) != names.end()) return;
-    if (word.empty()) throw CFailure("A command is wanted; vxfile --help lists them.");
+    if (word.empty()) throw CFailure("No command given. Run 'vxfile --help' for a list.");
     names.insert(names.end(), {"--help", "--version"});  // which some programs take as commands
-    throw CFailure("'" + std::string(word) + "' is no command; " +
+    throw CFailure("Unknown command '" + std::string(word) + "'. " +
                    Advice(Nearest(Lowered(std::string(word)), names), "vxfile --help"));
 }
 
@@ -151,14 +151,13 @@ void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App& command = CommandAtHand(app);
     const std::string help = (&command == &app ? "vxfile" : "vxfile " + command.get_name()) + " --help";
     const auto unknown = command.remaining();
-    if (unknown.empty()) throw CFailure(std::string(error.what()) + "; " + help + " tells how.");
+    if (unknown.empty()) throw CFailure(std::string(error.what()) + ". Run '" + help + "' for usage.");
     const auto option = std::ranges::find_if(unknown, [](const auto& word) { return word.starts_with("-"); });
     if (option == unknown.end())
-        throw CFailure(
-            "'" + unknown.front() + "' is one argument too many" +
-            (TakesLists(command) ? " (several values of an option have commas between them, as 1,2); " : "; ") + help +
-            " tells how.");
-    throw CFailure("'" + *option + "' is no option; " + Advice(Nearest(*option, OptionsOf(command)), help));
+        throw CFailure("Unexpected argument '" + unknown.front() + "'" +
+                       (TakesLists(command) ? " (separate several values of an option by commas, such as 1,2)" : "") +
+                       ". Run '" + help + "' for usage.");
+    throw CFailure("Unknown option '" + *option + "'. " + Advice(Nearest(*option, OptionsOf(command)), help));
 }
 
 }  // namespace vxfile

@@ -66,7 +66,7 @@ std::string OptionWords(const CLI::App& app) {
 
 void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& out) {
     out << R"(.TH VXFILE 1 "" "vxfile )" << VXFILE_VERSION << R"(" "User Commands")" << '\n'
-        << ".SH NAME\nvxfile \\- look into, check and save the files of a cell screening instrument\n"
+        << ".SH NAME\nvxfile \\- inspect, check, convert and recover the files of a cell screening instrument\n"
         << ".SH SYNOPSIS\n.B vxfile\n.I COMMAND\n[\\fIOPTIONS\\fR] \\fIFILE\\fR...\n"
         << ".SH DESCRIPTION\n"
         << Escaped(app.get_description()) << '\n'
@@ -77,8 +77,8 @@ void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& o
     }
     out << ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nIf it is set and not empty, nothing is coloured.\n"
         << ".TP\n.B TERM\nOn a terminal that is \"dumb\" nothing is coloured, and no line is written twice.\n"
-        << ".SH EXIT STATUS\nEach command tells its own above. A wrong command line is 2, and Ctrl\\-C 130;\n"
-        << "so is another request to end, SIGTERM or SIGHUP.\n";
+        << ".SH EXIT STATUS\nEach command lists its own above. A wrong command line ends with 2, Ctrl\\-C with 130;\n"
+        << "so do SIGTERM and SIGHUP.\n";
 }
 
 void WriteCompletion(const CLI::App& app, const CCommands& commands, std::ostream& out) {

@@ -17,7 +17,7 @@ namespace vxfile {
 
 namespace {
 
-/// What the build asks for is nothing that help lists. Returns false if it is something else.
+/// Answers the words that only the build uses. Returns false for other words.
 bool PrintedForBuild(const CLI::App& app, const CCommands& commands, std::string_view word) {
     if (word == "--manual") WriteManual(app, commands, std::cout);
     if (word == "--bash-completion") WriteCompletion(app, commands, std::cout);
@@ -51,7 +51,7 @@ int ParseAndRun(int argc, const char* const* argv) {
     return RunParsed(app, commands);
 }
 
-/// Runs what is asked for. What it printed counts only if it could be written.
+/// Runs the command. Fails if what it printed could not be written.
 int RunWhole(int argc, const char* const* argv) {
     const int status = ParseAndRun(argc, argv);
     FinishPrinting();
@@ -76,7 +76,7 @@ int RunProgram(int argc, const char* const* argv) noexcept try {
     Complain(failure);
     return kTrouble;
 } catch (const CInterruption&) {
-    Complain("interrupted; no half file is left.");
+    Complain("Interrupted; no incomplete file is left.");
     return kInterrupted;
 }
 

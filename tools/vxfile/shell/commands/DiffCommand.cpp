@@ -22,15 +22,15 @@ namespace {
 
 constexpr CCommandText kText = {
     .name = "diff",
-    .purpose = "Tell how two files of one kind differ",
+    .purpose = "Show how two files of the same kind differ",
     .details =
-        "Raw data files are compared header by header and sample by sample, settings and results element by "
-        "element, workbooks cell by cell. How the bytes are arranged makes no difference.",
+        "Compares raw data files header by header and sample by sample, settings and results element by "
+        "element, workbooks cell by cell. Ignores how the bytes are arranged.",
     .example = "vxfile diff run.vxd copy.vxd",
     .statuses =
-        "  0  the files say the same\n"
+        "  0  the contents are the same\n"
         "  1  they differ\n"
-        "  2  they, or what damage hides in them, can't be compared, and no difference was found",
+        "  2  no difference was found, but some content could not be compared",
 };
 
 constexpr std::size_t kMostPrinted = 50;
@@ -51,7 +51,7 @@ class CDiffCommand : public CCommand {
         app.add_option("LEFT", m_left, "One file")->required();
         app.add_option("RIGHT", m_right, "The other")->required();
         app.add_flag("--json", m_json, "Print a JSON document for programs");
-        app.add_flag("-q,--quiet", m_quiet, "Print nothing; the exit status tells the outcome");
+        app.add_flag("-q,--quiet", m_quiet, "Print nothing; only set the exit status");
     }
 
     int Run() override {
@@ -79,11 +79,11 @@ class CDiffCommand : public CCommand {
         const EFileKind right = FileKindOf(m_right);
         for (const auto& [kind, path] : {std::pair(left, m_left), std::pair(right, m_right)}) {
             if (kind == EFileKind::Empty) throw CFailure(path + " is empty; there is nothing to compare.");
-            if (!IsOurs(kind)) throw CFailure(path + " is no file of this system; vxfile compares only those.");
+            if (!IsOurs(kind)) throw CFailure(path + " isn't a file of this system; only those can be compared.");
         }
         if (left != right)
             throw CFailure(m_left + " is " + ArticleAndNameOf(left) + ", " + m_right + ' ' + ArticleAndNameOf(right) +
-                           "; name two of one kind.");
+                           "; name two files of the same kind.");
         return left;
     }
 
@@ -113,7 +113,7 @@ class CDiffCommand : public CCommand {
         return json;
     }
 
-    /// Prints what is told of the two files.
+    /// Prints the JSON document about the two files.
     void PrintDocument(const CJson& told) const {
         CJson json = {{"left", m_left}, {"right", m_right}};
         json.update(told);

@@ -37,21 +37,21 @@ namespace fs = std::filesystem;
 
 constexpr CCommandText kText = {
     .name = "export",
-    .purpose = "Make the workbooks of a results file and its settings file",
+    .purpose = "Write the workbooks for a results file and its settings file",
     .details =
-        "One workbook has the responses of all wells, and each well in the state \"new\" gets one of its own "
-        "beside it, named after its label. They appear when all of them are made.",
+        "One workbook has the responses of all wells. Each well in the state \"new\" gets its own workbook in the same "
+        "folder, named after its label. They appear when all of them are complete.",
     .example = "vxfile export run.vxr run.vxs -o run.xls",
     .statuses =
-        "  0  the workbooks are there\n"
-        "  1  likewise, but from damaged files or two runs, or a well has none\n"
-        "  2  they couldn't be made, or one is there already; nothing was replaced",
+        "  0  the workbooks were written\n"
+        "  1  written, but from damaged files or two different runs, or a well has none\n"
+        "  2  not written, or one exists already; nothing was replaced",
 };
 
 void Require(EFileKind kind, const std::string& path) {
     const EFileKind found = FileKindOf(path);
     if (found != kind)
-        throw CFailure(path + " is " + ArticleAndNameOf(found) + "; " + ArticleAndNameOf(kind) + " is wanted here.");
+        throw CFailure(path + " is " + ArticleAndNameOf(found) + "; expected " + ArticleAndNameOf(kind) + " here.");
 }
 
 /// Workbooks have one format; a name that promises another one would mislead the programs that open it.
@@ -123,7 +123,7 @@ class CExportCommand : public CCommand {
         app.add_option("RESULTS", m_results.path, "The results file")->required();
         app.add_option("SETTINGS", m_settings.path, "The settings file of the same run")->required();
         app.add_option("-o,--output", m_output, "The workbook of all wells, such as run.xls")->required();
-        app.add_flag("--force", m_force, "Replace workbooks that are there already");
+        app.add_flag("--force", m_force, "Replace existing workbooks");
     }
 
     int Run() override {

@@ -23,15 +23,15 @@ namespace {
 
 constexpr CCommandText kText = {
     .name = "info",
-    .purpose = "Tell what a file is and holds",
+    .purpose = "Show what a file is and what it contains",
     .details =
-        "The kind of a file is told by its content. Times are in the instrument's own unit. The samples of a "
-        "large raw data file are counted only on --full, since that takes a walk through all of it.",
+        "Detects the kind of file by its content. Times are in the instrument's own unit. Counts the samples of a "
+        "large raw data file only with --full, since that takes a walk through the whole file.",
     .example = "vxfile info run.vxd",
     .statuses =
-        "  0  all files were told about\n"
-        "  1  likewise, but some are cut or damaged, and only what is there was told\n"
-        "  2  some couldn't be read",
+        "  0  all files were read\n"
+        "  1  some are cut or damaged; what is there was shown\n"
+        "  2  some could not be read",
 };
 
 std::int64_t SizeOfFile(const std::string& path) {
@@ -44,7 +44,7 @@ class CInfoCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     void AddOptions(CLI::App& app) override {
-        app.add_option("FILE", m_paths, "Files to tell about")->required();
+        app.add_option("FILE", m_paths, "Files to show")->required();
         app.add_flag("--json", m_json, "Print a JSON document for programs");
         app.add_flag("--full", m_full, "Count the samples of large raw data files, too");
     }
@@ -79,13 +79,13 @@ class CInfoCommand : public CCommand {
             case EFileKind::Workbook:
                 return InfoOfWorkbook(path);
             case EFileKind::Empty:
-                throw CFailure(path + " is empty; there is nothing to tell or to save.");
+                throw CFailure(path + " is empty; there is nothing to show or to recover.");
             case EFileKind::Unknown:
                 break;
         }
         throw CFailure(path +
-                       " is no file of this system, or its beginning is damaged; if it is a raw data file, "
-                       "vxfile recover saves it.");
+                       " isn't a file of this system, or its beginning is damaged. If it is a raw data file, run "
+                       "'vxfile recover' on it.");
     }
 
     void Tell(const std::string& path, CJson& json) {
@@ -102,7 +102,7 @@ class CInfoCommand : public CCommand {
         json.update(page.Json());
     }
 
-    /// One file that can't be read doesn't keep the others back.
+    /// Reports a file that can't be read. The others follow all the same.
     void Refuse(const std::string& sentence, CJson& json) const {
         json["error"] = sentence;
         if (!m_json) Complain(sentence);

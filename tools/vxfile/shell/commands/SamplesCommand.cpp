@@ -18,18 +18,18 @@ constexpr CCommandText kText = {
     .name = "samples",
     .purpose = "Write samples as CSV, TSV or NPY",
     .details =
-        "Takes the samples of a raw data file, or those of the tasks, recordings, wells and times that are "
-        "chosen, and writes them: as text with a line per sample (task, recording, well, time, sample), or as "
-        "arrays for numpy. An array has all samples of a well that were chosen, one recording behind the other; what "
-        "is of which, a --table tells. With --units a sample is (sample - ADZero) * UnitsPerAD of its well. Times are "
-        "whole numbers of the instrument's time unit.",
+        "Writes the samples of a raw data file, or of the chosen tasks, recordings, wells and times: as text with one "
+        "line per sample (task, recording, well, time, sample), or as arrays for numpy. An array has all chosen "
+        "samples of a well, one recording after the other; use --table to keep task, recording and time. With "
+        "--units a sample is (sample - ADZero) * UnitsPerAD of its well. Times are whole numbers of the instrument's "
+        "time unit.",
     .example = "vxfile samples run.vxd --task Series --well 11 --units --npy -o well11.npy",
     .statuses =
-        "  0  all that was chosen is written\n"
-        "  1  written, but a chosen recording was never finished, a chosen well has no samples, or something is\n"
-        "     in doubt or missing, as standard error tells\n"
-        "  2  the file is damaged, there are no samples, the options don't go together, or a file is there; no new\n"
-        "     file is left",
+        "  0  all chosen samples were written\n"
+        "  1  written, but a chosen recording is unfinished, a chosen well has no samples, or\n"
+        "     something is in doubt or missing; standard error says what\n"
+        "  2  the file is damaged, there are no samples, the options contradict each other,\n"
+        "     or an output file exists; no new file is left",
 };
 
 class CSamplesCommand : public CCommand {
@@ -45,21 +45,21 @@ class CSamplesCommand : public CCommand {
         const CLI::Validator time =
             Wanted(WholeNumber<std::int64_t>(), "a time, which is a whole number of the instrument's time unit");
         list("--task", m_choice.tasks, "Only recordings of this task; several with commas, as A,B");
-        list("--recording", m_choice.recordings, "Only recordings with this number; likewise")
+        list("--recording", m_choice.recordings, "Only recordings with this number; several with commas")
             ->transform(Wanted(number, "the number of a recording"));
-        list("--well", m_choice.wells, "Only this well ID; likewise")
+        list("--well", m_choice.wells, "Only this well ID; several with commas")
             ->transform(Wanted(number, "the ID of a well, which is a whole number"));
         app.add_option("--from", m_choice.from, "Only samples of this time or later")->transform(time);
         app.add_option("--to", m_choice.to, "Only samples of this time or earlier")->transform(time);
-        auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (this is the form if none is told)");
+        auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (the default)");
         auto* const tsv = app.add_flag("--tsv", m_tsv, "Text with tabs")->excludes(csv);
         auto* const npy = app.add_flag("--npy", m_npy, "An array per well, for numpy")->excludes(csv)->excludes(tsv);
         app.add_flag("--table", m_table, "With --npy: one table of all, with tasks, recordings, wells and times")
             ->needs(npy);
         app.add_flag("--units", m_form.units, "In physical units instead of steps of the converter");
         app.add_option("-o,--output", m_form.target,
-                       "Where to write; - is standard output. With {well} in the name each well has a file of its own");
-        app.add_flag("--force", m_form.replace, "Replace files that are there already");
+                       "Output file; - for standard output (the default). With {well} in the name, one file per well");
+        app.add_flag("--force", m_form.replace, "Replace existing files");
     }
 
     int Run() override {
@@ -93,10 +93,9 @@ class CSamplesCommand : public CCommand {
         std::ranges::for_each(doubts, Complain);
         const auto unfinished = source.Unfinished();
         for (const auto& name : unfinished)
-            Complain(name + " was never finished; vxfile recover gives its samples.");
+            Complain(name + " is unfinished; run 'vxfile recover' to get its samples.");
         const auto wells = source.MissingWells();
-        if (!wells.empty())
-            Complain(source.Path() + " has no samples of these wells among those chosen: " + ListText(wells) + ".");
+        if (!wells.empty()) Complain(source.Path() + " has no samples of these chosen wells: " + ListText(wells) + ".");
         return doubts.empty() && unfinished.empty() && wells.empty() ? kSound : kFindings;
     }
 

@@ -29,9 +29,9 @@ constexpr CCommandText kText = {
     .name = "verify",
     .purpose = "Check every byte that the format of a file fixes",
     .details =
-        "Each finding says where it is, what stands there, what should, and what that means. The kind of a file "
-        "is told by its content. Of a folder, all files are checked that are named .vxd, .vxs, .vxr or .xls, and "
-        "those of other names that are of a known kind; those of its folders too. Files are opened for reading only.",
+        "Each finding gives the place, what was found there, what was expected, and what that means. Detects the kind "
+        "of file by its content. In a folder and its subfolders, checks all files named .vxd, .vxs, .vxr or .xls, and "
+        "other files of a known kind. Opens files for reading only.",
     .example = "vxfile verify run.vxd",
     .statuses =
         "  0  all files are sound\n"
@@ -39,7 +39,7 @@ constexpr CCommandText kText = {
         "  2  some can't be used, or weren't checked",
 };
 
-/// So many findings of one file are printed; JSON has all that were kept.
+/// The most findings of one file that are printed; JSON has all that were kept.
 constexpr std::size_t kMostPrinted = 50;
 
 /// One file and what was found.
@@ -49,7 +49,7 @@ struct CVerdict {
     CFindings findings;
 };
 
-/// The one finding about a file of which nothing can be checked.
+/// Returns the one finding about a file that can't be checked at all.
 CFindings Unusable(const char* found, const char* expected, const char* meaning) {
     CFindings findings;
     findings.Add({"file", 0, found, expected, meaning});
@@ -58,15 +58,14 @@ CFindings Unusable(const char* found, const char* expected, const char* meaning)
 }
 
 CFindings VerifyEmpty(const std::string& /*path*/) {
-    return Unusable("nothing", "a file of this system",
-                    "The file is empty: there is nothing to read and nothing to save.");
+    return Unusable("nothing", "a file of this system", "The file is empty; there is nothing to read or to recover.");
 }
 
 CFindings VerifyUnknown(const std::string& /*path*/) {
-    return Unusable("no beginning that is known",
-                    "that of a raw data file, a settings file, a results file or a workbook",
-                    "It is a file of another kind, or its beginning is damaged; if it is a raw data file, vxfile "
-                    "recover saves it.");
+    return Unusable("an unknown beginning",
+                    "the beginning of a raw data file, a settings file, a results file or a workbook",
+                    "The file is of another kind, or its beginning is damaged. If it is a raw data file, run "
+                    "'vxfile recover' on it.");
 }
 
 CFindings VerifyKind(EFileKind kind, const std::string& path) {
@@ -98,11 +97,11 @@ void Print(const CVerdict& verdict) {
     for (const auto& finding : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
         std::cout << "  " << Bold(finding.where);
         if (finding.offset >= 0) std::cout << " (offset " << finding.offset << ')';
-        std::cout << "\n    stands:  " << finding.found << "\n    should:  " << finding.expected
-                  << "\n    meaning: " << finding.meaning << '\n';
+        std::cout << "\n    found:    " << finding.found << "\n    expected: " << finding.expected
+                  << "\n    meaning:  " << finding.meaning << '\n';
     }
     if (verdict.findings.Count() > kMostPrinted)
-        std::cout << "  and " << verdict.findings.Count() - kMostPrinted << " more; --json tells up to "
+        std::cout << "  and " << verdict.findings.Count() - kMostPrinted << " more; --json lists up to "
                   << CFindings::kMostKept << '\n';
 }
 
@@ -128,7 +127,7 @@ class CVerifyCommand : public CCommand {
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_arguments, "Files, or folders of files")->required();
         app.add_flag("--json", m_json, "Print a JSON document for programs");
-        app.add_flag("-q,--quiet", m_quiet, "Print nothing; the exit status tells the outcome");
+        app.add_flag("-q,--quiet", m_quiet, "Print nothing; only set the exit status");
     }
 
     int Run() override {
@@ -145,7 +144,7 @@ class CVerifyCommand : public CCommand {
     }
 
  private:
-    /// Returns what JSON has about the file, if it is asked for.
+    /// Checks one file. Returns its entry for the JSON document; null without --json.
     CJson Tell(const std::string& path) {
         const EFileKind kind = FileKindOf(path);
         const CVerdict verdict{path, kind, VerifyKind(kind, path)};
@@ -154,7 +153,7 @@ class CVerifyCommand : public CCommand {
         return m_json ? ToJson(verdict) : CJson();
     }
 
-    /// One file that can't be read doesn't keep the others back.
+    /// Reports a file that can't be read. The others follow all the same.
     CJson Refuse(const std::string& path, const std::string& sentence) {
         ++m_counts[kTrouble];
         if (!m_json && !m_quiet) Complain(sentence);
@@ -174,7 +173,7 @@ class CVerifyCommand : public CCommand {
             }
         }
         if (entries.empty())
-            throw CFailure(m_arguments.front() + " has no file of a known kind; name the files themselves.");
+            throw CFailure(m_arguments.front() + " has no file of a known kind; name the files directly.");
         return entries;
     }
 
@@ -183,15 +182,15 @@ class CVerifyCommand : public CCommand {
         if (all < 2 && m_passedOver == 0) return;
         std::cout << Counted(all, "file") << ": " << m_counts[kSound] << " sound, " << m_counts[kFindings]
                   << " with findings, " << m_counts[kTrouble] << " not usable";
-        if (m_passedOver != 0) std::cout << "; " << Counted(m_passedOver, "other file") << " passed over";
+        if (m_passedOver != 0) std::cout << "; " << Counted(m_passedOver, "other file") << " skipped";
         std::cout << '\n';
     }
 
     std::vector<std::string> m_arguments;
     bool m_json = false;
     bool m_quiet = false;
-    std::array<std::size_t, 3> m_counts{};  ///< Files by their status; folders that can't be looked into, too.
-    std::size_t m_passedOver = 0;           ///< Files of folders that are none of this system.
+    std::array<std::size_t, 3> m_counts{};  ///< The number of files, and of unreadable folders, by status.
+    std::size_t m_passedOver = 0;           ///< The number of other files in folders.
 };
 
 }  // namespace

@@ -25,13 +25,14 @@ constexpr CCommandText kText = {
     .name = "watch",
     .purpose = "Follow a recording while it is being written",
     .details =
-        "Tells how the latest recording grows: wells, segments, samples, size and rate, in one line each time that "
-        "it looks; on a terminal the line is written again and again until the next recording begins. It ends when "
-        "the writer has closed the file. A writer that was killed never does: use --idle, or Ctrl-C.",
+        "Shows how the latest recording grows: wells, segments, samples, size and rate. Prints one line per look; on a "
+        "terminal the line is updated in place until the next recording begins. Waits for a file that doesn't exist "
+        "yet, and follows a file that replaces it. Ends when the writer has closed the file. A killed writer never "
+        "does: use --idle, or Ctrl-C.",
     .example = "vxfile watch run.vxd --idle 60",
     .statuses =
         "  0  the file is finished\n"
-        "  1  nothing new has come for the time of --idle, or the file was closed and\n"
+        "  1  nothing new was written for the time of --idle, or the file was closed and\n"
         "     is damaged\n"
         "  2  the file can't be watched",
 };
@@ -56,10 +57,10 @@ class CWatchCommand : public CCommand {
 
     void AddOptions(CLI::App& app) override {
         app.add_option("FILE", m_path, "The raw data file that is being written")->required();
-        app.add_option("--idle", m_idle, "Give up after so many seconds without anything new")
+        app.add_option("--idle", m_idle, "Give up after this many seconds without anything new")
             ->check(Wanted(Within(std::numeric_limits<double>::min(), kMostSeconds), "a number of seconds above 0"))
             ->type_name("SECONDS");
-        app.add_option("--every", m_every, "Look after so many seconds, 0.01 to 3600 (1, if not told)")
+        app.add_option("--every", m_every, "Seconds between looks, 0.01 to 3600 (default 1)")
             ->check(Wanted(Within(0.01, 3600), "a number from 0.01 to 3600"))
             ->type_name("SECONDS");
     }
@@ -147,10 +148,10 @@ class CWatchCommand : public CCommand {
         return status;
     }
 
-    static constexpr std::string_view kDamaged = "The file is closed, but damaged; vxfile verify tells where";
-    static constexpr std::string_view kNothing = "No recording has come; its writer may be gone";
+    static constexpr std::string_view kDamaged = "The file is closed, but damaged; run 'vxfile verify' to see where";
+    static constexpr std::string_view kNothing = "No recording was written; the writer may be gone";
     static constexpr std::string_view kNothingNew =
-        "Nothing new has come; its writer may be gone. vxfile recover saves what is there";
+        "Nothing new was written; the writer may be gone. Run 'vxfile recover' to save what is there";
 
     static constexpr auto kStep = std::chrono::milliseconds(50);
 

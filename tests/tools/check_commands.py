@@ -1,0 +1,43 @@
+#!/usr/bin/env python3
+"""Checks that each command of vxfile is complete: listed, described, shown in a session and tested by planted faults.
+
+    check_commands.py VXFILE
+
+Every source `commands/NAMECommand.cpp` must be a command that VXFILE knows, have a section `## name` in docs/vxfile.md, run
+in a session of that page or of golden.md, and have a fault in tests/mutations/faults.txt.
+"""
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+COMMANDS = "tools/vxfile/shell/commands"
+
+
+def problems_of(name, source, program, page, golden, faults):
+    known = subprocess.run([program, name, "--help"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+    if not known:
+        yield f"vxfile has no command '{name}'; add it to Commands.h, to MakeCommands in Program.cpp and to tools/CMakeLists.txt"
+    if f"\n## {name}\n" not in page:
+        yield f"docs/vxfile.md has no section '## {name}'"
+    if not re.search(rf"(?m)^\$ .*vxfile {name}\b", page + golden):
+        yield f"no session in docs/vxfile.md or tests/tools/golden.md runs 'vxfile {name}'"
+    if f"@ {COMMANDS}/{source}\n" not in faults:
+        yield f"tests/mutations/faults.txt has no fault for {source}"
+
+
+def main():
+    read = lambda name: (ROOT / name).read_text(encoding="utf-8")
+    page, golden, faults = map(read, ("docs/vxfile.md", "tests/tools/golden.md", "tests/mutations/faults.txt"))
+    sources = sorted(path.name for path in (ROOT / COMMANDS).glob("*Command.cpp"))
+    problems = []
+    for source in sources:
+        name = source.removesuffix("Command.cpp").lower()
+        problems += [f"{COMMANDS}/{source}: {problem}" for problem in
+                     problems_of(name, source, sys.argv[1], page, golden, faults)]
+    print("\n".join(problems + [f"{len(sources)} commands, {len(problems)} problems"]))
+    return 1 if problems or not sources else 0
+
+
+sys.exit(main())
