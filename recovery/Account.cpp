@@ -149,6 +149,7 @@ class CAccountant {
         if (candidate.kind == EKind::Segment && piece.lostRecording && !isGap) CompareNext(false);
         if (isGap || piece.shift != ShiftBefore(piece) || candidate.begin < m_end || IsAloneAstray(piece))
             DoubtSegmentBefore(isGap);
+        if (candidate.kind == EKind::File) EndFile(begin);
         if (candidate.kind == EKind::Segment && piece.lostRecording) {
             BeginLostRecording(begin);
             if (isGap) Lose({.reason = EReason::LostRecording, .from = m_end, .to = begin});
@@ -248,18 +249,19 @@ class CAccountant {
     // ---- The end ----------------------------------------------------------------------------------------------------
 
     void PassEnd() {
-        const std::int64_t size = m_window.Size();
-        const CCandidate* const before = SegmentBefore();
-        const bool isCut = Before() != nullptr && Before()->isCut;
-        if (m_end < size) {
-            LoseEnd();
-        } else if (before != nullptr && !isCut) {
-            EndPosition(kNextSegment, before->next, EReason::MissingSegment);
-        }
-        if (!(m_end < size && PlaceOf(m_nextRecording) == m_end))
-            EndPosition(m_nextKey, m_nextRecording, EReason::MissingRecording);
-        if (Before() != nullptr && CandidateOf(*Before()).kind == EKind::Recording && m_end == size && !m_isGrowing)
-            Doubt({.reason = EReason::MaybeEmpty, .from = size, .to = size});
+        if (m_end < m_window.Size()) LoseEnd();
+        EndFile(m_window.Size());
+    }
+
+    /// Compares the last positions of a file with where it ends: with the input, or where another file begins.
+    void EndFile(std::int64_t end) {
+        if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
+            EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
+        EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
+        const bool isLast = end == m_window.Size();
+        if (m_end == end && Before() != nullptr && CandidateOf(*Before()).kind == EKind::Recording &&
+            !(isLast && m_isGrowing))
+            Doubt({.reason = EReason::MaybeEmpty, .from = end, .to = end});
     }
 
     void LoseEnd() {
@@ -281,12 +283,16 @@ class CAccountant {
         LoseAtEnd(std::move(remark));
     }
 
-    /// Compares a last position with the end of the input. A position is set only after what it points at is written.
-    void EndPosition(const char* key, std::int64_t told, EReason reason) {
-        const std::int64_t size = m_window.Size();
+    /// Compares a last position with the end of its file. A position is set only after what it points at is written;
+    /// what lies in a gap is lost with it.
+    void EndPosition(const char* key, std::int64_t told, std::int64_t end, EReason reason) {
         if (told == kLost || told == kUnset) return;
-        if (PlaceOf(told) < size) return Compare(key, told, kUnset, Here());
-        LoseAtEnd({.reason = reason, .from = size, .to = std::max(size, PlaceOf(told)), .told = told});
+        const std::int64_t place = PlaceOf(told);
+        if (place < m_end) return Compare(key, told, kUnset, Here());
+        if (place < end) return;
+        const bool isLast = end == m_window.Size();
+        CRemark remark{.reason = reason, .from = end, .to = isLast ? place : end, .told = told};
+        if (!isLast || !m_isGrowing) Lose(std::move(remark));
     }
 
     // ---- Remarks ----------------------------------------------------------------------------------------------------

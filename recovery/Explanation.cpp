@@ -417,7 +417,7 @@ std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
 }  // namespace
 
 std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CReach& reach) {
-    LeaveOutFilesWithin(candidates);
+    LeaveOutFilesWithin(candidates, size);
     return CExplainer(candidates, size, reach).Run();
 }
 
@@ -426,7 +426,8 @@ namespace {
 /// Finds raw data files that were stored as samples.
 class CFilesWithin {
  public:
-    explicit CFilesWithin(CCandidates& candidates) : m_lists(candidates.wellLists), m_list(candidates.list) {
+    CFilesWithin(CCandidates& candidates, std::int64_t size)
+        : m_lists(candidates.wellLists), m_list(candidates.list), m_size(size) {
         for (std::size_t i = 0; i < m_list.size(); ++i) {
             if (const auto shift = OwnShift(m_list[i]); shift && m_list[i].kind != EKind::File) m_lastOf[*shift] = i;
         }
@@ -437,6 +438,7 @@ class CFilesWithin {
         for (std::size_t i = 0; i < m_list.size(); ++i) {
             const CCandidate& candidate = m_list[i];
             if (candidate.kind == EKind::File && candidate.begin > 0 && candidate.IsWhole() && m_shift) i = EndOf(i);
+            if (i == m_list.size()) break;
             if (m_list[i].kind == EKind::Recording) m_around = WellsOf(m_list[i]);
             if (const auto shift = OwnShift(m_list[i])) m_shift = shift;
             m_list[kept++] = m_list[i];
@@ -449,9 +451,24 @@ class CFilesWithin {
         return &m_lists[static_cast<std::size_t>(recording.well)];
     }
 
+    /// Returns the index of the first candidate after the samples that begin with the file at `file`, if their own
+    /// header is still there, damaged as it may be, and they end where another header begins or with the input.
+    std::optional<std::size_t> EndOfSamples(std::size_t file) const {
+        for (std::size_t i = file; i > 0 && m_list[i - 1].claim >= m_list[file].begin - kHdrBefore; --i) {
+            const CCandidate& segment = m_list[i - 1];
+            if (segment.kind != EKind::Segment || segment.end != m_list[file].begin || segment.noSize) continue;
+            const std::int64_t end = segment.end + 2 * segment.size;
+            const auto next = std::ranges::lower_bound(m_list, end, {}, &CCandidate::claim);
+            if (end == m_size || (next != m_list.end() && next->begin == end))
+                return static_cast<std::size_t>(next - m_list.begin());
+        }
+        return std::nullopt;
+    }
+
     /// Returns the index of the first candidate after the file that begins at `file`, or `file` if nothing around it
     /// goes on.
     std::size_t EndOf(std::size_t file) const {
+        if (const auto end = EndOfSamples(file)) return *end;
         const auto last = m_lastOf.find(*m_shift);
         const bool goesOn = last != m_lastOf.end() && last->second > file;
         const CWellList* inside = nullptr;
@@ -471,8 +488,11 @@ class CFilesWithin {
         return file;
     }
 
+    static constexpr std::int64_t kHdrBefore = 1000;  ///< More than a segment header has.
+
     const std::vector<CWellList>& m_lists;
     std::vector<CCandidate>& m_list;
+    std::int64_t m_size;
     std::unordered_map<std::int64_t, std::size_t> m_lastOf;  ///< The last candidate with this shift.
     const CWellList* m_around = nullptr;                     ///< The wells of the recording around.
     std::optional<std::int64_t> m_shift;
@@ -480,6 +500,6 @@ class CFilesWithin {
 
 }  // namespace
 
-void LeaveOutFilesWithin(CCandidates& candidates) { CFilesWithin(candidates).LeaveOut(); }
+void LeaveOutFilesWithin(CCandidates& candidates, std::int64_t size) { CFilesWithin(candidates, size).LeaveOut(); }
 
 }  // namespace vxfileio::recovery

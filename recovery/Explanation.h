@@ -57,7 +57,7 @@ struct CPiece {
 std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CReach& reach);
 
 /// Leaves out what lies inside a raw data file that was stored as samples: its own headers count from its own
-/// beginning, and after it the headers around it go on.
-void LeaveOutFilesWithin(CCandidates& candidates);
+/// beginning, and after it the headers around it go on, or its samples end by the header of their segment.
+void LeaveOutFilesWithin(CCandidates& candidates, std::int64_t size);
 
 }  // namespace vxfileio::recovery

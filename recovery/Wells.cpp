@@ -102,6 +102,8 @@ class CRecordingWells {
 
  private:
     void Group();
+    std::int64_t Listed(std::int32_t well) const;
+    bool MostGoWithTheHeader() const;
     CWellInterval Elect(std::int32_t well, const CGroup& group) const;
     std::int64_t TickOf(std::int32_t well) const;
     std::pair<const CFoundSegment*, const CFoundSegment*> NeighboursOf(std::int32_t well, std::int64_t time) const;
@@ -123,6 +125,7 @@ class CRecordingWells {
     CFoundRecording& m_recording;
     std::uint32_t m_number;
     std::span<CFoundSegment> m_segments;            ///< In the order of the new file.
+    bool m_isTrusted = true;                        ///< Most segments go with the header's intervals.
     std::map<std::int32_t, std::int64_t> m_listed;  ///< The header's wells and their intervals; 0 if that isn't known.
     std::map<std::int32_t, CGroup> m_groups;
     CGroup m_nameless;  ///< Their IDs are lost, and no well was found for them yet.
@@ -138,6 +141,7 @@ void CRecordingWells::Group() {
     for (CFoundSegment& segment : m_segments)
         (segment.namesWell ? m_groups[segment.wellID] : m_nameless).push_back(&segment);
     m_recording.wells.clear();
+    m_isTrusted = MostGoWithTheHeader();
     for (auto& [well, group] : m_groups) {
         const CWellInterval interval = Elect(well, group);
         const auto goes = [&](const CFoundSegment* segment) { return IntervalsOf(*segment).Has(interval.ticks); };
@@ -149,16 +153,29 @@ void CRecordingWells::Group() {
     }
 }
 
-/// Where votes are equal, the header's interval stays. It has a vote of its own if another well has the same, if a
-/// segment goes on with the one before it to the tick, and against segments that could have any larger one.
-CWellInterval CRecordingWells::Elect(std::int32_t well, const CGroup& group) const {
+/// Returns the interval of a well by the recording header; 0 if that isn't known.
+std::int64_t CRecordingWells::Listed(std::int32_t well) const {
     const auto listed = m_listed.find(well);
-    const std::int64_t told = listed != m_listed.end() ? listed->second : m_recording.wellList.CommonTick();
+    return listed != m_listed.end() ? listed->second : m_recording.wellList.CommonTick();
+}
+
+/// Tells whether at least half of the segments go with the header's intervals: otherwise it is another recording's.
+bool CRecordingWells::MostGoWithTheHeader() const {
+    const auto goes = [&](const CFoundSegment& segment) { return IntervalsOf(segment).Has(Listed(segment.wellID)); };
+    return 2 * std::ranges::count_if(m_segments, goes) >= std::ssize(m_segments);
+}
+
+/// Where votes are equal, the header's interval stays. It has a vote of its own if another well has the same and most
+/// segments go with the header, if a segment goes on with the one before it to the tick, and against segments that
+/// could have any larger one.
+CWellInterval CRecordingWells::Elect(std::int32_t well, const CGroup& group) const {
+    const std::int64_t told = Listed(well);
     const auto goes = [&](const auto* segment) { return IntervalsOf(*segment).Has(told); };
     const auto going = static_cast<std::size_t>(told > 0 ? std::ranges::count_if(group, goes) : 0);
     if (going == group.size()) return {told, true};
     const CShared best = MostShared(group);
-    const bool isShared = std::ranges::count(m_listed, told, [](const auto& entry) { return entry.second; }) > 1;
+    const bool isShared =
+        m_isTrusted && std::ranges::count(m_listed, told, [](const auto& entry) { return entry.second; }) > 1;
     const auto goesOn = [&](const CFoundSegment* before, const CFoundSegment* segment) {
         return TimeAfter(before->from, before->samples, told) == segment->from;
     };

@@ -329,6 +329,10 @@ TEST_F(RecoverTest, IntervalsAreThoseThatMostSegmentsGoWith) {
     ASSERT_EQ(m_report.losses.first.size(), 1U);
     EXPECT_EQ(m_report.losses.first[0].from, 3650);
 
+    // No segment goes with the header: it is that of another recording.
+    EXPECT_EQ(Recovered(damage(two.bytes, 1190, "Ticks=", "500:500")), two.segments);
+    EXPECT_EQ(ReadAll(m_out), two.bytes);
+
     // What the header says and the others go on by stays, even if another interval would go with all.
     const std::string alone = damage(file.bytes, 1190, "Ticks=", std::string("100:99\0", 7));
     Recovered(damage(alone, file.segments[0].position, "TimeFrom=", "1"));
@@ -353,6 +357,12 @@ TEST_F(RecoverTest, CutsBetweenSegmentsAreTold) {
     for (const CSeen& one : file.segments) {
         EXPECT_EQ(Recovered(file.bytes.substr(0, one.position)).size(), (one.position - 3650) / 308);
         const auto& told = one.position == 3650 ? m_report.doubts : m_report.losses;
+        ASSERT_EQ(told.first.size(), 1U);
+        EXPECT_EQ(told.first[0].from, static_cast<std::int64_t>(one.position));
+        EXPECT_EQ(told.first[0].recording, 0U);
+
+        // The same if another file follows.
+        Recovered(file.bytes.substr(0, one.position) + file.bytes);
         ASSERT_EQ(told.first.size(), 1U);
         EXPECT_EQ(told.first[0].from, static_cast<std::int64_t>(one.position));
         EXPECT_EQ(told.first[0].recording, 0U);
@@ -610,6 +620,12 @@ TEST_F(RecoverTest, FilesWithinSamplesArePassedOver) {
             EXPECT_EQ(kept.front().samples.size(), kept.size() == 2 ? samples.size() / 2 : 4);
             EXPECT_EQ(kept.size() == 2, damaged <= 2) << damaged;  // nobody needs the type, and the times tell the size
         }
+        // Nothing follows it, but its own header is still there.
+        std::string last = whole.substr(0, whole.size() - 308);
+        last[3650] = 'x';
+        const std::vector<CSeen> kept = Recovered(last);
+        ASSERT_EQ(kept.size(), 1U);
+        EXPECT_EQ(kept.front().samples.size(), samples.size() / 2);
     }
 }
 
