@@ -18,8 +18,8 @@ TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has n
 
 # The programs that look at a room, those most likely to notice first.
 PROGRAMS = {
-    "base": ["base_test", "rawdata_test", "settings_test"],
-    "frame": ["settings_test", "rawdata_test", "faults_test"],
+    "base": ["base_test", "settings_test", "rawdata_test"],
+    "frame": ["rawdata_test", "settings_test", "results_test"],
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
     "rawdata": ["rawdata_test", "layout_test", "reference_test", "faults_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
