@@ -94,33 +94,6 @@ TEST(DocumentTest, SheetGrowsToWhatWasAskedForAndNoFurther) {
     }
 }
 
-/// The stream of a workbook file whose sectors stand in rising order, and of which only the first is a FAT sector.
-std::string StreamIn(const std::string& file, std::size_t size) {
-    constexpr std::size_t kSector = 512;
-    if (size >= 4096) return file.substr(3 * kSector, size);
-    const std::string miniStream = file.substr(3 * kSector, kSector) + (size > kSector ? file.substr(5 * kSector) : "");
-    return miniStream.substr(0, size);
-}
-
-TEST(DocumentTest, SavedFileHoldsTheStreamAtItsExactSize) {
-    const CTempFolder folder;
-    const std::string path = folder.Path("run.xls");
-    Document document;
-    document.CreateSheets(1);
-    for (const unsigned rows : {0U, 50U, 200U, 10U}) {
-        document.CreateSheets(1);
-        for (unsigned row = 0; row < rows; ++row)
-            document.FindSheet("Sheet1")->At(row, 0)->SetDouble(row * 0.001);
-        const std::string stream = StreamOf(document);
-        ASSERT_TRUE(document.SaveToFile(path));
-        const std::string file = ReadAll(path);
-        EXPECT_EQ(StreamIn(file, stream.size()), stream);
-        EXPECT_EQ(NumberAt(file, 512 * 2 + 128 + 120, 4), stream.size());
-        EXPECT_TRUE(document.SaveToFile(path));
-        EXPECT_EQ(ReadAll(path), file);
-    }
-}
-
 TEST(DocumentTest, FileThatCannotBeMadeOrWrittenIsFalse) {
     const CTempFolder folder;
     Document document;

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "tests/export/biff/RecordBytes.h"
+#include "tests/support/LinearTime.h"
 #include "vxfileio/export/Document.h"
 
 namespace {
@@ -166,6 +167,17 @@ TEST_F(WorkbookStreamTest, ThousandsOfTextsKeepTheirIndices) {
         EXPECT_EQ(cells.at(i).second, Place(i, 0) + U32(i % kTexts));
     EXPECT_EQ(Body(kSst).substr(0, 8), U32(2 * kTexts) + U32(kTexts));
     EXPECT_EQ(Body(kSst).substr(8, 3 + 6 + 3 + 6), U16(6) + U8(0) + "text 0" + U16(6) + U8(0) + "text 7");
+}
+
+TEST_F(WorkbookStreamTest, ManyTextsTakeLinearTime) {
+    EXPECT_TRUE(TakesLinearTime(8000, [](std::size_t size) {
+        const auto count = static_cast<std::uint32_t>(size);
+        Document document;
+        document.CreateSheets(1);
+        for (std::uint32_t i = 0; i < count; ++i)
+            document.FindSheet("Sheet1")->At(i, 0)->SetText("text " + std::to_string(i));
+        EXPECT_GT(document.Stream().Size(), count);
+    }));
 }
 
 // Rows 2, 3 and 33 have cells; row 34 and column 4 were asked for and left empty.

@@ -90,6 +90,17 @@ TEST_F(FileTest, ClosedFilesAndFoldersGiveNothing) {
     EXPECT_FALSE(m_file.IsOpen());
 }
 
+#if defined(__linux__)
+TEST_F(FileTest, OpeningAgainKeepsNoHandle) {
+    const auto handles = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = handles();
+    for (const auto open : {&CFile::Create, &CFile::OpenForReading, &CFile::OpenForUpdate, &CFile::OpenForWriting}) {
+        EXPECT_TRUE((m_file.*open)(m_path) && (m_file.*open)(m_path));
+        EXPECT_EQ(handles(), before + 1);
+    }
+}
+#endif
+
 TEST_F(FileTest, PositionsBeyond4GiBAreReached) {
     constexpr std::int64_t kFar = (std::int64_t{5} << 30) + 7;
     ASSERT_TRUE(m_file.Create(m_path));

@@ -147,6 +147,13 @@ TEST_F(ReplacingFilesTest, AFileThatIsNotWholeLeavesTheOldFilesAndNoNewOne) {
     EXPECT_FALSE(CommitAll());
     EXPECT_EQ(ReadAll(m_path), "old");
     EXPECT_EQ(CountFiles(), 1);
+
+    SetUp();
+    EXPECT_TRUE(CommitAll());
+    SetUp();  // the same objects again
+    EXPECT_FALSE(m_files[2].File().WriteAt(-1, {std::as_bytes(std::span("no such place"))}));
+    EXPECT_FALSE(CommitAll());
+    EXPECT_EQ(CountFiles(), 3) << "what was put in place before stays";
 }
 
 TEST_F(ReplacingFileTest, WhatCannotBeOpenedIsToldAndLeavesNothing) {

@@ -87,6 +87,20 @@ TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
         writer.WriteData(11 + static_cast<std::int32_t>(time % 2), time, 2 * time, 1, samples.data());
     writer.Close();
 
+    CIRawDataReader& reader = *io.GetRawDataReader();
+    reader.Open(path);
+    ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
+    std::int32_t well = 0;
+    std::int64_t from = 0;
+    std::uint32_t size = 0;
+    std::uint16_t* data = nullptr;
+    ASSERT_TRUE(reader.ReadSegment(well, from, from, size, data));
+    const std::size_t live = LiveAllocations();
+    FailAllocation(1);
+    EXPECT_THROW(static_cast<void>(reader.ReadSegment(well, from, from, size, data)), std::bad_alloc);
+    FailAllocation(0);
+    EXPECT_EQ(LiveAllocations(), live - 1) << "the segment before is freed first";
+
     for (std::size_t failing = 1; failing < 20; ++failing) {
         const std::vector<std::int64_t> all = {0, 1, 2, 3, 4, 5, 6, 7};
         EXPECT_EQ(TimesReadDespite(failing, path, -1), all) << failing;

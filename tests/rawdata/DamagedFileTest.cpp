@@ -147,49 +147,6 @@ TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInAToldOutcome) {
     EXPECT_TRUE(seen.contains(kNotOurs) && seen.contains(kBadRecording));
 }
 
-TEST_F(DamagedFileTest, EveryCellTakesAnyTextWithoutHarm) {
-    const std::string whole = m_bytes;
-    const std::array values = {"",
-                               "=",
-                               ":",
-                               "text",
-                               "-1",
-                               "-2",
-                               "0",
-                               "4611686018427387904",
-                               "2147483647",
-                               "-2147483648",
-                               "9223372036854775807",
-                               "-9223372036854775808",
-                               "1e300",
-                               "99999999999999999999999999",
-                               "1190",
-                               "3650",
-                               "3958",
-                               "::::",
-                               "5=6:7"};
-    std::vector<std::pair<std::size_t, std::size_t>> cells;
-    for (std::size_t at = 0; at < m_bytes.size();) {
-        const std::size_t end = m_bytes.find("\r\n", at);
-        if (end == std::string::npos) break;
-        if (at != 3950) cells.emplace_back(at, end + 2 - at);
-        at = at == 3950 ? 3958 : end + 2;
-    }
-    ASSERT_EQ(cells.size(), 14U + 18U + 6U + 6U);
-    for (const auto& [offset, width] : cells) {
-        const std::string key = whole.substr(offset, whole.find_first_of(std::string("=\0", 2), offset) - offset);
-        for (const std::string value : values) {
-            m_bytes = whole;
-            if (key.size() + 1 + value.size() > width - 2) continue;
-            SetCell(offset, width, key + "=" + value);
-            EXPECT_NE(Outcome(), "") << key << "=" << value;
-        }
-        m_bytes = whole;
-        m_bytes.replace(offset, width, std::string(width, '7'));  // no NUL, no CR LF
-        EXPECT_NE(Outcome(), "");
-    }
-}
-
 TEST_F(DamagedFileTest, RecordingChainsThatLeadBackAreReported) {
     SetCell(1440, 50, "FPosNextRecordingHdr=1190");
     EXPECT_EQ(Outcome(), kBadRecording);

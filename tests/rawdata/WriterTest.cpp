@@ -47,21 +47,6 @@ TEST_F(WriterTest, EachCallLeavesItsBytesWithTheSystem) {
     EXPECT_EQ(Bytes(), SmallFileBytes());
 }
 
-TEST_F(WriterTest, NextRecordingFinishesTheOneBefore) {
-    BeginRecording();
-    m_writer.WriteData(11, 0, 300, 100, kWell11.data());
-    m_writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC", 2));
-    m_writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC", 3));
-    m_writer.WriteData(12, 400, 700, 100, kWell12.data());
-    m_writer.Close();
-    // A recording without segments points right behind its header; no segment points into another recording.
-    EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 3958}) +
-                           SegmentHdrBytes(11, -1, 0, 300, "4") + SampleBytes(kWell11) +
-                           RecordingHdrBytes({.task = "PostQC", .recording = 2, .data = 6418, .next = 6418}) +
-                           RecordingHdrBytes({.task = "PostQC", .recording = 3, .data = 8878}) +
-                           SegmentHdrBytes(12, -1, 400, 700, "4") + SampleBytes(kWell12));
-}
-
 TEST_F(WriterTest, HeaderFieldsThatTheWriterKeepsForItselfAreNotUsed) {
     CRawDataFileHdr file = ExampleFileHdr();
     file.FPosFirstRecordingHdr = 7;
@@ -74,41 +59,6 @@ TEST_F(WriterTest, HeaderFieldsThatTheWriterKeepsForItselfAreNotUsed) {
     m_writer.WriteFileHdr(file);
     m_writer.WriteRecordingHdr(recording);
     EXPECT_EQ(Bytes(), FileHdrBytes(1190) + RecordingHdrBytes({}));
-}
-
-TEST_F(WriterTest, ValuesTakeTheirTextForm) {
-    CRawDataRecordingHdr header;
-    header.TaskName = "";
-    header.Recording = std::numeric_limits<std::int32_t>::min();
-    header.Dose = std::numeric_limits<std::int64_t>::min();
-    header.RecordingStartTime = std::numeric_limits<std::uint64_t>::max();
-    header.RecordingTime = -1;
-    header.WellChannels = {{-3, -1, 1234567.0, std::int64_t{1} << 40}, {4, 0, 0.00001, 0}, {5, 6, -0.25, 7}};
-    m_writer.Open(m_path);
-    m_writer.WriteFileHdr(ExampleFileHdr());
-    m_writer.WriteRecordingHdr(header);
-    const std::string bytes = Bytes().substr(1190);
-    EXPECT_EQ(bytes.substr(0, 50), Cell(50, "TaskName"));
-    EXPECT_EQ(bytes.substr(50, 50), Cell(50, "Recording=-2147483648"));
-    EXPECT_EQ(bytes.substr(100, 50), Cell(50, "Dose=-9223372036854775808"));
-    EXPECT_EQ(bytes.substr(300, 50), Cell(50, "RecordingStartTime=18446744073709551615"));
-    EXPECT_EQ(bytes.substr(350, 50), Cell(50, "RecordingTime=-1"));
-    EXPECT_EQ(bytes.substr(400, 30), Cell(30, "NumberOfWells=3"));
-    EXPECT_EQ(bytes.substr(430, 200), Cell(200, "WellIDs=-3:4:5"));
-    EXPECT_EQ(bytes.substr(630, 200), Cell(200, "Ticks=1099511627776:0:7"));
-    EXPECT_EQ(bytes.substr(830, 400), Cell(400, "UnitsPerADs=1.23457e+06:1e-05:-0.25"));
-    EXPECT_EQ(bytes.substr(1230, 200), Cell(200, "ADZeros=-1:0:6"));
-}
-
-TEST_F(WriterTest, RecordingWithoutWellsKeepsKeysAlone) {
-    CRawDataRecordingHdr header = ExampleRecordingHdr();
-    header.WellChannels.clear();
-    m_writer.Open(m_path);
-    m_writer.WriteFileHdr(ExampleFileHdr());
-    m_writer.WriteRecordingHdr(header);
-    EXPECT_EQ(Bytes().substr(1190 + 400, 1030), Cell(30, "NumberOfWells=0") + Cell(200, "WellIDs") +
-                                                    Cell(200, "Ticks") + Cell(400, "UnitsPerADs") +
-                                                    Cell(200, "ADZeros"));
 }
 
 TEST_F(WriterTest, SizeIsTheTruncatedQuotientPlusOne) {

@@ -159,22 +159,6 @@ class WrittenReferenceFile : public testing::Test {
     CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
 };
 
-TEST_F(WrittenReferenceFile, SmallExample) {
-    m_writer.WriteFileHdr(ExampleFileHdr());
-    BeginRecording(1);
-    WriteWell11();
-    m_writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
-    WriteWell12();
-    m_writer.Close();
-    ExpectBytesOf("small_example");
-}
-
-TEST_F(WrittenReferenceFile, NoRecordings) {
-    m_writer.WriteFileHdr(ExampleFileHdr());
-    m_writer.Close();
-    ExpectBytesOf("no_recordings");
-}
-
 TEST_F(WrittenReferenceFile, UnfinishedAsItLiesOnDiskAheadOfClose) {
     m_writer.WriteFileHdr(ExampleFileHdr());
     BeginRecording(1);

@@ -167,6 +167,7 @@ TEST_F(ResultsFileTest, FindingsCountOnlyBehindTheWordThatTheyAreThere) {
     used.FPfastMaxAmp = used.FPfastSlopeX0 = 3;
     used.FPmaxType = enFPmaxType::PositivePeak;
     Read("<Well></Well>", [&](CXmlFileArchive& archive) { used.Load(archive); });
+    EXPECT_FALSE(used.FPfastDetected);
     EXPECT_EQ(used.FPfastMaxAmp, 0.0);
     EXPECT_EQ(used.FPfastSlopeX0, 3.0) << "only a fresh well has it at its default";
     EXPECT_EQ(used.FPmaxType, enFPmaxType::Undefined);

@@ -30,37 +30,11 @@ TEST_F(PropertiesTest, FreshOnesAreWrittenWithTheirDefaults) {
               "</VexaprobeMode><FileType>VXSettings</FileType><ProgramVersion></ProgramVersion><FileVersion>3"
               "</FileVersion><RecordingDate>0</RecordingDate><RecordingDateString></RecordingDateString><FileName>"
               "</FileName><Guid></Guid></Header>");
-    CPropControl control;
-    EXPECT_EQ(Saved(control),
-              "<PropertyControl><VexaprobeMode>NotDefined</VexaprobeMode><RobotMode>NotDefined</RobotMode><DataAcqMode>"
-              "NotDefined</DataAcqMode><SimulationDataFile></SimulationDataFile></PropertyControl>");
-    CPropNotebook notebook;
-    EXPECT_EQ(Saved(notebook),
-              "<PropertyNotebook><ExperimentID></ExperimentID><FileName></FileName><Director></Director><Scientist>"
-              "</Scientist><Operator></Operator><Department></Department><Company></Company><StudyDesignator>"
-              "</StudyDesignator><Species></Species><Age></Age><Comment></Comment></PropertyNotebook>");
-    CPropWashIn washIn;
-    EXPECT_EQ(Saved(washIn), "<PropertyWashIn><WashIn>0</WashIn></PropertyWashIn>");
     CPropViability viability;
     EXPECT_EQ(Saved(viability),
               "<PropertyViability><ApplyViabilityTest>0</ApplyViabilityTest><AnalyzeHeartRate>1</AnalyzeHeartRate>"
               "<ApplyMinimumWellsPerCompound>0</ApplyMinimumWellsPerCompound><Dose>0</Dose><FMin>0.5</FMin><FMax>4."
               "</FMax><RecordTime>10000000</RecordTime></PropertyViability>");
-    CPropRecording recording;
-    EXPECT_EQ(Saved(recording),
-              "<PropertyRecording><DataFormat>0</DataFormat><ADMax>0</ADMax><ADMin>0</ADMin><ADZero>0</ADZero><Gain>0"
-              "</Gain><RecordingTime>0</RecordingTime><Tick>0</Tick><VoltageRange></VoltageRange><VoltPerADStep>0."
-              "</VoltPerADStep></PropertyRecording>");
-    CPropRobot robot;
-    EXPECT_EQ(
-        Saved(robot),
-        "<PropertyRobot><RobotSerialNumber>not read</RobotSerialNumber><FirmwareVersion>not read</FirmwareVersion>"
-        "<FirmwareDate>not read</FirmwareDate><IPAddress></IPAddress><CleanerID>-1</CleanerID><WasteID>-1</WasteID>"
-        "<TroughIDStockDilution>-1</TroughIDStockDilution><TroughIDWellMedium>-1</TroughIDWellMedium>"
-        "<TroughMediumNames Size=\"0\"/><StockPlateIDL8x12> </StockPlateIDL8x12><StockPlateIDL16x6> "
-        "</StockPlateIDL16x6></PropertyRobot>");
-    CPropQualityCheck checks;
-    EXPECT_EQ(Saved(checks, false), "<PropertyQualityCheck><QualityChecks Size=\"0\"/></PropertyQualityCheck>");
     CPropResultsExport exporting;
     EXPECT_EQ(Saved(exporting), "<PropResultsExport/>");
     CPropRecordPlate plate;

@@ -200,18 +200,6 @@ TEST_F(RecordPlateTest, EveryLayoutHasItsMap) {
     plate.BuildPlateMap(enPlateLayout::Ostrel6x9);
     const PlateMap small = plate.Map;
     EXPECT_EQ(small.ColumnLabels, std::vector<std::string>(9));
-    std::set<std::int32_t> channels;
-    std::set<std::string> labels;
-    for (std::size_t row = 0; row < 6; ++row) {
-        channels.insert(small.ChIDs[row].begin(), small.ChIDs[row].end());
-        labels.insert(small.Labels[row].begin(), small.Labels[row].end());
-    }
-    std::set<std::int32_t> expected;
-    for (std::int32_t channel = 0; channel < 60; ++channel) {
-        if (channel % 10 != 4) expected.insert(channel);
-    }
-    EXPECT_EQ(channels, expected);
-    EXPECT_EQ(labels.size(), 54U);
     std::map<std::string, std::int32_t> byLabel;
     for (std::size_t row = 0; row < 6; ++row) {
         for (std::size_t column = 0; column < 9; ++column)

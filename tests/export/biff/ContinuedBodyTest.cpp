@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <random>
 
 #include "tests/export/biff/RecordBytes.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
@@ -146,69 +145,6 @@ TEST(ContinuedBodyTest, WideCharactersAreNeverDivided) {
     // An odd number is left, and all of it is used.
     EXPECT_EQ(CStrings().Narrow(2).Wide(4105).Bodies(),
               (CBodies{NarrowHead(2) + "nn" + WideHead(4105) + Wide(4104), kWideGoesOn + Wide(1)}));
-}
-
-/// Reads shared strings as a spreadsheet program does: an option byte opens the characters in every record.
-class CStringsReader {
- public:
-    explicit CStringsReader(const std::string& stream) : m_records(RecordsOf(stream)) {}
-
-    /// Returns the lengths of so many strings in characters, wide ones negative.
-    std::vector<std::ptrdiff_t> Lengths(std::size_t count) {
-        std::vector<std::ptrdiff_t> lengths;
-        for (std::size_t i = 0; i < count; ++i)
-            lengths.push_back(ReadString());
-        return lengths;
-    }
-    bool IsAtEnd() const { return m_record + 1 == m_records.size() && m_offset == m_records.back().body.size(); }
-
- private:
-    std::ptrdiff_t ReadString() {
-        if (Left() == 0) NextRecord();
-        const std::uint32_t length = NumberAt(m_records[m_record].body, m_offset, 2);
-        m_offset += 2;
-        bool isWide = ReadOption();
-        for (std::uint32_t i = 0; i < length; ++i) {
-            if (Left() == 0) {
-                NextRecord();
-                isWide = ReadOption();
-            }
-            EXPECT_EQ(NumberAt(m_records[m_record].body, m_offset, isWide ? 2 : 1), isWide ? 0x0457U : 'n');
-            m_offset += isWide ? 2 : 1;
-        }
-        // A byte that a wide string left free is no beginning of another one.
-        if (m_record + 1 < m_records.size() && Left() < 3) m_offset += Left();
-        return isWide ? -static_cast<std::ptrdiff_t>(length) : static_cast<std::ptrdiff_t>(length);
-    }
-
-    std::size_t Left() const { return m_records[m_record].body.size() - m_offset; }
-    bool ReadOption() { return m_records[m_record].body.at(m_offset++) == 1; }
-    void NextRecord() {
-        ++m_record;
-        m_offset = 0;
-    }
-
-    std::vector<CFoundRecord> m_records;
-    std::size_t m_record = 0;
-    std::size_t m_offset = 8;
-};
-
-TEST(ContinuedBodyTest, ManyStringsComeBackAsTheyWere) {
-    std::seed_seq seed{1};  // the same numbers in every run
-    std::mt19937 random(seed);
-    for (int round = 0; round < 30; ++round) {
-        CStrings strings;
-        std::vector<std::ptrdiff_t> lengths;
-        for (int i = 0; i < 60; ++i) {
-            const std::size_t length = 1 + random() % (i % 10 == 0 ? 32767 : 900);
-            const bool isWide = random() % 2 == 0;
-            isWide ? strings.Wide(length) : strings.Narrow(length);
-            lengths.push_back(isWide ? -static_cast<std::ptrdiff_t>(length) : static_cast<std::ptrdiff_t>(length));
-        }
-        CStringsReader reader(BytesOf(strings.Table()));
-        EXPECT_EQ(reader.Lengths(lengths.size()), lengths);
-        EXPECT_TRUE(reader.IsAtEnd());
-    }
 }
 
 }  // namespace

@@ -8,48 +8,7 @@ namespace {
 
 using namespace YExcel;
 
-TEST(GlobalRecordsTest, BeginningAndEnd) {
-    ExpectRecord(BOF(), U16(0x0809) + U16(16) +  //
-                            U16(0x0600) +        // version
-                            U16(5) +             // type
-                            U16(6560) +          // build
-                            U16(1997) +          // year
-                            U32(0x0000C0C9) +    // file history
-                            U32(0x00000306));    // lowest version
-    EXPECT_EQ(BytesOf(BOF{.type = BOF::kSheet}).substr(4, 4), U16(0x0600) + U16(0x10));
-    ExpectRecord(YEOF(), U16(0x000A) + U16(0));
-}
-
-TEST(GlobalRecordsTest, Window) {
-    ExpectRecord(Window1(), U16(0x003D) + U16(18) +    //
-                                U16(120) + U16(120) +  // position
-                                U16(15135) +           // width
-                                U16(9300) +            // height
-                                U16(0x0038) +          // options
-                                U16(0) + U16(0) +      // active sheet, first tab
-                                U16(1) +               // selected sheets
-                                U16(600));             // tab bar ratio
-}
-
-TEST(GlobalRecordsTest, FontFormatAndStyle) {
-    ExpectRecord(Font(), U16(0x0031) + U16(26) +                //
-                             U16(200) +                         // height
-                             U16(0) +                           // options
-                             U16(0x7FFF) +                      // colour
-                             U16(400) +                         // weight
-                             U16(0) +                           // escapement
-                             U8(0) + U8(0) + U8(0) + U8(0) +    // underline, family, character set, reserved
-                             U8(5) + U8(1) + Units(u"Arial"));  // name
-    ExpectRecord(XF(), U16(0x00E0) + U16(20) +                  //
-                           U16(0) + U16(0) +                    // font, format
-                           U16(0xFFF5) +                        // protection and type
-                           U8(0x20) +                           // alignment
-                           U8(0) + U8(0) + U8(0) +              // rotation, text properties, used attributes
-                           U32(0) + U32(0) +                    // borders, colours
-                           U16(0x20C0));                        // fill colours
-    ExpectRecord(Style(), U16(0x0293) + U16(4) +                //
-                              U16(0x8000) +                     // XF and flag
-                              U8(0) + U8(0xFF));                // identifier, level
+TEST(GlobalRecordsTest, StyleMayHaveAName) {
     const Style named{.xfAndFlag = 3, .name = SstString(std::string_view("Mine"))};
     ExpectRecord(named, U16(0x0293) + U16(9) + U16(3) + U16(4) + U8(0) + "Mine");
 }
