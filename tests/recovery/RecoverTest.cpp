@@ -154,6 +154,20 @@ TEST_F(RecoverTest, WholeFilesComeOutByteForByte) {
     EXPECT_EQ(m_report.doubts.first[1].from, 10392);
 }
 
+TEST_F(RecoverTest, SegmentsOfAnyLengthAndOrderComeOutByteForByte) {
+    std::vector<std::uint16_t> samples(600'000);  // more than are copied at once
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::uint16_t>(i * 7);
+    const std::string file = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) +
+                             SegmentHdrBytes(11, 3950 + 1'200'000, 400, 60'000'300, "600000") + SampleBytes(samples) +
+                             SegmentHdrBytes(11, -1, 0, 300, "4") + SampleBytes(kWell11);
+    EXPECT_EQ(Recovered(file).size(), 2U);
+    EXPECT_TRUE(ReadAll(m_out) == file);
+    ASSERT_EQ(m_report.recordings.size(), 1U);
+    EXPECT_EQ(m_report.recordings[0].wells.at(11),
+              (vxfileio::recovery::CKeptWell{.segments = 2, .samples = 600'004, .from = 0, .to = 60'000'300}));
+}
+
 // Positions of the four recording headers and of the segments tell what each cut leaves.
 TEST_F(RecoverTest, EveryTruncationGivesEveryWholeSegmentAndNothingElse) {
     const std::string whole = ReadAll(Reference("several_recordings.vxd"));

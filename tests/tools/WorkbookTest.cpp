@@ -7,6 +7,7 @@
 #include "tools/vxfile/workbook/CompoundScan.h"
 #include "tools/vxfile/workbook/Records.h"
 #include "tools/vxfile/workbook/SharedStringsJudge.h"
+#include "tools/vxfile/workbook/WorkbookDiff.h"
 #include "tools/vxfile/workbook/WorkbookVerify.h"
 #include "vxfileio/export/Document.h"
 
@@ -67,6 +68,19 @@ TEST_F(WorkbookTest, ARecordIsReadAsItsTypeAndCutFieldsAreDefaults) {
         EXPECT_EQ(cut.As<YExcel::Number>().value, 0.0);
     }
     EXPECT_EQ(cells, 1);
+}
+
+TEST_F(WorkbookTest, CellsAreNamedAsSpreadsheetProgramsNameThem) {
+    EXPECT_TRUE(m_document.SaveToFile(m_folder.Path("empty.xls")));
+    for (const std::uint32_t column : {0U, 25U, 26U, 51U, 52U, 255U})
+        At(9, column).SetText("x");
+    EXPECT_TRUE(m_document.SaveToFile(m_path));
+    vxfile::CDifferences differences;
+    vxfile::CompareWorkbooks(m_folder.Path("empty.xls"), m_path, differences);
+    std::string names;
+    for (const auto& difference : differences.Kept())
+        names += difference.where + " ";
+    EXPECT_EQ(names, "Sheet1!A10 Sheet1!Z10 Sheet1!AA10 Sheet1!AZ10 Sheet1!BA10 Sheet1!IV10 ");
 }
 
 TEST_F(WorkbookTest, EveryRecordHasASectionInTheDocs) {

@@ -9,6 +9,7 @@
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
+#include "tools/vxfile/raw/FileWindow.h"
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/report/Complaint.h"
@@ -144,6 +145,24 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
     ASSERT_EQ(array.size(), 192U + 16);
     EXPECT_EQ(At<double>(array, 192), 1.5);
     EXPECT_EQ(At<double>(array, 200), 4);
+}
+
+TEST_F(Samples, InUnitsAreRefusedWithoutTheZeroOfTheirWell) {
+    const std::string bytes = WithCell(FileOf({{{12, 0, {10}}}}), "ADZeros", "8");
+    EXPECT_NE(Written(bytes, {}, {.units = true}).find("doesn't tell UnitsPerAD and ADZero of well 12"),
+              std::string::npos);
+}
+
+TEST(FileWindow, HasWhatIsAskedForAcrossTheEndOfWhatWasRead) {
+    const CTempFolder folder;
+    std::string bytes(3 * CFileWindow::kRoom, 'x');
+    WriteAll(folder.Path("file"), bytes.replace(CFileWindow::kRoom - 3, 6, "across"));
+    vxfileio::helpers::CFile file;
+    ASSERT_TRUE(file.OpenForReading(folder.Path("file")));
+    CFileWindow window(file);
+    EXPECT_EQ(window.BytesAt(0, 1, CFileWindow::kRoom).size(), CFileWindow::kRoom);
+    EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 3, 6, 6).starts_with("across"));
+    EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 4, 7, 7).starts_with("xacross")) << "back again";
 }
 
 TEST_F(Samples, AreSeparatedByTabsAndQuotedWhereTheTaskNeedsIt) {

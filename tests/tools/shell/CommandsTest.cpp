@@ -136,6 +136,18 @@ TEST_F(Commands, SamplesEndWithOneIfSomethingChosenIsMissing) {
     EXPECT_FALSE(std::filesystem::exists(m_folder.Path("c")));
 }
 
+TEST_F(Commands, SamplesOfALongSegmentHaveTheTimesThatFollow) {
+    const std::string path = File("long.vxd", FileOf({{{11, 0, std::vector<std::uint16_t>(100'000, 7)}}}));
+    EXPECT_EQ(RunTool({"samples", path, "-o", m_folder.Path("a")}).status, 0);
+    EXPECT_TRUE(ReadAll(m_folder.Path("a")).ends_with(",9999800,7\nCompoundTest,1,11,9999900,7\n"));
+}
+
+TEST_F(Commands, DiffDecodesReferencesOfDocuments) {
+    const std::string references = File("a.vxs", "<Vexaprobe><Settings><A>&#128;&#65;&lt;</A></Settings></Vexaprobe>");
+    const std::string bytes = File("b.vxs", "<Vexaprobe><Settings><A>\x80&#065;&#60;</A></Settings></Vexaprobe>");
+    EXPECT_EQ(RunTool({"diff", references, bytes}).out, RunTool({"diff", bytes, bytes}).out);
+}
+
 TEST_F(Commands, WatchWaitsForAFileThatDoesNotExistYet) {
     const CToolRun run = RunTool({"watch", m_folder.Path("new.vxd"), "--idle", "0.05", "--every", "0.01"});
     EXPECT_EQ(run.status, 1);
@@ -251,6 +263,7 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
     for (const std::string name : {"z.vxd", "b/c/A.XLS", "a.VXR", "notes.txt"})
         WriteAll(folder.Path(name), "text");
     WriteAll(folder.Path("b/run"), SmallFileBytes());
+    std::filesystem::create_directory_symlink(folder.Path("b"), folder.Path("b/c/back"));
     const CFolderContent content = WalkFolder(folder.Path(""));
     std::vector<std::string> names;
     for (const auto& entry : content.entries) {
@@ -258,5 +271,5 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
         EXPECT_EQ(entry.failure, "");
     }
     EXPECT_EQ(names, (std::vector<std::string>{"a.VXR", "b/c/A.XLS", "b/run", "z.vxd"}));
-    EXPECT_EQ(content.passedOver, 1U);
+    EXPECT_EQ(content.passedOver, 2U) << "the text, and the link";
 }
