@@ -23,8 +23,8 @@ PROGRAMS = {
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
     "rawdata": ["rawdata_test", "layout_test", "reference_test", "faults_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
-    "settings": ["settings_test", "reference_test", "results_test"],
-    "results": ["results_test", "reference_test"],
+    "settings": ["settings_test", "reference_test", "results_test", "forms"],
+    "results": ["results_test", "reference_test", "forms"],
     "export": ["export_test", "results_test", "faults_test"],
     "recovery": ["recover_test", "sessions"],
     "vxfile": ["vxfile_test", "sessions", "samples"],
@@ -36,6 +36,7 @@ SCRIPTS = {
     "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
     "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference/several_recordings.vxd",
                            "tests/reference/several_recordings.txt", "tests/reference/small_example.vxd"]),
+    "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
 }
 
 
