@@ -1,0 +1,72 @@
+#!/usr/bin/python3
+"""Checks the tables of docs/raw-data-file.md and of read_vxd.py against the layouts, which print_layouts prints.
+
+    check_layouts.py PRINT_LAYOUTS
+
+The page has the tables of the newest version, read_vxd.py those of all. Prints one line for each disagreement and ends
+with 1 if there is any.
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+import read_vxd
+
+PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "raw-data-file.md"
+CELLS_OF_READER = {
+    "File": lambda version: read_vxd.FILE_CELLS,
+    "Recording": read_vxd.recording_cells,
+    "Segment": lambda version: read_vxd.SEGMENT_CELLS,
+}
+
+
+def table_of_page(header):
+    """Returns the size in the heading of a header, and the rows of its table: offset, width, key and type."""
+    text = PAGE.read_text("utf-8")
+    heading = re.search(rf"^## {header} header: (\d+) bytes.*$", text, re.MULTILINE)
+    section = re.split(r"\n## ", text[heading.end():], maxsplit=1)[0]
+    rows = re.findall(r"^\| (\d+) \| (\d+) \| (?:`(\w+)` )?\| ([^|]+) \|", section, re.MULTILINE)
+    return int(heading[1]), [(int(offset), int(width), key, kind) for offset, width, key, kind in rows]
+
+
+def table_of_reader(header, version):
+    offset, rows = 0, []
+    for key, width, kind in CELLS_OF_READER[header](version):
+        rows.append((offset, width, "" if kind == "bare text" else key, kind.removeprefix("bare ")))
+        offset += width
+    return rows
+
+
+def differences(where, actual, expected):
+    for row in expected:
+        if row not in actual:
+            yield f"{where} lacks {row}"
+    for row in actual:
+        if row not in expected:
+            yield f"{where} has {row}, which isn't in the layout"
+    if not set(actual) ^ set(expected) and actual != expected:
+        yield f"{where} isn't in the order of the file"
+
+
+def disagreements(tables):
+    newest = max(version for version, _ in tables)
+    for (version, header), expected in tables.items():
+        yield from differences(f"{header} header of version {version} in read_vxd.py",
+                               table_of_reader(header, version), expected)
+        if version == newest:
+            size, rows = table_of_page(header)
+            yield from differences(f"{header} header in {PAGE.name}", rows, expected)
+            if size != expected[-1][0] + expected[-1][1]:
+                yield f"the heading of the {header} header in {PAGE.name} states {size} bytes"
+
+
+if __name__ == "__main__":
+    layouts = {}
+    for line in subprocess.run(sys.argv[1:2], check=True, capture_output=True, text=True).stdout.splitlines():
+        number, name, begin, size_of_cell, label, value = line.split("\t")
+        layouts.setdefault((int(number), name), []).append((int(begin), int(size_of_cell), label, value))
+    lines = list(disagreements(layouts))
+    print("\n".join(lines) or f"{len(layouts)} tables agree")
+    sys.exit(bool(lines) or not layouts)
