@@ -11,7 +11,7 @@ static_assert(!std::is_copy_constructible_v<CIRawDataWriter> && !std::is_copy_as
 static_assert(!std::is_polymorphic_v<CVXFileIO> && !std::is_polymorphic_v<CIRawDataWriter>);
 static_assert(!std::is_polymorphic_v<CExcVXReader> && !std::is_default_constructible_v<CExcVXReader>);
 
-TEST(FacadesTest, EachAccessorAlwaysGivesItsOwnFacade) {
+TEST(FacadesTest, EachAccessorAlwaysReturnsItsOwnFacade) {
     CVXFileIO io;
     const auto all = [&io] {
         return std::vector<const void*>{io.GetRawDateWriter(), io.GetRawDataReader(), io.GetResultsWriter(),

@@ -34,7 +34,7 @@ TEST_F(FileTest, GatheredWritesKeepTheirOrder) {
     EXPECT_EQ(m_file.Size(), 11);
     EXPECT_EQ(ReadAll(m_path), "abXYZfghabc");
 
-    CFile reader;  // beside the writer
+    CFile reader;  // next to the writer
     ASSERT_TRUE(reader.OpenForReading(m_path));
     std::string room(13, '-');
     EXPECT_EQ(reader.ReadUpTo(1, AsRoom(room)), 10U);

@@ -67,7 +67,7 @@ TEST(NumberTextTest, GeneralFormIsTheNearestOfSixDigits) {
             expect(value);
     }
     for (int halves = 200'001; halves < 2'000'000; halves += 2)
-        expect(halves / 2.0);  // each in the middle of two texts, of which the even one counts
+        expect(halves / 2.0);  // each in the middle of two texts, where the even one counts
 }
 
 TEST(NumberTextTest, DecimalsAreReadAsTheNearestValue) {
@@ -109,7 +109,7 @@ TEST(NumberTextTest, DecimalsAreTakenOffTheFront) {
     }
 }
 
-TEST(NumberTextTest, RoundTripFormTellsEveryValueApart) {
+TEST(NumberTextTest, RoundTripFormIsDifferentForEveryValue) {
     const struct {
         double value;
         const char* text;

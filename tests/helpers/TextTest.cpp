@@ -40,7 +40,7 @@ TEST(StringParserTest, RunsOfSeparatorsCountAsOneAndEndsGiveEmptyTokens) {
     EXPECT_EQ(Fields("a=b", ""), (Expected{"a=b", "a=b"}));
 }
 
-TEST(StringParserTest, IndexOutsideGivesTheErrorText) {
+TEST(StringParserTest, IndexOutOfRangeReturnsTheErrorText) {
     const CStringParser parser(" a = b ", "=");
     EXPECT_EQ(Text(parser.GetField(1, true)), "a");
     EXPECT_EQ(Text(parser.GetField(2, false)), " b ");

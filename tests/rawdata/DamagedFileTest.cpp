@@ -25,7 +25,7 @@ class DamagedFileTest : public testing::Test {
         m_bytes.replace(offset, width, Cell(width, text));
     }
 
-    /// Opens the bytes and reads all that any recording gives, as one line; or the text of the failure to open.
+    /// Opens the bytes and reads all recordings into one line; or the text of the failure to open.
     std::string Outcome() {
         WriteAll(m_path, m_bytes);
         const std::string failure = TextOfFailure([&] { m_reader.Open(m_path); });
@@ -75,7 +75,7 @@ class DamagedFileTest : public testing::Test {
 };
 
 // Where a file may be cut, and what must come of every cut up to there.
-TEST_F(DamagedFileTest, EveryPrefixGivesItsToldOutcome) {
+TEST_F(DamagedFileTest, EveryPrefixHasItsDocumentedOutcome) {
     const std::string whole = m_bytes;
     const std::string first = "CompoundTest1: 11[0..300]1,256,65535,32768 ";
     // What is left of a segment header whose first cell is whole: of each number the digits that are there, or 0.
@@ -123,12 +123,12 @@ TEST_F(DamagedFileTest, EveryPrefixGivesItsToldOutcome) {
     EXPECT_EQ(Outcome(), first + "12[0..300]7,8,9,10 end");
 }
 
-// No single damaged byte may bring more than one of the told outcomes, and none may bring the reader down.
-TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInAToldOutcome) {
+// No single damaged byte may bring anything but one of the documented outcomes, and none may crash the reader.
+TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInADocumentedOutcome) {
     const std::string whole = m_bytes;
-    const std::set<std::string> told = {kNotOurs, kEmpty, kBadRecording};
+    const std::set<std::string> documented = {kNotOurs, kEmpty, kBadRecording};
     std::set<std::string> seen;
-    const auto isToldEnding = [](const std::string& line) {
+    const auto isDocumentedEnding = [](const std::string& line) {
         for (const char* ending : {"end", "unreachable ", kBadSegment, kBadSeek}) {
             if (line.ends_with(ending)) return true;
         }
@@ -140,7 +140,7 @@ TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInAToldOutcome) {
             m_bytes = whole;
             m_bytes[at] = static_cast<char>(m_bytes[at] ^ flip);
             const std::string outcome = Outcome();
-            EXPECT_TRUE(told.contains(outcome) || isToldEnding(outcome)) << at << ": " << outcome;
+            EXPECT_TRUE(documented.contains(outcome) || isDocumentedEnding(outcome)) << at << ": " << outcome;
             seen.insert(outcome);
         }
     }
@@ -165,7 +165,7 @@ TEST_F(DamagedFileTest, RecordingChainThatRunsBackwardsIsValid) {
     EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"A", "B", "C"}));
 }
 
-TEST_F(DamagedFileTest, SegmentChainsThatLeadBackAreReportedAnewAfterEachJump) {
+TEST_F(DamagedFileTest, CirclesOfSegmentsAreReportedAgainAfterEachJump) {
     SetCell(4058, 50, "FPosNextSegmentHdr=3650");
     WriteAll(m_path, m_bytes);
     m_reader.Open(m_path);
@@ -184,7 +184,7 @@ TEST_F(DamagedFileTest, SegmentChainsThatLeadBackAreReportedAnewAfterEachJump) {
     }
 }
 
-// Each cell serves as part of several headers: cell k is a key to the header there, and the position behind it to the
+// Each cell serves as part of several headers: cell k is a key to the header there, and the position after it to the
 // header two cells before. The chain never returns, but has more items than an honest file of this size.
 TEST_F(DamagedFileTest, SegmentsThatOverlapAreReportedOnceTheyAreTooMany) {
     m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650});

@@ -3,7 +3,7 @@
 #include <vxfileio/frame/VXFileIO.h>
 
 /// @file
-/// Headers as a caller fills them; `RawFileBytes.h` tells what they come to on disk.
+/// Headers as a caller fills them; `RawFileBytes.h` has their bytes on disk.
 
 inline CRawDataFileHdr ExampleFileHdr() {
     CRawDataFileHdr header;

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Samples that the system provides as zeros, without memory behind them until they are written to.
+/// Samples that the system provides as zeros, without memory for them until they are written to.
 struct CZeroSamples {
     explicit CZeroSamples(std::size_t count)
         : samples(static_cast<std::uint16_t*>(std::calloc(count, sizeof(std::uint16_t))), &std::free) {}

@@ -23,7 +23,7 @@ inline std::string SampleBytes(const std::vector<std::uint16_t>& samples) {
     return bytes;
 }
 
-/// The 1190 bytes of the file header that `ExampleFileHdr` stands for.
+/// The 1190 bytes of the file header of `ExampleFileHdr`.
 inline std::string FileHdrBytes(std::int64_t firstRecordingHdr, const std::string& compoundTest = "CompoundTest",
                                 int version = 2) {
     return Cell(50, "OVL Vexaprobe") + Cell(50, "FPosFirstRecordingHdr=" + std::to_string(firstRecordingHdr)) +

@@ -85,7 +85,7 @@ TEST_F(ReaderTest, OfTwinsTheFirstAnswersQuestionsAndTheLastDeliversData) {
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
-TEST_F(ReaderTest, SelectedWellIsReadAfreshIntoABufferOfItsSize) {
+TEST_F(ReaderTest, SelectedWellIsReadIntoABufferOfItsSize) {
     OpenBytes(SmallFileBytes());
     ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
     EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");

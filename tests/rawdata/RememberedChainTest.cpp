@@ -26,7 +26,7 @@ class CForgetfulReader {
         m_hops.clear();
     }
 
-    /// The next segment as `SegmentsOf` tells it.
+    /// The next segment, as `SegmentsOf` prints it.
     std::string Next(int well) {
         while (m_position != -1) {
             if (m_position < 0) return kBadSeek;
@@ -112,7 +112,7 @@ class RememberedChainTest : public testing::Test {
     CIRawDataReader& m_reader = *m_io.GetRawDataReader();
 };
 
-// What nobody reads again, nobody sees change; so a header that is broken later tells what was read.
+// A header that is broken later shows whether it is read again.
 TEST_F(RememberedChainTest, SegmentsPassedOverOnceAreNotReadAgain) {
     Write(9);
     m_reader.Open(m_path);
@@ -147,7 +147,7 @@ TEST_F(RememberedChainTest, HeadersThatChangedAreFollowedAsTheyStand) {
         Pass(12);
         Patch(m_starts[c.segment] + c.cell, Cell(50, c.text));
         EXPECT_EQ(Pass(12), c.then12) << c.text;
-        EXPECT_EQ(Pass(11), c.then11) << c.text;  // what stood behind was forgotten
+        EXPECT_EQ(Pass(11), c.then11) << c.text;  // what followed was forgotten
     }
 }
 
@@ -181,7 +181,7 @@ TEST_F(RememberedChainTest, SegmentsAppendedLaterAreFound) {
 }
 
 // However the pass before came upon the circle: by its failure, or in a few segments that it took, of any well.
-TEST_F(RememberedChainTest, CirclesMendedInTheFileAreGoneInTheNextPass) {
+TEST_F(RememberedChainTest, CirclesRepairedInTheFileAreGoneInTheNextPass) {
     for (const std::size_t back : {0U, 1U, 4U}) {
         for (const int well : {-1, 11, 12, 13, 99}) {
             for (const int most : {1, 4, 1000}) {
@@ -201,8 +201,8 @@ TEST_F(RememberedChainTest, CirclesMendedInTheFileAreGoneInTheNextPass) {
     }
 }
 
-// Another writer begins the file anew: where segments stood, there are now samples.
-TEST_F(RememberedChainTest, FilesWrittenAnewAreWalkedAnew) {
+// Another writer rewrites the file: where segments were, there are now samples.
+TEST_F(RememberedChainTest, RewrittenFilesAreWalkedAgain) {
     Write(9);
     m_reader.Open(m_path);
     for (const int well : {11, 12, 13})

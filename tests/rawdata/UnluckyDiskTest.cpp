@@ -102,25 +102,25 @@ TEST(UnluckyDiskTest, FullDiskLeavesEverythingThatWasWholeAndNothingElse) {
         for (; size < stage.upTo; size += size % 50 == 0 ? 1 : 49) {
             PlayRun(path, size, 99);
             ASSERT_EQ(ContentOf(path), stage.content) << "full from " << size;
-            ASSERT_EQ(std::filesystem::file_size(path), whole) << "cut back behind what is whole";
+            ASSERT_EQ(std::filesystem::file_size(path), whole) << "truncated after what is whole";
         }
         size = stage.upTo;
     }
 }
 
-TEST(UnluckyDiskTest, WhatTheDiskRefusedComesBehindOnceThereIsRoom) {
+TEST(UnluckyDiskTest, WhatTheDiskRefusedIsWrittenOnceThereIsRoom) {
     const CTempFolder folder;
     const std::string path = folder.Path("again.vxd");
     PlayRun(path, std::size_t{1} << 30, 99);
     const std::string whole = ReadAll(path);
 
-    PlayRun(path, 700, 1);  // the file header goes ahead of the first recording
+    PlayRun(path, 700, 1);  // the file header is written before the first recording
     EXPECT_EQ(ReadAll(path), whole);
-    PlayRun(path, 2000, 2);  // so does a recording header ahead of its first segment
+    PlayRun(path, 2000, 2);  // a recording header, before its first segment
     EXPECT_EQ(ReadAll(path), whole);
     PlayRun(path, 5000, 6);
     EXPECT_EQ(ReadAll(path), whole);
-    PlayRun(path, 700, 6);  // a recording that never reached the disk gives way; a list set meanwhile is there
+    PlayRun(path, 700, 6);  // a recording that never reached the disk is dropped; a list set meanwhile is there
     const std::string late = ReadAll(path);
     EXPECT_EQ(late.substr(0, 1190), FileHdrBytes(1190, "CompoundTest=1000:2000"));
     EXPECT_EQ(ContentOf(path), "PostQC: 11[1..301]1,256,65535,32768 12[1..301]7,8,9,10 end; ");
@@ -152,9 +152,9 @@ TEST(UnluckyDiskTest, RefusedRewriteIsMadeWithTheNextOneAndTheNewestCounts) {
     EXPECT_EQ(ReadAll(path), FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({.data = 3650}));
 }
 
-TEST(UnluckyDiskTest, WriteErrorTellsTheFirstRefusalAndHowManySegmentsAreMissing) {
+TEST(UnluckyDiskTest, WriteErrorStatesTheFirstRefusalAndHowManySegmentsAreMissing) {
     const CTempFolder folder;
-    const std::string path = folder.Path("told.vxd");
+    const std::string path = folder.Path("reported.vxd");
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
     EXPECT_EQ(writer.GetWriteError(), "");
@@ -251,7 +251,7 @@ std::vector<std::uint16_t> EndlessSamples(std::int64_t n) {
     return std::vector<std::uint16_t>(kPerSegment, static_cast<std::uint16_t>(n));
 }
 
-/// Writes without end, well 7 alone, and tells how many segments were taken.
+/// Writes without end, well 7 alone, and reports how many segments were taken.
 [[noreturn]] void WriteForEver(const std::string& path, CSharedNumber& taken) {
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
@@ -277,7 +277,7 @@ std::int64_t SegmentsInPlace(const std::string& bytes) {
 
 // Whatever the moment at which the writer died: each segment that was taken is in the file, and every recording but the
 // last can be read in full.
-TEST(UnluckyDiskTest, KilledWriterLeavesAChainThatLeadsOnlyToWhatIsWhole) {
+TEST(UnluckyDiskTest, KilledWriterLeavesOnlyPositionsOfWhatIsWhole) {
     const CTempFolder folder;
     const std::string path = folder.Path("killed.vxd");
     std::int64_t delivered = 0;

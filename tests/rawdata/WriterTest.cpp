@@ -231,7 +231,7 @@ TEST_F(WriterTest, ArgumentsThatAreNoSegmentAreRefusedAndChangeNothing) {
     EXPECT_EQ(Bytes().size(), before.size() + 302);
 }
 
-TEST_F(WriterTest, SecondOpenFinishesTheFirstFileAndStartsAfresh) {
+TEST_F(WriterTest, SecondOpenFinishesTheFirstFileAndStartsANewOne) {
     const std::string other = m_folder.Path("other.vxd");
     BeginRecording();
     m_writer.WriteData(11, 0, 300, 100, kWell11.data());

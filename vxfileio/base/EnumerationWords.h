@@ -15,7 +15,7 @@
 
 namespace vxfileio::base {
 
-/// The words of one enumeration, and what stands in where none fits.
+/// The words of one enumeration, and the fallbacks for unknown words and numbers.
 template <class Enumeration, std::size_t N>
 struct CWordTable {
     std::array<std::string_view, N> words;

@@ -10,8 +10,8 @@
 /// The enumerations of the system and their words.
 ///
 /// Callers hold numbers, settings and results files hold words; both are fixed for ever, because stored files depend
-/// on the words and callers on the numbers. No conversion fails: an unknown number or word gets the fallback that is
-/// told at the enumeration. Words are compared whole and byte by byte, case mattering.
+/// on the words and callers on the numbers. No conversion fails: an unknown number or word gets the fallback that the
+/// enumeration names. Words are compared as a whole, byte by byte; case matters.
 
 /// The steps of a screening run. An unknown word is `Nil`, an unknown number gives an empty word.
 enum class enTask : std::int32_t {
@@ -97,7 +97,7 @@ enum class enFPAveIntervalType : std::int32_t {
 };
 
 /// Which values of a well are meant: as measured, or after the caller's normalisation. Any number but `Normalized`
-/// stands for the plain ones. It has no words.
+/// means the plain ones. It has no words.
 enum class enValueType : std::int32_t {
     Plain = 0,
     Normalized = 1,

@@ -8,7 +8,7 @@
 /// The failure that callers catch: a number and a text for the user.
 ///
 /// Thrown by value. It derives from nothing, so it is caught by its own name. Every failure that the library itself
-/// reports this way carries the code -1; what went wrong is told by the text. A copy stands by itself.
+/// reports this way has the code -1; the text says what went wrong. A copy is independent of its original.
 class VXFILEIO_API CExcVXReader {
  public:
     /// Makes a failure with the given code and text.

@@ -9,9 +9,9 @@ CIRawDataReader::~CIRawDataReader() = default;
 
 void CIRawDataReader::Open(const std::string& path) { m_reader->Open(path); }
 
-const CRawDataFileHdr* CIRawDataReader::GetFileHdr() const { return m_reader->GetFileHdr(); }
+const CRawDataFileHdr* CIRawDataReader::GetFileHdr() const noexcept { return m_reader->GetFileHdr(); }
 
-const CRawDataIndex* CIRawDataReader::GetIndex() const { return m_reader->GetIndex(); }
+const CRawDataIndex* CIRawDataReader::GetIndex() const noexcept { return m_reader->GetIndex(); }
 
 std::vector<std::string> CIRawDataReader::GetTasks() const { return m_reader->GetTasks(); }
 
@@ -32,7 +32,7 @@ const CRawDataRecordingHdr* CIRawDataReader::GetRecordingHdr(const std::string& 
     return m_reader->GetRecordingHdr(taskName, recording);
 }
 
-void CIRawDataReader::SelectWellID(std::int32_t wellID) { m_reader->SelectWellID(wellID); }
+void CIRawDataReader::SelectWellID(std::int32_t wellID) noexcept { m_reader->SelectWellID(wellID); }
 
 bool CIRawDataReader::JumpToData(const std::string& taskName, std::int32_t recording) {
     return m_reader->JumpToData(taskName, recording);

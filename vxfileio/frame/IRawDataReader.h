@@ -15,7 +15,7 @@ class CRawDataReader;
 /// Reads a raw data file (`.vxd`): its content from memory, its samples one segment at a time.
 ///
 /// `Open` walks the recording headers once; every question about tasks, doses and wells is then answered without
-/// touching the file. For samples: `Open`, `SelectWellID` if only one well is wanted, `JumpToData`, then `ReadSegment`
+/// touching the file. To read samples: `Open`, `SelectWellID` for a single well, `JumpToData`, then `ReadSegment`
 /// until it returns false. The file may still be growing under another thread's or process's writer: everything that
 /// was whole before `Open` is seen whole.
 ///
@@ -30,19 +30,19 @@ class VXFILEIO_API CIRawDataReader {
     CIRawDataReader(const CIRawDataReader&) = delete;
     CIRawDataReader& operator=(const CIRawDataReader&) = delete;
 
-    /// Opens a file and reads all its headers. Releases the file before; the selected well stays.
+    /// Opens a file and reads all its headers. Releases the file opened before; keeps the selected well.
     ///
     /// Throws "Cannot open file " and the path, "Opened file is not a Vexaprobe file.", "Opened file is empty." if no
-    /// recording was ever begun, or "Error reading Recording Header" if the chain of recordings is damaged or leads
-    /// back into itself. After that the content of the headers isn't to be used.
+    /// recording was ever begun, or "Error reading Recording Header" if the chain of recordings is damaged or a
+    /// circle. The content of the headers is then unspecified.
     void Open(const std::string& path);
 
     /// Returns the file header. The pointer stays valid as long as the reader; its content changes with `Open`.
-    const CRawDataFileHdr* GetFileHdr() const;
+    const CRawDataFileHdr* GetFileHdr() const noexcept;
 
     /// Returns one entry per recording, in file order. The pointer stays valid as long as the reader; its content
     /// changes with `Open`.
-    const CRawDataIndex* GetIndex() const;
+    const CRawDataIndex* GetIndex() const noexcept;
 
     /// Returns each task name once, in the order of first appearance.
     std::vector<std::string> GetTasks() const;
@@ -51,7 +51,7 @@ class VXFILEIO_API CIRawDataReader {
     /// repetitions.
     std::vector<std::int64_t> GetDoses(const std::string& taskName, std::int32_t wellID) const;
 
-    /// Returns the well IDs of the first recording of the file, whatever the task name.
+    /// Returns the well IDs of the first recording of the file, regardless of the task name.
     std::vector<std::int32_t> GetWellIDs(const std::string& taskName) const;
 
     /// Returns the well IDs of every recording with this task name and number, in file order.
@@ -63,12 +63,11 @@ class VXFILEIO_API CIRawDataReader {
 
     /// Narrows `ReadSegment` to one well from its next call on; -1 means all wells.
     ///
-    /// While a well is selected, the reader remembers where the segments stand that it passes, in 16 bytes each, until
-    /// the next `Open`. Later passes through the same recording, for whatever well, don't read those again that they
-    /// don't deliver. What is delivered is always read from the file, header and samples; a header that says something
-    /// else by then is followed as it stands. A change in a segment that is passed over shows at the latest after the
-    /// next `Open`.
-    void SelectWellID(std::int32_t wellID);
+    /// While a well is selected, the reader remembers the positions of the segments that it passes, in 16 bytes each,
+    /// until the next `Open`. Later passes through the same recording, for any well, don't read segments again that
+    /// they don't deliver. Header and samples of a delivered segment are always read from the file; if a header has
+    /// changed, the new one is followed. A change in a skipped segment may go unnoticed until the next `Open`.
+    void SelectWellID(std::int32_t wellID) noexcept;
 
     /// Goes to the first segment of a recording. Of several with this task name and number the last counts.
     /// Returns false, leaving the position as it was, if there is none or its writer never finished it. Reads nothing.

@@ -22,6 +22,6 @@ void CIRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vect
     m_writer->UpdateFileHdr(taskName, values);
 }
 
-void CIRawDataWriter::Close() { m_writer->Close(); }
+void CIRawDataWriter::Close() noexcept { m_writer->Close(); }
 
 std::string CIRawDataWriter::GetWriteError() const { return m_writer->GetWriteError(); }

@@ -15,16 +15,16 @@ class CRawDataWriter;
 /// Writes a raw data file (`.vxd`) while the recording runs.
 ///
 /// Call in this order: `Open`, `WriteFileHdr`, then for each recording `WriteRecordingHdr` and any number of
-/// `WriteData`, last `Close`. `UpdateFileHdr` may come at any time between `WriteFileHdr` and `Close`.
+/// `WriteData`, finally `Close`. `UpdateFileHdr` may be called at any time between `WriteFileHdr` and `Close`.
 ///
-/// *What holds on disk.* Each segment is with the operating system before `WriteData` returns. What is appended is
-/// whole before anything points at it, so whenever the process dies, every chain in the file leads only to what is
-/// whole. The last recording can be reached by a reader once the next one was begun or the file was closed.
+/// *What holds on disk.* Each segment is with the operating system before `WriteData` returns. Data is appended
+/// in full before a position points to it, so whenever the process dies, every position in the file points to something
+/// whole. A reader can reach the last recording once the next one was begun or the file was closed.
 ///
 /// *What is reported.* A file that can't be created, and a caller's mistake (calls out of order, a value that doesn't
 /// fit its cell, arguments that can't be a segment): `CExcVXReader` with code -1, thrown before anything is written,
-/// so that the file is as it was and the writer goes on from there. A write that the system refuses (a full disk) is
-/// quiet: that segment is left out, the file stays sound, and the next call tries afresh. `GetWriteError` tells.
+/// so that the file is unchanged and the writer stays usable. A write that the system refuses (a full disk) doesn't
+/// throw: that segment is left out, the file stays valid, and the next call tries again. `GetWriteError` reports it.
 ///
 /// One thread at a time.
 class VXFILEIO_API CIRawDataWriter {
@@ -62,10 +62,10 @@ class VXFILEIO_API CIRawDataWriter {
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
 
     /// Finishes the last recording and closes the file. Without an open file it does nothing.
-    void Close();
+    void Close() noexcept;
 
-    /// Returns an empty text while all that was asked for since `Open` is with the operating system, else what it
-    /// refused first in words: "No space left on device, writing 40300 bytes at 123456 of run.vxd". If segments are
+    /// Returns an empty text while everything written since `Open` is with the operating system, else what it refused
+    /// first in words: "No space left on device, writing 40300 bytes at 123456 of run.vxd". If segments are
     /// missing in the file, "; segments missing: " and their number follow. Headers and cells that are refused are
     /// written as soon as there is room; the failure stays in the text. After `Close` the text is about the closed
     /// file, including a failure to close it.
@@ -73,7 +73,7 @@ class VXFILEIO_API CIRawDataWriter {
     /// Also reports values that are written as given although readers can't use them, one sentence each: a `HeaderID`
     /// that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2, and each key with a text that readers get cut,
     /// because it has a NUL, CR, LF, `=` or `:`.
-    std::string GetWriteError() const;
+    [[nodiscard]] std::string GetWriteError() const;
 
  private:
     std::unique_ptr<vxfileio::rawdata::CRawDataWriter> m_writer;

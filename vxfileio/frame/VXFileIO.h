@@ -40,7 +40,7 @@
 
 /// The library's front door: one object that owns the seven facades.
 ///
-/// Making one touches no file. An accessor always gives the same pointer for the same object; the facade behind it
+/// Making one touches no file. An accessor always returns the same pointer for the same object; its facade
 /// belongs to this object, lives as long, and is never freed by the caller. Destroying the object takes the facades
 /// down in reverse order, so a raw data file that is still open is finished as by `CIRawDataWriter::Close`.
 ///

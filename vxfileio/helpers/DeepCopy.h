@@ -4,7 +4,7 @@
 #include <vector>
 
 /// @file
-/// Copies of what is owned by pointer. A null pointer stays null.
+/// Copies objects that are owned by pointer. A null pointer stays null.
 
 namespace vxfileio::helpers {
 

@@ -21,7 +21,7 @@ class CEightCharacters {
         : m_values(LoadLE64(reinterpret_cast<const std::byte*>(at)) ^ 0x3030303030303030) {}
 
     /// Returns how many digits they begin with. The sum sets the top bit of a byte above 9; a carry out of such a byte
-    /// only reaches those behind it.
+    /// only reaches later ones.
     int Digits() const {
         const std::uint64_t others = ((m_values + 0x7676767676767676) | m_values) & 0x8080808080808080;
         return std::countr_zero(others) / 8;
@@ -35,7 +35,7 @@ class CEightCharacters {
         return (number * 10000 + (number >> 32)) & 0x00000000FFFFFFFF;
     }
 
-    /// Puts the number of the first `digits` characters, from 0 to 8, behind the digits of `number`.
+    /// Puts the number of the first `digits` characters, from 0 to 8, after the digits of `number`.
     void AppendTo(std::uint64_t& number, int digits) const {
         static constexpr std::array<std::uint64_t, 9> kPowers{1,       10,        100,        1'000,      10'000,
                                                               100'000, 1'000'000, 10'000'000, 100'000'000};

@@ -33,7 +33,7 @@ bool CFile::WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers
 
 bool CFile::Append(std::initializer_list<CBytes> buffers) {
     if (!WriteAt(m_end, buffers)) {
-        // A failed cut leaves bytes behind the end that nothing points at; the next Append overwrites them.
+        // If truncating fails, bytes remain after the end that nothing points to; the next Append overwrites them.
         Truncate(m_end);
         return false;
     }

@@ -18,7 +18,7 @@ using CBytes = std::span<const std::byte>;
 /// Bytes that are written into, owned by somebody else.
 using CMutableBytes = std::span<std::byte>;
 
-/// What the system refused to do with a file, and why. A fresh one tells of nothing.
+/// What the system refused to do with a file, and why. A fresh one is no failure.
 struct CFileFailure {
     enum class enStep { Opening, Writing, Closing, Replacing };
 
@@ -27,8 +27,8 @@ struct CFileFailure {
     std::size_t bytes = 0;      ///< Writing: how many bytes were to be written.
     std::int64_t position = 0;  ///< Writing: where.
 
-    /// Tells whether there is anything to tell.
-    explicit operator bool() const { return static_cast<bool>(error); }
+    /// Returns whether anything failed.
+    explicit operator bool() const noexcept { return static_cast<bool>(error); }
 
     /// Puts it into words: "No space left on device, writing 40300 bytes at 123456 of " and the path in the form that
     /// the system takes; empty without a failure.
@@ -41,8 +41,8 @@ struct CFileFailure {
 /// when it was opened for writing. Paths are narrow bytes in the caller's code page; both slashes separate folders on
 /// every host. A file that is open here may be read and written by others at the same time.
 ///
-/// Nothing throws, apart from opening for want of memory. A failure is a result, and the first one of opening, writing
-/// or closing is kept for whoever asks later, at no cost as long as there is none.
+/// Nothing throws, except that opening may throw `std::bad_alloc`. A failure is a result, and the first one of opening,
+/// writing or closing is kept for later, at no cost as long as there is none.
 class CFile {
  public:
     CFile() = default;
@@ -51,42 +51,42 @@ class CFile {
     CFile& operator=(const CFile&) = delete;
 
     /// Opens an existing file for reading; closes what was open. Returns false if it can't be opened or is a folder.
-    bool OpenForReading(const std::string& path);
+    [[nodiscard]] bool OpenForReading(const std::string& path);
 
     /// Opens an existing file for reading and writing, keeping its content; closes what was open. Returns false if it
-    /// can't be opened or is a folder. An earlier failure stays the first one.
-    bool OpenForUpdate(const std::string& path);
+    /// can't be opened or is a folder. An earlier failure is kept as the first.
+    [[nodiscard]] bool OpenForUpdate(const std::string& path);
 
     /// Opens an existing file for writing alone, keeping its content; closes what was open. Returns false if it can't.
-    bool OpenForWriting(const std::string& path);
+    [[nodiscard]] bool OpenForWriting(const std::string& path);
 
     /// Creates a file, or empties an existing one, for writing; closes what was open. Returns false if it can't.
-    bool Create(const std::string& path);
+    [[nodiscard]] bool Create(const std::string& path);
 
     /// Creates a file for writing where there was none, by a path in the form that the system takes, and gives it the
     /// rights of `model`, if that is open; closes what was open. Returns false if there is one or it can't; then
-    /// nothing is left behind. An owner or a group that the process mayn't give away is its own, without more rights
-    /// for that group than everybody has.
-    bool CreateLike(const std::string& path, const CFile& model);
+    /// no file is left. If the process may not set the owner or the group, its own is kept, and that group gets no more
+    /// rights than everybody has.
+    [[nodiscard]] bool CreateLike(const std::string& path, const CFile& model);
 
-    /// Returns where a file stands that was opened, or was not found, by this path: in its folder, symbolic links
-    /// followed, in the form that the system takes. Empty if it isn't a plain file or stands nowhere.
+    /// Returns the real path of a file that was opened, or was not found, by this path: symbolic links followed, in the
+    /// form that the system takes. Empty if it isn't a plain file or can't exist.
     std::string PlaceOf(const std::string& path) const;
 
     /// What failed first since the last opening; `OpenForUpdate` isn't counted.
-    const CFileFailure& Failure() const { return m_failure; }
+    const CFileFailure& Failure() const noexcept { return m_failure; }
 
     /// The same in words, with the path; empty if nothing failed.
     std::string WriteError() const { return m_failure.Text(m_path); }
 
-    /// Tells whether a file is open.
-    bool IsOpen() const { return m_handle != kClosed; }
+    /// Returns whether a file is open.
+    bool IsOpen() const noexcept { return m_handle != kClosed; }
 
     /// Closes the file. Without an open file it does nothing. Returns false if the system reports a late failure.
     bool Close();
 
-    /// Reads from `position` on up to the end of the buffer or of the file, and returns the number of bytes read. An
-    /// unreadable position gives 0. What wasn't read keeps its old content.
+    /// Reads from `position` on up to the end of the buffer or of the file, and returns the number of bytes read.
+    /// Returns 0 for an unreadable position. Bytes that weren't read keep their old content.
     std::size_t ReadUpTo(std::int64_t position, CMutableBytes buffer) const;
 
     /// Fills the whole buffer from `position` on. Returns false if the file ends before that or can't be read; the
@@ -99,12 +99,12 @@ class CFile {
     /// be any number. Up to four take one system call.
     [[nodiscard]] bool WriteAt(std::int64_t position, std::initializer_list<CBytes> buffers);
 
-    /// Writes the buffers, one after the other, behind what was appended so far. If that fails, the file is cut back
-    /// to its old end, so that the next `Append` starts where this one did.
+    /// Writes the buffers, one after the other, after what was appended so far. If that fails, the file is truncated to
+    /// its old end, so that the next `Append` starts where this one did.
     [[nodiscard]] bool Append(std::initializer_list<CBytes> buffers);
 
     /// Returns where the next `Append` begins. Only meaningful for a file opened for writing.
-    std::int64_t End() const { return m_end; }
+    std::int64_t End() const noexcept { return m_end; }
 
     /// Asks the system for the size in bytes; 0 if it doesn't know.
     std::int64_t Size() const;
@@ -124,11 +124,11 @@ class CFile {
     std::int64_t m_end = 0;  ///< Where the next `Append` begins.
 };
 
-/// Gives a file the place of another, at once. Both are paths in the form that the system takes.
-std::error_code MoveOver(const std::string& from, const std::string& to) noexcept;
+/// Replaces a file by another atomically. Both are paths in the form that the system takes.
+[[nodiscard]] std::error_code MoveOver(const std::string& from, const std::string& to) noexcept;
 
-/// Gives a file a second name, which must be free. Both are paths in the form that the system takes.
-std::error_code LinkFile(const std::string& file, const std::string& name) noexcept;
+/// Creates a second name for a file; it must be free. Both are paths in the form that the system takes.
+[[nodiscard]] std::error_code LinkFile(const std::string& file, const std::string& name) noexcept;
 
 /// Removes a file, by its path in the form that the system takes.
 void RemoveFile(const std::string& path) noexcept;
@@ -136,7 +136,7 @@ void RemoveFile(const std::string& path) noexcept;
 /// Returns a path in the form that the system takes, which isn't asked for it.
 std::string NativePath(std::string path);
 
-/// Tells whether a path is one that a system call would take in full: a NUL byte would cut it and name another file.
+/// Returns whether a system call would take a path in full: a NUL byte would cut it, naming another file.
 inline bool IsWholePath(const std::string& path) { return path.find('\0') == std::string::npos; }
 
 /// Returns whether a text has a control character.
@@ -154,7 +154,7 @@ inline std::string WithoutControls(std::string text) {
 }
 
 /// Returns whether a name can be that of a file in its folder: it isn't too long, and has no separator, no control
-/// character, and none of the characters to which the system gives another meaning.
+/// character, and none of the characters that mean something else to the system.
 bool IsFileName(const std::string& name);
 
 }  // namespace vxfileio::helpers

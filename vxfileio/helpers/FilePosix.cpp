@@ -24,7 +24,7 @@ constexpr int kAlways = O_CLOEXEC | O_NONBLOCK;
 
 std::error_code SystemError(int number) { return {number, std::generic_category()}; }
 
-/// The outcome of a call that gives a negative number if it fails.
+/// The outcome of a call that returns a negative number if it fails.
 std::error_code Outcome(int result) { return SystemError(result < 0 ? errno : 0); }
 
 int OpenPath(const std::string& path, int flags, mode_t mode, std::error_code& error) {
@@ -60,7 +60,7 @@ std::string FollowLinks(std::string path) {
     return path;
 }
 
-/// Gives a file the owner, as far as allowed, and the rights of another one.
+/// Sets the owner of a file, as far as allowed, and its rights to those of another one.
 std::error_code TakeRights(int handle, int model) {
     constexpr mode_t kRights = 07777;
     struct stat own {};
@@ -75,7 +75,7 @@ std::error_code TakeRights(int handle, int model) {
     return Outcome(::fchmod(handle, rights));
 }
 
-/// The part of a gathered write that is still to be done, of which one call takes up to four buffers.
+/// The part of a gathered write that is still to be done. One call takes up to four buffers.
 class CPending {
  public:
     explicit CPending(std::initializer_list<CBytes> buffers) : m_buffers(buffers.begin(), buffers.end()) { Refill(); }

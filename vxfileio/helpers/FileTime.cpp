@@ -17,10 +17,10 @@ using CFileTimeUnits = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'
 /// Where file times count from.
 constexpr auto kEpoch = std::chrono::sys_days(std::chrono::January / 1 / 1601);
 
-/// Appends a number with leading zeros up to `width`, and what stands behind it.
-void AppendPadded(std::string& text, std::int64_t value, std::size_t width, std::string_view behind) {
+/// Appends a number with leading zeros up to `width`, and the text after it.
+void AppendPadded(std::string& text, std::int64_t value, std::size_t width, std::string_view after) {
     const CNumberText digits(value);
-    text.append(width - std::min(width, digits.View().size()), '0').append(digits.View()).append(behind);
+    text.append(width - std::min(width, digits.View().size()), '0').append(digits.View()).append(after);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ HANDLE Native(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
 
 std::error_code SystemError(DWORD number) { return {static_cast<int>(number), std::system_category()}; }
 
-/// The outcome of a call that gives 0 if it fails.
+/// The outcome of a call that returns 0 if it fails.
 std::error_code Outcome(BOOL result) { return SystemError(result == 0 ? ::GetLastError() : 0); }
 
 std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition, std::error_code& error,
@@ -76,7 +76,7 @@ std::size_t Transfer(Call call, std::int64_t position, const Buffers& buffers, s
 /// Both slashes are taken as they are.
 std::string NativePath(std::string path) { return path; }
 
-/// What stands behind a colon would name a hidden stream of the file, or a file of another drive.
+/// A name with a colon would mean a hidden stream of the file, or a file of another drive.
 bool IsFileName(const std::string& name) {
     return name.size() < MAX_PATH && !HasControls(name) && name.find_first_of(R"(/\:)") == std::string::npos;
 }
@@ -120,7 +120,7 @@ bool CFile::CreateLike(const std::string& path, const CFile& model) {
     return IsOpen();
 }
 
-/// A colon behind the drive would name a hidden stream of a file, which can't be moved.
+/// A colon after the drive would name a hidden stream of a file, which can't be moved.
 std::string CFile::PlaceOf(const std::string& path) const {
     if (path.find(':', 2) != std::string::npos) return {};
     const DWORD attributes = ::GetFileAttributesA(path.c_str());
@@ -139,8 +139,8 @@ std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
     const auto read = [this](std::byte* data, DWORD size, OVERLAPPED* place, DWORD* moved) {
         return ::ReadFile(Native(m_handle), data, size, moved, place) != 0;
     };
-    std::error_code whatever;
-    return Transfer(read, position, std::array{buffer}, whatever);
+    std::error_code ignored;
+    return Transfer(read, position, std::array{buffer}, ignored);
 }
 
 std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {

@@ -8,7 +8,8 @@
 #include <cstdint>
 
 /// @file
-/// Unsigned whole numbers as bytes, least significant first, whatever the machine's own order. Any alignment will do.
+/// Unsigned whole numbers as bytes, least significant first, regardless of the machine's own order. Any alignment will
+/// do.
 
 namespace vxfileio::helpers {
 

@@ -38,7 +38,7 @@ inline std::string_view SkipBlanks(std::string_view text) {
     return start == std::string_view::npos ? std::string_view() : text.substr(start);
 }
 
-/// Takes the sign at the front of `text` off, and tells whether it was a minus.
+/// Removes the sign at the front of `text`, and returns whether it was a minus.
 bool TakeSign(std::string_view& text) {
     if (text.empty() || (text.front() != '-' && text.front() != '+')) return false;
     const bool negative = text.front() == '-';
@@ -46,7 +46,7 @@ bool TakeSign(std::string_view& text) {
     return negative;
 }
 
-/// Every number of so many digits fits 64 bits.
+/// Every number of this many digits fits 64 bits.
 constexpr std::ptrdiff_t kMostSafeDigits = 19;
 
 /// Reads digits from `at` on into `number`, which may overflow, and returns where they end.
@@ -99,8 +99,8 @@ Whole ParseUnsigned(std::string_view text) {
     return negative ? static_cast<Whole>(Whole{0} - *magnitude) : *magnitude;
 }
 
-/// Tells whether a number that is out of a double's range is so for being too large: its first digit other than 0
-/// then stands ahead of the point once the exponent is applied.
+/// Returns whether a number that is out of a double's range is so for being too large: its first digit other than 0
+/// then precedes the point once the exponent is applied.
 bool IsTooLarge(std::string_view digits) {
     std::int64_t scale = 0;  // decimal places from the first significant digit to the point
     bool significant = false;
@@ -141,7 +141,7 @@ char* WriteSixDigits(char* to, double value) {
     if (!(size >= kLimits.front() && size < kLimits.back())) return nullptr;
     const auto* const above = std::upper_bound(kLimits.begin(), kLimits.end(), size);
     const int exponent = kLeastExponent + static_cast<int>(above - kLimits.begin()) - 1;
-    const int places = kGeneralDigits - 1 - exponent;  // behind the point
+    const int places = kGeneralDigits - 1 - exponent;  // after the point
     std::uint32_t digits = RoundScaled(size, kPowersOfTen[static_cast<std::size_t>(places)]);
     if (digits >= kSevenDigits) return nullptr;  // rounded up to the next exponent
 

@@ -15,7 +15,7 @@ namespace vxfileio::helpers {
 /// Room for any number in the general form.
 inline constexpr std::size_t kMostGeneralSize = 16;
 
-/// Writes a number in the general form, as `CNumberText::General` tells it, to a place with room for `kMostGeneralSize`
+/// Writes a number in the general form, as at `CNumberText::General`, to a place with room for `kMostGeneralSize`
 /// characters. Returns where it ends.
 char* WriteGeneral(char* to, double value);
 
@@ -33,8 +33,8 @@ class CNumberText {
     static CNumberText General(double value);
 
     /// A floating-point value with the fewest digits that read back as the same: fixed notation for decimal exponents
-    /// from -1 to 37, beyond them an exponent of three digits and its sign. The point always stands, zeros behind it
-    /// don't: `4.`, `0.5`, `6.25e-002`. `nan`, `inf` and `-inf` are texts too.
+    /// from -1 to 37, beyond them an exponent of three digits and its sign. There is always a point, and no zeros at
+    /// the end: `4.`, `0.5`, `6.25e-002`. `nan`, `inf` and `-inf` are texts too.
     static CNumberText RoundTrip(double value);
 
     /// The text, which lives as long as this object.
@@ -54,8 +54,8 @@ class CNumberText {
 };
 
 /// @name Text to number
-/// Each skips leading blanks, takes a sign, stops at the first character that doesn't belong to the number, and gives
-/// 0 if there is none. A number too large for the type gives the nearest value that the type holds.
+/// Each skips leading blanks, takes a sign, stops at the first character that doesn't belong to the number, and returns
+/// 0 if there is none. A number too large for the type becomes the nearest value that the type holds.
 /// @{
 std::int32_t ParseInt32(std::string_view text);
 std::int64_t ParseInt64(std::string_view text);

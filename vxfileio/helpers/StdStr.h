@@ -28,7 +28,7 @@ class CStdStr {
         return *this;
     }
 
-    /// The text with a NUL behind it, valid until the string changes.
+    /// The text with a NUL after it, valid until the string changes.
     operator const char*() const { return m_text.c_str(); }
     /// The text for changing its characters in place, valid until the string changes otherwise.
     char* GetBuffer() { return m_text.data(); }
@@ -38,7 +38,7 @@ class CStdStr {
     /// Makes the string empty.
     void Empty() { m_text.clear(); }
 
-    /// Returns up to `count` characters from `start` on; empty if `start` is behind the end.
+    /// Returns up to `count` characters from `start` on; empty if `start` is beyond the end.
     CStdStr Mid(std::size_t start, std::size_t count = std::string::npos) const {
         return start < m_text.size() ? CStdStr(m_text.substr(start, count)) : CStdStr();
     }

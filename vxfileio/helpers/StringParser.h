@@ -7,7 +7,7 @@
 
 namespace vxfileio::helpers {
 
-/// Cuts a text into tokens and keeps them. How a text is cut is told at `vxfileio::helpers::CTokenizer`.
+/// Splits a text into tokens and keeps them, by the rules of `vxfileio::helpers::CTokenizer`.
 class CStringParser {
  public:
     /// Parses at once. Without separators the whole text is the one token. Nothing is ever quoted: every caller passes
@@ -20,8 +20,8 @@ class CStringParser {
     /// Returns the number of tokens.
     std::int32_t GetCount() const { return m_count; }
 
-    /// Returns the whole text at 0 and the tokens from 1 on, without blanks around them if `strip` is set. An index
-    /// outside gives the text "ERROR: Array index out of range.", which reads as 0 where a number is wanted.
+    /// Returns the whole text at 0 and the tokens from 1 on, without blanks around them if `strip` is set. For an
+    /// index out of range, returns the text "ERROR: Array index out of range.", which parses as the number 0.
     CStdStr GetField(std::int32_t index, bool strip) const;
 
  private:

@@ -21,13 +21,13 @@ class CCharSet {
     std::array<bool, 256> m_has{};
 };
 
-/// Cuts a text into tokens, copying nothing.
+/// Splits a text into tokens without copying.
 ///
-/// Any one of the separator characters separates, and a run of them counts as one. A leading separator gives an empty
+/// Any one of the separator characters separates, and a run of them counts as one. A leading separator makes an empty
 /// first token, a trailing one an empty last token; an empty text has no token.
 class CTokenizer {
  public:
-    /// Text and separators stay the caller's and outlive this object.
+    /// The caller owns text and separators, which must outlive this object.
     CTokenizer(std::string_view text, const CCharSet& separators)
         : m_rest(text), m_separators(separators), m_emptyAtEnd(!text.empty() && separators.Has(text.back())) {}
 

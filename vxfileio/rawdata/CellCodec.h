@@ -26,7 +26,7 @@ class CCellWriter {
         PutBare(key);
     }
 
-    /// Adds text as it stands.
+    /// Adds text without a separator.
     void PutBare(std::string_view text) {
         if (text.size() > m_room.size()) {
             m_fits = false;
@@ -36,7 +36,7 @@ class CCellWriter {
         m_room = m_room.subspan(text.size());
     }
 
-    /// Adds a value, or the next item of a list, behind its `=` or `:`. It isn't empty.
+    /// Adds a value, or the next item of a list, after its `=` or `:`. Requires: it isn't empty.
     void PutItem(std::string_view item) {
         PutSeparator();
         PutBare(item);
@@ -59,8 +59,8 @@ class CCellWriter {
         if (!value.empty()) PutItem(value);
     }
 
-    /// Tells whether all that was put had room.
-    bool Fits() const { return m_fits; }
+    /// Returns whether everything fit the cell.
+    [[nodiscard]] bool Fits() const noexcept { return m_fits; }
 
  private:
     void PutSeparator() {
@@ -85,7 +85,7 @@ constexpr bool ReadsBackWhole(std::string_view text) noexcept {
 /// Returns the text of a cell: its bytes up to the first NUL. It points into the cell.
 std::string_view CellText(std::string_view cell);
 
-/// The tokens of a cell behind its key: the one value, or the items of a list. They point into the cell.
+/// The tokens of a cell after its key: the one value, or the items of a list. They point into the cell.
 class CCellItems {
  public:
     explicit CCellItems(std::string_view cell);

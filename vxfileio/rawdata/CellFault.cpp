@@ -80,7 +80,7 @@ struct CValueJudge {
     }
 };
 
-/// Tells whether a cell may stand without a value: texts and lists may, numbers may not.
+/// Returns whether a cell may be without a value: texts and lists may, numbers may not.
 struct CMayBeEmpty {
     bool operator()(std::monostate /*member*/) const { return false; }
     template <class Header>
@@ -104,7 +104,7 @@ struct CIsText {
     bool operator()(const auto& /*member*/) const { return false; }
 };
 
-/// Tells whether a cell always holds what the writer begins with: a text that isn't the caller's.
+/// Returns whether a cell always holds the text that the writer begins with, and no text of the caller.
 bool IsFixed(const auto& cell) { return cell.traits.standBy && std::visit(CIsText(), cell.member); }
 
 // ---- One cell -------------------------------------------------------------------------------------------------------

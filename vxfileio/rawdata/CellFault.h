@@ -7,29 +7,28 @@
 #include "vxfileio/rawdata/RawDataFormat.h"
 
 /// @file
-/// One cell of a header, held against what the format fixes of it. Whoever needs to know whether a cell is as a writer
-/// leaves it asks here, to tell it as a finding or to believe the cell or not.
+/// Checks one cell of a header against the format: whether it is as a writer leaves it.
 
 namespace vxfileio::rawdata {
 
 /// What is wrong with a cell.
 enum class ECellFault {
     NoLineEnd,    ///< CR LF aren't its last bytes.
-    NoPadding,    ///< No NUL byte stands ahead of them.
-    Padding,      ///< Something else than NUL bytes stands behind the text.
+    NoPadding,    ///< No NUL byte precedes them.
+    Padding,      ///< Something other than NUL bytes follows the text.
     NoMark,       ///< It doesn't begin as the first cell of a file does.
     NoKey,        ///< It has another key.
-    NotFixed,     ///< It holds something else than what all writers put there.
-    LoneSign,     ///< Nothing stands behind the `=`.
+    NotFixed,     ///< It holds something other than what all writers put there.
+    LoneSign,     ///< Nothing follows the `=`.
     NoNumber,     ///< A number is missing.
     OtherNumber,  ///< A number isn't written as the format writes it.
-    Separator,    ///< A text holds what separates items. Only whoever gave the text to a writer can have meant it.
+    Separator,    ///< A text contains a separator. No writer adds one; the text was passed to it like that.
 };
 
 /// The first fault of a cell.
 struct CCellFault {
     ECellFault kind;
-    std::string taken = {};  ///< What readers take a text or a number for.
+    std::string taken = {};  ///< The text or number that readers get instead.
 };
 
 /// @name Judging a cell

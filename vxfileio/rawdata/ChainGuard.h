@@ -8,18 +8,18 @@
 
 namespace vxfileio::rawdata {
 
-/// Watches a walk along a chain of positions, so that a damaged file that leads back into itself can't keep a reader
-/// going for ever. A chain that runs backwards without a circle is as good as any.
+/// Watches a walk along a chain of positions, so that a circle in a damaged file can't keep a reader going forever. A
+/// chain that runs backwards without a circle is valid.
 class CChainGuard {
  public:
-    /// `leastItemSize` is the size of the smallest thing that a position of the chain can lead to. The file stays the
-    /// caller's and outlives this object.
+    /// `leastItemSize` is the size of the smallest item that a position of the chain can point to. The caller owns the
+    /// file, which must outlive this object.
     CChainGuard(const helpers::CFile& file, std::size_t leastItemSize)
         : m_file(&file), m_leastItemSize(static_cast<std::int64_t>(std::max<std::size_t>(leastItemSize, 1))) {}
 
     /// Counts one hop. Returns false if the walk has been at `position` before, or has made more hops than the file has
-    /// room for things to lead to.
-    bool Admits(std::int64_t position) {
+    /// room for items.
+    [[nodiscard]] bool Admits(std::int64_t position) {
         if (position == m_marked) return false;
         ++m_hops;
         // Of a circle of n positions, one that is marked at 2^k >= n hops comes round again within n further hops.

@@ -9,7 +9,7 @@
 #include "vxfileio/rawdata/RawDataFormat.h"
 
 /// @file
-/// Where each cell stands in the files of each version. Everything that reads, writes or checks raw data files asks
+/// The offset of each cell in the files of each version. Everything that reads, writes or checks raw data files asks
 /// `LayoutOf` or `Layouts`, so a new version reaches all of it.
 
 namespace vxfileio::rawdata {
@@ -41,8 +41,8 @@ struct CHdrLayout {
         return static_cast<std::size_t>(&cell - cells.data());
     }
 
-    /// Tells whether bytes begin with a whole first cell that has the right key, which is all that a reader tests.
-    constexpr bool Begins(std::string_view bytes) const noexcept {
+    /// Returns whether bytes begin with a whole first cell that has the right key, which is all that a reader tests.
+    [[nodiscard]] constexpr bool Begins(std::string_view bytes) const noexcept {
         return bytes.size() >= cells.front().width && bytes.starts_with(cells.front().key);
     }
 };

@@ -64,7 +64,8 @@ struct CChannelList {
         field;
 };
 
-/// What the value of a cell is to whoever checks it. Counts and lists of channels are marked by their content instead.
+/// What the value of a cell is to code that checks it. Counts and lists of channels are marked by their content
+/// instead.
 enum class ERole {
     Value,           ///< Anything else.
     Position,        ///< A file offset, or `kUnset`.
@@ -94,7 +95,7 @@ struct CCell {
     /// What is read into the header, and written from it. Nothing for a cell whose value is always the same.
     std::variant<std::monostate, std::string Header::*, std::int32_t Header::*, std::int64_t Header::*, More...> member;
     CCellTraits traits = {};
-    /// Bytes ahead of the cell in its header. Set in layouts only, since versions differ.
+    /// Bytes before the cell in its header. Set in layouts only, since versions differ.
     std::size_t offset = 0;
 
     /// Returns the offset of the byte after the cell.

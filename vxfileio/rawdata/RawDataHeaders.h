@@ -16,7 +16,7 @@
 /// One channel of a recording: a well and how its samples turn into physical units.
 struct CRawDataChannelInfo {
     std::int32_t ID = -1;     ///< Well ID.
-    std::int32_t ADZero = 0;  ///< AD value that stands for zero.
+    std::int32_t ADZero = 0;  ///< AD value that means zero.
     double UnitsPerAD = 0.0;  ///< Physical units per AD step.
     std::int64_t Ticks = 0;   ///< Sample interval. A reader gets it back within the range of 32 bits.
 };
@@ -67,14 +67,14 @@ class VXFILEIO_API CRawDataIndex {
     void AddEntry(const CIndexEntry& entry);
 
     /// Removes all entries.
-    void Clear();
+    void Clear() noexcept;
 
     /// Returns the number of entries.
-    std::int32_t GetCount() const;
+    std::int32_t GetCount() const noexcept;
 
     /// Returns the entry at the index, or null if the index is negative or not below the count. The pointer stays
     /// valid until the next `AddEntry` or `Clear`.
-    const CIndexEntry* GetEntry(std::int32_t index) const;
+    const CIndexEntry* GetEntry(std::int32_t index) const noexcept;
 
  private:
     std::vector<CIndexEntry> m_entries;

@@ -27,8 +27,8 @@ bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName
     return header.TaskName == taskName && header.Recording == recording;
 }
 
-/// Sets to zero what reading up to the end of a file has left as it was.
-void ZeroBehind(std::size_t read, CMutableBytes bytes) {
+/// Sets the bytes to zero that a read up to the end of the file left unchanged.
+void ZeroAfter(std::size_t read, CMutableBytes bytes) {
     if (read < bytes.size()) std::ranges::fill(bytes.subspan(read), std::byte{0});
 }
 
@@ -120,7 +120,7 @@ bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, s
     try {
         if (!FetchNext(header, wellID)) return false;
     } catch (const CExcVXReader&) {
-        // What led here may be mended in the file before the next pass, which mustn't know better.
+        // The file may be repaired before the next pass, which must then read it afresh.
         if (m_chain != nullptr) m_chain->ForgetFrom(0);
         throw;
     }
@@ -140,7 +140,7 @@ bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
         wellID = header.ID;
         const bool isWanted = IsWanted(wellID);
         const bool isRefused = isWanted && !CompleteSamples(sampleBytes, SamplesOf(header));
-        PassBehind(header);
+        PassOver(header);
         if (isRefused) throw CExcVXReader(kBadSegmentHdr);
         if (isWanted) return true;
     }
@@ -156,13 +156,12 @@ void CRawDataReader::ReadFileHdr() {
     if (m_fileHdr.FPosFirstRecordingHdr == kUnset) throw CExcVXReader(kEmptyFile);
 }
 
-/// Returns where the chain of recordings goes on behind those read so far.
+/// Returns the position after the recordings read so far.
 std::int64_t CRawDataReader::NextRecordingHdr() const {
     return m_recordings.empty() ? m_fileHdr.FPosFirstRecordingHdr : m_recordings.back().FPosNextRecordingHdr;
 }
 
-/// Reads the cell that led to nothing once more, in case its writer was just rewriting it. Returns false if it still
-/// says the same.
+/// Rereads the cell whose position was bad, in case its writer was just rewriting it. Returns false if it is unchanged.
 bool CRawDataReader::RereadNextRecordingHdr(CRecordingHdrReader& headers) {
     const std::int64_t before = NextRecordingHdr();
     if (m_recordings.empty()) {
@@ -194,8 +193,8 @@ void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
     }
 }
 
-/// Returns how many samples a remembered segment has if its successor stands right behind it, else as many as the one
-/// before. What is remembered may be wrong, and mustn't cost more memory than a damaged size.
+/// Returns the number of samples of a remembered segment if its successor directly follows it, else that of the one
+/// before. What is remembered may be wrong, and must not cost more memory than a damaged size.
 std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
     const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
     if (successor == nullptr) return m_segment.Count();
@@ -213,8 +212,8 @@ bool CRawDataReader::MakeRoomForNext() {
     return isExpected;
 }
 
-/// Reads the header at the position of the pass, and as many of the samples behind it as are expected. Of a segment
-/// that isn't wanted, only the front of the header is sure to be read. Returns false if no header stands there.
+/// Reads the header at the position of the pass, and as many of its samples as are expected. Of a segment that isn't
+/// wanted, it may read only the front of the header. Returns false if there is no header.
 bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     const bool isExpected = MakeRoomForNext();
     const CMutableBytes bytes = m_segment.SegmentBytes();
@@ -229,37 +228,36 @@ bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     return true;
 }
 
-/// Passes over what is remembered and nobody wants, and reads the header behind it. Returns false, at the place where
-/// it began, if there is nothing to pass over, or if the file says something else by now: it was rewritten, and what
-/// was passed over may not be what it was, either.
-bool CRawDataReader::ReadHdrBehindRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes) {
-    const CPass behindLastRead = m_pass;
+/// Skips remembered segments that aren't wanted, and reads the header after them. Returns false, with the pass where it
+/// was, if there is nothing to skip, or if the file has changed: then the skipped segments may have changed, too.
+bool CRawDataReader::ReadHdrAfterRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes) {
+    const CPass afterLastRead = m_pass;
     try {
         PassOverRemembered(wellID);
-        if (m_pass.number == behindLastRead.number) return false;
+        if (m_pass.number == afterLastRead.number) return false;
         if (ReadHdr(header, sampleBytes) && header.ID == Remembered()->wellID) return true;
     } catch (const std::bad_alloc&) {
-        m_pass = behindLastRead;
+        m_pass = afterLastRead;
         throw;
     }
-    m_pass = behindLastRead;
+    m_pass = afterLastRead;
     m_chain->ForgetFrom(m_pass.number);
     return false;
 }
 
-/// Reads the header of the next segment that is worth reading. Returns how many bytes of its samples came along; none
-/// if it has another size than expected.
+/// Reads the header of the next segment that is worth reading. Returns how many bytes of its samples were read with
+/// it; none if it has another size than expected.
 std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID) {
     std::size_t sampleBytes = 0;
     const CSegmentPlace* const place = Remembered();
     const bool mayPass = place != nullptr && !IsWanted(place->wellID);
-    if (mayPass && ReadHdrBehindRemembered(header, wellID, sampleBytes)) return sampleBytes;
+    if (mayPass && ReadHdrAfterRemembered(header, wellID, sampleBytes)) return sampleBytes;
     if (ReadHdr(header, sampleBytes)) return sampleBytes;
     throw CExcVXReader(m_pass.position < 0 ? kBadSegmentPosition : kBadSegmentHdr);
 }
 
-/// Moves on behind the segment whose header was just read.
-void CRawDataReader::PassBehind(const CSegmentHdr& header) {
+/// Moves the pass on to the segment after the one whose header was just read.
+void CRawDataReader::PassOver(const CSegmentHdr& header) {
     const CSegmentPlace place{m_pass.position, header.ID};
     if (m_chain != nullptr) m_chain->Confirm(m_pass.number, place, header.FPosNextSegmentHdr);
     if (m_selectedWell != kAllWells) {
@@ -279,7 +277,7 @@ bool CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     if (!IsCredible(position, size)) return false;
     m_segment.MakeRoomFor(size, m_layout->segment.size);
     read = m_file.ReadUpTo(position, m_segment.SampleBytes());
-    ZeroBehind(read, m_segment.SampleBytes());
+    ZeroAfter(read, m_segment.SampleBytes());
     return true;
 }
 

@@ -16,14 +16,14 @@
 
 namespace vxfileio::rawdata {
 
-/// Reads one raw data file after the other. What each operation does is told at `CIRawDataReader`.
+/// Reads one raw data file after the other. `CIRawDataReader` documents the operations.
 ///
-/// Headers live in memory from `Open` on, samples only for one segment. The file is taken at its word as little as
-/// possible: no size out of it reaches an allocation before it was held against the bytes that are there.
+/// Keeps all headers in memory from `Open` on, and the samples of one segment. Trusts the file as little as possible: a
+/// size is checked against the bytes that are there before anything is allocated.
 ///
-/// A pass for one well remembers where the segments of the recording stand, so that the next one reads only what it
+/// A pass for one well remembers the positions of the recording's segments, so that the next one reads only what it
 /// delivers. A pass over all wells reads every segment anyway and remembers nothing. After a failure, and in a chain
-/// that turns back, nothing is remembered: the next pass walks the file as it stands by then.
+/// that turns back, nothing is remembered: the next pass walks the file as it is by then.
 class CRawDataReader {
  public:
     CRawDataReader() = default;
@@ -31,15 +31,15 @@ class CRawDataReader {
     CRawDataReader& operator=(const CRawDataReader&) = delete;
 
     void Open(const std::string& path);
-    const CRawDataFileHdr* GetFileHdr() const { return &m_fileHdr; }
-    const CRawDataIndex* GetIndex() const { return &m_index; }
+    const CRawDataFileHdr* GetFileHdr() const noexcept { return &m_fileHdr; }
+    const CRawDataIndex* GetIndex() const noexcept { return &m_index; }
     std::vector<std::string> GetTasks() const;
     std::vector<std::int64_t> GetDoses(const std::string& taskName, std::int32_t wellID) const;
     std::vector<std::int32_t> GetWellIDs(const std::string& taskName) const;
     std::vector<std::int32_t> GetWellIDs(const std::string& taskName, std::int32_t recording) const;
     const CRawDataRecordingHdr* GetRecordingHdr(const std::string& taskName, std::int32_t recording) const;
 
-    void SelectWellID(std::int32_t wellID) { m_selectedWell = wellID; }
+    void SelectWellID(std::int32_t wellID) noexcept { m_selectedWell = wellID; }
     bool JumpToData(const std::string& taskName, std::int32_t recording);
     bool ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo, std::uint32_t& size,
                      std::uint16_t*& samples);
@@ -51,25 +51,27 @@ class CRawDataReader {
     /// How far a pass through the segments of a recording has come.
     struct CPass {
         std::int64_t position = kUnset;  ///< The next segment header.
-        std::size_t number = 0;          ///< Segments ahead of that one.
+        std::size_t number = 0;          ///< Segments before that one.
         CChainGuard guard;
     };
 
     void ReadFileHdr();
     std::int64_t NextRecordingHdr() const;
-    bool RereadNextRecordingHdr(CRecordingHdrReader& headers);
+    [[nodiscard]] bool RereadNextRecordingHdr(CRecordingHdrReader& headers);
 
-    bool FetchNext(CSegmentHdr& header, std::int32_t& wellID);
-    bool IsWanted(std::int32_t wellID) const { return m_selectedWell == kAllWells || m_selectedWell == wellID; }
+    [[nodiscard]] bool FetchNext(CSegmentHdr& header, std::int32_t& wellID);
+    bool IsWanted(std::int32_t wellID) const noexcept {
+        return m_selectedWell == kAllWells || m_selectedWell == wellID;
+    }
     const CSegmentPlace* Remembered() const { return m_chain == nullptr ? nullptr : m_chain->Find(m_pass.number); }
     CPass BeginningAt(std::int64_t position) const;
     void PassOverRemembered(std::int32_t& wellID);
     std::uint32_t ExpectedSize(const CSegmentPlace& place) const;
     bool MakeRoomForNext();
-    bool ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes);
-    bool ReadHdrBehindRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes);
+    [[nodiscard]] bool ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes);
+    [[nodiscard]] bool ReadHdrAfterRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes);
     std::size_t ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID);
-    void PassBehind(const CSegmentHdr& header);
+    void PassOver(const CSegmentHdr& header);
     [[nodiscard]] bool CompleteSamples(std::size_t read, std::uint32_t size);
     bool IsCredible(std::int64_t position, std::uint32_t size) const;
 

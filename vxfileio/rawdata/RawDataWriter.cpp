@@ -114,7 +114,7 @@ void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     Encode(*m_layout, header, m_hdrRoom);
     ReportCutTexts(m_layout->recording.cells, header);
     MakeRoomForRefusals();
-    // A recording before this one whose header never reached the file has no data there either: it is given up.
+    // A recording before this one whose header never reached the file has no data there either: it is dropped.
     m_refusedHdrs.resize(m_file.End() == 0 ? m_layout->file.size : 0);
     m_refusedHdrs += m_hdrRoom;
     m_stage = enStage::InRecording;
@@ -158,7 +158,7 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     }
 }
 
-void CRawDataWriter::Close() {
+void CRawDataWriter::Close() noexcept {
     if (m_stage == enStage::Closed) return;
     AppendRefusedHdrs();
     FinishRecording(kUnset);
@@ -206,7 +206,7 @@ void CRawDataWriter::ReportOnce(const std::string& sentence) {
     m_unreadable += (m_unreadable.empty() ? "" : "; ") + sentence;
 }
 
-/// A call has one rewrite, and `Close` behind it up to two.
+/// A call makes one rewrite, and the `Close` after it up to two.
 void CRawDataWriter::MakeRoomForRefusals() {
     constexpr std::size_t kMostRewrites = 3;
     const std::size_t size = m_refusedRewrites.size();
@@ -234,7 +234,7 @@ void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
     m_latestSegment = kUnset;
 }
 
-/// Gives the latest recording, if there is one, the position of its data and of what comes behind it.
+/// Writes the positions of the latest recording, if there is one: of its data, and of the next recording.
 void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     if (m_recordingHdr == kUnset) return;
     const auto& hdr = m_layout->recording;
@@ -289,8 +289,8 @@ bool CRawDataWriter::Repeat(const CRefusedRewrite& rewrite) {
 /// Writes cells over those at a position, so that a process killed at any moment leaves each position unset or final.
 ///
 /// The system copies each page by itself. Where a page boundary parts the digits of a number, those after it are
-/// written first: until the others follow, the cell still reads as -1, since a NUL follows the -1 ahead of the
-/// boundary. If the boundary is too close for that, the part ahead of it is first made to read as -1 whatever follows:
+/// written first: until the others follow, the cell still reads as -1, since a NUL follows the -1 before the
+/// boundary. If the boundary is too close for that, the part before it is first made to read as -1, whatever follows:
 /// readers find a cell by its offset and end a value at the next `=`. The other cells follow in file order, so that a
 /// recording gets its data before its successor. Recovery finds a key cut short at worst.
 bool CRawDataWriter::WriteCells(std::int64_t position, std::string_view bytes) {

@@ -12,16 +12,16 @@
 
 namespace vxfileio::rawdata {
 
-/// Writes one raw data file after the other. What each operation does is told at `CIRawDataWriter`.
+/// Writes one raw data file after the other. `CIRawDataWriter` documents the operations.
 ///
 /// Two rules keep the file sound whenever a write fails or the process dies. *Append first, then point*: a position is
-/// only written once the system has everything that it leads to. *What failed is tried again*: a header that the
-/// system refused goes ahead of the next segment, a refused rewrite is repeated with the next one; a refused segment
-/// leaves nothing behind. A recording whose header never reached the file is given up when the next one begins. The
-/// writer knows where the file ends and never asks.
+/// only written once the system has everything that it points to. *What failed is tried again*: a header that the
+/// system refused is written before the next segment, and a refused rewrite is repeated with the next one; a refused
+/// segment leaves no trace. A recording whose header never reached the file is dropped when the next one begins. The
+/// writer keeps track of the end of the file and never asks for it.
 ///
-/// What a refusal needs to be remembered is allocated before a call writes anything, so that want of memory leaves file
-/// and writer as they were, and `Close` needs none.
+/// Memory for remembering a refusal is allocated before a call writes anything. So `std::bad_alloc` leaves file and
+/// writer unchanged, and `Close` allocates nothing.
 class CRawDataWriter {
  public:
     CRawDataWriter() = default;
@@ -35,8 +35,8 @@ class CRawDataWriter {
     void WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
                    const std::uint16_t* samples);
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
-    void Close();
-    std::string GetWriteError() const;
+    void Close() noexcept;
+    [[nodiscard]] std::string GetWriteError() const;
 
  private:
     /// How far the calls for the open file have come.
@@ -76,7 +76,7 @@ class CRawDataWriter {
     std::string m_unreadable;                        ///< Sentences about values that readers can't use.
 
     const CLayout* m_layout = &Layouts().back();  ///< That of the file, once its header is written; never null.
-    /// The cell of the layout that leads to the next segment; rewritten for each segment.
+    /// The cell of the layout that points to the next segment; rewritten for each segment.
     const CSegmentCell* m_nextSegmentCell = &m_layout->segment["FPosNextSegmentHdr"];
 
     std::int64_t m_recordingHdr = kUnset;   ///< Latest recording header in the file.

@@ -13,7 +13,7 @@ namespace {
 /// What is read at once where headers lie close together.
 constexpr std::size_t kBlock = std::size_t{32} << 10;
 
-/// How far apart two headers may begin for the ones behind to be read along. At this distance copying what lies between
+/// How far apart two headers may begin for the later ones to be read along. At this distance, copying what lies between
 /// them costs about as much as the calls that are saved.
 constexpr std::int64_t kNear = std::int64_t{8} << 10;
 
@@ -45,14 +45,14 @@ bool CRecordingHdrReader::ReadOnce(std::int64_t position, CRawDataRecordingHdr& 
     return TakeChannels(bytes, header);
 }
 
-/// Returns the bytes of the header at the position, zeros behind the end of the file; none if its first cell isn't
+/// Returns the bytes of the header at the position, with zeros beyond the end of the file; none if its first cell isn't
 /// whole. They live until the next call.
 std::string_view CRecordingHdrReader::HdrAt(std::int64_t position) {
     // Of two positions that may be any numbers, only those of the same sign have a difference.
     const bool near = m_lastPosition >= 0 && position > m_lastPosition && position - m_lastPosition <= kNear;
     m_lastPosition = position;
-    // Only forwards: our writers point at a header that lies ahead once it is whole, so that bytes read behind the
-    // position are as new as the position itself.
+    // Only forwards: a writer points to a later header once that is whole, so bytes read after the position are
+    // as new as the position itself.
     const auto place = near ? static_cast<std::size_t>(position - m_blockPosition) : 0;
     if (near && place + m_hdrSize <= m_blockSize) return {m_block.data() + place, m_hdrSize};
     m_block.resize(std::max(near ? kBlock : m_hdrSize, m_block.size()));
@@ -80,8 +80,8 @@ bool CRecordingHdrReader::TakeChannels(std::string_view hdr, CRawDataRecordingHd
     return true;
 }
 
-/// Tells whether the positions are such as a writer leaves behind: none, or the data right behind the header and the
-/// next header behind that.
+/// Returns whether the positions are as a writer leaves them: unset, or the data directly after the header and the next
+/// header after that.
 bool CRecordingHdrReader::LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const {
     const auto size = static_cast<std::int64_t>(m_hdrSize);
     const std::int64_t next = header.FPosNextRecordingHdr;

@@ -19,7 +19,7 @@ class CRecordingHdrReader {
     CRecordingHdrReader(const helpers::CFile& file, const CLayout& layout)
         : m_file(file), m_layout(layout), m_hdrSize(layout.recording.size) {}
 
-    /// Reads a header whose positions can be believed. Returns false if no whole header stands at the position.
+    /// Reads a header whose positions can be believed. Returns false if there is no whole header at the position.
     ///
     /// A writer at work rewrites positions in place, and what is read in that moment may be half old, half new:
     /// positions that no writer of ours leaves are read again until they stay.
@@ -42,7 +42,7 @@ class CRecordingHdrReader {
     std::size_t m_hdrSize;
 
     std::vector<char> m_block;              ///< What one call read, beginning with a header.
-    std::int64_t m_blockPosition = kUnset;  ///< Where that stands in the file.
+    std::int64_t m_blockPosition = kUnset;  ///< Its offset in the file.
     std::size_t m_blockSize = 0;            ///< How much of it came.
     std::int64_t m_lastPosition = kUnset;   ///< The header that was asked for last.
 

@@ -8,7 +8,7 @@
 
 namespace vxfileio::rawdata {
 
-/// Where a segment stands, and whose it was when its header was last read.
+/// The position of a segment, and its well when its header was last read.
 struct CSegmentPlace {
     std::int64_t position = kUnset;
     std::int32_t wellID = 0;
@@ -19,9 +19,8 @@ static_assert(sizeof(CSegmentPlace) == 16, "what a segment may cost in memory");
 
 /// The first segments of one recording in the order of their chain, as far as they were walked.
 ///
-/// It only ever saves reading what nobody asked for: what is delivered comes from the file, which is believed where it
-/// says something else by now. Where the chain goes on behind the last place isn't remembered, not even that it ends: a
-/// writer may have appended.
+/// It only saves reading segments that aren't wanted: what is delivered comes from the file, even if that has changed.
+/// What follows the last place isn't remembered, not even that the chain ends: a writer may have appended.
 class CSegmentChain {
  public:
     /// Returns the segment with this number, or null if it isn't remembered. It lives until the next change.
@@ -30,7 +29,8 @@ class CSegmentChain {
     }
 
     /// Takes note of a header that was read as that of the segment with this number: if it contradicts what is
-    /// remembered of it or of its successor, that is forgotten with all behind it. `next` is where its chain goes on.
+    /// remembered of it or of its successor, that is forgotten with everything after it. `next` is the next position in
+    /// its chain.
     /// A chain that turns back is forgotten whole: it may be a circle, and once that is mended in the file, nothing
     /// of it may be left.
     void Confirm(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
@@ -42,7 +42,7 @@ class CSegmentChain {
         if (*remembered != place) ForgetFrom(number);
     }
 
-    /// Remembers the segment with this number if all ahead of it are remembered, too. `next` is as for `Confirm`.
+    /// Remembers the segment with this number if all before it are remembered, too. `next` is as for `Confirm`.
     void Remember(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
         if (number != m_count || !LeadsOn(place, next)) return;
         if (m_blocks.size() * kBlockSize == m_count) m_blocks.emplace_back().reserve(kBlockSize);
@@ -50,7 +50,7 @@ class CSegmentChain {
         ++m_count;
     }
 
-    /// Forgets the segment with this number and all behind it.
+    /// Forgets the segment with this number and all after it.
     void ForgetFrom(std::size_t number) {
         if (number >= m_count) return;
         m_blocks.resize(number / kBlockSize + 1);
@@ -59,7 +59,7 @@ class CSegmentChain {
     }
 
  private:
-    /// Writers append, so that each segment of theirs leads further on, or nowhere.
+    /// Writers append, so each segment of theirs points further on, or nowhere.
     static bool LeadsOn(const CSegmentPlace& place, std::int64_t next) {
         return next == kUnset || next > place.position;
     }

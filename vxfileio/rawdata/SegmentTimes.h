@@ -10,7 +10,7 @@
 /// How the times, the sample interval and the size of a segment depend on one another. A segment has one sample at its
 /// first time and one more for each whole interval up to its last time: (TimeTo - TimeFrom) / interval + 1.
 ///
-/// Nothing here overflows, whatever numbers a damaged file has.
+/// Nothing here overflows, even with the numbers of a damaged file.
 
 namespace vxfileio::rawdata {
 
@@ -40,7 +40,7 @@ constexpr std::optional<std::uint64_t> SampleCount(std::int64_t from, std::int64
     return static_cast<std::uint64_t>(*span / tick) + 1;
 }
 
-/// Tells whether `Size` is the number of samples that the times of a segment make at this interval.
+/// Returns whether `Size` is the number of samples that the times of a segment make at this interval.
 constexpr bool GoesWith(const CSegmentHdr& header, std::int64_t tick) noexcept {
     const auto count = SampleCount(header.TimeFrom, header.TimeTo, tick);
     return count && header.Size > 0 && *count == static_cast<std::uint64_t>(header.Size);
@@ -55,7 +55,8 @@ struct CTickRange {
     constexpr bool Has(std::int64_t tick) const noexcept { return tick >= atLeast && tick <= atMost; }
 };
 
-/// Returns all intervals at which these times make so many samples. The range has no upper end for a single sample.
+/// Returns all intervals at which these times make this number of samples. The range has no upper end for a single
+/// sample.
 constexpr CTickRange TicksOf(std::int64_t from, std::int64_t to, std::int64_t samples) noexcept {
     constexpr CTickRange kNone{.atLeast = 1, .atMost = 0};
     const auto span = SpanOf(from, to);
@@ -64,13 +65,13 @@ constexpr CTickRange TicksOf(std::int64_t from, std::int64_t to, std::int64_t sa
     return *span == std::numeric_limits<std::int64_t>::max() ? kNone : CTickRange{.atLeast = *span + 1};
 }
 
-/// Tells whether there is any interval at which the times of a segment make as many samples as `Size`.
+/// Returns whether there is any interval at which the times of a segment make as many samples as `Size`.
 constexpr bool IsConsistent(const CSegmentHdr& header) noexcept {
     return !TicksOf(header.TimeFrom, header.TimeTo, header.Size).IsEmpty();
 }
 
-/// Returns the time so many intervals after another, or before it if `intervals` is negative. Nothing if that is beyond
-/// 64 bits, or if the interval isn't above 0.
+/// Returns the time that is a number of intervals after another, or before it if `intervals` is negative. Nothing if
+/// that is beyond 64 bits, or if the interval isn't above 0.
 constexpr std::optional<std::int64_t> TimeAfter(std::int64_t time, std::int64_t intervals, std::int64_t tick) noexcept {
     using CLimits = std::numeric_limits<std::int64_t>;
     if (intervals == 0) return time;

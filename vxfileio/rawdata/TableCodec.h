@@ -24,7 +24,7 @@
 /// Makes layouts from tables of cells, with the code that encodes and decodes their headers.
 ///
 /// Offsets, widths and keys are template arguments, because the header of a segment is encoded or decoded for every
-/// system call or two. Only whoever defines `Layouts` includes this.
+/// system call or two. Included only where `Layouts` is defined.
 
 namespace vxfileio::rawdata {
 
@@ -33,7 +33,7 @@ void RefuseUnlessFitting(const CCellWriter& writer, std::string_view key);
 
 // ---- The cells of one version ---------------------------------------------------------------------------------------
 
-/// Tells whether files of a version have a cell.
+/// Returns whether files of a version have a cell.
 template <std::int32_t Version>
 struct CIsIn {
     constexpr bool operator()(const auto& row) const { return row.traits.since <= Version; }
@@ -177,7 +177,7 @@ void Take(const CCellBytes<Cell>& cell, std::string& value) {
 template <class Cell>
 std::string_view NumberText(std::string_view cell) {
     constexpr std::size_t kStart = Cell::kKey.size() + 1;
-    // Blanks ahead of the number could hide a separator that ends the value before its first digit.
+    // Blanks before the number could hide a separator that ends the value before its first digit.
     const auto startsNumber = [](char c) { return c == '-' || (c >= '0' && c <= '9'); };
     const bool isPlain = cell.size() == Cell::kWidth &&
                          std::memcmp(cell.data(), Cell::kKey.data(), Cell::kKey.size()) == 0 &&
@@ -299,7 +299,7 @@ bool DecodeFront(std::string_view bytes, CSegmentHdr& header) {
 
 // ---- Layouts --------------------------------------------------------------------------------------------------------
 
-/// Tells whether a file's version can be found before it is known: all ahead of it is the same in every version.
+/// Returns whether a file's version can be found before it is known: everything before it is the same in every version.
 consteval bool HaveSameBeginning(const CHdrLayout<CFileCell>& file, const CHdrLayout<CFileCell>& oldest) {
     for (std::size_t row = 0; file.cells[row].key != "FileVersion"; ++row) {
         if (file.cells[row].key != oldest.cells[row].key || file.cells[row].width != oldest.cells[row].width)
@@ -308,13 +308,13 @@ consteval bool HaveSameBeginning(const CHdrLayout<CFileCell>& file, const CHdrLa
     return file["FileVersion"].offset == oldest["FileVersion"].offset;
 }
 
-/// Tells whether the cells that finishing a recording rewrites lie together, so that one write does it.
+/// Returns whether the cells that finishing a recording rewrites lie together, so that one write does it.
 consteval bool LieTogether(const CHdrLayout<CRecordingCell>& recording) {
     return recording["FPosRecordingData"].End() == recording["FPosRecordingTrailer"].offset &&
            recording["FPosRecordingTrailer"].End() == recording["FPosNextRecordingHdr"].offset;
 }
 
-/// Tells whether every key that code asks for by name is there, and a number read from it: a missing one doesn't
+/// Returns whether every key that code asks for by name is there, and a number read from it: a missing one doesn't
 /// compile.
 consteval bool HasNamedCells(const CLayout& layout) {
     for (const char* key : {"FPosFirstRecordingHdr", "FileVersion", "PreQC", "CompoundTest", "PostQC"})
@@ -380,12 +380,12 @@ consteval CLayout MakeCheckedLayout() {
     static_assert(LieTogether(kLayout.recording), "the positions of a recording must lie together");
     static_assert(kLayout.recording["FPosNextRecordingHdr"].End() - kLayout.recording["FPosRecordingData"].offset <=
                   kMostRewritten);
-    static_assert(kLayout.segment.size % sizeof(std::uint16_t) == 0, "samples must be aligned behind their header");
+    static_assert(kLayout.segment.size % sizeof(std::uint16_t) == 0, "samples must be aligned after their header");
     static_assert(kLayout.segment.size <= kMostSegmentHdr);
     return kLayout;
 }
 
-/// Tells whether no row is of a version that `versions` doesn't list.
+/// Returns whether no row is of a version that `versions` doesn't list.
 consteval bool AreAllListed(const auto& rows, const auto& versions) {
     return std::all_of(rows.begin(), rows.end(),
                        [&](const auto& row) { return row.traits.since <= versions.back().number; });
