@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "vxfileio/base/ExcVXReader.h"
-#include "vxfileio/export/Document.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/helpers/Path.h"
 #include "vxfileio/settings/WellIndex.h"

@@ -1,6 +1,6 @@
 #include "vxfileio/frame/IResultsReader.h"
 
-#include "vxfileio/results/ResultsReader.h"
+#include "vxfileio/results/ResultsFile.h"
 
 using vxfileio::results::CResultsReader;
 

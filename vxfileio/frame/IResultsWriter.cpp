@@ -1,6 +1,6 @@
 #include "vxfileio/frame/IResultsWriter.h"
 
-#include "vxfileio/results/ResultsWriter.h"
+#include "vxfileio/results/ResultsFile.h"
 
 using vxfileio::results::CResultsWriter;
 

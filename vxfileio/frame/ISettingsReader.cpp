@@ -1,6 +1,6 @@
 #include "vxfileio/frame/ISettingsReader.h"
 
-#include "vxfileio/settings/SettingsReader.h"
+#include "vxfileio/settings/SettingsFile.h"
 
 using vxfileio::settings::CSettingsReader;
 

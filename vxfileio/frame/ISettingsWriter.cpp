@@ -1,6 +1,6 @@
 #include "vxfileio/frame/ISettingsWriter.h"
 
-#include "vxfileio/settings/SettingsWriter.h"
+#include "vxfileio/settings/SettingsFile.h"
 
 using vxfileio::settings::CSettingsWriter;
 

@@ -1,7 +1,5 @@
 #include "vxfileio/helpers/File.h"
 
-#include <utility>
-
 namespace vxfileio::helpers {
 
 std::string CFileFailure::Text(const std::string& path) const {

@@ -1,7 +1,6 @@
 #include "vxfileio/helpers/NumberText.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <limits>

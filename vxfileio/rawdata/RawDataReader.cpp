@@ -4,7 +4,6 @@
 #include <new>
 #include <set>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 

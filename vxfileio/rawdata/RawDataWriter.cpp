@@ -1,7 +1,6 @@
 #include "vxfileio/rawdata/RawDataWriter.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <optional>
 #include <span>

@@ -1,13 +1,34 @@
 #pragma once
 
-#include <string_view>
+#include <string>
 
-/// @file
-/// What results files have beside their elements, which are in `forms/ResultsForm.h`.
+#include "vxfileio/results/Results.h"
+#include "vxfileio/settings/XmlFileHeader.h"
 
 namespace vxfileio::results {
 
-inline constexpr std::string_view kResultsFileType = "VXResults";
-inline constexpr std::string_view kResultsOpenFailed = "Could not open results file: ";
+/// The implementation of `CIResultsReader`, which documents the operations.
+class CResultsReader {
+ public:
+    void ReadFile(const std::string& path);
+    const CResults* GetResults() const noexcept { return &m_results; }
+    const CXmlFileHeader* GetXmlFileHeader() const noexcept { return &m_header; }
+
+ private:
+    CXmlFileHeader m_header;
+    CResults m_results;
+};
+
+/// The implementation of `CIResultsWriter`, which documents the operations.
+class CResultsWriter {
+ public:
+    void SetXmlFileHeader(const CXmlFileHeader& header);
+    void WriteFile(const std::string& path, const CResults& results);
+    const std::string& GetWriteError() const { return m_writeError; }
+
+ private:
+    CXmlFileHeader m_header;
+    std::string m_writeError;
+};
 
 }  // namespace vxfileio::results

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/base/VXExceptions.h"

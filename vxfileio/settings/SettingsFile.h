@@ -1,22 +1,36 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <string_view>
+#include <string>
 
-/// @file
-/// What settings files have beside their elements, which are in `forms/SettingsForm.h`.
+#include "vxfileio/settings/Settings.h"
 
 namespace vxfileio::settings {
 
-inline constexpr std::string_view kSettingsFileType = "VXSettings";
-inline constexpr std::string_view kSettingsOpenFailed = "Could not open settings file: ";
+/// The implementation of `CISettingsReader`, which documents the operations.
+class CSettingsReader {
+ public:
+    void ReadFile(const std::string& path);
+    const CSettings& Get() const noexcept { return m_settings; }
 
-/// The first version whose files hold the analyzer's marks; from older ones they are made up.
-inline constexpr std::int32_t kFirstVersionWithMarks = 3;
+ private:
+    void MakeMarks();
 
-/// The most marks that are made up. No plate has so many wells and doses, and a file that claims them would otherwise
-/// take memory as the product of two lists.
-inline constexpr std::size_t kMostMadeMarks = 100'000;
+    CSettings m_settings;
+};
+
+/// The implementation of `CISettingsWriter`, which documents the operations.
+class CSettingsWriter {
+ public:
+    /// The content of the files to be written.
+    CSettings& Content() noexcept { return m_settings; }
+    void SetXmlFileHeader(const CXmlFileHeader& header);
+    void WriteFile(const std::string& path, std::int32_t compound);
+    const std::string& GetWriteError() const noexcept { return m_writeError; }
+
+ private:
+    CSettings m_settings;
+    std::string m_writeError;
+};
 
 }  // namespace vxfileio::settings

@@ -1,6 +1,5 @@
 #include "vxfileio/xmlarchive/XmlInput.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace gd_xml_stream {

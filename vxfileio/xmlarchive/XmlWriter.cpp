@@ -1,6 +1,5 @@
 #include "vxfileio/xmlarchive/XmlWriter.h"
 
-#include <algorithm>
 #include <array>
 
 #include "vxfileio/helpers/NumberText.h"

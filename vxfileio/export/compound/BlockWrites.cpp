@@ -1,7 +1,6 @@
 #include "vxfileio/export/compound/BlockWrites.h"
 
 #include <algorithm>
-#include <span>
 
 namespace vxfileio::compound {
 

@@ -1,14 +1,7 @@
 #pragma once
 
-#include "vxfileio/settings/PropControl.h"
-#include "vxfileio/settings/PropNotebook.h"
-#include "vxfileio/settings/PropQualityCheck.h"
-#include "vxfileio/settings/PropRecording.h"
 #include "vxfileio/settings/PropResultsExport.h"
-#include "vxfileio/settings/PropRobot.h"
-#include "vxfileio/settings/PropViability.h"
-#include "vxfileio/settings/PropWashIn.h"
-#include "vxfileio/settings/XmlFileHeader.h"
+#include "vxfileio/settings/Settings.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
 /// @file

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "vxfileio/settings/Settings.h"
 #include "vxfileio/settings/forms/AnalyzerForm.h"
 #include "vxfileio/settings/forms/PropertyForms.h"
 #include "vxfileio/settings/forms/RecordPlateForm.h"

@@ -1,12 +1,24 @@
-#include "vxfileio/settings/SettingsWriter.h"
-
 #include "vxfileio/settings/SettingsFile.h"
+
+#include <algorithm>
+#include <vector>
+
 #include "vxfileio/settings/forms/SettingsForm.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 
 namespace vxfileio::settings {
 
 namespace {
+
+constexpr std::string_view kSettingsFileType = "VXSettings";
+constexpr std::string_view kSettingsOpenFailed = "Could not open settings file: ";
+
+/// The first version whose files hold the analyzer's marks; from older ones they are made up.
+constexpr std::int32_t kFirstVersionWithMarks = 3;
+
+/// The most marks that are made up. No plate has so many wells and doses, and a file that claims them would otherwise
+/// take memory as the product of two lists.
+constexpr std::size_t kMostMadeMarks = 100'000;
 
 /// The compound of a file, and the wells that it has marks of.
 struct CChoice {
@@ -28,6 +40,25 @@ void SaveSection(CXmlFileArchive& archive, Section& section, const CChoice& choi
 }
 
 }  // namespace
+
+void CSettingsReader::ReadFile(const std::string& path) {
+    ReadDocument(path, kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
+        m_settings.Header.Load(archive);
+        ForEachEventUntil(archive, CSettingsForm::kElement, [&] {
+            if (GetField(archive, CSettingsForm::kFields, m_settings)) return;
+            if (IsStartOf(archive, CXmlForm<CPropRecording>::kOlderElement)) m_settings.Recording.Load(archive);
+        });
+    });
+    if (m_settings.Header.FileVersion < kFirstVersionWithMarks) MakeMarks();
+}
+
+/// Makes up the marks that older files don't have: default ones for each dose that has a text and each active well.
+void CSettingsReader::MakeMarks() {
+    const std::vector<std::int32_t> wells = m_settings.RecordPlate.GetActiveWellIDs();
+    const std::size_t room = kMostMadeMarks / std::max<std::size_t>(wells.size(), 1);
+    const std::size_t recordings = std::min(m_settings.RecordPlate.GetSeriesLabels().size(), room);
+    m_settings.Analyzer.InitTask(enTask::Series, static_cast<std::int32_t>(recordings), wells);
+}
 
 void CSettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_settings.Header = header;
