@@ -149,8 +149,7 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
 
 TEST_F(Samples, InUnitsAreRefusedWithoutTheZeroOfTheirWell) {
     const std::string bytes = WithCell(FileOf({{{12, 0, {10}}}}), "ADZeros", "8");
-    EXPECT_NE(Written(bytes, {}, {.units = true}).find("doesn't tell UnitsPerAD and ADZero of well 12"),
-              std::string::npos);
+    EXPECT_NE(Written(bytes, {}, {.units = true}).find("lacks UnitsPerAD or ADZero of well 12"), std::string::npos);
 }
 
 TEST(FileWindow, HasWhatIsAskedForAcrossTheEndOfWhatWasRead) {
