@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "recovery/Times.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::recovery {
 
@@ -420,7 +420,7 @@ class CFollower {
             const CCandidate segment = BestAt(m_window, EKind::Segment, position);
             const std::int64_t end = segment.end + 2 * segment.size;
             const bool isGood = segment.IsWhole() && end <= m_window.Size() && HasRoom() &&
-                                !IntervalsOf(segment.from, segment.to, segment.size).None();
+                                !TicksOf(segment.from, segment.to, segment.size).IsEmpty();
             if (!isGood)
                 return position == recording.next &&
                        (position == m_window.Size() || BestAt(m_window, EKind::Recording, position).IsWhole());

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <type_traits>
 
-#include "recovery/Times.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::recovery {
 
@@ -96,7 +96,7 @@ bool MostIsWhole(const CCandidate& candidate) { return candidate.whole >= candid
 
 /// Tells whether segments of a candidate's times and size exist.
 bool IsConsistent(const CCandidate& candidate) {
-    return !IntervalsOf(candidate.from, candidate.to, candidate.size).None();
+    return !TicksOf(candidate.from, candidate.to, candidate.size).IsEmpty();
 }
 
 /// The search, one `=` after the other: all numbers have one, so each header that isn't lost altogether is found.

@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "recovery/Times.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::recovery {
 
@@ -44,6 +44,13 @@ int GapCost(std::int64_t bytes) {
 bool IsRecordingHdrSize(std::int64_t bytes) {
     return std::ranges::any_of(
         Layouts(), [&](const CLayout& layout) { return bytes == static_cast<std::int64_t>(layout.recording.size); });
+}
+
+/// Returns the number of samples that these times make, or nothing if no segment has it.
+std::optional<std::int64_t> SamplesBetween(std::int64_t from, std::int64_t to, std::int64_t tick) {
+    const auto count = SampleCount(from, to, tick);
+    if (!count || *count > std::uint64_t{kMostSamples}) return std::nullopt;
+    return static_cast<std::int64_t>(*count);
 }
 
 class CExplainer {
@@ -247,12 +254,12 @@ class CExplainer {
         const auto lost = std::ranges::count(isLost, true);
         // Where bytes were taken out of a header, a cell next to the place may be a mixture of two.
         if (lost > (segment.moved == 0 ? 1 : 0) || (segment.noID && segment.damaged > 1 && !knowsWells)) return {};
-        const auto samples = SamplesOf(segment.from, segment.to, tick);
+        const auto samples = SamplesBetween(segment.from, segment.to, tick);
         if (segment.noSize) {
             if (samples) return {{*samples, EMade::Size}};
             const std::int64_t room = IsPosition(segment.next) ? (segment.next - shift - segment.end) / 2 : 0;
             const bool fits =
-                tick == 0 && room > 0 && room <= kMostSamples && !IntervalsOf(segment.from, segment.to, room).None();
+                tick == 0 && room > 0 && room <= kMostSamples && !TicksOf(segment.from, segment.to, room).IsEmpty();
             return fits ? std::vector<CReading>{{room, EMade::Size}} : std::vector<CReading>{};
         }
         if (segment.noFrom)
@@ -261,8 +268,8 @@ class CExplainer {
         if (segment.noTo)
             return TimeAfter(segment.from, segment.size - 1, tick) ? std::vector<CReading>{{segment.size, EMade::To}}
                                                                    : std::vector<CReading>{};
-        const CIntervals intervals = IntervalsOf(segment.from, segment.to, segment.size);
-        if (tick > 0 ? intervals.Has(tick) : !intervals.None()) return {{segment.size, EMade::None}};
+        const CTickRange intervals = TicksOf(segment.from, segment.to, segment.size);
+        if (tick > 0 ? intervals.Has(tick) : !intervals.IsEmpty()) return {{segment.size, EMade::None}};
         std::vector<CReading> readings = {{segment.size, EMade::Either}};
         if (samples) readings.push_back({*samples, EMade::Size});
         return readings;
@@ -322,7 +329,7 @@ class CExplainer {
         const CWellList* const channels = WellListOf(parent.recording);
         if (channels != nullptr && channels->knowsWells && !channels->Lists(segment.well)) return false;
         const std::int64_t tick = TickOf(parent.recording, segment);
-        if (tick > 0 && !IntervalsOf(segment.from, segment.to, segment.size).Has(tick)) return false;
+        if (tick > 0 && !TicksOf(segment.from, segment.to, segment.size).Has(tick)) return false;
         constexpr int kMostSteps = 256;
         const CNode* node = &parent;
         for (int i = 0; i < kMostSteps && node->parent != kNone && IsOf(*node, EKind::Segment); ++i) {
@@ -347,7 +354,7 @@ class CExplainer {
             if (tick > 0) return tick;
         }
         const auto learned = m_learned.find({recording, segment.well});
-        if (learned == m_learned.end() || learned->second.None() || learned->second.IsOpen()) return 0;
+        if (learned == m_learned.end() || learned->second.IsEmpty() || learned->second.IsOpen()) return 0;
         return learned->second.atMost;
     }
 
@@ -357,8 +364,8 @@ class CExplainer {
         if (segment.kind != EKind::Segment || !segment.IsWhole() || node.piece.made != EMade::None) return;
         const CWellList* const channels = WellListOf(node.recording);
         if (channels != nullptr && channels->TickOf(segment.well) > 0) return;
-        CIntervals& learned = m_learned[{node.recording, segment.well}];
-        const CIntervals own = IntervalsOf(segment.from, segment.to, segment.size);
+        CTickRange& learned = m_learned[{node.recording, segment.well}];
+        const CTickRange own = TicksOf(segment.from, segment.to, segment.size);
         learned.atLeast = std::max(learned.atLeast, own.atLeast);
         learned.atMost = std::min(learned.atMost, own.atMost);
     }
@@ -403,7 +410,7 @@ class CExplainer {
     std::array<std::int32_t, 4> m_recordings = {};  ///< The latest nodes of recordings; 0 for none.
     std::size_t m_nextRecording = 0;
     std::int32_t m_whole = 0;
-    std::map<std::pair<std::int32_t, std::int32_t>, CIntervals> m_learned;
+    std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> m_learned;
 };
 
 /// Returns how far a candidate's own position points beside what it means, if it has one.

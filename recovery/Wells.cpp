@@ -8,9 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "recovery/Times.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::recovery {
+
+using namespace rawdata;
 
 namespace {
 
@@ -22,19 +24,17 @@ using CGroup = std::vector<CFoundSegment*>;
 
 /// Intervals, and how many segments go with each of them.
 struct CShared {
-    CIntervals intervals;
+    CTickRange intervals;
     std::size_t segments = 0;
 };
 
-CIntervals IntervalsOf(const CFoundSegment& segment) {
-    return recovery::IntervalsOf(segment.from, segment.to, segment.samples);
-}
+CTickRange TicksOf(const CFoundSegment& segment) { return rawdata::TicksOf(segment.from, segment.to, segment.samples); }
 
 /// Returns the intervals that most segments go with, of those that can be read.
 CShared MostShared(const CGroup& group) {
     std::vector<std::pair<std::int64_t, int>> ends;  // where ranges begin, or are over
     for (const auto* segment : group) {
-        const CIntervals range = IntervalsOf(*segment);
+        const CTickRange range = TicksOf(*segment);
         if (range.atLeast > std::min(range.atMost, kMostReadable)) continue;
         ends.emplace_back(range.atLeast, 1);
         if (!range.IsOpen()) ends.emplace_back(range.atMost + 1, -1);
@@ -144,7 +144,7 @@ void CRecordingWells::Group() {
     m_isTrusted = MostGoWithTheHeader();
     for (auto& [well, group] : m_groups) {
         const CWellInterval interval = Elect(well, group);
-        const auto goes = [&](const CFoundSegment* segment) { return IntervalsOf(*segment).Has(interval.ticks); };
+        const auto goes = [&](const CFoundSegment* segment) { return TicksOf(*segment).Has(interval.ticks); };
         const auto misfits = std::stable_partition(group.begin(), group.end(), goes);
         m_misfits.insert(m_misfits.end(), misfits, group.end());
         group.erase(misfits, group.end());
@@ -161,7 +161,7 @@ std::int64_t CRecordingWells::Listed(std::int32_t well) const {
 
 /// Tells whether at least half of the segments go with the header's intervals: otherwise it is another recording's.
 bool CRecordingWells::MostGoWithTheHeader() const {
-    const auto goes = [&](const CFoundSegment& segment) { return IntervalsOf(segment).Has(Listed(segment.wellID)); };
+    const auto goes = [&](const CFoundSegment& segment) { return TicksOf(segment).Has(Listed(segment.wellID)); };
     return 2 * std::ranges::count_if(m_segments, goes) >= std::ssize(m_segments);
 }
 
@@ -170,7 +170,7 @@ bool CRecordingWells::MostGoWithTheHeader() const {
 /// could have any larger one.
 CWellInterval CRecordingWells::Elect(std::int32_t well, const CGroup& group) const {
     const std::int64_t told = Listed(well);
-    const auto goes = [&](const auto* segment) { return IntervalsOf(*segment).Has(told); };
+    const auto goes = [&](const auto* segment) { return TicksOf(*segment).Has(told); };
     const auto going = static_cast<std::size_t>(told > 0 ? std::ranges::count_if(group, goes) : 0);
     if (going == group.size()) return {told, true};
     const CShared best = MostShared(group);
@@ -207,7 +207,7 @@ std::pair<const CFoundSegment*, const CFoundSegment*> CRecordingWells::Neighbour
 /// samples right before or right after them, too.
 bool CRecordingWells::Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const {
     const std::int64_t tick = TickOf(well);
-    if (tick <= 0 || !IntervalsOf(segment).Has(tick)) return false;
+    if (tick <= 0 || !TicksOf(segment).Has(tick)) return false;
     const auto [before, next] = NeighboursOf(well, segment.from);
     if ((next != nullptr && ShareTimes(*next, segment)) || (before != nullptr && ShareTimes(*before, segment)))
         return false;

@@ -6,16 +6,17 @@
 
 #include "recovery/Explanation.h"
 #include "recovery/Recover.h"
-#include "recovery/Times.h"
 #include "recovery/Wells.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/recovery/StringInput.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 /// @file
 /// The parts of recovery, on bytes in memory.
 
 namespace {
 
+using namespace vxfileio::rawdata;
 using namespace vxfileio::recovery;
 
 const CReach kNoReach = [](std::int64_t) {};
@@ -133,18 +134,18 @@ TEST(TimesTest, NoStepLeavesTheRange) {
     constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
     constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
     EXPECT_EQ(SpanOf(kLeast, kMost), std::nullopt);
-    EXPECT_EQ(SpanOf(0, kMost), std::nullopt);
+    EXPECT_EQ(SpanOf(0, kMost), kMost);
     EXPECT_EQ(SpanOf(5, 4), std::nullopt);
-    EXPECT_EQ(SamplesOf(0, 300, 100), 4);
-    EXPECT_EQ(SamplesOf(0, 399, 100), 4);
-    EXPECT_EQ(SamplesOf(0, kMost - 1, 1), std::nullopt);
+    EXPECT_EQ(SampleCount(0, 300, 100), 4U);
+    EXPECT_EQ(SampleCount(0, 399, 100), 4U);
+    EXPECT_EQ(SampleCount(0, kMost, 1), std::uint64_t{1} << 63);
     EXPECT_EQ(TimeAfter(kMost - 1, 2, 1), std::nullopt);
     EXPECT_EQ(TimeAfter(kLeast + 1, -2, 1), std::nullopt);
     EXPECT_EQ(TimeAfter(100, -1, 100), 0);
-    EXPECT_EQ(IntervalsOf(0, 399, 4).atLeast, 100);
-    EXPECT_EQ(IntervalsOf(0, 399, 4).atMost, 133);
-    EXPECT_TRUE(IntervalsOf(0, 2, 4).None());
-    EXPECT_TRUE(IntervalsOf(0, 0, 1).IsOpen());
+    EXPECT_EQ(TicksOf(0, 399, 4).atLeast, 100);
+    EXPECT_EQ(TicksOf(0, 399, 4).atMost, 133);
+    EXPECT_TRUE(TicksOf(0, 2, 4).IsEmpty());
+    EXPECT_TRUE(TicksOf(0, 0, 1).IsOpen());
 }
 
 CFoundSegment Segment(std::int32_t well, std::int64_t from, std::int64_t to, std::uint32_t samples) {

@@ -52,6 +52,7 @@ struct CTickRange {
     std::int64_t atMost = std::numeric_limits<std::int64_t>::max();
 
     constexpr bool IsEmpty() const noexcept { return atLeast > atMost; }
+    constexpr bool IsOpen() const noexcept { return atMost == std::numeric_limits<std::int64_t>::max(); }
     constexpr bool Has(std::int64_t tick) const noexcept { return tick >= atLeast && tick <= atMost; }
 };
 
