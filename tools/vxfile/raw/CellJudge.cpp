@@ -182,7 +182,7 @@ bool IsExactSegmentHdr(const CLayout& layout, std::string_view bytes) {
     if (bytes.size() != layout.segment.size) return false;
     CSegmentHdr header;
     Decode(layout, bytes, header);
-    std::array<char, kMostSegmentHdr> room;
+    std::array<char, kMostSegmentHdr> room{};
     const auto exact = std::span(room).first(layout.segment.size);
     Encode(layout, header, exact);  // no number is too long for its cell
     return std::equal(bytes.begin(), bytes.end(), exact.begin());
