@@ -78,7 +78,7 @@ void KeepCells(const auto& layout, const std::string& from, const CRows& made, s
 
 void SetPosition(const auto& layout, std::string_view key, std::int64_t position, std::string& header) {
     const auto& cell = layout[key];
-    EncodeCell(key, position, std::span(header).subspan(cell.offset, cell.width));
+    EncodePosition(key, position, std::span(header).subspan(cell.offset, cell.width));
 }
 
 template <class Header>

@@ -22,4 +22,8 @@ void EncodeCell(std::string_view key, std::int64_t value, std::span<char> cell) 
     RefuseUnlessFitting(writer, key);
 }
 
+void EncodePosition(std::string_view key, std::int64_t position, std::span<char> cell) noexcept {
+    CCellWriter(cell, key).PutItem(position);
+}
+
 }  // namespace vxfileio::rawdata

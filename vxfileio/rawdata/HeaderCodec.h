@@ -30,6 +30,9 @@ inline void Encode(const CLayout& layout, const CSegmentHdr& header, std::span<c
 void EncodeCell(std::string_view key, std::string_view value, std::span<char> cell);
 void EncodeCell(std::string_view key, std::int64_t value, std::span<char> cell);
 
+/// Does the same for a cell that holds a position. Each has room for any.
+void EncodePosition(std::string_view key, std::int64_t position, std::span<char> cell) noexcept;
+
 /// @name Decoding
 /// Each sets the fields of `header` from `bytes`, without checking any key. Bytes that are missing count as NUL, so
 /// numbers are read as 0 and texts as empty. A list shorter than its count leaves the remaining channels at their

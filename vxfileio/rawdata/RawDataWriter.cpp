@@ -127,7 +127,7 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     if (samples == nullptr) throw CExcVXReader(kNoSamples);
     MakeRoomForRefusals();
 
-    std::array<char, kMostSegmentHdr> room;
+    std::array<char, kMostSegmentHdr> room{};
     const auto bytes = std::span(room).first(m_layout->segment.size);
     Encode(*m_layout, CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
     const std::span data(samples, static_cast<std::size_t>(count));
@@ -242,7 +242,7 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     std::array<char, kMostRewritten> room{};
     const auto bytes = std::span(room).first(last.End() - first.offset);
     const auto put = [&](const CRecordingCell& cell, std::int64_t position) {
-        EncodeCell(cell.key, position, bytes.subspan(cell.offset - first.offset, cell.width));
+        EncodePosition(cell.key, position, bytes.subspan(cell.offset - first.offset, cell.width));
     };
     put(first, m_recordingHdr + static_cast<std::int64_t>(hdr.size));
     put(hdr["FPosRecordingTrailer"], kUnset);
@@ -254,7 +254,7 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
 void CRawDataWriter::RewritePosition(std::int64_t hdr, const auto& cell, std::int64_t position) {
     std::array<char, kMostRewritten> room{};
     const auto bytes = std::span(room).first(cell.width);
-    EncodeCell(cell.key, position, bytes);
+    EncodePosition(cell.key, position, bytes);
     Rewrite(hdr + static_cast<std::int64_t>(cell.offset), {bytes.data(), bytes.size()});
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -327,6 +328,16 @@ consteval bool HasNamedCells(const CLayout& layout) {
     return true;
 }
 
+/// The most characters of a 64-bit number, with its sign.
+inline constexpr std::size_t kMostDigits = std::numeric_limits<std::int64_t>::digits10 + 2;
+
+/// Returns whether each cell that holds a position has room for any of them.
+consteval bool HasRoomForPositions(const auto& hdr) {
+    return std::all_of(hdr.cells.begin(), hdr.cells.end(), [](const auto& cell) {
+        return cell.traits.role != ERole::Position || cell.key.size() + 1 + kMostDigits <= cell.width - kCellEndSize;
+    });
+}
+
 template <const auto& Cells>
 consteval std::pair<std::size_t, std::size_t> ChannelRange() {
     const auto first = std::find_if(Cells.begin(), Cells.end(), [](const auto& cell) { return IsOfChannels(cell); });
@@ -377,6 +388,9 @@ consteval CLayout MakeCheckedLayout() {
                   "a file's version must have the same place in all versions");
     static_assert(kLayout.file.size <= 4096,
                   "the file header must lie in one page, so that lists are rewritten at once");
+    static_assert(HasRoomForPositions(kLayout.file) && HasRoomForPositions(kLayout.recording) &&
+                      HasRoomForPositions(kLayout.segment),
+                  "the cell of a position must have room for any");
     static_assert(LieTogether(kLayout.recording), "the positions of a recording must lie together");
     static_assert(kLayout.recording["FPosNextRecordingHdr"].End() - kLayout.recording["FPosRecordingData"].offset <=
                   kMostRewritten);
