@@ -97,6 +97,7 @@ TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneIsThereOrAppears) {
     EXPECT_EQ(CountFiles(), 1);
 }
 
+#if !defined(_WIN32)  // which limits whole paths instead
 // The new file needs a longer name for as long as it is written.
 TEST_F(ReplacingFileTest, TheLongestNameThatAFileCanHaveIsReplacedToo) {
     const std::string path = m_folder.Path(std::string(255, 'n'));
@@ -105,6 +106,7 @@ TEST_F(ReplacingFileTest, TheLongestNameThatAFileCanHaveIsReplacedToo) {
     EXPECT_EQ(ReadAll(path), "second");
     EXPECT_EQ(CountFiles(), 1);
 }
+#endif
 
 /// Begins three files: one that replaces, one that is new, and one more.
 class ReplacingFilesTest : public ReplacingFileTest {

@@ -87,6 +87,7 @@ TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
         writer.WriteData(11 + static_cast<std::int32_t>(time % 2), time, 2 * time, 1, samples.data());
     writer.Close();
 
+#if !defined(_WIN32)  // where the library has an allocator of its own, in its DLL
     CIRawDataReader& reader = *io.GetRawDataReader();
     reader.Open(path);
     ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
@@ -100,6 +101,7 @@ TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
     EXPECT_THROW(static_cast<void>(reader.ReadSegment(well, from, from, size, data)), std::bad_alloc);
     FailAllocation(0);
     EXPECT_EQ(LiveAllocations(), live - 1) << "the segment before is freed first";
+#endif
 
     for (std::size_t failing = 1; failing < 20; ++failing) {
         const std::vector<std::int64_t> all = {0, 1, 2, 3, 4, 5, 6, 7};

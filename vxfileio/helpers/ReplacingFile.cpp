@@ -158,6 +158,10 @@ bool CReplacingFile::CopyOver() {
 /// Gives the old file a second name, by which it can return.
 bool CReplacingFile::KeepOld() {
     if (m_rule == ERule::New) return true;
+    CFile old;  // a folder may have taken the place since
+    if (!old.OpenForWriting(m_place) && old.Failure().error != std::errc::no_such_file_or_directory)
+        return Fail(old.Failure().error);
+    old.Close();
     const auto keep = [&](const std::string& name) { return KeepAs(m_place, name); };
     const std::error_code error = MakeBeside(m_place, m_old, keep);
     return !error || error == std::errc::no_such_file_or_directory || Fail(error);

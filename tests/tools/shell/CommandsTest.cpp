@@ -263,7 +263,8 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
     for (const std::string name : {"z.vxd", "b/c/A.XLS", "a.VXR", "notes.txt"})
         WriteAll(folder.Path(name), "text");
     WriteAll(folder.Path("b/run"), SmallFileBytes());
-    std::filesystem::create_directory_symlink(folder.Path("b"), folder.Path("b/c/back"));
+    std::error_code hasNoLinks;
+    std::filesystem::create_directory_symlink(folder.Path("b"), folder.Path("b/c/back"), hasNoLinks);
     const CFolderContent content = WalkFolder(folder.Path(""));
     std::vector<std::string> names;
     for (const auto& entry : content.entries) {
@@ -271,5 +272,5 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
         EXPECT_EQ(entry.failure, "");
     }
     EXPECT_EQ(names, (std::vector<std::string>{"a.VXR", "b/c/A.XLS", "b/run", "z.vxd"}));
-    EXPECT_EQ(content.passedOver, 2U) << "the text, and the link";
+    EXPECT_EQ(content.passedOver, hasNoLinks ? 1U : 2U) << "the text, and the link";
 }
