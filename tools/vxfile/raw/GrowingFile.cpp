@@ -42,11 +42,9 @@ CGrowingFile::EState CGrowingFile::State(bool hasNews) {
 
 /// Opens the file that has the name now. Returns false if there is none.
 bool CGrowingFile::Open() {
+    m_file.Close();  // first: on Windows, a deleted file is there until it is closed
     std::error_code none;
-    if (std::filesystem::status(m_path, none).type() == std::filesystem::file_type::not_found) {
-        m_file.Close();
-        return false;
-    }
+    if (std::filesystem::status(m_path, none).type() == std::filesystem::file_type::not_found) return false;
     OpenInput(m_file, m_path);
     return true;
 }
