@@ -24,6 +24,10 @@ inline constexpr std::uint32_t kStore = 0x4;
 /// The size of the blocks in which the library's own files pass through their archives.
 inline constexpr std::int32_t kBlockSize = 4096;
 
+/// An archive of one kind of file. There is one for `CFileBuffer` only.
+template <class File>
+class CXMLArchive;
+
 /// Writes an XML document tag by tag, or reads one event by event; it never builds a tree.
 ///
 /// One archive serves one document in one direction. It needs external synchronization. Only allocations throw, and no
@@ -37,11 +41,6 @@ inline constexpr std::int32_t kBlockSize = 4096;
 /// *Loading*: `SkipProlog`, then `NextElement` until it returns false. An element with text alone, or empty, is one
 /// event; an element with children is one event for its start and one for its end, of the same name. Callers
 /// skip events that they don't know.
-///
-/// There is one for `CFileBuffer` only.
-template <class File>
-class CXMLArchive;
-
 template <>
 class VXFILEIO_API CXMLArchive<CFileBuffer> {
  public:
