@@ -14,7 +14,7 @@ namespace vxfileio::recovery {
 namespace costs {
 inline constexpr int kHeader = -240;       ///< A header, times the share of its cells that are undamaged.
 inline constexpr int kGap = 100;           ///< Bytes that belong to nothing, plus the binary logarithm of their number.
-inline constexpr int kValue = 80;          ///< A value that contradicts the others, or is told by them.
+inline constexpr int kValue = 80;          ///< A value that contradicts the others, or follows from them.
 inline constexpr int kPosition = 150;      ///< A position that points elsewhere.
 inline constexpr int kShift = 160;         ///< From here on all positions point elsewhere by as much.
 inline constexpr int kShiftByGap = 20;     ///< The same by as many bytes as the gap ahead has.

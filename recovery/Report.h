@@ -86,7 +86,7 @@ struct CRemarks {
 struct CNote {
     enum class EKind : std::uint8_t {
         Lost,     ///< `keys` are gone.
-        Told,     ///< `keys` are damaged, but told by the rest of the file.
+        Told,     ///< `keys` are damaged, but follow from the rest of the file.
         Legible,  ///< `keys` are damaged, but legible.
         Odd,      ///< `keys` have a separator.
         MadeUp,   ///< The whole header is made up.
