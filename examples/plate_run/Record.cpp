@@ -9,10 +9,8 @@
 namespace {
 
 /// The library sets the other fields: positions in the file, and lists that are empty at first.
-CRawDataFileHdr MakeFileHdr(const CPlatePlan& plan) {
-    CRawDataFileHdr header;
-    header.HeaderID = "OVL Vexaprobe";  // readers reject any other text
-    header.FileVersion = 2;
+CRawDataFileHdr FileHdrOf(const CPlatePlan& plan) {
+    CRawDataFileHdr header = MakeFileHdr();  // with mark and version
     header.FileType = "Raw";
     header.ProgramVersion = "1.0";
     header.Guid = plan.guid;
@@ -91,7 +89,7 @@ class CRecorder {
 double RecordPlate(CIRawDataWriter& writer, const CPlatePlan& plan, const CSignal& signal, const std::string& path) {
     CRecorder recorder(writer, plan, signal);
     writer.Open(path);
-    writer.WriteFileHdr(MakeFileHdr(plan));
+    writer.WriteFileHdr(FileHdrOf(plan));
     for (const CRecordingPlan& recording : plan.recordings)
         recorder.Record(recording);
     // The last recording becomes readable only now. A full disk hasn't caused an error so far; to be sure, read the

@@ -25,6 +25,28 @@ class WriterTest : public testing::Test {
     CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
 };
 
+TEST_F(WriterTest, OpenNewCreatesAFileButNeverTouchesOneThatExists) {
+    m_writer.OpenNew(m_path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    const std::string before = Bytes();
+    EXPECT_EQ(before, FileHdrBytes(-1));
+    EXPECT_EQ(TextOfFailure([&] { m_writer.OpenNew(m_path); }), "Cannot open file " + m_path + ", because it exists");
+    EXPECT_EQ(Bytes(), before);
+    EXPECT_EQ(TextOfFailure([&] { m_writer.WriteFileHdr(ExampleFileHdr()); }), "No raw data file is open for writing.");
+    const std::string nowhere = m_folder.Path("no folder/run.vxd");
+    EXPECT_EQ(TextOfFailure([&] { m_writer.OpenNew(nowhere); }), "Cannot open file " + nowhere);
+    m_writer.Open(m_path);
+    EXPECT_EQ(Bytes(), "");
+}
+
+TEST_F(WriterTest, AMadeFileHeaderHasMarkAndVersionWhateverTheFieldsSay) {
+    const CRawDataFileHdr header = MakeFileHdr({.HeaderID = "x", .FileVersion = 1, .PlateID = "P1"});
+    EXPECT_EQ(header.HeaderID, "OVL Vexaprobe");
+    EXPECT_EQ(header.FileVersion, 2);
+    EXPECT_EQ(header.PlateID, "P1");
+    EXPECT_EQ(MakeFileHdr().CompoundID, -1);
+}
+
 // The whole life of the small file, looked at from outside after every call.
 TEST_F(WriterTest, EachCallLeavesItsBytesWithTheSystem) {
     m_writer.Open(m_path);

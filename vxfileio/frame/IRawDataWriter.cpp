@@ -9,6 +9,8 @@ CIRawDataWriter::~CIRawDataWriter() = default;
 
 void CIRawDataWriter::Open(const std::string& path) { m_writer->Open(path); }
 
+void CIRawDataWriter::OpenNew(const std::string& path) { m_writer->OpenNew(path); }
+
 void CIRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) { m_writer->WriteFileHdr(header); }
 
 void CIRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) { m_writer->WriteRecordingHdr(header); }

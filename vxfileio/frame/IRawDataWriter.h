@@ -14,8 +14,8 @@ class CRawDataWriter;
 
 /// Writes a raw data file (`.vxd`) while the recording runs.
 ///
-/// Call in this order: `Open`, `WriteFileHdr`, then for each recording `WriteRecordingHdr` and any number of
-/// `WriteData`, finally `Close`. `UpdateFileHdr` may be called at any time between `WriteFileHdr` and `Close`.
+/// Call in this order: `Open` or `OpenNew`, `WriteFileHdr`, then for each recording `WriteRecordingHdr` and any number
+/// of `WriteData`, finally `Close`. `UpdateFileHdr` may be called at any time between `WriteFileHdr` and `Close`.
 ///
 /// *What holds on disk.* Each segment is with the operating system before `WriteData` returns. Data is appended
 /// in full before a position points to it, so whenever the process dies, every position in the file points to something
@@ -40,9 +40,14 @@ class VXFILEIO_API CIRawDataWriter {
     /// Throws `CExcVXReader` ("Cannot open file " and the path) if it can't be created.
     void Open(const std::string& path);
 
+    /// Does the same, but only where no file exists: a program that is started again can't wipe an earlier recording.
+    /// If there is one, or a link, throws `CExcVXReader` ("Cannot open file ", the path and ", because it exists") and
+    /// leaves it as it is.
+    void OpenNew(const std::string& path);
+
     /// Writes the file header (1190 bytes). Of the header's own fields, `FPosFirstRecordingHdr`, the three lists,
-    /// `CheckSum` and `Reserved` aren't used: the file begins without recordings and with empty lists. The caller sets
-    /// `HeaderID` to a text that begins "OVL Vexaprobe" and `FileVersion` to 2 or more; the reader relies on both.
+    /// `CheckSum` and `Reserved` aren't used: the file begins without recordings and with empty lists. Readers
+    /// rely on a `HeaderID` that begins "OVL Vexaprobe" and a `FileVersion` of 2 or more; `MakeFileHdr` sets both.
     void WriteFileHdr(const CRawDataFileHdr& header);
 
     /// Finishes the recording before, and begins a new one with a header of 2460 bytes. The header's file positions

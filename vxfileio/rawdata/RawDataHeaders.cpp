@@ -2,6 +2,14 @@
 
 #include <cstddef>
 
+#include "vxfileio/rawdata/Layout.h"
+
+CRawDataFileHdr MakeFileHdr(CRawDataFileHdr fields) {
+    fields.HeaderID = vxfileio::rawdata::kFileTypeText;
+    fields.FileVersion = vxfileio::rawdata::Layouts().back().version;
+    return fields;
+}
+
 void CRawDataIndex::AddEntry(const CIndexEntry& entry) { m_entries.push_back(entry); }
 
 void CRawDataIndex::Clear() noexcept { m_entries.clear(); }

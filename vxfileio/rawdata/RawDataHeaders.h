@@ -53,6 +53,10 @@ struct CRawDataFileHdr {
     std::string Reserved = {};                    ///< Always empty as written.
 };
 
+/// Returns a header that readers accept: the given fields, with `HeaderID` and `FileVersion` set to the mark and to the
+/// newest version that this library writes. For example `MakeFileHdr({.PlateID = "P1", .CompoundName = "C"})`.
+[[nodiscard]] VXFILEIO_API CRawDataFileHdr MakeFileHdr(CRawDataFileHdr fields = {});
+
 /// One line of the index: which recording of which task at which dose.
 struct CIndexEntry {
     std::string TaskName = {};    ///< As in the recording header.

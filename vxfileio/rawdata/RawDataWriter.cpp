@@ -4,6 +4,7 @@
 #include <bit>
 #include <optional>
 #include <span>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -81,13 +82,27 @@ std::string Join(const std::vector<std::string>& values) {
 CRawDataWriter::~CRawDataWriter() { Close(); }
 
 void CRawDataWriter::Open(const std::string& path) {
+    Prepare();
+    if (!m_file.Create(path)) throw CExcVXReader(kCannotOpen + path);
+    m_stage = enStage::Opened;
+}
+
+void CRawDataWriter::OpenNew(const std::string& path) {
+    Prepare();
+    if (!m_file.CreateLike(path, helpers::CFile())) {
+        const bool exists = m_file.Failure().error == std::errc::file_exists;
+        throw CExcVXReader(kCannotOpen + path + (exists ? kExists : ""));
+    }
+    m_stage = enStage::Opened;
+}
+
+/// Finishes the open file, and allocates what `Close` may need for the next one.
+void CRawDataWriter::Prepare() {
     Close();
     m_refusedHdrs.reserve(m_layout->file.size + m_layout->recording.size);
     m_missingSegments = 0;
     m_unreadable.clear();
     MakeRoomForRefusals();
-    if (!m_file.Create(path)) throw CExcVXReader(kCannotOpen + path);
-    m_stage = enStage::Opened;
 }
 
 void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {

@@ -30,6 +30,7 @@ class CRawDataWriter {
     CRawDataWriter& operator=(const CRawDataWriter&) = delete;
 
     void Open(const std::string& path);
+    void OpenNew(const std::string& path);
     void WriteFileHdr(const CRawDataFileHdr& header);
     void WriteRecordingHdr(const CRawDataRecordingHdr& header);
     void WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
@@ -49,6 +50,7 @@ class CRawDataWriter {
         std::array<char, kMostRewritten> bytes{};
     };
 
+    void Prepare();
     void RefuseBefore(enStage needed) const;
     void ReportUnreadable(const CRawDataFileHdr& header);
     void ReportCutTexts(const auto& cells, const auto& header);

@@ -12,9 +12,7 @@ namespace {
 constexpr std::array<std::uint16_t, 5> kSamples = {0, 1, 256, 65534, 65535};
 
 void Write(CIRawDataWriter& writer) {
-    CRawDataFileHdr file;
-    file.HeaderID = "OVL Vexaprobe";
-    file.FileVersion = 2;
+    const CRawDataFileHdr file = MakeFileHdr();
     CRawDataRecordingHdr recording;
     recording.TaskName = TaskToString(enTask::Series);
     recording.Recording = 1;
