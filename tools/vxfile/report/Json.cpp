@@ -3,6 +3,8 @@
 #include <iostream>
 #include <utility>
 
+template class nlohmann::basic_json<nlohmann::ordered_map>;
+
 namespace vxfile {
 
 void PrintJson(std::string_view command, CJson files) {

@@ -8,6 +8,13 @@ namespace vxfile {
 /// JSON with its members in the order in which they were put.
 using CJson = nlohmann::ordered_json;
 
+}  // namespace vxfile
+
+// Compiled once, in Json.cpp, as it takes long.
+extern template class nlohmann::basic_json<nlohmann::ordered_map>;
+
+namespace vxfile {
+
 /// Prints the document that a command answers `--json` with: the program and its version, the command, and `files`.
 void PrintJson(std::string_view command, CJson files);
 

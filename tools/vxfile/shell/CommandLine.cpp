@@ -1,9 +1,15 @@
 #include "tools/vxfile/shell/CommandLine.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
+#include <iostream>
 #include <numeric>
+#include <sstream>
 #include <string>
+#include <system_error>
+#include <type_traits>
 #include <vector>
 
 #include "tools/vxfile/report/Text.h"
@@ -99,11 +105,67 @@ bool TakesLists(const CLI::App& command) {
     return std::ranges::any_of(options, [](const CLI::Option* option) { return option->get_delimiter() != '\0'; });
 }
 
-}  // namespace
+/// Returns a check that accepts the decimal numbers of an integer type. The parser would take 010 for 8, and a number
+/// beyond the range for the nearest in it.
+template <class Number>
+CLI::Validator WholeNumber(std::string_view wanted) {
+    const auto judge = [wanted](std::string& text) {
+        Number number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error != std::errc() || end != text.data() + text.size())
+            return std::string("'").append(text).append("' isn't ").append(wanted);
+        text = std::to_string(number);
+        return std::string();
+    };
+    return {judge, ""};
+}
 
+/// Returns a check that accepts the numbers of a range, and so no nan.
+CLI::Validator Within(double least, double most, std::string_view wanted) {
+    const auto judge = [=](std::string& text) {
+        double number = 0;
+        if (CLI::detail::lexical_cast(text, number) && number >= least && number <= most) return std::string();
+        return std::string("'").append(text).append("' isn't ").append(wanted);
+    };
+    return {judge, ""};
+}
+
+template <class Target>
+CLI::Option* AddTo(CLI::App& app, const COption& option, const std::string& names, Target& target) {
+    const std::string text(option.text);
+    if constexpr (std::is_same_v<Target, bool>) {
+        return app.add_flag(names, target, text);
+    } else {
+        CLI::Option* const added = app.add_option(names, target, text);
+        if constexpr (std::is_same_v<Target, std::int64_t>) {
+            added->transform(WholeNumber<std::int64_t>(option.wanted));
+        } else if constexpr (std::is_same_v<Target, double>) {
+            added->check(Within(option.least, option.most, option.wanted));
+        } else if constexpr (std::is_same_v<Target, std::vector<std::int32_t>>) {
+            added->transform(WholeNumber<std::int32_t>(option.wanted));
+        }
+        if constexpr (!std::is_same_v<Target, std::string> && std::is_class_v<Target>) {
+            if (!option.IsPositional()) added->delimiter(',')->allow_extra_args(false);
+        }
+        return added->type_name(std::string(option.ValueName()));
+    }
+}
+
+/// Describes one argument of a command to the parser.
+void AddOption(CLI::App& app, const COption& option) {
+    CLI::Option* const added =
+        std::visit([&](auto* target) { return AddTo(app, option, std::string(option.names), *target); }, option.target);
+    added->required(option.isRequired);
+    for (const auto other : option.needs)
+        added->needs(app.get_option(std::string(other)));
+    for (const auto other : option.excludes)
+        added->excludes(app.get_option(std::string(other)));
+}
+
+/// Describes the program, its commands and their arguments to the parser.
 void Describe(CLI::App& app, const CCommands& commands) {
     app.name("vxfile");
-    app.description("Inspects, checks, converts and recovers the files of a cell screening instrument.");
+    app.description(std::string(kProgramText));
     app.set_version_flag("--version", std::string("vxfile ") + VXFILE_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.allow_windows_style_options(false);  // which would make options of names such as /runs/1.vxd
@@ -111,31 +173,20 @@ void Describe(CLI::App& app, const CCommands& commands) {
     words->label("SUBCOMMAND", "COMMAND");
     words->label("Positionals", "Arguments");
     words->label("REQUIRED", "(required)");
-    words->label("TEXT", "NAME");
-    words->label("INT", "NUMBER");
     app.formatter(words);
-    app.set_help_flag("-h,--help", "Print this text and exit");
+    app.set_help_flag(std::string(kHelpNames), std::string(kHelpText));
     app.footer(Footer(commands));
     for (const auto& command : commands) {
         const CCommandText& text = command->Text();
         auto* const part = app.add_subcommand(std::string(text.name), std::string(text.purpose));
         part->group("Commands");
         part->footer(FooterOf(text));
-        command->AddOptions(*part);
-        for (CLI::Option* option : part->get_options()) {
-            if (option->get_positional()) option->type_name("");  // its name says enough
-        }
+        for (const auto& option : command->Options())
+            AddOption(*part, option);
     }
 }
 
-CLI::Validator Wanted(const CLI::Validator& check, const std::string& wanted) {
-    const auto judge = [check, wanted](std::string& text) {
-        const std::string given = text;
-        return check(text).empty() ? "" : "'" + given + "' isn't " + wanted;
-    };
-    return {judge, ""};
-}
-
+/// Throws `CFailure` if the word is no command, with the one that was most likely meant.
 void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
     std::vector<std::string> names;
     for (const auto& command : commands)
@@ -147,7 +198,8 @@ void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
                    Advice(Nearest(Lowered(std::string(word)), names), "vxfile --help"));
 }
 
-void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
+/// Throws `CFailure`: what is wrong with the arguments of a command, and where to look it up.
+[[noreturn]] void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App& command = CommandAtHand(app);
     const std::string help = (&command == &app ? "vxfile" : "vxfile " + command.get_name()) + " --help";
     const auto unknown = command.remaining();
@@ -158,6 +210,35 @@ void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
                        (TakesLists(command) ? " (separate several values of an option by commas, such as 1,2)" : "") +
                        ". Run '" + help + "' for usage.");
     throw CFailure("Unknown option '" + *option + "'. " + Advice(Nearest(*option, OptionsOf(command)), help));
+}
+
+}  // namespace
+
+std::string_view COption::ValueName() const {
+    if (IsPositional() || std::holds_alternative<bool*>(target)) return {};
+    if (!value.empty()) return value;
+    const bool isText =
+        std::holds_alternative<std::string*>(target) || std::holds_alternative<std::vector<std::string>*>(target);
+    return isText ? "NAME" : "NUMBER";
+}
+
+CCommand* ParseCommandLine(const CCommands& commands, int argc, const char* const* argv) {
+    CLI::App app;
+    Describe(app, commands);
+    if (argc < 2 || argv[1][0] != '-') RefuseUnknownCommand(commands, argc < 2 ? "" : argv[1]);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {  // help or version
+        std::ostringstream text;
+        app.exit(asked, text, text);
+        std::cout << text.str();
+        return nullptr;
+    } catch (const CLI::ParseError& error) {
+        RefuseCommandLine(app, error);
+    }
+    const auto parsed = std::ranges::find_if(
+        commands, [&](const auto& command) { return app.got_subcommand(std::string(command->Text().name)); });
+    return parsed->get();
 }
 
 }  // namespace vxfile

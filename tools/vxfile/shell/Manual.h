@@ -1,6 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <ostream>
 
 #include "tools/vxfile/shell/Command.h"
@@ -11,9 +10,9 @@
 namespace vxfile {
 
 /// Writes the manual page in the language of `man`.
-void WriteManual(const CLI::App& app, const CCommands& commands, std::ostream& out);
+void WriteManual(const CCommands& commands, std::ostream& out);
 
 /// Writes the completion for bash: commands, their options, and files.
-void WriteCompletion(const CLI::App& app, const CCommands& commands, std::ostream& out);
+void WriteCompletion(const CCommands& commands, std::ostream& out);
 
 }  // namespace vxfile

@@ -1,8 +1,8 @@
 #include "tools/vxfile/shell/Program.h"
 
 #include <iostream>
-#include <sstream>
 #include <string>
+#include <string_view>
 
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/shell/Command.h"
@@ -18,37 +18,19 @@ namespace vxfile {
 namespace {
 
 /// Answers the words that only the build uses. Returns false for other words.
-bool PrintedForBuild(const CLI::App& app, const CCommands& commands, std::string_view word) {
-    if (word == "--manual") WriteManual(app, commands, std::cout);
-    if (word == "--bash-completion") WriteCompletion(app, commands, std::cout);
+bool PrintedForBuild(const CCommands& commands, std::string_view word) {
+    if (word == "--manual") WriteManual(commands, std::cout);
+    if (word == "--bash-completion") WriteCompletion(commands, std::cout);
     return word == "--manual" || word == "--bash-completion";
-}
-
-int RunParsed(const CLI::App& app, const CCommands& commands) {
-    for (const auto& command : commands) {
-        if (app.got_subcommand(std::string(command->Text().name))) return command->Run();
-    }
-    return kTrouble;
 }
 
 int ParseAndRun(int argc, const char* const* argv) {
     const CCommands commands = MakeCommands();
-    CLI::App app;
-    Describe(app, commands);
-    if (PrintedForBuild(app, commands, argc > 1 ? argv[1] : "")) return kSound;
-    if (argc < 2 || argv[1][0] != '-') RefuseUnknownCommand(commands, argc < 2 ? "" : argv[1]);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& asked) {  // help or version
-        std::ostringstream text;
-        const int status = app.exit(asked, text, text);
-        std::cout << text.str();
-        return status;
-    } catch (const CLI::ParseError& error) {
-        RefuseCommandLine(app, error);
-    }
+    if (PrintedForBuild(commands, argc > 1 ? argv[1] : "")) return kSound;
+    CCommand* const command = ParseCommandLine(commands, argc, argv);
+    if (command == nullptr) return kSound;
     CatchInterrupts();
-    return RunParsed(app, commands);
+    return command->Run();
 }
 
 /// Runs the command. Fails if what it printed could not be written.

@@ -47,11 +47,13 @@ class CDiffCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("LEFT", m_left, "One file")->required();
-        app.add_option("RIGHT", m_right, "The other")->required();
-        app.add_flag("--json", m_json, "Print a JSON document for programs");
-        app.add_flag("-q,--quiet", m_quiet, "Print nothing; only set the exit status");
+    std::vector<COption> Options() override {
+        return {
+            {.names = "LEFT", .target = &m_left, .text = "One file", .isRequired = true},
+            {.names = "RIGHT", .target = &m_right, .text = "The other", .isRequired = true},
+            {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
+            {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
+        };
     }
 
     int Run() override {

@@ -119,11 +119,19 @@ class CExportCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("RESULTS", m_results.path, "The results file")->required();
-        app.add_option("SETTINGS", m_settings.path, "The settings file of the same run")->required();
-        app.add_option("-o,--output", m_output, "The workbook of all wells, such as run.xls")->required();
-        app.add_flag("--force", m_force, "Replace existing workbooks");
+    std::vector<COption> Options() override {
+        return {
+            {.names = "RESULTS", .target = &m_results.path, .text = "The results file", .isRequired = true},
+            {.names = "SETTINGS",
+             .target = &m_settings.path,
+             .text = "The settings file of the same run",
+             .isRequired = true},
+            {.names = "-o,--output",
+             .target = &m_output,
+             .text = "The workbook of all wells, such as run.xls",
+             .isRequired = true},
+            {.names = "--force", .target = &m_force, .text = "Replace existing workbooks"},
+        };
     }
 
     int Run() override {

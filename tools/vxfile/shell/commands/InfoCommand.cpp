@@ -43,10 +43,12 @@ class CInfoCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("FILE", m_paths, "Files to show")->required();
-        app.add_flag("--json", m_json, "Print a JSON document for programs");
-        app.add_flag("--full", m_full, "Count the samples of large raw data files, too");
+    std::vector<COption> Options() override {
+        return {
+            {.names = "FILE", .target = &m_paths, .text = "Files to show", .isRequired = true},
+            {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
+            {.names = "--full", .target = &m_full, .text = "Count the samples of large raw data files, too"},
+        };
     }
 
     int Run() override {

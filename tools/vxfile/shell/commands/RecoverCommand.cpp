@@ -39,12 +39,16 @@ class CRecoverCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("FILE", m_source, "The file to save")->required();
-        app.add_option("-o,--output", m_target, "The new file")->required();
-        app.add_flag("--cut", m_keepCut, "Keep a last segment that was cut, up to its last whole sample");
-        app.add_flag("--force", m_force, "Replace the new file if it is there already");
-        app.add_flag("--json", m_json, "Tell what was done as JSON");
+    std::vector<COption> Options() override {
+        return {
+            {.names = "FILE", .target = &m_source, .text = "The file to save", .isRequired = true},
+            {.names = "-o,--output", .target = &m_target, .text = "The new file", .isRequired = true},
+            {.names = "--cut",
+             .target = &m_keepCut,
+             .text = "Keep a last segment that was cut, up to its last whole sample"},
+            {.names = "--force", .target = &m_force, .text = "Replace the new file if it is there already"},
+            {.names = "--json", .target = &m_json, .text = "Tell what was done as JSON"},
+        };
     }
 
     int Run() override {

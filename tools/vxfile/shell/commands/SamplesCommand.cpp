@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/vxfile/raw/SampleSink.h"
@@ -7,7 +8,6 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/shell/CommandLine.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 
 namespace vxfile {
@@ -32,34 +32,49 @@ constexpr CCommandText kText = {
         "     or an output file exists; no new file is left",
 };
 
+constexpr std::string_view kTime = "a time, which is a whole number of the instrument's time unit";
+
 class CSamplesCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("FILE", m_path, "The raw data file")->required();
-        const auto list = [&](const char* name, auto& values, const char* text) {
-            return app.add_option(name, values, text)->delimiter(',')->allow_extra_args(false);
+    std::vector<COption> Options() override {
+        return {
+            {.names = "FILE", .target = &m_path, .text = "The raw data file", .isRequired = true},
+            {.names = "--task",
+             .target = &m_choice.tasks,
+             .text = "Only recordings of this task; several with commas, as A,B"},
+            {.names = "--recording",
+             .target = &m_choice.recordings,
+             .text = "Only recordings with this number; several with commas",
+             .wanted = "the number of a recording"},
+            {.names = "--well",
+             .target = &m_choice.wells,
+             .text = "Only this well ID; several with commas",
+             .wanted = "the ID of a well, which is a whole number"},
+            {.names = "--from",
+             .target = &m_choice.from,
+             .text = "Only samples of this time or later",
+             .wanted = kTime},
+            {.names = "--to", .target = &m_choice.to, .text = "Only samples of this time or earlier", .wanted = kTime},
+            {.names = "--csv", .target = &m_csv, .text = "Text with commas (the default)"},
+            {.names = "--tsv", .target = &m_tsv, .text = "Text with tabs", .excludes = {"--csv"}},
+            {.names = "--npy",
+             .target = &m_npy,
+             .text = "An array per well, for numpy",
+             .excludes = {"--csv", "--tsv"}},
+            {.names = "--table",
+             .target = &m_table,
+             .text = "With --npy: one table of all, with tasks, recordings, wells and times",
+             .needs = {"--npy"}},
+            {.names = "--units",
+             .target = &m_form.units,
+             .text = "In physical units instead of steps of the converter"},
+            {.names = "-o,--output",
+             .target = &m_form.target,
+             .text = "Output file; - for standard output (the default). With {well} in the name, one file per well"},
+            {.names = "--force", .target = &m_form.replace, .text = "Replace existing files"},
         };
-        const CLI::Validator number = WholeNumber<std::int32_t>();
-        const CLI::Validator time =
-            Wanted(WholeNumber<std::int64_t>(), "a time, which is a whole number of the instrument's time unit");
-        list("--task", m_choice.tasks, "Only recordings of this task; several with commas, as A,B");
-        list("--recording", m_choice.recordings, "Only recordings with this number; several with commas")
-            ->transform(Wanted(number, "the number of a recording"));
-        list("--well", m_choice.wells, "Only this well ID; several with commas")
-            ->transform(Wanted(number, "the ID of a well, which is a whole number"));
-        app.add_option("--from", m_choice.from, "Only samples of this time or later")->transform(time);
-        app.add_option("--to", m_choice.to, "Only samples of this time or earlier")->transform(time);
-        auto* const csv = app.add_flag("--csv", m_csv, "Text with commas (the default)");
-        auto* const tsv = app.add_flag("--tsv", m_tsv, "Text with tabs")->excludes(csv);
-        auto* const npy = app.add_flag("--npy", m_npy, "An array per well, for numpy")->excludes(csv)->excludes(tsv);
-        app.add_flag("--table", m_table, "With --npy: one table of all, with tasks, recordings, wells and times")
-            ->needs(npy);
-        app.add_flag("--units", m_form.units, "In physical units instead of steps of the converter");
-        app.add_option("-o,--output", m_form.target,
-                       "Output file; - for standard output (the default). With {well} in the name, one file per well");
-        app.add_flag("--force", m_form.replace, "Replace existing files");
     }
 
     int Run() override {

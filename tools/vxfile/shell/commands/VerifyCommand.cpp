@@ -124,10 +124,12 @@ class CVerifyCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("FILE", m_arguments, "Files, or folders of files")->required();
-        app.add_flag("--json", m_json, "Print a JSON document for programs");
-        app.add_flag("-q,--quiet", m_quiet, "Print nothing; only set the exit status");
+    std::vector<COption> Options() override {
+        return {
+            {.names = "FILE", .target = &m_arguments, .text = "Files, or folders of files", .isRequired = true},
+            {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
+            {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
+        };
     }
 
     int Run() override {

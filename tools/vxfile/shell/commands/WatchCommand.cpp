@@ -10,7 +10,6 @@
 #include "tools/vxfile/raw/GrowingFile.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/shell/CommandLine.h"
 #include "tools/vxfile/shell/Idle.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Interrupt.h"
@@ -39,30 +38,27 @@ constexpr CCommandText kText = {
 
 using CClock = std::chrono::steady_clock;
 
-constexpr double kMostSeconds = std::numeric_limits<double>::max();
-
-/// Takes the numbers of a range, and so no nan.
-CLI::Validator Within(double least, double most) {
-    const auto judge = [least, most](const std::string& text) {
-        double number = 0;
-        const bool isWithin = CLI::detail::lexical_cast(text, number) && number >= least && number <= most;
-        return std::string(isWithin ? "" : "outside");
-    };
-    return {[judge](std::string& text) { return judge(text); }, ""};
-}
-
 class CWatchCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
-    void AddOptions(CLI::App& app) override {
-        app.add_option("FILE", m_path, "The raw data file that is being written")->required();
-        app.add_option("--idle", m_idle, "Give up after this many seconds without anything new")
-            ->check(Wanted(Within(std::numeric_limits<double>::min(), kMostSeconds), "a number of seconds above 0"))
-            ->type_name("SECONDS");
-        app.add_option("--every", m_every, "Seconds between looks, 0.01 to 3600 (default 1)")
-            ->check(Wanted(Within(0.01, 3600), "a number from 0.01 to 3600"))
-            ->type_name("SECONDS");
+    std::vector<COption> Options() override {
+        return {
+            {.names = "FILE", .target = &m_path, .text = "The raw data file that is being written", .isRequired = true},
+            {.names = "--idle",
+             .target = &m_idle,
+             .text = "Give up after this many seconds without anything new",
+             .value = "SECONDS",
+             .wanted = "a number of seconds above 0",
+             .least = std::numeric_limits<double>::min()},
+            {.names = "--every",
+             .target = &m_every,
+             .text = "Seconds between looks, 0.01 to 3600 (default 1)",
+             .value = "SECONDS",
+             .wanted = "a number from 0.01 to 3600",
+             .least = 0.01,
+             .most = 3600},
+        };
     }
 
     int Run() override {
