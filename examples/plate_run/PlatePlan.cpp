@@ -9,6 +9,22 @@ constexpr std::int64_t kPipetting = 30 * kSecond;
 constexpr std::int32_t kRows = 8;
 constexpr std::int32_t kWells = 3 * kRows;
 
+/// Two wells failed: one has no signal, and the electrode of the other is so noisy that its responses are excluded.
+constexpr std::int32_t kSilentWell = 10;
+constexpr std::int32_t kNoisyWell = 20;
+
+/// Returns a well without ID, label and position.
+CWell MakeWell(std::int32_t n) {
+    const std::int64_t place = n;
+    CWell well{};
+    well.delay = 37 * place;
+    well.gainPermille = n == kSilentWell ? 0 : 700 + 211 * place % 600;
+    well.dosePermille = 600 + 353 * place % 900;
+    well.noise = n == kNoisyWell ? 1200 : 30 + 101 * place % 240;
+    well.isDeselected = n == kNoisyWell;
+    return well;
+}
+
 /// Returns the wells in the first three columns of the plate. The library knows channel and label of each well.
 std::vector<CWell> MakeWells() {
     CPropRecordPlate plate;
@@ -20,9 +36,11 @@ std::vector<CWell> MakeWells() {
         const auto position = [&](const auto& table) {
             return table.at(static_cast<std::size_t>(row)).at(static_cast<std::size_t>(column));
         };
-        const std::int64_t place = n;
-        wells.push_back({position(plate.Map.ChIDs), position(plate.Map.Labels), row, column, 37 * place,
-                         700 + 25 * place, 4 + 3 * row});
+        CWell& well = wells.emplace_back(MakeWell(n));
+        well.id = position(plate.Map.ChIDs);
+        well.label = position(plate.Map.Labels);
+        well.row = row;
+        well.column = column;
     }
     return wells;
 }
@@ -33,7 +51,8 @@ struct CTaskDoses {
 };
 
 /// A run begins and ends with a check of the wells without a compound. In between, a known compound verifies that the
-/// wells respond as expected, followed by the actual experiment: one compound at increasing doses.
+/// wells respond as expected, followed by the actual experiment: one compound at increasing doses, after a control
+/// without it.
 std::vector<CTaskDoses> MakeTasks() {
     constexpr std::int64_t kNanomolar = 1'000;
     constexpr std::int64_t kMicromolar = 1'000'000;
@@ -41,8 +60,8 @@ std::vector<CTaskDoses> MakeTasks() {
         {enTask::PreQC, {0}},
         {enTask::CompoundTest, {10 * kNanomolar, 100 * kNanomolar, 1 * kMicromolar}},
         {enTask::Series,
-         {1 * kNanomolar, 3 * kNanomolar, 10 * kNanomolar, 30 * kNanomolar, 100 * kNanomolar, 300 * kNanomolar,
-          1 * kMicromolar, 3 * kMicromolar}},
+         {0, 3 * kNanomolar, 10 * kNanomolar, 30 * kNanomolar, 100 * kNanomolar, 300 * kNanomolar, 1 * kMicromolar,
+          3 * kMicromolar}},
         {enTask::PostQC, {0}},
     };
 }

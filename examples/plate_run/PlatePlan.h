@@ -31,8 +31,10 @@ struct CWell {
     std::int32_t row;           ///< Row on the plate, from 0.
     std::int32_t column;        ///< Column on the plate, from 0.
     std::int64_t delay;         ///< Delay of the signal, in samples.
-    std::int64_t gainPermille;  ///< Strength of the signal.
+    std::int64_t gainPermille;  ///< Strength of the signal; 0 if no cell grows on the electrode.
+    std::int64_t dosePermille;  ///< How much of a dose has an effect: some wells are more sensitive than others.
     std::int64_t noise;         ///< Maximum noise, in AD steps.
+    bool isDeselected;          ///< Whether the scientist has excluded its responses.
 };
 
 /// One recording: all wells for a certain time at one dose.

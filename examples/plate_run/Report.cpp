@@ -133,7 +133,7 @@ void PrintSeries(std::ostream& out, const CPlatePlan& plan, const CResults& resu
     out << '\n';
     for (std::size_t i = 0; i < plan.wells.size(); i += kEvery)
         PrintBeats(out, recordings, plan.wells[i]);
-    out << "\nMeans over all wells, relative to each well's response at the lowest dose\n";
+    out << "\nMeans over all wells, relative to each well's response without the compound\n";
     for (const enResponseType type : AllResponseTypes())
         PrintMeans(out, recordings, type);
     out << '\n';

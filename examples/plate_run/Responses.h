@@ -9,7 +9,8 @@
 /// the maximum in microseconds. A well without a fast potential gets none.
 void SetResponses(CResultsWell& well, std::int64_t maximumTime);
 
-/// Sets the normalised responses of all wells of a task, relative to the same well's response at the first dose.
+/// Sets the normalised responses of all wells of a task, relative to the same well's response at the first dose, the
+/// control.
 void NormalizeResponses(CResults& results, enTask task);
 
 /// Sets the mean and standard deviation, over all wells, of the normalised responses at each dose. Ignores responses

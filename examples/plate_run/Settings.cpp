@@ -48,7 +48,7 @@ CPropNotebook MakeNotebook(const CPlatePlan& plan) {
     notebook.StudyDesignator = plan.compoundName + " on plate " + plan.plateID;
     notebook.Species = "Human";
     notebook.Age = "Adult";
-    notebook.Comment = "Every well plays the same recorded heart";
+    notebook.Comment = "Every well plays the same recorded heart; C2 has no signal, E3 is noisy";
     return notebook;
 }
 
@@ -154,7 +154,7 @@ void SetParameters(CPropAnalyzer& analyzer) {
     analyzer.PreFPfastTime = Milliseconds(150);
     analyzer.FPAverageTime = Milliseconds(600);
     analyzer.FPmaxSearchBegin = Milliseconds(160);
-    analyzer.FPmaxSearchEnd = Milliseconds(340);
+    analyzer.FPmaxSearchEnd = Milliseconds(400);
     analyzer.FPSlopeInterval = Milliseconds(12);
     analyzer.FPfastAmplitude = 0.15e-3;
     analyzer.FPfastAutoAdjust = true;
@@ -166,14 +166,24 @@ void SetParameters(CPropAnalyzer& analyzer) {
     analyzer.FPfastSlopeRangeMax = 80;
 }
 
-/// All wells count in all recordings. But at the highest dose the signal is too weak to locate its maximum, so the
-/// interval to the maximum is excluded there.
+/// Excludes all responses of a well.
+void Deselect(CPropAnalyzer& analyzer, std::int32_t wellID) {
+    for (auto& [task, recordings] : analyzer.AnalyzeSettings) {
+        for (RecordingAnalysis& wells : recordings) {
+            for (auto& [type, mark] : wells.at(wellID).Responses)
+                mark = enAnalysisMark::Deselected;
+        }
+    }
+}
+
+/// All wells count in all recordings, except for the responses of wells that the scientist has deselected.
 void SetMarks(CPropAnalyzer& analyzer, const CPlatePlan& plan) {
     const std::vector<std::int32_t> wellIDs = WellIDsOf(plan);
     for (const CRecordingPlan& recording : plan.recordings)
         analyzer.InitTask(recording.task, recording.number, wellIDs);  // the task's last call makes all its recordings
-    for (auto& [wellID, marks] : analyzer.AnalyzeSettings[enTask::Series].back())
-        marks.Responses[enResponseType::QTInterval] = enAnalysisMark::Deselected;
+    for (const CWell& well : plan.wells) {
+        if (well.isDeselected) Deselect(analyzer, well.id);
+    }
 }
 
 CPropAnalyzer MakeAnalyzer(const CPlatePlan& plan) {
