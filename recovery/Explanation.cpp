@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
-#include <queue>
 #include <unordered_map>
 #include <utility>
 
@@ -68,6 +68,8 @@ class CExplainer {
             Release(candidate.claim);
             Extend(i);
             m_whole += candidate.IsWhole() ? 1 : 0;
+            if (m_pending.size() > kMostPending) DropTheCostliest();
+            if (m_nodes.size() > 2 * m_needed + kMostPending) ForgetDeadEnds();
         }
         Release(m_size);
         return Path(Best());
@@ -75,6 +77,12 @@ class CExplainer {
 
  private:
     static constexpr std::size_t kMostOpen = 16;
+    static constexpr std::size_t kMostPending = std::size_t{1} << 14;
+
+    using CEnd = std::pair<std::int64_t, std::int32_t>;
+
+    CNode& NodeAt(std::int32_t index) { return m_nodes[static_cast<std::size_t>(index)]; }
+    const CNode& NodeAt(std::int32_t index) const { return m_nodes[static_cast<std::size_t>(index)]; }
 
     const CCandidate& CandidateOf(const CNode& node) const { return m_candidates.list[node.piece.candidate]; }
     bool IsStart(const CNode& node) const { return node.parent == kNone; }
@@ -82,26 +90,82 @@ class CExplainer {
 
     /// Opens the nodes that end by here: something else may follow them.
     void Release(std::int64_t position) {
-        while (!m_pending.empty() && m_pending.top().first <= position) {
-            const std::int32_t index = m_pending.top().second;
-            m_pending.pop();
-            CNode& node = m_nodes[static_cast<std::size_t>(index)];
+        while (!m_pending.empty() && m_pending.front().first <= position) {
+            std::ranges::pop_heap(m_pending, std::greater());
+            const std::int32_t index = m_pending.back().second;
+            m_pending.pop_back();
+            CNode& node = NodeAt(index);
             if (m_whole > node.wholeBefore) node.cost += costs::kHeaderWithin;
             const auto place = std::ranges::upper_bound(m_open, node.cost, {}, [&](std::int32_t other) {
-                return m_nodes[static_cast<std::size_t>(other)].cost;
+                return NodeAt(other).cost;
             });
             m_open.insert(place, index);
             if (m_open.size() > kMostOpen) m_open.pop_back();
         }
     }
 
+    /// Keeps the cheaper half of the ways that end later.
+    void DropTheCostliest() {
+        const auto half = m_pending.begin() + kMostPending / 2;
+        std::nth_element(m_pending.begin(), half, m_pending.end(), [&](const CEnd& one, const CEnd& other) {
+            return NodeAt(one.second).cost < NodeAt(other.second).cost;
+        });
+        m_pending.erase(half, m_pending.end());
+        std::ranges::make_heap(m_pending, std::greater());
+    }
+
+    /// Removes the nodes that aren't ahead of any open way. The others keep their order.
+    void ForgetDeadEnds() {
+        std::vector<std::int32_t> places(m_nodes.size(), kNone);
+        const auto need = [&](std::int32_t index) {
+            for (; index != kNone && places[static_cast<std::size_t>(index)] == kNone; index = NodeAt(index).parent)
+                places[static_cast<std::size_t>(index)] = 0;
+        };
+        const auto placeOf = [&](std::int32_t index) {
+            return index == kNone ? kNone : places[static_cast<std::size_t>(index)];
+        };
+        need(0);
+        std::ranges::for_each(m_open, need);
+        std::ranges::for_each(m_recordings, need);
+        for (const CEnd& end : m_pending)
+            need(end.second);
+        m_needed = 0;
+        for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+            if (places[i] == kNone) continue;
+            CNode& node = m_nodes[m_needed] = m_nodes[i];
+            node.parent = placeOf(node.parent);
+            places[i] = static_cast<std::int32_t>(m_needed++);
+            node.recording = placeOf(node.recording);
+        }
+        m_nodes.resize(m_needed);
+        for (std::int32_t& index : m_open)
+            index = placeOf(index);
+        for (std::int32_t& index : m_recordings)
+            index = placeOf(index);
+        for (CEnd& end : m_pending)
+            end.second = placeOf(end.second);
+        std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> learned;
+        for (const auto& [key, range] : m_learned) {
+            if (placeOf(key.first) != kNone) learned[{placeOf(key.first), key.second}] = range;
+        }
+        m_learned.swap(learned);
+    }
+
+    /// Offers all ways to a candidate. What goes on without an assumption is better than any costlier way.
     void Extend(std::uint32_t index) {
         const CCandidate& candidate = m_candidates.list[index];
         m_offers.clear();
-        for (const std::int32_t parent : m_open)
+        std::int32_t most = std::numeric_limits<std::int32_t>::max();
+        for (const std::int32_t parent : m_open) {
+            const std::int32_t cost = NodeAt(parent).cost;
+            if (cost > most) break;
             Follow(parent, index, false);
+            const bool isFree = !m_offers.empty() && m_offers.front().piece.hasOwnShift &&
+                                m_offers.front().cost == cost + costs::kHeader;
+            if (isFree) most = std::min(most, cost + costs::kNearlyEqual);
+        }
         for (const std::int32_t parent : m_recordings) {
-            const CNode& node = m_nodes[static_cast<std::size_t>(parent)];
+            const CNode& node = NodeAt(parent);
             if (IsStart(node)) continue;
             const CCandidate& header = CandidateOf(node);
             if (!header.IsWhole() && header.begin < candidate.begin && candidate.begin < header.end)
@@ -117,14 +181,15 @@ class CExplainer {
         if (isRecording || node.piece.lostRecording) node.recording = index;
         if (isRecording) m_recordings[m_nextRecording++ % m_recordings.size()] = index;
         node.wholeBefore = m_whole + (CandidateOf(node).IsWhole() ? 1 : 0);
-        m_pending.emplace(node.piece.end, index);
+        m_pending.emplace_back(node.piece.end, index);
+        std::ranges::push_heap(m_pending, std::greater());
         m_nodes.push_back(node);
         Learn(node);
     }
 
     /// Offers the ways in which a candidate can follow a node.
     void Follow(std::int32_t parentIndex, std::uint32_t index, bool cutsParent) {
-        const CNode& parent = m_nodes[static_cast<std::size_t>(parentIndex)];
+        const CNode& parent = NodeAt(parentIndex);
         const CCandidate& candidate = m_candidates.list[index];
         const std::int64_t end = cutsParent ? candidate.begin : parent.piece.end;
         if (end > candidate.claim) return;
@@ -163,7 +228,7 @@ class CExplainer {
         }
         if (IsOf(parent, EKind::Segment) && IsPosition(CandidateOf(parent).next)) node.cost += costs::kPosition;
         if (parent.recording != kNone) {
-            const CNode& before = m_nodes[static_cast<std::size_t>(parent.recording)];
+            const CNode& before = NodeAt(parent.recording);
             if (IsOf(before, EKind::Recording) && CandidateOf(before).layout != header.layout)
                 node.cost += costs::kVersion;
         }
@@ -306,7 +371,7 @@ class CExplainer {
     bool IsNextRecordingPassed(const CNode& parent, const CNode& node) const {
         std::int64_t next = kLost;
         if (parent.recording != kNone) {
-            const CNode& recording = m_nodes[static_cast<std::size_t>(parent.recording)];
+            const CNode& recording = NodeAt(parent.recording);
             if (IsOf(recording, EKind::Recording)) next = CandidateOf(recording).from;
         } else if (IsOf(parent, EKind::File)) {
             next = CandidateOf(parent).next;
@@ -335,14 +400,14 @@ class CExplainer {
         for (int i = 0; i < kMostSteps && node->parent != kNone && IsOf(*node, EKind::Segment); ++i) {
             const CCandidate& before = CandidateOf(*node);
             if (before.well == segment.well) return segment.from > before.to;
-            node = &m_nodes[static_cast<std::size_t>(node->parent)];
+            node = &NodeAt(node->parent);
         }
         return true;
     }
 
     const CWellList* WellListOf(std::int32_t recording) const {
         if (recording == kNone) return nullptr;
-        const CNode& node = m_nodes[static_cast<std::size_t>(recording)];
+        const CNode& node = NodeAt(recording);
         if (!IsOf(node, EKind::Recording)) return nullptr;
         return &m_candidates.wellLists[static_cast<std::size_t>(CandidateOf(node).well)];
     }
@@ -374,7 +439,7 @@ class CExplainer {
         std::int32_t best = 0;
         std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
         for (const std::int32_t index : m_open) {
-            const CNode& node = m_nodes[static_cast<std::size_t>(index)];
+            const CNode& node = NodeAt(index);
             const std::int64_t gap = m_size - node.piece.end;
             const std::int32_t cost = node.cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(node, gap) : 0);
             if (cost >= lowest) continue;
@@ -387,8 +452,8 @@ class CExplainer {
     std::vector<CPiece> Path(std::int32_t last) const {
         std::vector<CPiece> pieces;
         std::optional<std::int64_t> cutAt;
-        for (const CNode* node = &m_nodes[static_cast<std::size_t>(last)]; !IsStart(*node);
-             node = &m_nodes[static_cast<std::size_t>(node->parent)]) {
+        for (const CNode* node = &NodeAt(last); !IsStart(*node);
+             node = &NodeAt(node->parent)) {
             pieces.push_back(node->piece);
             if (cutAt) pieces.back().end = *cutAt;
             pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int32_t>::max() &&
@@ -404,12 +469,12 @@ class CExplainer {
     const CReach& m_reach;
     std::vector<CNode> m_nodes;
     std::vector<std::int32_t> m_open;  ///< The best ways that end by here, the best first.
-    using CEnd = std::pair<std::int64_t, std::int32_t>;
-    std::priority_queue<CEnd, std::vector<CEnd>, std::greater<>> m_pending;  ///< Those that end later.
+    std::vector<CEnd> m_pending;       ///< Those that end later: a heap, the first to end at its front.
     std::vector<CNode> m_offers;
     std::array<std::int32_t, 4> m_recordings = {};  ///< The latest nodes of recordings; 0 for none.
     std::size_t m_nextRecording = 0;
     std::int32_t m_whole = 0;
+    std::size_t m_needed = 0;  ///< Nodes that were left when dead ends were last forgotten.
     std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> m_learned;
 };
 
