@@ -147,8 +147,10 @@ class CAccountant {
         const bool isGap = begin > m_end;
         if (candidate.kind == EKind::Segment && !piece.lostRecording) CompareNext(true);
         if (candidate.kind == EKind::Segment && piece.lostRecording && !isGap) CompareNext(false);
-        if (isGap || piece.shift != ShiftBefore(piece) || candidate.begin < m_end || IsAloneAstray(piece))
+        if (isGap || piece.lostRecording || piece.shift != ShiftBefore(piece) || candidate.begin < m_end ||
+            IsAloneAstray(piece))
             DoubtSegmentBefore(isGap);
+        if (candidate.kind == EKind::File) DoubtFile(candidate);
         if (candidate.kind == EKind::File) EndFile(begin);
         if (candidate.kind == EKind::Segment && piece.lostRecording) {
             BeginLostRecording(begin);
@@ -178,6 +180,14 @@ class CAccountant {
             if (m_pieces[i].hasOwnShift && m_pieces[i].ownShift == m_pieces[i - 1].shift) return false;
         }
         return true;
+    }
+
+    /// A file that begins where samples of a segment ahead should lie was joined to a cut one, or is those samples.
+    void DoubtFile(const CCandidate& file) {
+        const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
+        const std::int64_t end = segment.end + 2 * segment.size;
+        if (segment.IsWhole() && segment.end <= file.begin && file.begin < end)
+            Doubt({.reason = EReason::Ambiguous, .from = file.begin, .to = std::min(end, m_window.Size())});
     }
 
     void LoseGap(std::int64_t end) {
@@ -225,8 +235,10 @@ class CAccountant {
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
         EReason reason = EReason::Unconfirmed;
-        if (candidate.begin < m_end || IsAloneAstray(piece)) {
-            reason = candidate.begin < m_end || piece.ownShift > m_shift ? EReason::TakenOut : EReason::PutIn;
+        const bool lacksHeader = piece.lostRecording && !isGap;
+        if (candidate.begin < m_end || lacksHeader || IsAloneAstray(piece)) {
+            reason =
+                candidate.begin < m_end || lacksHeader || piece.ownShift > m_shift ? EReason::TakenOut : EReason::PutIn;
         } else if (shift == m_shift || (shift == kLost && LooksLikeHeader(m_window, m_end))) {
             return;
         } else if (shift != kLost) {

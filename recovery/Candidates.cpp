@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 
 #include "vxfileio/helpers/NumberText.h"
@@ -331,10 +332,27 @@ CWellList WellListOf(CWindow& window, const CCandidate& recording, std::int64_t 
     return list;
 }
 
+namespace {
+
+/// Two versions can read the end of one header: the reading with more whole cells stays.
+void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
+    const auto rank = [](const CCandidate& candidate) {
+        return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.damaged);
+    };
+    std::ranges::sort(list, {}, rank);
+    const auto isSame = [](const CCandidate& one, const CCandidate& other) {
+        return one.end == other.end && one.kind == other.kind && one.kind != EKind::Segment && other.damaged > 0;
+    };
+    list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
+}
+
+}  // namespace
+
 CCandidates FindCandidates(CWindow& window, const CReach& reach) {
     CCandidates found;
     CWindow text = window;
     CSearch(window, reach, found).Run(text);
+    LeaveOutWorseReadings(found.list);
     std::ranges::stable_sort(found.list, {}, &CCandidate::claim);
     return found;
 }

@@ -7,7 +7,6 @@
 #include <limits>
 #include <map>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 
 #include "vxfileio/rawdata/SegmentTimes.h"
@@ -53,6 +52,14 @@ std::optional<std::int64_t> SamplesBetween(std::int64_t from, std::int64_t to, s
     return static_cast<std::int64_t>(*count);
 }
 
+/// Returns how far a candidate's own position points beside what it means, if it has one.
+std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
+    if (!candidate.IsWhole() || !IsPosition(candidate.next)) return std::nullopt;
+    if (candidate.kind == EKind::File) return -candidate.begin;
+    return candidate.next - candidate.end + candidate.moved -
+           (candidate.kind == EKind::Segment ? 2 * candidate.size : 0);
+}
+
 class CExplainer {
  public:
     CExplainer(const CCandidates& candidates, std::int64_t size, const CReach& reach)
@@ -96,9 +103,8 @@ class CExplainer {
             m_pending.pop_back();
             CNode& node = NodeAt(index);
             if (m_whole > node.wholeBefore) node.cost += costs::kHeaderWithin;
-            const auto place = std::ranges::upper_bound(m_open, node.cost, {}, [&](std::int32_t other) {
-                return NodeAt(other).cost;
-            });
+            const auto place =
+                std::ranges::upper_bound(m_open, node.cost, {}, [&](std::int32_t other) { return NodeAt(other).cost; });
             m_open.insert(place, index);
             if (m_open.size() > kMostOpen) m_open.pop_back();
         }
@@ -236,12 +242,16 @@ class CExplainer {
     }
 
     void FollowWithSegment(const CNode& parent, std::int64_t gap, CNode node) {
-        const CCandidate& segment = CandidateOf(node);
-        const bool mustBegin = parent.recording == kNone;
         const int same = SameRecordingCost(parent, gap, node);
-        const int lost = LostRecordingCost(parent, gap, node);
-        node.piece.lostRecording = mustBegin || (gap > 0 && lost < same);
-        node.cost += node.piece.lostRecording ? lost : same;
+        if (parent.recording != kNone) OfferReadings(parent, gap, node, same);
+        if (parent.recording != kNone && same == 0) return;
+        node.piece.lostRecording = true;
+        OfferReadings(parent, gap, node, LostRecordingCost(parent, gap, node));
+    }
+
+    /// Offers each way to read a segment.
+    void OfferReadings(const CNode& parent, std::int64_t gap, const CNode& node, int cost) {
+        const CCandidate& segment = CandidateOf(node);
         const std::int64_t tick = node.piece.lostRecording ? 0 : TickOf(parent.recording, segment);
         const CWellList* const wells = node.piece.lostRecording ? nullptr : WellListOf(parent.recording);
         for (const CReading& reading :
@@ -251,7 +261,7 @@ class CExplainer {
             way.piece.made = reading.made;
             way.piece.tick = tick;
             way.piece.end = segment.end + 2 * reading.samples;
-            way.cost += reading.made == EMade::None ? 0 : costs::kValue;
+            way.cost += cost + (reading.made == EMade::None ? 0 : costs::kValue);
             if (way.piece.end > m_size) {
                 const bool isTold = tick > 0 || segment.next == way.piece.end + parent.piece.shift;
                 if (!segment.IsWhole() || reading.made != EMade::None || !isTold) continue;
@@ -353,17 +363,25 @@ class CExplainer {
 
     int SameRecordingCost(const CNode& parent, std::int64_t gap, const CNode& node) const {
         int cost = IsOf(parent, EKind::Segment) && CandidateOf(parent).next == kUnset ? costs::kPosition : 0;
-        if (gap > 0 && parent.recording != kNone && IsForeign(parent, node)) cost += costs::kForeign;
+        if ((gap > 0 || MissingAhead(parent, CandidateOf(node)) != 0) && parent.recording != kNone &&
+            IsForeign(parent, node))
+            cost += costs::kForeign;
         if (gap > 0 && IsNextRecordingPassed(parent, node)) cost += costs::kPosition;
         return cost;
     }
 
+    /// Returns how many bytes are missing ahead of a segment by its own position; below 0 if there are too many.
+    static std::int64_t MissingAhead(const CNode& parent, const CCandidate& segment) {
+        return OwnShift(segment).value_or(parent.piece.shift) - parent.piece.shift;
+    }
+
     int LostRecordingCost(const CNode& parent, std::int64_t gap, const CNode& node) const {
         const bool expectsSegment = IsOf(parent, EKind::Segment) && IsPosition(CandidateOf(parent).next);
-        const bool hasRoom = gap >= static_cast<std::int64_t>(Layouts().front().recording.size);
+        const bool hasRoom = gap + MissingAhead(parent, CandidateOf(node)) >=
+                             static_cast<std::int64_t>(Layouts().front().recording.size);
         const bool hasEnded = IsOf(parent, EKind::Segment) && CandidateOf(parent).next == kUnset;
-        return (hasRoom || hasEnded || IsNextRecordingPassed(parent, node) ? costs::kLostRecording
-                                                                           : costs::kForcedRecording) +
+        return (hasRoom || (hasEnded && gap > 0) || IsNextRecordingPassed(parent, node) ? costs::kLostRecording
+                                                                                        : costs::kForcedRecording) +
                (expectsSegment && IsRecordingHdrSize(gap) ? costs::kPosition : 0);
     }
 
@@ -452,8 +470,7 @@ class CExplainer {
     std::vector<CPiece> Path(std::int32_t last) const {
         std::vector<CPiece> pieces;
         std::optional<std::int64_t> cutAt;
-        for (const CNode* node = &NodeAt(last); !IsStart(*node);
-             node = &NodeAt(node->parent)) {
+        for (const CNode* node = &NodeAt(last); !IsStart(*node); node = &NodeAt(node->parent)) {
             pieces.push_back(node->piece);
             if (cutAt) pieces.back().end = *cutAt;
             pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int32_t>::max() &&
@@ -478,14 +495,6 @@ class CExplainer {
     std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> m_learned;
 };
 
-/// Returns how far a candidate's own position points beside what it means, if it has one.
-std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
-    if (!candidate.IsWhole() || !IsPosition(candidate.next)) return std::nullopt;
-    if (candidate.kind == EKind::File) return -candidate.begin;
-    return candidate.next - candidate.end + candidate.moved -
-           (candidate.kind == EKind::Segment ? 2 * candidate.size : 0);
-}
-
 }  // namespace
 
 std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CReach& reach) {
@@ -495,41 +504,62 @@ std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CR
 
 namespace {
 
-/// Finds raw data files that were stored as samples.
+/// Finds raw data files that were stored as samples. A header lies at a *place* in its own file: its offset, plus how
+/// far its position points beside what it means. Headers of a file within samples have places from the beginning of
+/// that file on; after it, the headers around it go on.
 class CFilesWithin {
  public:
     CFilesWithin(CCandidates& candidates, std::int64_t size)
-        : m_lists(candidates.wellLists), m_list(candidates.list), m_size(size) {
-        for (std::size_t i = 0; i < m_list.size(); ++i) {
-            if (const auto shift = OwnShift(m_list[i]); shift && m_list[i].kind != EKind::File) m_lastOf[*shift] = i;
-        }
-    }
+        : m_lists(candidates.wellLists), m_list(candidates.list), m_size(size) {}
 
     void LeaveOut() {
         std::size_t kept = 0;
         for (std::size_t i = 0; i < m_list.size(); ++i) {
-            const CCandidate& candidate = m_list[i];
-            if (candidate.kind == EKind::File && candidate.begin > 0 && candidate.IsWhole() && m_shift) i = EndOf(i);
+            if (m_list[i].kind == EKind::File && m_list[i].begin > 0 && m_list[i].IsWhole() && m_shift) i = EndOf(i);
             if (i == m_list.size()) break;
-            if (m_list[i].kind == EKind::Recording) m_around = WellsOf(m_list[i]);
-            if (const auto shift = OwnShift(m_list[i])) m_shift = shift;
+            Pass(m_list[i]);
             m_list[kept++] = m_list[i];
         }
         m_list.resize(kept);
     }
 
  private:
+    void Pass(const CCandidate& candidate) {
+        if (candidate.kind == EKind::Recording) m_around = WellsOf(candidate);
+        if (candidate.kind == EKind::Recording && IsPosition(candidate.from)) m_nextRecording = candidate.from;
+        if (candidate.kind == EKind::Segment && IsPosition(candidate.next)) m_nextSegment = candidate.next;
+        if (candidate.kind == EKind::File) m_nextRecording = m_nextSegment = kLost;
+        if (const auto shift = OwnShift(candidate)) m_shift = shift;
+    }
+
     const CWellList* WellsOf(const CCandidate& recording) const {
         return &m_lists[static_cast<std::size_t>(recording.well)];
     }
 
-    /// Returns the index of the first candidate after the samples that begin with the file at `file`, if their own
-    /// header is still there, damaged as it may be, and they end where another header begins or with the input.
+    /// Returns the index of the first candidate after the file that begins at `file`, or `file` if it was joined to
+    /// what lies before it.
+    std::size_t EndOf(std::size_t file) const {
+        if (const auto end = EndOfSamples(file)) return *end;
+        if (const auto end = FirstAround(file)) return *end;
+        const std::size_t end = AfterLastSegment(file);
+        return end == file && BeginsSamples(file) ? m_list.size() : end;
+    }
+
+    /// Returns whether the file is the first thing in the samples of a whole header and nothing in it lies after them.
+    bool BeginsSamples(std::size_t file) const {
+        const CCandidate& segment = m_list[file - 1];
+        const std::int64_t end = segment.end + 2 * segment.size;
+        return segment.kind == EKind::Segment && segment.IsWhole() && segment.end == m_list[file].begin &&
+               m_list.back().end <= end;
+    }
+
+    /// Returns what follows the samples that the file is in, if their own header is still there, damaged as it may be,
+    /// and they end where another header begins or with the input.
     std::optional<std::size_t> EndOfSamples(std::size_t file) const {
-        for (std::size_t i = file; i > 0 && m_list[i - 1].claim >= m_list[file].begin - kHdrBefore; --i) {
+        for (std::size_t i = file; i > 0 && m_list[i - 1].end > m_list[file - 1].begin; --i) {
             const CCandidate& segment = m_list[i - 1];
-            if (segment.kind != EKind::Segment || segment.end != m_list[file].begin || segment.noSize) continue;
             const std::int64_t end = segment.end + 2 * segment.size;
+            if (segment.kind != EKind::Segment || segment.noSize || end <= m_list[file].begin) continue;
             const auto next = std::ranges::lower_bound(m_list, end, {}, &CCandidate::claim);
             if (end == m_size || (next != m_list.end() && next->begin == end))
                 return static_cast<std::size_t>(next - m_list.begin());
@@ -537,37 +567,47 @@ class CFilesWithin {
         return std::nullopt;
     }
 
-    /// Returns the index of the first candidate after the file that begins at `file`, or `file` if nothing around it
-    /// goes on.
-    std::size_t EndOf(std::size_t file) const {
-        if (const auto end = EndOfSamples(file)) return *end;
-        const auto last = m_lastOf.find(*m_shift);
-        const bool goesOn = last != m_lastOf.end() && last->second > file;
+    /// Returns the first header that goes on with those before the file: it points beside by as much as they do, or by
+    /// as much as the one that lies in the place that they lead to.
+    std::optional<std::size_t> FirstAround(std::size_t file) const {
+        std::optional<std::int64_t> shift;
+        for (std::size_t i = file + 1; i < m_list.size() && !shift; ++i) {
+            const auto own = m_list[i].kind == EKind::File ? std::nullopt : OwnShift(m_list[i]);
+            if (!own || *own == -m_list[file].begin) continue;
+            const std::int64_t place = m_list[i].begin + *own;
+            if (own == m_shift || place == m_nextSegment || place == m_nextRecording) shift = own;
+        }
+        if (!shift) return std::nullopt;
+        std::size_t first = file + 1;
+        while (m_list[first].kind == EKind::File || OwnShift(m_list[first]) != shift)
+            ++first;
+        return first;
+    }
+
+    /// Returns the last segment of the recording around: it comes after the last one within, or its well isn't listed
+    /// there.
+    std::size_t AfterLastSegment(std::size_t file) const {
         const CWellList* inside = nullptr;
         bool hasEnded = false;
-        for (std::size_t i = file + 1; i < m_list.size() && (goesOn || m_list[i].kind != EKind::File); ++i) {
+        for (std::size_t i = file + 1; i < m_list.size() && m_list[i].kind != EKind::File; ++i) {
             const CCandidate& candidate = m_list[i];
-            if (const auto shift = OwnShift(candidate)) {
-                if (shift == m_shift && candidate.kind != EKind::File) return i;
-            } else if (candidate.kind == EKind::Segment && candidate.next == kUnset && m_around != nullptr &&
-                       m_around->Lists(candidate.well) &&
-                       (hasEnded || inside == nullptr || !inside->Lists(candidate.well))) {
+            const bool isLast = candidate.kind == EKind::Segment && candidate.next == kUnset;
+            if (isLast && m_around != nullptr && m_around->Lists(candidate.well) &&
+                (hasEnded || inside == nullptr || !inside->Lists(candidate.well)))
                 return i;
-            }
             if (candidate.kind == EKind::Recording) inside = WellsOf(candidate);
-            hasEnded = candidate.kind == EKind::Segment && candidate.next == kUnset;
+            hasEnded = isLast;
         }
         return file;
     }
 
-    static constexpr std::int64_t kHdrBefore = 1000;  ///< More than a segment header has.
-
     const std::vector<CWellList>& m_lists;
     std::vector<CCandidate>& m_list;
     std::int64_t m_size;
-    std::unordered_map<std::int64_t, std::size_t> m_lastOf;  ///< The last candidate with this shift.
-    const CWellList* m_around = nullptr;                     ///< The wells of the recording around.
-    std::optional<std::int64_t> m_shift;
+    const CWellList* m_around = nullptr;  ///< The wells of the recording around.
+    std::optional<std::int64_t> m_shift;  ///< That of the last header before.
+    std::int64_t m_nextSegment = kLost;   ///< The places that the headers before lead to.
+    std::int64_t m_nextRecording = kLost;
 };
 
 }  // namespace

@@ -100,6 +100,15 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
                                SegmentHdrBytes(11, next, 0, last, std::to_string(host.size() / 2)) +
                                host.substr(0, host.size() / 2 * 2) + SegmentHdrBytes(12, -1, 0, 300, "4") + "12345678";
     const std::string after = "S" + std::to_string(next) + " ";
+    std::string goesOn =
+        With(within, static_cast<std::size_t>(next), 300, SegmentHdrBytes(12, next + 308, 0, 300, "4")) +
+        SegmentHdrBytes(12, -1, 400, 700, "4") + "12345678";
+    // Two recordings; the last segment of the first one has 60 samples.
+    const std::string two = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4378}) +
+                            SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) +
+                            SegmentHdrBytes(12, -1, 0, 5900, "60") + std::string(120, '\x55') +
+                            RecordingHdrBytes({.recording = 2, .data = 6838}) + SegmentHdrBytes(11, 7146, 0, 300, "4") +
+                            SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12);
     const CExplanationCase cases[] = {
         {"whole", file, "F0 R1190 S3650 S3958 "},
         {"rubbish ahead", kRubbish + file, "F300 R1490 S3950 S4258 "},
@@ -112,6 +121,11 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
         {"a cut header with an intact file after it", file.substr(0, 2000) + file, "F0 R1190 F2000 R3190 S5650 S5958 "},
         {"a file as samples of a whole segment", within, nullptr},
         {"a file as samples of a lost segment", With(within, 3650, 300, kRubbish), nullptr},
+        {"a file as samples that lost their last bytes", goesOn.erase(8200, 6), "F0 R1190 S8210 S8518 "},
+        {"bytes taken out of samples before a recording", std::string(two).erase(4300, 50),
+         "F0 R1190 S3650 R4328 S6788 S7096 "},
+        {"bytes taken out across the header of a recording", std::string(two).erase(4300, 2460),
+         "F0 R1190 S3650 S3958 S4378! S4686 "},
     };
     for (const CExplanationCase& one : cases) {
         if (one.pieces != nullptr) {
