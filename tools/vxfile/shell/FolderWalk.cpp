@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Seal.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "vxfileio/base/FileExtensions.h"
@@ -62,11 +63,23 @@ class CFolderWalk {
         std::error_code none;
         if (!entry.is_symlink(none) && entry.is_directory(none)) {
             m_waiting.push_back(entry.path());
+        } else if (entry.path().extension() == kSealExtension) {
+            TakeSeal(entry.path());
         } else if (IsToBeChecked(entry)) {
             m_content.entries.push_back({entry.path().string()});
         } else {
             ++m_content.passedOver;
         }
+    }
+
+    /// The sealed file is met itself, unless it is gone.
+    void TakeSeal(const fs::path& seal) {
+        std::error_code none;
+        fs::path file = seal;
+        file.replace_extension();
+        if (!fs::exists(file, none))
+            m_content.entries.push_back({file.string(), file.string() + " is gone, but was sealed in " + seal.string() +
+                                                            "; take it from a copy."});
     }
 
     std::vector<fs::path> m_waiting;

@@ -44,8 +44,8 @@ int RunWhole(int argc, const char* const* argv) {
 
 CCommands MakeCommands() {
     CCommands commands;
-    for (auto* const make : {MakeInfoCommand, MakeVerifyCommand, MakeRecoverCommand, MakeSamplesCommand,
-                             MakeExportCommand, MakeWatchCommand, MakeDiffCommand})
+    for (auto* const make : {MakeInfoCommand, MakeVerifyCommand, MakeSealCommand, MakeRecoverCommand,
+                             MakeSamplesCommand, MakeExportCommand, MakeWatchCommand, MakeDiffCommand})
         commands.push_back(make());
     return commands;
 }

@@ -1,8 +1,11 @@
 #include <iostream>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "recovery/Recover.h"
+#include "tools/vxfile/raw/Proof.h"
 #include "tools/vxfile/raw/RecoverText.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
@@ -57,20 +60,28 @@ class CRecoverCommand : public CCommand {
         if (!m_json) {
             report = Recover();
             PrintReport(std::cout, report, names);
+            if (m_proof) m_proof->Print(std::cout);
             return StatusOf(report);
         }
-        const std::string failure = FailureOf([&] { report = Recover(); });
-        PrintJson(kText.name, CJson::array({failure.empty() ? ToJson(report, names)
-                                                            : CJson{{"file", m_source}, {"error", failure}}}));
+        CJson json;
+        const std::string failure = FailureOf([&] {
+            report = Recover();
+            json = ToJson(report, names);
+            if (m_proof) m_proof->AddTo(json);
+        });
+        PrintJson(kText.name,
+                  CJson::array({failure.empty() ? std::move(json) : CJson{{"file", m_source}, {"error", failure}}}));
         return failure.empty() ? StatusOf(report) : kTrouble;
     }
 
  private:
-    static int StatusOf(const CReport& report) { return report.IsComplete() ? kSound : kFindings; }
+    int StatusOf(const CReport& report) const {
+        return report.IsComplete() && (!m_proof || m_proof->IsComplete()) ? kSound : kFindings;
+    }
 
     /// Recovers the file. Throws `CFailure` if there is nothing to save, if the target is the file itself, or if the
     /// files can't be read or written.
-    CReport Recover() const {
+    CReport Recover() {
         RefuseOtherKinds();
         CFile source;
         OpenInput(source, m_source);
@@ -83,6 +94,8 @@ class CRecoverCommand : public CCommand {
         CReport report = Recover(source, write);
         if (report.bytes == 0)
             throw CFailure(m_source + " holds no segment and no complete recording header; there is nothing to save.");
+        if (!whole.Finish()) RefuseWrite(m_target, whole.Failure());
+        m_proof = ProveSegments(m_source, whole.WorkPath());
         if (!whole.Commit()) RefuseWrite(m_target, whole.Failure());
         return report;
     }
@@ -114,6 +127,7 @@ class CRecoverCommand : public CCommand {
     bool m_keepCut = false;
     bool m_force = false;
     bool m_json = false;
+    std::optional<CProof> m_proof;  ///< Nothing if the file isn't sealed.
 };
 
 }  // namespace

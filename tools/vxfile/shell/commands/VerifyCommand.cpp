@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Findings.h"
 #include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/SealCheck.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
@@ -30,7 +32,8 @@ constexpr CCommandText kText = {
     .purpose = "Check every byte that the format of a file fixes",
     .details =
         "Each finding gives the place, what was found there, what was expected, and what that means. Detects the kind "
-        "of file by its content. In a folder and its subfolders, checks all files named .vxd, .vxs, .vxr or .xls, and "
+        "of file by its content. Compares a file that has a seal with it, byte for byte. In a folder and its "
+        "subfolders, checks all files named .vxd, .vxs, .vxr or .xls, and "
         "other files of a known kind. Opens files for reading only.",
     .example = "vxfile verify run.vxd",
     .statuses =
@@ -47,6 +50,7 @@ struct CVerdict {
     std::string path;
     EFileKind kind;
     CFindings findings;
+    std::optional<CSealVerdict> seal = std::nullopt;  ///< Nothing if the file isn't sealed.
 };
 
 /// Returns the one finding about a file that can't be checked at all.
@@ -92,7 +96,8 @@ std::string StatusText(const CFindings& findings) {
 }
 
 void Print(const CVerdict& verdict) {
-    std::cout << Readable(verdict.path) << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings) << '\n';
+    std::cout << Readable(verdict.path) << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings)
+              << (verdict.seal ? ", " + verdict.seal->Words() : "") << '\n';
     const auto& kept = verdict.findings.Kept();
     for (const auto& finding : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
         std::cout << "  " << Bold(finding.where);
@@ -116,6 +121,7 @@ CJson ToJson(const CVerdict& verdict) {
     return {{"path", verdict.path},
             {"kind", WordOf(verdict.kind)},
             {"status", StatusWord(verdict.findings.Status())},
+            {"seal", verdict.seal ? verdict.seal->Json() : CJson()},
             {"findingCount", verdict.findings.Count()},
             {"findings", std::move(findings)}};
 }
@@ -128,6 +134,9 @@ class CVerifyCommand : public CCommand {
         return {
             {.names = "FILE", .target = &m_arguments, .text = "Files, or folders of files", .isRequired = true},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
+            {.names = "--no-seal",
+             .target = &m_noSeal,
+             .text = "Don't compare files with their seals, which reads every byte"},
             {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
         };
     }
@@ -149,7 +158,8 @@ class CVerifyCommand : public CCommand {
     /// Checks one file. Returns its entry for the JSON document; null without --json.
     CJson Tell(const std::string& path) {
         const EFileKind kind = FileKindOf(path);
-        const CVerdict verdict{path, kind, VerifyKind(kind, path)};
+        CVerdict verdict{path, kind, VerifyKind(kind, path)};
+        if (!m_noSeal) verdict.seal = CheckSeal(path, verdict.findings);
         ++m_counts[static_cast<std::size_t>(verdict.findings.Status())];
         if (!m_json && !m_quiet) Print(verdict);
         return m_json ? ToJson(verdict) : CJson();
@@ -190,6 +200,7 @@ class CVerifyCommand : public CCommand {
 
     std::vector<std::string> m_arguments;
     bool m_json = false;
+    bool m_noSeal = false;
     bool m_quiet = false;
     std::array<std::size_t, 3> m_counts{};  ///< The number of files, and of unreadable folders, by status.
     std::size_t m_passedOver = 0;           ///< The number of other files in folders.

@@ -1,0 +1,383 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tests/support/TempFolder.h"
+#include "tests/tools/RawBytes.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vxfile/report/Seal.h"
+#include "tools/vxfile/report/SealCheck.h"
+#include "tools/vxfile/system/FileDigest.h"
+#include "tools/vxfile/system/Hex.h"
+
+using namespace vxfile;
+
+namespace {
+
+using EState = CSealVerdict::EState;
+using nlohmann::json;
+
+/// Headers begin at 0, 1190, 3650, 3954, 4262 and 6722.
+const std::string kTwo = FileOf({{{11, 0, {1, 2}}, {12, 0, {3, 4, 5, 6}}}, {{12, 500, {7}}}});
+
+/// The place that a changed byte of it is reported at: up to `end`, from where the row before ends.
+struct CPlaceName {
+    std::size_t end;
+    const char* where;
+};
+const std::vector<CPlaceName> kPlaces = {{1190, "file header"},
+                                         {3650, "CompoundTest 1 > header"},
+                                         {3950, "CompoundTest 1 > well 11, times 0 to 100 > header"},
+                                         {3954, "CompoundTest 1 > well 11, times 0 to 100 > samples"},
+                                         {4254, "CompoundTest 1 > well 12, times 0 to 300 > header"},
+                                         {4262, "CompoundTest 1 > well 12, times 0 to 300 > samples"},
+                                         {6722, "CompoundTest 2 > header"},
+                                         {7022, "CompoundTest 2 > well 12, times 500 to 500 > header"},
+                                         {7024, "CompoundTest 2 > well 12, times 500 to 500 > samples"}};
+
+std::string Flipped(std::string bytes, std::size_t at, int bit = 0) {
+    bytes[at] = static_cast<char>(bytes[at] ^ (1 << bit));
+    return bytes;
+}
+
+/// Flips a bit without rewriting the file, which would take long on a disk.
+void FlipInPlace(const std::string& path, std::size_t at) {
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    const auto place = static_cast<std::streamoff>(at);
+    const char byte =
+        Flipped(std::string(1, static_cast<char>(file.seekg(place).get())), 0, static_cast<int>(at % 8))[0];
+    file.seekp(place).put(byte);
+}
+
+class Seals : public testing::Test {
+ protected:
+    /// Writes a file and seals it.
+    void SealFile(const std::string& bytes) {
+        WriteAll(m_path, bytes);
+        m_run = RunTool({"seal", "--force", m_path});
+    }
+
+    /// Compares the file with its seal after it got this content.
+    EState Check(const std::string& bytes) {
+        WriteAll(m_path, bytes);
+        return Check();
+    }
+
+    EState Check() {
+        m_findings = {};
+        const auto verdict = CheckSeal(m_path, m_findings);
+        return verdict ? verdict->state : EState::Unusable;
+    }
+
+    json RecoverJson() {
+        m_run = RunTool({"recover", m_path, "-o", m_folder.Path("new.vxd"), "--force", "--json"});
+        return json::parse(m_run.out)["files"][0];
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("run.vxd");
+    std::string m_seal = m_path + ".seal";
+    CToolRun m_run;
+    CFindings m_findings;
+};
+
+}  // namespace
+
+// Values from hashlib and xxhsum.
+TEST_F(Seals, HaveTheChecksumsThatOtherProgramsCompute) {
+    std::string bytes;
+    for (int i = 0; i < 2621447; ++i)
+        bytes += static_cast<char>(i * 31 % 251);
+    struct CCase {
+        std::string bytes;
+        std::vector<std::int64_t> lengths;
+        std::vector<const char*> xxh3;
+        const char* sha256;
+    };
+    for (const auto& c : std::vector<CCase>{{"",
+                                             {0},
+                                             {"99aa06d3014798d86001c324468d497f"},
+                                             "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+                                            {"abc",
+                                             {3},
+                                             {"06b05ab6733a618578af5f94892f3950"},
+                                             "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+                                            {bytes.substr(0, 1000),
+                                             {1000},
+                                             {"17a0f7b2ab909d68404e1417800eb486"},
+                                             "f3f55c45264850b8475533289ff43ab81fa1eb3bf781267db645e1ce0c193379"},
+                                            {bytes,
+                                             {1048579, 1572868},
+                                             {"d9596c1c15ab69f223493c3fc4135a9e", "209d8d7e0ef2b5807cf90686b27cc8ab"},
+                                             "02788352a28f478d81b4609d0be75eb2d7e6840f00edbd6f48de09ef4db9230e"}}) {
+        WriteAll(m_path, c.bytes);
+        vxfileio::helpers::CFile file;
+        ASSERT_TRUE(file.OpenForReading(m_path));
+        CFileDigest digest(file, m_path, file.Size());
+        for (std::size_t i = 0; i < c.lengths.size(); ++i)
+            EXPECT_EQ(HexOf(digest.HashNext(c.lengths[i])), c.xxh3[i]);
+        EXPECT_EQ(digest.Sha256(), c.sha256);
+    }
+}
+
+TEST_F(Seals, AreDocumentsThatDescribeEveryPart) {
+    SealFile(kTwo);
+    EXPECT_EQ(m_run.status, 0);
+    const json seal = json::parse(ReadAll(m_seal));
+    EXPECT_EQ(seal["seal"], 1);
+    EXPECT_EQ(seal["file"], "run.vxd");
+    EXPECT_EQ(seal["kind"], "raw");
+    EXPECT_EQ(seal["size"], 7024);
+    json parts = seal["parts"];
+    ASSERT_EQ(parts.size(), 6U);
+    EXPECT_EQ(parts[2]["samplesXxh3"], "505febe278f7a190cf57b2f6d9a45219");
+    EXPECT_EQ(parts[5]["samplesXxh3"], "d618455b56333a4cf63274eaeedf0eec");
+    for (json& part : parts) {
+        for (const char* key : {"xxh3", "headerXxh3", "samplesXxh3"})
+            part.erase(key);
+    }
+    EXPECT_EQ(parts, json::parse(R"([
+        {"kind": "fileHeader", "offset": 0, "length": 1190},
+        {"kind": "recordingHeader", "offset": 1190, "length": 2460, "task": "CompoundTest", "recording": 1},
+        {"kind": "segment", "offset": 3650, "length": 304, "task": "CompoundTest", "recording": 1, "well": 11,
+         "from": 0, "to": 100, "headerLength": 300},
+        {"kind": "segment", "offset": 3954, "length": 308, "task": "CompoundTest", "recording": 1, "well": 12,
+         "from": 0, "to": 300, "headerLength": 300},
+        {"kind": "recordingHeader", "offset": 4262, "length": 2460, "task": "CompoundTest", "recording": 2},
+        {"kind": "segment", "offset": 6722, "length": 302, "task": "CompoundTest", "recording": 2, "well": 12,
+         "from": 500, "to": 500, "headerLength": 300}])"));
+}
+
+TEST_F(Seals, NameThePlaceOfEveryChangedByte) {
+    SealFile(kTwo);
+    EXPECT_EQ(Check(kTwo), EState::Intact);
+    EXPECT_EQ(m_findings.Count(), 0U);
+    std::size_t at = 0;
+    std::size_t begin = 0;
+    for (const auto& place : kPlaces) {
+        for (; at < place.end; ++at) {
+            FlipInPlace(m_path, at);
+            ASSERT_EQ(Check(), EState::Changed) << at;
+            FlipInPlace(m_path, at);
+            ASSERT_EQ(m_findings.Count(), 1U) << at;
+            ASSERT_EQ(m_findings.Kept().front().where, place.where) << at;
+            ASSERT_EQ(m_findings.Kept().front().offset, static_cast<std::int64_t>(begin)) << at;
+        }
+        begin = place.end;
+    }
+}
+
+TEST_F(Seals, TellAFileThatGrewFromOneThatWasCutOrReplaced) {
+    const std::string other = FileOf({{{11, 0, {9, 9}}}});
+    struct CCase {
+        std::string bytes;
+        EState state;
+        std::size_t findings;
+        const char* where;
+        const char* found;
+    };
+    SealFile(kTwo);
+    for (const auto& c : std::vector<CCase>{
+             {kTwo + "x", EState::Grown, 1, "file", "7025 bytes"},
+             {Flipped(kTwo, 3952) + "x", EState::Changed, 2, "CompoundTest 1 > well 11, times 0 to 100 > samples",
+              "XXH3"},
+             {kTwo.substr(0, 7023), EState::Changed, 1, "CompoundTest 2 > well 12, times 500 to 500", "301 bytes"},
+             {kTwo.substr(0, 6722), EState::Changed, 1, "CompoundTest 2 > well 12, times 500 to 500", "0 bytes"},
+             {"", EState::Changed, 6, "file header", "0 bytes"},
+             {other, EState::Changed, 6, "CompoundTest 1 > header", "XXH3"}}) {
+        EXPECT_EQ(Check(c.bytes), c.state) << c.where;
+        EXPECT_EQ(m_findings.Count(), c.findings) << c.where;
+        EXPECT_EQ(m_findings.Kept().front().where, c.where);
+        EXPECT_TRUE(m_findings.Kept().front().found.starts_with(c.found)) << m_findings.Kept().front().found;
+    }
+}
+
+TEST_F(Seals, ProveNothingOnceOneOfTheirBytesChanged) {
+    SealFile(kTwo);
+    const std::string seal = ReadAll(m_seal);
+    for (const std::string& file : {kTwo, Flipped(kTwo, 4260)}) {
+        WriteAll(m_path, file);
+        WriteAll(m_seal, seal);
+        for (std::size_t i = 0; i < seal.size(); ++i) {
+            FlipInPlace(m_seal, i);
+            ASSERT_EQ(Check(), EState::Unusable) << i;
+            ASSERT_EQ(m_findings.Count(), 1U) << i;
+            FlipInPlace(m_seal, i);
+        }
+        for (std::size_t size = seal.size(); size-- > 0;) {
+            std::filesystem::resize_file(m_seal, size);
+            ASSERT_EQ(Check(), EState::Unusable) << size;
+        }
+    }
+}
+
+TEST_F(Seals, WithWholeChecksumsAreReadOnlyIfTheyMakeSense) {
+    CSealedPart whole;
+    whole.length = 10;
+    CXxh3 sum;
+    sum.Add(std::as_bytes(std::span(std::string_view("0123456789"))));
+    CSealedPart right = whole;
+    right.sum = sum.Take();
+    CSealedPart half = whole;
+    half.length = 5;
+    CSealedPart later = half;
+    later.offset = 6;
+    CSealedPart endless = whole;
+    endless.length = INT64_MAX;
+    CSealedPart segment = whole;
+    segment.kind = CSealedPart::EKind::Segment;
+    segment.task = "A \"B\"\\\n";
+    segment.headerLength = 4;
+    CSealedPart headless = segment;
+    headless.headerLength = 11;
+    for (const auto& [parts, state] :
+         std::vector<std::pair<std::vector<CSealedPart>, EState>>{{{whole}, EState::Changed},
+                                                                  {{segment}, EState::Changed},
+                                                                  {{half}, EState::Unusable},
+                                                                  {{half, later}, EState::Unusable},
+                                                                  {{whole, whole}, EState::Unusable},
+                                                                  {{endless}, EState::Unusable},
+                                                                  {{headless}, EState::Unusable},
+                                                                  {{}, EState::Unusable}}) {
+        std::string seal;
+        CSealWriter writer([&](std::string_view text) { seal += text; }, "run.vxd", "raw", 10);
+        for (const auto& part : parts)
+            writer.Add(part);
+        writer.Finish("0");
+        EXPECT_TRUE(json::accept(seal));
+        WriteAll(m_seal, seal);
+        EXPECT_EQ(Check("0123456789"), state) << seal;
+    }
+}
+
+TEST_F(Seals, OfANewerVersionSaySo) {
+    WriteAll(m_path, kTwo);
+    WriteAll(m_seal, "{\n\"seal\": 2,\n");
+    const CToolRun run = RunTool({"verify", m_path});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.out.find("is of version 2, which is newer than 1"), std::string::npos) << run.out;
+}
+
+TEST_F(Seals, AreReplacedOnlyIfAskedTo) {
+    SealFile(kTwo);
+    const std::string seal = ReadAll(m_seal);
+    WriteAll(m_path, Flipped(kTwo, 4260));
+    EXPECT_EQ(RunTool({"seal", m_path}).status, 2);
+    EXPECT_EQ(ReadAll(m_seal), seal);
+    EXPECT_EQ(RunTool({"seal", "--force", m_path}).status, 0);
+    EXPECT_EQ(RunTool({"verify", m_path}).status, 0);
+}
+
+TEST_F(Seals, AreMadeForEachKindOfFileAndSayWhatIsUnfinished) {
+    const std::string folder = VXFILEIO_REFERENCE_DIR "/";
+    for (const auto& [name, status] : std::vector<std::pair<std::string, int>>{{"small_example.vxd", 0},
+                                                                               {"unfinished.vxd", 1},
+                                                                               {"cut_samples.vxd", 0},
+                                                                               {"circle_of_segments.vxd", 1},
+                                                                               {"circle_of_recordings.vxd", 1},
+                                                                               {"xml/settings.vxs", 0},
+                                                                               {"xml/results.vxr", 0},
+                                                                               {"workbooks/big.xls", 0},
+                                                                               {"small_example.txt", 2}}) {
+        const std::string bytes = ReadAll(folder + name);
+        SealFile(bytes);
+        EXPECT_EQ(m_run.status, status) << name << m_run.err;
+        if (status == 2) continue;
+        EXPECT_EQ(Check(bytes), EState::Intact) << name;
+        EXPECT_EQ(Check(Flipped(bytes, bytes.size() - 1)), EState::Changed) << name;
+    }
+}
+
+TEST_F(Seals, CoverBytesThatBelongToNoSegment) {
+    const std::string gap(100'000, 'x');
+    SealFile(kTwo + gap);
+    EXPECT_EQ(m_run.status, 1);
+    EXPECT_NE(m_run.out.find("100000 bytes belong to no segment"), std::string::npos) << m_run.out;
+    EXPECT_EQ(Check(kTwo + Flipped(gap, 99'999)), EState::Changed);
+    EXPECT_EQ(m_findings.Kept().front().where, "bytes 7024 to 107024");
+}
+
+TEST_F(Seals, AreComparedByVerifyUnlessToldNotTo) {
+    SealFile(kTwo);
+    EXPECT_NE(RunTool({"verify", m_path}).out.find("sound, as sealed\n"), std::string::npos);
+    WriteAll(m_path, Flipped(kTwo, 4260));
+    const CToolRun run = RunTool({"verify", "--json", m_path});
+    EXPECT_EQ(run.status, 1);
+    const json file = json::parse(run.out)["files"][0];
+    EXPECT_EQ(file["seal"], json({{"path", m_seal}, {"state", "changed"}, {"sealedSize", 7024}}));
+    EXPECT_EQ(file["findings"][0]["offset"], 4254);
+    EXPECT_EQ(RunTool({"verify", "--no-seal", m_path}).status, 0);
+}
+
+TEST_F(Seals, OfFilesThatAreGoneAreReportedInAFolder) {
+    SealFile(kTwo);
+    const std::string folder = std::filesystem::path(m_path).parent_path().string();
+    EXPECT_EQ(RunTool({"verify", folder}).out.find("skipped"), std::string::npos);
+    EXPECT_EQ(RunTool({"verify", folder}).status, 0);
+    std::filesystem::remove(m_path);
+    const CToolRun run = RunTool({"verify", folder});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("is gone, but was sealed"), std::string::npos) << run.err;
+}
+
+TEST_F(Seals, ProveWhatRecoverSaves) {
+    SealFile(kTwo);
+    const json all = RecoverJson();
+    EXPECT_EQ(m_run.status, 0);
+    EXPECT_EQ(all["seal"]["proven"], 3);
+    EXPECT_EQ(all["recordings"][0]["wells"][1]["proven"], 1);
+    struct CCase {
+        std::string bytes;
+        int proven;
+        int segments;
+        std::vector<std::string> remarks;
+    };
+    const std::string header = std::string(2460, 'x');
+    for (const auto& c :
+         std::vector<CCase>{{Flipped(kTwo, 3952), 2, 3, {"changed CompoundTest 1 11 0 3650 null"}},
+                            {std::string(kTwo).replace(6722, 300, std::string(300, 'x')),
+                             2,
+                             2,
+                             {"missing CompoundTest 2 12 500 6722 null"}},
+                            {WithCell(kTwo, "FPosNextSegmentHdr", "9"), 3, 3, {}},
+                            {std::string(kTwo).insert(3650, "123"), 3, 3, {}},
+                            {FileOf({{{11, 0, {1, 2}}, {12, 0, {3, 4, 5, 6}}}, {{12, 500, {7}}, {11, 600, {8}}}}),
+                             3,
+                             4,
+                             {"unsealed CompoundTest 2 11 600 7024 null"}},
+                            {FileOf({{{11, 0, {1, 2}}, {11, 0, {1, 2}}, {12, 0, {3, 4, 5, 6}}}, {{12, 500, {7}}}}),
+                             3,
+                             4,
+                             {"unsealed CompoundTest 1 11 0 3954 null"}},
+                            {std::string(kTwo).replace(4262, 2460, header),
+                             2,
+                             3,
+                             {"moved Recovered 2 12 500 6722 \"CompoundTest 2\""}}}) {
+        WriteAll(m_path, c.bytes);
+        const json seal = RecoverJson()["seal"];
+        EXPECT_EQ(seal["proven"], c.proven) << seal;
+        EXPECT_EQ(seal["segments"], c.segments) << seal;
+        std::vector<std::string> remarks;
+        for (const json& r : seal["remarks"])
+            remarks.push_back(r["kind"].get<std::string>() + ' ' + r["recording"].get<std::string>() + ' ' +
+                              r["well"].dump() + ' ' + r["from"].dump() + ' ' + r["offset"].dump() + ' ' +
+                              r["sealedAs"].dump());
+        EXPECT_EQ(remarks, c.remarks);
+        EXPECT_EQ(m_run.status == 0, c.remarks.empty() && c.bytes == kTwo);
+    }
+}
+
+TEST_F(Seals, ThatCantBeUsedDontKeepRecoverFromSaving) {
+    SealFile(kTwo);
+    WriteAll(m_seal, "{}");
+    EXPECT_NE(RecoverJson()["seal"]["error"].get<std::string>().find("proves nothing"), std::string::npos);
+    EXPECT_EQ(m_run.status, 1);
+    EXPECT_EQ(ReadAll(m_folder.Path("new.vxd")), kTwo);
+}

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/Xxh3.h"
+#include "vxfileio/helpers/File.h"
+
+/// @file
+/// Seals: JSON files with the checksums of another file and of its parts. `docs/seal.md` describes them. Written and
+/// read line by line, so their size doesn't matter.
+
+namespace vxfile {
+
+/// What follows the name of a file in the name of its seal.
+inline constexpr std::string_view kSealExtension = ".seal";
+
+/// The version of seals that is written, and the newest that can be read.
+inline constexpr std::uint64_t kSealVersion = 1;
+
+/// Returns the path of a file's seal.
+inline std::string SealOf(const std::string& path) { return path + std::string(kSealExtension); }
+
+/// A part of a sealed file and its checksums. The parts of a file follow one another without a gap.
+struct CSealedPart {
+    enum class EKind : std::uint8_t {
+        FileHeader,
+        RecordingHeader,
+        Segment,
+        Other,  ///< Bytes of a raw data file that belong to none of these.
+        Block,  ///< A block of another file.
+    };
+
+    EKind kind = EKind::Block;
+    std::int64_t offset = 0;
+    std::int64_t length = 0;
+    std::int64_t headerLength = 0;  ///< Segment: the bytes ahead of its samples.
+    std::string task;               ///< RecordingHeader, Segment: the recording.
+    std::int32_t recording = 0;     ///< The same: its number within the task.
+    std::int32_t well = 0;          ///< Segment
+    std::int64_t from = 0;          ///< Segment: the time of the first sample.
+    std::int64_t to = 0;            ///< Segment: the time of the last sample.
+    CXxh3Sum sum{};                 ///< Of the bytes; of a segment, of its header.
+    CXxh3Sum samplesSum{};          ///< Segment: of its samples.
+
+    std::int64_t End() const { return offset + length; }
+
+    /// Returns the bytes that `sum` covers.
+    std::int64_t SumLength() const { return kind == EKind::Segment ? headerLength : length; }
+
+    /// Returns its name for people, such as "Series 1 > well 11, times 0 to 300".
+    std::string Name() const;
+};
+
+/// Writes a seal.
+class CSealWriter {
+ public:
+    using CSink = std::function<void(std::string_view)>;
+
+    /// Writes the beginning of the seal of a file of this name, kind and size.
+    CSealWriter(CSink sink, std::string_view name, std::string_view kind, std::int64_t size);
+
+    /// Adds a part. Requires: it begins where the one before ends.
+    void Add(const CSealedPart& part);
+
+    /// Writes the end. Requires: the parts cover the whole file.
+    void Finish(const std::string& sha256);
+
+ private:
+    void Write(std::string_view text);
+
+    CSink m_sink;
+    CXxh3 m_sum;
+    bool m_hasParts = false;
+};
+
+/// Why a seal can't be used.
+class CSealFailure : public CFailure {
+ public:
+    using CFailure::CFailure;
+};
+
+/// Reads a seal. Memory doesn't depend on the number of parts.
+class CSealReader {
+ public:
+    /// Throws `CSealFailure` if the seal can't be read, has a changed byte, or is of a newer version.
+    explicit CSealReader(const std::string& path);
+
+    /// Returns the size of the sealed file.
+    std::int64_t Size() const { return m_size; }
+    /// Returns its SHA-256 as hexadecimal digits.
+    const std::string& Sha256() const { return m_sha256; }
+
+    /// Goes to the next part. Returns false after the last one. Throws `CSealFailure` if there is a gap between parts.
+    [[nodiscard]] bool Next(CSealedPart& part);
+
+ private:
+    [[noreturn]] void RefuseDamage() const;
+    bool ReadLine(std::string& line);
+    CJson ReadMembers();
+    void ReadVersion(std::string_view line) const;
+
+    std::string m_path;
+    vxfileio::helpers::CFile m_file;
+    std::string m_block;
+    std::size_t m_passed = 0;     ///< The number of bytes of the block that were passed.
+    std::int64_t m_blockEnd = 0;  ///< Offset of the byte after the block.
+    std::int64_t m_parts = 0;     ///< Offset of the first part.
+    std::int64_t m_size = 0;
+    std::int64_t m_reached = 0;  ///< Where the last part ends in the sealed file.
+    std::string m_sha256;
+};
+
+}  // namespace vxfile

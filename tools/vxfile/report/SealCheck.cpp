@@ -1,0 +1,146 @@
+#include "tools/vxfile/report/SealCheck.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "tools/vxfile/report/Progress.h"
+#include "tools/vxfile/report/Seal.h"
+#include "tools/vxfile/report/Style.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/FileDigest.h"
+#include "tools/vxfile/system/Hex.h"
+#include "tools/vxfile/system/OpenInput.h"
+
+namespace vxfile {
+
+namespace {
+
+using EState = CSealVerdict::EState;
+
+/// One comparison.
+class CSealCheck {
+ public:
+    /// The findings must outlive this.
+    CSealCheck(const std::string& path, CFindings& findings)
+        : m_reader(SealOf(path)), m_findings(findings), m_progress("Comparing " + path, m_reader.Size()) {
+        OpenInput(m_file, path);
+        m_fileSize = m_file.Size();
+        m_size = std::min(m_fileSize, m_reader.Size());
+        m_digest.emplace(m_file, path, m_size);
+    }
+
+    EState Run() {
+        CSealedPart part;
+        while (m_reader.Next(part)) {
+            Compare(part);
+            m_progress.Reach(part.End());
+        }
+        if (m_size == m_reader.Size()) CompareSha256();
+        if (m_fileSize > m_reader.Size())
+            Add("file", m_reader.Size(), Counted(static_cast<std::uint64_t>(m_fileSize), "byte"),
+                Counted(static_cast<std::uint64_t>(m_reader.Size()), "byte") + " when it was sealed",
+                m_isChanged ? "The file grew after it was sealed, and sealed bytes changed. A writer that goes on "
+                              "rewrites positions in headers, but never samples."
+                            : "The file grew after it was sealed; what was sealed is as it was. Seal it again with "
+                              "'vxfile seal --force' if the rest belongs to it.");
+        if (m_isChanged) return EState::Changed;
+        return m_fileSize > m_reader.Size() ? EState::Grown : EState::Intact;
+    }
+
+    std::int64_t SealedSize() const { return m_reader.Size(); }
+
+ private:
+    void Add(std::string where, std::int64_t offset, std::string found, std::string expected, std::string meaning) {
+        m_findings.Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
+    }
+
+    void Compare(const CSealedPart& part) {
+        const std::int64_t there = std::clamp(m_size - part.offset, std::int64_t{0}, part.length);
+        const std::int64_t summed = std::min(there, part.SumLength());
+        const bool isSegment = part.kind == CSealedPart::EKind::Segment;
+        const CXxh3Sum sum = m_digest->HashNext(summed);
+        const CXxh3Sum samplesSum = isSegment ? m_digest->HashNext(there - summed) : part.samplesSum;
+        if (there < part.length) {
+            m_isChanged = true;
+            return Add(part.Name(), part.offset, Counted(static_cast<std::uint64_t>(there), "byte"),
+                       Counted(static_cast<std::uint64_t>(part.length), "byte"),
+                       "The file became shorter after it was sealed, by " +
+                           Counted(static_cast<std::uint64_t>(m_reader.Size() - m_size), "byte") +
+                           "; take it from a copy.");
+        }
+        if (sum != part.sum)
+            AddChange(part.Name() + (isSegment ? " > header" : ""), part.offset, sum, part.sum,
+                      isSegment ? "The header of this segment changed after it was sealed; take the file from a copy."
+                                : "These bytes changed after the file was sealed; take it from a copy.");
+        if (samplesSum != part.samplesSum)
+            AddChange(part.Name() + " > samples", part.offset + part.headerLength, samplesSum, part.samplesSum,
+                      "At least one of these samples changed after the file was sealed; take it from a copy.");
+    }
+
+    void AddChange(std::string where, std::int64_t offset, const CXxh3Sum& found, const CXxh3Sum& sealed,
+                   std::string meaning) {
+        m_isChanged = true;
+        Add(std::move(where), offset, "XXH3 " + HexOf(found), "XXH3 " + HexOf(sealed), std::move(meaning));
+    }
+
+    /// A change that no other checksum shows is no accident.
+    void CompareSha256() {
+        const std::string sha256 = m_digest->Sha256();
+        if (m_isChanged || sha256 == m_reader.Sha256()) return;
+        m_isChanged = true;
+        Add("file", 0, "SHA-256 " + sha256, "SHA-256 " + m_reader.Sha256(),
+            "The file changed after it was sealed in a way that its other checksums don't show; take it from a copy.");
+    }
+
+    CSealReader m_reader;
+    CFindings& m_findings;
+    CProgress m_progress;
+    vxfileio::helpers::CFile m_file;
+    std::int64_t m_fileSize = 0;
+    std::int64_t m_size = 0;  ///< The sealed bytes that the file has.
+    std::optional<CFileDigest> m_digest;
+    bool m_isChanged = false;
+};
+
+}  // namespace
+
+std::string CSealVerdict::Words() const {
+    switch (state) {
+        case EState::Intact:
+            return Green("as sealed");
+        case EState::Grown:
+            return Yellow("grown since it was sealed");
+        case EState::Changed:
+            return Red("changed since it was sealed");
+        default:
+            return Yellow("its seal can't be used");
+    }
+}
+
+CJson CSealVerdict::Json() const {
+    constexpr std::array<std::string_view, 4> kWords = {"intact", "grown", "changed", "unusable"};
+    return {{"path", seal},
+            {"state", kWords[static_cast<std::size_t>(state)]},
+            {"sealedSize", state == EState::Unusable ? CJson() : CJson(sealedSize)}};
+}
+
+std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findings) {
+    std::error_code none;
+    CSealVerdict verdict{.seal = SealOf(path)};
+    if (!std::filesystem::exists(verdict.seal, none)) return std::nullopt;
+    try {
+        CSealCheck check(path, findings);
+        verdict.state = check.Run();
+        verdict.sealedSize = check.SealedSize();
+    } catch (const CSealFailure& failure) {
+        findings.Add({"seal", -1, "a seal that can't be used", "a seal of version " + std::to_string(kSealVersion),
+                      failure.what()});
+    }
+    return verdict;
+}
+
+}  // namespace vxfile

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "tools/vxfile/report/Findings.h"
+#include "tools/vxfile/report/Json.h"
+
+namespace vxfile {
+
+/// What a comparison of a file with its seal says.
+struct CSealVerdict {
+    enum class EState : std::uint8_t {
+        Intact,   ///< The file is as it was sealed.
+        Grown,    ///< It became longer; what was sealed is intact.
+        Changed,  ///< Sealed bytes changed, or are gone.
+        Unusable  ///< The seal can't be used.
+    };
+
+    std::string seal;  ///< The path of the seal.
+    EState state = EState::Unusable;
+    std::int64_t sealedSize = 0;  ///< The size of the file when it was sealed; 0 if the seal can't be used.
+
+    /// Returns a few words for people, such as "as sealed".
+    std::string Words() const;
+    CJson Json() const;
+};
+
+/// Compares every byte of a file with its seal, and adds a finding for each part that changed. Returns nothing if there
+/// is no seal. Throws `CFailure` if the file can't be read.
+std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findings);
+
+}  // namespace vxfile

@@ -1,0 +1,174 @@
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/raw/RawParts.h"
+#include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/Progress.h"
+#include "tools/vxfile/report/Seal.h"
+#include "tools/vxfile/report/Style.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
+#include "tools/vxfile/system/FileDigest.h"
+#include "tools/vxfile/system/OpenInput.h"
+#include "tools/vxfile/system/Output.h"
+
+namespace vxfile {
+
+namespace {
+
+using vxfileio::helpers::CFile;
+
+constexpr CCommandText kText = {
+    .name = "seal",
+    .purpose = "Write checksums of a file beside it, so that verify finds every later change",
+    .details =
+        "Writes FILE.seal, a JSON document with the SHA-256 of the file and the XXH3 of each of its parts. From then "
+        "on "
+        "verify compares the file with its seal and names the well and the times that changed, and recover marks what "
+        "the seal proves. A seal says what the file was, not that it was sound. The file itself is only read.",
+    .example = "vxfile seal run.vxd",
+    .statuses =
+        "  0  all files are sealed\n"
+        "  1  all are sealed, but some are unfinished or damaged\n"
+        "  2  some aren't sealed",
+};
+
+/// The size of a block of a file that isn't a raw data file.
+constexpr std::int64_t kSealedBlock = std::int64_t{64} << 10;
+
+/// What a seal was made of.
+struct CSealed {
+    EFileKind kind = EFileKind::Unknown;
+    std::int64_t size = 0;
+    std::string sha256;
+    std::size_t segments = 0;
+    std::vector<std::string> doubts;
+};
+
+class CSealCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    std::vector<COption> Options() override {
+        return {
+            {.names = "FILE", .target = &m_files, .text = "The files to seal", .isRequired = true},
+            {.names = "--force",
+             .target = &m_force,
+             .text = "Replace a seal that exists; run verify first, or it hides what changed"},
+            {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
+        };
+    }
+
+    int Run() override {
+        int status = kSound;
+        CJson files = CJson::array();
+        for (const auto& path : m_files) {
+            CSealed sealed;
+            const std::string failure = FailureOf([&] { sealed = Seal(path); });
+            if (!m_json) Print(path, sealed, failure);
+            files.push_back(failure.empty() ? ToJson(path, sealed) : CJson{{"path", path}, {"error", failure}});
+            status = std::max(status, !failure.empty() ? kTrouble : sealed.doubts.empty() ? kSound : kFindings);
+        }
+        if (m_json) PrintJson(kText.name, std::move(files));
+        return status;
+    }
+
+ private:
+    CSealed Seal(const std::string& path) const {
+        CSealed sealed;
+        sealed.kind = FileKindOf(path);
+        if (!IsOurs(sealed.kind))
+            throw CFailure(path + " is " + ArticleAndNameOf(sealed.kind) + "; only files of this system are sealed.");
+        RefuseSealThatExists(path);
+        if (sealed.kind != EFileKind::RawData) {
+            CFile file;
+            OpenInput(file, path);
+            const std::int64_t size = file.Size();
+            Write(path, file, sealed, size, [&](const auto& take) { ForEachBlock(size, take); });
+            return sealed;
+        }
+        const CRawScan scan(path);
+        const CRawParts parts(scan);
+        sealed.segments = parts.Segments();
+        sealed.doubts = parts.Doubts();
+        Write(path, scan.File(), sealed, scan.Size(), [&](const auto& take) { parts.ForEach(take); });
+        return sealed;
+    }
+
+    void RefuseSealThatExists(const std::string& path) const {
+        std::error_code none;
+        if (!m_force && std::filesystem::exists(SealOf(path), none))
+            throw CFailure(SealOf(path) +
+                           " exists, and a new seal would hide what changed since; run 'vxfile verify', "
+                           "then replace it with --force.");
+    }
+
+    static void ForEachBlock(std::int64_t size, const std::function<void(CSealedPart&)>& take) {
+        for (std::int64_t offset = 0; offset < size; offset += kSealedBlock) {
+            CSealedPart part;
+            part.offset = offset;
+            part.length = std::min(kSealedBlock, size - offset);
+            take(part);
+        }
+    }
+
+    /// Writes the seal of a file whose parts `forEach` passes on.
+    void Write(const std::string& path, const CFile& file, CSealed& sealed, std::int64_t size,
+               const auto& forEach) const {
+        sealed.size = size;
+        COutput output(SealOf(path), path, m_force);
+        CSealWriter seal([&](std::string_view text) { output.Write(text); },
+                         Readable(std::filesystem::path(path).filename().string()), WordOf(sealed.kind), size);
+        CFileDigest digest(file, path, size);
+        CProgress progress("Sealing " + path, size);
+        forEach([&](CSealedPart& part) {
+            part.sum = digest.HashNext(part.SumLength());
+            if (part.kind == CSealedPart::EKind::Segment)
+                part.samplesSum = digest.HashNext(part.length - part.headerLength);
+            seal.Add(part);
+            progress.Reach(part.End());
+        });
+        sealed.sha256 = digest.Sha256();
+        seal.Finish(sealed.sha256);
+        if (file.Size() != size) throw CFailure(path + " is being written; seal it when its writer has closed it.");
+        output.Finish();
+        COutput* const outputs[] = {&output};
+        COutput::Commit(outputs);
+    }
+
+    static void Print(const std::string& path, const CSealed& sealed, const std::string& failure) {
+        if (!failure.empty()) return Complain(failure);
+        std::cout << Readable(path) << ": " << NameOf(sealed.kind) << ", " << Green("sealed") << ", "
+                  << Counted(static_cast<std::uint64_t>(sealed.size), "byte");
+        if (sealed.kind == EFileKind::RawData) std::cout << ", " << Counted(sealed.segments, "segment");
+        std::cout << '\n';
+        for (const auto& doubt : sealed.doubts)
+            std::cout << "  " << Yellow("sealed as it is") << ": " << doubt << "; see 'vxfile verify'\n";
+    }
+
+    static CJson ToJson(const std::string& path, const CSealed& sealed) {
+        CJson json = {{"path", path},        {"kind", WordOf(sealed.kind)}, {"seal", SealOf(path)},
+                      {"size", sealed.size}, {"sha256", sealed.sha256},     {"doubts", sealed.doubts}};
+        if (sealed.kind == EFileKind::RawData) json["segments"] = sealed.segments;
+        return json;
+    }
+
+    std::vector<std::string> m_files;
+    bool m_force = false;
+    bool m_json = false;
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeSealCommand() { return std::make_unique<CSealCommand>(); }
+
+}  // namespace vxfile

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <future>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tools/vxfile/system/Sha256.h"
+#include "tools/vxfile/system/Xxh3.h"
+#include "vxfileio/helpers/File.h"
+
+namespace vxfile {
+
+/// The checksums of a file that is read once, from front to back: the XXH3-128 of each part, and the SHA-256 of all,
+/// which a second thread computes. Memory is two blocks.
+class CFileDigest {
+ public:
+    /// Looks at the first `size` bytes of a file. The file must outlive this; `path` is its name in messages.
+    CFileDigest(const vxfileio::helpers::CFile& file, std::string path, std::int64_t size);
+    ~CFileDigest();
+    CFileDigest(const CFileDigest&) = delete;
+    CFileDigest& operator=(const CFileDigest&) = delete;
+
+    /// Returns the XXH3-128 of the next `length` bytes. Requires: the first `size` bytes include them. Throws
+    /// `CFailure` if they can't be read, and `CInterruption` after Ctrl-C.
+    CXxh3Sum HashNext(std::int64_t length);
+
+    /// Returns the SHA-256 of the bytes that were passed, as hexadecimal digits. No operation may follow. Requires: all
+    /// `size` bytes were passed.
+    std::string Sha256();
+
+ private:
+    void ReadBlock();
+
+    static constexpr std::size_t kBlockSize = std::size_t{1} << 20;
+
+    const vxfileio::helpers::CFile& m_file;
+    std::string m_path;
+    std::int64_t m_size;
+    std::int64_t m_read = 0;                         ///< The number of bytes that were read.
+    std::span<const std::byte> m_ahead;              ///< Those of them that weren't passed.
+    std::array<std::vector<std::byte>, 2> m_blocks;  ///< The one that is passed, and the one that is read next.
+    CXxh3 m_xxh3;
+    CSha256 m_sha256;
+    std::future<void> m_adding;  ///< Adds a block to the SHA-256.
+};
+
+}  // namespace vxfile
