@@ -7,6 +7,7 @@
 #include <limits>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -97,11 +98,12 @@ class RecoverTest : public testing::Test {
         return SeenIn(m_out);
     }
 
-    /// Holds the new file against the format. Texts that a caller may give any writer of the library are let pass.
+    /// Holds the new file against the format. Texts and times are saved as they were found.
     void ExpectSound() const {
+        const std::set<std::string> allowed = {"no-separator", "no-controls", "no-overlap"};
         const vxfile::CFindings findings = vxfile::VerifyRawData(m_out);
         for (const auto& finding : findings.Kept()) {
-            EXPECT_EQ(finding.expected, "a text without '=', ':' and line ends")
+            EXPECT_TRUE(allowed.contains(finding.rule))
                 << finding.where << ": " << finding.found << ", not " << finding.expected;
         }
     }

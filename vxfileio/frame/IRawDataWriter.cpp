@@ -24,6 +24,8 @@ void CIRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vect
     m_writer->UpdateFileHdr(taskName, values);
 }
 
+void CIRawDataWriter::SetStrict(bool isStrict) { m_writer->SetStrict(isStrict); }
+
 void CIRawDataWriter::Close() noexcept { m_writer->Close(); }
 
 std::string CIRawDataWriter::GetWriteError() const { return m_writer->GetWriteError(); }

@@ -66,6 +66,20 @@ class VXFILEIO_API CIRawDataWriter {
     /// the decimal text of a 64-bit whole number. Any other task name has no effect.
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
 
+    /// Turns strictness on or off, at any time; a new writer isn't strict. A strict writer refuses whatever
+    /// `vxfile verify` would report, with a `CExcVXReader` that names the value, what would be right and why, before
+    /// anything is written. So a file that was written strictly and has a recording is sound. It refuses
+    ///
+    /// - a `HeaderID` that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2,
+    /// - texts with `=`, `:` or control characters (NUL, CR and LF among them),
+    /// - units that aren't finite, an interval outside 1 to 2^31 - 1, a well that is listed twice,
+    /// - a segment of a well that the recording doesn't list, with another `tick` than its `Ticks`, or one that doesn't
+    ///   begin after the end of the well's segment before, of those written while the writer was strict,
+    /// - `UpdateFileHdr` for a task without a list, or with a value that isn't a whole number of 64 bits.
+    ///
+    /// It costs some memory per well of the recording, and no system call.
+    void SetStrict(bool isStrict);
+
     /// Finishes the last recording and closes the file. Without an open file it does nothing.
     void Close() noexcept;
 

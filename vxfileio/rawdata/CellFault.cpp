@@ -139,6 +139,8 @@ CVerdict JudgeCell(const auto& cell, std::string_view bytes) {
 
 }  // namespace
 
+std::optional<CCellFault> FaultOfListItem(std::string_view text) { return JudgeNumber<std::int64_t>(text); }
+
 std::optional<CCellFault> FaultOf(const CFileCell& cell, std::string_view bytes) { return JudgeCell(cell, bytes); }
 
 std::optional<CCellFault> FaultOf(const CRecordingCell& cell, std::string_view bytes) { return JudgeCell(cell, bytes); }

@@ -39,4 +39,7 @@ std::optional<CCellFault> FaultOf(const CRecordingCell& cell, std::string_view b
 std::optional<CCellFault> FaultOf(const CSegmentCell& cell, std::string_view bytes);
 /// @}
 
+/// Judges one item of a list of the file header in the same way.
+std::optional<CCellFault> FaultOfListItem(std::string_view text);
+
 }  // namespace vxfileio::rawdata

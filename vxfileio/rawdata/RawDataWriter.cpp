@@ -34,6 +34,15 @@ const char* ListOf(const std::string& taskName) {
     return nullptr;
 }
 
+/// Throws if a rule is broken, by the first breach.
+void Refuse(const std::optional<CBreach>& breach) {
+    if (breach) throw CExcVXReader(TextOf(*breach));
+}
+
+void Refuse(const std::vector<CBreach>& breaches) {
+    if (!breaches.empty()) throw CExcVXReader(TextOf(breaches.front()));
+}
+
 CBytes AsBytes(std::string_view text) { return std::as_bytes(std::span(text.data(), text.size())); }
 
 /// Returns the number of samples to write, or throws if the arguments of `WriteData` can't be a segment.
@@ -111,6 +120,10 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     const CLayout& layout = LayoutForWriting(header.FileVersion);
     m_hdrRoom.resize(layout.file.size);
     Encode(layout, header, m_hdrRoom);
+    if (m_isStrict) {
+        Refuse(BreachOfVersion(header.FileVersion));
+        Refuse(BreachesOfFileHdr(layout, m_hdrRoom));
+    }
     ReportUnreadable(header);
     ReportCutTexts(layout.file.cells, header);
     MakeRoomForRefusals();
@@ -126,8 +139,11 @@ void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
     m_hdrRoom.resize(m_layout->recording.size);
     Encode(*m_layout, header, m_hdrRoom);
+    if (m_isStrict) Refuse(BreachesOfRecordingHdr(*m_layout, m_hdrRoom));
+    CSegmentRules segmentRules(header.WellChannels);
     ReportCutTexts(m_layout->recording.cells, header);
     MakeRoomForRefusals();
+    m_segmentRules = std::move(segmentRules);
     // A recording before this one whose header never reached the file has no data there either: it is dropped.
     m_refusedHdrs.resize(m_file.End() == 0 ? m_layout->file.size : 0);
     m_refusedHdrs += m_hdrRoom;
@@ -140,11 +156,13 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     RefuseBefore(enStage::InRecording);
     const std::int64_t count = RequiredSamples(timeFrom, timeTo, tick);
     if (samples == nullptr) throw CExcVXReader(kNoSamples);
+    const CSegmentHdr segment{wellID, kUnset, timeFrom, timeTo, count};
+    if (m_isStrict) RefuseUnsound(segment, tick);
     MakeRoomForRefusals();
 
     std::array<char, kMostSegmentHdr> room{};
     const auto bytes = std::span(room).first(m_layout->segment.size);
-    Encode(*m_layout, CSegmentHdr{wellID, kUnset, timeFrom, timeTo, count}, bytes);
+    Encode(*m_layout, segment, bytes);
     const std::span data(samples, static_cast<std::size_t>(count));
     const bool hasHdrs = AppendRefusedHdrs();
     const std::int64_t position = m_file.End();
@@ -154,11 +172,13 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     }
     if (m_latestSegment != kUnset) RewritePosition(m_latestSegment, *m_nextSegmentCell, position);
     m_latestSegment = position;
+    if (m_isStrict) m_segmentRules.Note(segment);
 }
 
 void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values) {
     RefuseBefore(enStage::HasFileHdr);
     const char* const key = ListOf(taskName);
+    if (m_isStrict) Refuse(BreachOfList(key, taskName, values));
     if (key == nullptr) return;
     const CFileCell& list = m_layout->file[key];
     std::string cell(list.width, '\0');
@@ -190,6 +210,11 @@ void CRawDataWriter::RefuseBefore(enStage needed) const {
     if (m_stage >= needed) return;
     if (m_stage == enStage::Closed) throw CExcVXReader(kNoOpenFile);
     throw CExcVXReader(m_stage == enStage::Opened ? kFileHdrMissing : kNoRecording);
+}
+
+void CRawDataWriter::RefuseUnsound(const CSegmentHdr& segment, std::int64_t tick) const {
+    Refuse(m_segmentRules.BreachOfTick(segment.ID, tick));
+    Refuse(m_segmentRules.BreachOf(*m_layout, segment));
 }
 
 std::string CRawDataWriter::GetWriteError() const {

@@ -9,6 +9,7 @@
 
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/Layout.h"
+#include "vxfileio/rawdata/Rules.h"
 
 namespace vxfileio::rawdata {
 
@@ -36,6 +37,7 @@ class CRawDataWriter {
     void WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
                    const std::uint16_t* samples);
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
+    void SetStrict(bool isStrict) noexcept { m_isStrict = isStrict; }
     void Close() noexcept;
     [[nodiscard]] std::string GetWriteError() const;
 
@@ -52,6 +54,7 @@ class CRawDataWriter {
 
     void Prepare();
     void RefuseBefore(enStage needed) const;
+    void RefuseUnsound(const CSegmentHdr& segment, std::int64_t tick) const;
     void ReportUnreadable(const CRawDataFileHdr& header);
     void ReportCutTexts(const auto& cells, const auto& header);
     void ReportOnce(const std::string& sentence);
@@ -80,6 +83,9 @@ class CRawDataWriter {
     const CLayout* m_layout = &Layouts().back();  ///< That of the file, once its header is written; never null.
     /// The cell of the layout that points to the next segment; rewritten for each segment.
     const CSegmentCell* m_nextSegmentCell = &m_layout->segment["FPosNextSegmentHdr"];
+
+    bool m_isStrict = false;
+    CSegmentRules m_segmentRules;  ///< With the wells of the recording that the caller has begun.
 
     std::int64_t m_recordingHdr = kUnset;   ///< Latest recording header in the file.
     std::int64_t m_latestSegment = kUnset;  ///< Latest segment of that recording.

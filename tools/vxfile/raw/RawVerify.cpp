@@ -1,16 +1,18 @@
 #include "tools/vxfile/raw/RawVerify.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <optional>
 #include <set>
+#include <span>
 #include <utility>
 
-#include "tools/vxfile/raw/CellJudge.h"
 #include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
+#include "vxfileio/rawdata/HeaderCodec.h"
+#include "vxfileio/rawdata/Rules.h"
 
 using namespace vxfileio::rawdata;
 
@@ -24,6 +26,17 @@ std::string Text(std::int64_t number) { return std::to_string(number); }
 
 std::string NameOfSegment(const std::string& recording, std::size_t index, const CSegmentAt& segment) {
     return recording + " > segment " + std::to_string(index + 1) + " (well " + Text(segment.header.ID) + ")";
+}
+
+/// Returns whether the header of a segment is right to the byte. It is much faster than judging its cells.
+bool IsExactSegmentHdr(const CLayout& layout, std::string_view bytes) {
+    if (bytes.size() != layout.segment.size) return false;
+    CSegmentHdr header;
+    Decode(layout, bytes, header);
+    std::array<char, kMostSegmentHdr> room{};
+    const auto exact = std::span(room).first(layout.segment.size);
+    Encode(layout, header, exact);  // no number is too long for its cell
+    return std::equal(bytes.begin(), bytes.end(), exact.begin());
 }
 
 /// What was found along one chain of segments.
@@ -55,6 +68,17 @@ class CRawVerifier {
         m_findings.Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
     }
 
+    /// Adds a broken rule in the header at `position`.
+    void Add(const std::string& header, std::int64_t position, CBreach breach) {
+        m_findings.Add({breach.key.empty() ? header : header + " > " + std::string(breach.key),
+                        position + static_cast<std::int64_t>(breach.offset), std::move(breach.found),
+                        std::move(breach.expected), std::move(breach.meaning), std::string(RowOf(breach.rule).id)});
+    }
+    void Add(const std::string& header, std::int64_t position, std::vector<CBreach> breaches) {
+        for (CBreach& breach : breaches)
+            Add(header, position, std::move(breach));
+    }
+
     /// @name The offset of a cell in the file, by its header and its key
     /// @{
     std::int64_t OffsetOf(std::string_view key) const { return OffsetIn(m_scan.Layout().file, key); }
@@ -70,13 +94,12 @@ class CRawVerifier {
     void JudgeFileHdr();
     void JudgeRecording(std::size_t index);
     void JudgePositions(const CRecordingAt& recording, const std::string& name);
-    void JudgeWells(const CListedWells& listed, const CRecordingAt& recording, const std::string& name);
     void JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end);
     void JudgeUnfinished(const CRecordingAt& recording, const std::string& name);
     CChainSum JudgeSegments(CSegmentWalk walk, const CRecordingAt& recording, const std::string& name);
     void JudgeSegment(const CSegmentAt& segment, const CRecordingAt& recording, const std::string& name,
                       std::size_t index);
-    void JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index);
+    void JudgeValues(const CSegmentAt& segment, const std::string& recording, std::size_t index);
     void JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index);
     void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
                     const std::string& meaning);
@@ -89,7 +112,7 @@ class CRawVerifier {
     CProgress m_progress;
     CFindings m_findings;
     CCoverage m_coverage;
-    std::map<std::int32_t, std::int64_t> m_ticks;  ///< Sample interval of each well of the recording at hand.
+    CSegmentRules m_rules;  ///< For the recording at hand.
     CSegmentBudget m_budget;
     bool m_circle = false;  ///< Something is passed more than once, so overlaps say nothing.
 };
@@ -97,7 +120,7 @@ class CRawVerifier {
 void CRawVerifier::JudgeFileHdr() {
     const std::string name = "file header";
     const CLayout& layout = m_scan.Layout();
-    JudgeFileCells(layout, m_scan.ReadBytes(0, layout.file.size), {name, 0}, m_findings);
+    Add(name, 0, BreachesOfFileHdr(layout, m_scan.ReadBytes(0, layout.file.size)));
     m_coverage.Add({0, m_scan.FileHdrSize()});
     const std::int64_t first = m_scan.Header().FPosFirstRecordingHdr;
     if (m_scan.Size() < m_scan.FileHdrSize()) {
@@ -117,11 +140,12 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const std::string name = NameOf(recording, index);
     const CLayout& layout = m_scan.Layout();
-    const CListedWells listed = JudgeRecordingCells(layout, m_scan.ReadBytes(recording.position, layout.recording.size),
-                                                    {name, recording.position}, m_findings);
+    std::vector<CRawDataChannelInfo> wells;
+    Add(name, recording.position,
+        BreachesOfRecordingHdr(layout, m_scan.ReadBytes(recording.position, layout.recording.size), &wells));
+    m_rules = CSegmentRules(wells);
     m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
     m_progress.Reach(recording.position);
-    JudgeWells(listed, recording, name);
     if (!recording.IsFinished()) return JudgeUnfinished(recording, name);
     JudgePositions(recording, name);
     const CChainSum sum = JudgeSegments(SegmentsOf(m_scan, recording), recording, name);
@@ -137,19 +161,6 @@ void CRawVerifier::JudgePositions(const CRecordingAt& recording, const std::stri
     if (recording.header.FPosRecordingTrailer != kUnset)
         Add(name + " > FPosRecordingTrailer", OffsetOf(recording, "FPosRecordingTrailer"),
             Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers ignore it.");
-}
-
-void CRawVerifier::JudgeWells(const CListedWells& listed, const CRecordingAt& recording, const std::string& name) {
-    m_ticks.clear();
-    for (std::size_t i = 0; i < listed.wells.size(); ++i) {
-        const CRawDataChannelInfo& well = listed.wells[i];
-        if (!m_ticks.emplace(well.ID, well.Ticks).second)
-            Add(name + " > WellIDs", OffsetOf(recording, "WellIDs"), "well " + Text(well.ID) + " twice",
-                "each well once", "It is unclear which channel a segment of this well belongs to.");
-        if (well.Ticks <= 0 && i < listed.intervals)
-            Add(name + " > Ticks", OffsetOf(recording, "Ticks"), Text(well.Ticks) + " for well " + Text(well.ID),
-                "a sample interval above 0", "The times of its samples are unknown.");
-    }
 }
 
 /// Writers put the next recording where the one before ends.
@@ -213,10 +224,10 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
     const bool isCut = segment.bytes.size() < m_scan.Layout().segment.size;
     if (isCut && isRunning) return;
     if (!IsExactSegmentHdr(m_scan.Layout(), segment.bytes))
-        JudgeSegmentCells(m_scan.Layout(), segment.bytes, {NameOfSegment(name, index, segment), segment.position},
-                          m_findings);
+        Add(NameOfSegment(name, index, segment), segment.position,
+            BreachesOfSegmentHdr(m_scan.Layout(), segment.bytes));
     if (isCut) return;
-    JudgeTimes(segment, name, index);
+    JudgeValues(segment, name, index);
     JudgeNextSegment(segment, name, index);
     if (!m_scan.HasByteAt(segment.End() - 1) && !(isRunning && IsIncomplete(segment)))
         Add(NameOfSegment(name, index, segment) + " > samples", segment.DataPosition(),
@@ -231,26 +242,11 @@ bool CRawVerifier::IsIncomplete(const CSegmentAt& segment) const {
     return segment.header.FPosNextSegmentHdr == kUnset && !m_scan.HasByteAt(segment.End() - 1);
 }
 
-void CRawVerifier::JudgeTimes(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
-    const CSegmentHdr& header = segment.header;
-    const auto well = m_ticks.find(header.ID);
-    if (well == m_ticks.end()) {
-        Add(NameOfSegment(recording, index, segment) + " > ID", OffsetOf(segment, "ID"), Text(header.ID),
-            "a well that the recording lists", "Interval and units of its samples are unknown.");
-        return;
-    }
-    if (!SpanOf(header.TimeFrom, header.TimeTo)) {
-        const bool isReversed = header.TimeTo < header.TimeFrom;
-        Add(NameOfSegment(recording, index, segment) + " > TimeTo", OffsetOf(segment, "TimeTo"), Text(header.TimeTo),
-            (isReversed ? "at least TimeFrom, " : "at most 2^63 - 1 after TimeFrom, ") + Text(header.TimeFrom),
-            isReversed ? "The segment ends before it begins." : "No segment is as long as that.");
-        return;
-    }
-    const auto samples = SampleCount(header.TimeFrom, header.TimeTo, well->second);
-    if (samples && *samples != static_cast<std::uint64_t>(header.Size))
-        Add(NameOfSegment(recording, index, segment) + " > Size", OffsetOf(segment, "Size"), Text(header.Size),
-            std::to_string(*samples) + ", one for each interval from TimeFrom to TimeTo",
-            "Size, a time or the interval is damaged; readers go by Size.");
+/// A segment whose times contradict its size says nothing about the one after it.
+void CRawVerifier::JudgeValues(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
+    auto breach = m_rules.BreachOf(m_scan.Layout(), segment.header);
+    if (!breach || breach->rule == ERule::NoOverlap) m_rules.Note(segment.header);
+    if (breach) Add(NameOfSegment(recording, index, segment), segment.position, *std::move(breach));
 }
 
 void CRawVerifier::JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index) {

@@ -14,6 +14,7 @@ struct CFinding {
     std::string found;         ///< What stands there.
     std::string expected;      ///< What should.
     std::string meaning;       ///< What that means for whoever reads the file.
+    std::string rule = {};     ///< The name of the rule that is broken; empty if it has none.
 };
 
 /// All findings about one file. A damaged file may have millions; all are counted, the first ones kept.

@@ -6,25 +6,13 @@
 #include <cstdio>
 #include <utility>
 
+using vxfileio::helpers::Printable;
+
 namespace vxfile {
 
 namespace {
 
-constexpr std::size_t kMostQuoted = 60;
-
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
-
-std::string Hex(char c) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    return {'\\', 'x', kDigits[Byte(c) >> 4U], kDigits[Byte(c) & 15U]};
-}
-
-std::string Printable(char c) {
-    if (c == '\r') return "\\r";
-    if (c == '\n') return "\\n";
-    if (c == '"' || c == '\\') return {'\\', c};
-    return c >= ' ' && c <= '~' ? std::string(1, c) : Hex(c);
-}
 
 /// Returns the bytes of the UTF-8 character at the front that isn't ASCII; 0 if there is none.
 std::size_t SizeOfWide(std::string_view text) {
@@ -54,18 +42,11 @@ bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
 
 std::string Latin1(char c) {
     const unsigned char byte = Byte(c);
-    if (byte < 0xA0) return Hex(c);
+    if (byte < 0xA0) return Printable(c);
     return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
 }
 
 }  // namespace
-
-std::string Quoted(std::string_view bytes) {
-    std::string text = "\"";
-    for (const char c : bytes.substr(0, kMostQuoted))
-        text += Printable(c);
-    return text + (bytes.size() > kMostQuoted ? "\"..." : "\"");
-}
 
 std::string Readable(std::string_view bytes) {
     const bool isUtf8 = IsUtf8(bytes);
@@ -95,10 +76,6 @@ std::string Lowered(std::string text) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     std::ranges::transform(text, text.begin(), lower);
     return text;
-}
-
-std::string Counted(std::uint64_t count, std::string_view noun) {
-    return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
 
 std::string SizeText(std::int64_t bytes) {

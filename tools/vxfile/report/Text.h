@@ -6,13 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "vxfileio/helpers/PrintableText.h"
+
 /// @file
 /// Texts for people.
 
 namespace vxfile {
 
-/// Returns bytes in quotation marks: what can't be printed as `\n` or `\x00`, long ones cut by `...`.
-std::string Quoted(std::string_view bytes);
+using vxfileio::helpers::Counted;
+using vxfileio::helpers::Quoted;
 
 /// Returns a text of a file as UTF-8 that is safe on a terminal. Files don't name their code page: what isn't UTF-8
 /// already is taken for Latin-1.
@@ -26,9 +28,6 @@ std::string_view Cut(std::string_view text, std::size_t width);
 
 /// Returns a text with small letters for the capitals of ASCII.
 std::string Lowered(std::string text);
-
-/// Returns a count and its noun, such as "1 byte" or "2 bytes".
-std::string Counted(std::uint64_t count, std::string_view noun);
 
 /// Returns a size such as "4.2 KiB".
 std::string SizeText(std::int64_t bytes);

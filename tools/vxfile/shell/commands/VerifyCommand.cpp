@@ -117,7 +117,8 @@ CJson ToJson(const CVerdict& verdict) {
                             {"offset", finding.offset < 0 ? CJson() : CJson(finding.offset)},
                             {"found", finding.found},
                             {"expected", finding.expected},
-                            {"meaning", finding.meaning}});
+                            {"meaning", finding.meaning},
+                            {"rule", finding.rule.empty() ? CJson() : CJson(finding.rule)}});
     return {{"path", verdict.path},
             {"kind", WordOf(verdict.kind)},
             {"status", StatusWord(verdict.findings.Status())},

@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "tests/rawdata/ExampleHdrs.h"
+#include "tests/rawdata/RawFileBytes.h"
+#include "tests/support/TempFolder.h"
+#include "tools/vxfile/raw/RawVerify.h"
+#include "vxfileio/rawdata/Rules.h"
+
+namespace {
+
+using std::string_literals::operator""s;
+
+/// Whether `vxfile verify` can see a mistake in the file that comes out of it.
+enum class ETrace { Visible, None };
+
+/// A mistake in a header: what it changes in a good one, and how its refusal begins.
+template <class Header>
+struct CHeaderMistake {
+    std::function<void(Header&)> make;
+    std::string refusal;
+};
+
+/// A mistake in a call while the first segment of well 11, from 0 to 300, is the last one in the file.
+struct CCallMistake {
+    std::function<void(CIRawDataWriter&)> make;
+    std::string refusal;
+    ETrace trace = ETrace::Visible;
+};
+
+const std::vector<CHeaderMistake<CRawDataFileHdr>> kFileMistakes = {
+    {[](auto& h) { h.HeaderID = "Vexaprobe"; }, R"(HeaderID is "Vexaprobe", expected a text that begins "OVL Vexapr)"},
+    {[](auto& h) { h.HeaderID = ""; }, R"(HeaderID is "", expected a text that begins)"},
+    {[](auto& h) { h.HeaderID += "\0x"s; }, R"(HeaderID is "OVL Vexaprobe\x00x)"},
+    {[](auto& h) { h.HeaderID += "\n"; }, R"(HeaderID is "OVL Vexaprobe\n", expected a text without control)"},
+    {[](auto& h) { h.FileVersion = 1; }, "FileVersion is 1, expected 2 or more. Readers won't find the wells."},
+    {[](auto& h) { h.FileVersion = -2; }, "FileVersion is -2, expected 2 or more."},
+    {[](auto& h) { h.Guid = "a=b"; }, R"(Guid is "Guid=a=b", expected a text without '=', ':' and line ends. Readers)"},
+    {[](auto& h) { h.PlateID = "a:b"; }, R"(PlateID is "PlateID=a:b", expected a text without '=')"},
+    {[](auto& h) { h.FileType = "\r"; }, R"(FileType is "FileType=\r", expected)"},
+    {[](auto& h) { h.ProgramVersion = "1\n0"; }, R"(ProgramVersion is "ProgramVersion=1\n0", expected)"},
+    {[](auto& h) { h.CompoundName = "a\0b"s; }, R"(CompoundName is "CompoundName=a\x00b)"},
+    {[](auto& h) { h.CompoundName = "\x1B[2J"; },
+     R"(CompoundName is "CompoundName=\x1b[2J", expected a text without c)"},
+    {[](auto& h) { h.CompoundName = "a\x7F"; }, R"(CompoundName is "CompoundName=a\x7f", expected a text without c)"},
+};
+
+const std::vector<CHeaderMistake<CRawDataRecordingHdr>> kRecordingMistakes = {
+    {[](auto& h) { h.TaskName = "Series:1"; }, R"(TaskName is "TaskName=Series:1", expected)"},
+    {[](auto& h) { h.TaskName = "a\tb"; }, R"(TaskName is "TaskName=a\x09b", expected a text without control)"},
+    {[](auto& h) { h.WellChannels[1].ID = 11; }, "WellIDs is well 11 twice, expected each well once."},
+    {[](auto& h) { h.WellChannels[0].Ticks = 0; }, "Ticks is 0 for well 11, expected a sample interval above 0."},
+    {[](auto& h) { h.WellChannels[1].Ticks = -5; }, "Ticks is -5 for well 12, expected a sample interval above 0."},
+    {[](auto& h) { h.WellChannels[1].Ticks = 1LL << 31U; }, R"(Ticks is "Ticks=100:2147483648", expected the numb)"},
+    {[](auto& h) { h.WellChannels[0].UnitsPerAD = std::numeric_limits<double>::quiet_NaN(); },
+     "UnitsPerADs is nan for well 11, expected a finite number."},
+    {[](auto& h) { h.WellChannels[0].UnitsPerAD = std::numeric_limits<double>::infinity(); },
+     "UnitsPerADs is inf for well 11, expected a finite number."},
+};
+
+void Write(CIRawDataWriter& writer, std::int32_t well, std::int64_t from, std::int64_t to, std::int64_t tick) {
+    static const std::vector<std::uint16_t> samples(100, 7);
+    writer.WriteData(well, from, to, tick, samples.data());
+}
+
+const std::vector<CCallMistake> kCallMistakes = {
+    {[](auto& w) { Write(w, 13, 0, 300, 100); }, "ID is 13, expected a well that the recording lists. Interval and"},
+    {[](auto& w) { Write(w, -1, 0, 300, 100); }, "ID is -1, expected a well that the recording lists."},
+    {[](auto& w) { Write(w, 12, 0, 300, 50); }, "tick is 50, expected 100, the interval of well 12 in the recording"},
+    {[](auto& w) { Write(w, 12, 0, 300, 301); }, "tick is 301, expected 100, the interval of well 12"},
+    {[](auto& w) { Write(w, 12, 0, 0, 1); }, "tick is 1, expected 100, the interval of well 12", ETrace::None},
+    {[](auto& w) { Write(w, 11, 300, 600, 100); },
+     "TimeFrom is 300, expected more than 300, where the segment of this well before it ends. The times of these"},
+    {[](auto& w) { Write(w, 11, 0, 300, 100); }, "TimeFrom is 0, expected more than 300,"},
+    {[](auto& w) { Write(w, 11, -600, -300, 100); }, "TimeFrom is -600, expected more than 300,"},
+    {[](auto& w) {
+         w.UpdateFileHdr("PreQC", {"1", "x"});
+     },
+     R"(PreQC is "x", expected the decimal text of a whole number of 64 bits. Readers would take it for 0.)"},
+    {[](auto& w) { w.UpdateFileHdr("PostQC", {"1.5"}); }, R"(PostQC is "1.5", expected the decimal text)"},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {"007"}); }, R"(PreQC is "007", expected the decimal text)"},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {" 7"}); }, R"(PreQC is " 7", expected the decimal text)"},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {"9223372036854775808"}); }, R"(PreQC is "9223372036854775808", expected)"},
+    {[](auto& w) {
+         w.UpdateFileHdr("CompoundTest", {"", "1"});
+     },
+     R"(CompoundTest is "", expected the decimal)"},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {"1\0"s}); }, R"(PreQC is "1\x00", expected the decimal)", ETrace::None},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {"1:2"}); }, R"(PreQC is "1:2", expected the decimal)", ETrace::None},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {""}); }, R"(PreQC is "", expected the decimal)", ETrace::None},
+    {[](auto& w) { w.UpdateFileHdr("Series", {"1"}); }, R"(taskName is "Series", expected PreQC, CompoundTest)",
+     ETrace::None},
+};
+
+class StrictWriterTest : public testing::Test {
+ protected:
+    std::string Bytes() const { return ReadAll(m_path); }
+
+    void ExpectRefused(const std::function<void()>& mistake, const std::string& refusal) {
+        const std::string before = Bytes();
+        const std::string text = TextOfFailure(mistake);
+        EXPECT_EQ(text.substr(0, refusal.size()), refusal);
+        EXPECT_TRUE(Bytes() == before) << refusal;
+        EXPECT_EQ(m_writer.GetWriteError(), "");
+    }
+
+    /// Writes a file, in which everything else is right, and has it verified.
+    std::size_t FindingsAfter(const CRawDataFileHdr& file, const CRawDataRecordingHdr& recording,
+                              const std::function<void(CIRawDataWriter&)>& call) {
+        m_writer.Open(m_path);
+        m_writer.WriteFileHdr(file);
+        m_writer.WriteRecordingHdr(recording);
+        Write(m_writer, 11, 0, 300, 100);
+        call(m_writer);
+        m_writer.Close();
+        return VerifiedCount();
+    }
+
+    std::size_t VerifiedCount() try { return vxfile::VerifyRawData(m_path).Count(); } catch (const std::exception&) {
+        return 1;  // not a raw data file at all
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("run.vxd");
+    CIRawDataWriter m_writer;
+};
+
+}  // namespace
+
+// After all these refusals the file is the one of the other tests.
+TEST_F(StrictWriterTest, RefusesEachMistakeAndWritesTheSameBytesAsBefore) {
+    m_writer.SetStrict(true);
+    m_writer.Open(m_path);
+    for (const auto& mistake : kFileMistakes) {
+        CRawDataFileHdr header = ExampleFileHdr();
+        mistake.make(header);
+        ExpectRefused([&] { m_writer.WriteFileHdr(header); }, mistake.refusal);
+    }
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    for (const auto& mistake : kRecordingMistakes) {
+        CRawDataRecordingHdr header = ExampleRecordingHdr();
+        mistake.make(header);
+        ExpectRefused([&] { m_writer.WriteRecordingHdr(header); }, mistake.refusal);
+    }
+    m_writer.WriteRecordingHdr(ExampleRecordingHdr());
+    m_writer.WriteData(11, 0, 300, 100, kWell11.data());
+    for (const auto& mistake : kCallMistakes)
+        ExpectRefused([&] { mistake.make(m_writer); }, mistake.refusal);
+    m_writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
+    m_writer.WriteData(12, 0, 300, 100, kWell12.data());
+    m_writer.Close();
+    EXPECT_EQ(Bytes(), SmallFileBytes());
+    EXPECT_EQ(VerifiedCount(), 0U);
+}
+
+TEST_F(StrictWriterTest, WhatAnotherWriterLeavesAfterSuchAMistakeIsReportedByVerify) {
+    const auto none = [](CIRawDataWriter& /*writer*/) {};
+    ASSERT_EQ(FindingsAfter(ExampleFileHdr(), ExampleRecordingHdr(), none), 0U);
+    for (const auto& mistake : kFileMistakes) {
+        CRawDataFileHdr header = ExampleFileHdr();
+        mistake.make(header);
+        EXPECT_GT(FindingsAfter(header, ExampleRecordingHdr(), none), 0U) << mistake.refusal;
+    }
+    for (const auto& mistake : kRecordingMistakes) {
+        CRawDataRecordingHdr header = ExampleRecordingHdr();
+        mistake.make(header);
+        EXPECT_GT(FindingsAfter(ExampleFileHdr(), header, none), 0U) << mistake.refusal;
+    }
+    for (const auto& mistake : kCallMistakes) {
+        const std::size_t findings = FindingsAfter(ExampleFileHdr(), ExampleRecordingHdr(), mistake.make);
+        EXPECT_EQ(findings > 0, mistake.trace == ETrace::Visible) << mistake.refusal;
+    }
+}
+
+TEST_F(StrictWriterTest, JudgesEachWellAndEachRecordingByItself) {
+    m_writer.SetStrict(true);
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    CRawDataRecordingHdr header = ExampleRecordingHdr();
+    header.WellChannels = {{12, 0, 0.5, 7}, {-4, 0, 0.5, 100}, {11, 0, 0.5, 100}};
+    for (const int recording : {1, 2}) {
+        header.Recording = recording;
+        m_writer.WriteRecordingHdr(header);
+        Write(m_writer, 11, 0, 399, 100);
+        Write(m_writer, 12, 0, 20, 7);
+        Write(m_writer, -4, -900, -800, 100);
+        Write(m_writer, 12, 21, 21, 7);
+        Write(m_writer, 11, 400, 400, 100);  // after a gap is as good as right after
+        Write(m_writer, 12, 900, 907, 7);
+    }
+    m_writer.Close();
+    EXPECT_EQ(VerifiedCount(), 0U);
+}
+
+TEST_F(StrictWriterTest, CanBecomeStrictWithinARecordingAndLenientAgain) {
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    m_writer.WriteRecordingHdr(ExampleRecordingHdr());
+    m_writer.SetStrict(true);
+    ExpectRefused([&] { Write(m_writer, 13, 0, 300, 100); }, "ID is 13,");
+    Write(m_writer, 11, 0, 300, 100);
+    ExpectRefused([&] { Write(m_writer, 11, 200, 300, 100); }, "TimeFrom is 200,");
+    m_writer.SetStrict(false);
+    Write(m_writer, 11, 200, 300, 100);
+    m_writer.Close();
+    EXPECT_EQ(VerifiedCount(), 1U);
+}
+
+TEST_F(StrictWriterTest, EveryRuleIsInTheDocs) {
+    const std::string page = ReadAll(VXFILEIO_REFERENCE_DIR "/../../docs/raw-data-file.md");
+    for (const auto& rule : vxfileio::rawdata::kRules) {
+        const std::string row = "| `" + std::string(rule.id) + "` | " + std::string(rule.sentence) + " |\n";
+        EXPECT_NE(page.find(row), std::string::npos) << row;
+    }
+}
