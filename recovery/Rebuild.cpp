@@ -1,8 +1,10 @@
 #include "recovery/Rebuild.h"
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -22,11 +24,11 @@ namespace {
 /// The name of a recording whose own name is lost.
 constexpr const char* kLostName = "Recovered";
 
-/// A header in the layout of the new file.
+/// A header of the input in the layout of the new file.
 struct COldHdr {
-    std::string bytes;  ///< Undamaged cells as they are, the others with their keys alone.
+    std::string bytes;  ///< Whole and legible cells as they are, the others with their keys alone.
     CDamage damage;     ///< Rows of the new layout.
-    CRows foreign;      ///< Rows that the old layout lacks.
+    CRows absent;       ///< Rows that the old layout lacks.
 };
 
 /// Returns the row of an older layout that has the same cell as `row` of a newer one. Some keys occur twice.
@@ -40,45 +42,48 @@ std::optional<std::size_t> SameRow(const Layout& from, const Layout& to, std::si
     return std::nullopt;
 }
 
-/// Translates a header from one layout to another. `bytes` is empty if the header is lost.
+/// Translates a header from one layout to another. Cells that end after `cutAt` are lost; `from` is null if all are.
 template <class Layout>
-COldHdr Translated(const Layout& from, const Layout& to, std::string_view bytes, const CDamage& damage) {
-    COldHdr old{.bytes = std::string(to.size, '\0'), .damage = {}, .foreign = {}};
+COldHdr OldHdr(CWindow& window, const Layout* from, const Layout& to, const CHdrPlace& place, std::int64_t cutAt) {
+    COldHdr old{.bytes = std::string(to.size, '\0'), .damage = {}, .absent = {}};
+    const std::string bytes = from != nullptr ? HdrBytes(window, *from, place) : std::string();
+    const CDamage damage = from != nullptr ? DamageOf(*from, bytes) : CDamage();
     for (std::size_t row = 0; row < to.cells.size(); ++row) {
         const auto& cell = to.cells[row];
-        const auto same = SameRow(from, to, row);
-        old.foreign[row] = !same;
-        if (same) {
+        std::string_view text = cell.key;
+        const auto same = from != nullptr ? SameRow(*from, to, row) : std::nullopt;
+        if (from == nullptr) {
+            old.damage.Lose(row);
+        } else if (!same) {
+            old.absent[row] = true;
+        } else {
+            const auto& was = from->cells[*same];
             old.damage.damaged[row] = damage.damaged[*same];
-            old.damage.lost[row] = damage.lost[*same];
             old.damage.odd[row] = damage.odd[*same];
+            const bool isCut = place.OffsetOf(*from, *same) + static_cast<std::int64_t>(was.width) > cutAt;
+            if (isCut || damage.lost[*same]) old.damage.Lose(row);
+            if (!old.damage.lost[row]) text = CellText(CellIn(was, bytes));
         }
-        const bool hasText = same && !damage.lost[*same];
-        CCellWriter(std::span(old.bytes).subspan(cell.offset, cell.width),
-                    hasText ? CellText(CellIn(from.cells[*same], bytes)) : cell.key);
+        CCellWriter(std::span(old.bytes).subspan(cell.offset, cell.width), text);
     }
     return old;
 }
 
-/// Returns a header that is lost altogether.
-CDamage AllLost() {
-    CDamage damage;
-    damage.damaged.set();
-    damage.lost.set();
-    return damage;
+/// Returns the layout of one kind of headers, or null if the header is lost.
+template <class Header>
+const CHdrLayout<Header>* LayoutAt(std::int32_t index, CHdrLayout<Header> CLayout::*kind) {
+    return index < 0 ? nullptr : &(Layouts()[static_cast<std::size_t>(index)].*kind);
 }
 
-/// Copies the cells that aren't `made` from one header to another.
-void KeepCells(const auto& layout, const std::string& from, const CRows& made, std::string& to) {
+/// Returns a new header that keeps the cells of the old one whose values are the same in `was` and `now`.
+std::string Merged(const auto& layout, const COldHdr& old, const std::string& was, std::string now) {
+    const CRows made = old.damage.lost | old.absent;
     for (std::size_t row = 0; row < layout.cells.size(); ++row) {
         const auto& cell = layout.cells[row];
-        if (!made[row]) to.replace(cell.offset, cell.width, from, cell.offset, cell.width);
+        if (!made[row] && CellIn(cell, was) == CellIn(cell, now))
+            now.replace(cell.offset, cell.width, CellIn(cell, old.bytes));
     }
-}
-
-void SetPosition(const auto& layout, std::string_view key, std::int64_t position, std::string& header) {
-    const auto& cell = layout[key];
-    EncodePosition(key, position, std::span(header).subspan(cell.offset, cell.width));
+    return now;
 }
 
 template <class Header>
@@ -88,195 +93,141 @@ std::string Encoded(const CLayout& layout, const Header& header, std::size_t siz
     return bytes;
 }
 
-std::size_t ItemsIn(const CRecordingCell& cell, std::string_view header) {
-    CCellItems items(CellIn(cell, header));
-    std::size_t count = 0;
-    while (items.Next())
-        ++count;
-    return count;
+void SetPosition(const auto& layout, std::string_view key, std::int64_t position, std::string& header) {
+    const auto& cell = layout[key];
+    EncodePosition(key, position, std::span(header).subspan(cell.offset, cell.width));
 }
 
-/// Adds a note for each kind of damage; `lost` are the cells that had to be made up.
-void NoteDamage(const auto& layout, const CDamage& damage, const CRows& lost, std::vector<CNote>& notes) {
+/// Adds a note for each kind of damage.
+void NoteDamage(const auto& layout, const CDamage& damage, std::vector<CNote>& notes) {
     std::map<CNote::EKind, std::string> keys;
     for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        if (!damage.damaged[row] && !lost[row] && !damage.odd[row]) continue;
+        if (!damage.damaged[row] && !damage.odd[row]) continue;
         const auto& cell = layout.cells[row];
-        bool isTold = cell.traits.role != ERole::Value;
-        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(cell)>, CRecordingCell>)
-            isTold = isTold || cell.key == "NumberOfWells";
-        const auto kind = damage.odd[row] ? CNote::EKind::Odd
-                          : !lost[row]    ? CNote::EKind::Legible
-                          : isTold        ? CNote::EKind::Told
-                                          : CNote::EKind::Lost;
+        const bool isTold = cell.traits.role != ERole::Value || cell.key == "NumberOfWells";
+        const auto kind = damage.odd[row]     ? CNote::EKind::Odd
+                          : !damage.lost[row] ? CNote::EKind::Legible
+                          : isTold            ? CNote::EKind::Told
+                                              : CNote::EKind::Lost;
         std::string& list = keys[kind];
         list.append(list.empty() ? "" : ", ").append(cell.key.empty() ? "the mark" : cell.key);
     }
-    std::size_t at = 0;
     for (auto& [kind, list] : keys)
-        notes.insert(notes.begin() + static_cast<std::ptrdiff_t>(at++), CNote{.kind = kind, .keys = std::move(list)});
+        notes.push_back({.kind = kind, .keys = std::move(list)});
 }
 
-bool IsListOf(const CRecordingCell& cell, CChannels channels) {
-    const auto* const list = std::get_if<CChannelList>(&cell.member);
-    return list != nullptr && list->channels == channels;
-}
+// ---- Lists of channels ----------------------------------------------------------------------------------------------
 
-bool IsCountOf(const CRecordingCell& cell, CChannels channels) {
-    const auto* const count = std::get_if<CChannelCount>(&cell.member);
-    return count != nullptr && count->channels == channels;
-}
-
-/// Brings the lists of the wells of one recording in order.
-class CWellLists {
- public:
-    CWellLists(const CFoundRecording& recording, const CLayout& layout, const COldHdr& old,
-               CRawDataRecordingHdr& header, std::vector<CNote>& notes)
-        : m_recording(recording), m_layout(layout), m_old(old), m_header(header), m_notes(notes) {
-        const auto& cells = layout.recording.cells;
-        for (std::size_t row = 0; row < cells.size(); ++row) {
-            if (IsListOf(cells[row], kWells)) m_lists.push_back(row);
-            if (IsCountOf(cells[row], kWells)) m_count = row;
-        }
-        m_ids = layout.recording.RowOf(layout.recording["WellIDs"]);
-    }
-
-    /// Sets the wells of the header. Returns the cells that don't hold what they should, and those that are made up.
-    std::pair<CRows, CRows> Mend() {
-        m_made = m_old.damage.lost;
-        JudgeCounts();
-        const CRows lost = m_made;
-        if (m_made[m_ids]) {
-            m_model = CommonOf(std::exchange(m_header.WellChannels, {}));
-            MakeAll();
-            Note({.kind = CNote::EKind::WellsOfSegments});
-        } else {
-            TakeLists();
-            DropTwins();
-        }
-        AddUnlisted();
-        MendTicks();
-        return {lost, m_made};
-    }
-
- private:
-    /// All lists have the same length. What most of them say is believed; the others are damaged.
-    void JudgeCounts() {
-        std::map<std::size_t, int> votes;
-        for (const std::size_t row : m_lists) {
-            if (!m_made[row]) votes[Items(row)] += row == m_ids ? 3 : 2;
-        }
-        const auto told = m_header.WellChannels.size();
-        if (!m_made[m_count]) ++votes[told];
-        const auto most = std::ranges::max_element(votes, {}, [](const auto& vote) { return vote.second; });
-        m_items = most == votes.end() ? 0 : most->first;
-        for (const std::size_t row : m_lists)
-            m_made[row] = m_made[row] || Items(row) != m_items;
-        m_made[m_count] = m_made[m_count] || told != m_items;
-    }
-
-    std::size_t Items(std::size_t row) const { return ItemsIn(m_layout.recording.cells[row], m_old.bytes); }
-
-    /// Takes the lists that can be used, with the length that most of them have.
-    void TakeLists() {
-        std::string bytes = m_old.bytes;
-        const auto put = [&](std::size_t row, std::string_view value) {
-            const auto& cell = m_layout.recording.cells[row];
-            EncodeCell(cell.key, value, std::span(bytes).subspan(cell.offset, cell.width));
-        };
-        put(m_count, CNumberText(m_items).View());
-        for (const std::size_t row : m_lists) {
-            if (m_made[row]) put(row, "");
-        }
-        CRawDataRecordingHdr lists;
-        if (Decode(m_layout, bytes, lists)) m_header.WellChannels = std::move(lists.WellChannels);
-    }
-
-    /// A well that is listed twice has lost the other's ID; the first one stays.
-    void DropTwins() {
-        auto& wells = m_header.WellChannels;
-        m_model = CommonOf(wells);
-        for (auto well = wells.begin(); well != wells.end();) {
-            const bool isTwin =
-                std::find_if(wells.begin(), well, [&](const auto& other) { return other.ID == well->ID; }) != well;
-            if (isTwin) {
-                Note({.kind = CNote::EKind::ListedTwice, .wells = {well->ID}});
-                MakeAll();
-            }
-            well = isTwin ? wells.erase(well) : std::next(well);
-        }
-    }
-
-    /// Lists the wells that have segments and aren't listed yet.
-    void AddUnlisted() {
-        auto& wells = m_header.WellChannels;
-        std::vector<std::int32_t> added;
-        for (const auto& [wellID, interval] : m_recording.wells) {
-            if (wells.size() == m_layout.mostChannels) break;
-            if (std::ranges::find(wells, wellID, &CRawDataChannelInfo::ID) != wells.end()) continue;
-            m_model.ID = wellID;
-            wells.push_back(m_model);
-            added.push_back(wellID);
-        }
-        if (added.empty()) return;
-        if (!m_made[m_ids]) Note({.kind = CNote::EKind::ListedNow, .wells = added});
-        MakeAll();
-    }
-
-    /// Returns what the lists say of all wells in the same way.
-    static CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
-        CRawDataChannelInfo common;
-        const auto take = [&](auto field) {
-            const auto differs = [&](const auto& well) { return well.*field != wells.front().*field; };
-            if (!wells.empty() && std::ranges::none_of(wells, differs)) common.*field = wells.front().*field;
-        };
-        take(&CRawDataChannelInfo::ADZero);
-        take(&CRawDataChannelInfo::UnitsPerAD);
-        take(&CRawDataChannelInfo::Ticks);
-        return common;
-    }
-
-    void MakeAll() {
-        m_made[m_count] = true;
-        for (const std::size_t row : m_lists)
-            m_made[row] = true;
-    }
-
-    /// Gives each well the interval of its segments. One without segments may have any.
-    void MendTicks() {
-        const auto& cells = m_layout.recording;
-        for (auto& well : m_header.WellChannels) {
-            const auto found = m_recording.wells.find(well.ID);
-            const CWellInterval interval = found != m_recording.wells.end() ? found->second
-                                           : well.Ticks > 0                 ? CWellInterval{well.Ticks, true}
-                                                                            : CWellInterval{1, false};
-            if (well.Ticks == interval.ticks) continue;
-            Note({.kind = interval.isTold ? CNote::EKind::Interval : CNote::EKind::NoInterval,
-                  .wells = {well.ID},
-                  .from = std::max<std::int64_t>(well.Ticks, 0),
-                  .to = interval.ticks});
-            well.Ticks = interval.ticks;
-            m_made[cells.RowOf(cells["Ticks"])] = true;
-        }
-    }
-
-    void Note(CNote note) { m_notes.push_back(std::move(note)); }
-
-    const CFoundRecording& m_recording;
-    const CLayout& m_layout;
-    const COldHdr& m_old;
-    CRawDataRecordingHdr& m_header;
-    std::vector<CNote>& m_notes;
-    std::vector<std::size_t> m_lists;  ///< Rows.
-    std::size_t m_count = 0;
-    std::size_t m_ids = 0;
-    CRows m_made;
-    std::size_t m_items = 0;
-    CRawDataChannelInfo m_model;  ///< What is known of a well that isn't listed.
+/// The lists of one kind of channels, which have one length.
+struct CLists {
+    std::size_t length = 0;  ///< As most of them say.
+    CRows rows;              ///< Those of the lists and of their number.
+    CRows wrong;             ///< Those that are lost or have another length.
 };
 
+/// Returns how many channels a cell has, if it is about this kind of channels.
+std::optional<std::size_t> ChannelsIn(const CRecordingCell& cell, CChannels channels, std::string_view header) {
+    const auto* const list = std::get_if<CChannelList>(&cell.member);
+    const auto* const count = std::get_if<CChannelCount>(&cell.member);
+    if (count != nullptr && count->channels == channels)
+        return static_cast<std::size_t>(std::max(helpers::ParseInt32(CellValue(CellIn(cell, header))), 0));
+    if (list == nullptr || list->channels != channels) return std::nullopt;
+    std::size_t items = 0;
+    for (CCellItems all(CellIn(cell, header)); all.Next();)
+        ++items;
+    return items;
+}
+
+/// The IDs count most, the number of channels least.
+CLists ListsOf(const CLayout& layout, const COldHdr& old, CChannels channels) {
+    const auto& cells = layout.recording.cells;
+    std::map<std::size_t, int> votes;
+    const auto forEach = [&](auto act) {
+        for (std::size_t row = 0; row < cells.size(); ++row) {
+            if (const auto length = ChannelsIn(cells[row], channels, old.bytes)) act(row, *length);
+        }
+    };
+    forEach([&](std::size_t row, std::size_t length) {
+        const bool isCount = std::holds_alternative<CChannelCount>(cells[row].member);
+        if (!old.damage.lost[row]) votes[length] += isCount ? 1 : cells[row].key == "WellIDs" ? 3 : 2;
+    });
+    CLists lists;
+    const auto most = std::ranges::max_element(votes, {}, [](const auto& vote) { return vote.second; });
+    if (most != votes.end()) lists.length = most->first;
+    forEach([&](std::size_t row, std::size_t length) {
+        lists.rows[row] = true;
+        lists.wrong[row] = old.damage.lost[row] || length != lists.length;
+    });
+    return lists;
+}
+
+/// Loses the lists of wells that can't be used, and sets the number of wells.
+void LoseWrongLists(const CLayout& layout, COldHdr& old) {
+    const CLists lists = ListsOf(layout, old, kWells);
+    for (std::size_t row = 0; row < layout.recording.cells.size(); ++row) {
+        if (!lists.wrong[row]) continue;
+        old.damage.Lose(row);
+        const auto& cell = layout.recording.cells[row];
+        const bool isCount = std::holds_alternative<CChannelCount>(cell.member);
+        EncodeCell(cell.key, isCount ? CNumberText(lists.length).View() : std::string_view(),
+                   std::span(old.bytes).subspan(cell.offset, cell.width));
+    }
+}
+
+/// Returns what the lists say of all wells in the same way.
+CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
+    CRawDataChannelInfo common;
+    const auto take = [&](auto field) {
+        const auto differs = [&](const auto& well) { return well.*field != wells.front().*field; };
+        if (!wells.empty() && std::ranges::none_of(wells, differs)) common.*field = wells.front().*field;
+    };
+    take(&CRawDataChannelInfo::ADZero);
+    take(&CRawDataChannelInfo::UnitsPerAD);
+    take(&CRawDataChannelInfo::Ticks);
+    return common;
+}
+
+/// Lists each well once, and those that have segments, `most` at most. A well listed twice has lost the other's ID; the
+/// first one stays.
+void MendWells(const CFoundRecording& recording, bool hasIDs, std::size_t most, std::vector<CRawDataChannelInfo>& wells,
+               std::vector<CNote>& notes) {
+    CRawDataChannelInfo model = CommonOf(wells);
+    if (!hasIDs) wells.clear();
+    if (!hasIDs) notes.push_back({.kind = CNote::EKind::WellsOfSegments});
+    std::set<std::int32_t> listed;
+    std::erase_if(wells, [&](const auto& well) {
+        if (listed.insert(well.ID).second) return false;
+        notes.push_back({.kind = CNote::EKind::ListedTwice, .wells = {well.ID}});
+        return true;
+    });
+    std::vector<std::int32_t> added;
+    for (const auto& entry : recording.wells) {
+        if (wells.size() == most || !listed.insert(entry.first).second) continue;
+        model.ID = entry.first;
+        wells.push_back(model);
+        added.push_back(entry.first);
+    }
+    if (hasIDs && !added.empty()) notes.push_back({.kind = CNote::EKind::ListedNow, .wells = std::move(added)});
+}
+
+/// Gives each well the interval of its segments. One without segments may have any.
+void MendTicks(const CFoundRecording& recording, std::vector<CRawDataChannelInfo>& wells, std::vector<CNote>& notes) {
+    for (auto& well : wells) {
+        const auto found = recording.wells.find(well.ID);
+        const CWellInterval interval = found != recording.wells.end() ? found->second
+                                       : well.Ticks > 0               ? CWellInterval{well.Ticks, true}
+                                                                      : CWellInterval{1, false};
+        if (well.Ticks == interval.ticks) continue;
+        notes.push_back({.kind = interval.isTold ? CNote::EKind::Interval : CNote::EKind::NoInterval,
+                         .wells = {well.ID},
+                         .from = std::max<std::int64_t>(well.Ticks, 0),
+                         .to = interval.ticks});
+        well.Ticks = interval.ticks;
+    }
+}
+
 /// Encodes a header whose lists may be too long for their cells: as many wells as fit.
-std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr& header, std::vector<CNote>& notes) {
+std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr header, std::vector<CNote>& notes) {
     for (bool left = false;; left = true) {
         try {
             auto bytes = Encoded(layout, header, layout.recording.size);
@@ -289,41 +240,14 @@ std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr& header,
     }
 }
 
-/// Auxiliary channels stay if all cells about them are whole and agree. Returns the rows to be made up.
-CRows MadeAuxRows(const CLayout& layout, const COldHdr& old, std::size_t channels) {
-    CRows rows;
-    bool agrees = true;
-    for (std::size_t row = 0; row < layout.recording.cells.size(); ++row) {
-        const auto& cell = layout.recording.cells[row];
-        const bool isList = IsListOf(cell, kAux);
-        if (!isList && !IsCountOf(cell, kAux)) continue;
-        rows[row] = true;
-        agrees = agrees && !old.damage.lost[row] && (!isList || ItemsIn(cell, old.bytes) == channels);
-    }
-    return agrees ? CRows() : rows;
-}
-
-COldHdr OldHdrOf(CWindow& window, const CFoundRecording& recording, const CLayout& layout) {
-    if (recording.layout < 0) return Translated(layout.recording, layout.recording, {}, AllLost());
-    const auto& from = Layouts()[static_cast<std::size_t>(recording.layout)].recording;
-    const std::string bytes = HdrBytes(window, from, recording.place);
-    CDamage damage = DamageOf(from, bytes);
-    for (std::size_t row = 0; row < from.cells.size(); ++row) {
-        const std::int64_t end = recording.place.OffsetOf(from, row) + static_cast<std::int64_t>(from.cells[row].width);
-        if (end > recording.cutAt) damage.Lose(row);
-    }
-    return Translated(from, layout.recording, bytes, damage);
-}
-
 }  // namespace
 
 const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     std::int32_t version = 0;
-    if (found.fileLayout >= 0) {
-        const auto& cells = Layouts()[static_cast<std::size_t>(found.fileLayout)].file;
-        const std::string bytes = HdrBytes(window, cells, found.file);
-        const auto& cell = cells["FileVersion"];
-        if (!DamageOf(cells, bytes).lost[cells.RowOf(cell)])
+    if (const auto* const from = LayoutAt(found.fileLayout, &CLayout::file)) {
+        const std::string bytes = HdrBytes(window, *from, found.file);
+        const auto& cell = (*from)["FileVersion"];
+        if (!DamageOf(*from, bytes).lost[from->RowOf(cell)])
             version = LayoutOf(helpers::ParseInt32(CellValue(CellIn(cell, bytes)))).version;
     }
     for (const CFoundRecording& recording : found.recordings) {
@@ -334,64 +258,60 @@ const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
 }
 
 CRebuiltFileHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout) {
-    COldHdr old;
-    if (found.fileLayout < 0) {
-        old = Translated(layout.file, layout.file, {}, AllLost());
-    } else {
-        const auto& from = Layouts()[static_cast<std::size_t>(found.fileLayout)].file;
-        const std::string bytes = HdrBytes(window, from, found.file);
-        old = Translated(from, layout.file, bytes, DamageOf(from, bytes));
-    }
-    CRawDataFileHdr header;
-    Decode(layout, old.bytes, header);
+    const COldHdr old = OldHdr(window, LayoutAt(found.fileLayout, &CLayout::file), layout.file, found.file,
+                               std::numeric_limits<std::int64_t>::max());
     CRebuiltFileHdr rebuilt;
-    CRows made = old.damage.lost | old.foreign;
-    NoteDamage(layout.file, old.damage, old.damage.lost, rebuilt.notes);
-    if (header.HeaderID.empty()) header.HeaderID = kFileTypeText;
-    if (header.FileVersion < kOldestWrittenVersion || LayoutOf(header.FileVersion).version != layout.version) {
-        const std::size_t row = layout.file.RowOf(layout.file["FileVersion"]);
+    NoteDamage(layout.file, old.damage, rebuilt.notes);
+    CRawDataFileHdr was;
+    Decode(layout, old.bytes, was);
+    CRawDataFileHdr now = was;
+    if (now.HeaderID.empty()) now.HeaderID = kFileTypeText;
+    if (now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version) {
         const auto lacksStart = [&](const CFoundRecording& recording) {
             return recording.layout >= 0 &&
                    Layouts()[static_cast<std::size_t>(recording.layout)].version < layout.version;
         };
-        if (!made[row])
-            rebuilt.notes.push_back({.kind = std::ranges::any_of(found.recordings, lacksStart)
-                                                 ? CNote::EKind::NewVersionWithoutStart
-                                                 : CNote::EKind::NewVersion,
+        const bool anyLacks = std::ranges::any_of(found.recordings, lacksStart);
+        if (!old.damage.lost[layout.file.RowOf(layout.file["FileVersion"])])
+            rebuilt.notes.push_back({.kind = anyLacks ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
                                      .to = layout.version});
-        header.FileVersion = layout.version;
-        made[row] = true;
+        now.FileVersion = layout.version;
     }
-    rebuilt.bytes = Encoded(layout, header, layout.file.size);
-    KeepCells(layout.file, old.bytes, made, rebuilt.bytes);
+    rebuilt.bytes =
+        Merged(layout.file, old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
     return rebuilt;
 }
 
 CRebuiltRecordingHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, std::int32_t number,
                                          const CLayout& layout) {
-    const COldHdr old = OldHdrOf(window, recording, layout);
     const auto& cells = layout.recording;
+    COldHdr old =
+        OldHdr(window, LayoutAt(recording.layout, &CLayout::recording), cells, recording.place, recording.cutAt);
+    const auto isLost = [&](std::string_view key) { return old.damage.lost[cells.RowOf(cells[key])]; };
+    LoseWrongLists(layout, old);
     CRebuiltRecordingHdr rebuilt;
-    CRawDataRecordingHdr header;
-    if (!Decode(layout, old.bytes, header)) header.WellChannels.clear();
-    if (old.damage.lost[cells.RowOf(cells["TaskName"])]) header.TaskName = kLostName;
-    if (old.damage.lost[cells.RowOf(cells["Recording"])]) header.Recording = number;
-    auto [lost, made] = CWellLists(recording, layout, old, header, rebuilt.notes).Mend();
-    made |= old.foreign;
-    const CRows aux = MadeAuxRows(layout, old, header.AuxChannels.size());
-    if (aux.any()) {
-        header.AuxChannels.clear();
+    if (recording.layout < 0) {
+        rebuilt.notes.push_back({.kind = CNote::EKind::MadeUp});
+    } else {
+        NoteDamage(cells, old.damage, rebuilt.notes);
+    }
+    CRawDataRecordingHdr was;
+    if (!Decode(layout, old.bytes, was)) was.WellChannels.clear();
+    CRawDataRecordingHdr now = was;
+    if (isLost("TaskName")) now.TaskName = kLostName;
+    if (isLost("Recording")) now.Recording = number;
+    MendWells(recording, !isLost("WellIDs"), layout.mostChannels, now.WellChannels, rebuilt.notes);
+    MendTicks(recording, now.WellChannels, rebuilt.notes);
+    if (const CLists aux = ListsOf(layout, old, kAux); aux.wrong.any()) {
+        now.AuxChannels.clear();
+        old.damage.lost |= aux.rows;
         if (recording.layout >= 0) rebuilt.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
     }
-    rebuilt.bytes = EncodedWithRoom(layout, header, rebuilt.notes);
-    KeepCells(cells, old.bytes, made | aux, rebuilt.bytes);
-    if (recording.layout < 0) {
-        rebuilt.notes.insert(rebuilt.notes.begin(), CNote{.kind = CNote::EKind::MadeUp});
-    } else {
-        NoteDamage(cells, old.damage, lost, rebuilt.notes);
-    }
-    rebuilt.task = header.TaskName;
-    rebuilt.number = header.Recording;
+    std::vector<CNote> unused;
+    rebuilt.bytes =
+        Merged(cells, old, EncodedWithRoom(layout, was, unused), EncodedWithRoom(layout, now, rebuilt.notes));
+    rebuilt.task = now.TaskName;
+    rebuilt.number = now.Recording;
     return rebuilt;
 }
 
