@@ -1,5 +1,8 @@
 #pragma once
 
+#include "vxfileio/access/RawDataFile.h"
+#include "vxfileio/access/RecordingIndex.h"
+#include "vxfileio/access/SampleSelection.h"
 #include "vxfileio/base/Api.h"
 #include "vxfileio/base/Enumerations.h"
 #include "vxfileio/base/ExcVXReader.h"

@@ -89,6 +89,10 @@ class CFile {
     /// Returns 0 for an unreadable position. Bytes that weren't read keep their old content.
     std::size_t ReadUpTo(std::int64_t position, CMutableBytes buffer) const;
 
+    /// Does the same with buffers that the bytes fill one after the other; there may be any number of them. Up to 256
+    /// take one system call on POSIX, each takes one elsewhere.
+    std::size_t ReadUpTo(std::int64_t position, std::span<const CMutableBytes> buffers) const;
+
     /// Fills the whole buffer from `position` on. Returns false if the file ends before that or can't be read; the
     /// buffer's content is then unspecified.
     [[nodiscard]] bool ReadExactly(std::int64_t position, CMutableBytes buffer) const {

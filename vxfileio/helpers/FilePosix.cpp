@@ -74,10 +74,11 @@ std::error_code TakeRights(int handle, int model) {
     return Outcome(::fchmod(handle, rights));
 }
 
-/// The part of a gathered write that is still to be done. One call takes up to four buffers.
+/// The part of a transfer of several buffers that is still to be done. One call takes up to `kMost` of them.
+template <class Buffer, std::size_t kMost>
 class CPending {
  public:
-    explicit CPending(std::initializer_list<CBytes> buffers) : m_buffers(buffers.begin(), buffers.end()) { Refill(); }
+    explicit CPending(std::span<const Buffer> buffers) : m_buffers(buffers) { Refill(); }
 
     bool IsEmpty() const { return m_first == m_count; }
     const iovec* Data() const { return m_parts.data() + m_first; }
@@ -95,16 +96,16 @@ class CPending {
     void Refill() {
         m_first = 0;
         m_count = 0;
-        for (; !m_buffers.empty() && m_count < m_parts.size(); m_buffers = m_buffers.subspan(1)) {
-            const CBytes& buffer = m_buffers.front();
+        for (; !m_buffers.empty() && m_count < kMost; m_buffers = m_buffers.subspan(1)) {
+            const Buffer& buffer = m_buffers.front();
             if (buffer.empty()) continue;
             // The system's description of a buffer serves both directions, so it can't be constant.
             m_parts[m_count++] = {const_cast<std::byte*>(buffer.data()), buffer.size()};
         }
     }
 
-    std::span<const CBytes> m_buffers;  ///< Those that aren't in `m_parts` yet.
-    std::array<iovec, 4> m_parts{};
+    std::span<const Buffer> m_buffers;  ///< Those that aren't in `m_parts` yet.
+    std::array<iovec, kMost> m_parts;   ///< Set up to `m_count`.
     std::size_t m_first = 0;
     std::size_t m_count = 0;
 };
@@ -191,8 +192,22 @@ std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
     return done;
 }
 
+std::size_t CFile::ReadUpTo(std::int64_t position, std::span<const CMutableBytes> buffers) const {
+    std::size_t done = 0;
+    CPending<CMutableBytes, 256> pending(buffers);
+    while (!pending.IsEmpty()) {
+        const auto from = static_cast<off_t>(position + static_cast<std::int64_t>(done));
+        const ssize_t read = ::preadv(static_cast<int>(m_handle), pending.Data(), pending.Count(), from);
+        if (read < 0 && errno == EINTR) continue;
+        if (read <= 0) break;
+        pending.Pass(static_cast<std::size_t>(read));
+        done += static_cast<std::size_t>(read);
+    }
+    return done;
+}
+
 std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {
-    CPending pending(buffers);
+    CPending<CBytes, 4> pending({buffers.begin(), buffers.size()});
     while (!pending.IsEmpty()) {
         const ssize_t written = ::pwritev(static_cast<int>(m_handle), pending.Data(), pending.Count(), position);
         if (written < 0 && errno == EINTR) continue;

@@ -135,12 +135,16 @@ std::string CFile::PlaceOf(const std::string& path) const {
 
 std::error_code CFile::CloseHandle() { return Outcome(::CloseHandle(Native(m_handle))); }
 
-std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
+std::size_t CFile::ReadUpTo(std::int64_t position, std::span<const CMutableBytes> buffers) const {
     const auto read = [this](std::byte* data, DWORD size, OVERLAPPED* place, DWORD* moved) {
         return ::ReadFile(Native(m_handle), data, size, moved, place) != 0;
     };
     std::error_code ignored;
-    return Transfer(read, position, std::array{buffer}, ignored);
+    return Transfer(read, position, buffers, ignored);
+}
+
+std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
+    return ReadUpTo(position, std::span<const CMutableBytes>(&buffer, 1));
 }
 
 std::error_code CFile::WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers) {

@@ -25,6 +25,11 @@ inline constexpr const char* kBadTick = "The sample interval must be above 0.";
 inline constexpr const char* kTimesReversed = "The segment ends before it begins.";
 inline constexpr const char* kTooManySamples = "The segment holds too many samples.";
 
+// Mistakes of the caller of bulk access.
+inline constexpr const char* kNoSuchRecording = "The file has no such recording.";
+inline constexpr const char* kUnfinished = "The recording isn't finished.";
+inline constexpr const char* kWrongBuffers = "The buffers don't match the wells.";
+
 // Values that are written as given although readers can't use them. `GetWriteError` reports them; the key of the cell
 // follows where the text ends in a blank.
 inline constexpr const char* kNotOurMark = "HeaderID doesn't begin with OVL Vexaprobe, so readers won't open the file";

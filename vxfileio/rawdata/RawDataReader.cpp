@@ -18,10 +18,6 @@ using helpers::CMutableBytes;
 
 namespace {
 
-/// Samples of a cut file may reach so far beyond its end, or as far as the file is long; they are delivered with zeros
-/// after the end. A damaged size must not cost more memory than that.
-constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
-
 bool IsRecording(const CRawDataRecordingHdr& header, const std::string& taskName, std::int32_t recording) {
     return header.TaskName == taskName && header.Recording == recording;
 }
@@ -273,19 +269,11 @@ void CRawDataReader::PassOver(const CSegmentHdr& header) {
 bool CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return true;
     const std::int64_t position = DataOf(*m_layout, m_pass.position);
-    if (!IsCredible(position, size)) return false;
+    if (!IsCredible(position, size, [&] { return m_file.Size(); })) return false;
     m_segment.MakeRoomFor(size, m_layout->segment.size);
     read = m_file.ReadUpTo(position, m_segment.SampleBytes());
     ZeroAfter(read, m_segment.SampleBytes());
     return true;
-}
-
-/// Returns whether so many samples at this position are worth their memory. Asks the file only about large segments.
-bool CRawDataReader::IsCredible(std::int64_t position, std::uint32_t size) const {
-    const std::int64_t bytes = size * kSampleBytes;
-    if (bytes <= kMostMissingBytes) return true;
-    const std::int64_t fileSize = m_file.Size();
-    return bytes - std::max(kMostMissingBytes, fileSize) <= fileSize - position;
 }
 
 }  // namespace vxfileio::rawdata

@@ -33,6 +33,9 @@ class CRawDataReader {
     void Open(const std::string& path);
     const CRawDataFileHdr* GetFileHdr() const noexcept { return &m_fileHdr; }
     const CRawDataIndex* GetIndex() const noexcept { return &m_index; }
+    const std::vector<CRawDataRecordingHdr>& Recordings() const noexcept { return m_recordings; }
+    const helpers::CFile& File() const noexcept { return m_file; }
+    const CLayout& Layout() const noexcept { return *m_layout; }
     std::vector<std::string> GetTasks() const;
     std::vector<std::int64_t> GetDoses(const std::string& taskName, std::int32_t wellID) const;
     std::vector<std::int32_t> GetWellIDs(const std::string& taskName) const;
@@ -73,7 +76,6 @@ class CRawDataReader {
     std::size_t ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID);
     void PassOver(const CSegmentHdr& header);
     [[nodiscard]] bool CompleteSamples(std::size_t read, std::uint32_t size);
-    bool IsCredible(std::int64_t position, std::uint32_t size) const;
 
     helpers::CFile m_file;
     const CLayout* m_layout = &Layouts().back();     ///< The open file's; never null.

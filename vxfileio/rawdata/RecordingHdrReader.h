@@ -1,12 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "vxfileio/helpers/File.h"
+#include "vxfileio/rawdata/HeaderWindow.h"
 #include "vxfileio/rawdata/Layout.h"
 
 namespace vxfileio::rawdata {
@@ -17,7 +16,7 @@ class CRecordingHdrReader {
  public:
     /// `layout` is that of the file. The caller owns the file, which must outlive this object.
     CRecordingHdrReader(const helpers::CFile& file, const CLayout& layout)
-        : m_file(file), m_layout(layout), m_hdrSize(layout.recording.size) {}
+        : m_layout(layout), m_window(file, layout.recording.size) {}
 
     /// Reads a header whose positions can be believed. Returns false if there is no whole header at the position.
     ///
@@ -33,19 +32,11 @@ class CRecordingHdrReader {
 
  private:
     bool ReadOnce(std::int64_t position, CRawDataRecordingHdr& header);
-    std::string_view HdrAt(std::int64_t position);
     bool TakeChannels(std::string_view hdr, CRawDataRecordingHdr& header);
     bool LooksSettled(std::int64_t position, const CRawDataRecordingHdr& header) const;
 
-    const helpers::CFile& m_file;
     const CLayout& m_layout;
-    std::size_t m_hdrSize;
-
-    std::vector<char> m_block;              ///< What one call read, beginning with a header.
-    std::int64_t m_blockPosition = kUnset;  ///< Its offset in the file.
-    std::size_t m_blockSize = 0;            ///< How much of it came.
-    std::int64_t m_lastPosition = kUnset;   ///< The header that was asked for last.
-
+    CHeaderWindow m_window;
     std::string m_channelBytes;       ///< The cells of the channels that were parsed last.
     CRawDataRecordingHdr m_channels;  ///< What they came to.
 };

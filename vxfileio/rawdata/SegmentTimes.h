@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -7,8 +8,9 @@
 #include "vxfileio/rawdata/Layout.h"
 
 /// @file
-/// How the times, the sample interval and the size of a segment depend on one another. A segment has one sample at its
-/// first time and one more for each whole interval up to its last time: (TimeTo - TimeFrom) / interval + 1.
+/// How the times, the sample interval, the size and the place of a segment depend on one another. A segment has one
+/// sample at its first time and one more for each whole interval up to its last time: (TimeTo - TimeFrom) / interval
+/// + 1.
 ///
 /// Nothing here overflows, even with the numbers of a damaged file.
 
@@ -96,6 +98,19 @@ constexpr std::int64_t DataOf(const CLayout& layout, std::int64_t position) noex
 /// Returns the offset of the byte after the last sample; the file may end earlier. Requires: the header is in a file.
 constexpr std::int64_t EndOf(const CLayout& layout, std::int64_t position, const CSegmentHdr& header) noexcept {
     return DataOf(layout, position) + SamplesOf(header) * kSampleBytes;
+}
+
+/// Samples of a cut file may reach so far beyond its end, or as far as the file is long; they are delivered with zeros
+/// after the end. A damaged size must not cost more memory than that.
+inline constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
+
+/// Returns whether so many samples at this position are worth their memory. Calls `fileSize` for the size of the file
+/// only if they are many.
+constexpr bool IsCredible(std::int64_t position, std::uint32_t samples, auto fileSize) noexcept {
+    const std::int64_t bytes = samples * kSampleBytes;
+    if (bytes <= kMostMissingBytes) return true;
+    const std::int64_t end = fileSize();
+    return bytes - std::max(kMostMissingBytes, end) <= end - position;
 }
 
 }  // namespace vxfileio::rawdata
