@@ -162,7 +162,18 @@ class CAccountant {
             Lose({.reason = EReason::BeforeFile, .from = m_end, .to = begin});
         } else {
             LoseGap(begin);
+            DoubtRecording(begin - m_end);
         }
+    }
+
+    /// Doubts the recording of a segment after a gap with room for the header of one.
+    void DoubtRecording(std::int64_t gap) {
+        const CPiece& piece = m_pieces[m_index];
+        const CCandidate& segment = CandidateOf(piece);
+        const std::size_t room = Layouts()[segment.layout].recording.size;
+        if (segment.kind == EKind::Segment && gap >= static_cast<std::int64_t>(room))
+            Doubt(
+                {.reason = EReason::OtherRecording, .from = segment.begin, .to = piece.end, .wellID = WellOf(segment)});
     }
 
     /// Returns how far positions pointed beside what they mean before a piece, if it changed nothing.

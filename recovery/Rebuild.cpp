@@ -9,6 +9,7 @@
 #include <utility>
 #include <variant>
 
+#include "recovery/LostPages.h"
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
@@ -375,6 +376,13 @@ class CCopy {
         constexpr std::int64_t kBlock = std::int64_t{1} << 20;
         for (std::int64_t from = segment.data; from < segment.End(); from += kBlock)
             Put(m_window.At(from, static_cast<std::size_t>(std::min(kBlock, segment.End() - from))));
+        ForLostPages(m_window, segment.data, segment.End(), [&](std::int64_t from, std::int64_t to) {
+            m_report.doubts.Add({.reason = EReason::LostPages,
+                                 .from = from,
+                                 .to = to,
+                                 .recording = segment.recording,
+                                 .wellID = segment.wellID});
+        });
         CKeptWell& well = m_report.recordings.back().wells[segment.wellID];
         well.from = well.segments == 0 ? segment.from : std::min(well.from, segment.from);
         well.to = well.segments == 0 ? segment.to : std::max(well.to, segment.to);

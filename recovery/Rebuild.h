@@ -39,7 +39,8 @@ CRebuiltRecordingHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording&
 /// Takes the next bytes of the new file. May throw to end the work.
 using CSink = std::function<void(std::span<const std::byte>)>;
 
-/// Writes the new file, header after header as a writer of the library leaves it, and adds what it has to the report.
+/// Writes the new file, header after header as a writer of the library leaves it, and adds what it has to the report,
+/// and the doubts about its samples.
 /// Memory is a block, whatever the size of segments. `reach` is called with the size of the new file so far.
 void Rebuild(CWindow& window, const CFound& found, const CSink& sink, const CReach& reach, CReport& report);
 

@@ -46,9 +46,9 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     }
     if (account.found.recordings.empty()) return report;
     SettleWells(account.found);
-    Rebuild(window, account.found, sink, options.saved, report);
     report.losses = std::move(account.found.losses);
     report.doubts = std::move(account.found.doubts);
+    Rebuild(window, account.found, sink, options.saved, report);
     return report;
 }
 

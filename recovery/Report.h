@@ -43,9 +43,11 @@ enum class EReason : std::uint8_t {
     OtherHeader,      ///< Bytes were taken out ahead of it or in its header: it may be of another well.
     MaybeEmpty,       ///< The input ends after the header of a recording.
     Ambiguous,        ///< Another explanation is nearly as good.
+    OtherRecording,   ///< It and those after it may be of a recording whose header was lost ahead of it.
     OtherWell,        ///< It names this well, but by its times it is of well `told`.
     Unlisted,         ///< The recording doesn't list this well, which has `count` segments.
     SharedTimes,  ///< `count` segments have times that others of this well have; well `told`, if any, has none then.
+    LostPages,    ///< Its samples here are whole pages of zeros, which a power cut leaves.
     MadeTime,     ///< One time didn't go with the interval; the other segments tell it.
 };
 

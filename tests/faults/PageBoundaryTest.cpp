@@ -22,10 +22,8 @@ struct CWrite {
 
 /// Writes recordings of one segment each. The first segment has so many samples, which moves all after it.
 std::vector<CWrite> WritesOf(const std::string& path, std::int64_t samples) {
-    std::vector<CWrite> writes;
-    WatchWrites([&](std::int64_t offset, const std::string& bytes) {
-        writes.push_back({static_cast<std::size_t>(offset), bytes});
-    });
+    std::vector<CRecordedCall> calls;
+    RecordCalls(&calls);
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
     writer.Open(path);
@@ -37,7 +35,11 @@ std::vector<CWrite> WritesOf(const std::string& path, std::int64_t samples) {
         writer.WriteData(12, 0, 0, 1, std::vector<std::uint16_t>(1).data());
     }
     writer.Close();
-    WatchWrites(nullptr);
+    RecordCalls(nullptr);
+    std::vector<CWrite> writes;
+    for (CRecordedCall& call : calls) {
+        if (call.name == "pwritev") writes.push_back({static_cast<std::size_t>(call.offset), std::move(call.bytes)});
+    }
     return writes;
 }
 

@@ -30,6 +30,14 @@ std::vector<std::function<void()>> RawSteps(CVXFileIO& io, const std::string& pa
     return steps;
 }
 
+std::vector<std::function<void()>> FlushedSteps(CVXFileIO& io, const std::string& path) {
+    auto steps = RawSteps(io, path);
+    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    for (const std::ptrdiff_t before : {7, 4, 2, 1})
+        steps.insert(steps.begin() + before, [&writer] { static_cast<void>(writer.FlushToDisk()); });
+    return steps;
+}
+
 /// Returns the numbers of the readable segments, each followed by a blank; "damaged" for one with wrong samples.
 std::string ReadRaw(CVXFileIO& io, const std::string& path) {
     CIRawDataReader& reader = *io.GetRawDataReader();
@@ -143,6 +151,16 @@ const std::vector<CKind>& AllKinds() {
          nullptr},
     };
     return kinds;
+}
+
+const CKind& FlushedRaw() {
+    static const CKind kind = [] {
+        CKind flushed = AllKinds().front();
+        flushed.name = "flushed";
+        flushed.steps = FlushedSteps;
+        return flushed;
+    }();
+    return kind;
 }
 
 std::vector<std::uint16_t> SamplesOf(std::int64_t number) {

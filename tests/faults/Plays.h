@@ -30,6 +30,9 @@ inline void PrintTo(const CKind& kind, std::ostream* out) { *out << kind.name; }
 /// Returns all kinds.
 const std::vector<CKind>& AllKinds();
 
+/// Returns raw data whose writer flushes to the disk.
+const CKind& FlushedRaw();
+
 /// Returns the samples of segment `number` of the raw data; the segments of a recording follow each other.
 std::vector<std::uint16_t> SamplesOf(std::int64_t number);
 inline constexpr std::int64_t kSegments = 6;

@@ -33,6 +33,11 @@ std::int64_t MissingSegments(const std::string& error) {
     return at == std::string::npos ? 0 : std::stoll(error.substr(at + tag.size()));
 }
 
+/// Returns whether a file was replaced. The last step, flushing its name to the disk, can fail after that.
+bool IsReplaced(const std::string& error) {
+    return error.empty() || error.find(", flushing the folder of ") != std::string::npos;
+}
+
 constexpr CFault kNone;
 constexpr CFault kHalf{CFault::enKind::Half};
 constexpr CFault kInterrupted{CFault::enKind::Interrupted};
@@ -137,7 +142,7 @@ TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
             const std::string told = Play(at, Once(error));
             EXPECT_TRUE(!m_wasThrown || !told.empty());
             if (m_kind.isReplaced) {
-                ExpectReplacedOrOld(told.empty());
+                ExpectReplacedOrOld(IsReplaced(told));
             } else if (m_kind.read == nullptr) {
                 ExpectNamed(told);
             } else if (!m_wasThrown) {
@@ -192,8 +197,8 @@ TEST_P(SystemCallFaultsTest, ADiskThatBreaksForGoodLeavesWhatWasWhole) {
             const std::string told = Play(at, FromThere(error));
             const std::string bytes = BytesOf(m_path);
             if (m_kind.isReplaced) {
-                EXPECT_EQ(bytes == m_whole.at(m_kind.file), told.empty());
-                EXPECT_EQ(bytes == kOld, !told.empty());
+                EXPECT_EQ(bytes == m_whole.at(m_kind.file), IsReplaced(told));
+                EXPECT_EQ(bytes == kOld, !IsReplaced(told));
             } else if (m_kind.read == nullptr) {
                 ExpectNamed(told);
             } else {
@@ -263,6 +268,9 @@ TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
 INSTANTIATE_TEST_SUITE_P(Kinds, SystemCallFaultsTest, testing::ValuesIn(AllKinds()),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
+INSTANTIATE_TEST_SUITE_P(Flushed, SystemCallFaultsTest, testing::Values(FlushedRaw()),
+                         [](const auto& kind) { return std::string(kind.param.name); });
+
 // A disk that refuses one place but accepts another: an older text of a list must not be written after a newer one.
 TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     const CTempFolder folder;
@@ -285,6 +293,78 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     EXPECT_EQ(header.PreQC, std::vector<std::int64_t>{1});
     EXPECT_EQ(header.CompoundTest, std::vector<std::int64_t>{4});
     EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
+}
+
+class FlushToDiskTest : public testing::Test {
+ protected:
+    /// Writes a header, which must be accepted, and flushes with a fault at one call of these names.
+    bool Flush(const CFault& fault) {
+        m_writer.Open(m_path);
+        m_writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+        BeginCalls(1, fault);
+        const bool isFlushed = m_writer.FlushToDisk();
+        EndCalls();
+        return isFlushed;
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("run.vxd");
+    CVXFileIO m_io;
+    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
+};
+
+TEST_F(FlushToDiskTest, NeedsAnOpenFile) {
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    EXPECT_NE(m_writer.GetWriteError(), "");
+    EXPECT_TRUE(Flush(kNone));
+    EXPECT_EQ(m_writer.GetWriteError(), "");
+    m_writer.Close();
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    EXPECT_EQ(m_writer.GetWriteError(), "Bad file descriptor, flushing " + m_path);
+}
+
+TEST_F(FlushToDiskTest, ARefusalIsReportedAndIsFinalForWhatMayBeDropped) {
+    EXPECT_FALSE(Flush({.error = EIO, .calls = "fdatasync"}));
+    EXPECT_EQ(m_writer.GetWriteError(), "Input/output error, flushing " + m_path);
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    EXPECT_FALSE(Flush({.error = EIO, .calls = "fsync"}));
+    EXPECT_EQ(m_writer.GetWriteError(), "Input/output error, flushing the folder of " + m_path);
+    EXPECT_TRUE(m_writer.FlushToDisk());
+    for (const int noDisk : {EINVAL, ENOTSUP, ENOSYS, EROFS})
+        EXPECT_TRUE(Flush({.error = noDisk, .goesOn = true, .calls = "fdatasync fsync"}));
+    EXPECT_EQ(m_writer.GetWriteError(), "");
+}
+
+TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndMissesWhatIsMissing) {
+    EXPECT_TRUE(Flush(kNone));
+    const std::uint16_t sample = 1;
+    BeginCalls(1, {.error = ENOSPC, .goesOn = true, .calls = "pwritev"});
+    m_writer.WriteRecordingHdr({.TaskName = "Series"});
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    EndCalls();
+    EXPECT_TRUE(m_writer.FlushToDisk());
+    EXPECT_EQ(ReadAll(m_path).size(), 3650U);
+    BeginCalls(1, {.error = ENOSPC, .calls = "pwritev"});
+    m_writer.WriteData(7, 0, 0, 1, &sample);
+    EndCalls();
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    EXPECT_NE(m_writer.GetWriteError().find("; segments missing: 1"), std::string::npos);
+}
+
+// Flushing costs whoever asks for it, and the name of a file is flushed once.
+TEST_F(FlushToDiskTest, OnlyACallerThatFlushesWaitsForTheDisk) {
+    const auto flushes = [&](int calls) {
+        BeginCalls(0, {.calls = "fdatasync fsync"});
+        m_writer.Open(m_path);
+        m_writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+        for (int i = 0; i < calls; ++i)
+            EXPECT_TRUE(m_writer.FlushToDisk());
+        m_writer.Close();
+        return EndCalls();
+    };
+    EXPECT_EQ(flushes(0), 0);
+    EXPECT_EQ(flushes(1), 3);
+    EXPECT_EQ(flushes(2), 4);
 }
 
 // A file written in place holds the beginning of the document, without gaps.

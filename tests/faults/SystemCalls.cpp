@@ -17,7 +17,8 @@ int g_calls = 0;
 int g_at = 0;
 CFault g_fault;
 std::function<void()> g_act;
-std::function<void(std::int64_t, const std::string&)> g_watch;
+bool g_isSkipped = false;
+std::vector<CRecordedCall>* g_record = nullptr;
 
 /// Counts a call. Returns whether the fault applies to it.
 bool IsMet(std::string_view call) {
@@ -43,6 +44,8 @@ auto Make(std::string_view name, Call call, Half half) -> decltype(call()) {
     if (g_fault.kind == CFault::enKind::Half) return half();
     if (g_fault.kind == CFault::enKind::Interrupted) return Refuse(EINTR);
     if (g_fault.kind == CFault::enKind::Kill) std::raise(SIGKILL);
+    g_isSkipped = g_fault.kind == CFault::enKind::Skipped;
+    if (g_isSkipped) return 0;
     return Refuse(g_fault.error);
 }
 
@@ -52,6 +55,14 @@ auto Make(std::string_view name, Call call) -> decltype(call()) {
     if (!isPlain) return Make(name, call, call);
     IsMet(name);  // only counts the call
     return call();
+}
+
+/// Records the call that `describe` returns, unless it failed or was skipped. Returns its result.
+template <class Result, class Describe>
+Result Record(Result result, Describe describe) {
+    const bool isMade = !std::exchange(g_isSkipped, false) && result >= 0;
+    if (g_record != nullptr && isMade) g_record->push_back(describe());
+    return result;
 }
 
 }  // namespace
@@ -69,7 +80,7 @@ void BeginCalls(int at, std::string_view calls, std::function<void()> act) {
     g_act = std::move(act);
 }
 
-void WatchWrites(std::function<void(std::int64_t offset, const std::string& bytes)> act) { g_watch = std::move(act); }
+void RecordCalls(std::vector<CRecordedCall>* calls) { g_record = calls; }
 
 int EndCalls() {
     g_counts = false;
@@ -88,12 +99,19 @@ ssize_t __real_pwritev(int handle, const iovec* parts, int count, off_t position
 int __real_ftruncate(int handle, off_t size);
 int __real_fchmod(int handle, mode_t mode);
 int __real_fchown(int handle, uid_t owner, gid_t group);
+int __real_fdatasync(int handle);
+int __real_fsync(int handle);
+int __real_link(const char* from, const char* to);
 int __real_rename(const char* from, const char* to);
 int __real_unlink(const char* path);
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
+    struct stat status {};
+    const bool isNew = (flags & O_TRUNC) != 0 || ((flags & O_CREAT) != 0 && __real_lstat(path, &status) != 0);
     const auto call = [&] { return __real_open(path, flags, mode); };
-    return Make("open", call, call);
+    const int handle = Make("open", call, call);
+    return Record(handle,
+                  [&] { return CRecordedCall{.name = "open", .handle = handle, .path = path, .isNew = isNew}; });
 }
 int __wrap_close(int handle) {  // closes the handle even if the call reports a failure
     const int result = __real_close(handle);
@@ -119,15 +137,17 @@ ssize_t __wrap_pwritev(int handle, const iovec* parts, int count, off_t position
     const ssize_t written = Make(
         "pwritev", [&] { return __real_pwritev(handle, parts, count, position); },
         [&] { return __real_pwritev(handle, &half, 1, position); });
-    if (!g_watch || written <= 0) return written;
-    std::string bytes;
-    for (int i = 0; i < count; ++i)
-        bytes.append(static_cast<const char*>(parts[i].iov_base), parts[i].iov_len);
-    g_watch(position, bytes.substr(0, static_cast<std::size_t>(written)));
-    return written;
+    return Record(written, [&] {
+        CRecordedCall call{.name = "pwritev", .handle = handle, .offset = position};
+        for (int i = 0; i < count; ++i)
+            call.bytes.append(static_cast<const char*>(parts[i].iov_base), parts[i].iov_len);
+        call.bytes.resize(static_cast<std::size_t>(written));
+        return call;
+    });
 }
 int __wrap_ftruncate(int handle, off_t size) {
-    return Make("ftruncate", [&] { return __real_ftruncate(handle, size); });
+    const int result = Make("ftruncate", [&] { return __real_ftruncate(handle, size); });
+    return Record(result, [&] { return CRecordedCall{.name = "ftruncate", .handle = handle, .offset = size}; });
 }
 int __wrap_fchmod(int handle, mode_t mode) {
     return Make("fchmod", [&] { return __real_fchmod(handle, mode); });
@@ -135,11 +155,25 @@ int __wrap_fchmod(int handle, mode_t mode) {
 int __wrap_fchown(int handle, uid_t owner, gid_t group) {
     return Make("fchown", [&] { return __real_fchown(handle, owner, group); });
 }
+int __wrap_fdatasync(int handle) {
+    const int result = Make("fdatasync", [&] { return __real_fdatasync(handle); });
+    return Record(result, [&] { return CRecordedCall{.name = "fdatasync", .handle = handle}; });
+}
+int __wrap_fsync(int handle) {
+    const int result = Make("fsync", [&] { return __real_fsync(handle); });
+    return Record(result, [&] { return CRecordedCall{.name = "fsync", .handle = handle}; });
+}
 int __wrap_rename(const char* from, const char* to) {
-    return Make("rename", [&] { return __real_rename(from, to); });
+    const int result = Make("rename", [&] { return __real_rename(from, to); });
+    return Record(result, [&] { return CRecordedCall{.name = "rename", .path = from, .to = to}; });
+}
+int __wrap_link(const char* from, const char* to) {
+    const int result = Make("link", [&] { return __real_link(from, to); });
+    return Record(result, [&] { return CRecordedCall{.name = "link", .path = from, .to = to}; });
 }
 int __wrap_unlink(const char* path) {
-    return Make("unlink", [&] { return __real_unlink(path); });
+    const int result = Make("unlink", [&] { return __real_unlink(path); });
+    return Record(result, [&] { return CRecordedCall{.name = "unlink", .path = path}; });
 }
 
 }  // extern "C"

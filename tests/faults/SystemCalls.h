@@ -4,15 +4,16 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// @file
 /// Wraps the system calls of the library's file operations and can make any of them fail. To use it, link the source
 /// with the options in this folder's CMakeLists.txt.
 
 /// What happens to a call, and to all later calls if the fault persists. Only opening and transfers can be cut short or
-/// interrupted; other calls are made as usual.
+/// interrupted; other calls are made as usual. A skipped call isn't made, but returns success.
 struct CFault {
-    enum class enKind { Error, Half, Interrupted, Kill };
+    enum class enKind { Error, Half, Interrupted, Kill, Skipped };
     enKind kind = enKind::Error;
     int error = 0;  ///< The error's number.
     bool goesOn = false;
@@ -28,5 +29,16 @@ void BeginCalls(int at, std::string_view calls, std::function<void()> act);
 /// Stops counting and returns the number of calls.
 int EndCalls();
 
-/// Calls `act` with the offset and the bytes of each write that the system took, from now on; null ends it.
-void WatchWrites(std::function<void(std::int64_t offset, const std::string& bytes)> act);
+/// A call that changed a file or a folder, or flushed one to the disk.
+struct CRecordedCall {
+    std::string_view name;
+    int handle = -1;          ///< Of an open file; "open" returned it.
+    std::string path = {};    ///< "open", "rename", "link", "unlink"
+    std::string to = {};      ///< "rename", "link": the new name
+    bool isNew = false;       ///< "open" created the file, or emptied it.
+    std::int64_t offset = 0;  ///< "pwritev"; the size of "ftruncate"
+    std::string bytes = {};   ///< "pwritev": those that the system took
+};
+
+/// Appends each successful call to `calls` from now on; null ends it.
+void RecordCalls(std::vector<CRecordedCall>* calls);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "recovery/Explanation.h"
+#include "recovery/LostPages.h"
 #include "recovery/Recover.h"
 #include "recovery/Wells.h"
 #include "tests/rawdata/RawFileBytes.h"
@@ -220,6 +221,37 @@ TEST(GrowingTest, WhatAWriterAppendsMeanwhileIsNoDamage) {
         EXPECT_TRUE(report.IsComplete()) << first;
         EXPECT_EQ(report.recordings.at(0).wells.size(), first < 3958 ? 0U : 1U) << first;
     }
+}
+
+/// Returns the runs of lost pages among the bytes [begin, end), such as "4096-8192 ".
+std::string LostIn(const std::string& bytes, std::int64_t begin, std::int64_t end) {
+    const CStringInput input(bytes);
+    CWindow window(input, input.Size());
+    std::string text;
+    ForLostPages(window, begin, end, [&](std::int64_t from, std::int64_t to) {
+        text += std::to_string(from) + "-" + std::to_string(to) + " ";
+    });
+    return text;
+}
+
+TEST(LostPagesTest, AreWholePagesOfZerosAfterASampleThatIsNot) {
+    const std::string full(20'000, 'x');
+    const auto zeros = [&](std::size_t from, std::size_t to) {
+        return full.substr(0, from) + std::string(to - from, '\0') + full.substr(to);
+    };
+    EXPECT_EQ(LostIn(full, 300, 20'000), "");
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 20'000), "4096-8192 ");
+    EXPECT_EQ(LostIn(zeros(4096, 12'288), 300, 20'000), "4096-12288 ") << "one run of two pages";
+    EXPECT_EQ(LostIn(zeros(4096, 8191), 300, 20'000), "") << "not the whole page";
+    EXPECT_EQ(LostIn(zeros(4096, 12'000), 300, 20'000), "4096-8192 ") << "the signal may go on at 0";
+    EXPECT_EQ(LostIn(zeros(4095, 8192), 300, 20'000), "4096-8192 ") << "half a sample is 0";
+    EXPECT_EQ(LostIn(zeros(4094, 8192), 300, 20'000), "") << "the signal was at 0 before";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 4096, 20'000), "4096-8192 ") << "right after the header";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 4098, 20'000), "") << "the header is lost, too";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 5000), "4096-5000 ") << "as is what follows the samples";
+    EXPECT_EQ(LostIn(zeros(4096, 5000), 300, 5000), "") << "something follows in this page";
+    EXPECT_EQ(LostIn(zeros(16'384, 20'000), 300, 20'000), "16384-20000 ") << "the file ends in this page";
+    EXPECT_EQ(LostIn(zeros(4096, 8192) + zeros(480, 4576), 300, 30'000), "4096-8192 20480-24576 ");
 }
 
 }  // namespace

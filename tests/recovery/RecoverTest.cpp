@@ -117,12 +117,7 @@ class RecoverTest : public testing::Test {
         return seen;
     }
 
-    /// In memory, where there is such a folder: the tests make thousands of files.
-    static std::filesystem::path Parent() {
-        return std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path();
-    }
-
-    CTempFolder m_folder{Parent()};
+    CTempFolder m_folder;
     std::string m_in = m_folder.Path("in.vxd");
     std::string m_out = m_folder.Path("out.vxd");
     CReport m_report;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,7 +12,7 @@
 /// A temporary folder for one test, removed with its content at the end.
 class CTempFolder {
  public:
-    CTempFolder() : CTempFolder(std::filesystem::temp_directory_path()) {}
+    CTempFolder() : CTempFolder(Parent()) {}
     explicit CTempFolder(const std::filesystem::path& parent) {
         const std::string tag = std::to_string(std::random_device{}()) + std::to_string(std::random_device{}());
         m_folder = parent / ("vxfileio-test-" + tag);
@@ -28,6 +29,16 @@ class CTempFolder {
     std::string Path(const std::string& name) const { return (m_folder / name).string(); }
 
  private:
+    /// Returns a folder in memory, where there is one with room for the largest test: flushing thousands of files to a
+    /// disk takes minutes.
+    static std::filesystem::path Parent() {
+        constexpr std::uintmax_t kRoom = std::uintmax_t{5} << 30;
+        const std::filesystem::path memory = "/dev/shm";
+        std::error_code error;
+        const auto space = std::filesystem::space(memory, error);
+        return !error && space.available >= kRoom ? memory : std::filesystem::temp_directory_path();
+    }
+
     std::filesystem::path m_folder;
 };
 

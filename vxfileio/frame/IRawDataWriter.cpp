@@ -26,6 +26,8 @@ void CIRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vect
 
 void CIRawDataWriter::SetStrict(bool isStrict) { m_writer->SetStrict(isStrict); }
 
+bool CIRawDataWriter::FlushToDisk() noexcept { return m_writer->FlushToDisk(); }
+
 void CIRawDataWriter::Close() noexcept { m_writer->Close(); }
 
 std::string CIRawDataWriter::GetWriteError() const { return m_writer->GetWriteError(); }

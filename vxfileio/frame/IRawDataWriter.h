@@ -19,7 +19,8 @@ class CRawDataWriter;
 ///
 /// *What holds on disk.* Each segment is with the operating system before `WriteData` returns. Data is appended
 /// in full before a position points to it, so whenever the process dies, every position in the file points to something
-/// whole. A reader can reach the last recording once the next one was begun or the file was closed.
+/// whole. A reader can reach the last recording once the next one was begun or the file was closed. If the machine dies,
+/// only what was there at the last `FlushToDisk` that returned true is safe.
 ///
 /// *What is reported.* A file that can't be created, and a caller's mistake (calls out of order, a value that doesn't
 /// fit its cell, arguments that can't be a segment): `CExcVXReader` with code -1, thrown before anything is written,
@@ -80,14 +81,31 @@ class VXFILEIO_API CIRawDataWriter {
     /// It costs some memory per well of the recording, and no system call.
     void SetStrict(bool isStrict);
 
-    /// Finishes the last recording and closes the file. Without an open file it does nothing.
+    /// Waits until the disk has everything written since `Open`, the name of the file included. Writes refused headers
+    /// and cells first. Takes as long as the disk needs, typically some milliseconds, often more.
+    ///
+    /// Returns true if everything written so far would survive a power cut. All segments are in the file then; those of
+    /// the unfinished recording, and of recordings whose positions a later write was changing when the power failed, may
+    /// need `vxfile recover` to be linked. Once called, `Close` flushes the finished file, too, which then needs no
+    /// recovery.
+    ///
+    /// Returns false otherwise, and `GetWriteError` says why: the system refused, segments are missing in the file, or
+    /// no file is open. It can be called again, but once the system failed to flush samples, it stays false for this
+    /// file: the system may have dropped them.
+    ///
+    /// What the system reports is what counts: a disk that confirms what it only holds in its own memory can't be
+    /// noticed.
+    [[nodiscard]] bool FlushToDisk() noexcept;
+
+    /// Finishes the last recording and closes the file, after flushing it if `FlushToDisk` was called since `Open`.
+    /// Without an open file it does nothing.
     void Close() noexcept;
 
     /// Returns an empty text while everything written since `Open` is with the operating system, else what it refused
     /// first in words: "No space left on device, writing 40300 bytes at 123456 of run.vxd". If segments are
     /// missing in the file, "; segments missing: " and their number follow. Headers and cells that are refused are
-    /// written as soon as there is room; the failure stays in the text. After `Close` the text is about the closed
-    /// file, including a failure to close it.
+    /// written as soon as there is room; the failure stays in the text. A failed flush is such a failure: "Input/output
+    /// error, flushing run.vxd". After `Close` the text is about the closed file, including a failure to close it.
     ///
     /// Also reports values that are written as given although readers can't use them, one sentence each: a `HeaderID`
     /// that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2, and each key with a text that readers get cut,

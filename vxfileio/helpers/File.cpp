@@ -3,7 +3,8 @@
 namespace vxfileio::helpers {
 
 std::string CFileFailure::Text(const std::string& path) const {
-    static constexpr const char* kSteps[] = {"opening ", "writing ", "closing ", "replacing "};
+    static constexpr const char* kSteps[] = {"opening ",   "writing ",  "closing ",
+                                             "replacing ", "flushing ", "flushing the folder of "};
     if (!error) return {};
     // The condition has the same words on every system.
     std::string text = error.default_error_condition().message() + ", " + kSteps[static_cast<std::size_t>(step)];
@@ -40,16 +41,25 @@ bool CFile::Append(std::initializer_list<CBytes> buffers) {
     return true;
 }
 
+bool CFile::FlushToDisk() noexcept {
+    const std::error_code error = IsOpen() ? FlushHandle() : std::make_error_code(std::errc::bad_file_descriptor);
+    m_isFlushLost = m_isFlushLost || (IsOpen() && error);
+    return Keep({error, CFileFailure::enStep::Flushing}) && !m_isFlushLost;
+}
+
+bool CFile::FlushFolder() noexcept { return Keep({FlushFolderOf(m_path), CFileFailure::enStep::FlushingFolder}); }
+
 /// Makes ready for a file that is opened by this path.
 void CFile::Begin(const std::string& path) {
     Close();
     m_path = path;
     m_failure = {};
     m_end = 0;
+    m_isFlushLost = false;
 }
 
 /// Keeps a failure, if it is one and the first. Returns whether all went well this time.
-bool CFile::Keep(CFileFailure failure) {
+bool CFile::Keep(CFileFailure failure) noexcept {
     if (failure && !m_failure) m_failure = failure;
     return !failure;
 }

@@ -20,7 +20,7 @@ using CMutableBytes = std::span<std::byte>;
 
 /// What the system refused to do with a file, and why. A fresh one is no failure.
 struct CFileFailure {
-    enum class enStep { Opening, Writing, Closing, Replacing };
+    enum class enStep { Opening, Writing, Closing, Replacing, Flushing, FlushingFolder };
 
     std::error_code error;  ///< In the system's own numbers.
     enStep step = enStep::Opening;
@@ -107,6 +107,14 @@ class CFile {
     /// its old end, so that the next `Append` starts where this one did.
     [[nodiscard]] bool Append(std::initializer_list<CBytes> buffers);
 
+    /// Waits until the disk has everything written so far, and the size. Returns false if the system refuses, and from
+    /// then on: what the disk didn't take may be gone from memory, too. What has no disk, such as a pipe, and a file
+    /// system that doesn't flush return true. Without an open file it returns false.
+    [[nodiscard]] bool FlushToDisk() noexcept;
+
+    /// Waits until the disk has the name of the file. Returns false if the system refuses; it can be called again.
+    [[nodiscard]] bool FlushFolder() noexcept;
+
     /// Returns where the next `Append` begins. Only meaningful for a file opened for writing.
     std::int64_t End() const noexcept { return m_end; }
 
@@ -115,9 +123,10 @@ class CFile {
 
  private:
     void Begin(const std::string& path);
-    bool Keep(CFileFailure failure);
+    bool Keep(CFileFailure failure) noexcept;
     bool Truncate(std::int64_t size);
     std::error_code CloseHandle();
+    std::error_code FlushHandle() noexcept;
     std::error_code WriteAll(std::int64_t position, std::initializer_list<CBytes> buffers);
 
     static constexpr std::intptr_t kClosed = -1;
@@ -125,11 +134,16 @@ class CFile {
     std::intptr_t m_handle = kClosed;  ///< The system's handle.
     std::string m_path;
     CFileFailure m_failure;
-    std::int64_t m_end = 0;  ///< Where the next `Append` begins.
+    std::int64_t m_end = 0;      ///< Where the next `Append` begins.
+    bool m_isFlushLost = false;  ///< A flush failed.
 };
 
 /// Replaces a file by another atomically. Both are paths in the form that the system takes.
 [[nodiscard]] std::error_code MoveOver(const std::string& from, const std::string& to) noexcept;
+
+/// Waits until the disk has the names in the folder of a file, symbolic links followed. A system that flushes names
+/// with the files does nothing.
+[[nodiscard]] std::error_code FlushFolderOf(const std::string& path) noexcept;
 
 /// Creates a second name for a file; it must be free. Both are paths in the form that the system takes.
 [[nodiscard]] std::error_code LinkFile(const std::string& file, const std::string& name) noexcept;

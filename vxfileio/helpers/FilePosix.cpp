@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
+#include <cstring>
 
 #include "vxfileio/helpers/File.h"
 
@@ -26,16 +28,30 @@ std::error_code SystemError(int number) { return {number, std::generic_category(
 /// The outcome of a call that returns a negative number if it fails.
 std::error_code Outcome(int result) { return SystemError(result < 0 ? errno : 0); }
 
+int OpenNative(const char* path, int flags, mode_t mode) noexcept {
+    int handle = -1;
+    do {
+        handle = ::open(path, flags | kAlways, mode);
+    } while (handle < 0 && errno == EINTR);
+    return handle;
+}
+
 int OpenPath(const std::string& path, int flags, mode_t mode, std::error_code& error) {
     error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return -1;
-    const std::string native = NativePath(path);
-    int handle = -1;
-    do {
-        handle = ::open(native.c_str(), flags | kAlways, mode);
-    } while (handle < 0 && errno == EINTR);
+    const int handle = OpenNative(NativePath(path).c_str(), flags, mode);
     error = Outcome(handle);
     return handle;
+}
+
+/// Flushes by one of the system's calls. A device, a pipe or a file system that doesn't flush says so by its error.
+std::error_code Flush(int (*call)(int), int handle) noexcept {
+    int result = -1;
+    do {
+        result = call(handle);
+    } while (result < 0 && errno == EINTR);
+    const bool hasNoDisk = result < 0 && (errno == EINVAL || errno == EROFS || errno == ENOTSUP || errno == ENOSYS);
+    return hasNoDisk ? std::error_code() : Outcome(result);
 }
 
 bool IsFolder(int handle) {
@@ -177,6 +193,8 @@ std::string CFile::PlaceOf(const std::string& path) const {
     return isOwn ? place : std::string();
 }
 
+std::error_code CFile::FlushHandle() noexcept { return Flush(::fdatasync, static_cast<int>(m_handle)); }
+
 std::error_code CFile::CloseHandle() { return Outcome(::close(static_cast<int>(m_handle))); }
 
 std::size_t CFile::ReadUpTo(std::int64_t position, CMutableBytes buffer) const {
@@ -227,6 +245,20 @@ bool CFile::Truncate(std::int64_t size) { return ::ftruncate(static_cast<int>(m_
 
 std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
     return Outcome(::rename(from.c_str(), to.c_str()));
+}
+
+std::error_code FlushFolderOf(const std::string& path) noexcept {
+    std::array<char, PATH_MAX> native{};
+    std::array<char, PATH_MAX> place{};
+    if (path.size() >= native.size()) return std::make_error_code(std::errc::filename_too_long);
+    std::replace_copy(path.begin(), path.end(), native.begin(), '\\', '/');
+    if (::realpath(native.data(), place.data()) == nullptr) return SystemError(errno);
+    *(std::strrchr(place.data(), '/') + 1) = '\0';
+    const int handle = OpenNative(place.data(), O_RDONLY | O_DIRECTORY, 0);
+    if (handle < 0) return SystemError(errno);
+    const std::error_code error = Flush(::fsync, handle);
+    ::close(handle);
+    return error;
 }
 
 std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {

@@ -133,6 +133,13 @@ std::string CFile::PlaceOf(const std::string& path) const {
     return size < target.size() ? std::string(target.data(), size) : std::string();
 }
 
+/// A device without a disk says so by its error.
+std::error_code CFile::FlushHandle() noexcept {
+    const std::error_code error = Outcome(::FlushFileBuffers(Native(m_handle)));
+    const bool hasNoDisk = error.value() == ERROR_INVALID_FUNCTION || error.value() == ERROR_NOT_SUPPORTED;
+    return hasNoDisk ? std::error_code() : error;
+}
+
 std::error_code CFile::CloseHandle() { return Outcome(::CloseHandle(Native(m_handle))); }
 
 std::size_t CFile::ReadUpTo(std::int64_t position, std::span<const CMutableBytes> buffers) const {
@@ -167,16 +174,20 @@ bool CFile::Truncate(std::int64_t size) {
     return ::SetFileInformationByHandle(Native(m_handle), FileEndOfFileInfo, &end, sizeof end) != 0;
 }
 
-/// The system refuses as long as somebody has the old file open, which readers do for moments only.
+/// The system refuses as long as somebody has the old file open, which readers do for moments only. It returns once
+/// the disk has the new name.
 std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
     std::error_code error;
     for (int i = 0; i < kMostMoves; ++i) {
-        error = Outcome(::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING));
+        error = Outcome(::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
         if (error != std::errc::permission_denied) break;
         ::Sleep(kMovePause);
     }
     return error;
 }
+
+/// Names are flushed with the files, and by `MoveOver`.
+std::error_code FlushFolderOf(const std::string& /*path*/) noexcept { return {}; }
 
 std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {
     return Outcome(::CreateHardLinkA(name.c_str(), file.c_str(), nullptr));

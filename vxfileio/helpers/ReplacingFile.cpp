@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <string_view>
 
 namespace vxfileio::helpers {
 
@@ -97,18 +98,19 @@ bool CReplacingFile::CreateBeside(const CFile& old) {
     return !MakeBeside(m_place, m_beside, create);
 }
 
-bool CReplacingFile::Fail(std::error_code error) {
-    m_failure = {error, CFileFailure::enStep::Replacing};
+bool CReplacingFile::Fail(std::error_code error, CFileFailure::enStep step) {
+    m_failure = {error, step};
     return false;
 }
 
 bool CReplacingFile::Finish() {
+    if (m_file.IsOpen() && !Failure()) static_cast<void>(m_file.FlushToDisk());
     m_file.Close();
     return !Failure();
 }
 
 bool CReplacingFile::Commit() {
-    const bool isThere = Finish() && (m_beside.empty() || Move());
+    const bool isThere = Finish() && (m_beside.empty() || Move()) && FlushFolder();
     Discard();
     return isThere;
 }
@@ -117,8 +119,13 @@ bool CReplacingFile::CommitAll(std::span<CReplacingFile* const> files) {
     const auto finish = [](CReplacingFile* file) { return file->Finish(); };
     const auto keep = [](CReplacingFile* file) { return file->KeepOld(); };
     const auto move = [](CReplacingFile* file) { return file->Move(); };
+    const auto flush = [&](CReplacingFile* const& file) {
+        const auto shares = [file](const CReplacingFile* other) { return file->SharesFolder(*other); };
+        return std::any_of(files.data(), &file, shares) || file->FlushFolder();
+    };
     const bool isDone = std::all_of(files.begin(), files.end(), finish) &&
-                        std::all_of(files.begin(), files.end(), keep) && std::all_of(files.begin(), files.end(), move);
+                        std::all_of(files.begin(), files.end(), keep) &&
+                        std::all_of(files.begin(), files.end(), move) && std::all_of(files.begin(), files.end(), flush);
     for (CReplacingFile* const file : files) {
         if (!isDone) file->BringBackOld();
         file->Discard();
@@ -152,7 +159,17 @@ bool CReplacingFile::CopyOver() {
         moved = beside.ReadUpTo(m_file.End(), {*piece});
     } while (moved > 0 && m_file.Append({CBytes(*piece).first(moved)}));
     if (m_file.End() != size && !Failure()) Fail(std::make_error_code(std::errc::io_error));
-    return m_file.Close() && !Failure();
+    return Finish();
+}
+
+bool CReplacingFile::FlushFolder() {
+    const std::error_code error = FlushFolderOf(m_place.empty() ? m_path : m_place);
+    return !error || error == std::errc::permission_denied || Fail(error, CFileFailure::enStep::FlushingFolder);
+}
+
+bool CReplacingFile::SharesFolder(const CReplacingFile& other) const {
+    const auto folder = [](std::string_view place) { return place.substr(0, place.find_last_of("/\\:") + 1); };
+    return folder(m_place) == folder(other.m_place);
 }
 
 /// Gives the old file a second name, by which it can return.

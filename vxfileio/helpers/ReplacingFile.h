@@ -11,6 +11,10 @@ namespace vxfileio::helpers {
 /// into place when it is whole. Readers find the old file or the new one. A failure before that leaves the old file as
 /// it was and nothing beside it.
 ///
+/// The new file is on the disk before it is moved, and its name before `Commit` returns: a power cut leaves the old
+/// file or the new one, and after `Commit` the new one. A folder that may not be read can't be flushed; that isn't
+/// reported.
+///
 /// The new file is created exclusively, so that neither another program nor a planted link can share it, and has the
 /// rights of the old file from the start. If the path is a symbolic link, the file that it points to is replaced.
 ///
@@ -43,14 +47,16 @@ class CReplacingFile {
     /// The path that is written to until `Commit`, in the form that the system takes.
     const std::string& WorkPath() const noexcept { return m_beside; }
 
-    /// Closes the new file, which then waits for `Commit`. Returns whether the system took everything.
+    /// Flushes the new file to the disk and closes it; it then waits for `Commit`. Returns whether the disk has all.
     [[nodiscard]] bool Finish();
 
-    /// Finishes the file and, if it is whole, moves it into place. Returns whether it is there.
+    /// Finishes the file and, if it is whole, moves it into place. Returns whether it is there for good. If only its
+    /// name couldn't be flushed to the disk, the new file is there all the same.
     [[nodiscard]] bool Commit();
 
-    /// Commits all files or none: if one isn't whole or can't be moved, those moved before it go back and the old files
-    /// return. `Failure` of that file then says why. Requires a rule other than `Overwrite`.
+    /// Commits all files or none: if one isn't whole, can't be moved, or its name can't be flushed, those moved before
+    /// it go back and the old files return. `Failure` of that file then says why. Flushes each folder once. A power cut
+    /// before it returns can leave some files old and others new. Requires a rule other than `Overwrite`.
     [[nodiscard]] static bool CommitAll(std::span<CReplacingFile* const> files);
 
     /// What failed first since `Create`.
@@ -61,9 +67,11 @@ class CReplacingFile {
 
  private:
     bool CreateBeside(const CFile& old);
-    bool Fail(std::error_code error);
+    bool Fail(std::error_code error, CFileFailure::enStep step = CFileFailure::enStep::Replacing);
     bool Move();
     bool CopyOver();
+    bool FlushFolder();
+    bool SharesFolder(const CReplacingFile& other) const;
     bool KeepOld();
     void BringBackOld() noexcept;
     void Discard() noexcept;

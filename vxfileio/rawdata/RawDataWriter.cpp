@@ -111,6 +111,8 @@ void CRawDataWriter::Prepare() {
     m_refusedHdrs.reserve(m_layout->file.size + m_layout->recording.size);
     m_missingSegments = 0;
     m_unreadable.clear();
+    m_isFlushed = false;
+    m_isNameOnDisk = false;
     MakeRoomForRefusals();
 }
 
@@ -192,12 +194,27 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     }
 }
 
+bool CRawDataWriter::FlushToDisk() noexcept {
+    m_isFlushed = true;
+    const bool hasHdrs = AppendRefusedHdrs();
+    RetryRewrites();
+    return FlushFile() && hasHdrs && m_refusedRewrites.empty() && m_missingSegments == 0;
+}
+
+/// Flushes the file and, the first time, its name.
+bool CRawDataWriter::FlushFile() noexcept {
+    if (!m_file.FlushToDisk()) return false;
+    m_isNameOnDisk = m_isNameOnDisk || m_file.FlushFolder();
+    return m_isNameOnDisk;
+}
+
 void CRawDataWriter::Close() noexcept {
     if (m_stage == enStage::Closed) return;
     AppendRefusedHdrs();
     FinishRecording(kUnset);
     for (const CRefusedRewrite& rewrite : m_refusedRewrites)
         Repeat(rewrite);  // the last try
+    if (m_isFlushed) FlushFile();
     m_file.Close();
     m_stage = enStage::Closed;
     m_refusedHdrs.clear();

@@ -38,6 +38,7 @@ class CRawDataWriter {
                    const std::uint16_t* samples);
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
     void SetStrict(bool isStrict) noexcept { m_isStrict = isStrict; }
+    [[nodiscard]] bool FlushToDisk() noexcept;
     void Close() noexcept;
     [[nodiscard]] std::string GetWriteError() const;
 
@@ -60,6 +61,7 @@ class CRawDataWriter {
     void ReportOnce(const std::string& sentence);
     void MakeRoomForRefusals();
     bool AppendRefusedHdrs();
+    bool FlushFile() noexcept;
     void BeginRecordingAt(std::int64_t position);
     void FinishRecording(std::int64_t nextRecordingHdr);
     void RewritePosition(std::int64_t hdr, const auto& cell, std::int64_t position);
@@ -79,6 +81,8 @@ class CRawDataWriter {
     std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
     std::int64_t m_missingSegments = 0;              ///< Those that the system refused.
     std::string m_unreadable;                        ///< Sentences about values that readers can't use.
+    bool m_isFlushed = false;                        ///< The caller wants this file on the disk.
+    bool m_isNameOnDisk = false;                     ///< The disk has its name.
 
     const CLayout* m_layout = &Layouts().back();  ///< That of the file, once its header is written; never null.
     /// The cell of the layout that points to the next segment; rewritten for each segment.

@@ -144,3 +144,18 @@ TEST_F(RawFindings, OfInfoTakeAnUnfinishedRecordingForUndamaged) {
     EXPECT_EQ(page.Json()["lastFinished"], false);
     EXPECT_EQ(page.Json()["recordings"][0]["samples"], 3);
 }
+
+// Segment 11 has its samples at 3950; the second page of the file begins among them.
+TEST_F(RawFindings, PagesOfZerosAmongSamplesAreReported) {
+    const std::string file = FileOf({{{11, 0, std::vector<std::uint16_t>(5000, 7)}, {12, 0, {1, 2}}}});
+    EXPECT_EQ(Verified(file).Count(), 0U);
+    std::string lost = file;
+    lost.replace(8192, 4096, 4096, '\0');
+    const CFindings findings = Verified(lost);
+    ASSERT_EQ(findings.Count(), 1U);
+    EXPECT_EQ(findings.Kept().front().where, "recording 1 (CompoundTest 1) > segment 1 (well 11) > samples");
+    EXPECT_EQ(findings.Kept().front().offset, 8192);
+    EXPECT_EQ(findings.Kept().front().found, "4096 bytes that are 0");
+    lost.replace(8190, 2, 2, '\0');
+    EXPECT_EQ(Verified(lost).Count(), 0U) << "the signal was at 0 before";
+}

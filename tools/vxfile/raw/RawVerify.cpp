@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "recovery/LostPages.h"
 #include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Progress.h"
@@ -100,6 +101,7 @@ class CRawVerifier {
     void JudgeSegment(const CSegmentAt& segment, const CRecordingAt& recording, const std::string& name,
                       std::size_t index);
     void JudgeValues(const CSegmentAt& segment, const std::string& recording, std::size_t index);
+    void JudgeSamples(const CSegmentAt& segment, const std::string& name);
     void JudgeNextSegment(const CSegmentAt& segment, const std::string& recording, std::size_t index);
     void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
                     const std::string& meaning);
@@ -109,6 +111,9 @@ class CRawVerifier {
     void JudgeCoverage();
 
     CRawScan m_scan;
+    vxfileio::recovery::CFileInput m_input{m_scan.File()};
+    vxfileio::recovery::CWindow m_samples{m_input, m_scan.Size()};
+    std::int64_t m_mostSamples = m_scan.Size();  ///< Bytes still to be looked at: no more than the file has.
     CProgress m_progress;
     CFindings m_findings;
     CCoverage m_coverage;
@@ -234,6 +239,25 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
             Counted(static_cast<std::uint64_t>(m_scan.Size() - segment.DataPosition()), "byte"),
             Counted(segment.Samples() * std::uint64_t{2}, "byte"),
             "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or refuse.");
+    JudgeSamples(segment, NameOfSegment(name, index, segment));
+}
+
+/// Looks for what a power cut leaves. In a file whose segments overlap, doesn't look at all of them.
+void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& name) {
+    const std::int64_t end = std::min(segment.End(), m_scan.Size());
+    const std::int64_t size = end - segment.DataPosition();
+    if (size <= 0 || size > m_mostSamples) return;
+    m_mostSamples -= size;
+    const auto report = [&](std::int64_t from, std::int64_t to) {
+        Add(name + " > samples", from, Counted(static_cast<std::uint64_t>(to - from), "byte") + " that are 0",
+            "samples that don't become 0 where a page of 4096 bytes begins",
+            "A power cut leaves this in place of samples that never reached the disk.");
+    };
+    try {
+        vxfileio::recovery::ForLostPages(m_samples, segment.DataPosition(), end, report);
+    } catch (const vxfileio::recovery::CReadFailure& failure) {
+        Add(name + " > samples", failure.Position(), "a byte that can't be read", "samples", "The disk is damaged.");
+    }
 }
 
 /// Returns true if the file ends within the segment and nothing follows it: what an unfinished recording may end with.

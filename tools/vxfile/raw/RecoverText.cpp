@@ -114,6 +114,10 @@ std::string DoubtText(const CRemark& remark) {
             return "the file ends after the header of this recording: had it a segment, that is gone";
         case EReason::Ambiguous:
             return "what lies here may be something else: two explanations are equally good";
+        case EReason::OtherRecording:
+            return "the header of a recording may be among the bytes lost ahead of it: it and the segments after it "
+                   "may be "
+                   "of another recording";
         case EReason::OtherWell:
             return "the segment names this well, but by its times it is one of well " + std::to_string(remark.told) +
                    ", where it is kept";
@@ -122,6 +126,10 @@ std::string DoubtText(const CRemark& remark) {
                    "; an ID may be damaged";
         case EReason::SharedTimes:
             return SharedText(remark);
+        case EReason::LostPages:
+            return "zeros that begin with a page of 4096 bytes: a power cut leaves these in place of samples that "
+                   "never "
+                   "reached the disk";
         case EReason::MadeTime:
             return remark.what + " doesn't go with the interval; the well's other segments tell it";
         default:

@@ -89,7 +89,10 @@ void CreateWhole(CReplacingFile& file, const std::string& path, bool replace) {
 void RefuseWrite(const std::string& target, const vxfileio::helpers::CFileFailure& failure) {
     CheckInterrupt();
     if (failure.error == std::errc::file_exists) RefuseReplacing(target);
-    if (failure.step == vxfileio::helpers::CFileFailure::enStep::Replacing)
+    using enum vxfileio::helpers::CFileFailure::enStep;
+    if (failure.step == Flushing || failure.step == FlushingFolder)
+        throw CFailure("Can't flush " + target + " to the disk: " + failure.error.message() + "; check the disk.");
+    if (failure.step == Replacing)
         throw CFailure("Can't put " + target + " in its place: " + failure.error.message() + ".");
     throw CFailure("Can't write to " + target + ": " + failure.error.message() + "; make room, or write elsewhere.");
 }
