@@ -192,7 +192,8 @@ def read_options():
     parser.add_argument("--scale", type=int, default=1, help="factor for all sizes (default 1)")
     parser.add_argument("--growth", action="store_true", help="measure the time per MiB at 1, 4 and 16 times the size")
     parser.add_argument("--no-counts", action="store_true", help="don't count system calls and allocations")
-    parser.add_argument("--folder", help="folder for temporary files (default: the system's)")
+    memory = "/dev/shm" if os.path.isdir("/dev/shm") else None
+    parser.add_argument("--folder", default=memory, help="folder for temporary files (default: one in memory)")
     parser.add_argument("--json", metavar="FILE", help="add the numbers to those in FILE")
     parser.add_argument("--page", metavar="FILE", help="update this page's tables, also from the JSON file")
     options = parser.parse_intermixed_args()

@@ -26,7 +26,7 @@ PROGRAMS = {
     "settings": ["settings_test", "reference_test", "results_test", "forms"],
     "results": ["results_test", "reference_test", "forms"],
     "export": ["export_test", "results_test", "faults_test"],
-    "recovery": ["recover_test", "sessions"],
+    "recovery": ["recover_test", "sessions", "faults_test"],
     "vxfile": ["vxfile_test", "sessions", "samples"],
 }
 

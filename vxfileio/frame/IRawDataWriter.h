@@ -19,8 +19,8 @@ class CRawDataWriter;
 ///
 /// *What holds on disk.* Each segment is with the operating system before `WriteData` returns. Data is appended
 /// in full before a position points to it, so whenever the process dies, every position in the file points to something
-/// whole. A reader can reach the last recording once the next one was begun or the file was closed. If the machine dies,
-/// only what was there at the last `FlushToDisk` that returned true is safe.
+/// whole. A reader can reach the last recording once the next one was begun or the file was closed. If the machine
+/// dies, only what was there at the last `FlushToDisk` that returned true is safe.
 ///
 /// *What is reported.* A file that can't be created, and a caller's mistake (calls out of order, a value that doesn't
 /// fit its cell, arguments that can't be a segment): `CExcVXReader` with code -1, thrown before anything is written,
@@ -85,8 +85,8 @@ class VXFILEIO_API CIRawDataWriter {
     /// and cells first. Takes as long as the disk needs, typically some milliseconds, often more.
     ///
     /// Returns true if everything written so far would survive a power cut. All segments are in the file then; those of
-    /// the unfinished recording, and of recordings whose positions a later write was changing when the power failed, may
-    /// need `vxfile recover` to be linked. Once called, `Close` flushes the finished file, too, which then needs no
+    /// the unfinished recording, and of recordings whose positions a later write was changing when the power failed,
+    /// may need `vxfile recover` to be linked. Once called, `Close` flushes the finished file, too, which then needs no
     /// recovery.
     ///
     /// Returns false otherwise, and `GetWriteError` says why: the system refused, segments are missing in the file, or
