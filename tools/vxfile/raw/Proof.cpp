@@ -95,7 +95,9 @@ class CProver {
         const CXxh3Sum sum = SumOfSamples(file, segment);
         CSealedSegment* same = nullptr;
         bool isMet = false;
-        for (CSealedSegment& sealed : std::ranges::equal_range(m_sealed, place, {}, &CSealedSegment::place)) {
+        auto next = std::ranges::lower_bound(m_sealed, place, {}, &CSealedSegment::place);
+        for (; next != m_sealed.end() && next->place == place; ++next) {
+            CSealedSegment& sealed = *next;
             const bool isOfRecording = sealed.recording == recording;
             if (sealed.isUsed) continue;
             if (isOfRecording) isMet = sealed.isMet = true;

@@ -21,9 +21,9 @@ using EKind = CSealedPart::EKind;
 /// The words for the kinds of parts, in their order.
 constexpr std::array<std::string_view, 5> kKinds = {"fileHeader", "recordingHeader", "segment", "other", "block"};
 
-constexpr std::string_view kPartsLine = "\"parts\": [";
+constexpr std::string_view kPartsLine = R"("parts": [)";
 constexpr std::string_view kPartsEnd = "],";
-constexpr std::string_view kCheckKey = "\"check\": \"";
+constexpr std::string_view kCheckKey = R"("check": ")";
 
 /// No line of a seal is longer, so that damage can't fill the memory.
 constexpr std::size_t kLongestLine = std::size_t{64} << 10;
