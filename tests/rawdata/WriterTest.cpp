@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "tests/rawdata/ExampleHdrs.h"
@@ -147,6 +148,47 @@ TEST_F(WriterTest, ValueMayFillItsCellButNotOneByteMore) {
     m_writer.WriteData(12, 0, 300, 100, kWell12.data());
     m_writer.Close();
     EXPECT_EQ(Bytes(), SmallFileBytes());
+}
+
+// By hand: ADZeros has room for 200 - 3 - 8 = 189 bytes, Ticks for 191, UnitsPerADs for 385, WellIDs for 189.
+TEST_F(WriterTest, ThePlanOfARecordingSaysWhatFits) {
+    CRawDataRecordingHdr header = ExampleRecordingHdr();
+    header.WellChannels.clear();
+    for (int well = 1; well <= 54; ++well)
+        header.WellChannels.push_back({well, 32768, 0.000305176, 100});
+    const CRecordingFit fit = CheckRecordingFit(header);
+    const struct {
+        const char* key;
+        int room, needed, wells;
+    } cells[] = {
+        {"WellIDs", 189, 152, 54}, {"Ticks", 191, 215, 48}, {"UnitsPerADs", 385, 647, 32}, {"ADZeros", 189, 323, 31}};
+    for (const auto& c : cells) {
+        const auto cell =
+            std::find_if(fit.Cells.begin(), fit.Cells.end(), [&](const auto& f) { return f.Key == c.key; });
+        ASSERT_NE(cell, fit.Cells.end()) << c.key;
+        EXPECT_EQ(cell->Room, c.room) << c.key;
+        EXPECT_EQ(cell->Needed, c.needed) << c.key;
+        EXPECT_EQ(cell->WellsThatFit, c.wells) << c.key;
+        EXPECT_EQ(cell->Fits(), c.wells == 54) << c.key;
+    }
+    EXPECT_FALSE(fit.Fits());
+    EXPECT_EQ(fit.WellsThatFit, 31);
+    EXPECT_EQ(fit.Split, (std::vector<std::int64_t>{31, 23}));
+    EXPECT_EQ(fit.Text(), "ADZeros has room for 189 bytes, but needs 323 for 54 wells; 31 of these wells would fit.");
+
+    // What the plan says is what the writer does.
+    m_writer.Open(m_path);
+    m_writer.WriteFileHdr(ExampleFileHdr());
+    for (std::size_t wells = 0; wells <= 54; ++wells) {
+        CRawDataRecordingHdr first = header;
+        first.WellChannels.resize(wells);
+        const bool isTaken = TextOfFailure([&] { m_writer.WriteRecordingHdr(first); }) == "no failure";
+        EXPECT_EQ(CheckRecordingFit(first).Fits(), isTaken) << wells;
+        EXPECT_EQ(isTaken, wells <= 31) << wells;
+    }
+    header.WellChannels.resize(1);
+    header.TaskName = std::string(39, 't');
+    EXPECT_EQ(CheckRecordingFit(header).Text(), "TaskName has room for 38 bytes, but needs 39.");
 }
 
 TEST_F(WriterTest, AFileThatReadersCannotUseIsWrittenAsGivenAndReportedAtOnce) {

@@ -78,7 +78,8 @@ class VXFILEIO_API CIRawDataWriter {
     ///   begin after the end of the well's segment before, of those written while the writer was strict,
     /// - `UpdateFileHdr` for a task without a list, or with a value that isn't a whole number of 64 bits.
     ///
-    /// It costs some memory per well of the recording, and no system call.
+    /// If a value doesn't fit its cell, the text also has the room, what is needed and how many wells would fit, as
+    /// `CheckRecordingFit` does. Strictness costs some memory per well of the recording, and no system call.
     void SetStrict(bool isStrict);
 
     /// Waits until the disk has everything written since `Open`, the name of the file included. Writes refused headers

@@ -15,6 +15,7 @@
 #include "vxfileio/frame/ISettingsReader.h"
 #include "vxfileio/frame/ISettingsWriter.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
+#include "vxfileio/rawdata/RecordingFit.h"
 #include "vxfileio/results/Response.h"
 #include "vxfileio/results/ResponseMean.h"
 #include "vxfileio/results/Results.h"

@@ -59,6 +59,9 @@ class CCellWriter {
         if (!value.empty()) PutItem(value);
     }
 
+    /// Returns how many bytes of the cell are left for text.
+    [[nodiscard]] std::size_t Left() const noexcept { return m_room.size(); }
+
     /// Returns whether everything fit the cell.
     [[nodiscard]] bool Fits() const noexcept { return m_fits; }
 

@@ -10,6 +10,10 @@ void RefuseUnlessFitting(const CCellWriter& writer, std::string_view key) {
     if (!writer.Fits()) throw CExcVXReader(kDoesNotFit + std::string(key));
 }
 
+std::string NeedText(std::string_view key, std::size_t room, std::size_t needed) {
+    return std::string(key) + " has room for " + std::to_string(room) + " bytes, but needs " + std::to_string(needed);
+}
+
 void EncodeCell(std::string_view key, std::string_view value, std::span<char> cell) {
     CCellWriter writer(cell, key);
     writer.PutValue(value);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "vxfileio/rawdata/Layout.h"
@@ -24,6 +26,10 @@ inline void Encode(const CLayout& layout, const CSegmentHdr& header, std::span<c
     layout.codec.encodeSegment(header, bytes);
 }
 /// @}
+
+/// Returns the beginning of a sentence about a cell that is too small, such as "PreQC has room for 91 bytes, but needs
+/// 120".
+std::string NeedText(std::string_view key, std::size_t room, std::size_t needed);
 
 /// Fills one cell, for rewriting it; `cell` is exactly as wide as the cell. Throws `CExcVXReader` if the value doesn't
 /// fit.

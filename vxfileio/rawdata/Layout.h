@@ -52,6 +52,11 @@ constexpr std::string_view CellIn(const auto& cell, std::string_view header) {
     return header.size() < cell.offset ? std::string_view() : header.substr(cell.offset, cell.width);
 }
 
+/// Returns how many bytes a cell has for its value, after its key and `=`.
+constexpr std::size_t RoomOf(const auto& cell) {
+    return cell.width - kCellEndSize - (cell.key.empty() ? 0 : cell.key.size() + 1);
+}
+
 /// The functions that encode and decode the headers of one version. Call them through `HeaderCodec.h`.
 struct CCodec {
     void (*encodeFile)(const CRawDataFileHdr& header, std::span<char> bytes);

@@ -14,6 +14,7 @@
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
+#include "vxfileio/rawdata/RecordingFit.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::rawdata {
@@ -41,6 +42,27 @@ void Refuse(const std::optional<CBreach>& breach) {
 
 void Refuse(const std::vector<CBreach>& breaches) {
     if (!breaches.empty()) throw CExcVXReader(TextOf(breaches.front()));
+}
+
+/// Throws if a value is longer than the room of its cell.
+void RefuseTooLong(const auto& cell, std::size_t needed) {
+    const std::string_view key = cell.key.empty() ? "HeaderID" : cell.key;
+    const std::size_t room = RoomOf(cell);
+    if (needed > room) throw CExcVXReader(kDoesNotFit + NeedText(key, room, needed) + '.');
+}
+
+void RefuseUnfitting(const CLayout& layout, const CRawDataFileHdr& header) {
+    for (const CFileCell& cell : layout.file.cells) {
+        const auto* const text = std::get_if<std::string CRawDataFileHdr::*>(&cell.member);
+        const auto* const bare = std::get_if<CBareText<CRawDataFileHdr>>(&cell.member);
+        if (text != nullptr && !cell.traits.standBy) RefuseTooLong(cell, (header.**text).size());
+        if (bare != nullptr) RefuseTooLong(cell, (header.*bare->text).size());
+    }
+}
+
+void RefuseUnfitting(const CLayout& layout, const CRawDataRecordingHdr& header) {
+    const CRecordingFit fit = CheckRecordingFit(header, layout.version);
+    if (!fit.Fits()) throw CExcVXReader(kDoesNotFit + fit.Text());
 }
 
 CBytes AsBytes(std::string_view text) { return std::as_bytes(std::span(text.data(), text.size())); }
@@ -120,6 +142,7 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     RefuseBefore(enStage::Opened);
     if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
     const CLayout& layout = LayoutForWriting(header.FileVersion);
+    if (m_isStrict) RefuseUnfitting(layout, header);
     m_hdrRoom.resize(layout.file.size);
     Encode(layout, header, m_hdrRoom);
     if (m_isStrict) {
@@ -139,6 +162,7 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
 
 void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
+    if (m_isStrict) RefuseUnfitting(*m_layout, header);
     m_hdrRoom.resize(m_layout->recording.size);
     Encode(*m_layout, header, m_hdrRoom);
     if (m_isStrict) Refuse(BreachesOfRecordingHdr(*m_layout, m_hdrRoom));
@@ -183,6 +207,7 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     if (m_isStrict) Refuse(BreachOfList(key, taskName, values));
     if (key == nullptr) return;
     const CFileCell& list = m_layout->file[key];
+    if (m_isStrict) RefuseTooLong(list, Join(values).size());
     std::string cell(list.width, '\0');
     EncodeCell(list.key, Join(values), cell);
     if (!std::ranges::all_of(values, ReadsBackWhole)) ReportOnce(kReadBackCut + std::string(list.key));

@@ -20,6 +20,7 @@
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/Layout.h"
+#include "vxfileio/rawdata/ValueText.h"
 
 /// @file
 /// Makes layouts from tables of cells, with the code that encodes and decodes their headers.
@@ -109,37 +110,6 @@ bool ForCells(auto act) {
 }
 
 // ---- Values to text -------------------------------------------------------------------------------------------------
-
-inline void Put(CCellWriter& writer, const std::string& value) { writer.PutValue(value); }
-
-inline void Put(CCellWriter& writer, std::integral auto number) { writer.PutItem(number); }
-
-inline void Put(CCellWriter& writer, double number) { writer.PutItem(helpers::CNumberText::General(number).View()); }
-
-template <class Header, class Value>
-void PutMember(CCellWriter& writer, const Header& header, Value Header::*member) {
-    Put(writer, header.*member);
-}
-
-template <class Header>
-void PutMember(CCellWriter& writer, const Header& header, CBareText<Header> member) {
-    writer.PutBare(header.*member.text);
-}
-
-template <class Header>
-void PutMember(CCellWriter& /*writer*/, const Header& /*header*/, std::monostate /*member*/) {}
-
-inline void PutMember(CCellWriter& writer, const CRawDataRecordingHdr& header, CChannelCount member) {
-    Put(writer, static_cast<std::uint64_t>((header.*member.channels).size()));
-}
-
-inline void PutMember(CCellWriter& writer, const CRawDataRecordingHdr& header, CChannelList member) {
-    const auto putAll = [&](auto field) {
-        for (const auto& channel : header.*member.channels)
-            Put(writer, channel.*field);
-    };
-    std::visit(putAll, member.field);
-}
 
 template <const auto& Cells, class Header>
 void EncodeCells(const Header& header, std::span<char> bytes) {

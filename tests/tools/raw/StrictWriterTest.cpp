@@ -210,6 +210,38 @@ TEST_F(StrictWriterTest, CanBecomeStrictWithinARecordingAndLenientAgain) {
     EXPECT_EQ(VerifiedCount(), 1U);
 }
 
+// Rooms are those of docs/raw-data-file.md: the width less 3, the key and its `=`.
+TEST_F(StrictWriterTest, SaysWhatAValueNeedsThatDoesNotFit) {
+    m_writer.SetStrict(true);
+    m_writer.Open(m_path);
+    const std::string beyond = "Value does not fit its cell: ";
+    CRawDataFileHdr file = ExampleFileHdr();
+    file.PlateID = std::string(20, 'p');
+    ExpectRefused([&] { m_writer.WriteFileHdr(file); }, beyond + "PlateID has room for 19 bytes, but needs 20.");
+    file = MakeFileHdr();
+    file.HeaderID += std::string(35, 'x');
+    ExpectRefused([&] { m_writer.WriteFileHdr(file); }, beyond + "HeaderID has room for 47 bytes, but needs 48.");
+    m_writer.WriteFileHdr(ExampleFileHdr());
+
+    CRawDataRecordingHdr recording = ExampleRecordingHdr();
+    recording.TaskName = std::string(39, 't');
+    ExpectRefused([&] { m_writer.WriteRecordingHdr(recording); },
+                  beyond + "TaskName has room for 38 bytes, but needs 39.");
+    recording = ExampleRecordingHdr();
+    recording.WellChannels.clear();
+    for (int well = 1; well <= 32; ++well)
+        recording.WellChannels.push_back({well, 32768, 0.0003, 100});
+    ExpectRefused([&] { m_writer.WriteRecordingHdr(recording); },
+                  beyond + "ADZeros has room for 189 bytes, but needs 191 for 32 wells; 31 of these wells would fit.");
+    recording.WellChannels.pop_back();
+    m_writer.WriteRecordingHdr(recording);
+    ExpectRefused([&] { m_writer.UpdateFileHdr("PreQC", std::vector<std::string>(47, "7")); },
+                  beyond + "PreQC has room for 91 bytes, but needs 93.");
+    m_writer.UpdateFileHdr("PreQC", std::vector<std::string>(46, "7"));
+    m_writer.Close();
+    EXPECT_EQ(VerifiedCount(), 0U);
+}
+
 TEST_F(StrictWriterTest, EveryRuleIsInTheDocs) {
     const std::string page = ReadAll(VXFILEIO_REFERENCE_DIR "/../../docs/raw-data-file.md");
     for (const auto& rule : vxfileio::rawdata::kRules) {

@@ -270,3 +270,27 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
     EXPECT_EQ(names, (std::vector<std::string>{"a.VXR", "b/c/A.XLS", "b/run", "z.vxd"}));
     EXPECT_EQ(content.passedOver, hasNoLinks ? 1U : 2U) << "the text, and the link";
 }
+
+TEST_F(Commands, PlanSaysWhetherARecordingFitsAndWhatWouldHelp) {
+    const CWords plan = {"plan", "--wells", "54", "--ad-zero", "7", "--units", "0.000305176", "--tick", "10"};
+    const CToolRun small = RunTool(plan);
+    EXPECT_EQ(small.status, 1);
+    EXPECT_TRUE(Has(small.out, "UnitsPerADs has room for 385 bytes, but needs 647 for 54 wells; 32 of these wells"))
+        << small.out;
+    EXPECT_TRUE(Has(small.out, "Split it into 2 recordings, of 32 + 22 wells.")) << small.out;
+    EXPECT_TRUE(Has(small.out, "Use units of 0.0003 instead of 0.000305176 (1.7 % off).")) << small.out;
+    CWords coarse = plan;
+    coarse[6] = "0.0003";
+    EXPECT_EQ(RunTool(coarse).status, 0);
+    coarse[8] = "100";  // 2 characters for each of 54 wells, and a separator: 161 of 191 bytes; 3 take 215
+    const CToolRun ticks = RunTool(coarse);
+    EXPECT_EQ(ticks.status, 1);
+    EXPECT_TRUE(Has(ticks.out, "Use values of at most 2 characters in Ticks.")) << ticks.out;
+    coarse.emplace_back("--json");
+    const auto json = nlohmann::json::parse(RunTool(coarse).out)["files"][0];
+    EXPECT_EQ(json["wellsThatFit"], 48);
+    EXPECT_EQ(json["fits"], false);
+    for (const CWords& wrong : {CWords{"plan"}, CWords{"plan", "--wells", "5"}, CWords{"plan", m_sound},
+                                CWords{"plan", "--wells", "0", "--ad-zero", "0", "--units", "1", "--tick", "1"}})
+        EXPECT_EQ(RunTool(wrong).status, 2) << wrong.back();
+}

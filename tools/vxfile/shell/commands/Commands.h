@@ -12,6 +12,7 @@ namespace vxfile {
 [[nodiscard]] std::unique_ptr<CCommand> MakeDiffCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeExportCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeInfoCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakePlanCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeRecoverCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeSamplesCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeSealCommand();

@@ -1,0 +1,216 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <iomanip>
+#include <iostream>
+#include <limits>
+#include <numeric>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/Style.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
+#include "tools/vxfile/system/Failure.h"
+#include "vxfileio/frame/VXFileIO.h"
+#include "vxfileio/helpers/NumberText.h"
+
+using vxfileio::helpers::CNumberText;
+using vxfileio::helpers::ParseDouble;
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "plan",
+    .purpose = "Check whether a planned recording fits its header",
+    .details =
+        "The header of a recording lists ID, interval, units and zero of each well in cells of fixed widths. Takes the "
+        "wells, interval, units and zero of a settings file, or those of the options, which win. Shows each cell with "
+        "its room and what it needs; if one is too small, how many wells would fit and what would help.",
+    .example = "vxfile plan --wells 54 --ad-zero 32768 --units 0.0003 --tick 100",
+    .statuses =
+        "  0  the recording fits\n"
+        "  1  it doesn't fit\n"
+        "  2  a value is missing or impossible, or the settings file can't be read",
+};
+
+constexpr std::int64_t kMostWells = 100'000;
+
+/// Values that weren't given.
+constexpr std::int64_t kNoNumber = std::numeric_limits<std::int64_t>::min();
+
+std::string Text(double number) { return std::string(CNumberText::General(number).View()); }
+
+/// Returns the number rounded to so many significant digits.
+double Rounded(double number, int digits) {
+    std::ostringstream text;
+    text << std::setprecision(digits) << number;
+    return ParseDouble(text.str());
+}
+
+/// Returns the units nearest to these whose text has at most so many characters, if rounding can help.
+std::optional<double> CoarserUnits(double units, std::int64_t characters) {
+    for (int digits = 5; digits > 0; --digits) {
+        const double rounded = Rounded(units, digits);
+        if (std::cmp_less_equal(Text(rounded).size(), characters)) return rounded;
+    }
+    return std::nullopt;
+}
+
+/// Returns how many characters each item of a list may have so that one for each well fits.
+std::int64_t CharactersPerWell(const CCellFit& cell, std::int64_t wells) { return (cell.Room + 1) / wells - 1; }
+
+/// Returns what would make the value of a cell fit, other than fewer wells; empty if nothing would.
+std::string ChangeFor(const CCellFit& cell, const CRecordingFit& fit, double units) {
+    const std::int64_t characters = cell.IsList ? CharactersPerWell(cell, fit.Wells) : cell.Room;
+    if (characters < 1) return {};
+    if (cell.Key != "UnitsPerADs")
+        return "values of at most " + Counted(static_cast<std::uint64_t>(characters), "character") + " in " + cell.Key;
+    const auto coarser = CoarserUnits(units, characters);
+    if (!coarser) return {};
+    const double off = std::abs(*coarser / units - 1) * 100;
+    return "units of " + Text(*coarser) + " instead of " + Text(units) + " (" + Text(Rounded(off, 2)) + " % off)";
+}
+
+/// Returns the change of each cell that is too small; empty if there is none for one of them.
+std::string Changes(const CRecordingFit& fit, double units) {
+    std::string changes;
+    for (const auto& cell : fit.Cells) {
+        if (cell.Fits()) continue;
+        const std::string change = ChangeFor(cell, fit, units);
+        if (change.empty()) return {};
+        changes += (changes.empty() ? "" : ", ") + change;
+    }
+    return changes;
+}
+
+/// Returns the ways to make a recording fit, a sentence each.
+std::vector<std::string> AdviceFor(const CRecordingFit& fit, double units) {
+    std::vector<std::string> advice;
+    if (fit.Split.size() > 1) {
+        std::string wells;
+        for (const std::int64_t part : fit.Split)
+            wells += (wells.empty() ? "" : " + ") + std::to_string(part);
+        advice.push_back("Split it into " + std::to_string(fit.Split.size()) + " recordings, of " + wells + " wells.");
+    }
+    const std::string changes = Changes(fit, units);
+    if (!changes.empty()) advice.push_back("Use " + changes + '.');
+    return advice;
+}
+
+CJson ToJson(const CRecordingFit& fit, const std::vector<std::string>& advice) {
+    CJson cells = CJson::array();
+    for (const auto& cell : fit.Cells)
+        cells.push_back({{"key", cell.Key},
+                         {"room", cell.Room},
+                         {"needed", cell.Needed},
+                         {"wellsThatFit", cell.WellsThatFit},
+                         {"fits", cell.Fits()}});
+    return {{"fits", fit.Fits()}, {"wells", fit.Wells}, {"wellsThatFit", fit.WellsThatFit},
+            {"split", fit.Split}, {"advice", advice},   {"cells", std::move(cells)}};
+}
+
+void Print(const CRecordingFit& fit, const std::vector<std::string>& advice) {
+    const std::string wells = Counted(static_cast<std::uint64_t>(fit.Wells), "well");
+    std::cout << "A recording of " << wells << (fit.Fits() ? Green(" fits") : Red(" doesn't fit"))
+              << " its header.\n\n  cell                 room  needed  wells that fit\n";
+    for (const auto& cell : fit.Cells) {
+        std::cout << "  " << std::left << std::setw(18) << cell.Key << std::right << std::setw(7) << cell.Room
+                  << std::setw(8) << cell.Needed << std::setw(16) << cell.WellsThatFit
+                  << (cell.Fits() ? "" : "  too small") << '\n';
+    }
+    if (!fit.Fits()) std::cout << '\n' << fit.Text() << '\n';
+    if (!advice.empty()) std::cout << "What would help" << (advice.size() > 1 ? ", one or the other:\n" : ":\n");
+    for (const auto& text : advice)
+        std::cout << "  " << text << '\n';
+}
+
+class CPlanCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    std::vector<COption> Options() override {
+        return {
+            {.names = "SETTINGS", .target = &m_settings, .text = "A settings file with the record plate"},
+            {.names = "--wells", .target = &m_wells, .text = "The number of wells, with the IDs from 1 on"},
+            {.names = "--ad-zero", .target = &m_adZero, .text = "The AD value that means zero"},
+            {.names = "--units", .target = &m_units, .text = "Physical units per AD step"},
+            {.names = "--tick", .target = &m_tick, .text = "The sample interval, above 0"},
+            {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
+        };
+    }
+
+    int Run() override {
+        const CRecordingFit fit = CheckRecordingFit(Header());
+        const auto advice = AdviceFor(fit, m_units);
+        if (m_json) {
+            CJson json = {{"path", m_settings.empty() ? CJson() : CJson(m_settings)}};
+            json.update(ToJson(fit, advice));
+            PrintJson(kText.name, CJson::array({std::move(json)}));
+        } else {
+            Print(fit, advice);
+        }
+        return fit.Fits() ? kSound : kFindings;
+    }
+
+ private:
+    /// Returns the header of a recording as `examples/plate_run` would write it.
+    CRawDataRecordingHdr Header() {
+        std::vector<std::int32_t> ids;
+        if (!m_settings.empty()) ids = TakeSettings();
+        if (m_wells != kNoNumber) ids = NumberedWells();
+        if (ids.empty()) throw CFailure("There are no wells; name a settings file that has some, or use --wells.");
+        if (m_adZero == kNoNumber) throw CFailure("The AD zero is missing; use --ad-zero.");
+        if (std::isnan(m_units)) throw CFailure("The units per AD step are missing; use --units.");
+        if (m_tick == kNoNumber || m_tick <= 0) throw CFailure("A sample interval above 0 is missing; use --tick.");
+        if (!std::in_range<std::int32_t>(m_adZero)) throw CFailure("--ad-zero takes a number of 32 bits.");
+        CRawDataRecordingHdr header{.TaskName = TaskToString(enTask::CompoundTest), .Recording = 1};
+        for (const std::int32_t id : ids)
+            header.WellChannels.push_back({id, static_cast<std::int32_t>(m_adZero), m_units, m_tick});
+        return header;
+    }
+
+    std::vector<std::int32_t> NumberedWells() const {
+        if (m_wells < 1 || m_wells > kMostWells)
+            throw CFailure("--wells takes a number from 1 to " + std::to_string(kMostWells) + '.');
+        std::vector<std::int32_t> ids(static_cast<std::size_t>(m_wells));
+        std::iota(ids.begin(), ids.end(), 1);
+        return ids;
+    }
+
+    /// Takes what the options leave open from the settings. Returns the wells of their plate.
+    std::vector<std::int32_t> TakeSettings() {
+        const EFileKind kind = FileKindOf(m_settings);
+        if (kind != EFileKind::Settings)
+            throw CFailure(m_settings + " is " + ArticleAndNameOf(kind) + "; expected a settings file here.");
+        CISettingsReader reader;
+        reader.ReadFile(m_settings);
+        const CPropRecording& recording = *reader.GetRecordingProperty();
+        if (m_adZero == kNoNumber) m_adZero = recording.ADZero;
+        if (std::isnan(m_units)) m_units = recording.VoltPerADStep;
+        if (m_tick == kNoNumber) m_tick = recording.Tick;
+        return reader.GetRecordPlateProperty()->GetAllWellIDs();
+    }
+
+    std::string m_settings;
+    std::int64_t m_wells = kNoNumber;
+    std::int64_t m_adZero = kNoNumber;
+    double m_units = std::numeric_limits<double>::quiet_NaN();
+    std::int64_t m_tick = kNoNumber;
+    bool m_json = false;
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakePlanCommand() { return std::make_unique<CPlanCommand>(); }
+
+}  // namespace vxfile
