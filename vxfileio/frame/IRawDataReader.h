@@ -80,7 +80,8 @@ class VXFILEIO_API CIRawDataReader {
     /// are 0. On false with a well selected, `wellID` holds the last well passed over; all else is unchanged.
     ///
     /// Throws "Error seeking Data Segment." for a negative position, and "Error reading Data Segment Header" if there
-    /// is no segment header or the chain is a circle; the position stays at that segment. Throws the latter also if the
+    /// is no segment header, not even its whole first cell, or the chain is a circle; the position stays at that
+    /// segment. What a cut header lacks reads as 0. Throws the latter also if the
     /// samples reach further beyond the end of the file than the file is long (at least 16 MiB); the next call then
     /// continues with the next segment. After `std::bad_alloc` the next call delivers the same segment.
     bool ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo, std::uint32_t& size,
