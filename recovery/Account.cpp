@@ -1,6 +1,7 @@
 #include "recovery/Account.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -18,6 +19,18 @@ constexpr const char* kNextRecording = "FPosNextRecordingHdr";
 std::size_t SegmentRow(const CCandidate& segment, std::string_view key) {
     const auto& cells = Layouts()[segment.layout].segment;
     return cells.RowOf(cells[key]);
+}
+
+/// Returns a segment with the times of its header.
+CFoundSegment FoundSegment(const CCandidate& segment, std::int64_t samples, std::uint32_t recording) {
+    return {.position = segment.begin,
+            .data = segment.end,
+            .from = segment.from,
+            .to = segment.to,
+            .samples = static_cast<std::uint32_t>(samples),
+            .wellID = segment.well,
+            .recording = recording,
+            .namesWell = !segment.noID};
 }
 
 class CAccountant {
@@ -79,7 +92,7 @@ class CAccountant {
         m_nextRecording = recording.from;
         m_nextKey = kNextRecording;
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
-        if (recording.moved > 0) DoubtMoved(recording, piece.end, std::nullopt);
+        if (recording.moved > 0) DoubtMoved(piece);
         if (recording.next != kUnset)
             Compare("FPosRecordingData", recording.next, piece.end + piece.shift,
                     {.from = recording.begin, .to = piece.end});
@@ -96,21 +109,14 @@ class CAccountant {
         if (piece.isCut) return TakeCut(piece, segment);
         Keep(piece, segment, piece.samples);
         if (segment.moved != 0) {
-            DoubtMoved(segment, piece.end, WellOf(segment));
+            DoubtMoved(piece);
         } else if (!segment.IsWhole() || piece.made == EMade::Size) {
             DoubtCells(piece, segment);
         }
     }
 
     void Keep(const CPiece& piece, const CCandidate& segment, std::int64_t samples) {
-        CFoundSegment found{.position = segment.begin,
-                            .data = segment.end,
-                            .from = segment.from,
-                            .to = segment.to,
-                            .samples = static_cast<std::uint32_t>(samples),
-                            .wellID = segment.well,
-                            .recording = static_cast<std::uint32_t>(Found().recordings.size() - 1),
-                            .namesWell = !segment.noID};
+        CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(Found().recordings.size() - 1));
         if (piece.made == EMade::From)
             found.from = TimeAfter(segment.to, 1 - samples, piece.tick).value_or(segment.from);
         if (piece.made == EMade::To) found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
@@ -239,10 +245,7 @@ class CAccountant {
         const bool isFile = candidate.kind == EKind::File;
         const std::int64_t shift = isFile ? kLost : NextOwnShift();
         if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(kLeastHdr))
-            Doubt({.reason = EReason::OtherHeader,
-                   .from = candidate.begin,
-                   .to = piece.end,
-                   .wellID = WellOf(candidate)});
+            DoubtPiece(EReason::OtherHeader, piece);
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
         EReason reason = EReason::Unconfirmed;
@@ -255,7 +258,7 @@ class CAccountant {
         } else if (shift != kLost) {
             reason = shift > m_shift ? EReason::TakenOut : EReason::PutIn;
         }
-        Doubt({.reason = reason, .from = before->begin, .to = Before()->end, .wellID = WellOf(*before)});
+        DoubtPiece(reason, *Before());
     }
 
     /// Returns how far positions point beside what they mean from the current piece on, as the next one says whose
@@ -298,11 +301,7 @@ class CAccountant {
             if (!segment.noID) remark.wellID = segment.well;
         }
         const CCandidate* const before = SegmentBefore();
-        if (before != nullptr && !isLike)
-            Doubt({.reason = EReason::Unconfirmed,
-                   .from = before->begin,
-                   .to = Before()->end,
-                   .wellID = WellOf(*before)});
+        if (before != nullptr && !isLike) DoubtPiece(EReason::Unconfirmed, *Before());
         LoseAtEnd(std::move(remark));
     }
 
@@ -352,11 +351,13 @@ class CAccountant {
 
     CRemark Here() const { return {.from = m_end, .to = m_end}; }
 
-    void DoubtMoved(const CCandidate& candidate, std::int64_t end, std::optional<std::int32_t> well) {
-        Doubt({.reason = candidate.moved > 0 ? EReason::PutIntoHeader : EReason::TakenFromHeader,
-               .from = candidate.begin,
-               .to = end,
-               .wellID = well});
+    void DoubtPiece(EReason reason, const CPiece& piece) {
+        const CCandidate& candidate = CandidateOf(piece);
+        Doubt({.reason = reason, .from = candidate.begin, .to = piece.end, .wellID = WellOf(candidate)});
+    }
+
+    void DoubtMoved(const CPiece& piece) {
+        DoubtPiece(CandidateOf(piece).moved > 0 ? EReason::PutIntoHeader : EReason::TakenFromHeader, piece);
     }
 
     void DoubtCells(const CPiece& piece, const CCandidate& segment) {
@@ -412,49 +413,41 @@ class CFollower {
 
     std::optional<CFound> Run() {
         const CCandidate file = BestAt(m_window, EKind::File, 0);
-        if (!file.IsWhole()) return std::nullopt;
+        if (!Take(file, file.end)) return std::nullopt;
         m_found.file = file.Place();
         m_found.fileLayout = file.layout;
         for (std::int64_t position = file.next; position != kUnset;) {
             const CCandidate recording = BestAt(m_window, EKind::Recording, position);
-            if (!recording.IsWhole() || recording.next == kUnset || !HasRoom()) return std::nullopt;
+            if (recording.next == kUnset || !Take(recording, recording.end)) return std::nullopt;
             m_found.recordings.push_back({.position = position,
                                           .place = recording.Place(),
                                           .layout = recording.layout,
                                           .cutAt = recording.end,
                                           .wellList = WellListOf(m_window, recording, recording.end),
                                           .wells = {}});
-            m_ranges.emplace_back(position, recording.end);
-            if (!TakeSegments(recording)) return std::nullopt;
+            if (!TakeSegments(recording.next)) return std::nullopt;
             position = recording.from;
         }
-        m_ranges.emplace_back(0, file.end);
-        if (!ReportGaps()) return std::nullopt;
-        return std::move(m_found);
+        return ReportGaps() ? std::optional(std::move(m_found)) : std::nullopt;
     }
 
  private:
-    bool HasRoom() const { return m_ranges.size() <= static_cast<std::size_t>(m_window.Size()) / 300; }
+    /// Takes a whole header with its samples, once.
+    bool Take(const CCandidate& header, std::int64_t end) {
+        return header.IsWhole() && end <= m_window.Size() && m_ends.emplace(header.begin, end).second;
+    }
 
     /// Takes the segments of a recording. Without any, its position points at what follows it.
-    bool TakeSegments(const CCandidate& recording) {
-        for (std::int64_t position = recording.next; position != kUnset;) {
+    bool TakeSegments(std::int64_t first) {
+        for (std::int64_t position = first; position != kUnset;) {
             m_reach(position);
             const CCandidate segment = BestAt(m_window, EKind::Segment, position);
-            const std::int64_t end = segment.end + 2 * segment.size;
-            const bool isGood = segment.IsWhole() && end <= m_window.Size() && HasRoom() &&
-                                !TicksOf(segment.from, segment.to, segment.size).IsEmpty();
-            if (!isGood)
-                return position == recording.next &&
+            if (TicksOf(segment.from, segment.to, segment.size).IsEmpty() ||
+                !Take(segment, segment.end + 2 * segment.size))
+                return position == first &&
                        (position == m_window.Size() || BestAt(m_window, EKind::Recording, position).IsWhole());
-            m_found.segments.push_back({.position = position,
-                                        .data = segment.end,
-                                        .from = segment.from,
-                                        .to = segment.to,
-                                        .samples = static_cast<std::uint32_t>(segment.size),
-                                        .wellID = segment.well,
-                                        .recording = static_cast<std::uint32_t>(m_found.recordings.size() - 1)});
-            m_ranges.emplace_back(position, end);
+            m_found.segments.push_back(
+                FoundSegment(segment, segment.size, static_cast<std::uint32_t>(m_found.recordings.size() - 1)));
             position = segment.next;
         }
         return true;
@@ -462,10 +455,9 @@ class CFollower {
 
     /// Loses the bytes that no position leads to. Returns false if some belong to two things.
     bool ReportGaps() {
-        std::ranges::sort(m_ranges);
-        m_ranges.emplace_back(m_window.Size(), m_window.Size());
+        m_ends.emplace(m_window.Size(), m_window.Size());
         std::int64_t end = 0;
-        for (const auto& [from, to] : m_ranges) {
+        for (const auto& [from, to] : m_ends) {
             if (from < end) return false;
             if (from > end) m_found.losses.Add({.reason = EReason::NotReached, .from = end, .to = from});
             end = to;
@@ -476,7 +468,7 @@ class CFollower {
     CWindow& m_window;
     const CReach& m_reach;
     CFound m_found;
-    std::vector<std::pair<std::int64_t, std::int64_t>> m_ranges;
+    std::map<std::int64_t, std::int64_t> m_ends;  ///< Of what was taken, by where it begins.
 };
 
 }  // namespace

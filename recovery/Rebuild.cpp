@@ -5,9 +5,11 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "recovery/LostPages.h"
 #include "vxfileio/base/ExcVXReader.h"
@@ -241,8 +243,15 @@ std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr header, 
     }
 }
 
-}  // namespace
+/// A header of the new file. Its positions aren't set yet.
+struct CRebuiltHdr {
+    std::string bytes;
+    std::vector<CNote> notes;
+    std::string task;  ///< Of a recording.
+    std::int32_t number = 0;
+};
 
+/// Returns the layout that the new file has: that of the input, or the oldest one that is still written.
 const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     std::int32_t version = 0;
     if (const auto* const from = LayoutAt(found.fileLayout, &CLayout::file)) {
@@ -258,10 +267,10 @@ const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     return version == 0 ? Layouts().back() : LayoutForWriting(version);
 }
 
-CRebuiltFileHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout) {
+CRebuiltHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout) {
     const COldHdr old = OldHdr(window, LayoutAt(found.fileLayout, &CLayout::file), layout.file, found.file,
                                std::numeric_limits<std::int64_t>::max());
-    CRebuiltFileHdr rebuilt;
+    CRebuiltHdr rebuilt;
     NoteDamage(layout.file, old.damage, rebuilt.notes);
     CRawDataFileHdr was;
     Decode(layout, old.bytes, was);
@@ -283,14 +292,15 @@ CRebuiltFileHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayo
     return rebuilt;
 }
 
-CRebuiltRecordingHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, std::int32_t number,
-                                         const CLayout& layout) {
+/// `number` is that of a recording of which nothing is known.
+CRebuiltHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, std::int32_t number,
+                                const CLayout& layout) {
     const auto& cells = layout.recording;
     COldHdr old =
         OldHdr(window, LayoutAt(recording.layout, &CLayout::recording), cells, recording.place, recording.cutAt);
     const auto isLost = [&](std::string_view key) { return old.damage.lost[cells.RowOf(cells[key])]; };
     LoseWrongLists(layout, old);
-    CRebuiltRecordingHdr rebuilt;
+    CRebuiltHdr rebuilt;
     if (recording.layout < 0) {
         rebuilt.notes.push_back({.kind = CNote::EKind::MadeUp});
     } else {
@@ -316,8 +326,6 @@ CRebuiltRecordingHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording&
     return rebuilt;
 }
 
-namespace {
-
 /// Writes the new file, and counts what it writes.
 class CCopy {
  public:
@@ -331,7 +339,7 @@ class CCopy {
           m_segment(found.segments.begin()) {}
 
     void Write() {
-        CRebuiltFileHdr file = RebuildFileHdr(m_window, m_found, m_layout);
+        CRebuiltHdr file = RebuildFileHdr(m_window, m_found, m_layout);
         m_report.notes = std::move(file.notes);
         SetPosition(m_layout.file, "FPosFirstRecordingHdr",
                     m_found.recordings.empty() ? kUnset : static_cast<std::int64_t>(file.bytes.size()), file.bytes);
@@ -343,8 +351,7 @@ class CCopy {
  private:
     void PutRecording(std::uint32_t index) {
         const CFoundRecording& recording = m_found.recordings[index];
-        CRebuiltRecordingHdr hdr =
-            RebuildRecordingHdr(m_window, recording, static_cast<std::int32_t>(index + 1), m_layout);
+        CRebuiltHdr hdr = RebuildRecordingHdr(m_window, recording, static_cast<std::int32_t>(index + 1), m_layout);
         const std::int64_t data = m_report.bytes + static_cast<std::int64_t>(hdr.bytes.size());
         const auto end = std::find_if(m_segment, m_found.segments.end(),
                                       [&](const auto& segment) { return segment.recording != index; });

@@ -101,25 +101,259 @@ class CRecordingWells {
     }
 
  private:
-    void Group();
-    std::int64_t Listed(std::int32_t well) const;
-    bool MostGoWithTheHeader() const;
-    CWellInterval Elect(std::int32_t well, const CGroup& group) const;
-    std::int64_t TickOf(std::int32_t well) const;
-    std::pair<const CFoundSegment*, const CFoundSegment*> NeighboursOf(std::int32_t well, std::int64_t time) const;
-    bool Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const;
-    std::vector<std::int32_t> WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const;
-    std::vector<CStray> Strays();
-    std::optional<CStray> StrayOf(CFoundSegment& one, CFoundSegment& other) const;
-    bool TakeTurns(const CFoundSegment& stray, const CFoundSegment& own, std::int32_t well) const;
-    bool Return(std::vector<CStray> strays);
-    void ReportDoubts(bool knowsWells);
-    void ReportSharing(const CGroup& group);
-    void MendMisfits();
-    bool MendTime(CFoundSegment& segment);
-    bool GoesOn(const CFoundSegment& segment) const;
-    void LoseMisfits();
-    CRemark RemarkOn(const CFoundSegment& segment, EReason reason) const;
+    /// Groups the segments by the wells that they name now, and finds out the intervals. Those whose times can't be
+    /// right are set aside.
+    void Group() {
+        m_groups.clear();
+        m_misfits.clear();
+        m_nameless.clear();
+        for (CFoundSegment& segment : m_segments)
+            (segment.namesWell ? m_groups[segment.wellID] : m_nameless).push_back(&segment);
+        m_recording.wells.clear();
+        m_isTrusted = MostGoWithTheHeader();
+        for (auto& [well, group] : m_groups) {
+            const CWellInterval interval = Elect(well, group);
+            const auto goes = [&](const CFoundSegment* segment) { return TicksOf(*segment).Has(interval.ticks); };
+            const auto misfits = std::stable_partition(group.begin(), group.end(), goes);
+            m_misfits.insert(m_misfits.end(), misfits, group.end());
+            group.erase(misfits, group.end());
+            std::ranges::stable_sort(group, {}, &CFoundSegment::from);
+            m_recording.wells[well] = interval;
+        }
+    }
+
+    /// Returns the interval of a well by the recording header; 0 if that isn't known.
+    std::int64_t Listed(std::int32_t well) const {
+        const auto listed = m_listed.find(well);
+        return listed != m_listed.end() ? listed->second : m_recording.wellList.CommonTick();
+    }
+
+    /// Tells whether at least half of the segments go with the header's intervals: otherwise it is another recording's.
+    bool MostGoWithTheHeader() const {
+        const auto goes = [&](const CFoundSegment& segment) { return TicksOf(segment).Has(Listed(segment.wellID)); };
+        return 2 * std::ranges::count_if(m_segments, goes) >= std::ssize(m_segments);
+    }
+
+    /// Where votes are equal, the header's interval stays. It has a vote of its own if another well has the same and
+    /// most segments go with the header, if a segment goes on with the one before it to the tick, and against segments
+    /// that could have any larger one.
+    CWellInterval Elect(std::int32_t well, const CGroup& group) const {
+        const std::int64_t told = Listed(well);
+        const auto goes = [&](const auto* segment) { return TicksOf(*segment).Has(told); };
+        const auto going = static_cast<std::size_t>(told > 0 ? std::ranges::count_if(group, goes) : 0);
+        if (going == group.size()) return {told, true};
+        const CShared best = MostShared(group);
+        const bool isShared =
+            m_isTrusted && std::ranges::count(m_listed, told, [](const auto& entry) { return entry.second; }) > 1;
+        const auto goesOn = [&](const CFoundSegment* before, const CFoundSegment* segment) {
+            return TimeAfter(before->from, before->samples, told) == segment->from;
+        };
+        const bool hasSteps = std::ranges::adjacent_find(group, goesOn) != group.end();
+        const std::size_t votes = going + (isShared || hasSteps || best.intervals.IsOpen() ? 1 : 0);
+        if (told > 0 && best.segments <= votes) return {told, true};
+        if (best.intervals.IsOpen()) return {best.intervals.atLeast, false};
+        return {best.intervals.Has(kMostReadable) ? best.intervals.atLeast : best.intervals.atMost, true};
+    }
+
+    std::int64_t TickOf(std::int32_t well) const {
+        const auto found = m_recording.wells.find(well);
+        if (found != m_recording.wells.end()) return found->second.ticks;
+        const auto listed = m_listed.find(well);
+        return listed == m_listed.end() ? 0 : listed->second;
+    }
+
+    /// Returns the last segment of a well that begins before a time, and the first one that doesn't, or null.
+    std::pair<const CFoundSegment*, const CFoundSegment*> NeighboursOf(std::int32_t well, std::int64_t time) const {
+        const auto found = m_groups.find(well);
+        if (found == m_groups.end()) return {nullptr, nullptr};
+        const CGroup& group = found->second;
+        const auto next = std::ranges::lower_bound(group, time, {}, &CFoundSegment::from);
+        return {next == group.begin() ? nullptr : *std::prev(next), next == group.end() ? nullptr : *next};
+    }
+
+    /// Tells whether a well has nothing at the times of a segment that would go with its interval. `mustAdjoin` asks
+    /// for samples right before or right after them, too.
+    bool Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const {
+        const std::int64_t tick = TickOf(well);
+        if (tick <= 0 || !TicksOf(segment).Has(tick)) return false;
+        const auto [before, next] = NeighboursOf(well, segment.from);
+        if ((next != nullptr && ShareTimes(*next, segment)) || (before != nullptr && ShareTimes(*before, segment)))
+            return false;
+        return !mustAdjoin || (next != nullptr && Follows(next->from, segment.to, tick)) ||
+               (before != nullptr && Follows(segment.from, before->to, tick));
+    }
+
+    std::vector<std::int32_t> WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const {
+        std::vector<std::int32_t> lacking;
+        for (const auto& entry : m_listed) {
+            const bool isOther = entry.first != segment.wellID || !segment.namesWell;
+            if (isOther && Lacks(entry.first, segment, mustAdjoin)) lacking.push_back(entry.first);
+        }
+        return lacking;
+    }
+
+    /// Returns the segments that can be proved to belong to another well.
+    std::vector<CStray> Strays() {
+        std::vector<CStray> strays;
+        const auto take = [&](CFoundSegment* segment) {
+            const auto lacking = WellsLacking(*segment, true);
+            if (lacking.size() == 1) strays.push_back({segment, lacking.front()});
+        };
+        std::ranges::for_each(m_misfits, take);
+        for (CFoundSegment* const segment : m_nameless) {
+            const auto lacking = WellsLacking(*segment, false);
+            if (lacking.size() == 1) {
+                strays.push_back({segment, lacking.front()});
+            } else {
+                take(segment);
+            }
+        }
+        for (const auto& [well, group] : m_groups) {
+            // More than one of a well that isn't listed are a well of their own.
+            if (!m_listed.contains(well) && group.size() == 1) take(group.front());
+            ForTwins(group, [&](CFoundSegment& one, CFoundSegment& other) {
+                if (const auto stray = StrayOf(one, other)) strays.push_back(*stray);
+            });
+        }
+        return strays;
+    }
+
+    /// Of two segments that share their times and name the same well, returns the one that is another well's.
+    std::optional<CStray> StrayOf(CFoundSegment& one, CFoundSegment& other) const {
+        const auto lackOne = WellsLacking(one, true);
+        const auto lackOther = WellsLacking(other, true);
+        if (lackOne.size() + lackOther.size() == 1)
+            return lackOne.empty() ? CStray{&other, lackOther.front()} : CStray{&one, lackOne.front()};
+        if (lackOne.size() != 1 || lackOne != lackOther) return std::nullopt;
+        const bool isOne = TakeTurns(one, other, lackOne.front());
+        if (isOne == TakeTurns(other, one, lackOne.front())) return std::nullopt;
+        return CStray{isOne ? &one : &other, lackOne.front()};
+    }
+
+    /// Tells whether the two wells take turns in the file if `stray` is the other one's. Between the two segments there
+    /// must be none of these wells, nor one of a well that isn't listed: that may be one of them.
+    bool TakeTurns(const CFoundSegment& stray, const CFoundSegment& own, std::int32_t well) const {
+        const auto isOfThem = [&](const CFoundSegment& segment) {
+            return segment.wellID == well || segment.wellID == own.wellID || !m_listed.contains(segment.wellID);
+        };
+        const auto [low, high] = std::minmax({&stray, &own});
+        if (std::any_of(low + 1, high, isOfThem)) return false;
+        const CFoundSegment* const begin = m_segments.data();
+        const CFoundSegment* const end = begin + m_segments.size();
+        const auto before = std::find_if(std::make_reverse_iterator(low), std::make_reverse_iterator(begin), isOfThem);
+        const CFoundSegment* const next = std::find_if(high + 1, end, isOfThem);
+        const std::int32_t lowWell = low == &stray ? well : own.wellID;
+        const std::int32_t highWell = high == &stray ? well : own.wellID;
+        const auto isOther = [&](const CFoundSegment& neighbour, std::int32_t than) {
+            return neighbour.wellID != than && m_listed.contains(neighbour.wellID);
+        };
+        return (before == std::make_reverse_iterator(begin) || isOther(*before, lowWell)) &&
+               (next == end || isOther(*next, highWell));
+    }
+
+    /// Gives strays to their wells, unless several would share their times there. Returns false if there was none.
+    bool Return(std::vector<CStray> strays) {
+        std::ranges::sort(strays, [](const CStray& one, const CStray& other) {
+            return std::pair(one.well, one.segment->from) < std::pair(other.well, other.segment->from);
+        });
+        const auto collide = [](const CStray& one, const CStray& other) {
+            return one.well == other.well && ShareTimes(*one.segment, *other.segment);
+        };
+        bool any = false;
+        for (std::size_t i = 0; i < strays.size(); ++i) {
+            if (i > 0 && collide(strays[i - 1], strays[i])) continue;
+            if (i + 1 < strays.size() && collide(strays[i], strays[i + 1])) continue;
+            const auto [segment, well] = strays[i];
+            CRemark remark = RemarkOn(*segment, EReason::OtherWell);
+            remark.told = well;
+            m_found.doubts.Add(std::move(remark));
+            segment->wellID = well;
+            segment->namesWell = true;
+            any = true;
+        }
+        return any;
+    }
+
+    /// Reports once for each well what can't be decided.
+    void ReportDoubts(bool knowsWells) {
+        for (const auto& [well, group] : m_groups) {
+            if (m_listed.contains(well) || !knowsWells) {
+                ReportSharing(group);
+            } else {
+                CRemark remark = RemarkOn(*group.front(), EReason::Unlisted);
+                remark.count = group.size();
+                m_found.doubts.Add(std::move(remark));
+            }
+        }
+    }
+
+    void ReportSharing(const CGroup& group) {
+        std::optional<CRemark> remark;
+        ForTwins(group, [&](const CFoundSegment& /*one*/, const CFoundSegment& other) {
+            const auto lacking = WellsLacking(other, false);
+            if (!remark || (remark->told == -1 && !lacking.empty())) {
+                const std::uint64_t count = remark ? remark->count : 0;
+                remark = RemarkOn(other, EReason::SharedTimes);
+                remark->told = lacking.empty() ? -1 : lacking.front();
+                remark->count = count;
+            }
+            ++remark->count;
+        });
+        if (remark) m_found.doubts.Add(std::move(*remark));
+    }
+
+    /// Keeps segments with one damaged time if the well's other segments tell which one: those before and after go on
+    /// with them to the tick if the other time is right.
+    void MendMisfits() {
+        bool any = false;
+        for (CFoundSegment* const segment : m_misfits)
+            any = MendTime(*segment) || any;
+        if (any) Group();
+    }
+
+    bool MendTime(CFoundSegment& segment) {
+        const std::int64_t tick = TickOf(segment.wellID);
+        const std::int64_t intervals = std::int64_t{segment.samples} - 1;
+        CFoundSegment byFrom = segment;
+        CFoundSegment byTo = segment;
+        byFrom.to = TimeAfter(segment.from, intervals, tick).value_or(segment.to);
+        byTo.from = TimeAfter(segment.to, -intervals, tick).value_or(segment.from);
+        const bool isFrom = GoesOn(byFrom);
+        if (isFrom == GoesOn(byTo)) return false;
+        CRemark remark = RemarkOn(segment, EReason::MadeTime);
+        remark.what = isFrom ? "TimeTo" : "TimeFrom";
+        m_found.doubts.Add(std::move(remark));
+        segment = isFrom ? byFrom : byTo;
+        return true;
+    }
+
+    /// Tells whether a segment goes on with the one of its well before or after it, to the tick.
+    bool GoesOn(const CFoundSegment& segment) const {
+        const std::int64_t tick = TickOf(segment.wellID);
+        const auto [before, next] = NeighboursOf(segment.wellID, segment.from);
+        return Lacks(segment.wellID, segment, false) &&
+               ((before != nullptr && TimeAfter(before->from, before->samples, tick) == segment.from) ||
+                (next != nullptr && TimeAfter(segment.from, segment.samples, tick) == next->from));
+    }
+
+    void LoseMisfits() {
+        for (CFoundSegment* const segment : m_misfits) {
+            CRemark remark = RemarkOn(*segment, EReason::OtherInterval);
+            remark.told = TickOf(segment->wellID);
+            m_found.losses.Add(std::move(remark));
+            segment->samples = 0;
+        }
+        std::erase_if(m_groups, [](const auto& group) { return group.second.empty(); });
+        std::erase_if(m_recording.wells, [&](const auto& well) { return !m_groups.contains(well.first); });
+    }
+
+    CRemark RemarkOn(const CFoundSegment& segment, EReason reason) const {
+        return {.reason = reason,
+                .from = segment.position,
+                .to = segment.End(),
+                .recording = m_number,
+                .wellID = segment.wellID};
+    }
 
     CFound& m_found;
     CFoundRecording& m_recording;
@@ -131,261 +365,6 @@ class CRecordingWells {
     CGroup m_nameless;  ///< Their IDs are lost, and no well was found for them yet.
     CGroup m_misfits;   ///< They don't go with the interval of their well.
 };
-
-/// Groups the segments by the wells that they name now, and finds out the intervals. Those whose times can't be right
-/// are set aside.
-void CRecordingWells::Group() {
-    m_groups.clear();
-    m_misfits.clear();
-    m_nameless.clear();
-    for (CFoundSegment& segment : m_segments)
-        (segment.namesWell ? m_groups[segment.wellID] : m_nameless).push_back(&segment);
-    m_recording.wells.clear();
-    m_isTrusted = MostGoWithTheHeader();
-    for (auto& [well, group] : m_groups) {
-        const CWellInterval interval = Elect(well, group);
-        const auto goes = [&](const CFoundSegment* segment) { return TicksOf(*segment).Has(interval.ticks); };
-        const auto misfits = std::stable_partition(group.begin(), group.end(), goes);
-        m_misfits.insert(m_misfits.end(), misfits, group.end());
-        group.erase(misfits, group.end());
-        std::ranges::stable_sort(group, {}, &CFoundSegment::from);
-        m_recording.wells[well] = interval;
-    }
-}
-
-/// Returns the interval of a well by the recording header; 0 if that isn't known.
-std::int64_t CRecordingWells::Listed(std::int32_t well) const {
-    const auto listed = m_listed.find(well);
-    return listed != m_listed.end() ? listed->second : m_recording.wellList.CommonTick();
-}
-
-/// Tells whether at least half of the segments go with the header's intervals: otherwise it is another recording's.
-bool CRecordingWells::MostGoWithTheHeader() const {
-    const auto goes = [&](const CFoundSegment& segment) { return TicksOf(segment).Has(Listed(segment.wellID)); };
-    return 2 * std::ranges::count_if(m_segments, goes) >= std::ssize(m_segments);
-}
-
-/// Where votes are equal, the header's interval stays. It has a vote of its own if another well has the same and most
-/// segments go with the header, if a segment goes on with the one before it to the tick, and against segments that
-/// could have any larger one.
-CWellInterval CRecordingWells::Elect(std::int32_t well, const CGroup& group) const {
-    const std::int64_t told = Listed(well);
-    const auto goes = [&](const auto* segment) { return TicksOf(*segment).Has(told); };
-    const auto going = static_cast<std::size_t>(told > 0 ? std::ranges::count_if(group, goes) : 0);
-    if (going == group.size()) return {told, true};
-    const CShared best = MostShared(group);
-    const bool isShared =
-        m_isTrusted && std::ranges::count(m_listed, told, [](const auto& entry) { return entry.second; }) > 1;
-    const auto goesOn = [&](const CFoundSegment* before, const CFoundSegment* segment) {
-        return TimeAfter(before->from, before->samples, told) == segment->from;
-    };
-    const bool hasSteps = std::ranges::adjacent_find(group, goesOn) != group.end();
-    const std::size_t votes = going + (isShared || hasSteps || best.intervals.IsOpen() ? 1 : 0);
-    if (told > 0 && best.segments <= votes) return {told, true};
-    if (best.intervals.IsOpen()) return {best.intervals.atLeast, false};
-    return {best.intervals.Has(kMostReadable) ? best.intervals.atLeast : best.intervals.atMost, true};
-}
-
-std::int64_t CRecordingWells::TickOf(std::int32_t well) const {
-    const auto found = m_recording.wells.find(well);
-    if (found != m_recording.wells.end()) return found->second.ticks;
-    const auto listed = m_listed.find(well);
-    return listed == m_listed.end() ? 0 : listed->second;
-}
-
-/// Returns the last segment of a well that begins before a time, and the first one that doesn't, or null.
-std::pair<const CFoundSegment*, const CFoundSegment*> CRecordingWells::NeighboursOf(std::int32_t well,
-                                                                                    std::int64_t time) const {
-    const auto found = m_groups.find(well);
-    if (found == m_groups.end()) return {nullptr, nullptr};
-    const CGroup& group = found->second;
-    const auto next = std::ranges::lower_bound(group, time, {}, &CFoundSegment::from);
-    return {next == group.begin() ? nullptr : *std::prev(next), next == group.end() ? nullptr : *next};
-}
-
-/// Tells whether a well has nothing at the times of a segment that would go with its interval. `mustAdjoin` asks for
-/// samples right before or right after them, too.
-bool CRecordingWells::Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const {
-    const std::int64_t tick = TickOf(well);
-    if (tick <= 0 || !TicksOf(segment).Has(tick)) return false;
-    const auto [before, next] = NeighboursOf(well, segment.from);
-    if ((next != nullptr && ShareTimes(*next, segment)) || (before != nullptr && ShareTimes(*before, segment)))
-        return false;
-    return !mustAdjoin || (next != nullptr && Follows(next->from, segment.to, tick)) ||
-           (before != nullptr && Follows(segment.from, before->to, tick));
-}
-
-std::vector<std::int32_t> CRecordingWells::WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const {
-    std::vector<std::int32_t> lacking;
-    for (const auto& entry : m_listed) {
-        const bool isOther = entry.first != segment.wellID || !segment.namesWell;
-        if (isOther && Lacks(entry.first, segment, mustAdjoin)) lacking.push_back(entry.first);
-    }
-    return lacking;
-}
-
-/// Returns the segments that can be proved to belong to another well.
-std::vector<CStray> CRecordingWells::Strays() {
-    std::vector<CStray> strays;
-    const auto take = [&](CFoundSegment* segment) {
-        const auto lacking = WellsLacking(*segment, true);
-        if (lacking.size() == 1) strays.push_back({segment, lacking.front()});
-    };
-    std::ranges::for_each(m_misfits, take);
-    for (CFoundSegment* const segment : m_nameless) {
-        const auto lacking = WellsLacking(*segment, false);
-        if (lacking.size() == 1) {
-            strays.push_back({segment, lacking.front()});
-        } else {
-            take(segment);
-        }
-    }
-    for (const auto& [well, group] : m_groups) {
-        // More than one of a well that isn't listed are a well of their own.
-        if (!m_listed.contains(well) && group.size() == 1) take(group.front());
-        ForTwins(group, [&](CFoundSegment& one, CFoundSegment& other) {
-            if (const auto stray = StrayOf(one, other)) strays.push_back(*stray);
-        });
-    }
-    return strays;
-}
-
-/// Of two segments that share their times and name the same well, returns the one that is another well's.
-std::optional<CStray> CRecordingWells::StrayOf(CFoundSegment& one, CFoundSegment& other) const {
-    const auto lackOne = WellsLacking(one, true);
-    const auto lackOther = WellsLacking(other, true);
-    if (lackOne.size() + lackOther.size() == 1)
-        return lackOne.empty() ? CStray{&other, lackOther.front()} : CStray{&one, lackOne.front()};
-    if (lackOne.size() != 1 || lackOne != lackOther) return std::nullopt;
-    const bool isOne = TakeTurns(one, other, lackOne.front());
-    if (isOne == TakeTurns(other, one, lackOne.front())) return std::nullopt;
-    return CStray{isOne ? &one : &other, lackOne.front()};
-}
-
-/// Tells whether the two wells take turns in the file if `stray` is the other one's. Between the two segments there
-/// must be none of these wells, nor one of a well that isn't listed: that may be one of them.
-bool CRecordingWells::TakeTurns(const CFoundSegment& stray, const CFoundSegment& own, std::int32_t well) const {
-    const auto isOfThem = [&](const CFoundSegment& segment) {
-        return segment.wellID == well || segment.wellID == own.wellID || !m_listed.contains(segment.wellID);
-    };
-    const auto [low, high] = std::minmax({&stray, &own});
-    if (std::any_of(low + 1, high, isOfThem)) return false;
-    const CFoundSegment* const begin = m_segments.data();
-    const CFoundSegment* const end = begin + m_segments.size();
-    const auto before = std::find_if(std::make_reverse_iterator(low), std::make_reverse_iterator(begin), isOfThem);
-    const CFoundSegment* const next = std::find_if(high + 1, end, isOfThem);
-    const std::int32_t lowWell = low == &stray ? well : own.wellID;
-    const std::int32_t highWell = high == &stray ? well : own.wellID;
-    const auto isOther = [&](const CFoundSegment& neighbour, std::int32_t than) {
-        return neighbour.wellID != than && m_listed.contains(neighbour.wellID);
-    };
-    return (before == std::make_reverse_iterator(begin) || isOther(*before, lowWell)) &&
-           (next == end || isOther(*next, highWell));
-}
-
-/// Gives strays to their wells, unless several would share their times there. Returns false if there was none.
-bool CRecordingWells::Return(std::vector<CStray> strays) {
-    std::ranges::sort(strays, [](const CStray& one, const CStray& other) {
-        return std::pair(one.well, one.segment->from) < std::pair(other.well, other.segment->from);
-    });
-    const auto collide = [](const CStray& one, const CStray& other) {
-        return one.well == other.well && ShareTimes(*one.segment, *other.segment);
-    };
-    bool any = false;
-    for (std::size_t i = 0; i < strays.size(); ++i) {
-        if (i > 0 && collide(strays[i - 1], strays[i])) continue;
-        if (i + 1 < strays.size() && collide(strays[i], strays[i + 1])) continue;
-        const auto [segment, well] = strays[i];
-        CRemark remark = RemarkOn(*segment, EReason::OtherWell);
-        remark.told = well;
-        m_found.doubts.Add(std::move(remark));
-        segment->wellID = well;
-        segment->namesWell = true;
-        any = true;
-    }
-    return any;
-}
-
-/// Reports once for each well what can't be decided.
-void CRecordingWells::ReportDoubts(bool knowsWells) {
-    for (const auto& [well, group] : m_groups) {
-        if (m_listed.contains(well) || !knowsWells) {
-            ReportSharing(group);
-        } else {
-            CRemark remark = RemarkOn(*group.front(), EReason::Unlisted);
-            remark.count = group.size();
-            m_found.doubts.Add(std::move(remark));
-        }
-    }
-}
-
-void CRecordingWells::ReportSharing(const CGroup& group) {
-    std::optional<CRemark> remark;
-    ForTwins(group, [&](const CFoundSegment& /*one*/, const CFoundSegment& other) {
-        const auto lacking = WellsLacking(other, false);
-        if (!remark || (remark->told == -1 && !lacking.empty())) {
-            const std::uint64_t count = remark ? remark->count : 0;
-            remark = RemarkOn(other, EReason::SharedTimes);
-            remark->told = lacking.empty() ? -1 : lacking.front();
-            remark->count = count;
-        }
-        ++remark->count;
-    });
-    if (remark) m_found.doubts.Add(std::move(*remark));
-}
-
-/// Keeps segments with one damaged time if the well's other segments tell which one: those before and after go on with
-/// them to the tick if the other time is right.
-void CRecordingWells::MendMisfits() {
-    bool any = false;
-    for (CFoundSegment* const segment : m_misfits)
-        any = MendTime(*segment) || any;
-    if (any) Group();
-}
-
-bool CRecordingWells::MendTime(CFoundSegment& segment) {
-    const std::int64_t tick = TickOf(segment.wellID);
-    const std::int64_t intervals = std::int64_t{segment.samples} - 1;
-    CFoundSegment byFrom = segment;
-    CFoundSegment byTo = segment;
-    byFrom.to = TimeAfter(segment.from, intervals, tick).value_or(segment.to);
-    byTo.from = TimeAfter(segment.to, -intervals, tick).value_or(segment.from);
-    const bool isFrom = GoesOn(byFrom);
-    if (isFrom == GoesOn(byTo)) return false;
-    CRemark remark = RemarkOn(segment, EReason::MadeTime);
-    remark.what = isFrom ? "TimeTo" : "TimeFrom";
-    m_found.doubts.Add(std::move(remark));
-    segment = isFrom ? byFrom : byTo;
-    return true;
-}
-
-/// Tells whether a segment goes on with the one of its well before or after it, to the tick.
-bool CRecordingWells::GoesOn(const CFoundSegment& segment) const {
-    const std::int64_t tick = TickOf(segment.wellID);
-    const auto [before, next] = NeighboursOf(segment.wellID, segment.from);
-    return Lacks(segment.wellID, segment, false) &&
-           ((before != nullptr && TimeAfter(before->from, before->samples, tick) == segment.from) ||
-            (next != nullptr && TimeAfter(segment.from, segment.samples, tick) == next->from));
-}
-
-void CRecordingWells::LoseMisfits() {
-    for (CFoundSegment* const segment : m_misfits) {
-        CRemark remark = RemarkOn(*segment, EReason::OtherInterval);
-        remark.told = TickOf(segment->wellID);
-        m_found.losses.Add(std::move(remark));
-        segment->samples = 0;
-    }
-    std::erase_if(m_groups, [](const auto& group) { return group.second.empty(); });
-    std::erase_if(m_recording.wells, [&](const auto& well) { return !m_groups.contains(well.first); });
-}
-
-CRemark CRecordingWells::RemarkOn(const CFoundSegment& segment, EReason reason) const {
-    return {.reason = reason,
-            .from = segment.position,
-            .to = segment.End(),
-            .recording = m_number,
-            .wellID = segment.wellID};
-}
 
 }  // namespace
 
