@@ -244,7 +244,7 @@ class CAccountant {
         const CCandidate& candidate = CandidateOf(piece);
         const bool isFile = candidate.kind == EKind::File;
         const std::int64_t shift = isFile ? kLost : NextOwnShift();
-        if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(kLeastHdr))
+        if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
             DoubtPiece(EReason::OtherHeader, piece);
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
@@ -390,7 +390,6 @@ class CAccountant {
         remarks.Add(std::move(remark));
     }
 
-    static constexpr std::size_t kLeastHdr = 300;
     static constexpr std::size_t kMostSteps = 64;  ///< Pieces that a look ahead takes in.
 
     CWindow& m_window;

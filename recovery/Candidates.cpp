@@ -358,21 +358,20 @@ CCandidates FindCandidates(CWindow& window, const CReach& reach) {
 }
 
 bool LooksLikeHeader(CWindow& window, std::int64_t offset) {
-    const std::string_view bytes = window.At(offset, 50);
-    if (bytes.empty()) return false;
-    const auto& newest = Layouts().back();
-    if (bytes.size() < 50)
-        return std::string_view("Type=Well").starts_with(bytes.substr(0, 9)) ||
-               newest.recording.cells.front().key.starts_with(
-                   bytes.substr(0, newest.recording.cells.front().key.size()));
-    const auto isLike = [&](EKind kind) {
-        CCandidate best = BestAt(window, kind, offset);
-        const std::int64_t missing = std::max<std::int64_t>(0, best.end - window.Size());
-        const auto cutRows = static_cast<std::uint8_t>(std::min<std::int64_t>((missing + 49) / 50, best.damaged));
-        best.damaged = static_cast<std::uint8_t>(best.damaged - cutRows);
-        return best.whole > 0 && MostIsWhole(best);
-    };
-    return isLike(EKind::Segment) || isLike(EKind::Recording);
+    const auto left = static_cast<std::size_t>(std::max<std::int64_t>(window.Size() - offset, 0));
+    return std::ranges::any_of(std::array{EKind::Segment, EKind::Recording}, [&](EKind kind) {
+        const CCandidate best = BestAt(window, kind, offset);
+        const CRows damaged = DamageOf(window, best).damaged;
+        return WithHdr(Layouts()[best.layout], kind, [&](const auto& cells) {
+            const auto& first = cells.cells.front();
+            const std::string_view key = window.At(offset, first.key.size());
+            if (left < first.width) return !key.empty() && first.key.starts_with(key);
+            std::ptrdiff_t balance = 0;
+            for (std::size_t row = 0; row < cells.cells.size() && cells.cells[row].End() <= left; ++row)
+                balance += damaged[row] ? -1 : 1;
+            return balance > 0 || (balance == 0 && best.whole > 0);
+        });
+    });
 }
 
 CDamage DamageOf(CWindow& window, const CCandidate& candidate) {

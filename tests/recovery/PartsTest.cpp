@@ -86,6 +86,15 @@ TEST(CandidatesTest, PartsOfAHeaderThatBytesWerePutIntoAreJoined) {
     }
 }
 
+/// Two recordings; the last segment of the first one has 60 samples.
+std::string TwoRecordings() {
+    return FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4378}) +
+           SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 5900, "60") +
+           std::string(120, '\x55') + RecordingHdrBytes({.recording = 2, .data = 6838}) +
+           SegmentHdrBytes(11, 7146, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 300, "4") +
+           SampleBytes(kWell12);
+}
+
 struct CExplanationCase {
     const char* what;
     std::string bytes;
@@ -104,12 +113,7 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
     std::string goesOn =
         With(within, static_cast<std::size_t>(next), 300, SegmentHdrBytes(12, next + 308, 0, 300, "4")) +
         SegmentHdrBytes(12, -1, 400, 700, "4") + "12345678";
-    // Two recordings; the last segment of the first one has 60 samples.
-    const std::string two = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4378}) +
-                            SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) +
-                            SegmentHdrBytes(12, -1, 0, 5900, "60") + std::string(120, '\x55') +
-                            RecordingHdrBytes({.recording = 2, .data = 6838}) + SegmentHdrBytes(11, 7146, 0, 300, "4") +
-                            SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12);
+    const std::string two = TwoRecordings();
     const CExplanationCase cases[] = {
         {"whole", file, "F0 R1190 S3650 S3958 "},
         {"rubbish ahead", kRubbish + file, "F300 R1490 S3950 S4258 "},
@@ -136,6 +140,23 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
         const bool isWhole = one.bytes[3650] == 'T';
         EXPECT_EQ(Explained(one.bytes), std::string("F0 R1190 ") + (isWhole ? "S3650 " : "") + after) << one.what;
     }
+}
+
+/// Returns whether a recovery of these bytes has a doubt for this reason at an offset.
+bool HasDoubt(const std::string& bytes, EReason reason, std::int64_t from) {
+    const CReport report = Recover(CStringInput(bytes), {}, [](std::span<const std::byte>) {});
+    return std::ranges::any_of(report.doubts.first,
+                               [&](const CRemark& remark) { return remark.reason == reason && remark.from == from; });
+}
+
+TEST(AccountTest, SamplesAreInDoubtIfTheNextHeaderDoesNotConfirmThem) {
+    const std::string two = TwoRecordings();
+    EXPECT_FALSE(HasDoubt(two, EReason::TakenOut, 3958));
+    // The next segment follows directly, so samples or a recording header are missing.
+    EXPECT_TRUE(HasDoubt(std::string(two).erase(4300, 2460), EReason::TakenOut, 3958));
+    // The file after the cut could as well be samples.
+    EXPECT_TRUE(HasDoubt(two.substr(0, 4300) + two, EReason::Ambiguous, 4300));
+    EXPECT_FALSE(HasDoubt(two + two, EReason::Ambiguous, static_cast<std::int64_t>(two.size())));
 }
 
 TEST(ExplanationTest, TheCandidatesOfAFileFullOfHeadersAreNoMoreThanItsRoom) {
