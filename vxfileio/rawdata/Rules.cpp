@@ -272,8 +272,8 @@ CSegmentRules::CSegmentRules(const std::vector<CRawDataChannelInfo>& wells) {
     for (const auto& well : wells)
         m_wells.push_back({well.ID, well.Ticks});
     std::ranges::stable_sort(m_wells, {}, &CWell::id);
-    const auto repeated = std::ranges::unique(m_wells, {}, &CWell::id);
-    m_wells.erase(repeated.begin(), repeated.end());
+    const auto isSame = [](const CWell& a, const CWell& b) { return a.id == b.id; };
+    m_wells.erase(std::unique(m_wells.begin(), m_wells.end(), isSame), m_wells.end());
 }
 
 const CSegmentRules::CWell* CSegmentRules::Find(std::int32_t id) const noexcept {
