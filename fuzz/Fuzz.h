@@ -51,6 +51,9 @@ class CFuzzFolder {
     std::filesystem::path m_path;
 };
 
+/// More bytes than what a reader says about any document.
+inline constexpr std::size_t kMostReadError = 16'384;
+
 /// Writes a file with exactly these bytes.
 inline void WriteBytes(const std::string& path, Input bytes) {
     std::FILE* const file = std::fopen(path.c_str(), "wb");

@@ -24,6 +24,7 @@ void Walk(const CResults& results) {
 std::string Copied(const std::string& from, const std::string& to) {
     CIResultsReader reader;
     reader.ReadFile(from);
+    Require(reader.GetReadError().size() < kMostReadError, "the message has an end");
     Walk(*reader.GetResults());
     CIResultsWriter writer;
     writer.SetXmlFileHeader(*reader.GetXmlFileHeader());

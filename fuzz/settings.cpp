@@ -27,6 +27,7 @@ void WalkPlate(const CPropRecordPlate& plate, const CPropAnalyzer& analyzer) {
 std::string Copied(const std::string& from, const std::string& to) try {
     CISettingsReader reader;
     reader.ReadFile(from);
+    Require(reader.GetReadError().size() < kMostReadError, "the message has an end");
     if (!reader.GetRecordPlateProperty()->GetCompoundIDs().empty())
         WalkPlate(*reader.GetRecordPlateProperty(), *reader.GetAnalyzerProperty());
     CISettingsWriter writer;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <utility>
 
@@ -40,7 +41,7 @@ struct CSource {
     const CResults& results;
     const CPropAnalyzer& analyzer;
     const CPropRecordPlate& plate;
-    std::vector<std::string> doses = plate.GetSeriesLabels();  ///< By recording.
+    std::vector<std::string> doses = {};  ///< By recording.
     settings::CWellIndex index{plate.Data};
     std::uint32_t recordings = static_cast<std::uint32_t>(results.GetRecordingCount(kTask));
     std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that a sheet has room for.
@@ -234,9 +235,10 @@ std::string CWorkbookFailure::Text() const {
 void CResultsExport::ExportExcel(const std::string& path) { Export(path, SaveAtOnce); }
 
 void CResultsExport::Export(const std::string& path, const CSave& save) {
-    const CSource source{.results = Required(m_results, "results"),
-                         .analyzer = Required(m_analyzer, "analyzer property"),
-                         .plate = Required(m_plate, "record plate")};
+    CSource source{.results = Required(m_results, "results"),
+                   .analyzer = Required(m_analyzer, "analyzer property"),
+                   .plate = Required(m_plate, "record plate")};
+    std::ranges::transform(source.plate.Data.Series, std::back_inserter(source.doses), m_doseText);
     m_failures = {{.kind = CWorkbookFailure::EKind::NotFinished, .path = helpers::NativePath(path)}};  // until it is
     CSaving saving{save};
     {

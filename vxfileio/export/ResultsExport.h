@@ -42,6 +42,9 @@ class CResultsExport {
     void SetPropertyResultsExport(const CPropResultsExport* property) noexcept { m_property = property; }
     void SetPropertyRecordPlate(const CPropRecordPlate* plate) noexcept { m_plate = plate; }
 
+    /// Sets how a dose is shown. What this throws ends the export before any workbook is written.
+    void SetDoseText(std::string (*doseText)(std::uint64_t dose)) noexcept { m_doseText = doseText; }
+
     void ExportExcel(const std::string& path);
     /// The same through a function that saves each workbook. What it throws ends the export.
     void Export(const std::string& path, const CSave& save);
@@ -55,6 +58,7 @@ class CResultsExport {
     const CPropAnalyzer* m_analyzer = nullptr;
     const CPropResultsExport* m_property = nullptr;  ///< Nothing depends on it yet.
     const CPropRecordPlate* m_plate = nullptr;
+    std::string (*m_doseText)(std::uint64_t dose) = DoseToText;
     std::vector<CWorkbookFailure> m_failures;
 };
 

@@ -9,6 +9,8 @@ CIResultsReader::~CIResultsReader() = default;
 
 void CIResultsReader::ReadFile(const std::string& path) { m_reader->ReadFile(path); }
 
+std::string CIResultsReader::GetReadError() const { return m_reader->GetReadError(); }
+
 const CResults* CIResultsReader::GetResults() const noexcept { return m_reader->GetResults(); }
 
 const CXmlFileHeader* CIResultsReader::GetXmlFileHeader() const noexcept { return m_reader->GetXmlFileHeader(); }

@@ -24,9 +24,16 @@ class VXFILEIO_API CIResultsReader {
     CIResultsReader(const CIResultsReader&) = delete;
     CIResultsReader& operator=(const CIResultsReader&) = delete;
 
-    /// Reads a file. A damaged file, or one of another kind, is read as far as possible, without an error. Throws
+    /// Reads a file. A damaged file, or one of another kind, is read as far as possible; `GetReadError`
+    /// then says so. Throws
     /// `CExcVXReader` with code -1, "Could not open results file: " and the path, if the file can't be opened.
     void ReadFile(const std::string& path);
+
+    /// Returns an empty text if the last `ReadFile` found what it expected, otherwise sentences that say what was
+    /// wrong: another kind of file, an end inside an element, lists whose `Size` isn't the number of their entries,
+    /// values that couldn't be read. Of each kind of fault, names the first with the path of its element and its
+    /// offset, and counts the others. Elements that are missing, repeated, unknown or in another order are no fault.
+    [[nodiscard]] std::string GetReadError() const;
 
     /// Returns the results. A file holds neither the compound ID nor the values of `CResults::SetFPAverage`; the
     /// compound's name is in the header.

@@ -9,6 +9,8 @@ CISettingsReader::~CISettingsReader() = default;
 
 void CISettingsReader::ReadFile(const std::string& path) { m_reader->ReadFile(path); }
 
+std::string CISettingsReader::GetReadError() const { return m_reader->GetReadError(); }
+
 const CXmlFileHeader* CISettingsReader::GetXmlFileHeader() const noexcept { return &m_reader->Get().Header; }
 
 const CPropControl* CISettingsReader::GetControlProperty() const noexcept { return &m_reader->Get().Control; }

@@ -33,11 +33,18 @@ class VXFILEIO_API CISettingsReader {
     CISettingsReader& operator=(const CISettingsReader&) = delete;
 
     /// Reads a file. Its sections may be in any order; unknown ones are skipped. A damaged file, or one of another
-    /// kind, is read as far as possible, without an error. If the header's `FileVersion` is below 3, the task "Series"
+    /// kind, is read as far as possible; `GetReadError`
+    /// then says so. If the header's `FileVersion` is below 3, the task "Series"
     /// gets default marks for all active wells and doses instead of those in the file, 100,000 at most. Throws
     /// `CExcVXReader` with code -1, "Could not open settings file: " and the path, if the file can't be opened. Below
     /// version 3, throws what `DoseToText` throws for a dose without a text, after everything else was read.
     void ReadFile(const std::string& path);
+
+    /// Returns an empty text if the last `ReadFile` found what it expected, otherwise sentences that say what was
+    /// wrong: another kind of file, an end inside an element, lists whose `Size` isn't the number of their entries,
+    /// values that couldn't be read. Of each kind of fault, names the first with the path of its element and its
+    /// offset, and counts the others. Elements that are missing, repeated, unknown or in another order are no fault.
+    [[nodiscard]] std::string GetReadError() const;
 
     const CXmlFileHeader* GetXmlFileHeader() const noexcept;    ///< Returns the header.
     const CPropControl* GetControlProperty() const noexcept;    ///< Returns how the system is driven.

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <optional>
 #include <system_error>
 #include <type_traits>
 
@@ -62,40 +61,65 @@ const char* TakeDigits(const char* at, const char* end, std::uint64_t& number) {
     return at;
 }
 
-/// Reads digits only; nothing if the type is too small for them, 0 if there are none.
+/// Whether nothing but blanks is left of a number's text.
+inline bool IsBlank(std::string_view text) { return text.empty() || SkipBlanks(text).empty(); }
+
+/// The digits at the front of a text, as a number.
 template <std::unsigned_integral Whole>
-inline std::optional<Whole> ParseDigits(std::string_view text) {
-    const char* const begin = text.data();
-    const char* const end = begin + text.size();
-    std::uint64_t number = 0;
-    if (TakeDigits(begin, end, number) - begin <= kMostSafeDigits) {
-        if (number > std::numeric_limits<Whole>::max()) return std::nullopt;
-        return static_cast<Whole>(number);
+struct CTakenDigits {
+    explicit CTakenDigits(std::string_view text, Whole most) {
+        const char* const begin = text.data();
+        const char* const end = begin + text.size();
+        std::uint64_t number = 0;
+        const char* const at = TakeDigits(begin, end, number);
+        value = static_cast<Whole>(number);
+        fits = number <= most;
+        if (at - begin > kMostSafeDigits) fits = std::from_chars(begin, end, value).ec == std::errc() && value <= most;
+        isWhole = at != begin && (at == end || IsBlank({at, static_cast<std::size_t>(end - at)}));
     }
+
+    /// Returns what is wrong with the text if `isInRange` says whether the type holds the number.
+    ENumberFault Fault(bool isInRange) const {
+        if (!isWhole) return ENumberFault::NoNumber;
+        return isInRange ? ENumberFault::None : ENumberFault::OutOfRange;
+    }
+
     Whole value = 0;
-    if (std::from_chars(begin, end, value).ec == std::errc::result_out_of_range) return std::nullopt;
-    return value;
-}
+    bool fits = false;     ///< The number is at most `most`.
+    bool isWhole = false;  ///< There are digits, and nothing but blanks follows.
+};
 
 template <std::signed_integral Whole>
-Whole ParseSigned(std::string_view text) {
+ENumberFault ReadSigned(std::string_view text, Whole& value) {
     using Limits = std::numeric_limits<Whole>;
     using Magnitude = std::make_unsigned_t<Whole>;
     text = SkipBlanks(text);
     const bool negative = TakeSign(text);
-    const auto magnitude = ParseDigits<Magnitude>(text);
-    if (!magnitude || *magnitude > Magnitude{Limits::max()}) return negative ? Limits::min() : Limits::max();
-    const auto value = static_cast<Whole>(*magnitude);
-    return negative ? static_cast<Whole>(-value) : value;
+    const CTakenDigits<Magnitude> digits(text, Magnitude{Limits::max()} + (negative ? 1U : 0U));
+    if (digits.fits) {
+        value = static_cast<Whole>(negative ? Magnitude{0} - digits.value : digits.value);
+    } else {
+        value = negative ? Limits::min() : Limits::max();
+    }
+    return digits.Fault(digits.fits);
 }
 
 template <std::unsigned_integral Whole>
-Whole ParseUnsigned(std::string_view text) {
+ENumberFault ReadUnsigned(std::string_view text, Whole& value) {
     text = SkipBlanks(text);
     const bool negative = TakeSign(text);
-    const auto magnitude = ParseDigits<Whole>(text);
-    if (!magnitude) return std::numeric_limits<Whole>::max();
-    return negative ? static_cast<Whole>(Whole{0} - *magnitude) : *magnitude;
+    const CTakenDigits<Whole> digits(text, std::numeric_limits<Whole>::max());
+    value = digits.fits ? digits.value : std::numeric_limits<Whole>::max();
+    if (negative && digits.fits) value = static_cast<Whole>(Whole{0} - value);
+    return digits.Fault(digits.fits && (!negative || value == 0));
+}
+
+/// Returns the number of a text, whether or not all of it is one.
+template <class Number>
+Number Parsed(std::string_view text) {
+    Number number{};
+    static_cast<void>(ReadNumber(text, number));
+    return number;
 }
 
 /// Returns whether a number that is out of a double's range is so for being too large: its first digit other than 0
@@ -212,10 +236,16 @@ CNumberText CNumberText::RoundTrip(double value) {
     return text;
 }
 
-std::int32_t ParseInt32(std::string_view text) { return ParseSigned<std::int32_t>(text); }
-std::int64_t ParseInt64(std::string_view text) { return ParseSigned<std::int64_t>(text); }
-std::uint32_t ParseUInt32(std::string_view text) { return ParseUnsigned<std::uint32_t>(text); }
-std::uint64_t ParseUInt64(std::string_view text) { return ParseUnsigned<std::uint64_t>(text); }
+ENumberFault ReadNumber(std::string_view text, std::int32_t& value) { return ReadSigned(text, value); }
+ENumberFault ReadNumber(std::string_view text, std::int64_t& value) { return ReadSigned(text, value); }
+ENumberFault ReadNumber(std::string_view text, std::uint32_t& value) { return ReadUnsigned(text, value); }
+ENumberFault ReadNumber(std::string_view text, std::uint64_t& value) { return ReadUnsigned(text, value); }
+
+std::int32_t ParseInt32(std::string_view text) { return Parsed<std::int32_t>(text); }
+std::int64_t ParseInt64(std::string_view text) { return Parsed<std::int64_t>(text); }
+std::uint32_t ParseUInt32(std::string_view text) { return Parsed<std::uint32_t>(text); }
+std::uint64_t ParseUInt64(std::string_view text) { return Parsed<std::uint64_t>(text); }
+double ParseDouble(std::string_view text) { return Parsed<double>(text); }
 
 bool TakeDecimal(std::string_view& text, double& value) {
     std::string_view rest = text;
@@ -243,18 +273,20 @@ bool TakeDecimal(std::string_view& text, double& value) {
     return true;
 }
 
-double ParseDouble(std::string_view text) {
+ENumberFault ReadNumber(std::string_view text, double& value) {
     text = SkipBlanks(text);
-    double value = 0.0;
-    if (TakeDecimal(text, value)) return value;
+    value = 0.0;
+    if (TakeDecimal(text, value)) return IsBlank(text) ? ENumberFault::None : ENumberFault::NoNumber;
     const bool negative = TakeSign(text);
-    if (!text.empty() && text.front() == '-') return 0.0;  // a second sign belongs to no number
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec == std::errc::invalid_argument) return 0.0;  // nor does a sign alone make one, not even -0
-    if (result.ec == std::errc::result_out_of_range) {
-        value = IsTooLarge(text) ? std::numeric_limits<double>::infinity() : 0.0;
-    }
-    return negative ? -value : value;
+    if (!text.empty() && text.front() == '-') return ENumberFault::NoNumber;  // a second sign belongs to no number
+    const char* const end = text.data() + text.size();
+    const auto [after, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc::invalid_argument) return ENumberFault::NoNumber;  // nor does a sign alone make one
+    const bool fits = error == std::errc();
+    if (!fits) value = IsTooLarge(text) ? std::numeric_limits<double>::infinity() : 0.0;
+    if (negative) value = -value;
+    if (!IsBlank({after, static_cast<std::size_t>(end - after)})) return ENumberFault::NoNumber;
+    return fits ? ENumberFault::None : ENumberFault::OutOfRange;
 }
 
 }  // namespace vxfileio::helpers

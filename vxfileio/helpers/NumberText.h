@@ -64,6 +64,24 @@ std::uint64_t ParseUInt64(std::string_view text);  ///< A minus sign negates in 
 double ParseDouble(std::string_view text);         ///< Decimal only. The largest double is followed by the infinities.
 /// @}
 
+/// What is wrong with the text of a number.
+enum class ENumberFault : std::uint8_t {
+    None,
+    NoNumber,    ///< It has no digits, or something follows the number.
+    OutOfRange,  ///< The type doesn't hold the number.
+};
+
+/// @name Text to number, judged
+/// Each stores what the function above returns, and says whether the text is that number, perhaps between blanks, and
+/// nothing else. -1 is out of the range of unsigned numbers.
+/// @{
+[[nodiscard]] ENumberFault ReadNumber(std::string_view text, std::int32_t& value);
+[[nodiscard]] ENumberFault ReadNumber(std::string_view text, std::int64_t& value);
+[[nodiscard]] ENumberFault ReadNumber(std::string_view text, std::uint32_t& value);
+[[nodiscard]] ENumberFault ReadNumber(std::string_view text, std::uint64_t& value);
+[[nodiscard]] ENumberFault ReadNumber(std::string_view text, double& value);
+/// @}
+
 /// Takes a decimal off the front of `text` if it has the form that nearly all have: a sign perhaps, digits with a point
 /// at most, no exponent. Returns false, and changes nothing, if it hasn't, or has so many digits that `ParseDouble` is
 /// to be asked.

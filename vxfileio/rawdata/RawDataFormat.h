@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "vxfileio/base/FileMarks.h"
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
 /// @file
@@ -31,7 +32,7 @@ namespace vxfileio::rawdata {
 inline constexpr std::int64_t kUnset = -1;
 
 /// The text that every raw data file begins with. More text may follow in its cell.
-inline constexpr std::string_view kFileTypeText = "OVL Vexaprobe";
+inline constexpr std::string_view kFileTypeText = base::kRawDataMark;
 
 /// The header of one segment. Times are inclusive; `Size` counts samples, not bytes.
 struct CSegmentHdr {

@@ -108,6 +108,7 @@ void CResults::Save(CXmlFileArchive& archive) const {
 
 void CResults::Load(CXmlFileArchive& archive) {
     vxfileio::xmlarchive::ForEachEventUntil(archive, vxfileio::results::kResultsElement, [&] {
+        if (vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kResultsElement)) archive.CountEntries();
         if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement.tag)) return;
         CResultsTask results;
         results.Load(archive);

@@ -8,21 +8,21 @@ namespace vxfileio::results {
 
 namespace {
 
-constexpr std::string_view kResultsFileType = "VXResults";
 constexpr std::string_view kResultsOpenFailed = "Could not open results file: ";
 
 }  // namespace
 
 void CResultsReader::ReadFile(const std::string& path) {
-    xmlarchive::ReadDocument(path, kResultsOpenFailed, [&](CXmlFileArchive& archive) {
+    const auto load = [&](CXmlFileArchive& archive) {
         m_header.Load(archive);
         m_results.Load(archive);
-    });
+    };
+    xmlarchive::ReadDocument(path, kResultsOpenFailed, xmlarchive::kResultsDocument.section, m_readError, load);
 }
 
 void CResultsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_header = header;
-    m_header.FileType = kResultsFileType;
+    m_header.FileType = xmlarchive::kResultsDocument.fileType;
 }
 
 void CResultsWriter::WriteFile(const std::string& path, const CResults& results) {

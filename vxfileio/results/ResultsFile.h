@@ -13,10 +13,12 @@ class CResultsReader {
     void ReadFile(const std::string& path);
     const CResults* GetResults() const noexcept { return &m_results; }
     const CXmlFileHeader* GetXmlFileHeader() const noexcept { return &m_header; }
+    const std::string& GetReadError() const noexcept { return m_readError; }
 
  private:
     CXmlFileHeader m_header;
     CResults m_results;
+    std::string m_readError;
 };
 
 /// The implementation of `CIResultsWriter`, which documents the operations.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/settings/forms/SettingsForm.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 
@@ -10,7 +11,6 @@ namespace vxfileio::settings {
 
 namespace {
 
-constexpr std::string_view kSettingsFileType = "VXSettings";
 constexpr std::string_view kSettingsOpenFailed = "Could not open settings file: ";
 
 /// The first version whose files hold the analyzer's marks; from older ones they are made up.
@@ -41,14 +41,21 @@ void SaveSection(CXmlFileArchive& archive, Section& section, const CChoice& choi
 
 }  // namespace
 
+std::string DoseWithoutText(std::size_t number, std::uint64_t dose) {
+    return std::string(kRootElement).append("/").append(CSettingsForm::kElement) + "/" +
+           std::string(CShortPlateForm::kElement) + "/Series[" + std::to_string(number) +
+           "]/Dose: " + std::to_string(dose) + " pM is too large to be shown with a unit.";
+}
+
 void CSettingsReader::ReadFile(const std::string& path) {
-    ReadDocument(path, kSettingsOpenFailed, [&](CXmlFileArchive& archive) {
+    const auto load = [&](CXmlFileArchive& archive) {
         m_settings.Header.Load(archive);
         ForEachEventUntil(archive, CSettingsForm::kElement, [&] {
             if (GetField(archive, CSettingsForm::kFields, m_settings)) return;
             if (IsStartOf(archive, CXmlForm<CPropRecording>::kOlderElement)) m_settings.Recording.Load(archive);
         });
-    });
+    };
+    ReadDocument(path, kSettingsOpenFailed, CSettingsForm::kElement, m_readError, load);
     if (m_settings.Header.FileVersion < kFirstVersionWithMarks) MakeMarks();
 }
 
@@ -56,13 +63,29 @@ void CSettingsReader::ReadFile(const std::string& path) {
 void CSettingsReader::MakeMarks() {
     const std::vector<std::int32_t> wells = m_settings.RecordPlate.GetActiveWellIDs();
     const std::size_t room = kMostMadeMarks / std::max<std::size_t>(wells.size(), 1);
-    const std::size_t recordings = std::min(m_settings.RecordPlate.GetSeriesLabels().size(), room);
+    const std::size_t recordings = std::min(CountDoses(), room);
     m_settings.Analyzer.InitTask(enTask::Series, static_cast<std::int32_t>(recordings), wells);
+}
+
+/// Returns the number of doses. Notes the first that has no text, and throws what `DoseToText` throws.
+std::size_t CSettingsReader::CountDoses() {
+    std::size_t count = 0;
+    for (const std::uint64_t dose : m_settings.RecordPlate.Data.Series) {
+        try {
+            DoseToText(dose);
+        } catch (const base::CExcConversion&) {
+            m_readError += (m_readError.empty() ? "" : " ") + DoseWithoutText(count, dose) +
+                           " The marks that this older file doesn't have weren't made.";
+            throw;
+        }
+        ++count;
+    }
+    return count;
 }
 
 void CSettingsWriter::SetXmlFileHeader(const CXmlFileHeader& header) {
     m_settings.Header = header;
-    m_settings.Header.FileType = kSettingsFileType;
+    m_settings.Header.FileType = kSettingsDocument.fileType;
 }
 
 void CSettingsWriter::WriteFile(const std::string& path, std::int32_t compound) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -7,16 +8,22 @@
 
 namespace vxfileio::settings {
 
+/// Returns a sentence about the dose with this number in the plate's series, for which `DoseToText` throws.
+std::string DoseWithoutText(std::size_t number, std::uint64_t dose);
+
 /// The implementation of `CISettingsReader`, which documents the operations.
 class CSettingsReader {
  public:
     void ReadFile(const std::string& path);
     const CSettings& Get() const noexcept { return m_settings; }
+    const std::string& GetReadError() const noexcept { return m_readError; }
 
  private:
     void MakeMarks();
+    std::size_t CountDoses();
 
     CSettings m_settings;
+    std::string m_readError;
 };
 
 /// The implementation of `CISettingsWriter`, which documents the operations.

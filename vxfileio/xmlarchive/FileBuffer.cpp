@@ -106,6 +106,8 @@ std::size_t CFileBuffer::Read(void* buffer, std::size_t count, std::size_t& read
     return read;
 }
 
+bool CFileBuffer::IsReadFailed() const { return m_state && !m_state->writes && m_state->next < m_state->file.Size(); }
+
 std::int64_t CFileBuffer::Size() const { return m_state ? m_state->file.Size() : 0; }
 
 }  // namespace gd_xml_stream

@@ -50,6 +50,10 @@ class VXFILEIO_API CFileBuffer {
     /// the end of the file.
     std::size_t Read(void* buffer, std::size_t count, std::size_t& read);
 
+    /// Returns whether the file that is open for reading has bytes that weren't read. After `Read` reached what seemed
+    /// to be the end, that means that the system refused to deliver them.
+    bool IsReadFailed() const;
+
     /// Returns the size of the open file in bytes; 0 without one.
     std::int64_t Size() const;
 

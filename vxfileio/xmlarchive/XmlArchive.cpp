@@ -13,11 +13,6 @@ namespace {
 constexpr std::int32_t kDone = 0;
 constexpr auto kFailed = static_cast<std::int32_t>(0x80004005U);
 
-template <class Value>
-void Read(const XmlReader& reader, Value& value) {
-    if (const auto text = reader.Value()) ParseValue(*text, value);
-}
-
 }  // namespace
 
 CXmlFileArchive::CXMLArchive(CFileBuffer* file, std::uint32_t mode, std::int32_t blockSize, unsigned char* buffer)
@@ -76,21 +71,23 @@ std::string_view CXmlFileArchive::TagName() const noexcept { return m_reader->Na
 
 bool CXmlFileArchive::IsEndTag() const noexcept { return (m_reader->State() & XmlState::kEndTag) != 0; }
 
-void CXmlFileArchive::GetValue(std::int32_t& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(std::int32_t& value) { m_reader->ReadValue(value); }
 
-void CXmlFileArchive::GetValue(bool& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(bool& value) { m_reader->ReadValue(value); }
 
-void CXmlFileArchive::GetValue(std::int64_t& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(std::int64_t& value) { m_reader->ReadValue(value); }
 
-void CXmlFileArchive::GetValue(std::uint64_t& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(std::uint64_t& value) { m_reader->ReadValue(value); }
 
-void CXmlFileArchive::GetValue(double& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(double& value) { m_reader->ReadValue(value); }
 
-void CXmlFileArchive::GetValue(std::uint16_t& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(std::uint16_t& value) { m_reader->ReadValue(value); }
 
-void CXmlFileArchive::GetValue(std::uint32_t& value) { Read(*m_reader, value); }
+void CXmlFileArchive::GetValue(std::uint32_t& value) { m_reader->ReadValue(value); }
 
 void CXmlFileArchive::GetValue(std::string& value) { m_reader->ReadText(value); }
+
+std::string_view CXmlFileArchive::GetText(std::string& room) const { return m_reader->Text(room); }
 
 std::string CXmlFileArchive::GetText() const { return m_reader->ElementText(); }
 
@@ -103,6 +100,14 @@ std::size_t CXmlFileArchive::GetListSize() { return m_reader->ReadListSize(); }
 bool CXmlFileArchive::ListHasEntries() { return m_reader->ReadListClaim() > 0; }
 
 void CXmlFileArchive::GetSamples(std::vector<double>& samples) { m_reader->ReadSamples(samples); }
+
+void CXmlFileArchive::NoteText(XmlFault kind, std::span<const std::string_view> words) {
+    m_reader->NoteText(kind, words);
+}
+
+void CXmlFileArchive::CountEntries() { m_reader->MakeList(XmlReader::kAnyNumber); }
+
+std::string CXmlFileArchive::Finish(std::string_view section) { return m_reader->Finish(section); }
 
 std::uint32_t CXmlFileArchive::ElementState() const noexcept {
     return m_stores ? m_writer->State() : m_reader->State();

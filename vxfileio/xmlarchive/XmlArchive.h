@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,7 @@ namespace gd_xml_stream {
 
 class XmlReader;
 class XmlWriter;
+enum class XmlFault : std::uint8_t;
 
 /// The mode flags of an archive.
 inline constexpr std::uint32_t kLoad = 0x2;
@@ -115,6 +117,10 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     void GetValue(std::string& value);
     /// @}
 
+    /// Returns the same as the string that `GetValue` reads, without copying a text that has no references; `room` is
+    /// for the others. Valid until the next event or change of `room`.
+    std::string_view GetText(std::string& room) const;
+
     /// Returns the text of the current element: decoded, or unchanged if it has a CDATA section.
     std::string GetText() const;
 
@@ -133,6 +139,18 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     /// Reads the text of the current element into `samples`: numbers, each followed by a semicolon. Changes as many
     /// entries as there are semicolons, and ignores numbers beyond the end of `samples`.
     void GetSamples(std::vector<double>& samples);
+
+    /// Reports that the text of the current element isn't a value of its kind, for the text of `Finish`. `words` are
+    /// those that it could be.
+    void NoteText(XmlFault kind, std::span<const std::string_view> words = {});
+
+    /// Counts the children of the current element as entries of a list that has no `Size`, for the text of `Finish`.
+    void CountEntries();
+
+    /// Moves past the end of the root. Returns sentences that describe what was wrong with the document, or an empty
+    /// text if nothing was: another kind of file; no section with the tag `section`, which must be the last that was
+    /// read; and the first of each kind of fault, with its path and offset.
+    std::string Finish(std::string_view section);
 
     // ---- Both -------------------------------------------------------------------------------------------------------
 

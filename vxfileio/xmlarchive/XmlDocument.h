@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "vxfileio/base/ExcVXReader.h"
+#include "vxfileio/xmlarchive/DocumentKinds.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 
 /// @file
@@ -14,7 +15,6 @@
 namespace vxfileio::xmlarchive {
 
 inline constexpr std::string_view kXmlVersion = "version=\"1.0\"";
-inline constexpr std::string_view kRootElement = "Vexaprobe";
 
 /// Writes a document whose root holds what `save(archive)` writes. Replaces a file of that name once the document is
 /// complete; until then the old file stays unchanged. Afterwards `writeError` is empty, or describes the first failure
@@ -36,14 +36,20 @@ void WriteDocument(const std::string& path, std::string_view openFailed, std::st
     writeError = file.Commit();
 }
 
-/// Reads a document by `load(archive)`, with the archive before the root. Skips what precedes the root.
+/// Reads a document by `load(archive)`, with the archive before the root. Skips what precedes the root. `load` must
+/// read the document's section last. Afterwards `readError` is empty, or says what was wrong with the document, or that
+/// it wasn't read to its end because of an exception.
 template <class Load>
-void ReadDocument(const std::string& path, std::string_view openFailed, Load load) {
+void ReadDocument(const std::string& path, std::string_view openFailed, std::string_view section,
+                  std::string& readError, Load load) {
+    readError = std::string(openFailed) + path;
     gd_xml_stream::CFileBuffer file;
-    if (file.Open(path, "r") != 0) throw CExcVXReader(std::string(openFailed) + path);
+    if (file.Open(path, "r") != 0) throw CExcVXReader(readError);
+    readError = "Not read to its end: " + path;
     CXmlFileArchive archive(&file, gd_xml_stream::kLoad, gd_xml_stream::kBlockSize);
     archive.SkipProlog();
     load(archive);
+    readError = archive.Finish(section);
 }
 
 }  // namespace vxfileio::xmlarchive

@@ -44,6 +44,14 @@ struct CXmlElement {
     bool isRead = true;                ///< False for what is written for people only.
 };
 
+/// Returns words as a choice: "one of the words Tecan, Norva".
+inline std::string OneOf(std::span<const std::string_view> words) {
+    std::string text;
+    for (const auto word : words)
+        text.append(text.empty() ? "one of the words " : ", ").append(word);
+    return text;
+}
+
 /// @{
 /// Returns the kind of a value's content.
 constexpr EXmlKind KindOf(const std::string* /*type*/) noexcept { return EXmlKind::Text; }

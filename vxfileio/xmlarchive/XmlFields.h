@@ -14,6 +14,7 @@
 #include "vxfileio/base/EnumerationWords.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
 #include "vxfileio/xmlarchive/XmlElement.h"
+#include "vxfileio/xmlarchive/XmlFaults.h"
 
 /// @file
 /// Forms: lists of fields that state once which elements a class consists of. Saving, loading, the checks of
@@ -90,16 +91,22 @@ void PutPlain(CXmlFileArchive& archive, const Value& value) {
     }
 }
 
-/// Reads one value. A character is the first byte of its text, or NUL if the text is empty.
+/// Reads one value. A character is the first byte of its text, or NUL if the text is empty. Reports a word that isn't
+/// in its table, unless it `mayBeEmpty` and is, and a character that is followed by others.
 template <class Value>
-void GetPlain(CXmlFileArchive& archive, Value& value) {
+void GetPlain(CXmlFileArchive& archive, Value& value, [[maybe_unused]] bool mayBeEmpty = false) {
+    using gd_xml_stream::XmlFault;
     if constexpr (std::is_enum_v<Value> || std::is_same_v<Value, char>) {
-        std::string text;
-        archive.GetValue(text);
+        std::string room;
+        const std::string_view text = archive.GetText(room);
         if constexpr (std::is_enum_v<Value>) {
+            constexpr auto& table = base::kWords<Value>;
             value = base::ValueOf<Value>(text);
+            const bool isWord = value != table.unknownWord || base::WordOf(value) == text;
+            if (!isWord && !(mayBeEmpty && text.empty())) archive.NoteText(XmlFault::UnknownWord, table.words);
         } else {
             value = text.empty() ? '\0' : text.front();
+            if (text.size() > 1) archive.NoteText(XmlFault::LongText);
         }
     } else {
         archive.GetValue(value);
@@ -169,7 +176,7 @@ struct CKeyField {
     /// Reads the key from the current element.
     Key Read(CXmlFileArchive& archive) const {
         Key key = missing;
-        if (archive.TagName() == tag) GetPlain(archive, key);
+        if (archive.TagName() == tag) GetPlain(archive, key, mayBeEmpty);
         return key;
     }
 };

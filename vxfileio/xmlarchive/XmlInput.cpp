@@ -26,8 +26,8 @@ bool XmlInput::ReadBlock() {
     const std::size_t whole = std::string_view(m_buffer.data() + m_size, read).find('\0');
     m_endsInNul = whole != std::string_view::npos;
     m_ended = m_endsInNul || read < m_blockSize;
-    m_read += read;
     read = std::min(read, whole);
+    m_read += read;
     m_size += read;
     return read > 0;
 }

@@ -17,12 +17,13 @@ namespace gd_xml_stream {
 /// Bytes count as signed here, so those from 0x80 up lie below the blank: between tags they are passed over, and they
 /// end a name. Only inside text do they stand for themselves.
 enum CharClass : std::uint8_t {
-    kBlank = 1,      ///< At most a blank, as a signed number.
-    kTextBlank = 2,  ///< At most a blank, as an unsigned number.
-    kName = 4,       ///< Belongs to the name in a start tag: "-" and all from "0" up but ">".
-    kEndName = 8,    ///< Belongs to the name in an end tag: neither blank nor ">".
-    kOpen = 16,      ///< "<" itself.
-    kText = 32,      ///< Neither "<" nor ">".
+    kBlank = 1,       ///< At most a blank, as a signed number.
+    kTextBlank = 2,   ///< At most a blank, as an unsigned number.
+    kName = 4,        ///< Belongs to the name in a start tag: "-" and all from "0" up but ">".
+    kEndName = 8,     ///< Belongs to the name in an end tag: neither blank nor ">".
+    kOpen = 16,       ///< "<" itself.
+    kText = 32,       ///< Neither "<" nor ">".
+    kPlainName = 64,  ///< Belongs to the name in a start tag, and isn't "<".
 };
 
 inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
@@ -30,10 +31,10 @@ inline constexpr std::array<std::uint8_t, 256> kCharClasses = [] {
     for (int byte = 0; byte < 256; ++byte) {
         const bool blank = byte <= ' ' || byte >= 0x80;
         const bool name = byte == '-' || (byte >= '0' && byte < 0x80 && byte != '>');
-        classes[static_cast<std::size_t>(byte)] =
-            static_cast<std::uint8_t>((blank ? kBlank : 0) | (byte <= ' ' ? kTextBlank : 0) | (name ? kName : 0) |
-                                      (!blank && byte != '>' ? kEndName : 0) | (byte == '<' ? kOpen : 0) |
-                                      (byte != '<' && byte != '>' ? kText : 0));
+        classes[static_cast<std::size_t>(byte)] = static_cast<std::uint8_t>(
+            (blank ? kBlank : 0) | (byte <= ' ' ? kTextBlank : 0) | (name ? kName : 0) |
+            (!blank && byte != '>' ? kEndName : 0) | (byte == '<' ? kOpen : 0) |
+            (byte != '<' && byte != '>' ? kText : 0) | (name && byte != '<' ? kPlainName : 0));
     }
     return classes;
 }();
@@ -64,9 +65,23 @@ class XmlInput {
     /// Returns whether the document ended with a NUL rather than with its file. Requires: `AtEnd`.
     bool EndsInNul() const { return m_endsInNul; }
 
+    /// Returns whether the file has more bytes than the system delivered. Requires: `AtEnd`.
+    bool IsReadFailed() const { return m_file != nullptr && !m_endsInNul && m_file->IsReadFailed(); }
+
     /// Returns the most bytes that can follow the cursor, by the size of the file at the first call; the exact number
     /// once the end is in memory.
     std::size_t Remaining();
+
+    /// Returns the offset of the cursor in the document.
+    std::uint64_t Offset() const { return m_read - (m_size - m_cursor); }
+
+    /// Returns whether `count` bytes follow the cursor. They are then in memory.
+    bool Has(std::size_t count) {
+        while (m_size - m_cursor < count) {
+            if (!ReadBlock()) return false;
+        }
+        return true;
+    }
 
     /// Returns the byte at the cursor; NUL at the end.
     char Peek() { return AtEnd() ? '\0' : m_buffer[m_cursor]; }
@@ -98,12 +113,12 @@ class XmlInput {
     /// Returns the gathered bytes. Valid until the next operation.
     std::string_view Gathered() const { return {m_buffer.data() + m_gathered, m_gatheredEnd - m_gathered}; }
 
+    /// Returns their offset in the document. Requires: they were gathered within one block.
+    std::uint64_t GatheredOffset() const { return m_read - (m_size - m_gathered); }
+
     /// Returns whether `text` is at the cursor.
     bool StandsOn(std::string_view text) {
-        while (m_size - m_cursor < text.size()) {
-            if (!ReadBlock()) return false;
-        }
-        return std::string_view(m_buffer.data() + m_cursor, text.size()) == text;
+        return Has(text.size()) && std::string_view(m_buffer.data() + m_cursor, text.size()) == text;
     }
 
     /// Moves to the next `wanted` byte. Moves to the end and returns false if there is none.
@@ -165,7 +180,7 @@ class XmlInput {
     std::size_t m_gatheredEnd = 0;  ///< and where it ends.
     std::size_t m_cursor = 0;
     std::size_t m_size = 0;                 ///< Bytes in `m_buffer`.
-    std::size_t m_read = 0;                 ///< Bytes of the file that were read.
+    std::size_t m_read = 0;                 ///< Bytes of the document that were read.
     std::optional<std::size_t> m_fileSize;  ///< Queried once for all lists.
     bool m_ended;                           ///< Nothing follows what is in memory.
     bool m_endsInNul = false;

@@ -25,6 +25,16 @@ class XmlNameStack {
         m_starts.pop_back();
     }
 
+    /// Returns the number of names.
+    std::size_t Size() const { return m_starts.size(); }
+
+    /// Returns a name by its number, 0 being the outermost. Valid until the next change.
+    std::string_view At(std::size_t number) const {
+        const std::size_t start = m_starts[number];
+        const std::size_t end = number + 1 < m_starts.size() ? m_starts[number + 1] : m_names.size();
+        return std::string_view(m_names).substr(start, end - start);
+    }
+
     /// The innermost name; it lives until the next change.
     std::string_view Top() const { return std::string_view(m_names).substr(m_starts.back()); }
 

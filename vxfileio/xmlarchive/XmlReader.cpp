@@ -2,34 +2,52 @@
 
 #include <algorithm>
 
-#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/base/FileMarks.h"
+#include "vxfileio/xmlarchive/DocumentKinds.h"
+#include "vxfileio/xmlarchive/XmlElement.h"
 #include "vxfileio/xmlarchive/XmlText.h"
 
 namespace gd_xml_stream {
+
+using namespace vxfileio::xmlarchive;
+using vxfileio::helpers::ENumberFault;
+using vxfileio::helpers::ReadNumber;
+using vxfileio::helpers::TakeDecimal;
 
 namespace {
 
 template <class Value>
 XmlValue Parsed(std::string_view text) {
     Value value{};
-    ParseValue(text, value);
+    static_cast<void>(ParseValue(text, value));
     return value;
 }
 
-/// Takes a number and its semicolon off the front of `text`. Returns false, and changes nothing, without a semicolon.
-bool TakeSample(std::string_view& text, double& sample) {
+/// Takes a number of the usual form and its semicolon off the front of `text`. Returns false, and changes nothing, if
+/// there is another form.
+inline bool TakePlainSample(std::string_view& text, double& sample) {
     std::string_view after = text;
     double decimal = 0.0;
-    if (vxfileio::helpers::TakeDecimal(after, decimal) && after.starts_with(';')) {
-        sample = decimal;
-        text = after.substr(1);
-        return true;
-    }
-    const std::size_t semicolon = text.find(';');
-    if (semicolon == std::string_view::npos) return false;
-    sample = vxfileio::helpers::ParseDouble(text.substr(0, semicolon));
-    text.remove_prefix(semicolon + 1);
+    if (!TakeDecimal(after, decimal) || !after.starts_with(';')) return false;
+    sample = decimal;
+    text = after.substr(1);
     return true;
+}
+
+/// Returns the first bytes of a file in words, if another kind of file than a document begins with them; otherwise
+/// nothing.
+std::string_view OtherKind(std::string_view beginning) {
+    using namespace vxfileio::base;
+    if (beginning.empty()) return "an empty file";
+    if (beginning.starts_with(kRawDataMark)) return "a raw data file";
+    if (beginning.starts_with(kCompoundMark)) return "a workbook";
+    return {};
+}
+
+/// Returns the name of a kind of document by its section.
+std::string NameOf(std::string_view section) {
+    const auto* const kind = std::ranges::find(kDocumentKinds, section, &CDocumentKind::section);
+    return kind == kDocumentKinds.end() ? "document" : std::string(kind->name);
 }
 
 }  // namespace
@@ -47,6 +65,13 @@ std::optional<std::string_view> XmlReader::Value() const {
 void XmlReader::ReadText(std::string& text) const {
     text.clear();
     AppendDecoded(Value().value_or(std::string_view()), text);
+}
+
+std::string_view XmlReader::Text(std::string& room) const {
+    const std::string_view text = Value().value_or(std::string_view());
+    if (text.find('&') == std::string_view::npos) return text;
+    ReadText(room);
+    return room;
 }
 
 std::string XmlReader::ElementText() const {
@@ -114,8 +139,15 @@ XmlValue XmlReader::ValueOf(XmlType type, std::string_view text) {
 }
 
 std::size_t XmlReader::ReadListClaim() {
+    constexpr std::string_view kUsual = " Size=\"";
+    const std::string_view attributes = Element().substr(Name().size());
     XmlValue claimed(std::int32_t{0});
-    ReadAttribute(kListSize, claimed);
+    if (attributes.starts_with(kUsual)) {  // other programs have other attributes, too
+        claimed = Parsed<std::int32_t>(attributes.substr(kUsual.size()));
+    } else {
+        ReadAttribute(kListSize, claimed);
+    }
+    MakeList(claimed.AsInt32());
     return static_cast<std::size_t>(std::max(claimed.AsInt32(), std::int32_t{0}));
 }
 
@@ -132,24 +164,86 @@ std::size_t XmlReader::ReadListSize() {
 }
 
 void XmlReader::ReadSamples(std::vector<double>& samples) {
-    std::string_view text = Value().value_or(std::string_view());
-    if (text.find('&') != std::string_view::npos) {
-        ReadText(m_decoded);
-        text = m_decoded;
-    }
-    for (double& sample : samples) {
-        if (!TakeSample(text, sample)) return;
-    }
+    std::string_view text = Text(m_decoded);
+    const std::string_view whole = text;
+    double* sample = samples.data();
+    const double* const end = sample + samples.size();
+    while (sample != end && (TakePlainSample(text, *sample) || TakeSample(text, *sample, whole)))
+        ++sample;
+    std::size_t taken = static_cast<std::size_t>(sample - samples.data());
+    taken += static_cast<std::size_t>(std::ranges::count(text, ';'));
+    CheckCount(Level(), taken, {});
+    Level().claimed = kAnyNumber;  // its children aren't its entries
 }
 
-void ParseValue(std::string_view text, std::int32_t& value) { value = vxfileio::helpers::ParseInt32(text); }
-void ParseValue(std::string_view text, bool& value) { value = vxfileio::helpers::ParseInt32(text) == 1; }
-void ParseValue(std::string_view text, std::int64_t& value) { value = vxfileio::helpers::ParseInt64(text); }
-void ParseValue(std::string_view text, std::uint64_t& value) { value = vxfileio::helpers::ParseUInt64(text); }
-void ParseValue(std::string_view text, double& value) { value = vxfileio::helpers::ParseDouble(text); }
-void ParseValue(std::string_view text, std::uint16_t& value) {
-    value = static_cast<std::uint16_t>(vxfileio::helpers::ParseUInt32(text) & 0xFFFFU);
+/// Does the same for a number of any form, or for what is in place of one. `text` is the rest of `whole`. Notes what
+/// isn't a number. Returns false, and changes nothing, without a semicolon.
+bool XmlReader::TakeSample(std::string_view& text, double& sample, std::string_view whole) {
+    const std::size_t semicolon = text.find(';');
+    if (semicolon == std::string_view::npos) return false;
+    const std::string_view number = text.substr(0, semicolon);
+    const ENumberFault fault = ReadNumber(number, sample);
+    if (fault != ENumberFault::None) NoteNumber(fault, number, whole.size() - text.size(), RangeOf<double>);
+    text.remove_prefix(semicolon + 1);
+    return true;
 }
-void ParseValue(std::string_view text, std::uint32_t& value) { value = vxfileio::helpers::ParseUInt32(text); }
+
+/// Notes the fault of a number whose text is `at` bytes into that of the element.
+void XmlReader::NoteNumber(ENumberFault fault, std::string_view text, std::size_t at, std::string (*range)()) {
+    const auto kind = fault == ENumberFault::NoNumber ? XmlFault::NoNumber : XmlFault::OutOfRange;
+    if (auto* const first = m_faults.Add(kind))
+        *first = {1, TextOffset() + at, Path(), std::string(text.substr(0, XmlFaults::kMostShown)), range()};
+}
+
+void XmlReader::NoteText(XmlFault kind, std::span<const std::string_view> words) {
+    auto* const first = m_faults.Add(kind);
+    if (first == nullptr) return;
+    const std::string_view text = Text(m_decoded).substr(0, XmlFaults::kMostShown);
+    *first = {1, TextOffset(), Path(), std::string(text), OneOf(words)};
+}
+
+std::string XmlReader::Finish(std::string_view section) {
+    const bool isRead = (State() & XmlState::kEndTag) != 0 && Name() == section;
+    while (!IsRootClosed() && Next()) {
+    }
+    const std::string_view other = OtherKind(Beginning());
+    if (!other.empty()) return "This is " + std::string(other) + ", not a " + NameOf(section) + '.';
+    std::string text = isRead ? std::string() : SectionText(section);
+    const auto add = [&](const std::string& sentence) {
+        text += (text.empty() || sentence.empty() ? "" : " ") + sentence;
+    };
+    if (Root() != kRootElement && (isRead || !Root().empty()))
+        add("The root element is <" + std::string(Root()) + ">, expected <" + std::string(kRootElement) + ">.");
+    if (IsReadFailed()) add("The system refused to read beyond offset " + std::to_string(Offset()) + '.');
+    add(m_faults.Text());
+    return text;
+}
+
+/// Returns why the section wasn't read to its end, or nothing if the faults say it.
+std::string XmlReader::SectionText(std::string_view section) const {
+    const std::string name = NameOf(section);
+    for (const auto& kind : kDocumentKinds) {
+        if (kind.section != section && HasSection(kind.section))
+            return "This is a " + std::string(kind.name) + ", not a " + name + '.';
+    }
+    const std::string tag = '<' + std::string(section) + '>';
+    if (HasSection(kHeaderElement)) return HasSection(section) ? "" : "The document has no element " + tag + '.';
+    if (Root().empty()) return "The document has no elements that a " + name + " has.";
+    return "The document has no <" + std::string(kHeaderElement) + "> ahead of " + tag + ", so nothing was read.";
+}
+
+ENumberFault ParseValue(std::string_view text, bool& value) {
+    std::int32_t number = 0;
+    const ENumberFault fault = ReadNumber(text, number);
+    value = number == 1;
+    return fault == ENumberFault::None && number != 0 && number != 1 ? ENumberFault::OutOfRange : fault;
+}
+
+ENumberFault ParseValue(std::string_view text, std::uint16_t& value) {
+    std::uint32_t number = 0;
+    const ENumberFault fault = ReadNumber(text, number);
+    value = static_cast<std::uint16_t>(number & 0xFFFFU);
+    return fault == ENumberFault::None && number != value ? ENumberFault::OutOfRange : fault;
+}
 
 }  // namespace gd_xml_stream

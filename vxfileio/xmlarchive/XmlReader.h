@@ -2,11 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
+#include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/xmlarchive/XmlScanner.h"
 #include "vxfileio/xmlarchive/XmlValue.h"
 
@@ -23,11 +27,25 @@ class XmlReader : public XmlScanner {
         return XmlScanner::Next();
     }
 
+    /// Reads the value as a number or bool, and notes if it isn't one. Leaves `value` unchanged without text.
+    template <class Number>
+    void ReadValue(Number& value);
+
+    /// Notes that the text of the current element isn't a value of its kind. `words` are those of an unknown word.
+    void NoteText(XmlFault kind, std::span<const std::string_view> words);
+
+    /// Moves past the end of the root. Returns sentences about what was wrong with the document, whose section with
+    /// this tag should have been read last; empty if nothing was.
+    std::string Finish(std::string_view section);
+
     /// The text of the value, its references not yet decoded; nothing if the element has no text.
     std::optional<std::string_view> Value() const;
 
     /// Reads the same into `text` with its references decoded; empty without text.
     void ReadText(std::string& text) const;
+
+    /// Returns the same text, in place if it has no references, otherwise from `room`.
+    std::string_view Text(std::string& room) const;
 
     /// Returns the text after the element's start tag: decoded, or unchanged if it has a CDATA section.
     std::string ElementText() const;
@@ -47,6 +65,10 @@ class XmlReader : public XmlScanner {
  private:
     std::optional<std::size_t> FindAttribute(std::string_view name) const;
     XmlValue ValueOf(XmlType type, std::string_view text);
+    void NoteNumber(vxfileio::helpers::ENumberFault fault, std::string_view text, std::size_t at,
+                    std::string (*range)());
+    bool TakeSample(std::string_view& text, double& sample, std::string_view whole);
+    std::string SectionText(std::string_view section) const;
 
     std::string m_decoded;
     std::size_t m_valueAt = 0;  ///< The offset in the element where the search for the next value begins.
@@ -54,13 +76,34 @@ class XmlReader : public XmlScanner {
     std::optional<std::size_t> m_listEntries;
 };
 
-/// Reads a number from the front of `text` in the type of `value`; see the values of `CXMLArchive`.
-void ParseValue(std::string_view text, std::int32_t& value);
-void ParseValue(std::string_view text, bool& value);
-void ParseValue(std::string_view text, std::int64_t& value);
-void ParseValue(std::string_view text, std::uint64_t& value);
-void ParseValue(std::string_view text, double& value);
-void ParseValue(std::string_view text, std::uint16_t& value);
-void ParseValue(std::string_view text, std::uint32_t& value);
+/// Reads a number from the front of `text` in the type of `value`; see the values of `CXMLArchive`. Returns whether the
+/// text is a value of this type and nothing else.
+template <class Value>
+vxfileio::helpers::ENumberFault ParseValue(std::string_view text, Value& value) {
+    return vxfileio::helpers::ReadNumber(text, value);
+}
+vxfileio::helpers::ENumberFault ParseValue(std::string_view text, bool& value);
+vxfileio::helpers::ENumberFault ParseValue(std::string_view text, std::uint16_t& value);
+
+/// Returns what a text must be to be read as this type, such as "a whole number from 0 to 65535".
+template <class Number>
+std::string RangeOf() {
+    using Limits = std::numeric_limits<Number>;
+    if constexpr (std::is_same_v<Number, bool>) {
+        return "0 or 1";
+    } else if constexpr (std::is_floating_point_v<Number>) {
+        return "a number";
+    } else {
+        return "a whole number from " + std::to_string(Limits::min()) + " to " + std::to_string(Limits::max());
+    }
+}
+
+template <class Number>
+void XmlReader::ReadValue(Number& value) {
+    using vxfileio::helpers::ENumberFault;
+    const auto text = Value();
+    const ENumberFault fault = text ? ParseValue(*text, value) : ENumberFault::NoNumber;
+    if (fault != ENumberFault::None) NoteNumber(fault, text.value_or(std::string_view()), 0, RangeOf<Number>);
+}
 
 }  // namespace gd_xml_stream

@@ -1,6 +1,7 @@
 #include "vxfileio/xmlarchive/XmlScanner.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace gd_xml_stream {
@@ -11,12 +12,33 @@ constexpr std::string_view kSectionStart = "<![CDATA[";
 constexpr std::string_view kSectionEnd = "]]>";
 constexpr std::string_view kCommentEnd = "-->";
 
+/// The most bytes of a name that a message shows.
+constexpr std::size_t kMostNameShown = 64;
+
 /// Up to this length a text is gone through byte by byte.
 constexpr std::size_t kShortText = 64;
+
+/// Returns whether the same `size` bytes are at both places. Names are short, and a call of `memcmp` would take longer.
+inline bool IsSame(const char* left, const char* right, std::size_t size) {
+    const auto same = [&]<class Word>(std::size_t at, Word /*type*/) {
+        Word words[2];
+        std::memcpy(&words[0], left + at, sizeof(Word));
+        std::memcpy(&words[1], right + at, sizeof(Word));
+        return words[0] == words[1];
+    };
+    constexpr std::uint64_t kEight = 0;
+    constexpr std::uint32_t kFour = 0;
+    if (size > 2 * sizeof kEight) return std::memcmp(left, right, size) == 0;
+    if (size >= sizeof kEight) return same(0, kEight) && same(size - sizeof kEight, kEight);
+    if (size >= sizeof kFour) return same(0, kFour) && same(size - sizeof kFour, kFour);
+    return std::equal(left, left + size, right);
+}
 
 }  // namespace
 
 bool XmlScanner::SkipProlog() {
+    constexpr std::size_t kBeginning = 15;  // more than any mark, and no allocation
+    m_beginning = m_input.Rest().substr(0, kBeginning);
     m_input.SkipWhile(kBlank);
     if (!m_input.AtEnd() && m_input.Peek() != '<') {
         m_input.Pass(1);
@@ -40,12 +62,18 @@ bool XmlScanner::Next() {
 
 inline void XmlScanner::ForgetElement() {
     m_input.ForgetGathered();
+    m_elementAt = kInMemory;
     m_nameSize = 0;
     m_state = 0;
 }
 
 bool XmlScanner::Fail(XmlError error) {
     m_lastError = error;
+    if (m_input.AtEnd()) {
+        NoteEndInside();
+    } else if (error == XmlError::WrongEndTag) {
+        NoteWrongEnd(Element(), m_open.IsEmpty() ? std::string_view() : m_open.Top(), m_elementAt - 1, {});
+    }
     return false;
 }
 
@@ -53,14 +81,21 @@ inline bool XmlScanner::ReadEvent() {
     if (!FindTag()) return false;
     m_input.SkipWhile(kBlank);
     if (m_input.AtEnd()) return Fail(m_open.IsEmpty() ? XmlError::EndInElement : XmlError::EndInTag);
-    if (m_input.Peek() != '/') return ReadPlainLeaf() || ReadStartTag();
+    if (m_input.Peek() != '/') {
+        ++Level().children;
+        return ReadPlainLeaf() || ReadStartTag();
+    }
+    m_elementAt = m_input.Offset();
     m_input.Pass(1);
     return ReadEndTag();
 }
 
 /// Moves past the "<" of the next tag. Skips comments and text that belongs to no element.
 inline bool XmlScanner::FindTag() {
-    if (!m_tagTaken && m_input.AtEnd()) return false;
+    if (!m_tagTaken && m_input.AtEnd()) {
+        NoteEndInside();
+        return false;
+    }
     while (true) {
         if (!std::exchange(m_tagTaken, false)) {
             if (!m_input.SkipTo('<')) return m_open.IsEmpty() ? false : Fail(XmlError::EndInElement);
@@ -87,10 +122,12 @@ inline bool XmlScanner::ReadEndTag() {
     if (m_input.AtEnd()) return Fail(XmlError::EndInTag);
     m_input.GatherWhile(kEndName);
     if (m_open.IsEmpty() || m_open.Top() != Element()) return Fail(XmlError::WrongEndTag);
-    m_open.Pop();
     m_nameSize = Element().size();
     if (!m_input.SkipTo('>')) return Fail(XmlError::EndInElement);
     m_state = XmlState::kEndTag;
+    CheckCount(Level(), Level().children, {});
+    m_open.Pop();
+    FindLevel();
     return true;
 }
 
@@ -98,12 +135,18 @@ inline bool XmlScanner::ReadEndTag() {
 /// beginning of the next tag, and its text is short. Otherwise returns false and reads nothing.
 inline bool XmlScanner::ReadPlainLeaf() {
     const std::string_view rest = m_input.Rest();
-    const std::size_t nameSize = RunOf(rest, kName);
+    const std::size_t nameSize = RunOf(rest, kPlainName);
     const std::size_t textStart = std::min(nameSize + 1, rest.size());
     const std::size_t size = textStart + RunOf(rest.substr(textStart, kShortText), kText);
     if (size + 1 >= rest.size() || rest[nameSize] != '>' || rest[size] != '<' || rest[size + 1] != '/') return false;
-    const std::size_t next = rest.find('<', size + 1);
-    if (next == std::string_view::npos) return false;
+    // Mostly the next tag follows at once, after the name and its ">".
+    const std::size_t endName = size + 2;
+    std::size_t next = endName + textStart;
+    if (next >= rest.size() || rest[next] != '<' || !IsSame(rest.data(), rest.data() + endName, textStart)) {
+        next = rest.find('<', size + 1);
+        if (next == std::string_view::npos) return false;
+        CheckPlainEnd(rest.substr(0, nameSize), rest.substr(endName, next - endName), size);
+    }
     m_nameSize = nameSize;
     m_input.Gather(size);
     m_input.Pass(next - size);
@@ -111,6 +154,7 @@ inline bool XmlScanner::ReadPlainLeaf() {
 }
 
 bool XmlScanner::ReadStartTag() {
+    m_elementAt = m_input.Offset();
     m_input.GatherWhile(kName);
     m_nameSize = Element().size();
     if (!m_input.AtEnd()) m_input.Gather(1);
@@ -119,12 +163,113 @@ bool XmlScanner::ReadStartTag() {
 
     m_input.SkipWhile(kBlank | kOpen);
     if (m_input.AtEnd()) return Fail(XmlError::EndInElement);
-    // The end tag of an element that has only text; its name is ignored.
-    if (m_input.Peek() == '/') return m_input.SkipTo('<') || Fail(XmlError::EndInElement);
-    m_open.Push(Name());
+    // The end tag of an element that has only text. Another name is reported, and otherwise ignored.
+    if (m_input.Peek() == '/') {
+        CheckLeafEnd();
+        return m_input.SkipTo('<') || Fail(XmlError::EndInElement);
+    }
+    OpenElement();
     m_state |= XmlState::kHasChildren;
     m_tagTaken = true;
     return true;
+}
+
+/// Notes if an end tag, here its part after the "</", isn't that of a leaf with this name. It is `at` bytes after the
+/// cursor.
+void XmlScanner::CheckPlainEnd(std::string_view name, std::string_view end, std::size_t at) {
+    const bool isSame = end.size() > name.size() && IsSame(end.data(), name.data(), name.size());
+    if (!isSame || Is(end[name.size()], kEndName))
+        NoteWrongEnd(end.substr(0, RunOf(end, kEndName)), name, m_input.Offset() + at, name);
+}
+
+/// Makes the current element the innermost open one.
+inline void XmlScanner::OpenElement() {
+    const std::size_t depth = m_open.Size();
+    m_open.Push(Name());
+    FindLevel();
+    Level() = {.offset = m_elementAt - 1};
+    if (depth > 1 || (depth == 1 && m_levels[1].children >= m_outline.size())) return;
+    m_outline[depth == 0 ? 0 : m_levels[1].children] = Name().substr(0, kMostNameShown);
+}
+
+/// Compares the end tag of an element without children, whose "/" is at the cursor, with its name. A name with bytes
+/// that don't belong to names isn't known in full, and isn't compared.
+void XmlScanner::CheckLeafEnd() {
+    const bool isWhole = Element()[m_nameSize] == '>' || Is(Element()[m_nameSize], kTextBlank);
+    if (!isWhole || !m_input.Has(m_nameSize + 2)) return;
+    const std::string_view end = m_input.Rest().substr(1);
+    const std::string_view found = end.substr(0, RunOf(end.substr(0, m_nameSize + 1), kEndName));
+    if (found != Name()) NoteWrongEnd(found, Name(), m_input.Offset(), Name());
+}
+
+void XmlScanner::MakeList(std::int64_t claimed) {
+    if ((m_state & XmlState::kEndTag) != 0) return;
+    if ((m_state & XmlState::kHasChildren) != 0) {
+        Level().claimed = claimed;
+        Level().isList = true;
+    } else {
+        CheckCount({.offset = m_elementAt - 1, .claimed = claimed}, 0, Name());
+    }
+}
+
+void XmlScanner::CheckCount(const CLevel& list, std::uint64_t entries, std::string_view leaf) {
+    if (list.claimed == kAnyNumber || list.claimed == static_cast<std::int64_t>(entries)) return;
+    if (&list == &m_levels.back()) return;
+    const bool tooFew = static_cast<std::int64_t>(entries) < list.claimed;
+    if (auto* const fault = m_faults.Add(tooFew ? XmlFault::TooFew : XmlFault::TooMany)) {
+        fault->offset = list.offset;
+        fault->path = PathTo(leaf);
+        fault->found = std::to_string(entries) + (entries == 1 ? " entry" : " entries");
+        fault->expected = std::to_string(list.claimed);
+    }
+}
+
+/// Notes that the document ends where something is open.
+void XmlScanner::NoteEndInside() {
+    if (m_open.IsEmpty() && Element().empty()) return;
+    m_endsInside = true;
+    if (auto* const fault = m_faults.Add(XmlFault::EndsInside)) {
+        const bool inText = Element().find('>') != std::string_view::npos;  // end tags are without
+        fault->offset = m_input.Offset();
+        fault->path = PathTo(inText ? Element().substr(0, m_nameSize) : std::string_view());
+    }
+}
+
+/// Notes an end tag that was found where another was expected, or none if nothing is `open`. `leaf` is empty, or the
+/// name of the child of the innermost open element that ends here.
+void XmlScanner::NoteWrongEnd(std::string_view found, std::string_view open, std::uint64_t offset,
+                              std::string_view leaf) {
+    if (auto* const fault = m_faults.Add(XmlFault::WrongEndTag)) {
+        fault->offset = offset;
+        fault->path = PathTo(leaf);
+        fault->found = found.substr(0, XmlFaults::kMostShown);
+        fault->expected =
+            open.empty() ? "the end of the document" : "</" + std::string(open.substr(0, kMostNameShown)) + '>';
+    }
+}
+
+std::string XmlScanner::Path() const {
+    return PathTo((m_state & (XmlState::kHasChildren | XmlState::kEndTag)) != 0 ? std::string_view() : Name());
+}
+
+/// Returns the path of a child of the innermost open element, or that of this element itself.
+std::string XmlScanner::PathTo(std::string_view leaf) const {
+    std::string path;
+    for (std::size_t depth = 0; depth < std::min(m_open.Size(), kMostLevels - 1); ++depth) {
+        path.append(path.empty() ? "" : "/").append(m_open.At(depth).substr(0, kMostNameShown));
+        const CLevel& level = m_levels[depth + 1];
+        const bool isLast = depth + 1 == m_open.Size() && leaf.empty();
+        if (level.isList && !isLast && level.children > 0) path += '[' + std::to_string(level.children - 1) + ']';
+    }
+    if (m_open.Size() >= kMostLevels) path += "/...";
+    if (!leaf.empty()) path.append(path.empty() ? "" : "/").append(leaf.substr(0, kMostNameShown));
+    return path;
+}
+
+std::uint64_t XmlScanner::TextOffset() const {
+    const std::size_t tagEnd = Element().find('>');
+    const std::uint64_t start = m_elementAt == kInMemory ? m_input.GatheredOffset() : m_elementAt;
+    return start + (tagEnd == std::string_view::npos ? Element().size() : tagEnd + 1);
 }
 
 /// Gathers the text up to the next tag. Returns false if a CDATA section isn't ended.

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
+#include "vxfileio/xmlarchive/XmlFaults.h"
 #include "vxfileio/xmlarchive/XmlInput.h"
 #include "vxfileio/xmlarchive/XmlNameStack.h"
 #include "vxfileio/xmlarchive/XmlState.h"
@@ -19,6 +23,8 @@ class XmlScanner {
  public:
     /// `file` isn't owned; it is read in blocks of `blockSize` bytes.
     XmlScanner(CFileBuffer* file, std::size_t blockSize) : m_input(file, blockSize) {}
+    XmlScanner(const XmlScanner&) = delete;
+    XmlScanner& operator=(const XmlScanner&) = delete;
 
     /// Moves to the first "<" that doesn't open a declaration, comment or instruction. If other text precedes the first
     /// tag, moves past its first byte and returns false.
@@ -47,8 +53,60 @@ class XmlScanner {
     /// Returns the most bytes that the document can still have; see `XmlInput::Remaining`.
     std::size_t Remaining() { return m_input.Remaining(); }
 
+    /// Returns whether reading ended before the end of the file, since the system refused more.
+    bool IsReadFailed() const { return m_input.IsReadFailed(); }
+
+    /// Returns the offset of the next byte in the document.
+    std::uint64_t Offset() const { return m_input.Offset(); }
+
+    /// Returns whether the root was closed.
+    bool IsRootClosed() const { return m_open.IsEmpty() && m_levels.front().children > 0 && !m_endsInside; }
+
+    /// Returns the name of the root, or of the first child of it with this name; empty if there is none. Only elements
+    /// with children are known, and of these the first few.
+    std::string_view Root() const { return m_outline.front(); }
+    bool HasSection(std::string_view name) const {
+        return std::find(m_outline.begin() + 1, m_outline.end(), name) != m_outline.end();
+    }
+
+    /// Returns the first bytes of the document, as `SkipProlog` found them.
+    std::string_view Beginning() const { return m_beginning; }
+
+    /// Makes the current element, if it has children, a list that claims to have so many. At its end its children are
+    /// counted, and paths have their numbers. A list that claims `kAnyNumber` isn't checked.
+    void MakeList(std::int64_t claimed);
+    static constexpr std::int64_t kAnyNumber = -1;
+
     /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.
     XmlError LastError() const { return m_lastError; }
+
+ protected:
+    /// What is known of an open element.
+    struct CLevel {
+        std::uint64_t offset = 0;    ///< Of its start tag.
+        std::uint64_t children = 0;  ///< That began so far.
+        std::int64_t claimed = kAnyNumber;
+        bool isList = false;
+    };
+
+    /// Returns the path of the current element: the tags from the root on, with `/` between them, and after a list the
+    /// number of its entry: "Vexaprobe/Settings/PropertyRecordPlate/Wells[2]/Well/ChID".
+    std::string Path() const;
+
+    /// Returns the offset of the current element's text.
+    std::uint64_t TextOffset() const;
+
+    /// The innermost open element.
+    CLevel& Level() { return *m_level; }
+
+    /// Compares the number of entries of a list with what it claims. The list is the innermost open element, or its
+    /// child `leaf`.
+    void CheckCount(const CLevel& list, std::uint64_t entries, std::string_view leaf);
+
+    XmlFaults m_faults;
+    /// The offset after the "<" of the current element. A short element is still where it was read.
+    static constexpr std::uint64_t kInMemory = 0;
+    std::uint64_t m_elementAt = kInMemory;
 
  private:
     void ForgetElement();
@@ -63,13 +121,28 @@ class XmlScanner {
     bool CollectRun(std::string_view run, bool& keepBlanks);
     bool LastVisibleIsSlash() const;
     bool Fail(XmlError error);
+    void OpenElement();
+    void FindLevel() { m_level = &m_levels[std::min(m_open.Size(), kMostLevels)]; }
+    void CheckLeafEnd();
+    void CheckPlainEnd(std::string_view name, std::string_view end, std::size_t at);
+    void NoteEndInside();
+    void NoteWrongEnd(std::string_view found, std::string_view open, std::uint64_t offset, std::string_view leaf);
+    std::string PathTo(std::string_view leaf) const;
 
     XmlInput m_input;
     XmlNameStack m_open;
+    /// By depth, with that of the document first. Elements that are deeper than any form share the last one, which
+    /// isn't checked.
+    static constexpr std::size_t kMostLevels = 24;
+    std::array<CLevel, kMostLevels + 1> m_levels{};
+    CLevel* m_level = m_levels.data();     ///< That of the innermost open element.
+    std::array<std::string, 4> m_outline;  ///< The root, then its children; long names are cut.
+    std::string m_beginning;
     std::size_t m_nameSize = 0;  ///< Of the element, the name at its front.
     std::uint32_t m_state = 0;
     XmlError m_lastError = XmlError::None;
     bool m_selfClosing = false;
+    bool m_endsInside = false;
     bool m_tagTaken = false;  ///< The "<" of the next tag was passed already, with the element before it.
 };
 

@@ -5,9 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/document/XmlDamage.h"
+#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/WholeText.h"
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/helpers/NumberText.h"
 
@@ -111,9 +110,8 @@ void TellResults(const std::string& task, std::size_t number, const CResultsReco
 
 CPage InfoOfSettings(const std::string& path) {
     CPage page;
-    page.SetDamage(DamageOfDocument(ReadWholeText(path)));
     CISettingsReader reader;
-    reader.ReadFile(path);
+    page.SetDamage(ReadDocument(reader, path));
     TellHeader(*reader.GetXmlFileHeader(), page);
     TellNotebook(*reader.GetNotebookProperty(), page);
     TellRecording(*reader.GetRecordingProperty(), page);
@@ -124,9 +122,8 @@ CPage InfoOfSettings(const std::string& path) {
 
 CPage InfoOfResults(const std::string& path) {
     CPage page;
-    page.SetDamage(DamageOfDocument(ReadWholeText(path)));
     CIResultsReader reader;
-    reader.ReadFile(path);
+    page.SetDamage(ReadDocument(reader, path));
     TellHeader(*reader.GetXmlFileHeader(), page);
     std::vector<CPage::CRow> table = {{"Task", "Number", "Dose", "Wells", "Beats", "Averages", "Means"}};
     CJson list = CJson::array();

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tools/vxfile/system/OpenInput.h"
+#include "vxfileio/base/FileMarks.h"
 #include "vxfileio/helpers/File.h"
-#include "vxfileio/rawdata/RawDataFormat.h"
 
 namespace vxfile {
 
@@ -15,8 +15,6 @@ namespace {
 
 /// How far into a document its section is looked for. Headers are far shorter; people may have put comments there.
 constexpr std::size_t kLookAhead = std::size_t{64} << 10;
-
-constexpr std::string_view kCompoundMark = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
@@ -50,8 +48,8 @@ EFileKind FileKindOf(const std::string& path) {
     bytes.resize(file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
     const std::string_view text(bytes.data(), bytes.size());
     if (text.empty()) return EFileKind::Empty;
-    if (text.starts_with(vxfileio::rawdata::kFileTypeText)) return EFileKind::RawData;
-    if (text.starts_with(kCompoundMark)) return EFileKind::Workbook;
+    if (text.starts_with(vxfileio::base::kRawDataMark)) return EFileKind::RawData;
+    if (text.starts_with(vxfileio::base::kCompoundMark)) return EFileKind::Workbook;
     return KindOfDocument(text);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
+#include "vxfileio/base/FileMarks.h"
 #include "vxfileio/export/compound/CompoundFormat.h"
 
 namespace vxfileio::compound {
@@ -10,7 +12,11 @@ namespace vxfileio::compound {
 /// The header of a compound file, its fields in the order of their bytes. A new one is that of a file whose sectors are
 /// one of the FAT, number 0, and one of the directory, number 1.
 struct StorageHeader {
-    std::array<std::uint8_t, 8> signature = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
+    std::array<std::uint8_t, base::kCompoundMark.size()> signature = [] {
+        std::array<std::uint8_t, base::kCompoundMark.size()> mark{};
+        std::ranges::transform(base::kCompoundMark, mark.begin(), [](char c) { return static_cast<std::uint8_t>(c); });
+        return mark;
+    }();
     std::array<std::uint8_t, 16> classID = {};
     std::uint16_t minorVersion = 0x003B;
     std::uint16_t majorVersion = 3;

@@ -177,7 +177,7 @@ struct CXmlForm<CResultsTask> {
 
 namespace vxfileio::results {
 
-inline constexpr std::string_view kResultsElement = "Results";
+inline constexpr std::string_view kResultsElement = kResultsDocument.section;
 inline constexpr CXmlElement kTaskElement = kElementOf<CXmlForm<CResultsTask>>;
 
 /// The children of the root of a results file.

@@ -60,7 +60,8 @@ struct CResponseMarksField {
         PutList(archive, well.Responses,
                 [&](const auto& response) { SaveValue(archive, base::WordOf(response.first), response.second); });
     }
-    void Get(CXmlFileArchive& /*archive*/, WellAnalysis& /*well*/) const {}  // `LoadMark` finds them wherever they are
+    /// Only notes the list's `Size`: `LoadMark` finds the marks wherever they are.
+    void Get(CXmlFileArchive& archive, WellAnalysis& /*well*/) const { static_cast<void>(archive.ListHasEntries()); }
 
     /// Reads the mark that the archive is at the start of; skips anything else.
     static void LoadMark(CXmlFileArchive& archive, WellAnalysis& well) {

@@ -2,6 +2,7 @@
 
 #include "vxfileio/settings/PropResultsExport.h"
 #include "vxfileio/settings/Settings.h"
+#include "vxfileio/xmlarchive/DocumentKinds.h"
 #include "vxfileio/xmlarchive/XmlFields.h"
 
 /// @file
@@ -46,7 +47,7 @@ struct CXmlForm<CPropRecording> {
 template <>
 struct CXmlForm<CXmlFileHeader> {
     using Header = CXmlFileHeader;
-    static constexpr std::string_view kElement = "Header";
+    static constexpr std::string_view kElement = kHeaderElement;
     static constexpr auto kFields = std::tuple{
         CTextField{"HeaderID", &Header::HeaderID},
         CTextField{"CompoundName", &Header::CompoundName},

@@ -27,7 +27,7 @@ CSectionField(Section CSettings::*) -> CSectionField<Section>;
 
 /// The sections of a settings file.
 struct CSettingsForm {
-    static constexpr std::string_view kElement = "Settings";
+    static constexpr std::string_view kElement = kSettingsDocument.section;
     static constexpr auto kFields = std::tuple{
         CSectionField{&CSettings::Control},
         CSectionField{&CSettings::Notebook},

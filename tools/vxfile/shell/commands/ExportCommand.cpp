@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vxfile/document/XmlDamage.h"
+#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
@@ -19,13 +19,14 @@
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/MemoryReserve.h"
 #include "tools/vxfile/system/Output.h"
-#include "tools/vxfile/system/WholeText.h"
 #include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/export/ResultsExport.h"
 #include "vxfileio/frame/VXFileIO.h"
+#include "vxfileio/settings/SettingsFile.h"
 
 using vxfileio::base::CExcConversion;
 using vxfileio::helpers::CReplacingFile;
+using vxfileio::settings::DoseWithoutText;
 using vxfileio::workbook::CResultsExport;
 using vxfileio::workbook::CWorkbookFailure;
 
@@ -68,7 +69,21 @@ template <class CReader>
 struct CInput {
     std::string path;
     CReader reader = {};
+    std::string damage = {};  ///< What was wrong with the file.
+
+    void Read() { damage = ReadDocument(reader, path); }
 };
+
+/// Returns whether a dose has a text with its unit.
+bool HasDoseText(std::uint64_t dose) try {
+    DoseToText(dose);
+    return true;
+} catch (const CExcConversion&) {
+    return false;
+}
+
+/// Returns the head of a column: a dose that is too large for the others in picomolar.
+std::string DoseHead(std::uint64_t dose) { return HasDoseText(dose) ? DoseToText(dose) : std::to_string(dose) + "pM"; }
 
 /// Returns a Guid as it can be compared: some programs put it into braces, some write it in capitals.
 std::string BareGuid(const std::string& guid) {
@@ -140,8 +155,8 @@ class CExportCommand : public CCommand {
         RefuseInputs(m_output);
         RefusePlace(m_output, m_force);
         RefuseOtherFormats(m_output);
-        m_settings.reader.ReadFile(m_settings.path);
-        m_results.reader.ReadFile(m_results.path);
+        m_settings.Read();
+        m_results.Read();
         CWorkbooks workbooks;
         Export(workbooks);
         CheckInterrupt();
@@ -166,11 +181,8 @@ class CExportCommand : public CCommand {
         exporter.SetResults(m_results.reader.GetResults());
         exporter.SetPropertyAnalyzer(m_settings.reader.GetAnalyzerProperty());
         exporter.SetPropertyRecordPlate(m_settings.reader.GetRecordPlateProperty());
-        try {
-            exporter.Export(m_output, save);
-        } catch (const CExcConversion&) {
-            throw CFailure(m_settings.path + " has a dose that is too large for the head of a column; correct it.");
-        }
+        exporter.SetDoseText(DoseHead);
+        exporter.Export(m_output, save);
     }
 
     void RefuseInputs(const std::string& target) const {
@@ -181,10 +193,14 @@ class CExportCommand : public CCommand {
     /// Returns what the workbooks leave in doubt, a sentence each.
     std::vector<std::string> Doubts(const std::set<std::string>& made) {
         std::vector<std::string> doubts;
-        for (const auto& path : {m_results.path, m_settings.path}) {
-            const std::string damage = DamageOfDocument(ReadWholeText(path));
-            if (!damage.empty()) doubts.push_back(std::string(path).append(": ").append(damage));
-        }
+        if (!m_results.damage.empty()) doubts.push_back(m_results.path + ": " + m_results.damage);
+        if (!m_settings.damage.empty()) doubts.push_back(m_settings.path + ": " + m_settings.damage);
+        const auto& series = m_settings.reader.GetRecordPlateProperty()->Data.Series;
+        const auto dose = std::ranges::find_if_not(series, HasDoseText);
+        if (dose != series.end())
+            doubts.push_back(m_settings.path + ": " +
+                             DoseWithoutText(static_cast<std::size_t>(dose - series.begin()), *dose) +
+                             " Its columns have it in picomolar.");
         if (!AreOfOneRun()) doubts.push_back(OtherRun());
         const std::string missing = LabelsWithout(made);
         if (!missing.empty())

@@ -1,0 +1,141 @@
+#include <string>
+#include <vector>
+
+#include "tests/reference/Twin.h"
+#include "tests/xmlarchive/ArchiveTest.h"
+
+namespace {
+
+/// What the readers say about documents.
+class ReadErrorTest : public testing::Test {
+ protected:
+    std::string Settings(const std::string& document) { return ErrorOf(*m_io.GetSettingsReader(), document); }
+    std::string Results(const std::string& document) { return ErrorOf(*m_io.GetResultsReader(), document); }
+
+    /// Reads a document in which the first `old` is replaced.
+    std::string SettingsWith(const std::string& old, const std::string& text) {
+        return Settings(Replaced(m_settings, old, text));
+    }
+    std::string ResultsWith(const std::string& old, const std::string& text) {
+        return Results(Replaced(m_results, old, text));
+    }
+
+    template <class Reader>
+    std::string ErrorOf(Reader& reader, const std::string& document) {
+        WriteAll(m_path, document);
+        reader.ReadFile(m_path);
+        return reader.GetReadError();
+    }
+
+    static std::string Replaced(std::string document, const std::string& old, const std::string& text) {
+        const std::size_t at = document.find(old);
+        EXPECT_NE(at, std::string::npos) << old;
+        return at == std::string::npos ? document : document.replace(at, old.size(), text);
+    }
+
+    CTempFolder m_folder;
+    std::string m_path = m_folder.Path("document.xml");
+    std::string m_settings = ReadAll(ReferencePath("xml/settings.vxs"));
+    std::string m_results = ReadAll(ReferencePath("xml/results.vxr"));
+    CVXFileIO m_io;
+};
+
+TEST_F(ReadErrorTest, ValidDocumentsOfEachFormHaveNone) {
+    for (const char* const form : {"settings", "settings_indented", "settings_sections", "settings_shuffled"})
+        EXPECT_EQ(Settings(ReadAll(ReferencePath("xml/" + std::string(form) + ".vxs"))), "") << form;
+    for (const char* const form : {"results", "results_indented", "results_sections", "results_shuffled"})
+        EXPECT_EQ(Results(ReadAll(ReferencePath("xml/" + std::string(form) + ".vxr"))), "") << form;
+}
+
+TEST_F(ReadErrorTest, AnotherKindOfFileIsNamed) {
+    EXPECT_EQ(Settings(""), "This is an empty file, not a settings file.");
+    EXPECT_EQ(Settings(ReadAll(ReferencePath("small_example.vxd"))), "This is a raw data file, not a settings file.");
+    EXPECT_EQ(Results(ReadAll(ReferencePath("workbooks/small.xls"))), "This is a workbook, not a results file.");
+    EXPECT_EQ(Settings(m_results), "This is a results file, not a settings file.");
+    EXPECT_EQ(Results(m_settings), "This is a settings file, not a results file.");
+    EXPECT_EQ(Results("some text"), "The document has no elements that a results file has.");
+    EXPECT_EQ(Settings(Replaced(Replaced(m_settings, "<Vexaprobe>", "<Other>"), "</Vexaprobe>", "</Other>")),
+              "The root element is <Other>, expected <Vexaprobe>.");
+    EXPECT_EQ(Settings("<Vexaprobe><Settings><A><B/></A></Settings></Vexaprobe>"),
+              "The document has no <Header> ahead of <Settings>, so nothing was read.");
+}
+
+TEST_F(ReadErrorTest, APrefixOfADocumentSaysThatItIsNone) {
+    for (std::size_t size = 0; size < m_settings.size(); size += 7)
+        ASSERT_NE(Settings(m_settings.substr(0, size)), "") << size;
+    for (std::size_t size = 0; size < m_results.size(); ++size)
+        ASSERT_NE(Results(m_results.substr(0, size)), "") << size;
+    const std::size_t cut = m_results.find("</Dose>") - 1;
+    EXPECT_EQ(Results(m_results.substr(0, cut)),
+              "The document ends at offset " + std::to_string(cut) +
+                  ", inside Vexaprobe/Results[0]/Task/Recordings[0]/Recording/Dose.");
+}
+
+TEST_F(ReadErrorTest, ValuesThatAreNoneAreNamedWithPathOffsetAndNumber) {
+    const std::size_t interval = m_settings.find("<Tick>") + 6;
+    EXPECT_EQ(SettingsWith("<Tick>", "<Tick>3x"), "Vexaprobe/Settings/PropertyRecording/Tick (offset " +
+                                                      std::to_string(interval) +
+                                                      "): \"3x100\" isn't a "
+                                                      "whole number from -9223372036854775808 to 9223372036854775807.");
+    const std::size_t most = m_settings.find("<ADMax>") + 7;
+    EXPECT_EQ(SettingsWith("<ADMax>65535", "<ADMax>65536"), "Vexaprobe/Settings/PropertyRecording/ADMax (offset " +
+                                                                std::to_string(most) +
+                                                                "): \"65536\" isn't a whole number from 0 to 65535.");
+    const std::size_t mode = m_settings.find("<RobotMode>") + 11;
+    EXPECT_EQ(SettingsWith("<RobotMode>Online", "<RobotMode>Offlime"),
+              "Vexaprobe/Settings/PropertyControl/RobotMode (offset " + std::to_string(mode) +
+                  "): \"Offlime\" isn't one of the words NotDefined, Online, Offline, Simulation.");
+    std::string twice = Replaced(m_settings, "<ADMax>65535", "<ADMax>");
+    twice = Replaced(twice, "<ADMin>", "<ADMin>-");
+    twice = Replaced(twice, "<Gain>", "<Gain>x");
+    twice = Replaced(twice, "<DataFormat>", "<DataFormat>x");
+    EXPECT_NE(Settings(twice).find("There are 2 more of this kind."), std::string::npos) << Settings(twice);
+}
+
+TEST_F(ReadErrorTest, ListsThatAreNotAsLongAsTheirSizeAreNamed) {
+    const std::string document =
+        "<Vexaprobe><Header><FileName/></Header><Results><Task><Recordings Size=\"1\">"
+        "<Recording><Wells Size=\"1\"><Well><WellID>7</WellID>"
+        "<FPfastDetectionTimes Size=\"2\"><Time>1</Time><Time>2</Time></FPfastDetectionTimes>"
+        "<Average Size=\"3\"><Ave>1;2.5;nan;</Ave></Average></Well></Wells></Recording>"
+        "</Recordings></Task></Results></Vexaprobe>";
+    const std::string well = "Vexaprobe/Results[0]/Task/Recordings[0]/Recording/Wells[0]/Well/";
+    const auto at = [&](const std::string& text) { return " (offset " + std::to_string(document.find(text)) + "): "; };
+    EXPECT_EQ(Results(document), "");
+    EXPECT_EQ(Results(Replaced(document, "Times Size=\"2\"", "Times Size=\"1\"")),
+              well + "FPfastDetectionTimes" + at("<FPfastDet") + "the list has 2 entries, but its Size is 1.");
+    EXPECT_EQ(Results(Replaced(document, "nan;", "")),
+              well + "Average" + at("<Average") + "the list has 2 entries, but its Size is 3.");
+    EXPECT_EQ(Results(Replaced(document, "2.5", "2,5")),
+              well + "Average[0]/Ave" + at("2.5;") + "\"2,5\" isn't a number.");
+    EXPECT_NE(Results(Replaced(document, "<Recordings Size=\"1\"", "<Recordings Size='1'")).find("its Size is 0"),
+              std::string::npos);
+}
+
+TEST_F(ReadErrorTest, AnEndTagOfAnotherNameIsNamed) {
+    const std::size_t at = m_results.find("</CompoundName>");
+    EXPECT_EQ(ResultsWith("</CompoundName>", "</CompoundNane>"),
+              "Vexaprobe/Header/CompoundName (offset " + std::to_string(at) +
+                  "): found </CompoundNane> instead of </CompoundName>.");
+    EXPECT_EQ(ResultsWith("</CompoundName>", "</CompoundName >"), "");
+    EXPECT_NE(ResultsWith("</Header>", "</Heder>").find("found </Heder> instead of </Header>"), std::string::npos);
+}
+
+TEST_F(ReadErrorTest, EachFileIsJudgedAnew) {
+    EXPECT_NE(Settings(""), "");
+    EXPECT_EQ(Settings(m_settings), "");
+    EXPECT_THROW(m_io.GetSettingsReader()->ReadFile(m_folder.Path("absent")), CExcVXReader);
+    EXPECT_EQ(m_io.GetSettingsReader()->GetReadError(), "Could not open settings file: " + m_folder.Path("absent"));
+}
+
+TEST_F(ReadErrorTest, ADoseWithoutTextIsNamedByItsPlace) {
+    const std::string document =
+        "<Vexaprobe><Header><FileVersion>2</FileVersion></Header><Settings><PropertyRecordPlate><Series Size=\"2\">"
+        "<Dose>1</Dose><Dose>1000000000000</Dose></Series></PropertyRecordPlate></Settings></Vexaprobe>";
+    EXPECT_ANY_THROW(Settings(document));
+    EXPECT_EQ(m_io.GetSettingsReader()->GetReadError(),
+              "Vexaprobe/Settings/PropertyRecordPlate/Series[1]/Dose: 1000000000000 pM is too large to be shown with a "
+              "unit. The marks that this older file doesn't have weren't made.");
+}
+
+}  // namespace

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+/// @file
+/// What the documents of the library have in common, and what tells them apart.
+
+namespace vxfileio::xmlarchive {
+
+inline constexpr std::string_view kRootElement = "Vexaprobe";
+inline constexpr std::string_view kHeaderElement = "Header";  ///< The first child of every root.
+
+/// One kind of document.
+struct CDocumentKind {
+    std::string_view name;      ///< In words.
+    std::string_view section;   ///< The tag of the section after the header.
+    std::string_view fileType;  ///< The header's `FileType` in files of this library.
+};
+
+inline constexpr CDocumentKind kSettingsDocument{"settings file", "Settings", "VXSettings"};
+inline constexpr CDocumentKind kResultsDocument{"results file", "Results", "VXResults"};
+inline constexpr std::array kDocumentKinds{kSettingsDocument, kResultsDocument};
+
+}  // namespace vxfileio::xmlarchive

@@ -1,0 +1,54 @@
+#include "vxfileio/xmlarchive/XmlFaults.h"
+
+#include "vxfileio/helpers/PrintableText.h"
+
+namespace gd_xml_stream {
+
+namespace {
+
+using vxfileio::helpers::Quoted;
+
+/// Returns "PATH (offset N)".
+std::string PlaceOf(const XmlFaults::CFault& fault) {
+    const std::string offset = "offset " + std::to_string(fault.offset);
+    return fault.path.empty() ? offset : fault.path + " (" + offset + ')';
+}
+
+std::string SentenceOf(XmlFault kind, const XmlFaults::CFault& fault) {
+    const std::string place = PlaceOf(fault);
+    switch (kind) {
+        case XmlFault::EndsInside:
+            return "The document ends at offset " + std::to_string(fault.offset) + ", inside " +
+                   (fault.path.empty() ? "its first tag" : fault.path) + '.';
+        case XmlFault::WrongEndTag:
+            return place + ": found </" + fault.found + "> instead of " + fault.expected + '.';
+        case XmlFault::TooFew:
+        case XmlFault::TooMany:
+            return place + ": the list has " + fault.found + ", but its Size is " + fault.expected + '.';
+        case XmlFault::LongText:
+            return place + ": only the first character of " + Quoted(fault.found) + " was read.";
+        default:
+            break;
+    }
+    const std::string found = fault.found.empty() ? "the element is empty" : Quoted(fault.found) + " isn't";
+    return place + ": " + found + (fault.found.empty() ? " instead of " : " ") + fault.expected + '.';
+}
+
+}  // namespace
+
+std::string XmlFaults::Text() const {
+    std::string text;
+    for (std::size_t kind = 0; kind < m_faults.size(); ++kind) {
+        const CFault& fault = m_faults[kind];
+        if (fault.count == 0) continue;
+        if (!text.empty()) text += ' ';
+        text += SentenceOf(static_cast<XmlFault>(kind), fault);
+        const auto further = fault.count - 1;
+        if (further > 0 && static_cast<XmlFault>(kind) != XmlFault::EndsInside)
+            text += " There " + std::string(further == 1 ? "is 1" : "are " + std::to_string(further)) +
+                    " more of this kind.";
+    }
+    return text;
+}
+
+}  // namespace gd_xml_stream
