@@ -12,7 +12,7 @@ constexpr std::int64_t kStepsPerRecordedStep = 16;  // 0.005 mV in steps of kMil
 
 // The wells play the last minute over and over: the heart is calm then, and recordings of a minute differ only by what
 // the compound does.
-constexpr std::size_t kLoop = 60 * 360;
+constexpr std::size_t kLoop = std::size_t{60} * 360;
 
 // What the compound does, at doses in picomolar: at 1 uM it halves the signal. It prolongs the end of each beat by up
 // to 45 %, and by half of that at 100 nM.

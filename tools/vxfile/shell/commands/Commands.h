@@ -14,6 +14,7 @@ namespace vxfile {
 [[nodiscard]] std::unique_ptr<CCommand> MakeInfoCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakePlanCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeRecoverCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeReportCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeSamplesCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeSealCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeVerifyCommand();

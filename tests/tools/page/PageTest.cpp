@@ -1,0 +1,330 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <sstream>
+
+#include "tests/tools/ToolRun.h"
+#include "tools/vxfile/page/Assets.h"
+#include "tools/vxfile/page/Chart.h"
+#include "tools/vxfile/page/Colours.h"
+#include "tools/vxfile/page/Html.h"
+#include "tools/vxfile/page/Numbers.h"
+#include "tools/vxfile/page/Packed.h"
+#include "tools/vxfile/page/PlatePage.h"
+#include "tools/vxfile/page/PlateValues.h"
+#include "tools/vxfile/page/Trace.h"
+#include "tools/vxfile/system/Failure.h"
+
+namespace vxfile::page {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TEST(Html, EscapesTextsAndAttributesSoThatTheyNeverBecomeMarkup) {
+    EXPECT_EQ(EscapedText("<b> & \"x\""), "&lt;b&gt; &amp; \"x\"");
+    EXPECT_EQ(EscapedAttribute("<b> & \"x\" 'y'"), "&lt;b&gt; &amp; &quot;x&quot; &#39;y&#39;");
+    CHtml html;
+    html.Element("td", {{"title", "\"><script>"}}, "</td><script>");
+    EXPECT_NE(html.Bytes().find("<td title=\"&quot;&gt;&lt;script&gt;\">&lt;/td&gt;&lt;script&gt;</td>"),
+              std::string::npos);
+}
+
+TEST(Html, WritesDataThatCanNeitherEndItsElementNorChange) {
+    CHtml html;
+    html.Data("d", {{"label", "</script><!--\xE2\x80\xA8"}});
+    const std::string& page = html.Bytes();
+    const std::size_t begin = page.find('{');
+    const std::size_t end = page.rfind('}') + 1;
+    EXPECT_EQ(page.substr(begin, end - begin).find('<'), std::string::npos);
+    EXPECT_EQ(CJson::parse(page.substr(begin, end - begin))["label"], "</script><!--\xE2\x80\xA8");
+}
+
+TEST(Assets, HaveTheHashThatAPolicyNames) {
+    // SHA-256 of nothing, in Base64 as other programs print it.
+    const CAsset nothing = {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"};
+    EXPECT_EQ(PolicyNameOf(nothing), "'sha256-47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU='");
+    EXPECT_EQ(kDygraphsScript.text.find("sourceMappingURL"), std::string_view::npos);
+    EXPECT_NE(kDygraphsLicence.text.find("Permission is hereby granted"), std::string_view::npos);
+}
+
+std::string StepsOf(const CTrace& trace) {
+    std::ostringstream text;
+    for (const CTrace::CStep& step : trace.Steps()) {
+        if (step.IsGap()) {
+            text << "- ";
+        } else {
+            text << step.least << ".." << step.greatest << ' ';
+        }
+    }
+    return text.str();
+}
+
+TEST(Trace, KeepsEachPeakWhileStepsBecomeLonger) {
+    CTrace trace(4, 0, {});
+    trace.Add(100, 10, std::array<std::uint16_t, 3>{5, 9, 1});
+    EXPECT_EQ(StepsOf(trace), "5..5 9..9 1..1 ");
+    trace.Add(130, 10, std::array<std::uint16_t, 5>{2, 3, 4, 7, 6});
+    EXPECT_EQ(StepsOf(trace), "5..9 1..2 3..4 6..7 ");
+    EXPECT_EQ(trace.Begin(), 100);
+    EXPECT_EQ(trace.StepTime(), 20);
+}
+
+TEST(Trace, HasGapsWhereThereAreNoSamplesAndIgnoresWhatComesTooEarly) {
+    CTrace trace(8, 0, {});
+    trace.Add(0, 10, std::array<std::uint16_t, 1>{5});
+    trace.Add(30, 10, std::array<std::uint16_t, 1>{6});
+    trace.Add(-10, 10, std::array<std::uint16_t, 1>{99});
+    trace.Add(40, 0, std::array<std::uint16_t, 1>{99});
+    EXPECT_EQ(StepsOf(trace), "5..5 - - 6..6 ");
+}
+
+TEST(Trace, StaysSmallWhateverTheTimesAre) {
+    constexpr std::int64_t kFirst = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+    CTrace trace(8, kLast, {});
+    trace.Add(kFirst, 1, std::array<std::uint16_t, 2>{1, 2});
+    trace.Add(kLast - 1, kLast, std::array<std::uint16_t, 3>{3, 4, 5});
+    EXPECT_LE(trace.Steps().size(), 8U);
+    EXPECT_EQ(trace.Steps().front().greatest, 2);
+    EXPECT_EQ(trace.Steps().back().greatest, 3);
+}
+
+/// Returns the level of the packed number at a place.
+int LevelAt(const CJson& packed, std::size_t place) {
+    const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    const std::string text = packed["d"];
+    return static_cast<int>(64 * alphabet.find(text[2 * place]) + alphabet.find(text[2 * place + 1]));
+}
+
+TEST(Packed, HoldsACurveFromItsLeastToItsGreatestNumber) {
+    const CJson packed = PackedCurve(std::array{-1.0, kNaN, 3.0, 1.0});
+    EXPECT_EQ(packed["lo"], -1.0);
+    EXPECT_EQ(packed["hi"], 3.0);
+    EXPECT_EQ(packed["d"].get<std::string>().substr(0, 6), "AA--//");
+    EXPECT_NEAR(LevelAt(packed, 3), 2047.5, 0.5);
+    EXPECT_TRUE(PackedCurve(std::array{kNaN, kInfinity}).is_null());
+    EXPECT_EQ(PackedCurve(std::array{7.0, 7.0})["d"], "AAAA");
+}
+
+TEST(Packed, RoundsTheStepsOfATraceAwayFromEachOther) {
+    CTrace trace(8, 0, {0.5, 100});
+    trace.Add(0, 1, std::array<std::uint16_t, 3>{0, 33'333, 65'535});
+    const CJson packed = PackedTrace(trace);
+    EXPECT_EQ(packed["lo"], -50.0);
+    EXPECT_EQ(packed["hi"], 32'717.5);
+    EXPECT_EQ(LevelAt(packed, 2), 2082);  // 33333 * 4095 / 65535 is 2082.8
+    EXPECT_EQ(LevelAt(packed, 3), 2083);
+    EXPECT_TRUE(PackedTrace(CTrace(8, 0, {})).is_null());
+}
+
+double LuminanceOf(unsigned rgb) {
+    const auto linear = [](unsigned channel) {
+        const double part = channel / 255.0;
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(rgb >> 16U) + 0.7152 * linear(rgb >> 8U & 255U) + 0.0722 * linear(rgb & 255U);
+}
+
+TEST(Colours, GrowLighterFromOneToTheNextAndHaveReadableText) {
+    std::istringstream rules(ColourRules());
+    double last = -1.0;
+    std::size_t count = 0;
+    for (std::string rule; std::getline(rules, rule); ++count) {
+        const double back =
+            LuminanceOf(static_cast<unsigned>(std::stoul(rule.substr(rule.find('#') + 1, 6), nullptr, 16)));
+        const double text = rule.find("color:#fff") == std::string::npos ? 0.0 : 1.0;
+        EXPECT_GE((std::max(back, text) + 0.05) / (std::min(back, text) + 0.05), 4.5) << rule;
+        EXPECT_GT(back, last) << rule;
+        last = back;
+    }
+    EXPECT_EQ(count, kColours);
+}
+
+TEST(Colours, CoverTheRange) {
+    EXPECT_EQ(ColourOf(2.0, 2.0, 4.0), "c0");
+    EXPECT_EQ(ColourOf(4.0, 2.0, 4.0), "c63");
+    EXPECT_EQ(ColourOf(9.0, 2.0, 4.0), "c63");
+    EXPECT_EQ(ColourOf(5.0, 5.0, 5.0), "c32");
+    EXPECT_EQ(ColourOf(1e308, -1.7e308, 1.7e308), "c50");  // the range is beyond a double
+}
+
+TEST(Numbers, AreShortOrExact) {
+    EXPECT_EQ(ExactText(0.1), "0.1");
+    EXPECT_EQ(ExactText(kNaN), "nan");
+    EXPECT_EQ(RoundedText(1.2345, 2), "1.23");
+    EXPECT_EQ(RoundedText(-1e300, 2), "-1e+300");
+    EXPECT_EQ(DecimalsFor(1.41), 2);
+    EXPECT_EQ(DecimalsFor(0.0016), 5);
+    EXPECT_EQ(DecimalsFor(247'242), 0);
+    EXPECT_EQ(DecimalsFor(kInfinity), 2);
+}
+
+TEST(Numbers, MarksCoverTheRangeInRoundSteps) {
+    const std::vector<double> marks = MarksBetween(0.96, 1.41);
+    EXPECT_NEAR(marks.front(), 0.9, 1e-9);
+    EXPECT_NEAR(marks[1], 1.0, 1e-9);
+    EXPECT_GE(marks.back(), 1.41);
+    EXPECT_EQ(MarksBetween(3.0, 3.0).size(), 1U);
+    EXPECT_LE(MarksBetween(-1.7e308, 1.7e308).size(), 16U);
+}
+
+TEST(Chart, PutsDosesAtTheirLogarithmAndTheControlApart) {
+    std::vector<CRecordingLine> recordings(4);
+    recordings[1].dose = 1'000;
+    recordings[2].dose = 10'000;
+    recordings[3].dose = 100'000;
+    const CDoseAxis axis(recordings);
+    EXPECT_TRUE(axis.HasControl());
+    EXPECT_LT(axis.PlaceOf(0), axis.Begin());
+    EXPECT_GT(axis.PlaceOf(1'000), axis.Begin());
+    EXPECT_NEAR(axis.PlaceOf(10'000) - axis.PlaceOf(1'000), axis.PlaceOf(100'000) - axis.PlaceOf(10'000), 1e-9);
+    EXPECT_LT(axis.PlaceOf(100'000), CChartArea::kRight);
+}
+
+TEST(Chart, PutsValuesBetweenTopAndBottom) {
+    for (const auto& [least, greatest] : {std::pair{0.9, 1.4}, {5.0, 5.0}, {0.0, 0.0}, {-1e308, 1e308}}) {
+        const CValueAxis axis(least, greatest);
+        EXPECT_LE(axis.PlaceOf(least), CChartArea::kBottom + 1e-6) << least;
+        EXPECT_GE(axis.PlaceOf(greatest), CChartArea::kTop - 1e-6) << greatest;
+    }
+}
+
+/// Results of two doses, a control and 10 nM, in the wells with these labels. The values count up from 1.
+class PlateValues : public testing::Test {
+ protected:
+    void Make(const std::vector<std::string>& labels, const std::vector<std::uint64_t>& doses = {0, 10'000}) {
+        std::vector<std::int32_t> ids;
+        for (std::size_t i = 0; i < labels.size(); ++i)
+            ids.push_back(static_cast<std::int32_t>(i) + 1);
+        results.Init(1, enTask::Series, "Series", doses, ids, labels);
+        double value = 0.0;
+        for (CResultsRecording& recording : results.Tasks.at(enTask::Series).Recordings) {
+            for (auto& [id, well] : recording.Wells)
+                well.SetResults(enResponseType::QTInterval, enValueType::Plain, ++value);
+        }
+    }
+
+    CPlateValues Values() const { return MakePlateValues({.header = &header, .results = &results}); }
+
+    CResults results;
+    CXmlFileHeader header;
+};
+
+TEST_F(PlateValues, ArrangesWellsByTheirLabelsWithoutSettings) {
+    Make({"B3", "A1", "B3", "spare", "A99"});
+    const CPlateValues values = Values();
+    EXPECT_EQ(values.rowLabels, (std::vector<std::string>{"A", "B"}));
+    EXPECT_EQ(values.columnLabels, (std::vector<std::string>{"1", "2", "3"}));
+    EXPECT_EQ(values.WellAt(0, 0), 0U);
+    EXPECT_EQ(values.WellAt(1, 2), 1U);
+    EXPECT_EQ(values.wells[1].id, 1);  // the second well with this label has no place
+    EXPECT_EQ(values.WellAt(0, 1), std::nullopt);
+    EXPECT_EQ(values.wells.size(), 5U);
+    EXPECT_FALSE(values.wells[2].row.has_value());
+}
+
+TEST_F(PlateValues, ComputesMeansOfWhatWasMeasuredAndTakesTheOthersFromTheFile) {
+    Make({"A1", "A2", "A3"});
+    CResultsRecording& control = results.Tasks.at(enTask::Series).Recordings.front();
+    control.Wells.at(2).SetResults(enResponseType::QTInterval, enValueType::Plain, kNaN);
+    control.Wells.at(1).SetResults(enResponseType::QTInterval, enValueType::Normalized, 5.0);
+    results.SetCompoundResults(enTask::Series, 1, enResponseType::QTInterval, 2.5, 0.5, 7);
+    const CPlateValues values = Values();
+    ASSERT_EQ(values.measures.size(), 2U);
+    const CMeasure& normalised = values.measures[0];
+    EXPECT_FALSE(normalised.means[0].has_value());
+    EXPECT_EQ(normalised.means[1]->mean, 2.5);
+    EXPECT_EQ(normalised.means[1]->wells, 7U);
+    const CMeasure& measured = values.measures[1];
+    EXPECT_EQ(measured.unit, "ticks");
+    EXPECT_EQ(measured.means[0]->mean, 2.0);  // of 1 and 3, without the one that is no number
+    EXPECT_DOUBLE_EQ(measured.means[0]->deviation, std::sqrt(2.0));
+    EXPECT_EQ(measured.means[0]->wells, 2U);
+    EXPECT_EQ(measured.least, 1.0);
+    EXPECT_EQ(measured.greatest, 6.0);
+}
+
+TEST_F(PlateValues, NamesAnyDoseAndTheTaskOnlyIfThereAreSeveral) {
+    Make({"A1"}, {0, 10'000, std::numeric_limits<std::uint64_t>::max()});
+    const CPlateValues values = Values();
+    EXPECT_EQ(values.recordings[0].name, "Control");
+    EXPECT_EQ(values.recordings[1].name, "10 nM");
+    EXPECT_EQ(values.recordings[2].name, "18446744073709551615 pM");
+    results.Init(1, enTask::PreQC, "PreQC", {0}, {1}, {"A1"});
+    EXPECT_EQ(Values().recordings[0].name, "Series, Control");
+}
+
+TEST_F(PlateValues, RefusesMoreThanAPageCanShow) {
+    std::vector<std::string> labels(500, "A1");
+    Make(labels, std::vector<std::uint64_t>(100, 0));
+    EXPECT_THROW(Values(), CFailure);
+}
+
+TEST_F(PlateValues, MakeAPageWithoutAnyWell) {
+    const std::string page = PlatePage(Values());
+    EXPECT_NE(page.find("The results have no responses."), std::string::npos);
+    EXPECT_EQ(page, PlatePage(Values()));
+}
+
+class ReportCommand : public testing::Test {
+ protected:
+    static std::string Reference(const std::string& name) { return VXFILEIO_REFERENCE_DIR "/xml/" + name; }
+
+    std::string PageText() const {
+        std::ifstream file(page, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    void SetUp() override { fs::remove(page); }
+    void TearDown() override { fs::remove(page); }
+
+    /// Tests run at the same time, so each has files of its own.
+    static std::string Own(const std::string& extension) {
+        const char* const test = testing::UnitTest::GetInstance()->current_test_info()->name();
+        return (fs::temp_directory_path() / ("vxfile_report_" + std::string(test) + extension)).string();
+    }
+
+    std::string page = Own(".html");
+};
+
+TEST_F(ReportCommand, WritesThePageAndNamesNoFolder) {
+    const CToolRun run =
+        RunTool({"report", Reference("results.vxr"), "--settings", Reference("settings.vxs"), "-o", page});
+    EXPECT_NE(run.status, 2) << run.err;
+    EXPECT_NE(PageText().find("results.vxr"), std::string::npos);
+    EXPECT_EQ(PageText().find(VXFILEIO_REFERENCE_DIR), std::string::npos);
+}
+
+TEST_F(ReportCommand, ReplacesAPageOnlyIfToldTo) {
+    std::ofstream(page) << "old";
+    EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "-o", page}).status, 2);
+    EXPECT_EQ(PageText(), "old");
+    EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "-o", page, "--force"}).status, 0);
+    EXPECT_NE(PageText(), "old");
+}
+
+TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
+    const std::string cut = Own(".vxr");
+    fs::copy_file(Reference("results.vxr"), cut, fs::copy_options::overwrite_existing);
+    fs::resize_file(cut, fs::file_size(cut) / 2);
+    EXPECT_EQ(RunTool({"report", cut, "-o", page}).status, 1);
+    EXPECT_NE(PageText().find("class=\"unsound\""), std::string::npos);
+    fs::remove(cut);
+}
+
+TEST_F(ReportCommand, RefusesFilesOfAnotherKind) {
+    const CToolRun run = RunTool({"report", Reference("settings.vxs"), "-o", page});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("is a settings file; expected a results file here"), std::string::npos) << run.err;
+    EXPECT_FALSE(fs::exists(page));
+}
+
+}  // namespace
+}  // namespace vxfile::page

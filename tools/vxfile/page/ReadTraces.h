@@ -1,0 +1,12 @@
+#pragma once
+
+#include "tools/vxfile/page/PlateValues.h"
+
+namespace vxfile::page {
+
+/// Reads the recordings of an open file that the results are about, and reduces their samples to traces. The n-th
+/// recording of a task in the results is that of the n-th smallest number in the file. What is missing or can't be
+/// read becomes a note.
+void ReadTraces(CPlateValues& values, CIRawDataReader& reader);
+
+}  // namespace vxfile::page
