@@ -268,6 +268,9 @@ def check_other_plates(browser):
     check_common(browser, page)
     assert count(browser, "#map-0-0 tr") == 7 and count(browser, "#map-0-0 [data-w]") == 54
     assert count(browser, "#map-0-0 .out") == 7
+    means = list(table_of(browser, "#curve-0 .means").values())
+    assert [round(float(row[0]), 4) for row in means] == [1.2643, 1.3643, 1.4643], "computed, as the file has none"
+    assert [row[2] for row in means] == ["47", "47", "47"]
 
     values = {0: "nan", 1: "inf", 2: "-inf"}
     page = made_up("strange", plates.results(["A1", "A2", "A3", "A4"], [0, 2**64 - 1], lambda w, d: values.get(w, 1.5)))

@@ -113,7 +113,7 @@ class CDoseChart {
             if (std::abs(place - last) < kRoom) continue;
             last = place;
             const auto& mean = m_measure.means[line];
-            WriteLabel(place, CChartArea::kBottom + 20, "middle", m_values.recordings[line].doseText);
+            WriteLabel(place, CChartArea::kBottom + 20, "middle small", m_values.recordings[line].doseText);
             WriteLabel(place, CChartArea::kBottom + 36, "middle small",
                        mean ? "n=" + std::to_string(mean->wells) : "–");
         }
@@ -185,8 +185,8 @@ std::vector<std::vector<std::size_t>> LinesByTask(const CPlateValues& values) {
 void WriteMeanTable(CHtml& html, const CPlateValues& values, const CMeasure& measure) {
     html.Element("table", {{"class", "numbers means"}}, [&] {
         html.Element("caption", {},
-                     measure.Name() +
-                         (measure.isNormalized ? ": means stored in the results" : ": means of the wells that count"));
+                     measure.Name() + (measure.hasStoredMeans ? ": means stored in the results"
+                                                              : ": means of the wells that count"));
         html.Element("tr", {}, [&] {
             for (const char* head : {"Dose", "Mean", "SD", "Wells"})
                 html.Element("th", {{"scope", "col"}}, head);

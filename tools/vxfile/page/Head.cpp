@@ -34,11 +34,16 @@ void WriteGroup(CHtml& html, std::string_view legend, const std::function<void()
     });
 }
 
+/// Returns what a row of means is about.
+std::string RowText(const CMeasure& measure) {
+    return measure.response + (measure.isNormalized && !measure.hasStoredMeans ? " (computed)" : "");
+}
+
 /// Writes a row for each response, a column for each dose.
 void WriteMeans(CHtml& html, const CPlateValues& values, bool isNormalized) {
     html.Element("table", {{"class", "numbers overview"}}, [&] {
         html.Element("caption", {},
-                     isNormalized ? "Mean of the wells ± standard deviation, normalised, as stored in the results"
+                     isNormalized ? "Mean of the wells ± standard deviation, normalised"
                                   : "Mean of the wells ± standard deviation, as measured");
         html.Element("tr", {}, [&] {
             html.Element("td", {}, "");
@@ -48,7 +53,7 @@ void WriteMeans(CHtml& html, const CPlateValues& values, bool isNormalized) {
         for (const CMeasure& measure : values.measures) {
             if (measure.isNormalized != isNormalized) continue;
             html.Element("tr", {}, [&] {
-                html.Element("th", {{"scope", "row"}}, measure.response);
+                html.Element("th", {{"scope", "row"}}, RowText(measure));
                 for (const auto& mean : measure.means)
                     WriteMean(html, mean, DecimalsFor(measure.greatest));
             });

@@ -123,16 +123,23 @@ class CMeasures {
         measure.response = ResponseTypeToString(type);
         measure.unit = UnitOf(type, kind);
         measure.isNormalized = kind == enValueType::Normalized;
-        for (std::size_t i = 0; i < m_recordings.size(); ++i) {
+        for (std::size_t i = 0; i < m_recordings.size(); ++i)
             measure.values.push_back(ValuesOf(i, type, kind));
-            measure.means.push_back(measure.isNormalized ? StoredMeanOf(*m_recordings[i].recording, type)
-                                                         : MeanOf(measure.values.back()));
-        }
+        SetMeans(measure, type);
         SetRange(measure);
         return measure;
     }
 
  private:
+    /// Normalised values have means in the file, or else the values that count have one.
+    void SetMeans(CMeasure& measure, enResponseType type) const {
+        const auto isStored = [&](const CSourceRecording& source) { return source.recording->ResultsExist(type); };
+        measure.hasStoredMeans = measure.isNormalized && std::ranges::any_of(m_recordings, isStored);
+        for (std::size_t i = 0; i < m_recordings.size(); ++i)
+            measure.means.push_back(measure.hasStoredMeans ? StoredMeanOf(*m_recordings[i].recording, type)
+                                                           : MeanOf(measure.values[i]));
+    }
+
     std::vector<CWellValue> ValuesOf(std::size_t recording, enResponseType type, enValueType kind) const {
         std::vector<CWellValue> values;
         for (std::size_t i = 0; i < m_values.wells.size(); ++i) {

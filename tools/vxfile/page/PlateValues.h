@@ -78,7 +78,8 @@ struct CMeasure {
     std::string unit;      ///< Such as "ticks"; empty if the files name none.
     bool isNormalized = false;
     std::vector<std::vector<CWellValue>> values;  ///< By recording, then by well.
-    std::vector<std::optional<CMean>> means;      ///< By recording. Those of normalised values come from the file.
+    std::vector<std::optional<CMean>> means;      ///< By recording.
+    bool hasStoredMeans = false;                  ///< The means are those of the file, not computed from the values.
     double least = 0.0;                           ///< The range of the values that count.
     double greatest = 0.0;
 

@@ -218,7 +218,7 @@ document.addEventListener("DOMContentLoaded", () => {
     table.append(make("caption", `Values of ${data.wells[state.well].label}`));
     const head = table.insertRow();
     for (const text of ["Dose", ...data.measures.map(m => m.response + (m.normalized ? ", normalised" :
-      m.unit ? ` (${m.unit})` : "")), "Beats", "Beats averaged"])
+      m.unit ? ` (${m.unit})` : "")), "Beats", "Averaged"])
       head.append(make("th", text, { scope: "col" }));
     data.recordings.forEach((recording, i) => {
       const row = table.insertRow();
