@@ -147,7 +147,7 @@ def is_noticed(folder, fault):
 
 
 def main():
-    if len(sys.argv) not in (2, 3):
+    if len(sys.argv) not in (2, 3) or sys.argv[1].startswith("-"):
         sys.exit(__doc__)
     folder = pathlib.Path(sys.argv[1]).resolve()
     if os.path.isdir("/dev/shm"):
