@@ -55,3 +55,32 @@ bool AreSamples(const Sample* samples, const CShape& shape, long round, int well
         if (static_cast<std::uint16_t>(samples[i]) != static_cast<std::uint16_t>(i * 37)) return false;
     return true;
 }
+
+/// The samples of some wells, one well after the other, in memory that has been used before.
+struct CArrays {
+    std::size_t segmentBytes;
+    std::size_t perSegment;
+    std::size_t perWell;
+    std::vector<std::uint16_t> samples;
+
+    CArrays(const CShape& shape, int wells)
+        : segmentBytes(2 * static_cast<std::size_t>(shape.samples)),
+          perSegment(static_cast<std::size_t>(shape.samples)),
+          perWell(static_cast<std::size_t>(shape.rounds) * perSegment),
+          samples(static_cast<std::size_t>(wells) * perWell) {}
+
+    std::uint16_t* Well(int place) { return samples.data() + static_cast<std::size_t>(place) * perWell; }
+    std::uint16_t* Segment(long round, int place) { return Well(place) + static_cast<std::size_t>(round) * perSegment; }
+
+    /// Returns whether this place has the samples of a well.
+    bool IsWell(const CShape& shape, int place, int well) {
+        for (long round = 0; round < shape.rounds; ++round)
+            if (!AreSamples(Segment(round, place), shape, round, well)) return false;
+        return true;
+    }
+    bool AreWhole(const CShape& shape) {
+        for (int well = 0; well < kWells; ++well)
+            if (!IsWell(shape, well, well)) return false;
+        return true;
+    }
+};

@@ -1,8 +1,11 @@
 // Writes and reads raw recordings with the library. usage:
 //   raw_vx write|read|one|every FILE ROUNDS SAMPLES    all wells round robin, one well, each well in turn
+//   raw_vx bulk|bulk-read|bulk-every FILE ROUNDS SAMPLES    into one array per well, all at once or each in turn
 //   raw_vx headers|open FILE RECORDINGS                recordings without samples, written and opened
 #include <vxfileio/frame/VXFileIO.h>
 
+#include <optional>
+#include <span>
 #include <string>
 
 #include "Measure.h"
@@ -90,6 +93,37 @@ bool Read(CIRawDataReader& reader, const std::string& mode, const char* path, co
     return good;
 }
 
+/// Reads some wells, in the order of their numbers, into the first arrays.
+bool ReadArrays(const CRecordingIndex& index, const CShape& shape, const std::vector<std::int32_t>& wells,
+                CArrays& arrays) {
+    const CSampleSelection selection = index.Select({.WellIDs = wells});
+    std::vector<std::span<std::uint16_t>> buffers;
+    for (const CWellSamples& well : selection.GetWells()) {
+        if (well.Runs.size() != 1 || well.Samples != arrays.perWell || well.Runs[0].TimeFrom != 0) return false;
+        buffers.emplace_back(arrays.Well(static_cast<int>(buffers.size())), arrays.perWell);
+    }
+    selection.Read(buffers);
+    return wells.empty() ? buffers.size() == kWells && arrays.AreWhole(shape)
+                         : arrays.IsWell(shape, 0, wells[0] - kFirstWell);
+}
+
+/// Reads the index, then all wells at once, or each well in turn. `bulk-read` doesn't measure reading the index.
+bool ReadBulk(const std::string& mode, const char* path, const CShape& shape) {
+    const bool isEvery = mode == "bulk-every";
+    CArrays arrays(shape, isEvery ? 1 : kWells);
+    const CRawDataFile file(path);
+    std::optional<CRecordingIndex> index;
+    if (mode == "bulk-read") index = file.ReadIndex(0);
+    bool good = true;
+    Measure([&] {
+        if (!index) index = file.ReadIndex(0);
+        if (!isEvery) good = ReadArrays(*index, shape, {}, arrays);
+        for (int well = 0; isEvery && good && well < kWells; ++well)
+            good = ReadArrays(*index, shape, {kFirstWell + well}, arrays);
+    });
+    return good;
+}
+
 void WriteHeaders(CIRawDataWriter& writer, const char* path, int recordings) {
     BeginFile(writer, path);
     Measure([&] {
@@ -127,6 +161,8 @@ int main(int argc, char** argv) {
         good = Open(*io.GetRawDataReader(), argv[2], std::atoi(argv[3]));
     } else if (mode == "write") {
         Write(*io.GetRawDateWriter(), argv[2], CShape(argv));
+    } else if (mode.starts_with("bulk")) {
+        good = ReadBulk(mode, argv[2], CShape(argv));
     } else {
         good = Read(*io.GetRawDataReader(), mode, argv[2], CShape(argv));
     }

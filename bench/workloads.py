@@ -50,6 +50,11 @@ def raw_readers(mode):
     ]
 
 
+def raw_arrays(mode):
+    programs = [Program(LIMIT, "raw_bulk_limit", mode, "raw_vx"), Program(OURS, "raw_vx", mode, "raw_vx")]
+    return programs + ([Program("HDF5", "raw_hdf5", mode, "raw_hdf5")] if mode != "bulk-read" else [])
+
+
 def raw(title, programs, samples, rounds, counted=24, delivered=54):
     """Rounds of 54 segments, of which `delivered` are read or written; calls are counted in 1 of `counted` rounds."""
     return Workload(title, "segment", lambda n: [n, samples], lambda n: delivered * n, programs, rounds, rounds // 8,
@@ -76,6 +81,16 @@ WORKLOADS = {
     "one-1000": raw("One well of 54, first pass, segments of 1,000 samples", raw_readers("one"), 1000, 1080, 24, 1),
     "every-20000": raw("Every well in turn, segments of 20,000 samples", raw_readers("every"), 20000, 246, 96),
     "every-1000": raw("Every well in turn, segments of 1,000 samples", raw_readers("every"), 1000, 1080, 96),
+    "bulk-20000": raw("All wells into arrays, segments of 20,000 samples", raw_arrays("bulk"), 20000, 246),
+    "bulk-1000": raw("All wells into arrays, segments of 1,000 samples", raw_arrays("bulk"), 1000, 1080),
+    "bulk-read-20000": raw("All wells into arrays, with the index at hand, segments of 20,000 samples",
+                           raw_arrays("bulk-read"), 20000, 246),
+    "bulk-read-1000": raw("All wells into arrays, with the index at hand, segments of 1,000 samples",
+                          raw_arrays("bulk-read"), 1000, 1080),
+    "bulk-every-20000": raw("Every well in turn into an array, segments of 20,000 samples", raw_arrays("bulk-every"),
+                            20000, 246, 96),
+    "bulk-every-1000": raw("Every well in turn into an array, segments of 1,000 samples", raw_arrays("bulk-every"),
+                           1000, 1080, 96),
     "open": Workload("A file of recordings opened", "recording", lambda n: [n], lambda n: n, [
         Program(LIMIT, "raw_open_limit", "open", "raw_vx"),
         Program(OURS, "raw_vx", "open", "raw_vx"),

@@ -106,7 +106,7 @@ void CopyReferences(const fs::path& folder, const fs::path& references) {
         if (kind != ".vxd" && kind != ".vxs" && kind != ".vxr" && kind != ".xls") continue;
         const std::string bytes = ReadAll(entry.path());
         WriteSeed(folder / "vxfile" / name, bytes);
-        for (const char* target : {"raw", "vxfile_recover"})
+        for (const char* target : {"access", "raw", "vxfile_recover"})
             if (kind == ".vxd") WriteSeed(folder / target / name, bytes);
         if (kind == ".vxs") WriteSeed(folder / "settings" / name, bytes);
         if (kind == ".vxr") WriteSeed(folder / "results" / name, bytes);

@@ -1,6 +1,7 @@
 // Writes and reads raw recordings in an HDF5 file with a chunked dataset per well and one segment per chunk, through
 // the calls that don't convert samples. usage:
 //   raw_hdf5 write|write-later|read|one|every FILE ROUNDS SAMPLES    with write-later HDF5 decides when to write
+//   raw_hdf5 bulk|bulk-every FILE ROUNDS SAMPLES                     into one array per well, all or each in turn
 //   raw_hdf5 headers|open FILE RECORDINGS                            recordings as groups with attributes
 #include <hdf5.h>
 
@@ -72,11 +73,36 @@ bool ReadRounds(const std::vector<hid_t>& wells, const CShape& shape, int first,
     return true;
 }
 
-bool Read(const char* path, const CShape& shape, const std::string& mode) {
+std::vector<hid_t> OpenWells(const char* path) {
     const hid_t file = H5Fopen(path, H5F_ACC_RDONLY, H5P_DEFAULT);
     std::vector<hid_t> wells;
     for (int well = 0; well < kWells; ++well)
         wells.push_back(H5Dopen2(file, NameOf(well).c_str(), H5P_DEFAULT));
+    return wells;
+}
+
+/// Reads all samples of each well into an array of its own, all wells or each in turn.
+bool ReadBulk(const char* path, const CShape& shape, bool isEvery) {
+    CArrays arrays(shape, isEvery ? 1 : kWells);
+    const std::vector<hid_t> wells = OpenWells(path);
+    bool good = true;
+    Measure([&] {
+        for (int well = 0; good && well < kWells; ++well) {
+            const int place = isEvery ? 0 : well;
+            for (long round = 0; good && round < shape.rounds; ++round) {
+                const auto from = static_cast<hsize_t>(round * shape.samples);
+                std::uint32_t filters = 0;
+                good = H5Dread_chunk(wells[static_cast<std::size_t>(well)], H5P_DEFAULT, &from, &filters,
+                                     arrays.Segment(round, place)) >= 0;
+            }
+            good = good && arrays.IsWell(shape, place, well);
+        }
+    });
+    return good;
+}
+
+bool Read(const char* path, const CShape& shape, const std::string& mode) {
+    const std::vector<hid_t> wells = OpenWells(path);
     bool good = true;
     Measure([&] {
         if (mode == "read") good = ReadRounds(wells, shape, 0, kWells);
@@ -175,6 +201,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     const CShape shape(argv);
+    if (mode.starts_with("bulk")) return ReadBulk(argv[2], shape, mode == "bulk-every") ? 0 : 1;
     return (mode.starts_with("write") ? Write(argv[2], shape, mode == "write-later") : Read(argv[2], shape, mode)) ? 0
                                                                                                                    : 1;
 }

@@ -86,7 +86,7 @@ class CReaderTwin {
         const CIndexOptions options{.Unfinished = true, .UpToDamage = true};
         const std::string refusal = FailureOf([&] { static_cast<void>(m_file->ReadIndex(recording)); });
         const CRecordingIndex index = m_file->ReadIndex(recording, options);
-        if (!isFinished) return refusal.empty() ? "an unfinished recording isn't refused" : "";
+        if (!isFinished) return refusal.empty() ? "an unfinished recording isn't refused" : DifferenceInWhole(index);
         if (refusal != index.GetDamage()) return "refused with: " + refusal;
         m_expected.clear();
         m_isRefused = false;
@@ -96,6 +96,26 @@ class CReaderTwin {
         const std::string failure = FailureOf([&] { index.Select(); });
         if (failure.empty() == m_isRefused) return "a size that the reader refuses: " + failure;
         return m_isRefused ? std::string() : DifferenceInSamples(index);
+    }
+
+    /// The segments of an unfinished recording are in the file, one after the other.
+    static std::string DifferenceInWhole(const CRecordingIndex& index) {
+        std::uint64_t samples = 0;
+        std::int64_t end = 0;
+        for (std::size_t number = 0; number < index.GetSegmentCount(); ++number) {
+            const CSegmentInfo segment = index.GetSegment(number);
+            if (segment.Offset < end) return "a segment within another";
+            end = segment.Offset + 2 * std::int64_t{segment.Samples};
+            samples += segment.Samples;
+        }
+        const CSampleSelection selection = index.Select();
+        for (const CWellSamples& well : selection.GetWells())
+            if (well.Missing > 0) return "missing samples";
+        if (selection.GetSamples() != samples || index.GetCertainSamples() > samples) return "the number of samples";
+        std::size_t read = 0;
+        for (const auto& well : TimedSamplesOf(selection))
+            read += well.second.size();
+        return read == samples ? "" : "samples that can't be placed";
     }
 
     std::string DifferenceInSegments(const CRecordingIndex& index) {

@@ -19,9 +19,10 @@ TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has n
 # The programs that look at a room, those most likely to notice first.
 PROGRAMS = {
     "base": ["base_test", "settings_test", "rawdata_test"],
+    "access": ["access_test"],
     "frame": ["rawdata_test", "settings_test", "results_test"],
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
-    "rawdata": ["rawdata_test", "layout_test", "reference_test", "faults_test", "vxfile_test"],
+    "rawdata": ["rawdata_test", "access_test", "layout_test", "reference_test", "faults_test", "vxfile_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
     "settings": ["settings_test", "reference_test", "results_test", "forms"],
     "results": ["results_test", "reference_test", "forms"],

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <new>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -136,23 +137,136 @@ TEST(ThreadsTest, ReaderBesideAWritingThreadSeesWhatWasFinished) {
 }
 
 #if defined(__unix__)
-TEST(ThreadsTest, ReaderBesideAWritingProcessSeesWhatWasFinished) {
-    const CTempFolder folder;
+/// Runs `write` in a process of its own and `read` in this one.
+template <class Write, class Read>
+void InAnotherProcess(Write write, Read read) {
     void* const shared = mmap(nullptr, sizeof(CProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(shared, MAP_FAILED);
     CProgress& progress = *new (shared) CProgress;
     const pid_t writer = fork();
     ASSERT_GE(writer, 0);
     if (writer == 0) {
-        WriteBesideReader(folder, progress);
+        write(progress);
         _exit(0);
     }
-    ReadBesideWriter(folder, progress);
+    read(progress);
     progress.opens = kOpens;
     int status = -1;
     EXPECT_EQ(waitpid(writer, &status, 0), writer);
     EXPECT_EQ(status, 0);
     munmap(shared, sizeof(CProgress));
+}
+
+TEST(ThreadsTest, ReaderBesideAWritingProcessSeesWhatWasFinished) {
+    const CTempFolder folder;
+    InAnotherProcess([&](CProgress& progress) { WriteBesideReader(folder, progress); },
+                     [&](CProgress& progress) { ReadBesideWriter(folder, progress); });
+}
+#endif
+
+// ---- Bulk access ----------------------------------------------------------------------------------------------------
+
+/// Returns all samples of a selection, well after well.
+std::vector<std::uint16_t> SamplesOf(const CSampleSelection& selection) {
+    std::vector<std::uint16_t> samples(selection.GetSamples());
+    std::vector<std::span<std::uint16_t>> buffers;
+    std::size_t begin = 0;
+    for (const CWellSamples& well : selection.GetWells()) {
+        buffers.push_back(std::span(samples).subspan(begin, well.Samples));
+        begin += well.Samples;
+    }
+    selection.Read(buffers);
+    return samples;
+}
+
+TEST(ThreadsTest, OneFileIndexAndSelectionServeManyThreads) {
+    const CTempFolder folder;
+    constexpr std::int32_t kRecordings = 7;
+    CIRawDataWriter writer;
+    writer.Open(folder.Path("run.vxd"));
+    writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+    for (std::int32_t recording = 0; recording < kRecordings; ++recording)
+        WriteRecording(writer, recording + 20);
+    writer.Close();
+    const CRawDataFile file(folder.Path("run.vxd"));
+    const CRecordingIndex index = file.ReadIndex(6);
+    const CSampleSelection selection = index.Select();
+    std::vector<std::vector<std::uint16_t>> alone;
+    for (std::size_t i = 0; i < kRecordings; ++i)
+        alone.push_back(SamplesOf(file.ReadIndex(i).Select()));
+    std::atomic<int> different = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t thread = 0; thread < 8; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (std::size_t round = 0; round < 50; ++round) {
+                const std::size_t other = (thread + round) % kRecordings;
+                different += SamplesOf(selection) != alone[6] ? 1 : 0;
+                different += SamplesOf(index.Select({.WellIDs = {10, 11, 12, 13}})) != alone[6] ? 1 : 0;
+                different += SamplesOf(file.ReadIndex(other).Select()) != alone[other] ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(different, 0);
+}
+
+constexpr std::int64_t kSegments = 3000;
+
+/// Writes a recording without finishing it, at most a few segments ahead of the reader.
+void WriteUnfinished(const std::string& path, CProgress& progress) {
+    CIRawDataWriter writer;
+    writer.Open(path);
+    writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
+    WriteRecording(writer, 0);
+    for (std::int32_t i = 1; i < kSegments && progress.opens < kOpens; ++i) {
+        std::vector<std::uint16_t> samples;
+        for (std::int64_t time = 0; time <= i * 7 % 900; ++time)
+            samples.push_back(SampleAt(10 + i % 4, kTick * time));
+        writer.WriteData(10 + i % 4, 0, kTick * (i * 7 % 900), kTick, samples.data());
+        progress.finished = i + 1;
+    }
+    while (progress.opens < kOpens)
+        std::this_thread::yield();
+}
+
+/// Reads the recording again and again while it grows.
+void ReadUnfinished(const std::string& path, CProgress& progress) {
+    while (progress.finished == 0)
+        std::this_thread::yield();
+    const CRawDataFile file(path);
+    for (std::int64_t finished = 0; finished < kSegments && !testing::Test::HasFailure();) {
+        finished = progress.finished;
+        const CRecordingIndex index = file.ReadIndex(0, {.Unfinished = true});
+        ASSERT_GE(index.GetSegmentCount(), static_cast<std::size_t>(finished));
+        for (std::int64_t i = 1; i < static_cast<std::int64_t>(index.GetSegmentCount()); ++i) {
+            const CSegmentInfo segment = index.GetSegment(static_cast<std::size_t>(i));
+            ASSERT_EQ(segment.WellID, 10 + i % 4);
+            ASSERT_EQ(segment.Samples, i * 7 % 900 + 1);
+        }
+        const CSampleSelection selection = index.Select({.WellIDs = {11}});
+        const std::vector<std::uint16_t> samples = SamplesOf(selection);
+        for (const CSampleRun& run : selection.GetWells()[0].Runs) {
+            for (std::uint64_t i = 0; i < run.Samples; ++i)
+                ASSERT_EQ(samples[run.Offset + i], SampleAt(11, run.TimeFrom + static_cast<std::int64_t>(i) * kTick));
+        }
+    }
+}
+
+TEST(ThreadsTest, UnfinishedRecordingIsReadBesideAWritingThread) {
+    const CTempFolder folder;
+    CProgress progress;
+    std::thread writer([&] { WriteUnfinished(folder.Path("run.vxd"), progress); });
+    ReadUnfinished(folder.Path("run.vxd"), progress);
+    progress.opens = kOpens;
+    writer.join();
+}
+
+#if defined(__unix__)
+TEST(ThreadsTest, UnfinishedRecordingIsReadBesideAWritingProcess) {
+    const CTempFolder folder;
+    InAnotherProcess([&](CProgress& progress) { WriteUnfinished(folder.Path("run.vxd"), progress); },
+                     [&](CProgress& progress) { ReadUnfinished(folder.Path("run.vxd"), progress); });
 }
 #endif
 

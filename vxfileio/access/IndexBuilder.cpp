@@ -58,9 +58,9 @@ std::shared_ptr<const CIndexData> CIndexBuilder::BuildUnfinished() {
         const bool pointsOn = header.FPosNextSegmentHdr != kUnset;
         doubtful = isPointedTo || pointsOn ? 0 : SamplesOf(header);
         m_index->certain += SamplesOf(header) - doubtful;
-        const std::int64_t next = pointsOn ? header.FPosNextSegmentHdr : EndOf(m_layout, position, header);
-        if (next <= position) break;
-        position = next;
+        const std::int64_t end = EndOf(m_layout, position, header);
+        position = pointsOn ? header.FPosNextSegmentHdr : end;
+        if (position < end) break;  // no writer leaves that
         isPointedTo = pointsOn;
     }
     return std::move(m_index);

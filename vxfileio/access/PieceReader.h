@@ -68,7 +68,6 @@ class CPieceReader {
     /// Reads what was noted.
     void Flush() {
         if (m_pieces.empty()) return;
-        if (!m_block) m_block = std::make_unique_for_overwrite<std::byte[]>(kBlock);
         if constexpr (Place::kIsAsInFile) {
             if (m_areLarge) {
                 ReadStraight();
@@ -100,20 +99,26 @@ class CPieceReader {
         return isLarge || bytes <= static_cast<std::int64_t>(kBlock);
     }
 
+    std::byte* Block() {
+        if (!m_block) m_block = std::make_unique_for_overwrite<std::byte[]>(kBlock);
+        return m_block.get();
+    }
+
     void ReadThroughBlock() {
         const std::int64_t begin = m_pieces.front().offset;
-        const std::span block(m_block.get(), static_cast<std::size_t>(m_end - begin));
+        const std::span block(Block(), static_cast<std::size_t>(m_end - begin));
         std::ranges::fill(block.subspan(m_file->ReadUpTo(begin, block)), std::byte{0});
         for (const CPiece& piece : m_pieces)
             piece.place.Put(block.data() + (piece.offset - begin), piece.samples);
     }
 
     void ReadStraight() {
+        if (m_pieces.size() == 1) return ReadAlone(m_pieces.front());
         m_parts.clear();
         const std::int64_t begin = m_pieces.front().offset;
         std::int64_t end = begin;
         for (const CPiece& piece : m_pieces) {
-            m_parts.emplace_back(m_block.get(), static_cast<std::size_t>(piece.offset - end));
+            m_parts.emplace_back(Block(), static_cast<std::size_t>(piece.offset - end));
             m_parts.push_back(piece.place.Bytes(piece.samples));
             end = piece.offset + static_cast<std::int64_t>(piece.samples * kBytes);
         }
@@ -123,6 +128,11 @@ class CPieceReader {
             std::ranges::fill(part.subspan(there), std::byte{0});
             read -= there;
         }
+    }
+
+    void ReadAlone(const CPiece& piece) {
+        const helpers::CMutableBytes bytes = piece.place.Bytes(piece.samples);
+        std::ranges::fill(bytes.subspan(m_file->ReadUpTo(piece.offset, bytes)), std::byte{0});
     }
 
     const helpers::CFile* m_file;
