@@ -30,9 +30,9 @@ class Samples : public testing::Test {
     /// Writes the samples in a form, as the command does. Returns what it wrote, or the sentence of the failure.
     std::string Written(const std::string& bytes, const CSampleChoice& choice, CSampleForm form = {}) {
         WriteAll(m_path, bytes);
-        form.source = m_path;
-        form.target = m_folder.Path("out");
-        form.replace = true;
+        form.target.source = m_path;
+        form.target.path = m_folder.Path("out");
+        form.target.replace = true;
         m_doubts.clear();
         const std::string failure = FailureOf([&] {
             CSampleSource source(m_path, choice);
@@ -46,7 +46,7 @@ class Samples : public testing::Test {
             m_missing = source.MissingWells();
             sink->Commit();
         });
-        return failure.empty() ? ReadAll(form.target) : failure;
+        return failure.empty() ? ReadAll(form.target.path) : failure;
     }
 
     /// Returns "time=sample " for each line of text.

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vxfile/report/NpyFile.h"
+#include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Output.h"
 
@@ -45,7 +47,7 @@ CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
 class CTextTable : public CSampleSink {
  public:
     CTextTable(const CSampleForm& form, char separator)
-        : m_units(form.units), m_separator(separator), m_output(form.target, form.source, form.replace) {
+        : m_units(form.units), m_separator(separator), m_output(form.target) {
         m_text = "task,recording,well,time,";
         m_text += m_units ? "value\n" : "sample\n";
         std::ranges::replace(m_text, ',', separator);
@@ -54,8 +56,8 @@ class CTextTable : public CSampleSink {
     void Begin(const CPiece& piece) override {
         m_piece = &piece;
         m_channel = ChannelOf(piece, m_units);
-        m_start = Field(piece.recording->TaskName) + m_separator + std::to_string(piece.recording->Recording) +
-                  m_separator + std::to_string(piece.well) + m_separator;
+        m_start = DelimitedField(piece.recording->TaskName, m_separator) + m_separator +
+                  std::to_string(piece.recording->Recording) + m_separator + std::to_string(piece.well) + m_separator;
     }
 
     void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
@@ -84,17 +86,6 @@ class CTextTable : public CSampleSink {
  private:
     static constexpr std::size_t kBlockSize = std::size_t{64} << 10;
 
-    /// Returns the text as one field: with an apostrophe ahead if a spreadsheet would run it as a formula otherwise,
-    /// and in quotation marks if it would be more than one field.
-    std::string Field(std::string text) const {
-        if (text.find_first_of("=+-@") == 0) text.insert(0, 1, '\'');
-        if (text.find_first_of(std::string("\"\r\n") + m_separator) == std::string::npos) return text;
-        std::string quoted = "\"";
-        for (const char c : text)
-            quoted.append(c == '"' ? 2 : 1, c);
-        return quoted + '"';
-    }
-
     void AddNumber(auto number) {
         m_text.append(m_number.data(), std::to_chars(m_number.data(), m_number.data() + m_number.size(), number).ptr);
     }
@@ -116,44 +107,6 @@ class CTextTable : public CSampleSink {
 
 // ---- NPY ------------------------------------------------------------------------------------------------------------
 
-/// One array in a file of its own.
-class CNpyFile {
- public:
-    /// `type` is a description of numpy. `countAhead` tells how many items will come; it is asked only if that can't be
-    /// put in when they are there.
-    CNpyFile(const CSampleForm& form, std::string type, const std::function<std::uint64_t()>& countAhead)
-        : m_type(std::move(type)), m_output(form.target, form.source, form.replace) {
-        m_output.Write(Header(m_output.CanRewriteFront() ? 0 : countAhead()));
-    }
-
-    void Put(std::span<const std::byte> bytes, std::size_t items) {
-        m_count += items;
-        m_output.Write(bytes);
-    }
-
-    void Finish(std::vector<COutput*>& outputs) {
-        if (m_output.CanRewriteFront()) m_output.RewriteFront(Header(m_count));
-        m_output.Finish();
-        outputs.push_back(&m_output);
-    }
-
- private:
-    std::string Header(std::uint64_t count) const {
-        constexpr std::size_t kHeaderSize = 192;  // a multiple of 64, so that the items are aligned
-        constexpr std::string_view kMagic("\x93NUMPY\x01\x00", 8);
-        std::string header(kMagic);
-        header += static_cast<char>(kHeaderSize - kMagic.size() - 2);
-        header += '\0';
-        header += "{'descr': " + m_type + ", 'fortran_order': False, 'shape': (" + std::to_string(count) + ",), }";
-        header.resize(kHeaderSize - 1, ' ');
-        return header + '\n';
-    }
-
-    std::string m_type;
-    COutput m_output;
-    std::uint64_t m_count = 0;
-};
-
 [[noreturn]] void RefuseSecondWell() {
     throw CFailure(
         "There are several wells, but an array holds one. Choose it with --well, put {well} in the name of -o, or "
@@ -174,7 +127,8 @@ std::uint64_t CountAhead(const CSampleForm& form, CSampleSource& source) {
 class CNpyArray : public CSampleSink {
  public:
     CNpyArray(const CSampleForm& form, CSampleSource& source)
-        : m_units(form.units), m_file(form, form.units ? "'<f8'" : "'<u2'", [&] { return CountAhead(form, source); }) {}
+        : m_units(form.units),
+          m_file(form.target, form.units ? "'<f8'" : "'<u2'", [&] { return CountAhead(form, source); }) {}
 
     void Begin(const CPiece& piece) override {
         if (piece.well != m_well.value_or(piece.well)) RefuseSecondWell();
@@ -208,7 +162,7 @@ class CNpyTable : public CSampleSink {
           m_itemSize(m_taskSize + 2 * sizeof(std::int32_t) + sizeof(std::int64_t) +
                      (m_units ? sizeof(double) : sizeof(std::uint16_t))),
           m_block(kBlockItems * m_itemSize),
-          m_file(form, Type(), [&] { return CountAhead(form, source); }) {}
+          m_file(form.target, Type(), [&] { return CountAhead(form, source); }) {}
 
     void Begin(const CPiece& piece) override {
         m_piece = &piece;
@@ -319,8 +273,9 @@ class CSinkPerWell : public CSampleSink {
         CSampleForm form = m_form;
         form.well = well;
         const std::string number = std::to_string(well);
-        for (auto at = form.target.find(kWellMark); at != std::string::npos; at = form.target.find(kWellMark))
-            form.target.replace(at, kWellMark.size(), number);
+        std::string& path = form.target.path;
+        for (auto at = path.find(kWellMark); at != std::string::npos; at = path.find(kWellMark))
+            path.replace(at, kWellMark.size(), number);
         return form;
     }
 
@@ -339,7 +294,7 @@ void CSampleSink::Commit() {
 }
 
 std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source) {
-    if (form.target.find(kWellMark) == std::string::npos) return MakeSink(form, source);
+    if (form.target.path.find(kWellMark) == std::string::npos) return MakeSink(form, source);
     return std::make_unique<CSinkPerWell>(form, source);
 }
 

@@ -17,10 +17,8 @@ struct CSampleForm {
     enum class EKind { Csv, Tsv, NpyArray, NpyTable };
 
     EKind kind = EKind::Csv;
-    bool units = false;        ///< In the channel's physical unit instead of steps of the converter.
-    std::string source = {};   ///< The file that is read.
-    std::string target = "-";  ///< A path, or `-` for standard output. With `{well}` in it each well has its own.
-    bool replace = false;      ///< A file that is there already.
+    bool units = false;                     ///< In the channel's physical unit instead of steps of the converter.
+    CTarget target = {};                    ///< With `{well}` in its path each well has an output of its own.
     std::optional<std::int32_t> well = {};  ///< The one whose target this is, if each has its own.
 };
 

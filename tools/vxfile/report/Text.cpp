@@ -40,11 +40,13 @@ bool IsUtf8(std::string_view text) {
 
 bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
 
-std::string Latin1(char c) {
+/// Returns a character of Latin-1 that isn't ASCII as UTF-8.
+std::string Wide(char c) {
     const unsigned char byte = Byte(c);
-    if (byte < 0xA0) return Printable(c);
     return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
 }
+
+std::string Latin1(char c) { return Byte(c) < 0xA0 ? Printable(c) : Wide(c); }
 
 }  // namespace
 
@@ -58,6 +60,14 @@ std::string Readable(std::string_view bytes) {
             text += isUtf8 ? std::string(1, c) : Latin1(c);
         }
     }
+    return text;
+}
+
+std::string Utf8(std::string_view bytes) {
+    if (IsUtf8(bytes)) return std::string(bytes);
+    std::string text;
+    for (const char c : bytes)
+        text += Byte(c) < 0x80 ? std::string(1, c) : Wide(c);
     return text;
 }
 
@@ -76,6 +86,12 @@ std::string Lowered(std::string text) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     std::ranges::transform(text, text.begin(), lower);
     return text;
+}
+
+std::string BareGuid(const std::string& guid) {
+    std::string bare = Lowered(guid);
+    std::erase_if(bare, [](char c) { return c == '{' || c == '}'; });
+    return bare;
 }
 
 std::string SizeText(std::int64_t bytes) {

@@ -20,6 +20,10 @@ using vxfileio::helpers::Quoted;
 /// already is taken for Latin-1.
 std::string Readable(std::string_view bytes);
 
+/// Returns a text of a file as UTF-8, with its control characters: for programs, not for terminals. What isn't UTF-8
+/// already is read as Latin-1.
+std::string Utf8(std::string_view bytes);
+
 /// Returns how many characters a text in UTF-8 has.
 std::size_t Width(std::string_view text);
 
@@ -28,6 +32,9 @@ std::string_view Cut(std::string_view text, std::size_t width);
 
 /// Returns a text with small letters for the capitals of ASCII.
 std::string Lowered(std::string text);
+
+/// Returns a Guid in the form in which Guids are compared: without braces, in small letters.
+std::string BareGuid(const std::string& guid);
 
 /// Returns a size such as "4.2 KiB".
 std::string SizeText(std::int64_t bytes);

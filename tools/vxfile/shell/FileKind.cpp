@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/OpenInput.h"
 #include "vxfileio/base/FileMarks.h"
 #include "vxfileio/helpers/File.h"
@@ -61,6 +62,12 @@ std::string_view NameOf(EFileKind kind) {
 
 std::string ArticleAndNameOf(EFileKind kind) {
     return (kind == EFileKind::Empty ? "an " : "a ") + std::string(NameOf(kind));
+}
+
+void RequireKind(EFileKind kind, const std::string& path) {
+    const EFileKind found = FileKindOf(path);
+    if (found != kind)
+        throw CFailure(path + " is " + ArticleAndNameOf(found) + "; expected " + ArticleAndNameOf(kind) + " here.");
 }
 
 std::string_view WordOf(EFileKind kind) {

@@ -21,6 +21,9 @@ std::string_view NameOf(EFileKind kind);
 /// Returns the same with its article, such as "a raw data file".
 std::string ArticleAndNameOf(EFileKind kind);
 
+/// Throws `CFailure` if a file is of another kind or can't be opened.
+void RequireKind(EFileKind kind, const std::string& path);
+
 /// Returns the word by which JSON tells it, such as "raw".
 std::string_view WordOf(EFileKind kind);
 

@@ -97,14 +97,14 @@ void RefuseWrite(const std::string& target, const vxfileio::helpers::CFileFailur
     throw CFailure("Can't write to " + target + ": " + failure.error.message() + "; make room, or write elsewhere.");
 }
 
-COutput::COutput(const std::string& path, const std::string& source, bool replace) : m_name(path) {
+COutput::COutput(const CTarget& target) : m_name(target.path) {
     m_gathered.reserve(kBlockSize);
-    if (path == "-") {
+    if (target.path == "-") {
         m_name = "standard output";
         m_descriptor.UseOpen(kStandardOutput);
     } else {
-        RefuseTarget(path, source);
-        Open(path, replace);
+        RefuseTarget(target.path, target.source);
+        Open(target.path, target.replace);
     }
 }
 

@@ -25,13 +25,20 @@ void CreateWhole(vxfileio::helpers::CReplacingFile& file, const std::string& pat
 /// Throws the `CFailure` of a file that couldn't be written or moved into place.
 [[noreturn]] void RefuseWrite(const std::string& target, const vxfileio::helpers::CFileFailure& failure);
 
+/// Where a command writes.
+struct CTarget {
+    std::string path = "-";   ///< `-` is standard output.
+    std::string source = {};  ///< The file that is read, which is never written to.
+    bool replace = false;     ///< Whether a file at the path is replaced.
+};
+
 /// Where the bytes of a command go: a file that appears when it is committed, or standard output for the path `-`. A
-/// device, a pipe or an open file such as `/dev/stdout` is written directly. Never the file `source`, from which the
+/// device, a pipe or an open file such as `/dev/stdout` is written directly. Never the source, from which the
 /// bytes come. Small parts are gathered in a block. Every failure is a `CFailure`.
 class COutput {
  public:
     /// Throws `CFailure` if there is a file already and `replace` isn't set.
-    COutput(const std::string& path, const std::string& source, bool replace);
+    explicit COutput(const CTarget& target);
     ~COutput();
     COutput(const COutput&) = delete;
     COutput& operator=(const COutput&) = delete;

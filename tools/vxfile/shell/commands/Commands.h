@@ -17,6 +17,7 @@ namespace vxfile {
 [[nodiscard]] std::unique_ptr<CCommand> MakeReportCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeSamplesCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeSealCommand();
+[[nodiscard]] std::unique_ptr<CCommand> MakeTableCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeVerifyCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeWatchCommand();
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/vxfile/document/DocumentHead.h"
 #include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
@@ -49,12 +50,6 @@ constexpr CCommandText kText = {
         "  2  not written, or one exists already; nothing was replaced",
 };
 
-void Require(EFileKind kind, const std::string& path) {
-    const EFileKind found = FileKindOf(path);
-    if (found != kind)
-        throw CFailure(path + " is " + ArticleAndNameOf(found) + "; expected " + ArticleAndNameOf(kind) + " here.");
-}
-
 /// Workbooks have one format; a name that promises another one would mislead the programs that open it.
 void RefuseOtherFormats(const fs::path& target) {
     constexpr std::array<std::string_view, 6> kOthers = {".xlsx", ".xlsm", ".xlsb", ".ods", ".csv", ".tsv"};
@@ -84,13 +79,6 @@ bool HasDoseText(std::uint64_t dose) try {
 
 /// Returns the head of a column: a dose that is too large for the others in picomolar.
 std::string DoseHead(std::uint64_t dose) { return HasDoseText(dose) ? DoseToText(dose) : std::to_string(dose) + "pM"; }
-
-/// Returns a Guid as it can be compared: some programs put it into braces, some write it in capitals.
-std::string BareGuid(const std::string& guid) {
-    std::string bare = Lowered(guid);
-    std::erase_if(bare, [](char c) { return c == '{' || c == '}'; });
-    return bare;
-}
 
 /// The workbooks of an export: all appear or none.
 class CWorkbooks {
@@ -150,8 +138,8 @@ class CExportCommand : public CCommand {
     }
 
     int Run() override {
-        Require(EFileKind::Results, m_results.path);
-        Require(EFileKind::Settings, m_settings.path);
+        RequireKind(EFileKind::Results, m_results.path);
+        RequireKind(EFileKind::Settings, m_settings.path);
         RefuseInputs(m_output);
         RefusePlace(m_output, m_force);
         RefuseOtherFormats(m_output);
@@ -201,7 +189,9 @@ class CExportCommand : public CCommand {
             doubts.push_back(m_settings.path + ": " +
                              DoseWithoutText(static_cast<std::size_t>(dose - series.begin()), *dose) +
                              " Its columns have it in picomolar.");
-        if (!AreOfOneRun()) doubts.push_back(OtherRun());
+        const std::string other = DifferenceOfRuns(RunFileOf(m_settings), RunFileOf(m_results));
+        if (!other.empty())
+            doubts.push_back(other + " Labels and doses in the workbooks may be those of another plate.");
         const std::string missing = LabelsWithout(made);
         if (!missing.empty())
             doubts.push_back(
@@ -211,20 +201,7 @@ class CExportCommand : public CCommand {
         return doubts;
     }
 
-    const std::string& GuidOf(auto& input) { return input.reader.GetXmlFileHeader()->Guid; }
-
-    /// Most programs leave the Guid out.
-    bool AreOfOneRun() {
-        const std::string settings = BareGuid(GuidOf(m_settings));
-        const std::string results = BareGuid(GuidOf(m_results));
-        return settings.empty() || results.empty() || settings == results;
-    }
-
-    std::string OtherRun() {
-        return m_settings.path + " isn't of the run of " + m_results.path + ": its Guid is " +
-               Readable(GuidOf(m_settings)) + ", that of the results " + Readable(GuidOf(m_results)) +
-               ". Labels and doses in the workbooks may be those of another plate.";
-    }
+    static CRunFile RunFileOf(const auto& input) { return {input.path, input.reader.GetXmlFileHeader()->Guid}; }
 
     /// Returns the labels of the wells that should have a workbook of their own, and have none.
     std::string LabelsWithout(std::set<std::string> made) {

@@ -39,13 +39,6 @@ constexpr CCommandText kText = {
         "  2  not written, or it exists already; nothing was replaced",
 };
 
-/// Returns a Guid as it can be compared: some programs put it into braces, some write it in capitals.
-std::string BareGuid(const std::string& guid) {
-    std::string bare = Lowered(guid);
-    std::erase_if(bare, [](char c) { return c == '{' || c == '}'; });
-    return bare;
-}
-
 std::string StateText(const CFindings& findings) {
     if (findings.Status() == kSound) return "sound";
     const std::string count = findings.Status() == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
@@ -75,7 +68,7 @@ class CReportCommand : public CCommand {
 
     int Run() override {
         CheckFiles();
-        COutput output(m_output, m_results, m_force);
+        COutput output({.path = m_output, .source = m_results, .replace = m_force});
         output.Write(MakePage());
         output.Finish();
         COutput* const finished = &output;

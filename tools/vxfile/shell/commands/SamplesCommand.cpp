@@ -71,16 +71,16 @@ class CSamplesCommand : public CCommand {
              .target = &m_form.units,
              .text = "In physical units instead of steps of the converter"},
             {.names = "-o,--output",
-             .target = &m_form.target,
+             .target = &m_form.target.path,
              .text = "Output file; - for standard output (the default). With {well} in the name, one file per well"},
-            {.names = "--force", .target = &m_form.replace, .text = "Replace existing files"},
+            {.names = "--force", .target = &m_form.target.replace, .text = "Replace existing files"},
         };
     }
 
     int Run() override {
         using enum CSampleForm::EKind;
         m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArray;
-        m_form.source = m_path;
+        m_form.target.source = m_path;
         CSampleSource source(m_path, m_choice);
         const auto sink = MakeSampleSink(m_form, source);
         CProgress progress("Writing samples", source.Size());

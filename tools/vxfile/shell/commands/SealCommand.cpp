@@ -125,7 +125,7 @@ class CSealCommand : public CCommand {
     void Write(const std::string& path, const CFile& file, CSealed& sealed, std::int64_t size,
                const auto& forEach) const {
         sealed.size = size;
-        COutput output(SealOf(path), path, m_force);
+        COutput output({.path = SealOf(path), .source = path, .replace = m_force});
         CSealWriter seal([&](std::string_view text) { output.Write(text); },
                          Readable(std::filesystem::path(path).filename().string()), WordOf(sealed.kind), size);
         CFileDigest digest(file, path, size);

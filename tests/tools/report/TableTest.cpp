@@ -1,0 +1,119 @@
+#include "tools/vxfile/report/Table.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/support/TempFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vxfile/report/Complaint.h"
+
+using namespace vxfile;
+
+namespace {
+
+constexpr CColumn kColumns[] = {{"name", EColumnType::Text, "", "", 4},
+                                {"number", EColumnType::Whole, "", ""},
+                                {"dose", EColumnType::Count, "", ""},
+                                {"value", EColumnType::Real, "", ""},
+                                {"on", EColumnType::Flag, "", ""}};
+
+using CRow = std::vector<CCell>;
+
+const CRow kRow = {"A1", std::int64_t{-7}, std::numeric_limits<std::uint64_t>::max(), 0.1, true};
+const CRow kMissing(5);
+
+CRow WithName(std::string_view name) { return {name, {}, {}, {}, {}}; }
+CRow WithValue(double value) { return {{}, {}, {}, value, {}}; }
+
+/// Returns the bytes of a table with these rows, or the sentence that refuses it.
+std::string Written(ETableForm form, const std::vector<CRow>& rows) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("out");
+    const std::string failure = FailureOf([&] {
+        const auto writer = MakeTableWriter(form, {.path = path}, kColumns, [] { return 0; });
+        for (const CRow& row : rows)
+            writer->Put(row);
+        writer->Commit();
+    });
+    return failure.empty() ? ReadAll(path) : failure;
+}
+
+/// The same without the line of names.
+std::string Lines(ETableForm form, const std::vector<CRow>& rows) {
+    const std::string text = Written(form, rows);
+    return text.substr(text.find('\n') + 1);
+}
+
+}  // namespace
+
+TEST(Table, IsTextWithANameForEachColumn) {
+    EXPECT_EQ(Written(ETableForm::Csv, {kRow, kMissing}),
+              "name,number,dose,value,on\nA1,-7,18446744073709551615,0.1,true\n,,,,\n");
+    EXPECT_EQ(Written(ETableForm::Tsv, {kRow}),
+              "name\tnumber\tdose\tvalue\ton\nA1\t-7\t18446744073709551615\t0.1\ttrue\n");
+    EXPECT_EQ(Written(ETableForm::JsonLines, {kRow, kMissing}),
+              R"({"name":"A1","number":-7,"dose":18446744073709551615,"value":0.1,"on":true})"
+              "\n"
+              R"({"name":null,"number":null,"dose":null,"value":null,"on":null})"
+              "\n");
+    EXPECT_EQ(Written(ETableForm::JsonLines, {}), "");
+}
+
+TEST(Table, IsAnArrayWhoseItemsHaveNoGaps) {
+    const std::string array = Written(ETableForm::Npy, {kRow, kMissing});
+    const std::string type = "[('name','|S4'),('number','<i8'),('dose','<u8'),('value','<f8'),('on','|b1')]";
+    const std::string header = std::string("\x93NUMPY\x01\x00\xB6\x00", 10) + "{'descr': " + type +
+                               ", 'fortran_order': False, 'shape': (2,), }";
+    EXPECT_EQ(array.substr(0, 192), header + std::string(191 - header.size(), ' ') + '\n');
+    const std::string items = std::string("A1\0\0", 4) + "\xF9\xFF\xFF\xFF\xFF\xFF\xFF\xFF" + std::string(8, '\xFF') +
+                              "\x9A\x99\x99\x99\x99\x99\xB9\x3F\x01" + std::string(4 + 7, '\0') + '\x80' +
+                              std::string(8 + 6, '\0') + std::string("\xF8\x7F\0", 3);
+    EXPECT_EQ(array.substr(192), items);
+}
+
+TEST(Table, HasRealsThatReadBackAndLookLikeReals) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    struct CCase {
+        double value;
+        std::string csv;
+        std::string json;
+    };
+    for (const auto& c : std::vector<CCase>{{5, "5.0", "5.0"},
+                                            {-0.0, "-0.0", "-0.0"},
+                                            {0.1 + 0.2, "0.30000000000000004", "0.30000000000000004"},
+                                            {1e100, "1e+100", "1e+100"},
+                                            {5e-324, "5e-324", "5e-324"},
+                                            {infinity, "inf", "null"},
+                                            {-infinity, "-inf", "null"},
+                                            {-std::nan(""), "nan", "null"}}) {
+        EXPECT_EQ(Lines(ETableForm::Csv, {WithValue(c.value)}), ",,," + c.csv + ",\n");
+        EXPECT_NE(Written(ETableForm::JsonLines, {WithValue(c.value)}).find("\"value\":" + c.json + ",\"on\""),
+                  std::string::npos)
+            << c.json;
+    }
+}
+
+TEST(Table, KeepsATextInItsField) {
+    EXPECT_EQ(Lines(ETableForm::Csv, {WithName("a,\"b\"\n")}), "\"a,\"\"b\"\"\n\",,,,\n");
+    EXPECT_EQ(Lines(ETableForm::Tsv, {WithName("a,b")}), "a,b\t\t\t\t\n");
+    EXPECT_EQ(Lines(ETableForm::Csv, {WithName("=1+1")}), "'=1+1,,,,\n");
+    EXPECT_EQ(Written(ETableForm::JsonLines, {WithName("a\"\n\x01")}).substr(0, 22), R"({"name":"a\"\n\u0001",)");
+    EXPECT_EQ(Written(ETableForm::Npy, {WithName("12345")}),
+              "An array has 4 bytes for a name, too few for \"12345\"; choose --csv, --tsv or --jsonl.");
+}
+
+TEST(Table, TakesNoValueOfAnotherType) {
+    EXPECT_THROW(
+        {
+            const CTempFolder folder;
+            const auto writer = MakeTableWriter(ETableForm::Npy, {.path = folder.Path("out")}, kColumns, {});
+            writer->Put(WithValue(1));
+            writer->Put(CRow{std::int64_t{1}, {}, {}, {}, {}});
+        },
+        std::bad_variant_access);
+}

@@ -1,0 +1,203 @@
+#include "tools/vxfile/document/ResultsTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "tools/vxfile/document/ResultsWalk.h"
+#include "tools/vxfile/report/Text.h"
+#include "vxfileio/base/EnumerationWords.h"
+
+namespace vxfile {
+
+namespace {
+
+using enum EColumnType;
+
+constexpr CColumn kTask{"task", Text, "", "The task, such as Series"};
+constexpr CColumn kRecording{"recording", Whole, "", "The number of the recording within its task, from 0"};
+constexpr CColumn kDose{"dose", Count, "pM", "The dose of the recording"};
+constexpr CColumn kDoseText{"dose_text", Text, "", "The same in the largest unit that needs no fraction"};
+constexpr CColumn kWell{"well", Whole, "", "The ID of the well"};
+constexpr CColumn kLabel{"label", Text, "", "The label of the well, such as B7"};
+constexpr CColumn kResponse{"response", Text, "", "The response, such as QT-Interval"};
+constexpr CColumn kAnalysed{"analysed", Flag, "", "Whether the well counts in this recording, by the settings"};
+constexpr CColumn kMark{"mark", Text, "", "How the response was obtained, by the settings, such as Deselected"};
+
+constexpr std::array kResponses = {kTask,
+                                   kRecording,
+                                   kDose,
+                                   kDoseText,
+                                   kWell,
+                                   kLabel,
+                                   kResponse,
+                                   CColumn{"value", Real, "", "The response as measured, or normalised"},
+                                   CColumn{"normalized", Flag, "", "Whether the value is normalised"},
+                                   kAnalysed,
+                                   kMark};
+
+constexpr std::array kMeans = {kTask,
+                               kRecording,
+                               kDose,
+                               kDoseText,
+                               kResponse,
+                               CColumn{"mean", Real, "", "The mean of the normalised response over the wells"},
+                               CColumn{"sd", Real, "", "Its standard deviation"},
+                               CColumn{"wells", Count, "", "The number of wells in the mean"}};
+
+constexpr std::array kBeats = {kTask,
+                               kRecording,
+                               kDose,
+                               kDoseText,
+                               kWell,
+                               kLabel,
+                               CColumn{"beat", Whole, "", "The number of the beat in the well's recording, from 0"},
+                               CColumn{"time", Whole, "tick", "When it was detected"},
+                               CColumn{"interval", Whole, "tick", "The time since the beat before; none at the first"},
+                               kAnalysed};
+
+constexpr std::array kAverages = {kTask,
+                                  kRecording,
+                                  kDose,
+                                  kDoseText,
+                                  kWell,
+                                  kLabel,
+                                  CColumn{"sample", Whole, "", "The number of the sample in the average, from 0"},
+                                  CColumn{"time", Whole, "tick", "Its time from the event of the average"},
+                                  CColumn{"value", Real, "", "The voltage, in the unit of the analysing program"},
+                                  kAnalysed};
+
+/// A table: what users call it, its columns, and how many at their end are of the settings.
+struct CTableKind {
+    std::string_view word;
+    std::span<const CColumn> columns;
+    std::size_t ofSettings;
+};
+
+/// In the order of `EResultsTable`.
+constexpr CTableKind kKinds[] = {
+    {"responses", kResponses, 2}, {"means", kMeans, 0}, {"beats", kBeats, 1}, {"averages", kAverages, 1}};
+
+/// Returns the time from one beat to the next; missing if no number holds it.
+CCell IntervalBetween(std::int64_t before, std::int64_t now) {
+    const auto interval =
+        static_cast<std::int64_t>(static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(before));
+    if ((now >= before) != (interval >= 0)) return {};
+    return interval;
+}
+
+/// Turns wells and means into rows.
+class CRows {
+ public:
+    using CPut = std::function<void(std::span<const CCell>)>;
+
+    CRows(const CISettingsReader* settings, const CPut& put) : m_settings(settings), m_put(put) {}
+
+    void PutResponses(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
+        BeginWell(place, wellID, well);
+        for (const bool isNormalized : {false, true}) {
+            for (const auto& [key, response] : isNormalized ? well.NormalizedResponses : well.Responses) {
+                const std::string label = Utf8(response.Label);
+                const std::string_view mark = MarkOf(place, wellID, key);
+                Put({label, response.Value, isNormalized}, {m_isAnalysed, mark});
+            }
+        }
+    }
+
+    void PutMean(const CRecordingPlace& place, const CResponseMean& mean) {
+        Begin(place);
+        const std::string label = Utf8(mean.Label);
+        Put({label, mean.normMean, mean.normStdDev, std::uint64_t{mean.Samples}}, {});
+    }
+
+    void PutBeats(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
+        BeginWell(place, wellID, well);
+        const auto& times = well.FPfastDetectionTimes;
+        for (std::size_t i = 0; i < times.size(); ++i)
+            Put({static_cast<std::int64_t>(i), times[i], i == 0 ? CCell() : IntervalBetween(times[i - 1], times[i])},
+                {m_isAnalysed});
+    }
+
+    void PutAverages(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
+        if (!well.AverageExist()) return;
+        BeginWell(place, wellID, well);
+        for (std::uint32_t i = 0; i < well.GetAveSamples(); ++i)
+            Put({std::int64_t{i}, well.GetAveTimeStamp(i), well.GetAveVoltage(i)}, {m_isAnalysed});
+    }
+
+ private:
+    using CCells = std::initializer_list<CCell>;
+
+    /// Begins the rows of a recording, which have its cells in front.
+    void Begin(const CRecordingPlace& place) {
+        m_doseText = DoseWithUnit(place.dose);
+        m_front = {place.task, place.recording, place.dose, m_doseText};
+    }
+
+    /// Begins the rows of a well in a recording.
+    void BeginWell(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
+        Begin(place);
+        const bool isFromPlate = well.WellLabel.empty() && m_settings != nullptr;
+        m_label = Utf8(isFromPlate ? m_settings->GetRecordPlateProperty()->GetWellLabel(wellID) : well.WellLabel);
+        m_front.insert(m_front.end(), {std::int64_t{wellID}, m_label});
+        if (m_settings == nullptr) return;
+        m_task = StringToTask(place.task);
+        m_isAnalysed = m_settings->GetAnalyzerProperty()->IsWellAnalyzed(
+            m_task, static_cast<std::int32_t>(place.recording), wellID);
+    }
+
+    std::string_view MarkOf(const CRecordingPlace& place, std::int32_t wellID, enResponseType response) const {
+        if (m_settings == nullptr) return {};
+        const auto recording = static_cast<std::int32_t>(place.recording);
+        return vxfileio::base::WordOf(
+            m_settings->GetAnalyzerProperty()->GetResponseMark(m_task, recording, wellID, response));
+    }
+
+    void Put(CCells values, CCells ofSettings) {
+        m_row = m_front;
+        m_row.insert(m_row.end(), values);
+        if (m_settings != nullptr) m_row.insert(m_row.end(), ofSettings);
+        m_put(m_row);
+    }
+
+    const CISettingsReader* m_settings;
+    const CPut& m_put;
+    std::string m_doseText;
+    std::string m_label;
+    enTask m_task = enTask::Nil;
+    bool m_isAnalysed = false;
+    std::vector<CCell> m_front;
+    std::vector<CCell> m_row;
+};
+
+}  // namespace
+
+std::optional<EResultsTable> ResultsTableOf(std::string_view word) {
+    const auto* const kind = std::ranges::find(kKinds, word, &CTableKind::word);
+    if (kind == std::end(kKinds)) return std::nullopt;
+    return static_cast<EResultsTable>(kind - std::begin(kKinds));
+}
+
+std::span<const CColumn> ColumnsOf(EResultsTable table, bool hasSettings) {
+    const CTableKind& kind = kKinds[static_cast<std::size_t>(table)];
+    return kind.columns.first(kind.columns.size() - (hasSettings ? 0 : kind.ofSettings));
+}
+
+std::string ForEachRow(EResultsTable table, const std::string& path, const CISettingsReader* settings,
+                       const std::function<void(std::span<const CCell>)>& put) {
+    CRows rows(settings, put);
+    switch (table) {
+        case EResultsTable::Means:
+            return WalkResults(path, {.mean = std::bind_front(&CRows::PutMean, &rows)});
+        case EResultsTable::Beats:
+            return WalkResults(path, {.well = std::bind_front(&CRows::PutBeats, &rows)});
+        case EResultsTable::Averages:
+            return WalkResults(path, {.well = std::bind_front(&CRows::PutAverages, &rows)});
+        case EResultsTable::Responses:
+            break;
+    }
+    return WalkResults(path, {.well = std::bind_front(&CRows::PutResponses, &rows)});
+}
+
+}  // namespace vxfile

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "vxfileio/results/ResponseMean.h"
+#include "vxfileio/results/ResultsWell.h"
+
+namespace vxfile {
+
+/// A recording of a results file.
+struct CRecordingPlace {
+    std::string task = {};       ///< In UTF-8.
+    std::int64_t recording = 0;  ///< Its number within its task, from 0.
+    std::uint64_t dose = 0;      ///< In picomolar.
+};
+
+/// Receives what a results file contains. A function that isn't set makes the walk faster.
+struct CResultsVisitor {
+    std::function<void(const CRecordingPlace&, std::int32_t wellID, const CResultsWell&)> well = {};
+    std::function<void(const CRecordingPlace&, const CResponseMean&)> mean = {};  ///< Of a recording.
+};
+
+/// Reads a results file from front to back, and passes each well or mean to the visitor in the order of the document.
+/// Nothing is passed after a syntax error. Memory holds one well; only in a document whose tasks or recordings have
+/// their name or dose after their wells, one task or recording. Returns what was wrong with the document, as
+/// `CIResultsReader::GetReadError` does. Throws `CExcVXReader` if the file can't be opened.
+[[nodiscard]] std::string WalkResults(const std::string& path, const CResultsVisitor& visitor);
+
+}  // namespace vxfile

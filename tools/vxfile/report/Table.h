@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "tools/vxfile/report/NpyFile.h"
+#include "tools/vxfile/system/Output.h"
+
+/// @file
+/// Tables: columns described as data, and one writer of rows for each form.
+
+namespace vxfile {
+
+/// The type of a column. No value changes it.
+enum class EColumnType {
+    Text,   ///< Text in UTF-8.
+    Whole,  ///< A whole number of 64 bits.
+    Count,  ///< The same without a sign.
+    Real,   ///< A double.
+    Flag,   ///< True or false.
+};
+
+/// One column of a table.
+struct CColumn {
+    std::string_view name;
+    EColumnType type;
+    std::string_view unit;     ///< Such as "pM"; empty if there is none.
+    std::string_view meaning;  ///< One line, without a full stop.
+    std::size_t room = 32;     ///< Of a text: the bytes that an item of an array has for it.
+};
+
+/// The value of a column, in the alternative that follows from its type; `std::monostate` if the value is missing.
+/// The row's user owns the text.
+using CCell = std::variant<std::monostate, std::string_view, std::int64_t, std::uint64_t, double, bool>;
+
+/// The form of a table in a file.
+enum class ETableForm { Csv, Tsv, JsonLines, Npy };
+
+/// Writes a table row by row. Memory holds one row and one block.
+class CTableWriter {
+ public:
+    CTableWriter() = default;
+    virtual ~CTableWriter() = default;
+    CTableWriter(const CTableWriter&) = delete;
+    CTableWriter& operator=(const CTableWriter&) = delete;
+
+    /// Appends a row. Requires: a cell for each column, in its order. Throws `CFailure` if the output fails or the form
+    /// can't hold a value.
+    virtual void Put(std::span<const CCell> row) = 0;
+
+    /// Completes the table. A file appears now; without this call there is none.
+    void Commit();
+
+ private:
+    virtual void Finish(std::vector<COutput*>& outputs) = 0;
+};
+
+/// Returns a writer. `columns` must outlive it. `countAhead` is that of `CNpyFile`.
+///
+/// | Type    | CSV, TSV                                        | JSON lines     | NPY                       |
+/// |---------|-------------------------------------------------|----------------|---------------------------|
+/// | Text    | a field, see `DelimitedField`                   | a string       | `S` and its room          |
+/// | Whole   | digits                                          | a number       | `<i8`                     |
+/// | Count   | digits                                          | a number       | `<u8`                     |
+/// | Real    | the shortest decimal that reads back, `nan`, `inf` | the same, `null` for nan and infinities | `<f8` |
+/// | Flag    | `true`, `false`                                 | the same       | `|b1`                     |
+/// | missing | an empty field                                  | `null`         | empty, the least number, 0, nan,
+/// false |
+[[nodiscard]] std::unique_ptr<CTableWriter> MakeTableWriter(ETableForm form, const CTarget& target,
+                                                            std::span<const CColumn> columns,
+                                                            const std::function<std::uint64_t()>& countAhead);
+
+/// Writes a description of the columns as a table: their names, types, units and meanings.
+void WriteColumns(ETableForm form, const CTarget& target, std::span<const CColumn> columns);
+
+/// Returns a text as one field of CSV or TSV: after an apostrophe if a spreadsheet would otherwise run it as a formula,
+/// and in quotation marks if it would otherwise be more than one field.
+std::string DelimitedField(std::string text, char separator);
+
+}  // namespace vxfile

@@ -1,0 +1,131 @@
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/vxfile/document/DocumentHead.h"
+#include "tools/vxfile/document/ReadDocument.h"
+#include "tools/vxfile/document/ResultsTable.h"
+#include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Table.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/commands/Commands.h"
+#include "tools/vxfile/system/Failure.h"
+#include "vxfileio/frame/VXFileIO.h"
+
+namespace vxfile {
+
+namespace {
+
+constexpr CCommandText kText = {
+    .name = "table",
+    .purpose = "Write responses, means, beats or averages as CSV, TSV, JSON lines or NPY",
+    .details =
+        "Writes one row per value of a results file: as text, as a JSON object per line, or as a structured array for "
+        "numpy. With --settings the rows also have which wells and responses count. --columns describes the columns, "
+        "their types and units. Memory doesn't grow with the file.",
+    .example = "vxfile table run.vxr --settings run.vxs --what responses -o responses.csv",
+    .statuses =
+        "  0  all rows were written\n"
+        "  1  written, but a file is cut or damaged, so that rows are missing, or the settings are\n"
+        "     those of another run\n"
+        "  2  nothing was written: a file can't be read or is of another kind, or the output exists",
+};
+
+class CTableCommand : public CCommand {
+ public:
+    const CCommandText& Text() const override { return kText; }
+
+    std::vector<COption> Options() override {
+        return {
+            {.names = "RESULTS", .target = &m_path, .text = "The results file", .isRequired = true},
+            {.names = "--settings",
+             .target = &m_settingsPath,
+             .text = "The settings file of the same run",
+             .value = "FILE"},
+            {.names = "--what", .target = &m_what, .text = "responses (the default), means, beats or averages"},
+            {.names = "--csv", .target = &m_csv, .text = "Text with commas (the default)"},
+            {.names = "--tsv", .target = &m_tsv, .text = "Text with tabs", .excludes = {"--csv"}},
+            {.names = "--jsonl",
+             .target = &m_jsonLines,
+             .text = "A JSON object per line",
+             .excludes = {"--csv", "--tsv"}},
+            {.names = "--npy",
+             .target = &m_npy,
+             .text = "A structured array, for numpy",
+             .excludes = {"--csv", "--tsv", "--jsonl"}},
+            {.names = "--columns", .target = &m_columns, .text = "Describe the columns instead"},
+            {.names = "-o,--output",
+             .target = &m_target.path,
+             .text = "Output file; - for standard output (the default)"},
+            {.names = "--force", .target = &m_target.replace, .text = "Replace an existing file"},
+        };
+    }
+
+    int Run() override {
+        const auto table = ResultsTableOf(m_what);
+        if (!table) throw CFailure("There is no table '" + m_what + "'; choose responses, means, beats or averages.");
+        const bool hasSettings = !m_settingsPath.empty();
+        const ETableForm form = Form();
+        if (m_columns) return DescribeColumns(form, ColumnsOf(*table, hasSettings));
+        m_target.source = m_path;
+        RequireKind(EFileKind::Results, m_path);
+        const CISettingsReader* const settings = hasSettings ? &ReadSettings() : nullptr;
+        const auto writer = MakeTableWriter(form, m_target, ColumnsOf(*table, hasSettings),
+                                            [&] { return CountRows(*table, settings); });
+        NoteDamage(m_path, ForEachRow(*table, m_path, settings, [&](auto row) { writer->Put(row); }));
+        writer->Commit();
+        std::ranges::for_each(m_doubts, Complain);
+        return m_doubts.empty() ? kSound : kFindings;
+    }
+
+ private:
+    ETableForm Form() const {
+        using enum ETableForm;
+        return m_npy ? Npy : m_jsonLines ? JsonLines : m_tsv ? Tsv : Csv;
+    }
+
+    int DescribeColumns(ETableForm form, std::span<const CColumn> columns) const {
+        WriteColumns(form, m_target, columns);
+        return kSound;
+    }
+
+    /// Reads the settings, and notes what is wrong with them.
+    const CISettingsReader& ReadSettings() {
+        RequireKind(EFileKind::Settings, m_settingsPath);
+        if (m_target.path != "-") RefuseTarget(m_target.path, m_settingsPath);
+        NoteDamage(m_settingsPath, ReadDocument(m_settings, m_settingsPath));
+        const CRunFile settings{m_settingsPath, m_settings.GetXmlFileHeader()->Guid};
+        const std::string other = DifferenceOfRuns(settings, {m_path, HeadOfDocument(m_path).Guid});
+        if (!other.empty()) m_doubts.push_back(other + " Labels and marks may be those of another plate.");
+        return m_settings;
+    }
+
+    void NoteDamage(const std::string& path, const std::string& damage) {
+        if (!damage.empty()) m_doubts.push_back(path + ": " + damage);
+    }
+
+    std::uint64_t CountRows(EResultsTable table, const CISettingsReader* settings) const {
+        std::uint64_t count = 0;
+        static_cast<void>(ForEachRow(table, m_path, settings, [&](auto /*row*/) { ++count; }));
+        return count;
+    }
+
+    std::string m_path;
+    std::string m_settingsPath;
+    std::string m_what = "responses";
+    CTarget m_target;
+    bool m_csv = false;  ///< The default.
+    bool m_tsv = false;
+    bool m_jsonLines = false;
+    bool m_npy = false;
+    bool m_columns = false;
+    CISettingsReader m_settings;
+    std::vector<std::string> m_doubts;  ///< A sentence each.
+};
+
+}  // namespace
+
+std::unique_ptr<CCommand> MakeTableCommand() { return std::make_unique<CTableCommand>(); }
+
+}  // namespace vxfile
