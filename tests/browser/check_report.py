@@ -10,6 +10,7 @@ import math
 import pathlib
 import subprocess
 import sys
+import urllib.parse
 import xml.etree.ElementTree as ElementTree
 
 from selenium.webdriver.common.keys import Keys
@@ -302,11 +303,45 @@ def check_full_plate(browser):
     print(f"a full plate: {page.stat().st_size} bytes, shown after {milliseconds:.0f} ms")
 
 
+def check_index(browser):
+    """Two plates in a folder: one with everything, one hostile."""
+    folder = OUTPUT / "folder"
+    folder.mkdir()
+    for name in ("plate.vxr", "plate.vxs", "plate.vxd"):
+        (folder / name).write_bytes((OUTPUT / "plate" / name).read_bytes())
+    (folder / "z<b>.vxr").write_bytes(plates.results(plates.HOSTILE, [0, 1000], compound="<i>9</i>"))
+    pages = OUTPUT / "pages"
+    command = [PROGRAMS / "vxfile", "report", folder, "-o", pages]
+    assert subprocess.run(command, stdout=subprocess.DEVNULL, timeout=120).returncode == 0
+    browser.open(pages / "index.html")
+    links = browser.run("return [...document.querySelectorAll('a')].map(a => a.href)")
+    assert len(links) == 2 and all(pathlib.Path(urllib.parse.unquote(urllib.parse.urlparse(a).path)).is_file() for a in links)
+    first = lambda: browser.run("return [...document.querySelectorAll('#plates tbody tr')].filter(r => !r.hidden)"
+                                ".map(r => r.cells[1].textContent)")
+    assert first() == ["plate.vxr", "z<b>.vxr"]
+    assert "1.27" in browser.run("return document.querySelector('#plates tbody tr').textContent")
+    assert count(browser, "#plates tbody tr:first-child .mini [class]") == 22
+    browser.driver.find_element("css selector", "#plates th:nth-child(2) button").send_keys(Keys.ENTER, Keys.ENTER)
+    assert first() == ["z<b>.vxr", "plate.vxr"]
+    assert browser.run("return document.querySelector('[aria-sort=descending]').textContent") == "Results"
+    search = browser.driver.find_element("id", "search")
+    search.send_keys("example")
+    assert first() == ["plate.vxr"]
+    search.send_keys("zzz")
+    assert browser.run("return document.getElementById('count').textContent") == "No plate has these words"
+    assert browser.complaints() == [] and browser.requests() == []
+    browser.open(pages / "index.html")
+    assert browser.run(CONTRAST) >= 4.5
+    browser.screenshot(OUTPUT / "index.png")
+    browser.driver.find_element("link text", "plate.vxr").click()
+    assert shown_well(browser) == "Well A1"
+
+
 def main():
     OUTPUT.mkdir(parents=True, exist_ok=True)
     browser = Browser()
     try:
-        for check in (check_demo, check_other_plates, check_hostile_labels, check_full_plate):
+        for check in (check_demo, check_other_plates, check_hostile_labels, check_full_plate, check_index):
             check(browser)
             print(f"{check.__name__}: passed", flush=True)
     finally:

@@ -12,12 +12,14 @@
 #include "tools/vxfile/page/Chart.h"
 #include "tools/vxfile/page/Colours.h"
 #include "tools/vxfile/page/Html.h"
+#include "tools/vxfile/page/IndexPage.h"
 #include "tools/vxfile/page/Numbers.h"
 #include "tools/vxfile/page/Packed.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
 #include "tools/vxfile/page/Trace.h"
 #include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/WholeText.h"
 
 namespace vxfile::page {
 namespace {
@@ -317,6 +319,85 @@ TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
     EXPECT_EQ(RunTool({"report", cut, "-o", page}).status, 1);
     EXPECT_NE(PageText().find("class=\"unsound\""), std::string::npos);
     fs::remove(cut);
+}
+
+TEST_F(ReportCommand, UsesFilesWithTheSameNameOnlyIfTheyHaveTheGuid) {
+    const std::string results = Own(".vxr");
+    const std::string settings = Own(".vxs");
+    fs::copy_file(Reference("settings.vxs"), settings, fs::copy_options::overwrite_existing);  // its Guid is {0123}
+    for (const auto& [guid, isUsed] : {std::pair{"0123", true}, {"0124", false}, {"", false}}) {
+        std::string text = ReadWholeText(Reference("results.vxr"));
+        text.replace(text.find("<Guid></Guid>"), 13, "<Guid>" + std::string(guid) + "</Guid>");
+        std::ofstream(results, std::ios::binary) << text;
+        EXPECT_EQ(RunTool({"report", results, "-o", page, "--force"}).status, 0);
+        EXPECT_EQ(PageText().find("settings file") != std::string::npos, isUsed) << guid;
+    }
+    EXPECT_EQ(RunTool({"report", results, "--settings", Reference("settings.vxs"), "-o", page, "--force"}).status, 0);
+    EXPECT_NE(PageText().find("settings file"), std::string::npos);
+    fs::remove(results);
+    fs::remove(settings);
+}
+
+/// A folder with two plates, and a folder for the pages.
+class FolderReport : public ReportCommand {
+ protected:
+    void SetUp() override {
+        fs::create_directories(folder);
+        fs::copy_file(Reference("results.vxr"), fs::path(folder) / "a.vxr");
+        fs::copy_file(Reference("results.vxr"), fs::path(folder) / "b.vxr");
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    std::string Path(const std::string& name) const { return (fs::path(folder) / name).string(); }
+    CToolRun Run() const { return RunTool({"report", folder, "-o", Path("pages")}); }
+
+    std::string folder = Own("");
+};
+
+TEST_F(FolderReport, MakesOnlyPagesThatAreMissingOrWhoseFilesHaveChanged) {
+    EXPECT_NE(Run().out.find("2 plates, 2 pages made"), std::string::npos);
+    std::ofstream(Path("pages/a.html")) << "kept";
+    EXPECT_NE(Run().out.find("2 plates, 0 pages made"), std::string::npos);
+    EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "kept");
+    fs::remove(Path("pages/b.html"));
+    EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
+    EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "kept");
+    std::string text = ReadWholeText(Path("a.vxr"));
+    text.replace(text.find(">C1<"), 4, ">C2<");
+    std::ofstream(Path("a.vxr"), std::ios::binary) << text;
+    EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
+    EXPECT_NE(ReadWholeText(Path("pages/a.html")), "kept");
+    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("<td>C2</td>"), std::string::npos);
+}
+
+TEST_F(FolderReport, ReplacesNoForeignPageAndGoesOn) {
+    fs::create_directories(Path("pages"));
+    std::ofstream(Path("pages/a.html")) << "mine";
+    const CToolRun run = Run();
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("a.html is there already"), std::string::npos) << run.err;
+    EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "mine");
+    EXPECT_TRUE(fs::exists(Path("pages/b.html")));
+    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("a.html is there already"), std::string::npos);
+}
+
+TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
+    CIndexEntry entry;
+    entry.page = "a b\"<.html";
+    entry.results = "</script><b>";
+    entry.colours = {{0, -1}, {63, 5}};
+    entry.isSound = false;
+    const std::string index = IndexPage({entry, {}});
+    EXPECT_NE(index.find("href=\"a%20b%22%3C.html\""), std::string::npos);
+    EXPECT_EQ(index.find("<b>"), std::string::npos);
+    const std::vector<CIndexEntry> read = EntriesOf(index);
+    ASSERT_EQ(read.size(), 2U);
+    EXPECT_EQ(read[0].page, entry.page);
+    EXPECT_EQ(read[0].results, entry.results);
+    EXPECT_EQ(read[0].colours, entry.colours);
+    EXPECT_FALSE(read[0].isSound);
+    EXPECT_TRUE(EntriesOf("<html>id=\"entries\">[{}]<").empty());
+    EXPECT_TRUE(EntriesOf("").empty());
 }
 
 TEST_F(ReportCommand, RefusesFilesOfAnotherKind) {

@@ -22,6 +22,8 @@ extern const CAsset kDygraphsStyle;
 extern const CAsset kDygraphsLicence;
 /// What the page does when somebody chooses something.
 extern const CAsset kPageScript;
+/// What an index does when somebody searches or sorts.
+extern const CAsset kIndexScript;
 /// How the page looks.
 extern const CAsset kPageStyle;
 

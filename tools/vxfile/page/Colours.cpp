@@ -67,10 +67,14 @@ std::string ColourRules() {
     return rules;
 }
 
-std::string ColourOf(double value, double least, double greatest) {
+std::size_t ColourNumber(double value, double least, double greatest) {
     const double part = greatest > least ? (value / 2 - least / 2) / (greatest / 2 - least / 2) : 0.5;
     const double place = std::clamp(part, 0.0, 1.0) * (kColours - 1);
-    return "c" + std::to_string(std::isfinite(place) ? static_cast<std::size_t>(std::lround(place)) : kColours / 2);
+    return std::isfinite(place) ? static_cast<std::size_t>(std::lround(place)) : kColours / 2;
+}
+
+std::string ColourOf(double value, double least, double greatest) {
+    return "c" + std::to_string(ColourNumber(value, least, greatest));
 }
 
 }  // namespace vxfile::page

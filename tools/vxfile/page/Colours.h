@@ -13,7 +13,10 @@ inline constexpr std::size_t kColours = 64;
 /// grey. The text is black or white, whichever has the higher contrast, which is at least 4.5:1.
 std::string ColourRules();
 
-/// Returns the class of a value within a range, such as "c12". The middle colour if the range is a point.
+/// Returns the number of a value's colour within a range. The middle one if the range is a point.
+std::size_t ColourNumber(double value, double least, double greatest);
+
+/// Returns the class of a value within a range, such as "c12".
 std::string ColourOf(double value, double least, double greatest);
 
 }  // namespace vxfile::page

@@ -41,6 +41,21 @@ std::string EscapedText(std::string_view text) { return Escaped(text, "&<>"); }
 
 std::string EscapedAttribute(std::string_view text) { return Escaped(text, "&<>\"'"); }
 
+std::string AddressOf(std::string_view name) {
+    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string address;
+    for (const char c : name) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (kPlain.find(c) != std::string_view::npos) {
+            address += c;
+        } else {
+            address.append({'%', kDigits[byte >> 4U], kDigits[byte & 15U]});
+        }
+    }
+    return address;
+}
+
 CHtml::CHtml() : m_bytes("<!doctype html>\n") {}
 
 void CHtml::StartTag(std::string_view tag, CAttributes attributes) {

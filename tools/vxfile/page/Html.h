@@ -16,6 +16,9 @@ std::string EscapedText(std::string_view text);
 /// Returns a text as the value of an attribute, to be put between quotation marks.
 std::string EscapedAttribute(std::string_view text);
 
+/// Returns the name of a file in the same folder as an address.
+std::string AddressOf(std::string_view name);
+
 /// Writes a page. It is the only place that writes markup, so a text from a file can't become markup.
 class CHtml {
  public:

@@ -3,23 +3,16 @@
 #include "tools/vxfile/page/Assets.h"
 #include "tools/vxfile/page/Colours.h"
 #include "tools/vxfile/page/Html.h"
+#include "tools/vxfile/page/Policy.h"
 #include "tools/vxfile/page/Sections.h"
 
 namespace vxfile::page {
 
 namespace {
 
-/// Forbids every load, every script but the two embedded ones, and sending anything anywhere.
-std::string Policy() {
-    return "default-src 'none'; script-src " + PolicyNameOf(kDygraphsScript) + ' ' + PolicyNameOf(kPageScript) +
-           "; style-src 'unsafe-inline'; base-uri 'none'; form-action 'none'";
-}
-
 void WriteDocumentHead(CHtml& html, const CPlateValues& values) {
     html.Element("head", {}, [&] {
-        html.Void("meta", {{"charset", "utf-8"}});
-        html.Void("meta", {{"http-equiv", "Content-Security-Policy"}, {"content", Policy()}});
-        html.Void("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}});
+        WritePolicy(html, PolicyNameOf(kDygraphsScript) + ' ' + PolicyNameOf(kPageScript));
         html.Element("title", {}, values.compound + (values.plate.empty() ? "" : ", " + values.plate));
         html.Embed("style", kDygraphsStyle.text);
         html.Embed("style", kPageStyle.text);

@@ -43,6 +43,7 @@ embed(DygraphsScript ${DYGRAPHS}/dygraph.min.js)
 embed(DygraphsStyle ${DYGRAPHS}/dygraph.min.css)
 embed(DygraphsLicence ${ASSETS}/dygraphs-licence.txt)
 embed(PageScript ${ASSETS}/page.js)
+embed(IndexScript ${ASSETS}/index.js)
 embed(PageStyle ${ASSETS}/page.css)
 file(APPEND ${OUTPUT} "
 }  // namespace vxfile::page

@@ -1,29 +1,20 @@
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "tools/vxfile/document/XmlVerify.h"
-#include "tools/vxfile/page/PlatePage.h"
-#include "tools/vxfile/page/PlateValues.h"
-#include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/report/Complaint.h"
-#include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/FolderReport.h"
+#include "tools/vxfile/shell/PlateReport.h"
 #include "tools/vxfile/shell/commands/Commands.h"
+#include "tools/vxfile/system/ExitStatus.h"
 #include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Output.h"
-#include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr CCommandText kText = {
     .name = "report",
@@ -31,7 +22,9 @@ constexpr CCommandText kText = {
     .details =
         "The page shows the plate as a heat map, the dose-response of each response and, for a chosen well, averaged "
         "beats and beat intervals. With the settings, wells are at their places and excluded values are marked. With "
-        "the recording, the page has the signal, too. It is a single file that loads nothing.",
+        "the recording, the page has the signal, too. Files next to the results that have their name and their Guid "
+        "are used by themselves. The page is a single file that loads nothing. For a folder, or several results files, "
+        "writes a folder with a page for each and an index; pages whose files haven't changed stay.",
     .example = "vxfile report run.vxr --settings run.vxs --raw run.vxd -o run.html",
     .statuses =
         "  0  the page was written\n"
@@ -39,19 +32,16 @@ constexpr CCommandText kText = {
         "  2  not written, or it exists already; nothing was replaced",
 };
 
-std::string StateText(const CFindings& findings) {
-    if (findings.Status() == kSound) return "sound";
-    const std::string count = findings.Status() == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
-    return findings.Kept().empty() ? count : count + ": " + Readable(findings.Kept().front().meaning);
-}
-
 class CReportCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
         return {
-            {.names = "RESULTS", .target = &m_results, .text = "The results file", .isRequired = true},
+            {.names = "RESULTS",
+             .target = &m_results,
+             .text = "The results file, or several, or folders",
+             .isRequired = true},
             {.names = "--settings",
              .target = &m_settings,
              .text = "The settings file of the same run",
@@ -59,86 +49,48 @@ class CReportCommand : public CCommand {
             {.names = "--raw", .target = &m_raw, .text = "The raw data file of the same run", .value = "FILE"},
             {.names = "-o,--output",
              .target = &m_output,
-             .text = "The page, such as run.html; - for standard output",
+             .text = "The page, such as run.html, or - for standard output; for several, a folder",
              .isRequired = true,
              .value = "PAGE"},
-            {.names = "--force", .target = &m_force, .text = "Replace an existing page"},
+            {.names = "--force", .target = &m_force, .text = "Replace existing pages"},
         };
     }
 
     int Run() override {
-        CheckFiles();
-        COutput output({.path = m_output, .source = m_results, .replace = m_force});
-        output.Write(MakePage());
-        output.Finish();
-        COutput* const finished = &output;
-        COutput::Commit({&finished, 1});
-        std::ranges::for_each(m_source.notes, Complain);
-        return m_isSound && m_source.notes.empty() ? kSound : kFindings;
+        const bool isOne = m_results.size() == 1 && !std::filesystem::is_directory(m_results.front());
+        return isOne ? WritePage(m_results.front()) : WriteFolder();
     }
 
  private:
-    /// Checks the files. Those of other kinds, and those that the page would replace, are refused.
-    void CheckFiles() {
-        AddFile(EFileKind::Results, m_results, VerifyResults);
-        if (!m_settings.empty()) AddFile(EFileKind::Settings, m_settings, VerifySettings);
-        if (!m_raw.empty()) AddFile(EFileKind::RawData, m_raw, VerifyRawData);
-    }
-
-    void AddFile(EFileKind kind, const std::string& path, CFindings (*verify)(const std::string&)) {
-        const EFileKind found = FileKindOf(path);
-        if (found != kind)
-            throw CFailure(path + " is " + ArticleAndNameOf(found) + "; expected " + ArticleAndNameOf(kind) + " here.");
-        if (m_output != "-") RefuseTarget(m_output, path);
-        const CFindings findings = verify(path);
-        m_isSound = m_isSound && findings.Status() == kSound;
-        std::error_code ignored;
-        const auto size = static_cast<std::int64_t>(fs::file_size(path, ignored));
-        m_source.files.push_back({Readable(fs::path(path).filename().string()), std::string(NameOf(kind)),
-                                  SizeText(size), StateText(findings), findings.Status() == kSound});
-        CheckInterrupt();
-    }
-
-    std::string MakePage() {
-        CIResultsReader results;
-        CISettingsReader settings;
-        CIRawDataReader recording;
-        results.ReadFile(m_results);
-        m_source.header = results.GetXmlFileHeader();
-        m_source.results = results.GetResults();
-        if (!m_settings.empty()) {
-            settings.ReadFile(m_settings);
-            m_source.settings = &settings;
-            CompareRuns(settings.GetXmlFileHeader()->Guid, m_settings);
+    int WritePage(const std::string& results) {
+        for (const std::string& source : {results, m_settings, m_raw}) {
+            if (m_output != "-" && !source.empty()) RefuseTarget(m_output, source);
         }
-        if (!m_raw.empty()) {
-            recording.Open(m_raw);
-            m_source.recording = &recording;
-            CompareRuns(recording.GetFileHdr()->Guid, m_raw);
-        }
-        const page::CPlateValues values = page::MakePlateValues(m_source);
-        m_source.notes = values.notes;
-        CheckInterrupt();
-        return page::PlatePage(values);
+        COutput output({.path = m_output, .source = results, .replace = m_force});
+        const CPlateReport report = MakePlateReport(WithNeighbours({results, m_settings, m_raw}));
+        output.Write(report.page);
+        output.Finish();
+        COutput* const finished = &output;
+        COutput::Commit({&finished, 1});
+        std::ranges::for_each(report.notes, Complain);
+        return report.isSound && report.notes.empty() ? kSound : kFindings;
     }
 
-    /// Most programs leave the Guid out.
-    void CompareRuns(const std::string& guid, const std::string& path) {
-        const std::string other = BareGuid(guid);
-        const std::string own = BareGuid(m_source.header->Guid);
-        if (other.empty() || own.empty() || other == own) return;
-        m_source.notes.push_back(Readable(fs::path(path).filename().string()) +
-                                 " isn't of the run of the results: its Guid is " + Readable(guid) +
-                                 ", that of the results " + Readable(m_source.header->Guid) + '.');
+    int WriteFolder() {
+        if (!m_settings.empty() || !m_raw.empty())
+            throw CFailure(
+                "--settings and --raw are files of one run, so they can't be given for several; put them next "
+                "to the results, with the same name.");
+        const std::vector<std::string> results = ResultsIn(m_results);
+        if (results.empty()) throw CFailure(m_results.front() + " has no results files; name one, or another folder.");
+        return ReportOnFolder(results, m_output, m_force);
     }
 
-    std::string m_results;
+    std::vector<std::string> m_results;
     std::string m_settings;
     std::string m_raw;
     std::string m_output;
     bool m_force = false;
-    bool m_isSound = true;
-    page::CPlateSource m_source;
 };
 
 }  // namespace

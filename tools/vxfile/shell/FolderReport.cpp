@@ -1,0 +1,164 @@
+#include "tools/vxfile/shell/FolderReport.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <set>
+#include <span>
+#include <system_error>
+
+#include "tools/vxfile/page/IndexPage.h"
+#include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/FolderWalk.h"
+#include "tools/vxfile/shell/PlateReport.h"
+#include "tools/vxfile/system/ExitStatus.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/Hex.h"
+#include "tools/vxfile/system/Interrupt.h"
+#include "tools/vxfile/system/Output.h"
+#include "tools/vxfile/system/WholeText.h"
+#include "tools/vxfile/system/Xxh3.h"
+
+namespace vxfile {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Returns a checksum of all that a page is made from: the program and the files with their names.
+std::string ChecksumOf(const CRunPaths& paths) {
+    CXxh3 sum;
+    const auto add = [&](const std::string& bytes) {
+        const std::string size = std::to_string(bytes.size()) + ' ';
+        sum.Add(std::as_bytes(std::span(size)));
+        sum.Add(std::as_bytes(std::span(bytes)));
+    };
+    add(VXFILE_VERSION);
+    for (const std::string& path : {paths.results, paths.foundSettings, paths.foundRecording}) {
+        CheckInterrupt();
+        add(fs::path(path).filename().string());
+        if (!path.empty()) add(ReadWholeText(path));
+    }
+    return HexOf(sum.Take());
+}
+
+void WriteText(const std::string& path, const std::string& text, bool replace) {
+    COutput output({.path = path, .replace = replace});
+    output.Write(text);
+    output.Finish();
+    COutput* const finished = &output;
+    COutput::Commit({&finished, 1});
+}
+
+/// The folder of an index.
+class CFolderReport {
+ public:
+    CFolderReport(std::string folder, bool replace) : m_folder(std::move(folder)), m_replace(replace) {
+        std::error_code error;
+        fs::create_directories(m_folder, error);
+        if (error) throw CFailure("Can't make the folder " + m_folder + ": " + error.message() + '.');
+        if (!fs::exists(PathOf(kIndex), error)) return;
+        for (const page::CIndexEntry& entry : page::EntriesOf(ReadWholeText(PathOf(kIndex))))
+            m_earlier[entry.page] = entry;
+    }
+
+    void Add(const std::string& results) {
+        page::CIndexEntry entry;
+        const std::string name = FreeName(fs::path(results).stem().string());
+        const std::string failure = FailureOf([&] { entry = EntryOf(results, name); });
+        if (!failure.empty()) {
+            Complain(failure);
+            m_status = kTrouble;
+            entry.results = Readable(fs::path(results).filename().string());
+            entry.state = Readable(failure);
+            entry.isSound = false;
+        }
+        m_entries.push_back(entry);
+    }
+
+    /// Writes the index and returns the exit status.
+    int Finish() {
+        WriteText(PathOf(kIndex), page::IndexPage(m_entries), m_replace || !m_earlier.empty());
+        std::cout << PathOf(kIndex) << ": " << Counted(m_entries.size(), "plate") << ", " << Counted(m_made, "page")
+                  << " made\n";
+        return m_status;
+    }
+
+ private:
+    static constexpr const char* kIndex = "index.html";
+
+    std::string PathOf(const std::string& name) const { return (fs::path(m_folder) / name).string(); }
+
+    /// Returns a name for a page that no other page of this run has.
+    std::string FreeName(const std::string& stem) {
+        std::string name = stem + ".html";
+        for (int number = 2; name == kIndex || !m_names.insert(name).second; ++number)
+            name = stem + '-' + std::to_string(number) + ".html";
+        return name;
+    }
+
+    page::CIndexEntry EntryOf(const std::string& results, const std::string& name) {
+        const CRunPaths paths = WithNeighbours({results});
+        const std::string inputs = ChecksumOf(paths);
+        const auto earlier = m_earlier.find(name);
+        std::error_code ignored;
+        const bool isKept = earlier != m_earlier.end() && earlier->second.inputs == inputs;
+        if (isKept && fs::is_regular_file(PathOf(name), ignored)) {
+            Judge(earlier->second.isSound);
+            return earlier->second;
+        }
+        CPlateReport report = MakePlateReport(paths);
+        WriteText(PathOf(name), report.page, m_replace || earlier != m_earlier.end());
+        ++m_made;
+        Judge(report.entry.isSound);
+        std::ranges::for_each(report.notes, Complain);
+        report.entry.page = name;
+        report.entry.inputs = inputs;
+        return report.entry;
+    }
+
+    void Judge(bool isSound) {
+        if (!isSound) m_status = std::max<int>(m_status, kFindings);
+    }
+
+    std::string m_folder;
+    bool m_replace;
+    std::map<std::string, page::CIndexEntry> m_earlier;  ///< Those of the index that is there, by page.
+    std::set<std::string> m_names;
+    std::vector<page::CIndexEntry> m_entries;
+    std::size_t m_made = 0;
+    int m_status = kSound;
+};
+
+}  // namespace
+
+std::vector<std::string> ResultsIn(const std::vector<std::string>& paths) {
+    std::vector<std::string> results;
+    std::error_code ignored;
+    for (const std::string& path : paths) {
+        if (!fs::is_directory(path, ignored)) {
+            results.push_back(path);
+            continue;
+        }
+        for (const CFolderEntry& entry : WalkFolder(path).entries) {
+            EFileKind kind = EFileKind::Unknown;
+            const std::string failure =
+                entry.failure.empty() ? FailureOf([&] { kind = FileKindOf(entry.path); }) : entry.failure;
+            if (kind == EFileKind::Results) results.push_back(entry.path);
+            if (!failure.empty()) Complain(failure);
+        }
+    }
+    return results;
+}
+
+int ReportOnFolder(const std::vector<std::string>& results, const std::string& folder, bool replace) {
+    CFolderReport report(folder, replace);
+    for (const std::string& path : results)
+        report.Add(path);
+    return report.Finish();
+}
+
+}  // namespace vxfile

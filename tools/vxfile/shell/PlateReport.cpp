@@ -1,0 +1,132 @@
+#include "tools/vxfile/shell/PlateReport.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "tools/vxfile/document/DocumentHead.h"
+#include "tools/vxfile/document/XmlVerify.h"
+#include "tools/vxfile/page/PlatePage.h"
+#include "tools/vxfile/page/PlateValues.h"
+#include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/system/ExitStatus.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/Interrupt.h"
+#include "vxfileio/base/FileExtensions.h"
+#include "vxfileio/frame/VXFileIO.h"
+
+namespace vxfile {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string NameOfFile(const std::string& path) { return Readable(fs::path(path).filename().string()); }
+
+std::string StateText(const CFindings& findings) {
+    if (findings.Status() == kSound) return "sound";
+    const std::string count = findings.Status() == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
+    return findings.Kept().empty() ? count : count + ": " + Readable(findings.Kept().front().meaning);
+}
+
+/// Makes one page.
+class CPlateReporter {
+ public:
+    explicit CPlateReporter(const CRunPaths& paths) : m_paths(paths) {}
+
+    CPlateReport Make() {
+        AddFile(EFileKind::Results, m_paths.results, VerifyResults);
+        m_results.ReadFile(m_paths.results);
+        m_source.header = m_results.GetXmlFileHeader();
+        m_source.results = m_results.GetResults();
+        AddSettings();
+        AddRecording();
+        return ReportOf(page::MakePlateValues(m_source));
+    }
+
+ private:
+    /// A file that was named is used in any case. One that was found next to the results must be of their run.
+    void AddSettings() {
+        const std::string path = m_paths.settings.empty() ? m_paths.foundSettings : m_paths.settings;
+        if (path.empty()) return;
+        const bool isFound = m_paths.settings.empty();
+        const std::string failure = FailureOf([&] { m_settings.ReadFile(path); });
+        if (isFound && (!failure.empty() || !IsOfRun(m_settings.GetXmlFileHeader()->Guid))) return;
+        AddFile(EFileKind::Settings, path, VerifySettings);
+        if (!failure.empty()) throw CFailure(failure);
+        m_source.settings = &m_settings;
+        CompareRuns(path, m_settings.GetXmlFileHeader()->Guid);
+    }
+
+    void AddRecording() {
+        const std::string path = m_paths.recording.empty() ? m_paths.foundRecording : m_paths.recording;
+        if (path.empty()) return;
+        const bool isFound = m_paths.recording.empty();
+        const std::string failure = FailureOf([&] { m_recording.Open(path); });
+        if (isFound && (!failure.empty() || !IsOfRun(m_recording.GetFileHdr()->Guid))) return;
+        AddFile(EFileKind::RawData, path, VerifyRawData);
+        if (!failure.empty()) throw CFailure(path + ": " + failure);
+        m_source.recording = &m_recording;
+        CompareRuns(path, m_recording.GetFileHdr()->Guid);
+    }
+
+    CPlateReport ReportOf(const page::CPlateValues& values) const {
+        CheckInterrupt();
+        CPlateReport report{page::PlatePage(values), page::IndexEntryOf(values), values.notes, m_isSound};
+        report.entry.results = NameOfFile(m_paths.results);
+        report.entry.isSound = m_isSound && values.notes.empty();
+        report.entry.state = report.entry.isSound ? "sound" : m_isSound ? values.notes.front() : "damaged, see page";
+        return report;
+    }
+
+    void AddFile(EFileKind kind, const std::string& path, CFindings (*verify)(const std::string&)) {
+        RequireKind(kind, path);
+        const CFindings findings = verify(path);
+        m_isSound = m_isSound && findings.Status() == kSound;
+        std::error_code ignored;
+        const auto size = static_cast<std::int64_t>(fs::file_size(path, ignored));
+        m_source.files.push_back({NameOfFile(path), std::string(NameOf(kind)), SizeText(size), StateText(findings),
+                                  findings.Status() == kSound});
+        CheckInterrupt();
+    }
+
+    std::string DifferenceOf(const std::string& path, const std::string& guid) const {
+        return DifferenceOfRuns({NameOfFile(path), guid}, {NameOfFile(m_paths.results), m_source.header->Guid});
+    }
+
+    bool IsOfRun(const std::string& guid) const {
+        return !guid.empty() && !m_source.header->Guid.empty() && DifferenceOf({}, guid).empty();
+    }
+
+    void CompareRuns(const std::string& path, const std::string& guid) {
+        const std::string sentence = DifferenceOf(path, guid);
+        if (!sentence.empty()) m_source.notes.push_back(sentence);
+    }
+
+    CRunPaths m_paths;
+    CIResultsReader m_results;
+    CISettingsReader m_settings;
+    CIRawDataReader m_recording;
+    bool m_isSound = true;
+    page::CPlateSource m_source;
+};
+
+std::string Neighbour(const std::string& results, std::string_view extension) {
+    const std::string path = fs::path(results).replace_extension(extension).string();
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored) ? path : "";
+}
+
+}  // namespace
+
+CRunPaths WithNeighbours(CRunPaths paths) {
+    paths.foundSettings = Neighbour(paths.results, vxfileio::kSettingsExtension);
+    paths.foundRecording = Neighbour(paths.results, vxfileio::kRawDataExtension);
+    return paths;
+}
+
+CPlateReport MakePlateReport(const CRunPaths& paths) { return CPlateReporter(paths).Make(); }
+
+}  // namespace vxfile

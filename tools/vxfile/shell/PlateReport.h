@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/vxfile/page/IndexPage.h"
+
+namespace vxfile {
+
+/// The files of a run.
+struct CRunPaths {
+    std::string results;
+    std::string settings = {};        ///< Named by somebody; empty if none was.
+    std::string recording = {};       ///< The same.
+    std::string foundSettings = {};   ///< Next to the results; used if none was named and it has their Guid.
+    std::string foundRecording = {};  ///< The same.
+};
+
+/// Adds the settings file and the raw data file that have the name of the results file.
+CRunPaths WithNeighbours(CRunPaths paths);
+
+/// A page about a plate.
+struct CPlateReport {
+    std::string page;
+    page::CIndexEntry entry;         ///< For an index, without the name of the page and the checksum.
+    std::vector<std::string> notes;  ///< What isn't right, a sentence each; the page has them, too.
+    bool isSound = true;             ///< Whether all files are sound.
+};
+
+/// Reads the files and makes the page. Throws `CFailure` or `CExcVXReader` if a file can't be read, or is of another
+/// kind.
+CPlateReport MakePlateReport(const CRunPaths& paths);
+
+}  // namespace vxfile
