@@ -6,9 +6,9 @@
 
 namespace vxfile {
 
-/// Reads a settings or results file by the library's reader. Returns what was wrong with it, or an empty text. A dose
-/// that has no text, which ends the reader's work on files of older versions, is part of that. Throws `CExcVXReader` if
-/// the file can't be opened.
+/// Reads a settings or results file with the library's reader. Returns what was wrong with it, or an empty text. This
+/// includes a dose too large to be shown with a unit, at which the reader stops in files of older versions. Throws
+/// `CExcVXReader` if the file can't be opened.
 template <class CReader>
 [[nodiscard]] std::string ReadDocument(CReader& reader, const std::string& path) {
     try {

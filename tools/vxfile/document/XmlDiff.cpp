@@ -17,10 +17,10 @@ namespace vxfile {
 
 namespace {
 
-/// No document of this system is half as deep. A path is kept for each value, so depth costs memory.
+/// More than twice the depth of any document that writers write. Limits memory, since each value keeps its path.
 constexpr std::size_t kMostDepth = 32;
 
-/// Such as "&#128;".
+/// The length of "&#128;".
 constexpr std::size_t kLongestReference = 6;
 
 /// Returns the decoded text of a value.
@@ -46,7 +46,7 @@ std::string Decoded(std::string_view text) {
     return decoded;
 }
 
-/// Gathers the values of a document by the paths of their elements; an element that comes again has its number.
+/// Collects the values of a document with the paths of their elements. Paths number elements of the same tag.
 class CXmlLeaves {
  public:
     CXmlLeaves(std::string path, std::string_view document) : m_file(std::move(path)), m_tokens(document) {}
@@ -81,7 +81,7 @@ class CXmlLeaves {
                 m_levels.back().text = token.bytes;
                 break;
             case CXmlToken::EKind::Broken:
-                throw CFailure(m_file + " ends within a tag; vxfile verify tells more.");
+                throw CFailure(m_file + " ends inside a tag; run 'vxfile verify' for details.");
             default:
                 break;
         }
@@ -89,7 +89,7 @@ class CXmlLeaves {
 
     void Open(const CXmlToken& token) {
         if (m_levels.size() > kMostDepth)
-            throw CFailure(m_file + " has elements that no such file has; vxfile verify tells more.");
+            throw CFailure(m_file + " nests elements deeper than any such file; run 'vxfile verify' for details.");
         CLevel& parent = m_levels.back();
         parent.hasChildren = true;
         const std::size_t number = parent.counts[token.tag]++;
@@ -99,7 +99,8 @@ class CXmlLeaves {
     }
 
     void Close() {
-        if (m_levels.size() < 2) throw CFailure(m_file + " closes what isn't open; vxfile verify tells more.");
+        if (m_levels.size() < 2)
+            throw CFailure(m_file + " has an end tag without a start tag; run 'vxfile verify' for details.");
         const CLevel& level = m_levels.back();
         if (!level.hasChildren) m_leaves.push_back({m_path.substr(1), Decoded(level.text)});
         m_path.resize(level.pathSize);

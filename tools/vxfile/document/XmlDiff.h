@@ -6,7 +6,7 @@
 
 namespace vxfile {
 
-/// Compares two settings or results files and adds to `differences` how they differ. Throws `CFailure` if one can't be
+/// Compares two settings or results files and adds what differs to `differences`. Throws `CFailure` if one can't be
 /// read.
 void CompareDocuments(const std::string& left, const std::string& right, CDifferences& differences);
 

@@ -14,7 +14,7 @@ namespace vxfile {
 
 namespace {
 
-void TellHeader(const CXmlFileHeader& header, CPage& page) {
+void AddHeader(const CXmlFileHeader& header, CPage& page) {
     page.AddText("Compound", "compoundName", header.CompoundName);
     page.AddText("Instrument", "instrument", header.VexaprobeMode);
     page.AddText("File type", "fileType", header.FileType);
@@ -33,14 +33,14 @@ std::string DosesText(const std::vector<std::uint64_t>& doses) {
     return text;
 }
 
-void TellNotebook(const CPropNotebook& notebook, CPage& page) {
+void AddNotebook(const CPropNotebook& notebook, CPage& page) {
     page.AddText("Experiment", "experimentID", notebook.ExperimentID);
     page.AddText("Scientist", "scientist", notebook.Scientist);
     page.AddText("Operator", "operator", notebook.Operator);
     page.AddText("Comment", "comment", notebook.Comment);
 }
 
-void TellRecording(const CPropRecording& recording, CPage& page) {
+void AddRecording(const CPropRecording& recording, CPage& page) {
     page.Add("Sample interval", "interval", std::to_string(recording.Tick), recording.Tick);
     page.Add("Length", "length", std::to_string(recording.RecordingTime), recording.RecordingTime);
     page.Add("Zero", "adZero", std::to_string(recording.ADZero), recording.ADZero);
@@ -49,8 +49,8 @@ void TellRecording(const CPropRecording& recording, CPage& page) {
              recording.VoltPerADStep);
 }
 
-/// The wells go into a table, and into the document.
-void TellPlate(const CPropRecordPlate& plate, CPage& page) {
+/// Adds the wells to the table and to the JSON document.
+void AddPlate(const CPropRecordPlate& plate, CPage& page) {
     page.Add("Plate", "layout", PlateLayoutToString(plate.Data.Layout));
     page.Add("Doses", "series", DosesText(plate.Data.Series), plate.Data.Series);
     std::vector<CPage::CRow> table = {{"Well", "Label", "Channel", "Row", "Column", "State"}};
@@ -73,7 +73,7 @@ void TellPlate(const CPropRecordPlate& plate, CPage& page) {
     page.SetTable(std::move(table));
 }
 
-void TellQualityChecks(const CPropQualityCheck& checks, CPage& page) {
+void AddQualityChecks(const CPropQualityCheck& checks, CPage& page) {
     std::vector<std::string> tasks;
     std::string text;
     for (const auto& [task, check] : checks.QualityChecks) {
@@ -83,9 +83,9 @@ void TellQualityChecks(const CPropQualityCheck& checks, CPage& page) {
     page.Add("Quality checks", "qualityChecks", text.empty() ? "none" : text, tasks);
 }
 
-/// Adds one recording of a task.
-void TellResults(const std::string& task, std::size_t number, const CResultsRecording& recording,
-                 std::vector<CPage::CRow>& table, CJson& list) {
+/// Adds one recording of a task to the table and the list.
+void AddResults(const std::string& task, std::size_t number, const CResultsRecording& recording,
+                std::vector<CPage::CRow>& table, CJson& list) {
     std::size_t beats = 0;
     std::size_t averages = 0;
     std::vector<std::int32_t> wellIDs;
@@ -112,11 +112,11 @@ CPage InfoOfSettings(const std::string& path) {
     CPage page;
     CISettingsReader reader;
     page.SetDamage(ReadDocument(reader, path));
-    TellHeader(*reader.GetXmlFileHeader(), page);
-    TellNotebook(*reader.GetNotebookProperty(), page);
-    TellRecording(*reader.GetRecordingProperty(), page);
-    TellQualityChecks(*reader.GetQualityCheckProperty(), page);
-    TellPlate(*reader.GetRecordPlateProperty(), page);
+    AddHeader(*reader.GetXmlFileHeader(), page);
+    AddNotebook(*reader.GetNotebookProperty(), page);
+    AddRecording(*reader.GetRecordingProperty(), page);
+    AddQualityChecks(*reader.GetQualityCheckProperty(), page);
+    AddPlate(*reader.GetRecordPlateProperty(), page);
     return page;
 }
 
@@ -124,13 +124,13 @@ CPage InfoOfResults(const std::string& path) {
     CPage page;
     CIResultsReader reader;
     page.SetDamage(ReadDocument(reader, path));
-    TellHeader(*reader.GetXmlFileHeader(), page);
+    AddHeader(*reader.GetXmlFileHeader(), page);
     std::vector<CPage::CRow> table = {{"Task", "Number", "Dose", "Wells", "Beats", "Averages", "Means"}};
     CJson list = CJson::array();
     const CResults& results = *reader.GetResults();
     for (const auto& [key, task] : results.Tasks) {
         for (std::size_t i = 0; i < task.Recordings.size(); ++i)
-            TellResults(Readable(task.TaskName), i, task.Recordings[i], table, list);
+            AddResults(Readable(task.TaskName), i, task.Recordings[i], table, list);
     }
     page.Add("Tasks", "taskCount", std::to_string(results.Tasks.size()), results.Tasks.size());
     page.Add("Recordings", "recordingCount", std::to_string(list.size()), list.size());

@@ -7,7 +7,7 @@ namespace vxfile {
 
 namespace {
 
-/// What isn't an element, by its two ends.
+/// How markup other than an element begins and ends.
 struct COtherForm {
     std::string_view begin;
     std::string_view end;
@@ -20,9 +20,9 @@ constexpr std::array kOtherForms = {
     COtherForm{"<!", ">"},
 };
 
-constexpr std::string_view kBehindTag = " \t\r\n/>";
+constexpr std::string_view kTagEnds = " \t\r\n/>";
 
-/// Returns the offset after the `>` of a tag; npos if there is none. A quoted value may contain a `>`.
+/// Returns the offset after the `>` of a tag; npos if it is missing. A quoted value may contain a `>`.
 std::size_t EndOfTag(std::string_view text) {
     char quote = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -70,7 +70,7 @@ CXmlToken CXmlTokens::TakeTag(std::string_view rest) {
     const std::size_t begin = isEnd ? 2 : 1;
     const std::size_t end = size - (isSelfClosed ? 2 : 1);
     const std::string_view inner = token.bytes.substr(begin, end - begin);
-    token.tag = inner.substr(0, inner.find_first_of(kBehindTag));
+    token.tag = inner.substr(0, inner.find_first_of(kTagEnds));
     token.attributes = inner.substr(token.tag.size());
     return token;
 }

@@ -5,32 +5,32 @@
 
 namespace vxfile {
 
-/// One piece of a document.
+/// One token of a document.
 struct CXmlToken {
     enum class EKind {
         Start,       ///< `<tag ...>`
         SelfClosed,  ///< `<tag ... />`
         End,         ///< `</tag>`
         Text,        ///< The bytes between two tags, undecoded.
-        Other,       ///< Declaration, comment, CDATA section and their like.
-        Broken,      ///< A tag that the document ends in.
+        Other,       ///< Declaration, comment, CDATA section or the like.
+        Broken,      ///< A tag that is cut by the end of the document.
         Nothing,     ///< The end of the document.
     };
 
     EKind kind = EKind::Nothing;
     std::size_t offset = 0;
-    std::string_view bytes = {};       ///< All of it.
+    std::string_view bytes = {};       ///< The whole token.
     std::string_view tag = {};         ///< Of an element.
     std::string_view attributes = {};  ///< The bytes after the tag, including the blank.
 };
 
-/// Cuts a document into its pieces, without decoding or judging them. Every byte belongs to one piece.
+/// Splits a document into tokens, without decoding or checking them. Every byte belongs to one token.
 class CXmlTokens {
  public:
-    /// The document stays the caller's and outlives the tokens.
+    /// Keeps a view of the document, which must outlive this object and its tokens.
     explicit CXmlTokens(std::string_view document) : m_document(document) {}
 
-    /// Returns the next piece; `Nothing` at the end, however often.
+    /// Returns the next token; at the end always `Nothing`.
     CXmlToken Next();
 
  private:

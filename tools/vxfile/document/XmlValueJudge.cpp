@@ -20,7 +20,7 @@ using CVerdict = std::optional<CValueFault>;
 
 constexpr std::array<std::string_view, 4> kNamedReferences = {"&quot;", "&amp;", "&lt;", "&gt;"};
 
-/// Returns the bytes of the reference at the front, as it is written for a byte that needs one; 0 if it is another.
+/// Returns the length of the reference at the front; 0 if writers never write such a reference.
 std::size_t SizeOfReference(std::string_view text) {
     constexpr std::size_t kNumeric = 6;  // &#128;
     for (const auto reference : kNamedReferences) {
@@ -33,7 +33,7 @@ std::size_t SizeOfReference(std::string_view text) {
     return areDigits && value >= 128 && value <= 255 ? kNumeric : 0;
 }
 
-/// The number of decoded bytes of a text, or its fault.
+/// The number of bytes of a decoded text, and its first fault.
 struct CTextLength {
     std::size_t bytes = 0;
     CVerdict fault = std::nullopt;
@@ -48,12 +48,12 @@ CTextLength Measure(std::string_view text) {
             size = SizeOfReference(text);
             if (size == 0) {
                 length.fault = CValueFault{"&quot; &amp; &lt; &gt; or &#128; to &#255;",
-                                           "The reference is of another form; readers may take it for something else."};
+                                           "The reference has another form; readers may decode it differently."};
                 return length;
             }
         } else if (c == '"' || c == '>' || static_cast<unsigned char>(c) >= 0x80) {
-            length.fault = CValueFault{"a reference in place of " + Quoted({&c, 1}),
-                                       "Another program wrote this; readers of this library take the byte as it is."};
+            length.fault = CValueFault{"a reference instead of " + Quoted({&c, 1}),
+                                       "Another program wrote this; this library reads the byte as it is."};
             return length;
         }
         ++length.bytes;
@@ -65,20 +65,18 @@ CTextLength Measure(std::string_view text) {
 CVerdict JudgeCharacter(std::string_view text) {
     const CTextLength length = Measure(text);
     if (length.fault || length.bytes <= 1) return length.fault;
-    return CValueFault{"one character", "Readers take the first one."};
+    return CValueFault{"one character", "Readers use the first one."};
 }
 
 CVerdict JudgeWord(const CXmlElement& rule, std::string_view text) {
     if (std::ranges::find(rule.words, text) != rule.words.end()) return std::nullopt;
     if (text.empty() && rule.mayBeEmpty) return std::nullopt;
-    std::string words;
-    for (const auto word : rule.words)
-        words += (words.empty() ? "" : ", ") + std::string(word);
-    return CValueFault{"one of the words " + words, "Readers take it for an unknown one."};
+    return CValueFault{vxfileio::xmlarchive::OneOf(rule.words), "Readers treat it as unknown."};
 }
 
 // ---- Numbers --------------------------------------------------------------------------------------------------------
 
+/// Returns the number as writers write it.
 std::string WrittenNumber(EXmlKind kind, std::string_view text) {
     const auto written = [](auto number) { return std::string(CNumberText(number).View()); };
     switch (kind) {
@@ -103,19 +101,19 @@ CVerdict JudgeNumber(EXmlKind kind, std::string_view text) {
     if (text.empty()) return CValueFault{"a number", "Readers keep the default."};
     std::string written = WrittenNumber(kind, text);
     if (text == written) return std::nullopt;
-    return CValueFault{"the number as it is written, " + Quoted(written), "Readers take it for " + written + "."};
+    return CValueFault{"the number as writers write it, " + Quoted(written), "Readers read it as " + written + "."};
 }
 
 CVerdict JudgeSamples(std::string_view text) {
     while (!text.empty()) {
         const auto end = text.find(';');
         if (end == std::string_view::npos)
-            return CValueFault{"a semicolon behind each sample", "Readers take the last sample for 0."};
+            return CValueFault{"a semicolon after each sample", "Readers read the last sample as 0."};
         const std::string_view sample = text.substr(0, end);
         const std::string written(CNumberText::General(ParseDouble(sample)).View());
         if (sample != written)
-            return CValueFault{Quoted(written) + " in place of " + Quoted(sample),
-                               "Readers take it for " + written + "."};
+            return CValueFault{Quoted(written) + " instead of " + Quoted(sample),
+                               "Readers read it as " + written + "."};
         text.remove_prefix(end + 1);
     }
     return std::nullopt;

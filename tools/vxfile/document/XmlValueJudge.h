@@ -14,11 +14,11 @@ struct CValueFault {
     std::string meaning;
 };
 
-/// Holds the text of an element, references as they stand, against how the library writes a value of this kind.
-/// Returns nothing if it is exactly so.
+/// Compares the text of an element, with its references undecoded, with the form in which the library writes such a
+/// value. Returns nothing if it has this form.
 std::optional<CValueFault> JudgeXmlValue(const vxfileio::xmlarchive::CXmlElement& rule, std::string_view text);
 
-/// Returns how many samples such a text has: as many as semicolons.
+/// Returns the number of samples in the text of a list of samples, which is the number of its semicolons.
 std::size_t CountSamples(std::string_view text);
 
 }  // namespace vxfile

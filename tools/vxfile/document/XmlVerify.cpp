@@ -29,8 +29,8 @@ using vxfileio::xmlarchive::kRootElement;
 
 bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
-/// Goes through a document and its rules at once. The rules are no deeper than a dozen elements, and what isn't in them
-/// is passed over without going into it, so no document makes this go deep.
+/// Walks a document and its rules in parallel. The rules are at most a dozen elements deep, and unknown elements are
+/// skipped without recursion, so no document can make the stack overflow.
 class CXmlVerifier {
  public:
     CXmlVerifier(const std::string& path, std::span<const CXmlElement> rules)
@@ -54,9 +54,9 @@ class CXmlVerifier {
     void JudgeText(const CXmlElement& rule, std::string_view text, std::size_t offset);
     void JudgeObject(const CXmlElement& rule);
     std::size_t JudgeChild(const CXmlElement& rule, const CXmlToken& start, std::size_t next);
-    void TellMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset);
+    void AddMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset);
     void JudgeList(const CXmlElement& rule, const CXmlToken& start);
-    void PassOver(const CXmlToken& start);
+    void Skip(const CXmlToken& start);
 
     std::string m_document;
     CProgress m_progress;
@@ -64,11 +64,11 @@ class CXmlVerifier {
     CXmlTokens m_tokens;
     CFindings m_findings;
     std::vector<std::string> m_path;
-    bool m_broken = false;          ///< The document ended too early, which is reported once.
+    bool m_broken = false;          ///< The document ended too early; reported once.
     std::string_view m_trueBool;    ///< The tag of the last bool of the current object, if it was true.
-    std::size_t m_lastEntries = 0;  ///< Of the list that ended last.
-    std::size_t m_samples = 0;      ///< Of the last average.
-    std::size_t m_blanks = 0;       ///< Stretches of blanks and line ends between tags; all are one finding.
+    std::size_t m_lastEntries = 0;  ///< The number of entries of the last list.
+    std::size_t m_samples = 0;      ///< The number of samples of the last average.
+    std::size_t m_blanks = 0;       ///< The number of runs of blanks and line ends between tags; one finding for all.
     std::size_t m_firstBlank = 0;
 };
 
@@ -89,17 +89,16 @@ CXmlToken CXmlVerifier::NextToken() {
             if (m_blanks++ == 0) m_firstBlank = token.offset;
         } else if (token.kind == EToken::Text) {
             Add(token.offset, Quoted(token.bytes), "nothing between two tags",
-                "It belongs to no element; readers pass over it.");
+                "It belongs to no element; readers skip it.");
         } else if (token.kind == EToken::Other) {
-            Add(token.offset, Quoted(token.bytes), "elements alone",
-                "Another program wrote this; readers pass over it.");
+            Add(token.offset, Quoted(token.bytes), "only elements", "Another program wrote this; readers skip it.");
         } else {
             return token;
         }
     }
 }
 
-/// Tells whether the element is over. What can't follow in it breaks the document off.
+/// Returns true if the element ends here: at its end tag, or because the document is cut or damaged.
 bool CXmlVerifier::Ends(const CXmlElement& rule, const CXmlToken& token) {
     if (m_broken) return true;
     if (token.kind == EToken::End && token.tag == rule.tag) return true;
@@ -107,7 +106,7 @@ bool CXmlVerifier::Ends(const CXmlElement& rule, const CXmlToken& token) {
     m_broken = true;
     Add(token.offset, token.kind == EToken::Nothing ? "the end of the file" : Quoted(token.bytes),
         "</" + std::string(rule.tag) + ">",
-        "The document was cut or damaged here; readers take what stands ahead, and guess at the rest.");
+        "The document was cut or damaged here; readers return what precedes it and may misread the rest.");
     return true;
 }
 
@@ -118,25 +117,25 @@ CFindings CXmlVerifier::Verify() {
     JudgeElement(m_root, root);
     if (m_blanks != 0)
         Add(m_firstBlank, "blanks or line ends, here and " + Counted(m_blanks - 1, "time") + " more",
-            "nothing between two tags", "The document was edited or indented; readers pass over it.");
+            "nothing between two tags", "The document was edited or indented; readers skip them.");
     if (!m_broken) {
-        const CXmlToken behind = m_tokens.Next();
-        if (behind.kind != EToken::Nothing)
-            Add(behind.offset, Quoted(behind.bytes), "the end of the file", "Readers pass over what stands behind.");
+        const CXmlToken rest = m_tokens.Next();
+        if (rest.kind != EToken::Nothing)
+            Add(rest.offset, Quoted(rest.bytes), "the end of the file", "Readers ignore everything from here on.");
     }
     return std::move(m_findings);
 }
 
-/// Readers find the sections wherever they stand. Returns whether there is an element around them, whatever its name.
+/// Readers find the sections at any depth. Returns true if an element of any name surrounds them.
 bool CXmlVerifier::JudgeRoot(const CXmlToken& root) {
     if (root.kind == EToken::Start && root.tag == kRootElement) return true;
     const bool isSection = std::ranges::find(m_root.children, root.tag, &CXmlElement::tag) != m_root.children.end();
     const bool isRenamed = root.kind == EToken::Start && !isSection;
     const bool isOver = root.kind == EToken::Nothing || root.kind == EToken::Broken;
     Add(root.offset, isOver ? "the end of the file" : Quoted(root.bytes), "<" + std::string(kRootElement) + ">",
-        isRenamed ? "Readers don't look at the name of the outermost element."
+        isRenamed ? "Readers ignore the name of the root element."
         : isOver  ? "The document was cut or damaged here; there is nothing to read."
-                  : "The outermost element is missing; readers take the others all the same. They weren't checked.");
+                  : "The root element is missing. Readers read the other elements anyway; they weren't checked.");
     if (isOver) m_findings.MakeUnusable();
     if (isRenamed && m_document.find("</" + std::string(root.tag) + ">") != std::string::npos) m_root.tag = root.tag;
     return isRenamed;
@@ -145,7 +144,7 @@ bool CXmlVerifier::JudgeRoot(const CXmlToken& root) {
 void CXmlVerifier::JudgeDeclaration() {
     const CXmlToken first = m_tokens.Next();
     if (first.bytes == kDeclaration) return;
-    Add(0, Quoted(first.bytes), Quoted(kDeclaration), "Another program wrote this; readers don't look at it.");
+    Add(0, Quoted(first.bytes), Quoted(kDeclaration), "Another program wrote this; readers ignore it.");
     if (first.kind != EToken::Other) m_tokens = CXmlTokens(m_document);
 }
 
@@ -157,7 +156,7 @@ void CXmlVerifier::JudgeElement(const CXmlElement& rule, const CXmlToken& start)
             if (start.kind == EToken::Start) {
                 JudgeObject(rule);
             } else {
-                TellMissing(rule, 0, rule.children.size(), start.offset);
+                AddMissing(rule, 0, rule.children.size(), start.offset);
             }
             break;
         case EXmlKind::List:
@@ -171,14 +170,14 @@ void CXmlVerifier::JudgeElement(const CXmlElement& rule, const CXmlToken& start)
 }
 
 void CXmlVerifier::JudgeAttributes(const CXmlElement& rule, const CXmlToken& start) {
-    if (rule.kind == EXmlKind::List || IsBlank(start.attributes)) return;  // JudgeList looks at those of a list
-    Add(start.offset, Quoted(start.bytes), "no attribute", "Readers pass over it.");
+    if (rule.kind == EXmlKind::List || IsBlank(start.attributes)) return;  // JudgeList checks those of a list
+    Add(start.offset, Quoted(start.bytes), "no attribute", "Readers ignore it.");
 }
 
 void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
     if (start.kind == EToken::SelfClosed) {
         const std::string tag(rule.tag);
-        Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "To readers both are the same.");
+        Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "Readers treat both alike.");
         return;
     }
     std::string_view text;
@@ -189,20 +188,20 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
     }
     JudgeText(rule, text, start.offset + start.bytes.size());
     while (!Ends(rule, token)) {
-        Add(token.offset, Quoted(token.bytes), "a value alone", "Readers pass over elements inside a value.");
-        PassOver(token);
+        Add(token.offset, Quoted(token.bytes), "only a value", "Readers skip elements inside a value.");
+        Skip(token);
         token = NextToken();
     }
 }
 
 void CXmlVerifier::JudgeText(const CXmlElement& rule, std::string_view text, std::size_t offset) {
     if (const auto nul = text.find('\0'); nul != std::string_view::npos)
-        Add(offset + nul, Quoted(text.substr(nul)), "no byte 0", "To readers the document ends here.");
+        Add(offset + nul, Quoted(text.substr(nul)), "no byte 0", "For readers the document ends here.");
     if (rule.kind == EXmlKind::Bool) m_trueBool = text == "1" ? rule.tag : "";
     if (rule.kind == EXmlKind::Samples) m_samples = CountSamples(text);
     if (!rule.onlyIf.empty() && m_trueBool != rule.onlyIf) {
         if (!text.empty())
-            Add(offset, Quoted(text), "nothing, since " + std::string(rule.onlyIf) + " is 0", "Readers take it for 0.");
+            Add(offset, Quoted(text), "nothing, since " + std::string(rule.onlyIf) + " is 0", "Readers return 0.");
         return;
     }
     if (auto fault = JudgeXmlValue(rule, text))
@@ -218,36 +217,36 @@ void CXmlVerifier::JudgeObject(const CXmlElement& rule) {
     m_trueBool = outerBool;
     if (m_broken) return;
     const bool isEnough = next == rule.shortSize && m_lastEntries == 0;
-    if (!isEnough) TellMissing(rule, next, rule.children.size(), token.offset);
+    if (!isEnough) AddMissing(rule, next, rule.children.size(), token.offset);
 }
 
-/// Judges a child of an object whose first `next` children have been there. Returns how many have been by now.
+/// Judges a child of an object after its first `next` children. Returns the number of children up to this one.
 std::size_t CXmlVerifier::JudgeChild(const CXmlElement& rule, const CXmlToken& start, std::size_t next) {
     const auto found = std::ranges::find(rule.children, start.tag, &CXmlElement::tag);
     if (found == rule.children.end()) {
         Add(start.offset, Quoted(start.bytes), "one of the elements of " + std::string(rule.tag),
-            "The element isn't known here; readers pass over it.");
-        PassOver(start);
+            "The element is unknown here; readers skip it.");
+        Skip(start);
         return next;
     }
     const auto place = static_cast<std::size_t>(found - rule.children.begin());
     if (place < next) {
-        Add(start.offset, Quoted(start.bytes), "this element once, and further ahead",
-            "It is repeated or out of its order; most readers take it all the same.");
+        Add(start.offset, Quoted(start.bytes), "this element once, and earlier",
+            "It is repeated or out of order; most readers read it anyway.");
     } else {
-        TellMissing(rule, next, place, start.offset);
+        AddMissing(rule, next, place, start.offset);
     }
     JudgeElement(*found, start);
     return std::max(next, place + 1);
 }
 
-void CXmlVerifier::TellMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset) {
+void CXmlVerifier::AddMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset) {
     if (from >= to || rule.children.size() <= from) return;
     std::string tags;
     for (const auto& child : rule.children.subspan(from, to - from))
         tags += (tags.empty() ? "<" : ", <") + std::string(child.tag) + ">";
     Add(offset, "no " + tags + " up to here", "all elements, in their order",
-        "It is missing or stands further down; readers keep the defaults of what is missing.");
+        "It is missing or comes later; readers keep the default of a missing element.");
 }
 
 void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
@@ -259,8 +258,8 @@ void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
             const auto found = std::ranges::find(rule.children, token.tag, &CXmlElement::tag);
             if (found == rule.children.end()) {
                 Add(token.offset, Quoted(token.bytes), "<" + std::string(rule.children.front().tag) + ">",
-                    "The element isn't known here; it takes the place of an entry.");
-                PassOver(token);
+                    "The element is unknown here; readers count it as an entry.");
+                Skip(token);
             } else {
                 m_path.back() = std::string(rule.tag) + '[' + std::to_string(entries) + ']';
                 JudgeElement(*found, token);
@@ -275,13 +274,13 @@ void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
     const std::string expected = " Size=\"" + std::to_string(m_lastEntries) + '"';
     if (start.attributes != expected)
         Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + ">",
-            "Size isn't the number of the entries; readers believe it.");
+            "Size isn't the number of entries; readers rely on it.");
     if (entries == 0 && start.kind == EToken::Start)
-        Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + "/>", "To readers both are the same.");
+        Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + "/>", "Readers treat both alike.");
 }
 
-/// Goes to the end of an element that no rule has, however deep it is.
-void CXmlVerifier::PassOver(const CXmlToken& start) {
+/// Skips an unknown element, of any depth.
+void CXmlVerifier::Skip(const CXmlToken& start) {
     if (start.kind != EToken::Start) return;
     for (std::size_t depth = 1; depth > 0;) {
         const CXmlToken token = m_tokens.Next();

@@ -18,7 +18,7 @@ constexpr std::uint32_t Count(std::uint64_t bytes, std::size_t unit) {
     return static_cast<std::uint32_t>((bytes + unit - 1) / unit);
 }
 
-/// A sector of the FAT is the first of those that it has the marks of.
+/// Each sector of the FAT is the first of the sectors whose marks it holds.
 bool IsFatSector(std::size_t sector) { return sector % kMarksPerSector == 0; }
 
 /// A sector of the DIFAT follows the first FAT sector that it lists.
@@ -52,7 +52,7 @@ CCompoundLayout::CCompoundLayout(std::uint32_t streamSize) {
     FillHeader();
 }
 
-/// Takes the next sector that the tables leave free.
+/// Returns the next sector that isn't part of the FAT or the DIFAT.
 std::uint32_t CCompoundLayout::Take() {
     for (;; m_fat.push_back(IsFatSector(m_fat.size()) ? kFatSector : kDifatSector)) {
         const auto sector = static_cast<std::uint32_t>(m_fat.size());

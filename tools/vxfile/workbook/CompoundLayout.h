@@ -8,8 +8,8 @@
 
 namespace vxfile {
 
-/// The compound file around a stream of a given size: since sectors are taken in rising order, the size alone tells
-/// what stands in every one of its tables.
+/// The compound file around a stream of a given size. Writers take sectors in ascending order, so the size alone
+/// determines the content of all tables.
 class CCompoundLayout {
  public:
     explicit CCompoundLayout(std::uint32_t streamSize);

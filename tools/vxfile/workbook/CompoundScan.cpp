@@ -18,7 +18,7 @@ namespace {
 
 using CMarks = std::array<std::uint32_t, kMarksPerSector>;
 
-/// Loads an object, such as a header or the marks of a sector. What is cut off keeps its value.
+/// Loads an object, such as a header or the marks of a sector. Fields after the end keep their values.
 template <class Object>
 Object Load(std::span<const std::byte> bytes) {
     Object object{};
@@ -43,7 +43,7 @@ std::vector<std::byte> CCompoundScan::Block(std::uint64_t block) const {
     return bytes;
 }
 
-/// The list of the FAT's sectors begins in the header and continues in sectors of its own.
+/// The list of FAT sectors begins in the header and continues in the DIFAT.
 void CCompoundScan::ReadFat() {
     const auto sectors = static_cast<std::uint64_t>(m_size) / kSectorSize;
     std::vector<std::uint32_t> difat(m_header.difat.begin(), m_header.difat.end());
@@ -72,19 +72,19 @@ void CCompoundScan::ReadStream() {
         m_stream = size < kMiniStreamCutOff ? ReadMiniChain(first, size) : ReadChain(first, size);
         return;
     }
-    throw CFailure(m_path + " has no stream 'Workbook'; it is a compound file of another program, or damaged.");
+    throw CFailure(m_path + " has no stream 'Workbook'; another program wrote it, or it is damaged.");
 }
 
 std::vector<std::byte> CCompoundScan::ReadChain(std::uint32_t first, std::uint64_t size) const {
     const std::uint64_t count = (size + kSectorSize - 1) / kSectorSize;
     if (size > static_cast<std::uint64_t>(m_size))
-        throw CFailure(m_path + " claims a stream that is longer than the file; it was cut, or is damaged.");
+        throw CFailure(m_path + " has a stream longer than the file; it was cut or is damaged.");
     std::vector<std::byte> bytes;
     bytes.reserve(count * kSectorSize);
     for (std::uint32_t sector = first; bytes.size() < size; sector = m_fat[sector]) {
         const auto end = static_cast<std::int64_t>((sector + std::uint64_t{1}) * kSectorSize);
         if (sector >= m_fat.size() || end >= m_size)
-            throw CFailure(m_path + " has a chain of sectors that leads out of the file; it was cut, or is damaged.");
+            throw CFailure(m_path + " has a chain of sectors that leaves the file; it was cut or is damaged.");
         const auto block = Block(sector + std::uint64_t{1});
         bytes.insert(bytes.end(), block.begin(), block.end());
     }
@@ -101,7 +101,8 @@ std::vector<std::byte> CCompoundScan::ReadMiniChain(std::uint32_t first, std::ui
     for (std::uint32_t sector = first; bytes.size() < size; sector = miniFat[sector]) {
         const std::size_t begin = std::size_t{sector} * kMiniSectorSize;
         if (sector >= miniFat.size() || begin + kMiniSectorSize > miniStream.size())
-            throw CFailure(m_path + " has a chain of mini sectors that leads nowhere; it was cut, or is damaged.");
+            throw CFailure(m_path +
+                           " has a chain of mini sectors that leaves the mini stream; it was cut or is damaged.");
         const auto part = std::span(miniStream).subspan(begin, kMiniSectorSize);
         bytes.insert(bytes.end(), part.begin(), part.end());
     }

@@ -11,15 +11,16 @@
 
 namespace vxfile {
 
-/// A compound file with its tables and its one stream, followed from sector to sector as spreadsheet programs do. What
-/// the tables claim is held against the size of the file before anything is made room for.
+/// A compound file with its tables and its one stream, followed from sector to sector as spreadsheet programs do. Sizes
+/// in the tables are checked against the size of the file before memory is allocated.
 class CCompoundScan {
  public:
-    /// Throws `CFailure` if the file can't be opened, or its tables lead to no whole stream `Workbook`.
+    /// Throws `CFailure` if the file can't be opened, or its tables don't lead to a complete stream `Workbook`.
     explicit CCompoundScan(const std::string& path);
 
     std::int64_t Size() const { return m_size; }
-    /// The bytes of one block: 0 is the header, sector n is block n + 1. Bytes after the end of the file are zeros.
+    /// Returns the bytes of one block: block 0 is the header, sector n is block n + 1. Bytes after the end of the file
+    /// are zeros.
     std::vector<std::byte> Block(std::uint64_t block) const;
     /// The bytes of the stream.
     const std::vector<std::byte>& Stream() const { return m_stream; }

@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::uint32_t kRowsPerBlock = YExcel::RowBlock::kRows;
 
-/// What a sheet's cells turned out to be; the records around them must say the same.
+/// What the cells of a sheet add up to. The records around them must agree.
 struct CSheetSum {
     std::optional<std::uint32_t> firstRow = std::nullopt;
     std::uint32_t endRow = 0;
@@ -38,7 +38,7 @@ struct CRowPlace {
     std::size_t firstCell = 0;
 };
 
-/// Adjacent numbers in the short form, as far as they were seen.
+/// The last run of adjacent numbers in the short form.
 struct CShortRun {
     std::uint16_t row;
     std::uint32_t endColumn;
@@ -47,7 +47,7 @@ struct CShortRun {
 
 bool IsWhole(std::uint32_t word) { return (word & YExcel::rk::kWhole) != 0; }
 
-/// A cell or a run of cells by its place.
+/// The place of a cell, or of the first cell of a run.
 struct CCellPlace {
     std::uint16_t row = 0;
     std::uint16_t column = 0;
@@ -56,7 +56,7 @@ struct CCellPlace {
 CCellPlace PlaceOf(const YExcel::MulRK& run) { return {run.row, run.firstColumn}; }
 CCellPlace PlaceOf(const auto& cell) { return {cell.row, cell.column}; }
 
-/// A sheet may end in rows and columns without cells: it is as large as it says if its blocks agree.
+/// A sheet may end with rows and columns without cells. Accepts the size in `Dimensions` if it fits the blocks.
 void Extend(CSheetSum& sum, const YExcel::Dimensions& dimensions) {
     const std::uint32_t rows = dimensions.endRow;
     const std::size_t blocks = (std::size_t{rows} + kRowsPerBlock - 1) / kRowsPerBlock;
@@ -79,8 +79,8 @@ class CRecordsJudge {
         if (m_lost) return;
         m_place = "stream";
         if (m_position != m_stream.size())
-            Add(m_position, Counted(m_stream.size() - m_position, "byte") + " behind the last record", "none",
-                "Readers pass over them.");
+            Add(m_position, Counted(m_stream.size() - m_position, "byte") + " after the last record", "none",
+                "Readers ignore them.");
         if (m_uses != m_labels)
             Add(0, "SST claims " + Counted(m_uses, "cell") + " with a text", std::to_string(m_labels),
                 "The count is damaged, or cells are missing.");
@@ -123,14 +123,14 @@ class CRecordsJudge {
     CFindings& m_findings;
     std::string m_place = "globals";
     std::size_t m_position = 0;
-    bool m_lost = false;  ///< Nobody knows what should follow.
+    bool m_lost = false;  ///< What should follow is unknown.
     std::uint32_t m_strings = 0;
     std::uint32_t m_uses = 0;
     std::uint32_t m_labels = 0;
     std::optional<CShortRun> m_run;
 };
 
-/// Goes over the record that should come next. If another one comes, the rest can't be judged.
+/// Moves past the next record if it has this code. Otherwise the rest can't be judged.
 std::optional<CRecord> CRecordsJudge::Expect(std::uint16_t code) {
     if (m_lost) return std::nullopt;
     const auto record = Peek();
@@ -140,7 +140,7 @@ std::optional<CRecord> CRecordsJudge::Expect(std::uint16_t code) {
     }
     m_lost = true;
     Add(m_position, record ? RecordName(record->code) : "no whole record", RecordName(code),
-        "The stream is damaged or of another program; what follows wasn't checked.");
+        "The stream is damaged, or another program wrote it; what follows wasn't checked.");
     return std::nullopt;
 }
 
@@ -161,7 +161,7 @@ void CRecordsJudge::Compare(const CRecord& found, const Type& expected) {
     };
     Add(found.position + YExcel::kHeaderSize + differs,
         text(found.body) + " from byte " + std::to_string(differs) + " of " + RecordName(Type::kCode), text(body),
-        "A field is damaged or of another program; it may be shown in another way.");
+        "A field is damaged, or another program wrote it; the sheet may look different.");
 }
 
 void CRecordsJudge::JudgeGlobals() {
@@ -241,14 +241,14 @@ std::vector<CRowPlace> CRecordsJudge::JudgeRows(std::uint32_t number, std::uint1
         if (row / kRowsPerBlock != number || (!rows.empty() && row <= rows.back().row))
             Add(record.position, "row " + std::to_string(row),
                 "rows " + std::to_string(number * kRowsPerBlock) + " to " +
-                    std::to_string(number * kRowsPerBlock + kRowsPerBlock - 1) + " in rising order",
+                    std::to_string(number * kRowsPerBlock + kRowsPerBlock - 1) + " in ascending order",
                 "Spreadsheet programs may not find its cells.");
         rows.push_back({row});
     }
     return rows;
 }
 
-/// The cells come row by row, each row having some, and from left to right.
+/// Cells are ordered by row and then from left to right. Each row has at least one.
 void CRecordsJudge::JudgeCells(std::vector<CRowPlace>& rows, CSheetSum& sum) {
     auto row = rows.begin();
     std::uint32_t nextColumn = 0;
@@ -279,9 +279,9 @@ void CRecordsJudge::AddMisplaced(const CRecord& record, CCellPlace place, const 
                                  std::uint32_t nextColumn) {
     m_lost = true;
     Add(record.position, "a cell in row " + std::to_string(place.row) + ", column " + std::to_string(place.column),
-        row == nullptr ? "a cell of a row that is told above"
+        row == nullptr ? "a cell of one of the rows above"
                        : "row " + std::to_string(row->row) + ", from column " + std::to_string(nextColumn),
-        "Rows and cells don't agree; what follows in this sheet wasn't checked.");
+        "Rows and cells contradict each other; what follows wasn't checked.");
 }
 
 // Each `Judge` returns the last column of the cell or run.
@@ -308,8 +308,8 @@ std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::MulRK& r
 std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::Number& cell) {
     Compare(record, YExcel::Number{.row = cell.row, .column = cell.column, .value = cell.value});
     if (YExcel::TwoDecimalTest(cell.value))
-        Add(record.position, "a number of two decimals in full", "its short form, RK or MulRK",
-            "The number is damaged, or another program wrote this; readers take it as it is.");
+        Add(record.position, "a number with two decimals in the long form", "the short form, RK or MulRK",
+            "The number is damaged, or another program wrote this; readers read it as it is.");
     return cell.column;
 }
 
@@ -318,24 +318,24 @@ std::uint16_t CRecordsJudge::Judge(const CRecord& record, const YExcel::LabelSST
     ++m_labels;
     if (cell.stringIndex >= m_strings)
         Add(record.position, "text " + std::to_string(cell.stringIndex), "one of " + Counted(m_strings, "text"),
-            "The cell shows nothing, or the file is refused.");
+            "Spreadsheet programs show an empty cell, or refuse the file.");
     return cell.column;
 }
 
-/// Numbers in the short form side by side share a record if they are of one kind, doubles or whole numbers.
+/// Adjacent numbers in the short form share a record if they are of the same kind, doubles or whole numbers.
 void CRecordsJudge::JudgeWords(const CRecord& record, CCellPlace place, const std::vector<std::uint32_t>& words) {
     if (words.empty()) return;
     const bool isWhole = IsWhole(words.front());
     const auto isOfTwo = [](std::uint32_t word) { return (word & YExcel::rk::kFlags) == YExcel::rk::kFlags; };
     if (std::ranges::any_of(words, isOfTwo))
-        Add(record.position, "a number that is marked as whole and as hundredths", "one mark or none",
-            "A number is damaged; spreadsheet programs show its hundredth part.");
+        Add(record.position, "a number that is marked both as whole and as hundredths", "at most one mark",
+            "A number is damaged; spreadsheet programs show a hundredth of it.");
     if (std::ranges::any_of(words, [&](std::uint32_t word) { return IsWhole(word) != isWhole; }))
         Add(record.position, "doubles and whole numbers in one record", "numbers of one kind",
-            "A number is damaged, or another program wrote this; readers take it as it is.");
+            "A number is damaged, or another program wrote this; readers read it as it is.");
     if (m_run && m_run->row == place.row && m_run->endColumn == place.column && m_run->isWhole == isWhole)
-        Add(record.position, "a record that goes on where the one before ends", "one MulRK record of both",
-            "A column is damaged, or another program wrote this; readers take it as it is.");
+        Add(record.position, "a record that continues the one before it", "one MulRK record for both",
+            "A column is damaged, or another program wrote this; readers read it as it is.");
     m_run = CShortRun{place.row, static_cast<std::uint32_t>(place.column + words.size()), isWhole};
 }
 

@@ -18,7 +18,7 @@ namespace vxfile {
 
 namespace {
 
-/// Loads the fields of a record that goes on in CONTINUE records, as `CContinuedBody` stores them.
+/// Loads the fields of a record and of its CONTINUE records, as `CContinuedBody` stores them.
 class CContinuedLoad : public vxfileio::helpers::CFieldReader<CContinuedLoad> {
  public:
     CContinuedLoad(std::span<const std::byte> stream, std::size_t position) : m_stream(stream), m_end(position) {
@@ -35,7 +35,7 @@ class CContinuedLoad : public vxfileio::helpers::CFieldReader<CContinuedLoad> {
         }
         return true;
     }
-    /// Of the record at hand and everything after it.
+    /// Returns the number of bytes left in the current record and after it.
     std::size_t Left() const { return m_body.size() + m_stream.size() - m_end; }
 
     void Text(SstString& string) {
@@ -74,7 +74,7 @@ class CContinuedLoad : public vxfileio::helpers::CFieldReader<CContinuedLoad> {
         if (isMore) Enter(*record);
         return isMore;
     }
-    /// Characters that go on in a further record follow a new option byte there.
+    /// If a text continues in the next record, its characters there follow a new option byte.
     char16_t Character(std::uint8_t& option) {
         if (m_body.empty()) (*this)(option);
         std::uint8_t low = 0;
@@ -86,7 +86,7 @@ class CContinuedLoad : public vxfileio::helpers::CFieldReader<CContinuedLoad> {
 
     std::span<const std::byte> m_stream;
     std::span<const std::byte> m_body;
-    std::size_t m_end;  ///< Of the record at hand.
+    std::size_t m_end;  ///< Of the current record.
 };
 
 std::string Where(std::size_t position) { return "SST > byte " + std::to_string(position) + " of the stream"; }
@@ -116,8 +116,8 @@ std::size_t JudgeSharedStrings(std::span<const std::byte> stream, std::size_t po
     count = static_cast<std::uint32_t>(table.strings.size());
     const std::size_t end = load.End();
     if (load.Missing() != 0) {
-        findings.Add({Where(position), -1, std::to_string(count) + " whole texts",
-                      std::to_string(count + load.Missing()), "Cells that show the others are damaged."});
+        findings.Add({Where(position), -1, std::to_string(count) + " complete texts",
+                      std::to_string(count + load.Missing()), "Cells with the other texts are damaged."});
         return end;
     }
     const auto expected = RecordBytes(table);
@@ -125,8 +125,8 @@ std::size_t JudgeSharedStrings(std::span<const std::byte> stream, std::size_t po
     const auto differs = std::ranges::mismatch(found, expected).in1 - found.begin();
     if (!std::ranges::equal(found, expected))
         findings.Add({Where(position + static_cast<std::size_t>(differs)), -1,
-                      "texts that are laid out in another way from here on", "texts cut as the library cuts them",
-                      "Another program wrote the table, or a text's length or option is damaged."});
+                      "texts with a different layout from here on", "texts split as this library splits them",
+                      "Another program wrote the table, or the length or option of a text is damaged."});
     return end;
 }
 

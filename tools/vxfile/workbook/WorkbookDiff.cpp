@@ -25,7 +25,7 @@ std::string CellName(const std::string& sheet, std::uint16_t row, std::uint32_t 
     return sheet + '!' + letters + std::to_string(row + 1);
 }
 
-/// Returns the fewest digits that no other number has.
+/// Returns the fewest digits that identify the number.
 std::string NumberText(double value) {
     std::array<char, 32> text{};
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
@@ -43,8 +43,8 @@ struct CCellLeaves {
     void operator()(const YExcel::RK& cell) { Add(cell.row, cell.column, NumberText(YExcel::DecodeRK(cell.word))); }
     void operator()(const YExcel::Number& cell) { Add(cell.row, cell.column, NumberText(cell.value)); }
     void operator()(const YExcel::LabelSST& cell) {
-        const bool isThere = cell.stringIndex < texts.size();
-        Add(cell.row, cell.column, isThere ? Quoted(texts[cell.stringIndex]) : "a text that isn't there");
+        const bool exists = cell.stringIndex < texts.size();
+        Add(cell.row, cell.column, exists ? Quoted(texts[cell.stringIndex]) : "a missing text");
     }
     void operator()(const YExcel::MulRK& run) {
         std::uint32_t column = run.firstColumn;

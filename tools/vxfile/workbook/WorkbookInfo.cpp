@@ -16,7 +16,7 @@ namespace vxfile {
 
 namespace {
 
-/// How far a sheet reaches, and what is in it.
+/// The size of a sheet, and the number of its cells.
 struct CSheetSum {
     std::uint64_t rows = 0;
     std::uint64_t columns = 0;

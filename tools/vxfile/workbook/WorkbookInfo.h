@@ -6,7 +6,8 @@
 
 namespace vxfile {
 
-/// Tells which sheets a workbook has and how far they reach. Throws `CFailure` if its stream can't be read.
+/// Returns the sheets of a workbook with their sizes and numbers of cells. Throws `CFailure` if its stream can't be
+/// read.
 CPage InfoOfWorkbook(const std::string& path);
 
 }  // namespace vxfile

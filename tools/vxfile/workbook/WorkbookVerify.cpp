@@ -19,7 +19,7 @@ namespace vxfile {
 
 namespace {
 
-/// The names of the fields, in their order.
+/// The names of the fields in the order of the file.
 constexpr std::array<std::string_view, 18> kHeaderFields = {
     "signature",
     "class ID",
@@ -33,7 +33,7 @@ constexpr std::array<std::string_view, 18> kHeaderFields = {
     "FAT sectors",
     "first directory sector",
     "transaction signature",
-    "least size of a stream outside the mini stream",
+    "smallest stream outside the mini stream",
     "first mini FAT sector",
     "mini FAT sectors",
     "first DIFAT sector",
@@ -108,7 +108,7 @@ class CCompoundVerifier {
                  std::span<const std::byte> expected) {
         if (!std::ranges::equal(found, expected))
             m_findings.Add({where, static_cast<std::int64_t>(offset), Bytes(found), Bytes(expected),
-                            "Spreadsheet programs may refuse the file, or show something else."});
+                            "Spreadsheet programs may refuse the file, or show it differently."});
     }
 
     template <class Object>
@@ -157,7 +157,7 @@ class CCompoundVerifier {
         }
     }
 
-    /// What the stream leaves of its last sector is zeros, and there is no further sector.
+    /// The rest of the stream's last sector is zeros, and the file has no other sectors.
     void JudgeEnd() {
         const std::size_t used = m_scan.Stream().size() % kSectorSize;
         if (used != 0) {
@@ -170,7 +170,7 @@ class CCompoundVerifier {
         if (m_scan.Size() != size)
             m_findings.Add({"file", std::min(size, m_scan.Size()),
                             Counted(static_cast<std::uint64_t>(m_scan.Size()), "byte"), std::to_string(size),
-                            m_scan.Size() < size ? "The file was cut." : "Something was put behind its end."});
+                            m_scan.Size() < size ? "The file was cut." : "Bytes were added at its end."});
     }
 
     static std::uint64_t OffsetOf(std::uint32_t sector) { return (sector + std::uint64_t{1}) * kSectorSize; }
@@ -191,8 +191,8 @@ CFindings VerifyWorkbook(const std::string& path) {
         CCompoundVerifier(scan, findings).Verify();
         JudgeRecords(scan.Stream(), findings);
     } catch (const CFailure& failure) {
-        findings.Add({"file", 0, "tables that lead to no stream", "a stream Workbook whose sectors are all there",
-                      failure.what()});
+        findings.Add(
+            {"file", 0, "tables that lead to no complete stream", "a complete stream Workbook", failure.what()});
         findings.MakeUnusable();
     }
     return findings;

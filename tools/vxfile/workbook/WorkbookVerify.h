@@ -8,12 +8,12 @@
 
 namespace vxfile {
 
-/// Holds a workbook against what the library writes around its cells: header, FAT, DIFAT, directory and mini stream of
+/// Compares a workbook with what the library writes around its cells: header, FAT, DIFAT, directory and mini stream of
 /// the compound file, and the records of its stream. Cells may have any value. Throws `CFailure` if the file can't be
 /// opened.
 CFindings VerifyWorkbook(const std::string& path);
 
-/// Judges the records of the stream. Their order, sizes, fixed fields, positions of one another, and shared strings.
+/// Judges the records of the stream: order, sizes, fixed fields, stored positions, and shared strings.
 void JudgeRecords(std::span<const std::byte> stream, CFindings& findings);
 
 }  // namespace vxfile
