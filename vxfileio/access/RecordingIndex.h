@@ -16,12 +16,13 @@ struct CIndexData;
 
 /// One segment of a recording, as its header describes it.
 struct CSegmentInfo {
-    std::int32_t WellID = 0;
+    std::int32_t WellID = 0;    ///< The well.
     std::uint32_t Samples = 0;  ///< Number of samples; a cut file may end before the last.
     std::int64_t TimeFrom = 0;  ///< Time of the first sample.
     std::int64_t TimeTo = 0;    ///< Time of the last sample, or up to less than one interval later.
     std::int64_t Offset = -1;   ///< Of the first sample: bytes from the start of the file.
 
+    /// Compares all members.
     bool operator==(const CSegmentInfo&) const = default;
 };
 

@@ -18,8 +18,9 @@ struct CSampleRequest {
     /// The wells; empty means all of `CRecordingIndex::GetWells`. It is not an error if a well has no samples. One that
     /// is named twice counts once.
     std::vector<std::int32_t> WellIDs = {};
-    /// The first and the last time, both included, in the instrument's time unit. The defaults select every sample.
+    /// The first time, included, in the instrument's time unit. The default is before every sample.
     std::int64_t From = std::numeric_limits<std::int64_t>::min();
+    /// The last time, included. The default is after every sample.
     std::int64_t To = std::numeric_limits<std::int64_t>::max();
 };
 
@@ -31,13 +32,14 @@ struct CSampleRun {
     std::uint64_t Samples = 0;  ///< Number of samples, at least 1.
     std::uint64_t Offset = 0;   ///< Samples before the run in the well's buffer.
 
+    /// Compares all members.
     bool operator==(const CSampleRun&) const = default;
 };
 
 /// What a selection has of one well, and what its buffer will hold: the samples of the runs, one run after the other
 /// without a space between them.
 struct CWellSamples {
-    std::int32_t WellID = -1;
+    std::int32_t WellID = -1;           ///< The well.
     std::uint64_t Samples = 0;          ///< Samples of all runs: what the well's buffer must have room for.
     std::uint64_t Missing = 0;          ///< How many of them are beyond the end of a cut file, and are read as 0.
     std::vector<CSampleRun> Runs = {};  ///< In the order of the segments in the file.
