@@ -15,7 +15,7 @@ constexpr std::int32_t kAllWells = -1;
 
 /// The steps of all traces together; this bounds the size of the page. One trace has no more than a chart of a whole
 /// screen can show.
-constexpr std::size_t kAllSteps = 400'000;
+constexpr std::size_t kAllSteps = 350'000;
 constexpr std::size_t kMostSteps = 3'000;
 constexpr std::size_t kFewestSteps = 16;
 

@@ -77,7 +77,7 @@ class CPlateReporter {
         CPlateReport report{page::PlatePage(values), page::IndexEntryOf(values), values.notes, m_isSound};
         report.entry.results = NameOfFile(m_paths.results);
         report.entry.isSound = m_isSound && values.notes.empty();
-        report.entry.state = report.entry.isSound ? "sound" : m_isSound ? values.notes.front() : "damaged, see page";
+        report.entry.state = report.entry.isSound ? "sound" : m_isSound ? values.notes.front() : "findings, see page";
         return report;
     }
 
