@@ -57,7 +57,7 @@ TEST_F(RawFindings, NameCellAndOffsetOfWhatIsWrong) {
              {"FPosRecordingTrailer", "5", kFirst, "recording 1 (CompoundTest 1) > FPosRecordingTrailer", 1390, "5", 1},
              {"FPosNextRecordingHdr", "-1", kFirst, "file", 4262, "2762 bytes up to 7024 that no position leads to", 1},
              {"FPosNextRecordingHdr", "1190", kFirst, "recording 1 (CompoundTest 1) > FPosNextRecordingHdr", 1440,
-              "1190, which the chain has passed before", 2},
+              "1190, which the chain has visited before", 2},
              {"FPosNextRecordingHdr", "7024", kSecond, "recording 2 (CompoundTest 2) > FPosNextRecordingHdr", 4512,
               "7024", 2},
              {"Ticks", "0:100", kFirst, "recording 1 (CompoundTest 1) > Ticks", 1820, "0 for well 11", 1},

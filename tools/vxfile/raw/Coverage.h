@@ -6,14 +6,14 @@
 
 namespace vxfile {
 
-/// A range of a file, the end outside.
+/// The range [begin, end) of a file.
 struct CRange {
     std::int64_t begin = 0;
     std::int64_t end = 0;
 };
 
-/// Which bytes of a file belong to something. Neighbours that come one after the other are kept as one, so that a file
-/// that was written straight takes no more room than a small one.
+/// The bytes of a file that belong to a header or a segment. Merges adjacent ranges that are added in order, so a large
+/// file that was written in order takes no more memory than a small one.
 class CCoverage {
  public:
     void Add(CRange range) {
@@ -25,8 +25,8 @@ class CCoverage {
         }
     }
 
-    /// Calls `gap(range)` for what nothing covers of the first `size` bytes, and `overlap(range)` for what is covered
-    /// again by a later one, both in the order of the file.
+    /// Calls `gap(range)` for each uncovered range of the first `size` bytes, and `overlap(range)` for each range that
+    /// is covered again, both in the order of the file.
     void Inspect(std::int64_t size, auto gap, auto overlap) {
         std::ranges::sort(m_ranges, {}, &CRange::begin);
         std::int64_t reached = 0;

@@ -11,17 +11,17 @@
 
 namespace vxfile {
 
-/// A stretch of a file in memory, for whoever goes through the file from front to back: one call to the system serves
-/// all that lies in it. What is returned is valid until the next call.
+/// A range of a file in memory, for reading the file from front to back: one system call serves many reads. Returned
+/// views are valid until the next call.
 class CFileWindow {
  public:
-    static constexpr std::size_t kRoom = std::size_t{64} << 10;  ///< Bytes; they stay near the processor.
+    static constexpr std::size_t kRoom = std::size_t{64} << 10;  ///< Bytes; small enough for the processor's cache.
 
-    /// The file stays the caller's, and outlives this object.
+    /// Keeps a reference to the file, which must outlive this object.
     explicit CFileWindow(const vxfileio::helpers::CFile& file) : m_file(file) {}
 
-    /// Returns the bytes that are at hand from a position on: at least `least`, unless the file ends. If there are
-    /// fewer, `ahead` are read first, which is `least` or more; `kRoom` is the most.
+    /// Returns the bytes in memory from a position on: at least `least`, or up to the end of the file. If there are
+    /// fewer, reads `ahead` bytes first, but no more than `kRoom`. Requires: `least` <= `ahead`.
     std::string_view BytesAt(std::int64_t position, std::size_t least, std::size_t ahead) {
         const std::int64_t offset = position - m_start;
         const auto size = static_cast<std::int64_t>(m_size);
@@ -30,7 +30,7 @@ class CFileWindow {
         return {reinterpret_cast<const char*>(m_room.get()) + passed, m_size - passed};
     }
 
-    /// Returns the samples that are at hand from a position on, likewise: none only where the file ends.
+    /// Does the same for samples. Returns none only at the end of the file.
     std::span<const std::uint16_t> SamplesAt(std::int64_t position, std::size_t ahead) {
         if ((position - m_start) % kSampleSize != 0) Read(position, ahead);
         const std::size_t bytes = BytesAt(position, sizeof(std::uint16_t), ahead).size();
@@ -49,8 +49,8 @@ class CFileWindow {
 
     const vxfileio::helpers::CFile& m_file;
     std::unique_ptr<std::uint16_t[]> m_room = std::make_unique_for_overwrite<std::uint16_t[]>(kRoomSamples);
-    std::int64_t m_start = 0;  ///< Where the bytes stand in the file.
-    std::size_t m_size = 0;    ///< How many there are.
+    std::int64_t m_start = 0;  ///< The file offset of the bytes.
+    std::size_t m_size = 0;    ///< The number of bytes.
 };
 
 }  // namespace vxfile

@@ -24,8 +24,8 @@ bool CGrowingFile::Look() {
     return TakeAll();
 }
 
-/// The positions are read before the size: between recordings the next header is in the file before they are rewritten.
-/// Once they are set, all is in the file, so what the next look doesn't take, none will.
+/// Reads the positions before the size: between recordings a writer appends the next header before it sets them. Once
+/// they are set, the file is complete, so what the next look can't read, none can.
 CGrowingFile::EState CGrowingFile::State(bool hasNews) {
     if (!IsThere()) return EState::Running;
     const bool wasSet = std::exchange(m_wasSet, IsLastSet());
@@ -33,24 +33,23 @@ CGrowingFile::EState CGrowingFile::State(bool hasNews) {
     const bool isAllTaken = m_file.Size() == m_position;
     if (!isAllTaken && (!wasSet || hasNews)) return EState::Running;
     if (isAllTaken && LeadsToAll()) return EState::Finished;
-    StartOver();  // some of what was taken may come from an earlier file of this name
+    StartOver();  // some data may come from an earlier file of this name
     m_size = m_file.Size();
     static_cast<void>(TakeAll());
     if (!IsLastSet()) return EState::Running;
     return m_file.Size() == m_position && LeadsToAll() ? EState::Finished : EState::Damaged;
 }
 
-/// Opens the file that has the name now. Returns false if there is none.
+/// Opens the file that has this name now. Returns false if there is none.
 bool CGrowingFile::Open() {
-    m_file.Close();  // first: on Windows, a deleted file is there until it is closed
+    m_file.Close();  // first: on Windows, a deleted file exists until it is closed
     std::error_code none;
     if (std::filesystem::status(m_path, none).type() == std::filesystem::file_type::not_found) return false;
     OpenInput(m_file, m_path);
     return true;
 }
 
-/// Returns true if this isn't the file of the look before: it is shorter, or a header that was taken differs in what a
-/// writer never rewrites.
+/// Returns true if this isn't the file of the last look: it is shorter, or cells that writers never rewrite differ.
 bool CGrowingFile::IsAnother() const {
     if (m_size < m_position) return true;
     const auto& guid = m_layout->file["Guid"];
@@ -58,7 +57,7 @@ bool CGrowingFile::IsAnother() const {
                               (m_recordings > 0 && RecordingStart(m_recordingHdr) != m_recordingStart));
 }
 
-/// Returns the cells of a recording header that stay the same when it is finished: the first ones.
+/// Returns the first cells of a recording header, which a writer doesn't change when it finishes the recording.
 std::string CGrowingFile::RecordingStart(std::int64_t position) const {
     return Read(position, m_layout->recording["FPosRecordingData"].offset);
 }
@@ -71,7 +70,7 @@ void CGrowingFile::StartOver() {
     m_wasSet = false;
 }
 
-/// Takes what is whole of the first `m_size` bytes. Returns whether there was anything.
+/// Reads what is complete in the first `m_size` bytes. Returns true if there was anything new.
 bool CGrowingFile::TakeAll() {
     const std::int64_t before = m_position;
     if (m_position == 0 && !TakeFileHdr()) return false;
@@ -103,7 +102,7 @@ bool CGrowingFile::LeadsToAll() const {
 bool CGrowingFile::TakeFileHdr() {
     const std::string bytes = Read(0, LargestFileHdr());
     if (!bytes.starts_with(kFileTypeText.substr(0, bytes.size())))
-        throw CFailure(m_path + " isn't a raw data file; only those can be watched.");
+        throw CFailure(m_path + " isn't a raw data file; only raw data files can be watched.");
     m_layout = &LayoutOfFile(bytes);
     if (bytes.size() < m_layout->file.size) return false;
     m_guid = CellIn(m_layout->file["Guid"], bytes);

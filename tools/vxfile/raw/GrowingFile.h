@@ -9,48 +9,48 @@
 
 namespace vxfile {
 
-/// What a recording has so far.
+/// The content of a recording so far.
 struct CRunningRecording {
-    std::size_t index = 0;  ///< In the order of the file, from 0.
+    std::size_t index = 0;  ///< Its index in the file, from 0.
     CRawDataRecordingHdr header;
     std::uint64_t segments = 0;
     std::uint64_t samples = 0;
-    std::set<std::int32_t> wells;  ///< Those that have segments.
+    std::set<std::int32_t> wells;  ///< The wells that have segments.
 };
 
 /// Follows a raw data file while it is being written.
 ///
-/// A writer appends, so what comes next always begins where the last thing ended: another segment, or the header of the
-/// next recording. What isn't complete yet is looked at again. Positions are of no use while a recording runs. They
-/// show when the file is finished: its last recording then has the position of its data. All positions are followed
-/// then, since readers rely on them.
+/// A writer appends, so each segment or recording header begins where the one before it ended. An incomplete one is
+/// read again at the next look. Positions aren't set while a recording runs, so they aren't used. Once the last
+/// recording has the position of its data, the file is finished. All positions are then checked, since readers rely on
+/// them.
 ///
-/// The file is opened by its name at each look, so one that is deleted is waited for, and one that takes its place is
-/// followed from its beginning.
+/// Each look opens the file by its name. If the file was deleted, it waits for a new one, and follows that from the
+/// start.
 class CGrowingFile {
  public:
-    /// It is not an error if there is no such file yet. Throws `CFailure` if there is one that can't be opened.
+    /// It is not an error if the file doesn't exist yet. Throws `CFailure` if it exists but can't be opened.
     explicit CGrowingFile(std::string path);
 
-    /// Takes everything that was complete when the look began, so it ends however fast the writer is. Returns true if
-    /// there was anything new. Throws `CFailure` if the file isn't a raw data file.
+    /// Reads everything that is complete in the bytes that the file has at the start of this call, so it returns even
+    /// if the writer is fast. Returns true if there was anything new. Throws `CFailure` if it isn't a raw data file.
     [[nodiscard]] bool Look();
 
-    /// How far the writer is.
+    /// The state of the file.
     enum class EState { Running, Finished, Damaged };
 
-    /// Returns whether the writer has closed the file, and whether its positions lead to everything in it. Call it once
-    /// after each look, with what that returned.
+    /// Returns whether the writer has closed the file, and if so, whether its positions lead to everything in it. Call
+    /// it once after each `Look`, with its result.
     [[nodiscard]] EState State(bool hasNews);
 
     /// Returns true if there was a file at the last look.
     bool IsThere() const { return m_file.IsOpen(); }
-    /// How often another file has taken the place of the one that was being followed.
+    /// Returns how often another file replaced the one being followed.
     std::size_t Replacements() const { return m_replacements; }
-    /// The latest recording; null before the first.
+    /// Returns the latest recording; null before the first. Valid until the next `Look` or `State`.
     const CRunningRecording* Latest() const { return m_recordings == 0 ? nullptr : &m_latest; }
     std::size_t Recordings() const { return m_recordings; }
-    /// The number of bytes that were taken.
+    /// Returns the number of bytes read so far.
     std::int64_t Position() const { return m_position; }
 
  private:
@@ -68,17 +68,17 @@ class CGrowingFile {
 
     std::string m_path;
     vxfileio::helpers::CFile m_file;
-    std::int64_t m_position = 0;  ///< Where the last thing taken ends.
-    std::int64_t m_size = 0;      ///< Of the file, when the look began.
+    std::int64_t m_position = 0;  ///< The end of the last header or segment that was read.
+    std::int64_t m_size = 0;      ///< The size of the file at the start of the look.
     const vxfileio::rawdata::CLayout* m_layout = &vxfileio::rawdata::Layouts().back();  ///< Never null.
-    std::string m_guid;  ///< The cell, and the first cells of the latest recording: what is never rewritten.
+    std::string m_guid;  ///< This cell, and the first cells of the latest recording, are never rewritten.
     std::string m_recordingStart;
     std::size_t m_replacements = 0;
     std::int64_t m_recordingHdr = vxfileio::rawdata::kUnset;
     CRunningRecording m_latest;
     std::size_t m_recordings = 0;
-    std::uint64_t m_segments = 0;  ///< Of all recordings.
-    bool m_wasSet = false;         ///< The last recording already had the position of its data at the look before.
+    std::uint64_t m_segments = 0;  ///< The number of segments of all recordings.
+    bool m_wasSet = false;         ///< At the look before, the last recording already had the position of its data.
 };
 
 }  // namespace vxfile

@@ -31,15 +31,15 @@ constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 /// time stays linear in its size.
 constexpr std::int64_t kMostPasses = 4;
 
-/// The most segments of one recording that are named; after them, only that there may be more.
+/// The most differing segments listed per recording.
 constexpr int kMostSegmentsTold = 5;
 
 void AddCells(const auto& cells, const std::string& name, std::string_view bytes, std::vector<CLeaf>& leaves) {
-    std::string_view block;  // keys stand twice in recording headers: for wells and for auxiliary channels
+    std::string_view block;  // recording headers have these keys twice: for wells and for auxiliary channels
     for (const auto& cell : cells) {
         const std::string_view text = CellText(CellIn(cell, bytes));
         if (cell.key == "NumberOfAuxCh") block = "auxiliary ";
-        // Positions say where something is and not what it is.
+        // Positions depend on the layout of the file, not on its content.
         if (cell.traits.role == ERole::Value)
             leaves.push_back({name + " > " + std::string(block) + std::string(cell.key.empty() ? "mark" : cell.key),
                               Quoted(text.substr(std::min(text.size(), cell.key.size())))});
@@ -71,7 +71,7 @@ struct CSide {
 
     std::string path;
     CRawScan scan;
-    CCoverage reached = {};  ///< What positions lead to.
+    CCoverage reached = {};  ///< The bytes that positions lead to.
     std::vector<std::byte> block = {};
 };
 
@@ -79,7 +79,7 @@ void Reach(CSide& side, std::int64_t begin, std::int64_t end) {
     side.reached.Add({begin, std::min(end, side.scan.Size())});
 }
 
-/// Returns what no position leads to.
+/// Returns the ranges that no position leads to.
 std::vector<CRange> Unreached(CSide& side) {
     Reach(side, 0, side.scan.FileHdrSize());
     for (const auto& recording : side.scan.Recordings())
@@ -95,7 +95,7 @@ std::int64_t BytesOf(const std::vector<CRange>& ranges) {
                            [](std::int64_t sum, CRange range) { return sum + range.end - range.begin; });
 }
 
-/// Reads a part of a file; less where the file ends.
+/// Reads a part of a file; less at the end of the file.
 std::span<const std::byte> Read(CSide& side, std::int64_t position, std::size_t size) {
     side.block.resize(std::max(side.block.size(), size));
     const std::span<std::byte> block(side.block);
@@ -122,7 +122,7 @@ class CRawDiff {
         const std::size_t count = std::min(m_left.scan.Recordings().size(), m_right.scan.Recordings().size());
         for (std::size_t i = 0; i < count; ++i)
             CompareSegments(i);
-        if (m_differences.Count() == 0) CompareUnreached();  // all segments were passed
+        if (m_differences.Count() == 0) CompareUnreached();  // all segments were compared
     }
 
  private:
@@ -167,7 +167,7 @@ class CRawDiff {
                      });
     }
 
-    /// Calls `tell(done, left, right)` for the first block that isn't the same, so many bytes from the positions.
+    /// Calls `tell(done, left, right)` for the first block that differs, `done` bytes after the positions.
     void CompareBytes(std::int64_t left, std::int64_t right, std::int64_t size, auto tell) {
         for (std::int64_t done = 0; done < size; done += kBlockSize) {
             const auto part = static_cast<std::size_t>(std::min<std::int64_t>(size - done, kBlockSize));
@@ -180,7 +180,7 @@ class CRawDiff {
         }
     }
 
-    /// What no position leads to may be anything, so it is the same only to the byte.
+    /// Bytes that no position leads to may be anything, so they must be identical.
     void CompareUnreached() {
         const auto lefts = Unreached(m_left);
         const auto rights = Unreached(m_right);
@@ -219,7 +219,7 @@ class CRawDiff {
     CSide m_right;
     CDifferences& m_differences;
     CSegmentBudget m_budget;
-    std::int64_t m_bytesLeft;  ///< So many bytes are still compared before segments that overlap are refused.
+    std::int64_t m_bytesLeft;  ///< The number of bytes to compare before giving up on overlapping segments.
     CProgress m_progress;
     int m_told = 0;
 };

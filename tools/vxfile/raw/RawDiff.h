@@ -6,7 +6,7 @@
 
 namespace vxfile {
 
-/// Compares two raw data files and adds to `differences` how they differ. Throws `CFailure` if one can't be read.
+/// Compares two raw data files and adds what differs to `differences`. Throws `CFailure` if one can't be read.
 void CompareRawData(const std::string& left, const std::string& right, CDifferences& differences);
 
 }  // namespace vxfile

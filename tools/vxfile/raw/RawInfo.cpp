@@ -14,12 +14,12 @@ namespace vxfile {
 
 namespace {
 
-/// Files up to this size have their samples counted in any case: it takes no time that anybody would notice.
+/// The samples of files up to this size are always counted, since that takes no noticeable time.
 constexpr std::int64_t kSmallFile = std::int64_t{64} << 20;
 
 constexpr const char* kFinished = "finished";
 
-constexpr int kAuxColumn = 5;  ///< Of the table: behind the wells.
+constexpr int kAuxColumn = 5;  ///< The column of the table after the wells.
 
 bool HasAuxChannels(const CRecordingAt& recording) { return !recording.header.AuxChannels.empty(); }
 
@@ -41,7 +41,7 @@ std::vector<std::int32_t> WellIDsOf(const CRecordingAt& recording) {
     return wellIDs;
 }
 
-/// Returns the one value that all channels have, or the least and the greatest.
+/// Returns the interval of all channels, or the smallest and the largest.
 std::string IntervalText(const CRecordingAt& recording) {
     const auto& wells = recording.header.WellChannels;
     if (wells.empty()) return "";
@@ -77,7 +77,7 @@ class CRawInfo {
         if (m_scan.Size() < m_scan.FileHdrSize())
             m_page.SetDamage("The file ends within its first header; there is no recording to recover.");
         else if (!m_damage.empty())
-            m_page.SetDamage(m_damage + "; run 'vxfile verify' to see where, 'vxfile recover' to save what is whole.");
+            m_page.SetDamage(m_damage + "; run 'vxfile verify' to see where, 'vxfile recover' to save what is intact.");
         if (!m_counts) m_page.SetRemark("Segments and samples weren't counted; use --full.");
         return std::move(m_page);
     }
@@ -94,13 +94,13 @@ class CRawInfo {
     void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
 
     CRawScan m_scan;
-    bool m_counts;  ///< Whether segments are.
-    bool m_hasAux;  ///< Whether there are auxiliary channels to be told of.
+    bool m_counts;  ///< Whether segments are counted.
+    bool m_hasAux;  ///< Whether any recording has auxiliary channels.
     CSegmentBudget m_budget;
     CProgress m_progress;
     CPage m_page;
-    std::string m_damage;    ///< The first one that is met; empty if there is none.
-    std::int64_t m_end = 0;  ///< Where the last thing ends that was met.
+    std::string m_damage;    ///< The first damage found; empty if there is none.
+    std::int64_t m_end = 0;  ///< The end of the last header or segment that was found.
 };
 
 void CRawInfo::TellHeader() {
@@ -144,7 +144,7 @@ void CRawInfo::TellRecordings() {
     m_page.Json()["chainDamaged"] = m_scan.Break().has_value();
 }
 
-/// `lastState` is that of the last recording, if there is one.
+/// `lastState` is the state of the last recording, if there is one.
 void CRawInfo::TellSummary(const std::string& lastState) {
     const auto& recordings = m_scan.Recordings();
     std::vector<std::string> tasks;
@@ -197,13 +197,13 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
     return row;
 }
 
-/// What is noted isn't noted again where segments are counted.
+/// Keeps only the first damage of the file, and of each recording.
 void CRawInfo::NoteDamage(CPage::CRow& row, const char* word, const std::string& what) {
     if (m_damage.empty()) m_damage = what;
     if (row.back() == kFinished) row.back() += word;
 }
 
-/// What a header tells of a cut, without a look at the segments.
+/// Notes damage that shows without reading segments.
 void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const std::int64_t data = recording.header.FPosRecordingData;
@@ -213,15 +213,14 @@ void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
         NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
 }
 
-/// A chain that ends too early looks whole. Behind a finished recording stands nothing, or what the chain should lead
-/// to.
+/// A chain that ends too early looks intact. But nothing may follow a finished recording that no position leads to.
 void CRawInfo::JudgeWhatIsBehind() {
     const auto& recordings = m_scan.Recordings();
     if (!m_counts || recordings.empty() || !recordings.back().IsFinished() || !m_damage.empty()) return;
     if (m_scan.HasHeaderAt(m_end)) m_damage = "No position leads to what follows byte " + std::to_string(m_end);
 }
 
-/// Segments of an unfinished recording are those behind its header; the last of them may be just being written.
+/// The segments of an unfinished recording follow its header; the last one may still be incomplete.
 void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     CSegmentWalk walk = AllSegmentsOf(m_scan, recording);

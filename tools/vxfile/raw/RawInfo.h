@@ -6,8 +6,8 @@
 
 namespace vxfile {
 
-/// Tells what a raw data file holds. Large files are told from their headers alone, without a count of their samples,
-/// unless `full` is set: to count them is to walk from segment to segment. Throws `CFailure` if it can't be opened.
+/// Returns what a raw data file contains. Counts the samples of a large file only if `full` is set, since that takes a
+/// walk from segment to segment. Throws `CFailure` if it can't be opened.
 CPage InfoOfRawData(const std::string& path, bool full);
 
 }  // namespace vxfile

@@ -27,7 +27,7 @@ void CRawParts::ForEach(const std::function<void(CSealedPart&)>& take) const {
     }
 }
 
-/// The file may end within a header or samples.
+/// Adds a header or segment, which may be cut by the end of the file.
 void CRawParts::AddPlace(CPlace place) {
     place.length = std::min(place.length, m_scan.Size() - place.offset);
     if (place.length > 0) m_places.push_back(place);
@@ -50,7 +50,7 @@ void CRawParts::AddRecording(std::uint32_t index, CSegmentBudget& budget) {
     if (walk.Break()) m_doubts.push_back("the chain of segments of " + NameOf(recording, index) + " breaks off");
 }
 
-/// Leaves out what lies in something before it, and adds what nothing covers.
+/// Removes parts that overlap an earlier one, and adds the uncovered ranges.
 void CRawParts::AddGaps() {
     std::vector<CPlace> all;
     std::int64_t reached = 0;

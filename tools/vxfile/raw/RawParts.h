@@ -10,7 +10,7 @@
 
 namespace vxfile {
 
-/// The parts of a raw data file in the order of its bytes: headers, segments, and what belongs to neither.
+/// The parts of a raw data file in the order of the file: headers, segments, and bytes that belong to neither.
 class CRawParts {
  public:
     /// Walks all chains of the scan, which must outlive this. Takes about 50 bytes per segment.

@@ -15,7 +15,7 @@ namespace vxfile {
 
 namespace {
 
-/// Segments up to this size are read as many as the window holds even if only their headers are wanted.
+/// Segments up to this size are read many at a time, even if only their headers are needed.
 constexpr std::int64_t kShortSegment = 8 << 10;
 
 std::int64_t OffsetOf(const auto& cell) { return static_cast<std::int64_t>(cell.offset); }
@@ -123,7 +123,7 @@ std::string_view CSegmentWalk::HeaderBytes(std::int64_t position) {
     return m_scan.Window().BytesAt(position, size, BytesAhead()).substr(0, size);
 }
 
-/// Segments tend to be as long as the one before: whole ones are read, so that none comes in two parts.
+/// Segments tend to be as long as the one before. Reads whole segments, so that none is split between two reads.
 std::size_t CSegmentWalk::BytesAhead() const {
     if (m_segmentBytes == 0 || (m_reads == EWalk::Headers && m_segmentBytes > kShortSegment))
         return m_layout.segment.size;
@@ -137,19 +137,19 @@ CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWa
     return {scan, first, cell, reads};
 }
 
-CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording) {
+CSegmentWalk SegmentsAfter(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = scan.DataPosition(recording);
     return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, EWalk::Headers, true};
 }
 
 CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {
-    return recording.IsFinished() ? SegmentsOf(scan, recording) : SegmentsBehind(scan, recording);
+    return recording.IsFinished() ? SegmentsOf(scan, recording) : SegmentsAfter(scan, recording);
 }
 
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = recording.header.FPosRecordingData;
-    const bool leadsBehind = first == recording.header.FPosNextRecordingHdr || first == scan.Size();
-    return leadsBehind && first >= 0 && !scan.HasSegmentAt(first);
+    const bool leadsPast = first == recording.header.FPosNextRecordingHdr || first == scan.Size();
+    return leadsPast && first >= 0 && !scan.HasSegmentAt(first);
 }
 
 std::string NameOf(const CRecordingAt& recording, std::size_t index) {

@@ -15,50 +15,50 @@
 #include "vxfileio/rawdata/SegmentTimes.h"
 
 /// @file
-/// Raw data files for whoever looks at damage, too: what the library's reader refuses as a whole is told here as far
-/// as it can be read, and where it breaks off. Only headers are read, never samples.
+/// Raw data files, damaged or not. Where the library's reader refuses a whole file, these classes return what can be
+/// read and where it breaks off. They read headers only, never samples.
 
 namespace vxfile {
 
-/// Where and why a chain of positions leads no further.
+/// Where and why a chain of positions is broken.
 struct CChainBreak {
     enum class EReason { Nowhere, NoHeader, TooManyChannels, Circle };
 
     EReason reason;
-    std::int64_t position;  ///< What the cell says that should have led on.
-    std::int64_t cell;      ///< Where that cell stands.
+    std::int64_t position;  ///< The position in the cell that should lead to the next header.
+    std::int64_t cell;      ///< The file offset of that cell.
 };
 
-/// One recording and where its header stands.
+/// One recording and the file offset of its header.
 struct CRecordingAt {
     std::int64_t position = 0;
     CRawDataRecordingHdr header;
 
-    /// Tells whether its writer has told where its data is.
+    /// Returns true if the writer has set the position of its data.
     bool IsFinished() const { return header.FPosRecordingData != vxfileio::rawdata::kUnset; }
 };
 
-/// One segment and where its header stands.
+/// One segment and the file offset of its header.
 struct CSegmentAt {
     std::int64_t position = 0;
     vxfileio::rawdata::CSegmentHdr header;
-    std::string_view bytes;  ///< Of the header, as far as the file has them; valid until the window moves.
-    const vxfileio::rawdata::CLayout* layout = nullptr;  ///< The file's; never null.
+    std::string_view bytes;  ///< The bytes of the header, up to the end of the file; valid until the window moves.
+    const vxfileio::rawdata::CLayout* layout = nullptr;  ///< The layout of the file; never null.
 
     std::int64_t DataPosition() const { return DataOf(*layout, position); }
     std::uint32_t Samples() const { return SamplesOf(header); }
-    /// Returns where the samples end; the file may end earlier.
+    /// Returns the offset after the samples; the file may end earlier.
     std::int64_t End() const { return EndOf(*layout, position, header); }
 };
 
-/// A file and what its headers tell. Opening it walks the recordings and no segment.
+/// A file and its headers. The constructor reads the recording headers, but no segments.
 class CRawScan {
  public:
-    /// Throws `CFailure` if the file can't be opened or hasn't the mark of a raw data file.
+    /// Throws `CFailure` if the file can't be opened or doesn't begin with the mark of a raw data file.
     explicit CRawScan(const std::string& path);
 
     const vxfileio::helpers::CFile& File() const { return m_file; }
-    /// What is at hand of the file for the walk that is under way, and for whoever reads the samples that it leads to.
+    /// Returns the window that walks use; the samples of the current segment can be read through it.
     CFileWindow& Window() const { return m_window; }
     /// The size of the file after its recording headers were read: everything that a finished recording points to lies
     /// within it, even if a writer has appended more since.
@@ -81,18 +81,18 @@ class CRawScan {
     std::int64_t FileHdrSize() const { return static_cast<std::int64_t>(m_layout->file.size); }
     std::int64_t RecordingHdrSize() const { return static_cast<std::int64_t>(m_layout->recording.size); }
     std::int64_t SegmentHdrSize() const { return static_cast<std::int64_t>(m_layout->segment.size); }
-    /// Where the header of a recording ends, and its first segment stands if it has one.
+    /// Returns the end of a recording's header, where its first segment is if it has one.
     std::int64_t DataPosition(const CRecordingAt& recording) const { return recording.position + RecordingHdrSize(); }
 
-    /// @name What stands at a position
-    /// Each tells whether the first cell of such a header does.
+    /// @name What is at a position
+    /// Each returns true if the first cell of such a header is there.
     /// @{
     bool HasRecordingAt(std::int64_t position) const;
     bool HasSegmentAt(std::int64_t position) const;
     bool HasHeaderAt(std::int64_t position) const { return HasSegmentAt(position) || HasRecordingAt(position); }
     /// @}
 
-    /// Reads up to `size` bytes; fewer at the end of the file.
+    /// Reads `size` bytes; fewer at the end of the file.
     std::string ReadBytes(std::int64_t position, std::size_t size) const;
 
  private:
@@ -109,28 +109,28 @@ class CRawScan {
     std::optional<CChainBreak> m_break;
 };
 
-/// What a walk reads. Short segments come many at a time in any case.
+/// What a walk reads. Many short segments are always read at a time.
 enum class EWalk {
-    Headers,  ///< Of long segments the header alone: copying what nobody looks at would cost more than another call.
-    Samples,  ///< All that follows, since the samples are wanted, too.
+    Headers,  ///< Of long segments only the header: copying unused samples would cost more than another call.
+    Samples,  ///< Headers and samples.
 };
 
-/// Walks one chain of segments, through the window of its file.
+/// Walks one chain of segments through the window of its file.
 class CSegmentWalk {
  public:
-    /// `first` is the position that leads to the chain; the cell at `cell` has it. In an unfinished recording the chain
-    /// goes on after its end if a segment follows there: a writer appends it before it sets the position that leads to
-    /// it.
+    /// `first` is the position of the first segment, and `cell` the offset of the cell that has it. In an unfinished
+    /// recording the chain also continues with a segment that follows its end: a writer appends it before it sets the
+    /// position that leads to it.
     CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads, bool isUnfinished = false);
 
-    /// Goes to the next segment. Returns null at the end of the chain or where it breaks. The segment is valid until
-    /// the next call.
+    /// Moves to the next segment. Returns null at the end of the chain or where it is broken. The segment is valid
+    /// until the next call.
     const CSegmentAt* Next();
 
     /// Why there are no more segments; nothing if the chain ends as it should.
     const std::optional<CChainBreak>& Break() const { return m_break; }
 
-    /// Where the next segment stands; `kUnset` at the end. A walk that begins later can go on there.
+    /// Returns the position of the next segment; `kUnset` at the end. Another walk can continue there.
     std::int64_t NextPosition() const { return m_next; }
     void GoTo(std::int64_t position) { m_next = position; }
 
@@ -148,11 +148,11 @@ class CSegmentWalk {
     std::optional<CChainBreak> m_break;
     EWalk m_reads;
     bool m_isUnfinished;
-    std::int64_t m_segmentBytes = 0;  ///< Of the segment before, header and samples.
+    std::int64_t m_segmentBytes = 0;  ///< The size of the last segment, header and samples.
 };
 
-/// Counts the segments of all recordings together. A file has room for so many and no more: where damage makes chains
-/// share segments, whoever walks them all stops in time.
+/// Limits the number of segments of all recordings together to what fits in the file. Stops a walk through all chains
+/// in time if damage makes them share segments.
 class CSegmentBudget {
  public:
     explicit CSegmentBudget(const CRawScan& scan) : m_left(scan.Size() / scan.SegmentHdrSize() + 1) {}
@@ -167,16 +167,16 @@ class CSegmentBudget {
 /// Returns the walk along a recording's own chain; it has no segment if the recording isn't finished.
 CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWalk reads = EWalk::Headers);
 
-/// Returns the walk along the segments that stand behind the header of an unfinished recording.
-CSegmentWalk SegmentsBehind(const CRawScan& scan, const CRecordingAt& recording);
+/// Returns the walk along the segments after the header of an unfinished recording.
+CSegmentWalk SegmentsAfter(const CRawScan& scan, const CRecordingAt& recording);
 
-/// Returns the one of both that a recording has.
+/// Returns the walk along the segments of a recording, finished or not.
 CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording);
 
-/// Tells whether a finished recording has no segments: its position leads to what follows it, not to a segment.
+/// Returns true if a finished recording has no segments: its position leads to what follows it, not to a segment.
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording);
 
-/// Returns a recording as people name it, such as `recording 2 (Series 1)`; `index` counts from 0.
+/// Returns the name of a recording for messages, such as `recording 2 (Series 1)`; `index` counts from 0.
 std::string NameOf(const CRecordingAt& recording, std::size_t index);
 
 }  // namespace vxfile

@@ -29,7 +29,7 @@ std::string NameOfSegment(const std::string& recording, std::size_t index, const
     return recording + " > segment " + std::to_string(index + 1) + " (well " + Text(segment.header.ID) + ")";
 }
 
-/// Returns whether the header of a segment is right to the byte. It is much faster than judging its cells.
+/// Returns true if the header of a segment is exactly as writers write it. Much faster than judging its cells.
 bool IsExactSegmentHdr(const CLayout& layout, std::string_view bytes) {
     if (bytes.size() != layout.segment.size) return false;
     CSegmentHdr header;
@@ -40,12 +40,12 @@ bool IsExactSegmentHdr(const CLayout& layout, std::string_view bytes) {
     return std::equal(bytes.begin(), bytes.end(), exact.begin());
 }
 
-/// What was found along one chain of segments.
+/// The sum of one chain of segments.
 struct CChainSum {
     std::size_t segments = 0;
     std::uint64_t samples = 0;
     std::set<std::int32_t> wells = {};
-    std::int64_t end = 0;  ///< Where the last segment ends.
+    std::int64_t end = 0;  ///< The end of the last segment.
     bool isLastIncomplete = false;
 };
 
@@ -113,13 +113,13 @@ class CRawVerifier {
     CRawScan m_scan;
     vxfileio::recovery::CFileInput m_input{m_scan.File()};
     vxfileio::recovery::CWindow m_samples{m_input, m_scan.Size()};
-    std::int64_t m_mostSamples = m_scan.Size();  ///< Bytes still to be looked at: no more than the file has.
+    std::int64_t m_mostSamples = m_scan.Size();  ///< The number of bytes of samples still to be checked; limits work.
     CProgress m_progress;
     CFindings m_findings;
     CCoverage m_coverage;
-    CSegmentRules m_rules;  ///< For the recording at hand.
+    CSegmentRules m_rules;  ///< For the current recording.
     CSegmentBudget m_budget;
-    bool m_circle = false;  ///< Something is passed more than once, so overlaps say nothing.
+    bool m_circle = false;  ///< Chains share segments, so overlaps mean nothing.
 };
 
 void CRawVerifier::JudgeFileHdr() {
@@ -129,7 +129,7 @@ void CRawVerifier::JudgeFileHdr() {
     m_coverage.Add({0, m_scan.FileHdrSize()});
     const std::int64_t first = m_scan.Header().FPosFirstRecordingHdr;
     if (m_scan.Size() < m_scan.FileHdrSize()) {
-        m_findings.MakeUnusable();  // it was told where the header ends
+        m_findings.MakeUnusable();  // the end of the header was already reported
     } else if (first == kUnset) {
         Add(name + " > FPosFirstRecordingHdr", OffsetOf("FPosFirstRecordingHdr"), "-1",
             "the position of the first recording", "The file holds no recording; readers refuse it as empty.");
@@ -137,7 +137,7 @@ void CRawVerifier::JudgeFileHdr() {
     } else if (first != m_scan.FileHdrSize() && !m_scan.Recordings().empty()) {
         Add(name + " > FPosFirstRecordingHdr", OffsetOf("FPosFirstRecordingHdr"), Text(first),
             Text(m_scan.FileHdrSize()),
-            "Recordings don't begin where writers put them; readers follow the position anyway.");
+            "Writers put the first recording elsewhere; readers follow the position anyway.");
     }
 }
 
@@ -158,17 +158,17 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
 }
 
 void CRawVerifier::JudgePositions(const CRecordingAt& recording, const std::string& name) {
-    const std::int64_t behind = m_scan.DataPosition(recording);
-    if (recording.header.FPosRecordingData != behind && IsInFile(recording.header.FPosRecordingData))
+    const std::int64_t end = m_scan.DataPosition(recording);
+    if (recording.header.FPosRecordingData != end && IsInFile(recording.header.FPosRecordingData))
         Add(name + " > FPosRecordingData", OffsetOf(recording, "FPosRecordingData"),
-            Text(recording.header.FPosRecordingData), Text(behind) + ", right after the header",
-            "The segments don't begin where writers put them; readers follow the position anyway.");
+            Text(recording.header.FPosRecordingData), Text(end) + ", right after the header",
+            "Writers put the first segment elsewhere; readers follow the position anyway.");
     if (recording.header.FPosRecordingTrailer != kUnset)
         Add(name + " > FPosRecordingTrailer", OffsetOf(recording, "FPosRecordingTrailer"),
             Text(recording.header.FPosRecordingTrailer), "-1", "There are no trailers; readers ignore it.");
 }
 
-/// Writers put the next recording where the one before ends.
+/// Writers put each recording right after the one before.
 void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::string& name, std::int64_t end) {
     const std::int64_t next = recording.header.FPosNextRecordingHdr;
     if (next == kUnset || next == end) return;
@@ -177,9 +177,9 @@ void CRawVerifier::JudgeNextRecording(const CRecordingAt& recording, const std::
         Text(end) + ", where its last segment ends", "Segments are missing here, or the recordings were moved.");
 }
 
-/// An unfinished recording is as its writer left it. What it wrote stands behind the header.
+/// The segments of an unfinished recording follow its header.
 void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::string& name) {
-    const CChainSum sum = JudgeSegments(SegmentsBehind(m_scan, recording), recording, name);
+    const CChainSum sum = JudgeSegments(SegmentsAfter(m_scan, recording), recording, name);
     const std::string meaning = "The recording is unfinished, with " + Counted(sum.segments, "segment") + " of " +
                                 Counted(sum.wells.size(), "well") + " (" + Counted(sum.samples, "sample") + ')' +
                                 (sum.isLastIncomplete ? " and a part of one more" : "") +
@@ -199,8 +199,8 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
     while (const CSegmentAt* segment = walk.Next()) {
         if (!m_budget.Take()) {
             if (!std::exchange(m_circle, true))
-                Add(name, segment->position, "a segment that other segments lead to as well", "chains of their own",
-                    "Chains are tangled; what follows wasn't checked.");
+                Add(name, segment->position, "a segment that several chains share", "separate chains",
+                    "The rest of these chains wasn't checked.");
             break;
         }
         JudgeSegment(*segment, recording, name, sum.segments);
@@ -238,11 +238,12 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
         Add(NameOfSegment(name, index, segment) + " > samples", segment.DataPosition(),
             Counted(static_cast<std::uint64_t>(m_scan.Size() - segment.DataPosition()), "byte"),
             Counted(segment.Samples() * std::uint64_t{2}, "byte"),
-            "The file was cut within the samples, or Size is damaged; readers give 0 for the missing ones, or refuse.");
+            "The file was cut within the samples, or Size is damaged; readers return 0 for the missing ones, or fail.");
     JudgeSamples(segment, NameOfSegment(name, index, segment));
 }
 
-/// Looks for what a power cut leaves. In a file whose segments overlap, doesn't look at all of them.
+/// Looks for pages of zeros, which a power cut leaves. Stops once it has read as many bytes as the file has, which
+/// happens only if segments overlap.
 void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& name) {
     const std::int64_t end = std::min(segment.End(), m_scan.Size());
     const std::int64_t size = end - segment.DataPosition();
@@ -250,7 +251,7 @@ void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& na
     m_mostSamples -= size;
     const auto report = [&](std::int64_t from, std::int64_t to) {
         Add(name + " > samples", from, Counted(static_cast<std::uint64_t>(to - from), "byte") + " that are 0",
-            "samples that don't become 0 where a page of 4096 bytes begins",
+            "no zeros from the start of a page of 4096 bytes",
             "A power cut leaves this in place of samples that never reached the disk.");
     };
     try {
@@ -260,13 +261,13 @@ void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& na
     }
 }
 
-/// Returns true if the file ends within the segment and nothing follows it: what an unfinished recording may end with.
+/// Returns true if the file ends inside the segment, as it may in an unfinished recording.
 bool CRawVerifier::IsIncomplete(const CSegmentAt& segment) const {
     if (segment.bytes.size() < m_scan.Layout().segment.size) return true;
     return segment.header.FPosNextSegmentHdr == kUnset && !m_scan.HasByteAt(segment.End() - 1);
 }
 
-/// A segment whose times contradict its size says nothing about the one after it.
+/// Doesn't compare the next segment with one whose times contradict its size.
 void CRawVerifier::JudgeValues(const CSegmentAt& segment, const std::string& recording, std::size_t index) {
     auto breach = m_rules.BreachOf(m_scan.Layout(), segment.header);
     if (!breach || breach->rule == ERule::NoOverlap) m_rules.Note(segment.header);
@@ -278,7 +279,7 @@ void CRawVerifier::JudgeNextSegment(const CSegmentAt& segment, const std::string
     if (!IsInFile(next) || next == segment.End()) return;
     Add(NameOfSegment(recording, index, segment) + " > FPosNextSegmentHdr", OffsetOf(segment, "FPosNextSegmentHdr"),
         Text(next), Text(segment.End()) + ", where this segment ends",
-        "Segments aren't in the order in which writers put them; readers follow the position anyway.");
+        "Writers put the next segment elsewhere; readers follow the position anyway.");
 }
 
 void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
@@ -287,7 +288,7 @@ void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& 
     const std::string what(wanted);
     switch (chainBreak.reason) {
         case CChainBreak::EReason::Nowhere:
-            Add(where, chainBreak.cell, position, "-1, or a position in the file", meaning);
+            Add(where, chainBreak.cell, position, "-1 or a position in the file", meaning);
             break;
         case CChainBreak::EReason::NoHeader:
             Add(where, chainBreak.cell,
@@ -301,7 +302,7 @@ void CRawVerifier::JudgeBreak(const CChainBreak& chainBreak, const std::string& 
             break;
         case CChainBreak::EReason::Circle:
             m_circle = true;
-            Add(where, chainBreak.cell, position + ", which the chain has passed before", "-1, or the next position",
+            Add(where, chainBreak.cell, position + ", which the chain has visited before", "-1 or the next position",
                 meaning);
             break;
     }
@@ -312,12 +313,12 @@ void CRawVerifier::JudgeBreakOfRecordings(const CChainBreak& chainBreak) {
     const std::string where = count == 0 ? "file header > FPosFirstRecordingHdr"
                                          : NameOf(m_scan.Recordings().back(), count - 1) + " > FPosNextRecordingHdr";
     JudgeBreak(chainBreak, where, "a recording",
-               "Readers refuse the whole file; run 'vxfile recover' to save the recordings that are whole.");
+               "Readers refuse the whole file; run 'vxfile recover' to save the intact recordings.");
     m_findings.MakeUnusable();
 }
 
-/// After an unfinished recording, the first bytes of a segment may end the file, or the next recording header before
-/// positions lead to it.
+/// After an unfinished recording, a file may end with the first bytes of a segment, or with a recording header that no
+/// position leads to yet.
 bool CRawVerifier::IsBeingWritten(CRange tail) const {
     const auto& recordings = m_scan.Recordings();
     if (m_scan.IsGrowing() || recordings.empty()) return m_scan.IsGrowing();
@@ -335,13 +336,13 @@ void CRawVerifier::JudgeCoverage() {
         m_scan.Size(),
         [&](CRange gap) {
             if (gap.end == m_scan.Size() && IsBeingWritten(gap)) return;
-            Add("file", gap.begin, describe(gap) + " that no position leads to", "bytes that belong to something",
+            Add("file", gap.begin, describe(gap) + " that no position leads to", "bytes of a header or a segment",
                 "This content was lost or never finished; run 'vxfile recover' to look for segments in it.");
         },
         [&](CRange overlap) {
-            if (m_circle) return;  // which passes everything twice
-            Add("file", overlap.begin, describe(overlap) + " that belong to two things", "bytes that belong to one",
-                "A position or a Size is damaged.");
+            if (m_circle) return;  // chains visit some bytes twice
+            Add("file", overlap.begin, describe(overlap) + " that belong to two headers or segments",
+                "bytes that belong to one", "A position or a Size is damaged.");
         });
 }
 

@@ -6,9 +6,9 @@
 
 namespace vxfile {
 
-/// Holds a raw data file against everything that its format fixes: the cells of all headers, where positions lead,
-/// sizes against times, and that every byte belongs to something. Samples may have any value and aren't read. Throws
-/// `CFailure` if the file can't be opened.
+/// Compares a raw data file with everything that its format fixes: the cells of all headers, positions, sizes against
+/// times, and that every byte belongs to one header or segment. Samples may have any value, but pages of zeros among
+/// them, which a power cut leaves, are findings. Throws `CFailure` if the file can't be opened.
 CFindings VerifyRawData(const std::string& path);
 
 }  // namespace vxfile

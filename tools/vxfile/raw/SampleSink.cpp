@@ -29,7 +29,8 @@ double InUnits(std::uint16_t sample, const CRawDataChannelInfo& channel) {
     return (static_cast<double>(sample) - channel.ADZero) * channel.UnitsPerAD;
 }
 
-/// Returns what turns the piece's samples into units; nothing needs to, if they aren't asked for.
+/// Returns the channel that converts the piece's samples to units; an empty one without `units`. Throws `CFailure` if
+/// the header lacks the units.
 CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
     if (!units) return {};
     if (piece.channel == nullptr)
@@ -43,7 +44,7 @@ CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
 
 // ---- Text -----------------------------------------------------------------------------------------------------------
 
-/// A line per sample, behind a line of names.
+/// A header line, and a line per sample.
 class CTextTable : public CSampleSink {
  public:
     CTextTable(const CSampleForm& form, char separator)
@@ -71,7 +72,7 @@ class CTextTable : public CSampleSink {
                 AddNumber(sample);
             }
             m_text += '\n';
-            time = m_piece->TimeBehind(time, 1);
+            time = m_piece->TimeAfter(time, 1);
             if (m_text.size() > kBlockSize) Flush();
         }
         Flush();
@@ -100,9 +101,9 @@ class CTextTable : public CSampleSink {
     COutput m_output;
     const CPiece* m_piece = nullptr;
     CRawDataChannelInfo m_channel;
-    std::string m_start;  ///< Of each line of the piece.
+    std::string m_start;  ///< The start of each line of the piece.
     std::string m_text;
-    std::array<char, 32> m_number{};  ///< Room for one; there are too many to make it anew.
+    std::array<char, 32> m_number{};  ///< Buffer for one number, kept to be cleared only once.
 };
 
 // ---- NPY ------------------------------------------------------------------------------------------------------------
@@ -113,7 +114,7 @@ class CTextTable : public CSampleSink {
         "use --table.");
 }
 
-/// Returns how many samples will come to a form's target.
+/// Returns the number of samples that will go to the target.
 std::uint64_t CountAhead(const CSampleForm& form, CSampleSource& source) {
     const auto& counts = source.Counts();
     source.RefuseNothing();
@@ -123,7 +124,7 @@ std::uint64_t CountAhead(const CSampleForm& form, CSampleSource& source) {
                            [](std::uint64_t sum, const auto& count) { return sum + count.second; });
 }
 
-/// The samples of one well, alone.
+/// An array of the samples of one well.
 class CNpyArray : public CSampleSink {
  public:
     CNpyArray(const CSampleForm& form, CSampleSource& source)
@@ -153,7 +154,7 @@ class CNpyArray : public CSampleSink {
     std::vector<double> m_values;
 };
 
-/// A table of all: an item per sample, with task, recording, well, time and value, as the lines of a text have them.
+/// A table of all wells, with the columns of the text formats: task, recording, well, time and value of each sample.
 class CNpyTable : public CSampleSink {
  public:
     CNpyTable(const CSampleForm& form, CSampleSource& source)
@@ -179,7 +180,7 @@ class CNpyTable : public CSampleSink {
             Fill(time, part);
             m_file.Put(std::span(m_block).first(part.size() * m_itemSize), part.size());
             samples = samples.subspan(part.size());
-            time = m_piece->TimeBehind(time, part.size());
+            time = m_piece->TimeAfter(time, part.size());
         }
     }
 
@@ -213,7 +214,7 @@ class CNpyTable : public CSampleSink {
             } else {
                 add(sample);
             }
-            time = m_piece->TimeBehind(time, 1);
+            time = m_piece->TimeAfter(time, 1);
         }
     }
 
@@ -222,7 +223,7 @@ class CNpyTable : public CSampleSink {
     std::size_t m_itemSize;
     std::vector<std::byte> m_block;
     CNpyFile m_file;
-    std::string m_front;  ///< Of each item of the piece: all ahead of the time.
+    std::string m_front;  ///< The start of each item of the piece: everything before the time.
     const CPiece* m_piece = nullptr;
     CRawDataChannelInfo m_channel;
 };
@@ -244,7 +245,7 @@ std::unique_ptr<CSampleSink> MakeSink(const CSampleForm& form, CSampleSource& so
     return std::make_unique<CTextTable>(form, ',');
 }
 
-/// Each well has a sink of its own, named after it.
+/// A sink for each well, with an output named after it.
 class CSinkPerWell : public CSampleSink {
  public:
     CSinkPerWell(CSampleForm form, CSampleSource& source) : m_form(std::move(form)), m_source(source) {}
@@ -266,7 +267,7 @@ class CSinkPerWell : public CSampleSink {
     }
 
  private:
-    /// Files that are open at once; more wells than this are no plate's.
+    /// The number of files open at once. No plate has more wells.
     static constexpr std::size_t kMostSinks = 400;
 
     CSampleForm FormOf(std::int32_t well) const {

@@ -17,12 +17,12 @@ struct CSampleForm {
     enum class EKind { Csv, Tsv, NpyArray, NpyTable };
 
     EKind kind = EKind::Csv;
-    bool units = false;                     ///< In the channel's physical unit instead of steps of the converter.
-    CTarget target = {};                    ///< With `{well}` in its path each well has an output of its own.
-    std::optional<std::int32_t> well = {};  ///< The one whose target this is, if each has its own.
+    bool units = false;                     ///< In the channel's physical unit instead of converter steps.
+    CTarget target = {};                    ///< If its path has `{well}`, each well gets an output of its own.
+    std::optional<std::int32_t> well = {};  ///< The well of this target if each well has its own.
 };
 
-/// Takes samples, piece by piece, and writes them in one of the forms.
+/// Writes samples, piece by piece, in one of the formats.
 class CSampleSink {
  public:
     CSampleSink() = default;
@@ -30,19 +30,20 @@ class CSampleSink {
     CSampleSink(const CSampleSink&) = delete;
     CSampleSink& operator=(const CSampleSink&) = delete;
 
-    /// Is told of a piece before it is read. It stays until the next one.
+    /// Begins a piece, before its samples are read. Keeps a pointer to it, which must stay valid until the next
+    /// `Begin`.
     virtual void Begin(const CPiece& piece) = 0;
-    /// Takes samples of this piece that follow one another. `time` is that of the first one.
+    /// Writes the next samples of the piece. `time` is the time of the first of them.
     virtual void Put(std::int64_t time, std::span<const std::uint16_t> samples) = 0;
-    /// Ends all outputs: all files appear, or none. Without it there are none.
+    /// Finishes all outputs. Either all files appear or none; without this call, none does.
     void Commit();
-    /// Finishes all outputs and adds them to a list. They wait for being committed.
+    /// Finishes all outputs and adds them to `outputs`, for the caller to commit.
     virtual void Finish(std::vector<COutput*>& outputs) = 0;
 };
 
-/// Makes the sink for a form. The length of an array stands ahead of it: where that can't be put in later, as in a
-/// pipe, the source is gone through for counting. Throws `CFailure` if the form can't hold what is chosen. The source
-/// outlives the sink.
+/// Returns the sink for a format. An array begins with its length. If that can't be filled in later, as in a pipe,
+/// reads all headers of the source first. Throws `CFailure` if the format can't hold the chosen samples. The source
+/// must outlive the sink.
 std::unique_ptr<CSampleSink> MakeSampleSink(const CSampleForm& form, CSampleSource& source);
 
 }  // namespace vxfile

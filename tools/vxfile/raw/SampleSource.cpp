@@ -16,13 +16,13 @@ namespace vxfile {
 
 namespace {
 
-/// So many pieces are kept of the first time that the file is gone through.
+/// The number of pieces that the first walk keeps.
 constexpr std::size_t kMostKept = std::size_t{16} << 10;
 
-/// Tells whether a list that stands for a choice has the item.
+/// Returns true if the list has the item, or is empty, which means all.
 bool Has(const auto& list, const auto& item) { return list.empty() || std::ranges::find(list, item) != list.end(); }
 
-/// Returns the sample interval of a segment: that of its well, or the one that its own times tell.
+/// Returns the sample interval of a segment: the interval of its well, or one computed from its times.
 std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel) {
     if (channel != nullptr && channel->Ticks > 0) return channel->Ticks;
     const auto& header = segment.header;
@@ -31,13 +31,13 @@ std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channe
     return std::max<std::int64_t>(static_cast<std::int64_t>(tick), 1);
 }
 
-/// Tells whether there are times for all samples.
+/// Returns true if the times of all samples fit the type.
 bool HasTimes(const CSegmentAt& segment, std::int64_t tick) {
     const std::uint64_t most = Distance(segment.header.TimeFrom, std::numeric_limits<std::int64_t>::max());
     return segment.Samples() == 0 || segment.Samples() - 1 <= most / static_cast<std::uint64_t>(tick);
 }
 
-/// The wells that a recording lists, for looking up those of its segments. Of two with one ID, the first counts.
+/// The wells that a recording lists, by ID. If two have the same ID, the first one counts.
 class CListedWells {
  public:
     explicit CListedWells(const CRecordingAt& recording) {
@@ -45,7 +45,7 @@ class CListedWells {
             m_channels.try_emplace(channel.ID, &channel);
     }
 
-    /// Returns null if the well isn't listed. Valid as long as the recording.
+    /// Returns null if the well isn't listed. The channel is valid as long as the recording.
     const CRawDataChannelInfo* Find(std::int32_t well) const {
         const auto channel = m_channels.find(well);
         return channel == m_channels.end() ? nullptr : channel->second;
@@ -118,17 +118,17 @@ void CSampleSource::RefuseUnfinished() const {
 void CSampleSource::ForEach(const CTakePiece& take) {
     for (const CPiece& piece : m_kept)
         take(piece);
-    Walk(m_behindKept, m_reads, [&](const CPiece& piece, CPlace /*behind*/) { take(piece); });
+    Walk(m_afterKept, m_reads, [&](const CPiece& piece, CPlace /*next*/) { take(piece); });
 }
 
 const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
     if (!m_kept.empty()) return m_counts;
     m_judge.Clear();
-    Walk({}, EWalk::Headers, [&](const CPiece& piece, CPlace behind) {
+    Walk({}, EWalk::Headers, [&](const CPiece& piece, CPlace next) {
         m_counts[piece.well] += piece.count;
         if (m_kept.size() == kMostKept) return;
         m_kept.push_back(piece);
-        m_behindKept = behind;
+        m_afterKept = next;
     });
     m_judge.Close();
     return m_counts;
@@ -167,7 +167,7 @@ void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
     if (walk.Break()) RefuseBreak(NameOf(recording, index));
 }
 
-/// Goes on only with a segment whose samples are in the file, and are its own.
+/// Throws `CFailure` unless the samples of the segment are in the file and belong to it.
 void CSampleSource::RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording) {
     const auto name = [&] { return NameOf(m_scan.Recordings()[recording], recording); };
     if (segment.End() > m_scan.Size()) RefuseBreak("the last segment of " + name());
@@ -198,7 +198,7 @@ void CSampleSource::RefuseNothing() const {
                    std::to_string(m_first) + " to " + std::to_string(m_last) + '.');
 }
 
-/// The recordings chosen have no segment of the wells chosen.
+/// Throws `CFailure`: the chosen recordings have no segments of the chosen wells.
 void CSampleSource::RefuseWells() const {
     std::set<std::int32_t> wells;
     for (const auto& recording : m_scan.Recordings()) {
@@ -251,7 +251,7 @@ bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
     return Has(m_choice.tasks, header.TaskName) && Has(m_choice.recordings, header.Recording);
 }
 
-/// Returns what is chosen of a segment, and notes what there was to choose from.
+/// Returns the chosen part of a segment, and updates the range of times and the list of wells.
 CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording,
                              const CRawDataChannelInfo* channel) {
     CPiece piece;
@@ -270,7 +270,7 @@ CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingH
     return piece;
 }
 
-/// Leaves out what lies before and behind the chosen times.
+/// Removes samples before and after the chosen times.
 void CSampleSource::Clip(CPiece& piece) const {
     const auto tick = static_cast<std::uint64_t>(piece.tick);
     if (m_choice.to < piece.time) {
@@ -292,7 +292,7 @@ void CSampleSource::Clip(CPiece& piece) const {
 
 void CSampleSource::RefuseBreak(const std::string& where) const {
     throw CFailure(m_path + " is damaged or cut: " + where +
-                   " can't be read. Run 'vxfile recover' to save what is whole.");
+                   " can't be read. Run 'vxfile recover' to save what is intact.");
 }
 
 }  // namespace vxfile

@@ -11,19 +11,19 @@ namespace vxfile {
 
 namespace {
 
-/// Tells whether the times of a segment make another number of samples than it has. Nobody knows without an interval.
+/// Returns true if the times of a segment give another number of samples than it has. Unknown without an interval.
 bool IsContradicted(const CSegmentAt& segment, std::int64_t tick) {
     return tick > 0 && !GoesWith(segment.header, tick);
 }
 
-/// Tells whether something begins, or the file ends, where the samples end.
+/// Returns true if a header or the end of the file follows the samples.
 bool IsEndConfirmed(const CRawScan& scan, const CSegmentAt& segment) {
     const std::int64_t next = segment.header.FPosNextSegmentHdr;
     if (next != kUnset) return next == segment.End();
     return segment.End() == scan.Size() || scan.HasHeaderAt(segment.End());
 }
 
-/// Calls `act(position)` for each segment that a position leads to, and for those of unfinished recordings.
+/// Calls `act(position)` for each segment that a position leads to, and for the segments of unfinished recordings.
 void ForReached(const CRawScan& scan, auto act) {
     CSegmentBudget budget(scan);
     for (const auto& recording : scan.Recordings()) {
@@ -56,7 +56,7 @@ void CSegmentJudge::NoteNoInterval(const CSegmentAt& segment, std::size_t record
 void CSegmentJudge::NoteStart() {
     const std::int64_t end = m_scan.FileHdrSize();
     if (!m_closed && m_scan.Header().FPosFirstRecordingHdr != end && m_scan.HasHeaderAt(end))
-        m_behind.push_back({end, kFileHeader});
+        m_followers.push_back({end, kFileHeader});
 }
 
 bool CSegmentJudge::IsShared(const CSegmentAt& segment, std::size_t recording) {
@@ -92,10 +92,10 @@ std::string CSegmentJudge::NameOfPlace(std::size_t recording) const {
     return recording == kFileHeader ? "the file header" : NameOf(m_scan.Recordings()[recording], recording);
 }
 
-/// Behind its last segment, a writer puts the next recording, or the file ends.
+/// The last segment is followed by the next recording or the end of the file.
 void CSegmentJudge::NoteEnd(std::int64_t end, std::size_t recording) {
     if (m_closed || end == m_scan.Recordings()[recording].header.FPosNextRecordingHdr || end >= m_scan.Size()) return;
-    if (m_scan.HasHeaderAt(end)) m_behind.push_back({end, recording});
+    if (m_scan.HasHeaderAt(end)) m_followers.push_back({end, recording});
 }
 
 void CSegmentJudge::Note(CTally& tally, const CSegmentAt& segment, std::size_t recording) const {
@@ -108,27 +108,27 @@ void CSegmentJudge::Clear() {
     m_times = {};
     m_unlisted = {};
     m_noInterval = {};
-    m_behind.clear();
+    m_followers.clear();
     m_closed = false;
 }
 
-/// Chains needn't run in the order of the file: what one recording ends at may be another's, or come earlier in its
-/// own chain.
-std::vector<CSegmentJudge::CBehind> CSegmentJudge::Unreached() const {
-    std::vector<CBehind> behind = m_behind;
-    if (behind.empty()) return behind;
+/// Chains needn't follow the order of the file: the header at the end of one recording may belong to another one, or
+/// come earlier in its own chain.
+std::vector<CSegmentJudge::CFollower> CSegmentJudge::Unreached() const {
+    std::vector<CFollower> followers = m_followers;
+    if (followers.empty()) return followers;
     const auto reach = [&](std::int64_t position) {
-        auto at = std::ranges::lower_bound(behind, position, {}, &CBehind::position);
-        for (; at != behind.end() && at->position == position && !at->isReached; ++at)
+        auto at = std::ranges::lower_bound(followers, position, {}, &CFollower::position);
+        for (; at != followers.end() && at->position == position && !at->isReached; ++at)
             at->isReached = true;
     };
-    std::ranges::stable_sort(behind, {}, &CBehind::position);
+    std::ranges::stable_sort(followers, {}, &CFollower::position);
     for (const auto& recording : m_scan.Recordings())
         reach(recording.position);
     ForReached(m_scan, reach);
-    std::erase_if(behind, [](const CBehind& place) { return place.isReached; });
-    std::ranges::stable_sort(behind, {}, &CBehind::recording);
-    return behind;
+    std::erase_if(followers, [](const CFollower& place) { return place.isReached; });
+    std::ranges::stable_sort(followers, {}, &CFollower::recording);
+    return followers;
 }
 
 std::vector<std::string> CSegmentJudge::Doubts() const {
@@ -142,7 +142,7 @@ std::vector<std::string> CSegmentJudge::Doubts() const {
     add(m_noInterval, "of a well without a sample interval, so their times are worked out from TimeFrom and TimeTo");
     const auto unreached = Unreached();
     if (!unreached.empty()) {
-        const CBehind& first = unreached.front();
+        const CFollower& first = unreached.front();
         const std::string more = unreached.size() == 1 ? "" : ", and more at other places";
         doubts.push_back("At byte " + std::to_string(first.position) + ", in or after " + NameOfPlace(first.recording) +
                          ", is a " + (m_scan.HasSegmentAt(first.position) ? "segment" : "recording") +

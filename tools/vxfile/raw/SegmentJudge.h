@@ -10,16 +10,16 @@
 
 namespace vxfile {
 
-/// Watches a walk for what gives wrong samples, or too few of them, without breaking the chain. What can be given all
-/// the same is noted, for a sentence beside it. A header that agrees with itself costs no look at the file.
+/// Finds headers that would yield wrong or too few samples although the chain is intact. Notes doubts about samples
+/// that can be delivered anyway. Reads the file only if a header contradicts itself.
 class CSegmentJudge {
  public:
-    /// The scan outlives this object.
+    /// The scan must outlive this object.
     explicit CSegmentJudge(const CRawScan& scan) : m_scan(scan) {}
 
-    /// Tells whether the samples are what the header says they are: nothing speaks against `Size`, or if the times do,
-    /// what stands behind speaks for it, and the times are noted. `tick` is the interval of the well; 0 if that isn't
-    /// known. `recording` counts from 0, here and below.
+    /// Returns true if `Size` is right: nothing contradicts it, or only the times do, while what follows the samples
+    /// confirms it. Notes such times. `tick` is the interval of the well, 0 if unknown. `recording` counts from 0, here
+    /// and below.
     bool Admits(const CSegmentAt& segment, std::int64_t tick, std::size_t recording);
 
     /// @name Noting
@@ -29,16 +29,16 @@ class CSegmentJudge {
     void NoteNoInterval(const CSegmentAt& segment, std::size_t recording);
     /// Call it once before the first recording.
     void NoteStart();
-    /// `end` is where a segment or a header of a finished recording ends, and its chain doesn't go on.
+    /// `end` is the end of a segment or header of a finished recording whose chain doesn't continue there.
     void NoteEnd(std::int64_t end, std::size_t recording);
     /// @}
 
     /// Returns true if the chain of another recording leads to this segment, too. Segments between the header of their
-    /// own recording and the next header in the file cost nothing; of the others, the first of each recording is looked
-    /// for.
+    /// own recording and the next header in the file cost nothing. Of the others, only the first of each recording is
+    /// checked.
     [[nodiscard]] bool IsShared(const CSegmentAt& segment, std::size_t recording);
 
-    /// Whoever goes through a file once more begins anew, or notes no more.
+    /// Before another walk: `Clear` removes all notes, `Close` makes this ignore further ones.
     void Clear();
     void Close() { m_closed = true; }
 
@@ -46,42 +46,42 @@ class CSegmentJudge {
     std::vector<std::string> Doubts() const;
 
  private:
-    /// How many segments have something in common, and the first of them in words.
+    /// The number of segments of one kind, and a description of the first.
     struct CTally {
         std::size_t count = 0;
         std::string first;
     };
 
-    /// What stands where a recording's chain doesn't go on.
-    struct CBehind {
+    /// A header at the end of a segment or header whose chain doesn't continue there.
+    struct CFollower {
         std::int64_t position = 0;
         std::size_t recording = 0;
         bool isReached = false;
     };
 
-    /// The stretch of the file from the header of a recording to the next header after it.
+    /// The range of the file from the header of a recording to the next recording header.
     struct CZone {
         std::size_t recording = kFileHeader;
         std::int64_t end = 0;
-        bool isLookedInto = false;  ///< A segment outside of it was looked for already.
+        bool isLookedInto = false;  ///< A segment outside of it was already checked.
     };
 
-    static constexpr std::size_t kFileHeader = std::numeric_limits<std::size_t>::max();  ///< No recording's number.
+    static constexpr std::size_t kFileHeader = std::numeric_limits<std::size_t>::max();  ///< Means the file header.
 
     void Enter(std::size_t recording);
     bool LeadsTo(const CRecordingAt& recording, std::int64_t position);
     std::string NameOfPlace(std::size_t recording) const;
     void Note(CTally& tally, const CSegmentAt& segment, std::size_t recording) const;
-    std::vector<CBehind> Unreached() const;
+    std::vector<CFollower> Unreached() const;
 
     const CRawScan& m_scan;
-    CTally m_times;     ///< Of segments whose times don't go with Size.
-    CTally m_unlisted;  ///< Of segments whose wells their recordings don't list.
+    CTally m_times;     ///< Segments whose times contradict Size.
+    CTally m_unlisted;  ///< Segments of wells that their recordings don't list.
     CTally m_noInterval;
-    std::vector<std::int64_t> m_starts;  ///< Where recordings begin, in the order of the file.
+    std::vector<std::int64_t> m_starts;  ///< The positions of the recordings, in ascending order.
     CZone m_zone;
     CSegmentBudget m_budget{m_scan};
-    std::vector<CBehind> m_behind;
+    std::vector<CFollower> m_followers;
     bool m_closed = false;
 };
 

@@ -14,10 +14,10 @@ namespace vxfile {
 
 namespace {
 
-/// What isn't told is read as 0.
+/// A missing value is read as 0.
 bool MayLack(const CRawDataChannelInfo& channel) { return channel.UnitsPerAD == 0 || channel.ADZero == 0; }
 
-/// Tells whether a text is more than the 0 that any text gives.
+/// Returns true if the text is a number. Other texts are read as 0, too.
 bool IsNumber(std::string_view text) {
     const auto first = text.find_first_not_of(" +-.");
     const bool hasDigit = first != std::string_view::npos && text[first] >= '0' && text[first] <= '9';

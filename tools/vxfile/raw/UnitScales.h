@@ -7,8 +7,8 @@
 
 namespace vxfile {
 
-/// Returns the wells of a recording whose `UnitsPerAD` or `ADZero` its header doesn't tell: the list is too short, or
-/// has something else than a number for it. Their samples are known in steps of the converter alone.
+/// Returns the wells of a recording without `UnitsPerAD` or `ADZero`: the list in the header is too short, or doesn't
+/// have a number for the well. Their samples are known only in converter steps.
 std::set<std::int32_t> WellsWithoutScale(const CRawScan& scan, const CRecordingAt& recording);
 
 }  // namespace vxfile

@@ -90,7 +90,7 @@ class CSamplesCommand : public CCommand {
             sink->Begin(piece);
             source.Read(piece, [&](std::span<const std::uint16_t> samples) {
                 sink->Put(time, samples);
-                time = piece.TimeBehind(time, samples.size());
+                time = piece.TimeAfter(time, samples.size());
                 position += static_cast<std::int64_t>(samples.size_bytes());
                 progress.Reach(position);
             });
