@@ -43,8 +43,8 @@ std::string MissingText(const CRemark& remark) {
 
 std::string DamagedText(const CRemark& remark) {
     const char* const means = remark.lost.none()   ? ", but legible"
-                              : remark.should != 0 ? ", of which no more is left"
-                                                   : ", told by the others";
+                              : remark.should != 0 ? ", whose values are lost"
+                                                   : ", restored from the others";
     return "damaged cells: " + KeysOf(remark.cells) + means;
 }
 
@@ -57,7 +57,7 @@ std::string SharedText(const CRemark& remark) {
 std::string LossText(const CRemark& remark) {
     switch (remark.reason) {
         case EReason::BeforeFile:
-            return "they stand ahead of the file";
+            return "they precede the file";
         case EReason::EndsInHeader:
             return "the file ends within a header";
         case EReason::EndsInRubbish:
@@ -81,14 +81,14 @@ std::string LossText(const CRemark& remark) {
         case EReason::NotReached:
             return "no position leads there";
         case EReason::OtherInterval:
-            return "its times don't go with the interval of its well, " + std::to_string(remark.told) +
+            return "its times don't fit the interval of its well, " + std::to_string(remark.told) +
                    ": the well ID or a time is damaged";
         default:
             break;
     }
     const bool hasRoom =
         remark.to - remark.from >= static_cast<std::int64_t>(vxfileio::rawdata::Layouts().back().recording.size);
-    return std::string("no header that proves itself") + (hasRoom ? "; one of a recording may be among it" : "");
+    return std::string("no conclusive header") + (hasRoom ? "; one of a recording may be among it" : "");
 }
 
 std::string DoubtText(const CRemark& remark) {
@@ -111,7 +111,7 @@ std::string DoubtText(const CRemark& remark) {
         case EReason::OtherHeader:
             return "bytes were taken out ahead of it or within its header: it may be of another well";
         case EReason::MaybeEmpty:
-            return "the file ends after the header of this recording: had it a segment, that is gone";
+            return "the file ends after the header of this recording: if it had segments, they are gone";
         case EReason::Ambiguous:
             return "what lies here may be something else: two explanations are equally good";
         case EReason::OtherRecording:
@@ -131,7 +131,7 @@ std::string DoubtText(const CRemark& remark) {
                    "never "
                    "reached the disk";
         case EReason::MadeTime:
-            return remark.what + " doesn't go with the interval; the well's other segments tell it";
+            return remark.what + " doesn't fit the interval; it was computed from the well's other segments";
         default:
             return {};
     }
@@ -168,8 +168,8 @@ void PrintRemarks(std::ostream& out, std::string_view kind, const CRemarks& rema
 
 const char* VerdictOn(const CReport& report) {
     if (report.IsComplete()) return "nothing was lost";
-    if (!report.losses.None()) return "what was lost is told above";
-    return "every segment that is there was kept, but what is told above isn't certain";
+    if (!report.losses.None()) return "what was lost is listed above";
+    return "every segment in the file was kept, but the doubts above remain";
 }
 
 /// Puts each remark into the list of that name, of its recording or of the whole file.
@@ -221,13 +221,13 @@ std::string TextOf(const CNote& note, const std::string& header) {
         case CNote::EKind::Lost:
             return "lost from " + header + ": " + note.keys;
         case CNote::EKind::Told:
-            return "damaged in " + header + ", but told by the rest of the file: " + note.keys;
+            return "damaged in " + header + ", but restored from the rest of the file: " + note.keys;
         case CNote::EKind::Legible:
             return "damaged in " + header + ", but legible: " + note.keys;
         case CNote::EKind::Odd:
             return "with a separator in " + header + ", damaged or from another program: " + note.keys;
         case CNote::EKind::MadeUp:
-            return "its header is lost, this one is made up";
+            return "its header is lost and was rebuilt";
         case CNote::EKind::WellsOfSegments:
             return "the wells are those of its segments";
         case CNote::EKind::ListedTwice:
@@ -237,7 +237,8 @@ std::string TextOf(const CNote& note, const std::string& header) {
                                            : "listed now, as they have segments: wells ") +
                    ListText(note.wells);
         case CNote::EKind::Interval:
-            return "the interval of well " + well + " is " + std::to_string(note.to) + ", as its segments tell" + said;
+            return "the interval of well " + well + " is " + std::to_string(note.to) + ", computed from its segments" +
+                   said;
         case CNote::EKind::NoInterval:
             return "the interval of well " + well + " isn't known" + said;
         case CNote::EKind::NoAuxChannels:
