@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <map>
 #include <random>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 #include "tests/faults/Plays.h"
 #include "tests/faults/SystemCalls.h"
@@ -315,12 +318,10 @@ class FlushToDiskTest : public testing::Test {
 
 TEST_F(FlushToDiskTest, NeedsAnOpenFile) {
     EXPECT_FALSE(m_writer.FlushToDisk());
-    EXPECT_NE(m_writer.GetWriteError(), "");
     EXPECT_TRUE(Flush(kNone));
-    EXPECT_EQ(m_writer.GetWriteError(), "");
     m_writer.Close();
     EXPECT_FALSE(m_writer.FlushToDisk());
-    EXPECT_EQ(m_writer.GetWriteError(), "Bad file descriptor, flushing " + m_path);
+    EXPECT_EQ(m_writer.GetWriteError(), "") << "that of the closed file";
 }
 
 TEST_F(FlushToDiskTest, ARefusalIsReportedAndIsFinalForWhatMayBeDropped) {
@@ -330,9 +331,31 @@ TEST_F(FlushToDiskTest, ARefusalIsReportedAndIsFinalForWhatMayBeDropped) {
     EXPECT_FALSE(Flush({.error = EIO, .calls = "fsync"}));
     EXPECT_EQ(m_writer.GetWriteError(), "Input/output error, flushing the folder of " + m_path);
     EXPECT_TRUE(m_writer.FlushToDisk());
-    for (const int noDisk : {EINVAL, ENOTSUP, ENOSYS, EROFS})
+    for (const int noDisk : {EINVAL, ENOTSUP, ENOSYS})
         EXPECT_TRUE(Flush({.error = noDisk, .goesOn = true, .calls = "fdatasync fsync"}));
     EXPECT_EQ(m_writer.GetWriteError(), "");
+    EXPECT_FALSE(Flush({.error = EROFS, .goesOn = true, .calls = "fdatasync fsync"})) << "the disk failed meanwhile";
+}
+
+// The folder is that of `Open`, whatever becomes of the current folder and of the file's name.
+TEST_F(FlushToDiskTest, FlushesTheFolderWhereTheFileWasCreated) {
+    const auto current = std::filesystem::current_path();
+    std::filesystem::create_directory(m_folder.Path("elsewhere"));
+    std::filesystem::create_symlink("elsewhere/target.vxd", m_folder.Path("link.vxd"));
+    for (const auto& [path, folder] : {std::pair{"run.vxd", ""}, std::pair{"link.vxd", "elsewhere/"}}) {
+        std::filesystem::current_path(m_folder.Path(""));
+        m_writer.Open(path);
+        std::filesystem::rename(std::filesystem::canonical(path), m_folder.Path("renamed.vxd"));
+        std::filesystem::current_path("/");
+        std::vector<CRecordedCall> calls;
+        RecordCalls(&calls);
+        EXPECT_TRUE(m_writer.FlushToDisk()) << m_writer.GetWriteError();
+        RecordCalls(nullptr);
+        const std::string wanted = m_folder.Path(folder);
+        const auto isOpened = [&](const CRecordedCall& call) { return call.name == "open" && call.path == wanted; };
+        EXPECT_TRUE(std::ranges::any_of(calls, isOpened)) << path;
+    }
+    std::filesystem::current_path(current);
 }
 
 TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndMissesWhatIsMissing) {
@@ -349,6 +372,17 @@ TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndMissesWhatIsMissing) {
     EndCalls();
     EXPECT_FALSE(m_writer.FlushToDisk());
     EXPECT_NE(m_writer.GetWriteError().find("; segments missing: 1"), std::string::npos);
+}
+
+TEST_F(FlushToDiskTest, MissesARecordingThatWasDropped) {
+    EXPECT_TRUE(Flush(kNone));
+    BeginCalls(1, {.error = EFBIG, .calls = "pwritev"});
+    m_writer.WriteRecordingHdr({.TaskName = "First"});
+    EndCalls();
+    m_writer.WriteRecordingHdr({.TaskName = "Second"});
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    EXPECT_NE(m_writer.GetWriteError().find("File too large"), std::string::npos);
+    EXPECT_TRUE(Flush(kNone)) << "another file";
 }
 
 // Flushing costs whoever asks for it, and the name of a file is flushed once.

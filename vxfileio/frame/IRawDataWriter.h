@@ -59,7 +59,8 @@ class VXFILEIO_API CIRawDataWriter {
     ///
     /// `tick` is the sample interval, above 0, and all three are in the instrument's time unit. Exactly
     /// (timeTo - timeFrom) / tick + 1 samples, at most 2^32 - 1, are read from `samples`, which is not kept.
-    /// Costs two system calls and no allocation, and copies no sample.
+    /// Costs two system calls, three or four where a page boundary is within the position that is rewritten; no
+    /// allocation, and copies no sample.
     void WriteData(std::int32_t wellID, std::int64_t timeFrom, std::int64_t timeTo, std::int64_t tick,
                    const std::uint16_t* samples);
 
@@ -69,7 +70,8 @@ class VXFILEIO_API CIRawDataWriter {
 
     /// Turns strictness on or off, at any time; a new writer isn't strict. A strict writer refuses whatever
     /// `vxfile verify` would report, with a `CExcVXReader` that names the value, what would be right and why, before
-    /// anything is written. So a file that was written strictly and has a recording is sound. It refuses
+    /// anything is written, pages of zeros among the samples excepted: samples may have any value. So `verify` finds
+    /// nothing else in a file that was written strictly and has a recording. A strict writer refuses
     ///
     /// - a `HeaderID` that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2,
     /// - texts with `=`, `:` or control characters (NUL, CR and LF among them),
@@ -85,14 +87,16 @@ class VXFILEIO_API CIRawDataWriter {
     /// Waits until the disk has everything written since `Open`, the name of the file included. Writes refused headers
     /// and cells first. Takes as long as the disk needs, typically some milliseconds, often more.
     ///
-    /// Returns true if everything written so far would survive a power cut. All segments are in the file then; those of
-    /// the unfinished recording, and of recordings whose positions a later write was changing when the power failed,
-    /// may need `vxfile recover` to be linked. Once called, `Close` flushes the finished file, too, which then needs no
-    /// recovery.
+    /// Returns true if everything written so far would survive a power cut. The samples are on the disk then, but
+    /// readers may not find all of them: after a power cut, run `vxfile recover`. It isn't needed after `Close`, which
+    /// flushes the finished file as well, once `FlushToDisk` was called.
     ///
-    /// Returns false otherwise, and `GetWriteError` says why: the system refused, segments are missing in the file, or
-    /// no file is open. It can be called again, but once the system failed to flush samples, it stays false for this
-    /// file: the system may have dropped them.
+    /// Returns false otherwise, and `GetWriteError` says why. It can be called again, but it stays false for this file
+    /// once the system failed to flush samples, which it may have dropped, and once a segment is missing in the file or
+    /// a recording was dropped because its header was refused until the next one began. Without an open file it returns
+    /// false, and `GetWriteError` doesn't change.
+    ///
+    /// The folder of the file must be readable. A folder that was created for the file isn't flushed into its parent.
     ///
     /// What the system reports is what counts: a disk that confirms what it only holds in its own memory can't be
     /// noticed.

@@ -42,12 +42,15 @@ bool CFile::Append(std::initializer_list<CBytes> buffers) {
 }
 
 bool CFile::FlushToDisk() noexcept {
-    const std::error_code error = IsOpen() ? FlushHandle() : std::make_error_code(std::errc::bad_file_descriptor);
-    m_isFlushLost = m_isFlushLost || (IsOpen() && error);
+    if (!IsOpen()) return false;
+    const std::error_code error = FlushHandle();
+    m_isFlushLost = m_isFlushLost || error;
     return Keep({error, CFileFailure::enStep::Flushing}) && !m_isFlushLost;
 }
 
-bool CFile::FlushFolder() noexcept { return Keep({FlushFolderOf(m_path), CFileFailure::enStep::FlushingFolder}); }
+bool CFile::FlushFolder() noexcept {
+    return Keep({helpers::FlushFolder(m_folder), CFileFailure::enStep::FlushingFolder});
+}
 
 /// Makes ready for a file that is opened by this path.
 void CFile::Begin(const std::string& path) {

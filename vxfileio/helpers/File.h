@@ -13,6 +13,9 @@
 
 namespace vxfileio::helpers {
 
+/// The system copies a file page by page, and writes its pages to the disk in any order.
+inline constexpr std::int64_t kPageSize = 4096;
+
 /// Bytes that are read from, owned by somebody else.
 using CBytes = std::span<const std::byte>;
 /// Bytes that are written into, owned by somebody else.
@@ -42,7 +45,7 @@ struct CFileFailure {
 /// every host. A file that is open here may be read and written by others at the same time.
 ///
 /// Nothing throws, except that opening may throw `std::bad_alloc`. A failure is a result, and the first one of opening,
-/// writing or closing is kept for later, at no cost as long as there is none.
+/// writing, flushing or closing is kept for later, at no cost as long as there is none.
 class CFile {
  public:
     CFile() = default;
@@ -72,6 +75,9 @@ class CFile {
     /// Returns the real path of a file that was opened, or was not found, by this path: symbolic links followed, in the
     /// form that the system takes. Empty if it isn't a plain file or can't exist.
     std::string PlaceOf(const std::string& path) const;
+
+    /// Returns the folder in which `Create` or `CreateLike` made the file, as `FolderOf` does.
+    const std::string& Folder() const noexcept { return m_folder; }
 
     /// What failed first since the last opening; `OpenForUpdate` isn't counted.
     const CFileFailure& Failure() const noexcept { return m_failure; }
@@ -109,10 +115,11 @@ class CFile {
 
     /// Waits until the disk has everything written so far, and the size. Returns false if the system refuses, and from
     /// then on: what the disk didn't take may be gone from memory, too. What has no disk, such as a pipe, and a file
-    /// system that doesn't flush return true. Without an open file it returns false.
+    /// system that doesn't flush return true. Without an open file it returns false, which isn't kept as a failure.
     [[nodiscard]] bool FlushToDisk() noexcept;
 
-    /// Waits until the disk has the name of the file. Returns false if the system refuses; it can be called again.
+    /// Waits until the disk has the name of a file opened by `Create` or `CreateLike`, in the folder where it was
+    /// created. Returns false if the system refuses; it can be called again.
     [[nodiscard]] bool FlushFolder() noexcept;
 
     /// Returns where the next `Append` begins. Only meaningful for a file opened for writing.
@@ -133,6 +140,7 @@ class CFile {
 
     std::intptr_t m_handle = kClosed;  ///< The system's handle.
     std::string m_path;
+    std::string m_folder;  ///< Where the file was created.
     CFileFailure m_failure;
     std::int64_t m_end = 0;      ///< Where the next `Append` begins.
     bool m_isFlushLost = false;  ///< A flush failed.
@@ -141,9 +149,13 @@ class CFile {
 /// Replaces a file by another atomically. Both are paths in the form that the system takes.
 [[nodiscard]] std::error_code MoveOver(const std::string& from, const std::string& to) noexcept;
 
-/// Waits until the disk has the names in the folder of a file, symbolic links followed. A system that flushes names
-/// with the files does nothing.
-[[nodiscard]] std::error_code FlushFolderOf(const std::string& path) noexcept;
+/// Returns the folder of a file that exists or is to be created, in the form that the system takes, and independent of
+/// the current folder. If the path is a symbolic link, it is that of its target.
+std::string FolderOf(const std::string& path);
+
+/// Waits until the disk has the names in a folder that `FolderOf` returned. A system that flushes names with the files
+/// does nothing.
+[[nodiscard]] std::error_code FlushFolder(const std::string& folder) noexcept;
 
 /// Creates a second name for a file; it must be free. Both are paths in the form that the system takes.
 [[nodiscard]] std::error_code LinkFile(const std::string& file, const std::string& name) noexcept;

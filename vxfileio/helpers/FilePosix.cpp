@@ -6,8 +6,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
-#include <cstring>
 
 #include "vxfileio/helpers/File.h"
 
@@ -50,7 +48,7 @@ std::error_code Flush(int (*call)(int), int handle) noexcept {
     do {
         result = call(handle);
     } while (result < 0 && errno == EINTR);
-    const bool hasNoDisk = result < 0 && (errno == EINVAL || errno == EROFS || errno == ENOTSUP || errno == ENOSYS);
+    const bool hasNoDisk = result < 0 && (errno == EINVAL || errno == ENOTSUP || errno == ENOSYS);
     return hasNoDisk ? std::error_code() : Outcome(result);
 }
 
@@ -166,12 +164,14 @@ bool CFile::OpenForWriting(const std::string& path) {
 
 bool CFile::Create(const std::string& path) {
     Begin(path);
+    m_folder = FolderOf(path);
     m_handle = OpenPath(path, O_WRONLY | O_CREAT | O_TRUNC, kNewFileMode, m_failure.error);
     return IsOpen();
 }
 
 bool CFile::CreateLike(const std::string& path, const CFile& model) {
     Begin(path);
+    m_folder = FolderOf(path);
     const mode_t mode = model.IsOpen() ? S_IRUSR | S_IWUSR : kNewFileMode;
     m_handle = OpenPath(path, O_WRONLY | O_CREAT | O_EXCL, mode, m_failure.error);
     if (!IsOpen() || !model.IsOpen()) return IsOpen();
@@ -247,14 +247,17 @@ std::error_code MoveOver(const std::string& from, const std::string& to) noexcep
     return Outcome(::rename(from.c_str(), to.c_str()));
 }
 
-std::error_code FlushFolderOf(const std::string& path) noexcept {
-    std::array<char, PATH_MAX> native{};
-    std::array<char, PATH_MAX> place{};
-    if (path.size() >= native.size()) return std::make_error_code(std::errc::filename_too_long);
-    std::replace_copy(path.begin(), path.end(), native.begin(), '\\', '/');
-    if (::realpath(native.data(), place.data()) == nullptr) return SystemError(errno);
-    *(std::strrchr(place.data(), '/') + 1) = '\0';
-    const int handle = OpenNative(place.data(), O_RDONLY | O_DIRECTORY, 0);
+std::string FolderOf(const std::string& path) {
+    std::array<char, PATH_MAX> current{};
+    std::string place = NativePath(path);
+    if (!place.starts_with('/') && ::getcwd(current.data(), current.size()) != nullptr)
+        place = std::string(current.data()) + '/' + place;
+    place = FollowLinks(std::move(place));
+    return place.substr(0, place.rfind('/') + 1);
+}
+
+std::error_code FlushFolder(const std::string& folder) noexcept {
+    const int handle = OpenNative(folder.c_str(), O_RDONLY | O_DIRECTORY, 0);
     if (handle < 0) return SystemError(errno);
     const std::error_code error = Flush(::fsync, handle);
     ::close(handle);

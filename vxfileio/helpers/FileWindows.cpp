@@ -186,8 +186,10 @@ std::error_code MoveOver(const std::string& from, const std::string& to) noexcep
     return error;
 }
 
+std::string FolderOf(const std::string& /*path*/) { return {}; }
+
 /// Names are flushed with the files, and by `MoveOver`.
-std::error_code FlushFolderOf(const std::string& /*path*/) noexcept { return {}; }
+std::error_code FlushFolder(const std::string& /*folder*/) noexcept { return {}; }
 
 std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {
     return Outcome(::CreateHardLinkA(name.c_str(), file.c_str(), nullptr));

@@ -163,7 +163,7 @@ bool CReplacingFile::CopyOver() {
 }
 
 bool CReplacingFile::FlushFolder() {
-    const std::error_code error = FlushFolderOf(m_place.empty() ? m_path : m_place);
+    const std::error_code error = helpers::FlushFolder(m_file.Folder());
     return !error || error == std::errc::permission_denied || Fail(error, CFileFailure::enStep::FlushingFolder);
 }
 

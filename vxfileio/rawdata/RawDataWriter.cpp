@@ -20,6 +20,7 @@
 namespace vxfileio::rawdata {
 
 using helpers::CBytes;
+using helpers::kPageSize;
 
 namespace {
 
@@ -76,10 +77,8 @@ std::int64_t RequiredSamples(std::int64_t timeFrom, std::int64_t timeTo, std::in
     return static_cast<std::int64_t>(*count);
 }
 
-/// Where the system copies one page after the other, a process may be killed in between.
-constexpr std::int64_t kPageSize = 4096;
-
-/// A number that a page boundary parts, in cells that are to be rewritten. Offsets are those in the cells.
+/// A number that a page boundary parts, where a process may be killed between two copies, in cells that are to be
+/// rewritten. Offsets are those in the cells.
 struct CPartedNumber {
     std::size_t begin = 0;   ///< Of its cell.
     std::size_t digits = 0;  ///< Where its text begins.
@@ -132,6 +131,7 @@ void CRawDataWriter::Prepare() {
     Close();
     m_refusedHdrs.reserve(m_layout->file.size + m_layout->recording.size);
     m_missingSegments = 0;
+    m_isRecordingMissing = false;
     m_unreadable.clear();
     m_isFlushed = false;
     m_isNameOnDisk = false;
@@ -171,6 +171,7 @@ void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     MakeRoomForRefusals();
     m_segmentRules = std::move(segmentRules);
     // A recording before this one whose header never reached the file has no data there either: it is dropped.
+    m_isRecordingMissing = m_isRecordingMissing || (m_stage == enStage::InRecording && !m_refusedHdrs.empty());
     m_refusedHdrs.resize(m_file.End() == 0 ? m_layout->file.size : 0);
     m_refusedHdrs += m_hdrRoom;
     m_stage = enStage::InRecording;
@@ -223,7 +224,8 @@ bool CRawDataWriter::FlushToDisk() noexcept {
     m_isFlushed = true;
     const bool hasHdrs = AppendRefusedHdrs();
     RetryRewrites();
-    return FlushFile() && hasHdrs && m_refusedRewrites.empty() && m_missingSegments == 0;
+    const bool isMissing = !hasHdrs || m_isRecordingMissing || m_missingSegments > 0 || !m_refusedRewrites.empty();
+    return FlushFile() && !isMissing;
 }
 
 /// Flushes the file and, the first time, its name.

@@ -80,6 +80,7 @@ class CRawDataWriter {
 
     std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
     std::int64_t m_missingSegments = 0;              ///< Those that the system refused.
+    bool m_isRecordingMissing = false;               ///< A header was refused and dropped.
     std::string m_unreadable;                        ///< Sentences about values that readers can't use.
     bool m_isFlushed = false;                        ///< The caller wants this file on the disk.
     bool m_isNameOnDisk = false;                     ///< The disk has its name.
