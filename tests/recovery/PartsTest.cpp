@@ -268,7 +268,8 @@ TEST(LostPagesTest, AreWholePagesOfZerosAfterASampleThatIsNot) {
     EXPECT_EQ(LostIn(zeros(4095, 8192), 300, 20'000), "4096-8192 ") << "half a sample is 0";
     EXPECT_EQ(LostIn(zeros(4094, 8192), 300, 20'000), "") << "the signal was at 0 before";
     EXPECT_EQ(LostIn(zeros(4096, 8192), 4096, 20'000), "4096-8192 ") << "right after the header";
-    EXPECT_EQ(LostIn(zeros(4096, 8192), 4098, 20'000), "") << "the header is lost, too";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 4098, 20'000), "4096-8192 ") << "with the end of the header";
+    EXPECT_EQ(LostIn(zeros(4098, 8192), 4098, 20'000), "") << "the header is there, so the page was written";
     EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 5000), "4096-5000 ") << "as is what follows the samples";
     EXPECT_EQ(LostIn(zeros(4096, 5000), 300, 5000), "") << "something follows in this page";
     EXPECT_EQ(LostIn(zeros(16'384, 20'000), 300, 20'000), "16384-20000 ") << "the file ends in this page";

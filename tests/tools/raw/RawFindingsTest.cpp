@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -158,4 +160,18 @@ TEST_F(RawFindings, PagesOfZerosAmongSamplesAreReported) {
     EXPECT_EQ(findings.Kept().front().found, "4096 bytes that are 0");
     lost.replace(8190, 2, 2, '\0');
     EXPECT_EQ(Verified(lost).Count(), 0U) << "the signal was at 0 before";
+}
+
+// The header of segment 12 ends two bytes after the page begins, or the page takes its size as well.
+TEST_F(RawFindings, APageOfZerosThatBeginsInAHeaderIsReported) {
+    for (const std::size_t end : {std::size_t{8194}, std::size_t{8252}}) {
+        const std::vector<std::uint16_t> before((end - 4250) / 2, 7);
+        std::string file = FileOf({{{11, 0, before}, {12, 0, std::vector<std::uint16_t>(3000, 7)}}});
+        EXPECT_EQ(Verified(file).Count(), 0U);
+        file.replace(8192, 4096, 4096, '\0');
+        const CFindings findings = Verified(file);
+        EXPECT_TRUE(std::ranges::any_of(findings.Kept(), [](const auto& finding) {
+            return finding.where.ends_with(" > samples") && finding.offset == 8192;
+        })) << end;
+    }
 }

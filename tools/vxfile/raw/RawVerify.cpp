@@ -242,12 +242,12 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
     JudgeSamples(segment, NameOfSegment(name, index, segment));
 }
 
-/// Looks for pages of zeros, which a power cut leaves. Stops once it has read as many bytes as the file has, which
-/// happens only if segments overlap.
+/// Looks for pages of zeros, which a power cut leaves; they may include the header's `Size`. Stops once it has read as
+/// many bytes as the file has, which happens only if segments overlap.
 void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& name) {
     const std::int64_t end = std::min(segment.End(), m_scan.Size());
     const std::int64_t size = end - segment.DataPosition();
-    if (size <= 0 || size > m_mostSamples) return;
+    if (size < 0 || size > m_mostSamples) return;
     m_mostSamples -= size;
     const auto report = [&](std::int64_t from, std::int64_t to) {
         Add(name + " > samples", from, Counted(static_cast<std::uint64_t>(to - from), "byte") + " that are 0",
