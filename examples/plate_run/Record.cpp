@@ -88,7 +88,7 @@ class CRecorder {
 
 double RecordPlate(CIRawDataWriter& writer, const CPlatePlan& plan, const CSignal& signal, const std::string& path) {
     CRecorder recorder(writer, plan, signal);
-    writer.Open(path);
+    writer.Open(path);  // replaces the demo of an earlier run; a program that records a real plate uses OpenNew
     writer.WriteFileHdr(FileHdrOf(plan));
     for (const CRecordingPlan& recording : plan.recordings)
         recorder.Record(recording);

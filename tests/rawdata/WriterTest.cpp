@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 
 #include "tests/rawdata/ExampleHdrs.h"
@@ -186,9 +187,26 @@ TEST_F(WriterTest, ThePlanOfARecordingSaysWhatFits) {
         EXPECT_EQ(CheckRecordingFit(first).Fits(), isTaken) << wells;
         EXPECT_EQ(isTaken, wells <= 31) << wells;
     }
-    header.WellChannels.resize(1);
+    header.WellChannels.resize(3);
     header.TaskName = std::string(39, 't');
-    EXPECT_EQ(CheckRecordingFit(header).Text(), "TaskName has room for 38 bytes, but needs 39.");
+    const CRecordingFit longName = CheckRecordingFit(header);
+    EXPECT_EQ(longName.Text(), "TaskName has room for 38 bytes, but needs 39.");
+    EXPECT_EQ(longName.WellsThatFit, 0);
+    EXPECT_TRUE(longName.Split.empty()) << "a split doesn't shorten the name";
+}
+
+// Each ADZero takes 5 bytes and a colon, so 31 of them take 185 of 189 bytes, and no other list is longer.
+TEST_F(WriterTest, APlanOfNinetyThousandWellsIsSplitAtOnce) {
+    CRawDataRecordingHdr header = ExampleRecordingHdr();
+    header.WellChannels.clear();
+    for (int well = 10'000; well < 100'000; ++well)
+        header.WellChannels.push_back({well, 32768, 0.0003, 100});
+    const auto start = std::chrono::steady_clock::now();
+    const CRecordingFit fit = CheckRecordingFit(header);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    ASSERT_EQ(fit.Split.size(), 2904U) << fit.Text();
+    EXPECT_TRUE(std::all_of(fit.Split.begin(), fit.Split.end() - 1, [](auto wells) { return wells == 31; }));
+    EXPECT_EQ(fit.Split.back(), 7);
 }
 
 TEST_F(WriterTest, AFileThatReadersCannotUseIsWrittenAsGivenAndReportedAtOnce) {

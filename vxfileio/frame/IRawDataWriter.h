@@ -74,7 +74,7 @@ class VXFILEIO_API CIRawDataWriter {
     /// nothing else in a file that was written strictly and has a recording. A strict writer refuses
     ///
     /// - a `HeaderID` that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2,
-    /// - texts with `=`, `:` or control characters (NUL, CR and LF among them),
+    /// - texts with control characters (NUL, CR and LF among them), and texts other than `HeaderID` with `=` or `:`,
     /// - units that aren't finite, an interval outside 1 to 2^31 - 1, a well that is listed twice,
     /// - a segment of a well that the recording doesn't list, with another `tick` than its `Ticks`, or one that doesn't
     ///   begin after the end of the well's segment before, of those written while the writer was strict,

@@ -49,6 +49,10 @@ CVerdict JudgeText(std::string_view text) {
     return CCellFault{ECellFault::Separator, std::string(text.substr(0, end))};
 }
 
+CVerdict JudgeMark(std::string_view text) {
+    return text.starts_with(kFileTypeText) ? std::nullopt : CVerdict(CCellFault{ECellFault::NoMark});
+}
+
 /// Interval items have 32 bits in this format, although the field is wider.
 template <class Value>
 using CItemOf = std::conditional_t<std::is_same_v<Value, std::int64_t>, std::int32_t, Value>;
@@ -131,13 +135,16 @@ CVerdict JudgeValue(const auto& cell, std::string_view text) {
 CVerdict JudgeCell(const auto& cell, std::string_view bytes) {
     if (auto verdict = JudgeFrame(bytes)) return verdict;
     const std::string_view text = CellText(bytes);
-    if (cell.key.empty())
-        return text.starts_with(kFileTypeText) ? std::nullopt : CVerdict(CCellFault{ECellFault::NoMark});
+    if (cell.key.empty()) return JudgeMark(text);
     const bool hasKey = text.starts_with(cell.key) && (text.size() == cell.key.size() || text[cell.key.size()] == '=');
     return hasKey ? JudgeValue(cell, text) : CCellFault{ECellFault::NoKey};
 }
 
 }  // namespace
+
+std::optional<CCellFault> FaultOfText(std::string_view key, std::string_view text) {
+    return key.empty() ? JudgeMark(text) : JudgeText(text);
+}
 
 std::optional<CCellFault> FaultOfListItem(std::string_view text) { return JudgeNumber<std::int64_t>(text); }
 

@@ -39,6 +39,9 @@ std::optional<CCellFault> FaultOf(const CRecordingCell& cell, std::string_view b
 std::optional<CCellFault> FaultOf(const CSegmentCell& cell, std::string_view bytes);
 /// @}
 
+/// Judges a text that is to be written after this key, but not whether it has control characters.
+std::optional<CCellFault> FaultOfText(std::string_view key, std::string_view text);
+
 /// Judges one item of a list of the file header in the same way.
 std::optional<CCellFault> FaultOfListItem(std::string_view text);
 

@@ -52,7 +52,9 @@ void RefuseTooLong(const auto& cell, std::size_t needed) {
     if (needed > room) throw CExcVXReader(kDoesNotFit + NeedText(key, room, needed) + '.');
 }
 
-void RefuseUnfitting(const CLayout& layout, const CRawDataFileHdr& header) {
+void RefuseBadHdr(const CLayout& layout, const CRawDataFileHdr& header) {
+    Refuse(BreachesOfValues(layout, header));
+    Refuse(BreachOfVersion(header.FileVersion));
     for (const CFileCell& cell : layout.file.cells) {
         const auto* const text = std::get_if<std::string CRawDataFileHdr::*>(&cell.member);
         const auto* const bare = std::get_if<CBareText<CRawDataFileHdr>>(&cell.member);
@@ -61,8 +63,9 @@ void RefuseUnfitting(const CLayout& layout, const CRawDataFileHdr& header) {
     }
 }
 
-void RefuseUnfitting(const CLayout& layout, const CRawDataRecordingHdr& header) {
+void RefuseBadHdr(const CLayout& layout, const CRawDataRecordingHdr& header) {
     const CRecordingFit fit = CheckRecordingFit(header, layout.version);
+    if (!fit.Refusal.empty()) throw CExcVXReader(fit.Refusal);
     if (!fit.Fits()) throw CExcVXReader(kDoesNotFit + fit.Text());
 }
 
@@ -142,13 +145,10 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
     RefuseBefore(enStage::Opened);
     if (m_stage != enStage::Opened) throw CExcVXReader(kFileHdrTwice);
     const CLayout& layout = LayoutForWriting(header.FileVersion);
-    if (m_isStrict) RefuseUnfitting(layout, header);
+    if (m_isStrict) RefuseBadHdr(layout, header);
     m_hdrRoom.resize(layout.file.size);
     Encode(layout, header, m_hdrRoom);
-    if (m_isStrict) {
-        Refuse(BreachOfVersion(header.FileVersion));
-        Refuse(BreachesOfFileHdr(layout, m_hdrRoom));
-    }
+    if (m_isStrict) Refuse(BreachesOfFileHdr(layout, m_hdrRoom));
     ReportUnreadable(header);
     ReportCutTexts(layout.file.cells, header);
     MakeRoomForRefusals();
@@ -162,7 +162,7 @@ void CRawDataWriter::WriteFileHdr(const CRawDataFileHdr& header) {
 
 void CRawDataWriter::WriteRecordingHdr(const CRawDataRecordingHdr& header) {
     RefuseBefore(enStage::HasFileHdr);
-    if (m_isStrict) RefuseUnfitting(*m_layout, header);
+    if (m_isStrict) RefuseBadHdr(*m_layout, header);
     m_hdrRoom.resize(m_layout->recording.size);
     Encode(*m_layout, header, m_hdrRoom);
     if (m_isStrict) Refuse(BreachesOfRecordingHdr(*m_layout, m_hdrRoom));
@@ -208,9 +208,10 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     if (m_isStrict) Refuse(BreachOfList(key, taskName, values));
     if (key == nullptr) return;
     const CFileCell& list = m_layout->file[key];
-    if (m_isStrict) RefuseTooLong(list, Join(values).size());
+    const std::string joined = Join(values);
+    if (m_isStrict) RefuseTooLong(list, joined.size());
     std::string cell(list.width, '\0');
-    EncodeCell(list.key, Join(values), cell);
+    EncodeCell(list.key, joined, cell);
     if (!std::ranges::all_of(values, ReadsBackWhole)) ReportOnce(kReadBackCut + std::string(list.key));
     MakeRoomForRefusals();
     if (m_file.End() == 0) {

@@ -8,6 +8,7 @@
 
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/Layout.h"
+#include "vxfileio/rawdata/Rules.h"
 #include "vxfileio/rawdata/ValueText.h"
 
 namespace vxfileio::rawdata {
@@ -25,30 +26,45 @@ std::string ValueText(const CRecordingCell& cell, const CRawDataRecordingHdr& he
     return bytes.substr(std::min(bytes.size(), cell.key.size() + 1));
 }
 
-/// Returns how many items of a list end within the room.
-std::int64_t ItemsThatFit(std::string_view items, std::size_t room) {
-    if (items.empty()) return 0;
-    const std::int64_t ends = std::ranges::count(items.substr(0, room + 1), ':');
-    return items.size() <= room ? ends + 1 : ends;
-}
+/// The value of a cell that lists one item per well.
+struct CItems {
+    std::size_t room = 0;
+    std::vector<std::size_t> ends = {};  ///< Where each item ends in the value.
 
-CCellFit FitOf(const CRecordingCell& cell, const CRawDataRecordingHdr& header) {
-    const std::string text = ValueText(cell, header);
-    const bool isList = std::holds_alternative<CChannelList>(cell.member);
-    const std::size_t room = RoomOf(cell);
-    return {std::string(cell.key), isList, static_cast<std::int64_t>(room), static_cast<std::int64_t>(text.size()),
-            isList ? ItemsThatFit(text, room) : static_cast<std::int64_t>(header.WellChannels.size())};
-}
+    /// Returns how many items fit, from the first on.
+    std::int64_t CountThatFit() const { return std::ranges::upper_bound(ends, room) - ends.begin(); }
 
-CRecordingFit FitOf(const CLayout& layout, const CRawDataRecordingHdr& header) {
-    CRecordingFit fit;
-    fit.Wells = fit.WellsThatFit = static_cast<std::int64_t>(header.WellChannels.size());
-    for (const CRecordingCell& cell : layout.recording.cells) {
-        if (cell.traits.standBy) continue;
-        fit.Cells.push_back(FitOf(cell, header));
-        fit.WellsThatFit = std::min(fit.WellsThatFit, fit.Cells.back().WellsThatFit);
+    /// Returns whether the items from `first` to `last` would fit without the others.
+    bool Fit(std::size_t first, std::size_t last) const {
+        return ends[last] - (first == 0 ? 0 : ends[first - 1] + 1) <= room;
     }
-    return fit;
+};
+
+CItems ItemsOf(std::string_view value, std::size_t room) {
+    CItems items{.room = room};
+    for (auto end = value.find(':'); end != std::string_view::npos; end = value.find(':', end + 1))
+        items.ends.push_back(end);
+    if (!value.empty()) items.ends.push_back(value.size());
+    return items;
+}
+
+/// Returns the number of wells in each part if as many as fit go into each; none if a single well doesn't fit.
+std::vector<std::int64_t> SplitOf(const std::vector<CItems>& lists, std::size_t wells) {
+    std::vector<std::int64_t> split;
+    std::size_t first = 0;
+    std::size_t last = 0;
+    const auto endPart = [&] { split.push_back(static_cast<std::int64_t>(last - first)); };
+    while (last < wells) {
+        if (std::ranges::all_of(lists, [&](const CItems& items) { return items.Fit(first, last); })) {
+            ++last;
+            continue;
+        }
+        if (last == first) return {};
+        endPart();
+        first = last;
+    }
+    if (last > first) endPart();
+    return split;
 }
 
 }  // namespace
@@ -57,14 +73,14 @@ CRecordingFit FitOf(const CLayout& layout, const CRawDataRecordingHdr& header) {
 
 using namespace vxfileio::rawdata;
 
-bool CRecordingFit::Fits() const noexcept { return std::ranges::all_of(Cells, &CCellFit::Fits); }
+bool CRecordingFit::Fits() const noexcept { return Refusal.empty() && std::ranges::all_of(Cells, &CCellFit::Fits); }
 
 std::string CRecordingFit::Text() const {
     const CCellFit* tightest = nullptr;
     for (const CCellFit& cell : Cells) {
         if (!cell.Fits() && (tightest == nullptr || cell.WellsThatFit < tightest->WellsThatFit)) tightest = &cell;
     }
-    if (tightest == nullptr) return {};
+    if (tightest == nullptr) return Refusal;
     const auto& [key, isList, room, needed, wells] = *tightest;
     const std::string need = NeedText(key, static_cast<std::size_t>(room), static_cast<std::size_t>(needed));
     if (!isList) return need + '.';
@@ -73,12 +89,27 @@ std::string CRecordingFit::Text() const {
 
 CRecordingFit CheckRecordingFit(const CRawDataRecordingHdr& header, std::int32_t fileVersion) {
     const CLayout& layout = fileVersion == 0 ? Layouts().back() : LayoutForWriting(fileVersion);
-    CRecordingFit fit = FitOf(layout, header);
-    CRawDataRecordingHdr rest = header;
-    for (CRecordingFit part = fit; part.WellsThatFit > 0; part = FitOf(layout, rest)) {
-        fit.Split.push_back(part.WellsThatFit);
-        rest.WellChannels.erase(rest.WellChannels.begin(), rest.WellChannels.begin() + part.WellsThatFit);
+    CRecordingFit fit;
+    fit.Wells = fit.WellsThatFit = std::ssize(header.WellChannels);
+    std::vector<CItems> lists;
+    for (const CRecordingCell& cell : layout.recording.cells) {
+        if (cell.traits.standBy) continue;
+        const std::string value = ValueText(cell, header);
+        CCellFit cellFit{.Key = std::string(cell.key),
+                         .IsList = std::holds_alternative<CChannelList>(cell.member),
+                         .Room = static_cast<std::int64_t>(RoomOf(cell)),
+                         .Needed = std::ssize(value)};
+        if (cellFit.IsList) {
+            lists.push_back(ItemsOf(value, RoomOf(cell)));
+            cellFit.WellsThatFit = lists.back().CountThatFit();
+        } else {
+            cellFit.WellsThatFit = cellFit.Fits() ? fit.Wells : 0;
+        }
+        fit.WellsThatFit = std::min(fit.WellsThatFit, cellFit.WellsThatFit);
+        fit.Cells.push_back(std::move(cellFit));
     }
-    if (!rest.WellChannels.empty()) fit.Split.clear();
+    const auto breaches = BreachesOfValues(layout, header);
+    if (!breaches.empty()) fit.Refusal = TextOf(breaches.front());
+    if (fit.WellsThatFit > 0 && breaches.empty()) fit.Split = SplitOf(lists, header.WellChannels.size());
     return fit;
 }

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <limits>
 #include <span>
+#include <string>
+#include <type_traits>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 
@@ -66,6 +69,18 @@ bool IsAfterText(ECellFault kind) {
     return kind == ECellFault::NoLineEnd || kind == ECellFault::NoPadding || kind == ECellFault::Padding;
 }
 
+std::optional<CBreach> BreachOfControls(const auto& cell, std::string_view text) {
+    if (!HasControls(std::string(text))) return std::nullopt;
+    const bool hasNul = text.find('\0') != std::string_view::npos;
+    return CBreach{ERule::NoControls,
+                   cell.key,
+                   cell.offset,
+                   Quoted(text),
+                   "a text without control characters",
+                   hasNul ? "Readers take only what precedes the first NUL."
+                          : "Readers take it as it is, but it doesn't suit file names, tables and terminals."};
+}
+
 std::optional<CBreach> BreachOfCell(const auto& cell, std::string_view bytes) {
     const std::string_view text = CellText(bytes);
     if (const auto fault = FaultOf(cell, bytes)) {
@@ -77,14 +92,36 @@ std::optional<CBreach> BreachOfCell(const auto& cell, std::string_view bytes) {
                        std::move(expected),
                        std::move(meaning)};
     }
-    if (HasControls(std::string(text)))
-        return CBreach{ERule::NoControls,
+    return BreachOfControls(cell, text);
+}
+
+/// Judges a text that is to be written to a cell.
+std::optional<CBreach> BreachOfText(const auto& cell, std::string_view text) {
+    if (const auto fault = FaultOfText(cell.key, text)) {
+        auto [expected, meaning] = WordsFor(*fault, cell);
+        return CBreach{static_cast<ERule>(fault->kind),
                        cell.key,
                        cell.offset,
                        Quoted(text),
-                       "a text without control characters",
-                       "Readers take it as it is, but it doesn't suit file names, tables and terminals."};
-    return std::nullopt;
+                       std::move(expected),
+                       std::move(meaning)};
+    }
+    return BreachOfControls(cell, text);
+}
+
+template <class Header>
+CBreaches BreachesOfTexts(const auto& cells, const Header& header) {
+    CBreaches breaches;
+    for (const auto& cell : cells) {
+        const std::string* text = nullptr;
+        if (const auto* const member = std::get_if<std::string Header::*>(&cell.member)) text = &(header.**member);
+        if constexpr (std::is_same_v<Header, CRawDataFileHdr>) {
+            if (const auto* const bare = std::get_if<CBareText<Header>>(&cell.member)) text = &(header.*bare->text);
+        }
+        if (text == nullptr || cell.traits.standBy) continue;
+        if (auto breach = BreachOfText(cell, *text)) breaches.push_back(*std::move(breach));
+    }
+    return breaches;
 }
 
 CBreaches BreachesOfCells(const auto& cells, std::string_view bytes) {
@@ -187,25 +224,27 @@ CListedWells ListedWells(const CCountingCells& cells, const CLayout& layout, std
     return {std::move(header.WellChannels), static_cast<std::size_t>(cells[kTicks].channels)};
 }
 
-void JudgeWells(const CListedWells& listed, const CLayout& layout, CBreaches& breaches) {
-    std::vector<std::int32_t> ids;
-    const auto add = [&](ERule rule, std::string_view key, std::string found, const char* expected,
-                         const char* meaning) {
-        breaches.push_back({rule, key, layout.recording[key].offset, std::move(found), expected, meaning});
-    };
-    for (const auto& well : listed.wells) {
-        const std::string id = std::to_string(well.ID);
-        if (std::ranges::find(ids, well.ID) != ids.end())
-            add(ERule::WellOnce, "WellIDs", "well " + id + " twice", "each well once",
+/// Judges the wells of a recording. Only the first `intervals` of them have a sample interval.
+void JudgeWells(const std::vector<CRawDataChannelInfo>& wells, std::size_t intervals, const CLayout& layout,
+                CBreaches& breaches) {
+    constexpr std::int64_t kMostTicks = std::numeric_limits<std::int32_t>::max();
+    std::unordered_set<std::int32_t> ids;
+    std::size_t index = 0;
+    for (const auto& well : wells) {
+        const std::string ofWell = " for well " + std::to_string(well.ID);
+        const auto add = [&](ERule rule, std::string_view key, std::string found, const char* expected,
+                             const char* meaning) {
+            breaches.push_back({rule, key, layout.recording[key].offset, std::move(found), expected, meaning});
+        };
+        if (!ids.insert(well.ID).second)
+            add(ERule::WellOnce, "WellIDs", "well " + std::to_string(well.ID) + " twice", "each well once",
                 "It is unclear which channel a segment of this well belongs to.");
-        if (well.Ticks <= 0 && ids.size() < listed.intervals)
-            add(ERule::Interval, "Ticks", std::to_string(well.Ticks) + " for well " + id, "a sample interval above 0",
+        if (index++ < intervals && (well.Ticks <= 0 || well.Ticks > kMostTicks))
+            add(ERule::Interval, "Ticks", std::to_string(well.Ticks) + ofWell, "a sample interval from 1 to 2147483647",
                 "The times of its samples are unknown.");
         if (!std::isfinite(well.UnitsPerAD))
-            add(ERule::FiniteUnits, "UnitsPerADs",
-                std::string(CNumberText::General(well.UnitsPerAD).View()) + " for well " + id, "a finite number",
-                "Its samples have no values in physical units.");
-        ids.push_back(well.ID);
+            add(ERule::FiniteUnits, "UnitsPerADs", std::string(CNumberText::General(well.UnitsPerAD).View()) + ofWell,
+                "a finite number", "Its samples have no values in physical units.");
     }
 }
 
@@ -228,13 +267,23 @@ CBreaches BreachesOfRecordingHdr(const CLayout& layout, std::string_view bytes,
     JudgeNumbers(cells, breaches);
     JudgeNumbers(CountingCells(&CRawDataRecordingHdr::AuxChannels, layout, bytes), breaches);
     CListedWells listed = ListedWells(cells, layout, std::string(bytes));
-    JudgeWells(listed, layout, breaches);
+    JudgeWells(listed.wells, listed.intervals, layout, breaches);
     if (wells != nullptr) *wells = std::move(listed.wells);
     return breaches;
 }
 
 CBreaches BreachesOfSegmentHdr(const CLayout& layout, std::string_view bytes) {
     return BreachesOfCells(layout.segment.cells, bytes);
+}
+
+CBreaches BreachesOfValues(const CLayout& layout, const CRawDataFileHdr& header) {
+    return BreachesOfTexts(layout.file.cells, header);
+}
+
+CBreaches BreachesOfValues(const CLayout& layout, const CRawDataRecordingHdr& header) {
+    CBreaches breaches = BreachesOfTexts(layout.recording.cells, header);
+    JudgeWells(header.WellChannels, header.WellChannels.size(), layout, breaches);
+    return breaches;
 }
 
 std::optional<CBreach> BreachOfVersion(std::int32_t version) {
@@ -321,8 +370,8 @@ std::optional<CBreach> CSegmentRules::BreachOfTick(std::int32_t id, std::int64_t
 }
 
 void CSegmentRules::Note(const CSegmentHdr& segment) noexcept {
-    const auto well = std::ranges::lower_bound(m_wells, segment.ID, {}, &CWell::id);
-    if (well != m_wells.end() && well->id == segment.ID) well->end = segment.TimeTo;
+    if (const CWell* const well = Find(segment.ID))
+        m_wells[static_cast<std::size_t>(well - m_wells.data())].end = segment.TimeTo;
 }
 
 }  // namespace vxfileio::rawdata

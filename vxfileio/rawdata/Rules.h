@@ -70,7 +70,7 @@ inline constexpr std::array kRules = {
     CRule{"version", "The headers have the layout of the file's version."},
     CRule{"list-length", "Each list of channels has as many items as the count before it says."},
     CRule{"well-once", "A recording lists each well once."},
-    CRule{"interval", "The sample interval of each well is above 0."},
+    CRule{"interval", "The sample interval of each well is from 1 to 2147483647."},
     CRule{"finite-units", "The units per AD step of each well are a finite number."},
     CRule{"well-listed", "A segment is of a well that its recording lists."},
     CRule{"time-order", "A segment doesn't end before it begins."},
@@ -109,6 +109,14 @@ std::vector<CBreach> BreachesOfFileHdr(const CLayout& layout, std::string_view b
 std::vector<CBreach> BreachesOfRecordingHdr(const CLayout& layout, std::string_view bytes,
                                             std::vector<CRawDataChannelInfo>* wells = nullptr);
 std::vector<CBreach> BreachesOfSegmentHdr(const CLayout& layout, std::string_view bytes);
+/// @}
+
+/// @name Judging the values of a header that is to be written
+/// They say more than its bytes, in which a NUL at the end of a text looks like padding. Breaches are in the order of
+/// the cells, those of wells last. Whether a value fits its cell isn't judged.
+/// @{
+std::vector<CBreach> BreachesOfValues(const CLayout& layout, const CRawDataFileHdr& header);
+std::vector<CBreach> BreachesOfValues(const CLayout& layout, const CRawDataRecordingHdr& header);
 /// @}
 
 /// Judges the version of a file that is to be written.

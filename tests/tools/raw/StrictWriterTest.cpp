@@ -23,6 +23,7 @@ template <class Header>
 struct CHeaderMistake {
     std::function<void(Header&)> make;
     std::string refusal;
+    ETrace trace = ETrace::Visible;
 };
 
 /// A mistake in a call while the first segment of well 11, from 0 to 300, is the last one in the file.
@@ -35,27 +36,31 @@ struct CCallMistake {
 const std::vector<CHeaderMistake<CRawDataFileHdr>> kFileMistakes = {
     {[](auto& h) { h.HeaderID = "Vexaprobe"; }, R"(HeaderID is "Vexaprobe", expected a text that begins "OVL Vexapr)"},
     {[](auto& h) { h.HeaderID = ""; }, R"(HeaderID is "", expected a text that begins)"},
-    {[](auto& h) { h.HeaderID += "\0x"s; }, R"(HeaderID is "OVL Vexaprobe\x00x)"},
+    {[](auto& h) { h.HeaderID += "\0x"s; },
+     R"(HeaderID is "OVL Vexaprobe\x00x", expected a text without control characters. Readers take only)"},
     {[](auto& h) { h.HeaderID += "\n"; }, R"(HeaderID is "OVL Vexaprobe\n", expected a text without control)"},
     {[](auto& h) { h.FileVersion = 1; }, "FileVersion is 1, expected 2 or more. Readers won't find the wells."},
     {[](auto& h) { h.FileVersion = -2; }, "FileVersion is -2, expected 2 or more."},
-    {[](auto& h) { h.Guid = "a=b"; }, R"(Guid is "Guid=a=b", expected a text without '=', ':' and line ends. Readers)"},
-    {[](auto& h) { h.PlateID = "a:b"; }, R"(PlateID is "PlateID=a:b", expected a text without '=')"},
-    {[](auto& h) { h.FileType = "\r"; }, R"(FileType is "FileType=\r", expected)"},
-    {[](auto& h) { h.ProgramVersion = "1\n0"; }, R"(ProgramVersion is "ProgramVersion=1\n0", expected)"},
-    {[](auto& h) { h.CompoundName = "a\0b"s; }, R"(CompoundName is "CompoundName=a\x00b)"},
-    {[](auto& h) { h.CompoundName = "\x1B[2J"; },
-     R"(CompoundName is "CompoundName=\x1b[2J", expected a text without c)"},
-    {[](auto& h) { h.CompoundName = "a\x7F"; }, R"(CompoundName is "CompoundName=a\x7f", expected a text without c)"},
+    {[](auto& h) { h.Guid = "a=b"; }, R"(Guid is "a=b", expected a text without '=', ':' and line ends. Readers)"},
+    {[](auto& h) { h.PlateID = "a:b"; }, R"(PlateID is "a:b", expected a text without '=')"},
+    {[](auto& h) { h.FileType = "\r"; }, R"(FileType is "\r", expected)"},
+    {[](auto& h) { h.ProgramVersion = "1\n0"; }, R"(ProgramVersion is "1\n0", expected)"},
+    {[](auto& h) { h.CompoundName = "a\0b"s; }, R"(CompoundName is "a\x00b", expected a text without control)"},
+    {[](auto& h) { h.CompoundName = "a\0"s; }, R"(CompoundName is "a\x00", expected a text without)", ETrace::None},
+    {[](auto& h) { h.HeaderID += "\0"s; }, R"(HeaderID is "OVL Vexaprobe\x00", expected a text)", ETrace::None},
+    {[](auto& h) { h.CompoundName = "\x1B[2J"; }, R"(CompoundName is "\x1b[2J", expected a text without c)"},
+    {[](auto& h) { h.CompoundName = "a\x7F"; }, R"(CompoundName is "a\x7f", expected a text without c)"},
 };
 
 const std::vector<CHeaderMistake<CRawDataRecordingHdr>> kRecordingMistakes = {
-    {[](auto& h) { h.TaskName = "Series:1"; }, R"(TaskName is "TaskName=Series:1", expected)"},
-    {[](auto& h) { h.TaskName = "a\tb"; }, R"(TaskName is "TaskName=a\x09b", expected a text without control)"},
+    {[](auto& h) { h.TaskName = "Series:1"; }, R"(TaskName is "Series:1", expected)"},
+    {[](auto& h) { h.TaskName = "a\tb"; }, R"(TaskName is "a\x09b", expected a text without control)"},
     {[](auto& h) { h.WellChannels[1].ID = 11; }, "WellIDs is well 11 twice, expected each well once."},
-    {[](auto& h) { h.WellChannels[0].Ticks = 0; }, "Ticks is 0 for well 11, expected a sample interval above 0."},
-    {[](auto& h) { h.WellChannels[1].Ticks = -5; }, "Ticks is -5 for well 12, expected a sample interval above 0."},
-    {[](auto& h) { h.WellChannels[1].Ticks = 1LL << 31U; }, R"(Ticks is "Ticks=100:2147483648", expected the numb)"},
+    {[](auto& h) { h.WellChannels[0].Ticks = 0; },
+     "Ticks is 0 for well 11, expected a sample interval from 1 to 2147483647."},
+    {[](auto& h) { h.WellChannels[1].Ticks = -5; }, "Ticks is -5 for well 12, expected a sample interval from 1"},
+    {[](auto& h) { h.WellChannels[1].Ticks = 1LL << 31U; },
+     "Ticks is 2147483648 for well 12, expected a sample interval from 1 to 2147483647."},
     {[](auto& h) { h.WellChannels[0].UnitsPerAD = std::numeric_limits<double>::quiet_NaN(); },
      "UnitsPerADs is nan for well 11, expected a finite number."},
     {[](auto& h) { h.WellChannels[0].UnitsPerAD = std::numeric_limits<double>::infinity(); },
@@ -145,6 +150,10 @@ TEST_F(StrictWriterTest, RefusesEachMistakeAndWritesTheSameBytesAsBefore) {
         CRawDataRecordingHdr header = ExampleRecordingHdr();
         mistake.make(header);
         ExpectRefused([&] { m_writer.WriteRecordingHdr(header); }, mistake.refusal);
+        const CRecordingFit fit = CheckRecordingFit(header);
+        EXPECT_EQ(fit.Refusal.substr(0, mistake.refusal.size()), mistake.refusal);
+        EXPECT_FALSE(fit.Fits());
+        EXPECT_TRUE(fit.Split.empty());
     }
     m_writer.WriteRecordingHdr(ExampleRecordingHdr());
     m_writer.WriteData(11, 0, 300, 100, kWell11.data());
@@ -163,7 +172,8 @@ TEST_F(StrictWriterTest, WhatAnotherWriterLeavesAfterSuchAMistakeIsReportedByVer
     for (const auto& mistake : kFileMistakes) {
         CRawDataFileHdr header = ExampleFileHdr();
         mistake.make(header);
-        EXPECT_GT(FindingsAfter(header, ExampleRecordingHdr(), none), 0U) << mistake.refusal;
+        const std::size_t findings = FindingsAfter(header, ExampleRecordingHdr(), none);
+        EXPECT_EQ(findings > 0, mistake.trace == ETrace::Visible) << mistake.refusal;
     }
     for (const auto& mistake : kRecordingMistakes) {
         CRawDataRecordingHdr header = ExampleRecordingHdr();

@@ -278,14 +278,17 @@ TEST_F(Commands, PlanSaysWhetherARecordingFitsAndWhatWouldHelp) {
     EXPECT_TRUE(Has(small.out, "UnitsPerADs has room for 385 bytes, but needs 647 for 54 wells; 32 of these wells"))
         << small.out;
     EXPECT_TRUE(Has(small.out, "Split it into 2 recordings, of 32 + 22 wells.")) << small.out;
-    EXPECT_TRUE(Has(small.out, "Use units of 0.0003 instead of 0.000305176 (1.7 % off).")) << small.out;
+    EXPECT_TRUE(Has(small.out,
+                    "Use units of 0.0003 instead of 0.000305176 (a warning: they make all values in "
+                    "physical units 1.7 % smaller)."))
+        << small.out;
     CWords coarse = plan;
     coarse[6] = "0.0003";
     EXPECT_EQ(RunTool(coarse).status, 0);
     coarse[8] = "100";  // 2 characters for each of 54 wells, and a separator: 161 of 191 bytes; 3 take 215
     const CToolRun ticks = RunTool(coarse);
     EXPECT_EQ(ticks.status, 1);
-    EXPECT_TRUE(Has(ticks.out, "Use values of at most 2 characters in Ticks.")) << ticks.out;
+    EXPECT_TRUE(Has(ticks.out, "Use a sample interval of at most 99.")) << ticks.out;
     coarse.emplace_back("--json");
     const auto json = nlohmann::json::parse(RunTool(coarse).out)["files"][0];
     EXPECT_EQ(json["wellsThatFit"], 48);
@@ -293,4 +296,36 @@ TEST_F(Commands, PlanSaysWhetherARecordingFitsAndWhatWouldHelp) {
     for (const CWords& wrong : {CWords{"plan"}, CWords{"plan", "--wells", "5"}, CWords{"plan", m_sound},
                                 CWords{"plan", "--wells", "0", "--ad-zero", "0", "--units", "1", "--tick", "1"}})
         EXPECT_EQ(RunTool(wrong).status, 2) << wrong.back();
+}
+
+TEST_F(Commands, PlanAdvisesOnlyWhatCanBeDone) {
+    const auto plan = [](const char* wells, const char* tick) {
+        return RunTool({"plan", "--wells", wells, "--ad-zero", "0", "--units", "1", "--tick", tick});
+    };
+    const CToolRun ids = plan("70", "1");  // 9 + 2 * 61 characters and 69 colons: 200 of 189 bytes
+    EXPECT_EQ(ids.status, 1);
+    EXPECT_TRUE(ids.out.ends_with("What would help:\n  Split it into 2 recordings, of 66 + 4 wells.\n")) << ids.out;
+    const CToolRun many = plan("100000", "1");
+    EXPECT_TRUE(Has(many.out, " recordings, of up to 66 wells.\n")) << many.out;
+    const CToolRun refused = plan("5", "99999999999");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(Has(refused.out, "\nTicks is 99999999999 for well 1, expected a sample interval from 1 to 2147483647."))
+        << refused.out;
+    EXPECT_FALSE(Has(refused.out, "What would help")) << refused.out;
+}
+
+TEST_F(Commands, EveryOptionForNumbersSaysWhatItTakes) {
+    for (const auto& command : MakeCommands()) {
+        for (const auto& option : command->Options()) {
+            const bool isNumber = std::holds_alternative<std::int64_t*>(option.target) ||
+                                  std::holds_alternative<double*>(option.target) ||
+                                  std::holds_alternative<std::vector<std::int32_t>*>(option.target);
+            EXPECT_TRUE(!isNumber || !option.wanted.empty()) << command->Text().name << ' ' << option.names;
+        }
+    }
+    for (const char* units : {"nan", "1e999"}) {
+        const CToolRun run = RunTool({"plan", "--wells", "5", "--ad-zero", "0", "--units", units, "--tick", "1"});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_TRUE(Has(run.err, "isn't a finite number")) << run.err;
+    }
 }

@@ -35,11 +35,12 @@ constexpr CCommandText kText = {
     .details =
         "The header of a recording lists ID, interval, units and zero of each well in cells of fixed widths. Takes the "
         "wells, interval, units and zero of a settings file, or those of the options, which win. Shows each cell with "
-        "its room and what it needs; if one is too small, how many wells would fit and what would help.",
+        "its room and what it needs; if one is too small, how many wells would fit and what would help. Names a value "
+        "that a strict writer refuses.",
     .example = "vxfile plan --wells 54 --ad-zero 32768 --units 0.0003 --tick 100",
     .statuses =
         "  0  the recording fits\n"
-        "  1  it doesn't fit\n"
+        "  1  it doesn't fit, or a strict writer refuses a value\n"
         "  2  a value is missing or impossible, or the settings file can't be read",
 };
 
@@ -69,16 +70,29 @@ std::optional<double> CoarserUnits(double units, std::int64_t characters) {
 /// Returns how many characters each item of a list may have so that one for each well fits.
 std::int64_t CharactersPerWell(const CCellFit& cell, std::int64_t wells) { return (cell.Room + 1) / wells - 1; }
 
-/// Returns what would make the value of a cell fit, other than fewer wells; empty if nothing would.
-std::string ChangeFor(const CCellFit& cell, const CRecordingFit& fit, double units) {
-    const std::int64_t characters = cell.IsList ? CharactersPerWell(cell, fit.Wells) : cell.Room;
-    if (characters < 1) return {};
-    if (cell.Key != "UnitsPerADs")
-        return "values of at most " + Counted(static_cast<std::uint64_t>(characters), "character") + " in " + cell.Key;
+/// Returns the advice to take an interval whose text has so many characters.
+std::string LongestInterval(std::int64_t characters) {
+    return "a sample interval of at most " + std::string(static_cast<std::size_t>(characters), '9');
+}
+
+/// Returns the nearest units whose text is short enough, with a warning of what they change; empty if there are none.
+std::string UnitsFor(double units, std::int64_t characters) {
     const auto coarser = CoarserUnits(units, characters);
     if (!coarser) return {};
-    const double off = std::abs(*coarser / units - 1) * 100;
-    return "units of " + Text(*coarser) + " instead of " + Text(units) + " (" + Text(Rounded(off, 2)) + " % off)";
+    const double off = (*coarser / units - 1) * 100;
+    return "units of " + Text(*coarser) + " instead of " + Text(units) +
+           " (a warning: they make all values in physical units " + Text(Rounded(std::abs(off), 2)) +
+           (off < 0 ? " % smaller)" : " % larger)");
+}
+
+/// Returns what would make the value of a cell fit, other than fewer wells; empty if nothing would. IDs and zeros can't
+/// be chosen.
+std::string ChangeFor(const CCellFit& cell, const CRecordingFit& fit, double units) {
+    const std::int64_t characters = cell.IsList ? CharactersPerWell(cell, fit.Wells) : 0;
+    if (characters < 1) return {};
+    if (cell.Key == "Ticks") return LongestInterval(characters);
+    if (cell.Key == "UnitsPerADs") return UnitsFor(units, characters);
+    return {};
 }
 
 /// Returns the change of each cell that is too small; empty if there is none for one of them.
@@ -93,15 +107,23 @@ std::string Changes(const CRecordingFit& fit, double units) {
     return changes;
 }
 
-/// Returns the ways to make a recording fit, a sentence each.
+/// Returns how many wells each part has, in words, however many parts there are.
+std::string PartsText(const std::vector<std::int64_t>& parts) {
+    constexpr std::size_t kMostNamed = 6;
+    if (parts.size() > kMostNamed) return "up to " + std::to_string(*std::ranges::max_element(parts));
+    std::string text;
+    for (const std::int64_t part : parts)
+        text += (text.empty() ? "" : " + ") + std::to_string(part);
+    return text;
+}
+
+/// Returns the ways to make a recording fit, a sentence each. None helps a value that is refused.
 std::vector<std::string> AdviceFor(const CRecordingFit& fit, double units) {
+    if (!fit.Refusal.empty()) return {};
     std::vector<std::string> advice;
-    if (fit.Split.size() > 1) {
-        std::string wells;
-        for (const std::int64_t part : fit.Split)
-            wells += (wells.empty() ? "" : " + ") + std::to_string(part);
-        advice.push_back("Split it into " + std::to_string(fit.Split.size()) + " recordings, of " + wells + " wells.");
-    }
+    if (fit.Split.size() > 1)
+        advice.push_back("Split it into " + std::to_string(fit.Split.size()) + " recordings, of " +
+                         PartsText(fit.Split) + " wells.");
     const std::string changes = Changes(fit, units);
     if (!changes.empty()) advice.push_back("Use " + changes + '.');
     return advice;
@@ -115,20 +137,23 @@ CJson ToJson(const CRecordingFit& fit, const std::vector<std::string>& advice) {
                          {"needed", cell.Needed},
                          {"wellsThatFit", cell.WellsThatFit},
                          {"fits", cell.Fits()}});
-    return {{"fits", fit.Fits()}, {"wells", fit.Wells}, {"wellsThatFit", fit.WellsThatFit},
-            {"split", fit.Split}, {"advice", advice},   {"cells", std::move(cells)}};
+    return {{"fits", fit.Fits()}, {"wells", fit.Wells},     {"wellsThatFit", fit.WellsThatFit}, {"split", fit.Split},
+            {"advice", advice},   {"refusal", fit.Refusal}, {"cells", std::move(cells)}};
 }
 
 void Print(const CRecordingFit& fit, const std::vector<std::string>& advice) {
     const std::string wells = Counted(static_cast<std::uint64_t>(fit.Wells), "well");
-    std::cout << "A recording of " << wells << (fit.Fits() ? Green(" fits") : Red(" doesn't fit"))
-              << " its header.\n\n  cell                 room  needed  wells that fit\n";
+    const bool hasRoom = std::ranges::all_of(fit.Cells, &CCellFit::Fits);
+    std::cout << "A recording of " << wells << (hasRoom ? Green(" fits") : Red(" doesn't fit")) << " its header"
+              << (fit.Refusal.empty() ? "" : Red(", but a value is refused"))
+              << ".\n\n  cell                 room  needed  wells that fit\n";
     for (const auto& cell : fit.Cells) {
         std::cout << "  " << std::left << std::setw(18) << cell.Key << std::right << std::setw(7) << cell.Room
                   << std::setw(8) << cell.Needed << std::setw(16) << cell.WellsThatFit
                   << (cell.Fits() ? "" : "  too small") << '\n';
     }
-    if (!fit.Fits()) std::cout << '\n' << fit.Text() << '\n';
+    if (!hasRoom) std::cout << '\n' << fit.Text() << '\n';
+    if (!fit.Refusal.empty()) std::cout << '\n' << fit.Refusal << '\n';
     if (!advice.empty()) std::cout << "What would help" << (advice.size() > 1 ? ", one or the other:\n" : ":\n");
     for (const auto& text : advice)
         std::cout << "  " << text << '\n';
@@ -141,10 +166,19 @@ class CPlanCommand : public CCommand {
     std::vector<COption> Options() override {
         return {
             {.names = "SETTINGS", .target = &m_settings, .text = "A settings file with the record plate"},
-            {.names = "--wells", .target = &m_wells, .text = "The number of wells, with the IDs from 1 on"},
-            {.names = "--ad-zero", .target = &m_adZero, .text = "The AD value that means zero"},
-            {.names = "--units", .target = &m_units, .text = "Physical units per AD step"},
-            {.names = "--tick", .target = &m_tick, .text = "The sample interval, above 0"},
+            {.names = "--wells",
+             .target = &m_wells,
+             .text = "The number of wells, with the IDs from 1 on",
+             .wanted = "a whole number of wells"},
+            {.names = "--ad-zero",
+             .target = &m_adZero,
+             .text = "The AD value that means zero",
+             .wanted = "a whole number"},
+            {.names = "--units", .target = &m_units, .text = "Physical units per AD step", .wanted = "a finite number"},
+            {.names = "--tick",
+             .target = &m_tick,
+             .text = "The sample interval, above 0",
+             .wanted = "a whole number above 0"},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
         };
     }
@@ -170,8 +204,9 @@ class CPlanCommand : public CCommand {
         if (m_wells != kNoNumber) ids = NumberedWells();
         if (ids.empty()) throw CFailure("There are no wells; name a settings file that has some, or use --wells.");
         if (m_adZero == kNoNumber) throw CFailure("The AD zero is missing; use --ad-zero.");
-        if (std::isnan(m_units)) throw CFailure("The units per AD step are missing; use --units.");
-        if (m_tick == kNoNumber || m_tick <= 0) throw CFailure("A sample interval above 0 is missing; use --tick.");
+        if (std::isnan(m_units) && m_settings.empty())
+            throw CFailure("The units per AD step are missing; use --units.");
+        if (m_tick == kNoNumber) throw CFailure("The sample interval is missing; use --tick.");
         if (!std::in_range<std::int32_t>(m_adZero)) throw CFailure("--ad-zero takes a number of 32 bits.");
         CRawDataRecordingHdr header{.TaskName = TaskToString(enTask::CompoundTest), .Recording = 1};
         for (const std::int32_t id : ids)
