@@ -28,7 +28,7 @@ PROGRAMS = {
     "results": ["results_test", "reference_test", "forms"],
     "export": ["export_test", "results_test", "faults_test"],
     "recovery": ["recover_test", "sessions", "faults_test"],
-    "vxfile": ["vxfile_test", "sessions", "samples", "tables"],
+    "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog"],
 }
 
 # What isn't a test program: the target that it looks at, and its words, of which {} is the folder of the build. The
@@ -37,6 +37,7 @@ SCRIPTS = {
     "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
     "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference/several_recordings.vxd",
                            "tests/reference/several_recordings.txt", "tests/reference/small_example.vxd"]),
+    "catalog": ("vxfile", ["tests/tools/catalog.py", "{}/bin/vxfile", "tests/reference"]),
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
     "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
 }

@@ -1,8 +1,16 @@
 #include "tools/vxfile/document/DocumentHead.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
-#include "vxfileio/xmlarchive/XmlArchive.h"
+#include "tools/vxfile/system/OpenInput.h"
+#include "vxfileio/helpers/File.h"
+#include "vxfileio/xmlarchive/XmlDocument.h"
 
 namespace vxfile {
 
@@ -14,6 +22,17 @@ CXmlFileHeader HeadOfDocument(const std::string& path) {
     archive.SkipProlog();
     header.Load(archive);
     return header;
+}
+
+bool EndsWithRoot(const std::string& path) {
+    constexpr std::int64_t kLastBytes = 1024;
+    vxfileio::helpers::CFile file;
+    OpenInput(file, path);
+    std::array<char, kLastBytes> bytes{};
+    const std::int64_t start = std::max(file.Size() - kLastBytes, std::int64_t{0});
+    const std::size_t size = file.ReadUpTo(start, std::as_writable_bytes(std::span(bytes)));
+    const std::string endTag = "</" + std::string(vxfileio::xmlarchive::kRootElement) + '>';
+    return std::string_view(bytes.data(), size).find(endTag) != std::string_view::npos;
 }
 
 std::string DifferenceOfRuns(const CRunFile& settings, const CRunFile& results) {

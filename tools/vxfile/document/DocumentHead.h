@@ -10,6 +10,10 @@ namespace vxfile {
 /// `CFailure` if the file can't be opened.
 CXmlFileHeader HeadOfDocument(const std::string& path);
 
+/// Returns whether the end tag of the root is in the last bytes of a settings or results file: a file that was cut has
+/// none. Throws `CFailure` if the file can't be opened.
+[[nodiscard]] bool EndsWithRoot(const std::string& path);
+
 /// A file of a run.
 struct CRunFile {
     std::string path;

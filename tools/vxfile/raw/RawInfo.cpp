@@ -62,12 +62,12 @@ CJson ChannelsJson(const std::vector<CRawDataChannelInfo>& channels) {
 
 class CRawInfo {
  public:
-    CRawInfo(const std::string& path, bool full)
+    CRawInfo(const std::string& path, bool full, bool isAlone)
         : m_scan(path),
           m_counts(full || m_scan.Size() <= kSmallFile),
           m_hasAux(std::ranges::any_of(m_scan.Recordings(), HasAuxChannels)),
           m_budget(m_scan),
-          m_progress("Counting samples", m_scan.Size()) {}
+          m_progress("Counting samples", isAlone ? m_scan.Size() : 0) {}
 
     CPage Tell() {
         TellHeader();
@@ -254,6 +254,6 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
 
 }  // namespace
 
-CPage InfoOfRawData(const std::string& path, bool full) { return CRawInfo(path, full).Tell(); }
+CPage InfoOfRawData(const std::string& path, bool full, bool isAlone) { return CRawInfo(path, full, isAlone).Tell(); }
 
 }  // namespace vxfile

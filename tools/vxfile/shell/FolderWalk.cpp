@@ -10,6 +10,7 @@
 #include "tools/vxfile/report/Seal.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/system/Interrupt.h"
 #include "vxfileio/base/FileExtensions.h"
 
 namespace vxfile {
@@ -52,8 +53,10 @@ class CFolderWalk {
     void LookInto(const fs::path& folder) {
         std::error_code error;
         for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
-             entry.increment(error))
+             entry.increment(error)) {
+            CheckInterrupt();
             Take(*entry);
+        }
         if (error)
             m_content.entries.push_back({folder.string(), "Can't look into the folder " + folder.string() + ": " +
                                                               error.message() + "; its files weren't checked."});

@@ -20,7 +20,8 @@ struct CFolderContent {
 
 /// Finds the files of this system in a folder and in its folders: what has one of their extensions, whatever its
 /// content is, and of other names what is of a known kind, or can't be read so that nobody knows. Links to folders
-/// aren't followed. It throws nothing: what can't be looked into is told as an entry.
+/// aren't followed. What can't be looked into is told as an entry. Throws `CInterruption` after
+/// Ctrl-C, and nothing else.
 CFolderContent WalkFolder(const std::string& folder);
 
 }  // namespace vxfile

@@ -44,9 +44,9 @@ int RunWhole(int argc, const char* const* argv) {
 
 CCommands MakeCommands() {
     CCommands commands;
-    for (auto* const make :
-         {MakeInfoCommand, MakeVerifyCommand, MakeSealCommand, MakeRecoverCommand, MakeSamplesCommand, MakeTableCommand,
-          MakeExportCommand, MakeReportCommand, MakeWatchCommand, MakePlanCommand, MakeDiffCommand})
+    for (auto* const make : {MakeInfoCommand, MakeCatalogCommand, MakeVerifyCommand, MakeSealCommand,
+                             MakeRecoverCommand, MakeSamplesCommand, MakeTableCommand, MakeExportCommand,
+                             MakeReportCommand, MakeWatchCommand, MakePlanCommand, MakeDiffCommand})
         commands.push_back(make());
     return commands;
 }

@@ -9,6 +9,7 @@
 
 namespace vxfile {
 
+[[nodiscard]] std::unique_ptr<CCommand> MakeCatalogCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeDiffCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeExportCommand();
 [[nodiscard]] std::unique_ptr<CCommand> MakeInfoCommand();

@@ -1,0 +1,155 @@
+"""Checks what `vxfile catalog` says of a folder with files of all kinds and states, as rows and in a database.
+
+usage: catalog.py VXFILE FOLDER_OF_REFERENCE_FILES
+"""
+
+import csv
+import io
+import json
+import os
+import pathlib
+import shutil
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+
+VXFILE, REFERENCE = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
+
+# Each file: its source, the bytes that are kept, its kind and its state.
+FILES = {
+    "a-1.vxd": ("small_example.vxd", None, "raw", "finished"),
+    "a/b/run.vxd": ("several_recordings.vxd", None, "raw", "finished"),
+    "a/b/run.vxr": ("xml/results.vxr", None, "results", "finished"),
+    "a/b/run.vxs": ("xml/settings.vxs", None, "settings", "finished"),
+    "a/book.xls": ("workbooks/small.xls", None, "workbook", "finished"),
+    "a/circle.vxd": ("circle_of_recordings.vxd", None, "raw", "damaged"),
+    "a/cut.vxd": ("small_example.vxd", 4000, "raw", "damaged"),
+    "a/cut.vxr": ("xml/results.vxr", 2000, "results", "damaged"),
+    "a/empty.vxd": ("small_example.vxd", 0, "empty", "unfinished"),
+    "a/open.vxd": ("unfinished.vxd", None, "raw", "unfinished"),
+    "a/text.vxd": ("small_example.txt", None, "unknown", "damaged"),
+    "z.dat": ("version_1.vxd", None, "raw", "finished"),
+}
+
+
+def run(*options, status, folder=None):
+    done = subprocess.run([VXFILE, "catalog", *options], capture_output=True, check=False, cwd=folder)
+    assert done.returncode == status, (options, done)
+    return done.stdout.decode(), done.stderr.decode()
+
+
+def rows_of(text):
+    return list(csv.DictReader(io.StringIO(text, newline="")))
+
+
+def make(folder):
+    for name, (source, size, _, _) in FILES.items():
+        path = folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes((REFERENCE / source).read_bytes()[:size])
+    (folder / "a" / "notes.txt").write_text("not ours")
+
+
+def check_rows(folder):
+    text, summary = run(".", status=1, folder=folder)
+    rows = rows_of(text)
+    expected = sorted("./" + name for name in FILES)
+    assert [row["path"] for row in rows] == expected, [row["path"] for row in rows]
+    for row in rows:
+        _, _, kind, state = FILES[row["path"][2:]]
+        assert (row["kind"], row["file_state"]) == (kind, state), row
+        assert int(row["size"]) == (folder / row["path"]).stat().st_size
+        assert bool(row["reason"]) == (state != "finished"), row
+        seconds = (folder / row["path"]).stat().st_mtime_ns // 10**9
+        assert row["modified"].startswith(time.strftime("%Y-%m-%dT%H:%M:%S.", time.gmtime(seconds))), row
+    assert summary.startswith("12 files: 6 finished, 2 unfinished, 4 damaged, 0 unreadable\n1 run by Guid, 0 of them"), summary
+    for jobs in "1", "7":
+        assert run(".", "-j", jobs, status=1, folder=folder)[0] == text
+    items = [json.loads(line) for line in run(".", "--jsonl", status=1, folder=folder)[0].splitlines()]
+    assert [item["path"] for item in items] == expected
+    assert all(type(item["size"]) is int for item in items)
+
+
+def check_recordings(folder):
+    recordings = rows_of(run("a-1.vxd", "--recordings", status=0, folder=folder)[0])
+    assert [(row["task"], row["number"], row["wells"], row["samples"], row["state"]) for row in recordings] == [
+        ("CompoundTest", "1", "2", "8", "finished")], recordings
+
+
+def stored(path, sql):
+    with sqlite3.connect(path) as connection:
+        return connection.execute(sql).fetchall()
+
+
+def check_database(folder, database):
+    options = (str(folder), "--sqlite", database)
+    assert ", 12 of them read now" in run(*options, status=1)[1]
+    found = stored(database, "SELECT path, kind, file_state FROM files ORDER BY path")
+    assert found == [(str(folder / name), *FILES[name][2:]) for name in sorted(FILES)], found
+    assert stored(database, "PRAGMA application_id") == [(0x56584341,)]
+    assert stored(database, "PRAGMA user_version") == [(1,)]
+    assert stored(database, "SELECT samples FROM recordings WHERE path LIKE '%a-1.vxd'") == [(8,)]
+    assert stored(database, "PRAGMA integrity_check") == [("ok",)]
+    assert stored(database, "SELECT settings FROM runs WHERE guid = '0123'") == [(str(folder / "a/b/run.vxs"),)]
+
+    # A second run reads what changed, and drops what is gone.
+    assert ", 0 of them read now" in run(*options, status=1)[1]
+    shutil.copyfile(REFERENCE / "small_example.vxd", folder / "a/cut.vxd")
+    (folder / "z.dat").unlink()
+    assert "11 files, 1 of them read now" in run(*options, status=1)[1]
+    assert stored(database, "SELECT file_state FROM files WHERE path LIKE '%/cut.vxd'") == [("finished",)]
+    assert stored(database, "SELECT count(*) FROM files") == [(11,)]
+    assert stored(database, "SELECT count(*) FROM recordings WHERE path NOT IN (SELECT path FROM files)") == [(0,)]
+
+    # Another folder doesn't drop the first.
+    other = folder.parent / "other"
+    other.mkdir()
+    shutil.copyfile(REFERENCE / "small_example.vxd", other / "one.vxd")
+    run(str(other), "--sqlite", database, status=0)
+    assert stored(database, "SELECT count(*) FROM files") == [(12,)]
+
+    # Newer and foreign databases are refused and left alone.
+    with sqlite3.connect(database) as connection:
+        connection.execute("PRAGMA user_version = 2")
+    before = pathlib.Path(database).read_bytes()
+    assert "newer vxfile" in run(*options, status=2)[1]
+    assert pathlib.Path(database).read_bytes() == before
+    foreign = str(folder.parent / "foreign.db")
+    with sqlite3.connect(foreign) as connection:
+        connection.execute("CREATE TABLE t (x)")
+    assert "another program" in run(str(folder), "--sqlite", foreign, status=2)[1]
+
+
+def check_interruption(folder, database):
+    """Ctrl-C leaves the state of before, and no new database."""
+    many = folder.parent / "many"
+    many.mkdir()
+    for i in range(3000):
+        shutil.copyfile(REFERENCE / "small_example.vxd", many / f"{i}.vxd")
+    for path in database, str(folder.parent / "new.db"):
+        before = pathlib.Path(path).read_bytes() if os.path.exists(path) else None
+        process = subprocess.Popen([VXFILE, "catalog", str(many), "--sqlite", path, "-j", "1"], stderr=subprocess.PIPE)
+        time.sleep(0.05)
+        process.send_signal(signal.SIGINT)
+        process.communicate()
+        if process.returncode == 130:
+            assert (pathlib.Path(path).read_bytes() if os.path.exists(path) else None) == before
+        else:
+            assert process.returncode == 0  # it was faster
+
+
+with tempfile.TemporaryDirectory() as top:
+    root = pathlib.Path(top).resolve() / "plates"
+    make(root)
+    check_rows(root)
+    check_recordings(root)
+    check_database(root, str(root.parent / "plates.db"))
+    check_interruption(root, str(root.parent / "again.db"))
+    assert run(str(root / "nowhere"), status=2)[1].startswith("vxfile: Can't look into the folder")
+    (root / "none").mkdir()
+    assert "no file of a known kind" in run(str(root / "none"), status=2)[1]
+
+print("the catalogue agrees with the folder")
