@@ -28,6 +28,12 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) { return operator new(size); }
+// Stable sorts ask in this way. Under the address sanitizer it would be the sanitizer's own.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept try {
+    return operator new(size);
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
 void operator delete(void* memory) noexcept { Free(memory); }
 void operator delete[](void* memory) noexcept { Free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { Free(memory); }
