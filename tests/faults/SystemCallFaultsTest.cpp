@@ -298,6 +298,17 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
 }
 
+TEST(RefusedReadsTest, ADocumentThatTheSystemRefusesToReadIsNotCalledEmpty) {
+    const CTempFolder folder;
+    const std::string path = folder.Path("results.vxr");
+    CVXFileIO io;
+    io.GetResultsWriter()->WriteFile(path, CResults());
+    BeginCalls(1, {.error = EIO, .goesOn = true, .calls = "pread preadv"});
+    io.GetResultsReader()->ReadFile(path);
+    EXPECT_GT(EndCalls(), 0);
+    EXPECT_EQ(io.GetResultsReader()->GetReadError(), "The system refused to read beyond offset 0.");
+}
+
 class FlushToDiskTest : public testing::Test {
  protected:
     /// Writes a header, which must be accepted, and flushes with a fault at one call of these names.

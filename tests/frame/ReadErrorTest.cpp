@@ -121,6 +121,53 @@ TEST_F(ReadErrorTest, AnEndTagOfAnotherNameIsNamed) {
     EXPECT_NE(ResultsWith("</Header>", "</Heder>").find("found </Heder> instead of </Header>"), std::string::npos);
 }
 
+TEST_F(ReadErrorTest, SectionsAfterOneWithoutContentAreRead) {
+    for (const std::string tag : {"PropertyControl", "PropertyNotebook", "PropertyRobot", "PropertyRecordPlate",
+                                  "PropertyQualityCheck", "PropertyWashIn", "PropertyRecording"}) {
+        const std::size_t begin = m_settings.find('<' + tag + '>');
+        const std::string section = m_settings.substr(begin, m_settings.find("</" + tag + '>') - begin);
+        for (const std::string& empty : {'<' + tag + "/>", '<' + tag + "></" + tag + '>'}) {
+            CVXFileIO io;
+            const std::string error =
+                ErrorOf(*io.GetSettingsReader(), Replaced(m_settings, section + "</" + tag + '>', empty));
+            EXPECT_EQ(error.find("Vexaprobe/Settings/" + tag + " (offset "), 0U) << error;
+            EXPECT_NE(error.find("): the element has no content."), std::string::npos) << error;
+            EXPECT_FALSE(io.GetSettingsReader()->GetAnalyzerProperty()->AnalyzeSettings.empty()) << empty;
+        }
+    }
+}
+
+TEST_F(ReadErrorTest, AHeaderAfterTheSectionIsNamed) {
+    const std::size_t begin = m_settings.find("<Header>");
+    const std::string header = m_settings.substr(begin, m_settings.find("<Settings>") - begin);
+    EXPECT_EQ(Settings(Replaced(Replaced(m_settings, header, ""), "</Settings>", "</Settings>" + header)),
+              "The document has no <Header> ahead of <Settings>, so nothing was read.");
+}
+
+TEST_F(ReadErrorTest, WhatFollowsTheRootIsNamed) {
+    EXPECT_EQ(Settings(m_settings + "\n<!-- > --> <?end?>\n"), "");
+    for (const std::string& more : {std::string("x"), m_settings})
+        EXPECT_EQ(Settings(m_settings + more).find("What follows the root, from offset "), 0U) << more.substr(0, 1);
+}
+
+TEST_F(ReadErrorTest, WhatChangesAValueSilentlyIsNamed) {
+    const auto named = [](const std::string& error, const std::string& part) {
+        EXPECT_NE(error.find(part), std::string::npos) << error;
+    };
+    named(ResultsWith("<CompoundName>", "<CompoundNam%>"), "found </CompoundName> instead of </CompoundNam%>.");
+    named(ResultsWith("<CompoundName>", "<Co/poundName>"), "found </CompoundName> instead of </Co/poundName>.");
+    named(ResultsWith("<CompoundName>C1</CompoundName>", "<CompoundName >C1</CompoundNameplate>"),
+          "found </CompoundNameplate> instead of </CompoundName>.");
+    named(ResultsWith("<Label>NotDefined<", "<Label>Na-Slop<"), "\"Na-Slop\" isn't one of the words NotDefined, Na-");
+    named(ResultsWith("<TaskName>", "<TaskName>x"), "isn't one of the words Notebook, ");
+    named(SettingsWith("<TaskName>", "<TaskName>x"), "isn't one of the words Notebook, ");
+    named(SettingsWith("<ADMax>", "<ADMax unit=\"1\">"), "the value was read from an attribute, \"1\".");
+    named(SettingsWith("<VoltPerADStep>", "<VoltPerADStep>1e999</VoltPerADStep><VoltPerADStep>"),
+          "\"1e999\" isn't a number that a double can hold.");
+    named(SettingsWith("<Series Size=\"", "<Series Size=\"-"), "its Size is -");
+    named(SettingsWith("<Series Size=\"", "<Series Size=\"400000000"), "its Size is 400000000");
+}
+
 TEST_F(ReadErrorTest, EachFileIsJudgedAnew) {
     EXPECT_NE(Settings(""), "");
     EXPECT_EQ(Settings(m_settings), "");

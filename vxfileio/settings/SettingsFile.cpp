@@ -52,7 +52,8 @@ void CSettingsReader::ReadFile(const std::string& path) {
         m_settings.Header.Load(archive);
         ForEachEventUntil(archive, CSettingsForm::kElement, [&] {
             if (GetField(archive, CSettingsForm::kFields, m_settings)) return;
-            if (IsStartOf(archive, CXmlForm<CPropRecording>::kOlderElement)) m_settings.Recording.Load(archive);
+            if (IsStartOf(archive, CXmlForm<CPropRecording>::kOlderElement))
+                LoadSection(archive, [&] { m_settings.Recording.Load(archive); });
         });
     };
     ReadDocument(path, kSettingsOpenFailed, CSettingsForm::kElement, m_readError, load);

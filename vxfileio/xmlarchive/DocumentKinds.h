@@ -22,4 +22,7 @@ inline constexpr CDocumentKind kSettingsDocument{"settings file", "Settings", "V
 inline constexpr CDocumentKind kResultsDocument{"results file", "Results", "VXResults"};
 inline constexpr std::array kDocumentKinds{kSettingsDocument, kResultsDocument};
 
+/// What a reader's error begins with if the system refused to read the file to its end. The offset follows.
+inline constexpr std::string_view kReadRefused = "The system refused to read beyond offset ";
+
 }  // namespace vxfileio::xmlarchive

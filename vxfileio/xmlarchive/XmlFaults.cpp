@@ -27,6 +27,10 @@ std::string SentenceOf(XmlFault kind, const XmlFaults::CFault& fault) {
             return place + ": the list has " + fault.found + ", but its Size is " + fault.expected + '.';
         case XmlFault::LongText:
             return place + ": only the first character of " + Quoted(fault.found) + " was read.";
+        case XmlFault::NoContent:
+            return place + ": the element has no content.";
+        case XmlFault::Attribute:
+            return place + ": the value was read from an attribute, " + Quoted(fault.found) + '.';
         default:
             break;
     }

@@ -18,6 +18,9 @@ enum class XmlFault : std::uint8_t {
     OutOfRange,   ///< The type of a number doesn't hold it.
     UnknownWord,  ///< A word isn't one of its enumeration.
     LongText,     ///< A text of one byte has more.
+    NoContent,    ///< A section has no children.
+    Attribute,    ///< An attribute was read in place of the text.
+    kCount
 };
 
 /// The faults of one document: the first of each kind, and how many there are. Takes the same memory for any document.
@@ -44,7 +47,7 @@ class XmlFaults {
     std::string Text() const;
 
  private:
-    std::array<CFault, 8> m_faults;
+    std::array<CFault, static_cast<std::size_t>(XmlFault::kCount)> m_faults;
 };
 
 }  // namespace gd_xml_stream

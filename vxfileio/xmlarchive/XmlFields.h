@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -35,8 +36,8 @@
 /// A field that is a member of its class also has the type `CObject`, and `Value(object)`, which returns the member. A
 /// field that holds objects has the type `CEntryForm`, the form of these.
 ///
-/// Fields are found by their tags, in any order. Elements that no field knows are skipped. A field whose element is
-/// missing keeps its value.
+/// Fields are found by their tags, in any order; a key is found as the first child alone. Elements that no field knows
+/// are skipped. A field whose element is missing keeps its value.
 ///
 /// (Clang 14 doesn't deduce the template arguments of aggregates, hence the deduction guides.)
 
@@ -160,6 +161,19 @@ struct CTextField {
 };
 template <class Object>
 CTextField(std::string_view, std::string Object::*) -> CTextField<Object>;
+
+/// A text that should be a word, since it is the key of its object in a map. Reports one that isn't, unless it is
+/// empty.
+template <class Word, class Field>
+struct CKeyTextField : Field {
+    void Get(CXmlFileArchive& archive, typename Field::CObject& object) const {
+        Field::Get(archive, object);
+        const std::string& text = this->Value(object);
+        const auto& words = base::kWords<Word>.words;
+        if (!text.empty() && std::find(words.begin(), words.end(), text) == words.end())
+            archive.NoteText(gd_xml_stream::XmlFault::UnknownWord, words);
+    }
+};
 
 /// The key of an object that a map holds: the object's first child, which is found by its place alone.
 template <class Key>

@@ -65,8 +65,8 @@ class XmlInput {
     /// Returns whether the document ended with a NUL rather than with its file. Requires: `AtEnd`.
     bool EndsInNul() const { return m_endsInNul; }
 
-    /// Returns whether the file has more bytes than the system delivered. Requires: `AtEnd`.
-    bool IsReadFailed() const { return m_file != nullptr && !m_endsInNul && m_file->IsReadFailed(); }
+    /// Returns whether reading ended although the file has more bytes, since the system refused to deliver them.
+    bool IsReadFailed() const { return m_file != nullptr && m_ended && !m_endsInNul && m_file->IsReadFailed(); }
 
     /// Returns the most bytes that can follow the cursor, by the size of the file at the first call; the exact number
     /// once the end is in memory.

@@ -62,16 +62,34 @@ std::optional<std::string_view> XmlReader::Value() const {
     return element[mark] == '"' ? value.substr(0, value.find('"')) : value;
 }
 
-void XmlReader::ReadText(std::string& text) const {
+void XmlReader::ReadText(std::string& text) {
+    CheckAttributes();
     text.clear();
     AppendDecoded(Value().value_or(std::string_view()), text);
 }
 
-std::string_view XmlReader::Text(std::string& room) const {
+std::string_view XmlReader::Text(std::string& room) {
+    CheckAttributes();
+    return PlainText(room);
+}
+
+std::string_view XmlReader::PlainText(std::string& room) const {
     const std::string_view text = Value().value_or(std::string_view());
     if (text.find('&') == std::string_view::npos) return text;
-    ReadText(room);
+    room.clear();
+    AppendDecoded(text, room);
     return room;
+}
+
+/// Notes if the value of the current element is that of an attribute which nobody asked for, since it precedes the
+/// text.
+void XmlReader::NoteAttribute() {
+    const std::size_t mark = Element().find_first_of(">\"", Name().size());
+    if (m_valueAt > 0 || mark == std::string_view::npos || Element()[mark] == '>') return;
+    if (auto* const first = m_faults.Add(XmlFault::Attribute)) {
+        const std::string_view value = Value().value_or(std::string_view());
+        *first = {1, TextOffset(), Path(), std::string(value.substr(0, XmlFaults::kMostShown)), {}};
+    }
 }
 
 std::string XmlReader::ElementText() const {
@@ -141,14 +159,15 @@ XmlValue XmlReader::ValueOf(XmlType type, std::string_view text) {
 std::size_t XmlReader::ReadListClaim() {
     constexpr std::string_view kUsual = " Size=\"";
     const std::string_view attributes = Element().substr(Name().size());
-    XmlValue claimed(std::int32_t{0});
+    XmlValue claimed(std::int64_t{0});
     if (attributes.starts_with(kUsual)) {  // other programs have other attributes, too
-        claimed = Parsed<std::int32_t>(attributes.substr(kUsual.size()));
+        claimed = Parsed<std::int64_t>(attributes.substr(kUsual.size()));
     } else {
         ReadAttribute(kListSize, claimed);
     }
-    MakeList(claimed.AsInt32());
-    return static_cast<std::size_t>(std::max(claimed.AsInt32(), std::int32_t{0}));
+    MakeList(claimed.AsInt64());
+    constexpr std::int64_t kMostEntries = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::size_t>(std::clamp<std::int64_t>(claimed.AsInt64(), 0, kMostEntries));
 }
 
 std::size_t XmlReader::ReadListSize() {
@@ -189,16 +208,17 @@ bool XmlReader::TakeSample(std::string_view& text, double& sample, std::string_v
 }
 
 /// Notes the fault of a number whose text is `at` bytes into that of the element.
-void XmlReader::NoteNumber(ENumberFault fault, std::string_view text, std::size_t at, std::string (*range)()) {
+void XmlReader::NoteNumber(ENumberFault fault, std::string_view text, std::size_t at,
+                           std::string (*range)(ENumberFault)) {
     const auto kind = fault == ENumberFault::NoNumber ? XmlFault::NoNumber : XmlFault::OutOfRange;
     if (auto* const first = m_faults.Add(kind))
-        *first = {1, TextOffset() + at, Path(), std::string(text.substr(0, XmlFaults::kMostShown)), range()};
+        *first = {1, TextOffset() + at, Path(), std::string(text.substr(0, XmlFaults::kMostShown)), range(fault)};
 }
 
 void XmlReader::NoteText(XmlFault kind, std::span<const std::string_view> words) {
     auto* const first = m_faults.Add(kind);
     if (first == nullptr) return;
-    const std::string_view text = Text(m_decoded).substr(0, XmlFaults::kMostShown);
+    const std::string_view text = PlainText(m_decoded).substr(0, XmlFaults::kMostShown);
     *first = {1, TextOffset(), Path(), std::string(text), OneOf(words)};
 }
 
@@ -206,16 +226,20 @@ std::string XmlReader::Finish(std::string_view section) {
     const bool isRead = (State() & XmlState::kEndTag) != 0 && Name() == section;
     while (!IsRootClosed() && Next()) {
     }
-    const std::string_view other = OtherKind(Beginning());
+    const bool isWhole = !IsRootClosed() || SkipEpilog();
+    const std::uint64_t end = Offset();
+    std::string text;
+    if (IsReadFailed()) text = std::string(kReadRefused) + std::to_string(end) + '.';
+    const std::string_view other = IsReadFailed() ? std::string_view() : OtherKind(Beginning());
     if (!other.empty()) return "This is " + std::string(other) + ", not a " + NameOf(section) + '.';
-    std::string text = isRead ? std::string() : SectionText(section);
     const auto add = [&](const std::string& sentence) {
         text += (text.empty() || sentence.empty() ? "" : " ") + sentence;
     };
+    if (!isRead && !IsReadFailed()) add(SectionText(section));
     if (Root() != kRootElement && (isRead || !Root().empty()))
         add("The root element is <" + std::string(Root()) + ">, expected <" + std::string(kRootElement) + ">.");
-    if (IsReadFailed()) add("The system refused to read beyond offset " + std::to_string(Offset()) + '.');
     add(m_faults.Text());
+    if (!isWhole) add("What follows the root, from offset " + std::to_string(end) + " on, wasn't read.");
     return text;
 }
 
@@ -227,8 +251,9 @@ std::string XmlReader::SectionText(std::string_view section) const {
             return "This is a " + std::string(kind.name) + ", not a " + name + '.';
     }
     const std::string tag = '<' + std::string(section) + '>';
-    if (HasSection(kHeaderElement)) return HasSection(section) ? "" : "The document has no element " + tag + '.';
+    if (HasSection(kHeaderElement) && !HasSection(section)) return "The document has no element " + tag + '.';
     if (Root().empty()) return "The document has no elements that a " + name + " has.";
+    if (IsAhead(kHeaderElement, section)) return {};
     return "The document has no <" + std::string(kHeaderElement) + "> ahead of " + tag + ", so nothing was read.";
 }
 

@@ -42,10 +42,10 @@ class XmlReader : public XmlScanner {
     std::optional<std::string_view> Value() const;
 
     /// Reads the same into `text` with its references decoded; empty without text.
-    void ReadText(std::string& text) const;
+    void ReadText(std::string& text);
 
     /// Returns the same text, in place if it has no references, otherwise from `room`.
-    std::string_view Text(std::string& room) const;
+    std::string_view Text(std::string& room);
 
     /// Returns the text after the element's start tag: decoded, or unchanged if it has a CDATA section.
     std::string ElementText() const;
@@ -65,8 +65,13 @@ class XmlReader : public XmlScanner {
  private:
     std::optional<std::size_t> FindAttribute(std::string_view name) const;
     XmlValue ValueOf(XmlType type, std::string_view text);
+    std::string_view PlainText(std::string& room) const;
+    void NoteAttribute();
+    void CheckAttributes() {
+        if (Element().size() > Name().size() && Element()[Name().size()] != '>') NoteAttribute();
+    }
     void NoteNumber(vxfileio::helpers::ENumberFault fault, std::string_view text, std::size_t at,
-                    std::string (*range)());
+                    std::string (*range)(vxfileio::helpers::ENumberFault));
     bool TakeSample(std::string_view& text, double& sample, std::string_view whole);
     std::string SectionText(std::string_view section) const;
 
@@ -87,12 +92,12 @@ vxfileio::helpers::ENumberFault ParseValue(std::string_view text, std::uint16_t&
 
 /// Returns what a text must be to be read as this type, such as "a whole number from 0 to 65535".
 template <class Number>
-std::string RangeOf() {
+std::string RangeOf([[maybe_unused]] vxfileio::helpers::ENumberFault fault) {
     using Limits = std::numeric_limits<Number>;
     if constexpr (std::is_same_v<Number, bool>) {
         return "0 or 1";
     } else if constexpr (std::is_floating_point_v<Number>) {
-        return "a number";
+        return fault == vxfileio::helpers::ENumberFault::OutOfRange ? "a number that a double can hold" : "a number";
     } else {
         return "a whole number from " + std::to_string(Limits::min()) + " to " + std::to_string(Limits::max());
     }
@@ -101,6 +106,7 @@ std::string RangeOf() {
 template <class Number>
 void XmlReader::ReadValue(Number& value) {
     using vxfileio::helpers::ENumberFault;
+    CheckAttributes();
     const auto text = Value();
     const ENumberFault fault = text ? ParseValue(*text, value) : ENumberFault::NoNumber;
     if (fault != ENumberFault::None) NoteNumber(fault, text.value_or(std::string_view()), 0, RangeOf<Number>);

@@ -11,6 +11,7 @@ namespace {
 constexpr std::string_view kSectionStart = "<![CDATA[";
 constexpr std::string_view kSectionEnd = "]]>";
 constexpr std::string_view kCommentEnd = "-->";
+constexpr std::string_view kInstructionEnd = "?>";
 
 /// The most bytes of a name that a message shows.
 constexpr std::size_t kMostNameShown = 64;
@@ -48,6 +49,20 @@ bool XmlScanner::SkipProlog() {
     while (m_input.SkipTo('<') && (m_input.StandsOn("<?") || m_input.StandsOn("<!")))
         m_input.Pass(1);
     return true;
+}
+
+bool XmlScanner::SkipEpilog() {
+    ForgetElement();
+    if (m_input.StandsOn(">")) m_input.Pass(1);
+    while (true) {
+        m_input.SkipWhile(kTextBlank);
+        if (m_input.AtEnd()) return true;
+        const bool isComment = m_input.StandsOn("<!--");
+        if (!isComment && !m_input.StandsOn("<?")) return false;
+        m_input.SkipToText(isComment ? kCommentEnd : kInstructionEnd);
+        m_input.SkipTo('>');
+        m_input.Pass(m_input.AtEnd() ? 0 : 1);
+    }
 }
 
 // The functions that nearly every event uses are inline: the calls would cost a fifteenth of the time.
@@ -192,14 +207,19 @@ inline void XmlScanner::OpenElement() {
     m_outline[depth == 0 ? 0 : m_levels[1].children] = Name().substr(0, kMostNameShown);
 }
 
-/// Compares the end tag of an element without children, whose "/" is at the cursor, with its name. A name with bytes
-/// that don't belong to names isn't known in full, and isn't compared.
+/// Compares the end tag of an element without children, whose "/" is at the cursor, with its start tag. Both names are
+/// compared with the bytes that no name has, as a damaged one has them.
 void XmlScanner::CheckLeafEnd() {
-    const bool isWhole = Element()[m_nameSize] == '>' || Is(Element()[m_nameSize], kTextBlank);
-    if (!isWhole || !m_input.Has(m_nameSize + 2)) return;
-    const std::string_view end = m_input.Rest().substr(1);
-    const std::string_view found = end.substr(0, RunOf(end.substr(0, m_nameSize + 1), kEndName));
-    if (found != Name()) NoteWrongEnd(found, Name(), m_input.Offset(), Name());
+    const auto nameIn = [](std::string_view tag) {
+        const auto* const end =
+            std::find_if(tag.begin(), tag.end(), [](char c) { return c == '>' || Is(c, kTextBlank); });
+        return tag.substr(0, static_cast<std::size_t>(end - tag.begin()));
+    };
+    if (!m_input.Has(nameIn(Element()).size() + 2)) return;  // the document ends in the tag
+    m_input.Has(nameIn(Element()).size() + 2 + kMostNameShown);
+    const std::string_view name = nameIn(Element());
+    const std::string_view found = nameIn(m_input.Rest().substr(1, name.size() + 1 + kMostNameShown));
+    if (found != name) NoteWrongEnd(found, name, m_input.Offset(), Name());
 }
 
 void XmlScanner::MakeList(std::int64_t claimed) {

@@ -65,9 +65,14 @@ class XmlScanner {
     /// Returns the name of the root, or of the first child of it with this name; empty if there is none. Only elements
     /// with children are known, and of these the first few.
     std::string_view Root() const { return m_outline.front(); }
-    bool HasSection(std::string_view name) const {
-        return std::find(m_outline.begin() + 1, m_outline.end(), name) != m_outline.end();
-    }
+    bool HasSection(std::string_view name) const { return SectionAt(name) != m_outline.end(); }
+
+    /// Returns whether the root has a child with the name `first`, and it begins before any with the name `second`.
+    bool IsAhead(std::string_view first, std::string_view second) const { return SectionAt(first) < SectionAt(second); }
+
+    /// Moves past blanks, comments and instructions. Returns false if something else follows. Requires: the root was
+    /// closed.
+    bool SkipEpilog();
 
     /// Returns the first bytes of the document, as `SkipProlog` found them.
     std::string_view Beginning() const { return m_beginning; }
@@ -75,7 +80,7 @@ class XmlScanner {
     /// Makes the current element, if it has children, a list that claims to have so many. At its end its children are
     /// counted, and paths have their numbers. A list that claims `kAnyNumber` isn't checked.
     void MakeList(std::int64_t claimed);
-    static constexpr std::int64_t kAnyNumber = -1;
+    static constexpr std::int64_t kAnyNumber = INT64_MIN;
 
     /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.
     XmlError LastError() const { return m_lastError; }
@@ -109,6 +114,9 @@ class XmlScanner {
     std::uint64_t m_elementAt = kInMemory;
 
  private:
+    auto SectionAt(std::string_view name) const -> const std::string* {
+        return std::find(m_outline.begin() + 1, m_outline.end(), name);
+    }
     void ForgetElement();
     bool ReadEvent();
     bool FindTag();

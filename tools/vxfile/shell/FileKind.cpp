@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -47,6 +48,9 @@ EFileKind FileKindOf(const std::string& path) {
     OpenInput(file, path);
     std::vector<char> bytes(kLookAhead);
     bytes.resize(file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
+    if (bytes.size() < kLookAhead && file.Size() > static_cast<std::int64_t>(bytes.size()))
+        throw CFailure("Can't read " + path + " beyond offset " + std::to_string(bytes.size()) +
+                       ", as the system refuses it; check the disk.");
     const std::string_view text(bytes.data(), bytes.size());
     if (text.empty()) return EFileKind::Empty;
     if (text.starts_with(vxfileio::base::kRawDataMark)) return EFileKind::RawData;

@@ -12,7 +12,7 @@ template <>
 struct CXmlForm<CResponse> {
     static constexpr std::string_view kElement = "Response";
     static constexpr auto kFields = std::tuple{
-        CTextField{"Label", &CResponse::Label},
+        CKeyTextField<enResponseType, CTextField<CResponse>>{{"Label", &CResponse::Label}},
         CValueField{"Value", &CResponse::Value},
     };
 };
@@ -21,7 +21,7 @@ template <>
 struct CXmlForm<CResponseMean> {
     static constexpr std::string_view kElement = "Response";
     static constexpr auto kFields = std::tuple{
-        CValueField{"Label", &CResponseMean::Label},
+        CKeyTextField<enResponseType, CValueField<CResponseMean, std::string>>{{"Label", &CResponseMean::Label}},
         CValueField{"normMean", &CResponseMean::normMean},
         CValueField{"normStdDev", &CResponseMean::normStdDev},
         CValueField{"Samples", &CResponseMean::Samples},
@@ -168,7 +168,7 @@ template <>
 struct CXmlForm<CResultsTask> {
     static constexpr std::string_view kElement = "Task";
     static constexpr auto kFields = std::tuple{
-        CValueField{"TaskName", &CResultsTask::TaskName},
+        CKeyTextField<enTask, CValueField<CResultsTask, std::string>>{{"TaskName", &CResultsTask::TaskName}},
         CObjectsField{"Recordings", &CResultsTask::Recordings},
     };
 };

@@ -115,7 +115,7 @@ struct CXmlForm<QualityCheckRecord> {
     using Record = QualityCheckRecord;
     static constexpr std::string_view kElement = "QC";
     static constexpr auto kFields = std::tuple{
-        CTextField{"TaskName", &Record::TaskName},
+        CKeyTextField<enTask, CTextField<Record>>{{"TaskName", &Record::TaskName}},
         CValueField{"EnableQC", &Record::EnableQC},
         CValuesField{"QCPerformed", "CompoundID", &Record::QCPerformed},
         CTextField{"CompoundName", &Record::CompoundName},

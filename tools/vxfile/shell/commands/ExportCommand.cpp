@@ -24,6 +24,7 @@
 #include "vxfileio/export/ResultsExport.h"
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/DocumentKinds.h"
 
 using vxfileio::base::CExcConversion;
 using vxfileio::helpers::CReplacingFile;
@@ -53,10 +54,10 @@ constexpr CCommandText kText = {
 /// Workbooks have one format; a name that promises another one would mislead the programs that open it.
 void RefuseOtherFormats(const fs::path& target) {
     constexpr std::array<std::string_view, 6> kOthers = {".xlsx", ".xlsm", ".xlsb", ".ods", ".csv", ".tsv"};
-    const std::string extension = target.extension().string();
-    if (std::ranges::find(kOthers, Lowered(extension)) != kOthers.end())
-        throw CFailure(target.string() + " would be a workbook in the format of .xls; name it " +
-                       fs::path(target).replace_extension(".xls").string() + '.');
+    if (std::ranges::find(kOthers, Lowered(target.extension().string())) == kOthers.end()) return;
+    fs::path advised = fs::path(target).replace_extension();
+    if (Lowered(advised.extension().string()) != ".xls") advised += ".xls";
+    throw CFailure(target.string() + " would be a workbook in the format of .xls; name it " + advised.string() + '.');
 }
 
 /// A file and what is in it.
@@ -66,7 +67,12 @@ struct CInput {
     CReader reader = {};
     std::string damage = {};  ///< What was wrong with the file.
 
-    void Read() { damage = ReadDocument(reader, path); }
+    /// Throws `CFailure` if the system refuses to read the file to its end: what is missing isn't known then.
+    void Read() {
+        damage = ReadDocument(reader, path);
+        if (damage.starts_with(vxfileio::xmlarchive::kReadRefused))
+            throw CFailure("Can't export " + path + ". " + damage + " Check the disk.");
+    }
 };
 
 /// Returns whether a dose has a text with its unit.
@@ -195,8 +201,8 @@ class CExportCommand : public CCommand {
         const std::string missing = LabelsWithout(made);
         if (!missing.empty())
             doubts.push_back(
-                "There is no workbook for each well with these labels, as they are no names of files or not "
-                "the only ones: " +
+                "The wells with these labels have no workbook of their own, since the label can't be part of a file "
+                "name or another well has it, too: " +
                 missing + '.');
         return doubts;
     }
