@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -7,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/support/TempFolder.h"
@@ -54,6 +56,13 @@ void FlipInPlace(const std::string& path, std::size_t at) {
     const char byte =
         Flipped(std::string(1, static_cast<char>(file.seekg(place).get())), 0, static_cast<int>(at % 8))[0];
     file.seekp(place).put(byte);
+}
+
+/// Returns the lines of a seal with the `check` that belongs to them.
+std::string WithCheck(const std::string& lines) {
+    CXxh3 sum;
+    sum.Add(std::as_bytes(std::span(lines)));
+    return lines + "\"check\": \"" + HexOf(sum.Take()) + "\"\n}\n";
 }
 
 class Seals : public testing::Test {
@@ -250,10 +259,96 @@ TEST_F(Seals, WithWholeChecksumsAreReadOnlyIfTheyMakeSense) {
         CSealWriter writer([&](std::string_view text) { seal += text; }, "run.vxd", "raw", 10);
         for (const auto& part : parts)
             writer.Add(part);
-        writer.Finish("0");
+        writer.Finish(std::string(64, '0'));
         EXPECT_TRUE(json::accept(seal));
         WriteAll(m_seal, seal);
         EXPECT_EQ(Check("0123456789"), state) << seal;
+    }
+}
+
+TEST_F(Seals, WithWholeChecksumsAreReadOnlyInTheirOneLayout) {
+    SealFile(kTwo);
+    const std::string seal = ReadAll(m_seal);
+    const std::string lines = seal.substr(0, seal.find("\"check\""));
+    std::string many;
+    for (int i = 0; i < 40'000; ++i)
+        many += "\"extra" + std::to_string(i) + "\": 1,\n";
+    ASSERT_EQ(WithCheck(lines), seal);
+    for (const auto& [old, other] : std::vector<std::pair<std::string, std::string>>{
+             {"\"size\": 7024", "\"size\": -5"},
+             {"\"size\": 7024", "\"size\": 18446744073709551615"},
+             {"\"size\": 7024", "\"size\": 07024"},
+             {"\"size\": 7024,\n", "\"size\": 7024,\n\"size\": 7024,\n"},
+             {"\"size\": 7024,\n", "\"size\": 1,\n\"size\": 7024,\n"},
+             {"\"file\": \"run.vxd\",\n", ""},
+             {"\"file\": \"run.vxd\",\n", "\"file\": \"run.vxd\", "},
+             {"\"run.vxd\"", std::string(30'000, '[') + std::string(30'000, ']')},
+             {"\"run.vxd\"", "\"run\\u002evxd\""},
+             {"\"run.vxd\"", '"' + std::string(5'000, 'x') + '"'},
+             {"\"kind\": \"raw\"", "\"kind\": 7"},
+             {"\"parts\": [\n", many + "\"parts\": [\n"},
+             {"\"parts\": [\n", "\n\"parts\": [\n"},
+             {"\"parts\": [\n", "\"parts\": [\n],\n\"parts\": [\n"},
+             {"\"offset\":0", "\"offset\": 0"},
+             {"\"offset\":0", "\"offset\":-0"},
+             {"\"},\n", "\"}\n"},
+             {"\"}\n]", "\"},\n]"},
+             {"\"samplesXxh3\":\"505febe", "\"samplesXxh3\":\"505FEBE"},
+             {"],\n", "],\n\"extra\": 1,\n"},
+             {"{\n\"seal\"", "{\n" + std::string(1'000'000, '\n') + "\"seal\""},
+             {"\"seal\": 1", "\"seal\": 0"}}) {
+        std::string changed = lines;
+        ASSERT_NE(changed.find(old), std::string::npos) << old;
+        WriteAll(m_seal, WithCheck(changed.replace(changed.find(old), old.size(), other)));
+        EXPECT_EQ(Check(), EState::Unusable) << other.substr(0, 80);
+    }
+    WriteAll(m_seal, seal + '\n');
+    EXPECT_EQ(Check(), EState::Unusable);
+    WriteAll(m_seal, seal);
+    EXPECT_EQ(Check(), EState::Intact);
+}
+
+TEST_F(Seals, ThatAreLinksToNothingCantBeUsed) {
+    WriteAll(m_path, kTwo);
+    std::filesystem::create_symlink("gone.seal", m_seal);
+    const CToolRun run = RunTool({"verify", m_path});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.out.find("its seal can't be used"), std::string::npos) << run.out;
+    EXPECT_TRUE(RecoverJson()["seal"].contains("error"));
+}
+
+TEST_F(Seals, ArentWrittenOfAFileThatIsRewrittenMeanwhile) {
+    WriteAll(m_path, kTwo);
+    std::filesystem::resize_file(m_path, std::size_t{128} << 20);
+    std::atomic<bool> isSealed = false;
+    std::thread writer([&] {
+        std::fstream file(m_path, std::ios::in | std::ios::out | std::ios::binary);
+        while (!isSealed)
+            file.seekp(7024).put('x').flush();
+    });
+    m_run = RunTool({"seal", m_path});
+    isSealed = true;
+    writer.join();
+    EXPECT_EQ(m_run.status, 2);
+    EXPECT_NE(m_run.err.find("is being written"), std::string::npos) << m_run.err;
+    EXPECT_FALSE(std::filesystem::exists(m_seal));
+}
+
+TEST_F(Seals, OfFilesWithTooLongNamesSayWhatToDo) {
+    m_path = m_folder.Path(std::string(247, 'x') + ".vxd");
+    SealFile(kTwo);
+    EXPECT_EQ(m_run.status, 2);
+    EXPECT_NE(m_run.err.find("give the file a shorter name"), std::string::npos) << m_run.err;
+}
+
+TEST_F(Seals, OfNamesInLatin1HaveReadablePaths) {
+    m_path = m_folder.Path("M\xFCller.vxd");
+    WriteAll(m_path, kTwo);
+    for (const char* command : {"seal", "verify", "info"}) {
+        const json file = json::parse(RunTool({command, "--json", m_path}).out)["files"][0];
+        EXPECT_EQ(file["path"], m_folder.Path("Müller.vxd")) << command;
+        if (command != std::string("verify")) continue;
+        EXPECT_EQ(file["seal"]["path"], m_folder.Path("Müller.vxd.seal"));
     }
 }
 

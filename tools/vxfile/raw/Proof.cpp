@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <compare>
-#include <filesystem>
 #include <span>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "tools/vxfile/raw/RawScan.h"
@@ -179,7 +177,7 @@ void CProof::Print(std::ostream& out) const {
 }
 
 void CProof::AddTo(CJson& json) const {
-    CJson& object = json["seal"] = {{"path", Readable(seal)}};
+    CJson& object = json["seal"] = {{"path", Utf8(seal)}};
     if (!failure.empty()) {
         object["error"] = Readable(failure);
         return;
@@ -205,10 +203,9 @@ void CProof::AddTo(CJson& json) const {
 }
 
 std::optional<CProof> ProveSegments(const std::string& source, const std::string& recovered) {
-    std::error_code none;
+    if (!HasSeal(source)) return std::nullopt;
     CProof proof;
     proof.seal = SealOf(source);
-    if (!std::filesystem::exists(proof.seal, none)) return std::nullopt;
     try {
         CProver prover(source, proof);
         prover.Compare(CRawScan(recovered));

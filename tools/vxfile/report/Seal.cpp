@@ -4,10 +4,12 @@
 #include <array>
 #include <charconv>
 #include <concepts>
+#include <filesystem>
 #include <span>
 #include <system_error>
 #include <utility>
 
+#include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Hex.h"
 #include "tools/vxfile/system/OpenInput.h"
@@ -23,10 +25,9 @@ constexpr std::array<std::string_view, 5> kKinds = {"fileHeader", "recordingHead
 
 constexpr std::string_view kPartsLine = R"("parts": [)";
 constexpr std::string_view kPartsEnd = "],";
-constexpr std::string_view kCheckKey = R"("check": ")";
 
-/// No line of a seal is longer, so that damage can't fill the memory.
-constexpr std::size_t kLongestLine = std::size_t{64} << 10;
+/// Names are so short that no line of a seal is longer. Damage can't fill the memory.
+constexpr std::size_t kLongestLine = std::size_t{4} << 10;
 
 constexpr std::size_t kBlockSize = std::size_t{256} << 10;
 
@@ -63,57 +64,59 @@ std::string LineOf(const CSealedPart& part) {
     return line + '}';
 }
 
-/// Reads the line of a part from front to back. The first mismatch makes everything after it fail.
-class CPartLine {
+/// Reads a line from front to back. The first mismatch makes everything after it fail.
+class CLine {
  public:
-    explicit CPartLine(std::string_view line) : m_rest(line) {}
+    explicit CLine(std::string_view line) : m_rest(line) {}
 
-    /// Returns false if the line isn't one that `LineOf` returns.
-    bool Read(CSealedPart& part) {
+    bool IsWhole() const { return m_isWhole; }
+
+    void ReadPart(CSealedPart& part) {
         part = {};
-        for (std::size_t i = 0; i < kKinds.size(); ++i) {
-            const std::string start = R"({"kind":")" + std::string(kKinds[i]) + '"';
-            if (!m_rest.starts_with(start)) continue;
-            part.kind = static_cast<EKind>(i);
-            Expect(start);
-            VisitMembers(part, [&](const char* key, auto& value) {
-                Expect(",\"");
-                Expect(key);
-                Expect("\":");
-                ReadValue(value);
-            });
-            Expect("}");
-            return m_isWhole && m_rest.empty();
-        }
-        return false;
+        std::string kind;
+        Expect(R"({"kind":)");
+        Read(kind);
+        const auto* const found = std::ranges::find(kKinds, kind);
+        m_isWhole = m_isWhole && found != kKinds.end();
+        if (!m_isWhole) return;
+        part.kind = static_cast<EKind>(found - kKinds.begin());
+        VisitMembers(part, [&](const char* key, auto& value) {
+            Expect(",\"");
+            Expect(key);
+            Expect("\":");
+            Read(value);
+        });
     }
 
- private:
     void Expect(std::string_view text) {
         m_isWhole = m_isWhole && m_rest.starts_with(text);
         if (m_isWhole) m_rest.remove_prefix(text.size());
     }
 
-    void ReadValue(std::integral auto& number) { Number(m_rest.size(), 10, number); }
+    void Read(std::integral auto& number) { Number(m_rest.size(), 10, number); }
 
-    void ReadValue(CXxh3Sum& sum) {
+    template <std::size_t kSize>
+    void Read(std::array<unsigned char, kSize>& sum) {
         Expect("\"");
         for (unsigned char& byte : sum)
             Number(2, 16, byte);
         Expect("\"");
     }
 
-    void ReadValue(std::string& text) {
+    void Read(std::string& text) {
         std::size_t end = 1;
         while (end < m_rest.size() && m_rest[end] != '"')
             end += m_rest[end] == '\\' ? 2 : 1;
+        m_isWhole = m_isWhole && m_rest.starts_with('"') && end < m_rest.size();
+        if (!m_isWhole) return;
         const CJson value = CJson::parse(m_rest.substr(0, end + 1), nullptr, false);
-        m_isWhole = m_isWhole && value.is_string();
+        m_isWhole = value.is_string();
         if (!m_isWhole) return;
         text = value;
         m_rest.remove_prefix(end + 1);
     }
 
+ private:
     void Number(std::size_t most, int base, auto& number) {
         const char* const begin = m_rest.data();
         const auto [end, error] = std::from_chars(begin, begin + std::min(most, m_rest.size()), number, base);
@@ -124,17 +127,6 @@ class CPartLine {
     std::string_view m_rest;
     bool m_isWhole = true;
 };
-
-/// Returns a line without the comma at its end.
-std::string_view WithoutComma(std::string_view line) {
-    if (line.ends_with(',')) line.remove_suffix(1);
-    return line;
-}
-
-/// Returns the object with the one member of a line; a discarded value if there is none.
-CJson MemberOf(std::string_view line) {
-    return CJson::parse('{' + std::string(WithoutComma(line)) + '}', nullptr, false);
-}
 
 }  // namespace
 
@@ -166,12 +158,17 @@ void CSealWriter::Add(const CSealedPart& part) {
 
 void CSealWriter::Finish(const std::string& sha256) {
     Write('\n' + std::string(kPartsEnd) + "\n\"sha256\": \"" + sha256 + "\",\n");
-    m_sink(std::string(kCheckKey) + HexOf(m_sum.Take()) + "\"\n}\n");
+    m_sink("\"check\": \"" + HexOf(m_sum.Take()) + "\"\n}\n");
 }
 
 void CSealWriter::Write(std::string_view text) {
     m_sum.Add(std::as_bytes(std::span(text)));
     m_sink(text);
+}
+
+bool HasSeal(const std::string& path) {
+    std::error_code none;
+    return std::filesystem::exists(std::filesystem::symlink_status(SealOf(path), none));
 }
 
 CSealReader::CSealReader(const std::string& path) : m_path(path) {
@@ -180,16 +177,40 @@ CSealReader::CSealReader(const std::string& path) : m_path(path) {
     } catch (const CFailure& failure) {
         throw CSealFailure(failure.what());
     }
-    const CJson members = ReadMembers();
-    const auto size = members.find("size");
-    const auto sha256 = members.find("sha256");
-    if (size == members.end() || !size->is_number_integer() || sha256 == members.end() || !sha256->is_string())
-        RefuseDamage();
-    m_size = *size;
-    m_sha256 = *sha256;
+    CompareWithRewritten();
+}
+
+/// Writes the seal again from what is read of it, which must give the same bytes. Goes to the first part.
+void CSealReader::CompareWithRewritten() {
+    std::int64_t compared = 0;
+    std::string there;
+    const auto compare = [&](std::string_view text) {
+        there.resize(text.size());
+        const bool isRead = m_file.ReadExactly(compared, std::as_writable_bytes(std::span(there)));
+        if (!isRead || there != text) RefuseDamage();
+        compared += static_cast<std::int64_t>(text.size());
+    };
+    std::string name;
+    std::string kind;
+    std::array<unsigned char, 32> sha256{};
+    ReadVersion();
+    ReadMember("file", name);
+    ReadMember("kind", kind);
+    ReadMember("size", m_size);
+    std::string line;
+    if (!ReadLine(line)) RefuseDamage();
+    const std::int64_t parts = m_blockEnd - static_cast<std::int64_t>(m_block.size() - m_passed);
+    CSealWriter again(compare, name, kind, m_size);
+    for (CSealedPart part; Next(part);)
+        again.Add(part);
+    ReadMember("sha256", sha256);
+    m_sha256 = HexOf(sha256);
+    again.Finish(m_sha256);
+    if (compared != m_file.Size()) RefuseDamage();
     m_block.clear();
     m_passed = 0;
-    m_blockEnd = m_parts;
+    m_reached = 0;
+    m_blockEnd = parts;
 }
 
 void CSealReader::RefuseDamage() const {
@@ -210,61 +231,43 @@ bool CSealReader::ReadLine(std::string& line) {
         m_block.resize(kept + m_file.ReadUpTo(m_blockEnd, room));
         m_blockEnd += static_cast<std::int64_t>(m_block.size() - kept);
         end = m_block.find('\n', kept);
-        if (end == std::string::npos) return false;
     }
+    if (end == std::string::npos || end - m_passed > kLongestLine) return false;
     line.assign(m_block, m_passed, end - m_passed);
     m_passed = end + 1;
     return true;
 }
 
-/// Compares the seal with its own checksum, and returns its members but for the parts.
-CJson CSealReader::ReadMembers() {
-    CXxh3 sum;
-    CJson members = CJson::object();
-    std::string line;
-    bool isInParts = false;
-    for (std::int64_t number = 0; ReadLine(line); ++number) {
-        if (number == 0 && line != "{") RefuseDamage();
-        if (number == 1) ReadVersion(line);
-        if (!isInParts && line.starts_with(kCheckKey)) {
-            const bool isWhole = line == std::string(kCheckKey) + HexOf(sum.Take()) + '"' && ReadLine(line) &&
-                                 line == "}" && m_passed == m_block.size() && m_blockEnd == m_file.Size();
-            if (!isWhole) RefuseDamage();
-            return members;
-        }
-        if (line == kPartsLine) m_parts = m_blockEnd - static_cast<std::int64_t>(m_block.size() - m_passed);
-        if (!isInParts && number > 1 && line != kPartsLine) {
-            const CJson member = MemberOf(line);
-            if (!member.is_object()) RefuseDamage();
-            members.update(member);
-        }
-        isInParts = line == kPartsLine || (isInParts && line != kPartsEnd);
-        line += '\n';
-        sum.Add(std::as_bytes(std::span(line)));
-    }
-    RefuseDamage();
+/// Reads the next line, which has a member of this key.
+void CSealReader::ReadMember(std::string_view key, auto& value) {
+    std::string text;
+    if (!ReadLine(text)) RefuseDamage();
+    CLine line(text);
+    line.Expect('"' + std::string(key) + "\": ");
+    line.Read(value);
+    if (!line.IsWhole()) RefuseDamage();
 }
 
-void CSealReader::ReadVersion(std::string_view line) const {
-    const CJson member = MemberOf(line);
-    if (!member.is_object() || !member.contains("seal") || !member["seal"].is_number_unsigned()) RefuseDamage();
-    const auto version = member["seal"].get<std::uint64_t>();
-    if (version == 0) RefuseDamage();
+void CSealReader::ReadVersion() {
+    std::string line;
+    std::uint64_t version = 0;
+    if (!ReadLine(line) || line != "{") RefuseDamage();
+    ReadMember("seal", version);
     if (version > kSealVersion)
         throw CSealFailure("The seal " + m_path + " is of version " + std::to_string(version) +
                            ", which is newer than " + std::to_string(kSealVersion) + "; use a newer vxfile.");
 }
 
 bool CSealReader::Next(CSealedPart& part) {
-    std::string line;
-    if (!ReadLine(line)) RefuseDamage();
-    if (line == kPartsEnd) {
+    std::string text;
+    if (!ReadLine(text)) RefuseDamage();
+    if (text == kPartsEnd) {
         if (m_reached != m_size) RefuseDamage();
         return false;
     }
-    const bool isWhole =
-        CPartLine(WithoutComma(line)).Read(part) && part.headerLength >= 0 && part.headerLength <= part.length;
-    if (!isWhole) RefuseDamage();
+    CLine line(text);
+    line.ReadPart(part);
+    if (!line.IsWhole() || part.headerLength < 0 || part.headerLength > part.length) RefuseDamage();
     if (part.offset != m_reached || part.length < 1 || part.length > m_size - part.offset) RefuseDamage();
     m_reached = part.End();
     return true;

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Xxh3.h"
 #include "vxfileio/helpers/File.h"
@@ -25,6 +24,9 @@ inline constexpr std::uint64_t kSealVersion = 1;
 
 /// Returns the path of a file's seal.
 inline std::string SealOf(const std::string& path) { return path + std::string(kSealExtension); }
+
+/// Returns whether a file has a seal, if only a link to one that is gone.
+bool HasSeal(const std::string& path);
 
 /// A part of a sealed file and its checksums. The parts of a file follow one another without a gap.
 struct CSealedPart {
@@ -88,7 +90,8 @@ class CSealFailure : public CFailure {
 /// Reads a seal. Memory doesn't depend on the number of parts.
 class CSealReader {
  public:
-    /// Throws `CSealFailure` if the seal can't be read, has a changed byte, or is of a newer version.
+    /// Throws `CSealFailure` if the seal can't be read, has a byte that its writer wouldn't have written, or is of a
+    /// newer version.
     explicit CSealReader(const std::string& path);
 
     /// Returns the size of the sealed file.
@@ -96,21 +99,21 @@ class CSealReader {
     /// Returns its SHA-256 as hexadecimal digits.
     const std::string& Sha256() const { return m_sha256; }
 
-    /// Goes to the next part. Returns false after the last one. Throws `CSealFailure` if there is a gap between parts.
+    /// Goes to the next part. Returns false after the last one.
     [[nodiscard]] bool Next(CSealedPart& part);
 
  private:
     [[noreturn]] void RefuseDamage() const;
+    void CompareWithRewritten();
     bool ReadLine(std::string& line);
-    CJson ReadMembers();
-    void ReadVersion(std::string_view line) const;
+    void ReadMember(std::string_view key, auto& value);
+    void ReadVersion();
 
     std::string m_path;
     vxfileio::helpers::CFile m_file;
     std::string m_block;
     std::size_t m_passed = 0;     ///< The number of bytes of the block that were passed.
     std::int64_t m_blockEnd = 0;  ///< Offset of the byte after the block.
-    std::int64_t m_parts = 0;     ///< Offset of the first part.
     std::int64_t m_size = 0;
     std::int64_t m_reached = 0;  ///< Where the last part ends in the sealed file.
     std::string m_sha256;

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "tools/vxfile/report/Progress.h"
@@ -123,15 +121,14 @@ std::string CSealVerdict::Words() const {
 
 CJson CSealVerdict::Json() const {
     constexpr std::array<std::string_view, 4> kWords = {"intact", "grown", "changed", "unusable"};
-    return {{"path", seal},
+    return {{"path", Utf8(seal)},
             {"state", kWords[static_cast<std::size_t>(state)]},
             {"sealedSize", state == EState::Unusable ? CJson() : CJson(sealedSize)}};
 }
 
 std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findings) {
-    std::error_code none;
+    if (!HasSeal(path)) return std::nullopt;
     CSealVerdict verdict{.seal = SealOf(path)};
-    if (!std::filesystem::exists(verdict.seal, none)) return std::nullopt;
     try {
         CSealCheck check(path, findings);
         verdict.state = check.Run();

@@ -53,6 +53,12 @@ std::optional<int> OpenNumberOf(const std::string& path) {
     throw CFailure(path + " is there already; choose another name, or replace it with --force.");
 }
 
+[[noreturn]] void RefuseCreating(const std::string& path, const std::error_code& error) {
+    const bool isTooLong = error == std::errc::filename_too_long;
+    throw CFailure("Can't create " + path + ": " + error.message() +
+                   (isTooLong ? "; give the file a shorter name." : "; choose another folder."));
+}
+
 /// `error` is the system's number, or 0 if it is unknown. An interruption isn't a refusal.
 [[noreturn]] void RefuseWrite(const std::string& target, int error) {
     CheckInterrupt();
@@ -82,8 +88,7 @@ void RefusePlace(const std::string& path, bool replace) {
 void CreateWhole(CReplacingFile& file, const std::string& path, bool replace) {
     RefusePlace(path, replace);
     using enum CReplacingFile::ERule;
-    if (!file.Create(path, replace ? Replace : New))
-        throw CFailure("Can't create " + path + ": " + file.Failure().error.message() + "; choose another folder.");
+    if (!file.Create(path, replace ? Replace : New)) RefuseCreating(path, file.Failure().error);
 }
 
 void RefuseWrite(const std::string& target, const vxfileio::helpers::CFileFailure& failure) {
@@ -116,7 +121,7 @@ void COutput::Open(const std::string& path, bool replace) {
     if (m_descriptor.Open(path)) return;
     const int error = errno;
     CheckInterrupt();  // while waiting for a reader of the pipe
-    throw CFailure("Can't create " + path + ": " + std::strerror(error) + "; choose another folder.");
+    RefuseCreating(path, {error, std::generic_category()});
 }
 
 /// What went into a pipe stays there, so the rest may as well follow.

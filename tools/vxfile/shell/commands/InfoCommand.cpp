@@ -55,7 +55,7 @@ class CInfoCommand : public CCommand {
         CJson files = CJson::array();
         int status = kSound;
         for (const auto& path : m_paths) {
-            CJson json = {{"path", path}};
+            CJson json = {{"path", Utf8(path)}};
             const std::string failure = FailureOf([&] { Tell(path, json); });
             if (!failure.empty()) Refuse(failure, json);
             status = std::max(status, StatusOf(json));

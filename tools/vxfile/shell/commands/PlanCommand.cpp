@@ -187,7 +187,7 @@ class CPlanCommand : public CCommand {
         const CRecordingFit fit = CheckRecordingFit(Header());
         const auto advice = AdviceFor(fit, m_units);
         if (m_json) {
-            CJson json = {{"path", m_settings.empty() ? CJson() : CJson(m_settings)}};
+            CJson json = {{"path", m_settings.empty() ? CJson() : CJson(Utf8(m_settings))}};
             json.update(ToJson(fit, advice));
             PrintJson(kText.name, CJson::array({std::move(json)}));
         } else {

@@ -28,8 +28,8 @@ constexpr CCommandText kText = {
     .purpose = "Save what is whole in an unfinished, cut or damaged raw data file into a new one",
     .details =
         "Takes a raw data file whose writer was killed, that was cut, or that has damaged bytes, and writes a new "
-        "file with everything in it that is whole: recordings that were never finished, chains behind a broken "
-        "position, headers as far as they can be read. It tells per recording and well what was kept, what was "
+        "file with everything in it that is whole: recordings that were never finished, segments after a broken "
+        "position, headers as far as they can be read. For each recording and well it says what was kept, what was "
         "lost and why. The file itself is only read.",
     .example = "vxfile recover run.vxd -o saved.vxd --cut",
     .statuses =
@@ -50,7 +50,7 @@ class CRecoverCommand : public CCommand {
              .target = &m_keepCut,
              .text = "Keep a last segment that was cut, up to its last whole sample"},
             {.names = "--force", .target = &m_force, .text = "Replace the new file if it is there already"},
-            {.names = "--json", .target = &m_json, .text = "Tell what was done as JSON"},
+            {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
         };
     }
 

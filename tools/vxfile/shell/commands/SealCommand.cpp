@@ -25,6 +25,8 @@ namespace vxfile {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 using vxfileio::helpers::CFile;
 
 constexpr CCommandText kText = {
@@ -38,12 +40,34 @@ constexpr CCommandText kText = {
     .example = "vxfile seal run.vxd",
     .statuses =
         "  0  all files are sealed\n"
-        "  1  all are sealed, but some are unfinished or damaged\n"
+        "  1  all are sealed, but some are unfinished (seal them again with --force once the recording is closed) or\n"
+        "     damaged (see 'vxfile verify')\n"
         "  2  some aren't sealed",
 };
 
 /// The size of a block of a file that isn't a raw data file.
 constexpr std::int64_t kSealedBlock = std::int64_t{64} << 10;
+
+/// What changes when a file is written to or replaced.
+struct CFileState {
+    std::uintmax_t size = 0;
+    fs::file_time_type written;
+
+    bool operator==(const CFileState&) const = default;
+};
+
+CFileState StateOf(const std::string& path) {
+    std::error_code none;
+    return {fs::file_size(path, none), fs::last_write_time(path, none)};
+}
+
+/// A file that is sealed.
+struct CSource {
+    const std::string& path;
+    const CFile& file;
+    std::int64_t size;
+    CFileState before;  ///< Before it was read.
+};
 
 /// What a seal was made of.
 struct CSealed {
@@ -75,7 +99,7 @@ class CSealCommand : public CCommand {
             CSealed sealed;
             const std::string failure = FailureOf([&] { sealed = Seal(path); });
             if (!m_json) Print(path, sealed, failure);
-            files.push_back(failure.empty() ? ToJson(path, sealed) : CJson{{"path", path}, {"error", failure}});
+            files.push_back(failure.empty() ? ToJson(path, sealed) : CJson{{"path", Utf8(path)}, {"error", failure}});
             status = std::max(status, !failure.empty() ? kTrouble : sealed.doubts.empty() ? kSound : kFindings);
         }
         if (m_json) PrintJson(kText.name, std::move(files));
@@ -89,24 +113,24 @@ class CSealCommand : public CCommand {
         if (!IsOurs(sealed.kind))
             throw CFailure(path + " is " + ArticleAndNameOf(sealed.kind) + "; only files of this system are sealed.");
         RefuseSealThatExists(path);
+        const CFileState before = StateOf(path);
         if (sealed.kind != EFileKind::RawData) {
             CFile file;
             OpenInput(file, path);
             const std::int64_t size = file.Size();
-            Write(path, file, sealed, size, [&](const auto& take) { ForEachBlock(size, take); });
+            Write({path, file, size, before}, sealed, [&](const auto& take) { ForEachBlock(size, take); });
             return sealed;
         }
         const CRawScan scan(path);
         const CRawParts parts(scan);
         sealed.segments = parts.Segments();
         sealed.doubts = parts.Doubts();
-        Write(path, scan.File(), sealed, scan.Size(), [&](const auto& take) { parts.ForEach(take); });
+        Write({path, scan.File(), scan.Size(), before}, sealed, [&](const auto& take) { parts.ForEach(take); });
         return sealed;
     }
 
     void RefuseSealThatExists(const std::string& path) const {
-        std::error_code none;
-        if (!m_force && std::filesystem::exists(SealOf(path), none))
+        if (!m_force && HasSeal(path))
             throw CFailure(SealOf(path) +
                            " exists, and a new seal would hide what changed since; run 'vxfile verify', "
                            "then replace it with --force.");
@@ -122,12 +146,12 @@ class CSealCommand : public CCommand {
     }
 
     /// Writes the seal of a file whose parts `forEach` passes on.
-    void Write(const std::string& path, const CFile& file, CSealed& sealed, std::int64_t size,
-               const auto& forEach) const {
+    void Write(const CSource& source, CSealed& sealed, const auto& forEach) const {
+        const auto& [path, file, size, before] = source;
         sealed.size = size;
         COutput output({.path = SealOf(path), .source = path, .replace = m_force});
         CSealWriter seal([&](std::string_view text) { output.Write(text); },
-                         Readable(std::filesystem::path(path).filename().string()), WordOf(sealed.kind), size);
+                         Readable(fs::path(path).filename().string()), WordOf(sealed.kind), size);
         CFileDigest digest(file, path, size);
         CProgress progress("Sealing " + path, size);
         forEach([&](CSealedPart& part) {
@@ -139,7 +163,7 @@ class CSealCommand : public CCommand {
         });
         sealed.sha256 = digest.Sha256();
         seal.Finish(sealed.sha256);
-        if (file.Size() != size) throw CFailure(path + " is being written; seal it when its writer has closed it.");
+        if (StateOf(path) != before) throw CFailure(path + " is being written; seal it when its writer has closed it.");
         output.Finish();
         COutput* const outputs[] = {&output};
         COutput::Commit(outputs);
@@ -156,7 +180,7 @@ class CSealCommand : public CCommand {
     }
 
     static CJson ToJson(const std::string& path, const CSealed& sealed) {
-        CJson json = {{"path", path},        {"kind", WordOf(sealed.kind)}, {"seal", SealOf(path)},
+        CJson json = {{"path", Utf8(path)},  {"kind", WordOf(sealed.kind)}, {"seal", Utf8(SealOf(path))},
                       {"size", sealed.size}, {"sha256", sealed.sha256},     {"doubts", sealed.doubts}};
         if (sealed.kind == EFileKind::RawData) json["segments"] = sealed.segments;
         return json;

@@ -119,7 +119,7 @@ CJson ToJson(const CVerdict& verdict) {
                             {"expected", finding.expected},
                             {"meaning", finding.meaning},
                             {"rule", finding.rule.empty() ? CJson() : CJson(finding.rule)}});
-    return {{"path", verdict.path},
+    return {{"path", Utf8(verdict.path)},
             {"kind", WordOf(verdict.kind)},
             {"status", StatusWord(verdict.findings.Status())},
             {"seal", verdict.seal ? verdict.seal->Json() : CJson()},
@@ -170,7 +170,7 @@ class CVerifyCommand : public CCommand {
     CJson Refuse(const std::string& path, const std::string& sentence) {
         ++m_counts[kTrouble];
         if (!m_json && !m_quiet) Complain(sentence);
-        return {{"path", path}, {"error", sentence}};
+        return {{"path", Utf8(path)}, {"error", sentence}};
     }
 
     std::vector<CFolderEntry> Entries() {
