@@ -111,7 +111,7 @@ class CResultsWalk {
         kMeans.Get(m_archive, recording);
         if (!m_visitor.mean || IsDamaged()) return;
         for (const auto& [key, mean] : recording.NormalizedResponses)
-            Pass([this, mean](const CRecordingPlace& place) { m_visitor.mean(place, mean); });
+            Pass([this, mean = mean](const CRecordingPlace& place) { m_visitor.mean(place, mean); });
     }
 
     void VisitWells() {
