@@ -71,10 +71,10 @@ void WriteHead(CHtml& html, const CPlateValues& values) {
             html.Element("span", {{"class", "quiet"}}, where + " (" + values.layout + ")");
         });
         html.Element("dl", {{"class", "facts"}}, [&] {
-            for (const auto& [name, text] : values.facts) {
+            for (const auto& fact : values.facts) {
                 html.Element("div", {}, [&] {
-                    html.Element("dt", {}, name);
-                    html.Element("dd", {}, text);
+                    html.Element("dt", {}, fact.first);
+                    html.Element("dd", {}, fact.second);
                 });
             }
         });

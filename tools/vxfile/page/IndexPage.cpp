@@ -80,9 +80,9 @@ void WriteEntry(CHtml& html, const CIndexEntry& entry) {
 void WriteHeads(CHtml& html) {
     html.Element("tr", {}, [&] {
         html.Element("th", {{"scope", "col"}}, "Map");
-        for (const auto& [head, text] : kColumns) {
+        for (const auto& column : kColumns) {
             html.Element("th", {{"scope", "col"}, {"aria-sort", "none"}}, [&] {
-                html.Element("button", {{"type", "button"}}, head);
+                html.Element("button", {{"type", "button"}}, column.first);
             });
         }
     });
