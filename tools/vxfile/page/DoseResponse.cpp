@@ -24,6 +24,7 @@ CValueAxis AxisFor(const CMeasure& measure, const std::vector<std::size_t>& line
 
 std::vector<CRecordingLine> Chosen(const CPlateValues& values, const std::vector<std::size_t>& lines) {
     std::vector<CRecordingLine> recordings;
+    recordings.reserve(lines.size());
     for (const std::size_t line : lines)
         recordings.push_back(values.recordings[line]);
     return recordings;

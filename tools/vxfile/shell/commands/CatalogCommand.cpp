@@ -112,7 +112,7 @@ class CCatalogCommand : public CCommand {
                 (entry.failure.empty() ? m_paths : m_unreadable).push_back(entry.path);
         }
         std::ranges::sort(m_paths);
-        m_paths.erase(std::ranges::unique(m_paths).begin(), m_paths.end());
+        m_paths.erase(std::unique(m_paths.begin(), m_paths.end()), m_paths.end());
         for (const auto& folder : m_unreadable)
             Complain("Can't look into the folder " + folder + "; the catalogue lacks its files.");
         m_states[std::string(kUnreadable)] = m_unreadable.size();
