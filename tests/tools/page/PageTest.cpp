@@ -175,6 +175,7 @@ TEST(Numbers, MarksCoverTheRangeInRoundSteps) {
     EXPECT_GE(marks.back(), 1.41);
     EXPECT_EQ(MarksBetween(3.0, 3.0).size(), 1U);
     EXPECT_LE(MarksBetween(-1.7e308, 1.7e308).size(), 16U);
+    EXPECT_LE(MarksBetween(1e17, 1e17 + 64).size(), 16U);
 }
 
 TEST(Chart, PutsDosesAtTheirLogarithmAndTheControlApart) {

@@ -36,10 +36,15 @@ std::vector<double> MarksBetween(double least, double greatest) {
     for (const double factor : {2.0, 5.0}) {
         if (span / (factor * decade) >= kFewest) step = factor * decade;
     }
+    constexpr int kMost = 16;
     std::vector<double> marks;
-    for (double number = std::floor(least / step); number * step < greatest + step; number += 1.0)
-        marks.push_back(number * step);
-    return marks.size() > 16 ? std::vector<double>{least, greatest} : marks;
+    // Counted, since numbers beyond 2^53 don't change if 1 is added.
+    for (int i = 0; i <= kMost; ++i) {
+        const double mark = (std::floor(least / step) + i) * step;
+        if (mark >= greatest + step) return marks;
+        marks.push_back(mark);
+    }
+    return {least, greatest};
 }
 
 }  // namespace vxfile::page
