@@ -14,7 +14,7 @@ complain() {
 
 # Prints the names after VXFILEIO_API in the headers: of classes, and of functions.
 public_names() {
-    grep -rhoP '(class|struct) VXFILEIO_API \K\w+|^VXFILEIO_API [^(]*?\K\w+(?=\()' "$prefix/include" | sort -u
+    grep -rhoP '(class|struct) VXFILEIO_API \K\w+|^(?:\[\[nodiscard\]\] )?VXFILEIO_API [^(]*?\K\w+(?=\()' "$prefix/include" | sort -u
 }
 
 # Reads symbols and prints the class or free function that each belongs to. "typeinfo for" and the like belong to their

@@ -5,6 +5,7 @@
 #include <compare>
 #include <span>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "tools/vxfile/raw/RawScan.h"
@@ -19,14 +20,8 @@ namespace {
 
 using EKind = CProof::CRemark::EKind;
 
-/// The well and the times of a segment.
-struct CPlace {
-    std::int32_t well = 0;
-    std::int64_t from = 0;
-    std::int64_t to = 0;
-
-    auto operator<=>(const CPlace&) const = default;
-};
+/// The well of a segment, its first time and its last.
+using CPlace = std::tuple<std::int32_t, std::int64_t, std::int64_t>;
 
 struct CSealedSegment {
     CPlace place;
@@ -84,7 +79,8 @@ class CProver {
     }
 
     void Add(EKind kind, std::uint32_t recording, const CPlace& place, std::int64_t offset, std::string sealedAs = {}) {
-        m_proof.Add({kind, NameAt(recording), place.well, place.from, place.to, offset, std::move(sealedAs)});
+        const auto& [well, from, to] = place;
+        m_proof.Add({kind, NameAt(recording), well, from, to, offset, std::move(sealedAs)});
     }
 
     /// Returns whether the seal has this segment with the same samples. Each sealed segment proves one.
