@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <span>
 #include <string_view>
 #include <tuple>

@@ -158,7 +158,7 @@ void CSealWriter::Add(const CSealedPart& part) {
 
 void CSealWriter::Finish(const std::string& sha256) {
     Write('\n' + std::string(kPartsEnd) + "\n\"sha256\": \"" + sha256 + "\",\n");
-    m_sink("\"check\": \"" + HexOf(m_sum.Take()) + "\"\n}\n");
+    m_sink(R"("check": ")" + HexOf(m_sum.Take()) + "\"\n}\n");
 }
 
 void CSealWriter::Write(std::string_view text) {

@@ -34,7 +34,7 @@ std::string StateText(const CFindings& findings) {
 /// Makes one page.
 class CPlateReporter {
  public:
-    explicit CPlateReporter(const CRunPaths& paths) : m_paths(paths) {}
+    explicit CPlateReporter(CRunPaths paths) : m_paths(std::move(paths)) {}
 
     CPlateReport Make() {
         AddFile(EFileKind::Results, m_paths.results, VerifyResults);
