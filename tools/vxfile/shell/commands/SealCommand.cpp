@@ -65,7 +65,7 @@ CFileState StateOf(const std::string& path) {
 struct CSource {
     const std::string& path;
     const CFile& file;
-    std::int64_t size;
+    std::int64_t size = 0;
     CFileState before;  ///< Before it was read.
 };
 
