@@ -136,8 +136,8 @@ class CSegmentRules {
     /// Returns the first rule that a segment breaks. `layout` has the offsets of the cells.
     std::optional<CBreach> BreachOf(const CLayout& layout, const CSegmentHdr& segment) const;
 
-    /// Returns a breach if the recording lists the well with another interval.
-    std::optional<CBreach> BreachOfTick(std::int32_t well, std::int64_t tick) const;
+    /// Returns a breach if the recording lists the well of this ID with another interval.
+    std::optional<CBreach> BreachOfTick(std::int32_t id, std::int64_t tick) const;
 
     /// Notes a segment that is part of the recording: the next one of its well must begin after it.
     void Note(const CSegmentHdr& segment) noexcept;

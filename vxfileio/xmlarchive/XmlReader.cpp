@@ -189,7 +189,7 @@ void XmlReader::ReadSamples(std::vector<double>& samples) {
     const double* const end = sample + samples.size();
     while (sample != end && (TakePlainSample(text, *sample) || TakeSample(text, *sample, whole)))
         ++sample;
-    std::size_t taken = static_cast<std::size_t>(sample - samples.data());
+    auto taken = static_cast<std::size_t>(sample - samples.data());
     taken += static_cast<std::size_t>(std::ranges::count(text, ';'));
     CheckCount(Level(), taken, {});
     Level().claimed = kAnyNumber;  // its children aren't its entries
