@@ -1,7 +1,6 @@
 #include "recovery/LostPages.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace vxfileio::recovery {
 
@@ -10,7 +9,7 @@ namespace {
 using helpers::kPageSize;
 
 bool IsZero(std::string_view bytes) {
-    return bytes.empty() || (bytes.front() == '\0' && std::memcmp(bytes.data(), &bytes[1], bytes.size() - 1) == 0);
+    return bytes.empty() || (bytes.front() == '\0' && bytes.substr(1) == bytes.substr(0, bytes.size() - 1));
 }
 
 /// Returns whether a page is zeros. Reads more than its samples only if they are zeros, so that the window stays.

@@ -271,6 +271,7 @@ TEST(LostPagesTest, AreWholePagesOfZerosAfterASampleThatIsNot) {
     EXPECT_EQ(LostIn(zeros(4096, 8192), 4098, 20'000), "4096-8192 ") << "with the end of the header";
     EXPECT_EQ(LostIn(zeros(4098, 8192), 4098, 20'000), "") << "the header is there, so the page was written";
     EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 5000), "4096-5000 ") << "as is what follows the samples";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 4097), "4096-4097 ") << "a single byte";
     EXPECT_EQ(LostIn(zeros(4096, 5000), 300, 5000), "") << "something follows in this page";
     EXPECT_EQ(LostIn(zeros(16'384, 20'000), 300, 20'000), "16384-20000 ") << "the file ends in this page";
     EXPECT_EQ(LostIn(zeros(4096, 8192) + zeros(480, 4576), 300, 30'000), "4096-8192 20480-24576 ");
