@@ -161,11 +161,44 @@ TEST_F(ReadErrorTest, WhatChangesAValueSilentlyIsNamed) {
     named(ResultsWith("<Label>NotDefined<", "<Label>Na-Slop<"), "\"Na-Slop\" isn't one of the words NotDefined, Na-");
     named(ResultsWith("<TaskName>", "<TaskName>x"), "isn't one of the words Notebook, ");
     named(SettingsWith("<TaskName>", "<TaskName>x"), "isn't one of the words Notebook, ");
+    named(ResultsWith("<CompoundName>C1</CompoundName>", "<CompoundNam%/>"),
+          "Vexaprobe/Header (offset " + std::to_string(m_results.find("<CompoundName>")) +
+              "): the tag \"<CompoundNam%/>\" was read as <CompoundNam>.");
     named(SettingsWith("<ADMax>", "<ADMax unit=\"1\">"), "the value was read from an attribute, \"1\".");
     named(SettingsWith("<VoltPerADStep>", "<VoltPerADStep>1e999</VoltPerADStep><VoltPerADStep>"),
           "\"1e999\" isn't a number that a double can hold.");
     named(SettingsWith("<Series Size=\"", "<Series Size=\"-"), "its Size is -");
     named(SettingsWith("<Series Size=\"", "<Series Size=\"400000000"), "its Size is 400000000");
+}
+
+TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsNamed) {
+    const auto cut = [&](const std::string& path, const std::string& tag, const std::string& value) {
+        return "Vexaprobe/" + path + tag + " (offset " +
+               std::to_string(m_results.find('<' + tag + '>') + tag.size() + 2) +
+               "): a comment or an element ends the value \"" + value + "\".";
+    };
+    const std::string name = "<CompoundName>C1</CompoundName>";
+    const std::string inName = cut("Header/", "CompoundName", "C");
+    EXPECT_EQ(ResultsWith(name, "<CompoundName>C<!-- note -->1</CompoundName>"), inName);
+    EXPECT_EQ(ResultsWith(name, "<CompoundName>C<X/>1</CompoundName>"), inName);
+    EXPECT_EQ(ResultsWith(name, "<CompoundName><!-- note -->C1</CompoundName>"), cut("Header/", "CompoundName", ""));
+    EXPECT_EQ(ResultsWith("<FileVersion>", "<FileVersion>7<!---->"), cut("Header/", "FileVersion", "7"));
+    for (const std::string between : {"<!-- a -->", " <!-- < > -->\n<!---->", "\r\n\t", "text"})
+        EXPECT_EQ(ResultsWith(name, name + between), "") << between;
+}
+
+TEST_F(ReadErrorTest, AnElementThatHasNoContentOrNoKeyIsNamed) {
+    EXPECT_NE(Results("<Vexaprobe><Header/><Results><Task><X/></Task></Results></Vexaprobe>")
+                  .find("Vexaprobe/Header (offset 11): the element has no content."),
+              0U)
+        << m_io.GetResultsReader()->GetReadError();
+    EXPECT_NE(SettingsWith("<QC>", "<QC/><QC>").find("QualityChecks[0]/QC (offset "), std::string::npos);
+    const std::size_t task = m_settings.rfind("<Task><TaskName>");
+    std::string moved = m_settings;
+    moved.insert(task + 6, "<Recordings Size=\"0\"/>");
+    EXPECT_NE(Settings(moved).find("/Task/Recordings (offset "), std::string::npos);
+    EXPECT_NE(Settings(moved).find("found <Recordings> instead of <TaskName> as the first child."), std::string::npos);
+    EXPECT_NE(ResultsWith("<WellID>", "<ID>3</ID><WellID>").find("found <ID> instead of <WellID>"), std::string::npos);
 }
 
 TEST_F(ReadErrorTest, EachFileIsJudgedAnew) {

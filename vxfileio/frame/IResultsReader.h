@@ -24,9 +24,9 @@ class VXFILEIO_API CIResultsReader {
     CIResultsReader(const CIResultsReader&) = delete;
     CIResultsReader& operator=(const CIResultsReader&) = delete;
 
-    /// Reads a file. A damaged file, or one of another kind, is read as far as possible; `GetReadError`
-    /// then says so. Throws
-    /// `CExcVXReader` with code -1, "Could not open results file: " and the path, if the file can't be opened.
+    /// Reads a file. A damaged file, or one of another kind, is read as far as possible; `GetReadError` then
+    /// says so. Throws `CExcVXReader` with code -1, "Could not open results file: " and the path, if the file can't be
+    /// opened.
     void ReadFile(const std::string& path);
 
     /// Returns an empty text if the last `ReadFile` found what it expected, otherwise sentences that say what was

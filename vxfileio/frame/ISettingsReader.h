@@ -33,11 +33,11 @@ class VXFILEIO_API CISettingsReader {
     CISettingsReader& operator=(const CISettingsReader&) = delete;
 
     /// Reads a file. Its sections may be in any order; unknown ones are skipped. A damaged file, or one of another
-    /// kind, is read as far as possible; `GetReadError`
-    /// then says so. If the header's `FileVersion` is below 3, the task "Series"
-    /// gets default marks for all active wells and doses instead of those in the file, 100,000 at most. Throws
-    /// `CExcVXReader` with code -1, "Could not open settings file: " and the path, if the file can't be opened. Below
-    /// version 3, throws what `DoseToText` throws for a dose without a text, after everything else was read.
+    /// kind, is read as far as possible; `GetReadError` then says so. If the header's `FileVersion` is below 3, the
+    /// task "Series" gets default marks for all active wells and doses instead of those in the file, 100,000 at most.
+    ///
+    /// Throws `CExcVXReader` with code -1, "Could not open settings file: " and the path, if the file can't be opened.
+    /// Below version 3, throws what `DoseToText` throws for a dose without a text, after everything else was read.
     void ReadFile(const std::string& path);
 
     /// Returns an empty text if the last `ReadFile` found what it expected, otherwise sentences that say what was

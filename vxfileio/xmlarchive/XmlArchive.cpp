@@ -105,6 +105,8 @@ void CXmlFileArchive::NoteText(XmlFault kind, std::span<const std::string_view> 
     m_reader->NoteText(kind, words);
 }
 
+void CXmlFileArchive::NoteMissingKey(std::string_view key) { m_reader->NoteMissingKey(key); }
+
 void CXmlFileArchive::CountEntries() { m_reader->MakeList(XmlReader::kAnyNumber); }
 
 std::string CXmlFileArchive::Finish(std::string_view section) { return m_reader->Finish(section); }

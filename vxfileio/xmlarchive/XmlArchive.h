@@ -144,6 +144,9 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     /// those that it could be.
     void NoteText(XmlFault kind, std::span<const std::string_view> words = {});
 
+    /// Reports that the current element is in place of the key with this tag, if there is an element.
+    void NoteMissingKey(std::string_view key);
+
     /// Counts the children of the current element as entries of a list that has no `Size`, for the text of `Finish`.
     void CountEntries();
 

@@ -37,10 +37,10 @@ struct CXmlElement {
     std::string_view tag;
     EXmlKind kind = EXmlKind::Text;
     std::span<const CXmlElement> children = {};    ///< Of an object; of a list, the elements that an entry can be.
-    std::span<const std::string_view> words = {};  ///< Of a word.
+    std::span<const std::string_view> words = {};  ///< Of a word, or of a text that should be one.
     std::size_t shortSize = SIZE_MAX;  ///< An object may end after this many children if the last one is an empty list.
     std::string_view onlyIf = {};      ///< The tag of the bool ahead of this element without which it has no text.
-    bool mayBeEmpty = false;           ///< A word may be missing.
+    bool mayBeEmpty = false;           ///< The word may be missing.
     bool isRead = true;                ///< False for what is written for people only.
 };
 

@@ -31,6 +31,12 @@ std::string SentenceOf(XmlFault kind, const XmlFaults::CFault& fault) {
             return place + ": the element has no content.";
         case XmlFault::Attribute:
             return place + ": the value was read from an attribute, " + Quoted(fault.found) + '.';
+        case XmlFault::NoKey:
+            return place + ": found <" + fault.found + "> instead of <" + fault.expected + "> as the first child.";
+        case XmlFault::CutText:
+            return place + ": a comment or an element ends the value " + Quoted(fault.found) + '.';
+        case XmlFault::BadTag:
+            return place + ": the tag " + Quoted(fault.found) + " was read as <" + fault.expected + ">.";
         default:
             break;
     }

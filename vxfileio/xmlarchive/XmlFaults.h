@@ -18,8 +18,11 @@ enum class XmlFault : std::uint8_t {
     OutOfRange,   ///< The type of a number doesn't hold it.
     UnknownWord,  ///< A word isn't one of its enumeration.
     LongText,     ///< A text of one byte has more.
-    NoContent,    ///< A section has no children.
+    NoContent,    ///< An object has no children.
     Attribute,    ///< An attribute was read in place of the text.
+    NoKey,        ///< The first child of an object isn't its key.
+    CutText,      ///< A comment or an element ends a value.
+    BadTag,       ///< The name in a tag ends with a byte that ends no name.
     kCount
 };
 

@@ -166,6 +166,12 @@ CTextField(std::string_view, std::string Object::*) -> CTextField<Object>;
 /// empty.
 template <class Word, class Field>
 struct CKeyTextField : Field {
+    constexpr CXmlElement Element() const noexcept {
+        CXmlElement element = Field::Element();
+        element.words = base::kWords<Word>.words;
+        element.mayBeEmpty = true;
+        return element;
+    }
     void Get(CXmlFileArchive& archive, typename Field::CObject& object) const {
         Field::Get(archive, object);
         const std::string& text = this->Value(object);
@@ -187,10 +193,14 @@ struct CKeyField {
         element.mayBeEmpty = mayBeEmpty;
         return element;
     }
-    /// Reads the key from the current element.
+    /// Reads the key from the current element. Reports one with another tag.
     Key Read(CXmlFileArchive& archive) const {
         Key key = missing;
-        if (archive.TagName() == tag) GetPlain(archive, key, mayBeEmpty);
+        if (archive.TagName() == tag) {
+            GetPlain(archive, key, mayBeEmpty);
+        } else {
+            archive.NoteMissingKey(tag);
+        }
         return key;
     }
 };
@@ -347,10 +357,15 @@ void SaveForm(CXmlFileArchive& archive, const Objects&... objects) {
     archive.CloseElement();
 }
 
-/// Reads the fields of a form up to its end tag. The archive may be before its start tag or after it.
+/// Reads the fields of a form up to its end tag. The archive may be before its start tag or after it. Reports an
+/// element without children, since it has no end tag of its own.
 template <class Form, class... Objects>
 void LoadForm(CXmlFileArchive& archive, Objects&... objects) {
-    ForEachEventUntil(archive, Form::kElement, [&] { GetField(archive, Form::kFields, objects...); });
+    ForEachEventUntil(archive, Form::kElement, [&] {
+        if (GetField(archive, Form::kFields, objects...)) return;
+        if (IsStartOf(archive, Form::kElement) && !HasChildren(archive) && archive.GetText().empty())
+            archive.NoteText(gd_xml_stream::XmlFault::NoContent);
+    });
 }
 
 /// Writes the element of an object.

@@ -63,13 +63,13 @@ std::optional<std::string_view> XmlReader::Value() const {
 }
 
 void XmlReader::ReadText(std::string& text) {
-    CheckAttributes();
+    CheckValue();
     text.clear();
     AppendDecoded(Value().value_or(std::string_view()), text);
 }
 
 std::string_view XmlReader::Text(std::string& room) {
-    CheckAttributes();
+    CheckValue();
     return PlainText(room);
 }
 
@@ -92,7 +92,8 @@ void XmlReader::NoteAttribute() {
     }
 }
 
-std::string XmlReader::ElementText() const {
+std::string XmlReader::ElementText() {
+    if ((State() & XmlState::kHasChildren) != 0) NoteText(XmlFault::CutText, {});
     const std::string_view element = Element();
     const std::size_t tagEnd = element.find('>');
     if (tagEnd == std::string_view::npos || IsSelfClosing()) return {};
@@ -220,6 +221,12 @@ void XmlReader::NoteText(XmlFault kind, std::span<const std::string_view> words)
     if (first == nullptr) return;
     const std::string_view text = PlainText(m_decoded).substr(0, XmlFaults::kMostShown);
     *first = {1, TextOffset(), Path(), std::string(text), OneOf(words)};
+}
+
+void XmlReader::NoteMissingKey(std::string_view key) {
+    if (Element().empty()) return;
+    if (auto* const first = m_faults.Add(XmlFault::NoKey))
+        *first = {1, TextOffset(), Path(), std::string(Name().substr(0, XmlFaults::kMostShown)), std::string(key)};
 }
 
 std::string XmlReader::Finish(std::string_view section) {

@@ -34,6 +34,9 @@ class XmlReader : public XmlScanner {
     /// Notes that the text of the current element isn't a value of its kind. `words` are those of an unknown word.
     void NoteText(XmlFault kind, std::span<const std::string_view> words);
 
+    /// Notes that the current element, if there is one, is in place of the key with this tag.
+    void NoteMissingKey(std::string_view key);
+
     /// Moves past the end of the root. Returns sentences about what was wrong with the document, whose section with
     /// this tag should have been read last; empty if nothing was.
     std::string Finish(std::string_view section);
@@ -48,7 +51,7 @@ class XmlReader : public XmlScanner {
     std::string_view Text(std::string& room);
 
     /// Returns the text after the element's start tag: decoded, or unchanged if it has a CDATA section.
-    std::string ElementText() const;
+    std::string ElementText();
 
     /// Reads an attribute into `value`, in its type. Returns false if it is absent.
     bool ReadAttribute(std::string_view name, XmlValue& value);
@@ -67,8 +70,10 @@ class XmlReader : public XmlScanner {
     XmlValue ValueOf(XmlType type, std::string_view text);
     std::string_view PlainText(std::string& room) const;
     void NoteAttribute();
-    void CheckAttributes() {
+    /// Notes if the current element has an attribute ahead of its value, or something other than its end tag after it.
+    void CheckValue() {
         if (Element().size() > Name().size() && Element()[Name().size()] != '>') NoteAttribute();
+        if ((State() & XmlState::kHasChildren) != 0) NoteText(XmlFault::CutText, {});
     }
     void NoteNumber(vxfileio::helpers::ENumberFault fault, std::string_view text, std::size_t at,
                     std::string (*range)(vxfileio::helpers::ENumberFault));
@@ -106,7 +111,7 @@ std::string RangeOf([[maybe_unused]] vxfileio::helpers::ENumberFault fault) {
 template <class Number>
 void XmlReader::ReadValue(Number& value) {
     using vxfileio::helpers::ENumberFault;
-    CheckAttributes();
+    CheckValue();
     const auto text = Value();
     const ENumberFault fault = text ? ParseValue(*text, value) : ENumberFault::NoNumber;
     if (fault != ENumberFault::None) NoteNumber(fault, text.value_or(std::string_view()), 0, RangeOf<Number>);

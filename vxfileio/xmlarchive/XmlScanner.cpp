@@ -174,7 +174,10 @@ bool XmlScanner::ReadStartTag() {
     m_nameSize = Element().size();
     if (!m_input.AtEnd()) m_input.Gather(1);
     if (!CollectText()) return false;
-    if (m_selfClosing) return true;
+    if (m_selfClosing) {
+        CheckNameEnd();
+        return true;
+    }
 
     m_input.SkipWhile(kBlank | kOpen);
     if (m_input.AtEnd()) return Fail(XmlError::EndInElement);
@@ -205,6 +208,16 @@ inline void XmlScanner::OpenElement() {
     Level() = {.offset = m_elementAt - 1};
     if (depth > 1 || (depth == 1 && m_levels[1].children >= m_outline.size())) return;
     m_outline[depth == 0 ? 0 : m_levels[1].children] = Name().substr(0, kMostNameShown);
+}
+
+/// Notes if the name of a self-closing element, which no end tag repeats, is followed by a byte that ends no name.
+void XmlScanner::CheckNameEnd() {
+    const char end = Element()[m_nameSize];
+    if (end == '/' || end == '>' || Is(end, kTextBlank)) return;
+    if (auto* const fault = m_faults.Add(XmlFault::BadTag)) {
+        const std::string_view shown = Element().substr(0, XmlFaults::kMostShown);
+        *fault = {1, m_elementAt - 1, PathTo({}), '<' + std::string(shown), std::string(Name())};
+    }
 }
 
 /// Compares the end tag of an element without children, whose "/" is at the cursor, with its start tag. Both names are

@@ -132,6 +132,7 @@ class XmlScanner {
     void OpenElement();
     void FindLevel() { m_level = &m_levels[std::min(m_open.Size(), kMostLevels)]; }
     void CheckLeafEnd();
+    void CheckNameEnd();
     void CheckPlainEnd(std::string_view name, std::string_view end, std::size_t at);
     void NoteEndInside();
     void NoteWrongEnd(std::string_view found, std::string_view open, std::uint64_t offset, std::string_view leaf);

@@ -54,9 +54,11 @@ void PrintRow(const std::string& path, const CXmlElement& element, const std::st
     if (element.kind == EXmlKind::List && element.children.front().kind != EXmlKind::Object)
         std::cout << element.children.front().tag;
     std::cout << '\t';
-    const auto& words = element.kind == EXmlKind::List ? element.children.front().words : element.words;
-    for (const auto word : words)
-        std::cout << (word == words.front() ? "" : ", ") << '`' << word << '`';
+    const CXmlElement& valued = element.kind == EXmlKind::List ? element.children.front() : element;
+    for (const auto word : valued.words) {
+        if (valued.kind == EXmlKind::Word)
+            std::cout << (word == valued.words.front() ? "" : ", ") << '`' << word << '`';
+    }
     std::cout << '\n';
 }
 

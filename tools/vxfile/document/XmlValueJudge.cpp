@@ -124,7 +124,8 @@ CVerdict JudgeSamples(std::string_view text) {
 std::optional<CValueFault> JudgeXmlValue(const CXmlElement& rule, std::string_view text) {
     switch (rule.kind) {
         case EXmlKind::Text:
-            return Measure(text).fault;
+            if (auto fault = Measure(text).fault; fault || rule.words.empty()) return fault;
+            return JudgeWord(rule, text);
         case EXmlKind::Word:
             return JudgeWord(rule, text);
         case EXmlKind::Character:
