@@ -18,7 +18,7 @@ inline CTree MakePlate(int samples) {
             for (int i = 0; i < kTimes; ++i)
                 well.times.push_back(TimeOf(dose, id, i));
             for (int i = 0; i < samples; ++i)
-                well.average.push_back(SampleOf(dose, id, i) / 1000);
+                well.average.push_back(SampleOf(dose, id, i));
             for (int type = 1; type < 4; ++type)
                 well.responses[type] = ResponseOf(dose, id, type);
         }

@@ -39,9 +39,15 @@ inline constexpr const char* kFindings[] = {"FPfastMaxAmp",          "FPfastMaxA
 inline bool IsWholeFinding(int i) { return i == 1 || i == 3; }
 
 inline std::int64_t TimeOf(int dose, int well, int i) { return 1'000'000LL * i + 977LL * well + 31LL * dose; }
+
+/// A sample of the average beat of a well, in volts: a spike of 0.7 mV, a wave of 40 uV after it, 3 uV of noise.
 inline double SampleOf(int dose, int well, int i) {
-    return 0.35 * std::sin(0.01 * i + well) * (1 + 0.01 * dose) - 1e-4 * i;
+    const double spike = -7e-4 * std::exp(-i / 15.0) * std::cos(i / 9.0);
+    const double wave = 4e-5 * std::exp(-std::pow((i - 1200 + 10 * dose) / 200.0, 2));
+    const double noise = 2e-6 * std::sin(12.9898 * i + well) + 1e-6 * std::sin(78.233 * i + 2 * well);
+    return (spike + wave) * (1 + 0.01 * well) + noise;
 }
+
 inline double FindingOf(int dose, int well, int i) {
     return IsWholeFinding(i) ? 1500.0 + 10 * well + i : 0.5 + 0.1 / (1 + i) + well / 64.0 + dose / 16.0;
 }
@@ -82,7 +88,7 @@ inline bool IsWhole(const CTree& tree, int scale) {
             for (int i = 0; i < 8; ++i)
                 if (read.findings[i] != well.findings[i]) return false;
             for (std::size_t i = 0; i < well.average.size(); ++i) {
-                const double halfOfSixthDigit = 5e-6 * std::abs(well.average[i]) + 1e-12;
+                const double halfOfSixthDigit = 5.000001e-6 * std::abs(well.average[i]);
                 if (std::abs(read.average[i] - well.average[i]) > halfOfSixthDigit) return false;
             }
         }

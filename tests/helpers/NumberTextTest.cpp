@@ -37,6 +37,8 @@ TEST(NumberTextTest, GeneralFormHasSixSignificantDigits) {
     EXPECT_EQ(General(-0.0), "-0");
     EXPECT_EQ(General(0.0002), "0.0002");
     EXPECT_EQ(General(0.00001), "1e-05");
+    EXPECT_EQ(General(-2.50004e-7), "-2.50004e-07");
+    EXPECT_EQ(General(9.9999951e-11), "1e-10");
     EXPECT_EQ(General(123456.5), "123456");  // half goes to even
     EXPECT_EQ(General(999999.5), "1e+06");
     EXPECT_EQ(General(1.0 / 3), "0.333333");
@@ -58,11 +60,12 @@ TEST(NumberTextTest, GeneralFormIsTheNearestOfSixDigits) {
     std::mt19937_64 random(1);
     for (int i = 0; i < 100'000; ++i) {
         const auto digits = static_cast<double>(random() % 10'000'000);
-        for (const double scale : {1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12})
+        for (const double scale : {1e1, 1e3, 1e4, 1e5, 1e6, 1e7, 1e9, 1e10, 1e11, 1e12, 1e17, 1e22})
             expect(digits / scale);  // among them what lies nearest to the middle of two texts
-        expect(std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 80) - 90));
+        expect(std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 100) - 115));
     }
-    for (double power = 1e-7; power < 1e9; power *= 10) {
+    for (int exponent = -20; exponent < 9; ++exponent) {
+        const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
         for (const double value : {power, std::nextafter(power, 0.0), std::nextafter(power, 1e9), power * 0.9999995})
             expect(value);
     }
@@ -91,6 +94,7 @@ TEST(NumberTextTest, DecimalsAreTakenOffTheFront) {
         std::string text = std::to_string(random() >> (11 + random() % 53));
         if (random() % 4 > 0) text.insert(random() % (text.size() + 1), ".");
         if (random() % 2 > 0) text.insert(0, "-");
+        if (random() % 4 > 0) text += "e-0" + std::to_string(random() % 7);
         for (const char* end : {"", ";12345678", "-1", " ", "x"}) {
             const std::string all = text + end;
             std::string_view rest = all;
@@ -100,8 +104,8 @@ TEST(NumberTextTest, DecimalsAreTakenOffTheFront) {
             ASSERT_EQ(rest, end) << all;
         }
     }
-    for (const std::string_view text :
-         {"", "-", ".", ";", " 1", "--1", "nan", "1e5", "0.5E-3", "9007199254740993", "0.00000000000000000001"}) {
+    for (const std::string_view text : {"", "-", ".", ";", " 1", "--1", "nan", "1e5", "1e-5", "1e+05", "1e-005",
+                                        "0.5E-03", "1e-23", "0.1e-22", "9007199254740993", "0.00000000000000000001"}) {
         std::string_view rest = text;
         double value = 7.0;
         EXPECT_FALSE(TakeDecimal(rest, value)) << text;

@@ -155,21 +155,9 @@ std::uint32_t RoundScaled(double value, double scale) {
     return whole + (whole & 1U);
 }
 
-/// Writes the values that have no exponent in the general form, 0.0001 to below a million; null for all others.
-char* WriteSixDigits(char* to, double value) {
-    constexpr std::array<double, 11> kLimits{1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
-    constexpr int kLeastExponent = -4;
-    constexpr std::uint32_t kSevenDigits = 1'000'000;
-    const double size = std::abs(value);
-    if (!(size >= kLimits.front() && size < kLimits.back())) return nullptr;
-    const auto* const above = std::upper_bound(kLimits.begin(), kLimits.end(), size);
-    const int exponent = kLeastExponent + static_cast<int>(above - kLimits.begin()) - 1;
-    const int places = kGeneralDigits - 1 - exponent;  // after the point
-    std::uint32_t digits = RoundScaled(size, kPowersOfTen[static_cast<std::size_t>(places)]);
-    if (digits >= kSevenDigits) return nullptr;  // rounded up to the next exponent
-
-    // The digits from the last to the first, with the point where it belongs.
-    if (value < 0) *to++ = '-';
+/// Writes `digits` with a point before the last `places` of them, perhaps with zeros in front. Leaves out zeros at the
+/// end of the fraction. Returns where the text ends.
+char* WriteFixed(char* to, std::uint32_t digits, int places) {
     const int width = std::max(kGeneralDigits, places + 1) + 1;  // with the point and all leading zeros
     char* last = to + width;
     for (int place = 0; place < width - 1; ++place) {
@@ -181,6 +169,33 @@ char* WriteSixDigits(char* to, double value) {
     while (end[-1] == '0')
         --end;
     return end[-1] == '.' ? end - 1 : end;
+}
+
+/// Writes values from 1e-17 to below a million in the general form; returns null for all others. They are scaled by a
+/// power of ten that a double holds exactly.
+char* WriteSixDigits(char* to, double value) {
+    constexpr std::array<double, 24> kLimits{1e-17, 1e-16, 1e-15, 1e-14, 1e-13, 1e-12, 1e-11, 1e-10,
+                                             1e-9,  1e-8,  1e-7,  1e-6,  1e-5,  1e-4,  1e-3,  1e-2,
+                                             1e-1,  1e0,   1e1,   1e2,   1e3,   1e4,   1e5,   1e6};
+    constexpr int kLeastExponent = -17;
+    constexpr int kLeastWithoutExponent = -4;
+    constexpr std::uint32_t kSevenDigits = 1'000'000;
+    const double size = std::abs(value);
+    if (!(size >= kLimits.front() && size < kLimits.back())) return nullptr;
+    const auto* const above = std::upper_bound(kLimits.begin(), kLimits.end(), size);
+    const int exponent = kLeastExponent + static_cast<int>(above - kLimits.begin()) - 1;
+    const int places = kGeneralDigits - 1 - exponent;  // after the point
+    const std::uint32_t digits = RoundScaled(size, kPowersOfTen[static_cast<std::size_t>(places)]);
+    if (digits >= kSevenDigits) return nullptr;  // rounded up to the next exponent
+
+    if (value < 0) *to++ = '-';
+    if (exponent >= kLeastWithoutExponent) return WriteFixed(to, digits, places);
+    to = WriteFixed(to, digits, kGeneralDigits - 1);
+    *to++ = 'e';
+    *to++ = '-';
+    *to++ = static_cast<char>('0' + -exponent / 10);
+    *to++ = static_cast<char>('0' + -exponent % 10);
+    return to;
 }
 
 }  // namespace
@@ -247,6 +262,19 @@ std::uint32_t ParseUInt32(std::string_view text) { return Parsed<std::uint32_t>(
 std::uint64_t ParseUInt64(std::string_view text) { return Parsed<std::uint64_t>(text); }
 double ParseDouble(std::string_view text) { return Parsed<double>(text); }
 
+namespace {
+
+/// Takes an exponent of the form `e-05`, and adds its size to the places after the point. Returns false for any other.
+bool TakeExponent(const char*& at, const char* end, std::ptrdiff_t& places) {
+    constexpr std::ptrdiff_t kSize = 4;
+    if (end - at < kSize || *at != 'e' || at[1] != '-' || !IsDigit(at[2]) || !IsDigit(at[3])) return false;
+    places += 10 * (at[2] - '0') + (at[3] - '0');
+    at += kSize;
+    return at == end || !IsDigit(*at);
+}
+
+}  // namespace
+
 bool TakeDecimal(std::string_view& text, double& value) {
     std::string_view rest = text;
     const bool negative = TakeSign(rest);
@@ -265,9 +293,11 @@ bool TakeDecimal(std::string_view& text, double& value) {
         count += places;
     }
     if (count == 0 || count > kMostSafeDigits || digits > kMostExactWhole) return false;
-    if (at != end && (*at == 'e' || *at == 'E')) return false;
+    if (at != end && (*at == 'e' || *at == 'E') && !TakeExponent(at, end, places)) return false;
+    const auto power = static_cast<std::size_t>(places);
+    if (power >= kPowersOfTen.size()) return false;
     // Both are exact, so that their quotient is the nearest value.
-    const double size = static_cast<double>(digits) / kPowersOfTen[static_cast<std::size_t>(places)];
+    const double size = static_cast<double>(digits) / kPowersOfTen[power];
     value = negative ? -size : size;
     text.remove_prefix(static_cast<std::size_t>(at - text.data()));
     return true;

@@ -82,9 +82,9 @@ enum class ENumberFault : std::uint8_t {
 [[nodiscard]] ENumberFault ReadNumber(std::string_view text, double& value);
 /// @}
 
-/// Takes a decimal off the front of `text` if it has the form that nearly all have: a sign perhaps, digits with a point
-/// at most, no exponent. Returns false, and changes nothing, if it hasn't, or has so many digits that `ParseDouble` is
-/// to be asked.
+/// Takes a decimal off the front of `text` if it has the form that nearly all have: perhaps a sign, digits with at most
+/// one point, perhaps an exponent of two digits such as `e-05`. Returns false, and changes nothing, if it has another
+/// form, or is too long or too small for exact arithmetic; `ParseDouble` reads those.
 bool TakeDecimal(std::string_view& text, double& value);
 
 }  // namespace vxfileio::helpers
