@@ -329,6 +329,23 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
 
 // ---- Unfinished recordings ------------------------------------------------------------------------------------------
 
+TEST_F(BulkAccessTest, ReadingIsCheckedEvery16MiBAndEndsIfTheCheckThrows) {
+    const std::size_t step = std::size_t{8} << 20;  // samples
+    const CRecordingIndex index = IndexOf({{12, 0, {7}}, {11, 0, std::vector<std::uint16_t>(step, 3)}, {12, 100, {8}}});
+    std::vector<std::uint16_t> samples(step + 2, 1);
+    const std::span all(samples);
+    const std::vector<std::span<std::uint16_t>> buffers = {all.first(step), all.last(2)};
+    int checks = 0;
+    index.Select().Read(buffers, [&] { ++checks; });
+    EXPECT_EQ(checks, 1);
+    EXPECT_EQ(samples, [&] {
+        std::vector<std::uint16_t> expected(step, 3);
+        expected.insert(expected.end(), {7, 8});
+        return expected;
+    }());
+    EXPECT_THROW(index.Select().Read(buffers, [] { throw 1; }), int);
+}
+
 TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadAsFarAsWholeSegmentsGo) {
     const std::string three = SegmentBytes({{11, 0, {1, 2}}, {12, 0, {3, 4}}, {11, 200, {5, 6}}});
     const std::string unpointed = SegmentBytes({{11, 0, {1, 2}}}) + SegmentBytes({{12, 0, {3, 4}}}, 3954);

@@ -12,9 +12,37 @@ using namespace vxfileio::access;
 
 namespace {
 
+/// Samples that are read between two calls of `check`.
+constexpr std::uint64_t kStep = std::uint64_t{8} << 20;
+
+/// Adds the samples of the pieces, and calls `check` after each step.
+template <class Place>
+void AddPieces(const CSelectionData& selection, std::vector<Place>& places, const std::function<void()>& check) {
+    CPieceReader<Place> reader(selection.Index().reader->File());
+    std::uint64_t left = kStep;
+    selection.ForEachPiece([&](const CSegmentRow& /*row*/, const CSelectedPiece& piece) {
+        Place& place = places[piece.well];
+        std::int64_t offset = piece.offset;
+        for (std::uint64_t samples = piece.samples; samples > 0;) {
+            const std::uint64_t part = std::min(samples, left);
+            reader.Add(offset, part, place);
+            place.to += part;
+            offset += static_cast<std::int64_t>(part * vxfileio::rawdata::kSampleBytes);
+            samples -= part;
+            left -= part;
+            if (left > 0) continue;
+            reader.Flush();
+            check();
+            left = kStep;
+        }
+    });
+    reader.Flush();
+}
+
 /// Reads all samples; `placeOf(well, buffer)` says where those of a well begin.
 template <class Sample, class PlaceOf>
-void ReadInto(const CSelectionData& selection, std::span<const std::span<Sample>> buffers, PlaceOf placeOf) {
+void ReadInto(const CSelectionData& selection, std::span<const std::span<Sample>> buffers, PlaceOf placeOf,
+              const std::function<void()>& check) {
     const auto hasRoom = [](const CWellSamples& well, std::span<Sample> buffer) {
         return buffer.size() >= well.Samples;
     };
@@ -23,12 +51,7 @@ void ReadInto(const CSelectionData& selection, std::span<const std::span<Sample>
     std::vector<CPlace> places;
     for (std::size_t i = 0; i < buffers.size(); ++i)
         places.push_back(placeOf(selection.Wells()[i], buffers[i]));
-    CPieceReader<CPlace> reader(selection.Index().reader->File());
-    selection.ForEachPiece([&](const CSegmentRow& /*row*/, const CSelectedPiece& piece) {
-        reader.Add(piece.offset, piece.samples, places[piece.well]);
-        places[piece.well].to += piece.samples;
-    });
-    reader.Flush();
+    AddPieces(selection, places, check);
 }
 
 }  // namespace
@@ -40,12 +63,24 @@ const std::vector<CWellSamples>& CSampleSelection::GetWells() const noexcept { r
 std::uint64_t CSampleSelection::GetSamples() const noexcept { return m_data->Samples(); }
 
 void CSampleSelection::Read(std::span<const std::span<std::uint16_t>> buffers) const {
-    ReadInto(*m_data, buffers, [](const CWellSamples& /*well*/, auto buffer) { return CRawPlace{buffer.data()}; });
+    Read(buffers, [] {});
 }
 
 void CSampleSelection::ReadScaled(std::span<const std::span<double>> buffers) const {
-    ReadInto(*m_data, buffers, [&](const CWellSamples& well, auto buffer) {
+    ReadScaled(buffers, [] {});
+}
+
+void CSampleSelection::Read(std::span<const std::span<std::uint16_t>> buffers,
+                            const std::function<void()>& check) const {
+    const auto placeOf = [](const CWellSamples& /*well*/, auto buffer) { return CRawPlace{buffer.data()}; };
+    ReadInto(*m_data, buffers, placeOf, check);
+}
+
+void CSampleSelection::ReadScaled(std::span<const std::span<double>> buffers,
+                                  const std::function<void()>& check) const {
+    const auto placeOf = [&](const CWellSamples& well, auto buffer) {
         const CRawDataChannelInfo channel = m_data->ChannelOf(well);
         return CScaledPlace{buffer.data(), static_cast<double>(channel.ADZero), channel.UnitsPerAD};
-    });
+    };
+    ReadInto(*m_data, buffers, placeOf, check);
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <span>
@@ -76,6 +77,14 @@ class VXFILEIO_API CSampleSelection {
     /// Does the same with values in the physical unit of each well: (sample - `ADZero`) x `UnitsPerAD`. Those of a well
     /// that the recording header doesn't list are NaN.
     void ReadScaled(std::span<const std::span<double>> buffers) const;
+
+    /// @name Reading that can be stopped
+    /// The same, calling `check` after each 16 MiB of the file. What it throws ends the call; the buffers are then
+    /// partly filled.
+    /// @{
+    void Read(std::span<const std::span<std::uint16_t>> buffers, const std::function<void()>& check) const;
+    void ReadScaled(std::span<const std::span<double>> buffers, const std::function<void()>& check) const;
+    /// @}
 
  private:
     friend class CRecordingIndex;

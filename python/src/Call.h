@@ -1,0 +1,80 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <cerrno>
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "vxfileio/base/ExcVXReader.h"
+#include "vxfileio/base/VXExceptions.h"
+
+/// @file
+/// Calls of the library from Python: without the interpreter's lock, open to Ctrl-C, and with failures that name a
+/// file.
+
+namespace vxfileio::python {
+
+namespace py = pybind11;
+
+/// A failure of the library and what Python wants to know about it.
+struct CFailure {
+    std::string text;
+    std::string path;  ///< The file, as the system spells it. Empty if there is none.
+    int code = 0;      ///< `errno` after the failure, or 0.
+};
+
+/// Makes `vxfileio._errors.fail` raise failures.
+void RegisterFailures();
+
+/// Calls `work()` and throws its failures as `CFailure` with this path.
+template <class Work>
+auto WithPath(const std::string& path, Work work) {
+    errno = 0;
+    try {
+        return work();
+    } catch (const CExcVXReader& failure) {
+        const int code = errno;
+        throw CFailure{failure.GetMsg(), path, code};
+    } catch (const base::CVXExceptions& failure) {
+        throw CFailure{failure.message, path};
+    }
+}
+
+/// Does the same without the interpreter's lock.
+template <class Work>
+auto WithoutLock(const std::string& path, Work work) {
+    const py::gil_scoped_release release;
+    return WithPath(path, std::move(work));
+}
+
+/// Throws if Ctrl-C was pressed. Only the main thread notices.
+void CheckSignals();
+
+/// Returns whether the caller is the thread that signals are for.
+bool IsMainThread();
+
+/// Does the same as `WithoutLock`, and ends early if Ctrl-C is pressed. Then `work()` goes on in a thread of its own,
+/// so it must own all that it uses and what it returns.
+template <class Work>
+auto Interruptible(const std::string& path, Work work) {
+    if (!IsMainThread()) return WithoutLock(path, std::move(work));
+    std::packaged_task task([path, work = std::move(work)]() mutable { return WithPath(path, std::move(work)); });
+    auto result = task.get_future();
+    std::thread thread(std::move(task));
+    try {
+        const py::gil_scoped_release release;
+        while (result.wait_for(std::chrono::milliseconds(50)) != std::future_status::ready)
+            CheckSignals();
+    } catch (...) {
+        thread.detach();
+        throw;
+    }
+    thread.join();
+    return result.get();
+}
+
+}  // namespace vxfileio::python

@@ -1,0 +1,48 @@
+#include <pybind11/pybind11.h>
+
+#include "python/src/Call.h"
+#include "python/src/Convert.h"
+#include "python/src/Parts.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
+
+namespace vxfileio::python {
+
+void BindWords(py::module_& module) {
+    MakeWords<enTask>(module, "Task");
+    MakeWords<enResponseType>(module, "ResponseType");
+    MakeWords<enAnalysisMark>(module, "AnalysisMark");
+    MakeWords<enFPmaxType>(module, "FPmaxType");
+    MakeWords<enPipetMode>(module, "PipetMode");
+    MakeWords<enPlateLayout>(module, "PlateLayout");
+    MakeWords<enAcqMode>(module, "AcqMode");
+    MakeWords<enVexaprobeMode>(module, "VexaprobeMode");
+    MakeWords<enFPAveIntervalType>(module, "FPAveIntervalType");
+}
+
+/// The texts of failures that `vxfileio._errors` treats in a way of their own.
+void BindTexts(py::module_& module) {
+    py::dict texts;
+    texts["CannotOpen"] = rawdata::kCannotOpen;
+    texts["Exists"] = rawdata::kExists;
+    texts["NotOurFile"] = rawdata::kNotOurFile;
+    texts["EmptyFile"] = rawdata::kEmptyFile;
+    texts["BadRecordingHdr"] = rawdata::kBadRecordingHdr;
+    texts["BadSegmentPosition"] = rawdata::kBadSegmentPosition;
+    texts["BadSegmentHdr"] = rawdata::kBadSegmentHdr;
+    texts["NoSuchRecording"] = rawdata::kNoSuchRecording;
+    texts["Unfinished"] = rawdata::kUnfinished;
+    module.attr("_texts") = texts;
+}
+
+}  // namespace vxfileio::python
+
+PYBIND11_MODULE(_vxfileio, module) {
+    using namespace vxfileio::python;
+    module.doc() = "The binding of the C++ library. Use it through the package vxfileio.";
+    module.attr("_records") = py::list();
+    RegisterFailures();
+    BindTexts(module);
+    BindWords(module);
+    BindRawHeaders(module);
+    BindRawReading(module);
+}

@@ -1,0 +1,113 @@
+"""The exceptions, and the table that says which failure of the library becomes which of them."""
+
+import errno
+import os
+from typing import NamedTuple, NoReturn, Optional
+
+from ._vxfileio import _texts
+
+
+class Error(Exception):
+    """The base of the package's own exceptions."""
+
+
+class FileError(Error, OSError):
+    """A file can't be read or written. Has `errno`, `strerror` and `filename`."""
+
+
+class DamagedFileError(FileError):
+    """A file of the system is damaged at the place that is being read."""
+
+
+class UnknownFileError(FileError):
+    """A file isn't one of the system, or not of the kind that was asked for."""
+
+
+class EmptyFileError(FileError):
+    """A raw data file has no recording yet."""
+
+
+class UsageError(Error, ValueError):
+    """A call or a value isn't possible. Has `filename`, which is None without a file."""
+
+    def __init__(self, text: str, filename: Optional[str] = None) -> None:
+        super().__init__(text, filename)
+        self.text = text
+        self.filename = filename
+
+    def __str__(self) -> str:
+        return f"{self.text}: {self.filename!r}" if self.filename else self.text
+
+
+class NoSuchRecordingError(UsageError, KeyError, IndexError):
+    """A file has no such recording."""
+
+
+class NoSuchWellError(UsageError, KeyError):
+    """A recording has no such well, or settings have no such label."""
+
+
+class UnfinishedRecordingError(UsageError):
+    """A recording isn't finished. Open the file with `unfinished=True` to read what is there."""
+
+
+class MissingSamplesWarning(UserWarning):
+    """Samples are beyond the end of a cut file, and were read as 0."""
+
+
+class WriteWarning(UserWarning):
+    """A value was written as given, although readers can't use it."""
+
+
+class Row(NamedTuple):
+    """A failure by the begin and end of its text, its exception, and the exception's `errno`.
+
+    An `errno` of 0 stands for that of the system. For exceptions that have none it is None.
+    """
+
+    begin: str
+    end: str
+    exception: type
+    errno: Optional[int]
+
+
+OPEN_FAILED = (_texts["CannotOpen"], "Could not open settings file: ", "Could not open results file: ")
+
+TABLE = (
+    Row(_texts["CannotOpen"], _texts["Exists"], OSError, errno.EEXIST),
+    *(Row(text, "", OSError, 0) for text in OPEN_FAILED),
+    Row(_texts["NotOurFile"], "", UnknownFileError, errno.EINVAL),
+    Row(_texts["EmptyFile"], "", EmptyFileError, errno.ENODATA),
+    Row(_texts["BadRecordingHdr"], "", DamagedFileError, errno.EBADMSG),
+    Row(_texts["BadSegmentPosition"], "", DamagedFileError, errno.EBADMSG),
+    Row(_texts["BadSegmentHdr"], "", DamagedFileError, errno.EBADMSG),
+    Row(_texts["NoSuchRecording"], "", NoSuchRecordingError, None),
+    Row(_texts["Unfinished"], "", UnfinishedRecordingError, None),
+    Row("", "", UsageError, None),
+)
+
+
+def exception_for(text: str, path: str, code: int) -> Exception:
+    """Returns the exception for a failure of the library: its text, its file and `errno` after it."""
+    row = next(row for row in TABLE if text.startswith(row.begin) and text.endswith(row.end))
+    if row.errno is None:
+        made: Exception = row.exception(text, path or None)
+    elif row.exception is OSError:
+        number = row.errno or code or errno.EIO
+        made = OSError(number, os.strerror(number), path)
+    else:
+        made = row.exception(row.errno, text, path)
+    return made
+
+
+def fail(text: bytes, path: bytes, code: int) -> NoReturn:
+    """Raises the exception for a failure. The binding calls it."""
+    raise exception_for(text.decode("utf-8", "surrogateescape"), os.fsdecode(path), code)
+
+
+def refusal(text: str, path: str) -> Optional[OSError]:
+    """Returns the exception for a text of `GetWriteError` about what the system refused, or None if it refused nothing."""
+    for number in errno.errorcode:
+        if text.startswith(os.strerror(number)):
+            return OSError(number, text, path)
+    return None

@@ -1,0 +1,63 @@
+"""Opening a file of any kind."""
+
+from __future__ import annotations
+
+import errno
+import io
+import os
+import re
+from typing import Any, Optional, Union
+
+from ._errors import UnknownFileError, UsageError
+from ._raw import Recordings
+
+Path = Union[str, bytes, os.PathLike]
+
+LOOK_AHEAD = 64 << 10
+"""Bytes of a document in which its section is looked for."""
+
+RAW_MARK = b"OVL Vexaprobe"
+COMPOUND_MARK = bytes.fromhex("d0cf11e0a1b11ae1")
+
+DOCUMENT_MARKS = (
+    (rb"<Settings[\s/>]", "settings"),
+    (rb"<Results[\s/>]", "results"),
+    (rb"<FileType>VXSettings<", "settings"),
+    (rb"<FileType>VXResults<", "results"),
+)
+
+
+def kind_of(path: Path) -> str:
+    """Returns the kind of a file by its content: "raw", "settings", "results", "workbook", "empty" or "unknown"."""
+    with io.open(path, "rb") as file:
+        head = file.read(LOOK_AHEAD)
+    if not head:
+        return "empty"
+    if head.startswith(RAW_MARK):
+        return "raw"
+    if head.startswith(COMPOUND_MARK):
+        return "workbook"
+    if head.removeprefix(b"\xef\xbb\xbf").lstrip(b" \t\r\n").startswith(b"<"):
+        return next((kind for mark, kind in DOCUMENT_MARKS if re.search(mark, head)), "unknown")
+    return "unknown"
+
+
+def open(path: Path, *, settings: Union[None, Path, Any] = None, ticks_per_second: Optional[float] = None,
+         unfinished: bool = False, partial: bool = False) -> Recordings:
+    """Opens a file of any kind; its content decides which.
+
+    Returns `Recordings` for raw data.
+
+    `settings` are those of the run, as an object or a path: with them, labels name wells. `ticks_per_second` is how many
+    of the instrument's time units a second has, for times in seconds. With `unfinished`, a recording that its writer is
+    still writing can be read as far as it is whole. With `partial`, a damaged file is read up to the damage, which is
+    otherwise an error.
+
+    Raises the `OSError` of the system if the file can't be read, `UnknownFileError` if it isn't one of ours, and
+    `DamagedFileError` if it is damaged.
+    """
+    kind = kind_of(path)
+    if kind == "raw":
+        return Recordings(path, settings=settings, ticks_per_second=ticks_per_second, unfinished=unfinished,
+                          partial=partial)
+    raise UnknownFileError(errno.EINVAL, "The file isn't one of the system", os.fsdecode(path))

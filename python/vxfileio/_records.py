@@ -1,0 +1,80 @@
+"""What all record classes of the binding have in common: `repr`, comparison, pickling, and a form as plain values."""
+
+from __future__ import annotations
+
+from types import MappingProxyType
+from typing import Any, Iterable
+
+from ._text import printable, table
+
+
+def plain(value: Any) -> Any:
+    """Returns a value with its mappings as `dict`, as it can be pickled or assigned."""
+    if isinstance(value, MappingProxyType):
+        return {key: plain(entry) for key, entry in value.items()}
+    if isinstance(value, tuple):
+        return tuple(map(plain, value))
+    return value
+
+
+def fields_of(record: Any) -> dict[str, Any]:
+    """Returns the attributes of a record by their names."""
+    return {name: plain(getattr(record, name)) for name in record._fields}
+
+
+def to_dict(record: Any) -> dict[str, Any]:
+    """Returns the attributes of a record by their names, and of all records in it."""
+    def deep(value: Any) -> Any:
+        if hasattr(value, "_fields"):
+            return to_dict(value)
+        if isinstance(value, dict):
+            return {key: deep(entry) for key, entry in value.items()}
+        return tuple(map(deep, value)) if isinstance(value, tuple) else value
+
+    return {name: deep(value) for name, value in fields_of(record).items()}
+
+
+def rebuild(made: type, fields: dict[str, Any], more: dict[str, Any]) -> Any:
+    """Makes a record with these attributes, and with what its Python class adds."""
+    record = made(**fields)
+    if more:
+        record.__dict__.update(more)
+    return record
+
+
+def brief(value: Any) -> str:
+    """Returns a short text for a value: containers of records by their number."""
+    if isinstance(value, (tuple, MappingProxyType)) and len(value) > 4:
+        return f"<{len(value)} entries>"
+    if isinstance(value, MappingProxyType):
+        return repr(dict(value))
+    return repr(value)
+
+
+def _repr(record: Any) -> str:
+    shown = ", ".join(f"{name}={brief(getattr(record, name))}" for name in record._fields)
+    return printable(f"{type(record).__name__}({shown})")
+
+
+def _repr_html(record: Any) -> str:
+    rows = [(name, brief(getattr(record, name))) for name in record._fields]
+    return table(type(record).__name__, ("attribute", "value"), rows, most_rows=len(rows))
+
+
+def _reduce(record: Any) -> tuple:
+    return rebuild, (type(record), fields_of(record), getattr(record, "__dict__", {}))
+
+
+def _equal(record: Any, other: Any) -> Any:
+    if not isinstance(other, type(record)) and not isinstance(record, type(other)):
+        return NotImplemented
+    return all(plain(getattr(record, name)) == plain(getattr(other, name)) for name in record._fields)
+
+
+def adopt(classes: Iterable[type]) -> None:
+    """Gives record classes of the binding what they have in common."""
+    common = {"__repr__": _repr, "_repr_html_": _repr_html, "__reduce__": _reduce, "__eq__": _equal, "__hash__": None,
+              "to_dict": to_dict}
+    for made in classes:
+        for name, function in common.items():
+            setattr(made, name, function)

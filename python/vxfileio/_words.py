@@ -1,0 +1,27 @@
+"""The enumerations: their members are the words that files hold."""
+
+import enum
+from typing import Sequence
+
+
+class Word(enum.StrEnum):
+    """A word of an enumeration. Compares, hashes and prints like the `str` that it is."""
+
+    __hash__ = str.__hash__
+
+    @property
+    def number(self) -> int:
+        """The number by which C++ knows the word."""
+        return list(type(self)).index(self)
+
+
+def identifier(word: str) -> str:
+    """Returns the name of a member: `NaAmplitude` for "Na-Amplitude", `L8x12` for "8x12"."""
+    name = word.replace("-", "")
+    return "L" + name if name[0].isdigit() else name
+
+
+def make(name: str, words: Sequence[str]) -> type[Word]:
+    """Makes an enumeration of these words."""
+    made = Word(name, [(identifier(word), word) for word in words], module="vxfileio")  # type: ignore[call-overload]
+    return made

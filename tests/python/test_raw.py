@@ -1,0 +1,208 @@
+"""Raw data files, compared with the second reader in tests/reference."""
+
+import concurrent.futures
+import copy
+import pickle
+
+import numpy as np
+import pytest
+import read_vxd
+import vxfileio as vx
+from conftest import REFERENCE
+
+FILES = sorted(REFERENCE.glob("*.vxd"))
+RUN = REFERENCE / "several_recordings.vxd"
+
+
+def expected_samples(file, recording):
+    """Returns samples and times of each well, by the second reader."""
+    samples = {well.id: [] for well in recording.wells}
+    times = {well.id: [] for well in recording.wells}
+    ticks = {well.id: well.ticks for well in reversed(recording.wells)}
+    for segment in file.segments(recording):
+        samples.setdefault(segment.well, []).extend(segment.samples)
+        span = segment.time_to - segment.time_from
+        tick = ticks.get(segment.well, 0)
+        if tick <= 0:
+            tick = max(span // (len(segment.samples) - 1), 1) if len(segment.samples) > 1 else 1
+        times.setdefault(segment.well, []).extend(segment.time_from + i * tick for i in range(len(segment.samples)))
+    return samples, times
+
+
+@pytest.mark.filterwarnings("ignore::vxfileio.MissingSamplesWarning")
+@pytest.mark.parametrize("path", FILES, ids=lambda path: path.stem)
+def test_samples_times_and_errors_are_those_of_the_second_reader(path):
+    try:
+        theirs = read_vxd.RawDataFile(path)
+    except read_vxd.RawDataError as error:
+        with pytest.raises(vx.FileError) as raised:
+            vx.open(path)
+        assert raised.value.filename == str(path)
+        assert str(error) in str(raised.value) or path.stem == "not_ours"
+        return
+    with theirs, vx.open(path) as run:
+        assert len(run.recordings) == len(theirs.recordings)
+        for ours, recording in zip(run.recordings, theirs.recordings):
+            assert ours.task.encode("utf-8", "surrogateescape") == recording.fields["TaskName"]
+            assert (ours.number, ours.dose) == (recording.fields["Recording"], recording.fields["Dose"])
+            if not read_vxd.is_finished(recording):
+                with pytest.raises(vx.UnfinishedRecordingError):
+                    ours.read()
+                continue
+            if recording.fields["FPosRecordingData"] in (recording.fields["FPosNextRecordingHdr"], path.stat().st_size):
+                assert ours.segments().size == 0  # finished and empty
+                continue
+            try:
+                samples, times = expected_samples(theirs, recording)
+            except read_vxd.RawDataError as error:
+                with pytest.raises(vx.DamagedFileError, match=str(error)):
+                    ours.read()
+                continue
+            assert {well: list(array) for well, array in ours.read().items()} == samples
+            for well, expected in times.items():
+                assert list(ours.times(well)) == expected
+
+
+def test_header_has_every_cell():
+    with read_vxd.RawDataFile(RUN) as theirs, vx.open(RUN) as ours:
+        for key, value in theirs.header.items():
+            found = getattr(ours.header, key)
+            if isinstance(value, bytes):
+                found = found.encode("utf-8", "surrogateescape")
+            assert found == (tuple(value) if isinstance(value, list) else value), key
+        for recording, expected in zip(ours.recordings, theirs.recordings):
+            channels = [read_vxd.Channel(c.ID, c.Ticks, c.UnitsPerAD, c.ADZero) for c in recording.header.WellChannels]
+            assert channels == expected.wells
+            assert recording.header.RecordingStartTime == expected.fields["RecordingStartTime"]
+
+
+def test_recordings_are_found_by_number_and_by_task():
+    run = vx.open(RUN)
+    assert run.recordings["Series", 2147483647] is run.recordings[2] is run.recordings[-2]
+    assert [r.task for r in run.recordings[:2]] == ["PreQC", "CompoundTest"]
+    for key in (4, -5, ("Series", 1)):
+        with pytest.raises(vx.NoSuchRecordingError) as raised:
+            run.recordings[key]
+        assert isinstance(raised.value, (LookupError, ValueError)) and raised.value.filename == str(RUN)
+
+
+def test_values_are_scaled_and_windows_are_half_open():
+    recording = vx.open(RUN).recordings[0]
+    assert recording.values(1) == pytest.approx([(s - 32768) * 0.0002 for s in (1, 2, 3, 6)])
+    assert list(recording.samples(1, 100, 300)) == [2, 3]
+    assert list(recording.times(1, start=101)) == [200, 300]
+    assert recording.samples(1, 200, 200).size == recording.samples(1, stop=-(2**70)).size == 0
+    assert list(recording.samples(1, -(2**70), 2**70)) == [1, 2, 3, 6]
+
+
+def test_gaps_begin_runs():
+    recording = vx.open(REFERENCE / "several_recordings.vxd").recordings[0]
+    assert recording.runs(2).tolist() == [(0, 50, 3, 0)]
+    assert recording.segments().dtype.names == ("well", "samples", "time_from", "time_to", "offset")
+
+
+def test_read_fills_the_callers_arrays_and_leaves_the_rest():
+    recording = vx.open(RUN).recordings[0]
+    room = np.full(6, 9, np.uint16)
+    result = recording.read([1], out={1: room})
+    assert result[1].base is room and list(room) == [1, 2, 3, 6, 9, 9]
+    for wrong in (np.zeros(3, np.uint16), np.zeros(4), np.zeros(8, np.uint16)[::2], [0] * 4):
+        with pytest.raises(vx.UsageError, match="contiguous"):
+            recording.read([1], out={1: wrong})
+
+
+def test_wells_that_are_not_there_are_errors():
+    recording = vx.open(RUN).recordings[0]
+    with pytest.raises(vx.NoSuchWellError, match="no well 5"):
+        recording.samples(5)
+    with pytest.raises(vx.UsageError, match="needs the settings"):
+        recording.samples("B7")
+    with pytest.raises(vx.UsageError, match="at least one"):
+        recording.read([])
+
+
+def test_seconds_need_ticks_per_second():
+    with pytest.raises(vx.UsageError, match="ticks_per_second"):
+        vx.open(RUN).recordings[0].seconds(1)
+    assert list(vx.open(RUN, ticks_per_second=1000).recordings[0].seconds(1)) == [0, 0.1, 0.2, 0.3]
+
+
+def test_unfinished_recording_is_read_on_request():
+    recording = vx.open(REFERENCE / "unfinished.vxd", unfinished=True).recordings[1]
+    assert not recording.finished
+    assert recording.certain_samples <= sum(map(len, recording.read().values()))
+
+
+def test_damaged_recording_is_read_up_to_the_damage_on_request():
+    recording = vx.open(REFERENCE / "circle_of_segments.vxd", partial=True).recordings[0]
+    assert recording.damage == "Error reading Data Segment Header"
+    assert recording.segments().size > 0
+
+
+def test_missing_samples_are_reported():
+    with pytest.warns(vx.MissingSamplesWarning, match="3 samples of well 12"):
+        assert list(vx.open(REFERENCE / "cut_samples.vxd").recordings[0].samples(12)) == [7, 52, 0, 0]
+
+
+def test_closing_ends_reading_but_arrays_stay():
+    with vx.open(RUN) as run:
+        samples = run.recordings[0].samples(1)
+    assert run.closed and list(samples) == [1, 2, 3, 6]
+    with pytest.raises(vx.UsageError, match="closed"):
+        run.recordings[0].samples(1)
+    run.close()
+
+
+def test_pickles_reopen_the_file(tmp_path, monkeypatch):
+    (tmp_path / "run.vxd").write_bytes(RUN.read_bytes())
+    monkeypatch.chdir(tmp_path)
+    run = vx.open("run.vxd", ticks_per_second=10)
+    monkeypatch.chdir("/")
+    for protocol in range(pickle.HIGHEST_PROTOCOL + 1):
+        again = pickle.loads(pickle.dumps(run.recordings[0], protocol))
+        assert list(again.samples(1)) == [1, 2, 3, 6] and again.run.ticks_per_second == 10
+    assert len(copy.deepcopy(run).recordings) == 4
+
+
+def test_threads_read_at_once():
+    recordings = vx.open(RUN).recordings
+    with concurrent.futures.ThreadPoolExecutor(4) as pool:
+        results = list(pool.map(lambda _: recordings[0].samples(1).tolist(), range(200)))
+    assert results == [[1, 2, 3, 6]] * 200
+
+
+def test_frames_have_a_row_per_sample():
+    pandas = pytest.importorskip("pandas")
+    frame = vx.open(RUN, ticks_per_second=100).recordings[0].to_dataframe([1, 2], scaled=False)
+    expected = pandas.DataFrame({"well": [1, 1, 1, 1, 2, 2, 2], "time": [0, 100, 200, 300, 0, 50, 100],
+                                 "seconds": [0, 1, 2, 3, 0, 0.5, 1], "value": [1, 2, 3, 6, 4, 5, 65535]})
+    pandas.testing.assert_frame_equal(frame, expected, check_dtype=False)
+
+
+def test_datasets_share_dimensions_of_equal_times():
+    pytest.importorskip("xarray")
+    data = vx.open(REFERENCE / "small_example.vxd").recordings[0].to_xarray(scaled=False)
+    assert data["11"].dims == data["12"].dims == ("time",)
+    assert data["11"].values.tolist() == [1, 256, 65535, 32768] and data["time"].values.tolist() == [0, 100, 200, 300]
+    assert vx.open(RUN).recordings[0].to_xarray()["2"].dims == ("time_2",)
+
+
+def test_representations_are_printable_and_escaped(tmp_path):
+    path = tmp_path / "<b>&.vxd"
+    path.write_bytes((REFERENCE / "awkward_text.vxd").read_bytes())
+    run = vx.open(path)
+    for thing in (run, run.recordings[4], run.header):
+        repr(thing).encode("utf-8")
+        html = thing._repr_html_()
+        html.encode("utf-8")
+        assert "<b>" not in html
+    assert "&lt;b&gt;&amp;" in run._repr_html_()
+
+
+@pytest.mark.parametrize("name, kind", [("small_example.vxd", "raw"), ("xml/settings.vxs", "settings"),
+                                        ("xml/results_indented.vxr", "results"), ("workbooks/small.xls", "workbook"),
+                                        ("read_vxd.py", "unknown")])
+def test_kind_is_that_of_the_content(name, kind, tmp_path):
+    copied = tmp_path / "any name"
+    copied.write_bytes((REFERENCE / name).read_bytes())
+    assert vx.kind_of(copied) == kind
