@@ -124,7 +124,7 @@ class CAccountant {
         Found().segments.push_back(found);
     }
 
-    /// The last segment of an input that ends within its samples.
+    /// Takes the last segment if the input ends within its samples.
     void TakeCut(const CPiece& piece, const CCandidate& segment) {
         const std::int64_t there = (m_window.Size() - segment.end) / 2;
         const bool canKeep = there > 0 && piece.tick > 0;
@@ -172,7 +172,7 @@ class CAccountant {
         }
     }
 
-    /// Doubts the recording of a segment after a gap with room for the header of one.
+    /// Reports that the recording of a segment is in doubt if it follows a gap with room for a recording header.
     void DoubtRecording(std::int64_t gap) {
         const CPiece& piece = m_pieces[m_index];
         const CCandidate& segment = CandidateOf(piece);
@@ -182,14 +182,14 @@ class CAccountant {
                 {.reason = EReason::OtherRecording, .from = segment.begin, .to = piece.end, .wellID = WellOf(segment)});
     }
 
-    /// Returns how far positions pointed beside what they mean before a piece, if it changed nothing.
+    /// Returns the shift of positions before a piece.
     std::int64_t ShiftBefore(const CPiece& piece) const {
         const CCandidate& candidate = CandidateOf(piece);
         return candidate.kind == EKind::File ? piece.shift : m_shift - candidate.moved;
     }
 
-    /// Tells whether a position points elsewhere, and no later one shows that it is damaged: bytes may be missing or
-    /// have been put in before it.
+    /// Returns whether a position has another shift and no later one proves it wrong: bytes may be missing before it,
+    /// or inserted there.
     bool IsAloneAstray(const CPiece& piece) const {
         if (!piece.hasOwnShift || piece.ownShift == m_shift) return false;
         for (std::size_t i = m_index + 1; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
@@ -199,7 +199,7 @@ class CAccountant {
         return true;
     }
 
-    /// A file that begins where samples of a segment ahead should lie was joined to a cut one, or is those samples.
+    /// A file that begins among the samples of a segment was either appended to a cut file or stored as these samples.
     void DoubtFile(const CCandidate& file) {
         const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
         const std::int64_t end = segment.end + 2 * segment.size;
@@ -221,7 +221,7 @@ class CAccountant {
         Lose(std::move(remark));
     }
 
-    /// The header of a recording is lost. What is left of its cells stays.
+    /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
         const std::int64_t told = m_nextRecording == kLost ? m_end : PlaceOf(m_nextRecording);
         const bool isTold = told >= m_end && told < begin;
@@ -237,8 +237,8 @@ class CAccountant {
         m_nextKey = kNextRecording;
     }
 
-    /// Doubts the segment before a gap, or before a place from where positions point elsewhere: the bytes that were put
-    /// in or taken out may have been in its samples.
+    /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
+    /// inserted into its samples or removed from them.
     void DoubtSegmentBefore(bool isGap) {
         const CPiece& piece = m_pieces[m_index];
         const CCandidate& candidate = CandidateOf(piece);
@@ -261,8 +261,8 @@ class CAccountant {
         DoubtPiece(reason, *Before());
     }
 
-    /// Returns how far positions point beside what they mean from the current piece on, as the next one says whose
-    /// position is right; `kLost` if none does before another file begins.
+    /// Returns the shift of the current piece, as the next piece with a correct position shows; `kLost` if there is
+    /// none in this file.
     std::int64_t NextOwnShift() const {
         for (std::size_t i = m_index; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
             const CPiece& piece = m_pieces[i];
@@ -279,7 +279,7 @@ class CAccountant {
         EndFile(m_window.Size());
     }
 
-    /// Compares the last positions of a file with where it ends: with the input, or where another file begins.
+    /// Compares the last positions of a file with its end: the end of the input, or the offset of another file.
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
@@ -305,8 +305,8 @@ class CAccountant {
         LoseAtEnd(std::move(remark));
     }
 
-    /// Compares a last position with the end of its file. A position is set only after what it points at is written;
-    /// what lies in a gap is lost with it.
+    /// Compares a last position with the end of its file. A writer sets a position only after writing what it points
+    /// at. What is in a gap is reported with the gap.
     void EndPosition(const char* key, std::int64_t told, std::int64_t end, EReason reason) {
         if (told == kLost || told == kUnset) return;
         const std::int64_t place = PlaceOf(told);
@@ -319,15 +319,15 @@ class CAccountant {
 
     // ---- Remarks ----------------------------------------------------------------------------------------------------
 
-    /// Returns the offset that a position means here.
+    /// Returns the offset in the input that a position points at.
     std::int64_t PlaceOf(std::int64_t position) const { return IsPosition(position) ? position - m_shift : position; }
 
     static std::optional<std::int32_t> WellOf(const CCandidate& candidate) {
         return candidate.kind == EKind::Segment ? std::optional(candidate.well) : std::nullopt;
     }
 
-    /// Compares a position with what is there. What is there counts. In a recording that was
-    /// never finished, -1 may not have been set yet.
+    /// Compares a position with the actual offset, which is what the new file gets. In an unfinished recording, -1 may
+    /// not have been replaced yet.
     void Compare(const char* key, std::int64_t told, std::int64_t should, const CRemark& where) {
         if (told == should || told == kLost) return;
         m_account.isStraight = false;
@@ -340,7 +340,7 @@ class CAccountant {
         Doubt(std::move(remark));
     }
 
-    /// Compares the position of the segment before with what follows it.
+    /// Compares the position of the previous segment with what follows it.
     void CompareNext(bool isFollowed) {
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
@@ -390,7 +390,7 @@ class CAccountant {
         remarks.Add(std::move(remark));
     }
 
-    static constexpr std::size_t kMostSteps = 64;  ///< Pieces that a look ahead takes in.
+    static constexpr std::size_t kMostSteps = 64;  ///< How many pieces to look ahead.
 
     CWindow& m_window;
     const CCandidates& m_candidates;
@@ -399,13 +399,13 @@ class CAccountant {
     bool m_isGrowing;
     CAccount m_account;
     std::size_t m_index = 0;
-    std::int64_t m_end = 0;                  ///< Where the last piece ends.
-    std::int64_t m_shift = 0;                ///< That of the last piece.
-    std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, as the last header says.
+    std::int64_t m_end = 0;                  ///< The end of the last piece.
+    std::int64_t m_shift = 0;                ///< The shift of the last piece.
+    std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };
 
-/// A walk along the positions.
+/// Follows the positions from header to header.
 class CFollower {
  public:
     CFollower(CWindow& window, const CReach& reach) : m_window(window), m_reach(reach) {}
@@ -431,12 +431,12 @@ class CFollower {
     }
 
  private:
-    /// Takes a whole header with its samples, once.
+    /// Records a header and its samples. Returns false if the header is damaged or was recorded before.
     bool Take(const CCandidate& header, std::int64_t end) {
         return header.IsWhole() && end <= m_window.Size() && m_ends.emplace(header.begin, end).second;
     }
 
-    /// Takes the segments of a recording. Without any, its position points at what follows it.
+    /// Takes the segments of a recording. The position of an empty recording points at what follows it.
     bool TakeSegments(std::int64_t first) {
         for (std::int64_t position = first; position != kUnset;) {
             m_reach(position);
@@ -452,7 +452,7 @@ class CFollower {
         return true;
     }
 
-    /// Loses the bytes that no position leads to. Returns false if some belong to two things.
+    /// Reports the bytes that no position points at as lost. Returns false if headers or samples overlap.
     bool ReportGaps() {
         m_ends.emplace(m_window.Size(), m_window.Size());
         std::int64_t end = 0;
@@ -467,7 +467,7 @@ class CFollower {
     CWindow& m_window;
     const CReach& m_reach;
     CFound m_found;
-    std::map<std::int64_t, std::int64_t> m_ends;  ///< Of what was taken, by where it begins.
+    std::map<std::int64_t, std::int64_t> m_ends;  ///< The ends of headers with their samples, by offset.
 };
 
 }  // namespace

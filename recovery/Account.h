@@ -7,23 +7,23 @@
 #include "recovery/Found.h"
 
 /// @file
-/// Step 4: what the explanation assumes is a doubt, what it leaves out is a loss.
+/// Step 4: reports what the explanation assumes as a doubt, and what it leaves out as a loss.
 
 namespace vxfileio::recovery {
 
-/// What an account says.
+/// The recordings and segments of the input, with losses and doubts.
 struct CAccount {
     CFound found;
-    bool isStraight = true;  ///< Every position points at what comes next in the input.
+    bool isStraight = true;  ///< Each position points at what comes next in the input.
 };
 
-/// Returns the recordings and segments of an explanation, with its losses and doubts. `keepCut` keeps a last segment
-/// that was cut, up to its last whole sample.
+/// Returns the recordings and segments of an explanation, with its losses and doubts. `keepCut` keeps the whole samples
+/// of a last segment that is cut.
 CAccount AccountFor(CWindow& window, const CCandidates& candidates, const std::vector<CPiece>& pieces, bool keepCut,
                     bool isGrowing);
 
-/// Returns what a reader finds that goes from position to position, in its order. Returns nothing unless every header
-/// on its way is whole.
+/// Returns what a reader finds by following the positions, in that order. Returns nothing unless every header on the
+/// way is whole.
 std::optional<CFound> FollowPositions(CWindow& window, const CReach& reach);
 
 }  // namespace vxfileio::recovery

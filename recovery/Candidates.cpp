@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{64} << 10;
 
-/// A cell that shows where its header begins: it has this key, and its offset in the header is known.
+/// A cell that locates its header, by its key and its offset in the header.
 struct CAnchor {
     EKind kind;
     std::string_view key;
@@ -40,13 +40,13 @@ auto WithHdr(const CLayout& layout, EKind kind, Act act) {
     return act(layout.segment);
 }
 
-/// Returns a position as the cell with this key has it.
+/// Returns the position in the cell with this key, or `kLost`.
 std::int64_t PositionIn(const auto& layout, std::string_view key, std::string_view bytes, const CDamage& damage) {
     const auto& cell = layout[key];
     return damage.lost[layout.RowOf(cell)] ? kLost : helpers::ParseInt64(CellValue(CellIn(cell, bytes)));
 }
 
-/// Sets what a segment header says.
+/// Sets the fields of a segment header.
 void FillSegment(const CLayout& layout, std::string_view bytes, const CDamage& damage, CCandidate& candidate) {
     const auto& cells = layout.segment;
     const auto isLost = [&](std::string_view key) { return damage.lost[cells.RowOf(cells[key])]; };
@@ -64,7 +64,7 @@ void FillSegment(const CLayout& layout, std::string_view bytes, const CDamage& d
     if (candidate.noSize && candidate.IsWhole()) candidate.damaged = 1;
 }
 
-/// Returns what a header at a place says, in one layout. Channels are added only when the candidate is kept.
+/// Reads a header in one layout. The wells are read only when the candidate is kept.
 CCandidate Read(CWindow& window, EKind kind, std::size_t layout, const CHdrPlace& place) {
     const CLayout& all = Layouts()[layout];
     return WithHdr(all, kind, [&](const auto& cells) {
@@ -95,12 +95,12 @@ bool KnowsItsPlace(const CCandidate& candidate) { return candidate.next == candi
 
 bool MostIsWhole(const CCandidate& candidate) { return candidate.whole >= candidate.damaged; }
 
-/// Tells whether segments of a candidate's times and size exist.
+/// Returns whether an interval exists that fits the times and the size.
 bool IsConsistent(const CCandidate& candidate) {
     return !TicksOf(candidate.from, candidate.to, candidate.size).IsEmpty();
 }
 
-/// The search, one `=` after the other: all numbers have one, so each header that isn't lost altogether is found.
+/// Searches for `=`: every number has one, so each header with a legible cell is found.
 class CSearch {
  public:
     CSearch(CWindow& window, const CReach& reach, CCandidates& found)
@@ -131,7 +131,7 @@ class CSearch {
  private:
     static constexpr std::int64_t kLongestKey = 32;
 
-    /// The rows of a header that are whole, for joining the parts of one that bytes were put into.
+    /// The whole rows of a part of a header, for joining the parts before and after inserted bytes.
     struct CPart {
         EKind kind;
         std::size_t layout;
@@ -190,7 +190,7 @@ class CSearch {
         m_found.list.push_back(candidate);
     }
 
-    /// Joins this part of a header with an earlier one, if bytes were put in or taken out between them.
+    /// Joins this part of a header with an earlier one, in case bytes were inserted or removed between them.
     void JoinParts(EKind kind, std::int64_t begin) {
         for (std::size_t layout = 0; layout < Layouts().size(); ++layout) {
             WithHdr(Layouts()[layout], kind, [&](const auto& cells) {
@@ -218,7 +218,7 @@ class CSearch {
         if (front.kind != rear.kind || front.layout != rear.layout || moved == 0 ||
             std::abs(moved) >= static_cast<std::int64_t>(cells.size) || front.lastWhole >= rear.firstWhole)
             return;
-        // The rear must lie after the front: some keys occur twice in a header.
+        // The rear must be after the front: some keys occur twice in a header.
         if (rear.begin + static_cast<std::int64_t>(cells.cells[rear.firstWhole].offset) <
             front.begin + static_cast<std::int64_t>(cells.cells[front.lastWhole].End()))
             return;
@@ -229,7 +229,7 @@ class CSearch {
         if (joined.damaged <= missing) Keep(joined);
     }
 
-    /// The last cell of a header has no other after it: its line end shows by how much the cell grew or shrank.
+    /// No cell follows the last one, so its line end shows by how much it grew or shrank.
     void FindLineEnd(const CCandidate& candidate) {
         const auto& cells = Layouts()[candidate.layout].segment;
         const auto& last = cells.cells.back();
@@ -251,8 +251,8 @@ class CSearch {
         }
     }
 
-    /// Goes on after the samples of a segment that is proved from both ends: its position and that of the header after
-    /// the samples count from the same byte.
+    /// Continues after the samples of a segment that the next header confirms: the positions of both have the same
+    /// shift.
     void SkipSamples(const CCandidate& segment) {
         if (!IsConsistent(segment)) return;
         const std::int64_t end = segment.end + 2 * segment.size;
@@ -281,7 +281,7 @@ class CSearch {
     std::set<std::pair<std::int64_t, EKind>> m_seen;
     std::vector<CPart> m_parts;
     std::int64_t m_goOn = 0;
-    std::int64_t m_shift = 0;  ///< How far positions point beside what they mean, as far as that is proved.
+    std::int64_t m_shift = 0;  ///< The last confirmed shift of positions.
 };
 
 }  // namespace
@@ -334,7 +334,7 @@ CWellList WellListOf(CWindow& window, const CCandidate& recording, std::int64_t 
 
 namespace {
 
-/// Two versions can read the end of one header: the reading with more whole cells stays.
+/// Both versions may fit the end of a header: keeps the reading with more whole cells.
 void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
     const auto rank = [](const CCandidate& candidate) {
         return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.damaged);

@@ -10,14 +10,14 @@
 #include "recovery/Input.h"
 
 /// @file
-/// Step 1: every header that proves itself, in any layout, at any offset.
+/// Step 1: finds every header that can be recognised, in any layout, at any offset.
 
 namespace vxfileio::recovery {
 
 /// A position that can't be read from its cell.
 inline constexpr std::int64_t kLost = std::numeric_limits<std::int64_t>::min();
 
-/// Positions beyond this are of no file, so that sums stay in range.
+/// Larger positions are invalid, so that sums don't overflow.
 inline constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max() / 4;
 
 constexpr bool IsPosition(std::int64_t position) { return position >= 0 && position <= kFarthest; }
@@ -26,10 +26,11 @@ enum class EKind : std::uint8_t { File, Recording, Segment };
 
 /// Bytes that may be a header.
 struct CCandidate {
-    std::int64_t begin = 0;  ///< Offset of its first byte, or where that would be.
-    std::int64_t claim = 0;  ///< Offset of its first undamaged cell: what lies before may belong to something else.
+    std::int64_t begin = 0;  ///< Offset of its first byte, or of where it would be.
+    std::int64_t claim = 0;  ///< Offset of its first undamaged cell; the bytes before may be something else.
     std::int64_t end = 0;    ///< Offset of the byte after the header.
-    /// The position in it: of the first recording (file), the data (recording) or the next segment. Or `kLost`.
+    /// The position of the first recording (file), the data (recording) or the next segment; `kLost` if it can't be
+    /// read.
     std::int64_t next = kLost;
     std::int64_t from = 0;  ///< Segment: time of the first sample. Recording: the position of the next one, or `kLost`.
     std::int64_t to = 0;    ///< Segment: time of the last sample.
@@ -40,7 +41,7 @@ struct CCandidate {
     EKind kind = EKind::Segment;
     std::uint8_t layout = 0;   ///< Index in `Layouts()`.
     std::uint8_t damaged = 0;  ///< Number of damaged cells.
-    std::uint8_t whole = 0;    ///< Number of others.
+    std::uint8_t whole = 0;    ///< Number of undamaged cells.
     /// @name Segment: cells that are lost
     /// @{
     bool noID = false;
@@ -53,9 +54,9 @@ struct CCandidate {
     bool IsWhole() const { return damaged == 0; }
 };
 
-/// The channels that a recording header lists, and how far the list can be trusted.
+/// The wells that a recording header lists, and which parts of the list are reliable.
 struct CWellList {
-    std::vector<std::pair<std::int32_t, std::int64_t>> wells;  ///< ID and interval; 0 where that is lost.
+    std::vector<std::pair<std::int32_t, std::int64_t>> wells;  ///< ID and interval; 0 if it is lost.
     bool knowsWells = false;
     bool knowsTicks = false;
 
@@ -71,20 +72,21 @@ struct CCandidates {
     std::vector<CWellList> wellLists;
 };
 
-/// Is told how far a step is, as an offset. May throw to end it.
+/// Receives the offset reached so far. May throw to stop.
 using CReach = std::function<void(std::int64_t)>;
 
-/// Searches an input for headers. Samples of a segment are skipped if its header is whole and the header after the
-/// samples agrees.
+/// Searches an input for headers. Skips the samples of a segment if its header is whole and the header after the
+/// samples confirms it.
 CCandidates FindCandidates(CWindow& window, const CReach& reach);
 
-/// Returns what a header at an offset says in the layout that fits best, however little that is.
+/// Reads a header at an offset, in the layout that fits best. Few or no cells may be whole.
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset);
 
-/// Returns the wells that a recording header lists; cells that end after `cutAt` are lost.
+/// Returns the wells that a recording header lists. Cells that end after `cutAt` are lost.
 CWellList WellListOf(CWindow& window, const CCandidate& recording, std::int64_t cutAt);
 
-/// Tells whether a header seems to begin at an offset: at least half of its cells are whole, or the input ends in it.
+/// Returns whether a header seems to begin at an offset: at least half of its cells are whole, or the input ends within
+/// it.
 bool LooksLikeHeader(CWindow& window, std::int64_t offset);
 
 /// Returns the damage of a candidate's cells.

@@ -13,7 +13,7 @@ using namespace rawdata;
 
 namespace {
 
-/// Tells whether a well-formed number is possible: positions start at -1, and a list has limited room.
+/// Returns whether a well-formed number is possible: positions are -1 or more, and a list has limited room.
 bool IsPossible(const auto& cell, std::string_view bytes) {
     const std::int64_t value = helpers::ParseInt64(CellValue(bytes));
     if (cell.traits.role == ERole::UnusedPosition) return value == kUnset;
@@ -30,8 +30,8 @@ bool IsDamaged(const auto& cell, std::string_view bytes) {
     return fault ? fault->kind != ECellFault::Separator : !IsPossible(cell, bytes);
 }
 
-/// Tells whether the text of a damaged cell would be whole in an undamaged one. A single NUL needn't be its end: it may
-/// have been a character. A line end within the text may be that of the cell, followed by another cell.
+/// Returns whether the text of a damaged cell is reliable. A single NUL may be a damaged character instead of the end.
+/// A line end within the text may be that of this cell, with another cell after it.
 bool IsLegible(const auto& cell, std::string_view bytes) {
     const std::string_view text = CellText(bytes);
     if (text.size() + kCellEndSize + 1 > cell.width) return false;

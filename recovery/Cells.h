@@ -9,27 +9,27 @@
 #include "vxfileio/rawdata/Layout.h"
 
 /// @file
-/// Which cells of a header are as a writer leaves them. Readers trust cells; a search for headers can't.
+/// Finds the damaged cells of a header. Readers trust cells; a search for headers can't.
 
 namespace vxfileio::recovery {
 
 /// One bit per row of a header's layout.
 using CRows = std::bitset<32>;
 
-/// What became of the cells of a header.
+/// The damage to the cells of a header.
 struct CDamage {
     CRows damaged;  ///< Not as a writer leaves them, or impossible numbers.
-    CRows lost;     ///< Of these, those whose value can't be relied on; of the others only what surrounds it.
-    CRows odd;      ///< Texts with separators, which are damaged or which some program wrote so.
+    CRows lost;     ///< Damaged cells whose value is unreliable. In the others only the bytes around it are damaged.
+    CRows odd;      ///< Texts with separators: damaged, or written so by some program.
 
     void Lose(std::size_t row) { damaged[row] = lost[row] = true; }
 };
 
-/// Where the bytes of a header lie. Bytes put into a header, or taken out of it, move the rows after the hit.
+/// The location of a header. Bytes inserted into it or removed from it move the rows after that place.
 struct CHdrPlace {
     std::int64_t begin = 0;
     std::size_t movedRow = 0;  ///< The first row that moved, if `moved` isn't 0.
-    std::int64_t moved = 0;    ///< By how many bytes.
+    std::int64_t moved = 0;    ///< By how many bytes it moved.
 
     std::int64_t OffsetOf(const auto& layout, std::size_t row) const {
         return begin + static_cast<std::int64_t>(layout.cells[row].offset) + (row >= movedRow ? moved : 0);
@@ -37,7 +37,7 @@ struct CHdrPlace {
     std::int64_t End(const auto& layout) const { return begin + static_cast<std::int64_t>(layout.size) + moved; }
 };
 
-/// Returns the bytes of a header without what moved its rows; NUL where there are none.
+/// Returns the bytes of a header with the moved rows in their places. Bytes outside the input are NUL.
 template <class Layout>
 std::string HdrBytes(auto& window, const Layout& layout, const CHdrPlace& place) {
     std::string bytes(layout.size, '\0');
@@ -50,7 +50,7 @@ std::string HdrBytes(auto& window, const Layout& layout, const CHdrPlace& place)
 }
 
 /// @name Damage
-/// Returns what became of the cells of a header; `bytes` are the whole header.
+/// Returns the damage to the cells of a header; `bytes` is the whole header.
 /// @{
 CDamage DamageOf(const rawdata::CHdrLayout<rawdata::CFileCell>& layout, std::string_view bytes);
 CDamage DamageOf(const rawdata::CHdrLayout<rawdata::CRecordingCell>& layout, std::string_view bytes);

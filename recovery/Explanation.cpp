@@ -23,7 +23,7 @@ constexpr std::int32_t kNone = -1;
 struct CNode {
     CPiece piece;
     std::int32_t cost = 0;
-    std::int32_t other = std::numeric_limits<std::int32_t>::max();  ///< Cost of the best way with another piece ahead.
+    std::int32_t other = std::numeric_limits<std::int32_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t parent = kNone;
     std::int32_t recording = kNone;  ///< The node that began the recording.
     std::int32_t wholeBefore = 0;    ///< Number of whole candidates up to this one.
@@ -45,14 +45,14 @@ bool IsRecordingHdrSize(std::int64_t bytes) {
         Layouts(), [&](const CLayout& layout) { return bytes == static_cast<std::int64_t>(layout.recording.size); });
 }
 
-/// Returns the number of samples that these times make, or nothing if no segment has it.
+/// Returns the number of samples between two times, or nothing if no segment can have that many.
 std::optional<std::int64_t> SamplesBetween(std::int64_t from, std::int64_t to, std::int64_t tick) {
     const auto count = SampleCount(from, to, tick);
     if (!count || *count > std::uint64_t{kMostSamples}) return std::nullopt;
     return static_cast<std::int64_t>(*count);
 }
 
-/// Returns how far a candidate's own position points beside what it means, if it has one.
+/// Returns the shift by a candidate's own position, if it has one.
 std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
     if (!candidate.IsWhole() || !IsPosition(candidate.next)) return std::nullopt;
     if (candidate.kind == EKind::File) return -candidate.begin;
@@ -95,7 +95,7 @@ class CExplainer {
     bool IsStart(const CNode& node) const { return node.parent == kNone; }
     bool IsOf(const CNode& node, EKind kind) const { return !IsStart(node) && CandidateOf(node).kind == kind; }
 
-    /// Opens the nodes that end by here: something else may follow them.
+    /// Opens the nodes that end at or before a position: something can follow them now.
     void Release(std::int64_t position) {
         while (!m_pending.empty() && m_pending.front().first <= position) {
             std::ranges::pop_heap(m_pending, std::greater());
@@ -110,7 +110,7 @@ class CExplainer {
         }
     }
 
-    /// Keeps the cheaper half of the ways that end later.
+    /// Drops the costlier half of the pending ways.
     void DropTheCostliest() {
         const auto half = m_pending.begin() + kMostPending / 2;
         std::nth_element(m_pending.begin(), half, m_pending.end(), [&](const CEnd& one, const CEnd& other) {
@@ -120,7 +120,7 @@ class CExplainer {
         std::ranges::make_heap(m_pending, std::greater());
     }
 
-    /// Removes the nodes that aren't ahead of any open way. The others keep their order.
+    /// Removes the nodes that no open way needs. The others keep their order.
     void ForgetDeadEnds() {
         std::vector<std::int32_t> places(m_nodes.size(), kNone);
         const auto need = [&](std::int32_t index) {
@@ -157,7 +157,7 @@ class CExplainer {
         m_learned.swap(learned);
     }
 
-    /// Offers all ways to a candidate. What goes on without an assumption is better than any costlier way.
+    /// Offers all ways to a candidate. Once one needs no assumption, clearly costlier ways are skipped.
     void Extend(std::uint32_t index) {
         const CCandidate& candidate = m_candidates.list[index];
         m_offers.clear();
@@ -214,7 +214,7 @@ class CExplainer {
         }
     }
 
-    /// Returns what it costs that a recording header ends early: an assumption, and the cells that it loses.
+    /// Returns the cost of ending a recording header early: an assumption, and the lost cells.
     int CutCost(const CNode& node, std::int64_t end) const {
         const CCandidate& header = CandidateOf(node);
         const int value = costs::kHeader * header.whole / (header.whole + header.damaged);
@@ -272,7 +272,7 @@ class CExplainer {
         }
     }
 
-    /// Offers a node as it is if its position agrees with those ahead; otherwise the position alone is wrong, or all
+    /// Offers a node as it is if its position has the current shift. Otherwise either this position is wrong, or all
     /// positions are from here on.
     void OfferShifts(const CNode& parent, std::int64_t gap, CNode node, std::int64_t position) {
         const std::int64_t moved = CandidateOf(node).moved;
@@ -294,8 +294,8 @@ class CExplainer {
         Offer(node);
     }
 
-    /// Returns how many bytes are missing from the whole segment at `begin` if the next header begins at `next`; 0 if
-    /// there is none.
+    /// Returns how many bytes the whole segment at `begin` lacks if the next header begins at `next`; 0 if there is no
+    /// such segment.
     std::int64_t OverlapOf(std::int64_t begin, std::int64_t next) const {
         const auto found = std::ranges::lower_bound(m_candidates.list, begin, {}, &CCandidate::claim);
         for (auto segment = found; segment != m_candidates.list.end() && segment->claim == begin; ++segment) {
@@ -305,7 +305,7 @@ class CExplainer {
         return 0;
     }
 
-    /// Keeps the better of two ways to the same state.
+    /// Keeps the cheaper of two ways to the same state.
     void Offer(const CNode& node) {
         const auto isSame = [&](const CNode& other) {
             return other.piece.end == node.piece.end && other.piece.made == node.piece.made &&
@@ -322,12 +322,12 @@ class CExplainer {
         }
     }
 
-    /// Returns the ways to read a segment: with one value made up from the others at most.
+    /// Returns the ways to read a segment, with at most one computed value.
     std::vector<CReading> ReadingsOf(const CCandidate& segment, std::int64_t tick, std::int64_t shift,
                                      bool knowsWells) const {
         const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
         const auto lost = std::ranges::count(isLost, true);
-        // Where bytes were taken out of a header, a cell next to the place may be a mixture of two.
+        // Where bytes were removed from a header, the cell there may be a mixture of two.
         if (lost > (segment.moved == 0 ? 1 : 0) || (segment.noID && segment.damaged > 1 && !knowsWells)) return {};
         const auto samples = SamplesBetween(segment.from, segment.to, tick);
         if (segment.noSize) {
@@ -350,12 +350,12 @@ class CExplainer {
         return readings;
     }
 
-    /// Returns what it costs that something else than a header lies where a node ends.
+    /// Returns the cost if no header follows right after a node.
     int UnconfirmedCost(const CNode& node, std::int64_t gap) const {
         if (!IsOf(node, EKind::Segment)) return 0;
         const CCandidate& segment = CandidateOf(node);
         if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
-        // Bytes that were put into a damaged header move its samples.
+        // Bytes inserted into a damaged header move its samples.
         if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
         if (IsPosition(segment.next) && node.piece.ownShift == node.piece.shift) return 0;
         return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
@@ -370,7 +370,7 @@ class CExplainer {
         return cost;
     }
 
-    /// Returns how many bytes are missing ahead of a segment by its own position; below 0 if there are too many.
+    /// Returns how many bytes are missing before a segment by its own position; negative if there are too many.
     static std::int64_t MissingAhead(const CNode& parent, const CCandidate& segment) {
         return OwnShift(segment).value_or(parent.piece.shift) - parent.piece.shift;
     }
@@ -385,7 +385,7 @@ class CExplainer {
                (expectsSegment && IsRecordingHdrSize(gap) ? costs::kPosition : 0);
     }
 
-    /// Tells whether the header of the next recording should lie in the gap between two nodes.
+    /// Returns whether the gap between two nodes should hold the next recording header.
     bool IsNextRecordingPassed(const CNode& parent, const CNode& node) const {
         std::int64_t next = kLost;
         if (parent.recording != kNone) {
@@ -399,7 +399,8 @@ class CExplainer {
         return next >= parent.piece.end && next < CandidateOf(node).begin;
     }
 
-    /// Tells whether neither a segment nor the one after it can be of the recording ahead; one alone may be damaged.
+    /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be
+    /// damaged.
     bool IsForeign(const CNode& parent, const CNode& node) const {
         const CCandidate& segment = CandidateOf(node);
         if (Belongs(parent, segment)) return false;
@@ -430,7 +431,7 @@ class CExplainer {
         return &m_candidates.wellLists[static_cast<std::size_t>(CandidateOf(node).well)];
     }
 
-    /// Returns the interval of a segment's well, as its recording or the segments before say; 0 if none does.
+    /// Returns the interval of a segment's well from the recording header or earlier segments; 0 if unknown.
     std::int64_t TickOf(std::int32_t recording, const CCandidate& segment) const {
         if (const CWellList* const channels = WellListOf(recording)) {
             const std::int64_t tick = segment.noID ? channels->CommonTick() : channels->TickOf(segment.well);
@@ -441,7 +442,7 @@ class CExplainer {
         return learned->second.atMost;
     }
 
-    /// Remembers what a segment says of the interval of its well, where the recording doesn't.
+    /// Narrows the interval of a well that the recording header doesn't have.
     void Learn(const CNode& node) {
         const CCandidate& segment = CandidateOf(node);
         if (segment.kind != EKind::Segment || !segment.IsWhole() || node.piece.made != EMade::None) return;
@@ -485,13 +486,13 @@ class CExplainer {
     std::int64_t m_size;
     const CReach& m_reach;
     std::vector<CNode> m_nodes;
-    std::vector<std::int32_t> m_open;  ///< The best ways that end by here, the best first.
-    std::vector<CEnd> m_pending;       ///< Those that end later: a heap, the first to end at its front.
+    std::vector<std::int32_t> m_open;  ///< The best ways that have ended, the best first.
+    std::vector<CEnd> m_pending;       ///< Those that end later: a heap with the first to end at its front.
     std::vector<CNode> m_offers;
     std::array<std::int32_t, 4> m_recordings = {};  ///< The latest nodes of recordings; 0 for none.
     std::size_t m_nextRecording = 0;
     std::int32_t m_whole = 0;
-    std::size_t m_needed = 0;  ///< Nodes that were left when dead ends were last forgotten.
+    std::size_t m_needed = 0;  ///< Nodes left when dead ends were last removed.
     std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> m_learned;
 };
 
@@ -504,9 +505,9 @@ std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CR
 
 namespace {
 
-/// Finds raw data files that were stored as samples. A header lies at a *place* in its own file: its offset, plus how
-/// far its position points beside what it means. Headers of a file within samples have places from the beginning of
-/// that file on; after it, the headers around it go on.
+/// Finds raw data files that were stored as samples. The *place* of a header is its offset in its own file: its offset
+/// here plus its shift. Places of headers in an inner file count from the beginning of that file; after it, those of
+/// the outer file continue.
 class CFilesWithin {
  public:
     CFilesWithin(CCandidates& candidates, std::int64_t size)
@@ -536,8 +537,8 @@ class CFilesWithin {
         return &m_lists[static_cast<std::size_t>(recording.well)];
     }
 
-    /// Returns the index of the first candidate after the file that begins at `file`, or `file` if it was joined to
-    /// what lies before it.
+    /// Returns the index of the first candidate after the file that begins at `file`, or `file` if it isn't within
+    /// samples.
     std::size_t EndOf(std::size_t file) const {
         if (const auto end = EndOfSamples(file)) return *end;
         if (const auto end = FirstAround(file)) return *end;
@@ -545,7 +546,7 @@ class CFilesWithin {
         return end == file && BeginsSamples(file) ? m_list.size() : end;
     }
 
-    /// Returns whether the file is the first thing in the samples of a whole header and nothing in it lies after them.
+    /// Returns whether the file is at the beginning of a whole segment's samples and all that follows is within them.
     bool BeginsSamples(std::size_t file) const {
         const CCandidate& segment = m_list[file - 1];
         const std::int64_t end = segment.end + 2 * segment.size;
@@ -553,8 +554,8 @@ class CFilesWithin {
                m_list.back().end <= end;
     }
 
-    /// Returns what follows the samples that the file is in, if their own header is still there, damaged as it may be,
-    /// and they end where another header begins or with the input.
+    /// Returns the candidate after the samples that hold the file, if their own header was found, even damaged, and
+    /// they end at another header or at the end of the input.
     std::optional<std::size_t> EndOfSamples(std::size_t file) const {
         for (std::size_t i = file; i > 0 && m_list[i - 1].end > m_list[file - 1].begin; --i) {
             const CCandidate& segment = m_list[i - 1];
@@ -567,8 +568,8 @@ class CFilesWithin {
         return std::nullopt;
     }
 
-    /// Returns the first header that goes on with those before the file: it points beside by as much as they do, or by
-    /// as much as the one that lies in the place that they lead to.
+    /// Returns the first header after the file that belongs to the outer file again: it has the same shift as those
+    /// before the file, or the shift of the header at the place that these point at.
     std::optional<std::size_t> FirstAround(std::size_t file) const {
         std::optional<std::int64_t> shift;
         for (std::size_t i = file + 1; i < m_list.size() && !shift; ++i) {
@@ -584,8 +585,8 @@ class CFilesWithin {
         return first;
     }
 
-    /// Returns the last segment of the recording around: it comes after the last one within, or its well isn't listed
-    /// there.
+    /// Returns the last segment of the outer recording: it comes after the last one of the inner file, or its well
+    /// isn't listed there.
     std::size_t AfterLastSegment(std::size_t file) const {
         const CWellList* inside = nullptr;
         bool hasEnded = false;
@@ -604,9 +605,9 @@ class CFilesWithin {
     const std::vector<CWellList>& m_lists;
     std::vector<CCandidate>& m_list;
     std::int64_t m_size;
-    const CWellList* m_around = nullptr;  ///< The wells of the recording around.
-    std::optional<std::int64_t> m_shift;  ///< That of the last header before.
-    std::int64_t m_nextSegment = kLost;   ///< The places that the headers before lead to.
+    const CWellList* m_around = nullptr;  ///< The wells of the outer recording.
+    std::optional<std::int64_t> m_shift;  ///< The shift of the last header.
+    std::int64_t m_nextSegment = kLost;   ///< The places that the last headers point at.
     std::int64_t m_nextRecording = kLost;
 };
 

@@ -12,27 +12,27 @@ namespace vxfileio::recovery {
 /// The sample interval of a well that has segments.
 struct CWellInterval {
     std::int64_t ticks = 0;
-    bool isTold = false;  ///< Its segments leave no other choice.
+    bool isTold = false;  ///< Its segments determine it.
 };
 
 /// One recording of the new file.
 struct CFoundRecording {
-    std::int64_t position = 0;  ///< Where its header begins in the input, or would.
+    std::int64_t position = 0;  ///< Offset of its header in the input, or of where it would be.
     CHdrPlace place;
     std::int32_t layout = -1;  ///< Index in `Layouts()`; -1 if the header is lost.
     std::int64_t cutAt = 0;    ///< Cells that end after this are lost.
-    bool unfinished = false;   ///< Its writer never set its positions.
+    bool unfinished = false;   ///< Its positions were never set.
     CWellList wellList;
-    std::map<std::int32_t, CWellInterval> wells;  ///< Those that have segments, by ID.
+    std::map<std::int32_t, CWellInterval> wells;  ///< The wells that have segments, by ID.
 };
 
 /// One segment of the new file. There may be millions of them.
 struct CFoundSegment {
-    std::int64_t position = 0;  ///< Where its header begins in the input.
-    std::int64_t data = 0;      ///< Where its samples begin.
+    std::int64_t position = 0;  ///< Offset of its header in the input.
+    std::int64_t data = 0;      ///< Offset of its samples.
     std::int64_t from = 0;      ///< Time of the first sample.
     std::int64_t to = 0;        ///< Time of the last sample.
-    std::uint32_t samples = 0;  ///< Those that are kept.
+    std::uint32_t samples = 0;  ///< Number of samples kept.
     std::int32_t wellID = 0;
     std::uint32_t recording = 0;  ///< Index of its recording.
     bool namesWell = true;        ///< Its ID can be read.
@@ -40,12 +40,12 @@ struct CFoundSegment {
     std::int64_t End() const { return data + 2 * std::int64_t{samples}; }
 };
 
-/// What the new file is made of, in its order.
+/// The contents of the new file, in its order.
 struct CFound {
     CHdrPlace file;
     std::int32_t fileLayout = -1;  ///< -1 if the file header is lost.
     std::vector<CFoundRecording> recordings;
-    std::vector<CFoundSegment> segments;  ///< Those of one recording lie together.
+    std::vector<CFoundSegment> segments;  ///< The segments of one recording are contiguous.
     CRemarks losses;
     CRemarks doubts;
 };

@@ -12,7 +12,7 @@
 
 namespace vxfileio::recovery {
 
-/// The bytes to recover from: a file, or bytes in memory. Only ever read.
+/// The bytes to recover from: a file, or bytes in memory. They are only read.
 class CInput {
  public:
     CInput() = default;
@@ -20,13 +20,13 @@ class CInput {
     CInput(const CInput&) = delete;
     CInput& operator=(const CInput&) = delete;
 
-    /// Returns the number of bytes there are now.
+    /// Returns the current number of bytes.
     virtual std::int64_t Size() const = 0;
     /// Reads from `position` up to the end of the buffer or of the input, and returns the number of bytes read.
     virtual std::size_t ReadUpTo(std::int64_t position, std::span<std::byte> buffer) const = 0;
 };
 
-/// The bytes of a file, which the caller owns and which must outlive this.
+/// The bytes of a file. The caller owns the file, which must outlive this object.
 class CFileInput : public CInput {
  public:
     explicit CFileInput(const helpers::CFile& file) : m_file(file) {}
@@ -40,7 +40,7 @@ class CFileInput : public CInput {
     const helpers::CFile& m_file;
 };
 
-/// The system failed to read bytes that the input has.
+/// The system failed to read bytes of the input.
 class CReadFailure : public std::runtime_error {
  public:
     explicit CReadFailure(std::int64_t position) : std::runtime_error("unreadable byte"), m_position(position) {}
@@ -51,16 +51,17 @@ class CReadFailure : public std::runtime_error {
     std::int64_t m_position;
 };
 
-/// Views of an input, read in blocks that grow while reading goes straight ahead.
+/// Views of an input, read in blocks that grow during sequential reading.
 class CWindow {
  public:
-    /// Looks at the first `size` bytes of the input, which must outlive this. What the input gains later is ignored.
+    /// Views the first `size` bytes of the input and ignores what is appended later. The input must outlive this
+    /// object.
     CWindow(const CInput& input, std::int64_t size) : m_input(input), m_size(size) {}
 
     std::int64_t Size() const noexcept { return m_size; }
 
-    /// Returns `size` bytes from `position`, or as many as there are; none outside the input. The view lives until the
-    /// next call. Throws `CReadFailure`.
+    /// Returns `size` bytes from `position`, fewer at the end of the input, and none outside it. The view is valid
+    /// until the next call. Throws `CReadFailure`.
     std::string_view At(std::int64_t position, std::size_t size) {
         if (position < 0 || position >= m_size) return {};
         size = static_cast<std::size_t>(std::min(m_size - position, static_cast<std::int64_t>(size)));

@@ -12,7 +12,8 @@ bool IsZero(std::string_view bytes) {
     return bytes.empty() || (bytes.front() == '\0' && bytes.substr(1) == bytes.substr(0, bytes.size() - 1));
 }
 
-/// Returns whether a page is zeros. Reads more than its samples only if they are zeros, so that the window stays.
+/// Returns whether a page is zeros. Reads bytes outside the samples only if the samples are zeros, so that the window
+/// usually stays.
 bool IsLost(CWindow& window, std::int64_t page, std::int64_t begin, std::int64_t end) {
     const std::int64_t from = std::max(page, begin);
     const std::int64_t to = std::min(page + kPageSize, end);

@@ -7,14 +7,13 @@
 
 namespace vxfileio::recovery {
 
-/// Calls `act(from, to)` for each run of zeros among the samples at [begin, end) that looks like pages which a power
-/// cut kept from the disk.
+/// Calls `act(from, to)` for each run of zeros among the samples at [begin, end) that looks like pages lost in a power
+/// cut.
 ///
-/// The system writes pages of 4096 bytes, in any order. A page that never reached the disk is zeros, all of it, also
-/// what follows the samples. So a run begins where a page does, and consists of whole pages; it ends with one, with the
-/// samples, or with the input. A signal that stays at 0 seldom does so from the first sample of a page on: there is no
-/// run if the sample before it is 0, too. A run may begin before `begin`, in the header, which is never zeros by
-/// itself.
+/// The system writes pages of 4096 bytes, in any order. A page that never reached the disk is all zeros, including what
+/// follows the samples. So a run begins at a page boundary and consists of whole pages; it ends at one, with the
+/// samples, or with the input. A signal that stays at 0 seldom starts to do so at a page boundary: if the sample before
+/// is 0, too, there is no run. A run may begin before `begin`, in the header, which is never all zeros otherwise.
 ///
 /// Reads all samples once, in blocks. Throws `CReadFailure`.
 void ForLostPages(CWindow& window, std::int64_t begin, std::int64_t end,

@@ -29,12 +29,12 @@ constexpr const char* kLostName = "Recovered";
 
 /// A header of the input in the layout of the new file.
 struct COldHdr {
-    std::string bytes;  ///< Whole and legible cells as they are, the others with their keys alone.
+    std::string bytes;  ///< Whole and legible cells unchanged, the others with only their keys.
     CDamage damage;     ///< Rows of the new layout.
-    CRows absent;       ///< Rows that the old layout lacks.
+    CRows absent;       ///< Rows that the old layout doesn't have.
 };
 
-/// Returns the row of an older layout that has the same cell as `row` of a newer one. Some keys occur twice.
+/// Returns the row of an older layout that corresponds to `row` of a newer one. Some keys occur twice.
 template <class Layout>
 std::optional<std::size_t> SameRow(const Layout& from, const Layout& to, std::size_t row) {
     const auto& key = to.cells[row].key;
@@ -45,7 +45,7 @@ std::optional<std::size_t> SameRow(const Layout& from, const Layout& to, std::si
     return std::nullopt;
 }
 
-/// Translates a header from one layout to another. Cells that end after `cutAt` are lost; `from` is null if all are.
+/// Converts a header from one layout to another. Cells that end after `cutAt` are lost; if `from` is null, all are.
 template <class Layout>
 COldHdr OldHdr(CWindow& window, const Layout* from, const Layout& to, const CHdrPlace& place, std::int64_t cutAt) {
     COldHdr old{.bytes = std::string(to.size, '\0'), .damage = {}, .absent = {}};
@@ -72,7 +72,7 @@ COldHdr OldHdr(CWindow& window, const Layout* from, const Layout& to, const CHdr
     return old;
 }
 
-/// Returns the layout of one kind of headers, or null if the header is lost.
+/// Returns a layout for one kind of header, or null if the header is lost.
 template <class Header>
 const CHdrLayout<Header>* LayoutAt(std::int32_t index, CHdrLayout<Header> CLayout::*kind) {
     return index < 0 ? nullptr : &(Layouts()[static_cast<std::size_t>(index)].*kind);
@@ -121,14 +121,14 @@ void NoteDamage(const auto& layout, const CDamage& damage, std::vector<CNote>& n
 
 // ---- Lists of channels ----------------------------------------------------------------------------------------------
 
-/// The lists of one kind of channels, which have one length.
+/// The lists for one kind of channels. All should have the same length.
 struct CLists {
-    std::size_t length = 0;  ///< As most of them say.
-    CRows rows;              ///< Those of the lists and of their number.
-    CRows wrong;             ///< Those that are lost or have another length.
+    std::size_t length = 0;  ///< The length that most of them have.
+    CRows rows;              ///< The rows of the lists and of their number.
+    CRows wrong;             ///< The rows that are lost or have another length.
 };
 
-/// Returns how many channels a cell has, if it is about this kind of channels.
+/// Returns the number of channels in a cell, if the cell is about this kind of channels.
 std::optional<std::size_t> ChannelsIn(const CRecordingCell& cell, CChannels channels, std::string_view header) {
     const auto* const list = std::get_if<CChannelList>(&cell.member);
     const auto* const count = std::get_if<CChannelCount>(&cell.member);
@@ -141,7 +141,7 @@ std::optional<std::size_t> ChannelsIn(const CRecordingCell& cell, CChannels chan
     return items;
 }
 
-/// The IDs count most, the number of channels least.
+/// The length is found by vote: IDs count most, the number of channels least.
 CLists ListsOf(const CLayout& layout, const COldHdr& old, CChannels channels) {
     const auto& cells = layout.recording.cells;
     std::map<std::size_t, int> votes;
@@ -164,7 +164,7 @@ CLists ListsOf(const CLayout& layout, const COldHdr& old, CChannels channels) {
     return lists;
 }
 
-/// Loses the lists of wells that can't be used, and sets the number of wells.
+/// Clears the unusable lists of wells, and sets the number of wells.
 void LoseWrongLists(const CLayout& layout, COldHdr& old) {
     const CLists lists = ListsOf(layout, old, kWells);
     for (std::size_t row = 0; row < layout.recording.cells.size(); ++row) {
@@ -177,7 +177,7 @@ void LoseWrongLists(const CLayout& layout, COldHdr& old) {
     }
 }
 
-/// Returns what the lists say of all wells in the same way.
+/// Returns the values that all wells have in common.
 CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
     CRawDataChannelInfo common;
     const auto take = [&](auto field) {
@@ -190,8 +190,8 @@ CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
     return common;
 }
 
-/// Lists each well once, and those that have segments, `most` at most. A well listed twice has lost the other's ID; the
-/// first one stays.
+/// Lists each well once, and adds wells that have segments, up to `most`. If an ID is listed twice, the second one was
+/// damaged; the first is kept.
 void MendWells(const CFoundRecording& recording, bool hasIDs, std::size_t most, std::vector<CRawDataChannelInfo>& wells,
                std::vector<CNote>& notes) {
     CRawDataChannelInfo model = CommonOf(wells);
@@ -213,7 +213,7 @@ void MendWells(const CFoundRecording& recording, bool hasIDs, std::size_t most, 
     if (hasIDs && !added.empty()) notes.push_back({.kind = CNote::EKind::ListedNow, .wells = std::move(added)});
 }
 
-/// Gives each well the interval of its segments. One without segments may have any.
+/// Sets each well's interval to that of its segments. A well without segments keeps its own, or gets 1.
 void MendTicks(const CFoundRecording& recording, std::vector<CRawDataChannelInfo>& wells, std::vector<CNote>& notes) {
     for (auto& well : wells) {
         const auto found = recording.wells.find(well.ID);
@@ -229,7 +229,7 @@ void MendTicks(const CFoundRecording& recording, std::vector<CRawDataChannelInfo
     }
 }
 
-/// Encodes a header whose lists may be too long for their cells: as many wells as fit.
+/// Encodes a header, with as many wells as fit into its cells.
 std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr header, std::vector<CNote>& notes) {
     for (bool left = false;; left = true) {
         try {
@@ -251,7 +251,7 @@ struct CRebuiltHdr {
     std::int32_t number = 0;
 };
 
-/// Returns the layout that the new file has: that of the input, or the oldest one that is still written.
+/// Returns the layout of the new file: that of the input, or the oldest one that is still written.
 const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     std::int32_t version = 0;
     if (const auto* const from = LayoutAt(found.fileLayout, &CLayout::file)) {
@@ -292,7 +292,7 @@ CRebuiltHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
     return rebuilt;
 }
 
-/// `number` is that of a recording of which nothing is known.
+/// `number` is the recording's number if its own is lost.
 CRebuiltHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, std::int32_t number,
                                 const CLayout& layout) {
     const auto& cells = layout.recording;

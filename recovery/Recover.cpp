@@ -12,7 +12,7 @@ namespace vxfileio::recovery {
 
 namespace {
 
-/// Tells whether all segments of one account are in another.
+/// Returns whether one account has all segments of another.
 bool Holds(const CFound& found, const CFound& other) {
     const auto places = [](const CFound& all) {
         std::vector<std::int64_t> positions;
@@ -39,7 +39,7 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     CReport report;
     report.isGrowing = input.Size() > size;
     CAccount account = AccountFor(window, candidates, pieces, options.keepCut, report.isGrowing);
-    // Positions that all hold explain the order of the input better than its own order, if they lead to all of it.
+    // If all positions are correct and reach everything, their order is better than that of the input.
     if (!account.isStraight) {
         auto followed = FollowPositions(window, options.searched);
         if (followed && Holds(*followed, account.found)) account.found = std::move(*followed);

@@ -10,15 +10,15 @@
 #include "recovery/Cells.h"
 
 /// @file
-/// Step 4: what a recovery reports, as data.
+/// Step 4: the report of a recovery, as data.
 
 namespace vxfileio::recovery {
 
 /// Why something is lost, or in doubt.
 enum class EReason : std::uint8_t {
     // Losses
-    BeforeFile,        ///< Bytes ahead of the file header.
-    NoHeader,          ///< No header proves itself.
+    BeforeFile,        ///< Bytes before the file header.
+    NoHeader,          ///< No header was recognised.
     EndsInHeader,      ///< The input ends within a header.
     EndsInRubbish,     ///< No other whole header follows.
     LostRecording,     ///< The header of a recording is damaged or lost.
@@ -26,29 +26,29 @@ enum class EReason : std::uint8_t {
     Contradiction,     ///< The values of a segment contradict one another.
     TakenOutOf,        ///< Bytes were taken out: the next header begins within it.
     TakenOutOfHeader,  ///< Bytes were taken out of a recording header.
-    Cut,               ///< A segment of `count` samples lacks `missing` of them.
-    CutKept,           ///< The same, and those that are there are kept.
+    Cut,               ///< `missing` of a segment's `count` samples are missing.
+    CutKept,           ///< The same, but the samples that are there are kept.
     MissingSegment,    ///< The input ends, but a segment should follow.
     MissingRecording,  ///< The input ends, but a recording should follow.
-    NotReached,        ///< No position leads there.
-    OtherInterval,     ///< The times of a segment don't go with the interval of its well, `told`.
+    NotReached,        ///< No position points there.
+    OtherInterval,     ///< The times of a segment don't fit the interval of its well, `told`.
     // Doubts
-    DamagedCells,     ///< Cells of a segment header, `cells`; those in `lost` are made up from the others.
+    DamagedCells,     ///< Cells of a segment header, `cells`; those in `lost` are computed from the others.
     Position,         ///< A position is `told` but should be `should`.
-    PutIn,            ///< Bytes were put in after this segment or within it.
-    TakenOut,         ///< Bytes were taken out after this segment or within it.
+    PutIn,            ///< Bytes were inserted after this segment or within it.
+    TakenOut,         ///< Bytes were removed after this segment or within it.
     Unconfirmed,      ///< Nothing confirms that this segment ends here: its last samples may be wrong.
-    PutIntoHeader,    ///< Bytes were put into its header; its samples are whole.
-    TakenFromHeader,  ///< Bytes were taken out of its header; its samples are whole.
-    OtherHeader,      ///< Bytes were taken out ahead of it or in its header: it may be of another well.
+    PutIntoHeader,    ///< Bytes were inserted into its header; its samples are whole.
+    TakenFromHeader,  ///< Bytes were removed from its header; its samples are whole.
+    OtherHeader,      ///< Bytes were removed before it or in its header: it may be of another well.
     MaybeEmpty,       ///< The input ends after the header of a recording.
     Ambiguous,        ///< Another explanation is nearly as good.
-    OtherRecording,   ///< It and those after it may be of a recording whose header was lost ahead of it.
+    OtherRecording,   ///< It and those after it may be of a recording whose header was lost before it.
     OtherWell,        ///< It names this well, but by its times it is of well `told`.
     Unlisted,         ///< The recording doesn't list this well, which has `count` segments.
-    SharedTimes,  ///< `count` segments have times that others of this well have; well `told`, if any, has none then.
-    LostPages,    ///< Its samples here are whole pages of zeros, which a power cut leaves.
-    MadeTime,     ///< One time didn't go with the interval; the other segments tell it.
+    SharedTimes,      ///< `count` segments overlap others of this well; well `told`, if any, has none then.
+    LostPages,        ///< Its samples here are whole pages of zeros, as after a power cut.
+    MadeTime,         ///< One time didn't fit the interval and was computed from the other segments.
 };
 
 /// A part of the input and what became of it.
@@ -57,7 +57,7 @@ struct CRemark {
     std::int64_t from = 0;                                  ///< Offset in the input.
     std::int64_t to = 0;                                    ///< Offset of the byte after it.
     std::optional<std::uint32_t> recording = std::nullopt;  ///< Index of the recording it most likely belongs to.
-    std::optional<std::int32_t> wellID = std::nullopt;      ///< The well, where that can be read.
+    std::optional<std::int32_t> wellID = std::nullopt;      ///< The well, if that can be read.
     CRows cells = {};                                       ///< Rows of the segment's layout.
     CRows lost = {};
     std::int64_t told = 0;
@@ -67,12 +67,12 @@ struct CRemark {
     std::string what = {};  ///< The key of a cell.
 };
 
-/// Remarks of one kind. Only the first ones are kept, so that a file full of rubbish can't fill the memory.
+/// Remarks of one kind. Only the first ones are kept, so that a badly damaged file can't exhaust the memory.
 struct CRemarks {
     static constexpr std::size_t kMost = 10'000;
 
     std::vector<CRemark> first;
-    std::uint64_t more = 0;  ///< Those that weren't kept.
+    std::uint64_t more = 0;  ///< The number of remarks that weren't kept.
 
     void Add(CRemark remark) {
         if (first.size() < kMost) {
@@ -84,10 +84,10 @@ struct CRemarks {
     bool None() const { return first.empty(); }
 };
 
-/// What had to be made up in a header.
+/// What was replaced in a header.
 struct CNote {
     enum class EKind : std::uint8_t {
-        Lost,     ///< `keys` are gone.
+        Lost,     ///< `keys` are lost.
         Told,     ///< `keys` are damaged, but follow from the rest of the file.
         Legible,  ///< `keys` are damaged, but legible.
         Odd,      ///< `keys` have a separator.
@@ -95,11 +95,11 @@ struct CNote {
         WellsOfSegments,
         ListedTwice,  ///< `wells`
         ListedNow,    ///< `wells`
-        Interval,     ///< of the well is `to`; the header said `from`, if that isn't 0
-        NoInterval,   ///< of the well isn't known; the header said `from`
+        Interval,     ///< The interval of the well is `to`; the header had `from`, if that isn't 0.
+        NoInterval,   ///< The interval of the well isn't known; the header had `from`.
         NoAuxChannels,
         TooManyWells,
-        NewVersion,  ///< the file is of version `to` now
+        NewVersion,  ///< The version of the new file is `to`.
         NewVersionWithoutStart,
     };
     EKind kind = EKind::Lost;
@@ -128,16 +128,16 @@ struct CReportedRecording {
     std::map<std::int32_t, CKeptWell> wells;
 };
 
-/// What became of an input, by recording and well.
+/// What was recovered from an input, by recording and well.
 struct CReport {
-    std::int64_t bytes = 0;  ///< Size of the new file; 0 if there was nothing to save, and nothing was written.
-    bool isGrowing = false;  ///< The input was still being written. What came after its first size isn't looked at.
+    std::int64_t bytes = 0;  ///< Size of the new file; 0 if there was nothing to save and nothing was written.
+    bool isGrowing = false;  ///< The input was still being written. What was appended during recovery was ignored.
     std::vector<CNote> notes;
     std::vector<CReportedRecording> recordings;
     CRemarks losses;  ///< What isn't in the new file.
-    CRemarks doubts;  ///< What may be lost, or not be what it was.
+    CRemarks doubts;  ///< What may be missing or wrong.
 
-    /// Tells whether the new file has all that the old one had, but for positions, and without a doubt.
+    /// Returns whether the new file has all contents of the old one, except positions, without a doubt.
     bool IsComplete() const;
 };
 

@@ -16,13 +16,13 @@ using namespace rawdata;
 
 namespace {
 
-/// Readers take intervals up to this.
+/// The largest interval that readers accept.
 constexpr std::int64_t kMostReadable = std::numeric_limits<std::int32_t>::max();
 
-/// The segments of one well in the order of their times.
+/// The segments of one well, sorted by time.
 using CGroup = std::vector<CFoundSegment*>;
 
-/// Intervals, and how many segments go with each of them.
+/// Intervals, and how many segments fit each of them.
 struct CShared {
     CTickRange intervals;
     std::size_t segments = 0;
@@ -30,7 +30,7 @@ struct CShared {
 
 CTickRange TicksOf(const CFoundSegment& segment) { return rawdata::TicksOf(segment.from, segment.to, segment.samples); }
 
-/// Returns the intervals that most segments go with, of those that can be read.
+/// Returns the readable intervals that most segments fit.
 CShared MostShared(const CGroup& group) {
     std::vector<std::pair<std::int64_t, int>> ends;  // where ranges begin, or are over
     for (const auto* segment : group) {
@@ -55,7 +55,7 @@ bool ShareTimes(const CFoundSegment& one, const CFoundSegment& other) {
     return one.from <= other.to && other.from <= one.to;
 }
 
-/// Calls `act(one, other)` for each segment of a well that shares times with an earlier one.
+/// Calls `act(one, other)` for each segment of a well that overlaps an earlier one.
 void ForTwins(const CGroup& group, auto act) {
     CFoundSegment* latest = nullptr;
     for (CFoundSegment* const segment : group) {
@@ -64,13 +64,13 @@ void ForTwins(const CGroup& group, auto act) {
     }
 }
 
-/// Tells whether a time comes after another, by an interval at most.
+/// Returns whether a time comes after another, by at most one interval.
 bool Follows(std::int64_t time, std::int64_t before, std::int64_t tick) {
     const auto span = SpanOf(before, time);
     return span && *span > 0 && *span <= tick;
 }
 
-/// A segment and the well that it belongs to, which isn't the one that it names.
+/// A segment and the well that it belongs to, which isn't the one it names.
 struct CStray {
     CFoundSegment* segment;
     std::int32_t well;
@@ -92,7 +92,7 @@ class CRecordingWells {
         const bool anyReturned = knowsWells && Return(Strays());
         if (anyReturned || !m_nameless.empty()) {
             for (CFoundSegment* const segment : m_nameless)
-                segment->namesWell = true;  // what is left of its ID must do if no well was found for it
+                segment->namesWell = true;  // no well was found for it, so what is left of its ID must do
             Group();
         }
         MendMisfits();
@@ -101,8 +101,8 @@ class CRecordingWells {
     }
 
  private:
-    /// Groups the segments by the wells that they name now, and finds out the intervals. Those whose times can't be
-    /// right are set aside.
+    /// Groups the segments by the wells that they name now, and determines the intervals. Sets those with impossible
+    /// times aside.
     void Group() {
         m_groups.clear();
         m_misfits.clear();
@@ -122,21 +122,22 @@ class CRecordingWells {
         }
     }
 
-    /// Returns the interval of a well by the recording header; 0 if that isn't known.
+    /// Returns the interval of a well in the recording header; 0 if unknown.
     std::int64_t Listed(std::int32_t well) const {
         const auto listed = m_listed.find(well);
         return listed != m_listed.end() ? listed->second : m_recording.wellList.CommonTick();
     }
 
-    /// Tells whether at least half of the segments go with the header's intervals: otherwise it is another recording's.
+    /// Returns whether at least half of the segments fit the header's intervals. If not, it is another recording's
+    /// header.
     bool MostGoWithTheHeader() const {
         const auto goes = [&](const CFoundSegment& segment) { return TicksOf(segment).Has(Listed(segment.wellID)); };
         return 2 * std::ranges::count_if(m_segments, goes) >= std::ssize(m_segments);
     }
 
-    /// Where votes are equal, the header's interval stays. It has a vote of its own if another well has the same and
-    /// most segments go with the header, if a segment goes on with the one before it to the tick, and against segments
-    /// that could have any larger one.
+    /// Determines the interval of a well by vote. On a tie the header's interval wins. It gets one extra vote if
+    /// another well has the same interval and most segments fit the header, if a segment continues the one before it to
+    /// the tick, or if the segments allow any larger interval.
     CWellInterval Elect(std::int32_t well, const CGroup& group) const {
         const std::int64_t told = Listed(well);
         const auto goes = [&](const auto* segment) { return TicksOf(*segment).Has(told); };
@@ -162,7 +163,8 @@ class CRecordingWells {
         return listed == m_listed.end() ? 0 : listed->second;
     }
 
-    /// Returns the last segment of a well that begins before a time, and the first one that doesn't, or null.
+    /// Returns the last segment of a well that begins before a time, and the first one that doesn't; null if there is
+    /// none.
     std::pair<const CFoundSegment*, const CFoundSegment*> NeighboursOf(std::int32_t well, std::int64_t time) const {
         const auto found = m_groups.find(well);
         if (found == m_groups.end()) return {nullptr, nullptr};
@@ -171,8 +173,8 @@ class CRecordingWells {
         return {next == group.begin() ? nullptr : *std::prev(next), next == group.end() ? nullptr : *next};
     }
 
-    /// Tells whether a well has nothing at the times of a segment that would go with its interval. `mustAdjoin` asks
-    /// for samples right before or right after them, too.
+    /// Returns whether a segment fits the interval of a well that has nothing at its times. With `mustAdjoin`, the well
+    /// must have samples right before or right after it, too.
     bool Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const {
         const std::int64_t tick = TickOf(well);
         if (tick <= 0 || !TicksOf(segment).Has(tick)) return false;
@@ -192,7 +194,7 @@ class CRecordingWells {
         return lacking;
     }
 
-    /// Returns the segments that can be proved to belong to another well.
+    /// Returns the segments that provably belong to another well.
     std::vector<CStray> Strays() {
         std::vector<CStray> strays;
         const auto take = [&](CFoundSegment* segment) {
@@ -209,7 +211,7 @@ class CRecordingWells {
             }
         }
         for (const auto& [well, group] : m_groups) {
-            // More than one of a well that isn't listed are a well of their own.
+            // Several segments of an unlisted well are a well of their own.
             if (!m_listed.contains(well) && group.size() == 1) take(group.front());
             ForTwins(group, [&](CFoundSegment& one, CFoundSegment& other) {
                 if (const auto stray = StrayOf(one, other)) strays.push_back(*stray);
@@ -218,7 +220,7 @@ class CRecordingWells {
         return strays;
     }
 
-    /// Of two segments that share their times and name the same well, returns the one that is another well's.
+    /// Of two overlapping segments with the same well, returns the one that belongs to another well.
     std::optional<CStray> StrayOf(CFoundSegment& one, CFoundSegment& other) const {
         const auto lackOne = WellsLacking(one, true);
         const auto lackOther = WellsLacking(other, true);
@@ -230,8 +232,8 @@ class CRecordingWells {
         return CStray{isOne ? &one : &other, lackOne.front()};
     }
 
-    /// Tells whether the two wells take turns in the file if `stray` is the other one's. Between the two segments there
-    /// must be none of these wells, nor one of a well that isn't listed: that may be one of them.
+    /// Returns whether the two wells take turns in the file if `stray` belongs to the other one. Between the two
+    /// segments there must be no segment of these wells, and none of an unlisted well, which could be one of them.
     bool TakeTurns(const CFoundSegment& stray, const CFoundSegment& own, std::int32_t well) const {
         const auto isOfThem = [&](const CFoundSegment& segment) {
             return segment.wellID == well || segment.wellID == own.wellID || !m_listed.contains(segment.wellID);
@@ -251,7 +253,7 @@ class CRecordingWells {
                (next == end || isOther(*next, highWell));
     }
 
-    /// Gives strays to their wells, unless several would share their times there. Returns false if there was none.
+    /// Assigns strays to their wells, unless several would overlap there. Returns false if there was none.
     bool Return(std::vector<CStray> strays) {
         std::ranges::sort(strays, [](const CStray& one, const CStray& other) {
             return std::pair(one.well, one.segment->from) < std::pair(other.well, other.segment->from);
@@ -274,7 +276,7 @@ class CRecordingWells {
         return any;
     }
 
-    /// Reports once for each well what can't be decided.
+    /// Reports what can't be decided, once for each well.
     void ReportDoubts(bool knowsWells) {
         for (const auto& [well, group] : m_groups) {
             if (m_listed.contains(well) || !knowsWells) {
@@ -302,8 +304,8 @@ class CRecordingWells {
         if (remark) m_found.doubts.Add(std::move(*remark));
     }
 
-    /// Keeps segments with one damaged time if the well's other segments tell which one: those before and after go on
-    /// with them to the tick if the other time is right.
+    /// Keeps segments with one damaged time if only one choice of the correct time continues the well's segments before
+    /// or after it to the tick.
     void MendMisfits() {
         bool any = false;
         for (CFoundSegment* const segment : m_misfits)
@@ -327,7 +329,8 @@ class CRecordingWells {
         return true;
     }
 
-    /// Tells whether a segment goes on with the one of its well before or after it, to the tick.
+    /// Returns whether a segment continues the one of its well before it, or is continued by the one after it, to the
+    /// tick.
     bool GoesOn(const CFoundSegment& segment) const {
         const std::int64_t tick = TickOf(segment.wellID);
         const auto [before, next] = NeighboursOf(segment.wellID, segment.from);
@@ -358,12 +361,12 @@ class CRecordingWells {
     CFound& m_found;
     CFoundRecording& m_recording;
     std::uint32_t m_number;
-    std::span<CFoundSegment> m_segments;            ///< In the order of the new file.
-    bool m_isTrusted = true;                        ///< Most segments go with the header's intervals.
-    std::map<std::int32_t, std::int64_t> m_listed;  ///< The header's wells and their intervals; 0 if that isn't known.
+    std::span<CFoundSegment> m_segments;            ///< Sorted as in the new file.
+    bool m_isTrusted = true;                        ///< Most segments fit the header's intervals.
+    std::map<std::int32_t, std::int64_t> m_listed;  ///< The header's wells and their intervals; 0 if unknown.
     std::map<std::int32_t, CGroup> m_groups;
-    CGroup m_nameless;  ///< Their IDs are lost, and no well was found for them yet.
-    CGroup m_misfits;   ///< They don't go with the interval of their well.
+    CGroup m_nameless;  ///< Their IDs are lost, and no well has been found for them yet.
+    CGroup m_misfits;   ///< They don't fit the interval of their well.
 };
 
 }  // namespace
