@@ -28,7 +28,7 @@ std::vector<CCandidate> CandidatesIn(const std::string& bytes) {
     return FindCandidates(window, kNoReach).list;
 }
 
-/// Kinds and offsets of headers, such as "F0 R1190 S3650".
+/// Returns kind and offsets of a header, such as "F0 R1190 S3650".
 std::string Text(const CCandidate& candidate) {
     return "FRS"[static_cast<int>(candidate.kind)] + std::to_string(candidate.begin);
 }
@@ -40,7 +40,7 @@ std::string WholeIn(const std::string& bytes) {
     return text;
 }
 
-/// The pieces of the best explanation.
+/// Returns the pieces of the best explanation.
 std::string Explained(const std::string& bytes) {
     const CStringInput input(bytes);
     CWindow window(input, input.Size());
@@ -62,7 +62,7 @@ TEST(CandidatesTest, HeadersAreFoundAtAnyOffsetByAnyOfTheirCells) {
     EXPECT_EQ(WholeIn(file), "F0 R1190 S3650 S3958 ");
     EXPECT_EQ(WholeIn("x" + file.substr(3650)), "S1 S309 ");
     EXPECT_EQ(WholeIn(kRubbish), "");
-    // The key of each cell in turn is gone.
+    // The key of each cell in turn is destroyed.
     for (std::size_t cell = 0; cell < 300; cell += 50) {
         const auto found = CandidatesIn(With(file, 3650 + cell, 3, "???"));
         const auto segment = std::ranges::find(found, 3650, &CCandidate::begin);
@@ -71,7 +71,7 @@ TEST(CandidatesTest, HeadersAreFoundAtAnyOffsetByAnyOfTheirCells) {
     }
 }
 
-TEST(CandidatesTest, PartsOfAHeaderThatBytesWerePutIntoAreJoined) {
+TEST(CandidatesTest, PartsOfAHeaderWithInsertedBytesAreJoined) {
     const std::string file = SmallFileBytes();
     for (const int moved : {-5, -1, 1, 7, 120}) {
         std::string bytes = file;
@@ -86,7 +86,7 @@ TEST(CandidatesTest, PartsOfAHeaderThatBytesWerePutIntoAreJoined) {
     }
 }
 
-/// Two recordings; the last segment of the first one has 60 samples.
+/// Two recordings; the last segment of the first has 60 samples.
 std::string TwoRecordings() {
     return FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4378}) +
            SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 5900, "60") +
@@ -142,7 +142,7 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
     }
 }
 
-/// Returns whether a recovery of these bytes has a doubt for this reason at an offset.
+/// Returns whether recovery of these bytes reports a doubt for this reason at an offset.
 bool HasDoubt(const std::string& bytes, EReason reason, std::int64_t from) {
     const CReport report = Recover(CStringInput(bytes), {}, [](std::span<const std::byte>) {});
     return std::ranges::any_of(report.doubts.first,
@@ -154,19 +154,19 @@ TEST(AccountTest, SamplesAreInDoubtIfTheNextHeaderDoesNotConfirmThem) {
     EXPECT_FALSE(HasDoubt(two, EReason::TakenOut, 3958));
     // The next segment follows directly, so samples or a recording header are missing.
     EXPECT_TRUE(HasDoubt(std::string(two).erase(4300, 2460), EReason::TakenOut, 3958));
-    // The file after the cut could as well be samples.
+    // What follows the cut could also be samples.
     EXPECT_TRUE(HasDoubt(two.substr(0, 4300) + two, EReason::Ambiguous, 4300));
     EXPECT_FALSE(HasDoubt(two + two, EReason::Ambiguous, static_cast<std::int64_t>(two.size())));
 }
 
-TEST(ExplanationTest, TheCandidatesOfAFileFullOfHeadersAreNoMoreThanItsRoom) {
+TEST(ExplanationTest, AFileFullOfHeadersHasNoMoreCandidatesThanFitIntoIt) {
     std::string bytes;
     for (int i = 0; i < 1000; ++i)
         bytes += SegmentHdrBytes(11, -1, 0, 300, "4").substr(0, 150 + 50 * static_cast<std::size_t>(i % 4));
     EXPECT_LE(CandidatesIn(bytes).size(), bytes.size() / 150);
 }
 
-TEST(TimesTest, NoStepLeavesTheRange) {
+TEST(TimesTest, NoResultOverflows) {
     constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
     constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
     EXPECT_EQ(SpanOf(kLeast, kMost), std::nullopt);
@@ -193,7 +193,7 @@ CFoundSegment Segment(std::int32_t well, std::int64_t from, std::int64_t to, std
     return segment;
 }
 
-TEST(WellsTest, EachSegmentIsInDoubtThatContradictsItsRecording) {
+TEST(WellsTest, EachSegmentThatContradictsItsRecordingIsInDoubt) {
     struct CCase {
         std::vector<CFoundSegment> segments;
         std::vector<EReason> reasons;
@@ -223,7 +223,7 @@ TEST(WellsTest, EachSegmentIsInDoubtThatContradictsItsRecording) {
     }
 }
 
-/// An input that gains bytes while it is read, as next to a healthy writer.
+/// An input that grows while it is read, as with a running writer.
 class CGrowingInput : public CStringInput {
  public:
     CGrowingInput(const std::string& bytes, std::size_t first)
@@ -234,7 +234,7 @@ class CGrowingInput : public CStringInput {
     mutable std::int64_t m_size;
 };
 
-TEST(GrowingTest, WhatAWriterAppendsMeanwhileIsNoDamage) {
+TEST(GrowingTest, BytesAppendedDuringRecoveryAreNoDamage) {
     const std::string file = SmallFileBytes();
     for (std::size_t first = 3650; first < file.size(); ++first) {
         const CReport report = Recover(CGrowingInput(file, first), {}, [](std::span<const std::byte>) {});
@@ -255,7 +255,7 @@ std::string LostIn(const std::string& bytes, std::int64_t begin, std::int64_t en
     return text;
 }
 
-TEST(LostPagesTest, AreWholePagesOfZerosAfterASampleThatIsNot) {
+TEST(LostPagesTest, LostPagesAreWholePagesOfZerosAfterANonzeroSample) {
     const std::string full(20'000, 'x');
     const auto zeros = [&](std::size_t from, std::size_t to) {
         return full.substr(0, from) + std::string(to - from, '\0') + full.substr(to);
@@ -264,13 +264,13 @@ TEST(LostPagesTest, AreWholePagesOfZerosAfterASampleThatIsNot) {
     EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 20'000), "4096-8192 ");
     EXPECT_EQ(LostIn(zeros(4096, 12'288), 300, 20'000), "4096-12288 ") << "one run of two pages";
     EXPECT_EQ(LostIn(zeros(4096, 8191), 300, 20'000), "") << "not the whole page";
-    EXPECT_EQ(LostIn(zeros(4096, 12'000), 300, 20'000), "4096-8192 ") << "the signal may go on at 0";
+    EXPECT_EQ(LostIn(zeros(4096, 12'000), 300, 20'000), "4096-8192 ") << "the last samples may really be 0";
     EXPECT_EQ(LostIn(zeros(4095, 8192), 300, 20'000), "4096-8192 ") << "half a sample is 0";
     EXPECT_EQ(LostIn(zeros(4094, 8192), 300, 20'000), "") << "the signal was at 0 before";
     EXPECT_EQ(LostIn(zeros(4096, 8192), 4096, 20'000), "4096-8192 ") << "right after the header";
-    EXPECT_EQ(LostIn(zeros(4096, 8192), 4098, 20'000), "4096-8192 ") << "with the end of the header";
-    EXPECT_EQ(LostIn(zeros(4098, 8192), 4098, 20'000), "") << "the header is there, so the page was written";
-    EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 5000), "4096-5000 ") << "as is what follows the samples";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 4098, 20'000), "4096-8192 ") << "includes the end of the header";
+    EXPECT_EQ(LostIn(zeros(4098, 8192), 4098, 20'000), "") << "the header is intact, so the page was written";
+    EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 5000), "4096-5000 ") << "the rest of the page is zeros, too";
     EXPECT_EQ(LostIn(zeros(4096, 8192), 300, 4097), "4096-4097 ") << "a single byte";
     EXPECT_EQ(LostIn(zeros(4096, 5000), 300, 5000), "") << "something follows in this page";
     EXPECT_EQ(LostIn(zeros(16'384, 20'000), 300, 20'000), "16384-20000 ") << "the file ends in this page";

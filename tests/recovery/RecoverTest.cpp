@@ -30,14 +30,14 @@ namespace {
 
 using vxfileio::recovery::CReport;
 
-/// One segment as the library reads it, with the recording that it came from.
+/// One segment as the library reads it, with its recording.
 struct CSeen {
     std::string recording;  ///< Task and number.
     std::int32_t well = 0;
     std::int64_t from = 0;
     std::int64_t to = 0;
     std::vector<std::uint16_t> samples;
-    std::size_t position = 0;  ///< Of its header in a file whose headers follow one another.
+    std::size_t position = 0;  ///< The offset of its header in a file without gaps between headers.
 
     std::size_t End() const { return position + 300 + 2 * samples.size(); }
     bool operator==(const CSeen& other) const = default;
@@ -61,7 +61,7 @@ void AppendSegments(CIRawDataReader& reader, const CRawDataRecordingHdr& header,
     }
 }
 
-/// Reads all that a file holds. A recording without segments has nothing at its position.
+/// Reads all segments of a file. The position of a recording without segments may point at anything.
 std::vector<CSeen> SeenIn(const std::string& path) {
     CVXFileIO io;
     CIRawDataReader& reader = *io.GetRawDataReader();
@@ -85,7 +85,7 @@ struct CWritten;
 
 class RecoverTest : public testing::Test {
  protected:
-    /// Recovers these bytes; an empty list also if there was nothing to save.
+    /// Recovers the bytes. Returns an empty list if there is nothing to recover.
     std::vector<CSeen> Recovered(const std::string& bytes, bool keepCut = false) {
         std::string saved;
         const auto save = [&](std::span<const std::byte> part) {
@@ -98,7 +98,7 @@ class RecoverTest : public testing::Test {
         return SeenIn(m_out);
     }
 
-    /// Holds the new file against the format. Texts and times are saved as they were found.
+    /// Verifies the new file. Recovery doesn't repair texts and times, so some findings are allowed.
     void ExpectSound() const {
         const std::set<std::string> allowed = {"no-separator", "no-controls", "no-overlap"};
         const vxfile::CFindings findings = vxfile::VerifyRawData(m_out);
@@ -110,7 +110,7 @@ class RecoverTest : public testing::Test {
 
     void ExpectPromiseKept(const CWritten& file, const std::string& bytes);
 
-    /// The same without the positions, which differ as soon as something is left out.
+    /// Clears the positions, which change as soon as a segment is left out.
     static std::vector<CSeen> Placeless(std::vector<CSeen> seen) {
         for (CSeen& one : seen)
             one.position = 0;
@@ -139,7 +139,7 @@ TEST_F(RecoverTest, WholeFilesComeOutByteForByte) {
     EXPECT_EQ(ReadAll(m_out), small);
     EXPECT_TRUE(m_report.IsComplete());
 
-    // A well that isn't listed is told and listed, or the file wouldn't be sound; all else stays.
+    // Recovery reports a well that isn't listed and lists it; otherwise the file would be unsound. All else stays.
     std::string several = ReadAll(Reference("several_recordings.vxd"));
     EXPECT_EQ(Recovered(several), SeenIn(Reference("several_recordings.vxd")));
     several.replace(7324 + 400, 1030,
@@ -147,12 +147,12 @@ TEST_F(RecoverTest, WholeFilesComeOutByteForByte) {
                         Cell(400, "UnitsPerADs=-2.5e+06:-2.5e+06") + Cell(200, "ADZeros=0:0"));
     EXPECT_EQ(ReadAll(m_out), several);
     ASSERT_EQ(m_report.doubts.first.size(), 2U);
-    EXPECT_EQ(m_report.doubts.first[0].from, 13160) << "the last recording has no segment, or has lost them";
+    EXPECT_EQ(m_report.doubts.first[0].from, 13160) << "the last recording is empty or lost its segments";
     EXPECT_EQ(m_report.doubts.first[1].from, 10392);
 }
 
 TEST_F(RecoverTest, SegmentsOfAnyLengthAndOrderComeOutByteForByte) {
-    std::vector<std::uint16_t> samples(600'000);  // more than are copied at once
+    std::vector<std::uint16_t> samples(600'000);  // more than one block
     for (std::size_t i = 0; i < samples.size(); ++i)
         samples[i] = static_cast<std::uint16_t>(i * 7);
     const std::string file = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) +
@@ -165,8 +165,8 @@ TEST_F(RecoverTest, SegmentsOfAnyLengthAndOrderComeOutByteForByte) {
               (vxfileio::recovery::CKeptWell{.segments = 2, .samples = 600'004, .from = 0, .to = 60'000'300}));
 }
 
-// Positions of the four recording headers and of the segments tell what each cut leaves.
-TEST_F(RecoverTest, EveryTruncationGivesEveryWholeSegmentAndNothingElse) {
+// The offsets of the four recording headers and of the segments determine what each cut leaves.
+TEST_F(RecoverTest, EveryTruncationKeepsAllWholeSegmentsAndNothingElse) {
     const std::string whole = ReadAll(Reference("several_recordings.vxd"));
     const std::vector<CSeen> all = SeenIn(Reference("several_recordings.vxd"));
     ASSERT_EQ(all.size(), 7U);
@@ -179,9 +179,9 @@ TEST_F(RecoverTest, EveryTruncationGivesEveryWholeSegmentAndNothingElse) {
         ASSERT_EQ(Recovered(whole.substr(0, size)), expected);
         const std::size_t headers = (size >= 3650) + (size >= 7324) + (size >= 9784) + (size >= 13160);
         ASSERT_EQ(m_report.recordings.size(), headers);
-        EXPECT_TRUE(headers == 0 || size == whole.size() || !m_report.losses.None()) << "lost without a word";
+        EXPECT_TRUE(headers == 0 || size == whole.size() || !m_report.losses.None()) << "loss not reported";
 
-        // What the cut leaves of a segment of a well whose interval is known. Of one sample no half can be kept.
+        // What the cut leaves of a segment whose interval is known. Half a sample can't be kept.
         const auto cut =
             std::ranges::find_if(all, [&](const CSeen& one) { return one.End() > size && one.position + 302 <= size; });
         if (cut != all.end() && cut->well >= 0) {
@@ -195,7 +195,7 @@ TEST_F(RecoverTest, EveryTruncationGivesEveryWholeSegmentAndNothingElse) {
     }
 }
 
-/// What a damaged byte may have become: nothing, all bits, a neighbour, another digit.
+/// Values that a damaged byte may have: zero, all ones, one flipped bit, another digit.
 std::vector<char> DamagesOf(char byte) {
     std::vector<char> damages = {'\0', '\xFF', static_cast<char>(byte ^ 1), static_cast<char>(byte ^ 0x10)};
     if (byte >= '0' && byte <= '9') {
@@ -206,13 +206,13 @@ std::vector<char> DamagesOf(char byte) {
     return damages;
 }
 
-/// A file and what was written to it.
+/// A file and its contents.
 struct CWritten {
     std::string bytes;
     std::vector<CSeen> segments;
-    std::map<std::int32_t, std::int64_t> ticks;  ///< Intervals of the wells.
+    std::map<std::int32_t, std::int64_t> ticks;  ///< The intervals of the wells.
 
-    /// Where the recording header ahead of a position stands.
+    /// Returns the offset of the last recording header at or before a position.
     std::size_t HeaderAhead(std::size_t position) const { return bytes.rfind("TaskName=", position); }
 };
 
@@ -220,7 +220,7 @@ CWritten Written(const std::string& name, std::map<std::int32_t, std::int64_t> t
     return {ReadAll(Reference(name)), SeenIn(Reference(name)), std::move(ticks)};
 }
 
-/// Judges what became of one segment. `kept` is the next one in the new file, or null.
+/// Checks what became of one segment. `kept` is the next one in the new file, or null.
 bool IsRightlyKept(const CWritten& file, const CSeen& one, const CSeen* kept, const std::string& bytes,
                    const CReport& report) {
     const auto differs = [&](std::size_t from, std::size_t to) {
@@ -230,7 +230,7 @@ bool IsRightlyKept(const CWritten& file, const CSeen& one, const CSeen* kept, co
     const bool damaged = differs(one.position, one.position + 300);
     if (kept == nullptr || kept->samples != samples) {
         EXPECT_TRUE(damaged) << "lost: " << one;
-        EXPECT_FALSE(report.losses.None()) << "lost without a word: " << one;
+        EXPECT_FALSE(report.losses.None()) << "loss not reported: " << one;
         return false;
     }
     const std::size_t header = file.HeaderAhead(one.position);
@@ -242,15 +242,15 @@ bool IsRightlyKept(const CWritten& file, const CSeen& one, const CSeen* kept, co
     return true;
 }
 
-/// Recovers damaged bytes of a file: what the damage didn't touch is all there, what it touched is there as it was
-/// written or that is told, and nothing else is.
+/// Recovers a damaged file. Expects that undamaged segments are complete, that damaged ones are right or reported, and
+/// that there are no others.
 void RecoverTest::ExpectPromiseKept(const CWritten& file, const std::string& bytes) {
     const std::vector<CSeen> kept = Recovered(bytes);
     ExpectSound();
     std::size_t next = 0;
     for (const CSeen& one : file.segments)
         next += IsRightlyKept(file, one, next < kept.size() ? &kept[next] : nullptr, bytes, m_report) ? 1 : 0;
-    EXPECT_EQ(next, kept.size()) << "out of nothing";
+    EXPECT_EQ(next, kept.size()) << "made up";
 }
 
 TEST_F(RecoverTest, NoDamagedByteCostsAWholeSegmentOrBringsAWrongSample) {
@@ -261,20 +261,19 @@ TEST_F(RecoverTest, NoDamagedByteCostsAWholeSegmentOrBringsAWrongSample) {
         for (std::size_t at = 0; at < file.bytes.size() && !HasFailure(); at += kStride) {
             const auto damages = DamagesOf(file.bytes[at]);
             for (std::size_t i = 0; i < damages.size(); ++i) {
-                if (file.segments.size() > 2 && i != at % damages.size())
-                    continue;  // one of them must do in the larger file
+                if (file.segments.size() > 2 && i != at % damages.size()) continue;  // one is enough in the larger file
                 SCOPED_TRACE(testing::Message() << "byte " << at << " is " << static_cast<int>(damages[i]));
                 std::string bytes = file.bytes;
                 bytes[at] = damages[i];
                 ExpectPromiseKept(file, bytes);
                 const std::string saved = ReadAll(m_out);
-                EXPECT_TRUE(!m_report.IsComplete() || saved == bytes) << "mended untold";
+                EXPECT_TRUE(!m_report.IsComplete() || saved == bytes) << "repair not reported";
             }
         }
     }
 }
 
-/// Wells 11 and 12 take turns, each segment with samples of its own.
+/// Segments of wells 11 and 12 in turn, each with different samples.
 CWritten TakingTurns(int rounds) {
     CWritten file{FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}), {}, {{11, 100}, {12, 100}}};
     for (int i = 0; i < 2 * rounds; ++i) {
@@ -293,7 +292,7 @@ std::vector<CSeen> Without(std::vector<CSeen> segments, std::size_t one) {
     return segments;
 }
 
-TEST_F(RecoverTest, DamagedWellIDsAreToldByTimesAndTurns) {
+TEST_F(RecoverTest, DamagedWellIDsFollowFromTimesAndTurns) {
     const CWritten file = TakingTurns(4);
     ASSERT_EQ(Recovered(file.bytes), file.segments);
     for (const CSeen& one : file.segments) {
@@ -307,7 +306,7 @@ TEST_F(RecoverTest, DamagedWellIDsAreToldByTimesAndTurns) {
         }
     }
 
-    // Cut behind the first of a turn, nobody can tell a well that isn't listed: it stays apart.
+    // If the file ends after the first segment of a turn, nothing shows which well an unlisted ID means: it stays.
     std::string bytes = file.bytes.substr(0, file.segments[7].position);
     bytes[file.segments[6].position + 54] = '7';
     EXPECT_EQ(Recovered(bytes).back().well, 17);
@@ -315,14 +314,14 @@ TEST_F(RecoverTest, DamagedWellIDsAreToldByTimesAndTurns) {
     ExpectSound();
 }
 
-TEST_F(RecoverTest, IntervalsAreThoseThatMostSegmentsGoWith) {
+TEST_F(RecoverTest, TheIntervalIsTheOneThatMostSegmentsFit) {
     const CWritten file = TakingTurns(3);
     const auto damage = [&](std::string bytes, std::size_t at, const std::string& key, const std::string& value) {
         const std::size_t cell = bytes.find(key, at) + key.size();
         return bytes.replace(cell, value.size(), value);
     };
-    // The header gives well 11 an interval that none of its segments has, and one of these has a damaged time, which
-    // those before and behind tell.
+    // The header lists an interval for well 11 that none of its segments fits. One of them has a damaged time, which
+    // follows from the segments before and after it.
     const std::string wrong = damage(file.bytes, 1190, "Ticks=", "500:100");
     for (const auto& [key, value] :
          {std::pair("TimeTo=", "900"), std::pair("TimeTo=", "100"), std::pair("TimeFrom=", "900")}) {
@@ -332,7 +331,7 @@ TEST_F(RecoverTest, IntervalsAreThoseThatMostSegmentsGoWith) {
         EXPECT_EQ(m_report.doubts.first[0].from, static_cast<std::int64_t>(file.segments[2].position));
     }
 
-    // A well has no other segment.
+    // The well has no other segment.
     const CWritten two = TakingTurns(1);
     EXPECT_EQ(Placeless(Recovered(damage(two.bytes, two.segments[0].position, "TimeTo=", "900"))),
               Placeless({two.segments[1]}));
@@ -340,29 +339,29 @@ TEST_F(RecoverTest, IntervalsAreThoseThatMostSegmentsGoWith) {
     ASSERT_EQ(m_report.losses.first.size(), 1U);
     EXPECT_EQ(m_report.losses.first[0].from, 3650);
 
-    // No segment goes with the header: it is that of another recording.
+    // No segment fits the header, so its intervals belong to another recording.
     EXPECT_EQ(Recovered(damage(two.bytes, 1190, "Ticks=", "500:500")), two.segments);
     EXPECT_EQ(ReadAll(m_out), two.bytes);
 
-    // What the header says and the others go on by stays, even if another interval would go with all.
+    // The header's interval wins if the other segments fit it, even if another interval would fit all.
     const std::string alone = damage(file.bytes, 1190, "Ticks=", std::string("100:99\0", 7));
     Recovered(damage(alone, file.segments[0].position, "TimeFrom=", "1"));
     EXPECT_EQ(ReadAll(m_out), alone);
 
-    // Nobody tells the interval, and no two segments agree.
+    // The interval is lost, and no two segments agree on one.
     std::string none = damage(file.bytes, 1190, "Ticks=", "xxx:xxx");
     none = damage(none, file.segments[0].position, "TimeTo=", "399");
     none = damage(none, file.segments[2].position, "TimeTo=", "900");
     EXPECT_GE(Recovered(none).size(), 4U);
     ExpectSound();
 
-    // A size that can be read is believed no more than the rest.
+    // A size that contradicts the other values is damaged, even if it can be read.
     EXPECT_EQ(Recovered(damage(file.bytes, file.segments[2].position, "Size=", "5")), file.segments);
     EXPECT_EQ(ReadAll(m_out), file.bytes);
 }
 
-// An unfinished recording tells what it lacks by its segments' positions alone, and without any not at all.
-TEST_F(RecoverTest, CutsBetweenSegmentsAreTold) {
+// In an unfinished recording only the segments' positions show that something is missing. An empty one has none.
+TEST_F(RecoverTest, CutsBetweenSegmentsAreReported) {
     CWritten file = TakingTurns(3);
     file.bytes.replace(1190 + 150, 50, Cell(50, "FPosRecordingData=-1"));
     for (const CSeen& one : file.segments) {
@@ -382,8 +381,8 @@ TEST_F(RecoverTest, CutsBetweenSegmentsAreTold) {
     EXPECT_TRUE(m_report.IsComplete());
 }
 
-// Its line end, its padding, or its value.
-TEST_F(RecoverTest, OneDamagedCellOfASegmentIsMadeUpForByTheOthers) {
+// The damage hits the line end, the padding, or the value.
+TEST_F(RecoverTest, OneDamagedCellOfASegmentFollowsFromTheOthers) {
     const CWritten file = TakingTurns(3);
     for (const CSeen& one : file.segments) {
         for (std::size_t cell = one.position; cell < one.position + 300; cell += 50) {
@@ -400,8 +399,8 @@ TEST_F(RecoverTest, OneDamagedCellOfASegmentIsMadeUpForByTheOthers) {
     }
 }
 
-/// A file of which a segment's samples are a whole segment: well 12 of the times that come next, and the position
-/// behind it right.
+/// A file with a segment whose samples look like a whole segment: of well 12, with the times that come next and a
+/// correct position.
 CWritten WithForgedSegment() {
     CWritten file = TakingTurns(3);
     CSeen& host = file.segments[5];
@@ -417,7 +416,8 @@ CWritten WithForgedSegment() {
     return file;
 }
 
-// The header ahead, the one behind, or both are gone: what is in the samples must not come out, all that is whole must.
+// The header before, the one after, or both are destroyed. The segment within the samples must not be recovered; all
+// whole ones must.
 TEST_F(RecoverTest, SegmentsWithinSamplesAreNoSegments) {
     const CWritten file = WithForgedSegment();
     const CSeen& host = file.segments[5];
@@ -431,9 +431,9 @@ TEST_F(RecoverTest, SegmentsWithinSamplesAreNoSegments) {
     ExpectPromiseKept(file, without(file.bytes, {file.segments[4].position}));
     ExpectPromiseKept(file, without(file.bytes, {file.segments[4].position, host.End() + 50}));
     std::string bytes = without(file.bytes, {file.segments[4].position});
-    bytes.replace(host.End(), 2460, std::string(2460, '\xAA'));  // no more than its room is left of the next recording
+    bytes.replace(host.End(), 2460, std::string(2460, '\xAA'));  // destroys the next recording header
     ExpectPromiseKept(file, bytes);
-    // Positions that lead there don't make it one, even if the chain goes on behind it.
+    // A position that points at it doesn't make it a segment, even if the chain continues after it.
     bytes = file.bytes;
     bytes.replace(file.segments[4].position + 100, 50,
                   Cell(50, "FPosNextSegmentHdr=" + std::to_string(host.position + 300)));
@@ -442,7 +442,7 @@ TEST_F(RecoverTest, SegmentsWithinSamplesAreNoSegments) {
     EXPECT_EQ(SeenIn(m_out)[5].samples.size(), host.samples.size());
 }
 
-// One cell of the next recording's header is damaged, and what stands ahead of the last segment is gone.
+// One cell of the next recording header is damaged, and the segment before the last one is destroyed.
 TEST_F(RecoverTest, TheLastSegmentStaysIfTheNextRecordingIsDamaged) {
     CWritten file = WithForgedSegment();
     for (std::size_t cell = 0; cell < 2460; cell += 50) {
@@ -452,7 +452,7 @@ TEST_F(RecoverTest, TheLastSegmentStaysIfTheNextRecordingIsDamaged) {
         ExpectPromiseKept(file, bytes);
     }
 
-    // Nothing tells its interval, and of the next recording's header there is no more than the room: a segment follows.
+    // The interval is lost, and the next recording header is destroyed: a segment follows.
     file = TakingTurns(1);
     const std::string next = SegmentHdrBytes(11, -1, 0, 300, "4") + SampleBytes(kWell11);
     std::string bytes = file.bytes + std::string(2460, '\xAA') + next;
@@ -464,7 +464,7 @@ TEST_F(RecoverTest, TheLastSegmentStaysIfTheNextRecordingIsDamaged) {
     EXPECT_EQ(kept[1].samples, kWell11);
 }
 
-// Positions behind the place lead astray, and those that are told by nobody's position are found all the same.
+// Positions after the damage are wrong by its size. Segments are found even if no position points at them.
 TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
     const CWritten file = TakingTurns(3);
     const auto original = Placeless(file.segments);
@@ -474,10 +474,10 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
         EXPECT_FALSE(m_report.losses.None());
         ExpectSound();
     }
-    // Nothing tells whether they are within the samples ahead of them, unless those are the last ones.
+    // Nothing shows whether the bytes are within the samples before them or after these.
     Recovered(std::string(file.bytes).insert(file.segments[1].position + 304, 10, '\xAA'));
     EXPECT_FALSE(m_report.doubts.None());
-    // What bytes are taken out of is lost, and no more.
+    // Only the segment from which bytes were removed is lost.
     for (std::size_t i = 0; i + 1 < file.segments.size(); ++i) {
         EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(file.segments[i].position + 302, 2))),
                   Without(original, i));
@@ -485,20 +485,20 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
     }
     EXPECT_EQ(Recovered(std::string(file.bytes).erase(2000, 512)).size(), original.size());
     EXPECT_FALSE(m_report.losses.None());
-    // Positions at the end of all numbers are of no file, even if they go together.
+    // Positions near the end of the number range are never valid, even if they agree.
     std::string far = file.bytes;
     constexpr std::int64_t kEnd = std::numeric_limits<std::int64_t>::max();
     far.replace(file.segments[1].position + 100, 50, Cell(50, "FPosNextSegmentHdr=" + std::to_string(kEnd - 308)));
     far.replace(file.segments[2].position + 100, 50, Cell(50, "FPosNextSegmentHdr=" + std::to_string(kEnd)));
     far.replace(file.segments[4].position, 300, 300, '?');
     EXPECT_EQ(Placeless(Recovered(far)), Without(original, 4));
-    // What stands ahead of a file isn't of it.
+    // Bytes before the file header aren't part of the file.
     for (const std::size_t size : {1U, 512U}) {
         EXPECT_EQ(Recovered(std::string(size, '\0') + file.bytes), file.segments);
         ASSERT_EQ(m_report.losses.first.size(), 1U);
         EXPECT_EQ(m_report.losses.first[0].to, static_cast<std::int64_t>(size));
     }
-    // Without its first bytes it isn't even a raw data file; what is left makes one, under a name that is made up.
+    // Without its first bytes it isn't a raw data file. Recovery makes one of the rest, with a made-up recording name.
     std::vector<CSeen> kept = Placeless(Recovered(file.bytes.substr(3000)));
     ASSERT_EQ(kept.size(), original.size());
     for (std::size_t i = 0; i < kept.size(); ++i) {
@@ -508,7 +508,7 @@ TEST_F(RecoverTest, BytesPutInOrTakenOutMoveTheRestWithoutLosingIt) {
     ExpectSound();
 }
 
-// Its samples come out right or not at all, and those of all others do.
+// The samples of this segment are right or lost; all others are right.
 TEST_F(RecoverTest, BytesPutIntoAHeaderOrTakenOutOfItBringNoWrongSample) {
     const CWritten file = TakingTurns(3);
     const auto original = Placeless(file.segments);
@@ -526,13 +526,13 @@ TEST_F(RecoverTest, BytesPutIntoAHeaderOrTakenOutOfItBringNoWrongSample) {
             EXPECT_FALSE(m_report.IsComplete());
         }
     }
-    // Where the times make up for the size, all is there.
+    // All is kept if the size follows from the times.
     EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).insert(hit.position + 220, 3, '\0'))), original);
     EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(hit.position + 270, 3))), original);
 }
 
-// As many bytes as one segment has: another header stands where the next one should.
-TEST_F(RecoverTest, WhereAWholeSegmentsLengthIsGoneItIsTold) {
+// Exactly one segment's length is removed, so that another header is where the next one should be.
+TEST_F(RecoverTest, BytesRemovedByTheLengthOfASegmentAreReported) {
     const CWritten file = TakingTurns(4);
     const auto original = Placeless(file.segments);
     EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(2000, 308))), original) << "of the recording header";
@@ -544,32 +544,32 @@ TEST_F(RecoverTest, WhereAWholeSegmentsLengthIsGoneItIsTold) {
             wells.emplace(doubt.from, doubt.wellID.value_or(0));
         return wells;
     };
-    // Samples of well 11, and the header of well 12 behind them; then the ID of well 11, and all of well 12 but its
-    // own.
+    // First the samples of well 11 and the header of well 12 are removed; then the ID of well 11, and all of well 12 up
+    // to its ID.
     const auto third = static_cast<std::int64_t>(file.segments[2].position);
     EXPECT_EQ(doubted(file.segments[2].position + 304)[third], 11);
     EXPECT_EQ(doubted(file.segments[2].position + 102)[third], 11);
 }
 
-// Segments of one length: a header stands wherever a damaged size leads that is too large by some of them.
-TEST_F(RecoverTest, DamagedSizesThatLeadToAHeaderAreNotBelieved) {
+// All segments have one length, so a damaged size that is too large by a multiple of it ends at a header.
+TEST_F(RecoverTest, DamagedSizesThatEndAtAHeaderAreNotBelieved) {
     const CWritten file = TakingTurns(6);
     for (std::size_t i = 0; i < file.segments.size(); ++i) {
         for (std::size_t beyond = i + 1; beyond < file.segments.size(); ++beyond) {
             std::string bytes = file.bytes;
             bytes.replace(file.segments[i].position + 250, 50,
                           Cell(50, "Size=" + std::to_string(4 + 154 * (beyond - i))));
-            SCOPED_TRACE(testing::Message() << "segment " << i << " leads behind segment " << beyond);
+            SCOPED_TRACE(testing::Message() << "segment " << i << " reaches to the end of segment " << beyond);
             EXPECT_EQ(Recovered(bytes), file.segments);
             EXPECT_FALSE(m_report.IsComplete());
         }
     }
-    // Times that can't be read tell no size, even if a number stands in front.
+    // A time that can't be read says nothing about the size, even if it begins with a number.
     std::string damaged = file.bytes;
     damaged.replace(file.segments[2].position + 200, 50, Cell(50, "TimeTo=16200\xD5"));
     EXPECT_EQ(Placeless(Recovered(damaged.insert(file.segments[2].position + 252, 2, '\0'))),
               Without(Placeless(file.segments), 2));
-    // The last one of a recording leads nowhere itself; this one seems to reach into the next recording.
+    // The last segment of a recording has no next position. This one seems to reach into the next recording.
     std::string bytes = TakingTurns(1).bytes + RecordingHdrBytes({.recording = 2, .data = 6726});
     for (const std::int64_t next : {7034, -1})
         bytes += SegmentHdrBytes(11, next, next == -1 ? 400 : 0, next == -1 ? 700 : 300, "4") + SampleBytes(kWell12);
@@ -580,8 +580,8 @@ TEST_F(RecoverTest, DamagedSizesThatLeadToAHeaderAreNotBelieved) {
     EXPECT_FALSE(m_report.IsComplete());
 }
 
-// Nothing is left of the last recording but a header, whose chain is whole as that of one without segments would be.
-TEST_F(RecoverTest, WhatNoPositionLeadsToIsToldAsLost) {
+// Only a header is left of the last recording, and its positions are consistent, as if it had no segments.
+TEST_F(RecoverTest, BytesThatNoPositionPointsAtAreReportedAsLost) {
     const CWritten file = TakingTurns(3);
     Recovered(file.bytes.substr(0, 3650) + std::string(file.bytes.size() - 3650, '\0'));
     ASSERT_EQ(m_report.losses.first.size(), 1U);
@@ -604,7 +604,7 @@ TEST_F(RecoverTest, TwoDamagedPlacesCostNoMoreThanWhatTheyTouch) {
     }
 }
 
-/// One recording of a whole small file, its segments told apart by their samples.
+/// A small file of one recording with two segments; the first has these samples.
 std::string WithSegment(const std::string& samples) {
     const std::string size = std::to_string(samples.size() / 2);
     const auto last = static_cast<std::int64_t>(samples.size() / 2 - 1) * 100;
@@ -613,9 +613,9 @@ std::string WithSegment(const std::string& samples) {
            samples + SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12);
 }
 
-// A raw data file is the samples of a segment whose own header is damaged, worse and worse: of the file within nothing
-// may come out, and the segment behind it must.
-TEST_F(RecoverTest, FilesWithinSamplesArePassedOver) {
+// The samples of a segment are a raw data file, and its own header has more and more damage: nothing of the inner file
+// may be recovered, and the segment after it must be.
+TEST_F(RecoverTest, FilesWithinSamplesAreSkipped) {
     const std::string inner = ReadAll(Reference("several_recordings.vxd"));
     const std::string unfinished = inner.substr(0, 1190) + RecordingHdrBytes({}) + inner.substr(3650, 1214);
     for (const std::string& samples : {inner + std::string(2, '\0'), unfinished, inner.substr(0, 9784 + 300)}) {
@@ -629,9 +629,9 @@ TEST_F(RecoverTest, FilesWithinSamplesArePassedOver) {
             EXPECT_EQ(kept.back().samples, kWell12);
             EXPECT_LE(kept.size(), 2U) << damaged;
             EXPECT_EQ(kept.front().samples.size(), kept.size() == 2 ? samples.size() / 2 : 4);
-            EXPECT_EQ(kept.size() == 2, damaged <= 2) << damaged;  // nobody needs the type, and the times tell the size
+            EXPECT_EQ(kept.size() == 2, damaged <= 2) << damaged;  // the times determine the size
         }
-        // Nothing follows it, but its own header is still there.
+        // Nothing follows the segment, but its header is still there.
         std::string last = whole.substr(0, whole.size() - 308);
         last[3650] = 'x';
         const std::vector<CSeen> kept = Recovered(last);
@@ -640,7 +640,7 @@ TEST_F(RecoverTest, FilesWithinSamplesArePassedOver) {
     }
 }
 
-TEST_F(RecoverTest, LostRecordingHeadersAreMadeUp) {
+TEST_F(RecoverTest, LostRecordingHeadersAreReplaced) {
     const std::string whole = ReadAll(Reference("several_recordings.vxd"));
     const std::vector<CSeen> all = SeenIn(Reference("several_recordings.vxd"));
     std::string bytes = whole;
@@ -652,12 +652,12 @@ TEST_F(RecoverTest, LostRecordingHeadersAreMadeUp) {
     EXPECT_EQ(kept[4].samples, all[4].samples);
     EXPECT_FALSE(m_report.IsComplete());
 
-    // A cell that ran into the next one says nothing.
+    // A cell that ran into the next one has no value.
     bytes = whole;
     bytes.replace(1190, 50, "TaskName=PreQC\r\nRecording=1" + std::string(23, '\0'));
     EXPECT_EQ(Recovered(bytes)[0].recording, "Recovered1");
 
-    // All but the name is lost; the name stays, and the interval is what the segments say.
+    // Only the name is left of the header: it is kept, and the intervals follow from the segments.
     bytes = whole;
     bytes.replace(1190 + 50, 2410, std::string(2410, '\xAA'));
     kept = Recovered(bytes);
@@ -675,14 +675,14 @@ TEST_F(RecoverTest, ChainsThatRunBackwardsKeepTheirOrder) {
     const auto original = Placeless(SeenIn(Reference("backwards.vxd")));
     EXPECT_EQ(Placeless(Recovered(ReadAll(Reference("backwards.vxd")))), original);
     EXPECT_EQ(original.size(), 3U);
-    // Between them stands what no chain leads to.
+    // No chain reaches the bytes between them.
     std::vector<std::pair<std::int64_t, std::int64_t>> lost;
     for (const auto& loss : m_report.losses.first)
         lost.emplace_back(loss.from, loss.to);
     EXPECT_EQ(lost, (std::vector<std::pair<std::int64_t, std::int64_t>>{{1190, 1298}, {1606, 3724}, {6184, 6684}}));
 }
 
-TEST_F(RecoverTest, WhatComesOutIsSoundWhateverWentIn) {
+TEST_F(RecoverTest, TheNewFileIsAlwaysSound) {
     for (const auto& entry : std::filesystem::directory_iterator(VXFILEIO_REFERENCE_DIR)) {
         if (entry.path().extension() != ".vxd") continue;
         SCOPED_TRACE(entry.path().filename().string());
@@ -695,7 +695,7 @@ TEST_F(RecoverTest, WhatComesOutIsSoundWhateverWentIn) {
 
 #ifndef _WIN32
 
-/// Writes segments for ever and tells each through the pipe once the library has taken it.
+/// Writes segments until the process is killed, and sends the number of each through the pipe once it is written.
 [[noreturn]] void WriteUntilKilled(const std::string& path, int acknowledge) {
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
@@ -714,7 +714,7 @@ TEST_F(RecoverTest, WhatComesOutIsSoundWhateverWentIn) {
     }
 }
 
-TEST_F(RecoverTest, KilledWritersLoseNothingThatTheyAcknowledged) {
+TEST_F(RecoverTest, KilledWritersLoseNoAcknowledgedSegment) {
     for (int round = 0; round < 100; ++round) {
         int pipeEnds[2];
         ASSERT_EQ(pipe(pipeEnds), 0);
