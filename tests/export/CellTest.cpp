@@ -9,7 +9,7 @@ namespace {
 using YExcel::Cell;
 using YExcel::CellType;
 
-TEST(CellTest, HoldsOneThingAtATime) {
+TEST(CellTest, HoldsOneValueAtATime) {
     Cell cell;
     EXPECT_EQ(cell.Type(), CellType::Undefined);
     cell.SetInteger(-7);
@@ -35,7 +35,7 @@ TEST(CellTest, HoldsOneThingAtATime) {
     EXPECT_EQ(cell.GetWideText(), u"");
 }
 
-TEST(CellTest, DoubleThatIsNoWholeNumberOf32BitsReadsAsTheLeast) {
+TEST(CellTest, DoubleOutOfRangeReadsAsTheLowestInteger) {
     Cell cell;
     for (const double value : {2147483648.0, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
         cell.SetDouble(value);
@@ -55,7 +55,7 @@ TEST(CellTest, EmptyTextClears) {
     EXPECT_EQ(cell.Type(), CellType::Undefined);
 }
 
-TEST(CellTest, KeepsTextsThatFitIntoItAndLongerOnes) {
+TEST(CellTest, KeepsShortAndLongTexts) {
     Cell cell;
     for (std::size_t size = 1; size < 40; ++size) {
         for (const std::size_t before : {1U, 30U}) {
@@ -63,7 +63,7 @@ TEST(CellTest, KeepsTextsThatFitIntoItAndLongerOnes) {
             const std::string text = std::string(size - 1, 'n') + "t";
             cell.SetText(text);
             EXPECT_EQ(cell.GetText(), text);
-            cell.SetText(cell.GetText().substr(size / 2));  // a part of its own
+            cell.SetText(cell.GetText().substr(size / 2));  // part of its own text
             EXPECT_EQ(cell.GetText(), text.substr(size / 2));
             const std::u16string wide = std::u16string(size - 1, u'\u0457') + u"t";
             cell.SetWideText(wide);
@@ -76,7 +76,7 @@ TEST(CellTest, KeepsTextsThatFitIntoItAndLongerOnes) {
     EXPECT_EQ(cell.GetDouble(), -2.75);
 }
 
-TEST(CellTest, TextEndsAtItsNulAndAtTheMostThatASpreadsheetKeeps) {
+TEST(CellTest, TextEndsAtItsNulAndAtTheLimitOfSpreadsheets) {
     Cell cell;
     cell.SetText(std::string_view("ab\0cd", 5));
     EXPECT_EQ(cell.GetText(), "ab");

@@ -10,7 +10,7 @@ namespace {
 using YExcel::Document;
 using YExcel::Sheet;
 
-/// The names of a document's sheets, in the order of its stream.
+/// Returns the names of a document's sheets, in the order of its stream.
 std::string Names(const Document& document) {
     std::string names;
     for (const CFoundRecord& record : RecordsOf(StreamOf(document)))
@@ -18,7 +18,7 @@ std::string Names(const Document& document) {
     return names;
 }
 
-TEST(DocumentTest, CreateSheetsBeginsAnew) {
+TEST(DocumentTest, CreateSheetsReplacesAllSheets) {
     Document document;
     EXPECT_EQ(document.FindSheet("Sheet1"), nullptr);
     document.CreateSheets(3);
@@ -31,7 +31,7 @@ TEST(DocumentTest, CreateSheetsBeginsAnew) {
     }
 }
 
-TEST(DocumentTest, SheetsStandWhereTheyWerePut) {
+TEST(DocumentTest, SheetsKeepTheOrderInWhichTheyWereInserted) {
     Document document;
     document.CreateSheets(2);
     Sheet* const second = document.FindSheet("Sheet2");
@@ -45,7 +45,7 @@ TEST(DocumentTest, SheetsStandWhereTheyWerePut) {
     EXPECT_EQ(document.AddSheet("last"), nullptr);
 }
 
-TEST(DocumentTest, DefaultNamesStepOverThoseInUse) {
+TEST(DocumentTest, DefaultNamesSkipThoseInUse) {
     Document document;
     document.CreateSheets(1);
     document.AddSheet("Sheet3");
@@ -59,7 +59,7 @@ TEST(DocumentTest, DefaultNamesStepOverThoseInUse) {
     EXPECT_EQ(Names(document), "Sheet5 Sheet4 Sheet1 Sheet3 Sheet6 Sheet7 Sheet8 ");
 }
 
-TEST(DocumentTest, RenameNeedsAnOldNameAndAFreeOne) {
+TEST(DocumentTest, RenameNeedsAnExistingNameAndAFreeOne) {
     Document document;
     document.CreateSheets(2);
     EXPECT_TRUE(document.RenameSheet("Sheet1", "Results"));
@@ -71,7 +71,7 @@ TEST(DocumentTest, RenameNeedsAnOldNameAndAFreeOne) {
     EXPECT_EQ(document.FindSheet("RESULTS"), nullptr);
 }
 
-TEST(DocumentTest, SheetGrowsToWhatWasAskedForAndNoFurther) {
+TEST(DocumentTest, SheetGrowsToTheRequestedCellAndNoFurther) {
     Document document;
     document.CreateSheets(1);
     Sheet& sheet = *document.FindSheet("Sheet1");
@@ -88,13 +88,13 @@ TEST(DocumentTest, SheetGrowsToWhatWasAskedForAndNoFurther) {
     EXPECT_EQ(sheet.ColumnCount(), 256U);
     EXPECT_EQ(sheet.At(3, 4), cell);
     EXPECT_EQ(cell->GetInteger(), 5);
-    for (std::uint32_t row = 0; row < 300; ++row) {  // each cell is one of its own
+    for (std::uint32_t row = 0; row < 300; ++row) {  // cells are independent
         for (std::uint32_t column = 0; column < 20; ++column)
             EXPECT_EQ(sheet.At(row, column)->Type() == YExcel::CellType::Undefined, row != 3 || column != 4);
     }
 }
 
-TEST(DocumentTest, FileThatCannotBeMadeOrWrittenIsFalse) {
+TEST(DocumentTest, SaveReturnsFalseIfTheFileCannotBeCreatedOrWritten) {
     const CTempFolder folder;
     Document document;
     document.CreateSheets(1);

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A plate of three wells at two doses, of which the last has a workbook of its own.
+/// A plate of three wells at two doses. The last well has its own workbook.
 class ResultsExportTest : public testing::Test {
  protected:
     ResultsExportTest() {
@@ -59,7 +59,7 @@ class ResultsExportTest : public testing::Test {
         return text.empty() ? 0 : std::count(text.begin(), text.end(), '\n') + 1;
     }
 
-    /// The names of all files below the temporary folder's parent that this test made.
+    /// Returns the names of all files in the temporary folder.
     std::set<std::string> Files() {
         std::set<std::string> names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder.Path("")))
@@ -99,14 +99,14 @@ TEST_F(ResultsExportTest, ResultsHaveABlockForEachResponse) {
     EXPECT_EQ(Cells("run.xls"), expected);
 }
 
-TEST_F(ResultsExportTest, AWellOfItsOwnHasItsBeatsAndAverages) {
-    m_analyzer.AnalyzeSettings.clear();  // plays no part here
+TEST_F(ResultsExportTest, AWellWorkbookHasBeatsAndAverages) {
+    m_analyzer.AnalyzeSettings.clear();  // has no effect here
     m_plate.SetWellState(9, PlateWell::kNew);
-    Well(0, 9).FPfastDetectionTimes = {1, 2, 3};  // exported first, and gone in the next workbook
+    Well(0, 9).FPfastDetectionTimes = {1, 2, 3};  // exported first; must not be in the next workbook
     m_plate.SetWellState(4, PlateWell::kNew + 1);
     Well(0, 5).FPfastDetectionTimes = {-5, 1234567890123};
     Well(1, 5).FPfastDetectionTimes = {7};
-    Well(0, 5).Average = {9, 9, 9};  // none, as long as it has no count
+    Well(0, 5).Average = {9, 9, 9};  // ignored without a count
     Well(1, 5).Average = {0.5, -0.000125, 0.25};
     Well(1, 5).AverageCount = 1;
     Export();
@@ -127,7 +127,7 @@ TEST_F(ResultsExportTest, AWellOfItsOwnHasItsBeatsAndAverages) {
                                                 {"Averages 0 2", "1\xB5M"}}));
 }
 
-TEST_F(ResultsExportTest, WithoutRecordingsOrWellsTheBlocksAreEmpty) {
+TEST_F(ResultsExportTest, BlocksWithoutRecordingsOrWellsAreEmpty) {
     m_results.Clear();
     Export();
     EXPECT_EQ(Cells("run.xls"), (WorkbookCells{{"Results 2 0", "QT-Interval"},
@@ -149,7 +149,7 @@ TEST_F(ResultsExportTest, WithoutRecordingsOrWellsTheBlocksAreEmpty) {
     EXPECT_EQ(Files().size(), 3U);
 }
 
-TEST_F(ResultsExportTest, SheetsGrowToCellsThatStayEmpty) {
+TEST_F(ResultsExportTest, SheetsIncludeCellsThatStayEmpty) {
     SetAll(1);
     Export();
     EXPECT_EQ(Sizes("run.xls"), (WorkbookSizes{{"Results", {7, 11}}}));
@@ -165,7 +165,7 @@ TEST_F(ResultsExportTest, SheetsGrowToCellsThatStayEmpty) {
     EXPECT_EQ(Sizes("run-.xls"), (WorkbookSizes{{"HB Time Stamps", {1, 2}}, {"Averages", {1, 3}}}));
 }
 
-TEST_F(ResultsExportTest, ALabelNeverLeadsOutOfTheFolder) {
+TEST_F(ResultsExportTest, ALabelNeverPointsOutsideTheFolder) {
     std::filesystem::create_directory(m_folder.Path("run-"));
     std::filesystem::create_directory(m_folder.Path("sub"));
     m_plate.SetWellState(5, PlateWell::kActive);
@@ -174,9 +174,9 @@ TEST_F(ResultsExportTest, ALabelNeverLeadsOutOfTheFolder) {
     for (const std::string& label : labels)
         m_plate.Data.AddWell(id++, 0, 0, 0, label);
     Export("sub/run.xls");
-    EXPECT_EQ(CountLines(), 5) << "one for each label that makes no name of a file";
+    EXPECT_EQ(CountLines(), 5) << "one for each label that can't be in a file name";
     EXPECT_EQ(Files(), (std::set<std::string>{"run-", "sub", "run.xls", "run-ok.xls", "run-.xls"}));
-    Export("no such folder/run.xls");  // without a word, unless asked
+    Export("no such folder/run.xls");  // failure shows only in GetWriteError
     EXPECT_TRUE(m_io.GetResultsExport()->GetWriteError().starts_with("No such file or directory, opening " +
                                                                      m_folder.Path("no such folder/run.xls") + "\n"));
     EXPECT_EQ(CountLines(), 8) << "all workbooks";
@@ -204,7 +204,7 @@ TEST_F(ResultsExportTest, EverySheetHasASectionInTheDocs) {
 }
 
 #if defined(__linux__)
-TEST_F(ResultsExportTest, ALabelThatCannotBeInAFileNameLeavesOutThatWellAlone) {
+TEST_F(ResultsExportTest, OnlyWellsWhoseLabelCannotBeInAFileNameAreLeftOut) {
     m_plate.SetWellState(5, PlateWell::kActive);
     const std::string labels[] = {"two\nlines", "\x1B[31mred", std::string(248, 'n'), std::string(247, 'y')};
     std::int32_t id = 100;
@@ -218,7 +218,7 @@ TEST_F(ResultsExportTest, ALabelThatCannotBeInAFileNameLeavesOutThatWellAlone) {
                   "Not the name of a file: " + m_folder.Path("run-" + labels[2] + ".xls"));
 }
 
-TEST_F(ResultsExportTest, AWorkbookThatDoesNotFitLeavesTheOldOne) {
+TEST_F(ResultsExportTest, AFailedWriteKeepsTheOldWorkbook) {
     Export("run.xls");
     const std::string old = ReadAll(m_folder.Path("run.xls"));
     std::filesystem::create_directory(m_folder.Path("run-B5.xls.part1"));  // that name is taken
@@ -238,19 +238,19 @@ TEST_F(ResultsExportTest, AWorkbookThatDoesNotFitLeavesTheOldOne) {
 }
 #endif
 
-TEST_F(ResultsExportTest, WhatIsMissingIsReportedBeforeAnythingIsWritten) {
+TEST_F(ResultsExportTest, MissingInputIsReportedBeforeAnythingIsWritten) {
     CIResultsExport& exporter = *m_io.GetResultsExport();
     EXPECT_THROW(exporter.ExportExcel(m_folder.Path("run.xls")), CExcVXReader);
     Export("first.xls");
     exporter.SetPropertyAnalyzer(nullptr);
     EXPECT_THROW(exporter.ExportExcel(m_folder.Path("run.xls")), CExcVXReader);
-    EXPECT_EQ(exporter.GetWriteError(), "") << "that of the last export";
-    m_plate.Data.Series.push_back(1'000'000'000'000);  // no recording has it
+    EXPECT_EQ(exporter.GetWriteError(), "") << "the error of the last export";
+    m_plate.Data.Series.push_back(1'000'000'000'000);  // has no recording
     EXPECT_ANY_THROW(Export("run.xls"));
     EXPECT_EQ(Files(), (std::set<std::string>{"first.xls", "first-B5.xls"}));
 }
 
-TEST_F(ResultsExportTest, WhatASheetHasNoRoomForIsLeftOut) {
+TEST_F(ResultsExportTest, CellsBeyondTheLimitsOfASheetAreLeftOut) {
     m_plate.Data.Series = {1};
     m_results.Init(1, enTask::Series, "Series", std::vector<std::uint64_t>(300, 1), {5}, {""});
     for (const std::int32_t recording : {0, 254, 255, 299}) {
@@ -258,12 +258,12 @@ TEST_F(ResultsExportTest, WhatASheetHasNoRoomForIsLeftOut) {
         Well(recording, 5).AverageCount = 1;
         Well(recording, 5).AverageTick = std::numeric_limits<std::int64_t>::max();
     }
-    Well(254, 5).AverageTick = 1;  // the axis is that of the first average
+    Well(254, 5).AverageTick = 1;  // the axis uses the tick of the first average
     Export();
     const WorkbookCells cells = Cells("run-B5.xls");
     EXPECT_EQ(cells.at("HB Time Stamps 65535 0") + cells.at("HB Time Stamps 65535 255"), "11");
     EXPECT_EQ(cells.size(), 1U + 3 * 65535 + 1 + 1 + 2 + 2 * 2);
-    EXPECT_EQ(cells.at("Averages 2 0"), "9.22337203685e+18") << "less 25, which a double doesn't tell";
+    EXPECT_EQ(cells.at("Averages 2 0"), "9.22337203685e+18") << "25 less, but a double has only 53 bits";
     EXPECT_EQ(Cells("run.xls").at("Results 2 0"), "QT-Interval");
 }
 

@@ -10,8 +10,8 @@
 
 #include "tests/export/compound/CompoundReader.h"
 
-/// The cells of a workbook, each under its sheet, row and column ("Results 2 0"), as text: its characters, or its
-/// number with up to 12 digits. It reads small workbooks only, whose texts fit one record.
+/// The cells of a workbook as text, by sheet, row and column ("Results 2 0"). Numbers have up to 12 digits. Reads only
+/// small workbooks, whose texts fit into one record.
 using WorkbookCells = std::map<std::string, std::string>;
 
 namespace workbook_reader {
@@ -40,7 +40,7 @@ inline std::vector<std::string> TextsOf(const std::string& body) {
 
 }  // namespace workbook_reader
 
-/// What a workbook says of the size of its sheets: behind the last row and behind the last column of each.
+/// The row count and column count of each sheet, as its DIMENSIONS record has them.
 using WorkbookSizes = std::map<std::string, std::pair<std::uint32_t, std::uint32_t>>;
 
 struct Workbook {
@@ -52,7 +52,7 @@ struct Workbook {
 inline Workbook WorkbookOf(const std::string& file) {
     using namespace workbook_reader;
     const std::string stream = CompoundReader(file).streams.at("Workbook");
-    std::map<std::size_t, std::string> names;  // by the position of the sheet
+    std::map<std::size_t, std::string> names;  // by the offset of the sheet
     std::vector<std::string> texts;
     std::string sheet;
     Workbook workbook;

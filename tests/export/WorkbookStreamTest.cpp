@@ -28,7 +28,7 @@ constexpr std::uint32_t kMulRk = 0x00BD;
 constexpr std::uint32_t kNumber = 0x0203;
 constexpr std::uint32_t kLabelSst = 0x00FD;
 
-/// A workbook with "Sheet1", and what its stream is made of.
+/// A workbook with "Sheet1", and the contents of its stream.
 class WorkbookStreamTest : public testing::Test {
  protected:
     WorkbookStreamTest() { m_document.CreateSheets(1); }
@@ -36,7 +36,7 @@ class WorkbookStreamTest : public testing::Test {
     Sheet& First() { return *m_document.FindSheet("Sheet1"); }
     std::string Stream() const { return StreamOf(m_document); }
 
-    /// The bodies of all records with this code, in their order.
+    /// Returns the bodies of all records with this code, in order.
     std::vector<std::string> Bodies(std::uint32_t code) const {
         std::vector<std::string> bodies;
         for (const CFoundRecord& record : RecordsOf(Stream()))
@@ -45,7 +45,7 @@ class WorkbookStreamTest : public testing::Test {
     }
     std::string Body(std::uint32_t code) const { return Bodies(code).at(0); }
 
-    /// The codes and bodies of the cell records of all sheets.
+    /// Returns the codes and bodies of the cell records of all sheets.
     std::vector<std::pair<std::uint32_t, std::string>> Cells() const {
         std::vector<std::pair<std::uint32_t, std::string>> cells;
         for (const CFoundRecord& record : RecordsOf(Stream()))
@@ -93,7 +93,7 @@ TEST_F(WorkbookStreamTest, EmptySheetByteForByte) {
     EXPECT_EQ(Stream(), Stream());
 }
 
-TEST_F(WorkbookStreamTest, NeighboursOfOneShortFormShareARecord) {
+TEST_F(WorkbookStreamTest, NeighboursWithTheSameShortFormShareARecord) {
     First().At(2, 1)->SetDouble(1.5);
     First().At(2, 2)->SetDouble(2.5);
     First().At(2, 3)->SetDouble(3.25);
@@ -101,11 +101,11 @@ TEST_F(WorkbookStreamTest, NeighboursOfOneShortFormShareARecord) {
     First().At(3, 1)->SetDouble(153.2738);
     First().At(3, 2)->SetDouble(153.2738);
     First().At(3, 3)->SetDouble(2.5);
-    First().At(3, 5)->SetDouble(2.5);  // behind a gap
+    First().At(3, 5)->SetDouble(2.5);  // after a gap
     First().At(4, 0)->SetInteger(-1);
     First().At(4, 1)->SetInteger(2);
-    First().At(4, 2)->SetDouble(2.0);         // a whole number of the other kind
-    First().At(4, 3)->SetInteger(536870912);  // one bit more than is kept
+    First().At(4, 2)->SetDouble(2.0);         // a whole number, but stored as a double
+    First().At(4, 3)->SetInteger(536870912);  // one bit too many
     First().At(4, 4)->SetInteger(3);
     const std::vector<std::pair<std::uint32_t, std::string>> expected = {
         {kMulRk, U16(2) + U16(1) + Item(0x4062C001) + Item(0x406F4001) + Item(0x40745001) + U16(3)},
@@ -120,7 +120,7 @@ TEST_F(WorkbookStreamTest, NeighboursOfOneShortFormShareARecord) {
     EXPECT_EQ(Cells(), expected);
 }
 
-TEST_F(WorkbookStreamTest, RunsOfAllColumnsAndOfRowsThatFollowStayApart) {
+TEST_F(WorkbookStreamTest, RunsEndWithTheirRow) {
     for (unsigned column = 0; column < 256; ++column)
         First().At(0, column)->SetInteger(0);
     First().At(1, 0)->SetInteger(0);
@@ -157,7 +157,7 @@ TEST_F(WorkbookStreamTest, AWorkbookHasEachTextOnce) {
     EXPECT_EQ(Stream(), Stream());
 }
 
-// So many that they are looked for among many, and again when there are more.
+// Enough texts for the index to grow several times.
 TEST_F(WorkbookStreamTest, ThousandsOfTextsKeepTheirIndices) {
     constexpr unsigned kTexts = 3000;
     for (unsigned i = 0; i < 2 * kTexts; ++i)
@@ -180,8 +180,8 @@ TEST_F(WorkbookStreamTest, ManyTextsTakeLinearTime) {
     }));
 }
 
-// Rows 2, 3 and 33 have cells; row 34 and column 4 were asked for and left empty.
-TEST_F(WorkbookStreamTest, RowBlocksTellTheWayToTheirCells) {
+// Rows 2, 3 and 33 have cells. Row 34 and column 4 were requested but stay empty.
+TEST_F(WorkbookStreamTest, RowBlocksHaveTheOffsetsOfTheirCells) {
     First().At(2, 3)->SetDouble(153.2738);
     First().At(2, 1)->SetText("text");
     First().At(3, 0)->SetDouble(1.5);
@@ -193,12 +193,12 @@ TEST_F(WorkbookStreamTest, RowBlocksTellTheWayToTheirCells) {
     EXPECT_EQ(Bodies(kRow), (std::vector<std::string>{U16(2) + rest, U16(3) + rest, U16(33) + rest}));
     // Two rows of 20 bytes, then 14 + 18 bytes of cells, then 14.
     EXPECT_EQ(Bodies(kDbCell), (std::vector<std::string>{U32(86) + U16(20) + U16(32), U32(34) + U16(0)}));
-    // Globals without cells of 748 bytes and one string of 7, then 20 + 28 + 18 bytes in front of the first row.
+    // The globals have 748 bytes and one string of 7. Then come 20 + 28 + 18 bytes before the first row.
     const std::uint32_t first = 748 + 7 + 66 + 86;
     EXPECT_EQ(Body(kIndex), U32(0) + U32(2) + U32(35) + U32(0) + U32(first) + U32(first + 12 + 34));
 }
 
-TEST_F(WorkbookStreamTest, EmptyRowBlocksKeepTheirEnd) {
+TEST_F(WorkbookStreamTest, EmptyRowBlocksHaveAnEnd) {
     First().At(64, 1);
     EXPECT_EQ(Body(kDimensions), U32(0) + U32(65) + U16(0) + U16(2) + U16(0));
     EXPECT_EQ(Bodies(kDbCell), std::vector<std::string>(3, U32(0)));
@@ -210,7 +210,7 @@ TEST_F(WorkbookStreamTest, EmptyRowBlocksKeepTheirEnd) {
     EXPECT_EQ(Body(kIndex).substr(0, 16), U32(0) + U32(63) + U32(65) + U32(0));
 }
 
-// The first column that counts is that of the first row, wherever other rows begin.
+// The first column is that of the first row, even if other rows begin before it.
 TEST_F(WorkbookStreamTest, FarCornersOfTheSheet) {
     First().At(65534, 7)->SetInteger(1);
     First().At(65535, 255)->SetInteger(2);
@@ -223,7 +223,7 @@ TEST_F(WorkbookStreamTest, FarCornersOfTheSheet) {
     EXPECT_EQ(Cells(), expected);
 }
 
-TEST_F(WorkbookStreamTest, EverySheetIsFoundWhereTheStreamSays) {
+TEST_F(WorkbookStreamTest, OffsetsOfSheetsAndRowBlocksAreCorrect) {
     m_document.CreateSheets(3);
     for (unsigned row = 0; row < 100; ++row) {
         m_document.FindSheet("Sheet1")->At(row, row % 7)->SetDouble(row * 0.3);
@@ -247,7 +247,7 @@ TEST_F(WorkbookStreamTest, EverySheetIsFoundWhereTheStreamSays) {
     EXPECT_EQ(toldBegins, U32(begins[0]) + "Sheet1" + U32(begins[1]) + "Sheet2" + U32(begins[2]) + "Sheet3");
     EXPECT_EQ(options, (std::vector<std::uint32_t>{0x06B6, 0x04B6, 0x04B6}));
     ASSERT_EQ(ends.size(), 4U + 10U);
-    ends.insert(ends.begin() + 4, 0);  // a sheet without rows tells of one block all the same
+    ends.insert(ends.begin() + 4, 0);  // even a sheet without rows lists one block
     std::string expectedEnds;
     for (const std::uint32_t end : ends)
         expectedEnds += U32(end);

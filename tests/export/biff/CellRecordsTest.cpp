@@ -11,7 +11,7 @@ namespace {
 
 using namespace YExcel;
 
-// Each cell stands in row 0x0102, column 3, with format 4.
+// Each cell is in row 0x0102, column 3, with format 4.
 const std::string kPlace = U16(0x0102) + U16(3) + U16(4);
 
 TEST(CellRecordsTest, NumbersAndTexts) {
@@ -41,7 +41,7 @@ TEST(CellRecordsTest, BlanksTruthAndErrors) {
                  U16(0x0205) + U16(8) + kPlace + U8(0x2A) + U8(1));
 }
 
-TEST(CellRecordsTest, FormulaAndWhatMayFollowIt) {
+TEST(CellRecordsTest, FormulaAndRecordsAfterIt) {
     const CellRange range{.firstRow = 1, .lastRow = 0x0203, .firstColumn = 4, .lastColumn = 5};
     const std::string rangeBytes = U16(1) + U16(0x0203) + U8(4) + U8(5);
     const Expression expression{"\x1E\x07"};

@@ -12,7 +12,7 @@ using YExcel::SstString;
 
 using CBodies = std::vector<std::string>;
 
-/// The bodies of a record and of the CONTINUE records behind it.
+/// Returns the bodies of a record and of its CONTINUE records.
 CBodies BodiesOf(const YExcel::Record auto& record, std::uint32_t code) {
     const std::string bytes = BytesOf(record);
     EXPECT_EQ(bytes.size(), YExcel::RecordSize(record));
@@ -24,7 +24,7 @@ CBodies BodiesOf(const YExcel::Record auto& record, std::uint32_t code) {
     return bodies;
 }
 
-/// Bytes and then a number, for want of a long record that isn't the shared strings.
+/// Bytes followed by a number. No record other than the shared strings is long enough to be continued.
 struct CLong {
     static constexpr std::uint16_t kCode = 0x1234;
     std::string_view bytes;
@@ -33,7 +33,7 @@ struct CLong {
     static constexpr void Fields(auto& self, auto& body) { body(self.bytes, self.number); }
 };
 
-TEST(ContinuedBodyTest, BytesAndNumbersAreCutWhereARecordIsFull) {
+TEST(ContinuedBodyTest, BytesAndNumbersAreSplitWhereARecordIsFull) {
     const std::string x(20000, 'x');
     const auto bodies = [&](std::size_t count) {
         return BodiesOf(CLong{std::string_view(x).substr(0, count), 0x44332211}, 0x1234);
@@ -44,7 +44,7 @@ TEST(ContinuedBodyTest, BytesAndNumbersAreCutWhereARecordIsFull) {
     EXPECT_EQ(bodies(16446), (CBodies{x.substr(0, 8224), x.substr(0, 8222) + "\x11\x22", "\x33\x44"}));
 }
 
-/// Strings of so many characters each, narrow ones unless they are told to be wide.
+/// Narrow and wide strings, by their numbers of characters.
 class CStrings {
  public:
     CStrings() = default;
@@ -61,7 +61,7 @@ class CStrings {
     }
 
     const SharedStringTable& Table() const { return m_table; }
-    /// The bodies of the records that hold the strings, without the two counts at the beginning.
+    /// Returns the bodies of the records that hold the strings, without the two counts at the beginning.
     CBodies Bodies() const {
         CBodies bodies = BodiesOf(m_table, 0x00FC);
         EXPECT_EQ(bodies[0].substr(0, 8), U32(0) + U32(m_table.strings.size()));
@@ -77,7 +77,7 @@ class CStrings {
 
 std::string Narrow(std::size_t count) { return std::string().append(count, 'n'); }
 std::string Wide(std::size_t count) { return Units(std::u16string(count, u'\u0457')); }
-/// What stands in front of all characters of a string, and in front of those that go on behind a cut.
+/// The bytes before the characters of a string, and before those that continue it in the next record.
 std::string NarrowHead(std::size_t count) { return U16(count) + U8(0); }
 std::string WideHead(std::size_t count) { return U16(count) + U8(1); }
 const std::string kNarrowGoesOn = U8(0);
@@ -91,21 +91,21 @@ TEST(ContinuedBodyTest, NarrowStringThatFillsTheRecordEndsThere) {
     EXPECT_EQ(CStrings().Narrow(8213).Wide(1).Bodies(), (CBodies{full, WideHead(1) + Wide(1)}));
 }
 
-TEST(ContinuedBodyTest, NarrowStringGoesOnBehindAnOptionByteInEachRecord) {
+TEST(ContinuedBodyTest, NarrowStringContinuesAfterAnOptionByteInEachRecord) {
     EXPECT_EQ(CStrings().Narrow(8214).Narrow(2).Bodies(),
               (CBodies{NarrowHead(8214) + Narrow(8213), kNarrowGoesOn + "n" + NarrowHead(2) + "nn"}));
     const std::string wholeRecord = kNarrowGoesOn + Narrow(8223);
     EXPECT_EQ(CStrings().Narrow(8213 + 3 * 8223 + 5).Narrow(2).Bodies(),
               (CBodies{NarrowHead(32887) + Narrow(8213), wholeRecord, wholeRecord, wholeRecord,
                        kNarrowGoesOn + Narrow(5) + NarrowHead(2) + "nn"}));
-    // Ending exactly where a record does, it leaves no option byte to the next.
+    // A string that ends with its record leaves no option byte to the next.
     EXPECT_EQ(CStrings().Narrow(8213 + 2 * 8223).Bodies(),
               (CBodies{NarrowHead(24659) + Narrow(8213), wholeRecord, wholeRecord}));
     EXPECT_EQ(CStrings().Narrow(8213 + 2 * 8223).Narrow(2).Bodies(),
               (CBodies{NarrowHead(24659) + Narrow(8213), wholeRecord, wholeRecord, NarrowHead(2) + "nn"}));
 }
 
-TEST(ContinuedBodyTest, StringIsNotBegunInLessThanTwelveBytes) {
+TEST(ContinuedBodyTest, StringThatMustBeSplitDoesNotBeginInTheLastElevenBytes) {
     const std::string elevenLeft = NarrowHead(8202) + Narrow(8202);
     EXPECT_EQ(CStrings().Narrow(8202).Narrow(8).Bodies(), (CBodies{elevenLeft + NarrowHead(8) + Narrow(8)}));
     EXPECT_EQ(CStrings().Narrow(8202).Narrow(8).Narrow(1).Bodies(),
@@ -121,7 +121,7 @@ TEST(ContinuedBodyTest, StringIsNotBegunInLessThanTwelveBytes) {
 }
 
 // A CONTINUE record has room for 8224 bytes of strings.
-TEST(ContinuedBodyTest, StringThatMovesMayFillItsNewRecordOrGoOnBeyondIt) {
+TEST(ContinuedBodyTest, StringThatMovesToANewRecordMayFillItOrContinue) {
     const std::string first = NarrowHead(8213) + Narrow(8213);
     EXPECT_EQ(CStrings().Narrow(8213).Narrow(8221).Bodies(), (CBodies{first, NarrowHead(8221) + Narrow(8221)}));
     EXPECT_EQ(CStrings().Narrow(8213).Narrow(8221).Narrow(1).Bodies(),
@@ -132,8 +132,8 @@ TEST(ContinuedBodyTest, StringThatMovesMayFillItsNewRecordOrGoOnBeyondIt) {
               (CBodies{first, WideHead(4111) + Wide(4110), kWideGoesOn + Wide(1)}));
 }
 
-TEST(ContinuedBodyTest, WideCharactersAreNeverDivided) {
-    // An even number of bytes is left, and a byte of it stays free.
+TEST(ContinuedBodyTest, WideCharactersAreNeverSplit) {
+    // An even number of bytes is left, so one of them stays unused.
     EXPECT_EQ(CStrings().Wide(4107).Narrow(2).Bodies(),
               (CBodies{WideHead(4107) + Wide(4106), kWideGoesOn + Wide(1) + NarrowHead(2) + "nn"}));
     const std::string wholeRecord = kWideGoesOn + Wide(4111);
@@ -142,7 +142,7 @@ TEST(ContinuedBodyTest, WideCharactersAreNeverDivided) {
                        kWideGoesOn + Wide(2) + NarrowHead(2) + "nn"}));
     EXPECT_EQ(CStrings().Wide(4106 + 2 * 4111).Narrow(2).Bodies(),
               (CBodies{WideHead(12328) + Wide(4106), wholeRecord, wholeRecord, NarrowHead(2) + "nn"}));
-    // An odd number is left, and all of it is used.
+    // An odd number is left; all of it is used.
     EXPECT_EQ(CStrings().Narrow(2).Wide(4105).Bodies(),
               (CBodies{NarrowHead(2) + "nn" + WideHead(4105) + Wide(4104), kWideGoesOn + Wide(1)}));
 }

@@ -13,7 +13,7 @@ TEST(GlobalRecordsTest, StyleMayHaveAName) {
     ExpectRecord(named, U16(0x0293) + U16(9) + U16(3) + U16(4) + U8(0) + "Mine");
 }
 
-TEST(GlobalRecordsTest, SheetNamesAreCountedInOneByteAndCutToIt) {
+TEST(GlobalRecordsTest, SheetNamesAreCutToAOneByteLength) {
     const auto named = [](auto name) { return BytesOf(BoundSheet{.position = 749, .name = SmallString(name)}); };
     const std::string head = U32(749) +      // position
                              U8(0) + U8(0);  // visibility, type
@@ -24,7 +24,7 @@ TEST(GlobalRecordsTest, SheetNamesAreCountedInOneByteAndCutToIt) {
               U16(0x0085) + U16(263) + head + U8(255) + U8(0) + std::string(255, 'x'));
 }
 
-TEST(GlobalRecordsTest, SharedStringsAndWhereTheyStand) {
+TEST(GlobalRecordsTest, SharedStringsAndTheirOffsets) {
     ExpectRecord(SharedStringTable(), U16(0x00FC) + U16(8) + U32(0) + U32(0));
     const SharedStringTable table{
         .total = 9, .strings = {SstString(std::string_view("ab")), SstString(std::u16string_view(u"ab")), SstString()}};

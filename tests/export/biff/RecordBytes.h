@@ -13,8 +13,7 @@
 #include "vxfileio/export/biff/RecordStream.h"
 
 /// @file
-/// Bytes put together by hand, number by number, and streams taken apart into records, without a line of the library:
-/// what the tests hold it against.
+/// Builds the bytes of records by hand, number by number, and splits streams into records, without any library code.
 
 inline std::string LowFirst(std::uint64_t value, int size) {
     std::string bytes;
@@ -28,7 +27,7 @@ inline std::string U32(std::uint64_t value) { return LowFirst(value, 4); }
 inline std::string U64(std::uint64_t value) { return LowFirst(value, 8); }
 inline std::string Zeros(std::size_t size) { return std::string().append(size, '\0'); }
 
-/// Characters of two bytes.
+/// Returns the bytes of UTF-16 characters.
 inline std::string Units(std::u16string_view text) {
     std::string bytes;
     for (const char16_t unit : text)
@@ -43,17 +42,17 @@ inline std::string ToString(std::span<const std::byte> bytes) {
     return text;
 }
 
-/// The bytes of a record alone in a stream.
+/// Returns the bytes of a record alone in a stream.
 std::string BytesOf(const YExcel::Record auto& record) { return ToString(YExcel::RecordBytes(record)); }
 
-/// Expects a record to be stored as these bytes and to be loaded from them, and loading to refuse every shorter body.
-/// A list that reaches to the end may lose whole items: `shorterLists` counts such bodies.
+/// Expects a record to be stored as these bytes and to be loaded from them, and every shorter body to be refused. A
+/// list at the end of a body may lack whole items: `shorterLists` is the number of such bodies.
 template <YExcel::Record Type>
 void ExpectRecord(const Type& record, const std::string& bytes, std::size_t shorterLists = 0) {
     EXPECT_EQ(BytesOf(record), bytes);
     std::size_t accepted = 0;
     for (std::size_t size = YExcel::kHeaderSize; size <= bytes.size(); ++size) {
-        // A block of its own, so that a sanitizer notices a byte that is read after the end.
+        // A separate allocation, so that a sanitizer notices reads after the end.
         const std::vector<char> body(bytes.begin() + YExcel::kHeaderSize,
                                      bytes.begin() + static_cast<std::ptrdiff_t>(size));
         vxfileio::helpers::CFieldLoad load(std::as_bytes(std::span(body)));
@@ -66,7 +65,7 @@ void ExpectRecord(const Type& record, const std::string& bytes, std::size_t shor
     EXPECT_EQ(accepted, 1 + shorterLists) << "record " << Type::kCode;
 }
 
-/// The bytes of a document's stream.
+/// Returns the bytes of a document's stream.
 std::string StreamOf(const auto& document) {
     std::string bytes;
     document.Stream().GiveTo([&](auto piece) { bytes += ToString(piece); });
@@ -80,14 +79,14 @@ inline std::uint32_t NumberAt(const std::string& bytes, std::size_t position, in
     return value;
 }
 
-/// A record as it was found in a stream.
+/// A record in a stream.
 struct CFoundRecord {
     std::size_t position = 0;
     std::uint32_t code = 0;
     std::string body;
 };
 
-/// Takes a stream apart. One that doesn't end with a whole record throws.
+/// Splits a stream into records. Throws if it doesn't end with a whole record.
 inline std::vector<CFoundRecord> RecordsOf(const std::string& stream) {
     std::vector<CFoundRecord> records;
     for (std::size_t position = 0; position < stream.size();) {

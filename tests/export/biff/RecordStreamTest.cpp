@@ -19,8 +19,9 @@ constexpr std::size_t kPiece = 65536;
 
 std::string BlankBytes(unsigned row) { return U16(0x0201) + U16(6) + U16(row) + Zeros(4); }
 
-TEST(RecordStreamTest, PiecesAreFullWhereverRecordsEndAndTheLastHasTheRest) {
-    for (const unsigned eofs : {0U, 1U, 2U, 3U, 4U}) {  // 4 bytes each; 6553 records of 10 bytes leave 6 of a piece
+TEST(RecordStreamTest, AllPiecesButTheLastAreFull) {
+    for (const unsigned eofs :
+         {0U, 1U, 2U, 3U, 4U}) {  // 4 bytes each; 6553 records of 10 bytes leave 6 bytes of a piece
         std::vector<std::string> pieces;
         CRecordStream stream([&](auto piece) { pieces.push_back(ToString(piece)); });
         CStreamSize size;
@@ -42,7 +43,7 @@ TEST(RecordStreamTest, PiecesAreFullWhereverRecordsEndAndTheLastHasTheRest) {
     }
 }
 
-TEST(RecordStreamTest, NothingIsHandedOnBehindAWholePieceOrOfNoRecord) {
+TEST(RecordStreamTest, NoEmptyPieceIsDelivered) {
     int pieces = 0;
     CRecordStream stream([&](auto piece) {
         EXPECT_EQ(piece.size(), kPiece);
@@ -56,10 +57,10 @@ TEST(RecordStreamTest, NothingIsHandedOnBehindAWholePieceOrOfNoRecord) {
     EXPECT_EQ(pieces, 1);
 }
 
-TEST(RecordStreamTest, LongBodyGoesOverPieces) {
+TEST(RecordStreamTest, LongBodySpansPieces) {
     const std::string x(32767, 'x');
     SharedStringTable table{.total = 9, .strings = std::deque(9, SstString(std::string_view(x)))};
-    std::string text = U32(9) + U32(9);  // what the bodies hold, but for the option bytes that they begin with
+    std::string text = U32(9) + U32(9);  // the bodies without the option bytes at their beginnings
     for (int i = 0; i < 9; ++i)
         text += U16(32767) + U8(0) + x;
     std::string bytes;

@@ -16,10 +16,10 @@ using YExcel::TwoDecimalTest;
 struct CCase {
     double value;
     std::uint32_t word;
-    double stored;  ///< What a reader gets.
+    double stored;  ///< The value that a reader gets.
 };
 
-TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
+TEST(RkNumberTest, ShortDoublesAndTheirPrecision) {
     const std::array<CCase, 17> cases = {{{0.0, 0x00000000, 0.0},
                                           {-0.0, 0x80000000, 0.0},
                                           {100.0, 0x40590000, 100.0},
@@ -30,7 +30,7 @@ TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
                                           {1234.56, 0x40FE2401, 1234.56},
                                           {214748.0, 0x410A36E0, 214748.0},
                                           {-214748.0, 0xC10A36E0, -214748.0},
-                                          {12.34005, 0x40934805, 12.3400390625},  // the fifth decimal isn't looked at
+                                          {12.34005, 0x40934805, 12.3400390625},  // the fifth decimal is ignored
                                           {1.1401, 0x405C80A1, 1.14009765625},    // times 10000: 11400.999999999998
                                           {5242.89, 0x41200001, 5242.88},         // 524289 doesn't fit 30 bits
                                           {0.0000999, 0x3F1A302C, 9.989994578063488e-05},
@@ -44,14 +44,14 @@ TEST(RkNumberTest, ShortDoublesAndWhatIsLeftOfThem) {
     }
 }
 
-TEST(RkNumberTest, DoublesWithMoreToThemKeepTheirFullForm) {
+TEST(RkNumberTest, DoublesThatNeedMoreBitsKeepTheirFullForm) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     for (const double value : {214749.0, -214749.0, 123456789.0, 153.2738, 0.0001, 1.0 / 3.0, 5368709.2, 18 * 0.3,
                                1e300, -1e300, kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_FALSE(TwoDecimalTest(value)) << value;
 }
 
-TEST(RkNumberTest, TruncationIsTowardZeroAndHasOneAnswerForAllThatDoesNotFit) {
+TEST(RkNumberTest, TruncationIsTowardZeroAndReturnsOneValueForAllThatDoesNotFit) {
     EXPECT_EQ(Truncate(1.99), 1);
     EXPECT_EQ(Truncate(-1.99), -1);
     EXPECT_EQ(Truncate(2147483647.9), 2147483647);
@@ -60,7 +60,7 @@ TEST(RkNumberTest, TruncationIsTowardZeroAndHasOneAnswerForAllThatDoesNotFit) {
         EXPECT_EQ(Truncate(value), -2147483647 - 1) << value;
 }
 
-TEST(RkNumberTest, WholeNumbersOfThirtyBits) {
+TEST(RkNumberTest, IntegersOfThirtyBits) {
     EXPECT_EQ(EncodeIntegerRK(0), 0x00000002U);
     EXPECT_EQ(EncodeIntegerRK(1), 0x00000006U);
     EXPECT_EQ(EncodeIntegerRK(-1), 0xFFFFFFFEU);

@@ -10,9 +10,9 @@
 #include <vector>
 
 /// @file
-/// A second reader of compound files, by the published format alone. It shares nothing with the code under test.
+/// A second reader of compound files, written from the published format. It shares no code with the library.
 
-/// The number of `size` bytes at a place, least significant first.
+/// Returns the number of `size` bytes at an offset, least significant byte first.
 inline std::uint64_t NumberAt(const std::string& bytes, std::size_t at, std::size_t size) {
     std::uint64_t value = 0;
     for (std::size_t i = 0; i < size; ++i)
@@ -26,8 +26,8 @@ inline std::uint16_t U16(const std::string& bytes, std::size_t at) {
     return static_cast<std::uint16_t>(NumberAt(bytes, at, 2));
 }
 
-/// Reads a whole compound file and checks as it goes that every sector has exactly one owner, that all others are free,
-/// and that siblings are sorted. Throws `std::runtime_error` with the reason if the file breaks a rule.
+/// Reads a whole compound file. Checks that every sector in use has exactly one owner, that all others are free, and
+/// that siblings are sorted. Throws `std::runtime_error` with the reason if the file breaks a rule.
 class CompoundReader {
  public:
     struct Entry {
@@ -59,13 +59,13 @@ class CompoundReader {
             Require(!m_miniOwned[i], "mini sector behind the end");
     }
 
-    std::vector<Entry> entries;                  ///< By index, without empty slots at the end.
+    std::vector<Entry> entries;                  ///< By index, without unused entries at the end.
     std::map<std::string, std::string> streams;  ///< Content by path, with a slash between names.
-    std::vector<std::string> storages;           ///< Paths in the same form, in the order of the walk.
+    std::vector<std::string> storages;           ///< Paths in the same form, in order of the walk.
 
-    /// The mark of a sector in the FAT.
+    /// Returns the FAT's mark of a sector.
     std::uint32_t Mark(std::size_t sector) const { return m_fat.at(sector); }
-    /// Sectors of the file that are owned by something.
+    /// Returns the number of sectors that have an owner.
     std::size_t SectorsInUse() const { return CountOf(m_owned); }
     std::size_t MiniSectorsInUse() const { return CountOf(m_miniOwned); }
 
@@ -153,7 +153,7 @@ class CompoundReader {
         }
     }
 
-    /// Siblings from left to right; each name must sort behind the one before.
+    /// Reads siblings from left to right; each name must sort after the one before.
     void ReadStorage(std::uint32_t index, const std::string& path) {
         std::vector<std::uint32_t> siblings;
         std::vector<std::uint32_t> open;
@@ -189,7 +189,7 @@ class CompoundReader {
         Require(streams.emplace(path + entry.name, content).second, "one entry of a name");
     }
 
-    /// What stands in a chain; nothing but zeros may stand behind it.
+    /// Returns the content of a chain; all bytes after it must be zeros.
     std::string Content(const Numbers& chain, std::size_t size) const {
         std::string bytes;
         for (const auto sector : chain)

@@ -6,7 +6,7 @@ using DirectoryTest = StorageTest;
 
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-/// Every entry as "index name left right child".
+/// Returns every entry as "index name left right child".
 std::vector<std::string> Links(const CompoundReader& reader) {
     const auto text = [](std::uint32_t index) { return index == kNone ? "-" : std::to_string(index); };
     std::vector<std::string> links;
@@ -17,7 +17,7 @@ std::vector<std::string> Links(const CompoundReader& reader) {
 
 using Lines = std::vector<std::string>;
 
-TEST_F(DirectoryTest, NamesAreRefusedForTheirReason) {
+TEST_F(DirectoryTest, InvalidNamesAreRefusedWithTheirReason) {
     EXPECT_EQ(m_storage.MakeFile(""), -1);
     EXPECT_EQ(m_storage.MakeFile("\\"), -1);
     EXPECT_EQ(m_storage.MakeFile("a\\"), -1);
@@ -52,7 +52,7 @@ TEST_F(DirectoryTest, SiblingsHangFromTheMiddleInTheOrderOfTheirNames) {
               (Lines{"Root Entry - - 4", "Z - - -", "a 1 - -", "e 2 - -", "\x80 3 5 -", "bb - 6 -", "ccc - - -"}));
 }
 
-TEST_F(DirectoryTest, EntriesKeepTheirLinksWhenOthersComeInBetween) {
+TEST_F(DirectoryTest, EntriesKeepTheirLinksWhenOthersAreInserted) {
     EXPECT_EQ(m_storage.MakeFile("S\\inner"), 1);
     EXPECT_EQ(m_storage.MakeFile("T"), 1);
     EXPECT_EQ(Links(Read()), (Lines{"Root Entry - - 2", "S - - 3", "T 1 - -", "inner - - -"}));
@@ -61,7 +61,7 @@ TEST_F(DirectoryTest, EntriesKeepTheirLinksWhenOthersComeInBetween) {
     EXPECT_EQ(Links(Read()), (Lines{"Root Entry - - 2", "A - - -", "S 1 3 5", "T - - -", "a - - -", "inner 4 - -"}));
 }
 
-TEST_F(DirectoryTest, PathsLeadFromTheRootOrTheCurrentStorage) {
+TEST_F(DirectoryTest, PathsStartAtTheRootOrTheCurrentStorage) {
     EXPECT_EQ(m_storage.MakeFile("\\a\\b\\c"), 1);
     EXPECT_EQ(m_storage.ChangeDirectory(""), -1);
     EXPECT_EQ(m_storage.ChangeDirectory("b"), -2);

@@ -6,9 +6,9 @@
 #include <vector>
 
 /// @file
-/// The bytes that a file with one stream must have, put together sector by sector.
+/// Builds the expected bytes of a file with one stream, sector by sector.
 
-/// A text of numbers, least significant byte first.
+/// Returns the bytes of numbers, least significant byte first.
 template <class Number>
 std::string LittleEndianText(const std::vector<Number>& numbers) {
     std::string text;
@@ -32,7 +32,7 @@ inline std::string DirectorySlot(const std::string& name, unsigned type, std::ui
     return slot + LittleEndianText<std::uint32_t>({start, size, 0});
 }
 
-/// A file on its way: sectors by number, and their marks.
+/// A file under construction: sectors by number, and their marks.
 struct CExpectedFile {
     std::map<std::uint32_t, std::string> sectors;
     std::vector<std::uint32_t> fat = std::vector<std::uint32_t>(128, 0xFFFFFFFF);
@@ -42,8 +42,8 @@ struct CExpectedFile {
     std::uint32_t firstMiniFat = 0xFFFFFFFE;
     std::string directory;
 
-    /// The next sector of the file. Sectors 128, 256 and so on are the FAT's; when the header's list of 109 is full, a
-    /// sector of the DIFAT stands behind the first FAT sector that it lists, for 127 of them.
+    /// Returns the next free sector. Sectors 128, 256 and so on belong to the FAT. Once the header's list of 109 is
+    /// full, each DIFAT sector follows the first of the 127 FAT sectors that it lists.
     std::uint32_t Take() {
         if (next % 128 == 0) {
             fatSectors.push_back(next);
@@ -58,7 +58,7 @@ struct CExpectedFile {
         return next++;
     }
 
-    /// Puts content into sectors, `first` and then the next ones.
+    /// Puts content into sector `first` and the following ones.
     void Place(std::uint32_t first, const std::string& content) {
         std::uint32_t sector = first;
         for (std::size_t at = 0; at < content.size(); at += 512) {
@@ -110,7 +110,7 @@ struct CExpectedFile {
     }
 };
 
-/// A new file into which one stream "Workbook" of this content was written.
+/// Returns a new file with one stream "Workbook" of this content.
 inline std::string ExpectedWorkbookFile(const std::string& content) {
     CExpectedFile file;
     std::uint32_t rootStart = 0xFFFFFFFE;

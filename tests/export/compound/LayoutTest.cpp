@@ -5,7 +5,7 @@ namespace {
 
 using LayoutTest = StorageTest;
 
-/// The number of the first different byte and both bytes around it, or nothing: whole files would fill the screen.
+/// Returns the offset of the first difference and both bytes there, or nothing: whole files would fill the screen.
 std::string Difference(const std::string& is, const std::string& expected) {
     if (is == expected) return "";
     const auto at = std::mismatch(is.begin(), is.end(), expected.begin(), expected.end()).first - is.begin();
@@ -13,7 +13,7 @@ std::string Difference(const std::string& is, const std::string& expected) {
            std::to_string(at / 512) + " at " + std::to_string(at % 512);
 }
 
-TEST_F(LayoutTest, StreamsOfEverySizeStandWhereTheyShould) {
+TEST_F(LayoutTest, StreamsOfEverySizeHaveTheExpectedLayout) {
     constexpr std::size_t kFullFat = 126 * kSector;                  // sectors 2 to 127
     constexpr std::size_t kFullHeader = 7087104;                     // 109 FAT sectors
     constexpr std::size_t kFullDifat = (236 * 128 - 238) * kSector;  // 236 FAT sectors, one of the DIFAT, the directory

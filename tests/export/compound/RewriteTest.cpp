@@ -15,7 +15,7 @@ Numbers Marks(const CompoundReader& reader, std::size_t first, std::size_t last)
     return marks;
 }
 
-TEST_F(RewriteTest, LongStreamsGiveUpSectorsForOthersToTake) {
+TEST_F(RewriteTest, SectorsThatLongStreamsFreeAreReused) {
     Add("a", Pattern(10 * kSector));
     EXPECT_EQ(Write("a", Pattern(8 * kSector + 1, 2)), 1);
     EXPECT_EQ(Marks(Read(), 2, 12), (Numbers{3, 4, 5, 6, 7, 8, 9, 10, kEnd, kFree, kFree}));
@@ -35,7 +35,7 @@ TEST_F(RewriteTest, LongStreamsGiveUpSectorsForOthersToTake) {
     EXPECT_EQ(reader.entries.at(1).size, 0U);
 }
 
-TEST_F(RewriteTest, ShortStreamsGiveUpMiniSectorsAndTheMiniStreamItsEnd) {
+TEST_F(RewriteTest, ShortStreamsFreeMiniSectorsAndShortenTheMiniStream) {
     const auto rootSize = [this] { return Read().entries.at(0).size; };
     Add("a", Pattern(130));    // mini sectors 0, 1, 2
     Add("b", Pattern(64, 2));  // 3
@@ -56,13 +56,13 @@ TEST_F(RewriteTest, ShortStreamsGiveUpMiniSectorsAndTheMiniStreamItsEnd) {
     EXPECT_EQ(Marks(Read(), 2, 3), (Numbers{kFree, kEnd}));  // the mini FAT stays
 }
 
-// What is told as the size counts, whatever comes: no byte behind it, and no sector of another stream.
-TEST_F(RewriteTest, PiecesGoAlongAChainThatLeadsBackAndEndWithTheSizeTold) {
+// The declared size limits what is written, however much arrives: no byte after it, and no sector of another stream.
+TEST_F(RewriteTest, PiecesFollowAChainBackwardsAndEndAtTheDeclaredSize) {
     Add("a", Pattern(10 * kSector));
     Add("b", Pattern(10 * kSector));
     EXPECT_EQ(Write("b", Pattern(20 * kSector)), 1);
     EXPECT_EQ(Write("a", ""), 1);
-    EXPECT_EQ(Write("b", Pattern(200 * kSector)), 1);  // goes on in the sectors of "a", and behind its own
+    EXPECT_EQ(Write("b", Pattern(200 * kSector)), 1);  // continues in the sectors of "a", then after its own
     Add("c", Pattern(8 * kSector));
     for (const unsigned sectors : {1U, 3U, 64U, 300U}) {
         const std::string content = Pattern(200 * kSector, sectors);
@@ -77,7 +77,7 @@ TEST_F(RewriteTest, PiecesGoAlongAChainThatLeadsBackAndEndWithTheSizeTold) {
     EXPECT_EQ(WriteInPieces("missing", "x", kSector, 1), -4);
 }
 
-TEST_F(RewriteTest, EmptyStreamTakesNothingOfAFullFat) {
+TEST_F(RewriteTest, EmptyStreamNeedsNoSectorInAFullFat) {
     Add("full", Pattern(126 * kSector));
     Add("empty", "");
     const std::string bytes = Bytes();
@@ -86,7 +86,7 @@ TEST_F(RewriteTest, EmptyStreamTakesNothingOfAFullFat) {
     EXPECT_EQ(U32(bytes, 64), 0U);
 }
 
-TEST_F(RewriteTest, StreamsMoveOverTheCutOffAndBack) {
+TEST_F(RewriteTest, StreamsCrossTheCutoffSizeInBothDirections) {
     Add("w", Pattern(100));
     EXPECT_EQ(Write("w", Pattern(4096, 2)), 1);
     CompoundReader reader = Read();
@@ -113,7 +113,7 @@ TEST_F(RewriteTest, MiniFatGrowsOverSeveralSectors) {
     EXPECT_EQ(Read().streams, expected);
 }
 
-TEST_F(RewriteTest, AnyOrderOfSizesLeavesEveryStreamWhole) {
+TEST_F(RewriteTest, StreamsStayWholeForAnyOrderOfSizes) {
     constexpr std::array<std::size_t, 12> kSizes = {0, 1, 64, 65, 700, 4095, 4096, 4097, 9000, 64512, 65025, 150000};
     auto random = [state = 1U]() mutable { return (state = state * 1664525U + 1013904223U) >> 16U; };
     std::map<std::string, std::string> expected;
@@ -134,7 +134,7 @@ TEST_F(RewriteTest, AnyOrderOfSizesLeavesEveryStreamWhole) {
     EXPECT_EQ(reader.SectorsInUse(), U32(bytes, 44) + U32(bytes, 64) + 2U);  // FAT, mini FAT, directory
 }
 
-TEST_F(RewriteTest, ShrunkenDifatFileHasItsSectorsFree) {
+TEST_F(RewriteTest, ShrinkingAStreamFreesItsSectorsInAFileWithDifat) {
     Add("long", Pattern(7200000));
     Add("short", "short");
     EXPECT_EQ(Write("long", Pattern(5000, 2)), 1);

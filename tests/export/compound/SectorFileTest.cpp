@@ -23,7 +23,7 @@ Block BlockOf(char letter) {
 
 class SectorFileTest : public testing::Test {
  protected:
-    /// The first letter of each block.
+    /// Returns the first letter of each block.
     std::string Letters() const {
         const std::string bytes = ReadAll(m_path);
         std::string letters;
@@ -43,7 +43,7 @@ class SectorFileTest : public testing::Test {
     SectorFile m_file;
 };
 
-TEST_F(SectorFileTest, ModesAllowWhatTheySayAndNothingElse) {
+TEST_F(SectorFileTest, ModesAllowOnlyTheirOwnOperations) {
     EXPECT_FALSE(m_file.Open(m_path, 3));
     WriteAll(m_path, std::string(512, 'a') + std::string(188, 'b'));
     Block block{};
@@ -56,7 +56,7 @@ TEST_F(SectorFileTest, ModesAllowWhatTheySayAndNothingElse) {
     EXPECT_EQ(m_file.BlockCount(), 2U);
     EXPECT_TRUE(m_file.Read(0, block));
     EXPECT_EQ(block, BlockOf('a'));
-    EXPECT_FALSE(m_file.Read(1, block));  // cut short
+    EXPECT_FALSE(m_file.Read(1, block));  // not a whole block
     EXPECT_FALSE(m_file.Read(2, block));
     EXPECT_FALSE(m_file.Write(0, block));
     EXPECT_FALSE(m_file.WriteRun(0, {}));
@@ -77,7 +77,7 @@ TEST_F(SectorFileTest, ModesAllowWhatTheySayAndNothingElse) {
     EXPECT_EQ(Letters(), "");
 }
 
-TEST_F(SectorFileTest, WritesGrowTheFileByTheBlocksThemselves) {
+TEST_F(SectorFileTest, WritesGrowTheFileByTheWrittenBlocks) {
     MakeBlocks("ab");
     EXPECT_TRUE(m_file.Write(0, BlockOf('c')));
     EXPECT_EQ(m_file.ByteSize(), 1024U);
@@ -87,7 +87,7 @@ TEST_F(SectorFileTest, WritesGrowTheFileByTheBlocksThemselves) {
     EXPECT_EQ(Letters(), std::string("cb\0\0e", 5));
 }
 
-TEST_F(SectorFileTest, GatheredBlocksGoToTheirPlacesFilledUpWithZeros) {
+TEST_F(SectorFileTest, GatheredBlocksArePaddedWithZeros) {
     MakeBlocks("abcdefgh");
     const std::string run = std::string(1024, 'x') + "y";
     CBlockWrites writes;
@@ -95,7 +95,7 @@ TEST_F(SectorFileTest, GatheredBlocksGoToTheirPlacesFilledUpWithZeros) {
     writes.Add(2, std::as_bytes(std::span(run)));
     writes.AddCopy(1, BlockOf('q'));
     writes.Add(6, std::as_bytes(std::span(run)).first(512));
-    for (std::uint32_t i = 0; i < 8; ++i)  // more than one run takes
+    for (std::uint32_t i = 0; i < 8; ++i)  // more than fit into one run
         writes.AddCopy(17 - i, BlockOf(static_cast<char>('A' + i)));
     EXPECT_TRUE(writes.WriteTo(m_file));
     EXPECT_EQ(m_file.BlockCount(), 18U);
@@ -108,7 +108,7 @@ TEST_F(SectorFileTest, GatheredBlocksGoToTheirPlacesFilledUpWithZeros) {
     EXPECT_FALSE(writes.WriteTo(m_file));
 }
 
-TEST_F(SectorFileTest, LentBlocksAreWrittenWithThoseInFrontOfThem) {
+TEST_F(SectorFileTest, LentBlocksAreWrittenWithThoseBeforeThem) {
     MakeBlocks("abcdefgh");
     CBlockWrites writes;
     writes.AddCopy(7, BlockOf('q'));
@@ -146,7 +146,7 @@ TEST_F(SectorFileTest, BlocksAreInsertedSwappedAndMoved) {
     EXPECT_EQ(Letters(), std::string("bxacdy\0z", 8));
 }
 
-TEST_F(SectorFileTest, WriteTellsThatTheFileCannotBeOpenedAgain) {
+TEST_F(SectorFileTest, WriteFailsIfTheFileCannotBeReopened) {
     MakeBlocks("a");
     const std::string newPath = m_folder.Path("elsewhere");
     std::filesystem::rename(m_path, newPath);

@@ -9,7 +9,7 @@ namespace {
 
 using StorageFailureTest = StorageTest;
 
-TEST_F(StorageFailureTest, ClosedStorageTakesNothing) {
+TEST_F(StorageFailureTest, ClosedStorageAcceptsNothing) {
     m_storage.Close();
     const std::string before = Bytes();
     CompoundStorage fresh;
@@ -27,7 +27,7 @@ TEST_F(StorageFailureTest, ClosedStorageTakesNothing) {
     EXPECT_EQ(Bytes(), before);
 }
 
-TEST_F(StorageFailureTest, FileThatCannotBeMadeIsSeenByIsOpenAlone) {
+TEST_F(StorageFailureTest, OnlyIsOpenAndIsCompleteShowThatTheFileCannotBeCreated) {
     for (const std::string& path : {m_folder.Path("missing/file.xls"), m_folder.Path(""), std::string(),
                                     m_folder.Path(std::string("nul\0.xls", 8))}) {
         EXPECT_TRUE(m_storage.Create(path));
@@ -48,7 +48,7 @@ TEST_F(StorageFailureTest, FileThatCannotBeMadeIsSeenByIsOpenAlone) {
 }
 
 #if defined(__linux__)
-TEST_F(StorageFailureTest, FullDiskIsToldBesideTheResults) {
+TEST_F(StorageFailureTest, OnlyIsCompleteShowsAFullDisk) {
     m_storage.Create("/dev/full");
     EXPECT_TRUE(m_storage.IsOpen());
     EXPECT_EQ(m_storage.MakeFile("Workbook"), 1);
@@ -57,23 +57,23 @@ TEST_F(StorageFailureTest, FullDiskIsToldBesideTheResults) {
 }
 #endif
 
-TEST_F(StorageFailureTest, MoreThanAStreamHoldsIsRefusedUnseen) {
+TEST_F(StorageFailureTest, TooLargeAStreamIsRefusedWithoutReadingIt) {
     Add("Workbook", "kept");
     const std::string before = Bytes();
-    const auto* nothing = reinterpret_cast<const std::byte*>(before.data());  // its size is never touched
+    const auto* nothing = reinterpret_cast<const std::byte*>(before.data());  // far smaller than the size passed below
     EXPECT_EQ(m_storage.WriteFile("Workbook", {nothing, (std::size_t{1} << 31) + 1}), -3);
     EXPECT_EQ(m_storage.WriteFile("missing", {nothing, (std::size_t{1} << 31) + 1}), -4);
     EXPECT_EQ(Bytes(), before);
 }
 
-TEST_F(StorageFailureTest, LessThanWasToldIsNotComplete) {
+TEST_F(StorageFailureTest, FewerBytesThanDeclaredAreIncomplete) {
     Add("Workbook", "whole");
     EXPECT_EQ(WriteInPieces("Workbook", Pattern(8 * kSector), 2 * kSector, 9 * kSector), 1);
     EXPECT_FALSE(m_storage.IsComplete());
 }
 
-// Whatever was missing, and on whichever side of 4096 bytes the stream is next: it is written as if nothing had been.
-TEST_F(StorageFailureTest, StreamThatFoundNoMemoryCanBeWrittenAgain) {
+// The stream can be written after any allocation fails, with the same size or one on the other side of 4096 bytes.
+TEST_F(StorageFailureTest, StreamCanBeWrittenAgainAfterAnAllocationFails) {
     const std::string big = Pattern(200000);
     const std::string small = Pattern(3000, 2);
     for (const auto& [refused, next] : {std::pair(big, big), {big, small}, {small, big}, {small, small}}) {

@@ -9,10 +9,10 @@
 #include "tests/support/TempFolder.h"
 #include "vxfileio/export/compound/CompoundStorage.h"
 
-/// Bytes of a sector.
+/// Bytes per sector.
 inline constexpr std::size_t kSector = 512;
 
-/// Bytes that tell where they stand: neither sectors nor mini sectors of equal content, and no zeros.
+/// Returns bytes that differ from sector to sector and from mini sector to mini sector, and are never zero.
 inline std::string Pattern(std::size_t size, unsigned seed = 1) {
     std::string bytes(size, '\0');
     std::uint32_t state = seed;
@@ -23,7 +23,7 @@ inline std::string Pattern(std::size_t size, unsigned seed = 1) {
     return bytes;
 }
 
-/// A fixture with a new compound file of its own.
+/// A fixture with a new compound file.
 class StorageTest : public testing::Test {
  protected:
     StorageTest() { m_storage.Create(m_path); }
@@ -32,7 +32,7 @@ class StorageTest : public testing::Test {
         return m_storage.WriteFile(name, std::as_bytes(std::span(content)));
     }
 
-    /// The same in pieces of so many bytes, each of which is gone when the next one comes. `size` is what is told.
+    /// Writes the content in pieces; each piece is invalid once the next one arrives. `size` is the declared size.
     std::int32_t WriteInPieces(const std::string& name, const std::string& content, std::size_t piece,
                                std::size_t size) {
         const auto give = [&](const vxfileio::compound::CompoundStorage::TakePiece& take) {
@@ -45,7 +45,7 @@ class StorageTest : public testing::Test {
         return m_storage.WriteFile(name, size, give);
     }
 
-    /// Makes a stream with content.
+    /// Creates a stream with content.
     void Add(const std::string& name, const std::string& content) {
         EXPECT_EQ(m_storage.MakeFile(name), 1) << name;
         EXPECT_EQ(Write(name, content), 1) << name;
