@@ -9,7 +9,7 @@
 
 namespace {
 
-// Positions, times and sizes of many digits, so that no short text hides an allocation.
+// Positions, times and sizes have many digits, so that no short string avoids an allocation.
 TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
     constexpr std::int64_t kLate = 1'000'000'000'000'000'000;
     const CTempFolder folder;
@@ -40,14 +40,14 @@ TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
         int count = 1;
         while (reader.ReadSegment(wellID, time, time, size, data))
             ++count;
-        // The first pass for one well remembers places, many in one allocation; the second has nothing to add.
+        // The first pass for one well remembers offsets, many per allocation; the second pass adds none.
         EXPECT_LE(AllocationCount() - beforeReading, pass == 1 ? 200U / 16 : 0U);
         EXPECT_EQ(count, pass == 0 ? 200 : 100);
     }
 }
 
-/// Reads a recording to its end, from a fresh reader; the allocation of number `failing` fails, and its call is made
-/// again. Returns the times of the segments.
+/// Reads a recording to its end with a new reader. Allocation number `failing` fails, and the call is repeated. Returns
+/// the times of the segments.
 std::vector<std::int64_t> TimesReadDespite(std::size_t failing, const std::string& path, std::int32_t well) {
     std::vector<std::int64_t> times;
     times.reserve(100);
@@ -74,7 +74,7 @@ std::vector<std::int64_t> TimesReadDespite(std::size_t failing, const std::strin
     return times;
 }
 
-TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
+TEST(AllocationTest, ASegmentIsDeliveredByTheCallAfterAFailedAllocation) {
     const CTempFolder folder;
     const std::string path = folder.Path("grows.vxd");
     CVXFileIO io;
@@ -87,7 +87,7 @@ TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
         writer.WriteData(11 + static_cast<std::int32_t>(time % 2), time, 2 * time, 1, samples.data());
     writer.Close();
 
-#if !defined(_WIN32)  // where the library has an allocator of its own, in its DLL
+#if !defined(_WIN32)  // where the library's DLL has its own allocator
     CIRawDataReader& reader = *io.GetRawDataReader();
     reader.Open(path);
     ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
@@ -100,7 +100,7 @@ TEST(AllocationTest, ASegmentThatFoundNoMemoryIsDeliveredByTheNextCall) {
     FailAllocation(1);
     EXPECT_THROW(static_cast<void>(reader.ReadSegment(well, from, from, size, data)), std::bad_alloc);
     FailAllocation(0);
-    EXPECT_EQ(LiveAllocations(), live - 1) << "the segment before is freed first";
+    EXPECT_EQ(LiveAllocations(), live - 1) << "the previous segment is freed first";
 #endif
 
     for (std::size_t failing = 1; failing < 20; ++failing) {

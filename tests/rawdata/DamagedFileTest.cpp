@@ -18,14 +18,14 @@ constexpr const char* kBadRecording = "Error reading Recording Header";
 constexpr const char* kBadSegment = "Error reading Data Segment Header";
 constexpr const char* kBadSeek = "Error seeking Data Segment.";
 
-/// A small file with verbs of damage.
+/// A small file to damage.
 class DamagedFileTest : public testing::Test {
  protected:
     void SetCell(std::size_t offset, std::size_t width, const std::string& text) {
         m_bytes.replace(offset, width, Cell(width, text));
     }
 
-    /// Opens the bytes and reads all recordings into one line; or the text of the failure to open.
+    /// Opens the bytes and reads all recordings into one line. Returns the text of the failure if opening fails.
     std::string Outcome() {
         WriteAll(m_path, m_bytes);
         const std::string failure = TextOfFailure([&] { m_reader.Open(m_path); });
@@ -55,7 +55,7 @@ class DamagedFileTest : public testing::Test {
         EXPECT_NE(m_reader.GetRecordingHdr(entry.TaskName, entry.Recording), nullptr);
     }
 
-    /// Reads a segment and returns its number of samples, which are 0, or the text of the failure.
+    /// Reads a segment, which must be all zeros, and returns its number of samples or the text of the failure.
     std::string SizeOfNext() {
         std::int32_t wellID = 0;
         std::int64_t from = 0;
@@ -74,11 +74,11 @@ class DamagedFileTest : public testing::Test {
     CIRawDataReader& m_reader = *m_io.GetRawDataReader();
 };
 
-// Where a file may be cut, and what must come of every cut up to there.
-TEST_F(DamagedFileTest, EveryPrefixHasItsDocumentedOutcome) {
+// The ranges of lengths to which a file can be cut, and the outcome of each.
+TEST_F(DamagedFileTest, EveryTruncationHasItsDocumentedOutcome) {
     const std::string whole = m_bytes;
     const std::string first = "CompoundTest1: 11[0..300]1,256,65535,32768 ";
-    // What is left of a segment header whose first cell is whole: of each number the digits that are there, or 0.
+    // The contents of a cut segment header whose first cell is whole: of each number the digits that are left, or 0.
     const auto cutSegment = [&](std::size_t hdr) {
         const auto left = [&](std::size_t offset) {
             const std::string text = m_bytes.substr(std::min(m_bytes.size(), hdr + offset));
@@ -98,7 +98,7 @@ TEST_F(DamagedFileTest, EveryPrefixHasItsDocumentedOutcome) {
         if (size < 50) {
             EXPECT_EQ(outcome, kNotOurs);
         } else if (size < 1190 + 250) {
-            // A header that is cut before all three of its positions: those cells read as 0, and 0 is no recording.
+            // If a header ends before its three positions, they read as 0, and there is no recording at 0.
             EXPECT_EQ(outcome, kBadRecording);
         } else if (size >= 1190 + 300 && size < 3650 + 50) {
             EXPECT_EQ(outcome, std::string("CompoundTest1: ") + kBadSegment);
@@ -110,21 +110,20 @@ TEST_F(DamagedFileTest, EveryPrefixHasItsDocumentedOutcome) {
             const bool isLast = size >= 3958 + 100 + std::string("FPosNextSegmentHdr=-1").size();
             EXPECT_EQ(outcome, first + cutSegment(3958) + (isLast ? "end" : kBadSegment));
         } else if (size >= 3958 + 300 && size < whole.size()) {
-            const std::array tails = {"0,0,0,0", "7,0,0,0", "7,8,0,0",
-                                      "7,8,9,0"};  // little values: the high bytes are 0
+            const std::array tails = {"0,0,0,0", "7,0,0,0", "7,8,0,0", "7,8,9,0"};  // the high bytes are 0
             const std::string expected = tails[(size - 4258 + 1) / 2 == 4 ? 3 : (size - 4258 + 1) / 2];
             EXPECT_EQ(outcome,
                       size == 4265 ? first + "12[0..300]7,8,9,10 end" : first + "12[0..300]" + expected + " end");
         } else if (size < whole.size()) {
-            m_bytes.resize(whole.size());  // what a header lacks counts as zeros
+            m_bytes.resize(whole.size());  // the missing part of a header reads as zeros
             EXPECT_EQ(outcome, Outcome());
         }
     }
     EXPECT_EQ(Outcome(), first + "12[0..300]7,8,9,10 end");
 }
 
-// No single damaged byte may bring anything but one of the documented outcomes, and none may crash the reader.
-TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInADocumentedOutcome) {
+// No damaged byte has an undocumented outcome or crashes the reader.
+TEST_F(DamagedFileTest, EveryDamagedHeaderByteHasADocumentedOutcome) {
     const std::string whole = m_bytes;
     const std::set<std::string> documented = {kNotOurs, kEmpty, kBadRecording};
     std::set<std::string> seen;
@@ -147,7 +146,7 @@ TEST_F(DamagedFileTest, EveryFlippedByteOfTheHeadersEndsInADocumentedOutcome) {
     EXPECT_TRUE(seen.contains(kNotOurs) && seen.contains(kBadRecording));
 }
 
-TEST_F(DamagedFileTest, RecordingChainsThatLeadBackAreReported) {
+TEST_F(DamagedFileTest, RecordingLoopsAreReported) {
     SetCell(1440, 50, "FPosNextRecordingHdr=1190");
     EXPECT_EQ(Outcome(), kBadRecording);
     m_bytes = FileHdrBytes(1190);
@@ -165,7 +164,7 @@ TEST_F(DamagedFileTest, RecordingChainThatRunsBackwardsIsValid) {
     EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"A", "B", "C"}));
 }
 
-TEST_F(DamagedFileTest, CirclesOfSegmentsAreReportedAgainAfterEachJump) {
+TEST_F(DamagedFileTest, SegmentLoopsAreReportedAgainAfterEachJump) {
     SetCell(4058, 50, "FPosNextSegmentHdr=3650");
     WriteAll(m_path, m_bytes);
     m_reader.Open(m_path);
@@ -179,14 +178,14 @@ TEST_F(DamagedFileTest, CirclesOfSegmentsAreReportedAgainAfterEachJump) {
                                        : well == 12 ? "12["
                                                     : "11[0..300]1,256,65535,32768 12["),
                       true);
-            EXPECT_EQ(SegmentsOf(m_reader, 100), kBadSegment);  // and stays there
+            EXPECT_EQ(SegmentsOf(m_reader, 100), kBadSegment);  // the position doesn't advance
         }
     }
 }
 
-// Each cell serves as part of several headers: cell k is a key to the header there, and the position after it to the
-// header two cells before. The chain never returns, but has more items than an honest file of this size.
-TEST_F(DamagedFileTest, SegmentsThatOverlapAreReportedOnceTheyAreTooMany) {
+// Each cell is part of several headers: the key of the header that begins with it, and the next position of the header
+// two cells before. The chain never repeats, but has more segments than an undamaged file of this size.
+TEST_F(DamagedFileTest, OverlappingSegmentsAreReportedOnceTheyAreTooMany) {
     m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650});
     for (int at = 3650; at < 30000; at += 50)
         m_bytes += Cell(50, "Type=" + std::to_string(at - 50));
@@ -224,7 +223,7 @@ TEST_F(DamagedFileTest, SegmentPositionsOutsideTheFileAreReported) {
     }
 }
 
-TEST_F(DamagedFileTest, SizesBeyondTheFileGiveZerosOrAnErrorButNoMemory) {
+TEST_F(DamagedFileTest, SizesBeyondTheFileReadAsZerosOrFailWithoutAllocating) {
     const auto lastSegment = [&](const std::string& size) {
         m_bytes = SmallFileBytes();
         SetCell(4208, 50, "Size=" + size);
@@ -240,8 +239,8 @@ TEST_F(DamagedFileTest, SizesBeyondTheFileGiveZerosOrAnErrorButNoMemory) {
     }
 }
 
-// The largest segment whose missing samples take as many bytes as the file has, and one that is a sample larger.
-TEST_F(DamagedFileTest, ASegmentMayMissAsManyBytesAsALargeFileHas) {
+// Tests the largest segment whose missing samples have no more bytes than the file, and one with one more sample.
+TEST_F(DamagedFileTest, ASegmentMayLackAsManyBytesAsTheFileHas) {
     constexpr std::int64_t kFileSize = 18'000'000;
     constexpr std::int64_t kSecond = kFileSize - 300;
     for (const bool isRefused : {false, true}) {
@@ -249,7 +248,7 @@ TEST_F(DamagedFileTest, ASegmentMayMissAsManyBytesAsALargeFileHas) {
         const std::string whole = std::to_string((kSecond - 3950) / 2);
         WriteAll(m_path,
                  FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) + SegmentHdrBytes(11, kSecond, 0, 1, whole));
-        std::filesystem::resize_file(m_path, kSecond);  // the samples are a hole
+        std::filesystem::resize_file(m_path, kSecond);  // the samples are a hole in the file
         std::ofstream(m_path, std::ios::binary | std::ios::app) << SegmentHdrBytes(12, -1, 0, 1, std::to_string(size));
         m_reader.Open(m_path);
         for (const int well : {-1, 12}) {
@@ -279,7 +278,7 @@ TEST_F(DamagedFileTest, TheNextSegmentFollowsOneWhoseSizeIsRefused) {
     }
 }
 
-TEST_F(DamagedFileTest, ChannelCountsThatNoCellCouldListAreReported) {
+TEST_F(DamagedFileTest, ImpossibleChannelCountsAreReported) {
     for (const char* count : {"194", "2147483647", "-1", "99999999999"}) {
         m_bytes = SmallFileBytes();
         SetCell(1590, 30, std::string("NumberOfWells=") + count);
@@ -294,7 +293,7 @@ TEST_F(DamagedFileTest, ChannelCountsThatNoCellCouldListAreReported) {
     EXPECT_EQ(m_reader.GetWellIDs("CompoundTest").size(), 193U);
 }
 
-TEST_F(DamagedFileTest, ReaderGoesOnAfterAnyFailure) {
+TEST_F(DamagedFileTest, ReaderWorksAfterAnyFailure) {
     const std::string whole = m_bytes;
     SetCell(3958, 50, "Typo=Well");
     EXPECT_EQ(Outcome(), std::string("CompoundTest1: 11[0..300]1,256,65535,32768 ") + kBadSegment);

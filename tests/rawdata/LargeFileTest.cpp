@@ -10,14 +10,14 @@
 
 namespace {
 
-/// Samples that the system provides as zeros, without memory for them until they are written to.
+/// Zero samples that take no memory until they are written to.
 struct CZeroSamples {
     explicit CZeroSamples(std::size_t count)
         : samples(static_cast<std::uint16_t*>(std::calloc(count, sizeof(std::uint16_t))), &std::free) {}
     std::unique_ptr<std::uint16_t, decltype(&std::free)> samples;
 };
 
-// 2^31 samples of well 11 fill the first 4 GiB, so that all that follows has positions beyond 32 bits.
+// 2^31 samples of well 11 fill the first 4 GiB, so all later positions need more than 32 bits.
 TEST(LargeFileTest, PositionsBeyond4GiBAreWrittenAndFollowed) {
     constexpr std::int64_t kSamples = std::int64_t{1} << 31;
     constexpr std::int64_t kSecond = 3650 + 300 + 2 * kSamples;

@@ -16,14 +16,14 @@
 #include "vxfileio/rawdata/Layout.h"
 
 /// @file
-/// Files of versions 1 and 2 beside those of a version 3, which `PrivateVersion.cpp` adds to this program.
+/// Files of versions 1 and 2, and of a version 3 that `PrivateVersion.cpp` adds to this program.
 
 namespace {
 
-/// Returns the bytes with others put in at an offset.
+/// Returns the bytes with others inserted at an offset.
 std::string With(std::string bytes, std::size_t at, const std::string& more) { return bytes.insert(at, more); }
 
-/// A file like `SmallFileBytes` in any of the three versions, put together by hand.
+/// Builds a file like `SmallFileBytes` in any of the three versions by hand.
 std::string FileOf(int version) {
     if (version < 3) {
         const std::int64_t data = 1190 + (version == 1 ? 2410 : 2460);
@@ -41,7 +41,7 @@ std::string FileOf(int version) {
            segmentHdr(SegmentHdrBytes(12, -1, 0, 300, "4"), SampleBytes(kWell12));
 }
 
-/// Writes the file by the facade. `version` is what the caller's header says.
+/// Writes the file through the facade. `version` is the one in the caller's header.
 std::string Written(int version) {
     const CTempFolder folder;
     CVXFileIO io;
@@ -58,7 +58,7 @@ std::string Written(int version) {
     return ReadAll(folder.Path("written.vxd"));
 }
 
-/// Returns what recovery makes of a file.
+/// Returns the file that recovery makes of these bytes.
 std::string Recovered(const std::string& bytes) {
     std::string saved;
     vxfileio::recovery::Recover(CStringInput(bytes), {}, [&](std::span<const std::byte> part) {
@@ -72,7 +72,7 @@ TEST(LayoutTest, AWriterUsesTheLayoutOfTheVersionThatItsCallerNames) {
     EXPECT_EQ(Written(3), FileOf(3));
 }
 
-TEST(LayoutTest, AVersionNewerThanAllIsWrittenLikeTheNewestAndOneThatIsOnlyReadLikeVersion2) {
+TEST(LayoutTest, NewerVersionsAreWrittenLikeTheNewestAndReadOnlyOnesLikeVersion2) {
     EXPECT_EQ(Written(7).size(), FileOf(3).size());
     EXPECT_EQ(Written(1).size(), FileOf(2).size());
     EXPECT_EQ(Written(-5).size(), FileOf(2).size());
@@ -144,7 +144,7 @@ TEST_P(LayoutOfVersionTest, VerifyFindsNothingInAWholeFile) {
         ADD_FAILURE() << finding.where << ": " << finding.found << ", not " << finding.expected;
 }
 
-TEST_P(LayoutOfVersionTest, VerifyNamesEachCellThatHasLostItsKey) {
+TEST_P(LayoutOfVersionTest, VerifyNamesEachCellWithADamagedKey) {
     const std::string file = FileOf(GetParam());
     const auto& layout = vxfileio::rawdata::LayoutOf(GetParam());
     const auto expectFinding = [&](const auto& hdr, std::size_t position) {
@@ -168,12 +168,12 @@ TEST(LayoutTest, DamagedFilesOfEachVersionAreRecoveredByTheirLayout) {
     for (const int version : {1, 2, 3}) {
         const std::string whole = FileOf(version);
         EXPECT_EQ(Recovered(whole) == whole, version > 1);
-        // Nothing but the headers themselves shows the version.
+        // Only the headers themselves show the version.
         const std::string headless = whole.substr(version == 3 ? 1280 : 1190);
         const std::string saved = Recovered(headless);
         for (const auto& samples : {kWell11, kWell12})
             EXPECT_NE(saved.find(SampleBytes(samples)), std::string::npos) << version;
-        // One cell of a segment header is gone.
+        // One cell of a segment header is lost.
         const std::size_t size = whole.rfind("TimeTo=");
         const std::string timeless = std::string(whole).replace(size, 10, 10, 'x');
         EXPECT_EQ(Recovered(timeless), Recovered(whole)) << version;

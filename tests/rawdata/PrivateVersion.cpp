@@ -4,15 +4,14 @@
 #include "vxfileio/rawdata/TableCodec.h"
 
 /// @file
-/// A version 3 that exists in test programs only, next to versions 1 and 2. A program that links this file has these
-/// layouts in place of the library's. Each header has a new cell at its end and one in the middle; those of recordings
-/// and segments have one at the front, too.
+/// Adds a version 3 to versions 1 and 2. These layouts replace the library's in any program that links this file. Each
+/// header has a new cell in the middle and one at its end; recording and segment headers have another one at the front.
 
 namespace vxfileio::rawdata {
 
 namespace {
 
-/// Returns the rows with one more, at this index.
+/// Returns the rows with one more, inserted at this index.
 template <class Row, std::size_t Size>
 consteval std::array<Row, Size + 1> With(const std::array<Row, Size>& rows, std::size_t at, const Row& row) {
     std::array<Row, Size + 1> more{};

@@ -5,15 +5,15 @@
 #include <vector>
 
 /// @file
-/// Raw data files put together by hand, cell by cell, without a line of the library: what the tests hold it against.
+/// Builds raw data files by hand, cell by cell, without any library code.
 
-/// A cell: text, NUL bytes, CR LF.
+/// Returns a cell: text, NUL bytes, CR LF.
 inline std::string Cell(std::size_t width, std::string text) {
     text.resize(width - 2, '\0');
     return text + "\r\n";
 }
 
-/// Samples, low byte first.
+/// Returns samples as bytes, low byte first.
 inline std::string SampleBytes(const std::vector<std::uint16_t>& samples) {
     std::string bytes;
     for (const auto sample : samples) {
@@ -23,7 +23,7 @@ inline std::string SampleBytes(const std::vector<std::uint16_t>& samples) {
     return bytes;
 }
 
-/// The 1190 bytes of the file header of `ExampleFileHdr`.
+/// Returns the 1190 bytes of `ExampleFileHdr`.
 inline std::string FileHdrBytes(std::int64_t firstRecordingHdr, const std::string& compoundTest = "CompoundTest",
                                 int version = 2) {
     return Cell(50, "OVL Vexaprobe") + Cell(50, "FPosFirstRecordingHdr=" + std::to_string(firstRecordingHdr)) +
@@ -33,7 +33,7 @@ inline std::string FileHdrBytes(std::int64_t firstRecordingHdr, const std::strin
            Cell(100, "PostQC") + Cell(100, "CheckSum=0") + Cell(200, "Reserved");
 }
 
-/// What may differ between the recordings of the tests.
+/// The values that differ between the recordings of the tests.
 struct CRecordingText {
     std::string task = "CompoundTest";
     int recording = 1;
@@ -44,7 +44,7 @@ struct CRecordingText {
     std::string wellIDs = "=11:12";
 };
 
-/// The 2460 bytes of a recording header; 2410 without its start time.
+/// Returns the 2460 bytes of a recording header.
 inline std::string RecordingHdrBytes(const CRecordingText& t) {
     return Cell(50, "TaskName=" + t.task) + Cell(50, "Recording=" + std::to_string(t.recording)) +
            Cell(50, "Dose=1000") + Cell(50, "FPosRecordingData=" + std::to_string(t.data)) +
@@ -55,7 +55,7 @@ inline std::string RecordingHdrBytes(const CRecordingText& t) {
            Cell(200, "AuxIDs") + Cell(200, "Ticks") + Cell(400, "UnitsPerADs") + Cell(200, "ADZeros");
 }
 
-/// The 300 bytes of a segment header. `size` is text, so that a test can put anything there.
+/// Returns the 300 bytes of a segment header. `size` is text, so that it can be invalid.
 inline std::string SegmentHdrBytes(int wellID, std::int64_t next, std::int64_t from, std::int64_t to,
                                    const std::string& size) {
     return Cell(50, "Type=Well") + Cell(50, "ID=" + std::to_string(wellID)) +
@@ -66,7 +66,7 @@ inline std::string SegmentHdrBytes(int wellID, std::int64_t next, std::int64_t f
 inline const std::vector<std::uint16_t> kWell11 = {1, 256, 65535, 32768};
 inline const std::vector<std::uint16_t> kWell12 = {7, 8, 9, 10};
 
-/// A whole small file of 4266 bytes: one recording, wells 11 and 12, one segment of four samples each.
+/// Returns a small file of 4266 bytes: one recording, wells 11 and 12, one segment of four samples each.
 inline std::string SmallFileBytes() {
     return FileHdrBytes(1190, "CompoundTest=1000:2000") + RecordingHdrBytes({.data = 3650}) +
            SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 300, "4") +

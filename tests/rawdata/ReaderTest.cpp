@@ -20,7 +20,7 @@ class ReaderTest : public testing::Test {
     CIRawDataReader& m_reader = *m_io.GetRawDataReader();
 };
 
-TEST_F(ReaderTest, IndexHasNothingOutsideItsEntries) {
+TEST_F(ReaderTest, IndexReturnsNullOutsideItsRange) {
     OpenBytes(SmallFileBytes());
     const CRawDataIndex& index = *m_reader.GetIndex();
     ASSERT_EQ(index.GetCount(), 1);
@@ -31,7 +31,7 @@ TEST_F(ReaderTest, IndexHasNothingOutsideItsEntries) {
     EXPECT_EQ(index.GetEntry(-1), nullptr);
 }
 
-TEST_F(ReaderTest, QuestionsAreAnsweredInFileOrder) {
+TEST_F(ReaderTest, ListsAreInFileOrder) {
     m_io.GetRawDateWriter()->Open(m_path);
     m_io.GetRawDateWriter()->WriteFileHdr(ExampleFileHdr());
     const auto add = [&](const char* task, int number, std::int64_t dose, std::vector<CRawDataChannelInfo> wells) {
@@ -57,8 +57,8 @@ TEST_F(ReaderTest, QuestionsAreAnsweredInFileOrder) {
     EXPECT_EQ(m_reader.GetRecordingHdr("Series", 3), nullptr);
 }
 
-// More than are read at once.
-TEST_F(ReaderTest, HeadersThatFollowOneAnotherAreReadWhole) {
+// There are more headers than are read at once.
+TEST_F(ReaderTest, ConsecutiveHeadersAreReadWhole) {
     std::string bytes = FileHdrBytes(1190);
     for (int i = 1; i <= 40; ++i) {
         const auto end = static_cast<std::int64_t>(bytes.size()) + 2460;
@@ -73,7 +73,7 @@ TEST_F(ReaderTest, HeadersThatFollowOneAnotherAreReadWhole) {
     }
 }
 
-TEST_F(ReaderTest, OfTwinsTheFirstAnswersQuestionsAndTheLastDeliversData) {
+TEST_F(ReaderTest, DuplicateRecordingsUseTheFirstHeaderAndTheLastFinishedData) {
     const auto twin = [](std::int64_t data, std::int64_t next, const char* wells) {
         return RecordingHdrBytes({.data = data, .next = next, .wellIDs = wells});
     };
@@ -81,7 +81,7 @@ TEST_F(ReaderTest, OfTwinsTheFirstAnswersQuestionsAndTheLastDeliversData) {
               SampleBytes(kWell11) + twin(6418, 6726, "=21:22") + SegmentHdrBytes(12, -1, 0, 300, "4") +
               SampleBytes(kWell12) + twin(-1, -1, "=31:32"));
     EXPECT_EQ(m_reader.GetRecordingHdr("CompoundTest", 1)->WellChannels[0].ID, 11);
-    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));  // the third was never finished
+    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));  // the third isn't finished
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
@@ -93,7 +93,7 @@ TEST_F(ReaderTest, SelectedWellIsReadIntoABufferOfItsSize) {
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
-TEST_F(ReaderTest, SegmentsComeInOrderUntilTheChainEnds) {
+TEST_F(ReaderTest, SegmentsAreReadInOrderUntilTheChainEnds) {
     OpenBytes(SmallFileBytes());
     EXPECT_EQ(SegmentsOf(m_reader), "end");
     ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
@@ -108,11 +108,11 @@ TEST_F(ReaderTest, SegmentsComeInOrderUntilTheChainEnds) {
     EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
 }
 
-TEST_F(ReaderTest, SelectedWellIsDeliveredAloneAcrossJumpsAndOpens) {
+TEST_F(ReaderTest, SelectionOfAWellSurvivesJumpsAndOpens) {
     m_io.GetRawDateWriter()->Open(m_path);
     m_io.GetRawDateWriter()->WriteFileHdr(ExampleFileHdr());
     m_io.GetRawDateWriter()->WriteRecordingHdr(ExampleRecordingHdr());
-    // Lengths differ from one segment to the next, so that no guess about the next one is right.
+    // Each segment has another length, so that no guess about the next one is right.
     const std::vector<std::uint16_t> samples = {1, 2, 3, 4, 5};
     for (int i = 0; i < 5; ++i)
         m_io.GetRawDateWriter()->WriteData(11 + i % 2, i * 10, i * 10 + i, 1, samples.data());
@@ -125,7 +125,7 @@ TEST_F(ReaderTest, SelectedWellIsDeliveredAloneAcrossJumpsAndOpens) {
     EXPECT_EQ(SegmentsOf(m_reader), "11[20..22]1,2,3 12[30..33]1,2,3,4 11[40..44]1,2,3,4,5 end");
     m_reader.SelectWellID(11);
     m_reader.Open(m_path);
-    EXPECT_EQ(SegmentsOf(m_reader), "end");  // opening sets the position back
+    EXPECT_EQ(SegmentsOf(m_reader), "end");  // opening resets the position
     ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
     EXPECT_EQ(SegmentsOf(m_reader), "11[0..0]1 11[20..22]1,2,3 11[40..44]1,2,3,4,5 end");
 
@@ -137,7 +137,7 @@ TEST_F(ReaderTest, SelectedWellIsDeliveredAloneAcrossJumpsAndOpens) {
     std::uint32_t size = 79;
     std::uint16_t* data = nullptr;
     EXPECT_FALSE(m_reader.ReadSegment(wellID, from, to, size, data));
-    EXPECT_EQ(wellID, 11);  // the last one passed over
+    EXPECT_EQ(wellID, 11);  // the last one skipped
     EXPECT_TRUE(from == 77 && to == 78 && size == 79 && data == nullptr);
     m_reader.SelectWellID(-1);
     EXPECT_EQ(SegmentsOf(m_reader), "end");
@@ -165,7 +165,7 @@ TEST_F(ReaderTest, UnfinishedLastRecordingIsListedButNotDelivered) {
     writer.WriteData(11, 0, 300, 100, kWell11.data());
     writer.WriteRecordingHdr(ExampleRecordingHdr("PostQC", 1));
     writer.WriteData(12, 0, 300, 100, kWell12.data());
-    m_reader.Open(m_path);  // while the writer is at work
+    m_reader.Open(m_path);  // while it is being written
     EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"PreQC", "PostQC"}));
     EXPECT_FALSE(m_reader.JumpToData("PostQC", 1));
     ASSERT_TRUE(m_reader.JumpToData("PreQC", 1));
@@ -176,7 +176,7 @@ TEST_F(ReaderTest, UnfinishedLastRecordingIsListedButNotDelivered) {
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
-TEST_F(ReaderTest, FilesThatAreNotOursAreRefusedByText) {
+TEST_F(ReaderTest, OtherFilesAreRefusedWithTheirText) {
     const auto refusal = [&](const std::string& bytes) { return TextOfFailure([&] { OpenBytes(bytes); }); };
     const std::string ours = SmallFileBytes();
     EXPECT_EQ(TextOfFailure([&] { m_reader.Open(m_path); }), "Cannot open file " + m_path);
@@ -193,7 +193,7 @@ TEST_F(ReaderTest, FilesThatAreNotOursAreRefusedByText) {
     EXPECT_EQ(m_reader.GetFileHdr()->HeaderID, "OVL Vexaprobe 2.1=x:y");
 }
 
-TEST_F(ReaderTest, CellsAreTakenAsFarAsTheyMakeSense) {
+TEST_F(ReaderTest, MalformedCellsAreReadAsFarAsPossible) {
     std::string bytes = SmallFileBytes();
     bytes.replace(100, 50, Cell(50, "FileType=A=B"));
     bytes.replace(150, 50, Cell(50, "whatever key=A:B"));
@@ -215,7 +215,7 @@ TEST_F(ReaderTest, CellsAreTakenAsFarAsTheyMakeSense) {
     EXPECT_EQ(file.PreQC, (std::vector<std::int64_t>{1, 0, std::numeric_limits<std::int64_t>::min(), 3, 0}));
 }
 
-TEST_F(ReaderTest, ShortListsLeaveDefaultsAndLongNumbersTheNearestValue) {
+TEST_F(ReaderTest, ShortListsKeepDefaultsAndLargeNumbersAreClamped) {
     std::string bytes = SmallFileBytes();
     bytes.replace(1190 + 400, 1030,
                   Cell(30, "NumberOfWells=3") + Cell(200, "WellIDs=1:99999999999") +
@@ -227,7 +227,7 @@ TEST_F(ReaderTest, ShortListsLeaveDefaultsAndLongNumbersTheNearestValue) {
     EXPECT_EQ(wells[0].ID, 1);
     EXPECT_EQ(wells[1].ID, 2147483647);
     EXPECT_EQ(wells[2].ID, -1);
-    EXPECT_EQ(wells[0].Ticks, 2147483647);  // intervals have the range of 32 bits in files
+    EXPECT_EQ(wells[0].Ticks, 2147483647);  // intervals in files are 32 bits
     EXPECT_EQ(wells[1].Ticks, -2147483648);
     EXPECT_EQ(wells[2].Ticks, 6);
     EXPECT_EQ(wells[0].UnitsPerAD, 0.0);

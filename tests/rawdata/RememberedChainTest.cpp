@@ -14,9 +14,9 @@ namespace {
 
 constexpr const char* kBadSegment = "Error reading Data Segment Header";
 constexpr const char* kBadSeek = "Error seeking Data Segment.";
-constexpr std::int64_t kData = 3650;  ///< Where the first recording's segments begin.
+constexpr std::int64_t kData = 3650;  ///< Offset of the first recording's segments.
 
-/// A reader that remembers nothing: it walks the chain through the bytes of the file, header by header, every time.
+/// A reader without memory: it reads every header of the chain each time.
 class CForgetfulReader {
  public:
     explicit CForgetfulReader(const std::string& bytes) : m_bytes(bytes) {}
@@ -26,7 +26,7 @@ class CForgetfulReader {
         m_hops.clear();
     }
 
-    /// The next segment, as `SegmentsOf` prints it.
+    /// Returns the next segment, as `SegmentsOf` prints it.
     std::string Next(int well) {
         while (m_position != -1) {
             if (m_position < 0) return kBadSeek;
@@ -42,7 +42,7 @@ class CForgetfulReader {
     }
 
  private:
-    /// A chain leads back once it comes to a segment again at which the number of hops was a power of two.
+    /// Reports a loop when a segment comes again that was reached after a power of two of hops.
     bool Admits() {
         if (m_position == m_marked && !m_hops.empty()) return false;
         m_hops.push_back(m_position);
@@ -70,7 +70,7 @@ class CForgetfulReader {
 
 class RememberedChainTest : public testing::Test {
  protected:
-    /// Two recordings; the chain of the first has `count` segments of changing wells and sizes.
+    /// Writes two recordings. The first has `count` segments of different wells and sizes.
     void Write(int count) {
         m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = kData, .next = kSecond});
         m_starts.clear();
@@ -88,7 +88,7 @@ class RememberedChainTest : public testing::Test {
         WriteAll(m_path, m_bytes);
     }
 
-    /// Overwrites a part of the file in place, as another writer would.
+    /// Overwrites part of the file in place, as another writer would.
     void Patch(std::size_t at, const std::string& bytes) {
         m_bytes.replace(at, bytes.size(), bytes);
         std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
@@ -112,21 +112,21 @@ class RememberedChainTest : public testing::Test {
     CIRawDataReader& m_reader = *m_io.GetRawDataReader();
 };
 
-// A header that is broken later shows whether it is read again.
-TEST_F(RememberedChainTest, SegmentsPassedOverOnceAreNotReadAgain) {
+// A header that is damaged after the first pass shows whether it is read again.
+TEST_F(RememberedChainTest, SegmentsSkippedOnceAreNotReadAgain) {
     Write(9);
     m_reader.Open(m_path);
     const std::string first = Pass(12);
     EXPECT_EQ(first, "12[1..1]100,101,102,103 12[4..4]400,401,402,403 12[7..7]700,701,702,703 end");
-    EXPECT_EQ(Pass(12, 2), "12[7..7]7,8,9,10 end");  // a chain of its own
+    EXPECT_EQ(Pass(12, 2), "12[7..7]7,8,9,10 end");  // has its own chain
     Patch(m_starts[2], "Typo");
     EXPECT_EQ(Pass(12), first);
     EXPECT_EQ(Pass(-1), std::string("11[0..0]0,1,2,3 12[1..1]100,101,102,103 ") + kBadSegment);
-    // That failure made the reader forget.
+    // The failure made the reader forget the chain.
     EXPECT_EQ(Pass(12), std::string("12[1..1]100,101,102,103 ") + kBadSegment);
 }
 
-TEST_F(RememberedChainTest, HeadersThatChangedAreFollowedAsTheyStand) {
+TEST_F(RememberedChainTest, ChangedHeadersAreFollowed) {
     struct {
         std::size_t segment, cell;
         std::string text;
@@ -147,7 +147,7 @@ TEST_F(RememberedChainTest, HeadersThatChangedAreFollowedAsTheyStand) {
         Pass(12);
         Patch(m_starts[c.segment] + c.cell, Cell(50, c.text));
         EXPECT_EQ(Pass(12), c.then12) << c.text;
-        EXPECT_EQ(Pass(11), c.then11) << c.text;  // what followed was forgotten
+        EXPECT_EQ(Pass(11), c.then11) << c.text;  // the rest of the chain was forgotten
     }
 }
 
@@ -160,7 +160,7 @@ TEST_F(RememberedChainTest, SegmentsAppendedLaterAreFound) {
     Patch(m_starts.back() + 100, Cell(50, "FPosNextSegmentHdr=" + std::to_string(end)));
     EXPECT_EQ(Pass(12), before.substr(0, before.size() - 3) + "12[9..9]7,8,9,10 end");
 
-    // In the middle of a pass, and more than the file had room for when it began.
+    // Appended in the middle of a pass, and more than the file could hold when the pass began.
     Write(2);
     m_reader.Open(m_path);
     m_reader.SelectWellID(-1);
@@ -180,8 +180,8 @@ TEST_F(RememberedChainTest, SegmentsAppendedLaterAreFound) {
     EXPECT_TRUE(rest.ends_with(" end")) << rest.substr(rest.size() - 80);
 }
 
-// However the pass before came upon the circle: by its failure, or in a few segments that it took, of any well.
-TEST_F(RememberedChainTest, CirclesRepairedInTheFileAreGoneInTheNextPass) {
+// The pass before found the loop by a failure, or stopped within it, for any well.
+TEST_F(RememberedChainTest, LoopsRepairedInTheFileAreGoneInTheNextPass) {
     for (const std::size_t back : {0U, 1U, 4U}) {
         for (const int well : {-1, 11, 12, 13, 99}) {
             for (const int most : {1, 4, 1000}) {
@@ -201,8 +201,8 @@ TEST_F(RememberedChainTest, CirclesRepairedInTheFileAreGoneInTheNextPass) {
     }
 }
 
-// Another writer rewrites the file: where segments were, there are now samples.
-TEST_F(RememberedChainTest, RewrittenFilesAreWalkedAgain) {
+// Another writer rewrites the file: there are samples now where segments began.
+TEST_F(RememberedChainTest, RewrittenFilesAreReadAgain) {
     Write(9);
     m_reader.Open(m_path);
     for (const int well : {11, 12, 13})
@@ -212,7 +212,7 @@ TEST_F(RememberedChainTest, RewrittenFilesAreWalkedAgain) {
     EXPECT_EQ(Pass(13), "13[6..6]7,8,9,10 end");
 }
 
-/// Damages a few cells of a file: values from a small set, so that chains lead back, across and out of the file.
+/// Damages a few cells with values from a small set, so that chains point back, across and out of the file.
 std::string Damaged(std::string bytes, const std::vector<std::size_t>& starts, std::mt19937& random) {
     const auto any = [&](std::size_t count) { return static_cast<std::size_t>(random() % count); };
     for (std::size_t damages = any(4); damages > 0; --damages) {
@@ -232,7 +232,7 @@ std::string Damaged(std::string bytes, const std::vector<std::size_t>& starts, s
     return bytes;
 }
 
-TEST_F(RememberedChainTest, PassesOverAnyFileDeliverWhatAWalkWould) {
+TEST_F(RememberedChainTest, PassesOverAnyFileReturnWhatReadingEveryHeaderDoes) {
     std::mt19937 random(1);
     for (int file = 0; file < 400; ++file) {
         Write(static_cast<int>(random() % 20) + 1);

@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// Reads segments, at most `most`, and puts them into one line: well[from..to]samples for each, "end" for the end of
-/// the chain, the text of the failure for a failure.
+/// Reads at most `most` segments and returns them as a line: "well[from..to]samples" for each, "end" at the end of the
+/// chain, or the text of a failure.
 inline std::string SegmentsOf(CIRawDataReader& reader, int most = 1000) {
     std::string line;
     const auto add = [&](const std::string& item) { line.append(line.empty() ? "" : " ").append(item); };

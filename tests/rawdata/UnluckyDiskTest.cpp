@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A disk that is full from a size on: the system refuses, or takes only a part of, what goes beyond.
+/// Limits the size of files: the system refuses writes beyond it, or writes only the first part.
 class CFullDisk {
  public:
     explicit CFullDisk(std::size_t size) {
@@ -39,7 +39,7 @@ class CFullDisk {
     void (*m_signal)(int) = SIG_DFL;
 };
 
-/// All segments of all recordings, or the text of the failure to open.
+/// Returns all segments of all recordings, or the text of the failure to open.
 std::string ContentOf(const std::string& path) {
     CVXFileIO io;
     CIRawDataReader& reader = *io.GetRawDataReader();
@@ -54,7 +54,7 @@ std::string ContentOf(const std::string& path) {
     return content;
 }
 
-/// Plays two recordings of two segments each; the disk is full from `fullFrom` on until the step `freeAgain`.
+/// Writes two recordings of two segments each. The disk is full from offset `fullFrom` until step `freeAgain`.
 void PlayRun(const std::string& path, std::size_t fullFrom, int freeAgain) {
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
@@ -75,8 +75,8 @@ void PlayRun(const std::string& path, std::size_t fullFrom, int freeAgain) {
     step([&] { writer.Close(); });
 }
 
-// The places where the run's writes begin and end, and how much of it then reads back.
-TEST(UnluckyDiskTest, FullDiskLeavesEverythingThatWasWholeAndNothingElse) {
+// The offsets at which the writes begin and end, and the content that is readable when the disk is full there.
+TEST(UnluckyDiskTest, FullDiskKeepsWhatWasWholeAndNothingElse) {
     const CTempFolder folder;
     const std::string path = folder.Path("full.vxd");
     const std::string pre1 = "PreQC: 11[0..300]1,256,65535,32768 ";
@@ -102,13 +102,13 @@ TEST(UnluckyDiskTest, FullDiskLeavesEverythingThatWasWholeAndNothingElse) {
         for (; size < stage.upTo; size += size % 50 == 0 ? 1 : 49) {
             PlayRun(path, size, 99);
             ASSERT_EQ(ContentOf(path), stage.content) << "full from " << size;
-            ASSERT_EQ(std::filesystem::file_size(path), whole) << "truncated after what is whole";
+            ASSERT_EQ(std::filesystem::file_size(path), whole) << "truncated after the last whole write";
         }
         size = stage.upTo;
     }
 }
 
-TEST(UnluckyDiskTest, WhatTheDiskRefusedIsWrittenOnceThereIsRoom) {
+TEST(UnluckyDiskTest, RefusedBytesAreWrittenOnceThereIsRoom) {
     const CTempFolder folder;
     const std::string path = folder.Path("again.vxd");
     PlayRun(path, std::size_t{1} << 30, 99);
@@ -120,18 +120,18 @@ TEST(UnluckyDiskTest, WhatTheDiskRefusedIsWrittenOnceThereIsRoom) {
     EXPECT_EQ(ReadAll(path), whole);
     PlayRun(path, 5000, 6);
     EXPECT_EQ(ReadAll(path), whole);
-    PlayRun(path, 700, 6);  // a recording that never reached the disk is dropped; a list set meanwhile is there
+    PlayRun(path, 700, 6);  // the refused recording is dropped; the list set meanwhile is kept
     const std::string late = ReadAll(path);
     EXPECT_EQ(late.substr(0, 1190), FileHdrBytes(1190, "CompoundTest=1000:2000"));
     EXPECT_EQ(ContentOf(path), "PostQC: 11[1..301]1,256,65535,32768 12[1..301]7,8,9,10 end; ");
-    PlayRun(path, 3800, 3);  // a lost segment's place is taken by the next
+    PlayRun(path, 3800, 3);  // the next segment takes the lost one's place
     EXPECT_EQ(ReadAll(path).substr(3650, 308), SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12));
     PlayRun(path, 6800, 8);
     EXPECT_EQ(ContentOf(path),
               "PreQC: 11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end; PostQC: Error reading Data Segment Header; ");
 }
 
-TEST(UnluckyDiskTest, RefusedRewriteIsMadeWithTheNextOneAndTheNewestCounts) {
+TEST(UnluckyDiskTest, RefusedRewriteIsRepeatedWithTheNextOneAndTheNewestWins) {
     const CTempFolder folder;
     const std::string path = folder.Path("rewrite.vxd");
     CVXFileIO io;
@@ -187,12 +187,12 @@ TEST(UnluckyDiskTest, WriteErrorStatesTheFirstRefusalAndHowManySegmentsAreMissin
         const CFullDisk disk(0);
         writer.WriteFileHdr(ExampleFileHdr());
     }
-    writer.Close();  // with a second try for the header
+    writer.Close();  // tries the header again
     EXPECT_EQ(writer.GetWriteError(), "File too large, writing 1190 bytes at 0 of " + path);
     EXPECT_EQ(ReadAll(path), FileHdrBytes(-1, "CompoundTest"));
 }
 
-TEST(UnluckyDiskTest, NothingThatOneFileWasRefusedGoesIntoTheNext) {
+TEST(UnluckyDiskTest, RefusedBytesOfOneFileDoNotGoIntoTheNext) {
     const CTempFolder folder;
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
@@ -223,7 +223,7 @@ TEST(UnluckyDiskTest, NothingThatOneFileWasRefusedGoesIntoTheNext) {
     EXPECT_EQ(ReadAll(folder.Path("next.vxd")), FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}));
 }
 
-/// A number that a process sees change while another one changes it.
+/// A number shared between processes.
 class CSharedNumber {
  public:
     CSharedNumber()
@@ -246,12 +246,12 @@ class CSharedNumber {
 constexpr int kPerRecording = 20;
 constexpr int kPerSegment = 500;
 
-/// Segment n of a run without end: its samples are all n.
+/// Returns the samples of segment n: all are n.
 std::vector<std::uint16_t> EndlessSamples(std::int64_t n) {
     return std::vector<std::uint16_t>(kPerSegment, static_cast<std::uint16_t>(n));
 }
 
-/// Writes without end, well 7 alone, and reports how many segments were taken.
+/// Writes segments of well 7 until killed, and reports how many were accepted.
 [[noreturn]] void WriteForEver(const std::string& path, CSharedNumber& taken) {
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
@@ -264,7 +264,7 @@ std::vector<std::uint16_t> EndlessSamples(std::int64_t n) {
     }
 }
 
-/// How many of the segments are in the file at their places, from the first on, each with a header and all samples.
+/// Returns how many segments from the first on are at their offsets, with headers and all samples.
 std::int64_t SegmentsInPlace(const std::string& bytes) {
     for (std::int64_t n = 0;; ++n) {
         const auto at = static_cast<std::size_t>(1190 + 2460 * (n / kPerRecording + 1) + n * (300 + 2 * kPerSegment));
@@ -275,9 +275,8 @@ std::int64_t SegmentsInPlace(const std::string& bytes) {
     }
 }
 
-// Whatever the moment at which the writer died: each segment that was taken is in the file, and every recording but the
-// last can be read in full.
-TEST(UnluckyDiskTest, KilledWriterLeavesOnlyPositionsOfWhatIsWhole) {
+// Whenever the writer is killed, each accepted segment is in the file, and every recording but the last is readable.
+TEST(UnluckyDiskTest, KilledWriterLosesNoAcceptedSegment) {
     const CTempFolder folder;
     const std::string path = folder.Path("killed.vxd");
     std::int64_t delivered = 0;
@@ -299,7 +298,7 @@ TEST(UnluckyDiskTest, KilledWriterLeavesOnlyPositionsOfWhatIsWhole) {
         const std::int32_t recordings = reader.GetIndex()->GetCount();
         std::int64_t expected = 0;
         for (std::int32_t r = 0; r < recordings; ++r) {
-            // The last one, and the one before it if its successor was just being linked, may be unfinished.
+            // The last recording may be unfinished.
             if (!reader.JumpToData("Series", r)) {
                 EXPECT_EQ(r, recordings - 1);
                 continue;

@@ -14,7 +14,7 @@ class WriterTest : public testing::Test {
  protected:
     std::string Bytes() const { return ReadAll(m_path); }
 
-    /// Up to a recording of wells 11 and 12 that waits for data.
+    /// Writes up to a recording of wells 11 and 12, without data.
     void BeginRecording() {
         m_writer.Open(m_path);
         m_writer.WriteFileHdr(ExampleFileHdr());
@@ -27,7 +27,7 @@ class WriterTest : public testing::Test {
     CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
 };
 
-TEST_F(WriterTest, OpenNewCreatesAFileButNeverTouchesOneThatExists) {
+TEST_F(WriterTest, OpenNewCreatesAFileButNeverChangesAnExistingOne) {
     m_writer.OpenNew(m_path);
     m_writer.WriteFileHdr(ExampleFileHdr());
     const std::string before = Bytes();
@@ -41,7 +41,7 @@ TEST_F(WriterTest, OpenNewCreatesAFileButNeverTouchesOneThatExists) {
     EXPECT_EQ(Bytes(), "");
 }
 
-TEST_F(WriterTest, AMadeFileHeaderHasMarkAndVersionWhateverTheFieldsSay) {
+TEST_F(WriterTest, MakeFileHdrAlwaysSetsHeaderIDAndVersion) {
     const CRawDataFileHdr header = MakeFileHdr({.HeaderID = "x", .FileVersion = 1, .PlateID = "P1"});
     EXPECT_EQ(header.HeaderID, "OVL Vexaprobe");
     EXPECT_EQ(header.FileVersion, 2);
@@ -49,8 +49,8 @@ TEST_F(WriterTest, AMadeFileHeaderHasMarkAndVersionWhateverTheFieldsSay) {
     EXPECT_EQ(MakeFileHdr().CompoundID, -1);
 }
 
-// The whole life of the small file, looked at from outside after every call.
-TEST_F(WriterTest, EachCallLeavesItsBytesWithTheSystem) {
+// Looks at the file from outside after every call.
+TEST_F(WriterTest, EachCallPassesItsBytesToTheSystem) {
     m_writer.Open(m_path);
     EXPECT_EQ(Bytes(), "");
     m_writer.WriteFileHdr(ExampleFileHdr());
@@ -71,7 +71,7 @@ TEST_F(WriterTest, EachCallLeavesItsBytesWithTheSystem) {
     EXPECT_EQ(Bytes(), SmallFileBytes());
 }
 
-TEST_F(WriterTest, HeaderFieldsThatTheWriterKeepsForItselfAreNotUsed) {
+TEST_F(WriterTest, HeaderFieldsThatTheWriterSetsAreIgnored) {
     CRawDataFileHdr file = ExampleFileHdr();
     file.FPosFirstRecordingHdr = 7;
     file.PreQC = file.CompoundTest = file.PostQC = {1};
@@ -121,7 +121,7 @@ TEST_F(WriterTest, UpdateReplacesOneListAndNothingElse) {
     EXPECT_EQ(Bytes(), before);
 }
 
-TEST_F(WriterTest, ValueMayFillItsCellButNotOneByteMore) {
+TEST_F(WriterTest, ValueMayFillItsCellButNotExceedIt) {
     const std::string beyond = "Value does not fit its cell: ";
     CRawDataFileHdr file = ExampleFileHdr();
     file.PlateID = std::string(30 - 3 - 8, 'p');
@@ -139,20 +139,21 @@ TEST_F(WriterTest, ValueMayFillItsCellButNotOneByteMore) {
     const std::string before = Bytes();
 
     CRawDataRecordingHdr recording = ExampleRecordingHdr();
-    recording.WellChannels.assign(64, {.ID = 10});  // 64 IDs of two digits: 191 characters for a room of 189
+    recording.WellChannels.assign(64, {.ID = 10});  // 64 IDs of two digits: 191 characters, but room for 189
     EXPECT_EQ(TextOfFailure([&] { m_writer.WriteRecordingHdr(recording); }), beyond + "WellIDs");
     EXPECT_EQ(TextOfFailure([&] { m_writer.UpdateFileHdr("PreQC", {std::string(92, '1')}); }), beyond + "PreQC");
     EXPECT_EQ(Bytes(), before);
 
-    // The recording that was going on still is.
+    // The current recording continues.
     m_writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
     m_writer.WriteData(12, 0, 300, 100, kWell12.data());
     m_writer.Close();
     EXPECT_EQ(Bytes(), SmallFileBytes());
 }
 
-// By hand: ADZeros has room for 200 - 3 - 8 = 189 bytes, Ticks for 191, UnitsPerADs for 385, WellIDs for 189.
-TEST_F(WriterTest, ThePlanOfARecordingSaysWhatFits) {
+// Calculated by hand: ADZeros has room for 200 - 3 - 8 = 189 bytes, Ticks for 191, UnitsPerADs for 385, WellIDs for
+// 189.
+TEST_F(WriterTest, CheckRecordingFitAgreesWithTheWriter) {
     CRawDataRecordingHdr header = ExampleRecordingHdr();
     header.WellChannels.clear();
     for (int well = 1; well <= 54; ++well)
@@ -177,7 +178,7 @@ TEST_F(WriterTest, ThePlanOfARecordingSaysWhatFits) {
     EXPECT_EQ(fit.Split, (std::vector<std::int64_t>{31, 23}));
     EXPECT_EQ(fit.Text(), "ADZeros has room for 189 bytes, but needs 323 for 54 wells; 31 of these wells would fit.");
 
-    // What the plan says is what the writer does.
+    // The writer accepts exactly what the plan says.
     m_writer.Open(m_path);
     m_writer.WriteFileHdr(ExampleFileHdr());
     for (std::size_t wells = 0; wells <= 54; ++wells) {
@@ -192,11 +193,11 @@ TEST_F(WriterTest, ThePlanOfARecordingSaysWhatFits) {
     const CRecordingFit longName = CheckRecordingFit(header);
     EXPECT_EQ(longName.Text(), "TaskName has room for 38 bytes, but needs 39.");
     EXPECT_EQ(longName.WellsThatFit, 0);
-    EXPECT_TRUE(longName.Split.empty()) << "a split doesn't shorten the name";
+    EXPECT_TRUE(longName.Split.empty()) << "splitting doesn't shorten the name";
 }
 
 // Each ADZero takes 5 bytes and a colon, so 31 of them take 185 of 189 bytes, and no other list is longer.
-TEST_F(WriterTest, APlanOfNinetyThousandWellsIsSplitAtOnce) {
+TEST_F(WriterTest, CheckRecordingFitIsFastForNinetyThousandWells) {
     CRawDataRecordingHdr header = ExampleRecordingHdr();
     header.WellChannels.clear();
     for (int well = 10'000; well < 100'000; ++well)
@@ -209,7 +210,7 @@ TEST_F(WriterTest, APlanOfNinetyThousandWellsIsSplitAtOnce) {
     EXPECT_EQ(fit.Split.back(), 7);
 }
 
-TEST_F(WriterTest, AFileThatReadersCannotUseIsWrittenAsGivenAndReportedAtOnce) {
+TEST_F(WriterTest, HeadersThatReadersRefuseAreWrittenUnchangedAndReported) {
     const std::string notOurs = "HeaderID doesn't begin with OVL Vexaprobe, so readers won't open the file";
     const std::string tooOld = "FileVersion is below 2, so readers won't find the wells";
     const struct {
@@ -233,7 +234,7 @@ TEST_F(WriterTest, AFileThatReadersCannotUseIsWrittenAsGivenAndReportedAtOnce) {
     EXPECT_EQ(m_writer.GetWriteError(), notOurs + "; " + tooOld);
 }
 
-TEST_F(WriterTest, TextsThatReadersGetCutAreWrittenAsGivenAndReportedByKey) {
+TEST_F(WriterTest, TextsThatReadersCutAreWrittenUnchangedAndReportedByKey) {
     const auto cut = [](const char* key) {
         return std::string("Because of a NUL, CR, LF, '=' or ':', readers get only a part of ") + key;
     };
@@ -257,7 +258,7 @@ TEST_F(WriterTest, TextsThatReadersGetCutAreWrittenAsGivenAndReportedByKey) {
         EXPECT_EQ(m_writer.GetWriteError(), cut("PlateID") + "; " + cut("TaskName") + "; " + cut("PreQC"));
     }
     CRawDataFileHdr file = ExampleFileHdr();
-    file.HeaderID = "OVL Vexaprobe=1:2";  // the one cell that isn't split
+    file.HeaderID = "OVL Vexaprobe=1:2";  // the only cell that readers don't split
     file.Reserved = "never:written";
     m_writer.Open(m_path);
     m_writer.WriteFileHdr(file);
@@ -269,7 +270,7 @@ TEST_F(WriterTest, TextsThatReadersGetCutAreWrittenAsGivenAndReportedByKey) {
     file.PlateID = std::string(30, 'x') + "=";
     m_writer.Open(m_path);
     EXPECT_NE(TextOfFailure([&] { m_writer.WriteFileHdr(file); }), "no failure");
-    EXPECT_EQ(m_writer.GetWriteError(), "") << "a refused header isn't in the file";
+    EXPECT_EQ(m_writer.GetWriteError(), "") << "a refused header isn't written";
 }
 
 TEST_F(WriterTest, CallsOutOfOrderAreRefusedAndChangeNothing) {
@@ -292,7 +293,7 @@ TEST_F(WriterTest, CallsOutOfOrderAreRefusedAndChangeNothing) {
     EXPECT_TRUE(refuses(writeFileHdr) && refuses(writeRecordingHdr) && refuses(writeData) && refuses(update));
 }
 
-TEST_F(WriterTest, ArgumentsThatAreNoSegmentAreRefusedAndChangeNothing) {
+TEST_F(WriterTest, InvalidSegmentsAreRefusedAndChangeNothing) {
     constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
     BeginRecording();
@@ -309,11 +310,11 @@ TEST_F(WriterTest, ArgumentsThatAreNoSegmentAreRefusedAndChangeNothing) {
     EXPECT_EQ(refusal(0, (std::int64_t{1} << 32) - 1, 1, kWell11.data()), "The segment holds too many samples.");
     EXPECT_EQ(refusal(0, 300, 100, nullptr), "The samples are missing.");
     EXPECT_EQ(Bytes(), before);
-    m_writer.WriteData(11, kMax - 1, kMax, kMax, kWell11.data());  // the far end of time is a time
+    m_writer.WriteData(11, kMax - 1, kMax, kMax, kWell11.data());  // the last possible time
     EXPECT_EQ(Bytes().size(), before.size() + 302);
 }
 
-TEST_F(WriterTest, SecondOpenFinishesTheFirstFileAndStartsANewOne) {
+TEST_F(WriterTest, SecondOpenFinishesTheFirstFile) {
     const std::string other = m_folder.Path("other.vxd");
     BeginRecording();
     m_writer.WriteData(11, 0, 300, 100, kWell11.data());
@@ -328,7 +329,7 @@ TEST_F(WriterTest, SecondOpenFinishesTheFirstFileAndStartsANewOne) {
     EXPECT_EQ(ReadAll(other), FileHdrBytes(-1));
 }
 
-TEST_F(WriterTest, EndOfTheLibraryObjectFinishesTheFile) {
+TEST_F(WriterTest, DestructorFinishesTheFile) {
     {
         CVXFileIO io;
         auto& writer = *io.GetRawDateWriter();
