@@ -1,11 +1,11 @@
-"""Plants small faults into a copy of the sources, one at a time, and looks whether the tests notice.
+"""Plants small faults in a copy of the sources, one at a time, and checks that the tests notice.
 
 usage: mutate.py BUILD_FOLDER [WORD]
 
-The faults are in faults.txt beside this script; with a WORD, only those whose file or text has it. Each begins with a
-line "@ FILE"; lines with "-" are text that stands in that file exactly once, lines with "+" what comes in its place.
-A fault whose text doesn't stand there any more, or that doesn't compile, is an error: the list must be brought up to
-date. So is one that no test notices.
+The faults are in faults.txt next to this script; with a WORD, only those whose file or text contains it. Each begins
+with a line "@ FILE". Lines with "-" are text that occurs exactly once in that file, lines with "+" replace it. It is an
+error if the text no longer occurs or the fault doesn't compile: the list must be updated. So is a fault that no test
+notices.
 """
 
 import os
@@ -14,9 +14,9 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-TIMEOUT = 120  # seconds; a test program that a fault keeps going for ever has noticed it
+TIMEOUT = 120  # seconds; if a fault makes a test hang, it counts as noticed
 
-# The programs that look at a room, those most likely to notice first.
+# The test programs for each folder, those most likely to notice first.
 PROGRAMS = {
     "base": ["base_test", "settings_test", "rawdata_test"],
     "access": ["access_test"],
@@ -31,8 +31,8 @@ PROGRAMS = {
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog"],
 }
 
-# What isn't a test program: the target that it looks at, and its words, of which {} is the folder of the build. The
-# paths in them are those of the sources.
+# Checks by script: the target that each one needs, and its command. {} is the build folder; paths are those of the
+# sources.
 SCRIPTS = {
     "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
     "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference/several_recordings.vxd",
@@ -86,7 +86,7 @@ def build(folder, target):
 
 
 def command_of(folder, program):
-    """Builds what a program needs. Returns the words that run it."""
+    """Builds what a program needs. Returns the command that runs it."""
     target, words = SCRIPTS.get(program, (program, None))
     build(folder, target)
     if words is None:
@@ -108,7 +108,7 @@ def failing_program(folder, programs):
 
 
 def update_copy(copy):
-    """Makes the copy equal to the sources, and touches only files that differ: what was planted last is built anew."""
+    """Makes the copy equal to the sources. Writes only files that differ, so that only the last fault is rebuilt."""
     tops = [top for top in ROOT.iterdir() if top.name not in ("build", ".git")]
     files = {path.relative_to(ROOT) for top in tops for path in [top, *top.rglob("*")] if path.is_file()}
     for name in files:
@@ -122,7 +122,7 @@ def update_copy(copy):
 
 
 def make_copy(folder, programs):
-    """Copies the sources. These tests of theirs must pass."""
+    """Copies the sources. These tests must pass."""
     update_copy(folder / "source")
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
                      "-DVXFILEIO_BUILD_TOOLS=ON",
