@@ -34,7 +34,7 @@ void CFileOnDisk::Flush() {
     m_sizes = {m_now.size()};
 }
 
-/// Keeps what the pages of these bytes hold now.
+/// Saves the current content of the pages that hold these bytes.
 void CFileOnDisk::Keep(std::size_t begin, std::size_t end) {
     for (std::size_t page = begin / kPage; page * kPage < end; ++page) {
         const auto pageOf = [page](const std::string& bytes) {
@@ -49,7 +49,7 @@ void CFileOnDisk::Keep(std::size_t begin, std::size_t end) {
     }
 }
 
-/// Returns the state that `choose(n)` chooses, a number below n for each page and the size.
+/// Returns the state that `choose(n)` selects by a number below n for each page and the size.
 std::string CFileOnDisk::State(const std::function<std::size_t(std::size_t)>& choose) const {
     const std::size_t size = m_sizes[choose(m_sizes.size())];
     std::string state = m_flushed;

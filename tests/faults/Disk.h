@@ -13,13 +13,13 @@
 #include "tests/faults/SystemCalls.h"
 
 /// @file
-/// A disk that loses power.
+/// A disk that can lose power.
 
-/// What a file held when it was last flushed, and what was done to it since.
+/// The content of a file at the last flush, and all later changes.
 ///
-/// The system writes pages in any order, each as it was at any moment, and the size by itself. So after a power cut,
-/// each page has one of the contents it had since the last flush, a page that never reached the disk is zeros, and the
-/// size is one that the file had, or ends with a page between two of them.
+/// The system writes pages in any order, each in any of its states, and the size independently. So after a power cut,
+/// each page has one of its contents since the last flush, a page that never reached the disk is zeros, and the size is
+/// one that the file had, or the end of a page between two of them.
 class CFileOnDisk {
  public:
     static constexpr std::size_t kPage = 4096;
@@ -33,7 +33,7 @@ class CFileOnDisk {
 
     const std::string& Now() const { return m_now; }
 
-    /// Calls `act` with contents that a power cut could leave: with all of them if there are at most `most`, else with
+    /// Calls `act` with contents that a power cut could leave: all of them if there are at most `most`, otherwise
     /// `most` random ones, the same in each run.
     void ForStates(std::size_t most, const std::function<void(const std::string&)>& act) const;
 
@@ -45,12 +45,12 @@ class CFileOnDisk {
 
     std::string m_now;
     std::string m_flushed;
-    CPages m_pages;                    ///< The contents that changed pages had since the last flush, by page.
-    std::vector<std::size_t> m_sizes;  ///< The sizes that it could have.
+    CPages m_pages;                    ///< The contents of changed pages since the last flush, by page.
+    std::vector<std::size_t> m_sizes;  ///< The possible sizes.
 };
 
-/// The files of a run, as its recorded calls change them. A folder is flushed by itself: until then, each name is the
-/// old file or any of those that had the name since.
+/// The files of a run, as its recorded calls change them. A folder is flushed separately: until then, a name may belong
+/// to the old file or to any file that had the name since.
 class CDisk {
  public:
     /// Adds a file that was there before the run.
@@ -58,11 +58,11 @@ class CDisk {
 
     void Apply(const CRecordedCall& call);
 
-    /// Returns the files that could have a name after a power cut; null for none.
+    /// Returns the files that could have a name after a power cut; null means that there may be none.
     std::set<const CFileOnDisk*> FilesOf(const std::string& path) const;
 
  private:
-    /// What a name stands for.
+    /// The files that a name may belong to.
     struct CName {
         CFileOnDisk* now = nullptr;
         std::set<const CFileOnDisk*> possible = {nullptr};

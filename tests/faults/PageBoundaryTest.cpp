@@ -8,8 +8,8 @@
 #include "tests/support/TempFolder.h"
 
 /// @file
-/// The system copies what it writes page by page, and a process can be killed between two pages. These tests go through
-/// every state that a file can be left in like that.
+/// The system copies written data page by page, and a process can be killed between two pages. These tests try every
+/// state in which this can leave a file.
 
 namespace {
 
@@ -20,7 +20,7 @@ struct CWrite {
     std::string bytes;
 };
 
-/// Writes recordings of one segment each. The first segment has so many samples, which moves all after it.
+/// Writes recordings with one long and one short segment. The length of the first moves everything after it.
 std::vector<CWrite> WritesOf(const std::string& path, std::int64_t samples) {
     std::vector<CRecordedCall> calls;
     RecordCalls(&calls);
@@ -43,7 +43,7 @@ std::vector<CWrite> WritesOf(const std::string& path, std::int64_t samples) {
     return writes;
 }
 
-/// Returns the position that a cell holds, as readers find it: between its first `=` and the next, or a NUL.
+/// Returns the position in a cell as readers parse it: from its first `=` to the next, or to a NUL.
 std::string PositionAt(const std::string& file, std::size_t cell) {
     const std::size_t begin = file.find('=', cell) + 1;
     return file.substr(begin, file.find_first_of(std::string("=\0", 2), begin) - begin);
@@ -57,7 +57,7 @@ std::vector<std::size_t> PositionCells(const std::string& file) {
     return cells;
 }
 
-/// Checks all cells with positions in the first `size` bytes of a file whose writer was killed: each is unset or final.
+/// Checks all positions in the first `size` bytes of a file whose writer was killed: each is unset or final.
 void ExpectSound(const std::string& file, std::size_t size, const std::string& whole) {
     for (const std::size_t cell : PositionCells(whole)) {
         if (cell + 50 > size) break;
@@ -70,7 +70,7 @@ void ExpectSound(const std::string& file, std::size_t size, const std::string& w
     }
 }
 
-TEST(PageBoundaryTest, AWriterThatIsKilledBetweenTwoPagesLeavesNoHalfNumber) {
+TEST(PageBoundaryTest, AWriterKilledBetweenTwoPagesLeavesNoPartialNumber) {
     const CTempFolder folder;
     const std::string path = folder.Path("pages.vxd");
     for (std::int64_t samples = 1; samples <= static_cast<std::int64_t>(kPage / 2); ++samples) {
@@ -79,7 +79,7 @@ TEST(PageBoundaryTest, AWriterThatIsKilledBetweenTwoPagesLeavesNoHalfNumber) {
         const std::string whole = ReadAll(path);
         std::string file;
         for (const CWrite& write : writes) {
-            // Nothing leads to what is appended before it is there, so only what was there before is looked at.
+            // No position points at appended bytes until they are written, so only the earlier bytes are checked.
             const std::size_t before = file.size();
             file.resize(std::max(before, write.offset + write.bytes.size()));
             for (std::size_t done = 0; done < write.bytes.size();) {
@@ -94,7 +94,7 @@ TEST(PageBoundaryTest, AWriterThatIsKilledBetweenTwoPagesLeavesNoHalfNumber) {
     }
 }
 
-TEST(PageBoundaryTest, OnlyANumberAcrossTwoPagesTakesAnotherCall) {
+TEST(PageBoundaryTest, OnlyANumberAcrossTwoPagesNeedsAnotherCall) {
     const CTempFolder folder;
     std::size_t more = 0;
     for (std::int64_t samples = 1; samples <= static_cast<std::int64_t>(kPage / 2); ++samples) {
@@ -102,7 +102,7 @@ TEST(PageBoundaryTest, OnlyANumberAcrossTwoPagesTakesAnotherCall) {
         ASSERT_GE(calls, 17U);  // ten headers and segments, seven rewrites of positions
         more += calls - 17;
     }
-    // A boundary in all places of the numbers of seven cells, of which two have four digits at most and two are -1.
+    // The boundary can be anywhere in the numbers of seven cells: two of at most four digits, and two of -1.
     EXPECT_GT(more, 6U);
     EXPECT_LT(more, 34U);
 }

@@ -74,7 +74,7 @@ CPropAnalyzer Analyzer() {
     return analyzer;
 }
 
-/// More than is written in one piece.
+/// Returns results that are too large to be written in one piece.
 CResults Results() {
     CResults results;
     results.SetFPAverage(4000, 10, 25);

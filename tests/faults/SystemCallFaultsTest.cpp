@@ -74,11 +74,11 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
             m_wasThrown = true;
         }
         m_lastCalls = EndCalls();
-        EXPECT_EQ(OpenHandles(), handles) << "a file stayed open";
+        EXPECT_EQ(OpenHandles(), handles) << "a file is still open";
         return m_kind.writeError(io);
     }
 
-    /// Gives the older file to another group, if the process may do so.
+    /// Gives the old file to another group, if the process may.
     void MakeOld() {
         WriteAll(m_path, kOld);
         std::filesystem::permissions(m_path, std::filesystem::perms(0664));
@@ -107,21 +107,21 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
 
     void ExpectReplacedOrOld(bool isNew) {
         const auto files = FilesIn(m_folder.Path(""));
-        EXPECT_EQ(files.size(), 1U) << "nothing is left beside it";
+        EXPECT_EQ(files.size(), 1U) << "a temporary file is left";
         EXPECT_EQ(files.at(m_kind.file) == m_whole.at(m_kind.file), isNew);
         EXPECT_EQ(files.at(m_kind.file) == kOld, !isNew);
     }
 
-    /// Checks that an incomplete workbook is named, and isn't there unless its folder refused a second file.
+    /// Checks that an incomplete workbook is named, and only exists if its folder refused a second file.
     void ExpectNamed(const std::string& error) {
         const auto files = FilesIn(m_folder.Path(""));
         for (const auto& [name, bytes] : m_whole) {
             const bool isWhole = files.contains(name) && files.at(name) == bytes;
             EXPECT_TRUE(isWhole || error.find(name) != std::string::npos) << name << " isn't named: " << error;
             const bool isOld = !files.contains(name) || files.at(name) == kOld;
-            EXPECT_TRUE(isWhole || isOld || error.find("Permission") != std::string::npos) << name << " is half";
+            EXPECT_TRUE(isWhole || isOld || error.find("Permission") != std::string::npos) << name << " is incomplete";
         }
-        EXPECT_LE(files.size(), m_whole.size()) << "nothing is left beside them";
+        EXPECT_LE(files.size(), m_whole.size()) << "a temporary file is left";
     }
 
     static constexpr const char* kOld = "what was there before";
@@ -137,7 +137,7 @@ class SystemCallFaultsTest : public testing::TestWithParam<CKind> {
     bool m_isForeign = false;
 };
 
-TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
+TEST_P(SystemCallFaultsTest, OneFailedCallIsReportedAndLosesOnlyWhatIsReported) {
     ASSERT_GE(m_calls, 5);
     for (const int error : {ENOSPC, EIO, EACCES, EINTR}) {
         for (int at = 1; at <= m_calls + 2; ++at) {  // replacing an older file takes more calls than a new file
@@ -158,7 +158,7 @@ TEST_P(SystemCallFaultsTest, OneRefusedCallIsToldAndCostsNoMoreThanIsTold) {
     }
 }
 
-TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneOrInterruptedGoOn) {
+TEST_P(SystemCallFaultsTest, PartialAndInterruptedTransfersContinue) {
     for (int at = 1; at <= m_calls; ++at) {
         SCOPED_TRACE(at);
         for (const CFault& fault : {kHalf, kInterrupted}) {
@@ -168,13 +168,13 @@ TEST_P(SystemCallFaultsTest, TransfersThatAreHalfDoneOrInterruptedGoOn) {
     }
 }
 
-// A folder that refuses a second file isn't a write error, as long as the old file can be overwritten.
-TEST_P(SystemCallFaultsTest, WhatTheFolderRefusesIsWrittenInPlace) {
+// It isn't an error if a folder refuses a second file and the old file can be overwritten.
+TEST_P(SystemCallFaultsTest, FilesAreWrittenInPlaceIfTheFolderRefusesASecondOne) {
     if (!m_kind.isReplaced) return;
     for (const int error : {EACCES, EPERM, EROFS, EBUSY, EXDEV}) {
         EXPECT_EQ(Play(1, {.error = error, .calls = "rename"}), "");
         ExpectReplacedOrOld(true);
-        EXPECT_EQ(Play(2, {.error = error, .calls = "open"}), "") << "the first is that of the old file";
+        EXPECT_EQ(Play(2, {.error = error, .calls = "open"}), "") << "the first call opens the old file";
         ExpectReplacedOrOld(true);
     }
     EXPECT_EQ(Play(2, {.error = ENOSPC, .calls = "open"}), "No space left on device, opening " + m_path);
@@ -183,10 +183,10 @@ TEST_P(SystemCallFaultsTest, WhatTheFolderRefusesIsWrittenInPlace) {
     ExpectReplacedOrOld(false);
     EXPECT_EQ(Play(1, {.error = EXDEV, .goesOn = true, .calls = "rename pread"}),
               "Input/output error, replacing " + m_path)
-        << "it can't be read to be copied over the old one";
+        << "the new file can't be read for copying it over the old one";
 }
 
-TEST_P(SystemCallFaultsTest, AGroupThatMayNotBeGivenAwayGivesNoRights) {
+TEST_P(SystemCallFaultsTest, AGroupThatCannotBeKeptGetsNoRights) {
     if (!m_kind.isReplaced) return;
     EXPECT_EQ(Play(1, {.error = EPERM, .goesOn = true, .calls = "fchown"}), "");
     const auto rights = static_cast<unsigned>(std::filesystem::status(m_path).permissions());
@@ -235,13 +235,13 @@ TEST_P(SystemCallFaultsTest, AKilledProcessLeavesWhatWasWhole) {
             const bool isSound = IsInOrder(content);
             EXPECT_TRUE(isSound || content.starts_with("Opened file")) << content;
             const auto size = isSound ? static_cast<std::size_t>(std::count(content.begin(), content.end(), ' ')) : 0;
-            EXPECT_TRUE(size % 3 == 0 && size >= most) << "finished recordings are whole, and stay";
+            EXPECT_TRUE(size % 3 == 0 && size >= most) << "finished recordings are lost or incomplete";
             most = size;
         }
     }
 }
 
-TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
+TEST_P(SystemCallFaultsTest, FaultsWhileReadingAreHandled) {
     if (m_kind.read == nullptr) return;  // there is no reader
     Play(0, kNone);
     BeginCalls(0, kNone);
@@ -264,7 +264,7 @@ TEST_P(SystemCallFaultsTest, ReadingMeetsFaultsWithoutHarm) {
             EXPECT_EQ(Read(), whole);
             EndCalls();
         }
-        EXPECT_EQ(Read(), whole) << "the next one knows nothing of it";
+        EXPECT_EQ(Read(), whole) << "a later reader is unaffected";
     }
 }
 
@@ -274,8 +274,8 @@ INSTANTIATE_TEST_SUITE_P(Kinds, SystemCallFaultsTest, testing::ValuesIn(AllKinds
 INSTANTIATE_TEST_SUITE_P(Flushed, SystemCallFaultsTest, testing::Values(FlushedRaw()),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
-// A disk that refuses one place but accepts another: an older text of a list must not be written after a newer one.
-TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
+// The disk refuses one write but accepts another. An older text of a list must not be written after a newer one.
+TEST(RefusedRewritesTest, ARefusedOlderTextDoesNotOverwriteANewerOne) {
     const CTempFolder folder;
     const std::string path = folder.Path("lists.vxd");
     CVXFileIO io;
@@ -298,7 +298,7 @@ TEST(RefusedRewritesTest, TheNewestTextStaysWhereAnOlderOneWasRefused) {
     EXPECT_EQ(header.PostQC, std::vector<std::int64_t>{3});
 }
 
-TEST(RefusedReadsTest, ADocumentThatTheSystemRefusesToReadIsNotCalledEmpty) {
+TEST(RefusedReadsTest, AnUnreadableDocumentIsNotReportedAsEmpty) {
     const CTempFolder folder;
     const std::string path = folder.Path("results.vxr");
     CVXFileIO io;
@@ -311,7 +311,7 @@ TEST(RefusedReadsTest, ADocumentThatTheSystemRefusesToReadIsNotCalledEmpty) {
 
 class FlushToDiskTest : public testing::Test {
  protected:
-    /// Writes a header, which must be accepted, and flushes with a fault at one call of these names.
+    /// Writes a header, which must be accepted, and flushes with a fault at the first of the named calls.
     bool Flush(const CFault& fault) {
         m_writer.Open(m_path);
         m_writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
@@ -332,10 +332,10 @@ TEST_F(FlushToDiskTest, NeedsAnOpenFile) {
     EXPECT_TRUE(Flush(kNone));
     m_writer.Close();
     EXPECT_FALSE(m_writer.FlushToDisk());
-    EXPECT_EQ(m_writer.GetWriteError(), "") << "that of the closed file";
+    EXPECT_EQ(m_writer.GetWriteError(), "") << "the error of the closed file";
 }
 
-TEST_F(FlushToDiskTest, ARefusalIsReportedAndIsFinalForWhatMayBeDropped) {
+TEST_F(FlushToDiskTest, ARefusalIsReportedAndFinalIfDataMayBeLost) {
     EXPECT_FALSE(Flush({.error = EIO, .calls = "fdatasync"}));
     EXPECT_EQ(m_writer.GetWriteError(), "Input/output error, flushing " + m_path);
     EXPECT_FALSE(m_writer.FlushToDisk());
@@ -345,10 +345,10 @@ TEST_F(FlushToDiskTest, ARefusalIsReportedAndIsFinalForWhatMayBeDropped) {
     for (const int noDisk : {EINVAL, ENOTSUP, ENOSYS})
         EXPECT_TRUE(Flush({.error = noDisk, .goesOn = true, .calls = "fdatasync fsync"}));
     EXPECT_EQ(m_writer.GetWriteError(), "");
-    EXPECT_FALSE(Flush({.error = EROFS, .goesOn = true, .calls = "fdatasync fsync"})) << "the disk failed meanwhile";
+    EXPECT_FALSE(Flush({.error = EROFS, .goesOn = true, .calls = "fdatasync fsync"})) << "the disk failed";
 }
 
-// The folder is that of `Open`, whatever becomes of the current folder and of the file's name.
+// The folder is the one at `Open`, even if the current folder or the file's name changes.
 TEST_F(FlushToDiskTest, FlushesTheFolderWhereTheFileWasCreated) {
     const auto current = std::filesystem::current_path();
     std::filesystem::create_directory(m_folder.Path("elsewhere"));
@@ -369,7 +369,7 @@ TEST_F(FlushToDiskTest, FlushesTheFolderWhereTheFileWasCreated) {
     std::filesystem::current_path(current);
 }
 
-TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndMissesWhatIsMissing) {
+TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndFailsIfASegmentIsMissing) {
     EXPECT_TRUE(Flush(kNone));
     const std::uint16_t sample = 1;
     BeginCalls(1, {.error = ENOSPC, .goesOn = true, .calls = "pwritev"});
@@ -385,7 +385,7 @@ TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndMissesWhatIsMissing) {
     EXPECT_NE(m_writer.GetWriteError().find("; segments missing: 1"), std::string::npos);
 }
 
-TEST_F(FlushToDiskTest, MissesARecordingThatWasDropped) {
+TEST_F(FlushToDiskTest, FailsIfARecordingWasDropped) {
     EXPECT_TRUE(Flush(kNone));
     BeginCalls(1, {.error = EFBIG, .calls = "pwritev"});
     m_writer.WriteRecordingHdr({.TaskName = "First"});
@@ -396,7 +396,7 @@ TEST_F(FlushToDiskTest, MissesARecordingThatWasDropped) {
     EXPECT_TRUE(Flush(kNone)) << "another file";
 }
 
-// Flushing costs whoever asks for it, and the name of a file is flushed once.
+// Flushing takes time only on request, and the file's name is flushed only once.
 TEST_F(FlushToDiskTest, OnlyACallerThatFlushesWaitsForTheDisk) {
     const auto flushes = [&](int calls) {
         BeginCalls(0, {.calls = "fdatasync fsync"});
@@ -412,8 +412,8 @@ TEST_F(FlushToDiskTest, OnlyACallerThatFlushesWaitsForTheDisk) {
     EXPECT_EQ(flushes(2), 4);
 }
 
-// A file written in place holds the beginning of the document, without gaps.
-TEST(RefusedPieceTest, NothingIsWrittenBehindIt) {
+// A file written in place contains the beginning of the document, without gaps.
+TEST(RefusedPieceTest, NothingIsWrittenAfterIt) {
     const CTempFolder folder;
     const std::string path = folder.Path("pieces.xml");
     gd_xml_stream::CFileBuffer file;
@@ -428,8 +428,8 @@ TEST(RefusedPieceTest, NothingIsWrittenBehindIt) {
     EXPECT_EQ(BytesOf(path), std::string(100'000, 'a'));
 }
 
-// While a writer overwrites cells, a reader may see any beginning of the new ones, but only for a moment.
-TEST(RewrittenHdrTest, PositionsThatAreJustRewrittenAreReadAgain) {
+// While a writer overwrites cells, a reader may see the first part of the new ones, but only for a moment.
+TEST(RewrittenHdrTest, PositionsBeingRewrittenAreReadAgain) {
     constexpr std::size_t kCells = 1190 + 150;
     constexpr std::size_t kCellsSize = 150;
     const CTempFolder folder;
@@ -450,7 +450,8 @@ TEST(RewrittenHdrTest, PositionsThatAreJustRewrittenAreReadAgain) {
     for (std::size_t done = 0; done <= kCellsSize; ++done) {
         WriteAll(path, before.substr(0, kCells) + whole.substr(kCells, done) + before.substr(kCells + done));
         CVXFileIO io;
-        BeginCalls(3, "pread", [&] { WriteAll(path, whole); });  // the file header is the first, this one the second
+        // The first call reads the file header, the second the recording header.
+        BeginCalls(3, "pread", [&] { WriteAll(path, whole); });
         const std::string content = raw.read(io, path);
         EndCalls();
         EXPECT_TRUE(content.empty() || content == "0 1 2 " || content == "0 1 2 3 4 5 ") << done << ": " << content;
@@ -484,8 +485,8 @@ std::string SegmentsIn(const std::string& path) {
     return content;
 }
 
-// Whenever the disk is full and later has room again, exactly the accepted segments can be read in the end.
-TEST(MoodyDiskTest, WhatWasTakenIsThereAndWhatIsMissingIsCounted) {
+// Whenever the disk is full and later has room again, exactly the accepted segments are readable in the end.
+TEST(MoodyDiskTest, AcceptedSegmentsAreReadableAndMissingOnesCounted) {
     const CTempFolder folder;
     const std::string path = folder.Path("moody.vxd");
     std::mt19937 random(1);

@@ -32,13 +32,13 @@ int EndCalls();
 /// A call that changed a file or a folder, or flushed one to the disk.
 struct CRecordedCall {
     std::string_view name;
-    int handle = -1;          ///< Of an open file; "open" returned it.
+    int handle = -1;          ///< The handle of an open file, which "open" returned.
     std::string path = {};    ///< "open", "rename", "link", "unlink"
     std::string to = {};      ///< "rename", "link": the new name
     bool isNew = false;       ///< "open" created the file, or emptied it.
     std::int64_t offset = 0;  ///< "pwritev"; the size of "ftruncate"
-    std::string bytes = {};   ///< "pwritev": those that the system took
+    std::string bytes = {};   ///< "pwritev": the bytes that the system accepted
 };
 
-/// Appends each successful call to `calls` from now on; null ends it.
+/// Appends each successful call to `calls` from now on. Null stops this.
 void RecordCalls(std::vector<CRecordedCall>* calls);
