@@ -29,7 +29,7 @@ struct CPlanned {
     std::int64_t from = 0;
     std::vector<std::uint16_t> samples = {};
     std::int64_t interval = 100;
-    std::string size = {};  ///< What the header says instead of the number of samples.
+    std::string size = {};  ///< The size in the header, if it isn't the number of samples.
 };
 
 std::vector<std::uint16_t> Ascending(std::uint16_t first, std::size_t count) {
@@ -39,7 +39,7 @@ std::vector<std::uint16_t> Ascending(std::uint16_t first, std::size_t count) {
     return samples;
 }
 
-/// Returns a chain of segments for offset `at`. The last one points nowhere.
+/// Returns a chain of segments for offset `at`. The last one has no next segment.
 std::string SegmentBytes(const std::vector<CPlanned>& segments, std::int64_t at = kFirstSegment) {
     std::string bytes;
     for (std::size_t i = 0; i < segments.size(); ++i) {
@@ -53,7 +53,7 @@ std::string SegmentBytes(const std::vector<CPlanned>& segments, std::int64_t at 
     return bytes;
 }
 
-/// One line for each well: its runs, as first time/interval x samples @ offset.
+/// Returns one line for each well: its runs, as first time/interval x samples @ offset.
 std::string RunsOf(const CSampleSelection& selection) {
     std::string line;
     for (const CWellSamples& well : selection.GetWells()) {
@@ -84,7 +84,7 @@ class BulkAccessTest : public testing::Test {
         return CRawDataFile(m_path).ReadIndex(0, options);
     }
     void Write(const std::string& recordings) {
-        std::filesystem::remove(m_path);  // emptying a file takes some systems milliseconds
+        std::filesystem::remove(m_path);  // truncating a file takes milliseconds on some systems
         WriteAll(m_path, FileHdrBytes(1190) + recordings);
     }
 
@@ -156,8 +156,8 @@ TEST_F(BulkAccessTest, RangesSelectSamplesByTheirTimes) {
     }
 }
 
-// Of all sizes: small ones are read through a block, large ones straight into place, and some are near the limits.
-TEST_F(BulkAccessTest, EverySampleGetsToItsPlace) {
+// All sizes: small segments are read through a block, large ones directly, and some are near the limits.
+TEST_F(BulkAccessTest, EverySampleIsReadIntoItsPlace) {
     std::vector<CPlanned> segments;
     std::vector<std::uint16_t> expected[2];
     std::uint16_t next = 0;
@@ -185,7 +185,7 @@ TEST_F(BulkAccessTest, EverySampleGetsToItsPlace) {
     EXPECT_EQ(values.back(), 0.5);  // after the samples
 }
 
-TEST_F(BulkAccessTest, WellsComeInTheOrderOfTheRequest) {
+TEST_F(BulkAccessTest, WellsAreInTheRequestedOrder) {
     const CRecordingIndex index = IndexOf({{11, 0, {1, 2}}, {12, 0, {3}}, {13, 0, {4}}});
     const CSampleSelection selection = index.Select({.WellIDs = {12, 99, 11, 12, 99}});
     EXPECT_EQ(RunsOf(selection), "12: 0/100x1@0;99:;11: 0/100x2@0;");
@@ -257,8 +257,8 @@ TEST_F(BulkAccessTest, SegmentsBeforeDamageAreKeptOnRequest) {
     EXPECT_EQ(SamplesOf(index.Select()), (std::vector<std::uint16_t>{1, 2, 3}));
 }
 
-// 2,000,000,000 samples would be 4 GB. Other wells, and other times of this one, can be read.
-TEST_F(BulkAccessTest, SizesBeyondTheFileCostNothing) {
+// 2,000,000,000 samples would be 4 GB. Other wells, and other times of this well, are readable.
+TEST_F(BulkAccessTest, SizesBeyondTheFileAllocateNothing) {
     const CRecordingIndex index = IndexOf({{11, 0, {1}}, {11, 100, {2}, 100, "2000000000"}, {12, 0, {3}}});
     const std::size_t before = AllocatedBytes();
     EXPECT_EQ(TextOfFailure([&] { index.Select(); }), kBadSegment);
@@ -268,7 +268,7 @@ TEST_F(BulkAccessTest, SizesBeyondTheFileCostNothing) {
     EXPECT_EQ(SamplesOf(index.Select({.WellIDs = {12}})), (std::vector<std::uint16_t>{3}));
 }
 
-// Each segment alone claims no more than a cut file may lack.
+// Each segment alone claims only as many samples as a cut file may lack.
 TEST_F(BulkAccessTest, SegmentsThatClaimTheSameBytesAreRefusedTogether) {
     const CRecordingIndex index = IndexOf({{11, 0, {1}, 100, "8000000"}, {12, 0, {2}, 100, "8000000"}});
     EXPECT_EQ(index.Select({.WellIDs = {11}}).GetSamples(), 8000000U);
@@ -281,7 +281,7 @@ TEST_F(BulkAccessTest, IndexTakesLessMemoryThanTheSegmentsInTheFile) {
     const CRawDataFile file(m_path);
     const std::size_t before = AllocatedBytes();
     const CRecordingIndex index = file.ReadIndex(0);
-    EXPECT_LT(AllocatedBytes() - before, 5000U * 34 + 33000 + 4096);  // and a block of 32 KiB for reading headers
+    EXPECT_LT(AllocatedBytes() - before, 5000U * 34 + 33000 + 4096);  // includes a block of 32 KiB for reading headers
 }
 
 TEST(BulkAccessReferenceTest, AllReferenceFilesReadAsWithTheReader) {
@@ -294,7 +294,8 @@ TEST(BulkAccessReferenceTest, AllReferenceFilesReadAsWithTheReader) {
     EXPECT_GE(files, 15);
 }
 
-// Cells get values from small sets, so that chains lead back, across and out of the file, and sizes and times clash.
+// Damages cells with values from small sets, so that chains point back, across and out of the file, and sizes and times
+// contradict each other.
 TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
     std::mt19937 random(1);
     const auto any = [&](std::size_t count) { return static_cast<std::size_t>(random() % count); };
@@ -329,7 +330,7 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
 
 // ---- Unfinished recordings ------------------------------------------------------------------------------------------
 
-TEST_F(BulkAccessTest, ReadingIsCheckedEvery16MiBAndEndsIfTheCheckThrows) {
+TEST_F(BulkAccessTest, ReadCallsTheCheckEvery16MiBAndStopsIfItThrows) {
     const std::size_t step = std::size_t{8} << 20;  // samples
     const CRecordingIndex index = IndexOf({{12, 0, {7}}, {11, 0, std::vector<std::uint16_t>(step, 3)}, {12, 100, {8}}});
     std::vector<std::uint16_t> samples(step + 2, 1);
@@ -346,7 +347,7 @@ TEST_F(BulkAccessTest, ReadingIsCheckedEvery16MiBAndEndsIfTheCheckThrows) {
     EXPECT_THROW(index.Select().Read(buffers, [] { throw 1; }), int);
 }
 
-TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadAsFarAsWholeSegmentsGo) {
+TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadUpToTheLastWholeSegment) {
     const std::string three = SegmentBytes({{11, 0, {1, 2}}, {12, 0, {3, 4}}, {11, 200, {5, 6}}});
     const std::string unpointed = SegmentBytes({{11, 0, {1, 2}}}) + SegmentBytes({{12, 0, {3, 4}}}, 3954);
     const auto patched = [&](std::size_t at, const std::string& text) {
@@ -365,12 +366,12 @@ TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadAsFarAsWholeSegmentsGo) {
         {"the second one cut", three.substr(0, 607), 1, 2},
         {"a header cut", three.substr(0, 700), 2, 4},
         {"the first one alone", unpointed.substr(0, 304), 1, 0},
-        {"one that nothing points to", unpointed, 2, 2},
-        {"one that nothing points to, cut", unpointed.substr(0, 607), 1, 0},
-        {"a size that doesn't go with the times where nothing points",
+        {"one that no position points at", unpointed, 2, 2},
+        {"one that no position points at, cut", unpointed.substr(0, 607), 1, 0},
+        {"a size that doesn't fit the times, and no position that points at it",
          SegmentBytes({{11, 0, {1, 2}}}) + SegmentHdrBytes(12, -1, 0, 0, "2") + SampleBytes({3, 4}), 1, 0},
-        {"a position into nowhere", patched(404, "FPosNextSegmentHdr=99999"), 2, 4},
-        {"a position that leads back", patched(404, "FPosNextSegmentHdr=3650"), 2, 4},
+        {"a position outside the file", patched(404, "FPosNextSegmentHdr=99999"), 2, 4},
+        {"a position that points back", patched(404, "FPosNextSegmentHdr=3650"), 2, 4},
         {"a position below 0", patched(404, "FPosNextSegmentHdr=-7"), 2, 4},
     };
     for (const auto& c : cases) {
@@ -394,7 +395,7 @@ TEST_F(BulkAccessTest, UnfinishedRecordingAfterOthersIsFoundByItsHeader) {
     EXPECT_EQ(SamplesOf(index.Select()), (std::vector<std::uint16_t>{3, 4}));
 }
 
-TEST_F(BulkAccessTest, IndexGrowsWithTheFileWhileItsWriterWrites) {
+TEST_F(BulkAccessTest, IndexGrowsWithAFileThatIsBeingWritten) {
     CIRawDataWriter writer;
     writer.Open(m_path);
     writer.WriteFileHdr(ExampleFileHdr());

@@ -13,7 +13,7 @@
 /// @file
 /// Bulk access compared with `CIRawDataReader`, which reads the same file one segment at a time.
 
-/// A sample and its time, which may be beyond 64 bits in a damaged file.
+/// A sample and its time, which may exceed 64 bits in a damaged file.
 struct CTimedSample {
     __extension__ __int128 time = 0;
     std::uint16_t sample = 0;
@@ -22,7 +22,7 @@ struct CTimedSample {
 };
 using CTimedWells = std::map<std::int32_t, std::vector<CTimedSample>>;
 
-/// Returns all samples of a selection with their times, as its runs place them. A gap between runs is a fault.
+/// Returns all samples of a selection with their times, as its runs place them. Runs must not have gaps between them.
 inline CTimedWells TimedSamplesOf(const CSampleSelection& selection) {
     std::vector<std::vector<std::uint16_t>> buffers;
     for (const CWellSamples& well : selection.GetWells())
@@ -44,7 +44,7 @@ inline CTimedWells TimedSamplesOf(const CSampleSelection& selection) {
     return wells;
 }
 
-/// Compares one file. Every function returns what differs, or an empty text.
+/// Compares one file. Every function returns a difference, or an empty text.
 class CReaderTwin {
  public:
     explicit CReaderTwin(std::string path) : m_path(std::move(path)) {}
@@ -67,7 +67,7 @@ class CReaderTwin {
     }
 
  private:
-    /// A walk stops after this many samples, since segments that claim many beyond the end would only take time.
+    /// Stops after this many samples: segments that claim many beyond the end would only take time.
     static constexpr std::size_t kMostSamples = 1 << 20;
 
     template <class Operation>
@@ -98,7 +98,7 @@ class CReaderTwin {
         return m_isRefused ? std::string() : DifferenceInSamples(index);
     }
 
-    /// The segments of an unfinished recording are in the file, one after the other.
+    /// Compares an unfinished recording, whose segments are one after the other in the file.
     static std::string DifferenceInWhole(const CRecordingIndex& index) {
         std::uint64_t samples = 0;
         std::int64_t end = 0;
@@ -162,7 +162,7 @@ class CReaderTwin {
         return interval > 1 ? static_cast<std::int64_t>(interval) : 1;
     }
 
-    /// Reads all wells, then each of the first few alone, also in a part of its time.
+    /// Reads all wells, then each of the first few alone, also within a part of its time.
     std::string DifferenceInSamples(const CRecordingIndex& index) {
         if (TimedSamplesOf(index.Select()) != m_expected) return "the samples of all wells";
         int few = 4;

@@ -9,7 +9,7 @@ using vxfileio::base::WordOf;
 
 namespace {
 
-/// Holds the words against their table in the order of their numbers, both ways, and the fallbacks on both sides.
+/// Compares the words with their table in both directions, and the fallbacks below and above it.
 template <class Enumeration>
 void ExpectWords(const std::vector<std::string>& words, const std::string& unknownNumber, int unknownWord) {
     for (std::size_t number = 0; number < words.size(); ++number) {
@@ -24,7 +24,7 @@ void ExpectWords(const std::vector<std::string>& words, const std::string& unkno
     }
 }
 
-TEST(EnumerationsTest, EveryWordHasItsNumberAndEveryStrangerTheFallback) {
+TEST(EnumerationsTest, EveryWordHasItsNumberAndUnknownOnesTheFallback) {
     ExpectWords<enTask>({"Notebook", "Compounds", "Viability", "CompoundTest", "Dilute", "Washout", "Washin", "Pipet",
                          "Series", "Analyze", "PreQC", "PostQC", "Reportsheet", "Inspect", "Nil"},
                         "", 14);

@@ -8,7 +8,7 @@ using vxfileio::base::CVXExceptions;
 
 namespace {
 
-TEST(ExceptionsTest, ReaderFailureCarriesCodeAndItsOwnText) {
+TEST(ExceptionsTest, ReaderExceptionHasACodeAndItsOwnText) {
     EXPECT_EQ(CExcVXReader("text").GetCode(), -1);
     CExcVXReader failure(7, "first");
     const CExcVXReader copy = failure;

@@ -21,10 +21,10 @@ TEST(FacadesTest, EachAccessorAlwaysReturnsItsOwnFacade) {
     const auto first = all();
     EXPECT_EQ(all(), first);
     EXPECT_EQ(std::set<const void*>(first.begin(), first.end()).size(), 7U);
-    EXPECT_TRUE(std::is_sorted(first.begin(), first.end(), std::less<>())) << "the facades lie in their order";
+    EXPECT_TRUE(std::is_sorted(first.begin(), first.end(), std::less<>())) << "the facades are members in this order";
 }
 
-TEST(FacadesTest, FailureOfTheWriterArrivesUnchanged) {
+TEST(FacadesTest, ExceptionsOfTheWriterArriveUnchanged) {
     CVXFileIO io;
     try {
         io.GetRawDateWriter()->Open("no such folder/run.vxd");

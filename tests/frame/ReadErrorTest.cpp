@@ -6,13 +6,13 @@
 
 namespace {
 
-/// What the readers say about documents.
+/// The errors that readers report about documents.
 class ReadErrorTest : public testing::Test {
  protected:
     std::string Settings(const std::string& document) { return ErrorOf(*m_io.GetSettingsReader(), document); }
     std::string Results(const std::string& document) { return ErrorOf(*m_io.GetResultsReader(), document); }
 
-    /// Reads a document in which the first `old` is replaced.
+    /// Reads a document with the first `old` replaced.
     std::string SettingsWith(const std::string& old, const std::string& text) {
         return Settings(Replaced(m_settings, old, text));
     }
@@ -40,14 +40,14 @@ class ReadErrorTest : public testing::Test {
     CVXFileIO m_io;
 };
 
-TEST_F(ReadErrorTest, ValidDocumentsOfEachFormHaveNone) {
+TEST_F(ReadErrorTest, ValidDocumentsOfEachFormHaveNoError) {
     for (const char* const form : {"settings", "settings_indented", "settings_sections", "settings_shuffled"})
         EXPECT_EQ(Settings(ReadAll(ReferencePath("xml/" + std::string(form) + ".vxs"))), "") << form;
     for (const char* const form : {"results", "results_indented", "results_sections", "results_shuffled"})
         EXPECT_EQ(Results(ReadAll(ReferencePath("xml/" + std::string(form) + ".vxr"))), "") << form;
 }
 
-TEST_F(ReadErrorTest, AnotherKindOfFileIsNamed) {
+TEST_F(ReadErrorTest, OtherKindsOfFilesAreNamed) {
     EXPECT_EQ(Settings(""), "This is an empty file, not a settings file.");
     EXPECT_EQ(Settings(ReadAll(ReferencePath("small_example.vxd"))), "This is a raw data file, not a settings file.");
     EXPECT_EQ(Results(ReadAll(ReferencePath("workbooks/small.xls"))), "This is a workbook, not a results file.");
@@ -60,7 +60,7 @@ TEST_F(ReadErrorTest, AnotherKindOfFileIsNamed) {
               "The document has no <Header> ahead of <Settings>, so nothing was read.");
 }
 
-TEST_F(ReadErrorTest, APrefixOfADocumentSaysThatItIsNone) {
+TEST_F(ReadErrorTest, EveryTruncationIsReported) {
     for (std::size_t size = 0; size < m_settings.size(); size += 7)
         ASSERT_NE(Settings(m_settings.substr(0, size)), "") << size;
     for (std::size_t size = 0; size < m_results.size(); ++size)
@@ -71,7 +71,7 @@ TEST_F(ReadErrorTest, APrefixOfADocumentSaysThatItIsNone) {
                   ", inside Vexaprobe/Results[0]/Task/Recordings[0]/Recording/Dose.");
 }
 
-TEST_F(ReadErrorTest, ValuesThatAreNoneAreNamedWithPathOffsetAndNumber) {
+TEST_F(ReadErrorTest, InvalidValuesAreReportedWithPathOffsetAndCount) {
     const std::size_t interval = m_settings.find("<Tick>") + 6;
     EXPECT_EQ(SettingsWith("<Tick>", "<Tick>3x"), "Vexaprobe/Settings/PropertyRecording/Tick (offset " +
                                                       std::to_string(interval) +
@@ -92,7 +92,7 @@ TEST_F(ReadErrorTest, ValuesThatAreNoneAreNamedWithPathOffsetAndNumber) {
     EXPECT_NE(Settings(twice).find("There are 2 more of this kind."), std::string::npos) << Settings(twice);
 }
 
-TEST_F(ReadErrorTest, ListsThatAreNotAsLongAsTheirSizeAreNamed) {
+TEST_F(ReadErrorTest, ListsOfAnotherLengthThanTheirSizeAreReported) {
     const std::string document =
         "<Vexaprobe><Header><FileName/></Header><Results><Task><Recordings Size=\"1\">"
         "<Recording><Wells Size=\"1\"><Well><WellID>7</WellID>"
@@ -112,7 +112,7 @@ TEST_F(ReadErrorTest, ListsThatAreNotAsLongAsTheirSizeAreNamed) {
               std::string::npos);
 }
 
-TEST_F(ReadErrorTest, AnEndTagOfAnotherNameIsNamed) {
+TEST_F(ReadErrorTest, AWrongEndTagIsReported) {
     const std::size_t at = m_results.find("</CompoundName>");
     EXPECT_EQ(ResultsWith("</CompoundName>", "</CompoundNane>"),
               "Vexaprobe/Header/CompoundName (offset " + std::to_string(at) +
@@ -137,20 +137,20 @@ TEST_F(ReadErrorTest, SectionsAfterOneWithoutContentAreRead) {
     }
 }
 
-TEST_F(ReadErrorTest, AHeaderAfterTheSectionIsNamed) {
+TEST_F(ReadErrorTest, AHeaderAfterTheSectionIsReported) {
     const std::size_t begin = m_settings.find("<Header>");
     const std::string header = m_settings.substr(begin, m_settings.find("<Settings>") - begin);
     EXPECT_EQ(Settings(Replaced(Replaced(m_settings, header, ""), "</Settings>", "</Settings>" + header)),
               "The document has no <Header> ahead of <Settings>, so nothing was read.");
 }
 
-TEST_F(ReadErrorTest, WhatFollowsTheRootIsNamed) {
+TEST_F(ReadErrorTest, ContentAfterTheRootIsReported) {
     EXPECT_EQ(Settings(m_settings + "\n<!-- > --> <?end?>\n"), "");
     for (const std::string& more : {std::string("x"), m_settings})
         EXPECT_EQ(Settings(m_settings + more).find("What follows the root, from offset "), 0U) << more.substr(0, 1);
 }
 
-TEST_F(ReadErrorTest, WhatChangesAValueSilentlyIsNamed) {
+TEST_F(ReadErrorTest, SilentChangesOfValuesAreReported) {
     const auto named = [](const std::string& error, const std::string& part) {
         EXPECT_NE(error.find(part), std::string::npos) << error;
     };
@@ -171,7 +171,7 @@ TEST_F(ReadErrorTest, WhatChangesAValueSilentlyIsNamed) {
     named(SettingsWith("<Series Size=\"", "<Series Size=\"400000000"), "its Size is 400000000");
 }
 
-TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsNamed) {
+TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsReported) {
     const auto cut = [&](const std::string& path, const std::string& tag, const std::string& value) {
         return "Vexaprobe/" + path + tag + " (offset " +
                std::to_string(m_results.find('<' + tag + '>') + tag.size() + 2) +
@@ -187,7 +187,7 @@ TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsNamed) {
         EXPECT_EQ(ResultsWith(name, name + between), "") << between;
 }
 
-TEST_F(ReadErrorTest, AnElementThatHasNoContentOrNoKeyIsNamed) {
+TEST_F(ReadErrorTest, AnElementWithoutContentOrKeyIsReported) {
     EXPECT_NE(Results("<Vexaprobe><Header/><Results><Task><X/></Task></Results></Vexaprobe>")
                   .find("Vexaprobe/Header (offset 11): the element has no content."),
               0U)
@@ -201,14 +201,14 @@ TEST_F(ReadErrorTest, AnElementThatHasNoContentOrNoKeyIsNamed) {
     EXPECT_NE(ResultsWith("<WellID>", "<ID>3</ID><WellID>").find("found <ID> instead of <WellID>"), std::string::npos);
 }
 
-TEST_F(ReadErrorTest, EachFileIsJudgedAnew) {
+TEST_F(ReadErrorTest, EachFileHasItsOwnError) {
     EXPECT_NE(Settings(""), "");
     EXPECT_EQ(Settings(m_settings), "");
     EXPECT_THROW(m_io.GetSettingsReader()->ReadFile(m_folder.Path("absent")), CExcVXReader);
     EXPECT_EQ(m_io.GetSettingsReader()->GetReadError(), "Could not open settings file: " + m_folder.Path("absent"));
 }
 
-TEST_F(ReadErrorTest, ADoseWithoutTextIsNamedByItsPlace) {
+TEST_F(ReadErrorTest, ADoseWithoutTextIsReportedWithItsPath) {
     const std::string document =
         "<Vexaprobe><Header><FileVersion>2</FileVersion></Header><Settings><PropertyRecordPlate><Series Size=\"2\">"
         "<Dose>1</Dose><Dose>1000000000000</Dose></Series></PropertyRecordPlate></Settings></Vexaprobe>";

@@ -15,7 +15,7 @@ namespace {
 
 using namespace vxfileio::helpers;
 
-/// Bytes that differ from one another and from all defaults.
+/// Returns bytes that differ from each other and from all defaults.
 std::string Pattern(std::size_t size) {
     std::string bytes;
     for (std::size_t i = 0; i < size; ++i)
@@ -23,7 +23,7 @@ std::string Pattern(std::size_t size) {
     return bytes;
 }
 
-/// Loads an object from bytes of their own, so that a sanitizer notices a byte that is read after the end.
+/// Loads an object from a separate allocation, so that a sanitizer notices reads after the end.
 template <class Object>
 bool Load(const std::string& bytes, Object& object) {
     const std::vector<char> own(bytes.begin(), bytes.end());
@@ -40,8 +40,8 @@ std::string Store(const auto& object) {
     return bytes;
 }
 
-/// Expects that every byte of an object of fixed size is loaded, apart from reserved ones, which are stored as 0, and
-/// that a shorter or longer one is refused.
+/// Expects that every byte of a fixed-size object is loaded, except reserved ones, which are stored as 0. Expects that
+/// shorter and longer bodies are refused.
 template <class Object>
 void ExpectEveryByte(std::size_t size, const std::vector<std::size_t>& reserved = {}) {
     const std::string bytes = Pattern(size);
@@ -77,16 +77,16 @@ TEST(FieldVisitorsTest, EveryByteOfAFixedObjectIsLoadedAndEveryPrefixRefused) {
     ExpectEveryByte<vxfileio::compound::DirectoryEntry>(128);
 }
 
-TEST(FieldVisitorsTest, AFieldThatIsNotWholeKeepsItsValueAndSoDoAllAfterIt) {
+TEST(FieldVisitorsTest, AnIncompleteFieldAndAllAfterItKeepTheirValues) {
     YExcel::BoolErr cell{.row = 7, .column = 7, .xf = 7, .value = 7, .isError = 7};
     EXPECT_FALSE(Load(std::string("\x01\x02\x03", 3), cell));
     EXPECT_EQ(cell.row, 0x0201);
     EXPECT_EQ(cell.column, 7);
     EXPECT_EQ(cell.xf, 7);
-    EXPECT_EQ(cell.value, 7) << "although one byte is left";
+    EXPECT_EQ(cell.value, 7) << "the byte that is left isn't used";
 }
 
-TEST(FieldVisitorsTest, ACountThatIsTooLargeLoadsTheItemsThatAreThere) {
+TEST(FieldVisitorsTest, ATooLargeCountLoadsTheExistingItems) {
     const std::string bytes("\x09\0\0\0\xFF\xFF\xFF\xFF\x01\0\0a\x02\0\0b", 16);
     CFieldLoad load(std::as_bytes(std::span(bytes)));
     YExcel::SharedStringTable table;

@@ -34,7 +34,7 @@ TEST_F(FileTest, GatheredWritesKeepTheirOrder) {
     EXPECT_EQ(m_file.Size(), 11);
     EXPECT_EQ(ReadAll(m_path), "abXYZfghabc");
 
-    CFile reader;  // next to the writer
+    CFile reader;  // while the writer has it open
     ASSERT_TRUE(reader.OpenForReading(m_path));
     std::string room(13, '-');
     EXPECT_EQ(reader.ReadUpTo(1, AsRoom(room)), 10U);
@@ -43,7 +43,7 @@ TEST_F(FileTest, GatheredWritesKeepTheirOrder) {
     EXPECT_EQ(room, "bXYZfghabc---");
 }
 
-TEST_F(FileTest, ManyBuffersAreWrittenInTheirOrder) {
+TEST_F(FileTest, ManyBuffersAreWrittenInOrder) {
     ASSERT_TRUE(m_file.Create(m_path));
     const std::string all = "abcdefghi";
     const auto part = [&](std::size_t at) { return AsBytes(all).subspan(at, 1); };
@@ -63,7 +63,7 @@ TEST_F(FileTest, AnExactReadIsAllOrNothing) {
     EXPECT_FALSE(m_file.ReadExactly(-1, AsRoom(room)));
 }
 
-TEST_F(FileTest, UpdatedFilesKeepTheirContentAndGrowAtTheirEnd) {
+TEST_F(FileTest, UpdatedFilesKeepTheirContentAndGrow) {
     EXPECT_FALSE(m_file.OpenForUpdate(m_path));
     EXPECT_FALSE(m_file.OpenForUpdate(m_folder.Path("")));
     WriteAll(m_path, "abcdef");
@@ -77,7 +77,7 @@ TEST_F(FileTest, UpdatedFilesKeepTheirContentAndGrowAtTheirEnd) {
     EXPECT_EQ(ReadAll(m_path), "abXYefgh");
 }
 
-TEST_F(FileTest, ClosedFilesAndFoldersGiveNothing) {
+TEST_F(FileTest, ClosedFilesAndFoldersCannotBeReadOrWritten) {
     std::string room(4, '-');
     EXPECT_EQ(m_file.ReadUpTo(0, AsRoom(room)), 0U);
     EXPECT_FALSE(m_file.WriteAt(0, {AsBytes(room)}));
@@ -91,7 +91,7 @@ TEST_F(FileTest, ClosedFilesAndFoldersGiveNothing) {
 }
 
 #if defined(__linux__)
-TEST_F(FileTest, OpeningAgainKeepsNoHandle) {
+TEST_F(FileTest, ReopeningLeaksNoHandle) {
     const auto handles = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
     const auto before = handles();
     for (const auto open : {&CFile::Create, &CFile::OpenForReading, &CFile::OpenForUpdate, &CFile::OpenForWriting}) {
@@ -101,10 +101,10 @@ TEST_F(FileTest, OpeningAgainKeepsNoHandle) {
 }
 #endif
 
-TEST_F(FileTest, PositionsBeyond4GiBAreReached) {
+TEST_F(FileTest, OffsetsBeyond4GiBWork) {
     constexpr std::int64_t kFar = (std::int64_t{5} << 30) + 7;
     ASSERT_TRUE(m_file.Create(m_path));
-    if (!m_file.WriteAt(kFar, {AsBytes(std::string("far"))})) GTEST_SKIP() << "no room for a file of 5 GiB";
+    if (!m_file.WriteAt(kFar, {AsBytes(std::string("far"))})) GTEST_SKIP() << "no space for a file of 5 GiB";
     EXPECT_TRUE(m_file.WriteAt(7, {AsBytes(std::string("near"))}));
     CFile reader;
     ASSERT_TRUE(reader.OpenForReading(m_path));

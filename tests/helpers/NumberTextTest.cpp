@@ -25,7 +25,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 std::string General(double value) { return std::string(CNumberText::General(value).View()); }
 
-TEST(NumberTextTest, WholeNumbersReachTheEndsOfTheirTypes) {
+TEST(NumberTextTest, IntegersReachTheLimitsOfTheirTypes) {
     EXPECT_EQ(CNumberText(0).View(), "0");
     EXPECT_EQ(CNumberText(std::numeric_limits<std::int64_t>::min()).View(), "-9223372036854775808");
     EXPECT_EQ(CNumberText(std::numeric_limits<std::uint64_t>::max()).View(), "18446744073709551615");
@@ -39,7 +39,7 @@ TEST(NumberTextTest, GeneralFormHasSixSignificantDigits) {
     EXPECT_EQ(General(0.00001), "1e-05");
     EXPECT_EQ(General(-2.50004e-7), "-2.50004e-07");
     EXPECT_EQ(General(9.9999951e-11), "1e-10");
-    EXPECT_EQ(General(123456.5), "123456");  // half goes to even
+    EXPECT_EQ(General(123456.5), "123456");  // halves round to even
     EXPECT_EQ(General(999999.5), "1e+06");
     EXPECT_EQ(General(1.0 / 3), "0.333333");
     EXPECT_EQ(General(-1e300), "-1e+300");
@@ -61,7 +61,7 @@ TEST(NumberTextTest, GeneralFormIsTheNearestOfSixDigits) {
     for (int i = 0; i < 100'000; ++i) {
         const auto digits = static_cast<double>(random() % 10'000'000);
         for (const double scale : {1e1, 1e3, 1e4, 1e5, 1e6, 1e7, 1e9, 1e10, 1e11, 1e12, 1e17, 1e22})
-            expect(digits / scale);  // among them what lies nearest to the middle of two texts
+            expect(digits / scale);  // includes the values nearest to the middle between two texts
         expect(std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 100) - 115));
     }
     for (int exponent = -20; exponent < 9; ++exponent) {
@@ -70,7 +70,7 @@ TEST(NumberTextTest, GeneralFormIsTheNearestOfSixDigits) {
             expect(value);
     }
     for (int halves = 200'001; halves < 2'000'000; halves += 2)
-        expect(halves / 2.0);  // each in the middle of two texts, where the even one counts
+        expect(halves / 2.0);  // each is in the middle between two texts, so the even one is right
 }
 
 TEST(NumberTextTest, DecimalsAreReadAsTheNearestValue) {
@@ -88,7 +88,7 @@ TEST(NumberTextTest, DecimalsAreReadAsTheNearestValue) {
     EXPECT_EQ(ParseDouble("0.00000000000000000000001"), 1e-23);
 }
 
-TEST(NumberTextTest, DecimalsAreTakenOffTheFront) {
+TEST(NumberTextTest, TakeDecimalRemovesTheNumberFromTheFront) {
     std::mt19937_64 random(3);
     for (int i = 0; i < 100'000; ++i) {
         std::string text = std::to_string(random() >> (11 + random() % 53));
@@ -150,7 +150,7 @@ TEST(NumberTextTest, RoundTripFormIsDifferentForEveryValue) {
     }
 }
 
-TEST(NumberTextTest, WholeNumbersAreReadAsFarAsTheyGo) {
+TEST(NumberTextTest, IntegersAreParsedUpToTheFirstOtherCharacter) {
     const struct {
         const char* text;
         std::int32_t narrow;
@@ -181,7 +181,7 @@ TEST(NumberTextTest, WholeNumbersAreReadAsFarAsTheyGo) {
     }
 }
 
-TEST(NumberTextTest, DigitsOfEveryCountAreReadAsTheStandardLibraryReadsThem) {
+TEST(NumberTextTest, AnyNumberOfDigitsIsParsedAsTheStandardLibraryDoes) {
     constexpr std::string_view kEnds[] = {"",
                                           ";",
                                           "/9",
@@ -220,7 +220,7 @@ TEST(NumberTextTest, DigitsOfEveryCountAreReadAsTheStandardLibraryReadsThem) {
     }
 }
 
-TEST(NumberTextTest, UnsignedNumbersNegateAndStopAtTheirEnd) {
+TEST(NumberTextTest, UnsignedNumbersWrapIfNegativeAndAreClamped) {
     EXPECT_EQ(ParseUInt64("18446744073709551615"), 18446744073709551615U);
     EXPECT_EQ(ParseUInt64("18446744073709551616"), 18446744073709551615U);
     EXPECT_EQ(ParseUInt64("-1"), 18446744073709551615U);
@@ -231,7 +231,7 @@ TEST(NumberTextTest, UnsignedNumbersNegateAndStopAtTheirEnd) {
     EXPECT_EQ(ParseUInt32(" -2x"), 4294967294U);
 }
 
-TEST(NumberTextTest, DoublesAreReadAsFarAsTheyGo) {
+TEST(NumberTextTest, DoublesAreParsedUpToTheFirstOtherCharacter) {
     const struct {
         const char* text;
         double value;
@@ -271,7 +271,7 @@ TEST(NumberTextTest, DoublesAreReadAsFarAsTheyGo) {
     EXPECT_EQ(ParseDouble("0." + std::string(400, '0') + "1e402"), 10.0);
 }
 
-TEST(NumberTextTest, ADecimalCommaOfTheProcessChangesNothing) {
+TEST(NumberTextTest, ALocaleWithADecimalCommaHasNoEffect) {
     const CCommaLocale comma;
     EXPECT_EQ(General(1234.5), "1234.5");
     EXPECT_EQ(CNumberText::RoundTrip(1234.5).View(), "1234.5");

@@ -21,7 +21,7 @@ class ReplacingFileTest : public testing::Test {
  protected:
     bool Put(const std::string& content) { return m_file.File().Append({std::as_bytes(std::span(content))}); }
 
-    /// Replaces a file, and expects that to work.
+    /// Replaces a file, which must succeed.
     void Replace(const std::string& path, const std::string& content) {
         ASSERT_TRUE(m_file.Create(path));
         EXPECT_TRUE(Put(content));
@@ -36,7 +36,7 @@ class ReplacingFileTest : public testing::Test {
     CReplacingFile m_file;
 };
 
-TEST_F(ReplacingFileTest, TheOldFileStandsUntilTheNewOneIsWhole) {
+TEST_F(ReplacingFileTest, TheOldFileStaysUntilTheNewOneIsComplete) {
     Replace(m_path, "first");
     EXPECT_EQ(ReadAll(m_path), "first");
     CFile reader;
@@ -50,19 +50,19 @@ TEST_F(ReplacingFileTest, TheOldFileStandsUntilTheNewOneIsWhole) {
 
     ASSERT_TRUE(m_file.Create(m_path));
     EXPECT_TRUE(Put("third"));
-    ASSERT_TRUE(m_file.Create(m_path)) << "beginning again drops what was begun";
+    ASSERT_TRUE(m_file.Create(m_path)) << "starting again discards the first attempt";
     EXPECT_EQ(CountFiles(), 2);
     {
         CReplacingFile other;
         ASSERT_TRUE(other.Create(m_path));
-        EXPECT_EQ(CountFiles(), 3) << "two at once have names of their own";
+        EXPECT_EQ(CountFiles(), 3) << "two at once have different names";
     }
     EXPECT_TRUE(m_file.Commit());
     EXPECT_EQ(ReadAll(m_path), "");
     EXPECT_EQ(CountFiles(), 1);
 }
 
-TEST_F(ReplacingFileTest, AReaderThatHasTheOldFileOpenIsNoHindrance) {
+TEST_F(ReplacingFileTest, AFileThatAReaderHasOpenCanBeReplaced) {
     WriteAll(m_path, "old");
     CFile reader;
     ASSERT_TRUE(reader.OpenForReading(m_path));
@@ -71,8 +71,8 @@ TEST_F(ReplacingFileTest, AReaderThatHasTheOldFileOpenIsNoHindrance) {
     EXPECT_EQ(CountFiles(), 1);
 }
 
-// Programs that were killed may have left files of all names.
-TEST_F(ReplacingFileTest, WhereNoNameIsFreeTheFileIsWrittenInPlace) {
+// Killed programs may have left files of all names.
+TEST_F(ReplacingFileTest, TheFileIsWrittenInPlaceIfNoNameIsFree) {
     constexpr int kNames = 100;
     for (int i = 0; i < kNames; ++i)
         WriteAll(m_path + ".part" + std::to_string(i + 1), "");
@@ -82,7 +82,7 @@ TEST_F(ReplacingFileTest, WhereNoNameIsFreeTheFileIsWrittenInPlace) {
     EXPECT_EQ(CountFiles(), kNames + 1);
 }
 
-TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneIsThereOrAppears) {
+TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneExistsOrAppears) {
     using enum CReplacingFile::ERule;
     WriteAll(m_path, "old");
     EXPECT_FALSE(m_file.Create(m_path, New));
@@ -97,9 +97,9 @@ TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneIsThereOrAppears) {
     EXPECT_EQ(CountFiles(), 1);
 }
 
-#if !defined(_WIN32)  // which limits whole paths instead
-// The new file needs a longer name for as long as it is written.
-TEST_F(ReplacingFileTest, TheLongestNameThatAFileCanHaveIsReplacedToo) {
+#if !defined(_WIN32)  // limits whole paths instead of names
+// The temporary file has a longer name.
+TEST_F(ReplacingFileTest, AFileWithTheLongestNameIsReplaced) {
     const std::string path = m_folder.Path(std::string(255, 'n'));
     Replace(path, "first");
     Replace(path, "second");
@@ -108,7 +108,7 @@ TEST_F(ReplacingFileTest, TheLongestNameThatAFileCanHaveIsReplacedToo) {
 }
 #endif
 
-/// Begins three files: one that replaces, one that is new, and one more.
+/// Starts three files: one that replaces another, and two new ones.
 class ReplacingFilesTest : public ReplacingFileTest {
  protected:
     void SetUp() override {
@@ -127,7 +127,7 @@ class ReplacingFilesTest : public ReplacingFileTest {
     CReplacingFile m_files[3];
 };
 
-TEST_F(ReplacingFilesTest, FilesTakeTheirPlacesTogether) {
+TEST_F(ReplacingFilesTest, FilesAreReplacedTogether) {
     EXPECT_EQ(CountFiles(), 4);
     EXPECT_TRUE(CommitAll());
     for (const char* const name : {"file", "new", "last"})
@@ -135,7 +135,7 @@ TEST_F(ReplacingFilesTest, FilesTakeTheirPlacesTogether) {
     EXPECT_EQ(CountFiles(), 3);
 }
 
-TEST_F(ReplacingFilesTest, ARefusedMoveLeavesTheOldFilesAndNoNewOne) {
+TEST_F(ReplacingFilesTest, ARefusedMoveKeepsTheOldFilesAndLeavesNoNewOne) {
     fs::create_directories(m_folder.Path("last/in the way"));
     EXPECT_FALSE(CommitAll());
     EXPECT_EQ(m_files[2].Failure().step, CFileFailure::enStep::Replacing);
@@ -144,7 +144,7 @@ TEST_F(ReplacingFilesTest, ARefusedMoveLeavesTheOldFilesAndNoNewOne) {
     EXPECT_EQ(CountFiles(), 2) << "the old file and the folder";
 }
 
-TEST_F(ReplacingFilesTest, AFileThatIsNotWholeLeavesTheOldFilesAndNoNewOne) {
+TEST_F(ReplacingFilesTest, AnIncompleteFileKeepsTheOldFilesAndLeavesNoNewOne) {
     EXPECT_FALSE(m_files[2].File().WriteAt(-1, {std::as_bytes(std::span("no such place"))}));
     EXPECT_FALSE(CommitAll());
     EXPECT_EQ(ReadAll(m_path), "old");
@@ -152,13 +152,13 @@ TEST_F(ReplacingFilesTest, AFileThatIsNotWholeLeavesTheOldFilesAndNoNewOne) {
 
     SetUp();
     EXPECT_TRUE(CommitAll());
-    SetUp();  // the same objects again
+    SetUp();  // uses the same objects again
     EXPECT_FALSE(m_files[2].File().WriteAt(-1, {std::as_bytes(std::span("no such place"))}));
     EXPECT_FALSE(CommitAll());
-    EXPECT_EQ(CountFiles(), 3) << "what was put in place before stays";
+    EXPECT_EQ(CountFiles(), 3) << "the committed files stay";
 }
 
-TEST_F(ReplacingFileTest, WhatCannotBeOpenedIsToldAndLeavesNothing) {
+TEST_F(ReplacingFileTest, FailureToOpenIsReportedAndLeavesNothing) {
     for (const std::string& path :
          {m_folder.Path("missing/file"), m_folder.Path(""), std::string(), m_folder.Path(std::string("nul\0", 4))}) {
         EXPECT_FALSE(m_file.Create(path));
@@ -177,7 +177,7 @@ TEST_F(ReplacingFileTest, APlantedLinkIsNotFollowed) {
     EXPECT_FALSE(fs::is_symlink(m_path));
 }
 
-TEST_F(ReplacingFileTest, ThePrivateContentIsPrivateWhileItIsWritten) {
+TEST_F(ReplacingFileTest, PrivateContentIsPrivateWhileItIsWritten) {
     WriteAll(m_path, "old");
     fs::permissions(m_path, fs::perms(0600));
     ASSERT_TRUE(m_file.Create(m_path));
@@ -198,14 +198,15 @@ TEST_F(ReplacingFileTest, LinksStayAndRightsAreKept) {
     EXPECT_TRUE(fs::is_symlink(m_path) && fs::is_symlink(m_folder.Path("link")));
     EXPECT_EQ(ReadAll(target), "new");
     EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
-    EXPECT_EQ(ReadAll(m_folder.Path("copy")), "old") << "another name keeps the old file";
+    EXPECT_EQ(ReadAll(m_folder.Path("copy")), "old") << "the other hard link keeps the old file";
 
-    fs::remove(target);  // the link leads nowhere now
+    fs::remove(target);  // the link is dangling now
     Replace(m_folder.Path("sub\\..\\file"), "made");
     EXPECT_TRUE(fs::is_symlink(m_path));
     EXPECT_EQ(ReadAll(target), "made");
     WriteAll(m_folder.Path("plain"), "");
-    EXPECT_EQ(fs::status(target).permissions(), fs::status(m_folder.Path("plain")).permissions()) << "as any new file";
+    EXPECT_EQ(fs::status(target).permissions(), fs::status(m_folder.Path("plain")).permissions())
+        << "like any new file";
 }
 
 TEST_F(ReplacingFileTest, DevicesAndRemovedFilesAreWrittenInPlace) {
@@ -221,10 +222,10 @@ TEST_F(ReplacingFileTest, DevicesAndRemovedFilesAreWrittenInPlace) {
 
     const std::string pipe = m_folder.Path("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
-    EXPECT_FALSE(m_file.Create(pipe)) << "nobody waits for a reader";
+    EXPECT_FALSE(m_file.Create(pipe)) << "a pipe without a reader is refused immediately";
     EXPECT_EQ(m_file.WriteError(), "No such device or address, opening " + pipe);
 
-    // A removed file goes on for whoever has it open. The system's name for it may be that of another one.
+    // A removed file still exists for processes that have it open. The system's name for it may be another file's.
     const std::string removed = m_folder.Path("removed");
     WriteAll(removed, "old");
     const int handle = ::open(removed.c_str(), O_RDONLY | O_CLOEXEC);

@@ -27,7 +27,7 @@ std::vector<std::string> Fields(const char* text, const char* separators = kCell
     return fields;
 }
 
-TEST(StringParserTest, RunsOfSeparatorsCountAsOneAndEndsGiveEmptyTokens) {
+TEST(StringParserTest, RunsOfSeparatorsCountAsOneAndEndsYieldEmptyTokens) {
     using Expected = std::vector<std::string>;
     EXPECT_EQ(Fields("Key=12\r\n"), (Expected{"Key=12\r\n", "Key", "12", ""}));
     EXPECT_EQ(Fields("Key=\r\n"), (Expected{"Key=\r\n", "Key", ""}));

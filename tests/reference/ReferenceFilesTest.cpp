@@ -114,7 +114,7 @@ std::string TwinOf(const std::string& path) {
 
 class ReferenceFile : public testing::TestWithParam<const char*> {};
 
-TEST_P(ReferenceFile, ReadsAsItsTextTwinTells) {
+TEST_P(ReferenceFile, ReadsAsItsTextTwinSays) {
     const std::string name = GetParam();
     EXPECT_EQ(TwinOf(ReferencePath(name + ".vxd")), ReadAll(ReferencePath(name + ".txt")));
 }
@@ -159,7 +159,7 @@ class WrittenReferenceFile : public testing::Test {
     CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
 };
 
-TEST_F(WrittenReferenceFile, UnfinishedAsItLiesOnDiskAheadOfClose) {
+TEST_F(WrittenReferenceFile, UnfinishedAsOnDiskBeforeClose) {
     m_writer.WriteFileHdr(ExampleFileHdr());
     BeginRecording(1);
     WriteWell11();

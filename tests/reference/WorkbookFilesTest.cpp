@@ -66,7 +66,7 @@ void Fill(YExcel::Document& document, const std::string& twin) {
     }
 }
 
-/// Returns where two files differ, or an empty text. (Printing whole files would fill the screen.)
+/// Returns the first difference of two files, or an empty text. (Printing whole files would fill the screen.)
 std::string Difference(const std::string& is, const std::string& expected) {
     if (is == expected) return "";
     const auto at = std::mismatch(is.begin(), is.end(), expected.begin(), expected.end()).first - is.begin();
@@ -76,7 +76,7 @@ std::string Difference(const std::string& is, const std::string& expected) {
 
 class WorkbookFile : public testing::TestWithParam<const char*> {};
 
-TEST_P(WorkbookFile, HasTheBytesThatWereWorkedOutFromItsCells) {
+TEST_P(WorkbookFile, HasTheBytesComputedFromItsCells) {
     const std::string name = GetParam();
     const CTempFolder folder;
     const std::string path = folder.Path("written.xls");

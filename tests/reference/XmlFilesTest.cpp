@@ -257,7 +257,7 @@ std::string Lines(const CIResultsReader& reader) {
     return lines;
 }
 
-/// Reads each file twice with the same reader, so that nothing of the first time may be left.
+/// Reads each file twice with the same reader, so that nothing of the first time must be left.
 void ExpectTwins() {
     for (const std::string name :
          {"settings", "settings_indented", "settings_shuffled", "settings_sections", "settings_version_2"}) {
@@ -315,9 +315,9 @@ void ExpectSameBytes() {
     EXPECT_EQ(ReadAll(folder.Path("a.vxr")), ReadAll(ReferencePath("xml/results.vxr")));
 }
 
-TEST(XmlFilesTest, ContentIsWrittenAsTheBytesThatItWasReadFrom) { ExpectSameBytes(); }
+TEST(XmlFilesTest, ContentIsWrittenBackUnchanged) { ExpectSameBytes(); }
 
-TEST(XmlFilesTest, ADecimalCommaOfTheProcessChangesNothing) {
+TEST(XmlFilesTest, ALocaleWithADecimalCommaHasNoEffect) {
     const CCommaLocale comma;
     ExpectTwins();
     ExpectSameBytes();

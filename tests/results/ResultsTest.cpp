@@ -20,7 +20,7 @@ CResults Tree() {
     return results;
 }
 
-TEST(ResultsTest, InitMakesOneRecordingPerDoseAndOneWellPerID) {
+TEST(ResultsTest, InitCreatesOneRecordingPerDoseAndOneWellPerID) {
     CResults results = Tree();
     EXPECT_EQ(results.GetCompoundID(), 7);
     EXPECT_EQ(results.GetTasks(), std::vector<enTask>{enTask::Series});
@@ -32,11 +32,11 @@ TEST(ResultsTest, InitMakesOneRecordingPerDoseAndOneWellPerID) {
     ASSERT_NE(well, nullptr);
     EXPECT_EQ(well->WellLabel, "A");
     EXPECT_EQ(well->Dose, 2000U);
-    EXPECT_EQ(well->GetAveSamples(), 100U) << "as it was set ahead of Init";
+    EXPECT_EQ(well->GetAveSamples(), 100U) << "as set before Init";
     EXPECT_FALSE(well->AverageExist());
     EXPECT_EQ(well->GetAveTimeStamp(0), -15);
     EXPECT_EQ(well->GetAveTimeStamp(3), 15);
-    EXPECT_EQ(well->GetAveTimeStamp(std::numeric_limits<std::uint32_t>::max()), -25) << "i + 1 has 32 bits";
+    EXPECT_EQ(well->GetAveTimeStamp(std::numeric_limits<std::uint32_t>::max()), -25) << "i + 1 is computed in 32 bits";
     well->AverageTick = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(well->GetAveTimeStamp(1), -2 - 25) << "wraps around";
     well->Average[99] = 1.5;
@@ -54,7 +54,7 @@ TEST(ResultsTest, InitMakesOneRecordingPerDoseAndOneWellPerID) {
     EXPECT_EQ(results.FPAverageTick, 1);
 }
 
-TEST(ResultsTest, WhatIsNotThereIsToldQuietly) {
+TEST(ResultsTest, MissingObjectsAreNullOrEmpty) {
     CResults results = Tree();
     for (const std::int32_t index : {2, -1, std::numeric_limits<std::int32_t>::min()}) {
         EXPECT_EQ(results.GetRecording(enTask::Series, index), nullptr);
@@ -67,10 +67,10 @@ TEST(ResultsTest, WhatIsNotThereIsToldQuietly) {
     EXPECT_EQ(results.GetTaskResults(enTask::Nil), nullptr);
     EXPECT_EQ(results.GetRecording(enTask::Nil, 0), nullptr);
     EXPECT_EQ(results.GetRecordingCount(enTask::Nil), 0);
-    EXPECT_EQ(results.GetTasks().size(), 1U) << "asking makes nothing";
+    EXPECT_EQ(results.GetTasks().size(), 1U) << "a query adds nothing";
 }
 
-TEST(ResultsTest, ValueTypesPickTheirMap) {
+TEST(ResultsTest, ValueTypesHaveSeparateMaps) {
     CResultsWell well;
     EXPECT_EQ(well.GetResults(kAmplitude, kPlain), 0.0);
     EXPECT_FALSE(well.ResultsExist(kAmplitude, kPlain));
@@ -106,7 +106,7 @@ TEST(ResultsTest, StatisticsBelongToTheRecording) {
     results.ClearCompoundResults(enTask::Series, 1, kAmplitude);
     results.ClearCompoundResults(enTask::Series, 1, kAmplitude);
     EXPECT_FALSE(recording.ResultsExist(kAmplitude));
-    EXPECT_TRUE(copy.GetRecording(enTask::Series, 1)->ResultsExist(kAmplitude)) << "a copy stands by itself";
+    EXPECT_TRUE(copy.GetRecording(enTask::Series, 1)->ResultsExist(kAmplitude)) << "a copy is independent";
 
     results.SetCompoundResults(enTask::Series, 1, kAmplitude, 1, 1, 1);
     results.GetWellResults(enTask::Series, 1, 11)->SetResults(kAmplitude, kPlain, 1);
@@ -122,7 +122,7 @@ TEST(ResultsTest, StatisticsBelongToTheRecording) {
     EXPECT_EQ(results.GetTasks().size(), 1U);
 }
 
-/// Results files, and pieces of their documents.
+/// Results files and parts of their documents.
 class ResultsFileTest : public CArchiveTest {
  protected:
     CResults Loaded(const std::string& tasks, CResults results = {}) {
@@ -130,13 +130,13 @@ class ResultsFileTest : public CArchiveTest {
         return results;
     }
 
-    /// Loads a well of which this stands behind `WellID`.
+    /// Loads a well with these elements after `WellID`.
     CResultsWell LoadedWell(const std::string& children) {
         CResults results = Loaded(
             "<Task><TaskName>Series</TaskName><Recordings Size=\"1\"><Recording><Wells Size=\"1\"><Well>"
             "<WellID>5</WellID>" +
             children + "</Well></Wells><Dose>77</Dose></Recording></Recordings></Task>");
-        EXPECT_EQ(results.GetRecording(enTask::Series, 0)->Dose, 77U) << "what follows is still found";
+        EXPECT_EQ(results.GetRecording(enTask::Series, 0)->Dose, 77U) << "what follows is still read";
         return *results.GetWellResults(enTask::Series, 0, 5);
     }
 };
@@ -155,7 +155,7 @@ TEST_F(ResultsFileTest, AWellWithoutDetectionsIsWrittenShort) {
     EXPECT_EQ(back.GetResults(kAmplitude, kPlain), 1.0);
 }
 
-TEST_F(ResultsFileTest, FindingsCountOnlyBehindTheWordThatTheyAreThere) {
+TEST_F(ResultsFileTest, FindingsAreReadOnlyAfterTheFlagThatTheyExist) {
     EXPECT_EQ(LoadedWell("<FPfastMaxAmp>1</FPfastMaxAmp><FPfastDetected>1</FPfastDetected>").FPfastMaxAmp, 0.0);
     const CResultsWell well = LoadedWell(
         "<FPfastDetected>1</FPfastDetected><FPfastMaxAmp>1</FPfastMaxAmp><FPfastDetected>0"
@@ -169,11 +169,11 @@ TEST_F(ResultsFileTest, FindingsCountOnlyBehindTheWordThatTheyAreThere) {
     Read("<Well></Well>", [&](CXmlFileArchive& archive) { used.Load(archive); });
     EXPECT_FALSE(used.FPfastDetected);
     EXPECT_EQ(used.FPfastMaxAmp, 0.0);
-    EXPECT_EQ(used.FPfastSlopeX0, 3.0) << "only a fresh well has it at its default";
+    EXPECT_EQ(used.FPfastSlopeX0, 3.0) << "only a new well has the default";
     EXPECT_EQ(used.FPmaxType, enFPmaxType::Undefined);
 }
 
-TEST_F(ResultsFileTest, ListsAreAsLongAsTheySay) {
+TEST_F(ResultsFileTest, ListsHaveTheirStatedLength) {
     using Times = std::vector<std::int64_t>;
     using Samples = std::vector<double>;
     EXPECT_EQ(LoadedWell("<FPfastDetectionTimes Size=\"3\"><Time>1</Time><X>2</X><Time>3</Time></FPfastDetectionTimes>")
@@ -183,7 +183,7 @@ TEST_F(ResultsFileTest, ListsAreAsLongAsTheySay) {
                          "<FPfastDetectionTimes Size=\"2\"><X/><Time>3</Time></FPfastDetectionTimes>")
                   .FPfastDetectionTimes,
               (Times{0, 3}))
-        << "the second counts";
+        << "the second list wins";
     EXPECT_EQ(LoadedWell("<FPfastDetectionTimes><Time>1</Time></FPfastDetectionTimes>").FPfastDetectionTimes, Times{});
     EXPECT_EQ(LoadedWell("<Average Size=\"2\"><Ave>1;2;3;</Ave></Average>").Average, (Samples{1, 2}));
     EXPECT_EQ(LoadedWell("<Average Size=\"3\"><Ave>1;2</Ave></Average>").Average, (Samples{1, 0, 0}));
@@ -197,7 +197,7 @@ TEST_F(ResultsFileTest, ListsAreAsLongAsTheySay) {
     EXPECT_EQ(well.GetResults(enResponseType::NaSlope, kPlain), 3.0);
 }
 
-TEST_F(ResultsFileTest, TasksFindTheirKeysAgainAndOthersStay) {
+TEST_F(ResultsFileTest, TasksAreRestoredUnderTheirKeysAndOthersStay) {
     CResults before = Tree();
     const CResults results = Loaded(
         "<Task><TaskName>Analyze</TaskName></Task><Task><TaskName>?</TaskName><Recordings "
@@ -212,7 +212,7 @@ TEST_F(ResultsFileTest, TasksFindTheirKeysAgainAndOthersStay) {
                      "</Recordings><Recordings Size=\"1\"><Recording><Dose>2</Dose></Recording></Recordings></Task>")
                   .GetRecordingCount(enTask::Series),
               1)
-        << "the second list counts";
+        << "the second list wins";
     EXPECT_EQ(LoadedWell("<Responses Size=\"1\"><Response><Label>Na-Slope</Label></Response></Responses>"
                          "<Responses Size=\"1\"><Response><Label>Na-Amplitude</Label></Response></Responses>")
                   .Responses.size(),
@@ -222,7 +222,7 @@ TEST_F(ResultsFileTest, TasksFindTheirKeysAgainAndOthersStay) {
               0);
 }
 
-TEST_F(ResultsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
+TEST_F(ResultsFileTest, OnlyFailureToOpenThrows) {
     CVXFileIO io;
     const std::string path = m_folder.Path("no such folder/a.vxr");
     for (const bool writing : {true, false}) {
@@ -251,7 +251,7 @@ TEST_F(ResultsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
     WriteAll(m_path,
              "<V><Header><CompoundName>n</CompoundName></Header><Results><Task><TaskName>Nil</TaskName></Task>");
     io.GetResultsReader()->ReadFile(m_path);
-    EXPECT_EQ(io.GetResultsReader()->GetResults()->GetTasks().size(), 2U) << "read over what was there";
+    EXPECT_EQ(io.GetResultsReader()->GetResults()->GetTasks().size(), 2U) << "merged with the earlier content";
     EXPECT_EQ(io.GetResultsReader()->GetXmlFileHeader()->Guid, "g");
     EXPECT_EQ(io.GetResultsReader()->GetXmlFileHeader()->CompoundName, "n");
 }

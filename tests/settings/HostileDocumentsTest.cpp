@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Reads a document as settings and as results, and asks for what is there.
+/// Reads a document as settings and as results, and queries the content.
 void ReadAsBoth(const std::string& path, const std::string& document) {
     WriteAll(path, document);
     CVXFileIO io;
@@ -15,7 +15,7 @@ void ReadAsBoth(const std::string& path, const std::string& document) {
         io.GetSettingsReader()->ReadFile(path);
     } catch (const CExcVXReader& failure) {
         ADD_FAILURE() << failure.GetMsg();
-    } catch (...) {  // a dose without text, in a file that became one of the older ones
+    } catch (...) {  // a dose without text, in a file that looks like an older one
     }
     io.GetResultsReader()->ReadFile(path);
     io.GetSettingsReader()->GetRecordPlateProperty()->GetActiveCompoundWellIDs(0);
@@ -23,7 +23,7 @@ void ReadAsBoth(const std::string& path, const std::string& document) {
         io.GetResultsReader()->GetResults()->GetWellIDs(task, 0);
 }
 
-TEST(HostileDocumentsTest, SectionsWithoutEndAndDeepNestingTakeNoStack) {
+TEST(HostileDocumentsTest, UnclosedSectionsAndDeepNestingNeedNoStack) {
     const CTempFolder folder;
     for (const char* const opener :
          {"<Settings><PropertyRecordPlate><Wells Size=\"9\">", "<Task>", "<Recording>", "<QC>",
@@ -56,7 +56,7 @@ TEST(HostileDocumentsTest, ManyWellsOfOnePlateTakeLinearTime) {
     }));
 }
 
-TEST(HostileDocumentsTest, MadeUpMarksAreNoProductOfTwoLists) {
+TEST(HostileDocumentsTest, GeneratedMarksAreLimitedForLongLists) {
     std::string wells;
     std::string doses;
     for (int i = 0; i < 5000; ++i) {
@@ -72,8 +72,9 @@ TEST(HostileDocumentsTest, MadeUpMarksAreNoProductOfTwoLists) {
     EXPECT_EQ(io.GetSettingsReader()->GetAnalyzerProperty()->AnalyzeSettings.at(enTask::Series).size(), 20U);
 }
 
-/// Blanks make room for entries; whatever a list claims, they mustn't become entries a hundred times their size.
-TEST(HostileDocumentsTest, AListThatClaimsMoreThanThereIsTakesMemoryInProportion) {
+/// A list may claim as many entries as its blanks have room for. These must not be allocated at a hundred times that
+/// size.
+TEST(HostileDocumentsTest, AListThatClaimsTooManyEntriesTakesMemoryInProportion) {
     const CTempFolder folder;
     const std::string path = folder.Path("claims.xml");
     const std::size_t blanks = 1'000'000;
@@ -94,7 +95,7 @@ TEST(HostileDocumentsTest, AListThatClaimsMoreThanThereIsTakesMemoryInProportion
     }
 }
 
-TEST(HostileDocumentsTest, EntriesThatTheDocumentEndsBeforeAreMadeUpToAThousand) {
+TEST(HostileDocumentsTest, MissingEntriesAreAddedUpToAThousand) {
     const CTempFolder folder;
     const auto recordings = [&](const std::string& size, const std::string& entries) {
         WriteAll(folder.Path("a.vxr"),

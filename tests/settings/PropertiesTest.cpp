@@ -13,7 +13,7 @@ class PropertiesTest : public CArchiveTest {
         return Written([&](CXmlFileArchive& archive) { property.Save(archive, arguments...); });
     }
 
-    /// Loads from inside a root, so that the element's own end isn't that of the document.
+    /// Loads from inside a root, so that the document doesn't end with the element.
     template <class Property>
     Property Loaded(const std::string& element, Property property = {}) {
         Read("<R>" + element + "<Behind/></R>", [&](CXmlFileArchive& archive) { property.Load(archive); });
@@ -21,7 +21,7 @@ class PropertiesTest : public CArchiveTest {
     }
 };
 
-TEST_F(PropertiesTest, FreshOnesAreWrittenWithTheirDefaults) {
+TEST_F(PropertiesTest, NewObjectsAreWrittenWithTheirDefaults) {
     CXmlFileHeader header;
     header.FileType = "VXSettings";
     header.FileVersion = 3;
@@ -46,7 +46,7 @@ TEST_F(PropertiesTest, FreshOnesAreWrittenWithTheirDefaults) {
         "<StdVolume>0</StdVolume></PropertyRecordPlate>");
 }
 
-TEST_F(PropertiesTest, TheBaseAndControlThroughItStoreNothing) {
+TEST_F(PropertiesTest, TheBaseClassStoresNothing) {
     CVXProperty base;
     CPropControl control;
     control.RobotMode = enAcqMode::Offline;
@@ -58,11 +58,11 @@ TEST_F(PropertiesTest, TheBaseAndControlThroughItStoreNothing) {
         static_cast<CVXProperty&>(control).Load(archive);
         EXPECT_EQ(control.RobotMode, enAcqMode::Offline);
         control.Load(archive);
-        EXPECT_EQ(control.RobotMode, enAcqMode::Online) << "nothing was read before";
+        EXPECT_EQ(control.RobotMode, enAcqMode::Online) << "the calls before read nothing";
     });
 }
 
-TEST_F(PropertiesTest, WhatIsMissingOrStrangeChangesNothingElse) {
+TEST_F(PropertiesTest, MissingAndUnknownContentChangesNothingElse) {
     CPropControl control;
     control.SimulationDataFile = "kept";
     control = Loaded(
@@ -70,14 +70,14 @@ TEST_F(PropertiesTest, WhatIsMissingOrStrangeChangesNothingElse) {
         "<DataAcqMode/></PropertyControl>",
         control);
     EXPECT_EQ(control.RobotMode, enAcqMode::NotDefined);
-    EXPECT_EQ(control.DataAcqMode, enAcqMode::NotDefined) << "an empty word is unknown";
+    EXPECT_EQ(control.DataAcqMode, enAcqMode::NotDefined) << "an empty word isn't known";
     EXPECT_EQ(control.SimulationDataFile, "kept");
 
     const auto viability = Loaded<CPropViability>(
         "<PropertyViability><ApplyViabilityTest>2</ApplyViabilityTest><X>"
         "<Dose>7</Dose></X><FMin></FMin></PropertyViability>");
     EXPECT_FALSE(viability.ApplyViabilityTest);
-    EXPECT_EQ(viability.Dose, 7U) << "no level is kept";
+    EXPECT_EQ(viability.Dose, 7U) << "nesting is ignored";
     EXPECT_EQ(viability.FMin, 0.5);
 
     const auto robot = Loaded<CPropRobot>(
@@ -86,7 +86,7 @@ TEST_F(PropertiesTest, WhatIsMissingOrStrangeChangesNothingElse) {
         "<FirmwareDate>not counted</FirmwareDate></PropertyRobot>");
     EXPECT_EQ(robot.RobotConfig.StockPlateIDL8x12, 'X');
     EXPECT_EQ(robot.RobotConfig.StockPlateIDL16x6, '\0');
-    EXPECT_EQ(robot.RobotConfig.IPAddress, "a") << "the end tag doesn't empty it";
+    EXPECT_EQ(robot.RobotConfig.IPAddress, "a") << "the end tag doesn't clear it";
     EXPECT_EQ(robot.RobotConfig.TroughMediumNames, (std::vector<std::string>{"1", "", ""}));
     EXPECT_EQ(robot.FirmwareDate, "not counted");
 
@@ -95,7 +95,7 @@ TEST_F(PropertiesTest, WhatIsMissingOrStrangeChangesNothingElse) {
     EXPECT_EQ(header.HeaderID, "OVL Vexaprobe");
 }
 
-TEST_F(PropertiesTest, EachLoadsUpToItsOwnEndAndNoFurther) {
+TEST_F(PropertiesTest, EachLoadsUpToItsOwnEnd) {
     Read(
         "<R><PropertyWashIn><WashIn>1</WashIn></PropertyWashIn><PropertyWashIn><WashIn>2</WashIn></PropertyWashIn></R>",
         [](CXmlFileArchive& archive) {
@@ -109,7 +109,7 @@ TEST_F(PropertiesTest, EachLoadsUpToItsOwnEndAndNoFurther) {
         });
     Read("<PropResultsExport/><R>", [](CXmlFileArchive& archive) {
         CPropResultsExport().Load(archive);
-        EXPECT_FALSE(archive.NextElement()) << "a self-closed one has no end tag";
+        EXPECT_FALSE(archive.NextElement()) << "a self-closing element has no end tag";
     });
 }
 
@@ -135,10 +135,10 @@ TEST_F(PropertiesTest, TheVoltageRangeIsStoredWithoutItsSign) {
               "\xB1 ");
     EXPECT_EQ(Loaded("<PropRecording><ADMax>70000</ADMax></PropRecording>", before).VoltageRange, "\xB1 \xB1 5");
     EXPECT_EQ(Loaded("<PropRecording><ADMax>70000</ADMax></PropRecording><ADMax>1</ADMax>", before).ADMax, 4464);
-    EXPECT_EQ(Loaded("<Other/>", before).VoltageRange, "\xB1 \xB1 5") << "however the document ends";
+    EXPECT_EQ(Loaded("<Other/>", before).VoltageRange, "\xB1 \xB1 5") << "even if the document ends first";
 }
 
-TEST_F(PropertiesTest, QualityChecksFindTheirKeysAgain) {
+TEST_F(PropertiesTest, QualityChecksAreRestoredUnderTheirKeys) {
     CPropQualityCheck checks;
     checks.QualityChecks[enTask::PostQC].TaskName = "PostQC";
     checks.QualityChecks[enTask::PreQC].TaskName = "";
@@ -165,13 +165,13 @@ TEST_F(PropertiesTest, QualityChecksFindTheirKeysAgain) {
                "</QC></QualityChecks></PropertyQualityCheck>",
                checks)
                .QualityChecks;
-    EXPECT_EQ(back.size(), 2U) << "those before are gone, and the second of one task counts";
+    EXPECT_EQ(back.size(), 2U) << "the old ones are removed, and the last one of a task wins";
     EXPECT_EQ(back[enTask::Viability].Series.size(), 0U);
     EXPECT_EQ(back[enTask::PreQC].CompoundPlateID, 'Z');
     EXPECT_EQ(back[enTask::PreQC].Series, (std::vector<std::uint64_t>{1, 3}));
 }
 
-TEST_F(PropertiesTest, RobotGeometryIsCopiedDeeply) {
+TEST_F(PropertiesTest, CopiesHaveTheirOwnRobotGeometry) {
     CPropRobot one;
     one.RobotConfig.Range = std::make_unique<std::array<std::int32_t, 6>>();
     one.RobotConfig.Troughs.push_back(std::make_unique<std::array<std::int32_t, 7>>());
@@ -188,7 +188,7 @@ TEST_F(PropertiesTest, RobotGeometryIsCopiedDeeply) {
     one = itself;
     EXPECT_EQ((*one.RobotConfig.Range)[5], 1);
     one = CPropRobot(Loaded(Saved(other), one));
-    EXPECT_EQ((*one.RobotConfig.Range)[5], 1) << "no file holds the geometry";
+    EXPECT_EQ((*one.RobotConfig.Range)[5], 1) << "files don't contain the geometry";
     one = CPropRobot();
     EXPECT_EQ(one.RobotConfig.Range, nullptr);
 }
@@ -233,7 +233,7 @@ TEST_F(PropertiesTest, MarksOfOneTaskAreReplacedTogether) {
 }
 
 TEST_F(PropertiesTest, SavingTheAnalyzerSetsItsDate) {
-    // The clock that the date comes from: `std::time` may lag behind it.
+    // The date comes from this clock; `std::time` may lag behind it.
     const auto second = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); };
     constexpr std::uint64_t unitsPerSecond = 10'000'000;  // of 100 ns, since 1601
     CPropAnalyzer analyzer;
@@ -263,9 +263,9 @@ TEST_F(PropertiesTest, MarksAreFoundByTheirOwnTags) {
         "<Recordings "
         "Size=\"0\"/></Task></Tasks></AnalyzeSettings><FPmaxSearchEnd>8</FPmaxSearchEnd><FPAveIntervalType>?"
         "</FPAveIntervalType></PropertyAnalyzer>");
-    ASSERT_EQ(analyzer.AnalyzeSettings.size(), 2U) << "a task without a name has no place";
+    ASSERT_EQ(analyzer.AnalyzeSettings.size(), 2U) << "a task without a name is left out";
     const TaskAnalysis& series = analyzer.AnalyzeSettings.at(enTask::Series);
-    ASSERT_EQ(series.size(), 2U) << "whatever Size says";
+    ASSERT_EQ(series.size(), 2U) << "regardless of Size";
     EXPECT_TRUE(series[1].empty());
     EXPECT_EQ(series[0].size(), 2U);
     EXPECT_FALSE(series[0].at(3).Analyze);

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// A plate of two compounds with a null slot in each list.
+/// Returns a plate of two compounds with a null entry in each list.
 CPropRecordPlate Plate() {
     CPropRecordPlate plate;
     plate.Data.PlateID = 'A';
@@ -61,12 +61,12 @@ class RecordPlateTest : public CArchiveTest {
 
 TEST_F(RecordPlateTest, TheShortFormHoldsOneCompoundAndItsWells) {
     const CPropRecordPlate plate = Plate();
-    EXPECT_EQ(Short(plate, -1), kShort1) << "the first that is there";
+    EXPECT_EQ(Short(plate, -1), kShort1) << "the first existing one";
     EXPECT_EQ(Short(plate, 1), kShort1);
     EXPECT_EQ(Short(plate, 2), kShort2);
     for (const std::int32_t absent : {0, 3, -2, 2147483647}) {
         EXPECT_THROW(Short(plate, absent), CExcVXReader) << absent;
-        EXPECT_EQ(ReadAll(m_path), "") << "nothing of it is written";
+        EXPECT_EQ(ReadAll(m_path), "") << "nothing is written";
     }
     EXPECT_NE(Short(CPropRecordPlate(), -1).find("<CompoundID>0</CompoundID><Label></Label><Wells Size=\"0\"/>"),
               std::string::npos);
@@ -77,9 +77,9 @@ TEST_F(RecordPlateTest, TheShortFormHoldsOneCompoundAndItsWells) {
     EXPECT_EQ(back.GetAllWellIDs(), (std::vector<std::int32_t>{65, 99, 64}));
     EXPECT_EQ(back.GetCompoundIDs(), (std::vector<std::int32_t>{2}));
     EXPECT_EQ(back.GetCompoundWellIDs(2), (std::vector<std::int32_t>{65, 99, 64}));
-    EXPECT_EQ(back.GetWellState(65), PlateWell::kInactive) << "it is kept";
+    EXPECT_EQ(back.GetWellState(65), PlateWell::kInactive) << "the state is kept";
     EXPECT_EQ(back.FindCompound(2)->StockPlateID, ' ');
-    EXPECT_EQ(back.Data.StdVolume, 5U) << "not in this form";
+    EXPECT_EQ(back.Data.StdVolume, 5U) << "this form doesn't have it";
     EXPECT_EQ(back.Map.Labels[7][11], "H12");
 
     LoadShort(back, "<PropertyRecordPlate/>");
@@ -91,9 +91,9 @@ TEST_F(RecordPlateTest, TheShortFormHoldsOneCompoundAndItsWells) {
               "<PropertyRecordPlate><Wells Size=\"1\"><Well><WellID>1</WellID></Well></Wells><Wells Size=\"1\"><Well>"
               "<WellID>2</WellID></Well></Wells></PropertyRecordPlate>");
     EXPECT_EQ(back.GetAllWellIDs(), (std::vector<std::int32_t>{1, 2}));
-    EXPECT_EQ(back.GetCompoundWellIDs(0), (std::vector<std::int32_t>{2})) << "the second list counts";
+    EXPECT_EQ(back.GetCompoundWellIDs(0), (std::vector<std::int32_t>{2})) << "the second list wins";
 
-    // The state goes to the first well of an ID, as it does when it is set.
+    // The state is set for the first well with the ID, as `SetWellState` does.
     LoadShort(back,
               "<PropertyRecordPlate><Wells Size=\"2\"><Well><WellID>1</WellID><State>0</State></Well><Well><WellID>1"
               "</WellID><State>7</State></Well></Wells></PropertyRecordPlate>");
@@ -126,11 +126,11 @@ TEST_F(RecordPlateTest, TheLongFormHoldsAllCompounds) {
     Load(back, saved);
     EXPECT_EQ(back.GetCompoundIDs(), (std::vector<std::int32_t>{1, 2}));
     EXPECT_EQ(back.GetCompoundWellIDs(2), (std::vector<std::int32_t>{65, 99, 64}));
-    EXPECT_EQ(back.GetWellState(65), PlateWell::kActive) << "being inactive ends with loading";
+    EXPECT_EQ(back.GetWellState(65), PlateWell::kActive) << "this form doesn't keep inactive states";
     EXPECT_EQ(back.GetWellState(64), PlateWell::kNew);
     EXPECT_EQ(back.Data.MixVolume, 4294967295U);
 
-    // Strange lists: entries are sought among other elements, and an empty list has no end tag.
+    // Unusual lists: entries are found among other elements, and an empty list has no end tag.
     Load(back,
          "<PropertyRecordPlate><PlateID></PlateID><Compounds Size=\"3\"><Compound><Wells Size=\"0\"/><CompoundID>5"
          "</CompoundID></Compound><Compound><Wells Size=\"2\"><X/><WellID>1</WellID><Y><WellID>2</WellID></Y></Wells>"
@@ -144,23 +144,23 @@ TEST_F(RecordPlateTest, TheLongFormHoldsAllCompounds) {
     EXPECT_EQ(back.Data.PipetMode, enPipetMode::NotDefined);
     EXPECT_EQ(back.Map.RowLabels, std::vector<std::string>(6));
     EXPECT_EQ(back.Map.Labels[0][3], "A1");
-    EXPECT_EQ(back.Data.Wells.size(), 3U) << "not in this document";
+    EXPECT_EQ(back.Data.Wells.size(), 3U) << "this document doesn't have them";
 }
 
-TEST_F(RecordPlateTest, QuestionsPassOverWhatIsNotThere) {
+TEST_F(RecordPlateTest, QueriesSkipMissingObjects) {
     CPropRecordPlate plate = Plate();
     EXPECT_EQ(plate.GetAllWellIDs(), (std::vector<std::int32_t>{64, 65, 64}));
     EXPECT_EQ(plate.GetActiveWellIDs(), (std::vector<std::int32_t>{64, 64}));
     EXPECT_EQ(plate.GetActiveCompoundWellIDs(2), (std::vector<std::int32_t>{99, 64}))
-        << "without a record it is active";
+        << "a well without a record is active";
     EXPECT_TRUE(plate.GetCompoundWellIDs(3).empty());
     EXPECT_EQ(plate.FindCompound(3), nullptr);
     EXPECT_EQ(plate.FindWell(66), nullptr);
-    EXPECT_EQ(plate.GetWellLabel(66) + plate.GetWellLabel(64), "A1") << "the first counts";
+    EXPECT_EQ(plate.GetWellLabel(66) + plate.GetWellLabel(64), "A1") << "the first one wins";
     plate.SetWellState(66, 1);
     plate.SetWellState(65, 3);
     EXPECT_EQ(plate.GetWellState(66), PlateWell::kActive);
-    EXPECT_EQ(plate.GetActiveWellIDs().size(), 2U) << "3 isn't active";
+    EXPECT_EQ(plate.GetActiveWellIDs().size(), 2U) << "state 3 isn't active";
 
     CPropRecordPlate copy = plate;
     copy.FindWell(64)->Label = "changed";
@@ -176,7 +176,7 @@ TEST_F(RecordPlateTest, QuestionsPassOverWhatIsNotThere) {
     EXPECT_TRUE(copy.GetAllWellIDs().empty() && copy.GetCompoundIDs().empty());
 }
 
-TEST_F(RecordPlateTest, EveryLayoutHasItsMap) {
+TEST_F(RecordPlateTest, EveryLayoutHasAMap) {
     CPropRecordPlate plate;
     plate.BuildPlateMap(enPlateLayout::L16x6);
     const PlateMap first = plate.Map;
@@ -194,7 +194,7 @@ TEST_F(RecordPlateTest, EveryLayoutHasItsMap) {
         EXPECT_EQ(plate.Map.ChIDs[well.row][well.column], well.channel) << well.label;
     }
     EXPECT_EQ(plate.Map.RowLabels, (std::vector<std::string>{"A", "B", "C", "D", "E", "F", "G", "H"}));
-    EXPECT_EQ(plate.Map.ColumnLabels.size(), 12U) << "built anew";
+    EXPECT_EQ(plate.Map.ColumnLabels.size(), 12U) << "not appended to the old labels";
     EXPECT_EQ(plate.Map.ColumnLabels.back(), "12");
 
     plate.BuildPlateMap(enPlateLayout::Ostrel6x9);
@@ -219,7 +219,7 @@ TEST_F(RecordPlateTest, EveryLayoutHasItsMap) {
     }
 }
 
-TEST_F(RecordPlateTest, DosesHaveTheLargestUnitThatFits) {
+TEST_F(RecordPlateTest, DosesAreShownInTheLargestFittingUnit) {
     const struct {
         std::uint64_t dose;
         const char* text;

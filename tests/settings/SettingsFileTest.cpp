@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Whole settings files, through the facades.
+/// Whole settings files, written and read through the facades.
 class SettingsFileTest : public testing::Test {
  protected:
     void ReadDocument(const std::string& document) {
@@ -23,7 +23,7 @@ class SettingsFileTest : public testing::Test {
     CISettingsReader& m_reader = *m_io.GetSettingsReader();
 };
 
-TEST_F(SettingsFileTest, CompoundIsAPlaceInTheListAndAnIDOfTheMarks) {
+TEST_F(SettingsFileTest, CompoundSelectsAnEntryOfTheListAndMarksByID) {
     CPropRecordPlate plate;
     for (const std::int32_t well : {3, 4, 5, 6})
         plate.Data.AddWell(well, 0, 0, well, "");
@@ -49,19 +49,19 @@ TEST_F(SettingsFileTest, CompoundIsAPlaceInTheListAndAnIDOfTheMarks) {
     header.FileVersion = 3;
     m_writer.SetXmlFileHeader(header);
     EXPECT_EQ(written(-1), "first: 3 4 5");
-    EXPECT_EQ(written(0), "first: 4") << "the compound with the ID 0 is the second";
+    EXPECT_EQ(written(0), "first: 4") << "the second compound has ID 0";
     EXPECT_EQ(written(1), "second: 3");
     const std::string before = ReadAll(m_path);
     for (const std::int32_t absent : {2, -2}) {
         EXPECT_THROW(Write(absent), CExcVXReader);
-        EXPECT_EQ(ReadAll(m_path), before) << "the file is as it was";
-        EXPECT_EQ(m_writer.GetWriteError(), "") << "nothing was begun";
+        EXPECT_EQ(ReadAll(m_path), before) << "the file is unchanged";
+        EXPECT_EQ(m_writer.GetWriteError(), "") << "nothing was written";
     }
     m_writer.WriteFile(m_path);
     EXPECT_NE(ReadAll(m_path).find("<Label>first</Label>"), std::string::npos);
 }
 
-TEST_F(SettingsFileTest, FilesOlderThanTheMarksGetDefaultOnes) {
+TEST_F(SettingsFileTest, FilesWithoutMarksGetDefaultOnes) {
     const std::string plate =
         "<PropertyRecordPlate><Wells Size=\"2\"><Well><WellID>7</WellID></Well><Well><WellID>8</WellID><State>1</State>"
         "</Well></Wells><Series Size=\"2\"><Dose>1</Dose><Dose>999000000000</Dose></Series></PropertyRecordPlate>";
@@ -79,23 +79,24 @@ TEST_F(SettingsFileTest, FilesOlderThanTheMarksGetDefaultOnes) {
     EXPECT_TRUE(m_reader.GetAnalyzerProperty()->AnalyzeSettings.empty());
 }
 
-TEST_F(SettingsFileTest, ADoseWithoutTextIsReportedWhereMarksAreMadeUp) {
+TEST_F(SettingsFileTest, ADoseWithoutTextIsReportedIfMarksAreGenerated) {
     const std::string settings =
         "</FileVersion></Header><Settings><PropertyRecordPlate><Series Size=\"1\"><Dose>1000000000000</Dose></Series>"
         "</PropertyRecordPlate><PropertyWashIn><WashIn>9</WashIn></PropertyWashIn></Settings></V>";
     EXPECT_ANY_THROW(ReadDocument("<V><Header><FileVersion>2" + settings));
-    EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 9) << "all else was read";
+    EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 9) << "the rest was read";
     EXPECT_NO_THROW(ReadDocument("<V><Header><FileVersion>3" + settings));
 }
 
-TEST_F(SettingsFileTest, WhatAFileDoesNotHoldStaysAsItWas) {
+TEST_F(SettingsFileTest, PropertiesMissingInAFileAreUnchanged) {
     ReadDocument(
         "<V><Header><FileVersion>3</FileVersion><Guid>g</Guid></Header><Settings><PropertyWashIn><WashIn>1"
         "</WashIn></PropertyWashIn><Unknown><PropertyViability><FMin>9.</FMin></PropertyViability></Unknown>"
         "<PropertyWashIn><WashIn>2</WashIn></PropertyWashIn></Settings><PropertyWashIn><WashIn>3</WashIn>"
         "</PropertyWashIn></V>");
-    EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 2) << "read over, and nothing behind the settings";
-    EXPECT_EQ(m_reader.GetViabilityProperty()->FMin, 0.5) << "no file holds it";
+    EXPECT_EQ(m_reader.GetWashInProperty()->WashIn, 2)
+        << "the last one in the settings wins, and nothing after them is read";
+    EXPECT_EQ(m_reader.GetViabilityProperty()->FMin, 0.5) << "unknown elements are ignored";
     for (const std::string nothing : {"", "x", "<V><Settings><PropertyWashIn><WashIn>5</WashIn></PropertyWashIn></V>",
                                       "<V><Header><FileName/></Header><Settings><PropertyWashIn><WashIn>"}) {
         ReadDocument(nothing);
@@ -105,7 +106,7 @@ TEST_F(SettingsFileTest, WhatAFileDoesNotHoldStaysAsItWas) {
     }
 }
 
-TEST_F(SettingsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
+TEST_F(SettingsFileTest, OnlyFailureToOpenThrows) {
     const std::string path = m_folder.Path("no such folder/a.vxs");
     const auto text = [&](auto call) {
         try {
@@ -124,7 +125,7 @@ TEST_F(SettingsFileTest, OnlyAFileThatCannotBeOpenedIsReported) {
 
     CXmlFileHeader header;
     header.FileType = "X";
-    EXPECT_NE(Write().find("<FileType></FileType>"), std::string::npos) << "the default header, as long as none is set";
+    EXPECT_NE(Write().find("<FileType></FileType>"), std::string::npos) << "the default header";
     EXPECT_EQ(m_writer.GetWriteError(), "");
     m_writer.SetXmlFileHeader(header);
     EXPECT_NE(Write().find("<FileType>VXSettings</FileType>"), std::string::npos);

@@ -28,7 +28,7 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) { return operator new(size); }
-// Stable sorts ask in this way. Under the address sanitizer it would be the sanitizer's own.
+// Stable sorts use this. Without it, the address sanitizer's own operator would be called.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept try {
     return operator new(size);
 } catch (const std::bad_alloc&) {

@@ -3,12 +3,12 @@
 #include <cstddef>
 
 /// @file
-/// Counts the allocations of a whole program that links the source file, and can make one of them fail.
+/// Counts the allocations of a program that links the source file, and can make one of them fail.
 
-/// Returns the number of allocations that the process has made so far.
+/// Returns the number of allocations so far.
 std::size_t AllocationCount();
 
-/// Returns the number of bytes that the process has asked for so far, freed or not.
+/// Returns the number of bytes allocated so far, including those freed since.
 std::size_t AllocatedBytes();
 
 /// Returns the number of allocations that haven't been freed.

@@ -10,8 +10,8 @@
 
 #include "tests/support/TempFolder.h"
 
-/// While it exists, C functions and streams of the process write and read numbers with a decimal comma. It brings its
-/// own locale, so no system has to have one installed; where that fails, the test fails.
+/// While it exists, the process's C functions and streams write and read numbers with a decimal comma. It creates its
+/// own locale, so that none has to be installed. If that fails, the test fails.
 class CCommaLocale {
  public:
     CCommaLocale() {
@@ -27,7 +27,7 @@ class CCommaLocale {
         std::locale::global(std::locale(std::locale::classic(), new CCommaPunctuation));
         char text[8];
         std::snprintf(text, sizeof text, "%.1f", 0.5);
-        EXPECT_STREQ(text, "0,5") << "this system took no locale with a decimal comma";
+        EXPECT_STREQ(text, "0,5") << "the system doesn't accept the locale";
     }
     ~CCommaLocale() {
         std::locale::global(std::locale::classic());

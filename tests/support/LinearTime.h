@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <ctime>
 
-/// Returns whether `work(4 * size)` takes less than nine times as long as `work(size)`: quadratic time is 16 times as
-/// long. Counts the time of the processor, so that a busy machine changes nothing.
+/// Returns whether `work(4 * size)` takes less than nine times as long as `work(size)`; with quadratic time it takes 16
+/// times as long. Measures processor time, so that other programs have no influence.
 inline bool TakesLinearTime(std::size_t size, auto work) {
     const auto seconds = [&](std::size_t n) {
         const std::clock_t begin = std::clock();
@@ -13,6 +13,6 @@ inline bool TakesLinearTime(std::size_t size, auto work) {
         return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
     };
     const double first = seconds(size);
-    const double least = std::min(first, seconds(size));  // the first may have had to warm up
+    const double least = std::min(first, seconds(size));  // the first run may include warming up
     return seconds(4 * size) < 9 * least + 0.05;
 }

@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-/// A temporary folder for one test, removed with its content at the end.
+/// A temporary folder for one test. The destructor removes it.
 class CTempFolder {
  public:
     CTempFolder() : CTempFolder(Parent()) {}
@@ -29,8 +29,8 @@ class CTempFolder {
     std::string Path(const std::string& name) const { return (m_folder / name).string(); }
 
  private:
-    /// Returns a folder in memory, where there is one with room for the largest test: flushing thousands of files to a
-    /// disk takes minutes.
+    /// Returns a folder in memory if there is one with enough room: flushing thousands of files to a disk takes
+    /// minutes.
     static std::filesystem::path Parent() {
         constexpr std::uintmax_t kRoom = std::uintmax_t{5} << 30;
         const std::filesystem::path memory = "/dev/shm";

@@ -10,10 +10,9 @@ namespace {
 
 using namespace std::string_literals;
 
-/// What a document says, event by event: `A='text'` an element of one event, `A{` the start of one with children (with
-/// its text before the brace, if any), `}A` its end, `!16` a false `NextElement` and its code. `GetText` follows behind
-/// a slash where it gives something else than `GetValue`, `#2` is the attribute `Size`, and `C` tells of a CDATA
-/// section.
+/// Describes a document event by event: `A='text'` is an element in one event, `A{` the start of one with children
+/// (with its text before the brace, if any), `}A` its end, `!16` a false `NextElement` and its code. If `GetText`
+/// differs from `GetValue`, it follows after a slash. `#2` is the attribute `Size`, and `C` means a CDATA section.
 class ArchiveReadTest : public CArchiveTest {
  protected:
     std::string Events(const std::string& document, std::int32_t blockSize) {
@@ -62,7 +61,7 @@ class ArchiveReadTest : public CArchiveTest {
         archive.GetValue(value);
         EXPECT_TRUE(archive.TagName().empty() && archive.ElementState() == 0 && value.empty() &&
                     archive.GetText().empty() && !archive.IsEndTag())
-            << "there is no current element";
+            << "there must be no current element";
         return "!" + std::to_string(static_cast<int>(archive.LastError()));
     }
 };
@@ -73,12 +72,12 @@ struct CDocument {
 };
 
 const CDocument kDocuments[] = {
-    // Ours.
+    // The library's own form.
     {"<R><A>1</A><L Size=\"1\"><B/></L></R>", "R{ A='1' L#1='1'/''{ B='' }L }R !0 !0 !0 "},
     {"<?xml version=\"1.0\" ?><R><A></A><B>x</B></R>", "R{ A='' B='x' }R !0 !0 !0 "},
     {"<R><L Size=\"0\"/><M Size=\"2\"><T>1</T><T>2</T></M></R>",
      "R{ L#0='0'/'' M#2='2'/''{ T='1' T='2' }M }R !0 !0 !0 "},
-    // Other dress: indentation, blanks in tags, comments, declarations, instructions ahead of the root.
+    // Other forms: indentation, blanks in tags, comments, declarations, instructions before the root.
     {"\xEF\xBB\xBF<?xml version='1.0'?>\r\n<!DOCTYPE R [<!ELEMENT R ANY>]>\n<!-- plain -->\n<?go?>\n<R>\n"
      "  <A>\t1 </A>\n  <!-- - -- <B>2</B> --->\n\t<B >x</B >\n</R>\n",
      "R='\n  '{ A='\t1 ' B='x' }R !0 !0 !0 "},
@@ -129,7 +128,7 @@ const CDocument kDocuments[] = {
     {"<><A/></>", "{ A='' } !0 !0 !0 "},
 };
 
-TEST_F(ArchiveReadTest, BlockBoundariesChangeNothing) {
+TEST_F(ArchiveReadTest, BlockBoundariesHaveNoEffect) {
     for (const auto& document : kDocuments) {
         const auto size = static_cast<std::int32_t>(document.text.size());
         for (std::int32_t block = size + 1; block > 0; --block)
@@ -137,7 +136,7 @@ TEST_F(ArchiveReadTest, BlockBoundariesChangeNothing) {
     }
 }
 
-TEST_F(ArchiveReadTest, WhereverADocumentIsCutItEndsQuietly) {
+TEST_F(ArchiveReadTest, CutDocumentsEndWithoutErrorInBlocksOfAnySize) {
     for (const auto& document : kDocuments) {
         for (std::size_t size = 0; size < document.text.size(); ++size) {
             const std::string start = document.text.substr(0, size);
@@ -154,7 +153,7 @@ struct CNumberCase {
     Value expected;
 };
 
-TEST_F(ArchiveReadTest, NumbersAreReadAsFarAsTheyMakeSense) {
+TEST_F(ArchiveReadTest, NumbersAreParsedAsFarAsPossible) {
     const auto expect = [&]<class Value>(Value before, std::initializer_list<CNumberCase<Value>> cases) {
         for (const auto& c : cases) {
             ReadIn(c.child, [&](CXmlFileArchive& archive) {
@@ -215,7 +214,7 @@ TEST_F(ArchiveReadTest, AttributesAreFoundByTheirNames) {
         EXPECT_EQ(real.AsDouble(), 2.5);
         std::string behind;
         archive.GetValue(behind);
-        EXPECT_EQ(behind, "text") << "the attributes are passed";
+        EXPECT_EQ(behind, "text") << "the attributes are skipped";
     });
 }
 
@@ -233,7 +232,7 @@ TEST_F(ArchiveReadTest, SamplesEndAtTheirSemicolons) {
     EXPECT_EQ(samples("<A/>", 1), (std::vector<double>{-1}));
 }
 
-TEST_F(ArchiveReadTest, ListsTogetherNeverClaimMoreThanTheFileHolds) {
+TEST_F(ArchiveReadTest, ListsTogetherNeverExceedTheSizeOfTheFile) {
     const auto sizes = [&](const std::string& document) {
         std::vector<std::size_t> granted;
         Read(document, [&](CXmlFileArchive& archive) {
@@ -247,7 +246,7 @@ TEST_F(ArchiveReadTest, ListsTogetherNeverClaimMoreThanTheFileHolds) {
     const auto found = sizes("<R><L Size=\"2147483647\"/>" + honest + honest + "</R>");
     EXPECT_EQ((std::vector<std::size_t>(found.begin() + 1, found.end())),
               (std::vector<std::size_t>{2, 3, 0, 0, 2, 3, 0, 0}))
-        << "a list that lies takes nothing from the others";
+        << "a list with a wrong size doesn't affect the others";
 
     for (const char* const claim : {"2147483647", "1000", "100"}) {
         std::string document = "<R>";
@@ -260,10 +259,10 @@ TEST_F(ArchiveReadTest, ListsTogetherNeverClaimMoreThanTheFileHolds) {
         EXPECT_GT(sum, 0U);
     }
     const auto cut = sizes("<R><L Size=\"2147483647\"/>" + std::string(1, '\0') + std::string(100'000, ' '));
-    EXPECT_LT(cut.at(0), 100U) << "what stands behind a NUL is not of the document";
+    EXPECT_LT(cut.at(0), 100U) << "bytes after a NUL aren't part of the document";
 }
 
-TEST_F(ArchiveReadTest, DepthAndLengthCostNoMoreThanTheirBytes) {
+TEST_F(ArchiveReadTest, DeepAndLongDocumentsTakeLinearTime) {
     constexpr int kDepth = 1'000'000;
     std::string deep;
     for (int i = 0; i < kDepth; ++i)

@@ -30,7 +30,7 @@ class CArchiveTest : public testing::Test {
         return ReadAll(m_path);
     }
 
-    /// Lets `load(archive)` read a document.
+    /// Opens a document for `load(archive)`.
     template <class Load>
     void Read(const std::string& document, Load load, std::int32_t blockSize = 4096) {
         WriteAll(m_path, document);
@@ -40,7 +40,7 @@ class CArchiveTest : public testing::Test {
         load(archive);
     }
 
-    /// The same, standing at the first child of the root `R`.
+    /// The same, at the first child of the root `R`.
     template <class Load>
     void ReadIn(const std::string& child, Load load) {
         Read("<R>" + child + "</R>", [&](CXmlFileArchive& archive) {

@@ -7,7 +7,7 @@ namespace {
 
 class ArchiveWriteTest : public CArchiveTest {
  protected:
-    /// The text of an element `A` with this value.
+    /// Returns the text of an element `A` with this value.
     std::string Value(const XmlValue& value) {
         const std::string text =
             Written([&](CXmlFileArchive& archive) { archive.OpenChild("A").PutValue(value).CloseElement(); });
@@ -16,7 +16,7 @@ class ArchiveWriteTest : public CArchiveTest {
     }
 };
 
-TEST_F(ArchiveWriteTest, ElementsTakeTheirShortestShape) {
+TEST_F(ArchiveWriteTest, ElementsHaveTheirShortestForm) {
     const auto text = [&](auto save) { return Written(save); };
     using Archive = CXmlFileArchive;
     EXPECT_EQ(text([](Archive& a) { a.OpenChild("A").CloseElement(); }), "<A/>");
@@ -34,7 +34,7 @@ TEST_F(ArchiveWriteTest, ElementsTakeTheirShortestShape) {
     EXPECT_EQ(text([](Archive& a) { a.WriteDeclaration("version=\"1.0\""); }), "<?xml version=\"1.0\" ?>");
 }
 
-TEST_F(ArchiveWriteTest, ValuesHaveOneTextEach) {
+TEST_F(ArchiveWriteTest, EachTypeHasItsText) {
     EXPECT_EQ(Value(-5), "-5");
     EXPECT_EQ(Value(std::int64_t{-100000}), "-100000");
     EXPECT_EQ(Value(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
@@ -71,7 +71,7 @@ void SaveSomething(CXmlFileArchive& archive) {
     archive.OpenChild("Ave").PutSamples({1e10, -2.5, 3}).CloseElement().CloseElement();
 }
 
-TEST_F(ArchiveWriteTest, BlockBoundariesChangeNothing) {
+TEST_F(ArchiveWriteTest, BlockBoundariesHaveNoEffect) {
     const std::string whole = Written(SaveSomething);
     for (std::int32_t block = 1; block <= static_cast<std::int32_t>(whole.size()) + 1; ++block)
         ASSERT_EQ(Written(SaveSomething, block), whole) << "in blocks of " << block;
@@ -84,12 +84,12 @@ TEST_F(ArchiveWriteTest, BlockBoundariesChangeNothing) {
     CXmlFileArchive archive(&file, kStore, sizeof buffer, buffer);
     SaveSomething(archive);
     archive.FlushBuffer();
-    EXPECT_EQ(ReadAll(m_path), whole) << "all is with the system while the file is still open";
+    EXPECT_EQ(ReadAll(m_path), whole) << "everything is written while the file is still open";
     archive.OpenChild("lost");
     archive.Detach();
 }
 
-TEST_F(ArchiveWriteTest, WhatIsWrittenComesBack) {
+TEST_F(ArchiveWriteTest, WrittenTextsAreReadBackUnchanged) {
     std::string text;
     for (int byte = 1; byte < 256; ++byte)
         text += static_cast<char>(byte);
@@ -109,7 +109,7 @@ TEST_F(ArchiveWriteTest, WhatIsWrittenComesBack) {
     }
 }
 
-TEST_F(ArchiveWriteTest, TheWrongDirectionDoesNothing) {
+TEST_F(ArchiveWriteTest, OperationsOfTheOtherDirectionDoNothing) {
     EXPECT_EQ(Written([](CXmlFileArchive& archive) {
                   EXPECT_FALSE(archive.NextElement());
                   archive.SkipProlog();
@@ -128,11 +128,11 @@ TEST_F(ArchiveWriteTest, TheWrongDirectionDoesNothing) {
     SaveSomething(nowhere);
 }
 
-TEST_F(ArchiveWriteTest, AFileThatCannotBeOpenedTellsWhy) {
+TEST_F(ArchiveWriteTest, FailureToOpenReturnsTheReason) {
     CFileBuffer file;
     char text[6] = "?????";
     EXPECT_EQ(file.Open(m_folder.Path("no/such/file"), "r", text, sizeof text), ENOENT);
-    EXPECT_EQ(std::string(text).size(), 5U) << "cut to the room given";
+    EXPECT_EQ(std::string(text).size(), 5U) << "cut to the size of the buffer";
     EXPECT_NE(file.Open(m_folder.Path("no/such/file"), "wb"), 0);
     EXPECT_NE(file.Open(m_folder.Path(""), "r"), 0) << "a folder";
     std::size_t read = 1;
