@@ -1,8 +1,11 @@
 #include "vxfileio/access/RecordingIndex.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "vxfileio/access/SelectionData.h"
+#include "vxfileio/base/ExcVXReader.h"
 
 CRecordingIndex::CRecordingIndex(std::shared_ptr<const vxfileio::access::CIndexData> data) : m_data(std::move(data)) {}
 
@@ -15,6 +18,13 @@ std::size_t CRecordingIndex::GetSegmentCount() const noexcept { return m_data->s
 CSegmentInfo CRecordingIndex::GetSegment(std::size_t number) const noexcept {
     const auto row = m_data->segments.Row(number);
     return {m_data->wells[row.well].ID, row.samples, row.timeFrom, row.timeTo, row.offset};
+}
+
+void CRecordingIndex::ReadSegment(std::size_t number, std::span<std::uint16_t> samples) const {
+    const auto row = m_data->segments.Row(number);
+    if (samples.size() != row.samples) throw CExcVXReader("The buffer doesn't match the segment.");
+    const auto bytes = std::as_writable_bytes(samples);
+    std::ranges::fill(bytes.subspan(m_data->reader->File().ReadUpTo(row.offset, bytes)), std::byte{0});
 }
 
 std::uint64_t CRecordingIndex::GetCertainSamples() const noexcept { return m_data->certain; }

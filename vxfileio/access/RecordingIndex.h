@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,11 @@ class VXFILEIO_API CRecordingIndex {
 
     /// Returns one segment, counted from 0 in the order of the file. Requires: `number` is below `GetSegmentCount()`.
     CSegmentInfo GetSegment(std::size_t number) const noexcept;
+
+    /// Reads the samples of one segment into the caller's buffer. Those beyond the end of a cut file are 0. Requires:
+    /// `number` is below `GetSegmentCount()`. Throws `CExcVXReader` with "The buffer doesn't match the segment." unless
+    /// the buffer has room for exactly its samples.
+    void ReadSegment(std::size_t number, std::span<std::uint16_t> samples) const;
 
     /// Returns the number of samples of all segments that are certainly in the file.
     ///

@@ -146,6 +146,10 @@ class CFile {
     bool m_isFlushLost = false;  ///< A flush failed.
 };
 
+/// Makes paths UTF-8 from now on, in the program or DLL that this copy of the library is linked into. On systems that
+/// take paths as bytes, it does nothing.
+void TakePathsAsUtf8() noexcept;
+
 /// Replaces a file by another atomically. Both are paths in the form that the system takes.
 [[nodiscard]] std::error_code MoveOver(const std::string& from, const std::string& to) noexcept;
 

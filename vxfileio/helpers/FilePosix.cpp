@@ -243,6 +243,8 @@ std::int64_t CFile::Size() const {
 
 bool CFile::Truncate(std::int64_t size) { return ::ftruncate(static_cast<int>(m_handle), size) == 0; }
 
+void TakePathsAsUtf8() noexcept {}
+
 std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
     return Outcome(::rename(from.c_str(), to.c_str()));
 }

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <limits>
+#include <new>
+#include <string_view>
 
 #include "vxfileio/helpers/File.h"
 
@@ -23,11 +26,45 @@ std::error_code SystemError(DWORD number) { return {static_cast<int>(number), st
 /// The outcome of a call that returns 0 if it fails.
 std::error_code Outcome(BOOL result) { return SystemError(result == 0 ? ::GetLastError() : 0); }
 
+/// The code page of narrow paths.
+std::atomic<UINT> pathCodePage = CP_ACP;
+
+/// Returns a path in the form that the system takes. Empty, which no call accepts, if it can't be converted.
+std::wstring Wide(const std::string& path) {
+    const UINT page = pathCodePage;
+    const DWORD flags = page == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
+    const auto size = static_cast<int>(std::min<std::size_t>(path.size(), std::numeric_limits<int>::max()));
+    std::wstring wide(path.size(), L'\0');
+    wide.resize(static_cast<std::size_t>(::MultiByteToWideChar(page, flags, path.data(), size, wide.data(), size)));
+    return wide;
+}
+
+/// Returns a path of the system in the code page of paths.
+std::string Narrow(std::wstring_view path) {
+    constexpr std::size_t kMostBytes = 4;  // for a unit of UTF-16, in any code page
+    std::string narrow(kMostBytes * path.size(), '\0');
+    narrow.resize(static_cast<std::size_t>(::WideCharToMultiByte(pathCodePage, 0, path.data(),
+                                                                 static_cast<int>(path.size()), narrow.data(),
+                                                                 static_cast<int>(narrow.size()), nullptr, nullptr)));
+    return narrow;
+}
+
+/// Runs a system call, which may need memory for paths. Returns its outcome.
+template <class Call>
+std::error_code OutcomeOf(Call call) noexcept {
+    try {
+        return Outcome(call());
+    } catch (const std::bad_alloc&) {
+        return SystemError(ERROR_NOT_ENOUGH_MEMORY);
+    }
+}
+
 std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition, std::error_code& error,
                        DWORD attributes = FILE_ATTRIBUTE_NORMAL) {
     error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
-    const HANDLE handle = ::CreateFileA(path.c_str(), access, kShareWithAll, nullptr, disposition, attributes, nullptr);
+    const HANDLE handle =
+        ::CreateFileW(Wide(path).c_str(), access, kShareWithAll, nullptr, disposition, attributes, nullptr);
     error = Outcome(handle != INVALID_HANDLE_VALUE);
     return reinterpret_cast<std::intptr_t>(handle);
 }
@@ -123,14 +160,14 @@ bool CFile::CreateLike(const std::string& path, const CFile& model) {
 /// A colon after the drive would name a hidden stream of a file, which can't be moved.
 std::string CFile::PlaceOf(const std::string& path) const {
     if (path.find(':', 2) != std::string::npos) return {};
-    const DWORD attributes = ::GetFileAttributesA(path.c_str());
+    const DWORD attributes = ::GetFileAttributesW(Wide(path).c_str());
     const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!IsOpen()) return isLink ? std::string() : path;
     if (::GetFileType(Native(m_handle)) != FILE_TYPE_DISK) return {};
     if (!isLink) return path;
-    std::array<char, MAX_PATH> target{};
-    const DWORD size = ::GetFinalPathNameByHandleA(Native(m_handle), target.data(), MAX_PATH, FILE_NAME_NORMALIZED);
-    return size < target.size() ? std::string(target.data(), size) : std::string();
+    std::array<wchar_t, MAX_PATH> target{};
+    const DWORD size = ::GetFinalPathNameByHandleW(Native(m_handle), target.data(), MAX_PATH, FILE_NAME_NORMALIZED);
+    return size < target.size() ? Narrow({target.data(), size}) : std::string();
 }
 
 /// A device without a disk says so by its error.
@@ -179,7 +216,10 @@ bool CFile::Truncate(std::int64_t size) {
 std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
     std::error_code error;
     for (int i = 0; i < kMostMoves; ++i) {
-        error = Outcome(::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+        error = OutcomeOf([&] {
+            constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+            return ::MoveFileExW(Wide(from).c_str(), Wide(to).c_str(), kHow);
+        });
         if (error != std::errc::permission_denied) break;
         ::Sleep(kMovePause);
     }
@@ -192,9 +232,13 @@ std::string FolderOf(const std::string& /*path*/) { return {}; }
 std::error_code FlushFolder(const std::string& /*folder*/) noexcept { return {}; }
 
 std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {
-    return Outcome(::CreateHardLinkA(name.c_str(), file.c_str(), nullptr));
+    return OutcomeOf([&] { return ::CreateHardLinkW(Wide(name).c_str(), Wide(file).c_str(), nullptr); });
 }
 
-void RemoveFile(const std::string& path) noexcept { ::DeleteFileA(path.c_str()); }
+void RemoveFile(const std::string& path) noexcept {
+    static_cast<void>(OutcomeOf([&] { return ::DeleteFileW(Wide(path).c_str()); }));
+}
+
+void TakePathsAsUtf8() noexcept { pathCodePage = CP_UTF8; }
 
 }  // namespace vxfileio::helpers

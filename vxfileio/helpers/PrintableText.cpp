@@ -14,6 +14,29 @@ std::string Hex(char c) {
     return {'\\', 'x', kDigits[byte >> 4U], kDigits[byte & 15U]};
 }
 
+unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
+
+/// Returns the bytes of the UTF-8 character at the front that isn't ASCII; 0 if there is none.
+std::size_t SizeOfWide(std::string_view text) {
+    const unsigned char lead = Byte(text.front());
+    const std::size_t size = lead >= 0xF5 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
+    if (size == 0 || text.size() < size) return 0;
+    for (const char c : text.substr(1, size - 1)) {
+        if ((Byte(c) & 0xC0U) != 0x80) return 0;
+    }
+    const unsigned char second = Byte(text[1]);
+    const bool isOutside = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
+                           (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F) ||
+                           (lead == 0xC2 && second < 0xA0);  // control characters
+    return isOutside ? 0 : size;
+}
+
+/// Returns a character of Latin-1 that isn't ASCII as UTF-8.
+std::string Wide(char c) {
+    const unsigned char byte = Byte(c);
+    return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
+}
+
 }  // namespace
 
 std::string Printable(char c) {
@@ -32,6 +55,23 @@ std::string Quoted(std::string_view bytes) {
 
 std::string Counted(std::uint64_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t size = Byte(text.front()) < 0x80 ? 1 : SizeOfWide(text);
+        if (size == 0) return false;
+        text.remove_prefix(size);
+    }
+    return true;
+}
+
+std::string Utf8(std::string_view bytes) {
+    if (IsUtf8(bytes)) return std::string(bytes);
+    std::string text;
+    for (const char c : bytes)
+        text += Byte(c) < 0x80 ? std::string(1, c) : Wide(c);
+    return text;
 }
 
 }  // namespace vxfileio::helpers

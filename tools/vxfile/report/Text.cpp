@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <utility>
 
+using vxfileio::helpers::IsUtf8;
 using vxfileio::helpers::Printable;
 
 namespace vxfile {
@@ -14,39 +15,9 @@ namespace {
 
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
-/// Returns the bytes of the UTF-8 character at the front that isn't ASCII; 0 if there is none.
-std::size_t SizeOfWide(std::string_view text) {
-    const unsigned char lead = Byte(text.front());
-    const std::size_t size = lead >= 0xF5 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
-    if (size == 0 || text.size() < size) return 0;
-    for (const char c : text.substr(1, size - 1)) {
-        if ((Byte(c) & 0xC0U) != 0x80) return 0;
-    }
-    const unsigned char second = Byte(text[1]);
-    const bool isOutside = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
-                           (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F) ||
-                           (lead == 0xC2 && second < 0xA0);  // control characters
-    return isOutside ? 0 : size;
-}
-
-bool IsUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t size = Byte(text.front()) < 0x80 ? 1 : SizeOfWide(text);
-        if (size == 0) return false;
-        text.remove_prefix(size);
-    }
-    return true;
-}
-
 bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
 
-/// Returns a character of Latin-1 that isn't ASCII as UTF-8.
-std::string Wide(char c) {
-    const unsigned char byte = Byte(c);
-    return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
-}
-
-std::string Latin1(char c) { return Byte(c) < 0xA0 ? Printable(c) : Wide(c); }
+std::string Latin1(char c) { return Byte(c) < 0xA0 ? Printable(c) : Utf8({&c, 1}); }
 
 }  // namespace
 
@@ -60,14 +31,6 @@ std::string Readable(std::string_view bytes) {
             text += isUtf8 ? std::string(1, c) : Latin1(c);
         }
     }
-    return text;
-}
-
-std::string Utf8(std::string_view bytes) {
-    if (IsUtf8(bytes)) return std::string(bytes);
-    std::string text;
-    for (const char c : bytes)
-        text += Byte(c) < 0x80 ? std::string(1, c) : Wide(c);
     return text;
 }
 

@@ -20,9 +20,8 @@ using vxfileio::helpers::Quoted;
 /// already is taken for Latin-1.
 std::string Readable(std::string_view bytes);
 
-/// Returns a text of a file as UTF-8, with its control characters: for programs, not for terminals. What isn't UTF-8
-/// already is read as Latin-1.
-std::string Utf8(std::string_view bytes);
+/// The same with its control characters: for programs, not for terminals.
+using vxfileio::helpers::Utf8;
 
 /// Returns how many characters a text in UTF-8 has.
 std::size_t Width(std::string_view text);

@@ -1,0 +1,2 @@
+// The same program as C++, which the sanitizers cover.
+#include "c_test.c"

@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Writes the parts of c_test that follow from the list of functions and the header of the C interface.
+
+    make_calls.py LIST HEADER FOLDER
+
+FOLDER/counted_calls.h counts the calls of every listed function. FOLDER/wrong_arguments.h calls every listed function
+with right arguments but for one, which is wrong in each way that its type and name allow. The list and the header must
+name the same functions.
+"""
+import pathlib
+import re
+import sys
+
+
+def read_functions(header):
+    """Returns [(name, [(type, parameter)])] of all functions."""
+    text = re.sub(r"/\*.*?\*/", "", header, flags=re.S)
+    functions = []
+    for name, parameters in re.findall(r"int VX_CALL (vx_\w+)\((.*?)\);", text, flags=re.S):
+        pairs = [re.fullmatch(r"(.*?)(\w+)", " ".join(p.split())).groups() for p in parameters.split(",")]
+        functions.append((name, [(kind.replace(" ", ""), parameter) for kind, parameter in pairs]))
+    return functions, set(re.findall(r"typedef struct (vx_\w+) \1;", text))
+
+
+SCALARS = {"int64_t", "int32_t", "uint16_t", "double", "char"}
+
+
+def arguments_of(parameter, following, handles):
+    """Returns the right argument, and the wrong ones with the code that each must have; None is any failure."""
+    kind, name = parameter
+    base = kind.replace("const", "").rstrip("*")
+    stars = kind.count("*")
+    is_array = following is not None and following[1] in ("count", "size", "length", "well_count")
+    if stars == 2 or kind.startswith("vx_") and stars == 0:
+        return ("&made", [("NULL", "VX_ERROR_ARGUMENT")]) if stars == 2 else ("NULL", [])
+    if base == "void":
+        return ("good_vx_raw", [(value, "VX_ERROR_HANDLE") for value in ("NULL", "STRAY", "closed")]) if name == "handle" \
+            else ("NULL", [])
+    if base in handles:
+        other = "good_vx_writer" if base != "vx_writer" else "good_vx_raw"
+        wrong = [("NULL", "HANDLE"), ("STRAY", "HANDLE"), ("closed", "HANDLE"), (other, "KIND"), (f"failed_{base}", "STATE")]
+        return f"good_{base}", [(f"({base}*)(void*){value}", f"VX_ERROR_{code}") for value, code in wrong]
+    if base == "char" and kind.startswith("const") and not is_array:
+        return "texts", [("NULL", None)]
+    if stars == 1 and is_array:
+        is_input = kind.startswith("const")
+        return f"({base}*)room", [("NULL", None)] if is_input else []
+    if stars == 1 and name in ("count", "size") and following is None:
+        return "&eight", [("NULL", None), ("&minus_one", None)]
+    if stars == 1 and base in SCALARS:
+        return f"({base}*)room", [("NULL", None)]
+    if stars == 1:
+        good = f"({base}*)struct_of(sizeof({base}))"
+        wrong = [(f"({base}*)struct_of({size})", None) for size in ("0", "-1", "7", "5000")]
+        if kind.startswith("const"):
+            wrong.append((f"({base}*)struct_with_tail(sizeof({base}))", "VX_ERROR_STRUCT"))
+        return good, wrong + ([] if name == "options" else [("NULL", None)])
+    wrong = {"index": ("-1", "INT64_MAX"), "well_count": ("-1", "INT64_MAX"), "count": ("-1", "INT64_MAX"),
+             "length": ("-1", "INT64_MAX")}
+    if kind == "int32_t":
+        wrong |= {name: ("-1", "1000000")} if name in ("mode", "list", "text", "kind", "well", "code", "table") else {}
+    if kind == "int64_t" and name in ("number", "row", "column", "part"):
+        wrong |= {name: ("-1", "INT64_MAX")}
+    return "0" if name in ("index", "number") else "1", [(value, None) for value in wrong.get(name, ())]
+
+
+def wrong_calls(name, parameters, handles):
+    following = [*parameters[1:], None]
+    # A single place for a number, such as *count of a function without an array, isn't the count of a buffer.
+    arguments = []
+    for i, parameter in enumerate(parameters):
+        right, wrong = arguments_of(parameter, following[i], handles)
+        is_pair = i > 0 and parameters[i - 1][0].count("*") == 1 and not parameters[i - 1][0].startswith("vx_")
+        if right == "&eight" and not is_pair:
+            wrong = wrong[:1]
+        arguments.append((right, wrong))
+    for i, (_, wrong) in enumerate(arguments):
+        for value, code in wrong:
+            if name == "vx_close" and value == "NULL":
+                continue
+            call = ", ".join(value if j == i else right for j, (right, _) in enumerate(arguments))
+            if parameters[i][1] in ("count", "length", "well_count") and value == "INT64_MAX":
+                code = None
+            made = next((p for p in parameters if p[0].count("*") == 2), None)
+            is_used = made and (value != "NULL" or parameters[i] is not made)
+            declare = f"{made[0][:-1]} made = NULL; " if is_used else ""
+            close = " vx_close(made);" if is_used else ""
+            yield (f"    {{ {declare}reset(); expect_wrong({name}({call}), {code or 'ANY_FAILURE'}, "
+                   f"\"{name}\", \"{parameters[i][1]} is {value}\");{close} }}")
+
+
+def main():
+    listed = [line.split()[0] for line in pathlib.Path(sys.argv[1]).read_text().splitlines() if line.startswith("vx_")]
+    functions, handles = read_functions(pathlib.Path(sys.argv[2]).read_text())
+    declared = [name for name, _ in functions]
+    if sorted(listed) != sorted(declared):
+        sys.exit(f"the list and the header differ: {sorted(set(listed) ^ set(declared))}")
+    folder = pathlib.Path(sys.argv[3])
+    folder.mkdir(parents=True, exist_ok=True)
+    counted = [f"static const char* const call_names[] = {{{', '.join(chr(34) + name + chr(34) for name in listed)}}};",
+               f"static int calls[{len(listed)}];"]
+    counted += [f"#define {name}(...) (++calls[{i}], {name}(__VA_ARGS__))" for i, name in enumerate(listed)]
+    (folder / "counted_calls.h").write_text("\n".join(counted) + "\n")
+    lines = [line for name, parameters in functions for line in wrong_calls(name, parameters, handles)]
+    objects = [f"static {handle} *good_{handle}, *failed_{handle};" for handle in sorted(handles)]
+    body = "\n".join(lines)
+    (folder / "wrong_arguments.h").write_text("\n".join(objects) +
+                                              f"\nstatic void call_with_wrong_arguments(void) {{\n{body}\n}}\n")
+
+
+main()
