@@ -107,6 +107,7 @@ enum vx_code {
     /* The outside world */
     VX_ERROR_FILE = 20,  /* The file can't be opened or read, or is damaged. */
     VX_ERROR_WRITE = 21, /* The system refused a write, or readers can't use a value as it was written. */
+    VX_DAMAGED = 22,     /* The file was read as far as possible, but isn't as it should be. */
     VX_CANCELLED = 30,   /* A callback ended the work. */
     VX_ERROR_MEMORY = 40,
     VX_ERROR_INTERNAL = 41 /* A defect of the library. */
@@ -344,6 +345,207 @@ VX_API int VX_CALL vx_writer_flush_to_disk(vx_writer* writer);
 VX_API int VX_CALL vx_writer_finish(vx_writer* writer);
 /* Returns what the system refused so far, and which values readers can't use; empty if the file is as it should be. */
 VX_API int VX_CALL vx_writer_get_report(vx_writer* writer, char* buffer, int64_t* size);
+
+/* ---- Planning a recording ---------------------------------------------------------------------------------------- */
+
+typedef struct vx_plan vx_plan; /* Whether a recording fits its header. */
+
+typedef struct vx_plan_result {
+    int64_t size;
+    int64_t wells;          /* Number of wells of the recording. */
+    int64_t wells_that_fit; /* How many of them fit, from the first on. */
+    int64_t cells;          /* Number of cells with values of the caller. */
+    int32_t fits;           /* Whether a strict writer takes the header. */
+    int32_t reserved;       /* 0 */
+} vx_plan_result;
+
+/* One cell of a recording header. */
+typedef struct vx_plan_cell {
+    int64_t size;
+    int64_t room;           /* Bytes for the value. */
+    int64_t needed;         /* Bytes of the value. */
+    int64_t wells_that_fit; /* How many wells it can list; if it isn't a list, all or none. */
+    int32_t is_list;        /* Whether it has an item per well. */
+    int32_t reserved;       /* 0 */
+} vx_plan_cell;
+
+/* Checks a recording before anything is recorded. The arguments are those of vx_writer_begin_recording; `file_version`
+ * is that of the file, and 0 is the newest. */
+VX_API int VX_CALL vx_plan_check(vx_plan** out, const vx_recording_header* header, const int32_t* wells,
+                                 const int32_t* ad_zeros, const double* units_per_ad, const int64_t* intervals,
+                                 int64_t count, int32_t file_version);
+VX_API int VX_CALL vx_plan_get_result(vx_plan* plan, vx_plan_result* result);
+/* Returns a sentence about what doesn't fit or is refused; empty if the recording fits. */
+VX_API int VX_CALL vx_plan_get_text(vx_plan* plan, char* buffer, int64_t* size);
+/* Returns the number of wells of each recording if the wells are split into as few as possible. One entry if all fit,
+ * none if no split helps. */
+VX_API int VX_CALL vx_plan_get_split(vx_plan* plan, int64_t* wells, int64_t* count);
+VX_API int VX_CALL vx_plan_get_cell(vx_plan* plan, int64_t index, vx_plan_cell* cell);
+/* Returns the key of a cell, such as "ADZeros". */
+VX_API int VX_CALL vx_plan_get_key(vx_plan* plan, int64_t index, char* buffer, int64_t* size);
+
+/* ---- Settings and results ---------------------------------------------------------------------------------------- */
+
+typedef struct vx_document vx_document; /* The content of a settings or results file. */
+
+enum vx_document_kind { VX_SETTINGS = 0, VX_RESULTS = 1 };
+
+/* What is at a path. */
+enum vx_type {
+    VX_TYPE_OBJECT = 0,    /* Values that have names. */
+    VX_TYPE_LIST = 1,      /* Entries that have numbers, from 0. */
+    VX_TYPE_MAP = 2,       /* Entries that have keys: numbers, such as well IDs, or words, such as tasks. */
+    VX_TYPE_TEXT = 3,      /* Any bytes. */
+    VX_TYPE_WORD = 4,      /* A word of an enumeration; as a number, its number. */
+    VX_TYPE_CHARACTER = 5, /* A text of at most one byte. */
+    VX_TYPE_BOOL = 6,      /* 0 or 1. */
+    VX_TYPE_INTEGER = 7,
+    VX_TYPE_DOUBLE = 8
+};
+
+/* Paths name every value of a document. They are names, numbers and keys with a slash between them, for example
+ *
+ *   Header/CompoundName                                          (both kinds)
+ *   Tasks/Series/Recordings/3/Wells/11/FPfastMaxAmp              (results)
+ *   Tasks/Series/Recordings/3/Wells/11/Responses/QT-Interval/Value
+ *   PropertyRecording/Tick                                       (settings)
+ *   PropertyRecordPlate/Compounds/0/Label
+ *   PropertyAnalyzer/AnalyzeSettings/Tasks/Series/Recordings/0/Wells/11/Analyze
+ *
+ * The empty path is the document. The names are those of the elements in the files, which docs/settings-file.md and
+ * docs/results-file.md describe with their units. Every value can be found from the top with vx_document_get_type,
+ * vx_document_get_count and vx_document_get_name. VX_ERROR_NOT_FOUND if there is nothing at a path.
+ *
+ * Two rules of the files: a well without FPfastDetectionTimes is stored without its averages, findings and responses,
+ * and the eight FPfast values after FPfastDetected are stored only if that is true. */
+
+/* Makes a document with the defaults of its kind. */
+VX_API int VX_CALL vx_document_create(vx_document** out, int32_t kind);
+/* Reads a file. VX_DAMAGED if something in it isn't as it should be; the document then holds what could be read and can
+ * be used, and vx_document_get_faults has the rest. */
+VX_API int VX_CALL vx_document_open(vx_document** out, int32_t kind, const char* path);
+/* Returns sentences about what was wrong with the file; empty if nothing was. */
+VX_API int VX_CALL vx_document_get_faults(vx_document* document, char* buffer, int64_t* size);
+/* Writes a file, or replaces it once the new one is whole. Settings hold one compound and the marks of its active
+ * wells: that at the index `compound` of the plate's list, or the first one with all active wells for -1. For results,
+ * `compound` is -1. VX_ERROR_WRITE if the system refused something; the old file is unchanged then. */
+VX_API int VX_CALL vx_document_save(vx_document* document, const char* path, int32_t compound);
+
+/* Returns what is at a path: one of vx_type. */
+VX_API int VX_CALL vx_document_get_type(vx_document* document, const char* path, int32_t* type);
+/* Returns the number of children of an object, a list or a map. */
+VX_API int VX_CALL vx_document_get_count(vx_document* document, const char* path, int64_t* count);
+/* Returns the name of a child, which continues the path. */
+VX_API int VX_CALL vx_document_get_name(vx_document* document, const char* path, int64_t index, char* buffer,
+                                        int64_t* size);
+
+/* Returns a single value as a text. A number reads back as the same number. */
+VX_API int VX_CALL vx_document_get_text(vx_document* document, const char* path, char* buffer, int64_t* size);
+VX_API int VX_CALL vx_document_set_text(vx_document* document, const char* path, const char* text);
+/* Returns a whole number, a bool or the number of a word. VX_ERROR_VALUE if it is above 2^63 - 1; its text has it. */
+VX_API int VX_CALL vx_document_get_int64(vx_document* document, const char* path, int64_t* value);
+VX_API int VX_CALL vx_document_set_int64(vx_document* document, const char* path, int64_t value);
+VX_API int VX_CALL vx_document_get_double(vx_document* document, const char* path, double* value);
+VX_API int VX_CALL vx_document_set_double(vx_document* document, const char* path, double value);
+/* Returns or replaces all entries of a list of numbers, such as FPfastDetectionTimes or Average. */
+VX_API int VX_CALL vx_document_get_int64s(vx_document* document, const char* path, int64_t* values, int64_t* count);
+VX_API int VX_CALL vx_document_set_int64s(vx_document* document, const char* path, const int64_t* values,
+                                          int64_t count);
+VX_API int VX_CALL vx_document_get_doubles(vx_document* document, const char* path, double* values, int64_t* count);
+VX_API int VX_CALL vx_document_set_doubles(vx_document* document, const char* path, const double* values,
+                                           int64_t count);
+/* Makes an entry with default values: in a map under its key, in a list at its end, where the name must be the number
+ * of entries so far. It is not an error if there is one already; that stays. */
+VX_API int VX_CALL vx_document_insert(vx_document* document, const char* path);
+/* Removes an entry of a list or map. */
+VX_API int VX_CALL vx_document_remove(vx_document* document, const char* path);
+
+/* Writes the results of the task "Series" as workbooks: one at `path`, and one beside it for each well in the state
+ * "new" of the settings' plate. VX_ERROR_WRITE if any wasn't written; the error has a line for each. */
+VX_API int VX_CALL vx_export(vx_document* results, vx_document* settings, const char* path);
+
+typedef struct vx_table vx_table; /* Values of results as columns. */
+
+enum vx_table_kind {
+    VX_TABLE_RESPONSES = 0, /* task, recording, dose, well, label, response, value, normalized */
+    VX_TABLE_MEANS = 1,     /* task, recording, dose, response, mean, sd, wells */
+    VX_TABLE_BEATS = 2,     /* task, recording, dose, well, label, beat, time */
+    VX_TABLE_AVERAGES = 3   /* task, recording, dose, well, label, sample, time, value */
+};
+
+/* Makes a table of all tasks, recordings and wells, with one row per value. Later changes of the document don't change
+ * it. Doses above 2^63 - 1 become that number. Later versions may add columns at the end. */
+VX_API int VX_CALL vx_table_open(vx_table** out, vx_document* results, int32_t table);
+VX_API int VX_CALL vx_table_get_size(vx_table* table, int64_t* rows, int64_t* columns);
+VX_API int VX_CALL vx_table_get_name(vx_table* table, int64_t column, char* buffer, int64_t* size);
+/* Returns the type of a column: VX_TYPE_INTEGER, VX_TYPE_DOUBLE or VX_TYPE_TEXT. */
+VX_API int VX_CALL vx_table_get_type(vx_table* table, int64_t column, int32_t* type);
+VX_API int VX_CALL vx_table_get_int64s(vx_table* table, int64_t column, int64_t* values, int64_t* count);
+VX_API int VX_CALL vx_table_get_doubles(vx_table* table, int64_t column, double* values, int64_t* count);
+VX_API int VX_CALL vx_table_get_text(vx_table* table, int64_t column, int64_t row, char* buffer, int64_t* size);
+
+/* ---- Experimental ------------------------------------------------------------------------------------------------ */
+
+/* These functions may change in any version. Define VX_EXPERIMENTAL to use them. */
+#ifdef VX_EXPERIMENTAL
+
+typedef struct vx_report vx_report; /* What was found in a file. */
+
+enum vx_file_kind { VX_FILE_RAW = 0, VX_FILE_SETTINGS = 1, VX_FILE_RESULTS = 2, VX_FILE_WORKBOOK = 3 };
+
+/* What long work calls, in the thread that called it. Each may be NULL. If one returns anything but 0, the work ends,
+ * and its call returns VX_CANCELLED. */
+typedef struct vx_callbacks {
+    int64_t size;
+    void* user; /* Passed on. */
+    /* How much of `total` is done, in bytes. Called now and then. */
+    int(VX_CALL* progress)(void* user, int64_t done, int64_t total);
+    /* A finding: its offset in the file or -1, where it is, and what it means. The texts are valid during the call. */
+    int(VX_CALL* finding)(void* user, int64_t offset, const char* where, const char* meaning);
+} vx_callbacks;
+
+typedef struct vx_recover_options {
+    int64_t size;
+    int32_t keep_cut; /* Keep a last segment that was cut, up to its last whole sample. */
+    int32_t replace;  /* Replace the target if it exists. */
+} vx_recover_options;
+
+typedef struct vx_report_summary {
+    int64_t size;
+    int64_t findings;  /* Number of findings. */
+    int64_t kept;      /* How many of them vx_report_get_finding has: at most 1,000 of a check, 20,000 of a recovery. */
+    int64_t bytes;     /* Size of the recovered file. */
+    int32_t is_sound;  /* A check: nothing was found. A recovery: the new file has everything, without a doubt. */
+    int32_t is_usable; /* A check: readers open the file. */
+} vx_report_summary;
+
+typedef struct vx_finding {
+    int64_t size;
+    int64_t offset; /* Bytes from the start of the file; -1 if it has no place. */
+    int64_t end;    /* A recovery: offset of the byte after it. Otherwise -1. */
+} vx_finding;
+
+/* The texts of a finding. */
+enum vx_finding_text {
+    VX_FINDING_WHERE = 0,
+    VX_FINDING_FOUND = 1,    /* What is there; of a recovery, "lost" or "in doubt". */
+    VX_FINDING_EXPECTED = 2, /* What should be there; empty in a recovery. */
+    VX_FINDING_MEANING = 3
+};
+
+/* Checks a file against everything that the format of its kind fixes. `kind` is one of vx_file_kind. Findings are not a
+ * failure of the call. */
+VX_API int VX_CALL vx_verify(vx_report** out, const char* path, int32_t kind, const vx_callbacks* callbacks);
+/* Writes everything that is whole in an unfinished, cut or damaged raw data file to a new one. The source is only read.
+ * VX_ERROR_FILE if there is nothing to save; nothing is written then. */
+VX_API int VX_CALL vx_recover(vx_report** out, const char* source, const char* target,
+                              const vx_recover_options* options, const vx_callbacks* callbacks);
+VX_API int VX_CALL vx_report_get_summary(vx_report* report, vx_report_summary* summary);
+VX_API int VX_CALL vx_report_get_finding(vx_report* report, int64_t index, vx_finding* finding);
+/* Returns a text of a finding; `text` is one of vx_finding_text. */
+VX_API int VX_CALL vx_report_get_text(vx_report* report, int64_t index, int32_t text, char* buffer, int64_t* size);
+
+#endif /* VX_EXPERIMENTAL */
 
 #ifdef __cplusplus
 }

@@ -328,6 +328,312 @@ static void report_a_full_disk(void) {
 }
 #endif
 
+/* ---- Settings and results ---- */
+
+static vx_document* open_document(int32_t kind, const char* name) {
+    vx_document* document = NULL;
+    WORKS(vx_document_open(&document, kind, given(name)));
+    return document;
+}
+
+static int64_t whole_at(vx_document* document, const char* path) {
+    int64_t value = -12345;
+    EXPECT(vx_document_get_int64(document, path, &value) == VX_OK);
+    return value;
+}
+
+static int text_is(vx_document* document, const char* path, const char* expected) {
+    char text[200];
+    int64_t size = sizeof text;
+    const int code = vx_document_get_text(document, path, text, &size);
+    if (code != VX_OK) printf("  %s: %s\n", path, error_of(document));
+    return code == VX_OK && strcmp(text, expected) == 0;
+}
+
+static void read_results(void) {
+    vx_document* const results = open_document(VX_RESULTS, "xml/results.vxr");
+    const char* const well = "Tasks/Analyze/Recordings/0/Wells/64";
+    char path[100], text[100];
+    double value = 0, average[7];
+    int64_t count = 7, size = sizeof text, times[2];
+    int32_t type = 0;
+    EXPECT(text_is(results, "Header/CompoundName", "C1"));
+    EXPECT(whole_at(results, "Tasks/Analyze/Recordings/0/Dose") == 1000000);
+    WORKS(vx_document_get_double(results, "Tasks/Analyze/Recordings/0/Wells/64/FPfastMaxAmp", &value));
+    EXPECT(fabs(value - 0.123456789) < 1e-15);
+    EXPECT(text_is(results, "Tasks/Analyze/Recordings/0/Wells/64/FPfastMaxAmp", "0.123456789"));
+    EXPECT(text_is(results, "Tasks/Analyze/Recordings/0/Wells/64/FPmaxType", "PositivePeak"));
+    EXPECT(whole_at(results, "Tasks/Analyze/Recordings/0/Wells/64/FPmaxType") == 1);
+    EXPECT(text_is(results, "Tasks/Analyze/Recordings/0/Wells/64/Responses/Na-Amplitude/Value", "0.5"));
+    EXPECT(text_is(results, "Tasks/Analyze/Recordings/0/NormalizedResponses/QT-Interval/Samples", "4294967295"));
+    snprintf(path, sizeof path, "%s/FPfastDetectionTimes", well);
+    count = 2;
+    WORKS(vx_document_get_int64s(results, path, times, &count));
+    EXPECT(count == 2 && times[0] == 1500 && times[1] == INT64_MIN);
+    snprintf(path, sizeof path, "%s/Average", well);
+    count = 7;
+    WORKS(vx_document_get_doubles(results, path, average, &count));
+    EXPECT(count == 7 && average[2] < -0.12 && average[5] > 1234569);
+    WORKS(vx_document_get_type(results, path, &type));
+    EXPECT(type == VX_TYPE_LIST);
+    WORKS(vx_document_get_count(results, "Tasks/Analyze/Recordings/0/Wells", &count));
+    WORKS(vx_document_get_name(results, "Tasks/Analyze/Recordings/0/Wells", 1, text, &size));
+    EXPECT(count == 3 && strcmp(text, "64") == 0);
+    EXPECT(vx_document_get_double(results, "Tasks/Analyze/Recordings/9", &value) == VX_ERROR_NOT_FOUND);
+    EXPECT(strcmp(error_of(results), "\"Tasks/Analyze/Recordings/9\" has nothing of the name \"9\" after "
+                                     "\"Tasks/Analyze/Recordings/\".") == 0);
+    EXPECT(vx_document_get_int64(results, "Tasks/Analyze/Recordings/0/Wells/64/FPfastMaxAmp", &count) == VX_ERROR_TYPE);
+    WORKS(vx_document_save(results, own("same.vxr"), -1));
+    EXPECT(same_files(own("same.vxr"), given("xml/results.vxr")));
+    WORKS(vx_close(results));
+}
+
+/* Every value can be found from the top. Returns the number of single values below a path. */
+static int64_t walk(vx_document* document, const char* path) {
+    char name[100], child[600], text[300];
+    int32_t type = -1;
+    int64_t count = 0, i, found = 0, size = sizeof text;
+    WORKS(vx_document_get_type(document, path, &type));
+    if (type > VX_TYPE_MAP) {
+        WORKS(vx_document_get_text(document, path, text, &size));
+        return 1;
+    }
+    WORKS(vx_document_get_count(document, path, &count));
+    for (i = 0; i < count; ++i) {
+        size = sizeof name;
+        WORKS(vx_document_get_name(document, path, i, name, &size));
+        snprintf(child, sizeof child, "%s%s%s", path, *path == '\0' ? "" : "/", name);
+        found += walk(document, child);
+    }
+    return found;
+}
+
+static void change_settings(void) {
+    vx_document* settings = open_document(VX_SETTINGS, "xml/settings.vxs");
+    const char* const mark = "PropertyAnalyzer/AnalyzeSettings/Tasks/Series/Recordings/0/Wells/64/Responses/QT-Interval";
+    const char* const copy = own("settings.vxs");
+    const int64_t doses[] = {10, 20, 30};
+    int64_t count = 0;
+    EXPECT(text_is(settings, mark, "Deselected"));
+    EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/0/Label", "C7"));
+    EXPECT(text_is(settings, "Header/RecordingDate", "18446744073709551615"));
+    EXPECT(vx_document_get_int64(settings, "Header/RecordingDate", &count) == VX_ERROR_VALUE);
+    EXPECT(walk(settings, "") > 150);
+    WORKS(vx_document_set_text(settings, mark, "Manually"));
+    EXPECT(vx_document_set_text(settings, mark, "manually") == VX_ERROR_VALUE);
+    WORKS(vx_document_set_int64(settings, "PropertyRecording/ADMax", 65535));
+    EXPECT(vx_document_set_int64(settings, "PropertyRecording/ADMax", 65536) == VX_ERROR_VALUE);
+    EXPECT(vx_document_set_double(settings, "PropertyRecording/ADMax", 1.0) == VX_ERROR_TYPE);
+    WORKS(vx_document_set_double(settings, "PropertyRecording/VoltPerADStep", 0.25));
+    WORKS(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "B"));
+    EXPECT(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "BB") == VX_ERROR_VALUE);
+    WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 3));
+    WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
+    EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
+    WORKS(vx_document_save(settings, copy, -1));
+    EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_FILE);
+    WORKS(vx_close(settings));
+
+    WORKS(vx_document_open(&settings, VX_SETTINGS, copy));
+    EXPECT(text_is(settings, mark, "Manually") && text_is(settings, "PropertyRecording/VoltPerADStep", "0.25"));
+    EXPECT(whole_at(settings, "PropertyRecordPlate/Series/2") == 30);
+    WORKS(vx_document_get_count(settings, "PropertyQualityCheck/QualityChecks", &count));
+    EXPECT(count == 1);
+    WORKS(vx_close(settings));
+}
+
+static void make_results(void) {
+    const char* const entries[] = {"Tasks/Series", "Tasks/Series/Recordings/0", "Tasks/Series/Recordings/0/Wells/11",
+                                   "Tasks/Series/Recordings/0/Wells/11/Responses/Na-Slope",
+                                   "Tasks/Series/Recordings/0/NormalizedResponses/QT-Interval"};
+    const double average[] = {1.5, -2.5};
+    const int64_t beats[] = {100, 250};
+    vx_document* results = NULL;
+    vx_table* table = NULL;
+    char text[30];
+    double values[4];
+    int64_t rows = 0, columns = 0, wholes[4], count = 4, size = sizeof text;
+    int32_t type = 0;
+    size_t i;
+    WORKS(vx_document_create(&results, VX_RESULTS));
+    for (i = 0; i < sizeof entries / sizeof *entries; ++i)
+        WORKS(vx_document_insert(results, entries[i]));
+    EXPECT(vx_document_insert(results, "Tasks/Serious") == VX_ERROR_VALUE);
+    EXPECT(vx_document_insert(results, "Tasks/Series/Recordings/5") == VX_ERROR_VALUE);
+    EXPECT(text_is(results, "Tasks/Series/TaskName", "Series"));
+    WORKS(vx_document_set_int64(results, "Tasks/Series/Recordings/0/Dose", 1000));
+    WORKS(vx_document_set_text(results, "Tasks/Series/Recordings/0/Wells/11/WellLabel", "B7"));
+    WORKS(vx_document_set_int64s(results, "Tasks/Series/Recordings/0/Wells/11/FPfastDetectionTimes", beats, 2));
+    WORKS(vx_document_set_doubles(results, "Tasks/Series/Recordings/0/Wells/11/Average", average, 2));
+    WORKS(vx_document_set_double(results, "Tasks/Series/Recordings/0/Wells/11/Responses/Na-Slope/Value", 7.25));
+    WORKS(vx_document_save(results, own("results.vxr"), -1));
+    WORKS(vx_close(results));
+    WORKS(vx_document_open(&results, VX_RESULTS, own("results.vxr")));
+
+    WORKS(vx_table_open(&table, results, VX_TABLE_RESPONSES));
+    WORKS(vx_table_get_size(table, &rows, &columns));
+    EXPECT(rows == 1 && columns == 8);
+    WORKS(vx_table_get_text(table, 5, 0, text, &size));
+    EXPECT(strcmp(text, "Na-Slope") == 0);
+    WORKS(vx_table_get_doubles(table, 6, values, &count));
+    EXPECT(count == 1 && values[0] == 7.25);
+    EXPECT(vx_table_get_int64s(table, 6, wholes, &count) == VX_ERROR_TYPE);
+    WORKS(vx_close(table));
+    WORKS(vx_table_open(&table, results, VX_TABLE_AVERAGES));
+    size = sizeof text;
+    WORKS(vx_table_get_name(table, 7, text, &size));
+    WORKS(vx_table_get_type(table, 7, &type));
+    count = 4;
+    WORKS(vx_table_get_doubles(table, 7, values, &count));
+    EXPECT(strcmp(text, "value") == 0 && type == VX_TYPE_DOUBLE && count == 2 && values[1] == -2.5);
+    WORKS(vx_close(table));
+    WORKS(vx_table_open(&table, results, VX_TABLE_BEATS));
+    WORKS(vx_close(results)); /* the table has its own copy */
+    count = 4;
+    WORKS(vx_table_get_int64s(table, 6, wholes, &count));
+    EXPECT(count == 2 && wholes[1] == 250);
+    WORKS(vx_close(table));
+}
+
+static void report_a_damaged_document(void) {
+    vx_document* document = NULL;
+    char text[300];
+    int64_t size = sizeof text;
+    EXPECT(vx_document_open(&document, VX_RESULTS, given("xml/settings.vxs")) == VX_DAMAGED);
+    WORKS(vx_document_get_faults(document, text, &size));
+    EXPECT(size > 10 && strcmp(text, error_of(document)) == 0);
+    EXPECT(text_is(document, "Header/FileType", "VXSettings"));
+    WORKS(vx_close(document));
+}
+
+static void export_workbooks(void) {
+    vx_document* const results = open_document(VX_RESULTS, "xml/results.vxr");
+    vx_document* const settings = open_document(VX_SETTINGS, "xml/settings.vxs");
+    const int64_t doses[] = {10};
+    char start[4] = "";
+    EXPECT(vx_export(settings, results, own("wrong.xls")) == VX_ERROR_KIND);
+    WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 1));
+    WORKS(vx_export(results, settings, own("results.xls")));
+    EXPECT(content_of(own("results.xls"), start, 4) == 4 && memcmp(start, "\xD0\xCF\x11\xE0", 4) == 0);
+    EXPECT(vx_export(results, settings, own("no/such/folder.xls")) == VX_ERROR_WRITE);
+    WORKS(vx_close(results));
+    WORKS(vx_close(settings));
+}
+
+/* ---- Planning, checking, recovering ---- */
+
+static vx_plan* make_plan(void) {
+    static int32_t wells[100], zeros[100];
+    static double units[100];
+    static int64_t intervals[100];
+    vx_recording_header header;
+    vx_plan* plan = NULL;
+    int i;
+    for (i = 0; i < 100; ++i) {
+        wells[i] = i;
+        zeros[i] = 32768;
+        units[i] = 0.0002;
+        intervals[i] = 100;
+    }
+    memset(&header, 0, sizeof header);
+    header.size = sizeof header;
+    header.task = "Series";
+    WORKS(vx_plan_check(&plan, &header, wells, zeros, units, intervals, 100, 0));
+    return plan;
+}
+
+static void plan_a_recording(void) {
+    vx_plan* const plan = make_plan();
+    vx_plan_result result;
+    vx_plan_cell cell;
+    char text[200];
+    int64_t size = sizeof text, split[10], count = 10, i;
+    memset(&result, 0, sizeof result);
+    memset(&cell, 0, sizeof cell);
+    result.size = sizeof result;
+    cell.size = sizeof cell;
+    WORKS(vx_plan_get_result(plan, &result));
+    EXPECT(!result.fits && result.wells == 100 && result.wells_that_fit > 20 && result.wells_that_fit < 100);
+    WORKS(vx_plan_get_text(plan, text, &size));
+    EXPECT(strncmp(text, "ADZeros has room for 189 bytes, but needs 599 for 100 wells", 58) == 0);
+    WORKS(vx_plan_get_split(plan, split, &count));
+    EXPECT(count == 4 && split[0] == result.wells_that_fit);
+    for (i = 0; i < result.cells && strcmp(text, "ADZeros") != 0; ++i) {
+        size = sizeof text;
+        WORKS(vx_plan_get_key(plan, i, text, &size));
+    }
+    WORKS(vx_plan_get_cell(plan, i - 1, &cell));
+    EXPECT(cell.is_list && cell.room == 189 && cell.needed == 599);
+    WORKS(vx_close(plan));
+}
+
+/* Counts calls; ends the work at the one that `most` says. */
+struct counted {
+    int progress, findings, most;
+};
+static int VX_CALL count_progress(void* user, int64_t done, int64_t total) {
+    struct counted* const count = (struct counted*)user;
+    EXPECT(done <= total || total <= 0);
+    return ++count->progress == count->most;
+}
+static int VX_CALL count_finding(void* user, int64_t offset, const char* where, const char* meaning) {
+    EXPECT(offset >= -1 && *where != '\0' && *meaning != '\0');
+    ++((struct counted*)user)->findings;
+    return 0;
+}
+
+static void check_and_recover(void) {
+    struct counted count = {0, 0, -1};
+    vx_callbacks callbacks;
+    vx_recover_options options = {sizeof options, 0, 1};
+    vx_report* report = NULL;
+    vx_report_summary summary;
+    vx_finding finding;
+    char text[300];
+    int64_t size = sizeof text;
+    const char* const saved = own("saved.vxd");
+    memset(&callbacks, 0, sizeof callbacks);
+    memset(&summary, 0, sizeof summary);
+    memset(&finding, 0, sizeof finding);
+    callbacks.size = sizeof callbacks;
+    callbacks.user = &count;
+    callbacks.progress = count_progress;
+    callbacks.finding = count_finding;
+    summary.size = sizeof summary;
+    finding.size = sizeof finding;
+    WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, NULL));
+    WORKS(vx_report_get_summary(report, &summary));
+    EXPECT(summary.is_sound && summary.is_usable && summary.findings == 0);
+    WORKS(vx_close(report));
+    WORKS(vx_verify(&report, given("damaged_segments.vxd"), VX_FILE_RAW, &callbacks));
+    WORKS(vx_report_get_summary(report, &summary));
+    EXPECT(!summary.is_sound && summary.findings == count.findings && count.findings > 3 && count.progress > 0);
+    WORKS(vx_report_get_finding(report, 0, &finding));
+    WORKS(vx_report_get_text(report, 0, VX_FINDING_EXPECTED, text, &size));
+    EXPECT(finding.offset > 0 && size > 1);
+    WORKS(vx_close(report));
+    EXPECT(vx_verify(&report, "no/such/file", VX_FILE_WORKBOOK, NULL) == VX_ERROR_FILE);
+    WORKS(vx_close(report));
+
+    count.findings = count.progress = 0;
+    WORKS(vx_recover(&report, given("unfinished.vxd"), saved, &options, &callbacks));
+    WORKS(vx_report_get_summary(report, &summary));
+    EXPECT(summary.bytes > 3000 && summary.findings == count.findings && count.progress > 0);
+    WORKS(vx_close(report));
+    WORKS(vx_verify(&report, saved, VX_FILE_RAW, NULL));
+    WORKS(vx_report_get_summary(report, &summary));
+    EXPECT(summary.is_sound);
+    WORKS(vx_close(report));
+    EXPECT(vx_recover(&report, saved, saved, &options, NULL) == VX_ERROR_ARGUMENT);
+    WORKS(vx_close(report));
+
+    /* A cancelled recovery leaves no file. */
+    count.most = count.progress + 1;
+    EXPECT(vx_recover(&report, given("unfinished.vxd"), own("small.vxd"), &options, &callbacks) == VX_CANCELLED);
+    WORKS(vx_close(report));
+    EXPECT(!same_files(own("small.vxd"), saved));
+}
+
 /* Closes what the calls with wrong arguments get. */
 static void refuse_wrong_arguments(void) {
     vx_raw* raw = NULL;
@@ -342,7 +648,19 @@ static void refuse_wrong_arguments(void) {
     vx_recording_open(&failed_vx_recording, NULL, 0, NULL);
     vx_recording_select(&failed_vx_selection, NULL, NULL, 0, 0, 0);
     vx_writer_create(&failed_vx_writer, "no/such/folder/file", VX_CREATE_NEW);
+    WORKS(vx_document_create(&good_vx_document, VX_RESULTS));
+    WORKS(vx_table_open(&good_vx_table, good_vx_document, VX_TABLE_BEATS));
+    WORKS(vx_verify(&good_vx_report, given("damaged_segments.vxd"), VX_FILE_RAW, NULL));
+    good_vx_plan = make_plan();
+    vx_document_open(&failed_vx_document, VX_RESULTS, "");
+    vx_table_open(&failed_vx_table, good_vx_document, 99);
+    vx_verify(&failed_vx_report, "", VX_FILE_RAW, NULL);
+    vx_plan_check(&failed_vx_plan, NULL, NULL, NULL, NULL, NULL, 0, 0);
     call_with_wrong_arguments();
+    vx_close(good_vx_document), vx_close(failed_vx_document);
+    vx_close(good_vx_table), vx_close(failed_vx_table);
+    vx_close(good_vx_report), vx_close(failed_vx_report);
+    vx_close(good_vx_plan), vx_close(failed_vx_plan);
     vx_close(good_vx_raw), vx_close(failed_vx_raw);
     vx_close(good_vx_recording), vx_close(failed_vx_recording);
     vx_close(good_vx_selection), vx_close(failed_vx_selection);
@@ -359,6 +677,13 @@ static void (*const phases[])(void) = {
 #if defined(__linux__)
     report_a_full_disk,
 #endif
+    read_results,
+    change_settings,
+    make_results,
+    report_a_damaged_document,
+    export_workbooks,
+    plan_a_recording,
+    check_and_recover,
     refuse_wrong_arguments,
 };
 

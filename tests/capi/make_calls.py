@@ -54,7 +54,7 @@ def arguments_of(parameter, following, handles):
         wrong = [(f"({base}*)struct_of({size})", None) for size in ("0", "-1", "7", "5000")]
         if kind.startswith("const"):
             wrong.append((f"({base}*)struct_with_tail(sizeof({base}))", "VX_ERROR_STRUCT"))
-        return good, wrong + ([] if name == "options" else [("NULL", None)])
+        return good, wrong + ([] if name in ("options", "callbacks") else [("NULL", None)])
     wrong = {"index": ("-1", "INT64_MAX"), "well_count": ("-1", "INT64_MAX"), "count": ("-1", "INT64_MAX"),
              "length": ("-1", "INT64_MAX")}
     if kind == "int32_t":
@@ -70,7 +70,7 @@ def wrong_calls(name, parameters, handles):
     arguments = []
     for i, parameter in enumerate(parameters):
         right, wrong = arguments_of(parameter, following[i], handles)
-        is_pair = i > 0 and parameters[i - 1][0].count("*") == 1 and not parameters[i - 1][0].startswith("vx_")
+        is_pair = i > 0 and parameters[i - 1][0].count("*") == 1 and not parameters[i - 1][0].startswith(("vx_", "const"))
         if right == "&eight" and not is_pair:
             wrong = wrong[:1]
         arguments.append((right, wrong))

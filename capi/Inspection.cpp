@@ -1,0 +1,212 @@
+#include "capi/Inspection.h"
+
+#include <array>
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+#include "recovery/Recover.h"
+#include "tools/vxfile/document/XmlVerify.h"
+#include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/system/ExitStatus.h"
+#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "vxfileio/helpers/ReplacingFile.h"
+
+namespace vxfileio::capi {
+
+void CCallbacks::Reach(std::int64_t done, std::int64_t total) const {
+    if (m_callbacks.progress != nullptr && m_callbacks.progress(m_callbacks.user, done, total) != 0)
+        throw CFailed{VX_CANCELLED, "The caller ended the work."};
+}
+
+void CCallbacks::Find(std::int64_t offset, const std::string& where, const std::string& meaning) const {
+    if (m_callbacks.finding != nullptr &&
+        m_callbacks.finding(m_callbacks.user, offset, where.c_str(), meaning.c_str()) != 0)
+        throw CFailed{VX_CANCELLED, "The caller ended the work."};
+}
+
+namespace {
+
+/// One finding, with its texts in the order of `vx_finding_text`.
+struct CFound {
+    std::int64_t offset = -1;
+    std::int64_t end = -1;
+    std::array<std::string, 4> texts;
+};
+
+class CReport : public CObject {
+ public:
+    bool IsOpen() const noexcept override { return m_isOpen; }
+
+    void Verify(const std::string& path, std::int32_t kind, const CCallbacks& callbacks);
+    void Recover(const std::string& source, const std::string& target, const vx_recover_options& options,
+                 const CCallbacks& callbacks);
+
+    const CFound& At(std::int64_t index) const { return m_found[TakeIndex(index, m_found.size())]; }
+    vx_report_summary Summary() const;
+
+ private:
+    void AddRemarks(const recovery::CRemarks& remarks, const char* found);
+    void Deliver(const CCallbacks& callbacks);
+
+    std::vector<CFound> m_found;
+    std::int64_t m_count = 0;
+    std::int64_t m_bytes = 0;
+    bool m_isSound = false;
+    bool m_isUsable = true;
+    bool m_isOpen = false;
+};
+
+void CReport::Verify(const std::string& path, std::int32_t kind, const CCallbacks& callbacks) {
+    constexpr std::array kVerify = {vxfile::VerifyRawData, vxfile::VerifySettings, vxfile::VerifyResults,
+                                    vxfile::VerifyWorkbook};
+    const auto verify = kVerify[TakeIndex(kind, kVerify.size())];
+    const CRunningCheck running(callbacks);
+    try {
+        const vxfile::CFindings findings = verify(path);
+        for (const auto& finding : findings.Kept())
+            m_found.push_back({finding.offset, -1, {finding.where, finding.found, finding.expected, finding.meaning}});
+        m_count = static_cast<std::int64_t>(findings.Count());
+        m_isUsable = findings.Status() != vxfile::kTrouble;
+    } catch (const vxfile::CFailure& failure) {
+        throw CFailed{VX_ERROR_FILE, failure.what()};
+    }
+    m_isSound = m_count == 0;
+    Deliver(callbacks);
+}
+
+void CReport::Deliver(const CCallbacks& callbacks) {
+    m_isOpen = true;
+    for (const CFound& found : m_found)
+        callbacks.Find(found.offset, found.texts[VX_FINDING_WHERE], found.texts[VX_FINDING_MEANING]);
+}
+
+/// What a remark means, in the order of `recovery::EReason`.
+constexpr std::array kMeanings = {
+    "The bytes precede the file.",
+    "No header proves itself.",
+    "The file ends within a header.",
+    "No other whole header follows.",
+    "The header of a recording is damaged or lost.",
+    "Too many cells of the segment header are damaged.",
+    "The cells of the segment header contradict one another.",
+    "Bytes were taken out of it: the next header begins within it.",
+    "Bytes were taken out of the recording header.",
+    "The segment was cut; its last samples are gone.",
+    "The segment was cut; the samples before the cut are kept.",
+    "The file ends, but a segment should follow.",
+    "The file ends, but a recording should follow.",
+    "No position leads there.",
+    "Its times don't fit the interval of its well.",
+    "Cells of the segment header are damaged; they were computed from the others.",
+    "A position is wrong: it is damaged, or bytes were put in or taken out.",
+    "Bytes were put in after it or within it: its samples may be wrong from there on.",
+    "Bytes were taken out after it or within it: its samples may be wrong from there on.",
+    "Nothing confirms where it ends: its last samples may be wrong.",
+    "Bytes were put into its header; what follows it is whole.",
+    "Bytes were taken out of its header; what follows it is whole.",
+    "Bytes were taken out ahead of it or within its header: it may be of another well.",
+    "The file ends after the header of this recording: if it had segments, they are gone.",
+    "What lies here may be something else: two explanations are equally good.",
+    "It and the segments after it may be of a recording whose header was lost ahead of it.",
+    "The segment names this well, but by its times it is of another, where it is kept.",
+    "The recording doesn't list this well; an ID may be damaged.",
+    "Several segments have the same times.",
+    "Whole pages of zeros, which a power cut leaves in place of samples that never reached the disk.",
+    "A time didn't fit the interval; it was computed from the well's other segments.",
+};
+static_assert(kMeanings.size() == static_cast<std::size_t>(recovery::EReason::MadeTime) + 1);
+
+std::string PlaceOf(const recovery::CRemark& remark) {
+    std::string place;
+    if (remark.recording) place += "recording " + std::to_string(*remark.recording) + " > ";
+    if (remark.wellID) place += "well " + std::to_string(*remark.wellID) + " > ";
+    return place + "bytes " + std::to_string(remark.from) + " to " + std::to_string(remark.to);
+}
+
+void CReport::AddRemarks(const recovery::CRemarks& remarks, const char* found) {
+    for (const auto& remark : remarks.first) {
+        const char* const meaning = kMeanings[static_cast<std::size_t>(remark.reason)];
+        m_found.push_back({remark.from, remark.to, {PlaceOf(remark), found, "", meaning}});
+    }
+    m_count += static_cast<std::int64_t>(remarks.first.size() + remarks.more);
+}
+
+/// Returns a path in the form that the standard library takes.
+std::filesystem::path PathOf(const std::string& path) { return std::u8string(path.begin(), path.end()); }
+
+[[noreturn]] void RefuseWrite(const helpers::CReplacingFile& file) { throw CFailed{VX_ERROR_WRITE, file.WriteError()}; }
+
+void CReport::Recover(const std::string& source, const std::string& target, const vx_recover_options& options,
+                      const CCallbacks& callbacks) {
+    using enum helpers::CReplacingFile::ERule;
+    helpers::CFile file;
+    if (!file.OpenForReading(source)) throw CFailed{VX_ERROR_FILE, "Cannot open file " + source};
+    std::error_code ignored;
+    Require(!std::filesystem::equivalent(PathOf(source), PathOf(target), ignored), "The target is the source.");
+    helpers::CReplacingFile whole;
+    if (!whole.Create(target, options.replace != 0 ? Replace : New)) RefuseWrite(whole);
+    const auto reach = [&, total = file.Size()](std::int64_t position) { callbacks.Reach(position, total); };
+    const auto write = [&](std::span<const std::byte> bytes) {
+        if (!whole.File().Append({bytes})) RefuseWrite(whole);
+    };
+    const recovery::COptions how{.keepCut = options.keep_cut != 0, .searched = reach, .saved = reach};
+    const recovery::CReport report = recovery::Recover(recovery::CFileInput(file), how, write);
+    if (report.bytes == 0) throw CFailed{VX_ERROR_FILE, "There is nothing to save in " + source};
+    if (!whole.Commit()) RefuseWrite(whole);
+    m_bytes = report.bytes;
+    m_isSound = report.IsComplete();
+    AddRemarks(report.losses, "lost");
+    AddRemarks(report.doubts, "in doubt");
+    Deliver(callbacks);
+}
+
+vx_report_summary CReport::Summary() const {
+    vx_report_summary summary{};
+    summary.findings = m_count;
+    summary.kept = static_cast<std::int64_t>(m_found.size());
+    summary.bytes = m_bytes;
+    summary.is_sound = m_isSound ? 1 : 0;
+    summary.is_usable = m_isUsable ? 1 : 0;
+    return summary;
+}
+
+}  // namespace
+
+}  // namespace vxfileio::capi
+
+using namespace vxfileio::capi;
+
+int VX_CALL vx_verify(vx_report** out, const char* path, int32_t kind, const vx_callbacks* callbacks) {
+    return Make<CReport>(
+        out, [&](CReport& report) { report.Verify(TakeText(path, "The path"), kind, CCallbacks(callbacks)); });
+}
+
+int VX_CALL vx_recover(vx_report** out, const char* source, const char* target, const vx_recover_options* options,
+                       const vx_callbacks* callbacks) {
+    return Make<CReport>(out, [&](CReport& report) {
+        const vx_recover_options taken = options == nullptr ? vx_recover_options{} : TakeStruct(options);
+        report.Recover(TakeText(source, "The source"), TakeText(target, "The target"), taken, CCallbacks(callbacks));
+    });
+}
+
+int VX_CALL vx_report_get_summary(vx_report* report, vx_report_summary* summary) {
+    return With<CReport>(report, [&](CReport& object) { PutStruct(object.Summary(), summary); });
+}
+
+int VX_CALL vx_report_get_finding(vx_report* report, int64_t index, vx_finding* finding) {
+    return With<CReport>(report, [&](CReport& object) {
+        vx_finding values{};
+        values.offset = object.At(index).offset;
+        values.end = object.At(index).end;
+        PutStruct(values, finding);
+    });
+}
+
+int VX_CALL vx_report_get_text(vx_report* report, int64_t index, int32_t text, char* buffer, int64_t* size) {
+    return With<CReport>(report, [&](CReport& object) {
+        const auto& texts = object.At(index).texts;
+        PutText(texts[TakeIndex(text, texts.size())], buffer, size);
+    });
+}
