@@ -1,0 +1,62 @@
+"""Wells of a recording that share their times, and reading some samples of a run of them."""
+
+from __future__ import annotations
+
+from collections.abc import Sequence
+from typing import NamedTuple
+
+import numpy as np
+from numpy.typing import NDArray
+
+from ._raw import Recording
+
+
+class Run(NamedTuple):
+    """Samples that follow each other at one interval; see `Recording.runs`."""
+
+    time_from: int
+    interval: int
+    samples: int
+    offset: int
+
+    @property
+    def time_after(self) -> int:
+        """The time one interval after the last sample."""
+        return self.time_from + self.samples * self.interval
+
+    def count_before(self, time: int) -> int:
+        """Returns the number of samples that are earlier than `time`."""
+        return min(max(-((self.time_from - time) // self.interval), 0), self.samples)
+
+
+class Group(NamedTuple):
+    """Wells of one recording that have the same runs."""
+
+    wells: tuple[int, ...]
+    runs: tuple[Run, ...]
+
+
+def groups_of(recording: Recording) -> list[Group]:
+    """Returns all wells of a recording, grouped by their runs. The order is that of the first well of each group."""
+    found: dict[tuple[Run, ...], list[int]] = {}
+    for channel in recording.index().wells():
+        runs = tuple(Run(*run) for run in recording.runs(channel.ID).tolist())
+        found.setdefault(runs, []).append(channel.ID)
+    return [Group(tuple(wells), runs) for runs, wells in found.items()]
+
+
+def read_run(recording: Recording, wells: Sequence[int], runs: Sequence[Run], number: int, first: int, count: int,
+             scaled: bool = False) -> NDArray:
+    """Reads `count` samples of a run from its sample `first` on, in one pass. Returns an array with a row for each well.
+
+    `runs` are all runs of the wells: where they overlap, the same times are in more than one run.
+    """
+    dtype = np.dtype(np.float64 if scaled else np.uint16)
+    if count <= 0 or not wells:
+        return np.empty((len(wells), max(count, 0)), dtype)
+    run = runs[number]
+    start = run.time_from + first * run.interval
+    stop = start + count * run.interval
+    skipped = sum(other.count_before(stop) - other.count_before(start) for other in runs[:number])
+    arrays = recording.read(wells, start, stop, scaled)
+    return np.stack([arrays[well][skipped:skipped + count] for well in wells])
