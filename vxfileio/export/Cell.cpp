@@ -5,7 +5,7 @@
 
 namespace YExcel {
 
-/// The new text may be a part of the old one, which goes last.
+/// The new text may be part of the old one, so the old one is freed last.
 template <class Character>
 void Cell::SetCharacters(std::basic_string_view<Character> text, CellType type) {
     const auto kept = text.substr(0, text.find(Character{})).substr(0, kMostCharacters);

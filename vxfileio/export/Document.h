@@ -10,38 +10,37 @@
 
 namespace YExcel {
 
-/// A workbook in memory: sheets with names of their own, which can be saved as a file.
+/// A workbook in memory: sheets with unique names. It can be saved as a file.
 ///
-/// A new document is empty; `CreateSheets` gives it sheets, as often as it is called. Pointers to sheets and cells are
-/// the document's, valid until its end or the next `CreateSheets`. Names are compared byte by byte. Nothing here throws
-/// but for want of memory.
+/// A new document is empty. Sheets and cells belong to the document; pointers to them are valid until it is destroyed
+/// or `CreateSheets` is called. Names are compared byte by byte. Nothing throws except `std::bad_alloc`.
 class Document {
  public:
-    /// Throws all sheets away and begins with `count` new ones, at least one, named "Sheet1", "Sheet2" and so on.
+    /// Removes all sheets and creates `count` new ones, at least one, named "Sheet1", "Sheet2" and so on.
     void CreateSheets(std::int32_t count);
 
-    /// Adds an empty sheet in front of the one at `position`, or at the end if there is none, as for -1. Returns null
-    /// if the name is in use. Of a name, the file keeps 255 bytes; spreadsheet programs want at most 31.
+    /// Inserts an empty sheet before the one at `position`, or at the end if there is none, as for -1. Returns null if
+    /// the name is in use. The file keeps 255 bytes of a name; spreadsheet programs accept at most 31.
     Sheet* AddSheet(const std::string& name, std::int32_t position = -1);
 
-    /// The same with the first free name of "Sheet" and a number, beginning with the number of sheets + 1.
+    /// The same with the first unused name of "Sheet" and a number, starting from the number of sheets + 1.
     Sheet* AddDefaultSheet(std::int32_t position = -1);
 
-    /// Gives a sheet another name. Returns false if there is no such sheet or the new name is in use.
+    /// Renames a sheet. Returns false if there is no such sheet or the new name is in use.
     bool RenameSheet(const std::string& oldName, const std::string& newName);
 
-    /// Returns the sheet of this name, or null.
+    /// Returns the sheet with this name, or null.
     Sheet* FindSheet(const std::string& name);
 
-    /// Writes the workbook to a new file, which replaces any at the path when it is whole. The sheets stay as they are.
-    /// Returns false on failure; then a file that was there is unchanged.
+    /// Writes the workbook to a new file, which replaces any file at the path once it is complete. Doesn't change the
+    /// sheets. On failure, returns false and leaves an existing file unchanged.
     bool SaveToFile(const std::string& path);
 
-    /// Writes the workbook to a file that was created. The caller commits it. Returns false on failure; what the system
-    /// refused is then the file's `Failure`, and a workbook that is too large leaves none.
+    /// Writes the workbook to a file that was created and that the caller commits. Returns false on failure. If the
+    /// system refused something, the file has a `Failure`; if the workbook is too large, it has none.
     [[nodiscard]] bool WriteTo(vxfileio::helpers::CReplacingFile& file);
 
-    /// Returns the workbook's stream, whose bytes `SaveToFile` stores. It is valid until the document changes.
+    /// Returns the workbook's stream, as `SaveToFile` stores it. It is valid until the document changes.
     CWorkbookStream Stream() const { return CWorkbookStream(m_sheets); }
 
  private:

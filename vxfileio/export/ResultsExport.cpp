@@ -17,16 +17,16 @@ namespace {
 
 constexpr enTask kTask = enTask::Series;
 
-/// Where the blocks of responses begin on their sheet.
+/// The row and column where the blocks of responses begin.
 constexpr std::uint32_t kFirstRow = 2;
 constexpr std::uint32_t kFirstColumn = 0;
 
 constexpr const char* kTime = "Time";
 
-/// Amplitudes are kept in volts and shown in microvolts.
+/// Amplitudes are stored in volts and exported in microvolts.
 constexpr double kMicrovolts = 1'000'000.0;
 
-/// One block of the results: a response, and what its values are multiplied by.
+/// A block of the results: a response, and the factor for its values.
 struct CResponseBlock {
     enResponseType response;
     double factor;
@@ -36,7 +36,7 @@ struct CResponseBlock {
 constexpr CResponseBlock kBlocks[] = {
     {enResponseType::QTInterval, 1.0}, {enResponseType::NaAmplitude, kMicrovolts}, {enResponseType::NaSlope, 1.0}};
 
-/// What all workbooks are made from.
+/// The input of all workbooks.
 struct CSource {
     const CResults& results;
     const CPropAnalyzer& analyzer;
@@ -44,9 +44,9 @@ struct CSource {
     std::vector<std::string> doses = {};  ///< By recording.
     settings::CWellIndex index{plate.Data};
     std::uint32_t recordings = static_cast<std::uint32_t>(results.GetRecordingCount(kTask));
-    std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that a sheet has room for.
+    std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that fit on a sheet.
 
-    /// Returns the plate's wells in their order; of several with one ID the first.
+    /// Returns the plate's wells in order. Wells with the same ID are represented by the first one.
     std::vector<const PlateWell*> Wells() const {
         std::vector<const PlateWell*> wells;
         for (const std::int32_t wellID : plate.GetAllWellIDs())
@@ -59,8 +59,8 @@ struct CSource {
     }
 };
 
-// What lies beyond the sheet has no cell, and is left out. A text that is empty leaves its cell empty, but the sheet
-// grows to hold it.
+// Cells beyond the limits of a sheet are left out. An empty text leaves its cell empty, but the sheet grows to include
+// it.
 
 void PutText(YExcel::Sheet& sheet, std::uint32_t row, std::uint32_t column, const std::string& text) {
     if (YExcel::Cell* const cell = sheet.At(row, column)) cell->SetText(text);
@@ -75,7 +75,7 @@ void PutDose(const CSource& source, YExcel::Sheet& sheet, std::uint32_t row, std
     PutText(sheet, row, column, recording < source.doses.size() ? source.doses[recording] : std::string());
 }
 
-/// Returns the well of a recording if its response is there and counts, or null.
+/// Returns the well of a recording if it has this response and it isn't deselected, otherwise null.
 const CResultsWell* CountingWell(const CSource& source, std::uint32_t recording, std::int32_t wellID,
                                  enResponseType response) {
     const CResultsWell* const well = source.Well(recording, wellID);
@@ -108,11 +108,11 @@ void PutResults(const CSource& source, std::int32_t /*wellID*/, YExcel::Sheet& s
     std::uint32_t left = kFirstColumn;
     for (const CResponseBlock& block : kBlocks) {
         PutBlock(source, sheet, block, left);
-        left += source.recordings + 2;  // the labels of the wells, and a gap
+        left += source.recordings + 2;  // the well labels and a gap
     }
 }
 
-/// One column per recording: its dose, and the times of the beats below.
+/// Stores one column per recording: its dose, then the times of the beats.
 void PutBeats(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet) {
     for (std::uint32_t recording = 0; recording < source.shown; ++recording) {
         PutDose(source, sheet, 0, recording, recording);
@@ -124,8 +124,8 @@ void PutBeats(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet) 
     }
 }
 
-/// The time of a sample of the average. (Spreadsheets begin at the start of the axis, one tick ahead of
-/// `GetAveTimeStamp`; files that people have are so.)
+/// Returns the time of a sample of the average. (In workbooks the axis begins one tick before that of
+/// `GetAveTimeStamp`, for compatibility with existing files.)
 double TimeOfSample(const CResultsWell& well, std::uint64_t sample) {
     const std::uint64_t time =
         sample * static_cast<std::uint64_t>(well.AverageTick) - static_cast<std::uint64_t>(well.AveragePreFPfastTime);
@@ -138,8 +138,8 @@ void PutTimeAxis(const CResultsWell& well, YExcel::Sheet& sheet) {
         PutNumber(sheet, sample + 1, 0, TimeOfSample(well, sample));
 }
 
-/// The time axis of the first recording that has an average, and one column per recording: its dose, and the samples of
-/// the average below.
+/// Stores the time axis of the first recording with an average, then one column per recording: its dose, then the
+/// samples of the average.
 void PutAverages(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet) {
     bool hasAxis = false;
     for (std::uint32_t recording = 0; recording < source.shown; ++recording) {
@@ -154,7 +154,7 @@ void PutAverages(const CSource& source, std::int32_t wellID, YExcel::Sheet& shee
     }
 }
 
-/// A sheet: its name, and what puts its cells.
+/// The name of a sheet, and the function that fills it.
 struct CSheetPlan {
     const char* name;
     void (*put)(const CSource& source, std::int32_t wellID, YExcel::Sheet& sheet);
@@ -192,8 +192,8 @@ struct CSaving {
     }
 };
 
-/// Exports the wells that have a workbook of their own, beside that of the results. Skips a well whose label would lead
-/// out of the folder or can't be in the name of a file, and all wells if the path has a NUL byte.
+/// Exports the wells that have their own workbook. Skips a well if its label would point outside the folder or can't be
+/// in a file name, and all wells if the path has a NUL byte.
 void ExportWells(const CSource& source, const std::string& wholePath, CSaving& saving) {
     YExcel::Document document;
     const helpers::CPath path(wholePath.c_str());

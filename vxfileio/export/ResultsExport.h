@@ -14,27 +14,27 @@
 
 namespace vxfileio::workbook {
 
-/// A workbook that wasn't written, and why.
+/// A workbook that wasn't written, with the reason.
 struct CWorkbookFailure {
     enum class EKind {
         NotFinished,  ///< The export ended early.
-        NoFileName,   ///< Its name can't be that of a file, because of the label in it.
-        TooLarge,     ///< It is more than a compound file holds.
+        NoFileName,   ///< The label can't be in a file name.
+        TooLarge,     ///< It exceeds the size limit of compound files.
         Refused,      ///< The system refused something.
     };
 
     EKind kind = EKind::Refused;
-    std::string path;                    ///< In the form that the system takes.
-    helpers::CFileFailure refusal = {};  ///< Of `Refused`.
+    std::string path;                    ///< In the form that the system expects.
+    helpers::CFileFailure refusal = {};  ///< For `Refused`.
 
     /// Returns one line, such as "No space left on device, writing 512 bytes at 0 of out/run-A1.xls".
     std::string Text() const;
 };
 
-/// The work of `CIResultsExport`, which documents the operations.
+/// Implements `CIResultsExport`, where the operations are documented.
 class CResultsExport {
  public:
-    /// Saves a workbook at a path. Returns why it couldn't.
+    /// Saves a workbook at a path. Returns the failure, if any.
     using CSave = std::function<std::optional<CWorkbookFailure>(YExcel::Document& document, const std::string& path)>;
 
     void SetResults(const CResults* results) noexcept { m_results = results; }
@@ -42,11 +42,11 @@ class CResultsExport {
     void SetPropertyResultsExport(const CPropResultsExport* property) noexcept { m_property = property; }
     void SetPropertyRecordPlate(const CPropRecordPlate* plate) noexcept { m_plate = plate; }
 
-    /// Sets how a dose is shown. What this throws ends the export before any workbook is written.
+    /// Sets how doses are converted to text. An exception from it ends the export before any workbook is written.
     void SetDoseText(std::string (*doseText)(std::uint64_t dose)) noexcept { m_doseText = doseText; }
 
     void ExportExcel(const std::string& path);
-    /// The same through a function that saves each workbook. What it throws ends the export.
+    /// The same, but saves each workbook through a function. An exception from it ends the export.
     void Export(const std::string& path, const CSave& save);
 
     /// Returns the workbooks that the last export didn't write.

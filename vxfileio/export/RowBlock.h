@@ -12,14 +12,14 @@
 
 namespace YExcel {
 
-/// Numbers of one short form side by side in a row, held back until it is known where they end: one alone has a record
-/// of its own, several share one.
+/// Adjacent numbers of the same short form in a row. They are collected until the run ends: a single number has its own
+/// kind of record, several share one.
 class CShortRun {
  public:
-    /// Adds the number of a cell. What was held back goes out first if the cell doesn't continue it.
+    /// Adds the number of a cell. If the cell doesn't continue the run, stores the run first.
     template <class Out>
     void Add(CellType type, std::uint16_t column, std::uint32_t word, std::uint16_t row, Out& out);
-    /// Puts out what was held back.
+    /// Stores the run.
     template <class Out>
     void Finish(std::uint16_t row, Out& out) {
         if (!m_items.empty()) PutOut(row, out);
@@ -32,18 +32,18 @@ class CShortRun {
     CellType m_type = CellType::Undefined;
     std::uint16_t m_firstColumn = 0;
     std::uint16_t m_lastColumn = 0;
-    std::vector<MulRK::Item> m_items;  ///< Empty between runs, its memory being used again.
+    std::vector<MulRK::Item> m_items;  ///< Empty between runs, to reuse the memory.
 };
 
-/// Up to 32 rows of a sheet on their way into records. One object serves block after block.
+/// Stores up to 32 rows of a sheet as records. One object is reused for all blocks.
 class RowBlock {
  public:
     static constexpr std::uint32_t kRows = 32;
-    /// Finds the rows of block `number` that hold something.
+    /// Finds the rows of block `number` that aren't empty.
     void Begin(const Sheet& sheet, std::uint32_t number);
 
-    /// Puts the records of the block: its rows, their cells, the way back to them. `indexOf(cell)` gives the index of a
-    /// text in the shared strings. Returns where the `DBCell` stands.
+    /// Stores the records of the block: its rows, their cells, and the `DBCell`. `indexOf(cell)` returns the index of a
+    /// text in the shared strings. Returns the stream offset of the `DBCell`.
     template <class Out, class IndexOf>
     std::size_t Put(const Sheet& sheet, Out& out, IndexOf& indexOf);
 
@@ -52,7 +52,7 @@ class RowBlock {
     void PutCells(const Sheet& sheet, std::uint16_t row, Out& out, IndexOf& indexOf);
 
     std::vector<std::uint16_t> m_rows;
-    std::vector<std::uint16_t> m_offsets;  ///< Of the rows, for their `DBCell`.
+    std::vector<std::uint16_t> m_offsets;  ///< The offsets of the rows, for the `DBCell`.
     CShortRun m_run;
 };
 

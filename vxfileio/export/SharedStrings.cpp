@@ -8,7 +8,7 @@ namespace YExcel {
 
 namespace {
 
-/// A slot that no text has.
+/// A free slot.
 constexpr std::uint32_t kEmpty = std::numeric_limits<std::uint32_t>::max();
 
 constexpr std::size_t kFirstSlots = 64;
@@ -32,7 +32,7 @@ std::uint32_t CSharedStrings::Add(const Cell& cell) {
     return slot;
 }
 
-/// Returns the slot of a text, or the empty one that it is to have.
+/// Returns the slot of a text, or the free slot for it.
 std::uint32_t& CSharedStrings::SlotOf(const SstString& text) {
     const auto characters = text.Text();
     std::size_t place = std::hash<SstString::Characters>()(characters);
@@ -43,7 +43,7 @@ std::uint32_t& CSharedStrings::SlotOf(const SstString& text) {
     }
 }
 
-/// Doubles the slots. Frees the old ones first: the texts are enough to fill the new ones.
+/// Doubles the number of slots. Frees the old ones first, since the new ones are filled from the texts.
 void CSharedStrings::AddSlots() {
     const std::size_t count = std::max(kFirstSlots, 2 * m_slots.size());
     m_slots = std::vector<std::uint32_t>();

@@ -13,11 +13,10 @@
 
 namespace YExcel {
 
-/// A table of cells, as high and wide as the highest row and column that were ever asked for. Rows and columns count
-/// from 0.
+/// A table of cells. It has as many rows and columns as were ever requested, counted from 0.
 ///
-/// Memory goes with the cells that were asked for, in tiles of a few columns and rows, wherever they lie. A cell never
-/// moves.
+/// Memory is proportional to the requested cells, in tiles of a few columns and rows, regardless of their position.
+/// Cells never move.
 class Sheet {
  public:
     static constexpr std::uint32_t kMostRows = 65536;
@@ -28,8 +27,8 @@ class Sheet {
     const std::string& Name() const { return m_name; }
     void Rename(std::string name) { m_name = std::move(name); }
 
-    /// Returns the cell, which the table grows to hold if need be; null beyond the sheet's 65536 rows and 256 columns.
-    /// The cell is the sheet's, valid as long as the sheet.
+    /// Returns a cell. The table grows if necessary. Returns null beyond 65536 rows and 256 columns. The cell belongs
+    /// to the sheet and is valid as long as the sheet exists.
     Cell* At(std::uint32_t row, std::uint32_t column) {
         if (row >= kMostRows || column >= kMostColumns) return nullptr;
         Tile* const known = TileAt(row, column);
@@ -39,7 +38,7 @@ class Sheet {
         return &tile[row % kTileRows][column % kTileColumns];
     }
 
-    /// Calls `take(column, cell)` for every cell of the row that holds something, from left to right.
+    /// Calls `take(column, cell)` for every non-empty cell of the row, from left to right.
     template <class Take>
     void ForEachUsed(std::uint32_t row, Take take) const {
         FindUsed(row, [&](std::uint16_t column, const Cell& cell) {
@@ -48,7 +47,7 @@ class Sheet {
         });
     }
 
-    /// Returns the column of the first cell of the row that holds something, if there is one.
+    /// Returns the column of the first non-empty cell of the row, if any.
     std::optional<std::uint16_t> FirstUsedColumn(std::uint32_t row) const {
         return FindUsed(row, [](const auto&...) { return true; });
     }
@@ -57,13 +56,13 @@ class Sheet {
     std::uint32_t ColumnCount() const { return m_columnCount; }
 
  private:
-    // Cells go into records row by row, and those of a row in one tile share a line of the processor's cache.
+    // Cells are stored row by row. The cells of a row in one tile share a cache line.
     static constexpr std::uint32_t kTileRows = 32;
     static constexpr std::uint32_t kTileColumns = 4;
     using Tile = std::array<std::array<Cell, kTileColumns>, kTileRows>;
     using Band = std::vector<std::unique_ptr<Tile>>;  ///< By column / kTileColumns.
 
-    /// Returns the tile of a cell, or null if there is none yet.
+    /// Returns the tile of a cell, or null if there is none.
     Tile* TileAt(std::uint32_t row, std::uint32_t column) const {
         const std::size_t band = row / kTileRows;
         const std::size_t tile = column / kTileColumns;
@@ -71,7 +70,8 @@ class Sheet {
     }
     Tile& AddTile(std::uint32_t row, std::uint32_t column);
 
-    /// Calls `isFound(column, cell)` for the cells of the row that hold something, until it is true. Returns where.
+    /// Calls `isFound(column, cell)` for the non-empty cells of the row until it returns true. Returns the column where
+    /// it did.
     template <class IsFound>
     std::optional<std::uint16_t> FindUsed(std::uint32_t row, IsFound isFound) const;
 

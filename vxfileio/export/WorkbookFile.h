@@ -6,11 +6,11 @@
 
 namespace YExcel {
 
-/// Writes workbooks, each a compound file with one stream. One object writes one after the other and keeps its memory.
+/// Writes workbooks, each as a compound file with one stream. An object can write several and reuses its memory.
 class CWorkbookFile {
  public:
-    /// Writes a workbook to an empty file that is open for writing. Returns false if the stream is more than a compound
-    /// file holds, or the system refuses something.
+    /// Writes a workbook to an empty file that is open for writing. Returns false if the stream is too large for a
+    /// compound file, or if the system refuses something.
     [[nodiscard]] bool Write(const CWorkbookStream& stream, vxfileio::helpers::CFile& file);
 
  private:

@@ -19,8 +19,7 @@ void PutCopies(int count, const auto& record, auto& out) {
         out.Put(record);
 }
 
-/// Puts the rows and cells of a sheet, and calls `learn(number, position)` with where the `DBCell` of each block
-/// stands.
+/// Stores the rows and cells of a sheet. Calls `learn(number, position)` with the offset of the `DBCell` of each block.
 template <class Out, class IndexOf, class Learn>
 void PutRowBlocks(const Sheet& sheet, Out& out, IndexOf& indexOf, Learn learn) {
     RowBlock block;
@@ -30,7 +29,7 @@ void PutRowBlocks(const Sheet& sheet, Out& out, IndexOf& indexOf, Learn learn) {
     }
 }
 
-/// The records of the globals, in their order.
+/// Stores the records of the globals.
 void PutGlobals(const std::vector<CSheetRecords>& sheets, const SharedStringTable& strings, auto& out) {
     out.Put(BOF{.type = BOF::kGlobals});
     out.Put(Window1());
@@ -43,7 +42,7 @@ void PutGlobals(const std::vector<CSheetRecords>& sheets, const SharedStringTabl
     out.Put(YEOF());
 }
 
-/// The records of a sheet, in their order.
+/// Stores the records of a sheet.
 template <class Out, class IndexOf, class Learn>
 void PutSheet(const CSheetRecords& sheet, Out& out, IndexOf& indexOf, Learn learn) {
     out.Put(BOF{.type = BOF::kSheet});
@@ -54,7 +53,7 @@ void PutSheet(const CSheetRecords& sheet, Out& out, IndexOf& indexOf, Learn lear
     out.Put(YEOF());
 }
 
-/// Returns what is known about a sheet before its cells are counted.
+/// Returns the records of a sheet that don't depend on its cells.
 CSheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
     CSheetRecords records{
         .sheet = &sheet,
@@ -74,7 +73,7 @@ CSheetRecords RecordsOf(const Sheet& sheet, bool isFirst) {
     return records;
 }
 
-/// Adds to the stream offsets of a sheet. (A sheet without rows has one block offset, which stays 0.)
+/// Increases the stream offsets of a sheet. (A sheet without rows has one block offset, which stays 0.)
 void MoveBy(std::size_t bytes, CSheetRecords& sheet) {
     sheet.name.position += Position32(bytes);
     if (BlockCount(*sheet.sheet) == 0) return;
@@ -84,7 +83,7 @@ void MoveBy(std::size_t bytes, CSheetRecords& sheet) {
 
 }  // namespace
 
-/// The cells are counted first, as if nothing stood in front of the sheets: only then all texts are known.
+/// First counts the cells as if the sheets began at offset 0: only after that are all texts known.
 CWorkbookStream::CWorkbookStream(const Sheets& sheets) {
     CStreamSize cells;
     auto collect = [&](const Cell& cell) { return m_strings.Add(cell); };

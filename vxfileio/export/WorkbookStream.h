@@ -12,17 +12,17 @@
 
 namespace YExcel {
 
-/// @name The number of equal records of each kind among the globals
+/// @name Numbers of equal records among the globals
 /// @{
 inline constexpr int kFonts = 4;
 inline constexpr int kFormats = 21;
 inline constexpr int kStyles = 6;
 /// @}
 
-/// The sheets of a workbook, in their order.
+/// The sheets of a workbook, in order.
 using Sheets = std::vector<std::unique_ptr<Sheet>>;
 
-/// A sheet, and the records that describe its cells elsewhere in the stream.
+/// A sheet and the records that describe it elsewhere in the stream.
 struct CSheetRecords {
     const Sheet* sheet = nullptr;
     BoundSheet name = {};
@@ -31,15 +31,15 @@ struct CSheetRecords {
     Window2 window = {};
 };
 
-/// The stream that stands for a workbook of sheets, which must stay as they are as long as this object is in use. It is
-/// counted at once, and comes piece by piece when asked for, so that it is never in memory whole.
+/// The stream of a workbook. The sheets must not change while this object is in use. The constructor computes the size;
+/// the bytes are created piece by piece on request, so the whole stream is never in memory.
 class CWorkbookStream {
  public:
     explicit CWorkbookStream(const Sheets& sheets);
 
     /// Returns the number of bytes.
     std::size_t Size() const { return m_size; }
-    /// Gives out all bytes, in pieces of `CRecordStream::kPieceSize` and a last one of what is left.
+    /// Passes all bytes to `take` in pieces of `CRecordStream::kPieceSize`; the last piece is smaller.
     void GiveTo(const CRecordStream::Take& take) const;
 
  private:

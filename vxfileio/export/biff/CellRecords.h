@@ -4,7 +4,7 @@
 #include <span>
 
 /// @file
-/// The records of single cells, and of runs of cells in a row. Rows and columns count from 0; `xf` is the index of the
+/// The records of single cells and of runs of cells in a row. Rows and columns count from 0; `xf` is the index of the
 /// cell's format. The caller owns the items of a run, which must outlive the record.
 
 namespace YExcel {
@@ -42,7 +42,7 @@ struct MulRK {
     }
 };
 
-/// A number in full.
+/// A full double.
 struct Number {
     static constexpr std::uint16_t kCode = 0x0203;
 
@@ -66,7 +66,7 @@ struct LabelSST {
     static constexpr void Fields(auto& self, auto& body) { body(self.row, self.column, self.xf, self.stringIndex); }
 };
 
-/// A cell that has a format and nothing else. A saved workbook has none, nor any of the records below.
+/// A cell with a format only. Saved workbooks have neither this record nor those below.
 struct Blank {
     static constexpr std::uint16_t kCode = 0x0201;
 
@@ -91,7 +91,7 @@ struct MulBlank {
     }
 };
 
-/// A truth value, or the code of an error.
+/// A boolean or an error code.
 struct BoolErr {
     static constexpr std::uint16_t kCode = 0x0205;
 

@@ -12,25 +12,25 @@
 #include "vxfileio/helpers/LittleEndian.h"
 
 /// @file
-/// Bodies longer than a record may be: the rest goes into CONTINUE records after it.
+/// Bodies that exceed the maximum length of a record continue in CONTINUE records.
 
 namespace YExcel {
 
 using vxfileio::helpers::CFieldSize;
 using vxfileio::helpers::CFieldVisitor;
 
-/// The most bytes of a body that one record holds, its header not counted.
+/// The maximum length of a record's body, without its header.
 inline constexpr std::size_t kMostBody = 8224;
-/// Code and length in front of every body.
+/// The size of the code and the length before every body.
 inline constexpr std::size_t kHeaderSize = 4;
 inline constexpr std::uint16_t kContinue = 0x003C;
 
-/// Lays the fields of a body out over a record and as many CONTINUE records as it takes, and tells `Records` what goes
-/// where: `Begin(code)` for each record, then `Bytes` of its body.
+/// Splits the fields of a body into a record and as many CONTINUE records as necessary. Calls `Begin(code)` of
+/// `Records` for each record, then `Bytes` for its body.
 ///
-/// Numbers and bytes are cut wherever a record is full. A counted string is cut between two characters, and its option
-/// byte is said again in front of those that go on behind the cut; it moves as a whole to the next record if it doesn't
-/// fit and hardly any of it would stay.
+/// Numbers and bytes are split wherever a record is full. A counted string is split between two characters, and its
+/// option byte is repeated before the remaining ones. If it doesn't fit and the room is small, the whole string moves
+/// to the next record.
 template <class Records>
 class CContinuedBody : public CFieldVisitor<CContinuedBody<Records>> {
  public:
@@ -61,7 +61,7 @@ class CContinuedBody : public CFieldVisitor<CContinuedBody<Records>> {
     }
 
  private:
-    /// With less room than this, a string that doesn't fit isn't even begun.
+    /// If less room than this is left, a string that doesn't fit moves to the next record.
     static constexpr std::size_t kLeastRoomForPart = 12;
 
     void Continue() {
@@ -81,10 +81,10 @@ class CContinuedBody : public CFieldVisitor<CContinuedBody<Records>> {
     }
 
     Records& m_records;
-    std::size_t m_room = kMostBody;  ///< Bytes that the record at hand still takes.
+    std::size_t m_room = kMostBody;  ///< Bytes left in the current record.
 };
 
-/// Adds up the bytes of records, headers included.
+/// Adds up the sizes of records, including headers.
 class CRecordsSize {
  public:
     void Begin(std::uint16_t /*code*/) { m_size += kHeaderSize; }

@@ -9,13 +9,13 @@
 
 namespace YExcel {
 
-/// The option byte in front of characters of one byte, and of two.
+/// The option byte before 8-bit characters and before 16-bit characters.
 inline constexpr std::uint8_t kNarrow = 0;
 inline constexpr std::uint8_t kWide = 1;
 
-/// A text as it stands in a record: its length in characters, an option byte, the characters. The characters belong to
-/// somebody else and must outlive this object, which is small, since a workbook may have many. A text that is longer
-/// than `Length` can tell is cut there.
+/// A text in a record: its length in characters, an option byte, the characters. Stores only a pointer to the
+/// characters, which must outlive this object: it is small, since a workbook may have many. A text longer than the
+/// maximum of `Length` is cut.
 template <class Length>
 class CCountedString {
  public:
@@ -56,7 +56,7 @@ class CCountedString {
         return static_cast<Length>(std::min<std::size_t>(characters.size(), std::numeric_limits<Length>::max()));
     }
 
-    /// The first character, narrow or wide according to the option.
+    /// The first character, narrow or wide depending on the option.
     union CFirst {
         const char* narrow;
         const char16_t* wide;
@@ -67,10 +67,9 @@ class CCountedString {
     std::uint8_t m_option = kNarrow;
 };
 
-/// The name of a font or a sheet.
+/// The name of a font or sheet.
 using SmallString = CCountedString<std::uint8_t>;
-/// A text of the shared strings, or the name of a style. Where it goes over the end of a record is told by
-/// `CContinuedBody`.
+/// A text of the shared strings, or the name of a style. `CContinuedBody` splits it at the end of a record.
 using SstString = CCountedString<std::uint16_t>;
 
 }  // namespace YExcel

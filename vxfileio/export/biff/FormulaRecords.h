@@ -7,18 +7,18 @@
 #include "vxfileio/export/biff/GlobalRecords.h"
 
 /// @file
-/// A formula and the records that may follow it. A saved workbook has none of them. Rows and columns count from 0.
+/// A formula and the records that may follow it. Saved workbooks have none of them. Rows and columns count from 0.
 
 namespace YExcel {
 
-/// A parsed expression, byte for byte, after its size. The caller owns the bytes; those beyond 65535 are cut off.
+/// A parsed expression: its size and its bytes. The caller owns the bytes; those after the first 65535 are cut off.
 struct Expression {
     std::string_view bytes;
 
     static constexpr void Fields(auto& self, auto& body) { body.template Counted<std::uint16_t>(self.bytes); }
 };
 
-/// A rectangle of cells, first and last ones included.
+/// A rectangle of cells, including the first and the last ones.
 struct CellRange {
     std::uint16_t firstRow = 0;
     std::uint16_t lastRow = 0;
@@ -43,7 +43,7 @@ struct Array {
     }
 };
 
-/// A formula that several cells share. It exists under two codes.
+/// A formula shared by several cells. It has two possible codes.
 template <std::uint16_t code>
 struct SharedFormula {
     static constexpr std::uint16_t kCode = code;
@@ -59,7 +59,7 @@ struct SharedFormula {
 using ShrFmla = SharedFormula<0x00BC>;
 using ShrFmla1 = SharedFormula<0x04BC>;
 
-/// A table of the results of a formula for rows and columns of input.
+/// A table of a formula's results for rows and columns of input.
 struct Table {
     static constexpr std::uint16_t kCode = 0x0036;
 
@@ -76,7 +76,7 @@ struct Table {
     }
 };
 
-/// The text that a formula resulted in.
+/// The text result of a formula.
 struct String {
     static constexpr std::uint16_t kCode = 0x0207;
 
@@ -85,7 +85,7 @@ struct String {
     static constexpr void Fields(auto& self, auto& body) { body(self.text); }
 };
 
-/// A formula with its last result. At most one of the records above follows it; the caller puts that too.
+/// A formula with its last result. At most one of the records above follows it; the caller stores that record, too.
 struct Formula {
     static constexpr std::uint16_t kCode = 0x0006;
 

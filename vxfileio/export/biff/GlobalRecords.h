@@ -9,7 +9,7 @@
 #include "vxfileio/export/biff/CountedString.h"
 
 /// @file
-/// The records in front of the sheets: what holds for the whole workbook. `BOF` and `YEOF` enclose every sheet as well.
+/// The records before the sheets, which apply to the whole workbook. `BOF` and `YEOF` also enclose every sheet.
 
 namespace YExcel {
 
@@ -35,14 +35,14 @@ struct BOF {
     }
 };
 
-/// The end of what a `BOF` began.
+/// The end of the globals or of a sheet.
 struct YEOF {
     static constexpr std::uint16_t kCode = 0x000A;
 
     static constexpr void Fields(auto& /*self*/, auto& /*body*/) {}
 };
 
-/// The window that shows the workbook. Lengths are in twentieths of a point, the tab bar's share in thousandths.
+/// The workbook's window. Lengths are in twentieths of a point, the width of the tab bar in thousandths.
 struct Window1 {
     static constexpr std::uint16_t kCode = 0x003D;
 
@@ -62,7 +62,7 @@ struct Window1 {
     }
 };
 
-/// A font. The height is in twentieths of a point.
+/// A font. Its height is in twentieths of a point.
 struct Font {
     static constexpr std::uint16_t kCode = 0x0031;
 
@@ -104,15 +104,15 @@ struct XF {
     }
 };
 
-/// A named style: one that is built in, or else one with a name of its own.
+/// A named style: a built-in one, or one with its own name.
 struct Style {
     static constexpr std::uint16_t kCode = 0x0293;
     static constexpr std::uint16_t kBuiltIn = 0x8000;
 
     std::uint16_t xfAndFlag = kBuiltIn;
-    std::uint8_t identifier = 0;  ///< Of a built-in style, as is the level.
+    std::uint8_t identifier = 0;  ///< Identifier and level of a built-in style.
     std::uint8_t level = 0xFF;
-    SstString name = SstString();  ///< Of any other.
+    SstString name = SstString();  ///< The name of any other style.
 
     static constexpr void Fields(auto& self, auto& body) {
         body(self.xfAndFlag);
@@ -124,7 +124,7 @@ struct Style {
     }
 };
 
-/// A sheet: its name, and the stream offset of its `BOF`.
+/// The name of a sheet and the stream offset of its `BOF`.
 struct BoundSheet {
     static constexpr std::uint16_t kCode = 0x0085;
 
@@ -136,8 +136,8 @@ struct BoundSheet {
     static constexpr void Fields(auto& self, auto& body) { body(self.position, self.visibility, self.type, self.name); }
 };
 
-/// Every text of the workbook once. `total` counts the cells that show one. Strings are added without a copy of those
-/// that are there.
+/// All texts of the workbook, each once. `total` is the number of cells with a text. Adding strings doesn't move the
+/// existing ones.
 struct SharedStringTable {
     static constexpr std::uint16_t kCode = 0x00FC;
 
@@ -150,13 +150,13 @@ struct SharedStringTable {
     }
 };
 
-/// The stream offset of every n-th shared string. It is optional; a saved workbook has none.
+/// The stream offset of every n-th shared string. It is optional; saved workbooks have none.
 struct ExtSST {
     static constexpr std::uint16_t kCode = 0x00FF;
 
     struct Bucket {
-        std::uint32_t position = 0;  ///< Of its first string, from the start of the stream.
-        std::uint16_t offset = 0;    ///< The same, from the start of its record.
+        std::uint32_t position = 0;  ///< Stream offset of its first string.
+        std::uint16_t offset = 0;    ///< The same, from the beginning of the record.
 
         static constexpr void Fields(auto& self, auto& body) {
             body(self.position, self.offset, kReserved<std::uint16_t>);

@@ -8,18 +8,18 @@
 #include "vxfileio/helpers/FieldVisitors.h"
 
 /// @file
-/// Records of a workbook stream: each is its code, the length of its body, and the body, all numbers little-endian.
+/// Records of a workbook stream: code, length of the body, and body. All numbers are little-endian.
 
 namespace YExcel {
 
-/// A plain value with a `kCode` and one list of fields, `Fields`. A new one has the values that a fresh workbook has.
+/// A plain value with a `kCode` and a list of fields, `Fields`. The defaults are the values of a new workbook.
 template <class Type>
 concept Record = requires(const Type& record, CFieldSize& size) {
     { Type::kCode } -> std::convertible_to<std::uint16_t>;
     Type::Fields(record, size);
 };
 
-/// Returns the bytes of the body, as if it stood in one record.
+/// Returns the bytes of the body, as if it were in one record.
 template <Record Type>
 constexpr std::size_t DataSize(const Type& record) {
     CFieldSize size;
@@ -27,7 +27,7 @@ constexpr std::size_t DataSize(const Type& record) {
     return size.Size();
 }
 
-/// Returns the bytes that the record takes in a stream, its own header and all that its CONTINUE records add included.
+/// Returns the size of the record in a stream, including all headers and what its CONTINUE records add.
 template <Record Type>
 constexpr std::size_t RecordSize(const Type& record) {
     const std::size_t dataSize = DataSize(record);

@@ -13,9 +13,8 @@
 #include "vxfileio/helpers/LittleEndian.h"
 
 /// @file
-/// The two ends that a row of records can be put into: one counts the bytes, the other stores them. Whoever puts
-/// records is written once for both, so that the size of a stream is known to the byte before its first record is
-/// stored.
+/// Two outputs for records: one counts the bytes, the other stores them. Code that stores records is a template for
+/// both, so the exact size of a stream is known before its first record is stored.
 
 namespace YExcel {
 
@@ -24,7 +23,7 @@ using vxfileio::helpers::CFieldStore;
 /// Counts the bytes of a stream.
 class CStreamSize {
  public:
-    /// Bytes so far: where the next record begins.
+    /// The number of bytes so far, which is the offset of the next record.
     std::size_t Position() const { return m_size; }
     void Put(const Record auto& record) { m_size += RecordSize(record); }
 
@@ -32,19 +31,19 @@ class CStreamSize {
     std::size_t m_size = 0;
 };
 
-/// Stores the bytes of a stream and hands them on piece by piece. The pieces stand in one buffer that is used again and
-/// again, so that the stream is never in memory whole.
+/// Stores the bytes of a stream and passes them on in pieces. The pieces share one buffer, so the whole stream is never
+/// in memory.
 class CRecordStream {
  public:
-    /// The bytes of every piece but the last one, which has what is left.
+    /// The size of every piece except the last one.
     static constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
 
-    /// Takes a piece, whose bytes are valid until it returns.
+    /// Receives a piece. The bytes are valid until it returns.
     using Take = std::function<void(std::span<const std::byte> piece)>;
 
     explicit CRecordStream(Take take) : m_take(std::move(take)) {}
 
-    /// Bytes so far: where the next record begins.
+    /// The number of bytes so far, which is the offset of the next record.
     std::size_t Position() const { return m_handedOn + Waiting(); }
 
     /// Appends a record.
@@ -64,13 +63,13 @@ class CRecordStream {
         HandOnWholePiece();
     }
 
-    /// Hands on the bytes after the last whole piece, if there are any.
+    /// Passes on the bytes after the last whole piece, if any.
     void Finish() {
         if (m_end != m_buffer.get()) HandOn(Waiting());
     }
 
  private:
-    /// The records of a body that is too long for one.
+    /// The records of a body that is too long for one record.
     class LongBody {
      public:
         explicit LongBody(CRecordStream& stream) : m_stream(stream) {}
@@ -91,12 +90,12 @@ class CRecordStream {
 
      private:
         CRecordStream& m_stream;
-        std::uint16_t m_length = 0;  ///< Of the record's body so far.
+        std::uint16_t m_length = 0;  ///< The length of the current record's body so far.
     };
 
     std::size_t Waiting() const { return static_cast<std::size_t>(m_end - m_buffer.get()); }
 
-    /// Leaves less than a piece waiting, and so room for a record.
+    /// Leaves less than a piece waiting, so that there is room for a record.
     void HandOnWholePiece() {
         if (Waiting() >= kPieceSize) HandOn(kPieceSize);
     }
@@ -109,10 +108,10 @@ class CRecordStream {
 
     Take m_take;
     std::size_t m_handedOn = 0;
-    /// Room for a piece, and for the record that goes over its end.
+    /// Has room for a piece and for the record that exceeds it.
     std::unique_ptr<std::byte[]> m_buffer =
         std::make_unique_for_overwrite<std::byte[]>(kPieceSize + kHeaderSize + kMostBody);
-    std::byte* m_end = m_buffer.get();  ///< Of what waits to be handed on.
+    std::byte* m_end = m_buffer.get();  ///< The end of the bytes that wait to be passed on.
 };
 
 /// Returns the bytes of a single record.

@@ -6,11 +6,11 @@
 #include <limits>
 
 /// @file
-/// The short form of a number: the upper 30 bits of a double, or a whole number of 30 bits. Bit 0 of the word says that
-/// the number is to be divided by 100, bit 1 that it is whole.
+/// The short form of a number: the upper 30 bits of a double, or a 30-bit integer. Bit 0 of the word means that the
+/// number is to be divided by 100, bit 1 that it is an integer.
 ///
-/// A double goes into it if its decimals end with the second one, as far as a look at four of them can tell. That isn't
-/// always the value to its last bit: 12.34005 comes back as 12.3400390625, and 5242.89 as 5242.88.
+/// A double has the short form if its third and fourth decimals appear to be 0. The value isn't always exact: 12.34005
+/// reads back as 12.3400390625, and 5242.89 as 5242.88.
 
 namespace YExcel {
 
@@ -22,18 +22,18 @@ inline constexpr std::uint32_t kFlags = kHundredths | kWhole;
 
 constexpr std::uint32_t Bits(std::int32_t value) { return static_cast<std::uint32_t>(value); }
 
-/// A hundred times the number, in 32 bits that wrap.
+/// Returns the number times 100, modulo 2^32.
 constexpr std::uint32_t TimesHundred(std::int32_t value) { return Bits(value) * 100U; }
 
 }  // namespace rk
 
-/// Cuts the decimals off. Returns the least 32-bit number if the value doesn't fit or isn't a number.
+/// Removes the decimals. Returns the minimum if the value doesn't fit into 32 bits or isn't a number.
 constexpr std::int32_t Truncate(double value) {
     constexpr double kEnd = 2147483648.0;
     return value > -kEnd && value < kEnd ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
 }
 
-/// Tells whether a double is stored in the short form.
+/// Returns whether a double is stored in the short form.
 constexpr bool TwoDecimalTest(double value) {
     return rk::TimesHundred(Truncate(value * 100.0)) == rk::Bits(Truncate(value * 10000.0));
 }
@@ -45,10 +45,10 @@ constexpr std::uint32_t EncodeRK(double value) {
     return (static_cast<std::uint32_t>(bits >> 32U) & ~rk::kFlags) | (hasDecimals ? rk::kHundredths : 0U);
 }
 
-/// Returns the word for a whole number; of one that doesn't fit, the upper 2 bits are lost.
+/// Returns the word for an integer. If it doesn't fit, the upper 2 bits are lost.
 constexpr std::uint32_t EncodeIntegerRK(std::int32_t value) { return rk::Bits(value) * 4U + rk::kWhole; }
 
-/// Returns the number of a word. The decimals of a whole number divided by 100 are cut off.
+/// Returns the number of a word. An integer divided by 100 loses its decimals.
 inline double DecodeRK(std::uint32_t word) {
     const bool hundredths = (word & rk::kHundredths) != 0;
     if ((word & rk::kWhole) != 0) {

@@ -11,7 +11,7 @@
 
 namespace YExcel {
 
-/// The stream offsets of the `DBCell` of each row block.
+/// The stream offset of each row block's `DBCell`.
 struct Index {
     static constexpr std::uint16_t kCode = 0x020B;
 
@@ -25,12 +25,12 @@ struct Index {
     }
 };
 
-/// The part of the sheet that is in use.
+/// The used part of the sheet.
 struct Dimensions {
     static constexpr std::uint16_t kCode = 0x0200;
 
     std::uint32_t firstUsedRow = 0;
-    std::uint32_t endRow = 0;  ///< Last used row + 1, as the column below.
+    std::uint32_t endRow = 0;  ///< Last used row + 1; the same for the column below.
     std::uint16_t firstUsedColumn = 0;
     std::uint16_t endColumn = 0;
 
@@ -57,7 +57,7 @@ struct Window2 {
     }
 };
 
-/// A row that has cells. The height is in twentieths of a point.
+/// A row with cells. Its height is in twentieths of a point.
 struct Row {
     static constexpr std::uint16_t kCode = 0x0208;
 
@@ -73,9 +73,9 @@ struct Row {
     }
 };
 
-/// The end of a row block: how far back its first `Row` is, and the way from there to the cells of each row. The first
-/// offset leads from the second `Row` to the first cell, each further one from row to row. The offsets belong to
-/// somebody else and must outlive the record.
+/// The end of a row block: the distance back to its first `Row`, and the offsets to the cells of each row. The first
+/// offset counts from the second `Row` to the first cell, the others from row to row. The caller owns the offsets,
+/// which must outlive the record.
 struct DBCell {
     static constexpr std::uint16_t kCode = 0x00D7;
 

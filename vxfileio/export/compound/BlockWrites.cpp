@@ -32,7 +32,7 @@ void CBlockWrites::AddCopy(std::uint32_t index, std::span<const std::byte, Secto
     m_parts.emplace(index, copy);
 }
 
-/// Writes the parts that begin before block `end`, and those that follow them without a gap.
+/// Writes the parts that begin before block `end`, and those that directly follow them.
 bool CBlockWrites::WriteBefore(std::uint32_t end, SectorFile& file) {
     bool isComplete = true;
     while (!m_parts.empty() && m_parts.begin()->first < end) {

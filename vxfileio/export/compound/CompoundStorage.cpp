@@ -19,18 +19,18 @@ constexpr bool IsBig(std::size_t streamSize) { return streamSize >= kMiniStreamC
 
 // ---- Where the FAT is -----------------------------------------------------------------------------------------------
 
-/// A sector of the FAT is the first of the sectors that it has the marks of.
+/// Each FAT sector is the first of the sectors that it has marks for.
 constexpr std::uint32_t FatSector(std::size_t i) { return static_cast<std::uint32_t>(i * kMarksPerSector); }
 
-/// The first FAT sector that a sector of the DIFAT lists.
+/// Returns the first FAT sector that a DIFAT sector lists.
 constexpr std::size_t FirstFatListedBy(std::size_t difatSector) {
     return kDifatEntriesInHeader + difatSector * kDifatEntriesPerSector;
 }
 
-/// A sector of the DIFAT follows the first FAT sector that it lists.
+/// Each DIFAT sector follows the first FAT sector that it lists.
 constexpr std::uint32_t DifatSector(std::size_t i) { return FatSector(FirstFatListedBy(i)) + 1; }
 
-/// The header is block 0, so sectors count from block 1.
+/// The header is block 0, so sector 0 is block 1.
 constexpr std::uint32_t BlockOf(std::uint32_t sector) { return sector + 1; }
 
 // ---- Bytes ----------------------------------------------------------------------------------------------------------
@@ -76,8 +76,8 @@ CSplitPath Split(std::string_view path) {
 
 bool IsName(std::string_view text) { return !text.empty() && text != "." && text != ".."; }
 
-/// Goes the way of a path from `node` on. Where there is no storage of a name, `missing(node, name)` says how it goes
-/// on; null ends the way.
+/// Follows a path from `node`. Where a storage is missing, continues with the result of `missing(node, name)`; null
+/// ends the walk.
 DirectoryNode* Walk(DirectoryNode* node, std::string_view path, auto missing) {
     while (node != nullptr && !path.empty()) {
         const std::string_view name = path.substr(0, path.find('\\'));
@@ -204,7 +204,7 @@ std::int32_t CompoundStorage::WriteFile(const std::string& path, std::size_t siz
     return kSuccess;
 }
 
-/// Sets the size first: it says which table has the chain, even if memory runs out before all of the chain is there.
+/// Sets the size first: it determines which table has the chain, even if memory runs out before the chain is complete.
 void CompoundStorage::FitStream(DirectoryEntry& entry, std::size_t size, bool isBig) {
     entry.streamSize = static_cast<std::uint32_t>(size);
     if (isBig) {
@@ -214,7 +214,7 @@ void CompoundStorage::FitStream(DirectoryEntry& entry, std::size_t size, bool is
     }
 }
 
-/// The root's stream is the mini stream. Its first sector is taken before the mini FAT's, and any further ones after.
+/// The root's stream is the mini stream. Its first sector is allocated before the mini FAT's, the others after it.
 void CompoundStorage::FitMiniStream(DirectoryEntry& entry, std::size_t size) {
     DirectoryEntry& root = m_directory.Root()->entry;
     if (size > 0 && root.startSector == kEndOfChain) m_fat.FitChain(root.startSector, 1);
@@ -236,9 +236,9 @@ std::uint32_t CompoundStorage::CopyToMiniStream(std::uint32_t miniSector, CBytes
 
 // ---- Room for more sectors ------------------------------------------------------------------------------------------
 
-// Sectors of a table are counted after their marks are there, since that can run out of memory.
+// Sectors of a table are counted only once their marks exist, since creating those can run out of memory.
 
-/// The file grows by a sector of the FAT, and by one of the DIFAT if no other has room to list that.
+/// Adds a FAT sector to the file, and a DIFAT sector if no other has room to list it.
 void CompoundStorage::ExtendFat() {
     m_fat.AddSector();
     const std::uint32_t fatSector = m_header.fatSectors++;
@@ -269,15 +269,15 @@ void CompoundStorage::WriteTables() {
     Write(writes);
 }
 
-/// Writes a piece of a stream to its chain from this sector on, and the tables in front of it. Returns the sector that
-/// the next piece goes to.
+/// Writes a piece of a stream to its chain from this sector on, and the tables before it. Returns the sector for the
+/// next piece.
 std::uint32_t CompoundStorage::WritePiece(CBlockWrites& writes, std::uint32_t sector, CBytes piece) {
     sector = AddChain(writes, sector, piece);
     if (!writes.WriteLentTo(m_file)) m_isComplete = false;
     return sector;
 }
 
-/// Adds everything in the file besides the streams.
+/// Adds everything except the streams.
 void CompoundStorage::AddTables(CBlockWrites& writes) {
     const std::vector<std::byte> directory = m_directory.Encode();
     m_fat.FitChain(m_header.firstDirectorySector, Count(directory.size(), kSectorSize));  // changes header and FAT
@@ -313,7 +313,7 @@ void CompoundStorage::AddMiniFat(CBlockWrites& writes) const {
         AddSector(writes, sector, m_miniFat.MarksOf(i));
 }
 
-/// Adds the bytes of a chain from this sector on. Returns the sector after them.
+/// Adds bytes for a chain from this sector on. Returns the sector after them.
 std::uint32_t CompoundStorage::AddChain(CBlockWrites& writes, std::uint32_t sector, CBytes bytes) const {
     while (!bytes.empty() && sector != kEndOfChain) {
         const std::uint32_t length = m_fat.RunLength(sector);

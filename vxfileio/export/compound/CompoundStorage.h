@@ -15,68 +15,69 @@
 
 namespace vxfileio::compound {
 
-/// Makes a new compound file and keeps named streams in it, which may stand in storages as files do in folders.
+/// Creates a new compound file with named streams, which may be in storages as files are in folders.
 ///
-/// Paths inside the file have backslashes between their names; one that begins with a backslash starts at the root, any
-/// other at the current storage. "." and ".." are the storage itself and the one around it; around the root is the
-/// root. Each byte of a name becomes one 16-bit unit, and names that differ in case only are different names.
+/// Paths in the file have backslashes between names. A path that begins with a backslash starts at the root, any other
+/// at the current storage. "." is the storage itself, ".." its parent; the root is its own parent. Each byte of a name
+/// becomes one 16-bit unit. Names are case-sensitive.
 ///
-/// The file on disk is whole after every operation, and closing it adds nothing. Sectors are taken in rising order, so
-/// that equal calls make equal files; sectors given up are free again, but the file never becomes shorter. Existing
-/// compound files can't be opened. One thread at a time.
+/// The file on disk is complete after every operation; closing adds nothing. Sectors are allocated in ascending order,
+/// so equal calls make equal files. Freed sectors are reused, but the file never shrinks. Existing compound files can't
+/// be opened. Not thread-safe.
 class CompoundStorage {
  public:
     /// @name Results
     /// They don't include disk failures; see `IsComplete`.
     /// @{
     static constexpr std::int32_t kSuccess = 1;
-    static constexpr std::int32_t kNoName = -1;       ///< The path holds no name.
-    static constexpr std::int32_t kNoStorage = -2;    ///< A storage of the path doesn't exist.
-    static constexpr std::int32_t kTooLarge = -3;     ///< The data is more than a stream holds, which is 2 GiB.
+    static constexpr std::int32_t kNoName = -1;       ///< The path has no name.
+    static constexpr std::int32_t kNoStorage = -2;    ///< A storage in the path doesn't exist.
+    static constexpr std::int32_t kTooLarge = -3;     ///< The data exceeds 2 GiB, the maximum size of a stream.
     static constexpr std::int32_t kNoStream = -4;     ///< The stream doesn't exist.
     static constexpr std::int32_t kNameTooLong = -5;  ///< The name has 32 or more bytes.
-    static constexpr std::int32_t kNameExists = -6;   ///< The storage has an entry of that name already.
+    static constexpr std::int32_t kNameExists = -6;   ///< The storage already has an entry with this name.
     /// @}
 
     CompoundStorage();
     CompoundStorage(const CompoundStorage&) = delete;
     CompoundStorage& operator=(const CompoundStorage&) = delete;
 
-    /// Closes what is open and makes a new file without streams, in place of any file at the path. Always returns true:
-    /// `IsOpen` returns whether the file could be created. If not, all operations work as usual, but write nothing.
+    /// Closes any open file and creates a new one without streams, which replaces any file at the path. Always returns
+    /// true: use `IsOpen` to check whether the file could be created. If not, all operations work as usual, but write
+    /// nothing.
     bool Create(const std::string& path);
 
-    /// The same in an empty file that the caller opened for writing. It must outlive its use here, and isn't closed.
+    /// The same in an empty file that the caller has opened for writing. The file must outlive its use and isn't
+    /// closed.
     void CreateIn(helpers::CFile& file);
 
     /// Returns whether a file is open.
     bool IsOpen() const noexcept { return m_file.IsOpen(); }
 
-    /// Returns whether the system took everything since `Create`.
+    /// Returns whether the system accepted everything since `Create`.
     bool IsComplete() const noexcept { return m_isComplete; }
 
-    /// Adds an empty stream, and the storages of its path that don't exist.
+    /// Adds an empty stream, and missing storages of its path.
     std::int32_t MakeFile(const std::string& path);
-    /// Adds an empty storage, and those around it that don't exist.
+    /// Adds an empty storage, and missing parents.
     std::int32_t MakeDirectory(const std::string& path);
-    /// Makes a storage the current one. A failure leaves the old one.
+    /// Sets the current storage. On failure it is unchanged.
     std::int32_t ChangeDirectory(const std::string& path);
 
-    /// Replaces the content of a stream. The data is written straight from the caller's buffer, and not kept unless it
-    /// is less than 4096 bytes.
+    /// Replaces the content of a stream. Writes the data directly from the caller's buffer, and keeps a copy only if it
+    /// has less than 4096 bytes.
     std::int32_t WriteFile(const std::string& path, helpers::CBytes data);
 
-    /// Takes the next piece of a stream's content. All pieces but the last fill whole sectors of 512 bytes.
+    /// Accepts the next piece of a stream's content. All pieces except the last must be multiples of 512 bytes.
     using TakePiece = std::function<void(helpers::CBytes piece)>;
 
-    /// The same with `size` bytes that needn't stand in memory together: `give(take)` is called once, unless the call
-    /// is refused, and calls `take` for one piece after the other. A piece goes to the system before `take` returns;
-    /// what comes beyond `size` is left out. Where less comes, the stream isn't whole, as `IsComplete` tells, and where
-    /// `give` throws, or memory is wanting, it isn't either, until it is written again.
+    /// The same with `size` bytes in pieces. Calls `give(take)` once, unless the call is refused; `give` calls `take`
+    /// for each piece. A piece is written before `take` returns; bytes beyond `size` are ignored. If `give` delivers
+    /// too few bytes or throws, or memory runs out, `IsComplete` returns false until the stream is rewritten.
     std::int32_t WriteFile(const std::string& path, std::size_t size,
                            const std::function<void(const TakePiece& take)>& give);
 
-    /// Closes the file and forgets it.
+    /// Closes the file.
     void Close();
 
  private:

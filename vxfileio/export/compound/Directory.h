@@ -8,11 +8,11 @@
 
 namespace vxfileio::compound {
 
-/// The directory of a compound file: all entries in their order, the root first, then all others by name, whatever
-/// storage they are in. Nodes stay where they are while others are added.
+/// The directory of a compound file: the root, then all other entries sorted by name, regardless of their storages.
+/// Nodes don't move when others are added.
 class CDirectory {
  public:
-    /// Removes everything and starts with the root entry alone.
+    /// Removes everything except a new root entry.
     void Reset();
     /// Removes everything, including the root.
     void Clear() { m_nodes.clear(); }
@@ -22,10 +22,10 @@ class CDirectory {
     /// Returns the number of entries.
     std::size_t Count() const { return m_nodes.size(); }
 
-    /// Adds an entry to a storage that has none of its name, and returns its node.
+    /// Adds an entry to a storage that has none with this name, and returns its node.
     DirectoryNode* Add(DirectoryNode* parent, const DirectoryEntry& entry);
 
-    /// Returns the bytes of the directory: all entries, and zeros to the end of the last sector.
+    /// Returns the bytes of the directory, padded with zeros to whole sectors.
     std::vector<std::byte> Encode() const;
 
  private:

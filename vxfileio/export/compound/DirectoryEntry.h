@@ -8,12 +8,12 @@
 
 namespace vxfileio::compound {
 
-/// An entry of the directory, its fields in the order of their bytes. Siblings and child are indices of other entries.
-/// Every entry is black: the trees of siblings are sorted, not balanced. No time is ever set.
+/// An entry of the directory, with fields in the order of their bytes. Siblings and child are indices of other entries.
+/// All entries are black: the trees of siblings are sorted, not balanced. Times are never set.
 struct DirectoryEntry {
     std::array<std::uint16_t, vxfileio::compound::kNameUnits> name = {};
-    std::uint16_t nameSize = 0;  ///< In bytes, with the zero that ends the name.
-    std::uint8_t type = 0;       ///< An `EEntryType`; 0 is an empty slot.
+    std::uint16_t nameSize = 0;  ///< In bytes, including the terminating zero.
+    std::uint8_t type = 0;       ///< An `EEntryType`; 0 for an unused entry.
     std::uint8_t colour = 1;
     std::uint32_t left = vxfileio::compound::kNoEntry;
     std::uint32_t right = vxfileio::compound::kNoEntry;
@@ -25,9 +25,9 @@ struct DirectoryEntry {
     std::uint32_t streamSize = 0;  ///< In bytes.
     std::uint32_t reserved = 0;
 
-    /// An empty slot.
+    /// An unused entry.
     DirectoryEntry() = default;
-    /// An entry without content; each byte of the name, which is at most 31 of them, becomes one 16-bit unit.
+    /// An entry without content. Each byte of the name, at most 31, becomes one 16-bit unit.
     DirectoryEntry(vxfileio::compound::EEntryType entryType, std::string_view bytesOfName);
 
     bool Is(vxfileio::compound::EEntryType asked) const { return type == static_cast<std::uint8_t>(asked); }
@@ -38,7 +38,7 @@ struct DirectoryEntry {
     }
 };
 
-/// The order of entries, and so of siblings: shorter names first, then by their 16-bit units.
+/// The order of siblings and entries: by length of the name, then by 16-bit units.
 bool HasLowerName(const DirectoryEntry& a, const DirectoryEntry& b);
 
 }  // namespace vxfileio::compound

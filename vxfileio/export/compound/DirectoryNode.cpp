@@ -20,8 +20,7 @@ void DirectoryNode::AddChild(DirectoryNode* child) {
     LinkChildren();
 }
 
-/// The one in the middle is the parent's child. Those below it hang in a chain to the left, those above it in one to
-/// the right.
+/// The middle child is the parent's child. Lower ones form a chain to the left, higher ones a chain to the right.
 void DirectoryNode::LinkChildren() {
     const std::size_t middle = children.size() / 2;
     const auto indexAt = [this](std::size_t i) { return children[i]->index; };

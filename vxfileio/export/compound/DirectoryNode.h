@@ -12,16 +12,16 @@ namespace vxfileio::compound {
 struct DirectoryNode {
     DirectoryNode* parent;  ///< Null for the root.
     DirectoryEntry entry;
-    std::uint32_t index;                   ///< Of the entry in the directory.
-    std::vector<DirectoryNode*> children;  ///< By index, which is the order of their names too.
+    std::uint32_t index;                   ///< Index of the entry in the directory.
+    std::vector<DirectoryNode*> children;  ///< Sorted by index, and so by name.
 
     DirectoryNode(DirectoryNode* storage, const DirectoryEntry& newEntry, std::uint32_t itsIndex)
         : parent(storage), entry(newEntry), index(itsIndex) {}
 
-    /// Returns the child of this name, or null.
+    /// Returns the child with this name, or null.
     DirectoryNode* FindChild(std::string_view name) const;
 
-    /// Adds a child that has its index, and links all of them anew.
+    /// Adds a child whose index is set, and updates all links.
     void AddChild(DirectoryNode* child);
 
  private:

@@ -74,7 +74,7 @@ bool SectorFile::WriteRun(std::uint32_t index, std::span<const CBytes> parts) {
     CountWritten(index, bytes / kBlockSize);
     return m_file->WriteAt(PositionOf(index), {all[0], all[1], all[2], all[3]});
 }
-static_assert(SectorFile::kMostParts == 4, "WriteRun hands on as many");
+static_assert(SectorFile::kMostParts == 4, "WriteRun passes on this many");
 
 bool SectorFile::Insert(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer) {
     if (index > m_blockCount) return Write(index, buffer);
@@ -104,7 +104,7 @@ bool SectorFile::OpenInMode() {
     return (m_mode & kRead) != 0 && m_file->OpenForReading(m_path);
 }
 
-/// A block beyond the end adds its own size to the file's, not that of a gap in front of it. No block adds nothing.
+/// Blocks beyond the end increase the size by their own size; the gap before them isn't counted.
 void SectorFile::CountWritten(std::uint32_t index, std::size_t blocks) {
     const std::uint64_t end = std::uint64_t{index} + blocks;
     if (blocks == 0 || end <= m_blockCount) return;

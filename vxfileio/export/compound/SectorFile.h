@@ -9,52 +9,52 @@
 
 namespace vxfileio::compound {
 
-/// A file seen as blocks of 512 bytes, numbered from 0. Nothing throws; operations return false on failure.
+/// A file as blocks of 512 bytes, numbered from 0. Never throws; operations return false on failure.
 class SectorFile {
  public:
-    /// @name Modes, to be added up
+    /// @name Modes, which can be combined
     /// @{
     static constexpr std::uint32_t kRead = 1;
     static constexpr std::uint32_t kWrite = 2;
     /// @}
     static constexpr std::size_t kBlockSize = vxfileio::compound::kSectorSize;
 
-    /// Makes a new file, or empties an existing one, and opens it for reading and writing; closes what was open.
+    /// Creates a new file, or truncates an existing one, and opens it for reading and writing. Closes any open file.
     bool Create(const std::string& path);
-    /// Opens an existing file; closes what was open. Others may use the file too. A mode without any bit fails.
+    /// Opens an existing file, which others may use, too. Fails if no mode is set. Closes any open file.
     bool Open(const std::string& path, std::uint32_t mode);
-    /// Writes to a file that the caller opened for writing, which must outlive its use here; closes what was open.
+    /// Uses a file that the caller has opened for writing, which must outlive its use. Closes any open file.
     void Use(helpers::CFile& file);
-    /// Closes the file, unless it is the caller's. Without an open file it does nothing.
+    /// Closes the file, unless it is the caller's. Does nothing if no file is open.
     void Close();
     /// Returns whether a file is open.
     bool IsOpen() const noexcept { return m_file->IsOpen(); }
 
-    /// Returns the number of blocks; the last one may be cut short by the end of the file.
+    /// Returns the number of blocks; the last one may be incomplete.
     std::uint32_t BlockCount() const { return m_blockCount; }
-    /// Returns the bytes of the file, without gaps that blocks beyond the end have left in front of them.
+    /// Returns the size of the file, without the gaps before blocks written beyond the end.
     std::uint64_t ByteSize() const { return m_byteSize; }
 
-    /// Reads one block. False if there is no such block, or if the file ends inside it.
+    /// Reads one block. Returns false if there is no such block or it is incomplete.
     bool Read(std::uint32_t index, std::span<std::byte, kBlockSize> buffer) const;
 
-    /// Writes one block, then closes the file and opens it anew in the same mode, so that everybody sees the block.
-    /// Returns whether the file is open, not whether the disk took the block.
+    /// Writes one block, then reopens the file in the same mode, so that everybody sees the block. Returns whether the
+    /// file is open, not whether the block was written.
     bool Write(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer);
 
-    /// The most pieces that one run is written from.
+    /// The maximum number of parts in a run.
     static constexpr std::size_t kMostParts = 4;
 
-    /// Writes blocks side by side from `index` on, at once. The parts, up to `kMostParts` of them, are whole blocks
-    /// each. True means that all of it is with the system.
+    /// Writes adjacent blocks from `index` on in one call. Each of the parts, at most `kMostParts`, is a multiple of
+    /// the block size. Returns whether the system accepted everything.
     bool WriteRun(std::uint32_t index, std::span<const helpers::CBytes> parts);
 
-    /// Writes a block between others, so that those from `index` on move up by one. An index beyond the end is a plain
+    /// Inserts a block at `index` and moves those from there on up by one. If `index` is beyond the end, this is
     /// `Write`.
     bool Insert(std::uint32_t index, std::span<const std::byte, kBlockSize> buffer);
     /// Exchanges two blocks.
     bool Swap(std::uint32_t a, std::uint32_t b);
-    /// Brings a block to another place. Those between move by one towards where it was.
+    /// Moves a block to another index. Those between move by one.
     bool Move(std::uint32_t from, std::uint32_t to);
 
  private:

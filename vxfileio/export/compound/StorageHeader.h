@@ -9,8 +9,8 @@
 
 namespace vxfileio::compound {
 
-/// The header of a compound file, its fields in the order of their bytes. A new one is that of a file whose sectors are
-/// one of the FAT, number 0, and one of the directory, number 1.
+/// The header of a compound file, with fields in the order of their bytes. The defaults are those of a file with two
+/// sectors: number 0 of the FAT, number 1 of the directory.
 struct StorageHeader {
     std::array<std::uint8_t, base::kCompoundMark.size()> signature = [] {
         std::array<std::uint8_t, base::kCompoundMark.size()> mark{};
