@@ -13,7 +13,7 @@
 /// on the words and callers on the numbers. No conversion fails: an unknown number or word gets the fallback that the
 /// enumeration names. Words are compared as a whole, byte by byte; case matters.
 
-/// The steps of a screening run. An unknown word is `Nil`, an unknown number gives an empty word.
+/// The steps of a screening run. An unknown word becomes `Nil`, an unknown number an empty word.
 enum class enTask : std::int32_t {
     Notebook = 0,
     Compounds = 1,

@@ -8,7 +8,7 @@ namespace vxfileio::base {
 
 namespace {
 
-/// Texts by code. The last five are kept with the table although no conversion reaches them.
+/// Texts by code. No conversion uses the last five.
 constexpr std::array<std::string_view, 16> kTexts = {
     "",
     "Vexaprobe exception! \nDose out of range.",
@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 16> kTexts = {
     "Vexaprobe exception! \nDifference between two successive doses is too large",
 };
 
-/// The highest code with a text of its own; callers rely on 11 and up being unknown errors.
+/// The highest code with its own text. Callers rely on 11 and above being unknown errors.
 constexpr std::int32_t kLastConversionCode = 10;
 
 constexpr std::string_view kUnknownError = "Vexaprobe: Unknown error occured";

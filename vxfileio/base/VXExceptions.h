@@ -5,9 +5,9 @@
 
 namespace vxfileio::base {
 
-/// A failure with a number out of a fixed table of texts.
+/// An exception with a number from a fixed table of texts.
 ///
-/// Internal: it isn't offered to callers, who meet it only in a handler that catches everything. Thrown by value.
+/// Internal: callers can only catch it with a handler for all exceptions. Thrown by value.
 class CVXExceptions {
  public:
     std::int32_t code = 0;  ///< Index into the table of texts.
@@ -17,7 +17,7 @@ class CVXExceptions {
 /// A value that can't be converted, such as a dose beyond the largest unit.
 class CExcConversion : public CVXExceptions {
  public:
-    /// The one code that the library itself throws: a dose too large for the largest unit.
+    /// The only code that the library throws: a dose too large for the largest unit.
     static constexpr std::int32_t kDoseOutOfRange = 1;
 
     /// Takes the text that belongs to `conversionCode`; a code outside 0 to 10 gets the text for unknown errors and is

@@ -40,25 +40,25 @@
 #include "vxfileio/xmlarchive/XmlValue.h"
 
 /// @file
-/// The one header that a caller includes. Every public class comes with it.
+/// The one header that callers include. It includes all public classes.
 
-/// The library's front door: one object that owns the seven facades.
+/// The entry point of the library: one object that owns the seven facades.
 ///
-/// Making one touches no file. An accessor always returns the same pointer for the same object; its facade
-/// belongs to this object, lives as long, and is never freed by the caller. Destroying the object takes the facades
-/// down in reverse order, so a raw data file that is still open is finished as by `CIRawDataWriter::Close`.
+/// Creating it doesn't access any file. An accessor always returns the same pointer for the same object; the facade
+/// belongs to the object and is destroyed with it, never by the caller. The destructor finishes a raw data file that is
+/// still open, as `CIRawDataWriter::Close` does.
 ///
-/// One object, with all that hangs from it, serves one thread at a time. Separate objects share nothing that changes.
+/// Use an object and everything that belongs to it from one thread at a time. Separate objects share no mutable state.
 class VXFILEIO_API CVXFileIO {
  public:
-    /// Builds the facades. Throws what an allocation throws.
+    /// Creates the facades. Throws only `std::bad_alloc`.
     CVXFileIO();
     ~CVXFileIO();
 
     CVXFileIO(const CVXFileIO&) = delete;
     CVXFileIO& operator=(const CVXFileIO&) = delete;
 
-    /// Returns the writer of raw data files. (The `Date` in its name is how callers know it.)
+    /// Returns the writer of raw data files. (The `Date` in its name is kept for existing callers.)
     CIRawDataWriter* GetRawDateWriter();
     /// Returns the reader of raw data files.
     CIRawDataReader* GetRawDataReader();

@@ -10,18 +10,18 @@
 #include "vxfileio/helpers/LittleEndian.h"
 
 /// @file
-/// Digits read eight at a time. It lies in a header since readers decode numbers for every system call that they make.
+/// Parses digits eight at a time. It is in a header since readers parse numbers for every system call.
 
 namespace vxfileio::helpers {
 
-/// Eight characters at once, the first one in the lowest byte: what each differs by from `0`, and which are no digits.
+/// Eight characters, the first one in the lowest byte: their differences from `0`, and which of them aren't digits.
 class CEightCharacters {
  public:
     explicit CEightCharacters(const char* at)
         : m_values(LoadLE64(reinterpret_cast<const std::byte*>(at)) ^ 0x3030303030303030) {}
 
-    /// Returns how many digits they begin with. The sum sets the top bit of a byte above 9; a carry out of such a byte
-    /// only reaches later ones.
+    /// Returns the number of leading digits. The sum sets the top bit of a byte above 9; a carry from such a byte only
+    /// affects later ones.
     int Digits() const {
         const std::uint64_t others = ((m_values + 0x7676767676767676) | m_values) & 0x8080808080808080;
         return std::countr_zero(others) / 8;
@@ -29,13 +29,13 @@ class CEightCharacters {
 
     /// Returns the number of the first `digits` characters, from 1 to 8: pairs of digits, pairs of pairs, both halves.
     std::uint64_t Number(int digits) const {
-        std::uint64_t number = m_values << (64 - 8 * digits);  // zeros in front
+        std::uint64_t number = m_values << (64 - 8 * digits);  // leading zeros
         number = (number * 10 + (number >> 8)) & 0x00FF00FF00FF00FF;
         number = (number * 100 + (number >> 16)) & 0x0000FFFF0000FFFF;
         return (number * 10000 + (number >> 32)) & 0x00000000FFFFFFFF;
     }
 
-    /// Puts the number of the first `digits` characters, from 0 to 8, after the digits of `number`.
+    /// Appends the first `digits` characters, from 0 to 8, to the digits of `number`.
     void AppendTo(std::uint64_t& number, int digits) const {
         static constexpr std::array<std::uint64_t, 9> kPowers{1,       10,        100,        1'000,      10'000,
                                                               100'000, 1'000'000, 10'000'000, 100'000'000};

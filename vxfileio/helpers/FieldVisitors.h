@@ -23,20 +23,20 @@
 ///
 ///     static constexpr void Fields(auto& self, auto& body) { body(self.row, self.column, self.xf, self.word); }
 ///
-/// A field is an unsigned integer, a double, narrow text, an object that lists fields of its own, or a range of these.
-/// A list after the number of its items is `body.template Counted<std::uint16_t>(self.items)`; any other list reaches
+/// A field is an unsigned integer, a double, narrow text, an object with its own list of fields, or a range of these. A
+/// list preceded by its number of items is `body.template Counted<std::uint16_t>(self.items)`; any other list extends
 /// to the end of the record, or to the fields after it in the same call.
 
 namespace vxfileio::helpers {
 
-/// Breaks fields down into calls of `Number` and `Bytes` of the derived visitor. A visitor that lays out counted
-/// strings in its own way also has `Text`.
+/// Breaks fields down into calls of `Number` and `Bytes` of the derived visitor. A visitor that arranges counted
+/// strings differently also has `Text`.
 template <class Visitor>
 class CFieldVisitor {
  public:
     constexpr void operator()(const auto&... fields) { (Visit(fields), ...); }
 
-    /// The number of items, then the items. What the number can't hold is cut off a text.
+    /// The number of items, then the items. A text is cut to the maximum of `Count`.
     template <std::unsigned_integral Count>
     constexpr void Counted(const auto& items) {
         const auto count = static_cast<Count>(std::min<std::size_t>(items.size(), std::numeric_limits<Count>::max()));
@@ -69,7 +69,7 @@ class CFieldVisitor {
     }
 };
 
-/// Adds up the bytes of fields.
+/// Adds up the sizes of fields.
 class CFieldSize : public CFieldVisitor<CFieldSize> {
  public:
     constexpr void Number(std::unsigned_integral auto value) noexcept { m_size += sizeof(value); }
@@ -81,7 +81,7 @@ class CFieldSize : public CFieldVisitor<CFieldSize> {
     std::size_t m_size = 0;
 };
 
-/// Stores fields one after the other from an address on, which must have room for them.
+/// Stores fields one after the other at an address, which must have room for them.
 class CFieldStore : public CFieldVisitor<CFieldStore> {
  public:
     explicit CFieldStore(std::byte* to) noexcept : m_to(to) {}
@@ -100,10 +100,10 @@ class CFieldStore : public CFieldVisitor<CFieldStore> {
 };
 
 /// Loads fields through two operations of the derived visitor: `bool Take(std::span<std::byte>)` copies the next bytes,
-/// or returns false if there are too few; `std::size_t Left()` returns how many of the record are left.
+/// or returns false if there are too few; `std::size_t Left()` returns the number of bytes left in the record.
 ///
-/// A field that isn't whole keeps its value, and so do all fields after it. A constant field, such as a reserved one,
-/// is skipped. Text and spans point into memory of the visitor, which must outlive the record.
+/// An incomplete field keeps its value, and so do all fields after it. A constant field, such as a reserved one, is
+/// skipped. Text and spans point into memory of the visitor, which must outlive the record.
 template <class Visitor>
 class CFieldReader {
  public:
@@ -120,7 +120,7 @@ class CFieldReader {
         (*this)(rest...);
     }
 
-    /// The number of items, then as many items as are whole.
+    /// Loads the number of items, then as many items as are complete.
     template <std::unsigned_integral Count, class Items>
     void Counted(Items& items) {
         Count count = 0;
@@ -134,7 +134,7 @@ class CFieldReader {
         }
     }
 
-    /// Loads characters, and returns an empty text if they aren't all there.
+    /// Loads characters. Returns an empty text if some are missing.
     template <class Character>
     std::basic_string_view<Character> Characters(std::size_t count) {
         using Unit = std::conditional_t<sizeof(Character) == 1, std::uint8_t, std::uint16_t>;
@@ -149,9 +149,9 @@ class CFieldReader {
         return text;
     }
 
-    /// Returns whether all fields so far were whole.
+    /// Returns whether all fields so far were complete.
     [[nodiscard]] bool IsWhole() const noexcept { return m_isWhole; }
-    /// Returns how many items the last counted list lacks.
+    /// Returns the number of missing items in the last counted list.
     std::size_t Missing() const noexcept { return m_missing; }
 
  protected:
@@ -210,7 +210,7 @@ class CFieldReader {
         items = kept;
     }
 
-    /// Loads one more item. Returns false if it isn't whole.
+    /// Loads one more item. Returns false if it is incomplete.
     bool Append(auto& items) {
         typename std::remove_reference_t<decltype(items)>::value_type item{};
         (*this)(item);
@@ -236,7 +236,7 @@ class CFieldLoad : public CFieldReader<CFieldLoad> {
     }
     std::size_t Left() const noexcept { return m_left.size(); }
 
-    /// Returns whether the fields took all the bytes and were whole.
+    /// Returns whether all bytes were used and all fields were complete.
     [[nodiscard]] bool TookAll() const noexcept { return IsWhole() && m_left.empty(); }
 
  private:

@@ -8,19 +8,18 @@
 #include <cstdint>
 
 /// @file
-/// Unsigned whole numbers as bytes, least significant first, regardless of the machine's own order. Any alignment will
-/// do.
+/// Unsigned integers as bytes, least significant byte first, regardless of the machine's byte order and of alignment.
 
 namespace vxfileio::helpers {
 
-/// Turns the bytes of a number from the machine's order into that of files, or back.
+/// Converts a number between the machine's byte order and that of files.
 template <std::unsigned_integral Number>
 constexpr std::array<std::byte, sizeof(Number)> InFileOrder(std::array<std::byte, sizeof(Number)> bytes) {
     if constexpr (std::endian::native == std::endian::big) std::reverse(bytes.begin(), bytes.end());
     return bytes;
 }
 
-/// Stores the bytes of `value` at `to`, which has room for them.
+/// Stores the bytes of `value` at `to`, which must have room for them.
 template <std::unsigned_integral Number>
 constexpr void StoreLittleEndian(std::byte* to, Number value) {
     const auto bytes = InFileOrder<Number>(std::bit_cast<std::array<std::byte, sizeof(Number)>>(value));

@@ -19,7 +19,7 @@ constexpr int kGeneralDigits = 6;
 constexpr std::array<double, 23> kPowersOfTen{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                               1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-/// Up to this a whole number is exact as a double.
+/// Integers up to this are exact as doubles.
 constexpr std::uint64_t kMostExactWhole = std::uint64_t{1} << 53;
 
 /// Decimal exponents between which `RoundTrip` writes a number without an exponent.
@@ -143,8 +143,8 @@ bool IsTooLarge(std::string_view digits) {
     return scale + exponent > 0;
 }
 
-/// The value rounded to a whole number times 10^-`scale`, ties to even. The product may not be exact, but what it lacks
-/// is less than half its last place, so that it only matters where the product itself is a tie.
+/// Returns the value times `scale`, rounded to an integer, ties to even. The product may be inexact, but the error is
+/// less than half its last place, so it only matters if the product itself is a tie.
 std::uint32_t RoundScaled(double value, double scale) {
     const double product = value * scale;
     const auto whole = static_cast<std::uint32_t>(product);
@@ -155,8 +155,8 @@ std::uint32_t RoundScaled(double value, double scale) {
     return whole + (whole & 1U);
 }
 
-/// Writes `digits` with a point before the last `places` of them, perhaps with zeros in front. Leaves out zeros at the
-/// end of the fraction. Returns where the text ends.
+/// Writes `digits` with a point before the last `places` of them and leading zeros if necessary. Removes trailing zeros
+/// of the fraction. Returns the end of the text.
 char* WriteFixed(char* to, std::uint32_t digits, int places) {
     const int width = std::max(kGeneralDigits, places + 1) + 1;  // with the point and all leading zeros
     char* last = to + width;
@@ -264,7 +264,7 @@ double ParseDouble(std::string_view text) { return Parsed<double>(text); }
 
 namespace {
 
-/// Takes an exponent of the form `e-05`, and adds its size to the places after the point. Returns false for any other.
+/// Removes an exponent of the form `e-05`, and adds it to the number of decimals. Returns false for any other form.
 bool TakeExponent(const char*& at, const char* end, std::ptrdiff_t& places) {
     constexpr std::ptrdiff_t kSize = 4;
     if (end - at < kSize || *at != 'e' || at[1] != '-' || !IsDigit(at[2]) || !IsDigit(at[3])) return false;

@@ -8,18 +8,18 @@
 #include <string_view>
 
 /// @file
-/// Numbers as decimal text and back, the same in every process: no locale has a say.
+/// Numbers as decimal text and back, independent of the locale.
 
 namespace vxfileio::helpers {
 
-/// Room for any number in the general form.
+/// The maximum length of a number in the general form.
 inline constexpr std::size_t kMostGeneralSize = 16;
 
-/// Writes a number in the general form, as at `CNumberText::General`, to a place with room for `kMostGeneralSize`
-/// characters. Returns where it ends.
+/// Writes a number in the general form (see `CNumberText::General`) to a buffer of at least `kMostGeneralSize`
+/// characters. Returns the end of the text.
 char* WriteGeneral(char* to, double value);
 
-/// The text of one number, kept in place: making it allocates nothing.
+/// The text of a number. Allocates nothing.
 class CNumberText {
  public:
     /// A whole number: digits with a leading minus sign if negative.
@@ -71,9 +71,9 @@ enum class ENumberFault : std::uint8_t {
     OutOfRange,  ///< The type doesn't hold the number.
 };
 
-/// @name Text to number, judged
-/// Each stores what the function above returns, and says whether the text is that number, perhaps between blanks, and
-/// nothing else. -1 is out of the range of unsigned numbers.
+/// @name Text to number, with a check
+/// Each stores the same as the function above, and returns whether the text is such a number and nothing else, apart
+/// from blanks. -1 is out of range for unsigned numbers.
 /// @{
 [[nodiscard]] ENumberFault ReadNumber(std::string_view text, std::int32_t& value);
 [[nodiscard]] ENumberFault ReadNumber(std::string_view text, std::int64_t& value);
@@ -82,9 +82,9 @@ enum class ENumberFault : std::uint8_t {
 [[nodiscard]] ENumberFault ReadNumber(std::string_view text, double& value);
 /// @}
 
-/// Takes a decimal off the front of `text` if it has the form that nearly all have: perhaps a sign, digits with at most
-/// one point, perhaps an exponent of two digits such as `e-05`. Returns false, and changes nothing, if it has another
-/// form, or is too long or too small for exact arithmetic; `ParseDouble` reads those.
+/// Removes a decimal from the front of `text` if it has the usual form: an optional sign, digits with at most one
+/// point, an optional exponent of two digits such as `e-05`. Returns false and changes nothing if it has another form,
+/// or if it is too long or too small for exact arithmetic; `ParseDouble` handles those.
 bool TakeDecimal(std::string_view& text, double& value);
 
 }  // namespace vxfileio::helpers

@@ -11,7 +11,7 @@ std::string_view Unquoted(std::string_view path) {
     return quoted ? path.substr(1, path.size() - 2) : path;
 }
 
-/// Takes the first `count` characters off `rest` and returns them.
+/// Removes the first `count` characters from `rest` and returns them.
 std::string Take(std::string_view& rest, std::size_t count) {
     std::string taken(rest.substr(0, count));
     rest.remove_prefix(taken.size());

@@ -4,11 +4,11 @@
 
 namespace vxfileio::helpers {
 
-/// The pieces of a file path, by the rules of drive letters and backslashes on every host.
+/// The parts of a file path, by the rules of drive letters and backslashes on every system.
 class CPath {
  public:
-    /// Splits at once. Quotation marks around the whole path are taken off. Both flags are for paths of other kinds
-    /// and have no effect: every caller passes false.
+    /// Splits the path. Removes quotation marks around the whole path. The flags have no effect: every caller passes
+    /// false.
     explicit CPath(const char* path, bool folder = false, bool arguments = false);
     virtual ~CPath() = default;
     CPath(const CPath&) = default;
@@ -18,8 +18,8 @@ class CPath {
     CStdStr GetDriveDirectory() const;
     /// Returns the file name without its extension.
     CStdStr GetTitle() const;
-    /// Returns the extension with its dot, or nothing if the path has none. A name that begins with its only dot, such
-    /// as `.xls`, counts as having neither title nor extension.
+    /// Returns the extension with its dot; empty if there is none. A name whose only dot is its first character, such
+    /// as `.xls`, has neither title nor extension.
     CStdStr GetExtension() const;
 
  private:

@@ -9,10 +9,10 @@ namespace vxfileio::helpers {
 
 namespace {
 
-/// The bytes that one system call copies.
+/// Bytes copied per system call.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
-/// How many names are tried for the file beside.
+/// The number of names to try for the temporary file.
 constexpr int kMostNames = 100;
 
 /// Names may have 255 bytes; longer ones are cut to leave room for ".part" and a number.
@@ -27,8 +27,8 @@ bool IsRefusal(const std::error_code& error) {
     return std::any_of(std::begin(kRefusals), std::end(kRefusals), [&](std::errc one) { return error == one; });
 }
 
-/// Calls `make(name)` with one name beside a file after the other until it returns no error or another one than that
-/// the name is taken. Returns the error, and the name if there is none.
+/// Calls `make(name)` with names for a temporary file until one isn't taken. Returns the error, and the name on
+/// success.
 std::error_code MakeBeside(const std::string& place, std::string& name, auto make) {
     const std::size_t folder = place.find_last_of("/\\:") + 1;
     const std::string stem = place.substr(0, folder + kMostStem) + ".part";
@@ -41,7 +41,7 @@ std::error_code MakeBeside(const std::string& place, std::string& name, auto mak
     return error;
 }
 
-/// Moves a file to a name that must be free.
+/// Moves a file to a name that must be unused.
 std::error_code MoveToFree(const std::string& from, const std::string& to) {
     CFile reserved;
     if (!reserved.CreateLike(to, CFile())) return reserved.Failure().error;
@@ -56,13 +56,13 @@ bool HasNoLinks(const std::error_code& error) {
     return error && error != std::errc::file_exists && error != std::errc::no_such_file_or_directory;
 }
 
-/// Gives a file a second name, which must be free. Without hard links the first name goes.
+/// Gives a file a second name, which must be unused. Without hard links, renames the file instead.
 std::error_code KeepAs(const std::string& file, const std::string& name) {
     const std::error_code error = LinkFile(file, name);
     return HasNoLinks(error) ? MoveToFree(file, name) : error;
 }
 
-/// Moves a file to a name that must be free, so that the name never belongs to anything but the whole file.
+/// Moves a file to a name that must be unused. The name never belongs to an incomplete file.
 std::error_code MoveWholeToFree(const std::string& from, const std::string& to) {
     const std::error_code error = LinkFile(from, to);
     if (!error) RemoveFile(from);
@@ -172,7 +172,7 @@ bool CReplacingFile::SharesFolder(const CReplacingFile& other) const {
     return folder(m_place) == folder(other.m_place);
 }
 
-/// Gives the old file a second name, by which it can return.
+/// Gives the old file a second name, so that it can be restored.
 bool CReplacingFile::KeepOld() {
     if (m_rule == ERule::New) return true;
     CFile old;  // a folder may have taken the place since

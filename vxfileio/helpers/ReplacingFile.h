@@ -7,62 +7,62 @@
 
 namespace vxfileio::helpers {
 
-/// A file that is written beside the file it replaces, as that file's path and ".part1" or a higher number, and moved
-/// into place when it is whole. Readers find the old file or the new one. A failure before that leaves the old file as
-/// it was and nothing beside it.
+/// Replaces a file atomically: writes a new file next to it, named like it with ".part1" or a higher number appended,
+/// and moves that into place when it is complete. Readers find the old file or the new one. A failure leaves the old
+/// file unchanged and no other file.
 ///
-/// The new file is on the disk before it is moved, and its name before `Commit` returns: a power cut leaves the old
-/// file or the new one, and after `Commit` the new one. A folder that may not be read can't be flushed; that isn't
+/// The new file is on the disk before it is moved, and its name before `Commit` returns. So after a power cut there is
+/// the old file or the new one; after `Commit`, the new one. A folder that can't be read can't be flushed; that isn't
 /// reported.
 ///
-/// The new file is created exclusively, so that neither another program nor a planted link can share it, and has the
-/// rights of the old file from the start. If the path is a symbolic link, the file that it points to is replaced.
+/// The new file is created exclusively, so that no other program and no planted link can share it. It has the rights of
+/// the old file from the beginning. If the path is a symbolic link, its target is replaced.
 ///
-/// Throws nothing but `std::bad_alloc`, and only in `Create` and `Commit`.
+/// Throws only `std::bad_alloc`, and only in `Create` and `Commit`.
 class CReplacingFile {
  public:
-    /// What to do about a file that is there already, or that can't be replaced.
+    /// What to do if there is a file already, or if it can't be replaced.
     enum class ERule {
-        Overwrite,  ///< Replace it. Write in place what is no plain file, and a file whose folder refuses a second one
-                    ///< or a rename; a failure then leaves the beginning of the new content.
+        Overwrite,  ///< Replace it. Write in place if it isn't a plain file, or if its folder refuses a second file or
+                    ///< a rename; a failure then leaves the beginning of the new content.
         Replace,    ///< Replace it, or fail.
-        New,        ///< Fail if there is one, even if it appears just before `Commit`.
+        New,        ///< Fail if there is a file, even if it appears just before `Commit`.
     };
 
     CReplacingFile() = default;
-    /// Drops what wasn't committed.
+    /// Discards what wasn't committed.
     ~CReplacingFile() { Discard(); }
     CReplacingFile(const CReplacingFile&) = delete;
     CReplacingFile& operator=(const CReplacingFile&) = delete;
 
-    /// Begins to replace the file of this path, or to make it if there is none; drops what was begun before. Returns
-    /// false on failure, and the file is as it was. With `Overwrite`, a disk without room for a second file is a
-    /// success, and everything written is refused.
+    /// Starts to replace the file at this path, or to create it. Discards a file started before. Returns false on
+    /// failure and leaves the old file unchanged. With `Overwrite`, a disk without room for a second file is no
+    /// failure; all writes are then refused.
     [[nodiscard]] bool Create(const std::string& path, ERule rule = ERule::Overwrite);
 
-    /// The file to write into until `Finish` or `Commit`. It can also be opened for other purposes; then it isn't
-    /// moved.
+    /// The file to write into until `Finish` or `Commit`. If the caller opens it for anything else, it isn't moved.
     CFile& File() noexcept { return m_file; }
 
-    /// The path that is written to until `Commit`, in the form that the system takes.
+    /// The path of the temporary file in the form that the system expects; empty if there is none.
     const std::string& WorkPath() const noexcept { return m_beside; }
 
-    /// Flushes the new file to the disk and closes it; it then waits for `Commit`. Returns whether the disk has all.
+    /// Flushes the new file to the disk and closes it; call `Commit` next. Returns whether everything is on the disk.
     [[nodiscard]] bool Finish();
 
-    /// Finishes the file and, if it is whole, moves it into place. Returns whether it is there for good. If only its
-    /// name couldn't be flushed to the disk, the new file is there all the same.
+    /// Finishes the file and moves it into place if it is complete. Returns whether it is there permanently. If only
+    /// flushing its name fails, the new file is there anyway.
     [[nodiscard]] bool Commit();
 
-    /// Commits all files or none: if one isn't whole, can't be moved, or its name can't be flushed, those moved before
-    /// it go back and the old files return. `Failure` of that file then says why. Flushes each folder once. A power cut
-    /// before it returns can leave some files old and others new. Requires a rule other than `Overwrite`.
+    /// Commits all files or none. If one is incomplete, can't be moved, or its name can't be flushed, those moved
+    /// before it are removed and the old files restored; `Failure` of that file has the reason. Flushes each folder
+    /// once. A power cut before it returns can leave some files old and others new. Requires a rule other than
+    /// `Overwrite`.
     [[nodiscard]] static bool CommitAll(std::span<CReplacingFile* const> files);
 
-    /// What failed first since `Create`.
+    /// The first failure since `Create`.
     const CFileFailure& Failure() const noexcept { return m_failure ? m_failure : m_file.Failure(); }
 
-    /// The same in words, with the path passed to `Create`; empty if nothing failed.
+    /// The same as text, with the path passed to `Create`; empty without a failure.
     std::string WriteError() const { return Failure().Text(m_path); }
 
  private:
@@ -77,12 +77,12 @@ class CReplacingFile {
     void Discard() noexcept;
 
     CFile m_file;
-    CFileFailure m_failure;  ///< One that isn't the file's own.
+    CFileFailure m_failure;  ///< A failure outside `m_file`.
     ERule m_rule = ERule::Overwrite;
-    std::string m_path;    ///< As the caller named it.
-    std::string m_place;   ///< The file to replace, links followed.
+    std::string m_path;    ///< As passed by the caller.
+    std::string m_place;   ///< The file to replace, with links resolved.
     std::string m_beside;  ///< The new file; empty if it is written in place or was moved.
-    std::string m_old;     ///< While several are moved: another name of the old file; empty if there was none.
+    std::string m_old;     ///< While several files are moved: another name of the old file; empty if there is none.
     bool m_isMoved = false;
 };
 

@@ -11,7 +11,7 @@ namespace vxfileio::helpers {
 class CStdStr {
  public:
     CStdStr() = default;
-    /// Takes the text up to its NUL; null counts as empty.
+    /// Copies the text up to its NUL; null means empty.
     CStdStr(const char* text) : m_text(text == nullptr ? "" : text) {}
     CStdStr(std::string text) : m_text(std::move(text)) {}
 
@@ -28,11 +28,11 @@ class CStdStr {
         return *this;
     }
 
-    /// The text with a NUL after it, valid until the string changes.
+    /// Returns the text with a terminating NUL, valid until the string changes.
     operator const char*() const { return m_text.c_str(); }
-    /// The text for changing its characters in place, valid until the string changes otherwise.
+    /// Returns the characters for changing them in place, valid until the string changes otherwise.
     char* GetBuffer() { return m_text.data(); }
-    /// The text as a standard string, valid as long as this object.
+    /// Returns the text as a standard string, valid as long as this object.
     const std::string& Text() const { return m_text; }
 
     /// Makes the string empty.
@@ -43,9 +43,9 @@ class CStdStr {
         return start < m_text.size() ? CStdStr(m_text.substr(start, count)) : CStdStr();
     }
 
-    /// Removes every `c`.
+    /// Removes every occurrence of `c`.
     void Remove(char c) { std::erase(m_text, c); }
-    /// Puts `to` in place of every `from`.
+    /// Replaces every `from` with `to`.
     void Replace(char from, char to) { std::replace(m_text.begin(), m_text.end(), from, to); }
 
  private:

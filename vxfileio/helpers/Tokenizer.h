@@ -7,7 +7,7 @@
 
 namespace vxfileio::helpers {
 
-/// A set of characters that is asked in one step.
+/// A set of characters with a lookup in constant time.
 class CCharSet {
  public:
     constexpr explicit CCharSet(std::string_view members) {

@@ -24,7 +24,7 @@ CNumberText Exact(std::int64_t /*type*/, std::string_view text) { return CNumber
 CNumberText Exact(std::uint64_t /*type*/, std::string_view text) { return CNumberText(ParseUInt64(text)); }
 CNumberText Exact(double /*type*/, std::string_view text) { return CNumberText::General(ParseDouble(text)); }
 
-/// A number that doesn't come back as the same text was written by nobody.
+/// A number that differs from its text when it is written again comes from no writer.
 template <class Number>
 CVerdict JudgeNumber(std::string_view text) {
     const CNumberText exact = Exact(Number{}, text);
@@ -84,7 +84,7 @@ struct CValueJudge {
     }
 };
 
-/// Returns whether a cell may be without a value: texts and lists may, numbers may not.
+/// Returns whether a cell may have no value: texts and lists may, numbers may not.
 struct CMayBeEmpty {
     bool operator()(std::monostate /*member*/) const { return false; }
     template <class Header>
@@ -108,12 +108,12 @@ struct CIsText {
     bool operator()(const auto& /*member*/) const { return false; }
 };
 
-/// Returns whether a cell always holds the text that the writer begins with, and no text of the caller.
+/// Returns whether a cell always has the writer's text, never the caller's.
 bool IsFixed(const auto& cell) { return cell.traits.standBy && std::visit(CIsText(), cell.member); }
 
 // ---- One cell -------------------------------------------------------------------------------------------------------
 
-/// What surrounds the text of a cell.
+/// Checks the padding and the line end of a cell.
 CVerdict JudgeFrame(std::string_view bytes) {
     if (!bytes.ends_with("\r\n")) return CCellFault{ECellFault::NoLineEnd};
     const auto end = bytes.find('\0');

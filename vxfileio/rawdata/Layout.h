@@ -89,7 +89,7 @@ struct CLayout {
 };
 
 /// Returns the layouts of all versions, in ascending order. This is the only place that knows which versions exist. A
-/// test program that links a definition of its own has its own versions, in library and tools alike.
+/// test program that links its own definition has its own versions, in library and tools alike.
 std::span<const CLayout> Layouts() noexcept;
 
 /// Returns the layout that reads files of a version: the newest one that isn't newer than the file. A file newer than

@@ -173,8 +173,8 @@ CRawDataReader::CPass CRawDataReader::BeginningAt(std::int64_t position) const {
     return {position, 0, CChainGuard(m_file, m_layout->segment.size)};
 }
 
-/// Moves on to the next segment that is worth reading: one of the selected well, or the last that is remembered, since
-/// what follows that one isn't.
+/// Moves to the next segment that must be read: one of the selected well, or the last remembered one, since what
+/// follows it is unknown.
 void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
     const CSegmentPlace* place = Remembered();
     while (place != nullptr && place->wellID != m_selectedWell) {
@@ -188,8 +188,8 @@ void CRawDataReader::PassOverRemembered(std::int32_t& wellID) {
     }
 }
 
-/// Returns the number of samples of a remembered segment if its successor directly follows it, else that of the one
-/// before. What is remembered may be wrong, and must not cost more memory than a damaged size.
+/// Returns the number of samples of a remembered segment if its successor directly follows it, otherwise that of the
+/// previous segment. Remembered values may be wrong, and must not cost more memory than a damaged size.
 std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
     const CSegmentPlace* const successor = m_chain->Find(m_pass.number + 1);
     if (successor == nullptr) return m_segment.Count();
@@ -198,7 +198,7 @@ std::uint32_t CRawDataReader::ExpectedSize(const CSegmentPlace& place) const {
                                                     : m_segment.Count();
 }
 
-/// Makes room for the next segment as it is expected to be. Returns whether that one is expected to be wanted.
+/// Makes room for the next segment as expected. Returns whether that segment is expected to be selected.
 bool CRawDataReader::MakeRoomForNext() {
     const CSegmentPlace* const place = Remembered();
     const bool isExpected = place == nullptr ? m_selectedWell == kAllWells : IsWanted(place->wellID);
@@ -207,8 +207,8 @@ bool CRawDataReader::MakeRoomForNext() {
     return isExpected;
 }
 
-/// Reads the header at the position of the pass, and as many of its samples as are expected. Of a segment that isn't
-/// wanted, it may read only the front of the header. Returns false if there is no header.
+/// Reads the header at the current position with as many of its samples as expected. May read only the front of the
+/// header of a segment that isn't selected. Returns false if there is no header.
 bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     const bool isExpected = MakeRoomForNext();
     const CMutableBytes bytes = m_segment.SegmentBytes();
@@ -223,8 +223,8 @@ bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     return true;
 }
 
-/// Skips remembered segments that aren't wanted, and reads the header after them. Returns false, with the pass where it
-/// was, if there is nothing to skip, or if the file has changed: then the skipped segments may have changed, too.
+/// Skips remembered segments that aren't selected and reads the header after them. Returns false and doesn't move if
+/// there is nothing to skip, or if the file has changed: then the skipped segments may have changed, too.
 bool CRawDataReader::ReadHdrAfterRemembered(CSegmentHdr& header, std::int32_t& wellID, std::size_t& sampleBytes) {
     const CPass afterLastRead = m_pass;
     try {
@@ -240,8 +240,8 @@ bool CRawDataReader::ReadHdrAfterRemembered(CSegmentHdr& header, std::int32_t& w
     return false;
 }
 
-/// Reads the header of the next segment that is worth reading. Returns how many bytes of its samples were read with
-/// it; none if it has another size than expected.
+/// Reads the header of the next segment that must be read. Returns how many bytes of its samples were read with it; 0
+/// if its size isn't as expected.
 std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellID) {
     std::size_t sampleBytes = 0;
     const CSegmentPlace* const place = Remembered();
@@ -251,7 +251,7 @@ std::size_t CRawDataReader::ReadNextHdr(CSegmentHdr& header, std::int32_t& wellI
     throw CExcVXReader(m_pass.position < 0 ? kBadSegmentPosition : kBadSegmentHdr);
 }
 
-/// Moves the pass on to the segment after the one whose header was just read.
+/// Moves to the segment after the one whose header was just read.
 void CRawDataReader::PassOver(const CSegmentHdr& header) {
     const CSegmentPlace place{m_pass.position, header.ID};
     if (m_chain != nullptr) m_chain->Confirm(m_pass.number, place, header.FPosNextSegmentHdr);
@@ -264,8 +264,8 @@ void CRawDataReader::PassOver(const CSegmentHdr& header) {
     ++m_pass.number;
 }
 
-/// Completes the samples of the segment whose header was just read: all of them, unless they are what was expected and
-/// came along in these first `read` bytes. Returns false if the size isn't credible.
+/// Completes the segment whose header was just read with `read` bytes of its samples. Reads it again unless these are
+/// all its samples. Returns false if its size isn't credible.
 bool CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return true;
     const std::int64_t position = DataOf(*m_layout, m_pass.position);

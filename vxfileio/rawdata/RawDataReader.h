@@ -16,14 +16,14 @@
 
 namespace vxfileio::rawdata {
 
-/// Reads one raw data file after the other. `CIRawDataReader` documents the operations.
+/// Reads raw data files, one at a time. `CIRawDataReader` documents the operations.
 ///
 /// Keeps all headers in memory from `Open` on, and the samples of one segment. Trusts the file as little as possible: a
 /// size is checked against the bytes that are there before anything is allocated.
 ///
-/// A pass for one well remembers the positions of the recording's segments, so that the next one reads only what it
-/// delivers. A pass over all wells reads every segment anyway and remembers nothing. After a failure, and in a chain
-/// that turns back, nothing is remembered: the next pass walks the file as it is by then.
+/// A pass for one well remembers the positions of the recording's segments, so that the next pass reads only the
+/// selected ones. A pass over all wells reads every segment anyway and remembers nothing. After a failure, and in a
+/// chain that turns back, nothing is remembered: the next pass reads every header of the file again.
 class CRawDataReader {
  public:
     CRawDataReader() = default;
@@ -48,13 +48,13 @@ class CRawDataReader {
                      std::uint16_t*& samples);
 
  private:
-    /// The selection that takes every segment.
+    /// Selects every segment.
     static constexpr std::int32_t kAllWells = -1;
 
-    /// How far a pass through the segments of a recording has come.
+    /// The state of a pass through the segments of a recording.
     struct CPass {
         std::int64_t position = kUnset;  ///< The next segment header.
-        std::size_t number = 0;          ///< Segments before that one.
+        std::size_t number = 0;          ///< The number of segments before that one.
         CChainGuard guard;
     };
 
@@ -78,7 +78,7 @@ class CRawDataReader {
     [[nodiscard]] bool CompleteSamples(std::size_t read, std::uint32_t size);
 
     helpers::CFile m_file;
-    const CLayout* m_layout = &Layouts().back();     ///< The open file's; never null.
+    const CLayout* m_layout = &Layouts().back();     ///< The layout of the open file; never null.
     CRawDataIndex m_index;                           ///< One entry per recording, in file order.
     CRawDataFileHdr m_fileHdr;                       ///< As read.
     std::vector<CRawDataRecordingHdr> m_recordings;  ///< In file order.
@@ -86,8 +86,8 @@ class CRawDataReader {
     std::int32_t m_selectedWell = kAllWells;
     CSegmentBuffer m_segment;
     std::map<std::int64_t, CSegmentChain> m_chains;  ///< By the positions of their recordings' data.
-    CSegmentChain* m_chain = nullptr;                ///< That of the current recording, if any.
-    std::int64_t m_dataPosition = kUnset;            ///< The current recording's.
+    CSegmentChain* m_chain = nullptr;                ///< The chain of the current recording, if any.
+    std::int64_t m_dataPosition = kUnset;            ///< The data position of the current recording.
     CPass m_pass = BeginningAt(kUnset);
 };
 

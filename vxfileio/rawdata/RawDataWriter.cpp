@@ -36,7 +36,7 @@ const char* ListOf(const std::string& taskName) {
     return nullptr;
 }
 
-/// Throws if a rule is broken, by the first breach.
+/// Throws if a rule is broken.
 void Refuse(const std::optional<CBreach>& breach) {
     if (breach) throw CExcVXReader(TextOf(*breach));
 }
@@ -80,17 +80,17 @@ std::int64_t RequiredSamples(std::int64_t timeFrom, std::int64_t timeTo, std::in
     return static_cast<std::int64_t>(*count);
 }
 
-/// A number that a page boundary parts, where a process may be killed between two copies, in cells that are to be
-/// rewritten. Offsets are those in the cells.
+/// A number in cells to be rewritten that crosses a page boundary, where a process may be killed between two copies.
+/// Offsets count from the first of the cells.
 struct CPartedNumber {
-    std::size_t begin = 0;   ///< Of its cell.
-    std::size_t digits = 0;  ///< Where its text begins.
+    std::size_t begin = 0;   ///< The beginning of its cell.
+    std::size_t digits = 0;  ///< The beginning of its text.
     std::size_t boundary = 0;
-    std::size_t end = 0;  ///< Of its cell.
+    std::size_t end = 0;  ///< The end of its cell.
 };
 
-/// Returns the number whose digits lie on both sides of a page boundary, if there is one. `position` is the offset of
-/// the cells in the file.
+/// Returns the number whose digits are on both sides of a page boundary, if any. `position` is the offset of the cells
+/// in the file.
 std::optional<CPartedNumber> PartedNumber(std::int64_t position, std::string_view cells) {
     const auto boundary = static_cast<std::size_t>(kPageSize - position % kPageSize);
     if (boundary >= cells.size()) return std::nullopt;
@@ -229,7 +229,7 @@ bool CRawDataWriter::FlushToDisk() noexcept {
     return FlushFile() && !isMissing;
 }
 
-/// Flushes the file and, the first time, its name.
+/// Flushes the file and, the first time, also its name.
 bool CRawDataWriter::FlushFile() noexcept {
     if (!m_file.FlushToDisk()) return false;
     m_isNameOnDisk = m_isNameOnDisk || m_file.FlushFolder();
@@ -284,20 +284,20 @@ void CRawDataWriter::ReportCutTexts(const auto& cells, const auto& header) {
     }
 }
 
-/// Adds a sentence to the report. It stays short, because each sentence is in it at most once.
+/// Adds a sentence to the report unless it is already there, so the report stays short.
 void CRawDataWriter::ReportOnce(const std::string& sentence) {
     if (m_unreadable.find(sentence) != std::string::npos) return;
     m_unreadable += (m_unreadable.empty() ? "" : "; ") + sentence;
 }
 
-/// A call makes one rewrite, and the `Close` after it up to two.
+/// A call rewrites at most once, and the `Close` after it at most twice.
 void CRawDataWriter::MakeRoomForRefusals() {
     constexpr std::size_t kMostRewrites = 3;
     const std::size_t size = m_refusedRewrites.size();
     if (m_refusedRewrites.capacity() < size + kMostRewrites) m_refusedRewrites.reserve(2 * size + kMostRewrites);
 }
 
-/// Appends the headers that the file still lacks. Returns false if the system refuses again.
+/// Appends headers that were refused before. Returns false if the system refuses again.
 bool CRawDataWriter::AppendRefusedHdrs() {
     if (m_refusedHdrs.empty()) return true;
     if (!m_file.Append({AsBytes(m_refusedHdrs)})) return false;
@@ -307,7 +307,7 @@ bool CRawDataWriter::AppendRefusedHdrs() {
     return true;
 }
 
-/// Points at a recording header that has just become whole.
+/// Sets the position of a recording header that was just completed.
 void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
     if (m_recordingHdr == kUnset) {
         RewritePosition(0, m_layout->file["FPosFirstRecordingHdr"], position);
@@ -318,7 +318,7 @@ void CRawDataWriter::BeginRecordingAt(std::int64_t position) {
     m_latestSegment = kUnset;
 }
 
-/// Writes the positions of the latest recording, if there is one: of its data, and of the next recording.
+/// Sets the positions of the last recording, if any: of its data and of the next recording.
 void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     if (m_recordingHdr == kUnset) return;
     const auto& hdr = m_layout->recording;
@@ -335,7 +335,7 @@ void CRawDataWriter::FinishRecording(std::int64_t nextRecordingHdr) {
     Rewrite(m_recordingHdr + static_cast<std::int64_t>(first.offset), {bytes.data(), bytes.size()});
 }
 
-/// Rewrites one cell of the header at `hdr`, which holds a position.
+/// Rewrites a cell with a position in the header at `hdr`.
 void CRawDataWriter::RewritePosition(std::int64_t hdr, const auto& cell, std::int64_t position) {
     std::array<char, kMostRewritten> room{};
     const auto bytes = std::span(room).first(cell.width);
@@ -343,7 +343,7 @@ void CRawDataWriter::RewritePosition(std::int64_t hdr, const auto& cell, std::in
     Rewrite(hdr + static_cast<std::int64_t>(cell.offset), {bytes.data(), bytes.size()});
 }
 
-/// Writes cells over those at a position, now or, if the system refuses, as soon as it takes them.
+/// Overwrites cells at a position now or, if the system refuses, as soon as it accepts them.
 void CRawDataWriter::Rewrite(std::int64_t position, std::string_view bytes) {
     RetryRewrites();
     const bool isTaken = WriteCells(position, bytes);
@@ -354,7 +354,7 @@ void CRawDataWriter::Rewrite(std::int64_t position, std::string_view bytes) {
         if (isKnown) m_refusedRewrites.erase(place);
         return;
     }
-    // Of one position, the newest cells count; they are always as many.
+    // Only the newest cells for a position are kept; they always have the same size.
     const auto kept = isKnown ? place : m_refusedRewrites.insert(place, {position, bytes.size()});
     std::copy(bytes.begin(), bytes.end(), kept->bytes.begin());
 }
@@ -370,13 +370,13 @@ bool CRawDataWriter::Repeat(const CRefusedRewrite& rewrite) {
     return WriteCells(rewrite.position, {rewrite.bytes.data(), rewrite.size});
 }
 
-/// Writes cells over those at a position, so that a process killed at any moment leaves each position unset or final.
+/// Overwrites cells at a position so that a process killed at any moment leaves each position unset or final.
 ///
-/// The system copies each page by itself. Where a page boundary parts the digits of a number, those after it are
-/// written first: until the others follow, the cell still reads as -1, since a NUL follows the -1 before the
-/// boundary. If the boundary is too close for that, the part before it is first made to read as -1, whatever follows:
-/// readers find a cell by its offset and end a value at the next `=`. The other cells follow in file order, so that a
-/// recording gets its data before its successor. Recovery finds a key cut short at worst.
+/// The system copies page by page. If a page boundary splits the digits of a number, those after it are written first:
+/// until the others follow, the cell still reads as -1, since a NUL follows the -1 before the boundary. If the boundary
+/// is too close for that, the part before it is first changed to read as -1, regardless of what follows: readers find a
+/// cell by its offset, and a value ends at the next `=`. The other cells follow in file order, so that a recording gets
+/// its data before its successor. At worst, recovery finds a truncated key.
 bool CRawDataWriter::WriteCells(std::int64_t position, std::string_view bytes) {
     const auto write = [&](std::size_t offset, std::string_view part) {
         return m_file.WriteAt(position + static_cast<std::int64_t>(offset), {AsBytes(part)});

@@ -13,16 +13,16 @@
 
 namespace vxfileio::rawdata {
 
-/// Writes one raw data file after the other. `CIRawDataWriter` documents the operations.
+/// Writes raw data files, one at a time. `CIRawDataWriter` documents the operations.
 ///
 /// Two rules keep the file sound whenever a write fails or the process dies. *Append first, then point*: a position is
-/// only written once the system has everything that it points to. *What failed is tried again*: a header that the
-/// system refused is written before the next segment, and a refused rewrite is repeated with the next one; a refused
-/// segment leaves no trace. A recording whose header never reached the file is dropped when the next one begins. The
-/// writer keeps track of the end of the file and never asks for it.
+/// written only once the system has everything that it points to. *Retry what failed*: a refused header is written
+/// before the next segment, and a refused rewrite is repeated with the next one; a refused segment leaves no trace. A
+/// recording whose header never reached the file is dropped when the next one begins. The writer keeps track of the end
+/// of the file and never queries it.
 ///
-/// Memory for remembering a refusal is allocated before a call writes anything. So `std::bad_alloc` leaves file and
-/// writer unchanged, and `Close` allocates nothing.
+/// Memory for recording a refusal is allocated before a call writes anything. So `std::bad_alloc` leaves the file and
+/// the writer unchanged, and `Close` allocates nothing.
 class CRawDataWriter {
  public:
     CRawDataWriter() = default;
@@ -43,10 +43,10 @@ class CRawDataWriter {
     [[nodiscard]] std::string GetWriteError() const;
 
  private:
-    /// How far the calls for the open file have come.
+    /// How far the calls for the open file have progressed.
     enum class enStage { Closed, Opened, HasFileHdr, InRecording };
 
-    /// Cells that were to be rewritten and that the system hasn't taken yet.
+    /// Cells whose rewriting the system refused.
     struct CRefusedRewrite {
         std::int64_t position = 0;
         std::size_t size = 0;
@@ -73,27 +73,27 @@ class CRawDataWriter {
     helpers::CFile m_file;
     enStage m_stage = enStage::Closed;
 
-    /// Headers that were to be written and that the system hasn't taken yet: empty while the disk has room. At the
-    /// file's start the file header, and last the header of the recording that the caller has begun.
+    /// Headers that the system refused; empty while the disk has room. At the beginning of the file, this includes the
+    /// file header. The last one is that of the current recording.
     std::string m_refusedHdrs;
-    std::string m_hdrRoom;  ///< Where headers are encoded, so that only the first one allocates.
+    std::string m_hdrRoom;  ///< A buffer for encoding headers, reused after the first one.
 
-    std::vector<CRefusedRewrite> m_refusedRewrites;  ///< By their position.
-    std::int64_t m_missingSegments = 0;              ///< Those that the system refused.
+    std::vector<CRefusedRewrite> m_refusedRewrites;  ///< Sorted by position.
+    std::int64_t m_missingSegments = 0;              ///< Number of segments that the system refused.
     bool m_isRecordingMissing = false;               ///< A header was refused and dropped.
     std::string m_unreadable;                        ///< Sentences about values that readers can't use.
-    bool m_isFlushed = false;                        ///< The caller wants this file on the disk.
-    bool m_isNameOnDisk = false;                     ///< The disk has its name.
+    bool m_isFlushed = false;                        ///< `FlushToDisk` was called for this file.
+    bool m_isNameOnDisk = false;                     ///< The file's name is on the disk.
 
-    const CLayout* m_layout = &Layouts().back();  ///< That of the file, once its header is written; never null.
+    const CLayout* m_layout = &Layouts().back();  ///< The layout of the file, once its header is written; never null.
     /// The cell of the layout that points to the next segment; rewritten for each segment.
     const CSegmentCell* m_nextSegmentCell = &m_layout->segment["FPosNextSegmentHdr"];
 
     bool m_isStrict = false;
-    CSegmentRules m_segmentRules;  ///< With the wells of the recording that the caller has begun.
+    CSegmentRules m_segmentRules;  ///< With the wells of the current recording.
 
-    std::int64_t m_recordingHdr = kUnset;   ///< Latest recording header in the file.
-    std::int64_t m_latestSegment = kUnset;  ///< Latest segment of that recording.
+    std::int64_t m_recordingHdr = kUnset;   ///< The last recording header in the file.
+    std::int64_t m_latestSegment = kUnset;  ///< The last segment of that recording.
 };
 
 }  // namespace vxfileio::rawdata

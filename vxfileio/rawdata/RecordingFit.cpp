@@ -15,7 +15,7 @@ namespace vxfileio::rawdata {
 
 namespace {
 
-/// Returns the text of a value, however long it is.
+/// Returns the text of a value of any length.
 std::string ValueText(const CRecordingCell& cell, const CRawDataRecordingHdr& header) {
     constexpr std::size_t kMostNumber = 24;  // with its separator
     const std::size_t most = header.TaskName.size() + (header.WellChannels.size() + 1) * kMostNumber;
@@ -29,9 +29,9 @@ std::string ValueText(const CRecordingCell& cell, const CRawDataRecordingHdr& he
 /// The value of a cell that lists one item per well.
 struct CItems {
     std::size_t room = 0;
-    std::vector<std::size_t> ends = {};  ///< Where each item ends in the value.
+    std::vector<std::size_t> ends = {};  ///< The end of each item in the value.
 
-    /// Returns how many items fit, from the first on.
+    /// Returns how many items fit, counted from the first.
     std::int64_t CountThatFit() const { return std::ranges::upper_bound(ends, room) - ends.begin(); }
 
     /// Returns whether the items from `first` to `last` would fit without the others.
@@ -48,7 +48,7 @@ CItems ItemsOf(std::string_view value, std::size_t room) {
     return items;
 }
 
-/// Returns the number of wells in each part if as many as fit go into each; none if a single well doesn't fit.
+/// Returns the number of wells in each part if each has as many as fit; empty if a single well doesn't fit.
 std::vector<std::int64_t> SplitOf(const std::vector<CItems>& lists, std::size_t wells) {
     std::vector<std::int64_t> split;
     std::size_t first = 0;

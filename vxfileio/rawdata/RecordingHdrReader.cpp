@@ -32,7 +32,7 @@ bool CRecordingHdrReader::ReadOnce(std::int64_t position, CRawDataRecordingHdr& 
     return TakeChannels(bytes, header);
 }
 
-/// `hdr` is the header, as far as the file has it. Returns false if it claims more channels than it can list.
+/// `hdr` may be incomplete. Returns false if it claims more channels than it can list.
 bool CRecordingHdrReader::TakeChannels(std::string_view hdr, CRawDataRecordingHdr& header) {
     const std::string_view bytes = ChannelBytes(m_layout, hdr);
     if (bytes == m_channelBytes) {

@@ -18,13 +18,13 @@ class CRecordingHdrReader {
     CRecordingHdrReader(const helpers::CFile& file, const CLayout& layout)
         : m_layout(layout), m_window(file, layout.recording.size) {}
 
-    /// Reads a header whose positions can be believed. Returns false if there is no whole header at the position.
+    /// Reads a header whose positions are reliable. Returns false if there is no whole header at the position.
     ///
-    /// A writer at work rewrites positions in place, and what is read in that moment may be half old, half new:
-    /// positions that no writer of ours leaves are read again until they stay.
+    /// A writer rewrites positions in place, so they may be partly old and partly new while it does. Positions that our
+    /// writer wouldn't leave are read again until they are stable.
     bool Read(std::int64_t position, CRawDataRecordingHdr& header);
 
-    /// The same from what the file holds now. After it, nothing that was read before is used any more.
+    /// The same, but from the current content of the file. Discards what was read before.
     bool Reread(std::int64_t position, CRawDataRecordingHdr& header);
 
     /// How often a header is read again because its writer seems to be rewriting it. A rewrite takes microseconds.
@@ -37,8 +37,8 @@ class CRecordingHdrReader {
 
     const CLayout& m_layout;
     CHeaderWindow m_window;
-    std::string m_channelBytes;       ///< The cells of the channels that were parsed last.
-    CRawDataRecordingHdr m_channels;  ///< What they came to.
+    std::string m_channelBytes;       ///< The channel cells that were parsed last.
+    CRawDataRecordingHdr m_channels;  ///< The result of parsing them.
 };
 
 }  // namespace vxfileio::rawdata

@@ -112,7 +112,7 @@ std::vector<CBreach> BreachesOfSegmentHdr(const CLayout& layout, std::string_vie
 /// @}
 
 /// @name Judging the values of a header that is to be written
-/// They say more than its bytes, in which a NUL at the end of a text looks like padding. Breaches are in the order of
+/// They show more than its bytes, in which a NUL at the end of a text looks like padding. Breaches are in the order of
 /// the cells, those of wells last. Whether a value fits its cell isn't judged.
 /// @{
 std::vector<CBreach> BreachesOfValues(const CLayout& layout, const CRawDataFileHdr& header);
@@ -126,11 +126,11 @@ std::optional<CBreach> BreachOfVersion(std::int32_t version);
 std::optional<CBreach> BreachOfList(const char* list, std::string_view taskName,
                                     const std::vector<std::string>& values);
 
-/// Judges the segments of one recording, each by its well and by the segment of that well before it.
+/// Judges the segments of one recording. Compares each with the previous segment of its well.
 class CSegmentRules {
  public:
     CSegmentRules() = default;
-    /// Of two wells with the same ID the first counts.
+    /// If two wells have the same ID, the first one is used.
     explicit CSegmentRules(const std::vector<CRawDataChannelInfo>& wells);
 
     /// Returns the first rule that a segment breaks. `layout` has the offsets of the cells.
@@ -146,12 +146,12 @@ class CSegmentRules {
     struct CWell {
         std::int32_t id = 0;
         std::int64_t tick = 0;
-        std::optional<std::int64_t> end = {};  ///< Of its latest segment.
+        std::optional<std::int64_t> end = {};  ///< The end of its latest segment.
     };
 
     const CWell* Find(std::int32_t id) const noexcept;
 
-    std::vector<CWell> m_wells;  ///< By their IDs, each once.
+    std::vector<CWell> m_wells;  ///< Sorted by ID, each once.
 };
 
 }  // namespace vxfileio::rawdata

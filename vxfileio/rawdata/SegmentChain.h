@@ -17,10 +17,10 @@ struct CSegmentPlace {
 };
 static_assert(sizeof(CSegmentPlace) == 16, "what a segment may cost in memory");
 
-/// The first segments of one recording in the order of their chain, as far as they were walked.
+/// The first segments of one recording in the order of their chain, as far as they have been read.
 ///
-/// It only saves reading segments that aren't wanted: what is delivered comes from the file, even if that has changed.
-/// What follows the last place isn't remembered, not even that the chain ends: a writer may have appended.
+/// It only saves reading segments that aren't selected: samples come from the file, even if it has changed. What
+/// follows the last place isn't remembered, not even the end of the chain: a writer may have appended.
 class CSegmentChain {
  public:
     /// Returns the segment with this number, or null if it isn't remembered. It lives until the next change.
@@ -28,11 +28,10 @@ class CSegmentChain {
         return number < m_count ? &m_blocks[number / kBlockSize][number % kBlockSize] : nullptr;
     }
 
-    /// Takes note of a header that was read as that of the segment with this number: if it contradicts what is
-    /// remembered of it or of its successor, that is forgotten with everything after it. `next` is the next position in
-    /// its chain.
-    /// A chain that turns back is forgotten whole: it may be a circle, and once that is mended in the file, nothing
-    /// of it may be left.
+    /// Compares the header that was read for the segment with this number. If it contradicts what is remembered of this
+    /// segment or its successor, forgets that and everything after it. `next` is the next position in its chain. A
+    /// chain that turns back is forgotten completely: it may be a loop, and once the file is repaired, nothing of it
+    /// may be left.
     void Confirm(std::size_t number, const CSegmentPlace& place, std::int64_t next) {
         if (!LeadsOn(place, next)) ForgetFrom(0);
         const CSegmentPlace* const remembered = Find(number);
@@ -59,15 +58,15 @@ class CSegmentChain {
     }
 
  private:
-    /// Writers append, so each segment of theirs points further on, or nowhere.
+    /// Writers append, so each of their segments points forwards, or nowhere.
     static bool LeadsOn(const CSegmentPlace& place, std::int64_t next) {
         return next == kUnset || next > place.position;
     }
 
     static constexpr std::size_t kBlockSize = 256;
 
-    std::vector<std::vector<CSegmentPlace>> m_blocks;  ///< All full but the last, so that no place is ever copied.
-    std::size_t m_count = 0;                           ///< Of all places.
+    std::vector<std::vector<CSegmentPlace>> m_blocks;  ///< All full except the last one, so places are never copied.
+    std::size_t m_count = 0;                           ///< The number of places.
 };
 
 }  // namespace vxfileio::rawdata

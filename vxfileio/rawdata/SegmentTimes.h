@@ -100,12 +100,12 @@ constexpr std::int64_t EndOf(const CLayout& layout, std::int64_t position, const
     return DataOf(layout, position) + SamplesOf(header) * kSampleBytes;
 }
 
-/// Samples of a cut file may reach so far beyond its end, or as far as the file is long; they are delivered with zeros
-/// after the end. A damaged size must not cost more memory than that.
+/// The samples of a cut file may extend this far beyond its end, or as far as the file is long; missing ones are
+/// delivered as zeros. A damaged size must not cost more memory than that.
 inline constexpr std::int64_t kMostMissingBytes = std::int64_t{16} << 20;
 
-/// Returns whether so many samples at this position are worth their memory. Calls `fileSize` for the size of the file
-/// only if they are many.
+/// Returns whether this many samples at this position are credible. Calls `fileSize` for the size of the file only if
+/// there are many.
 constexpr bool IsCredible(std::int64_t position, std::uint32_t samples, auto fileSize) noexcept {
     const std::int64_t bytes = samples * kSampleBytes;
     if (bytes <= kMostMissingBytes) return true;

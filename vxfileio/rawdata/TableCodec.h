@@ -30,7 +30,7 @@
 
 namespace vxfileio::rawdata {
 
-/// Throws `CExcVXReader` that names the key, unless all that was put had room.
+/// Throws a `CExcVXReader` that names the key unless everything fit.
 void RefuseUnlessFitting(const CCellWriter& writer, std::string_view key);
 
 // ---- The cells of one version ---------------------------------------------------------------------------------------
@@ -56,7 +56,7 @@ consteval auto RowsIn() {
     return cells;
 }
 
-/// The same as a constant, so that it can be a template argument.
+/// The same as a constant, which can be a template argument.
 template <const auto& Rows, std::int32_t Version>
 inline constexpr auto kCellsIn = RowsIn<Rows, Version>();
 
@@ -88,7 +88,7 @@ consteval std::size_t MostChannelsIn(const auto& cells) {
     return most;
 }
 
-/// One cell of a header in one version. Each has a type of its own, so that its key is a constant in the code for it.
+/// A cell of a header in one version. Each has its own type, so that its key is a compile-time constant.
 template <const auto& Cells, std::size_t Number>
 struct CTableCell {
     static constexpr std::string_view kKey = Cells[Number].key;
@@ -100,7 +100,8 @@ struct CTableCell {
     static constexpr std::size_t kMostChannels = MostChannelsIn(Cells);
 };
 
-/// Calls `act` with each cell as a `CTableCell`, in file order, until it returns false. Returns whether it never did.
+/// Calls `act` with each cell as a `CTableCell`, in file order, until it returns false. Returns whether it always
+/// returned true.
 template <const auto& Cells>
 bool ForCells(auto act) {
     return [&]<std::size_t... Numbers>(std::index_sequence<Numbers...>) {
@@ -132,7 +133,7 @@ inline void FromText(std::string_view text, std::int64_t& value) { value = helpe
 inline void FromText(std::string_view text, std::uint64_t& value) { value = helpers::ParseUInt64(text); }
 inline void FromText(std::string_view text, double& value) { value = helpers::ParseDouble(text); }
 
-/// The bytes of a cell on their way into a header; fewer if the file ends within it.
+/// The bytes of a cell to be decoded; fewer if the file ends within it.
 template <class Cell>
 struct CCellBytes {
     std::string_view bytes;
@@ -220,7 +221,7 @@ bool TakeMember(const auto& cell, CRawDataRecordingHdr& header, CChannelList mem
     return true;
 }
 
-/// Decodes a cell. Bytes that are missing count as NUL.
+/// Decodes a cell. Missing bytes count as NUL.
 template <class Cell>
 bool DecodeCell(std::string_view bytes, auto& header) {
     constexpr std::size_t kEnd = Cell::kOffset + Cell::kWidth;
@@ -250,8 +251,8 @@ bool DecodeChannels(std::string_view bytes, CRawDataRecordingHdr& header) {
     });
 }
 
-/// Decodes the cells of a segment header that end within its first `Front` bytes, or those that don't. Readers call
-/// this for each segment, so all that it calls becomes part of it.
+/// Decodes the cells of a segment header that end within its first `Front` bytes, or the others. Readers call this for
+/// each segment, so everything is inlined.
 template <const auto& Cells, std::size_t Front, bool InFront>
 [[gnu::flatten]] void DecodePart(std::string_view bytes, CSegmentHdr& header) {
     ForCells<Cells>([&]<class Cell>(Cell) {
@@ -279,13 +280,13 @@ consteval bool HaveSameBeginning(const CHdrLayout<CFileCell>& file, const CHdrLa
     return file["FileVersion"].offset == oldest["FileVersion"].offset;
 }
 
-/// Returns whether the cells that finishing a recording rewrites lie together, so that one write does it.
+/// Returns whether the cells that are rewritten to finish a recording are adjacent, so that one write is enough.
 consteval bool LieTogether(const CHdrLayout<CRecordingCell>& recording) {
     return recording["FPosRecordingData"].End() == recording["FPosRecordingTrailer"].offset &&
            recording["FPosRecordingTrailer"].End() == recording["FPosNextRecordingHdr"].offset;
 }
 
-/// Returns whether every key that code asks for by name is there, and a number read from it: a missing one doesn't
+/// Returns whether every key used by name exists, and has a number where one is expected: otherwise the code doesn't
 /// compile.
 consteval bool HasNamedCells(const CLayout& layout) {
     for (const char* key : {"FPosFirstRecordingHdr", "FileVersion", "PreQC", "CompoundTest", "PostQC"})
@@ -298,7 +299,7 @@ consteval bool HasNamedCells(const CLayout& layout) {
     return true;
 }
 
-/// The most characters of a 64-bit number, with its sign.
+/// The maximum length of a 64-bit number, including its sign.
 inline constexpr std::size_t kMostDigits = std::numeric_limits<std::int64_t>::digits10 + 2;
 
 /// Returns whether each cell that holds a position has room for any of them.
@@ -344,7 +345,7 @@ consteval CLayout MakeLayout() {
     };
 }
 
-/// Makes the layout of one row of `Versions`, and holds it against what the code relies on.
+/// Makes the layout of one row of `Versions`, and checks what the code relies on.
 template <const auto& Versions, std::size_t Index, const auto& File, const auto& Recording, const auto& Segment>
 consteval CLayout MakeCheckedLayout() {
     constexpr CVersion kVersion = Versions[Index];
@@ -375,7 +376,7 @@ consteval bool AreAllListed(const auto& rows, const auto& versions) {
                        [&](const auto& row) { return row.traits.since <= versions.back().number; });
 }
 
-/// Makes the layouts of all versions from the tables, and holds them against what the code relies on.
+/// Makes the layouts of all versions from the tables, and checks what the code relies on.
 template <const auto& Versions, const auto& File, const auto& Recording, const auto& Segment>
 consteval auto MakeLayouts() {
     static_assert(AreAllListed(File, Versions) && AreAllListed(Recording, Versions) && AreAllListed(Segment, Versions),

@@ -7,7 +7,7 @@ namespace vxfileio::settings {
 
 namespace {
 
-/// Writes an analyzer with only these wells; null stands for all.
+/// Writes an analyzer with only these wells; null means all.
 void SaveAnalyzer(CXmlFileArchive& archive, CPropAnalyzer& analyzer, const std::vector<std::int32_t>* wellIDs) {
     analyzer.AnalyzingDate = helpers::GetCurrentFileTime();
     SaveForm<CXmlForm<CPropAnalyzer>>(archive, analyzer, CMarksToSave<CTaskMarks>{analyzer.AnalyzeSettings, wellIDs});

@@ -38,7 +38,7 @@ class VXFILEIO_API CPropAnalyzer : public CVXProperty {
     enFPAveIntervalType FPAveIntervalType = enFPAveIntervalType::UserDefined;
     double FPAveHRDefinedFactor = 0.0;               ///< Factor of an interval that the heart rate defines.
     std::map<enTask, TaskAnalysis> AnalyzeSettings;  ///< The marks: task, recording number, well ID.
-    std::int64_t PreFPfastTime = 0;                  ///< Time ahead of the fast field potential.
+    std::int64_t PreFPfastTime = 0;                  ///< Time before the fast field potential.
     std::int64_t FPAverageTime = 0;                  ///< Length of the averaging.
     std::int64_t FPmaxSearchBegin = 50000;           ///< Where the search for the maximum begins.
     std::int64_t FPmaxSearchEnd = 0;                 ///< Where it ends.

@@ -13,14 +13,14 @@ namespace {
 
 constexpr std::string_view kSettingsOpenFailed = "Could not open settings file: ";
 
-/// The first version whose files hold the analyzer's marks; from older ones they are made up.
+/// The first version whose files have the analyzer's marks. They are generated for older files.
 constexpr std::int32_t kFirstVersionWithMarks = 3;
 
-/// The most marks that are made up. No plate has so many wells and doses, and a file that claims them would otherwise
-/// take memory as the product of two lists.
+/// The maximum number of generated marks. No plate has so many wells and doses; without this limit, a file that claims
+/// them would take memory in proportion to the product of two lists.
 constexpr std::size_t kMostMadeMarks = 100'000;
 
-/// The compound of a file, and the wells that it has marks of.
+/// The compound of a file, and the wells whose marks it has.
 struct CChoice {
     std::int32_t compound;
     std::vector<std::int32_t> wellIDs;
@@ -60,7 +60,7 @@ void CSettingsReader::ReadFile(const std::string& path) {
     if (m_settings.Header.FileVersion < kFirstVersionWithMarks) MakeMarks();
 }
 
-/// Makes up the marks that older files don't have: default ones for each dose that has a text and each active well.
+/// Generates the marks that older files don't have: default ones for each dose with a text and each active well.
 void CSettingsReader::MakeMarks() {
     const std::vector<std::int32_t> wells = m_settings.RecordPlate.GetActiveWellIDs();
     const std::size_t room = kMostMadeMarks / std::max<std::size_t>(wells.size(), 1);
@@ -68,7 +68,7 @@ void CSettingsReader::MakeMarks() {
     m_settings.Analyzer.InitTask(enTask::Series, static_cast<std::int32_t>(recordings), wells);
 }
 
-/// Returns the number of doses. Notes the first that has no text, and throws what `DoseToText` throws.
+/// Returns the number of doses. Reports the first one without a text and passes on the exception of `DoseToText`.
 std::size_t CSettingsReader::CountDoses() {
     std::size_t count = 0;
     for (const std::uint64_t dose : m_settings.RecordPlate.Data.Series) {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// @file
-/// What the documents of the library have in common, and what tells them apart.
+/// The common features of the library's documents, and those that distinguish them.
 
 namespace vxfileio::xmlarchive {
 
@@ -22,7 +22,7 @@ inline constexpr CDocumentKind kSettingsDocument{"settings file", "Settings", "V
 inline constexpr CDocumentKind kResultsDocument{"results file", "Results", "VXResults"};
 inline constexpr std::array kDocumentKinds{kSettingsDocument, kResultsDocument};
 
-/// What a reader's error begins with if the system refused to read the file to its end. The offset follows.
+/// The beginning of a reader's error if the system refused to read the file to its end. The offset follows.
 inline constexpr std::string_view kReadRefused = "The system refused to read beyond offset ";
 
 }  // namespace vxfileio::xmlarchive

@@ -10,7 +10,7 @@ namespace gd_xml_stream {
 
 namespace {
 
-/// What one system call moves. Pieces of twice the size save a hundredth of the time at most.
+/// Bytes per system call. Pieces of twice the size save at most 1 % of the time.
 constexpr std::size_t kGathered = std::size_t{32} << 10;
 
 }  // namespace

@@ -10,11 +10,11 @@
 #include "vxfileio/base/EnumerationWords.h"
 
 /// @file
-/// What an element of a document holds, as data. The lists of fields in `XmlFields.h` yield these descriptions.
+/// The content of an element, as data. The lists of fields in `XmlFields.h` yield these descriptions.
 
 namespace vxfileio::xmlarchive {
 
-/// The kind of an element's content. The kind of a number is also its range.
+/// The kind of an element's content. For a number, it also determines the range.
 enum class EXmlKind : std::uint8_t {
     Text,
     Word,       ///< A word of an enumeration.
@@ -27,21 +27,21 @@ enum class EXmlKind : std::uint8_t {
     UInt64,
     Double,
     Samples,  ///< Numbers with six significant digits, each followed by a semicolon.
-    Object,   ///< Children, each once and in their order.
+    Object,   ///< Children, each once and in order.
     List,     ///< Entries; the attribute `Size` is their number.
     Entries,  ///< Entries without such an attribute.
 };
 
-/// One element: its tag and what it holds.
+/// An element: its tag and its content.
 struct CXmlElement {
     std::string_view tag;
     EXmlKind kind = EXmlKind::Text;
     std::span<const CXmlElement> children = {};    ///< Of an object; of a list, the elements that an entry can be.
     std::span<const std::string_view> words = {};  ///< Of a word, or of a text that should be one.
     std::size_t shortSize = SIZE_MAX;  ///< An object may end after this many children if the last one is an empty list.
-    std::string_view onlyIf = {};      ///< The tag of the bool ahead of this element without which it has no text.
+    std::string_view onlyIf = {};      ///< The tag of the bool before this element without which it has no text.
     bool mayBeEmpty = false;           ///< The word may be missing.
-    bool isRead = true;                ///< False for what is written for people only.
+    bool isRead = true;                ///< False if it is written only for people.
 };
 
 /// Returns words as a choice: "one of the words Tecan, Norva".

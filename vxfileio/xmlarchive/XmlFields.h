@@ -127,7 +127,7 @@ inline bool IsStartOf(const CXmlFileArchive& archive, std::string_view tag) {
     return !archive.IsEndTag() && archive.TagName() == tag;
 }
 
-/// Returns whether the current element has children, and so an end tag of its own.
+/// Returns whether the current element has children, and so an end tag.
 inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
@@ -342,7 +342,7 @@ bool GetField(CXmlFileArchive& archive, const std::tuple<Fields...>& fields, Obj
     return std::apply([&](const auto&... field) { return (load(field) || ...); }, fields);
 }
 
-/// Passes the events up to the end tag of the current object, or to the end of the document.
+/// Processes the events up to the end tag of the current object, or to the end of the document.
 template <class Handle>
 void ForEachEventUntil(CXmlFileArchive& archive, std::string_view endTag, Handle handle) {
     while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == endTag))
@@ -358,7 +358,7 @@ void SaveForm(CXmlFileArchive& archive, const Objects&... objects) {
 }
 
 /// Reads the fields of a form up to its end tag. The archive may be before its start tag or after it. Reports an
-/// element without children, since it has no end tag of its own.
+/// element without children, since it has no end tag.
 template <class Form, class... Objects>
 void LoadForm(CXmlFileArchive& archive, Objects&... objects) {
     ForEachEventUntil(archive, Form::kElement, [&] {
@@ -413,12 +413,12 @@ Entry LoadEntry(CXmlFileArchive& archive) {
     return entry;
 }
 
-/// The most entries that a list gets after the document has ended: an entry can take a hundred times the memory of the
-/// bytes that make room for it.
+/// The maximum number of entries that are added if the document ends early: an entry can take a hundred times the
+/// memory of its bytes in the document.
 inline constexpr std::size_t kMostMissingEntries = 1000;
 
-/// Reads a list of objects, as many as its `Size` says, and passes each to `keep`. Those that the document ends before
-/// have nothing of their own.
+/// Reads a list of objects, as many as its `Size` says, and passes each to `keep`. If the document ends early, the
+/// missing ones have default values.
 template <class Entry, class KeepEntry>
 void GetEntries(CXmlFileArchive& archive, KeepEntry keep) {
     std::size_t missing = 0;
@@ -455,8 +455,8 @@ struct CObjectsField {
 template <class Object, class Entry>
 CObjectsField(std::string_view, std::vector<Entry> Object::*) -> CObjectsField<Object, Entry>;
 
-/// A map of objects as a list, which replaces the former map. Keys aren't stored: each is the value of a word that the
-/// object holds. The last of several objects with the same key counts.
+/// A map of objects as a list, which replaces the former map. Keys aren't stored: each follows from a word in the
+/// object. If several objects have the same key, the last one wins.
 template <class Object, class Key, class Entry>
 struct CKeyedObjectsField {
     using CObject = Object;

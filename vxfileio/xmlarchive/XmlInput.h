@@ -12,16 +12,16 @@
 
 namespace gd_xml_stream {
 
-/// What a byte may be to the scanner; a byte can belong to several classes.
+/// Classes of bytes for the scanner. A byte can belong to several classes.
 ///
-/// Bytes count as signed here, so those from 0x80 up lie below the blank: between tags they are passed over, and they
-/// end a name. Only inside text do they stand for themselves.
+/// Bytes are signed here, so those from 0x80 up are less than a blank: they are skipped between tags, and they end a
+/// name. Only within text are they characters.
 enum CharClass : std::uint8_t {
     kBlank = 1,       ///< At most a blank, as a signed number.
     kTextBlank = 2,   ///< At most a blank, as an unsigned number.
     kName = 4,        ///< Belongs to the name in a start tag: "-" and all from "0" up but ">".
     kEndName = 8,     ///< Belongs to the name in an end tag: neither blank nor ">".
-    kOpen = 16,       ///< "<" itself.
+    kOpen = 16,       ///< The "<".
     kText = 32,       ///< Neither "<" nor ">".
     kPlainName = 64,  ///< Belongs to the name in a start tag, and isn't "<".
 };
@@ -93,7 +93,7 @@ class XmlInput {
         return {m_buffer.data() + m_cursor, m_size - m_cursor};
     }
 
-    /// Moves the cursor over bytes that `Rest` or `StandsOn` showed.
+    /// Moves the cursor over bytes that `Rest` or `StandsOn` has shown.
     void Pass(std::size_t count) { m_cursor += count; }
 
     /// Forgets what was gathered.
@@ -176,8 +176,8 @@ class XmlInput {
     CFileBuffer* m_file;
     std::size_t m_blockSize;
     std::vector<char> m_buffer;     ///< The gathered bytes, then the rest of the block.
-    std::size_t m_gathered = 0;     ///< Where what was gathered begins,
-    std::size_t m_gatheredEnd = 0;  ///< and where it ends.
+    std::size_t m_gathered = 0;     ///< The beginning of the gathered bytes,
+    std::size_t m_gatheredEnd = 0;  ///< and their end.
     std::size_t m_cursor = 0;
     std::size_t m_size = 0;                 ///< Bytes in `m_buffer`.
     std::size_t m_read = 0;                 ///< Bytes of the document that were read.

@@ -23,8 +23,8 @@ XmlValue Parsed(std::string_view text) {
     return value;
 }
 
-/// Takes a number of the usual form and its semicolon off the front of `text`. Returns false, and changes nothing, if
-/// there is another form.
+/// Removes a number of the usual form and its semicolon from the front of `text`. Returns false and changes nothing for
+/// other forms.
 inline bool TakePlainSample(std::string_view& text, double& sample) {
     std::string_view after = text;
     double decimal = 0.0;
@@ -34,8 +34,7 @@ inline bool TakePlainSample(std::string_view& text, double& sample) {
     return true;
 }
 
-/// Returns the first bytes of a file in words, if another kind of file than a document begins with them; otherwise
-/// nothing.
+/// Returns the kind of a file that begins with these bytes, in words; empty if it isn't another kind than a document.
 std::string_view OtherKind(std::string_view beginning) {
     using namespace vxfileio::base;
     if (beginning.empty()) return "an empty file";
@@ -81,8 +80,8 @@ std::string_view XmlReader::PlainText(std::string& room) const {
     return room;
 }
 
-/// Notes if the value of the current element is that of an attribute which nobody asked for, since it precedes the
-/// text.
+/// Reports if the value of the current element comes from an attribute that the caller didn't request, because it
+/// precedes the text.
 void XmlReader::NoteAttribute() {
     const std::size_t mark = Element().find_first_of(">\"", Name().size());
     if (m_valueAt > 0 || mark == std::string_view::npos || Element()[mark] == '>') return;
@@ -196,8 +195,8 @@ void XmlReader::ReadSamples(std::vector<double>& samples) {
     Level().claimed = kAnyNumber;  // its children aren't its entries
 }
 
-/// Does the same for a number of any form, or for what is in place of one. `text` is the rest of `whole`. Notes what
-/// isn't a number. Returns false, and changes nothing, without a semicolon.
+/// Does the same for a number of any form, or for something else in its place. `text` is the rest of `whole`. Reports
+/// what isn't a number. Returns false and changes nothing if there is no semicolon.
 bool XmlReader::TakeSample(std::string_view& text, double& sample, std::string_view whole) {
     const std::size_t semicolon = text.find(';');
     if (semicolon == std::string_view::npos) return false;
@@ -208,7 +207,7 @@ bool XmlReader::TakeSample(std::string_view& text, double& sample, std::string_v
     return true;
 }
 
-/// Notes the fault of a number whose text is `at` bytes into that of the element.
+/// Reports the fault of a number whose text is at offset `at` in that of the element.
 void XmlReader::NoteNumber(ENumberFault fault, std::string_view text, std::size_t at,
                            std::string (*range)(ENumberFault)) {
     const auto kind = fault == ENumberFault::NoNumber ? XmlFault::NoNumber : XmlFault::OutOfRange;
@@ -250,7 +249,7 @@ std::string XmlReader::Finish(std::string_view section) {
     return text;
 }
 
-/// Returns why the section wasn't read to its end, or nothing if the faults say it.
+/// Returns why the section wasn't read to its end; empty if the faults say so.
 std::string XmlReader::SectionText(std::string_view section) const {
     const std::string name = NameOf(section);
     for (const auto& kind : kDocumentKinds) {

@@ -70,7 +70,7 @@ class XmlReader : public XmlScanner {
     XmlValue ValueOf(XmlType type, std::string_view text);
     std::string_view PlainText(std::string& room) const;
     void NoteAttribute();
-    /// Notes if the current element has an attribute ahead of its value, or something other than its end tag after it.
+    /// Reports if the current element has an attribute before its value, or something other than its end tag after it.
     void CheckValue() {
         if (Element().size() > Name().size() && Element()[Name().size()] != '>') NoteAttribute();
         if ((State() & XmlState::kHasChildren) != 0) NoteText(XmlFault::CutText, {});

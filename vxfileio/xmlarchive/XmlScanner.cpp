@@ -13,10 +13,10 @@ constexpr std::string_view kSectionEnd = "]]>";
 constexpr std::string_view kCommentEnd = "-->";
 constexpr std::string_view kInstructionEnd = "?>";
 
-/// The most bytes of a name that a message shows.
+/// The maximum length of a name in a message.
 constexpr std::size_t kMostNameShown = 64;
 
-/// Up to this length a text is gone through byte by byte.
+/// Texts up to this length are processed byte by byte.
 constexpr std::size_t kShortText = 64;
 
 /// Returns whether the same `size` bytes are at both places. Names are short, and a call of `memcmp` would take longer.

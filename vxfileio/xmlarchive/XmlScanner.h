@@ -77,19 +77,19 @@ class XmlScanner {
     /// Returns the first bytes of the document, as `SkipProlog` found them.
     std::string_view Beginning() const { return m_beginning; }
 
-    /// Makes the current element, if it has children, a list that claims to have so many. At its end its children are
+    /// Makes the current element, if it has children, a list that claims this many. At its end its children are
     /// counted, and paths have their numbers. A list that claims `kAnyNumber` isn't checked.
     void MakeList(std::int64_t claimed);
     static constexpr std::int64_t kAnyNumber = INT64_MIN;
 
-    /// Why the last `Next` that failed did so. Never cleared, since a failure makes every later comment the end.
+    /// The reason of the last failure of `Next`. Never cleared, since after a failure every comment ends the document.
     XmlError LastError() const { return m_lastError; }
 
  protected:
-    /// What is known of an open element.
+    /// The state of an open element.
     struct CLevel {
-        std::uint64_t offset = 0;    ///< Of its start tag.
-        std::uint64_t children = 0;  ///< That began so far.
+        std::uint64_t offset = 0;    ///< The offset of its start tag.
+        std::uint64_t children = 0;  ///< The number of children so far.
         std::int64_t claimed = kAnyNumber;
         bool isList = false;
     };

@@ -18,10 +18,10 @@ enum class XmlType : std::uint16_t {
     UInt64 = 21,
 };
 
-/// One value on its way into or out of an archive: a type and its payload.
+/// A value to be stored or loaded by an archive: a type and its payload.
 ///
-/// Text is not owned. On the way in it must live for the call; on the way out it belongs to the archive, ends with a
-/// NUL and lives until the archive's next string is read.
+/// Text is not owned. When storing, it must be valid during the call; when loading, it belongs to the archive, ends
+/// with a NUL and is valid until the archive's next string is read.
 class XmlValue {
  public:
     /// @{

@@ -36,7 +36,7 @@ class XmlWriter {
     std::uint32_t State() const { return m_state; }
 
  private:
-    /// Puts text into the block, mostly with room to spare.
+    /// Appends text to the block, which usually has room for it.
     void Append(std::string_view text) {
         if (text.size() >= m_block.size() - m_used) return AppendOverBlocks(text);
         m_used += text.copy(m_block.data() + m_used, text.size());
@@ -51,7 +51,7 @@ class XmlWriter {
     std::span<char> m_block;        ///< Empty without a file.
     std::size_t m_used = 0;         ///< Bytes in the block.
     XmlNameStack m_open;
-    std::vector<std::uint32_t> m_outerStates;  ///< Those of the enclosing elements, innermost last.
+    std::vector<std::uint32_t> m_outerStates;  ///< The states of the enclosing elements, innermost last.
     std::uint32_t m_state = 0;
 };
 

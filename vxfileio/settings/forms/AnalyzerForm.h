@@ -23,7 +23,7 @@ struct CDateTextField {
 
 using CTaskMarks = std::map<enTask, TaskAnalysis>;
 
-/// Marks of one level to be written, with only these wells in the order of their IDs here; null stands for all wells.
+/// The marks of one level to be written, with only these wells in the order of their IDs here; null means all wells.
 template <class Marks>
 struct CMarksToSave {
     const Marks& marks;

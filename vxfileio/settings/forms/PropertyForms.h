@@ -6,7 +6,7 @@
 #include "vxfileio/xmlarchive/XmlFields.h"
 
 /// @file
-/// The forms of the file header and of the property sets that have few fields of their own kind.
+/// The forms of the file header and of the property sets with few fields.
 
 namespace vxfileio::settings {
 
