@@ -27,8 +27,7 @@ constexpr auto& kDose = std::get<0>(CRecordingForm::kFields);
 constexpr auto& kMeans = std::get<1>(CRecordingForm::kFields);
 constexpr auto& kWells = std::get<2>(CRecordingForm::kFields);
 
-/// Follows the forms of the library, but keeps nothing. Reads the entries of a list that are there, whatever its `Size`
-/// is.
+/// Follows the forms of the library, but keeps nothing. Reads the entries that a list has, regardless of its `Size`.
 class CResultsWalk {
  public:
     CResultsWalk(CXmlFileArchive& archive, const CResultsVisitor& visitor) : m_archive(archive), m_visitor(visitor) {}
@@ -42,7 +41,7 @@ class CResultsWalk {
     bool IsDamaged() const { return m_archive.LastError() != gd_xml_stream::XmlError::None; }
 
  private:
-    /// What was read before its place was known.
+    /// What was read before its place is known.
     struct CWaiting {
         CRecordingPlace place;
         std::function<void(const CRecordingPlace&)> pass;

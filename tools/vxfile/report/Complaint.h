@@ -5,8 +5,8 @@
 
 namespace vxfile {
 
-/// Runs `work`. Returns the sentence of the failure that ended it, be it the program's own, the library's, or a lack of
-/// memory; empty if it succeeded. `CInterruption` passes through.
+/// Runs `work`. Returns the message of the failure that ended it: the program's, the library's, or a lack of memory;
+/// empty if it succeeded. Doesn't catch `CInterruption`.
 [[nodiscard]] std::string FailureOf(const std::function<void()>& work);
 
 /// Flushes standard output, then prints the sentence to standard error. File names may contain control characters;

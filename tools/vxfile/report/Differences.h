@@ -7,14 +7,14 @@
 
 namespace vxfile {
 
-/// One place where two files differ. What only one of them has is empty in the other.
+/// A difference between two files. If only one of them has something there, the other text is empty.
 struct CDifference {
     std::string where;
     std::string left;
     std::string right;
 };
 
-/// How two files differ. All differences are counted, the first ones kept.
+/// The differences between two files. All are counted, the first ones kept.
 class CDifferences {
  public:
     static constexpr std::size_t kMostKept = 1000;
@@ -24,14 +24,14 @@ class CDifferences {
         if (m_kept.size() < kMostKept) m_kept.push_back(std::move(difference));
     }
 
-    /// Notes, as a sentence, that something can't be compared. The first one is kept.
+    /// Records a sentence about something that can't be compared. Keeps the first one.
     void Omit(std::string sentence) {
         if (m_omission.empty()) m_omission = std::move(sentence);
     }
 
     std::size_t Count() const { return m_count; }
     const std::vector<CDifference>& Kept() const { return m_kept; }
-    /// What wasn't compared, so that files without a difference needn't be the same; empty if all was.
+    /// What wasn't compared, so that files without a difference may still differ; empty if everything was.
     const std::string& Omission() const { return m_omission; }
 
  private:
@@ -40,13 +40,13 @@ class CDifferences {
     std::string m_omission;
 };
 
-/// What a file says at one place, such as a cell or an element. Places have names of their own.
+/// The content of a file at one place, such as a cell or an element. Names of places are unique.
 struct CLeaf {
     std::string where;
     std::string value;
 };
 
-/// Compares what two files say, place by place.
+/// Compares the contents of two files, place by place.
 void CompareLeaves(const std::vector<CLeaf>& left, const std::vector<CLeaf>& right, CDifferences& differences);
 
 }  // namespace vxfile

@@ -11,12 +11,12 @@
 
 namespace vxfile {
 
-/// One array of numpy in an output of its own.
+/// A numpy array with its own output.
 class CNpyFile {
  public:
-    /// Creates the output and writes the header. `type` is a description of numpy, such as `'<f8'`. `countAhead`
-    /// returns the number of items that will follow; it is called only if the output, such as a pipe, takes no count
-    /// afterwards. Throws `CFailure` if the output can't be created.
+    /// Creates the output and writes the header. `type` is a numpy type such as `'<f8'`. `countAhead` returns the
+    /// number of items that will follow; it is called only if the header can't be rewritten later, as in a pipe. Throws
+    /// `CFailure` if the output can't be created.
     CNpyFile(const CTarget& target, std::string type, const std::function<std::uint64_t()>& countAhead);
 
     /// Appends `items` items, whose bytes are `bytes`.
@@ -25,7 +25,7 @@ class CNpyFile {
         m_output.Write(bytes);
     }
 
-    /// Completes the array, and adds its output to a list; it then waits for `COutput::Commit`.
+    /// Completes the array, and adds its output to a list for `COutput::Commit`.
     void Finish(std::vector<COutput*>& outputs);
 
  private:

@@ -12,10 +12,10 @@ namespace vxfile {
 
 namespace {
 
-/// So many rows fit on one screen beside all the rest.
+/// As many rows as fit on a screen together with everything else.
 constexpr std::size_t kMostRows = 16;
 
-/// A text of a file may have any length; so much of it does for a page.
+/// Returns a text of a file, which may have any length, cut to fit the page.
 std::string Shortened(const std::string& text) {
     constexpr std::size_t kMostCharacters = 160;
     const std::string_view shown = Cut(text, kMostCharacters);
@@ -50,7 +50,7 @@ void PrintTable(const std::vector<CPage::CRow>& table) {
     for (std::size_t i = 1; i <= shown; ++i)
         std::cout << LineOf(table[i], widths) << '\n';
     if (shown == rows) return;
-    // The last row is that of a recording which was cut off, so it is never among those left out.
+    // The last row belongs to an unfinished recording, so it is never left out.
     std::cout << "  " << rows - shown - 1 << " more; --json lists them\n" << LineOf(table.back(), widths) << '\n';
 }
 

@@ -9,30 +9,29 @@
 
 namespace vxfile {
 
-/// What is told about one file, put together once for people and for programs. Long texts are cut for people.
+/// The description of a file, made once for people and for programs. Long texts are cut for people.
 class CPage {
  public:
     /// Adds a line with a label, and the same as a member of the JSON object.
     void Add(std::string_view label, std::string_view key, const std::string& text) { Add(label, key, text, text); }
     void Add(std::string_view label, std::string_view key, const std::string& text, CJson value);
-    /// Adds a line if there is a text; JSON has it in any case.
+    /// Adds a line if the text isn't empty. JSON always has it.
     void AddText(std::string_view label, std::string_view key, std::string_view bytes);
 
-    /// A table for people: the heads of its columns, then its rows, all as long.
+    /// A table for people: its headings, then its rows, all of the same length.
     using CRow = std::vector<std::string>;
     void SetTable(std::vector<CRow> rows);
-    /// A remark for people, below all.
+    /// Sets a remark for people at the end.
     void SetRemark(std::string remark) { m_remark = std::move(remark); }
 
-    /// Says in a sentence that the file was cut or damaged, below all, and as a member of the JSON object. An empty one
-    /// says nothing.
+    /// Sets a sentence about damage at the end, which is also a member of the JSON object. Empty means none.
     void SetDamage(const std::string& sentence);
     bool IsDamaged() const { return !m_damage.empty(); }
 
-    /// The object that goes into the document for programs; what only programs get is put right there.
+    /// The JSON object for programs. What only programs need is added to it directly.
     CJson& Json() { return m_json; }
 
-    /// Prints what is for people.
+    /// Prints the text for people.
     void Print() const;
 
  private:

@@ -13,7 +13,7 @@ namespace vxfile {
 
 namespace {
 
-/// So many calls pass between two looks at the clock.
+/// The clock is checked once in this many calls.
 constexpr std::uint32_t kCallsPerLook = 64;
 
 constexpr auto kTimeBetweenBars = std::chrono::milliseconds(100);
@@ -38,7 +38,7 @@ void CProgress::Reach(std::int64_t done) {
 }
 
 void CProgress::Draw(std::int64_t done) {
-    if (!m_drawn && !EnableColours()) {  // a terminal that can't write a line again shall have none
+    if (!m_drawn && !EnableColours()) {  // needs a terminal that can rewrite a line
         m_enabled = false;
         return;
     }

@@ -7,18 +7,18 @@
 
 namespace vxfile {
 
-/// A bar on standard error that tells how far a long work is. It appears only on a terminal, and only if the work takes
-/// longer than a second; it is gone when the work is done.
+/// A progress bar on standard error. It appears only on a terminal, and only if the work takes longer than a second. It
+/// is erased at the end.
 class CProgress {
  public:
-    /// `total` is the amount of work in any unit, such as the bytes of a file; 0 or less if nobody knows.
+    /// `total` is the amount of work in any unit, such as the bytes of a file; 0 or less if unknown.
     CProgress(std::string_view title, std::int64_t total);
     ~CProgress();
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
 
-    /// Tells how much is done by now. Call it often: it looks at the clock only now and then. Throws `CInterruption`
-    /// if Ctrl-C was hit, and `std::bad_alloc` if memory has run short.
+    /// Updates the progress. Call it often: it checks the clock only occasionally. Throws `CInterruption` after Ctrl-C,
+    /// and `std::bad_alloc` if memory has run out.
     void Reach(std::int64_t done);
 
  private:

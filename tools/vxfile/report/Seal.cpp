@@ -20,13 +20,13 @@ namespace {
 
 using EKind = CSealedPart::EKind;
 
-/// The words for the kinds of parts, in their order.
+/// The names of the kinds of parts, in order.
 constexpr std::array<std::string_view, 5> kKinds = {"fileHeader", "recordingHeader", "segment", "other", "block"};
 
 constexpr std::string_view kPartsLine = R"("parts": [)";
 constexpr std::string_view kPartsEnd = "],";
 
-/// Names are so short that no line of a seal is longer. Damage can't fill the memory.
+/// Names are short enough that no line of a seal is longer. Limits the memory for damaged seals.
 constexpr std::size_t kLongestLine = std::size_t{4} << 10;
 
 constexpr std::size_t kBlockSize = std::size_t{256} << 10;
@@ -64,7 +64,7 @@ std::string LineOf(const CSealedPart& part) {
     return line + '}';
 }
 
-/// Reads a line from front to back. The first mismatch makes everything after it fail.
+/// Parses a line from beginning to end. After the first mismatch, everything fails.
 class CLine {
  public:
     explicit CLine(std::string_view line) : m_rest(line) {}
@@ -180,7 +180,7 @@ CSealReader::CSealReader(const std::string& path) : m_path(path) {
     CompareWithRewritten();
 }
 
-/// Writes the seal again from what is read of it, which must give the same bytes. Goes to the first part.
+/// Writes the seal again from the values read, and expects the same bytes. Moves to the first part.
 void CSealReader::CompareWithRewritten() {
     std::int64_t compared = 0;
     std::string there;
@@ -218,7 +218,8 @@ void CSealReader::RefuseDamage() const {
                        " is damaged or was edited, so it proves nothing; take it from a copy, or seal the file anew.");
 }
 
-/// Reads a line without its end. Returns false at the end of the seal, and at a line that is too long or doesn't end.
+/// Reads a line without its end. Returns false at the end of the seal, and for a line that is too long or not
+/// terminated.
 bool CSealReader::ReadLine(std::string& line) {
     std::size_t end = m_block.find('\n', m_passed);
     if (end == std::string::npos) {
@@ -238,7 +239,7 @@ bool CSealReader::ReadLine(std::string& line) {
     return true;
 }
 
-/// Reads the next line, which has a member of this key.
+/// Reads the next line, which must have a member with this key.
 void CSealReader::ReadMember(std::string_view key, auto& value) {
     std::string text;
     if (!ReadLine(text)) RefuseDamage();

@@ -11,24 +11,24 @@
 #include "vxfileio/helpers/File.h"
 
 /// @file
-/// Seals: JSON files with the checksums of another file and of its parts. `docs/seal.md` describes them. Written and
-/// read line by line, so their size doesn't matter.
+/// Seals: JSON files with the checksums of another file and of its parts. `docs/seal.md` describes them. They are
+/// written and read line by line, so their size doesn't matter.
 
 namespace vxfile {
 
-/// What follows the name of a file in the name of its seal.
+/// The extension of a seal, appended to the name of the file.
 inline constexpr std::string_view kSealExtension = ".seal";
 
-/// The version of seals that is written, and the newest that can be read.
+/// The version of written seals, and the newest readable one.
 inline constexpr std::uint64_t kSealVersion = 1;
 
 /// Returns the path of a file's seal.
 inline std::string SealOf(const std::string& path) { return path + std::string(kSealExtension); }
 
-/// Returns whether a file has a seal, if only a link to one that is gone.
+/// Returns whether a file has a seal. A dangling link counts as one.
 bool HasSeal(const std::string& path);
 
-/// A part of a sealed file and its checksums. The parts of a file follow one another without a gap.
+/// A part of a sealed file and its checksums. The parts of a file are contiguous.
 struct CSealedPart {
     enum class EKind : std::uint8_t {
         FileHeader,
@@ -41,14 +41,14 @@ struct CSealedPart {
     EKind kind = EKind::Block;
     std::int64_t offset = 0;
     std::int64_t length = 0;
-    std::int64_t headerLength = 0;  ///< Segment: the bytes ahead of its samples.
+    std::int64_t headerLength = 0;  ///< Segment: the number of bytes before its samples.
     std::string task;               ///< RecordingHeader, Segment: the recording.
     std::int32_t recording = 0;     ///< The same: its number within the task.
     std::int32_t well = 0;          ///< Segment
     std::int64_t from = 0;          ///< Segment: the time of the first sample.
     std::int64_t to = 0;            ///< Segment: the time of the last sample.
-    CXxh3Sum sum{};                 ///< Of the bytes; of a segment, of its header.
-    CXxh3Sum samplesSum{};          ///< Segment: of its samples.
+    CXxh3Sum sum{};                 ///< The checksum of the bytes; for a segment, of its header.
+    CXxh3Sum samplesSum{};          ///< Segment: the checksum of its samples.
 
     std::int64_t End() const { return offset + length; }
 
@@ -64,10 +64,10 @@ class CSealWriter {
  public:
     using CSink = std::function<void(std::string_view)>;
 
-    /// Writes the beginning of the seal of a file of this name, kind and size.
+    /// Writes the beginning of a seal for a file with this name, kind and size.
     CSealWriter(CSink sink, std::string_view name, std::string_view kind, std::int64_t size);
 
-    /// Adds a part. Requires: it begins where the one before ends.
+    /// Adds a part. Requires: it begins where the previous one ends.
     void Add(const CSealedPart& part);
 
     /// Writes the end. Requires: the parts cover the whole file.
@@ -87,11 +87,10 @@ class CSealFailure : public CFailure {
     using CFailure::CFailure;
 };
 
-/// Reads a seal. Memory doesn't depend on the number of parts.
+/// Reads a seal. Memory is independent of the number of parts.
 class CSealReader {
  public:
-    /// Throws `CSealFailure` if the seal can't be read, has a byte that its writer wouldn't have written, or is of a
-    /// newer version.
+    /// Throws `CSealFailure` if the seal can't be read, isn't exactly as a writer writes it, or has a newer version.
     explicit CSealReader(const std::string& path);
 
     /// Returns the size of the sealed file.
@@ -99,7 +98,7 @@ class CSealReader {
     /// Returns its SHA-256 as hexadecimal digits.
     const std::string& Sha256() const { return m_sha256; }
 
-    /// Goes to the next part. Returns false after the last one.
+    /// Reads the next part. Returns false after the last one.
     [[nodiscard]] bool Next(CSealedPart& part);
 
  private:
@@ -112,10 +111,10 @@ class CSealReader {
     std::string m_path;
     vxfileio::helpers::CFile m_file;
     std::string m_block;
-    std::size_t m_passed = 0;     ///< The number of bytes of the block that were passed.
+    std::size_t m_passed = 0;     ///< The number of bytes of the block already used.
     std::int64_t m_blockEnd = 0;  ///< Offset of the byte after the block.
     std::int64_t m_size = 0;
-    std::int64_t m_reached = 0;  ///< Where the last part ends in the sealed file.
+    std::int64_t m_reached = 0;  ///< The end of the last part in the sealed file.
     std::string m_sha256;
 };
 

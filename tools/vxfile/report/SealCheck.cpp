@@ -85,7 +85,7 @@ class CSealCheck {
         Add(std::move(where), offset, "XXH3 " + HexOf(found), "XXH3 " + HexOf(sealed), std::move(meaning));
     }
 
-    /// A change that no other checksum shows is no accident.
+    /// A change that only this checksum shows was deliberate.
     void CompareSha256() {
         const std::string sha256 = m_digest->Sha256();
         if (m_isChanged || sha256 == m_reader.Sha256()) return;

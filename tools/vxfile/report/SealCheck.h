@@ -9,12 +9,12 @@
 
 namespace vxfile {
 
-/// What a comparison of a file with its seal says.
+/// The result of comparing a file with its seal.
 struct CSealVerdict {
     enum class EState : std::uint8_t {
-        Intact,   ///< The file is as it was sealed.
-        Grown,    ///< It became longer; what was sealed is intact.
-        Changed,  ///< Sealed bytes changed, or are gone.
+        Intact,   ///< The file is unchanged since it was sealed.
+        Grown,    ///< It grew; the sealed bytes are intact.
+        Changed,  ///< Sealed bytes are changed or missing.
         Unusable  ///< The seal can't be used.
     };
 
@@ -22,13 +22,13 @@ struct CSealVerdict {
     EState state = EState::Unusable;
     std::int64_t sealedSize = 0;  ///< The size of the file when it was sealed; 0 if the seal can't be used.
 
-    /// Returns a few words for people, such as "as sealed".
+    /// Returns a short text, such as "as sealed".
     std::string Words() const;
     CJson Json() const;
 };
 
-/// Compares every byte of a file with its seal, and adds a finding for each part that changed. Returns nothing if there
-/// is no seal. Throws `CFailure` if the file can't be read.
+/// Compares every byte of a file with its seal, and adds a finding for each changed part. Returns nothing if there is
+/// no seal. Throws `CFailure` if the file can't be read.
 std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findings);
 
 }  // namespace vxfile

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// @file
-/// Colours on standard output: only where that is a terminal that has them, and not if the environment has `NO_COLOR`.
+/// Colours on standard output: only on a terminal that supports them, and not if `NO_COLOR` is set in the environment.
 
 namespace vxfile {
 

@@ -23,7 +23,7 @@ void AddNumber(std::string& text, auto number) {
     text.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
 }
 
-/// Adds a number that reads as a real even if it is whole.
+/// Appends a number in a form that is a real even if it is whole.
 void AddReal(std::string& text, double number) {
     if (std::isnan(number)) {
         text += "nan";
@@ -34,7 +34,7 @@ void AddReal(std::string& text, double number) {
     if (text.find_first_of(".en", start) == std::string::npos) text += ".0";
 }
 
-/// A line of text per row.
+/// Writes a line of text per row.
 class CLines : public CTableWriter {
  public:
     explicit CLines(const CTarget& target) : m_output(target) {}
@@ -55,7 +55,7 @@ class CLines : public CTableWriter {
     COutput m_output;
 };
 
-/// Fields with a separator in between, after a line of names.
+/// Writes a line of names, then fields with a separator.
 class CDelimited : public CLines {
  public:
     CDelimited(const CTarget& target, std::span<const CColumn> columns, char separator)
@@ -98,7 +98,7 @@ class CDelimited : public CLines {
     std::string m_line;
 };
 
-/// A JSON object per row.
+/// Writes a JSON object per row.
 class CJsonLines : public CLines {
  public:
     CJsonLines(const CTarget& target, std::span<const CColumn> columns) : CLines(target) {
@@ -132,11 +132,11 @@ class CJsonLines : public CLines {
         }
     }
 
-    std::vector<std::string> m_keys;  ///< With what precedes them.
+    std::vector<std::string> m_keys;  ///< With the text before them.
     std::string m_line;
 };
 
-/// An item of a structured array per row.
+/// Writes an item of a structured array per row.
 class CItems : public CTableWriter {
  public:
     CItems(const CTarget& target, std::span<const CColumn> columns, const std::function<std::uint64_t()>& countAhead)

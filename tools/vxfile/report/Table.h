@@ -14,15 +14,15 @@
 #include "tools/vxfile/system/Output.h"
 
 /// @file
-/// Tables: columns described as data, and one writer of rows for each form.
+/// Tables: columns described as data, and a writer for each form.
 
 namespace vxfile {
 
-/// The type of a column. No value changes it.
+/// The type of a column, which is independent of its values.
 enum class EColumnType {
     Text,   ///< Text in UTF-8.
-    Whole,  ///< A whole number of 64 bits.
-    Count,  ///< The same without a sign.
+    Whole,  ///< A signed 64-bit integer.
+    Count,  ///< An unsigned 64-bit integer.
     Real,   ///< A double.
     Flag,   ///< True or false.
 };
@@ -33,11 +33,11 @@ struct CColumn {
     EColumnType type;
     std::string_view unit;     ///< Such as "pM"; empty if there is none.
     std::string_view meaning;  ///< One line, without a full stop.
-    std::size_t room = 32;     ///< Of a text: the bytes that an item of an array has for it.
+    std::size_t room = 32;     ///< For texts: the number of bytes in an array item.
 };
 
-/// The value of a column, in the alternative that follows from its type; `std::monostate` if the value is missing.
-/// The row's user owns the text.
+/// The value of a column. The alternative is determined by the column's type; `std::monostate` means missing. The user
+/// of the row owns the text.
 using CCell = std::variant<std::monostate, std::string_view, std::int64_t, std::uint64_t, double, bool>;
 
 /// The form of a table in a file.
@@ -51,11 +51,11 @@ class CTableWriter {
     CTableWriter(const CTableWriter&) = delete;
     CTableWriter& operator=(const CTableWriter&) = delete;
 
-    /// Appends a row. Requires: a cell for each column, in its order. Throws `CFailure` if the output fails or the form
-    /// can't hold a value.
+    /// Appends a row. Requires: a cell for each column, in order. Throws `CFailure` if the output fails or the form
+    /// can't store a value.
     virtual void Put(std::span<const CCell> row) = 0;
 
-    /// Completes the table. A file appears now; without this call there is none.
+    /// Completes the table. A file appears only now.
     void Commit();
 
  private:
@@ -80,8 +80,8 @@ class CTableWriter {
 /// Writes a description of the columns as a table: their names, types, units and meanings.
 void WriteColumns(ETableForm form, const CTarget& target, std::span<const CColumn> columns);
 
-/// Returns a text as one field of CSV or TSV: after an apostrophe if a spreadsheet would otherwise run it as a formula,
-/// and in quotation marks if it would otherwise be more than one field.
+/// Returns a text as one field of CSV or TSV. Adds an apostrophe if a spreadsheet would otherwise run it as a formula,
+/// and quotation marks if it would otherwise be more than one field.
 std::string DelimitedField(std::string text, char separator);
 
 }  // namespace vxfile

@@ -12,37 +12,37 @@
 
 namespace vxfile {
 
-/// The member of a command that an argument is stored in. A bool is set by naming its option. A list takes several
-/// values: an option separates them by commas, an argument without a name takes all that follow.
+/// The member of a command in which an argument is stored. A bool is set if its option is given. A list has several
+/// values: separated by commas for an option, all remaining arguments for one without a name.
 using CArgument =
     std::variant<bool*, std::string*, std::vector<std::string>*, std::int64_t*, std::vector<std::int32_t>*, double*>;
 
-/// One argument of a command, as help, manual and completion describe it and the parser reads it.
+/// One argument of a command: what the parser needs, and its description in help, manual and completion.
 struct COption {
-    std::string_view names;  ///< "FILE" for an argument without a name, else such as "-o,--output".
-    CArgument target;        ///< Where the value goes. Its value before is the default.
-    std::string_view text;   ///< What help says about it: one line, without a full stop.
+    std::string_view names;  ///< "FILE" for an argument without a name, otherwise such as "-o,--output".
+    CArgument target;        ///< Where the value is stored. Its initial value is the default.
+    std::string_view text;   ///< Its description in help: one line, without a full stop.
     bool isRequired = false;
-    std::string_view value = {};   ///< What help calls the value; by default NAME or NUMBER.
-    std::string_view wanted = {};  ///< For numbers: what a refusal asks for, such as "a number of seconds above 0".
-    double least = std::numeric_limits<double>::lowest();  ///< The range of a double; a whole number has its type's.
+    std::string_view value = {};   ///< The name of the value in help; by default NAME or NUMBER.
+    std::string_view wanted = {};  ///< For numbers: the description in an error, such as "a number of seconds above 0".
+    double least = std::numeric_limits<double>::lowest();  ///< The range of a double; an integer has its type's range.
     double most = std::numeric_limits<double>::max();
     std::vector<std::string_view> needs = {};     ///< Options that must be given with it, listed before it.
     std::vector<std::string_view> excludes = {};  ///< Options that can't be given with it, listed before it.
 
-    /// True for an argument without a name.
+    /// Returns whether it is an argument without a name.
     bool IsPositional() const { return !names.starts_with('-'); }
-    /// Returns what help calls the value, such as "SECONDS"; empty if there is none or the name says it.
+    /// Returns the name of the value in help, such as "SECONDS"; empty if there is none or the option's name says it.
     std::string_view ValueName() const;
 };
 
-/// What help, manual and completion say about a command.
+/// The description of a command in help, manual and completion.
 struct CCommandText {
     std::string_view name;      ///< The word on the command line.
     std::string_view purpose;   ///< One line, without a full stop.
-    std::string_view details;   ///< A few sentences: what it takes, what it gives, what it never does.
-    std::string_view example;   ///< One command line, as somebody would type it.
-    std::string_view statuses;  ///< What 0, 1 and 2 mean here, a line each.
+    std::string_view details;   ///< A few sentences: its input, its output, what it never does.
+    std::string_view example;   ///< A command line, as a user would type it.
+    std::string_view statuses;  ///< The meanings of 0, 1 and 2, one per line.
 };
 
 /// One command of the program.
@@ -53,20 +53,20 @@ class CCommand {
     CCommand(const CCommand&) = delete;
     CCommand& operator=(const CCommand&) = delete;
 
-    /// Returns what it is and does. The texts live as long as the program.
+    /// Returns the description. The texts are valid as long as the program runs.
     virtual const CCommandText& Text() const = 0;
 
-    /// Returns its arguments, in the order of the help. They point to members of this object.
+    /// Returns the arguments, in the order of the help. They point to members of this object.
     virtual std::vector<COption> Options() = 0;
 
-    /// Does the work with the arguments that were parsed. Returns the exit status. Throws `CFailure` or `CExcVXReader`
-    /// if it can't, and `CInterruption` if Ctrl-C was hit; the caller makes a sentence and a status of them.
+    /// Runs the command with the parsed arguments. Returns the exit status. Throws `CFailure` or `CExcVXReader` on
+    /// failure, and `CInterruption` after Ctrl-C; the caller converts them into a message and a status.
     virtual int Run() = 0;
 };
 
 using CCommands = std::vector<std::unique_ptr<CCommand>>;
 
-/// Makes all commands, in the order in which help lists them.
+/// Creates all commands, in the order of the help.
 [[nodiscard]] CCommands MakeCommands();
 
 }  // namespace vxfile

@@ -23,7 +23,7 @@ namespace {
 /// The width of help texts that aren't lists.
 constexpr std::size_t kTextWidth = 80;
 
-/// Returns how many characters must be inserted, removed or changed to turn one word into the other.
+/// Returns how many characters must be inserted, removed or changed to convert one word to the other.
 std::size_t EditDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
@@ -38,10 +38,10 @@ std::size_t EditDistance(std::string_view from, std::string_view to) {
     return row.back();
 }
 
-/// Returns the word that was most likely meant; empty if all are too far away.
+/// Returns the most similar word; empty if none is similar enough.
 std::string Nearest(std::string_view word, const std::vector<std::string>& words) {
     std::string nearest;
-    std::size_t least = 3;  // what is further away was meant otherwise
+    std::size_t least = 3;  // a larger distance means another word
     for (const auto& candidate : words) {
         const auto distance = EditDistance(word, candidate);
         if (distance < std::min(least, candidate.size() - 1)) {
@@ -84,13 +84,13 @@ std::string Footer(const CCommands& commands) {
            "Set NO_COLOR, or TERM=dumb, to turn colours off.";
 }
 
-/// Returns the command whose arguments were being parsed; the program itself if there is none.
+/// Returns the command whose arguments were being parsed, or the program itself.
 const CLI::App& CommandAtHand(const CLI::App& app) {
     const auto parsed = app.get_subcommands();
     return parsed.empty() ? app : *parsed.front();
 }
 
-/// Returns what a command's options are called.
+/// Returns the names of a command's options.
 std::vector<std::string> OptionsOf(const CLI::App& command) {
     std::vector<std::string> words;
     for (const CLI::Option* option : command.get_options()) {
@@ -105,8 +105,8 @@ bool TakesLists(const CLI::App& command) {
     return std::ranges::any_of(options, [](const CLI::Option* option) { return option->get_delimiter() != '\0'; });
 }
 
-/// Returns a check that accepts the decimal numbers of an integer type. The parser would take 010 for 8, and a number
-/// beyond the range for the nearest in it.
+/// Returns a check that accepts the decimal numbers of an integer type. Without it, the parser would read 010 as 8, and
+/// clamp numbers out of range.
 template <class Number>
 CLI::Validator WholeNumber(std::string_view wanted) {
     const auto judge = [wanted](std::string& text) {
@@ -120,7 +120,7 @@ CLI::Validator WholeNumber(std::string_view wanted) {
     return {judge, ""};
 }
 
-/// Returns a check that accepts the numbers of a range, and so no nan.
+/// Returns a check that accepts the numbers in a range, which excludes nan.
 CLI::Validator Within(double least, double most, std::string_view wanted) {
     const auto judge = [=](std::string& text) {
         double number = 0;
@@ -186,7 +186,7 @@ void Describe(CLI::App& app, const CCommands& commands) {
     }
 }
 
-/// Throws `CFailure` if the word is no command, with the one that was most likely meant.
+/// Throws `CFailure` if the word isn't a command, with the most similar one.
 void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
     std::vector<std::string> names;
     for (const auto& command : commands)
@@ -198,7 +198,7 @@ void RefuseUnknownCommand(const CCommands& commands, std::string_view word) {
                    Advice(Nearest(Lowered(std::string(word)), names), "vxfile --help"));
 }
 
-/// Throws `CFailure`: what is wrong with the arguments of a command, and where to look it up.
+/// Throws a `CFailure` with the fault in the arguments of a command and where to find help.
 [[noreturn]] void RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App& command = CommandAtHand(app);
     const std::string help = (&command == &app ? "vxfile" : "vxfile " + command.get_name()) + " --help";

@@ -15,12 +15,12 @@ namespace vxfile {
 
 namespace {
 
-/// How far into a document its section is looked for. Headers are far shorter; people may have put comments there.
+/// How far into a document to search for its section. Headers are much shorter, but may be preceded by comments.
 constexpr std::size_t kLookAhead = std::size_t{64} << 10;
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-/// Tells whether the text has a start tag of this name.
+/// Returns whether the text has a start tag with this name.
 bool HasTag(std::string_view text, std::string_view tag) {
     for (auto at = text.find(tag); at != std::string_view::npos; at = text.find(tag, at + 1)) {
         const auto end = at + tag.size();

@@ -28,7 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Returns a checksum of all that a page is made from: the program and the files with their names.
+/// Returns a checksum of everything that a page depends on: the program and the files with their names.
 std::string ChecksumOf(const CRunPaths& paths) {
     CXxh3 sum;
     const auto add = [&](const std::string& bytes) {
@@ -126,7 +126,7 @@ class CFolderReport {
 
     std::string m_folder;
     bool m_replace;
-    std::map<std::string, page::CIndexEntry> m_earlier;  ///< Those of the index that is there, by page.
+    std::map<std::string, page::CIndexEntry> m_earlier;  ///< The entries of the existing index, by page.
     std::set<std::string> m_names;
     std::vector<page::CIndexEntry> m_entries;
     std::size_t m_made = 0;

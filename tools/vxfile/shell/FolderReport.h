@@ -5,13 +5,13 @@
 
 namespace vxfile {
 
-/// Returns the results files among paths: files are taken as they are, folders are searched with their subfolders.
+/// Returns the results files among paths: files as they are, and those in folders and their subfolders.
 std::vector<std::string> ResultsIn(const std::vector<std::string>& paths);
 
-/// Makes a page for each results file, with the files beside it that are of its run, and an index of all, in `folder`.
-/// A page whose files haven't changed since the index was made stays, unless it was deleted. Reports what fails to
-/// standard error and goes on. Returns the exit status. Throws `CFailure` if the folder can't be made, or has pages or
-/// an index that aren't of an earlier report, unless `replace` is set.
+/// Writes a page for each results file, with the other files of its run in the same folder, and an index of all pages,
+/// to `folder`. Keeps an existing page if its files haven't changed since the index was made. Reports failures on
+/// standard error and continues. Returns the exit status. Throws `CFailure` if the folder can't be created, or if it
+/// has pages or an index that aren't from an earlier report and `replace` isn't set.
 int ReportOnFolder(const std::vector<std::string>& results, const std::string& folder, bool replace);
 
 }  // namespace vxfile

@@ -34,7 +34,7 @@ bool IsToBeChecked(const fs::directory_entry& entry) {
     return isOurs || !failure.empty();
 }
 
-/// Folders that were met wait in a list, so that no depth of them is too much.
+/// Folders are kept in a list until they are searched, so their depth isn't limited.
 class CFolderWalk {
  public:
     explicit CFolderWalk(const std::string& folder) : m_waiting{folder} {}
@@ -75,7 +75,7 @@ class CFolderWalk {
         }
     }
 
-    /// The sealed file is met itself, unless it is gone.
+    /// The sealed file has its own entry, unless it is gone.
     void TakeSeal(const fs::path& seal) {
         std::error_code none;
         fs::path file = seal;

@@ -6,22 +6,21 @@
 
 namespace vxfile {
 
-/// Something in a folder that is to be checked, or was to be.
+/// An entry of a folder that is to be checked, or couldn't be.
 struct CFolderEntry {
     std::string path;
-    std::string failure = {};  ///< Of a folder that can't be looked into: why; empty for a file.
+    std::string failure = {};  ///< The reason why a folder can't be read; empty for a file.
 };
 
-/// What a folder has, with its folders.
+/// The contents of a folder and its subfolders.
 struct CFolderContent {
-    std::vector<CFolderEntry> entries;  ///< In the order of their names.
-    std::size_t passedOver = 0;         ///< Other files.
+    std::vector<CFolderEntry> entries;  ///< Sorted by name.
+    std::size_t passedOver = 0;         ///< The number of other files.
 };
 
-/// Finds the files of this system in a folder and in its folders: what has one of their extensions, whatever its
-/// content is, and of other names what is of a known kind, or can't be read so that nobody knows. Links to folders
-/// aren't followed. What can't be looked into is told as an entry. Throws `CInterruption` after
-/// Ctrl-C, and nothing else.
+/// Finds the files of this system in a folder and its subfolders: files with one of its extensions, and other files if
+/// their content is of a known kind or can't be read. Doesn't follow links to folders. What can't be read becomes an
+/// entry. Throws only `CInterruption`, after Ctrl-C.
 CFolderContent WalkFolder(const std::string& folder);
 
 }  // namespace vxfile

@@ -10,7 +10,7 @@ namespace vxfile {
 
 namespace {
 
-/// Returns a text such that `man` takes none of it for a command of its own.
+/// Returns a text escaped so that `man` finds no commands in it.
 std::string Escaped(std::string_view text) {
     std::string escaped;
     bool atStart = true;
@@ -48,7 +48,7 @@ void WriteCommand(CCommand& command, std::ostream& out) {
         << Escaped(text.statuses) << "\n.fi\n";
 }
 
-/// Returns the words that can follow a command, with blanks between them.
+/// Returns the words that can follow a command, separated by blanks.
 std::string OptionWords(CCommand& command) {
     std::string words(kHelpNames);
     for (const auto& option : command.Options()) {

@@ -40,7 +40,7 @@ void CDescriptor::UseOpen(int number) {
 }
 
 bool CDescriptor::Write(std::span<const std::byte> bytes) {
-    constexpr std::size_t kMost = std::size_t{1} << 30;  // systems take no more than 2 GiB at once
+    constexpr std::size_t kMost = std::size_t{1} << 30;  // systems accept at most 2 GiB per call
     while (!bytes.empty()) {
         if (IsInterrupted()) return false;
         const auto part = bytes.first(std::min(bytes.size(), kMost));

@@ -6,19 +6,19 @@
 
 namespace vxfile {
 
-/// A pipe, a device, or standard output, to which bytes are written without a buffer. An operation that fails returns
-/// false and sets `errno`. After Ctrl-C nothing is written.
+/// Writes bytes unbuffered to a pipe, a device or standard output. On failure, operations return false and set `errno`.
+/// Writes nothing after Ctrl-C.
 class CDescriptor {
  public:
     CDescriptor() = default;
-    ~CDescriptor() { static_cast<void>(Close()); }  // a device has taken everything by now
+    ~CDescriptor() { static_cast<void>(Close()); }  // a device has everything by now
     CDescriptor(const CDescriptor&) = delete;
     CDescriptor& operator=(const CDescriptor&) = delete;
 
     /// Opens a pipe or a device.
     [[nodiscard]] bool Open(const std::string& path);
 
-    /// Writes to an open file by its number, and doesn't close it. 1 is standard output, to which bytes pass unchanged
+    /// Writes to an open file by its number, without closing it. 1 is standard output, whose bytes are passed unchanged
     /// from now on.
     void UseOpen(int number);
 

@@ -3,12 +3,12 @@
 namespace vxfile {
 
 /// @name Exit status
-/// The results for scripts. A command may give them another meaning; its help says so.
+/// Results for scripts. A command may give them other meanings, which its help describes.
 /// @{
-inline constexpr int kSound = 0;          ///< All is well.
-inline constexpr int kFindings = 1;       ///< Done, and there is something to look at.
-inline constexpr int kTrouble = 2;        ///< Not usable, or not done. A wrong command line is trouble, too.
-inline constexpr int kInterrupted = 130;  ///< Ended by Ctrl-C, with nothing half done left behind.
+inline constexpr int kSound = 0;          ///< Success, nothing to report.
+inline constexpr int kFindings = 1;       ///< Done, with findings.
+inline constexpr int kTrouble = 2;        ///< Unusable, or not done. This includes a wrong command line.
+inline constexpr int kInterrupted = 130;  ///< Ended by Ctrl-C, without leaving partial results.
 /// @}
 
 }  // namespace vxfile

@@ -5,7 +5,7 @@
 
 namespace vxfile {
 
-/// Why a command can't go on: one sentence for the user that names the cause and what to do about it.
+/// The reason why a command fails: one sentence for the user with the cause and what to do about it.
 class CFailure : public std::runtime_error {
  public:
     explicit CFailure(const std::string& sentence) : std::runtime_error(sentence) {}

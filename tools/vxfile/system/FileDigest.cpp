@@ -34,7 +34,7 @@ std::string CFileDigest::Sha256() {
     return m_sha256.Finish();
 }
 
-/// Reads the next block while the one before is added to the SHA-256.
+/// Reads the next block while the previous one is added to the SHA-256.
 void CFileDigest::ReadBlock() {
     CheckInterrupt();
     std::swap(m_blocks[0], m_blocks[1]);
@@ -46,8 +46,8 @@ void CFileDigest::ReadBlock() {
     m_read += static_cast<std::int64_t>(left);
     m_ahead = block;
     if (m_adding.valid()) m_adding.get();
-    if (m_read == m_size) return m_sha256.Add(block);  // a short file isn't worth a thread
-    // Without a thread to spare, the work is done at the next wait.
+    if (m_read == m_size) return m_sha256.Add(block);  // too short for a thread
+    // Without a free thread, the work is done at the next wait.
     m_adding = std::async(std::launch::async | std::launch::deferred, [this, block] { m_sha256.Add(block); });
 }
 

@@ -18,17 +18,16 @@ constexpr int kSignals[] = {
 #endif
 };
 
-/// Signals that follow one another within this time are one request: a terminal, a shell or a service that ends a
-/// program often sends two.
+/// Signals within this time are one request: when a terminal, a shell or a service ends a program, it often sends two.
 constexpr auto kOneRequest = std::chrono::milliseconds(500);
 
 using CClock = std::chrono::steady_clock;
 constexpr CClock::rep kNever = 0;
 
-std::atomic<CClock::rep> g_interrupted = kNever;  ///< When the first signal came.
-static_assert(std::atomic<CClock::rep>::is_always_lock_free, "a signal may come at any moment");
+std::atomic<CClock::rep> g_interrupted = kNever;  ///< The time of the first signal.
+static_assert(std::atomic<CClock::rep>::is_always_lock_free, "a signal may arrive at any time");
 
-/// Returns the handler before. The signal ends a system call that waits, such as for the reader of a pipe.
+/// Returns the previous handler. The signal interrupts system calls that wait, such as for the reader of a pipe.
 CHandler SetHandler(int signal, CHandler handler) {
 #ifdef _WIN32
     return std::signal(signal, handler);
@@ -46,19 +45,19 @@ extern "C" void NoteInterrupt(int signal) {
     CClock::rep first = kNever;
     const bool isFirst = g_interrupted.compare_exchange_strong(first, now.count());
     const bool isOver = !isFirst && now - CClock::duration(first) > kOneRequest;
-    SetHandler(signal, isOver ? SIG_DFL : NoteInterrupt);  // some systems have taken it away
+    SetHandler(signal, isOver ? SIG_DFL : NoteInterrupt);  // some systems have reset it
     if (isOver) static_cast<void>(std::raise(signal));
 }
 
 }  // namespace
 
 void CatchInterrupts() {
-#ifdef SIGXFSZ  // a write beyond the size that is allowed fails instead of ending the program
+#ifdef SIGXFSZ  // a write beyond the size limit fails instead of ending the program
     SetHandler(SIGXFSZ, SIG_IGN);
 #endif
     for (const int signal : kSignals) {
         const CHandler before = SetHandler(signal, NoteInterrupt);
-        if (before != SIG_DFL) SetHandler(signal, before);  // what is to be ignored stays so
+        if (before != SIG_DFL) SetHandler(signal, before);  // ignored signals stay ignored
     }
 }
 

@@ -1,23 +1,22 @@
 #pragma once
 
 /// @file
-/// Ctrl-C. The signal only sets a flag; long work checks it now and then and unwinds, so that destructors remove
+/// Ctrl-C. The signal only sets a flag. Long operations check it regularly and throw, so that destructors remove
 /// temporary files.
 
 namespace vxfile {
 
-/// Thrown when Ctrl-C was hit.
+/// Thrown after Ctrl-C.
 class CInterruption {};
 
-/// From now on Ctrl-C, SIGTERM and SIGHUP set a flag instead of ending the program. A second one, half a second later
-/// or more, ends it. Signals that are ignored, as by `nohup`, stay ignored. A file that grows beyond the size that is
-/// allowed is a failed write from now on.
+/// Makes Ctrl-C, SIGTERM and SIGHUP set a flag instead of ending the program. A second one after half a second or more
+/// ends it. Ignored signals, as with `nohup`, stay ignored. Also makes writes beyond the file size limit fail.
 void CatchInterrupts();
 
-/// Returns whether Ctrl-C was hit.
+/// Returns whether Ctrl-C was pressed.
 bool IsInterrupted();
 
-/// Throws `CInterruption` if Ctrl-C was hit. It costs next to nothing.
+/// Throws `CInterruption` if Ctrl-C was pressed. Its cost is negligible.
 void CheckInterrupt();
 
 }  // namespace vxfile

@@ -13,8 +13,7 @@ namespace vxfile {
 
 namespace {
 
-/// To take a document down that tells of 80,000 recordings takes no more. Where there is less memory, a part is
-/// smaller.
+/// Enough to destroy a document of 80,000 recordings. Parts are smaller if there is less memory.
 constexpr std::size_t kMostOfPart = std::size_t{4} << 20;
 constexpr std::size_t kLeastOfPart = std::size_t{256} << 10;
 
@@ -45,7 +44,7 @@ void GiveReserveFree() {
     g_firstPart.reset();
 }
 
-/// A document that grows is copied, which may use up all that was put by before anything can fail.
+/// Copying a growing document may use up the whole reserve before anything can fail.
 [[noreturn]] void EndForWantOfMemory() {
     try {
         if (const auto failure = std::current_exception()) std::rethrow_exception(failure);

@@ -1,22 +1,21 @@
 #pragma once
 
 /// @file
-/// Memory for the way out. Where memory has run short, a failure still has to unwind, and destructors and the sentence
-/// for the user want some, too.
+/// A memory reserve. When memory runs out, unwinding, destructors and the error message still need some.
 
 namespace vxfile {
 
-/// What the user is told then.
+/// The message in that case.
 inline constexpr const char* kNoMemory =
     "There isn't enough memory for this; close other programs, or take a machine that has more.";
 
-/// Puts some memory by, in two parts, unless that is done. The first part is given free without a word when memory runs
-/// short, since destructors that want memory can't fail; `CheckMemory` tells then. When it runs short again, the second
-/// part is given free, and `std::bad_alloc` is thrown. Whoever has caught that and goes on calls this again.
-/// Should a destructor fail for want of memory all the same, the program says `kNoMemory` and ends with `kTrouble`.
+/// Allocates a reserve in two parts, unless it exists. The first part is freed silently when memory runs out, since
+/// destructors must not fail; from then on `CheckMemory` throws. When it runs out again, the second part is freed and
+/// `std::bad_alloc` is thrown. Call this again after catching that. If a destructor still fails to allocate memory, the
+/// program prints `kNoMemory` and ends with `kTrouble`.
 void KeepMemoryReserve();
 
-/// Throws `std::bad_alloc`, and gives all that was put by free, if memory has run short. It costs next to nothing.
+/// If memory has run out, frees the whole reserve and throws `std::bad_alloc`. Its cost is negligible.
 void CheckMemory();
 
 }  // namespace vxfile

@@ -9,8 +9,8 @@
 
 namespace vxfile {
 
-/// Opens a file for reading. Throws `CFailure`, in a sentence that says what to do, if that can't be done, and if it is
-/// a pipe or a device, which is read from front to back alone.
+/// Opens a file for reading. Throws `CFailure`, with advice, if it can't be opened, or if it is a pipe or a device,
+/// which can only be read sequentially.
 inline void OpenInput(vxfileio::helpers::CFile& file, const std::string& path) {
     std::error_code ignored;
     const auto status = std::filesystem::status(path, ignored);

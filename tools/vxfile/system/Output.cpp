@@ -27,7 +27,7 @@ constexpr std::size_t kBlockSize = std::size_t{64} << 10;
 /// Parts of this size or more are written directly instead of being copied into the block.
 constexpr std::size_t kLargePart = std::size_t{16} << 10;
 
-/// Returns whether something is a device or a pipe. Windows has devices, such as `nul`, that don't look like one.
+/// Returns whether a path is a device or a pipe. Some devices on Windows, such as `nul`, don't look like one.
 bool IsSpecial(const std::string& path) {
     std::error_code none;
     const auto status = fs::status(path, none);
@@ -35,9 +35,9 @@ bool IsSpecial(const std::string& path) {
     return isOther || fs::absolute(path, none).string().starts_with(R"(\\.\)");
 }
 
-/// Returns the number of an open file if a path leads to one, such as 1 for `/dev/stdout`.
+/// Returns the number of an open file if a path refers to one, such as 1 for `/dev/stdout`.
 std::optional<int> OpenNumberOf(const std::string& path) {
-    constexpr int kMostLinks = 40;  // the system itself follows no more
+    constexpr int kMostLinks = 40;  // the system's own limit
     std::error_code none;
     const fs::path openFiles = fs::canonical("/proc/self/fd", none);
     fs::path place = path;
@@ -59,7 +59,7 @@ std::optional<int> OpenNumberOf(const std::string& path) {
                    (isTooLong ? "; give the file a shorter name." : "; choose another folder."));
 }
 
-/// `error` is the system's number, or 0 if it is unknown. An interruption isn't a refusal.
+/// `error` is the system's number, or 0 if unknown. An interruption isn't a refusal.
 [[noreturn]] void RefuseWrite(const std::string& target, int error) {
     CheckInterrupt();
     const std::string reason = error == 0 ? "" : std::string(": ") + std::strerror(error);
@@ -113,7 +113,7 @@ COutput::COutput(const CTarget& target) : m_name(target.path) {
     }
 }
 
-/// A pipe or a device is written directly; only a file can replace another.
+/// Pipes and devices are written directly; only a file can replace another.
 void COutput::Open(const std::string& path, bool replace) {
     if (const auto open = OpenNumberOf(path)) return m_descriptor.UseOpen(*open);
     m_isFile = !IsSpecial(path);
@@ -124,7 +124,7 @@ void COutput::Open(const std::string& path, bool replace) {
     RefuseCreating(path, {error, std::generic_category()});
 }
 
-/// What went into a pipe stays there, so the rest may as well follow.
+/// Bytes in a pipe can't be taken back, so the rest is written, too.
 COutput::~COutput() {
     if (!m_isFile && !IsInterrupted()) static_cast<void>(m_descriptor.Write(m_gathered));
 }

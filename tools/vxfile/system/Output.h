@@ -11,33 +11,33 @@
 
 namespace vxfile {
 
-/// Throws `CFailure` if nothing can be written to `target`: it is the file `source` that is read, under any name, or
-/// it has no name, or is `-`, since standard output can't hold a file that appears only when it is whole.
+/// Throws `CFailure` if `target` can't be written: if it is the file `source`, under any name, or if it has no file
+/// name, or if it is `-`, since standard output can't appear only when complete.
 void RefuseTarget(const std::string& target, const std::string& source);
 
-/// Throws `CFailure` if a path is a folder, a device or a pipe, or if there is a file and `replace` isn't set.
+/// Throws `CFailure` if a path is a folder, a device or a pipe, or if the file exists and `replace` isn't set.
 void RefusePlace(const std::string& path, bool replace);
 
-/// Begins a file that appears when it is committed. Throws `CFailure` like `RefusePlace`, and if the file can't be
+/// Creates a file that appears when it is committed. Throws `CFailure` like `RefusePlace`, and if the file can't be
 /// created.
 void CreateWhole(vxfileio::helpers::CReplacingFile& file, const std::string& path, bool replace);
 
 /// Throws the `CFailure` of a file that couldn't be written or moved into place.
 [[noreturn]] void RefuseWrite(const std::string& target, const vxfileio::helpers::CFileFailure& failure);
 
-/// Where a command writes.
+/// The output of a command.
 struct CTarget {
     std::string path = "-";   ///< `-` is standard output.
-    std::string source = {};  ///< The file that is read, which is never written to.
-    bool replace = false;     ///< Whether a file at the path is replaced.
+    std::string source = {};  ///< The input file, which is never overwritten.
+    bool replace = false;     ///< Whether an existing file is replaced.
 };
 
-/// Where the bytes of a command go: a file that appears when it is committed, or standard output for the path `-`. A
-/// device, a pipe or an open file such as `/dev/stdout` is written directly. Never the source, from which the
-/// bytes come. Small parts are gathered in a block. Every failure is a `CFailure`.
+/// The output of a command: a file that appears when it is committed, or standard output for the path `-`. Devices,
+/// pipes and open files such as `/dev/stdout` are written directly. Never overwrites the source. Small parts are
+/// collected in a block. All failures are `CFailure`.
 class COutput {
  public:
-    /// Throws `CFailure` if there is a file already and `replace` isn't set.
+    /// Throws `CFailure` if the file exists and `replace` isn't set.
     explicit COutput(const CTarget& target);
     ~COutput();
     COutput(const COutput&) = delete;
@@ -47,15 +47,15 @@ class COutput {
     void Write(std::string_view text);
     void Write(std::span<const std::byte> bytes);
 
-    /// Returns whether the first bytes can be rewritten: those of a file, but not of a pipe.
+    /// Returns whether the first bytes can be rewritten: in a file, but not in a pipe.
     bool CanRewriteFront() const noexcept { return m_isFile; }
     /// Replaces the first bytes. Nothing may be appended afterwards.
     void RewriteFront(std::string_view text);
 
-    /// Writes what is gathered and closes the file, which then waits for `Commit`.
+    /// Writes what is buffered and closes the file, which must then be committed.
     void Finish();
 
-    /// Ends outputs that were finished: all files appear, or none if one can't be moved into place.
+    /// Commits finished outputs: all files appear, or none if one can't be moved into place.
     static void Commit(std::span<COutput* const> outputs);
 
  private:
@@ -65,12 +65,12 @@ class COutput {
 
     vxfileio::helpers::CReplacingFile m_file;
     bool m_isFile = false;
-    CDescriptor m_descriptor;  ///< Of standard output and devices.
+    CDescriptor m_descriptor;  ///< For standard output and devices.
     std::string m_name;
     std::vector<std::byte> m_gathered;
 };
 
-/// Flushes standard output. Throws `CFailure` if it didn't take everything.
+/// Flushes standard output. Throws `CFailure` if something couldn't be written.
 void FinishPrinting();
 
 }  // namespace vxfile

@@ -7,8 +7,8 @@
 
 namespace vxfile {
 
-/// The SHA-256 of bytes that come in pieces, computed by the system's own code. Every operation throws `CFailure` if
-/// that code refuses.
+/// The SHA-256 of bytes in several pieces, computed by the operating system. All operations throw `CFailure` if it
+/// refuses.
 class CSha256 {
  public:
     CSha256();

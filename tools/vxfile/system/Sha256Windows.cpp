@@ -43,7 +43,7 @@ void CSha256::Add(std::span<const std::byte> bytes) {
     constexpr std::size_t kMost = std::size_t{1} << 30;
     while (!bytes.empty()) {
         const auto part = bytes.first(std::min(bytes.size(), kMost));
-        // The system takes a pointer to what it may change, but only reads.
+        // The system's function takes a non-const pointer, but only reads.
         auto* const data = reinterpret_cast<PUCHAR>(const_cast<std::byte*>(part.data()));
         Require(BCryptHashData(m_state->hash, data, static_cast<ULONG>(part.size()), 0));
         bytes = bytes.subspan(part.size());

@@ -1,23 +1,23 @@
 #pragma once
 
 /// @file
-/// What the program has to know of the system's terminals.
+/// The terminal functions of the operating system.
 
 namespace vxfile {
 
-/// Tells whether standard output is a terminal.
+/// Returns whether standard output is a terminal.
 bool IsOutputTerminal();
 
-/// Tells whether standard error is a terminal.
+/// Returns whether standard error is a terminal.
 bool IsErrorTerminal();
 
-/// Returns how many characters a line of the terminal has; 80 if nobody knows.
+/// Returns the width of the terminal in characters; 80 if unknown.
 int TerminalWidth();
 
-/// From now on bytes pass to standard output as they are, line ends too.
+/// From now on, bytes are passed to standard output unchanged, including line ends.
 void MakeOutputBinary();
 
-/// Gets the terminal ready for colours and lines that are written again. Returns false if it can't do that.
+/// Prepares the terminal for colours and for rewriting lines. Returns false if it can't do that.
 bool EnableColours();
 
 }  // namespace vxfile

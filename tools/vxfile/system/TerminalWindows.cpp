@@ -25,12 +25,12 @@ int TerminalWidth() {
 void MakeOutputBinary() { _setmode(_fileno(stdout), _O_BINARY); }
 
 bool EnableColours() {
-    constexpr DWORD kVirtualTerminal = 0x0004;  // not in all headers by its name
+    constexpr DWORD kVirtualTerminal = 0x0004;  // some headers lack its name
     bool enabled = true;
     for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
         const HANDLE handle = GetStdHandle(stream);
         DWORD mode = 0;
-        if (GetConsoleMode(handle, &mode) == 0) continue;  // no console, but a pipe or a file
+        if (GetConsoleMode(handle, &mode) == 0) continue;  // a pipe or a file
         enabled = SetConsoleMode(handle, mode | kVirtualTerminal) != 0 && enabled;
     }
     return enabled;

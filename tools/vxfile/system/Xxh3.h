@@ -10,7 +10,7 @@ namespace vxfile {
 /// An XXH3-128 with seed 0 in its canonical form: its most significant byte first.
 using CXxh3Sum = std::array<unsigned char, 16>;
 
-/// The XXH3-128 of bytes that come in pieces.
+/// The XXH3-128 of bytes in several pieces.
 class CXxh3 {
  public:
     CXxh3();
@@ -20,7 +20,7 @@ class CXxh3 {
 
     void Add(std::span<const std::byte> bytes);
 
-    /// Returns the sum of the bytes since the last call, and starts afresh.
+    /// Returns the sum of the bytes since the last call, and starts again.
     CXxh3Sum Take();
 
  private:

@@ -15,7 +15,7 @@ namespace vxfile {
 /// in the tables are checked against the size of the file before memory is allocated.
 class CCompoundScan {
  public:
-    /// Throws `CFailure` if the file can't be opened, or its tables don't lead to a complete stream `Workbook`.
+    /// Throws `CFailure` if the file can't be opened, or its tables don't describe a complete stream `Workbook`.
     explicit CCompoundScan(const std::string& path);
 
     std::int64_t Size() const { return m_size; }

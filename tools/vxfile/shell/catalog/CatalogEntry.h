@@ -18,7 +18,7 @@ inline constexpr std::string_view kDamaged = "damaged";
 inline constexpr std::string_view kUnreadable = "unreadable";  ///< Of files only.
 /// @}
 
-/// Size and time of a file: if both stay the same, so does the file.
+/// The size and time of a file. If both are the same, the file is considered unchanged.
 struct CStamp {
     std::int64_t size = 0;
     std::string modified = {};  ///< ISO 8601 in UTC, with nanoseconds. Empty if there is no such file.
@@ -52,7 +52,7 @@ struct CCatalogEntry {
     std::string reason = {};  ///< A sentence, unless the file is finished.
 };
 
-/// Reads the headers of a file. Never throws for a bad file. A file that changed meanwhile is unfinished.
+/// Reads the headers of a file. Never throws for a bad file. A file that changes at the same time is unfinished.
 CCatalogEntry ScanFile(const std::string& path);
 
 /// The columns of a row per file.
@@ -60,12 +60,12 @@ std::span<const CColumn> FileColumns();
 /// The columns that a recording adds to those of its file, in a row per recording.
 std::span<const CColumn> RecordingColumns();
 
-/// Cells refer to what they were made of, which must outlive them.
+/// Cells point to their values, which must outlive them.
 using CCells = std::vector<CCell>;
 
 /// Returns the cells of a file.
 CCells CellsOf(const CCatalogEntry& entry);
-/// Returns the cells of a recording. `doseText` receives the text of its dose. Without a recording all are missing.
+/// Returns the cells of a recording; all are missing if it is null. `doseText` receives the text of its dose.
 CCells CellsOf(const CCatalogRecording* recording, std::string& doseText);
 
 }  // namespace vxfile

@@ -12,7 +12,7 @@ namespace vxfile {
 
 namespace {
 
-/// "VXCA", which names the file for other programs.
+/// "VXCA", which identifies the file to other programs.
 constexpr int kApplicationID = 0x56584341;
 
 /// The version of the schema, in `user_version`. Raise it with each change of columns, tables or views.
@@ -56,7 +56,7 @@ struct CCloser {
     void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
 };
 
-/// One connection, and the statements that are prepared for it.
+/// A connection and its prepared statements.
 class CDatabase : public CCatalogStore {
  public:
     explicit CDatabase(const std::string& path) : m_path(path) {
@@ -82,7 +82,7 @@ class CDatabase : public CCatalogStore {
     ~CDatabase() override {
         for (auto* statement : {&m_see, &m_isKnown, &m_remove, &m_putFile, &m_putRecording})
             statement->reset();
-        m_database.reset();  // takes back what isn't committed
+        m_database.reset();  // rolls back what isn't committed
         std::error_code none;
         if (m_isNew && !m_isCommitted) std::filesystem::remove(m_path, none);
     }

@@ -16,8 +16,8 @@
 namespace vxfile {
 
 /// Calls `work(i)` for each i in [0, count) on `threads` threads, and `take(i, result)` on the calling thread, in
-/// ascending order. No more than 64 results per thread wait. Rethrows the first exception of either after all threads
-/// have ended. Throws `CInterruption` after Ctrl-C.
+/// ascending order. At most 64 results per thread wait. Rethrows the first exception of either after all threads have
+/// ended. Throws `CInterruption` after Ctrl-C.
 template <class Work, class Take>
 void ForEachInOrder(std::size_t count, std::size_t threads, Work work, Take take) {
     using CResult = decltype(work(std::size_t{0}));

@@ -5,7 +5,7 @@
 #include "tools/vxfile/shell/Command.h"
 
 /// @file
-/// The commands, each defined in a source of its own. `MakeCommands` calls all of these.
+/// The commands, each defined in its own source. `MakeCommands` calls all of these.
 
 namespace vxfile {
 

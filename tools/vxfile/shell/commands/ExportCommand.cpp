@@ -60,14 +60,14 @@ void RefuseOtherFormats(const fs::path& target) {
     throw CFailure(target.string() + " would be a workbook in the format of .xls; name it " + advised.string() + '.');
 }
 
-/// A file and what is in it.
+/// A file and its content.
 template <class CReader>
 struct CInput {
     std::string path;
     CReader reader = {};
-    std::string damage = {};  ///< What was wrong with the file.
+    std::string damage = {};  ///< What is wrong with the file.
 
-    /// Throws `CFailure` if the system refuses to read the file to its end: what is missing isn't known then.
+    /// Throws `CFailure` if the system refuses to read the file to its end, since it is unknown what is missing.
     void Read() {
         damage = ReadDocument(reader, path);
         if (damage.starts_with(vxfileio::xmlarchive::kReadRefused))
@@ -83,14 +83,14 @@ bool HasDoseText(std::uint64_t dose) try {
     return false;
 }
 
-/// Returns the head of a column: a dose that is too large for the others in picomolar.
+/// Returns the heading of a column: a dose that is too large for the other units is in picomolar.
 std::string DoseHead(std::uint64_t dose) { return HasDoseText(dose) ? DoseToText(dose) : std::to_string(dose) + "pM"; }
 
 /// The workbooks of an export: all appear or none.
 class CWorkbooks {
  public:
-    /// Writes a workbook beside its place, instead of an earlier one of the same path. Throws `CFailure` if it is
-    /// refused.
+    /// Writes a workbook to a temporary file that replaces an earlier one with the same path. Throws `CFailure` if it
+    /// is refused.
     void Save(YExcel::Document& document, const std::string& path, bool replace) {
         CReplacingFile& file = m_files[path];
         CreateWhole(file, path, replace);
@@ -99,7 +99,7 @@ class CWorkbooks {
         throw CFailure(path + " would be larger than a workbook can be; export fewer recordings.");
     }
 
-    /// Moves all workbooks into place. Throws `CFailure` if one can't be moved; then none is.
+    /// Moves all workbooks into place. Throws `CFailure` if one can't be moved; then none is moved.
     void Commit() {
         std::vector<CReplacingFile*> files;
         for (auto& [path, file] : m_files)
@@ -110,7 +110,7 @@ class CWorkbooks {
         }
     }
 
-    /// Prints the paths of the workbooks, in their order, and returns the names.
+    /// Prints the paths of the workbooks, in order, and returns the names.
     std::set<std::string> Tell() const {
         std::set<std::string> names;
         for (const auto& [path, file] : m_files) {
@@ -162,7 +162,7 @@ class CExportCommand : public CCommand {
     }
 
  private:
-    /// Writes all workbooks, which then wait for being committed. What can be refused is refused before the work.
+    /// Writes all workbooks, which must then be committed. Checks for refusals before the work.
     void Export(CWorkbooks& workbooks) {
         const auto save = [&](YExcel::Document& document, const std::string& path) {
             CheckInterrupt();
@@ -184,7 +184,7 @@ class CExportCommand : public CCommand {
         RefuseTarget(target, m_settings.path);
     }
 
-    /// Returns what the workbooks leave in doubt, a sentence each.
+    /// Returns the doubts about the workbooks, a sentence each.
     std::vector<std::string> Doubts(const std::set<std::string>& made) {
         std::vector<std::string> doubts;
         if (!m_results.damage.empty()) doubts.push_back(m_results.path + ": " + m_results.damage);
@@ -209,7 +209,7 @@ class CExportCommand : public CCommand {
 
     static CRunFile RunFileOf(const auto& input) { return {input.path, input.reader.GetXmlFileHeader()->Guid}; }
 
-    /// Returns the labels of the wells that should have a workbook of their own, and have none.
+    /// Returns the labels of the wells that should have a workbook and have none.
     std::string LabelsWithout(std::set<std::string> made) {
         std::string labels;
         const fs::path target = fs::path(m_output).filename();

@@ -51,14 +51,14 @@ constexpr std::int64_t kNoNumber = std::numeric_limits<std::int64_t>::min();
 
 std::string Text(double number) { return std::string(CNumberText::General(number).View()); }
 
-/// Returns the number rounded to so many significant digits.
+/// Returns the number rounded to this many significant digits.
 double Rounded(double number, int digits) {
     std::ostringstream text;
     text << std::setprecision(digits) << number;
     return ParseDouble(text.str());
 }
 
-/// Returns the units nearest to these whose text has at most so many characters, if rounding can help.
+/// Returns the nearest units whose text has at most this many characters, if rounding can help.
 std::optional<double> CoarserUnits(double units, std::int64_t characters) {
     for (int digits = 5; digits > 0; --digits) {
         const double rounded = Rounded(units, digits);
@@ -67,15 +67,15 @@ std::optional<double> CoarserUnits(double units, std::int64_t characters) {
     return std::nullopt;
 }
 
-/// Returns how many characters each item of a list may have so that one for each well fits.
+/// Returns the maximum length of a list's items if it has one for each well.
 std::int64_t CharactersPerWell(const CCellFit& cell, std::int64_t wells) { return (cell.Room + 1) / wells - 1; }
 
-/// Returns the advice to take an interval whose text has so many characters.
+/// Returns the advice to choose an interval whose text has at most this many characters.
 std::string LongestInterval(std::int64_t characters) {
     return "a sample interval of at most " + std::string(static_cast<std::size_t>(characters), '9');
 }
 
-/// Returns the nearest units whose text is short enough, with a warning of what they change; empty if there are none.
+/// Returns the nearest units with a text that is short enough, and a warning about the change; empty if there are none.
 std::string UnitsFor(double units, std::int64_t characters) {
     const auto coarser = CoarserUnits(units, characters);
     if (!coarser) return {};
@@ -86,7 +86,7 @@ std::string UnitsFor(double units, std::int64_t characters) {
 }
 
 /// Returns what would make the value of a cell fit, other than fewer wells; empty if nothing would. IDs and zeros can't
-/// be chosen.
+/// be changed.
 std::string ChangeFor(const CCellFit& cell, const CRecordingFit& fit, double units) {
     const std::int64_t characters = cell.IsList ? CharactersPerWell(cell, fit.Wells) : 0;
     if (characters < 1) return {};
@@ -95,7 +95,7 @@ std::string ChangeFor(const CCellFit& cell, const CRecordingFit& fit, double uni
     return {};
 }
 
-/// Returns the change of each cell that is too small; empty if there is none for one of them.
+/// Returns a change for each cell that is too small; empty if one of them has none.
 std::string Changes(const CRecordingFit& fit, double units) {
     std::string changes;
     for (const auto& cell : fit.Cells) {
@@ -107,7 +107,7 @@ std::string Changes(const CRecordingFit& fit, double units) {
     return changes;
 }
 
-/// Returns how many wells each part has, in words, however many parts there are.
+/// Returns the number of wells in each part as text, for any number of parts.
 std::string PartsText(const std::vector<std::int64_t>& parts) {
     constexpr std::size_t kMostNamed = 6;
     if (parts.size() > kMostNamed) return "up to " + std::to_string(*std::ranges::max_element(parts));
@@ -117,7 +117,7 @@ std::string PartsText(const std::vector<std::int64_t>& parts) {
     return text;
 }
 
-/// Returns the ways to make a recording fit, a sentence each. None helps a value that is refused.
+/// Returns the ways to make a recording fit, a sentence each. There is none for a refused value.
 std::vector<std::string> AdviceFor(const CRecordingFit& fit, double units) {
     if (!fit.Refusal.empty()) return {};
     std::vector<std::string> advice;
@@ -222,7 +222,7 @@ class CPlanCommand : public CCommand {
         return ids;
     }
 
-    /// Takes what the options leave open from the settings. Returns the wells of their plate.
+    /// Takes values without an option from the settings. Returns the wells of their plate.
     std::vector<std::int32_t> TakeSettings() {
         const EFileKind kind = FileKindOf(m_settings);
         if (kind != EFileKind::Settings)

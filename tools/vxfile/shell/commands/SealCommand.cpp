@@ -45,10 +45,10 @@ constexpr CCommandText kText = {
         "  2  some aren't sealed",
 };
 
-/// The size of a block of a file that isn't a raw data file.
+/// The block size for files that aren't raw data files.
 constexpr std::int64_t kSealedBlock = std::int64_t{64} << 10;
 
-/// What changes when a file is written to or replaced.
+/// What changes when a file is overwritten or replaced.
 struct CFileState {
     std::uintmax_t size = 0;
     fs::file_time_type written;
@@ -61,15 +61,15 @@ CFileState StateOf(const std::string& path) {
     return {fs::file_size(path, none), fs::last_write_time(path, none)};
 }
 
-/// A file that is sealed.
+/// A file to seal.
 struct CSource {
     const std::string& path;
     const CFile& file;
     std::int64_t size = 0;
-    CFileState before;  ///< Before it was read.
+    CFileState before;  ///< The state before it was read.
 };
 
-/// What a seal was made of.
+/// The data of a seal.
 struct CSealed {
     EFileKind kind = EFileKind::Unknown;
     std::int64_t size = 0;
@@ -145,7 +145,7 @@ class CSealCommand : public CCommand {
         }
     }
 
-    /// Writes the seal of a file whose parts `forEach` passes on.
+    /// Writes the seal of a file whose parts `forEach` delivers.
     void Write(const CSource& source, CSealed& sealed, const auto& forEach) const {
         const auto& [path, file, size, before] = source;
         sealed.size = size;
