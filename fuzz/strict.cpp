@@ -1,5 +1,5 @@
-// Makes calls on a strict writer, many of them mistakes. The file must be sound for verify, and a writer that isn't
-// strict must write the same bytes if it is asked only for what the strict one accepted.
+// Makes calls on a strict writer, many of them mistakes. Verify must find the file sound, and a lenient writer must
+// write the same bytes from the calls that the strict one accepted.
 #include <functional>
 #include <vector>
 
@@ -47,7 +47,7 @@ class CSession {
         if (taken) m_wells = header.WellChannels;
     }
 
-    /// Mostly of a well that is listed, with its interval, and after what came before.
+    /// Mostly writes a listed well with its interval, after its previous segment.
     void WriteData(CCalls& calls) {
         const std::uint8_t choice = calls.Byte();
         std::int32_t well = static_cast<std::int32_t>(calls.Signed(1));
@@ -74,7 +74,7 @@ class CSession {
         BothTake([&](auto& writer) { writer.UpdateFileHdr(task, values); });
     }
 
-    /// Makes a call on the strict writer and, if that takes it, on the other one, which must take it, too.
+    /// Makes a call on the strict writer. If it accepts the call, the other one must, too.
     bool BothTake(const std::function<void(CIRawDataWriter&)>& call) {
         try {
             call(m_strict);

@@ -25,8 +25,8 @@ void PrintNowhere() {
 
 }  // namespace
 
-/// Runs the reading commands on any bytes. Each command must exit with a documented status, a file must equal itself or
-/// be incomparable, and the others must read without complaint what verify calls sound.
+/// Runs the reading commands on any bytes. Each command must exit with a documented status. A file must be equal to
+/// itself or not comparable. If verify finds a file sound, the other commands must read it without complaint.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = CFuzzFolder::Path("file");
     static const std::string table = CFuzzFolder::Path("table.npy");

@@ -36,7 +36,7 @@ void ReadBack(const std::string& path) {
     }
 }
 
-/// Holds a recovered file against the format. Texts, times and samples are kept as they were found.
+/// Verifies a recovered file. Recovery doesn't repair texts, times and samples.
 void Verify(const std::string& path) {
     static const std::set<std::string> kKept = {"no-separator", "no-controls", "no-overlap"};
     const vxfile::CFindings findings = vxfile::VerifyRawData(path);
@@ -47,7 +47,7 @@ void Verify(const std::string& path) {
 
 }  // namespace
 
-/// Saves any bytes. Whatever comes out must be a sound file, which the library reads to its end.
+/// Recovers any bytes. The result must be a sound file that the library reads to its end.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string in = CFuzzFolder::Path("in.vxd");
     static const std::string out = CFuzzFolder::Path("out.vxd");

@@ -1,4 +1,4 @@
-// Reads all samples of each well into an array of its own, with one call per segment at a position that it knows.
+// Reads all samples of each well into its own array, with one call per segment at a known offset.
 // usage: raw_bulk_limit bulk|bulk-read|bulk-every FILE ROUNDS SAMPLES    all wells in file order, or each well in turn
 #include <fcntl.h>
 #include <sys/uio.h>

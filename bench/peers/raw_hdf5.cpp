@@ -81,7 +81,7 @@ std::vector<hid_t> OpenWells(const char* path) {
     return wells;
 }
 
-/// Reads all samples of each well into an array of its own, all wells or each in turn.
+/// Reads all samples of each well into its own array, all wells or each in turn.
 bool ReadBulk(const char* path, const CShape& shape, bool isEvery) {
     CArrays arrays(shape, isEvery ? 1 : kWells);
     const std::vector<hid_t> wells = OpenWells(path);

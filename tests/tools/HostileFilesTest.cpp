@@ -17,7 +17,7 @@ namespace {
 
 const std::string kReference = VXFILEIO_REFERENCE_DIR "/";
 
-/// Runs the program on files with this content, and keeps what it prints.
+/// Runs the program on a file with given content, and keeps its output.
 class VxfileOnHostileFiles : public testing::Test {
  protected:
     int Run(const std::string& bytes, std::vector<std::string> command) {
@@ -34,12 +34,12 @@ class VxfileOnHostileFiles : public testing::Test {
         return status;
     }
 
-    /// Runs all commands that read one file, and tells whether each came to an end with a status and a document.
+    /// Runs all commands that read one file. Each must end with a status and a document.
     void ExpectAnswers(const std::string& bytes, const std::string& original, const std::string& what) {
         for (const std::vector<std::string>& command :
              {std::vector<std::string>{"verify", "--json"}, {"info", "--json"}, {"diff", "--json", original}}) {
             const int status = Run(bytes, command);
-            EXPECT_TRUE(status >= 0 && status <= 2) << what << ": " << command.front() << " gives " << status;
+            EXPECT_TRUE(status >= 0 && status <= 2) << what << ": " << command.front() << " ends with " << status;
             EXPECT_TRUE(nlohmann::json::accept(m_out)) << what << ": " << command.front() << " prints " << m_out;
         }
     }
@@ -52,11 +52,11 @@ class VxfileOnHostileFiles : public testing::Test {
 constexpr std::array kSoundFiles = {"small_example.vxd", "version_1.vxd",       "xml/settings.vxs",
                                     "xml/results.vxr",   "workbooks/small.xls", "workbooks/empty.xls"};
 
-/// The other byte that a byte becomes: a letter another letter, a digit another digit.
+/// Changes a byte: a letter to another letter, a digit to another digit.
 char Flipped(char c) { return static_cast<char>(c ^ 1); }
 
-/// Tells which bytes of a raw data file are no value: keys, `=`, padding and line ends. A byte right behind a value may
-/// as well belong to it.
+/// Returns the offsets of bytes that aren't values of a raw data file: keys, `=`, padding and line ends. The byte right
+/// after a value isn't included, since the value could be longer.
 std::vector<std::size_t> FixedBytesOfRawData(const std::string& bytes) {
     std::vector<std::size_t> fixed;
     for (std::size_t cell = 0, end = bytes.find("\r\n"); end != std::string::npos;
@@ -64,7 +64,7 @@ std::vector<std::size_t> FixedBytesOfRawData(const std::string& bytes) {
         const std::size_t text = std::min(bytes.find('\0', cell), end);
         const std::size_t value = std::min(bytes.find('=', cell), text);
         for (std::size_t i = cell; i < end + 2; ++i) {
-            const bool isMarkEnd = cell == 0 && i == text;  // the mark may go on
+            const bool isMarkEnd = cell == 0 && i == text;  // the mark could be longer
             if ((i <= value || i > text) && !isMarkEnd) fixed.push_back(i);
         }
     }
@@ -73,7 +73,7 @@ std::vector<std::size_t> FixedBytesOfRawData(const std::string& bytes) {
 
 }  // namespace
 
-TEST_F(VxfileOnHostileFiles, AnswersToEveryKindOfDamage) {
+TEST_F(VxfileOnHostileFiles, EndsRegularlyForEveryKindOfDamage) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(kReference)) {
         const std::string path = entry.path().string();
         constexpr std::array<std::string_view, 4> kEndings = {".vxd", ".vxs", ".vxr", ".xls"};
@@ -98,9 +98,9 @@ TEST_F(VxfileOnHostileFiles, FindsEveryCutOfASoundFile) {
     }
 }
 
-TEST_F(VxfileOnHostileFiles, FindsEveryChangeOfWhatRawDataFixes) {
+TEST_F(VxfileOnHostileFiles, FindsEveryChangeOfAFixedByteOfRawData) {
     const std::string bytes = ReadAll(kReference + "small_example.vxd");
-    constexpr std::size_t kHeaders = 3950;  // behind them stand samples
+    constexpr std::size_t kHeaders = 3950;  // the samples follow
     for (const std::size_t at : FixedBytesOfRawData(bytes.substr(0, kHeaders))) {
         std::string changed = bytes;
         changed[at] = Flipped(changed[at]);
@@ -140,7 +140,7 @@ TEST_F(VxfileOnHostileFiles, FindsEveryChangeOfACompoundFile) {
     }
 }
 
-TEST_F(VxfileOnHostileFiles, FindsChangesOfHowNumbersShareRecords) {
+TEST_F(VxfileOnHostileFiles, FindsChangesInTheGroupingOfNumbersIntoRecords) {
     const std::string bytes = ReadAll(kReference + "workbooks/small.xls");
     const auto expectFound = [&](std::string_view record, std::size_t offset, char value) {
         const std::size_t at = bytes.find(record);
@@ -151,12 +151,12 @@ TEST_F(VxfileOnHostileFiles, FindsChangesOfHowNumbersShareRecords) {
     };
     using namespace std::string_view_literals;
     constexpr std::string_view kThreeWhole = "\xBD\x00\x18\x00\x02\x00\x02\x00\x00\x00\x16"sv;
-    expectFound(kThreeWhole, 10, '\x17');  // hundredths, too
-    expectFound(kThreeWhole, 10, '\x14');  // a double among whole numbers
+    expectFound(kThreeWhole, 10, '\x17');  // divided by 100
+    expectFound(kThreeWhole, 10, '\x14');  // a double among integers
     constexpr std::string_view kColumn3 = "\x7E\x02\x0A\x00\x04\x00\x03\x00"sv;
-    expectFound(kColumn3, 6, '\x02');  // side by side with column 1
+    expectFound(kColumn3, 6, '\x02');  // adjacent to column 1
     constexpr std::string_view kInFull = "\x03\x02\x0E\x00\x46\x00\x05\x00\x00\x00\x8F\xC2\xF5\x28\x5C\x8F"sv;
-    expectFound(kInFull, 17, '\0');  // next to nothing, which has a short form
+    expectFound(kInFull, 17, '\0');  // nearly 0, which has a short form
 }
 
 TEST_F(VxfileOnHostileFiles, EndsOnDocumentsThatNestWithoutEnd) {
@@ -166,7 +166,7 @@ TEST_F(VxfileOnHostileFiles, EndsOnDocumentsThatNestWithoutEnd) {
     ExpectAnswers(nested, kReference + "xml/settings.vxs", "nested elements");
 }
 
-TEST_F(VxfileOnHostileFiles, WatchTellsWhetherAFileIsFinished) {
+TEST_F(VxfileOnHostileFiles, WatchReportsWhetherAFileIsFinished) {
     const std::vector<std::string> watch = {"watch", "--idle", "0.1", "--every", "0.02"};
     EXPECT_EQ(Run(ReadAll(kReference + "small_example.vxd"), watch), 0);
     EXPECT_TRUE(m_out.ends_with("The file is finished: 1 recording, 4.2 KiB.\n")) << m_out;

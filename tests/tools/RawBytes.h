@@ -8,7 +8,7 @@
 #include "tests/rawdata/RawFileBytes.h"
 
 /// @file
-/// Raw data files of several recordings, put together by hand as a writer leaves them.
+/// Builds raw data files of several recordings by hand, as a writer would write them.
 
 /// One segment; the interval of all wells is 100.
 struct CSegmentText {
@@ -21,8 +21,8 @@ struct CSegmentText {
 /// The segments of one recording.
 using CSegmentTexts = std::vector<CSegmentText>;
 
-/// Returns a file with these recordings, CompoundTest 1 and so on. The last one has no positions yet if `isFinished` is
-/// false.
+/// Returns a file with these recordings, CompoundTest 1 and so on. If `isFinished` is false, the last one has no
+/// positions yet.
 inline std::string FileOf(const std::vector<CSegmentTexts>& recordings, bool isFinished = true) {
     std::string bytes = FileHdrBytes(recordings.empty() ? -1 : 1190);
     for (std::size_t i = 0; i < recordings.size(); ++i) {
@@ -46,7 +46,7 @@ inline std::string FileOf(const std::vector<CSegmentTexts>& recordings, bool isF
     return bytes;
 }
 
-/// Replaces the value of the first cell with this key at `from` or later. The cell keeps its width.
+/// Replaces the value of the first cell with this key at or after `from`. The width of the cell stays the same.
 inline std::string WithCell(std::string bytes, const std::string& key, const std::string& value, std::size_t from = 0) {
     const std::size_t at = bytes.find(key + "=", from);
     const std::size_t width = bytes.find("\r\n", at) - at;

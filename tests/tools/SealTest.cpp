@@ -29,7 +29,7 @@ using nlohmann::json;
 /// Headers begin at 0, 1190, 3650, 3954, 4262 and 6722.
 const std::string kTwo = FileOf({{{11, 0, {1, 2}}, {12, 0, {3, 4, 5, 6}}}, {{12, 500, {7}}}});
 
-/// The place that a changed byte of it is reported at: up to `end`, from where the row before ends.
+/// The part that a changed byte belongs to: from the end of the previous one up to `end`.
 struct CPlaceName {
     std::size_t end;
     const char* where;
@@ -49,7 +49,7 @@ std::string Flipped(std::string bytes, std::size_t at, int bit = 0) {
     return bytes;
 }
 
-/// Flips a bit without rewriting the file, which would take long on a disk.
+/// Flips a bit without rewriting the file, which would be slow on a disk.
 void FlipInPlace(const std::string& path, std::size_t at) {
     std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
     const auto place = static_cast<std::streamoff>(at);
@@ -58,7 +58,7 @@ void FlipInPlace(const std::string& path, std::size_t at) {
     file.seekp(place).put(byte);
 }
 
-/// Returns the lines of a seal with the `check` that belongs to them.
+/// Returns the lines of a seal with the correct `check`.
 std::string WithCheck(const std::string& lines) {
     CXxh3 sum;
     sum.Add(std::as_bytes(std::span(lines)));
@@ -73,7 +73,7 @@ class Seals : public testing::Test {
         m_run = RunTool({"seal", "--force", m_path});
     }
 
-    /// Compares the file with its seal after it got this content.
+    /// Gives the file this content and compares it with its seal.
     EState Check(const std::string& bytes) {
         WriteAll(m_path, bytes);
         return Check();
@@ -183,7 +183,7 @@ TEST_F(Seals, NameThePlaceOfEveryChangedByte) {
     }
 }
 
-TEST_F(Seals, TellAFileThatGrewFromOneThatWasCutOrReplaced) {
+TEST_F(Seals, DistinguishAFileThatGrewFromOneThatWasCutOrReplaced) {
     const std::string other = FileOf({{{11, 0, {9, 9}}}});
     struct CCase {
         std::string bytes;
@@ -227,7 +227,7 @@ TEST_F(Seals, ProveNothingOnceOneOfTheirBytesChanged) {
     }
 }
 
-TEST_F(Seals, WithWholeChecksumsAreReadOnlyIfTheyMakeSense) {
+TEST_F(Seals, WithACorrectCheckAreReadOnlyIfTheyAreConsistent) {
     CSealedPart whole;
     whole.length = 10;
     CXxh3 sum;
@@ -266,7 +266,7 @@ TEST_F(Seals, WithWholeChecksumsAreReadOnlyIfTheyMakeSense) {
     }
 }
 
-TEST_F(Seals, WithWholeChecksumsAreReadOnlyInTheirOneLayout) {
+TEST_F(Seals, WithACorrectCheckAreReadOnlyInTheirExactLayout) {
     SealFile(kTwo);
     const std::string seal = ReadAll(m_seal);
     const std::string lines = seal.substr(0, seal.find("\"check\""));
@@ -309,7 +309,7 @@ TEST_F(Seals, WithWholeChecksumsAreReadOnlyInTheirOneLayout) {
 }
 
 #if defined(__linux__)  // links, long names and names of any bytes, and times of files that others have open
-TEST_F(Seals, ThatAreLinksToNothingCantBeUsed) {
+TEST_F(Seals, ThatAreDanglingLinksCantBeUsed) {
     WriteAll(m_path, kTwo);
     std::filesystem::create_symlink("gone.seal", m_seal);
     const CToolRun run = RunTool({"verify", m_path});
@@ -318,7 +318,7 @@ TEST_F(Seals, ThatAreLinksToNothingCantBeUsed) {
     EXPECT_TRUE(RecoverJson()["seal"].contains("error"));
 }
 
-TEST_F(Seals, ArentWrittenOfAFileThatIsRewrittenMeanwhile) {
+TEST_F(Seals, ArentWrittenForAFileThatChangesMeanwhile) {
     WriteAll(m_path, kTwo);
     std::filesystem::resize_file(m_path, std::size_t{128} << 20);
     std::atomic<bool> isSealed = false;
@@ -334,7 +334,7 @@ TEST_F(Seals, ArentWrittenOfAFileThatIsRewrittenMeanwhile) {
     EXPECT_NE(m_run.err.find("is being written"), std::string::npos) << m_run.err;
     EXPECT_FALSE(std::filesystem::exists(m_seal));
 }
-TEST_F(Seals, OfFilesWithTooLongNamesSayWhatToDo) {
+TEST_F(Seals, OfFilesWithTooLongNamesAreRefusedWithAdvice) {
     m_path = m_folder.Path(std::string(247, 'x') + ".vxd");
     SealFile(kTwo);
     EXPECT_EQ(m_run.status, 2);
@@ -354,7 +354,7 @@ TEST_F(Seals, OfNamesInLatin1HaveReadablePaths) {
 
 #endif
 
-TEST_F(Seals, OfANewerVersionSaySo) {
+TEST_F(Seals, OfANewerVersionAreReportedAsSuch) {
     WriteAll(m_path, kTwo);
     WriteAll(m_seal, "{\n\"seal\": 2,\n");
     const CToolRun run = RunTool({"verify", m_path});
@@ -362,7 +362,7 @@ TEST_F(Seals, OfANewerVersionSaySo) {
     EXPECT_NE(run.out.find("is of version 2, which is newer than 1"), std::string::npos) << run.out;
 }
 
-TEST_F(Seals, AreReplacedOnlyIfAskedTo) {
+TEST_F(Seals, AreReplacedOnlyOnRequest) {
     SealFile(kTwo);
     const std::string seal = ReadAll(m_seal);
     WriteAll(m_path, Flipped(kTwo, 4260));
@@ -372,7 +372,7 @@ TEST_F(Seals, AreReplacedOnlyIfAskedTo) {
     EXPECT_EQ(RunTool({"verify", m_path}).status, 0);
 }
 
-TEST_F(Seals, AreMadeForEachKindOfFileAndSayWhatIsUnfinished) {
+TEST_F(Seals, AreMadeForEachKindOfFileAndReportUnfinishedOnes) {
     const std::string folder = VXFILEIO_REFERENCE_DIR "/";
     for (const auto& [name, status] : std::vector<std::pair<std::string, int>>{{"small_example.vxd", 0},
                                                                                {"unfinished.vxd", 1},
@@ -392,7 +392,7 @@ TEST_F(Seals, AreMadeForEachKindOfFileAndSayWhatIsUnfinished) {
     }
 }
 
-TEST_F(Seals, CoverBytesThatBelongToNoSegment) {
+TEST_F(Seals, CoverBytesOutsideOfSegments) {
     const std::string gap(100'000, 'x');
     SealFile(kTwo + gap);
     EXPECT_EQ(m_run.status, 1);
@@ -401,7 +401,7 @@ TEST_F(Seals, CoverBytesThatBelongToNoSegment) {
     EXPECT_EQ(m_findings.Kept().front().where, "bytes 7024 to 107024");
 }
 
-TEST_F(Seals, AreComparedByVerifyUnlessToldNotTo) {
+TEST_F(Seals, AreComparedByVerifyUnlessDisabled) {
     SealFile(kTwo);
     EXPECT_NE(RunTool({"verify", m_path}).out.find("sound, as sealed\n"), std::string::npos);
     WriteAll(m_path, Flipped(kTwo, 4260));
@@ -471,7 +471,7 @@ TEST_F(Seals, ProveWhatRecoverSaves) {
     }
 }
 
-TEST_F(Seals, ThatCantBeUsedDontKeepRecoverFromSaving) {
+TEST_F(Seals, ThatCantBeUsedDontPreventRecovery) {
     SealFile(kTwo);
     WriteAll(m_seal, "{}");
     EXPECT_NE(RecoverJson()["seal"]["error"].get<std::string>().find("proves nothing"), std::string::npos);

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// How far apart the cases are where there is one for each byte of a file. Elsewhere every byte has its turn; on
-/// Windows making a file takes so long that every so-manieth must do.
+/// The distance between tests that have one case for each byte of a file. On Windows, where creating a file takes long,
+/// only some bytes are tested.
 #if defined(_WIN32)
 inline constexpr std::size_t kStride = 41;
 #else

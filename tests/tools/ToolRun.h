@@ -8,14 +8,14 @@
 
 #include "tools/vxfile/shell/Program.h"
 
-/// What a run of the program, or a part of it, left.
+/// The result of running the program or a part of it.
 struct CToolRun {
     int status = 0;
-    std::string out;  ///< On standard output.
-    std::string err;  ///< On standard error.
+    std::string out;  ///< The standard output.
+    std::string err;  ///< The standard error.
 };
 
-/// Calls `work`, whose result is the status, and keeps what it prints.
+/// Calls `work`, which returns the status, and captures what it prints.
 inline CToolRun Captured(const std::function<int()>& work) {
     std::ostringstream out;
     std::ostringstream err;

@@ -30,8 +30,8 @@ class WorkbookTest : public testing::Test {
     YExcel::Document m_document;
 };
 
-// The body of a record ends after 8224 bytes; characters that go on in the next one follow an option byte.
-TEST_F(WorkbookTest, TextsThatGoOverTheEndOfARecordAreReadAndFoundSound) {
+// The body of a record ends after 8224 bytes; characters in the next one follow an option byte.
+TEST_F(WorkbookTest, TextsThatSpanRecordsAreReadAndFoundSound) {
     std::vector<std::string> expected;
     for (std::uint32_t row = 0; row < 30; ++row) {
         const std::string narrow = std::to_string(row) + std::string(4090 + row, 'n');
@@ -47,7 +47,7 @@ TEST_F(WorkbookTest, TextsThatGoOverTheEndOfARecordAreReadAndFoundSound) {
     EXPECT_EQ(vxfile::VerifyWorkbook(m_path).Count(), 0U);
 }
 
-TEST_F(WorkbookTest, ARecordIsReadAsItsTypeAndCutFieldsAreDefaults) {
+TEST_F(WorkbookTest, ARecordIsReadByItsTypeAndMissingFieldsHaveDefaults) {
     At(3, 2).SetDouble(1.0 / 3.0);
     const std::vector<std::byte> stream = Stream();
     const auto sheets = vxfile::SheetsOf(stream);
@@ -70,7 +70,7 @@ TEST_F(WorkbookTest, ARecordIsReadAsItsTypeAndCutFieldsAreDefaults) {
     EXPECT_EQ(cells, 1);
 }
 
-TEST_F(WorkbookTest, CellsAreNamedAsSpreadsheetProgramsNameThem) {
+TEST_F(WorkbookTest, CellsHaveTheNamesThatSpreadsheetProgramsShow) {
     EXPECT_TRUE(m_document.SaveToFile(m_folder.Path("empty.xls")));
     for (const std::uint32_t column : {0U, 25U, 26U, 51U, 52U, 255U})
         At(9, column).SetText("x");

@@ -1,4 +1,4 @@
-"""Checks what `vxfile catalog` says of a folder with files of all kinds and states, as rows and in a database.
+"""Checks what `vxfile catalog` reports for a folder with files of all kinds and states, as rows and in a database.
 
 usage: catalog.py VXFILE FOLDER_OF_REFERENCE_FILES
 """
@@ -95,7 +95,7 @@ def check_database(folder, database):
     assert stored(database, "PRAGMA integrity_check") == [("ok",)]
     assert stored(database, "SELECT settings FROM runs WHERE guid = '0123'") == [(str(folder / "a/b/run.vxs"),)]
 
-    # A second run reads what changed, and drops what is gone.
+    # A second run reads changed files and removes deleted ones.
     assert ", 0 of them read now" in run(*options, status=1)[1]
     shutil.copyfile(REFERENCE / "small_example.vxd", folder / "a/cut.vxd")
     (folder / "z.dat").unlink()
@@ -104,14 +104,14 @@ def check_database(folder, database):
     assert stored(database, "SELECT count(*) FROM files") == [(11,)]
     assert stored(database, "SELECT count(*) FROM recordings WHERE path NOT IN (SELECT path FROM files)") == [(0,)]
 
-    # Another folder doesn't drop the first.
+    # Another folder doesn't remove the first one.
     other = folder.parent / "other"
     other.mkdir()
     shutil.copyfile(REFERENCE / "small_example.vxd", other / "one.vxd")
     run(str(other), "--sqlite", database, status=0)
     assert stored(database, "SELECT count(*) FROM files") == [(12,)]
 
-    # Newer and foreign databases are refused and left alone.
+    # Newer and other databases are refused and unchanged.
     with sqlite3.connect(database) as connection:
         connection.execute("PRAGMA user_version = 2")
     before = pathlib.Path(database).read_bytes()
@@ -124,7 +124,7 @@ def check_database(folder, database):
 
 
 def check_interruption(folder, database):
-    """Ctrl-C leaves the state of before, and no new database."""
+    """Ctrl-C leaves an existing database unchanged, and no new one."""
     many = folder.parent / "many"
     many.mkdir()
     for i in range(3000):

@@ -4,8 +4,8 @@
     check_sessions.py [--update] FOLDER_OF_VXFILE PAGE...
 
 A session is a block that begins with ```console; its lines that begin with "$ " are commands, the others their output.
-They run in a folder of their own that has the files below. --update puts the real output into the pages. The version
-of the program reads VERSION on the pages, so that a release changes none of them.
+They run in a separate folder that has the files below. --update writes the real output into the pages. The program's
+version is shown as VERSION on the pages, so that a release doesn't change them.
 """
 import os
 import pathlib
@@ -35,7 +35,7 @@ FILES = {
 
 def run(command, folder, programs, version):
     environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", NO_COLOR="1", LC_ALL="C.UTF-8")
-    # timeout(1) ends what the shell has started, too.
+    # timeout(1) also ends processes that the shell has started.
     done = subprocess.run(["timeout", "60", "bash", "-c", command], cwd=folder, env=environment,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     output = done.stdout.decode(errors="replace").replace("\r\n", "\n")

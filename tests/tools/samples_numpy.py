@@ -1,4 +1,4 @@
-"""Holds what `vxfile samples` writes against an independent reader: numpy for arrays, the text twin for all samples.
+"""Compares the output of `vxfile samples` with independent data: numpy reads arrays, the text twin has all samples.
 
 usage: samples_numpy.py VXFILE REFERENCE.vxd REFERENCE.txt SMALL_EXAMPLE.vxd
 """
@@ -21,7 +21,7 @@ def run(*options, path=REFERENCE):
 
 
 def twin_rows():
-    """Yields task, recording, well, time, sample and the value in units, as the twin tells them."""
+    """Yields task, recording, well, time, sample and the value in units, from the twin."""
     task = number = None
     wells = {}
     for line in open(TWIN, encoding="latin-1"):

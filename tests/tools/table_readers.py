@@ -146,7 +146,7 @@ with tempfile.TemporaryDirectory() as folder:
             assert output.read_bytes() == array
             assert types.setdefault(what, numpy.load(output).dtype) == numpy.load(output).dtype
 
-    # A document that was cut has the rows ahead of the cut.
+    # A cut document has the rows before the cut.
     whole = (REFERENCE / "results.vxr").read_bytes()
     beats = run(REFERENCE / "results.vxr", "--what", "beats").splitlines()
     start, end = whole.index(b"<Results>") + 9, whole.index(b"</Results>")

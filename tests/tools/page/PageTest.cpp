@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-TEST(Html, EscapesTextsAndAttributesSoThatTheyNeverBecomeMarkup) {
+TEST(Html, EscapesTextsAndAttributes) {
     EXPECT_EQ(EscapedText("<b> & \"x\""), "&lt;b&gt; &amp; \"x\"");
     EXPECT_EQ(EscapedAttribute("<b> & \"x\" 'y'"), "&lt;b&gt; &amp; &quot;x&quot; &#39;y&#39;");
     CHtml html;
@@ -38,7 +38,7 @@ TEST(Html, EscapesTextsAndAttributesSoThatTheyNeverBecomeMarkup) {
               std::string::npos);
 }
 
-TEST(Html, WritesDataThatCanNeitherEndItsElementNorChange) {
+TEST(Html, WritesDataThatCannotEndItsElement) {
     CHtml html;
     html.Data("d", {{"label", "</script><!--\xE2\x80\xA8"}});
     const std::string& page = html.Bytes();
@@ -48,8 +48,8 @@ TEST(Html, WritesDataThatCanNeitherEndItsElementNorChange) {
     EXPECT_EQ(CJson::parse(page.substr(begin, end - begin))["label"], "</script><!--\xE2\x80\xA8");
 }
 
-TEST(Assets, HaveTheHashThatAPolicyNames) {
-    // SHA-256 of nothing, in Base64 as other programs print it.
+TEST(Assets, HaveTheHashForAContentSecurityPolicy) {
+    // The SHA-256 of nothing, in Base64 as other programs print it.
     const CAsset nothing = {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"};
     EXPECT_EQ(PolicyNameOf(nothing), "'sha256-47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU='");
     EXPECT_EQ(kDygraphsScript.text.find("sourceMappingURL"), std::string_view::npos);
@@ -68,7 +68,7 @@ std::string StepsOf(const CTrace& trace) {
     return text.str();
 }
 
-TEST(Trace, KeepsEachPeakWhileStepsBecomeLonger) {
+TEST(Trace, KeepsEachPeakWhenStepsBecomeLonger) {
     CTrace trace(4, 0, {});
     trace.Add(100, 10, std::array<std::uint16_t, 3>{5, 9, 1});
     EXPECT_EQ(StepsOf(trace), "5..5 9..9 1..1 ");
@@ -78,7 +78,7 @@ TEST(Trace, KeepsEachPeakWhileStepsBecomeLonger) {
     EXPECT_EQ(trace.StepTime(), 20);
 }
 
-TEST(Trace, HasGapsWhereThereAreNoSamplesAndIgnoresWhatComesTooEarly) {
+TEST(Trace, HasGapsWithoutSamplesAndIgnoresSamplesThatAreTooEarly) {
     CTrace trace(8, 0, {});
     trace.Add(0, 10, std::array<std::uint16_t, 1>{5});
     trace.Add(30, 10, std::array<std::uint16_t, 1>{6});
@@ -87,7 +87,7 @@ TEST(Trace, HasGapsWhereThereAreNoSamplesAndIgnoresWhatComesTooEarly) {
     EXPECT_EQ(StepsOf(trace), "5..5 - - 6..6 ");
 }
 
-TEST(Trace, StaysSmallWhateverTheTimesAre) {
+TEST(Trace, StaysSmallForAnyTimes) {
     constexpr std::int64_t kFirst = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
     CTrace trace(8, kLast, {});
@@ -98,14 +98,14 @@ TEST(Trace, StaysSmallWhateverTheTimesAre) {
     EXPECT_EQ(trace.Steps().back().greatest, 3);
 }
 
-/// Returns the level of the packed number at a place.
+/// Returns the level of the packed number at an index.
 int LevelAt(const CJson& packed, std::size_t place) {
     const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     const std::string text = packed["d"];
     return static_cast<int>(64 * alphabet.find(text[2 * place]) + alphabet.find(text[2 * place + 1]));
 }
 
-TEST(Packed, HoldsACurveFromItsLeastToItsGreatestNumber) {
+TEST(Packed, HasACurveScaledFromItsLeastToItsGreatestNumber) {
     const CJson packed = PackedCurve(std::array{-1.0, kNaN, 3.0, 1.0});
     EXPECT_EQ(packed["lo"], -1.0);
     EXPECT_EQ(packed["hi"], 3.0);
@@ -227,13 +227,13 @@ TEST_F(PlateValues, ArrangesWellsByTheirLabelsWithoutSettings) {
     EXPECT_EQ(values.columnLabels, (std::vector<std::string>{"1", "2", "3"}));
     EXPECT_EQ(values.WellAt(0, 0), 0U);
     EXPECT_EQ(values.WellAt(1, 2), 1U);
-    EXPECT_EQ(values.wells[1].id, 1);  // the second well with this label has no place
+    EXPECT_EQ(values.wells[1].id, 1);  // a second well with this label isn't shown on the plate
     EXPECT_EQ(values.WellAt(0, 1), std::nullopt);
     EXPECT_EQ(values.wells.size(), 5U);
     EXPECT_FALSE(values.wells[2].row.has_value());
 }
 
-TEST_F(PlateValues, ComputesMeansOfWhatWasMeasuredAndTakesTheOthersFromTheFile) {
+TEST_F(PlateValues, ComputesMeansOfMeasuredValuesAndReadsNormalizedOnesFromTheFile) {
     Make({"A1", "A2", "A3"});
     CResultsRecording& control = results.Tasks.at(enTask::Series).Recordings.front();
     control.Wells.at(2).SetResults(enResponseType::QTInterval, enValueType::Plain, kNaN);
@@ -247,14 +247,14 @@ TEST_F(PlateValues, ComputesMeansOfWhatWasMeasuredAndTakesTheOthersFromTheFile) 
     EXPECT_EQ(normalised.means[1]->wells, 7U);
     const CMeasure& measured = values.measures[1];
     EXPECT_EQ(measured.unit, "ticks");
-    EXPECT_EQ(measured.means[0]->mean, 2.0);  // of 1 and 3, without the one that is no number
+    EXPECT_EQ(measured.means[0]->mean, 2.0);  // of 1 and 3; nan is ignored
     EXPECT_DOUBLE_EQ(measured.means[0]->deviation, std::sqrt(2.0));
     EXPECT_EQ(measured.means[0]->wells, 2U);
     EXPECT_EQ(measured.least, 1.0);
     EXPECT_EQ(measured.greatest, 6.0);
 }
 
-TEST_F(PlateValues, NamesAnyDoseAndTheTaskOnlyIfThereAreSeveral) {
+TEST_F(PlateValues, NamesDosesOfAnySizeAndTheTaskOnlyIfThereAreSeveral) {
     Make({"A1"}, {0, 10'000, std::numeric_limits<std::uint64_t>::max()});
     const CPlateValues values = Values();
     EXPECT_EQ(values.recordings[0].name, "Control");
@@ -288,7 +288,7 @@ class ReportCommand : public testing::Test {
     void SetUp() override { fs::remove(page); }
     void TearDown() override { fs::remove(page); }
 
-    /// Tests run at the same time, so each has files of its own.
+    /// Returns a path for this test only, since tests run in parallel.
     static std::string Own(const std::string& extension) {
         const char* const test = testing::UnitTest::GetInstance()->current_test_info()->name();
         return (fs::temp_directory_path() / ("vxfile_report_" + std::string(test) + extension)).string();
@@ -371,7 +371,7 @@ TEST_F(FolderReport, MakesOnlyPagesThatAreMissingOrWhoseFilesHaveChanged) {
     EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("<td>C2</td>"), std::string::npos);
 }
 
-TEST_F(FolderReport, ReplacesNoForeignPageAndGoesOn) {
+TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {
     fs::create_directories(Path("pages"));
     std::ofstream(Path("pages/a.html")) << "mine";
     const CToolRun run = Run();

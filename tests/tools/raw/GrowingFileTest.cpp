@@ -30,7 +30,7 @@ using EState = CGrowingFile::EState;
 
 class GrowingFile : public testing::Test {
  protected:
-    /// Gives the file this content, as a writer that replaces it does, and looks at it once.
+    /// Rewrites the file with this content and looks at it once.
     EState LookAt(CGrowingFile& file, const std::string& bytes) {
         WriteAll(m_path, bytes);
         return file.State(file.Look());
@@ -43,7 +43,7 @@ class GrowingFile : public testing::Test {
 const std::string kRunning = FileOf({{{11, 0, {1, 2}}}, {{12, 0, {3, 4, 5}}}}, false);
 const std::string kFinished = FileOf({{{11, 0, {1, 2}}}, {{12, 0, {3, 4, 5}}}});
 
-/// Returns the findings that say more than that the file is still being written.
+/// Returns the findings other than that the file is still being written.
 std::vector<std::string> DamageIn(const CFindings& findings) {
     std::vector<std::string> damage;
     for (const auto& finding : findings.Kept()) {
@@ -54,8 +54,8 @@ std::vector<std::string> DamageIn(const CFindings& findings) {
     return damage;
 }
 
-/// Returns why the samples of a file that is being written can't be had, or are doubted, other than that it has no
-/// finished recording yet.
+/// Returns why the samples of a file that is being written can't be read or are in doubt, except if it has no finished
+/// recording yet.
 std::string DamageOfSamples(const std::string& path) {
     std::string doubts;
     const std::string failure = FailureOf([&] {
@@ -70,7 +70,7 @@ std::string DamageOfSamples(const std::string& path) {
 
 }  // namespace
 
-TEST_F(GrowingFile, TakesEveryPrefixOfARecordingAndThenItsEnd) {
+TEST_F(GrowingFile, FollowsARecordingByteByByteToItsEnd) {
     constexpr std::size_t kSecondHdrEnd = 3954 + 2460;
     const std::string first = WithCell(WithCell(kRunning, "FPosRecordingData", "-1"), "FPosNextRecordingHdr", "-1");
     WriteAll(m_path, "");
@@ -107,13 +107,13 @@ TEST_F(GrowingFile, HasNewsOnlyWhenSomethingIsComplete) {
     EXPECT_EQ(file.Latest()->segments, 1U);
 }
 
-TEST_F(GrowingFile, IsDamagedIfItIsClosedAndPositionsDoNotLeadToEverything) {
+TEST_F(GrowingFile, IsDamagedIfItIsClosedAndPositionsDoNotReachEverything) {
     WriteAll(m_path, WithCell(kFinished, "FPosNextRecordingHdr", "-1"));
     CGrowingFile file(m_path);
     EXPECT_EQ(file.State(file.Look()), EState::Damaged);
 }
 
-TEST_F(GrowingFile, IsFollowedAnewWhenAnotherTakesItsPlace) {
+TEST_F(GrowingFile, IsFollowedFromTheBeginningIfItIsReplaced) {
     const std::string larger = FileOf({{{11, 0, {9, 9, 9}}, {12, 0, {8}}}, {{12, 0, {3, 4, 5}}, {12, 300, {1}}}});
     for (const std::string& other : {larger, FileOf({{{11, 0, {1}}}}), SmallFileBytes()}) {
         WriteAll(m_path, kRunning);
@@ -124,7 +124,7 @@ TEST_F(GrowingFile, IsFollowedAnewWhenAnotherTakesItsPlace) {
     }
 }
 
-TEST_F(GrowingFile, IsFollowedAnewWhileTheOtherIsStillWritten) {
+TEST_F(GrowingFile, IsFollowedFromTheBeginningIfTheReplacementIsStillBeingWritten) {
     WriteAll(m_path, kRunning);
     CGrowingFile file(m_path);
     EXPECT_EQ(file.State(file.Look()), EState::Running);
@@ -135,7 +135,7 @@ TEST_F(GrowingFile, IsFollowedAnewWhileTheOtherIsStillWritten) {
     EXPECT_EQ(file.Latest()->samples, 5000U);
 }
 
-TEST_F(GrowingFile, IsWaitedForBeforeItExistsAndAfterItIsDeleted) {
+TEST_F(GrowingFile, IsAwaitedBeforeItExistsAndAfterItIsDeleted) {
     CGrowingFile file(m_path);
     EXPECT_FALSE(file.IsThere());
     EXPECT_EQ(file.State(file.Look()), EState::Running);
@@ -154,7 +154,7 @@ TEST_F(GrowingFile, MustBeARawDataFile) {
     EXPECT_NE(FailureOf([&] { static_cast<void>(file.Look()); }), "");
 }
 
-TEST_F(GrowingFile, EndsWhereItEndedWhenItWasOpenedForAScan) {
+TEST_F(GrowingFile, EndsForAScanWhereItEndedWhenItWasOpened) {
     WriteAll(m_path, kRunning.substr(0, kRunning.size() - 306));
     const CRawScan scan(m_path);
     EXPECT_FALSE(scan.IsGrowing());
@@ -171,7 +171,7 @@ TEST_F(GrowingFile, EndsWhereItEndedWhenItWasOpenedForAScan) {
     EXPECT_TRUE(beyond.Break());
 }
 
-TEST_F(GrowingFile, IsNeverDamagedInTheEyesOfVerifyInfoAndSamples) {
+TEST_F(GrowingFile, IsNeverReportedAsDamagedByVerifyInfoAndSamples) {
     std::atomic<bool> isDone = false;
     std::thread writing([&] {
         CVXFileIO io;

@@ -15,7 +15,7 @@ namespace {
 
 class RawDiff : public testing::Test {
  protected:
-    /// Returns "where: left | right" of each difference, or the sentence of the failure.
+    /// Returns "where: left | right" for each difference, or the message of the failure.
     std::vector<std::string> Differing(const std::string& left, const std::string& right) {
         WriteAll(m_left, left);
         WriteAll(m_right, right);
@@ -38,7 +38,7 @@ class RawDiff : public testing::Test {
 }  // namespace
 
 TEST_F(RawDiff, FindsTheSampleThatDiffersWhereverItIsInALongSegment) {
-    constexpr std::size_t kBlock = std::size_t{1} << 19;  // samples that are compared at once
+    constexpr std::size_t kBlock = std::size_t{1} << 19;  // samples per comparison
     const std::vector<std::uint16_t> samples(3 * kBlock + 5, 300);
     const std::string left = FileOf({{{11, 0, samples}}});
     for (const std::size_t at :
@@ -80,7 +80,7 @@ TEST_F(RawDiff, ComparesWellTimesAndSizeOfEachSegment) {
     }
 }
 
-TEST_F(RawDiff, NamesFiveSegmentsOfARecordingAndThenGoesOnToTheNext) {
+TEST_F(RawDiff, NamesFiveSegmentsOfARecordingAndContinuesWithTheNext) {
     const auto recording = [](int count, std::uint16_t sample) {
         CSegmentTexts segments;
         for (int i = 0; i < count; ++i)
@@ -96,14 +96,14 @@ TEST_F(RawDiff, NamesFiveSegmentsOfARecordingAndThenGoesOnToTheNext) {
     EXPECT_TRUE(lines[6].ends_with(": 1 | 3")) << lines[6];
 }
 
-TEST_F(RawDiff, DoesNotCompareWherePositionsLeadButWhatTheyLeadTo) {
+TEST_F(RawDiff, ComparesWhatPositionsPointAtInsteadOfPositions) {
     const std::string file = FileOf({{{11, 0, {1}}}, {{12, 0, {2}}}});
     EXPECT_EQ(Differing(file, file), std::vector<std::string>());
     const auto lines = Differing(file, FileOf({{{11, 0, {1}}}, {{12, 0, {2}}}}, false));
     EXPECT_EQ(lines, std::vector<std::string>{"recording 2 > state: finished | not finished"});
 }
 
-TEST_F(RawDiff, RefusesSegmentsThatOverlapInsteadOfReadingThemAgainAndAgain) {
+TEST_F(RawDiff, RefusesOverlappingSegments) {
     CSegmentTexts segments(2000, {11, 0, {1}});
     std::string bytes = FileOf({segments});
     for (std::size_t at = bytes.find("Size=1"); at != std::string::npos; at = bytes.find("Size=1", at + 1))
@@ -112,7 +112,7 @@ TEST_F(RawDiff, RefusesSegmentsThatOverlapInsteadOfReadingThemAgainAndAgain) {
     EXPECT_EQ(lines, std::vector<std::string>{"Segments share bytes or chains; run 'vxfile verify' to see where."});
 }
 
-TEST_F(RawDiff, SaysWhatNoPositionLeadsToUnlessItIsTheSame) {
+TEST_F(RawDiff, ReportsBytesThatNoPositionPointsAtUnlessTheyAreEqual) {
     const std::string file = FileOf({{{11, 0, {1}}}});
     EXPECT_EQ(Differing(file + "tail", file + "tail"), std::vector<std::string>());
     EXPECT_EQ(m_omission, "");

@@ -42,7 +42,7 @@ class RawFindings : public testing::Test {
 
 }  // namespace
 
-TEST_F(RawFindings, NameCellAndOffsetOfWhatIsWrong) {
+TEST_F(RawFindings, NameCellAndOffsetOfTheFault) {
     EXPECT_EQ(Verified(kTwo).Count(), 0U);
     struct CCase {
         const char* key;
@@ -78,12 +78,12 @@ TEST_F(RawFindings, NameCellAndOffsetOfWhatIsWrong) {
             all += finding.where + " (" + std::to_string(finding.offset) + "): " + finding.found + '\n';
             isFound = isFound || (finding.where == c.where && finding.offset == c.offset && finding.found == c.found);
         }
-        EXPECT_TRUE(isFound) << c.key << '=' << c.value << " gives\n" << all;
+        EXPECT_TRUE(isFound) << c.key << '=' << c.value << " is reported as\n" << all;
         EXPECT_EQ(findings.Status(), c.status) << c.key << '=' << c.value;
     }
 }
 
-TEST_F(RawFindings, CountWhatAnUnfinishedRecordingHasSoFar) {
+TEST_F(RawFindings, CountTheContentsOfAnUnfinishedRecording) {
     const CFindings findings = Verified(FileOf({{{11, 0, {1, 2}}, {12, 0, {3}}, {11, 200, {4}}}}, false));
     ASSERT_EQ(findings.Count(), 1U);
     EXPECT_EQ(findings.Kept()[0].offset, 1340);
@@ -130,7 +130,7 @@ TEST_F(RawFindings, OfInfoCountSegmentsSamplesAndWells) {
     EXPECT_EQ(json["recordings"][1]["samples"], 1);
 }
 
-TEST_F(RawFindings, OfInfoSeeACutWhereverItIs) {
+TEST_F(RawFindings, OfInfoIncludeACutAtAnyOffset) {
     EXPECT_FALSE(Told(kTwo).IsDamaged());
     for (const std::size_t size : {kTwo.size() - 1, kTwo.size() - 2, kLast + 1, kSecond + 2000, kSecond, kSecond - 1,
                                    kSegment12, kFirst + 1, kFirst, kFirst - 1, std::size_t{40}})
@@ -140,14 +140,14 @@ TEST_F(RawFindings, OfInfoSeeACutWhereverItIs) {
     EXPECT_EQ(json["recordings"][1]["segmentsDamaged"], true);
 }
 
-TEST_F(RawFindings, OfInfoTakeAnUnfinishedRecordingForUndamaged) {
+TEST_F(RawFindings, OfInfoDoNotIncludeAnUnfinishedRecording) {
     CPage page = Told(FileOf({{{11, 0, {1, 2}}, {12, 0, {3}}}}, false));
     EXPECT_FALSE(page.IsDamaged());
     EXPECT_EQ(page.Json()["lastFinished"], false);
     EXPECT_EQ(page.Json()["recordings"][0]["samples"], 3);
 }
 
-// Segment 11 has its samples at 3950; the second page of the file begins among them.
+// The samples of segment 11 begin at 3950; the second page of the file begins among them.
 TEST_F(RawFindings, PagesOfZerosAmongSamplesAreReported) {
     const std::string file = FileOf({{{11, 0, std::vector<std::uint16_t>(5000, 7)}, {12, 0, {1, 2}}}});
     EXPECT_EQ(Verified(file).Count(), 0U);
@@ -162,7 +162,7 @@ TEST_F(RawFindings, PagesOfZerosAmongSamplesAreReported) {
     EXPECT_EQ(Verified(lost).Count(), 0U) << "the signal was at 0 before";
 }
 
-// The header of segment 12 ends two bytes after the page begins, or the page takes its size as well.
+// The header of segment 12 ends two bytes after the page begins, or its `Size` is also on the page.
 TEST_F(RawFindings, APageOfZerosThatBeginsInAHeaderIsReported) {
     for (const std::size_t end : {std::size_t{8194}, std::size_t{8252}}) {
         const std::vector<std::uint16_t> before((end - 4250) / 2, 7);

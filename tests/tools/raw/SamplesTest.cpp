@@ -21,13 +21,13 @@ namespace {
 constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
 constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
 
-/// Wells 11 and 12 in two recordings; each sample has a value of its own.
+/// Wells 11 and 12 in two recordings. All samples are different.
 const std::string kFile = FileOf(
     {{{11, 0, {1, 2, 3, 4}}, {12, 0, {5, 6, 7, 8}}, {11, 400, {9, 10}}}, {{12, 1000, {20, 21, 22}}, {11, 1000, {30}}}});
 
 class Samples : public testing::Test {
  protected:
-    /// Writes the samples in a form, as the command does. Returns what it wrote, or the sentence of the failure.
+    /// Writes the samples in a form, as the command does. Returns the output, or the message of the failure.
     std::string Written(const std::string& bytes, const CSampleChoice& choice, CSampleForm form = {}) {
         WriteAll(m_path, bytes);
         form.target.source = m_path;
@@ -152,7 +152,7 @@ TEST_F(Samples, InUnitsAreRefusedWithoutTheZeroOfTheirWell) {
     EXPECT_NE(Written(bytes, {}, {.units = true}).find("lacks UnitsPerAD or ADZero of well 12"), std::string::npos);
 }
 
-TEST(FileWindow, HasWhatIsAskedForAcrossTheEndOfWhatWasRead) {
+TEST(FileWindow, ReturnsBytesAcrossTheEndOfABlock) {
     const CTempFolder folder;
     std::string bytes(3 * CFileWindow::kRoom, 'x');
     WriteAll(folder.Path("file"), bytes.replace(CFileWindow::kRoom - 3, 6, "across"));
@@ -161,7 +161,7 @@ TEST(FileWindow, HasWhatIsAskedForAcrossTheEndOfWhatWasRead) {
     CFileWindow window(file);
     EXPECT_EQ(window.BytesAt(0, 1, CFileWindow::kRoom).size(), CFileWindow::kRoom);
     EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 3, 6, 6).starts_with("across"));
-    EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 4, 7, 7).starts_with("xacross")) << "back again";
+    EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 4, 7, 7).starts_with("xacross")) << "going backwards";
 }
 
 TEST_F(Samples, AreSeparatedByTabsAndQuotedWhereTheTaskNeedsIt) {
@@ -177,7 +177,7 @@ TEST_F(Samples, AreSeparatedByTabsAndQuotedWhereTheTaskNeedsIt) {
     EXPECT_EQ(line("a\"b", Csv), "\"a\"\"b\",1,11,0,1\n");
 }
 
-TEST_F(Samples, NeverMakeAFormulaOfATask) {
+TEST_F(Samples, NeverHaveATaskThatIsAFormula) {
     for (const std::string task : {"+1", "-1", "@SUM(A1)"}) {
         const std::string text = Written(WithCell(FileOf({{{11, 0, {1}}}}), "TaskName", task), {});
         EXPECT_EQ(text, "task,recording,well,time,sample\n'" + task + ",1,11,0,1\n");
@@ -193,7 +193,7 @@ TEST_F(Samples, OfAWellWithoutAnIntervalHaveTheTimesOfTheirSegmentsAndADoubt) {
     EXPECT_EQ(m_doubts, std::vector<std::string>());
 }
 
-TEST_F(Samples, BeforeTheFirstRecordingThatAPositionLeadsToAreADoubt) {
+TEST_F(Samples, BeforeTheFirstReachableRecordingAreInDoubt) {
     const std::size_t second = kFile.find("TaskName=", 1190 + 2460);
     EXPECT_EQ(Chosen({}, WithCell(kFile, "FPosFirstRecordingHdr", std::to_string(second))),
               "1000=20 1100=21 1200=22 1000=30 ");
@@ -202,7 +202,7 @@ TEST_F(Samples, BeforeTheFirstRecordingThatAPositionLeadsToAreADoubt) {
         << m_doubts[0];
 }
 
-TEST_F(Samples, AreRefusedWhereOneRecordingLeadsIntoAnother) {
+TEST_F(Samples, AreRefusedIfAChainContinuesInAnotherRecording) {
     const std::size_t second = kFile.find("TaskName=", 1190 + 2460);
     const std::size_t last = kFile.rfind("Type=Well", second);
     for (const std::size_t into : {second + 2460, kFile.rfind("Type=Well")}) {

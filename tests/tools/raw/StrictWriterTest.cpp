@@ -15,10 +15,10 @@ namespace {
 
 using std::string_literals::operator""s;
 
-/// Whether `vxfile verify` can see a mistake in the file that comes out of it.
+/// Whether `vxfile verify` can find a mistake in the resulting file.
 enum class ETrace { Visible, None };
 
-/// A mistake in a header: what it changes in a good one, and how its refusal begins.
+/// A mistake in a header: a change to a valid one, and the beginning of the refusal.
 template <class Header>
 struct CHeaderMistake {
     std::function<void(Header&)> make;
@@ -26,7 +26,7 @@ struct CHeaderMistake {
     ETrace trace = ETrace::Visible;
 };
 
-/// A mistake in a call while the first segment of well 11, from 0 to 300, is the last one in the file.
+/// A mistake in a call. The last segment in the file is that of well 11 from 0 to 300.
 struct CCallMistake {
     std::function<void(CIRawDataWriter&)> make;
     std::string refusal;
@@ -113,7 +113,7 @@ class StrictWriterTest : public testing::Test {
         EXPECT_EQ(m_writer.GetWriteError(), "");
     }
 
-    /// Writes a file, in which everything else is right, and has it verified.
+    /// Writes a file that is otherwise correct, and verifies it.
     std::size_t FindingsAfter(const CRawDataFileHdr& file, const CRawDataRecordingHdr& recording,
                               const std::function<void(CIRawDataWriter&)>& call) {
         m_writer.Open(m_path);
@@ -136,7 +136,7 @@ class StrictWriterTest : public testing::Test {
 
 }  // namespace
 
-// After all these refusals the file is the one of the other tests.
+// In spite of the refusals, the file is the same as in the other tests.
 TEST_F(StrictWriterTest, RefusesEachMistakeAndWritesTheSameBytesAsBefore) {
     m_writer.SetStrict(true);
     m_writer.Open(m_path);
@@ -166,7 +166,7 @@ TEST_F(StrictWriterTest, RefusesEachMistakeAndWritesTheSameBytesAsBefore) {
     EXPECT_EQ(VerifiedCount(), 0U);
 }
 
-TEST_F(StrictWriterTest, WhatAnotherWriterLeavesAfterSuchAMistakeIsReportedByVerify) {
+TEST_F(StrictWriterTest, VerifyReportsTheSameMistakesOfLenientWriters) {
     const auto none = [](CIRawDataWriter& /*writer*/) {};
     ASSERT_EQ(FindingsAfter(ExampleFileHdr(), ExampleRecordingHdr(), none), 0U);
     for (const auto& mistake : kFileMistakes) {
@@ -186,7 +186,7 @@ TEST_F(StrictWriterTest, WhatAnotherWriterLeavesAfterSuchAMistakeIsReportedByVer
     }
 }
 
-TEST_F(StrictWriterTest, JudgesEachWellAndEachRecordingByItself) {
+TEST_F(StrictWriterTest, JudgesEachWellAndEachRecordingSeparately) {
     m_writer.SetStrict(true);
     m_writer.Open(m_path);
     m_writer.WriteFileHdr(ExampleFileHdr());
@@ -199,14 +199,14 @@ TEST_F(StrictWriterTest, JudgesEachWellAndEachRecordingByItself) {
         Write(m_writer, 12, 0, 20, 7);
         Write(m_writer, -4, -900, -800, 100);
         Write(m_writer, 12, 21, 21, 7);
-        Write(m_writer, 11, 400, 400, 100);  // after a gap is as good as right after
+        Write(m_writer, 11, 400, 400, 100);  // continues without a gap
         Write(m_writer, 12, 900, 907, 7);
     }
     m_writer.Close();
     EXPECT_EQ(VerifiedCount(), 0U);
 }
 
-TEST_F(StrictWriterTest, CanBecomeStrictWithinARecordingAndLenientAgain) {
+TEST_F(StrictWriterTest, CanSwitchStrictnessWithinARecording) {
     m_writer.Open(m_path);
     m_writer.WriteFileHdr(ExampleFileHdr());
     m_writer.WriteRecordingHdr(ExampleRecordingHdr());
@@ -220,8 +220,8 @@ TEST_F(StrictWriterTest, CanBecomeStrictWithinARecordingAndLenientAgain) {
     EXPECT_EQ(VerifiedCount(), 1U);
 }
 
-// Rooms are those of docs/raw-data-file.md: the width less 3, the key and its `=`.
-TEST_F(StrictWriterTest, SaysWhatAValueNeedsThatDoesNotFit) {
+// The room in each cell is that of docs/raw-data-file.md: the width minus 3, the key and its `=`.
+TEST_F(StrictWriterTest, ReportsTheSizeOfAValueThatDoesNotFit) {
     m_writer.SetStrict(true);
     m_writer.Open(m_path);
     const std::string beyond = "Value does not fit its cell: ";

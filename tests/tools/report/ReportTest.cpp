@@ -69,12 +69,12 @@ TEST(Findings, AreAllCountedAndTheFirstThousandKept) {
     EXPECT_EQ(differences.Kept().back().where, "999");
 }
 
-TEST(Differences, NameEachPlaceThatOneOrBothHave) {
+TEST(Differences, NameEachPlaceThatDiffers) {
     EXPECT_EQ(Differing({{"a", "1"}, {"b", "2"}}, {{"b", "2"}, {"a", "1"}}), "");
     EXPECT_EQ(Differing({{"a", "1"}, {"b", "2"}}, {{"b", "3"}, {"c", "4"}}), "a:1| b:2|3 c:|4 ");
 }
 
-TEST(Differences, KeepTheFirstThingThatWasLeftOut) {
+TEST(Differences, KeepTheFirstOmission) {
     CDifferences differences;
     EXPECT_EQ(differences.Omission(), "");
     differences.Omit("first");
@@ -119,7 +119,7 @@ TEST(Page, SaysDamageToPeopleAndPrograms) {
     EXPECT_EQ(page.Json()["damage"], "Cut.");
 }
 
-TEST(Complaint, IsTheSentenceOfWhateverEndedTheWork) {
+TEST(Complaint, IsTheMessageOfAnyFailure) {
     EXPECT_EQ(FailureOf([] {}), "");
     EXPECT_EQ(FailureOf([] { throw CFailure("Own."); }), "Own.");
     EXPECT_EQ(FailureOf([] { throw CExcVXReader(-1, "Library."); }), "Library.");

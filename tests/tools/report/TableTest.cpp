@@ -30,7 +30,7 @@ const CRow kMissing(5);
 CRow WithName(std::string_view name) { return {name, {}, {}, {}, {}}; }
 CRow WithValue(double value) { return {{}, {}, {}, value, {}}; }
 
-/// Returns the bytes of a table with these rows, or the sentence that refuses it.
+/// Returns the bytes of a table with these rows, or the message of the failure.
 std::string Written(ETableForm form, const std::vector<CRow>& rows) {
     const CTempFolder folder;
     const std::string path = folder.Path("out");
@@ -107,7 +107,7 @@ TEST(Table, KeepsATextInItsField) {
               "An array has 4 bytes for a name, too few for \"12345\"; choose --csv, --tsv or --jsonl.");
 }
 
-TEST(Table, TakesNoValueOfAnotherType) {
+TEST(Table, RefusesValuesOfAnotherType) {
     EXPECT_THROW(
         {
             const CTempFolder folder;

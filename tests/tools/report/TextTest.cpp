@@ -16,7 +16,7 @@ using CCases = std::vector<std::pair<Input, std::string>>;
 
 }  // namespace
 
-TEST(Text, QuotesWhatCannotBePrintedAndCutsAtSixtyBytes) {
+TEST(Text, QuotesUnprintableBytesAndCutsAtSixtyBytes) {
     const std::string sixty(60, 'x');
     for (const auto& [bytes, quoted] : CCases<std::string>{{"", R"("")"},
                                                            {"plain", R"("plain")"},
@@ -68,7 +68,7 @@ TEST(Text, CountsInSingularAndPlural) {
         EXPECT_EQ(Counted(count, "byte"), text);
 }
 
-TEST(Text, GivesSizesInTheLargestUnitBelowThem) {
+TEST(Text, FormatsSizesInTheLargestUnitBelowThem) {
     for (const auto& [size, text] : CCases<std::int64_t>{{0, "0 bytes"},
                                                          {1023, "1023 bytes"},
                                                          {1024, "1.0 KiB"},
@@ -80,7 +80,7 @@ TEST(Text, GivesSizesInTheLargestUnitBelowThem) {
         EXPECT_EQ(SizeText(size), text);
 }
 
-TEST(Text, GivesDosesInTheLargestUnitThatTakesThemWhole) {
+TEST(Text, FormatsDosesInTheLargestUnitWithoutDecimals) {
     for (const auto& [dose, text] : CCases<std::uint64_t>{{0, "0 pM"},
                                                           {999, "999 pM"},
                                                           {1000, "1 nM"},

@@ -37,7 +37,7 @@ class Commands : public testing::Test {
     std::string m_other = File("other.txt", "text");
 };
 
-/// A recording with this many segments of a well that it doesn't list, one finding each.
+/// Returns a recording with this many segments of an unlisted well, one finding each.
 std::string WithFindings(int count) {
     CSegmentTexts segments;
     for (int i = 0; i < count; ++i)
@@ -135,7 +135,7 @@ TEST_F(Commands, SamplesEndWithOneIfSomethingChosenIsMissing) {
     EXPECT_FALSE(std::filesystem::exists(m_folder.Path("c")));
 }
 
-TEST_F(Commands, SamplesOfALongSegmentHaveTheTimesThatFollow) {
+TEST_F(Commands, SamplesOfALongSegmentHaveConsecutiveTimes) {
     const std::string path = File("long.vxd", FileOf({{{11, 0, std::vector<std::uint16_t>(100'000, 7)}}}));
     EXPECT_EQ(RunTool({"samples", path, "-o", m_folder.Path("a")}).status, 0);
     EXPECT_TRUE(ReadAll(m_folder.Path("a")).ends_with(",9999800,7\nCompoundTest,1,11,9999900,7\n"));
@@ -153,7 +153,7 @@ TEST_F(Commands, WatchWaitsForAFileThatDoesNotExistYet) {
     EXPECT_EQ(run.err, "vxfile: " + m_folder.Path("new.vxd") + " doesn't exist yet; waiting for it.\n");
 }
 
-TEST(Idle, BeginsAnewWithEverythingNew) {
+TEST(Idle, RestartsWhenAnythingNewArrives) {
     const CIdle::CTime start{};
     const auto at = [&](int milliseconds) { return start + std::chrono::milliseconds(milliseconds); };
     CIdle idle(1, start);
@@ -165,7 +165,7 @@ TEST(Idle, BeginsAnewWithEverythingNew) {
     EXPECT_FALSE(never.IsOver(false, at(1000000000)));
 }
 
-TEST(CommandLine, NamesWhatWasMostLikelyMeant) {
+TEST(CommandLine, SuggestsTheMostSimilarWord) {
     const auto said = [](const std::string& word) { return RunTool({word}).err; };
     for (const auto& [word, meant] : std::vector<std::pair<std::string, std::string>>{
              {"inof", "info"}, {"VERIFY", "verify"}, {"sample", "samples"}, {"dif", "diff"}, {"help", "--help"}})
@@ -217,14 +217,14 @@ TEST(CommandLine, DescribesEveryCommandInHelpManualAndCompletion) {
         int next = 0;
         for (std::string line; std::getline(statuses, line);)
             next += line.starts_with("  " + std::to_string(next) + "  ") ? 1 : 0;
-        EXPECT_EQ(next, 3) << name << " must say what 0, 1 and 2 mean";
+        EXPECT_EQ(next, 3) << name << " must describe 0, 1 and 2";
         EXPECT_FALSE(text.purpose.ends_with("."));
         EXPECT_TRUE(text.details.ends_with(".")) << name;
         EXPECT_TRUE(text.example.starts_with("vxfile " + name)) << name;
     }
 }
 
-TEST(FileKind, IsThatOfTheFirstBytes) {
+TEST(FileKind, FollowsFromTheFirstBytes) {
     const CTempFolder folder;
     const std::string path = folder.Path("file");
     struct CCase {
@@ -253,7 +253,7 @@ TEST(FileKind, IsThatOfTheFirstBytes) {
     EXPECT_NE(FailureOf([&] { static_cast<void>(FileKindOf(folder.Path("missing"))); }), "");
 }
 
-TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
+TEST(FolderWalk, FindsFilesByExtensionOrContentSortedByName) {
     const CTempFolder folder;
     std::filesystem::create_directories(folder.Path("b/c"));
     for (const std::string name : {"z.vxd", "b/c/A.XLS", "a.VXR", "notes.txt"})
@@ -271,7 +271,7 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentInTheOrderOfTheirNames) {
     EXPECT_EQ(content.passedOver, hasNoLinks ? 1U : 2U) << "the text, and the link";
 }
 
-TEST_F(Commands, PlanSaysWhetherARecordingFitsAndWhatWouldHelp) {
+TEST_F(Commands, PlanReportsWhetherARecordingFitsAndGivesAdvice) {
     const CWords plan = {"plan", "--wells", "54", "--ad-zero", "7", "--units", "0.000305176", "--tick", "10"};
     const CToolRun small = RunTool(plan);
     EXPECT_EQ(small.status, 1);
@@ -298,7 +298,7 @@ TEST_F(Commands, PlanSaysWhetherARecordingFitsAndWhatWouldHelp) {
         EXPECT_EQ(RunTool(wrong).status, 2) << wrong.back();
 }
 
-TEST_F(Commands, PlanAdvisesOnlyWhatCanBeDone) {
+TEST_F(Commands, PlanGivesOnlyPossibleAdvice) {
     const auto plan = [](const char* wells, const char* tick) {
         return RunTool({"plan", "--wells", wells, "--ad-zero", "0", "--units", "1", "--tick", tick});
     };
@@ -314,7 +314,7 @@ TEST_F(Commands, PlanAdvisesOnlyWhatCanBeDone) {
     EXPECT_FALSE(Has(refused.out, "What would help")) << refused.out;
 }
 
-TEST_F(Commands, EveryOptionForNumbersSaysWhatItTakes) {
+TEST_F(Commands, EveryNumericOptionDescribesItsRange) {
     for (const auto& command : MakeCommands()) {
         for (const auto& option : command->Options()) {
             const bool isNumber = std::holds_alternative<std::int64_t*>(option.target) ||

@@ -9,7 +9,7 @@
 
 using namespace vxfile;
 
-TEST(InOrder, TakesResultsInOrderWhateverEachTakes) {
+TEST(InOrder, DeliversResultsInOrderForAnyDurations) {
     for (const std::size_t threads : {1U, 2U, 9U}) {
         std::vector<std::size_t> taken;
         const auto work = [](std::size_t i) {
