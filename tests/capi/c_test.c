@@ -380,8 +380,9 @@ static void read_results(void) {
     WORKS(vx_document_get_name(results, "Tasks/Analyze/Recordings/0/Wells", 1, text, &size));
     EXPECT(count == 3 && strcmp(text, "64") == 0);
     EXPECT(vx_document_get_double(results, "Tasks/Analyze/Recordings/9", &value) == VX_ERROR_NOT_FOUND);
-    EXPECT(strcmp(error_of(results), "\"Tasks/Analyze/Recordings/9\" has nothing of the name \"9\" after "
-                                     "\"Tasks/Analyze/Recordings/\".") == 0);
+    EXPECT(strcmp(error_of(results),
+                  "\"Tasks/Analyze/Recordings/9\" has nothing of the name \"9\" after "
+                  "\"Tasks/Analyze/Recordings/\".") == 0);
     EXPECT(vx_document_get_int64(results, "Tasks/Analyze/Recordings/0/Wells/64/FPfastMaxAmp", &count) == VX_ERROR_TYPE);
     WORKS(vx_document_save(results, own("same.vxr"), -1));
     EXPECT(same_files(own("same.vxr"), given("xml/results.vxr")));
@@ -410,7 +411,8 @@ static int64_t walk(vx_document* document, const char* path) {
 
 static void change_settings(void) {
     vx_document* settings = open_document(VX_SETTINGS, "xml/settings.vxs");
-    const char* const mark = "PropertyAnalyzer/AnalyzeSettings/Tasks/Series/Recordings/0/Wells/64/Responses/QT-Interval";
+    const char* const mark =
+        "PropertyAnalyzer/AnalyzeSettings/Tasks/Series/Recordings/0/Wells/64/Responses/QT-Interval";
     const char* const copy = own("settings.vxs");
     const int64_t doses[] = {10, 20, 30};
     int64_t count = 0;
