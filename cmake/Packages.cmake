@@ -1,4 +1,4 @@
-# Packages: three for Debian, or an archive for Windows. scripts/package makes and tries them.
+# Packages: five for Debian, or an archive for Windows. scripts/package makes and tries them.
 
 set(CPACK_PACKAGE_NAME vxfileio)
 set(CPACK_PACKAGE_CONTACT "VX-FileIO <vx-fileio@invalid>")
@@ -7,7 +7,7 @@ set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON) # tests and examples needn't be built to be left out
-set(CPACK_COMPONENTS_ALL library development tool)
+set(CPACK_COMPONENTS_ALL library development c_library c_development tool)
 
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
@@ -28,14 +28,23 @@ else()
   set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
   set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
       "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_C_LIBRARY_PACKAGE_NAME libvxfileio-c${PROJECT_VERSION_MAJOR})
+  set(CPACK_DEBIAN_C_LIBRARY_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_C_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/triggers)
+  set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_NAME libvxfileio-c-dev)
+  set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_SECTION libdevel)
+  set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_DEPENDS
+      "${CPACK_DEBIAN_C_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
   set(CPACK_DEBIAN_TOOL_PACKAGE_NAME vxfile)
   set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION science)
   set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The shared library.")
   set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, the static library, and files for CMake and pkg-config.")
+  set(CPACK_COMPONENT_C_LIBRARY_DESCRIPTION "The shared library with the C interface, for every other language.")
+  set(CPACK_COMPONENT_C_DEVELOPMENT_DESCRIPTION "The header of the C interface, and a file for pkg-config.")
   set(CPACK_COMPONENT_TOOL_DESCRIPTION "The program vxfile, which inspects, checks, compares and recovers the files.")
   # Installing and removing the library updates the loader's cache.
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
-  foreach(component IN ITEMS library development tool)
+  foreach(component IN ITEMS library development c_library c_development tool)
     string(TOUPPER ${component} name)
     install(FILES LICENSE RENAME copyright COMPONENT ${component}
             DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME})

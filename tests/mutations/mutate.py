@@ -27,6 +27,7 @@ PROGRAMS = {
     "settings": ["settings_test", "reference_test", "results_test", "forms"],
     "results": ["results_test", "reference_test", "forms"],
     "export": ["export_test", "results_test", "faults_test"],
+    "capi": ["c_interface"],
     "recovery": ["recover_test", "sessions", "faults_test"],
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog"],
 }
@@ -39,6 +40,8 @@ SCRIPTS = {
                            "tests/reference/several_recordings.txt", "tests/reference/small_example.vxd"]),
     "catalog": ("vxfile", ["tests/tools/catalog.py", "{}/bin/vxfile", "tests/reference"]),
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
+    "c_interface": ("capi_c_test", ["-c", "import subprocess, sys; sys.exit(subprocess.call(sys.argv[1:]))",
+                                    "{}/bin/capi_c_test", "tests/reference", "{}/tests/capi/capi_c_test"]),
     "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
 }
 
