@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
-set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON) # tests and examples needn't be built to be left out
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON) # packaging doesn't need to build tests and examples
 set(CPACK_COMPONENTS_ALL library development c_library c_development tool)
 
 if(WIN32)

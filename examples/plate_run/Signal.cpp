@@ -20,8 +20,8 @@ constexpr std::int64_t kHalfSignal = 1'000'000;
 constexpr std::int64_t kHalfDelay = 100'000;
 constexpr std::int64_t kMaxDelayPermille = 450;
 
-// The end of a beat, in samples since the beat, and the beginning of the next one, in samples ahead of it. What is in
-// between becomes shorter if the end becomes longer. If there is no room for that, the end becomes less long.
+// The end of a beat, in samples since the beat, and the beginning of the next one, in samples before it. The part
+// between them gets shorter as the end gets longer. If there is no room for that, the end is lengthened less.
 constexpr std::int64_t kEndBegins = 20;
 constexpr std::int64_t kEndEnds = 125;
 constexpr std::int64_t kNextBegins = 25;

@@ -16,15 +16,15 @@ struct CAsset {
 
 /// Draws zoomable charts.
 extern const CAsset kDygraphsScript;
-/// How these look.
+/// Its style sheet.
 extern const CAsset kDygraphsStyle;
-/// Under which terms dygraphs may be passed on: its licence goes into each page.
+/// The licence of dygraphs, which each page must include.
 extern const CAsset kDygraphsLicence;
-/// What the page does when somebody chooses something.
+/// The script that handles choices on the page.
 extern const CAsset kPageScript;
-/// What an index does when somebody searches or sorts.
+/// The script that searches and sorts an index.
 extern const CAsset kIndexScript;
-/// How the page looks.
+/// The style sheet of the page.
 extern const CAsset kPageStyle;
 
 /// Returns the name by which a content security policy allows a script, such as "'sha256-...'".

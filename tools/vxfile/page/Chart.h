@@ -17,7 +17,7 @@ struct CChartArea {
     static constexpr double kBottom = 328;
 };
 
-/// The axis of doses: logarithmic, with a place of its own for the control at the left.
+/// The axis of doses: logarithmic, with a separate place for the control at the left.
 class CDoseAxis {
  public:
     explicit CDoseAxis(const std::vector<CRecordingLine>& recordings);

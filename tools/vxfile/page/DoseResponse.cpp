@@ -123,7 +123,7 @@ class CDoseChart {
                                         PlaceText(CChartArea::kBottom));
     }
 
-    /// Neighbouring wells are drawn beside each other, so that equal values can be seen.
+    /// Dots of neighbouring wells are drawn side by side, so that equal values stay visible.
     void WriteDots() const {
         std::string dots;
         for (const std::size_t line : m_lines) {

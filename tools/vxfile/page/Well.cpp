@@ -12,7 +12,7 @@ namespace {
 
 using CTimes = std::vector<std::int64_t>;
 
-/// Returns the intervals between beats; nothing if a beat comes ahead of the one before.
+/// Returns the intervals between beats; nothing if a beat is earlier than the previous one.
 std::optional<std::vector<std::uint64_t>> IntervalsOf(const CTimes& beats) {
     std::vector<std::uint64_t> intervals;
     for (std::size_t i = 1; i < beats.size(); ++i) {
