@@ -26,8 +26,8 @@
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 /// @file
-/// Runs are recorded, and the files that a power cut during the run could leave are built and examined. To see that
-/// each flush is needed, each is also left out once: then some state must break the promise.
+/// Records runs, then builds and checks each file that a power cut during the run could leave. To show that every flush
+/// is needed, each is also left out in turn: some state must then break the promise.
 
 namespace {
 
@@ -36,13 +36,13 @@ using vxfileio::recovery::CReport;
 
 constexpr const char* kFlushes = "fdatasync fsync";
 
-/// What a run acknowledged, which is recorded between its system calls.
+/// The name of an acknowledgement, which is recorded between the system calls of a run.
 constexpr const char* kAcknowledged = "acknowledged";
 
-/// A run: its system calls, and the calls by which it acknowledged that something is on the disk.
+/// A run: its system calls, and its acknowledgements that something is on the disk.
 class CRun {
  public:
-    /// Records what `play` does. The flush of this number, from 1, is left out; 0 means none.
+    /// Records the calls of `play`, without flush number `leftOut`. Flushes are numbered from 1; 0 leaves none out.
     CRun(int leftOut, const std::function<void(CRun&)>& play) {
         RecordCalls(&m_calls);
         BeginCalls(leftOut, {.kind = CFault::enKind::Skipped, .calls = kFlushes});
@@ -56,11 +56,11 @@ class CRun {
 
     int Flushes() const { return m_flushes; }
 
-    /// Calls `check(state, acknowledged)` for the states that a power cut could leave of one file; no state means that
-    /// there is no file, and -1 that nothing was acknowledged. Of the states between two flushes, examines at most
-    /// `most`, each once. Returns what `check` said first, or an empty text.
+    /// Calls `check(state, acknowledged)` for the states in which a power cut could leave a file. `state` is null if
+    /// the file doesn't exist; `acknowledged` is -1 if nothing was acknowledged. Checks at most `most` states between
+    /// two flushes, each once. Returns the first complaint of `check`, or an empty text.
     ///
-    /// Until the next flush a state stays possible, so it's enough to look before each.
+    /// A state stays possible until the next flush, so it's enough to look before each flush.
     std::string Explore(CDisk disk, const std::string& path, std::size_t most,
                         const std::function<std::string(const std::string*, std::int64_t)>& check) {
         std::string broken;
@@ -114,7 +114,7 @@ struct CSegment {
     bool operator==(const CSegment&) const = default;
 };
 
-/// The plan of a raw data file: the numbers of samples, recording by recording, and after how many segments to flush.
+/// The plan of a raw data file: the number of samples in each segment of each recording, and how often to flush.
 struct CPlan {
     std::vector<std::vector<std::int64_t>> recordings;
     std::size_t flushEvery = 1;
@@ -143,7 +143,7 @@ void Write(const CPlan& plan, const std::string& path, CRun& run, CWritten& writ
     writer.WriteFileHdr(ExampleFileHdr());
     flush();
     std::int64_t end = 1190;
-    std::int64_t time = 0;  // goes on from recording to recording, so that each segment has times of its own
+    std::int64_t time = 0;  // isn't reset between recordings, so that no two segments have the same times
     for (std::int32_t recording = 0; const auto& counts : plan.recordings) {
         writer.WriteRecordingHdr(ExampleRecordingHdr("Series", ++recording));
         end += 2460;
@@ -165,7 +165,7 @@ void Write(const CPlan& plan, const std::string& path, CRun& run, CWritten& writ
     run.Acknowledge(kClosed);
 }
 
-/// Returns the segments of a sound file in which everything follows each other.
+/// Returns the segments of a sound file that has no gaps.
 std::vector<CSegment> SegmentsIn(std::string_view bytes) {
     using namespace vxfileio::rawdata;
     std::vector<CSegment> segments;
@@ -192,8 +192,9 @@ std::vector<CSegment> SegmentsIn(std::string_view bytes) {
     return segments;
 }
 
-/// Returns whether a recovered segment is one that was written up to an offset, or may be, with a doubt at its place.
-/// If its recording lost its header, it may be in one that is made up, or in another one with a doubt.
+/// Returns whether a recovered segment is the written one that ends at `end`, or may be and the report has a doubt at
+/// that place. If the header of its recording was lost, it may be in a made-up recording, or in another one with a
+/// doubt.
 bool Explains(const CSegment& written, std::int64_t end, const CSegment& recovered, const CReport& report) {
     if (written == recovered) return true;
     if (written.Times() != recovered.Times() && written.samples != recovered.samples) return false;
@@ -212,8 +213,8 @@ bool Explains(const CSegment& written, std::int64_t end, const CSegment& recover
             (std::ranges::any_of(report.recordings, isMadeUp) || std::ranges::any_of(report.doubts.first, isOther)));
 }
 
-/// Says how a state breaks the promise: it lacks a segment that was acknowledged, or something is recovered that was
-/// never written, without a doubt at its place.
+/// Returns how a state breaks the promise, or an empty text: an acknowledged segment is lost, or a segment that was
+/// never written is recovered without a doubt.
 std::string Broken(const CWritten& written, std::int64_t acknowledged, const std::string& state) {
     std::string saved;
     const CReport report = vxfileio::recovery::Recover(CStringInput(state), {}, [&](std::span<const std::byte> part) {
@@ -309,10 +310,10 @@ TEST(CrashStatesTest, WithoutAnyOneFlushRawDataIsLost) {
 
 constexpr const char* kOld = "what was there before";
 
-/// A way to replace files. `play` writes all of them in a folder, and returns whether they are acknowledged.
+/// A way to replace files. `play` writes all files in a folder, and returns whether that was acknowledged.
 struct CReplacing {
     std::string name;
-    std::vector<std::string> files;  ///< Those that are there before.
+    std::vector<std::string> files;  ///< The files that exist before.
     std::function<bool(const std::string& folder)> play;
 };
 
@@ -368,7 +369,7 @@ std::vector<CReplacing> Replacings() {
     return all;
 }
 
-/// Returns how a state breaks the promise that each file is the old or the new one, and the new one once acknowledged.
+/// Returns how a state breaks the promise: each file is the old or the new one, and once acknowledged the new one.
 std::string ExploreReplacing(const CReplacing& replacing, int leftOut, int& flushes) {
     const CTempFolder temp;
     const std::string folder = temp.Path("");
