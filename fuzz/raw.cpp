@@ -135,12 +135,15 @@ bool WriteContent(const std::string& path, const CContent& content) try {
     return false;
 }
 
-auto Values(const CRawDataFileHdr& h) {
-    return std::tie(h.HeaderID, h.FileType, h.ProgramVersion, h.FileVersion, h.Guid, h.PlateID, h.CompoundID,
-                    h.CompoundName, h.PreQC, h.CompoundTest, h.PostQC);
+/// The names here are all members of the class. One that is missing doesn't compile.
+auto Values(const CRawDataFileHdr& header) {
+    const auto& [id, first, type, program, version, guid, plate, compoundID, compound, pre, test, post, sum, reserved] =
+        header;
+    return std::tie(id, type, program, version, guid, plate, compoundID, compound, pre, test, post);
 }
-auto Values(const CRawDataRecordingHdr& h) {
-    return std::tie(h.TaskName, h.Recording, h.Dose, h.RecordingStartTime, h.RecordingTime);
+auto Values(const CRawDataRecordingHdr& header) {
+    const auto& [task, number, dose, data, trailer, next, start, length, wells, aux] = header;
+    return std::tie(task, number, dose, start, length);
 }
 auto Values(const CRawDataChannelInfo& c) { return std::tie(c.ID, c.ADZero, c.Ticks); }
 

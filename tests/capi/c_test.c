@@ -124,7 +124,7 @@ static void read_headers(void) {
     int64_t size = sizeof text, list[3], count = 3, index = -1;
     WORKS(vx_raw_open(&raw, given("several_recordings.vxd")));
     WORKS(vx_raw_get_info(raw, &info));
-    EXPECT(info.recordings > 2 && info.file_version == 3 && info.compound_id == -7);
+    EXPECT(info.recordings > 2 && info.file_version == 2 && info.compound_id == -7);
     WORKS(vx_raw_get_text(raw, VX_RAW_HEADER_ID, text, &size));
     EXPECT(strcmp(text, "OVL Vexaprobe 2") == 0 && size == 16);
     WORKS(vx_raw_get_list(raw, VX_RAW_COMPOUND_TEST, list, &count));

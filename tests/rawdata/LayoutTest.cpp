@@ -110,6 +110,9 @@ TEST_P(LayoutOfVersionTest, AReaderFindsAllCells) {
     const std::string start = GetParam() == 1 ? "0" : "1000000";
     EXPECT_EQ(ContentOf(FileOf(GetParam())),
               "Test " + start + " 300 2 11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end");
+    std::string newer = FileOf(GetParam());
+    newer[newer.find("FileVersion=") + std::string("FileVersion=").size()] = '7';
+    EXPECT_EQ(ContentOf(newer) == ContentOf(FileOf(GetParam())), GetParam() == 3) << "read by the newest layout";
     EXPECT_EQ(ContentOf(FileOf(GetParam()), 12), "Test " + start + " 300 2 12[0..300]7,8,9,10 end");
 }
 

@@ -33,15 +33,16 @@ std::string FailureLine(const CExcVXReader& failure) {
     return "failure: " + failure.GetMsg() + "\n";
 }
 
+/// The names here are all members of the class. One that is missing doesn't compile.
 std::string FileLines(const CRawDataFileHdr& header) {
-    return "file\n" + FieldLine("HeaderID", header.HeaderID) +
-           FieldLine("FPosFirstRecordingHdr", header.FPosFirstRecordingHdr) + FieldLine("FileType", header.FileType) +
-           FieldLine("ProgramVersion", header.ProgramVersion) +
-           FieldLine("FileVersion", std::int64_t{header.FileVersion}) + FieldLine("Guid", header.Guid) +
-           FieldLine("PlateID", header.PlateID) + FieldLine("CompoundID", std::int64_t{header.CompoundID}) +
-           FieldLine("CompoundName", header.CompoundName) + FieldLine("PreQC", header.PreQC) +
-           FieldLine("CompoundTest", header.CompoundTest) + FieldLine("PostQC", header.PostQC) +
-           FieldLine("CheckSum", header.CheckSum) + FieldLine("Reserved", header.Reserved);
+    const auto& [id, first, type, program, version, guid, plate, compoundID, compound, pre, test, post, sum, reserved] =
+        header;
+    return "file\n" + FieldLine("HeaderID", id) + FieldLine("FPosFirstRecordingHdr", first) +
+           FieldLine("FileType", type) + FieldLine("ProgramVersion", program) +
+           FieldLine("FileVersion", std::int64_t{version}) + FieldLine("Guid", guid) + FieldLine("PlateID", plate) +
+           FieldLine("CompoundID", std::int64_t{compoundID}) + FieldLine("CompoundName", compound) +
+           FieldLine("PreQC", pre) + FieldLine("CompoundTest", test) + FieldLine("PostQC", post) +
+           FieldLine("CheckSum", sum) + FieldLine("Reserved", reserved);
 }
 
 std::string ChannelLines(const char* kind, const std::vector<CRawDataChannelInfo>& channels) {
@@ -55,16 +56,13 @@ std::string ChannelLines(const char* kind, const std::vector<CRawDataChannelInfo
 }
 
 std::string RecordingLines(const CRawDataRecordingHdr& header) {
-    return "recording\n" + FieldLine("TaskName", header.TaskName) +
-           FieldLine("Recording", std::int64_t{header.Recording}) + FieldLine("Dose", header.Dose) +
-           FieldLine("FPosRecordingData", header.FPosRecordingData) +
-           FieldLine("FPosRecordingTrailer", header.FPosRecordingTrailer) +
-           FieldLine("FPosNextRecordingHdr", header.FPosNextRecordingHdr) +
-           FieldLine("RecordingStartTime", header.RecordingStartTime) +
-           FieldLine("RecordingTime", header.RecordingTime) +
-           FieldLine("NumberOfWells", std::uint64_t{header.WellChannels.size()}) +
-           FieldLine("NumberOfAuxCh", std::uint64_t{header.AuxChannels.size()}) +
-           ChannelLines("well", header.WellChannels) + ChannelLines("aux", header.AuxChannels);
+    const auto& [task, number, dose, data, trailer, next, start, length, wells, aux] = header;
+    return "recording\n" + FieldLine("TaskName", task) + FieldLine("Recording", std::int64_t{number}) +
+           FieldLine("Dose", dose) + FieldLine("FPosRecordingData", data) + FieldLine("FPosRecordingTrailer", trailer) +
+           FieldLine("FPosNextRecordingHdr", next) + FieldLine("RecordingStartTime", start) +
+           FieldLine("RecordingTime", length) + FieldLine("NumberOfWells", std::uint64_t{wells.size()}) +
+           FieldLine("NumberOfAuxCh", std::uint64_t{aux.size()}) + ChannelLines("well", wells) +
+           ChannelLines("aux", aux);
 }
 
 /// Returns the segments up to the end of the chain or a failure. No reference file has a hundred.
@@ -182,7 +180,6 @@ TEST_F(WrittenReferenceFile, SeveralRecordings) {
     };
     CRawDataFileHdr fileHdr = ExampleFileHdr();
     fileHdr.HeaderID = "OVL Vexaprobe 2";
-    fileHdr.FileVersion = 3;
     fileHdr.CompoundID = -7;
     m_writer.WriteFileHdr(fileHdr);
     m_writer.UpdateFileHdr("PreQC", {"-1", "2"});

@@ -37,6 +37,34 @@ class CLines {
     std::string m_lines;
 };
 
+/// Has a name for every member of these classes. With one more member this doesn't compile: add a name, and a line to
+/// `Lines`.
+[[maybe_unused]] void NameEveryMember(const CXmlFileHeader& header, const CPropControl& control,
+                                      const CPropNotebook& notebook, const CPropRobot& robot, const CPropWashIn& washIn,
+                                      const CPropRecording& recording, const CPropAnalyzer& analyzer,
+                                      const WellAnalysis& mark, const QualityCheckRecord& check, const PlateWell& place,
+                                      const CResultsWell& well, const CResponse& response, const CResponseMean& mean,
+                                      const CResultsRecording& results, const CResultsTask& task) {
+    [[maybe_unused]] const auto& [h1, h2, h3, h4, h5, h6, h7, h8, h9, h10] = header;
+    [[maybe_unused]] const auto& [c1, c2, c3, c4] = control;
+    [[maybe_unused]] const auto& [n1, n2, n3, n4, n5, n6, n7, n8, n9, n10, n11, n12] = notebook;
+    [[maybe_unused]] const auto& [b1, b2, b3, b4] = robot;
+    [[maybe_unused]] const auto& [i1] = washIn;
+    [[maybe_unused]] const auto& [r1, r2, r3, r4, r5, r6, r7, r8, r9] = recording;
+    [[maybe_unused]] const auto& [a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15, a16, a17, a18, a19,
+                                  a20] = analyzer;
+    [[maybe_unused]] const auto& [k1, k2] = mark;
+    [[maybe_unused]] const auto& [q1, q2, q3, q4, q5, q6, q7, q8, q9, q10, q11, q12, q13, q14, q15, q16, q17, q18, q19,
+                                  q20, q21, q22, q23, q24] = check;
+    [[maybe_unused]] const auto& [p1, p2, p3, p4, p5, p6] = place;
+    [[maybe_unused]] const auto& [w1, w2, w3, w4, w5, w6, w7, w8, w9, w10, w11, w12, w13, w14, w15, w16, w17, w18,
+                                  w19] = well;
+    [[maybe_unused]] const auto& [s1, s2] = response;
+    [[maybe_unused]] const auto& [m1, m2, m3, m4] = mean;
+    [[maybe_unused]] const auto& [t1, t2, t3] = results;
+    [[maybe_unused]] const auto& [x1, x2] = task;
+}
+
 std::string Lines(const CXmlFileHeader& h) {
     return CLines("Header")
         .Add("HeaderID", h.HeaderID)

@@ -1,12 +1,13 @@
 #!/usr/bin/python3
-"""Checks the tables of docs/raw-data-file.md and of read_vxd.py against the layouts, which print_layouts prints.
+"""Checks docs/raw-data-file.md and read_vxd.py against the layouts, which print_layouts prints.
 
     check_layouts.py PRINT_LAYOUTS
 
-The page has the tables of the newest version, read_vxd.py those of all. Prints one line for each disagreement and ends
-with 1 if there is any.
+The page has the tables of the newest version, and a paragraph about the others; read_vxd.py has the tables of all. Each
+version has a reference file. Prints one line for each disagreement and ends with 1 if there is any.
 """
 
+import contextlib
 import pathlib
 import re
 import subprocess
@@ -14,7 +15,9 @@ import sys
 
 import read_vxd
 
-PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "raw-data-file.md"
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PAGE = ROOT / "docs" / "raw-data-file.md"
+WRITER = ROOT / "vxfileio" / "frame" / "IRawDataWriter.h"
 CELLS_OF_READER = {
     "File": lambda version: read_vxd.FILE_CELLS,
     "Recording": read_vxd.recording_cells,
@@ -50,6 +53,25 @@ def differences(where, actual, expected):
         yield f"{where} isn't in the order of the file"
 
 
+def size_of(table):
+    return table[-1][0] + table[-1][1]
+
+
+def missing_in_rule(version, header, older, newest):
+    """The paragraph about the versions names each cell that an older one lacks, and the older size."""
+    rule = re.search(r"\*\*The version rule\.\*\*.*?\n\n", PAGE.read_text("utf-8"), re.DOTALL)[0]
+    keys = {key for _, _, key, _ in newest} - {key for _, _, key, _ in older}
+    for word in [f"`{key}`" for key in sorted(keys)] + [f"{size_of(older)} bytes"] * (older != newest):
+        if word not in " ".join(rule.split()):
+            yield f"the version rule in {PAGE.name} lacks {word}, of the {header.lower()} header of version {version}"
+
+
+def file_version(path):
+    with contextlib.suppress(read_vxd.RawDataError), read_vxd.RawDataFile(path) as file:
+        return file.header["FileVersion"]
+    return None
+
+
 def disagreements(tables):
     newest = max(version for version, _ in tables)
     for (version, header), expected in tables.items():
@@ -58,8 +80,19 @@ def disagreements(tables):
         if version == newest:
             size, rows = table_of_page(header)
             yield from differences(f"{header} header in {PAGE.name}", rows, expected)
-            if size != expected[-1][0] + expected[-1][1]:
+            if size != size_of(expected):
                 yield f"the heading of the {header} header in {PAGE.name} states {size} bytes"
+            drawn = set(re.findall(rf"│ {header.lower()} header +(\d+) │", PAGE.read_text("utf-8")))
+            if drawn != {str(size_of(expected))}:
+                yield f"the drawing in {PAGE.name} has a {header.lower()} header of {' or '.join(sorted(drawn))} bytes"
+            stated = f"{size_of(expected)} bytes in version {version}"
+            if header != "Segment" and stated not in " ".join(WRITER.read_text("utf-8").replace("///", "").split()):
+                yield f"{WRITER.name} doesn't say '{stated}' of the {header.lower()} header"
+        else:
+            yield from missing_in_rule(version, header, expected, tables[newest, header])
+    with_file = {file_version(path) for path in ROOT.glob("tests/reference/*.vxd")}
+    for version in sorted({version for version, _ in tables} - with_file):
+        yield f"no reference file has version {version}; make_reference.py makes them"
 
 
 if __name__ == "__main__":

@@ -154,7 +154,7 @@ def not_ours():
 
 def several_recordings():
     """Several wells, intervals and list items; signs and limits; recordings without segments."""
-    header = file_header(HeaderID=b"OVL Vexaprobe 2", FileVersion=3, CompoundID=-7, PreQC=[-1, 2],
+    header = file_header(HeaderID=b"OVL Vexaprobe 2", CompoundID=-7, PreQC=[-1, 2],
                          CompoundTest=[0, 1000000, 9223372036854775807], PostQC=[-9223372036854775808])
     wells = [Channel(1, 100, 0.0002, 32768), Channel(2, 50, 1e-05, -32768), Channel(96, 1, -2.5e+06, 0)]
     quality = recording(3650, 4864, b"PreQC", wells=wells, Dose=0)

@@ -3,8 +3,9 @@
 
     check_commands.py VXFILE
 
-Every source `commands/NAMECommand.cpp` must be a command that VXFILE knows, have a section `## name` in docs/vxfile.md, run
-in a session of that page or of golden.md, and have a fault in tests/mutations/faults.txt.
+Every source `commands/NAMECommand.cpp` must be a command that VXFILE knows, have a row in the table and a section `## name`
+in docs/vxfile.md, run in a session of that page or of golden.md, have a fault in tests/mutations/faults.txt, and be in
+CHANGELOG.md.
 """
 import pathlib
 import re
@@ -15,10 +16,14 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 COMMANDS = "tools/vxfile/shell/commands"
 
 
-def problems_of(name, source, program, page, golden, faults):
+def problems_of(name, source, program, page, golden, faults, changes):
     known = subprocess.run([program, name, "--help"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
     if not known:
         yield f"vxfile has no command '{name}'; add it to Commands.h, to MakeCommands in Program.cpp and to tools/CMakeLists.txt"
+    if f"\n| `{name}` | " not in page:
+        yield f"the table of commands in docs/vxfile.md has no row for `{name}`"
+    if not re.search(rf"`(vxfile )?{name}`", changes):
+        yield f"CHANGELOG.md doesn't mention `vxfile {name}`"
     if f"\n## {name}\n" not in page:
         yield f"docs/vxfile.md has no section '## {name}'"
     if not re.search(rf"(?m)^\$ .*vxfile {name}\b", page + golden):
@@ -29,13 +34,13 @@ def problems_of(name, source, program, page, golden, faults):
 
 def main():
     read = lambda name: (ROOT / name).read_text(encoding="utf-8")
-    page, golden, faults = map(read, ("docs/vxfile.md", "tests/tools/golden.md", "tests/mutations/faults.txt"))
+    texts = [read(name) for name in ("docs/vxfile.md", "tests/tools/golden.md", "tests/mutations/faults.txt", "CHANGELOG.md")]
     sources = sorted(path.name for path in (ROOT / COMMANDS).glob("*Command.cpp"))
     problems = []
     for source in sources:
         name = source.removesuffix("Command.cpp").lower()
         problems += [f"{COMMANDS}/{source}: {problem}" for problem in
-                     problems_of(name, source, sys.argv[1], page, golden, faults)]
+                     problems_of(name, source, sys.argv[1], *texts)]
     print("\n".join(problems + [f"{len(sources)} commands, {len(problems)} problems"]))
     return 1 if problems or not sources else 0
 

@@ -46,13 +46,14 @@ class VXFILEIO_API CIRawDataWriter {
     /// leaves it as it is.
     void OpenNew(const std::string& path);
 
-    /// Writes the file header (1190 bytes). Of the header's own fields, `FPosFirstRecordingHdr`, the three lists,
-    /// `CheckSum` and `Reserved` aren't used: the file begins without recordings and with empty lists. Readers
-    /// rely on a `HeaderID` that begins "OVL Vexaprobe" and a `FileVersion` of 2 or more; `MakeFileHdr` sets both.
+    /// Writes the file header, of 1190 bytes in version 2. Of the header's own fields, `FPosFirstRecordingHdr`, the
+    /// three lists, `CheckSum` and `Reserved` aren't used: the file begins without recordings and with empty lists.
+    /// Readers rely on a `HeaderID` that begins "OVL Vexaprobe" and a `FileVersion` of 2 or more; `MakeFileHdr` sets
+    /// both.
     void WriteFileHdr(const CRawDataFileHdr& header);
 
-    /// Finishes the recording before, and begins a new one with a header of 2460 bytes. The header's file positions
-    /// and `AuxChannels` aren't used. The four lists of the well channels must fit their cells.
+    /// Finishes the recording before, and begins a new one with a header of 2460 bytes in version 2. The header's file
+    /// positions and `AuxChannels` aren't used. The four lists of the well channels must fit their cells.
     void WriteRecordingHdr(const CRawDataRecordingHdr& header);
 
     /// Appends one segment: the samples of one well from `timeFrom` to `timeTo`, both inclusive.

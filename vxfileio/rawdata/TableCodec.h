@@ -309,6 +309,13 @@ consteval bool HasRoomForPositions(const auto& hdr) {
     });
 }
 
+/// Returns whether just the cells whose keys begin "FPos" have the role of a position.
+consteval bool HasMarkedPositions(const auto& rows) {
+    return std::all_of(rows.begin(), rows.end(), [](const auto& row) {
+        return row.key.starts_with("FPos") == (row.traits.role != ERole::Value);
+    });
+}
+
 template <const auto& Cells>
 consteval std::pair<std::size_t, std::size_t> ChannelRange() {
     const auto first = std::find_if(Cells.begin(), Cells.end(), [](const auto& cell) { return IsOfChannels(cell); });
@@ -351,9 +358,12 @@ consteval CLayout MakeCheckedLayout() {
     constexpr CVersion kVersion = Versions[Index];
     constexpr CLayout kLayout = MakeLayout<kVersion.number, File, Recording, Segment>();
     static_assert(kVersion.number == static_cast<std::int32_t>(Index) + kOldestVersion, "versions are numbered from 1");
-    static_assert(kLayout.file.size == kVersion.fileHdr, "the file header has another size than kVersions says");
-    static_assert(kLayout.recording.size == kVersion.recordingHdr, "so has the recording header");
-    static_assert(kLayout.segment.size == kVersion.segmentHdr, "so has the segment header");
+    static_assert(kLayout.file.size == kVersion.fileHdr,
+                  "the file header's cells have another sum than the size in the table of versions");
+    static_assert(kLayout.recording.size == kVersion.recordingHdr,
+                  "the recording header's cells have another sum than the size in the table of versions");
+    static_assert(kLayout.segment.size == kVersion.segmentHdr,
+                  "the segment header's cells have another sum than the size in the table of versions");
     static_assert(HasNamedCells(kLayout), "a list of the file header is wider than kMostRewritten");
     static_assert(HaveSameBeginning(kLayout.file, HdrIn<File, kOldestVersion>()),
                   "a file's version must have the same place in all versions");
@@ -380,7 +390,9 @@ consteval bool AreAllListed(const auto& rows, const auto& versions) {
 template <const auto& Versions, const auto& File, const auto& Recording, const auto& Segment>
 consteval auto MakeLayouts() {
     static_assert(AreAllListed(File, Versions) && AreAllListed(Recording, Versions) && AreAllListed(Segment, Versions),
-                  "a cell is of a version that kVersions doesn't list");
+                  "a cell is of a version that the table of versions doesn't list");
+    static_assert(HasMarkedPositions(File) && HasMarkedPositions(Recording) && HasMarkedPositions(Segment),
+                  "a cell that holds a file offset needs a role, and a key that begins FPos");
     return []<std::size_t... Index>(std::index_sequence<Index...>) {
         return std::array{MakeCheckedLayout<Versions, Index, File, Recording, Segment>()...};
     }

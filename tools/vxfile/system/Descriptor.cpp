@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #ifdef _WIN32
 #include <io.h>
-#else
+#elif __has_include(<unistd.h>)
 #include <unistd.h>
+#else
+#error "Descriptor.cpp isn't ported to this system; see \"Adding a platform\" in CONTRIBUTING.md."
 #endif
 
 #include <algorithm>

@@ -31,6 +31,8 @@ static_assert(std::atomic<CClock::rep>::is_always_lock_free, "a signal may arriv
 CHandler SetHandler(int signal, CHandler handler) {
 #ifdef _WIN32
     return std::signal(signal, handler);
+#elif !defined(SA_RESTART)
+#error "Interrupt.cpp isn't ported to this system; see \"Adding a platform\" in CONTRIBUTING.md."
 #else
     struct sigaction action {};
     struct sigaction before {};
