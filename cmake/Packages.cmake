@@ -1,4 +1,4 @@
-# Packages: five for Debian, or an archive for Windows. scripts/package makes and tries them.
+# Packages: five for Debian (six with the Python package), or an archive for Windows. scripts/package makes and tries them.
 
 set(CPACK_PACKAGE_NAME vxfileio)
 set(CPACK_PACKAGE_CONTACT "VX-FileIO <vx-fileio@invalid>")
@@ -8,6 +8,9 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON) # packaging doesn't need to build tests and examples
 set(CPACK_COMPONENTS_ALL library development c_library c_development tool)
+if(VXFILEIO_BUILD_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
@@ -42,9 +45,15 @@ else()
   set(CPACK_COMPONENT_C_LIBRARY_DESCRIPTION "The shared library with the C interface, for every other language.")
   set(CPACK_COMPONENT_C_DEVELOPMENT_DESCRIPTION "The header of the C interface, and a file for pkg-config.")
   set(CPACK_COMPONENT_TOOL_DESCRIPTION "The program vxfile, which inspects, checks, compares and recovers the files.")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-vxfileio)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-pandas)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-matplotlib, python3-xarray")
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The Python package vxfileio, which reads and writes the files.")
   # Installing and removing the library updates the loader's cache.
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
-  foreach(component IN ITEMS library development c_library c_development tool)
+  foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} name)
     install(FILES LICENSE RENAME copyright COMPONENT ${component}
             DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME})

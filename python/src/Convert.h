@@ -1,10 +1,10 @@
 #pragma once
 
-#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -228,8 +228,8 @@ template <class T>
 void Assign(py::handle self, T& member, py::handle value) {
     T fresh = FromPython<T>(value);
     if (IsHandedOut(member)) {
-        auto old = std::make_unique<T>(std::move(member));
-        py::capsule keeper(old.get(), [](void* kept) { delete static_cast<T*>(kept); });
+        auto old = std::make_unique<std::shared_ptr<void>>(std::make_shared<T>(std::move(member)));
+        const py::capsule keeper(old.get(), [](void* kept) { delete static_cast<std::shared_ptr<void>*>(kept); });
         static_cast<void>(old.release());
         py::detail::keep_alive_impl(self, keeper);
     }

@@ -45,4 +45,8 @@ PYBIND11_MODULE(_vxfileio, module) {
     BindWords(module);
     BindRawHeaders(module);
     BindRawReading(module);
+    BindRawWriting(module);
+    BindSettings(module);
+    BindResults(module);
+    BindTables(module);
 }

@@ -93,7 +93,7 @@ def exception_for(text: str, path: str, code: int) -> Exception:
     if row.errno is None:
         made: Exception = row.exception(text, path or None)
     elif row.exception is OSError:
-        number = row.errno or code or errno.EIO
+        number = row.errno or code or (errno.EISDIR if os.path.isdir(path) else errno.EIO)
         made = OSError(number, os.strerror(number), path)
     else:
         made = row.exception(row.errno, text, path)

@@ -6,9 +6,10 @@ import errno
 import io
 import os
 import re
-from typing import Any, Optional, Union
+from typing import Optional, Union
 
-from ._errors import UnknownFileError, UsageError
+from ._documents import Results, Settings
+from ._errors import UnknownFileError
 from ._raw import Recordings
 
 Path = Union[str, bytes, os.PathLike]
@@ -26,6 +27,12 @@ DOCUMENT_MARKS = (
     (rb"<FileType>VXResults<", "results"),
 )
 
+KINDS_THAT_ARE_NOT_READ = {
+    "workbook": "The file is a workbook; a spreadsheet program reads it",
+    "empty": "The file is empty",
+    "unknown": "The file isn't one of the system",
+}
+
 
 def kind_of(path: Path) -> str:
     """Returns the kind of a file by its content: "raw", "settings", "results", "workbook", "empty" or "unknown"."""
@@ -42,22 +49,28 @@ def kind_of(path: Path) -> str:
     return "unknown"
 
 
-def open(path: Path, *, settings: Union[None, Path, Any] = None, ticks_per_second: Optional[float] = None,
-         unfinished: bool = False, partial: bool = False) -> Recordings:
+def open(path: Path, *, settings: Union[None, Path, Settings] = None, ticks_per_second: Optional[float] = None,
+         unfinished: bool = False, partial: bool = False) -> Union[Recordings, Settings, Results]:
     """Opens a file of any kind; its content decides which.
 
-    Returns `Recordings` for raw data.
+    Returns `Recordings` for raw data, `Settings` for settings, `Results` for results.
 
-    `settings` are those of the run, as an object or a path: with them, labels name wells. `ticks_per_second` is how many
-    of the instrument's time units a second has, for times in seconds. With `unfinished`, a recording that its writer is
-    still writing can be read as far as it is whole. With `partial`, a damaged file is read up to the damage, which is
-    otherwise an error.
+    `settings` are those of the run, as an object or a path. With them, labels name the wells of raw data, and tables of
+    results have more columns. `ticks_per_second` is how many of the instrument's time units a second has, for times in
+    seconds. With `unfinished`, a recording that its writer is still writing can be read as far as it is whole. With
+    `partial`, a damaged file is read up to the damage, which is otherwise an error.
 
     Raises the `OSError` of the system if the file can't be read, `UnknownFileError` if it isn't one of ours, and
     `DamagedFileError` if it is damaged.
     """
     kind = kind_of(path)
+    if kind == "settings":
+        return Settings.read(path, partial)
+    if settings is not None and not isinstance(settings, Settings):
+        settings = Settings.read(settings)
+    if kind == "results":
+        return Results.read(path, partial, settings)
     if kind == "raw":
         return Recordings(path, settings=settings, ticks_per_second=ticks_per_second, unfinished=unfinished,
                           partial=partial)
-    raise UnknownFileError(errno.EINVAL, "The file isn't one of the system", os.fsdecode(path))
+    raise UnknownFileError(errno.EINVAL, KINDS_THAT_ARE_NOT_READ[kind], os.fsdecode(path))

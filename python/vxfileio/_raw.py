@@ -19,7 +19,7 @@ if TYPE_CHECKING:
     import pandas
     import xarray
 
-    from ._settings import Settings
+    from ._documents import Settings
 
 Well = Union[int, str]
 """A well: its ID, or its label if the settings are known."""
@@ -250,9 +250,9 @@ class Recording:
         """
         names, selection = self._select(wells, start, stop)
         counts = [count for _, count, _ in selection.wells()]
-        dtype = np.dtype(np.float64 if scaled else np.uint16)
+        dtype: np.dtype[Any] = np.dtype(np.float64 if scaled else np.uint16)
         if out is None:
-            arrays = [np.empty(count, dtype) for count in counts]
+            arrays: list[NDArray[Any]] = [np.empty(count, dtype) for count in counts]
         else:
             arrays = [self._room(out, name, count, dtype) for name, count in zip(names, counts)]
         if scaled:

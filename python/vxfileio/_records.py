@@ -5,6 +5,7 @@ from __future__ import annotations
 from types import MappingProxyType
 from typing import Any, Iterable
 
+from ._docs import DOCS
 from ._text import printable, table
 
 
@@ -72,9 +73,16 @@ def _equal(record: Any, other: Any) -> Any:
 
 
 def adopt(classes: Iterable[type]) -> None:
-    """Gives record classes of the binding what they have in common."""
+    """Gives record classes of the binding what they have in common, and their attributes what the headers say."""
     common = {"__repr__": _repr, "_repr_html_": _repr_html, "__reduce__": _reduce, "__eq__": _equal, "__hash__": None,
               "to_dict": to_dict}
     for made in classes:
         for name, function in common.items():
             setattr(made, name, function)
+        own = made.__name__.removesuffix("Content")
+        made.__doc__ = DOCS.get(own, made.__doc__)
+        for name in made._fields:  # type: ignore[attr-defined]
+            attribute = made.__dict__[name]
+            meaning = DOCS.get(f"{own}.{name}") or DOCS.get(attribute.__doc__, "")
+            text = f"{attribute.__doc__}: {meaning}" if meaning else attribute.__doc__
+            setattr(made, name, property(attribute.fget, attribute.fset, None, text))

@@ -23,5 +23,7 @@ def identifier(word: str) -> str:
 
 def make(name: str, words: Sequence[str]) -> type[Word]:
     """Makes an enumeration of these words."""
-    made = Word(name, [(identifier(word), word) for word in words], module="vxfileio")  # type: ignore[call-overload]
+    members = [(identifier(word), word) for word in words]
+    made: type[Word] = Word(name, members, module="vxfileio")  # type: ignore[assignment,call-arg]
+    made.__doc__ = f"The words of {name}: {', '.join(words)}."
     return made

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/XmlFileHeader.h"
@@ -14,6 +15,8 @@ class CResultsReader {
     const CResults* GetResults() const noexcept { return &m_results; }
     const CXmlFileHeader* GetXmlFileHeader() const noexcept { return &m_header; }
     const std::string& GetReadError() const noexcept { return m_readError; }
+    /// Returns the results without copying them; the reader's are then unspecified.
+    CResults TakeResults() noexcept { return std::move(m_results); }
 
  private:
     CXmlFileHeader m_header;

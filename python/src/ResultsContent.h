@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vxfileio/results/Results.h"
+#include "vxfileio/settings/XmlFileHeader.h"
+
+namespace vxfileio::python {
+
+/// The content of a results file.
+struct CResultsContent : CResults {
+    CXmlFileHeader Header;
+};
+
+}  // namespace vxfileio::python

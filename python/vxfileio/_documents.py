@@ -1,0 +1,206 @@
+"""Settings, results and workbooks: reading, tables, saving."""
+
+from __future__ import annotations
+
+import contextlib
+import errno
+import os
+import re
+from collections.abc import Iterator
+from typing import TYPE_CHECKING, Any, Optional, TypeVar, Union
+
+from . import _vxfileio
+from ._errors import DamagedFileError, FileError, refusal
+from ._text import printable, table
+
+if TYPE_CHECKING:
+    import pandas
+
+Path = Union[str, bytes, os.PathLike]
+Document = TypeVar("Document", bound="_Document")
+
+FIRST_COMPOUND = -1
+
+
+class _Document:
+    """What settings and results have in common. The content is in memory; there is nothing to close."""
+
+    path: Optional[str] = None
+    """The file that the content is from, or None."""
+
+    read_error: str = ""
+    """What was wrong with the document, if it was opened with `partial=True`."""
+
+    def __enter__(self: Document) -> Document:
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        pass
+
+
+def _read(made: type[Document], read: Any, path: Path, partial: bool) -> Document:
+    document, error = read(made, os.fsencode(path))
+    document.path = os.fsdecode(path)
+    document.read_error = error
+    if error and not partial:
+        raise DamagedFileError(errno.EBADMSG, error, document.path)
+    return document
+
+
+@contextlib.contextmanager
+def _reserved(path: Path, overwrite: bool) -> Iterator[bytes]:
+    """Makes an empty file first, unless one may be overwritten, so that no other file can be replaced by accident."""
+    name = os.fsencode(path)
+    if overwrite:
+        yield name
+        return
+    os.close(os.open(path, os.O_WRONLY | os.O_CREAT | os.O_EXCL, 0o666))
+    try:
+        yield name
+    except BaseException:
+        os.unlink(path)
+        raise
+
+
+def _raise_refused(error: str, path: Path) -> None:
+    if error:
+        raise refusal(error, os.fsdecode(path)) or FileError(errno.EIO, error, os.fsdecode(path))
+
+
+class Settings(_Document, _vxfileio.SettingsContent):
+    """The settings of a run: a file header and the property sets.
+
+    Change the attributes, then `save`. Lists are tuples and mappings are read-only: assign a new one to change which
+    objects they have. The objects in them can be changed in place. What was taken from a list that is then replaced
+    stays valid, but is no longer part of the settings.
+    """
+
+    @classmethod
+    def read(cls, path: Path, partial: bool = False) -> Settings:
+        """Reads a settings file, whatever its name. With `partial`, a damaged one as far as possible."""
+        return _read(cls, _vxfileio.read_settings, path, partial)
+
+    def save(self, path: Path, *, overwrite: bool = False, compound: int = FIRST_COMPOUND) -> None:
+        """Writes a settings file, with the compound of this index in the plate's list and its wells.
+
+        Raises `FileExistsError` if there is a file and it isn't to be overwritten. A file is replaced only when the new
+        one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time.
+        """
+        with _reserved(path, overwrite) as name:
+            _raise_refused(_vxfileio.write_settings(self, name, compound), path)
+
+    def __repr__(self) -> str:
+        wells = sum(well is not None for well in self.RecordPlate.Data.Wells)
+        return printable(f"<vxfileio.Settings {self.path!r}: plate {self.RecordPlate.Data.PlateID!r}, {wells} wells, "
+                         f"{len(self.RecordPlate.Data.Series)} doses>")
+
+    def _repr_html_(self) -> str:
+        rows = [(section, name, value) for section in self._fields
+                for name, value in getattr(self, section).to_dict().items()
+                if not isinstance(value, (tuple, dict))]
+        return table(f"Settings {self.path}", ("section", "attribute", "value"), rows, most_rows=len(rows))
+
+
+class Results(_Document, _vxfileio.ResultsContent):
+    """The results of an analysis, as a tree (`Tasks`) and as tables.
+
+    The tables have the columns of `vxfile table`. With settings (`vxfileio.open(path, settings=...)`), tables of wells
+    also have `analysed` and, for responses, `mark`. They are made anew from the tree each time; they need pandas.
+    """
+
+    settings: Optional[Settings] = None
+    """The settings of the run, for labels, marks and workbooks, or None."""
+
+    @classmethod
+    def read(cls, path: Path, partial: bool = False, settings: Optional[Settings] = None) -> Results:
+        """Reads a results file, whatever its name. With `partial`, a damaged one as far as possible."""
+        results = _read(cls, _vxfileio.read_results, path, partial)
+        results.settings = settings
+        return results
+
+    @property
+    def responses(self) -> pandas.DataFrame:
+        """One row per response of a well: task, recording, dose, dose_text, well, label, response, value, normalized."""
+        return _frame(_vxfileio.responses(self, dose_text, self.settings))
+
+    @property
+    def means(self) -> pandas.DataFrame:
+        """One row per mean of a recording: task, recording, dose, dose_text, response, mean, sd, wells."""
+        return _frame(_vxfileio.means(self, dose_text))
+
+    @property
+    def beats(self) -> pandas.DataFrame:
+        """One row per beat of a well: task, recording, dose, dose_text, well, label, beat, time, interval.
+
+        `interval` is the time since the beat before; it is missing at the first.
+        """
+        import pandas
+
+        columns = _vxfileio.beats(self, dose_text, self.settings)
+        columns["interval"] = pandas.arrays.IntegerArray(columns["interval"], columns.pop("missing"))
+        return _frame(columns)
+
+    @property
+    def averages(self) -> pandas.DataFrame:
+        """One row per sample of a well's average: task, recording, dose, dose_text, well, label, sample, time, value."""
+        return _frame(_vxfileio.averages(self, dose_text, self.settings))
+
+    def save(self, path: Path, *, overwrite: bool = False) -> None:
+        """Writes a results file.
+
+        Raises `FileExistsError` if there is a file and it isn't to be overwritten. A file is replaced only when the new
+        one is complete.
+        """
+        with _reserved(path, overwrite) as name:
+            _raise_refused(_vxfileio.write_results(self, name), path)
+
+    def export(self, path: Path, settings: Optional[Settings] = None, *, overwrite: bool = False) -> None:
+        """Writes workbooks: one with all responses to `path`, and one for each well that the plate marks as new.
+
+        The settings are needed: those given here, or those that the results were opened with. The names of the others
+        have "-" and the well's label between title and extension. Raises `FileExistsError` before it writes anything if
+        one of the files is there and they aren't to be overwritten.
+        """
+        known = settings or self.settings
+        if known is None:
+            raise FileError(errno.EINVAL, "A workbook needs the settings of the run", os.fsdecode(path))
+        with contextlib.ExitStack() as stack:
+            for other in _workbooks_of_wells(os.fsdecode(path), known):
+                stack.enter_context(_reserved(other, overwrite))
+            name = stack.enter_context(_reserved(path, overwrite))
+            _raise_refused(_vxfileio.write_workbooks(self, known, name), path)
+
+    def __repr__(self) -> str:
+        tasks = ", ".join(f"{name} with {len(task.Recordings)} recordings" for name, task in self.Tasks.items())
+        return printable(f"<vxfileio.Results {self.path!r}: {tasks or 'no tasks'}>")
+
+    def _repr_html_(self) -> str:
+        rows = [(name, number, dose_text(recording.Dose), len(recording.Wells))
+                for name, task in self.Tasks.items() for number, recording in enumerate(task.Recordings)]
+        return table(f"Results {self.path}", ("task", "recording", "dose", "wells"), rows)
+
+
+def dose_text(dose: int) -> str:
+    """Returns a dose of picomolar in the largest unit that needs no fraction, such as "10 nM"."""
+    units = ["pM", "nM", "\N{MICRO SIGN}M", "mM", "M"]
+    while dose and dose % 1000 == 0 and len(units) > 1:
+        dose //= 1000
+        units.pop(0)
+    return f"{dose} {units[0]}"
+
+
+def _frame(columns: dict[str, Any]) -> pandas.DataFrame:
+    import pandas
+
+    return pandas.DataFrame(columns, copy=False)
+
+
+NEW_WELL = 2
+
+
+def _workbooks_of_wells(path: str, settings: Settings) -> list[str]:
+    """Returns the paths of the workbooks of wells that an export writes. It skips labels that no name can have."""
+    title, extension = os.path.splitext(path)
+    labels = [well.Label for well in settings.RecordPlate.Data.Wells if well is not None and well.State == NEW_WELL]
+    paths = [f"{title}-{label}{extension}" for label in labels if not re.search(r"[/\\\x00-\x1f\x7f]", label)]
+    return list(dict.fromkeys(p for p in paths if len(os.fsencode(os.path.basename(p))) <= 255))

@@ -1,0 +1,325 @@
+"""Settings and results, compared with the second reader in tests/reference/xml and with `vxfile table`."""
+
+import copy
+import gc
+import pickle
+import re
+
+import numpy as np
+import pytest
+import read_xml
+import vxfileio as vx
+from conftest import REFERENCE
+
+XML = REFERENCE / "xml"
+SETTINGS, RESULTS = XML / "settings.vxs", XML / "results.vxr"
+
+# ---- The text twin of a file, from the package's attributes ----------------------------------------------------------
+
+
+def shown(value):
+    """Formats a value as the twins do; texts are bytes there."""
+    if isinstance(value, str):
+        return read_xml.show(value.encode("utf-8", "surrogateescape").decode("latin-1"))
+    if isinstance(value, tuple):
+        return "[" + ", ".join(map(shown, value)) + "]"
+    return read_xml.show(value)
+
+
+def value_of(objects, tag):
+    return next(getattr(thing, tag) for thing in objects if hasattr(thing, tag))
+
+
+def entry_lines(table, entries):
+    return ["    " + ", ".join(f"{tag} {shown(getattr(entry, tag))}" for tag, _, _ in table) for entry in entries]
+
+
+def lines_of(name, table, *objects):
+    yield name
+    for tag, kind, _ in table:
+        tables = {"wells": read_xml.PLATE_WELL, "responses": read_xml.RESPONSE, "response means": read_xml.RESPONSE_MEAN}
+        if kind in tables:
+            value = value_of(objects, tag)
+            yield f"  {tag}"
+            yield from entry_lines(tables[kind], value if isinstance(value, tuple) else value.values())
+        elif kind == "marks":
+            yield f"  {tag}"
+            for task, recordings in value_of(objects, tag).items():
+                yield f"    {task}: {len(recordings)} recordings"
+                for number, wells in enumerate(recordings):
+                    for well, marks in wells.items():
+                        words = " ".join(f"{response} {mark}" for response, mark in marks.Responses.items())
+                        yield f"    {task} {number} well {well}: Analyze {int(marks.Analyze)} {words}"
+        else:
+            yield f"  {tag}: {shown(value_of(objects, tag))}"
+
+
+def settings_lines(settings):
+    compound = next(iter(settings.RecordPlate.Data.Compounds), vx.PlateCompound())
+    for name, table in read_xml.SECTIONS.items():
+        section = getattr(settings, name.removeprefix("Property"))
+        objects = [section]
+        if name == "PropertyRobot":
+            objects = [section, section.RobotConfig]
+        if name == "PropertyRecordPlate":
+            objects = [section.Data, compound]
+        yield from lines_of(name, table, *objects)
+    for check in settings.QualityCheck.QualityChecks.values():
+        yield from lines_of("QC", read_xml.QUALITY_CHECK, check)
+
+
+class KeyedWell:
+    """A well with the ID that is its key."""
+
+    def __init__(self, well_id, well):
+        self.WellID, self.well = well_id, well
+
+    def __getattr__(self, name):
+        return getattr(self.well, name)
+
+
+def results_lines(results):
+    for task in results.Tasks.values():
+        yield f"Task {shown(task.TaskName)}"
+        for recording in task.Recordings:
+            yield from lines_of("Recording", read_xml.RECORDING, recording)
+            for well_id, well in recording.Wells.items():
+                yield from lines_of("Well", read_xml.RESULTS_WELL, KeyedWell(well_id, well))
+
+
+def twin_of(document):
+    lines = list(lines_of("Header", read_xml.HEADER, document.Header))
+    return lines + list(settings_lines(document) if isinstance(document, vx.Settings) else results_lines(document))
+
+
+@pytest.mark.parametrize("path", sorted([*XML.glob("*.vxs"), *XML.glob("*.vxr")]), ids=lambda path: path.name)
+def test_every_attribute_is_that_of_the_second_reader(path):
+    document = vx.open(path, partial=True)
+    assert twin_of(document) == path.with_suffix(".txt").read_text().splitlines()
+
+
+def test_every_public_member_is_an_attribute():
+    """The members are those that the headers declare."""
+    headers = [*(REFERENCE.parents[1] / "vxfileio" / "settings").glob("*.h"),
+               *(REFERENCE.parents[1] / "vxfileio" / "results").glob("*.h"),
+               REFERENCE.parents[1] / "vxfileio" / "rawdata" / "RawDataHeaders.h"]
+    member = re.compile(r"^    (?!static|using|friend|return)(?:const )?[\w:<>, ]+ ([A-Za-z]\w*)(?: = .*|\{.*\})?;", re.MULTILINE)
+    checked = 0
+    for header in headers:
+        text = re.sub(r"//.*", "", header.read_text())
+        for name, bases, body in re.findall(r"^(?:class|struct) (?:VXFILEIO_API )?(\w+)([^;{]*)\{(.*?)^\};", text,
+                                            re.MULTILINE | re.DOTALL):
+            made = getattr(vx, name.removeprefix("C") if name not in vx.__dict__ else name, None)
+            if made is None:
+                continue
+            for found in member.findall(body.split("private:")[0]):
+                assert isinstance(getattr(made, found), property), f"{name}::{found}"
+                checked += 1
+    assert checked > 150
+
+
+# ---- Lists, maps and what was taken from them ------------------------------------------------------------------------
+
+
+def test_what_was_taken_from_a_list_stays_valid_after_it_is_replaced():
+    plate = vx.open(SETTINGS).RecordPlate
+    wells = plate.Data.Wells
+    before = [well.to_dict() for well in wells]
+    for _ in range(50):
+        plate.Data.Wells = [vx.PlateWell(WellID=number, Label="x" * 40) for number in range(100)]
+        gc.collect()
+    assert [well.to_dict() for well in wells] == before
+    wells[0].Label = "changed"
+    assert plate.Data.Wells[0].Label == "x" * 40
+
+
+def test_what_was_taken_stays_valid_after_its_owner_changed_and_was_deleted():
+    results = vx.open(RESULTS)
+    task = results.Tasks["Analyze"]
+    well = task.Recordings[0].Wells[64]
+    response = well.Responses["Na-Amplitude"]
+    results.Tasks = {}
+    del results, task
+    gc.collect()
+    assert (well.WellLabel, response.Value) == ("A1", 0.5)
+    well.Responses = {}
+    assert response.Value == 0.5 and not well.Responses
+
+
+def test_replacing_a_section_keeps_what_was_taken_from_the_old_one():
+    settings = vx.open(SETTINGS)
+    old, wells = settings.RecordPlate.Data, settings.RecordPlate.Data.Wells
+    settings.RecordPlate = vx.PropRecordPlate()
+    assert old.Wells == () and wells[0].Label == "A1"
+
+
+def test_objects_in_lists_are_changed_in_place():
+    results = vx.open(RESULTS)
+    results.Tasks[vx.Task.Analyze].Recordings[0].Wells[64].Responses["Na-Slope"].Value = 7
+    assert 7 in results.responses["value"].values
+
+
+def test_lists_and_maps_cannot_be_changed_without_effect():
+    settings = vx.open(SETTINGS)
+    for container in (settings.RecordPlate.Data.Series, settings.RecordPlate.Data.Wells):
+        with pytest.raises(AttributeError):
+            container.append(1)
+    with pytest.raises(TypeError):
+        settings.QualityCheck.QualityChecks["PreQC"] = vx.QualityCheckRecord()
+
+
+def test_sharing_a_list_between_objects_copies_it():
+    one, other = vx.open(SETTINGS), vx.Settings()
+    other.RecordPlate.Data.Wells = one.RecordPlate.Data.Wells
+    one.RecordPlate.Data.Wells[0].Label = "changed"
+    assert other.RecordPlate.Data.Wells[0].Label == "A1"
+    one.RecordPlate.Data.Wells = one.RecordPlate.Data.Wells[:1]
+    assert [well.Label for well in one.RecordPlate.Data.Wells] == ["changed"]
+
+
+@pytest.mark.parametrize("name, value, error", [
+    ("CleanerID", 1.5, TypeError), ("CleanerID", 2**31, ValueError), ("CleanerID", "1", TypeError),
+    ("IPAddress", b"x", TypeError), ("IPAddress", None, TypeError), ("TroughMediumNames", "text", TypeError),
+    ("StockPlateIDL8x12", "AB", ValueError), ("StockPlateIDL8x12", "\u0100", ValueError),
+    ("Range", (1, 2), ValueError), ("Unknown", 1, AttributeError), ("RecordPlate", 1, TypeError),
+])
+def test_values_of_another_type_are_refused(name, value, error):
+    config = vx.RobotConfig()
+    before = config.to_dict()
+    with pytest.raises(error):
+        setattr(config, name, value)
+    assert config.to_dict() == before
+
+
+def test_bools_and_words_are_strict():
+    analyzer, plate = vx.PropAnalyzer(), vx.PlateData()
+    for value in (None, 1, "yes"):
+        with pytest.raises(TypeError):
+            analyzer.FPfastAutoAdjust = value
+    analyzer.FPfastAutoAdjust = np.bool_(False)
+    assert analyzer.FPfastAutoAdjust is False
+    plate.Layout = "8x12"
+    assert plate.Layout is vx.PlateLayout.L8x12 and plate.Layout == "8x12" and plate.Layout.number == 1
+    with pytest.raises(ValueError):
+        plate.Layout = "9x9"
+
+
+def test_bytes_that_are_not_utf8_survive(tmp_path):
+    settings = vx.Settings()
+    settings.Notebook.Comment = b"\xb5 \xff \xc3\xa4".decode("utf-8", "surrogateescape")
+    settings.RecordPlate.Data.PlateID = "\xb5"
+    settings.save(tmp_path / "a.vxs")
+    again = vx.open(tmp_path / "a.vxs")
+    assert again.Notebook.Comment.encode("utf-8", "surrogateescape") == b"\xb5 \xff \xc3\xa4"
+    assert again.RecordPlate.Data.PlateID == "\xb5"
+
+
+@pytest.mark.parametrize("path", [SETTINGS, RESULTS], ids=lambda path: path.name)
+def test_pickling_keeps_everything_and_what_was_changed(path):
+    document = vx.open(path)
+    document.Header.Guid = "changed"
+    for copied in (copy.deepcopy(document), pickle.loads(pickle.dumps(document)), pickle.loads(pickle.dumps(document, 0))):
+        assert twin_of(copied) == twin_of(document) and copied == document and copied.path == document.path
+    section = vx.open(SETTINGS).RecordPlate
+    assert pickle.loads(pickle.dumps(section)).to_dict() == section.to_dict()
+
+
+def test_records_compare_by_their_attributes_and_show_them():
+    assert vx.Response(Label="QT-Interval", Value=1) == vx.Response(Label="QT-Interval", Value=1) != vx.Response()
+    assert repr(vx.Response(Label="<b>", Value=0.5)) == "Response(Label='<b>', Value=0.5)"
+    assert "&lt;b&gt;" in vx.Response(Label="<b>")._repr_html_()
+    for document in (vx.open(SETTINGS), vx.open(RESULTS)):
+        (repr(document) + document._repr_html_() + repr(document.Header)).encode("utf-8")
+
+
+# ---- Tables ----------------------------------------------------------------------------------------------------------
+
+
+@pytest.mark.parametrize("settings", [None, SETTINGS], ids=["alone", "with settings"])
+@pytest.mark.parametrize("what", ["responses", "means", "beats", "averages"])
+def test_tables_are_those_of_the_program(what, settings, vxfile):
+    pandas = pytest.importorskip("pandas")
+    import io
+
+    arguments = ["table", RESULTS, "--what", what, *([] if settings is None else ["--settings", settings])]
+    types = {"label": str, "dose_text": str, "interval": "Int64"}
+    theirs = pandas.read_csv(io.BytesIO(vxfile(*arguments)), dtype=types, keep_default_na=False,
+                             na_values={"interval": [""], "value": ["nan"]})
+    ours = getattr(vx.open(RESULTS, settings=settings), what)
+    assert len(ours) > 0
+    pandas.testing.assert_frame_equal(ours, theirs, check_dtype=False)
+
+
+def test_tables_of_nothing_have_their_columns():
+    assert list(vx.Results().responses.columns) == ["task", "recording", "dose", "dose_text", "well", "label", "response",
+                                                    "value", "normalized"]
+
+
+def test_dose_texts_have_the_largest_unit_without_a_fraction():
+    doses = {0: "0 pM", 999: "999 pM", 1000: "1 nM", 1500: "1500 pM", 10**7: "10 \xb5M", 10**15: "1000 M"}
+    assert {dose: vx.dose_text(dose) for dose in doses} == doses
+
+
+# ---- Saving ----------------------------------------------------------------------------------------------------------
+
+
+@pytest.mark.parametrize("path", [SETTINGS, RESULTS], ids=lambda path: path.name)
+def test_saved_documents_are_read_back(path, tmp_path):
+    document, saved = vx.open(path), tmp_path / "saved"
+    document.save(saved)
+    again = vx.open(saved)
+    ours, theirs = twin_of(document), twin_of(again)
+    assert len(ours) == len(theirs)
+    changed = {mine.split(":")[0].strip() for mine, other in zip(ours, theirs) if mine != other}
+    assert changed <= {"AnalyzingDate"}
+
+
+def test_saving_never_replaces_a_file_unless_asked(tmp_path):
+    saved, document = tmp_path / "saved", vx.open(RESULTS)
+    saved.write_bytes(b"old")
+    with pytest.raises(FileExistsError) as raised:
+        document.save(saved)
+    assert raised.value.filename == str(saved) and saved.read_bytes() == b"old"
+    document.save(saved, overwrite=True)
+    assert vx.open(saved) == document
+
+
+def test_a_refused_save_leaves_no_file(tmp_path):
+    settings, saved = vx.open(SETTINGS), tmp_path / "saved"
+    with pytest.raises(vx.UsageError):
+        settings.save(saved, compound=99)
+    with pytest.raises(FileNotFoundError):
+        settings.save(tmp_path / "no folder" / "a.vxs")
+    assert list(tmp_path.iterdir()) == []
+
+
+def test_workbooks_are_exported_and_never_replaced(tmp_path):
+    results = vx.open(RESULTS, settings=SETTINGS)
+    results.export(tmp_path / "run.xls")
+    names = {path.name for path in tmp_path.iterdir()}
+    assert names == {"run.xls", "run-A1.xls"} and {vx.kind_of(tmp_path / name) for name in names} == {"workbook"}
+    (tmp_path / "run.xls").unlink()
+    with pytest.raises(FileExistsError, match="run-A1.xls"):
+        results.export(tmp_path / "run.xls")
+    assert {path.name for path in tmp_path.iterdir()} == {"run-A1.xls"}
+
+
+def test_damaged_documents_are_errors_unless_partial(tmp_path):
+    cut = tmp_path / "cut.vxr"
+    cut.write_bytes(RESULTS.read_bytes()[:2500])
+    with pytest.raises(vx.DamagedFileError, match="ends at offset 2500") as raised:
+        vx.open(cut)
+    assert raised.value.filename == str(cut)
+    results = vx.open(cut, partial=True)
+    assert "offset 2500" in results.read_error and len(results.beats) > 0
+
+
+def test_labels_name_wells_of_raw_data_with_or_without_zeros():
+    settings = vx.Settings()
+    settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=1, Label="A1"), vx.PlateWell(WellID=2, Label="B07")]
+    recording = vx.open(REFERENCE / "several_recordings.vxd", settings=settings).recordings[0]
+    assert list(recording.samples("A01")) == list(recording.samples("A1")) == [1, 2, 3, 6]
+    assert list(recording.read(["B7", "A1"])) == ["B7", "A1"]
+    assert list(recording.to_dataframe(["B7"])["label"].unique()) == ["B07"]
+    with pytest.raises(vx.NoSuchWellError, match="no well 'C1'"):
+        recording.samples("C1")

@@ -1,0 +1,124 @@
+"""Failures, row by row, and what happens to them on their way to Python."""
+
+import errno
+import os
+import signal
+import threading
+import time
+
+import numpy as np
+import pytest
+import vxfileio as vx
+from conftest import REFERENCE
+from vxfileio import _errors
+
+DOCUMENTED = [  # text, errno after it, exception, errno
+    ("Cannot open file a, because it exists", 17, FileExistsError, errno.EEXIST),
+    ("Cannot open file a", errno.ENOENT, FileNotFoundError, errno.ENOENT),
+    ("Cannot open file a", errno.EACCES, PermissionError, errno.EACCES),
+    ("Cannot open file a", 0, OSError, errno.EIO),
+    ("Could not open settings file: a", errno.EISDIR, IsADirectoryError, errno.EISDIR),
+    ("Could not open results file: a", errno.ENOENT, FileNotFoundError, errno.ENOENT),
+    ("Opened file is not a Vexaprobe file.", 0, vx.UnknownFileError, errno.EINVAL),
+    ("Opened file is empty.", 0, vx.EmptyFileError, errno.ENODATA),
+    ("Error reading Recording Header", 0, vx.DamagedFileError, errno.EBADMSG),
+    ("Error seeking Data Segment.", 0, vx.DamagedFileError, errno.EBADMSG),
+    ("Error reading Data Segment Header", 0, vx.DamagedFileError, errno.EBADMSG),
+    ("The file has no such recording.", 0, vx.NoSuchRecordingError, None),
+    ("The recording isn't finished.", 0, vx.UnfinishedRecordingError, None),
+    ("Value does not fit its cell: TaskName", 0, vx.UsageError, None),
+]
+
+
+@pytest.mark.parametrize("text, code, exception, number", DOCUMENTED)
+def test_each_failure_has_its_exception(text, code, exception, number):
+    with pytest.raises(exception) as raised:
+        _errors.fail(text.encode(), b"run.vxd", code)
+    assert type(raised.value) is exception and raised.value.filename == "run.vxd"
+    assert getattr(raised.value, "errno", None) == number
+    assert isinstance(raised.value, (OSError, ValueError))
+
+
+def test_each_row_of_the_table_is_tested():
+    rows = {next(row for row in _errors.TABLE if text.startswith(row.begin) and text.endswith(row.end))
+            for text, *_ in DOCUMENTED}
+    assert rows == set(_errors.TABLE)
+
+
+@pytest.mark.parametrize("name, exception", [("missing", FileNotFoundError), ("folder", IsADirectoryError)])
+def test_failures_of_the_system_are_its_own(name, exception, tmp_path):
+    (tmp_path / "folder").mkdir()
+    for call in (vx.open, vx.Settings.read, vx.Results.read):
+        with pytest.raises(exception) as raised:
+            call(tmp_path / name)
+        assert raised.value.filename == str(tmp_path / name)
+    with pytest.raises(OSError) as raised:
+        vx.RawWriter(tmp_path / "missing" / "run.vxd")
+    assert (raised.value.errno, raised.value.filename) == (errno.ENOENT, str(tmp_path / "missing" / "run.vxd"))
+
+
+def test_exceptions_can_be_pickled():
+    import pickle
+
+    error = vx.NoSuchRecordingError("text", "run.vxd")
+    again = pickle.loads(pickle.dumps(error))
+    assert (str(again), again.filename) == (str(error), "run.vxd")
+    damaged = pickle.loads(pickle.dumps(vx.DamagedFileError(74, "text", "run.vxd")))
+    assert (damaged.errno, damaged.filename) == (74, "run.vxd")
+
+
+def test_an_interrupt_ends_a_read_in_the_middle(tmp_path):
+    path, size = tmp_path / "run.vxd", 50_000_000
+    channel = vx.RawDataChannelInfo(ID=1, ADZero=0, UnitsPerAD=1, Ticks=1)
+    header = vx.RawDataRecordingHdr(TaskName="Series", WellChannels=[channel])
+    with vx.RawWriter(path) as writer, writer.recording(header) as recording:
+        recording.write(1, 0, np.zeros(size, np.uint16))
+    recording = vx.open(path).recordings[0]
+    recording.index()
+    room = np.full(size, -1.0)
+
+    def interrupt(*_):
+        raise KeyboardInterrupt
+
+    handler = signal.signal(signal.SIGALRM, interrupt)
+    try:
+        with pytest.raises(KeyboardInterrupt):
+            signal.setitimer(signal.ITIMER_REAL, 0.02)
+            recording.read(scaled=True, out={1: room})
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, handler)
+    assert room[-1] == -1
+    assert list(recording.samples(1, 0, 2)) == [0, 0]
+
+
+def test_reading_releases_the_lock(tmp_path):
+    path = REFERENCE / "xml" / "results.vxr"
+    big = tmp_path / "big.vxr"
+    text = path.read_bytes()
+    begin, end = text.index(b"<Task>"), text.rindex(b"</Task>") + len(b"</Task>")
+    big.write_bytes(text[:begin] + text[begin:end] * 2000 + text[end:])
+    steps, stop = 0, threading.Event()
+
+    def count():
+        nonlocal steps
+        while not stop.wait(0.001):
+            steps += 1
+
+    thread = threading.Thread(target=count)
+    thread.start()
+    start = time.monotonic()
+    vx.Results.read(big)
+    taken = time.monotonic() - start
+    stop.set()
+    thread.join()
+    assert steps > 100 * taken
+
+
+def test_the_interpreter_survives_a_thousand_failures():
+    before = len(os.listdir("/proc/self/fd")) if os.path.isdir("/proc/self/fd") else 0
+    for _ in range(1000):
+        with pytest.raises(vx.DamagedFileError):
+            vx.open(REFERENCE / "circle_of_recordings.vxd")
+    if before:
+        assert len(os.listdir("/proc/self/fd")) <= before + 1
