@@ -638,6 +638,37 @@ static void check_and_recover(void) {
     EXPECT(!same_files(own("small.vxd"), saved));
 }
 
+#ifdef __cplusplus
+/* Threads with handles of their own, made from one file, and all of them with one handle, which is used by one at a
+ * time. */
+static void use_threads(void) {
+    const std::string given_path = given("small_example.vxd");
+    vx_recording* const shared = open_recording("small_example.vxd", 0, NULL);
+    std::atomic<int> wrong{0}, busy{0}, read{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 200; ++i) {
+                vx_raw* raw = NULL;
+                vx_recording* recording = NULL;
+                uint16_t samples[4];
+                int64_t count = 4;
+                wrong += (vx_raw_open)(&raw, given_path.c_str()) != VX_OK;
+                wrong += (vx_recording_open)(&recording, raw, 0, NULL) != VX_OK;
+                wrong += (vx_recording_read)(recording, 12, 0, 300, samples, &count) != VX_OK || samples[3] != 10;
+                const int code = (vx_recording_read)(shared, 11, 0, 300, samples, &count);
+                (code == VX_OK ? read : code == VX_ERROR_BUSY ? busy : wrong) += 1;
+                wrong += (vx_close)(raw) != VX_OK || (vx_close)(recording) != VX_OK;
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT(wrong == 0 && read > 0 && read + busy == 800);
+    WORKS(vx_close(shared));
+}
+#endif
+
 /* Closes what the calls with wrong arguments get. */
 static void refuse_wrong_arguments(void) {
     vx_raw* raw = NULL;
@@ -688,6 +719,9 @@ static void (*const phases[])(void) = {
     export_workbooks,
     plan_a_recording,
     check_and_recover,
+#ifdef __cplusplus
+    use_threads,
+#endif
     refuse_wrong_arguments,
 };
 
