@@ -249,6 +249,7 @@ struct CRebuiltHdr {
     std::vector<CNote> notes;
     std::string task;  ///< Of a recording.
     std::int32_t number = 0;
+    std::int64_t dose = 0;
 };
 
 /// Returns the layout of the new file: that of the input, or the oldest one that is still written.
@@ -323,6 +324,7 @@ CRebuiltHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recordin
         Merged(cells, old, EncodedWithRoom(layout, was, unused), EncodedWithRoom(layout, now, rebuilt.notes));
     rebuilt.task = now.TaskName;
     rebuilt.number = now.Recording;
+    rebuilt.dose = now.Dose;
     return rebuilt;
 }
 
@@ -365,6 +367,7 @@ class CCopy {
         Put(hdr.bytes);
         m_report.recordings.push_back({.task = std::move(hdr.task),
                                        .number = hdr.number,
+                                       .dose = hdr.dose,
                                        .position = recording.position,
                                        .unfinished = recording.unfinished,
                                        .notes = std::move(hdr.notes),

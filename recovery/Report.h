@@ -122,6 +122,7 @@ struct CKeptWell {
 struct CReportedRecording {
     std::string task;
     std::int32_t number = 0;
+    std::int64_t dose = 0;      ///< In picomolar.
     std::int64_t position = 0;  ///< In the input.
     bool unfinished = false;
     std::vector<CNote> notes;

@@ -14,6 +14,7 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 VXFILE, REFERENCE = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
@@ -71,6 +72,55 @@ def check_rows(folder):
     items = [json.loads(line) for line in run(".", "--jsonl", status=1, folder=folder)[0].splitlines()]
     assert [item["path"] for item in items] == expected
     assert all(type(item["size"]) is int for item in items)
+
+
+def check_runs(folder):
+    """The files of one Guid name each other, the nearest ones first."""
+    rows = {row["path"]: row for row in rows_of(run(".", status=1, folder=folder)[0])}
+    of_run = lambda name: [rows["./" + name]["run_" + kind] for kind in ("raw", "settings", "results")]
+    guids = {row["guid"] for row in rows.values()} - {""}
+    assert guids == {"0123"}, guids
+    near = ["./a/b/run.vxd", "./a/b/run.vxs", ""]
+    assert of_run("a/b/run.vxs") == near and of_run("a/b/run.vxd") == near, of_run("a/b/run.vxs")
+    assert of_run("a/cut.vxd") == ["./a/cut.vxd", "./a/b/run.vxs", ""]
+    assert of_run("a-1.vxd") == ["./a-1.vxd", "./a/b/run.vxs", ""]
+    assert of_run("a/book.xls") == of_run("a/b/run.vxr") == ["", "", ""]
+
+
+def check_changes(folder):
+    """Files that vanish, appear and are replaced while they are read harm neither the others nor the exit status."""
+    busy = folder.parent / "busy"
+    busy.mkdir()
+    sources = [(REFERENCE / name).read_bytes() for name in ("small_example.vxd", "several_recordings.vxd")]
+    for i in range(600):
+        (busy / f"{i:03}.vxd").write_bytes(sources[0])
+    ended = threading.Event()
+
+    def change():
+        i = 0
+        while not ended.is_set():
+            i += 1
+            path = busy / f"{(7 * i) % 600 | 1:03}.vxd"  # those with odd numbers
+            if i % 3:
+                (busy / "new").write_bytes(sources[i % 2])
+                os.replace(busy / "new", path)
+            else:
+                path.unlink(missing_ok=True)
+
+    thread = threading.Thread(target=change)
+    thread.start()
+    try:
+        for jobs in "1", "3", "8":
+            rows = {row["path"]: row for row in rows_of(run("busy", "-j", jobs, status=0, folder=busy.parent)[0])}
+            for i in range(0, 600, 2):
+                row = rows[f"busy/{i:03}.vxd"]
+                assert (row["file_state"], row["size"]) == ("finished", str(len(sources[0]))), row
+            for row in rows.values():
+                changed = row["file_state"] == "unfinished" and row["reason"] == "It changed while it was read."
+                assert row["file_state"] == "finished" or changed, row
+    finally:
+        ended.set()
+        thread.join()
 
 
 def check_recordings(folder):
@@ -145,7 +195,9 @@ with tempfile.TemporaryDirectory() as top:
     root = pathlib.Path(top).resolve() / "plates"
     make(root)
     check_rows(root)
+    check_runs(root)
     check_recordings(root)
+    check_changes(root)
     check_database(root, str(root.parent / "plates.db"))
     check_interruption(root, str(root.parent / "again.db"))
     assert run(str(root / "nowhere"), status=2)[1].startswith("vxfile: Can't look into the folder")

@@ -8,6 +8,7 @@ import re
 import subprocess
 import sys
 import tempfile
+from decimal import Decimal
 
 import numpy
 
@@ -32,12 +33,13 @@ def twin_rows():
         elif found := re.match(r" +Recording: (.*)", line):
             number = int(found[1])
         elif found := re.match(r" +well (-?\d+): Ticks (\d+), UnitsPerAD (\S+), ADZero (-?\d+)", line):
-            wells[int(found[1])] = int(found[2]), float(found[3]), int(found[4])
+            wells[int(found[1])] = int(found[2]), found[3], int(found[4])
         elif found := re.match(r" +segment of well (-?\d+), (-?\d+) to -?\d+, \d+ samples: (.*)", line):
             well, time = int(found[1]), int(found[2])
             tick, units, zero = wells.get(well, (1, None, None))
             for sample in map(int, found[3].split()):
-                yield task, number, well, time, sample, None if units is None else (sample - zero) * units
+                yield task, number, well, time, sample, None if units is None else (sample - zero) * float(units), \
+                    None if units is None else (sample - zero) * Decimal(units)
                 time += tick
 
 
@@ -50,7 +52,7 @@ assert run("--tsv").decode() == expected.replace(",", "\t")
 chosen = [row for row in rows if row[0] == "PreQC" and row[2] in (1, 2) and 50 <= row[3] <= 200]
 text = run("--task", "PreQC", "--well", "1,2", "--from", "50", "--to", "200", "--units").decode().splitlines()
 assert [line.split(",")[:4] for line in text[1:]] == [[str(item) for item in row[:4]] for row in chosen]
-assert [float(line.split(",")[4]) for line in text[1:]] == [row[5] for row in chosen]
+assert [Decimal(line.split(",")[4]) for line in text[1:]] == [row[6] for row in chosen]
 
 with tempfile.TemporaryDirectory() as folder:
     run("--task", "PreQC", "--npy", "-o", folder + "/well-{well}.npy")

@@ -54,8 +54,9 @@ TEST_F(RawDiff, FindsTheSampleThatDiffersWhereverItIsInALongSegment) {
 TEST_F(RawDiff, SeesBothBytesOfASample) {
     const auto lines = Differing(FileOf({{{11, 0, {1, 2, 0x1234}}}}), FileOf({{{11, 0, {1, 2, 0x5634}}}}));
     ASSERT_EQ(lines.size(), 1U);
-    EXPECT_EQ(lines[0],
-              "recording 1 (CompoundTest 1) > segment 1, well 11, from 0 to 200, 3 samples > sample 2: 4660 | 22068");
+    EXPECT_EQ(
+        lines[0],
+        "recording 1 (CompoundTest 1) > segment 1, well 11, from 0 to 200 ticks, 3 samples > sample 2: 4660 | 22068");
 }
 
 TEST_F(RawDiff, ComparesWellTimesAndSizeOfEachSegment) {
@@ -66,10 +67,13 @@ TEST_F(RawDiff, ComparesWellTimesAndSizeOfEachSegment) {
     };
     for (const auto& [other, line] : std::vector<CCase>{
              {one, ""},
-             {{one[0], {13, 0, {3, 4}}}, "well 12, from 0 to 100, 2 samples | well 13, from 0 to 100, 2 samples"},
-             {{one[0], {12, 1, {3, 4}}}, "well 12, from 0 to 100, 2 samples | well 12, from 1 to 101, 2 samples"},
-             {{one[0], {12, 0, {3, 4}, 99}}, "well 12, from 0 to 100, 2 samples | well 12, from 0 to 99, 2 samples"},
-             {{one[0]}, "well 12, from 0 to 100, 2 samples | "},
+             {{one[0], {13, 0, {3, 4}}},
+              "well 12, from 0 to 100 ticks, 2 samples | well 13, from 0 to 100 ticks, 2 samples"},
+             {{one[0], {12, 1, {3, 4}}},
+              "well 12, from 0 to 100 ticks, 2 samples | well 12, from 1 to 101 ticks, 2 samples"},
+             {{one[0], {12, 0, {3, 4}, 99}},
+              "well 12, from 0 to 100 ticks, 2 samples | well 12, from 0 to 99 ticks, 2 samples"},
+             {{one[0]}, "well 12, from 0 to 100 ticks, 2 samples | "},
          }) {
         const auto lines = Differing(FileOf({one}), FileOf({other}));
         if (line.empty()) {

@@ -9,6 +9,7 @@
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
+#include "tools/vxfile/raw/DecimalScale.h"
 #include "tools/vxfile/raw/FileWindow.h"
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
@@ -127,8 +128,8 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
     const std::string scaled = WithCell(
         WithCell(FileOf({{{11, 0, {10, 20}}, {12, 0, {10, 20}}}}), "UnitsPerADs", "0.5:0.25"), "ADZeros", "8:4");
     EXPECT_EQ(Written(scaled, {}, {.units = true}),
-              "task,recording,well,time,value\nCompoundTest,1,11,0,1\nCompoundTest,1,11,100,6\n"
-              "CompoundTest,1,12,0,1.5\nCompoundTest,1,12,100,4\n");
+              "task,recording,well,time,value\nCompoundTest,1,11,0,1.0\nCompoundTest,1,11,100,6.0\n"
+              "CompoundTest,1,12,0,1.50\nCompoundTest,1,12,100,4.00\n");
     const std::string table = Written(scaled, {}, {.kind = CSampleForm::EKind::NpyTable, .units = true});
     constexpr std::size_t kItem = 12 + 4 + 4 + 8 + 8;
     ASSERT_EQ(table.size(), 192 + 4 * kItem);
@@ -145,6 +146,31 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
     ASSERT_EQ(array.size(), 192U + 16);
     EXPECT_EQ(At<double>(array, 192), 1.5);
     EXPECT_EQ(At<double>(array, 200), 4);
+}
+
+TEST(DecimalScale, HasTheDecimalsOfUnitsPerADAndNoErrorOfADouble) {
+    struct CCase {
+        double units;
+        std::int32_t zero;
+        std::uint16_t sample;
+        std::string text;
+    };
+    for (const auto& [units, zero, sample, text] :
+         std::vector<CCase>{{0.0001, 32768, 29893, "-0.2875"},
+                            {0.0002, 32768, 32768, "0.0000"},
+                            {0.0002, 32768, 32767, "-0.0002"},
+                            {0.3, 0, 65535, "19660.5"},
+                            {3.0517578125e-05, 32768, 0, "-1.000000000000000"},
+                            {3.0517578125e-05, 32768, 65535, "0.999969482421875"},
+                            {-0.25, 100, 103, "-0.75"},
+                            {2000, -1, 1, "4000"},
+                            {1e18, 0, 7, "7e+18"},
+                            {1e-31, 0, 2, "2e-31"},
+                            {0, 5, 7, "0"}}) {
+        std::string written;
+        CDecimalScale({.ADZero = zero, .UnitsPerAD = units}).AddTo(written, sample);
+        EXPECT_EQ(written, text) << units;
+    }
 }
 
 TEST_F(Samples, InUnitsAreRefusedWithoutTheZeroOfTheirWell) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -91,6 +93,34 @@ TEST(Text, FormatsDosesInTheLargestUnitWithoutDecimals) {
                                                           {5000000000000, "5 M"},
                                                           {6000000000000000, "6000 M"}})
         EXPECT_EQ(DoseWithUnit(dose), text);
+}
+
+TEST(Text, ReadsDosesOnlyWithAUnitAndWhole) {
+    for (const auto& [text, dose] : std::vector<std::pair<std::string, std::optional<std::int64_t>>>{
+             {"100nM", 100'000},
+             {"1 uM", 1'000'000},
+             {"1\xC2\xB5M", 1'000'000},
+             {"1\xCE\xBCM", 1'000'000},
+             {"1\xB5M", 1'000'000},
+             {"0.5nM", 500},
+             {"2.50mM", 2'500'000'000},
+             {"9M", 9'000'000'000'000},
+             {"7pM", 7},
+             {"0", 0},
+             {"0nM", 0},
+             {"9223372036854775807pM", std::numeric_limits<std::int64_t>::max()},
+             {"9223372036854775808pM", std::nullopt},
+             {"0.5pM", std::nullopt},
+             {"0.0005nM", std::nullopt},
+             {"1", std::nullopt},
+             {"nM", std::nullopt},
+             {".5nM", std::nullopt},
+             {"1.2.3nM", std::nullopt},
+             {"-1nM", std::nullopt},
+             {"1NM", std::nullopt},
+             {"1nM ", std::nullopt},
+             {"", std::nullopt}})
+        EXPECT_EQ(ParseDose(text), dose) << text;
 }
 
 TEST(Text, ShortensRunsOfThreeNumbersAndMore) {

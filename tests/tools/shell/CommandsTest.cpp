@@ -180,7 +180,7 @@ TEST(CommandLine, RefusesValuesOutsideTheirRange) {
                                                    {"watch", "f", "--idle", "nan"},
                                                    {"watch", "f", "--every", "0.009"},
                                                    {"watch", "f", "--every", "3600.1"},
-                                                   {"samples", "f", "--well", "2147483648"},
+                                                   {"samples", "f", "--recording", "2147483648"},
                                                    {"samples", "f", "--from", "9223372036854775808"},
                                                    {"samples", "f", "--to", "0x10"},
                                                    {"samples", "f", "--csv", "--npy"},

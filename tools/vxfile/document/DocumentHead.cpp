@@ -3,16 +3,22 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <span>
-#include <string_view>
+#include <system_error>
+#include <vector>
 
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/OpenInput.h"
+#include "vxfileio/base/FileExtensions.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 
 namespace vxfile {
+
+namespace fs = std::filesystem;
 
 CXmlFileHeader HeadOfDocument(const std::string& path) {
     gd_xml_stream::CFileBuffer file;
@@ -35,11 +41,39 @@ bool EndsWithRoot(const std::string& path) {
     return std::string_view(bytes.data(), size).find(endTag) != std::string_view::npos;
 }
 
-std::string DifferenceOfRuns(const CRunFile& settings, const CRunFile& results) {
-    const std::string guid = BareGuid(settings.guid);
-    if (guid.empty() || BareGuid(results.guid).empty() || guid == BareGuid(results.guid)) return {};
-    return settings.path + " isn't of the run of " + results.path + ": its Guid is " + Readable(settings.guid) +
-           ", that of the results " + Readable(results.guid) + ".";
+std::string DifferenceOfRuns(const CRunFile& file, const CRunFile& other) {
+    const std::string guid = BareGuid(file.guid);
+    if (guid.empty() || BareGuid(other.guid).empty() || guid == BareGuid(other.guid)) return {};
+    return file.path + " isn't of the run of " + other.path + ": its Guid is " + Readable(file.guid) +
+           ", that of the other " + Readable(other.guid) + ".";
+}
+
+std::string Neighbour(const std::string& path, std::string_view extension) {
+    const std::string neighbour = fs::path(path).replace_extension(extension).string();
+    std::error_code ignored;
+    return fs::is_regular_file(neighbour, ignored) ? neighbour : "";
+}
+
+std::string SettingsBeside(const std::string& path, const std::string& guid) {
+    const std::string bare = BareGuid(guid);
+    if (bare.empty()) return {};
+    const auto hasGuid = [&](const std::string& settings) {
+        bool has = false;
+        return FailureOf([&] { has = BareGuid(HeadOfDocument(settings).Guid) == bare; }).empty() && has;
+    };
+    const std::string namesake = Neighbour(path, vxfileio::kSettingsExtension);
+    if (!namesake.empty() && hasGuid(namesake)) return namesake;
+    const fs::path folder = fs::path(path).parent_path();
+    std::vector<std::string> others;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (entry->path().extension() == vxfileio::kSettingsExtension)
+            others.push_back((folder / entry->path().filename()).string());
+    }
+    std::ranges::sort(others);
+    const auto found = std::ranges::find_if(others, hasGuid);
+    return found == others.end() ? "" : *found;
 }
 
 }  // namespace vxfile

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "vxfileio/settings/XmlFileHeader.h"
 
@@ -20,8 +21,15 @@ struct CRunFile {
     std::string guid;
 };
 
-/// Returns a sentence if the Guids of settings and results differ; empty if they agree or one is empty, as most
-/// programs leave it out.
-std::string DifferenceOfRuns(const CRunFile& settings, const CRunFile& results);
+/// Returns a sentence if the Guids of two files differ; empty if they agree or one is empty, as most programs leave it
+/// out.
+std::string DifferenceOfRuns(const CRunFile& file, const CRunFile& other);
+
+/// Returns the path of the file with the same name but this extension; empty if there is none.
+std::string Neighbour(const std::string& path, std::string_view extension);
+
+/// Returns the path of a settings file in the folder of `path` that has this Guid: the one with the same name, or else
+/// the first by name. Empty if there is none, or the Guid is empty. Reads only heads.
+std::string SettingsBeside(const std::string& path, const std::string& guid);
 
 }  // namespace vxfile

@@ -23,6 +23,7 @@ constexpr CColumn kWell{"well", Whole, "", "The ID of the well"};
 constexpr CColumn kLabel{"label", Text, "", "The label of the well, such as B7"};
 constexpr CColumn kResponse{"response", Text, "", "The response, such as QT-Interval"};
 constexpr CColumn kAnalysed{"analysed", Flag, "", "Whether the well counts in this recording, by the settings"};
+constexpr CColumn kSeconds{"seconds", Real, "s", "The time in seconds"};
 constexpr CColumn kMark{"mark", Text, "", "How the response was obtained, by the settings, such as Deselected"};
 
 constexpr std::array kResponses = {kTask,
@@ -54,7 +55,9 @@ constexpr std::array kBeats = {kTask,
                                kLabel,
                                CColumn{"beat", Whole, "", "The number of the beat in the well's recording, from 0"},
                                CColumn{"time", Whole, "tick", "When it was detected"},
+                               kSeconds,
                                CColumn{"interval", Whole, "tick", "The time since the beat before; none at the first"},
+                               CColumn{"interval_seconds", Real, "s", "The interval in seconds"},
                                kAnalysed};
 
 constexpr std::array kAverages = {kTask,
@@ -65,10 +68,12 @@ constexpr std::array kAverages = {kTask,
                                   kLabel,
                                   CColumn{"sample", Whole, "", "The number of the sample in the average, from 0"},
                                   CColumn{"time", Whole, "tick", "Its time from the event of the average"},
+                                  kSeconds,
                                   CColumn{"value", Real, "", "The voltage, in the unit of the analysing program"},
                                   kAnalysed};
 
-/// A table: what users call it, its columns, and how many at their end are of the settings.
+/// A table: what users call it, its columns, and how many at their end are of the settings. Columns in seconds are
+/// there only if the ticks of a second are known.
 struct CTableKind {
     std::string_view word;
     std::span<const CColumn> columns;
@@ -92,7 +97,8 @@ class CRows {
  public:
     using CPut = std::function<void(std::span<const CCell>)>;
 
-    CRows(const CISettingsReader* settings, const CPut& put) : m_settings(settings), m_put(put) {}
+    CRows(const CTableOptions& options, const CPut& put)
+        : m_settings(options.settings), m_ticksPerSecond(options.ticksPerSecond), m_put(put) {}
 
     void PutResponses(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
         BeginWell(place, wellID, well);
@@ -114,16 +120,25 @@ class CRows {
     void PutBeats(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
         BeginWell(place, wellID, well);
         const auto& times = well.FPfastDetectionTimes;
-        for (std::size_t i = 0; i < times.size(); ++i)
-            Put({static_cast<std::int64_t>(i), times[i], i == 0 ? CCell() : IntervalBetween(times[i - 1], times[i])},
-                {m_isAnalysed});
+        for (std::size_t i = 0; i < times.size(); ++i) {
+            m_row = m_front;
+            m_row.emplace_back(static_cast<std::int64_t>(i));
+            AddTime(times[i]);
+            AddTime(i == 0 ? CCell() : IntervalBetween(times[i - 1], times[i]));
+            EndRow({m_isAnalysed});
+        }
     }
 
     void PutAverages(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
         if (!well.AverageExist()) return;
         BeginWell(place, wellID, well);
-        for (std::uint32_t i = 0; i < well.GetAveSamples(); ++i)
-            Put({std::int64_t{i}, well.GetAveTimeStamp(i), well.GetAveVoltage(i)}, {m_isAnalysed});
+        for (std::uint32_t i = 0; i < well.GetAveSamples(); ++i) {
+            m_row = m_front;
+            m_row.emplace_back(std::int64_t{i});
+            AddTime(well.GetAveTimeStamp(i));
+            m_row.emplace_back(well.GetAveVoltage(i));
+            EndRow({m_isAnalysed});
+        }
     }
 
  private:
@@ -157,11 +172,24 @@ class CRows {
     void Put(CCells values, CCells ofSettings) {
         m_row = m_front;
         m_row.insert(m_row.end(), values);
+        EndRow(ofSettings);
+    }
+
+    /// Adds a time in ticks, or none, and the same in seconds.
+    void AddTime(const CCell& ticks) {
+        m_row.push_back(ticks);
+        if (m_ticksPerSecond == 0) return;
+        const auto* const time = std::get_if<std::int64_t>(&ticks);
+        m_row.push_back(time == nullptr ? CCell() : CCell(static_cast<double>(*time) / m_ticksPerSecond));
+    }
+
+    void EndRow(CCells ofSettings) {
         if (m_settings != nullptr) m_row.insert(m_row.end(), ofSettings);
         m_put(m_row);
     }
 
     const CISettingsReader* m_settings;
+    double m_ticksPerSecond;
     const CPut& m_put;
     std::string m_doseText;
     std::string m_label;
@@ -179,14 +207,17 @@ std::optional<EResultsTable> ResultsTableOf(std::string_view word) {
     return static_cast<EResultsTable>(kind - std::begin(kKinds));
 }
 
-std::span<const CColumn> ColumnsOf(EResultsTable table, bool hasSettings) {
+std::vector<CColumn> ColumnsOf(EResultsTable table, bool hasSettings, bool hasSeconds) {
     const CTableKind& kind = kKinds[static_cast<std::size_t>(table)];
-    return kind.columns.first(kind.columns.size() - (hasSettings ? 0 : kind.ofSettings));
+    const auto all = kind.columns.first(kind.columns.size() - (hasSettings ? 0 : kind.ofSettings));
+    std::vector<CColumn> columns(all.begin(), all.end());
+    if (!hasSeconds) std::erase_if(columns, [](const CColumn& column) { return column.unit == "s"; });
+    return columns;
 }
 
-std::string ForEachRow(EResultsTable table, const std::string& path, const CISettingsReader* settings,
+std::string ForEachRow(EResultsTable table, const std::string& path, const CTableOptions& options,
                        const std::function<void(std::span<const CCell>)>& put) {
-    CRows rows(settings, put);
+    CRows rows(options, put);
     switch (table) {
         case EResultsTable::Means:
             return WalkResults(path, {.mean = std::bind_front(&CRows::PutMean, &rows)});

@@ -41,8 +41,8 @@ void AddNotebook(const CPropNotebook& notebook, CPage& page) {
 }
 
 void AddRecording(const CPropRecording& recording, CPage& page) {
-    page.Add("Sample interval", "interval", std::to_string(recording.Tick), recording.Tick);
-    page.Add("Length", "length", std::to_string(recording.RecordingTime), recording.RecordingTime);
+    page.Add("Sample interval", "interval", std::to_string(recording.Tick) + " ticks", recording.Tick);
+    page.Add("Length", "length", std::to_string(recording.RecordingTime) + " ticks", recording.RecordingTime);
     page.Add("Zero", "adZero", std::to_string(recording.ADZero), recording.ADZero);
     page.Add("Volts per AD step", "voltPerADStep",
              std::string(vxfileio::helpers::CNumberText::General(recording.VoltPerADStep).View()),

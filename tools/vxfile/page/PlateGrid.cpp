@@ -6,40 +6,22 @@
 #include <set>
 #include <tuple>
 
+#include "tools/vxfile/plate/PlatePlace.h"
 #include "tools/vxfile/report/Text.h"
 
 namespace vxfile::page {
 
 namespace {
 
-/// A place on a plate, from 0.
-struct CPlace {
-    std::int64_t row = -1;
-    std::int64_t column = -1;
-};
-
 struct CSize {
     std::int64_t rows = 0;
     std::int64_t columns = 0;
 
-    bool Holds(const CPlace& place) const {
-        return place.row >= 0 && place.column >= 0 && place.row < rows && place.column < columns;
-    }
+    bool Holds(const CPlatePlace& place) const { return place.IsKnown() && place.row < rows && place.column < columns; }
 };
 
 /// No plate is larger. A place beyond is damage.
 constexpr CSize kLargest = {64, 64};
-
-/// Returns the place that a label such as "B7" names; none if it has another form.
-CPlace PlaceOf(const std::string& label) {
-    if (label.size() < 2 || label.size() > 3 || label[0] < 'A' || label[0] > 'Z') return {};
-    std::int64_t column = 0;
-    for (const char c : label.substr(1)) {
-        if (c < '0' || c > '9') return {};
-        column = 10 * column + (c - '0');
-    }
-    return {label[0] - 'A', column - 1};
-}
 
 /// Returns the sizes that a layout can have. Programs number the wells of a plate of 16x6 in one way or the other.
 std::vector<CSize> SizesOf(enPlateLayout layout) {
@@ -55,13 +37,13 @@ std::vector<CSize> SizesOf(enPlateLayout layout) {
     }
 }
 
-using CPlaces = std::map<std::int32_t, CPlace>;  // by well ID
+using CPlaces = std::map<std::int32_t, CPlatePlace>;  // by well ID
 
 CPlaces PlacesOf(const std::map<std::int32_t, std::string>& labels, const CPropRecordPlate* plate) {
     CPlaces places;
     for (const auto& [id, label] : labels) {
         const PlateWell* well = plate == nullptr ? nullptr : plate->FindWell(id);
-        places[id] = well == nullptr ? PlaceOf(label) : CPlace{well->PlateRow, well->PlateColumn};
+        places[id] = well == nullptr ? PlaceOf(label) : CPlatePlace{well->PlateRow, well->PlateColumn};
     }
     return places;
 }
@@ -97,7 +79,7 @@ void ArrangeWells(CPlateValues& values, const std::map<std::int32_t, std::string
         CWellPlace& well = values.wells.emplace_back();
         well.id = id;
         well.label = label.empty() ? "well " + std::to_string(id) : Readable(label);
-        const CPlace& place = places.at(id);
+        const CPlatePlace& place = places.at(id);
         if (size.Holds(place) && taken.emplace(place.row, place.column).second) {
             well.row = static_cast<std::size_t>(place.row);
             well.column = static_cast<std::size_t>(place.column);

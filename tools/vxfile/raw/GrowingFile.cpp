@@ -15,7 +15,10 @@ namespace vxfile {
 
 using namespace vxfileio::rawdata;
 
-CGrowingFile::CGrowingFile(std::string path) : m_path(std::move(path)) { static_cast<void>(Open()); }
+CGrowingFile::CGrowingFile(std::string path, CPlateChoice choice)
+    : m_path(std::move(path)), m_choice(std::move(choice)) {
+    static_cast<void>(Open());
+}
 
 bool CGrowingFile::Look() {
     if (!Open()) return false;
@@ -118,11 +121,12 @@ bool CGrowingFile::TakeSegment() {
     Decode(*m_layout, bytes, header);
     const std::int64_t end = EndOf(*m_layout, m_position, header);
     if (end > m_size) return false;
-    ++m_latest.segments;
     ++m_segments;
+    m_position = end;
+    if (!m_choice.HasWell(header.ID)) return true;
+    ++m_latest.segments;
     m_latest.samples += SamplesOf(header);
     m_latest.wells.insert(header.ID);
-    m_position = end;
     return true;
 }
 

@@ -4,12 +4,13 @@
 #include <set>
 #include <string>
 
+#include "tools/vxfile/plate/PlateView.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/Layout.h"
 
 namespace vxfile {
 
-/// The content of a recording so far.
+/// The content of a recording so far, of the chosen wells.
 struct CRunningRecording {
     std::size_t index = 0;  ///< Its index in the file, from 0.
     CRawDataRecordingHdr header;
@@ -29,8 +30,9 @@ struct CRunningRecording {
 /// start.
 class CGrowingFile {
  public:
-    /// It is not an error if the file doesn't exist yet. Throws `CFailure` if it exists but can't be opened.
-    explicit CGrowingFile(std::string path);
+    /// Counts only what is in the chosen wells. It is not an error if the file doesn't exist yet. Throws `CFailure` if
+    /// it exists but can't be opened.
+    explicit CGrowingFile(std::string path, CPlateChoice choice = {});
 
     /// Reads everything that is complete in the bytes that the file has at the start of this call, so it returns even
     /// if the writer is fast. Returns true if there was anything new. Throws `CFailure` if it isn't a raw data file.
@@ -67,6 +69,7 @@ class CGrowingFile {
     std::string Read(std::int64_t position, std::size_t size) const;
 
     std::string m_path;
+    CPlateChoice m_choice;
     vxfileio::helpers::CFile m_file;
     std::int64_t m_position = 0;  ///< The end of the last header or segment that was read.
     std::int64_t m_size = 0;      ///< The size of the file at the start of the look.

@@ -46,12 +46,13 @@ void AddCells(const auto& cells, const std::string& name, std::string_view bytes
     }
 }
 
-std::vector<CLeaf> HeaderLeaves(const CRawScan& scan) {
+std::vector<CLeaf> HeaderLeaves(const CRawScan& scan, const CPlateChoice& choice) {
     std::vector<CLeaf> leaves;
     const CLayout& layout = scan.Layout();
     AddCells(layout.file.cells, "file header", scan.ReadBytes(0, layout.file.size), leaves);
     for (std::size_t i = 0; i < scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = scan.Recordings()[i];
+        if (!choice.HasRecording(recording.header)) continue;
         const std::string name = "recording " + std::to_string(i + 1);
         AddCells(layout.recording.cells, name, scan.ReadBytes(recording.position, layout.recording.size), leaves);
         leaves.push_back({name + " > state", recording.IsFinished() ? "finished" : "not finished"});
@@ -59,18 +60,19 @@ std::vector<CLeaf> HeaderLeaves(const CRawScan& scan) {
     return leaves;
 }
 
-std::string SegmentText(const CSegmentAt& segment) {
+std::string SegmentText(const CSegmentAt& segment, const CPlateView& view) {
     const auto& header = segment.header;
-    return "well " + std::to_string(header.ID) + ", from " + std::to_string(header.TimeFrom) + " to " +
-           std::to_string(header.TimeTo) + ", " + Counted(segment.Samples(), "sample");
+    return "well " + std::to_string(header.ID) + ", from " + view.TimesText(header.TimeFrom, header.TimeTo) + ", " +
+           Counted(segment.Samples(), "sample");
 }
 
 /// One of the two files.
 struct CSide {
-    explicit CSide(const std::string& file) : path(file), scan(file) {}
+    explicit CSide(const std::string& file) : path(file), scan(file), budget(scan) {}
 
     std::string path;
     CRawScan scan;
+    CSegmentBudget budget;
     CCoverage reached = {};  ///< The bytes that positions lead to.
     std::vector<std::byte> block = {};
 };
@@ -104,11 +106,11 @@ std::span<const std::byte> Read(CSide& side, std::int64_t position, std::size_t 
 
 class CRawDiff {
  public:
-    CRawDiff(const std::string& left, const std::string& right, CDifferences& differences)
-        : m_left(left),
+    CRawDiff(const std::string& left, const std::string& right, CDifferences& differences, const CPlateView& view)
+        : m_view(view),
+          m_left(left),
           m_right(right),
           m_differences(differences),
-          m_budget(m_left.scan),
           m_bytesLeft(kMostPasses * m_left.scan.Size()),
           m_progress("Comparing", m_left.scan.Size()) {
         for (const auto* side : {&m_left, &m_right}) {
@@ -118,11 +120,13 @@ class CRawDiff {
     }
 
     void Compare() {
-        CompareLeaves(HeaderLeaves(m_left.scan), HeaderLeaves(m_right.scan), m_differences);
+        const CPlateChoice& choice = m_view.choice;
+        CompareLeaves(HeaderLeaves(m_left.scan, choice), HeaderLeaves(m_right.scan, choice), m_differences);
         const std::size_t count = std::min(m_left.scan.Recordings().size(), m_right.scan.Recordings().size());
-        for (std::size_t i = 0; i < count; ++i)
-            CompareSegments(i);
-        if (m_differences.Count() == 0) CompareUnreached();  // all segments were compared
+        for (std::size_t i = 0; i < count; ++i) {
+            if (choice.HasRecording(m_left.scan.Recordings()[i].header)) CompareSegments(i);
+        }
+        if (m_differences.Count() == 0 && choice.IsAll()) CompareUnreached();  // all segments were compared
     }
 
  private:
@@ -132,16 +136,15 @@ class CRawDiff {
         const std::string name = NameOf(m_left.scan.Recordings()[index], index);
         m_told = 0;
         for (std::size_t number = 1; m_told < kMostSegmentsTold; ++number) {
-            const CSegmentAt* const left = lefts.Next();
-            const CSegmentAt* const right = rights.Next();
+            const CSegmentAt* const left = NextChosen(m_left, lefts);
+            const CSegmentAt* const right = NextChosen(m_right, rights);
             const std::string where = name + " > segment " + std::to_string(number);
             if (left == nullptr || right == nullptr) {
                 if (left != right)
-                    Tell({where, left == nullptr ? "" : SegmentText(*left),
-                          right == nullptr ? "" : SegmentText(*right)});
+                    Tell({where, left == nullptr ? "" : SegmentText(*left, m_view),
+                          right == nullptr ? "" : SegmentText(*right, m_view)});
                 break;
             }
-            if (!m_budget.Take()) RefuseTangle();
             m_progress.Reach(left->position);
             CompareSegment(where, *left, *right);
         }
@@ -155,11 +158,20 @@ class CRawDiff {
         }
     }
 
+    /// Moves to the next segment of a chosen well; null after the last one.
+    const CSegmentAt* NextChosen(CSide& side, CSegmentWalk& walk) const {
+        while (const CSegmentAt* const segment = walk.Next()) {
+            if (!side.budget.Take()) RefuseTangle();
+            if (m_view.choice.HasWell(segment->header.ID)) return segment;
+        }
+        return nullptr;
+    }
+
     void CompareSegment(const std::string& where, const CSegmentAt& left, const CSegmentAt& right) {
         Reach(m_left, left.position, left.End());
         Reach(m_right, right.position, right.End());
-        const std::string leftText = SegmentText(left);
-        const std::string rightText = SegmentText(right);
+        const std::string leftText = SegmentText(left, m_view);
+        const std::string rightText = SegmentText(right, m_view);
         if (leftText != rightText) return Tell({where, leftText, rightText});
         CompareBytes(left.DataPosition(), right.DataPosition(), std::int64_t{left.Samples()} * 2,
                      [&](std::int64_t done, std::span<const std::byte> a, std::span<const std::byte> b) {
@@ -215,10 +227,10 @@ class CRawDiff {
         m_differences.Add(std::move(difference));
     }
 
+    const CPlateView& m_view;
     CSide m_left;
     CSide m_right;
     CDifferences& m_differences;
-    CSegmentBudget m_budget;
     std::int64_t m_bytesLeft;  ///< The number of bytes to compare before giving up on overlapping segments.
     CProgress m_progress;
     int m_told = 0;
@@ -226,8 +238,9 @@ class CRawDiff {
 
 }  // namespace
 
-void CompareRawData(const std::string& left, const std::string& right, CDifferences& differences) {
-    CRawDiff(left, right, differences).Compare();
+void CompareRawData(const std::string& left, const std::string& right, CDifferences& differences,
+                    const CPlateView& view) {
+    CRawDiff(left, right, differences, view).Compare();
 }
 
 }  // namespace vxfile

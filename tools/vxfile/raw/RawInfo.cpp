@@ -23,10 +23,6 @@ constexpr int kAuxColumn = 5;  ///< The column of the table after the wells.
 
 bool HasAuxChannels(const CRecordingAt& recording) { return !recording.header.AuxChannels.empty(); }
 
-std::string DoseText(std::int64_t dose) {
-    return dose < 0 ? std::to_string(dose) + " pM" : DoseWithUnit(static_cast<std::uint64_t>(dose));
-}
-
 std::string DosesText(const std::vector<std::int64_t>& doses) {
     std::string text;
     for (const auto dose : doses)
@@ -34,16 +30,8 @@ std::string DosesText(const std::vector<std::int64_t>& doses) {
     return text;
 }
 
-std::vector<std::int32_t> WellIDsOf(const CRecordingAt& recording) {
-    std::vector<std::int32_t> wellIDs;
-    for (const auto& well : recording.header.WellChannels)
-        wellIDs.push_back(well.ID);
-    return wellIDs;
-}
-
 /// Returns the interval of all channels, or the smallest and the largest.
-std::string IntervalText(const CRecordingAt& recording) {
-    const auto& wells = recording.header.WellChannels;
+std::string IntervalText(const std::vector<CRawDataChannelInfo>& wells) {
     if (wells.empty()) return "";
     const auto [least, most] = std::ranges::minmax(wells, {}, &CRawDataChannelInfo::Ticks);
     const std::string text = std::to_string(least.Ticks);
@@ -62,8 +50,9 @@ CJson ChannelsJson(const std::vector<CRawDataChannelInfo>& channels) {
 
 class CRawInfo {
  public:
-    CRawInfo(const std::string& path, bool full, bool isAlone)
-        : m_scan(path),
+    CRawInfo(const std::string& path, bool full, bool isAlone, const CPlateView& view)
+        : m_view(view),
+          m_scan(path),
           m_counts(full || m_scan.Size() <= kSmallFile),
           m_hasAux(std::ranges::any_of(m_scan.Recordings(), HasAuxChannels)),
           m_budget(m_scan),
@@ -87,12 +76,16 @@ class CRawInfo {
     void TellLists();
     void TellRecordings();
     void TellSummary(const std::string& lastState);
-    CPage::CRow TellRecording(std::size_t index, CJson& list);
+    CPage::CRow TellRecording(std::size_t index, CJson& json);
     void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
     void JudgeHeader(std::size_t index, CPage::CRow& row);
     void JudgeWhatIsBehind();
     void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
 
+    std::vector<CRawDataChannelInfo> WellsOf(const CRecordingAt& recording) const;
+    CJson WellsJson(const std::vector<CRawDataChannelInfo>& wells) const;
+
+    const CPlateView& m_view;
     CRawScan m_scan;
     bool m_counts;  ///< Whether segments are counted.
     bool m_hasAux;  ///< Whether any recording has auxiliary channels.
@@ -129,16 +122,23 @@ void CRawInfo::TellLists() {
 }
 
 void CRawInfo::TellRecordings() {
-    CPage::CRow head = {"#", "Task", "Number", "Dose", "Wells", "Interval", "Length", "State"};
+    CPage::CRow head = {"#", "Task", "Number", "Dose", "Wells", "Interval (ticks)", "Length (ticks)", "State"};
     if (m_hasAux) head.insert(head.begin() + kAuxColumn, "Auxiliary");
+    if (m_view.ticksPerSecond != 0) head.insert(head.end() - 1, "Length (s)");
     if (m_counts) head.insert(head.end() - 1, {"Segments", "Samples"});
     std::vector<CPage::CRow> table = {head};
     CJson list = CJson::array();
+    std::string lastState;
     for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
-        table.push_back(TellRecording(i, list));
+        CJson json;
+        CPage::CRow row = TellRecording(i, json);
+        lastState = row.back();
         m_progress.Reach(m_end);
+        if (!m_view.choice.HasRecording(m_scan.Recordings()[i].header)) continue;
+        table.push_back(std::move(row));
+        list.push_back(std::move(json));
     }
-    TellSummary(table.back().back());
+    TellSummary(lastState);
     m_page.SetTable(std::move(table));
     m_page.Json()["recordings"] = std::move(list);
     m_page.Json()["chainDamaged"] = m_scan.Break().has_value();
@@ -151,17 +151,20 @@ void CRawInfo::TellSummary(const std::string& lastState) {
     std::set<std::int32_t> wells;
     std::string taskText;
     for (const auto& recording : recordings) {
+        if (!m_view.choice.HasRecording(recording.header)) continue;
         const std::string task = Readable(recording.header.TaskName);
         if (std::ranges::find(tasks, task) == tasks.end()) tasks.push_back(task);
-        const auto wellIDs = WellIDsOf(recording);
-        wells.insert(wellIDs.begin(), wellIDs.end());
+        for (const auto& well : WellsOf(recording))
+            wells.insert(well.ID);
     }
     for (const auto& task : tasks)
         taskText += (taskText.empty() ? "" : ", ") + task;
     const bool finished = !recordings.empty() && recordings.back().IsFinished();
     m_page.Add("Tasks", "tasks", taskText.empty() ? "none" : taskText, tasks);
     const std::vector<std::int32_t> wellIDs(wells.begin(), wells.end());
-    const std::string wellText = wells.empty() ? "" : ": " + ListText(wellIDs);
+    const std::string wellText = wells.empty() ? "" : ": " + m_view.labels.List(wellIDs);
+    if (m_view.labels.AreKnown())
+        m_page.Add("Settings", "settings", Readable(m_view.labels.Source()), Utf8(m_view.labels.Source()));
     m_page.Add("Wells", "wells", std::to_string(wells.size()) + wellText, wellIDs);
     std::string count = std::to_string(recordings.size());
     if (!recordings.empty())
@@ -170,30 +173,49 @@ void CRawInfo::TellSummary(const std::string& lastState) {
     m_page.Json()["lastFinished"] = finished;
 }
 
-CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& list) {
+/// Returns the chosen wells of a recording.
+std::vector<CRawDataChannelInfo> CRawInfo::WellsOf(const CRecordingAt& recording) const {
+    auto wells = recording.header.WellChannels;
+    std::erase_if(wells, [&](const auto& well) { return !m_view.choice.HasWell(well.ID); });
+    return wells;
+}
+
+CJson CRawInfo::WellsJson(const std::vector<CRawDataChannelInfo>& wells) const {
+    CJson list = ChannelsJson(wells);
+    if (!m_view.labels.AreKnown()) return list;
+    for (CJson& well : list)
+        well["label"] = m_view.labels.Of(well["id"].get<std::int32_t>());
+    return list;
+}
+
+CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const CRawDataRecordingHdr& header = recording.header;
-    CJson json = {{"task", Readable(header.TaskName)},
-                  {"number", header.Recording},
-                  {"dose", header.Dose},
-                  {"offset", recording.position},
-                  {"startTime", header.RecordingStartTime},
-                  {"length", header.RecordingTime},
-                  {"finished", recording.IsFinished()},
-                  {"channels", ChannelsJson(header.WellChannels)},
-                  {"auxChannels", ChannelsJson(header.AuxChannels)}};
+    const auto wells = WellsOf(recording);
+    json = {{"task", Readable(header.TaskName)},
+            {"number", header.Recording},
+            {"dose", header.Dose},
+            {"offset", recording.position},
+            {"startTime", header.RecordingStartTime},
+            {"length", header.RecordingTime},
+            {"finished", recording.IsFinished()},
+            {"channels", WellsJson(wells)},
+            {"auxChannels", ChannelsJson(header.AuxChannels)}};
     CPage::CRow row = {std::to_string(index + 1),
                        Readable(header.TaskName),
                        std::to_string(header.Recording),
                        DoseText(header.Dose),
-                       std::to_string(header.WellChannels.size()),
-                       IntervalText(recording),
+                       std::to_string(wells.size()),
+                       IntervalText(wells),
                        std::to_string(header.RecordingTime),
                        recording.IsFinished() ? kFinished : "not finished"};
     if (m_hasAux) row.insert(row.begin() + kAuxColumn, std::to_string(header.AuxChannels.size()));
+    if (m_view.ticksPerSecond != 0) {
+        row.insert(row.end() - 1, SecondsText(header.RecordingTime, m_view.ticksPerSecond));
+        json["lengthSeconds"] = static_cast<double>(header.RecordingTime) / m_view.ticksPerSecond;
+    }
     JudgeHeader(index, row);
     if (m_counts) CountSegments(index, row, json);
-    list.push_back(std::move(json));
     return row;
 }
 
@@ -232,11 +254,12 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
     while (const CSegmentAt* segment = walk.Next()) {
         shared = !m_budget.Take();
         if (shared) break;
-        ++segments;
+        const bool isChosen = m_view.choice.HasWell(segment->header.ID);
+        segments += isChosen ? 1 : 0;
         const bool isWhole = m_scan.HasByteAt(segment->End() - 1);
         const std::int64_t there =
             isWhole ? segment->Samples() : std::max<std::int64_t>(m_scan.Size() - segment->DataPosition(), 0) / 2;
-        samples += static_cast<std::uint64_t>(std::min<std::int64_t>(there, segment->Samples()));
+        if (isChosen) samples += static_cast<std::uint64_t>(std::min<std::int64_t>(there, segment->Samples()));
         cut = cut || there < segment->Samples();
         m_end = std::max(m_end, segment->End());
         m_progress.Reach(segment->position);
@@ -254,6 +277,8 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
 
 }  // namespace
 
-CPage InfoOfRawData(const std::string& path, bool full, bool isAlone) { return CRawInfo(path, full, isAlone).Tell(); }
+CPage InfoOfRawData(const std::string& path, bool full, bool isAlone, const CPlateView& view) {
+    return CRawInfo(path, full, isAlone, view).Tell();
+}
 
 }  // namespace vxfile

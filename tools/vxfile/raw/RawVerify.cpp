@@ -51,29 +51,38 @@ struct CChainSum {
 
 class CRawVerifier {
  public:
-    explicit CRawVerifier(const std::string& path)
-        : m_scan(path), m_progress("Checking " + path, m_scan.Size()), m_budget(m_scan) {}
+    CRawVerifier(const std::string& path, const CPlateChoice& choice)
+        : m_choice(choice), m_scan(path), m_progress("Checking " + path, m_scan.Size()), m_budget(m_scan) {}
 
     CFindings Verify() {
         JudgeFileHdr();
         if (m_scan.Size() < m_scan.FileHdrSize()) return std::move(m_findings);
         for (std::size_t index = 0; index < m_scan.Recordings().size(); ++index)
             JudgeRecording(index);
+        m_recording = nullptr;
         if (m_scan.Break()) JudgeBreakOfRecordings(*m_scan.Break());
         JudgeCoverage();
         return std::move(m_findings);
     }
 
  private:
+    /// Adds a finding about the recording and the well at hand, if they are chosen.
+    void Add(CFinding finding) {
+        finding.well = m_well;
+        const bool isChosen = (m_recording == nullptr || m_choice.HasRecording(m_recording->header)) &&
+                              (!m_well || m_choice.HasWell(*m_well));
+        if (!isChosen) return m_findings.AddElsewhere();
+        m_findings.Add(std::move(finding));
+    }
     void Add(std::string where, std::int64_t offset, std::string found, std::string expected, std::string meaning) {
-        m_findings.Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
+        Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
     }
 
     /// Adds a broken rule in the header at `position`.
     void Add(const std::string& header, std::int64_t position, CBreach breach) {
-        m_findings.Add({breach.key.empty() ? header : header + " > " + std::string(breach.key),
-                        position + static_cast<std::int64_t>(breach.offset), std::move(breach.found),
-                        std::move(breach.expected), std::move(breach.meaning), std::string(RowOf(breach.rule).id)});
+        Add({breach.key.empty() ? header : header + " > " + std::string(breach.key),
+             position + static_cast<std::int64_t>(breach.offset), std::move(breach.found), std::move(breach.expected),
+             std::move(breach.meaning), std::string(RowOf(breach.rule).id)});
     }
     void Add(const std::string& header, std::int64_t position, std::vector<CBreach> breaches) {
         for (CBreach& breach : breaches)
@@ -110,6 +119,7 @@ class CRawVerifier {
     bool IsBeingWritten(CRange tail) const;
     void JudgeCoverage();
 
+    const CPlateChoice& m_choice;
     CRawScan m_scan;
     vxfileio::recovery::CFileInput m_input{m_scan.File()};
     vxfileio::recovery::CWindow m_samples{m_input, m_scan.Size()};
@@ -117,7 +127,9 @@ class CRawVerifier {
     CProgress m_progress;
     CFindings m_findings;
     CCoverage m_coverage;
-    CSegmentRules m_rules;  ///< For the current recording.
+    CSegmentRules m_rules;                      ///< For the current recording.
+    const CRecordingAt* m_recording = nullptr;  ///< The recording at hand; null if none is.
+    std::optional<std::int32_t> m_well;         ///< The well of the segment at hand; nothing if none is.
     CSegmentBudget m_budget;
     bool m_circle = false;  ///< Chains share segments, so overlaps mean nothing.
 };
@@ -143,6 +155,7 @@ void CRawVerifier::JudgeFileHdr() {
 
 void CRawVerifier::JudgeRecording(std::size_t index) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
+    m_recording = &recording;
     const std::string name = NameOf(recording, index);
     const CLayout& layout = m_scan.Layout();
     std::vector<CRawDataChannelInfo> wells;
@@ -203,7 +216,9 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
                     "The rest of these chains wasn't checked.");
             break;
         }
+        m_well = segment->header.ID;
         JudgeSegment(*segment, recording, name, sum.segments);
+        m_well.reset();
         if (!recording.IsFinished() && IsIncomplete(*segment)) {
             sum.isLastIncomplete = true;
             break;
@@ -348,6 +363,10 @@ void CRawVerifier::JudgeCoverage() {
 
 }  // namespace
 
-CFindings VerifyRawData(const std::string& path) { return CRawVerifier(path).Verify(); }
+CFindings VerifyRawData(const std::string& path) { return VerifyRawData(path, {}); }
+
+CFindings VerifyRawData(const std::string& path, const CPlateChoice& choice) {
+    return CRawVerifier(path, choice).Verify();
+}
 
 }  // namespace vxfile

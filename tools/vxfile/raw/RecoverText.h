@@ -4,6 +4,7 @@
 #include <string>
 
 #include "recovery/Report.h"
+#include "tools/vxfile/plate/PlateView.h"
 #include "tools/vxfile/report/Json.h"
 
 namespace vxfile {
@@ -20,10 +21,11 @@ std::string TextOf(const vxfileio::recovery::CRemark& remark);
 /// Returns what had to be made up, as a clause. `header` names the header.
 std::string TextOf(const vxfileio::recovery::CNote& note, const std::string& header);
 
-/// Prints a report for people.
-void PrintReport(std::ostream& out, const vxfileio::recovery::CReport& report, const CRecoverNames& names);
+/// Prints a report for people: of recordings and wells only those that are chosen, but the sums of all.
+void PrintReport(std::ostream& out, const vxfileio::recovery::CReport& report, const CRecoverNames& names,
+                 const CPlateView& view);
 
-/// Returns a report for programs.
-CJson ToJson(const vxfileio::recovery::CReport& report, const CRecoverNames& names);
+/// Returns a report for programs about all recordings and wells.
+CJson ToJson(const vxfileio::recovery::CReport& report, const CRecoverNames& names, const CPlateView& view);
 
 }  // namespace vxfile

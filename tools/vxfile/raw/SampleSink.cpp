@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vxfile/raw/DecimalScale.h"
 #include "tools/vxfile/report/NpyFile.h"
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/system/Failure.h"
@@ -29,10 +30,8 @@ double InUnits(std::uint16_t sample, const CRawDataChannelInfo& channel) {
     return (static_cast<double>(sample) - channel.ADZero) * channel.UnitsPerAD;
 }
 
-/// Returns the channel that converts the piece's samples to units; an empty one without `units`. Throws `CFailure` if
-/// the header lacks the units.
-CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
-    if (!units) return {};
+/// Returns the channel that converts the piece's samples to units. Throws `CFailure` if the header lacks the units.
+const CRawDataChannelInfo& ChannelOf(const CPiece& piece) {
     if (piece.channel == nullptr)
         throw CFailure("The recording header has no well " + std::to_string(piece.well) +
                        ", so its unit isn't known; omit --units or choose other wells.");
@@ -48,17 +47,24 @@ CRawDataChannelInfo ChannelOf(const CPiece& piece, bool units) {
 class CTextTable : public CSampleSink {
  public:
     CTextTable(const CSampleForm& form, char separator)
-        : m_units(form.units), m_separator(separator), m_output(form.target) {
-        m_text = "task,recording,well,time,";
-        m_text += m_units ? "value\n" : "sample\n";
+        : m_units(form.units),
+          m_separator(separator),
+          m_output(form.target),
+          m_labels(form.labels),
+          m_ticksPerSecond(form.ticksPerSecond) {
+        m_text.append("task,recording,well,").append(m_labels == nullptr ? "" : "label,dose,").append("time,");
+        m_text.append(m_ticksPerSecond == 0 ? "" : "seconds,").append(m_units ? "value\n" : "sample\n");
         std::ranges::replace(m_text, ',', separator);
     }
 
     void Begin(const CPiece& piece) override {
         m_piece = &piece;
-        m_channel = ChannelOf(piece, m_units);
+        if (m_units) m_scale = CDecimalScale(ChannelOf(piece));
         m_start = DelimitedField(piece.recording->TaskName, m_separator) + m_separator +
                   std::to_string(piece.recording->Recording) + m_separator + std::to_string(piece.well) + m_separator;
+        if (m_labels == nullptr) return;
+        m_start += DelimitedField(std::string(m_labels->Of(piece.well)), m_separator) + m_separator +
+                   std::to_string(piece.recording->Dose) + m_separator;
     }
 
     void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
@@ -66,8 +72,12 @@ class CTextTable : public CSampleSink {
             m_text += m_start;
             AddNumber(time);
             m_text += m_separator;
+            if (m_ticksPerSecond != 0) {
+                AddNumber(static_cast<double>(time) / m_ticksPerSecond);
+                m_text += m_separator;
+            }
             if (m_units) {
-                AddNumber(InUnits(sample, m_channel));
+                m_scale.AddTo(m_text, sample);
             } else {
                 AddNumber(sample);
             }
@@ -99,8 +109,10 @@ class CTextTable : public CSampleSink {
     bool m_units;
     char m_separator;
     COutput m_output;
+    const CPlateLabels* m_labels;
+    double m_ticksPerSecond;
     const CPiece* m_piece = nullptr;
-    CRawDataChannelInfo m_channel;
+    CDecimalScale m_scale;
     std::string m_start;  ///< The start of each line of the piece.
     std::string m_text;
     std::array<char, 32> m_number{};  ///< Buffer for one number, kept to be cleared only once.
@@ -134,7 +146,7 @@ class CNpyArray : public CSampleSink {
     void Begin(const CPiece& piece) override {
         if (piece.well != m_well.value_or(piece.well)) RefuseSecondWell();
         m_well = piece.well;
-        m_channel = ChannelOf(piece, m_units);
+        if (m_units) m_channel = ChannelOf(piece);
     }
 
     void Put(std::int64_t /*time*/, std::span<const std::uint16_t> samples) override {
@@ -154,24 +166,31 @@ class CNpyArray : public CSampleSink {
     std::vector<double> m_values;
 };
 
-/// A table of all wells, with the columns of the text formats: task, recording, well, time and value of each sample.
+/// A table of all wells, with the columns of the text formats.
 class CNpyTable : public CSampleSink {
  public:
     CNpyTable(const CSampleForm& form, CSampleSource& source)
         : m_units(form.units),
+          m_labels(form.labels),
+          m_ticksPerSecond(form.ticksPerSecond),
           m_taskSize(std::max(source.LongestTask(), std::size_t{1})),
+          m_labelSize(m_labels == nullptr ? 0 : std::max(m_labels->Longest(), std::size_t{1})),
           m_itemSize(m_taskSize + 2 * sizeof(std::int32_t) + sizeof(std::int64_t) +
-                     (m_units ? sizeof(double) : sizeof(std::uint16_t))),
+                     (m_labels == nullptr ? 0 : m_labelSize + sizeof(std::int64_t)) +
+                     (m_ticksPerSecond == 0 ? 0 : sizeof(double)) + (m_units ? sizeof(double) : sizeof(std::uint16_t))),
           m_block(kBlockItems * m_itemSize),
           m_file(form.target, Type(), [&] { return CountAhead(form, source); }) {}
 
     void Begin(const CPiece& piece) override {
         m_piece = &piece;
-        m_channel = ChannelOf(piece, m_units);
+        if (m_units) m_channel = ChannelOf(piece);
         m_front = piece.recording->TaskName;
         m_front.resize(m_taskSize);
         Append(m_front, piece.recording->Recording);
         Append(m_front, piece.well);
+        if (m_labels == nullptr) return;
+        m_front.append(m_labels->Of(piece.well)).append(m_labelSize - m_labels->Of(piece.well).size(), '\0');
+        Append(m_front, piece.recording->Dose);
     }
 
     void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
@@ -190,11 +209,13 @@ class CNpyTable : public CSampleSink {
     static constexpr std::size_t kBlockItems = 4096;
 
     std::string Type() const {
-        return "[('task','|S" + std::to_string(m_taskSize) + "'),('recording','<i4'),('well','<i4'),('time','<i8')," +
+        return "[('task','|S" + std::to_string(m_taskSize) + "'),('recording','<i4'),('well','<i4')," +
+               (m_labels == nullptr ? "" : "('label','|S" + std::to_string(m_labelSize) + "'),('dose','<i8'),") +
+               "('time','<i8')," + (m_ticksPerSecond == 0 ? "" : "('seconds','<f8'),") +
                (m_units ? "('value','<f8')]" : "('sample','<u2')]");
     }
 
-    static void Append(std::string& bytes, std::int32_t number) {
+    static void Append(std::string& bytes, const auto& number) {
         std::array<char, sizeof number> raw{};
         std::memcpy(raw.data(), &number, sizeof number);
         bytes.append(raw.data(), raw.size());
@@ -209,6 +230,7 @@ class CNpyTable : public CSampleSink {
         for (const std::uint16_t sample : samples) {
             at = std::ranges::copy(std::as_bytes(std::span(m_front)), at).out;
             add(time);
+            if (m_ticksPerSecond != 0) add(static_cast<double>(time) / m_ticksPerSecond);
             if (m_units) {
                 add(InUnits(sample, m_channel));
             } else {
@@ -219,7 +241,10 @@ class CNpyTable : public CSampleSink {
     }
 
     bool m_units;
+    const CPlateLabels* m_labels;
+    double m_ticksPerSecond;
     std::size_t m_taskSize;
+    std::size_t m_labelSize;
     std::size_t m_itemSize;
     std::vector<std::byte> m_block;
     CNpyFile m_file;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/vxfile/plate/PlateLabels.h"
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/system/Output.h"
 
@@ -20,6 +21,8 @@ struct CSampleForm {
     bool units = false;                     ///< In the channel's physical unit instead of converter steps.
     CTarget target = {};                    ///< If its path has `{well}`, each well gets an output of its own.
     std::optional<std::int32_t> well = {};  ///< The well of this target if each well has its own.
+    const CPlateLabels* labels = nullptr;   ///< Adds the columns `label` and `dose` to tables; null for none.
+    double ticksPerSecond = 0;              ///< Adds the column `seconds` to tables; 0 for none.
 };
 
 /// Writes samples, piece by piece, in one of the formats.

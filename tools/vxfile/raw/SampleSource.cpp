@@ -248,7 +248,8 @@ std::size_t CSampleSource::LongestTask() const {
 }
 
 bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
-    return Has(m_choice.tasks, header.TaskName) && Has(m_choice.recordings, header.Recording);
+    return Has(m_choice.tasks, header.TaskName) && Has(m_choice.doses, header.Dose) &&
+           Has(m_choice.recordings, header.Recording);
 }
 
 /// Returns the chosen part of a segment, and updates the range of times and the list of wells.

@@ -18,6 +18,7 @@ namespace vxfile {
 /// A choice of samples. An empty list means all.
 struct CSampleChoice {
     std::vector<std::string> tasks = {};
+    std::vector<std::int64_t> doses = {};       ///< In picomolar.
     std::vector<std::int32_t> recordings = {};  ///< Their numbers within the tasks.
     std::vector<std::int32_t> wells = {};
     std::int64_t from = std::numeric_limits<std::int64_t>::min();  ///< The first time.

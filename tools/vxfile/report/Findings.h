@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct CFinding {
     std::string expected;      ///< What should.
     std::string meaning;       ///< What that means for whoever reads the file.
     std::string rule = {};     ///< The name of the rule that is broken; empty if it has none.
+    std::optional<std::int32_t> well = {};  ///< The ID of the well that it is about; nothing if of none.
 };
 
 /// All findings about one file. A damaged file may have millions; all are counted, the first ones kept.
@@ -23,6 +25,10 @@ class CFindings {
     static constexpr std::size_t kMostKept = 1000;
 
     void Add(CFinding finding);
+
+    /// Counts a finding about something else than was chosen.
+    void AddElsewhere() { ++m_elsewhere; }
+    std::size_t Elsewhere() const { return m_elsewhere; }
 
     /// Notes that no reader gets anything out of the file.
     void MakeUnusable() { m_usable = false; }
@@ -36,6 +42,7 @@ class CFindings {
  private:
     std::vector<CFinding> m_kept;
     std::size_t m_count = 0;
+    std::size_t m_elsewhere = 0;
     bool m_usable = true;
 };
 

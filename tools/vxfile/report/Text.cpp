@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdio>
+#include <system_error>
 #include <utility>
 
 using vxfileio::helpers::IsUtf8;
@@ -16,6 +18,20 @@ namespace {
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
 bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
+
+/// The units of doses, each a thousand times the one before.
+constexpr std::array<std::string_view, 5> kDoseUnits = {"pM", "nM", "\xC2\xB5M", "mM", "M"};
+
+/// Other ways to write the third of them: in ASCII, with the Greek letter, in Latin-1.
+constexpr std::array<std::string_view, 3> kMicromolar = {"uM", "\xCE\xBCM", "\xB5M"};
+
+/// Returns the power of ten by which a unit is larger than picomolar; nothing if it is no unit.
+std::optional<int> PowerOf(std::string_view unit) {
+    if (std::ranges::find(kMicromolar, unit) != kMicromolar.end()) unit = kDoseUnits[2];
+    const auto* const found = std::ranges::find(kDoseUnits, unit);
+    if (found == kDoseUnits.end()) return std::nullopt;
+    return 3 * static_cast<int>(found - kDoseUnits.begin());
+}
 
 std::string Latin1(char c) { return Byte(c) < 0xA0 ? Printable(c) : Utf8({&c, 1}); }
 
@@ -70,11 +86,31 @@ std::string SizeText(std::int64_t bytes) {
 }
 
 std::string DoseWithUnit(std::uint64_t dose) {
-    constexpr std::array kUnits = {"pM", "nM", "\xC2\xB5M", "mM", "M"};
     std::size_t unit = 0;
-    for (; dose != 0 && dose % 1000 == 0 && unit + 1 < kUnits.size(); ++unit)
+    for (; dose != 0 && dose % 1000 == 0 && unit + 1 < kDoseUnits.size(); ++unit)
         dose /= 1000;
-    return std::to_string(dose) + ' ' + kUnits[unit];
+    return std::to_string(dose).append(" ").append(kDoseUnits[unit]);
+}
+
+std::string DoseText(std::int64_t dose) {
+    return dose < 0 ? std::to_string(dose) + " pM" : DoseWithUnit(static_cast<std::uint64_t>(dose));
+}
+
+std::optional<std::int64_t> ParseDose(std::string_view text) {
+    if (text == "0") return 0;
+    const std::size_t end = std::min(text.find_first_not_of("0123456789."), text.size());
+    const std::string_view number = text.substr(0, end);
+    const std::size_t point = std::min(number.find('.'), number.size());
+    std::string_view decimals = number.substr(std::min(point + 1, number.size()));
+    decimals = decimals.substr(0, decimals.find_last_not_of('0') + 1);
+    const auto power = PowerOf(text.substr(std::min(text.find_first_not_of(' ', end), text.size())));
+    if (!power || point == 0 || decimals.size() > static_cast<std::size_t>(*power)) return std::nullopt;
+    std::string digits(number.substr(0, point));
+    digits.append(decimals).append(static_cast<std::size_t>(*power) - decimals.size(), '0');
+    std::int64_t dose = 0;
+    const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), dose);
+    if (error != std::errc() || stop != digits.data() + digits.size()) return std::nullopt;
+    return dose;
 }
 
 std::string ListText(const std::vector<std::int32_t>& numbers) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,13 @@ std::string SizeText(std::int64_t bytes);
 
 /// Returns a dose of picomolar in the largest unit that takes it whole, such as "10 nM".
 std::string DoseWithUnit(std::uint64_t dose);
+
+/// Returns the same for the dose of a recording, which is in picomolar if it is negative.
+std::string DoseText(std::int64_t dose);
+
+/// Returns the dose in picomolar that a text such as "100nM", "0.5 uM" or "0" means; nothing if it has no unit, has
+/// another form, or isn't a whole number of picomolar that 64 bits hold.
+std::optional<std::int64_t> ParseDose(std::string_view text);
 
 /// Returns numbers with ", " between them; runs of neighbours are shortened to "11 - 34".
 std::string ListText(const std::vector<std::int32_t>& numbers);

@@ -113,12 +113,6 @@ class CPlateReporter {
     page::CPlateSource m_source;
 };
 
-std::string Neighbour(const std::string& results, std::string_view extension) {
-    const std::string path = fs::path(results).replace_extension(extension).string();
-    std::error_code ignored;
-    return fs::is_regular_file(path, ignored) ? path : "";
-}
-
 }  // namespace
 
 CRunPaths WithNeighbours(CRunPaths paths) {

@@ -162,8 +162,7 @@ CCells CellsOf(const CCatalogEntry& entry) {
 
 CCells CellsOf(const CCatalogRecording* recording, std::string& doseText) {
     if (recording == nullptr) return CCells(RecordingColumns().size());
-    const std::int64_t dose = recording->dose;
-    doseText = dose < 0 ? std::to_string(dose) + " pM" : DoseWithUnit(static_cast<std::uint64_t>(dose));
+    doseText = DoseText(recording->dose);
     return {recording->task,  recording->number,  recording->dose, doseText,
             recording->wells, recording->samples, recording->state};
 }

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cstddef>
+#include <deque>
 #include <filesystem>
 #include <iostream>
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -17,6 +17,7 @@
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FolderWalk.h"
 #include "tools/vxfile/shell/catalog/CatalogEntry.h"
+#include "tools/vxfile/shell/catalog/CatalogRuns.h"
 #include "tools/vxfile/shell/catalog/CatalogStore.h"
 #include "tools/vxfile/shell/catalog/InOrder.h"
 #include "tools/vxfile/shell/commands/Commands.h"
@@ -94,6 +95,7 @@ class CCatalogCommand : public CCommand {
     std::vector<CColumn> Columns() const {
         std::vector<CColumn> columns(FileColumns().begin(), FileColumns().end());
         if (m_hasRecordings) columns.insert(columns.end(), RecordingColumns().begin(), RecordingColumns().end());
+        columns.insert(columns.end(), RunColumns().begin(), RunColumns().end());
         return columns;
     }
 
@@ -128,12 +130,13 @@ class CCatalogCommand : public CCommand {
         const auto threads = static_cast<std::size_t>(std::clamp<std::int64_t>(m_threads, 0, kMostThreads));
         ForEachInOrder(
             paths.size(), threads == 0 ? processors : threads, [&](std::size_t i) { return ScanFile(paths[i]); },
-            [&](std::size_t i, const CCatalogEntry& entry) {
+            [&](std::size_t i, CCatalogEntry entry) {
                 progress.Reach(static_cast<std::int64_t>(i));
                 if (!entry.stamp.modified.empty()) put(entry);
             });
     }
 
+    /// Writes all rows once all files are known, since each has the other files of its run.
     void Write() {
         std::error_code none;
         if (m_target.path != "-" && fs::exists(m_target.path, none)) {
@@ -142,24 +145,28 @@ class CCatalogCommand : public CCommand {
         }
         const std::vector<CColumn> columns = Columns();
         const auto writer = MakeTableWriter(Form(), m_target, columns, {});
-        Scan(m_paths, [&](const CCatalogEntry& entry) {
+        std::deque<CCatalogEntry> entries;
+        Scan(m_paths, [&](CCatalogEntry& entry) {
             ++m_states[std::string(entry.state)];
-            if (!entry.guid.empty()) m_runs[entry.guid].insert(entry.kind);
-            WriteRows(*writer, entry);
+            m_runs.Add(entries.emplace_back(std::move(entry)));
         });
+        for (const CCatalogEntry& entry : entries)
+            WriteRows(*writer, entry);
         writer->Commit();
     }
 
     void WriteRows(CTableWriter& writer, const CCatalogEntry& entry) const {
         const CCells file = CellsOf(entry);
-        if (!m_hasRecordings) return writer.Put(file);
+        const CCells run = m_runs.CellsOf(entry);
         std::string doseText;
         const auto write = [&](const CCatalogRecording* recording) {
             CCells row = file;
-            const CCells cells = CellsOf(recording, doseText);
+            const CCells cells = m_hasRecordings ? CellsOf(recording, doseText) : CCells();
             row.insert(row.end(), cells.begin(), cells.end());
+            row.insert(row.end(), run.begin(), run.end());
             writer.Put(row);
         };
+        if (!m_hasRecordings) return write(nullptr);
         if (entry.recordings.empty()) write(nullptr);
         for (const auto& recording : entry.recordings)
             write(&recording);
@@ -193,9 +200,8 @@ class CCatalogCommand : public CCommand {
         for (const auto state : {kFinished, kUnfinished, kDamaged})
             std::cerr << CountOf(state) << ' ' << state << ", ";
         std::cerr << CountOf(kUnreadable) << ' ' << kUnreadable << '\n';
-        if (m_runs.empty()) return;
-        const auto whole = std::ranges::count_if(m_runs, [](const auto& run) { return run.second.size() >= 3; });
-        std::cerr << Counted(m_runs.size(), "run") << " by Guid, " << whole
+        if (m_runs.Count() == 0) return;
+        std::cerr << Counted(m_runs.Count(), "run") << " by Guid, " << m_runs.Whole()
                   << " of them with recording, settings and results\n";
     }
 
@@ -214,7 +220,7 @@ class CCatalogCommand : public CCommand {
     std::vector<std::string> m_folders;     ///< Where they were searched.
     std::vector<std::string> m_unreadable;  ///< Folders.
     std::map<std::string, std::uint64_t> m_states;
-    std::map<std::string, std::set<std::string_view>> m_runs;  ///< The kinds of the files of each.
+    CCatalogRuns m_runs;
     std::string m_note;
 };
 

@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <array>
 #include <iostream>
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tools/vxfile/document/XmlDiff.h"
 #include "tools/vxfile/raw/RawDiff.h"
@@ -12,6 +12,7 @@
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/workbook/WorkbookDiff.h"
@@ -35,25 +36,18 @@ constexpr CCommandText kText = {
 
 constexpr std::size_t kMostPrinted = 50;
 
-using CCompare = void (*)(const std::string&, const std::string&, CDifferences&);
-
-CCompare CompareFor(EFileKind kind) {
-    constexpr std::array<CCompare, 4> kCompares = {CompareRawData, CompareDocuments, CompareDocuments,
-                                                   CompareWorkbooks};
-    return kCompares[static_cast<std::size_t>(kind)];
-}
-
 class CDiffCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "LEFT", .target = &m_left, .text = "One file", .isRequired = true},
             {.names = "RIGHT", .target = &m_right, .text = "The other", .isRequired = true},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
             {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
         };
+        return With(std::move(options), m_plate);
     }
 
     int Run() override {
@@ -65,15 +59,24 @@ class CDiffCommand : public CCommand {
     }
 
  private:
-    int Compare() const {
+    int Compare() {
         const EFileKind kind = Kind();
         CDifferences differences;
-        CompareFor(kind)(m_left, m_right, differences);
+        Compare(kind, differences);
         const std::string& omission = differences.Omission();
         if (differences.Count() == 0 && !omission.empty()) throw CFailure(omission);
         if (m_json && !m_quiet) PrintDocument(ToJson(kind, differences));
         if (!m_json && !m_quiet) Print(differences);
         return differences.Count() == 0 ? kSound : kFindings;
+    }
+
+    void Compare(EFileKind kind, CDifferences& differences) {
+        if (kind == EFileKind::Workbook) return CompareWorkbooks(m_left, m_right, differences);
+        if (kind != EFileKind::RawData) return CompareDocuments(m_left, m_right, differences);
+        m_view = m_plate.ViewOf(m_left);
+        RefuseUnknown(m_view, m_left, CRawScan(m_left).Recordings());
+        if (!m_quiet) std::ranges::for_each(m_view.doubts, Complain);
+        CompareRawData(m_left, m_right, differences, m_view);
     }
 
     EFileKind Kind() const {
@@ -89,29 +92,44 @@ class CDiffCommand : public CCommand {
         return left;
     }
 
-    static void Print(const CDifferences& differences) {
+    /// Adds labels to the wells that texts of the program name. A value of a file is in quotation marks.
+    CDifference Labeled(const CDifference& difference) const {
+        const auto added = [&](const std::string& text) {
+            return text.starts_with('"') ? text : m_view.labels.AddedTo(text);
+        };
+        return {added(difference.where), added(difference.left), added(difference.right)};
+    }
+
+    void Print(const CDifferences& differences) const {
         const auto& kept = differences.Kept();
-        for (const auto& difference : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
+        bool isLabeled = false;
+        for (const auto& original : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
+            const CDifference difference = Labeled(original);
+            isLabeled = isLabeled || difference.where != original.where || difference.left != original.left;
             std::cout << Bold(Readable(difference.where)) << '\n';
             if (!difference.left.empty()) std::cout << "  < " << Readable(difference.left) << '\n';
             if (!difference.right.empty()) std::cout << "  > " << Readable(difference.right) << '\n';
         }
         if (differences.Count() > kMostPrinted)
             std::cout << "and " << Counted(differences.Count() - kMostPrinted, "more difference") << '\n';
+        if (isLabeled) std::cout << SourceText(m_view) << '\n';
         if (!differences.Omission().empty()) Complain(differences.Omission());
     }
 
-    static CJson ToJson(EFileKind kind, const CDifferences& differences) {
+    CJson ToJson(EFileKind kind, const CDifferences& differences) const {
         CJson list = CJson::array();
-        for (const auto& difference : differences.Kept())
+        for (const auto& original : differences.Kept()) {
+            const CDifference difference = Labeled(original);
             list.push_back({{"where", Readable(difference.where)},
                             {"left", Readable(difference.left)},
                             {"right", Readable(difference.right)}});
+        }
         CJson json = {{"kind", WordOf(kind)},
                       {"equal", differences.Count() == 0},
                       {"differenceCount", differences.Count()},
                       {"differences", std::move(list)}};
         if (!differences.Omission().empty()) json["omission"] = differences.Omission();
+        if (m_view.labels.AreKnown()) json["settings"] = Utf8(m_view.labels.Source());
         return json;
     }
 
@@ -126,6 +144,8 @@ class CDiffCommand : public CCommand {
     std::string m_right;
     bool m_json = false;
     bool m_quiet = false;
+    CPlateOptions m_plate;
+    CPlateView m_view;  ///< Of raw data files.
 };
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/workbook/WorkbookInfo.h"
@@ -44,11 +45,12 @@ class CInfoCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "FILE", .target = &m_paths, .text = "Files to show", .isRequired = true},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
             {.names = "--full", .target = &m_full, .text = "Count the samples of large raw data files, too"},
         };
+        return With(std::move(options), m_plate);
     }
 
     int Run() override {
@@ -73,7 +75,7 @@ class CInfoCommand : public CCommand {
     CPage PageOf(EFileKind kind, const std::string& path) const {
         switch (kind) {
             case EFileKind::RawData:
-                return InfoOfRawData(path, m_full);
+                return RawData(path);
             case EFileKind::Settings:
                 return InfoOfSettings(path);
             case EFileKind::Results:
@@ -88,6 +90,13 @@ class CInfoCommand : public CCommand {
         throw CFailure(path +
                        " isn't a file of this system, or its beginning is damaged. If it is a raw data file, run "
                        "'vxfile recover' on it.");
+    }
+
+    CPage RawData(const std::string& path) const {
+        const CPlateView view = m_plate.ViewOf(path);
+        RefuseUnknown(view, path, CRawScan(path).Recordings());
+        std::ranges::for_each(view.doubts, Complain);
+        return InfoOfRawData(path, m_full, true, view);
     }
 
     void Tell(const std::string& path, CJson& json) {
@@ -113,6 +122,7 @@ class CInfoCommand : public CCommand {
     std::vector<std::string> m_paths;
     bool m_json = false;
     bool m_full = false;
+    CPlateOptions m_plate;
     bool m_printed = false;
 };
 

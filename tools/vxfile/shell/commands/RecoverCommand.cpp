@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <iostream>
 #include <optional>
 #include <span>
+#include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "recovery/Recover.h"
 #include "tools/vxfile/raw/Proof.h"
@@ -11,6 +14,7 @@
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/OpenInput.h"
@@ -43,7 +47,7 @@ class CRecoverCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "FILE", .target = &m_source, .text = "The file to save", .isRequired = true},
             {.names = "-o,--output", .target = &m_target, .text = "The new file", .isRequired = true},
             {.names = "--cut",
@@ -52,6 +56,7 @@ class CRecoverCommand : public CCommand {
             {.names = "--force", .target = &m_force, .text = "Replace the new file if it is there already"},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
         };
+        return With(std::move(options), m_plate);
     }
 
     int Run() override {
@@ -59,14 +64,13 @@ class CRecoverCommand : public CCommand {
         const CRecoverNames names{m_source, m_target};
         if (!m_json) {
             report = Recover();
-            PrintReport(std::cout, report, names);
-            if (m_proof) m_proof->Print(std::cout);
+            Print(report, names);
             return StatusOf(report);
         }
         CJson json;
         const std::string failure = FailureOf([&] {
             report = Recover();
-            json = ToJson(report, names);
+            json = ToJson(report, names, m_view);
             if (m_proof) m_proof->AddTo(json);
         });
         PrintJson(kText.name,
@@ -79,10 +83,22 @@ class CRecoverCommand : public CCommand {
         return report.IsComplete() && (!m_proof || m_proof->IsComplete()) ? kSound : kFindings;
     }
 
+    /// Prints the report with labels, and whose they are.
+    void Print(const CReport& report, const CRecoverNames& names) const {
+        std::ostringstream out;
+        PrintReport(out, report, names, m_view);
+        if (m_proof) m_proof->Print(out);
+        const std::string text = m_view.labels.AddedTo(out.str());
+        std::cout << text;
+        if (text != out.str()) std::cout << SourceText(m_view) << '\n';
+        std::ranges::for_each(m_view.doubts, Complain);
+    }
+
     /// Recovers the file. Throws `CFailure` if there is nothing to save, if the target is the file itself, or if the
     /// files can't be read or written.
     CReport Recover() {
         RefuseOtherKinds();
+        m_view = m_plate.ViewOf(m_source);
         CFile source;
         OpenInput(source, m_source);
         RefuseTarget(m_target, m_source);
@@ -95,6 +111,7 @@ class CRecoverCommand : public CCommand {
         if (report.bytes == 0)
             throw CFailure(m_source + " holds no segment and no complete recording header; there is nothing to save.");
         if (!whole.Finish()) RefuseWrite(m_target, whole.Failure());
+        if (m_plate.AreGiven()) RefuseUnknown(m_view, m_source, CRawScan(whole.WorkPath()).Recordings());
         m_proof = ProveSegments(m_source, whole.WorkPath());
         if (!whole.Commit()) RefuseWrite(m_target, whole.Failure());
         return report;
@@ -127,6 +144,8 @@ class CRecoverCommand : public CCommand {
     bool m_keepCut = false;
     bool m_force = false;
     bool m_json = false;
+    CPlateOptions m_plate;
+    CPlateView m_view;
     std::optional<CProof> m_proof;  ///< Nothing if the file isn't sealed.
 };
 

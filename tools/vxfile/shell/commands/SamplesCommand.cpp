@@ -1,14 +1,16 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Progress.h"
-#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
+#include "tools/vxfile/system/Failure.h"
 
 namespace vxfile {
 
@@ -39,19 +41,12 @@ class CSamplesCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "FILE", .target = &m_path, .text = "The raw data file", .isRequired = true},
-            {.names = "--task",
-             .target = &m_choice.tasks,
-             .text = "Only recordings of this task; several with commas, as A,B"},
             {.names = "--recording",
              .target = &m_choice.recordings,
              .text = "Only recordings with this number; several with commas",
              .wanted = "the number of a recording"},
-            {.names = "--well",
-             .target = &m_choice.wells,
-             .text = "Only this well ID; several with commas",
-             .wanted = "the ID of a well, which is a whole number"},
             {.names = "--from",
              .target = &m_choice.from,
              .text = "Only samples of this time or later",
@@ -75,12 +70,25 @@ class CSamplesCommand : public CCommand {
              .text = "Output file; - for standard output (the default). With {well} in the name, one file per well"},
             {.names = "--force", .target = &m_form.target.replace, .text = "Replace existing files"},
         };
+        return With(std::move(options), m_plate);
     }
 
     int Run() override {
         using enum CSampleForm::EKind;
         m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArray;
         m_form.target.source = m_path;
+        const CPlateView view = m_plate.ViewOf(m_path);
+        TakeView(view);
+        try {
+            return Write(view);
+        } catch (const CFailure& failure) {
+            throw CFailure(view.labels.AddedTo(failure.what()));
+        }
+    }
+
+ private:
+    /// Writes the samples. Returns the exit status.
+    int Write(const CPlateView& view) {
         CSampleSource source(m_path, m_choice);
         const auto sink = MakeSampleSink(m_form, source);
         CProgress progress("Writing samples", source.Size());
@@ -96,25 +104,41 @@ class CSamplesCommand : public CCommand {
             });
         });
         source.RefuseNothing();
-        const int status = TellMissing(source);
+        const int status = TellMissing(source, view);
         sink->Commit();
         return status;
     }
 
- private:
+    /// Chooses what the words of the plate mean, and adds its columns if there are such words. Requires: `view`
+    /// outlives the writing.
+    void TakeView(const CPlateView& view) {
+        if (!view.choice.doses.empty()) RefuseUnknownRecordings(view.choice, m_path, CRawScan(m_path).Recordings());
+        m_choice.tasks = view.choice.tasks;
+        m_choice.doses = view.choice.doses;
+        m_choice.wells = view.choice.wells;
+        m_form.ticksPerSecond = view.ticksPerSecond;
+        if (!m_plate.HasPlateWords()) return;
+        m_form.labels = &view.labels;
+        if (view.labels.AreKnown()) Complain(SourceText(view));
+    }
+
     /// Tells what is in doubt or missing of what was chosen, beside what is there.
-    static int TellMissing(const CSampleSource& source) {
-        const auto doubts = source.Doubts();
-        std::ranges::for_each(doubts, Complain);
+    static int TellMissing(const CSampleSource& source, const CPlateView& view) {
+        auto doubts = source.Doubts();
+        doubts.insert(doubts.end(), view.doubts.begin(), view.doubts.end());
+        for (const auto& doubt : doubts)
+            Complain(view.labels.AddedTo(doubt));
         const auto unfinished = source.Unfinished();
         for (const auto& name : unfinished)
             Complain(name + " is unfinished; run 'vxfile recover' to get its samples.");
         const auto wells = source.MissingWells();
-        if (!wells.empty()) Complain(source.Path() + " has no samples of these chosen wells: " + ListText(wells) + ".");
+        if (!wells.empty())
+            Complain(source.Path() + " has no samples of these chosen wells: " + view.labels.List(wells) + ".");
         return doubts.empty() && unfinished.empty() && wells.empty() ? kSound : kFindings;
     }
 
     std::string m_path;
+    CPlateOptions m_plate;
     CSampleChoice m_choice;
     CSampleForm m_form;
     bool m_csv = false;  ///< What is taken anyway.

@@ -9,6 +9,7 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "vxfileio/frame/VXFileIO.h"
@@ -55,6 +56,7 @@ class CTableCommand : public CCommand {
              .text = "A structured array, for numpy",
              .excludes = {"--csv", "--tsv", "--jsonl"}},
             {.names = "--columns", .target = &m_columns, .text = "Describe the columns instead"},
+            TicksPerSecondOption(m_ticksPerSecond),
             {.names = "-o,--output",
              .target = &m_target.path,
              .text = "Output file; - for standard output (the default)"},
@@ -67,13 +69,13 @@ class CTableCommand : public CCommand {
         if (!table) throw CFailure("There is no table '" + m_what + "'; choose responses, means, beats or averages.");
         const bool hasSettings = !m_settingsPath.empty();
         const ETableForm form = Form();
-        if (m_columns) return DescribeColumns(form, ColumnsOf(*table, hasSettings));
+        const auto columns = ColumnsOf(*table, hasSettings, m_ticksPerSecond != 0);
+        if (m_columns) return DescribeColumns(form, columns);
         m_target.source = m_path;
         RequireKind(EFileKind::Results, m_path);
-        const CISettingsReader* const settings = hasSettings ? &ReadSettings() : nullptr;
-        const auto writer = MakeTableWriter(form, m_target, ColumnsOf(*table, hasSettings),
-                                            [&] { return CountRows(*table, settings); });
-        NoteDamage(m_path, ForEachRow(*table, m_path, settings, [&](auto row) { writer->Put(row); }));
+        const CTableOptions options{hasSettings ? &ReadSettings() : nullptr, m_ticksPerSecond};
+        const auto writer = MakeTableWriter(form, m_target, columns, [&] { return CountRows(*table, options); });
+        NoteDamage(m_path, ForEachRow(*table, m_path, options, [&](auto row) { writer->Put(row); }));
         writer->Commit();
         std::ranges::for_each(m_doubts, Complain);
         return m_doubts.empty() ? kSound : kFindings;
@@ -105,9 +107,9 @@ class CTableCommand : public CCommand {
         if (!damage.empty()) m_doubts.push_back(path + ": " + damage);
     }
 
-    std::uint64_t CountRows(EResultsTable table, const CISettingsReader* settings) const {
+    std::uint64_t CountRows(EResultsTable table, const CTableOptions& options) const {
         std::uint64_t count = 0;
-        static_cast<void>(ForEachRow(table, m_path, settings, [&](auto /*row*/) { ++count; }));
+        static_cast<void>(ForEachRow(table, m_path, options, [&](auto /*row*/) { ++count; }));
         return count;
     }
 
@@ -120,6 +122,7 @@ class CTableCommand : public CCommand {
     bool m_jsonLines = false;
     bool m_npy = false;
     bool m_columns = false;
+    double m_ticksPerSecond = 0;
     CISettingsReader m_settings;
     std::vector<std::string> m_doubts;  ///< A sentence each.
 };

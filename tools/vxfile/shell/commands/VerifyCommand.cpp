@@ -19,6 +19,7 @@
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/FolderWalk.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/workbook/WorkbookVerify.h"
@@ -50,6 +51,7 @@ struct CVerdict {
     std::string path;
     EFileKind kind;
     CFindings findings;
+    CPlateView view = {};
     std::optional<CSealVerdict> seal = std::nullopt;  ///< Nothing if the file isn't sealed.
 };
 
@@ -73,8 +75,9 @@ CFindings VerifyUnknown(const std::string& /*path*/) {
 }
 
 CFindings VerifyKind(EFileKind kind, const std::string& path) {
-    constexpr std::array kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
-                                    VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
+    using CVerify = CFindings (*)(const std::string&);
+    constexpr std::array<CVerify, 6> kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
+                                                VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
     return kVerify[static_cast<std::size_t>(kind)](path);
 }
 
@@ -96,35 +99,48 @@ std::string StatusText(const CFindings& findings) {
 }
 
 void Print(const CVerdict& verdict) {
+    const auto& labels = verdict.view.labels;
+    const std::size_t elsewhere = verdict.findings.Elsewhere();
     std::cout << Readable(verdict.path) << ": " << NameOf(verdict.kind) << ", " << StatusText(verdict.findings)
-              << (verdict.seal ? ", " + verdict.seal->Words() : "") << '\n';
+              << (verdict.seal ? ", " + verdict.seal->Words() : "")
+              << (elsewhere == 0 ? "" : "; " + Counted(elsewhere, "finding") + " elsewhere") << '\n';
     const auto& kept = verdict.findings.Kept();
     for (const auto& finding : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
-        std::cout << "  " << Bold(finding.where);
+        std::cout << "  " << Bold(labels.AddedTo(finding.where));
         if (finding.offset >= 0) std::cout << " (offset " << finding.offset << ')';
         std::cout << "\n    found:    " << finding.found << "\n    expected: " << finding.expected
-                  << "\n    meaning:  " << finding.meaning << '\n';
+                  << "\n    meaning:  " << labels.AddedTo(finding.meaning) << '\n';
     }
     if (verdict.findings.Count() > kMostPrinted)
         std::cout << "  and " << verdict.findings.Count() - kMostPrinted << " more; --json lists up to "
                   << CFindings::kMostKept << '\n';
+    const auto isLabeled = [&](const CFinding& finding) { return finding.well && !labels.Of(*finding.well).empty(); };
+    if (std::ranges::any_of(kept, isLabeled)) std::cout << "  " << SourceText(verdict.view) << '\n';
 }
 
 CJson ToJson(const CVerdict& verdict) {
+    const auto& labels = verdict.view.labels;
     CJson findings = CJson::array();
-    for (const auto& finding : verdict.findings.Kept())
+    for (const auto& finding : verdict.findings.Kept()) {
         findings.push_back({{"where", finding.where},
                             {"offset", finding.offset < 0 ? CJson() : CJson(finding.offset)},
                             {"found", finding.found},
                             {"expected", finding.expected},
                             {"meaning", finding.meaning},
                             {"rule", finding.rule.empty() ? CJson() : CJson(finding.rule)}});
-    return {{"path", Utf8(verdict.path)},
-            {"kind", WordOf(verdict.kind)},
-            {"status", StatusWord(verdict.findings.Status())},
-            {"seal", verdict.seal ? verdict.seal->Json() : CJson()},
-            {"findingCount", verdict.findings.Count()},
-            {"findings", std::move(findings)}};
+        if (!labels.AreKnown()) continue;
+        findings.back()["well"] = finding.well ? CJson(*finding.well) : CJson();
+        findings.back()["label"] = finding.well ? CJson(labels.Of(*finding.well)) : CJson();
+    }
+    CJson json = {{"path", Utf8(verdict.path)},
+                  {"kind", WordOf(verdict.kind)},
+                  {"status", StatusWord(verdict.findings.Status())},
+                  {"seal", verdict.seal ? verdict.seal->Json() : CJson()},
+                  {"findingCount", verdict.findings.Count()},
+                  {"findings", std::move(findings)}};
+    if (labels.AreKnown()) json["settings"] = Utf8(labels.Source());
+    if (verdict.findings.Elsewhere() != 0) json["findingsElsewhere"] = verdict.findings.Elsewhere();
+    return json;
 }
 
 class CVerifyCommand : public CCommand {
@@ -132,7 +148,7 @@ class CVerifyCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "FILE", .target = &m_arguments, .text = "Files, or folders of files", .isRequired = true},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
             {.names = "--no-seal",
@@ -140,6 +156,7 @@ class CVerifyCommand : public CCommand {
              .text = "Don't compare files with their seals, which reads every byte"},
             {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
         };
+        return With(std::move(options), m_plate, false);
     }
 
     int Run() override {
@@ -159,11 +176,25 @@ class CVerifyCommand : public CCommand {
     /// Checks one file. Returns its entry for the JSON document; null without --json.
     CJson Tell(const std::string& path) {
         const EFileKind kind = FileKindOf(path);
-        CVerdict verdict{path, kind, VerifyKind(kind, path)};
+        CVerdict verdict =
+            kind == EFileKind::RawData ? VerifyPlate(path) : CVerdict{path, kind, VerifyKind(kind, path)};
         if (!m_noSeal) verdict.seal = CheckSeal(path, verdict.findings);
         ++m_counts[static_cast<std::size_t>(verdict.findings.Status())];
         if (!m_json && !m_quiet) Print(verdict);
         return m_json ? ToJson(verdict) : CJson();
+    }
+
+    /// Checks a raw data file. Looks for settings only if there is something to say with their labels.
+    CVerdict VerifyPlate(const std::string& path) const {
+        CVerdict verdict{path, EFileKind::RawData, {}};
+        if (m_plate.AreGiven()) {
+            verdict.view = m_plate.ViewOf(path);
+            RefuseUnknown(verdict.view, path, CRawScan(path).Recordings());
+        }
+        verdict.findings = VerifyRawData(path, verdict.view.choice);
+        if (!m_plate.AreGiven() && verdict.findings.Count() != 0) verdict.view = m_plate.ViewOf(path);
+        if (!m_quiet) std::ranges::for_each(verdict.view.doubts, Complain);
+        return verdict;
     }
 
     /// Reports a file that can't be read. The others follow all the same.
@@ -203,6 +234,7 @@ class CVerifyCommand : public CCommand {
     bool m_json = false;
     bool m_noSeal = false;
     bool m_quiet = false;
+    CPlateOptions m_plate;
     std::array<std::size_t, 3> m_counts{};  ///< The number of files, and of unreadable folders, by status.
     std::size_t m_passedOver = 0;           ///< The number of other files in folders.
 };

@@ -6,11 +6,13 @@
 #include <string_view>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "tools/vxfile/raw/GrowingFile.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/Idle.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Output.h"
@@ -43,7 +45,7 @@ class CWatchCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "FILE", .target = &m_path, .text = "The raw data file that is being written", .isRequired = true},
             {.names = "--idle",
              .target = &m_idle,
@@ -59,10 +61,13 @@ class CWatchCommand : public CCommand {
              .least = 0.01,
              .most = 3600},
         };
+        return With(std::move(options), m_plate, false);
     }
 
     int Run() override {
-        CGrowingFile file(m_path);
+        m_view = m_plate.ViewOf(m_path);
+        std::ranges::for_each(m_view.doubts, Complain);
+        CGrowingFile file(m_path, m_view.choice);
         m_onTerminal = IsOutputTerminal() && EnableColours();
         try {
             return Follow(file);
@@ -82,7 +87,7 @@ class CWatchCommand : public CCommand {
             const std::chrono::duration<double> passed = now - lastLook;
             if (file.Replacements() != std::exchange(m_replacements, file.Replacements()))
                 TellReplacement(lastPosition);
-            if (isNew && file.Latest() != nullptr) {
+            if (isNew && file.Latest() != nullptr && m_view.choice.HasRecording(file.Latest()->header)) {
                 const auto bytes = static_cast<double>(file.Position() - lastPosition);
                 TellGrowth(file, lastPosition == 0 ? 0 : bytes / passed.count());
             }
@@ -117,6 +122,22 @@ class CWatchCommand : public CCommand {
                std::to_string(recording.header.Recording) + ')';
     }
 
+    /// Returns how many of the chosen wells have segments, and with labels, which ones have none if they are few.
+    std::string WellsText(const CRunningRecording& recording) {
+        std::size_t wells = 0;
+        std::vector<std::int32_t> missing;
+        for (const auto& channel : recording.header.WellChannels) {
+            if (!m_view.choice.HasWell(channel.ID)) continue;
+            ++wells;
+            if (!recording.wells.contains(channel.ID)) missing.push_back(channel.ID);
+        }
+        const std::string text = std::to_string(recording.wells.size()) + " of " + Counted(wells, "well");
+        if (!m_view.labels.AreKnown() || missing.empty() || missing.size() > kMostMissing) return text;
+        const std::string list = m_view.labels.List(missing);
+        m_isLabeled = m_isLabeled || list != ListText(missing);
+        return text + " (not yet " + list + ')';
+    }
+
     /// One line, however much has come.
     void TellGrowth(const CGrowingFile& file, double bytesPerSecond) {
         const CRunningRecording& latest = *file.Latest();
@@ -124,8 +145,7 @@ class CWatchCommand : public CCommand {
         std::string line = Title(latest) + (begun > 1 ? ", " + std::to_string(begun) + " new" : "") + ": file " +
                            SizeText(file.Position());
         if (bytesPerSecond > 0) line += ", " + SizeText(static_cast<std::int64_t>(bytesPerSecond)) + "/s";
-        line += ", " + std::to_string(latest.wells.size()) + " of " +
-                Counted(latest.header.WellChannels.size(), "well") + ", " + Counted(latest.segments, "segment") + ", " +
+        line += ", " + WellsText(latest) + ", " + Counted(latest.segments, "segment") + ", " +
                 Counted(latest.samples, "sample");
         if (m_onTerminal) {
             if (m_hasLine && begun > 0) std::cout << '\n';  // what the one before came to stays
@@ -141,6 +161,7 @@ class CWatchCommand : public CCommand {
         if (m_hasLine) std::cout << '\n';
         std::cout << why << ": " << Counted(file.Recordings(), "recording") << ", " << SizeText(file.Position())
                   << ".\n";
+        if (m_isLabeled) std::cout << SourceText(m_view) << '\n';
         return status;
     }
 
@@ -149,11 +170,15 @@ class CWatchCommand : public CCommand {
     static constexpr std::string_view kNothingNew =
         "Nothing new was written; the writer may be gone. Run 'vxfile recover' to save what is there";
 
+    static constexpr std::size_t kMostMissing = 6;  ///< Wells without segments that a line lists.
     static constexpr auto kStep = std::chrono::milliseconds(50);
 
     std::string m_path;
     double m_idle = 0;
     double m_every = 1;
+    CPlateOptions m_plate;
+    CPlateView m_view;
+    bool m_isLabeled = false;  ///< A line had labels.
     std::size_t m_toldRecordings = 0;
     std::size_t m_replacements = 0;
     bool m_onTerminal = false;

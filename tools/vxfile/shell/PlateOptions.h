@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/vxfile/document/DocumentHead.h"
+#include "tools/vxfile/plate/PlateView.h"
+#include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/shell/Command.h"
+
+namespace vxfile {
+
+/// The words by which users speak of a plate: its settings file, tasks, doses and wells. Every command that reads raw
+/// data files takes the same options.
+class CPlateOptions {
+ public:
+    /// Returns the options, for a command to list them after its own. They point to members of this object. With
+    /// `showsTimes`, one of them adds seconds to times.
+    std::vector<COption> Options(bool showsTimes);
+
+    /// Returns whether any of the options is given.
+    bool AreGiven() const { return HasPlateWords() || !m_tasks.empty() || !m_wells.empty(); }
+
+    /// Returns whether a word on the command line is one of a plate rather than of the file: the settings, a dose, or a
+    /// well that isn't an ID. Columns of tables depend on this alone, never on files or their values.
+    bool HasPlateWords() const;
+
+    /// Returns what the options mean for a raw data file. Labels are those of the settings file that was named, or of
+    /// the one in the folder of the file that has its Guid. Throws `CFailure` if the settings can't be read, or if a
+    /// word means nothing.
+    CPlateView ViewOf(const std::string& path) const;
+
+ private:
+    std::vector<std::int64_t> Doses() const;
+    static void ReadLabels(CPlateView& view, const std::string& settings, const CRunFile& recording);
+
+    std::string m_settings;
+    std::vector<std::string> m_tasks;
+    std::vector<std::string> m_doses;
+    std::vector<std::string> m_wells;
+    double m_ticksPerSecond = 0;
+};
+
+/// Appends the options of a plate to those of a command.
+std::vector<COption> With(std::vector<COption> options, CPlateOptions& plate, bool showsTimes = true);
+
+/// Returns the option that adds seconds to times.
+COption TicksPerSecondOption(double& ticksPerSecond);
+
+/// Returns the sentence that says whose labels are used; empty without labels.
+std::string SourceText(const CPlateView& view);
+
+/// Throws `CFailure`, with a list of what there is, if no recording has a chosen task, or none of those tasks has a
+/// chosen dose.
+void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path,
+                             const std::vector<CRecordingAt>& recordings);
+
+/// Does the same, and throws if a chosen well is in none of the chosen recordings.
+void RefuseUnknown(const CPlateView& view, const std::string& path, const std::vector<CRecordingAt>& recordings);
+
+}  // namespace vxfile
