@@ -102,8 +102,8 @@ def check_changes(folder):
             i += 1
             path = busy / f"{(7 * i) % 600 | 1:03}.vxd"  # those with odd numbers
             if i % 3:
-                (busy / "new").write_bytes(sources[i % 2])
-                os.replace(busy / "new", path)
+                (busy.parent / "new").write_bytes(sources[i % 2])
+                os.replace(busy.parent / "new", path)
             else:
                 path.unlink(missing_ok=True)
 

@@ -190,7 +190,7 @@ TEST_F(Plate, CommandsShowOnlyWhatIsChosenWithItsLabels) {
     EXPECT_TRUE(Has(found.out, "(well 12 (B7)) >")) << found.out;
 
     const CToolRun info = RunTool({"info", m_run, "--well", "A1", "--dose", "1nM", "--ticks-per-second", "1000"});
-    EXPECT_TRUE(Has(info.out, "Wells               1: 11 (A1)\n")) << info.out;
+    EXPECT_TRUE(Has(info.out, "  1: 11 (A1)\n")) << info.out;
     EXPECT_TRUE(Has(info.out,
                     "1  CompoundTest  1       1 nM  1      100               300             0.3         1         2"))
         << info.out;

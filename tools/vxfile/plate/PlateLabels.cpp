@@ -109,7 +109,7 @@ std::vector<std::int32_t> CPlateLabels::Find(const std::string& word) const {
     std::vector<std::int32_t> exact;
     std::vector<std::int32_t> there;
     for (const auto& [id, label] : m_labels) {
-        if (label.text == word) exact.push_back(id);
+        if (label.text == word && !word.empty()) exact.push_back(id);
         if (place.IsKnown() && label.place == place) there.push_back(id);
     }
     return exact.empty() ? there : exact;
