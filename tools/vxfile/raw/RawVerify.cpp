@@ -363,9 +363,9 @@ void CRawVerifier::JudgeCoverage() {
 
 }  // namespace
 
-CFindings VerifyRawData(const std::string& path) { return VerifyRawData(path, {}); }
+CFindings VerifyRawData(const std::string& path) { return VerifyChosen(path, {}); }
 
-CFindings VerifyRawData(const std::string& path, const CPlateChoice& choice) {
+CFindings VerifyChosen(const std::string& path, const CPlateChoice& choice) {
     return CRawVerifier(path, choice).Verify();
 }
 

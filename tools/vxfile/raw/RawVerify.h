@@ -13,6 +13,6 @@ namespace vxfile {
 CFindings VerifyRawData(const std::string& path);
 
 /// Does the same. Findings about recordings and wells that weren't chosen are only counted.
-CFindings VerifyRawData(const std::string& path, const CPlateChoice& choice);
+CFindings VerifyChosen(const std::string& path, const CPlateChoice& choice);
 
 }  // namespace vxfile

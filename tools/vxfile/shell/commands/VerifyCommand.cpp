@@ -75,9 +75,8 @@ CFindings VerifyUnknown(const std::string& /*path*/) {
 }
 
 CFindings VerifyKind(EFileKind kind, const std::string& path) {
-    using CVerify = CFindings (*)(const std::string&);
-    constexpr std::array<CVerify, 6> kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
-                                                VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
+    constexpr std::array kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
+                                    VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
     return kVerify[static_cast<std::size_t>(kind)](path);
 }
 
@@ -191,7 +190,7 @@ class CVerifyCommand : public CCommand {
             verdict.view = m_plate.ViewOf(path);
             RefuseUnknown(verdict.view, path, CRawScan(path).Recordings());
         }
-        verdict.findings = VerifyRawData(path, verdict.view.choice);
+        verdict.findings = VerifyChosen(path, verdict.view.choice);
         if (!m_plate.AreGiven() && verdict.findings.Count() != 0) verdict.view = m_plate.ViewOf(path);
         if (!m_quiet) std::ranges::for_each(verdict.view.doubts, Complain);
         return verdict;
