@@ -53,8 +53,28 @@ class CSegmentTable {
         }
     }
 
+    /// Calls `take` for each row of one well, in order. Compares many wells at once, since the rows of a plate's well
+    /// are far apart.
+    template <class Take>
+    void ForEachOf(std::uint32_t well, Take take) const {
+        for (std::size_t begin = 0; begin < m_count; begin += kAtOnce) {
+            const CBlock& block = *m_blocks[begin / kBlockSize];
+            const std::size_t first = begin % kBlockSize;
+            std::uint32_t found = 0;
+            for (std::size_t i = first; i < first + kAtOnce; ++i)
+                found |= static_cast<std::uint32_t>(block.wells[i] == well);
+            if (found == 0) continue;
+            const std::size_t end = std::min(first + kAtOnce, first + m_count - begin);
+            for (std::size_t i = first; i < end; ++i) {
+                if (block.wells[i] == well) take(block.Row(i));
+            }
+        }
+    }
+
  private:
     static constexpr std::size_t kBlockSize = 128;
+    static constexpr std::size_t kAtOnce = 16;
+    static_assert(kBlockSize % kAtOnce == 0);
 
     struct CBlock {
         std::array<std::uint32_t, kBlockSize> wells;

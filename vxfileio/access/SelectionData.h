@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -35,11 +36,15 @@ class CSelectionData {
     /// Calls `take(row, piece)` for each segment that has selected samples, in file order.
     template <class Take>
     void ForEachPiece(Take take) const {
-        const auto isWanted = [&](std::uint32_t well) { return m_placeOf[well] != kNotSelected; };
-        m_index->segments.ForEach(isWanted, [&](const CSegmentRow& row) {
+        const auto takePiece = [&](const CSegmentRow& row) {
             const CSelectedPiece piece = PieceOf(row);
             if (piece.samples > 0) take(row, piece);
-        });
+        };
+        const auto isWanted = [&](std::uint32_t well) { return m_placeOf[well] != kNotSelected; };
+        if (m_wells.size() > 1) return m_index->segments.ForEach(isWanted, takePiece);
+        const auto only = std::ranges::find_if(m_placeOf, [](std::uint32_t place) { return place != kNotSelected; });
+        if (only != m_placeOf.end())
+            m_index->segments.ForEachOf(static_cast<std::uint32_t>(only - m_placeOf.begin()), takePiece);
     }
 
  private:

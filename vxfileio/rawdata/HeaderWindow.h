@@ -40,7 +40,7 @@ class CHeaderWindow {
 
  private:
     /// What is read at once where headers lie close together.
-    static constexpr std::size_t kBlock = std::size_t{32} << 10;
+    static constexpr std::size_t kBlock = std::size_t{64} << 10;
 
     /// How far apart two headers may begin for the later ones to be read along. At this distance, copying what lies
     /// between them costs about as much as the calls that are saved: 0.8 us on an AMD EPYC with Linux 6.18.
