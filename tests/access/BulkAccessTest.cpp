@@ -156,6 +156,28 @@ TEST_F(BulkAccessTest, RangesSelectSamplesByTheirTimes) {
     }
 }
 
+TEST_F(BulkAccessTest, SegmentsAreSelectedByTheirNumbers) {
+    constexpr std::size_t kAll = 300;
+    constexpr std::size_t kMostSegments = std::numeric_limits<std::size_t>::max();
+    std::vector<CPlanned> segments;
+    for (std::size_t i = 0; i < kAll; ++i)
+        segments.push_back({i % 3 == 0 ? 11 : 12, 0, Ascending(static_cast<std::uint16_t>(i), 1)});
+    const CRecordingIndex index = IndexOf(segments);
+    for (const std::size_t first : {0U, 1U, 15U, 16U, 17U, 127U, 128U, 200U, 299U, 300U, 1000U}) {
+        for (const std::size_t count : {std::size_t{0}, std::size_t{1}, std::size_t{16}, kAll, kMostSegments}) {
+            std::vector<std::uint16_t> expected[2];
+            for (std::size_t i = first; i < kAll && i - first < count; ++i)
+                expected[i % 3 == 0 ? 0 : 1].push_back(static_cast<std::uint16_t>(i));
+            const auto selected = [&](const std::vector<std::int32_t>& wells) {
+                return SamplesOf(index.Select({.WellIDs = wells, .FirstSegment = first, .Segments = count}));
+            };
+            EXPECT_EQ(selected({11}), expected[0]) << first << " and " << count;
+            expected[0].insert(expected[0].end(), expected[1].begin(), expected[1].end());
+            EXPECT_EQ(selected({11, 12}), expected[0]) << first << " and " << count;
+        }
+    }
+}
+
 // All sizes: small segments are read through a block, large ones directly, and some are near the limits.
 TEST_F(BulkAccessTest, EverySampleIsReadIntoItsPlace) {
     std::vector<CPlanned> segments;

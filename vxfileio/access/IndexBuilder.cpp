@@ -40,7 +40,7 @@ std::shared_ptr<const CIndexData> CIndexBuilder::BuildFinished() {
     }
     m_index->fileSize = m_file.Size();
     const auto any = [](std::uint32_t) { return true; };
-    m_index->segments.ForEach(any, [&](const CSegmentRow& row) {
+    m_index->segments.ForEach(0, m_index->segments.Count(), any, [&](const CSegmentRow& row) {
         m_index->certain += row.samples - MissingSamples(row.offset, row.samples, m_index->fileSize);
     });
     return std::move(m_index);

@@ -23,6 +23,10 @@ struct CSampleRequest {
     std::int64_t From = std::numeric_limits<std::int64_t>::min();
     /// The last time, included. The default is after every sample.
     std::int64_t To = std::numeric_limits<std::int64_t>::max();
+    /// The first segment, counted from 0 in the order of the file, and the number of segments, as far as there are so
+    /// many. Bounds the memory for the buffers of a long recording: read some segments after the others.
+    std::size_t FirstSegment = 0;
+    std::size_t Segments = std::numeric_limits<std::size_t>::max();
 };
 
 /// Samples of one well that follow each other at one interval, without a gap: sample i of the run has the time

@@ -41,33 +41,26 @@ class CSegmentTable {
         return m_blocks[number / kBlockSize]->Row(number % kBlockSize);
     }
 
-    /// Calls `take` for each row whose well `isWanted`, in order.
+    /// Calls `take` for each row in [first, end) whose well `isWanted`, in order.
     template <class Wanted, class Take>
-    void ForEach(Wanted isWanted, Take take) const {
-        for (std::size_t begin = 0; begin < m_count; begin += kBlockSize) {
-            const CBlock& block = *m_blocks[begin / kBlockSize];
-            const std::size_t size = std::min(kBlockSize, m_count - begin);
-            for (std::size_t i = 0; i < size; ++i) {
-                if (isWanted(block.wells[i])) take(block.Row(i));
-            }
+    void ForEach(std::size_t first, std::size_t end, Wanted isWanted, Take take) const {
+        for (std::size_t at = first; at < end; ++at) {
+            const CBlock& block = *m_blocks[at / kBlockSize];
+            if (isWanted(block.wells[at % kBlockSize])) take(block.Row(at % kBlockSize));
         }
     }
 
-    /// Calls `take` for each row of one well, in order. Compares many wells at once, since the rows of a plate's well
-    /// are far apart.
+    /// Calls `take` for each row of one well in [first, end), in order. Compares many wells at once, since the rows of
+    /// a plate's well are far apart.
     template <class Take>
-    void ForEachOf(std::uint32_t well, Take take) const {
-        for (std::size_t begin = 0; begin < m_count; begin += kAtOnce) {
-            const CBlock& block = *m_blocks[begin / kBlockSize];
-            const std::size_t first = begin % kBlockSize;
+    void ForEachOf(std::uint32_t well, std::size_t first, std::size_t end, Take take) const {
+        const auto isWanted = [&](std::uint32_t other) { return other == well; };
+        for (std::size_t begin = first / kAtOnce * kAtOnce; begin < end; begin += kAtOnce) {
+            const std::uint32_t* const wells = &m_blocks[begin / kBlockSize]->wells[begin % kBlockSize];
             std::uint32_t found = 0;
-            for (std::size_t i = first; i < first + kAtOnce; ++i)
-                found |= static_cast<std::uint32_t>(block.wells[i] == well);
-            if (found == 0) continue;
-            const std::size_t end = std::min(first + kAtOnce, first + m_count - begin);
-            for (std::size_t i = first; i < end; ++i) {
-                if (block.wells[i] == well) take(block.Row(i));
-            }
+            for (std::size_t i = 0; i < kAtOnce; ++i)
+                found |= static_cast<std::uint32_t>(wells[i] == well);
+            if (found != 0) ForEach(std::max(first, begin), std::min(end, begin + kAtOnce), isWanted, take);
         }
     }
 

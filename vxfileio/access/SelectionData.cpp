@@ -39,6 +39,8 @@ CSelectionData::CSelectionData(std::shared_ptr<const CIndexData> index, const CS
     : m_index(std::move(index)),
       m_from(request.From),
       m_to(request.To),
+      m_firstSegment(std::min(request.FirstSegment, m_index->segments.Count())),
+      m_endSegment(m_firstSegment + std::min(request.Segments, m_index->segments.Count() - m_firstSegment)),
       m_placeOf(m_index->wells.size(), kNotSelected) {
     for (const std::int32_t id : request.WellIDs)
         SelectWell(id);

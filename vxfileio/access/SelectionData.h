@@ -41,10 +41,12 @@ class CSelectionData {
             if (piece.samples > 0) take(row, piece);
         };
         const auto isWanted = [&](std::uint32_t well) { return m_placeOf[well] != kNotSelected; };
-        if (m_wells.size() > 1) return m_index->segments.ForEach(isWanted, takePiece);
+        const CSegmentTable& segments = m_index->segments;
+        if (m_wells.size() > 1) return segments.ForEach(m_firstSegment, m_endSegment, isWanted, takePiece);
         const auto only = std::ranges::find_if(m_placeOf, [](std::uint32_t place) { return place != kNotSelected; });
-        if (only != m_placeOf.end())
-            m_index->segments.ForEachOf(static_cast<std::uint32_t>(only - m_placeOf.begin()), takePiece);
+        if (only == m_placeOf.end()) return;
+        const auto well = static_cast<std::uint32_t>(only - m_placeOf.begin());
+        segments.ForEachOf(well, m_firstSegment, m_endSegment, takePiece);
     }
 
  private:
@@ -58,6 +60,8 @@ class CSelectionData {
     std::shared_ptr<const CIndexData> m_index;
     std::int64_t m_from;
     std::int64_t m_to;
+    std::size_t m_firstSegment;
+    std::size_t m_endSegment;
     std::vector<std::uint32_t> m_placeOf;  ///< Index in `m_wells` of each well of the index, or `kNotSelected`.
     std::vector<CWellSamples> m_wells;
     std::uint64_t m_samples = 0;

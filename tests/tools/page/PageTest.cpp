@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
@@ -7,6 +8,8 @@
 #include <limits>
 #include <sstream>
 
+#include "tests/support/TempFolder.h"
+#include "tests/tools/RawBytes.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vxfile/page/Assets.h"
 #include "tools/vxfile/page/Chart.h"
@@ -17,6 +20,7 @@
 #include "tools/vxfile/page/Packed.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
+#include "tools/vxfile/page/ReadTraces.h"
 #include "tools/vxfile/page/Trace.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/WholeText.h"
@@ -113,6 +117,28 @@ TEST(Packed, HasACurveScaledFromItsLeastToItsGreatestNumber) {
     EXPECT_NEAR(LevelAt(packed, 3), 2047.5, 0.5);
     EXPECT_TRUE(PackedCurve(std::array{kNaN, kInfinity}).is_null());
     EXPECT_EQ(PackedCurve(std::array{7.0, 7.0})["d"], "AAAA");
+}
+
+TEST(ReadTraces, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
+    const CTempFolder folder;
+    std::vector<std::uint16_t> many(300'000, 5);  // more than are read at once
+    many.back() = 9;
+    const CSegmentTexts segments = {{11, 0, many}, {12, 0, {1, 2}}, {11, 40'000'000, {7}}, {12, 200, {3}}};
+    const std::size_t third = 1190 + 2460 + 300 + 2 * many.size() + 300 + 4;
+    WriteAll(folder.Path("run.vxd"), WithCell(FileOf({segments, segments}, false), "FPosNextSegmentHdr", "5", third));
+    CPlateValues values;
+    values.wells.resize(2);
+    values.wells[0].id = 11;
+    values.wells[1].id = 12;
+    values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
+    ReadTraces(values, CRawDataFile(folder.Path("run.vxd")));
+    const auto& steps = values.traces[0][0].Steps();
+    EXPECT_EQ(std::ranges::max(steps, {}, &CTrace::CStep::greatest).greatest, 9);
+    EXPECT_EQ(steps.back().greatest, 7);
+    EXPECT_EQ(StepsOf(values.traces[0][1]), "1..1 2..2 ");
+    EXPECT_EQ(values.notes,
+              (std::vector<std::string>{"Only a part of the recording of A is shown. Error reading Data Segment Header",
+                                        "There is no trace for the recording of B, as it was never finished."}));
 }
 
 TEST(Packed, RoundsTheStepsOfATraceAwayFromEachOther) {

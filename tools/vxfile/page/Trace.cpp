@@ -11,11 +11,15 @@ CTrace::CStep Joined(const CTrace::CStep& a, const CTrace::CStep& b) {
     return {std::min(a.least, b.least), std::max(a.greatest, b.greatest)};
 }
 
+/// Compares in locals: compilers then look at many samples at once.
 void Widen(CTrace::CStep& step, std::span<const std::uint16_t> samples) {
+    std::uint16_t least = step.least;
+    std::uint16_t greatest = step.greatest;
     for (const std::uint16_t sample : samples) {
-        step.least = std::min(step.least, sample);
-        step.greatest = std::max(step.greatest, sample);
+        least = std::min(least, sample);
+        greatest = std::max(greatest, sample);
     }
+    step = {least, greatest};
 }
 
 }  // namespace

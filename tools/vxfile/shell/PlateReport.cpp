@@ -1,6 +1,7 @@
 #include "tools/vxfile/shell/PlateReport.h"
 
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include "tools/vxfile/document/DocumentHead.h"
@@ -64,12 +65,12 @@ class CPlateReporter {
         const std::string path = m_paths.recording.empty() ? m_paths.foundRecording : m_paths.recording;
         if (path.empty()) return;
         const bool isFound = m_paths.recording.empty();
-        const std::string failure = FailureOf([&] { m_recording.Open(path); });
-        if (isFound && (!failure.empty() || !IsOfRun(m_recording.GetFileHdr()->Guid))) return;
+        const std::string failure = FailureOf([&] { m_recording.emplace(path); });
+        if (isFound && (!failure.empty() || !IsOfRun(m_recording->GetFileHdr().Guid))) return;
         AddFile(EFileKind::RawData, path, VerifyRawData);
         if (!failure.empty()) throw CFailure(path + ": " + failure);
-        m_source.recording = &m_recording;
-        CompareRuns(path, m_recording.GetFileHdr()->Guid);
+        m_source.recording = &*m_recording;
+        CompareRuns(path, m_recording->GetFileHdr().Guid);
     }
 
     CPlateReport ReportOf(const page::CPlateValues& values) const {
@@ -108,7 +109,7 @@ class CPlateReporter {
     CRunPaths m_paths;
     CIResultsReader m_results;
     CISettingsReader m_settings;
-    CIRawDataReader m_recording;
+    std::optional<CRawDataFile> m_recording;
     bool m_isSound = true;
     page::CPlateSource m_source;
 };
