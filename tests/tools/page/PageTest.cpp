@@ -409,7 +409,7 @@ TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {
 }
 
 TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
-    CIndexEntry entry;
+    CIndexedPlate entry;
     entry.page = "a b\"<.html";
     entry.results = "</script><b>";
     entry.colours = {{0, -1}, {63, 5}};
@@ -417,7 +417,7 @@ TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
     const std::string index = IndexPage({entry, {}});
     EXPECT_NE(index.find("href=\"a%20b%22%3C.html\""), std::string::npos);
     EXPECT_EQ(index.find("<b>"), std::string::npos);
-    const std::vector<CIndexEntry> read = EntriesOf(index);
+    const std::vector<CIndexedPlate> read = EntriesOf(index);
     ASSERT_EQ(read.size(), 2U);
     EXPECT_EQ(read[0].page, entry.page);
     EXPECT_EQ(read[0].results, entry.results);

@@ -18,7 +18,6 @@ using enum EColumnType;
 constexpr CColumn kTask{"task", Text, "", "The task, such as Series"};
 constexpr CColumn kRecording{"recording", Whole, "", "The number of the recording within its task, from 0"};
 constexpr CColumn kDose{"dose", Count, "pM", "The dose of the recording"};
-constexpr CColumn kDoseText{"dose_text", Text, "", "The same in the largest unit that needs no fraction"};
 constexpr CColumn kWell{"well", Whole, "", "The ID of the well"};
 constexpr CColumn kLabel{"label", Text, "", "The label of the well, such as B7"};
 constexpr CColumn kResponse{"response", Text, "", "The response, such as QT-Interval"};
@@ -29,7 +28,7 @@ constexpr CColumn kMark{"mark", Text, "", "How the response was obtained, by the
 constexpr std::array kResponses = {kTask,
                                    kRecording,
                                    kDose,
-                                   kDoseText,
+                                   kDoseTextColumn,
                                    kWell,
                                    kLabel,
                                    kResponse,
@@ -41,7 +40,7 @@ constexpr std::array kResponses = {kTask,
 constexpr std::array kMeans = {kTask,
                                kRecording,
                                kDose,
-                               kDoseText,
+                               kDoseTextColumn,
                                kResponse,
                                CColumn{"mean", Real, "", "The mean of the normalised response over the wells"},
                                CColumn{"sd", Real, "", "Its standard deviation"},
@@ -50,7 +49,7 @@ constexpr std::array kMeans = {kTask,
 constexpr std::array kBeats = {kTask,
                                kRecording,
                                kDose,
-                               kDoseText,
+                               kDoseTextColumn,
                                kWell,
                                kLabel,
                                CColumn{"beat", Whole, "", "The number of the beat in the well's recording, from 0"},
@@ -63,7 +62,7 @@ constexpr std::array kBeats = {kTask,
 constexpr std::array kAverages = {kTask,
                                   kRecording,
                                   kDose,
-                                  kDoseText,
+                                  kDoseTextColumn,
                                   kWell,
                                   kLabel,
                                   CColumn{"sample", Whole, "", "The number of the sample in the average, from 0"},

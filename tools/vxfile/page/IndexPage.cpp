@@ -16,21 +16,22 @@ namespace vxfile::page {
 namespace {
 
 /// The texts of an entry, by the names that they have in the data of the index.
-constexpr std::pair<const char*, std::string CIndexEntry::*> kTexts[] = {
-    {"page", &CIndexEntry::page},         {"inputs", &CIndexEntry::inputs},   {"results", &CIndexEntry::results},
-    {"compound", &CIndexEntry::compound}, {"plate", &CIndexEntry::plate},     {"recorded", &CIndexEntry::recorded},
-    {"wells", &CIndexEntry::wells},       {"measure", &CIndexEntry::measure}, {"mean", &CIndexEntry::mean},
-    {"state", &CIndexEntry::state},
+constexpr std::pair<const char*, std::string CIndexedPlate::*> kTexts[] = {
+    {"page", &CIndexedPlate::page},       {"inputs", &CIndexedPlate::inputs},
+    {"results", &CIndexedPlate::results}, {"compound", &CIndexedPlate::compound},
+    {"plate", &CIndexedPlate::plate},     {"recorded", &CIndexedPlate::recorded},
+    {"wells", &CIndexedPlate::wells},     {"measure", &CIndexedPlate::measure},
+    {"mean", &CIndexedPlate::mean},       {"state", &CIndexedPlate::state},
 };
 
 /// The columns that can be sorted. The first has the link.
-constexpr std::pair<const char*, std::string CIndexEntry::*> kColumns[] = {
-    {"Results", &CIndexEntry::results},   {"Compound", &CIndexEntry::compound}, {"Plate", &CIndexEntry::plate},
-    {"Recorded", &CIndexEntry::recorded}, {"Wells", &CIndexEntry::wells},       {"Mean", &CIndexEntry::mean},
-    {"State", &CIndexEntry::state},
+constexpr std::pair<const char*, std::string CIndexedPlate::*> kColumns[] = {
+    {"Results", &CIndexedPlate::results},   {"Compound", &CIndexedPlate::compound}, {"Plate", &CIndexedPlate::plate},
+    {"Recorded", &CIndexedPlate::recorded}, {"Wells", &CIndexedPlate::wells},       {"Mean", &CIndexedPlate::mean},
+    {"State", &CIndexedPlate::state},
 };
 
-CJson JsonOf(const CIndexEntry& entry) {
+CJson JsonOf(const CIndexedPlate& entry) {
     CJson json = CJson::object();
     for (const auto& [name, text] : kTexts)
         json[name] = entry.*text;
@@ -39,8 +40,8 @@ CJson JsonOf(const CIndexEntry& entry) {
     return json;
 }
 
-CIndexEntry EntryOf(const CJson& json) {
-    CIndexEntry entry;
+CIndexedPlate EntryOf(const CJson& json) {
+    CIndexedPlate entry;
     for (const auto& [name, text] : kTexts)
         entry.*text = json.at(name).get<std::string>();
     entry.isSound = json.at("sound").get<bool>();
@@ -48,7 +49,7 @@ CIndexEntry EntryOf(const CJson& json) {
     return entry;
 }
 
-void WriteMap(CHtml& html, const CIndexEntry& entry) {
+void WriteMap(CHtml& html, const CIndexedPlate& entry) {
     html.Element("table", {{"class", "mini"}, {"aria-hidden", "true"}}, [&] {
         for (const std::vector<int>& row : entry.colours) {
             html.Element("tr", {}, [&] {
@@ -60,7 +61,7 @@ void WriteMap(CHtml& html, const CIndexEntry& entry) {
     html.Element("span", {{"class", "quiet small"}}, entry.measure);
 }
 
-void WriteEntry(CHtml& html, const CIndexEntry& entry) {
+void WriteEntry(CHtml& html, const CIndexedPlate& entry) {
     html.Element("tr", {}, [&] {
         html.Element("td", {}, [&] { WriteMap(html, entry); });
         html.Element("th", {{"scope", "row"}}, [&] {
@@ -71,7 +72,7 @@ void WriteEntry(CHtml& html, const CIndexEntry& entry) {
             }
         });
         for (const auto& [head, text] : std::span(kColumns).subspan(1)) {
-            const bool isState = text == &CIndexEntry::state;
+            const bool isState = text == &CIndexedPlate::state;
             html.Element("td", {{isState ? "class" : "", entry.isSound ? "sound" : "unsound"}}, entry.*text);
         }
     });
@@ -88,7 +89,7 @@ void WriteHeads(CHtml& html) {
     });
 }
 
-void WriteIndex(CHtml& html, const std::vector<CIndexEntry>& entries) {
+void WriteIndex(CHtml& html, const std::vector<CIndexedPlate>& entries) {
     html.Element("header", {}, [&] {
         html.Element("h1", {}, "Plates");
         html.Element("p", {{"class", "quiet"}, {"id", "count"}, {"aria-live", "polite"}},
@@ -105,7 +106,7 @@ void WriteIndex(CHtml& html, const std::vector<CIndexEntry>& entries) {
             html.Element("table", {{"class", "index"}, {"id", "plates"}}, [&] {
                 html.Element("thead", {}, [&] { WriteHeads(html); });
                 html.Element("tbody", {}, [&] {
-                    for (const CIndexEntry& entry : entries)
+                    for (const CIndexedPlate& entry : entries)
                         WriteEntry(html, entry);
                 });
             });
@@ -140,8 +141,8 @@ std::string FactOf(const CPlateValues& values, std::string_view name) {
 
 }  // namespace
 
-CIndexEntry IndexEntryOf(const CPlateValues& values) {
-    CIndexEntry entry;
+CIndexedPlate IndexedPlateOf(const CPlateValues& values) {
+    CIndexedPlate entry;
     entry.compound = values.compound;
     entry.plate = values.plate;
     entry.recorded = FactOf(values, "Recorded");
@@ -163,9 +164,9 @@ CIndexEntry IndexEntryOf(const CPlateValues& values) {
     return entry;
 }
 
-std::string IndexPage(const std::vector<CIndexEntry>& entries) {
+std::string IndexPage(const std::vector<CIndexedPlate>& entries) {
     CJson data = CJson::array();
-    for (const CIndexEntry& entry : entries)
+    for (const CIndexedPlate& entry : entries)
         data.push_back(JsonOf(entry));
     CHtml html;
     html.Element("html", {{"lang", "en"}}, [&] {
@@ -178,13 +179,13 @@ std::string IndexPage(const std::vector<CIndexEntry>& entries) {
     return html.Bytes();
 }
 
-std::vector<CIndexEntry> EntriesOf(const std::string& index) {
+std::vector<CIndexedPlate> EntriesOf(const std::string& index) {
     constexpr std::string_view kBegin = "id=\"entries\">";
     const std::size_t begin = index.find(kBegin);
     if (begin == std::string::npos) return {};
     const std::size_t end = index.find('<', begin + kBegin.size());
     const CJson json = CJson::parse(index.substr(begin + kBegin.size(), end - begin - kBegin.size()), nullptr, false);
-    std::vector<CIndexEntry> entries;
+    std::vector<CIndexedPlate> entries;
     if (!json.is_array()) return entries;
     try {
         for (const CJson& entry : json)

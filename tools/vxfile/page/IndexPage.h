@@ -8,7 +8,7 @@
 namespace vxfile::page {
 
 /// One plate in an index.
-struct CIndexEntry {
+struct CIndexedPlate {
     std::string page;      ///< The name of its page, next to the index; empty if it couldn't be made.
     std::string inputs;    ///< A checksum of what the page was made from.
     std::string results;   ///< The name of the results file.
@@ -25,12 +25,12 @@ struct CIndexEntry {
 
 /// Returns the entry for a plate: it shows the QT interval, if it was measured, at the greatest dose. Page, checksum,
 /// name and state are left to the caller.
-CIndexEntry IndexEntryOf(const CPlateValues& values);
+CIndexedPlate IndexedPlateOf(const CPlateValues& values);
 
 /// Returns the index: a table that can be searched and sorted, with a link to the page of each plate.
-std::string IndexPage(const std::vector<CIndexEntry>& entries);
+std::string IndexPage(const std::vector<CIndexedPlate>& entries);
 
 /// Returns the entries that an index was made from; none if the text isn't an index.
-std::vector<CIndexEntry> EntriesOf(const std::string& index);
+std::vector<CIndexedPlate> EntriesOf(const std::string& index);
 
 }  // namespace vxfile::page

@@ -36,6 +36,10 @@ struct CColumn {
     std::size_t room = 32;     ///< For texts: the number of bytes in an array item.
 };
 
+/// The column after one with a dose in picomolar.
+inline constexpr CColumn kDoseTextColumn{"dose_text", EColumnType::Text, "",
+                                         "The same in the largest unit that needs no fraction"};
+
 /// The value of a column. The alternative is determined by the column's type; `std::monostate` means missing. The user
 /// of the row owns the text.
 using CCell = std::variant<std::monostate, std::string_view, std::int64_t, std::uint64_t, double, bool>;

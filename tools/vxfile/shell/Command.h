@@ -36,6 +36,12 @@ struct COption {
     std::string_view ValueName() const;
 };
 
+/// Returns the options of two lists, one after the other.
+inline std::vector<COption> Together(std::vector<COption> first, const std::vector<COption>& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 /// The description of a command in help, manual and completion.
 struct CCommandText {
     std::string_view name;      ///< The word on the command line.

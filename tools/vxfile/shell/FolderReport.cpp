@@ -61,12 +61,12 @@ class CFolderReport {
         fs::create_directories(m_folder, error);
         if (error) throw CFailure("Can't make the folder " + m_folder + ": " + error.message() + '.');
         if (!fs::exists(PathOf(kIndex), error)) return;
-        for (const page::CIndexEntry& entry : page::EntriesOf(ReadWholeText(PathOf(kIndex))))
+        for (const page::CIndexedPlate& entry : page::EntriesOf(ReadWholeText(PathOf(kIndex))))
             m_earlier[entry.page] = entry;
     }
 
     void Add(const std::string& results) {
-        page::CIndexEntry entry;
+        page::CIndexedPlate entry;
         const std::string name = FreeName(fs::path(results).stem().string());
         const std::string failure = FailureOf([&] { entry = EntryOf(results, name); });
         if (!failure.empty()) {
@@ -100,7 +100,7 @@ class CFolderReport {
         return name;
     }
 
-    page::CIndexEntry EntryOf(const std::string& results, const std::string& name) {
+    page::CIndexedPlate EntryOf(const std::string& results, const std::string& name) {
         const CRunPaths paths = WithNeighbours({results});
         const std::string inputs = ChecksumOf(paths);
         const auto earlier = m_earlier.find(name);
@@ -126,9 +126,9 @@ class CFolderReport {
 
     std::string m_folder;
     bool m_replace;
-    std::map<std::string, page::CIndexEntry> m_earlier;  ///< The entries of the existing index, by page.
+    std::map<std::string, page::CIndexedPlate> m_earlier;  ///< The entries of the existing index, by page.
     std::set<std::string> m_names;
-    std::vector<page::CIndexEntry> m_entries;
+    std::vector<page::CIndexedPlate> m_entries;
     std::size_t m_made = 0;
     int m_status = kSound;
 };

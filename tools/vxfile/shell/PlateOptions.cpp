@@ -100,12 +100,6 @@ void CPlateOptions::ReadLabels(CPlateView& view, const std::string& settings, co
     view.labels = CPlateLabels(*reader.GetRecordPlateProperty(), settings);
 }
 
-std::vector<COption> With(std::vector<COption> options, CPlateOptions& plate, bool showsTimes) {
-    const auto added = plate.Options(showsTimes);
-    options.insert(options.end(), added.begin(), added.end());
-    return options;
-}
-
 COption TicksPerSecondOption(double& ticksPerSecond) {
     return {.names = "--ticks-per-second",
             .target = &ticksPerSecond,

@@ -42,9 +42,6 @@ class CPlateOptions {
     double m_ticksPerSecond = 0;
 };
 
-/// Appends the options of a plate to those of a command.
-std::vector<COption> With(std::vector<COption> options, CPlateOptions& plate, bool showsTimes = true);
-
 /// Returns the option that adds seconds to times.
 COption TicksPerSecondOption(double& ticksPerSecond);
 

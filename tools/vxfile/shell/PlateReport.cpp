@@ -75,7 +75,7 @@ class CPlateReporter {
 
     CPlateReport ReportOf(const page::CPlateValues& values) const {
         CheckInterrupt();
-        CPlateReport report{page::PlatePage(values), page::IndexEntryOf(values), values.notes, m_isSound};
+        CPlateReport report{page::PlatePage(values), page::IndexedPlateOf(values), values.notes, m_isSound};
         report.entry.results = NameOfFile(m_paths.results);
         report.entry.isSound = m_isSound && values.notes.empty();
         report.entry.state = report.entry.isSound ? "sound" : m_isSound ? values.notes.front() : "findings, see page";

@@ -22,7 +22,7 @@ CRunPaths WithNeighbours(CRunPaths paths);
 /// A page about a plate.
 struct CPlateReport {
     std::string page;
-    page::CIndexEntry entry;         ///< For an index, without the name of the page and the checksum.
+    page::CIndexedPlate entry;       ///< For an index, without the name of the page and the checksum.
     std::vector<std::string> notes;  ///< What isn't right, a sentence each; the page has them, too.
     bool isSound = true;             ///< Whether all files are sound.
 };

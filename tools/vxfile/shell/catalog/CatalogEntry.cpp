@@ -37,7 +37,7 @@ constexpr CColumn kRecordingColumns[] = {
     {"task", Text, "", "The task of the recording"},
     {"number", Whole, "", "The number of the recording within its task"},
     {"dose", Whole, "pM", "The dose of the recording"},
-    {"dose_text", Text, "", "The same in the largest unit that needs no fraction"},
+    kDoseTextColumn,
     {"wells", Whole, "", "The number of wells of the recording"},
     {"samples", Whole, "", "The number of samples of all wells"},
     {"state", Text, "", "finished, unfinished or damaged"},

@@ -16,6 +16,7 @@
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FolderWalk.h"
+#include "tools/vxfile/shell/TableForm.h"
 #include "tools/vxfile/shell/catalog/CatalogEntry.h"
 #include "tools/vxfile/shell/catalog/CatalogRuns.h"
 #include "tools/vxfile/shell/catalog/CatalogStore.h"
@@ -48,35 +49,25 @@ class CCatalogCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        const std::vector<COption> own = {
             {.names = "FOLDER", .target = &m_arguments, .text = "Folders, or files", .isRequired = true},
             {.names = "--recordings", .target = &m_hasRecordings, .text = "One row per recording instead of per file"},
-            {.names = "--csv", .target = &m_csv, .text = "Text with commas (the default)"},
-            {.names = "--tsv", .target = &m_tsv, .text = "Text with tabs", .excludes = {"--csv"}},
-            {.names = "--jsonl",
-             .target = &m_jsonLines,
-             .text = "A JSON object per line",
-             .excludes = {"--csv", "--tsv"}},
-            {.names = "--columns", .target = &m_describes, .text = "Describe the columns instead"},
-            {.names = "-o,--output",
-             .target = &m_target.path,
-             .text = "Output file; - for standard output (the default)"},
-            {.names = "--force", .target = &m_target.replace, .text = "Replace an existing file"},
-            {.names = "--sqlite",
-             .target = &m_database,
-             .text = "Create or update this database, which has both tables",
-             .value = "FILE",
-             .excludes = {"--csv", "--tsv", "--jsonl", "--output", "--recordings", "--columns"}},
-            {.names = "-j,--jobs",
-             .target = &m_threads,
-             .text = "Read this many files at once; by default one per processor",
-             .wanted = "a number of files"},
         };
+        return Together(Together(own, m_form.Options(false)),
+                        {{.names = "--sqlite",
+                          .target = &m_database,
+                          .text = "Create or update this database, which has both tables",
+                          .value = "FILE",
+                          .excludes = {"--csv", "--tsv", "--jsonl", "--output", "--recordings", "--columns"}},
+                         {.names = "-j,--jobs",
+                          .target = &m_threads,
+                          .text = "Read this many files at once; by default one per processor",
+                          .wanted = "a number of files"}});
     }
 
     int Run() override {
-        if (m_describes) {
-            WriteColumns(Form(), m_target, Columns());
+        if (m_form.Describes()) {
+            WriteColumns(m_form.Form(), m_form.Target(), Columns());
             return kSound;
         }
         ListFiles();
@@ -90,8 +81,6 @@ class CCatalogCommand : public CCommand {
     }
 
  private:
-    ETableForm Form() const { return m_jsonLines ? ETableForm::JsonLines : m_tsv ? ETableForm::Tsv : ETableForm::Csv; }
-
     std::vector<CColumn> Columns() const {
         std::vector<CColumn> columns(FileColumns().begin(), FileColumns().end());
         if (m_hasRecordings) columns.insert(columns.end(), RecordingColumns().begin(), RecordingColumns().end());
@@ -139,12 +128,12 @@ class CCatalogCommand : public CCommand {
     /// Writes all rows once all files are known, since each has the other files of its run.
     void Write() {
         std::error_code none;
-        if (m_target.path != "-" && fs::exists(m_target.path, none)) {
+        if (m_form.Target().path != "-" && fs::exists(m_form.Target().path, none)) {
             for (const auto& path : m_paths)
-                RefuseTarget(m_target.path, path);
+                RefuseTarget(m_form.Target().path, path);
         }
         const std::vector<CColumn> columns = Columns();
-        const auto writer = MakeTableWriter(Form(), m_target, columns, {});
+        const auto writer = MakeTableWriter(m_form.Form(), m_form.Target(), columns, {});
         std::deque<CCatalogEntry> entries;
         Scan(m_paths, [&](CCatalogEntry& entry) {
             ++m_states[std::string(entry.state)];
@@ -209,11 +198,7 @@ class CCatalogCommand : public CCommand {
 
     std::vector<std::string> m_arguments;
     bool m_hasRecordings = false;
-    bool m_csv = false;  ///< The default.
-    bool m_tsv = false;
-    bool m_jsonLines = false;
-    bool m_describes = false;
-    CTarget m_target;
+    CTableForm m_form;
     std::string m_database;
     std::int64_t m_threads = 0;
     std::vector<std::string> m_paths;       ///< The files.

@@ -47,7 +47,7 @@ class CDiffCommand : public CCommand {
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
             {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
         };
-        return With(std::move(options), m_plate);
+        return Together(std::move(options), m_plate.Options(true));
     }
 
     int Run() override {

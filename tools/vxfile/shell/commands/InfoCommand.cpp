@@ -50,7 +50,7 @@ class CInfoCommand : public CCommand {
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
             {.names = "--full", .target = &m_full, .text = "Count the samples of large raw data files, too"},
         };
-        return With(std::move(options), m_plate);
+        return Together(std::move(options), m_plate.Options(true));
     }
 
     int Run() override {

@@ -56,7 +56,7 @@ class CRecoverCommand : public CCommand {
             {.names = "--force", .target = &m_force, .text = "Replace the new file if it is there already"},
             {.names = "--json", .target = &m_json, .text = "Print a JSON document for programs"},
         };
-        return With(std::move(options), m_plate);
+        return Together(std::move(options), m_plate.Options(true));
     }
 
     int Run() override {

@@ -70,7 +70,7 @@ class CSamplesCommand : public CCommand {
              .text = "Output file; - for standard output (the default). With {well} in the name, one file per well"},
             {.names = "--force", .target = &m_form.target.replace, .text = "Replace existing files"},
         };
-        return With(std::move(options), m_plate);
+        return Together(std::move(options), m_plate.Options(true));
     }
 
     int Run() override {

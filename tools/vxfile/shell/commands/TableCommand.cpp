@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/vxfile/document/DocumentHead.h"
@@ -10,6 +11,7 @@
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
+#include "tools/vxfile/shell/TableForm.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Failure.h"
 #include "vxfileio/frame/VXFileIO.h"
@@ -38,43 +40,32 @@ class CTableCommand : public CCommand {
     const CCommandText& Text() const override { return kText; }
 
     std::vector<COption> Options() override {
-        return {
+        std::vector<COption> options = {
             {.names = "RESULTS", .target = &m_path, .text = "The results file", .isRequired = true},
             {.names = "--settings",
              .target = &m_settingsPath,
              .text = "The settings file of the same run",
              .value = "FILE"},
             {.names = "--what", .target = &m_what, .text = "responses (the default), means, beats or averages"},
-            {.names = "--csv", .target = &m_csv, .text = "Text with commas (the default)"},
-            {.names = "--tsv", .target = &m_tsv, .text = "Text with tabs", .excludes = {"--csv"}},
-            {.names = "--jsonl",
-             .target = &m_jsonLines,
-             .text = "A JSON object per line",
-             .excludes = {"--csv", "--tsv"}},
-            {.names = "--npy",
-             .target = &m_npy,
-             .text = "A structured array, for numpy",
-             .excludes = {"--csv", "--tsv", "--jsonl"}},
-            {.names = "--columns", .target = &m_columns, .text = "Describe the columns instead"},
             TicksPerSecondOption(m_ticksPerSecond),
-            {.names = "-o,--output",
-             .target = &m_target.path,
-             .text = "Output file; - for standard output (the default)"},
-            {.names = "--force", .target = &m_target.replace, .text = "Replace an existing file"},
         };
+        return Together(std::move(options), m_form.Options(true));
     }
 
     int Run() override {
         const auto table = ResultsTableOf(m_what);
         if (!table) throw CFailure("There is no table '" + m_what + "'; choose responses, means, beats or averages.");
         const bool hasSettings = !m_settingsPath.empty();
-        const ETableForm form = Form();
         const auto columns = ColumnsOf(*table, hasSettings, m_ticksPerSecond != 0);
-        if (m_columns) return DescribeColumns(form, columns);
-        m_target.source = m_path;
+        if (m_form.Describes()) {
+            WriteColumns(m_form.Form(), m_form.Target(), columns);
+            return kSound;
+        }
+        m_form.Target().source = m_path;
         RequireKind(EFileKind::Results, m_path);
         const CTableOptions options{hasSettings ? &ReadSettings() : nullptr, m_ticksPerSecond};
-        const auto writer = MakeTableWriter(form, m_target, columns, [&] { return CountRows(*table, options); });
+        const auto writer =
+            MakeTableWriter(m_form.Form(), m_form.Target(), columns, [&] { return CountRows(*table, options); });
         NoteDamage(m_path, ForEachRow(*table, m_path, options, [&](auto row) { writer->Put(row); }));
         writer->Commit();
         std::ranges::for_each(m_doubts, Complain);
@@ -82,20 +73,10 @@ class CTableCommand : public CCommand {
     }
 
  private:
-    ETableForm Form() const {
-        using enum ETableForm;
-        return m_npy ? Npy : m_jsonLines ? JsonLines : m_tsv ? Tsv : Csv;
-    }
-
-    int DescribeColumns(ETableForm form, std::span<const CColumn> columns) const {
-        WriteColumns(form, m_target, columns);
-        return kSound;
-    }
-
     /// Reads the settings, and notes what is wrong with them.
     const CISettingsReader& ReadSettings() {
         RequireKind(EFileKind::Settings, m_settingsPath);
-        if (m_target.path != "-") RefuseTarget(m_target.path, m_settingsPath);
+        if (m_form.Target().path != "-") RefuseTarget(m_form.Target().path, m_settingsPath);
         NoteDamage(m_settingsPath, ReadDocument(m_settings, m_settingsPath));
         const CRunFile settings{m_settingsPath, m_settings.GetXmlFileHeader()->Guid};
         const std::string other = DifferenceOfRuns(settings, {m_path, HeadOfDocument(m_path).Guid});
@@ -116,12 +97,7 @@ class CTableCommand : public CCommand {
     std::string m_path;
     std::string m_settingsPath;
     std::string m_what = "responses";
-    CTarget m_target;
-    bool m_csv = false;  ///< The default.
-    bool m_tsv = false;
-    bool m_jsonLines = false;
-    bool m_npy = false;
-    bool m_columns = false;
+    CTableForm m_form;
     double m_ticksPerSecond = 0;
     CISettingsReader m_settings;
     std::vector<std::string> m_doubts;  ///< A sentence each.

@@ -155,7 +155,7 @@ class CVerifyCommand : public CCommand {
              .text = "Don't compare files with their seals, which reads every byte"},
             {.names = "-q,--quiet", .target = &m_quiet, .text = "Print nothing; only set the exit status"},
         };
-        return With(std::move(options), m_plate, false);
+        return Together(std::move(options), m_plate.Options(false));
     }
 
     int Run() override {

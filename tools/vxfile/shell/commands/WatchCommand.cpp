@@ -61,7 +61,7 @@ class CWatchCommand : public CCommand {
              .least = 0.01,
              .most = 3600},
         };
-        return With(std::move(options), m_plate, false);
+        return Together(std::move(options), m_plate.Options(false));
     }
 
     int Run() override {
