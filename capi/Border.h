@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "capi/Handles.h"
-#include "capi/vxfileio.h"
+#include "capi/Interface.h"
 
 /// @file
 /// What every function of the interface goes through: no exception passes, and texts, arrays and structs cross by the
@@ -78,9 +78,11 @@ int Make(Handle** out, Body body) noexcept {
     return *out == nullptr ? VX_ERROR_MEMORY : code;
 }
 
+[[noreturn]] inline void RefuseArgument(const char* text) { throw CFailed{VX_ERROR_ARGUMENT, text}; }
+
 /// Throws a `CFailed` with VX_ERROR_ARGUMENT unless the argument is right.
 inline void Require(bool isRight, const char* text) {
-    if (!isRight) throw CFailed{VX_ERROR_ARGUMENT, text};
+    if (!isRight) RefuseArgument(text);
 }
 
 /// Returns a text that a caller passes.
@@ -108,14 +110,14 @@ inline std::size_t TakeIndex(std::int64_t index, std::size_t count) {
 /// Stores a single result.
 template <class Value>
 void Put(Value* out, Value value) {
-    Require(out != nullptr, "The place for the result is NULL.");
+    if (out == nullptr) RefuseArgument("The place for the result is NULL.");
     *out = value;
 }
 
 /// Stores what is needed. Returns whether the caller has a buffer. Throws if it is too small, after `cut(room)`.
 template <class Cut>
 bool HasRoom(const void* buffer, std::int64_t* size, std::size_t needed, Cut cut) {
-    Require(size != nullptr, "The place for the size is NULL.");
+    if (size == nullptr) RefuseArgument("The place for the size is NULL.");
     const std::int64_t room = *size;
     Require(buffer == nullptr || room >= 0, "The size of the buffer is negative.");
     *size = static_cast<std::int64_t>(needed);
@@ -157,7 +159,7 @@ void RequireZeros(std::span<const unsigned char> bytes);
 /// Stores a struct that begins with its size, by the rule for sizes.
 template <class Struct>
 void PutStruct(Struct value, Struct* out) {
-    Require(out != nullptr, "The struct is NULL.");
+    if (out == nullptr) RefuseArgument("The struct is NULL.");
     value.size = out->size;
     const std::size_t shared = SharedSize(sizeof(Struct), value.size);
     auto* const bytes = reinterpret_cast<unsigned char*>(out);
@@ -168,7 +170,7 @@ void PutStruct(Struct value, Struct* out) {
 /// Returns a struct that a caller passes, by the rule for sizes.
 template <class Struct>
 Struct TakeStruct(const Struct* in) {
-    Require(in != nullptr, "The struct is NULL.");
+    if (in == nullptr) RefuseArgument("The struct is NULL.");
     const std::size_t shared = SharedSize(sizeof(Struct), in->size);
     const auto* const bytes = reinterpret_cast<const unsigned char*>(in);
     RequireZeros({bytes + shared, static_cast<std::size_t>(in->size) - shared});

@@ -1,11 +1,12 @@
 #include "capi/Handles.h"
 
 #include <array>
+#include <bit>
 #include <mutex>
 #include <utility>
 #include <vector>
 
-#include "capi/vxfileio.h"
+#include "capi/Interface.h"
 
 namespace vxfileio::capi {
 
@@ -91,7 +92,7 @@ CSlots& Slots() {
 
 void* MakeHandle(std::unique_ptr<CObject> object) noexcept {
     try {
-        return reinterpret_cast<void*>(Slots().Add(std::move(object)));
+        return std::bit_cast<void*>(Slots().Add(std::move(object)));
     } catch (...) {
         return nullptr;
     }
