@@ -56,7 +56,7 @@ class CAccountant {
     }
 
  private:
-    const CCandidate& CandidateOf(const CPiece& piece) const { return m_candidates.list[piece.candidate]; }
+    static const CCandidate& CandidateOf(const CPiece& piece) { return *piece.candidate; }
     CFound& Found() { return m_account.found; }
     const CPiece* Before() const { return m_index == 0 ? nullptr : &m_pieces[m_index - 1]; }
     const CCandidate* SegmentBefore() const {

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <functional>
+#include <iterator>
 #include <limits>
 #include <map>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -17,24 +18,56 @@ using namespace rawdata;
 
 namespace {
 
-constexpr std::int32_t kNone = -1;
+/// The recording that segments belong to.
+struct CRecordingAround {
+    const CCandidate* header = nullptr;  ///< Null if it is lost.
+    const CWellList* wells = nullptr;
+    std::map<std::int32_t, CTickRange> learned;  ///< Intervals by whole segments, for wells that the header lacks.
+
+    /// Returns the interval of a segment's well from the recording header or earlier segments; 0 if unknown.
+    std::int64_t TickOf(const CCandidate& segment) const {
+        if (wells != nullptr) {
+            const std::int64_t tick = segment.noID ? wells->CommonTick() : wells->TickOf(segment.well);
+            if (tick > 0) return tick;
+        }
+        const auto found = learned.find(segment.well);
+        return found == learned.end() || found->second.IsEmpty() || found->second.IsOpen() ? 0 : found->second.atMost;
+    }
+
+    /// Narrows the interval of a well that the recording header doesn't have.
+    void Learn(const CCandidate& segment) {
+        if (wells != nullptr && wells->TickOf(segment.well) > 0) return;
+        CTickRange& known = learned[segment.well];
+        const CTickRange own = TicksOf(segment.from, segment.to, segment.size);
+        known.atLeast = std::max(known.atLeast, own.atLeast);
+        known.atMost = std::min(known.atMost, own.atMost);
+    }
+};
 
 /// One way to explain the input up to the end of a piece.
 struct CNode {
-    CPiece piece;
+    CPiece piece;          ///< Without a candidate: the beginning of the input.
+    std::int64_t gap = 0;  ///< Number of bytes before the piece that belong to nothing.
     std::int32_t cost = 0;
     std::int32_t other = std::numeric_limits<std::int32_t>::max();  ///< Cost of the best way with another piece before.
-    std::int32_t parent = kNone;
-    std::int32_t recording = kNone;  ///< The node that began the recording.
-    std::int32_t wholeBefore = 0;    ///< Number of whole candidates up to this one.
-    bool cutsParent = false;         ///< It begins within the header of its parent.
+    std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
+    bool cutsParent = false;                                        ///< It begins within the header of its parent.
+    std::shared_ptr<CNode> parent;
+    std::shared_ptr<CRecordingAround> recording;  ///< Null before the first one of a file.
+
+    /// Releases the pieces before it one by one: there may be too many for one call within another.
+    ~CNode() {
+        while (parent != nullptr && parent.use_count() == 1)
+            parent = std::move(parent->parent);
+    }
+
+    const CCandidate& Candidate() const { return *piece.candidate; }
+    bool Is(EKind kind) const { return piece.candidate != nullptr && Candidate().kind == kind; }
+    bool IsLastSegment() const { return Is(EKind::Segment) && Candidate().next == kUnset; }
+    bool ExpectsSegment() const { return Is(EKind::Segment) && IsPosition(Candidate().next); }
 };
 
-/// One way to read a segment header.
-struct CReading {
-    std::int64_t samples = 0;
-    EMade made = EMade::None;
-};
+using CNodePtr = std::shared_ptr<CNode>;
 
 int GapCost(std::int64_t bytes) {
     return bytes <= 0 ? 0 : costs::kGap + 2 * static_cast<int>(std::bit_width(static_cast<std::uint64_t>(bytes)));
@@ -63,232 +96,192 @@ std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
 class CExplainer {
  public:
     CExplainer(const CCandidates& candidates, std::int64_t size, const CReach& reach)
-        : m_candidates(candidates), m_size(size), m_reach(reach) {
-        m_nodes.emplace_back();
-        m_open.push_back(0);
-    }
+        : m_candidates(candidates), m_size(size), m_reach(reach), m_open{std::make_shared<CNode>()} {}
 
     std::vector<CPiece> Run() {
-        for (std::uint32_t i = 0; i < m_candidates.list.size(); ++i) {
-            const CCandidate& candidate = m_candidates.list[i];
-            if (i % 1024 == 0) m_reach(candidate.begin);
+        for (const CCandidate& candidate : m_candidates.list) {
+            if (m_extended++ % 1024 == 0) m_reach(candidate.begin);
             Release(candidate.claim);
-            Extend(i);
+            Extend(candidate);
             m_whole += candidate.IsWhole() ? 1 : 0;
-            if (m_pending.size() > kMostPending) DropTheCostliest();
-            if (m_nodes.size() > 2 * m_needed + kMostPending) ForgetDeadEnds();
         }
         Release(m_size);
-        return Path(Best());
+        return Path();
     }
 
  private:
     static constexpr std::size_t kMostOpen = 16;
     static constexpr std::size_t kMostPending = std::size_t{1} << 14;
 
-    using CEnd = std::pair<std::int64_t, std::int32_t>;
-
-    CNode& NodeAt(std::int32_t index) { return m_nodes[static_cast<std::size_t>(index)]; }
-    const CNode& NodeAt(std::int32_t index) const { return m_nodes[static_cast<std::size_t>(index)]; }
-
-    const CCandidate& CandidateOf(const CNode& node) const { return m_candidates.list[node.piece.candidate]; }
-    bool IsStart(const CNode& node) const { return node.parent == kNone; }
-    bool IsOf(const CNode& node, EKind kind) const { return !IsStart(node) && CandidateOf(node).kind == kind; }
-
     /// Opens the nodes that end at or before a position: something can follow them now.
     void Release(std::int64_t position) {
-        while (!m_pending.empty() && m_pending.front().first <= position) {
-            std::ranges::pop_heap(m_pending, std::greater());
-            const std::int32_t index = m_pending.back().second;
-            m_pending.pop_back();
-            CNode& node = NodeAt(index);
-            if (m_whole > node.wholeBefore) node.cost += costs::kHeaderWithin;
-            const auto place =
-                std::ranges::upper_bound(m_open, node.cost, {}, [&](std::int32_t other) { return NodeAt(other).cost; });
-            m_open.insert(place, index);
+        while (!m_pending.empty() && m_pending.begin()->first <= position) {
+            const CNodePtr node = m_pending.begin()->second;
+            m_pending.erase(m_pending.begin());
+            if (m_whole > node->wholeBefore) node->cost += costs::kHeaderWithin;
+            m_open.insert(std::ranges::upper_bound(m_open, node->cost, {}, &CNode::cost), node);
             if (m_open.size() > kMostOpen) m_open.pop_back();
         }
     }
 
-    /// Drops the costlier half of the pending ways.
-    void DropTheCostliest() {
-        const auto half = m_pending.begin() + kMostPending / 2;
-        std::nth_element(m_pending.begin(), half, m_pending.end(), [&](const CEnd& one, const CEnd& other) {
-            return NodeAt(one.second).cost < NodeAt(other.second).cost;
-        });
-        m_pending.erase(half, m_pending.end());
-        std::ranges::make_heap(m_pending, std::greater());
-    }
-
-    /// Removes the nodes that no open way needs. The others keep their order.
-    void ForgetDeadEnds() {
-        std::vector<std::int32_t> places(m_nodes.size(), kNone);
-        const auto need = [&](std::int32_t index) {
-            for (; index != kNone && places[static_cast<std::size_t>(index)] == kNone; index = NodeAt(index).parent)
-                places[static_cast<std::size_t>(index)] = 0;
-        };
-        const auto placeOf = [&](std::int32_t index) {
-            return index == kNone ? kNone : places[static_cast<std::size_t>(index)];
-        };
-        need(0);
-        std::ranges::for_each(m_open, need);
-        std::ranges::for_each(m_recordings, need);
-        for (const CEnd& end : m_pending)
-            need(end.second);
-        m_needed = 0;
-        for (std::size_t i = 0; i < m_nodes.size(); ++i) {
-            if (places[i] == kNone) continue;
-            CNode& node = m_nodes[m_needed] = m_nodes[i];
-            node.parent = placeOf(node.parent);
-            places[i] = static_cast<std::int32_t>(m_needed++);
-            node.recording = placeOf(node.recording);
-        }
-        m_nodes.resize(m_needed);
-        for (std::int32_t& index : m_open)
-            index = placeOf(index);
-        for (std::int32_t& index : m_recordings)
-            index = placeOf(index);
-        for (CEnd& end : m_pending)
-            end.second = placeOf(end.second);
-        std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> learned;
-        for (const auto& [key, range] : m_learned) {
-            if (placeOf(key.first) != kNone) learned[{placeOf(key.first), key.second}] = range;
-        }
-        m_learned.swap(learned);
-    }
-
     /// Offers all ways to a candidate. Once one needs no assumption, clearly costlier ways are skipped.
-    void Extend(std::uint32_t index) {
-        const CCandidate& candidate = m_candidates.list[index];
+    void Extend(const CCandidate& candidate) {
         m_offers.clear();
         std::int32_t most = std::numeric_limits<std::int32_t>::max();
-        for (const std::int32_t parent : m_open) {
-            const std::int32_t cost = NodeAt(parent).cost;
-            if (cost > most) break;
-            Follow(parent, index, false);
+        for (const CNodePtr& parent : m_open) {
+            if (parent->cost > most) break;
+            Follow(parent, candidate, false);
             const bool isFree = !m_offers.empty() && m_offers.front().piece.hasOwnShift &&
-                                m_offers.front().cost == cost + costs::kHeader;
-            if (isFree) most = std::min(most, cost + costs::kNearlyEqual);
+                                m_offers.front().cost == parent->cost + costs::kHeader;
+            if (isFree) most = std::min(most, parent->cost + costs::kNearlyEqual);
         }
-        for (const std::int32_t parent : m_recordings) {
-            const CNode& node = NodeAt(parent);
-            if (IsStart(node)) continue;
-            const CCandidate& header = CandidateOf(node);
+        for (const CNodePtr& parent : m_recordings) {
+            if (parent == nullptr) continue;
+            const CCandidate& header = parent->Candidate();
             if (!header.IsWhole() && header.begin < candidate.begin && candidate.begin < header.end)
-                Follow(parent, index, true);
+                Follow(parent, candidate, true);
         }
         for (const CNode& offer : m_offers)
-            Add(offer);
+            Add(std::make_shared<CNode>(offer));
     }
 
-    void Add(CNode node) {
-        const auto index = static_cast<std::int32_t>(m_nodes.size());
-        const bool isRecording = IsOf(node, EKind::Recording);
-        if (isRecording || node.piece.lostRecording) node.recording = index;
-        if (isRecording) m_recordings[m_nextRecording++ % m_recordings.size()] = index;
-        node.wholeBefore = m_whole + (CandidateOf(node).IsWhole() ? 1 : 0);
-        m_pending.emplace_back(node.piece.end, index);
-        std::ranges::push_heap(m_pending, std::greater());
-        m_nodes.push_back(node);
-        Learn(node);
+    /// Adds a way that ends later. If too many wait for their end, the last one to end is dropped.
+    void Add(const CNodePtr& node) {
+        const CCandidate& candidate = node->Candidate();
+        const bool isRecording = candidate.kind == EKind::Recording;
+        if (isRecording || node->piece.lostRecording) node->recording = std::make_shared<CRecordingAround>();
+        if (isRecording) {
+            node->recording->header = &candidate;
+            node->recording->wells = &m_candidates.wellLists[static_cast<std::size_t>(candidate.well)];
+            m_recordings[m_nextRecording++ % m_recordings.size()] = node;
+        }
+        if (candidate.kind == EKind::Segment && candidate.IsWhole() && node->piece.made == EMade::None)
+            node->recording->Learn(candidate);
+        node->wholeBefore = m_whole + (candidate.IsWhole() ? 1 : 0);
+        m_pending.emplace(node->piece.end, node);
+        if (m_pending.size() > kMostPending) m_pending.erase(std::prev(m_pending.end()));
     }
 
     /// Offers the ways in which a candidate can follow a node.
-    void Follow(std::int32_t parentIndex, std::uint32_t index, bool cutsParent) {
-        const CNode& parent = NodeAt(parentIndex);
-        const CCandidate& candidate = m_candidates.list[index];
-        const std::int64_t end = cutsParent ? candidate.begin : parent.piece.end;
+    void Follow(const CNodePtr& parent, const CCandidate& candidate, bool cutsParent) {
+        const std::int64_t end = cutsParent ? candidate.begin : parent->piece.end;
         if (end > candidate.claim) return;
-        CNode node{.piece = {.candidate = index}, .parent = parentIndex, .recording = parent.recording};
+        CNode node{.piece = {.candidate = &candidate}, .parent = parent, .recording = parent->recording};
         node.cutsParent = cutsParent;
-        const std::int64_t gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
-        const int cells = candidate.whole + candidate.damaged;
-        const bool isDirect = end == candidate.begin;
-        node.cost = parent.cost + GapCost(gap) + costs::kHeader * candidate.whole / cells +
-                    (cutsParent ? CutCost(parent, candidate.begin) : 0) +
-                    (isDirect ? 0 : UnconfirmedCost(parent, gap)) + (candidate.moved != 0 ? costs::kValue : 0);
-        if (candidate.kind == EKind::Segment) {
-            FollowWithSegment(parent, gap, node);
-        } else {
-            FollowWithHeader(parent, gap, node);
-        }
+        node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
+        node.cost = parent->cost + GapCost(node.gap) +
+                    costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
+                    (cutsParent ? CutCost(*parent, candidate.begin) : 0) +
+                    (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) +
+                    (candidate.moved != 0 ? costs::kValue : 0);
+        candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
     }
 
     /// Returns the cost of ending a recording header early: an assumption, and the lost cells.
-    int CutCost(const CNode& node, std::int64_t end) const {
-        const CCandidate& header = CandidateOf(node);
+    static int CutCost(const CNode& node, std::int64_t end) {
+        const CCandidate& header = node.Candidate();
         const int value = costs::kHeader * header.whole / (header.whole + header.damaged);
         const auto lost = static_cast<double>(header.end - end) / static_cast<double>(header.end - header.begin);
         return costs::kGap - static_cast<int>(value * lost);
     }
 
-    void FollowWithHeader(const CNode& parent, std::int64_t gap, CNode node) {
-        const CCandidate& header = CandidateOf(node);
+    void FollowWithHeader(CNode node) {
+        const CCandidate& header = node.Candidate();
         if (header.end > m_size) return;
         node.piece.end = header.end;
         if (header.kind == EKind::File) {
-            node.recording = kNone;
+            node.recording = nullptr;
             node.piece.shift = -header.begin;
             node.piece.hasOwnShift = true;
             return Offer(node);
         }
-        if (IsOf(parent, EKind::Segment) && IsPosition(CandidateOf(parent).next)) node.cost += costs::kPosition;
-        if (parent.recording != kNone) {
-            const CNode& before = NodeAt(parent.recording);
-            if (IsOf(before, EKind::Recording) && CandidateOf(before).layout != header.layout)
-                node.cost += costs::kVersion;
-        }
-        OfferShifts(parent, gap, node, header.next);
+        if (node.parent->ExpectsSegment()) node.cost += costs::kPosition;
+        const CCandidate* const before = node.recording != nullptr ? node.recording->header : nullptr;
+        if (before != nullptr && before->layout != header.layout) node.cost += costs::kVersion;
+        OfferShifts(node);
     }
 
-    void FollowWithSegment(const CNode& parent, std::int64_t gap, CNode node) {
-        const int same = SameRecordingCost(parent, gap, node);
-        if (parent.recording != kNone) OfferReadings(parent, gap, node, same);
-        if (parent.recording != kNone && same == 0) return;
+    void FollowWithSegment(CNode node) {
+        const int same = SameRecordingCost(node);
+        if (node.recording != nullptr) OfferReadings(node, same);
+        if (node.recording != nullptr && same == 0) return;
         node.piece.lostRecording = true;
-        OfferReadings(parent, gap, node, LostRecordingCost(parent, gap, node));
+        node.recording = nullptr;
+        OfferReadings(node, LostRecordingCost(node));
     }
 
-    /// Offers each way to read a segment.
-    void OfferReadings(const CNode& parent, std::int64_t gap, const CNode& node, int cost) {
-        const CCandidate& segment = CandidateOf(node);
-        const std::int64_t tick = node.piece.lostRecording ? 0 : TickOf(parent.recording, segment);
-        const CWellList* const wells = node.piece.lostRecording ? nullptr : WellListOf(parent.recording);
-        for (const CReading& reading :
-             ReadingsOf(segment, tick, parent.piece.shift, wells != nullptr && wells->knowsWells)) {
-            CNode way = node;
-            way.piece.samples = reading.samples;
-            way.piece.made = reading.made;
-            way.piece.tick = tick;
-            way.piece.end = segment.end + 2 * reading.samples;
-            way.cost += cost + (reading.made == EMade::None ? 0 : costs::kValue);
-            if (way.piece.end > m_size) {
-                const bool isTold = tick > 0 || segment.next == way.piece.end + parent.piece.shift;
-                if (!segment.IsWhole() || reading.made != EMade::None || !isTold) continue;
-                way.piece.isCut = true;
-                way.cost += costs::kCut;
-            }
-            OfferShifts(parent, gap, way, segment.next);
+    /// Offers each way to read a segment, with at most one computed value.
+    void OfferReadings(CNode node, int cost) {
+        const CCandidate& segment = node.Candidate();
+        if (!IsReadable(node)) return;
+        node.cost += cost;
+        const std::int64_t tick = node.recording != nullptr ? node.recording->TickOf(segment) : 0;
+        node.piece.tick = tick;
+        const auto samples = SamplesBetween(segment.from, segment.to, tick);
+        const CTickRange intervals = TicksOf(segment.from, segment.to, segment.size);
+        if (segment.noSize) {
+            const std::int64_t room =
+                IsPosition(segment.next) ? (segment.next - node.parent->piece.shift - segment.end) / 2 : 0;
+            const bool fits = tick == 0 && room <= kMostSamples && !TicksOf(segment.from, segment.to, room).IsEmpty();
+            if (samples || fits) OfferReading(node, samples.value_or(room), EMade::Size);
+        } else if (segment.noFrom) {
+            if (TimeAfter(segment.to, 1 - segment.size, tick)) OfferReading(node, segment.size, EMade::From);
+        } else if (segment.noTo) {
+            if (TimeAfter(segment.from, segment.size - 1, tick)) OfferReading(node, segment.size, EMade::To);
+        } else if (tick > 0 ? intervals.Has(tick) : !intervals.IsEmpty()) {
+            OfferReading(node, segment.size, EMade::None);
+        } else {
+            OfferReading(node, segment.size, EMade::Either);
+            if (samples) OfferReading(node, *samples, EMade::Size);
         }
+    }
+
+    /// Returns whether at most one cell of a segment is lost. Next to a place where bytes were removed, a cell may be a
+    /// mixture of two.
+    static bool IsReadable(const CNode& node) {
+        const CCandidate& segment = node.Candidate();
+        const bool knowsWells =
+            node.recording != nullptr && node.recording->wells != nullptr && node.recording->wells->knowsWells;
+        const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
+        return std::ranges::count(isLost, true) <= (segment.moved == 0 ? 1 : 0) &&
+               (!segment.noID || segment.damaged <= 1 || knowsWells);
+    }
+
+    void OfferReading(CNode node, std::int64_t samples, EMade made) {
+        const CCandidate& segment = node.Candidate();
+        node.piece.samples = samples;
+        node.piece.made = made;
+        node.piece.end = segment.end + 2 * samples;
+        node.cost += made == EMade::None ? 0 : costs::kValue;
+        if (node.piece.end > m_size) {
+            const bool isTold = node.piece.tick > 0 || segment.next == node.piece.end + node.parent->piece.shift;
+            if (!segment.IsWhole() || made != EMade::None || !isTold) return;
+            node.piece.isCut = true;
+            node.cost += costs::kCut;
+        }
+        OfferShifts(node);
     }
 
     /// Offers a node as it is if its position has the current shift. Otherwise either this position is wrong, or all
     /// positions are from here on.
-    void OfferShifts(const CNode& parent, std::int64_t gap, CNode node, std::int64_t position) {
-        const std::int64_t moved = CandidateOf(node).moved;
+    void OfferShifts(CNode node) {
+        const std::int64_t position = node.Candidate().next;
+        const std::int64_t moved = node.Candidate().moved;
+        const std::int64_t shift = node.parent->piece.shift;
         const std::int64_t end = node.piece.end;
         if (node.piece.isCut) node.piece.end = m_size;
-        node.piece.shift = parent.piece.shift - moved;
+        node.piece.shift = shift - moved;
         if (position == kLost || position == kUnset) return Offer(node);
         node.piece.hasOwnShift = IsPosition(position);
         node.piece.ownShift = node.piece.hasOwnShift ? position - (end - moved) : 0;
-        if (node.piece.hasOwnShift && node.piece.ownShift == parent.piece.shift) return Offer(node);
+        if (node.piece.hasOwnShift && node.piece.ownShift == shift) return Offer(node);
         CNode wrong = node;
         wrong.cost += costs::kPosition;
         Offer(wrong);
         if (!node.piece.hasOwnShift) return;
-        const std::int64_t by = node.piece.ownShift - parent.piece.shift;
-        const bool isByGap = gap > 0 && (by == -gap || by == OverlapOf(parent.piece.end, CandidateOf(node).begin));
+        const std::int64_t by = node.piece.ownShift - shift;
+        const bool isByGap =
+            node.gap > 0 && (by == -node.gap || by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
         node.cost += isByGap ? costs::kShiftByGap : costs::kShift;
         node.piece.shift = node.piece.ownShift - moved;
         Offer(node);
@@ -313,170 +306,98 @@ class CExplainer {
         };
         const auto same = std::ranges::find_if(m_offers, isSame);
         if (same == m_offers.end()) return m_offers.push_back(node);
+        const std::int32_t costlier = std::max(node.cost, same->cost);
         if (node.cost < same->cost) {
-            const std::int32_t other = same->cost;
             *same = node;
-            same->other = other;
-        } else if (node.cost < same->other) {
-            same->other = node.cost;
+            same->other = costlier;
+        } else {
+            same->other = std::min(same->other, costlier);
         }
-    }
-
-    /// Returns the ways to read a segment, with at most one computed value.
-    std::vector<CReading> ReadingsOf(const CCandidate& segment, std::int64_t tick, std::int64_t shift,
-                                     bool knowsWells) const {
-        const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
-        const auto lost = std::ranges::count(isLost, true);
-        // Where bytes were removed from a header, the cell there may be a mixture of two.
-        if (lost > (segment.moved == 0 ? 1 : 0) || (segment.noID && segment.damaged > 1 && !knowsWells)) return {};
-        const auto samples = SamplesBetween(segment.from, segment.to, tick);
-        if (segment.noSize) {
-            if (samples) return {{*samples, EMade::Size}};
-            const std::int64_t room = IsPosition(segment.next) ? (segment.next - shift - segment.end) / 2 : 0;
-            const bool fits =
-                tick == 0 && room > 0 && room <= kMostSamples && !TicksOf(segment.from, segment.to, room).IsEmpty();
-            return fits ? std::vector<CReading>{{room, EMade::Size}} : std::vector<CReading>{};
-        }
-        if (segment.noFrom)
-            return TimeAfter(segment.to, 1 - segment.size, tick) ? std::vector<CReading>{{segment.size, EMade::From}}
-                                                                 : std::vector<CReading>{};
-        if (segment.noTo)
-            return TimeAfter(segment.from, segment.size - 1, tick) ? std::vector<CReading>{{segment.size, EMade::To}}
-                                                                   : std::vector<CReading>{};
-        const CTickRange intervals = TicksOf(segment.from, segment.to, segment.size);
-        if (tick > 0 ? intervals.Has(tick) : !intervals.IsEmpty()) return {{segment.size, EMade::None}};
-        std::vector<CReading> readings = {{segment.size, EMade::Either}};
-        if (samples) readings.push_back({*samples, EMade::Size});
-        return readings;
     }
 
     /// Returns the cost if no header follows right after a node.
-    int UnconfirmedCost(const CNode& node, std::int64_t gap) const {
-        if (!IsOf(node, EKind::Segment)) return 0;
-        const CCandidate& segment = CandidateOf(node);
+    static int UnconfirmedCost(const CNode& node, std::int64_t gap) {
+        if (!node.Is(EKind::Segment)) return 0;
+        const CCandidate& segment = node.Candidate();
         if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
-        // Bytes inserted into a damaged header move its samples.
+        // Bytes that were put into a damaged header move its samples.
         if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
         if (IsPosition(segment.next) && node.piece.ownShift == node.piece.shift) return 0;
         return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
     }
 
-    int SameRecordingCost(const CNode& parent, std::int64_t gap, const CNode& node) const {
-        int cost = IsOf(parent, EKind::Segment) && CandidateOf(parent).next == kUnset ? costs::kPosition : 0;
-        if ((gap > 0 || MissingAhead(parent, CandidateOf(node)) != 0) && parent.recording != kNone &&
-            IsForeign(parent, node))
+    int SameRecordingCost(const CNode& node) const {
+        int cost = node.parent->IsLastSegment() ? costs::kPosition : 0;
+        if ((node.gap > 0 || MissingBefore(node) != 0) && node.recording != nullptr && IsForeign(node))
             cost += costs::kForeign;
-        if (gap > 0 && IsNextRecordingPassed(parent, node)) cost += costs::kPosition;
+        if (node.gap > 0 && IsNextRecordingPassed(node)) cost += costs::kPosition;
         return cost;
     }
 
     /// Returns how many bytes are missing before a segment by its own position; negative if there are too many.
-    static std::int64_t MissingAhead(const CNode& parent, const CCandidate& segment) {
-        return OwnShift(segment).value_or(parent.piece.shift) - parent.piece.shift;
+    static std::int64_t MissingBefore(const CNode& node) {
+        const std::int64_t shift = node.parent->piece.shift;
+        return OwnShift(node.Candidate()).value_or(shift) - shift;
     }
 
-    int LostRecordingCost(const CNode& parent, std::int64_t gap, const CNode& node) const {
-        const bool expectsSegment = IsOf(parent, EKind::Segment) && IsPosition(CandidateOf(parent).next);
-        const bool hasRoom = gap + MissingAhead(parent, CandidateOf(node)) >=
-                             static_cast<std::int64_t>(Layouts().front().recording.size);
-        const bool hasEnded = IsOf(parent, EKind::Segment) && CandidateOf(parent).next == kUnset;
-        return (hasRoom || (hasEnded && gap > 0) || IsNextRecordingPassed(parent, node) ? costs::kLostRecording
-                                                                                        : costs::kForcedRecording) +
-               (expectsSegment && IsRecordingHdrSize(gap) ? costs::kPosition : 0);
+    static int LostRecordingCost(const CNode& node) {
+        const bool hasRoom =
+            node.gap + MissingBefore(node) >= static_cast<std::int64_t>(Layouts().front().recording.size);
+        const bool hasEnded = node.parent->IsLastSegment() && node.gap > 0;
+        return (hasRoom || hasEnded || IsNextRecordingPassed(node) ? costs::kLostRecording : costs::kForcedRecording) +
+               (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
     }
 
-    /// Returns whether the gap between two nodes should hold the next recording header.
-    bool IsNextRecordingPassed(const CNode& parent, const CNode& node) const {
+    /// Returns whether the gap before a node should hold the next recording header.
+    static bool IsNextRecordingPassed(const CNode& node) {
+        const CNode& parent = *node.parent;
         std::int64_t next = kLost;
-        if (parent.recording != kNone) {
-            const CNode& recording = NodeAt(parent.recording);
-            if (IsOf(recording, EKind::Recording)) next = CandidateOf(recording).from;
-        } else if (IsOf(parent, EKind::File)) {
-            next = CandidateOf(parent).next;
-        }
+        if (parent.recording != nullptr && parent.recording->header != nullptr) next = parent.recording->header->from;
+        if (parent.Is(EKind::File)) next = parent.Candidate().next;
         if (!IsPosition(next)) return false;
         next -= parent.piece.shift;
-        return next >= parent.piece.end && next < CandidateOf(node).begin;
+        return next >= parent.piece.end && next < node.Candidate().begin;
     }
 
     /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be
     /// damaged.
-    bool IsForeign(const CNode& parent, const CNode& node) const {
-        const CCandidate& segment = CandidateOf(node);
-        if (Belongs(parent, segment)) return false;
-        if (node.piece.candidate + 1 >= m_candidates.list.size()) return true;
-        const CCandidate& next = m_candidates.list[node.piece.candidate + 1];
-        return next.kind != EKind::Segment || !next.IsWhole() || !Belongs(parent, next);
+    bool IsForeign(const CNode& node) const {
+        const CCandidate* const segment = node.piece.candidate;
+        if (Belongs(*node.parent, *segment)) return false;
+        const CCandidate* const next = segment + 1;
+        return next == m_candidates.list.data() + m_candidates.list.size() || next->kind != EKind::Segment ||
+               !next->IsWhole() || !Belongs(*node.parent, *next);
     }
 
-    bool Belongs(const CNode& parent, const CCandidate& segment) const {
-        const CWellList* const channels = WellListOf(parent.recording);
-        if (channels != nullptr && channels->knowsWells && !channels->Lists(segment.well)) return false;
-        const std::int64_t tick = TickOf(parent.recording, segment);
+    static bool Belongs(const CNode& parent, const CCandidate& segment) {
+        const CWellList* const wells = parent.recording->wells;
+        if (wells != nullptr && wells->knowsWells && !wells->Lists(segment.well)) return false;
+        const std::int64_t tick = parent.recording->TickOf(segment);
         if (tick > 0 && !TicksOf(segment.from, segment.to, segment.size).Has(tick)) return false;
         constexpr int kMostSteps = 256;
         const CNode* node = &parent;
-        for (int i = 0; i < kMostSteps && node->parent != kNone && IsOf(*node, EKind::Segment); ++i) {
-            const CCandidate& before = CandidateOf(*node);
-            if (before.well == segment.well) return segment.from > before.to;
-            node = &NodeAt(node->parent);
+        for (int i = 0; i < kMostSteps && node->Is(EKind::Segment); ++i) {
+            if (node->Candidate().well == segment.well) return segment.from > node->Candidate().to;
+            node = node->parent.get();
         }
         return true;
     }
 
-    const CWellList* WellListOf(std::int32_t recording) const {
-        if (recording == kNone) return nullptr;
-        const CNode& node = NodeAt(recording);
-        if (!IsOf(node, EKind::Recording)) return nullptr;
-        return &m_candidates.wellLists[static_cast<std::size_t>(CandidateOf(node).well)];
-    }
-
-    /// Returns the interval of a segment's well from the recording header or earlier segments; 0 if unknown.
-    std::int64_t TickOf(std::int32_t recording, const CCandidate& segment) const {
-        if (const CWellList* const channels = WellListOf(recording)) {
-            const std::int64_t tick = segment.noID ? channels->CommonTick() : channels->TickOf(segment.well);
-            if (tick > 0) return tick;
-        }
-        const auto learned = m_learned.find({recording, segment.well});
-        if (learned == m_learned.end() || learned->second.IsEmpty() || learned->second.IsOpen()) return 0;
-        return learned->second.atMost;
-    }
-
-    /// Narrows the interval of a well that the recording header doesn't have.
-    void Learn(const CNode& node) {
-        const CCandidate& segment = CandidateOf(node);
-        if (segment.kind != EKind::Segment || !segment.IsWhole() || node.piece.made != EMade::None) return;
-        const CWellList* const channels = WellListOf(node.recording);
-        if (channels != nullptr && channels->TickOf(segment.well) > 0) return;
-        CTickRange& learned = m_learned[{node.recording, segment.well}];
-        const CTickRange own = TicksOf(segment.from, segment.to, segment.size);
-        learned.atLeast = std::max(learned.atLeast, own.atLeast);
-        learned.atMost = std::min(learned.atMost, own.atMost);
-    }
-
-    std::int32_t Best() const {
-        std::int32_t best = 0;
-        std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
-        for (const std::int32_t index : m_open) {
-            const CNode& node = NodeAt(index);
-            const std::int64_t gap = m_size - node.piece.end;
-            const std::int32_t cost = node.cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(node, gap) : 0);
-            if (cost >= lowest) continue;
-            lowest = cost;
-            best = index;
-        }
-        return best;
-    }
-
-    std::vector<CPiece> Path(std::int32_t last) const {
+    /// Returns the pieces of the best explanation.
+    std::vector<CPiece> Path() const {
+        const auto cost = [&](const CNodePtr& node) {
+            const std::int64_t gap = m_size - node->piece.end;
+            return node->cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
+        };
         std::vector<CPiece> pieces;
         std::optional<std::int64_t> cutAt;
-        for (const CNode* node = &NodeAt(last); !IsStart(*node); node = &NodeAt(node->parent)) {
+        const CNode* node = std::ranges::min_element(m_open, {}, cost)->get();
+        for (; node->piece.candidate != nullptr; node = node->parent.get()) {
             pieces.push_back(node->piece);
             if (cutAt) pieces.back().end = *cutAt;
             pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int32_t>::max() &&
                                         node->other - node->cost <= costs::kNearlyEqual;
-            cutAt = node->cutsParent ? std::optional(CandidateOf(*node).begin) : std::nullopt;
+            cutAt = node->cutsParent ? std::optional(node->Candidate().begin) : std::nullopt;
         }
         std::ranges::reverse(pieces);
         return pieces;
@@ -485,15 +406,13 @@ class CExplainer {
     const CCandidates& m_candidates;
     std::int64_t m_size;
     const CReach& m_reach;
-    std::vector<CNode> m_nodes;
-    std::vector<std::int32_t> m_open;  ///< The best ways that have ended, the best first.
-    std::vector<CEnd> m_pending;       ///< Those that end later: a heap with the first to end at its front.
+    std::vector<CNodePtr> m_open;                     ///< The best ways that have ended, the best first.
+    std::multimap<std::int64_t, CNodePtr> m_pending;  ///< Those that end later, by their end.
     std::vector<CNode> m_offers;
-    std::array<std::int32_t, 4> m_recordings = {};  ///< The latest nodes of recordings; 0 for none.
+    std::array<CNodePtr, 4> m_recordings;  ///< The latest recordings.
     std::size_t m_nextRecording = 0;
+    std::size_t m_extended = 0;
     std::int32_t m_whole = 0;
-    std::size_t m_needed = 0;  ///< Nodes left when dead ends were last removed.
-    std::map<std::pair<std::int32_t, std::int32_t>, CTickRange> m_learned;
 };
 
 }  // namespace

@@ -39,7 +39,7 @@ enum class EMade : std::uint8_t {
 
 /// A candidate that the explanation uses.
 struct CPiece {
-    std::uint32_t candidate = 0;
+    const CCandidate* candidate = nullptr;
     std::int64_t end = 0;       ///< Offset of the byte after the piece and its samples.
     std::int64_t samples = 0;   ///< Segment: number of its samples, including those cut off.
     std::int64_t shift = 0;     ///< By how much positions after this piece exceed the offsets they mean.

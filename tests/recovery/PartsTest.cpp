@@ -47,7 +47,7 @@ std::string Explained(const std::string& bytes) {
     CCandidates candidates = FindCandidates(window, kNoReach);
     std::string text;
     for (const CPiece& piece : Explain(candidates, input.Size(), kNoReach))
-        text += Text(candidates.list[piece.candidate]) + (piece.lostRecording ? "! " : " ");
+        text += Text(*piece.candidate) + (piece.lostRecording ? "! " : " ");
     return text;
 }
 
