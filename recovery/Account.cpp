@@ -33,16 +33,26 @@ CFoundSegment FoundSegment(const CCandidate& segment, std::int64_t samples, std:
             .namesWell = !segment.noID};
 }
 
+/// Returns a recording with its header, whose cells after `cutAt` are lost.
+CFoundRecording FoundRecording(CWindow& window, const CCandidate& header, std::int64_t cutAt) {
+    return {.position = header.begin,
+            .place = header.Place(),
+            .layout = header.layout,
+            .cutAt = cutAt,
+            .unfinished = header.next == kUnset,
+            .wellList = WellListOf(window, header, cutAt),
+            .wells = {}};
+}
+
 class CAccountant {
  public:
-    CAccountant(CWindow& window, const CCandidates& candidates, const std::vector<CPiece>& pieces, bool keepCut,
-                bool isGrowing)
-        : m_window(window), m_candidates(candidates), m_pieces(pieces), m_keepCut(keepCut), m_isGrowing(isGrowing) {}
+    CAccountant(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing)
+        : m_window(window), m_pieces(pieces), m_keepCut(keepCut), m_isGrowing(isGrowing) {}
 
     CAccount Run() {
         for (m_index = 0; m_index < m_pieces.size(); ++m_index) {
             const CPiece& piece = m_pieces[m_index];
-            const CCandidate& candidate = CandidateOf(piece);
+            const CCandidate& candidate = *piece.candidate;
             PassGap(std::min(candidate.begin, piece.end));
             if (piece.isAmbiguous) Doubt({.reason = EReason::Ambiguous, .from = m_end, .to = candidate.begin});
             if (candidate.kind == EKind::File) TakeFile(candidate);
@@ -56,12 +66,11 @@ class CAccountant {
     }
 
  private:
-    static const CCandidate& CandidateOf(const CPiece& piece) { return *piece.candidate; }
     CFound& Found() { return m_account.found; }
     const CPiece* Before() const { return m_index == 0 ? nullptr : &m_pieces[m_index - 1]; }
     const CCandidate* SegmentBefore() const {
         const CPiece* const before = Before();
-        return before != nullptr && CandidateOf(*before).kind == EKind::Segment ? &CandidateOf(*before) : nullptr;
+        return before != nullptr && before->candidate->kind == EKind::Segment ? before->candidate : nullptr;
     }
 
     // ---- Headers ----------------------------------------------------------------------------------------------------
@@ -77,32 +86,22 @@ class CAccountant {
 
     void TakeRecording(const CPiece& piece, const CCandidate& recording) {
         const bool isDirect = m_end == recording.begin;
-        BeginRecording(recording.begin);
-        CFoundRecording& found = Found().recordings.back();
-        found.place = recording.Place();
-        found.layout = recording.layout;
-        found.cutAt = piece.end;
-        found.unfinished = recording.next == kUnset;
-        found.wellList = m_candidates.wellLists[static_cast<std::size_t>(recording.well)];
-        if (piece.end < recording.end) {
-            found.wellList = WellListOf(m_window, recording, piece.end);
-            Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
-        }
+        BeginRecording(FoundRecording(m_window, recording, piece.end), recording.from);
+        const bool isCut = piece.end < recording.end || recording.moved < 0;
+        if (isCut) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
-        m_nextRecording = recording.from;
-        m_nextKey = kNextRecording;
-        if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (recording.moved > 0) DoubtMoved(piece);
         if (recording.next != kUnset)
             Compare("FPosRecordingData", recording.next, piece.end + piece.shift,
                     {.from = recording.begin, .to = piece.end});
     }
 
-    void BeginRecording(std::int64_t position) {
-        Compare(m_nextKey, m_nextRecording, position + m_shift, Here());
-        m_nextRecording = kLost;
-        Found().recordings.emplace_back();
-        Found().recordings.back().position = position;
+    /// Begins a recording. `next` is the position of the one after it, as its header says.
+    void BeginRecording(CFoundRecording recording, std::int64_t next) {
+        Compare(m_nextKey, m_nextRecording, recording.position + m_shift, Here());
+        m_nextRecording = next;
+        m_nextKey = kNextRecording;
+        Found().recordings.push_back(std::move(recording));
     }
 
     void TakeSegment(const CPiece& piece, const CCandidate& segment) {
@@ -119,8 +118,8 @@ class CAccountant {
         CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(Found().recordings.size() - 1));
         if (piece.made == EMade::From)
             found.from = TimeAfter(segment.to, 1 - samples, piece.tick).value_or(segment.from);
-        if (piece.made == EMade::To) found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
-        if (piece.isCut) found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
+        if (piece.made == EMade::To || piece.isCut)
+            found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
         Found().segments.push_back(found);
     }
 
@@ -149,7 +148,7 @@ class CAccountant {
     /// Reports the bytes from the end of the last piece up to `begin`, which belong to nothing.
     void PassGap(std::int64_t begin) {
         const CPiece& piece = m_pieces[m_index];
-        const CCandidate& candidate = CandidateOf(piece);
+        const CCandidate& candidate = *piece.candidate;
         const bool isGap = begin > m_end;
         if (candidate.kind == EKind::Segment && !piece.lostRecording) CompareNext(true);
         if (candidate.kind == EKind::Segment && piece.lostRecording && !isGap) CompareNext(false);
@@ -167,7 +166,7 @@ class CAccountant {
         if (candidate.kind == EKind::File && Found().recordings.empty()) {
             Lose({.reason = EReason::BeforeFile, .from = m_end, .to = begin});
         } else {
-            LoseGap(begin);
+            Lose(Unused(EReason::NoHeader, begin));
             DoubtRecording(begin - m_end);
         }
     }
@@ -175,7 +174,7 @@ class CAccountant {
     /// Reports that the recording of a segment is in doubt if it follows a gap with room for a recording header.
     void DoubtRecording(std::int64_t gap) {
         const CPiece& piece = m_pieces[m_index];
-        const CCandidate& segment = CandidateOf(piece);
+        const CCandidate& segment = *piece.candidate;
         const std::size_t room = Layouts()[segment.layout].recording.size;
         if (segment.kind == EKind::Segment && gap >= static_cast<std::int64_t>(room))
             Doubt(
@@ -184,7 +183,7 @@ class CAccountant {
 
     /// Returns the shift of positions before a piece.
     std::int64_t ShiftBefore(const CPiece& piece) const {
-        const CCandidate& candidate = CandidateOf(piece);
+        const CCandidate& candidate = *piece.candidate;
         return candidate.kind == EKind::File ? piece.shift : m_shift - candidate.moved;
     }
 
@@ -193,7 +192,7 @@ class CAccountant {
     bool IsAloneAstray(const CPiece& piece) const {
         if (!piece.hasOwnShift || piece.ownShift == m_shift) return false;
         for (std::size_t i = m_index + 1; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
-            if (CandidateOf(m_pieces[i]).kind == EKind::File) return true;
+            if (m_pieces[i].candidate->kind == EKind::File) return true;
             if (m_pieces[i].hasOwnShift && m_pieces[i].ownShift == m_pieces[i - 1].shift) return false;
         }
         return true;
@@ -207,18 +206,18 @@ class CAccountant {
             Doubt({.reason = EReason::Ambiguous, .from = file.begin, .to = std::min(end, m_window.Size())});
     }
 
-    void LoseGap(std::int64_t end) {
+    /// Describes the bytes up to `end`, which belong to nothing: at least half of a segment header may be there.
+    CRemark Unused(EReason otherwise, std::int64_t end) {
         const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
-        CRemark remark{.reason = EReason::NoHeader, .from = m_end, .to = end};
-        if (segment.whole >= segment.damaged) {
-            if (!segment.noID) remark.wellID = segment.well;
-            remark.cells = DamageOf(m_window, segment).damaged;
-            const bool isOverlapped = segment.IsWhole() && segment.end + 2 * segment.size > end;
-            remark.reason = isOverlapped        ? EReason::TakenOutOf
-                            : segment.IsWhole() ? EReason::Contradiction
-                                                : EReason::DamagedSegment;
-        }
-        Lose(std::move(remark));
+        CRemark remark{.reason = otherwise, .from = m_end, .to = end};
+        if (segment.whole < segment.damaged || segment.end > m_window.Size()) return remark;
+        if (!segment.noID) remark.wellID = segment.well;
+        remark.cells = DamageOf(m_window, segment).damaged;
+        const bool isOverlapped = end < m_window.Size() && segment.end + 2 * segment.size > end;
+        remark.reason = !segment.IsWhole() ? EReason::DamagedSegment
+                        : isOverlapped     ? EReason::TakenOutOf
+                                           : EReason::Contradiction;
+        return remark;
     }
 
     /// Begins a recording whose header is lost. Keeps the cells that are left.
@@ -226,24 +225,19 @@ class CAccountant {
         const std::int64_t told = m_nextRecording == kLost ? m_end : PlaceOf(m_nextRecording);
         const bool isTold = told >= m_end && told < begin;
         const CCandidate left = BestAt(m_window, EKind::Recording, isTold ? told : m_end);
-        BeginRecording(left.begin);
-        CFoundRecording& found = Found().recordings.back();
-        if (begin == m_end || left.end > begin || left.whole == 0) return;
-        found.place = left.Place();
-        found.layout = left.layout;
-        found.cutAt = left.end;
-        found.wellList = WellListOf(m_window, left, left.end);
-        m_nextRecording = left.from;
-        m_nextKey = kNextRecording;
+        if (begin > m_end && left.end <= begin && left.whole > 0)
+            return BeginRecording(FoundRecording(m_window, left, left.end), left.from);
+        CFoundRecording lost;
+        lost.position = left.begin;
+        BeginRecording(std::move(lost), kLost);
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
     /// inserted into its samples or removed from them.
     void DoubtSegmentBefore(bool isGap) {
         const CPiece& piece = m_pieces[m_index];
-        const CCandidate& candidate = CandidateOf(piece);
-        const bool isFile = candidate.kind == EKind::File;
-        const std::int64_t shift = isFile ? kLost : NextOwnShift();
+        const CCandidate& candidate = *piece.candidate;
+        const std::int64_t shift = NextOwnShift();
         if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
             DoubtPiece(EReason::OtherHeader, piece);
         const CCandidate* const before = SegmentBefore();
@@ -266,8 +260,8 @@ class CAccountant {
     std::int64_t NextOwnShift() const {
         for (std::size_t i = m_index; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
             const CPiece& piece = m_pieces[i];
-            if (CandidateOf(piece).kind == EKind::File) return kLost;
-            if (piece.hasOwnShift && piece.ownShift - CandidateOf(piece).moved == piece.shift) return piece.ownShift;
+            if (piece.candidate->kind == EKind::File) return kLost;
+            if (piece.hasOwnShift && piece.ownShift - piece.candidate->moved == piece.shift) return piece.ownShift;
         }
         return kLost;
     }
@@ -285,24 +279,15 @@ class CAccountant {
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         const bool isLast = end == m_window.Size();
-        if (m_end == end && Before() != nullptr && CandidateOf(*Before()).kind == EKind::Recording &&
+        if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(isLast && m_isGrowing))
             Doubt({.reason = EReason::MaybeEmpty, .from = end, .to = end});
     }
 
     void LoseEnd() {
-        const std::int64_t size = m_window.Size();
-        const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
         const bool isLike = LooksLikeHeader(m_window, m_end);
-        CRemark remark{.reason = isLike ? EReason::EndsInHeader : EReason::EndsInRubbish, .from = m_end, .to = size};
-        if (segment.whole >= segment.damaged && segment.end <= size) {
-            remark.reason = segment.IsWhole() ? EReason::Contradiction : EReason::DamagedSegment;
-            remark.cells = DamageOf(m_window, segment).damaged;
-            if (!segment.noID) remark.wellID = segment.well;
-        }
-        const CCandidate* const before = SegmentBefore();
-        if (before != nullptr && !isLike) DoubtPiece(EReason::Unconfirmed, *Before());
-        LoseAtEnd(std::move(remark));
+        if (SegmentBefore() != nullptr && !isLike) DoubtPiece(EReason::Unconfirmed, *Before());
+        LoseAtEnd(Unused(isLike ? EReason::EndsInHeader : EReason::EndsInRubbish, m_window.Size()));
     }
 
     /// Compares a last position with the end of its file. A writer sets a position only after writing what it points
@@ -352,12 +337,12 @@ class CAccountant {
     CRemark Here() const { return {.from = m_end, .to = m_end}; }
 
     void DoubtPiece(EReason reason, const CPiece& piece) {
-        const CCandidate& candidate = CandidateOf(piece);
+        const CCandidate& candidate = *piece.candidate;
         Doubt({.reason = reason, .from = candidate.begin, .to = piece.end, .wellID = WellOf(candidate)});
     }
 
     void DoubtMoved(const CPiece& piece) {
-        DoubtPiece(CandidateOf(piece).moved > 0 ? EReason::PutIntoHeader : EReason::TakenFromHeader, piece);
+        DoubtPiece(piece.candidate->moved > 0 ? EReason::PutIntoHeader : EReason::TakenFromHeader, piece);
     }
 
     void DoubtCells(const CPiece& piece, const CCandidate& segment) {
@@ -393,7 +378,6 @@ class CAccountant {
     static constexpr std::size_t kMostSteps = 64;  ///< How many pieces to look ahead.
 
     CWindow& m_window;
-    const CCandidates& m_candidates;
     const std::vector<CPiece>& m_pieces;
     bool m_keepCut;
     bool m_isGrowing;
@@ -418,12 +402,7 @@ class CFollower {
         for (std::int64_t position = file.next; position != kUnset;) {
             const CCandidate recording = BestAt(m_window, EKind::Recording, position);
             if (recording.next == kUnset || !Take(recording, recording.end)) return std::nullopt;
-            m_found.recordings.push_back({.position = position,
-                                          .place = recording.Place(),
-                                          .layout = recording.layout,
-                                          .cutAt = recording.end,
-                                          .wellList = WellListOf(m_window, recording, recording.end),
-                                          .wells = {}});
+            m_found.recordings.push_back(FoundRecording(m_window, recording, recording.end));
             if (!TakeSegments(recording.next)) return std::nullopt;
             position = recording.from;
         }
@@ -472,9 +451,8 @@ class CFollower {
 
 }  // namespace
 
-CAccount AccountFor(CWindow& window, const CCandidates& candidates, const std::vector<CPiece>& pieces, bool keepCut,
-                    bool isGrowing) {
-    return CAccountant(window, candidates, pieces, keepCut, isGrowing).Run();
+CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing) {
+    return CAccountant(window, pieces, keepCut, isGrowing).Run();
 }
 
 std::optional<CFound> FollowPositions(CWindow& window, const CReach& reach) { return CFollower(window, reach).Run(); }

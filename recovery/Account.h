@@ -19,8 +19,7 @@ struct CAccount {
 
 /// Returns the recordings and segments of an explanation, with its losses and doubts. `keepCut` keeps the whole samples
 /// of a last segment that is cut.
-CAccount AccountFor(CWindow& window, const CCandidates& candidates, const std::vector<CPiece>& pieces, bool keepCut,
-                    bool isGrowing);
+CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing);
 
 /// Returns what a reader finds by following the positions, in that order. Returns nothing unless every header on the
 /// way is whole.

@@ -41,26 +41,24 @@ bool IsLegible(const auto& cell, std::string_view bytes) {
     return !IsDamaged(cell, whole);
 }
 
-template <class Layout>
-CDamage Judge(const Layout& layout, std::string_view bytes) {
+}  // namespace
+
+template <class Cell>
+CDamage DamageOf(const CHdrLayout<Cell>& layout, std::string_view bytes) {
     CDamage damage;
     for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        const auto& cell = layout.cells[row];
+        const Cell& cell = layout.cells[row];
         const std::string_view cellBytes = CellIn(cell, bytes);
         const auto fault = FaultOf(cell, cellBytes);
         damage.odd[row] = fault && fault->kind == ECellFault::Separator;
-        damage.damaged[row] = fault ? !damage.odd[row] : !IsPossible(cell, cellBytes);
+        damage.damaged[row] = IsDamaged(cell, cellBytes);
         damage.lost[row] = damage.damaged[row] && !IsLegible(cell, cellBytes);
     }
     return damage;
 }
 
-}  // namespace
-
-CDamage DamageOf(const CHdrLayout<CFileCell>& layout, std::string_view bytes) { return Judge(layout, bytes); }
-
-CDamage DamageOf(const CHdrLayout<CRecordingCell>& layout, std::string_view bytes) { return Judge(layout, bytes); }
-
-CDamage DamageOf(const CHdrLayout<CSegmentCell>& layout, std::string_view bytes) { return Judge(layout, bytes); }
+template CDamage DamageOf(const CHdrLayout<CFileCell>& layout, std::string_view bytes);
+template CDamage DamageOf(const CHdrLayout<CRecordingCell>& layout, std::string_view bytes);
+template CDamage DamageOf(const CHdrLayout<CSegmentCell>& layout, std::string_view bytes);
 
 }  // namespace vxfileio::recovery

@@ -49,12 +49,8 @@ std::string HdrBytes(auto& window, const Layout& layout, const CHdrPlace& place)
     return bytes;
 }
 
-/// @name Damage
-/// Returns the damage to the cells of a header; `bytes` is the whole header.
-/// @{
-CDamage DamageOf(const rawdata::CHdrLayout<rawdata::CFileCell>& layout, std::string_view bytes);
-CDamage DamageOf(const rawdata::CHdrLayout<rawdata::CRecordingCell>& layout, std::string_view bytes);
-CDamage DamageOf(const rawdata::CHdrLayout<rawdata::CSegmentCell>& layout, std::string_view bytes);
-/// @}
+/// Returns what became of the cells of a header; `bytes` are the whole header.
+template <class Cell>
+CDamage DamageOf(const rawdata::CHdrLayout<Cell>& layout, std::string_view bytes);
 
 }  // namespace vxfileio::recovery

@@ -468,9 +468,8 @@ class CFilesWithin {
     /// Returns whether the file is at the beginning of a whole segment's samples and all that follows is within them.
     bool BeginsSamples(std::size_t file) const {
         const CCandidate& segment = m_list[file - 1];
-        const std::int64_t end = segment.end + 2 * segment.size;
         return segment.kind == EKind::Segment && segment.IsWhole() && segment.end == m_list[file].begin &&
-               m_list.back().end <= end;
+               m_list.back().end <= segment.end + 2 * segment.size;
     }
 
     /// Returns the candidate after the samples that hold the file, if their own header was found, even damaged, and

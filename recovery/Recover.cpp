@@ -38,7 +38,7 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     const std::vector<CPiece> pieces = Explain(candidates, size, options.searched);
     CReport report;
     report.isGrowing = input.Size() > size;
-    CAccount account = AccountFor(window, candidates, pieces, options.keepCut, report.isGrowing);
+    CAccount account = AccountFor(window, pieces, options.keepCut, report.isGrowing);
     // If all positions are correct and reach everything, their order is better than that of the input.
     if (!account.isStraight) {
         auto followed = FollowPositions(window, options.searched);
