@@ -224,7 +224,6 @@ class CSearch {
             return;
         const std::size_t missing = rows - std::min(rows, front.whole + rear.whole);
         if (front.firstWhole > 0 || rear.lastWhole + 1 < rows || 4 * missing > rows) return;
-        if (front.kind == EKind::Segment && missing > 1) return;
         const CCandidate joined = Read(m_window, front.kind, front.layout, {front.begin, rear.firstWhole, moved});
         if (joined.damaged <= missing) Keep(joined);
     }

@@ -254,8 +254,7 @@ class CExplainer {
         node.piece.end = segment.end + 2 * samples;
         node.cost += made == EMade::None ? 0 : costs::kValue;
         if (node.piece.end > m_size) {
-            const bool isTold = node.piece.tick > 0 || segment.next == node.piece.end + node.parent->piece.shift;
-            if (!segment.IsWhole() || made != EMade::None || !isTold) return;
+            if (!segment.IsWhole() || made != EMade::None) return;
             node.piece.isCut = true;
             node.cost += costs::kCut;
         }
