@@ -1,4 +1,5 @@
-# Packages: five for Debian (six with the Python package), or an archive for Windows. scripts/package makes and tries them.
+# Packages: five for Debian, a sixth with the Python package if that is built, or an archive for Windows. scripts/package
+# makes and tries them.
 
 set(CPACK_PACKAGE_NAME vxfileio)
 set(CPACK_PACKAGE_CONTACT "VX-FileIO <vx-fileio@invalid>")
@@ -50,9 +51,21 @@ else()
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-pandas)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-matplotlib, python3-xarray")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/python-deb/postinst
+                                                ${CMAKE_CURRENT_BINARY_DIR}/python-deb/prerm)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
   set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The Python package vxfileio, which reads and writes the files.")
   # Installing and removing the library updates the loader's cache.
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+  # Those of the Python package compile its modules and remove what was compiled.
+  foreach(step IN ITEMS "postinst;py3compile" "prerm;py3clean")
+    list(GET step 0 script)
+    list(GET step 1 program)
+    file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/python-deb/${script}
+         CONTENT "#!/bin/sh\nset -e\nif command -v ${program} >/dev/null; then ${program} -p python3-vxfileio; fi\n" @ONLY)
+    file(CHMOD ${CMAKE_CURRENT_BINARY_DIR}/python-deb/${script}
+         PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  endforeach()
   foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} name)
     install(FILES LICENSE RENAME copyright COMPONENT ${component}

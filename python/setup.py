@@ -17,6 +17,6 @@ setup(
     install_requires=["numpy"],
     extras_require={"tables": ["pandas"], "pictures": ["matplotlib"], "datasets": ["xarray"]},
     cmake_source_dir="..",
-    cmake_args=["-DVXFILEIO_BUILD_PYTHON=ON", "-DBUILD_TESTING=OFF"],
+    cmake_args=["-DVXFILEIO_BUILD_PYTHON=ON", "-DVXFILEIO_BUILD_CAPI=OFF", "-DBUILD_TESTING=OFF"],
     cmake_install_target="install_python",
 )

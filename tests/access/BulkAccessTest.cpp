@@ -354,7 +354,7 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
 
 TEST_F(BulkAccessTest, ReadCallsTheCheckEvery16MiBAndStopsIfItThrows) {
     const std::size_t step = std::size_t{8} << 20;  // samples
-    const CRecordingIndex index = IndexOf({{12, 0, {7}}, {11, 0, std::vector<std::uint16_t>(step, 3)}, {12, 100, {8}}});
+    const CRecordingIndex index = IndexOf({{12, 0, {7}}, {11, 0, Ascending(0, step)}, {12, 100, {8}}});
     std::vector<std::uint16_t> samples(step + 2, 1);
     const std::span all(samples);
     const std::vector<std::span<std::uint16_t>> buffers = {all.first(step), all.last(2)};
@@ -362,7 +362,7 @@ TEST_F(BulkAccessTest, ReadCallsTheCheckEvery16MiBAndStopsIfItThrows) {
     index.Select().Read(buffers, [&] { ++checks; });
     EXPECT_EQ(checks, 1);
     EXPECT_EQ(samples, [&] {
-        std::vector<std::uint16_t> expected(step, 3);
+        std::vector<std::uint16_t> expected = Ascending(0, step);
         expected.insert(expected.end(), {7, 8});
         return expected;
     }());
