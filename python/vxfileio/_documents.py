@@ -49,7 +49,10 @@ def _read(made: type[Document], read: Any, path: Path, partial: bool) -> Documen
 
 @contextlib.contextmanager
 def _reserved(path: Path, overwrite: bool) -> Iterator[bytes]:
-    """Makes an empty file first, unless one may be overwritten, so that no other file can be replaced by accident."""
+    """Makes an empty file first, unless one may be overwritten, so that no other file can be replaced by accident.
+
+    Removes it if nothing was written to it.
+    """
     name = os.fsencode(path)
     if overwrite:
         yield name
@@ -60,6 +63,8 @@ def _reserved(path: Path, overwrite: bool) -> Iterator[bytes]:
     except BaseException:
         os.unlink(path)
         raise
+    if os.path.getsize(path) == 0:
+        os.unlink(path)
 
 
 def _raise_refused(error: str, path: Path) -> None:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import operator
 import os
 import re
 import warnings
@@ -147,12 +148,13 @@ class RecordingList(Sequence["Recording"]):
     def __getitem__(self, key: Union[int, slice, tuple[str, int]]) -> Union[Recording, list[Recording]]:
         if isinstance(key, slice):
             return self._items[key]
-        place: Optional[int]
+        place: Optional[int] = None
         if isinstance(key, tuple):
             task, number = key
-            place = self._run.open_file().find(str(task), number)
-        else:
-            place = range(len(self))[key] if -len(self) <= key < len(self) else None
+            if -(2**31) <= number < 2**31:
+                place = self._run.open_file().find(str(task), number)
+        elif -len(self) <= operator.index(key) < len(self):
+            place = range(len(self))[key]
         if place is None:
             raise NoSuchRecordingError(f"The file has no recording {key!r}", self._run.path)
         return self._items[place]

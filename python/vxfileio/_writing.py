@@ -47,7 +47,8 @@ class RawWriter:
             self._call(self._writer.write_file_hdr, _with_mark(header or _vxfileio.RawDataFileHdr()))
         except BaseException:
             self._writer.close()
-            os.unlink(path)
+            if not overwrite:
+                os.unlink(path)  # it's ours
             raise
 
     def recording(self, header: _vxfileio.RawDataRecordingHdr) -> RecordingWriter:

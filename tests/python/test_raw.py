@@ -80,7 +80,9 @@ def test_recordings_are_found_by_number_and_by_task():
     run = vx.open(RUN)
     assert run.recordings["Series", 2147483647] is run.recordings[2] is run.recordings[-2]
     assert [r.task for r in run.recordings[:2]] == ["PreQC", "CompoundTest"]
-    for key in (4, -5, ("Series", 1)):
+    with pytest.raises(TypeError):
+        run.recordings["Series"]
+    for key in (4, -5, ("Series", 1), ("Series", 2**40)):
         with pytest.raises(vx.NoSuchRecordingError) as raised:
             run.recordings[key]
         assert isinstance(raised.value, (LookupError, ValueError)) and raised.value.filename == str(RUN)

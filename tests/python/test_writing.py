@@ -42,6 +42,9 @@ def test_an_existing_file_is_never_overwritten_unless_asked(tmp_path):
     with pytest.raises(FileExistsError) as raised:
         vx.RawWriter(path, HEADER)
     assert raised.value.filename == str(path) and path.read_bytes() == b"old"
+    with pytest.raises(vx.UsageError):
+        vx.RawWriter(path, vx.RawDataFileHdr(PlateID="a=b"), overwrite=True)
+    assert path.exists()  # what was there is never deleted
     vx.RawWriter(path, HEADER, overwrite=True).close()
     assert vx.kind_of(path) == "raw"
 
