@@ -12,7 +12,7 @@ class CCallbacks {
  public:
     /// Takes the callbacks of a caller, which may be null.
     explicit CCallbacks(const vx_callbacks* callbacks)
-        : m_callbacks(callbacks ? TakeStruct(callbacks) : vx_callbacks{}) {}
+        : m_callbacks(callbacks != nullptr ? TakeStruct(callbacks) : vx_callbacks{}) {}
 
     /// @{
     /// Throws VX_CANCELLED if the caller wants no more.

@@ -6,15 +6,21 @@
 #include <string.h>
 #include <vxfileio.h>
 
-/* Ends the program with the last error of a handle if a call failed. */
-static void check(int code, const void* handle) {
+/* Ends the program with the last error of a handle. */
+static void fail(int code, const void* handle) {
     char text[500] = "";
     int64_t size = sizeof text;
-    if (code == VX_OK) return;
     vx_last_error(handle, text, &size);
     fprintf(stderr, "error %d: %s\n", code, text);
     exit(1);
 }
+
+/* The handle is looked at after the call, which may have made it. */
+#define check(call, handle)                        \
+    do {                                           \
+        const int code_ = (call);                  \
+        if (code_ != VX_OK) fail(code_, (handle)); \
+    } while (0)
 
 /* Opens the first recording of a file, and reads its first well into a new array. */
 static uint16_t* read_first_well(vx_raw* raw, vx_recording** recording, int32_t* well, int64_t* count) {

@@ -1,8 +1,7 @@
 /* What Visual Studio's own start-up code does, for a program that is linked without it. */
-#include <windows.h>
-
 int _fltused = 1;
 
+__declspec(dllimport) void __stdcall ExitProcess(unsigned int code);
 void __cdecl __getmainargs(int* argc, char*** argv, char*** environment, int expand, int* mode);
 int main(int argc, char** argv);
 
@@ -10,5 +9,5 @@ void start(void) {
     int argc, mode = 0;
     char **argv, **environment;
     __getmainargs(&argc, &argv, &environment, 0, &mode);
-    ExitProcess((UINT)main(argc, argv));
+    ExitProcess((unsigned int)main(argc, argv));
 }

@@ -12,7 +12,11 @@ typedef struct vx_first {
     vx_segment_info segment;
 } vx_first;
 
-static const char* vx_failure(int code, const void* handle) {
+/* The handle is looked at after the call, which may have made it. */
+#define vx_failure(call, handle) (vx_code = (call), vx_text_of(vx_code, handle))
+static int vx_code;
+
+static const char* vx_text_of(int code, const void* handle) {
     static char text[500];
     int64_t size = sizeof text;
     if (code == VX_OK) return NULL;
