@@ -2,8 +2,8 @@
 
 from __future__ import annotations
 
-from collections.abc import Sequence
-from typing import NamedTuple
+from collections.abc import Iterable, Sequence
+from typing import NamedTuple, Optional
 
 import numpy as np
 from numpy.typing import NDArray
@@ -36,12 +36,12 @@ class Group(NamedTuple):
     runs: tuple[Run, ...]
 
 
-def groups_of(recording: Recording) -> list[Group]:
-    """Returns all wells of a recording, grouped by their runs. The order is that of the first well of each group."""
+def groups_of(recording: Recording, wells: Optional[Iterable[int]] = None) -> list[Group]:
+    """Returns wells of a recording, or all, grouped by their runs, in the order of the first well of each group."""
     found: dict[tuple[Run, ...], list[int]] = {}
-    for channel in recording.index().wells():
-        runs = tuple(Run(*run) for run in recording.runs(channel.ID).tolist())
-        found.setdefault(runs, []).append(channel.ID)
+    for well in (channel.ID for channel in recording.index().wells()) if wells is None else wells:
+        runs = tuple(Run(*run) for run in recording.runs(well).tolist())
+        found.setdefault(runs, []).append(well)
     return [Group(tuple(wells), runs) for runs, wells in found.items()]
 
 

@@ -6,7 +6,7 @@ import errno
 import io
 import os
 import re
-from typing import Optional, Union
+from typing import Any, Optional, Union
 
 from ._documents import Results, Settings
 from ._errors import UnknownFileError
@@ -74,3 +74,11 @@ def open(path: Path, *, settings: Union[None, Path, Settings] = None, ticks_per_
         return Recordings(path, settings=settings, ticks_per_second=ticks_per_second, unfinished=unfinished,
                           partial=partial)
     raise UnknownFileError(errno.EINVAL, KINDS_THAT_ARE_NOT_READ[kind], os.fsdecode(path))
+
+
+def open_raw(path: Path, **options: Any) -> Recordings:
+    """Opens a raw data file, with the options of `open`. Raises `UnknownFileError` for files of all other kinds."""
+    run = open(path, **options)
+    if not isinstance(run, Recordings):
+        raise UnknownFileError(errno.EINVAL, "The file isn't a raw data file", os.fsdecode(path))
+    return run

@@ -36,7 +36,7 @@ from numpy.typing import NDArray
 
 from ._errors import UsageError
 from ._groups import Run, groups_of, read_run
-from ._open import Path, open
+from ._open import Path, open_raw
 from ._raw import Recording, Recordings
 
 NO_RATE = "Sampling rates need ticks_per_second, which the file doesn't have: pass ticks_per_second=..."
@@ -95,15 +95,17 @@ class VexaprobeRawIO(baserawio.BaseRawIO):
         self.units = units
         self._options = {"settings": settings, "unfinished": unfinished, "partial": partial}
 
+    @property
+    def _scale(self) -> float:
+        if not self.ticks_per_second:
+            raise UsageError(NO_RATE, self.filename)
+        return self.ticks_per_second
+
     def _source_name(self) -> str:
         return self.filename
 
     def _parse_header(self) -> None:
-        if self.ticks_per_second is None:
-            raise UsageError(NO_RATE, self.filename)
-        run = open(self.filename, ticks_per_second=self.ticks_per_second, **self._options)
-        if not isinstance(run, Recordings):
-            raise UsageError("neo reads raw data files only", self.filename)
+        run = open_raw(self.filename, ticks_per_second=self._scale, **self._options)
         self._segments = [segment for recording in run.recordings for segment in _segments_of(recording)]
         self._streams = list(dict.fromkeys(stream for segment in self._segments for stream in segment))
         self.header = self._make_header(run)
@@ -111,7 +113,7 @@ class VexaprobeRawIO(baserawio.BaseRawIO):
         self._annotate(run)
 
     def _make_header(self, run: Recordings) -> dict[str, Any]:
-        rates = [self.ticks_per_second / stream.interval for stream in self._streams]
+        rates = [self._scale / stream.interval for stream in self._streams]
         streams = [{"name": f"wells at {rate:g} Hz", "id": str(number), "buffer_id": ""}
                    for number, rate in enumerate(rates)]
         channels = [{"name": run.label(channel.well), "id": str(channel.well), "sampling_rate": rates[number],
@@ -141,10 +143,10 @@ class VexaprobeRawIO(baserawio.BaseRawIO):
         return self._segments[seg_index].get(self._streams[stream_index])
 
     def _segment_t_start(self, block_index: int, seg_index: int) -> float:
-        return min(signal.run.time_from for signal in self._segments[seg_index].values()) / self.ticks_per_second
+        return min(signal.run.time_from for signal in self._segments[seg_index].values()) / self._scale
 
     def _segment_t_stop(self, block_index: int, seg_index: int) -> float:
-        return max(signal.run.time_after for signal in self._segments[seg_index].values()) / self.ticks_per_second
+        return max(signal.run.time_after for signal in self._segments[seg_index].values()) / self._scale
 
     def _get_signal_size(self, block_index: int, seg_index: int, stream_index: int) -> int:
         signal = self._signal(seg_index, stream_index)
@@ -154,7 +156,7 @@ class VexaprobeRawIO(baserawio.BaseRawIO):
         signal = self._signal(seg_index, stream_index)
         if signal is None:
             return self._segment_t_start(block_index, seg_index)
-        return signal.run.time_from / self.ticks_per_second
+        return signal.run.time_from / self._scale
 
     def _get_analogsignal_chunk(self, block_index: int, seg_index: int, i_start: Optional[int], i_stop: Optional[int],
                                 stream_index: int,

@@ -2,12 +2,11 @@
 
 import pickle
 
-import make_reference as made
 import numpy as np
 import pytest
+import uneven_files
 import vxfileio as vx
 from conftest import REFERENCE
-from read_vxd import Channel
 
 neo = pytest.importorskip("neo")
 baserawio = pytest.importorskip("neo.rawio.baserawio")
@@ -21,40 +20,9 @@ COMPLIANCE = [rawio_compliance.header_is_total, rawio_compliance.count_element, 
               rawio_compliance.read_spike_times, rawio_compliance.read_spike_waveforms, rawio_compliance.read_events,
               rawio_compliance.has_annotations]
 
-WELLS = (Channel(11, 100, 0.5, 1000), Channel(12, 100, 0.25, 2000), Channel(13, 50, 0.5, 1000))
-
-
-def segment(well, tick, start, *samples):
-    return made.segment(well, start, start + tick * (len(samples) - 1), *samples)
-
-
-def write(path, *recordings):
-    """Writes a file. Each recording is a pair: its header's values, and its segments."""
-    data = made.encode_file_header(made.file_header())
-    for number, (values, segments) in enumerate(recordings):
-        start = len(data) + 2460
-        chain = b""
-        for place, item in enumerate(segments):
-            end = start + len(chain) + 300 + 2 * len(item.samples)
-            chain += made.encode_segment(item, end if place + 1 < len(segments) else -1)
-        following = start + len(chain) if number + 1 < len(recordings) else -1
-        data += made.encode_recording(made.recording(start, following, wells=WELLS, **values)) + chain
-    path.write_bytes(data)
-    return path
-
-
 @pytest.fixture
 def uneven(tmp_path):
-    """Two recordings. In the first, wells 11 and 12 have a gap, and well 13 has the times 100 and 150 twice. In the second,
-    well 12 ends early, and well 13 has no samples."""
-    return write(
-        tmp_path / "uneven.vxd",
-        ({"task": b"Series", "number": 1, "Dose": 7}, [
-            segment(11, 100, 1000, 1, 2), segment(12, 100, 1000, 3, 4), segment(13, 50, 0, 5, 6, 7, 8),
-            segment(11, 100, 1200, 9), segment(12, 100, 1200, 10), segment(13, 50, 100, 11, 12, 13),
-            segment(11, 100, 9000, 14, 15, 16, 17), segment(12, 100, 9000, 18, 19, 20, 21)]),
-        ({"task": b"Series", "number": 2, "Dose": 8}, [
-            segment(11, 100, 20000, 22, 23, 24), segment(12, 100, 20000, 25)]))
+    return uneven_files.uneven(tmp_path / "uneven.vxd")
 
 
 @pytest.fixture(params=["0.11", "0.14"])

@@ -1,0 +1,308 @@
+"""Files by the thousand, with dask (https://dask.org): lazy tables and arrays, for the scheduler that you have.
+
+    import vxfileio.dask
+
+    recordings = vxfileio.dask.catalog("plates/**/*.vxd")
+    print(recordings[recordings.error.notnull()].compute())
+
+The functions for many files take a list of paths, or one path or pattern (`**` is any number of folders). They open no
+file before the result is computed, unless they say so. Tables list the files in the order given. A bad file is a row with
+its `error`, and with missing values (`pandas.NA`, `None` or `nan`) where it has none; it never stops the others. Paths in
+tables are absolute, and workers read the files under these paths.
+
+Tasks have `files_per_partition` files each, by default 1 to 64, so that there are enough tasks for all workers. A task that
+is run again, because its worker died, has the same result. Each call makes new keys, so no answer is older than the call.
+"""
+
+from __future__ import annotations
+
+import errno
+import glob
+import inspect
+import os
+import uuid
+from collections.abc import Iterable, Iterator, Mapping, Sequence
+from dataclasses import dataclass, replace
+from functools import partial
+from itertools import groupby
+from typing import Any, Callable, Optional, Union, cast
+
+import dask.array
+import dask.dataframe
+import numpy as np
+import pandas
+from numpy.typing import NDArray
+
+from ._errors import EmptyFileError, Error, FileError, UnknownFileError, UsageError
+from ._groups import Group, groups_of, read_run
+from ._open import Path, kind_of, open, open_raw
+from ._raw import Recording, Well
+
+Paths = Union[Path, Iterable[Path]]
+
+Row = dict[str, Any]
+
+Piece = Union[list[Row], pandas.DataFrame]
+"""Rows of a table, in either form."""
+
+BAD_FILE = (Error, OSError)
+
+CATALOG = {"path": "object", "Guid": "object", "plate": "object", "compound": "object", "task": "object",
+           "number": "Int64", "dose": "Int64", "wells": "Int64", "samples": "Int64", "state": "object",
+           "error": "object"}
+
+RESPONSES = {"path": "object", "Guid": "object", "task": "object", "recording": "Int64", "dose": "UInt64",
+             "dose_text": "object", "well": "Int64", "label": "object", "response": "object", "value": "float64",
+             "normalized": "boolean", "error": "object"}
+
+KNOWN = {"path": "object", "task": "object", "number": "Int64", "dose": "Int64"}
+
+MOST_FILES, LEAST_PARTITIONS = 64, 32
+
+
+def catalog(paths: Paths, files_per_partition: Optional[int] = None) -> dask.dataframe.DataFrame:
+    """Returns a table of raw data files with one row per recording. No samples are read.
+
+    Columns: `path`, `Guid`, `plate`, `compound`, `task`, `number`, `dose` in picomolar, `wells`, `samples` (of all wells,
+    as many as are certainly in the file), `state` and `error`. The state is "finished", "unfinished", "damaged", or, if
+    the system refuses to read the file, "unreadable". A file whose recordings can't be listed has one row. Without the
+    last three columns, the headers of segments aren't read.
+    """
+    return _table(_catalog_of, CATALOG, paths, files_per_partition)
+
+
+def responses(paths: Paths, files_per_partition: Optional[int] = None) -> dask.dataframe.DataFrame:
+    """Returns the responses in results files: `path`, `Guid`, the columns of `Results.responses`, and `error`."""
+    return _table(_responses_of, RESPONSES, paths, files_per_partition)
+
+
+def map_recordings(paths: Paths, function: Callable[..., Any],
+                   meta: Union[None, Mapping[str, Any], pandas.DataFrame] = None, *,
+                   files_per_partition: Optional[int] = None, **options: Any) -> dask.dataframe.DataFrame:
+    """Calls `function(recording)` for each recording of raw data files. Returns a table of all results.
+
+    The function returns a mapping for one row, a DataFrame for any number of rows, or one value, for a column `value`. In
+    front the table has `path`, `task`, `number` and `dose`, at its end `error`: what is wrong with the file or the
+    recording. If only samples are missing at the end of a cut file, they are 0, and the row has result and `error`.
+    Exceptions of the function other than those of the files, `vxfileio.Error` and `OSError`, are raised by `compute`.
+
+    `meta` has the columns of the function and their types. Without it, the function is called at once for the first
+    recording that can be read; whole numbers and flags then get the types of pandas that know missing values. If the
+    function has a parameter `columns`, it gets the names of the columns that are asked for, so that it can leave out work.
+    `options` are those of `vxfileio.open`. For processes and clusters, the function must be one that can be pickled.
+    """
+    names = _list(paths)
+    read = partial(_results_of, function, options, "columns" in inspect.signature(function).parameters)
+    types = _first_types(read, names) if meta is None else getattr(meta, "dtypes", meta)
+    known = {column: _nullable(dtype) for column, dtype in types.items()}
+    return _table(read, {**KNOWN, **known, "error": "object"}, names, files_per_partition)
+
+
+def samples(path: Path, recording: Union[int, tuple[str, int]] = 0, wells: Optional[Sequence[Well]] = None, *,
+            scaled: bool = False, chunk_bytes: int = 64 << 20, **options: Any) -> dict[Well, dask.array.Array]:
+    """Returns the samples of one recording as dask arrays: one for each well, by the name that was used for it.
+
+    `recording` is its number in the file, or `(task, number)`. The arrays have what `Recording.read` returns. Its headers
+    are read at once, samples when the result is computed, and only those that are needed. Wells that were sampled at the
+    same times share chunks of at most `chunk_bytes`, which end where the times have a gap or overlap. `options` are those
+    of `vxfileio.open`.
+    """
+    run = open_raw(os.path.abspath(os.fsdecode(path)), **options)
+    found = run.recordings[recording]
+    known = [channel.ID for channel in found.index().wells()] if wells is None else wells
+    ids: dict[int, Well] = {}
+    for name in known:
+        ids.setdefault(run.well_id(name), name)
+    rows: dict[int, dask.array.Array] = {}
+    for group in groups_of(found, ids):
+        lazy = _LazySamples(found, group, scaled)
+        together = dask.array.from_array(lazy, lazy.chunks(chunk_bytes), name=False, fancy=False,
+                                         meta=np.empty((0, 0), lazy.dtype))
+        rows.update((well, together[place]) for place, well in enumerate(group.wells))
+    return {name: rows[well] for well, name in ids.items()}
+
+
+class _LazySamples:
+    """The samples of wells with the same runs: what dask needs of an array. Its pickle is path and names."""
+
+    ndim = 2
+
+    def __init__(self, recording: Recording, group: Group, scaled: bool) -> None:
+        self.recording = recording
+        self.group = group
+        self.scaled = scaled
+        self.dtype = np.dtype(np.float64 if scaled else np.uint16)
+        self.shape = (len(group.wells), sum(run.samples for run in group.runs))
+
+    def chunks(self, most_bytes: int) -> tuple[tuple[int, ...], tuple[int, ...]]:
+        """Returns the lengths of chunks along both axes."""
+        most = max(most_bytes // (self.dtype.itemsize * self.shape[0]), 1)
+        lengths = [min(most, run.samples - first) for run in self.group.runs for first in range(0, run.samples, most)]
+        return self.shape[:1], tuple(lengths) or (0,)
+
+    def __getitem__(self, key: tuple[Union[int, slice], Union[int, slice]]) -> NDArray[Any]:
+        rows, columns = key
+        span = range(self.shape[1])[columns]
+        positions = range(span, span + 1) if isinstance(span, int) else span
+        wells = np.atleast_1d(np.array(self.group.wells)[rows]).tolist()
+        block = self._read(wells, positions)
+        return block[0 if isinstance(rows, int) else slice(None), 0 if isinstance(span, int) else slice(None)]
+
+    def _read(self, wells: list[int], positions: range) -> NDArray[Any]:
+        first, stop = (min(positions), max(positions) + 1) if positions else (0, 0)
+        parts = [np.empty((len(wells), 0), self.dtype)]
+        for number, run in enumerate(self.group.runs):
+            begin, end = max(first - run.offset, 0), min(stop - run.offset, run.samples)
+            if begin < end:
+                parts.append(read_run(self.recording, wells, self.group.runs, number, begin, end - begin, self.scaled))
+        whole = parts[-1] if len(parts) == 2 else np.concatenate(parts, axis=1)
+        return whole[:, ::positions.step]
+
+
+@dataclass(frozen=True)
+class _Table:
+    """Makes one partition of a table. dask narrows `columns` to those that are needed."""
+
+    read: Callable[[str, Sequence[str]], Iterator[Piece]]
+    dtypes: Mapping[str, str]
+    columns: Sequence[str]
+
+    def project_columns(self, columns: Sequence[str]) -> _Table:
+        return replace(self, columns=columns)
+
+    def frame(self, rows: list[Row]) -> pandas.DataFrame:
+        """Returns rows as a table of these columns."""
+        missing = {column: pandas.NA if dtype[0].isupper() or dtype == "boolean" else None
+                   for column, dtype in self.dtypes.items()}
+        columns = {column: [row.get(column, missing[column]) for row in rows] for column in self.columns}
+        return pandas.DataFrame({column: pandas.Series(values, dtype=self.dtypes[column])
+                                 for column, values in columns.items()}, columns=list(self.columns))
+
+    def pieces(self, path: str) -> list[Piece]:
+        """Returns what is in a file, or a row with its error."""
+        try:
+            found = list(self.read(path, self.columns))
+        except BAD_FILE as error:
+            return [[{"path": path, "state": _state_of(error), "error": _text_of(error)}]]
+        unknown = {column for piece in found for part in (piece if isinstance(piece, list) else [piece])
+                   for column in part} - self.dtypes.keys()
+        if unknown:
+            raise ValueError(f"Columns that meta doesn't have: {', '.join(map(str, unknown))}")
+        return found
+
+    def __call__(self, paths: Sequence[str]) -> pandas.DataFrame:
+        types = {column: self.dtypes[column] for column in self.columns}
+        frames = []
+        for form, pieces in groupby((piece for path in paths for piece in self.pieces(path)), type):
+            if form is list:
+                frames.append(self.frame([row for rows in pieces for row in rows]))
+            else:
+                frames.append(pandas.concat(pieces, ignore_index=True).reindex(columns=self.columns).astype(types))
+        return pandas.concat(frames, ignore_index=True) if frames else self.frame([])
+
+
+def _list(paths: Paths) -> list[str]:
+    """Returns absolute paths, so that they mean the same to workers in other folders."""
+    if not isinstance(paths, (str, bytes, os.PathLike)):
+        return [os.path.abspath(os.fsdecode(path)) for path in cast(Iterable[Path], paths)]
+    name = os.path.abspath(os.fsdecode(paths))
+    found = [] if os.path.lexists(name) else sorted(glob.glob(name, recursive=True))
+    return found or [name]
+
+
+def _table(read: Callable[[str, Sequence[str]], Iterator[Piece]], dtypes: Mapping[str, str], paths: Paths,
+           files_per_partition: Optional[int]) -> dask.dataframe.DataFrame:
+    names = _list(paths)
+    size = files_per_partition or max(min(MOST_FILES, len(names) // LEAST_PARTITIONS), 1)
+    table = _Table(read, dtypes, tuple(dtypes))
+    parts = [tuple(names[first:first + size]) for first in range(0, len(names), size)] or [()]
+    return dask.dataframe.from_map(table, parts, meta=table.frame([]), enforce_metadata=False,
+                                   token=uuid.uuid4().hex, label="vxfileio")
+
+
+def _state_of(error: Exception) -> str:
+    if isinstance(error, EmptyFileError):
+        return "unfinished"
+    return "damaged" if isinstance(error, FileError) else "unreadable"
+
+
+def _text_of(error: Exception) -> str:
+    return getattr(error, "strerror", None) or getattr(error, "text", None) or str(error)
+
+
+def _missing_text(recording: Recording) -> Optional[str]:
+    """Returns what is wrong with the samples of a recording that can be read, or None."""
+    if recording.damage or not recording.finished:
+        return recording.damage or None
+    missing = int(recording.segments()["samples"].sum()) - recording.certain_samples
+    return f"{missing} samples are beyond the end of the file" if missing else None
+
+
+def _catalog_of(path: str, columns: Sequence[str]) -> Iterator[Piece]:
+    with open_raw(path, unfinished=True, partial=True) as run:
+        header = run.header
+        known = {"path": path, "Guid": header.Guid, "plate": header.PlateID, "compound": header.CompoundName}
+        yield [{**known, "task": recording.task, "number": recording.number, "dose": recording.dose,
+                "wells": len(recording.wells), **_condition_of(recording, columns)} for recording in run.recordings]
+
+
+def _condition_of(recording: Recording, columns: Sequence[str]) -> Row:
+    """Returns what the segments say. Doesn't read their headers unless that is asked for."""
+    if not {"samples", "state", "error"} & set(columns):
+        return {}
+    error = _missing_text(recording)
+    state = "damaged" if error else "finished" if recording.finished else "unfinished"
+    return {"samples": recording.certain_samples, "state": state, "error": error}
+
+
+def _responses_of(path: str, columns: Sequence[str]) -> Iterator[Piece]:
+    if kind_of(path) != "results":
+        raise UnknownFileError(errno.EINVAL, "The file isn't a results file", path)
+    results: Any = open(path)
+    yield results.responses.assign(path=path, Guid=results.Header.Guid, error=None)
+
+
+def _results_of(function: Callable[..., Any], options: Mapping[str, Any], takes_columns: bool, path: str,
+                columns: Optional[Sequence[str]]) -> Iterator[Piece]:
+    more = {"columns": columns} if takes_columns else {}
+    with open_raw(path, **options) as run:
+        for recording in run.recordings:
+            known = {"path": path, "task": recording.task, "number": recording.number, "dose": recording.dose}
+            try:
+                error = _missing_text(recording)
+                result = function(recording, **more)
+            except BAD_FILE as failure:
+                yield [{**known, "error": _text_of(failure)}]
+                continue
+            yield _with_names(result, {**known, "error": error})
+
+
+def _with_names(result: Any, known: Row) -> Piece:
+    """Returns what a function returned for a recording as rows that name the recording."""
+    if not isinstance(result, (Mapping, pandas.DataFrame)):
+        result = {"value": result}
+    twice = known.keys() & set(result)
+    if twice:
+        raise ValueError(f"The table has columns of these names already: {', '.join(sorted(twice))}")
+    return result.assign(**known) if isinstance(result, pandas.DataFrame) else [{**known, **result}]
+
+
+def _first_types(read: Callable[..., Iterator[Piece]], paths: Sequence[str]) -> Mapping[str, Any]:
+    """Returns the columns of a function and their types, by its first result."""
+    for path in paths:
+        try:
+            for piece in read(path, None):
+                types = pandas.DataFrame(piece).drop(columns=[*KNOWN, "error"]).dtypes
+                if len(types):
+                    return types
+        except BAD_FILE:
+            continue
+    raise UsageError("No recording can be read; say with meta=... what the function returns")
+
+
+def _nullable(dtype: Any) -> str:
+    """Returns the type of a column whose values may be missing."""
+    name = pandas.api.types.pandas_dtype(dtype).name
+    if name.startswith(("int", "uint")):
+        return name.replace("i", "I").replace("u", "U")
+    return "boolean" if name == "bool" else name
