@@ -3,8 +3,8 @@
 
     bench/scaling.py FOLDER [ROUNDS]
 
-Makes the campaign in FOLDER, unless it is there. Workers are processes of one thread on this machine; starting them isn't
-measured. Wall times are medians; CPU times are sums over the workers, and of the median round.
+Makes the campaign in FOLDER, unless it is there. Workers are processes of one thread on this machine; starting them
+isn't measured. Wall times are medians; CPU times are sums over the workers, and of the median round.
 """
 
 import logging

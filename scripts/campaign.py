@@ -3,9 +3,9 @@
 
     scripts/campaign.py FOLDER [PLATES [DAMAGED]]
 
-Every plate tests one of 20 compounds at four doses in six wells. All wells see the heart in examples/data, each with its
-own delay, strength and noise; the compound weakens it, by half at a dose of its own. Plate n is in FOLDER/nn/, and every
-DAMAGED-th is damaged in one of six ways (default: none). The same arguments make the same files.
+Every plate tests one of 20 compounds at four doses in six wells. All wells see the heart in examples/data, each with
+its own delay, strength and noise; the compound weakens it, by half at a dose of its own. Plate n is in FOLDER/nn/, and
+every DAMAGED-th is damaged in one of six ways (default: none). The same arguments make the same files.
 """
 
 import pathlib

@@ -47,7 +47,7 @@ def groups_of(recording: Recording, wells: Optional[Iterable[int]] = None) -> li
 
 def read_run(recording: Recording, wells: Sequence[int], runs: Sequence[Run], number: int, first: int, count: int,
              scaled: bool = False) -> NDArray:
-    """Reads `count` samples of a run from its sample `first` on, in one pass. Returns an array with a row for each well.
+    """Reads `count` samples of a run from its sample `first` on, in one pass. Returns a row for each well.
 
     `runs` are all runs of the wells: where they overlap, the same times are in more than one run.
     """

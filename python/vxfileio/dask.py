@@ -6,12 +6,13 @@
     print(recordings[recordings.error.notnull()].compute())
 
 The functions for many files take a list of paths, or one path or pattern (`**` is any number of folders). They open no
-file before the result is computed, unless they say so. Tables list the files in the order given. A bad file is a row with
-its `error`, and with missing values (`pandas.NA`, `None` or `nan`) where it has none; it never stops the others. Paths in
-tables are absolute, and workers read the files under these paths.
+file before the result is computed, unless they say so. Tables list the files in the order given. A bad file is a row
+with its `error`, and with missing values (`pandas.NA`, `None` or `nan`) where it has none; it never stops the others.
+Paths in tables are absolute, and workers read the files under these paths.
 
-Tasks have `files_per_partition` files each, by default 1 to 64, so that there are enough tasks for all workers. A task that
-is run again, because its worker died, has the same result. Each call makes new keys, so no answer is older than the call.
+Tasks have `files_per_partition` files each, by default 1 to 64, so that there are enough tasks for all workers. A task
+that is run again, because its worker died, has the same result. Each call makes new keys, so no answer is older than
+the call.
 """
 
 from __future__ import annotations
@@ -63,10 +64,10 @@ MOST_FILES, LEAST_PARTITIONS = 64, 32
 def catalog(paths: Paths, files_per_partition: Optional[int] = None) -> dask.dataframe.DataFrame:
     """Returns a table of raw data files with one row per recording. No samples are read.
 
-    Columns: `path`, `Guid`, `plate`, `compound`, `task`, `number`, `dose` in picomolar, `wells`, `samples` (of all wells,
-    as many as are certainly in the file), `state` and `error`. The state is "finished", "unfinished", "damaged", or, if
-    the system refuses to read the file, "unreadable". A file whose recordings can't be listed has one row. Without the
-    last three columns, the headers of segments aren't read.
+    Columns: `path`, `Guid`, `plate`, `compound`, `task`, `number`, `dose` in picomolar, `wells`, `samples` (of all
+    wells, as many as are certainly in the file), `state` and `error`. The state is "finished", "unfinished", "damaged",
+    or, if the system refuses to read the file, "unreadable". A file whose recordings can't be listed has one row.
+    Without the last three columns, the headers of segments aren't read.
     """
     return _table(_catalog_of, CATALOG, paths, files_per_partition)
 
@@ -81,15 +82,16 @@ def map_recordings(paths: Paths, function: Callable[..., Any],
                    files_per_partition: Optional[int] = None, **options: Any) -> dask.dataframe.DataFrame:
     """Calls `function(recording)` for each recording of raw data files. Returns a table of all results.
 
-    The function returns a mapping for one row, a DataFrame for any number of rows, or one value, for a column `value`. In
-    front the table has `path`, `task`, `number` and `dose`, at its end `error`: what is wrong with the file or the
+    The function returns a mapping for one row, a DataFrame for any number of rows, or one value, for a column `value`.
+    In front the table has `path`, `task`, `number` and `dose`, at its end `error`: what is wrong with the file or the
     recording. If only samples are missing at the end of a cut file, they are 0, and the row has result and `error`.
     Exceptions of the function other than those of the files, `vxfileio.Error` and `OSError`, are raised by `compute`.
 
     `meta` has the columns of the function and their types. Without it, the function is called at once for the first
     recording that can be read; whole numbers and flags then get the types of pandas that know missing values. If the
-    function has a parameter `columns`, it gets the names of the columns that are asked for, so that it can leave out work.
-    `options` are those of `vxfileio.open`. For processes and clusters, the function must be one that can be pickled.
+    function has a parameter `columns`, it gets the names of the columns that are asked for, so that it can leave out
+    work. `options` are those of `vxfileio.open`. For processes and clusters, the function must be one that can be
+    pickled.
     """
     names = _list(paths)
     read = partial(_results_of, function, options, "columns" in inspect.signature(function).parameters)
@@ -102,10 +104,10 @@ def samples(path: Path, recording: Union[int, tuple[str, int]] = 0, wells: Optio
             scaled: bool = False, chunk_bytes: int = 64 << 20, **options: Any) -> dict[Well, dask.array.Array]:
     """Returns the samples of one recording as dask arrays: one for each well, by the name that was used for it.
 
-    `recording` is its number in the file, or `(task, number)`. The arrays have what `Recording.read` returns. Its headers
-    are read at once, samples when the result is computed, and only those that are needed. Wells that were sampled at the
-    same times share chunks of at most `chunk_bytes`, which end where the times have a gap or overlap. `options` are those
-    of `vxfileio.open`.
+    `recording` is its number in the file, or `(task, number)`. The arrays have what `Recording.read` returns. Its
+    headers are read at once, samples when the result is computed, and only those that are needed. Wells that were
+    sampled at the same times share chunks of at most `chunk_bytes`, which end where the times have a gap or overlap.
+    `options` are those of `vxfileio.open`.
     """
     run = open_raw(os.path.abspath(os.fsdecode(path)), **options)
     found = run.recordings[recording]

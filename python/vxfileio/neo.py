@@ -9,12 +9,12 @@
 What becomes what:
 
 - The file is a block, annotated with `Guid`, `PlateID`, `CompoundID` and `CompoundName`.
-- Wells that were sampled at one interval, at the same times and with the same scale form one stream. A well with gaps of
-  its own is in a stream of its own.
-- neo has no gaps: a signal is one stretch of samples. So each run of samples without a gap is in a segment of its own, and
-  `t_start` says when it began. Segment n of a recording has run n of each stream; a stream with fewer runs, or of another
-  recording, has a signal of 0 samples there. Segments are annotated with `task`, `recording`, `dose` and `run`, and
-  with `place`, the number of the recording in the file. Nothing is filled in, left out or sorted.
+- Wells that were sampled at one interval, at the same times and with the same scale form one stream. A well with gaps
+  of its own is in a stream of its own.
+- neo has no gaps: a signal is one stretch of samples. So each run of samples without a gap is in a segment of its own,
+  and `t_start` says when it began. Segment n of a recording has run n of each stream; a stream with fewer runs, or of
+  another recording, has a signal of 0 samples there. Segments are annotated with `task`, `recording`, `dose` and `run`,
+  and with `place`, the number of the recording in the file. Nothing is filled in, left out or sorted.
 - A recording without samples has no segment.
 - A damaged or unfinished recording is an error, as in `vxfileio.open`, unless `partial` or `unfinished` is set.
 """

@@ -207,7 +207,8 @@ def test_chunks_of_arrays_end_at_gaps_and_overlaps_and_wells_of_other_times_have
 def test_one_well_is_read_without_the_others_of_its_chunk(plates, monkeypatch):
     arrays = vxfileio.dask.samples(plates[0][0], 0)
     read, asked = vx.Recording.read, []
-    monkeypatch.setattr(vx.Recording, "read", lambda self, wells, *more: asked.append(wells) or read(self, wells, *more))
+    monkeypatch.setattr(vx.Recording, "read",
+                        lambda self, wells, *more: asked.append(wells) or read(self, wells, *more))
     arrays[13][200:300].compute()
     assert asked == [[13]]
 

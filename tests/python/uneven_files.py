@@ -26,8 +26,8 @@ def write(path, *recordings):
 
 
 def uneven(path):
-    """Writes two recordings. In the first, wells 11 and 12 have a gap, and well 13 has the times 100 and 150 twice. In the
-    second, well 12 ends early, and well 13 has no samples."""
+    """Writes two recordings. In the first, wells 11 and 12 have a gap, and well 13 has the times 100 and 150 twice. In
+    the second, well 12 ends early, and well 13 has no samples."""
     return write(
         path,
         ({"task": b"Series", "number": 1, "Dose": 7}, [
