@@ -133,9 +133,8 @@ std::vector<std::int32_t> CPlateLabels::FindRectangle(const std::string& word) c
             found.emplace_back(at.row, at.column, id);
     }
     std::ranges::sort(found);
-    std::vector<std::int32_t> wells;
-    for (const auto& well : found)
-        wells.push_back(std::get<2>(well));
+    std::vector<std::int32_t> wells(found.size());
+    std::ranges::transform(found, wells.begin(), [](const auto& well) { return std::get<2>(well); });
     return wells;
 }
 
