@@ -36,7 +36,7 @@ std::string FileOf(int version) {
         return Cell(50, "Kind=Segment") + With(hdr, 150, Cell(30, "Begin=0")) + Cell(40, "Samples=4") + samples;
     };
     return With(FileHdrBytes(1280, "CompoundTest=1000:2000", 3), 340, Cell(50, "Operator=0123")) + Cell(40, "LotID=5") +
-           Cell(50, "Run=1") + With(RecordingHdrBytes({.data = 3900}), 400, Cell(50, "Length=300")) +
+           Cell(50, "Run=1") + With(RecordingHdrBytes({.data = 3900}), 630, Cell(50, "Length=300")) +
            Cell(60, "Note=CompoundTest") + segmentHdr(SegmentHdrBytes(11, 4328, 0, 300, "4"), SampleBytes(kWell11)) +
            segmentHdr(SegmentHdrBytes(12, -1, 0, 300, "4"), SampleBytes(kWell12));
 }

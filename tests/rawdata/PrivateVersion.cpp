@@ -26,7 +26,7 @@ constexpr auto kMoreFileCells = With(With(kFileCells, 14, {"LotID", 40, &CRawDat
                                      {"Operator", 50, &CRawDataFileHdr::Guid, kNew});
 
 constexpr auto kMoreRecordingCells =
-    With(With(With(kRecordingCells, 18, {"Note", 60, &CRawDataRecordingHdr::TaskName, kNew}), 8,
+    With(With(With(kRecordingCells, 18, {"Note", 60, &CRawDataRecordingHdr::TaskName, kNew}), 10,
               {"Length", 50, &CRawDataRecordingHdr::RecordingTime, kNew}),
          0, {"Run", 50, &CRawDataRecordingHdr::Recording, kNew});
 
