@@ -173,6 +173,15 @@ TEST(DecimalScale, HasTheDecimalsOfUnitsPerADAndNoErrorOfADouble) {
     }
 }
 
+TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnRecording) {
+    const std::string one = WithCell(FileOf({{{11, 0, {10}}}, {{11, 0, {10}}}}), "UnitsPerADs", "0.5:1");
+    const std::string both = WithCell(one, "UnitsPerADs", "0.25:1", one.find("TaskName=", 1190 + 2460));
+    const std::string array = Written(both, {}, {.kind = CSampleForm::EKind::NpyArray, .units = true});
+    ASSERT_EQ(array.size(), 192U + 16);
+    EXPECT_EQ(At<double>(array, 192), -16379);
+    EXPECT_EQ(At<double>(array, 200), -8189.5);
+}
+
 TEST_F(Samples, InUnitsAreRefusedWithoutTheZeroOfTheirWell) {
     const std::string bytes = WithCell(FileOf({{{12, 0, {10}}}}), "ADZeros", "8");
     EXPECT_NE(Written(bytes, {}, {.units = true}).find("lacks UnitsPerAD or ADZero of well 12"), std::string::npos);

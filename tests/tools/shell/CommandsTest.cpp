@@ -83,6 +83,23 @@ TEST_F(Commands, VerifySaysHowManyFilesAreOfWhichStatus) {
     EXPECT_TRUE(Has(run.out, "5 files: 2 sound, 2 with findings, 1 not usable\n")) << run.out;
 }
 
+TEST_F(Commands, VerifyCountsTheOtherFilesOfAllFolders) {
+    for (const char* const folder : {"a", "b"})
+        std::filesystem::create_directory(m_folder.Path(folder));
+    File("a/sound.vxd", SmallFileBytes());
+    for (const char* const name : {"a/1.txt", "b/2.txt", "b/3.txt"})
+        File(name, "text");
+    const std::string one = "1 file: 1 sound, 0 with findings, 0 not usable; ";
+    EXPECT_TRUE(RunTool({"verify", m_folder.Path("a")}).out.ends_with(one + "1 other file skipped\n"));
+    EXPECT_TRUE(
+        RunTool({"verify", m_folder.Path("a"), m_folder.Path("b")}).out.ends_with(one + "3 other files skipped\n"));
+}
+
+TEST_F(Commands, InfoShowsTheSmallestAndTheLargestInterval) {
+    const std::string bytes = WithCell(WithCell(SmallFileBytes(), "NumberOfWells", "3"), "WellIDs", "11:12:13");
+    EXPECT_TRUE(Has(RunTool({"info", File("a.vxd", WithCell(bytes, "Ticks", "100:50:100"))}).out, " 50 - 100 "));
+}
+
 TEST_F(Commands, VerifyPrintsFiftyFindingsAndCountsTheRest) {
     for (const auto& [count, more] :
          std::vector<std::pair<int, std::string>>{{50, ""}, {51, "and 1 more"}, {60, "and 10 more"}}) {
