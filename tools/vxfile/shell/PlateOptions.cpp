@@ -140,11 +140,11 @@ void RefuseUnknown(const CPlateView& view, const std::string& path, const std::v
         for (const auto& channel : recording.header.WellChannels)
             wells.insert(channel.ID);
     }
+    const std::string theirs = wells.empty() ? "none" : ListText({wells.begin(), wells.end()});
     for (const auto well : view.choice.wells) {
         if (!wells.contains(well))
-            throw CFailure(view.labels.AddedTo(
-                path + " has no well " + std::to_string(well) + " in the chosen recordings; their wells: " +
-                (wells.empty() ? "none" : ListText({wells.begin(), wells.end()})) + '.'));
+            throw CFailure(view.labels.AddedTo(std::string(path).append(" has no well ").append(std::to_string(well)) +
+                                               " in the chosen recordings; their wells: " + theirs + '.'));
     }
 }
 
