@@ -17,14 +17,14 @@ CRunningCheck::~CRunningCheck() { runningCallbacks = nullptr; }
 // The checks of vxfile report their progress to this class. In the program it draws a bar; here it calls the caller.
 namespace vxfile {
 
-CProgress::CProgress(std::string_view title, std::int64_t total) : m_title(title), m_total(total), m_enabled(false) {}
+CProgress::CProgress(std::string_view title, std::int64_t total)
+    : m_title(title), m_total(total), m_enabled(vxfileio::capi::runningCallbacks != nullptr) {}
 
 CProgress::~CProgress() = default;
 
 void CProgress::Reach(std::int64_t done) {
     constexpr std::uint32_t kCallsPerReport = 256;
-    if (m_calls++ % kCallsPerReport == 0 && vxfileio::capi::runningCallbacks != nullptr)
-        vxfileio::capi::runningCallbacks->Reach(done, m_total);
+    if (m_enabled && m_calls++ % kCallsPerReport == 0) vxfileio::capi::runningCallbacks->Reach(done, m_total);
 }
 
 }  // namespace vxfile
