@@ -39,7 +39,7 @@ CFailed FailureOfException(int refusal) {
     }
 }
 
-constexpr std::array<std::pair<int, std::string_view>, 17> kCodeTexts = {{
+constexpr std::array<std::pair<int, std::string_view>, 18> kCodeTexts = {{
     {VX_OK, "Success"},
     {VX_ERROR_ARGUMENT, "An argument is NULL, negative, out of range or unknown"},
     {VX_ERROR_HANDLE, "The handle is NULL, closed, or was never one"},
@@ -57,15 +57,8 @@ constexpr std::array<std::pair<int, std::string_view>, 17> kCodeTexts = {{
     {VX_DAMAGED, "The file was read as far as possible, but isn't as it should be"},
     {VX_CANCELLED, "A callback ended the work"},
     {VX_ERROR_MEMORY, "Out of memory"},
+    {VX_ERROR_INTERNAL, "A defect of the library"},
 }};
-
-std::string_view CodeText(int code) {
-    const auto* const found =
-        std::find_if(kCodeTexts.begin(), kCodeTexts.end(), [&](const auto& row) { return row.first == code; });
-    if (found != kCodeTexts.end()) return found->second;
-    if (code == VX_ERROR_INTERNAL) return "A defect of the library";
-    throw CFailed{VX_ERROR_NOT_FOUND, {}};
-}
 
 /// Runs `body` for a function that has no handle to keep an error.
 template <class Body>
@@ -75,6 +68,13 @@ int GuardAlone(Body body) noexcept {
 }
 
 }  // namespace
+
+std::string_view CodeText(int code) {
+    const auto* const found =
+        std::find_if(kCodeTexts.begin(), kCodeTexts.end(), [&](const auto& row) { return row.first == code; });
+    if (found == kCodeTexts.end()) throw CFailed{VX_ERROR_NOT_FOUND, {}};
+    return found->second;
+}
 
 int CodeOfException(int refusal, std::string& error) noexcept {
     try {

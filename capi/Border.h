@@ -26,6 +26,9 @@ struct CFailed {
     std::string text;
 };
 
+/// Returns what a code means. Throws VX_ERROR_NOT_FOUND if it is none.
+std::string_view CodeText(int code);
+
 /// Returns the code for the exception that is being handled, and stores its text in `error`. `refusal` is the code for
 /// the library's own exceptions.
 int CodeOfException(int refusal, std::string& error) noexcept;
@@ -62,7 +65,8 @@ int With(const void* handle, Body body, int refusal = VX_ERROR_FILE) noexcept {
 template <class Object, class Body>
 void Use(const void* handle, Body body) {
     const CBorrowed borrowed(handle);
-    if (borrowed.Code() != VX_OK) throw CFailed{borrowed.Code(), "The handle can't be used."};
+    if (const int code = borrowed.Code(); code != VX_OK)
+        throw CFailed{code, "A handle among the arguments can't be used: " + std::string(CodeText(code)) + "."};
     body(ObjectOf<Object>(borrowed));
 }
 

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "capi/Inspection.h"
 #include "tools/vxfile/report/Progress.h"
 
@@ -9,8 +11,8 @@ thread_local const CCallbacks* runningCallbacks = nullptr;
 
 }  // namespace
 
-CRunningCheck::CRunningCheck(const CCallbacks& callbacks) { runningCallbacks = &callbacks; }
-CRunningCheck::~CRunningCheck() { runningCallbacks = nullptr; }
+CRunningCheck::CRunningCheck(const CCallbacks& callbacks) : m_before(std::exchange(runningCallbacks, &callbacks)) {}
+CRunningCheck::~CRunningCheck() { runningCallbacks = m_before; }
 
 }  // namespace vxfileio::capi
 

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/settings/SettingsFile.h"
 
@@ -11,6 +12,15 @@ namespace {
 
 /// The version of settings files; older ones don't hold the analyzer's marks.
 constexpr std::int32_t kSettingsVersion = 3;
+
+/// Throws VX_ERROR_ARGUMENT unless the plate has this compound.
+void RequireCompound(const CPropRecordPlate& plate, std::int32_t compound) {
+    try {
+        plate.RequireCompound(compound);
+    } catch (const CExcVXReader& refused) {
+        throw CFailed{VX_ERROR_ARGUMENT, refused.GetMsg()};
+    }
+}
 
 }  // namespace
 
@@ -51,8 +61,10 @@ void CDocument::Save(const std::string& path, std::int32_t compound) const {
         writer.WriteFile(path, *results);
         writeError = writer.GetWriteError();
     } else {
+        const auto& content = std::get<settings::CSettings>(m_content);
+        RequireCompound(content.RecordPlate, compound);
         settings::CSettingsWriter writer;
-        writer.Content() = std::get<settings::CSettings>(m_content);
+        writer.Content() = content;
         writer.SetXmlFileHeader(writer.Content().Header);
         writer.WriteFile(path, compound);
         writeError = writer.GetWriteError();
@@ -78,10 +90,25 @@ CResultsContent& CDocument::Results() {
 
 namespace {
 
+/// Runs `body`, whose failures get the path in front.
+template <class Body>
+void AtPath(const std::string& path, Body body) {
+    try {
+        body();
+    } catch (CFailed& failed) {
+        failed.text.insert(0, "\"" + path + "\": ");
+        throw;
+    }
+}
+
 /// Runs `body(node)` with the value at a path.
 template <class Body>
 int WithValue(vx_document* document, const char* path, Body body) noexcept {
-    return With<CDocument>(document, [&](CDocument& object) { body(object.Find(TakeText(path, "The path"))); });
+    return With<CDocument>(document, [&](CDocument& object) {
+        const std::string name = TakeText(path, "The path");
+        const CNode node = object.Find(name);
+        AtPath(name, [&] { body(node); });
+    });
 }
 
 /// Runs `body(parent, name)` with the parent of the value at a path, and the value's name.
@@ -91,7 +118,8 @@ int WithParent(vx_document* document, const char* path, Body body) noexcept {
         const std::string whole = TakeText(path, "The path");
         const std::size_t last = whole.rfind('/');
         const bool isDeep = last != std::string::npos;
-        body(object.Find(isDeep ? whole.substr(0, last) : ""), isDeep ? whole.substr(last + 1) : whole);
+        const CNode parent = object.Find(isDeep ? whole.substr(0, last) : "");
+        AtPath(whole, [&] { body(parent, isDeep ? whole.substr(last + 1) : whole); });
     });
 }
 
@@ -237,7 +265,7 @@ int VX_CALL vx_document_insert(vx_document* document, const char* path) {
 int VX_CALL vx_document_remove(vx_document* document, const char* path) {
     return WithParent(document, path, [&](const CNode& parent, const std::string& name) {
         if (parent.type->Find(parent.object, name).object == nullptr)
-            throw CFailed{VX_ERROR_NOT_FOUND, "There is no \"" + std::string(path) + "\"."};
+            throw CFailed{VX_ERROR_NOT_FOUND, "There is nothing to remove."};
         parent.type->Remove(parent.object, name);
     });
 }

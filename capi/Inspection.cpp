@@ -48,7 +48,7 @@ class CReport : public CObject {
 
  private:
     void AddRemarks(const recovery::CRemarks& remarks, const char* found);
-    void Deliver(const CCallbacks& callbacks);
+    void Deliver(const CCallbacks& callbacks) const;
 
     std::vector<CFound> m_found;
     std::int64_t m_count = 0;
@@ -74,10 +74,10 @@ void CReport::Verify(const std::string& path, std::int32_t kind, const CCallback
     }
     m_isSound = m_count == 0;
     Deliver(callbacks);
+    m_isOpen = true;
 }
 
-void CReport::Deliver(const CCallbacks& callbacks) {
-    m_isOpen = true;
+void CReport::Deliver(const CCallbacks& callbacks) const {
     for (const CFound& found : m_found)
         callbacks.Find(found.offset, found.texts[VX_FINDING_WHERE], found.texts[VX_FINDING_MEANING]);
 }
@@ -145,6 +145,8 @@ void CReport::Recover(const std::string& source, const std::string& target, cons
     if (!file.OpenForReading(source)) throw CFailed{VX_ERROR_FILE, "Cannot open file " + source};
     std::error_code ignored;
     Require(!std::filesystem::equivalent(PathOf(source), PathOf(target), ignored), "The target is the source.");
+    if (options.replace == 0 && std::filesystem::exists(PathOf(target), ignored))
+        throw CFailed{VX_ERROR_WRITE, target + " is there already; choose another name, or set `replace`."};
     helpers::CReplacingFile whole;
     if (!whole.Create(target, options.replace != 0 ? Replace : New)) RefuseWrite(whole);
     const auto reach = [&, total = file.Size()](std::int64_t position) { callbacks.Reach(position, total); };
@@ -154,12 +156,13 @@ void CReport::Recover(const std::string& source, const std::string& target, cons
     const recovery::COptions how{.keepCut = options.keep_cut != 0, .searched = reach, .saved = reach};
     const recovery::CReport report = recovery::Recover(recovery::CFileInput(file), how, write);
     if (report.bytes == 0) throw CFailed{VX_ERROR_FILE, "There is nothing to save in " + source};
-    if (!whole.Commit()) RefuseWrite(whole);
     m_bytes = report.bytes;
     m_isSound = report.IsComplete();
     AddRemarks(report.losses, "lost");
     AddRemarks(report.doubts, "in doubt");
-    Deliver(callbacks);
+    Deliver(callbacks);  // before the file is there: a callback can still end the work
+    if (!whole.Commit()) RefuseWrite(whole);
+    m_isOpen = true;
 }
 
 vx_report_summary CReport::Summary() const {

@@ -121,8 +121,11 @@ int VX_CALL vx_raw_get_task(vx_raw* raw, int64_t index, char* buffer, int64_t* s
 
 int VX_CALL vx_raw_find_recording(vx_raw* raw, const char* task, int32_t number, int64_t* index) {
     return With<CRaw>(raw, [&](CRaw& object) {
-        const auto found = object.Get().FindRecording(TakeText(task, "The task"), number);
-        if (!found) throw CFailed{VX_ERROR_NOT_FOUND, "The file has no such recording."};
+        const std::string name = TakeText(task, "The task");
+        const auto found = object.Get().FindRecording(name, number);
+        if (!found)
+            throw CFailed{VX_ERROR_NOT_FOUND,
+                          "The file has no recording " + std::to_string(number) + " of the task \"" + name + "\"."};
         Put(index, static_cast<std::int64_t>(*found));
     });
 }

@@ -30,9 +30,17 @@ constexpr std::array kListTasks = {"PreQC", "CompoundTest", "PostQC"};
 class CWriter : public COpened<CIRawDataWriter> {
  public:
     bool Finish() override {
+        m_isFinished = true;
         CIRawDataWriter& writer = Get();
         writer.Close();
         return writer.GetWriteError().empty();
+    }
+
+    /// Throws if the disk doesn't have everything.
+    void Flush() {
+        if (m_isFinished) throw CFailed{VX_ERROR_REFUSED, "The file is finished; flush it before that."};
+        if (!Get().FlushToDisk())
+            throw CFailed{VX_ERROR_WRITE, "The disk doesn't have everything. " + Get().GetWriteError()};
     }
 
     /// Runs `write(writer)`. Throws with the report if there is something new in it.
@@ -48,6 +56,7 @@ class CWriter : public COpened<CIRawDataWriter> {
 
  private:
     std::string m_report;  ///< After the last call.
+    bool m_isFinished = false;
 };
 
 std::string TextOrNothing(const char* text) { return text == nullptr ? std::string() : text; }
@@ -76,8 +85,9 @@ void RequireCount(std::int64_t from, std::int64_t to, std::int64_t interval, std
     if (interval <= 0 || to < from) return;
     const std::uint64_t span = static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
     const std::uint64_t steps = span / static_cast<std::uint64_t>(interval);
-    if (std::cmp_not_equal(count, steps + 1))
-        throw CFailed{VX_ERROR_ARGUMENT, "The times have " + std::to_string(steps + 1) + " samples, but the count is " +
+    if (count == 0 || std::cmp_not_equal(count - 1, steps))
+        throw CFailed{VX_ERROR_ARGUMENT, "The times are " + std::to_string(steps) +
+                                             " intervals apart, so the count must be one more, not " +
                                              std::to_string(count) + "."};
 }
 
@@ -136,11 +146,7 @@ int VX_CALL vx_writer_set_list(vx_writer* writer, int32_t list, const int64_t* v
 }
 
 int VX_CALL vx_writer_flush_to_disk(vx_writer* writer) {
-    return WithWriter(writer, [&](CWriter& object) {
-        CIRawDataWriter& file = object.Get();
-        if (!file.FlushToDisk())
-            throw CFailed{VX_ERROR_WRITE, "The disk doesn't have everything. " + file.GetWriteError()};
-    });
+    return WithWriter(writer, [](CWriter& object) { object.Flush(); });
 }
 
 int VX_CALL vx_writer_finish(vx_writer* writer) {

@@ -84,12 +84,15 @@ Value ParseWhole(const std::string& text) {
     return value;
 }
 
-/// Returns the value of a word.
+/// Returns the value of a word. Throws with all words if it is none.
 template <class Word>
 Word ParseWord(std::string_view text) {
     const Word word = base::ValueOf<Word>(text);
-    if (base::WordOf(word) != text) RefuseValue(text);
-    return word;
+    if (base::WordOf(word) == text) return word;
+    std::string words;
+    for (const std::string_view each : base::kWords<Word>.words)
+        words.append(words.empty() ? "" : ", ").append(each);
+    throw CFailed{VX_ERROR_VALUE, "The value can't be \"" + std::string(text) + "\", only one of " + words + "."};
 }
 
 /// A number, bool, text, character or word.
@@ -343,6 +346,18 @@ std::optional<Key> KeyOf(std::string_view name) {
     }
 }
 
+/// Returns the key of a name. Throws if it is none.
+template <class Key>
+Key ParseKey(std::string_view name) {
+    if constexpr (std::is_enum_v<Key>) {
+        return ParseWord<Key>(name);
+    } else {
+        const auto number = NumberOf(name);
+        if (!number) RefuseValue(name);
+        return *number;
+    }
+}
+
 /// Stores the key of an entry in the field that repeats it, if there is one.
 template <class Word, class Field, class Entry>
 void SetKeyText(const CKeyTextField<Word, Field>& field, Entry& entry, std::string_view key) {
@@ -370,9 +385,7 @@ class CMapType : public CValueType {
         return {&entry->second, &TypeOfEntry<Entry, Form>()};
     }
     void Insert(void* object, std::string_view name) const override {
-        const auto key = KeyOf<Key>(name);
-        if (!key) RefuseValue(name);
-        Entry& entry = As<CMap>(object)[*key];
+        Entry& entry = As<CMap>(object)[ParseKey<Key>(name)];
         using CForm = typename CFormOf<Entry, Form>::CType;
         if constexpr (requires { CForm::kFields; })
             ForEachField(CForm::kFields, [&](const auto& field) { SetKeyText(field, entry, name); });

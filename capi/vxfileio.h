@@ -42,7 +42,7 @@
  *   A text is followed by a NUL, which *size includes; the text itself has *size - 1 bytes and may contain
  *   NULs. If the room is too small, the call stores what it needs and returns VX_ERROR_SHORT_BUFFER. Then an
  *   array is unchanged, and a text is cut to the room, with its NUL. Nothing beyond what is used is ever
- *   changed.
+ *   changed. A read that fails with VX_ERROR_FILE may have changed the array.
  *
  * Structs
  *   A struct begins with `size`, which the caller sets to sizeof of the struct before each call. Later
@@ -341,7 +341,7 @@ VX_API int VX_CALL vx_writer_set_list(vx_writer* writer, int32_t list, const int
 /* Waits until the disk has everything written so far. VX_ERROR_WRITE if it wouldn't survive a power cut. */
 VX_API int VX_CALL vx_writer_flush_to_disk(vx_writer* writer);
 /* Finishes the last recording and the file. VX_ERROR_WRITE if vx_writer_get_report isn't empty. Later calls that write
- * return VX_ERROR_REFUSED. */
+ * or flush return VX_ERROR_REFUSED. */
 VX_API int VX_CALL vx_writer_finish(vx_writer* writer);
 /* Returns what the system refused so far, and which values readers can't use; empty if the file is as it should be. */
 VX_API int VX_CALL vx_writer_get_report(vx_writer* writer, char* buffer, int64_t* size);
@@ -537,7 +537,7 @@ enum vx_finding_text {
  * failure of the call. */
 VX_API int VX_CALL vx_verify(vx_report** out, const char* path, int32_t kind, const vx_callbacks* callbacks);
 /* Writes everything that is whole in an unfinished, cut or damaged raw data file to a new one. The source is only read.
- * VX_ERROR_FILE if there is nothing to save; nothing is written then. */
+ * VX_ERROR_FILE if there is nothing to save. If the call fails or is cancelled, the target is as it was. */
 VX_API int VX_CALL vx_recover(vx_report** out, const char* source, const char* target,
                               const vx_recover_options* options, const vx_callbacks* callbacks);
 VX_API int VX_CALL vx_report_get_summary(vx_report* report, vx_report_summary* summary);

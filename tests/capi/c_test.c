@@ -139,6 +139,7 @@ static void read_headers(void) {
     WORKS(vx_raw_get_task(raw, 0, text, &size));
     EXPECT(strcmp(text, "PreQC") == 0);
     EXPECT(vx_raw_find_recording(raw, "CompoundTest", 77, &index) == VX_ERROR_NOT_FOUND && index == 1);
+    EXPECT(strcmp(error_of(raw), "The file has no recording 77 of the task \"CompoundTest\".") == 0);
     WORKS(vx_close(raw));
 }
 
@@ -300,6 +301,7 @@ static void write_raw_data(void) {
     int64_t size = sizeof text;
     WORKS(vx_writer_write(writer, 11, 0, 300, 100, first, 4));
     EXPECT(vx_writer_write(writer, 12, 0, 300, 100, second, 3) == VX_ERROR_ARGUMENT);
+    EXPECT(vx_writer_write(writer, 12, INT64_MIN, INT64_MAX, 1, NULL, 0) == VX_ERROR_ARGUMENT);
     EXPECT(vx_writer_write(writer, 13, 0, 300, 100, second, 4) == VX_ERROR_REFUSED);
     EXPECT(strstr(error_of(writer), "13") != NULL);
     WORKS(vx_writer_write(writer, 12, 0, 300, 100, second, 4));
@@ -309,6 +311,7 @@ static void write_raw_data(void) {
     WORKS(vx_writer_get_report(writer, text, &size));
     EXPECT(size == 1);
     EXPECT(vx_writer_write(writer, 11, 400, 400, 100, first, 1) == VX_ERROR_REFUSED);
+    EXPECT(vx_writer_flush_to_disk(writer) == VX_ERROR_REFUSED);
     WORKS(vx_close(writer));
     EXPECT(same_files(path, given("small_example.vxd")));
     EXPECT(vx_writer_create(&writer, path, VX_CREATE_NEW) == VX_ERROR_FILE);
@@ -425,6 +428,8 @@ static void change_settings(void) {
     EXPECT(walk(settings, "") > 150);
     WORKS(vx_document_set_text(settings, mark, "Manually"));
     EXPECT(vx_document_set_text(settings, mark, "manually") == VX_ERROR_VALUE);
+    EXPECT(strstr(error_of(settings), "/QT-Interval\": The value can't be \"manually\", only one of ") != NULL);
+    EXPECT(strstr(error_of(settings), ", Manually, Deselected.") != NULL);
     WORKS(vx_document_set_int64(settings, "PropertyRecording/ADMax", 65535));
     EXPECT(vx_document_set_int64(settings, "PropertyRecording/ADMax", 65536) == VX_ERROR_VALUE);
     EXPECT(vx_document_set_double(settings, "PropertyRecording/ADMax", 1.0) == VX_ERROR_TYPE);
@@ -435,7 +440,7 @@ static void change_settings(void) {
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
     WORKS(vx_document_save(settings, copy, -1));
-    EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_FILE);
+    EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_ARGUMENT);
     WORKS(vx_close(settings));
 
     WORKS(vx_document_open(&settings, VX_SETTINGS, copy));
@@ -516,6 +521,8 @@ static void export_workbooks(void) {
     const int64_t doses[] = {10};
     char start[4] = "";
     EXPECT(vx_export(settings, results, own("wrong.xls")) == VX_ERROR_KIND);
+    EXPECT(vx_export(results, results, own("wrong.xls")) == VX_ERROR_BUSY);
+    EXPECT(strstr(error_of(results), "Another call is using the handle") != NULL);
     WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 1));
     WORKS(vx_export(results, settings, own("results.xls")));
     EXPECT(content_of(own("results.xls"), start, 4) == 4 && memcmp(start, "\xD0\xCF\x11\xE0", 4) == 0);
@@ -571,9 +578,9 @@ static void plan_a_recording(void) {
     WORKS(vx_close(plan));
 }
 
-/* Counts calls; ends the work at the one that `most` says. */
+/* Counts calls; ends the work at those that `most` and `most_findings` say. */
 struct counted {
-    int progress, findings, most;
+    int progress, findings, most, most_findings;
 };
 static int VX_CALL count_progress(void* user, int64_t done, int64_t total) {
     struct counted* const count = (struct counted*)user;
@@ -581,13 +588,48 @@ static int VX_CALL count_progress(void* user, int64_t done, int64_t total) {
     return ++count->progress == count->most;
 }
 static int VX_CALL count_finding(void* user, int64_t offset, const char* where, const char* meaning) {
+    struct counted* const count = (struct counted*)user;
     EXPECT(offset >= -1 && *where != '\0' && *meaning != '\0');
-    ++((struct counted*)user)->findings;
-    return 0;
+    return ++count->findings == count->most_findings;
+}
+
+/* Checks another file within a check. */
+static int VX_CALL check_within(void* user, int64_t done, int64_t total) {
+    struct counted inner = {0, 0, -1, -1};
+    vx_callbacks callbacks;
+    vx_report* report = NULL;
+    memset(&callbacks, 0, sizeof callbacks);
+    callbacks.size = sizeof callbacks;
+    callbacks.user = &inner;
+    callbacks.progress = count_progress;
+    WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, &callbacks));
+    WORKS(vx_close(report));
+    EXPECT(inner.progress > 0);
+    return count_progress(user, done, total);
+}
+
+static void check_in_a_callback(void) {
+    struct counted outer = {0, 0, -1, -1};
+    vx_writer* const writer = begin_small_example(own("long.vxd"));
+    vx_callbacks callbacks;
+    vx_report* report = NULL;
+    const uint16_t sample = 1;
+    int i;
+    WORKS(vx_writer_set_strict(writer, 0));
+    for (i = 0; i < 600; ++i)
+        WORKS(vx_writer_write(writer, 11, i * 100, i * 100, 100, &sample, 1));
+    WORKS(vx_close(writer));
+    memset(&callbacks, 0, sizeof callbacks);
+    callbacks.size = sizeof callbacks;
+    callbacks.user = &outer;
+    callbacks.progress = check_within;
+    WORKS(vx_verify(&report, own("long.vxd"), VX_FILE_RAW, &callbacks));
+    WORKS(vx_close(report));
+    EXPECT(outer.progress > 1);
 }
 
 static void check_and_recover(void) {
-    struct counted count = {0, 0, -1};
+    struct counted count = {0, 0, -1, -1};
     vx_callbacks callbacks;
     vx_recover_options options = {sizeof options, 0, 1};
     vx_report* report = NULL;
@@ -630,13 +672,21 @@ static void check_and_recover(void) {
     WORKS(vx_close(report));
     EXPECT(vx_recover(&report, saved, saved, &options, NULL) == VX_ERROR_ARGUMENT);
     WORKS(vx_close(report));
+    EXPECT(vx_recover(&report, given("small_example.vxd"), own("saved.vxd"), NULL, NULL) == VX_ERROR_WRITE);
+    EXPECT(strstr(error_of(report), "choose another name") != NULL);
+    WORKS(vx_close(report));
 
     /* A cancelled recovery leaves no file. */
     count.most = count.progress + 1;
     remove(own("small.vxd"));
     EXPECT(vx_recover(&report, given("unfinished.vxd"), own("small.vxd"), &options, &callbacks) == VX_CANCELLED);
     WORKS(vx_close(report));
-    EXPECT(!same_files(own("small.vxd"), saved));
+    count.most = -1;
+    count.most_findings = count.findings + 1;
+    EXPECT(vx_recover(&report, given("damaged_segments.vxd"), own("small.vxd"), &options, &callbacks) == VX_CANCELLED);
+    EXPECT(vx_report_get_summary(report, &summary) == VX_ERROR_STATE);
+    WORKS(vx_close(report));
+    EXPECT(content_of(own("small.vxd"), text, 1) < 0);
 }
 
 #ifdef __cplusplus
@@ -720,6 +770,7 @@ static void (*const phases[])(void) = {
     export_workbooks,
     plan_a_recording,
     check_and_recover,
+    check_in_a_callback,
 #ifdef __cplusplus
     use_threads,
 #endif
