@@ -1,6 +1,9 @@
 #include "python/src/Call.h"
 
+#include <cstdint>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
 namespace vxfileio::python {
 
@@ -22,6 +25,12 @@ void RegisterFailures() {
 void CheckSignals() {
     const py::gil_scoped_acquire acquire;
     if (PyErr_CheckSignals() != 0) throw py::error_already_set();
+}
+
+bool IsSmallFile(const std::string& path) {
+    constexpr std::uintmax_t kSmall = std::uintmax_t{16} << 20;
+    std::error_code error;  // then the size is the greatest number
+    return std::filesystem::file_size(path, error) <= kSmall;
 }
 
 bool IsMainThread() {

@@ -57,11 +57,15 @@ void CheckSignals();
 /// Returns whether the caller is the thread that signals are for.
 bool IsMainThread();
 
-/// Does the same as `WithoutLock`, and ends early if Ctrl-C is pressed. Then `work()` goes on in a thread of its own,
-/// so it must own all that it uses and what it returns.
+/// Returns whether a file is so small that reading all of it takes a fraction of a second.
+bool IsSmallFile(const std::string& path);
+
+/// Does the same as `WithoutLock` for work that reads a file once, and ends early if Ctrl-C is pressed. Then `work()`
+/// goes on in a thread of its own, so it must own all that it uses and what it returns. For small files, Ctrl-C waits
+/// until they are read, which is cheaper than a thread.
 template <class Work>
 auto Interruptible(const std::string& path, Work work) {
-    if (!IsMainThread()) return WithoutLock(path, std::move(work));
+    if (IsSmallFile(path) || !IsMainThread()) return WithoutLock(path, std::move(work));
     std::packaged_task task([path, work = std::move(work)]() mutable { return WithPath(path, std::move(work)); });
     auto result = task.get_future();
     std::thread thread(std::move(task));

@@ -10,7 +10,7 @@ from collections.abc import Iterator
 from typing import TYPE_CHECKING, Any, Optional, TypeVar, Union
 
 from . import _vxfileio
-from ._errors import DamagedFileError, FileError, refusal
+from ._errors import DamagedFileError, FileError, UnknownFileError, refusal
 from ._text import printable, table
 
 if TYPE_CHECKING:
@@ -20,6 +20,9 @@ Path = Union[str, bytes, os.PathLike]
 Document = TypeVar("Document", bound="_Document")
 
 FIRST_COMPOUND = -1
+
+OTHER_KIND = "This is a "
+"""How the library begins what it says about a file of another kind."""
 
 
 class _Document:
@@ -43,6 +46,8 @@ def _read(made: type[Document], read: Any, path: Path, partial: bool) -> Documen
     document.path = os.fsdecode(path)
     document.read_error = error
     if error and not partial:
+        if error.startswith(OTHER_KIND):
+            raise UnknownFileError(errno.EINVAL, error, document.path)
         raise DamagedFileError(errno.EBADMSG, error, document.path)
     return document
 

@@ -2,6 +2,8 @@
 
 import errno
 import os
+import sys
+import warnings
 from typing import NamedTuple, NoReturn, Optional
 
 from ._vxfileio import _texts
@@ -57,6 +59,14 @@ class MissingSamplesWarning(UserWarning):
 
 class WriteWarning(UserWarning):
     """A value was written as given, although readers can't use it."""
+
+
+def warn(text: str, category: type[Warning]) -> None:
+    """Warns about the line outside the package from which it was called."""
+    level, frame = 2, sys._getframe(1)
+    while frame.f_back is not None and frame.f_globals.get("__package__") == __package__:
+        level, frame = level + 1, frame.f_back
+    warnings.warn(text, category, stacklevel=level)
 
 
 class Row(NamedTuple):

@@ -6,6 +6,7 @@ import errno
 import io
 import os
 import re
+import stat
 from typing import Any, Optional, Union
 
 from ._documents import Results, Settings
@@ -30,13 +31,20 @@ DOCUMENT_MARKS = (
 KINDS_THAT_ARE_NOT_READ = {
     "workbook": "The file is a workbook; a spreadsheet program reads it",
     "empty": "The file is empty",
+    "pipe": "The file is a pipe; put what comes out of it into a file and open that",
     "unknown": "The file isn't one of the system",
 }
 
 
 def kind_of(path: Path) -> str:
-    """Returns the kind of a file by its content: "raw", "settings", "results", "workbook", "empty" or "unknown"."""
-    with io.open(path, "rb") as file:
+    """Returns the kind of a file by its content: "raw", "settings", "results", "workbook", "empty" or "unknown".
+
+    A pipe has the kind "pipe", and nothing is read from it.
+    """
+    name = os.fspath(path)
+    if stat.S_ISFIFO(os.stat(name).st_mode):
+        return "pipe"
+    with io.open(name, "rb") as file:
         head = file.read(LOOK_AHEAD)
     if not head:
         return "empty"

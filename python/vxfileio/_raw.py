@@ -5,7 +5,6 @@ from __future__ import annotations
 import operator
 import os
 import re
-import warnings
 from collections.abc import Iterator, Mapping, Sequence
 from typing import TYPE_CHECKING, Any, Optional, Union, overload
 
@@ -13,7 +12,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from . import _vxfileio
-from ._errors import MissingSamplesWarning, NoSuchRecordingError, NoSuchWellError, UsageError
+from ._errors import MissingSamplesWarning, NoSuchRecordingError, NoSuchWellError, UsageError, warn
 from ._text import printable, table
 
 if TYPE_CHECKING:
@@ -46,6 +45,8 @@ class Recordings:
                  ticks_per_second: Optional[float] = None, unfinished: bool = False, partial: bool = False) -> None:
         self.path: str = os.fsdecode(path)
         self.settings = settings
+        if ticks_per_second is not None and not 0 < ticks_per_second < float("inf"):
+            raise UsageError(f"ticks_per_second must be a number above 0, not {ticks_per_second!r}", self.path)
         self.ticks_per_second = ticks_per_second
         self.unfinished = unfinished
         self.partial = partial
@@ -80,7 +81,7 @@ class Recordings:
     def well_id(self, well: Well) -> int:
         """Returns the ID of a well. Labels need the settings of the run."""
         if not isinstance(well, str):
-            return int(well)
+            return operator.index(well)
         if self.settings is None:
             raise UsageError(f"The label {well!r} needs the settings: open the file with settings=...", self.path)
         found = {record.WellID for record in self.settings.RecordPlate.Data.Wells
@@ -198,7 +199,10 @@ class Recording:
         return self._index
 
     def refresh(self) -> None:
-        """Forgets the index, so that the next call sees what was recorded since."""
+        """Forgets the index, so that the next call sees the segments that were recorded since.
+
+        Recordings that were begun or finished since are seen when the file is opened again.
+        """
         self._index = None
 
     @property
@@ -248,7 +252,7 @@ class Recording:
 
         Returns an array for each well, by the name that was used for it; without `wells`, for all, by their IDs. Arrays
         are `uint16`, or `float64` in physical units if `scaled`. `out` has arrays to be filled instead of new ones: of
-        that type, contiguous and large enough. The result then has the filled part of each.
+        that type, contiguous, large enough and by the same names. The result then has the filled part of each.
         """
         names, selection = self._select(wells, start, stop)
         counts = [count for _, count, _ in selection.wells()]
@@ -257,6 +261,8 @@ class Recording:
             arrays: list[NDArray[Any]] = [np.empty(count, dtype) for count in counts]
         else:
             arrays = [self._room(out, name, count, dtype) for name, count in zip(names, counts)]
+            if _overlap(arrays):
+                raise UsageError("The arrays of out overlap", self.run.path)
         if scaled:
             selection.read_scaled(arrays)
         else:
@@ -329,7 +335,7 @@ class Recording:
     def _select(self, wells: Optional[Sequence[Well]], start: Optional[int],
                 stop: Optional[int]) -> tuple[list[Well], _vxfileio.SampleSelection]:
         """Returns the names of the wells, each well once, and their selection."""
-        if isinstance(wells, (str, int)) or wells is not None and len(wells) == 0:
+        if isinstance(wells, (str, int, np.integer)) or wells is not None and len(wells) == 0:
             raise UsageError(f"wells must be a list of at least one well, not {wells!r}", self.run.path)
         index = self.index()
         known = [channel.ID for channel in index.wells()]
@@ -341,14 +347,14 @@ class Recording:
         for well, name in names.items():
             if well not in known:
                 raise NoSuchWellError(NO_WELL.format(name), self.run.path)
-        first = FIRST_TIME if start is None else max(start, FIRST_TIME)
-        last = LAST_TIME if stop is None else min(stop - 1, LAST_TIME)
+        first = FIRST_TIME if start is None else max(operator.index(start), FIRST_TIME)
+        last = LAST_TIME if stop is None else min(operator.index(stop) - 1, LAST_TIME)
         if first > last:
             first, last = LAST_TIME, FIRST_TIME
         return list(names.values()), index.select(list(names), first, last)
 
     def _room(self, out: Mapping[Well, NDArray], name: Well, count: int, dtype: np.dtype) -> NDArray:
-        array = out[name]
+        array: Any = out.get(name)
         fits = isinstance(array, np.ndarray) and array.ndim == 1 and array.dtype == dtype and len(array) >= count
         if not fits or not array.flags.c_contiguous or not array.flags.writeable:
             raise UsageError(f"out[{name!r}] must be a contiguous, writable array of {dtype} with room for {count}",
@@ -359,12 +365,17 @@ class Recording:
         for well, _, missing in selection.wells():
             if missing:
                 text = f"{missing} samples of well {well} are beyond the end of {self.run.path} and were read as 0"
-                warnings.warn(text, MissingSamplesWarning, stacklevel=4)
+                warn(text, MissingSamplesWarning)
 
     def _in_seconds(self, times: NDArray[np.int64]) -> NDArray[np.float64]:
         if self.run.ticks_per_second is None:
             raise UsageError("Seconds need ticks_per_second: open the file with ticks_per_second=...", self.run.path)
         return times / self.run.ticks_per_second
+
+
+def _overlap(arrays: Sequence[NDArray]) -> bool:
+    spans = sorted((array.ctypes.data, array.ctypes.data + array.nbytes) for array in arrays if array.size)
+    return any(stop > start for (_, stop), (start, _) in zip(spans, spans[1:]))
 
 
 def _dimension_name(number: int) -> str:

@@ -3,16 +3,17 @@
 from __future__ import annotations
 
 import errno
+import operator
 import os
 import threading
-import warnings
 from typing import Any, Optional, Union
 
 import numpy as np
 from numpy.typing import ArrayLike
 
 from . import _vxfileio
-from ._errors import FileError, UsageError, WriteWarning, refusal
+from ._errors import FileError, UsageError, WriteWarning, refusal, warn
+from ._raw import FIRST_TIME, LAST_TIME
 from ._text import printable
 
 Path = Union[str, bytes, os.PathLike]
@@ -94,7 +95,7 @@ class RawWriter:
             refused = refusal(news, self.path)
             if refused is not None:
                 raise refused
-            warnings.warn(f"{self.path}: {news}", WriteWarning, stacklevel=4)
+            warn(f"{self.path}: {news}", WriteWarning)
         return result
 
     def __enter__(self) -> RawWriter:
@@ -126,7 +127,9 @@ class RecordingWriter:
             raise UsageError(f"The recording {self.task} {self.number} has ended", self._writer.path)
         if well not in self._ticks:
             raise UsageError(f"The recording header has no well {well!r}", self._writer.path)
-        array = _samples(samples)
+        if not FIRST_TIME <= operator.index(start) <= LAST_TIME:
+            raise UsageError(f"The time {start} has more than 64 bits", self._writer.path)
+        array = _samples(samples, self._writer.path)
         self._writer._call(self._writer._writer.write_data, well, start, self._ticks[well], array)
 
     def __enter__(self) -> RecordingWriter:
@@ -145,13 +148,13 @@ def _with_mark(header: _vxfileio.RawDataFileHdr) -> _vxfileio.RawDataFileHdr:
     return made
 
 
-def _samples(given: ArrayLike) -> np.ndarray:
+def _samples(given: ArrayLike, path: str) -> np.ndarray:
     array = np.asarray(given)
     if array.ndim != 1 or array.size == 0:
-        raise UsageError(f"Samples must be a list of at least one, not an array of shape {array.shape}")
+        raise UsageError(f"Samples must be a list of at least one, not an array of shape {array.shape}", path)
     if array.dtype != np.uint16:
         if array.dtype.kind not in "iu":
-            raise UsageError(f"Samples must be whole numbers, not {array.dtype}")
+            raise UsageError(f"Samples must be whole numbers, not {array.dtype}", path)
         if array.min() < 0 or array.max() > 0xFFFF:
-            raise UsageError("Samples must be from 0 to 65535")
+            raise UsageError("Samples must be from 0 to 65535", path)
     return np.ascontiguousarray(array, np.uint16)

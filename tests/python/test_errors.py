@@ -12,6 +12,8 @@ import vxfileio as vx
 from conftest import REFERENCE
 from vxfileio import _errors
 
+RUN = REFERENCE / "several_recordings.vxd"
+
 DOCUMENTED = [  # text, errno after it, exception, errno
     ("Cannot open file a, because it exists", 17, FileExistsError, errno.EEXIST),
     ("Cannot open file a", errno.ENOENT, FileNotFoundError, errno.ENOENT),
@@ -55,6 +57,26 @@ def test_failures_of_the_system_are_its_own(name, exception, tmp_path):
     with pytest.raises(OSError) as raised:
         vx.RawWriter(tmp_path / "missing" / "run.vxd")
     assert (raised.value.errno, raised.value.filename) == (errno.ENOENT, str(tmp_path / "missing" / "run.vxd"))
+
+
+def test_files_of_another_kind_are_unknown():
+    for call in (vx.Settings.read, lambda path: vx.open(RUN, settings=path)):
+        with pytest.raises(vx.UnknownFileError, match="not a settings file") as raised:
+            call(REFERENCE / "xml" / "results.vxr")
+        assert raised.value.filename == str(REFERENCE / "xml" / "results.vxr")
+
+
+@pytest.mark.skipif(not hasattr(os, "mkfifo"), reason="no pipes with names")
+def test_a_pipe_is_refused_without_waiting_for_it(tmp_path):
+    os.mkfifo(tmp_path / "pipe")
+    with pytest.raises(vx.UnknownFileError, match="is a pipe"):
+        vx.open(tmp_path / "pipe")
+
+
+@pytest.mark.parametrize("value, exception", [("x", TypeError), (2**40, ValueError), (1.5, TypeError)])
+def test_failures_of_attributes_name_them(value, exception):
+    with pytest.raises(exception, match="^CompoundID: expected"):
+        vx.RawDataFileHdr(PlateID="P", CompoundID=value)
 
 
 def test_exceptions_can_be_pickled():

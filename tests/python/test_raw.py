@@ -95,6 +95,11 @@ def test_values_are_scaled_and_windows_are_half_open():
     assert list(recording.times(1, start=101)) == [200, 300]
     assert recording.samples(1, 200, 200).size == recording.samples(1, stop=-(2**70)).size == 0
     assert list(recording.samples(1, -(2**70), 2**70)) == [1, 2, 3, 6]
+    assert list(recording.samples(np.int64(1), np.uint64(100), np.uint64(300))) == [2, 3]
+    assert recording.samples(1, stop=np.int64(-(2**63))).size == 0
+    for arguments in ((1.0,), (1, 0.0), (1, 0, 300.0)):
+        with pytest.raises(TypeError, match="as an integer"):
+            recording.samples(*arguments)
 
 
 def test_gaps_begin_runs():
@@ -111,6 +116,14 @@ def test_read_fills_the_callers_arrays_and_leaves_the_rest():
     for wrong in (np.zeros(3, np.uint16), np.zeros(4), np.zeros(8, np.uint16)[::2], [0] * 4):
         with pytest.raises(vx.UsageError, match="contiguous"):
             recording.read([1], out={1: wrong})
+    with pytest.raises(vx.UsageError, match=r"out\[2\] must be"):
+        recording.read([1, 2], out={1: room})
+    for first, second in ((room, room), (room[:4], room[3:])):
+        with pytest.raises(vx.UsageError, match="overlap"):
+            recording.read([1, 2], out={1: first, 2: second})
+    halves = np.empty(7, np.uint16)
+    recording.read([1, 2], out={1: halves[3:], 2: halves[:3]})
+    assert list(halves) == [4, 5, 65535, 1, 2, 3, 6]
 
 
 def test_wells_that_are_not_there_are_errors():
@@ -119,14 +132,18 @@ def test_wells_that_are_not_there_are_errors():
         recording.samples(5)
     with pytest.raises(vx.UsageError, match="needs the settings"):
         recording.samples("B7")
-    with pytest.raises(vx.UsageError, match="at least one"):
-        recording.read([])
+    for wells in ([], 1, np.int64(1), "B7"):
+        with pytest.raises(vx.UsageError, match="at least one"):
+            recording.read(wells)
 
 
 def test_seconds_need_ticks_per_second():
     with pytest.raises(vx.UsageError, match="ticks_per_second"):
         vx.open(RUN).recordings[0].seconds(1)
     assert list(vx.open(RUN, ticks_per_second=1000).recordings[0].seconds(1)) == [0, 0.1, 0.2, 0.3]
+    for wrong in (0, -1, float("nan"), float("inf")):
+        with pytest.raises(vx.UsageError, match="above 0"):
+            vx.open(RUN, ticks_per_second=wrong)
 
 
 def test_unfinished_recording_is_read_on_request():
@@ -141,9 +158,13 @@ def test_damaged_recording_is_read_up_to_the_damage_on_request():
     assert recording.segments().size > 0
 
 
-def test_missing_samples_are_reported():
-    with pytest.warns(vx.MissingSamplesWarning, match="3 samples of well 12"):
-        assert list(vx.open(REFERENCE / "cut_samples.vxd").recordings[0].samples(12)) == [7, 52, 0, 0]
+def test_missing_samples_are_reported_where_they_are_read():
+    recording = vx.open(REFERENCE / "cut_samples.vxd").recordings[0]
+    with pytest.warns(vx.MissingSamplesWarning, match="3 samples of well 12") as warned:
+        assert list(recording.samples(12)) == [7, 52, 0, 0]
+        recording.read([12])
+        recording.to_xarray([12])
+    assert [warning.filename for warning in warned] == [__file__] * 3
 
 
 def test_closing_ends_reading_but_arrays_stay():

@@ -52,8 +52,11 @@ def test_an_existing_file_is_never_overwritten_unless_asked(tmp_path):
 @pytest.mark.parametrize("samples", [[0.5], [-1], [65536], [], [[1]], ["a"], 5])
 def test_samples_that_would_change_are_refused(samples, tmp_path):
     with vx.RawWriter(tmp_path / "run.vxd", HEADER) as writer, writer.recording(RECORDING) as recording:
-        with pytest.raises(vx.UsageError):
+        with pytest.raises(vx.UsageError) as raised:
             recording.write(11, 0, samples)
+        assert raised.value.filename == str(tmp_path / "run.vxd")
+        with pytest.raises(vx.UsageError, match="64 bits"):
+            recording.write(11, 2**63, [1])
     assert vx.open(tmp_path / "run.vxd").recordings[0].segments().size == 0
 
 
