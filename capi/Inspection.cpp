@@ -133,8 +133,14 @@ void CReport::AddRemarks(const recovery::CRemarks& remarks, const char* found) {
     m_count += static_cast<std::int64_t>(remarks.first.size() + remarks.more);
 }
 
-/// Returns a path in the form that the standard library takes.
-std::filesystem::path PathOf(const std::string& path) { return std::u8string(path.begin(), path.end()); }
+/// Returns a path in the form that the standard library takes. Throws if the system's form of it can't be made.
+std::filesystem::path PathOf(const std::string& path) {
+    try {
+        return std::u8string(path.begin(), path.end());
+    } catch (const std::filesystem::filesystem_error&) {
+        throw CFailed{VX_ERROR_ARGUMENT, "The path isn't UTF-8: " + path};
+    }
+}
 
 [[noreturn]] void RefuseWrite(const helpers::CReplacingFile& file) { throw CFailed{VX_ERROR_WRITE, file.WriteError()}; }
 

@@ -675,6 +675,10 @@ static void check_and_recover(void) {
     EXPECT(vx_recover(&report, given("small_example.vxd"), own("saved.vxd"), NULL, NULL) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(report), "choose another name") != NULL);
     WORKS(vx_close(report));
+#if defined(_WIN32)
+    EXPECT(vx_recover(&report, given("small_example.vxd"), own("\xFF.vxd"), &options, NULL) == VX_ERROR_ARGUMENT);
+    WORKS(vx_close(report));
+#endif
 
     /* A cancelled recovery leaves no file. */
     count.most = count.progress + 1;
