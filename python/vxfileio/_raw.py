@@ -163,6 +163,9 @@ class RecordingList(Sequence["Recording"]):
     def __repr__(self) -> str:
         return "[" + ",\n ".join(map(repr, self._items)) + "]"
 
+    def _repr_html_(self) -> str:
+        return self._run._repr_html_()
+
 
 class Recording:
     """One recording: its header, and the samples of its wells.
@@ -255,6 +258,10 @@ class Recording:
         that type, contiguous, large enough and by the same names. The result then has the filled part of each.
         """
         names, selection = self._select(wells, start, stop)
+        return self._read(names, selection, scaled, out)
+
+    def _read(self, names: Sequence[Well], selection: _vxfileio.SampleSelection, scaled: bool,
+              out: Optional[Mapping[Well, NDArray]] = None) -> dict[Well, NDArray]:
         counts = [count for _, count, _ in selection.wells()]
         dtype: np.dtype[Any] = np.dtype(np.float64 if scaled else np.uint16)
         if out is None:
@@ -279,7 +286,7 @@ class Recording:
         import pandas
 
         names, selection = self._select(wells, start, stop)
-        arrays = self.read(names, start, stop, scaled)
+        arrays = self._read(names, selection, scaled)
         ids = [well for well, _, _ in selection.wells()]
         counts = [len(array) for array in arrays.values()]
         times = [selection.times(i) for i in range(len(ids))]
@@ -303,7 +310,7 @@ class Recording:
         import xarray
 
         names, selection = self._select(wells, start, stop)
-        arrays = self.read(names, start, stop, scaled)
+        arrays = self._read(names, selection, scaled)
         dimensions: list[NDArray[np.int64]] = []
         variables = {}
         for i, (name, array) in enumerate(arrays.items()):

@@ -200,6 +200,8 @@ def test_frames_have_a_row_per_sample():
     expected = pandas.DataFrame({"well": [1, 1, 1, 1, 2, 2, 2], "time": [0, 100, 200, 300, 0, 50, 100],
                                  "seconds": [0, 1, 2, 3, 0, 0.5, 1], "value": [1, 2, 3, 6, 4, 5, 65535]})
     pandas.testing.assert_frame_equal(frame, expected, check_dtype=False)
+    without_wells = vx.open(RUN).recordings[3].to_dataframe()
+    assert without_wells.empty and list(without_wells) == ["well", "time", "value"]
 
 
 def test_datasets_share_dimensions_of_equal_times():
@@ -208,13 +210,14 @@ def test_datasets_share_dimensions_of_equal_times():
     assert data["11"].dims == data["12"].dims == ("time",)
     assert data["11"].values.tolist() == [1, 256, 65535, 32768] and data["time"].values.tolist() == [0, 100, 200, 300]
     assert vx.open(RUN).recordings[0].to_xarray()["2"].dims == ("time_2",)
+    assert len(vx.open(RUN).recordings[3].to_xarray()) == 0
 
 
 def test_representations_are_printable_and_escaped(tmp_path):
     path = tmp_path / "<b>&.vxd"
     path.write_bytes((REFERENCE / "awkward_text.vxd").read_bytes())
     run = vx.open(path)
-    for thing in (run, run.recordings[4], run.header):
+    for thing in (run, run.recordings, run.recordings[4], run.header):
         repr(thing).encode("utf-8")
         html = thing._repr_html_()
         html.encode("utf-8")
