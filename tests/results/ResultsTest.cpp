@@ -239,6 +239,8 @@ TEST_F(ResultsFileTest, OnlyFailureToOpenThrows) {
     EXPECT_TRUE(io.GetResultsReader()->GetResults()->GetTasks().empty());
     io.GetResultsWriter()->WriteFile(m_path, CResults());
     EXPECT_TRUE(ReadAll(m_path).ends_with("<Guid></Guid></Header><Results/></Vexaprobe>"));
+    io.GetResultsReader()->ReadFile(m_path);
+    EXPECT_EQ(io.GetResultsReader()->GetReadError(), "") << "a document without tasks";
 
     CXmlFileHeader header;
     header.FileType = "X";

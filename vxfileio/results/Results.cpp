@@ -1,6 +1,7 @@
 #include "vxfileio/results/Results.h"
 
 #include "vxfileio/results/forms/ResultsForm.h"
+#include "vxfileio/xmlarchive/XmlDocument.h"
 
 namespace vxfileio::results {
 
@@ -107,7 +108,7 @@ void CResults::Save(CXmlFileArchive& archive) const {
 }
 
 void CResults::Load(CXmlFileArchive& archive) {
-    vxfileio::xmlarchive::ForEachEventUntil(archive, vxfileio::results::kResultsElement, [&] {
+    vxfileio::xmlarchive::ForEachEventOfSection(archive, vxfileio::results::kResultsElement, [&] {
         if (vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kResultsElement)) archive.CountEntries();
         if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement.tag)) return;
         CResultsTask results;

@@ -7,10 +7,11 @@
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/xmlarchive/DocumentKinds.h"
 #include "vxfileio/xmlarchive/XmlArchive.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
 
 /// @file
-/// The frame of every document of the library: declaration and root. Both functions throw `CExcVXReader` with
-/// `openFailed` and the path, before they write or read anything, if the file can't be opened.
+/// The frame of every document of the library: declaration, root and section. `WriteDocument` and `ReadDocument` throw
+/// `CExcVXReader` with `openFailed` and the path, before they write or read anything, if the file can't be opened.
 
 namespace vxfileio::xmlarchive {
 
@@ -34,6 +35,16 @@ void WriteDocument(const std::string& path, std::string_view openFailed, std::st
     archive.CloseElement();
     archive.FlushBuffer();
     writeError = file.Commit();
+}
+
+/// Processes the events of a section, up to its end tag, or to its start tag if it is empty.
+template <class Handle>
+void ForEachEventOfSection(CXmlFileArchive& archive, std::string_view section, Handle handle) {
+    const auto isEmpty = [&] {
+        return IsStartOf(archive, section) && !HasChildren(archive) && archive.GetText().empty();
+    };
+    while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == section) && !isEmpty())
+        handle();
 }
 
 /// Reads a document by `load(archive)`, with the archive before the root. Skips what precedes the root. `load` must

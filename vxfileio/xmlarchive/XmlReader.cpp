@@ -229,7 +229,8 @@ void XmlReader::NoteMissingKey(std::string_view key) {
 }
 
 std::string XmlReader::Finish(std::string_view section) {
-    const bool isRead = (State() & XmlState::kEndTag) != 0 && Name() == section;
+    const bool isOpen = (State() & XmlState::kHasChildren) != 0;
+    const bool isRead = !isOpen && Name() == section;
     while (!IsRootClosed() && Next()) {
     }
     const bool isWhole = !IsRootClosed() || SkipEpilog();

@@ -343,14 +343,17 @@ TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
     const std::string cut = Own(".vxr");
     fs::copy_file(Reference("results.vxr"), cut, fs::copy_options::overwrite_existing);
     fs::resize_file(cut, fs::file_size(cut) / 2);
-    EXPECT_EQ(RunTool({"report", cut, "-o", page}).status, 1);
+    const CToolRun run = RunTool({"report", cut, "-o", page});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find(fs::path(cut).filename().string() + ": 1 finding: "), std::string::npos) << run.err;
     EXPECT_NE(PageText().find("class=\"unsound\""), std::string::npos);
     fs::remove(cut);
 }
 
-TEST_F(ReportCommand, UsesFilesWithTheSameNameOnlyIfTheyHaveTheGuid) {
-    const std::string results = Own(".vxr");
-    const std::string settings = Own(".vxs");
+TEST_F(ReportCommand, UsesFilesNextToTheResultsOnlyIfTheyHaveTheGuid) {
+    fs::create_directories(Own(""));
+    const std::string results = Own("/run.vxr");
+    const std::string settings = Own("/other.VXS");
     fs::copy_file(Reference("settings.vxs"), settings, fs::copy_options::overwrite_existing);  // its Guid is {0123}
     for (const auto& [guid, isUsed] : {std::pair{"0123", true}, {"0124", false}, {"", false}}) {
         std::string text = ReadWholeText(Reference("results.vxr"));
@@ -358,11 +361,12 @@ TEST_F(ReportCommand, UsesFilesWithTheSameNameOnlyIfTheyHaveTheGuid) {
         std::ofstream(results, std::ios::binary) << text;
         EXPECT_EQ(RunTool({"report", results, "-o", page, "--force"}).status, 0);
         EXPECT_EQ(PageText().find("settings file") != std::string::npos, isUsed) << guid;
+        EXPECT_EQ(RunTool({"report", results, "-o", settings, "--force"}).status, isUsed ? 2 : 0) << guid;
+        if (!isUsed) fs::copy_file(Reference("settings.vxs"), settings, fs::copy_options::overwrite_existing);
     }
     EXPECT_EQ(RunTool({"report", results, "--settings", Reference("settings.vxs"), "-o", page, "--force"}).status, 0);
     EXPECT_NE(PageText().find("settings file"), std::string::npos);
-    fs::remove(results);
-    fs::remove(settings);
+    fs::remove_all(Own(""));
 }
 
 /// A folder with two plates, and a folder for the pages.
@@ -406,6 +410,12 @@ TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {
     EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "mine");
     EXPECT_TRUE(fs::exists(Path("pages/b.html")));
     EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("a.html is there already"), std::string::npos);
+}
+
+TEST_F(FolderReport, HasAResultsFileThatIsEmpty) {
+    std::ofstream(Path("c.vxr")).flush();
+    EXPECT_EQ(Run().status, 2);
+    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("c.vxr is an empty file; expected"), std::string::npos);
 }
 
 TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {

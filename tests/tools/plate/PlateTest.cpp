@@ -127,6 +127,27 @@ TEST_F(Plate, LabelsComeFromTheSettingsFileNextToItWithItsGuid) {
     EXPECT_TRUE(Has(Samples(words).err, same + " has no well \"A1\"; its wells: C1, B7."));
 }
 
+TEST_F(Plate, NoOutputReplacesTheSettings) {
+    const std::string settings = File("run.vxs", SettingsText("0123", "A1"));
+    for (const CWords& words : {CWords{"samples", m_run, "--well", "A1"}, CWords{"recover", m_run}}) {
+        for (const CWords& named : {CWords{}, CWords{"--settings", settings}}) {
+            CWords command = words;
+            command.insert(command.end(), {"-o", settings, "--force"});
+            command.insert(command.end(), named.begin(), named.end());
+            EXPECT_EQ(RunTool(command).status, 2) << words[0];
+            EXPECT_EQ(ReadAll(settings), SettingsText("0123", "A1")) << words[0];
+        }
+    }
+}
+
+TEST_F(Plate, AnUnknownWellIsAnErrorThatNamesTheDamageOfTheSettings) {
+    const std::string whole = SettingsText("0123", "A1");
+    const std::string settings = File("run.vxs", whole.substr(0, whole.rfind("<Well>")));
+    const CToolRun run = Samples({"--well", "B7"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Has(run.err, "has no well \"B7\"") && Has(run.err, settings + ": The document ends")) << run.err;
+}
+
 TEST_F(Plate, ColumnsDependOnTheCommandLineAlone) {
     File("run.vxs", SettingsText("0123", "A1"));
     const auto heads = [&](const CWords& options) {

@@ -31,7 +31,7 @@ class Samples : public testing::Test {
     /// Writes the samples in a form, as the command does. Returns the output, or the message of the failure.
     std::string Written(const std::string& bytes, const CSampleChoice& choice, CSampleForm form = {}) {
         WriteAll(m_path, bytes);
-        form.target.source = m_path;
+        form.target.sources = {m_path};
         form.target.path = m_folder.Path("out");
         form.target.replace = true;
         m_doubts.clear();

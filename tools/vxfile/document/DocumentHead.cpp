@@ -48,32 +48,34 @@ std::string DifferenceOfRuns(const CRunFile& file, const CRunFile& other) {
            ", that of the other " + Readable(other.guid) + ".";
 }
 
-std::string Neighbour(const std::string& path, std::string_view extension) {
-    const std::string neighbour = fs::path(path).replace_extension(extension).string();
-    std::error_code ignored;
-    return fs::is_regular_file(neighbour, ignored) ? neighbour : "";
+std::string GuidOfDocument(const std::string& path) {
+    std::string guid;
+    static_cast<void>(FailureOf([&] { guid = HeadOfDocument(path).Guid; }));
+    return guid;
 }
 
-std::string SettingsBeside(const std::string& path, const std::string& guid) {
+std::string FileOfRunBeside(const std::string& path, const std::string& guid, std::string_view extension,
+                            std::string (*guidOf)(const std::string& path)) {
     const std::string bare = BareGuid(guid);
     if (bare.empty()) return {};
-    const auto hasGuid = [&](const std::string& settings) {
-        bool has = false;
-        return FailureOf([&] { has = BareGuid(HeadOfDocument(settings).Guid) == bare; }).empty() && has;
-    };
-    const std::string namesake = Neighbour(path, vxfileio::kSettingsExtension);
-    if (!namesake.empty() && hasGuid(namesake)) return namesake;
+    const auto isOfRun = [&](const std::string& file) { return BareGuid(guidOf(file)) == bare; };
+    const std::string namesake = fs::path(path).replace_extension(extension).string();
+    if (isOfRun(namesake)) return namesake;
     const fs::path folder = fs::path(path).parent_path();
     std::vector<std::string> others;
     std::error_code error;
     for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (entry->path().extension() == vxfileio::kSettingsExtension)
+        if (Lowered(entry->path().extension().string()) == extension)
             others.push_back((folder / entry->path().filename()).string());
     }
     std::ranges::sort(others);
-    const auto found = std::ranges::find_if(others, hasGuid);
+    const auto found = std::ranges::find_if(others, isOfRun);
     return found == others.end() ? "" : *found;
+}
+
+std::string SettingsBeside(const std::string& path, const std::string& guid) {
+    return FileOfRunBeside(path, guid, vxfileio::kSettingsExtension, GuidOfDocument);
 }
 
 }  // namespace vxfile

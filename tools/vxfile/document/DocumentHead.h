@@ -25,11 +25,15 @@ struct CRunFile {
 /// out.
 std::string DifferenceOfRuns(const CRunFile& file, const CRunFile& other);
 
-/// Returns the path of the file with the same name but this extension; empty if there is none.
-std::string Neighbour(const std::string& path, std::string_view extension);
+/// Returns the Guid of a settings or results file; empty if it can't be read.
+std::string GuidOfDocument(const std::string& path);
 
-/// Returns the path of a settings file in the folder of `path` that has this Guid: the one with the same name, or else
-/// the first by name. Empty if there is none, or the Guid is empty. Reads only heads.
+/// Returns the path of a file in the folder of `path` that has this extension and, by `guidOf`, this Guid: the one with
+/// the same name, or else the first by name. Empty if there is none, or the Guid is empty.
+std::string FileOfRunBeside(const std::string& path, const std::string& guid, std::string_view extension,
+                            std::string (*guidOf)(const std::string& path));
+
+/// Returns the path of such a settings file. Reads only heads.
 std::string SettingsBeside(const std::string& path, const std::string& guid);
 
 }  // namespace vxfile

@@ -33,8 +33,10 @@ class CResultsWalk {
     CResultsWalk(CXmlFileArchive& archive, const CResultsVisitor& visitor) : m_archive(archive), m_visitor(visitor) {}
 
     void Walk() {
-        ForEachStart(kResultsElement, [&] {
-            if (m_archive.TagName() == CTaskForm::kElement) VisitTask();
+        ForEachEventOfSection(m_archive, kResultsElement, [&] {
+            AtStart([&] {
+                if (m_archive.TagName() == CTaskForm::kElement) VisitTask();
+            });
         });
     }
 
@@ -47,19 +49,17 @@ class CResultsWalk {
         std::function<void(const CRecordingPlace&)> pass;
     };
 
-    /// Calls `handle` at each start tag before the end tag `endTag`.
+    /// Calls `handle` if the event is a start tag.
     template <class Handle>
-    void ForEachStart(std::string_view endTag, Handle handle) {
-        ForEachEventUntil(m_archive, endTag, [&] {
-            m_progress.Reach(0);
-            if (!m_archive.IsEndTag() && !IsDamaged()) handle();
-        });
+    void AtStart(Handle handle) {
+        m_progress.Reach(0);
+        if (!m_archive.IsEndTag() && !IsDamaged()) handle();
     }
 
-    /// The same for the current element, which may have no children.
+    /// Calls `handle` at each start tag in the current element, which may have no children.
     template <class Handle>
     void ForEachStartInside(std::string_view tag, Handle handle) {
-        if (HasChildren(m_archive)) ForEachStart(tag, handle);
+        if (HasChildren(m_archive)) ForEachEventUntil(m_archive, tag, [&] { AtStart(handle); });
     }
 
     void VisitTask() {

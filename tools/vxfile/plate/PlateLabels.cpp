@@ -94,9 +94,10 @@ std::vector<std::int32_t> CPlateLabels::WellsOf(const std::string& word) const {
     const auto id = TakeID(rest);
     if (id && rest.empty()) return {*id};
     if (!AreKnown())
-        throw CFailure("'" + word +
-                       "' isn't the ID of a well, which is a whole number, and no settings file with labels is known; "
-                       "name one with --settings.");
+        throw CFailure(
+            "'" + word +
+            "' isn't the ID of a well, which is a whole number, and no settings file next to the recording has "
+            "its Guid; name one with --settings.");
     std::vector<std::int32_t> wells = Find(word);
     if (wells.empty()) wells = FindRectangle(word);
     if (wells.empty()) throw CFailure(m_source + " has no well " + Quoted(word) + "; its wells: " + All() + '.');

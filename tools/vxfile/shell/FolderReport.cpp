@@ -21,6 +21,7 @@
 #include "tools/vxfile/system/Output.h"
 #include "tools/vxfile/system/WholeText.h"
 #include "tools/vxfile/system/Xxh3.h"
+#include "vxfileio/base/FileExtensions.h"
 
 namespace vxfile {
 
@@ -37,7 +38,7 @@ std::string ChecksumOf(const CRunPaths& paths) {
         sum.Add(std::as_bytes(std::span(bytes)));
     };
     add(VXFILE_VERSION);
-    for (const std::string& path : {paths.results, paths.foundSettings, paths.foundRecording}) {
+    for (const std::string& path : {paths.results, paths.settings, paths.recording}) {
         CheckInterrupt();
         add(fs::path(path).filename().string());
         if (!path.empty()) add(ReadWholeText(path));
@@ -147,7 +148,8 @@ std::vector<std::string> ResultsIn(const std::vector<std::string>& paths) {
             EFileKind kind = EFileKind::Unknown;
             const std::string failure =
                 entry.failure.empty() ? FailureOf([&] { kind = FileKindOf(entry.path); }) : entry.failure;
-            if (kind == EFileKind::Results) results.push_back(entry.path);
+            const bool hasName = Lowered(fs::path(entry.path).extension().string()) == vxfileio::kResultsExtension;
+            if (kind == EFileKind::Results || (hasName && failure.empty())) results.push_back(entry.path);
             if (!failure.empty()) Complain(failure);
         }
     }

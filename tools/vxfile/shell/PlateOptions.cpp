@@ -23,11 +23,16 @@ bool IsID(const std::string& word) {
     return error == std::errc() && stop == end;
 }
 
-/// Returns the Guid of a raw data file; empty if it can't be read.
-std::string GuidOf(const std::string& path) {
-    std::string guid;
-    static_cast<void>(FailureOf([&] { guid = CRawScan(path).Header().Guid; }));
-    return guid;
+/// Returns the wells that a word means. If it means none, the failure also says what is in doubt about the settings.
+std::vector<std::int32_t> WellsOf(const CPlateView& view, const std::string& word) {
+    try {
+        return view.labels.WellsOf(word);
+    } catch (const CFailure& failure) {
+        std::string sentences = failure.what();
+        for (const auto& doubt : view.doubts)
+            sentences += ' ' + doubt;
+        throw CFailure(sentences);
+    }
 }
 
 /// Returns the texts in their order, with ", " between them.
@@ -66,14 +71,19 @@ bool CPlateOptions::HasPlateWords() const {
 
 CPlateView CPlateOptions::ViewOf(const std::string& path) const {
     CPlateView view{.choice = {.tasks = m_tasks, .doses = Doses()}, .ticksPerSecond = m_ticksPerSecond};
-    const CRunFile recording{path, GuidOf(path)};
+    const CRunFile recording{path, GuidOfRawData(path)};
     ReadLabels(view, m_settings.empty() ? SettingsBeside(path, recording.guid) : m_settings, recording);
+    ChooseWells(view);
+    return view;
+}
+
+void CPlateOptions::ChooseWells(CPlateView& view) const {
     for (const auto& word : m_wells) {
-        for (const auto well : view.labels.WellsOf(word)) {
+        const auto wells = WellsOf(view, word);
+        for (const auto well : wells) {
             if (view.choice.wells.empty() || !view.choice.HasWell(well)) view.choice.wells.push_back(well);
         }
     }
-    return view;
 }
 
 std::vector<std::int64_t> CPlateOptions::Doses() const {
@@ -98,6 +108,12 @@ void CPlateOptions::ReadLabels(CPlateView& view, const std::string& settings, co
     const std::string other = DifferenceOfRuns({settings, reader.GetXmlFileHeader()->Guid}, recording);
     if (!other.empty()) view.doubts.push_back(other + " Labels may be those of another plate.");
     view.labels = CPlateLabels(*reader.GetRecordPlateProperty(), settings);
+}
+
+std::string GuidOfRawData(const std::string& path) {
+    std::string guid;
+    static_cast<void>(FailureOf([&] { guid = CRawScan(path).Header().Guid; }));
+    return guid;
 }
 
 COption TicksPerSecondOption(double& ticksPerSecond) {

@@ -33,6 +33,7 @@ class CPlateOptions {
 
  private:
     std::vector<std::int64_t> Doses() const;
+    void ChooseWells(CPlateView& view) const;
     static void ReadLabels(CPlateView& view, const std::string& settings, const CRunFile& recording);
 
     std::string m_settings;
@@ -41,6 +42,9 @@ class CPlateOptions {
     std::vector<std::string> m_wells;
     double m_ticksPerSecond = 0;
 };
+
+/// Returns the Guid of a raw data file; empty if it can't be read.
+std::string GuidOfRawData(const std::string& path);
 
 /// Returns the option that adds seconds to times.
 COption TicksPerSecondOption(double& ticksPerSecond);

@@ -12,6 +12,7 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
+#include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/system/ExitStatus.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
@@ -48,29 +49,21 @@ class CPlateReporter {
     }
 
  private:
-    /// A file that was named is used in any case. One that was found next to the results must be of their run.
     void AddSettings() {
-        const std::string path = m_paths.settings.empty() ? m_paths.foundSettings : m_paths.settings;
-        if (path.empty()) return;
-        const bool isFound = m_paths.settings.empty();
-        const std::string failure = FailureOf([&] { m_settings.ReadFile(path); });
-        if (isFound && (!failure.empty() || !IsOfRun(m_settings.GetXmlFileHeader()->Guid))) return;
-        AddFile(EFileKind::Settings, path, VerifySettings);
-        if (!failure.empty()) throw CFailure(failure);
+        if (m_paths.settings.empty()) return;
+        AddFile(EFileKind::Settings, m_paths.settings, VerifySettings);
+        m_settings.ReadFile(m_paths.settings);
         m_source.settings = &m_settings;
-        CompareRuns(path, m_settings.GetXmlFileHeader()->Guid);
+        CompareRuns(m_paths.settings, m_settings.GetXmlFileHeader()->Guid);
     }
 
     void AddRecording() {
-        const std::string path = m_paths.recording.empty() ? m_paths.foundRecording : m_paths.recording;
-        if (path.empty()) return;
-        const bool isFound = m_paths.recording.empty();
-        const std::string failure = FailureOf([&] { m_recording.emplace(path); });
-        if (isFound && (!failure.empty() || !IsOfRun(m_recording->GetFileHdr().Guid))) return;
-        AddFile(EFileKind::RawData, path, VerifyRawData);
-        if (!failure.empty()) throw CFailure(path + ": " + failure);
+        if (m_paths.recording.empty()) return;
+        AddFile(EFileKind::RawData, m_paths.recording, VerifyRawData);
+        const std::string failure = FailureOf([&] { m_recording.emplace(m_paths.recording); });
+        if (!failure.empty()) throw CFailure(m_paths.recording + ": " + failure);
         m_source.recording = &*m_recording;
-        CompareRuns(path, m_recording->GetFileHdr().Guid);
+        CompareRuns(m_paths.recording, m_recording->GetFileHdr().Guid);
     }
 
     CPlateReport ReportOf(const page::CPlateValues& values) const {
@@ -79,6 +72,9 @@ class CPlateReporter {
         report.entry.results = NameOfFile(m_paths.results);
         report.entry.isSound = m_isSound && values.notes.empty();
         report.entry.state = report.entry.isSound ? "sound" : m_isSound ? values.notes.front() : "findings, see page";
+        for (const page::CFileLine& file : m_source.files) {
+            if (!file.isSound) report.notes.push_back(file.name + ": " + file.state);
+        }
         return report;
     }
 
@@ -93,16 +89,9 @@ class CPlateReporter {
         CheckInterrupt();
     }
 
-    std::string DifferenceOf(const std::string& path, const std::string& guid) const {
-        return DifferenceOfRuns({NameOfFile(path), guid}, {NameOfFile(m_paths.results), m_source.header->Guid});
-    }
-
-    bool IsOfRun(const std::string& guid) const {
-        return !guid.empty() && !m_source.header->Guid.empty() && DifferenceOf({}, guid).empty();
-    }
-
     void CompareRuns(const std::string& path, const std::string& guid) {
-        const std::string sentence = DifferenceOf(path, guid);
+        const std::string sentence =
+            DifferenceOfRuns({NameOfFile(path), guid}, {NameOfFile(m_paths.results), m_source.header->Guid});
         if (!sentence.empty()) m_source.notes.push_back(sentence);
     }
 
@@ -117,8 +106,10 @@ class CPlateReporter {
 }  // namespace
 
 CRunPaths WithNeighbours(CRunPaths paths) {
-    paths.foundSettings = Neighbour(paths.results, vxfileio::kSettingsExtension);
-    paths.foundRecording = Neighbour(paths.results, vxfileio::kRawDataExtension);
+    const std::string guid = GuidOfDocument(paths.results);
+    if (paths.settings.empty()) paths.settings = SettingsBeside(paths.results, guid);
+    if (paths.recording.empty())
+        paths.recording = FileOfRunBeside(paths.results, guid, vxfileio::kRawDataExtension, GuidOfRawData);
     return paths;
 }
 

@@ -10,20 +10,18 @@ namespace vxfile {
 /// The files of a run.
 struct CRunPaths {
     std::string results;
-    std::string settings = {};        ///< Named by somebody; empty if none was.
-    std::string recording = {};       ///< The same.
-    std::string foundSettings = {};   ///< Next to the results; used if none was named and it has their Guid.
-    std::string foundRecording = {};  ///< The same.
+    std::string settings = {};   ///< Empty if there is none.
+    std::string recording = {};  ///< The same.
 };
 
-/// Adds the settings file and the raw data file that have the name of the results file.
+/// Adds the settings file and the raw data file that are next to the results and have their Guid, if they aren't named.
 CRunPaths WithNeighbours(CRunPaths paths);
 
 /// A page about a plate.
 struct CPlateReport {
     std::string page;
     page::CIndexedPlate entry;       ///< For an index, without the name of the page and the checksum.
-    std::vector<std::string> notes;  ///< What isn't right, a sentence each; the page has them, too.
+    std::vector<std::string> notes;  ///< What isn't right, a sentence each; the page says it, too.
     bool isSound = true;             ///< Whether all files are sound.
 };
 

@@ -108,7 +108,9 @@ COutput::COutput(const CTarget& target) : m_name(target.path) {
         m_name = "standard output";
         m_descriptor.UseOpen(kStandardOutput);
     } else {
-        RefuseTarget(target.path, target.source);
+        RefuseTarget(target.path, {});
+        for (const auto& source : target.sources)
+            RefuseTarget(target.path, source);
         Open(target.path, target.replace);
     }
 }

@@ -27,13 +27,13 @@ void CreateWhole(vxfileio::helpers::CReplacingFile& file, const std::string& pat
 
 /// The output of a command.
 struct CTarget {
-    std::string path = "-";   ///< `-` is standard output.
-    std::string source = {};  ///< The input file, which is never overwritten.
-    bool replace = false;     ///< Whether an existing file is replaced.
+    std::string path = "-";                 ///< `-` is standard output.
+    std::vector<std::string> sources = {};  ///< The input files, which are never overwritten.
+    bool replace = false;                   ///< Whether an existing file is replaced.
 };
 
 /// The output of a command: a file that appears when it is committed, or standard output for the path `-`. Devices,
-/// pipes and open files such as `/dev/stdout` are written directly. Never overwrites the source. Small parts are
+/// pipes and open files such as `/dev/stdout` are written directly. Never overwrites a source. Small parts are
 /// collected in a block. All failures are `CFailure`.
 class COutput {
  public:

@@ -13,6 +13,7 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Progress.h"
+#include "tools/vxfile/report/Seal.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
@@ -101,7 +102,8 @@ class CRecoverCommand : public CCommand {
         m_view = m_plate.ViewOf(m_source);
         CFile source;
         OpenInput(source, m_source);
-        RefuseTarget(m_target, m_source);
+        for (const auto& input : {m_source, m_view.labels.Source(), SealOf(m_source)})
+            RefuseTarget(m_target, input);
         vxfileio::helpers::CReplacingFile whole;
         CreateWhole(whole, m_target, m_force);
         const auto write = [&](std::span<const std::byte> bytes) {

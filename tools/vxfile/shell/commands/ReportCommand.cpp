@@ -22,8 +22,8 @@ constexpr CCommandText kText = {
     .details =
         "The page shows the plate as a heat map, the dose-response of each response and, for a chosen well, averaged "
         "beats and beat intervals. With the settings, wells are at their places and excluded values are marked. With "
-        "the recording, the page has the signal, too. Files next to the results that have their name and their Guid "
-        "are used by themselves. The page is a single file that loads nothing. For a folder, or several results files, "
+        "the recording, the page has the signal, too. Files next to the results that have their Guid are used by "
+        "themselves. The page is a single file that loads nothing. For a folder, or several results files, "
         "writes a folder with a page for each and an index; pages whose files haven't changed stay.",
     .example = "vxfile report run.vxr --settings run.vxs --raw run.vxd -o run.html",
     .statuses =
@@ -63,11 +63,9 @@ class CReportCommand : public CCommand {
 
  private:
     int WritePage(const std::string& results) {
-        for (const std::string& source : {results, m_settings, m_raw}) {
-            if (m_output != "-" && !source.empty()) RefuseTarget(m_output, source);
-        }
-        COutput output({.path = m_output, .source = results, .replace = m_force});
-        const CPlateReport report = MakePlateReport(WithNeighbours({results, m_settings, m_raw}));
+        const CRunPaths paths = WithNeighbours({results, m_settings, m_raw});
+        COutput output({.path = m_output, .sources = {results, paths.settings, paths.recording}, .replace = m_force});
+        const CPlateReport report = MakePlateReport(paths);
         output.Write(report.page);
         output.Finish();
         COutput* const finished = &output;
@@ -80,7 +78,7 @@ class CReportCommand : public CCommand {
         if (!m_settings.empty() || !m_raw.empty())
             throw CFailure(
                 "--settings and --raw are files of one run, so they can't be given for several; put them next "
-                "to the results, with the same name.");
+                "to the results, with the same Guid.");
         const std::vector<std::string> results = ResultsIn(m_results);
         if (results.empty()) throw CFailure(m_results.front() + " has no results files; name one, or another folder.");
         return ReportOnFolder(results, m_output, m_force);

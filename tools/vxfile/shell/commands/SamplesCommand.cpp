@@ -76,8 +76,8 @@ class CSamplesCommand : public CCommand {
     int Run() override {
         using enum CSampleForm::EKind;
         m_form.kind = m_tsv ? Tsv : !m_npy ? Csv : m_table ? NpyTable : NpyArray;
-        m_form.target.source = m_path;
         const CPlateView view = m_plate.ViewOf(m_path);
+        m_form.target.sources = {m_path, view.labels.Source()};
         TakeView(view);
         try {
             return Write(view);

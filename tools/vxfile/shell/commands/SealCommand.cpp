@@ -149,7 +149,7 @@ class CSealCommand : public CCommand {
     void Write(const CSource& source, CSealed& sealed, const auto& forEach) const {
         const auto& [path, file, size, before] = source;
         sealed.size = size;
-        COutput output({.path = SealOf(path), .source = path, .replace = m_force});
+        COutput output({.path = SealOf(path), .sources = {path}, .replace = m_force});
         CSealWriter seal([&](std::string_view text) { output.Write(text); },
                          Readable(fs::path(path).filename().string()), WordOf(sealed.kind), size);
         CFileDigest digest(file, path, size);

@@ -61,7 +61,7 @@ class CTableCommand : public CCommand {
             WriteColumns(m_form.Form(), m_form.Target(), columns);
             return kSound;
         }
-        m_form.Target().source = m_path;
+        m_form.Target().sources = {m_path, m_settingsPath};
         RequireKind(EFileKind::Results, m_path);
         const CTableOptions options{hasSettings ? &ReadSettings() : nullptr, m_ticksPerSecond};
         const auto writer =
@@ -76,7 +76,6 @@ class CTableCommand : public CCommand {
     /// Reads the settings, and notes what is wrong with them.
     const CISettingsReader& ReadSettings() {
         RequireKind(EFileKind::Settings, m_settingsPath);
-        if (m_form.Target().path != "-") RefuseTarget(m_form.Target().path, m_settingsPath);
         NoteDamage(m_settingsPath, ReadDocument(m_settings, m_settingsPath));
         const CRunFile settings{m_settingsPath, m_settings.GetXmlFileHeader()->Guid};
         const std::string other = DifferenceOfRuns(settings, {m_path, HeadOfDocument(m_path).Guid});
