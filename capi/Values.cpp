@@ -102,7 +102,7 @@ class CSingleType : public CValueType {
     std::int32_t Kind() const noexcept override { return KindOf(ElementOfValue<Value>("").kind); }
 
     std::string Text(const void* object) const override {
-        const Value& value = As<Value>(object);
+        const auto& value = As<Value>(object);
         if constexpr (std::is_same_v<Value, std::string>) {
             return value;
         } else if constexpr (std::is_enum_v<Value>) {
@@ -136,7 +136,7 @@ class CSingleType : public CValueType {
     }
 
     CNumber Number(const void* object) const override {
-        const Value& value = As<Value>(object);
+        const auto& value = As<Value>(object);
         if constexpr (std::is_same_v<Value, double> || std::is_same_v<Value, std::uint64_t>) {
             return value;
         } else if constexpr (std::is_same_v<Value, std::string> || std::is_same_v<Value, char>) {
