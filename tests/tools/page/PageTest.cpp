@@ -350,6 +350,17 @@ TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
     fs::remove(cut);
 }
 
+TEST_F(ReportCommand, ShowsTheResultsIfTheRecordingCannotBeRead) {
+    const std::string recording = Own(".vxd");
+    fs::copy_file(VXFILEIO_REFERENCE_DIR "/small_example.vxd", recording, fs::copy_options::overwrite_existing);
+    fs::resize_file(recording, 1240);  // within the first recording header
+    const CToolRun run = RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page});
+    EXPECT_EQ(run.status, 1) << run.err;
+    EXPECT_NE(PageText().find(fs::path(recording).filename().string() + ": Error reading Recording Header"),
+              std::string::npos);
+    fs::remove(recording);
+}
+
 TEST_F(ReportCommand, UsesFilesNextToTheResultsOnlyIfTheyHaveTheGuid) {
     fs::create_directories(Own(""));
     const std::string results = Own("/run.vxr");

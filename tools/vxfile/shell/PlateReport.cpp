@@ -61,7 +61,7 @@ class CPlateReporter {
         if (m_paths.recording.empty()) return;
         AddFile(EFileKind::RawData, m_paths.recording, VerifyRawData);
         const std::string failure = FailureOf([&] { m_recording.emplace(m_paths.recording); });
-        if (!failure.empty()) throw CFailure(m_paths.recording + ": " + failure);
+        if (!failure.empty()) return m_source.notes.push_back(NameOfFile(m_paths.recording) + ": " + failure);
         m_source.recording = &*m_recording;
         CompareRuns(m_paths.recording, m_recording->GetFileHdr().Guid);
     }
