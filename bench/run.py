@@ -159,7 +159,7 @@ def measure(programs, folder, workload, options):
             "seconds": [seconds for seconds, _ in runs[p.name]],
             "KiB": statistics.median(added for _, added in runs[p.name]),
             "calls": counted.get(p.name, (None, None))[0], "allocations": counted.get(p.name, (None, None))[1],
-            "less": p.less,
+            "less": p.less, "ours": p.ours,
         } for p in bench.available},
     }
 

@@ -56,10 +56,14 @@ def count(value):
     return f"{value:,.0f}" if value >= 100 else f"{value:.3g}"
 
 
+def is_peer(name, program):
+    return name not in (LIMIT, OURS) and not program.get("ours")
+
+
 def workload_table(outcome):
     programs = outcome["programs"]
     medians = {name: statistics.median(program["seconds"]) for name, program in programs.items()}
-    peers = [medians[name] for name, program in programs.items() if name not in (LIMIT, OURS) and not program["less"]]
+    peers = [medians[name] for name, program in programs.items() if is_peer(name, program) and not program["less"]]
     operation = outcome["operation"]
     rows = [["Program", "Median", "Spread", "To the limit", "To the best peer", "Memory", f"Calls per {operation}",
              f"Allocations per {operation}"]]
@@ -80,8 +84,9 @@ def losses_table(outcomes):
     for outcome in outcomes.values():
         medians = {name: statistics.median(program["seconds"]) for name, program in outcome["programs"].items()}
         for name, median in sorted(medians.items(), key=lambda item: item[1]):
-            if name not in (LIMIT, OURS) and median < medians[OURS]:
-                star = " *" if outcome["programs"][name]["less"] else ""
+            program = outcome["programs"][name]
+            if is_peer(name, program) and median < medians[OURS]:
+                star = " *" if program["less"] else ""
                 rows.append([outcome["title"], name + star, f"{median / medians[OURS]:.2f}"])
     return rows_to_text(rows) + "\n"
 

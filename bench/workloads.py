@@ -12,6 +12,7 @@ class Program:
     source: str = ""  # the program that writes the file to be read; empty for a program that writes
     read_back: str = ""  # the mode that reads back what it wrote; empty if its bytes are compared with the limit's
     less: bool = False  # whether it does less than the others, so that it doesn't count as a peer
+    ours: bool = False  # whether it is the library by another interface
 
 
 @dataclass
@@ -31,10 +32,19 @@ class Workload:
 LIMIT, OURS = "limit", "VX-FileIO"
 
 
+def by_c(mode, source="raw_vx"):
+    return Program("the same from C", "raw_c", mode, source, ours=True)
+
+
+def by_python(mode):
+    return Program("the same from Python", "raw_python.py", mode, "raw_vx", ours=True)
+
+
 def raw_writers():
     return [
         Program(LIMIT, "raw_write_limit", "write"),
         Program(OURS, "raw_vx", "write"),
+        by_c("write", ""),
         Program("HDF5, flushed", "raw_hdf5", "write", read_back="read"),
         Program("HDF5", "raw_hdf5", "write-later", read_back="read", less=True),
         Program("EDFlib", "raw_edf", "write", read_back="read", less=True),
@@ -45,6 +55,7 @@ def raw_readers(mode):
     return [
         Program(LIMIT, "raw_read_limit", mode, "raw_vx"),
         Program(OURS, "raw_vx", mode, "raw_vx"),
+        *([by_c(mode)] if mode == "read" else []),
         Program("HDF5", "raw_hdf5", mode, "raw_hdf5"),
         Program("EDFlib", "raw_edf", mode, "raw_edf"),
     ]
@@ -52,6 +63,8 @@ def raw_readers(mode):
 
 def raw_arrays(mode):
     programs = [Program(LIMIT, "raw_bulk_limit", mode, "raw_vx"), Program(OURS, "raw_vx", mode, "raw_vx")]
+    if mode != "bulk-every":
+        programs += [by_c(mode), by_python(mode)]
     return programs + ([Program("HDF5", "raw_hdf5", mode, "raw_hdf5")] if mode != "bulk-read" else [])
 
 
