@@ -269,6 +269,28 @@ TEST_F(BulkAccessTest, CutSamplesAreCountedAndReadAsZero) {
     }
 }
 
+#if defined(__linux__)  // Windows doesn't let anybody cut an open file
+TEST_F(BulkAccessTest, AFileThatBecameShorterIsRefused) {
+    for (const std::size_t samples : {4U, 1000U}) {
+        std::vector<CPlanned> segments;
+        for (int i = 0; i < 3; ++i)
+            segments.push_back({.from = 100'000 * i, .samples = Ascending(1, samples)});
+        const CRecordingIndex index = IndexOf(segments);
+        const CSampleSelection selection = index.Select();
+        std::vector<std::uint16_t> raw(selection.GetSamples());
+        std::vector<double> scaled(raw.size());
+        const std::span<std::uint16_t> rawBuffers[] = {raw, {}};
+        const std::span<double> scaledBuffers[] = {scaled, {}};
+        EXPECT_NO_THROW(selection.Read(rawBuffers));
+        std::filesystem::resize_file(m_path, std::filesystem::file_size(m_path) - 1);
+        EXPECT_EQ(TextOfFailure([&] { selection.Read(rawBuffers); }), kBadSegment);
+        EXPECT_EQ(TextOfFailure([&] { selection.ReadScaled(scaledBuffers); }), kBadSegment);
+        EXPECT_NO_THROW(index.ReadSegment(0, std::span(raw).first(samples)));
+        EXPECT_EQ(TextOfFailure([&] { index.ReadSegment(2, std::span(raw).first(samples)); }), kBadSegment);
+    }
+}
+#endif
+
 TEST_F(BulkAccessTest, SegmentsBeforeDamageAreKeptOnRequest) {
     Write(RecordingHdrBytes({.data = kFirstSegment}) + SegmentHdrBytes(11, 3954, 0, 100, "2") + SampleBytes({1, 2}) +
           SegmentHdrBytes(12, -7, 0, 0, "1") + SampleBytes({3}));

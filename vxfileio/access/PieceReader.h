@@ -8,8 +8,10 @@
 #include <span>
 #include <vector>
 
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/helpers/LittleEndian.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::access {
@@ -36,8 +38,22 @@ struct CScaledPlace {
     }
 };
 
+/// Throws `CExcVXReader` if fewer bytes were read from an offset than are there in a file of this size.
+inline void RequireRead(std::int64_t size, std::int64_t offset, std::size_t read, std::size_t wanted) {
+    const auto there = static_cast<std::size_t>(std::max<std::int64_t>(size - offset, 0));
+    if (read < std::min(wanted, there)) throw CExcVXReader(rawdata::kBadSegmentHdr);
+}
+
+/// Reads bytes of a file of this size; those beyond its end become 0. Throws `CExcVXReader` if others can't be read.
+inline void ReadBytes(const helpers::CFile& file, std::int64_t size, std::int64_t offset,
+                      helpers::CMutableBytes bytes) {
+    const std::size_t read = file.ReadUpTo(offset, bytes);
+    RequireRead(size, offset, read, bytes.size());
+    std::ranges::fill(bytes.subspan(read), std::byte{0});
+}
+
 /// Reads pieces of a file into their places, with few calls: pieces that lie close together are read together. Bytes
-/// beyond the end of the file are read as 0.
+/// beyond the end of the file are read as 0. Throws `CExcVXReader` if bytes before it can't be read.
 ///
 /// Small pieces are read through a block, with what lies between them, and copied. Large ones are read straight into
 /// place by gathered calls. Measured on an AMD EPYC with Linux 6.18 and the file in the page cache, in the time of one
@@ -46,8 +62,8 @@ struct CScaledPlace {
 template <class Place>
 class CPieceReader {
  public:
-    /// The caller owns the file, which must outlive this object.
-    explicit CPieceReader(const helpers::CFile& file) : m_file(&file) {}
+    /// The caller owns the file, which must outlive this object, and knows its size.
+    CPieceReader(const helpers::CFile& file, std::int64_t size) : m_file(&file), m_size(size) {}
 
     /// Takes note of samples from an offset on, and where they go. Reads what was noted before if they aren't close to
     /// it.
@@ -107,13 +123,14 @@ class CPieceReader {
     void ReadThroughBlock() {
         const std::int64_t begin = m_pieces.front().offset;
         const std::span block(Block(), static_cast<std::size_t>(m_end - begin));
-        std::ranges::fill(block.subspan(m_file->ReadUpTo(begin, block)), std::byte{0});
+        ReadBytes(*m_file, m_size, begin, block);
         for (const CPiece& piece : m_pieces)
             piece.place.Put(block.data() + (piece.offset - begin), piece.samples);
     }
 
     void ReadStraight() {
-        if (m_pieces.size() == 1) return ReadAlone(m_pieces.front());
+        const CPiece& first = m_pieces.front();
+        if (m_pieces.size() == 1) return ReadBytes(*m_file, m_size, first.offset, first.place.Bytes(first.samples));
         m_parts.clear();
         const std::int64_t begin = m_pieces.front().offset;
         std::int64_t end = begin;
@@ -123,6 +140,7 @@ class CPieceReader {
             end = piece.offset + static_cast<std::int64_t>(piece.samples * kBytes);
         }
         std::size_t read = m_file->ReadUpTo(begin, m_parts);
+        RequireRead(m_size, begin, read, static_cast<std::size_t>(end - begin));
         for (const helpers::CMutableBytes& part : m_parts) {
             const std::size_t there = std::min(read, part.size());
             std::ranges::fill(part.subspan(there), std::byte{0});
@@ -130,12 +148,8 @@ class CPieceReader {
         }
     }
 
-    void ReadAlone(const CPiece& piece) {
-        const helpers::CMutableBytes bytes = piece.place.Bytes(piece.samples);
-        std::ranges::fill(bytes.subspan(m_file->ReadUpTo(piece.offset, bytes)), std::byte{0});
-    }
-
     const helpers::CFile* m_file;
+    std::int64_t m_size;
     std::vector<CPiece> m_pieces;  ///< In ascending order, all large or all small.
     bool m_areLarge = false;
     std::int64_t m_end = 0;  ///< Of the last piece.

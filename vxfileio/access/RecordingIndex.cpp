@@ -1,9 +1,9 @@
 #include "vxfileio/access/RecordingIndex.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
 
+#include "vxfileio/access/PieceReader.h"
 #include "vxfileio/access/SelectionData.h"
 #include "vxfileio/base/ExcVXReader.h"
 
@@ -23,8 +23,7 @@ CSegmentInfo CRecordingIndex::GetSegment(std::size_t number) const noexcept {
 void CRecordingIndex::ReadSegment(std::size_t number, std::span<std::uint16_t> samples) const {
     const auto row = m_data->segments.Row(number);
     if (samples.size() != row.samples) throw CExcVXReader("The buffer doesn't match the segment.");
-    const auto bytes = std::as_writable_bytes(samples);
-    std::ranges::fill(bytes.subspan(m_data->reader->File().ReadUpTo(row.offset, bytes)), std::byte{0});
+    vxfileio::access::ReadBytes(m_data->reader->File(), m_data->fileSize, row.offset, std::as_writable_bytes(samples));
 }
 
 std::uint64_t CRecordingIndex::GetCertainSamples() const noexcept { return m_data->certain; }

@@ -18,7 +18,7 @@ constexpr std::uint64_t kStep = std::uint64_t{8} << 20;
 /// Adds the samples of the pieces, and calls `check` after each step.
 template <class Place>
 void AddPieces(const CSelectionData& selection, std::vector<Place>& places, const std::function<void()>& check) {
-    CPieceReader<Place> reader(selection.Index().reader->File());
+    CPieceReader<Place> reader(selection.Index().reader->File(), selection.Index().fileSize);
     std::uint64_t left = kStep;
     selection.ForEachPiece([&](const CSegmentRow& /*row*/, const CSelectedPiece& piece) {
         Place& place = places[piece.well];

@@ -23,9 +23,10 @@ struct CSampleRequest {
     std::int64_t From = std::numeric_limits<std::int64_t>::min();
     /// The last time, included. The default is after every sample.
     std::int64_t To = std::numeric_limits<std::int64_t>::max();
-    /// The first segment, counted from 0 in the order of the file, and the number of segments, as far as there are so
-    /// many. Bounds the memory for the buffers of a long recording: read some segments after the others.
+    /// The first segment, counted from 0 in the order of the file. To bound the memory for the buffers of a long
+    /// recording, read some segments after the others.
     std::size_t FirstSegment = 0;
+    /// The number of segments, as far as there are so many. The default is all.
     std::size_t Segments = std::numeric_limits<std::size_t>::max();
 };
 
@@ -75,20 +76,20 @@ class VXFILEIO_API CSampleSelection {
     /// up to 100 KiB.
     ///
     /// Throws `CExcVXReader` with "The buffers don't match the wells." if the number of buffers is wrong or one is too
-    /// small; then nothing is read.
+    /// small; then nothing is read. Throws it with "Error reading Data Segment Header" if the file has become shorter
+    /// since its index was read, or the system refuses to read it.
     void Read(std::span<const std::span<std::uint16_t>> buffers) const;
 
     /// Does the same with values in the physical unit of each well: (sample - `ADZero`) x `UnitsPerAD`. Those of a well
     /// that the recording header doesn't list are NaN.
     void ReadScaled(std::span<const std::span<double>> buffers) const;
 
-    /// @name Reading that can be stopped
-    /// The same, calling `check` after each 16 MiB of the file. What it throws ends the call; the buffers are then
-    /// partly filled.
-    /// @{
+    /// Does the same as `Read`, and calls `check` after each 16 MiB of the file. What it throws ends the call; the
+    /// buffers are then partly filled.
     void Read(std::span<const std::span<std::uint16_t>> buffers, const std::function<void()>& check) const;
+
+    /// Does the same with values in physical units, as `ReadScaled`.
     void ReadScaled(std::span<const std::span<double>> buffers, const std::function<void()>& check) const;
-    /// @}
 
  private:
     friend class CRecordingIndex;
