@@ -45,6 +45,14 @@ std::string Differing(const std::vector<CLeaf>& left, const std::vector<CLeaf>& 
 
 }  // namespace
 
+TEST(Differences, OfLeavesAtOnePlaceAreThoseInTheirOrder) {
+    const std::vector<CLeaf> several = {{"A", "1"}, {"B", "2"}, {"A", "3"}};
+    EXPECT_EQ(Differing(several, several), "");
+    EXPECT_EQ(Differing(several, {{"A", "1"}, {"A", "4"}, {"A", "5"}}), "B:2| A:3|4 A:|5 ");
+    EXPECT_EQ(Differing({{"A", "1"}}, several), "B:|2 A:|3 ");
+    EXPECT_EQ(Differing(several, {{"B", "2"}}), "A:1| A:3| ");
+}
+
 TEST(Findings, HaveTheStatusOfTheWorst) {
     CFindings findings;
     EXPECT_EQ(findings.Status(), 0);

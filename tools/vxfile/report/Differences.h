@@ -40,13 +40,14 @@ class CDifferences {
     std::string m_omission;
 };
 
-/// The content of a file at one place, such as a cell or an element. Names of places are unique.
+/// The content of a file at one place, such as a cell or an element.
 struct CLeaf {
     std::string where;
     std::string value;
 };
 
-/// Compares the contents of two files, place by place.
+/// Compares the contents of two files, place by place. A damaged file may have several leaves of one place: these are
+/// compared in their order.
 void CompareLeaves(const std::vector<CLeaf>& left, const std::vector<CLeaf>& right, CDifferences& differences);
 
 }  // namespace vxfile
