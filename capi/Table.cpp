@@ -85,9 +85,14 @@ std::int64_t Whole(std::uint64_t value) {
 }
 
 void CTable::Open(const CResults& results, std::int32_t which) {
-    const CColumn task{"task", CTexts()}, recording{"recording", CWholes()}, dose{"dose", CWholes()};
-    const CColumn well{"well", CWholes()}, label{"label", CTexts()}, response{"response", CTexts()};
-    const CColumn time{"time", CWholes()}, value{"value", CReals()};
+    const CColumn task{"task", CTexts()};
+    const CColumn recording{"recording", CWholes()};
+    const CColumn dose{"dose", CWholes()};
+    const CColumn well{"well", CWholes()};
+    const CColumn label{"label", CTexts()};
+    const CColumn response{"response", CTexts()};
+    const CColumn time{"time", CWholes()};
+    const CColumn value{"value", CReals()};
     void (CTable::*addWell)(const CPlace&, const CWell&) = nullptr;
     switch (which) {
         case VX_TABLE_RESPONSES:
@@ -135,7 +140,7 @@ void CTable::AddResponses(const CPlace& place, const CWell& well) {
             Add(Keep(well.second.WellLabel));
             Add(Keep(response.Label));
             Add(response.Value);
-            Add(std::int64_t{isNormalized});
+            Add(std::int64_t{isNormalized ? 1 : 0});
         }
     }
 }
@@ -217,7 +222,7 @@ int VX_CALL vx_table_get_doubles(vx_table* table, int64_t column, double* values
 
 int VX_CALL vx_table_get_text(vx_table* table, int64_t column, int64_t row, char* buffer, int64_t* size) {
     return With<CTable>(table, [&](CTable& object) {
-        const CTexts& texts = object.ValuesOf<CTexts>(column);
+        const auto& texts = object.ValuesOf<CTexts>(column);
         PutText(texts[TakeIndex(row, texts.size())], buffer, size);
     });
 }
