@@ -59,7 +59,7 @@ std::string FileOfRunBeside(const std::string& path, const std::string& guid, st
     const std::string bare = BareGuid(guid);
     if (bare.empty()) return {};
     const auto isOfRun = [&](const std::string& file) { return BareGuid(guidOf(file)) == bare; };
-    const std::string namesake = fs::path(path).replace_extension(extension).string();
+    std::string namesake = fs::path(path).replace_extension(extension).string();
     if (isOfRun(namesake)) return namesake;
     const fs::path folder = fs::path(path).parent_path();
     std::vector<std::string> others;
