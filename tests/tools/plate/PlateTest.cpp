@@ -116,7 +116,7 @@ TEST(PlateLabels, FollowTheWellsThatATextNames) {
 TEST_F(Plate, LabelsComeFromTheSettingsFileNextToItWithItsGuid) {
     const CWords words = {"--well", "A1", "--dose", "2nM"};
     EXPECT_EQ(Samples(words).status, 2) << "there are no settings";
-    File("a.vxs", SettingsText("9999", "A1"));
+    File("run.vxs", SettingsText("9999", "A1"));
     EXPECT_EQ(Samples(words).status, 2) << "they are of another run";
     const std::string other = File("other.vxs", SettingsText("{0123}", "A1"));
     const CToolRun found = Samples(words);
