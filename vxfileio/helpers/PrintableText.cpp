@@ -57,11 +57,11 @@ std::string Counted(std::uint64_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
 
-bool IsUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t size = Byte(text.front()) < 0x80 ? 1 : SizeOfWide(text);
+bool IsUtf8(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::size_t size = Byte(bytes.front()) < 0x80 ? 1 : SizeOfWide(bytes);
         if (size == 0) return false;
-        text.remove_prefix(size);
+        bytes.remove_prefix(size);
     }
     return true;
 }

@@ -17,7 +17,7 @@ std::string CPlateView::TimeText(std::int64_t ticks) const {
 }
 
 std::string CPlateView::TimesText(std::int64_t from, std::int64_t to) const {
-    const std::string text = std::to_string(from) + " to " + std::to_string(to) + " ticks";
+    std::string text = std::to_string(from) + " to " + std::to_string(to) + " ticks";
     if (ticksPerSecond == 0) return text;
     return text + " (" + SecondsText(from, ticksPerSecond) + " to " + SecondsText(to, ticksPerSecond) + " s)";
 }

@@ -125,7 +125,8 @@ COption TicksPerSecondOption(double& ticksPerSecond) {
 }
 
 std::string SourceText(const CPlateView& view) {
-    return view.labels.AreKnown() ? "Labels are those of " + Readable(view.labels.Source()) + '.' : "";
+    if (!view.labels.AreKnown()) return {};
+    return std::string("Labels are those of ").append(Readable(view.labels.Source())).append(".");
 }
 
 void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path,
@@ -137,8 +138,9 @@ void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path
         if (HasOrIsEmpty(choice.tasks, recording.header.TaskName)) doses.insert(recording.header.Dose);
     }
     for (const auto& task : choice.tasks) {
-        if (!tasks.contains(task))
-            throw CFailure(path + " has no task " + task + "; its tasks: " + Joined(tasks, Readable) + '.');
+        if (tasks.contains(task)) continue;
+        throw CFailure(std::string(path).append(" has no task ").append(task).append("; its tasks: ") +
+                       Joined(tasks, Readable) + '.');
     }
     for (const auto dose : choice.doses) {
         if (!doses.contains(dose))

@@ -131,7 +131,7 @@ class CWatchCommand : public CCommand {
             ++wells;
             if (!recording.wells.contains(channel.ID)) missing.push_back(channel.ID);
         }
-        const std::string text = std::to_string(recording.wells.size()) + " of " + Counted(wells, "well");
+        std::string text = std::to_string(recording.wells.size()) + " of " + Counted(wells, "well");
         if (!m_view.labels.AreKnown() || missing.empty() || missing.size() > kMostMissing) return text;
         const std::string list = m_view.labels.List(missing);
         m_isLabeled = m_isLabeled || list != ListText(missing);
