@@ -4,7 +4,6 @@
 #include <array>
 #include <atomic>
 #include <limits>
-#include <new>
 #include <string_view>
 
 #include "vxfileio/helpers/File.h"
@@ -29,15 +28,25 @@ std::error_code Outcome(BOOL result) { return SystemError(result == 0 ? ::GetLas
 /// The code page of narrow paths.
 std::atomic<UINT> pathCodePage = CP_ACP;
 
-/// Returns a path in the form that the system takes. Empty, which no call accepts, if it can't be converted.
-std::wstring Wide(const std::string& path) {
-    const UINT page = pathCodePage;
-    const DWORD flags = page == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-    const auto size = static_cast<int>(std::min<std::size_t>(path.size(), std::numeric_limits<int>::max()));
-    std::wstring wide(path.size(), L'\0');
-    wide.resize(static_cast<std::size_t>(::MultiByteToWideChar(page, flags, path.data(), size, wide.data(), size)));
-    return wide;
-}
+/// A path in the form that the system takes; empty, which no call accepts, if it can't be converted. Doesn't allocate:
+/// when memory has run out, files must still be removed.
+class CWide {
+ public:
+    explicit CWide(const std::string& path) noexcept {
+        const UINT page = pathCodePage;
+        const DWORD flags = page == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
+        const auto size = static_cast<int>(std::min<std::size_t>(path.size(), std::numeric_limits<int>::max()));
+        const int used = ::MultiByteToWideChar(page, flags, path.data(), size, m_text.data(), static_cast<int>(kMost));
+        m_text[static_cast<std::size_t>(used)] = L'\0';
+    }
+
+    const wchar_t* c_str() const noexcept { return m_text.data(); }
+
+ private:
+    static constexpr std::size_t kMost = 4096;  ///< More than people's paths have, and little for a stack.
+
+    std::array<wchar_t, kMost + 1> m_text;
+};
 
 /// Returns a path of the system in the code page of paths.
 std::string Narrow(std::wstring_view path) {
@@ -49,22 +58,12 @@ std::string Narrow(std::wstring_view path) {
     return narrow;
 }
 
-/// Runs a system call, which may need memory for paths. Returns its outcome.
-template <class Call>
-std::error_code OutcomeOf(Call call) noexcept {
-    try {
-        return Outcome(call());
-    } catch (const std::bad_alloc&) {
-        return SystemError(ERROR_NOT_ENOUGH_MEMORY);
-    }
-}
-
 std::intptr_t OpenPath(const std::string& path, DWORD access, DWORD disposition, std::error_code& error,
                        DWORD attributes = FILE_ATTRIBUTE_NORMAL) {
     error = std::make_error_code(std::errc::invalid_argument);
     if (!IsWholePath(path)) return reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
     const HANDLE handle =
-        ::CreateFileW(Wide(path).c_str(), access, kShareWithAll, nullptr, disposition, attributes, nullptr);
+        ::CreateFileW(CWide(path).c_str(), access, kShareWithAll, nullptr, disposition, attributes, nullptr);
     error = Outcome(handle != INVALID_HANDLE_VALUE);
     return reinterpret_cast<std::intptr_t>(handle);
 }
@@ -160,7 +159,7 @@ bool CFile::CreateLike(const std::string& path, const CFile& model) {
 /// A colon after the drive would name a hidden stream of a file, which can't be moved.
 std::string CFile::PlaceOf(const std::string& path) const {
     if (path.find(':', 2) != std::string::npos) return {};
-    const DWORD attributes = ::GetFileAttributesW(Wide(path).c_str());
+    const DWORD attributes = ::GetFileAttributesW(CWide(path).c_str());
     const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!IsOpen()) return isLink ? std::string() : path;
     if (::GetFileType(Native(m_handle)) != FILE_TYPE_DISK) return {};
@@ -214,12 +213,12 @@ bool CFile::Truncate(std::int64_t size) {
 /// The system refuses as long as somebody has the old file open, which readers do for moments only. It returns once
 /// the disk has the new name.
 std::error_code MoveOver(const std::string& from, const std::string& to) noexcept {
+    const CWide wideFrom(from);
+    const CWide wideTo(to);
     std::error_code error;
     for (int i = 0; i < kMostMoves; ++i) {
-        error = OutcomeOf([&] {
-            constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-            return ::MoveFileExW(Wide(from).c_str(), Wide(to).c_str(), kHow);
-        });
+        error = Outcome(
+            ::MoveFileExW(wideFrom.c_str(), wideTo.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
         if (error != std::errc::permission_denied) break;
         ::Sleep(kMovePause);
     }
@@ -232,12 +231,10 @@ std::string FolderOf(const std::string& /*path*/) { return {}; }
 std::error_code FlushFolder(const std::string& /*folder*/) noexcept { return {}; }
 
 std::error_code LinkFile(const std::string& file, const std::string& name) noexcept {
-    return OutcomeOf([&] { return ::CreateHardLinkW(Wide(name).c_str(), Wide(file).c_str(), nullptr); });
+    return Outcome(::CreateHardLinkW(CWide(name).c_str(), CWide(file).c_str(), nullptr));
 }
 
-void RemoveFile(const std::string& path) noexcept {
-    static_cast<void>(OutcomeOf([&] { return ::DeleteFileW(Wide(path).c_str()); }));
-}
+void RemoveFile(const std::string& path) noexcept { ::DeleteFileW(CWide(path).c_str()); }
 
 void TakePathsAsUtf8() noexcept { pathCodePage = CP_UTF8; }
 
