@@ -1,182 +1,74 @@
-#include <deque>
-#include <functional>
 #include <limits>
+#include <optional>
 #include <variant>
 #include <vector>
 
 #include "capi/Document.h"
-#include "vxfileio/base/EnumerationWords.h"
+#include "vxfileio/results/ResultsColumns.h"
 
 namespace vxfileio::capi {
 
 namespace {
 
-using CWholes = std::vector<std::int64_t>;
-using CReals = std::vector<double>;
-using CTexts = std::vector<std::string_view>;
-
-/// One column: its name and its values, in the order of the rows.
-struct CColumn {
-    std::string_view name;
-    std::variant<CWholes, CReals, CTexts> values;
-};
-
-/// The place of a row in the results.
-struct CPlace {
-    const CResultsTask& task;
-    std::int64_t recording;
-    std::uint64_t dose;
-};
+using results::CResultsColumn;
+using results::EResultsTable;
 
 class CTable : public CObject {
  public:
-    bool IsOpen() const noexcept override { return m_isOpen; }
+    bool IsOpen() const noexcept override { return m_content.has_value(); }
 
-    /// Fills the table. Throws unless `which` is one of `vx_table_kind`.
-    void Open(const CResults& results, std::int32_t which);
-
-    std::size_t Rows() const {
-        const auto size = [](const auto& values) { return values.size(); };
-        return m_columns.empty() ? 0 : std::visit(size, m_columns.front().values);
+    void Open(const CResults& results, EResultsTable table) {
+        m_content.emplace(results, table, results::CRowOptions());
     }
-    const std::vector<CColumn>& Columns() const noexcept { return m_columns; }
+
+    std::size_t Rows() const noexcept { return m_content->Rows(); }
+    const std::vector<CResultsColumn>& Columns() const noexcept { return m_content->Columns(); }
+
+    const CResultsColumn& At(std::int64_t column) const { return Columns()[TakeIndex(column, Columns().size())]; }
 
     /// Returns the values of a column. Throws if they are of another type.
-    template <class Values>
-    const Values& ValuesOf(std::int64_t column) const {
-        const auto* const values = std::get_if<Values>(&m_columns[TakeIndex(column, m_columns.size())].values);
-        if (values == nullptr) throw CFailed{VX_ERROR_TYPE, "The column has another type."};
+    template <class Value>
+    const std::vector<Value>& ValuesAt(std::int64_t column) const {
+        const auto* const values = std::get_if<std::vector<Value>>(&At(column).values);
+        if (values == nullptr) RefuseType();
         return *values;
     }
 
+    [[noreturn]] static void RefuseType() { throw CFailed{VX_ERROR_TYPE, "The column has another type."}; }
+
  private:
-    using CWell = std::pair<const std::int32_t, CResultsWell>;
-
-    void Define(std::initializer_list<CColumn> columns) { m_columns = columns; }
-
-    /// @{
-    /// Appends a value to the next column of the row.
-    void Add(std::int64_t value) { Next<CWholes>().push_back(value); }
-    void Add(double value) { Next<CReals>().push_back(value); }
-    void Add(std::string_view value) { Next<CTexts>().push_back(value); }
-    /// @}
-    template <class Values>
-    Values& Next() {
-        return std::get<Values>(m_columns[m_next++ % m_columns.size()].values);
-    }
-    /// Keeps a text as long as the table.
-    std::string_view Keep(const std::string& text) { return m_texts.emplace_back(text); }
-
-    void AddPlace(const CPlace& place);
-    void AddResponses(const CPlace& place, const CWell& well);
-    void AddBeats(const CPlace& place, const CWell& well);
-    void AddAverage(const CPlace& place, const CWell& well);
-    void AddMeans(const CPlace& place, const CResultsRecording& recording);
-
-    std::vector<CColumn> m_columns;
-    std::deque<std::string> m_texts;
-    std::size_t m_next = 0;
-    bool m_isOpen = false;
+    std::optional<results::CResultsColumns> m_content;
 };
 
-std::int64_t Whole(std::uint64_t value) {
-    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-    return std::cmp_greater(value, kMost) ? kMost : static_cast<std::int64_t>(value);
+EResultsTable TakeTable(std::int32_t table) {
+    constexpr EResultsTable kTables[] = {EResultsTable::Responses, EResultsTable::Means, EResultsTable::Beats,
+                                         EResultsTable::Averages};
+    Require(table >= 0 && std::cmp_less(table, std::size(kTables)), "The table is unknown.");
+    return kTables[table];
 }
 
-void CTable::Open(const CResults& results, std::int32_t which) {
-    const CColumn task{"task", CTexts()};
-    const CColumn recording{"recording", CWholes()};
-    const CColumn dose{"dose", CWholes()};
-    const CColumn well{"well", CWholes()};
-    const CColumn label{"label", CTexts()};
-    const CColumn response{"response", CTexts()};
-    const CColumn time{"time", CWholes()};
-    const CColumn value{"value", CReals()};
-    void (CTable::*addWell)(const CPlace&, const CWell&) = nullptr;
-    switch (which) {
-        case VX_TABLE_RESPONSES:
-            Define({task, recording, dose, well, label, response, value, {"normalized", CWholes()}});
-            addWell = &CTable::AddResponses;
-            break;
-        case VX_TABLE_MEANS:
-            Define({task, recording, dose, response, {"mean", CReals()}, {"sd", CReals()}, {"wells", CWholes()}});
-            break;
-        case VX_TABLE_BEATS:
-            Define({task, recording, dose, well, label, {"beat", CWholes()}, time});
-            addWell = &CTable::AddBeats;
-            break;
-        case VX_TABLE_AVERAGES:
-            Define({task, recording, dose, well, label, {"sample", CWholes()}, time, value});
-            addWell = &CTable::AddAverage;
-            break;
-        default:
-            throw CFailed{VX_ERROR_ARGUMENT, "The table is unknown."};
-    }
-    for (const auto& [key, content] : results.Tasks) {
-        std::int64_t number = 0;
-        for (const CResultsRecording& entry : content.Recordings) {
-            const CPlace place{content, number++, entry.Dose};
-            if (addWell == nullptr) AddMeans(place, entry);
-            for (const CWell& each : entry.Wells) {
-                if (addWell != nullptr) (this->*addWell)(place, each);
+std::int32_t TypeOf(const CResultsColumn& column) {
+    using enum helpers::EColumnType;
+    if (column.column.type == Text) return VX_TYPE_TEXT;
+    return column.column.type == Real ? VX_TYPE_DOUBLE : VX_TYPE_INTEGER;
+}
+
+/// Stores whole numbers; those above 2^63 - 1 become that number.
+void PutWholes(const CResultsColumn& column, std::int64_t* values, std::int64_t* count) {
+    std::visit(
+        [&]<class Value>(const std::vector<Value>& from) {
+            if constexpr (std::is_integral_v<Value>) {
+                FillArray(values, count, from.size(), [&](std::span<std::int64_t> to) {
+                    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+                    std::transform(from.begin(), from.end(), to.begin(), [](Value value) {
+                        return std::cmp_greater(value, kMost) ? kMost : static_cast<std::int64_t>(value);
+                    });
+                });
+            } else {
+                CTable::RefuseType();
             }
-        }
-    }
-    m_isOpen = true;
-}
-
-void CTable::AddPlace(const CPlace& place) {
-    Add(Keep(place.task.TaskName));
-    Add(place.recording);
-    Add(Whole(place.dose));
-}
-
-void CTable::AddResponses(const CPlace& place, const CWell& well) {
-    for (const bool isNormalized : {false, true}) {
-        for (const auto& [type, response] : isNormalized ? well.second.NormalizedResponses : well.second.Responses) {
-            AddPlace(place);
-            Add(std::int64_t{well.first});
-            Add(Keep(well.second.WellLabel));
-            Add(Keep(response.Label));
-            Add(response.Value);
-            Add(std::int64_t{isNormalized ? 1 : 0});
-        }
-    }
-}
-
-void CTable::AddBeats(const CPlace& place, const CWell& well) {
-    std::int64_t beat = 0;
-    const std::string_view label = Keep(well.second.WellLabel);
-    for (const std::int64_t time : well.second.FPfastDetectionTimes) {
-        AddPlace(place);
-        Add(std::int64_t{well.first});
-        Add(label);
-        Add(beat++);
-        Add(time);
-    }
-}
-
-void CTable::AddAverage(const CPlace& place, const CWell& well) {
-    const std::string_view label = Keep(well.second.WellLabel);
-    for (std::uint32_t sample = 0; sample < well.second.GetAveSamples(); ++sample) {
-        AddPlace(place);
-        Add(std::int64_t{well.first});
-        Add(label);
-        Add(std::int64_t{sample});
-        Add(well.second.GetAveTimeStamp(sample));
-        Add(well.second.Average[sample]);
-    }
-}
-
-void CTable::AddMeans(const CPlace& place, const CResultsRecording& recording) {
-    for (const auto& [type, mean] : recording.NormalizedResponses) {
-        AddPlace(place);
-        Add(Keep(mean.Label));
-        Add(mean.normMean);
-        Add(mean.normStdDev);
-        Add(std::int64_t{mean.Samples});
-    }
+        },
+        column.values);
 }
 
 }  // namespace
@@ -187,7 +79,7 @@ using namespace vxfileio::capi;
 
 int VX_CALL vx_table_open(vx_table** out, vx_document* results, int32_t table) {
     return Make<CTable>(out, [&](CTable& object) {
-        Use<CDocument>(results, [&](CDocument& document) { object.Open(document.Results(), table); });
+        Use<CDocument>(results, [&](CDocument& document) { object.Open(document.Results(), TakeTable(table)); });
     });
 }
 
@@ -200,29 +92,24 @@ int VX_CALL vx_table_get_size(vx_table* table, int64_t* rows, int64_t* columns) 
 }
 
 int VX_CALL vx_table_get_name(vx_table* table, int64_t column, char* buffer, int64_t* size) {
-    return With<CTable>(table, [&](CTable& object) {
-        PutText(object.Columns()[TakeIndex(column, object.Columns().size())].name, buffer, size);
-    });
+    return With<CTable>(table, [&](CTable& object) { PutText(object.At(column).column.name, buffer, size); });
 }
 
 int VX_CALL vx_table_get_type(vx_table* table, int64_t column, int32_t* type) {
-    return With<CTable>(table, [&](CTable& object) {
-        constexpr std::int32_t kTypes[] = {VX_TYPE_INTEGER, VX_TYPE_DOUBLE, VX_TYPE_TEXT};
-        Put(type, kTypes[object.Columns()[TakeIndex(column, object.Columns().size())].values.index()]);
-    });
+    return With<CTable>(table, [&](CTable& object) { Put(type, TypeOf(object.At(column))); });
 }
 
 int VX_CALL vx_table_get_int64s(vx_table* table, int64_t column, int64_t* values, int64_t* count) {
-    return With<CTable>(table, [&](CTable& object) { PutArray(object.ValuesOf<CWholes>(column), values, count); });
+    return With<CTable>(table, [&](CTable& object) { PutWholes(object.At(column), values, count); });
 }
 
 int VX_CALL vx_table_get_doubles(vx_table* table, int64_t column, double* values, int64_t* count) {
-    return With<CTable>(table, [&](CTable& object) { PutArray(object.ValuesOf<CReals>(column), values, count); });
+    return With<CTable>(table, [&](CTable& object) { PutArray(object.ValuesAt<double>(column), values, count); });
 }
 
 int VX_CALL vx_table_get_text(vx_table* table, int64_t column, int64_t row, char* buffer, int64_t* size) {
     return With<CTable>(table, [&](CTable& object) {
-        const auto& texts = object.ValuesOf<CTexts>(column);
+        const auto& texts = object.ValuesAt<std::string_view>(column);
         PutText(texts[TakeIndex(row, texts.size())], buffer, size);
     });
 }

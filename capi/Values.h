@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-#include "vxfileio/results/Results.h"
+#include "vxfileio/results/ResultsContent.h"
 #include "vxfileio/settings/Settings.h"
 
 /// @file
@@ -55,10 +55,7 @@ class CValueType {
     /// @}
 };
 
-/// The content of a results file.
-struct CResultsContent : CResults {
-    CXmlFileHeader Header;
-};
+using results::CResultsContent;
 
 /// @{
 /// Returns a document as a node.

@@ -466,15 +466,20 @@ VX_API int VX_CALL vx_export(vx_document* results, vx_document* settings, const 
 
 typedef struct vx_table vx_table; /* Values of results as columns. */
 
+/* Each begins with task, recording, dose, dose_text; but for means, well and label follow. */
 enum vx_table_kind {
-    VX_TABLE_RESPONSES = 0, /* task, recording, dose, well, label, response, value, normalized */
-    VX_TABLE_MEANS = 1,     /* task, recording, dose, response, mean, sd, wells */
-    VX_TABLE_BEATS = 2,     /* task, recording, dose, well, label, beat, time */
-    VX_TABLE_AVERAGES = 3   /* task, recording, dose, well, label, sample, time, value */
+    VX_TABLE_RESPONSES = 0, /* response, value, normalized */
+    VX_TABLE_MEANS = 1,     /* response, mean, sd, wells */
+    VX_TABLE_BEATS = 2,     /* beat, time, interval */
+    VX_TABLE_AVERAGES = 3   /* sample, time, value */
 };
 
-/* Makes a table of all tasks, recordings and wells, with one row per value. Later changes of the document don't change
- * it. Doses above 2^63 - 1 become that number. Later versions may add columns at the end. */
+/* In place of a whole number that is missing: the interval of the first beat. */
+#define VX_MISSING INT64_MIN
+
+/* Makes a table of all tasks, recordings and wells, with one row per value. Its columns are those of `vxfile table`, and
+ * its texts are UTF-8. Later changes of the document don't change it. Doses above 2^63 - 1 become that number. Later
+ * versions may add columns at the end. */
 VX_API int VX_CALL vx_table_open(vx_table** out, vx_document* results, int32_t table);
 VX_API int VX_CALL vx_table_get_size(vx_table* table, int64_t* rows, int64_t* columns);
 VX_API int VX_CALL vx_table_get_name(vx_table* table, int64_t column, char* buffer, int64_t* size);

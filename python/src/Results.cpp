@@ -5,8 +5,8 @@
 #include "python/src/Call.h"
 #include "python/src/Parts.h"
 #include "python/src/Records.h"
-#include "python/src/ResultsContent.h"
 #include "vxfileio/export/ResultsExport.h"
+#include "vxfileio/results/ResultsContent.h"
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/results/forms/ResultsForm.h"
 #include "vxfileio/settings/Settings.h"
@@ -20,14 +20,14 @@ py::tuple ReadResults(const py::object& made, const std::string& path) {
     const auto reader = std::make_shared<results::CResultsReader>();
     Interruptible(path, [reader, path] { reader->ReadFile(path); });
     py::object object = made();
-    auto& content = object.cast<CResultsContent&>();
+    auto& content = object.cast<results::CResultsContent&>();
     content.Header = *reader->GetXmlFileHeader();
     static_cast<CResults&>(content) = reader->TakeResults();
     return py::make_tuple(object, TextToPython(reader->GetReadError()));
 }
 
 /// Returns what the system refused. Writes a copy, so that other threads may change the results meanwhile.
-py::object WriteResults(const CResultsContent& content, const std::string& path) {
+py::object WriteResults(const results::CResultsContent& content, const std::string& path) {
     results::CResultsWriter writer;
     writer.SetXmlFileHeader(content.Header);
     const CResults copy = content;
@@ -36,7 +36,7 @@ py::object WriteResults(const CResultsContent& content, const std::string& path)
 }
 
 /// Returns what the system refused.
-py::object WriteWorkbooks(const CResultsContent& content, const settings::CSettings& settings,
+py::object WriteWorkbooks(const results::CResultsContent& content, const settings::CSettings& settings,
                           const std::string& path) {
     const CResults results = content;
     const CPropAnalyzer analyzer = settings.Analyzer;
@@ -57,8 +57,8 @@ void BindResults(py::module_& module) {
     CRecordClass<CResultsWell>(module, "ResultsWell").AddForm();
     CRecordClass<CResultsRecording>(module, "ResultsRecording").AddForm();
     CRecordClass<CResultsTask>(module, "ResultsTask").AddForm();
-    CRecordClass<CResultsContent>(module, "ResultsContent")
-        .Add("Header", &CResultsContent::Header)
+    CRecordClass<results::CResultsContent>(module, "ResultsContent")
+        .Add("Header", &results::CResultsContent::Header)
         .Add("CompoundID", &CResults::CompoundID)
         .Add("Tasks", &CResults::Tasks)
         .Add("FPAverageSamples", &CResults::FPAverageSamples)

@@ -7,7 +7,7 @@
 """
 
 from . import _vxfileio
-from ._documents import Results, Settings, dose_text
+from ._documents import Results, Settings
 from ._errors import (DamagedFileError, EmptyFileError, Error, FileError, MissingSamplesWarning, NoSuchRecordingError,
                       NoSuchWellError, UnfinishedRecordingError, UnknownFileError, UsageError, WriteWarning)
 from ._open import kind_of, open
@@ -18,7 +18,7 @@ from ._vxfileio import (AcqMode, AnalysisMark, FPAveIntervalType, FPmaxType, Pip
                         PropRecording, PropRecordPlate, PropResultsExport, PropRobot, PropViability, PropWashIn,
                         QualityCheckRecord, RawDataChannelInfo, RawDataFileHdr, RawDataRecordingHdr, Response,
                         ResponseMean, ResponseType, ResultsRecording, ResultsTask, ResultsWell, RobotConfig,
-                        RobotPlate, Task, VexaprobeMode, WellAnalysis, XmlFileHeader)
+                        RobotPlate, Task, VexaprobeMode, WellAnalysis, XmlFileHeader, dose_text)
 from ._words import Word
 from ._writing import RawWriter, RecordingWriter
 

@@ -9,6 +9,8 @@ import re
 from collections.abc import Iterator
 from typing import TYPE_CHECKING, Any, Optional, TypeVar, Union
 
+import numpy as np
+
 from . import _vxfileio
 from ._errors import DamagedFileError, FileError, UnknownFileError, refusal
 from ._text import printable, table
@@ -131,12 +133,12 @@ class Results(_Document, _vxfileio.ResultsContent):
     @property
     def responses(self) -> pandas.DataFrame:
         """One row per response of a well: task, recording, dose, dose_text, well, label, response, value, normalized."""
-        return _frame(_vxfileio.responses(self, dose_text, self.settings))
+        return self._table("responses")
 
     @property
     def means(self) -> pandas.DataFrame:
         """One row per mean of a recording: task, recording, dose, dose_text, response, mean, sd, wells."""
-        return _frame(_vxfileio.means(self, dose_text))
+        return self._table("means")
 
     @property
     def beats(self) -> pandas.DataFrame:
@@ -146,14 +148,20 @@ class Results(_Document, _vxfileio.ResultsContent):
         """
         import pandas
 
-        columns = _vxfileio.beats(self, dose_text, self.settings)
-        columns["interval"] = pandas.arrays.IntegerArray(columns["interval"], columns.pop("missing"))
-        return _frame(columns)
+        frame = self._table("beats")
+        intervals = frame["interval"].to_numpy()
+        frame["interval"] = pandas.arrays.IntegerArray(intervals, intervals == np.iinfo(np.int64).min)
+        return frame
 
     @property
     def averages(self) -> pandas.DataFrame:
         """One row per sample of a well's average: task, recording, dose, dose_text, well, label, sample, time, value."""
-        return _frame(_vxfileio.averages(self, dose_text, self.settings))
+        return self._table("averages")
+
+    def _table(self, name: str) -> pandas.DataFrame:
+        import pandas
+
+        return pandas.DataFrame(_vxfileio.results_table(self, name, self.settings), copy=False)
 
     def save(self, path: Path, *, overwrite: bool = False) -> None:
         """Writes a results file.
@@ -185,24 +193,9 @@ class Results(_Document, _vxfileio.ResultsContent):
         return printable(f"<vxfileio.Results {self.path!r}: {tasks or 'no tasks'}>")
 
     def _repr_html_(self) -> str:
-        rows = [(name, number, dose_text(recording.Dose), len(recording.Wells))
+        rows = [(name, number, _vxfileio.dose_text(recording.Dose), len(recording.Wells))
                 for name, task in self.Tasks.items() for number, recording in enumerate(task.Recordings)]
         return table(f"Results {self.path}", ("task", "recording", "dose", "wells"), rows)
-
-
-def dose_text(dose: int) -> str:
-    """Returns a dose of picomolar in the largest unit that needs no fraction, such as "10 nM"."""
-    units = ["pM", "nM", "\N{MICRO SIGN}M", "mM", "M"]
-    while dose and dose % 1000 == 0 and len(units) > 1:
-        dose //= 1000
-        units.pop(0)
-    return f"{dose} {units[0]}"
-
-
-def _frame(columns: dict[str, Any]) -> pandas.DataFrame:
-    import pandas
-
-    return pandas.DataFrame(columns, copy=False)
 
 
 NEW_WELL = 2

@@ -11,9 +11,10 @@ from typing import TYPE_CHECKING, Any, Optional, Sequence
 
 import numpy as np
 
-from ._documents import Results, Settings, dose_text
+from ._documents import Results, Settings
 from ._errors import UsageError
 from ._raw import Recording, Well
+from ._vxfileio import dose_text
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes

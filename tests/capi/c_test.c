@@ -474,6 +474,7 @@ static void make_results(void) {
     WORKS(vx_document_set_text(results, "Tasks/Series/Recordings/0/Wells/11/WellLabel", "B7"));
     WORKS(vx_document_set_int64s(results, "Tasks/Series/Recordings/0/Wells/11/FPfastDetectionTimes", beats, 2));
     WORKS(vx_document_set_doubles(results, "Tasks/Series/Recordings/0/Wells/11/Average", average, 2));
+    WORKS(vx_document_set_int64(results, "Tasks/Series/Recordings/0/Wells/11/AverageCount", 2));
     WORKS(vx_document_set_double(results, "Tasks/Series/Recordings/0/Wells/11/Responses/Na-Slope/Value", 7.25));
     WORKS(vx_document_save(results, own("results.vxr"), -1));
     WORKS(vx_close(results));
@@ -481,26 +482,35 @@ static void make_results(void) {
 
     WORKS(vx_table_open(&table, results, VX_TABLE_RESPONSES));
     WORKS(vx_table_get_size(table, &rows, &columns));
-    EXPECT(rows == 1 && columns == 8);
-    WORKS(vx_table_get_text(table, 5, 0, text, &size));
+    EXPECT(rows == 1 && columns == 9);
+    WORKS(vx_table_get_text(table, 6, 0, text, &size));
     EXPECT(strcmp(text, "Na-Slope") == 0);
-    WORKS(vx_table_get_doubles(table, 6, values, &count));
+    size = sizeof text;
+    WORKS(vx_table_get_text(table, 3, 0, text, &size));
+    EXPECT(strcmp(text, "1 nM") == 0);
+    WORKS(vx_table_get_doubles(table, 7, values, &count));
     EXPECT(count == 1 && values[0] == 7.25);
-    EXPECT(vx_table_get_int64s(table, 6, wholes, &count) == VX_ERROR_TYPE);
+    EXPECT(vx_table_get_int64s(table, 7, wholes, &count) == VX_ERROR_TYPE);
+    WORKS(vx_table_get_int64s(table, 8, wholes, &count));
+    EXPECT(count == 1 && wholes[0] == 0);
+    EXPECT(vx_table_get_text(table, 8, 0, text, &size) == VX_ERROR_TYPE);
     WORKS(vx_close(table));
     WORKS(vx_table_open(&table, results, VX_TABLE_AVERAGES));
     size = sizeof text;
-    WORKS(vx_table_get_name(table, 7, text, &size));
-    WORKS(vx_table_get_type(table, 7, &type));
+    WORKS(vx_table_get_name(table, 8, text, &size));
+    WORKS(vx_table_get_type(table, 8, &type));
     count = 4;
-    WORKS(vx_table_get_doubles(table, 7, values, &count));
+    WORKS(vx_table_get_doubles(table, 8, values, &count));
     EXPECT(strcmp(text, "value") == 0 && type == VX_TYPE_DOUBLE && count == 2 && values[1] == -2.5);
     WORKS(vx_close(table));
     WORKS(vx_table_open(&table, results, VX_TABLE_BEATS));
     WORKS(vx_close(results)); /* the table has its own copy */
     count = 4;
-    WORKS(vx_table_get_int64s(table, 6, wholes, &count));
+    WORKS(vx_table_get_int64s(table, 7, wholes, &count));
     EXPECT(count == 2 && wholes[1] == 250);
+    count = 4;
+    WORKS(vx_table_get_int64s(table, 8, wholes, &count));
+    EXPECT(count == 2 && wholes[0] == VX_MISSING && wholes[1] == 150);
     WORKS(vx_close(table));
 }
 

@@ -74,4 +74,11 @@ std::string Utf8(std::string_view bytes) {
     return text;
 }
 
+std::string DoseWithUnit(std::uint64_t dose) {
+    std::size_t unit = 0;
+    for (; dose != 0 && dose % 1000 == 0 && unit + 1 < kDoseUnits.size(); ++unit)
+        dose /= 1000;
+    return std::to_string(dose).append(" ").append(kDoseUnits[unit]);
+}
+
 }  // namespace vxfileio::helpers

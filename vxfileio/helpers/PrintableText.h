@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,5 +24,11 @@ bool IsUtf8(std::string_view bytes);
 
 /// Returns bytes that are UTF-8 as they are, and others with each byte as a character of Latin-1.
 std::string Utf8(std::string_view bytes);
+
+/// The units of doses in UTF-8, each a thousand times the one before. The first is that of files.
+inline constexpr std::array<std::string_view, 5> kDoseUnits = {"pM", "nM", "\xC2\xB5M", "mM", "M"};
+
+/// Returns a dose of picomolar in the largest unit that needs no fraction, such as "10 nM".
+std::string DoseWithUnit(std::uint64_t dose);
 
 }  // namespace vxfileio::helpers

@@ -166,4 +166,10 @@ std::string WalkResults(const std::string& path, const CResultsVisitor& visitor)
     return damage;
 }
 
+std::string WalkResults(const std::string& path, vxfileio::results::CResultsRows& rows) {
+    using vxfileio::results::CResultsRows;
+    if (rows.AreOfWells()) return WalkResults(path, {.well = std::bind_front(&CResultsRows::PutWell, &rows)});
+    return WalkResults(path, {.mean = std::bind_front(&CResultsRows::PutMean, &rows)});
+}
+
 }  // namespace vxfile

@@ -4,17 +4,11 @@
 #include <functional>
 #include <string>
 
-#include "vxfileio/results/ResponseMean.h"
-#include "vxfileio/results/ResultsWell.h"
+#include "vxfileio/results/ResultsRows.h"
 
 namespace vxfile {
 
-/// A recording of a results file.
-struct CRecordingPlace {
-    std::string task = {};       ///< In UTF-8.
-    std::int64_t recording = 0;  ///< Its number within its task, from 0.
-    std::uint64_t dose = 0;      ///< In picomolar.
-};
+using vxfileio::results::CRecordingPlace;
 
 /// Receives what a results file contains. A function that isn't set makes the walk faster.
 struct CResultsVisitor {
@@ -27,5 +21,8 @@ struct CResultsVisitor {
 /// their name or dose after their wells, one task or recording. Returns what was wrong with the document, as
 /// `CIResultsReader::GetReadError` does. Throws `CExcVXReader` if the file can't be opened.
 [[nodiscard]] std::string WalkResults(const std::string& path, const CResultsVisitor& visitor);
+
+/// Does the same, and turns what it reads into the rows of a table.
+[[nodiscard]] std::string WalkResults(const std::string& path, vxfileio::results::CResultsRows& rows);
 
 }  // namespace vxfile

@@ -19,10 +19,7 @@ unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
 bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
 
-/// The units of doses, each a thousand times the one before.
-constexpr std::array<std::string_view, 5> kDoseUnits = {"pM", "nM", "\xC2\xB5M", "mM", "M"};
-
-/// Other ways to write the third of them: in ASCII, with the Greek letter, in Latin-1.
+/// Other ways to write the third unit of doses: in ASCII, with the Greek letter, in Latin-1.
 constexpr std::array<std::string_view, 3> kMicromolar = {"uM", "\xCE\xBCM", "\xB5M"};
 
 /// Returns the power of ten by which a unit is larger than picomolar; nothing if it is no unit.
@@ -83,13 +80,6 @@ std::string SizeText(std::int64_t bytes) {
     std::array<char, 32> text{};
     static_cast<void>(std::snprintf(text.data(), text.size(), "%.1f %s", size, kUnits[unit]));
     return text.data();
-}
-
-std::string DoseWithUnit(std::uint64_t dose) {
-    std::size_t unit = 0;
-    for (; dose != 0 && dose % 1000 == 0 && unit + 1 < kDoseUnits.size(); ++unit)
-        dose /= 1000;
-    return std::to_string(dose).append(" ").append(kDoseUnits[unit]);
 }
 
 std::string DoseText(std::int64_t dose) {

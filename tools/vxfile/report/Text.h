@@ -39,8 +39,8 @@ std::string BareGuid(const std::string& guid);
 /// Returns a size such as "4.2 KiB".
 std::string SizeText(std::int64_t bytes);
 
-/// Returns a dose of picomolar in the largest unit that takes it whole, such as "10 nM".
-std::string DoseWithUnit(std::uint64_t dose);
+using vxfileio::helpers::DoseWithUnit;
+using vxfileio::helpers::kDoseUnits;
 
 /// Returns the same for the dose of a recording, which is in picomolar if it is negative.
 std::string DoseText(std::int64_t dose);

@@ -6,7 +6,7 @@
 
 #include "tools/vxfile/document/DocumentHead.h"
 #include "tools/vxfile/document/ReadDocument.h"
-#include "tools/vxfile/document/ResultsTable.h"
+#include "tools/vxfile/document/ResultsWalk.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/shell/FileKind.h"
@@ -17,6 +17,12 @@
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
+
+using vxfileio::results::ColumnsOf;
+using vxfileio::results::CResultsRows;
+using vxfileio::results::CRowOptions;
+using vxfileio::results::EResultsTable;
+using vxfileio::results::ResultsTableOf;
 
 namespace {
 
@@ -63,33 +69,40 @@ class CTableCommand : public CCommand {
         }
         m_form.Target().sources = {m_path, m_settingsPath};
         RequireKind(EFileKind::Results, m_path);
-        const CTableOptions options{hasSettings ? &ReadSettings() : nullptr, m_ticksPerSecond};
+        const CRowOptions options = RowOptions(hasSettings);
         const auto writer =
             MakeTableWriter(m_form.Form(), m_form.Target(), columns, [&] { return CountRows(*table, options); });
-        NoteDamage(m_path, ForEachRow(*table, m_path, options, [&](auto row) { writer->Put(row); }));
+        CResultsRows rows(*table, options, [&](auto row) { writer->Put(row); });
+        NoteDamage(m_path, WalkResults(m_path, rows));
         writer->Commit();
         std::ranges::for_each(m_doubts, Complain);
         return m_doubts.empty() ? kSound : kFindings;
     }
 
  private:
+    CRowOptions RowOptions(bool hasSettings) {
+        if (!hasSettings) return {.ticksPerSecond = m_ticksPerSecond};
+        ReadSettings();
+        return {m_settings.GetRecordPlateProperty(), m_settings.GetAnalyzerProperty(), m_ticksPerSecond};
+    }
+
     /// Reads the settings, and notes what is wrong with them.
-    const CISettingsReader& ReadSettings() {
+    void ReadSettings() {
         RequireKind(EFileKind::Settings, m_settingsPath);
         NoteDamage(m_settingsPath, ReadDocument(m_settings, m_settingsPath));
         const CRunFile settings{m_settingsPath, m_settings.GetXmlFileHeader()->Guid};
         const std::string other = DifferenceOfRuns(settings, {m_path, HeadOfDocument(m_path).Guid});
         if (!other.empty()) m_doubts.push_back(other + " Labels and marks may be those of another plate.");
-        return m_settings;
     }
 
     void NoteDamage(const std::string& path, const std::string& damage) {
         if (!damage.empty()) m_doubts.push_back(path + ": " + damage);
     }
 
-    std::uint64_t CountRows(EResultsTable table, const CTableOptions& options) const {
+    std::uint64_t CountRows(EResultsTable table, const CRowOptions& options) const {
         std::uint64_t count = 0;
-        static_cast<void>(ForEachRow(table, m_path, options, [&](auto /*row*/) { ++count; }));
+        CResultsRows rows(table, options, [&](auto /*row*/) { ++count; });
+        static_cast<void>(WalkResults(m_path, rows));
         return count;
     }
 

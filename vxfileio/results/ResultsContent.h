@@ -3,11 +3,11 @@
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/XmlFileHeader.h"
 
-namespace vxfileio::python {
+namespace vxfileio::results {
 
 /// The content of a results file.
 struct CResultsContent : CResults {
     CXmlFileHeader Header;
 };
 
-}  // namespace vxfileio::python
+}  // namespace vxfileio::results
