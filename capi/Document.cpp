@@ -10,9 +10,6 @@ namespace vxfileio::capi {
 
 namespace {
 
-/// The version of settings files; older ones don't hold the analyzer's marks.
-constexpr std::int32_t kSettingsVersion = 3;
-
 /// Throws VX_ERROR_ARGUMENT unless the plate has this compound.
 void RequireCompound(const CPropRecordPlate& plate, std::int32_t compound) {
     try {
@@ -27,7 +24,7 @@ void RequireCompound(const CPropRecordPlate& plate, std::int32_t compound) {
 void CDocument::Begin(std::int32_t kind) {
     Require(kind == VX_SETTINGS || kind == VX_RESULTS, "The kind is unknown.");
     if (kind == VX_SETTINGS) {
-        m_content.emplace<settings::CSettings>().Header.FileVersion = kSettingsVersion;
+        m_content.emplace<settings::CSettings>().Header.FileVersion = settings::kFirstVersionWithMarks;
     } else {
         m_content.emplace<CResultsContent>();
     }

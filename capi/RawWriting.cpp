@@ -1,6 +1,7 @@
 #include <array>
 
 #include "capi/Raw.h"
+#include "vxfileio/base/EnumerationWords.h"
 
 namespace vxfileio::capi {
 
@@ -25,7 +26,8 @@ CRawDataRecordingHdr TakeRecordingHdr(const vx_recording_header* header, const s
 
 namespace {
 
-constexpr std::array kListTasks = {"PreQC", "CompoundTest", "PostQC"};
+/// The tasks whose lists a file header has, in the order of `vx_raw_list`.
+constexpr std::array kListTasks = {enTask::PreQC, enTask::CompoundTest, enTask::PostQC};
 
 class CWriter : public COpened<CIRawDataWriter> {
  public:
@@ -137,7 +139,7 @@ int VX_CALL vx_writer_write(vx_writer* writer, int32_t well, int64_t time_from, 
 
 int VX_CALL vx_writer_set_list(vx_writer* writer, int32_t list, const int64_t* values, int64_t count) {
     return WithWriter(writer, [&](CWriter& object) {
-        const char* const task = kListTasks[TakeIndex(list, kListTasks.size())];
+        const std::string task(vxfileio::base::WordOf(kListTasks[TakeIndex(list, kListTasks.size())]));
         std::vector<std::string> texts;
         for (const std::int64_t value : TakeArray(values, count))
             texts.push_back(std::to_string(value));

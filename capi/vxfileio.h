@@ -120,12 +120,12 @@ typedef struct vx_recording vx_recording; /* The segments of one of its recordin
 typedef struct vx_selection vx_selection; /* Samples that were selected from a recording. */
 typedef struct vx_writer vx_writer;       /* A raw data file that is being written. */
 
-/* Closes a handle of any kind. It is gone afterwards, whatever the result, except for VX_ERROR_BUSY. A writer is
- * finished first, as vx_writer_finish does; VX_ERROR_WRITE then means that the file isn't complete. */
+/* Closes a handle of any kind. Even if this fails, the handle can't be used again, unless the result is VX_ERROR_BUSY.
+ * A writer is finished first, as by vx_writer_finish; VX_ERROR_WRITE then means that the file isn't complete. */
 VX_API int VX_CALL vx_close(void* handle);
 
-/* Returns the text of the last failed call with this handle; empty if none has failed. For calls that have several
- * handles, it is with the first. Isn't a failed call itself. */
+/* Returns the text of the last failed call with this handle; empty if no call has failed. A call with several handles
+ * keeps its error in the first. If this call fails, the text stays as it was. */
 VX_API int VX_CALL vx_last_error(const void* handle, char* buffer, int64_t* size);
 
 /* Returns what a code means, in a few words. VX_ERROR_NOT_FOUND for a number that is no code. */
@@ -183,8 +183,8 @@ VX_API int VX_CALL vx_raw_get_list(vx_raw* raw, int32_t list, int64_t* values, i
 VX_API int VX_CALL vx_raw_get_recording(vx_raw* raw, int64_t index, vx_recording_info* info);
 /* Returns the task that made a recording, such as "Series". */
 VX_API int VX_CALL vx_raw_get_task(vx_raw* raw, int64_t index, char* buffer, int64_t* size);
-/* Returns the index of the recording with this task and number. Of several, the last finished one counts, or the last
- * one if none is finished. VX_ERROR_NOT_FOUND if there is none. */
+/* Returns the index of the recording with this task and number. If several match, the last finished one counts, or the
+ * last one if no match is finished. VX_ERROR_NOT_FOUND if nothing matches. */
 VX_API int VX_CALL vx_raw_find_recording(vx_raw* raw, const char* task, int32_t number, int64_t* index);
 
 /* How to open a recording. */
@@ -466,7 +466,7 @@ VX_API int VX_CALL vx_export(vx_document* results, vx_document* settings, const 
 
 typedef struct vx_table vx_table; /* Values of results as columns. */
 
-/* Each begins with task, recording, dose, dose_text; but for means, well and label follow. */
+/* All tables begin with task, recording, dose, dose_text; all but means go on with well, label. */
 enum vx_table_kind {
     VX_TABLE_RESPONSES = 0, /* response, value, normalized */
     VX_TABLE_MEANS = 1,     /* response, mean, sd, wells */
@@ -477,9 +477,9 @@ enum vx_table_kind {
 /* In place of a whole number that is missing: the interval of the first beat. */
 #define VX_MISSING INT64_MIN
 
-/* Makes a table of all tasks, recordings and wells, with one row per value. Its columns are those of `vxfile table`, and
- * its texts are UTF-8. Later changes of the document don't change it. Doses above 2^63 - 1 become that number. Later
- * versions may add columns at the end. */
+/* Makes a table of all tasks, recordings and wells, with one row per value. Its columns are those of `vxfile table`,
+ * and its texts are UTF-8. Later changes of the document don't change it. Doses above 2^63 - 1 become that number.
+ * Later versions may add columns at the end. */
 VX_API int VX_CALL vx_table_open(vx_table** out, vx_document* results, int32_t table);
 VX_API int VX_CALL vx_table_get_size(vx_table* table, int64_t* rows, int64_t* columns);
 VX_API int VX_CALL vx_table_get_name(vx_table* table, int64_t column, char* buffer, int64_t* size);

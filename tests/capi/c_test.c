@@ -603,15 +603,22 @@ static int VX_CALL count_finding(void* user, int64_t offset, const char* where, 
     return ++count->findings == count->most_findings;
 }
 
+/* Callbacks that count, with another one for progress. */
+static vx_callbacks counting(struct counted* count, int(VX_CALL* progress)(void*, int64_t, int64_t)) {
+    vx_callbacks callbacks;
+    memset(&callbacks, 0, sizeof callbacks);
+    callbacks.size = sizeof callbacks;
+    callbacks.user = count;
+    callbacks.progress = progress;
+    callbacks.finding = count_finding;
+    return callbacks;
+}
+
 /* Checks another file within a check. */
 static int VX_CALL check_within(void* user, int64_t done, int64_t total) {
     struct counted inner = {0, 0, -1, -1};
-    vx_callbacks callbacks;
+    const vx_callbacks callbacks = counting(&inner, count_progress);
     vx_report* report = NULL;
-    memset(&callbacks, 0, sizeof callbacks);
-    callbacks.size = sizeof callbacks;
-    callbacks.user = &inner;
-    callbacks.progress = count_progress;
     WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, &callbacks));
     WORKS(vx_close(report));
     EXPECT(inner.progress > 0);
@@ -621,7 +628,7 @@ static int VX_CALL check_within(void* user, int64_t done, int64_t total) {
 static void check_in_a_callback(void) {
     struct counted outer = {0, 0, -1, -1};
     vx_writer* const writer = begin_small_example(own("long.vxd"));
-    vx_callbacks callbacks;
+    const vx_callbacks callbacks = counting(&outer, check_within);
     vx_report* report = NULL;
     const uint16_t sample = 1;
     int i;
@@ -629,10 +636,6 @@ static void check_in_a_callback(void) {
     for (i = 0; i < 600; ++i)
         WORKS(vx_writer_write(writer, 11, i * 100, i * 100, 100, &sample, 1));
     WORKS(vx_close(writer));
-    memset(&callbacks, 0, sizeof callbacks);
-    callbacks.size = sizeof callbacks;
-    callbacks.user = &outer;
-    callbacks.progress = check_within;
     WORKS(vx_verify(&report, own("long.vxd"), VX_FILE_RAW, &callbacks));
     WORKS(vx_close(report));
     EXPECT(outer.progress > 1);
@@ -640,7 +643,7 @@ static void check_in_a_callback(void) {
 
 static void check_and_recover(void) {
     struct counted count = {0, 0, -1, -1};
-    vx_callbacks callbacks;
+    const vx_callbacks callbacks = counting(&count, count_progress);
     vx_recover_options options = {sizeof options, 0, 1};
     vx_report* report = NULL;
     vx_report_summary summary;
@@ -648,13 +651,8 @@ static void check_and_recover(void) {
     char text[300];
     int64_t size = sizeof text;
     const char* const saved = own("saved.vxd");
-    memset(&callbacks, 0, sizeof callbacks);
     memset(&summary, 0, sizeof summary);
     memset(&finding, 0, sizeof finding);
-    callbacks.size = sizeof callbacks;
-    callbacks.user = &count;
-    callbacks.progress = count_progress;
-    callbacks.finding = count_finding;
     summary.size = sizeof summary;
     finding.size = sizeof finding;
     WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, NULL));

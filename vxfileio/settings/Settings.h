@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "vxfileio/settings/PropAnalyzer.h"
 #include "vxfileio/settings/PropControl.h"
 #include "vxfileio/settings/PropNotebook.h"
@@ -12,6 +14,9 @@
 #include "vxfileio/settings/XmlFileHeader.h"
 
 namespace vxfileio::settings {
+
+/// The first version whose files have the analyzer's marks. They are generated for older files.
+inline constexpr std::int32_t kFirstVersionWithMarks = 3;
 
 /// The content of a settings file.
 struct CSettings {

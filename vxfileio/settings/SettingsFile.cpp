@@ -13,9 +13,6 @@ namespace {
 
 constexpr std::string_view kSettingsOpenFailed = "Could not open settings file: ";
 
-/// The first version whose files have the analyzer's marks. They are generated for older files.
-constexpr std::int32_t kFirstVersionWithMarks = 3;
-
 /// The maximum number of generated marks. No plate has so many wells and doses; without this limit, a file that claims
 /// them would take memory in proportion to the product of two lists.
 constexpr std::size_t kMostMadeMarks = 100'000;
