@@ -8,6 +8,7 @@
 #include "recovery/Recover.h"
 #include "tools/vxfile/document/XmlVerify.h"
 #include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/raw/RemarkText.h"
 #include "tools/vxfile/system/ExitStatus.h"
 #include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/workbook/WorkbookVerify.h"
@@ -82,42 +83,6 @@ void CReport::Deliver(const CCallbacks& callbacks) const {
         callbacks.Find(found.offset, found.texts[VX_FINDING_WHERE], found.texts[VX_FINDING_MEANING]);
 }
 
-/// What a remark means, in the order of `recovery::EReason`.
-constexpr std::array kMeanings = {
-    "The bytes precede the file.",
-    "No header proves itself.",
-    "The file ends within a header.",
-    "No other whole header follows.",
-    "The header of a recording is damaged or lost.",
-    "Too many cells of the segment header are damaged.",
-    "The cells of the segment header contradict one another.",
-    "Bytes were taken out of it: the next header begins within it.",
-    "Bytes were taken out of the recording header.",
-    "The segment was cut; its last samples are gone.",
-    "The segment was cut; the samples before the cut are kept.",
-    "The file ends, but a segment should follow.",
-    "The file ends, but a recording should follow.",
-    "No position leads there.",
-    "Its times don't fit the interval of its well.",
-    "Cells of the segment header are damaged; they were computed from the others.",
-    "A position is wrong: it is damaged, or bytes were put in or taken out.",
-    "Bytes were put in after it or within it: its samples may be wrong from there on.",
-    "Bytes were taken out after it or within it: its samples may be wrong from there on.",
-    "Nothing confirms where it ends: its last samples may be wrong.",
-    "Bytes were put into its header; what follows it is whole.",
-    "Bytes were taken out of its header; what follows it is whole.",
-    "Bytes were taken out ahead of it or within its header: it may be of another well.",
-    "The file ends after the header of this recording: if it had segments, they are gone.",
-    "What lies here may be something else: two explanations are equally good.",
-    "It and the segments after it may be of a recording whose header was lost ahead of it.",
-    "The segment names this well, but by its times it is of another, where it is kept.",
-    "The recording doesn't list this well; an ID may be damaged.",
-    "Several segments have the same times.",
-    "Whole pages of zeros, which a power cut leaves in place of samples that never reached the disk.",
-    "A time didn't fit the interval; it was computed from the well's other segments.",
-};
-static_assert(kMeanings.size() == static_cast<std::size_t>(recovery::EReason::MadeTime) + 1);
-
 std::string PlaceOf(const recovery::CRemark& remark) {
     std::string place;
     if (remark.recording) place += "recording " + std::to_string(*remark.recording) + " > ";
@@ -127,8 +92,7 @@ std::string PlaceOf(const recovery::CRemark& remark) {
 
 void CReport::AddRemarks(const recovery::CRemarks& remarks, const char* found) {
     for (const auto& remark : remarks.first) {
-        const char* const meaning = kMeanings[static_cast<std::size_t>(remark.reason)];
-        m_found.push_back({remark.from, remark.to, {PlaceOf(remark), found, "", meaning}});
+        m_found.push_back({remark.from, remark.to, {PlaceOf(remark), found, "", vxfile::TextOf(remark)}});
     }
     m_count += static_cast<std::int64_t>(remarks.first.size() + remarks.more);
 }

@@ -7,135 +7,14 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vxfile/raw/RemarkText.h"
 #include "tools/vxfile/report/Text.h"
-#include "vxfileio/rawdata/Layout.h"
 
 namespace vxfile {
 
 using namespace vxfileio::recovery;
 
 namespace {
-
-/// Returns the keys of cells of a segment header.
-std::string KeysOf(const CRows& rows) {
-    std::string keys;
-    const auto& layout = vxfileio::rawdata::Layouts().back().segment;
-    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        if (rows[row]) keys.append(keys.empty() ? "" : ", ").append(layout.cells[row].key);
-    }
-    return keys;
-}
-
-std::string CutText(const CRemark& remark) {
-    const std::string text = "the segment was cut: " + std::to_string(remark.missing) + " of its " +
-                             std::to_string(remark.count) + " samples are not in the file";
-    if (remark.reason == EReason::CutKept) return text + ", those before are kept";
-    return text + (remark.should != 0 ? " (--cut keeps the others)" : "");
-}
-
-std::string MissingText(const CRemark& remark) {
-    const bool isSegment = remark.reason == EReason::MissingSegment;
-    return std::string("the file ends, but ") +
-           (isSegment ? "FPosNextSegmentHdr of the segment before" : "the position of the next recording") +
-           " leads to byte " + std::to_string(remark.told) + ": at least one " + (isSegment ? "segment" : "recording") +
-           " is gone";
-}
-
-std::string DamagedText(const CRemark& remark) {
-    const char* const means = remark.lost.none()   ? ", but legible"
-                              : remark.should != 0 ? ", whose values are lost"
-                                                   : ", restored from the others";
-    return "damaged cells: " + KeysOf(remark.cells) + means;
-}
-
-std::string SharedText(const CRemark& remark) {
-    return "this well has two segments of the same times (" + Counted(remark.count, "case") + ")" +
-           (remark.told >= 0 ? ", while well " + std::to_string(remark.told) + " has none then" : "") +
-           "; an ID may be damaged";
-}
-
-std::string LossText(const CRemark& remark) {
-    switch (remark.reason) {
-        case EReason::BeforeFile:
-            return "they precede the file";
-        case EReason::EndsInHeader:
-            return "the file ends within a header";
-        case EReason::EndsInRubbish:
-            return "no whole header follows";
-        case EReason::LostRecording:
-            return "the recording header is damaged or lost";
-        case EReason::DamagedSegment:
-            return "damaged cells: " + KeysOf(remark.cells);
-        case EReason::Contradiction:
-            return "the cells of the segment header contradict one another";
-        case EReason::TakenOutOf:
-            return "bytes were taken out of it: the next header begins within it";
-        case EReason::TakenOutOfHeader:
-            return "bytes were taken out of the recording header";
-        case EReason::Cut:
-        case EReason::CutKept:
-            return CutText(remark);
-        case EReason::MissingSegment:
-        case EReason::MissingRecording:
-            return MissingText(remark);
-        case EReason::NotReached:
-            return "no position leads there";
-        case EReason::OtherInterval:
-            return "its times don't fit the interval of its well, " + std::to_string(remark.told) +
-                   ": the well ID or a time is damaged";
-        default:
-            break;
-    }
-    const bool hasRoom =
-        remark.to - remark.from >= static_cast<std::int64_t>(vxfileio::rawdata::Layouts().back().recording.size);
-    return std::string("no conclusive header") + (hasRoom ? "; one of a recording may be among it" : "");
-}
-
-std::string DoubtText(const CRemark& remark) {
-    switch (remark.reason) {
-        case EReason::DamagedCells:
-            return DamagedText(remark);
-        case EReason::Position:
-            return remark.what + " is " + std::to_string(remark.told) + ", but should be " +
-                   std::to_string(remark.should) + ": it is damaged, or bytes were put in or taken out";
-        case EReason::PutIn:
-            return "bytes were put in after it or within it: its samples may be wrong from there on";
-        case EReason::TakenOut:
-            return "bytes were taken out after it or within it: its samples may be wrong from there on";
-        case EReason::Unconfirmed:
-            return "nothing confirms where it ends: its last samples may be wrong";
-        case EReason::PutIntoHeader:
-            return "bytes were put into its header; what follows it is whole";
-        case EReason::TakenFromHeader:
-            return "bytes were taken out of its header; what follows it is whole";
-        case EReason::OtherHeader:
-            return "bytes were taken out ahead of it or within its header: it may be of another well";
-        case EReason::MaybeEmpty:
-            return "the file ends after the header of this recording: if it had segments, they are gone";
-        case EReason::Ambiguous:
-            return "what lies here may be something else: two explanations are equally good";
-        case EReason::OtherRecording:
-            return "the header of a recording may be among the bytes lost ahead of it: it and the segments after it "
-                   "may be "
-                   "of another recording";
-        case EReason::OtherWell:
-            return "the segment names this well, but by its times it is one of well " + std::to_string(remark.told) +
-                   ", where it is kept";
-        case EReason::Unlisted:
-            return "the recording doesn't list this well, which has " + Counted(remark.count, "segment") +
-                   "; an ID may be damaged";
-        case EReason::SharedTimes:
-            return SharedText(remark);
-        case EReason::LostPages:
-            return "zeros that begin with a page of 4096 bytes: a power cut leaves these in place of samples that "
-                   "never "
-                   "reached the disk";
-        case EReason::MadeTime:
-            return remark.what + " doesn't fit the interval; it was computed from the well's other segments";
-        default:
-            return {};
-    }
-}
 
 void PrintWells(std::ostream& out, std::map<std::int32_t, CKeptWell> kept, const CPlateView& view) {
     std::erase_if(kept, [&](const auto& well) { return !view.choice.HasWell(well.first); });
@@ -209,54 +88,6 @@ CJson RecordingJson(const CReportedRecording& recording, const CPlateLabels& lab
             {"lost", CJson::array()},
             {"doubts", CJson::array()}};
 }
-
-}  // namespace
-
-std::string TextOf(const CRemark& remark) {
-    const std::string doubt = DoubtText(remark);
-    return doubt.empty() ? LossText(remark) : doubt;
-}
-
-std::string TextOf(const CNote& note, const std::string& header) {
-    const std::string said = note.from > 0 ? "; the header said " + std::to_string(note.from) : "";
-    const std::string well = note.wells.empty() ? std::string() : std::to_string(note.wells.front());
-    switch (note.kind) {
-        case CNote::EKind::Lost:
-            return "lost from " + header + ": " + note.keys;
-        case CNote::EKind::Told:
-            return "damaged in " + header + ", but restored from the rest of the file: " + note.keys;
-        case CNote::EKind::Legible:
-            return "damaged in " + header + ", but legible: " + note.keys;
-        case CNote::EKind::Odd:
-            return "with a separator in " + header + ", damaged or from another program: " + note.keys;
-        case CNote::EKind::MadeUp:
-            return "its header is lost and was rebuilt";
-        case CNote::EKind::WellsOfSegments:
-            return "the wells are those of its segments";
-        case CNote::EKind::ListedTwice:
-            return "well " + well + " was listed twice";
-        case CNote::EKind::ListedNow:
-            return (note.wells.size() == 1 ? "listed now, as it has segments: well "
-                                           : "listed now, as they have segments: wells ") +
-                   ListText(note.wells);
-        case CNote::EKind::Interval:
-            return "the interval of well " + well + " is " + std::to_string(note.to) + ", computed from its segments" +
-                   said;
-        case CNote::EKind::NoInterval:
-            return "the interval of well " + well + " isn't known" + said;
-        case CNote::EKind::NoAuxChannels:
-            return "auxiliary channels are left out: their cells don't agree";
-        case CNote::EKind::TooManyWells:
-            return "not all of its wells fit into the header";
-        case CNote::EKind::NewVersion:
-            return "the file is of version " + std::to_string(note.to) + " now";
-        case CNote::EKind::NewVersionWithoutStart:
-            return "the file is of version " + std::to_string(note.to) + " now, with start times of 0";
-    }
-    return {};
-}
-
-namespace {
 
 /// Prints a recording with what was kept, lost or in doubt.
 void PrintRecording(std::ostream& out, const CReport& report, std::uint32_t index, const CPlateView& view) {

@@ -15,12 +15,6 @@ struct CRecoverNames {
     std::string target;
 };
 
-/// Returns why something is lost or in doubt, as a clause.
-std::string TextOf(const vxfileio::recovery::CRemark& remark);
-
-/// Returns what had to be made up, as a clause. `header` names the header.
-std::string TextOf(const vxfileio::recovery::CNote& note, const std::string& header);
-
 /// Prints a report for people: of recordings and wells only those that are chosen, but the sums of all.
 void PrintReport(std::ostream& out, const vxfileio::recovery::CReport& report, const CRecoverNames& names,
                  const CPlateView& view);
