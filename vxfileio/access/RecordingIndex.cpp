@@ -6,6 +6,7 @@
 #include "vxfileio/access/PieceReader.h"
 #include "vxfileio/access/SelectionData.h"
 #include "vxfileio/base/ExcVXReader.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
 
 CRecordingIndex::CRecordingIndex(std::shared_ptr<const vxfileio::access::CIndexData> data) : m_data(std::move(data)) {}
 
@@ -22,7 +23,7 @@ CSegmentInfo CRecordingIndex::GetSegment(std::size_t number) const noexcept {
 
 void CRecordingIndex::ReadSegment(std::size_t number, std::span<std::uint16_t> samples) const {
     const auto row = m_data->segments.Row(number);
-    if (samples.size() != row.samples) throw CExcVXReader("The buffer doesn't match the segment.");
+    if (samples.size() != row.samples) throw CExcVXReader(vxfileio::rawdata::kWrongBuffer);
     vxfileio::access::ReadBytes(m_data->reader->File(), m_data->fileSize, row.offset, std::as_writable_bytes(samples));
 }
 

@@ -58,7 +58,7 @@ class VXFILEIO_API CRecordingIndex {
 
     /// Reads the samples of one segment into the caller's buffer. Those beyond the end of a cut file are 0. Requires:
     /// `number` is below `GetSegmentCount()`. Throws `CExcVXReader` with "The buffer doesn't match the segment." unless
-    /// the buffer has room for exactly its samples.
+    /// the buffer has room for exactly its samples, and as `CSampleSelection::Read` does if they can't be read.
     void ReadSegment(std::size_t number, std::span<std::uint16_t> samples) const;
 
     /// Returns the number of samples of all segments that are certainly in the file.

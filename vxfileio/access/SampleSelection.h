@@ -26,7 +26,7 @@ struct CSampleRequest {
     /// The first segment, counted from 0 in the order of the file. To bound the memory for the buffers of a long
     /// recording, read some segments after the others.
     std::size_t FirstSegment = 0;
-    /// The number of segments, as far as there are so many. The default is all.
+    /// The number of segments; fewer if the recording ends first. The default is all.
     std::size_t Segments = std::numeric_limits<std::size_t>::max();
 };
 

@@ -29,6 +29,7 @@ inline constexpr const char* kTooManySamples = "The segment holds too many sampl
 inline constexpr const char* kNoSuchRecording = "The file has no such recording.";
 inline constexpr const char* kUnfinished = "The recording isn't finished.";
 inline constexpr const char* kWrongBuffers = "The buffers don't match the wells.";
+inline constexpr const char* kWrongBuffer = "The buffer doesn't match the segment.";
 
 // Values that are written as given although readers can't use them. `GetWriteError` reports them; the key of the cell
 // follows where the text ends in a blank.
