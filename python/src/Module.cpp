@@ -3,6 +3,7 @@
 #include "python/src/Call.h"
 #include "python/src/Convert.h"
 #include "python/src/Parts.h"
+#include "vxfileio/base/FileMarks.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 
 namespace vxfileio::python {
@@ -34,6 +35,14 @@ void BindTexts(py::module_& module) {
     module.attr("_texts") = texts;
 }
 
+/// The bytes that files of a kind begin with.
+void BindMarks(py::module_& module) {
+    py::dict marks;
+    marks["raw"] = py::bytes(base::kRawDataMark);
+    marks["workbook"] = py::bytes(base::kCompoundMark);
+    module.attr("_marks") = marks;
+}
+
 }  // namespace vxfileio::python
 
 PYBIND11_MODULE(_vxfileio, module) {
@@ -42,6 +51,7 @@ PYBIND11_MODULE(_vxfileio, module) {
     module.attr("_records") = py::list();
     RegisterFailures();
     BindTexts(module);
+    BindMarks(module);
     BindWords(module);
     BindRawHeaders(module);
     BindRawReading(module);

@@ -1,9 +1,7 @@
-#include <pybind11/functional.h>
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -107,25 +105,13 @@ void BindRawReading(py::module_& module) {
     py::class_<CNamedFile>(module, "RawDataFile")
         .def(py::init(&OpenFile), py::arg("path"))
         .def("header", [](const CNamedFile& named) { return named.file.GetFileHdr(); })
-        .def("recordings",
-             [](const CNamedFile& named) {
-                 py::list headers;
-                 for (const CRawDataRecordingHdr& header : named.file.GetRecordings())
-                     headers.append(py::cast(header));
-                 return headers;
-             })
+        .def("recordings", [](const CNamedFile& named) { return named.file.GetRecordings(); })
         .def("find", [](const CNamedFile& named, const py::str& task,
                         std::int32_t number) { return named.file.FindRecording(TextFromPython(task), number); })
         .def("index", &ReadIndex, py::arg("recording"), py::arg("unfinished"), py::arg("up_to_damage"));
 
     py::class_<CNamedIndex>(module, "RecordingIndex")
-        .def("wells",
-             [](const CNamedIndex& named) {
-                 py::list wells;
-                 for (const CRawDataChannelInfo& well : named.index.GetWells())
-                     wells.append(py::cast(well));
-                 return wells;
-             })
+        .def("wells", [](const CNamedIndex& named) { return named.index.GetWells(); })
         .def("segments", &SegmentsOf)
         .def("certain_samples", [](const CNamedIndex& named) { return named.index.GetCertainSamples(); })
         .def("damage", [](const CNamedIndex& named) { return named.index.GetDamage(); })

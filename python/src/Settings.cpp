@@ -1,7 +1,6 @@
 #include "vxfileio/settings/Settings.h"
 
-#include <pybind11/stl.h>
-
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,6 +38,7 @@ void BindPlate(py::module_& module) {
         .Add("RowLabels", &PlateMap::RowLabels)
         .Add("ColumnLabels", &PlateMap::ColumnLabels);
     CRecordClass<PlateWell>(module, "PlateWell").AddForm();
+    module.attr("_new_well") = PlateWell::kNew;
     CRecordClass<PlateCompound>(module, "PlateCompound").AddForm();
     CRecordClass<PlateData>(module, "PlateData").AddPartOf<CPropRecordPlate>().Add("Layout", &PlateData::Layout);
     CRecordClass<CPropRecordPlate>(module, "PropRecordPlate")

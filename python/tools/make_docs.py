@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Writes a module with what the public headers say about each class and member, for `help` in Python.
+"""Writes a module with the comments on classes and members in the public headers, for `help` in Python.
 
     make_docs.py SOURCE_FOLDER OUTPUT
 
@@ -19,15 +19,15 @@ COMMENT = re.compile(r"///<? ?(.*)")
 
 
 def members_of(body):
-    """Yields the members of a class with their comments, which are above them or after them."""
-    above, current = [], None
+    """Returns the members of a class as pairs of name and comment lines, which are above the member or after it."""
+    members, above, current = [], [], None
     for line in body.splitlines():
         member = MEMBER.match(line)
         comment = COMMENT.search(line)
         if member:
             current = [member[1], above + [comment[1]] if comment else above]
             above = []
-            yield current
+            members.append(current)
         elif comment and line.lstrip().startswith("///<") and current:
             current[1].append(comment[1])
         elif comment and line.lstrip().startswith("///"):
@@ -35,6 +35,7 @@ def members_of(body):
             current = None
         else:
             above, current = [], None
+    return members
 
 
 def main(source, output):
@@ -43,7 +44,7 @@ def main(source, output):
         for above, name, heritage, body in CLASS.findall(header.read_text(encoding="utf-8")):
             docs[name] = " ".join(COMMENT.findall(above))
             bases[name] = re.findall(r"\bC?([A-Z]\w+)", heritage)
-            for member, comment in list(members_of(body.split("private:")[0])):
+            for member, comment in members_of(body.split("private:")[0]):
                 if comment:
                     docs[f"{name}.{member}"] = " ".join(comment)
     for name, others in bases.items():

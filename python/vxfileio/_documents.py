@@ -7,18 +7,18 @@ import errno
 import os
 import re
 from collections.abc import Iterator
-from typing import TYPE_CHECKING, Any, Optional, TypeVar, Union
+from typing import TYPE_CHECKING, Any, Optional, TypeVar
 
 import numpy as np
 
 from . import _vxfileio
 from ._errors import DamagedFileError, FileError, UnknownFileError, refusal
 from ._text import printable, table
+from ._types import Path
 
 if TYPE_CHECKING:
     import pandas
 
-Path = Union[str, bytes, os.PathLike]
 Document = TypeVar("Document", bound="_Document")
 
 FIRST_COMPOUND = -1
@@ -198,12 +198,10 @@ class Results(_Document, _vxfileio.ResultsContent):
         return table(f"Results {self.path}", ("task", "recording", "dose", "wells"), rows)
 
 
-NEW_WELL = 2
-
-
 def _workbooks_of_wells(path: str, settings: Settings) -> list[str]:
     """Returns the paths of the workbooks of wells that an export writes. It skips labels that no name can have."""
     title, extension = os.path.splitext(path)
-    labels = [well.Label for well in settings.RecordPlate.Data.Wells if well is not None and well.State == NEW_WELL]
+    labels = [well.Label for well in settings.RecordPlate.Data.Wells
+              if well is not None and well.State == _vxfileio._new_well]
     paths = [f"{title}-{label}{extension}" for label in labels if not re.search(r"[/\\\x00-\x1f\x7f]", label)]
     return list(dict.fromkeys(p for p in paths if len(os.fsencode(os.path.basename(p))) <= 255))

@@ -9,6 +9,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from ._raw import Recording
+from ._types import sample_type
 
 
 class Run(NamedTuple):
@@ -51,9 +52,8 @@ def read_run(recording: Recording, wells: Sequence[int], runs: Sequence[Run], nu
 
     `runs` are all runs of the wells: where they overlap, the same times are in more than one run.
     """
-    dtype = np.dtype(np.float64 if scaled else np.uint16)
     if count <= 0 or not wells:
-        return np.empty((len(wells), max(count, 0)), dtype)
+        return np.empty((len(wells), max(count, 0)), sample_type(scaled))
     run = runs[number]
     start = run.time_from + first * run.interval
     stop = start + count * run.interval

@@ -12,14 +12,11 @@ from typing import Any, Optional, Union
 from ._documents import Results, Settings
 from ._errors import UnknownFileError
 from ._raw import Recordings
-
-Path = Union[str, bytes, os.PathLike]
+from ._types import Path
+from ._vxfileio import _marks
 
 LOOK_AHEAD = 64 << 10
-"""Bytes of a document in which its section is looked for."""
-
-RAW_MARK = b"OVL Vexaprobe"
-COMPOUND_MARK = bytes.fromhex("d0cf11e0a1b11ae1")
+"""The number of bytes of a document that are searched for its section."""
 
 DOCUMENT_MARKS = (
     (rb"<Settings[\s/>]", "settings"),
@@ -48,9 +45,9 @@ def kind_of(path: Path) -> str:
         head = file.read(LOOK_AHEAD)
     if not head:
         return "empty"
-    if head.startswith(RAW_MARK):
+    if head.startswith(_marks["raw"]):
         return "raw"
-    if head.startswith(COMPOUND_MARK):
+    if head.startswith(_marks["workbook"]):
         return "workbook"
     if head.removeprefix(b"\xef\xbb\xbf").lstrip(b" \t\r\n").startswith(b"<"):
         return next((kind for mark, kind in DOCUMENT_MARKS if re.search(mark, head)), "unknown")

@@ -14,6 +14,7 @@ from numpy.typing import NDArray
 from . import _vxfileio
 from ._errors import MissingSamplesWarning, NoSuchRecordingError, NoSuchWellError, UsageError, warn
 from ._text import printable, table
+from ._types import Path, sample_type
 
 if TYPE_CHECKING:
     import pandas
@@ -41,7 +42,7 @@ class Recordings:
     at the same time. Pickling stores the path and how the file was opened; unpickling opens it again.
     """
 
-    def __init__(self, path: Union[str, bytes, os.PathLike], *, settings: Optional[Settings] = None,
+    def __init__(self, path: Path, *, settings: Optional[Settings] = None,
                  ticks_per_second: Optional[float] = None, unfinished: bool = False, partial: bool = False) -> None:
         self.path: str = os.fsdecode(path)
         self.settings = settings
@@ -53,8 +54,7 @@ class Recordings:
         self._absolute = os.path.abspath(self.path)
         self._file: Optional[_vxfileio.RawDataFile] = _vxfileio.RawDataFile(os.fsencode(path))
         self.header: _vxfileio.RawDataFileHdr = self._file.header()
-        headers = self._file.recordings()
-        self.recordings = RecordingList(self, headers)
+        self.recordings = RecordingList(self, self._file.recordings())
 
     def close(self) -> None:
         """Closes the file. Closing it twice is not an error."""
@@ -263,7 +263,7 @@ class Recording:
     def _read(self, names: Sequence[Well], selection: _vxfileio.SampleSelection, scaled: bool,
               out: Optional[Mapping[Well, NDArray]] = None) -> dict[Well, NDArray]:
         counts = [count for _, count, _ in selection.wells()]
-        dtype: np.dtype[Any] = np.dtype(np.float64 if scaled else np.uint16)
+        dtype = sample_type(scaled)
         if out is None:
             arrays: list[NDArray[Any]] = [np.empty(count, dtype) for count in counts]
         else:
@@ -296,8 +296,7 @@ class Recording:
         columns["time"] = np.concatenate(times) if times else np.empty(0, np.int64)
         if self.run.ticks_per_second is not None:
             columns["seconds"] = self._in_seconds(columns["time"])
-        dtype = np.dtype(np.float64 if scaled else np.uint16)
-        columns["value"] = np.concatenate(list(arrays.values())) if arrays else np.empty(0, dtype)
+        columns["value"] = np.concatenate(list(arrays.values())) if arrays else np.empty(0, sample_type(scaled))
         return pandas.DataFrame(columns, copy=False)
 
     def to_xarray(self, wells: Optional[Sequence[Well]] = None, start: Optional[int] = None,

@@ -73,7 +73,7 @@ def _equal(record: Any, other: Any) -> Any:
 
 
 def adopt(classes: Iterable[type]) -> None:
-    """Gives record classes of the binding what they have in common, and their attributes what the headers say."""
+    """Adds the common methods to record classes of the binding, and docstrings from the C++ headers."""
     common = {"__repr__": _repr, "_repr_html_": _repr_html, "__reduce__": _reduce, "__eq__": _equal, "__hash__": None,
               "to_dict": to_dict}
     for made in classes:

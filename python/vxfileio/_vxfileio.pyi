@@ -7,6 +7,8 @@ from ._words import Word
 
 _records: list[type]
 _texts: dict[str, str]
+_marks: dict[str, bytes]
+_new_well: int
 
 class RawDataFile:
     def __init__(self, path: bytes) -> None: ...

@@ -1,4 +1,4 @@
-"""The enumerations: their members are the words that files hold."""
+"""The enumerations. Their members are the words in the files."""
 
 import enum
 from typing import Sequence

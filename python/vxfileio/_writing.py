@@ -6,7 +6,7 @@ import errno
 import operator
 import os
 import threading
-from typing import Any, Optional, Union
+from typing import Any, Optional
 
 import numpy as np
 from numpy.typing import ArrayLike
@@ -15,8 +15,7 @@ from . import _vxfileio
 from ._errors import FileError, UsageError, WriteWarning, refusal, warn
 from ._raw import FIRST_TIME, LAST_TIME
 from ._text import printable
-
-Path = Union[str, bytes, os.PathLike]
+from ._types import Path
 
 
 class RawWriter:

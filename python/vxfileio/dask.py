@@ -33,10 +33,12 @@ import dask.dataframe
 import numpy as np
 import pandas
 from numpy.typing import NDArray
+from ._documents import Results
 
 from ._errors import EmptyFileError, Error, FileError, UnknownFileError, UsageError
 from ._groups import Group, groups_of, read_run
-from ._open import Path, kind_of, open, open_raw
+from ._open import kind_of, open_raw
+from ._types import Path, sample_type
 from ._raw import Recording, Well
 
 Paths = Union[Path, Iterable[Path]]
@@ -65,9 +67,9 @@ def catalog(paths: Paths, files_per_partition: Optional[int] = None) -> dask.dat
     """Returns a table of raw data files with one row per recording. No samples are read.
 
     Columns: `path`, `Guid`, `plate`, `compound`, `task`, `number`, `dose` in picomolar, `wells`, `samples` (of all
-    wells, as many as are certainly in the file), `state` and `error`. The state is "finished", "unfinished", "damaged",
-    or, if the system refuses to read the file, "unreadable". A file whose recordings can't be listed has one row.
-    Without the last three columns, the headers of segments aren't read.
+    wells; only those that are certainly in the file), `state` and `error`. The state is "finished", "unfinished",
+    "damaged", or, if the system refuses to read the file, "unreadable". A file whose recordings can't be listed has one
+    row. Reads the headers of segments only if one of the last three columns is used.
     """
     return _table(_catalog_of, CATALOG, paths, files_per_partition)
 
@@ -104,9 +106,9 @@ def samples(path: Path, recording: Union[int, tuple[str, int]] = 0, wells: Optio
             scaled: bool = False, chunk_bytes: int = 64 << 20, **options: Any) -> dict[Well, dask.array.Array]:
     """Returns the samples of one recording as dask arrays: one for each well, by the name that was used for it.
 
-    `recording` is its number in the file, or `(task, number)`. The arrays have what `Recording.read` returns. Its
-    headers are read at once, samples when the result is computed, and only those that are needed. Wells that were
-    sampled at the same times share chunks of at most `chunk_bytes`, which end where the times have a gap or overlap.
+    `recording` is an index in the file, or `(task, number)`. The arrays have the same content as those that
+    `Recording.read` returns. Headers are read at once; samples only when a result needs them. Wells that were sampled
+    at the same times share chunks of at most `chunk_bytes`, which end at gaps and overlaps.
     `options` are those of `vxfileio.open`.
     """
     run = open_raw(os.path.abspath(os.fsdecode(path)), **options)
@@ -133,7 +135,7 @@ class _LazySamples:
         self.recording = recording
         self.group = group
         self.scaled = scaled
-        self.dtype = np.dtype(np.float64 if scaled else np.uint16)
+        self.dtype = sample_type(scaled)
         self.shape = (len(group.wells), sum(run.samples for run in group.runs))
 
     def chunks(self, most_bytes: int) -> tuple[tuple[int, ...], tuple[int, ...]]:
@@ -249,7 +251,7 @@ def _catalog_of(path: str, columns: Sequence[str]) -> Iterator[Piece]:
 
 
 def _condition_of(recording: Recording, columns: Sequence[str]) -> Row:
-    """Returns what the segments say. Doesn't read their headers unless that is asked for."""
+    """Returns the columns that need the segments. Reads no segment if `columns` has none of them."""
     if not {"samples", "state", "error"} & set(columns):
         return {}
     error = _missing_text(recording)
@@ -260,7 +262,7 @@ def _condition_of(recording: Recording, columns: Sequence[str]) -> Row:
 def _responses_of(path: str, columns: Sequence[str]) -> Iterator[Piece]:
     if kind_of(path) != "results":
         raise UnknownFileError(errno.EINVAL, "The file isn't a results file", path)
-    results: Any = open(path)
+    results = Results.read(path)
     yield results.responses.assign(path=path, Guid=results.Header.Guid, error=None)
 
 

@@ -36,8 +36,9 @@ from numpy.typing import NDArray
 
 from ._errors import UsageError
 from ._groups import Run, groups_of, read_run
-from ._open import Path, open_raw
+from ._open import open_raw
 from ._raw import Recording, Recordings
+from ._types import Path
 
 NO_RATE = "Sampling rates need ticks_per_second, which the file doesn't have: pass ticks_per_second=..."
 
