@@ -1,11 +1,11 @@
 #!/usr/bin/python3
 """Measures how vxfileio.dask grows with plates and workers. Prints the figures of docs/scaling.md: wall
-seconds, speed against one worker, CPU ms per plate of the workers, of one thread without a cluster and of scheduler and
+seconds, speedup over one worker, CPU ms per plate of the workers, of one thread without a cluster and of scheduler and
 client, MiB of a worker before the first task and beyond it.
 
     bench/scaling.py FOLDER [ROUNDS]
 
-Makes the campaign in FOLDER, unless it is there. Workers are processes of one thread on this machine; starting them
+Makes the campaign in FOLDER, unless it exists. Workers are processes of one thread on this machine; starting them
 isn't measured. Wall times are medians; CPU times are sums over the workers, and of the median round.
 """
 
@@ -51,7 +51,7 @@ def cpu_seconds():
 
 
 def peak_mib():
-    """Returns the peak of this program. `ru_maxrss` would include that of the program that started it."""
+    """Returns the peak memory of this process. `ru_maxrss` would include that of its parent before the fork."""
     line = next(line for line in pathlib.Path("/proc/self/status").read_text().splitlines() if line.startswith("VmHWM"))
     return int(line.split()[1]) / 1024
 
@@ -85,20 +85,23 @@ def measure_alone(job, paths, rounds):
     return statistics.median(once() for _ in range(rounds))
 
 
-def campaign_in(folder):
-    paths = sorted(folder.glob("*/*.vxd"), key=lambda path: path.name)
-    if len(paths) < max(SIZES):
+def raw_files_in(folder):
+    return sorted(folder.glob("*/*.vxd"), key=lambda path: path.name)
+
+
+def make_campaign(folder):
+    """Makes the campaign unless it exists, and returns its raw data files."""
+    if len(raw_files_in(folder)) < max(SIZES):
         script = pathlib.Path(__file__).resolve().parents[1] / "scripts/campaign.py"
         subprocess.run([sys.executable, script, folder, str(max(SIZES))], check=True)
-        paths = sorted(folder.glob("*/*.vxd"), key=lambda path: path.name)
-    return paths
+    return raw_files_in(folder)
 
 
 def main():
     if not 2 <= len(sys.argv) <= 3 or sys.argv[1].startswith("-"):
         sys.exit(__doc__)
     folder, rounds = pathlib.Path(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) == 3 else 3
-    paths = campaign_in(folder)
+    paths = make_campaign(folder)
     for job in JOBS:
         for size in SIZES:
             alone = measure_alone(job, paths[:size], rounds)
@@ -110,7 +113,7 @@ def main():
                 print(f"| {job} | {size} | {workers} | {wall:.2f} | {walls[1] / wall:.2f} | {1e3 * cpu / size:.2f} | "
                       f"{1e3 * alone / size:.2f} | {1e3 * here / size:.2f} | {idle:.0f} | {peak - idle:.0f} |",
                       flush=True)
-    print(f"Load when it ended: {os.getloadavg()[0]:.0f}")
+    print(f"Load at the end: {os.getloadavg()[0]:.0f}")
 
 
 if __name__ == "__main__":

@@ -10,21 +10,25 @@ import vxfileio
 REFERENCE = pathlib.Path(__file__).resolve().parents[1] / "reference"
 sys.path[:0] = [str(REFERENCE), str(REFERENCE / "xml")]
 
-@pytest.fixture(scope="session")
-def vxfile():
-    """Runs the program vxfile, from the build that has the package, and returns what it prints."""
-    program = pathlib.Path(vxfileio.__file__).resolve().parents[2] / "bin" / "vxfile"
+
+def built(name):
+    """Returns a program from the build that has the package. Skips the test if it isn't built."""
+    program = pathlib.Path(vxfileio.__file__).resolve().parents[2] / "bin" / name
     if not program.exists():
         pytest.skip(f"{program} isn't built")
+    return program
+
+
+@pytest.fixture(scope="session")
+def vxfile():
+    """Returns a function that runs the program vxfile and returns its output."""
+    program = built("vxfile")
     return lambda *arguments: subprocess.run([program, *arguments], check=True, capture_output=True).stdout
 
 
 @pytest.fixture(scope="session")
 def plate(tmp_path_factory):
     """Returns a folder with the files of the example plate."""
-    program = pathlib.Path(vxfileio.__file__).resolve().parents[2] / "bin" / "plate_run"
-    if not program.exists():
-        pytest.skip(f"{program} isn't built")
     folder = tmp_path_factory.mktemp("plate")
-    subprocess.run([program, folder], check=True, capture_output=True)
+    subprocess.run([built("plate_run"), folder], check=True, capture_output=True)
     return folder

@@ -112,15 +112,15 @@ def test_mapped_functions_have_the_same_result_in_threads_and_processes(schedule
     assert list(table.path.unique()) == paths[:12]
 
 
-def test_functions_return_values_rows_or_tables_and_may_be_told_the_columns(plates):
+def test_functions_return_values_rows_or_tables_and_can_receive_the_columns(plates):
     path = plates[0][0]
     asked = []
 
-    def told(recording, columns):
+    def with_columns(recording, columns):
         asked.append(columns)
         return {"a": 1, "b": 2.5}
 
-    table = vxfileio.dask.map_recordings(path, told, meta={"a": int, "b": float})
+    table = vxfileio.dask.map_recordings(path, with_columns, meta={"a": int, "b": float})
     assert table["b"].sum().compute() == 10 and set(map(tuple, asked)) == {("b",)}
     counts = vxfileio.dask.map_recordings(path, lambda recording: len(recording.segments()))
     assert list(counts.compute()["value"]) == [12] * 4

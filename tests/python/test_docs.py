@@ -1,7 +1,7 @@
-"""Every block of docs/python.md runs, and prints what the page says.
+"""Runs every block of docs/python.md, and compares its output with the page.
 
-As a command, `test_docs.py FOLDER` runs the page in that folder, writes the output into the page, and the pictures beside
-it.
+As a command, `test_docs.py FOLDER` runs the page in that folder, and updates the output in the page and the pictures
+next to it.
 """
 
 import contextlib
@@ -14,6 +14,7 @@ import sys
 
 PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "python.md"
 BLOCK = re.compile(r"```python\n(.*?)```\n(?:\n```text\n(.*?)```\n)?", re.DOTALL)
+PICTURES = ("trace", "plate", "heat_map", "dose_response")
 
 
 def run_page(page):
@@ -30,7 +31,7 @@ def test_every_block_runs_and_prints_what_the_page_says(plate, monkeypatch):
     monkeypatch.chdir(plate)
     for block, printed in run_page(PAGE.read_text("utf-8")):
         assert printed == (block[2] or ""), block[1]
-    for picture in ("trace", "plate", "heat_map", "dose_response"):
+    for picture in PICTURES:
         assert (plate / f"{picture}.png").read_bytes().startswith(b"\x89PNG")
 
 
@@ -52,5 +53,5 @@ if __name__ == "__main__":
         new = f"```python\n{found[1]}```\n" + (f"\n```text\n{output}```\n" if output else "")
         text = text.replace(found[0], new)
     PAGE.write_text(text, "utf-8")
-    for name in ("trace", "plate", "heat_map", "dose_response"):
+    for name in PICTURES:
         shutil.copy(f"{name}.png", PAGE.parent / f"python-{name}.png")

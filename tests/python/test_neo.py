@@ -20,6 +20,7 @@ COMPLIANCE = [rawio_compliance.header_is_total, rawio_compliance.count_element, 
               rawio_compliance.read_spike_times, rawio_compliance.read_spike_waveforms, rawio_compliance.read_events,
               rawio_compliance.has_annotations]
 
+
 @pytest.fixture
 def uneven(tmp_path):
     return uneven_files.uneven(tmp_path / "uneven.vxd")

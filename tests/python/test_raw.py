@@ -7,6 +7,7 @@ import pickle
 import numpy as np
 import pytest
 import read_vxd
+import uneven_files
 import vxfileio as vx
 from conftest import REFERENCE
 
@@ -102,9 +103,13 @@ def test_values_are_scaled_and_windows_are_half_open():
             recording.samples(*arguments)
 
 
-def test_gaps_begin_runs():
-    recording = vx.open(REFERENCE / "several_recordings.vxd").recordings[0]
-    assert recording.runs(2).tolist() == [(0, 50, 3, 0)]
+def test_gaps_and_overlaps_begin_runs_and_segments_alone_do_not(tmp_path):
+    recording = vx.open(RUN).recordings[0]
+    assert recording.runs(2).tolist() == [(0, 50, 3, 0)]  # two segments
+    uneven = vx.open(uneven_files.uneven(tmp_path / "uneven.vxd")).recordings[0]
+    assert uneven.runs(11).tolist() == [(1000, 100, 3, 0), (9000, 100, 4, 3)]
+    assert uneven.runs(13).tolist() == [(0, 50, 4, 0), (100, 50, 3, 4)]
+    assert uneven.runs(13, 100, 200).tolist() == [(100, 50, 2, 0), (100, 50, 2, 2)]
     assert recording.segments().dtype.names == ("well", "samples", "time_from", "time_to", "offset")
 
 
@@ -150,6 +155,7 @@ def test_unfinished_recording_is_read_on_request():
     recording = vx.open(REFERENCE / "unfinished.vxd", unfinished=True).recordings[1]
     assert not recording.finished
     assert recording.certain_samples <= sum(map(len, recording.read().values()))
+    assert list(recording.samples(11)) == [1, 256, 65535, 32768]
 
 
 def test_damaged_recording_is_read_up_to_the_damage_on_request():
