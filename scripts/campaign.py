@@ -3,9 +3,10 @@
 
     scripts/campaign.py FOLDER [PLATES [DAMAGED]]
 
-Every plate tests one of 20 compounds at four doses in six wells. All wells see the heart in examples/data, each with
-its own delay, strength and noise; the compound weakens it, by half at a dose of its own. Plate n is in FOLDER/nn/, and
-every DAMAGED-th is damaged in one of six ways (default: none). The same arguments make the same files.
+Every plate tests one of 20 compounds at four doses in six wells. All wells record the heart signal in examples/data,
+each with its own delay, strength and noise. The compound weakens the signal; each compound has its own dose that halves
+it. Plate n is in FOLDER/nn/, and every DAMAGED-th is damaged in one of six ways (default: none). The same arguments
+make the same files.
 """
 
 import pathlib
@@ -22,7 +23,7 @@ TICK, ZERO, MILLIVOLT_PER_STEP = 2778, 32768, 0.0003125
 STEPS_PER_RECORDED_STEP = 16  # 0.005 mV in steps of MILLIVOLT_PER_STEP
 SEGMENT, SEGMENTS = 900, 2  # samples
 PIPETTING = 30 * 360
-AVERAGE, BEFORE = 160, 40  # samples of an average, and of those the ones before the beat
+AVERAGE, BEFORE = 160, 40  # samples of an average, and how many of them are before the beat
 DOSES = (0, 10_000, 100_000, 1_000_000)  # in picomolar
 COMPOUNDS = 20
 
@@ -122,7 +123,7 @@ DAMAGES = {
 
 
 def make(folder, plates, damaged=0):
-    """Makes the files. Returns the paths of the raw data files, and by path the damage of those that are damaged."""
+    """Makes the files. Returns the paths of the raw data files, and a mapping from damaged files to their damage."""
     folder = pathlib.Path(folder)
     heart = load_heart()
     paths, damages = [], {}

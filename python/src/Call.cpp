@@ -29,7 +29,7 @@ void CheckSignals() {
 
 bool IsSmallFile(const std::string& path) {
     constexpr std::uintmax_t kSmall = std::uintmax_t{16} << 20;
-    std::error_code error;  // then the size is the greatest number
+    std::error_code error;  // if it is set, the size is the greatest number
     return std::filesystem::file_size(path, error) <= kSmall;
 }
 

@@ -13,21 +13,21 @@
 #include "vxfileio/base/VXExceptions.h"
 
 /// @file
-/// Calls of the library from Python: without the interpreter's lock, open to Ctrl-C, and with failures that name a
-/// file.
+/// Calls of the library from Python: without the interpreter's lock, interruptible with Ctrl-C, and with failures that
+/// name a file.
 
 namespace vxfileio::python {
 
 namespace py = pybind11;
 
-/// A failure of the library and what Python wants to know about it.
+/// A failure of the library, as Python needs it.
 struct CFailure {
     std::string text;
     std::string path;  ///< The file, as the system spells it. Empty if there is none.
     int code = 0;      ///< `errno` after the failure, or 0.
 };
 
-/// Makes `vxfileio._errors.fail` raise failures.
+/// Lets `vxfileio._errors.fail` raise failures as Python exceptions.
 void RegisterFailures();
 
 /// Calls `work()` and throws its failures as `CFailure` with this path.
@@ -51,18 +51,18 @@ auto WithoutLock(const std::string& path, Work work) {
     return WithPath(path, std::move(work));
 }
 
-/// Throws if Ctrl-C was pressed. Only the main thread notices.
+/// Throws if Ctrl-C was pressed. Has an effect only in the main thread.
 void CheckSignals();
 
-/// Returns whether the caller is the thread that signals are for.
+/// Returns whether the caller is the thread that handles signals.
 bool IsMainThread();
 
 /// Returns whether a file is so small that reading all of it takes a fraction of a second.
 bool IsSmallFile(const std::string& path);
 
-/// Does the same as `WithoutLock` for work that reads a file once, and ends early if Ctrl-C is pressed. Then `work()`
-/// goes on in a thread of its own, so it must own all that it uses and what it returns. For small files, Ctrl-C waits
-/// until they are read, which is cheaper than a thread.
+/// Like `WithoutLock`, for work that reads a file once, but ends early if Ctrl-C is pressed. `work()` then continues in
+/// its own thread, so it must own all that it uses and returns. Small files are read without a thread, which is
+/// cheaper; Ctrl-C takes effect after that.
 template <class Work>
 auto Interruptible(const std::string& path, Work work) {
     if (IsSmallFile(path) || !IsMainThread()) return WithoutLock(path, std::move(work));

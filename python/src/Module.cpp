@@ -20,7 +20,7 @@ void BindWords(py::module_& module) {
     MakeWords<enFPAveIntervalType>(module, "FPAveIntervalType");
 }
 
-/// The texts of failures that `vxfileio._errors` treats in a way of their own.
+/// The texts of failures that `vxfileio._errors` raises as exceptions of their own.
 void BindTexts(py::module_& module) {
     py::dict texts;
     texts["CannotOpen"] = rawdata::kCannotOpen;

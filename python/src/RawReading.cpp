@@ -15,7 +15,7 @@ namespace vxfileio::python {
 
 namespace {
 
-/// Returns the time of a sample. (That of a damaged file can be beyond 64 bits.)
+/// Returns the time of a sample. Wraps around, since times in damaged files can exceed 64 bits.
 std::int64_t TimeOf(const CSampleRun& run, std::uint64_t sample) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(run.TimeFrom) +
                                      sample * static_cast<std::uint64_t>(run.Interval));

@@ -15,7 +15,7 @@ namespace vxfileio::python {
 
 namespace {
 
-/// A writer with the path that its failures name. One thread at a time; the Python class has the lock.
+/// A writer with the path that its failures name. Only one thread may call it at a time; the Python class has a lock.
 struct CNamedWriter {
     rawdata::CRawDataWriter writer;
     std::string path;
@@ -29,7 +29,7 @@ std::unique_ptr<CNamedWriter> OpenWriter(const std::string& path, bool isNew, bo
     return named;
 }
 
-/// Writes the samples from a time on as one segment.
+/// Writes samples as one segment that begins at `start`.
 void Write(CNamedWriter& named, std::int32_t well, std::int64_t start, std::int64_t tick,
            const py::array_t<std::uint16_t, py::array::c_style>& samples) {
     const auto* const data = samples.data();

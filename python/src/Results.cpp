@@ -15,7 +15,7 @@ namespace vxfileio::python {
 
 namespace {
 
-/// Makes an object of a Python class with the content of a file. Returns it and what was wrong with the document.
+/// Makes an object of a Python class with the content of a file. Returns it, and what is wrong with the document.
 py::tuple ReadResults(const py::object& made, const std::string& path) {
     const auto reader = std::make_shared<results::CResultsReader>();
     Interruptible(path, [reader, path] { reader->ReadFile(path); });
@@ -26,7 +26,8 @@ py::tuple ReadResults(const py::object& made, const std::string& path) {
     return py::make_tuple(object, TextToPython(reader->GetReadError()));
 }
 
-/// Returns what the system refused. Writes a copy, so that other threads may change the results meanwhile.
+/// Returns the error of the system, or an empty text. Writes a copy, so that other threads may change the results
+/// meanwhile.
 py::object WriteResults(const results::CResultsContent& content, const std::string& path) {
     results::CResultsWriter writer;
     writer.SetXmlFileHeader(content.Header);
@@ -35,7 +36,7 @@ py::object WriteResults(const results::CResultsContent& content, const std::stri
     return TextToPython(writer.GetWriteError());
 }
 
-/// Returns what the system refused.
+/// Returns the error of the system, or an empty text.
 py::object WriteWorkbooks(const results::CResultsContent& content, const settings::CSettings& settings,
                           const std::string& path) {
     const CResults results = content;

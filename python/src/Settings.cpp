@@ -66,7 +66,7 @@ void BindContent(py::module_& module) {
     content.Add("Viability", &CSettings::Viability);
 }
 
-/// Makes an object of a Python class with the content of a file. Returns it and what was wrong with the document.
+/// Makes an object of a Python class with the content of a file. Returns it, and what is wrong with the document.
 py::tuple ReadSettings(const py::object& made, const std::string& path) {
     const auto reader = std::make_shared<settings::CSettingsReader>();
     Interruptible(path, [reader, path] { reader->ReadFile(path); });
@@ -75,7 +75,7 @@ py::tuple ReadSettings(const py::object& made, const std::string& path) {
     return py::make_tuple(content, TextToPython(reader->GetReadError()));
 }
 
-/// Returns what the system refused.
+/// Returns the error of the system, or an empty text.
 py::object WriteSettings(const CSettings& content, const std::string& path, std::int32_t compound) {
     settings::CSettingsWriter writer;
     writer.Content() = content;

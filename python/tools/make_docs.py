@@ -4,7 +4,7 @@
     make_docs.py SOURCE_FOLDER OUTPUT
 
 SOURCE_FOLDER is the folder `vxfileio` of the library. The module has one mapping, from "Class" and "Class.Member" to
-sentences. The classes have their names in Python: those in C++ without the `C` in front.
+comments. Classes have their Python names: those in C++ without the leading `C`.
 """
 
 import pathlib

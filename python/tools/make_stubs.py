@@ -3,8 +3,8 @@
 
     make_stubs.py [--check] FILE
 
-FILE is `_vxfileio.pyi`. What is above the line `MARK` is written by hand. With --check, prints the difference instead, and
-ends with 1 if there is one. The package must be importable.
+FILE is `_vxfileio.pyi`. The part above the line `MARK` is written by hand. With --check, prints the difference instead,
+and exits with 1 if there is one. The package must be importable.
 """
 
 import difflib

@@ -24,14 +24,14 @@ Document = TypeVar("Document", bound="_Document")
 FIRST_COMPOUND = -1
 
 OTHER_KIND = "This is a "
-"""How the library begins what it says about a file of another kind."""
+"""The beginning of the library's error for a file of another kind."""
 
 
 class _Document:
-    """What settings and results have in common. The content is in memory; there is nothing to close."""
+    """The base of settings and results. The content is in memory; there is nothing to close."""
 
     path: Optional[str] = None
-    """The file that the content is from, or None."""
+    """The file that was read, or None."""
 
     read_error: str = ""
     """What was wrong with the document, if it was opened with `partial=True`."""
@@ -56,9 +56,9 @@ def _read(made: type[Document], read: Any, path: Path, partial: bool) -> Documen
 
 @contextlib.contextmanager
 def _reserved(path: Path, overwrite: bool) -> Iterator[bytes]:
-    """Makes an empty file first, unless one may be overwritten, so that no other file can be replaced by accident.
+    """Creates the file first unless it may be overwritten, so that no existing file is ever replaced by accident.
 
-    Removes it if nothing was written to it.
+    Removes it again if nothing was written to it.
     """
     name = os.fsencode(path)
     if overwrite:
@@ -82,21 +82,21 @@ def _raise_refused(error: str, path: Path) -> None:
 class Settings(_Document, _vxfileio.SettingsContent):
     """The settings of a run: a file header and the property sets.
 
-    Change the attributes, then `save`. Lists are tuples and mappings are read-only: assign a new one to change which
-    objects they have. The objects in them can be changed in place. What was taken from a list that is then replaced
-    stays valid, but is no longer part of the settings.
+    Change the attributes, then `save`. Lists are tuples and mappings are read-only: assign a new one to add or remove
+    entries. The entries themselves can be changed in place. After a list is replaced, entries of the old one stay
+    valid, but are no longer part of the settings.
     """
 
     @classmethod
     def read(cls, path: Path, partial: bool = False) -> Settings:
-        """Reads a settings file, whatever its name. With `partial`, a damaged one as far as possible."""
+        """Reads a settings file with any name. With `partial`, reads as much of a damaged file as possible."""
         return _read(cls, _vxfileio.read_settings, path, partial)
 
     def save(self, path: Path, *, overwrite: bool = False, compound: int = FIRST_COMPOUND) -> None:
-        """Writes a settings file, with the compound of this index in the plate's list and its wells.
+        """Writes a settings file with the compound at this index of the plate's list, and its wells.
 
-        Raises `FileExistsError` if there is a file and it isn't to be overwritten. A file is replaced only when the new
-        one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time.
+        Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
+        the new one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time.
         """
         with _reserved(path, overwrite) as name:
             _raise_refused(_vxfileio.write_settings(self, name, compound), path)
@@ -117,7 +117,7 @@ class Results(_Document, _vxfileio.ResultsContent):
     """The results of an analysis, as a tree (`Tasks`) and as tables.
 
     The tables have the columns of `vxfile table`. With settings (`vxfileio.open(path, settings=...)`), tables of wells
-    also have `analysed` and, for responses, `mark`. They are made anew from the tree each time; they need pandas.
+    also have `analysed` and, for responses, `mark`. Each access makes a new table from the tree. Needs pandas.
     """
 
     settings: Optional[Settings] = None
@@ -125,7 +125,7 @@ class Results(_Document, _vxfileio.ResultsContent):
 
     @classmethod
     def read(cls, path: Path, partial: bool = False, settings: Optional[Settings] = None) -> Results:
-        """Reads a results file, whatever its name. With `partial`, a damaged one as far as possible."""
+        """Reads a results file with any name. With `partial`, reads as much of a damaged file as possible."""
         results = _read(cls, _vxfileio.read_results, path, partial)
         results.settings = settings
         return results
@@ -144,7 +144,7 @@ class Results(_Document, _vxfileio.ResultsContent):
     def beats(self) -> pandas.DataFrame:
         """One row per beat of a well: task, recording, dose, dose_text, well, label, beat, time, interval.
 
-        `interval` is the time since the beat before; it is missing at the first.
+        `interval` is the time since the previous beat; it is missing for the first.
         """
         import pandas
 
@@ -166,8 +166,8 @@ class Results(_Document, _vxfileio.ResultsContent):
     def save(self, path: Path, *, overwrite: bool = False) -> None:
         """Writes a results file.
 
-        Raises `FileExistsError` if there is a file and it isn't to be overwritten. A file is replaced only when the new
-        one is complete.
+        Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
+        the new one is complete.
         """
         with _reserved(path, overwrite) as name:
             _raise_refused(_vxfileio.write_results(self, name), path)
@@ -175,9 +175,9 @@ class Results(_Document, _vxfileio.ResultsContent):
     def export(self, path: Path, settings: Optional[Settings] = None, *, overwrite: bool = False) -> None:
         """Writes workbooks: one with all responses to `path`, and one for each well that the plate marks as new.
 
-        The settings are needed: those given here, or those that the results were opened with. The names of the others
-        have "-" and the well's label between title and extension. Raises `FileExistsError` before it writes anything if
-        one of the files is there and they aren't to be overwritten.
+        Uses these settings, or else those that the results were opened with. The name of a well's workbook has "-" and
+        the well's label before the extension. If any of the files exists and `overwrite` isn't set, raises
+        `FileExistsError` and writes nothing.
         """
         known = settings or self.settings
         if known is None:
@@ -199,7 +199,7 @@ class Results(_Document, _vxfileio.ResultsContent):
 
 
 def _workbooks_of_wells(path: str, settings: Settings) -> list[str]:
-    """Returns the paths of the workbooks of wells that an export writes. It skips labels that no name can have."""
+    """Returns the paths of the well workbooks that an export writes. Skips labels that can't be in a file name."""
     title, extension = os.path.splitext(path)
     labels = [well.Label for well in settings.RecordPlate.Data.Wells
               if well is not None and well.State == _vxfileio._new_well]

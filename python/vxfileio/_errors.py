@@ -1,4 +1,4 @@
-"""The exceptions, and the table that says which failure of the library becomes which of them."""
+"""The exceptions, and the table that maps the library's failures to them."""
 
 import errno
 import os
@@ -18,7 +18,7 @@ class FileError(Error, OSError):
 
 
 class DamagedFileError(FileError):
-    """A file of the system is damaged at the place that is being read."""
+    """A file of the system is damaged where it is being read."""
 
 
 class UnknownFileError(FileError):
@@ -30,7 +30,7 @@ class EmptyFileError(FileError):
 
 
 class UsageError(Error, ValueError):
-    """A call or a value isn't possible. Has `filename`, which is None without a file."""
+    """A call or a value isn't valid. Has `filename`, which is None if no file is involved."""
 
     def __init__(self, text: str, filename: Optional[str] = None) -> None:
         super().__init__(text, filename)
@@ -58,11 +58,11 @@ class MissingSamplesWarning(UserWarning):
 
 
 class WriteWarning(UserWarning):
-    """A value was written as given, although readers can't use it."""
+    """A value that readers can't use was written as given."""
 
 
 def warn(text: str, category: type[Warning]) -> None:
-    """Warns about the line outside the package from which it was called."""
+    """Issues a warning at the line outside the package that called it."""
     level, frame = 2, sys._getframe(1)
     while frame.f_back is not None and frame.f_globals.get("__package__") == __package__:
         level, frame = level + 1, frame.f_back
@@ -70,9 +70,9 @@ def warn(text: str, category: type[Warning]) -> None:
 
 
 class Row(NamedTuple):
-    """A failure by the begin and end of its text, its exception, and the exception's `errno`.
+    """A failure, by the beginning and end of its text, with its exception and the exception's `errno`.
 
-    An `errno` of 0 stands for that of the system. For exceptions that have none it is None.
+    0 means the `errno` that the system set; None, that the exception has no `errno`.
     """
 
     begin: str
@@ -116,7 +116,7 @@ def fail(text: bytes, path: bytes, code: int) -> NoReturn:
 
 
 def refusal(text: str, path: str) -> Optional[OSError]:
-    """Returns the exception for a text of `GetWriteError` about what the system refused, or None if it refused nothing."""
+    """Returns the exception for a text of `GetWriteError`, or None if it isn't about an error of the system."""
     for number in errno.errorcode:
         if text.startswith(os.strerror(number)):
             return OSError(number, text, path)

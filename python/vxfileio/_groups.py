@@ -1,4 +1,4 @@
-"""Wells of a recording that share their times, and reading some samples of a run of them."""
+"""Groups the wells of a recording that share their times, and reads parts of their runs."""
 
 from __future__ import annotations
 
@@ -48,9 +48,9 @@ def groups_of(recording: Recording, wells: Optional[Iterable[int]] = None) -> li
 
 def read_run(recording: Recording, wells: Sequence[int], runs: Sequence[Run], number: int, first: int, count: int,
              scaled: bool = False) -> NDArray:
-    """Reads `count` samples of a run from its sample `first` on, in one pass. Returns a row for each well.
+    """Reads `count` samples of run `number` from its sample `first` on, in one pass. Returns a row for each well.
 
-    `runs` are all runs of the wells: where they overlap, the same times are in more than one run.
+    `runs` are all runs of the wells, since runs can overlap: a read by times also returns samples of earlier runs.
     """
     if count <= 0 or not wells:
         return np.empty((len(wells), max(count, 0)), sample_type(scaled))

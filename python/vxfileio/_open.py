@@ -60,12 +60,12 @@ def open(path: Path, *, settings: Union[None, Path, Settings] = None, ticks_per_
 
     Returns `Recordings` for raw data, `Settings` for settings, `Results` for results.
 
-    `settings` are those of the run, as an object or a path. With them, labels name the wells of raw data, and tables of
-    results have more columns. `ticks_per_second` is how many of the instrument's time units a second has, for times in
-    seconds. With `unfinished`, a recording that its writer is still writing can be read as far as it is whole. With
-    `partial`, a damaged file is read up to the damage, which is otherwise an error.
+    `settings` are those of the run, as an object or a path. With them, wells of raw data can be named by their labels,
+    and tables of results have more columns. `ticks_per_second` is the number of the instrument's time units in a
+    second, for times in seconds. With `unfinished`, a recording that is still being written can be read up to its last
+    complete segment. With `partial`, a damaged file is read up to the damage, which is otherwise an error.
 
-    Raises the `OSError` of the system if the file can't be read, `UnknownFileError` if it isn't one of ours, and
+    Raises `OSError` if the system can't read the file, `UnknownFileError` if it isn't one of ours, and
     `DamagedFileError` if it is damaged.
     """
     kind = kind_of(path)

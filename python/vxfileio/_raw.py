@@ -31,15 +31,16 @@ FIRST_TIME, LAST_TIME = -(2**63), 2**63 - 1
 
 
 def normal_label(label: str) -> str:
-    """Returns a label without zeros in front of its number: "B7" for "B07"."""
+    """Returns a label without leading zeros in its number: "B7" for "B07"."""
     return re.sub(r"^([^0-9]*)0+(?=[0-9])", r"\1", label)
 
 
 class Recordings:
     """An open raw data file. `vxfileio.open` returns it.
 
-    Closing it, or leaving its `with` block, ends all reading; arrays that were read stay. Any number of threads may read
-    at the same time. Pickling stores the path and how the file was opened; unpickling opens it again.
+    After it is closed, or its `with` block ends, nothing more can be read; arrays that were read stay valid. Any number
+    of threads may read at the same time. Pickling stores the path and the options of `open`; unpickling opens the file
+    again.
     """
 
     def __init__(self, path: Path, *, settings: Optional[Settings] = None,
@@ -73,7 +74,7 @@ class Recordings:
         return tuple(dict.fromkeys(recording.task for recording in self.recordings))
 
     def open_file(self) -> _vxfileio.RawDataFile:
-        """Returns the file of the binding. Raises `UsageError` if it was closed."""
+        """Returns the binding's file. Raises `UsageError` if it was closed."""
         if self._file is None:
             raise UsageError("The file was closed", self.path)
         return self._file
@@ -126,9 +127,9 @@ def _recording_of(run: Recordings, place: int) -> Recording:
 
 
 class RecordingList(Sequence["Recording"]):
-    """The recordings of a file: by number in the order of the file, from 0, or by `(task, number)`.
+    """The recordings of a file, in its order: by index, from 0, or by `(task, number)`.
 
-    Of several recordings with the same task and number, the last finished one counts.
+    If several recordings have the same task and number, that finds the last finished one.
     """
 
     def __init__(self, run: Recordings, headers: Sequence[_vxfileio.RawDataRecordingHdr]) -> None:
@@ -171,8 +172,8 @@ class Recording:
     """One recording: its header, and the samples of its wells.
 
     Times are in the instrument's time unit, doses in picomolar. `start` and `stop` of the reading methods are times:
-    `start` is included, `stop` isn't. The samples of a well come in the order in which they were recorded; where they
-    don't follow each other at one interval, a new run begins (`runs`).
+    `start` is included, `stop` isn't. The samples of a well are in the order in which they were recorded; where a sample
+    doesn't follow the previous one after one interval, a new run begins (`runs`).
     """
 
     def __init__(self, run: Recordings, place: int, header: _vxfileio.RawDataRecordingHdr) -> None:
@@ -187,7 +188,7 @@ class Recording:
         self._index: Optional[_vxfileio.RecordingIndex] = None
 
     def channel(self, well: Well) -> _vxfileio.RawDataChannelInfo:
-        """Returns how the samples of a well turn into physical units, and their interval."""
+        """Returns the channel of a well: the scale and the interval of its samples."""
         wanted = self.run.well_id(well)
         for channel in self.index().wells():
             if channel.ID == wanted:
@@ -195,16 +196,16 @@ class Recording:
         raise NoSuchWellError(NO_WELL.format(well), self.run.path)
 
     def index(self) -> _vxfileio.RecordingIndex:
-        """Returns the index of the segments, which is read at the first call."""
+        """Returns the index of the segments. The first call reads it."""
         file = self.run.open_file()
         if self._index is None:
             self._index = file.index(self._place, self.run.unfinished, self.run.partial)
         return self._index
 
     def refresh(self) -> None:
-        """Forgets the index, so that the next call sees the segments that were recorded since.
+        """Discards the index, so that the next read includes segments that were recorded since.
 
-        Recordings that were begun or finished since are seen when the file is opened again.
+        To see recordings that have begun or finished since, open the file again.
         """
         self._index = None
 
@@ -215,7 +216,7 @@ class Recording:
 
     @property
     def damage(self) -> str:
-        """What ends the segments of a damaged recording, if the file was opened with `partial=True`. Else empty."""
+        """The error that ends the segments of a damaged recording opened with `partial=True`; otherwise empty."""
         return self.index().damage()
 
     def samples(self, well: Well, start: Optional[int] = None, stop: Optional[int] = None) -> NDArray[np.uint16]:
@@ -237,7 +238,7 @@ class Recording:
     def runs(self, well: Well, start: Optional[int] = None, stop: Optional[int] = None) -> NDArray[Any]:
         """Returns the runs of a well, the stretches of samples that follow each other at one interval.
 
-        An array with the fields `time_from`, `interval`, `samples`, and `offset`: the samples before the run.
+        An array with the fields `time_from`, `interval`, `samples`, and `offset`: the number of samples before the run.
         """
         return self._select([well], start, stop)[1].runs(0)
 
@@ -253,9 +254,9 @@ class Recording:
              scaled: bool = False, out: Optional[Mapping[Well, NDArray]] = None) -> dict[Well, NDArray]:
         """Reads wells in one pass along the file.
 
-        Returns an array for each well, by the name that was used for it; without `wells`, for all, by their IDs. Arrays
-        are `uint16`, or `float64` in physical units if `scaled`. `out` has arrays to be filled instead of new ones: of
-        that type, contiguous, large enough and by the same names. The result then has the filled part of each.
+        Returns an array for each well, by the name used in `wells`; without `wells`, for all, by their IDs. Arrays are
+        `uint16`, or `float64` in physical units if `scaled`. To fill existing arrays, pass them in `out` by the same
+        names: of that type, contiguous and large enough. The result then has the filled part of each.
         """
         names, selection = self._select(wells, start, stop)
         return self._read(names, selection, scaled, out)
@@ -281,7 +282,7 @@ class Recording:
                      stop: Optional[int] = None, scaled: bool = True) -> pandas.DataFrame:
         """Returns a table with one row per sample: `well`, `time`, `value`.
 
-        With settings it has `label`, with `ticks_per_second` it has `seconds`. Needs pandas.
+        It also has `label` with settings, and `seconds` with `ticks_per_second`. Needs pandas.
         """
         import pandas
 
@@ -303,8 +304,8 @@ class Recording:
                   stop: Optional[int] = None, scaled: bool = True) -> xarray.Dataset:
         """Returns a dataset with one variable per well.
 
-        Wells with the same times share a dimension: `time`, then `time_2` and so on for others. Nothing is filled in or
-        sorted. Needs xarray.
+        Wells with the same times share a dimension; the dimensions are `time`, `time_2` and so on. Nothing is filled in
+        or sorted. Needs xarray.
         """
         import xarray
 

@@ -1,4 +1,4 @@
-"""What all record classes of the binding have in common: `repr`, comparison, pickling, and a form as plain values."""
+"""Adds to all record classes of the binding: `repr`, comparison, pickling and `to_dict`."""
 
 from __future__ import annotations
 
@@ -10,7 +10,7 @@ from ._text import printable, table
 
 
 def plain(value: Any) -> Any:
-    """Returns a value with its mappings as `dict`, as it can be pickled or assigned."""
+    """Returns a value with its mappings as `dict`, so that it can be pickled and assigned."""
     if isinstance(value, MappingProxyType):
         return {key: plain(entry) for key, entry in value.items()}
     if isinstance(value, tuple):
@@ -24,7 +24,7 @@ def fields_of(record: Any) -> dict[str, Any]:
 
 
 def to_dict(record: Any) -> dict[str, Any]:
-    """Returns the attributes of a record by their names, and of all records in it."""
+    """Returns the attributes of a record by their names, with nested records as `dict`, too."""
     def deep(value: Any) -> Any:
         if hasattr(value, "_fields"):
             return to_dict(value)
@@ -36,7 +36,7 @@ def to_dict(record: Any) -> dict[str, Any]:
 
 
 def rebuild(made: type, fields: dict[str, Any], more: dict[str, Any]) -> Any:
-    """Makes a record with these attributes, and with what its Python class adds."""
+    """Makes a record with these attributes, and with those that its Python subclass adds."""
     record = made(**fields)
     if more:
         record.__dict__.update(more)
@@ -44,7 +44,7 @@ def rebuild(made: type, fields: dict[str, Any], more: dict[str, Any]) -> Any:
 
 
 def brief(value: Any) -> str:
-    """Returns a short text for a value: containers of records by their number."""
+    """Returns a short text for a value. For long containers, only the number of entries."""
     if isinstance(value, (tuple, MappingProxyType)) and len(value) > 4:
         return f"<{len(value)} entries>"
     if isinstance(value, MappingProxyType):

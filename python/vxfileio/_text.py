@@ -7,7 +7,7 @@ MOST_ROWS = 30
 
 
 def printable(value: Any) -> str:
-    """Returns a value as text that any encoding of Unicode takes."""
+    """Returns a value as text without surrogate escapes, so that any encoding of Unicode can hold it."""
     return str(value).encode("utf-8", "surrogateescape").decode("utf-8", "replace")
 
 

@@ -5,13 +5,13 @@ from typing import Sequence
 
 
 class Word(enum.StrEnum):
-    """A word of an enumeration. Compares, hashes and prints like the `str` that it is."""
+    """A word of an enumeration. Compares, hashes and prints like a `str`."""
 
     __hash__ = str.__hash__
 
     @property
     def number(self) -> int:
-        """The number by which C++ knows the word."""
+        """The value of the enumerator in C++."""
         return list(type(self)).index(self)
 
 

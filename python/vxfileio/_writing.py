@@ -25,14 +25,14 @@ class RawWriter:
             with writer.recording(header) as recording:
                 recording.write(12, 0, samples)
 
-    Never writes over an existing file unless `overwrite` is set. Each segment is with the operating system before
-    `write` returns: if the process dies, none is lost. What the system refuses is raised as `OSError` by the call that
-    failed; the file stays valid, and the writer can go on.
+    Never overwrites an existing file unless `overwrite` is set. `write` hands its segment to the operating system
+    before it returns, so a crash of the process loses no written segment. If the system refuses a write, the call that
+    failed raises `OSError`; the file stays valid, and the writer can still be used.
 
-    A strict writer refuses what `vxfile verify` would report, with a `UsageError` and before anything is written. Other
-    writers write it as given, with a `WriteWarning` if readers can't use it.
+    A strict writer raises `UsageError` for anything that `vxfile verify` would report, before it writes anything. Other
+    writers write it as given, and issue a `WriteWarning` if readers can't use it.
 
-    Any number of threads may use it; one waits for the other.
+    Threads may share a writer; their calls run one at a time.
     """
 
     def __init__(self, path: Path, header: Optional[_vxfileio.RawDataFileHdr] = None, *, overwrite: bool = False,
@@ -48,11 +48,11 @@ class RawWriter:
         except BaseException:
             self._writer.close()
             if not overwrite:
-                os.unlink(path)  # it's ours
+                os.unlink(path)  # this writer created it
             raise
 
     def recording(self, header: _vxfileio.RawDataRecordingHdr) -> RecordingWriter:
-        """Finishes the recording before, and begins a new one. Leaving its `with` block ends nothing else."""
+        """Finishes the previous recording and begins a new one. Leaving its `with` block doesn't finish it."""
         self._call(self._writer.write_recording_hdr, header)
         self._recording = RecordingWriter(self, header)
         return self._recording
@@ -68,7 +68,7 @@ class RawWriter:
         self._call(self._writer.update_file_hdr, task, [str(value) for value in values])
 
     def flush(self) -> None:
-        """Waits until the disk has everything. Raises `OSError` if that can't be promised."""
+        """Waits until everything is on the disk. Raises `OSError` if that can't be guaranteed."""
         if not self._call(self._writer.flush_to_disk):
             raise FileError(errno.EIO, self._reported or "The file could not be flushed", self.path)
 
@@ -119,8 +119,8 @@ class RecordingWriter:
     def write(self, well: int, start: int, samples: ArrayLike) -> None:
         """Appends one segment: samples of a well, the first at the time `start`.
 
-        The interval between samples is that of the recording header. `samples` are `uint16`, or whole numbers from 0 to
-        65535; anything else is an error, as nothing is rounded.
+        The recording header has the interval between samples. `samples` are `uint16`, or whole numbers from 0 to 65535;
+        anything else is an error, since nothing is rounded.
         """
         if self._writer._recording is not self:
             raise UsageError(f"The recording {self.task} {self.number} has ended", self._writer.path)

@@ -1,18 +1,17 @@
-"""Files by the thousand, with dask (https://dask.org): lazy tables and arrays, for the scheduler that you have.
+"""Reads thousands of files with dask (https://dask.org), as lazy tables and arrays, on any of its schedulers.
 
     import vxfileio.dask
 
     recordings = vxfileio.dask.catalog("plates/**/*.vxd")
     print(recordings[recordings.error.notnull()].compute())
 
-The functions for many files take a list of paths, or one path or pattern (`**` is any number of folders). They open no
-file before the result is computed, unless they say so. Tables list the files in the order given. A bad file is a row
-with its `error`, and with missing values (`pandas.NA`, `None` or `nan`) where it has none; it never stops the others.
-Paths in tables are absolute, and workers read the files under these paths.
+Functions for many files take a list of paths, or one path or pattern (`**` matches any number of folders). They open no
+file until the result is computed, unless stated otherwise. Tables list the files in the order given. A bad file becomes
+a row with its `error` and missing values (`pandas.NA`, `None` or `nan`); it never affects the other files. Paths in
+tables are absolute, and workers read the files under these paths.
 
-Tasks have `files_per_partition` files each, by default 1 to 64, so that there are enough tasks for all workers. A task
-that is run again, because its worker died, has the same result. Each call makes new keys, so no answer is older than
-the call.
+Each task reads `files_per_partition` files, by default 1 to 64, so that there are enough tasks for all workers. If a
+worker dies, repeating its tasks has the same result. Each call makes new keys, so dask never reuses earlier results.
 """
 
 from __future__ import annotations
@@ -33,13 +32,13 @@ import dask.dataframe
 import numpy as np
 import pandas
 from numpy.typing import NDArray
-from ._documents import Results
 
+from ._documents import Results
 from ._errors import EmptyFileError, Error, FileError, UnknownFileError, UsageError
 from ._groups import Group, groups_of, read_run
 from ._open import kind_of, open_raw
-from ._types import Path, sample_type
 from ._raw import Recording, Well
+from ._types import Path, sample_type
 
 Paths = Union[Path, Iterable[Path]]
 
@@ -64,7 +63,7 @@ MOST_FILES, LEAST_PARTITIONS = 64, 32
 
 
 def catalog(paths: Paths, files_per_partition: Optional[int] = None) -> dask.dataframe.DataFrame:
-    """Returns a table of raw data files with one row per recording. No samples are read.
+    """Returns a table of raw data files with one row per recording. Reads no samples.
 
     Columns: `path`, `Guid`, `plate`, `compound`, `task`, `number`, `dose` in picomolar, `wells`, `samples` (of all
     wells; only those that are certainly in the file), `state` and `error`. The state is "finished", "unfinished",
@@ -85,15 +84,15 @@ def map_recordings(paths: Paths, function: Callable[..., Any],
     """Calls `function(recording)` for each recording of raw data files. Returns a table of all results.
 
     The function returns a mapping for one row, a DataFrame for any number of rows, or one value, for a column `value`.
-    In front the table has `path`, `task`, `number` and `dose`, at its end `error`: what is wrong with the file or the
-    recording. If only samples are missing at the end of a cut file, they are 0, and the row has result and `error`.
-    Exceptions of the function other than those of the files, `vxfileio.Error` and `OSError`, are raised by `compute`.
+    The first columns of the table are `path`, `task`, `number` and `dose`; the last is `error`, what is wrong with the
+    file or the recording. Samples missing at the end of a cut file are read as 0; such a row has both result and
+    `error`. If the function raises `vxfileio.Error` or `OSError`, that becomes the `error` of a row; `compute` raises
+    all other exceptions.
 
     `meta` has the columns of the function and their types. Without it, the function is called at once for the first
-    recording that can be read; whole numbers and flags then get the types of pandas that know missing values. If the
-    function has a parameter `columns`, it gets the names of the columns that are asked for, so that it can leave out
-    work. `options` are those of `vxfileio.open`. For processes and clusters, the function must be one that can be
-    pickled.
+    recording that can be read, to find the types. Whole numbers and flags get pandas' nullable types. If the function
+    has a parameter `columns`, it receives the names of the columns that will be used, so that it can skip other work.
+    `options` are those of `vxfileio.open`. For processes and clusters, the function must be picklable.
     """
     names = _list(paths)
     read = partial(_results_of, function, options, "columns" in inspect.signature(function).parameters)
@@ -104,7 +103,7 @@ def map_recordings(paths: Paths, function: Callable[..., Any],
 
 def samples(path: Path, recording: Union[int, tuple[str, int]] = 0, wells: Optional[Sequence[Well]] = None, *,
             scaled: bool = False, chunk_bytes: int = 64 << 20, **options: Any) -> dict[Well, dask.array.Array]:
-    """Returns the samples of one recording as dask arrays: one for each well, by the name that was used for it.
+    """Returns the samples of one recording as dask arrays: one for each well, by the name used in `wells`.
 
     `recording` is an index in the file, or `(task, number)`. The arrays have the same content as those that
     `Recording.read` returns. Headers are read at once; samples only when a result needs them. Wells that were sampled
@@ -127,7 +126,7 @@ def samples(path: Path, recording: Union[int, tuple[str, int]] = 0, wells: Optio
 
 
 class _LazySamples:
-    """The samples of wells with the same runs: what dask needs of an array. Its pickle is path and names."""
+    """The samples of wells with the same runs, with what dask needs of an array. Is pickled by path, without samples."""
 
     ndim = 2
 
@@ -165,7 +164,7 @@ class _LazySamples:
 
 @dataclass(frozen=True)
 class _Table:
-    """Makes one partition of a table. dask narrows `columns` to those that are needed."""
+    """Makes one partition of a table. dask reduces `columns` to those that are used."""
 
     read: Callable[[str, Sequence[str]], Iterator[Piece]]
     dtypes: Mapping[str, str]
@@ -175,7 +174,7 @@ class _Table:
         return replace(self, columns=columns)
 
     def frame(self, rows: list[Row]) -> pandas.DataFrame:
-        """Returns rows as a table of these columns."""
+        """Returns rows as a table with `columns`."""
         missing = {column: pandas.NA if dtype[0].isupper() or dtype == "boolean" else None
                    for column, dtype in self.dtypes.items()}
         columns = {column: [row.get(column, missing[column]) for row in rows] for column in self.columns}
@@ -183,7 +182,7 @@ class _Table:
                                  for column, values in columns.items()}, columns=list(self.columns))
 
     def pieces(self, path: str) -> list[Piece]:
-        """Returns what is in a file, or a row with its error."""
+        """Returns the rows of a file, or one row with its error."""
         try:
             found = list(self.read(path, self.columns))
         except BAD_FILE as error:
@@ -206,7 +205,7 @@ class _Table:
 
 
 def _list(paths: Paths) -> list[str]:
-    """Returns absolute paths, so that they mean the same to workers in other folders."""
+    """Returns absolute paths, so that workers in other folders find the same files."""
     if not isinstance(paths, (str, bytes, os.PathLike)):
         return [os.path.abspath(os.fsdecode(path)) for path in cast(Iterable[Path], paths)]
     name = os.path.abspath(os.fsdecode(paths))
@@ -282,7 +281,7 @@ def _results_of(function: Callable[..., Any], options: Mapping[str, Any], takes_
 
 
 def _with_names(result: Any, known: Row) -> Piece:
-    """Returns what a function returned for a recording as rows that name the recording."""
+    """Returns the result of a function as rows, with the columns in `known` added."""
     if not isinstance(result, (Mapping, pandas.DataFrame)):
         result = {"value": result}
     twice = known.keys() & set(result)
@@ -292,7 +291,7 @@ def _with_names(result: Any, known: Row) -> Piece:
 
 
 def _first_types(read: Callable[..., Iterator[Piece]], paths: Sequence[str]) -> Mapping[str, Any]:
-    """Returns the columns of a function and their types, by its first result."""
+    """Returns the columns of a function and their types, from its first result."""
     for path in paths:
         try:
             for piece in read(path, None):

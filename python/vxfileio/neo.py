@@ -1,4 +1,4 @@
-"""Raw data files in neo (https://neuralensemble.org/neo): call `register()` once, and neo knows them.
+"""Reads raw data files with neo (https://neuralensemble.org/neo). Call `register()` once.
 
     import neo
     import vxfileio.neo
@@ -6,15 +6,15 @@
     vxfileio.neo.register()
     block = neo.get_io("run.vxd", ticks_per_second=1_000_000, units="mV").read_block(lazy=True)
 
-What becomes what:
+In neo:
 
 - The file is a block, annotated with `Guid`, `PlateID`, `CompoundID` and `CompoundName`.
 - Wells that were sampled at one interval, at the same times and with the same scale form one stream. A well with gaps
   of its own is in a stream of its own.
-- neo has no gaps: a signal is one stretch of samples. So each run of samples without a gap is in a segment of its own,
-  and `t_start` says when it began. Segment n of a recording has run n of each stream; a stream with fewer runs, or of
-  another recording, has a signal of 0 samples there. Segments are annotated with `task`, `recording`, `dose` and `run`,
-  and with `place`, the number of the recording in the file. Nothing is filled in, left out or sorted.
+- A signal in neo can't have gaps. So each run of samples without a gap is in a segment of its own, and `t_start` is the
+  time of its first sample. Segment n of a recording has run n of each stream; a stream with fewer runs, or of another
+  recording, has a signal of 0 samples there. Segments are annotated with `task`, `recording`, `dose` and `run`,
+  and with `place`, the index of the recording in the file. Nothing is filled in, left out or sorted.
 - A recording without samples has no segment.
 - A damaged or unfinished recording is an error, as in `vxfileio.open`, unless `partial` or `unfinished` is set.
 """
@@ -52,7 +52,7 @@ class _Channel(NamedTuple):
 
 
 class _Stream(NamedTuple):
-    """What all signals of a stream have in common."""
+    """The interval and the channels that all signals of a stream share."""
 
     interval: int
     channels: tuple[_Channel, ...]
@@ -75,11 +75,11 @@ _Segment = dict[_Stream, _Signal]
 
 
 class VexaprobeRawIO(baserawio.BaseRawIO):
-    """Reads raw data files for `neo.rawio`. The module says how a file is arranged.
+    """Reads raw data files for `neo.rawio`. The module's docstring describes the blocks, segments and streams.
 
-    `ticks_per_second` is how many of the instrument's time units a second has, and `units` the physical unit of the
-    samples, such as "mV": the file has neither. Without the first, `parse_header` raises `UsageError`. With `settings`,
-    channels are named by the labels of the wells, otherwise by their IDs. All other options are those of
+    `ticks_per_second` is the number of the instrument's time units in a second, and `units` the physical unit of the
+    samples, such as "mV": the file has neither. Without `ticks_per_second`, `parse_header` raises `UsageError`. With
+    `settings`, channels are named by the labels of the wells, otherwise by their IDs. All other options are those of
     `vxfileio.open`.
     """
 
@@ -183,7 +183,7 @@ class VexaprobeIO(VexaprobeRawIO, BaseFromRaw):
 
 
 def register() -> None:
-    """Adds `VexaprobeRawIO` to the lists of `neo.rawio` and `VexaprobeIO` to those of `neo.io`. Once is enough."""
+    """Adds `VexaprobeRawIO` to the lists of `neo.rawio` and `VexaprobeIO` to those of `neo.io`, once."""
     for module, made, known in ((neo.rawio, VexaprobeRawIO, neo.rawio.rawiolist), (neo.io, VexaprobeIO, neo.io.iolist)):
         setattr(module, made.__name__, made)
         if made not in known:
@@ -195,7 +195,7 @@ def register() -> None:
 
 
 def _segments_of(recording: Recording) -> list[_Segment]:
-    """Returns the segments of a recording: each has one run of each stream that has so many."""
+    """Returns the segments of a recording. Segment n has run n of each stream that has more than n runs."""
     channels = {channel.ID: _Channel(channel.ID, channel.ADZero, channel.UnitsPerAD)
                 for channel in recording.index().wells()}
     segments: list[_Segment] = []

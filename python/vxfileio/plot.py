@@ -1,7 +1,7 @@
 """Pictures of recordings and results, with matplotlib.
 
-Each function draws into `ax`, or into new axes without one, and returns what it drew into. Nothing is shown: call
-`matplotlib.pyplot.show()`, or save the figure.
+Each function draws into `ax`, or into new axes if it is omitted, and returns them; `plate` makes and returns a figure.
+Nothing is shown: call `matplotlib.pyplot.show()`, or save the figure.
 """
 
 from __future__ import annotations
@@ -62,7 +62,7 @@ def plate(recording: Recording, start: Optional[int] = None, stop: Optional[int]
           wells: Optional[Sequence[Well]] = None) -> Figure:
     """Draws a small trace of each well at its place on the plate, all with the same scale.
 
-    Wells whose place isn't known are in a row of their own; places are known with the settings of the run.
+    The places come from the settings of the run, or else from the labels. Wells without a known place get an extra row.
     """
     from matplotlib import pyplot
 
