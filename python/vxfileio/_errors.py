@@ -117,7 +117,8 @@ def fail(text: bytes, path: bytes, code: int) -> NoReturn:
 
 def refusal(text: str, path: str) -> Optional[OSError]:
     """Returns the exception for a text of `GetWriteError`, or None if it isn't about an error of the system."""
-    for number in errno.errorcode:
-        if text.startswith(os.strerror(number)):
-            return OSError(number, text, path)
-    return None
+    found = [number for number in errno.errorcode if text.startswith(os.strerror(number))]
+    if not found:
+        return None
+    longest = max(found, key=lambda number: len(os.strerror(number)))  # "No such device or address", not "No such device"
+    return OSError(longest, text, path)

@@ -47,6 +47,13 @@ def test_each_row_of_the_table_is_tested():
     assert rows == set(_errors.TABLE)
 
 
+@pytest.mark.parametrize("number", [errno.ENODEV, errno.ENXIO, errno.EMFILE, errno.ENFILE, errno.ENOSPC])
+def test_refused_writes_have_the_number_of_their_text(number):
+    error = _errors.refusal(os.strerror(number) + ". 3 segments missing", "run.vxd")
+    assert (error.errno, error.filename) == (number, "run.vxd")
+    assert _errors.refusal("PlateID has a separator", "run.vxd") is None
+
+
 @pytest.mark.parametrize("name, exception", [("missing", FileNotFoundError), ("folder", IsADirectoryError)])
 def test_failures_of_the_system_are_its_own(name, exception, tmp_path):
     (tmp_path / "folder").mkdir()
