@@ -97,14 +97,21 @@ TEST_F(Samples, AreThoseFromOneTimeToAnother) {
                             {500, kMost, "500=10 1000=30 "},
                             {501, kMost, "1000=30 "},
                             {kLeast, 0, "0=1 "}})
-        EXPECT_EQ(Chosen({.wells = {11}, .from = from, .to = to}), samples) << from << " to " << to;
+        EXPECT_EQ(Chosen({.plate = {.wells = {11}}, .from = from, .to = to}), samples) << from << " to " << to;
 }
 
 TEST_F(Samples, AreThoseOfTheWellsAndRecordingsChosen) {
     EXPECT_EQ(Chosen({.recordings = {2}}), "1000=20 1100=21 1200=22 1000=30 ");
-    EXPECT_EQ(Chosen({.wells = {12}}), "0=5 100=6 200=7 300=8 1000=20 1100=21 1200=22 ");
-    EXPECT_EQ(Chosen({.tasks = {"CompoundTest"}, .recordings = {1}, .wells = {13, 11, 14}, .to = 0}), "0=1 ");
+    EXPECT_EQ(Chosen({.plate = {.wells = {12}}}), "0=5 100=6 200=7 300=8 1000=20 1100=21 1200=22 ");
+    EXPECT_EQ(Chosen({.plate = {.tasks = {"CompoundTest"}, .wells = {13, 11, 14}}, .recordings = {1}, .to = 0}),
+              "0=1 ");
     EXPECT_EQ(m_missing, (std::vector<std::int32_t>{13, 14}));
+}
+
+TEST_F(Samples, AreRefusedIfTheRecordingsOfADoseHaveNone) {
+    const std::string bytes = WithCell(FileOf({{}, {{11, 0, {1}}}}), "Dose", "2000");
+    EXPECT_EQ(Written(bytes, {.plate = {.doses = {2000}}}),
+              m_path + " has no samples of what was chosen; the wells of the chosen recordings: 11, 12.");
 }
 
 TEST_F(Samples, NearTheEndOfTimeHaveTheirOwnTimes) {
@@ -142,7 +149,8 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
         EXPECT_EQ(At<std::int64_t>(table, item + 20), i % 2 == 0 ? 0 : 100);
         EXPECT_EQ(At<double>(table, item + 28), values[i]);
     }
-    const std::string array = Written(scaled, {.wells = {12}}, {.kind = CSampleForm::EKind::NpyArray, .units = true});
+    const std::string array =
+        Written(scaled, {.plate = {.wells = {12}}}, {.kind = CSampleForm::EKind::NpyArray, .units = true});
     ASSERT_EQ(array.size(), 192U + 16);
     EXPECT_EQ(At<double>(array, 192), 1.5);
     EXPECT_EQ(At<double>(array, 200), 4);

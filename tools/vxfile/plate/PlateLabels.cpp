@@ -40,6 +40,8 @@ std::string Raised(std::string text) {
 
 }  // namespace
 
+bool IsWellID(std::string_view word) { return TakeID(word) && word.empty(); }
+
 CPlateLabels::CPlateLabels(const CPropRecordPlate& plate, std::string source) : m_source(std::move(source)) {
     for (const auto& well : plate.Data.Wells) {
         if (!well) continue;

@@ -12,6 +12,9 @@
 
 namespace vxfile {
 
+/// Returns whether a word is a whole number, and so the ID of a well rather than its label.
+bool IsWellID(std::string_view word);
+
 /// The labels of wells, as a settings file has them. Without one, wells are known by their IDs alone.
 class CPlateLabels {
  public:

@@ -102,10 +102,6 @@ void PrintRecording(std::ostream& out, const CReport& report, std::uint32_t inde
     PrintRemarks(out, "doubt", report.doubts, index, view);
 }
 
-bool IsChosen(const CPlateChoice& choice, const CReportedRecording& recording) {
-    return HasOrIsEmpty(choice.tasks, recording.task) && HasOrIsEmpty(choice.doses, recording.dose);
-}
-
 }  // namespace
 
 void PrintReport(std::ostream& out, const CReport& report, const CRecoverNames& names, const CPlateView& view) {
@@ -115,9 +111,10 @@ void PrintReport(std::ostream& out, const CReport& report, const CRecoverNames& 
     PrintRemarks(out, "doubt", report.doubts, std::nullopt, view);
     std::uint64_t samples = 0;
     for (std::uint32_t i = 0; i < report.recordings.size(); ++i) {
-        for (const auto& well : report.recordings[i].wells)
+        const CReportedRecording& recording = report.recordings[i];
+        for (const auto& well : recording.wells)
             samples += well.second.samples;
-        if (IsChosen(view.choice, report.recordings[i])) PrintRecording(out, report, i, view);
+        if (view.choice.HasRecording(recording.task, recording.dose)) PrintRecording(out, report, i, view);
     }
     if (report.losses.more > 0) out << "  and " << Counted(report.losses.more, "more place") << " with losses\n";
     if (report.doubts.more > 0) out << "  and " << Counted(report.doubts.more, "more doubt") << '\n';

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/raw/UnitScales.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Failure.h"
@@ -18,9 +19,6 @@ namespace {
 
 /// The number of pieces that the first walk keeps.
 constexpr std::size_t kMostKept = std::size_t{16} << 10;
-
-/// Returns true if the list has the item, or is empty, which means all.
-bool Has(const auto& list, const auto& item) { return list.empty() || std::ranges::find(list, item) != list.end(); }
 
 /// Returns the sample interval of a segment: the interval of its well, or one computed from its times.
 std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel) {
@@ -60,53 +58,33 @@ bool HasAllTimes(const CSampleChoice& choice) {
     return choice.from == all.from && choice.to == all.to;
 }
 
-std::string Joined(const std::set<std::string>& texts) {
-    std::string joined;
-    for (const auto& text : texts)
-        joined += (joined.empty() ? "" : ", ") + Readable(text);
-    return joined.empty() ? "none" : joined;
-}
-
-std::string Joined(const std::set<std::int32_t>& numbers) {
-    return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()});
-}
-
 }  // namespace
 
 CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
     : m_path(path),
       m_scan(path),
       m_choice(std::move(choice)),
-      m_reads(m_choice.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
+      m_reads(m_choice.plate.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
     if (m_choice.from > m_choice.to)
         throw CFailure("--from " + std::to_string(m_choice.from) + " is later than --to " +
                        std::to_string(m_choice.to) + "; swap them.");
     if (m_scan.Break()) RefuseBreak("its recordings");
-    RefuseUnknownTasks();
-    RefuseUnknownRecordings();
+    RefuseUnknownRecordings(m_choice.plate, m_path, m_scan.Recordings());
+    RefuseUnknownNumbers();
     RefuseUnfinished();
 }
 
-void CSampleSource::RefuseUnknownTasks() const {
-    std::set<std::string> tasks;
-    for (const auto& recording : m_scan.Recordings())
-        tasks.insert(recording.header.TaskName);
-    for (const auto& task : m_choice.tasks) {
-        if (!tasks.contains(task))
-            throw CFailure(m_path + " has no task " + task + "; its tasks: " + Joined(tasks) + '.');
-    }
-}
-
-void CSampleSource::RefuseUnknownRecordings() const {
+void CSampleSource::RefuseUnknownNumbers() const {
+    const auto& tasks = m_choice.plate.tasks;
     std::set<std::int32_t> numbers;
     for (const auto& recording : m_scan.Recordings()) {
-        if (Has(m_choice.tasks, recording.header.TaskName)) numbers.insert(recording.header.Recording);
+        if (HasOrIsEmpty(tasks, recording.header.TaskName)) numbers.insert(recording.header.Recording);
     }
     for (const auto number : m_choice.recordings) {
         if (!numbers.contains(number))
             throw CFailure(m_path + " has no recording " + std::to_string(number) +
-                           (m_choice.tasks.empty() ? "; its numbers: " : " in the chosen tasks; their numbers: ") +
-                           Joined(numbers) + '.');
+                           (tasks.empty() ? "; its numbers: " : " in the chosen tasks; their numbers: ") +
+                           ListOrNone(numbers) + '.');
     }
 }
 
@@ -158,7 +136,7 @@ void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
         noteJump(segment->End());
         const CRawDataChannelInfo* const channel = wells.Find(segment->header.ID);
         if (channel == nullptr) m_judge.NoteUnlisted(*segment, index);
-        if (!Has(m_choice.wells, segment->header.ID)) continue;
+        if (!m_choice.plate.HasWell(segment->header.ID)) continue;
         RefuseWrong(*segment, channel, index);
         CPiece piece = Chosen(*segment, recording.header, channel);
         piece.hasScale = !withoutScale.contains(piece.well);
@@ -200,16 +178,12 @@ void CSampleSource::RefuseNothing() const {
 
 /// Throws `CFailure`: the chosen recordings have no segments of the chosen wells.
 void CSampleSource::RefuseWells() const {
-    std::set<std::int32_t> wells;
-    for (const auto& recording : m_scan.Recordings()) {
-        if (!IsChosen(recording.header)) continue;
-        for (const auto& channel : recording.header.WellChannels)
-            wells.insert(channel.ID);
-    }
-    const std::string theirs = Joined(wells) + '.';
+    const auto wells = WellsOf(m_scan.Recordings(), [&](const auto& header) { return IsChosen(header); });
+    const std::string theirs = ListOrNone(wells) + '.';
+    const auto& chosen = m_choice.plate.wells;
     const auto isListed = [&](std::int32_t well) { return wells.contains(well); };
-    if (!m_choice.wells.empty() && std::ranges::none_of(m_choice.wells, isListed))
-        throw CFailure(m_path + " has no well " + ListText(m_choice.wells) +
+    if (!chosen.empty() && std::ranges::none_of(chosen, isListed))
+        throw CFailure(m_path + " has no well " + ListText(chosen) +
                        " in the chosen recordings; their wells: " + theirs);
     const auto unfinished = Unfinished();
     if (!unfinished.empty())
@@ -218,14 +192,14 @@ void CSampleSource::RefuseWells() const {
                        "to save them to a new file.");
     const auto doubts = Doubts();
     if (!doubts.empty()) throw CFailure(m_path + " has no samples of what was chosen. " + doubts.front());
-    if (m_choice.tasks.empty() && m_choice.recordings.empty() && m_choice.wells.empty())
+    if (m_choice.plate.IsAll() && m_choice.recordings.empty())
         throw CFailure(m_path + " has no samples; run 'vxfile info' to see what it contains.");
     throw CFailure(m_path + " has no samples of what was chosen; the wells of the chosen recordings: " + theirs);
 }
 
 std::vector<std::int32_t> CSampleSource::MissingWells() const {
     std::vector<std::int32_t> missing;
-    std::ranges::copy_if(m_choice.wells, std::back_inserter(missing),
+    std::ranges::copy_if(m_choice.plate.wells, std::back_inserter(missing),
                          [&](std::int32_t well) { return !m_wells.contains(well); });
     return missing;
 }
@@ -248,8 +222,7 @@ std::size_t CSampleSource::LongestTask() const {
 }
 
 bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
-    return Has(m_choice.tasks, header.TaskName) && Has(m_choice.doses, header.Dose) &&
-           Has(m_choice.recordings, header.Recording);
+    return m_choice.plate.HasRecording(header) && HasOrIsEmpty(m_choice.recordings, header.Recording);
 }
 
 /// Returns the chosen part of a segment, and updates the range of times and the list of wells.
@@ -263,7 +236,7 @@ CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingH
     piece.tick = TickOf(segment, piece.channel);
     piece.count = segment.Samples();
     piece.position = segment.DataPosition();
-    if (!m_choice.wells.empty()) m_wells.insert(piece.well);
+    if (!m_choice.plate.wells.empty()) m_wells.insert(piece.well);
     m_first = std::min(m_first, segment.header.TimeFrom);
     m_last = std::max(m_last, segment.header.TimeTo);
     Clip(piece);

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/vxfile/plate/PlateView.h"
 #include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/SegmentJudge.h"
 
@@ -17,10 +18,8 @@ namespace vxfile {
 
 /// A choice of samples. An empty list means all.
 struct CSampleChoice {
-    std::vector<std::string> tasks = {};
-    std::vector<std::int64_t> doses = {};       ///< In picomolar.
-    std::vector<std::int32_t> recordings = {};  ///< Their numbers within the tasks.
-    std::vector<std::int32_t> wells = {};
+    CPlateChoice plate = {};
+    std::vector<std::int32_t> recordings = {};                     ///< Their numbers within the tasks.
     std::int64_t from = std::numeric_limits<std::int64_t>::min();  ///< The first time.
     std::int64_t to = std::numeric_limits<std::int64_t>::max();    ///< The last time.
 };
@@ -48,8 +47,8 @@ class CSampleSource {
  public:
     using CTakePiece = std::function<void(const CPiece&)>;
 
-    /// Throws `CFailure` if the file can't be opened, the chain of its recordings is broken, a chosen task or number
-    /// doesn't exist, or no chosen recording is finished.
+    /// Throws `CFailure` if the file can't be opened, the chain of its recordings is broken, a chosen task, dose or
+    /// number doesn't exist, or no chosen recording is finished.
     CSampleSource(const std::string& path, CSampleChoice choice);
 
     /// Calls `take` for each piece. Throws `CFailure` if a chain of segments is broken, or if a header would yield
@@ -89,8 +88,7 @@ class CSampleSource {
         std::optional<std::int64_t> segment;  ///< Empty for the first segment of the recording.
     };
 
-    void RefuseUnknownTasks() const;
-    void RefuseUnknownRecordings() const;
+    void RefuseUnknownNumbers() const;
     void RefuseUnfinished() const;
     [[noreturn]] void RefuseWells() const;
     void Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take);

@@ -1,11 +1,10 @@
 #include "tools/vxfile/shell/PlateOptions.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
-#include <set>
 
 #include "tools/vxfile/document/ReadDocument.h"
+#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
@@ -15,13 +14,6 @@
 namespace vxfile {
 
 namespace {
-
-bool IsID(const std::string& word) {
-    std::int32_t id = 0;
-    const char* const end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, id);
-    return error == std::errc() && stop == end;
-}
 
 /// Returns the wells that a word means. If it means none, the failure also says what is in doubt about the settings.
 std::vector<std::int32_t> WellsOf(const CPlateView& view, const std::string& word) {
@@ -33,14 +25,6 @@ std::vector<std::int32_t> WellsOf(const CPlateView& view, const std::string& wor
             sentences += ' ' + doubt;
         throw CFailure(sentences);
     }
-}
-
-/// Returns the texts in their order, with ", " between them.
-std::string Joined(const auto& items, auto text) {
-    std::string joined;
-    for (const auto& item : items)
-        joined += (joined.empty() ? "" : ", ") + text(item);
-    return joined.empty() ? "none" : joined;
 }
 
 }  // namespace
@@ -66,7 +50,7 @@ std::vector<COption> CPlateOptions::Options(bool showsTimes) {
 }
 
 bool CPlateOptions::HasPlateWords() const {
-    return !m_settings.empty() || !m_doses.empty() || !std::ranges::all_of(m_wells, IsID);
+    return !m_settings.empty() || !m_doses.empty() || !std::ranges::all_of(m_wells, IsWellID);
 }
 
 CPlateView CPlateOptions::ViewOf(const std::string& path) const {
@@ -127,43 +111,6 @@ COption TicksPerSecondOption(double& ticksPerSecond) {
 std::string SourceText(const CPlateView& view) {
     if (!view.labels.AreKnown()) return {};
     return std::string("Labels are those of ").append(Readable(view.labels.Source())).append(".");
-}
-
-void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path,
-                             const std::vector<CRecordingAt>& recordings) {
-    std::set<std::string> tasks;
-    std::set<std::int64_t> doses;
-    for (const auto& recording : recordings) {
-        tasks.insert(recording.header.TaskName);
-        if (HasOrIsEmpty(choice.tasks, recording.header.TaskName)) doses.insert(recording.header.Dose);
-    }
-    for (const auto& task : choice.tasks) {
-        if (tasks.contains(task)) continue;
-        throw CFailure(std::string(path).append(" has no task ").append(task).append("; its tasks: ") +
-                       Joined(tasks, Readable) + '.');
-    }
-    for (const auto dose : choice.doses) {
-        if (!doses.contains(dose))
-            throw CFailure(path + " has no recording with a dose of " + DoseText(dose) +
-                           (choice.tasks.empty() ? "; its doses: " : " in the chosen tasks; their doses: ") +
-                           Joined(doses, DoseText) + '.');
-    }
-}
-
-void RefuseUnknown(const CPlateView& view, const std::string& path, const std::vector<CRecordingAt>& recordings) {
-    RefuseUnknownRecordings(view.choice, path, recordings);
-    std::set<std::int32_t> wells;
-    for (const auto& recording : recordings) {
-        if (!view.choice.HasRecording(recording.header)) continue;
-        for (const auto& channel : recording.header.WellChannels)
-            wells.insert(channel.ID);
-    }
-    const std::string theirs = wells.empty() ? "none" : ListText({wells.begin(), wells.end()});
-    for (const auto well : view.choice.wells) {
-        if (!wells.contains(well))
-            throw CFailure(view.labels.AddedTo(std::string(path).append(" has no well ").append(std::to_string(well)) +
-                                               " in the chosen recordings; their wells: " + theirs + '.'));
-    }
 }
 
 }  // namespace vxfile

@@ -6,13 +6,12 @@
 
 #include "tools/vxfile/document/DocumentHead.h"
 #include "tools/vxfile/plate/PlateView.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/shell/Command.h"
 
 namespace vxfile {
 
-/// The words by which users speak of a plate: its settings file, tasks, doses and wells. Every command that reads raw
-/// data files takes the same options.
+/// The options that choose tasks, doses and wells of a plate, and name its settings file. They are the same for every
+/// command that reads raw data files.
 class CPlateOptions {
  public:
     /// Returns the options, for a command to list them after its own. They point to members of this object. With
@@ -22,8 +21,8 @@ class CPlateOptions {
     /// Returns whether any of the options is given.
     bool AreGiven() const { return HasPlateWords() || !m_tasks.empty() || !m_wells.empty(); }
 
-    /// Returns whether a word on the command line is one of a plate rather than of the file: the settings, a dose, or a
-    /// well that isn't an ID. Columns of tables depend on this alone, never on files or their values.
+    /// Returns whether the command line has something that isn't in the raw data file: the settings, a dose with a
+    /// unit, or a well that isn't an ID. The columns of tables depend only on this, never on files or their values.
     bool HasPlateWords() const;
 
     /// Returns what the options mean for a raw data file. Labels are those of the settings file that was named, or of
@@ -51,13 +50,5 @@ COption TicksPerSecondOption(double& ticksPerSecond);
 
 /// Returns the sentence that says whose labels are used; empty without labels.
 std::string SourceText(const CPlateView& view);
-
-/// Throws `CFailure`, with a list of what there is, if no recording has a chosen task, or none of those tasks has a
-/// chosen dose.
-void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path,
-                             const std::vector<CRecordingAt>& recordings);
-
-/// Does the same, and throws if a chosen well is in none of the chosen recordings.
-void RefuseUnknown(const CPlateView& view, const std::string& path, const std::vector<CRecordingAt>& recordings);
 
 }  // namespace vxfile

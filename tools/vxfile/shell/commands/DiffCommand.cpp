@@ -7,6 +7,8 @@
 
 #include "tools/vxfile/document/XmlDiff.h"
 #include "tools/vxfile/raw/RawDiff.h"
+#include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"

@@ -7,6 +7,8 @@
 
 #include "tools/vxfile/document/XmlInfo.h"
 #include "tools/vxfile/raw/RawInfo.h"
+#include "tools/vxfile/raw/RawScan.h"
+#include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Page.h"
 #include "tools/vxfile/report/Style.h"

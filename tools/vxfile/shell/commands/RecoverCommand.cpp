@@ -9,7 +9,9 @@
 
 #include "recovery/Recover.h"
 #include "tools/vxfile/raw/Proof.h"
+#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/RecoverText.h"
+#include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Progress.h"

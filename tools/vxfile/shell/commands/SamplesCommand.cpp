@@ -112,10 +112,7 @@ class CSamplesCommand : public CCommand {
     /// Chooses what the words of the plate mean, and adds its columns if there are such words. Requires: `view`
     /// outlives the writing.
     void TakeView(const CPlateView& view) {
-        if (!view.choice.doses.empty()) RefuseUnknownRecordings(view.choice, m_path, CRawScan(m_path).Recordings());
-        m_choice.tasks = view.choice.tasks;
-        m_choice.doses = view.choice.doses;
-        m_choice.wells = view.choice.wells;
+        m_choice.plate = view.choice;
         m_form.ticksPerSecond = view.ticksPerSecond;
         if (!m_plate.HasPlateWords()) return;
         m_form.labels = &view.labels;

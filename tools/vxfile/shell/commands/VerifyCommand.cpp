@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "tools/vxfile/document/XmlVerify.h"
+#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Findings.h"
 #include "tools/vxfile/report/Json.h"

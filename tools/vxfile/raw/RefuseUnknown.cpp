@@ -1,0 +1,55 @@
+#include "tools/vxfile/raw/RefuseUnknown.h"
+
+#include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Failure.h"
+
+namespace vxfile {
+
+namespace {
+
+/// Returns the texts in their order, with ", " between them.
+std::string Joined(const auto& items, auto text) {
+    std::string joined;
+    for (const auto& item : items)
+        joined += (joined.empty() ? "" : ", ") + text(item);
+    return joined.empty() ? "none" : joined;
+}
+
+}  // namespace
+
+std::string ListOrNone(const std::set<std::int32_t>& numbers) {
+    return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()});
+}
+
+void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path,
+                             const std::vector<CRecordingAt>& recordings) {
+    std::set<std::string> tasks;
+    std::set<std::int64_t> doses;
+    for (const auto& recording : recordings) {
+        tasks.insert(recording.header.TaskName);
+        if (HasOrIsEmpty(choice.tasks, recording.header.TaskName)) doses.insert(recording.header.Dose);
+    }
+    for (const auto& task : choice.tasks) {
+        if (tasks.contains(task)) continue;
+        throw CFailure(std::string(path).append(" has no task ").append(task).append("; its tasks: ") +
+                       Joined(tasks, Readable) + '.');
+    }
+    for (const auto dose : choice.doses) {
+        if (!doses.contains(dose))
+            throw CFailure(path + " has no recording with a dose of " + DoseText(dose) +
+                           (choice.tasks.empty() ? "; its doses: " : " in the chosen tasks; their doses: ") +
+                           Joined(doses, DoseText) + '.');
+    }
+}
+
+void RefuseUnknown(const CPlateView& view, const std::string& path, const std::vector<CRecordingAt>& recordings) {
+    RefuseUnknownRecordings(view.choice, path, recordings);
+    const auto wells = WellsOf(recordings, [&](const auto& header) { return view.choice.HasRecording(header); });
+    for (const auto well : view.choice.wells) {
+        if (!wells.contains(well))
+            throw CFailure(view.labels.AddedTo(std::string(path).append(" has no well ").append(std::to_string(well)) +
+                                               " in the chosen recordings; their wells: " + ListOrNone(wells) + '.'));
+    }
+}
+
+}  // namespace vxfile
