@@ -224,9 +224,7 @@ class CPlanCommand : public CCommand {
 
     /// Takes values without an option from the settings. Returns the wells of their plate.
     std::vector<std::int32_t> TakeSettings() {
-        const EFileKind kind = FileKindOf(m_settings);
-        if (kind != EFileKind::Settings)
-            throw CFailure(m_settings + " is " + ArticleAndNameOf(kind) + "; expected a settings file here.");
+        RequireKind(EFileKind::Settings, m_settings);
         CISettingsReader reader;
         reader.ReadFile(m_settings);
         const CPropRecording& recording = *reader.GetRecordingProperty();
