@@ -253,6 +253,23 @@ TEST_F(BulkAccessTest, SelectionOutlivesFileAndIndex) {
     EXPECT_EQ(SamplesOf(selection), (std::vector<std::uint16_t>{1, 2}));
 }
 
+TEST_F(BulkAccessTest, ReadCallsTheCheckEvery16MiBAndStopsIfItThrows) {
+    const std::size_t step = std::size_t{8} << 20;  // samples
+    const CRecordingIndex index = IndexOf({{12, 0, {7}}, {11, 0, Ascending(0, step)}, {12, 100, {8}}});
+    std::vector<std::uint16_t> samples(step + 2, 1);
+    const std::span all(samples);
+    const std::vector<std::span<std::uint16_t>> buffers = {all.first(step), all.last(2)};
+    int checks = 0;
+    index.Select().Read(buffers, [&] { ++checks; });
+    EXPECT_EQ(checks, 1);
+    EXPECT_EQ(samples, [&] {
+        std::vector<std::uint16_t> expected = Ascending(0, step);
+        expected.insert(expected.end(), {7, 8});
+        return expected;
+    }());
+    EXPECT_THROW(index.Select().Read(buffers, [] { throw 1; }), int);
+}
+
 // ---- Damage ---------------------------------------------------------------------------------------------------------
 
 TEST_F(BulkAccessTest, CutSamplesAreCountedAndReadAsZero) {
@@ -373,23 +390,6 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
 }
 
 // ---- Unfinished recordings ------------------------------------------------------------------------------------------
-
-TEST_F(BulkAccessTest, ReadCallsTheCheckEvery16MiBAndStopsIfItThrows) {
-    const std::size_t step = std::size_t{8} << 20;  // samples
-    const CRecordingIndex index = IndexOf({{12, 0, {7}}, {11, 0, Ascending(0, step)}, {12, 100, {8}}});
-    std::vector<std::uint16_t> samples(step + 2, 1);
-    const std::span all(samples);
-    const std::vector<std::span<std::uint16_t>> buffers = {all.first(step), all.last(2)};
-    int checks = 0;
-    index.Select().Read(buffers, [&] { ++checks; });
-    EXPECT_EQ(checks, 1);
-    EXPECT_EQ(samples, [&] {
-        std::vector<std::uint16_t> expected = Ascending(0, step);
-        expected.insert(expected.end(), {7, 8});
-        return expected;
-    }());
-    EXPECT_THROW(index.Select().Read(buffers, [] { throw 1; }), int);
-}
 
 TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadUpToTheLastWholeSegment) {
     const std::string three = SegmentBytes({{11, 0, {1, 2}}, {12, 0, {3, 4}}, {11, 200, {5, 6}}});

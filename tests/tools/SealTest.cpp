@@ -334,6 +334,7 @@ TEST_F(Seals, ArentWrittenForAFileThatChangesMeanwhile) {
     EXPECT_NE(m_run.err.find("is being written"), std::string::npos) << m_run.err;
     EXPECT_FALSE(std::filesystem::exists(m_seal));
 }
+
 TEST_F(Seals, OfFilesWithTooLongNamesAreRefusedWithAdvice) {
     m_path = m_folder.Path(std::string(247, 'x') + ".vxd");
     SealFile(kTwo);
@@ -351,7 +352,6 @@ TEST_F(Seals, OfNamesInLatin1HaveReadablePaths) {
         EXPECT_EQ(file["seal"]["path"], m_folder.Path("Müller.vxd.seal"));
     }
 }
-
 #endif
 
 TEST_F(Seals, OfANewerVersionAreReportedAsSuch) {

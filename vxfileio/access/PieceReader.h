@@ -132,7 +132,7 @@ class CPieceReader {
         const CPiece& first = m_pieces.front();
         if (m_pieces.size() == 1) return ReadBytes(*m_file, m_size, first.offset, first.place.Bytes(first.samples));
         m_parts.clear();
-        const std::int64_t begin = m_pieces.front().offset;
+        const std::int64_t begin = first.offset;
         std::int64_t end = begin;
         for (const CPiece& piece : m_pieces) {
             m_parts.emplace_back(Block(), static_cast<std::size_t>(piece.offset - end));

@@ -23,10 +23,10 @@ struct CSampleRequest {
     std::int64_t From = std::numeric_limits<std::int64_t>::min();
     /// The last time, included. The default is after every sample.
     std::int64_t To = std::numeric_limits<std::int64_t>::max();
-    /// The first segment, counted from 0 in the order of the file. To bound the memory for the buffers of a long
-    /// recording, read some segments after the others.
+    /// The first segment, counted from 0 in the order of the file. To limit the memory for the buffers of a long
+    /// recording, read it in several requests.
     std::size_t FirstSegment = 0;
-    /// The number of segments; fewer if the recording ends first. The default is all.
+    /// The maximum number of segments. The default is all.
     std::size_t Segments = std::numeric_limits<std::size_t>::max();
 };
 

@@ -43,7 +43,7 @@ class CWide {
     const wchar_t* c_str() const noexcept { return m_text.data(); }
 
  private:
-    static constexpr std::size_t kMost = 4096;  ///< More than people's paths have, and little for a stack.
+    static constexpr std::size_t kMost = 4096;  ///< Longer than real paths, and small for a stack.
 
     std::array<wchar_t, kMost + 1> m_text;
 };

@@ -82,7 +82,7 @@ class XmlScanner {
     void MakeList(std::int64_t claimed);
     static constexpr std::int64_t kAnyNumber = INT64_MIN;
 
-    /// The reason of the last failure of `Next`. Never cleared, since after a failure every comment ends the document.
+    /// The reason for the last failure of `Next`. Never cleared, since after a failure every comment ends the document.
     XmlError LastError() const { return m_lastError; }
 
  protected:

@@ -66,7 +66,7 @@ class CRawVerifier {
     }
 
  private:
-    /// Adds a finding about the recording and the well at hand, if they are chosen.
+    /// Adds a finding about the current recording and well. Only counts it if they aren't chosen.
     void Add(CFinding finding) {
         finding.well = m_well;
         const bool isChosen = (m_recording == nullptr || m_choice.HasRecording(m_recording->header)) &&
@@ -128,8 +128,8 @@ class CRawVerifier {
     CFindings m_findings;
     CCoverage m_coverage;
     CSegmentRules m_rules;                      ///< For the current recording.
-    const CRecordingAt* m_recording = nullptr;  ///< The recording at hand; null if none is.
-    std::optional<std::int32_t> m_well;         ///< The well of the segment at hand; nothing if none is.
+    const CRecordingAt* m_recording = nullptr;  ///< The current recording; null outside recordings.
+    std::optional<std::int32_t> m_well;         ///< The well of the current segment; empty outside segments.
     CSegmentBudget m_budget;
     bool m_circle = false;  ///< Chains share segments, so overlaps mean nothing.
 };

@@ -14,9 +14,9 @@ struct CFinding {
     std::int64_t offset = -1;  ///< Bytes from the start of the file; -1 if it has no place.
     std::string found;         ///< What stands there.
     std::string expected;      ///< What should.
-    std::string meaning;       ///< What that means for whoever reads the file.
+    std::string meaning;       ///< What that means for readers of the file.
     std::string rule = {};     ///< The name of the rule that is broken; empty if it has none.
-    std::optional<std::int32_t> well = {};  ///< The ID of the well that it is about; nothing if of none.
+    std::optional<std::int32_t> well = {};  ///< The ID of the well; empty if it isn't about one.
 };
 
 /// All findings about one file. A damaged file may have millions; all are counted, the first ones kept.
@@ -26,7 +26,7 @@ class CFindings {
 
     void Add(CFinding finding);
 
-    /// Counts a finding about something else than was chosen.
+    /// Counts a finding about something that wasn't chosen.
     void AddElsewhere() { ++m_elsewhere; }
     std::size_t Elsewhere() const { return m_elsewhere; }
 

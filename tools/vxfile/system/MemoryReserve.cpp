@@ -38,14 +38,14 @@ void PutBy(CReserve& part) {
     throw std::bad_alloc();
 }
 
-void GiveReserveFree() {
+void FreeReserve() {
     g_isShort = true;
     if (!g_firstPart) Refuse();
     g_firstPart.reset();
 }
 
 /// Copying a growing document may use up the whole reserve before anything can fail.
-[[noreturn]] void EndForWantOfMemory() {
+[[noreturn]] void EndWithoutMemory() {
     try {
         if (const auto failure = std::current_exception()) std::rethrow_exception(failure);
     } catch (const std::bad_alloc&) {
@@ -61,8 +61,8 @@ void GiveReserveFree() {
 
 void KeepMemoryReserve() {
     g_isShort = false;
-    std::set_new_handler(GiveReserveFree);
-    std::set_terminate(EndForWantOfMemory);
+    std::set_new_handler(FreeReserve);
+    std::set_terminate(EndWithoutMemory);
     PutBy(g_firstPart);
     PutBy(g_secondPart);
 }
