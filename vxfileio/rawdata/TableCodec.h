@@ -359,11 +359,11 @@ consteval CLayout MakeCheckedLayout() {
     constexpr CLayout kLayout = MakeLayout<kVersion.number, File, Recording, Segment>();
     static_assert(kVersion.number == static_cast<std::int32_t>(Index) + kOldestVersion, "versions are numbered from 1");
     static_assert(kLayout.file.size == kVersion.fileHdr,
-                  "the file header's cells have another sum than the size in the table of versions");
+                  "the cells of the file header don't add up to its size in the table of versions");
     static_assert(kLayout.recording.size == kVersion.recordingHdr,
-                  "the recording header's cells have another sum than the size in the table of versions");
+                  "the cells of the recording header don't add up to its size in the table of versions");
     static_assert(kLayout.segment.size == kVersion.segmentHdr,
-                  "the segment header's cells have another sum than the size in the table of versions");
+                  "the cells of the segment header don't add up to its size in the table of versions");
     static_assert(HasNamedCells(kLayout), "a list of the file header is wider than kMostRewritten");
     static_assert(HaveSameBeginning(kLayout.file, HdrIn<File, kOldestVersion>()),
                   "a file's version must have the same place in all versions");

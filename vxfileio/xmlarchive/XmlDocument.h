@@ -40,10 +40,8 @@ void WriteDocument(const std::string& path, std::string_view openFailed, std::st
 /// Processes the events of a section, up to its end tag, or to its start tag if it is empty.
 template <class Handle>
 void ForEachEventOfSection(CXmlFileArchive& archive, std::string_view section, Handle handle) {
-    const auto isEmpty = [&] {
-        return IsStartOf(archive, section) && !HasChildren(archive) && archive.GetText().empty();
-    };
-    while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == section) && !isEmpty())
+    while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == section) &&
+           !IsEmptyElement(archive, section))
         handle();
 }
 

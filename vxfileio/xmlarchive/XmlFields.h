@@ -132,6 +132,12 @@ inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
+/// Returns whether the current event is the start tag of an element with this tag and without content. No end tag
+/// follows.
+inline bool IsEmptyElement(CXmlFileArchive& archive, std::string_view tag) {
+    return IsStartOf(archive, tag) && !HasChildren(archive) && archive.GetText().empty();
+}
+
 /// A number, bool, text, character or enumeration, depending on the member's type.
 template <class Object, class Member>
 struct CValueField {
@@ -363,8 +369,7 @@ template <class Form, class... Objects>
 void LoadForm(CXmlFileArchive& archive, Objects&... objects) {
     ForEachEventUntil(archive, Form::kElement, [&] {
         if (GetField(archive, Form::kFields, objects...)) return;
-        if (IsStartOf(archive, Form::kElement) && !HasChildren(archive) && archive.GetText().empty())
-            archive.NoteText(gd_xml_stream::XmlFault::NoContent);
+        if (IsEmptyElement(archive, Form::kElement)) archive.NoteText(gd_xml_stream::XmlFault::NoContent);
     });
 }
 
