@@ -51,14 +51,14 @@ class VXFILEIO_API CRawDataFile {
     ///
     /// A finished recording without segments has an empty index. An unfinished recording is refused unless
     /// `options.Unfinished` is set. Then its segments are found from its header on, up to the last one that is whole by
-    /// now: its writer may be adding more at the same time, and whatever stops the search is not an error.
+    /// now: its writer may be adding more at the same time, and it is not an error if no further segment is found.
     ///
     /// Throws `CExcVXReader` with
     /// - "The file has no such recording." or "The recording isn't finished.",
     /// - "Error seeking Data Segment." or "Error reading Data Segment Header" if the chain of segments is damaged or a
     ///   circle, for which `CIRawDataReader::ReadSegment` has the same text, unless `options.UpToDamage` is set.
     ///
-    /// Memory is in proportion to the segments that are in the file, whatever the headers say.
+    /// Memory is in proportion to the segments that are in the file, not to what its headers claim.
     CRecordingIndex ReadIndex(std::size_t recording, const CIndexOptions& options = {}) const;
 
  private:

@@ -69,10 +69,9 @@ class VXFILEIO_API CIRawDataWriter {
     /// the decimal text of a 64-bit whole number. Any other task name has no effect.
     void UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values);
 
-    /// Turns strictness on or off, at any time; a new writer isn't strict. A strict writer refuses whatever
-    /// `vxfile verify` would report, with a `CExcVXReader` that names the value, what would be right and why, before
-    /// anything is written, pages of zeros among the samples excepted: samples may have any value. So `verify` finds
-    /// nothing else in a file that was written strictly and has a recording. A strict writer refuses
+    /// Turns strictness on or off, at any time; a new writer isn't strict. A strict writer refuses everything that
+    /// `vxfile verify` would report, before anything is written, with a `CExcVXReader` that names the value, what would
+    /// be right, and why. The one exception are pages of zeros: samples may have any value. A strict writer refuses
     ///
     /// - a `HeaderID` that doesn't begin "OVL Vexaprobe", a `FileVersion` below 2,
     /// - texts with control characters (NUL, CR and LF among them), and texts other than `HeaderID` with `=` or `:`,

@@ -9,8 +9,8 @@
 namespace vxfile::page {
 
 /// The samples of one well in one recording, reduced to the least and the greatest of each step in time, so that no
-/// peak is lost. Steps without samples are gaps. Steps become longer as samples arrive, so memory is bounded whatever
-/// the times are.
+/// peak is lost. Steps without samples are gaps. Steps become longer as samples arrive, so memory is bounded for
+/// any times.
 class CTrace {
  public:
     /// The least and greatest sample of a step; least above greatest in a gap.

@@ -31,7 +31,7 @@ struct CMarksToSave {
 };
 
 /// Reads a list up to its end tag, and its entries by `load()` at their start. A list without children has no end tag,
-/// whatever its `Size` says.
+/// even if its `Size` is above 0.
 template <class Load>
 void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view entryTag, Load load) {
     if (!HasChildren(archive) || !archive.ListHasEntries()) return;
