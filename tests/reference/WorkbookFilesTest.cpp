@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <sstream>
@@ -17,15 +18,20 @@
 
 namespace {
 
-constexpr std::array kNames = {"big", "empty", "small"};
+constexpr std::array kNames = {"big", "empty", "rows", "small", "texts"};
 
 std::string WorkbookPath(const std::string& fileName) { return ReferencePath("workbooks/" + fileName); }
 
-/// Returns the characters of a text, which has four hexadecimal digits per character in the twin.
+/// Returns the characters of a text, which has four hexadecimal digits per character in the twin; "006e*300," are 300,
+/// and "-" is an empty text.
 std::u16string Characters(const std::string& digits) {
     std::u16string text;
-    for (std::size_t i = 0; i < digits.size(); i += 4)
-        text += static_cast<char16_t>(std::stoul(digits.substr(i, 4), nullptr, 16));
+    for (std::size_t i = 0; i < digits.size() && digits != "-"; i += 4) {
+        const auto character = static_cast<char16_t>(std::stoul(digits.substr(i, 4), nullptr, 16));
+        const bool isRun = digits.substr(i + 4, 1) == "*";
+        text.append(isRun ? std::stoul(digits.substr(i + 5)) : 1, character);
+        if (isRun) i = digits.find(',', i) - 3;
+    }
     return text;
 }
 
@@ -40,7 +46,7 @@ void SetText(YExcel::Cell& cell, const std::u16string& text) {
 
 void SetValue(YExcel::Cell& cell, const std::string& type, const std::string& value) {
     if (type == "double") {
-        cell.SetDouble(std::stod(value));
+        cell.SetDouble(std::strtod(value.c_str(), nullptr));
     } else if (type == "integer") {
         cell.SetInteger(std::stoi(value));
     } else {

@@ -25,7 +25,6 @@ inline std::string U8(std::uint64_t value) { return LowFirst(value, 1); }
 inline std::string U16(std::uint64_t value) { return LowFirst(value, 2); }
 inline std::string U32(std::uint64_t value) { return LowFirst(value, 4); }
 inline std::string U64(std::uint64_t value) { return LowFirst(value, 8); }
-inline std::string Zeros(std::size_t size) { return std::string().append(size, '\0'); }
 
 /// Returns the bytes of UTF-16 characters.
 inline std::string Units(std::u16string_view text) {
@@ -81,7 +80,6 @@ inline std::uint32_t NumberAt(const std::string& bytes, std::size_t position, in
 
 /// A record in a stream.
 struct CFoundRecord {
-    std::size_t position = 0;
     std::uint32_t code = 0;
     std::string body;
 };
@@ -92,7 +90,7 @@ inline std::vector<CFoundRecord> RecordsOf(const std::string& stream) {
     for (std::size_t position = 0; position < stream.size();) {
         const std::uint32_t length = NumberAt(stream, position + 2, 2);
         if (position + 4 + length > stream.size()) throw std::string("a record is cut");
-        records.push_back({position, NumberAt(stream, position, 2), stream.substr(position + 4, length)});
+        records.push_back({NumberAt(stream, position, 2), stream.substr(position + 4, length)});
         position += 4 + length;
     }
     return records;

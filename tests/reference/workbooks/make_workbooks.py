@@ -2,8 +2,9 @@
 """Makes the reference workbooks: NAME.xls, byte for byte what the library must write, and its text twin NAME.txt.
 
 A twin has one line per cell: sheet, row, column, type and value, separated by tabs. A text is written as four
-hexadecimal digits per character. docs/workbook.md describes the format; nothing here comes from the library or from
-another program that writes workbooks.
+hexadecimal digits per character; "006e*300," means 300 times the same one. An empty text is a cell that was asked for but
+stays empty. docs/workbook.md describes the format; nothing here comes from the library or from another program that
+writes workbooks.
 
     make_workbooks.py [FOLDER]      default: the folder of this script
 """
@@ -40,7 +41,26 @@ BIG = {
     "Second": {(31, 0): 31.5, (32, 0): 32, (33, 255): "behind"},
 }
 
-WORKBOOKS = {"empty": EMPTY, "small": SMALL, "big": BIG}
+ROWS = {
+    "Runs": {
+        (2, 1): 1.5, (2, 2): 2.5, (2, 3): 3.25,
+        (3, 0): 1.5, (3, 1): 153.2738, (3, 2): 153.2738, (3, 3): 2.5, (3, 5): 2.5,  # there is a gap before the last
+        (4, 0): -1, (4, 1): 2, (4, 2): 2.0, (4, 3): 536870912, (4, 4): 3,           # a double, and one bit too many
+        **{(5, column): 0 for column in range(256)},
+        (6, 0): 0, (6, 254): 0,
+    },
+    "Blocks": {(2, 3): 153.2738, (2, 1): "text", (3, 0): 1.5, (31, 0): "", (33, 2): 1.5, (34, 4): ""},
+    "Nothing": {(64, 1): ""},
+    "Late": {(63, 1): "x", (64, 1): ""},
+    "Corners": {(65534, 7): 1, (65535, 255): 2, (65535, 0): 3},
+    "Numbers": {(row, 0): value for row, value in enumerate([
+        0.0, -1.0, 100.0, -12.5, 12.5, 1234.56, 12.34005, 1.1401, 5242.88, 5242.89, -5242.89, -214748.0, 214749.0,
+        -214749.0, 5368709.12, -5368709.12, 16106127.36, 123456789.0, 0.0000999, 0.0001, -1e300, 5e-324, 0.01, 99.99,
+        2147483647.0, 0.1, 1e15, 0, 1, 100, 536870911, -536870912])},
+    "Neighbours": {(row, column): value for column in range(256) for row, value in
+                   ((0, column * 0.25), (1, column), (2, column / 7.0)) if row < 2 or column % 3},
+}
+
 
 # ---- Records ---------------------------------------------------------------------------------------------------------
 
@@ -84,8 +104,8 @@ def bound_sheet(position, name):
     return record(0x0085, "IBBBB", position, 0, 0, len(name), 0, tail=name.encode("latin-1"))
 
 
-def shared_strings(texts):
-    """Returns the record of all texts and its CONTINUE records. `texts` are those of all cells, in order."""
+def string_bodies(texts):
+    """Returns the bodies of the record of all texts and of its CONTINUE records. `texts` are those of all cells."""
     different = list(dict.fromkeys(texts))
     bodies = [struct.pack("<II", len(texts), len(different))]
     for text in different:
@@ -103,8 +123,37 @@ def shared_strings(texts):
                 break
             bodies.append(b"")
             head, room = option(text), MOST_BODY
-    return b"".join(record(0x003C if i else 0x00FC, tail=body) for i, body in enumerate(bodies))
+    return bodies
 
+
+def shared_strings(texts):
+    return b"".join(record(0x003C if i else 0x00FC, tail=body) for i, body in enumerate(string_bodies(texts)))
+
+
+# ---- Texts at the ends of records ------------------------------------------------------------------------------------
+
+# The bytes that a narrow text leaves in its record, or those that continue in the next ones, negative; and the sizes of
+# the texts after it, negative for wide ones.
+BORDERS = [
+    [0, 1], [0, -1], [0, 8221, 1], [0, 8222], [0, 2, -4109], [0, -4111, 2], [0, -4110 - 2 * 4111 - 2, 2],
+    [0, -4110 - 4111, 2], [-1, 2], [-2 * 8223 - 5, 2], [-2 * 8223, 2],
+    [11, 8, 1], [11, 9], [11, -4], [11, -5], [12, 10], [12, -5],
+]
+
+
+def border_texts():
+    """Returns texts that end at all these borders. Texts of the same size have different characters."""
+    texts = []
+    for number, (left, *sizes) in enumerate(BORDERS):
+        room = MOST_BODY - len(string_bodies(texts)[-1]) or MOST_BODY
+        texts.append(chr(0xC0 + number) * (room - 3 - left))
+        texts += [chr((0x41 if size > 0 else 0x450) + number) * abs(size) for size in sizes]
+    return texts
+
+
+WORKBOOKS = {"empty": EMPTY, "small": SMALL, "big": BIG, "rows": ROWS,
+             "texts": {"Texts": {(row, 0): text for row, text in enumerate(border_texts())},
+                       "Bytes": {(byte, 0): f"a{chr(byte)}z" for byte in range(0x20, 0x100)}}}
 
 # ---- Cells -----------------------------------------------------------------------------------------------------------
 
@@ -172,9 +221,10 @@ def sheet_records(cells, is_first, position, string_index):
     """Returns the records of a sheet at `position` in the stream."""
     row_end = max((row + 1 for row, _ in cells), default=0)
     column_end = max((column + 1 for _, column in cells), default=0)
-    first_row, first_column = min(cells, default=(0, 0))
+    filled = {place: value for place, value in cells.items() if value != ""}
+    first_row, first_column = min(filled, default=(0, 0))
     lines = {row: [(column, value) for (_, column), value in line]
-             for row, line in itertools.groupby(sorted(cells.items()), lambda item: item[0][0])}
+             for row, line in itertools.groupby(sorted(filled.items()), lambda item: item[0][0])}
     block_count = (row_end + 31) // 32
     place = position + 20 + 20 + 4 * max(block_count, 1) + 18
     blocks, places = b"", []
@@ -190,7 +240,7 @@ def sheet_records(cells, is_first, position, string_index):
 
 def stream_of(sheets):
     """Returns the stream `Workbook`."""
-    texts = [value for cells in sheets.values() for _, value in sorted(cells.items()) if isinstance(value, str)]
+    texts = [value for cells in sheets.values() for _, value in sorted(cells.items()) if isinstance(value, str) and value]
     string_index = {text: index for index, text in enumerate(dict.fromkeys(texts))}
     front = bof(5) + WINDOW1 + 4 * FONT + 21 * XF + 6 * STYLE
     back = shared_strings(texts) + EOF
@@ -212,7 +262,7 @@ def in_units(data, unit):
 
 
 def table(marks):
-    assert len(marks) <= 128, "one sector of the FAT is enough for every workbook here"
+    """Returns a sector of the FAT or mini FAT."""
     return struct.pack("<128I", *marks, *[FREE] * (128 - len(marks)))
 
 
@@ -227,30 +277,38 @@ def chain(sectors):
 
 
 def compound_file(stream):
+    count = in_units(stream, 512)
     if len(stream) >= 4096:
-        count = in_units(stream, 512)
-        marks = {0: FAT_SECTOR, 1: END_OF_CHAIN, **chain(list(range(2, 2 + count)))}
-        sectors = stream.ljust(512 * count, b"\0")
+        numbers = [number for number in range(2, 2 * count + 4) if number % 128][:count]  # the others are the FAT's
+        marks, sectors = chain(numbers), {}
         mini_fat, root, start = (END_OF_CHAIN, 0), (END_OF_CHAIN, 0), 2
     else:
-        count, mini_count = in_units(stream, 512), in_units(stream, 64)
-        data = stream.ljust(512 * count, b"\0")
-        of_mini_fat = table([*range(1, mini_count), END_OF_CHAIN])
-        marks = {0: FAT_SECTOR, 1: END_OF_CHAIN, 3: END_OF_CHAIN, **chain([2, *range(4, 3 + count)])}
-        sectors = data[:512] + of_mini_fat + data[512:]
+        numbers, mini_count = [2, *range(4, 3 + count)], in_units(stream, 64)
+        marks, sectors = {3: END_OF_CHAIN, **chain(numbers)}, {3: table([*range(1, mini_count), END_OF_CHAIN])}
         mini_fat, root, start = (3, 1), (2, 64 * mini_count), 0
-    header = struct.pack("<8s16x5H6x9I", bytes.fromhex("D0CF11E0A1B11AE1"), 0x3B, 3, 0xFFFE, 9, 6, 0, 1, 1, 0, 4096,
-                         *mini_fat, END_OF_CHAIN, 0) + struct.pack("<109I", 0, *[FREE] * 108)
-    directory = entry("Root Entry", 5, 1, *root) + entry("Workbook", 2, FREE, start, len(stream)) + bytes(256)
-    return header + table([mark for _, mark in sorted(marks.items())]) + directory + sectors
+    fat_sectors = range(0, numbers[-1] + 1, 128)
+    marks |= {1: END_OF_CHAIN, **dict.fromkeys(fat_sectors, FAT_SECTOR)}
+    sectors |= {number: stream[512 * i:512 * i + 512].ljust(512, b"\0") for i, number in enumerate(numbers)}
+    sectors |= {first: table([marks[n] for n in range(first, min(first + 128, numbers[-1] + 1))]) for first in fat_sectors}
+    sectors[1] = entry("Root Entry", 5, 1, *root) + entry("Workbook", 2, FREE, start, len(stream)) + bytes(256)
+    listed = [*fat_sectors, *[FREE] * (109 - len(fat_sectors))]
+    header = struct.pack("<8s16x5H6x9I109I", bytes.fromhex("D0CF11E0A1B11AE1"), 0x3B, 3, 0xFFFE, 9, 6, 0, len(fat_sectors),
+                         1, 0, 4096, *mini_fat, END_OF_CHAIN, 0, *listed)
+    return header + b"".join(sectors[number] for number in sorted(sectors))
 
 
 # ---- Files -----------------------------------------------------------------------------------------------------------
 
 
+def digits_of(text):
+    for character, run in itertools.groupby(text):
+        count = len(list(run))
+        yield f"{ord(character):04x}" * count if count < 100 else f"{ord(character):04x}*{count},"
+
+
 def twin_line(sheet, row, column, value):
     if isinstance(value, str):
-        kind, text = "text", "".join(f"{ord(character):04x}" for character in value)
+        kind, text = "text", "".join(digits_of(value)) or "-"
     else:
         kind, text = ("integer", str(value)) if isinstance(value, int) else ("double", f"{value:.17g}")
     return f"{sheet}\t{row}\t{column}\t{kind}\t{text}\n"
