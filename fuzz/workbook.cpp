@@ -2,154 +2,19 @@
 // the cells that were written.
 #include <bit>
 #include <cmath>
-#include <map>
 #include <variant>
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "tests/export/compound/CompoundReader.h"
+#include "tests/export/WorkbookReader.h"
 #include "vxfileio/export/Document.h"
 
 namespace {
 
-using Place = std::pair<std::uint32_t, std::uint32_t>;
-using Content = std::variant<double, std::u16string>;
-
-struct CSheetModel {
-    std::string name;
-    std::map<Place, Content> cells;
-    std::uint32_t rows = 0;
-    std::uint32_t columns = 0;
-};
-
-struct CRecord {
-    std::size_t position;
-    std::uint16_t code;
-    std::string body;
-};
-
-constexpr std::size_t kMostBody = 8224;
-
-std::vector<CRecord> RecordsOf(const std::string& stream) {
-    std::vector<CRecord> records;
-    for (std::size_t at = 0; at < stream.size(); at += 4 + records.back().body.size()) {
-        records.push_back({at, U16(stream, at), stream.substr(at + 4, U16(stream, at + 2))});
-        Require(records.back().body.size() == U16(stream, at + 2), "whole records");
-        Require(records.back().body.size() <= kMostBody, "records of a size that readers accept");
-    }
-    return records;
-}
-
-/// The table of texts: a record, and those that continue it. Where the characters of a text continue in the next
-/// record, that record begins with their width again; nothing else is split.
-class CTextTable {
- public:
-    explicit CTextTable(std::vector<std::string> bodies) : m_bodies(std::move(bodies)) {
-        const std::uint32_t count = U32(Take(8), 4);
-        while (m_texts.size() < count)
-            m_texts.push_back(TakeText());
-        Require(m_body + 1 == m_bodies.size() && m_at == m_bodies.back().size(), "nothing after the texts");
-    }
-
-    const std::u16string& At(std::size_t index) const { return m_texts.at(index); }
-
- private:
-    std::string Take(std::size_t size) {
-        if (m_at == m_bodies.at(m_body).size()) {
-            ++m_body;
-            m_at = 0;
-        }
-        const std::string taken = m_bodies.at(m_body).substr(m_at, size);
-        Require(taken.size() == size, "numbers aren't cut");
-        m_at += size;
-        return taken;
-    }
-
-    std::u16string TakeText() {
-        std::u16string text;
-        const std::string header = Take(3);
-        bool isWide = header[2] != 0;
-        while (text.size() < U16(header, 0)) {
-            if (m_at == m_bodies.at(m_body).size()) isWide = Take(1)[0] != 0;
-            const std::string character = Take(isWide ? 2 : 1);
-            text += static_cast<char16_t>(NumberAt(character, 0, character.size()));
-        }
-        return text;
-    }
-
-    std::vector<std::string> m_bodies;
-    std::size_t m_body = 0;
-    std::size_t m_at = 0;
-    std::vector<std::u16string> m_texts;
-};
-
-double NumberOf(std::uint32_t word) {
-    const double number = (word & 2U) != 0 ? static_cast<std::int32_t>(word) >> 2
-                                           : std::bit_cast<double>(std::uint64_t{word & ~3U} << 32U);
-    return (word & 1U) != 0 ? number / 100 : number;
-}
-
-/// The content of a workbook's stream, sheet by sheet.
-class CReadWorkbook {
- public:
-    explicit CReadWorkbook(const std::string& stream) : m_records(RecordsOf(stream)), m_texts(TextBodies()) {
-        for (const CRecord& record : m_records)
-            Take(record);
-    }
-
-    std::vector<CSheetModel> sheets;
-
- private:
-    std::vector<std::string> TextBodies() const {
-        std::vector<std::string> bodies;
-        for (const CRecord& record : m_records)
-            if (record.code == 0x00FC || record.code == 0x003C) bodies.push_back(record.body);
-        return bodies;
-    }
-
-    void Take(const CRecord& record) {
-        const std::string& body = record.body;
-        if (record.code == 0x0085) {
-            m_positions.push_back(U32(body, 0));
-            sheets.push_back({.name = body.substr(8, static_cast<unsigned char>(body.at(6))), .cells = {}});
-        } else if (record.code == 0x0809 && record.position > 0) {
-            Require(record.position == m_positions.at(m_sheet++), "a sheet where its name says");
-        } else if (record.code == 0x020B) {
-            CheckIndex(body);
-        } else if (record.code == 0x0200) {
-            sheets.at(m_sheet - 1).rows = U32(body, 4);
-            sheets.at(m_sheet - 1).columns = U16(body, 10);
-        } else if (record.code == 0x0203) {
-            Put(body, 0, std::bit_cast<double>(NumberAt(body, 6, 8)));
-        } else if (record.code == 0x00FD) {
-            Put(body, 0, m_texts.At(U32(body, 6)));
-        } else if (record.code == 0x027E) {
-            Put(body, 0, NumberOf(U32(body, 6)));
-        } else if (record.code == 0x00BD) {
-            for (std::uint32_t i = 0; 6 * i + 6 < body.size(); ++i)
-                Put(body, i, NumberOf(U32(body, 6 * std::size_t{i} + 6)));
-        }
-    }
-
-    void Put(const std::string& body, std::uint32_t further, Content content) {
-        const Place place(U16(body, 0), U16(body, 2) + further);
-        Require(sheets.at(m_sheet - 1).cells.emplace(place, std::move(content)).second, "each cell once");
-    }
-
-    /// Checks that the index of a sheet points to the end of each block of rows.
-    void CheckIndex(const std::string& body) const {
-        if (U32(body, 8) == 0) return;  // no rows
-        for (std::size_t at = 16; at < body.size(); at += 4) {
-            const auto end = std::ranges::lower_bound(m_records, U32(body, at), {}, &CRecord::position);
-            Require(end != m_records.end() && end->position == U32(body, at) && end->code == 0x00D7, "a block's end");
-        }
-    }
-
-    std::vector<CRecord> m_records;
-    CTextTable m_texts;
-    std::vector<std::size_t> m_positions;
-    std::size_t m_sheet = 0;
-};
+using workbook_reader::Content;
+using workbook_reader::CReadSheet;
+using workbook_reader::CReadWorkbook;
+using workbook_reader::Place;
 
 /// Returns the number as stored: numbers that look short keep 30 bits.
 bool IsSame(const Content& wanted, const Content& found) {
@@ -186,8 +51,8 @@ class CBothWorkbooks {
         const CReadWorkbook read(CompoundReader(ReadBytes(path)).streams.at("Workbook"));
         Require(read.sheets.size() == m_sheets.size(), "the number of sheets");
         for (std::size_t i = 0; i < m_sheets.size(); ++i) {
-            const CSheetModel& wanted = m_sheets[i];
-            const CSheetModel& found = read.sheets[i];
+            const CReadSheet& wanted = m_sheets[i];
+            const CReadSheet& found = read.sheets[i];
             Require(found.name == wanted.name, "the name of a sheet");
             Require(found.rows == wanted.rows && found.columns == wanted.columns, "the size of a sheet");
             const auto isSame = [](const auto& a, const auto& b) {
@@ -199,7 +64,7 @@ class CBothWorkbooks {
 
  private:
     bool IsThere(const std::string& name) const {
-        return std::ranges::any_of(m_sheets, [&](const CSheetModel& sheet) { return sheet.name == name; });
+        return std::ranges::any_of(m_sheets, [&](const CReadSheet& sheet) { return sheet.name == name; });
     }
 
     void CreateSheets(int count) {
@@ -217,14 +82,14 @@ class CBothWorkbooks {
     }
 
     void Rename(std::size_t number, const std::string& name) {
-        CSheetModel& sheet = m_sheets[number % m_sheets.size()];
+        CReadSheet& sheet = m_sheets[number % m_sheets.size()];
         const bool isFree = !IsThere(name);
         Require(m_document.RenameSheet(sheet.name, name) == isFree, "a free name for a sheet");
         if (isFree) sheet.name = name;
     }
 
     void SetCell(CCalls& calls) {
-        CSheetModel& sheet = m_sheets[calls.Byte() % m_sheets.size()];
+        CReadSheet& sheet = m_sheets[calls.Byte() % m_sheets.size()];
         const std::uint8_t how = calls.Byte();
         const Place place(how < 254 ? calls.Byte() : calls.Number(2), calls.Byte() % 64);
         YExcel::Cell& cell = *m_document.FindSheet(sheet.name)->At(place.first, place.second);
@@ -267,14 +132,14 @@ class CBothWorkbooks {
         return all;
     }
 
-    static void Keep(CSheetModel& sheet, const Place& place, const std::u16string& text) {
+    static void Keep(CReadSheet& sheet, const Place& place, const std::u16string& text) {
         const auto kept = text.substr(0, text.find(u'\0')).substr(0, 32767);
         sheet.cells.erase(place);
         if (!kept.empty()) sheet.cells[place] = kept;
     }
 
     YExcel::Document m_document;
-    std::vector<CSheetModel> m_sheets;
+    std::vector<CReadSheet> m_sheets;
 };
 
 }  // namespace
