@@ -67,6 +67,12 @@ static void expect_wrong(int code, int expected, const char* function, const cha
 
 /* ---- Helpers ---- */
 
+/* Declares a struct of zeros that knows its size. */
+#define SIZED(type, name)          \
+    type name;                     \
+    memset(&name, 0, sizeof name); \
+    name.size = sizeof name
+
 static char reference[1000];
 static char scratch[1000];
 
@@ -119,7 +125,7 @@ static vx_recording* open_recording(const char* name, int64_t index, const vx_re
 static void read_headers(void) {
     vx_raw* raw = NULL;
     vx_raw_info info = {sizeof info, 0, 0, 0};
-    vx_recording_info recording;
+    SIZED(vx_recording_info, recording);
     char text[20];
     int64_t size = sizeof text, list[3], count = 3, index = -1;
     WORKS(vx_raw_open(&raw, given("several_recordings.vxd")));
@@ -129,8 +135,6 @@ static void read_headers(void) {
     EXPECT(strcmp(text, "OVL Vexaprobe 2") == 0 && size == 16);
     WORKS(vx_raw_get_list(raw, VX_RAW_COMPOUND_TEST, list, &count));
     EXPECT(count == 3 && list[1] == 1000000 && list[2] == INT64_MAX);
-    memset(&recording, 0, sizeof recording);
-    recording.size = sizeof recording;
     WORKS(vx_raw_find_recording(raw, "CompoundTest", -3, &index));
     WORKS(vx_raw_get_recording(raw, index, &recording));
     EXPECT(index == 1 && recording.number == -3 && recording.dose == -1 && recording.wells == 2);
@@ -145,25 +149,17 @@ static void read_headers(void) {
 
 static void read_samples(void) {
     vx_recording* const recording = open_recording("several_recordings.vxd", 0, NULL);
-    vx_recording_state state;
-    vx_well_info well;
-    vx_segment_info segment;
+    SIZED(vx_recording_state, state);
+    SIZED(vx_well_info, well);
+    SIZED(vx_segment_info, segment);
     vx_selection* selection = NULL;
-    vx_selected_well selected;
+    SIZED(vx_selected_well, selected);
     vx_run runs[2];
     int32_t wells[3];
     const int32_t chosen[] = {2, 1};
     uint16_t samples[8] = {0};
     double values[8];
     int64_t count = 3;
-    memset(&state, 0, sizeof state);
-    memset(&well, 0, sizeof well);
-    memset(&segment, 0, sizeof segment);
-    memset(&selected, 0, sizeof selected);
-    state.size = sizeof state;
-    well.size = sizeof well;
-    segment.size = sizeof segment;
-    selected.size = sizeof selected;
     WORKS(vx_recording_get_state(recording, &state));
     EXPECT(state.segments == 4 && state.wells == 3 && state.certain_samples == 7);
     WORKS(vx_recording_get_wells(recording, wells, &count));
@@ -264,21 +260,17 @@ static void accept_structs_of_later_versions(void) {
 
 static vx_writer* begin_small_example(const char* path) {
     vx_writer* writer = NULL;
-    vx_file_header file;
-    vx_recording_header recording;
+    SIZED(vx_file_header, file);
+    SIZED(vx_recording_header, recording);
     const int32_t wells[] = {11, 12}, zeros[] = {32768, 32768};
     const double units[] = {0.0002, 0.0002};
     const int64_t intervals[] = {100, 100};
-    memset(&file, 0, sizeof file);
-    file.size = sizeof file;
     file.file_type = "Raw";
     file.program_version = "1.0";
     file.guid = "0123";
     file.plate_id = "P1";
     file.compound_id = 5;
     file.compound_name = "Test";
-    memset(&recording, 0, sizeof recording);
-    recording.size = sizeof recording;
     recording.task = "CompoundTest";
     recording.number = 1;
     recording.dose = 1000;
@@ -322,9 +314,7 @@ static void write_raw_data(void) {
 /* The system refuses every byte. */
 static void report_a_full_disk(void) {
     vx_writer* writer = NULL;
-    vx_file_header file;
-    memset(&file, 0, sizeof file);
-    file.size = sizeof file;
+    SIZED(vx_file_header, file);
     WORKS(vx_writer_create(&writer, "/dev/full", VX_CREATE_REPLACE));
     EXPECT(vx_writer_write_file_header(writer, &file) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "No space left on device") != NULL);
@@ -547,7 +537,7 @@ static vx_plan* make_plan(void) {
     static int32_t wells[100], zeros[100];
     static double units[100];
     static int64_t intervals[100];
-    vx_recording_header header;
+    SIZED(vx_recording_header, header);
     vx_plan* plan = NULL;
     int i;
     for (i = 0; i < 100; ++i) {
@@ -556,8 +546,6 @@ static vx_plan* make_plan(void) {
         units[i] = 0.0002;
         intervals[i] = 100;
     }
-    memset(&header, 0, sizeof header);
-    header.size = sizeof header;
     header.task = "Series";
     WORKS(vx_plan_check(&plan, &header, wells, zeros, units, intervals, 100, 0));
     return plan;
@@ -565,14 +553,10 @@ static vx_plan* make_plan(void) {
 
 static void plan_a_recording(void) {
     vx_plan* const plan = make_plan();
-    vx_plan_result result;
-    vx_plan_cell cell;
+    SIZED(vx_plan_result, result);
+    SIZED(vx_plan_cell, cell);
     char text[200];
     int64_t size = sizeof text, split[10], count = 10, i;
-    memset(&result, 0, sizeof result);
-    memset(&cell, 0, sizeof cell);
-    result.size = sizeof result;
-    cell.size = sizeof cell;
     WORKS(vx_plan_get_result(plan, &result));
     EXPECT(!result.fits && result.wells == 100 && result.wells_that_fit > 20 && result.wells_that_fit < 100);
     WORKS(vx_plan_get_text(plan, text, &size));
@@ -605,40 +589,38 @@ static int VX_CALL count_finding(void* user, int64_t offset, const char* where, 
 
 /* Callbacks that count, with another one for progress. */
 static vx_callbacks counting(struct counted* count, int(VX_CALL* progress)(void*, int64_t, int64_t)) {
-    vx_callbacks callbacks;
-    memset(&callbacks, 0, sizeof callbacks);
-    callbacks.size = sizeof callbacks;
+    SIZED(vx_callbacks, callbacks);
     callbacks.user = count;
     callbacks.progress = progress;
     callbacks.finding = count_finding;
     return callbacks;
 }
 
+/* Checks a raw data file and returns how often `progress` was called. */
+static int calls_of_check(const char* path, int(VX_CALL* progress)(void*, int64_t, int64_t)) {
+    struct counted count = {0, 0, -1, -1};
+    const vx_callbacks callbacks = counting(&count, progress);
+    vx_report* report = NULL;
+    WORKS(vx_verify(&report, path, VX_FILE_RAW, &callbacks));
+    WORKS(vx_close(report));
+    return count.progress;
+}
+
 /* Checks another file within a check. */
 static int VX_CALL check_within(void* user, int64_t done, int64_t total) {
-    struct counted inner = {0, 0, -1, -1};
-    const vx_callbacks callbacks = counting(&inner, count_progress);
-    vx_report* report = NULL;
-    WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, &callbacks));
-    WORKS(vx_close(report));
-    EXPECT(inner.progress > 0);
+    EXPECT(calls_of_check(given("small_example.vxd"), count_progress) > 0);
     return count_progress(user, done, total);
 }
 
 static void check_in_a_callback(void) {
-    struct counted outer = {0, 0, -1, -1};
     vx_writer* const writer = begin_small_example(own("long.vxd"));
-    const vx_callbacks callbacks = counting(&outer, check_within);
-    vx_report* report = NULL;
     const uint16_t sample = 1;
     int i;
     WORKS(vx_writer_set_strict(writer, 0));
     for (i = 0; i < 600; ++i)
         WORKS(vx_writer_write(writer, 11, i * 100, i * 100, 100, &sample, 1));
     WORKS(vx_close(writer));
-    WORKS(vx_verify(&report, own("long.vxd"), VX_FILE_RAW, &callbacks));
-    WORKS(vx_close(report));
-    EXPECT(outer.progress > 1);
+    EXPECT(calls_of_check(own("long.vxd"), check_within) > 1);
 }
 
 static void check_and_recover(void) {
@@ -646,15 +628,11 @@ static void check_and_recover(void) {
     const vx_callbacks callbacks = counting(&count, count_progress);
     vx_recover_options options = {sizeof options, 0, 1};
     vx_report* report = NULL;
-    vx_report_summary summary;
-    vx_finding finding;
+    SIZED(vx_report_summary, summary);
+    SIZED(vx_finding, finding);
     char text[300];
     int64_t size = sizeof text;
     const char* const saved = own("saved.vxd");
-    memset(&summary, 0, sizeof summary);
-    memset(&finding, 0, sizeof finding);
-    summary.size = sizeof summary;
-    finding.size = sizeof finding;
     WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, NULL));
     WORKS(vx_report_get_summary(report, &summary));
     EXPECT(summary.is_sound && summary.is_usable && summary.findings == 0);
