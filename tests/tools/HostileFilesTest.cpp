@@ -165,13 +165,3 @@ TEST_F(VxfileOnHostileFiles, EndsOnDocumentsThatNestWithoutEnd) {
         nested += "<a>";
     ExpectAnswers(nested, kReference + "xml/settings.vxs", "nested elements");
 }
-
-TEST_F(VxfileOnHostileFiles, WatchReportsWhetherAFileIsFinished) {
-    const std::vector<std::string> watch = {"watch", "--idle", "0.1", "--every", "0.02"};
-    EXPECT_EQ(Run(ReadAll(kReference + "small_example.vxd"), watch), 0);
-    EXPECT_TRUE(m_out.ends_with("The file is finished: 1 recording, 4.2 KiB.\n")) << m_out;
-    EXPECT_EQ(Run(ReadAll(kReference + "unfinished.vxd"), watch), 1);
-    EXPECT_TRUE(m_out.ends_with("to save what is there: 2 recordings, 6.9 KiB.\n")) << m_out;
-    EXPECT_EQ(Run(ReadAll(kReference + "cut_samples.vxd"), watch), 1);
-    EXPECT_TRUE(m_out.ends_with("run 'vxfile verify' to see where: 1 recording, 3.9 KiB.\n")) << m_out;
-}

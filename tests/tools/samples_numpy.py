@@ -65,6 +65,8 @@ with tempfile.TemporaryDirectory() as folder:
     table = numpy.load(io.BytesIO(run("--npy", "--table")))
     assert table.dtype.names == ("task", "recording", "well", "time", "sample")
     assert [tuple(item) for item in table.tolist()] == [(row[0].encode("latin-1"), *row[1:5]) for row in rows]
+    scaled = numpy.load(io.BytesIO(run("--task", "PreQC", "--well", "1,2", "--npy", "--table", "--units")))
+    assert list(scaled["value"]) == [row[5] for row in rows if row[0] == "PreQC" and row[2] in (1, 2)]
     several = subprocess.run([VXFILE, "samples", REFERENCE, "--npy"], capture_output=True, check=False)
     assert several.returncode == 2 and b"--well" in several.stderr, several
 

@@ -306,21 +306,11 @@ class ReportCommand : public testing::Test {
  protected:
     static std::string Reference(const std::string& name) { return VXFILEIO_REFERENCE_DIR "/xml/" + name; }
 
-    std::string PageText() const {
-        std::ifstream file(page, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
+    std::string PageText() const { return ReadAll(page); }
+    std::string Own(const std::string& name) const { return m_folder.Path(name); }
 
-    void SetUp() override { fs::remove(page); }
-    void TearDown() override { fs::remove(page); }
-
-    /// Returns a path for this test only, since tests run in parallel.
-    static std::string Own(const std::string& extension) {
-        const char* const test = testing::UnitTest::GetInstance()->current_test_info()->name();
-        return (fs::temp_directory_path() / ("vxfile_report_" + std::string(test) + extension)).string();
-    }
-
-    std::string page = Own(".html");
+    const CTempFolder m_folder;
+    const std::string page = Own("page.html");
 };
 
 TEST_F(ReportCommand, WritesThePageAndNamesNoFolder) {
@@ -340,32 +330,29 @@ TEST_F(ReportCommand, ReplacesAPageOnlyIfToldTo) {
 }
 
 TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
-    const std::string cut = Own(".vxr");
-    fs::copy_file(Reference("results.vxr"), cut, fs::copy_options::overwrite_existing);
+    const std::string cut = Own("cut.vxr");
+    fs::copy_file(Reference("results.vxr"), cut);
     fs::resize_file(cut, fs::file_size(cut) / 2);
     const CToolRun run = RunTool({"report", cut, "-o", page});
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.err.find(fs::path(cut).filename().string() + ": 1 finding: "), std::string::npos) << run.err;
     EXPECT_NE(PageText().find("class=\"unsound\""), std::string::npos);
-    fs::remove(cut);
 }
 
 TEST_F(ReportCommand, ShowsTheResultsIfTheRecordingCannotBeRead) {
-    const std::string recording = Own(".vxd");
-    fs::copy_file(VXFILEIO_REFERENCE_DIR "/small_example.vxd", recording, fs::copy_options::overwrite_existing);
+    const std::string recording = Own("run.vxd");
+    fs::copy_file(VXFILEIO_REFERENCE_DIR "/small_example.vxd", recording);
     fs::resize_file(recording, 1240);  // within the first recording header
     const CToolRun run = RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page});
     EXPECT_EQ(run.status, 1) << run.err;
     EXPECT_NE(PageText().find(fs::path(recording).filename().string() + ": Error reading Recording Header"),
               std::string::npos);
-    fs::remove(recording);
 }
 
 TEST_F(ReportCommand, UsesFilesNextToTheResultsOnlyIfTheyHaveTheGuid) {
-    fs::create_directories(Own(""));
-    const std::string results = Own("/run.vxr");
-    const std::string settings = Own("/other.VXS");
-    fs::copy_file(Reference("settings.vxs"), settings, fs::copy_options::overwrite_existing);  // its Guid is {0123}
+    const std::string results = Own("run.vxr");
+    const std::string settings = Own("other.VXS");
+    fs::copy_file(Reference("settings.vxs"), settings);  // its Guid is {0123}
     for (const auto& [guid, isUsed] : {std::pair{"0123", true}, {"0124", false}, {"", false}}) {
         std::string text = ReadWholeText(Reference("results.vxr"));
         text.replace(text.find("<Guid></Guid>"), 13, "<Guid>" + std::string(guid) + "</Guid>");
@@ -377,7 +364,6 @@ TEST_F(ReportCommand, UsesFilesNextToTheResultsOnlyIfTheyHaveTheGuid) {
     }
     EXPECT_EQ(RunTool({"report", results, "--settings", Reference("settings.vxs"), "-o", page, "--force"}).status, 0);
     EXPECT_NE(PageText().find("settings file"), std::string::npos);
-    fs::remove_all(Own(""));
 }
 
 /// A folder with two plates, and a folder for the pages.
@@ -388,12 +374,11 @@ class FolderReport : public ReportCommand {
         fs::copy_file(Reference("results.vxr"), fs::path(folder) / "a.vxr");
         fs::copy_file(Reference("results.vxr"), fs::path(folder) / "b.vxr");
     }
-    void TearDown() override { fs::remove_all(folder); }
 
     std::string Path(const std::string& name) const { return (fs::path(folder) / name).string(); }
     CToolRun Run() const { return RunTool({"report", folder, "-o", Path("pages")}); }
 
-    std::string folder = Own("");
+    const std::string folder = Own("plates");
 };
 
 TEST_F(FolderReport, MakesOnlyPagesThatAreMissingOrWhoseFilesHaveChanged) {

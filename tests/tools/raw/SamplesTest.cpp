@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/rawdata/RawFileBytes.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
 #include "tools/vxfile/raw/DecimalScale.h"
@@ -120,40 +119,6 @@ TEST_F(Samples, NearTheEndOfTimeHaveTheirOwnTimes) {
     EXPECT_EQ(Chosen({.from = kMost}, late), "9223372036854775807=3 ");
     const std::string early = FileOf({{{11, kLeast, {1, 2}}}});
     EXPECT_EQ(Chosen({.from = kLeast + 1}, early), "-9223372036854775708=2 ");
-}
-
-TEST_F(Samples, ConsistOfEverySampleOfALongSegment) {
-    std::vector<std::uint16_t> samples(100001);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<std::uint16_t>(i * 7);
-    const std::string bytes = Written(FileOf({{{11, 0, samples}}}), {}, {.kind = CSampleForm::EKind::NpyArray});
-    ASSERT_EQ(bytes.size(), 192 + 2 * samples.size());
-    EXPECT_EQ(bytes.substr(192), SampleBytes(samples));
-}
-
-TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnWell) {
-    const std::string scaled = WithCell(
-        WithCell(FileOf({{{11, 0, {10, 20}}, {12, 0, {10, 20}}}}), "UnitsPerADs", "0.5:0.25"), "ADZeros", "8:4");
-    EXPECT_EQ(Written(scaled, {}, {.units = true}),
-              "task,recording,well,time,value\nCompoundTest,1,11,0,1.0\nCompoundTest,1,11,100,6.0\n"
-              "CompoundTest,1,12,0,1.50\nCompoundTest,1,12,100,4.00\n");
-    const std::string table = Written(scaled, {}, {.kind = CSampleForm::EKind::NpyTable, .units = true});
-    constexpr std::size_t kItem = 12 + 4 + 4 + 8 + 8;
-    ASSERT_EQ(table.size(), 192 + 4 * kItem);
-    const std::vector<double> values = {1, 6, 1.5, 4};
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const std::size_t item = 192 + i * kItem;
-        EXPECT_EQ(table.substr(item, 12), "CompoundTest");
-        EXPECT_EQ(At<std::int32_t>(table, item + 12), 1);
-        EXPECT_EQ(At<std::int32_t>(table, item + 16), i < 2 ? 11 : 12);
-        EXPECT_EQ(At<std::int64_t>(table, item + 20), i % 2 == 0 ? 0 : 100);
-        EXPECT_EQ(At<double>(table, item + 28), values[i]);
-    }
-    const std::string array =
-        Written(scaled, {.plate = {.wells = {12}}}, {.kind = CSampleForm::EKind::NpyArray, .units = true});
-    ASSERT_EQ(array.size(), 192U + 16);
-    EXPECT_EQ(At<double>(array, 192), 1.5);
-    EXPECT_EQ(At<double>(array, 200), 4);
 }
 
 TEST(DecimalScale, HasTheDecimalsOfUnitsPerADAndNoErrorOfADouble) {

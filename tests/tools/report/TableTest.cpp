@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -51,19 +50,6 @@ std::string Lines(ETableForm form, const std::vector<CRow>& rows) {
 
 }  // namespace
 
-TEST(Table, IsTextWithANameForEachColumn) {
-    EXPECT_EQ(Written(ETableForm::Csv, {kRow, kMissing}),
-              "name,number,dose,value,on\nA1,-7,18446744073709551615,0.1,true\n,,,,\n");
-    EXPECT_EQ(Written(ETableForm::Tsv, {kRow}),
-              "name\tnumber\tdose\tvalue\ton\nA1\t-7\t18446744073709551615\t0.1\ttrue\n");
-    EXPECT_EQ(Written(ETableForm::JsonLines, {kRow, kMissing}),
-              R"({"name":"A1","number":-7,"dose":18446744073709551615,"value":0.1,"on":true})"
-              "\n"
-              R"({"name":null,"number":null,"dose":null,"value":null,"on":null})"
-              "\n");
-    EXPECT_EQ(Written(ETableForm::JsonLines, {}), "");
-}
-
 TEST(Table, IsAnArrayWhoseItemsHaveNoGaps) {
     const std::string array = Written(ETableForm::Npy, {kRow, kMissing});
     const std::string type = "[('name','|S4'),('number','<i8'),('dose','<u8'),('value','<f8'),('on','|b1')]";
@@ -74,28 +60,6 @@ TEST(Table, IsAnArrayWhoseItemsHaveNoGaps) {
                               "\x9A\x99\x99\x99\x99\x99\xB9\x3F\x01" + std::string(4 + 7, '\0') + '\x80' +
                               std::string(8 + 6, '\0') + std::string("\xF8\x7F\0", 3);
     EXPECT_EQ(array.substr(192), items);
-}
-
-TEST(Table, HasRealsThatReadBackAndLookLikeReals) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    struct CCase {
-        double value;
-        std::string csv;
-        std::string json;
-    };
-    for (const auto& c : std::vector<CCase>{{5, "5.0", "5.0"},
-                                            {-0.0, "-0.0", "-0.0"},
-                                            {0.1 + 0.2, "0.30000000000000004", "0.30000000000000004"},
-                                            {1e100, "1e+100", "1e+100"},
-                                            {5e-324, "5e-324", "5e-324"},
-                                            {infinity, "inf", "null"},
-                                            {-infinity, "-inf", "null"},
-                                            {-std::nan(""), "nan", "null"}}) {
-        EXPECT_EQ(Lines(ETableForm::Csv, {WithValue(c.value)}), ",,," + c.csv + ",\n");
-        EXPECT_NE(Written(ETableForm::JsonLines, {WithValue(c.value)}).find("\"value\":" + c.json + ",\"on\""),
-                  std::string::npos)
-            << c.json;
-    }
 }
 
 TEST(Table, KeepsATextInItsField) {

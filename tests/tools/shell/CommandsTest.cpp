@@ -130,34 +130,6 @@ TEST_F(Commands, DiffPrintsFiftyDifferencesAndCountsTheRest) {
     EXPECT_EQ(std::ranges::count(run.out, '<'), 50);
 }
 
-TEST_F(Commands, DiffEndsWithTwoOnlyIfItFindsNoDifferenceAndMayHaveMissedOne) {
-    const auto broken = [&](const std::string& name, const std::string& size) {
-        const std::string bytes = WithCell(SmallFileBytes(), "FPosNextSegmentHdr", "7");
-        return File(name, WithCell(bytes, "Dose", size));
-    };
-    const std::string left = broken("left.vxd", "1000");
-    EXPECT_EQ(RunTool({"diff", m_sound, m_sound}).status, 0);
-    EXPECT_EQ(RunTool({"diff", left, left}).status, 2);
-    EXPECT_EQ(RunTool({"diff", left, broken("right.vxd", "1001")}).status, 1);
-    EXPECT_EQ(RunTool({"diff", left, m_other}).status, 2);
-    EXPECT_EQ(RunTool({"diff", "-q", m_sound, m_flawed}).status, 1);
-}
-
-TEST_F(Commands, SamplesEndWithOneIfSomethingChosenIsMissing) {
-    EXPECT_EQ(RunTool({"samples", m_sound, "-o", m_folder.Path("a")}).status, 0);
-    EXPECT_EQ(RunTool({"samples", m_sound, "--well", "11,13", "-o", m_folder.Path("b")}).status, 1);
-    EXPECT_EQ(RunTool({"samples", m_sound, "--well", "13", "-o", m_folder.Path("c")}).status, 2);
-    EXPECT_EQ(RunTool({"samples", m_sound, "-o", m_folder.Path("a")}).status, 2);
-    EXPECT_EQ(RunTool({"samples", m_sound, "-o", m_folder.Path("a"), "--force"}).status, 0);
-    EXPECT_FALSE(std::filesystem::exists(m_folder.Path("c")));
-}
-
-TEST_F(Commands, SamplesOfALongSegmentHaveConsecutiveTimes) {
-    const std::string path = File("long.vxd", FileOf({{{11, 0, std::vector<std::uint16_t>(100'000, 7)}}}));
-    EXPECT_EQ(RunTool({"samples", path, "-o", m_folder.Path("a")}).status, 0);
-    EXPECT_TRUE(ReadAll(m_folder.Path("a")).ends_with(",9999800,7\nCompoundTest,1,11,9999900,7\n"));
-}
-
 TEST_F(Commands, DiffDecodesReferencesOfDocuments) {
     const std::string references = File("a.vxs", "<Vexaprobe><Settings><A>&#128;&#65;&lt;</A></Settings></Vexaprobe>");
     const std::string bytes = File("b.vxs", "<Vexaprobe><Settings><A>\x80&#065;&#60;</A></Settings></Vexaprobe>");
@@ -180,34 +152,6 @@ TEST(Idle, RestartsWhenAnythingNewArrives) {
     EXPECT_TRUE(idle.IsOver(false, at(2500)));
     CIdle never(0, start);
     EXPECT_FALSE(never.IsOver(false, at(1000000000)));
-}
-
-TEST(CommandLine, SuggestsTheMostSimilarWord) {
-    const auto said = [](const std::string& word) { return RunTool({word}).err; };
-    for (const auto& [word, meant] : std::vector<std::pair<std::string, std::string>>{
-             {"inof", "info"}, {"VERIFY", "verify"}, {"sample", "samples"}, {"dif", "diff"}, {"help", "--help"}})
-        EXPECT_TRUE(Has(said(word), "'" + word + "'") && Has(said(word), "'" + meant + "'?")) << said(word);
-    for (const std::string word : {"", "x", "unrelated"})
-        EXPECT_TRUE(Has(said(word), "vxfile --help") && !Has(said(word), "?")) << said(word);
-}
-
-TEST(CommandLine, RefusesValuesOutsideTheirRange) {
-    for (const CWords& words : std::vector<CWords>{{"watch", "f", "--idle", "0"},
-                                                   {"watch", "f", "--idle", "-1"},
-                                                   {"watch", "f", "--idle", "nan"},
-                                                   {"watch", "f", "--every", "0.009"},
-                                                   {"watch", "f", "--every", "3600.1"},
-                                                   {"samples", "f", "--recording", "2147483648"},
-                                                   {"samples", "f", "--from", "9223372036854775808"},
-                                                   {"samples", "f", "--to", "0x10"},
-                                                   {"samples", "f", "--csv", "--npy"},
-                                                   {"samples", "f", "--table"},
-                                                   {"info"},
-                                                   {"diff", "f"}}) {
-        const CToolRun run = RunTool(words);
-        EXPECT_EQ(run.status, 2);
-        EXPECT_TRUE(Has(run.err, "vxfile " + words[0] + " --help")) << run.err;
-    }
 }
 
 TEST_F(Commands, ReadNumbersAsDecimal) {
@@ -286,49 +230,6 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentSortedByName) {
     }
     EXPECT_EQ(names, (std::vector<std::string>{"a.VXR", "b/c/A.XLS", "b/run", "z.vxd"}));
     EXPECT_EQ(content.passedOver, hasNoLinks ? 1U : 2U) << "the text, and the link";
-}
-
-TEST_F(Commands, PlanReportsWhetherARecordingFitsAndGivesAdvice) {
-    const CWords plan = {"plan", "--wells", "54", "--ad-zero", "7", "--units", "0.000305176", "--tick", "10"};
-    const CToolRun small = RunTool(plan);
-    EXPECT_EQ(small.status, 1);
-    EXPECT_TRUE(Has(small.out, "UnitsPerADs has room for 385 bytes, but needs 647 for 54 wells; 32 of these wells"))
-        << small.out;
-    EXPECT_TRUE(Has(small.out, "Split it into 2 recordings, of 32 + 22 wells.")) << small.out;
-    EXPECT_TRUE(Has(small.out,
-                    "Use units of 0.0003 instead of 0.000305176 (a warning: they make all values in "
-                    "physical units 1.7 % smaller)."))
-        << small.out;
-    CWords coarse = plan;
-    coarse[6] = "0.0003";
-    EXPECT_EQ(RunTool(coarse).status, 0);
-    coarse[8] = "100";  // 2 characters for each of 54 wells, and a separator: 161 of 191 bytes; 3 take 215
-    const CToolRun ticks = RunTool(coarse);
-    EXPECT_EQ(ticks.status, 1);
-    EXPECT_TRUE(Has(ticks.out, "Use a sample interval of at most 99.")) << ticks.out;
-    coarse.emplace_back("--json");
-    const auto json = nlohmann::json::parse(RunTool(coarse).out)["files"][0];
-    EXPECT_EQ(json["wellsThatFit"], 48);
-    EXPECT_EQ(json["fits"], false);
-    for (const CWords& wrong : {CWords{"plan"}, CWords{"plan", "--wells", "5"}, CWords{"plan", m_sound},
-                                CWords{"plan", "--wells", "0", "--ad-zero", "0", "--units", "1", "--tick", "1"}})
-        EXPECT_EQ(RunTool(wrong).status, 2) << wrong.back();
-}
-
-TEST_F(Commands, PlanGivesOnlyPossibleAdvice) {
-    const auto plan = [](const char* wells, const char* tick) {
-        return RunTool({"plan", "--wells", wells, "--ad-zero", "0", "--units", "1", "--tick", tick});
-    };
-    const CToolRun ids = plan("70", "1");  // 9 + 2 * 61 characters and 69 colons: 200 of 189 bytes
-    EXPECT_EQ(ids.status, 1);
-    EXPECT_TRUE(ids.out.ends_with("What would help:\n  Split it into 2 recordings, of 66 + 4 wells.\n")) << ids.out;
-    const CToolRun many = plan("100000", "1");
-    EXPECT_TRUE(Has(many.out, " recordings, of up to 66 wells.\n")) << many.out;
-    const CToolRun refused = plan("5", "99999999999");
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_TRUE(Has(refused.out, "\nTicks is 99999999999 for well 1, expected a sample interval from 1 to 2147483647."))
-        << refused.out;
-    EXPECT_FALSE(Has(refused.out, "What would help")) << refused.out;
 }
 
 TEST_F(Commands, EveryNumericOptionDescribesItsRange) {
