@@ -9,6 +9,7 @@
 
 #include "fuzz/Fuzz.h"
 #include "recovery/Recover.h"
+#include "tests/rawdata/SegmentsOf.h"
 #include "tools/vxfile/raw/RawVerify.h"
 
 namespace {
@@ -21,11 +22,7 @@ void ReadBack(const std::string& path) {
     for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i) {
         const CIndexEntry& entry = *reader.GetIndex()->GetEntry(i);
         if (!reader.JumpToData(entry.TaskName, entry.Recording)) std::abort();
-        std::int32_t well = 0;
-        std::int64_t from = 0;
-        std::int64_t to = 0;
-        std::uint32_t size = 0;
-        std::uint16_t* samples = nullptr;
+        auto [well, from, to, size, samples] = CNextSegment();
         bool any = false;
         try {
             while (reader.ReadSegment(well, from, to, size, samples))

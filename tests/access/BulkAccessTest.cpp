@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/access/ReaderTwin.h"
+#include "tests/access/SamplesOf.h"
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/reference/Twin.h"
@@ -24,33 +25,11 @@ constexpr std::int64_t kFirstSegment = 3650;
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr const char* kBadSegment = "Error reading Data Segment Header";
 
-struct CPlanned {
-    int well = 11;
-    std::int64_t from = 0;
-    std::vector<std::uint16_t> samples = {};
-    std::int64_t interval = 100;
-    std::string size = {};  ///< The size in the header, if it isn't the number of samples.
-};
-
 std::vector<std::uint16_t> Ascending(std::uint16_t first, std::size_t count) {
     std::vector<std::uint16_t> samples;
     for (std::size_t i = 0; i < count; ++i)
         samples.push_back(static_cast<std::uint16_t>(first + i));
     return samples;
-}
-
-/// Returns a chain of segments for offset `at`. The last one has no next segment.
-std::string SegmentBytes(const std::vector<CPlanned>& segments, std::int64_t at = kFirstSegment) {
-    std::string bytes;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        const CPlanned& s = segments[i];
-        const auto count = static_cast<std::int64_t>(s.samples.size());
-        const std::int64_t next = at + static_cast<std::int64_t>(bytes.size()) + 300 + 2 * count;
-        bytes += SegmentHdrBytes(s.well, i + 1 < segments.size() ? next : -1, s.from, s.from + (count - 1) * s.interval,
-                                 s.size.empty() ? std::to_string(count) : s.size) +
-                 SampleBytes(s.samples);
-    }
-    return bytes;
 }
 
 /// Returns one line for each well: its runs, as first time/interval x samples @ offset.
@@ -66,21 +45,11 @@ std::string RunsOf(const CSampleSelection& selection) {
     return line;
 }
 
-std::vector<std::uint16_t> SamplesOf(const CSampleSelection& selection) {
-    std::vector<std::uint16_t> samples(selection.GetSamples());
-    std::vector<std::span<std::uint16_t>> buffers;
-    std::size_t begin = 0;
-    for (const CWellSamples& well : selection.GetWells())
-        buffers.push_back(std::span(samples).subspan(std::exchange(begin, begin + well.Samples), well.Samples));
-    selection.Read(buffers);
-    return samples;
-}
-
 class BulkAccessTest : public testing::Test {
  protected:
     /// Writes a file of one finished recording of wells 11 and 12, with an interval of 100, and returns its index.
-    CRecordingIndex IndexOf(const std::vector<CPlanned>& segments, const CIndexOptions& options = {}) {
-        Write(RecordingHdrBytes({.data = kFirstSegment}) + SegmentBytes(segments));
+    CRecordingIndex IndexOf(const CSegmentTexts& segments, const CIndexOptions& options = {}) {
+        Write(RecordingHdrBytes({.data = kFirstSegment}) + ChainBytes(segments));
         return CRawDataFile(m_path).ReadIndex(0, options);
     }
     void Write(const std::string& recordings) {
@@ -120,7 +89,7 @@ TEST_F(BulkAccessTest, GapsAndOverlapsBeginNewRuns) {
         {{kMost - 250, 0}, "11: " + std::to_string(kMost - 250) + "/100x3@0 0/100x3@3;12:;"},
     };
     for (const auto& c : cases) {
-        std::vector<CPlanned> segments;
+        CSegmentTexts segments;
         for (const std::int64_t from : c.from)
             segments.push_back({11, from, Ascending(static_cast<std::uint16_t>(10 * segments.size()), 3)});
         EXPECT_EQ(RunsOf(IndexOf(segments).Select()), c.runs);
@@ -159,7 +128,7 @@ TEST_F(BulkAccessTest, RangesSelectSamplesByTheirTimes) {
 TEST_F(BulkAccessTest, SegmentsAreSelectedByTheirNumbers) {
     constexpr std::size_t kAll = 300;
     constexpr std::size_t kMostSegments = std::numeric_limits<std::size_t>::max();
-    std::vector<CPlanned> segments;
+    CSegmentTexts segments;
     for (std::size_t i = 0; i < kAll; ++i)
         segments.push_back({i % 3 == 0 ? 11 : 12, 0, Ascending(static_cast<std::uint16_t>(i), 1)});
     const CRecordingIndex index = IndexOf(segments);
@@ -180,7 +149,7 @@ TEST_F(BulkAccessTest, SegmentsAreSelectedByTheirNumbers) {
 
 // All sizes: small segments are read through a block, large ones directly, and some are near the limits.
 TEST_F(BulkAccessTest, EverySampleIsReadIntoItsPlace) {
-    std::vector<CPlanned> segments;
+    CSegmentTexts segments;
     std::vector<std::uint16_t> expected[2];
     std::uint16_t next = 0;
     const auto add = [&](std::size_t count) {
@@ -289,7 +258,7 @@ TEST_F(BulkAccessTest, CutSamplesAreCountedAndReadAsZero) {
 #if defined(__linux__)  // Windows doesn't let anybody cut an open file
 TEST_F(BulkAccessTest, AFileThatBecameShorterIsRefused) {
     for (const std::size_t samples : {4U, 1000U}) {
-        std::vector<CPlanned> segments;
+        CSegmentTexts segments;
         for (int i = 0; i < 3; ++i)
             segments.push_back({.from = 100'000 * i, .samples = Ascending(1, samples)});
         const CRecordingIndex index = IndexOf(segments);
@@ -337,7 +306,7 @@ TEST_F(BulkAccessTest, SegmentsThatClaimTheSameBytesAreRefusedTogether) {
 }
 
 TEST_F(BulkAccessTest, IndexTakesLessMemoryThanTheSegmentsInTheFile) {
-    std::vector<CPlanned> segments(5000, CPlanned{11, 0, {1}});
+    CSegmentTexts segments(5000, CSegmentText{11, 0, {1}});
     IndexOf(segments);
     const CRawDataFile file(m_path);
     const std::size_t before = AllocatedBytes();
@@ -361,7 +330,7 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
     std::mt19937 random(1);
     const auto any = [&](std::size_t count) { return static_cast<std::size_t>(random() % count); };
     for (int file = 0; file < 600; ++file) {
-        std::vector<CPlanned> segments;
+        CSegmentTexts segments;
         std::vector<std::size_t> starts;
         std::size_t at = kFirstSegment;
         for (std::size_t i = any(12) + 1; i > 0; --i) {
@@ -371,7 +340,7 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
             starts.push_back(at);
             at += 300 + 2 * segments.back().samples.size();
         }
-        std::string bytes = RecordingHdrBytes({.data = kFirstSegment}) + SegmentBytes(segments);
+        std::string bytes = RecordingHdrBytes({.data = kFirstSegment}) + ChainBytes(segments);
         for (std::size_t damages = any(4); damages > 0; --damages) {
             const std::string values[] = {"ID=" + std::to_string(11 + any(3)),
                                           "FPosNextSegmentHdr=" + std::to_string(starts[any(starts.size())]),
@@ -392,8 +361,8 @@ TEST_F(BulkAccessTest, DamagedFilesReadAsWithTheReader) {
 // ---- Unfinished recordings ------------------------------------------------------------------------------------------
 
 TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadUpToTheLastWholeSegment) {
-    const std::string three = SegmentBytes({{11, 0, {1, 2}}, {12, 0, {3, 4}}, {11, 200, {5, 6}}});
-    const std::string unpointed = SegmentBytes({{11, 0, {1, 2}}}) + SegmentBytes({{12, 0, {3, 4}}}, 3954);
+    const std::string three = ChainBytes({{11, 0, {1, 2}}, {12, 0, {3, 4}}, {11, 200, {5, 6}}});
+    const std::string unpointed = ChainBytes({{11, 0, {1, 2}}}) + ChainBytes({{12, 0, {3, 4}}}, 3954);
     const auto patched = [&](std::size_t at, const std::string& text) {
         std::string bytes = three;
         return bytes.replace(at, 50, Cell(50, text));
@@ -413,7 +382,7 @@ TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadUpToTheLastWholeSegment) {
         {"one that no position points at", unpointed, 2, 2},
         {"one that no position points at, cut", unpointed.substr(0, 607), 1, 0},
         {"a size that doesn't fit the times, and no position that points at it",
-         SegmentBytes({{11, 0, {1, 2}}}) + SegmentHdrBytes(12, -1, 0, 0, "2") + SampleBytes({3, 4}), 1, 0},
+         ChainBytes({{11, 0, {1, 2}}}) + SegmentHdrBytes(12, -1, 0, 0, "2") + SampleBytes({3, 4}), 1, 0},
         {"a position outside the file", patched(404, "FPosNextSegmentHdr=99999"), 2, 4},
         {"a position that points back", patched(404, "FPosNextSegmentHdr=3650"), 2, 4},
         {"a position below 0", patched(404, "FPosNextSegmentHdr=-7"), 2, 4},
@@ -433,8 +402,8 @@ TEST_F(BulkAccessTest, UnfinishedRecordingsAreReadUpToTheLastWholeSegment) {
 }
 
 TEST_F(BulkAccessTest, UnfinishedRecordingAfterOthersIsFoundByItsHeader) {
-    const std::string first = RecordingHdrBytes({.data = 3650, .next = 3954}) + SegmentBytes({{11, 0, {1, 2}}});
-    Write(first + RecordingHdrBytes({.recording = 2}) + SegmentBytes({{11, 0, {3}}, {12, 0, {4}}}, 6414));
+    const std::string first = RecordingHdrBytes({.data = 3650, .next = 3954}) + ChainBytes({{11, 0, {1, 2}}});
+    Write(first + RecordingHdrBytes({.recording = 2}) + ChainBytes({{11, 0, {3}}, {12, 0, {4}}}, 6414));
     const CRecordingIndex index = CRawDataFile(m_path).ReadIndex(1, {.Unfinished = true});
     EXPECT_EQ(SamplesOf(index.Select()), (std::vector<std::uint16_t>{3, 4}));
 }

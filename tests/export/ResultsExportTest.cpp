@@ -1,10 +1,4 @@
 #include <gtest/gtest.h>
-
-#if defined(__linux__)
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
 #include <vxfileio/frame/VXFileIO.h>
 
 #include <algorithm>
@@ -15,6 +9,9 @@
 
 #include "tests/export/WorkbookReader.h"
 #include "tests/support/TempFolder.h"
+#if defined(__linux__)
+#include "tests/support/FullDisk.h"
+#endif
 
 namespace {
 
@@ -223,14 +220,10 @@ TEST_F(ResultsExportTest, AFailedWriteKeepsTheOldWorkbook) {
     const std::string old = ReadAll(m_folder.Path("run.xls"));
     std::filesystem::create_directory(m_folder.Path("run-B5.xls.part1"));  // that name is taken
     m_results.Clear();
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit small{1000, before.rlim_max};
-    const auto signal = std::signal(SIGXFSZ, SIG_IGN);
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    Export("run.xls");
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, signal);
+    {
+        const CFullDisk disk(1000);
+        Export("run.xls");
+    }
     EXPECT_EQ(CountLines(), 2);
     EXPECT_TRUE(m_io.GetResultsExport()->GetWriteError().starts_with("File too large, writing "));
     EXPECT_EQ(ReadAll(m_folder.Path("run.xls")), old);

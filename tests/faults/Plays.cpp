@@ -3,6 +3,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/rawdata/SegmentsOf.h"
+
 namespace {
 
 constexpr std::int64_t kSamples = 400;
@@ -45,11 +47,7 @@ std::string ReadRaw(CVXFileIO& io, const std::string& path) {
     std::string content;
     for (std::int32_t recording = 0; recording < reader.GetIndex()->GetCount(); ++recording) {
         if (!reader.JumpToData("Series", recording)) continue;
-        std::int32_t well = 0;
-        std::int64_t from = 0;
-        std::int64_t to = 0;
-        std::uint32_t size = 0;
-        std::uint16_t* samples = nullptr;
+        auto [well, from, to, size, samples] = CNextSegment();
         while (reader.ReadSegment(well, from, to, size, samples)) {
             const bool isWhole = SamplesOf(from) == std::vector<std::uint16_t>(samples, samples + size);
             content += isWhole ? std::to_string(from) + " " : "damaged ";

@@ -13,6 +13,7 @@
 
 #include "tests/faults/Plays.h"
 #include "tests/faults/SystemCalls.h"
+#include "tests/rawdata/SegmentsOf.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -467,11 +468,7 @@ std::string SegmentsIn(const std::string& path) {
     for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i) {
         const CIndexEntry& entry = *reader.GetIndex()->GetEntry(i);
         EXPECT_TRUE(reader.JumpToData(entry.TaskName, entry.Recording));
-        std::int32_t well = 0;
-        std::int64_t from = 0;
-        std::int64_t to = 0;
-        std::uint32_t size = 0;
-        std::uint16_t* samples = nullptr;
+        auto [well, from, to, size, samples] = CNextSegment();
         const std::size_t before = content.size();
         try {
             while (reader.ReadSegment(well, from, to, size, samples)) {

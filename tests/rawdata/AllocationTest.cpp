@@ -4,6 +4,7 @@
 
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
+#include "tests/rawdata/SegmentsOf.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/TempFolder.h"
 
@@ -28,10 +29,7 @@ TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
 
     CIRawDataReader& reader = *io.GetRawDataReader();
     reader.Open(path);
-    std::int32_t wellID = 0;
-    std::int64_t time = 0;
-    std::uint32_t size = 0;
-    std::uint16_t* data = nullptr;
+    auto [wellID, time, unused, size, data] = CNextSegment();
     for (const int pass : {0, 1, 2}) {
         reader.SelectWellID(pass == 0 ? -1 : 1'000'000'001);
         ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
@@ -58,11 +56,7 @@ std::vector<std::int64_t> TimesReadDespite(std::size_t failing, const std::strin
     EXPECT_TRUE(reader.JumpToData("CompoundTest", 1));
     FailAllocation(failing);
     for (bool goesOn = true; goesOn;) {
-        std::int32_t wellID = 0;
-        std::int64_t from = 0;
-        std::int64_t to = 0;
-        std::uint32_t size = 0;
-        std::uint16_t* data = nullptr;
+        auto [wellID, from, to, size, data] = CNextSegment();
         try {
             goesOn = reader.ReadSegment(wellID, from, to, size, data);
             if (goesOn) times.push_back(from);
@@ -91,10 +85,7 @@ TEST(AllocationTest, ASegmentIsDeliveredByTheCallAfterAFailedAllocation) {
     CIRawDataReader& reader = *io.GetRawDataReader();
     reader.Open(path);
     ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
-    std::int32_t well = 0;
-    std::int64_t from = 0;
-    std::uint32_t size = 0;
-    std::uint16_t* data = nullptr;
+    auto [well, from, unused, size, data] = CNextSegment();
     ASSERT_TRUE(reader.ReadSegment(well, from, from, size, data));
     const std::size_t live = LiveAllocations();
     FailAllocation(1);

@@ -63,6 +63,32 @@ inline std::string SegmentHdrBytes(int wellID, std::int64_t next, std::int64_t f
            Cell(50, "TimeTo=" + std::to_string(to)) + Cell(50, "Size=" + size);
 }
 
+/// One segment, as a list of its samples.
+struct CSegmentText {
+    int well = 11;
+    std::int64_t from = 0;
+    std::vector<std::uint16_t> samples = {};
+    std::int64_t tick = 100;
+    std::string size = {};  ///< The size in the header, if it isn't the number of samples.
+};
+
+/// The segments of one recording.
+using CSegmentTexts = std::vector<CSegmentText>;
+
+/// Returns a chain of segments for the offset `at`, by default that of the first recording's data. The last one has no
+/// next segment.
+inline std::string ChainBytes(const CSegmentTexts& segments, std::int64_t at = 3650) {
+    std::string bytes;
+    for (const CSegmentText& s : segments) {
+        const auto count = static_cast<std::int64_t>(s.samples.size());
+        const std::int64_t next = at + static_cast<std::int64_t>(bytes.size()) + 300 + 2 * count;
+        bytes += SegmentHdrBytes(s.well, &s == &segments.back() ? -1 : next, s.from, s.from + (count - 1) * s.tick,
+                                 s.size.empty() ? std::to_string(count) : s.size) +
+                 SampleBytes(s.samples);
+    }
+    return bytes;
+}
+
 inline const std::vector<std::uint16_t> kWell11 = {1, 256, 65535, 32768};
 inline const std::vector<std::uint16_t> kWell12 = {7, 8, 9, 10};
 

@@ -146,10 +146,7 @@ TEST_F(ReaderTest, SelectionOfAWellSurvivesJumpsAndOpens) {
 TEST_F(ReaderTest, EqualSegmentsShareOneBuffer) {
     OpenBytes(SmallFileBytes());
     ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
-    std::int32_t wellID = 0;
-    std::int64_t time = 0;
-    std::uint32_t size = 0;
-    std::uint16_t* first = nullptr;
+    auto [wellID, time, unused, size, first] = CNextSegment();
     std::uint16_t* second = nullptr;
     ASSERT_TRUE(m_reader.ReadSegment(wellID, time, time, size, first));
     ASSERT_TRUE(m_reader.ReadSegment(wellID, time, time, size, second));

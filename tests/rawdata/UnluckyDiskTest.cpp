@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,30 +13,10 @@
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/rawdata/SegmentsOf.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
-
-/// Limits the size of files: the system refuses writes beyond it, or writes only the first part.
-class CFullDisk {
- public:
-    explicit CFullDisk(std::size_t size) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        m_signal = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{size, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~CFullDisk() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signal);
-    }
-    CFullDisk(const CFullDisk&) = delete;
-    CFullDisk& operator=(const CFullDisk&) = delete;
-
- private:
-    rlimit m_before{};
-    void (*m_signal)(int) = SIG_DFL;
-};
 
 /// Returns all segments of all recordings, or the text of the failure to open.
 std::string ContentOf(const std::string& path) {
@@ -303,11 +282,7 @@ TEST(UnluckyDiskTest, KilledWriterLosesNoAcceptedSegment) {
                 EXPECT_EQ(r, recordings - 1);
                 continue;
             }
-            std::int32_t wellID = 0;
-            std::int64_t from = 0;
-            std::int64_t to = 0;
-            std::uint32_t size = 0;
-            std::uint16_t* samples = nullptr;
+            auto [wellID, from, to, size, samples] = CNextSegment();
             while (reader.ReadSegment(wellID, from, to, size, samples)) {
                 ASSERT_EQ(from, expected);
                 ASSERT_EQ(to, expected + kPerSegment - 1);

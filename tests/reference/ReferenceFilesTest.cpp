@@ -14,6 +14,7 @@
 
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
+#include "tests/rawdata/SegmentsOf.h"
 #include "tests/reference/Twin.h"
 #include "tests/support/TempFolder.h"
 
@@ -70,11 +71,7 @@ std::string SegmentLines(CIRawDataReader& reader) {
     std::string lines;
     try {
         for (int i = 0; i < 100; ++i) {
-            std::int32_t wellID = 0;
-            std::int64_t timeFrom = 0;
-            std::int64_t timeTo = 0;
-            std::uint32_t size = 0;
-            std::uint16_t* samples = nullptr;
+            auto [wellID, timeFrom, timeTo, size, samples] = CNextSegment();
             if (!reader.ReadSegment(wellID, timeFrom, timeTo, size, samples)) return lines + "  end\n";
             lines += "  segment of well " + std::to_string(wellID) + ", " + std::to_string(timeFrom) + " to " +
                      std::to_string(timeTo) + ", " + std::to_string(size) + " samples:";

@@ -4,11 +4,12 @@
 #include <atomic>
 #include <cstdint>
 #include <new>
-#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/access/SamplesOf.h"
+#include "tests/rawdata/SegmentsOf.h"
 #include "tests/support/TempFolder.h"
 
 #if defined(__unix__)
@@ -58,11 +59,7 @@ void WriteRecording(CIRawDataWriter& writer, std::int32_t recording) {
 /// Returns whether a recording is in the file with all its segments and samples.
 bool IsWhole(CIRawDataReader& reader, std::int32_t recording) {
     if (!reader.JumpToData("Series", recording)) return false;
-    std::int32_t well = 0;
-    std::int64_t from = 0;
-    std::int64_t to = 0;
-    std::uint32_t size = 0;
-    std::uint16_t* samples = nullptr;
+    auto [well, from, to, size, samples] = CNextSegment();
     for (const auto& planned : SegmentsOf(recording)) {
         if (!reader.ReadSegment(well, from, to, size, samples)) return false;
         if (well != planned.well || from != planned.from || to != planned.to || size != (to - from) / kTick + 1)
@@ -165,19 +162,6 @@ TEST(ThreadsTest, ReaderBesideAWritingProcessSeesWhatWasFinished) {
 #endif
 
 // ---- Bulk access ----------------------------------------------------------------------------------------------------
-
-/// Returns all samples of a selection, well after well.
-std::vector<std::uint16_t> SamplesOf(const CSampleSelection& selection) {
-    std::vector<std::uint16_t> samples(selection.GetSamples());
-    std::vector<std::span<std::uint16_t>> buffers;
-    std::size_t begin = 0;
-    for (const CWellSamples& well : selection.GetWells()) {
-        buffers.push_back(std::span(samples).subspan(begin, well.Samples));
-        begin += well.Samples;
-    }
-    selection.Read(buffers);
-    return samples;
-}
 
 TEST(ThreadsTest, OneFileIndexAndSelectionServeManyThreads) {
     const CTempFolder folder;
