@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <vxfileio/frame/VXFileIO.h>
 
+#include <sstream>
 #include <string>
 
 #include "tests/reference/Twin.h"
@@ -23,6 +24,14 @@ class CLines {
         return *this;
     }
     CLines& Add(const char* tag, char value) { return Add(tag, std::string(1, value)); }
+    /// Adds a line for each value. `tags` are separated by blanks.
+    CLines& AddAll(const std::string& tags, const auto&... values) {
+        std::istringstream names(tags);
+        std::string tag;
+        ((names >> tag, Add(tag.c_str(), values)), ...);
+        EXPECT_FALSE(names.fail() || names >> tag) << "as many tags as values";
+        return *this;
+    }
     CLines& Begin(const char* tag) {
         m_lines += std::string("  ") + tag + "\n";
         return *this;
@@ -37,8 +46,8 @@ class CLines {
     std::string m_lines;
 };
 
-/// Has a name for every member of these classes. With one more member this doesn't compile: add a name, and a line to
-/// `Lines`.
+/// Has a name for every member of these classes. With one more member this doesn't compile: add a name, and a tag with
+/// its value to `Lines`.
 [[maybe_unused]] void NameEveryMember(const CXmlFileHeader& header, const CPropControl& control,
                                       const CPropNotebook& notebook, const CPropRobot& robot, const CPropWashIn& washIn,
                                       const CPropRecording& recording, const CPropAnalyzer& analyzer,
@@ -66,66 +75,43 @@ class CLines {
 }
 
 std::string Lines(const CXmlFileHeader& h) {
-    return CLines("Header")
-        .Add("HeaderID", h.HeaderID)
-        .Add("CompoundName", h.CompoundName)
-        .Add("VexaprobeMode", h.VexaprobeMode)
-        .Add("FileType", h.FileType)
-        .Add("ProgramVersion", h.ProgramVersion)
-        .Add("FileVersion", h.FileVersion)
-        .Add("RecordingDate", h.RecordingDate)
-        .Add("RecordingDateString", h.RecordingDateString)
-        .Add("FileName", h.FileName)
-        .Add("Guid", h.Guid);
+    return CLines("Header").AddAll(
+        "HeaderID CompoundName VexaprobeMode FileType ProgramVersion FileVersion RecordingDate RecordingDateString "
+        "FileName Guid",
+        h.HeaderID, h.CompoundName, h.VexaprobeMode, h.FileType, h.ProgramVersion, h.FileVersion, h.RecordingDate,
+        h.RecordingDateString, h.FileName, h.Guid);
 }
 
 std::string Lines(const CPropControl& p) {
     return CLines("PropertyControl")
-        .Add("VexaprobeMode", VexaprobeModeToString(p.VexaprobeMode))
-        .Add("RobotMode", AcqModeToString(p.RobotMode))
-        .Add("DataAcqMode", AcqModeToString(p.DataAcqMode))
-        .Add("SimulationDataFile", p.SimulationDataFile);
+        .AddAll("VexaprobeMode RobotMode DataAcqMode SimulationDataFile", VexaprobeModeToString(p.VexaprobeMode),
+                AcqModeToString(p.RobotMode), AcqModeToString(p.DataAcqMode), p.SimulationDataFile);
 }
 
 std::string Lines(const CPropNotebook& p) {
     return CLines("PropertyNotebook")
-        .Add("ExperimentID", p.ExperimentID)
-        .Add("FileName", p.FileName)
-        .Add("Director", p.Director)
-        .Add("Scientist", p.Scientist)
-        .Add("Operator", p.Operator)
-        .Add("Department", p.Department)
-        .Add("Company", p.Company)
-        .Add("StudyDesignator", p.StudyDesignator)
-        .Add("Species", p.Species)
-        .Add("Age", p.Age)
-        .Add("Comment", p.Comment);
+        .AddAll(
+            "ExperimentID FileName Director Scientist Operator Department Company StudyDesignator Species Age Comment",
+            p.ExperimentID, p.FileName, p.Director, p.Scientist, p.Operator, p.Department, p.Company, p.StudyDesignator,
+            p.Species, p.Age, p.Comment);
 }
 
 std::string Lines(const CPropRobot& p) {
     return CLines("PropertyRobot")
-        .Add("RobotSerialNumber", p.RobotSerialNumber)
-        .Add("FirmwareVersion", p.FirmwareVersion)
-        .Add("FirmwareDate", p.FirmwareDate)
-        .Add("IPAddress", p.RobotConfig.IPAddress)
-        .Add("CleanerID", p.RobotConfig.CleanerID)
-        .Add("WasteID", p.RobotConfig.WasteID)
-        .Add("TroughIDStockDilution", p.RobotConfig.TroughIDStockDilution)
-        .Add("TroughIDWellMedium", p.RobotConfig.TroughIDWellMedium)
-        .Add("TroughMediumNames", p.RobotConfig.TroughMediumNames)
-        .Add("StockPlateIDL8x12", p.RobotConfig.StockPlateIDL8x12)
-        .Add("StockPlateIDL16x6", p.RobotConfig.StockPlateIDL16x6);
+        .AddAll(
+            "RobotSerialNumber FirmwareVersion FirmwareDate IPAddress CleanerID WasteID TroughIDStockDilution "
+            "TroughIDWellMedium TroughMediumNames StockPlateIDL8x12 StockPlateIDL16x6",
+            p.RobotSerialNumber, p.FirmwareVersion, p.FirmwareDate, p.RobotConfig.IPAddress, p.RobotConfig.CleanerID,
+            p.RobotConfig.WasteID, p.RobotConfig.TroughIDStockDilution, p.RobotConfig.TroughIDWellMedium,
+            p.RobotConfig.TroughMediumNames, p.RobotConfig.StockPlateIDL8x12, p.RobotConfig.StockPlateIDL16x6);
 }
 
 std::string Lines(const CPropRecordPlate& p) {
     const PlateCompound& compound = *p.Data.Compounds.at(0);
     CLines lines("PropertyRecordPlate");
-    lines.Add("Layout", PlateLayoutToString(p.Data.Layout))
-        .Add("PlateID", p.Data.PlateID)
-        .Add("PlateRows", p.Data.PlateRows)
-        .Add("PlateColumns", p.Data.PlateColumns)
-        .Add("CompoundID", compound.CompoundID)
-        .Add("Label", compound.Label)
+    lines
+        .AddAll("Layout PlateID PlateRows PlateColumns CompoundID Label", PlateLayoutToString(p.Data.Layout),
+                p.Data.PlateID, p.Data.PlateRows, p.Data.PlateColumns, compound.CompoundID, compound.Label)
         .Begin("Wells");
     EXPECT_EQ(p.GetAllWellIDs(), compound.Wells);
     for (const auto& w : p.Data.Wells)
@@ -139,15 +125,8 @@ std::string Lines(const CPropWashIn& p) { return CLines("PropertyWashIn").Add("W
 
 std::string Lines(const CPropRecording& p) {
     return CLines("PropertyRecording")
-        .Add("DataFormat", p.DataFormat)
-        .Add("ADMax", p.ADMax)
-        .Add("ADMin", p.ADMin)
-        .Add("ADZero", p.ADZero)
-        .Add("Gain", p.Gain)
-        .Add("RecordingTime", p.RecordingTime)
-        .Add("Tick", p.Tick)
-        .Add("VoltageRange", p.VoltageRange)
-        .Add("VoltPerADStep", p.VoltPerADStep);
+        .AddAll("DataFormat ADMax ADMin ADZero Gain RecordingTime Tick VoltageRange VoltPerADStep", p.DataFormat,
+                p.ADMax, p.ADMin, p.ADZero, p.Gain, p.RecordingTime, p.Tick, p.VoltageRange, p.VoltPerADStep);
 }
 
 void AddMarks(CLines& lines, const CPropAnalyzer& p) {
@@ -168,54 +147,30 @@ void AddMarks(CLines& lines, const CPropAnalyzer& p) {
 
 std::string Lines(const CPropAnalyzer& p) {
     CLines lines("PropertyAnalyzer");
-    lines.Add("Operator", p.Operator)
-        .Add("Program", p.Program)
-        .Add("ProgramVersion", p.ProgramVersion)
-        .Add("AnalyzingDate", p.AnalyzingDate);
+    lines.AddAll("Operator Program ProgramVersion AnalyzingDate", p.Operator, p.Program, p.ProgramVersion,
+                 p.AnalyzingDate);
     AddMarks(lines, p);
-    return lines.Add("FPAveIntervalType", CPropAnalyzer::FPAveIntervalTypeToString(p.FPAveIntervalType))
-        .Add("FPAveHRDefinedFactor", p.FPAveHRDefinedFactor)
-        .Add("PreFPfastTime", p.PreFPfastTime)
-        .Add("FPAverageTime", p.FPAverageTime)
-        .Add("FPmaxSearchBegin", p.FPmaxSearchBegin)
-        .Add("FPmaxSearchEnd", p.FPmaxSearchEnd)
-        .Add("FPSlopeInterval", p.FPSlopeInterval)
-        .Add("FPfastAutoAdjust", p.FPfastAutoAdjust)
-        .Add("FPfastAutoAdjustFactor", p.FPfastAutoAdjustFactor)
-        .Add("FPfastAutoAdjustTime", p.FPfastAutoAdjustTime)
-        .Add("FPfastAmplitude", p.FPfastAmplitude)
-        .Add("FPfastRiseTimeMin", p.FPfastRiseTimeMin)
-        .Add("FPfastRiseTimeMax", p.FPfastRiseTimeMax)
-        .Add("FPfastSlopeRangeMin", p.FPfastSlopeRangeMin)
-        .Add("FPfastSlopeRangeMax", p.FPfastSlopeRangeMax);
+    return lines.AddAll(
+        "FPAveIntervalType FPAveHRDefinedFactor PreFPfastTime FPAverageTime FPmaxSearchBegin FPmaxSearchEnd "
+        "FPSlopeInterval FPfastAutoAdjust FPfastAutoAdjustFactor FPfastAutoAdjustTime FPfastAmplitude "
+        "FPfastRiseTimeMin FPfastRiseTimeMax FPfastSlopeRangeMin FPfastSlopeRangeMax",
+        CPropAnalyzer::FPAveIntervalTypeToString(p.FPAveIntervalType), p.FPAveHRDefinedFactor, p.PreFPfastTime,
+        p.FPAverageTime, p.FPmaxSearchBegin, p.FPmaxSearchEnd, p.FPSlopeInterval, p.FPfastAutoAdjust,
+        p.FPfastAutoAdjustFactor, p.FPfastAutoAdjustTime, p.FPfastAmplitude, p.FPfastRiseTimeMin, p.FPfastRiseTimeMax,
+        p.FPfastSlopeRangeMin, p.FPfastSlopeRangeMax);
 }
 
 std::string Lines(const QualityCheckRecord& r) {
-    return CLines("QC")
-        .Add("TaskName", r.TaskName)
-        .Add("EnableQC", r.EnableQC)
-        .Add("QCPerformed", r.QCPerformed)
-        .Add("CompoundName", r.CompoundName)
-        .Add("CompoundDose", r.CompoundDose)
-        .Add("Series", r.Series)
-        .Add("CompoundStockDose", r.CompoundStockDose)
-        .Add("CompoundPlateID", r.CompoundPlateID)
-        .Add("CompoundPlateCol", r.CompoundPlateCol)
-        .Add("WashInWait", r.WashInWait)
-        .Add("RecordingTime", r.RecordingTime)
-        .Add("WashOutCycles", r.WashOutCycles)
-        .Add("WashOutTroughID", r.WashOutTroughID)
-        .Add("WashOutWait", r.WashOutWait)
-        .Add("ApplyQC", r.ApplyQC)
-        .Add("QCResponse", ResponseTypeToString(r.QCResponse))
-        .Add("PerformCompoundQC", r.PerformCompoundQC)
-        .Add("CompoundQCEffect", r.CompoundQCEffect)
-        .Add("CompoundQCComparison", r.CompoundQCComparison)
-        .Add("CompoundQCEffectValue", r.CompoundQCEffectValue)
-        .Add("PerformWashOutQC", r.PerformWashOutQC)
-        .Add("WashOutQCEffect", r.WashOutQCEffect)
-        .Add("WashOutQCComparison", r.WashOutQCComparison)
-        .Add("WashOutQCEffectValue", r.WashOutQCEffectValue);
+    return CLines("QC").AddAll(
+        "TaskName EnableQC QCPerformed CompoundName CompoundDose Series CompoundStockDose CompoundPlateID "
+        "CompoundPlateCol WashInWait RecordingTime WashOutCycles WashOutTroughID WashOutWait ApplyQC QCResponse "
+        "PerformCompoundQC CompoundQCEffect CompoundQCComparison CompoundQCEffectValue PerformWashOutQC "
+        "WashOutQCEffect WashOutQCComparison WashOutQCEffectValue",
+        r.TaskName, r.EnableQC, r.QCPerformed, r.CompoundName, r.CompoundDose, r.Series, r.CompoundStockDose,
+        r.CompoundPlateID, r.CompoundPlateCol, r.WashInWait, r.RecordingTime, r.WashOutCycles, r.WashOutTroughID,
+        r.WashOutWait, r.ApplyQC, ResponseTypeToString(r.QCResponse), r.PerformCompoundQC, r.CompoundQCEffect,
+        r.CompoundQCComparison, r.CompoundQCEffectValue, r.PerformWashOutQC, r.WashOutQCEffect, r.WashOutQCComparison,
+        r.WashOutQCEffectValue);
 }
 
 std::string Lines(const CISettingsReader& reader) {
@@ -241,24 +196,13 @@ void AddResponses(CLines& lines, const char* tag, const Responses& responses, au
 
 std::string Lines(std::int32_t id, const CResultsWell& w) {
     CLines lines("Well");
-    lines.Add("WellID", id)
-        .Add("WellLabel", w.WellLabel)
-        .Add("Dose", w.Dose)
-        .Add("FPfastDetectionTimes", w.FPfastDetectionTimes)
-        .Add("AverageCount", w.AverageCount)
-        .Add("AveragePreFPfastTime", w.AveragePreFPfastTime)
-        .Add("AverageTick", w.AverageTick)
-        .Add("Average", w.Average)
-        .Add("FPfastDetected", w.FPfastDetected)
-        .Add("FPfastMaxAmp", w.FPfastMaxAmp)
-        .Add("FPfastMaxAmpTimeStamp", w.FPfastMaxAmpTimeStamp)
-        .Add("FPfastMinAmp", w.FPfastMinAmp)
-        .Add("FPfastMinAmpTimeStamp", w.FPfastMinAmpTimeStamp)
-        .Add("FPfastSlopeX0", w.FPfastSlopeX0)
-        .Add("FPfastSlopeY0", w.FPfastSlopeY0)
-        .Add("FPfastSlopeX1", w.FPfastSlopeX1)
-        .Add("FPfastSlopeY1", w.FPfastSlopeY1)
-        .Add("FPmaxType", FPmaxTypeToString(w.FPmaxType));
+    lines.AddAll(
+        "WellID WellLabel Dose FPfastDetectionTimes AverageCount AveragePreFPfastTime AverageTick Average "
+        "FPfastDetected FPfastMaxAmp FPfastMaxAmpTimeStamp FPfastMinAmp FPfastMinAmpTimeStamp FPfastSlopeX0 "
+        "FPfastSlopeY0 FPfastSlopeX1 FPfastSlopeY1 FPmaxType",
+        id, w.WellLabel, w.Dose, w.FPfastDetectionTimes, w.AverageCount, w.AveragePreFPfastTime, w.AverageTick,
+        w.Average, w.FPfastDetected, w.FPfastMaxAmp, w.FPfastMaxAmpTimeStamp, w.FPfastMinAmp, w.FPfastMinAmpTimeStamp,
+        w.FPfastSlopeX0, w.FPfastSlopeY0, w.FPfastSlopeX1, w.FPfastSlopeY1, FPmaxTypeToString(w.FPmaxType));
     const auto show = [](const CResponse& response) { return "Value " + Show(response.Value); };
     AddResponses(lines, "Responses", w.Responses, show);
     AddResponses(lines, "NormalizedResponses", w.NormalizedResponses, show);
