@@ -3,17 +3,6 @@
 namespace {
 
 using RewriteTest = StorageTest;
-using Numbers = std::vector<std::uint32_t>;
-
-constexpr std::uint32_t kFree = 0xFFFFFFFF;
-constexpr std::uint32_t kEnd = 0xFFFFFFFE;
-
-Numbers Marks(const CompoundReader& reader, std::size_t first, std::size_t last) {
-    Numbers marks;
-    for (std::size_t i = first; i <= last; ++i)
-        marks.push_back(reader.Mark(i));
-    return marks;
-}
 
 TEST_F(RewriteTest, SectorsThatLongStreamsFreeAreReused) {
     Add("a", Pattern(10 * kSector));

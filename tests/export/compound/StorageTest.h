@@ -12,6 +12,22 @@
 /// Bytes per sector.
 inline constexpr std::size_t kSector = 512;
 
+using Numbers = std::vector<std::uint32_t>;
+
+/// The marks of sectors that have no next one.
+inline constexpr std::uint32_t kFree = 0xFFFFFFFF;
+inline constexpr std::uint32_t kEnd = 0xFFFFFFFE;
+inline constexpr std::uint32_t kFat = 0xFFFFFFFD;
+inline constexpr std::uint32_t kDifat = 0xFFFFFFFC;
+
+/// Returns the marks of the sectors from `first` to `last`.
+inline Numbers Marks(const CompoundReader& reader, std::size_t first, std::size_t last) {
+    Numbers marks;
+    for (std::size_t i = first; i <= last; ++i)
+        marks.push_back(reader.Mark(i));
+    return marks;
+}
+
 /// Returns bytes that differ from sector to sector and from mini sector to mini sector, and are never zero.
 inline std::string Pattern(std::size_t size, unsigned seed = 1) {
     std::string bytes(size, '\0');
