@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/export/WorkbookReader.h"
 #include "tests/export/biff/RecordBytes.h"
 #include "tests/support/TempFolder.h"
 
@@ -13,7 +14,7 @@ using YExcel::Sheet;
 /// Returns the names of a document's sheets, in the order of its stream.
 std::string Names(const Document& document) {
     std::string names;
-    for (const CFoundRecord& record : RecordsOf(StreamOf(document)))
+    for (const auto& record : workbook_reader::RecordsOf(StreamOf(document)))
         if (record.code == 0x0085) names += record.body.substr(8) + " ";
     return names;
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/export/WorkbookReader.h"
 #include "tests/export/biff/RecordBytes.h"
 #include "tests/support/LinearTime.h"
 #include "vxfileio/export/Document.h"
@@ -21,7 +22,7 @@ class WorkbookStreamTest : public testing::Test {
     /// Returns the bodies of all records with this code, in order.
     std::vector<std::string> Bodies(std::uint32_t code) const {
         std::vector<std::string> bodies;
-        for (const CFoundRecord& record : RecordsOf(StreamOf(m_document)))
+        for (const auto& record : workbook_reader::RecordsOf(StreamOf(m_document)))
             if (record.code == code) bodies.push_back(record.body);
         return bodies;
     }

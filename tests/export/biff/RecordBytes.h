@@ -13,7 +13,7 @@
 #include "vxfileio/export/biff/RecordStream.h"
 
 /// @file
-/// Builds the bytes of records by hand, number by number, and splits streams into records, without any library code.
+/// Builds the bytes of records by hand, number by number, without any library code.
 
 inline std::string LowFirst(std::uint64_t value, int size) {
     std::string bytes;
@@ -69,29 +69,4 @@ std::string StreamOf(const auto& document) {
     std::string bytes;
     document.Stream().GiveTo([&](auto piece) { bytes += ToString(piece); });
     return bytes;
-}
-
-inline std::uint32_t NumberAt(const std::string& bytes, std::size_t position, int size) {
-    std::uint32_t value = 0;
-    for (int i = size; i-- > 0;)
-        value = (value << 8U) | static_cast<unsigned char>(bytes.at(position + static_cast<std::size_t>(i)));
-    return value;
-}
-
-/// A record in a stream.
-struct CFoundRecord {
-    std::uint32_t code = 0;
-    std::string body;
-};
-
-/// Splits a stream into records. Throws if it doesn't end with a whole record.
-inline std::vector<CFoundRecord> RecordsOf(const std::string& stream) {
-    std::vector<CFoundRecord> records;
-    for (std::size_t position = 0; position < stream.size();) {
-        const std::uint32_t length = NumberAt(stream, position + 2, 2);
-        if (position + 4 + length > stream.size()) throw std::string("a record is cut");
-        records.push_back({NumberAt(stream, position, 2), stream.substr(position + 4, length)});
-        position += 4 + length;
-    }
-    return records;
 }
