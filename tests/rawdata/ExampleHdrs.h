@@ -6,27 +6,30 @@
 /// Headers as a caller fills them; `RawFileBytes.h` has their bytes on disk.
 
 inline CRawDataFileHdr ExampleFileHdr() {
-    CRawDataFileHdr header;
-    header.HeaderID = "OVL Vexaprobe";
-    header.FileType = "Raw";
-    header.ProgramVersion = "1.0";
-    header.FileVersion = 2;
-    header.Guid = "0123";
-    header.PlateID = "P1";
-    header.CompoundID = 5;
-    header.CompoundName = "Test";
-    return header;
+    return {.HeaderID = "OVL Vexaprobe",
+            .FileType = "Raw",
+            .ProgramVersion = "1.0",
+            .FileVersion = 2,
+            .Guid = "0123",
+            .PlateID = "P1",
+            .CompoundID = 5,
+            .CompoundName = "Test"};
 }
 
 inline CRawDataRecordingHdr ExampleRecordingHdr(const std::string& task = "CompoundTest", std::int32_t recording = 1) {
-    CRawDataRecordingHdr header;
-    header.TaskName = task;
-    header.Recording = recording;
-    header.Dose = 1000;
-    header.RecordingStartTime = 1000000;
-    header.RecordingTime = 300;
-    header.WellChannels = {{11, 32768, 0.0002, 100}, {12, 32768, 0.0002, 100}};
-    return header;
+    return {.TaskName = task,
+            .Recording = recording,
+            .Dose = 1000,
+            .RecordingStartTime = 1000000,
+            .RecordingTime = 300,
+            .WellChannels = {{11, 32768, 0.0002, 100}, {12, 32768, 0.0002, 100}}};
+}
+
+/// Opens a file and writes both headers, so that data can follow.
+inline void BeginExample(CIRawDataWriter& writer, const std::string& path) {
+    writer.Open(path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.WriteRecordingHdr(ExampleRecordingHdr());
 }
 
 /// Calls the operation and returns the text of the `CExcVXReader` that it must throw with code -1.

@@ -1,14 +1,6 @@
 #if defined(__unix__)
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <chrono>
-#include <csignal>
-#include <thread>
 
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
@@ -20,8 +12,7 @@ namespace {
 
 /// Returns all segments of all recordings, or the text of the failure to open.
 std::string ContentOf(const std::string& path) {
-    CVXFileIO io;
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     const std::string failure = TextOfFailure([&] { reader.Open(path); });
     if (failure != "no failure") return failure;
     std::string content;
@@ -35,8 +26,7 @@ std::string ContentOf(const std::string& path) {
 
 /// Writes two recordings of two segments each. The disk is full from offset `fullFrom` until step `freeAgain`.
 void PlayRun(const std::string& path, std::size_t fullFrom, int freeAgain) {
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     writer.Open(path);
     auto disk = std::make_unique<CFullDisk>(fullFrom);
     auto step = [&, next = 0](auto call) mutable {
@@ -113,11 +103,8 @@ TEST(UnluckyDiskTest, RefusedBytesAreWrittenOnceThereIsRoom) {
 TEST(UnluckyDiskTest, RefusedRewriteIsRepeatedWithTheNextOneAndTheNewestWins) {
     const CTempFolder folder;
     const std::string path = folder.Path("rewrite.vxd");
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
-    writer.Open(path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    CIRawDataWriter writer;
+    BeginExample(writer, path);
     {
         const CFullDisk disk(600);  // the lists at 640 and 790 are refused
         writer.UpdateFileHdr("CompoundTest", {"7"});
@@ -134,12 +121,9 @@ TEST(UnluckyDiskTest, RefusedRewriteIsRepeatedWithTheNextOneAndTheNewestWins) {
 TEST(UnluckyDiskTest, WriteErrorStatesTheFirstRefusalAndHowManySegmentsAreMissing) {
     const CTempFolder folder;
     const std::string path = folder.Path("reported.vxd");
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     EXPECT_EQ(writer.GetWriteError(), "");
-    writer.Open(path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    BeginExample(writer, path);
     writer.WriteData(11, 0, 300, 100, kWell11.data());
     EXPECT_EQ(writer.GetWriteError(), "");
     const std::string first = "File too large, writing 308 bytes at 3958 of " + path;
@@ -173,13 +157,10 @@ TEST(UnluckyDiskTest, WriteErrorStatesTheFirstRefusalAndHowManySegmentsAreMissin
 
 TEST(UnluckyDiskTest, RefusedBytesOfOneFileDoNotGoIntoTheNext) {
     const CTempFolder folder;
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     {
         const CFullDisk disk(0);
-        writer.Open(folder.Path("refused.vxd"));
-        writer.WriteFileHdr(ExampleFileHdr());
-        writer.WriteRecordingHdr(ExampleRecordingHdr());
+        BeginExample(writer, folder.Path("refused.vxd"));
         writer.UpdateFileHdr("PreQC", {"1"});
         writer.Close();
     }
@@ -195,105 +176,9 @@ TEST(UnluckyDiskTest, RefusedBytesOfOneFileDoNotGoIntoTheNext) {
         writer.UpdateFileHdr("CompoundTest", {"7"});
         writer.Close();
     }
-    writer.Open(folder.Path("next.vxd"));
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    BeginExample(writer, folder.Path("next.vxd"));
     writer.Close();
     EXPECT_EQ(ReadAll(folder.Path("next.vxd")), FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}));
-}
-
-/// A number shared between processes.
-class CSharedNumber {
- public:
-    CSharedNumber()
-        : m_memory(mmap(nullptr, sizeof(Number), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)),
-          m_number(new (m_memory) Number(0)) {}
-    ~CSharedNumber() { munmap(m_memory, sizeof(Number)); }
-    CSharedNumber(const CSharedNumber&) = delete;
-    CSharedNumber& operator=(const CSharedNumber&) = delete;
-
-    std::int64_t Get() const { return *m_number; }
-    void Set(std::int64_t value) { *m_number = value; }
-
- private:
-    using Number = std::atomic<std::int64_t>;
-
-    void* m_memory;
-    Number* m_number;
-};
-
-constexpr int kPerRecording = 20;
-constexpr int kPerSegment = 500;
-
-/// Returns the samples of segment n: all are n.
-std::vector<std::uint16_t> EndlessSamples(std::int64_t n) {
-    return std::vector<std::uint16_t>(kPerSegment, static_cast<std::uint16_t>(n));
-}
-
-/// Writes segments of well 7 until killed, and reports how many were accepted.
-[[noreturn]] void WriteForEver(const std::string& path, CSharedNumber& taken) {
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
-    writer.Open(path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    for (std::int64_t n = 0;; taken.Set(++n)) {
-        const auto recording = static_cast<std::int32_t>(n / kPerRecording);
-        if (n % kPerRecording == 0) writer.WriteRecordingHdr(ExampleRecordingHdr("Series", recording));
-        writer.WriteData(7, n, n + kPerSegment - 1, 1, EndlessSamples(n).data());
-    }
-}
-
-/// Returns how many segments from the first on are at their offsets, with headers and all samples.
-std::int64_t SegmentsInPlace(const std::string& bytes) {
-    for (std::int64_t n = 0;; ++n) {
-        const auto at = static_cast<std::size_t>(1190 + 2460 * (n / kPerRecording + 1) + n * (300 + 2 * kPerSegment));
-        const std::string wanted = SampleBytes(EndlessSamples(n));
-        const bool isThere = bytes.size() >= at + 300 + wanted.size() && bytes.compare(at, 9, "Type=Well") == 0 &&
-                             bytes.compare(at + 300, wanted.size(), wanted) == 0;
-        if (!isThere) return n;
-    }
-}
-
-// Whenever the writer is killed, each accepted segment is in the file, and every recording but the last is readable.
-TEST(UnluckyDiskTest, KilledWriterLosesNoAcceptedSegment) {
-    const CTempFolder folder;
-    const std::string path = folder.Path("killed.vxd");
-    std::int64_t delivered = 0;
-    for (int round = 0; round < 40; ++round) {
-        std::filesystem::remove(path);
-        CSharedNumber taken;
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) WriteForEver(path, taken);
-        std::this_thread::sleep_for(std::chrono::microseconds(2000 + 377 * round));
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        ASSERT_TRUE(taken.Get() == 0 || SegmentsInPlace(ReadAll(path)) >= taken.Get());
-
-        CVXFileIO io;
-        CIRawDataReader& reader = *io.GetRawDataReader();
-        const std::string failure = TextOfFailure([&] { reader.Open(path); });
-        if (failure != "no failure") continue;  // killed before there was a recording
-        const std::int32_t recordings = reader.GetIndex()->GetCount();
-        std::int64_t expected = 0;
-        for (std::int32_t r = 0; r < recordings; ++r) {
-            // The last recording may be unfinished.
-            if (!reader.JumpToData("Series", r)) {
-                EXPECT_EQ(r, recordings - 1);
-                continue;
-            }
-            auto [wellID, from, to, size, samples] = CNextSegment();
-            while (reader.ReadSegment(wellID, from, to, size, samples)) {
-                ASSERT_EQ(from, expected);
-                ASSERT_EQ(to, expected + kPerSegment - 1);
-                ASSERT_EQ(std::vector<std::uint16_t>(samples, samples + size), EndlessSamples(expected));
-                ++expected;
-            }
-            EXPECT_EQ(expected % kPerRecording, 0) << "a finished recording lost segments";
-        }
-        delivered += expected;
-    }
-    EXPECT_GT(delivered, 0);
 }
 
 }  // namespace
