@@ -4,19 +4,13 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
+#include "fuzz/Segments.h"
 #include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 using vxfileio::base::CExcConversion;
 
 namespace {
-
-struct CSegment {
-    std::int32_t well;
-    std::int64_t from;
-    std::int64_t to;
-    std::vector<std::uint16_t> samples;
-};
 
 struct CRecording {
     std::string task;
@@ -138,14 +132,7 @@ class CSession {
             Takes([&] { ReadOne(); });
     }
 
-    bool ReadOne() {
-        m_samples.clear();
-        std::uint32_t size = 0;
-        std::uint16_t* samples = nullptr;
-        if (!m_reader.ReadSegment(m_segment.well, m_segment.from, m_segment.to, size, samples)) return false;
-        m_samples.assign(samples, samples + size);
-        return true;
-    }
+    bool ReadOne() { return ReadNext(m_reader, m_segment); }
 
     void CheckRecordings(std::size_t finished) {
         m_reader.SelectWellID(-1);
@@ -154,9 +141,7 @@ class CSession {
             Require(m_reader.JumpToData(recording.task, recording.number), "a finished recording is there");
             for (const CSegment& wanted : recording.segments) {
                 Require(Takes([&] { Require(ReadOne(), "a segment is there"); }), "a segment can be read");
-                Require(m_segment.well == wanted.well && m_segment.from == wanted.from && m_segment.to == wanted.to &&
-                            m_samples == wanted.samples,
-                        "a segment is as it was given");
+                Require(m_segment == wanted, "a segment is as it was given");
             }
             if (!recording.segments.empty()) Require(Takes([&] { Require(!ReadOne(), "the end"); }), "no further one");
         }
@@ -240,8 +225,7 @@ class CSession {
     std::vector<CRecording> m_recordings;  ///< Everything that was written to the file.
     bool m_isOpen = false;
     bool m_hasHdr = false;
-    CSegment m_segment{};
-    std::vector<std::uint16_t> m_samples;
+    CSegment m_segment;
 };
 
 }  // namespace

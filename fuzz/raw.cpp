@@ -7,18 +7,10 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
+#include "fuzz/Segments.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace {
-
-struct CSegment {
-    std::int32_t well = 0;
-    std::int64_t from = 0;
-    std::int64_t to = 0;
-    std::vector<std::uint16_t> samples;
-
-    bool operator==(const CSegment&) const = default;
-};
 
 struct CRecording {
     CRawDataRecordingHdr header;
@@ -35,14 +27,10 @@ constexpr std::size_t kMostSamples = 1 << 20;
 
 /// Reads from the current position. Returns false if the end of the chain wasn't reached.
 bool ReadSegments(CIRawDataReader& reader, std::vector<CSegment>& segments) try {
-    CSegment segment;
-    std::uint32_t size = 0;
-    std::uint16_t* samples = nullptr;
     std::size_t sum = 0;
-    while (reader.ReadSegment(segment.well, segment.from, segment.to, size, samples)) {
-        segment.samples.assign(samples, samples + size);
+    for (CSegment segment; ReadNext(reader, segment);) {
         segments.push_back(segment);
-        sum += size;
+        sum += segment.samples.size();
         if (sum > kMostSamples) return false;
     }
     return true;
