@@ -1,4 +1,4 @@
-// Writes the seed corpus and the dictionary: files made by the library's writers, the reference files of the tests, and
+// Writes the seed corpus and the dictionary: the reference files of the tests, property sets that these don't have, and
 // lists of calls.
 // usage: make_seeds FOLDER REFERENCE_FOLDER
 #include <filesystem>
@@ -27,22 +27,6 @@ std::string ReadAll(const fs::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-void WriteRawFile(const fs::path& path) {
-    const std::uint16_t samples[] = {32768, 32790, 33512, 32741, 0, 65535};
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
-    writer.Open(path.string());
-    writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2, .CompoundName = "seed"});
-    for (int recording = 0; recording < 3; ++recording) {
-        CRawDataRecordingHdr header{.TaskName = recording == 0 ? "PreQC" : "Series", .Recording = recording};
-        header.WellChannels = {{11, 32768, 0.0003, 100}, {12, 32768, 0.0003, 100}};
-        writer.WriteRecordingHdr(header);
-        for (int segment = 0; segment < 4; ++segment)
-            writer.WriteData(11 + segment % 2, 600 * segment, 600 * segment + 500, 100, samples);
-    }
-    writer.UpdateFileHdr("PreQC", {"0"});
-}
-
 CPropRecordPlate MakePlate() {
     CPropRecordPlate plate;
     plate.Data.Layout = enPlateLayout::L8x12;
@@ -51,38 +35,6 @@ CPropRecordPlate MakePlate() {
     plate.Data.AddWell(11, 0, 0, 64, "A1");
     plate.Data.AddWell(12, 0, 1, 68, "A2");
     return plate;
-}
-
-void WriteSettings(const fs::path& path) {
-    const CPropRecordPlate plate = MakePlate();
-    CPropAnalyzer analyzer;
-    analyzer.InitTask(enTask::Series, 3, {11, 12});
-    CPropQualityCheck checks;
-    checks.QualityChecks[enTask::PreQC] = {.QCPerformed = {1, 2}, .TaskName = "PreQC"};
-    CPropRobot robot;
-    robot.RobotConfig.TroughMediumNames = {"water", "medium"};
-    CISettingsWriter writer;
-    writer.SetXmlFileHeader({.FileVersion = 3});
-    writer.SetRecordPlateProperty(plate);
-    writer.SetAnalyzerProperty(analyzer);
-    writer.SetQualityCheckProperty(checks);
-    writer.SetRobotProperty(robot);
-    writer.WriteFile(path.string());
-}
-
-void WriteResults(const fs::path& path) {
-    CResults results;
-    results.SetFPAverage(4, 10, 20);
-    results.Init(1, enTask::Series, "Series", {0, 1000}, {11, 12}, {"A1", "A2"});
-    CResultsWell& well = *results.GetWellResults(enTask::Series, 0, 11);
-    well.FPfastDetectionTimes = {100, 1100, 2100};
-    well.AverageCount = 3;
-    well.Average = {0.5, -0.25, 1e-5, 0.0};
-    well.FPfastDetected = true;
-    well.SetResults(enResponseType::QTInterval, enValueType::Plain, 350.5);
-    results.SetCompoundResults(enTask::Series, 1, enResponseType::QTInterval, 1.25, 0.5, 2);
-    CIResultsWriter writer;
-    writer.WriteFile(path.string(), results);
 }
 
 /// Returns the document of a property set that the library never stores in a file, or only in another form.
@@ -99,11 +51,13 @@ std::string ElementOf(const fs::path& scratch, Property property) {
 }
 
 /// Copies each reference file to the targets that read its kind; documents also to the archive and each property set.
+/// Leaves out large files, since the fuzzer makes inputs as large as the largest seed.
 void CopyReferences(const fs::path& folder, const fs::path& references) {
     for (const auto& entry : fs::recursive_directory_iterator(references)) {
         const fs::path name = entry.path().filename();
         const std::string kind = name.extension().string();
         if (kind != ".vxd" && kind != ".vxs" && kind != ".vxr" && kind != ".xls") continue;
+        if (entry.file_size() > 64 * 1024) continue;
         const std::string bytes = ReadAll(entry.path());
         WriteSeed(folder / "vxfile" / name, bytes);
         for (const char* target : {"access", "raw", "vxfile_recover"})
@@ -153,11 +107,6 @@ void WriteDictionary(const fs::path& path, const std::set<std::string>& words) {
 }
 
 void MakeSeeds(const fs::path& folder, const fs::path& references) {
-    for (const char* target : {"raw", "settings", "results"})
-        fs::create_directories(folder / target);
-    WriteRawFile(folder / "raw/seed.vxd");
-    WriteSettings(folder / "settings/seed.vxs");
-    WriteResults(folder / "results/seed.vxr");
     CopyReferences(folder, references);
     const std::string plate = ElementOf(folder / "scratch", MakePlate());
     const std::string viability = ElementOf(folder / "scratch", CPropViability());
@@ -173,7 +122,7 @@ void MakeSeeds(const fs::path& folder, const fs::path& references) {
     AddCells(vxfileio::rawdata::kRecordingCells, words);
     AddCells(vxfileio::rawdata::kSegmentCells, words);
     for (const std::string& document :
-         {ReadAll(folder / "settings/seed.vxs"), ReadAll(folder / "results/seed.vxr"), plate, viability})
+         {ReadAll(references / "xml/settings.vxs"), ReadAll(references / "xml/results.vxr"), plate, viability})
         AddTags(document, words);
     WriteDictionary(folder / "words.dict", words);
 }
