@@ -16,8 +16,7 @@ namespace {
 
 /// Reads a recovered file to its end. Only a recording without segments may end in a failure.
 void ReadBack(const std::string& path) {
-    CVXFileIO io;
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     reader.Open(path);
     for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i) {
         const CIndexEntry& entry = *reader.GetIndex()->GetEntry(i);

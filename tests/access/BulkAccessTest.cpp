@@ -410,9 +410,7 @@ TEST_F(BulkAccessTest, UnfinishedRecordingAfterOthersIsFoundByItsHeader) {
 
 TEST_F(BulkAccessTest, IndexGrowsWithAFileThatIsBeingWritten) {
     CIRawDataWriter writer;
-    writer.Open(m_path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    BeginExample(writer, m_path);
     const CRawDataFile file(m_path);
     for (std::int64_t i = 0; i < 300; ++i) {
         const auto samples = Ascending(static_cast<std::uint16_t>(i), static_cast<std::size_t>(1 + i * 37 % 4000));

@@ -132,8 +132,7 @@ constexpr std::size_t kFront = 50;           ///< The first cell of a file, whic
 constexpr std::int64_t kClosed = 1'000'000;  ///< Acknowledged: the whole file.
 
 void Write(const CPlan& plan, const std::string& path, CRun& run, CWritten& written) {
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     const auto flush = [&] {
         EXPECT_TRUE(writer.FlushToDisk()) << writer.GetWriteError();
         run.Acknowledge(static_cast<std::int64_t>(written.segments.size()));
@@ -349,8 +348,7 @@ bool PlayWorkbook(const std::string& folder) {
     CResults results;
     const CPropAnalyzer analyzer;
     const CPropRecordPlate plate;
-    CVXFileIO io;
-    CIResultsExport& exporter = *io.GetResultsExport();
+    CIResultsExport exporter;
     exporter.SetResults(&results);
     exporter.SetPropertyAnalyzer(&analyzer);
     exporter.SetPropertyRecordPlate(&plate);

@@ -24,8 +24,7 @@ struct CWrite {
 std::vector<CWrite> WritesOf(const std::string& path, std::int64_t samples) {
     std::vector<CRecordedCall> calls;
     RecordCalls(&calls);
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     writer.Open(path);
     writer.WriteFileHdr(ExampleFileHdr());
     for (int recording = 1; recording <= 3; ++recording) {

@@ -324,8 +324,7 @@ class FlushToDiskTest : public testing::Test {
 
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("run.vxd");
-    CVXFileIO m_io;
-    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
+    CIRawDataWriter m_writer;
 };
 
 TEST_F(FlushToDiskTest, NeedsAnOpenFile) {
@@ -461,8 +460,7 @@ TEST(RewrittenHdrTest, PositionsBeingRewrittenAreReadAgain) {
 
 /// Returns the numbers of all readable segments, each followed by a blank. Fails for a recording without segments.
 std::string SegmentsIn(const std::string& path) {
-    CVXFileIO io;
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     reader.Open(path);
     std::string content;
     for (std::int32_t i = 0; i < reader.GetIndex()->GetCount(); ++i) {
@@ -488,8 +486,7 @@ TEST(MoodyDiskTest, AcceptedSegmentsAreReadableAndMissingOnesCounted) {
     const std::string path = folder.Path("moody.vxd");
     std::mt19937 random(1);
     for (int run = 0; run < 200; ++run) {
-        CVXFileIO io;
-        CIRawDataWriter& writer = *io.GetRawDateWriter();
+        CIRawDataWriter writer;
         writer.Open(path);
         std::string taken;
         bool isFull = false;

@@ -18,9 +18,7 @@ TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
     const std::vector<std::uint16_t> samples(1000, 5);
     CVXFileIO io;
     CIRawDataWriter& writer = *io.GetRawDateWriter();
-    writer.Open(path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    BeginExample(writer, path);
     const std::size_t beforeWriting = AllocationCount();
     for (std::int32_t i = 0; i < 200; ++i)
         writer.WriteData(1'000'000'000 + i % 2, kLate, kLate + 999, 1, samples.data());
@@ -49,8 +47,7 @@ TEST(AllocationTest, SteadyWritingAndReadingAllocateNothing) {
 std::vector<std::int64_t> TimesReadDespite(std::size_t failing, const std::string& path, std::int32_t well) {
     std::vector<std::int64_t> times;
     times.reserve(100);
-    CVXFileIO io;
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     reader.Open(path);
     reader.SelectWellID(well);
     EXPECT_TRUE(reader.JumpToData("CompoundTest", 1));
@@ -71,18 +68,15 @@ std::vector<std::int64_t> TimesReadDespite(std::size_t failing, const std::strin
 TEST(AllocationTest, ASegmentIsDeliveredByTheCallAfterAFailedAllocation) {
     const CTempFolder folder;
     const std::string path = folder.Path("grows.vxd");
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
-    writer.Open(path);
-    writer.WriteFileHdr(ExampleFileHdr());
-    writer.WriteRecordingHdr(ExampleRecordingHdr());
+    CIRawDataWriter writer;
+    BeginExample(writer, path);
     const std::vector<std::uint16_t> samples(20, 5);
     for (std::int64_t time = 0; time < 8; ++time)
         writer.WriteData(11 + static_cast<std::int32_t>(time % 2), time, 2 * time, 1, samples.data());
     writer.Close();
 
 #if !defined(_WIN32)  // where the library's DLL has its own allocator
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     reader.Open(path);
     ASSERT_TRUE(reader.JumpToData("CompoundTest", 1));
     auto [well, from, unused, size, data] = CNextSegment();

@@ -70,8 +70,7 @@ class DamagedFileTest : public testing::Test {
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("damaged.vxd");
     std::string m_bytes = SmallFileBytes();
-    CVXFileIO m_io;
-    CIRawDataReader& m_reader = *m_io.GetRawDataReader();
+    CIRawDataReader m_reader;
 };
 
 // The ranges of lengths to which a file can be cut, and the outcome of each.

@@ -44,8 +44,7 @@ std::string FileOf(int version) {
 /// Writes the file through the facade. `version` is the one in the caller's header.
 std::string Written(int version) {
     const CTempFolder folder;
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     CRawDataFileHdr header = ExampleFileHdr();
     header.FileVersion = version;
     writer.Open(folder.Path("written.vxd"));
@@ -87,8 +86,7 @@ class LayoutOfVersionTest : public testing::TestWithParam<int> {
     }
 
     std::string Content(std::int32_t well = -1) const {
-        CVXFileIO io;
-        CIRawDataReader& reader = *io.GetRawDataReader();
+        CIRawDataReader reader;
         try {
             reader.Open(m_path);
         } catch (const CExcVXReader& failure) {

@@ -108,8 +108,7 @@ class RememberedChainTest : public testing::Test {
     std::string m_path = m_folder.Path("chain.vxd");
     std::string m_bytes;
     std::vector<std::size_t> m_starts;
-    CVXFileIO m_io;
-    CIRawDataReader& m_reader = *m_io.GetRawDataReader();
+    CIRawDataReader m_reader;
 };
 
 // A header that is damaged after the first pass shows whether it is read again.

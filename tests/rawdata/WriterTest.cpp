@@ -15,16 +15,11 @@ class WriterTest : public testing::Test {
     std::string Bytes() const { return ReadAll(m_path); }
 
     /// Writes up to a recording of wells 11 and 12, without data.
-    void BeginRecording() {
-        m_writer.Open(m_path);
-        m_writer.WriteFileHdr(ExampleFileHdr());
-        m_writer.WriteRecordingHdr(ExampleRecordingHdr());
-    }
+    void BeginRecording() { BeginExample(m_writer, m_path); }
 
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("run.vxd");
-    CVXFileIO m_io;
-    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
+    CIRawDataWriter m_writer;
 };
 
 TEST_F(WriterTest, OpenNewCreatesAFileButNeverChangesAnExistingOne) {
@@ -331,11 +326,8 @@ TEST_F(WriterTest, SecondOpenFinishesTheFirstFile) {
 
 TEST_F(WriterTest, DestructorFinishesTheFile) {
     {
-        CVXFileIO io;
-        auto& writer = *io.GetRawDateWriter();
-        writer.Open(m_path);
-        writer.WriteFileHdr(ExampleFileHdr());
-        writer.WriteRecordingHdr(ExampleRecordingHdr());
+        CIRawDataWriter writer;
+        BeginExample(writer, m_path);
         writer.WriteData(11, 0, 300, 100, kWell11.data());
         writer.UpdateFileHdr("CompoundTest", {"1000", "2000"});
         writer.WriteData(12, 0, 300, 100, kWell12.data());

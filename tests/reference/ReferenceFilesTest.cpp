@@ -88,8 +88,7 @@ std::string SegmentLines(CIRawDataReader& reader) {
 /// Returns the content of a file, in the order of its chains. (No reference file has two recordings with the same task
 /// and number.)
 std::string TwinOf(const std::string& path) {
-    CVXFileIO io;
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     try {
         reader.Open(path);
     } catch (const CExcVXReader& failure) {
@@ -150,8 +149,7 @@ class WrittenReferenceFile : public testing::Test {
 
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("written.vxd");
-    CVXFileIO m_io;
-    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
+    CIRawDataWriter m_writer;
 };
 
 TEST_F(WrittenReferenceFile, UnfinishedAsOnDiskBeforeClose) {

@@ -88,8 +88,7 @@ std::string FileOf(const CTempFolder& folder, std::int32_t recording) {
 /// Writes one file after another, at most a few recordings ahead of the reader, so that most files are read while they
 /// are written.
 void WriteBesideReader(const CTempFolder& folder, CProgress& progress) {
-    CVXFileIO io;
-    CIRawDataWriter& writer = *io.GetRawDateWriter();
+    CIRawDataWriter writer;
     for (std::int32_t recording = 0; progress.opens < kOpens; ++recording) {
         while (recording > progress.opens + 3)
             std::this_thread::yield();
@@ -105,8 +104,7 @@ void WriteBesideReader(const CTempFolder& folder, CProgress& progress) {
 }
 
 void ReadBesideWriter(const CTempFolder& folder, CProgress& progress) {
-    CVXFileIO io;
-    CIRawDataReader& reader = *io.GetRawDataReader();
+    CIRawDataReader reader;
     for (std::int32_t open = 0; open < kOpens && !testing::Test::HasFailure(); ++open) {
         std::int32_t finished = 0;
         while ((finished = progress.finished) == 0)

@@ -174,8 +174,7 @@ TEST_F(GrowingFile, EndsForAScanWhereItEndedWhenItWasOpened) {
 TEST_F(GrowingFile, IsNeverReportedAsDamagedByVerifyInfoAndSamples) {
     std::atomic<bool> isDone = false;
     std::thread writing([&] {
-        CVXFileIO io;
-        CIRawDataWriter& writer = *io.GetRawDateWriter();
+        CIRawDataWriter writer;
         const std::vector<std::uint16_t> samples(1000, 7);
         writer.Open(m_path);
         writer.WriteFileHdr(ExampleFileHdr());

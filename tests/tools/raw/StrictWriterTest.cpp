@@ -207,9 +207,7 @@ TEST_F(StrictWriterTest, JudgesEachWellAndEachRecordingSeparately) {
 }
 
 TEST_F(StrictWriterTest, CanSwitchStrictnessWithinARecording) {
-    m_writer.Open(m_path);
-    m_writer.WriteFileHdr(ExampleFileHdr());
-    m_writer.WriteRecordingHdr(ExampleRecordingHdr());
+    BeginExample(m_writer, m_path);
     m_writer.SetStrict(true);
     ExpectRefused([&] { Write(m_writer, 13, 0, 300, 100); }, "ID is 13,");
     Write(m_writer, 11, 0, 300, 100);
