@@ -6,12 +6,11 @@
 #include <vector>
 
 #include "recovery/Recover.h"
-#include "tools/vxfile/document/XmlVerify.h"
-#include "tools/vxfile/raw/RawVerify.h"
-#include "tools/vxfile/raw/RemarkText.h"
-#include "tools/vxfile/system/ExitStatus.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "verify/Failure.h"
+#include "verify/document/XmlVerify.h"
+#include "verify/raw/RawVerify.h"
+#include "verify/raw/RemarkText.h"
+#include "verify/workbook/WorkbookVerify.h"
 #include "vxfileio/helpers/ReplacingFile.h"
 
 namespace vxfileio::capi {
@@ -63,13 +62,16 @@ void CReport::Verify(const std::string& path, std::int32_t kind, const CCallback
     constexpr std::array kVerify = {vxfile::VerifyRawData, vxfile::VerifySettings, vxfile::VerifyResults,
                                     vxfile::VerifyWorkbook};
     const auto verify = kVerify[TakeIndex(kind, kVerify.size())];
-    const CRunningCheck running(callbacks);
+    constexpr std::uint32_t kCallsPerReport = 256;
+    const auto reach = [&, calls = std::uint32_t{0}](std::int64_t done, std::int64_t total) mutable {
+        if (calls++ % kCallsPerReport == 0) callbacks.Reach(done, total);
+    };
     try {
-        const vxfile::CFindings findings = verify(path);
+        const vxfile::CFindings findings = verify(path, reach);
         for (const auto& finding : findings.Kept())
             m_found.push_back({finding.offset, -1, {finding.where, finding.found, finding.expected, finding.meaning}});
         m_count = static_cast<std::int64_t>(findings.Count());
-        m_isUsable = findings.Status() != vxfile::kTrouble;
+        m_isUsable = findings.IsUsable();
     } catch (const vxfile::CFailure& failure) {
         throw CFailed{VX_ERROR_FILE, failure.what()};
     }

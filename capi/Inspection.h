@@ -24,16 +24,4 @@ class CCallbacks {
     vx_callbacks m_callbacks;
 };
 
-/// The callbacks of the check that this thread runs. A callback can run another check.
-class CRunningCheck {
- public:
-    explicit CRunningCheck(const CCallbacks& callbacks);
-    ~CRunningCheck();
-    CRunningCheck(const CRunningCheck&) = delete;
-    CRunningCheck& operator=(const CRunningCheck&) = delete;
-
- private:
-    const CCallbacks* m_before;
-};
-
 }  // namespace vxfileio::capi

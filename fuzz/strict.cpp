@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "tools/vxfile/raw/RawVerify.h"
+#include "verify/raw/RawVerify.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace {

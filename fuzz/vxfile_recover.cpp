@@ -10,7 +10,7 @@
 #include "fuzz/Fuzz.h"
 #include "recovery/Recover.h"
 #include "tests/rawdata/SegmentsOf.h"
-#include "tools/vxfile/raw/RawVerify.h"
+#include "verify/raw/RawVerify.h"
 
 namespace {
 

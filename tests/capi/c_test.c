@@ -623,6 +623,24 @@ static void check_in_a_callback(void) {
     EXPECT(calls_of_check(own("long.vxd"), check_within) > 1);
 }
 
+/* The check of each kind of file reports progress, and ends if the caller wants no more. */
+static void check_each_kind(void) {
+    static const char* const files[] = {"small_example.vxd", "xml/settings.vxs", "xml/results.vxr",
+                                        "workbooks/big.xls"};
+    int kind;
+    for (kind = VX_FILE_RAW; kind <= VX_FILE_WORKBOOK; ++kind) {
+        struct counted count = {0, 0, -1, -1};
+        vx_callbacks callbacks = counting(&count, count_progress);
+        vx_report* report = NULL;
+        WORKS(vx_verify(&report, given(files[kind]), kind, &callbacks));
+        WORKS(vx_close(report));
+        EXPECT(count.progress > 0);
+        count.most = count.progress + 1;
+        EXPECT(vx_verify(&report, given(files[kind]), kind, &callbacks) == VX_CANCELLED);
+        WORKS(vx_close(report));
+    }
+}
+
 static void check_and_recover(void) {
     struct counted count = {0, 0, -1, -1};
     const vx_callbacks callbacks = counting(&count, count_progress);
@@ -761,6 +779,7 @@ static void (*const phases[])(void) = {
     plan_a_recording,
     check_and_recover,
     check_in_a_callback,
+    check_each_kind,
 #ifdef __cplusplus
     use_threads,
 #endif

@@ -29,6 +29,7 @@ PROGRAMS = {
     "export": ["export_test", "results_test", "faults_test"],
     "capi": ["c_interface"],
     "recovery": ["recover_test", "sessions", "faults_test"],
+    "verify": ["vxfile_test", "sessions", "recover_test"],
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog"],
 }
 

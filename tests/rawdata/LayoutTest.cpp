@@ -12,7 +12,7 @@
 #include "tests/rawdata/SegmentsOf.h"
 #include "tests/recovery/StringInput.h"
 #include "tests/support/TempFolder.h"
-#include "tools/vxfile/raw/RawVerify.h"
+#include "verify/raw/RawVerify.h"
 #include "vxfileio/rawdata/Layout.h"
 
 /// @file

@@ -24,7 +24,7 @@
 #include "tests/recovery/StringInput.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/Stride.h"
-#include "tools/vxfile/raw/RawVerify.h"
+#include "verify/raw/RawVerify.h"
 
 namespace {
 

@@ -12,7 +12,7 @@ import pathlib
 import re
 import sys
 
-TREES = ("vxfileio", "recovery", "capi", "python", "tools", "examples")
+TREES = ("vxfileio", "recovery", "verify", "capi", "python", "tools", "examples")
 
 
 def read_rules(page):

@@ -4,11 +4,11 @@
 #include <map>
 
 #include "tests/support/TempFolder.h"
-#include "tools/vxfile/workbook/CompoundScan.h"
-#include "tools/vxfile/workbook/Records.h"
-#include "tools/vxfile/workbook/SharedStringsJudge.h"
 #include "tools/vxfile/workbook/WorkbookDiff.h"
-#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "verify/workbook/CompoundScan.h"
+#include "verify/workbook/Records.h"
+#include "verify/workbook/SharedStringsJudge.h"
+#include "verify/workbook/WorkbookVerify.h"
 #include "vxfileio/export/Document.h"
 
 namespace {

@@ -22,8 +22,8 @@
 #include "tools/vxfile/page/PlateValues.h"
 #include "tools/vxfile/page/ReadTraces.h"
 #include "tools/vxfile/page/Trace.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/WholeText.h"
+#include "verify/Failure.h"
+#include "verify/WholeText.h"
 
 namespace vxfile::page {
 namespace {

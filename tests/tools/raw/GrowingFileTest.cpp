@@ -17,10 +17,10 @@
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
 #include "tools/vxfile/raw/RawInfo.h"
-#include "tools/vxfile/raw/RawScan.h"
-#include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/report/Complaint.h"
+#include "verify/raw/RawScan.h"
+#include "verify/raw/RawVerify.h"
 
 using namespace vxfile;
 

@@ -8,9 +8,10 @@
 
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
-#include "tools/vxfile/raw/Coverage.h"
 #include "tools/vxfile/raw/RawInfo.h"
-#include "tools/vxfile/raw/RawVerify.h"
+#include "tools/vxfile/system/ExitStatus.h"
+#include "verify/raw/Coverage.h"
+#include "verify/raw/RawVerify.h"
 
 using namespace vxfile;
 
@@ -79,7 +80,7 @@ TEST_F(RawFindings, NameCellAndOffsetOfTheFault) {
             isFound = isFound || (finding.where == c.where && finding.offset == c.offset && finding.found == c.found);
         }
         EXPECT_TRUE(isFound) << c.key << '=' << c.value << " is reported as\n" << all;
-        EXPECT_EQ(findings.Status(), c.status) << c.key << '=' << c.value;
+        EXPECT_EQ(StatusOf(findings), c.status) << c.key << '=' << c.value;
     }
 }
 
@@ -110,7 +111,7 @@ TEST_F(RawFindings, ReachEveryByteOnce) {
 
 TEST_F(RawFindings, AreOneForEachCutOfTheLastSegment) {
     for (std::size_t size = kLast + 1; size < kTwo.size(); ++size)
-        ASSERT_EQ(Verified(kTwo.substr(0, size)).Status(), 1) << size;
+        ASSERT_EQ(StatusOf(Verified(kTwo.substr(0, size))), 1) << size;
 }
 
 TEST_F(RawFindings, OfInfoCountSegmentsSamplesAndWells) {

@@ -9,10 +9,10 @@
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
 #include "tools/vxfile/raw/DecimalScale.h"
-#include "tools/vxfile/raw/FileWindow.h"
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/report/Complaint.h"
+#include "verify/raw/FileWindow.h"
 
 using namespace vxfile;
 

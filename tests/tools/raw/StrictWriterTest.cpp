@@ -8,7 +8,7 @@
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
 #include "tests/support/TempFolder.h"
-#include "tools/vxfile/raw/RawVerify.h"
+#include "verify/raw/RawVerify.h"
 #include "vxfileio/rawdata/Rules.h"
 
 namespace {

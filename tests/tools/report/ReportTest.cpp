@@ -8,9 +8,10 @@
 #include "tests/tools/ToolRun.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Differences.h"
-#include "tools/vxfile/report/Findings.h"
 #include "tools/vxfile/report/Page.h"
-#include "tools/vxfile/system/Failure.h"
+#include "tools/vxfile/system/ExitStatus.h"
+#include "verify/Failure.h"
+#include "verify/Findings.h"
 #include "vxfileio/base/ExcVXReader.h"
 
 using namespace vxfile;
@@ -55,11 +56,11 @@ TEST(Differences, OfLeavesAtOnePlaceAreThoseInTheirOrder) {
 
 TEST(Findings, HaveTheStatusOfTheWorst) {
     CFindings findings;
-    EXPECT_EQ(findings.Status(), 0);
+    EXPECT_EQ(StatusOf(findings), 0);
     findings.Add({});
-    EXPECT_EQ(findings.Status(), 1);
+    EXPECT_EQ(StatusOf(findings), 1);
     findings.MakeUnusable();
-    EXPECT_EQ(findings.Status(), 2);
+    EXPECT_EQ(StatusOf(findings), 2);
 }
 
 TEST(Findings, AreAllCountedAndTheFirstThousandKept) {

@@ -10,8 +10,8 @@
 
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
 #include "vxfileio/base/FileExtensions.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"

@@ -6,7 +6,7 @@
 
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 #include "vxfileio/results/forms/ResultsForm.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
 

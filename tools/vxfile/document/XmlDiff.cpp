@@ -7,10 +7,10 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vxfile/document/XmlTokens.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/WholeText.h"
+#include "verify/Failure.h"
+#include "verify/WholeText.h"
+#include "verify/document/XmlTokens.h"
 #include "vxfileio/helpers/NumberText.h"
 
 namespace vxfile {

@@ -6,7 +6,7 @@
 #include "tools/vxfile/page/PlateGrid.h"
 #include "tools/vxfile/page/ReadTraces.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile::page {
 

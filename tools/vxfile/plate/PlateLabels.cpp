@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -5,10 +5,10 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/vxfile/raw/RawScan.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
+#include "verify/raw/RawScan.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 namespace vxfile {

@@ -7,11 +7,11 @@
 #include <tuple>
 #include <utility>
 
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Seal.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Xxh3.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/raw/Coverage.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
+#include "verify/raw/Coverage.h"
+#include "verify/raw/RawScan.h"
 #include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
 

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

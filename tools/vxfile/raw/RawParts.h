@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Seal.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

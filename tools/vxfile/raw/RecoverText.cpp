@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/raw/RemarkText.h"
 #include "tools/vxfile/report/Text.h"
+#include "verify/raw/RemarkText.h"
 
 namespace vxfile {
 

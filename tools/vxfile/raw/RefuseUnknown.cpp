@@ -1,7 +1,7 @@
 #include "tools/vxfile/raw/RefuseUnknown.h"
 
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

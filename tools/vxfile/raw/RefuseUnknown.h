@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/vxfile/plate/PlateView.h"
-#include "tools/vxfile/raw/RawScan.h"
+#include "verify/raw/RawScan.h"
 
 /// @file
 /// Refuses tasks, doses and wells that a raw data file doesn't have.

@@ -15,8 +15,8 @@
 #include "tools/vxfile/raw/DecimalScale.h"
 #include "tools/vxfile/report/NpyFile.h"
 #include "tools/vxfile/report/Table.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Output.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -9,7 +9,7 @@
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/raw/UnitScales.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 using namespace vxfileio::rawdata;
 

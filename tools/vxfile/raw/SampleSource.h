@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "tools/vxfile/plate/PlateView.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/SegmentJudge.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vxfile/raw/RawScan.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <set>
 
-#include "tools/vxfile/raw/RawScan.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

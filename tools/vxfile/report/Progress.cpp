@@ -21,7 +21,7 @@ constexpr auto kTimeBetweenBars = std::chrono::milliseconds(100);
 }  // namespace
 
 CProgress::CProgress(std::string_view title, std::int64_t total)
-    : m_title(Readable(title)), m_total(total), m_enabled(total > 0 && IsErrorTerminal()) {}
+    : m_title(Readable(title)), m_total(total), m_enabled(IsErrorTerminal()) {}
 
 CProgress::~CProgress() {
     if (m_drawn) std::cerr << "\r\033[K" << std::flush;
@@ -30,7 +30,7 @@ CProgress::~CProgress() {
 void CProgress::Reach(std::int64_t done) {
     CheckInterrupt();
     CheckMemory();
-    if (!m_enabled || ++m_calls % kCallsPerLook != 0) return;
+    if (!m_enabled || m_total <= 0 || ++m_calls % kCallsPerLook != 0) return;
     const auto now = CClock::now();
     if (now < m_next) return;
     m_next = now + kTimeBetweenBars;

@@ -2,8 +2,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+
+#include "verify/Findings.h"
+#include "verify/Reach.h"
 
 namespace vxfile {
 
@@ -12,7 +16,7 @@ namespace vxfile {
 class CProgress {
  public:
     /// `total` is the amount of work in any unit, such as the bytes of a file; 0 or less if unknown.
-    CProgress(std::string_view title, std::int64_t total);
+    explicit CProgress(std::string_view title, std::int64_t total = 0);
     ~CProgress();
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
@@ -20,6 +24,12 @@ class CProgress {
     /// Updates the progress. Call it often: it checks the clock only occasionally. Throws `CInterruption` after Ctrl-C,
     /// and `std::bad_alloc` if memory has run out.
     void Reach(std::int64_t done);
+
+    /// Does the same and notes the amount of work. So `std::ref` of this object receives the progress of checks.
+    void operator()(std::int64_t done, std::int64_t total) {
+        m_total = total;
+        Reach(done);
+    }
 
  private:
     using CClock = std::chrono::steady_clock;
@@ -33,5 +43,11 @@ class CProgress {
     std::uint32_t m_calls = 0;
     CClock::time_point m_next = CClock::now() + std::chrono::seconds(1);
 };
+
+/// Returns what `check` finds in a file. It gets a `CReach`, which shows a bar.
+CFindings CheckWithBar(const std::string& path, auto check) {
+    CProgress progress("Checking " + path);
+    return check(CReach(std::ref(progress)));
+}
 
 }  // namespace vxfile

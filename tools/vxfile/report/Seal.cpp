@@ -12,7 +12,7 @@
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/Hex.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/OpenInput.h"
 
 namespace vxfile {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Xxh3.h"
+#include "verify/Failure.h"
 #include "vxfileio/helpers/File.h"
 
 /// @file

@@ -11,7 +11,7 @@
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/system/FileDigest.h"
 #include "tools/vxfile/system/Hex.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/OpenInput.h"
 
 namespace vxfile {
 

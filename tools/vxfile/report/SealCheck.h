@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "tools/vxfile/report/Findings.h"
 #include "tools/vxfile/report/Json.h"
+#include "verify/Findings.h"
 
 namespace vxfile {
 

@@ -10,7 +10,7 @@
 
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -8,16 +8,11 @@
 #include <system_error>
 #include <utility>
 
-using vxfileio::helpers::IsUtf8;
-using vxfileio::helpers::Printable;
-
 namespace vxfile {
 
 namespace {
 
-unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
-
-bool BeginsCharacter(char c) { return (Byte(c) & 0xC0U) != 0x80; }
+bool BeginsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }
 
 /// Other ways to write the third unit of doses: in ASCII, with the Greek letter, in Latin-1.
 constexpr std::array<std::string_view, 3> kMicromolar = {"uM", "\xCE\xBCM", "\xB5M"};
@@ -30,22 +25,7 @@ std::optional<int> PowerOf(std::string_view unit) {
     return 3 * static_cast<int>(found - kDoseUnits.begin());
 }
 
-std::string Latin1(char c) { return Byte(c) < 0xA0 ? Printable(c) : Utf8({&c, 1}); }
-
 }  // namespace
-
-std::string Readable(std::string_view bytes) {
-    const bool isUtf8 = IsUtf8(bytes);
-    std::string text;
-    for (const char c : bytes) {
-        if (Byte(c) < 0x80) {
-            text += c >= ' ' && c <= '~' ? std::string(1, c) : Printable(c);
-        } else {
-            text += isUtf8 ? std::string(1, c) : Latin1(c);
-        }
-    }
-    return text;
-}
 
 std::size_t Width(std::string_view text) {
     return static_cast<std::size_t>(std::ranges::count_if(text, BeginsCharacter));
@@ -101,20 +81,6 @@ std::optional<std::int64_t> ParseDose(std::string_view text) {
     const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), dose);
     if (error != std::errc() || stop != digits.data() + digits.size()) return std::nullopt;
     return dose;
-}
-
-std::string ListText(const std::vector<std::int32_t>& numbers) {
-    std::string text;
-    for (std::size_t i = 0; i < numbers.size();) {
-        std::size_t last = i;
-        while (last + 1 < numbers.size() && std::int64_t{numbers[last + 1]} == std::int64_t{numbers[last]} + 1)
-            ++last;
-        if (last < i + 2) last = i;  // two neighbours are told one by one
-        text += (text.empty() ? "" : ", ") + std::to_string(numbers[i]);
-        if (last != i) text += " - " + std::to_string(numbers[last]);
-        i = last + 1;
-    }
-    return text;
 }
 
 }  // namespace vxfile

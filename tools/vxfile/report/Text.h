@@ -5,24 +5,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "verify/Text.h"
 #include "vxfileio/helpers/PrintableText.h"
 
 /// @file
 /// Texts for people.
 
 namespace vxfile {
-
-using vxfileio::helpers::Counted;
-using vxfileio::helpers::Quoted;
-
-/// Returns a text of a file as UTF-8 that is safe on a terminal. Files don't name their code page: what isn't UTF-8
-/// already is taken for Latin-1.
-std::string Readable(std::string_view bytes);
-
-/// The same with its control characters: for programs, not for terminals.
-using vxfileio::helpers::Utf8;
 
 /// Returns how many characters a text in UTF-8 has.
 std::size_t Width(std::string_view text);
@@ -48,8 +38,5 @@ std::string DoseText(std::int64_t dose);
 /// Returns the dose in picomolar that a text such as "100nM", "0.5 uM" or "0" means; nothing if it has no unit, has
 /// another form, or isn't a whole number of picomolar that 64 bits hold.
 std::optional<std::int64_t> ParseDose(std::string_view text);
-
-/// Returns numbers with ", " between them; runs of neighbours are shortened to "11 - 34".
-std::string ListText(const std::vector<std::int32_t>& numbers);
 
 }  // namespace vxfile

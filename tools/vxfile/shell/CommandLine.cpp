@@ -14,7 +14,7 @@
 
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/Command.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

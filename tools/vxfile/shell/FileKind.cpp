@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
 #include "vxfileio/base/FileMarks.h"
 #include "vxfileio/helpers/File.h"
 

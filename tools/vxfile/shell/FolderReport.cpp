@@ -15,12 +15,12 @@
 #include "tools/vxfile/shell/FolderWalk.h"
 #include "tools/vxfile/shell/PlateReport.h"
 #include "tools/vxfile/system/ExitStatus.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Hex.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/Output.h"
-#include "tools/vxfile/system/WholeText.h"
 #include "tools/vxfile/system/Xxh3.h"
+#include "verify/Failure.h"
+#include "verify/WholeText.h"
 #include "vxfileio/base/FileExtensions.h"
 
 namespace vxfile {

@@ -4,11 +4,11 @@
 #include <limits>
 
 #include "tools/vxfile/document/ReadDocument.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
+#include "verify/raw/RawScan.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {

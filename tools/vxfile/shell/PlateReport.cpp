@@ -5,17 +5,18 @@
 #include <utility>
 
 #include "tools/vxfile/document/DocumentHead.h"
-#include "tools/vxfile/document/XmlVerify.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
-#include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/system/ExitStatus.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
+#include "verify/Failure.h"
+#include "verify/document/XmlVerify.h"
+#include "verify/raw/RawVerify.h"
 #include "vxfileio/base/FileExtensions.h"
 #include "vxfileio/frame/VXFileIO.h"
 
@@ -28,8 +29,8 @@ namespace fs = std::filesystem;
 std::string NameOfFile(const std::string& path) { return Readable(fs::path(path).filename().string()); }
 
 std::string StateText(const CFindings& findings) {
-    if (findings.Status() == kSound) return "sound";
-    const std::string count = findings.Status() == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
+    if (StatusOf(findings) == kSound) return "sound";
+    const std::string count = StatusOf(findings) == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
     return findings.Kept().empty() ? count : count + ": " + Readable(findings.Kept().front().meaning);
 }
 
@@ -78,14 +79,14 @@ class CPlateReporter {
         return report;
     }
 
-    void AddFile(EFileKind kind, const std::string& path, CFindings (*verify)(const std::string&)) {
+    void AddFile(EFileKind kind, const std::string& path, CFindings (*verify)(const std::string&, const CReach&)) {
         RequireKind(kind, path);
-        const CFindings findings = verify(path);
-        m_isSound = m_isSound && findings.Status() == kSound;
+        const CFindings findings = CheckWithBar(path, [&](const CReach& reach) { return verify(path, reach); });
+        m_isSound = m_isSound && StatusOf(findings) == kSound;
         std::error_code ignored;
         const auto size = static_cast<std::int64_t>(fs::file_size(path, ignored));
         m_source.files.push_back({NameOfFile(path), std::string(NameOf(kind)), SizeText(size), StateText(findings),
-                                  findings.Status() == kSound});
+                                  StatusOf(findings) == kSound});
         CheckInterrupt();
     }
 

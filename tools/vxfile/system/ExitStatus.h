@@ -1,5 +1,7 @@
 #pragma once
 
+#include "verify/Findings.h"
+
 namespace vxfile {
 
 /// @name Exit status
@@ -10,5 +12,11 @@ inline constexpr int kFindings = 1;       ///< Done, with findings.
 inline constexpr int kTrouble = 2;        ///< Unusable, or not done. This includes a wrong command line.
 inline constexpr int kInterrupted = 130;  ///< Ended by Ctrl-C, without leaving partial results.
 /// @}
+
+/// Returns the exit status of a check with these findings.
+inline int StatusOf(const CFindings& findings) {
+    if (!findings.IsUsable()) return kTrouble;
+    return findings.Count() == 0 ? kSound : kFindings;
+}
 
 }  // namespace vxfile

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

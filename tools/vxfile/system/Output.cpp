@@ -8,8 +8,8 @@
 #include <optional>
 #include <system_error>
 
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Interrupt.h"
+#include "verify/Failure.h"
 #include "vxfileio/helpers/NumberText.h"
 
 using vxfileio::helpers::CReplacingFile;

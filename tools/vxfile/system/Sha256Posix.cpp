@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Hex.h"
 #include "tools/vxfile/system/Sha256.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

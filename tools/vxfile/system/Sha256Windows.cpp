@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <array>
 
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Hex.h"
 #include "tools/vxfile/system/Sha256.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/workbook/CompoundScan.h"
-#include "tools/vxfile/workbook/Records.h"
-#include "tools/vxfile/workbook/SharedStringsJudge.h"
+#include "verify/workbook/CompoundScan.h"
+#include "verify/workbook/Records.h"
+#include "verify/workbook/SharedStringsJudge.h"
 #include "vxfileio/export/biff/CellRecords.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/RkNumber.h"

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/workbook/CompoundScan.h"
-#include "tools/vxfile/workbook/Records.h"
+#include "verify/workbook/CompoundScan.h"
+#include "verify/workbook/Records.h"
 #include "vxfileio/export/biff/CellRecords.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/SheetRecords.h"

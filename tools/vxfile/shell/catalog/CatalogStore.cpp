@@ -6,7 +6,7 @@
 #include <system_error>
 #include <type_traits>
 
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -1,5 +1,5 @@
 #include "tools/vxfile/shell/catalog/CatalogStore.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -22,7 +22,7 @@
 #include "tools/vxfile/shell/catalog/CatalogStore.h"
 #include "tools/vxfile/shell/catalog/InOrder.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

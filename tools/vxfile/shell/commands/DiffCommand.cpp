@@ -7,7 +7,6 @@
 
 #include "tools/vxfile/document/XmlDiff.h"
 #include "tools/vxfile/raw/RawDiff.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
@@ -16,8 +15,9 @@
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/workbook/WorkbookDiff.h"
+#include "verify/Failure.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

@@ -7,7 +7,6 @@
 
 #include "tools/vxfile/document/XmlInfo.h"
 #include "tools/vxfile/raw/RawInfo.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Page.h"
@@ -16,8 +15,9 @@
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/workbook/WorkbookInfo.h"
+#include "verify/Failure.h"
+#include "verify/raw/RawScan.h"
 #include "vxfileio/helpers/File.h"
 
 namespace vxfile {

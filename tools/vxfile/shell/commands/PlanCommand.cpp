@@ -18,7 +18,7 @@
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/helpers/NumberText.h"
 

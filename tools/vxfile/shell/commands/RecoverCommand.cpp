@@ -9,7 +9,6 @@
 
 #include "recovery/Recover.h"
 #include "tools/vxfile/raw/Proof.h"
-#include "tools/vxfile/raw/RawScan.h"
 #include "tools/vxfile/raw/RecoverText.h"
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
@@ -19,9 +18,10 @@
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/OpenInput.h"
 #include "tools/vxfile/system/Output.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
+#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 

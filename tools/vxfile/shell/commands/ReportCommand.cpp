@@ -9,8 +9,8 @@
 #include "tools/vxfile/shell/PlateReport.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/ExitStatus.h"
-#include "tools/vxfile/system/Failure.h"
 #include "tools/vxfile/system/Output.h"
+#include "verify/Failure.h"
 
 namespace vxfile {
 

@@ -18,8 +18,8 @@
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/FileDigest.h"
-#include "tools/vxfile/system/OpenInput.h"
 #include "tools/vxfile/system/Output.h"
+#include "verify/OpenInput.h"
 
 namespace vxfile {
 

@@ -13,7 +13,7 @@
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/TableForm.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {

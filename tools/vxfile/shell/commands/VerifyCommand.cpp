@@ -9,13 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/document/XmlVerify.h"
-#include "tools/vxfile/raw/RawScan.h"
-#include "tools/vxfile/raw/RawVerify.h"
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
-#include "tools/vxfile/report/Findings.h"
 #include "tools/vxfile/report/Json.h"
+#include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/SealCheck.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -23,8 +20,12 @@
 #include "tools/vxfile/shell/FolderWalk.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/commands/Commands.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "verify/Failure.h"
+#include "verify/Findings.h"
+#include "verify/document/XmlVerify.h"
+#include "verify/raw/RawScan.h"
+#include "verify/raw/RawVerify.h"
+#include "verify/workbook/WorkbookVerify.h"
 
 namespace vxfile {
 
@@ -65,11 +66,11 @@ CFindings Unusable(const char* found, const char* expected, const char* meaning)
     return findings;
 }
 
-CFindings VerifyEmpty(const std::string& /*path*/) {
+CFindings VerifyEmpty(const std::string& /*path*/, const CReach& /*reach*/) {
     return Unusable("nothing", "a file of this system", "The file is empty; there is nothing to read or to recover.");
 }
 
-CFindings VerifyUnknown(const std::string& /*path*/) {
+CFindings VerifyUnknown(const std::string& /*path*/, const CReach& /*reach*/) {
     return Unusable("an unknown beginning",
                     "the beginning of a raw data file, a settings file, a results file or a workbook",
                     "The file is of another kind, or its beginning is damaged. If it is a raw data file, run "
@@ -79,7 +80,8 @@ CFindings VerifyUnknown(const std::string& /*path*/) {
 CFindings VerifyKind(EFileKind kind, const std::string& path) {
     constexpr std::array kVerify = {VerifyRawData,  VerifySettings, VerifyResults,
                                     VerifyWorkbook, VerifyUnknown,  VerifyEmpty};
-    return kVerify[static_cast<std::size_t>(kind)](path);
+    return CheckWithBar(path,
+                        [&](const CReach& reach) { return kVerify[static_cast<std::size_t>(kind)](path, reach); });
 }
 
 std::string_view StatusWord(int status) {
@@ -89,7 +91,7 @@ std::string_view StatusWord(int status) {
 
 std::string StatusText(const CFindings& findings) {
     const std::string count = Counted(findings.Count(), "finding");
-    switch (findings.Status()) {
+    switch (StatusOf(findings)) {
         case kSound:
             return Green("sound");
         case kFindings:
@@ -135,7 +137,7 @@ CJson ToJson(const CVerdict& verdict) {
     }
     CJson json = {{"path", Utf8(verdict.path)},
                   {"kind", WordOf(verdict.kind)},
-                  {"status", StatusWord(verdict.findings.Status())},
+                  {"status", StatusWord(StatusOf(verdict.findings))},
                   {"seal", verdict.seal ? verdict.seal->Json() : CJson()},
                   {"findingCount", verdict.findings.Count()},
                   {"findings", std::move(findings)}};
@@ -180,7 +182,7 @@ class CVerifyCommand : public CCommand {
         CVerdict verdict =
             kind == EFileKind::RawData ? VerifyPlate(path) : CVerdict{path, kind, VerifyKind(kind, path)};
         if (!m_noSeal) verdict.seal = CheckSeal(path, verdict.findings);
-        ++m_counts[static_cast<std::size_t>(verdict.findings.Status())];
+        ++m_counts[static_cast<std::size_t>(StatusOf(verdict.findings))];
         if (!m_json && !m_quiet) Print(verdict);
         return m_json ? ToJson(verdict) : CJson();
     }
@@ -192,7 +194,8 @@ class CVerifyCommand : public CCommand {
             verdict.view = m_plate.ViewOf(path);
             RefuseUnknown(verdict.view, path, CRawScan(path).Recordings());
         }
-        verdict.findings = VerifyChosen(path, verdict.view.choice);
+        verdict.findings =
+            CheckWithBar(path, [&](const CReach& reach) { return VerifyChosen(path, verdict.view.choice, reach); });
         if (!m_plate.AreGiven() && verdict.findings.Count() != 0) verdict.view = m_plate.ViewOf(path);
         if (!m_quiet) std::ranges::for_each(verdict.view.doubts, Complain);
         return verdict;

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/workbook/Records.h"
-#include "tools/vxfile/workbook/SharedStringsJudge.h"
-#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "verify/Text.h"
+#include "verify/workbook/Records.h"
+#include "verify/workbook/SharedStringsJudge.h"
+#include "verify/workbook/WorkbookVerify.h"
 #include "vxfileio/export/RowBlock.h"
 #include "vxfileio/export/WorkbookStream.h"
 #include "vxfileio/export/biff/CellRecords.h"
@@ -67,7 +67,8 @@ void Extend(CSheetSum& sum, const YExcel::Dimensions& dimensions) {
 
 class CRecordsJudge {
  public:
-    CRecordsJudge(std::span<const std::byte> stream, CFindings& findings) : m_stream(stream), m_findings(findings) {}
+    CRecordsJudge(std::span<const std::byte> stream, CFindings& findings, const CReach& reach)
+        : m_stream(stream), m_findings(findings), m_reach(reach) {}
 
     void Judge() {
         JudgeGlobals();
@@ -75,6 +76,7 @@ class CRecordsJudge {
         for (std::size_t i = 0; i < sheets.size() && !m_lost; ++i) {
             m_place = "sheet " + std::to_string(i + 1) + " (" + Readable(sheets[i].name) + ")";
             JudgeSheet(sheets[i], i == 0);
+            m_reach(static_cast<std::int64_t>(m_position), std::ssize(m_stream));
         }
         if (m_lost) return;
         m_place = "stream";
@@ -121,6 +123,7 @@ class CRecordsJudge {
 
     std::span<const std::byte> m_stream;
     CFindings& m_findings;
+    const CReach& m_reach;
     std::string m_place = "globals";
     std::size_t m_position = 0;
     bool m_lost = false;  ///< What should follow is unknown.
@@ -355,6 +358,8 @@ void CRecordsJudge::JudgeDBCell(std::size_t firstRow, const std::vector<CRowPlac
 
 }  // namespace
 
-void JudgeRecords(std::span<const std::byte> stream, CFindings& findings) { CRecordsJudge(stream, findings).Judge(); }
+void JudgeRecords(std::span<const std::byte> stream, CFindings& findings, const CReach& reach) {
+    CRecordsJudge(stream, findings, reach).Judge();
+}
 
 }  // namespace vxfile

@@ -1,9 +1,9 @@
-#include "tools/vxfile/document/XmlValueJudge.h"
+#include "verify/document/XmlValueJudge.h"
 
 #include <algorithm>
 #include <array>
 
-#include "tools/vxfile/report/Text.h"
+#include "verify/Text.h"
 #include "vxfileio/helpers/NumberText.h"
 
 using namespace vxfileio::helpers;

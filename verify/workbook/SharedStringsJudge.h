@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vxfile/report/Findings.h"
+#include "verify/Findings.h"
 
 namespace vxfile {
 

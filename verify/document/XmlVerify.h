@@ -2,7 +2,8 @@
 
 #include <string>
 
-#include "tools/vxfile/report/Findings.h"
+#include "verify/Findings.h"
+#include "verify/Reach.h"
 
 namespace vxfile {
 
@@ -11,8 +12,8 @@ namespace vxfile {
 /// the counts of lists, and the form of each value. Reports differences even if readers tolerate them. Holds the whole
 /// file in memory. Throws `CFailure` if it can't be opened.
 /// @{
-CFindings VerifySettings(const std::string& path);
-CFindings VerifyResults(const std::string& path);
+CFindings VerifySettings(const std::string& path, const CReach& reach = IgnoreReach);
+CFindings VerifyResults(const std::string& path, const CReach& reach = IgnoreReach);
 /// @}
 
 }  // namespace vxfile

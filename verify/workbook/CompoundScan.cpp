@@ -1,12 +1,12 @@
-#include "tools/vxfile/workbook/CompoundScan.h"
+#include "verify/workbook/CompoundScan.h"
 
 #include <algorithm>
 #include <array>
 #include <span>
 #include <string_view>
 
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
 #include "vxfileio/helpers/FieldVisitors.h"
 
 using namespace vxfileio::compound;

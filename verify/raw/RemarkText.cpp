@@ -1,6 +1,6 @@
-#include "tools/vxfile/raw/RemarkText.h"
+#include "verify/raw/RemarkText.h"
 
-#include "tools/vxfile/report/Text.h"
+#include "verify/Text.h"
 #include "vxfileio/rawdata/Layout.h"
 
 namespace vxfile {

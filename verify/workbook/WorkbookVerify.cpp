@@ -1,4 +1,4 @@
-#include "tools/vxfile/workbook/WorkbookVerify.h"
+#include "verify/workbook/WorkbookVerify.h"
 
 #include <algorithm>
 #include <array>
@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/OpenInput.h"
-#include "tools/vxfile/workbook/CompoundLayout.h"
-#include "tools/vxfile/workbook/CompoundScan.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
+#include "verify/Text.h"
+#include "verify/workbook/CompoundLayout.h"
+#include "verify/workbook/CompoundScan.h"
 #include "vxfileio/helpers/FieldVisitors.h"
 
 using namespace vxfileio::compound;
@@ -182,14 +182,14 @@ class CCompoundVerifier {
 
 }  // namespace
 
-CFindings VerifyWorkbook(const std::string& path) {
+CFindings VerifyWorkbook(const std::string& path, const CReach& reach) {
     CFindings findings;
     vxfileio::helpers::CFile file;
     OpenInput(file, path);  // a file that can't be opened isn't a finding
     try {
         const CCompoundScan scan(path);
         CCompoundVerifier(scan, findings).Verify();
-        JudgeRecords(scan.Stream(), findings);
+        JudgeRecords(scan.Stream(), findings, reach);
     } catch (const CFailure& failure) {
         findings.Add(
             {"file", 0, "tables that lead to no complete stream", "a complete stream Workbook", failure.what()});

@@ -1,4 +1,4 @@
-#include "tools/vxfile/workbook/CompoundLayout.h"
+#include "verify/workbook/CompoundLayout.h"
 
 #include <algorithm>
 #include <numeric>

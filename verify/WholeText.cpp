@@ -1,8 +1,8 @@
-#include "tools/vxfile/system/WholeText.h"
+#include "verify/WholeText.h"
 
 #include <span>
 
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/OpenInput.h"
 #include "vxfileio/helpers/File.h"
 
 namespace vxfile {

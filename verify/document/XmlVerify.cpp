@@ -1,4 +1,4 @@
-#include "tools/vxfile/document/XmlVerify.h"
+#include "verify/document/XmlVerify.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -7,11 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/document/XmlTokens.h"
-#include "tools/vxfile/document/XmlValueJudge.h"
-#include "tools/vxfile/report/Progress.h"
-#include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/WholeText.h"
+#include "verify/Text.h"
+#include "verify/WholeText.h"
+#include "verify/document/XmlTokens.h"
+#include "verify/document/XmlValueJudge.h"
 #include "vxfileio/results/forms/ResultsForm.h"
 #include "vxfileio/settings/forms/SettingsForm.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
@@ -33,9 +32,9 @@ bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") =
 /// skipped without recursion, so no document can make the stack overflow.
 class CXmlVerifier {
  public:
-    CXmlVerifier(const std::string& path, std::span<const CXmlElement> rules)
+    CXmlVerifier(const std::string& path, std::span<const CXmlElement> rules, const CReach& reach)
         : m_document(ReadWholeText(path)),
-          m_progress("Checking " + path, static_cast<std::int64_t>(m_document.size())),
+          m_reach(reach),
           m_root{.tag = kRootElement, .kind = EXmlKind::Object, .children = rules},
           m_tokens(m_document) {}
 
@@ -59,7 +58,7 @@ class CXmlVerifier {
     void Skip(const CXmlToken& start);
 
     std::string m_document;
-    CProgress m_progress;
+    const CReach& m_reach;
     CXmlElement m_root;
     CXmlTokens m_tokens;
     CFindings m_findings;
@@ -84,7 +83,7 @@ void CXmlVerifier::Add(std::size_t offset, std::string found, std::string expect
 CXmlToken CXmlVerifier::NextToken() {
     while (true) {
         const CXmlToken token = m_tokens.Next();
-        m_progress.Reach(static_cast<std::int64_t>(token.offset));
+        m_reach(static_cast<std::int64_t>(token.offset), std::ssize(m_document));
         if (token.kind == EToken::Text && IsBlank(token.bytes)) {
             if (m_blanks++ == 0) m_firstBlank = token.offset;
         } else if (token.kind == EToken::Text) {
@@ -284,7 +283,7 @@ void CXmlVerifier::Skip(const CXmlToken& start) {
     if (start.kind != EToken::Start) return;
     for (std::size_t depth = 1; depth > 0;) {
         const CXmlToken token = m_tokens.Next();
-        m_progress.Reach(static_cast<std::int64_t>(token.offset));
+        m_reach(static_cast<std::int64_t>(token.offset), std::ssize(m_document));
         if (token.kind == EToken::Nothing || token.kind == EToken::Broken) return;
         if (token.kind == EToken::Start) ++depth;
         if (token.kind == EToken::End) --depth;
@@ -293,11 +292,11 @@ void CXmlVerifier::Skip(const CXmlToken& start) {
 
 }  // namespace
 
-CFindings VerifySettings(const std::string& path) {
-    return CXmlVerifier(path, vxfileio::settings::kSettingsRoot).Verify();
+CFindings VerifySettings(const std::string& path, const CReach& reach) {
+    return CXmlVerifier(path, vxfileio::settings::kSettingsRoot, reach).Verify();
 }
-CFindings VerifyResults(const std::string& path) {
-    return CXmlVerifier(path, vxfileio::results::kResultsRoot).Verify();
+CFindings VerifyResults(const std::string& path, const CReach& reach) {
+    return CXmlVerifier(path, vxfileio::results::kResultsRoot, reach).Verify();
 }
 
 }  // namespace vxfile

@@ -1,4 +1,4 @@
-#include "tools/vxfile/raw/RawVerify.h"
+#include "verify/raw/RawVerify.h"
 
 #include <algorithm>
 #include <array>
@@ -8,10 +8,9 @@
 #include <utility>
 
 #include "recovery/LostPages.h"
-#include "tools/vxfile/raw/Coverage.h"
-#include "tools/vxfile/raw/RawScan.h"
-#include "tools/vxfile/report/Progress.h"
-#include "tools/vxfile/report/Text.h"
+#include "verify/Text.h"
+#include "verify/raw/Coverage.h"
+#include "verify/raw/RawScan.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/Rules.h"
 
@@ -51,8 +50,8 @@ struct CChainSum {
 
 class CRawVerifier {
  public:
-    CRawVerifier(const std::string& path, const CPlateChoice& choice)
-        : m_choice(choice), m_scan(path), m_progress("Checking " + path, m_scan.Size()), m_budget(m_scan) {}
+    CRawVerifier(const std::string& path, const CPlateChoice& choice, const CReach& reach)
+        : m_choice(choice), m_reach(reach), m_scan(path), m_budget(m_scan) {}
 
     CFindings Verify() {
         JudgeFileHdr();
@@ -120,11 +119,11 @@ class CRawVerifier {
     void JudgeCoverage();
 
     const CPlateChoice& m_choice;
+    const CReach& m_reach;
     CRawScan m_scan;
     vxfileio::recovery::CFileInput m_input{m_scan.File()};
     vxfileio::recovery::CWindow m_samples{m_input, m_scan.Size()};
     std::int64_t m_mostSamples = m_scan.Size();  ///< The number of bytes of samples still to be checked; limits work.
-    CProgress m_progress;
     CFindings m_findings;
     CCoverage m_coverage;
     CSegmentRules m_rules;                      ///< For the current recording.
@@ -163,7 +162,7 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
         BreachesOfRecordingHdr(layout, m_scan.ReadBytes(recording.position, layout.recording.size), &wells));
     m_rules = CSegmentRules(wells);
     m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
-    m_progress.Reach(recording.position);
+    m_reach(recording.position, m_scan.Size());
     if (!recording.IsFinished()) return JudgeUnfinished(recording, name);
     JudgePositions(recording, name);
     const CChainSum sum = JudgeSegments(SegmentsOf(m_scan, recording), recording, name);
@@ -227,7 +226,7 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
         sum.samples += segment->Samples();
         sum.wells.insert(segment->header.ID);
         sum.end = segment->End();
-        m_progress.Reach(sum.end);
+        m_reach(sum.end, m_scan.Size());
     }
     if (walk.Break())
         JudgeBreak(*walk.Break(), name + (sum.segments == 0 ? " > FPosRecordingData" : " > FPosNextSegmentHdr"),
@@ -363,10 +362,10 @@ void CRawVerifier::JudgeCoverage() {
 
 }  // namespace
 
-CFindings VerifyRawData(const std::string& path) { return VerifyChosen(path, {}); }
+CFindings VerifyRawData(const std::string& path, const CReach& reach) { return VerifyChosen(path, {}, reach); }
 
-CFindings VerifyChosen(const std::string& path, const CPlateChoice& choice) {
-    return CRawVerifier(path, choice).Verify();
+CFindings VerifyChosen(const std::string& path, const CPlateChoice& choice, const CReach& reach) {
+    return CRawVerifier(path, choice, reach).Verify();
 }
 
 }  // namespace vxfile

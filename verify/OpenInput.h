@@ -4,7 +4,7 @@
 #include <string>
 #include <system_error>
 
-#include "tools/vxfile/system/Failure.h"
+#include "verify/Failure.h"
 #include "vxfileio/helpers/File.h"
 
 namespace vxfile {

@@ -32,12 +32,10 @@ class CFindings {
 
     /// Notes that no reader gets anything out of the file.
     void MakeUnusable() { m_usable = false; }
+    bool IsUsable() const { return m_usable; }
 
     std::size_t Count() const { return m_count; }
     const std::vector<CFinding>& Kept() const { return m_kept; }
-
-    /// Returns `kSound`, `kFindings` or `kTrouble`.
-    int Status() const;
 
  private:
     std::vector<CFinding> m_kept;

@@ -1,4 +1,4 @@
-#include "tools/vxfile/workbook/Records.h"
+#include "verify/workbook/Records.h"
 
 #include <algorithm>
 #include <array>

@@ -1,12 +1,12 @@
-#include "tools/vxfile/raw/RawScan.h"
+#include "verify/raw/RawScan.h"
 
 #include <algorithm>
 #include <span>
 #include <utility>
 
-#include "tools/vxfile/report/Text.h"
-#include "tools/vxfile/system/Failure.h"
-#include "tools/vxfile/system/OpenInput.h"
+#include "verify/Failure.h"
+#include "verify/OpenInput.h"
+#include "verify/Text.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 using namespace vxfileio::rawdata;

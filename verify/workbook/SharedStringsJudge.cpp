@@ -1,4 +1,4 @@
-#include "tools/vxfile/workbook/SharedStringsJudge.h"
+#include "verify/workbook/SharedStringsJudge.h"
 
 #include <algorithm>
 #include <iterator>
@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/workbook/Records.h"
+#include "verify/workbook/Records.h"
 #include "vxfileio/export/biff/ContinuedBody.h"
 #include "vxfileio/export/biff/GlobalRecords.h"
 #include "vxfileio/export/biff/RecordStream.h"

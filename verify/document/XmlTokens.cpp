@@ -1,4 +1,4 @@
-#include "tools/vxfile/document/XmlTokens.h"
+#include "verify/document/XmlTokens.h"
 
 #include <algorithm>
 #include <array>

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vxfile/raw/FileWindow.h"
+#include "verify/raw/FileWindow.h"
 #include "vxfileio/helpers/File.h"
 #include "vxfileio/rawdata/ChainGuard.h"
 #include "vxfileio/rawdata/Layout.h"
