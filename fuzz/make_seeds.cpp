@@ -113,7 +113,7 @@ void MakeSeeds(const fs::path& folder, const fs::path& references) {
     fs::remove(folder / "scratch");
     WriteSeed(folder / "properties/plate", std::string("\0\x10", 2) + plate);
     WriteSeed(folder / "properties/viability", "\x08\x10" + viability);
-    for (const char* target : {"facades", "strict", "workbook"})
+    for (const char* target : {"c_calls", "facades", "strict", "workbook"})
         WriteCalls(folder, target);
 
     std::set<std::string> words = {"<![CDATA[", "]]>",      "<!--", "-->", "<?xml ",       "&#",
