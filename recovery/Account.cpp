@@ -16,11 +16,6 @@ namespace {
 constexpr const char* kNextSegment = "FPosNextSegmentHdr";
 constexpr const char* kNextRecording = "FPosNextRecordingHdr";
 
-std::size_t SegmentRow(const CCandidate& segment, std::string_view key) {
-    const auto& cells = Layouts()[segment.layout].segment;
-    return cells.RowOf(cells[key]);
-}
-
 /// Returns a segment with the times of its header.
 CFoundSegment FoundSegment(const CCandidate& segment, std::int64_t samples, std::uint32_t recording) {
     return {.position = segment.begin,
@@ -35,12 +30,13 @@ CFoundSegment FoundSegment(const CCandidate& segment, std::int64_t samples, std:
 
 /// Returns a recording with its header, whose cells after `cutAt` are lost.
 CFoundRecording FoundRecording(CWindow& window, const CCandidate& header, std::int64_t cutAt) {
+    CHdrPlace place = header.Place();
+    place.cutAt = cutAt;
     return {.position = header.begin,
-            .place = header.Place(),
-            .layout = header.layout,
-            .cutAt = cutAt,
+            .place = place,
+            .form = header.form,
             .unfinished = header.next == kUnset,
-            .wellList = WellListOf(window, header, cutAt),
+            .wellList = WellListOf(CellsAt(window, *header.form, place)),
             .wells = {}};
 }
 
@@ -76,9 +72,9 @@ class CAccountant {
     // ---- Headers ----------------------------------------------------------------------------------------------------
 
     void TakeFile(const CCandidate& file) {
-        if (Found().fileLayout < 0 && Found().recordings.empty()) {
+        if (Found().fileForm == nullptr && Found().recordings.empty()) {
             Found().file = file.Place();
-            Found().fileLayout = file.layout;
+            Found().fileForm = file.form;
         }
         m_nextRecording = file.next;
         m_nextKey = "FPosFirstRecordingHdr";
@@ -175,8 +171,7 @@ class CAccountant {
     void DoubtRecording(std::int64_t gap) {
         const CPiece& piece = m_pieces[m_index];
         const CCandidate& segment = *piece.candidate;
-        const std::size_t room = Layouts()[segment.layout].recording.size;
-        if (segment.kind == EKind::Segment && gap >= static_cast<std::int64_t>(room))
+        if (segment.kind == EKind::Segment && gap >= FormOf(EKind::Recording, segment.form->layout).size)
             Doubt(
                 {.reason = EReason::OtherRecording, .from = segment.begin, .to = piece.end, .wellID = WellOf(segment)});
     }
@@ -212,7 +207,7 @@ class CAccountant {
         CRemark remark{.reason = otherwise, .from = m_end, .to = end};
         if (segment.whole < segment.damaged || segment.end > m_window.Size()) return remark;
         if (!segment.noID) remark.wellID = segment.well;
-        remark.cells = DamageOf(m_window, segment).damaged;
+        remark.cells = CellsAt(m_window, *segment.form, segment.Place()).damaged;
         const bool isOverlapped = end < m_window.Size() && segment.end + 2 * segment.size > end;
         remark.reason = !segment.IsWhole() ? EReason::DamagedSegment
                         : isOverlapped     ? EReason::TakenOutOf
@@ -346,16 +341,16 @@ class CAccountant {
     }
 
     void DoubtCells(const CPiece& piece, const CCandidate& segment) {
-        const CDamage damage = DamageOf(m_window, segment);
+        const CHdrCells cells = CellsAt(m_window, *segment.form, segment.Place());
         CRemark remark{.reason = EReason::DamagedCells,
                        .from = segment.begin,
                        .to = piece.end,
                        .wellID = segment.well,
-                       .cells = damage.damaged,
-                       .lost = damage.lost};
+                       .cells = cells.damaged,
+                       .lost = cells.lost};
         if (piece.made == EMade::Size) {
-            remark.cells.set(SegmentRow(segment, "Size"));
-            remark.lost.set(SegmentRow(segment, "Size"));
+            remark.cells.set(segment.form->RowOf("Size"));
+            remark.lost.set(segment.form->RowOf("Size"));
         }
         remark.should = segment.noID ? 1 : 0;
         Doubt(std::move(remark));
@@ -392,41 +387,44 @@ class CAccountant {
 /// Follows the positions from header to header.
 class CFollower {
  public:
-    CFollower(CWindow& window, const CReach& reach) : m_window(window), m_reach(reach) {}
+    CFollower(CWindow& window, const CCandidates& candidates) : m_window(window), m_candidates(candidates) {}
 
-    std::optional<CFound> Run() {
-        const CCandidate file = BestAt(m_window, EKind::File, 0);
-        if (!Take(file, file.end)) return std::nullopt;
-        m_found.file = file.Place();
-        m_found.fileLayout = file.layout;
-        for (std::int64_t position = file.next; position != kUnset;) {
-            const CCandidate recording = BestAt(m_window, EKind::Recording, position);
-            if (recording.next == kUnset || !Take(recording, recording.end)) return std::nullopt;
-            m_found.recordings.push_back(FoundRecording(m_window, recording, recording.end));
-            if (!TakeSegments(recording.next)) return std::nullopt;
-            position = recording.from;
+    std::optional<CFound> Run(const std::vector<CPiece>& pieces) {
+        const CCandidate* const file = m_candidates.WholeAt(EKind::File, 0);
+        if (file == nullptr) return std::nullopt;
+        m_ends.emplace(0, file->end);
+        m_found.file = file->Place();
+        m_found.fileForm = file->form;
+        for (std::int64_t position = file->next; position != kUnset;) {
+            const CCandidate* const recording = m_candidates.WholeAt(EKind::Recording, position);
+            if (recording == nullptr || recording->next == kUnset || !Take(*recording, recording->end))
+                return std::nullopt;
+            m_found.recordings.push_back(FoundRecording(m_window, *recording, recording->end));
+            if (!TakeSegments(recording->next)) return std::nullopt;
+            position = recording->from;
         }
-        return ReportGaps() ? std::optional(std::move(m_found)) : std::nullopt;
+        const auto isTaken = [&](const CPiece& piece) { return m_ends.contains(piece.candidate->begin); };
+        if (!std::ranges::all_of(pieces, isTaken) || !ReportGaps()) return std::nullopt;
+        return std::move(m_found);
     }
 
  private:
-    /// Records a header and its samples. Returns false if the header is damaged or was recorded before.
+    /// Records a header and its samples. Returns false if they were recorded before.
     bool Take(const CCandidate& header, std::int64_t end) {
-        return header.IsWhole() && end <= m_window.Size() && m_ends.emplace(header.begin, end).second;
+        return end <= m_window.Size() && m_ends.emplace(header.begin, end).second;
     }
 
     /// Takes the segments of a recording. The position of an empty recording points at what follows it.
     bool TakeSegments(std::int64_t first) {
         for (std::int64_t position = first; position != kUnset;) {
-            m_reach(position);
-            const CCandidate segment = BestAt(m_window, EKind::Segment, position);
-            if (TicksOf(segment.from, segment.to, segment.size).IsEmpty() ||
-                !Take(segment, segment.end + 2 * segment.size))
+            const CCandidate* const segment = m_candidates.WholeAt(EKind::Segment, position);
+            if (segment == nullptr || TicksOf(segment->from, segment->to, segment->size).IsEmpty() ||
+                !Take(*segment, segment->end + 2 * segment->size))
                 return position == first &&
-                       (position == m_window.Size() || BestAt(m_window, EKind::Recording, position).IsWhole());
+                       (position == m_window.Size() || m_candidates.WholeAt(EKind::Recording, position) != nullptr);
             m_found.segments.push_back(
-                FoundSegment(segment, segment.size, static_cast<std::uint32_t>(m_found.recordings.size() - 1)));
-            position = segment.next;
+                FoundSegment(*segment, segment->size, static_cast<std::uint32_t>(m_found.recordings.size() - 1)));
+            position = segment->next;
         }
         return true;
     }
@@ -444,7 +442,7 @@ class CFollower {
     }
 
     CWindow& m_window;
-    const CReach& m_reach;
+    const CCandidates& m_candidates;
     CFound m_found;
     std::map<std::int64_t, std::int64_t> m_ends;  ///< The ends of headers with their samples, by offset.
 };
@@ -455,6 +453,9 @@ CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool kee
     return CAccountant(window, pieces, keepCut, isGrowing).Run();
 }
 
-std::optional<CFound> FollowPositions(CWindow& window, const CReach& reach) { return CFollower(window, reach).Run(); }
+std::optional<CFound> FollowPositions(CWindow& window, const CCandidates& candidates,
+                                      const std::vector<CPiece>& pieces) {
+    return CFollower(window, candidates).Run(pieces);
+}
 
 }  // namespace vxfileio::recovery

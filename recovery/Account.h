@@ -21,8 +21,9 @@ struct CAccount {
 /// of a last segment that is cut.
 CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing);
 
-/// Returns what a reader finds by following the positions, in that order. Returns nothing unless every header on the
-/// way is whole.
-std::optional<CFound> FollowPositions(CWindow& window, const CReach& reach);
+/// Returns what a reader finds by following the positions, in that order. Returns nothing unless all pieces are found
+/// and every header on the way is whole.
+std::optional<CFound> FollowPositions(CWindow& window, const CCandidates& candidates,
+                                      const std::vector<CPiece>& pieces);
 
 }  // namespace vxfileio::recovery

@@ -32,63 +32,39 @@ struct CAnchor {
     bool operator==(const CAnchor&) const = default;
 };
 
-/// Calls `act` with the part of a layout that describes headers of a kind.
-template <class Act>
-auto WithHdr(const CLayout& layout, EKind kind, Act act) {
-    if (kind == EKind::File) return act(layout.file);
-    if (kind == EKind::Recording) return act(layout.recording);
-    return act(layout.segment);
-}
-
-/// Returns the position in the cell with this key, or `kLost`.
-std::int64_t PositionIn(const auto& layout, std::string_view key, std::string_view bytes, const CDamage& damage) {
-    const auto& cell = layout[key];
-    return damage.lost[layout.RowOf(cell)] ? kLost : helpers::ParseInt64(CellValue(CellIn(cell, bytes)));
-}
-
-/// Sets the fields of a segment header.
-void FillSegment(const CLayout& layout, std::string_view bytes, const CDamage& damage, CCandidate& candidate) {
-    const auto& cells = layout.segment;
-    const auto isLost = [&](std::string_view key) { return damage.lost[cells.RowOf(cells[key])]; };
-    CSegmentHdr header;
-    Decode(layout, bytes, header);
-    candidate.next = isLost("FPosNextSegmentHdr") ? kLost : header.FPosNextSegmentHdr;
-    candidate.from = header.TimeFrom;
-    candidate.to = header.TimeTo;
-    candidate.size = header.Size;
-    candidate.well = header.ID;
-    candidate.noID = isLost("ID");
-    candidate.noFrom = isLost("TimeFrom");
-    candidate.noTo = isLost("TimeTo");
-    candidate.noSize = isLost("Size") || header.Size < 1 || header.Size > kMostSamples;
-    if (candidate.noSize && candidate.IsWhole()) candidate.damaged = 1;
-}
-
-/// Reads a header in one layout. The wells are read only when the candidate is kept.
-CCandidate Read(CWindow& window, EKind kind, std::size_t layout, const CHdrPlace& place) {
-    const CLayout& all = Layouts()[layout];
-    return WithHdr(all, kind, [&](const auto& cells) {
-        const std::string bytes = HdrBytes(window, cells, place);
-        const CDamage damage = DamageOf(cells, bytes);
-        CCandidate candidate{.begin = place.begin, .end = place.End(cells)};
-        candidate.kind = kind;
-        candidate.layout = static_cast<std::uint8_t>(layout);
-        candidate.moved = static_cast<std::int16_t>(place.moved);
-        candidate.movedRow = static_cast<std::uint8_t>(place.movedRow);
-        candidate.damaged = static_cast<std::uint8_t>(damage.damaged.count());
-        candidate.whole = static_cast<std::uint8_t>(cells.cells.size() - damage.damaged.count());
-        std::size_t first = 0;
-        while (first + 1 < cells.cells.size() && damage.lost[first])
-            ++first;
-        candidate.claim = place.OffsetOf(cells, first);
-        if (kind == EKind::File) candidate.next = PositionIn(all.file, "FPosFirstRecordingHdr", bytes, damage);
-        if (kind == EKind::Recording) {
-            candidate.next = PositionIn(all.recording, "FPosRecordingData", bytes, damage);
-            candidate.from = PositionIn(all.recording, "FPosNextRecordingHdr", bytes, damage);
-        }
-        if (kind == EKind::Segment) FillSegment(all, bytes, damage, candidate);
-        return candidate;
-    });
+/// Reads a header in one form. The wells are read only when the candidate is kept.
+CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
+    const CHdrCells cells = CellsAt(window, form, place);
+    const auto number = [&](std::string_view key) { return helpers::ParseInt64(cells.Value(key)); };
+    const auto position = [&](std::string_view key) { return cells.IsLost(key) ? kLost : number(key); };
+    CCandidate candidate{.begin = place.begin, .end = place.End(form)};
+    candidate.kind = form.kind;
+    candidate.form = &form;
+    candidate.moved = static_cast<std::int16_t>(place.moved);
+    candidate.movedRow = static_cast<std::uint8_t>(place.movedRow);
+    candidate.damaged = static_cast<std::uint8_t>(cells.damaged.count());
+    candidate.whole = static_cast<std::uint8_t>(form.cells.size() - cells.damaged.count());
+    std::size_t first = 0;
+    while (first + 1 < form.cells.size() && cells.lost[first])
+        ++first;
+    candidate.claim = place.OffsetOf(form, first);
+    if (form.kind == EKind::File) {
+        candidate.next = position("FPosFirstRecordingHdr");
+    } else if (form.kind == EKind::Recording) {
+        candidate.next = position("FPosRecordingData");
+        candidate.from = position("FPosNextRecordingHdr");
+    } else {
+        candidate.next = position("FPosNextSegmentHdr");
+        candidate.from = number("TimeFrom");
+        candidate.to = number("TimeTo");
+        candidate.size = number("Size");
+        candidate.well = helpers::ParseInt32(cells.Value("ID"));
+        candidate.noID = cells.IsLost("ID");
+        candidate.noFrom = cells.IsLost("TimeFrom");
+        candidate.noTo = cells.IsLost("TimeTo");
+        candidate.noSize = cells.IsLost("Size");
+    }
+    return candidate;
 }
 
 bool KnowsItsPlace(const CCandidate& candidate) { return candidate.next == candidate.end; }
@@ -105,9 +81,9 @@ class CSearch {
  public:
     CSearch(CWindow& window, const CReach& reach, CCandidates& found)
         : m_window(window), m_reach(reach), m_found(found) {
-        for (const CLayout& layout : Layouts()) {
-            for (const EKind kind : {EKind::File, EKind::Recording, EKind::Segment})
-                WithHdr(layout, kind, [&](const auto& cells) { AddAnchors(kind, cells); });
+        for (const EKind kind : {EKind::File, EKind::Recording, EKind::Segment}) {
+            for (const CForm& form : FormsOf(kind))
+                AddAnchors(form);
         }
     }
 
@@ -131,21 +107,11 @@ class CSearch {
  private:
     static constexpr std::int64_t kLongestKey = 32;
 
-    /// The whole rows of a part of a header, for joining the parts before and after inserted bytes.
-    struct CPart {
-        EKind kind;
-        std::size_t layout;
-        std::int64_t begin;
-        std::size_t firstWhole;
-        std::size_t lastWhole;
-        std::size_t whole;
-    };
-
-    void AddAnchors(EKind kind, const auto& cells) {
-        for (const auto& cell : cells.cells) {
+    void AddAnchors(const CForm& form) {
+        for (const CFormCell& cell : form.cells) {
             if (cell.key.empty() || cell.key.size() > static_cast<std::size_t>(kLongestKey)) continue;
             auto& anchors = m_anchors[static_cast<unsigned char>(cell.key.back())];
-            const CAnchor anchor{kind, cell.key, cell.offset, cell.width};
+            const CAnchor anchor{form.kind, cell.key, cell.offset, cell.width};
             if (std::ranges::find(anchors, anchor) == anchors.end()) anchors.push_back(anchor);
         }
     }
@@ -170,8 +136,8 @@ class CSearch {
             if (kind == EKind::Segment) SkipSamples(candidate);
             return;
         }
-        JoinParts(kind, begin);
-        if (kind == EKind::Segment) FindLineEnd(candidate);
+        for (const CForm& form : FormsOf(kind))
+            FindMoved(form, begin);
     }
 
     bool IsCredible(const CCandidate& candidate) {
@@ -185,69 +151,45 @@ class CSearch {
     void Keep(CCandidate candidate) {
         if (candidate.kind == EKind::Recording) {
             candidate.well = static_cast<std::int32_t>(m_found.wellLists.size());
-            m_found.wellLists.push_back(WellListOf(m_window, candidate, candidate.end));
+            m_found.wellLists.push_back(WellListOf(CellsAt(m_window, *candidate.form, candidate.Place())));
         }
         m_found.list.push_back(candidate);
     }
 
-    /// Joins this part of a header with an earlier one, in case bytes were inserted or removed between them.
-    void JoinParts(EKind kind, std::int64_t begin) {
-        for (std::size_t layout = 0; layout < Layouts().size(); ++layout) {
-            WithHdr(Layouts()[layout], kind, [&](const auto& cells) {
-                const CRows damaged = DamageOf(cells, HdrBytes(m_window, cells, {.begin = begin})).damaged;
-                CPart part{kind, layout, begin, cells.cells.size(), 0, 0};
-                for (std::size_t row = 0; row < cells.cells.size(); ++row) {
-                    if (damaged[row]) continue;
-                    part.firstWhole = std::min(part.firstWhole, row);
-                    part.lastWhole = row;
-                    ++part.whole;
-                }
-                if (part.whole == 0) return;
-                for (const CPart& front : m_parts)
-                    JoinParts(front, part, cells);
-                m_parts.push_back(part);
-            });
+    /// Finds where the rest of a header is if bytes were inserted into it or removed from it: from the key of a cell
+    /// after the last whole one, or from the line end of the last cell.
+    void FindMoved(const CForm& form, std::int64_t begin) {
+        const CHdrCells cells = CellsAt(m_window, form, {.begin = begin});
+        const std::size_t rows = form.cells.size();
+        std::size_t changed = rows;
+        while (changed > 0 && cells.damaged[changed - 1])
+            --changed;
+        if (cells.damaged[0] || changed == rows) return;
+        const std::size_t offset = form.cells[changed].offset;
+        const std::size_t last = cells.lost[rows - 1] ? rows - 1 : rows;
+        const std::string text(
+            m_window.At(begin + static_cast<std::int64_t>(offset), 2 * static_cast<std::size_t>(form.size)));
+        for (std::size_t row = changed; row <= std::min(last, changed + rows / 4); ++row) {
+            const std::string_view mark = row == rows ? "\n" : form.cells[row].key;
+            const auto expected = row == rows ? form.size - 1 : static_cast<std::int64_t>(form.cells[row].offset);
+            int left = kMostMarks;
+            for (std::size_t at = text.find(mark); at < text.size() && left > 0; at = text.find(mark, at + 1), --left) {
+                const std::int64_t moved = static_cast<std::int64_t>(offset + at) - expected;
+                if (moved == 0 || std::abs(moved) >= form.size) continue;
+                const CCandidate found = Read(m_window, form, {.begin = begin, .movedRow = row, .moved = moved});
+                const bool isApart = row == rows || !IsHeader(form, begin + moved, changed);
+                if (std::size_t{4} * found.damaged <= rows && isApart) Keep(found);
+            }
         }
-        while (m_parts.size() > kMostParts)
-            m_parts.erase(m_parts.begin());
     }
 
-    void JoinParts(const CPart& front, const CPart& rear, const auto& cells) {
-        const std::int64_t moved = rear.begin - front.begin;
-        const std::size_t rows = cells.cells.size();
-        if (front.kind != rear.kind || front.layout != rear.layout || moved == 0 ||
-            std::abs(moved) >= static_cast<std::int64_t>(cells.size) || front.lastWhole >= rear.firstWhole)
-            return;
-        // The rear must be after the front: some keys occur twice in a header.
-        if (rear.begin + static_cast<std::int64_t>(cells.cells[rear.firstWhole].offset) <
-            front.begin + static_cast<std::int64_t>(cells.cells[front.lastWhole].End()))
-            return;
-        const std::size_t missing = rows - std::min(rows, front.whole + rear.whole);
-        if (front.firstWhole > 0 || rear.lastWhole + 1 < rows || 4 * missing > rows) return;
-        const CCandidate joined = Read(m_window, front.kind, front.layout, {front.begin, rear.firstWhole, moved});
-        if (joined.damaged <= missing) Keep(joined);
-    }
-
-    /// No cell follows the last one, so its line end shows by how much it grew or shrank.
-    void FindLineEnd(const CCandidate& candidate) {
-        const auto& cells = Layouts()[candidate.layout].segment;
-        const auto& last = cells.cells.back();
-        if (candidate.damaged != 1 || candidate.noSize) return;
-        const std::int64_t begin = candidate.begin + static_cast<std::int64_t>(last.offset);
-        const std::string bytes(m_window.At(begin, last.width + cells.size));
-        const std::size_t text = CellText(std::string_view(bytes).substr(0, last.width)).size();
-        int left = kMostLineEnds;
-        for (std::size_t end = bytes.find('\n', text); end < bytes.size() && left > 0;
-             end = bytes.find('\n', end + 1)) {
-            const std::int64_t moved = static_cast<std::int64_t>(end + 1) - static_cast<std::int64_t>(last.width);
-            if (moved == 0) continue;
-            --left;
-            CCandidate grown = candidate;
-            grown.moved = static_cast<std::int16_t>(moved);
-            grown.movedRow = static_cast<std::uint8_t>(cells.cells.size());
-            grown.end += moved;
-            Keep(grown);
+    /// Returns whether any of the first rows of a header are whole.
+    bool IsHeader(const CForm& form, std::int64_t begin, std::size_t rows) {
+        const CRows damaged = CellsAt(m_window, form, {.begin = begin}).damaged;
+        for (std::size_t row = 0; row < rows; ++row) {
+            if (!damaged[row]) return true;
         }
+        return false;
     }
 
     /// Continues after the samples of a segment that the next header confirms: the positions of both have the same
@@ -270,15 +212,13 @@ class CSearch {
     }
 
     static constexpr std::size_t kMostSeen = 256;
-    static constexpr std::size_t kMostParts = 16;
-    static constexpr int kMostLineEnds = 8;
+    static constexpr int kMostMarks = 8;
 
     CWindow& m_window;
     const CReach& m_reach;
     CCandidates& m_found;
     std::array<std::vector<CAnchor>, 256> m_anchors;
     std::set<std::pair<std::int64_t, EKind>> m_seen;
-    std::vector<CPart> m_parts;
     std::int64_t m_goOn = 0;
     std::int64_t m_shift = 0;  ///< The last confirmed shift of positions.
 };
@@ -299,32 +239,37 @@ bool CWellList::Lists(std::int32_t well) const {
     return std::ranges::any_of(wells, [&](const auto& entry) { return entry.first == well; });
 }
 
+std::optional<std::int64_t> CCandidate::OwnShift() const {
+    if (!IsWhole() || !IsPosition(next)) return std::nullopt;
+    if (kind == EKind::File) return -begin;
+    return next - end + moved - (kind == EKind::Segment ? 2 * size : 0);
+}
+
+const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
+    auto found = std::ranges::lower_bound(list, offset, {}, &CCandidate::claim);
+    while (found != list.end() && found->claim == offset && (found->kind != kind || !found->IsWhole()))
+        ++found;
+    return found != list.end() && found->claim == offset ? &*found : nullptr;
+}
+
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
     const auto rank = [&](const CCandidate& candidate) {
         const bool isPlaced = kind == EKind::Recording && KnowsItsPlace(candidate);
         return (isPlaced ? 1000 : 0) + candidate.whole - candidate.damaged;
     };
-    for (std::size_t layout = 0; layout < Layouts().size(); ++layout) {
-        const CCandidate candidate = Read(window, kind, layout, {.begin = offset});
-        if (layout == 0 || rank(candidate) >= rank(best)) best = candidate;
+    for (const CForm& form : FormsOf(kind)) {
+        const CCandidate candidate = Read(window, form, {.begin = offset});
+        if (best.form == nullptr || rank(candidate) >= rank(best)) best = candidate;
     }
     return best;
 }
 
-CWellList WellListOf(CWindow& window, const CCandidate& recording, std::int64_t cutAt) {
-    const CLayout& layout = Layouts()[recording.layout];
-    const auto& cells = layout.recording;
-    const std::string bytes = HdrBytes(window, cells, recording.Place());
-    const CRows lost = DamageOf(cells, bytes).lost;
-    const auto isThere = [&](std::string_view key) {
-        const std::size_t row = cells.RowOf(cells[key]);
-        return !lost[row] &&
-               recording.Place().OffsetOf(cells, row) + static_cast<std::int64_t>(cells.cells[row].width) <= cutAt;
-    };
+CWellList WellListOf(const CHdrCells& recording) {
     CRawDataRecordingHdr header;
-    CWellList list{.wells = {}, .knowsWells = isThere("WellIDs"), .knowsTicks = isThere("Ticks")};
-    if (!Decode(layout, bytes, header) || !list.knowsWells) header.WellChannels.clear();
+    CWellList list{.wells = {}, .knowsWells = !recording.IsLost("WellIDs"), .knowsTicks = !recording.IsLost("Ticks")};
+    if (!Decode(Layouts()[recording.form->layout], recording.bytes, header) || !list.knowsWells)
+        header.WellChannels.clear();
     for (const auto& well : header.WellChannels)
         list.wells.emplace_back(well.ID, list.knowsTicks ? std::max<std::int64_t>(well.Ticks, 0) : 0);
     list.knowsWells = !list.wells.empty();
@@ -336,7 +281,7 @@ namespace {
 /// Both versions may fit the end of a header: keeps the reading with more whole cells.
 void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
     const auto rank = [](const CCandidate& candidate) {
-        return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.damaged);
+        return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.moved != 0, candidate.damaged);
     };
     std::ranges::sort(list, {}, rank);
     const auto isSame = [](const CCandidate& one, const CCandidate& other) {
@@ -360,22 +305,15 @@ bool LooksLikeHeader(CWindow& window, std::int64_t offset) {
     const auto left = static_cast<std::size_t>(std::max<std::int64_t>(window.Size() - offset, 0));
     return std::ranges::any_of(std::array{EKind::Segment, EKind::Recording}, [&](EKind kind) {
         const CCandidate best = BestAt(window, kind, offset);
-        const CRows damaged = DamageOf(window, best).damaged;
-        return WithHdr(Layouts()[best.layout], kind, [&](const auto& cells) {
-            const auto& first = cells.cells.front();
-            const std::string_view key = window.At(offset, first.key.size());
-            if (left < first.width) return !key.empty() && first.key.starts_with(key);
-            std::ptrdiff_t balance = 0;
-            for (std::size_t row = 0; row < cells.cells.size() && cells.cells[row].End() <= left; ++row)
-                balance += damaged[row] ? -1 : 1;
-            return balance > 0 || (balance == 0 && best.whole > 0);
-        });
+        const auto& cells = best.form->cells;
+        const CRows damaged = CellsAt(window, *best.form, best.Place()).damaged;
+        const std::string_view key = window.At(offset, cells.front().key.size());
+        if (left < cells.front().width) return !key.empty() && cells.front().key.starts_with(key);
+        std::ptrdiff_t balance = 0;
+        for (std::size_t row = 0; row < cells.size() && cells[row].End() <= left; ++row)
+            balance += damaged[row] ? -1 : 1;
+        return balance > 0 || (balance == 0 && best.whole > 0);
     });
-}
-
-CDamage DamageOf(CWindow& window, const CCandidate& candidate) {
-    return WithHdr(Layouts()[candidate.layout], candidate.kind,
-                   [&](const auto& cells) { return DamageOf(cells, HdrBytes(window, cells, candidate.Place())); });
 }
 
 }  // namespace vxfileio::recovery

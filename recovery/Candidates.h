@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "recovery/Cells.h"
-#include "recovery/Input.h"
 
 /// @file
 /// Step 1: finds every header that can be recognised, in any layout, at any offset.
@@ -22,12 +22,10 @@ inline constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max
 
 constexpr bool IsPosition(std::int64_t position) { return position >= 0 && position <= kFarthest; }
 
-enum class EKind : std::uint8_t { File, Recording, Segment };
-
 /// Bytes that may be a header.
 struct CCandidate {
     std::int64_t begin = 0;  ///< Offset of its first byte, or of where it would be.
-    std::int64_t claim = 0;  ///< Offset of its first undamaged cell; the bytes before may be something else.
+    std::int64_t claim = 0;  ///< Offset of its first cell that isn't lost; the bytes before may be something else.
     std::int64_t end = 0;    ///< Offset of the byte after the header.
     /// The position of the first recording (file), the data (recording) or the next segment; `kLost` if it can't be
     /// read.
@@ -39,7 +37,6 @@ struct CCandidate {
     std::int16_t moved = 0;
     std::uint8_t movedRow = 0;
     EKind kind = EKind::Segment;
-    std::uint8_t layout = 0;   ///< Index in `Layouts()`.
     std::uint8_t damaged = 0;  ///< Number of damaged cells.
     std::uint8_t whole = 0;    ///< Number of undamaged cells.
     /// @name Segment: cells that are lost
@@ -50,8 +47,12 @@ struct CCandidate {
     bool noSize = false;
     /// @}
 
-    CHdrPlace Place() const { return {begin, movedRow, moved}; }
+    const CForm* form = nullptr;
+
+    CHdrPlace Place() const { return {.begin = begin, .movedRow = movedRow, .moved = moved}; }
     bool IsWhole() const { return damaged == 0; }
+    /// Returns by how much its own position exceeds the offset that it means; nothing if it isn't reliable.
+    std::optional<std::int64_t> OwnShift() const;
 };
 
 /// The wells that a recording header lists, and which parts of the list are reliable.
@@ -70,6 +71,12 @@ struct CWellList {
 struct CCandidates {
     std::vector<CCandidate> list;  ///< In the order of their claims.
     std::vector<CWellList> wellLists;
+
+    /// Returns the undamaged header of a kind at an offset; null if there is none.
+    const CCandidate* WholeAt(EKind kind, std::int64_t offset) const;
+    const CWellList& WellsOf(const CCandidate& recording) const {
+        return wellLists[static_cast<std::size_t>(recording.well)];
+    }
 };
 
 /// Receives the offset reached so far. May throw to stop.
@@ -82,14 +89,11 @@ CCandidates FindCandidates(CWindow& window, const CReach& reach);
 /// Reads a header at an offset, in the layout that fits best. Few or no cells may be whole.
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset);
 
-/// Returns the wells that a recording header lists. Cells that end after `cutAt` are lost.
-CWellList WellListOf(CWindow& window, const CCandidate& recording, std::int64_t cutAt);
+/// Returns the wells that a recording header lists.
+CWellList WellListOf(const CHdrCells& recording);
 
 /// Returns whether a header seems to begin at an offset: at least half of its cells are whole, or the input ends within
 /// it.
 bool LooksLikeHeader(CWindow& window, std::int64_t offset);
-
-/// Returns the damage of a candidate's cells.
-CDamage DamageOf(CWindow& window, const CCandidate& candidate);
 
 }  // namespace vxfileio::recovery

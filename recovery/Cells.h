@@ -1,56 +1,89 @@
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <span>
 #include <string>
 #include <string_view>
+#include <variant>
+#include <vector>
 
+#include "recovery/Input.h"
 #include "vxfileio/rawdata/Layout.h"
 
 /// @file
-/// Finds the damaged cells of a header. Readers trust cells; a search for headers can't.
+/// The cells of a header, and which of them are damaged. Readers trust cells; a search for headers can't.
 
 namespace vxfileio::recovery {
 
-/// One bit per row of a header's layout.
-using CRows = std::bitset<32>;
+enum class EKind : std::uint8_t { File, Recording, Segment };
 
-/// The damage to the cells of a header.
-struct CDamage {
-    CRows damaged;  ///< Not as a writer leaves them, or impossible numbers.
-    CRows lost;     ///< Damaged cells whose value is unreliable. In the others only the bytes around it are damaged.
-    CRows odd;      ///< Texts with separators: damaged, or written so by some program.
+/// A cell of a header of any kind.
+struct CFormCell {
+    std::string_view key;
+    std::size_t offset = 0;
+    std::size_t width = 0;
+    rawdata::ERole role = rawdata::ERole::Value;
+    std::variant<const rawdata::CFileCell*, const rawdata::CRecordingCell*, const rawdata::CSegmentCell*> rule;
 
-    void Lose(std::size_t row) { damaged[row] = lost[row] = true; }
+    std::size_t End() const { return offset + width; }
+    bool operator==(const CFormCell& other) const { return key == other.key && offset == other.offset; }
 };
+
+/// The cells of one kind of header in one layout.
+struct CForm {
+    EKind kind = EKind::File;
+    std::uint8_t layout = 0;  ///< Index in `Layouts()`.
+    std::int64_t size = 0;    ///< Bytes of the header.
+    std::vector<CFormCell> cells;
+
+    /// Returns the row of the first cell with this key. Requires: there is one.
+    std::size_t RowOf(std::string_view key) const;
+};
+
+/// Returns the forms of one kind of header, the newest last. Of equal forms, there is only the newest.
+std::span<const CForm> FormsOf(EKind kind);
+
+/// Returns the form that headers of a kind have in a layout.
+const CForm& FormOf(EKind kind, std::size_t layout);
 
 /// The location of a header. Bytes inserted into it or removed from it move the rows after that place.
 struct CHdrPlace {
     std::int64_t begin = 0;
-    std::size_t movedRow = 0;  ///< The first row that moved, if `moved` isn't 0.
-    std::int64_t moved = 0;    ///< By how many bytes it moved.
+    std::size_t movedRow = 0;                                       ///< The first row that moved, if `moved` isn't 0.
+    std::int64_t moved = 0;                                         ///< By how many bytes it moved.
+    std::int64_t cutAt = std::numeric_limits<std::int64_t>::max();  ///< Cells that end after this are lost.
 
-    std::int64_t OffsetOf(const auto& layout, std::size_t row) const {
-        return begin + static_cast<std::int64_t>(layout.cells[row].offset) + (row >= movedRow ? moved : 0);
+    std::int64_t OffsetOf(const CForm& form, std::size_t row) const {
+        return begin + static_cast<std::int64_t>(form.cells[row].offset) + (row >= movedRow ? moved : 0);
     }
-    std::int64_t End(const auto& layout) const { return begin + static_cast<std::int64_t>(layout.size) + moved; }
+    std::int64_t End(const CForm& form) const { return begin + form.size + moved; }
 };
 
-/// Returns the bytes of a header with the moved rows in their places. Bytes outside the input are NUL.
-template <class Layout>
-std::string HdrBytes(auto& window, const Layout& layout, const CHdrPlace& place) {
-    std::string bytes(layout.size, '\0');
-    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        const auto& cell = layout.cells[row];
-        const auto found = window.At(place.OffsetOf(layout, row), cell.width);
-        bytes.replace(cell.offset, found.size(), found);
-    }
-    return bytes;
-}
+/// One bit per row of a form.
+using CRows = std::bitset<32>;
 
-/// Returns what became of the cells of a header; `bytes` are the whole header.
-template <class Cell>
-CDamage DamageOf(const rawdata::CHdrLayout<Cell>& layout, std::string_view bytes);
+/// The cells of a header in the input, and their damage.
+struct CHdrCells {
+    const CForm* form = nullptr;
+    std::string bytes;   ///< The header, with the moved rows in their places. Bytes outside the input are NUL.
+    CRows damaged = {};  ///< Not as a writer leaves them, or impossible numbers.
+    CRows lost = {};  ///< Damaged cells whose value is unreliable. In the others only the bytes around it are damaged.
+    CRows odd = {};   ///< Texts with separators: damaged, or written so by some program.
+
+    std::string_view Cell(std::size_t row) const { return rawdata::CellIn(form->cells[row], bytes); }
+    /// Returns the value of the first cell with this key.
+    std::string_view Value(std::string_view key) const;
+    bool IsLost(std::string_view key) const { return lost[form->RowOf(key)]; }
+    void Lose(std::size_t row) { damaged[row] = lost[row] = true; }
+    /// Replaces the text of a cell, which includes its key.
+    void SetText(std::size_t row, std::string_view text);
+};
+
+/// Reads a header as cells of a form.
+CHdrCells CellsAt(CWindow& window, const CForm& form, const CHdrPlace& place);
 
 }  // namespace vxfileio::recovery

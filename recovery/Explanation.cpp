@@ -74,8 +74,7 @@ int GapCost(std::int64_t bytes) {
 }
 
 bool IsRecordingHdrSize(std::int64_t bytes) {
-    return std::ranges::any_of(
-        Layouts(), [&](const CLayout& layout) { return bytes == static_cast<std::int64_t>(layout.recording.size); });
+    return std::ranges::find(FormsOf(EKind::Recording), bytes, &CForm::size) != FormsOf(EKind::Recording).end();
 }
 
 /// Returns the number of samples between two times, or nothing if no segment can have that many.
@@ -83,14 +82,6 @@ std::optional<std::int64_t> SamplesBetween(std::int64_t from, std::int64_t to, s
     const auto count = SampleCount(from, to, tick);
     if (!count || *count > std::uint64_t{kMostSamples}) return std::nullopt;
     return static_cast<std::int64_t>(*count);
-}
-
-/// Returns the shift by a candidate's own position, if it has one.
-std::optional<std::int64_t> OwnShift(const CCandidate& candidate) {
-    if (!candidate.IsWhole() || !IsPosition(candidate.next)) return std::nullopt;
-    if (candidate.kind == EKind::File) return -candidate.begin;
-    return candidate.next - candidate.end + candidate.moved -
-           (candidate.kind == EKind::Segment ? 2 * candidate.size : 0);
 }
 
 class CExplainer {
@@ -152,7 +143,7 @@ class CExplainer {
         if (isRecording || node->piece.lostRecording) node->recording = std::make_shared<CRecordingAround>();
         if (isRecording) {
             node->recording->header = &candidate;
-            node->recording->wells = &m_candidates.wellLists[static_cast<std::size_t>(candidate.well)];
+            node->recording->wells = &m_candidates.WellsOf(candidate);
             m_recordings[m_nextRecording++ % m_recordings.size()] = node;
         }
         if (candidate.kind == EKind::Segment && candidate.IsWhole() && node->piece.made == EMade::None)
@@ -169,20 +160,17 @@ class CExplainer {
         CNode node{.piece = {.candidate = &candidate}, .parent = parent, .recording = parent->recording};
         node.cutsParent = cutsParent;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
-        node.cost = parent->cost + GapCost(node.gap) +
+        node.cost = parent->cost + GapCost(node.gap) + (cutsParent ? CutCost(parent->Candidate(), end) : 0) +
                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
-                    (cutsParent ? CutCost(*parent, candidate.begin) : 0) +
                     (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) +
                     (candidate.moved != 0 ? costs::kValue : 0);
         candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
     }
 
     /// Returns the cost of ending a recording header early: an assumption, and the lost cells.
-    static int CutCost(const CNode& node, std::int64_t end) {
-        const CCandidate& header = node.Candidate();
-        const int value = costs::kHeader * header.whole / (header.whole + header.damaged);
-        const auto lost = static_cast<double>(header.end - end) / static_cast<double>(header.end - header.begin);
-        return costs::kGap - static_cast<int>(value * lost);
+    static int CutCost(const CCandidate& header, std::int64_t end) {
+        const std::int64_t lost = costs::kHeader * header.whole / (header.whole + header.damaged) * (header.end - end);
+        return costs::kCutHeader - static_cast<int>(lost / (header.end - header.begin));
     }
 
     void FollowWithHeader(CNode node) {
@@ -197,7 +185,7 @@ class CExplainer {
         }
         if (node.parent->ExpectsSegment()) node.cost += costs::kPosition;
         const CCandidate* const before = node.recording != nullptr ? node.recording->header : nullptr;
-        if (before != nullptr && before->layout != header.layout) node.cost += costs::kVersion;
+        if (before != nullptr && before->form != header.form) node.cost += costs::kVersion;
         OfferShifts(node);
     }
 
@@ -289,12 +277,8 @@ class CExplainer {
     /// Returns how many bytes the whole segment at `begin` lacks if the next header begins at `next`; 0 if there is no
     /// such segment.
     std::int64_t OverlapOf(std::int64_t begin, std::int64_t next) const {
-        const auto found = std::ranges::lower_bound(m_candidates.list, begin, {}, &CCandidate::claim);
-        for (auto segment = found; segment != m_candidates.list.end() && segment->claim == begin; ++segment) {
-            if (segment->kind == EKind::Segment && segment->IsWhole())
-                return std::max<std::int64_t>(0, segment->end + 2 * segment->size - next);
-        }
-        return 0;
+        const CCandidate* const segment = m_candidates.WholeAt(EKind::Segment, begin);
+        return segment == nullptr ? 0 : std::max<std::int64_t>(0, segment->end + 2 * segment->size - next);
     }
 
     /// Keeps the cheaper of two ways to the same state.
@@ -336,7 +320,7 @@ class CExplainer {
     /// Returns how many bytes are missing before a segment by its own position; negative if there are too many.
     static std::int64_t MissingBefore(const CNode& node) {
         const std::int64_t shift = node.parent->piece.shift;
-        return OwnShift(node.Candidate()).value_or(shift) - shift;
+        return node.Candidate().OwnShift().value_or(shift) - shift;
     }
 
     static int LostRecordingCost(const CNode& node) {
@@ -416,120 +400,8 @@ class CExplainer {
 
 }  // namespace
 
-std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CReach& reach) {
-    LeaveOutFilesWithin(candidates, size);
+std::vector<CPiece> Explain(const CCandidates& candidates, std::int64_t size, const CReach& reach) {
     return CExplainer(candidates, size, reach).Run();
 }
-
-namespace {
-
-/// Finds raw data files that were stored as samples. The *place* of a header is its offset in its own file: its offset
-/// here plus its shift. Places of headers in an inner file count from the beginning of that file; after it, those of
-/// the outer file continue.
-class CFilesWithin {
- public:
-    CFilesWithin(CCandidates& candidates, std::int64_t size)
-        : m_lists(candidates.wellLists), m_list(candidates.list), m_size(size) {}
-
-    void LeaveOut() {
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < m_list.size(); ++i) {
-            if (m_list[i].kind == EKind::File && m_list[i].begin > 0 && m_list[i].IsWhole() && m_shift) i = EndOf(i);
-            if (i == m_list.size()) break;
-            Pass(m_list[i]);
-            m_list[kept++] = m_list[i];
-        }
-        m_list.resize(kept);
-    }
-
- private:
-    void Pass(const CCandidate& candidate) {
-        if (candidate.kind == EKind::Recording) m_around = WellsOf(candidate);
-        if (candidate.kind == EKind::Recording && IsPosition(candidate.from)) m_nextRecording = candidate.from;
-        if (candidate.kind == EKind::Segment && IsPosition(candidate.next)) m_nextSegment = candidate.next;
-        if (candidate.kind == EKind::File) m_nextRecording = m_nextSegment = kLost;
-        if (const auto shift = OwnShift(candidate)) m_shift = shift;
-    }
-
-    const CWellList* WellsOf(const CCandidate& recording) const {
-        return &m_lists[static_cast<std::size_t>(recording.well)];
-    }
-
-    /// Returns the index of the first candidate after the file that begins at `file`, or `file` if it isn't within
-    /// samples.
-    std::size_t EndOf(std::size_t file) const {
-        if (const auto end = EndOfSamples(file)) return *end;
-        if (const auto end = FirstAround(file)) return *end;
-        const std::size_t end = AfterLastSegment(file);
-        return end == file && BeginsSamples(file) ? m_list.size() : end;
-    }
-
-    /// Returns whether the file is at the beginning of a whole segment's samples and all that follows is within them.
-    bool BeginsSamples(std::size_t file) const {
-        const CCandidate& segment = m_list[file - 1];
-        return segment.kind == EKind::Segment && segment.IsWhole() && segment.end == m_list[file].begin &&
-               m_list.back().end <= segment.end + 2 * segment.size;
-    }
-
-    /// Returns the candidate after the samples that hold the file, if their own header was found, even damaged, and
-    /// they end at another header or at the end of the input.
-    std::optional<std::size_t> EndOfSamples(std::size_t file) const {
-        for (std::size_t i = file; i > 0 && m_list[i - 1].end > m_list[file - 1].begin; --i) {
-            const CCandidate& segment = m_list[i - 1];
-            const std::int64_t end = segment.end + 2 * segment.size;
-            if (segment.kind != EKind::Segment || segment.noSize || end <= m_list[file].begin) continue;
-            const auto next = std::ranges::lower_bound(m_list, end, {}, &CCandidate::claim);
-            if (end == m_size || (next != m_list.end() && next->begin == end))
-                return static_cast<std::size_t>(next - m_list.begin());
-        }
-        return std::nullopt;
-    }
-
-    /// Returns the first header after the file that belongs to the outer file again: it has the same shift as those
-    /// before the file, or the shift of the header at the place that these point at.
-    std::optional<std::size_t> FirstAround(std::size_t file) const {
-        std::optional<std::int64_t> shift;
-        for (std::size_t i = file + 1; i < m_list.size() && !shift; ++i) {
-            const auto own = m_list[i].kind == EKind::File ? std::nullopt : OwnShift(m_list[i]);
-            if (!own || *own == -m_list[file].begin) continue;
-            const std::int64_t place = m_list[i].begin + *own;
-            if (own == m_shift || place == m_nextSegment || place == m_nextRecording) shift = own;
-        }
-        if (!shift) return std::nullopt;
-        std::size_t first = file + 1;
-        while (m_list[first].kind == EKind::File || OwnShift(m_list[first]) != shift)
-            ++first;
-        return first;
-    }
-
-    /// Returns the last segment of the outer recording: it comes after the last one of the inner file, or its well
-    /// isn't listed there.
-    std::size_t AfterLastSegment(std::size_t file) const {
-        const CWellList* inside = nullptr;
-        bool hasEnded = false;
-        for (std::size_t i = file + 1; i < m_list.size() && m_list[i].kind != EKind::File; ++i) {
-            const CCandidate& candidate = m_list[i];
-            const bool isLast = candidate.kind == EKind::Segment && candidate.next == kUnset;
-            if (isLast && m_around != nullptr && m_around->Lists(candidate.well) &&
-                (hasEnded || inside == nullptr || !inside->Lists(candidate.well)))
-                return i;
-            if (candidate.kind == EKind::Recording) inside = WellsOf(candidate);
-            hasEnded = isLast;
-        }
-        return file;
-    }
-
-    const std::vector<CWellList>& m_lists;
-    std::vector<CCandidate>& m_list;
-    std::int64_t m_size;
-    const CWellList* m_around = nullptr;  ///< The wells of the outer recording.
-    std::optional<std::int64_t> m_shift;  ///< The shift of the last header.
-    std::int64_t m_nextSegment = kLost;   ///< The places that the last headers point at.
-    std::int64_t m_nextRecording = kLost;
-};
-
-}  // namespace
-
-void LeaveOutFilesWithin(CCandidates& candidates, std::int64_t size) { CFilesWithin(candidates, size).LeaveOut(); }
 
 }  // namespace vxfileio::recovery

@@ -10,22 +10,24 @@
 
 namespace vxfileio::recovery {
 
-/// Costs of an explanation; `docs/recovery.md` has the reasons. The best explanation has the lowest sum.
+/// What an explanation costs, as in the table of `docs/recovery.md`, which has the reasons. The best explanation has
+/// the lowest sum.
 namespace costs {
 inline constexpr int kHeader = -240;       ///< A header, times the share of its undamaged cells.
-inline constexpr int kGap = 100;           ///< Bytes that belong to nothing, plus the binary logarithm of their number.
-inline constexpr int kValue = 80;          ///< A value that contradicts the others, or is computed from them.
-inline constexpr int kPosition = 150;      ///< A wrong position.
-inline constexpr int kShift = 160;         ///< From here on all positions are wrong by the same amount.
-inline constexpr int kShiftByGap = 20;     ///< The same, by as many bytes as the gap before has.
+inline constexpr int kGap = 100;           ///< Bytes that belong to nothing, and twice the logarithm of their number.
+inline constexpr int kValue = 80;          ///< A value that contradicts the others, or is computed; moved cells.
 inline constexpr int kVersion = 80;        ///< A recording of another version than the one before.
 inline constexpr int kHeaderWithin = 80;   ///< A whole header within samples.
-inline constexpr int kLostRecording = 80;  ///< A recording whose header is lost, where there is room for one.
-inline constexpr int kForcedRecording = 200;  ///< The same without room.
-inline constexpr int kForeign = 100;          ///< After a gap, a segment of other wells, intervals or earlier times.
+inline constexpr int kLostRecording = 80;  ///< A recording whose header is lost.
+inline constexpr int kForcedRecording = 200;  ///< The same, where there is no room for a header.
+inline constexpr int kCutHeader = 100;        ///< The next piece begins within a damaged recording header.
+inline constexpr int kForeign = 100;          ///< A segment after a gap that doesn't fit its recording.
+inline constexpr int kPosition = 150;         ///< A wrong position.
+inline constexpr int kShift = 160;            ///< From here on, all positions are wrong by the same distance.
+inline constexpr int kShiftByGap = 20;        ///< The same, by the number of missing or extra bytes here.
 inline constexpr int kUnconfirmed = 1000;     ///< Nothing confirms where a segment with a damaged header ends.
-inline constexpr int kCut = 60;               ///< The input ends within samples.
-inline constexpr int kNearlyEqual = 5;        ///< Two explanations this close are both possible.
+inline constexpr int kCut = 60;               ///< The input ends within the samples.
+inline constexpr int kNearlyEqual = 5;        ///< Two explanations this close are ambiguous.
 }  // namespace costs
 
 /// Which value of a segment is computed from the others instead of read.
@@ -52,12 +54,7 @@ struct CPiece {
     bool isAmbiguous = false;    ///< What is before it could also be something else.
 };
 
-/// Returns the pieces of the best explanation in the order of the input. Removes the headers of raw data files stored
-/// as samples from `candidates`.
-std::vector<CPiece> Explain(CCandidates& candidates, std::int64_t size, const CReach& reach);
-
-/// Removes the headers of raw data files that were stored as samples. Their positions count from the beginning of the
-/// inner file; after it, those of the outer file continue, or the samples end as their segment header says.
-void LeaveOutFilesWithin(CCandidates& candidates, std::int64_t size);
+/// Returns the pieces of the best explanation in the order of the input, which has `size` bytes.
+std::vector<CPiece> Explain(const CCandidates& candidates, std::int64_t size, const CReach& reach);
 
 }  // namespace vxfileio::recovery

@@ -19,9 +19,8 @@ struct CWellInterval {
 struct CFoundRecording {
     std::int64_t position = 0;  ///< Offset of its header in the input, or of where it would be.
     CHdrPlace place;
-    std::int32_t layout = -1;  ///< Index in `Layouts()`; -1 if the header is lost.
-    std::int64_t cutAt = 0;    ///< Cells that end after this are lost.
-    bool unfinished = false;   ///< Its positions were never set.
+    const CForm* form = nullptr;  ///< Null if the header is lost.
+    bool unfinished = false;      ///< Its positions were never set.
     CWellList wellList;
     std::map<std::int32_t, CWellInterval> wells;  ///< The wells that have segments, by ID.
 };
@@ -43,7 +42,7 @@ struct CFoundSegment {
 /// The contents of the new file, in its order.
 struct CFound {
     CHdrPlace file;
-    std::int32_t fileLayout = -1;  ///< -1 if the file header is lost.
+    const CForm* fileForm = nullptr;  ///< Null if the file header is lost.
     std::vector<CFoundRecording> recordings;
     std::vector<CFoundSegment> segments;  ///< The segments of one recording are contiguous.
     CRemarks losses;

@@ -27,64 +27,43 @@ namespace {
 /// The name of a recording whose own name is lost.
 constexpr const char* kLostName = "Recovered";
 
-/// A header of the input in the layout of the new file.
-struct COldHdr {
-    std::string bytes;  ///< Whole and legible cells unchanged, the others with only their keys.
-    CDamage damage;     ///< Rows of the new layout.
-    CRows absent;       ///< Rows that the old layout doesn't have.
-};
-
-/// Returns the row of an older layout that corresponds to `row` of a newer one. Some keys occur twice.
-template <class Layout>
-std::optional<std::size_t> SameRow(const Layout& from, const Layout& to, std::size_t row) {
+/// Returns the row of an older form that corresponds to `row` of a newer one. Some keys occur twice.
+std::optional<std::size_t> SameRow(const CForm& from, const CForm& to, std::size_t row) {
     const auto& key = to.cells[row].key;
-    auto nth = std::ranges::count(to.cells.first(row), key, [](const auto& cell) { return cell.key; });
+    auto nth = std::count_if(to.cells.begin(), to.cells.begin() + static_cast<std::ptrdiff_t>(row),
+                             [&](const CFormCell& cell) { return cell.key == key; });
     for (std::size_t i = 0; i < from.cells.size(); ++i) {
         if (from.cells[i].key == key && nth-- == 0) return i;
     }
     return std::nullopt;
 }
 
-/// Converts a header from one layout to another. Cells that end after `cutAt` are lost; if `from` is null, all are.
-template <class Layout>
-COldHdr OldHdr(CWindow& window, const Layout* from, const Layout& to, const CHdrPlace& place, std::int64_t cutAt) {
-    COldHdr old{.bytes = std::string(to.size, '\0'), .damage = {}, .absent = {}};
-    const std::string bytes = from != nullptr ? HdrBytes(window, *from, place) : std::string();
-    const CDamage damage = from != nullptr ? DamageOf(*from, bytes) : CDamage();
+/// Returns a header of the input in the form of the new file: whole and legible cells unchanged, the others with only
+/// their keys. A cell that the old form doesn't have is lost, but not damaged. If `from` is null, all are both.
+CHdrCells OldHdr(CWindow& window, const CForm* from, const CForm& to, const CHdrPlace& place) {
+    const CHdrCells input = from != nullptr ? CellsAt(window, *from, place) : CHdrCells();
+    CHdrCells old{.form = &to, .bytes = std::string(static_cast<std::size_t>(to.size), '\0')};
     for (std::size_t row = 0; row < to.cells.size(); ++row) {
-        const auto& cell = to.cells[row];
-        std::string_view text = cell.key;
-        const auto same = from != nullptr ? SameRow(*from, to, row) : std::nullopt;
-        if (from == nullptr) {
-            old.damage.Lose(row);
-        } else if (!same) {
-            old.absent[row] = true;
-        } else {
-            const auto& was = from->cells[*same];
-            old.damage.damaged[row] = damage.damaged[*same];
-            old.damage.odd[row] = damage.odd[*same];
-            const bool isCut = place.OffsetOf(*from, *same) + static_cast<std::int64_t>(was.width) > cutAt;
-            if (isCut || damage.lost[*same]) old.damage.Lose(row);
-            if (!old.damage.lost[row]) text = CellText(CellIn(was, bytes));
+        old.damaged[row] = from == nullptr;
+        old.lost[row] = true;
+        std::string_view text = to.cells[row].key;
+        if (const auto same = from != nullptr ? SameRow(*from, to, row) : std::nullopt) {
+            old.damaged[row] = input.damaged[*same];
+            old.lost[row] = input.lost[*same];
+            old.odd[row] = input.odd[*same];
+            if (!old.lost[row]) text = CellText(input.Cell(*same));
         }
-        CCellWriter(std::span(old.bytes).subspan(cell.offset, cell.width), text);
+        old.SetText(row, text);
     }
     return old;
 }
 
-/// Returns a layout for one kind of header, or null if the header is lost.
-template <class Header>
-const CHdrLayout<Header>* LayoutAt(std::int32_t index, CHdrLayout<Header> CLayout::*kind) {
-    return index < 0 ? nullptr : &(Layouts()[static_cast<std::size_t>(index)].*kind);
-}
-
 /// Returns a new header that keeps the cells of the old one whose values are the same in `was` and `now`.
-std::string Merged(const auto& layout, const COldHdr& old, const std::string& was, std::string now) {
-    const CRows made = old.damage.lost | old.absent;
-    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        const auto& cell = layout.cells[row];
-        if (!made[row] && CellIn(cell, was) == CellIn(cell, now))
-            now.replace(cell.offset, cell.width, CellIn(cell, old.bytes));
+std::string Merged(const CHdrCells& old, const std::string& was, std::string now) {
+    for (std::size_t row = 0; row < old.form->cells.size(); ++row) {
+        const CFormCell& cell = old.form->cells[row];
+        if (!old.lost[row] && CellIn(cell, was) == CellIn(cell, now))
+            now.replace(cell.offset, cell.width, old.Cell(row));
     }
     return now;
 }
@@ -102,18 +81,18 @@ void SetPosition(const auto& layout, std::string_view key, std::int64_t position
 }
 
 /// Adds a note for each kind of damage.
-void NoteDamage(const auto& layout, const CDamage& damage, std::vector<CNote>& notes) {
+void NoteDamage(const CHdrCells& cells, std::vector<CNote>& notes) {
     std::map<CNote::EKind, std::string> keys;
-    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        if (!damage.damaged[row] && !damage.odd[row]) continue;
-        const auto& cell = layout.cells[row];
-        const bool isTold = cell.traits.role != ERole::Value || cell.key == "NumberOfWells";
-        const auto kind = damage.odd[row]     ? CNote::EKind::Odd
-                          : !damage.lost[row] ? CNote::EKind::Legible
-                          : isTold            ? CNote::EKind::Told
-                                              : CNote::EKind::Lost;
+    for (std::size_t row = 0; row < cells.form->cells.size(); ++row) {
+        if (!cells.damaged[row] && !cells.odd[row]) continue;
+        const auto& [key, offset, width, role, rule] = cells.form->cells[row];
+        const bool isTold = role != ERole::Value || key == "NumberOfWells";
+        const auto kind = cells.odd[row]     ? CNote::EKind::Odd
+                          : !cells.lost[row] ? CNote::EKind::Legible
+                          : isTold           ? CNote::EKind::Told
+                                             : CNote::EKind::Lost;
         std::string& list = keys[kind];
-        list.append(list.empty() ? "" : ", ").append(cell.key.empty() ? "the mark" : cell.key);
+        list.append(list.empty() ? "" : ", ").append(key.empty() ? "the mark" : key);
     }
     for (auto& [kind, list] : keys)
         notes.push_back({.kind = kind, .keys = std::move(list)});
@@ -129,51 +108,50 @@ struct CLists {
 };
 
 /// Returns the number of channels in a cell, if the cell is about this kind of channels.
-std::optional<std::size_t> ChannelsIn(const CRecordingCell& cell, CChannels channels, std::string_view header) {
+std::optional<std::size_t> ChannelsIn(const CRecordingCell& cell, CChannels channels, std::string_view bytes) {
     const auto* const list = std::get_if<CChannelList>(&cell.member);
     const auto* const count = std::get_if<CChannelCount>(&cell.member);
     if (count != nullptr && count->channels == channels)
-        return static_cast<std::size_t>(std::max(helpers::ParseInt32(CellValue(CellIn(cell, header))), 0));
+        return static_cast<std::size_t>(std::max(helpers::ParseInt32(CellValue(bytes)), 0));
     if (list == nullptr || list->channels != channels) return std::nullopt;
     std::size_t items = 0;
-    for (CCellItems all(CellIn(cell, header)); all.Next();)
+    for (CCellItems all(bytes); all.Next();)
         ++items;
     return items;
 }
 
 /// The length is found by vote: IDs count most, the number of channels least.
-CLists ListsOf(const CLayout& layout, const COldHdr& old, CChannels channels) {
+CLists ListsOf(const CLayout& layout, const CHdrCells& old, CChannels channels) {
     const auto& cells = layout.recording.cells;
     std::map<std::size_t, int> votes;
     const auto forEach = [&](auto act) {
         for (std::size_t row = 0; row < cells.size(); ++row) {
-            if (const auto length = ChannelsIn(cells[row], channels, old.bytes)) act(row, *length);
+            if (const auto length = ChannelsIn(cells[row], channels, old.Cell(row))) act(row, *length);
         }
     };
     forEach([&](std::size_t row, std::size_t length) {
         const bool isCount = std::holds_alternative<CChannelCount>(cells[row].member);
-        if (!old.damage.lost[row]) votes[length] += isCount ? 1 : cells[row].key == "WellIDs" ? 3 : 2;
+        if (!old.lost[row]) votes[length] += isCount ? 1 : cells[row].key == "WellIDs" ? 3 : 2;
     });
     CLists lists;
     const auto most = std::ranges::max_element(votes, {}, [](const auto& vote) { return vote.second; });
     if (most != votes.end()) lists.length = most->first;
     forEach([&](std::size_t row, std::size_t length) {
         lists.rows[row] = true;
-        lists.wrong[row] = old.damage.lost[row] || length != lists.length;
+        lists.wrong[row] = old.lost[row] || length != lists.length;
     });
     return lists;
 }
 
 /// Clears the unusable lists of wells, and sets the number of wells.
-void LoseWrongLists(const CLayout& layout, COldHdr& old) {
+void LoseWrongLists(const CLayout& layout, CHdrCells& old) {
     const CLists lists = ListsOf(layout, old, kWells);
-    for (std::size_t row = 0; row < layout.recording.cells.size(); ++row) {
+    for (std::size_t row = 0; row < old.form->cells.size(); ++row) {
         if (!lists.wrong[row]) continue;
-        old.damage.Lose(row);
+        old.Lose(row);
         const auto& cell = layout.recording.cells[row];
         const bool isCount = std::holds_alternative<CChannelCount>(cell.member);
-        EncodeCell(cell.key, isCount ? CNumberText(lists.length).View() : std::string_view(),
-                   std::span(old.bytes).subspan(cell.offset, cell.width));
+        old.SetText(row, std::string(cell.key) + (isCount ? "=" + std::to_string(lists.length) : ""));
     }
 }
 
@@ -255,73 +233,68 @@ struct CRebuiltHdr {
 /// Returns the layout of the new file: that of the input, or the oldest one that is still written.
 const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     std::int32_t version = 0;
-    if (const auto* const from = LayoutAt(found.fileLayout, &CLayout::file)) {
-        const std::string bytes = HdrBytes(window, *from, found.file);
-        const auto& cell = (*from)["FileVersion"];
-        if (!DamageOf(*from, bytes).lost[from->RowOf(cell)])
-            version = LayoutOf(helpers::ParseInt32(CellValue(CellIn(cell, bytes)))).version;
+    if (found.fileForm != nullptr) {
+        const CHdrCells old = CellsAt(window, *found.fileForm, found.file);
+        if (!old.IsLost("FileVersion")) version = LayoutOf(helpers::ParseInt32(old.Value("FileVersion"))).version;
     }
     for (const CFoundRecording& recording : found.recordings) {
-        if (recording.layout >= 0)
-            version = std::max(version, Layouts()[static_cast<std::size_t>(recording.layout)].version);
+        if (recording.form != nullptr) version = std::max(version, Layouts()[recording.form->layout].version);
     }
     return version == 0 ? Layouts().back() : LayoutForWriting(version);
 }
 
+/// Returns the form that a kind of header has in the new file.
+const CForm& NewForm(EKind kind, const CLayout& layout) {
+    return FormOf(kind, static_cast<std::size_t>(&layout - Layouts().data()));
+}
+
 CRebuiltHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout) {
-    const COldHdr old = OldHdr(window, LayoutAt(found.fileLayout, &CLayout::file), layout.file, found.file,
-                               std::numeric_limits<std::int64_t>::max());
+    const CHdrCells old = OldHdr(window, found.fileForm, NewForm(EKind::File, layout), found.file);
     CRebuiltHdr rebuilt;
-    NoteDamage(layout.file, old.damage, rebuilt.notes);
+    NoteDamage(old, rebuilt.notes);
     CRawDataFileHdr was;
     Decode(layout, old.bytes, was);
     CRawDataFileHdr now = was;
     if (now.HeaderID.empty()) now.HeaderID = kFileTypeText;
     if (now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version) {
-        const auto lacksStart = [&](const CFoundRecording& recording) {
-            return recording.layout >= 0 &&
-                   Layouts()[static_cast<std::size_t>(recording.layout)].version < layout.version;
-        };
-        const bool anyLacks = std::ranges::any_of(found.recordings, lacksStart);
-        if (!old.damage.lost[layout.file.RowOf(layout.file["FileVersion"])])
-            rebuilt.notes.push_back({.kind = anyLacks ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
-                                     .to = layout.version});
+        const bool lacksStart = std::ranges::any_of(found.recordings, [&](const CFoundRecording& recording) {
+            return recording.form != nullptr && Layouts()[recording.form->layout].version < layout.version;
+        });
+        if (!old.IsLost("FileVersion"))
+            rebuilt.notes.push_back(
+                {.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
+                 .to = layout.version});
         now.FileVersion = layout.version;
     }
-    rebuilt.bytes =
-        Merged(layout.file, old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
+    rebuilt.bytes = Merged(old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
     return rebuilt;
 }
 
 /// `number` is the recording's number if its own is lost.
 CRebuiltHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, std::int32_t number,
                                 const CLayout& layout) {
-    const auto& cells = layout.recording;
-    COldHdr old =
-        OldHdr(window, LayoutAt(recording.layout, &CLayout::recording), cells, recording.place, recording.cutAt);
-    const auto isLost = [&](std::string_view key) { return old.damage.lost[cells.RowOf(cells[key])]; };
+    CHdrCells old = OldHdr(window, recording.form, NewForm(EKind::Recording, layout), recording.place);
     LoseWrongLists(layout, old);
     CRebuiltHdr rebuilt;
-    if (recording.layout < 0) {
+    if (recording.form == nullptr) {
         rebuilt.notes.push_back({.kind = CNote::EKind::MadeUp});
     } else {
-        NoteDamage(cells, old.damage, rebuilt.notes);
+        NoteDamage(old, rebuilt.notes);
     }
     CRawDataRecordingHdr was;
     if (!Decode(layout, old.bytes, was)) was.WellChannels.clear();
     CRawDataRecordingHdr now = was;
-    if (isLost("TaskName")) now.TaskName = kLostName;
-    if (isLost("Recording")) now.Recording = number;
-    MendWells(recording, !isLost("WellIDs"), layout.mostChannels, now.WellChannels, rebuilt.notes);
+    if (old.IsLost("TaskName")) now.TaskName = kLostName;
+    if (old.IsLost("Recording")) now.Recording = number;
+    MendWells(recording, !old.IsLost("WellIDs"), layout.mostChannels, now.WellChannels, rebuilt.notes);
     MendTicks(recording, now.WellChannels, rebuilt.notes);
     if (const CLists aux = ListsOf(layout, old, kAux); aux.wrong.any()) {
         now.AuxChannels.clear();
-        old.damage.lost |= aux.rows;
-        if (recording.layout >= 0) rebuilt.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
+        old.lost |= aux.rows;
+        if (recording.form != nullptr) rebuilt.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
     }
     std::vector<CNote> unused;
-    rebuilt.bytes =
-        Merged(cells, old, EncodedWithRoom(layout, was, unused), EncodedWithRoom(layout, now, rebuilt.notes));
+    rebuilt.bytes = Merged(old, EncodedWithRoom(layout, was, unused), EncodedWithRoom(layout, now, rebuilt.notes));
     rebuilt.task = now.TaskName;
     rebuilt.number = now.Recording;
     rebuilt.dose = now.Dose;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "recovery/Explanation.h"
+#include "recovery/FilesWithin.h"
 #include "recovery/LostPages.h"
 #include "recovery/Recover.h"
 #include "recovery/Wells.h"
@@ -45,6 +46,7 @@ std::string Explained(const std::string& bytes) {
     const CStringInput input(bytes);
     CWindow window(input, input.Size());
     CCandidates candidates = FindCandidates(window, kNoReach);
+    LeaveOutFilesWithin(candidates, input.Size());
     std::string text;
     for (const CPiece& piece : Explain(candidates, input.Size(), kNoReach))
         text += Text(*piece.candidate) + (piece.lostRecording ? "! " : " ");
