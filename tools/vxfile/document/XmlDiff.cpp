@@ -105,7 +105,6 @@ class CXmlLeaves {
         if (!level.hasChildren) m_leaves.push_back({m_path.substr(1), Decoded(level.text)});
         m_path.resize(level.pathSize);
         m_levels.pop_back();
-        m_levels.back().text = {};
     }
 
     std::string m_file;
