@@ -392,7 +392,44 @@ TEST_F(Seals, AreMadeForEachKindOfFileAndReportUnfinishedOnes) {
     }
 }
 
+TEST_F(Seals, OfAnyLengthAreReadWhereverTheirLinesEnd) {
+    constexpr std::size_t kBlock = std::size_t{256} << 10;  // what is read at once
+    const std::string bytes(4000, 'x');
+    const auto sealWith = [&](std::size_t nameSize) {
+        std::string seal;
+        CSealWriter writer([&](std::string_view text) { seal += text; }, std::string(nameSize, 'n'), "raw", 4000);
+        CXxh3 sum;
+        sum.Add(std::as_bytes(std::span("x", 1)));
+        CSealedPart part;
+        part.length = 1;
+        part.sum = sum.Take();
+        for (; part.offset < 4000; ++part.offset)
+            writer.Add(part);
+        writer.Finish(std::string(64, '0'));
+        return seal;
+    };
+    const std::size_t room = kBlock - sealWith(0).rfind('\n', kBlock - 2);
+    for (const std::size_t nameSize :
+         {room - 1, room, room + 1}) {  // a line ends before, at and after the end of a block
+        WriteAll(m_seal, sealWith(nameSize));
+        EXPECT_EQ(Check(bytes), EState::Changed) << nameSize;
+        EXPECT_EQ(m_findings.Count(), 1U) << "only the SHA-256 differs";
+    }
+}
+
+TEST_F(Seals, OfSeveralFilesHaveTheWorstStatus) {
+    const std::string longer = m_folder.Path("longer.vxd");
+    const std::string other = m_folder.Path("other");
+    WriteAll(m_path, kTwo);
+    WriteAll(longer, kTwo + "x");
+    WriteAll(other, "text");
+    EXPECT_EQ(RunTool({"seal", longer, m_path}).status, 1);
+    EXPECT_EQ(RunTool({"seal", "--force", other, longer, m_path}).status, 2);
+}
+
 TEST_F(Seals, CoverBytesOutsideOfSegments) {
+    SealFile(kTwo + "x");
+    EXPECT_EQ(Check(kTwo + "x"), EState::Intact) << "less than a header";
     const std::string gap(100'000, 'x');
     SealFile(kTwo + gap);
     EXPECT_EQ(m_run.status, 1);

@@ -22,6 +22,7 @@ VXFILE, REFERENCE = (pathlib.Path(argument).resolve() for argument in sys.argv[1
 # Each file: its source, the bytes that are kept, its kind and its state.
 FILES = {
     "a-1.vxd": ("small_example.vxd", None, "raw", "finished"),
+    "a/b/an.vxd": ("several_recordings.vxd", None, "raw", "finished"),
     "a/b/run.vxd": ("several_recordings.vxd", None, "raw", "finished"),
     "a/b/run.vxr": ("xml/results.vxr", None, "results", "finished"),
     "a/b/run.vxs": ("xml/settings.vxs", None, "settings", "finished"),
@@ -51,6 +52,10 @@ def make(folder):
         path = folder / name
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes((REFERENCE / source).read_bytes()[:size])
+    # Not the last recording is unfinished, but the one before.
+    data = (REFERENCE / "unfinished.vxd").read_bytes()
+    data = data.replace(b"RecordingData=-1\0\0", b"RecordingData=6418").replace(b"RecordingData=3650", b"RecordingData=-1\0\0")
+    (folder / "a/open.vxd").write_bytes(data)
     (folder / "a" / "notes.txt").write_text("not ours")
 
 
@@ -66,7 +71,7 @@ def check_rows(folder):
         assert bool(row["reason"]) == (state != "finished"), row
         seconds = (folder / row["path"]).stat().st_mtime_ns // 10**9
         assert row["modified"].startswith(time.strftime("%Y-%m-%dT%H:%M:%S.", time.gmtime(seconds))), row
-    assert summary.startswith("12 files: 6 finished, 2 unfinished, 4 damaged, 0 unreadable\n1 run by Guid, 0 of them"), summary
+    assert summary.startswith("13 files: 7 finished, 2 unfinished, 4 damaged, 0 unreadable\n1 run by Guid, 0 of them"), summary
     for jobs in "1", "7":
         assert run(".", "-j", jobs, status=1, folder=folder)[0] == text
     items = [json.loads(line) for line in run(".", "--jsonl", status=1, folder=folder)[0].splitlines()]
@@ -124,6 +129,8 @@ def check_changes(folder):
 
 
 def check_recordings(folder):
+    rows = rows_of(run(".", "--recordings", status=1, folder=folder)[0])
+    assert {row["path"] for row in rows} == {"./" + name for name in FILES}, "files without recordings have a row, too"
     recordings = rows_of(run("a-1.vxd", "--recordings", status=0, folder=folder)[0])
     assert [(row["task"], row["number"], row["wells"], row["samples"], row["state"]) for row in recordings] == [
         ("CompoundTest", "1", "2", "8", "finished")], recordings
@@ -136,7 +143,7 @@ def stored(path, sql):
 
 def check_database(folder, database):
     options = (str(folder), "--sqlite", database)
-    assert ", 12 of them read now" in run(*options, status=1)[1]
+    assert ", 13 of them read now" in run(*options, status=1)[1]
     found = stored(database, "SELECT path, kind, file_state FROM files ORDER BY path")
     assert found == [(str(folder / name), *FILES[name][2:]) for name in sorted(FILES)], found
     assert stored(database, "PRAGMA application_id") == [(0x56584341,)]
@@ -149,9 +156,9 @@ def check_database(folder, database):
     assert ", 0 of them read now" in run(*options, status=1)[1]
     shutil.copyfile(REFERENCE / "small_example.vxd", folder / "a/cut.vxd")
     (folder / "z.dat").unlink()
-    assert "11 files, 1 of them read now" in run(*options, status=1)[1]
+    assert "12 files, 1 of them read now" in run(*options, status=1)[1]
     assert stored(database, "SELECT file_state FROM files WHERE path LIKE '%/cut.vxd'") == [("finished",)]
-    assert stored(database, "SELECT count(*) FROM files") == [(11,)]
+    assert stored(database, "SELECT count(*) FROM files") == [(12,)]
     assert stored(database, "SELECT count(*) FROM recordings WHERE path NOT IN (SELECT path FROM files)") == [(0,)]
 
     # Another folder doesn't remove the first one.
@@ -159,7 +166,7 @@ def check_database(folder, database):
     other.mkdir()
     shutil.copyfile(REFERENCE / "small_example.vxd", other / "one.vxd")
     run(str(other), "--sqlite", database, status=0)
-    assert stored(database, "SELECT count(*) FROM files") == [(12,)]
+    assert stored(database, "SELECT count(*) FROM files") == [(13,)]
 
     # Newer and other databases are refused and unchanged.
     with sqlite3.connect(database) as connection:

@@ -141,6 +141,18 @@ TEST(ReadTraces, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
                                         "There is no trace for the recording of B, as it was never finished."}));
 }
 
+TEST(ReadTraces, ShowsNoRecordingOfAnotherDoseOrTask) {
+    const CTempFolder folder;
+    WriteAll(folder.Path("run.vxd"), FileOf({{{11, 0, {1, 2}}}}));
+    CPlateValues values;
+    values.recordings = {{"CompoundTest", 2000, "", "A"}, {"Series", 1000, "", "B"}};
+    ReadTraces(values, CRawDataFile(folder.Path("run.vxd")));
+    EXPECT_EQ(values.notes,
+              (std::vector<std::string>{"The recording at the place of A has another dose in the raw data file, so its "
+                                        "trace isn't shown.",
+                                        "The raw data file has no recording of B."}));
+}
+
 TEST(Packed, RoundsTheStepsOfATraceAwayFromEachOther) {
     CTrace trace(8, 0, {0.5, 100});
     trace.Add(0, 1, std::array<std::uint16_t, 3>{0, 33'333, 65'535});
@@ -321,6 +333,13 @@ TEST_F(ReportCommand, WritesThePageAndNamesNoFolder) {
     EXPECT_EQ(PageText().find(VXFILEIO_REFERENCE_DIR), std::string::npos);
 }
 
+TEST_F(ReportCommand, LabelsWellsAsTheResultsDoIfTheSettingsDiffer) {
+    std::string text = ReadAll(Reference("results.vxr"));
+    WriteAll(Own("run.vxr"), text.replace(text.find("<WellLabel>A1<"), 14, "<WellLabel>Zulu<"));
+    RunTool({"report", Own("run.vxr"), "--settings", Reference("settings.vxs"), "-o", page});
+    EXPECT_NE(PageText().find("Zulu"), std::string::npos);
+}
+
 TEST_F(ReportCommand, ReplacesAPageOnlyIfToldTo) {
     std::ofstream(page) << "old";
     EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "-o", page}).status, 2);
@@ -408,10 +427,24 @@ TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {
     EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("a.html is there already"), std::string::npos);
 }
 
-TEST_F(FolderReport, HasAResultsFileThatIsEmpty) {
-    std::ofstream(Path("c.vxr")).flush();
+TEST_F(FolderReport, EndsWithTheWorstStatusOfItsFiles) {
+    fs::resize_file(Path("a.vxr"), 0);
+    fs::resize_file(Path("b.vxr"), fs::file_size(Path("b.vxr")) / 2);
     EXPECT_EQ(Run().status, 2);
-    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("c.vxr is an empty file; expected"), std::string::npos);
+    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("a.vxr is an empty file; expected"), std::string::npos);
+    fs::remove(Path("a.vxr"));
+    const CToolRun again = Run();
+    EXPECT_NE(again.out.find("1 plate, 0 pages made"), std::string::npos) << again.out;
+    EXPECT_EQ(again.status, 1) << "the page that is kept says that its file is cut";
+}
+
+TEST_F(FolderReport, NamesPagesAfterTheirFilesAndMakesThemAgainIfTheNameChanges) {
+    fs::rename(Path("a.vxr"), Path("index.vxr"));
+    EXPECT_EQ(Run().status, 0);
+    EXPECT_TRUE(fs::exists(Path("pages/index-2.html")));
+    fs::rename(Path("b.vxr"), Path("b.VXR"));
+    EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
+    EXPECT_NE(ReadWholeText(Path("pages/b.html")).find("b.VXR"), std::string::npos);
 }
 
 TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
@@ -429,6 +462,8 @@ TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
     EXPECT_EQ(read[0].results, entry.results);
     EXPECT_EQ(read[0].colours, entry.colours);
     EXPECT_FALSE(read[0].isSound);
+    std::string other = index;
+    EXPECT_TRUE(EntriesOf(other.replace(other.rfind("\"page\""), 6, "\"pane\"")).empty()) << "of another version";
     EXPECT_TRUE(EntriesOf("<html>id=\"entries\">[{}]<").empty());
     EXPECT_TRUE(EntriesOf("").empty());
 }

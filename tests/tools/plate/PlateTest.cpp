@@ -164,6 +164,11 @@ TEST_F(Plate, ColumnsDependOnTheCommandLineAlone) {
     EXPECT_EQ(heads({"--ticks-per-second", "10000"}), "task,recording,well,time,seconds,sample");
 }
 
+TEST_F(Plate, AWellIsChosenOnceHoweverOftenItIsNamed) {
+    File("run.vxs", SettingsText("0123", "A1"));
+    EXPECT_EQ(Samples({"--well", "A1"}).out, Samples({"--well", "11,a1,A1-A1,11"}).out);
+}
+
 TEST_F(Plate, SettingsOfAnotherRunAreADoubt) {
     const std::string other = File("other.vxs", SettingsText("9999", "A1"));
     const CToolRun run = Samples({"--settings", other});
