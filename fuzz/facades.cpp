@@ -1,14 +1,12 @@
-// Makes a list of calls on the facades, in any order and with any values. Everything that the raw data writer accepted
-// must be in the file once it is closed; finished recordings must be there while it is still being written.
+// Makes a list of calls on the facades of raw data, in any order and with any values. Everything that the raw data
+// writer accepted must be in the file once it is closed; finished recordings must be there while it is still being
+// written.
 #include <optional>
 #include <vector>
 
 #include "fuzz/Fuzz.h"
 #include "fuzz/Segments.h"
-#include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
-
-using vxfileio::base::CExcConversion;
 
 namespace {
 
@@ -34,25 +32,17 @@ bool Takes(Function function) try {
 } catch (const CExcVXReader& failure) {
     Require(failure.GetCode() == -1 && !failure.GetMsg().empty(), "a failure has a text");
     return false;
-} catch (const CExcConversion& dose) {
-    Require(dose.code == CExcConversion::kDoseOutOfRange, "nothing but doses can't be converted");
-    return false;
 }
 
 class CSession {
  public:
-    CSession() {
-        m_results.SetFPAverage(3, 10, 5);
-        std::remove(m_raw.c_str());
-        m_export.SetResults(&m_results);
-    }
+    CSession() { std::remove(m_raw.c_str()); }
 
     void Call(CCalls& calls) {
         static constexpr void (CSession::*kCalls[])(CCalls&) = {
-            &CSession::OpenWriter,  &CSession::WriteFileHdr, &CSession::WriteRecordingHdr, &CSession::WriteData,
-            &CSession::WriteData,   &CSession::UpdateHdr,    &CSession::CloseWriter,       &CSession::OpenReader,
-            &CSession::ReadData,    &CSession::EditPlate,    &CSession::EditResults,       &CSession::EditAnalyzer,
-            &CSession::KeepOptions, &CSession::Settings,     &CSession::Results,           &CSession::Export};
+            &CSession::OpenWriter,  &CSession::WriteFileHdr, &CSession::WriteRecordingHdr,
+            &CSession::WriteData,   &CSession::WriteData,    &CSession::UpdateHdr,
+            &CSession::CloseWriter, &CSession::OpenReader,   &CSession::ReadData};
         (this->*kCalls[calls.Byte() % std::size(kCalls)])(calls);
     }
 
@@ -147,81 +137,9 @@ class CSession {
         }
     }
 
-    void EditPlate(CCalls& calls) {
-        const auto well = static_cast<std::int32_t>(calls.Signed(1));
-        m_plate.Data.AddWell(well, calls.Byte(), calls.Byte(), calls.Byte(), LabelOf(calls));
-        m_plate.SetWellState(well, calls.Byte() % 4);
-        m_plate.Data.Series.push_back(calls.Number(calls.Byte() % 9));
-        if (calls.Byte() % 4 != 0) return;
-        m_plate.Data.Compounds.push_back(std::make_unique<PlateCompound>());
-        m_plate.Data.Compounds.back()->Wells = m_plate.GetAllWellIDs();
-    }
-
-    void EditResults(CCalls& calls) {
-        const auto task = static_cast<enTask>(calls.Byte() % 8);
-        if (calls.Byte() % 2 == 0)
-            m_results.Init(calls.Byte(), task, TaskToString(task), m_plate.Data.Series, m_plate.GetAllWellIDs(), {});
-        CResultsWell* const well = m_results.GetWellResults(task, calls.Byte() % 4, static_cast<int>(calls.Signed(1)));
-        if (well == nullptr) return;
-        well->FPfastDetectionTimes.push_back(calls.Signed(8));
-        well->AverageCount = calls.Byte();
-        well->Average.assign(calls.Byte(), static_cast<double>(calls.Signed(4)));
-        well->SetResults(static_cast<enResponseType>(calls.Byte() % 20), enValueType::Plain,
-                         static_cast<double>(calls.Signed(8)));
-    }
-
-    void EditAnalyzer(CCalls& calls) {
-        m_analyzer.InitTask(enTask::Series, calls.Byte() % 8, m_plate.GetActiveWellIDs());
-        if (!m_analyzer.AnalyzeSettings[enTask::Series].empty())
-            m_analyzer.AnalyzeSettings[enTask::Series].front()[calls.Byte()].Analyze = false;
-    }
-
-    void KeepOptions(CCalls& calls) {
-        if (calls.Byte() % 2 == 0) m_export.SetPropertyAnalyzer(&m_analyzer);
-        if (calls.Byte() % 2 == 0) m_export.SetPropertyRecordPlate(&m_plate);
-        m_header.FileVersion = calls.Byte() % 5;
-        m_header.CompoundName = calls.Text();
-    }
-
-    void Settings(CCalls& calls) {
-        CISettingsWriter& writer = *m_io.GetSettingsWriter();
-        CISettingsReader& reader = *m_io.GetSettingsReader();
-        writer.SetXmlFileHeader(m_header);
-        writer.SetRecordPlateProperty(m_plate);
-        writer.SetAnalyzerProperty(m_analyzer);
-        if (!Takes([&] { writer.WriteFile(m_settings, static_cast<std::int32_t>(calls.Signed(1))); })) return;
-        if (!Takes([&] { reader.ReadFile(m_settings); })) return;
-        Require(reader.GetRecordPlateProperty()->Data.Series == m_plate.Data.Series, "the series comes back");
-        if (calls.Byte() % 2 == 0) m_plate = *reader.GetRecordPlateProperty();
-    }
-
-    void Results(CCalls& calls) {
-        m_io.GetResultsWriter()->SetXmlFileHeader(m_header);
-        m_io.GetResultsWriter()->WriteFile(m_resultsFile, m_results);
-        CIResultsReader reader;
-        reader.ReadFile(m_resultsFile);
-        if (calls.Byte() % 2 == 0) m_results = *reader.GetResults();
-    }
-
-    void Export(CCalls&) {
-        Takes([&] { m_export.ExportExcel(m_workbook); });
-    }
-
-    /// Returns a label of at most four letters, since each label makes a file.
-    static std::string LabelOf(CCalls& calls) { return std::string(calls.Byte() % 5, "AB/\\"[calls.Byte() % 4]); }
-
     std::string m_raw = CFuzzFolder::Path("run.vxd");
-    std::string m_settings = CFuzzFolder::Path("run.vxs");
-    std::string m_resultsFile = CFuzzFolder::Path("run.vxr");
-    std::string m_workbook = CFuzzFolder::Path("run.xls");
-    CVXFileIO m_io;
-    CIRawDataWriter& m_writer = *m_io.GetRawDateWriter();
-    CIRawDataReader& m_reader = *m_io.GetRawDataReader();
-    CIResultsExport& m_export = *m_io.GetResultsExport();
-    CPropRecordPlate m_plate;
-    CPropAnalyzer m_analyzer;
-    CResults m_results;
-    CXmlFileHeader m_header;
+    CIRawDataWriter m_writer;
+    CIRawDataReader m_reader;
     std::vector<CRecording> m_recordings;  ///< Everything that was written to the file.
     bool m_isOpen = false;
     bool m_hasHdr = false;

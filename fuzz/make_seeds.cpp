@@ -50,7 +50,7 @@ std::string ElementOf(const fs::path& scratch, Property property) {
     return ReadAll(scratch);
 }
 
-/// Copies each reference file to the targets that read its kind; documents also to the archive and each property set.
+/// Copies each reference file to the targets that read its kind; settings also to each property set.
 /// Leaves out large files, since the fuzzer makes inputs as large as the largest seed.
 void CopyReferences(const fs::path& folder, const fs::path& references) {
     for (const auto& entry : fs::recursive_directory_iterator(references)) {
@@ -64,8 +64,6 @@ void CopyReferences(const fs::path& folder, const fs::path& references) {
             if (kind == ".vxd") WriteSeed(folder / target / name, bytes);
         if (kind == ".vxs") WriteSeed(folder / "settings" / name, bytes);
         if (kind == ".vxr") WriteSeed(folder / "results" / name, bytes);
-        if (kind != ".vxs" && kind != ".vxr") continue;
-        WriteSeed(folder / "archive" / name, '\x07' + bytes);
         for (char set = 0; kind == ".vxs" && set < 10; ++set)
             WriteSeed(folder / "properties" / (name.string() + std::to_string(set)), set + ('\x40' + bytes));
     }

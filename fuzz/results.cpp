@@ -1,6 +1,9 @@
-// Reads any bytes as a results file, completely. What was read is written again and must read the same.
+// Reads any bytes as a results file, completely. What was read is exported, and written again and must read the same.
 #include "fuzz/Fuzz.h"
+#include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
+
+using vxfileio::base::CExcConversion;
 
 namespace {
 
@@ -21,11 +24,32 @@ void Walk(const CResults& results) {
     }
 }
 
+/// Exports the results of a plate that has some of their wells.
+void Export(const CResults& results) try {
+    static const std::string path = CFuzzFolder::Path("run.xls");
+    CPropRecordPlate plate;
+    for (const enTask task : results.GetTasks()) {
+        for (const std::int32_t id : results.GetWellIDs(task, 0))
+            if (plate.Data.Wells.size() < 3) plate.Data.AddWell(id, 0, 0, id, "A1");
+        for (std::int32_t i = 0; i < results.GetRecordingCount(task); ++i)
+            plate.Data.Series.push_back(results.GetRecording(task, i)->Dose);
+    }
+    const CPropAnalyzer analyzer;
+    CIResultsExport exporter;
+    exporter.SetResults(&results);
+    exporter.SetPropertyAnalyzer(&analyzer);
+    exporter.SetPropertyRecordPlate(&plate);
+    exporter.ExportExcel(path);
+} catch (const CExcConversion& dose) {
+    Require(dose.code == CExcConversion::kDoseOutOfRange, "nothing but doses can't be converted");
+}
+
 std::string Copied(const std::string& from, const std::string& to) {
     CIResultsReader reader;
     reader.ReadFile(from);
     Require(reader.GetReadError().size() < kMostReadError, "the message has an end");
     Walk(*reader.GetResults());
+    Export(*reader.GetResults());
     CIResultsWriter writer;
     writer.SetXmlFileHeader(*reader.GetXmlFileHeader());
     writer.WriteFile(to, *reader.GetResults());
