@@ -6,7 +6,6 @@ Prints one line for each disagreement and ends with 1 if there is any.
 
 import pathlib
 import re
-import sys
 
 import made
 import make_reference
@@ -51,18 +50,10 @@ def example_against_file():
         end = offset + width
     if end != len(data):
         yield f"the example in {PAGE.name} ends at {end}"
-    dumps = re.findall(r"^ +([0-9]+)  ((?:[0-9a-f]{2} )+) +\|", PAGE.read_text("utf-8"), re.MULTILINE)
-    if not dumps:
-        yield f"{PAGE.name} has no dump"
-    for offset, told in dumps:
-        told = bytes.fromhex(told)
-        if data[int(offset):int(offset) + len(told)] != told:
-            yield f"the dump in {PAGE.name} is wrong at {offset}"
+    yield from made.dumps_against(PAGE, data)
 
 
 CHECKS = (reader_against_twins, committed_against_made, example_against_file)
 
 if __name__ == "__main__":
-    disagreements = [line for check in CHECKS for line in check()]
-    print("\n".join(disagreements) or f"{len(list(FOLDER.glob('*.vxd')))} reference files agree")
-    sys.exit(bool(disagreements))
+    made.run(CHECKS, f"{len(list(FOLDER.glob('*.vxd')))} reference files agree")

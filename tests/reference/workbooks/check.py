@@ -13,7 +13,8 @@ import make_workbooks
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parent.parent.parent
-PAGE = (ROOT / "docs" / "workbook.md").read_text("utf-8")
+PAGE_FILE = ROOT / "docs" / "workbook.md"
+PAGE = PAGE_FILE.read_text("utf-8")
 sys.path += [str(ROOT / "tests" / "workbooks"), str(ROOT / "tests" / "reference")]
 import check_workbooks  # noqa: E402
 import made  # noqa: E402
@@ -120,14 +121,7 @@ def walk_against_stream():
 
 
 def dumps_against_file():
-    data = (FOLDER / "small.xls").read_bytes()
-    dumps = re.findall(r"^ +([0-9]+)  ((?:[0-9a-f]{2} )+) +\|", PAGE, re.MULTILINE)
-    if not dumps:
-        yield "the page has no dump"
-    for offset, told in dumps:
-        told = bytes.fromhex(told)
-        if data[int(offset):int(offset) + len(told)] != told:
-            yield f"the page's dump is wrong at {offset}"
+    return made.dumps_against(PAGE_FILE, (FOLDER / "small.xls").read_bytes())
 
 
 def precision_against_page():
@@ -145,6 +139,4 @@ CHECKS = (committed_against_made, xlrd_against_twins, records_against_page, file
           dumps_against_file, precision_against_page)
 
 if __name__ == "__main__":
-    disagreements = [line for check in CHECKS for line in check()]
-    print("\n".join(disagreements) or f"{len(NAMES)} reference workbooks agree")
-    sys.exit(bool(disagreements))
+    made.run(CHECKS, f"{len(NAMES)} reference workbooks agree")

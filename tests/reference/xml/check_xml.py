@@ -54,6 +54,4 @@ def examples_against_files():
 CHECKS = (files_against_made, same_content, examples_against_files)
 
 if __name__ == "__main__":
-    disagreements = [line for check in CHECKS for line in check()]
-    print("\n".join(disagreements) or f"{len(make_xml.DOCUMENTS)} XML reference files agree")
-    sys.exit(bool(disagreements))
+    made.run(CHECKS, f"{len(make_xml.DOCUMENTS)} XML reference files agree")
