@@ -190,47 +190,4 @@ TEST_F(ReaderTest, OtherFilesAreRefusedWithTheirText) {
     EXPECT_EQ(m_reader.GetFileHdr()->HeaderID, "OVL Vexaprobe 2.1=x:y");
 }
 
-TEST_F(ReaderTest, MalformedCellsAreReadAsFarAsPossible) {
-    std::string bytes = SmallFileBytes();
-    bytes.replace(100, 50, Cell(50, "FileType=A=B"));
-    bytes.replace(150, 50, Cell(50, "whatever key=A:B"));
-    bytes.replace(230, 50, Cell(50, "Guid==:=x"));
-    bytes.replace(280, 30, "PlateID=no NUL in this cell \r\n");
-    bytes.replace(310, 30, Cell(30, "CompoundID= +12abc"));
-    bytes.replace(1240, 50, Cell(50, "Recording= \r7"));  // CR separates, so the value is a blank
-    bytes.replace(340, 200, Cell(200, "CompoundName="));
-    bytes.replace(540, 100, Cell(100, "PreQC=1:x:-99999999999999999999:3:"));
-    OpenBytes(bytes);
-    const CRawDataFileHdr& file = *m_reader.GetFileHdr();
-    EXPECT_EQ(file.FileType, "A");
-    EXPECT_EQ(file.ProgramVersion, "A");
-    EXPECT_EQ(file.Guid, "x");
-    EXPECT_EQ(file.PlateID, "no NUL in this cell ");
-    EXPECT_EQ(file.CompoundID, 12);
-    EXPECT_EQ(file.CompoundName, "");
-    EXPECT_EQ(m_reader.GetIndex()->GetEntry(0)->Recording, 0);
-    EXPECT_EQ(file.PreQC, (std::vector<std::int64_t>{1, 0, std::numeric_limits<std::int64_t>::min(), 3, 0}));
-}
-
-TEST_F(ReaderTest, ShortListsKeepDefaultsAndLargeNumbersAreClamped) {
-    std::string bytes = SmallFileBytes();
-    bytes.replace(1190 + 400, 1030,
-                  Cell(30, "NumberOfWells=3") + Cell(200, "WellIDs=1:99999999999") +
-                      Cell(200, "Ticks=5000000000:-5000000000:6") + Cell(400, "UnitsPerADs=0,5:1e999:nan") +
-                      Cell(200, "ADZeros"));
-    OpenBytes(bytes);
-    const auto& wells = m_reader.GetRecordingHdr("CompoundTest", 1)->WellChannels;
-    ASSERT_EQ(wells.size(), 3U);
-    EXPECT_EQ(wells[0].ID, 1);
-    EXPECT_EQ(wells[1].ID, 2147483647);
-    EXPECT_EQ(wells[2].ID, -1);
-    EXPECT_EQ(wells[0].Ticks, 2147483647);  // intervals in files are 32 bits
-    EXPECT_EQ(wells[1].Ticks, -2147483648);
-    EXPECT_EQ(wells[2].Ticks, 6);
-    EXPECT_EQ(wells[0].UnitsPerAD, 0.0);
-    EXPECT_EQ(wells[1].UnitsPerAD, std::numeric_limits<double>::infinity());
-    EXPECT_TRUE(wells[2].UnitsPerAD != wells[2].UnitsPerAD);
-    EXPECT_EQ(wells[0].ADZero, 0);
-}
-
 }  // namespace
