@@ -57,14 +57,11 @@ class DamagedFileTest : public testing::Test {
 
     /// Reads a segment, which must be all zeros, and returns its number of samples or the text of the failure.
     std::string SizeOfNext() {
-        std::int32_t wellID = 0;
-        std::int64_t from = 0;
-        std::int64_t to = 0;
-        std::uint32_t size = 0;
-        std::uint16_t* samples = nullptr;
-        const std::string failure = TextOfFailure([&] { m_reader.ReadSegment(wellID, from, to, size, samples); });
-        EXPECT_EQ(std::count(samples, samples + size, 0), size);
-        return failure == "no failure" ? std::to_string(size) : failure;
+        CNextSegment next;
+        const std::string failure =
+            TextOfFailure([&] { m_reader.ReadSegment(next.well, next.from, next.to, next.size, next.samples); });
+        EXPECT_EQ(std::count(next.samples, next.samples + next.size, 0), next.size);
+        return failure == "no failure" ? std::to_string(next.size) : failure;
     }
 
     CTempFolder m_folder;

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "tests/rawdata/ExampleHdrs.h"
 #include "tests/xmlarchive/ArchiveTest.h"
 
 namespace {
@@ -108,19 +109,10 @@ TEST_F(SettingsFileTest, PropertiesMissingInAFileAreUnchanged) {
 
 TEST_F(SettingsFileTest, OnlyFailureToOpenThrows) {
     const std::string path = m_folder.Path("no such folder/a.vxs");
-    const auto text = [&](auto call) {
-        try {
-            call();
-        } catch (const CExcVXReader& failure) {
-            EXPECT_EQ(failure.GetCode(), -1);
-            return failure.GetMsg();
-        }
-        return std::string();
-    };
-    EXPECT_EQ(text([&] { m_writer.WriteFile(path); }), "Could not open settings file: " + path);
+    EXPECT_EQ(TextOfFailure([&] { m_writer.WriteFile(path); }), "Could not open settings file: " + path);
     EXPECT_EQ(m_writer.GetWriteError(), "No such file or directory, opening " + path);
-    EXPECT_EQ(text([&] { m_reader.ReadFile(path); }), "Could not open settings file: " + path);
-    EXPECT_EQ(text([&] { m_reader.ReadFile(m_folder.Path("")); }),
+    EXPECT_EQ(TextOfFailure([&] { m_reader.ReadFile(path); }), "Could not open settings file: " + path);
+    EXPECT_EQ(TextOfFailure([&] { m_reader.ReadFile(m_folder.Path("")); }),
               "Could not open settings file: " + m_folder.Path(""));
 
     CXmlFileHeader header;
