@@ -28,13 +28,17 @@ std::string Readable(std::string_view bytes) {
     return text;
 }
 
+std::string AndMore(std::size_t count) { return count == 0 ? "" : " and " + std::to_string(count) + " more"; }
+
 std::string ListText(const std::vector<std::int32_t>& numbers) {
     std::string text;
-    for (std::size_t i = 0; i < numbers.size();) {
+    std::size_t listed = 0;
+    for (std::size_t i = 0; i < numbers.size(); ++listed) {
+        if (listed == kMostListed) return text + AndMore(numbers.size() - i);
         std::size_t last = i;
         while (last + 1 < numbers.size() && std::int64_t{numbers[last + 1]} == std::int64_t{numbers[last]} + 1)
             ++last;
-        if (last < i + 2) last = i;  // two neighbours are told one by one
+        if (last < i + 2) last = i;  // two neighbours are listed one by one
         text += (text.empty() ? "" : ", ") + std::to_string(numbers[i]);
         if (last != i) text += " - " + std::to_string(numbers[last]);
         i = last + 1;

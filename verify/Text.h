@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -22,7 +23,26 @@ std::string Readable(std::string_view bytes);
 /// The same with its control characters: for programs, not for terminals.
 using vxfileio::helpers::Utf8;
 
-/// Returns numbers with ", " between them; runs of neighbours are shortened to "11 - 34".
+/// The most items that a list in a sentence shows.
+inline constexpr std::size_t kMostListed = 20;
+
+/// Returns " and 374 more"; empty for 0.
+std::string AndMore(std::size_t count);
+
+/// Returns the texts of items with ", " between them, of many the first and the number of the others; "none" if there
+/// are none.
+std::string ListOf(const auto& items, auto textOf) {
+    std::string list;
+    std::size_t listed = 0;
+    for (const auto& item : items) {
+        if (listed == kMostListed) break;
+        list += (listed++ == 0 ? "" : ", ") + textOf(item);
+    }
+    return listed == 0 ? "none" : list + AndMore(items.size() - listed);
+}
+
+/// Returns numbers with ", " between them, of many the first and the number of the others. Runs of neighbours are
+/// shortened to "11 - 34".
 std::string ListText(const std::vector<std::int32_t>& numbers);
 
 }  // namespace vxfile

@@ -45,6 +45,22 @@ std::string SettingsText(const std::string& guid, const std::string& label11) {
            well("11", label11, "0") + well("12", "B7", "1") + "</Wells></PropertyRecordPlate></Settings></Vexaprobe>";
 }
 
+/// Results of wells 11, which has no label, and 12, labelled B8, at 1 nM, and of well 12 at 2 nM.
+std::string ResultsText(const std::string& guid) {
+    const auto well = [](const std::string& id, const std::string& label, const std::string& time) {
+        return "<Well><WellID>" + id + "</WellID><WellLabel>" + label +
+               "</WellLabel><FPfastDetectionTimes Size=\"1\"><Time>" + time + "</Time></FPfastDetectionTimes></Well>";
+    };
+    return "<?xml version=\"1.0\" "
+           "?><Vexaprobe><Header><FileType>VXResults</FileType><FileVersion>1</FileVersion><Guid>" +
+           guid +
+           "</Guid></Header><Results><Task><TaskName>CompoundTest</TaskName><Recordings Size=\"2\"><Recording>"
+           "<Dose>1000</Dose><Wells Size=\"2\">" +
+           well("11", "", "1") + well("12", "B8", "2") +
+           "</Wells></Recording><Recording><Dose>2000</Dose><Wells Size=\"1\">" + well("12", "B8", "3") +
+           "</Wells></Recording></Recordings></Task></Results></Vexaprobe>";
+}
+
 /// Two recordings of wells 11 and 12 at doses of 1 nM and 2 nM, with the Guid 0123.
 std::string TwoDoses(const std::vector<std::uint16_t>& last = {9}) {
     const std::string bytes = FileOf({{{11, 0, {1, 2}}, {12, 0, {3}}}, {{11, 500, {7}}, {12, 500, last}}});
@@ -58,14 +74,21 @@ class Plate : public testing::Test {
         return m_folder.Path(name);
     }
 
-    /// Runs `samples` on the recording. `out` is the text that it writes.
-    CToolRun Samples(CWords options) {
+    /// Runs a command that writes a text, which becomes `out`.
+    CToolRun Written(CWords command, const CWords& options) {
         const std::string path = m_folder.Path("out.csv");
         std::filesystem::remove(path);
-        options.insert(options.begin(), {"samples", m_run, "-o", path});
-        CToolRun run = RunTool(options);
+        command.insert(command.end(), {"-o", path});
+        command.insert(command.end(), options.begin(), options.end());
+        CToolRun run = RunTool(command);
         if (std::filesystem::exists(path)) run.out = ReadAll(path);
         return run;
+    }
+
+    CToolRun Samples(const CWords& options) { return Written({"samples", m_run}, options); }
+
+    CToolRun Beats(const CWords& options) {
+        return Written({"table", File("run.vxr", ResultsText("0123")), "--what", "beats"}, options);
     }
 
     CTempFolder m_folder;
@@ -229,4 +252,54 @@ TEST_F(Plate, CommandsShowOnlyWhatIsChosenWithItsLabels) {
 
     const CToolRun watch = RunTool({"watch", m_run, "--well", "B7", "--dose", "2nM"});
     EXPECT_TRUE(Has(watch.out, "1 of 1 well, 1 segment, 1 sample\n")) << watch.out;
+}
+
+TEST_F(Plate, TablesHaveTheChosenRowsWithTheLabelsOfResultsAndSettings) {
+    const std::string settings = File("run.vxs", SettingsText("{0123}", "A1"));
+    const std::string head = "task,recording,dose,dose_text,well,label,beat,time,interval\n";
+    const std::string rows[] = {"CompoundTest,0,1000,1 nM,11,A1,0,1,\n", "CompoundTest,0,1000,1 nM,12,B8,0,2,\n",
+                                "CompoundTest,1,2000,2 nM,12,B8,0,3,\n"};
+    for (const auto& [words, text] :
+         std::vector<std::pair<CWords, std::string>>{{{}, rows[0] + rows[1] + rows[2]},
+                                                     {{"--well", "a01"}, rows[0]},
+                                                     {{"--well", "B8,A1", "--dose", "1nM"}, rows[0] + rows[1]},
+                                                     {{"--dose", "2nM", "--task", "CompoundTest"}, rows[2]},
+                                                     {{"--well", "12"}, rows[1] + rows[2]}}) {
+        const CToolRun run = Beats(words);
+        EXPECT_EQ(run.out, head + text);
+        EXPECT_EQ(run.err, "vxfile: Labels are those of " + settings + ".\n");
+        EXPECT_EQ(run.status, 0);
+    }
+    EXPECT_TRUE(Has(Beats({"--well", "Z9"}).err, settings + " has no well \"Z9\"; its wells: A1, B8."));
+    EXPECT_TRUE(Has(Beats({"--settings", settings}).out, "interval,analysed\n")) << "only named settings add columns";
+    EXPECT_EQ(RunTool({"table", m_folder.Path("run.vxr"), "-o", settings, "--force"}).status, 2);
+    EXPECT_EQ(ReadAll(settings), SettingsText("{0123}", "A1"));
+    std::filesystem::remove(settings);
+    EXPECT_EQ(Beats({"--well", "B8"}).out, head + rows[1] + rows[2]) << "the results have labels themselves";
+    EXPECT_TRUE(Has(Beats({"--well", "A1"}).err, "run.vxr has no well \"A1\"; its wells: 11, B8."));
+}
+
+TEST_F(Plate, TablesRefuseWhatTheResultsDoNotHave) {
+    File("run.vxs", SettingsText("9999", "A1"));
+    for (const auto& [option, word, failure] :
+         {std::tuple("--task", "Series", " has no task Series; its tasks: CompoundTest."),
+          std::tuple("--dose", "5nM", " has no recording with a dose of 5 nM; its doses: 1 nM, 2 nM."),
+          std::tuple("--well", "A2", " has no well \"A2\"; its wells: 11, B8."),
+          std::tuple("--well", "13", " has no well 13 in the chosen recordings; their wells: 11, 12 (B8).")}) {
+        const CToolRun run = Beats({option, word});
+        EXPECT_EQ(run.status, 2) << word;
+        EXPECT_TRUE(Has(run.err, failure) && run.out.empty()) << run.err;
+    }
+    const CToolRun means = RunTool({"table", m_folder.Path("run.vxr"), "--what", "means", "--well", "12"});
+    EXPECT_TRUE(means.status == 2 && Has(means.err, "Means are those of all wells")) << means.err;
+}
+
+TEST(PlateLabels, ListTheFirstOfManyWells) {
+    CPropRecordPlate plate;
+    for (std::int32_t well = 0; well < 384; ++well)
+        plate.Data.AddWell(2 * well, well / 24, well % 24, 0, "");
+    const std::string failure = FailureOf([&] { static_cast<void>(CPlateLabels(plate, "run.vxs").WellsOf("Z9")); });
+    EXPECT_EQ(failure,
+              "run.vxs has no well \"Z9\"; its wells: 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, "
+              "34, 36, 38 and 364 more.");
 }

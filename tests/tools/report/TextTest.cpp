@@ -135,4 +135,9 @@ TEST(Text, ShortensRunsOfThreeNumbersAndMore) {
                                            {{-1, 0, 1}, "-1 - 1"},
                                            {{kMost - 1, kMost, kLeast}, "2147483646, 2147483647, -2147483648"}})
         EXPECT_EQ(ListText(numbers), text);
+    std::vector<std::int32_t> many = {0, 1, 2};
+    for (std::int32_t i = 2; i < 200'000; ++i)
+        many.push_back(2 * i);
+    EXPECT_EQ(ListText(many),
+              "0 - 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40 and 199979 more");
 }

@@ -103,7 +103,9 @@ class CResultsWalk {
         });
         for (std::size_t i = first; i < m_waiting.size(); ++i)
             m_waiting[i].place = m_place;
+        m_hasDose = true;
         if (m_hasTask) PassWaiting();
+        if (m_visitor.recording && !IsDamaged()) Pass(m_visitor.recording);
     }
 
     void VisitMeans(CResultsRecording& recording) {
@@ -164,12 +166,6 @@ std::string WalkResults(const std::string& path, const CResultsVisitor& visitor)
     ReadDocument(path, "Can't open ", kResultsElement, damage,
                  [&](CXmlFileArchive& archive) { CResultsWalk(archive, visitor).Walk(); });
     return damage;
-}
-
-std::string WalkResults(const std::string& path, vxfileio::results::CResultsRows& rows) {
-    using vxfileio::results::CResultsRows;
-    if (rows.AreOfWells()) return WalkResults(path, {.well = std::bind_front(&CResultsRows::PutWell, &rows)});
-    return WalkResults(path, {.mean = std::bind_front(&CResultsRows::PutMean, &rows)});
 }
 
 }  // namespace vxfile

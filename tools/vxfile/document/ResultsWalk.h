@@ -14,6 +14,7 @@ using vxfileio::results::CRecordingPlace;
 struct CResultsVisitor {
     std::function<void(const CRecordingPlace&, std::int32_t wellID, const CResultsWell&)> well = {};
     std::function<void(const CRecordingPlace&, const CResponseMean&)> mean = {};  ///< Of a recording.
+    std::function<void(const CRecordingPlace&)> recording = {};                   ///< After its wells and means.
 };
 
 /// Reads a results file from front to back, and passes each well or mean to the visitor in the order of the document.
@@ -21,8 +22,5 @@ struct CResultsVisitor {
 /// their name or dose after their wells, one task or recording. Returns what was wrong with the document, as
 /// `CIResultsReader::GetReadError` does. Throws `CExcVXReader` if the file can't be opened.
 [[nodiscard]] std::string WalkResults(const std::string& path, const CResultsVisitor& visitor);
-
-/// Does the same, and turns what it reads into the rows of a table.
-[[nodiscard]] std::string WalkResults(const std::string& path, vxfileio::results::CResultsRows& rows);
 
 }  // namespace vxfile

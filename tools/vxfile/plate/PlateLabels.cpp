@@ -51,6 +51,16 @@ CPlateLabels::CPlateLabels(const CPropRecordPlate& plate, std::string source) : 
     }
 }
 
+void CPlateLabels::Replace(const std::map<std::int32_t, std::string>& labels, const std::string& source) {
+    if (!AreKnown()) m_source = source;
+    for (const auto& [well, text] : labels) {
+        CLabel& label = m_labels[well];
+        if (text.empty()) continue;
+        label.text = text;
+        if (PlaceOf(text).IsKnown()) label.place = PlaceOf(text);
+    }
+}
+
 std::string_view CPlateLabels::Of(std::int32_t well) const {
     const auto found = m_labels.find(well);
     return found == m_labels.end() ? std::string_view() : found->second.text;
@@ -96,10 +106,9 @@ std::vector<std::int32_t> CPlateLabels::WellsOf(const std::string& word) const {
     const auto id = TakeID(rest);
     if (id && rest.empty()) return {*id};
     if (!AreKnown())
-        throw CFailure(
-            "'" + word +
-            "' isn't the ID of a well, which is a whole number, and no settings file next to the recording has "
-            "its Guid; name one with --settings.");
+        throw CFailure("'" + word +
+                       "' isn't the ID of a well, which is a whole number, and no settings file next to the file has "
+                       "its Guid; name one with --settings.");
     std::vector<std::int32_t> wells = Find(word);
     if (wells.empty()) wells = FindRectangle(word);
     if (wells.empty()) throw CFailure(m_source + " has no well " + Quoted(word) + "; its wells: " + All() + '.');
@@ -141,12 +150,11 @@ std::vector<std::int32_t> CPlateLabels::FindRectangle(const std::string& word) c
     return wells;
 }
 
-/// Returns a list of all labels, and of the IDs of wells that have none.
+/// Returns a list of the labels, and of the IDs of wells that have none.
 std::string CPlateLabels::All() const {
-    std::string all;
-    for (const auto& [id, label] : m_labels)
-        all += (all.empty() ? "" : ", ") + (label.text.empty() ? std::to_string(id) : Readable(label.text));
-    return all.empty() ? "none" : all;
+    return ListOf(m_labels, [](const auto& well) {
+        return well.second.text.empty() ? std::to_string(well.first) : Readable(well.second.text);
+    });
 }
 
 }  // namespace vxfile

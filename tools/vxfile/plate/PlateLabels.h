@@ -15,16 +15,19 @@ namespace vxfile {
 /// Returns whether a word is a whole number, and so the ID of a well rather than its label.
 bool IsWellID(std::string_view word);
 
-/// The labels of wells, as a settings file has them. Without one, wells are known by their IDs alone.
+/// The labels of wells, as a settings or results file has them. Without one, wells are known by their IDs alone.
 class CPlateLabels {
  public:
     CPlateLabels() = default;
     /// `source` is the path of the settings file.
     CPlateLabels(const CPropRecordPlate& plate, std::string source);
 
-    /// Returns whether there is a settings file.
+    /// Adds the wells of another file by ID, with their labels in UTF-8. A label that isn't empty replaces a known one.
+    void Replace(const std::map<std::int32_t, std::string>& labels, const std::string& source);
+
+    /// Returns whether there is a file with labels.
     bool AreKnown() const { return !m_source.empty(); }
-    /// Returns its path; empty if there is none.
+    /// Returns the path of the first file; empty if there is none.
     const std::string& Source() const { return m_source; }
 
     /// Returns the label of a well, in UTF-8; empty if it has none. Valid as long as this object.
@@ -42,7 +45,7 @@ class CPlateLabels {
     /// Returns the IDs of the wells that a word means: the ID itself if it is a whole number, all wells with that very
     /// label, the well at a coordinate such as "b7" or "B07", or the wells of a rectangle such as "A1-B6", whose
     /// corners must exist. The coordinate of a well is its label if that has this form, or its row and column. Throws
-    /// `CFailure`, with a list of all labels, if there is no such well.
+    /// `CFailure`, with a list of the labels, if there is no such well.
     std::vector<std::int32_t> WellsOf(const std::string& word) const;
 
  private:

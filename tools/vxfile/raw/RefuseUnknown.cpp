@@ -5,18 +5,6 @@
 
 namespace vxfile {
 
-namespace {
-
-/// Returns the texts in their order, with ", " between them.
-std::string Joined(const auto& items, auto text) {
-    std::string joined;
-    for (const auto& item : items)
-        joined += (joined.empty() ? "" : ", ") + text(item);
-    return joined.empty() ? "none" : joined;
-}
-
-}  // namespace
-
 std::string ListOrNone(const std::set<std::int32_t>& numbers) {
     return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()});
 }
@@ -32,13 +20,13 @@ void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path
     for (const auto& task : choice.tasks) {
         if (tasks.contains(task)) continue;
         throw CFailure(std::string(path).append(" has no task ").append(task).append("; its tasks: ") +
-                       Joined(tasks, Readable) + '.');
+                       ListOf(tasks, Readable) + '.');
     }
     for (const auto dose : choice.doses) {
         if (!doses.contains(dose))
             throw CFailure(path + " has no recording with a dose of " + DoseText(dose) +
                            (choice.tasks.empty() ? "; its doses: " : " in the chosen tasks; their doses: ") +
-                           Joined(doses, DoseText) + '.');
+                           ListOf(doses, DoseText) + '.');
     }
 }
 

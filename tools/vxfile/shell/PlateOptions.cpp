@@ -9,7 +9,6 @@
 #include "tools/vxfile/shell/FileKind.h"
 #include "verify/Failure.h"
 #include "verify/raw/RawScan.h"
-#include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
 
@@ -54,14 +53,20 @@ bool CPlateOptions::HasPlateWords() const {
 }
 
 CPlateView CPlateOptions::ViewOf(const std::string& path) const {
+    CISettingsReader settings;
+    return ViewOf({path, GuidOfRawData(path)}, {}, settings);
+}
+
+CPlateView CPlateOptions::ViewOf(const CRunFile& file, const std::map<std::int32_t, std::string>& labels,
+                                 CISettingsReader& settings) const {
     CPlateView view{.choice = {.tasks = m_tasks, .doses = Doses()}, .ticksPerSecond = m_ticksPerSecond};
-    const CRunFile recording{path, GuidOfRawData(path)};
-    ReadLabels(view, m_settings.empty() ? SettingsBeside(path, recording.guid) : m_settings, recording);
-    ChooseWells(view);
+    ReadLabels(view, NameSettings() ? m_settings : SettingsBeside(file.path, file.guid), file, settings);
+    if (!labels.empty()) view.labels.Replace(labels, file.path);
+    TakeWells(view);
     return view;
 }
 
-void CPlateOptions::ChooseWells(CPlateView& view) const {
+void CPlateOptions::TakeWells(CPlateView& view) const {
     for (const auto& word : m_wells) {
         const auto wells = WellsOf(view, word);
         for (const auto well : wells) {
@@ -83,15 +88,15 @@ std::vector<std::int64_t> CPlateOptions::Doses() const {
     return doses;
 }
 
-void CPlateOptions::ReadLabels(CPlateView& view, const std::string& settings, const CRunFile& recording) {
-    if (settings.empty()) return;
-    RequireKind(EFileKind::Settings, settings);
-    CISettingsReader reader;
-    const std::string damage = ReadDocument(reader, settings);
-    if (!damage.empty()) view.doubts.push_back(settings + ": " + damage);
-    const std::string other = DifferenceOfRuns({settings, reader.GetXmlFileHeader()->Guid}, recording);
+void CPlateOptions::ReadLabels(CPlateView& view, const std::string& path, const CRunFile& file,
+                               CISettingsReader& settings) {
+    if (path.empty()) return;
+    RequireKind(EFileKind::Settings, path);
+    const std::string damage = ReadDocument(settings, path);
+    if (!damage.empty()) view.doubts.push_back(path + ": " + damage);
+    const std::string other = DifferenceOfRuns({path, settings.GetXmlFileHeader()->Guid}, file);
     if (!other.empty()) view.doubts.push_back(other + " Labels may be those of another plate.");
-    view.labels = CPlateLabels(*reader.GetRecordPlateProperty(), settings);
+    view.labels = CPlateLabels(*settings.GetRecordPlateProperty(), path);
 }
 
 std::string GuidOfRawData(const std::string& path) {

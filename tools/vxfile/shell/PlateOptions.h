@@ -1,17 +1,19 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "tools/vxfile/document/DocumentHead.h"
 #include "tools/vxfile/plate/PlateView.h"
 #include "tools/vxfile/shell/Command.h"
+#include "vxfileio/frame/VXFileIO.h"
 
 namespace vxfile {
 
 /// The options that choose tasks, doses and wells of a plate, and name its settings file. They are the same for every
-/// command that reads raw data files.
+/// command that reads raw data or results files.
 class CPlateOptions {
  public:
     /// Returns the options, for a command to list them after its own. They point to members of this object. With
@@ -19,7 +21,16 @@ class CPlateOptions {
     std::vector<COption> Options(bool showsTimes);
 
     /// Returns whether any of the options is given.
-    bool AreGiven() const { return HasPlateWords() || !m_tasks.empty() || !m_wells.empty(); }
+    bool AreGiven() const { return AreChoosing() || NameSettings(); }
+
+    /// Returns whether they choose tasks, doses or wells.
+    bool AreChoosing() const { return !m_tasks.empty() || !m_doses.empty() || !m_wells.empty(); }
+
+    bool ChooseWells() const { return !m_wells.empty(); }
+    bool ShowSeconds() const { return m_ticksPerSecond != 0; }
+
+    /// Returns whether they name a settings file.
+    bool NameSettings() const { return !m_settings.empty(); }
 
     /// Returns whether the command line has something that isn't in the raw data file: the settings, a dose with a
     /// unit, or a well that isn't an ID. The columns of tables depend only on this, never on files or their values.
@@ -30,10 +41,15 @@ class CPlateOptions {
     /// word means nothing.
     CPlateView ViewOf(const std::string& path) const;
 
+    /// Does the same for a file of a run that has labels itself, by ID. They replace those of the settings, which
+    /// `settings` receives.
+    CPlateView ViewOf(const CRunFile& file, const std::map<std::int32_t, std::string>& labels,
+                      CISettingsReader& settings) const;
+
  private:
     std::vector<std::int64_t> Doses() const;
-    void ChooseWells(CPlateView& view) const;
-    static void ReadLabels(CPlateView& view, const std::string& settings, const CRunFile& recording);
+    void TakeWells(CPlateView& view) const;
+    static void ReadLabels(CPlateView& view, const std::string& path, const CRunFile& file, CISettingsReader& settings);
 
     std::string m_settings;
     std::vector<std::string> m_tasks;

@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "tools/vxfile/document/DocumentHead.h"
-#include "tools/vxfile/document/ReadDocument.h"
-#include "tools/vxfile/document/ResultsWalk.h"
+#include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
+#include "tools/vxfile/shell/ResultsPlate.h"
 #include "tools/vxfile/shell/TableForm.h"
 #include "tools/vxfile/shell/commands/Commands.h"
 #include "verify/Failure.h"
@@ -20,7 +20,6 @@ namespace vxfile {
 
 using vxfileio::results::ColumnsOf;
 using vxfileio::results::CResultsRows;
-using vxfileio::results::CRowOptions;
 using vxfileio::results::EResultsTable;
 using vxfileio::results::ResultsTableOf;
 
@@ -32,7 +31,7 @@ constexpr CCommandText kText = {
     .details =
         "Writes one row per value of a results file: as text, as a JSON object per line, or as a structured array for "
         "numpy. With --settings the rows also have which wells and responses count. --columns describes the columns, "
-        "their types and units. Memory doesn't grow with the file.",
+        "their types and units, which depend only on the command line. Memory doesn't grow with the file.",
     .example = "vxfile table run.vxr --settings run.vxs --what responses -o responses.csv",
     .statuses =
         "  0  all rows were written\n"
@@ -48,71 +47,65 @@ class CTableCommand : public CCommand {
     std::vector<COption> Options() override {
         std::vector<COption> options = {
             {.names = "RESULTS", .target = &m_path, .text = "The results file", .isRequired = true},
-            {.names = "--settings",
-             .target = &m_settingsPath,
-             .text = "The settings file of the same run",
-             .value = "FILE"},
             {.names = "--what", .target = &m_what, .text = "responses (the default), means, beats or averages"},
-            TicksPerSecondOption(m_ticksPerSecond),
         };
-        return Together(std::move(options), m_form.Options(true));
+        return Together(Together(std::move(options), m_form.Options(true)), m_plate.Options(true));
     }
 
     int Run() override {
         const auto table = ResultsTableOf(m_what);
         if (!table) throw CFailure("There is no table '" + m_what + "'; choose responses, means, beats or averages.");
-        const bool hasSettings = !m_settingsPath.empty();
-        const auto columns = ColumnsOf(*table, hasSettings, m_ticksPerSecond != 0);
+        if (*table == EResultsTable::Means && m_plate.ChooseWells())
+            throw CFailure("Means are those of all wells; leave out --well, or choose another table.");
+        const auto columns = ColumnsOf(*table, m_plate.NameSettings(), m_plate.ShowSeconds());
         if (m_form.Describes()) {
             WriteColumns(m_form.Form(), m_form.Target(), columns);
             return kSound;
         }
-        m_form.Target().sources = {m_path, m_settingsPath};
         RequireKind(EFileKind::Results, m_path);
-        const CRowOptions options = RowOptions(hasSettings);
-        const auto writer =
-            MakeTableWriter(m_form.Form(), m_form.Target(), columns, [&] { return CountRows(*table, options); });
-        CResultsRows rows(*table, options, [&](auto row) { writer->Put(row); });
-        NoteDamage(m_path, WalkResults(m_path, rows));
+        TakeView();
+        m_form.Target().sources = {m_path, m_view.labels.Source()};
+        const auto writer = MakeTableWriter(m_form.Form(), m_form.Target(), columns, [&] { return CountRows(*table); });
+        const std::string damage = Walk(*table, [&](auto row) { writer->Put(row); });
+        if (!damage.empty()) m_view.doubts.push_back(m_path + ": " + damage);
         writer->Commit();
-        std::ranges::for_each(m_doubts, Complain);
-        return m_doubts.empty() ? kSound : kFindings;
+        std::ranges::for_each(m_view.doubts, Complain);
+        return m_view.doubts.empty() ? kSound : kFindings;
     }
 
  private:
-    CRowOptions RowOptions(bool hasSettings) {
-        if (!hasSettings) return {.ticksPerSecond = m_ticksPerSecond};
-        ReadSettings();
-        return {m_settings.GetRecordPlateProperty(), m_settings.GetAnalyzerProperty(), m_ticksPerSecond};
+    /// Finds out what the words of the plate mean, and reports whose labels the rows have.
+    void TakeView() {
+        const CResultsPlate plate = m_plate.AreChoosing() ? PlateOfResults(m_path) : CResultsPlate();
+        m_view = m_plate.ViewOf({m_path, GuidOfDocument(m_path)}, plate.labels, m_settings);
+        m_hasSettings = m_view.labels.AreKnown() && m_view.labels.Source() != m_path;
+        if (m_plate.AreChoosing()) RefuseUnknown(m_view, m_path, plate.recordings);
+        if (m_hasSettings) Complain(SourceText(m_view));
     }
 
-    /// Reads the settings, and notes what is wrong with them.
-    void ReadSettings() {
-        RequireKind(EFileKind::Settings, m_settingsPath);
-        NoteDamage(m_settingsPath, ReadDocument(m_settings, m_settingsPath));
-        const CRunFile settings{m_settingsPath, m_settings.GetXmlFileHeader()->Guid};
-        const std::string other = DifferenceOfRuns(settings, {m_path, HeadOfDocument(m_path).Guid});
-        if (!other.empty()) m_doubts.push_back(other + " Labels and marks may be those of another plate.");
+    /// Passes each row of the chosen tasks, doses and wells. Returns what is wrong with the results.
+    std::string Walk(EResultsTable table, CResultsRows::CPut put) const {
+        CResultsRows rows(table,
+                          {.plate = m_hasSettings ? m_settings.GetRecordPlateProperty() : nullptr,
+                           .analyzer = m_plate.NameSettings() ? m_settings.GetAnalyzerProperty() : nullptr,
+                           .ticksPerSecond = m_view.ticksPerSecond},
+                          std::move(put));
+        return WalkChosen(m_path, m_view.choice, rows);
     }
 
-    void NoteDamage(const std::string& path, const std::string& damage) {
-        if (!damage.empty()) m_doubts.push_back(path + ": " + damage);
-    }
-
-    std::uint64_t CountRows(EResultsTable table, const CRowOptions& options) const {
+    std::uint64_t CountRows(EResultsTable table) const {
         std::uint64_t count = 0;
-        CResultsRows rows(table, options, [&](auto /*row*/) { ++count; });
-        static_cast<void>(WalkResults(m_path, rows));
+        static_cast<void>(Walk(table, [&](auto /*row*/) { ++count; }));
         return count;
     }
 
     std::string m_path;
-    std::string m_settingsPath;
     std::string m_what = "responses";
     CTableForm m_form;
-    double m_ticksPerSecond = 0;
-    CISettingsReader m_settings;
-    std::vector<std::string> m_doubts;  ///< A sentence each.
+    CPlateOptions m_plate;
+    CPlateView m_view;
+    CISettingsReader m_settings;  ///< Those that are used.
+    bool m_hasSettings = false;
 };
 
 }  // namespace
