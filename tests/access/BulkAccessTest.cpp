@@ -186,6 +186,18 @@ TEST_F(BulkAccessTest, WellsAreInTheRequestedOrder) {
     EXPECT_TRUE(std::isnan(unlisted));
 }
 
+TEST_F(BulkAccessTest, ValuesWithoutUnitsAreNaN) {
+    std::string bytes = RecordingHdrBytes({.data = kFirstSegment}) + ChainBytes({{11, 0, {1}}, {12, 0, {2}}});
+    bytes.replace(bytes.find("0.0002:"), 6, "1,0002");
+    Write(bytes);
+    const CRecordingIndex index = CRawDataFile(m_path).ReadIndex(0);
+    double values[] = {0, 0};
+    index.Select().ReadScaled({{std::span(values, 1), std::span(values + 1, 1)}});
+    EXPECT_TRUE(std::isnan(values[0])) << "a reader takes 1";
+    EXPECT_EQ(values[1], (2 - 32768) * 0.0002);
+    EXPECT_EQ(index.GetRecordingHdr().WellChannels[0].UnitsPerAD, 1);
+}
+
 TEST_F(BulkAccessTest, WrongBuffersAreRefused) {
     const CSampleSelection selection = IndexOf({{11, 0, {1, 2}}, {12, 0, {3}}}).Select();
     std::vector<std::uint16_t> room(3, 9);

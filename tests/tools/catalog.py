@@ -128,6 +128,27 @@ def check_changes(folder):
         thread.join()
 
 
+def check_names(folder):
+    """Names that aren't UTF-8 are escaped, in the same way everywhere, and never mixed up with others."""
+    odd = folder.parent / "odd"
+    odd.mkdir()
+    names = {b"m\xe4rz.vxd": "m\\xe4rz.vxd", b"m\\xe4rz.vxd": "m\\x5cxe4rz.vxd", "m\u00e4rz.vxd".encode(): "m\u00e4rz.vxd",
+             b"new\nline \xff\xc3\xbc.vxd": "new\nline \\xff\u00fc.vxd"}
+    for name in names:
+        shutil.copyfile(REFERENCE / "small_example.vxd", os.fsencode(odd) + b"/" + name)
+    expected = sorted("odd/" + text for text in names.values())
+    rows = rows_of(run("odd", status=2, folder=odd.parent)[0])  # no name with a backslash can be opened
+    assert sorted(row["path"] for row in rows) == expected, rows
+    assert all(row["run_raw"] == (row["path"] if row["kind"] else "") for row in rows), rows
+    items = [json.loads(line) for line in run("odd", "--jsonl", status=2, folder=odd.parent)[0].splitlines()]
+    assert [item["path"] for item in items] == [row["path"] for row in rows]
+    database = str(folder.parent / "odd.db")
+    for read in 4, 0:
+        assert f"4 files, {read} of them read now" in run(str(odd), "--sqlite", database, status=2)[1]
+    assert sorted(path for path, in stored(database, "SELECT path FROM files")) == sorted(
+        str(odd.parent / path) for path in expected)
+
+
 def check_recordings(folder):
     rows = rows_of(run(".", "--recordings", status=1, folder=folder)[0])
     assert {row["path"] for row in rows} == {"./" + name for name in FILES}, "files without recordings have a row, too"
@@ -192,7 +213,7 @@ def check_interruption(folder, database):
         time.sleep(0.05)
         process.send_signal(signal.SIGINT)
         process.communicate()
-        if process.returncode == 130:
+        if process.returncode in (130, -signal.SIGINT):  # the latter if it had hardly begun
             assert (pathlib.Path(path).read_bytes() if os.path.exists(path) else None) == before
         else:
             assert process.returncode == 0  # it was faster
@@ -205,6 +226,9 @@ with tempfile.TemporaryDirectory() as top:
     check_runs(root)
     check_recordings(root)
     check_changes(root)
+    if os.name == "posix":
+        check_names(root)
+    assert "'0' isn't a number of files from 1" in run(".", "-j", "0", status=2)[1]
     check_database(root, str(root.parent / "plates.db"))
     check_interruption(root, str(root.parent / "again.db"))
     assert run(str(root / "nowhere"), status=2)[1].startswith("vxfile: Can't look into the folder")

@@ -1,6 +1,8 @@
 #include "vxfileio/access/IndexBuilder.h"
 
 #include <limits>
+#include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -9,11 +11,18 @@
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 #include "vxfileio/rawdata/RecordingHdrReader.h"
+#include "vxfileio/rawdata/ScaleFault.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::access {
 
 using namespace rawdata;
+
+namespace {
+
+constexpr double kUnknownUnits = std::numeric_limits<double>::quiet_NaN();
+
+}  // namespace
 
 CIndexBuilder::CIndexBuilder(std::shared_ptr<const CRawDataReader> reader, std::size_t recording)
     : m_index(std::make_shared<CIndexData>(CIndexData{.reader = std::move(reader), .recording = recording})),
@@ -24,6 +33,11 @@ CIndexBuilder::CIndexBuilder(std::shared_ptr<const CRawDataReader> reader, std::
         const auto row = static_cast<std::uint32_t>(m_index->wells.size());
         if (m_index->rows.try_emplace(channel.ID, row).second) m_index->wells.push_back(channel);
     }
+    std::string bytes(m_layout.recording.size, '\0');
+    const std::int64_t position = EndOfHdr() - static_cast<std::int64_t>(bytes.size());
+    bytes.resize(m_file.ReadUpTo(position, std::as_writable_bytes(std::span(bytes))));
+    for (const auto& [id, fault] : ScaleFaultsOf(m_layout, bytes, m_index->Header().WellChannels))
+        m_index->wells[m_index->rows.at(id)].UnitsPerAD = kUnknownUnits;
 }
 
 std::shared_ptr<const CIndexData> CIndexBuilder::BuildFinished() {
@@ -126,7 +140,7 @@ void CIndexBuilder::Add(std::int64_t position, const CSegmentHdr& header) {
 std::uint32_t CIndexBuilder::WellOf(std::int32_t id) {
     const auto row = static_cast<std::uint32_t>(m_index->wells.size());
     const auto [found, isNew] = m_index->rows.try_emplace(id, row);
-    if (isNew) m_index->wells.push_back({.ID = id, .UnitsPerAD = std::numeric_limits<double>::quiet_NaN()});
+    if (isNew) m_index->wells.push_back({.ID = id, .UnitsPerAD = kUnknownUnits});
     return found->second;
 }
 

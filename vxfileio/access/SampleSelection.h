@@ -81,7 +81,7 @@ class VXFILEIO_API CSampleSelection {
     void Read(std::span<const std::span<std::uint16_t>> buffers) const;
 
     /// Does the same with values in the physical unit of each well: (sample - `ADZero`) x `UnitsPerAD`. Those of a well
-    /// that the recording header doesn't list are NaN.
+    /// whose `UnitsPerAD` or `ADZero` isn't in the recording header, or isn't a number there, are NaN.
     void ReadScaled(std::span<const std::span<double>> buffers) const;
 
     /// Does the same as `Read`, and calls `check` after each 16 MiB of the file. What it throws ends the call; the

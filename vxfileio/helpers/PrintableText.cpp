@@ -16,8 +16,9 @@ std::string Hex(char c) {
 
 unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
-/// Returns the bytes of the UTF-8 character at the front that isn't ASCII; 0 if there is none.
-std::size_t SizeOfWide(std::string_view text) {
+/// Returns the number of bytes of the UTF-8 character at the front; 0 if there is none.
+std::size_t SizeOfFirst(std::string_view text) {
+    if (Byte(text.front()) < 0x80) return 1;
     const unsigned char lead = Byte(text.front());
     const std::size_t size = lead >= 0xF5 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
     if (size == 0 || text.size() < size) return 0;
@@ -59,11 +60,21 @@ std::string Counted(std::uint64_t count, std::string_view noun) {
 
 bool IsUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
-        const std::size_t size = Byte(bytes.front()) < 0x80 ? 1 : SizeOfWide(bytes);
+        const std::size_t size = SizeOfFirst(bytes);
         if (size == 0) return false;
         bytes.remove_prefix(size);
     }
     return true;
+}
+
+std::string Escaped(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const std::size_t size = SizeOfFirst(bytes);
+        text += size == 0 ? Hex(bytes.front()) : std::string(bytes.substr(0, size));
+        bytes.remove_prefix(size == 0 ? 1 : size);
+    }
+    return text;
 }
 
 std::string Utf8(std::string_view bytes) {

@@ -22,6 +22,9 @@ std::string Counted(std::uint64_t count, std::string_view noun);
 /// Returns whether all bytes are UTF-8, without the control characters that Latin-1 has at 0x80 to 0x9F.
 bool IsUtf8(std::string_view bytes);
 
+/// Returns bytes that are UTF-8 as they are, and each other one as `\xe4`.
+std::string Escaped(std::string_view bytes);
+
 /// Returns bytes that are UTF-8 as they are, and others with each byte as a character of Latin-1.
 std::string Utf8(std::string_view bytes);
 

@@ -4,10 +4,12 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
+#include "tests/tools/ToolRun.h"
 #include "tools/vxfile/raw/DecimalScale.h"
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
@@ -155,9 +157,32 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnRecording) {
     EXPECT_EQ(At<double>(array, 200), -8189.5);
 }
 
-TEST_F(Samples, InUnitsAreRefusedWithoutTheZeroOfTheirWell) {
-    const std::string bytes = WithCell(FileOf({{{12, 0, {10}}}}), "ADZeros", "8");
-    EXPECT_NE(Written(bytes, {}, {.units = true}).find("lacks UnitsPerAD or ADZero of well 12"), std::string::npos);
+TEST_F(Samples, InUnitsAreRefusedWithoutANumberForTheUnitsOfTheirWell) {
+    const std::string file = FileOf({{{12, 0, {10}}}});
+    for (const auto& [key, value, fault] :
+         {std::tuple("ADZeros", "8", "no value for well 12"), std::tuple("ADZeros", "8:zero", "\"zero\" for well 12"),
+          std::tuple("ADZeros", "8:1.5", "\"1.5\" for well 12"),
+          std::tuple("UnitsPerADs", "0.2:0,3", "\"0,3\" for well 12"),
+          std::tuple("UnitsPerADs", "0.2:1,5", "\"1,5\" for well 12"),
+          std::tuple("UnitsPerADs", "0.2:nan", "\"nan\" for well 12"),
+          std::tuple("UnitsPerADs", "1:1e999", "\"1e999\" for well 12")}) {
+        const std::string failure = Written(WithCell(file, key, value), {}, {.units = true});
+        EXPECT_TRUE(failure.starts_with(m_path + ": " + key + " of recording 1 (CompoundTest 1) has " + fault))
+            << failure;
+    }
+    EXPECT_TRUE(Written(WithCell(file, "UnitsPerADs", "0,3:0.5"), {}, {.units = true}).ends_with(",0,-16379.0\n"))
+        << "other wells have theirs";
+}
+
+TEST_F(Samples, UnitsThatAreNoNumberAreDamageForInfo) {
+    WriteAll(m_path, WithCell(FileOf({{{11, 0, {10}}}}), "UnitsPerADs", "0,3:0.5"));
+    const CToolRun info = RunTool({"info", m_path});
+    EXPECT_EQ(info.status, 1);
+    EXPECT_NE(
+        info.out.find("UnitsPerADs of recording 1 (CompoundTest 1) has \"0,3\" for well 11, which isn't a number"),
+        std::string::npos)
+        << info.out;
+    EXPECT_NE(RunTool({"info", "--json", m_path}).out.find("\"unitsPerAD\": null"), std::string::npos);
 }
 
 TEST(FileWindow, ReturnsBytesAcrossTheEndOfABlock) {

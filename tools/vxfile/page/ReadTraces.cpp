@@ -1,6 +1,7 @@
 #include "tools/vxfile/page/ReadTraces.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <span>
 #include <utility>
@@ -54,19 +55,27 @@ class CTraceReader {
             return;
         }
         std::vector<CTrace>& traces = m_values.traces[line];
-        MakeTraces(traces, m_file.GetRecordings()[*recording]);
-        const std::string failure =
-            FailureOf([&] { ReadSegments(m_file.ReadIndex(*recording, {.UpToDamage = true}), traces); });
+        const std::string failure = FailureOf([&] {
+            const CRecordingIndex index = m_file.ReadIndex(*recording, {.UpToDamage = true});
+            MakeTraces(traces, index, what);
+            ReadSegments(index, traces);
+        });
         if (!failure.empty()) m_values.notes.push_back("Only a part of " + what + " is shown. " + Readable(failure));
     }
 
  private:
-    void MakeTraces(std::vector<CTrace>& traces, const CRawDataRecordingHdr& header) const {
-        for (const CRawDataChannelInfo& channel : header.WellChannels) {
+    void MakeTraces(std::vector<CTrace>& traces, const CRecordingIndex& index, const std::string& what) {
+        std::vector<std::int32_t> withoutUnits;
+        for (const CRawDataChannelInfo& channel : index.GetWells()) {
             const auto found = m_wellAt.find(channel.ID);
+            if (found == m_wellAt.end()) continue;
             const CTrace::CScale scale = {channel.UnitsPerAD, channel.ADZero};
-            if (found != m_wellAt.end()) traces[found->second] = CTrace(m_steps, header.RecordingTime, scale);
+            traces[found->second] = CTrace(m_steps, index.GetRecordingHdr().RecordingTime, scale);
+            if (std::isnan(channel.UnitsPerAD)) withoutUnits.push_back(channel.ID);
         }
+        if (withoutUnits.empty()) return;
+        m_values.notes.push_back("UnitsPerADs or ADZeros in the header of " + what + " has no number for wells " +
+                                 ListText(withoutUnits) + "; their traces are in AD steps. Run 'vxfile verify' on it.");
     }
 
     void ReadSegments(const CRecordingIndex& index, std::vector<CTrace>& traces) {

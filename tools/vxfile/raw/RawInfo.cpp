@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "tools/vxfile/raw/UnitScales.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
 #include "verify/raw/RawScan.h"
@@ -78,12 +80,12 @@ class CRawInfo {
     void TellSummary(const std::string& lastState);
     CPage::CRow TellRecording(std::size_t index, CJson& json);
     void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
-    void JudgeHeader(std::size_t index, CPage::CRow& row);
+    void JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row);
     void JudgeWhatIsBehind();
     void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
 
     std::vector<CRawDataChannelInfo> WellsOf(const CRecordingAt& recording) const;
-    CJson WellsJson(const std::vector<CRawDataChannelInfo>& wells) const;
+    CJson WellsJson(const std::vector<CRawDataChannelInfo>& wells, const CScaleFaults& faults) const;
 
     const CPlateView& m_view;
     CRawScan m_scan;
@@ -180,11 +182,14 @@ std::vector<CRawDataChannelInfo> CRawInfo::WellsOf(const CRecordingAt& recording
     return wells;
 }
 
-CJson CRawInfo::WellsJson(const std::vector<CRawDataChannelInfo>& wells) const {
+CJson CRawInfo::WellsJson(const std::vector<CRawDataChannelInfo>& wells, const CScaleFaults& faults) const {
     CJson list = ChannelsJson(wells);
-    if (!m_view.labels.AreKnown()) return list;
-    for (CJson& well : list)
-        well["label"] = m_view.labels.Of(well["id"].get<std::int32_t>());
+    for (CJson& well : list) {
+        const auto id = well["id"].get<std::int32_t>();
+        const auto fault = faults.find(id);
+        if (fault != faults.end()) well[fault->second.key == "ADZeros" ? "adZero" : "unitsPerAD"] = nullptr;
+        if (m_view.labels.AreKnown()) well["label"] = m_view.labels.Of(id);
+    }
     return list;
 }
 
@@ -192,6 +197,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const CRawDataRecordingHdr& header = recording.header;
     const auto wells = WellsOf(recording);
+    const CScaleFaults faults = ScaleFaultsOf(m_scan, recording);
     json = {{"task", Readable(header.TaskName)},
             {"number", header.Recording},
             {"dose", header.Dose},
@@ -199,7 +205,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
             {"startTime", header.RecordingStartTime},
             {"length", header.RecordingTime},
             {"finished", recording.IsFinished()},
-            {"channels", WellsJson(wells)},
+            {"channels", WellsJson(wells, faults)},
             {"auxChannels", ChannelsJson(header.AuxChannels)}};
     CPage::CRow row = {std::to_string(index + 1),
                        Readable(header.TaskName),
@@ -214,7 +220,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
         row.insert(row.end() - 1, SecondsText(header.RecordingTime, m_view.ticksPerSecond));
         json["lengthSeconds"] = static_cast<double>(header.RecordingTime) / m_view.ticksPerSecond;
     }
-    JudgeHeader(index, row);
+    JudgeHeader(index, faults, row);
     if (m_counts) CountSegments(index, row, json);
     return row;
 }
@@ -226,13 +232,17 @@ void CRawInfo::NoteDamage(CPage::CRow& row, const char* word, const std::string&
 }
 
 /// Notes damage that shows without reading segments.
-void CRawInfo::JudgeHeader(std::size_t index, CPage::CRow& row) {
+void CRawInfo::JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const std::int64_t data = recording.header.FPosRecordingData;
     if (m_scan.DataPosition(recording) > m_scan.Size())
         NoteDamage(row, ", cut", "The file ends within the header of " + NameOf(recording, index));
     else if (recording.IsFinished() && (data < 0 || data > m_scan.Size()))
         NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
+    for (const auto& [well, fault] : faults) {
+        if (!fault.text.empty() && m_view.choice.HasWell(well))
+            NoteDamage(row, ", damaged", TextOf(fault, recording, index, well));
+    }
 }
 
 /// A chain that ends too early looks intact. But nothing may follow a finished recording that no position leads to.

@@ -35,9 +35,9 @@ const CRawDataChannelInfo& ChannelOf(const CPiece& piece) {
     if (piece.channel == nullptr)
         throw CFailure("The recording header has no well " + std::to_string(piece.well) +
                        ", so its unit isn't known; omit --units or choose other wells.");
-    if (!piece.hasScale)
-        throw CFailure("The recording header lacks UnitsPerAD or ADZero of well " + std::to_string(piece.well) +
-                       ", so its unit isn't known; omit --units or choose other wells.");
+    if (!piece.scaleFault.empty())
+        throw CFailure(piece.scaleFault +
+                       ", so its unit isn't known; omit --units, choose other wells, or correct a copy of the file.");
     return *piece.channel;
 }
 

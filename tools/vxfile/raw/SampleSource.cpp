@@ -127,7 +127,7 @@ void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
                                   const std::function<void(const CPiece&, CPlace)>& take) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const CListedWells wells(recording);
-    const auto withoutScale = WellsWithoutScale(m_scan, recording);
+    const auto scaleFaults = ScaleFaultsOf(m_scan, recording);
     const auto noteJump = [&](std::int64_t end) {
         if (walk.NextPosition() != end) m_judge.NoteEnd(end, index);
     };
@@ -139,7 +139,9 @@ void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
         if (!m_choice.plate.HasWell(segment->header.ID)) continue;
         RefuseWrong(*segment, channel, index);
         CPiece piece = Chosen(*segment, recording.header, channel);
-        piece.hasScale = !withoutScale.contains(piece.well);
+        const auto fault = scaleFaults.find(piece.well);
+        if (fault != scaleFaults.end())
+            piece.scaleFault = m_path + ": " + TextOf(fault->second, recording, index, piece.well);
         if (piece.count > 0) take(piece, {index, walk.NextPosition()});
     }
     if (walk.Break()) RefuseBreak(NameOf(recording, index));

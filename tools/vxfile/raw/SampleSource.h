@@ -28,7 +28,7 @@ struct CSampleChoice {
 struct CPiece {
     const CRawDataRecordingHdr* recording = nullptr;  ///< Valid as long as the file is open.
     const CRawDataChannelInfo* channel = nullptr;     ///< Null if the recording header doesn't name the well.
-    bool hasScale = true;                             ///< The header has the units of the channel.
+    std::string scaleFault = {};                      ///< A sentence if the header lacks the channel's units.
     std::int32_t well = 0;
     std::int64_t time = 0;      ///< The time of the first sample.
     std::int64_t tick = 0;      ///< The time from one sample to the next.

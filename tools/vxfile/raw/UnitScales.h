@@ -1,14 +1,22 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <set>
+#include <string>
 
 #include "verify/raw/RawScan.h"
+#include "vxfileio/rawdata/ScaleFault.h"
 
 namespace vxfile {
 
-/// Returns the wells of a recording without `UnitsPerAD` or `ADZero`: the list in the header is too short, or doesn't
-/// have a number for the well. Their samples are known only in converter steps.
-std::set<std::int32_t> WellsWithoutScale(const CRawScan& scan, const CRecordingAt& recording);
+using vxfileio::rawdata::CScaleFault;
+using vxfileio::rawdata::CScaleFaults;
+
+/// Returns why samples of wells of a recording have no values in physical units.
+CScaleFaults ScaleFaultsOf(const CRawScan& scan, const CRecordingAt& recording);
+
+/// Returns the fault of a well as a sentence without its full stop, such as `UnitsPerADs of recording 1 (Series 1) has
+/// "0,3" for well 11, which isn't a number`. `index` is that of the recording in the file.
+std::string TextOf(const CScaleFault& fault, const CRecordingAt& recording, std::size_t index, std::int32_t well);
 
 }  // namespace vxfile

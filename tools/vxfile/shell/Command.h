@@ -25,8 +25,8 @@ struct COption {
     bool isRequired = false;
     std::string_view value = {};   ///< The name of the value in help; by default NAME or NUMBER.
     std::string_view wanted = {};  ///< For numbers: the description in an error, such as "a number of seconds above 0".
-    double least = std::numeric_limits<double>::lowest();  ///< The range of a double; an integer has its type's range.
-    double most = std::numeric_limits<double>::max();
+    double least = std::numeric_limits<double>::lowest();  ///< The least number.
+    double most = std::numeric_limits<double>::max();      ///< The greatest double; an integer has that of its type.
     std::vector<std::string_view> needs = {};     ///< Options that must be given with it, listed before it.
     std::vector<std::string_view> excludes = {};  ///< Options that can't be given with it, listed before it.
 

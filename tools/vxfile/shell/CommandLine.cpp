@@ -108,11 +108,11 @@ bool TakesLists(const CLI::App& command) {
 /// Returns a check that accepts the decimal numbers of an integer type. Without it, the parser would read 010 as 8, and
 /// clamp numbers out of range.
 template <class Number>
-CLI::Validator WholeNumber(std::string_view wanted) {
-    const auto judge = [wanted](std::string& text) {
+CLI::Validator WholeNumber(double least, std::string_view wanted) {
+    const auto judge = [=](std::string& text) {
         Number number = 0;
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        if (error != std::errc() || end != text.data() + text.size())
+        if (error != std::errc() || end != text.data() + text.size() || static_cast<double>(number) < least)
             return std::string("'").append(text).append("' isn't ").append(wanted);
         text = std::to_string(number);
         return std::string();
@@ -138,11 +138,11 @@ CLI::Option* AddTo(CLI::App& app, const COption& option, const std::string& name
     } else {
         CLI::Option* const added = app.add_option(names, target, text);
         if constexpr (std::is_same_v<Target, std::int64_t>) {
-            added->transform(WholeNumber<std::int64_t>(option.wanted));
+            added->transform(WholeNumber<std::int64_t>(option.least, option.wanted));
         } else if constexpr (std::is_same_v<Target, double>) {
             added->check(Within(option.least, option.most, option.wanted));
         } else if constexpr (std::is_same_v<Target, std::vector<std::int32_t>>) {
-            added->transform(WholeNumber<std::int32_t>(option.wanted));
+            added->transform(WholeNumber<std::int32_t>(option.least, option.wanted));
         }
         if constexpr (!std::is_same_v<Target, std::string> && std::is_class_v<Target>) {
             if (!option.IsPositional()) added->delimiter(',')->allow_extra_args(false);

@@ -14,6 +14,8 @@
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/workbook/WorkbookInfo.h"
 
+using vxfileio::helpers::Escaped;
+
 namespace vxfile {
 
 namespace {
@@ -53,8 +55,8 @@ std::string_view StateOf(const CJson& recording) {
     return recording["segmentsDamaged"] ? kDamaged : kFinished;
 }
 
-void ScanRawData(CCatalogEntry& entry) {
-    const CJson info = InfoOfRawData(entry.path, true, false).Json();
+void ScanRawData(const std::string& path, CCatalogEntry& entry) {
+    const CJson info = InfoOfRawData(path, true, false).Json();
     entry.guid = BareGuid(info["guid"]);
     entry.plate = info["plateID"];
     entry.compound = info["compoundName"];
@@ -73,27 +75,27 @@ void ScanRawData(CCatalogEntry& entry) {
     if (info.contains("damage")) Damage(entry, info["damage"]);
 }
 
-void ScanDocument(CCatalogEntry& entry) {
-    const CXmlFileHeader head = HeadOfDocument(entry.path);
+void ScanDocument(const std::string& path, CCatalogEntry& entry) {
+    const CXmlFileHeader head = HeadOfDocument(path);
     entry.guid = BareGuid(Readable(head.Guid));
     entry.compound = Readable(head.CompoundName);
-    if (!EndsWithRoot(entry.path)) Damage(entry, "The document is cut: it doesn't end with the end tag of its root.");
+    if (!EndsWithRoot(path)) Damage(entry, "The document is cut: it doesn't end with the end tag of its root.");
 }
 
-void ScanWorkbook(CCatalogEntry& entry) {
-    const CJson info = InfoOfWorkbook(entry.path).Json();
+void ScanWorkbook(const std::string& path, CCatalogEntry& entry) {
+    const CJson info = InfoOfWorkbook(path).Json();
     if (info.contains("damage")) Damage(entry, info["damage"]);
 }
 
-void ScanKind(EFileKind kind, CCatalogEntry& entry) {
+void ScanKind(EFileKind kind, const std::string& path, CCatalogEntry& entry) {
     switch (kind) {
         case EFileKind::RawData:
-            return ScanRawData(entry);
+            return ScanRawData(path, entry);
         case EFileKind::Settings:
         case EFileKind::Results:
-            return ScanDocument(entry);
+            return ScanDocument(path, entry);
         case EFileKind::Workbook:
-            return ScanWorkbook(entry);
+            return ScanWorkbook(path, entry);
         case EFileKind::Unknown:
             return Damage(entry, "It isn't a file of this system, or its beginning is damaged.");
         case EFileKind::Empty:
@@ -105,6 +107,15 @@ void ScanKind(EFileKind kind, CCatalogEntry& entry) {
 CCell TextOrMissing(const std::string& text) { return text.empty() ? CCell() : CCell(text); }
 
 }  // namespace
+
+std::string PathText(const std::string& path) {
+    std::string text = path;
+    constexpr std::string_view kBackslash = "\\x5c";
+    const bool isEscaped = std::filesystem::path::preferred_separator != '\\';
+    for (std::size_t at = 0; isEscaped && (at = text.find("\\x", at)) != std::string::npos; at += kBackslash.size())
+        text.replace(at, 1, kBackslash);
+    return Escaped(text);
+}
 
 CStamp StampOf(const std::string& path) {
     std::error_code error;
@@ -126,13 +137,13 @@ CStamp StampOf(const std::string& path) {
 }
 
 CCatalogEntry ScanFile(const std::string& path) {
-    CCatalogEntry entry{.path = path, .stamp = StampOf(path)};
+    CCatalogEntry entry{.path = PathText(path), .stamp = StampOf(path)};
     EFileKind kind = EFileKind::Unknown;
-    entry.reason = FailureOf([&] { kind = FileKindOf(path); });
+    entry.reason = Escaped(FailureOf([&] { kind = FileKindOf(path); }));
     if (entry.reason.empty()) {
         entry.kind = WordOf(kind);
-        std::string failure = FailureOf([&] { ScanKind(kind, entry); });
-        if (!failure.empty()) Damage(entry, std::move(failure));
+        const std::string failure = FailureOf([&] { ScanKind(kind, path, entry); });
+        if (!failure.empty()) Damage(entry, Escaped(failure));
     } else {
         entry.state = kUnreadable;
     }

@@ -39,9 +39,13 @@ struct CCatalogRecording {
     std::string_view state = kFinished;
 };
 
+/// Returns a path as UTF-8 that no other path has: bytes that aren't UTF-8 as `\xe4`, and a backslash before an `x` as
+/// `\x5c`, unless backslashes separate folders. A program gets the path back if it replaces each of these by its byte.
+std::string PathText(const std::string& path);
+
 /// A file, as its headers describe it. Texts are UTF-8.
 struct CCatalogEntry {
-    std::string path = {};
+    std::string path = {};       ///< See `PathText`.
     std::string_view kind = {};  ///< See `WordOf`; empty if the file can't be read.
     CStamp stamp = {};
     std::string guid = {};  ///< See `BareGuid`: the files of one run have the same.

@@ -17,7 +17,8 @@ class CCatalogStore {
     CCatalogStore(const CCatalogStore&) = delete;
     CCatalogStore& operator=(const CCatalogStore&) = delete;
 
-    /// Marks a file as existing. Returns true if its row has the same stamp, so that it needn't be scanned.
+    /// Marks a file as existing, by its `PathText`, as all paths here. Returns true if its row has the same stamp, so
+    /// that it needn't be scanned.
     [[nodiscard]] virtual bool IsKnown(const std::string& path, const CStamp& stamp) = 0;
 
     /// Keeps the rows of files below a folder that can't be read now.

@@ -62,7 +62,8 @@ class CCatalogCommand : public CCommand {
                          {.names = "-j,--jobs",
                           .target = &m_threads,
                           .text = "Read this many files at once; by default one per processor",
-                          .wanted = "a number of files"}});
+                          .wanted = "a number of files from 1",
+                          .least = 1}});
     }
 
     int Run() override {
@@ -164,15 +165,15 @@ class CCatalogCommand : public CCommand {
     void Update() {
         const auto store = OpenCatalogStore(m_database);
         for (const auto& folder : m_unreadable)
-            store->KeepBelow(folder);
+            store->KeepBelow(PathText(folder));
         std::vector<std::string> changed;
         for (auto& path : m_paths) {
             const CStamp stamp = StampOf(path);
-            if (!stamp.modified.empty() && !store->IsKnown(path, stamp)) changed.push_back(std::move(path));
+            if (!stamp.modified.empty() && !store->IsKnown(PathText(path), stamp)) changed.push_back(std::move(path));
         }
         Scan(changed, [&](const CCatalogEntry& entry) { store->Put(entry); });
         for (const auto& folder : m_folders)
-            store->RemoveOthersBelow(folder);
+            store->RemoveOthersBelow(PathText(folder));
         for (const auto& [state, count] : store->States())
             m_states[state] += count;
         store->Commit();
