@@ -27,8 +27,8 @@ struct COption {
     std::string_view wanted = {};  ///< For numbers: the description in an error, such as "a number of seconds above 0".
     double least = std::numeric_limits<double>::lowest();  ///< The least number.
     double most = std::numeric_limits<double>::max();      ///< The greatest double; an integer has that of its type.
-    std::vector<std::string_view> needs = {};     ///< Options that must be given with it, listed before it.
-    std::vector<std::string_view> excludes = {};  ///< Options that can't be given with it, listed before it.
+    std::vector<std::string_view> needs = {};              ///< Options that must be given with it, listed before it.
+    std::vector<std::string_view> excludes = {};           ///< Options that can't be given with it, listed before it.
 
     /// Returns whether it is an argument without a name.
     bool IsPositional() const { return !names.starts_with('-'); }
