@@ -27,28 +27,18 @@ class CFileWindow {
         const auto size = static_cast<std::int64_t>(m_size);
         if (offset < 0 || offset + static_cast<std::int64_t>(least) > size) Read(position, ahead);
         const auto passed = static_cast<std::size_t>(position - m_start);
-        return {reinterpret_cast<const char*>(m_room.get()) + passed, m_size - passed};
-    }
-
-    /// Does the same for samples. Returns none only at the end of the file.
-    std::span<const std::uint16_t> SamplesAt(std::int64_t position, std::size_t ahead) {
-        if ((position - m_start) % kSampleSize != 0) Read(position, ahead);
-        const std::size_t bytes = BytesAt(position, sizeof(std::uint16_t), ahead).size();
-        return {m_room.get() + (position - m_start) / kSampleSize, bytes / sizeof(std::uint16_t)};
+        return {m_room.get() + passed, m_size - passed};
     }
 
  private:
-    static constexpr std::size_t kRoomSamples = kRoom / sizeof(std::uint16_t);
-    static constexpr std::int64_t kSampleSize = sizeof(std::uint16_t);
-
     void Read(std::int64_t position, std::size_t ahead) {
-        const auto room = std::as_writable_bytes(std::span(m_room.get(), kRoomSamples));
+        const auto room = std::as_writable_bytes(std::span(m_room.get(), kRoom));
         m_start = position;
         m_size = m_file.ReadUpTo(position, room.first(std::min(ahead, kRoom)));
     }
 
     const vxfileio::helpers::CFile& m_file;
-    std::unique_ptr<std::uint16_t[]> m_room = std::make_unique_for_overwrite<std::uint16_t[]>(kRoomSamples);
+    std::unique_ptr<char[]> m_room = std::make_unique_for_overwrite<char[]>(kRoom);
     std::int64_t m_start = 0;  ///< The file offset of the bytes.
     std::size_t m_size = 0;    ///< The number of bytes.
 };

@@ -79,14 +79,13 @@ void CRawScan::WalkRecordings() {
     }
 }
 
-CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads, bool isUnfinished)
+CSegmentWalk::CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, bool isUnfinished)
     : m_scan(scan),
       m_layout(scan.Layout()),
       m_nextCell(OffsetOf(m_layout.segment["FPosNextSegmentHdr"])),
       m_guard(scan.File(), m_layout.segment.size),
       m_next(first),
       m_cell(cell),
-      m_reads(reads),
       m_isUnfinished(isUnfinished) {
     m_segment.layout = &m_layout;
 }
@@ -125,21 +124,20 @@ std::string_view CSegmentWalk::HeaderBytes(std::int64_t position) {
 
 /// Segments tend to be as long as the one before. Reads whole segments, so that none is split between two reads.
 std::size_t CSegmentWalk::BytesAhead() const {
-    if (m_segmentBytes == 0 || (m_reads == EWalk::Headers && m_segmentBytes > kShortSegment))
-        return m_layout.segment.size;
+    if (m_segmentBytes == 0 || m_segmentBytes > kShortSegment) return m_layout.segment.size;
     const auto bytes = static_cast<std::size_t>(m_segmentBytes);
     return std::max(CFileWindow::kRoom / bytes, std::size_t{1}) * bytes;
 }
 
-CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWalk reads) {
+CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t cell = recording.position + OffsetOf(scan.Layout().recording["FPosRecordingData"]);
     const std::int64_t first = IsWithoutSegments(scan, recording) ? kUnset : recording.header.FPosRecordingData;
-    return {scan, first, cell, reads};
+    return {scan, first, cell};
 }
 
 CSegmentWalk SegmentsAfter(const CRawScan& scan, const CRecordingAt& recording) {
     const std::int64_t first = scan.DataPosition(recording);
-    return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, EWalk::Headers, true};
+    return {scan, scan.HasSegmentAt(first) ? first : kUnset, first, true};
 }
 
 CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording) {

@@ -58,7 +58,7 @@ class CRawScan {
     explicit CRawScan(const std::string& path);
 
     const vxfileio::helpers::CFile& File() const { return m_file; }
-    /// Returns the window that walks use; the samples of the current segment can be read through it.
+    /// Returns the window that walks use.
     CFileWindow& Window() const { return m_window; }
     /// The size of the file after its recording headers were read: everything that a finished recording points to lies
     /// within it, even if a writer has appended more since.
@@ -109,19 +109,13 @@ class CRawScan {
     std::optional<CChainBreak> m_break;
 };
 
-/// What a walk reads. Many short segments are always read at a time.
-enum class EWalk {
-    Headers,  ///< Of long segments only the header: copying unused samples would cost more than another call.
-    Samples,  ///< Headers and samples.
-};
-
 /// Walks one chain of segments through the window of its file.
 class CSegmentWalk {
  public:
     /// `first` is the position of the first segment, and `cell` the offset of the cell that has it. In an unfinished
     /// recording the chain also continues with a segment that follows its end: a writer appends it before it sets the
     /// position that leads to it.
-    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, EWalk reads, bool isUnfinished = false);
+    CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, bool isUnfinished = false);
 
     /// Moves to the next segment. Returns null at the end of the chain or where it is broken. The segment is valid
     /// until the next call.
@@ -129,10 +123,6 @@ class CSegmentWalk {
 
     /// Why there are no more segments; nothing if the chain ends as it should.
     const std::optional<CChainBreak>& Break() const { return m_break; }
-
-    /// Returns the position of the next segment; `kUnset` at the end. Another walk can continue there.
-    std::int64_t NextPosition() const { return m_next; }
-    void GoTo(std::int64_t position) { m_next = position; }
 
  private:
     std::string_view HeaderBytes(std::int64_t position);
@@ -146,7 +136,6 @@ class CSegmentWalk {
     std::int64_t m_cell;
     CSegmentAt m_segment;
     std::optional<CChainBreak> m_break;
-    EWalk m_reads;
     bool m_isUnfinished;
     std::int64_t m_segmentBytes = 0;  ///< The size of the last segment, header and samples.
 };
@@ -165,7 +154,7 @@ class CSegmentBudget {
 };
 
 /// Returns the walk along a recording's own chain; it has no segment if the recording isn't finished.
-CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording, EWalk reads = EWalk::Headers);
+CSegmentWalk SegmentsOf(const CRawScan& scan, const CRecordingAt& recording);
 
 /// Returns the walk along the segments after the header of an unfinished recording.
 CSegmentWalk SegmentsAfter(const CRawScan& scan, const CRecordingAt& recording);

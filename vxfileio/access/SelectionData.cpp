@@ -7,20 +7,12 @@
 #include "vxfileio/access/Missing.h"
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
-#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::access {
 
 using namespace rawdata;
 
 namespace {
-
-/// Returns the time from one sample to the next: that of the well, or else the longest that the segment's times allow.
-std::int64_t IntervalOf(const CSegmentRow& row, const CRawDataChannelInfo& channel) {
-    if (channel.Ticks > 0) return channel.Ticks;
-    const auto span = SpanOf(row.timeFrom, row.timeTo);
-    return span && row.samples > 1 ? std::max<std::int64_t>(*span / (row.samples - 1), 1) : 1;
-}
 
 /// Returns whether the first sample of a piece comes one interval after the last one of a run.
 bool Continues(const CSampleRun& run, const CSelectedPiece& piece) {
@@ -72,7 +64,7 @@ void CSelectionData::SelectWell(std::int32_t id) {
 CSelectedPiece CSelectionData::PieceOf(const CSegmentRow& row) const {
     CSelectedPiece piece{.well = m_placeOf[row.well],
                          .timeFrom = row.timeFrom,
-                         .interval = IntervalOf(row, m_index->wells[row.well]),
+                         .interval = IntervalOf(row.timeFrom, row.timeTo, row.samples, m_index->wells[row.well].Ticks),
                          .offset = row.offset,
                          .samples = row.samples};
     Clip(piece);
@@ -93,9 +85,7 @@ void CSelectionData::Clip(CSelectedPiece& piece) const {
         piece.samples = 0;
         return;
     }
-    piece.samples -= before;
-    piece.timeFrom = static_cast<std::int64_t>(static_cast<std::uint64_t>(piece.timeFrom) + before * interval);
-    piece.offset += static_cast<std::int64_t>(before) * kSampleBytes;
+    piece.SkipFirst(before);
 }
 
 void CSelectionData::Count(const CSegmentRow& row, const CSelectedPiece& piece) {

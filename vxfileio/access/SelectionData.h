@@ -8,6 +8,7 @@
 
 #include "vxfileio/access/IndexData.h"
 #include "vxfileio/access/SampleSelection.h"
+#include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::access {
 
@@ -18,6 +19,14 @@ struct CSelectedPiece {
     std::int64_t interval = 1;
     std::int64_t offset = 0;  ///< Of the first sample in the file.
     std::uint64_t samples = 0;
+
+    /// Leaves out a number of samples at the beginning. A time beyond 64 bits wraps around.
+    void SkipFirst(std::uint64_t count) noexcept {
+        samples -= count;
+        timeFrom = static_cast<std::int64_t>(static_cast<std::uint64_t>(timeFrom) +
+                                             count * static_cast<std::uint64_t>(interval));
+        offset += static_cast<std::int64_t>(count) * rawdata::kSampleBytes;
+    }
 };
 
 /// What a `CSampleSelection` holds. Immutable.

@@ -85,6 +85,15 @@ constexpr std::optional<std::int64_t> TimeAfter(std::int64_t time, std::int64_t 
     return time + length;
 }
 
+/// Returns the time from one sample of a segment to the next, at least 1: `tick`, the interval of its well, or else the
+/// longest that its times allow.
+constexpr std::int64_t IntervalOf(std::int64_t from, std::int64_t to, std::uint32_t samples,
+                                  std::int64_t tick) noexcept {
+    if (tick > 0) return tick;
+    const auto span = SpanOf(from, to);
+    return span && samples > 1 ? std::max<std::int64_t>(*span / (samples - 1), 1) : 1;
+}
+
 /// Returns the number of samples as every reader takes it: the low 32 bits of `Size`.
 constexpr std::uint32_t SamplesOf(const CSegmentHdr& header) noexcept {
     return static_cast<std::uint32_t>(header.Size);

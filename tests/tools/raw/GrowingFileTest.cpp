@@ -60,7 +60,7 @@ std::string DamageOfSamples(const std::string& path) {
     std::string doubts;
     const std::string failure = FailureOf([&] {
         CSampleSource source(path, {});
-        source.ForEach([&](const CPiece& piece) { source.Read(piece, [](auto /*samples*/) {}); });
+        source.ForEach([](const CPiece& /*piece*/) {});
         for (const auto& doubt : source.Doubts())
             doubts += doubt;
     });
@@ -163,10 +163,10 @@ TEST_F(GrowingFile, EndsForAScanWhereItEndedWhenItWasOpened) {
     EXPECT_TRUE(scan.IsGrowing());
     EXPECT_TRUE(scan.HasByteAt(static_cast<std::int64_t>(more.size()) - 1));
     EXPECT_FALSE(scan.HasByteAt(static_cast<std::int64_t>(more.size())));
-    CSegmentWalk walk(scan, scan.Size(), 0, EWalk::Headers);
+    CSegmentWalk walk(scan, scan.Size(), 0);
     EXPECT_EQ(walk.Next(), nullptr);
     EXPECT_FALSE(walk.Break());
-    CSegmentWalk beyond(scan, static_cast<std::int64_t>(more.size()), 0, EWalk::Headers);
+    CSegmentWalk beyond(scan, static_cast<std::int64_t>(more.size()), 0);
     EXPECT_EQ(beyond.Next(), nullptr);
     EXPECT_TRUE(beyond.Break());
 }

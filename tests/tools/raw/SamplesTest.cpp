@@ -39,10 +39,7 @@ class Samples : public testing::Test {
         const std::string failure = FailureOf([&] {
             CSampleSource source(m_path, choice);
             const auto sink = MakeSampleSink(form, source);
-            source.ForEach([&](const CPiece& piece) {
-                sink->Begin(piece);
-                source.Read(piece, [&](std::span<const std::uint16_t> samples) { sink->Put(piece.time, samples); });
-            });
+            source.ForEach([&](const CPiece& piece) { sink->Put(piece); });
             source.RefuseNothing();
             m_doubts = source.Doubts();
             m_missing = source.MissingWells();

@@ -36,7 +36,7 @@ const CRawDataChannelInfo& ChannelOf(const CPiece& piece) {
         throw CFailure("The recording header has no well " + std::to_string(piece.well) +
                        ", so its unit isn't known; omit --units or choose other wells.");
     if (!piece.scaleFault.empty())
-        throw CFailure(piece.scaleFault +
+        throw CFailure(std::string(piece.scaleFault) +
                        ", so its unit isn't known; omit --units, choose other wells, or correct a copy of the file.");
     return *piece.channel;
 }
@@ -57,32 +57,13 @@ class CTextTable : public CSampleSink {
         std::ranges::replace(m_text, ',', separator);
     }
 
-    void Begin(const CPiece& piece) override {
-        m_piece = &piece;
+    void Put(const CPiece& piece) override {
         if (m_units) m_scale = CDecimalScale(ChannelOf(piece));
-        m_start = DelimitedField(piece.recording->TaskName, m_separator) + m_separator +
-                  std::to_string(piece.recording->Recording) + m_separator + std::to_string(piece.well) + m_separator;
-        if (m_labels == nullptr) return;
-        m_start += DelimitedField(std::string(m_labels->Of(piece.well)), m_separator) + m_separator +
-                   std::to_string(piece.recording->Dose) + m_separator;
-    }
-
-    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
-        for (const std::uint16_t sample : samples) {
-            m_text += m_start;
-            AddNumber(time);
-            m_text += m_separator;
-            if (m_ticksPerSecond != 0) {
-                AddNumber(static_cast<double>(time) / m_ticksPerSecond);
-                m_text += m_separator;
-            }
-            if (m_units) {
-                m_scale.AddTo(m_text, sample);
-            } else {
-                AddNumber(sample);
-            }
-            m_text += '\n';
-            time = m_piece->TimeAfter(time, 1);
+        SetStart(piece);
+        std::int64_t time = piece.time;
+        for (const std::uint16_t sample : piece.samples) {
+            AddLine(time, sample);
+            time = piece.TimeAfter(time, 1);
             if (m_text.size() > kBlockSize) Flush();
         }
         Flush();
@@ -96,6 +77,30 @@ class CTextTable : public CSampleSink {
 
  private:
     static constexpr std::size_t kBlockSize = std::size_t{64} << 10;
+
+    void SetStart(const CPiece& piece) {
+        m_start = DelimitedField(piece.recording->TaskName, m_separator) + m_separator +
+                  std::to_string(piece.recording->Recording) + m_separator + std::to_string(piece.well) + m_separator;
+        if (m_labels == nullptr) return;
+        m_start += DelimitedField(std::string(m_labels->Of(piece.well)), m_separator) + m_separator +
+                   std::to_string(piece.recording->Dose) + m_separator;
+    }
+
+    void AddLine(std::int64_t time, std::uint16_t sample) {
+        m_text += m_start;
+        AddNumber(time);
+        m_text += m_separator;
+        if (m_ticksPerSecond != 0) {
+            AddNumber(static_cast<double>(time) / m_ticksPerSecond);
+            m_text += m_separator;
+        }
+        if (m_units) {
+            m_scale.AddTo(m_text, sample);
+        } else {
+            AddNumber(sample);
+        }
+        m_text += '\n';
+    }
 
     void AddNumber(auto number) {
         m_text.append(m_number.data(), std::to_chars(m_number.data(), m_number.data() + m_number.size(), number).ptr);
@@ -111,7 +116,6 @@ class CTextTable : public CSampleSink {
     COutput m_output;
     const CPlateLabels* m_labels;
     double m_ticksPerSecond;
-    const CPiece* m_piece = nullptr;
     CDecimalScale m_scale;
     std::string m_start;  ///< The start of each line of the piece.
     std::string m_text;
@@ -143,16 +147,14 @@ class CNpyArray : public CSampleSink {
         : m_units(form.units),
           m_file(form.target, form.units ? "'<f8'" : "'<u2'", [&] { return CountAhead(form, source); }) {}
 
-    void Begin(const CPiece& piece) override {
+    void Put(const CPiece& piece) override {
         if (piece.well != m_well.value_or(piece.well)) RefuseSecondWell();
         m_well = piece.well;
-        if (m_units) m_channel = ChannelOf(piece);
-    }
-
-    void Put(std::int64_t /*time*/, std::span<const std::uint16_t> samples) override {
+        const auto samples = piece.samples;
         if (!m_units) return m_file.Put(std::as_bytes(samples), samples.size());
+        const CRawDataChannelInfo& channel = ChannelOf(piece);
         m_values.resize(samples.size());
-        std::ranges::transform(samples, m_values.begin(), [&](auto sample) { return InUnits(sample, m_channel); });
+        std::ranges::transform(samples, m_values.begin(), [&](auto sample) { return InUnits(sample, channel); });
         m_file.Put(std::as_bytes(std::span(m_values)), samples.size());
     }
 
@@ -162,7 +164,6 @@ class CNpyArray : public CSampleSink {
     bool m_units;
     CNpyFile m_file;
     std::optional<std::int32_t> m_well;
-    CRawDataChannelInfo m_channel;
     std::vector<double> m_values;
 };
 
@@ -181,9 +182,25 @@ class CNpyTable : public CSampleSink {
           m_block(kBlockItems * m_itemSize),
           m_file(form.target, Type(), [&] { return CountAhead(form, source); }) {}
 
-    void Begin(const CPiece& piece) override {
-        m_piece = &piece;
-        if (m_units) m_channel = ChannelOf(piece);
+    void Put(const CPiece& piece) override {
+        const CRawDataChannelInfo* const channel = m_units ? &ChannelOf(piece) : nullptr;
+        SetFront(piece);
+        std::int64_t time = piece.time;
+        for (auto samples = piece.samples; !samples.empty();) {
+            const auto part = samples.first(std::min(samples.size(), kBlockItems));
+            Fill(piece, channel, time, part);
+            m_file.Put(std::span(m_block).first(part.size() * m_itemSize), part.size());
+            samples = samples.subspan(part.size());
+            time = piece.TimeAfter(time, part.size());
+        }
+    }
+
+    void Finish(std::vector<COutput*>& outputs) override { m_file.Finish(outputs); }
+
+ private:
+    static constexpr std::size_t kBlockItems = 4096;
+
+    void SetFront(const CPiece& piece) {
         m_front = piece.recording->TaskName;
         m_front.resize(m_taskSize);
         Append(m_front, piece.recording->Recording);
@@ -192,21 +209,6 @@ class CNpyTable : public CSampleSink {
         m_front.append(m_labels->Of(piece.well)).append(m_labelSize - m_labels->Of(piece.well).size(), '\0');
         Append(m_front, piece.recording->Dose);
     }
-
-    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override {
-        while (!samples.empty()) {
-            const auto part = samples.first(std::min(samples.size(), kBlockItems));
-            Fill(time, part);
-            m_file.Put(std::span(m_block).first(part.size() * m_itemSize), part.size());
-            samples = samples.subspan(part.size());
-            time = m_piece->TimeAfter(time, part.size());
-        }
-    }
-
-    void Finish(std::vector<COutput*>& outputs) override { m_file.Finish(outputs); }
-
- private:
-    static constexpr std::size_t kBlockItems = 4096;
 
     std::string Type() const {
         return "[('task','|S" + std::to_string(m_taskSize) + "'),('recording','<i4'),('well','<i4')," +
@@ -221,7 +223,8 @@ class CNpyTable : public CSampleSink {
         bytes.append(raw.data(), raw.size());
     }
 
-    void Fill(std::int64_t time, std::span<const std::uint16_t> samples) {
+    void Fill(const CPiece& piece, const CRawDataChannelInfo* channel, std::int64_t time,
+              std::span<const std::uint16_t> samples) {
         std::byte* at = m_block.data();
         const auto add = [&at](const auto& number) {
             std::memcpy(at, &number, sizeof number);
@@ -232,11 +235,11 @@ class CNpyTable : public CSampleSink {
             add(time);
             if (m_ticksPerSecond != 0) add(static_cast<double>(time) / m_ticksPerSecond);
             if (m_units) {
-                add(InUnits(sample, m_channel));
+                add(InUnits(sample, *channel));
             } else {
                 add(sample);
             }
-            time = m_piece->TimeAfter(time, 1);
+            time = piece.TimeAfter(time, 1);
         }
     }
 
@@ -249,8 +252,6 @@ class CNpyTable : public CSampleSink {
     std::vector<std::byte> m_block;
     CNpyFile m_file;
     std::string m_front;  ///< The start of each item of the piece: everything before the time.
-    const CPiece* m_piece = nullptr;
-    CRawDataChannelInfo m_channel;
 };
 
 // ---- A file per well ------------------------------------------------------------------------------------------------
@@ -275,16 +276,13 @@ class CSinkPerWell : public CSampleSink {
  public:
     CSinkPerWell(CSampleForm form, CSampleSource& source) : m_form(std::move(form)), m_source(source) {}
 
-    void Begin(const CPiece& piece) override {
+    void Put(const CPiece& piece) override {
         auto& sink = m_sinks[piece.well];
         if (m_sinks.size() > kMostSinks)
             throw CFailure("There are too many wells for one file each; choose some with --well.");
         if (!sink) sink = MakeSink(FormOf(piece.well), m_source);
-        m_current = sink.get();
-        m_current->Begin(piece);
+        sink->Put(piece);
     }
-
-    void Put(std::int64_t time, std::span<const std::uint16_t> samples) override { m_current->Put(time, samples); }
 
     void Finish(std::vector<COutput*>& outputs) override {
         for (auto& sink : m_sinks)
@@ -308,7 +306,6 @@ class CSinkPerWell : public CSampleSink {
     CSampleForm m_form;
     CSampleSource& m_source;
     std::map<std::int32_t, std::unique_ptr<CSampleSink>> m_sinks;
-    CSampleSink* m_current = nullptr;
 };
 
 }  // namespace

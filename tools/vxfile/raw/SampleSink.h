@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -33,11 +32,8 @@ class CSampleSink {
     CSampleSink(const CSampleSink&) = delete;
     CSampleSink& operator=(const CSampleSink&) = delete;
 
-    /// Begins a piece, before its samples are read. Keeps a pointer to it, which must stay valid until the next
-    /// `Begin`.
-    virtual void Begin(const CPiece& piece) = 0;
-    /// Writes the next samples of the piece. `time` is the time of the first of them.
-    virtual void Put(std::int64_t time, std::span<const std::uint16_t> samples) = 0;
+    /// Writes the samples of a piece.
+    virtual void Put(const CPiece& piece) = 0;
     /// Finishes all outputs. Either all files appear or none; without this call, none does.
     void Commit();
     /// Finishes all outputs and adds them to `outputs`, for the caller to commit.

@@ -10,29 +10,25 @@
 #include "tools/vxfile/raw/UnitScales.h"
 #include "tools/vxfile/report/Text.h"
 #include "verify/Failure.h"
+#include "vxfileio/access/SampleStream.h"
+#include "vxfileio/rawdata/HeaderCodec.h"
 
 using namespace vxfileio::rawdata;
+using vxfileio::access::CSamplePart;
+using vxfileio::access::CSampleStream;
 
 namespace vxfile {
 
 namespace {
 
-/// The number of pieces that the first walk keeps.
-constexpr std::size_t kMostKept = std::size_t{16} << 10;
+/// The segments of the recordings that are kept, at 32 bytes each.
+constexpr std::size_t kMostKept = std::size_t{128} << 10;
 
-/// Returns the sample interval of a segment: the interval of its well, or one computed from its times.
-std::int64_t TickOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel) {
-    if (channel != nullptr && channel->Ticks > 0) return channel->Ticks;
-    const auto& header = segment.header;
-    if (segment.Samples() < 2 || header.TimeTo <= header.TimeFrom) return 1;
-    const std::uint64_t tick = Distance(header.TimeFrom, header.TimeTo) / (segment.Samples() - 1);
-    return std::max<std::int64_t>(static_cast<std::int64_t>(tick), 1);
-}
-
-/// Returns true if the times of all samples fit the type.
+/// Returns true if the times of all samples fit the type. `tick` is the interval of the well, 0 if unknown.
 bool HasTimes(const CSegmentAt& segment, std::int64_t tick) {
-    const std::uint64_t most = Distance(segment.header.TimeFrom, std::numeric_limits<std::int64_t>::max());
-    return segment.Samples() == 0 || segment.Samples() - 1 <= most / static_cast<std::uint64_t>(tick);
+    const auto& [from, to] = std::pair(segment.header.TimeFrom, segment.header.TimeTo);
+    return segment.Samples() == 0 ||
+           TimeAfter(from, segment.Samples() - 1, IntervalOf(from, to, segment.Samples(), tick));
 }
 
 /// The wells that a recording lists, by ID. If two have the same ID, the first one counts.
@@ -53,6 +49,45 @@ class CListedWells {
     std::unordered_map<std::int32_t, const CRawDataChannelInfo*> m_channels;
 };
 
+/// The segments of an index, as a walk along their chain finds them.
+class CSegmentsAt {
+ public:
+    CSegmentsAt(const CRawScan& scan, const CRecordingIndex& index) : m_scan(scan), m_index(index) {
+        if (!index.GetDamage().empty() && index.GetSegmentCount() > 0) m_next = NextOf(index.GetSegmentCount() - 1);
+    }
+
+    CSegmentAt At(std::size_t number) const {
+        const CSegmentInfo info = m_index.GetSegment(number);
+        CSegmentAt segment;
+        segment.position = Position(number);
+        segment.layout = &m_scan.Layout();
+        segment.header.ID = info.WellID;
+        segment.header.Size = info.Samples;
+        segment.header.TimeFrom = info.TimeFrom;
+        segment.header.TimeTo = info.TimeTo;
+        segment.header.FPosNextSegmentHdr = Position(number + 1);
+        return segment;
+    }
+
+    /// Returns the position of a segment, or what the last one has as the position of the next.
+    std::int64_t Position(std::size_t number) const {
+        return number < m_index.GetSegmentCount() ? m_index.GetSegment(number).Offset - m_scan.SegmentHdrSize()
+                                                  : m_next;
+    }
+
+ private:
+    /// Returns the position of the next segment that the header of a segment has.
+    std::int64_t NextOf(std::size_t number) const {
+        CSegmentHdr header;
+        Decode(m_scan.Layout(), m_scan.ReadBytes(Position(number), m_scan.Layout().segment.size), header);
+        return header.FPosNextSegmentHdr;
+    }
+
+    const CRawScan& m_scan;
+    const CRecordingIndex& m_index;
+    std::int64_t m_next = kUnset;  ///< After the last segment: where a broken chain leads.
+};
+
 bool HasAllTimes(const CSampleChoice& choice) {
     const CSampleChoice all;
     return choice.from == all.from && choice.to == all.to;
@@ -61,10 +96,7 @@ bool HasAllTimes(const CSampleChoice& choice) {
 }  // namespace
 
 CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
-    : m_path(path),
-      m_scan(path),
-      m_choice(std::move(choice)),
-      m_reads(m_choice.plate.wells.empty() && HasAllTimes(m_choice) ? EWalk::Samples : EWalk::Headers) {
+    : m_path(path), m_scan(path), m_choice(std::move(choice)) {
     if (m_choice.from > m_choice.to)
         throw CFailure("--from " + std::to_string(m_choice.from) + " is later than --to " +
                        std::to_string(m_choice.to) + "; swap them.");
@@ -72,6 +104,7 @@ CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
     RefuseUnknownRecordings(m_choice.plate, m_path, m_scan.Recordings());
     RefuseUnknownNumbers();
     RefuseUnfinished();
+    if (!m_scan.Recordings().empty()) m_file.emplace(m_path);
 }
 
 void CSampleSource::RefuseUnknownNumbers() const {
@@ -94,81 +127,99 @@ void CSampleSource::RefuseUnfinished() const {
 }
 
 void CSampleSource::ForEach(const CTakePiece& take) {
-    for (const CPiece& piece : m_kept)
-        take(piece);
-    Walk(m_afterKept, m_reads, [&](const CPiece& piece, CPlace /*next*/) { take(piece); });
+    Walk([&](std::size_t index, const CSampleSelection& selection) {
+        const CRecordingAt& recording = m_scan.Recordings()[index];
+        const CListedWells wells(recording);
+        std::map<std::int32_t, std::string> faults;
+        for (const auto& [well, fault] : ScaleFaultsOf(m_scan, recording))
+            faults[well] = m_path + ": " + TextOf(fault, recording, index, well);
+        CSampleStream::Read(selection, [&](const CSamplePart& part) {
+            const auto fault = faults.find(part.wellID);
+            take({.recording = &recording.header,
+                  .channel = wells.Find(part.wellID),
+                  .scaleFault = fault == faults.end() ? std::string_view() : fault->second,
+                  .well = part.wellID,
+                  .time = part.timeFrom,
+                  .tick = part.interval,
+                  .position = part.offset,
+                  .samples = part.samples});
+        });
+    });
 }
 
 const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
-    if (!m_kept.empty()) return m_counts;
+    if (!m_counts.empty()) return m_counts;
     m_judge.Clear();
-    Walk({}, EWalk::Headers, [&](const CPiece& piece, CPlace next) {
-        m_counts[piece.well] += piece.count;
-        if (m_kept.size() == kMostKept) return;
-        m_kept.push_back(piece);
-        m_afterKept = next;
+    Walk([&](std::size_t /*index*/, const CSampleSelection& selection) {
+        for (const CWellSamples& well : selection.GetWells()) {
+            if (well.Samples > 0) m_counts[well.WellID] += well.Samples;
+        }
     });
     m_judge.Close();
     return m_counts;
 }
 
-void CSampleSource::Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take) {
-    if (from.recording == 0 && !from.segment) m_judge.NoteStart();
-    for (std::size_t i = from.recording; i < m_scan.Recordings().size(); ++i) {
+/// Calls `take` for each chosen recording. Throws `CFailure` after the last samples before damage.
+void CSampleSource::Walk(const CTakeSelection& take) {
+    m_judge.NoteStart();
+    for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
         if (!IsChosen(recording.header) || !recording.IsFinished()) continue;
-        CSegmentWalk walk = SegmentsOf(m_scan, recording, reads);
-        if (i == from.recording && from.segment) walk.GoTo(*from.segment);
-        WalkRecording(i, walk, take);
+        const auto [index, sound] = ReadRecording(i);
+        const auto selection = index.Select(
+            {.WellIDs = m_choice.plate.wells, .From = m_choice.from, .To = m_choice.to, .Segments = sound.segments});
+        m_any = m_any || selection.GetSamples() > 0;
+        take(i, selection);
+        if (!sound.damage.empty()) RefuseBreak(sound.damage);
     }
 }
 
-void CSampleSource::WalkRecording(std::size_t index, CSegmentWalk walk,
-                                  const std::function<void(const CPiece&, CPlace)>& take) {
-    const CRecordingAt& recording = m_scan.Recordings()[index];
-    const CListedWells wells(recording);
-    const auto scaleFaults = ScaleFaultsOf(m_scan, recording);
-    const auto noteJump = [&](std::int64_t end) {
-        if (walk.NextPosition() != end) m_judge.NoteEnd(end, index);
+CSampleSource::CRead CSampleSource::ReadRecording(std::size_t recording) {
+    const auto kept = m_kept.find(recording);
+    if (kept != m_kept.end()) return kept->second;
+    const CRecordingIndex index = m_file->ReadIndex(recording, {.UpToDamage = true});
+    CRead read{index, Judge(index, recording)};
+    if (index.GetSegmentCount() > kMostKept - m_keptSegments) return read;
+    m_keptSegments += index.GetSegmentCount();
+    return m_kept.emplace(recording, std::move(read)).first->second;
+}
+
+/// Judges the segments of a recording, and updates the range of times and the list of wells.
+CSampleSource::CSound CSampleSource::Judge(const CRecordingIndex& index, std::size_t recording) {
+    const CListedWells wells(m_scan.Recordings()[recording]);
+    const CSegmentsAt segments(m_scan, index);
+    const auto noteJump = [&](std::int64_t end, std::int64_t next) {
+        if (next != end) m_judge.NoteEnd(end, recording);
     };
-    noteJump(m_scan.DataPosition(recording));
-    while (const CSegmentAt* segment = walk.Next()) {
-        noteJump(segment->End());
-        const CRawDataChannelInfo* const channel = wells.Find(segment->header.ID);
-        if (channel == nullptr) m_judge.NoteUnlisted(*segment, index);
-        if (!m_choice.plate.HasWell(segment->header.ID)) continue;
-        RefuseWrong(*segment, channel, index);
-        CPiece piece = Chosen(*segment, recording.header, channel);
-        const auto fault = scaleFaults.find(piece.well);
-        if (fault != scaleFaults.end())
-            piece.scaleFault = m_path + ": " + TextOf(fault->second, recording, index, piece.well);
-        if (piece.count > 0) take(piece, {index, walk.NextPosition()});
+    noteJump(m_scan.DataPosition(m_scan.Recordings()[recording]), segments.Position(0));
+    for (std::size_t i = 0; i < index.GetSegmentCount(); ++i) {
+        const CSegmentAt segment = segments.At(i);
+        const std::int32_t well = segment.header.ID;
+        noteJump(segment.End(), segment.header.FPosNextSegmentHdr);
+        const CRawDataChannelInfo* const channel = wells.Find(well);
+        if (channel == nullptr) m_judge.NoteUnlisted(segment, recording);
+        if (!m_choice.plate.HasWell(well)) continue;
+        const std::string damage = DamageOf(segment, channel, recording);
+        if (!damage.empty()) return {i, damage};
+        if (!m_choice.plate.wells.empty()) m_wells.insert(well);
+        m_first = std::min(m_first, segment.header.TimeFrom);
+        m_last = std::max(m_last, segment.header.TimeTo);
     }
-    if (walk.Break()) RefuseBreak(NameOf(recording, index));
+    const bool isBroken = !index.GetDamage().empty();
+    return {index.GetSegmentCount(), isBroken ? NameOf(m_scan.Recordings()[recording], recording) : ""};
 }
 
-/// Throws `CFailure` unless the samples of the segment are in the file and belong to it.
-void CSampleSource::RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording) {
+/// Returns what can't be read: a segment whose samples aren't in the file or don't belong to it. Otherwise nothing.
+std::string CSampleSource::DamageOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel,
+                                    std::size_t recording) {
     const auto name = [&] { return NameOf(m_scan.Recordings()[recording], recording); };
-    if (segment.End() > m_scan.Size()) RefuseBreak("the last segment of " + name());
-    if (m_judge.IsShared(segment, recording)) RefuseBreak(name() + ", which leads into another recording,");
-    if (channel != nullptr && channel->Ticks <= 0) m_judge.NoteNoInterval(segment, recording);
-    const bool isAdmitted = m_judge.Admits(segment, channel == nullptr ? 0 : channel->Ticks, recording);
-    if (!isAdmitted || !HasTimes(segment, TickOf(segment, channel)))
-        RefuseBreak("the segment of well " + std::to_string(segment.header.ID) + " at byte " +
-                    std::to_string(segment.position) + " in " + name());
-}
-
-void CSampleSource::Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take) {
-    std::int64_t position = piece.position;
-    for (std::uint64_t left = piece.count; left > 0;) {
-        const auto samples = m_scan.Window().SamplesAt(position, left * kSampleBytes);
-        if (samples.empty()) RefuseBreak("the samples at byte " + std::to_string(position));
-        const auto part = samples.first(std::min<std::uint64_t>(samples.size(), left));
-        take(part);
-        left -= part.size();
-        position += static_cast<std::int64_t>(part.size_bytes());
-    }
+    const std::int64_t tick = channel == nullptr ? 0 : channel->Ticks;
+    if (segment.End() > m_scan.Size()) return "the last segment of " + name();
+    if (m_judge.IsShared(segment, recording)) return name() + ", which leads into another recording,";
+    if (channel != nullptr && tick <= 0) m_judge.NoteNoInterval(segment, recording);
+    if (m_judge.Admits(segment, tick, recording) && HasTimes(segment, tick)) return {};
+    return "the segment of well " + std::to_string(segment.header.ID) + " at byte " + std::to_string(segment.position) +
+           " in " + name();
 }
 
 void CSampleSource::RefuseNothing() const {
@@ -225,45 +276,6 @@ std::size_t CSampleSource::LongestTask() const {
 
 bool CSampleSource::IsChosen(const CRawDataRecordingHdr& header) const {
     return m_choice.plate.HasRecording(header) && HasOrIsEmpty(m_choice.recordings, header.Recording);
-}
-
-/// Returns the chosen part of a segment, and updates the range of times and the list of wells.
-CPiece CSampleSource::Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording,
-                             const CRawDataChannelInfo* channel) {
-    CPiece piece;
-    piece.recording = &recording;
-    piece.well = segment.header.ID;
-    piece.channel = channel;
-    piece.time = segment.header.TimeFrom;
-    piece.tick = TickOf(segment, piece.channel);
-    piece.count = segment.Samples();
-    piece.position = segment.DataPosition();
-    if (!m_choice.plate.wells.empty()) m_wells.insert(piece.well);
-    m_first = std::min(m_first, segment.header.TimeFrom);
-    m_last = std::max(m_last, segment.header.TimeTo);
-    Clip(piece);
-    m_any = m_any || piece.count > 0;
-    return piece;
-}
-
-/// Removes samples before and after the chosen times.
-void CSampleSource::Clip(CPiece& piece) const {
-    const auto tick = static_cast<std::uint64_t>(piece.tick);
-    if (m_choice.to < piece.time) {
-        piece.count = 0;
-        return;
-    }
-    if (piece.count == 0) return;
-    piece.count = std::min(piece.count - 1, Distance(piece.time, m_choice.to) / tick) + 1;
-    if (m_choice.from <= piece.time) return;
-    const std::uint64_t passed = (Distance(piece.time, m_choice.from) - 1) / tick + 1;
-    if (passed >= piece.count) {
-        piece.count = 0;
-        return;
-    }
-    piece.count -= passed;
-    piece.time = static_cast<std::int64_t>(static_cast<std::uint64_t>(piece.time) + passed * tick);
-    piece.position += static_cast<std::int64_t>(passed * kSampleBytes);
 }
 
 void CSampleSource::RefuseBreak(const std::string& where) const {

@@ -8,11 +8,13 @@
 #include <set>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/vxfile/plate/PlateView.h"
 #include "tools/vxfile/raw/SegmentJudge.h"
 #include "verify/raw/RawScan.h"
+#include "vxfileio/access/RawDataFile.h"
 
 namespace vxfile {
 
@@ -24,25 +26,25 @@ struct CSampleChoice {
     std::int64_t to = std::numeric_limits<std::int64_t>::max();    ///< The last time.
 };
 
-/// The chosen samples of one segment.
+/// Chosen samples of one segment.
 struct CPiece {
     const CRawDataRecordingHdr* recording = nullptr;  ///< Valid as long as the file is open.
     const CRawDataChannelInfo* channel = nullptr;     ///< Null if the recording header doesn't name the well.
-    std::string scaleFault = {};                      ///< A sentence if the header lacks the channel's units.
+    std::string_view scaleFault = {};                 ///< A sentence if the header lacks the channel's units.
     std::int32_t well = 0;
-    std::int64_t time = 0;      ///< The time of the first sample.
-    std::int64_t tick = 0;      ///< The time from one sample to the next.
-    std::uint64_t count = 0;    ///< The number of samples.
-    std::int64_t position = 0;  ///< The file offset of the first sample.
+    std::int64_t time = 0;                        ///< The time of the first sample.
+    std::int64_t tick = 0;                        ///< The time from one sample to the next.
+    std::int64_t position = 0;                    ///< The file offset of the first sample.
+    std::span<const std::uint16_t> samples = {};  ///< At least one; valid during the call.
 
-    /// Returns the time `samples` samples after `from`. After the last sample this may overflow, and wraps around.
-    std::int64_t TimeAfter(std::int64_t from, std::uint64_t samples) const {
-        return static_cast<std::int64_t>(static_cast<std::uint64_t>(from) + samples * static_cast<std::uint64_t>(tick));
+    /// Returns the time `count` samples after `from`. After the last sample this may overflow, and wraps around.
+    std::int64_t TimeAfter(std::int64_t from, std::uint64_t count) const {
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(from) + count * static_cast<std::uint64_t>(tick));
     }
 };
 
 /// The chosen samples of a file, in the order of its recordings and of their segments. Can be read more than once.
-/// Keeps a window on the file and up to 16384 pieces in memory.
+/// Keeps a block of samples, the index of one recording and up to 4 MiB of others in memory.
 class CSampleSource {
  public:
     using CTakePiece = std::function<void(const CPiece&)>;
@@ -52,11 +54,8 @@ class CSampleSource {
     CSampleSource(const std::string& path, CSampleChoice choice);
 
     /// Calls `take` for each piece. Throws `CFailure` if a chain of segments is broken, or if a header would yield
-    /// wrong samples.
+    /// wrong samples; the pieces before it are delivered first.
     void ForEach(const CTakePiece& take);
-
-    /// Reads the samples of a piece and calls `take` for each part of them, in order.
-    void Read(const CPiece& piece, const std::function<void(std::span<const std::uint16_t>)>& take);
 
     /// Returns the number of samples of each well. The first call reads all headers. Call it before `ForEach` if the
     /// counts are needed first.
@@ -82,31 +81,37 @@ class CSampleSource {
     std::int64_t Size() const { return m_scan.Size(); }
 
  private:
-    /// Where a walk continues.
-    struct CPlace {
-        std::size_t recording = 0;
-        std::optional<std::int64_t> segment;  ///< Empty for the first segment of the recording.
+    using CTakeSelection = std::function<void(std::size_t, const CSampleSelection&)>;
+
+    /// The segments of a recording that yield right samples.
+    struct CSound {
+        std::size_t segments = 0;  ///< The number of segments before the first one that doesn't.
+        std::string damage;        ///< What can't be read after them; empty for nothing.
+    };
+
+    struct CRead {
+        CRecordingIndex index;
+        CSound sound;
     };
 
     void RefuseUnknownNumbers() const;
     void RefuseUnfinished() const;
     [[noreturn]] void RefuseWells() const;
-    void Walk(CPlace from, EWalk reads, const std::function<void(const CPiece&, CPlace)>& take);
+    void Walk(const CTakeSelection& take);
     bool IsChosen(const CRawDataRecordingHdr& header) const;
-    void WalkRecording(std::size_t index, CSegmentWalk walk, const std::function<void(const CPiece&, CPlace)>& take);
-    void RefuseWrong(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording);
-    CPiece Chosen(const CSegmentAt& segment, const CRawDataRecordingHdr& recording, const CRawDataChannelInfo* channel);
-    void Clip(CPiece& piece) const;
+    CRead ReadRecording(std::size_t recording);
+    CSound Judge(const CRecordingIndex& index, std::size_t recording);
+    std::string DamageOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording);
     [[noreturn]] void RefuseBreak(const std::string& where) const;
 
     std::string m_path;
     CRawScan m_scan;
     CSegmentJudge m_judge{m_scan};
     CSampleChoice m_choice;
-    EWalk m_reads;
+    std::optional<CRawDataFile> m_file;  ///< Empty if there are no recordings.
     std::map<std::int32_t, std::uint64_t> m_counts;
-    std::vector<CPiece> m_kept;  ///< The first pieces, which `ForEach` needn't find again.
-    CPlace m_afterKept;
+    std::map<std::size_t, CRead> m_kept;  ///< The first recordings, which a second walk needn't read again.
+    std::size_t m_keptSegments = 0;
     std::set<std::int32_t> m_wells;  ///< The chosen wells that have segments.
     std::int64_t m_first =
         std::numeric_limits<std::int64_t>::max();  ///< The range of times of their segments before clipping.

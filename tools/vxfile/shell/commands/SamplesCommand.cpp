@@ -93,15 +93,8 @@ class CSamplesCommand : public CCommand {
         const auto sink = MakeSampleSink(m_form, source);
         CProgress progress("Writing samples", source.Size());
         source.ForEach([&](const CPiece& piece) {
-            std::int64_t time = piece.time;
-            std::int64_t position = piece.position;
-            sink->Begin(piece);
-            source.Read(piece, [&](std::span<const std::uint16_t> samples) {
-                sink->Put(time, samples);
-                time = piece.TimeAfter(time, samples.size());
-                position += static_cast<std::int64_t>(samples.size_bytes());
-                progress.Reach(position);
-            });
+            sink->Put(piece);
+            progress.Reach(piece.position + static_cast<std::int64_t>(piece.samples.size_bytes()));
         });
         source.RefuseNothing();
         const int status = TellMissing(source, view);
