@@ -255,8 +255,7 @@ const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
     const auto rank = [&](const CCandidate& candidate) {
-        const bool isPlaced = kind == EKind::Recording && KnowsItsPlace(candidate);
-        return (isPlaced ? 1000 : 0) + candidate.whole - candidate.damaged;
+        return std::pair(kind == EKind::Recording && KnowsItsPlace(candidate), candidate.whole - candidate.damaged);
     };
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});
