@@ -226,17 +226,13 @@ class CSearch {
 }  // namespace
 
 std::int64_t CWellList::TickOf(std::int32_t well) const {
-    const auto found = std::ranges::find(wells, well, [](const auto& entry) { return entry.first; });
+    const auto found = wells.find(well);
     return found == wells.end() ? 0 : found->second;
 }
 
 std::int64_t CWellList::CommonTick() const {
-    const auto differs = [&](const auto& well) { return well.second != wells.front().second; };
-    return wells.empty() || std::ranges::any_of(wells, differs) ? 0 : wells.front().second;
-}
-
-bool CWellList::Lists(std::int32_t well) const {
-    return std::ranges::any_of(wells, [&](const auto& entry) { return entry.first == well; });
+    const auto differs = [&](const auto& well) { return well.second != wells.begin()->second; };
+    return wells.empty() || std::ranges::any_of(wells, differs) ? 0 : wells.begin()->second;
 }
 
 std::optional<std::int64_t> CCandidate::OwnShift() const {
@@ -270,7 +266,7 @@ CWellList WellListOf(const CHdrCells& recording) {
     if (!Decode(Layouts()[recording.form->layout], recording.bytes, header) || !list.knowsWells)
         header.WellChannels.clear();
     for (const auto& well : header.WellChannels)
-        list.wells.emplace_back(well.ID, list.knowsTicks ? std::max<std::int64_t>(well.Ticks, 0) : 0);
+        list.wells.emplace(well.ID, list.knowsTicks ? std::max<std::int64_t>(well.Ticks, 0) : 0);
     list.knowsWells = !list.wells.empty();
     return list;
 }

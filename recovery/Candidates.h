@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <map>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "recovery/Cells.h"
@@ -57,7 +57,7 @@ struct CCandidate {
 
 /// The wells that a recording header lists, and which parts of the list are reliable.
 struct CWellList {
-    std::vector<std::pair<std::int32_t, std::int64_t>> wells;  ///< ID and interval; 0 if it is lost.
+    std::map<std::int32_t, std::int64_t> wells;  ///< ID and interval; 0 if it is lost.
     bool knowsWells = false;
     bool knowsTicks = false;
 
@@ -65,7 +65,7 @@ struct CWellList {
     std::int64_t TickOf(std::int32_t well) const;
     /// Returns the interval that all wells share; 0 if they differ.
     std::int64_t CommonTick() const;
-    bool Lists(std::int32_t well) const;
+    bool Lists(std::int32_t well) const { return wells.contains(well); }
 };
 
 struct CCandidates {

@@ -20,7 +20,6 @@
 namespace vxfileio::recovery {
 
 using namespace rawdata;
-using helpers::CNumberText;
 
 namespace {
 
@@ -221,15 +220,6 @@ std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr header, 
     }
 }
 
-/// A header of the new file. Its positions aren't set yet.
-struct CRebuiltHdr {
-    std::string bytes;
-    std::vector<CNote> notes;
-    std::string task;  ///< Of a recording.
-    std::int32_t number = 0;
-    std::int64_t dose = 0;
-};
-
 /// Returns the layout of the new file: that of the input, or the oldest one that is still written.
 const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     std::int32_t version = 0;
@@ -248,10 +238,10 @@ const CForm& NewForm(EKind kind, const CLayout& layout) {
     return FormOf(kind, static_cast<std::size_t>(&layout - Layouts().data()));
 }
 
-CRebuiltHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout) {
+/// Returns the file header of the new file. Its position isn't set yet.
+std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout, std::vector<CNote>& notes) {
     const CHdrCells old = OldHdr(window, found.fileForm, NewForm(EKind::File, layout), found.file);
-    CRebuiltHdr rebuilt;
-    NoteDamage(old, rebuilt.notes);
+    NoteDamage(old, notes);
     CRawDataFileHdr was;
     Decode(layout, old.bytes, was);
     CRawDataFileHdr now = was;
@@ -261,44 +251,41 @@ CRebuiltHdr RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
             return recording.form != nullptr && Layouts()[recording.form->layout].version < layout.version;
         });
         if (!old.IsLost("FileVersion"))
-            rebuilt.notes.push_back(
-                {.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
-                 .to = layout.version});
+            notes.push_back({.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
+                             .to = layout.version});
         now.FileVersion = layout.version;
     }
-    rebuilt.bytes = Merged(old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
-    return rebuilt;
+    return Merged(old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
 }
 
-/// `number` is the recording's number if its own is lost.
-CRebuiltHdr RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, std::int32_t number,
-                                const CLayout& layout) {
+/// Returns a recording header of the new file. Its positions aren't set yet. `report.number` is the recording's number
+/// if its own is lost.
+std::string RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, const CLayout& layout,
+                                CReportedRecording& report) {
     CHdrCells old = OldHdr(window, recording.form, NewForm(EKind::Recording, layout), recording.place);
     LoseWrongLists(layout, old);
-    CRebuiltHdr rebuilt;
     if (recording.form == nullptr) {
-        rebuilt.notes.push_back({.kind = CNote::EKind::MadeUp});
+        report.notes.push_back({.kind = CNote::EKind::MadeUp});
     } else {
-        NoteDamage(old, rebuilt.notes);
+        NoteDamage(old, report.notes);
     }
     CRawDataRecordingHdr was;
     if (!Decode(layout, old.bytes, was)) was.WellChannels.clear();
     CRawDataRecordingHdr now = was;
     if (old.IsLost("TaskName")) now.TaskName = kLostName;
-    if (old.IsLost("Recording")) now.Recording = number;
-    MendWells(recording, !old.IsLost("WellIDs"), layout.mostChannels, now.WellChannels, rebuilt.notes);
-    MendTicks(recording, now.WellChannels, rebuilt.notes);
+    if (old.IsLost("Recording")) now.Recording = report.number;
+    MendWells(recording, !old.IsLost("WellIDs"), layout.mostChannels, now.WellChannels, report.notes);
+    MendTicks(recording, now.WellChannels, report.notes);
     if (const CLists aux = ListsOf(layout, old, kAux); aux.wrong.any()) {
         now.AuxChannels.clear();
         old.lost |= aux.rows;
-        if (recording.form != nullptr) rebuilt.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
+        if (recording.form != nullptr) report.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
     }
     std::vector<CNote> unused;
-    rebuilt.bytes = Merged(old, EncodedWithRoom(layout, was, unused), EncodedWithRoom(layout, now, rebuilt.notes));
-    rebuilt.task = now.TaskName;
-    rebuilt.number = now.Recording;
-    rebuilt.dose = now.Dose;
-    return rebuilt;
+    report.task = now.TaskName;
+    report.number = now.Recording;
+    report.dose = now.Dose;
+    return Merged(old, EncodedWithRoom(layout, was, unused), EncodedWithRoom(layout, now, report.notes));
 }
 
 /// Writes the new file, and counts what it writes.
@@ -314,11 +301,10 @@ class CCopy {
           m_segment(found.segments.begin()) {}
 
     void Write() {
-        CRebuiltHdr file = RebuildFileHdr(m_window, m_found, m_layout);
-        m_report.notes = std::move(file.notes);
+        std::string file = RebuildFileHdr(m_window, m_found, m_layout, m_report.notes);
         SetPosition(m_layout.file, "FPosFirstRecordingHdr",
-                    m_found.recordings.empty() ? kUnset : static_cast<std::int64_t>(file.bytes.size()), file.bytes);
-        Put(file.bytes);
+                    m_found.recordings.empty() ? kUnset : static_cast<std::int64_t>(file.size()), file);
+        Put(file);
         for (std::uint32_t i = 0; i < m_found.recordings.size(); ++i)
             PutRecording(i);
     }
@@ -326,25 +312,22 @@ class CCopy {
  private:
     void PutRecording(std::uint32_t index) {
         const CFoundRecording& recording = m_found.recordings[index];
-        CRebuiltHdr hdr = RebuildRecordingHdr(m_window, recording, static_cast<std::int32_t>(index + 1), m_layout);
-        const std::int64_t data = m_report.bytes + static_cast<std::int64_t>(hdr.bytes.size());
+        CReportedRecording report{.number = static_cast<std::int32_t>(index + 1),
+                                  .position = recording.position,
+                                  .unfinished = recording.unfinished};
+        std::string hdr = RebuildRecordingHdr(m_window, recording, m_layout, report);
+        const std::int64_t data = m_report.bytes + static_cast<std::int64_t>(hdr.size());
         const auto end = std::find_if(m_segment, m_found.segments.end(),
                                       [&](const auto& segment) { return segment.recording != index; });
         std::int64_t next = data;
         for (auto segment = m_segment; segment != end; ++segment)
             next += BytesOf(*segment);
         const bool isLast = index + 1 == m_found.recordings.size();
-        SetPosition(m_layout.recording, "FPosRecordingData", data, hdr.bytes);
-        SetPosition(m_layout.recording, "FPosRecordingTrailer", kUnset, hdr.bytes);
-        SetPosition(m_layout.recording, "FPosNextRecordingHdr", isLast ? kUnset : next, hdr.bytes);
-        Put(hdr.bytes);
-        m_report.recordings.push_back({.task = std::move(hdr.task),
-                                       .number = hdr.number,
-                                       .dose = hdr.dose,
-                                       .position = recording.position,
-                                       .unfinished = recording.unfinished,
-                                       .notes = std::move(hdr.notes),
-                                       .wells = {}});
+        SetPosition(m_layout.recording, "FPosRecordingData", data, hdr);
+        SetPosition(m_layout.recording, "FPosRecordingTrailer", kUnset, hdr);
+        SetPosition(m_layout.recording, "FPosNextRecordingHdr", isLast ? kUnset : next, hdr);
+        Put(hdr);
+        m_report.recordings.push_back(std::move(report));
         for (; m_segment != end; ++m_segment)
             PutSegment(*m_segment, m_segment + 1 == end);
     }

@@ -120,13 +120,13 @@ struct CKeptWell {
 };
 
 struct CReportedRecording {
-    std::string task;
+    std::string task = {};
     std::int32_t number = 0;
     std::int64_t dose = 0;      ///< In picomolar.
     std::int64_t position = 0;  ///< In the input.
     bool unfinished = false;
-    std::vector<CNote> notes;
-    std::map<std::int32_t, CKeptWell> wells;
+    std::vector<CNote> notes = {};
+    std::map<std::int32_t, CKeptWell> wells = {};
 };
 
 /// What was recovered from an input, by recording and well.

@@ -70,6 +70,11 @@ bool Follows(std::int64_t time, std::int64_t before, std::int64_t tick) {
     return span && *span > 0 && *span <= tick;
 }
 
+/// Returns whether a segment continues another one to the tick.
+bool GoesOn(const CFoundSegment& before, const CFoundSegment& segment, std::int64_t tick) {
+    return TimeAfter(before.from, before.samples, tick) == segment.from;
+}
+
 /// A segment and the well that it belongs to, which isn't the one it names.
 struct CStray {
     CFoundSegment* segment;
@@ -82,13 +87,13 @@ class CRecordingWells {
     CRecordingWells(CFound& found, std::uint32_t recording, std::span<CFoundSegment> segments)
         : m_found(found),
           m_recording(found.recordings[recording]),
+          m_listed(m_recording.wellList),
           m_number(recording),
-          m_segments(segments),
-          m_listed(m_recording.wellList.wells.begin(), m_recording.wellList.wells.end()) {}
+          m_segments(segments) {}
 
     void Settle() {
         Group();
-        const bool knowsWells = m_recording.wellList.knowsWells;
+        const bool knowsWells = m_listed.knowsWells;
         const bool anyReturned = knowsWells && Return(Strays());
         if (anyReturned || !m_nameless.empty()) {
             for (CFoundSegment* const segment : m_nameless)
@@ -124,8 +129,7 @@ class CRecordingWells {
 
     /// Returns the interval of a well in the recording header; 0 if unknown.
     std::int64_t Listed(std::int32_t well) const {
-        const auto listed = m_listed.find(well);
-        return listed != m_listed.end() ? listed->second : m_recording.wellList.CommonTick();
+        return m_listed.Lists(well) ? m_listed.TickOf(well) : m_listed.CommonTick();
     }
 
     /// Returns whether at least half of the segments fit the header's intervals. If not, it is another recording's
@@ -145,10 +149,8 @@ class CRecordingWells {
         if (going == group.size()) return {told, true};
         const CShared best = MostShared(group);
         const bool isShared =
-            m_isTrusted && std::ranges::count(m_listed, told, [](const auto& entry) { return entry.second; }) > 1;
-        const auto goesOn = [&](const CFoundSegment* before, const CFoundSegment* segment) {
-            return TimeAfter(before->from, before->samples, told) == segment->from;
-        };
+            m_isTrusted && std::ranges::count(m_listed.wells, told, [](const auto& entry) { return entry.second; }) > 1;
+        const auto goesOn = [&](const auto* before, const auto* segment) { return GoesOn(*before, *segment, told); };
         const bool hasSteps = std::ranges::adjacent_find(group, goesOn) != group.end();
         const std::size_t votes = going + (isShared || hasSteps || best.intervals.IsOpen() ? 1 : 0);
         if (told > 0 && best.segments <= votes) return {told, true};
@@ -158,9 +160,7 @@ class CRecordingWells {
 
     std::int64_t TickOf(std::int32_t well) const {
         const auto found = m_recording.wells.find(well);
-        if (found != m_recording.wells.end()) return found->second.ticks;
-        const auto listed = m_listed.find(well);
-        return listed == m_listed.end() ? 0 : listed->second;
+        return found != m_recording.wells.end() ? found->second.ticks : m_listed.TickOf(well);
     }
 
     /// Returns the last segment of a well that begins before a time, and the first one that doesn't; null if there is
@@ -187,7 +187,7 @@ class CRecordingWells {
 
     std::vector<std::int32_t> WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const {
         std::vector<std::int32_t> lacking;
-        for (const auto& entry : m_listed) {
+        for (const auto& entry : m_listed.wells) {
             const bool isOther = entry.first != segment.wellID || !segment.namesWell;
             if (isOther && Lacks(entry.first, segment, mustAdjoin)) lacking.push_back(entry.first);
         }
@@ -212,7 +212,7 @@ class CRecordingWells {
         }
         for (const auto& [well, group] : m_groups) {
             // Several segments of an unlisted well are a well of their own.
-            if (!m_listed.contains(well) && group.size() == 1) take(group.front());
+            if (!m_listed.Lists(well) && group.size() == 1) take(group.front());
             ForTwins(group, [&](CFoundSegment& one, CFoundSegment& other) {
                 if (const auto stray = StrayOf(one, other)) strays.push_back(*stray);
             });
@@ -236,7 +236,7 @@ class CRecordingWells {
     /// segments there must be no segment of these wells, and none of an unlisted well, which could be one of them.
     bool TakeTurns(const CFoundSegment& stray, const CFoundSegment& own, std::int32_t well) const {
         const auto isOfThem = [&](const CFoundSegment& segment) {
-            return segment.wellID == well || segment.wellID == own.wellID || !m_listed.contains(segment.wellID);
+            return segment.wellID == well || segment.wellID == own.wellID || !m_listed.Lists(segment.wellID);
         };
         const auto [low, high] = std::minmax({&stray, &own});
         if (std::any_of(low + 1, high, isOfThem)) return false;
@@ -247,7 +247,7 @@ class CRecordingWells {
         const std::int32_t lowWell = low == &stray ? well : own.wellID;
         const std::int32_t highWell = high == &stray ? well : own.wellID;
         const auto isOther = [&](const CFoundSegment& neighbour, std::int32_t than) {
-            return neighbour.wellID != than && m_listed.contains(neighbour.wellID);
+            return neighbour.wellID != than && m_listed.Lists(neighbour.wellID);
         };
         return (before == std::make_reverse_iterator(begin) || isOther(*before, lowWell)) &&
                (next == end || isOther(*next, highWell));
@@ -279,7 +279,7 @@ class CRecordingWells {
     /// Reports what can't be decided, once for each well.
     void ReportDoubts(bool knowsWells) {
         for (const auto& [well, group] : m_groups) {
-            if (m_listed.contains(well) || !knowsWells) {
+            if (m_listed.Lists(well) || !knowsWells) {
                 ReportSharing(group);
             } else {
                 CRemark remark = RemarkOn(*group.front(), EReason::Unlisted);
@@ -320,8 +320,8 @@ class CRecordingWells {
         CFoundSegment byTo = segment;
         byFrom.to = TimeAfter(segment.from, intervals, tick).value_or(segment.to);
         byTo.from = TimeAfter(segment.to, -intervals, tick).value_or(segment.from);
-        const bool isFrom = GoesOn(byFrom);
-        if (isFrom == GoesOn(byTo)) return false;
+        const bool isFrom = Adjoins(byFrom);
+        if (isFrom == Adjoins(byTo)) return false;
         CRemark remark = RemarkOn(segment, EReason::MadeTime);
         remark.what = isFrom ? "TimeTo" : "TimeFrom";
         m_found.doubts.Add(std::move(remark));
@@ -331,12 +331,11 @@ class CRecordingWells {
 
     /// Returns whether a segment continues the one of its well before it, or is continued by the one after it, to the
     /// tick.
-    bool GoesOn(const CFoundSegment& segment) const {
+    bool Adjoins(const CFoundSegment& segment) const {
         const std::int64_t tick = TickOf(segment.wellID);
         const auto [before, next] = NeighboursOf(segment.wellID, segment.from);
-        return Lacks(segment.wellID, segment, false) &&
-               ((before != nullptr && TimeAfter(before->from, before->samples, tick) == segment.from) ||
-                (next != nullptr && TimeAfter(segment.from, segment.samples, tick) == next->from));
+        return Lacks(segment.wellID, segment, false) && ((before != nullptr && GoesOn(*before, segment, tick)) ||
+                                                         (next != nullptr && GoesOn(segment, *next, tick)));
     }
 
     void LoseMisfits() {
@@ -360,10 +359,10 @@ class CRecordingWells {
 
     CFound& m_found;
     CFoundRecording& m_recording;
+    const CWellList& m_listed;
     std::uint32_t m_number;
-    std::span<CFoundSegment> m_segments;            ///< Sorted as in the new file.
-    bool m_isTrusted = true;                        ///< Most segments fit the header's intervals.
-    std::map<std::int32_t, std::int64_t> m_listed;  ///< The header's wells and their intervals; 0 if unknown.
+    std::span<CFoundSegment> m_segments;  ///< Sorted as in the new file.
+    bool m_isTrusted = true;              ///< Most segments fit the header's intervals.
     std::map<std::int32_t, CGroup> m_groups;
     CGroup m_nameless;  ///< Their IDs are lost, and no well has been found for them yet.
     CGroup m_misfits;   ///< They don't fit the interval of their well.
