@@ -80,6 +80,10 @@ TEST(Trace, KeepsEachPeakWhenStepsBecomeLonger) {
     EXPECT_EQ(StepsOf(trace), "5..9 1..2 3..4 6..7 ");
     EXPECT_EQ(trace.Begin(), 100);
     EXPECT_EQ(trace.StepTime(), 20);
+    CTrace odd(4, 0, {});
+    odd.Add(0, 10, std::array<std::uint16_t, 3>{5, 9, 1});
+    odd.Add(40, 10, std::array<std::uint16_t, 1>{2});
+    EXPECT_EQ(StepsOf(odd), "5..9 1..1 2..2 ");
 }
 
 TEST(Trace, HasGapsWithoutSamplesAndIgnoresSamplesThatAreTooEarly) {

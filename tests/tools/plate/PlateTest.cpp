@@ -11,6 +11,7 @@
 #include "tests/tools/RawBytes.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vxfile/plate/PlateLabels.h"
+#include "tools/vxfile/plate/PlateView.h"
 #include "tools/vxfile/report/Complaint.h"
 
 using namespace vxfile;
@@ -136,6 +137,13 @@ TEST(PlateLabels, FollowTheWellsThatATextNames) {
     }
 }
 
+TEST(PlateView, ShowsTicksAndIfAskedSeconds) {
+    EXPECT_EQ(CPlateView().TimesText(2500, 30000), "2500 to 30000 ticks");
+    const CPlateView view{.ticksPerSecond = 10'000};
+    EXPECT_EQ(view.TimesText(2500, 30000), "2500 to 30000 ticks (0.25 to 3 s)");
+    EXPECT_EQ(view.TimeText(-2500), "-2500 ticks (-0.25 s)");
+}
+
 TEST_F(Plate, LabelsComeFromTheSettingsFileNextToItWithItsGuid) {
     const CWords words = {"--well", "A1", "--dose", "2nM"};
     EXPECT_EQ(Samples(words).status, 2) << "there are no settings";
@@ -190,6 +198,19 @@ TEST_F(Plate, ColumnsDependOnTheCommandLineAlone) {
 TEST_F(Plate, AWellIsChosenOnceHoweverOftenItIsNamed) {
     File("run.vxs", SettingsText("0123", "A1"));
     EXPECT_EQ(Samples({"--well", "A1"}).out, Samples({"--well", "11,a1,A1-A1,11"}).out);
+    EXPECT_EQ(Samples({"--well", "11,13"}).err, Samples({"--well", "11,13,13"}).err) << "it isn't there";
+}
+
+TEST_F(Plate, WatchListsAtMostSixWellsWithoutSegments) {
+    File("run.vxs", SettingsText("0123", "A1"));
+    const std::string open = WithCell(FileOf({{{11, 0, {1}}}}, false), "Guid", "0123");
+    for (const auto& [wells, ids, shown] :
+         {std::tuple("7", "11:12:13:14:15:16:17", ", 1 of 7 wells (not yet 12 (B7) - 17), 1 segment, "),
+          std::tuple("8", "11:12:13:14:15:16:17:18", ", 1 of 8 wells, 1 segment, ")}) {
+        File("run.vxd", WithCell(WithCell(open, "NumberOfWells", wells), "WellIDs", ids));
+        const std::string out = RunTool({"watch", m_run, "--idle", "0.05", "--every", "0.01"}).out;
+        EXPECT_TRUE(Has(out, shown)) << out;
+    }
 }
 
 TEST_F(Plate, SettingsOfAnotherRunAreADoubt) {
