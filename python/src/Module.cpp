@@ -5,6 +5,7 @@
 #include "python/src/Parts.h"
 #include "vxfileio/base/FileMarks.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
+#include "vxfileio/xmlarchive/DocumentKinds.h"
 
 namespace vxfileio::python {
 
@@ -43,6 +44,14 @@ void BindMarks(py::module_& module) {
     module.attr("_marks") = marks;
 }
 
+/// The kinds of documents: name, tag of the section, file type of the header.
+void BindDocumentKinds(py::module_& module) {
+    py::list kinds;
+    for (const auto& kind : xmlarchive::kDocumentKinds)
+        kinds.append(py::make_tuple(kind.name, kind.section, kind.fileType));
+    module.attr("_document_kinds") = kinds;
+}
+
 }  // namespace vxfileio::python
 
 PYBIND11_MODULE(_vxfileio, module) {
@@ -52,6 +61,7 @@ PYBIND11_MODULE(_vxfileio, module) {
     RegisterFailures();
     BindTexts(module);
     BindMarks(module);
+    BindDocumentKinds(module);
     BindWords(module);
     BindRawHeaders(module);
     BindRawReading(module);

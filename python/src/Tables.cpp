@@ -31,7 +31,7 @@ py::array TextArray(const std::vector<std::string_view>& texts) {
     std::unordered_map<const char*, py::object> made;
     for (const std::string_view text : texts) {
         py::object& object = made[text.data()];
-        if (!object) object = py::str(text.data(), text.size());
+        if (!object) object = TextToPython(text);
         *to++ = object.inc_ref().ptr();
     }
     return array;
@@ -53,8 +53,11 @@ py::array ArrayOf(const results::CResultsColumn& column) {
 
 /// Returns the columns of a table, which is named as for `vxfile table`. A whole number that is missing is the least.
 py::dict ResultsTable(const results::CResultsContent& results, const std::string& name, const CSettings* settings) {
-    results::CRowOptions options;
-    if (settings != nullptr) options = {&settings->RecordPlate, &settings->Analyzer};
+    results::CRowOptions options{.textOf = [](std::string_view bytes) { return std::string(bytes); }};
+    if (settings != nullptr) {
+        options.plate = &settings->RecordPlate;
+        options.analyzer = &settings->Analyzer;
+    }
     const results::CResultsColumns table(results, results::ResultsTableOf(name).value(), options);
     py::dict columns;
     for (const results::CResultsColumn& column : table.Columns())

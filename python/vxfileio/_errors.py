@@ -6,7 +6,7 @@ import sys
 import warnings
 from typing import NamedTuple, NoReturn, Optional
 
-from ._vxfileio import _texts
+from ._vxfileio import _document_kinds, _texts
 
 
 class Error(Exception):
@@ -81,7 +81,7 @@ class Row(NamedTuple):
     errno: Optional[int]
 
 
-OPEN_FAILED = (_texts["CannotOpen"], "Could not open settings file: ", "Could not open results file: ")
+OPEN_FAILED = (_texts["CannotOpen"], *(f"Could not open {name}: " for name, _, _ in _document_kinds))
 
 TABLE = (
     Row(_texts["CannotOpen"], _texts["Exists"], OSError, errno.EEXIST),

@@ -13,16 +13,14 @@ from ._documents import Results, Settings
 from ._errors import UnknownFileError
 from ._raw import Recordings
 from ._types import Path
-from ._vxfileio import _marks
+from ._vxfileio import _document_kinds, _marks
 
 LOOK_AHEAD = 64 << 10
 """The number of bytes of a document that are searched for its section."""
 
 DOCUMENT_MARKS = (
-    (rb"<Settings[\s/>]", "settings"),
-    (rb"<Results[\s/>]", "results"),
-    (rb"<FileType>VXSettings<", "settings"),
-    (rb"<FileType>VXResults<", "results"),
+    *((rf"<{section}[\s/>]".encode(), section.lower()) for _, section, _ in _document_kinds),
+    *((f"<FileType>{file_type}<".encode(), section.lower()) for _, section, file_type in _document_kinds),
 )
 
 KINDS_THAT_ARE_NOT_READ = {

@@ -8,6 +8,7 @@ from ._words import Word
 _records: list[type]
 _texts: dict[str, str]
 _marks: dict[str, bytes]
+_document_kinds: list[tuple[str, str, str]]
 _new_well: int
 
 class RawDataFile:

@@ -250,6 +250,16 @@ def test_tables_are_those_of_the_program(what, settings, vxfile):
     pandas.testing.assert_frame_equal(ours, theirs, check_dtype=False)
 
 
+def test_tables_have_the_texts_of_the_objects(tmp_path):
+    pytest.importorskip("pandas")
+    document = RESULTS.read_bytes().replace(b"<WellLabel>A1<", b"<WellLabel>A\xb5<")
+    (tmp_path / "latin.vxr").write_bytes(document)
+    results = vx.open(tmp_path / "latin.vxr")
+    row = results.responses.iloc[0]
+    assert row["label"] == "A\udcb5"
+    assert results.Tasks[row["task"]].Recordings[0].Wells[row["well"]].WellLabel == row["label"]
+
+
 def test_tables_of_nothing_have_their_columns():
     assert list(vx.Results().responses.columns) == ["task", "recording", "dose", "dose_text", "well", "label", "response",
                                                     "value", "normalized"]

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "vxfileio/base/EnumerationWords.h"
-#include "vxfileio/helpers/PrintableText.h"
 
 namespace vxfileio::results {
 
@@ -114,7 +113,7 @@ CResultsRows::CResultsRows(EResultsTable table, const CRowOptions& options, CPut
 
 void CResultsRows::PutAll(const CResults& results) {
     for (const auto& [key, task] : results.Tasks) {
-        CRecordingPlace place{.task = helpers::Utf8(task.TaskName)};
+        CRecordingPlace place{.task = m_options.textOf(task.TaskName)};
         for (const CResultsRecording& recording : task.Recordings) {
             place.dose = recording.Dose;
             for (const auto& [wellID, well] : recording.Wells) {
@@ -137,14 +136,14 @@ void CResultsRows::PutWell(const CRecordingPlace& place, std::int32_t wellID, co
 
 void CResultsRows::PutMean(const CRecordingPlace& place, const CResponseMean& mean) {
     Begin(place);
-    const std::string label = helpers::Utf8(mean.Label);
+    const std::string label = m_options.textOf(mean.Label);
     Put({label, mean.normMean, mean.normStdDev, std::uint64_t{mean.Samples}}, {});
 }
 
 void CResultsRows::PutResponses(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
     for (const bool isNormalized : {false, true}) {
         for (const auto& [key, response] : isNormalized ? well.NormalizedResponses : well.Responses) {
-            const std::string label = helpers::Utf8(response.Label);
+            const std::string label = m_options.textOf(response.Label);
             const std::string_view mark = MarkOf(place, wellID, key);
             Put({label, response.Value, isNormalized}, {m_isAnalysed, mark});
         }
@@ -182,7 +181,7 @@ void CResultsRows::Begin(const CRecordingPlace& place) {
 void CResultsRows::BeginWell(const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
     Begin(place);
     const bool isFromPlate = well.WellLabel.empty() && m_options.plate != nullptr;
-    m_label = helpers::Utf8(isFromPlate ? m_options.plate->GetWellLabel(wellID) : well.WellLabel);
+    m_label = m_options.textOf(isFromPlate ? m_options.plate->GetWellLabel(wellID) : well.WellLabel);
     m_front.insert(m_front.end(), {std::int64_t{wellID}, m_label});
     if (m_options.analyzer == nullptr) return;
     m_task = StringToTask(place.task);

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "vxfileio/helpers/PrintableText.h"
 #include "vxfileio/helpers/TableColumn.h"
 #include "vxfileio/results/Results.h"
 #include "vxfileio/settings/PropAnalyzer.h"
@@ -28,16 +29,19 @@ std::optional<EResultsTable> ResultsTableOf(std::string_view word);
 /// in seconds.
 std::vector<helpers::CColumn> ColumnsOf(EResultsTable table, bool hasSettings, bool hasSeconds);
 
-/// What else rows are made of. Plate and analyzer are those of the same settings, or both null.
+/// What else rows are made of. Plate and analyzer are those of the same settings, or null: the plate has labels, and
+/// the analyzer marks.
 struct CRowOptions {
     const CPropRecordPlate* plate = nullptr;
     const CPropAnalyzer* analyzer = nullptr;
     double ticksPerSecond = 0;  ///< Adds times in seconds; 0 for none.
+    /// Converts the bytes of task names and labels.
+    std::string (*textOf)(std::string_view) = helpers::Utf8;
 };
 
 /// A recording of results.
 struct CRecordingPlace {
-    std::string task = {};       ///< In UTF-8.
+    std::string task = {};       ///< As converted by `CRowOptions::textOf`.
     std::int64_t recording = 0;  ///< Its number within its task, from 0.
     std::uint64_t dose = 0;      ///< In picomolar.
 };
