@@ -13,15 +13,11 @@ printed as a hint.
 import concurrent.futures
 import json
 import os
-import re
 import shlex
 import subprocess
 import sys
 
-LARGEST_GROUP = 12
-# A name that is defined at the beginning of a line, which is where clang-format puts what namespaces hold.
-DEFINITION = re.compile(r"^(?=[a-zA-Z])(?!using|namespace|return|#)[^\n=;{}]*?\b(\w+)(?:<[^\n;{}]*>)?\s*(?:[({=;\[]|:(?!:))",
-                        re.MULTILINE)
+import source_groups
 
 
 def flags_of(entry):
@@ -31,39 +27,14 @@ def flags_of(entry):
                  if word not in ("-c", "-o", entry["file"]) and before != "-o" and not word.startswith("-DVXFILEIO_BUILD"))
 
 
-def private_names(source):
-    """Returns the names that a source keeps to itself, and perhaps a few that it doesn't."""
-    with open(source, encoding="utf-8") as file:
-        text = file.read()
-    parts = re.findall(r"^namespace \{\n(.*?)^\}  // namespace", text, re.MULTILINE | re.DOTALL)
-    aliases = re.findall(r"^using (\w+) =", text, re.MULTILINE)
-    return set(DEFINITION.findall("\n".join(parts))) | set(aliases)
-
-
-def groups_of(sources, database):
-    """Divides sources into groups that compile together: the same flags, no private name twice."""
-    groups = []  # (flags, sources, names)
-    for source in sources:
-        names, flags = private_names(source), flags_of(database[source])
-        for group_flags, members, taken in groups:
-            if group_flags == flags and len(members) < LARGEST_GROUP and not names & taken:
-                members.append(source)
-                taken |= names
-                break
-        else:
-            groups.append((flags, [source], names))
-    return groups
-
-
 def tidy(source, flags):
     """Runs clang-tidy and returns whether it found nothing, and what it printed."""
     run = subprocess.run(["clang-tidy", "--quiet", source, "--", *flags], capture_output=True, text=True, check=False)
     return run.returncode == 0, run.stdout
 
 
-def check(number, group, folder):
+def check(number, members, flags, folder):
     """Checks one group; returns whether nothing was found in its sources, and the text to print."""
-    flags, members, _ = group
     together = os.path.join(folder, f"group_{number}.cpp")
     with open(together, "w", encoding="utf-8") as file:
         file.writelines(f'#include "{source}"\n' for source in members)
@@ -82,10 +53,12 @@ def main():
         database = {entry["file"]: entry for entry in json.load(file)}
     folder = os.path.join(build, "tidy")
     os.makedirs(folder, exist_ok=True)
-    groups = groups_of(sources, database)
+    flags = {source: flags_of(database[source]) for source in sources}
+    groups = source_groups.groups_of(sources, flags.get)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         failed = False
-        for passed, text in pool.map(lambda numbered: check(*numbered, folder), enumerate(groups)):
+        for passed, text in pool.map(lambda number, group: check(number, group, flags[group[0]], folder),
+                                     range(len(groups)), groups):
             failed |= not passed
             print(text, end="", flush=True)
     print(f"clang-tidy checked {len(sources)} sources in {len(groups)} groups")

@@ -117,7 +117,7 @@ void Build6x9(PlateMap& map) {
 }
 
 /// The units of doses, from picomolar on, each a thousand times the one before. The micro sign is Latin-1's.
-constexpr std::array<std::string_view, 4> kDoseUnits{"pM", "nM", "\xB5M", "mM"};
+constexpr std::array<std::string_view, 4> kDoseUnitsInFiles{"pM", "nM", "\xB5M", "mM"};
 
 }  // namespace
 
@@ -241,6 +241,6 @@ std::string DoseToText(std::uint64_t dose) {
     std::size_t unit = 0;
     for (; dose >= 10'000 || (dose >= 1'000 && dose % 1'000 == 0); dose /= 1'000)
         ++unit;
-    if (unit >= kDoseUnits.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
-    return std::to_string(dose).append(kDoseUnits[unit]);
+    if (unit >= kDoseUnitsInFiles.size()) throw CExcConversion(CExcConversion::kDoseOutOfRange);
+    return std::to_string(dose).append(kDoseUnitsInFiles[unit]);
 }

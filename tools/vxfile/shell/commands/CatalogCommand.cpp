@@ -30,7 +30,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr CCommandText kText = {
+constexpr CCommandText kCatalogText = {
     .name = "catalog",
     .purpose = "List all files below folders, with what their headers say",
     .details =
@@ -46,7 +46,7 @@ constexpr CCommandText kText = {
 
 class CCatalogCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kCatalogText; }
 
     std::vector<COption> Options() override {
         const std::vector<COption> own = {

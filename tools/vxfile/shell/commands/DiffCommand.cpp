@@ -23,7 +23,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kDiffText = {
     .name = "diff",
     .purpose = "Show how two files of the same kind differ",
     .details =
@@ -40,7 +40,7 @@ constexpr std::size_t kMostPrinted = 50;
 
 class CDiffCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kDiffText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {
@@ -139,7 +139,7 @@ class CDiffCommand : public CCommand {
     void PrintDocument(const CJson& told) const {
         CJson json = {{"left", m_left}, {"right", m_right}};
         json.update(told);
-        PrintJson(kText.name, CJson::array({std::move(json)}));
+        PrintJson(kDiffText.name, CJson::array({std::move(json)}));
     }
 
     std::string m_left;

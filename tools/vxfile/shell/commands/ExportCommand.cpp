@@ -38,7 +38,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr CCommandText kText = {
+constexpr CCommandText kExportText = {
     .name = "export",
     .purpose = "Write the workbooks for a results file and its settings file",
     .details =
@@ -126,7 +126,7 @@ class CWorkbooks {
 
 class CExportCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kExportText; }
 
     std::vector<COption> Options() override {
         return {

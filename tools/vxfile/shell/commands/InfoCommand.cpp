@@ -24,7 +24,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kInfoText = {
     .name = "info",
     .purpose = "Show what a file is and what it contains",
     .details =
@@ -44,7 +44,7 @@ std::int64_t SizeOfFile(const std::string& path) {
 
 class CInfoCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kInfoText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {
@@ -65,7 +65,7 @@ class CInfoCommand : public CCommand {
             status = std::max(status, StatusOf(json));
             files.push_back(std::move(json));
         }
-        if (m_json) PrintJson(kText.name, std::move(files));
+        if (m_json) PrintJson(kInfoText.name, std::move(files));
         return status;
     }
 

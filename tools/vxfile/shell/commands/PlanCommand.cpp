@@ -29,7 +29,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kPlanText = {
     .name = "plan",
     .purpose = "Check whether a planned recording fits its header",
     .details =
@@ -161,7 +161,7 @@ void Print(const CRecordingFit& fit, const std::vector<std::string>& advice) {
 
 class CPlanCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kPlanText; }
 
     std::vector<COption> Options() override {
         return {
@@ -189,7 +189,7 @@ class CPlanCommand : public CCommand {
         if (m_json) {
             CJson json = {{"path", m_settings.empty() ? CJson() : CJson(Utf8(m_settings))}};
             json.update(ToJson(fit, advice));
-            PrintJson(kText.name, CJson::array({std::move(json)}));
+            PrintJson(kPlanText.name, CJson::array({std::move(json)}));
         } else {
             Print(fit, advice);
         }

@@ -30,7 +30,7 @@ namespace {
 using vxfileio::helpers::CFile;
 using vxfileio::recovery::CReport;
 
-constexpr CCommandText kText = {
+constexpr CCommandText kRecoverText = {
     .name = "recover",
     .purpose = "Save what is whole in an unfinished, cut or damaged raw data file into a new one",
     .details =
@@ -47,7 +47,7 @@ constexpr CCommandText kText = {
 
 class CRecoverCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kRecoverText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {
@@ -76,7 +76,7 @@ class CRecoverCommand : public CCommand {
             json = ToJson(report, names, m_view);
             if (m_proof) m_proof->AddTo(json);
         });
-        PrintJson(kText.name,
+        PrintJson(kRecoverText.name,
                   CJson::array({failure.empty() ? std::move(json) : CJson{{"file", m_source}, {"error", failure}}}));
         return failure.empty() ? StatusOf(report) : kTrouble;
     }

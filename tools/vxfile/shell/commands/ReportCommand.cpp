@@ -16,7 +16,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kReportText = {
     .name = "report",
     .purpose = "Write one HTML page that shows the results of a plate",
     .details =
@@ -34,7 +34,7 @@ constexpr CCommandText kText = {
 
 class CReportCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kReportText; }
 
     std::vector<COption> Options() override {
         return {

@@ -16,7 +16,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kSamplesText = {
     .name = "samples",
     .purpose = "Write samples as CSV, TSV or NPY",
     .details =
@@ -38,7 +38,7 @@ constexpr std::string_view kTime = "a time, which is a whole number of the instr
 
 class CSamplesCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kSamplesText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {

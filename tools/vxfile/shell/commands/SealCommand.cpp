@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 
 using vxfileio::helpers::CFile;
 
-constexpr CCommandText kText = {
+constexpr CCommandText kSealText = {
     .name = "seal",
     .purpose = "Write checksums of a file beside it, so that verify finds every later change",
     .details =
@@ -80,7 +80,7 @@ struct CSealed {
 
 class CSealCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kSealText; }
 
     std::vector<COption> Options() override {
         return {
@@ -102,7 +102,7 @@ class CSealCommand : public CCommand {
             files.push_back(failure.empty() ? ToJson(path, sealed) : CJson{{"path", Utf8(path)}, {"error", failure}});
             status = std::max(status, !failure.empty() ? kTrouble : sealed.doubts.empty() ? kSound : kFindings);
         }
-        if (m_json) PrintJson(kText.name, std::move(files));
+        if (m_json) PrintJson(kSealText.name, std::move(files));
         return status;
     }
 

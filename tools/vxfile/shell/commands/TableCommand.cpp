@@ -25,7 +25,7 @@ using vxfileio::results::ResultsTableOf;
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kTableText = {
     .name = "table",
     .purpose = "Write responses, means, beats or averages as CSV, TSV, JSON lines or NPY",
     .details =
@@ -42,7 +42,7 @@ constexpr CCommandText kText = {
 
 class CTableCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kTableText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {

@@ -31,7 +31,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kVerifyText = {
     .name = "verify",
     .purpose = "Check every byte that the format of a file fixes",
     .details =
@@ -148,7 +148,7 @@ CJson ToJson(const CVerdict& verdict) {
 
 class CVerifyCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kVerifyText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {
@@ -170,7 +170,7 @@ class CVerifyCommand : public CCommand {
                 entry.failure.empty() ? FailureOf([&] { json = Tell(entry.path); }) : entry.failure;
             files.push_back(failure.empty() ? std::move(json) : Refuse(entry.path, failure));
         }
-        if (m_json && !m_quiet) PrintJson(kText.name, std::move(files));
+        if (m_json && !m_quiet) PrintJson(kVerifyText.name, std::move(files));
         if (!m_json && !m_quiet) PrintSummary();
         return m_counts[kTrouble] != 0 ? kTrouble : m_counts[kFindings] != 0 ? kFindings : kSound;
     }

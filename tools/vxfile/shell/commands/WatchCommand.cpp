@@ -22,7 +22,7 @@ namespace vxfile {
 
 namespace {
 
-constexpr CCommandText kText = {
+constexpr CCommandText kWatchText = {
     .name = "watch",
     .purpose = "Follow a recording while it is being written",
     .details =
@@ -42,7 +42,7 @@ using CClock = std::chrono::steady_clock;
 
 class CWatchCommand : public CCommand {
  public:
-    const CCommandText& Text() const override { return kText; }
+    const CCommandText& Text() const override { return kWatchText; }
 
     std::vector<COption> Options() override {
         std::vector<COption> options = {

@@ -1,0 +1,50 @@
+#!/usr/bin/env python3
+"""Divides sources into groups that can be compiled as one, because no two define the same private name.
+
+    source_groups.py SOURCE...
+
+Most of the time that a compiler takes goes into the standard library's headers and templates. A generated source that
+includes a whole group does this once. Prints one group per line, its sources separated by ";". A source remains
+alone if it changes what follows: defines a macro, includes a header of Windows, or makes the words of an enumeration
+known.
+"""
+
+import re
+import sys
+
+LARGEST_GROUP = 20
+# A name that is defined at the beginning of a line, which is where clang-format puts what namespaces hold.
+DEFINITION = re.compile(r"^(?=[a-zA-Z])(?!using|namespace|return|TEST|INSTANTIATE_TEST|#)[^\n=;{}]*?\b(\w+)(?:<[^\n;{}]*>)?\s*(?:[({=;\[]|:(?!:))",
+                        re.MULTILINE)
+ALONE = re.compile(r"^#define |^#include <windows\.h>|^using enum ", re.MULTILINE)
+
+
+def private_names(text):
+    """Returns the names that a source keeps to itself, and perhaps a few that it doesn't. Constants count even if they
+    are local, because such a one would shadow another source's."""
+    parts = re.findall(r"^namespace \{\n(.*?)^\}  // namespace", text, re.MULTILINE | re.DOTALL)
+    aliases = re.findall(r"^using (\w+) =", text, re.MULTILINE)
+    constants = re.findall(r"\b(k[A-Z]\w*)(?:\[\w*\])?(?: =|\{)", text)
+    return set(DEFINITION.findall("\n".join(parts))) | set(aliases) | set(constants)
+
+
+def groups_of(sources, key=lambda source: None):
+    """Divides sources into lists: those of one list have the same key, and no private name twice."""
+    groups = []  # (key, sources, names)
+    for source in sources:
+        with open(source, encoding="utf-8") as file:
+            text = file.read()
+        names, own_key = private_names(text), source if ALONE.search(text) else key(source)
+        for group_key, members, taken in groups:
+            if group_key == own_key and len(members) < LARGEST_GROUP and not names & taken:
+                members.append(source)
+                taken |= names
+                break
+        else:
+            groups.append((own_key, [source], names))
+    return [members for _, members, _ in groups]
+
+
+if __name__ == "__main__":
+    for group in groups_of(sys.argv[1:]):
+        print(";".join(group))
