@@ -150,6 +150,8 @@ def check_names(folder):
 
 
 def check_recordings(folder):
+    rows = rows_of(run("z.dat", "a-1.vxd", status=0, folder=folder)[0])
+    assert [row["path"] for row in rows] == ["a-1.vxd", "z.dat"], "sorted, however they were named"
     rows = rows_of(run(".", "--recordings", status=1, folder=folder)[0])
     assert {row["path"] for row in rows} == {"./" + name for name in FILES}, "files without recordings have a row, too"
     recordings = rows_of(run("a-1.vxd", "--recordings", status=0, folder=folder)[0])

@@ -122,6 +122,7 @@ def check_json(rows, text, names):
 
 
 def check_npy(rows, data, names):
+    assert data.index(b"\n") % 64 == 63, "items are aligned"
     array = numpy.load(io.BytesIO(data), allow_pickle=False)
     assert list(array.dtype.names) == names
     for row, item in zip(rows, array.tolist(), strict=True):
