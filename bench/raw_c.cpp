@@ -68,15 +68,13 @@ void Write(const char* path, const CShape& shape) {
 }
 
 /// Reads each segment, which must be the one of its round and well.
-bool ReadSegments(vx_recording* recording, const CShape& shape) {
+bool ReadSegments(vx_segments* segments, const CShape& shape) {
     std::vector<std::uint16_t> samples(static_cast<std::size_t>(shape.samples));
     auto info = Made<vx_segment_info>();
-    std::int64_t number = 0;
     for (long round = 0; round < shape.rounds; ++round) {
-        for (int well = 0; well < kWells; ++well, ++number) {
+        for (int well = 0; well < kWells; ++well) {
             std::int64_t count = shape.samples;
-            Check(vx_recording_get_segment(recording, number, &info), recording);
-            Check(vx_recording_read_segment(recording, number, samples.data(), &count), recording);
+            Check(vx_segments_next(segments, &info, samples.data(), &count), segments);
             if (info.well != kFirstWell + well || info.time_from != shape.TimeFrom(round) || count != shape.samples ||
                 !AreSamples(samples.data(), shape, round, well))
                 return false;
@@ -95,24 +93,39 @@ bool ReadArrays(vx_recording* recording, const CShape& shape, CArrays& arrays) {
     return count == static_cast<std::int64_t>(arrays.samples.size()) && arrays.AreWhole(shape);
 }
 
-/// Opens the file, then the recording with its index. `bulk-read` doesn't measure reading the index.
-bool Read(const std::string& mode, const char* path, const CShape& shape) {
-    CArrays arrays(shape, mode == "read" ? 0 : kWells);
-    vx_raw* raw = nullptr;
+/// Opens the recording with its index. `bulk-read` doesn't measure that.
+bool ReadBulk(bool isIndexMeasured, vx_raw* raw, const CShape& shape) {
+    CArrays arrays(shape, kWells);
     vx_recording* recording = nullptr;
-    const int opened = vx_raw_open(&raw, path);
-    Check(opened, raw);
     const auto open = [&] {
         const int code = vx_recording_open(&recording, raw, 0, nullptr);
         Check(code, recording);
     };
-    if (mode == "bulk-read") open();
+    if (!isIndexMeasured) open();
     bool good = true;
     Measure([&] {
-        if (recording == nullptr) open();
-        good = mode == "read" ? ReadSegments(recording, shape) : ReadArrays(recording, shape, arrays);
+        if (isIndexMeasured) open();
+        good = ReadArrays(recording, shape, arrays);
     });
     vx_close(recording);
+    return good;
+}
+
+bool ReadOneByOne(vx_raw* raw, const CShape& shape) {
+    vx_segments* segments = nullptr;
+    const int opened = vx_segments_open(&segments, raw, 0, VX_ALL_WELLS);
+    Check(opened, segments);
+    bool good = true;
+    Measure([&] { good = ReadSegments(segments, shape); });
+    vx_close(segments);
+    return good;
+}
+
+bool Read(const std::string& mode, const char* path, const CShape& shape) {
+    vx_raw* raw = nullptr;
+    const int opened = vx_raw_open(&raw, path);
+    Check(opened, raw);
+    const bool good = mode == "read" ? ReadOneByOne(raw, shape) : ReadBulk(mode == "bulk", raw, shape);
     vx_close(raw);
     return good;
 }

@@ -39,7 +39,7 @@ CFailed FailureOfException(int refusal) {
     }
 }
 
-constexpr std::array<std::pair<int, std::string_view>, 18> kCodeTexts = {{
+constexpr std::array<std::pair<int, std::string_view>, 19> kCodeTexts = {{
     {VX_OK, "Success"},
     {VX_ERROR_ARGUMENT, "An argument is NULL, negative, out of range or unknown"},
     {VX_ERROR_HANDLE, "The handle is NULL, closed, or was never one"},
@@ -56,6 +56,7 @@ constexpr std::array<std::pair<int, std::string_view>, 18> kCodeTexts = {{
     {VX_ERROR_WRITE, "The system refused a write, or readers can't use a value as it was written"},
     {VX_DAMAGED, "The file was read as far as possible, but isn't as it should be"},
     {VX_CANCELLED, "A callback ended the work"},
+    {VX_END, "There is nothing more"},
     {VX_ERROR_MEMORY, "Out of memory"},
     {VX_ERROR_INTERNAL, "A defect of the library"},
 }};

@@ -160,12 +160,18 @@ std::size_t SharedSize(std::size_t known, std::int64_t size);
 /// Throws unless all bytes are zero.
 void RequireZeros(std::span<const unsigned char> bytes);
 
+/// Returns how many bytes of the caller's struct the library knows. Throws if it is missing or has a wrong size.
+template <class Struct>
+std::size_t SharedSizeOf(const Struct* structure) {
+    if (structure == nullptr) RefuseArgument("The struct is NULL.");
+    return SharedSize(sizeof(Struct), structure->size);
+}
+
 /// Stores a struct that begins with its size, by the rule for sizes.
 template <class Struct>
 void PutStruct(Struct value, Struct* out) {
-    if (out == nullptr) RefuseArgument("The struct is NULL.");
+    const std::size_t shared = SharedSizeOf(out);
     value.size = out->size;
-    const std::size_t shared = SharedSize(sizeof(Struct), value.size);
     auto* const bytes = reinterpret_cast<unsigned char*>(out);
     std::memcpy(bytes, &value, shared);
     std::fill(bytes + shared, bytes + static_cast<std::size_t>(value.size), static_cast<unsigned char>(0));
@@ -174,8 +180,7 @@ void PutStruct(Struct value, Struct* out) {
 /// Returns a struct that a caller passes, by the rule for sizes.
 template <class Struct>
 Struct TakeStruct(const Struct* in) {
-    if (in == nullptr) RefuseArgument("The struct is NULL.");
-    const std::size_t shared = SharedSize(sizeof(Struct), in->size);
+    const std::size_t shared = SharedSizeOf(in);
     const auto* const bytes = reinterpret_cast<const unsigned char*>(in);
     RequireZeros({bytes + shared, static_cast<std::size_t>(in->size) - shared});
     Struct value{};

@@ -1,15 +1,62 @@
+#include <algorithm>
 #include <array>
 #include <type_traits>
 
 #include "capi/Raw.h"
+#include "vxfileio/rawdata/RawDataErrors.h"
+#include "vxfileio/rawdata/RawDataReader.h"
 
 namespace vxfileio::capi {
 
 namespace {
 
-class CRaw : public COpened<CRawDataFile> {};
+class CRaw : public COpened<CRawDataFile> {
+ public:
+    std::string path;  ///< As it was opened.
+};
 class CRecording : public COpened<CRecordingIndex> {};
 class CSelection : public COpened<CSampleSelection> {};
+
+/// Reads one segment after the other.
+class CSegments : public CObject {
+ public:
+    bool IsOpen() const noexcept override { return m_isOpen; }
+    void Open(const std::string& path, std::int64_t recording, std::int32_t well);
+
+    /// Returns the next segment, which stays the next one until `Pass`. Throws VX_END if there is none.
+    const vx_segment_info& Next();
+    /// Returns its samples, which are valid until the next one is read.
+    const std::uint16_t* Samples() const noexcept { return m_samples; }
+    void Pass() noexcept { m_hasNext = false; }
+
+ private:
+    rawdata::CRawDataReader m_reader;
+    vx_segment_info m_next{};
+    std::uint16_t* m_samples = nullptr;  ///< Of the next segment; the reader's.
+    bool m_hasNext = false;
+    bool m_isEmpty = false;
+    bool m_isOpen = false;
+};
+
+void CSegments::Open(const std::string& path, std::int64_t recording, std::int32_t well) {
+    m_reader.Open(path);
+    const std::size_t index = TakeIndex(recording, m_reader.Recordings().size());
+    if (!m_reader.JumpToRecording(index)) throw CFailed{VX_ERROR_FILE, rawdata::kUnfinished};
+    m_reader.SelectWellID(well);
+    m_isEmpty = m_reader.IsWithoutSegments(index);
+    m_isOpen = true;
+}
+
+const vx_segment_info& CSegments::Next() {
+    if (m_hasNext) return m_next;
+    std::uint32_t size = 0;
+    if (m_isEmpty || !m_reader.ReadSegment(m_next.well, m_next.time_from, m_next.time_to, size, m_samples))
+        throw CFailed{VX_END, "There are no more segments."};
+    m_next.samples = size;
+    m_next.offset = m_reader.SamplesOffset();
+    m_hasNext = true;
+    return m_next;
+}
 
 constexpr std::array kTexts = {&CRawDataFileHdr::HeaderID, &CRawDataFileHdr::FileType, &CRawDataFileHdr::ProgramVersion,
                                &CRawDataFileHdr::Guid,     &CRawDataFileHdr::PlateID,  &CRawDataFileHdr::CompoundName};
@@ -85,7 +132,10 @@ void ReadWell(CRecording& recording, const CSampleRequest& request, Element* ele
 using namespace vxfileio::capi;
 
 int VX_CALL vx_raw_open(vx_raw** out, const char* path) {
-    return Make<CRaw>(out, [&](CRaw& raw) { raw.Open(std::make_unique<CRawDataFile>(TakeText(path, "The path"))); });
+    return Make<CRaw>(out, [&](CRaw& raw) {
+        raw.path = TakeText(path, "The path");
+        raw.Open(std::make_unique<CRawDataFile>(raw.path));
+    });
 }
 
 int VX_CALL vx_raw_get_info(vx_raw* raw, vx_raw_info* info) {
@@ -262,4 +312,22 @@ int VX_CALL vx_selection_read(vx_selection* selection, uint16_t* samples, int64_
 
 int VX_CALL vx_selection_read_scaled(vx_selection* selection, double* values, int64_t* count) {
     return With<CSelection>(selection, [&](CSelection& object) { ReadAll(object.Get(), values, count); });
+}
+
+int VX_CALL vx_segments_open(vx_segments** out, vx_raw* raw, int64_t index, int32_t only_well) {
+    return Make<CSegments>(out, [&](CSegments& segments) {
+        Use<CRaw>(raw, [&](const CRaw& object) { segments.Open(object.path, index, only_well); });
+    });
+}
+
+int VX_CALL vx_segments_next(vx_segments* segments, vx_segment_info* info, uint16_t* samples, int64_t* count) {
+    return With<CSegments>(segments, [&](CSegments& object) {
+        static_cast<void>(SharedSizeOf(info));
+        const vx_segment_info& next = object.Next();
+        FillArray(samples, count, static_cast<std::uint64_t>(next.samples), [&](std::span<std::uint16_t> room) {
+            std::copy_n(object.Samples(), room.size(), room.data());  // pointers: much faster than a loop
+        });
+        PutStruct(next, info);
+        if (samples != nullptr) object.Pass();
+    });
 }

@@ -109,6 +109,7 @@ enum vx_code {
     VX_ERROR_WRITE = 21, /* The system refused a write, or readers can't use a value as it was written. */
     VX_DAMAGED = 22,     /* The file was read as far as possible, but isn't as it should be. */
     VX_CANCELLED = 30,   /* A callback ended the work. */
+    VX_END = 31,         /* There is nothing more. */
     VX_ERROR_MEMORY = 40,
     VX_ERROR_INTERNAL = 41 /* A defect of the library. */
 };
@@ -118,6 +119,7 @@ enum vx_code {
 typedef struct vx_raw vx_raw;             /* A raw data file that is open for reading. */
 typedef struct vx_recording vx_recording; /* The segments of one of its recordings. */
 typedef struct vx_selection vx_selection; /* Samples that were selected from a recording. */
+typedef struct vx_segments vx_segments;   /* The segments of a recording, read one after the other. */
 typedef struct vx_writer vx_writer;       /* A raw data file that is being written. */
 
 /* Closes a handle of any kind. Even if this fails, the handle can't be used again, unless the result is VX_ERROR_BUSY.
@@ -285,6 +287,18 @@ VX_API int VX_CALL vx_selection_get_runs(vx_selection* selection, int64_t index,
 VX_API int VX_CALL vx_selection_read(vx_selection* selection, uint16_t* samples, int64_t* count);
 /* Does the same with values in physical units. Those of a well that the header doesn't list are NaN. */
 VX_API int VX_CALL vx_selection_read_scaled(vx_selection* selection, double* values, int64_t* count);
+
+/* In place of a well: all of them. */
+#define VX_ALL_WELLS (-1)
+
+/* Opens a finished recording to read its segments one after the other, those of `only_well` or of VX_ALL_WELLS. Opens
+ * the file of `raw` again, and reads no segments: this begins at once, where vx_recording_open reads the headers of all
+ * segments first. VX_ERROR_FILE if the recording isn't finished. */
+VX_API int VX_CALL vx_segments_open(vx_segments** out, vx_raw* raw, int64_t index, int32_t only_well);
+/* Returns the next segment and its samples; those beyond the end of a cut file are 0. If `samples` is NULL or too
+ * small, the next call returns the same segment. VX_END after the last one, VX_ERROR_FILE if the next one is damaged.
+ */
+VX_API int VX_CALL vx_segments_next(vx_segments* segments, vx_segment_info* info, uint16_t* samples, int64_t* count);
 
 /* ---- Writing raw data -------------------------------------------------------------------------------------------- */
 

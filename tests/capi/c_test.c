@@ -198,6 +198,53 @@ static void read_samples(void) {
     WORKS(vx_close(selection));
 }
 
+static vx_segments* open_segments(const char* path, int64_t index, int32_t well, int expected) {
+    vx_raw* raw = NULL;
+    vx_segments* segments = NULL;
+    WORKS(vx_raw_open(&raw, path));
+    EXPECT(vx_segments_open(&segments, raw, index, well) == expected);
+    WORKS(vx_close(raw));
+    return segments;
+}
+
+static void read_segment_by_segment(void) {
+    /* The segments of this file: well, time, samples. */
+    static const int64_t expected[][3] = {{1, 0, 3}, {2, 0, 2}, {1, 300, 1}, {2, 100, 1}};
+    static const int32_t wells[] = {VX_ALL_WELLS, 2, 96};
+    vx_recording* const recording = open_recording("several_recordings.vxd", 0, NULL);
+    vx_segments* segments;
+    SIZED(vx_segment_info, segment);
+    SIZED(vx_segment_info, numbered);
+    uint16_t samples[3], again[3];
+    int64_t count, number;
+    size_t i;
+    for (i = 0; i < 3; ++i) {
+        segments = open_segments(given("several_recordings.vxd"), 0, wells[i], VX_OK);
+        for (number = 0; number < 4; ++number) {
+            if (wells[i] != VX_ALL_WELLS && expected[number][0] != wells[i]) continue;
+            count = 0;
+            WORKS(vx_segments_next(segments, &segment, NULL, &count));
+            EXPECT(count == expected[number][2]);
+            count = 0;
+            EXPECT(vx_segments_next(segments, &segment, samples, &count) == VX_ERROR_SHORT_BUFFER);
+            WORKS(vx_segments_next(segments, &segment, samples, &count));
+            EXPECT(segment.well == expected[number][0] && segment.time_from == expected[number][1]);
+            WORKS(vx_recording_get_segment(recording, number, &numbered));
+            WORKS(vx_recording_read_segment(recording, number, again, &count));
+            EXPECT(memcmp(&segment, &numbered, sizeof segment) == 0);
+            EXPECT(count == segment.samples && memcmp(samples, again, (size_t)count * sizeof *samples) == 0);
+        }
+        count = 3;
+        EXPECT(vx_segments_next(segments, &segment, samples, &count) == VX_END && count == 3);
+        EXPECT(vx_segments_next(segments, &segment, samples, &count) == VX_END);
+        WORKS(vx_close(segments));
+    }
+    WORKS(vx_close(recording));
+    segments = open_segments(given("unfinished.vxd"), 1, VX_ALL_WELLS, VX_ERROR_FILE);
+    EXPECT(strcmp(error_of(segments), "The recording isn't finished.") == 0);
+    WORKS(vx_close(segments));
+}
+
 static void read_damaged_and_unfinished(void) {
     vx_recording_options options = {sizeof options, 0, 1};
     vx_recording* recording = open_recording("damaged_segments.vxd", 1, &options);
@@ -281,6 +328,24 @@ static vx_writer* begin_small_example(const char* path) {
     WORKS(vx_writer_write_file_header(writer, &file));
     WORKS(vx_writer_begin_recording(writer, &recording, wells, zeros, units, intervals, 2));
     return writer;
+}
+
+/* A recording without segments ends at once; one whose positions form a circle ends with an error. */
+static void end_segments(void) {
+    uint16_t samples[1000];
+    int64_t count = 0;
+    int code = VX_OK;
+    SIZED(vx_segment_info, segment);
+    vx_segments* segments;
+    WORKS(vx_close(begin_small_example(own("empty.vxd"))));
+    segments = open_segments(own("empty.vxd"), 0, VX_ALL_WELLS, VX_OK);
+    EXPECT(vx_segments_next(segments, &segment, NULL, &count) == VX_END);
+    WORKS(vx_close(segments));
+    segments = open_segments(given("circle_of_segments.vxd"), 0, VX_ALL_WELLS, VX_OK);
+    for (count = 1000; code == VX_OK; count = 1000)
+        code = vx_segments_next(segments, &segment, samples, &count);
+    EXPECT(code == VX_ERROR_FILE);
+    WORKS(vx_close(segments));
 }
 
 /* Writes the reference file byte for byte. */
@@ -737,6 +802,8 @@ static void refuse_wrong_arguments(void) {
     WORKS(vx_raw_open(&good_vx_raw, given("small_example.vxd")));
     WORKS(vx_recording_open(&good_vx_recording, good_vx_raw, 0, NULL));
     WORKS(vx_recording_select(&good_vx_selection, good_vx_recording, NULL, 0, 0, 300));
+    WORKS(vx_segments_open(&good_vx_segments, good_vx_raw, 0, VX_ALL_WELLS));
+    vx_segments_open(&failed_vx_segments, NULL, 0, 0);
     good_vx_writer = begin_small_example(own("wrong.vxd"));
     vx_raw_open(&failed_vx_raw, "");
     vx_recording_open(&failed_vx_recording, NULL, 0, NULL);
@@ -758,6 +825,7 @@ static void refuse_wrong_arguments(void) {
     vx_close(good_vx_raw), vx_close(failed_vx_raw);
     vx_close(good_vx_recording), vx_close(failed_vx_recording);
     vx_close(good_vx_selection), vx_close(failed_vx_selection);
+    vx_close(good_vx_segments), vx_close(failed_vx_segments);
     vx_close(good_vx_writer), vx_close(failed_vx_writer);
 }
 
@@ -767,6 +835,8 @@ static void (*const phases[])(void) = {
     read_damaged_and_unfinished,
     report_a_failed_open,
     accept_structs_of_later_versions,
+    read_segment_by_segment,
+    end_segments,
     write_raw_data,
 #if defined(__linux__)
     report_a_full_disk,

@@ -42,7 +42,8 @@ CIndexBuilder::CIndexBuilder(std::shared_ptr<const CRawDataReader> reader, std::
 
 std::shared_ptr<const CIndexData> CIndexBuilder::BuildFinished() {
     CChainGuard guard(m_file, m_layout.segment.size);
-    std::int64_t position = IsWithoutSegments() ? kUnset : m_index->Header().FPosRecordingData;
+    const bool isEmpty = m_index->reader->IsWithoutSegments(m_index->recording);
+    std::int64_t position = isEmpty ? kUnset : m_index->Header().FPosRecordingData;
     while (position != kUnset) {
         CSegmentHdr header;
         if (!ReadHdr(position, header) || !guard.Admits(position)) {
@@ -87,14 +88,6 @@ std::int64_t CIndexBuilder::EndOfHdr() const {
     const std::int64_t position =
         number == 0 ? reader.GetFileHdr()->FPosFirstRecordingHdr : reader.Recordings()[number - 1].FPosNextRecordingHdr;
     return position + static_cast<std::int64_t>(m_layout.recording.size);
-}
-
-/// Returns whether a finished recording has no segments: its position points to what follows it.
-bool CIndexBuilder::IsWithoutSegments() {
-    const CRawDataRecordingHdr& recording = m_index->Header();
-    const std::int64_t first = recording.FPosRecordingData;
-    const bool pointsOn = first == recording.FPosNextRecordingHdr || first == m_file.Size();
-    return first >= 0 && pointsOn && !m_layout.segment.Begins(m_window.HdrAt(first));
 }
 
 /// Returns false if there is no segment header at the position.

@@ -25,7 +25,6 @@ class CIndexBuilder {
 
  private:
     std::int64_t EndOfHdr() const;
-    bool IsWithoutSegments();
     [[nodiscard]] bool ReadHdr(std::int64_t position, rawdata::CSegmentHdr& header);
     [[nodiscard]] bool ReadWhole(std::int64_t position, bool isPointedTo, rawdata::CSegmentHdr& header);
     [[nodiscard]] bool Settle(std::int64_t position, rawdata::CSegmentHdr& header);

@@ -101,12 +101,26 @@ bool CRawDataReader::JumpToData(const std::string& taskName, std::int32_t record
         return IsRecording(header, taskName, recording) && header.FPosRecordingData != kUnset;
     };
     const auto last = std::find_if(m_recordings.rbegin(), m_recordings.rend(), matches);
-    if (last == m_recordings.rend()) return false;
-    m_dataPosition = last->FPosRecordingData;
+    return last != m_recordings.rend() && JumpToRecording(static_cast<std::size_t>(m_recordings.rend() - last) - 1);
+}
+
+bool CRawDataReader::JumpToRecording(std::size_t index) {
+    const std::int64_t position = m_recordings[index].FPosRecordingData;
+    if (position == kUnset) return false;
+    m_dataPosition = position;
     const auto chain = m_chains.find(m_dataPosition);
     m_chain = chain == m_chains.end() ? nullptr : &chain->second;
     m_pass = BeginningAt(m_dataPosition);
     return true;
+}
+
+bool CRawDataReader::IsWithoutSegments(std::size_t index) const {
+    const CRawDataRecordingHdr& recording = m_recordings[index];
+    const std::int64_t first = recording.FPosRecordingData;
+    if (first < 0 || (first != recording.FPosNextRecordingHdr && first != m_file.Size())) return false;
+    std::string bytes(m_layout->segment.size, '\0');
+    bytes.resize(m_file.ReadUpTo(first, std::as_writable_bytes(std::span(bytes))));
+    return !m_layout->segment.Begins(bytes);
 }
 
 bool CRawDataReader::ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo,
@@ -135,6 +149,7 @@ bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
         wellID = header.ID;
         const bool isWanted = IsWanted(wellID);
         const bool isRefused = isWanted && !CompleteSamples(sampleBytes, SamplesOf(header));
+        m_samplesOffset = DataOf(*m_layout, m_pass.position);
         PassOver(header);
         if (isRefused) throw CExcVXReader(kBadSegmentHdr);
         if (isWanted) return true;

@@ -44,8 +44,14 @@ class CRawDataReader {
 
     void SelectWellID(std::int32_t wellID) noexcept { m_selectedWell = wellID; }
     bool JumpToData(const std::string& taskName, std::int32_t recording);
+    /// Does the same with a recording by its index. Requires: the file has it.
+    bool JumpToRecording(std::size_t index);
+    /// Returns whether a finished recording has no segments: its position points to what follows it.
+    bool IsWithoutSegments(std::size_t index) const;
     bool ReadSegment(std::int32_t& wellID, std::int64_t& timeFrom, std::int64_t& timeTo, std::uint32_t& size,
                      std::uint16_t*& samples);
+    /// Returns the file offset of the samples of the last delivered segment.
+    std::int64_t SamplesOffset() const noexcept { return m_samplesOffset; }
 
  private:
     /// Selects every segment.
@@ -89,6 +95,7 @@ class CRawDataReader {
     CSegmentChain* m_chain = nullptr;                ///< The chain of the current recording, if any.
     std::int64_t m_dataPosition = kUnset;            ///< The data position of the current recording.
     CPass m_pass = BeginningAt(kUnset);
+    std::int64_t m_samplesOffset = kUnset;
 };
 
 }  // namespace vxfileio::rawdata
