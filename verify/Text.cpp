@@ -30,11 +30,11 @@ std::string Readable(std::string_view bytes) {
 
 std::string AndMore(std::size_t count) { return count == 0 ? "" : " and " + std::to_string(count) + " more"; }
 
-std::string ListText(const std::vector<std::int32_t>& numbers) {
+std::string ListText(const std::vector<std::int32_t>& numbers, std::size_t most) {
     std::string text;
     std::size_t listed = 0;
     for (std::size_t i = 0; i < numbers.size(); ++listed) {
-        if (listed == kMostListed) return text + AndMore(numbers.size() - i);
+        if (listed == most) return text + AndMore(numbers.size() - i);
         std::size_t last = i;
         while (last + 1 < numbers.size() && std::int64_t{numbers[last + 1]} == std::int64_t{numbers[last]} + 1)
             ++last;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,8 +42,9 @@ std::string ListOf(const auto& items, auto textOf) {
     return listed == 0 ? "none" : list + AndMore(items.size() - listed);
 }
 
-/// Returns numbers with ", " between them, of many the first and the number of the others. Runs of neighbours are
-/// shortened to "11 - 34".
-std::string ListText(const std::vector<std::int32_t>& numbers);
+/// Returns numbers with ", " between them. Runs of neighbours are shortened to "11 - 34". Of more than `most` numbers
+/// and runs, returns the first, and how many numbers the others are.
+std::string ListText(const std::vector<std::int32_t>& numbers,
+                     std::size_t most = std::numeric_limits<std::size_t>::max());
 
 }  // namespace vxfile

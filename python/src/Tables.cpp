@@ -65,11 +65,17 @@ py::dict ResultsTable(const results::CResultsContent& results, const std::string
     return columns;
 }
 
+/// A raw data header may have a dose below 0.
+std::string DoseText(const py::int_& dose) {
+    if (dose < py::int_(0)) return std::string(py::str(py::handle(dose))) + " pM";
+    return helpers::DoseWithUnit(dose.cast<std::uint64_t>());
+}
+
 }  // namespace
 
 void BindTables(py::module_& module) {
     module.def("results_table", &ResultsTable, py::arg("results"), py::arg("name"), py::arg("settings").none(true));
-    module.def("dose_text", &helpers::DoseWithUnit, py::arg("dose"),
+    module.def("dose_text", &DoseText, py::arg("dose"),
                "Returns a dose of picomolar in the largest unit that needs no fraction, such as \"10 nM\".");
 }
 

@@ -1,4 +1,4 @@
-from typing import Any, Callable, ClassVar, Mapping, Optional, Sequence
+from typing import Any, ClassVar, Mapping, Optional, Sequence
 
 import numpy as np
 from numpy.typing import NDArray

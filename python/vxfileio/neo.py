@@ -21,6 +21,7 @@ In neo:
 
 from __future__ import annotations
 
+import math
 import os
 from collections import Counter
 from collections.abc import Sequence
@@ -194,9 +195,14 @@ def register() -> None:
             by_extension.append(VexaprobeIO)
 
 
+def _unit(value: float) -> float:
+    """Returns the value, as one and the same object if it is NaN, so that equal channels compare equal."""
+    return math.nan if math.isnan(value) else value
+
+
 def _segments_of(recording: Recording) -> list[_Segment]:
     """Returns the segments of a recording. Segment n has run n of each stream that has more than n runs."""
-    channels = {channel.ID: _Channel(channel.ID, channel.ADZero, channel.UnitsPerAD)
+    channels = {channel.ID: _Channel(channel.ID, channel.ADZero, _unit(channel.UnitsPerAD))
                 for channel in recording.index().wells()}
     segments: list[_Segment] = []
     for group in groups_of(recording):

@@ -47,9 +47,9 @@ class VXFILEIO_API CRecordingIndex {
 
     /// Returns each well once: those that the recording header lists, in its order, then any others that have segments,
     /// in the order of the file. If the header lists a well twice, the first entry counts. The others have the interval
-    /// 0 and NaN units per step. So are the units of a well for which the header doesn't have a number as `UnitsPerAD`
-    /// or `ADZero`, where `GetRecordingHdr` has what readers read instead. The reference is valid as long as this
-    /// object or one of its copies.
+    /// 0 and NaN units per step. The units are also NaN if the header's `UnitsPerAD` or `ADZero` of a well isn't a
+    /// number; `GetRecordingHdr` then has what readers take instead. The reference is valid as long as this object or
+    /// one of its copies.
     const std::vector<CRawDataChannelInfo>& GetWells() const noexcept;
 
     /// Returns the number of segments.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
@@ -17,12 +18,14 @@ CScaleFaults ScaleFaultsOf(const CLayout& layout, std::string_view bytes,
     const auto judge = [&](const char* key, auto member) {
         const CRecordingCell& cell = layout.recording[key];
         CCellItems items(bytes.substr(std::min(bytes.size(), cell.offset), cell.width));
+        std::set<std::int32_t> judged;
         for (const CRawDataChannelInfo& well : wells) {
             const std::string_view item = items.Next().value_or(std::string_view());
             double number = 0;
             const bool isRead = ReadNumber(item, number) == ENumberFault::None && std::isfinite(number) &&
                                 number == static_cast<double>(well.*member);
-            if (!isRead) faults.try_emplace(well.ID, CScaleFault{cell.key, std::string(item)});
+            const bool isFirst = judged.insert(well.ID).second;
+            if (isFirst && !isRead) faults.emplace(well.ID, CScaleFault{cell.key, std::string(item)});
         }
     };
     judge("UnitsPerADs", &CRawDataChannelInfo::UnitsPerAD);

@@ -288,13 +288,17 @@ TEST_F(Plate, TablesHaveTheChosenRowsWithTheLabelsOfResultsAndSettings) {
                                                      {{"--well", "12"}, rows[1] + rows[2]}}) {
         const CToolRun run = Beats(words);
         EXPECT_EQ(run.out, head + text);
-        EXPECT_EQ(run.err, "vxfile: Labels are those of " + settings + ".\n");
+        EXPECT_EQ(run.err, "vxfile: Labels that the results lack are those of " + settings + ".\n");
         EXPECT_EQ(run.status, 0);
     }
-    EXPECT_TRUE(Has(Beats({"--well", "Z9"}).err, settings + " has no well \"Z9\"; its wells: A1, B8."));
+    EXPECT_TRUE(Has(Beats({"--well", "Z9"}).err, "run.vxr has no well \"Z9\"; its wells: A1, B8."));
     EXPECT_TRUE(Has(Beats({"--settings", settings}).out, "interval,analysed\n")) << "only named settings add columns";
     EXPECT_EQ(RunTool({"table", m_folder.Path("run.vxr"), "-o", settings, "--force"}).status, 2);
     EXPECT_EQ(ReadAll(settings), SettingsText("{0123}", "A1"));
+    std::string more = SettingsText("{0123}", "A1");
+    const std::string third = "<Well><WellID>13</WellID><Label>A2</Label></Well></Wells>";
+    File("run.vxs", more.replace(more.find("</Wells>"), 8, third).replace(more.find("Size=\"2\"") + 6, 1, "3"));
+    EXPECT_EQ(Beats({"--well", "A1-B8"}).out, head + rows[0] + rows[1] + rows[2]) << "the results don't have well A2";
     std::filesystem::remove(settings);
     EXPECT_EQ(Beats({"--well", "B8"}).out, head + rows[1] + rows[2]) << "the results have labels themselves";
     EXPECT_TRUE(Has(Beats({"--well", "A1"}).err, "run.vxr has no well \"A1\"; its wells: 11, B8."));
@@ -311,6 +315,10 @@ TEST_F(Plate, TablesRefuseWhatTheResultsDoNotHave) {
         EXPECT_EQ(run.status, 2) << word;
         EXPECT_TRUE(Has(run.err, failure) && run.out.empty()) << run.err;
     }
+    const std::string whole = ResultsText("0123");
+    const std::string cut = File("cut.vxr", whole.substr(0, whole.rfind("<Recording>")));
+    const CToolRun lost = RunTool({"table", cut, "--dose", "2nM"});
+    EXPECT_TRUE(lost.status == 2 && Has(lost.err, "its doses: 1 nM. " + cut + ": ")) << lost.err;
     const CToolRun means = RunTool({"table", m_folder.Path("run.vxr"), "--what", "means", "--well", "12"});
     EXPECT_TRUE(means.status == 2 && Has(means.err, "Means are those of all wells")) << means.err;
 }

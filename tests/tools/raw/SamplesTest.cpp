@@ -175,11 +175,22 @@ TEST_F(Samples, UnitsThatAreNoNumberAreDamageForInfo) {
     WriteAll(m_path, WithCell(FileOf({{{11, 0, {10}}}}), "UnitsPerADs", "0,3:0.5"));
     const CToolRun info = RunTool({"info", m_path});
     EXPECT_EQ(info.status, 1);
-    EXPECT_NE(
-        info.out.find("UnitsPerADs of recording 1 (CompoundTest 1) has \"0,3\" for well 11, which isn't a number"),
-        std::string::npos)
+    EXPECT_NE(info.out.find(
+                  "UnitsPerADs of recording 1 (CompoundTest 1) has \"0,3\" for well 11, which isn't a valid number"),
+              std::string::npos)
         << info.out;
     EXPECT_NE(RunTool({"info", "--json", m_path}).out.find("\"unitsPerAD\": null"), std::string::npos);
+
+    const std::string both = WithCell(FileOf({{{11, 0, {10}}}}), "UnitsPerADs", "0,3:0.5");
+    WriteAll(m_path, WithCell(WithCell(both, "ADZeros", "x:0"), "FPosRecordingData", "999999"));
+    const std::string json = RunTool({"info", "--json", m_path}).out;
+    EXPECT_NE(json.find("\"unitsPerAD\": null"), std::string::npos) << json;
+    EXPECT_NE(json.find("\"adZero\": null"), std::string::npos) << json;
+    const std::string out = RunTool({"info", m_path}).out;
+    EXPECT_NE(out.find("The segments of recording 1 (CompoundTest 1) aren't in the file;"), std::string::npos) << out;
+
+    WriteAll(m_path, WithCell(WithCell(FileOf({{{11, 0, {10}}}}), "WellIDs", "11:11"), "UnitsPerADs", "0.5:0,3"));
+    EXPECT_EQ(RunTool({"info", m_path}).status, 0) << "the first entry of a well counts";
 }
 
 TEST(FileWindow, ReturnsBytesAcrossTheEndOfABlock) {

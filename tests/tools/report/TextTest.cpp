@@ -138,6 +138,6 @@ TEST(Text, ShortensRunsOfThreeNumbersAndMore) {
     std::vector<std::int32_t> many = {0, 1, 2};
     for (std::int32_t i = 2; i < 200'000; ++i)
         many.push_back(2 * i);
-    EXPECT_EQ(ListText(many),
+    EXPECT_EQ(ListText(many, 20),
               "0 - 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40 and 199979 more");
 }

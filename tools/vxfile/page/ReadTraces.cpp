@@ -74,8 +74,9 @@ class CTraceReader {
             if (std::isnan(channel.UnitsPerAD)) withoutUnits.push_back(channel.ID);
         }
         if (withoutUnits.empty()) return;
-        m_values.notes.push_back("UnitsPerADs or ADZeros in the header of " + what + " has no number for wells " +
-                                 ListText(withoutUnits) + "; their traces are in AD steps. Run 'vxfile verify' on it.");
+        m_values.notes.push_back("UnitsPerADs or ADZeros in the header of " + what + " has no number for " +
+                                 (withoutUnits.size() == 1 ? "well " : "wells ") + ListText(withoutUnits) +
+                                 ". Traces without units are in AD steps. Run 'vxfile verify' on the file.");
     }
 
     void ReadSegments(const CRecordingIndex& index, std::vector<CTrace>& traces) {

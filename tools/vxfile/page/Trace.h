@@ -23,7 +23,7 @@ class CTrace {
 
     /// How samples are converted to units: a sample of `zero` is 0.
     struct CScale {
-        double unitsPerAD = 0.0;  ///< 0 if unknown.
+        double unitsPerAD = 0.0;  ///< 0 or NaN if unknown.
         std::int32_t zero = 0;
     };
 

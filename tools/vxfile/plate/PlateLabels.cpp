@@ -42,7 +42,8 @@ std::string Raised(std::string text) {
 
 bool IsWellID(std::string_view word) { return TakeID(word) && word.empty(); }
 
-CPlateLabels::CPlateLabels(const CPropRecordPlate& plate, std::string source) : m_source(std::move(source)) {
+CPlateLabels::CPlateLabels(const CPropRecordPlate& plate, std::string source)
+    : m_source(std::move(source)), m_owner(m_source) {
     for (const auto& well : plate.Data.Wells) {
         if (!well) continue;
         CPlatePlace place = PlaceOf(well->Label);
@@ -51,8 +52,10 @@ CPlateLabels::CPlateLabels(const CPropRecordPlate& plate, std::string source) : 
     }
 }
 
-void CPlateLabels::Replace(const std::map<std::int32_t, std::string>& labels, const std::string& source) {
+void CPlateLabels::Merge(const std::map<std::int32_t, std::string>& labels, const std::string& source) {
     if (!AreKnown()) m_source = source;
+    m_owner = source;
+    std::erase_if(m_labels, [&](const auto& label) { return !labels.contains(label.first); });
     for (const auto& [well, text] : labels) {
         CLabel& label = m_labels[well];
         if (text.empty()) continue;
@@ -111,7 +114,7 @@ std::vector<std::int32_t> CPlateLabels::WellsOf(const std::string& word) const {
                        "its Guid; name one with --settings.");
     std::vector<std::int32_t> wells = Find(word);
     if (wells.empty()) wells = FindRectangle(word);
-    if (wells.empty()) throw CFailure(m_source + " has no well " + Quoted(word) + "; its wells: " + All() + '.');
+    if (wells.empty()) throw CFailure(m_owner + " has no well " + Quoted(word) + "; its wells: " + All() + '.');
     return wells;
 }
 

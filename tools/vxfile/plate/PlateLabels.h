@@ -22,12 +22,13 @@ class CPlateLabels {
     /// `source` is the path of the settings file.
     CPlateLabels(const CPropRecordPlate& plate, std::string source);
 
-    /// Adds the wells of another file by ID, with their labels in UTF-8. A label that isn't empty replaces a known one.
-    void Replace(const std::map<std::int32_t, std::string>& labels, const std::string& source);
+    /// Keeps only the wells of another file, given by ID with their labels in UTF-8. A label that isn't empty replaces
+    /// a known one. `source` is the path of that file.
+    void Merge(const std::map<std::int32_t, std::string>& labels, const std::string& source);
 
     /// Returns whether there is a file with labels.
     bool AreKnown() const { return !m_source.empty(); }
-    /// Returns the path of the first file; empty if there is none.
+    /// Returns the path of the settings file, or without one that of the merged file; empty if there is neither.
     const std::string& Source() const { return m_source; }
 
     /// Returns the label of a well, in UTF-8; empty if it has none. Valid as long as this object.
@@ -59,6 +60,7 @@ class CPlateLabels {
     std::string All() const;
 
     std::string m_source;
+    std::string m_owner;                      ///< The path of the file whose wells these are.
     std::map<std::int32_t, CLabel> m_labels;  ///< By ID.
 };
 

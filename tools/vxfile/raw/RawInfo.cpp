@@ -69,6 +69,9 @@ class CRawInfo {
             m_page.SetDamage("The file ends within its first header; there is no recording to recover.");
         else if (!m_damage.empty())
             m_page.SetDamage(m_damage + "; run 'vxfile verify' to see where, 'vxfile recover' to save what is intact.");
+        else if (!m_unitFault.empty())
+            m_page.SetDamage(m_unitFault +
+                             ", so its samples have no values in units; run 'vxfile verify' for all faults.");
         if (!m_counts) m_page.SetRemark("Segments and samples weren't counted; use --full.");
         return std::move(m_page);
     }
@@ -82,6 +85,7 @@ class CRawInfo {
     void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
     void JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row);
     void JudgeWhatIsBehind();
+    static void Mark(CPage::CRow& row, const char* word);
     void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
 
     std::vector<CRawDataChannelInfo> WellsOf(const CRecordingAt& recording) const;
@@ -94,8 +98,9 @@ class CRawInfo {
     CSegmentBudget m_budget;
     CProgress m_progress;
     CPage m_page;
-    std::string m_damage;    ///< The first damage found; empty if there is none.
-    std::int64_t m_end = 0;  ///< The end of the last header or segment that was found.
+    std::string m_damage;     ///< The first damage found; empty if there is none.
+    std::string m_unitFault;  ///< The first unit that isn't a number; empty if there is none.
+    std::int64_t m_end = 0;   ///< The end of the last header or segment that was found.
 };
 
 void CRawInfo::TellHeader() {
@@ -186,8 +191,9 @@ CJson CRawInfo::WellsJson(const std::vector<CRawDataChannelInfo>& wells, const C
     CJson list = ChannelsJson(wells);
     for (CJson& well : list) {
         const auto id = well["id"].get<std::int32_t>();
-        const auto fault = faults.find(id);
-        if (fault != faults.end()) well[fault->second.key == "ADZeros" ? "adZero" : "unitsPerAD"] = nullptr;
+        const auto [first, last] = faults.equal_range(id);
+        for (auto fault = first; fault != last; ++fault)
+            well[fault->second.key == "ADZeros" ? "adZero" : "unitsPerAD"] = nullptr;
         if (m_view.labels.AreKnown()) well["label"] = m_view.labels.Of(id);
     }
     return list;
@@ -225,10 +231,15 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
     return row;
 }
 
-/// Keeps only the first damage of the file, and of each recording.
+/// Keeps only the first damage of each recording.
+void CRawInfo::Mark(CPage::CRow& row, const char* word) {
+    if (row.back() == kFinished) row.back() += word;
+}
+
+/// The same, and keeps the first of the file.
 void CRawInfo::NoteDamage(CPage::CRow& row, const char* word, const std::string& what) {
     if (m_damage.empty()) m_damage = what;
-    if (row.back() == kFinished) row.back() += word;
+    Mark(row, word);
 }
 
 /// Notes damage that shows without reading segments.
@@ -240,8 +251,9 @@ void CRawInfo::JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage:
     else if (recording.IsFinished() && (data < 0 || data > m_scan.Size()))
         NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
     for (const auto& [well, fault] : faults) {
-        if (!fault.text.empty() && m_view.choice.HasWell(well))
-            NoteDamage(row, ", damaged", TextOf(fault, recording, index, well));
+        if (fault.text.empty() || !m_view.choice.HasWell(well)) continue;
+        if (m_unitFault.empty()) m_unitFault = TextOf(fault, recording, index, well);
+        Mark(row, ", damaged");
     }
 }
 

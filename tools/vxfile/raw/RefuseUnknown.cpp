@@ -6,7 +6,7 @@
 namespace vxfile {
 
 std::string ListOrNone(const std::set<std::int32_t>& numbers) {
-    return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()});
+    return numbers.empty() ? "none" : ListText({numbers.begin(), numbers.end()}, kMostListed);
 }
 
 void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path,

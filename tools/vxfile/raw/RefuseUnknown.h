@@ -9,7 +9,7 @@
 #include "verify/raw/RawScan.h"
 
 /// @file
-/// Refuses tasks, doses and wells that a raw data file doesn't have.
+/// Refuses tasks, doses and wells that a file doesn't have.
 
 namespace vxfile {
 
@@ -32,7 +32,7 @@ std::set<std::int32_t> WellsOf(const std::vector<CRecordingAt>& recordings, auto
     return wells;
 }
 
-/// Returns numbers as `ListText` does; "none" if there are none.
+/// Returns at most `kMostListed` numbers and runs, as `ListText` does; "none" if there are none.
 std::string ListOrNone(const std::set<std::int32_t>& numbers);
 
 }  // namespace vxfile

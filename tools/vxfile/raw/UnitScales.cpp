@@ -13,7 +13,7 @@ CScaleFaults ScaleFaultsOf(const CRawScan& scan, const CRecordingAt& recording) 
 std::string TextOf(const CScaleFault& fault, const CRecordingAt& recording, std::size_t index, std::int32_t well) {
     const std::string ofWell = " for well " + std::to_string(well);
     return std::string(fault.key) + " of " + NameOf(recording, index) + " has " +
-           (fault.text.empty() ? "no value" + ofWell : Quoted(fault.text) + ofWell + ", which isn't a number");
+           (fault.text.empty() ? "no value" + ofWell : Quoted(fault.text) + ofWell + ", which isn't a valid number");
 }
 
 }  // namespace vxfile

@@ -16,7 +16,7 @@ using vxfileio::rawdata::CScaleFaults;
 CScaleFaults ScaleFaultsOf(const CRawScan& scan, const CRecordingAt& recording);
 
 /// Returns the fault of a well as a sentence without its full stop, such as `UnitsPerADs of recording 1 (Series 1) has
-/// "0,3" for well 11, which isn't a number`. `index` is that of the recording in the file.
+/// "0,3" for well 11, which isn't a valid number`. `index` is that of the recording in the file.
 std::string TextOf(const CScaleFault& fault, const CRecordingAt& recording, std::size_t index, std::int32_t well);
 
 }  // namespace vxfile

@@ -25,7 +25,7 @@ class CProgress {
     /// and `std::bad_alloc` if memory has run out.
     void Reach(std::int64_t done);
 
-    /// Does the same and notes the amount of work. So `std::ref` of this object receives the progress of checks.
+    /// Does the same and notes the amount of work. A `std::ref` to this object is a `CReach`.
     void operator()(std::int64_t done, std::int64_t total) {
         m_total = total;
         Reach(done);
@@ -44,7 +44,7 @@ class CProgress {
     CClock::time_point m_next = CClock::now() + std::chrono::seconds(1);
 };
 
-/// Returns what `check` finds in a file. It gets a `CReach`, which shows a bar.
+/// Returns what `check` finds in a file. `check` gets a `CReach` that shows a bar.
 CFindings CheckWithBar(const std::string& path, auto check) {
     CProgress progress("Checking " + path);
     return check(CReach(std::ref(progress)));

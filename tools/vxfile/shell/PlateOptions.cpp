@@ -61,7 +61,7 @@ CPlateView CPlateOptions::ViewOf(const CRunFile& file, const std::map<std::int32
                                  CISettingsReader& settings) const {
     CPlateView view{.choice = {.tasks = m_tasks, .doses = Doses()}, .ticksPerSecond = m_ticksPerSecond};
     ReadLabels(view, NameSettings() ? m_settings : SettingsBeside(file.path, file.guid), file, settings);
-    if (!labels.empty()) view.labels.Replace(labels, file.path);
+    if (!labels.empty()) view.labels.Merge(labels, file.path);
     TakeWells(view);
     return view;
 }

@@ -41,8 +41,8 @@ class CPlateOptions {
     /// word means nothing.
     CPlateView ViewOf(const std::string& path) const;
 
-    /// Does the same for a file of a run that has labels itself, by ID. They replace those of the settings, which
-    /// `settings` receives.
+    /// Does the same for a file with labels of its own, by well ID, which replace those of the settings. Stores the
+    /// settings that were read in `settings`. Without a Guid of the file, looks for none beside it.
     CPlateView ViewOf(const CRunFile& file, const std::map<std::int32_t, std::string>& labels,
                       CISettingsReader& settings) const;
 

@@ -18,14 +18,14 @@ CResultsPlate PlateOfResults(const std::string& path) {
     std::map<std::pair<std::string, std::int64_t>, std::set<std::int32_t>> wells;
     CResultsPlate plate;
     const auto take = [&](const CRecordingPlace& place) -> auto& { return wells[{place.task, DoseOf(place)}]; };
-    static_cast<void>(
+    plate.damage =
         WalkResults(path, {.well =
                                [&](const CRecordingPlace& place, std::int32_t wellID, const CResultsWell& well) {
                                    take(place).insert(wellID);
                                    std::string& label = plate.labels[wellID];
                                    if (label.empty()) label = Utf8(well.WellLabel);
                                },
-                           .recording = take}));
+                           .recording = take});
     for (const auto& [recording, ids] : wells) {
         if (recording.second < 0) continue;
         CRawDataRecordingHdr& header = plate.recordings.emplace_back().header;

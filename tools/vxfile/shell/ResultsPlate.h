@@ -20,12 +20,13 @@ struct CResultsPlate {
     /// have none.
     std::vector<CRecordingAt> recordings;
     std::map<std::int32_t, std::string> labels;  ///< Of each well by its ID, in UTF-8.
+    std::string damage;                          ///< What is wrong with the document, as `WalkResults` returns it.
 };
 
 /// Reads the file, as far as it isn't damaged. Throws `CExcVXReader` if it can't be opened.
 CResultsPlate PlateOfResults(const std::string& path);
 
-/// Turns what is chosen of a results file into rows, as `WalkResults` does for everything.
+/// Puts the rows of what is chosen of a results file. Returns what is wrong with the document, as `WalkResults` does.
 [[nodiscard]] std::string WalkChosen(const std::string& path, const CPlateChoice& choice,
                                      vxfileio::results::CResultsRows& rows);
 

@@ -8,6 +8,7 @@
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Table.h"
+#include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/ResultsPlate.h"
@@ -63,7 +64,7 @@ class CTableCommand : public CCommand {
             return kSound;
         }
         RequireKind(EFileKind::Results, m_path);
-        TakeView();
+        TakeView(*table);
         m_form.Target().sources = {m_path, m_view.labels.Source()};
         const auto writer = MakeTableWriter(m_form.Form(), m_form.Target(), columns, [&] { return CountRows(*table); });
         const std::string damage = Walk(*table, [&](auto row) { writer->Put(row); });
@@ -74,13 +75,22 @@ class CTableCommand : public CCommand {
     }
 
  private:
-    /// Finds out what the words of the plate mean, and reports whose labels the rows have.
-    void TakeView() {
+    /// Finds out what the words of the plate mean, and reports which labels aren't those of the results. Means have no
+    /// labels, so they need settings only if these are named.
+    void TakeView(EResultsTable table) {
         const CResultsPlate plate = m_plate.AreChoosing() ? PlateOfResults(m_path) : CResultsPlate();
-        m_view = m_plate.ViewOf({m_path, GuidOfDocument(m_path)}, plate.labels, m_settings);
+        const bool isOfWells = table != EResultsTable::Means;
+        const std::string guid = isOfWells || m_plate.NameSettings() ? GuidOfDocument(m_path) : std::string();
+        try {
+            m_view = m_plate.ViewOf({m_path, guid}, plate.labels, m_settings);
+            if (m_plate.AreChoosing()) RefuseUnknown(m_view, m_path, plate.recordings);
+        } catch (const CFailure& failure) {
+            if (plate.damage.empty()) throw;
+            throw CFailure(std::string(failure.what()) + ' ' + m_path + ": " + plate.damage);
+        }
         m_hasSettings = m_view.labels.AreKnown() && m_view.labels.Source() != m_path;
-        if (m_plate.AreChoosing()) RefuseUnknown(m_view, m_path, plate.recordings);
-        if (m_hasSettings) Complain(SourceText(m_view));
+        if (m_hasSettings && isOfWells)
+            Complain("Labels that the results lack are those of " + Readable(m_view.labels.Source()) + '.');
     }
 
     /// Passes each row of the chosen tasks, doses and wells. Returns what is wrong with the results.
