@@ -122,6 +122,7 @@ bool CIndexBuilder::Settle(std::int64_t position, CSegmentHdr& header) {
 }
 
 void CIndexBuilder::Add(std::int64_t position, const CSegmentHdr& header) {
+    if (header.Size != SamplesOf(header)) m_index->sizes.emplace(m_index->segments.Count(), header.Size);
     m_index->segments.Add({.well = WellOf(header.ID),
                            .samples = SamplesOf(header),
                            .timeFrom = header.TimeFrom,

@@ -19,7 +19,8 @@ struct CIndexData {
     std::vector<CRawDataChannelInfo> wells = {};                ///< As `CRecordingIndex::GetWells` returns them.
     std::unordered_map<std::int32_t, std::uint32_t> rows = {};  ///< Index in `wells` by well ID.
     CSegmentTable segments = {};
-    std::int64_t fileSize = 0;  ///< When the last segment had been read.
+    std::unordered_map<std::size_t, std::int64_t> sizes = {};  ///< `Size` by segment, if 32 bits don't hold it.
+    std::int64_t fileSize = 0;                                 ///< When the last segment had been read.
     std::uint64_t certain = 0;
     std::string damage = {};
 

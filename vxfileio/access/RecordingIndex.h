@@ -12,8 +12,9 @@
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
 namespace vxfileio::access {
+class CSampleStream;
 struct CIndexData;
-}
+}  // namespace vxfileio::access
 
 /// One segment of a recording, as its header describes it.
 struct CSegmentInfo {
@@ -88,6 +89,7 @@ class VXFILEIO_API CRecordingIndex {
 
  private:
     friend class CRawDataFile;
+    friend class vxfileio::access::CSampleStream;
     explicit CRecordingIndex(std::shared_ptr<const vxfileio::access::CIndexData> data);
 
     std::shared_ptr<const vxfileio::access::CIndexData> m_data;

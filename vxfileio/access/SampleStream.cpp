@@ -60,4 +60,10 @@ void CSampleStream::Read(const CSampleSelection& selection, const std::function<
     block.Deliver();
 }
 
+std::int64_t CSampleStream::SizeOf(const CRecordingIndex& index, std::size_t number) {
+    const auto& sizes = index.m_data->sizes;
+    const auto size = sizes.find(number);
+    return size == sizes.end() ? index.m_data->segments.Row(number).samples : size->second;
+}
+
 }  // namespace vxfileio::access

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
 
+#include "vxfileio/access/RecordingIndex.h"
 #include "vxfileio/access/SampleSelection.h"
 
 namespace vxfileio::access {
@@ -23,6 +25,10 @@ class CSampleStream {
  public:
     /// Calls `take` for each part. Throws as `CSampleSelection::Read` does if samples can't be read.
     static void Read(const CSampleSelection& selection, const std::function<void(const CSamplePart&)>& take);
+
+    /// Returns the `Size` of a segment as its header has it. `CSegmentInfo::Samples` has the low 32 bits. Requires:
+    /// `number` is below `GetSegmentCount()`.
+    static std::int64_t SizeOf(const CRecordingIndex& index, std::size_t number);
 };
 
 }  // namespace vxfileio::access

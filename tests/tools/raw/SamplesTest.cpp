@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "tests/support/TempFolder.h"
@@ -241,6 +242,18 @@ TEST_F(Samples, BeforeTheFirstReachableRecordingAreInDoubt) {
     ASSERT_EQ(m_doubts.size(), 1U);
     EXPECT_NE(m_doubts[0].find("At byte 1190, in or after the file header, is a recording"), std::string::npos)
         << m_doubts[0];
+}
+
+TEST_F(Samples, AreInDoubtIfOnlyTheLow32BitsOfTheirSizeFitTheirTimes) {
+    const std::string doubt =
+        "1 segment with times that contradict Size, so they are in doubt; the first is of well "
+        "12, at byte 3952 in recording 1 (CompoundTest 1).";
+    for (const auto& [size, doubts] : {std::pair("4", std::vector<std::string>()),
+                                       {"4294967300", std::vector{doubt}},
+                                       {"-4294967292", std::vector{doubt}}}) {
+        EXPECT_EQ(Chosen({}, FileOf({{{11, 0, {1}}, {12, 0, {5, 6, 7, 8}, 100, size}}})), "0=1 0=5 100=6 200=7 300=8 ");
+        EXPECT_EQ(m_doubts, doubts) << size;
+    }
 }
 
 TEST_F(Samples, AreRefusedIfAChainContinuesInAnotherRecording) {

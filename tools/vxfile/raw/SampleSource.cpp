@@ -62,7 +62,7 @@ class CSegmentsAt {
         segment.position = Position(number);
         segment.layout = &m_scan.Layout();
         segment.header.ID = info.WellID;
-        segment.header.Size = info.Samples;
+        segment.header.Size = CSampleStream::SizeOf(m_index, number);
         segment.header.TimeFrom = info.TimeFrom;
         segment.header.TimeTo = info.TimeTo;
         segment.header.FPosNextSegmentHdr = Position(number + 1);
