@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
+#include <functional>
 #include <limits>
 #include <string>
 #include <tuple>
@@ -254,6 +256,43 @@ TEST_F(Samples, AreInDoubtIfOnlyTheLow32BitsOfTheirSizeFitTheirTimes) {
         EXPECT_EQ(Chosen({}, FileOf({{{11, 0, {1}}, {12, 0, {5, 6, 7, 8}, 100, size}}})), "0=1 0=5 100=6 200=7 300=8 ");
         EXPECT_EQ(m_doubts, doubts) << size;
     }
+}
+
+TEST_F(Samples, HaveTheSameDoubtsWhenTheyAreCounted) {
+    WriteAll(m_path, FileOf({{{11, 0, {1}}, {13, 0, {2}}}, {{13, 0, {3}}}}));
+    using CStep = std::function<void(CSampleSource&)>;
+    const CStep count = [](CSampleSource& source) { source.Counts(); };
+    const CStep read = [](CSampleSource& source) { source.ForEach([](const CPiece&) {}); };
+    const CStep countWithin = [&](CSampleSource& source) { source.ForEach([&](const CPiece&) { count(source); }); };
+    for (const auto& [name, steps] :
+         std::vector<std::pair<std::string, std::vector<CStep>>>{{"count", {count}},
+                                                                 {"read", {read}},
+                                                                 {"count, read", {count, read}},
+                                                                 {"read, count", {read, count}},
+                                                                 {"read twice", {read, read}},
+                                                                 {"count while reading", {countWithin}}}) {
+        CSampleSource source(m_path, {});
+        for (const auto& step : steps)
+            step(source);
+        EXPECT_EQ(source.Doubts(),
+                  std::vector<std::string>{"2 segments of a well that the recording doesn't list, so it may belong to "
+                                           "another; the first is of well 13, at byte 3952 in recording 1 "
+                                           "(CompoundTest 1)."})
+            << name;
+    }
+}
+
+TEST_F(Samples, AreRefusedWithTheNameOfTheFileIfItIsCutWhileTheyAreRead) {
+    WriteAll(m_path, FileOf({{{11, 0, {1}}}, {{12, 0, std::vector<std::uint16_t>(40'000)}}}));
+    CSampleSource source(m_path, {});
+    EXPECT_EQ(FailureOf([&] {
+                  source.ForEach([&](const CPiece& piece) {
+                      if (piece.well == 12) std::filesystem::resize_file(m_path, 10'000);
+                  });
+              }),
+              m_path +
+                  " is damaged or cut: recording 2 (CompoundTest 2) can't be read. Run 'vxfile recover' to save "
+                  "what is intact.");
 }
 
 TEST_F(Samples, AreRefusedIfAChainContinuesInAnotherRecording) {

@@ -9,8 +9,11 @@
 #include "tools/vxfile/raw/RefuseUnknown.h"
 #include "tools/vxfile/raw/UnitScales.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/system/Interrupt.h"
+#include "tools/vxfile/system/MemoryReserve.h"
 #include "verify/Failure.h"
 #include "vxfileio/access/SampleStream.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 using namespace vxfileio::rawdata;
@@ -21,8 +24,13 @@ namespace vxfile {
 
 namespace {
 
-/// The segments of the recordings that are kept, at 32 bytes each.
-constexpr std::size_t kMostKept = std::size_t{128} << 10;
+/// The most memory for the recordings that are kept, in bytes.
+constexpr std::size_t kMostKept = std::size_t{4} << 20;
+
+/// Returns about how much memory an index takes, in bytes. It holds segments in blocks of 4 KiB.
+std::size_t MemoryOf(const CRecordingIndex& index) {
+    return 32 * index.GetSegmentCount() + 128 * index.GetWells().size() + (std::size_t{5} << 10);
+}
 
 /// Returns true if the times of all samples fit the type. `tick` is the interval of the well, 0 if unknown.
 bool HasTimes(const CSegmentAt& segment, std::int64_t tick) {
@@ -100,11 +108,12 @@ CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
     if (m_choice.from > m_choice.to)
         throw CFailure("--from " + std::to_string(m_choice.from) + " is later than --to " +
                        std::to_string(m_choice.to) + "; swap them.");
-    if (m_scan.Break()) RefuseBreak("its recordings");
+    const std::string recordings = "its recordings";
+    if (m_scan.Break()) RefuseBreak(recordings);
     RefuseUnknownRecordings(m_choice.plate, m_path, m_scan.Recordings());
     RefuseUnknownNumbers();
     RefuseUnfinished();
-    if (!m_scan.Recordings().empty()) m_file.emplace(m_path);
+    if (!m_scan.Recordings().empty()) Read(recordings, [&] { m_file.emplace(m_path); });
 }
 
 void CSampleSource::RefuseUnknownNumbers() const {
@@ -127,7 +136,7 @@ void CSampleSource::RefuseUnfinished() const {
 }
 
 void CSampleSource::ForEach(const CTakePiece& take) {
-    Walk([&](std::size_t index, const CSampleSelection& selection) {
+    Walk([&](std::size_t index, const CRead& /*read*/, const CSampleSelection& selection) {
         const CRecordingAt& recording = m_scan.Recordings()[index];
         const CListedWells wells(recording);
         std::map<std::int32_t, std::string> faults;
@@ -150,12 +159,12 @@ void CSampleSource::ForEach(const CTakePiece& take) {
 const std::map<std::int32_t, std::uint64_t>& CSampleSource::Counts() {
     if (!m_counts.empty()) return m_counts;
     m_judge.Clear();
-    Walk([&](std::size_t /*index*/, const CSampleSelection& selection) {
+    Walk([&](std::size_t index, const CRead& read, const CSampleSelection& selection) {
+        Keep(index, read);
         for (const CWellSamples& well : selection.GetWells()) {
             if (well.Samples > 0) m_counts[well.WellID] += well.Samples;
         }
     });
-    m_judge.Close();
     return m_counts;
 }
 
@@ -165,23 +174,41 @@ void CSampleSource::Walk(const CTakeSelection& take) {
     for (std::size_t i = 0; i < m_scan.Recordings().size(); ++i) {
         const CRecordingAt& recording = m_scan.Recordings()[i];
         if (!IsChosen(recording.header) || !recording.IsFinished()) continue;
-        const auto [index, sound] = ReadRecording(i);
-        const auto selection = index.Select(
-            {.WellIDs = m_choice.plate.wells, .From = m_choice.from, .To = m_choice.to, .Segments = sound.segments});
-        m_any = m_any || selection.GetSamples() > 0;
-        take(i, selection);
-        if (!sound.damage.empty()) RefuseBreak(sound.damage);
+        Read(NameOf(recording, i), [&] { WalkRecording(i, take); });
     }
+    m_judge.Close();
+}
+
+void CSampleSource::WalkRecording(std::size_t recording, const CTakeSelection& take) {
+    const CRead read = ReadRecording(recording);
+    const auto& [index, sound] = read;
+    const auto selection = index.Select(
+        {.WellIDs = m_choice.plate.wells, .From = m_choice.from, .To = m_choice.to, .Segments = sound.segments});
+    m_any = m_any || selection.GetSamples() > 0;
+    take(recording, read, selection);
+    if (!sound.damage.empty()) RefuseBreak(sound.damage);
+}
+
+/// Calls `read`. If the library can't read the file there, throws `CFailure` with `where`.
+void CSampleSource::Read(const std::string& where, const std::function<void()>& read) const try {
+    read();
+} catch (const CExcVXReader&) {
+    RefuseBreak(where);
 }
 
 CSampleSource::CRead CSampleSource::ReadRecording(std::size_t recording) {
     const auto kept = m_kept.find(recording);
     if (kept != m_kept.end()) return kept->second;
     const CRecordingIndex index = m_file->ReadIndex(recording, {.UpToDamage = true});
-    CRead read{index, Judge(index, recording)};
-    if (index.GetSegmentCount() > kMostKept - m_keptSegments) return read;
-    m_keptSegments += index.GetSegmentCount();
-    return m_kept.emplace(recording, std::move(read)).first->second;
+    return {index, Judge(index, recording)};
+}
+
+/// Keeps what was read of a recording, unless that takes too much memory.
+void CSampleSource::Keep(std::size_t recording, const CRead& read) {
+    const std::size_t memory = MemoryOf(read.index);
+    if (memory > kMostKept - m_keptMemory) return;
+    m_keptMemory += memory;
+    m_kept.emplace(recording, read);
 }
 
 /// Judges the segments of a recording, and updates the range of times and the list of wells.
@@ -193,6 +220,8 @@ CSampleSource::CSound CSampleSource::Judge(const CRecordingIndex& index, std::si
     };
     noteJump(m_scan.DataPosition(m_scan.Recordings()[recording]), segments.Position(0));
     for (std::size_t i = 0; i < index.GetSegmentCount(); ++i) {
+        CheckInterrupt();
+        CheckMemory();
         const CSegmentAt segment = segments.At(i);
         const std::int32_t well = segment.header.ID;
         noteJump(segment.End(), segment.header.FPosNextSegmentHdr);

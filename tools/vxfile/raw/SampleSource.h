@@ -44,7 +44,8 @@ struct CPiece {
 };
 
 /// The chosen samples of a file, in the order of its recordings and of their segments. Can be read more than once.
-/// Keeps a block of samples, the index of one recording and up to 4 MiB of others in memory.
+/// Keeps a block of samples and the index of one recording in memory, and up to 4 MiB of indexes that `Counts` has
+/// read. While `Counts` runs within `ForEach`, both have one.
 class CSampleSource {
  public:
     using CTakePiece = std::function<void(const CPiece&)>;
@@ -81,11 +82,9 @@ class CSampleSource {
     std::int64_t Size() const { return m_scan.Size(); }
 
  private:
-    using CTakeSelection = std::function<void(std::size_t, const CSampleSelection&)>;
-
-    /// The segments of a recording that yield right samples.
+    /// The sound beginning of a recording.
     struct CSound {
-        std::size_t segments = 0;  ///< The number of segments before the first one that doesn't.
+        std::size_t segments = 0;  ///< The number of its segments.
         std::string damage;        ///< What can't be read after them; empty for nothing.
     };
 
@@ -94,12 +93,17 @@ class CSampleSource {
         CSound sound;
     };
 
+    using CTakeSelection = std::function<void(std::size_t, const CRead&, const CSampleSelection&)>;
+
     void RefuseUnknownNumbers() const;
     void RefuseUnfinished() const;
     [[noreturn]] void RefuseWells() const;
     void Walk(const CTakeSelection& take);
+    void WalkRecording(std::size_t recording, const CTakeSelection& take);
+    void Read(const std::string& where, const std::function<void()>& read) const;
     bool IsChosen(const CRawDataRecordingHdr& header) const;
     CRead ReadRecording(std::size_t recording);
+    void Keep(std::size_t recording, const CRead& read);
     CSound Judge(const CRecordingIndex& index, std::size_t recording);
     std::string DamageOf(const CSegmentAt& segment, const CRawDataChannelInfo* channel, std::size_t recording);
     [[noreturn]] void RefuseBreak(const std::string& where) const;
@@ -110,9 +114,9 @@ class CSampleSource {
     CSampleChoice m_choice;
     std::optional<CRawDataFile> m_file;  ///< Empty if there are no recordings.
     std::map<std::int32_t, std::uint64_t> m_counts;
-    std::map<std::size_t, CRead> m_kept;  ///< The first recordings, which a second walk needn't read again.
-    std::size_t m_keptSegments = 0;
-    std::set<std::int32_t> m_wells;  ///< The chosen wells that have segments.
+    std::map<std::size_t, CRead> m_kept;  ///< Recordings that `Counts` has read and `ForEach` needn't read again.
+    std::size_t m_keptMemory = 0;         ///< In bytes.
+    std::set<std::int32_t> m_wells;       ///< The chosen wells that have segments.
     std::int64_t m_first =
         std::numeric_limits<std::int64_t>::max();  ///< The range of times of their segments before clipping.
     std::int64_t m_last = std::numeric_limits<std::int64_t>::min();
