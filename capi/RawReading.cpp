@@ -1,62 +1,77 @@
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <optional>
 #include <type_traits>
+#include <utility>
 
 #include "capi/Raw.h"
+#include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 #include "vxfileio/rawdata/RawDataReader.h"
 
 namespace vxfileio::capi {
 
-namespace {
-
-class CRaw : public COpened<CRawDataFile> {
- public:
-    std::string path;  ///< As it was opened.
-};
-class CRecording : public COpened<CRecordingIndex> {};
-class CSelection : public COpened<CSampleSelection> {};
-
-/// Reads one segment after the other.
+/// Reads the segments of a recording, one after the other, from the file that a `CRawDataFile` has open.
 class CSegments : public CObject {
  public:
-    bool IsOpen() const noexcept override { return m_isOpen; }
-    void Open(const std::string& path, std::int64_t recording, std::int32_t well);
+    bool IsOpen() const noexcept override { return m_reader != nullptr; }
+    void Open(const CRawDataFile& file, std::int64_t recording, std::int32_t well);
 
-    /// Returns the next segment, which stays the next one until `Pass`. Throws VX_END if there is none.
+    /// Returns the next segment, which stays the next one until `Pass`. Throws VX_END if there is none. After damage,
+    /// throws the same exception each time.
     const vx_segment_info& Next();
     /// Returns its samples, which are valid until the next one is read.
     const std::uint16_t* Samples() const noexcept { return m_samples; }
     void Pass() noexcept { m_hasNext = false; }
 
  private:
-    rawdata::CRawDataReader m_reader;
+    [[nodiscard]] bool Read();
+
+    std::unique_ptr<rawdata::CRawDataReader> m_reader;
     vx_segment_info m_next{};
     std::uint16_t* m_samples = nullptr;  ///< Of the next segment; the reader's.
+    std::optional<CExcVXReader> m_damage;
     bool m_hasNext = false;
     bool m_isEmpty = false;
-    bool m_isOpen = false;
 };
 
-void CSegments::Open(const std::string& path, std::int64_t recording, std::int32_t well) {
-    m_reader.Open(path);
-    const std::size_t index = TakeIndex(recording, m_reader.Recordings().size());
-    if (!m_reader.JumpToRecording(index)) throw CFailed{VX_ERROR_FILE, rawdata::kUnfinished};
-    m_reader.SelectWellID(well);
-    m_isEmpty = m_reader.IsWithoutSegments(index);
-    m_isOpen = true;
+void CSegments::Open(const CRawDataFile& file, std::int64_t recording, std::int32_t well) {
+    const std::size_t index = TakeIndex(recording, file.GetRecordings().size());
+    auto reader = std::make_unique<rawdata::CRawDataReader>(*file.m_reader, index);
+    if (!reader->JumpToRecording(0)) throw CFailed{VX_ERROR_FILE, rawdata::kUnfinished};
+    reader->SelectWellID(well);
+    m_isEmpty = reader->IsWithoutSegments(0);
+    m_reader = std::move(reader);
 }
 
 const vx_segment_info& CSegments::Next() {
-    if (m_hasNext) return m_next;
-    std::uint32_t size = 0;
-    if (m_isEmpty || !m_reader.ReadSegment(m_next.well, m_next.time_from, m_next.time_to, size, m_samples))
-        throw CFailed{VX_END, "There are no more segments."};
-    m_next.samples = size;
-    m_next.offset = m_reader.SamplesOffset();
+    if (m_damage) throw CExcVXReader(*m_damage);
+    if (!m_hasNext && !Read()) throw CFailed{VX_END, "There are no more segments."};
     m_hasNext = true;
     return m_next;
 }
+
+/// Reads the next segment. Returns false after the last one.
+bool CSegments::Read() {
+    std::uint32_t size = 0;
+    try {
+        if (m_isEmpty || !m_reader->ReadSegment(m_next.well, m_next.time_from, m_next.time_to, size, m_samples))
+            return false;
+    } catch (const CExcVXReader& damage) {
+        m_damage = damage;
+        throw;
+    }
+    m_next.samples = size;
+    m_next.offset = m_reader->SamplesOffset();
+    return true;
+}
+
+namespace {
+
+class CRaw : public COpened<CRawDataFile> {};
+class CRecording : public COpened<CRecordingIndex> {};
+class CSelection : public COpened<CSampleSelection> {};
 
 constexpr std::array kTexts = {&CRawDataFileHdr::HeaderID, &CRawDataFileHdr::FileType, &CRawDataFileHdr::ProgramVersion,
                                &CRawDataFileHdr::Guid,     &CRawDataFileHdr::PlateID,  &CRawDataFileHdr::CompoundName};
@@ -132,10 +147,7 @@ void ReadWell(CRecording& recording, const CSampleRequest& request, Element* ele
 using namespace vxfileio::capi;
 
 int VX_CALL vx_raw_open(vx_raw** out, const char* path) {
-    return Make<CRaw>(out, [&](CRaw& raw) {
-        raw.path = TakeText(path, "The path");
-        raw.Open(std::make_unique<CRawDataFile>(raw.path));
-    });
+    return Make<CRaw>(out, [&](CRaw& raw) { raw.Open(std::make_unique<CRawDataFile>(TakeText(path, "The path"))); });
 }
 
 int VX_CALL vx_raw_get_info(vx_raw* raw, vx_raw_info* info) {
@@ -316,7 +328,7 @@ int VX_CALL vx_selection_read_scaled(vx_selection* selection, double* values, in
 
 int VX_CALL vx_segments_open(vx_segments** out, vx_raw* raw, int64_t index, int32_t only_well) {
     return Make<CSegments>(out, [&](CSegments& segments) {
-        Use<CRaw>(raw, [&](const CRaw& object) { segments.Open(object.path, index, only_well); });
+        Use<CRaw>(raw, [&](CRaw& object) { segments.Open(object.Get(), index, only_well); });
     });
 }
 

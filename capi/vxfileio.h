@@ -291,13 +291,13 @@ VX_API int VX_CALL vx_selection_read_scaled(vx_selection* selection, double* val
 /* In place of a well: all of them. */
 #define VX_ALL_WELLS (-1)
 
-/* Opens a finished recording to read its segments one after the other, those of `only_well` or of VX_ALL_WELLS. Opens
- * the file of `raw` again, and reads no segments: this begins at once, where vx_recording_open reads the headers of all
- * segments first. VX_ERROR_FILE if the recording isn't finished. */
+/* Opens a finished recording to read its segments one after the other: those of `only_well`, or all with VX_ALL_WELLS.
+ * Returns at once, whereas vx_recording_open first reads the headers of all segments. VX_ERROR_FILE if the recording
+ * isn't finished. */
 VX_API int VX_CALL vx_segments_open(vx_segments** out, vx_raw* raw, int64_t index, int32_t only_well);
 /* Returns the next segment and its samples; those beyond the end of a cut file are 0. If `samples` is NULL or too
- * small, the next call returns the same segment. VX_END after the last one, VX_ERROR_FILE if the next one is damaged.
- */
+ * small, the next call returns the same segment, even if it has no samples. VX_END after the last one. VX_ERROR_FILE if
+ * the next one is damaged; every further call then fails in the same way. */
 VX_API int VX_CALL vx_segments_next(vx_segments* segments, vx_segment_info* info, uint16_t* samples, int64_t* count);
 
 /* ---- Writing raw data -------------------------------------------------------------------------------------------- */

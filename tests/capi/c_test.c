@@ -330,23 +330,101 @@ static vx_writer* begin_small_example(const char* path) {
     return writer;
 }
 
-/* A recording without segments ends at once; one whose positions form a circle ends with an error. */
+/* Reads segments of all wells until a call fails. Returns how many there are, and the code of that call. */
+static int count_segments(vx_segments* segments, vx_segment_info* last, uint16_t* samples, int* code) {
+    int found = 0;
+    int64_t count = 4;
+    while ((*code = vx_segments_next(segments, last, samples, &count)) == VX_OK) {
+        EXPECT(count == last->samples);
+        count = 4;
+        ++found;
+    }
+    return found;
+}
+
+/* After the last segment and after damage, every further call fails in the same way. */
 static void end_segments(void) {
-    uint16_t samples[1000];
-    int64_t count = 0;
-    int code = VX_OK;
+    static const struct {
+        const char* file;
+        int64_t recording;
+        int segments, code;
+        const char* error;
+    } cases[] = {
+        {"several_recordings.vxd", 0, 4, VX_END, "There are no more segments."},
+        {"circle_of_segments.vxd", 0, 3, VX_ERROR_FILE, "Error reading Data Segment Header"},
+        {"damaged_segments.vxd", 0, 0, VX_ERROR_FILE, "Error seeking Data Segment."},
+        {"damaged_segments.vxd", 3, 1, VX_ERROR_FILE, "Error seeking Data Segment."},
+        {"damaged_segments.vxd", 7, 0, VX_ERROR_FILE, "Error reading Data Segment Header"}, /* only its size is wrong */
+        {"cut_samples.vxd", 0, 2, VX_END, "There are no more segments."},
+    };
+    uint16_t samples[4];
+    int64_t count = 4;
+    int code, again;
+    size_t i;
     SIZED(vx_segment_info, segment);
     vx_segments* segments;
     WORKS(vx_close(begin_small_example(own("empty.vxd"))));
     segments = open_segments(own("empty.vxd"), 0, VX_ALL_WELLS, VX_OK);
     EXPECT(vx_segments_next(segments, &segment, NULL, &count) == VX_END);
     WORKS(vx_close(segments));
-    segments = open_segments(given("circle_of_segments.vxd"), 0, VX_ALL_WELLS, VX_OK);
-    for (count = 1000; code == VX_OK; count = 1000)
-        code = vx_segments_next(segments, &segment, samples, &count);
-    EXPECT(code == VX_ERROR_FILE);
+    for (i = 0; i < sizeof cases / sizeof *cases; ++i) {
+        segments = open_segments(given(cases[i].file), cases[i].recording, VX_ALL_WELLS, VX_OK);
+        EXPECT(count_segments(segments, &segment, samples, &code) == cases[i].segments && code == cases[i].code);
+        EXPECT(count_segments(segments, &segment, samples, &again) == 0 && again == code);
+        EXPECT(strcmp(error_of(segments), cases[i].error) == 0);
+        WORKS(vx_close(segments));
+    }
+    EXPECT(segment.well == 12 && samples[0] == 7 && samples[1] == 0x34 && samples[2] == 0 && samples[3] == 0); /* cut */
+}
+
+/* A segment without samples is passed only by a call with an array. */
+static void pass_an_empty_segment(void) {
+    static char bytes[10000];
+    const int64_t size = content_of(given("small_example.vxd"), bytes, sizeof bytes);
+    FILE* const file = fopen(own("gap.vxd"), "wb");
+    uint16_t samples[4];
+    int64_t count, at = 0;
+    int i;
+    SIZED(vx_segment_info, segment);
+    vx_segments* segments;
+    while (at < size && memcmp(bytes + at, "Size=4", 6) != 0)
+        ++at;
+    bytes[at + 5] = '0';
+    EXPECT(file != NULL && fwrite(bytes, 1, (size_t)size, file) == (size_t)size && fclose(file) == 0);
+    segments = open_segments(own("gap.vxd"), 0, VX_ALL_WELLS, VX_OK);
+    for (i = 0; i < 3; ++i) {
+        count = 0;
+        WORKS(vx_segments_next(segments, &segment, i < 2 ? NULL : samples, &count));
+        EXPECT(segment.well == 11 && segment.samples == 0 && count == 0);
+    }
+    WORKS(vx_segments_next(segments, &segment, NULL, &count));
+    EXPECT(segment.well == 12 && count == 4);
     WORKS(vx_close(segments));
 }
+
+#if defined(__linux__)
+/* The segments come from the file that was opened, even if its name now belongs to another file. */
+static void read_a_renamed_file(void) {
+    uint16_t samples[4];
+    int64_t count = 4;
+    SIZED(vx_segment_info, segment);
+    vx_raw* raw = NULL;
+    vx_segments* segments = NULL;
+    vx_writer* writer = begin_small_example(own("renamed.vxd"));
+    const uint16_t first[] = {1, 256, 65535, 32768};
+    WORKS(vx_writer_write(writer, 11, 0, 300, 100, first, 4));
+    WORKS(vx_close(writer));
+    WORKS(vx_raw_open(&raw, own("renamed.vxd")));
+    EXPECT(rename(own("renamed.vxd"), own("renamed_away.vxd")) == 0);
+    WORKS(vx_close(begin_small_example(own("renamed.vxd"))));
+    WORKS(vx_segments_open(&segments, raw, 0, 11));
+    WORKS(vx_close(raw)); /* the segments keep the file open */
+    WORKS(vx_segments_next(segments, &segment, samples, &count));
+    EXPECT(count == 4 && memcmp(samples, first, sizeof first) == 0);
+    EXPECT(vx_segments_next(segments, &segment, samples, &count) == VX_END);
+    WORKS(vx_close(segments));
+}
+#endif
 
 /* Writes the reference file byte for byte. */
 static void write_raw_data(void) {
@@ -768,6 +846,8 @@ static void check_and_recover(void) {
 static void use_threads(void) {
     const std::string given_path = given("small_example.vxd");
     vx_recording* const shared = open_recording("small_example.vxd", 0, NULL);
+    vx_raw* shared_raw = NULL;
+    WORKS(vx_raw_open(&shared_raw, given_path.c_str()));
     std::atomic<int> wrong{0}, busy{0}, read{0};
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
@@ -775,8 +855,14 @@ static void use_threads(void) {
             for (int i = 0; i < 200; ++i) {
                 vx_raw* raw = NULL;
                 vx_recording* recording = NULL;
+                vx_segments* segments = NULL;
+                SIZED(vx_segment_info, segment);
                 uint16_t samples[4];
                 int64_t count = 4;
+                wrong += (vx_segments_open)(&segments, shared_raw, 0, 12) == VX_ERROR_FILE;
+                if (segments != NULL && (vx_segments_next)(segments, &segment, samples, &count) == VX_OK)
+                    wrong += samples[3] != 10;
+                wrong += (vx_close)(segments) != VX_OK;
                 wrong += (vx_raw_open)(&raw, given_path.c_str()) != VX_OK;
                 wrong += (vx_recording_open)(&recording, raw, 0, NULL) != VX_OK;
                 wrong += (vx_recording_read)(recording, 12, 0, 300, samples, &count) != VX_OK || samples[3] != 10;
@@ -790,6 +876,7 @@ static void use_threads(void) {
         thread.join();
     EXPECT(wrong == 0 && read > 0 && read + busy == 800);
     WORKS(vx_close(shared));
+    WORKS(vx_close(shared_raw));
 }
 #endif
 
@@ -837,6 +924,10 @@ static void (*const phases[])(void) = {
     accept_structs_of_later_versions,
     read_segment_by_segment,
     end_segments,
+    pass_an_empty_segment,
+#if defined(__linux__)
+    read_a_renamed_file,
+#endif
     write_raw_data,
 #if defined(__linux__)
     report_a_full_disk,

@@ -14,6 +14,9 @@
 namespace vxfileio::rawdata {
 class CRawDataReader;
 }
+namespace vxfileio::capi {
+class CSegments;
+}
 
 /// A raw data file (`.vxd`) that is open for reading many samples at once. `CIRawDataReader` reads one segment after
 /// the other; this class and those that it makes read whole recordings into the caller's buffers.
@@ -62,5 +65,7 @@ class VXFILEIO_API CRawDataFile {
     CRecordingIndex ReadIndex(std::size_t recording, const CIndexOptions& options = {}) const;
 
  private:
+    friend class vxfileio::capi::CSegments;
+
     std::shared_ptr<const vxfileio::rawdata::CRawDataReader> m_reader;
 };

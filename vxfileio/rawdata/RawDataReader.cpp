@@ -34,16 +34,20 @@ void AppendWellIDs(const CRawDataRecordingHdr& header, std::vector<std::int32_t>
 
 }  // namespace
 
+CRawDataReader::CRawDataReader(const CRawDataReader& other, std::size_t recording)
+    : m_file(other.m_file), m_layout(other.m_layout), m_recordings{other.m_recordings[recording]} {}
+
 void CRawDataReader::Open(const std::string& path) {
+    m_file = std::make_shared<helpers::CFile>();
     m_pass = BeginningAt(kUnset);
     m_chain = nullptr;
     m_chains.clear();
-    if (!m_file.OpenForReading(path)) throw CExcVXReader(kCannotOpen + path);
+    if (!m_file->OpenForReading(path)) throw CExcVXReader(kCannotOpen + path);
     m_index.Clear();
     ReadFileHdr();
     m_recordings.clear();
-    CRecordingHdrReader headers(m_file, *m_layout);
-    CChainGuard guard(m_file, m_layout->recording.size);
+    CRecordingHdrReader headers(*m_file, *m_layout);
+    CChainGuard guard(*m_file, m_layout->recording.size);
     int rereads = 0;
     while (NextRecordingHdr() != kUnset) {
         CRawDataRecordingHdr header;
@@ -117,9 +121,9 @@ bool CRawDataReader::JumpToRecording(std::size_t index) {
 bool CRawDataReader::IsWithoutSegments(std::size_t index) const {
     const CRawDataRecordingHdr& recording = m_recordings[index];
     const std::int64_t first = recording.FPosRecordingData;
-    if (first < 0 || (first != recording.FPosNextRecordingHdr && first != m_file.Size())) return false;
+    if (first < 0 || (first != recording.FPosNextRecordingHdr && first != m_file->Size())) return false;
     std::string bytes(m_layout->segment.size, '\0');
-    bytes.resize(m_file.ReadUpTo(first, std::as_writable_bytes(std::span(bytes))));
+    bytes.resize(m_file->ReadUpTo(first, std::as_writable_bytes(std::span(bytes))));
     return !m_layout->segment.Begins(bytes);
 }
 
@@ -159,7 +163,7 @@ bool CRawDataReader::FetchNext(CSegmentHdr& header, std::int32_t& wellID) {
 
 void CRawDataReader::ReadFileHdr() {
     std::string bytes(LargestFileHdr(), '\0');
-    bytes.resize(m_file.ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
+    bytes.resize(m_file->ReadUpTo(0, std::as_writable_bytes(std::span(bytes))));
     m_layout = &LayoutOfFile(bytes);
     Decode(*m_layout, bytes, m_fileHdr);
     if (!m_layout->file.Begins(bytes) || !bytes.starts_with(kFileTypeText)) throw CExcVXReader(kNotOurFile);
@@ -185,7 +189,7 @@ bool CRawDataReader::RereadNextRecordingHdr(CRecordingHdrReader& headers) {
 }
 
 CRawDataReader::CPass CRawDataReader::BeginningAt(std::int64_t position) const {
-    return {position, 0, CChainGuard(m_file, m_layout->segment.size)};
+    return {position, 0, CChainGuard(*m_file, m_layout->segment.size)};
 }
 
 /// Moves to the next segment that must be read: one of the selected well, or the last remembered one, since what
@@ -228,11 +232,11 @@ bool CRawDataReader::ReadHdr(CSegmentHdr& header, std::size_t& sampleBytes) {
     const bool isExpected = MakeRoomForNext();
     const CMutableBytes bytes = m_segment.SegmentBytes();
     const std::size_t front = m_layout->segmentFront;
-    std::size_t read = m_file.ReadUpTo(m_pass.position, isExpected ? bytes : bytes.first(front));
+    std::size_t read = m_file->ReadUpTo(m_pass.position, isExpected ? bytes : bytes.first(front));
     if (!DecodeFront(*m_layout, m_segment.Hdr(read), header)) return false;
     if (!IsWanted(header.ID)) return true;
     if (read == front)
-        read += m_file.ReadUpTo(m_pass.position + static_cast<std::int64_t>(front), bytes.subspan(front));
+        read += m_file->ReadUpTo(m_pass.position + static_cast<std::int64_t>(front), bytes.subspan(front));
     DecodeRest(*m_layout, m_segment.Hdr(read), header);
     sampleBytes = read - std::min(read, m_layout->segment.size);
     return true;
@@ -284,9 +288,9 @@ void CRawDataReader::PassOver(const CSegmentHdr& header) {
 bool CRawDataReader::CompleteSamples(std::size_t read, std::uint32_t size) {
     if (read == size * std::size_t{kSampleBytes} && m_segment.Count() == size) return true;
     const std::int64_t position = DataOf(*m_layout, m_pass.position);
-    if (!IsCredible(position, size, [&] { return m_file.Size(); })) return false;
+    if (!IsCredible(position, size, [&] { return m_file->Size(); })) return false;
     m_segment.MakeRoomFor(size, m_layout->segment.size);
-    read = m_file.ReadUpTo(position, m_segment.SampleBytes());
+    read = m_file->ReadUpTo(position, m_segment.SampleBytes());
     ZeroAfter(read, m_segment.SampleBytes());
     return true;
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,10 @@ namespace vxfileio::rawdata {
 class CRawDataReader {
  public:
     CRawDataReader() = default;
+    /// Reads a single recording of the file that another reader has open, and shares this open file: the path isn't
+    /// looked up again. Both can be used at the same time in two threads. Has no file header, no index, and this
+    /// recording with the index 0. Requires: the file has the recording.
+    CRawDataReader(const CRawDataReader& other, std::size_t recording);
     CRawDataReader(const CRawDataReader&) = delete;
     CRawDataReader& operator=(const CRawDataReader&) = delete;
 
@@ -34,7 +39,7 @@ class CRawDataReader {
     const CRawDataFileHdr* GetFileHdr() const noexcept { return &m_fileHdr; }
     const CRawDataIndex* GetIndex() const noexcept { return &m_index; }
     const std::vector<CRawDataRecordingHdr>& Recordings() const noexcept { return m_recordings; }
-    const helpers::CFile& File() const noexcept { return m_file; }
+    const helpers::CFile& File() const noexcept { return *m_file; }
     const CLayout& Layout() const noexcept { return *m_layout; }
     std::vector<std::string> GetTasks() const;
     std::vector<std::int64_t> GetDoses(const std::string& taskName, std::int32_t wellID) const;
@@ -83,7 +88,7 @@ class CRawDataReader {
     void PassOver(const CSegmentHdr& header);
     [[nodiscard]] bool CompleteSamples(std::size_t read, std::uint32_t size);
 
-    helpers::CFile m_file;
+    std::shared_ptr<helpers::CFile> m_file = std::make_shared<helpers::CFile>();  ///< A new one for each `Open`.
     const CLayout* m_layout = &Layouts().back();     ///< The layout of the open file; never null.
     CRawDataIndex m_index;                           ///< One entry per recording, in file order.
     CRawDataFileHdr m_fileHdr;                       ///< As read.
