@@ -1,12 +1,12 @@
 # vxfileio_group_sources(FOLDER): lets each target of a source folder and of its subfolders compile several of its sources
-# as one, which takes half the time. scripts/source_groups.py chooses the groups each time CMake runs; if a new private
-# name is a second one in its group, run CMake again. Generated sources, and those with the property
-# SKIP_UNITY_BUILD_INCLUSION, remain alone.
+# as one, which takes half the time. scripts/source_groups.py chooses the groups each time CMake runs. After giving a
+# source a private name that another one of its group has, run CMake again. Generated sources, and those with the
+# property SKIP_UNITY_BUILD_INCLUSION, remain alone.
 function(vxfileio_group_sources folder)
   get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
-    if(NOT type STREQUAL "UTILITY")
+    if(NOT type MATCHES "UTILITY|INTERFACE_LIBRARY")
       vxfileio_group_sources_of(${target} ${folder})
     endif()
   endforeach()
@@ -26,7 +26,8 @@ function(vxfileio_group_sources_of target folder)
   foreach(source IN LISTS sources)
     cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${folder} NORMALIZE OUTPUT_VARIABLE path)
     get_source_file_property(is_alone ${path} TARGET_DIRECTORY ${target} SKIP_UNITY_BUILD_INCLUSION)
-    if(path MATCHES "\\.cpp$" AND EXISTS ${path} AND NOT path MATCHES "^${PROJECT_BINARY_DIR}/" AND NOT is_alone)
+    cmake_path(IS_PREFIX PROJECT_BINARY_DIR "${path}" is_generated)
+    if(path MATCHES "\\.cpp$" AND EXISTS ${path} AND NOT is_generated AND NOT is_alone)
       list(REMOVE_ITEM rest ${source})
       list(APPEND ours ${path})
     endif()
@@ -51,6 +52,6 @@ function(vxfileio_group_sources_of target folder)
     list(APPEND grouped ${members})
   endforeach()
   set_property(TARGET ${target} PROPERTY SOURCES ${grouped} ${rest})
-  # GCC takes a private class of an included source for one of a header.
+  # GCC warns of private classes in included sources as if these were headers.
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
 endfunction()

@@ -57,23 +57,16 @@ version() { sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' "$root/CMakeLists.txt"; }
 # configure_preset NAME [OPTION...]: configures the build folder of a preset.
 configure_preset() { (cd "$root" && cmake --preset "$1" "${@:2}" --log-level=WARNING >/dev/null); }
 
-# build_preset NAME [TARGET...]: configures a preset and builds all or some targets. Prints errors only. If sources that
-# are compiled as one don't get along, builds again with each source alone, and the outcome of that counts.
+# build_preset NAME [TARGET...]: configures a preset and builds all or some targets. Prints errors only.
 build_preset() {
     local preset=$1 targets=()
     shift
     (($#)) && targets=(--target "$@")
     echo "Building $preset"
     configure_preset "$preset"
-    build_quietly "$preset" "${targets[@]}" && return
-    grep -q '^VXFILEIO_GROUP_SOURCES:BOOL=ON' "$root/build/$preset/CMakeCache.txt" || return 1
-    echo "Building $preset again, each source alone"
-    configure_preset "$preset" -DVXFILEIO_GROUP_SOURCES=OFF
-    build_quietly "$preset" "${targets[@]}"
+    (cd "$root" && cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet) ||
+        die "can't build $preset; if two sources that are compiled as one define the same name, rename it in one"
 }
-
-# build_quietly PRESET [OPTION...]: builds what is configured.
-build_quietly() { (cd "$root" && cmake --build --preset "$1" --parallel "$jobs" "${@:2}" -- --quiet); }
 
 # build_with_progress NAME TARGET...: the same, and prints how far it is at every tenth.
 build_with_progress() {

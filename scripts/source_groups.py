@@ -5,8 +5,7 @@
 
 Most of the time that a compiler takes goes into the standard library's headers and templates. A generated source that
 includes a whole group does this once. Prints one group per line, its sources separated by ";". A source remains
-alone if it changes what follows: defines a macro, includes a header of Windows, or makes the words of an enumeration
-known.
+alone if it changes what follows: defines a macro, includes a header of Windows, or has `using enum` at the top level.
 """
 
 import re
