@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <set>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -82,7 +83,7 @@ class CHandles {
  public:
     ~CHandles() {
         for (void* handle : m_all)
-            vx_close(handle);
+            Require((vx_close(handle) == VX_ERROR_HANDLE) == IsClosed(handle), "a handle closes once");
     }
     template <class Type>
     static const void* KindOf() {
@@ -94,6 +95,8 @@ class CHandles {
         m_all.push_back(handle);
         m_kinds.push_back(kind);
     }
+    void Close(const void* handle) { m_closed.insert(handle); }
+    bool IsClosed(const void* handle) const { return m_closed.contains(handle); }
     /// Returns a handle: mostly the newest ones of that kind, now and then none, any or a closed one.
     void* Pick(CCalls& calls, const void* kind) const {
         const std::uint8_t byte = calls.Byte();
@@ -112,6 +115,7 @@ class CHandles {
  private:
     std::vector<void*> m_all;
     std::vector<const void*> m_kinds;
+    std::set<const void*> m_closed;
     int m_stray = 0;
 };
 
@@ -159,6 +163,9 @@ class CArguments {
         Require(vx_code_text(code, nullptr, &size) == VX_OK && size > 1, "the code is documented");
         Require(code != VX_ERROR_INTERNAL, "the library has no defect");
         Require(code != VX_ERROR_BUSY || m_isTwice, "only the call itself uses its handles");
+        Require(!m_hasClosed || code != VX_OK, "a closed handle is refused");
+        Require(!m_beginsClosed || code == VX_ERROR_HANDLE, "a closed handle is recognized");
+        if (m_closing != nullptr && code != VX_ERROR_HANDLE) m_handles.Close(m_closing);
         if (m_madeKind != nullptr) {
             Require(m_made != nullptr, "there is a handle, even if the call failed");
             m_handles.Add(m_madeKind, m_made);
@@ -199,6 +206,10 @@ class CArguments {
     template <class Type>
     Type* Handle() {
         void* const handle = m_handles.Pick(m_calls, std::is_void_v<Type> ? nullptr : CHandles::KindOf<Type>());
+        const bool isClosed = m_handles.IsClosed(handle);
+        m_hasClosed = m_hasClosed || isClosed;
+        m_beginsClosed = m_beginsClosed || (isClosed && !m_isMaker && !m_hasFirst);
+        if (std::is_same_v<Type, void>) m_closing = handle;  // the argument of vx_close alone
         if (std::is_void_v<Type>) return static_cast<Type*>(handle);
         m_isTwice = m_hasFirst && handle == m_first;
         if (!std::exchange(m_hasFirst, true)) m_first = handle;
@@ -341,7 +352,10 @@ class CArguments {
     bool m_isMaker = false;
     void* m_first = nullptr;  ///< The handle that keeps the error, if the call makes none.
     bool m_hasFirst = false;
-    bool m_isTwice = false;  ///< The call gets one handle twice.
+    bool m_isTwice = false;       ///< The call gets one handle twice.
+    bool m_hasClosed = false;     ///< The call gets a handle that is closed.
+    bool m_beginsClosed = false;  ///< The first argument of the call is such a handle.
+    void* m_closing = nullptr;
     std::vector<CMemory> m_inputs;
     std::vector<CMemory> m_outputs;
     std::optional<CMemory> m_buffer;
