@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace vxfileio::recovery {
@@ -32,8 +33,8 @@ class CFilesWithin {
  private:
     void Pass(const CCandidate& candidate) {
         if (candidate.kind == EKind::Recording) m_around = &m_candidates.WellsOf(candidate);
-        if (candidate.kind == EKind::Recording && IsPosition(candidate.from)) m_nextRecording = candidate.from;
-        if (candidate.kind == EKind::Segment && IsPosition(candidate.next)) m_nextSegment = candidate.next;
+        if (candidate.kind == EKind::Recording && candidate.from != kLost) m_nextRecording = candidate.from;
+        if (candidate.kind == EKind::Segment && candidate.next != kLost) m_nextSegment = candidate.next;
         if (candidate.kind == EKind::File) m_nextRecording = m_nextSegment = kLost;
         if (const auto shift = candidate.OwnShift()) m_shift = shift;
     }
@@ -41,10 +42,18 @@ class CFilesWithin {
     /// Returns the index of the first candidate after the file that begins at `file`, or `file` if it isn't within
     /// samples.
     std::size_t EndOf(std::size_t file) const {
+        if (IsAppended(file)) return file;
         if (const auto end = EndOfSamples(file)) return *end;
         if (const auto end = FirstAround(file)) return *end;
         const std::size_t end = AfterLastSegment(file);
         return end == file && BeginsSamples(file) ? m_list.size() : end;
+    }
+
+    /// Returns whether the file begins where another one ends: after the last segment of its last recording.
+    bool IsAppended(std::size_t file) const {
+        const CCandidate& last = m_list[file - 1];
+        return last.kind == EKind::Segment && last.IsWhole() && last.next == kUnset &&
+               last.end + 2 * last.size == m_list[file].begin && !IsPosition(m_nextRecording);
     }
 
     /// Returns whether the file is at the beginning of a whole segment's samples and all that follows is within them.
@@ -69,14 +78,21 @@ class CFilesWithin {
     }
 
     /// Returns the first header after the file that belongs to the outer file again: it has the same shift as those
-    /// before the file, or the shift of the header at the place that these point at.
+    /// before the file, or the shift of the header at the place that these point at. Shifts that also have headers at
+    /// earlier places are those of other files.
     std::optional<std::size_t> FirstAround(std::size_t file) const {
         std::optional<std::int64_t> shift;
-        for (std::size_t i = file + 1; i < m_list.size() && !shift; ++i) {
-            const auto own = m_list[i].kind == EKind::File ? std::nullopt : m_list[i].OwnShift();
-            if (!own || *own == -m_list[file].begin) continue;
+        std::set<std::int64_t> others;  // the shifts of the file and of other files after it
+        for (std::size_t i = file; i < m_list.size() && !shift; ++i) {
+            if (m_list[i].kind == EKind::File) others.insert(-m_list[i].begin);
+            const auto own = m_list[i].OwnShift();
+            if (!own || others.contains(*own)) continue;
             const std::int64_t place = m_list[i].begin + *own;
-            if (own == m_shift || place == m_nextSegment || place == m_nextRecording) shift = own;
+            if (own == m_shift || place == m_nextSegment || place == m_nextRecording) {
+                shift = own;
+            } else if (place < m_nextSegment) {
+                others.insert(*own);
+            }
         }
         if (!shift) return std::nullopt;
         std::size_t first = file + 1;

@@ -2,8 +2,10 @@
 #include <vxfileio/frame/VXFileIO.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <initializer_list>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <random>
@@ -366,16 +368,16 @@ TEST_F(RecoverTest, CutsBetweenSegmentsAreReported) {
     file.bytes.replace(1190 + 150, 50, Cell(50, "FPosRecordingData=-1"));
     for (const CSeen& one : file.segments) {
         EXPECT_EQ(Recovered(file.bytes.substr(0, one.position)).size(), (one.position - 3650) / 308);
-        const auto& told = one.position == 3650 ? m_report.doubts : m_report.losses;
-        ASSERT_EQ(told.first.size(), 1U);
-        EXPECT_EQ(told.first[0].from, static_cast<std::int64_t>(one.position));
-        EXPECT_EQ(told.first[0].recording, 0U);
+        const auto& remarks = one.position == 3650 ? m_report.doubts : m_report.losses;
+        ASSERT_EQ(remarks.first.size(), 1U);
+        EXPECT_EQ(remarks.first[0].from, static_cast<std::int64_t>(one.position));
+        EXPECT_EQ(remarks.first[0].recording, 0U);
 
         // The same if another file follows.
         Recovered(file.bytes.substr(0, one.position) + file.bytes);
-        ASSERT_EQ(told.first.size(), 1U);
-        EXPECT_EQ(told.first[0].from, static_cast<std::int64_t>(one.position));
-        EXPECT_EQ(told.first[0].recording, 0U);
+        ASSERT_EQ(remarks.first.size(), 1U);
+        EXPECT_EQ(remarks.first[0].from, static_cast<std::int64_t>(one.position));
+        EXPECT_EQ(remarks.first[0].recording, 0U);
     }
     EXPECT_EQ(Recovered(file.bytes), file.segments);
     EXPECT_TRUE(m_report.IsComplete());
@@ -638,6 +640,49 @@ TEST_F(RecoverTest, FilesWithinSamplesAreSkipped) {
         ASSERT_EQ(kept.size(), 1U);
         EXPECT_EQ(kept.front().samples.size(), samples.size() / 2);
     }
+}
+
+/// A file whose only recording has the number of its segments as its own.
+CWritten OneRecording(int segments) {
+    CWritten file{FileHdrBytes(1190) + RecordingHdrBytes({.recording = segments, .data = 3650}), {}, {}};
+    for (int i = 0; i < segments; ++i) {
+        const std::vector<std::uint16_t> samples(4, static_cast<std::uint16_t>(10 * segments + i));
+        const std::size_t position = file.bytes.size();
+        const auto next = static_cast<std::int64_t>(position + 308);
+        file.segments.push_back(
+            {"CompoundTest" + std::to_string(segments), 11, 400 * i, 400 * i + 300, samples, position});
+        file.bytes += SegmentHdrBytes(11, i + 1 < segments ? next : -1, 400 * i, 400 * i + 300, "4");
+        file.bytes += SampleBytes(samples);
+    }
+    return file;
+}
+
+// Headers of the third file have the places that those of the first one point at.
+TEST_F(RecoverTest, FilesOneAfterAnotherAreSavedInAnyOrder) {
+    std::array<int, 3> counts = {3, 4, 6};
+    do {
+        const std::array files = {OneRecording(counts[0]), OneRecording(counts[1]), OneRecording(counts[2])};
+        for (const std::size_t cut : {0U, 2U, 150U, 308U, 320U, 616U}) {
+            const std::size_t size = files[0].bytes.size() - cut;
+            std::vector<CSeen> expected;
+            std::ranges::copy_if(files[0].segments, std::back_inserter(expected),
+                                 [&](const CSeen& one) { return one.End() <= size; });
+            const std::size_t end = expected.back().End();
+            for (const CWritten& file : {files[1], files[2]})
+                expected.insert(expected.end(), file.segments.begin(), file.segments.end());
+            std::string bytes = files[0].bytes.substr(0, size) + files[1].bytes + files[2].bytes;
+            EXPECT_EQ(Placeless(Recovered(bytes)), Placeless(expected))
+                << counts[0] << " segments come first, without their last " << cut << " bytes";
+            EXPECT_EQ(m_report.losses.None(), cut == 0);
+            for (const auto& loss : m_report.losses.first) {
+                EXPECT_EQ(loss.from, static_cast<std::int64_t>(end));
+                EXPECT_EQ(loss.to, static_cast<std::int64_t>(size));
+            }
+            // The header of the third file is destroyed.
+            bytes.replace(size + files[1].bytes.size(), 1190, std::string(1190, '\xAA'));
+            EXPECT_EQ(Placeless(Recovered(bytes)), Placeless(expected)) << counts[0] << " segments, cut by " << cut;
+        }
+    } while (std::ranges::next_permutation(counts).found);
 }
 
 TEST_F(RecoverTest, LostRecordingHeadersAreReplaced) {
