@@ -30,7 +30,10 @@ struct CFormCell {
     std::variant<const rawdata::CFileCell*, const rawdata::CRecordingCell*, const rawdata::CSegmentCell*> rule;
 
     std::size_t End() const { return offset + width; }
-    bool operator==(const CFormCell& other) const { return key == other.key && offset == other.offset; }
+    /// Returns whether a cell of another layout is the same.
+    bool operator==(const CFormCell& other) const {
+        return key == other.key && offset == other.offset && width == other.width && role == other.role;
+    }
 };
 
 /// The cells of one kind of header in one layout.

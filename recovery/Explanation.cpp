@@ -48,8 +48,8 @@ struct CRecordingAround {
 struct CNode {
     CPiece piece;          ///< Without a candidate: the beginning of the input.
     std::int64_t gap = 0;  ///< Number of bytes before the piece that belong to nothing.
-    std::int32_t cost = 0;
-    std::int32_t other = std::numeric_limits<std::int32_t>::max();  ///< Cost of the best way with another piece before.
+    std::int64_t cost = 0;
+    std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
     bool cutsParent = false;                                        ///< It begins within the header of its parent.
     std::shared_ptr<CNode> parent;
@@ -118,7 +118,7 @@ class CExplainer {
     /// Offers all ways to a candidate. Once one needs no assumption, clearly costlier ways are skipped.
     void Extend(const CCandidate& candidate) {
         m_offers.clear();
-        std::int32_t most = std::numeric_limits<std::int32_t>::max();
+        std::int64_t most = std::numeric_limits<std::int64_t>::max();
         for (const CNodePtr& parent : m_open) {
             if (parent->cost > most) break;
             Follow(parent, candidate, false);
@@ -289,7 +289,7 @@ class CExplainer {
         };
         const auto same = std::ranges::find_if(m_offers, isSame);
         if (same == m_offers.end()) return m_offers.push_back(node);
-        const std::int32_t costlier = std::max(node.cost, same->cost);
+        const std::int64_t costlier = std::max(node.cost, same->cost);
         if (node.cost < same->cost) {
             *same = node;
             same->other = costlier;
@@ -378,7 +378,7 @@ class CExplainer {
         for (; node->piece.candidate != nullptr; node = node->parent.get()) {
             pieces.push_back(node->piece);
             if (cutAt) pieces.back().end = *cutAt;
-            pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int32_t>::max() &&
+            pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int64_t>::max() &&
                                         node->other - node->cost <= costs::kNearlyEqual;
             cutAt = node->cutsParent ? std::optional(node->Candidate().begin) : std::nullopt;
         }
