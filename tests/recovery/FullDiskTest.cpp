@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "tests/faults/SystemCalls.h"
@@ -49,10 +50,8 @@ class RecoverOnAFullDisk : public testing::TestWithParam<const char*> {
     /// Expects that the input is unchanged and that no other file was left.
     void ExpectNothingElse() const {
         EXPECT_EQ(ReadAll(m_source), m_bytes);
-        std::size_t files = 0;
-        for (const auto& entry : fs::directory_iterator(m_folder.Path("")))
-            files += entry.exists() ? 1 : 0;
-        EXPECT_EQ(files, fs::exists(m_target) ? 3U : 2U);
+        const fs::directory_iterator files(m_folder.Path(""));
+        EXPECT_EQ(std::distance(begin(files), end(files)), fs::exists(m_target) ? 3 : 2);
     }
 
     CTempFolder m_folder;
