@@ -207,6 +207,7 @@ class CAccountant {
         CRemark remark{.reason = otherwise, .from = m_end, .to = end};
         if (segment.whole < segment.damaged || segment.end > m_window.Size()) return remark;
         if (!segment.noID) remark.wellID = segment.well;
+        remark.form = segment.form;
         remark.cells = CellsAt(m_window, *segment.form, segment.Place()).damaged;
         const bool isOverlapped = end < m_window.Size() && segment.end + 2 * segment.size > end;
         remark.reason = !segment.IsWhole() ? EReason::DamagedSegment
@@ -217,9 +218,9 @@ class CAccountant {
 
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
-        const std::int64_t told = m_nextRecording == kLost ? m_end : PlaceOf(m_nextRecording);
-        const bool isTold = told >= m_end && told < begin;
-        const CCandidate left = BestAt(m_window, EKind::Recording, isTold ? told : m_end);
+        const std::int64_t next = m_nextRecording == kLost ? m_end : PlaceOf(m_nextRecording);
+        const bool isInGap = next >= m_end && next < begin;
+        const CCandidate left = BestAt(m_window, EKind::Recording, isInGap ? next : m_end);
         if (begin > m_end && left.end <= begin && left.whole > 0)
             return BeginRecording(FoundRecording(m_window, left, left.end), left.from);
         CFoundRecording lost;
@@ -287,13 +288,13 @@ class CAccountant {
 
     /// Compares a last position with the end of its file. A writer sets a position only after writing what it points
     /// at. What is in a gap is reported with the gap.
-    void EndPosition(const char* key, std::int64_t told, std::int64_t end, EReason reason) {
-        if (told == kLost || told == kUnset) return;
-        const std::int64_t place = PlaceOf(told);
-        if (place < m_end) return Compare(key, told, kUnset, Here());
+    void EndPosition(const char* key, std::int64_t position, std::int64_t end, EReason reason) {
+        if (position == kLost || position == kUnset) return;
+        const std::int64_t place = PlaceOf(position);
+        if (place < m_end) return Compare(key, position, kUnset, Here());
         if (place < end) return;
         const bool isLast = end == m_window.Size();
-        CRemark remark{.reason = reason, .from = end, .to = isLast ? place : end, .told = told};
+        CRemark remark{.reason = reason, .from = end, .to = isLast ? place : end, .value = position};
         if (!isLast || !m_isGrowing) Lose(std::move(remark));
     }
 
@@ -308,13 +309,13 @@ class CAccountant {
 
     /// Compares a position with the actual offset, which is what the new file gets. In an unfinished recording, -1 may
     /// not have been replaced yet.
-    void Compare(const char* key, std::int64_t told, std::int64_t should, const CRemark& where) {
-        if (told == should || told == kLost) return;
+    void Compare(const char* key, std::int64_t position, std::int64_t should, const CRemark& where) {
+        if (position == should || position == kLost) return;
         m_account.isStraight = false;
-        if (told == kUnset && (Found().recordings.empty() || Found().recordings.back().unfinished)) return;
+        if (position == kUnset && (Found().recordings.empty() || Found().recordings.back().unfinished)) return;
         CRemark remark = where;
         remark.reason = EReason::Position;
-        remark.told = told;
+        remark.value = position;
         remark.should = should;
         remark.what = key;
         Doubt(std::move(remark));
@@ -346,6 +347,7 @@ class CAccountant {
                        .from = segment.begin,
                        .to = piece.end,
                        .wellID = segment.well,
+                       .form = segment.form,
                        .cells = cells.damaged,
                        .lost = cells.lost};
         if (piece.made == EMade::Size) {

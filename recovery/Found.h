@@ -12,7 +12,7 @@ namespace vxfileio::recovery {
 /// The sample interval of a well that has segments.
 struct CWellInterval {
     std::int64_t ticks = 0;
-    bool isTold = false;  ///< Its segments determine it.
+    bool isKnown = false;  ///< Its segments determine it.
 };
 
 /// One recording of the new file.

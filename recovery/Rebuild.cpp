@@ -85,10 +85,10 @@ void NoteDamage(const CHdrCells& cells, std::vector<CNote>& notes) {
     for (std::size_t row = 0; row < cells.form->cells.size(); ++row) {
         if (!cells.damaged[row] && !cells.odd[row]) continue;
         const auto& [key, offset, width, role, rule] = cells.form->cells[row];
-        const bool isTold = role != ERole::Value || key == "NumberOfWells";
+        const bool isRestored = role != ERole::Value || key == "NumberOfWells";
         const auto kind = cells.odd[row]     ? CNote::EKind::Odd
                           : !cells.lost[row] ? CNote::EKind::Legible
-                          : isTold           ? CNote::EKind::Told
+                          : isRestored       ? CNote::EKind::Restored
                                              : CNote::EKind::Lost;
         std::string& list = keys[kind];
         list.append(list.empty() ? "" : ", ").append(key.empty() ? "the mark" : key);
@@ -198,7 +198,7 @@ void MendTicks(const CFoundRecording& recording, std::vector<CRawDataChannelInfo
                                        : well.Ticks > 0               ? CWellInterval{well.Ticks, true}
                                                                       : CWellInterval{1, false};
         if (well.Ticks == interval.ticks) continue;
-        notes.push_back({.kind = interval.isTold ? CNote::EKind::Interval : CNote::EKind::NoInterval,
+        notes.push_back({.kind = interval.isKnown ? CNote::EKind::Interval : CNote::EKind::NoInterval,
                          .wells = {well.ID},
                          .from = std::max<std::int64_t>(well.Ticks, 0),
                          .to = interval.ticks});

@@ -31,10 +31,10 @@ enum class EReason : std::uint8_t {
     MissingSegment,    ///< The input ends, but a segment should follow.
     MissingRecording,  ///< The input ends, but a recording should follow.
     NotReached,        ///< No position points there.
-    OtherInterval,     ///< The times of a segment don't fit the interval of its well, `told`.
+    OtherInterval,     ///< The times of a segment don't fit the interval of its well, `value`.
     // Doubts
     DamagedCells,     ///< Cells of a segment header, `cells`; those in `lost` are computed from the others.
-    Position,         ///< A position is `told` but should be `should`.
+    Position,         ///< A position is `value` but should be `should`.
     PutIn,            ///< Bytes were inserted after this segment or within it.
     TakenOut,         ///< Bytes were removed after this segment or within it.
     Unconfirmed,      ///< Nothing confirms that this segment ends here: its last samples may be wrong.
@@ -44,9 +44,9 @@ enum class EReason : std::uint8_t {
     MaybeEmpty,       ///< The input ends after the header of a recording.
     Ambiguous,        ///< Another explanation is nearly as good.
     OtherRecording,   ///< It and those after it may be of a recording whose header was lost before it.
-    OtherWell,        ///< It names this well, but by its times it is of well `told`.
+    OtherWell,        ///< It names this well, but by its times it is of well `value`.
     Unlisted,         ///< The recording doesn't list this well, which has `count` segments.
-    SharedTimes,      ///< `count` segments overlap others of this well; well `told`, if any, has none then.
+    SharedTimes,      ///< `count` segments overlap others of this well; well `value`, if any, has none then.
     LostPages,        ///< Its samples here are whole pages of zeros, as after a power cut.
     MadeTime,         ///< One time didn't fit the interval and was computed from the other segments.
 };
@@ -58,9 +58,10 @@ struct CRemark {
     std::int64_t to = 0;                                    ///< Offset of the byte after it.
     std::optional<std::uint32_t> recording = std::nullopt;  ///< Index of the recording it most likely belongs to.
     std::optional<std::int32_t> wellID = std::nullopt;      ///< The well, if that can be read.
-    CRows cells = {};                                       ///< Rows of the segment's layout.
+    const CForm* form = nullptr;                            ///< The form of the segment header; null without `cells`.
+    CRows cells = {};                                       ///< Rows of the form.
     CRows lost = {};
-    std::int64_t told = 0;
+    std::int64_t value = 0;
     std::int64_t should = 0;
     std::uint64_t count = 0;
     std::uint64_t missing = 0;
@@ -87,11 +88,11 @@ struct CRemarks {
 /// What was replaced in a header.
 struct CNote {
     enum class EKind : std::uint8_t {
-        Lost,     ///< `keys` are lost.
-        Told,     ///< `keys` are damaged, but follow from the rest of the file.
-        Legible,  ///< `keys` are damaged, but legible.
-        Odd,      ///< `keys` have a separator.
-        MadeUp,   ///< The whole header is made up.
+        Lost,      ///< `keys` are lost.
+        Restored,  ///< `keys` are damaged, but follow from the rest of the file.
+        Legible,   ///< `keys` are damaged, but legible.
+        Odd,       ///< `keys` have a separator.
+        MadeUp,    ///< The whole header is made up.
         WellsOfSegments,
         ListedTwice,  ///< `wells`
         ListedNow,    ///< `wells`

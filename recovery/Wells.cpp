@@ -143,17 +143,17 @@ class CRecordingWells {
     /// another well has the same interval and most segments fit the header, if a segment continues the one before it to
     /// the tick, or if the segments allow any larger interval.
     CWellInterval Elect(std::int32_t well, const CGroup& group) const {
-        const std::int64_t told = Listed(well);
-        const auto goes = [&](const auto* segment) { return TicksOf(*segment).Has(told); };
-        const auto going = static_cast<std::size_t>(told > 0 ? std::ranges::count_if(group, goes) : 0);
-        if (going == group.size()) return {told, true};
+        const std::int64_t listed = Listed(well);
+        const auto goes = [&](const auto* segment) { return TicksOf(*segment).Has(listed); };
+        const auto going = static_cast<std::size_t>(listed > 0 ? std::ranges::count_if(group, goes) : 0);
+        if (going == group.size()) return {listed, true};
         const CShared best = MostShared(group);
-        const bool isShared =
-            m_isTrusted && std::ranges::count(m_listed.wells, told, [](const auto& entry) { return entry.second; }) > 1;
-        const auto goesOn = [&](const auto* before, const auto* segment) { return GoesOn(*before, *segment, told); };
+        const bool isShared = m_isTrusted && std::ranges::count(m_listed.wells, listed,
+                                                                [](const auto& entry) { return entry.second; }) > 1;
+        const auto goesOn = [&](const auto* before, const auto* segment) { return GoesOn(*before, *segment, listed); };
         const bool hasSteps = std::ranges::adjacent_find(group, goesOn) != group.end();
         const std::size_t votes = going + (isShared || hasSteps || best.intervals.IsOpen() ? 1 : 0);
-        if (told > 0 && best.segments <= votes) return {told, true};
+        if (listed > 0 && best.segments <= votes) return {listed, true};
         if (best.intervals.IsOpen()) return {best.intervals.atLeast, false};
         return {best.intervals.Has(kMostReadable) ? best.intervals.atLeast : best.intervals.atMost, true};
     }
@@ -267,7 +267,7 @@ class CRecordingWells {
             if (i + 1 < strays.size() && collide(strays[i], strays[i + 1])) continue;
             const auto [segment, well] = strays[i];
             CRemark remark = RemarkOn(*segment, EReason::OtherWell);
-            remark.told = well;
+            remark.value = well;
             m_found.doubts.Add(std::move(remark));
             segment->wellID = well;
             segment->namesWell = true;
@@ -293,10 +293,10 @@ class CRecordingWells {
         std::optional<CRemark> remark;
         ForTwins(group, [&](const CFoundSegment& /*one*/, const CFoundSegment& other) {
             const auto lacking = WellsLacking(other, false);
-            if (!remark || (remark->told == -1 && !lacking.empty())) {
+            if (!remark || (remark->value == -1 && !lacking.empty())) {
                 const std::uint64_t count = remark ? remark->count : 0;
                 remark = RemarkOn(other, EReason::SharedTimes);
-                remark->told = lacking.empty() ? -1 : lacking.front();
+                remark->value = lacking.empty() ? -1 : lacking.front();
                 remark->count = count;
             }
             ++remark->count;
@@ -341,7 +341,7 @@ class CRecordingWells {
     void LoseMisfits() {
         for (CFoundSegment* const segment : m_misfits) {
             CRemark remark = RemarkOn(*segment, EReason::OtherInterval);
-            remark.told = TickOf(segment->wellID);
+            remark.value = TickOf(segment->wellID);
             m_found.losses.Add(std::move(remark));
             segment->samples = 0;
         }

@@ -9,12 +9,11 @@ using namespace vxfileio::recovery;
 
 namespace {
 
-/// Returns the keys of cells of a segment header.
-std::string KeysOf(const CRows& rows) {
+/// Returns the keys of the cells that a remark is about.
+std::string KeysOf(const CRemark& remark) {
     std::string keys;
-    const auto& layout = vxfileio::rawdata::Layouts().back().segment;
-    for (std::size_t row = 0; row < layout.cells.size(); ++row) {
-        if (rows[row]) keys.append(keys.empty() ? "" : ", ").append(layout.cells[row].key);
+    for (std::size_t row = 0; remark.form != nullptr && row < remark.form->cells.size(); ++row) {
+        if (remark.cells[row]) keys.append(keys.empty() ? "" : ", ").append(remark.form->cells[row].key);
     }
     return keys;
 }
@@ -30,20 +29,20 @@ std::string MissingText(const CRemark& remark) {
     const bool isSegment = remark.reason == EReason::MissingSegment;
     return std::string("the file ends, but ") +
            (isSegment ? "FPosNextSegmentHdr of the segment before" : "the position of the next recording") +
-           " leads to byte " + std::to_string(remark.told) + ": at least one " + (isSegment ? "segment" : "recording") +
-           " is gone";
+           " points to byte " + std::to_string(remark.value) + ": at least one " +
+           (isSegment ? "segment" : "recording") + " is gone";
 }
 
 std::string DamagedText(const CRemark& remark) {
     const char* const means = remark.lost.none()   ? ", but legible"
                               : remark.should != 0 ? ", whose values are lost"
                                                    : ", restored from the others";
-    return "damaged cells: " + KeysOf(remark.cells) + means;
+    return "damaged cells: " + KeysOf(remark) + means;
 }
 
 std::string SharedText(const CRemark& remark) {
     return "this well has two segments of the same times (" + Counted(remark.count, "case") + ")" +
-           (remark.told >= 0 ? ", while well " + std::to_string(remark.told) + " has none then" : "") +
+           (remark.value >= 0 ? ", while well " + std::to_string(remark.value) + " has none then" : "") +
            "; an ID may be damaged";
 }
 
@@ -58,7 +57,7 @@ std::string LossText(const CRemark& remark) {
         case EReason::LostRecording:
             return "the recording header is damaged or lost";
         case EReason::DamagedSegment:
-            return "damaged cells: " + KeysOf(remark.cells);
+            return "damaged cells: " + KeysOf(remark);
         case EReason::Contradiction:
             return "the cells of the segment header contradict one another";
         case EReason::TakenOutOf:
@@ -72,9 +71,9 @@ std::string LossText(const CRemark& remark) {
         case EReason::MissingRecording:
             return MissingText(remark);
         case EReason::NotReached:
-            return "no position leads there";
+            return "no position points there";
         case EReason::OtherInterval:
-            return "its times don't fit the interval of its well, " + std::to_string(remark.told) +
+            return "its times don't fit the interval of its well, " + std::to_string(remark.value) +
                    ": the well ID or a time is damaged";
         default:
             break;
@@ -89,7 +88,7 @@ std::string DoubtText(const CRemark& remark) {
         case EReason::DamagedCells:
             return DamagedText(remark);
         case EReason::Position:
-            return remark.what + " is " + std::to_string(remark.told) + ", but should be " +
+            return remark.what + " is " + std::to_string(remark.value) + ", but should be " +
                    std::to_string(remark.should) + ": it is damaged, or bytes were put in or taken out";
         case EReason::PutIn:
             return "bytes were put in after it or within it: its samples may be wrong from there on";
@@ -106,12 +105,12 @@ std::string DoubtText(const CRemark& remark) {
         case EReason::MaybeEmpty:
             return "the file ends after the header of this recording: if it had segments, they are gone";
         case EReason::Ambiguous:
-            return "what lies here may be something else: two explanations are equally good";
+            return "what lies here may be something else: two explanations are nearly equally good";
         case EReason::OtherRecording:
             return "a recording header may be among the bytes lost before it: it and the segments after it may be of "
                    "another recording";
         case EReason::OtherWell:
-            return "the segment names this well, but by its times it is one of well " + std::to_string(remark.told) +
+            return "the segment names this well, but by its times it is one of well " + std::to_string(remark.value) +
                    ", where it is kept";
         case EReason::Unlisted:
             return "the recording doesn't list this well, which has " + Counted(remark.count, "segment") +
@@ -142,7 +141,7 @@ std::string TextOf(const CNote& note, const std::string& header) {
     switch (note.kind) {
         case CNote::EKind::Lost:
             return "lost from " + header + ": " + note.keys;
-        case CNote::EKind::Told:
+        case CNote::EKind::Restored:
             return "damaged in " + header + ", but restored from the rest of the file: " + note.keys;
         case CNote::EKind::Legible:
             return "damaged in " + header + ", but legible: " + note.keys;
