@@ -12,7 +12,7 @@ namespace vxfile {
 struct CFinding {
     std::string where;         ///< The way there in words: recording, segment and cell, or the path of an element.
     std::int64_t offset = -1;  ///< Bytes from the start of the file; -1 if it has no place.
-    std::string found;         ///< What stands there.
+    std::string found;         ///< What the file has.
     std::string expected;      ///< What should.
     std::string meaning;       ///< What that means for readers of the file.
     std::string rule = {};     ///< The name of the rule that is broken; empty if it has none.
@@ -30,7 +30,7 @@ class CFindings {
     void AddElsewhere() { ++m_elsewhere; }
     std::size_t Elsewhere() const { return m_elsewhere; }
 
-    /// Notes that no reader gets anything out of the file.
+    /// Notes that no reader can use the file.
     void MakeUnusable() { m_usable = false; }
     bool IsUsable() const { return m_usable; }
 

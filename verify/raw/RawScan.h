@@ -25,7 +25,7 @@ struct CChainBreak {
     enum class EReason { Nowhere, NoHeader, TooManyChannels, Circle };
 
     EReason reason;
-    std::int64_t position;  ///< The position in the cell that should lead to the next header.
+    std::int64_t position;  ///< The position in the cell that should point to the next header.
     std::int64_t cell;      ///< The file offset of that cell.
 };
 
@@ -72,7 +72,7 @@ class CRawScan {
     const CRawDataFileHdr& Header() const { return m_header; }
     /// The layout of this file's version.
     const vxfileio::rawdata::CLayout& Layout() const { return *m_layout; }
-    /// All recordings that the chain leads to, in its order.
+    /// All recordings that the chain reaches, in its order.
     const std::vector<CRecordingAt>& Recordings() const { return m_recordings; }
     /// Why there are no more recordings; nothing if the chain ends as it should.
     const std::optional<CChainBreak>& Break() const { return m_break; }
@@ -114,7 +114,7 @@ class CSegmentWalk {
  public:
     /// `first` is the position of the first segment, and `cell` the offset of the cell that has it. In an unfinished
     /// recording the chain also continues with a segment that follows its end: a writer appends it before it sets the
-    /// position that leads to it.
+    /// position that points to it.
     CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, bool isUnfinished = false);
 
     /// Moves to the next segment. Returns null at the end of the chain or where it is broken. The segment is valid
@@ -130,7 +130,7 @@ class CSegmentWalk {
 
     const CRawScan& m_scan;
     const vxfileio::rawdata::CLayout& m_layout;
-    std::int64_t m_nextCell;  ///< Offset in a header of the cell that leads to the next segment.
+    std::int64_t m_nextCell;  ///< Offset in a header of the cell that points to the next segment.
     vxfileio::rawdata::CChainGuard m_guard;
     std::int64_t m_next;
     std::int64_t m_cell;
@@ -162,7 +162,7 @@ CSegmentWalk SegmentsAfter(const CRawScan& scan, const CRecordingAt& recording);
 /// Returns the walk along the segments of a recording, finished or not.
 CSegmentWalk AllSegmentsOf(const CRawScan& scan, const CRecordingAt& recording);
 
-/// Returns true if a finished recording has no segments: its position leads to what follows it, not to a segment.
+/// Returns true if a finished recording has no segments: its position points to what follows it, not to a segment.
 bool IsWithoutSegments(const CRawScan& scan, const CRecordingAt& recording);
 
 /// Returns the name of a recording for messages, such as `recording 2 (Series 1)`; `index` counts from 0.

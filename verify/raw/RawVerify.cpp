@@ -332,7 +332,7 @@ void CRawVerifier::JudgeBreakOfRecordings(const CChainBreak& chainBreak) {
 }
 
 /// After an unfinished recording, a file may end with the first bytes of a segment, or with a recording header that no
-/// position leads to yet.
+/// position points to yet.
 bool CRawVerifier::IsBeingWritten(CRange tail) const {
     const auto& recordings = m_scan.Recordings();
     if (m_scan.IsGrowing() || recordings.empty()) return m_scan.IsGrowing();
