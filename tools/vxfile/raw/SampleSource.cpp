@@ -141,7 +141,7 @@ void CSampleSource::ForEach(const CTakePiece& take) {
         const CListedWells wells(recording);
         std::map<std::int32_t, std::string> faults;
         for (const auto& [well, fault] : ScaleFaultsOf(m_scan, recording))
-            faults[well] = m_path + ": " + TextOf(fault, recording, index, well);
+            faults.try_emplace(well, m_path + ": " + TextOf(fault, recording, index, well));
         CSampleStream::Read(selection, [&](const CSamplePart& part) {
             const auto fault = faults.find(part.wellID);
             take({.recording = &recording.header,
@@ -265,7 +265,7 @@ void CSampleSource::RefuseWells() const {
     const auto& chosen = m_choice.plate.wells;
     const auto isListed = [&](std::int32_t well) { return wells.contains(well); };
     if (!chosen.empty() && std::ranges::none_of(chosen, isListed))
-        throw CFailure(m_path + " has no well " + ListText(chosen) +
+        throw CFailure(m_path + " has no well " + ListText(chosen, kMostListed) +
                        " in the chosen recordings; their wells: " + theirs);
     const auto unfinished = Unfinished();
     if (!unfinished.empty())
