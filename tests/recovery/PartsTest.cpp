@@ -128,6 +128,7 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
         {"a cut header with an intact file after it", file.substr(0, 2000) + file, "F0 R1190 F2000 R3190 S5650 S5958 "},
         {"a file as samples of a whole segment", within, nullptr},
         {"a file as samples of a lost segment", With(within, 3650, 300, kRubbish), nullptr},
+        {"a file as samples that lost bytes", std::string(goesOn).erase(7902, 6), "F0 R1190 S8210 S8518 "},
         {"a file as samples that lost their last bytes", goesOn.erase(8200, 6), "F0 R1190 S8210 S8518 "},
         {"bytes taken out of samples before a recording", std::string(two).erase(4300, 50),
          "F0 R1190 S3650 R4328 S6788 S7096 "},
