@@ -108,4 +108,5 @@ def main():
                                               f"\nstatic void call_with_wrong_arguments(void) {{\n{body}\n}}\n")
 
 
-main()
+if __name__ == "__main__":
+    main()
