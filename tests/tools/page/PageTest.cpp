@@ -383,7 +383,7 @@ TEST_F(ReportCommand, UsesFilesNextToTheResultsOnlyIfTheyHaveTheGuid) {
         EXPECT_EQ(RunTool({"report", results, "-o", page, "--force"}).status, 0);
         EXPECT_EQ(PageText().find("settings file") != std::string::npos, isUsed) << guid;
         EXPECT_EQ(RunTool({"report", results, "-o", settings, "--force"}).status, isUsed ? 2 : 0) << guid;
-        if (!isUsed) fs::copy_file(Reference("settings.vxs"), settings, fs::copy_options::overwrite_existing);
+        std::ofstream(settings, std::ios::binary) << ReadWholeText(Reference("settings.vxs"));
     }
     EXPECT_EQ(RunTool({"report", results, "--settings", Reference("settings.vxs"), "-o", page, "--force"}).status, 0);
     EXPECT_NE(PageText().find("settings file"), std::string::npos);
@@ -446,9 +446,11 @@ TEST_F(FolderReport, NamesPagesAfterTheirFilesAndMakesThemAgainIfTheNameChanges)
     fs::rename(Path("a.vxr"), Path("index.vxr"));
     EXPECT_EQ(Run().status, 0);
     EXPECT_TRUE(fs::exists(Path("pages/index-2.html")));
+#if defined(__linux__)  // where names differ by their case
     fs::rename(Path("b.vxr"), Path("b.VXR"));
     EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
     EXPECT_NE(ReadWholeText(Path("pages/b.html")).find("b.VXR"), std::string::npos);
+#endif
 }
 
 TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
