@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "capi/Raw.h"
+#include "vxfileio/access/Internals.h"
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 #include "vxfileio/rawdata/RawDataReader.h"
@@ -38,7 +39,7 @@ class CSegments : public CObject {
 
 void CSegments::Open(const CRawDataFile& file, std::int64_t recording, std::int32_t well) {
     const std::size_t index = TakeIndex(recording, file.GetRecordings().size());
-    auto reader = std::make_unique<rawdata::CRawDataReader>(*file.m_reader, index);
+    auto reader = std::make_unique<rawdata::CRawDataReader>(access::CInternals::ReaderOf(file), index);
     if (!reader->JumpToRecording(0)) throw CFailed{VX_ERROR_FILE, rawdata::kUnfinished};
     reader->SelectWellID(well);
     m_isEmpty = reader->IsWithoutSegments(0);

@@ -14,8 +14,8 @@
 namespace vxfileio::rawdata {
 class CRawDataReader;
 }
-namespace vxfileio::capi {
-class CSegments;
+namespace vxfileio::access {
+class CInternals;
 }
 
 /// A raw data file (`.vxd`) that is open for reading many samples at once. `CIRawDataReader` reads one segment after
@@ -65,7 +65,7 @@ class VXFILEIO_API CRawDataFile {
     CRecordingIndex ReadIndex(std::size_t recording, const CIndexOptions& options = {}) const;
 
  private:
-    friend class vxfileio::capi::CSegments;
+    friend class vxfileio::access::CInternals;
 
     std::shared_ptr<const vxfileio::rawdata::CRawDataReader> m_reader;
 };

@@ -12,7 +12,7 @@
 #include "vxfileio/rawdata/RawDataHeaders.h"
 
 namespace vxfileio::access {
-class CSampleStream;
+class CInternals;
 struct CIndexData;
 }  // namespace vxfileio::access
 
@@ -89,7 +89,7 @@ class VXFILEIO_API CRecordingIndex {
 
  private:
     friend class CRawDataFile;
-    friend class vxfileio::access::CSampleStream;
+    friend class vxfileio::access::CInternals;
     explicit CRecordingIndex(std::shared_ptr<const vxfileio::access::CIndexData> data);
 
     std::shared_ptr<const vxfileio::access::CIndexData> m_data;

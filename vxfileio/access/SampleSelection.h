@@ -11,7 +11,7 @@
 #include "vxfileio/base/Api.h"
 
 namespace vxfileio::access {
-class CSampleStream;
+class CInternals;
 class CSelectionData;
 }  // namespace vxfileio::access
 
@@ -94,7 +94,7 @@ class VXFILEIO_API CSampleSelection {
 
  private:
     friend class CRecordingIndex;
-    friend class vxfileio::access::CSampleStream;
+    friend class vxfileio::access::CInternals;
     explicit CSampleSelection(std::shared_ptr<const vxfileio::access::CSelectionData> data);
 
     std::shared_ptr<const vxfileio::access::CSelectionData> m_data;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "vxfileio/access/Internals.h"
 #include "vxfileio/access/PieceReader.h"
 #include "vxfileio/access/SelectionData.h"
 
@@ -51,19 +52,13 @@ class CBlock {
 
 }  // namespace
 
-void CSampleStream::Read(const CSampleSelection& selection, const std::function<void(const CSamplePart&)>& take) {
-    const CSelectionData& data = *selection.m_data;
+void StreamSamples(const CSampleSelection& selection, const std::function<void(const CSamplePart&)>& take) {
+    const CSelectionData& data = CInternals::DataOf(selection);
     CBlock block(data, take);
     data.ForEachPiece([&](const CSegmentRow& /*row*/, const CSelectedPiece& piece) {
         block.Add(data.Wells()[piece.well].WellID, piece);
     });
     block.Deliver();
-}
-
-std::int64_t CSampleStream::SizeOf(const CRecordingIndex& index, std::size_t number) {
-    const auto& sizes = index.m_data->sizes;
-    const auto size = sizes.find(number);
-    return size == sizes.end() ? index.m_data->segments.Row(number).samples : size->second;
 }
 
 }  // namespace vxfileio::access

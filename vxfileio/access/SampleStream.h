@@ -1,11 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
 
-#include "vxfileio/access/RecordingIndex.h"
 #include "vxfileio/access/SampleSelection.h"
 
 namespace vxfileio::access {
@@ -20,15 +18,8 @@ struct CSamplePart {
 };
 
 /// Delivers the samples of a selection in the order of the file, through one block of 64 KiB: for programs that keep
-/// no samples. `CSampleSelection::Read` is for those that do.
-class CSampleStream {
- public:
-    /// Calls `take` for each part. Throws as `CSampleSelection::Read` does if samples can't be read.
-    static void Read(const CSampleSelection& selection, const std::function<void(const CSamplePart&)>& take);
-
-    /// Returns the `Size` of a segment as its header has it. `CSegmentInfo::Samples` has the low 32 bits. Requires:
-    /// `number` is below `GetSegmentCount()`.
-    static std::int64_t SizeOf(const CRecordingIndex& index, std::size_t number);
-};
+/// no samples. `CSampleSelection::Read` is for those that do. Calls `take` for each part. Throws as
+/// `CSampleSelection::Read` does if samples can't be read.
+void StreamSamples(const CSampleSelection& selection, const std::function<void(const CSamplePart&)>& take);
 
 }  // namespace vxfileio::access

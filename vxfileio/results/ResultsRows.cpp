@@ -26,51 +26,37 @@ constexpr CColumn kAnalysed{"analysed", Flag, "", "Whether the well counts in th
 constexpr CColumn kSeconds{"seconds", Real, "s", "The time in seconds"};
 constexpr CColumn kMark{"mark", Text, "", "How the response was obtained, by the settings, such as Deselected"};
 
-constexpr std::array kResponses = {kTask,
-                                   kRecording,
-                                   kDose,
-                                   kDoseTextColumn,
-                                   kWell,
-                                   kLabel,
-                                   kResponse,
-                                   CColumn{"value", Real, "", "The response as measured, or normalised"},
-                                   CColumn{"normalized", Flag, "", "Whether the value is normalised"},
-                                   kAnalysed,
-                                   kMark};
+/// Returns the columns of several lists, one after the other.
+template <std::size_t... Sizes>
+constexpr auto Joined(const std::array<CColumn, Sizes>&... lists) {
+    std::array<CColumn, (Sizes + ...)> all{};
+    auto next = all.begin();
+    ((next = std::copy(lists.begin(), lists.end(), next)), ...);
+    return all;
+}
 
-constexpr std::array kMeans = {kTask,
-                               kRecording,
-                               kDose,
-                               kDoseTextColumn,
-                               kResponse,
-                               CColumn{"mean", Real, "", "The mean of the normalised response over the wells"},
-                               CColumn{"sd", Real, "", "Its standard deviation"},
-                               CColumn{"wells", Count, "", "The number of wells in the mean"}};
+constexpr std::array kOfRecording = {kTask, kRecording, kDose, kDoseTextColumn};
+constexpr auto kOfWell = Joined(kOfRecording, std::array{kWell, kLabel});
 
-constexpr std::array kBeats = {kTask,
-                               kRecording,
-                               kDose,
-                               kDoseTextColumn,
-                               kWell,
-                               kLabel,
-                               CColumn{"beat", Whole, "", "The number of the beat in the well's recording, from 0"},
-                               CColumn{"time", Whole, "tick", "When it was detected"},
-                               kSeconds,
+constexpr auto kResponses =
+    Joined(kOfWell, std::array{kResponse, CColumn{"value", Real, "", "The response as measured, or normalised"},
+                               CColumn{"normalized", Flag, "", "Whether the value is normalised"}, kAnalysed, kMark});
+
+constexpr auto kMeans = Joined(
+    kOfRecording, std::array{kResponse, CColumn{"mean", Real, "", "The mean of the normalised response over the wells"},
+                             CColumn{"sd", Real, "", "Its standard deviation"},
+                             CColumn{"wells", Count, "", "The number of wells in the mean"}});
+
+constexpr auto kBeats =
+    Joined(kOfWell, std::array{CColumn{"beat", Whole, "", "The number of the beat in the well's recording, from 0"},
+                               CColumn{"time", Whole, "tick", "When it was detected"}, kSeconds,
                                CColumn{"interval", Whole, "tick", "The time since the beat before; none at the first"},
-                               CColumn{"interval_seconds", Real, "s", "The interval in seconds"},
-                               kAnalysed};
+                               CColumn{"interval_seconds", Real, "s", "The interval in seconds"}, kAnalysed});
 
-constexpr std::array kAverages = {kTask,
-                                  kRecording,
-                                  kDose,
-                                  kDoseTextColumn,
-                                  kWell,
-                                  kLabel,
-                                  CColumn{"sample", Whole, "", "The number of the sample in the average, from 0"},
-                                  CColumn{"time", Whole, "tick", "Its time from the event of the average"},
-                                  kSeconds,
-                                  CColumn{"value", Real, "", "The voltage, in the unit of the analysing program"},
-                                  kAnalysed};
+constexpr auto kAverages = Joined(
+    kOfWell, std::array{CColumn{"sample", Whole, "", "The number of the sample in the average, from 0"},
+                        CColumn{"time", Whole, "tick", "Its time from the event of the average"}, kSeconds,
+                        CColumn{"value", Real, "", "The voltage, in the unit of the analysing program"}, kAnalysed});
 
 /// A table: what users call it, its columns, and how many at their end are of the settings. Columns in seconds are
 /// there only if the ticks of a second are known.

@@ -12,13 +12,15 @@
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/MemoryReserve.h"
 #include "verify/Failure.h"
+#include "vxfileio/access/Internals.h"
 #include "vxfileio/access/SampleStream.h"
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 
 using namespace vxfileio::rawdata;
+using vxfileio::access::CInternals;
 using vxfileio::access::CSamplePart;
-using vxfileio::access::CSampleStream;
+using vxfileio::access::StreamSamples;
 
 namespace vxfile {
 
@@ -70,7 +72,7 @@ class CSegmentsAt {
         segment.position = Position(number);
         segment.layout = &m_scan.Layout();
         segment.header.ID = info.WellID;
-        segment.header.Size = CSampleStream::SizeOf(m_index, number);
+        segment.header.Size = CInternals::SizeOf(m_index, number);
         segment.header.TimeFrom = info.TimeFrom;
         segment.header.TimeTo = info.TimeTo;
         segment.header.FPosNextSegmentHdr = Position(number + 1);
@@ -142,7 +144,7 @@ void CSampleSource::ForEach(const CTakePiece& take) {
         std::map<std::int32_t, std::string> faults;
         for (const auto& [well, fault] : ScaleFaultsOf(m_scan, recording))
             faults.try_emplace(well, m_path + ": " + TextOf(fault, recording, index, well));
-        CSampleStream::Read(selection, [&](const CSamplePart& part) {
+        StreamSamples(selection, [&](const CSamplePart& part) {
             const auto fault = faults.find(part.wellID);
             take({.recording = &recording.header,
                   .channel = wells.Find(part.wellID),
