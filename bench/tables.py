@@ -31,7 +31,7 @@ def machine(folder):
         "Processor": f"{first_match('/proc/cpuinfo', r'^model name.*: (.*)')}, {os.cpu_count()} cores",
         "Memory": f"{memory / (1 << 20):.0f} GiB",
         "System": f"{platform.system()} {platform.release().split('-')[0]}, "
-                  f"{output_of('findmnt', '-n', '-o', 'FSTYPE', '-T', folder)}",
+                  f"{output_of('findmnt', '-n', '-f', '-o', 'FSTYPE', '-T', folder)}",
         "Compiler": output_of("g++", "--version").split("\n")[0],
         "Peers": ", ".join(peers),
     }
