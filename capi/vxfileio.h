@@ -45,12 +45,12 @@
  *   changed. A read that fails with VX_ERROR_FILE may have changed the array.
  *
  * Structs
- *   A struct begins with `size`, which the caller sets to sizeof of the struct before each call. Later
- *   versions add members at the end. As an argument, a member that is 0 or NULL means what its comment says,
- *   and every later member means "as before" then, so clear the struct first. A struct that is longer than
- *   the library's is accepted if all that the library doesn't know is zero. As a result, a longer struct gets
- *   zeros there, and a shorter one gets the members that it has. A size below that of version 1 or above 4096
- *   is VX_ERROR_STRUCT.
+ *   A struct begins with `size`, which must be its sizeof. A macro for each struct sets that and clears the
+ *   rest: `vx_raw_info info = VX_RAW_INFO_INIT;`. Calls don't change `size`. Later versions add members at the
+ *   end. As an argument, a member that is 0 or NULL means what its comment says, and every later member means
+ *   "as before" then. A struct that is longer than the library's is accepted if all that the library doesn't
+ *   know is zero. As a result, a longer struct gets zeros there, and a shorter one gets the members that it
+ *   has. A size below that of version 1 or above 4096 is VX_ERROR_STRUCT.
  *
  * Numbers
  *   Times and sample intervals are in the instrument's time unit; the library doesn't interpret them. Both
@@ -149,6 +149,8 @@ typedef struct vx_raw_info {
     int32_t file_version; /* Version of the format. */
     int32_t compound_id;
 } vx_raw_info;
+#define VX_RAW_INFO_INIT \
+    { sizeof(vx_raw_info), 0, 0, 0 }
 
 /* The texts of a file header. */
 enum vx_raw_text {
@@ -173,6 +175,8 @@ typedef struct vx_recording_info {
     int32_t number;         /* Its number within its task. */
     int32_t is_finished;    /* Whether its writer has finished it. */
 } vx_recording_info;
+#define VX_RECORDING_INFO_INIT \
+    { sizeof(vx_recording_info), 0, 0, 0, 0, 0, 0 }
 
 /* Opens a raw data file and reads its header and those of all recordings. The file may still be growing. */
 VX_API int VX_CALL vx_raw_open(vx_raw** out, const char* path);
@@ -195,6 +199,8 @@ typedef struct vx_recording_options {
     int32_t unfinished;   /* Read a recording that isn't finished, as far as whole segments go by now. */
     int32_t up_to_damage; /* Keep the segments before a damaged one; vx_recording_get_damage has the failure. */
 } vx_recording_options;
+#define VX_RECORDING_OPTIONS_INIT \
+    { sizeof(vx_recording_options), 0, 0 }
 
 /* How much a recording holds. */
 typedef struct vx_recording_state {
@@ -203,6 +209,8 @@ typedef struct vx_recording_state {
     int64_t wells;           /* Number of wells: those of the header and any others that have segments. */
     int64_t certain_samples; /* Samples that are certainly in the file: not beyond its end, nor still being written. */
 } vx_recording_state;
+#define VX_RECORDING_STATE_INIT \
+    { sizeof(vx_recording_state), 0, 0, 0 }
 
 /* One well of a recording. */
 typedef struct vx_well_info {
@@ -212,6 +220,8 @@ typedef struct vx_well_info {
     int32_t well;        /* Its ID. */
     int32_t ad_zero;     /* AD value that means zero. */
 } vx_well_info;
+#define VX_WELL_INFO_INIT \
+    { sizeof(vx_well_info), 0, 0, 0, 0 }
 
 /* One segment: samples of one well that were recorded together. */
 typedef struct vx_segment_info {
@@ -223,6 +233,8 @@ typedef struct vx_segment_info {
     int32_t well;      /* ID of its well. */
     int32_t reserved;  /* 0 */
 } vx_segment_info;
+#define VX_SEGMENT_INFO_INIT \
+    { sizeof(vx_segment_info), 0, 0, 0, 0, 0, 0 }
 
 /* Opens a recording: reads the headers of all its segments. By default (`options` NULL) VX_ERROR_FILE if the recording
  * isn't finished or is damaged. */
@@ -263,6 +275,8 @@ typedef struct vx_selected_well {
     int32_t well;     /* Its ID. */
     int32_t reserved; /* 0 */
 } vx_selected_well;
+#define VX_SELECTED_WELL_INIT \
+    { sizeof(vx_selected_well), 0, 0, 0, 0, 0, 0 }
 
 /* Samples that follow each other without a gap: sample i has the time time_from + i x interval. This struct never
  * grows, so that arrays of it can be passed. */
@@ -320,6 +334,8 @@ typedef struct vx_file_header {
     int32_t file_version; /* 0: the newest. */
     int32_t compound_id;
 } vx_file_header;
+#define VX_FILE_HEADER_INIT \
+    { sizeof(vx_file_header), 0, 0, 0, 0, 0, 0, 0, 0 }
 
 /* The header of a recording. */
 typedef struct vx_recording_header {
@@ -331,6 +347,8 @@ typedef struct vx_recording_header {
     int32_t number;         /* Its number within its task. */
     int32_t reserved;       /* 0 */
 } vx_recording_header;
+#define VX_RECORDING_HEADER_INIT \
+    { sizeof(vx_recording_header), 0, 0, 0, 0, 0, 0 }
 
 /* Creates a raw data file. `mode` is one of vx_create_mode. Call in this order: vx_writer_write_file_header, then for
  * each recording vx_writer_begin_recording and any number of vx_writer_write, then vx_writer_finish.
@@ -372,6 +390,8 @@ typedef struct vx_plan_result {
     int32_t fits;           /* Whether a strict writer takes the header. */
     int32_t reserved;       /* 0 */
 } vx_plan_result;
+#define VX_PLAN_RESULT_INIT \
+    { sizeof(vx_plan_result), 0, 0, 0, 0, 0 }
 
 /* One cell of a recording header. */
 typedef struct vx_plan_cell {
@@ -382,6 +402,8 @@ typedef struct vx_plan_cell {
     int32_t is_list;        /* Whether it has an item per well. */
     int32_t reserved;       /* 0 */
 } vx_plan_cell;
+#define VX_PLAN_CELL_INIT \
+    { sizeof(vx_plan_cell), 0, 0, 0, 0, 0 }
 
 /* Checks a recording before anything is recorded. The arguments are those of vx_writer_begin_recording; `file_version`
  * is that of the file, and 0 is the newest. */
@@ -522,12 +544,16 @@ typedef struct vx_callbacks {
     /* A finding: its offset in the file or -1, where it is, and what it means. The texts are valid during the call. */
     int(VX_CALL* finding)(void* user, int64_t offset, const char* where, const char* meaning);
 } vx_callbacks;
+#define VX_CALLBACKS_INIT \
+    { sizeof(vx_callbacks), 0, 0, 0 }
 
 typedef struct vx_recover_options {
     int64_t size;
     int32_t keep_cut; /* Keep a last segment that was cut, up to its last whole sample. */
     int32_t replace;  /* Replace the target if it exists. */
 } vx_recover_options;
+#define VX_RECOVER_OPTIONS_INIT \
+    { sizeof(vx_recover_options), 0, 0 }
 
 typedef struct vx_report_summary {
     int64_t size;
@@ -537,12 +563,16 @@ typedef struct vx_report_summary {
     int32_t is_sound;  /* A check: nothing was found. A recovery: the new file has everything, without a doubt. */
     int32_t is_usable; /* A check: readers open the file. */
 } vx_report_summary;
+#define VX_REPORT_SUMMARY_INIT \
+    { sizeof(vx_report_summary), 0, 0, 0, 0, 0 }
 
 typedef struct vx_finding {
     int64_t size;
     int64_t offset; /* Bytes from the start of the file; -1 if it has no place. */
     int64_t end;    /* A recovery: offset of the byte after it. Otherwise -1. */
 } vx_finding;
+#define VX_FINDING_INIT \
+    { sizeof(vx_finding), 0, 0 }
 
 /* The texts of a finding. */
 enum vx_finding_text {

@@ -19,7 +19,7 @@ static uint16_t* read_samples(vx_first* first, SEXP path) {
 
 SEXP vx_read(SEXP path) {
     const char* names[] = {"plate", "recordings", "task", "number", "well", "samples", ""};
-    vx_first first;
+    vx_first first = VX_FIRST_INIT;
     const uint16_t* const samples = read_samples(&first, path);
     SEXP list = PROTECT(mkNamed(VECSXP, names)), values = allocVector(INTSXP, first.count);
     int64_t i;
@@ -27,16 +27,16 @@ SEXP vx_read(SEXP path) {
     for (i = 0; i < first.count; ++i)
         INTEGER(values)[i] = samples[i];
     SET_VECTOR_ELT(list, 0, mkString(first.plate));
-    SET_VECTOR_ELT(list, 1, ScalarInteger((int)first.recordings));
+    SET_VECTOR_ELT(list, 1, ScalarInteger((int)first.info.recordings));
     SET_VECTOR_ELT(list, 2, mkString(first.task));
     SET_VECTOR_ELT(list, 3, ScalarInteger(first.about.number));
-    SET_VECTOR_ELT(list, 4, ScalarInteger(first.channel.well));
+    SET_VECTOR_ELT(list, 4, ScalarInteger(first.well.well));
     UNPROTECT(1);
     return list;
 }
 
 SEXP vx_copy(SEXP source, SEXP target) {
-    vx_first first;
+    vx_first first = VX_FIRST_INIT;
     const uint16_t* const samples = read_samples(&first, source);
     const char* const failure = vx_copy_first(&first, samples, translateCharUTF8(STRING_ELT(target, 0)));
     if (failure) error("%s", failure);

@@ -12,7 +12,7 @@ static void require(const char* failure, vx_first* first) {
 
 void mexFunction(int results, mxArray* result[], int arguments, const mxArray* argument[]) {
     static const char* names[] = {"plate", "recordings", "task", "number", "well", "samples"};
-    vx_first first = {0};
+    vx_first first = VX_FIRST_INIT;
     mxArray* samples;
     (void)results;
     if (arguments < 1 || arguments > 2) mexErrMsgIdAndTxt("vxfileio:arguments", "usage: vx_copy(source, target)");
@@ -24,9 +24,9 @@ void mexFunction(int results, mxArray* result[], int arguments, const mxArray* a
     vx_close(first.recording);
     result[0] = mxCreateStructMatrix(1, 1, 6, names);
     mxSetField(result[0], 0, "plate", mxCreateString(first.plate));
-    mxSetField(result[0], 0, "recordings", mxCreateDoubleScalar((double)first.recordings));
+    mxSetField(result[0], 0, "recordings", mxCreateDoubleScalar((double)first.info.recordings));
     mxSetField(result[0], 0, "task", mxCreateString(first.task));
     mxSetField(result[0], 0, "number", mxCreateDoubleScalar(first.about.number));
-    mxSetField(result[0], 0, "well", mxCreateDoubleScalar(first.channel.well));
+    mxSetField(result[0], 0, "well", mxCreateDoubleScalar(first.well.well));
     mxSetField(result[0], 0, "samples", samples);
 }

@@ -62,16 +62,18 @@ static void expect_wrong(int code, int expected, const char* function, const cha
 
 #include "wrong_arguments.h"
 
+/* A struct begins with its size, and the rest is 0. */
+static void expect_initialised(const void* made, size_t size) {
+    static const char zeros[4096] = "";
+    int64_t first;
+    memcpy(&first, made, sizeof first);
+    EXPECT(first == (int64_t)size && memcmp((const char*)made + sizeof first, zeros, size - sizeof first) == 0);
+}
+
 /* From here on, calls are counted. */
 #include "counted_calls.h"
 
 /* ---- Helpers ---- */
-
-/* Declares a struct of zeros that knows its size. */
-#define SIZED(type, name)          \
-    type name;                     \
-    memset(&name, 0, sizeof name); \
-    name.size = sizeof name
 
 static char reference[1000];
 static char scratch[1000];
@@ -124,8 +126,8 @@ static vx_recording* open_recording(const char* name, int64_t index, const vx_re
 
 static void read_headers(void) {
     vx_raw* raw = NULL;
-    vx_raw_info info = {sizeof info, 0, 0, 0};
-    SIZED(vx_recording_info, recording);
+    vx_raw_info info = VX_RAW_INFO_INIT;
+    vx_recording_info recording = VX_RECORDING_INFO_INIT;
     char text[20];
     int64_t size = sizeof text, list[3], count = 3, index = -1;
     WORKS(vx_raw_open(&raw, given("several_recordings.vxd")));
@@ -149,11 +151,11 @@ static void read_headers(void) {
 
 static void read_samples(void) {
     vx_recording* const recording = open_recording("several_recordings.vxd", 0, NULL);
-    SIZED(vx_recording_state, state);
-    SIZED(vx_well_info, well);
-    SIZED(vx_segment_info, segment);
+    vx_recording_state state = VX_RECORDING_STATE_INIT;
+    vx_well_info well = VX_WELL_INFO_INIT;
+    vx_segment_info segment = VX_SEGMENT_INFO_INIT;
     vx_selection* selection = NULL;
-    SIZED(vx_selected_well, selected);
+    vx_selected_well selected = VX_SELECTED_WELL_INIT;
     vx_run runs[2];
     int32_t wells[3];
     const int32_t chosen[] = {2, 1};
@@ -213,8 +215,8 @@ static void read_segment_by_segment(void) {
     static const int32_t wells[] = {VX_ALL_WELLS, 2, 96};
     vx_recording* const recording = open_recording("several_recordings.vxd", 0, NULL);
     vx_segments* segments;
-    SIZED(vx_segment_info, segment);
-    SIZED(vx_segment_info, numbered);
+    vx_segment_info segment = VX_SEGMENT_INFO_INIT;
+    vx_segment_info numbered = VX_SEGMENT_INFO_INIT;
     uint16_t samples[3], again[3];
     int64_t count, number;
     size_t i;
@@ -246,11 +248,13 @@ static void read_segment_by_segment(void) {
 }
 
 static void read_damaged_and_unfinished(void) {
-    vx_recording_options options = {sizeof options, 0, 1};
-    vx_recording* recording = open_recording("damaged_segments.vxd", 1, &options);
+    vx_recording_options options = VX_RECORDING_OPTIONS_INIT;
+    vx_recording* recording = NULL;
     vx_raw* raw = NULL;
     char text[100];
     int64_t size = sizeof text;
+    options.up_to_damage = 1;
+    recording = open_recording("damaged_segments.vxd", 1, &options);
     WORKS(vx_recording_get_damage(recording, text, &size));
     EXPECT(strcmp(text, "Error reading Data Segment Header") == 0);
     WORKS(vx_close(recording));
@@ -267,7 +271,7 @@ static void read_damaged_and_unfinished(void) {
 
 static void report_a_failed_open(void) {
     vx_raw* raw = NULL;
-    vx_raw_info info = {sizeof info, 0, 0, 0};
+    vx_raw_info info = VX_RAW_INFO_INIT;
     int32_t version = 0;
     char text[10];
     int64_t size = sizeof text;
@@ -307,8 +311,8 @@ static void accept_structs_of_later_versions(void) {
 
 static vx_writer* begin_small_example(const char* path) {
     vx_writer* writer = NULL;
-    SIZED(vx_file_header, file);
-    SIZED(vx_recording_header, recording);
+    vx_file_header file = VX_FILE_HEADER_INIT;
+    vx_recording_header recording = VX_RECORDING_HEADER_INIT;
     const int32_t wells[] = {11, 12}, zeros[] = {32768, 32768};
     const double units[] = {0.0002, 0.0002};
     const int64_t intervals[] = {100, 100};
@@ -361,7 +365,7 @@ static void end_segments(void) {
     int64_t count = 4;
     int code, again;
     size_t i;
-    SIZED(vx_segment_info, segment);
+    vx_segment_info segment = VX_SEGMENT_INFO_INIT;
     vx_segments* segments;
     WORKS(vx_close(begin_small_example(own("empty.vxd"))));
     segments = open_segments(own("empty.vxd"), 0, VX_ALL_WELLS, VX_OK);
@@ -385,7 +389,7 @@ static void pass_an_empty_segment(void) {
     uint16_t samples[4];
     int64_t count, at = 0;
     int i;
-    SIZED(vx_segment_info, segment);
+    vx_segment_info segment = VX_SEGMENT_INFO_INIT;
     vx_segments* segments;
     while (at < size && memcmp(bytes + at, "Size=4", 6) != 0)
         ++at;
@@ -407,7 +411,7 @@ static void pass_an_empty_segment(void) {
 static void read_a_renamed_file(void) {
     uint16_t samples[4];
     int64_t count = 4;
-    SIZED(vx_segment_info, segment);
+    vx_segment_info segment = VX_SEGMENT_INFO_INIT;
     vx_raw* raw = NULL;
     vx_segments* segments = NULL;
     vx_writer* writer = begin_small_example(own("renamed.vxd"));
@@ -457,7 +461,7 @@ static void write_raw_data(void) {
 /* The system refuses every byte. */
 static void report_a_full_disk(void) {
     vx_writer* writer = NULL;
-    SIZED(vx_file_header, file);
+    vx_file_header file = VX_FILE_HEADER_INIT;
     WORKS(vx_writer_create(&writer, "/dev/full", VX_CREATE_REPLACE));
     EXPECT(vx_writer_write_file_header(writer, &file) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "No space left on device") != NULL);
@@ -680,7 +684,7 @@ static vx_plan* make_plan(void) {
     static int32_t wells[100], zeros[100];
     static double units[100];
     static int64_t intervals[100];
-    SIZED(vx_recording_header, header);
+    vx_recording_header header = VX_RECORDING_HEADER_INIT;
     vx_plan* plan = NULL;
     int i;
     for (i = 0; i < 100; ++i) {
@@ -696,8 +700,8 @@ static vx_plan* make_plan(void) {
 
 static void plan_a_recording(void) {
     vx_plan* const plan = make_plan();
-    SIZED(vx_plan_result, result);
-    SIZED(vx_plan_cell, cell);
+    vx_plan_result result = VX_PLAN_RESULT_INIT;
+    vx_plan_cell cell = VX_PLAN_CELL_INIT;
     char text[200];
     int64_t size = sizeof text, split[10], count = 10, i;
     WORKS(vx_plan_get_result(plan, &result));
@@ -732,7 +736,7 @@ static int VX_CALL count_finding(void* user, int64_t offset, const char* where, 
 
 /* Callbacks that count, with another one for progress. */
 static vx_callbacks counting(struct counted* count, int(VX_CALL* progress)(void*, int64_t, int64_t)) {
-    SIZED(vx_callbacks, callbacks);
+    vx_callbacks callbacks = VX_CALLBACKS_INIT;
     callbacks.user = count;
     callbacks.progress = progress;
     callbacks.finding = count_finding;
@@ -787,13 +791,14 @@ static void check_each_kind(void) {
 static void check_and_recover(void) {
     struct counted count = {0, 0, -1, -1};
     const vx_callbacks callbacks = counting(&count, count_progress);
-    vx_recover_options options = {sizeof options, 0, 1};
+    vx_recover_options options = VX_RECOVER_OPTIONS_INIT;
     vx_report* report = NULL;
-    SIZED(vx_report_summary, summary);
-    SIZED(vx_finding, finding);
+    vx_report_summary summary = VX_REPORT_SUMMARY_INIT;
+    vx_finding finding = VX_FINDING_INIT;
     char text[300];
     int64_t size = sizeof text;
     const char* const saved = own("saved.vxd");
+    options.replace = 1;
     WORKS(vx_verify(&report, given("small_example.vxd"), VX_FILE_RAW, NULL));
     WORKS(vx_report_get_summary(report, &summary));
     EXPECT(summary.is_sound && summary.is_usable && summary.findings == 0);
@@ -856,7 +861,7 @@ static void use_threads(void) {
                 vx_raw* raw = NULL;
                 vx_recording* recording = NULL;
                 vx_segments* segments = NULL;
-                SIZED(vx_segment_info, segment);
+                vx_segment_info segment = VX_SEGMENT_INFO_INIT;
                 uint16_t samples[4];
                 int64_t count = 4;
                 wrong += (vx_segments_open)(&segments, shared_raw, 0, 12) == VX_ERROR_FILE;
@@ -945,6 +950,7 @@ static void (*const phases[])(void) = {
     use_threads,
 #endif
     refuse_wrong_arguments,
+    check_initialisers,
 };
 
 int main(int argc, char** argv) {

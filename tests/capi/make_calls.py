@@ -3,26 +3,14 @@
 
     make_calls.py LIST HEADER FOLDER
 
-FOLDER/counted_calls.h counts the calls of every listed function. FOLDER/wrong_arguments.h calls every listed function
-with right arguments but for one, which is wrong in each way that its type and name allow. The list and the header must
-name the same functions.
+FOLDER/counted_calls.h counts the calls of every listed function, and looks at what the initialiser of each struct
+makes. FOLDER/wrong_arguments.h calls every listed function with right arguments but for one, which is wrong in each way
+that its type and name allow. The list and the header must name the same functions.
 """
 import pathlib
-import re
 import sys
 
-
-def read_functions(header):
-    """Returns [(name, [(type, parameter)])] of all functions."""
-    text = re.sub(r"/\*.*?\*/", "", header, flags=re.S)
-    functions = []
-    for name, parameters in re.findall(r"int VX_CALL (vx_\w+)\((.*?)\);", text, flags=re.S):
-        pairs = [re.fullmatch(r"(.*?)(\w+)", " ".join(p.split())).groups() for p in parameters.split(",")]
-        functions.append((name, [(kind.replace(" ", ""), parameter) for kind, parameter in pairs]))
-    return functions, set(re.findall(r"typedef struct (vx_\w+) \1;", text))
-
-
-SCALARS = {"int64_t", "int32_t", "uint16_t", "double", "char"}
+from c_header import SCALARS, read_header
 
 
 def arguments_of(parameter, following, handles):
@@ -89,20 +77,27 @@ def wrong_calls(name, parameters, handles):
                    f"\"{name}\", \"{parameters[i][1]} is {value}\");{close} }}")
 
 
+def check_initialisers(structs):
+    """Returns a function that looks at what the initialiser of each struct makes."""
+    cases = [f"    {{ {name} one = {name.upper()}_INIT; expect_initialised(&one, sizeof one); }}\n"
+             for name, members in structs if members[0] == ("int64_t", "size")]
+    return f"static void check_initialisers(void) {{\n{''.join(cases)}}}"
+
+
 def main():
     listed = [line.split()[0] for line in pathlib.Path(sys.argv[1]).read_text().splitlines() if line.startswith("vx_")]
-    functions, handles = read_functions(pathlib.Path(sys.argv[2]).read_text())
-    declared = [name for name, _ in functions]
+    header = read_header(pathlib.Path(sys.argv[2]).read_text())
+    declared = [name for name, _ in header.functions]
     if sorted(listed) != sorted(declared):
         sys.exit(f"the list and the header differ: {sorted(set(listed) ^ set(declared))}")
     folder = pathlib.Path(sys.argv[3])
     folder.mkdir(parents=True, exist_ok=True)
     counted = [f"static const char* const call_names[] = {{{', '.join(chr(34) + name + chr(34) for name in listed)}}};",
-               f"static int calls[{len(listed)}];"]
+               f"static int calls[{len(listed)}];", check_initialisers(header.structs)]
     counted += [f"#define {name}(...) (++calls[{i}], {name}(__VA_ARGS__))" for i, name in enumerate(listed)]
     (folder / "counted_calls.h").write_text("\n".join(counted) + "\n")
-    lines = [line for name, parameters in functions for line in wrong_calls(name, parameters, handles)]
-    objects = [f"static {handle} *good_{handle}, *failed_{handle};" for handle in sorted(handles)]
+    lines = [line for function in header.functions for line in wrong_calls(*function, header.handles)]
+    objects = [f"static {handle} *good_{handle}, *failed_{handle};" for handle in sorted(header.handles)]
     body = "\n".join(lines)
     (folder / "wrong_arguments.h").write_text("\n".join(objects) +
                                               f"\nstatic void call_with_wrong_arguments(void) {{\n{body}\n}}\n")

@@ -27,7 +27,7 @@ PROGRAMS = {
     "settings": ["settings_test", "reference_test", "results_test", "forms"],
     "results": ["results_test", "reference_test", "forms", "tables"],
     "export": ["export_test", "results_test", "faults_test"],
-    "capi": ["c_interface"],
+    "capi": ["c_interface", "bindings"],
     "recovery": ["recover_test", "sessions", "faults_test"],
     "verify": ["vxfile_test", "sessions", "recover_test"],
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog"],
@@ -43,6 +43,7 @@ SCRIPTS = {
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
     "c_interface": ("capi_c_test", ["-c", "import subprocess, sys; sys.exit(subprocess.call(sys.argv[1:]))",
                                     "{}/bin/capi_c_test", "tests/reference", "{}/tests/capi/capi_c_test"]),
+    "bindings": ("capi_c_test", ["tests/capi/bindings.py", "."]),
     "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
 }
 
