@@ -79,12 +79,20 @@ class CWindow {
         const bool goesOn = position >= m_begin && position <= End();
         m_next = goesOn ? std::min(2 * m_next, kMostBlock) : kFirstBlock;
         const auto left = static_cast<std::size_t>(m_size - position);
+        const std::size_t kept = goesOn ? static_cast<std::size_t>(End() - position) : 0;
+        m_block.erase(0, m_block.size() - kept);
         m_block.resize(std::min(left, std::max(size, m_next)));
         m_begin = position;
-        const std::size_t read = m_input.ReadUpTo(position, std::as_writable_bytes(std::span(m_block)));
-        if (read >= m_block.size()) return;
+        const std::size_t end = kept + ReadAt(kept);
+        if (end >= m_block.size()) return;
         m_block.clear();
-        throw CReadFailure(position + static_cast<std::int64_t>(read));
+        throw CReadFailure(position + static_cast<std::int64_t>(end));
+    }
+
+    /// Reads what belongs after the first bytes of the block. Returns the number of bytes read.
+    std::size_t ReadAt(std::size_t first) {
+        const auto to = std::as_writable_bytes(std::span(m_block)).subspan(first);
+        return m_input.ReadUpTo(m_begin + static_cast<std::int64_t>(first), to);
     }
 
     const CInput& m_input;

@@ -4,6 +4,7 @@
 #include <span>
 #include <utility>
 
+#include "recovery/Input.h"
 #include "verify/Failure.h"
 #include "verify/OpenInput.h"
 #include "verify/Text.h"
@@ -119,7 +120,12 @@ const CSegmentAt* CSegmentWalk::Next() {
 
 std::string_view CSegmentWalk::HeaderBytes(std::int64_t position) {
     const std::size_t size = m_layout.segment.size;
-    return m_scan.Window().BytesAt(position, size, BytesAhead()).substr(0, size);
+    if (m_sampleWindow == nullptr) return m_scan.Window().BytesAt(position, size, BytesAhead()).substr(0, size);
+    try {
+        return m_sampleWindow->At(position, size);
+    } catch (const vxfileio::recovery::CReadFailure&) {  // perhaps only of bytes that were read ahead
+        return m_scan.Window().BytesAt(position, size, size);
+    }
 }
 
 /// Segments tend to be as long as the one before. Reads whole segments, so that none is split between two reads.

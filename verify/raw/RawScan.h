@@ -14,6 +14,10 @@
 #include "vxfileio/rawdata/RawDataHeaders.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
 
+namespace vxfileio::recovery {
+class CWindow;
+}
+
 /// @file
 /// Raw data files, damaged or not. Where the library's reader refuses a whole file, these classes return what can be
 /// read and where it breaks off. They read headers only, never samples.
@@ -117,6 +121,10 @@ class CSegmentWalk {
     /// position that points to it.
     CSegmentWalk(const CRawScan& scan, std::int64_t first, std::int64_t cell, bool isUnfinished = false);
 
+    /// Reads the headers through a window that also reads the samples, so that the file is read once. The caller owns
+    /// the window, which must outlive the walk.
+    void ReadThrough(vxfileio::recovery::CWindow& window) { m_sampleWindow = &window; }
+
     /// Moves to the next segment. Returns null at the end of the chain or where it is broken. The segment is valid
     /// until the next call.
     const CSegmentAt* Next();
@@ -137,7 +145,8 @@ class CSegmentWalk {
     CSegmentAt m_segment;
     std::optional<CChainBreak> m_break;
     bool m_isUnfinished;
-    std::int64_t m_segmentBytes = 0;  ///< The size of the last segment, header and samples.
+    std::int64_t m_segmentBytes = 0;                        ///< The size of the last segment, header and samples.
+    vxfileio::recovery::CWindow* m_sampleWindow = nullptr;  ///< Null if only headers are read.
 };
 
 /// Limits the number of segments of all recordings together to what fits in the file. Stops a walk through all chains

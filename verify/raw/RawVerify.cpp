@@ -11,6 +11,7 @@
 #include "verify/Text.h"
 #include "verify/raw/Coverage.h"
 #include "verify/raw/RawScan.h"
+#include "verify/raw/SampleDelivery.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/Rules.h"
 
@@ -50,8 +51,8 @@ struct CChainSum {
 
 class CRawVerifier {
  public:
-    CRawVerifier(const std::string& path, const CPlateChoice& choice, const CReach& reach)
-        : m_choice(choice), m_reach(reach), m_scan(path), m_budget(m_scan) {}
+    CRawVerifier(const std::string& path, const CPlateChoice& choice, const CReach& reach, CSampleReceiver* receiver)
+        : m_choice(choice), m_reach(reach), m_scan(path), m_delivery(receiver), m_budget(m_scan) {}
 
     CFindings Verify() {
         JudgeFileHdr();
@@ -123,6 +124,7 @@ class CRawVerifier {
     CRawScan m_scan;
     vxfileio::recovery::CFileInput m_input{m_scan.File()};
     vxfileio::recovery::CWindow m_samples{m_input, m_scan.Size()};
+    CSampleDelivery m_delivery;
     std::int64_t m_mostSamples = m_scan.Size();  ///< The number of bytes of samples still to be checked; limits work.
     CFindings m_findings;
     CCoverage m_coverage;
@@ -157,9 +159,10 @@ void CRawVerifier::JudgeRecording(std::size_t index) {
     m_recording = &recording;
     const std::string name = NameOf(recording, index);
     const CLayout& layout = m_scan.Layout();
+    const std::string header = m_scan.ReadBytes(recording.position, layout.recording.size);
     std::vector<CRawDataChannelInfo> wells;
-    Add(name, recording.position,
-        BreachesOfRecordingHdr(layout, m_scan.ReadBytes(recording.position, layout.recording.size), &wells));
+    Add(name, recording.position, BreachesOfRecordingHdr(layout, header, &wells));
+    m_delivery.Begin(index, recording, layout, header);
     m_rules = CSegmentRules(wells);
     m_coverage.Add({recording.position, m_scan.DataPosition(recording)});
     m_reach(recording.position, m_scan.Size());
@@ -208,11 +211,13 @@ void CRawVerifier::JudgeUnfinished(const CRecordingAt& recording, const std::str
 CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& recording, const std::string& name) {
     CChainSum sum;
     sum.end = m_scan.DataPosition(recording);
+    walk.ReadThrough(m_samples);
     while (const CSegmentAt* segment = walk.Next()) {
         if (!m_budget.Take()) {
             if (!std::exchange(m_circle, true))
                 Add(name, segment->position, "a segment that several chains share", "separate chains",
                     "The rest of these chains wasn't checked.");
+            m_delivery.Miss();
             break;
         }
         m_well = segment->header.ID;
@@ -228,11 +233,12 @@ CChainSum CRawVerifier::JudgeSegments(CSegmentWalk walk, const CRecordingAt& rec
         sum.end = segment->End();
         m_reach(sum.end, m_scan.Size());
     }
-    if (walk.Break())
-        JudgeBreak(*walk.Break(), name + (sum.segments == 0 ? " > FPosRecordingData" : " > FPosNextSegmentHdr"),
-                   "a segment",
-                   "Readers return " + Counted(sum.segments, "segment") +
-                       " of this recording and then an error; run 'vxfile recover' to look for what follows.");
+    if (!walk.Break()) return sum;
+    m_delivery.Miss();
+    JudgeBreak(*walk.Break(), name + (sum.segments == 0 ? " > FPosRecordingData" : " > FPosNextSegmentHdr"),
+               "a segment",
+               "Readers return " + Counted(sum.segments, "segment") +
+                   " of this recording and then an error; run 'vxfile recover' to look for what follows.");
     return sum;
 }
 
@@ -256,12 +262,13 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
     JudgeSamples(segment, NameOfSegment(name, index, segment));
 }
 
-/// Looks for pages of zeros, which a power cut leaves; they may include the header's `Size`. Stops once it has read as
-/// many bytes as the file has, which happens only if segments overlap.
+/// Delivers the samples, and looks for pages of zeros, which a power cut leaves; they may include the header's `Size`.
+/// Stops once it has read as many bytes as the file has, which happens only if segments overlap.
 void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& name) {
     const std::int64_t end = std::min(segment.End(), m_scan.Size());
     const std::int64_t size = end - segment.DataPosition();
-    if (size < 0 || size > m_mostSamples) return;
+    if (size < 0) return;
+    if (size > m_mostSamples) return m_delivery.Miss();
     m_mostSamples -= size;
     const auto report = [&](std::int64_t from, std::int64_t to) {
         Add(name + " > samples", from, Counted(static_cast<std::uint64_t>(to - from), "byte") + " that are 0",
@@ -269,9 +276,11 @@ void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& na
             "A power cut leaves this in place of samples that never reached the disk.");
     };
     try {
+        m_delivery.Deliver(segment, end, m_samples);
         vxfileio::recovery::ForLostPages(m_samples, segment.DataPosition(), end, report);
     } catch (const vxfileio::recovery::CReadFailure& failure) {
         Add(name + " > samples", failure.Position(), "a byte that can't be read", "samples", "The disk is damaged.");
+        m_delivery.Miss();
     }
 }
 
@@ -364,8 +373,12 @@ void CRawVerifier::JudgeCoverage() {
 
 CFindings VerifyRawData(const std::string& path, const CReach& reach) { return VerifyChosen(path, {}, reach); }
 
+CFindings VerifyWithSamples(const std::string& path, CSampleReceiver& receiver, const CReach& reach) {
+    return CRawVerifier(path, {}, reach, &receiver).Verify();
+}
+
 CFindings VerifyChosen(const std::string& path, const CPlateChoice& choice, const CReach& reach) {
-    return CRawVerifier(path, choice, reach).Verify();
+    return CRawVerifier(path, choice, reach, nullptr).Verify();
 }
 
 }  // namespace vxfile

@@ -5,6 +5,7 @@
 #include "verify/Findings.h"
 #include "verify/Reach.h"
 #include "verify/raw/PlateChoice.h"
+#include "verify/raw/SampleReceiver.h"
 
 namespace vxfile {
 
@@ -13,7 +14,10 @@ namespace vxfile {
 /// them, which a power cut leaves, are findings. Throws `CFailure` if the file can't be opened.
 CFindings VerifyRawData(const std::string& path, const CReach& reach = IgnoreReach);
 
-/// Does the same. Findings about recordings and wells that weren't chosen are only counted.
+/// Does the same, and delivers the samples to a receiver.
+CFindings VerifyWithSamples(const std::string& path, CSampleReceiver& receiver, const CReach& reach = IgnoreReach);
+
+/// Does the same as the first. Findings about recordings and wells that weren't chosen are only counted.
 CFindings VerifyChosen(const std::string& path, const CPlateChoice& choice, const CReach& reach = IgnoreReach);
 
 }  // namespace vxfile

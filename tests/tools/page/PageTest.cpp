@@ -20,10 +20,11 @@
 #include "tools/vxfile/page/Packed.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
-#include "tools/vxfile/page/ReadTraces.h"
 #include "tools/vxfile/page/Trace.h"
+#include "tools/vxfile/page/TraceReader.h"
 #include "verify/Failure.h"
 #include "verify/WholeText.h"
+#include "verify/raw/RawVerify.h"
 
 namespace vxfile::page {
 namespace {
@@ -123,11 +124,16 @@ TEST(Packed, HasACurveScaledFromItsLeastToItsGreatestNumber) {
     EXPECT_EQ(PackedCurve(std::array{7.0, 7.0})["d"], "AAAA");
 }
 
-TEST(ReadTraces, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
+void ReadTraces(CPlateValues& values, const std::string& path) {
+    CTraceReader traces(values, CRawDataFile(path));
+    VerifyWithSamples(path, traces);
+}
+
+TEST(TraceReader, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
     const CTempFolder folder;
-    std::vector<std::uint16_t> many(300'000, 5);  // more than are read at once
+    std::vector<std::uint16_t> many(600'000, 5);  // more than are read at once
     many.back() = 9;
-    const CSegmentTexts segments = {{11, 0, many}, {12, 0, {1, 2}}, {11, 40'000'000, {7}}, {12, 200, {3}}};
+    const CSegmentTexts segments = {{11, 0, many}, {12, 0, {1, 2}}, {11, 80'000'000, {7}}, {12, 200, {3}}};
     const std::size_t third = 1190 + 2460 + 300 + 2 * many.size() + 300 + 4;
     WriteAll(folder.Path("run.vxd"), WithCell(FileOf({segments, segments}, false), "FPosNextSegmentHdr", "5", third));
     CPlateValues values;
@@ -135,22 +141,35 @@ TEST(ReadTraces, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
     values.wells[0].id = 11;
     values.wells[1].id = 12;
     values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
-    ReadTraces(values, CRawDataFile(folder.Path("run.vxd")));
-    const auto& steps = values.traces[0][0].Steps();
-    EXPECT_EQ(std::ranges::max(steps, {}, &CTrace::CStep::greatest).greatest, 9);
+    ReadTraces(values, folder.Path("run.vxd"));
+    const CTrace& trace = values.traces[0][0];
+    const auto& steps = trace.Steps();
+    EXPECT_EQ(steps[100 * (many.size() - 1) / static_cast<std::size_t>(trace.StepTime())].greatest, 9);
     EXPECT_EQ(steps.back().greatest, 7);
     EXPECT_EQ(StepsOf(values.traces[0][1]), "1..1 2..2 ");
-    EXPECT_EQ(values.notes,
-              (std::vector<std::string>{"Only a part of the recording of A is shown. Error reading Data Segment Header",
-                                        "There is no trace for the recording of B, as it was never finished."}));
+    EXPECT_EQ(values.notes, (std::vector<std::string>{
+                                "There is no trace for the recording of B, as it was never finished.",
+                                "Only a part of the recording of A is shown, since the raw data file is damaged."}));
 }
 
-TEST(ReadTraces, ShowsNoRecordingOfAnotherDoseOrTask) {
+TEST(TraceReader, HasAGapWhereAFileIsCut) {
+    const CTempFolder folder;
+    const std::string bytes = FileOf({{{11, 0, {5, 6, 7, 8}}}});
+    WriteAll(folder.Path("run.vxd"), bytes.substr(0, bytes.size() - 3));
+    CPlateValues values;
+    values.wells.resize(1);
+    values.wells[0].id = 11;
+    values.recordings = {{"CompoundTest", 1000, "", "A"}};
+    ReadTraces(values, folder.Path("run.vxd"));
+    EXPECT_EQ(StepsOf(values.traces[0][0]), "5..5 6..6 ");
+}
+
+TEST(TraceReader, ShowsNoRecordingOfAnotherDoseOrTask) {
     const CTempFolder folder;
     WriteAll(folder.Path("run.vxd"), FileOf({{{11, 0, {1, 2}}}}));
     CPlateValues values;
     values.recordings = {{"CompoundTest", 2000, "", "A"}, {"Series", 1000, "", "B"}};
-    ReadTraces(values, CRawDataFile(folder.Path("run.vxd")));
+    ReadTraces(values, folder.Path("run.vxd"));
     EXPECT_EQ(values.notes,
               (std::vector<std::string>{"The recording at the place of A has another dose in the raw data file, so its "
                                         "trace isn't shown.",

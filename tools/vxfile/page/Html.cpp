@@ -98,13 +98,13 @@ void CHtml::Embed(std::string_view tag, std::string_view asset) {
 
 void CHtml::Data(std::string_view id, const CJson& json) {
     StartTag("script", {{"type", "application/json"}, {"id", std::string(id)}});
-    for (const char c : json.dump(-1, ' ', true)) {
-        if (c == '<') {
-            m_bytes += "\\u003c";  // so that no text ends the element
-        } else {
-            m_bytes += c;
-        }
+    const std::string text = json.dump(-1, ' ', true);
+    std::size_t begin = 0;
+    for (std::size_t end = text.find('<'); end != std::string::npos; end = text.find('<', begin)) {
+        m_bytes.append(text, begin, end - begin).append("\\u003c");  // so that no text ends the element
+        begin = end + 1;
     }
+    m_bytes.append(text, begin);
     EndTag("script");
 }
 

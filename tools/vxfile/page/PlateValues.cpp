@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "tools/vxfile/page/PlateGrid.h"
-#include "tools/vxfile/page/ReadTraces.h"
 #include "tools/vxfile/report/Text.h"
 #include "verify/Failure.h"
 
@@ -266,7 +265,6 @@ CPlateValues MakePlateValues(const CPlateSource& source) {
             if (HasValues(measure)) values.measures.push_back(std::move(measure));
         }
     }
-    if (source.recording != nullptr) ReadTraces(values, *source.recording);
     return values;
 }
 

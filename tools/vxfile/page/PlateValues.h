@@ -30,7 +30,6 @@ struct CPlateSource {
     const CXmlFileHeader* header = nullptr;      ///< Of the results; never null.
     const CResults* results = nullptr;           ///< Never null.
     const CISettingsReader* settings = nullptr;  ///< Null without a settings file.
-    const CRawDataFile* recording = nullptr;     ///< Null without a raw data file.
     std::vector<CFileLine> files = {};
     std::vector<std::string> notes = {};  ///< What the reader of the page should know, a sentence each.
 };

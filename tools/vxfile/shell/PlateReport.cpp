@@ -7,6 +7,7 @@
 #include "tools/vxfile/document/DocumentHead.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
+#include "tools/vxfile/page/TraceReader.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Text.h"
@@ -40,31 +41,41 @@ class CPlateReporter {
     explicit CPlateReporter(CRunPaths paths) : m_paths(std::move(paths)) {}
 
     CPlateReport Make() {
-        AddFile(EFileKind::Results, m_paths.results, VerifyResults);
+        m_source.files.push_back(Checked(EFileKind::Results, m_paths.results, VerifyResults));
         m_results.ReadFile(m_paths.results);
         m_source.header = m_results.GetXmlFileHeader();
         m_source.results = m_results.GetResults();
         AddSettings();
-        AddRecording();
-        return ReportOf(page::MakePlateValues(m_source));
+        page::CPlateValues values = page::MakePlateValues(m_source);
+        AddRecording(values);
+        return ReportOf(values);
     }
 
  private:
     void AddSettings() {
         if (m_paths.settings.empty()) return;
-        AddFile(EFileKind::Settings, m_paths.settings, VerifySettings);
+        m_source.files.push_back(Checked(EFileKind::Settings, m_paths.settings, VerifySettings));
         m_settings.ReadFile(m_paths.settings);
         m_source.settings = &m_settings;
-        CompareRuns(m_paths.settings, m_settings.GetXmlFileHeader()->Guid);
+        CompareRuns(m_source.notes, m_paths.settings, m_settings.GetXmlFileHeader()->Guid);
     }
 
-    void AddRecording() {
-        if (m_paths.recording.empty()) return;
-        AddFile(EFileKind::RawData, m_paths.recording, VerifyRawData);
-        const std::string failure = FailureOf([&] { m_recording.emplace(m_paths.recording); });
-        if (!failure.empty()) return m_source.notes.push_back(NameOfFile(m_paths.recording) + ": " + failure);
-        m_source.recording = &*m_recording;
-        CompareRuns(m_paths.recording, m_recording->GetFileHdr().Guid);
+    /// Checks the raw data file and makes traces of its samples, in one pass.
+    void AddRecording(page::CPlateValues& values) {
+        const std::string& path = m_paths.recording;
+        if (path.empty()) return;
+        std::optional<CRawDataFile> file;
+        std::optional<page::CTraceReader> traces;
+        const std::string failure = FailureOf([&] { file.emplace(path); });
+        if (file) {
+            CompareRuns(values.notes, path, file->GetFileHdr().Guid);
+            traces.emplace(values, *file);
+        } else {
+            values.notes.push_back(NameOfFile(path) + ": " + failure);
+        }
+        values.files.push_back(Checked(EFileKind::RawData, path, [&](const std::string&, const CReach& reach) {
+            return traces ? VerifyWithSamples(path, *traces, reach) : VerifyRawData(path, reach);
+        }));
     }
 
     CPlateReport ReportOf(const page::CPlateValues& values) const {
@@ -73,33 +84,32 @@ class CPlateReporter {
         report.entry.results = NameOfFile(m_paths.results);
         report.entry.isSound = m_isSound && values.notes.empty();
         report.entry.state = report.entry.isSound ? "sound" : m_isSound ? values.notes.front() : "findings, see page";
-        for (const page::CFileLine& file : m_source.files) {
+        for (const page::CFileLine& file : values.files) {
             if (!file.isSound) report.notes.push_back(file.name + ": " + file.state);
         }
         return report;
     }
 
-    void AddFile(EFileKind kind, const std::string& path, CFindings (*verify)(const std::string&, const CReach&)) {
+    page::CFileLine Checked(EFileKind kind, const std::string& path, auto verify) {
         RequireKind(kind, path);
         const CFindings findings = CheckWithBar(path, [&](const CReach& reach) { return verify(path, reach); });
         m_isSound = m_isSound && StatusOf(findings) == kSound;
         std::error_code ignored;
         const auto size = static_cast<std::int64_t>(fs::file_size(path, ignored));
-        m_source.files.push_back({NameOfFile(path), std::string(NameOf(kind)), SizeText(size), StateText(findings),
-                                  StatusOf(findings) == kSound});
         CheckInterrupt();
+        return {NameOfFile(path), std::string(NameOf(kind)), SizeText(size), StateText(findings),
+                StatusOf(findings) == kSound};
     }
 
-    void CompareRuns(const std::string& path, const std::string& guid) {
+    void CompareRuns(std::vector<std::string>& notes, const std::string& path, const std::string& guid) {
         const std::string sentence =
             DifferenceOfRuns({NameOfFile(path), guid}, {NameOfFile(m_paths.results), m_source.header->Guid});
-        if (!sentence.empty()) m_source.notes.push_back(sentence);
+        if (!sentence.empty()) notes.push_back(sentence);
     }
 
     CRunPaths m_paths;
     CIResultsReader m_results;
     CISettingsReader m_settings;
-    std::optional<CRawDataFile> m_recording;
     bool m_isSound = true;
     page::CPlateSource m_source;
 };
