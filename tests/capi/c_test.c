@@ -292,13 +292,18 @@ static void report_a_failed_open(void) {
     EXPECT(size == 5 && strcmp(text, "1\xC2\xB5M") == 0);
 }
 
-/* The rule for sizes: a longer struct works, and gets zeros. */
+/* The rule for sizes: a longer struct works. As a result it gets zeros, as an argument it must have zeros. */
 static void accept_structs_of_later_versions(void) {
     struct {
         vx_raw_info info;
         int64_t later;
     } longer;
+    struct {
+        vx_recording_options options;
+        int64_t later;
+    } argument = {VX_RECORDING_OPTIONS_INIT, 0};
     vx_raw* raw = NULL;
+    vx_recording* recording = NULL;
     memset(&longer, 0xFF, sizeof longer);
     longer.info.size = sizeof longer;
     WORKS(vx_raw_open(&raw, given("small_example.vxd")));
@@ -306,6 +311,13 @@ static void accept_structs_of_later_versions(void) {
     EXPECT(longer.info.size == sizeof longer && longer.info.recordings == 1 && longer.later == 0);
     longer.info.size = sizeof longer.info - 8;
     EXPECT(vx_raw_get_info(raw, &longer.info) == VX_ERROR_STRUCT);
+    argument.options.size = sizeof argument;
+    WORKS(vx_recording_open(&recording, raw, 0, &argument.options));
+    WORKS(vx_close(recording));
+    argument.later = 1;
+    EXPECT(vx_recording_open(&recording, raw, 0, &argument.options) == VX_ERROR_STRUCT);
+    EXPECT(strstr(error_of(recording), "this version of the library doesn't know") != NULL);
+    WORKS(vx_close(recording));
     WORKS(vx_close(raw));
 }
 
@@ -456,6 +468,21 @@ static void write_raw_data(void) {
     EXPECT(vx_writer_create(&writer, path, VX_CREATE_NEW) == VX_ERROR_FILE);
     WORKS(vx_close(writer));
 }
+
+#if defined(_WIN32)
+/* A path in UTF-8 is a file of that name, in every language of Windows. */
+static void take_paths_as_utf8(void) {
+    const char* const path = "\xE6\xB8\xAC-\xC3\xA4.vxd";
+    const wchar_t* const name = L"\x6E2C-\xE4.vxd";
+    vx_raw* raw = NULL;
+    WORKS(vx_close(begin_small_example(path)));
+    WORKS(vx_raw_open(&raw, path));
+    WORKS(vx_close(raw));
+    EXPECT(_wremove(name) == 0);
+    EXPECT(vx_raw_open(&raw, path) == VX_ERROR_FILE && strstr(error_of(raw), path) != NULL);
+    WORKS(vx_close(raw));
+}
+#endif
 
 #if defined(__linux__)
 /* The system refuses every byte. */
@@ -649,6 +676,33 @@ static void make_results(void) {
     WORKS(vx_table_get_int64s(table, 8, wholes, &count));
     EXPECT(count == 2 && wholes[0] == VX_MISSING && wholes[1] == 150);
     WORKS(vx_close(table));
+}
+
+/* The columns that the header names for each table. */
+static void name_columns(void) {
+    static const char* const columns[4][9] = {
+        {"task", "recording", "dose", "dose_text", "well", "label", "response", "value", "normalized"},
+        {"task", "recording", "dose", "dose_text", "response", "mean", "sd", "wells", NULL},
+        {"task", "recording", "dose", "dose_text", "well", "label", "beat", "time", "interval"},
+        {"task", "recording", "dose", "dose_text", "well", "label", "sample", "time", "value"},
+    };
+    vx_document* const results = open_document(VX_RESULTS, "xml/results.vxr");
+    int32_t kind;
+    for (kind = VX_TABLE_RESPONSES; kind <= VX_TABLE_AVERAGES; ++kind) {
+        vx_table* table = NULL;
+        int64_t rows, count, i;
+        WORKS(vx_table_open(&table, results, kind));
+        WORKS(vx_table_get_size(table, &rows, &count));
+        EXPECT(rows > 0 && count == (kind == VX_TABLE_MEANS ? 8 : 9));
+        for (i = 0; i < count; ++i) {
+            char name[20];
+            int64_t size = sizeof name;
+            WORKS(vx_table_get_name(table, i, name, &size));
+            EXPECT(strcmp(name, columns[kind][i]) == 0);
+        }
+        WORKS(vx_close(table));
+    }
+    WORKS(vx_close(results));
 }
 
 static void report_a_damaged_document(void) {
@@ -937,9 +991,13 @@ static void (*const phases[])(void) = {
 #if defined(__linux__)
     report_a_full_disk,
 #endif
+#if defined(_WIN32)
+    take_paths_as_utf8,
+#endif
     read_results,
     change_settings,
     make_results,
+    name_columns,
     report_a_damaged_document,
     export_workbooks,
     plan_a_recording,

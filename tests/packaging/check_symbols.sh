@@ -36,9 +36,9 @@ soname=$(readelf -d "$library" | sed -n 's/.*SONAME.*\[\(.*\)\]/\1/p')
 needed=$(readelf -d "$library" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | grep -vE '^lib(stdc\+\+|gcc_s|c|m)\.so\.' || true)
 [[ -z $needed ]] || complain "the library needs $needed"
 
-# The C interface exports the functions of its list, and the names of their versions.
-listed=$(sed -n 's/^\(vx_[a-z0-9_]*\) .*/\1/p' "$(dirname "$0")/../../capi/functions.list" | sort)
-exported_by_c=$(nm -D --defined-only "$prefix/lib/libvxfileio_c.so" | sed -E '/ A VXFILEIO_C_/d; s/^[^ ]* . //; s/@@.*//' | sort)
+# The C interface exports the functions of its list, each with its version, and the names of the versions.
+listed=$(sed -n 's/^\(vx_[a-z0-9_]*\) /\1@@VXFILEIO_C_/p' "$(dirname "$0")/../../capi/functions.list" | sort)
+exported_by_c=$(nm -D --defined-only "$prefix/lib/libvxfileio_c.so" | sed -E '/ A VXFILEIO_C_/d; s/^[^ ]* . //' | sort)
 [[ $exported_by_c == "$listed" ]] || complain "the C interface doesn't export exactly capi/functions.list:" \
     "$(diff <(echo "$listed") <(echo "$exported_by_c"))"
 
