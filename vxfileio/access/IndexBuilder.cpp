@@ -24,11 +24,13 @@ constexpr double kUnknownUnits = std::numeric_limits<double>::quiet_NaN();
 
 }  // namespace
 
-CIndexBuilder::CIndexBuilder(std::shared_ptr<const CRawDataReader> reader, std::size_t recording)
+CIndexBuilder::CIndexBuilder(std::shared_ptr<const CRawDataReader> reader, std::size_t recording,
+                             const std::function<void()>& check)
     : m_index(std::make_shared<CIndexData>(CIndexData{.reader = std::move(reader), .recording = recording})),
       m_file(m_index->reader->File()),
       m_layout(m_index->reader->Layout()),
-      m_window(m_file, m_layout.segment.size) {
+      m_window(m_file, m_layout.segment.size),
+      m_check(check) {
     for (const CRawDataChannelInfo& channel : m_index->Header().WellChannels) {
         const auto row = static_cast<std::uint32_t>(m_index->wells.size());
         if (m_index->rows.try_emplace(channel.ID, row).second) m_index->wells.push_back(channel);
@@ -92,6 +94,7 @@ std::int64_t CIndexBuilder::EndOfHdr() const {
 
 /// Returns false if there is no segment header at the position.
 bool CIndexBuilder::ReadHdr(std::int64_t position, CSegmentHdr& header) {
+    if (m_check) m_check();
     const std::string_view bytes = m_window.HdrAt(position);
     if (!DecodeFront(m_layout, bytes, header)) return false;
     DecodeRest(m_layout, bytes, header);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 #include "vxfileio/access/IndexData.h"
@@ -13,8 +14,10 @@ namespace vxfileio::access {
 /// Builds the index of one recording by one walk along its segments. Use one object for one index.
 class CIndexBuilder {
  public:
-    /// Requires: the file has this recording.
-    CIndexBuilder(std::shared_ptr<const rawdata::CRawDataReader> reader, std::size_t recording);
+    /// Calls `check` before each header that it reads, unless it is empty; what it throws ends the walk. `check` must
+    /// outlive this object. Requires: the file has this recording.
+    CIndexBuilder(std::shared_ptr<const rawdata::CRawDataReader> reader, std::size_t recording,
+                  const std::function<void()>& check);
 
     /// Follows the chain of a finished recording. If it is damaged, the index has the segments before the damage and
     /// the text of the failure.
@@ -35,6 +38,7 @@ class CIndexBuilder {
     const helpers::CFile& m_file;
     const rawdata::CLayout& m_layout;
     rawdata::CHeaderWindow m_window;
+    const std::function<void()>& m_check;
 };
 
 }  // namespace vxfileio::access

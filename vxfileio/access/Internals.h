@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #include "vxfileio/access/IndexData.h"
 #include "vxfileio/access/RawDataFile.h"
@@ -15,6 +16,11 @@ class CInternals {
     static const rawdata::CRawDataReader& ReaderOf(const CRawDataFile& file) noexcept { return *file.m_reader; }
 
     static const CSelectionData& DataOf(const CSampleSelection& selection) noexcept { return *selection.m_data; }
+
+    /// Does the same as `CRawDataFile::ReadIndex`, and calls `check` before each header that it reads, unless it is
+    /// empty. What `check` throws ends the call.
+    static CRecordingIndex ReadIndex(const CRawDataFile& file, std::size_t recording, const CIndexOptions& options,
+                                     const std::function<void()>& check);
 
     /// Returns the `Size` of a segment as its header has it. `CSegmentInfo::Samples` has the low 32 bits. Requires:
     /// `number` is below `GetSegmentCount()`.

@@ -3,11 +3,13 @@
 #include <utility>
 
 #include "vxfileio/access/IndexBuilder.h"
+#include "vxfileio/access/Internals.h"
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/rawdata/RawDataErrors.h"
 
 using namespace vxfileio::rawdata;
 using vxfileio::access::CIndexBuilder;
+using vxfileio::access::CInternals;
 
 CRawDataFile::CRawDataFile(const std::string& path) {
     auto reader = std::make_shared<CRawDataReader>();
@@ -32,10 +34,15 @@ std::optional<std::size_t> CRawDataFile::FindRecording(const std::string& taskNa
 }
 
 CRecordingIndex CRawDataFile::ReadIndex(std::size_t recording, const CIndexOptions& options) const {
-    if (recording >= GetRecordings().size()) throw CExcVXReader(kNoSuchRecording);
-    const bool isFinished = GetRecordings()[recording].FPosRecordingData != kUnset;
+    return CInternals::ReadIndex(*this, recording, options, {});
+}
+
+CRecordingIndex CInternals::ReadIndex(const CRawDataFile& file, std::size_t recording, const CIndexOptions& options,
+                                      const std::function<void()>& check) {
+    if (recording >= file.GetRecordings().size()) throw CExcVXReader(kNoSuchRecording);
+    const bool isFinished = file.GetRecordings()[recording].FPosRecordingData != kUnset;
     if (!isFinished && !options.Unfinished) throw CExcVXReader(kUnfinished);
-    CIndexBuilder builder(m_reader, recording);
+    CIndexBuilder builder(file.m_reader, recording, check);
     auto index = isFinished ? builder.BuildFinished() : builder.BuildUnfinished();
     if (!index->damage.empty() && !options.UpToDamage) throw CExcVXReader(index->damage);
     return CRecordingIndex(std::move(index));

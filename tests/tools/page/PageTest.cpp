@@ -377,7 +377,7 @@ TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
     fs::resize_file(cut, fs::file_size(cut) / 2);
     const CToolRun run = RunTool({"report", cut, "-o", page});
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.err.find(fs::path(cut).filename().string() + ": 1 finding: "), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("cut.vxr: 1 finding: Vexaprobe/Results[0]/"), std::string::npos) << run.err;
     EXPECT_NE(PageText().find("class=\"unsound\""), std::string::npos);
 }
 
@@ -437,6 +437,11 @@ TEST_F(FolderReport, MakesOnlyPagesThatAreMissingOrWhoseFilesHaveChanged) {
     EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
     EXPECT_NE(ReadWholeText(Path("pages/a.html")), "kept");
     EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("<td>C2</td>"), std::string::npos);
+}
+
+TEST_F(FolderReport, HasAPlateOnceThatIsNamedTwice) {
+    const CToolRun run = RunTool({"report", Path("a.vxr"), Path("pages/../a.vxr"), folder, "-o", Path("pages")});
+    EXPECT_NE(run.out.find("2 plates, 2 pages made"), std::string::npos) << run.out;
 }
 
 TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {

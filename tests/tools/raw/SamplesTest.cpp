@@ -17,7 +17,9 @@
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/system/Interrupt.h"
 #include "verify/raw/FileWindow.h"
+#include "vxfileio/access/Internals.h"
 
 using namespace vxfile;
 
@@ -308,4 +310,14 @@ TEST_F(Samples, AreRefusedIfAChainContinuesInAnotherRecording) {
 TEST_F(Samples, OfSeveralWellsNeedATableOrAFileEach) {
     const std::string text = Written(kFile, {}, {.kind = CSampleForm::EKind::NpyArray});
     EXPECT_NE(text.find("--well"), std::string::npos) << text;
+}
+
+TEST_F(Samples, ArentReadIfTheCheckOfTheirIndexThrows) {
+    WriteAll(m_path, FileOf({{{11, 0, {1}}, {11, 100, {2}}, {11, 200, {3}}}}));
+    int calls = 0;
+    const auto check = [&] {
+        if (++calls == 2) throw CInterruption();
+    };
+    EXPECT_THROW(vxfileio::access::CInternals::ReadIndex(CRawDataFile(m_path), 0, {}, check), CInterruption);
+    EXPECT_EQ(calls, 2);
 }

@@ -83,10 +83,10 @@ class CRawInfo {
     void TellSummary(const std::string& lastState);
     CPage::CRow TellRecording(std::size_t index, CJson& json);
     void CountSegments(std::size_t index, CPage::CRow& row, CJson& json);
-    void JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row);
+    void JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row, CJson& json);
     void JudgeWhatIsBehind();
-    static void Mark(CPage::CRow& row, const char* word);
-    void NoteDamage(CPage::CRow& row, const char* word, const std::string& what);
+    static void Mark(CPage::CRow& row, CJson& json, const char* word);
+    void NoteDamage(CPage::CRow& row, CJson& json, const char* word, const std::string& what);
 
     std::vector<CRawDataChannelInfo> WellsOf(const CRecordingAt& recording) const;
     CJson WellsJson(const std::vector<CRawDataChannelInfo>& wells, const CScaleFaults& faults) const;
@@ -211,6 +211,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
             {"startTime", header.RecordingStartTime},
             {"length", header.RecordingTime},
             {"finished", recording.IsFinished()},
+            {"damaged", false},
             {"channels", WellsJson(wells, faults)},
             {"auxChannels", ChannelsJson(header.AuxChannels)}};
     CPage::CRow row = {std::to_string(index + 1),
@@ -226,34 +227,35 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
         row.insert(row.end() - 1, SecondsText(header.RecordingTime, m_view.ticksPerSecond));
         json["lengthSeconds"] = static_cast<double>(header.RecordingTime) / m_view.ticksPerSecond;
     }
-    JudgeHeader(index, faults, row);
+    JudgeHeader(index, faults, row, json);
     if (m_counts) CountSegments(index, row, json);
     return row;
 }
 
-/// Keeps only the first damage of each recording.
-void CRawInfo::Mark(CPage::CRow& row, const char* word) {
+/// Marks a recording as damaged. Its row keeps only the first damage.
+void CRawInfo::Mark(CPage::CRow& row, CJson& json, const char* word) {
+    json["damaged"] = true;
     if (row.back() == kFinished) row.back() += word;
 }
 
 /// The same, and keeps the first of the file.
-void CRawInfo::NoteDamage(CPage::CRow& row, const char* word, const std::string& what) {
+void CRawInfo::NoteDamage(CPage::CRow& row, CJson& json, const char* word, const std::string& what) {
     if (m_damage.empty()) m_damage = what;
-    Mark(row, word);
+    Mark(row, json, word);
 }
 
 /// Notes damage that shows without reading segments.
-void CRawInfo::JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row) {
+void CRawInfo::JudgeHeader(std::size_t index, const CScaleFaults& faults, CPage::CRow& row, CJson& json) {
     const CRecordingAt& recording = m_scan.Recordings()[index];
     const std::int64_t data = recording.header.FPosRecordingData;
     if (m_scan.DataPosition(recording) > m_scan.Size())
-        NoteDamage(row, ", cut", "The file ends within the header of " + NameOf(recording, index));
+        NoteDamage(row, json, ", cut", "The file ends within the header of " + NameOf(recording, index));
     else if (recording.IsFinished() && (data < 0 || data > m_scan.Size()))
-        NoteDamage(row, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
+        NoteDamage(row, json, ", damaged", "The segments of " + NameOf(recording, index) + " aren't in the file");
     for (const auto& [well, fault] : faults) {
         if (fault.text.empty() || !m_view.choice.HasWell(well)) continue;
         if (m_unitFault.empty()) m_unitFault = TextOf(fault, recording, index, well);
-        Mark(row, ", damaged");
+        Mark(row, json, ", damaged");
     }
 }
 
@@ -288,9 +290,9 @@ void CRawInfo::CountSegments(std::size_t index, CPage::CRow& row, CJson& json) {
     }
     const bool damaged = walk.Break() || shared;
     if (damaged && recording.IsFinished())
-        NoteDamage(row, ", damaged", "The chain of the segments of " + NameOf(recording, index) + " is damaged");
+        NoteDamage(row, json, ", damaged", "The chain of the segments of " + NameOf(recording, index) + " is damaged");
     if (cut && recording.IsFinished())
-        NoteDamage(row, ", cut", "The file ends within a segment of " + NameOf(recording, index));
+        NoteDamage(row, json, ", cut", "The file ends within a segment of " + NameOf(recording, index));
     row.insert(row.end() - 1, {std::to_string(segments), std::to_string(samples)});
     json["segments"] = segments;
     json["samples"] = samples;

@@ -201,7 +201,7 @@ void CSampleSource::Read(const std::string& where, const std::function<void()>& 
 CSampleSource::CRead CSampleSource::ReadRecording(std::size_t recording) {
     const auto kept = m_kept.find(recording);
     if (kept != m_kept.end()) return kept->second;
-    const CRecordingIndex index = m_file->ReadIndex(recording, {.UpToDamage = true});
+    const CRecordingIndex index = CInternals::ReadIndex(*m_file, recording, {.UpToDamage = true}, CheckInterrupt);
     return {index, Judge(index, recording)};
 }
 

@@ -138,10 +138,14 @@ class CFolderReport {
 
 std::vector<std::string> ResultsIn(const std::vector<std::string>& paths) {
     std::vector<std::string> results;
+    std::set<fs::path> known;
     std::error_code ignored;
+    const auto add = [&](const std::string& path) {
+        if (known.insert(fs::weakly_canonical(path, ignored)).second) results.push_back(path);
+    };
     for (const std::string& path : paths) {
         if (!fs::is_directory(path, ignored)) {
-            results.push_back(path);
+            add(path);
             continue;
         }
         for (const CFolderEntry& entry : WalkFolder(path).entries) {
@@ -149,7 +153,7 @@ std::vector<std::string> ResultsIn(const std::vector<std::string>& paths) {
             const std::string failure =
                 entry.failure.empty() ? FailureOf([&] { kind = FileKindOf(entry.path); }) : entry.failure;
             const bool hasName = Lowered(fs::path(entry.path).extension().string()) == vxfileio::kResultsExtension;
-            if (kind == EFileKind::Results || (hasName && failure.empty())) results.push_back(entry.path);
+            if (kind == EFileKind::Results || (hasName && failure.empty())) add(entry.path);
             if (!failure.empty()) Complain(failure);
         }
     }

@@ -5,7 +5,8 @@
 
 namespace vxfile {
 
-/// Returns the results files among paths: files as they are, and those in folders and their subfolders.
+/// Returns the results files among paths: files as they are, and those in folders and their subfolders. A
+/// file that is named twice is there once.
 std::vector<std::string> ResultsIn(const std::vector<std::string>& paths);
 
 /// Writes a page for each results file, with the other files of its run in the same folder, and an index of all pages,

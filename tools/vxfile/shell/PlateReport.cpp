@@ -32,7 +32,9 @@ std::string NameOfFile(const std::string& path) { return Readable(fs::path(path)
 std::string StateText(const CFindings& findings) {
     if (StatusOf(findings) == kSound) return "sound";
     const std::string count = StatusOf(findings) == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
-    return findings.Kept().empty() ? count : count + ": " + Readable(findings.Kept().front().meaning);
+    if (findings.Kept().empty()) return count;
+    const CFinding& first = findings.Kept().front();
+    return count + ": " + Readable(first.where + ": " + first.meaning);
 }
 
 /// Makes one page.

@@ -51,8 +51,8 @@ void Damage(CCatalogEntry& entry, std::string reason) {
 }
 
 std::string_view StateOf(const CJson& recording) {
-    if (!recording["finished"]) return kUnfinished;
-    return recording["segmentsDamaged"] ? kDamaged : kFinished;
+    if (recording["damaged"]) return kDamaged;
+    return recording["finished"] ? kFinished : kUnfinished;
 }
 
 void ScanRawData(const std::string& path, CCatalogEntry& entry) {
