@@ -50,6 +50,15 @@ py::object WriteWorkbooks(const results::CResultsContent& content, const setting
     return TextToPython(writer.GetWriteError());
 }
 
+/// Returns the paths of the wells' workbooks that an export to this path writes.
+py::list WellWorkbooks(const settings::CSettings& settings, const std::string& path) {
+    py::list paths;
+    for (const workbook::CWellWorkbook& workbook : workbook::WellWorkbooksOf(settings.RecordPlate, path)) {
+        if (workbook.isFileName) paths.append(py::bytes(workbook.path));
+    }
+    return paths;
+}
+
 }  // namespace
 
 void BindResults(py::module_& module) {
@@ -67,6 +76,7 @@ void BindResults(py::module_& module) {
         .Add("FPAveragePreFPfastTime", &CResults::FPAveragePreFPfastTime);
     module.def("read_results", &ReadResults, py::arg("made"), py::arg("path"));
     module.def("write_results", &WriteResults, py::arg("content"), py::arg("path"));
+    module.def("well_workbooks", &WellWorkbooks, py::arg("settings"), py::arg("path"));
     module.def("write_workbooks", &WriteWorkbooks, py::arg("content"), py::arg("settings"), py::arg("path"));
 }
 

@@ -38,7 +38,6 @@ void BindPlate(py::module_& module) {
         .Add("RowLabels", &PlateMap::RowLabels)
         .Add("ColumnLabels", &PlateMap::ColumnLabels);
     CRecordClass<PlateWell>(module, "PlateWell").AddForm();
-    module.attr("_new_well") = PlateWell::kNew;
     CRecordClass<PlateCompound>(module, "PlateCompound").AddForm();
     CRecordClass<PlateData>(module, "PlateData").AddPartOf<CPropRecordPlate>().Add("Layout", &PlateData::Layout);
     CRecordClass<CPropRecordPlate>(module, "PropRecordPlate")

@@ -5,7 +5,6 @@ from __future__ import annotations
 import contextlib
 import errno
 import os
-import re
 from collections.abc import Iterator
 from typing import TYPE_CHECKING, Any, Optional, TypeVar
 
@@ -183,8 +182,8 @@ class Results(_Document, _vxfileio.ResultsContent):
         if known is None:
             raise FileError(errno.EINVAL, "A workbook needs the settings of the run", os.fsdecode(path))
         with contextlib.ExitStack() as stack:
-            for other in _workbooks_of_wells(os.fsdecode(path), known):
-                stack.enter_context(_reserved(other, overwrite))
+            for other in dict.fromkeys(_vxfileio.well_workbooks(known, os.fsencode(path))):
+                stack.enter_context(_reserved(os.fsdecode(other), overwrite))
             name = stack.enter_context(_reserved(path, overwrite))
             _raise_refused(_vxfileio.write_workbooks(self, known, name), path)
 
@@ -196,12 +195,3 @@ class Results(_Document, _vxfileio.ResultsContent):
         rows = [(name, number, _vxfileio.dose_text(recording.Dose), len(recording.Wells))
                 for name, task in self.Tasks.items() for number, recording in enumerate(task.Recordings)]
         return table(f"Results {self.path}", ("task", "recording", "dose", "wells"), rows)
-
-
-def _workbooks_of_wells(path: str, settings: Settings) -> list[str]:
-    """Returns the paths of the well workbooks that an export writes. Skips labels that can't be in a file name."""
-    title, extension = os.path.splitext(path)
-    labels = [well.Label for well in settings.RecordPlate.Data.Wells
-              if well is not None and well.State == _vxfileio._new_well]
-    paths = [f"{title}-{label}{extension}" for label in labels if not re.search(r"[/\\\x00-\x1f\x7f]", label)]
-    return list(dict.fromkeys(p for p in paths if len(os.fsencode(os.path.basename(p))) <= 255))

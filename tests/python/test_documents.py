@@ -314,6 +314,21 @@ def test_workbooks_are_exported_and_never_replaced(tmp_path):
     assert {path.name for path in tmp_path.iterdir()} == {"run-A1.xls"}
 
 
+def test_the_names_of_workbooks_are_those_of_the_library(tmp_path):
+    settings = vx.open(SETTINGS)
+    first = next(well for well in settings.RecordPlate.Data.Wells if well.Label == "A1")
+    twin, outside = copy.deepcopy(first), copy.deepcopy(first)
+    twin.Label = "the same ID"
+    outside.WellID, outside.Label = 99, "../outside"
+    settings.RecordPlate.Data.Wells = [first, twin, outside]
+    (tmp_path / "-A1").touch()
+    with pytest.raises(FileExistsError, match="-A1"):
+        vx.open(RESULTS).export(tmp_path / ".xls", settings)
+    with pytest.raises(vx.FileError, match="Not the name of a file"):
+        vx.open(RESULTS).export(tmp_path / ".xls", settings, overwrite=True)
+    assert {path.name for path in tmp_path.iterdir()} == {".xls", "-A1"}
+
+
 def test_damaged_documents_are_errors_unless_partial(tmp_path):
     cut = tmp_path / "cut.vxr"
     cut.write_bytes(RESULTS.read_bytes()[:2500])

@@ -36,23 +36,24 @@ struct CResponseBlock {
 constexpr CResponseBlock kBlocks[] = {
     {enResponseType::QTInterval, 1.0}, {enResponseType::NaAmplitude, kMicrovolts}, {enResponseType::NaSlope, 1.0}};
 
+/// Returns the plate's wells in order. Wells with the same ID are represented by the first one.
+std::vector<const PlateWell*> WellsOf(const CPropRecordPlate& plate) {
+    const settings::CWellIndex index(plate.Data);
+    std::vector<const PlateWell*> wells;
+    for (const std::int32_t wellID : plate.GetAllWellIDs())
+        wells.push_back(index.Find(wellID));
+    return wells;
+}
+
 /// The input of all workbooks.
 struct CSource {
     const CResults& results;
     const CPropAnalyzer& analyzer;
     const CPropRecordPlate& plate;
     std::vector<std::string> doses = {};  ///< By recording.
-    settings::CWellIndex index{plate.Data};
+    std::vector<const PlateWell*> wells = WellsOf(plate);
     std::uint32_t recordings = static_cast<std::uint32_t>(results.GetRecordingCount(kTask));
     std::uint32_t shown = std::min(recordings, YExcel::Sheet::kMostColumns);  ///< Recordings that fit on a sheet.
-
-    /// Returns the plate's wells in order. Wells with the same ID are represented by the first one.
-    std::vector<const PlateWell*> Wells() const {
-        std::vector<const PlateWell*> wells;
-        for (const std::int32_t wellID : plate.GetAllWellIDs())
-            wells.push_back(index.Find(wellID));
-        return wells;
-    }
 
     const CResultsWell* Well(std::uint32_t recording, std::int32_t wellID) const {
         return results.GetWellResults(kTask, static_cast<std::int32_t>(recording), wellID);
@@ -92,7 +93,7 @@ void PutBlock(const CSource& source, YExcel::Sheet& sheet, const CResponseBlock&
     for (std::uint32_t recording = 0; recording < source.shown; ++recording)
         PutDose(source, sheet, kFirstRow + 1, left + 1 + recording, recording);
     std::uint32_t row = kFirstRow + 2;
-    for (const PlateWell* const place : source.Wells()) {
+    for (const PlateWell* const place : source.wells) {
         PutText(sheet, row, left, place->Label);
         for (std::uint32_t recording = 0; recording < source.shown; ++recording) {
             const CResultsWell* const well = CountingWell(source, recording, place->WellID, block.response);
@@ -192,20 +193,15 @@ struct CSaving {
     }
 };
 
-/// Exports the wells that have their own workbook. Skips a well if its label would point outside the folder or can't be
-/// in a file name, and all wells if the path has a NUL byte.
-void ExportWells(const CSource& source, const std::string& wholePath, CSaving& saving) {
+/// Exports the wells that have their own workbook.
+void ExportWells(const CSource& source, const std::string& path, CSaving& saving) {
     YExcel::Document document;
-    const helpers::CPath path(wholePath.c_str());
-    for (const PlateWell* const well : source.Wells()) {
-        if (well->State != PlateWell::kNew) continue;
-        const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
-        const std::string wellPath = helpers::NativePath(path.GetDriveDirectory().Text()) + name;
-        if (helpers::IsWholePath(wholePath) && helpers::IsFileName(name)) {
-            MakeSheets(source, kWellSheets, well->WellID, document);
-            saving(document, wellPath);
+    for (const CWellWorkbook& workbook : WellWorkbooksOf(source.plate, path)) {
+        if (workbook.isFileName) {
+            MakeSheets(source, kWellSheets, workbook.wellID, document);
+            saving(document, workbook.path);
         } else {
-            saving.failures.push_back({.kind = CWorkbookFailure::EKind::NoFileName, .path = wellPath});
+            saving.failures.push_back({.kind = CWorkbookFailure::EKind::NoFileName, .path = workbook.path});
         }
     }
 }
@@ -230,6 +226,19 @@ std::string CWorkbookFailure::Text() const {
             break;
     }
     return refusal.Text(path);
+}
+
+std::vector<CWellWorkbook> WellWorkbooksOf(const CPropRecordPlate& plate, const std::string& wholePath) {
+    std::vector<CWellWorkbook> workbooks;
+    const helpers::CPath path(wholePath.c_str());
+    for (const PlateWell* const well : WellsOf(plate)) {
+        if (well->State != PlateWell::kNew) continue;
+        const std::string name = path.GetTitle().Text() + "-" + well->Label + path.GetExtension().Text();
+        workbooks.push_back({.wellID = well->WellID,
+                             .path = helpers::NativePath(path.GetDriveDirectory().Text()) + name,
+                             .isFileName = helpers::IsWholePath(wholePath) && helpers::IsFileName(name)});
+    }
+    return workbooks;
 }
 
 void CResultsExport::ExportExcel(const std::string& path) { Export(path, SaveAtOnce); }

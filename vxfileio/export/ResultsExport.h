@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -30,6 +31,17 @@ struct CWorkbookFailure {
     /// Returns one line, such as "No space left on device, writing 512 bytes at 0 of out/run-A1.xls".
     std::string Text() const;
 };
+
+/// The workbook of one well.
+struct CWellWorkbook {
+    std::int32_t wellID = 0;
+    std::string path;  ///< In the form that the system expects.
+    bool isFileName = false;
+};
+
+/// Returns the workbooks of the wells that the plate marks as new, in the order of the plate, for an export to a path.
+/// The export skips those whose name can't be that of a file in the same folder, and all if the path has a NUL byte.
+std::vector<CWellWorkbook> WellWorkbooksOf(const CPropRecordPlate& plate, const std::string& wholePath);
 
 /// Implements `CIResultsExport`, where the operations are documented.
 class CResultsExport {
