@@ -32,8 +32,7 @@ CFoundSegment FoundSegment(const CCandidate& segment, std::int64_t samples, std:
 CFoundRecording FoundRecording(CWindow& window, const CCandidate& header, std::int64_t cutAt) {
     CHdrPlace place = header.Place();
     place.cutAt = cutAt;
-    return {.position = header.begin,
-            .place = place,
+    return {.place = place,
             .form = header.form,
             .unfinished = header.next == kUnset,
             .wellList = WellListOf(CellsAt(window, *header.form, place)),
@@ -49,7 +48,7 @@ class CAccountant {
         for (m_index = 0; m_index < m_pieces.size(); ++m_index) {
             const CPiece& piece = m_pieces[m_index];
             const CCandidate& candidate = *piece.candidate;
-            PassGap(std::min(candidate.begin, piece.end));
+            PassGap(piece, candidate, std::min(candidate.begin, piece.end));
             if (piece.isAmbiguous) Doubt({.reason = EReason::Ambiguous, .from = m_end, .to = candidate.begin});
             if (candidate.kind == EKind::File) TakeFile(candidate);
             if (candidate.kind == EKind::Recording) TakeRecording(piece, candidate);
@@ -57,7 +56,8 @@ class CAccountant {
             m_shift = piece.shift;
             m_end = piece.end;
         }
-        PassEnd();
+        if (m_end < m_window.Size()) LoseEnd();
+        EndFile(m_window.Size());
         return std::move(m_account);
     }
 
@@ -94,7 +94,7 @@ class CAccountant {
 
     /// Begins a recording. `next` is the position of the one after it, as its header says.
     void BeginRecording(CFoundRecording recording, std::int64_t next) {
-        Compare(m_nextKey, m_nextRecording, recording.position + m_shift, Here());
+        Compare(m_nextKey, m_nextRecording, recording.place.begin + m_shift, Here());
         m_nextRecording = next;
         m_nextKey = kNextRecording;
         Found().recordings.push_back(std::move(recording));
@@ -142,55 +142,30 @@ class CAccountant {
     // ---- Gaps -------------------------------------------------------------------------------------------------------
 
     /// Reports the bytes from the end of the last piece up to `begin`, which belong to nothing.
-    void PassGap(std::int64_t begin) {
-        const CPiece& piece = m_pieces[m_index];
-        const CCandidate& candidate = *piece.candidate;
+    void PassGap(const CPiece& piece, const CCandidate& candidate, std::int64_t begin) {
         const bool isGap = begin > m_end;
-        if (candidate.kind == EKind::Segment && !piece.lostRecording) CompareNext(true);
-        if (candidate.kind == EKind::Segment && piece.lostRecording && !isGap) CompareNext(false);
-        if (isGap || piece.lostRecording || piece.shift != ShiftBefore(piece) || candidate.begin < m_end ||
-            IsAloneAstray(piece))
-            DoubtSegmentBefore(isGap);
-        if (candidate.kind == EKind::File) DoubtFile(candidate);
-        if (candidate.kind == EKind::File) EndFile(begin);
-        if (candidate.kind == EKind::Segment && piece.lostRecording) {
-            BeginLostRecording(begin);
-            if (isGap) Lose({.reason = EReason::LostRecording, .from = m_end, .to = begin});
-            return;
-        }
+        const bool isFile = candidate.kind == EKind::File;
+        if (candidate.kind == EKind::Segment && !(piece.lostRecording && isGap)) CompareNext(!piece.lostRecording);
+        if (isGap || piece.lostRecording || (!isFile && piece.shift != m_shift - candidate.moved) ||
+            candidate.begin < m_end || IsAloneAstray(piece))
+            DoubtSegmentBefore(piece, candidate, isGap);
+        if (isFile) DoubtFile(candidate);
+        if (isFile) EndFile(begin);
+        const bool isBeforeFile = isFile && Found().recordings.empty();
+        if (piece.lostRecording) BeginLostRecording(begin);
         if (!isGap) return;
-        if (candidate.kind == EKind::File && Found().recordings.empty()) {
-            Lose({.reason = EReason::BeforeFile, .from = m_end, .to = begin});
-        } else {
-            Lose(Unused(EReason::NoHeader, begin));
-            DoubtRecording(begin - m_end);
-        }
-    }
-
-    /// Reports that the recording of a segment is in doubt if it follows a gap with room for a recording header.
-    void DoubtRecording(std::int64_t gap) {
-        const CPiece& piece = m_pieces[m_index];
-        const CCandidate& segment = *piece.candidate;
-        if (segment.kind == EKind::Segment && gap >= FormOf(EKind::Recording, segment.form->layout).size)
-            Doubt(
-                {.reason = EReason::OtherRecording, .from = segment.begin, .to = piece.end, .wellID = WellOf(segment)});
-    }
-
-    /// Returns the shift of positions before a piece.
-    std::int64_t ShiftBefore(const CPiece& piece) const {
-        const CCandidate& candidate = *piece.candidate;
-        return candidate.kind == EKind::File ? piece.shift : m_shift - candidate.moved;
+        if (piece.lostRecording || isBeforeFile)
+            return Lose(
+                {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
+        Lose(Unused(EReason::NoHeader, begin));
+        const bool hasRoom = begin - m_end >= FormOf(EKind::Recording, candidate.form->layout).size;
+        if (candidate.kind == EKind::Segment && hasRoom) DoubtPiece(EReason::OtherRecording, piece);
     }
 
     /// Returns whether a position has another shift and no later one proves it wrong: bytes may be missing before it,
     /// or inserted there.
     bool IsAloneAstray(const CPiece& piece) const {
-        if (!piece.hasOwnShift || piece.ownShift == m_shift) return false;
-        for (std::size_t i = m_index + 1; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
-            if (m_pieces[i].candidate->kind == EKind::File) return true;
-            if (m_pieces[i].hasOwnShift && m_pieces[i].ownShift == m_pieces[i - 1].shift) return false;
-        }
-        return true;
+        return piece.hasOwnShift && piece.ownShift != m_shift && NextOwnShift(m_index + 1) == kLost;
     }
 
     /// A file that begins among the samples of a segment was either appended to a cut file or stored as these samples.
@@ -218,43 +193,39 @@ class CAccountant {
 
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
-        const std::int64_t next = m_nextRecording == kLost ? m_end : PlaceOf(m_nextRecording);
-        const bool isInGap = next >= m_end && next < begin;
-        const CCandidate left = BestAt(m_window, EKind::Recording, isInGap ? next : m_end);
+        const CCandidate left = BestAt(m_window, EKind::Recording, m_end);
         if (begin > m_end && left.end <= begin && left.whole > 0)
             return BeginRecording(FoundRecording(m_window, left, left.end), left.from);
         CFoundRecording lost;
-        lost.position = left.begin;
+        lost.place.begin = left.begin;
         BeginRecording(std::move(lost), kLost);
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
     /// inserted into its samples or removed from them.
-    void DoubtSegmentBefore(bool isGap) {
-        const CPiece& piece = m_pieces[m_index];
-        const CCandidate& candidate = *piece.candidate;
-        const std::int64_t shift = NextOwnShift();
+    void DoubtSegmentBefore(const CPiece& piece, const CCandidate& candidate, bool isGap) {
+        const std::int64_t shift = NextOwnShift(m_index);
         if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
             DoubtPiece(EReason::OtherHeader, piece);
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
-        EReason reason = EReason::Unconfirmed;
-        const bool lacksHeader = piece.lostRecording && !isGap;
-        if (candidate.begin < m_end || lacksHeader || IsAloneAstray(piece)) {
-            reason =
-                candidate.begin < m_end || lacksHeader || piece.ownShift > m_shift ? EReason::TakenOut : EReason::PutIn;
-        } else if (shift == m_shift || (shift == kLost && LooksLikeHeader(m_window, m_end))) {
-            return;
-        } else if (shift != kLost) {
-            reason = shift > m_shift ? EReason::TakenOut : EReason::PutIn;
+        const bool isShort = candidate.begin < m_end || (piece.lostRecording && !isGap);
+        const bool isAstray = IsAloneAstray(piece);
+        const std::int64_t by = isShort          ? 1
+                                : isAstray       ? piece.ownShift - m_shift
+                                : shift == kLost ? 0
+                                                 : shift - m_shift;
+        if (!isShort && !isAstray && shift == kLost) {
+            if (!LooksLikeHeader(m_window, m_end)) DoubtPiece(EReason::Unconfirmed, *Before());
+        } else if (by != 0) {
+            DoubtPiece(by > 0 ? EReason::TakenOut : EReason::PutIn, *Before());
         }
-        DoubtPiece(reason, *Before());
     }
 
-    /// Returns the shift of the current piece, as the next piece with a correct position shows; `kLost` if there is
-    /// none in this file.
-    std::int64_t NextOwnShift() const {
-        for (std::size_t i = m_index; i < m_pieces.size() && i < m_index + kMostSteps; ++i) {
+    /// Returns the shift of a piece, as it or the next piece with a correct position shows; `kLost` if there is none in
+    /// this file.
+    std::int64_t NextOwnShift(std::size_t index) const {
+        for (std::size_t i = index; i < m_pieces.size() && i < index + kMostSteps; ++i) {
             const CPiece& piece = m_pieces[i];
             if (piece.candidate->kind == EKind::File) return kLost;
             if (piece.hasOwnShift && piece.ownShift - piece.candidate->moved == piece.shift) return piece.ownShift;
@@ -263,11 +234,6 @@ class CAccountant {
     }
 
     // ---- The end ----------------------------------------------------------------------------------------------------
-
-    void PassEnd() {
-        if (m_end < m_window.Size()) LoseEnd();
-        EndFile(m_window.Size());
-    }
 
     /// Compares the last positions of a file with its end: the end of the input, or the offset of another file.
     void EndFile(std::int64_t end) {
@@ -386,68 +352,28 @@ class CAccountant {
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };
 
-/// Follows the positions from header to header.
-class CFollower {
- public:
-    CFollower(CWindow& window, const CCandidates& candidates) : m_window(window), m_candidates(candidates) {}
+/// The ends of headers with their samples, by offset.
+using CEnds = std::map<std::int64_t, std::int64_t>;
 
-    std::optional<CFound> Run(const std::vector<CPiece>& pieces) {
-        const CCandidate* const file = m_candidates.WholeAt(EKind::File, 0);
-        if (file == nullptr) return std::nullopt;
-        m_ends.emplace(0, file->end);
-        m_found.file = file->Place();
-        m_found.fileForm = file->form;
-        for (std::int64_t position = file->next; position != kUnset;) {
-            const CCandidate* const recording = m_candidates.WholeAt(EKind::Recording, position);
-            if (recording == nullptr || recording->next == kUnset || !Take(*recording, recording->end))
-                return std::nullopt;
-            m_found.recordings.push_back(FoundRecording(m_window, *recording, recording->end));
-            if (!TakeSegments(recording->next)) return std::nullopt;
-            position = recording->from;
-        }
-        const auto isTaken = [&](const CPiece& piece) { return m_ends.contains(piece.candidate->begin); };
-        if (!std::ranges::all_of(pieces, isTaken) || !ReportGaps()) return std::nullopt;
-        return std::move(m_found);
+/// Takes the whole header of a kind at a position; null if there is none, or if it was taken before.
+const CCandidate* Take(const CCandidates& candidates, EKind kind, std::int64_t position, CEnds& taken) {
+    const CCandidate* const header = candidates.WholeAt(kind, position);
+    if (header == nullptr || (kind == EKind::Segment && TicksOf(header->from, header->to, header->size).IsEmpty()))
+        return nullptr;
+    return taken.emplace(header->begin, header->end + 2 * header->size).second ? header : nullptr;
+}
+
+/// Reports the bytes that no position points at as lost. Returns false if headers or samples overlap or are cut.
+bool LoseGaps(const CEnds& taken, std::int64_t size, CRemarks& losses) {
+    std::int64_t end = 0;
+    for (const auto& [from, to] : taken) {
+        if (from < end || to > size) return false;
+        if (from > end) losses.Add({.reason = EReason::NotReached, .from = end, .to = from});
+        end = to;
     }
-
- private:
-    /// Records a header and its samples. Returns false if they were recorded before.
-    bool Take(const CCandidate& header, std::int64_t end) {
-        return end <= m_window.Size() && m_ends.emplace(header.begin, end).second;
-    }
-
-    /// Takes the segments of a recording. The position of an empty recording points at what follows it.
-    bool TakeSegments(std::int64_t first) {
-        for (std::int64_t position = first; position != kUnset;) {
-            const CCandidate* const segment = m_candidates.WholeAt(EKind::Segment, position);
-            if (segment == nullptr || TicksOf(segment->from, segment->to, segment->size).IsEmpty() ||
-                !Take(*segment, segment->end + 2 * segment->size))
-                return position == first &&
-                       (position == m_window.Size() || m_candidates.WholeAt(EKind::Recording, position) != nullptr);
-            m_found.segments.push_back(
-                FoundSegment(*segment, segment->size, static_cast<std::uint32_t>(m_found.recordings.size() - 1)));
-            position = segment->next;
-        }
-        return true;
-    }
-
-    /// Reports the bytes that no position points at as lost. Returns false if headers or samples overlap.
-    bool ReportGaps() {
-        m_ends.emplace(m_window.Size(), m_window.Size());
-        std::int64_t end = 0;
-        for (const auto& [from, to] : m_ends) {
-            if (from < end) return false;
-            if (from > end) m_found.losses.Add({.reason = EReason::NotReached, .from = end, .to = from});
-            end = to;
-        }
-        return true;
-    }
-
-    CWindow& m_window;
-    const CCandidates& m_candidates;
-    CFound m_found;
-    std::map<std::int64_t, std::int64_t> m_ends;  ///< The ends of headers with their samples, by offset.
-};
+    if (size > end) losses.Add({.reason = EReason::NotReached, .from = end, .to = size});
+    return true;
+}
 
 }  // namespace
 
@@ -457,7 +383,29 @@ CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool kee
 
 std::optional<CFound> FollowPositions(CWindow& window, const CCandidates& candidates,
                                       const std::vector<CPiece>& pieces) {
-    return CFollower(window, candidates).Run(pieces);
+    CEnds taken;
+    const CCandidate* const file = Take(candidates, EKind::File, 0, taken);
+    if (file == nullptr) return std::nullopt;
+    CFound found;
+    found.file = file->Place();
+    found.fileForm = file->form;
+    for (std::int64_t next = file->next; next != kUnset;) {
+        const CCandidate* const recording = Take(candidates, EKind::Recording, next, taken);
+        if (recording == nullptr || recording->next == kUnset) return std::nullopt;
+        found.recordings.push_back(FoundRecording(window, *recording, recording->end));
+        next = recording->next;
+        while (const CCandidate* const segment = Take(candidates, EKind::Segment, next, taken)) {
+            const auto index = static_cast<std::uint32_t>(found.recordings.size() - 1);
+            found.segments.push_back(FoundSegment(*segment, segment->size, index));
+            next = segment->next;
+        }
+        const bool isEmpty = next == recording->next && next == recording->end;
+        if (next != kUnset && !isEmpty) return std::nullopt;
+        next = recording->from;
+    }
+    const auto isTaken = [&](const CPiece& piece) { return taken.contains(piece.candidate->begin); };
+    if (!std::ranges::all_of(pieces, isTaken) || !LoseGaps(taken, window.Size(), found.losses)) return std::nullopt;
+    return found;
 }
 
 }  // namespace vxfileio::recovery

@@ -67,8 +67,6 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
     return candidate;
 }
 
-bool KnowsItsPlace(const CCandidate& candidate) { return candidate.next == candidate.end; }
-
 bool MostIsWhole(const CCandidate& candidate) { return candidate.whole >= candidate.damaged; }
 
 /// Returns whether an interval exists that fits the times and the size.
@@ -143,8 +141,7 @@ class CSearch {
     bool IsCredible(const CCandidate& candidate) {
         if (MostIsWhole(candidate)) return true;
         if (candidate.kind == EKind::File) return candidate.begin <= 0 && candidate.whole >= 2;
-        if (candidate.kind == EKind::Segment || candidate.whole == 0) return false;
-        return (candidate.claim == candidate.begin && KnowsItsPlace(candidate)) ||
+        return candidate.kind == EKind::Recording && candidate.whole > 0 &&
                BestAt(m_window, EKind::Segment, candidate.end).IsWhole();
     }
 
@@ -177,19 +174,12 @@ class CSearch {
                 const std::int64_t moved = static_cast<std::int64_t>(offset + at) - expected;
                 if (moved == 0 || std::abs(moved) >= form.size) continue;
                 const CCandidate found = Read(m_window, form, {.begin = begin, .movedRow = row, .moved = moved});
-                const bool isApart = row == rows || !IsHeader(form, begin + moved, changed);
+                // A header that begins there is one of its own.
+                const bool isApart = row == rows || Read(m_window, form, {.begin = begin + moved}).claim >=
+                                                        begin + moved + static_cast<std::int64_t>(offset);
                 if (std::size_t{4} * found.damaged <= rows && isApart) Keep(found);
             }
         }
-    }
-
-    /// Returns whether any of the first rows of a header are whole.
-    bool IsHeader(const CForm& form, std::int64_t begin, std::size_t rows) {
-        const CRows damaged = CellsAt(m_window, form, {.begin = begin}).damaged;
-        for (std::size_t row = 0; row < rows; ++row) {
-            if (!damaged[row]) return true;
-        }
-        return false;
     }
 
     /// Continues after the samples of a segment that the next header confirms: the positions of both have the same
@@ -203,12 +193,9 @@ class CSearch {
 
     bool IsProvedBy(const CCandidate& segment, std::int64_t end) {
         if (segment.next == kUnset) return BestAt(m_window, EKind::Recording, end).IsWhole();
-        const std::int64_t shift = segment.next - end;
         const CCandidate next = BestAt(m_window, EKind::Segment, end);
-        if (!next.IsWhole() || !IsConsistent(next)) return false;
-        const bool agrees = next.next == kUnset ? shift == m_shift : next.next - next.end - 2 * next.size == shift;
-        if (agrees) m_shift = shift;
-        return agrees;
+        return next.IsWhole() && IsConsistent(next) &&
+               next.OwnShift().value_or(segment.next - end) == segment.next - end;
     }
 
     static constexpr std::size_t kMostSeen = 256;
@@ -220,7 +207,6 @@ class CSearch {
     std::array<std::vector<CAnchor>, 256> m_anchors;
     std::set<std::pair<std::int64_t, EKind>> m_seen;
     std::int64_t m_goOn = 0;
-    std::int64_t m_shift = 0;  ///< The last confirmed shift of positions.
 };
 
 }  // namespace
@@ -250,24 +236,19 @@ const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
 
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
-    const auto rank = [&](const CCandidate& candidate) {
-        return std::pair(kind == EKind::Recording && KnowsItsPlace(candidate), candidate.whole - candidate.damaged);
-    };
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});
-        if (best.form == nullptr || rank(candidate) >= rank(best)) best = candidate;
+        if (best.form == nullptr || candidate.whole - candidate.damaged >= best.whole - best.damaged) best = candidate;
     }
     return best;
 }
 
 CWellList WellListOf(const CHdrCells& recording) {
+    CWellList list;
     CRawDataRecordingHdr header;
-    CWellList list{.wells = {}, .knowsWells = !recording.IsLost("WellIDs"), .knowsTicks = !recording.IsLost("Ticks")};
-    if (!Decode(Layouts()[recording.form->layout], recording.bytes, header) || !list.knowsWells)
-        header.WellChannels.clear();
+    if (recording.IsLost("WellIDs") || !Decode(Layouts()[recording.form->layout], recording.bytes, header)) return list;
     for (const auto& well : header.WellChannels)
-        list.wells.emplace(well.ID, list.knowsTicks ? std::max<std::int64_t>(well.Ticks, 0) : 0);
-    list.knowsWells = !list.wells.empty();
+        list.wells.emplace(well.ID, recording.IsLost("Ticks") ? 0 : std::max<std::int64_t>(well.Ticks, 0));
     return list;
 }
 

@@ -55,11 +55,9 @@ struct CCandidate {
     std::optional<std::int64_t> OwnShift() const;
 };
 
-/// The wells that a recording header lists, and which parts of the list are reliable.
+/// The wells that a recording header lists.
 struct CWellList {
-    std::map<std::int32_t, std::int64_t> wells;  ///< ID and interval; 0 if it is lost.
-    bool knowsWells = false;
-    bool knowsTicks = false;
+    std::map<std::int32_t, std::int64_t> wells;  ///< ID and interval; 0 if it is lost. Empty if the IDs are lost.
 
     /// Returns the interval of a well; 0 if it isn't known.
     std::int64_t TickOf(std::int32_t well) const;

@@ -21,22 +21,21 @@ namespace {
 /// The recording that segments belong to.
 struct CRecordingAround {
     const CCandidate* header = nullptr;  ///< Null if it is lost.
-    const CWellList* wells = nullptr;
+    const CWellList* wells = &kNoWells;
+    static inline const CWellList kNoWells;
     std::map<std::int32_t, CTickRange> learned;  ///< Intervals by whole segments, for wells that the header lacks.
 
     /// Returns the interval of a segment's well from the recording header or earlier segments; 0 if unknown.
     std::int64_t TickOf(const CCandidate& segment) const {
-        if (wells != nullptr) {
-            const std::int64_t tick = segment.noID ? wells->CommonTick() : wells->TickOf(segment.well);
-            if (tick > 0) return tick;
-        }
+        const std::int64_t tick = segment.noID ? wells->CommonTick() : wells->TickOf(segment.well);
+        if (tick > 0) return tick;
         const auto found = learned.find(segment.well);
         return found == learned.end() || found->second.IsEmpty() || found->second.IsOpen() ? 0 : found->second.atMost;
     }
 
     /// Narrows the interval of a well that the recording header doesn't have.
     void Learn(const CCandidate& segment) {
-        if (wells != nullptr && wells->TickOf(segment.well) > 0) return;
+        if (wells->TickOf(segment.well) > 0) return;
         CTickRange& known = learned[segment.well];
         const CTickRange own = TicksOf(segment.from, segment.to, segment.size);
         known.atLeast = std::max(known.atLeast, own.atLeast);
@@ -228,8 +227,7 @@ class CExplainer {
     /// mixture of two.
     static bool IsReadable(const CNode& node) {
         const CCandidate& segment = node.Candidate();
-        const bool knowsWells =
-            node.recording != nullptr && node.recording->wells != nullptr && node.recording->wells->knowsWells;
+        const bool knowsWells = node.recording != nullptr && !node.recording->wells->wells.empty();
         const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
         return std::ranges::count(isLost, true) <= (segment.moved == 0 ? 1 : 0) &&
                (!segment.noID || segment.damaged <= 1 || knowsWells);
@@ -313,7 +311,7 @@ class CExplainer {
         int cost = node.parent->IsLastSegment() ? costs::kPosition : 0;
         if ((node.gap > 0 || MissingBefore(node) != 0) && node.recording != nullptr && IsForeign(node))
             cost += costs::kForeign;
-        if (node.gap > 0 && IsNextRecordingPassed(node)) cost += costs::kPosition;
+        if (IsNextRecordingPassed(node)) cost += costs::kPosition;
         return cost;
     }
 
@@ -327,19 +325,17 @@ class CExplainer {
         const bool hasRoom =
             node.gap + MissingBefore(node) >= static_cast<std::int64_t>(Layouts().front().recording.size);
         const bool hasEnded = node.parent->IsLastSegment() && node.gap > 0;
-        return (hasRoom || hasEnded || IsNextRecordingPassed(node) ? costs::kLostRecording : costs::kForcedRecording) +
+        return (hasRoom || hasEnded ? costs::kLostRecording : costs::kForcedRecording) +
                (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
     }
 
     /// Returns whether the gap before a node should hold the next recording header.
     static bool IsNextRecordingPassed(const CNode& node) {
-        const CNode& parent = *node.parent;
-        std::int64_t next = kLost;
-        if (parent.recording != nullptr && parent.recording->header != nullptr) next = parent.recording->header->from;
-        if (parent.Is(EKind::File)) next = parent.Candidate().next;
-        if (!IsPosition(next)) return false;
-        next -= parent.piece.shift;
-        return next >= parent.piece.end && next < node.Candidate().begin;
+        const CRecordingAround* const around = node.recording.get();
+        if (node.gap == 0 || around == nullptr || around->header == nullptr) return false;
+        const std::int64_t next = around->header->from;
+        return IsPosition(next) && next - node.parent->piece.shift >= node.parent->piece.end &&
+               next - node.parent->piece.shift < node.Candidate().begin;
     }
 
     /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be
@@ -353,8 +349,8 @@ class CExplainer {
     }
 
     static bool Belongs(const CNode& parent, const CCandidate& segment) {
-        const CWellList* const wells = parent.recording->wells;
-        if (wells != nullptr && wells->knowsWells && !wells->Lists(segment.well)) return false;
+        const CWellList& wells = *parent.recording->wells;
+        if (!wells.wells.empty() && !wells.Lists(segment.well)) return false;
         const std::int64_t tick = parent.recording->TickOf(segment);
         if (tick > 0 && !TicksOf(segment.from, segment.to, segment.size).Has(tick)) return false;
         constexpr int kMostSteps = 256;

@@ -17,8 +17,7 @@ struct CWellInterval {
 
 /// One recording of the new file.
 struct CFoundRecording {
-    std::int64_t position = 0;  ///< Offset of its header in the input, or of where it would be.
-    CHdrPlace place;
+    CHdrPlace place;              ///< Of its header in the input, or where it would be.
     const CForm* form = nullptr;  ///< Null if the header is lost.
     bool unfinished = false;      ///< Its positions were never set.
     CWellList wellList;

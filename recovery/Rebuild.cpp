@@ -26,33 +26,23 @@ namespace {
 /// The name of a recording whose own name is lost.
 constexpr const char* kLostName = "Recovered";
 
-/// Returns the row of an older form that corresponds to `row` of a newer one. Some keys occur twice.
-std::optional<std::size_t> SameRow(const CForm& from, const CForm& to, std::size_t row) {
-    const auto& key = to.cells[row].key;
-    auto nth = std::count_if(to.cells.begin(), to.cells.begin() + static_cast<std::ptrdiff_t>(row),
-                             [&](const CFormCell& cell) { return cell.key == key; });
-    for (std::size_t i = 0; i < from.cells.size(); ++i) {
-        if (from.cells[i].key == key && nth-- == 0) return i;
-    }
-    return std::nullopt;
-}
-
 /// Returns a header of the input in the form of the new file: whole and legible cells unchanged, the others with only
 /// their keys. A cell that the old form doesn't have is lost, but not damaged. If `from` is null, all are both.
 CHdrCells OldHdr(CWindow& window, const CForm* from, const CForm& to, const CHdrPlace& place) {
-    const CHdrCells input = from != nullptr ? CellsAt(window, *from, place) : CHdrCells();
+    static const CForm kNone;
+    if (from == nullptr) from = &kNone;
+    const CHdrCells input = CellsAt(window, *from, place);
     CHdrCells old{.form = &to, .bytes = std::string(static_cast<std::size_t>(to.size), '\0')};
+    auto next = from->cells.begin();  // both forms have their common cells in the same order; some keys occur twice
     for (std::size_t row = 0; row < to.cells.size(); ++row) {
-        old.damaged[row] = from == nullptr;
-        old.lost[row] = true;
-        std::string_view text = to.cells[row].key;
-        if (const auto same = from != nullptr ? SameRow(*from, to, row) : std::nullopt) {
-            old.damaged[row] = input.damaged[*same];
-            old.lost[row] = input.lost[*same];
-            old.odd[row] = input.odd[*same];
-            if (!old.lost[row]) text = CellText(input.Cell(*same));
-        }
-        old.SetText(row, text);
+        const auto same = std::ranges::find(next, from->cells.end(), to.cells[row].key, &CFormCell::key);
+        const auto index = static_cast<std::size_t>(same - from->cells.begin());
+        const bool isThere = same != from->cells.end();
+        old.damaged[row] = isThere ? input.damaged[index] : from == &kNone;
+        old.lost[row] = !isThere || input.lost[index];
+        old.odd[row] = isThere && input.odd[index];
+        old.SetText(row, old.lost[row] ? to.cells[row].key : CellText(input.Cell(index)));
+        if (isThere) next = same + 1;
     }
     return old;
 }
@@ -313,7 +303,7 @@ class CCopy {
     void PutRecording(std::uint32_t index) {
         const CFoundRecording& recording = m_found.recordings[index];
         CReportedRecording report{.number = static_cast<std::int32_t>(index + 1),
-                                  .position = recording.position,
+                                  .position = recording.place.begin,
                                   .unfinished = recording.unfinished};
         std::string hdr = RebuildRecordingHdr(m_window, recording, m_layout, report);
         const std::int64_t data = m_report.bytes + static_cast<std::int64_t>(hdr.size());

@@ -93,8 +93,7 @@ class CRecordingWells {
 
     void Settle() {
         Group();
-        const bool knowsWells = m_listed.knowsWells;
-        const bool anyReturned = knowsWells && Return(Strays());
+        const bool anyReturned = Return(Strays());
         if (anyReturned || !m_nameless.empty()) {
             for (CFoundSegment* const segment : m_nameless)
                 segment->namesWell = true;  // no well was found for it, so what is left of its ID must do
@@ -102,7 +101,7 @@ class CRecordingWells {
         }
         MendMisfits();
         LoseMisfits();
-        ReportDoubts(knowsWells);
+        ReportDoubts();
     }
 
  private:
@@ -155,7 +154,7 @@ class CRecordingWells {
         const std::size_t votes = going + (isShared || hasSteps || best.intervals.IsOpen() ? 1 : 0);
         if (listed > 0 && best.segments <= votes) return {listed, true};
         if (best.intervals.IsOpen()) return {best.intervals.atLeast, false};
-        return {best.intervals.Has(kMostReadable) ? best.intervals.atLeast : best.intervals.atMost, true};
+        return {best.intervals.atMost, true};
     }
 
     std::int64_t TickOf(std::int32_t well) const {
@@ -197,22 +196,18 @@ class CRecordingWells {
     /// Returns the segments that provably belong to another well.
     std::vector<CStray> Strays() {
         std::vector<CStray> strays;
-        const auto take = [&](CFoundSegment* segment) {
-            const auto lacking = WellsLacking(*segment, true);
+        const auto take = [&](CFoundSegment* segment, bool mustAdjoin) {
+            const auto lacking = WellsLacking(*segment, mustAdjoin);
             if (lacking.size() == 1) strays.push_back({segment, lacking.front()});
+            return lacking.size() == 1;
         };
-        std::ranges::for_each(m_misfits, take);
-        for (CFoundSegment* const segment : m_nameless) {
-            const auto lacking = WellsLacking(*segment, false);
-            if (lacking.size() == 1) {
-                strays.push_back({segment, lacking.front()});
-            } else {
-                take(segment);
-            }
-        }
+        for (CFoundSegment* const segment : m_misfits)
+            take(segment, true);
+        for (CFoundSegment* const segment : m_nameless)
+            take(segment, false) || take(segment, true);
         for (const auto& [well, group] : m_groups) {
             // Several segments of an unlisted well are a well of their own.
-            if (!m_listed.Lists(well) && group.size() == 1) take(group.front());
+            if (!m_listed.Lists(well) && group.size() == 1) take(group.front(), true);
             ForTwins(group, [&](CFoundSegment& one, CFoundSegment& other) {
                 if (const auto stray = StrayOf(one, other)) strays.push_back(*stray);
             });
@@ -266,9 +261,7 @@ class CRecordingWells {
             if (i > 0 && collide(strays[i - 1], strays[i])) continue;
             if (i + 1 < strays.size() && collide(strays[i], strays[i + 1])) continue;
             const auto [segment, well] = strays[i];
-            CRemark remark = RemarkOn(*segment, EReason::OtherWell);
-            remark.value = well;
-            m_found.doubts.Add(std::move(remark));
+            m_found.doubts.Add(RemarkOn(*segment, EReason::OtherWell, well));
             segment->wellID = well;
             segment->namesWell = true;
             any = true;
@@ -277,29 +270,24 @@ class CRecordingWells {
     }
 
     /// Reports what can't be decided, once for each well.
-    void ReportDoubts(bool knowsWells) {
+    void ReportDoubts() {
         for (const auto& [well, group] : m_groups) {
-            if (m_listed.Lists(well) || !knowsWells) {
+            if (m_listed.Lists(well) || m_listed.wells.empty()) {
                 ReportSharing(group);
             } else {
-                CRemark remark = RemarkOn(*group.front(), EReason::Unlisted);
-                remark.count = group.size();
-                m_found.doubts.Add(std::move(remark));
+                m_found.doubts.Add(RemarkOn(*group.front(), EReason::Unlisted, 0, group.size()));
             }
         }
     }
 
     void ReportSharing(const CGroup& group) {
         std::optional<CRemark> remark;
+        std::uint64_t count = 0;
         ForTwins(group, [&](const CFoundSegment& /*one*/, const CFoundSegment& other) {
             const auto lacking = WellsLacking(other, false);
-            if (!remark || (remark->value == -1 && !lacking.empty())) {
-                const std::uint64_t count = remark ? remark->count : 0;
-                remark = RemarkOn(other, EReason::SharedTimes);
-                remark->value = lacking.empty() ? -1 : lacking.front();
-                remark->count = count;
-            }
-            ++remark->count;
+            const bool isBetter = !remark || (remark->value == -1 && !lacking.empty());
+            if (isBetter) remark = RemarkOn(other, EReason::SharedTimes, lacking.empty() ? -1 : lacking.front());
+            remark->count = ++count;
         });
         if (remark) m_found.doubts.Add(std::move(*remark));
     }
@@ -340,21 +328,22 @@ class CRecordingWells {
 
     void LoseMisfits() {
         for (CFoundSegment* const segment : m_misfits) {
-            CRemark remark = RemarkOn(*segment, EReason::OtherInterval);
-            remark.value = TickOf(segment->wellID);
-            m_found.losses.Add(std::move(remark));
+            m_found.losses.Add(RemarkOn(*segment, EReason::OtherInterval, TickOf(segment->wellID)));
             segment->samples = 0;
         }
         std::erase_if(m_groups, [](const auto& group) { return group.second.empty(); });
         std::erase_if(m_recording.wells, [&](const auto& well) { return !m_groups.contains(well.first); });
     }
 
-    CRemark RemarkOn(const CFoundSegment& segment, EReason reason) const {
+    CRemark RemarkOn(const CFoundSegment& segment, EReason reason, std::int64_t value = 0,
+                     std::uint64_t count = 0) const {
         return {.reason = reason,
                 .from = segment.position,
                 .to = segment.End(),
                 .recording = m_number,
-                .wellID = segment.wellID};
+                .wellID = segment.wellID,
+                .value = value,
+                .count = count};
     }
 
     CFound& m_found;

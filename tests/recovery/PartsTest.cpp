@@ -213,7 +213,7 @@ TEST(WellsTest, EachSegmentThatContradictsItsRecordingIsInDoubt) {
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         CFound found;
         found.recordings.resize(1);
-        found.recordings[0].wellList = {{{11, 100}, {12, 50}}, true, true};
+        found.recordings[0].wellList = {{{11, 100}, {12, 50}}};
         found.segments = cases[i].segments;
         SettleWells(found);
         std::vector<EReason> reasons;
