@@ -304,7 +304,7 @@ def check_hostile_labels(browser):
     check_common(browser, page)
     heads = list(table_of(browser, "#values-0"))
     assert heads == plates.HOSTILE
-    assert count(browser, "img") == 0 and count(browser, "script") == 3
+    assert count(browser, "img") == 0 and count(browser, "script") == 4
     for number in range(len(plates.HOSTILE)):
         browser.run("const s = document.getElementById('well-choice'); s.value = arguments[0]; "
                     "s.dispatchEvent(new Event('change'))", str(number))

@@ -17,7 +17,7 @@
 #include "tools/vxfile/page/Html.h"
 #include "tools/vxfile/page/IndexPage.h"
 #include "tools/vxfile/page/Numbers.h"
-#include "tools/vxfile/page/Packed.h"
+#include "tools/vxfile/page/PackedCurves.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
 #include "tools/vxfile/page/Trace.h"
@@ -107,21 +107,27 @@ TEST(Trace, StaysSmallForAnyTimes) {
     EXPECT_EQ(trace.Steps().back().greatest, 3);
 }
 
+/// Returns the characters of a packed curve.
+std::string TextOf(const CPackedCurves& curves, const CJson& curve) {
+    return curves.Text().substr(curve["at"], curve["n"]);
+}
+
 /// Returns the level of the packed number at an index.
-int LevelAt(const CJson& packed, std::size_t place) {
+int LevelAt(const std::string& text, std::size_t place) {
     const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    const std::string text = packed["d"];
     return static_cast<int>(64 * alphabet.find(text[2 * place]) + alphabet.find(text[2 * place + 1]));
 }
 
-TEST(Packed, HasACurveScaledFromItsLeastToItsGreatestNumber) {
-    const CJson packed = PackedCurve(std::array{-1.0, kNaN, 3.0, 1.0});
+TEST(PackedCurves, HaveACurveScaledFromItsLeastToItsGreatestNumber) {
+    CPackedCurves curves;
+    const CJson packed = curves.Add(std::array{-1.0, kNaN, 3.0, 1.0});
+    const std::string text = TextOf(curves, packed);
     EXPECT_EQ(packed["lo"], -1.0);
     EXPECT_EQ(packed["hi"], 3.0);
-    EXPECT_EQ(packed["d"].get<std::string>().substr(0, 6), "AA--//");
-    EXPECT_NEAR(LevelAt(packed, 3), 2047.5, 0.5);
-    EXPECT_TRUE(PackedCurve(std::array{kNaN, kInfinity}).is_null());
-    EXPECT_EQ(PackedCurve(std::array{7.0, 7.0})["d"], "AAAA");
+    EXPECT_EQ(text.substr(0, 6), "AA--//");
+    EXPECT_NEAR(LevelAt(text, 3), 2047.5, 0.5);
+    EXPECT_TRUE(curves.Add(std::array{kNaN, kInfinity}).is_null());
+    EXPECT_EQ(TextOf(curves, curves.Add(std::array{7.0, 7.0})), "AAAA");
 }
 
 void ReadTraces(CPlateValues& values, const std::string& path) {
@@ -176,15 +182,18 @@ TEST(TraceReader, ShowsNoRecordingOfAnotherDoseOrTask) {
                                         "The raw data file has no recording of B."}));
 }
 
-TEST(Packed, RoundsTheStepsOfATraceAwayFromEachOther) {
+TEST(PackedCurves, RoundTheStepsOfATraceAwayFromEachOther) {
     CTrace trace(8, 0, {0.5, 100});
     trace.Add(0, 1, std::array<std::uint16_t, 3>{0, 33'333, 65'535});
-    const CJson packed = PackedTrace(trace);
+    CPackedCurves curves;
+    curves.Add(std::array{1.0, 2.0});
+    const CJson packed = curves.Add(trace);
+    const std::string text = TextOf(curves, packed);
     EXPECT_EQ(packed["lo"], -50.0);
     EXPECT_EQ(packed["hi"], 32'717.5);
-    EXPECT_EQ(LevelAt(packed, 2), 2082);  // 33333 * 4095 / 65535 is 2082.8
-    EXPECT_EQ(LevelAt(packed, 3), 2083);
-    EXPECT_TRUE(PackedTrace(CTrace(8, 0, {})).is_null());
+    EXPECT_EQ(LevelAt(text, 2), 2082);  // 33333 * 4095 / 65535 is 2082.8
+    EXPECT_EQ(LevelAt(text, 3), 2083);
+    EXPECT_TRUE(curves.Add(CTrace(8, 0, {})).is_null());
 }
 
 double LuminanceOf(unsigned rgb) {

@@ -108,4 +108,10 @@ void CHtml::Data(std::string_view id, const CJson& json) {
     EndTag("script");
 }
 
+void CHtml::RawData(std::string_view id, std::string_view text) {
+    StartTag("script", {{"type", "text/plain"}, {"id", std::string(id)}});
+    m_bytes += text;
+    EndTag("script");
+}
+
 }  // namespace vxfile::page

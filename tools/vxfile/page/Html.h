@@ -41,6 +41,8 @@ class CHtml {
     void Embed(std::string_view tag, std::string_view asset);
     /// Writes data for scripts, in an element with this ID. Nothing in it is run.
     void Data(std::string_view id, const CJson& json);
+    /// The same with a text, which is written as it is. Requires: it has no `<`.
+    void RawData(std::string_view id, std::string_view text);
 
     /// Returns the bytes written so far.
     const std::string& Bytes() const { return m_bytes; }

@@ -2,7 +2,7 @@
 #include <numeric>
 
 #include "tools/vxfile/page/Numbers.h"
-#include "tools/vxfile/page/Packed.h"
+#include "tools/vxfile/page/PackedCurves.h"
 #include "tools/vxfile/page/Sections.h"
 #include "tools/vxfile/report/Text.h"
 
@@ -35,9 +35,9 @@ CJson BeatsOf(const CTimes& beats) {
     return {{"first", beats.front()}, {"unit", unit}, {"intervals", std::move(list)}};
 }
 
-CJson AverageOf(const CResultsWell& well) {
+CJson AverageOf(const CResultsWell& well, CPackedCurves& curves) {
     if (!well.AverageExist()) return nullptr;
-    CJson curve = PackedCurve(well.Average);
+    CJson curve = curves.Add(well.Average);
     if (curve.is_null()) return curve;
     curve["begin"] = well.GetAveTimeStamp(0);
     curve["step"] = well.AverageTick;
@@ -197,18 +197,20 @@ void WriteWellData(CHtml& html, const CPlateValues& values) {
     CJson wells = CJson::array();
     for (const CWellPlace& well : values.wells)
         wells.push_back({{"label", well.label}, {"id", well.id}, {"inactive", well.isInactive}});
+    CPackedCurves curves;
     CJson recordings = CJson::array();
     for (std::size_t i = 0; i < values.recordings.size(); ++i) {
         CJson details = CJson::array();
         for (std::size_t well = 0; well < values.wells.size(); ++well) {
             const CResultsWell* result = values.details[i][well];
-            CJson detail = {{"average", result == nullptr ? CJson() : AverageOf(*result)},
+            CJson detail = {{"average", result == nullptr ? CJson() : AverageOf(*result, curves)},
                             {"beats", result == nullptr ? CJson() : BeatsOf(result->FPfastDetectionTimes)}};
-            if (!values.traces.empty()) detail["trace"] = PackedTrace(values.traces[i][well]);
+            if (!values.traces.empty()) detail["trace"] = curves.Add(values.traces[i][well]);
             details.push_back(std::move(detail));
         }
         recordings.push_back({{"name", values.recordings[i].name}, {"wells", std::move(details)}});
     }
+    html.RawData("curves", curves.Text());
     html.Data("data",
               {{"measures", std::move(measures)}, {"wells", std::move(wells)}, {"recordings", std::move(recordings)}});
 }

@@ -6,6 +6,7 @@ document.documentElement.className = "js";
 document.addEventListener("DOMContentLoaded", () => {
   const data = JSON.parse(document.getElementById("data").textContent);
   const byId = id => document.getElementById(id);
+  const curves = byId("curves").textContent;
   const state = { measure: 0, recording: 0, well: 0, trace: 0 };
   const graphs = {};
 
@@ -25,8 +26,8 @@ document.addEventListener("DOMContentLoaded", () => {
   function unpack(curve) {
     const numbers = [];
     const scale = (curve.hi - curve.lo) / 4095;
-    for (let i = 0; i < curve.d.length; i += 2) {
-      const level = VALUE_OF.get(curve.d[i]) * 64 + VALUE_OF.get(curve.d[i + 1]);
+    for (let i = curve.at; i < curve.at + curve.n; i += 2) {
+      const level = VALUE_OF.get(curves[i]) * 64 + VALUE_OF.get(curves[i + 1]);
       numbers.push(Number.isNaN(level) ? null : curve.lo + level * scale);
     }
     return numbers;
