@@ -9,7 +9,7 @@
 namespace vxfileio::capi {
 
 /// A settings or results document in memory.
-class CDocument : public CObject {
+class CDocument final : public CObject {
  public:
     bool IsOpen() const noexcept override { return m_isOpen; }
     /// Makes a fresh document. Throws unless `kind` is one of `vx_document_kind`.

@@ -35,7 +35,7 @@ struct CFound {
     std::array<std::string, 4> texts;
 };
 
-class CReport : public CObject {
+class CReport final : public CObject {
  public:
     bool IsOpen() const noexcept override { return m_isOpen; }
 

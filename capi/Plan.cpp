@@ -5,7 +5,7 @@ namespace vxfileio::capi {
 
 namespace {
 
-class CPlan : public COpened<CRecordingFit> {};
+class CPlan final : public COpened<CRecordingFit> {};
 
 const CCellFit& CellAt(CPlan& plan, std::int64_t index) {
     const auto& cells = plan.Get().Cells;

@@ -13,8 +13,10 @@
 
 namespace vxfileio::capi {
 
+namespace {
+
 /// Reads the segments of a recording, one after the other, from the file that a `CRawDataFile` has open.
-class CSegments : public CObject {
+class CSegments final : public CObject {
  public:
     bool IsOpen() const noexcept override { return m_reader != nullptr; }
     void Open(const CRawDataFile& file, std::int64_t recording, std::int32_t well);
@@ -68,11 +70,9 @@ bool CSegments::Read() {
     return true;
 }
 
-namespace {
-
-class CRaw : public COpened<CRawDataFile> {};
-class CRecording : public COpened<CRecordingIndex> {};
-class CSelection : public COpened<CSampleSelection> {};
+class CRaw final : public COpened<CRawDataFile> {};
+class CRecording final : public COpened<CRecordingIndex> {};
+class CSelection final : public COpened<CSampleSelection> {};
 
 constexpr std::array kTexts = {&CRawDataFileHdr::HeaderID, &CRawDataFileHdr::FileType, &CRawDataFileHdr::ProgramVersion,
                                &CRawDataFileHdr::Guid,     &CRawDataFileHdr::PlateID,  &CRawDataFileHdr::CompoundName};

@@ -29,7 +29,7 @@ namespace {
 /// The tasks whose lists a file header has, in the order of `vx_raw_list`.
 constexpr std::array kListTasks = {enTask::PreQC, enTask::CompoundTest, enTask::PostQC};
 
-class CWriter : public COpened<CIRawDataWriter> {
+class CWriter final : public COpened<CIRawDataWriter> {
  public:
     bool Finish() override {
         m_isFinished = true;

@@ -13,7 +13,7 @@ namespace {
 using results::CResultsColumn;
 using results::EResultsTable;
 
-class CTable : public CObject {
+class CTable final : public CObject {
  public:
     bool IsOpen() const noexcept override { return m_content.has_value(); }
 
