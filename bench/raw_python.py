@@ -1,24 +1,14 @@
 #!/usr/bin/python3
-"""Reads raw recordings with the Python package. usage: raw_python.py bulk|bulk-read FILE ROUNDS SAMPLES
-
-Prints what Measure.h prints. The package is in the folder `python` next to that of this script.
-"""
+"""Reads raw recordings with the Python package. usage: raw_python.py bulk|bulk-read FILE ROUNDS SAMPLES"""
 import os
-import pathlib
 import sys
-import time
 
 import numpy as np
+from measure_python import measure
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "python"))
-import vxfileio as vx  # noqa: E402
+import vxfileio as vx
 
 WELLS, FIRST_WELL, OWN_SAMPLES = 54, 10, 8
-
-
-def peak_kib():
-    with open("/proc/self/status", encoding="ascii") as status:
-        return next(int(line.split()[1]) for line in status if line.startswith("VmHWM:"))
 
 
 def are_samples(array, rounds, samples, well):
@@ -39,16 +29,12 @@ def main():
         recording = run.recordings[0]
         if mode == "bulk-read":
             recording.index()
-        with open("/proc/self/clear_refs", "w", encoding="ascii") as peak:
-            peak.write("5")
-        before = peak_kib()
-        os.access("work begins", os.F_OK)
-        start = time.perf_counter()
-        read = recording.read(out=arrays)
-        good = all(are_samples(read[FIRST_WELL + well], rounds, samples, well) for well in range(WELLS))
-        seconds = time.perf_counter() - start
-        os.access("work ends", os.F_OK)
-        print(f"{seconds:.6f} {peak_kib() - before} -1")
+
+        def read():
+            arrays_read = recording.read(out=arrays)
+            return all(are_samples(arrays_read[FIRST_WELL + well], rounds, samples, well) for well in range(WELLS))
+
+        good = measure(read)
     return 0 if good else 1
 
 

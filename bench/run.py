@@ -92,7 +92,7 @@ class Bench:
         shutil.rmtree(self.folder)
 
     def count_calls(self, program, size):
-        """Returns the number of system calls and allocations per operation; None if it can't be counted here."""
+        """Returns the number of system calls and allocations per operation; None for allocations that aren't counted."""
         operations = self.workload.operations(size)
         counter = os.path.join(self.programs, "count_allocations.so")
         allocations = self.measure(program, size, environment={**os.environ, "LD_PRELOAD": counter})[2]
@@ -101,7 +101,7 @@ class Bench:
         with open(trace, encoding="utf-8", errors="replace") as lines:
             work = re.search(r'access\("work begins".*?\n(.*?)[^\n]*access\("work ends"', lines.read(), re.DOTALL)[1]
         calls = sum(1 for line in work.splitlines() if not re.search(r"resumed>|--- |\+\+\+ ", line))
-        return calls / operations, allocations / operations
+        return calls / operations, allocations / operations if allocations >= 0 else None
 
 
 def size_of(folder):

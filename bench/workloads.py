@@ -36,8 +36,8 @@ def by_c(mode, source="raw_vx"):
     return Program("the same from C", "raw_c", mode, source, ours=True)
 
 
-def by_python(mode):
-    return Program("the same from Python", "raw_python.py", mode, "raw_vx", ours=True)
+def by_python(kind, mode, name="the same from Python"):
+    return Program(name, f"{kind}_python.py", mode, f"{kind}_vx", ours=True)
 
 
 def raw_writers():
@@ -64,7 +64,7 @@ def raw_readers(mode):
 def raw_arrays(mode):
     programs = [Program(LIMIT, "raw_bulk_limit", mode, "raw_vx"), Program(OURS, "raw_vx", mode, "raw_vx")]
     if mode != "bulk-every":
-        programs += [by_c(mode), by_python(mode)]
+        programs += [by_c(mode), by_python("raw", mode)]
     return programs + ([Program("HDF5", "raw_hdf5", mode, "raw_hdf5")] if mode != "bulk-read" else [])
 
 
@@ -81,6 +81,8 @@ def xml(kind, title, mode, times):
     read_back = f"read-{kind}" if mode == "write" else ""
     programs = [Program(LIMIT, f"{kind}_limit", mode, source), Program(OURS, f"{kind}_vx", mode, source)]
     programs += [Program(peer, f"xml_{peer}", f"{mode}-{kind}", source, read_back) for peer in peers]
+    if kind == "results" and mode == "read":
+        programs.append(by_python(kind, mode, "its responses as a table in Python"))
     arguments = [times] if times > 1 else []
     return Workload(title, "file", lambda n: [n, *arguments], lambda n: times, programs, 1, suffix=".xml")
 
