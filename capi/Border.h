@@ -173,16 +173,17 @@ std::size_t SharedSizeOf(const Struct* structure) {
 
 /// Stores a struct that begins with its size, by the rule for sizes.
 template <class Struct>
-void PutStruct(Struct value, Struct* out) {
+void PutStruct(const Struct& value, Struct* out) {
     const std::size_t shared = SharedSizeOf(out);
-    value.size = out->size;
-    if (std::cmp_equal(value.size, sizeof(Struct))) {
+    const auto size = static_cast<std::size_t>(out->size);
+    if (size == sizeof(Struct)) {
         *out = value;  // the usual case, much faster than the general one
-        return;
+    } else {
+        auto* const bytes = reinterpret_cast<unsigned char*>(out);
+        std::memcpy(bytes, &value, shared);
+        std::fill(bytes + shared, bytes + size, static_cast<unsigned char>(0));
     }
-    auto* const bytes = reinterpret_cast<unsigned char*>(out);
-    std::memcpy(bytes, &value, shared);
-    std::fill(bytes + shared, bytes + static_cast<std::size_t>(value.size), static_cast<unsigned char>(0));
+    out->size = static_cast<std::int64_t>(size);
 }
 
 /// Returns a struct that a caller passes, by the rule for sizes.
