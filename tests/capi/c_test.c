@@ -26,12 +26,13 @@ static void expect(int is_right, const char* what, int line) {
 #define STRAY ((void*)(uintptr_t)0x1234567890U)
 #define ANY_FAILURE (-1)
 static void* closed;
-static int64_t eight, minus_one;
+static int64_t eight, none, minus_one;
 static double room[64];
 static const char* texts = "no/such/file";
 
 static void reset(void) {
     eight = 8;
+    none = 0;
     minus_one = -1;
     memset(room, 0, sizeof room);
 }

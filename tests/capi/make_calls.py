@@ -34,7 +34,8 @@ def arguments_of(parameter, following, handles):
         is_input = kind.startswith("const")
         return f"({base}*)room", [("NULL", None)] if is_input else []
     if stars == 1 and name in ("count", "size") and following is None:
-        return "&eight", [("NULL", None), ("&minus_one", None)]
+        no_room = [("&none", None)] if name == "size" else []  # an array may be empty, but a text has a NUL
+        return "&eight", [("NULL", None), ("&minus_one", None), *no_room]
     if stars == 1 and base in SCALARS:
         return f"({base}*)room", [("NULL", None)]
     if stars == 1:
