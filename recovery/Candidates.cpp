@@ -80,8 +80,14 @@ class CSearch {
     CSearch(CWindow& window, const CReach& reach, CCandidates& found)
         : m_window(window), m_reach(reach), m_found(found) {
         for (const EKind kind : {EKind::File, EKind::Recording, EKind::Segment}) {
-            for (const CForm& form : FormsOf(kind))
-                AddAnchors(form);
+            for (const CForm& form : FormsOf(kind)) {
+                for (const CFormCell& cell : form.cells) {
+                    if (cell.key.empty()) continue;
+                    auto& anchors = m_anchors[static_cast<unsigned char>(cell.key.back())];
+                    const CAnchor anchor{kind, cell.key, cell.offset, cell.width};
+                    if (std::ranges::find(anchors, anchor) == anchors.end()) anchors.push_back(anchor);
+                }
+            }
         }
     }
 
@@ -104,15 +110,6 @@ class CSearch {
 
  private:
     static constexpr std::int64_t kLongestKey = 32;
-
-    void AddAnchors(const CForm& form) {
-        for (const CFormCell& cell : form.cells) {
-            if (cell.key.empty() || cell.key.size() > static_cast<std::size_t>(kLongestKey)) continue;
-            auto& anchors = m_anchors[static_cast<unsigned char>(cell.key.back())];
-            const CAnchor anchor{form.kind, cell.key, cell.offset, cell.width};
-            if (std::ranges::find(anchors, anchor) == anchors.end()) anchors.push_back(anchor);
-        }
-    }
 
     void Look(std::string_view before, std::int64_t position) {
         if (before.empty()) return;
@@ -204,7 +201,7 @@ class CSearch {
     CWindow& m_window;
     const CReach& m_reach;
     CCandidates& m_found;
-    std::array<std::vector<CAnchor>, 256> m_anchors;
+    std::array<std::vector<CAnchor>, 256> m_anchors;  ///< By the last character of their keys.
     std::set<std::pair<std::int64_t, EKind>> m_seen;
     std::int64_t m_goOn = 0;
 };

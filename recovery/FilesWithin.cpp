@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -18,18 +17,7 @@ namespace {
 class CFilesWithin {
  public:
     CFilesWithin(CCandidates& candidates, std::int64_t size)
-        : m_candidates(candidates), m_list(candidates.list), m_size(size) {
-        std::unordered_set<std::int64_t> files;  // the shifts of all files
-        for (const CCandidate& candidate : m_list) {
-            if (candidate.kind == EKind::File) files.insert(-candidate.begin);
-        }
-        for (std::size_t i = 0; i < m_list.size(); ++i) {
-            const auto own = m_list[i].OwnShift();
-            if (!own) continue;
-            m_lastOfShift[*own] = i;
-            if (!files.contains(*own)) m_lastAtPlace[m_list[i].begin + *own] = i;
-        }
-    }
+        : m_candidates(candidates), m_list(candidates.list), m_size(size) {}
 
     void LeaveOut() {
         std::size_t kept = 0;
@@ -47,13 +35,8 @@ class CFilesWithin {
         if (candidate.kind == EKind::Recording) m_around = &m_candidates.WellsOf(candidate);
         if (candidate.kind == EKind::Recording && candidate.from != kLost) m_nextRecording = candidate.from;
         if (candidate.kind == EKind::Segment && candidate.next != kLost) m_nextSegment = candidate.next;
-        if (candidate.kind == EKind::File) Begin(candidate);
+        if (candidate.kind == EKind::File) m_nextRecording = m_nextSegment = kLost;
         if (const auto shift = candidate.OwnShift()) m_shift = shift;
-    }
-
-    void Begin(const CCandidate& file) {
-        m_fileShift = -file.begin;
-        m_nextRecording = m_nextSegment = kLost;
     }
 
     /// Returns the index of the first candidate after the file that begins at `file`, or `file` if it isn't within
@@ -94,25 +77,16 @@ class CFilesWithin {
         return std::nullopt;
     }
 
-    /// Returns whether any header after the file may belong to the outer file. Keeps the time for joined files linear.
-    bool MayGoOn(std::size_t file) const {
-        const auto isAfter = [&](const auto& last, std::int64_t key) {
-            const auto found = last.find(key);
-            return found != last.end() && found->second > file;
-        };
-        return isAfter(m_lastOfShift, *m_shift) || isAfter(m_lastOfShift, m_fileShift) ||
-               isAfter(m_lastAtPlace, m_nextSegment) || isAfter(m_lastAtPlace, m_nextRecording);
-    }
-
     /// Returns the first header after the file that belongs to the outer file again: it has the same shift as those
     /// before the file, or the shift of the header at the place that these point at. Shifts that also have headers at
-    /// earlier places are those of other files.
+    /// earlier places are those of other files. Passes only some files, so that joined ones take linear time.
     std::optional<std::size_t> FirstAround(std::size_t file) const {
-        if (!MayGoOn(file)) return std::nullopt;
         std::optional<std::int64_t> shift;
         std::unordered_set<std::int64_t> others;  // the shifts of the file and of other files after it
-        for (std::size_t i = file; i < m_list.size() && !shift; ++i) {
+        int files = 0;
+        for (std::size_t i = file; i < m_list.size() && files <= kMostFiles && !shift; ++i) {
             if (m_list[i].kind == EKind::File) others.insert(-m_list[i].begin);
+            files += m_list[i].kind == EKind::File ? 1 : 0;
             const auto own = m_list[i].OwnShift();
             if (!own || others.contains(*own)) continue;
             const std::int64_t place = m_list[i].begin + *own;
@@ -146,17 +120,15 @@ class CFilesWithin {
         return file;
     }
 
+    static constexpr int kMostFiles = 16;
+
     const CCandidates& m_candidates;
     std::vector<CCandidate>& m_list;
     std::int64_t m_size;
     const CWellList* m_around = nullptr;  ///< The wells of the outer recording.
     std::optional<std::int64_t> m_shift;  ///< The shift of the last header.
-    std::int64_t m_fileShift = kLost;     ///< The shift of the last file.
     std::int64_t m_nextSegment = kLost;   ///< The places that the last headers point at.
     std::int64_t m_nextRecording = kLost;
-    std::unordered_map<std::int64_t, std::size_t> m_lastOfShift;  ///< The last header with a shift.
-    std::unordered_map<std::int64_t, std::size_t>
-        m_lastAtPlace;  ///< The last one at a place, with the shift of no file.
 };
 
 }  // namespace

@@ -64,12 +64,6 @@ void ForTwins(const CGroup& group, auto act) {
     }
 }
 
-/// Returns whether a time comes after another, by at most one interval.
-bool Follows(std::int64_t time, std::int64_t before, std::int64_t tick) {
-    const auto span = SpanOf(before, time);
-    return span && *span > 0 && *span <= tick;
-}
-
 /// Returns whether a segment continues another one to the tick.
 bool GoesOn(const CFoundSegment& before, const CFoundSegment& segment, std::int64_t tick) {
     return TimeAfter(before.from, before.samples, tick) == segment.from;
@@ -154,7 +148,7 @@ class CRecordingWells {
         const std::size_t votes = going + (isShared || hasSteps || best.intervals.IsOpen() ? 1 : 0);
         if (listed > 0 && best.segments <= votes) return {listed, true};
         if (best.intervals.IsOpen()) return {best.intervals.atLeast, false};
-        return {best.intervals.atMost, true};
+        return {std::min(best.intervals.atMost, kMostReadable), true};
     }
 
     std::int64_t TickOf(std::int32_t well) const {
@@ -180,8 +174,8 @@ class CRecordingWells {
         const auto [before, next] = NeighboursOf(well, segment.from);
         if ((next != nullptr && ShareTimes(*next, segment)) || (before != nullptr && ShareTimes(*before, segment)))
             return false;
-        return !mustAdjoin || (next != nullptr && Follows(next->from, segment.to, tick)) ||
-               (before != nullptr && Follows(segment.from, before->to, tick));
+        return !mustAdjoin || (next != nullptr && GoesOn(segment, *next, tick)) ||
+               (before != nullptr && GoesOn(*before, segment, tick));
     }
 
     std::vector<std::int32_t> WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const {
@@ -308,22 +302,13 @@ class CRecordingWells {
         CFoundSegment byTo = segment;
         byFrom.to = TimeAfter(segment.from, intervals, tick).value_or(segment.to);
         byTo.from = TimeAfter(segment.to, -intervals, tick).value_or(segment.from);
-        const bool isFrom = Adjoins(byFrom);
-        if (isFrom == Adjoins(byTo)) return false;
+        const bool isFrom = Lacks(segment.wellID, byFrom, true);
+        if (isFrom == Lacks(segment.wellID, byTo, true)) return false;
         CRemark remark = RemarkOn(segment, EReason::MadeTime);
         remark.what = isFrom ? "TimeTo" : "TimeFrom";
         m_found.doubts.Add(std::move(remark));
         segment = isFrom ? byFrom : byTo;
         return true;
-    }
-
-    /// Returns whether a segment continues the one of its well before it, or is continued by the one after it, to the
-    /// tick.
-    bool Adjoins(const CFoundSegment& segment) const {
-        const std::int64_t tick = TickOf(segment.wellID);
-        const auto [before, next] = NeighboursOf(segment.wellID, segment.from);
-        return Lacks(segment.wellID, segment, false) && ((before != nullptr && GoesOn(*before, segment, tick)) ||
-                                                         (next != nullptr && GoesOn(segment, *next, tick)));
     }
 
     void LoseMisfits() {
