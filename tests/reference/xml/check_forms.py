@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Checks that the tables of the two pages on the formats are those of the forms, which print_forms prints.
+"""Checks that the tables of the two pages on the formats are those of the forms, which print_forms prints, and that each
+form names its tags after its members.
 
     check_forms.py PRINT_FORMS
 
@@ -10,7 +11,7 @@ import re
 import subprocess
 import sys
 
-from check_xml import PAGES, rows_of
+from read_xml import PAGES, rows_of
 
 MARKS = "/Settings/PropertyAnalyzer/AnalyzeSettings"
 RECORDING = "/Results/Task/Recordings/Recording"
@@ -97,7 +98,16 @@ def check_words(rows):
             yield f"the words of {path} aren't those of settings-file.md: {words}"
 
 
+def check_members():
+    """A field's tag is its member's name. Two fields whose members are swapped would be read as they are written."""
+    for header in PAGES.parent.glob("vxfileio/*/forms/*.h"):
+        for tag, member in re.findall(r'\{"(\w+)",(?:\s+"\w+",)?\s+&\w+::(\w+)\}', header.read_text("utf-8")):
+            if tag != member:
+                yield f"{header.name} stores the member {member} as {tag}"
+
+
 def disagreements(rows):
+    yield from check_members()
     found = objects(rows)
     for path, children in found.items():
         if path and path not in WITHOUT_TABLE and not path.startswith(MARKS):

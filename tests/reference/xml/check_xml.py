@@ -10,12 +10,12 @@ import re
 import sys
 
 import make_xml
+from read_xml import PAGES
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 sys.path.append(str(FOLDER.parent))
 import made  # noqa: E402
 
-PAGES = FOLDER.parent.parent.parent / "docs"
 
 
 def files_against_made():
@@ -29,13 +29,6 @@ def same_content():
                  "results_sections"):
         if (FOLDER / f"{name}.txt").read_bytes() != (FOLDER / f"{name.split('_')[0]}.txt").read_bytes():
             yield f"the content of {name} differs from that of {name.split('_')[0]}"
-
-
-def rows_of(page, heading):
-    """Returns the rows of the table under a heading, as lists of cells."""
-    section = re.split(r"\n##+ ", (PAGES / page).read_text("utf-8").split(f"\n### {heading}\n", 1)[1], maxsplit=1)[0]
-    return [[cell.strip() for cell in line.strip("|").split(" | ")] for line in section.splitlines()
-            if line.startswith("| `")]
 
 
 def examples_against_files():

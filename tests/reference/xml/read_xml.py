@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """Reads settings files (.vxs) and results files (.vxr) with Python's own XML parser, and prints what is in them.
 
-It shares no code with the library. The tables below match docs/settings-file.md and docs/results-file.md.
+It shares no code with the library. What the elements contain is taken from the tables of docs/settings-file.md and
+docs/results-file.md.
 
     read_xml.py FILE...
 """
@@ -11,75 +12,41 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-# Each field: its tag, its type, its value if the tag is missing.
-HEADER = [
-    ("HeaderID", "text", "OVL Vexaprobe"), ("CompoundName", "text", ""), ("VexaprobeMode", "text", "NotDefined"),
-    ("FileType", "text", ""), ("ProgramVersion", "text", ""), ("FileVersion", "int32", 0),
-    ("RecordingDate", "uint64", 0), ("RecordingDateString", "text", ""), ("FileName", "text", ""), ("Guid", "text", ""),
-]
-SECTIONS = {
-    "PropertyControl": [
-        ("VexaprobeMode", "word", "NotDefined"), ("RobotMode", "word", "NotDefined"),
-        ("DataAcqMode", "word", "NotDefined"), ("SimulationDataFile", "text", ""),
-    ],
-    "PropertyNotebook": [(tag, "text", "") for tag in (
-        "ExperimentID", "FileName", "Director", "Scientist", "Operator", "Department", "Company", "StudyDesignator",
-        "Species", "Age", "Comment")],
-    "PropertyRobot": [
-        ("RobotSerialNumber", "text", "not read"), ("FirmwareVersion", "text", "not read"),
-        ("FirmwareDate", "text", "not read"), ("IPAddress", "text", ""), ("CleanerID", "int32", -1),
-        ("WasteID", "int32", -1), ("TroughIDStockDilution", "int32", -1), ("TroughIDWellMedium", "int32", -1),
-        ("TroughMediumNames", "list of text", []), ("StockPlateIDL8x12", "character", " "),
-        ("StockPlateIDL16x6", "character", " "),
-    ],
-    "PropertyRecordPlate": [
-        ("Layout", "word", "NotDefined"), ("PlateID", "character", " "), ("PlateRows", "int32", 0),
-        ("PlateColumns", "int32", 0), ("CompoundID", "int32", 0), ("Label", "text", ""), ("Wells", "wells", []),
-        ("PipetMode", "word", "NotDefined"), ("Series", "list of uint64", []),
-    ],
-    "PropertyWashIn": [("WashIn", "int64", 0)],
-    "PropertyRecording": [
-        ("DataFormat", "uint32", 0), ("ADMax", "uint16", 0), ("ADMin", "uint16", 0), ("ADZero", "uint16", 0),
-        ("Gain", "uint32", 0), ("RecordingTime", "int64", 0), ("Tick", "int64", 0), ("VoltageRange", "text", ""),
-        ("VoltPerADStep", "double", 0.0),
-    ],
-    "PropertyAnalyzer": [
-        ("Operator", "text", ""), ("Program", "text", ""), ("ProgramVersion", "text", ""),
-        ("AnalyzingDate", "uint64", 0), ("AnalyzeSettings", "marks", []), ("FPAveIntervalType", "word", "UserDefined"),
-        ("FPAveHRDefinedFactor", "double", 0.0), ("PreFPfastTime", "int64", 0), ("FPAverageTime", "int64", 0),
-        ("FPmaxSearchBegin", "int64", 50000), ("FPmaxSearchEnd", "int64", 0), ("FPSlopeInterval", "int64", 0),
-        ("FPfastAutoAdjust", "bool", True), ("FPfastAutoAdjustFactor", "double", 0.0),
-        ("FPfastAutoAdjustTime", "int64", 0), ("FPfastAmplitude", "double", 0.0), ("FPfastRiseTimeMin", "int64", 0),
-        ("FPfastRiseTimeMax", "int64", 0), ("FPfastSlopeRangeMin", "int32", 0), ("FPfastSlopeRangeMax", "int32", 0),
-    ],
-}
-QUALITY_CHECK = [
-    ("TaskName", "text", ""), ("EnableQC", "bool", False), ("QCPerformed", "list of int32", []),
-    ("CompoundName", "text", ""), ("CompoundDose", "uint64", 0), ("Series", "list of uint64", [0, 0, 0]),
-    ("CompoundStockDose", "uint64", 0), ("CompoundPlateID", "character", "C"), ("CompoundPlateCol", "int32", 0),
-    ("WashInWait", "int64", 0), ("RecordingTime", "int64", 0), ("WashOutCycles", "int32", 0),
-    ("WashOutTroughID", "int32", 0), ("WashOutWait", "int64", 0), ("ApplyQC", "bool", False),
-    ("QCResponse", "word", "NotDefined"), ("PerformCompoundQC", "bool", False), ("CompoundQCEffect", "text", ""),
-    ("CompoundQCComparison", "text", ""), ("CompoundQCEffectValue", "int32", 0), ("PerformWashOutQC", "bool", False),
-    ("WashOutQCEffect", "text", ""), ("WashOutQCComparison", "text", ""), ("WashOutQCEffectValue", "int32", 0),
-]
-PLATE_WELL = [
-    ("WellID", "int32", 0), ("ChID", "int32", 0), ("Label", "text", ""), ("PlateColumn", "int32", 0),
-    ("PlateRow", "int32", 0), ("State", "int32", 0),
-]
-RESULTS_WELL = [
-    ("WellID", "int32", 0), ("WellLabel", "text", ""), ("Dose", "uint64", 0),
-    ("FPfastDetectionTimes", "list of int64", []), ("AverageCount", "uint32", 0), ("AveragePreFPfastTime", "int64", 0),
-    ("AverageTick", "int64", 0), ("Average", "samples", []), ("FPfastDetected", "bool", False),
-    ("FPfastMaxAmp", "double", 0.0), ("FPfastMaxAmpTimeStamp", "int64", 0), ("FPfastMinAmp", "double", 0.0),
-    ("FPfastMinAmpTimeStamp", "int64", 0), ("FPfastSlopeX0", "double", 0.0), ("FPfastSlopeY0", "double", 0.0),
-    ("FPfastSlopeX1", "double", 0.0), ("FPfastSlopeY1", "double", 0.0), ("FPmaxType", "word", "Undefined"),
-    ("Responses", "responses", []), ("NormalizedResponses", "responses", []),
-]
-RESPONSE = [("Label", "text", ""), ("Value", "double", 0.0)]
-RESPONSE_MEAN = [("Label", "text", ""), ("normMean", "double", 0.0), ("normStdDev", "double", 0.0),
-                 ("Samples", "uint32", 0)]
-RECORDING = [("Dose", "uint64", 0), ("NormalizedResponses", "response means", [])]
+PAGES = pathlib.Path(__file__).resolve().parents[3] / "docs"
+
+
+def rows_of(page, heading):
+    """Returns the rows of the table under a heading of a page, as lists of cells."""
+    section = re.split(r"\n##+ ", (PAGES / page).read_text("utf-8").split(f"\n### {heading}\n", 1)[1], maxsplit=1)[0]
+    return [[cell.strip() for cell in line.strip("|").split(" | ")] for line in section.splitlines()
+            if line.startswith("| `")]
+
+
+def default_of(kind, text):
+    if text == "empty":
+        return "" if kind == "text" else []
+    if kind.startswith("list of "):
+        return [int(number) for number in text.split(", ")]
+    if kind in ("text", "word", "character"):
+        return " " if text == "blank" else text.strip("`")
+    return {"bool": lambda number: number == "1", "double": float}.get(kind, int)(text)
+
+
+def fields_in(page, heading):
+    """Returns each field of an element: its tag, its type, its value if the tag is missing."""
+    return [(tag.strip("`"), kind, default_of(kind, default)) for tag, kind, default, _ in rows_of(page, heading)]
+
+
+HEADER = fields_in("settings-file.md", "Header")
+SECTIONS = {tag: fields_in("settings-file.md", tag) for tag in (
+    "PropertyControl", "PropertyNotebook", "PropertyRobot", "PropertyRecordPlate", "PropertyWashIn",
+    "PropertyRecording", "PropertyAnalyzer")}
+QUALITY_CHECK = fields_in("settings-file.md", "QC")
+PLATE_WELL = fields_in("settings-file.md", "Well")
+RESULTS_WELL = fields_in("results-file.md", "Well")
+RESPONSE = fields_in("results-file.md", "Response of a well")
+RESPONSE_MEAN = fields_in("results-file.md", "Response of a recording")
+RECORDING = fields_in("results-file.md", "Recording")
 
 OLDER_NAMES = {"PropRecording": "PropertyRecording"}
 FIRST_VERSION_WITH_MARKS = 3
