@@ -4,13 +4,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <random>
 #include <set>
-#include <stdexcept>
 #include <string>
 
-#include "vxfileio/frame/VXFileIO.h"
+#include "fuzz/Saved.h"
 #include "vxfileio/rawdata/RawDataFormat.h"
 
 namespace {
@@ -20,11 +18,6 @@ namespace fs = std::filesystem;
 void WriteSeed(const fs::path& path, const std::string& bytes) {
     fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 CPropRecordPlate MakePlate() {
@@ -37,19 +30,6 @@ CPropRecordPlate MakePlate() {
     return plate;
 }
 
-/// Returns the document of a property set that the library never stores in a file, or only in another form.
-template <class Property>
-std::string ElementOf(const fs::path& scratch, Property property) {
-    gd_xml_stream::CFileBuffer file;
-    if (file.Open(scratch.string(), "wb") != 0) throw std::runtime_error("can't open " + scratch.string());
-    {
-        CXmlFileArchive archive(&file, gd_xml_stream::kStore, gd_xml_stream::kBlockSize);
-        property.Save(archive);
-    }
-    file.Close();
-    return ReadAll(scratch);
-}
-
 /// Copies each reference file to the targets that read its kind; settings also to each property set.
 /// Leaves out large files, since the fuzzer makes inputs as large as the largest seed.
 void CopyReferences(const fs::path& folder, const fs::path& references) {
@@ -58,7 +38,7 @@ void CopyReferences(const fs::path& folder, const fs::path& references) {
         const std::string kind = name.extension().string();
         if (kind != ".vxd" && kind != ".vxs" && kind != ".vxr" && kind != ".xls") continue;
         if (entry.file_size() > 64 * 1024) continue;
-        const std::string bytes = ReadAll(entry.path());
+        const std::string bytes = ReadBytes(entry.path());
         WriteSeed(folder / "vxfile" / name, bytes);
         for (const char* target : {"access", "raw", "vxfile_recover"})
             if (kind == ".vxd") WriteSeed(folder / target / name, bytes);
@@ -106,9 +86,11 @@ void WriteDictionary(const fs::path& path, const std::set<std::string>& words) {
 
 void MakeSeeds(const fs::path& folder, const fs::path& references) {
     CopyReferences(folder, references);
-    const std::string plate = ElementOf(folder / "scratch", MakePlate());
-    const std::string viability = ElementOf(folder / "scratch", CPropViability());
-    fs::remove(folder / "scratch");
+    CPropRecordPlate plateSet = MakePlate();
+    CPropViability viabilitySet;
+    const std::string scratch = CFuzzFolder::Path("scratch");  // the library never stores these two in a file
+    const std::string plate = Saved(scratch, plateSet, gd_xml_stream::kBlockSize);
+    const std::string viability = Saved(scratch, viabilitySet, gd_xml_stream::kBlockSize);
     WriteSeed(folder / "properties/plate", std::string("\0\x10", 2) + plate);
     WriteSeed(folder / "properties/viability", "\x08\x10" + viability);
     for (const char* target : {"c_calls", "facades", "strict", "workbook"})
@@ -120,7 +102,7 @@ void MakeSeeds(const fs::path& folder, const fs::path& references) {
     AddCells(vxfileio::rawdata::kRecordingCells, words);
     AddCells(vxfileio::rawdata::kSegmentCells, words);
     for (const std::string& document :
-         {ReadAll(references / "xml/settings.vxs"), ReadAll(references / "xml/results.vxr"), plate, viability})
+         {ReadBytes(references / "xml/settings.vxs"), ReadBytes(references / "xml/results.vxr"), plate, viability})
         AddTags(document, words);
     WriteDictionary(folder / "words.dict", words);
 }

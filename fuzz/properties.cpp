@@ -1,6 +1,7 @@
 // Reads any element as one of the property sets, or as the record plate's long form, which the library never stores in
 // a file. The first byte of the input selects the set, the second is the block size.
 #include "fuzz/Fuzz.h"
+#include "fuzz/Saved.h"
 #include "vxfileio/frame/VXFileIO.h"
 
 namespace {
@@ -13,22 +14,6 @@ Property Loaded(const std::string& path, std::int32_t blockSize) {
     Property property;
     property.Load(archive);
     return property;
-}
-
-template <class Property>
-std::string Saved(const std::string& path, Property& property, std::int32_t blockSize) {
-    gd_xml_stream::CFileBuffer file;
-    Require(file.Open(path, "wb") == 0, "the document can be made");
-    {
-        CXmlFileArchive archive(&file, gd_xml_stream::kStore, blockSize);
-        if constexpr (requires { property.Save(archive, false); }) {
-            property.Save(archive, false);
-        } else {
-            property.Save(archive);
-        }
-    }
-    file.Close();
-    return ReadBytes(path);
 }
 
 /// Checks that a property set reads the same after it was written, and in blocks of any size. (Ignores the analyzer's

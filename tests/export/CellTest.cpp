@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace {
 
 using YExcel::Cell;
@@ -33,14 +31,6 @@ TEST(CellTest, HoldsOneValueAtATime) {
     cell.Clear();
     EXPECT_EQ(cell.Type(), CellType::Undefined);
     EXPECT_EQ(cell.GetWideText(), u"");
-}
-
-TEST(CellTest, DoubleOutOfRangeReadsAsTheLowestInteger) {
-    Cell cell;
-    for (const double value : {2147483648.0, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
-        cell.SetDouble(value);
-        EXPECT_EQ(cell.GetInteger(), std::numeric_limits<std::int32_t>::min()) << value;
-    }
 }
 
 TEST(CellTest, EmptyTextClears) {

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <utility>
 
@@ -43,7 +42,6 @@ auto Make(std::string_view name, Call call, Half half) -> decltype(call()) {
     if (!IsMet(name)) return call();
     if (g_fault.kind == CFault::enKind::Half) return half();
     if (g_fault.kind == CFault::enKind::Interrupted) return Refuse(EINTR);
-    if (g_fault.kind == CFault::enKind::Kill) std::raise(SIGKILL);
     g_isSkipped = g_fault.kind == CFault::enKind::Skipped;
     if (g_isSkipped) return 0;
     return Refuse(g_fault.error);

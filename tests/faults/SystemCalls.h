@@ -13,7 +13,7 @@
 /// What happens to a call, and to all later calls if the fault persists. Only opening and transfers can be cut short or
 /// interrupted; other calls are made as usual. A skipped call isn't made, but returns success.
 struct CFault {
-    enum class enKind { Error, Half, Interrupted, Kill, Skipped };
+    enum class enKind { Error, Half, Interrupted, Skipped };
     enKind kind = enKind::Error;
     int error = 0;  ///< The error's number.
     bool goesOn = false;

@@ -182,20 +182,8 @@ TEST(NumberTextTest, IntegersAreParsedUpToTheFirstOtherCharacter) {
 }
 
 TEST(NumberTextTest, AnyNumberOfDigitsIsParsedAsTheStandardLibraryDoes) {
-    constexpr std::string_view kEnds[] = {"",
-                                          ";",
-                                          "/9",
-                                          ":9",
-                                          "a123456789",
-                                          ".5",
-                                          "\x80"
-                                          "9",
-                                          "\xB0",
-                                          "\xFF"
-                                          "1",
-                                          std::string_view("\0"
-                                                           "9",
-                                                           2)};
+    const std::string kEnds[] = {"",   ";",     "/9",   ":9",    "a123456789",
+                                 ".5", "\2009", "\260", "\3771", std::string("\0009", 2)};
     std::mt19937_64 random(1);
     for (int i = 0; i < 200'000; ++i) {
         std::string text(random() % 24, '0');

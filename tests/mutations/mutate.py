@@ -37,8 +37,7 @@ PROGRAMS = {
 # sources.
 SCRIPTS = {
     "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
-    "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference/several_recordings.vxd",
-                           "tests/reference/several_recordings.txt", "tests/reference/small_example.vxd"]),
+    "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference"]),
     "catalog": ("vxfile", ["tests/tools/catalog.py", "{}/bin/vxfile", "tests/reference"]),
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
     "c_interface": ("capi_c_test", ["-c", "import subprocess, sys; sys.exit(subprocess.call(sys.argv[1:]))",

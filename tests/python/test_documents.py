@@ -17,41 +17,36 @@ SETTINGS, RESULTS = XML / "settings.vxs", XML / "results.vxr"
 # ---- The text twin of a file, from the package's attributes ----------------------------------------------------------
 
 
-def shown(value):
-    """Formats a value as the twins do; texts are bytes there."""
+ENTRIES = {"wells": read_xml.PLATE_WELL, "responses": read_xml.RESPONSE, "response means": read_xml.RESPONSE_MEAN}
+
+
+def as_read(kind, value):
+    """Returns a value as the second reader has it, with the bytes of texts as characters."""
+    if kind in ENTRIES:
+        return [list(fields_of(ENTRIES[kind], entry)) for entry in (value.values() if hasattr(value, "values") else value)]
+    if kind == "marks":
+        return list(marks_of(value))
     if isinstance(value, str):
-        return read_xml.show(value.encode("utf-8", "surrogateescape").decode("latin-1"))
-    if isinstance(value, tuple):
-        return "[" + ", ".join(map(shown, value)) + "]"
-    return read_xml.show(value)
+        return value.encode("utf-8", "surrogateescape").decode("latin-1")
+    return [as_read("", item) for item in value] if isinstance(value, tuple) else value
 
 
-def value_of(objects, tag):
-    return next(getattr(thing, tag) for thing in objects if hasattr(thing, tag))
+def marks_of(tasks):
+    for task, recordings in tasks.items():
+        yield f"{task}: {len(recordings)} recordings"
+        for number, wells in enumerate(recordings):
+            for well, marks in wells.items():
+                words = " ".join(f"{response} {mark}" for response, mark in marks.Responses.items())
+                yield f"{task} {number} well {well}: Analyze {int(marks.Analyze)} {words}"
 
 
-def entry_lines(table, entries):
-    return ["    " + ", ".join(f"{tag} {shown(getattr(entry, tag))}" for tag, _, _ in table) for entry in entries]
+def fields_of(table, *objects):
+    for tag, kind, _ in table:
+        yield tag, kind, as_read(kind, next(getattr(thing, tag) for thing in objects if hasattr(thing, tag)))
 
 
 def lines_of(name, table, *objects):
-    yield name
-    for tag, kind, _ in table:
-        tables = {"wells": read_xml.PLATE_WELL, "responses": read_xml.RESPONSE, "response means": read_xml.RESPONSE_MEAN}
-        if kind in tables:
-            value = value_of(objects, tag)
-            yield f"  {tag}"
-            yield from entry_lines(tables[kind], value if isinstance(value, tuple) else value.values())
-        elif kind == "marks":
-            yield f"  {tag}"
-            for task, recordings in value_of(objects, tag).items():
-                yield f"    {task}: {len(recordings)} recordings"
-                for number, wells in enumerate(recordings):
-                    for well, marks in wells.items():
-                        words = " ".join(f"{response} {mark}" for response, mark in marks.Responses.items())
-                        yield f"    {task} {number} well {well}: Analyze {int(marks.Analyze)} {words}"
-        else:
-            yield f"  {tag}: {shown(value_of(objects, tag))}"
+    return read_xml.shown(name, fields_of(table, *objects))
 
 
 def settings_lines(settings):
@@ -80,7 +75,7 @@ class KeyedWell:
 
 def results_lines(results):
     for task in results.Tasks.values():
-        yield f"Task {shown(task.TaskName)}"
+        yield f"Task {read_xml.show(as_read('text', task.TaskName))}"
         for recording in task.Recordings:
             yield from lines_of("Recording", read_xml.RECORDING, recording)
             for well_id, well in recording.Wells.items():

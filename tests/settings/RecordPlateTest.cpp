@@ -26,25 +26,23 @@ CPropRecordPlate Plate() {
     return plate;
 }
 
-const std::string kWell64 =
-    "<Well><WellID>64</WellID><ChID>64</ChID><Label>A1</Label><PlateColumn>0</PlateColumn><PlateRow>0</"
-    "PlateRow><State>2"
-    "</State></Well>";
-const std::string kWell65 =
-    "<Well><WellID>65</WellID><ChID>65</ChID><Label>B1</Label><PlateColumn>0</PlateColumn><PlateRow>1</"
-    "PlateRow><State>1"
-    "</State></Well>";
+std::string WellXml(const std::string& id, const std::string& channel, const std::string& label,
+                    const std::string& column, const std::string& row, const std::string& state) {
+    return "<Well><WellID>" + id + "</WellID><ChID>" + channel + "</ChID><Label>" + label + "</Label><PlateColumn>" +
+           column + "</PlateColumn><PlateRow>" + row + "</PlateRow><State>" + state + "</State></Well>";
+}
+
+const std::string kWell64 = WellXml("64", "64", "A1", "0", "0", "2");
+const std::string kWell65 = WellXml("65", "65", "B1", "0", "1", "1");
 const std::string kHead =
     "<PropertyRecordPlate><Layout>8x12</Layout><PlateID>A</PlateID><PlateRows>8</PlateRows><PlateColumns>12"
     "</PlateColumns>";
 const std::string kSeries = "<Series Size=\"2\"><Dose>1000</Dose><Dose>1000000</Dose></Series>";
 const std::string kShort1 = kHead + "<CompoundID>1</CompoundID><Label>C1</Label><Wells Size=\"1\">" + kWell64 +
                             "</Wells><PipetMode>Fast</PipetMode>" + kSeries + "</PropertyRecordPlate>";
-const std::string kShort2 =
-    kHead + "<CompoundID>2</CompoundID><Label>C2</Label><Wells Size=\"3\">" + kWell65 +
-    "<Well><WellID>99</WellID><ChID>0</ChID><Label></Label><PlateColumn>0</PlateColumn><PlateRow>0</PlateRow><State>0"
-    "</State></Well>" +
-    kWell64 + "</Wells><PipetMode>Fast</PipetMode>" + kSeries + "</PropertyRecordPlate>";
+const std::string kShort2 = kHead + "<CompoundID>2</CompoundID><Label>C2</Label><Wells Size=\"3\">" + kWell65 +
+                            WellXml("99", "0", "", "0", "0", "0") + kWell64 + "</Wells><PipetMode>Fast</PipetMode>" +
+                            kSeries + "</PropertyRecordPlate>";
 
 class RecordPlateTest : public CArchiveTest {
  protected:
@@ -116,10 +114,7 @@ TEST_F(RecordPlateTest, TheLongFormHoldsAllCompounds) {
             "</Compound><Compound><CompoundID>2</CompoundID><Label>C2</Label><StockPlateID> </StockPlateID>"
             "<StockPlateRow>0</StockPlateRow><Wells Size=\"3\"><WellID>65</WellID><WellID>99</WellID><WellID>64"
             "</WellID></Wells></Compound></Compounds><Wells Size=\"3\">" +
-            kWell64 + kWell65 +
-            "<Well><WellID>64</WellID><ChID>5</ChID><Label>again</Label><PlateColumn>5</PlateColumn><PlateRow>5"
-            "</PlateRow><State>2</State></Well></Wells>" +
-            kSeries +
+            kWell64 + kWell65 + WellXml("64", "5", "again", "5", "5", "2") + "</Wells>" + kSeries +
             "<MaxVolume>2</MaxVolume><MinWellsPerCompound>3</MinWellsPerCompound><MixVolume>4294967295</MixVolume>"
             "<PipetMode>Fast</PipetMode><StdVolume>1</StdVolume></PropertyRecordPlate>");
     CPropRecordPlate back;

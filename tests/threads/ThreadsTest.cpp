@@ -123,42 +123,40 @@ void ReadBesideWriter(const CTempFolder& folder, CProgress& progress) {
     progress.opens = kOpens;  // lets the writer finish, even after a failure
 }
 
-TEST(ThreadsTest, ReaderBesideAWritingThreadSeesWhatWasFinished) {
-    const CTempFolder folder;
-    CProgress progress;
-    std::thread writer([&] { WriteBesideReader(folder, progress); });
-    ReadBesideWriter(folder, progress);
-    progress.opens = kOpens;
-    writer.join();
-}
-
-#if defined(__unix__)
-/// Runs `write` in a process of its own and `read` in this one.
+/// Runs `write` in a thread, and then in a process of its own, each time with `read` beside it.
 template <class Write, class Read>
-void InAnotherProcess(Write write, Read read) {
+void InAThreadAndInAProcess(Write write, Read read) {
+    {
+        const CTempFolder folder;
+        CProgress progress;
+        std::thread writer([&] { write(folder, progress); });
+        read(folder, progress);
+        progress.opens = kOpens;
+        writer.join();
+    }
+#if defined(__unix__)
+    const CTempFolder folder;
     void* const shared = mmap(nullptr, sizeof(CProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(shared, MAP_FAILED);
     CProgress& progress = *new (shared) CProgress;
     const pid_t writer = fork();
     ASSERT_GE(writer, 0);
     if (writer == 0) {
-        write(progress);
+        write(folder, progress);
         _exit(0);
     }
-    read(progress);
+    read(folder, progress);
     progress.opens = kOpens;
     int status = -1;
     EXPECT_EQ(waitpid(writer, &status, 0), writer);
     EXPECT_EQ(status, 0);
     munmap(shared, sizeof(CProgress));
+#endif
 }
 
-TEST(ThreadsTest, ReaderBesideAWritingProcessSeesWhatWasFinished) {
-    const CTempFolder folder;
-    InAnotherProcess([&](CProgress& progress) { WriteBesideReader(folder, progress); },
-                     [&](CProgress& progress) { ReadBesideWriter(folder, progress); });
+TEST(ThreadsTest, ReaderBesideAWriterSeesWhatWasFinished) {
+    InAThreadAndInAProcess(WriteBesideReader, ReadBesideWriter);
 }
-#endif
 
 // ---- Bulk access ----------------------------------------------------------------------------------------------------
 
@@ -197,9 +195,9 @@ TEST(ThreadsTest, OneFileIndexAndSelectionServeManyThreads) {
 constexpr std::int64_t kSegments = 3000;
 
 /// Writes a recording without finishing it, at most a few segments ahead of the reader.
-void WriteUnfinished(const std::string& path, CProgress& progress) {
+void WriteUnfinished(const CTempFolder& folder, CProgress& progress) {
     CIRawDataWriter writer;
-    writer.Open(path);
+    writer.Open(folder.Path("run.vxd"));
     writer.WriteFileHdr({.HeaderID = "OVL Vexaprobe", .FileVersion = 2});
     WriteRecording(writer, 0);
     for (std::int32_t i = 1; i < kSegments && progress.opens < kOpens; ++i) {
@@ -214,10 +212,10 @@ void WriteUnfinished(const std::string& path, CProgress& progress) {
 }
 
 /// Reads the recording again and again while it grows.
-void ReadUnfinished(const std::string& path, CProgress& progress) {
+void ReadUnfinished(const CTempFolder& folder, CProgress& progress) {
     while (progress.finished == 0)
         std::this_thread::yield();
-    const CRawDataFile file(path);
+    const CRawDataFile file(folder.Path("run.vxd"));
     for (std::int64_t finished = 0; finished < kSegments && !testing::Test::HasFailure();) {
         finished = progress.finished;
         const CRecordingIndex index = file.ReadIndex(0, {.Unfinished = true});
@@ -236,22 +234,7 @@ void ReadUnfinished(const std::string& path, CProgress& progress) {
     }
 }
 
-TEST(ThreadsTest, UnfinishedRecordingIsReadBesideAWritingThread) {
-    const CTempFolder folder;
-    CProgress progress;
-    std::thread writer([&] { WriteUnfinished(folder.Path("run.vxd"), progress); });
-    ReadUnfinished(folder.Path("run.vxd"), progress);
-    progress.opens = kOpens;
-    writer.join();
-}
-
-#if defined(__unix__)
-TEST(ThreadsTest, UnfinishedRecordingIsReadBesideAWritingProcess) {
-    const CTempFolder folder;
-    InAnotherProcess([&](CProgress& progress) { WriteUnfinished(folder.Path("run.vxd"), progress); },
-                     [&](CProgress& progress) { ReadUnfinished(folder.Path("run.vxd"), progress); });
-}
-#endif
+TEST(ThreadsTest, UnfinishedRecordingIsReadBesideAWriter) { InAThreadAndInAProcess(WriteUnfinished, ReadUnfinished); }
 
 // ---- Separate objects -----------------------------------------------------------------------------------------------
 

@@ -1,10 +1,11 @@
-"""Compares the output of `vxfile samples` with independent data: numpy reads arrays, the text twin has all samples.
+"""Compares the output of `vxfile samples` with independent data: numpy reads arrays, read_vxd.py has all samples.
 
-usage: samples_numpy.py VXFILE REFERENCE.vxd REFERENCE.txt SMALL_EXAMPLE.vxd
+usage: samples_numpy.py VXFILE FOLDER_OF_REFERENCE
 """
 
+import contextlib
 import io
-import re
+import pathlib
 import subprocess
 import sys
 import tempfile
@@ -12,7 +13,11 @@ from decimal import Decimal
 
 import numpy
 
-VXFILE, REFERENCE, TWIN, SMALL = sys.argv[1:]
+VXFILE, FOLDER = sys.argv[1:]
+REFERENCE = FOLDER + "/several_recordings.vxd"
+sys.path.insert(0, FOLDER)
+import make_reference as made  # noqa: E402
+import read_vxd  # noqa: E402
 
 
 def run(*options, path=REFERENCE):
@@ -21,29 +26,22 @@ def run(*options, path=REFERENCE):
     return done.stdout
 
 
-def twin_rows():
-    """Yields task, recording, well, time, sample and the value in units, from the twin."""
-    task = number = None
-    wells = {}
-    for line in open(TWIN, encoding="latin-1"):
-        if line.startswith("recording"):
-            wells = {}
-        elif found := re.match(r' +TaskName: "(.*)"', line):
-            task = found[1]
-        elif found := re.match(r" +Recording: (.*)", line):
-            number = int(found[1])
-        elif found := re.match(r" +well (-?\d+): Ticks (\d+), UnitsPerAD (\S+), ADZero (-?\d+)", line):
-            wells[int(found[1])] = int(found[2]), found[3], int(found[4])
-        elif found := re.match(r" +segment of well (-?\d+), (-?\d+) to -?\d+, \d+ samples: (.*)", line):
-            well, time = int(found[1]), int(found[2])
-            tick, units, zero = wells.get(well, (1, None, None))
-            for sample in map(int, found[3].split()):
-                yield task, number, well, time, sample, None if units is None else (sample - zero) * float(units), \
-                    None if units is None else (sample - zero) * Decimal(units)
-                time += tick
+def all_rows():
+    """Yields task, recording, well, time, sample and the value in units, as a float and as a decimal."""
+    with read_vxd.RawDataFile(REFERENCE) as file:
+        for recording in file.recordings:
+            channels = {channel.id: channel for channel in recording.wells}
+            with contextlib.suppress(read_vxd.RawDataError):  # an empty recording has no first segment
+                for segment in file.segments(recording):
+                    channel = channels.get(segment.well, read_vxd.Channel(ticks=1))
+                    for i, sample in enumerate(segment.samples):
+                        value = sample - channel.ad_zero
+                        yield (recording.fields["TaskName"].decode("latin-1"), recording.fields["Recording"],
+                               segment.well, segment.time_from + i * channel.ticks, sample,
+                               value * channel.units_per_ad, value * Decimal(str(channel.units_per_ad)))
 
 
-rows = list(twin_rows())
+rows = list(all_rows())
 assert len(rows) == 15, len(rows)
 
 expected = "task,recording,well,time,sample\n" + "".join(",".join(map(str, row[:5])) + "\n" for row in rows)
@@ -71,27 +69,17 @@ with tempfile.TemporaryDirectory() as folder:
     assert several.returncode == 2 and b"--well" in several.stderr, several
 
 
-def cell(width, text):
-    return text.encode().ljust(width - 2, b"\0") + b"\r\n"
-
-
 def write_uneven(path):
     """Writes segments at odd positions, some longer than any block. Returns times and samples of each well."""
-    with open(SMALL, "rb") as small:
-        headers = bytearray(small.read()[:3650])
-    headers[1340:1390] = cell(50, "FPosRecordingData=3651")
-    content, position, wells = headers + b"?", 3651, {11: [], 12: []}
+    data = made.encode_file_header(made.file_header()) + made.encode_recording(made.recording(3651)) + b"?"
+    wells = {11: [], 12: []}
     sizes = [3, 200000, 1, 40000, 40000, 33000, 700, 700, 700, 5]
     for i, size in enumerate(sizes):
         well, samples = 11 + i % 2, (numpy.arange(size) * 7 + i).astype("<u2")
-        position += 300 + 2 * size
-        content += cell(50, "Type=Well") + cell(50, f"ID={well}")
-        content += cell(50, f"FPosNextSegmentHdr={-1 if i == len(sizes) - 1 else position}")
-        content += cell(50, "TimeFrom=0") + cell(50, f"TimeTo={100 * (size - 1)}") + cell(50, f"Size={size}")
-        content += samples.tobytes()
+        following = -1 if i == len(sizes) - 1 else len(data) + 300 + 2 * size
+        data += made.encode_segment(made.segment(well, 0, 100 * (size - 1), *samples.tolist()), following)
         wells[well].append((100 * numpy.arange(size), samples))
-    with open(path, "wb") as file:
-        file.write(content)
+    pathlib.Path(path).write_bytes(data)
     return {well: map(numpy.concatenate, zip(*parts)) for well, parts in wells.items()}
 
 
@@ -106,4 +94,4 @@ with tempfile.TemporaryDirectory() as folder:
         assert numpy.array_equal(table[table["well"] == well]["sample"], samples)
         assert numpy.array_equal(table[table["well"] == well]["time"], times)
 
-print("samples agree with numpy and the twin")
+print("samples agree with numpy and the second reader")

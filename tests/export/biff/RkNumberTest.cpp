@@ -19,24 +19,12 @@ struct CCase {
     double stored;  ///< The value that a reader gets.
 };
 
+// The reference workbook `rows.xls` has more of them, computed without the library.
 TEST(RkNumberTest, ShortDoublesAndTheirPrecision) {
-    const std::array<CCase, 17> cases = {{{0.0, 0x00000000, 0.0},
-                                          {-0.0, 0x80000000, 0.0},
-                                          {100.0, 0x40590000, 100.0},
-                                          {1.5, 0x4062C001, 1.5},
-                                          {-12.5, 0xC0938801, -12.5},
-                                          {12.5, 0x40938801, 12.5},
-                                          {0.01, 0x3FF00001, 0.01},
-                                          {1234.56, 0x40FE2401, 1234.56},
-                                          {214748.0, 0x410A36E0, 214748.0},
-                                          {-214748.0, 0xC10A36E0, -214748.0},
-                                          {12.34005, 0x40934805, 12.3400390625},  // the fifth decimal is ignored
-                                          {1.1401, 0x405C80A1, 1.14009765625},    // times 10000: 11400.999999999998
-                                          {5242.89, 0x41200001, 5242.88},         // 524289 doesn't fit 30 bits
-                                          {0.0000999, 0x3F1A302C, 9.989994578063488e-05},
-                                          {5368709.12, 0x41C00001, 5368709.12},  // 536870912 * 100 wraps to the mark
-                                          {-5368709.12, 0xC1C00001, -5368709.12},
-                                          {16106127.36, 0x41D80001, 16106127.36}}};
+    const std::array<CCase, 4> cases = {{{-0.0, 0x80000000, 0.0},
+                                         {-12.5, 0xC0938801, -12.5},
+                                         {5242.89, 0x41200001, 5242.88},          // 524289 doesn't fit 30 bits
+                                         {5368709.12, 0x41C00001, 5368709.12}}};  // 536870912 * 100 wraps to the mark
     for (const CCase& c : cases) {
         EXPECT_TRUE(TwoDecimalTest(c.value)) << c.value;
         EXPECT_EQ(EncodeRK(c.value), c.word) << c.value;

@@ -75,33 +75,6 @@ TEST_F(RewriteTest, EmptyStreamNeedsNoSectorInAFullFat) {
     EXPECT_EQ(U32(bytes, 64), 0U);
 }
 
-TEST_F(RewriteTest, StreamsCrossTheCutoffSizeInBothDirections) {
-    Add("w", Pattern(100));
-    EXPECT_EQ(Write("w", Pattern(4096, 2)), 1);
-    CompoundReader reader = Read();
-    EXPECT_EQ(Marks(reader, 2, 11), (Numbers{4, kEnd, 5, 6, 7, 8, 9, 10, kEnd, kFree}));
-    EXPECT_EQ(reader.MiniSectorsInUse(), 0U);
-    EXPECT_EQ(reader.streams.at("w"), Pattern(4096, 2));
-    EXPECT_EQ(Write("w", Pattern(4095, 3)), 1);
-    reader = Read();
-    EXPECT_EQ(Marks(reader, 2, 11), (Numbers{4, kEnd, 5, 6, 7, 8, 9, 10, kEnd, kFree}));
-    EXPECT_EQ(reader.entries.at(0).start, 2U);
-    EXPECT_EQ(reader.entries.at(0).size, 4096U);
-    EXPECT_EQ(reader.entries.at(1).start, 0U);
-    EXPECT_EQ(reader.streams.at("w"), Pattern(4095, 3));
-}
-
-TEST_F(RewriteTest, MiniFatGrowsOverSeveralSectors) {
-    std::map<std::string, std::string> expected;
-    for (unsigned i = 0; i < 7; ++i) {
-        const std::string name = std::to_string(i);
-        expected[name] = Pattern(4095, i);
-        Add(name, expected[name]);
-    }
-    EXPECT_EQ(U32(Bytes(), 64), 4U);  // 448 mini sectors
-    EXPECT_EQ(Read().streams, expected);
-}
-
 TEST_F(RewriteTest, StreamsStayWholeForAnyOrderOfSizes) {
     constexpr std::array<std::size_t, 12> kSizes = {0, 1, 64, 65, 700, 4095, 4096, 4097, 9000, 64512, 65025, 150000};
     auto random = [state = 1U]() mutable { return (state = state * 1664525U + 1013904223U) >> 16U; };
