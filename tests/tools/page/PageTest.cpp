@@ -18,6 +18,7 @@
 #include "tools/vxfile/page/IndexPage.h"
 #include "tools/vxfile/page/Numbers.h"
 #include "tools/vxfile/page/PackedCurves.h"
+#include "tools/vxfile/page/PlateGrid.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
 #include "tools/vxfile/page/Trace.h"
@@ -338,6 +339,73 @@ TEST_F(PlateValues, RefusesMoreThanAPageCanShow) {
     std::vector<std::string> labels(500, "A1");
     Make(labels, std::vector<std::uint64_t>(100, 0));
     EXPECT_THROW(Values(), CFailure);
+}
+
+TEST_F(PlateValues, HaveNoColourIfTheyDoNotCount) {
+    Make({"A1", "A2", "A3"}, {0});
+    auto& wells = results.Tasks.at(enTask::Series).Recordings.front().Wells;
+    for (const auto& [id, value] : {std::pair{1, -1234.0}, {2, 0.5}, {3, kNaN}})
+        wells.at(id).SetResults(enResponseType::QTInterval, enValueType::Plain, value);
+    const std::string page = PlatePage(Values());
+    for (const char* const cell :
+         {"<td class=\"c0\" data-w=\"0\"><i>A1</i> -1234</td>", "<td class=\"c63\" data-w=\"1\"><i>A2</i> 0</td>",
+          "<td class=\"missing\" data-w=\"2\"><i>A3</i> nan</td>"})
+        EXPECT_NE(page.find(cell), std::string::npos) << cell;
+}
+
+TEST_F(PlateValues, OfTheControlAreNotJoinedWithTheFirstDose) {
+    Make({"A1"}, {0, 10'000, 1'000'000});
+    const std::string page = PlatePage(Values());
+    const std::size_t begin = page.find("<path class=\"mean\"");
+    const std::string path = page.substr(begin, page.find('>', begin) - begin);
+    EXPECT_EQ(std::ranges::count(path, 'M'), 2) << path;
+    EXPECT_EQ(std::ranges::count(path, 'L'), 1) << path;
+}
+
+TEST_F(PlateValues, OfTheHighestDoseAreInTheIndex) {
+    Make({"A1", "B2"}, {10'000, 1'000'000, 0});
+    const CIndexedPlate entry = IndexedPlateOf(Values());
+    EXPECT_EQ(entry.measure, "QT-Interval, as measured, 1 \xC2\xB5M");
+    EXPECT_EQ(entry.mean, "3.50");  // of 3 and 4
+    ASSERT_EQ(entry.colours.size(), 2U);
+    EXPECT_EQ(entry.colours[0], (std::vector<int>{25, -1}));  // 63 * (3 - 1) / (6 - 1)
+    EXPECT_EQ(entry.colours[1], (std::vector<int>{-1, 38}));
+}
+
+TEST_F(PlateValues, HaveBeatsAsWholeMultiplesOfTheirCommonDivisor) {
+    Make({"A1", "A2", "A3"}, {0});
+    auto& wells = results.Tasks.at(enTask::Series).Recordings.front().Wells;
+    wells.at(1).FPfastDetectionTimes = {1000, 3000, 5500};
+    wells.at(2).FPfastDetectionTimes = {5, 5, 7};
+    wells.at(3).FPfastDetectionTimes = {5, 4};
+    const std::string page = PlatePage(Values());
+    for (const char* const beats : {R"("beats":{"first":1000,"unit":500,"intervals":[4,5]})",
+                                    R"("beats":{"first":5,"unit":2,"intervals":[0,1]})", R"("beats":null)"})
+        EXPECT_NE(page.find(beats), std::string::npos) << beats;
+}
+
+TEST(PlateGrid, HasThePlacesOfTheSettingsAndTheWellsThatAreInactive) {
+    CPropRecordPlate plate;
+    plate.Data.Layout = enPlateLayout::L16x6;
+    struct CCase {
+        std::int32_t id, row, column, state;
+    };
+    for (const CCase& c :
+         {CCase{1, 7, 11, PlateWell::kNew}, CCase{2, 0, 0, PlateWell::kInactive}, CCase{3, 0, 1, PlateWell::kActive}}) {
+        PlateWell& well = *plate.Data.Wells.emplace_back(std::make_unique<PlateWell>());
+        well.WellID = c.id;
+        well.PlateRow = c.row;
+        well.PlateColumn = c.column;
+        well.State = c.state;
+    }
+    CPlateValues values;
+    ArrangeWells(values, {{1, "H12"}, {2, "A1"}, {3, "A2"}}, &plate);
+    EXPECT_EQ(values.rowLabels.size(), 8U) << "the plate is numbered in the other way";
+    EXPECT_EQ(values.columnLabels.size(), 12U);
+    std::string wells;
+    for (const CWellPlace& well : values.wells)
+        wells += well.label + (well.isInactive ? " inactive, " : ", ");
+    EXPECT_EQ(wells, "A1 inactive, A2, H12, ");
 }
 
 TEST_F(PlateValues, MakeAPageWithoutAnyWell) {

@@ -109,6 +109,7 @@ TEST(PlateLabels, MeanTheWellsOfALabelOfACoordinateAndOfARectangle) {
                                                                                {"B1", {21}},
                                                                                {"B3", {23}},
                                                                                {"A2-B3", {12, 13, 22, 23}},
+                                                                               {"B3-A2", {12, 13, 22, 23}},
                                                                                {"A1-A3", {11, 12, 13, 22}},
                                                                                {"11", {11}},
                                                                                {"0099", {99}},

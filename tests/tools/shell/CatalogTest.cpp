@@ -42,3 +42,11 @@ TEST(Catalog, ARecordingWhoseUnitIsNoNumberIsDamagedAndSoIsItsFile) {
         EXPECT_EQ(entry.recordings[0].state, kDamaged);
     }
 }
+
+TEST(Catalog, AFileWithoutARecordingIsUnfinished) {
+    const CTempFolder folder;
+    WriteAll(folder.Path("run.vxd"), FileOf({}));
+    const CCatalogEntry entry = ScanFile(folder.Path("run.vxd"));
+    EXPECT_EQ(entry.state, kUnfinished);
+    EXPECT_EQ(entry.reason, "It has no recording yet.");
+}

@@ -232,6 +232,20 @@ TEST(FolderWalk, FindsFilesByExtensionOrContentSortedByName) {
     EXPECT_EQ(content.passedOver, hasNoLinks ? 1U : 2U) << "the text, and the link";
 }
 
+TEST_F(Commands, PlanNamesTheNearestUnitsThatFitAndTheirError) {
+    for (const auto& [units, advice] : std::vector<std::pair<std::string, std::string>>{
+             {"0.000305176",
+              "units of 0.0003 instead of 0.000305176 (a warning: they make all values in physical units "
+              "1.7 % smaller)"},
+             {"1.23456789",
+              "units of 1.2346 instead of 1.23457 (a warning: they make all values in physical units "
+              "0.0026 % larger)"}}) {
+        const CToolRun run = RunTool({"plan", "--wells", "54", "--ad-zero", "0", "--units", units, "--tick", "10"});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(Has(run.out, advice)) << run.out;
+    }
+}
+
 TEST_F(Commands, EveryNumericOptionDescribesItsRange) {
     for (const auto& command : MakeCommands()) {
         for (const auto& option : command->Options()) {
