@@ -171,6 +171,21 @@ TEST(TraceReader, HasAGapWhereAFileIsCut) {
     EXPECT_EQ(StepsOf(values.traces[0][0]), "5..5 6..6 ");
 }
 
+TEST(TraceReader, NotesWellsWhoseUnitsAreNoNumber) {
+    const CTempFolder folder;
+    WriteAll(folder.Path("run.vxd"), WithCell(FileOf({{{11, 0, {5}}}}), "UnitsPerADs", "0,3:0.5"));
+    CPlateValues values;
+    values.wells.resize(2);
+    values.wells[0].id = 11;
+    values.wells[1].id = 12;
+    values.recordings = {{"CompoundTest", 1000, "", "A"}};
+    ReadTraces(values, folder.Path("run.vxd"));
+    EXPECT_EQ(values.notes, (std::vector<std::string>{
+                                "UnitsPerADs or ADZeros in the header of the recording of A has no number for well 11. "
+                                "Traces without units are in AD steps. Run 'vxfile verify' on the file."}));
+    EXPECT_EQ(values.traces[0][1].Scale().unitsPerAD, 0.5);
+}
+
 TEST(TraceReader, ShowsNoRecordingOfAnotherDoseOrTask) {
     const CTempFolder folder;
     WriteAll(folder.Path("run.vxd"), FileOf({{{11, 0, {1, 2}}}}));
