@@ -1,6 +1,7 @@
 #include "verify/raw/SampleDelivery.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <span>
 
@@ -40,7 +41,7 @@ void CSampleDelivery::Deliver(const CSegmentAt& segment, std::int64_t end, vxfil
         while (bytes.size() >= sizeof(std::uint16_t)) {
             DeliverPart(part, bytes.substr(0, kPart));
             bytes.remove_prefix(std::min<std::size_t>(bytes.size(), kPart));
-            const auto next = TimeAfter(part.timeFrom, m_samples.size(), part.interval);
+            const auto next = TimeAfter(part.timeFrom, std::ssize(m_samples), part.interval);
             if (!next) return;  // damaged: no time has 64 bits from here on
             part.timeFrom = *next;
         }
