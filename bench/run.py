@@ -92,7 +92,7 @@ class Bench:
         shutil.rmtree(self.folder)
 
     def count_calls(self, program, size):
-        """Returns the number of system calls and allocations per operation; None for allocations that aren't counted."""
+        """Returns system calls and allocations per operation; None for allocations that can't be counted."""
         operations = self.workload.operations(size)
         counter = os.path.join(self.programs, "count_allocations.so")
         allocations = self.measure(program, size, environment={**os.environ, "LD_PRELOAD": counter})[2]

@@ -83,6 +83,7 @@ py::array_t<std::int64_t> TimesOf(const CNamedSelection& named, std::size_t well
 template <class Sample>
 void Read(const CNamedSelection& named, const std::vector<py::array_t<Sample, py::array::c_style>>& arrays) {
     std::vector<std::span<Sample>> buffers;
+    buffers.reserve(arrays.size());
     for (auto array : arrays)
         buffers.emplace_back(array.mutable_data(), static_cast<std::size_t>(array.size()));
     WithoutLock(named.path, [&] {
