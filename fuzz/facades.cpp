@@ -1,7 +1,7 @@
 // Makes a list of calls on the facades of raw data, in any order and with any values. Everything that the raw data
 // writer accepted must be in the file once it is closed; finished recordings must be there while it is still being
 // written.
-#include <optional>
+#include <tuple>
 #include <vector>
 
 #include "fuzz/Fuzz.h"
@@ -11,10 +11,13 @@
 namespace {
 
 struct CRecording {
-    std::string task;
-    std::int32_t number;
+    CRawDataRecordingHdr header;
     std::vector<CSegment> segments;
 };
+
+bool IsSame(const CRawDataChannelInfo& a, const CRawDataChannelInfo& b) {
+    return std::tie(a.ID, a.ADZero, a.UnitsPerAD, a.Ticks) == std::tie(b.ID, b.ADZero, b.UnitsPerAD, b.Ticks);
+}
 
 /// Returns samples that depend only on their position.
 std::vector<std::uint16_t> SamplesOf(std::size_t count, std::uint8_t seed) {
@@ -72,11 +75,13 @@ class CSession {
     void WriteRecordingHdr(CCalls& calls) {
         CRawDataRecordingHdr header{.TaskName = "Series", .Recording = static_cast<std::int32_t>(m_recordings.size())};
         header.Dose = calls.Signed(8);
+        header.RecordingStartTime = static_cast<std::uint64_t>(header.Dose);
+        header.RecordingTime = header.Dose / 2;
         for (int i = calls.Byte() % 40; i > 0; --i)
             header.WellChannels.push_back({i, 32768, 0.5, static_cast<std::int64_t>(calls.Number(1))});
         const bool taken = Takes([&] { m_writer.WriteRecordingHdr(header); });
         Require(!taken || m_hasHdr, "no recording without a file header");
-        if (taken) m_recordings.push_back({header.TaskName, header.Recording, {}});
+        if (taken) m_recordings.push_back({header, {}});
     }
 
     void WriteData(CCalls& calls) {
@@ -128,10 +133,16 @@ class CSession {
         m_reader.SelectWellID(-1);
         for (std::size_t i = 0; i < finished; ++i) {
             const CRecording& recording = m_recordings[i];
-            Require(m_reader.JumpToData(recording.task, recording.number), "a finished recording is there");
-            for (const CSegment& wanted : recording.segments) {
+            const CRawDataRecordingHdr& wanted = recording.header;
+            const CRawDataRecordingHdr& found = *m_reader.GetRecordingHdr(wanted.TaskName, wanted.Recording);
+            Require(std::tie(found.Dose, found.RecordingStartTime, found.RecordingTime) ==
+                        std::tie(wanted.Dose, wanted.RecordingStartTime, wanted.RecordingTime),
+                    "a header is as it was given");
+            Require(std::ranges::equal(found.WellChannels, wanted.WellChannels, IsSame), "and its channels");
+            Require(m_reader.JumpToData(wanted.TaskName, wanted.Recording), "a finished recording is there");
+            for (const CSegment& segment : recording.segments) {
                 Require(Takes([&] { Require(ReadOne(), "a segment is there"); }), "a segment can be read");
-                Require(m_segment == wanted, "a segment is as it was given");
+                Require(m_segment == segment, "a segment is as it was given");
             }
             if (!recording.segments.empty()) Require(Takes([&] { Require(!ReadOne(), "the end"); }), "no further one");
         }

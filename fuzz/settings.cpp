@@ -1,5 +1,6 @@
 // Reads any bytes as a settings file, completely. What was read is written again and must read the same.
 #include "fuzz/Fuzz.h"
+#include "tests/support/SettingsCopy.h"
 #include "vxfileio/base/VXExceptions.h"
 #include "vxfileio/frame/VXFileIO.h"
 
@@ -31,15 +32,7 @@ std::string Copied(const std::string& from, const std::string& to) try {
     if (!reader.GetRecordPlateProperty()->GetCompoundIDs().empty())
         WalkPlate(*reader.GetRecordPlateProperty(), *reader.GetAnalyzerProperty());
     CISettingsWriter writer;
-    writer.SetXmlFileHeader(*reader.GetXmlFileHeader());
-    writer.SetControlProperty(*reader.GetControlProperty());
-    writer.SetNotebookProperty(*reader.GetNotebookProperty());
-    writer.SetRobotProperty(*reader.GetRobotProperty());
-    writer.SetRecordPlateProperty(*reader.GetRecordPlateProperty());
-    writer.SetQualityCheckProperty(*reader.GetQualityCheckProperty());
-    writer.SetWashInProperty(*reader.GetWashInProperty());
-    writer.SetRecordingProperty(*reader.GetRecordingProperty());
-    writer.SetAnalyzerProperty(*reader.GetAnalyzerProperty());
+    CopySettings(reader, writer);
     writer.WriteFile(to);
     std::string document = ReadBytes(to);
     const std::size_t date = document.rfind("<AnalyzingDate>");

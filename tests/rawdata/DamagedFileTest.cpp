@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <set>
-#include <string_view>
+#include <string>
+#include <utility>
 
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
@@ -70,52 +70,30 @@ class DamagedFileTest : public testing::Test {
     CIRawDataReader m_reader;
 };
 
-// The ranges of lengths to which a file can be cut, and the outcome of each.
-TEST_F(DamagedFileTest, EveryTruncationHasItsDocumentedOutcome) {
+TEST_F(DamagedFileTest, TheMissingPartOfACutFileReadsAsZerosIfTheFirstCellOfItsHeaderIsWhole) {
     const std::string whole = m_bytes;
-    const std::string first = "CompoundTest1: 11[0..300]1,256,65535,32768 ";
-    // The contents of a cut segment header whose first cell is whole: of each number the digits that are left, or 0.
-    const auto cutSegment = [&](std::size_t hdr) {
-        const auto left = [&](std::size_t offset) {
-            const std::string text = m_bytes.substr(std::min(m_bytes.size(), hdr + offset));
-            return text.substr(0, text.find('\0'));
-        };
-        const auto number = [&](std::size_t offset, std::size_t key) {
-            const std::string text = left(offset);
-            return text.size() > key ? text.substr(key) : "0";
-        };
-        const std::string samples = number(250, 5) == "4" ? "0,0,0,0" : "";
-        return number(50, 3) + "[" + number(150, 9) + ".." + number(200, 7) + "]" + samples + " ";
-    };
-    for (std::size_t size = 0; size <= whole.size(); ++size) {
+    const std::string none = "CompoundTest1: ";
+    const std::string first = none + "11[0..300]1,256,65535,32768 ";
+    const std::pair<std::size_t, std::string> firstCells[] = {
+        {0, kNotOurs}, {1190, kBadRecording}, {3650, none + kBadSegment}, {3958, first + kBadSegment}};
+    for (std::size_t size = 0; size < whole.size(); ++size) {
         m_bytes = whole.substr(0, size);
         const std::string outcome = Outcome();
-        SCOPED_TRACE(size);
-        if (size < 50) {
-            EXPECT_EQ(outcome, kNotOurs);
-        } else if (size < 1190 + 250) {
-            // If a header ends before its three positions, they read as 0, and there is no recording at 0.
-            EXPECT_EQ(outcome, kBadRecording);
-        } else if (size >= 1190 + 300 && size < 3650 + 50) {
-            EXPECT_EQ(outcome, std::string("CompoundTest1: ") + kBadSegment);
-        } else if (size >= 3650 + 50 && size < 3650 + 300) {
-            EXPECT_EQ(outcome, "CompoundTest1: " + cutSegment(3650) + kBadSegment);
-        } else if (size >= 3958 && size < 3958 + 50) {
-            EXPECT_EQ(outcome, first + kBadSegment);
-        } else if (size >= 3958 + 50 && size < 3958 + 300) {
-            const bool isLast = size >= 3958 + 100 + std::string("FPosNextSegmentHdr=-1").size();
-            EXPECT_EQ(outcome, first + cutSegment(3958) + (isLast ? "end" : kBadSegment));
-        } else if (size >= 3958 + 300 && size < whole.size()) {
-            const std::array tails = {"0,0,0,0", "7,0,0,0", "7,8,0,0", "7,8,9,0"};  // the high bytes are 0
-            const std::string expected = tails[(size - 4258 + 1) / 2 == 4 ? 3 : (size - 4258 + 1) / 2];
-            EXPECT_EQ(outcome,
-                      size == 4265 ? first + "12[0..300]7,8,9,10 end" : first + "12[0..300]" + expected + " end");
-        } else if (size < whole.size()) {
-            m_bytes.resize(whole.size());  // the missing part of a header reads as zeros
-            EXPECT_EQ(outcome, Outcome());
-        }
+        const auto isIn = [&](const auto& cell) { return size >= cell.first && size < cell.first + 50; };
+        const auto* const cell = std::find_if(std::begin(firstCells), std::end(firstCells), isIn);
+        m_bytes.resize(whole.size());
+        EXPECT_EQ(outcome, cell == std::end(firstCells) ? Outcome() : cell->second) << size;
     }
-    EXPECT_EQ(Outcome(), first + "12[0..300]7,8,9,10 end");
+    for (const auto& [size, outcome] : {std::pair<std::size_t, std::string>{1439, kBadRecording},
+                                        {3649, none + kBadSegment},
+                                        {3700, none + "0[0..0] " + kBadSegment},
+                                        {3949, none + "11[0..300]0,0,0,0 " + kBadSegment},
+                                        {4257, first + "12[0..300]0,0,0,0 end"},
+                                        {4261, first + "12[0..300]7,8,0,0 end"},
+                                        {4265, first + "12[0..300]7,8,9,10 end"}}) {
+        m_bytes = whole.substr(0, size);
+        EXPECT_EQ(Outcome(), outcome) << size;
+    }
 }
 
 // No damaged byte has an undocumented outcome or crashes the reader.

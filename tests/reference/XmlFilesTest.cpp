@@ -5,6 +5,7 @@
 
 #include "tests/reference/Twin.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/SettingsCopy.h"
 #include "tests/support/TempFolder.h"
 
 // The reference files of settings and results are made by make_xml.py and read by read_xml.py, both without the
@@ -55,18 +56,8 @@ std::string WithDate(std::string bytes) {
 
 /// Reads a settings file, and hands all of it to the writer.
 void HandOver(CVXFileIO& io, const std::string& name) {
-    CISettingsReader& read = *io.GetSettingsReader();
-    read.ReadFile(ReferencePath("xml/" + name + ".vxs"));
-    CISettingsWriter& writer = *io.GetSettingsWriter();
-    writer.SetXmlFileHeader(*read.GetXmlFileHeader());
-    writer.SetControlProperty(*read.GetControlProperty());
-    writer.SetNotebookProperty(*read.GetNotebookProperty());
-    writer.SetRobotProperty(*read.GetRobotProperty());
-    writer.SetRecordPlateProperty(*read.GetRecordPlateProperty());
-    writer.SetQualityCheckProperty(*read.GetQualityCheckProperty());
-    writer.SetWashInProperty(*read.GetWashInProperty());
-    writer.SetRecordingProperty(*read.GetRecordingProperty());
-    writer.SetAnalyzerProperty(*read.GetAnalyzerProperty());
+    io.GetSettingsReader()->ReadFile(ReferencePath("xml/" + name + ".vxs"));
+    CopySettings(*io.GetSettingsReader(), *io.GetSettingsWriter());
 }
 
 std::string Written(CISettingsWriter& writer) {
