@@ -40,13 +40,6 @@ class ReadErrorTest : public testing::Test {
     CVXFileIO m_io;
 };
 
-TEST_F(ReadErrorTest, ValidDocumentsOfEachFormHaveNoError) {
-    for (const char* const form : {"settings", "settings_indented", "settings_sections", "settings_shuffled"})
-        EXPECT_EQ(Settings(ReadAll(ReferencePath("xml/" + std::string(form) + ".vxs"))), "") << form;
-    for (const char* const form : {"results", "results_indented", "results_sections", "results_shuffled"})
-        EXPECT_EQ(Results(ReadAll(ReferencePath("xml/" + std::string(form) + ".vxr"))), "") << form;
-}
-
 TEST_F(ReadErrorTest, OtherKindsOfFilesAreNamed) {
     EXPECT_EQ(Settings(""), "This is an empty file, not a settings file.");
     EXPECT_EQ(Settings(ReadAll(ReferencePath("small_example.vxd"))), "This is a raw data file, not a settings file.");

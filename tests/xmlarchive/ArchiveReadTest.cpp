@@ -166,15 +166,12 @@ TEST_F(ArchiveReadTest, NumbersAreParsedAsFarAsPossible) {
         }
     };
     expect(std::int32_t{-9}, {{"<A>12abc</A>", 12},
-                              {"<A>abc</A>", 0},
-                              {"<A> \t-3</A>", -3},
                               {"<A></A>", -9},
                               {"<A/>", -9},
                               {"<A> </A>", 0},
                               {"<A x=\"4\">5</A>", 4},
                               {"<A x=\"\">5</A>", 0},
                               {"<A><![CDATA[6]]></A>", 6},
-                              {"<A>99999999999</A>", 2147483647},
                               {"<A>1<B/></A>", 1}});
     expect(false, {{"<A>1</A>", true}, {"<A> 1</A>", true}, {"<A>2</A>", false}, {"<A>true</A>", false}});
     expect(true, {{"<A>2</A>", false}, {"<A>-1</A>", false}, {"<A/>", true}});

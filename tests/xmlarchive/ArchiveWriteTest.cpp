@@ -36,15 +36,12 @@ TEST_F(ArchiveWriteTest, ElementsHaveTheirShortestForm) {
 
 TEST_F(ArchiveWriteTest, EachTypeHasItsText) {
     EXPECT_EQ(Value(-5), "-5");
-    EXPECT_EQ(Value(std::int64_t{-100000}), "-100000");
     EXPECT_EQ(Value(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
     EXPECT_EQ(Value(std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
     EXPECT_EQ(Value(std::uint32_t{4294967295U}), "4294967295");
     EXPECT_EQ(Value(std::uint16_t{65535}), "65535");
     EXPECT_EQ(Value(true) + Value(false), "10");
     EXPECT_EQ(Value(0.5), "0.5");
-    EXPECT_EQ(Value(4.0), "4.");
-    EXPECT_EQ(Value(0.0625), "6.25e-002");
     EXPECT_EQ(Value("a<b>\"&'\t\n"), "a&lt;b&gt;&quot;&amp;'\t\n");
     EXPECT_EQ(Value(std::string("Gr\xFCn\x80\xFF ")), "Gr&#252;n&#128;&#255; ");
     EXPECT_EQ(Value(std::string("cut\0off", 7)), "cut");

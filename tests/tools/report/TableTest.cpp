@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -22,9 +21,6 @@ constexpr CColumn kColumns[] = {{"name", EColumnType::Text, "", "", 4},
                                 {"on", EColumnType::Flag, "", ""}};
 
 using CRow = std::vector<CCell>;
-
-const CRow kRow = {"A1", std::int64_t{-7}, std::numeric_limits<std::uint64_t>::max(), 0.1, true};
-const CRow kMissing(5);
 
 CRow WithName(std::string_view name) { return {name, {}, {}, {}, {}}; }
 CRow WithValue(double value) { return {{}, {}, {}, value, {}}; }
@@ -49,18 +45,6 @@ std::string Lines(ETableForm form, const std::vector<CRow>& rows) {
 }
 
 }  // namespace
-
-TEST(Table, IsAnArrayWhoseItemsHaveNoGaps) {
-    const std::string array = Written(ETableForm::Npy, {kRow, kMissing});
-    const std::string type = "[('name','|S4'),('number','<i8'),('dose','<u8'),('value','<f8'),('on','|b1')]";
-    const std::string header = std::string("\x93NUMPY\x01\x00\xB6\x00", 10) + "{'descr': " + type +
-                               ", 'fortran_order': False, 'shape': (2,), }";
-    EXPECT_EQ(array.substr(0, 192), header + std::string(191 - header.size(), ' ') + '\n');
-    const std::string items = std::string("A1\0\0", 4) + "\xF9\xFF\xFF\xFF\xFF\xFF\xFF\xFF" + std::string(8, '\xFF') +
-                              "\x9A\x99\x99\x99\x99\x99\xB9\x3F\x01" + std::string(4 + 7, '\0') + '\x80' +
-                              std::string(8 + 6, '\0') + std::string("\xF8\x7F\0", 3);
-    EXPECT_EQ(array.substr(192), items);
-}
 
 TEST(Table, KeepsATextInItsField) {
     EXPECT_EQ(Lines(ETableForm::Csv, {WithName("a,\"b\"\n")}), "\"a,\"\"b\"\"\n\",,,,\n");
