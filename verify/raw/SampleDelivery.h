@@ -32,7 +32,7 @@ class CSampleDelivery {
 
     CSampleReceiver* m_receiver;
     std::map<std::int32_t, std::int64_t> m_intervals;  ///< Of the wells that the header lists, by their IDs.
-    std::array<std::uint16_t, 4096> m_samples;         ///< Of one part.
+    std::array<std::uint16_t, 4096> m_samples{};       ///< Of one part.
 };
 
 }  // namespace vxfile

@@ -8,7 +8,6 @@
 #include "vxfileio/rawdata/RawDataErrors.h"
 
 using namespace vxfileio::rawdata;
-using vxfileio::access::CIndexBuilder;
 using vxfileio::access::CInternals;
 
 CRawDataFile::CRawDataFile(const std::string& path) {

@@ -46,7 +46,8 @@ CJson CPackedCurves::Add(std::span<const double> values) {
     const std::size_t at = m_text.size();
     char* to = Append(2 * values.size());
     for (const double value : values)
-        to = std::isfinite(value) ? Put(to, static_cast<std::uint32_t>((value - least) * scale + 0.5)) : PutGap(to);
+        to = std::isfinite(value) ? Put(to, static_cast<std::uint32_t>(std::lround((value - least) * scale)))
+                                  : PutGap(to);
     return {{"lo", least}, {"hi", greatest}, {"at", at}, {"n", 2 * values.size()}};
 }
 
