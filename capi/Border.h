@@ -62,6 +62,7 @@ template <class Object, class Body>
 int With(const void* handle, Body body, int refusal = VX_ERROR_FILE) noexcept {
     const CBorrowed borrowed(handle);
     if (borrowed.Code() != VX_OK) return borrowed.Code();
+    if (!borrowed.Object().IsOpen()) return VX_ERROR_STATE;  // the handle keeps why it wasn't opened
     return Guard(refusal, borrowed.Object().error, [&] { body(ObjectOf<Object>(borrowed)); });
 }
 

@@ -280,6 +280,7 @@ static void report_a_failed_open(void) {
     EXPECT(strcmp(error_of(raw), "Cannot open file no/such/file") == 0);
     EXPECT(vx_last_error(raw, text, &size) == VX_ERROR_SHORT_BUFFER && size == 30 && strcmp(text, "Cannot op") == 0);
     EXPECT(vx_raw_get_info(raw, &info) == VX_ERROR_STATE);
+    EXPECT(strcmp(error_of(raw), "Cannot open file no/such/file") == 0); /* still why it wasn't opened */
     WORKS(vx_close(raw));
     EXPECT(vx_close(raw) == VX_ERROR_HANDLE && vx_last_error(raw, text, &size) == VX_ERROR_HANDLE);
     WORKS(vx_close(NULL));
