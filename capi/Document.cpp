@@ -154,6 +154,8 @@ template <class Number>
 void SetNumbers(const CNode& list, std::span<const Number> numbers) {
     if (list.type->Kind() != VX_TYPE_LIST) throw CFailed{VX_ERROR_TYPE, "The value isn't a list of numbers."};
     const std::size_t before = list.type->Count(list.object);
+    const CNode first = list.type->Find(list.object, "0");
+    if (first.object != nullptr) static_cast<void>(first.type->Number(first.object));  // throws if it isn't a number
     try {
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             const std::string name = std::to_string(before + i);

@@ -603,10 +603,14 @@ static void change_settings(void) {
     WORKS(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "B"));
     EXPECT(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "BB") == VX_ERROR_VALUE);
     WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 3));
+    EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Compounds", NULL, 0) == VX_ERROR_TYPE);
+    WORKS(vx_document_get_count(settings, "PropertyRecordPlate/Compounds", &count));
+    EXPECT(count == 1);
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
     WORKS(vx_document_save(settings, copy, -1));
     EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_ARGUMENT);
+    EXPECT(vx_document_save(settings, own("no/such/folder.vxs"), -1) == VX_ERROR_FILE);
     WORKS(vx_close(settings));
 
     WORKS(vx_document_open(&settings, VX_SETTINGS, copy));
