@@ -23,12 +23,13 @@
  *
  * Threads
  *   Different handles can be used in different threads at the same time, even if one was made from the other.
- *   While one thread uses a handle, other calls with the same handle return VX_ERROR_BUSY. So do calls from a
- *   callback with the handle whose call made it.
+ *   While one call uses a handle, every other call with the same handle returns VX_ERROR_BUSY. A callback can
+ *   call any function. The handle that its own call makes doesn't exist yet: *out is NULL.
  *
  * Errors
  *   Each handle keeps the text of its last failed call; see vx_last_error. A call that works doesn't change
- *   it.
+ *   it, and neither does one that finds its first handle busy. A handle whose open call failed keeps that
+ *   failure.
  *
  * Texts
  *   Paths and the texts of errors are UTF-8 on every system. Texts that are stored in files are bytes:
@@ -178,7 +179,8 @@ typedef struct vx_recording_info {
 #define VX_RECORDING_INFO_INIT \
     { sizeof(vx_recording_info), 0, 0, 0, 0, 0, 0 }
 
-/* Opens a raw data file and reads its header and those of all recordings. The file may still be growing. */
+/* Opens a raw data file and reads its header and those of all recordings. The file may still be growing; open it again
+ * to see new recordings, or that one has been finished. */
 VX_API int VX_CALL vx_raw_open(vx_raw** out, const char* path);
 VX_API int VX_CALL vx_raw_get_info(vx_raw* raw, vx_raw_info* info);
 /* Returns a text of the file header; `text` is one of vx_raw_text. */
@@ -340,7 +342,7 @@ typedef struct vx_file_header {
 /* The header of a recording. */
 typedef struct vx_recording_header {
     int64_t size;
-    const char* task; /* The task that makes it, such as "Series". */
+    const char* task; /* The task that makes it, such as "Series"; not NULL. */
     int64_t dose;
     uint64_t start_time;
     int64_t recording_time; /* Its length. */
@@ -464,7 +466,8 @@ VX_API int VX_CALL vx_document_open(vx_document** out, int32_t kind, const char*
 VX_API int VX_CALL vx_document_get_faults(vx_document* document, char* buffer, int64_t* size);
 /* Writes a file, or replaces it once the new one is whole. Settings hold one compound and the marks of its active
  * wells: that at the index `compound` of the plate's list, or the first one with all active wells for -1. For results,
- * `compound` is -1. VX_ERROR_WRITE if the system refused something; the old file is unchanged then. */
+ * `compound` is -1. VX_ERROR_FILE if the new file can't be created, VX_ERROR_WRITE if the system refused something
+ * else; the old file is unchanged then. */
 VX_API int VX_CALL vx_document_save(vx_document* document, const char* path, int32_t compound);
 
 /* Returns what is at a path: one of vx_type. */
@@ -535,7 +538,7 @@ typedef struct vx_report vx_report; /* What was found in a file. */
 enum vx_file_kind { VX_FILE_RAW = 0, VX_FILE_SETTINGS = 1, VX_FILE_RESULTS = 2, VX_FILE_WORKBOOK = 3 };
 
 /* What long work calls, in the thread that called it. Each may be NULL. If one returns anything but 0, the work ends,
- * and its call returns VX_CANCELLED. */
+ * and its call returns VX_CANCELLED. No exception and no longjmp may leave a callback. */
 typedef struct vx_callbacks {
     int64_t size;
     void* user; /* Passed on. */
@@ -550,7 +553,7 @@ typedef struct vx_callbacks {
 typedef struct vx_recover_options {
     int64_t size;
     int32_t keep_cut; /* Keep a last segment that was cut, up to its last whole sample. */
-    int32_t replace;  /* Replace the target if it exists. */
+    int32_t replace;  /* Replace the target if it exists; otherwise VX_ERROR_WRITE. */
 } vx_recover_options;
 #define VX_RECOVER_OPTIONS_INIT \
     { sizeof(vx_recover_options), 0, 0 }
