@@ -25,7 +25,8 @@ public static class Vx {
         if (code == VX_OK) return;
         var text = new byte[1000];
         long size = text.Length;
-        if (vx_last_error(handle, text, ref size) == VX_ERROR_HANDLE) vx_code_text(code, text, ref size);
+        int found = code == VX_ERROR_BUSY ? code : vx_last_error(handle, text, ref size);
+        if (found == VX_ERROR_BUSY || found == VX_ERROR_HANDLE) vx_code_text(code, text, ref size);
         throw new VxException(code, Encoding.UTF8.GetString(text).TrimEnd('\0'));
     }
 

@@ -37,14 +37,18 @@ public interface VxFileIO extends Library {
         if (code == VX_OK) return;
         byte[] text = new byte[1000];
         LongByReference size = new LongByReference(text.length);
-        if (VX.vx_last_error(handle, text, size) == VX_ERROR_HANDLE) VX.vx_code_text(code, text, size);
+        int found = code == VX_ERROR_BUSY ? code : VX.vx_last_error(handle, text, size);
+        if (found == VX_ERROR_BUSY || found == VX_ERROR_HANDLE) VX.vx_code_text(code, text, size);
         throw new VxException(code, Native.toString(text, StandardCharsets.UTF_8));
     }
 
     /** A call that makes a handle. */
     interface Make { int call(PointerByReference out); }
 
-    /** Returns the handle that a call makes, or closes it and throws if the call fails. */
+    /**
+     * Returns the handle that a call makes, or closes it and throws if the call fails. To keep a document that is
+     * VX_DAMAGED, call vx_document_open itself.
+     */
     static Pointer open(Make call) {
         PointerByReference out = new PointerByReference();
         int code = call.call(out);

@@ -29,7 +29,8 @@ def _check(code, _function, arguments):
         return code
     handle = getattr(arguments[0], "_obj", arguments[0])  # a call that makes a handle has a place for it
     text, size = ctypes.create_string_buffer(1000), byref(c_int64(1000))
-    if not isinstance(handle, c_void_p) or _library.vx_last_error(handle, text, size) == VX_ERROR_HANDLE:
+    has_text = isinstance(handle, c_void_p) and code != VX_ERROR_BUSY
+    if not has_text or _library.vx_last_error(handle, text, size) in (VX_ERROR_BUSY, VX_ERROR_HANDLE):
         _library.vx_code_text(code, text, size)
     raise VxError(code, text.value.decode(errors="replace"))
 
@@ -45,13 +46,17 @@ def _array(element):
     class Array:
         @staticmethod
         def from_param(values):
-            return values if values is None or isinstance(values, ctypes.Array) else (element * len(values))(*values)
+            is_right = values is None or isinstance(values, ctypes.Array) and values._type_ is element
+            return values if is_right else (element * len(values))(*values)
 
     return Array
 
 
 def opened(function, *arguments):
-    """Returns the handle that a function makes, or closes it if the function fails."""
+    """Returns the handle that a function makes, or closes it if the function fails.
+
+    To keep a document that is VX_DAMAGED, call vx_document_open itself.
+    """
     handle = c_void_p()
     try:
         function(byref(handle), *arguments)
