@@ -308,8 +308,8 @@ VX_API int VX_CALL vx_selection_read_scaled(vx_selection* selection, double* val
 #define VX_ALL_WELLS (-1)
 
 /* Opens a finished recording to read its segments one after the other: those of `only_well`, or all with VX_ALL_WELLS.
- * Returns at once, whereas vx_recording_open first reads the headers of all segments. VX_ERROR_FILE if the recording
- * isn't finished. */
+ * Returns at once, whereas vx_recording_open first reads the headers of all segments. It is not an error if the well
+ * has no segments. VX_ERROR_FILE if the recording isn't finished. */
 VX_API int VX_CALL vx_segments_open(vx_segments** out, vx_raw* raw, int64_t index, int32_t only_well);
 /* Returns the next segment and its samples; those beyond the end of a cut file are 0. If `samples` is NULL or too
  * small, the next call returns the same segment, even if it has no samples. VX_END after the last one. VX_ERROR_FILE if
@@ -357,7 +357,8 @@ typedef struct vx_recording_header {
  *
  * VX_ERROR_REFUSED: a value or the order of calls is wrong; nothing was written, and the writer stays usable.
  * VX_ERROR_WRITE: the call was made, but there is something new in vx_writer_get_report. A segment that the system
- * refused is left out, the file stays valid, and the next call tries again. */
+ * refused is left out, the file stays valid, and the next call tries again. VX_OK: the report has nothing new, though
+ * the system may still refuse what it refused before; vx_writer_finish says whether the file is complete. */
 VX_API int VX_CALL vx_writer_create(vx_writer** out, const char* path, int32_t mode);
 /* Makes the writer refuse everything that a check of the file would report later, or stops that. */
 VX_API int VX_CALL vx_writer_set_strict(vx_writer* writer, int32_t is_strict);

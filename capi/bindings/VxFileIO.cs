@@ -1,7 +1,8 @@
 // The constants, structs and functions of vxfileio.h, which describes them, for C#.
 //
 // Structs are classes that know their size; null stands for NULL. A handle closes itself, at the latest when it is
-// collected. The DLL, or libvxfileio_c.so, must be where the system finds it.
+// collected. Only vx_writer_finish reports that a file isn't complete; closing a writer doesn't. The DLL, or
+// libvxfileio_c.so, must be where the system finds it.
 using System;
 using System.Runtime.InteropServices;
 using System.Text;
