@@ -376,7 +376,8 @@ VX_API int VX_CALL vx_writer_set_list(vx_writer* writer, int32_t list, const int
 /* Waits until the disk has everything written so far. VX_ERROR_WRITE if it wouldn't survive a power cut. */
 VX_API int VX_CALL vx_writer_flush_to_disk(vx_writer* writer);
 /* Finishes the last recording and the file. VX_ERROR_WRITE if vx_writer_get_report isn't empty. Later calls that write
- * or flush return VX_ERROR_REFUSED. */
+ * or flush return VX_ERROR_REFUSED. It is not an error if the file has no recording, not even of a strict writer;
+ * vx_raw_open fails for such a file. */
 VX_API int VX_CALL vx_writer_finish(vx_writer* writer);
 /* Returns what the system refused so far, and which values readers can't use; empty if the file is as it should be. */
 VX_API int VX_CALL vx_writer_get_report(vx_writer* writer, char* buffer, int64_t* size);
@@ -586,8 +587,8 @@ enum vx_finding_text {
     VX_FINDING_MEANING = 3
 };
 
-/* Checks a file against everything that the format of its kind fixes. `kind` is one of vx_file_kind. Findings are not a
- * failure of the call. */
+/* Checks a file against everything that the format of its kind fixes. `kind` is one of vx_file_kind, whose numbers
+ * aren't those of vx_document_kind. Findings are not a failure of the call. */
 VX_API int VX_CALL vx_verify(vx_report** out, const char* path, int32_t kind, const vx_callbacks* callbacks);
 /* Writes everything that is whole in an unfinished, cut or damaged raw data file to a new one. The source is only read.
  * VX_ERROR_FILE if there is nothing to save. If the call fails or is cancelled, the target is as it was. */
