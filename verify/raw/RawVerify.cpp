@@ -115,6 +115,7 @@ class CRawVerifier {
     void JudgeBreak(const CChainBreak& chainBreak, const std::string& where, std::string_view wanted,
                     const std::string& meaning);
     void JudgeBreakOfRecordings(const CChainBreak& chainBreak);
+    std::int64_t EndOfSamples(const CSegmentAt& segment) const;
     bool IsIncomplete(const CSegmentAt& segment) const;
     bool IsBeingWritten(CRange tail) const;
     void JudgeCoverage();
@@ -265,7 +266,7 @@ void CRawVerifier::JudgeSegment(const CSegmentAt& segment, const CRecordingAt& r
 /// Delivers the samples, and looks for pages of zeros, which a power cut leaves; they may include the header's `Size`.
 /// Stops once it has read as many bytes as the file has, which happens only if segments overlap.
 void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& name) {
-    const std::int64_t end = std::min(segment.End(), m_scan.Size());
+    const std::int64_t end = EndOfSamples(segment);
     const std::int64_t size = end - segment.DataPosition();
     if (size < 0) return;
     if (size > m_mostSamples) return m_delivery.Miss();
@@ -282,6 +283,18 @@ void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& na
         Add(name + " > samples", failure.Position(), "a byte that can't be read", "samples", "The disk is damaged.");
         m_delivery.Miss();
     }
+}
+
+/// Returns the end of the samples in the file. If a header to which a position points begins before it, `Size` is
+/// damaged, and the samples end there.
+std::int64_t CRawVerifier::EndOfSamples(const CSegmentAt& segment) const {
+    std::int64_t end = std::min(segment.End(), m_scan.Size());
+    const auto isWithin = [&](std::int64_t position) { return position >= segment.DataPosition() && position < end; };
+    const std::int64_t next = segment.header.FPosNextSegmentHdr;
+    if (isWithin(next) && m_scan.HasSegmentAt(next)) end = next;
+    const std::int64_t nextRecording = m_recording->header.FPosNextRecordingHdr;
+    if (isWithin(nextRecording) && m_scan.HasRecordingAt(nextRecording)) end = nextRecording;
+    return end;
 }
 
 /// Returns true if the file ends inside the segment, as it may in an unfinished recording.

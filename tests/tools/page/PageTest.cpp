@@ -159,6 +159,22 @@ TEST(TraceReader, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
                                 "Only a part of the recording of A is shown, since the raw data file is damaged."}));
 }
 
+TEST(TraceReader, LosesNoSamplesAfterADamagedSize) {
+    const CTempFolder folder;
+    const CSegmentTexts segments = {{11, 0, {1, 2}}, {11, 200, {3, 4}}};
+    const std::string bytes = FileOf({segments, segments});
+    for (const std::size_t segment : {std::size_t{1190 + 2460}, std::size_t{1190 + 2460 + 304}}) {
+        WriteAll(folder.Path("run.vxd"), WithCell(bytes, "Size", "100000", segment));
+        CPlateValues values;
+        values.wells.resize(1);
+        values.wells[0].id = 11;
+        values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
+        ReadTraces(values, folder.Path("run.vxd"));
+        EXPECT_EQ(StepsOf(values.traces[0][0]), "1..1 2..2 3..3 4..4 ");
+        EXPECT_EQ(StepsOf(values.traces[1][0]), "1..1 2..2 3..3 4..4 ");
+    }
+}
+
 TEST(TraceReader, HasAGapWhereAFileIsCut) {
     const CTempFolder folder;
     const std::string bytes = FileOf({{{11, 0, {5, 6, 7, 8}}}});
