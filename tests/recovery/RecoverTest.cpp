@@ -362,6 +362,20 @@ TEST_F(RecoverTest, TheIntervalIsTheOneThatMostSegmentsFit) {
     EXPECT_EQ(ReadAll(m_out), file.bytes);
 }
 
+// Readers hold an interval in 32 bits.
+TEST_F(RecoverTest, IntervalsThatReadersCannotHoldAreNotMadeUp) {
+    const std::string chain = ChainBytes({{11, 0, {1, 2}, 3'000'000'000}, {12, 0, {3, 4}, 5'000'000'000}});
+    std::string bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) + chain;
+    bytes.replace(bytes.find("Ticks=") + 6, 7, "xxx:xxx");
+    const std::vector<CSeen> kept = Recovered(bytes);
+    ASSERT_EQ(kept.size(), 1U);  // the samples of the other well are more than 32 bits apart
+    EXPECT_EQ(kept[0].samples, (std::vector<std::uint16_t>{1, 2}));
+    ExpectSound();
+    ASSERT_EQ(m_report.losses.first.size(), 1U);
+    EXPECT_EQ(m_report.losses.first[0].wellID, 12);
+    EXPECT_NE(ReadAll(m_out).find("Ticks=2147483647"), std::string::npos);
+}
+
 // In an unfinished recording only the segments' positions show that something is missing. An empty one has none.
 TEST_F(RecoverTest, CutsBetweenSegmentsAreReported) {
     CWritten file = TakingTurns(3);
