@@ -552,6 +552,17 @@ TEST_F(FolderReport, HasAPlateOnceThatIsNamedTwice) {
     EXPECT_NE(run.out.find("2 plates, 2 pages made"), std::string::npos) << run.out;
 }
 
+#if defined(__linux__)  // which allows links to themselves
+TEST_F(FolderReport, ComplainsAboutEachFileThatCannotBeOpened) {
+    for (const char* name : {"c.vxr", "d.vxr"})
+        fs::create_symlink(name, Path(name));
+    const CToolRun run = RunTool({"report", Path("c.vxr"), Path("d.vxr"), "-o", Path("pages")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("c.vxr"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("d.vxr"), std::string::npos) << run.err;
+}
+#endif
+
 TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {
     fs::create_directories(Path("pages"));
     std::ofstream(Path("pages/a.html")) << "mine";

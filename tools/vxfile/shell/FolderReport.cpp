@@ -141,7 +141,9 @@ std::vector<std::string> ResultsIn(const std::vector<std::string>& paths) {
     std::set<fs::path> known;
     std::error_code ignored;
     const auto add = [&](const std::string& path) {
-        if (known.insert(fs::weakly_canonical(path, ignored)).second) results.push_back(path);
+        std::error_code failure;
+        const fs::path whole = fs::weakly_canonical(path, failure);
+        if (known.insert(failure ? fs::path(path) : whole).second) results.push_back(path);
     };
     for (const std::string& path : paths) {
         if (!fs::is_directory(path, ignored)) {
