@@ -18,6 +18,8 @@ TEST(CellTest, HoldsOneValueAtATime) {
     EXPECT_EQ(cell.Type(), CellType::Double);
     EXPECT_EQ(cell.GetDouble(), -2.75);
     EXPECT_EQ(cell.GetInteger(), -2);
+    cell.SetDouble(1e300);
+    EXPECT_EQ(cell.GetInteger(), -2147483647 - 1) << "what doesn't fit";
     cell.SetText("B07");
     EXPECT_EQ(cell.Type(), CellType::Text);
     EXPECT_EQ(cell.GetText(), "B07");

@@ -30,7 +30,7 @@ PROGRAMS = {
     "capi": ["c_interface", "bindings"],
     "recovery": ["recover_test", "sessions", "faults_test"],
     "verify": ["vxfile_test", "sessions", "recover_test"],
-    "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog"],
+    "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog", "tool_faults_test"],
 }
 
 # Checks by script: the target that each one needs, and its command. {} is the build folder; paths are those of the

@@ -90,6 +90,11 @@ def check_runs(folder):
     assert of_run("a/cut.vxd") == ["./a/cut.vxd", "./a/b/run.vxs", ""]
     assert of_run("a-1.vxd") == ["./a-1.vxd", "./a/b/run.vxs", ""]
     assert of_run("a/book.xls") == of_run("a/b/run.vxr") == ["", "", ""]
+    two = folder.parent / "two"  # of two files of a run, the first one counts
+    two.mkdir()
+    for name, source in ("1.vxd", "small_example.vxd"), ("2.vxd", "small_example.vxd"), ("3.vxs", "xml/settings.vxs"):
+        shutil.copyfile(REFERENCE / source, two / name)
+    assert rows_of(run("two", status=0, folder=folder.parent)[0])[2]["run_raw"] == "two/1.vxd"
 
 
 def check_changes(folder):

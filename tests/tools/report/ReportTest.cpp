@@ -66,14 +66,14 @@ TEST(Findings, HaveTheStatusOfTheWorst) {
 TEST(Findings, AreAllCountedAndTheFirstThousandKept) {
     CFindings findings;
     CDifferences differences;
-    for (int i = 0; i < 1001; ++i) {
+    for (int i = 0; i < 1002; ++i) {
         findings.Add({.where = std::to_string(i), .found = {}, .expected = {}, .meaning = {}});
         differences.Add({std::to_string(i), "", ""});
     }
-    EXPECT_EQ(findings.Count(), 1001U);
+    EXPECT_EQ(findings.Count(), 1002U);
     ASSERT_EQ(findings.Kept().size(), 1000U);
     EXPECT_EQ(findings.Kept().back().where, "999");
-    EXPECT_EQ(differences.Count(), 1001U);
+    EXPECT_EQ(differences.Count(), 1002U);
     ASSERT_EQ(differences.Kept().size(), 1000U);
     EXPECT_EQ(differences.Kept().back().where, "999");
 }
