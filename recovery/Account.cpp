@@ -394,12 +394,13 @@ std::optional<CFound> FollowPositions(CWindow& window, const CCandidates& candid
         if (recording == nullptr || recording->next == kUnset) return std::nullopt;
         found.recordings.push_back(FoundRecording(window, *recording, recording->end));
         next = recording->next;
+        bool isEmpty = next == recording->end;
         while (const CCandidate* const segment = Take(candidates, EKind::Segment, next, taken)) {
+            isEmpty = false;
             const auto index = static_cast<std::uint32_t>(found.recordings.size() - 1);
             found.segments.push_back(FoundSegment(*segment, segment->size, index));
             next = segment->next;
         }
-        const bool isEmpty = next == recording->next && next == recording->end;
         if (next != kUnset && !isEmpty) return std::nullopt;
         next = recording->from;
     }

@@ -746,6 +746,15 @@ TEST_F(RecoverTest, ChainsThatRunBackwardsKeepTheirOrder) {
     EXPECT_EQ(lost, (std::vector<std::pair<std::int64_t, std::int64_t>>{{1190, 1298}, {1606, 3724}, {6184, 6684}}));
 }
 
+TEST_F(RecoverTest, ChainsThatRunInACircleAreInDoubt) {
+    EXPECT_EQ(Recovered(ReadAll(Reference("circle_of_segments.vxd"))).size(), 3U);
+    std::vector<std::int64_t> doubts;
+    for (const auto& doubt : m_report.doubts.first)
+        doubts.push_back(doubt.from);
+    EXPECT_EQ(doubts, (std::vector<std::int64_t>{3958, 7034}));
+    EXPECT_FALSE(m_report.IsComplete());
+}
+
 TEST_F(RecoverTest, TheNewFileIsAlwaysSound) {
     for (const auto& entry : std::filesystem::directory_iterator(VXFILEIO_REFERENCE_DIR)) {
         if (entry.path().extension() != ".vxd") continue;
