@@ -270,6 +270,7 @@ void CRawVerifier::JudgeSamples(const CSegmentAt& segment, const std::string& na
     const std::int64_t size = end - segment.DataPosition();
     if (size < 0) return;
     if (size > m_mostSamples) return m_delivery.Miss();
+    if (end == m_scan.Size() && end < segment.End()) m_delivery.Miss();
     m_mostSamples -= size;
     const auto report = [&](std::int64_t from, std::int64_t to) {
         Add(name + " > samples", from, Counted(static_cast<std::uint64_t>(to - from), "byte") + " that are 0",

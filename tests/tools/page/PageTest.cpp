@@ -172,6 +172,7 @@ TEST(TraceReader, LosesNoSamplesAfterADamagedSize) {
         ReadTraces(values, folder.Path("run.vxd"));
         EXPECT_EQ(StepsOf(values.traces[0][0]), "1..1 2..2 3..3 4..4 ");
         EXPECT_EQ(StepsOf(values.traces[1][0]), "1..1 2..2 3..3 4..4 ");
+        EXPECT_TRUE(values.notes.empty());
     }
 }
 
@@ -185,6 +186,25 @@ TEST(TraceReader, HasAGapWhereAFileIsCut) {
     values.recordings = {{"CompoundTest", 1000, "", "A"}};
     ReadTraces(values, folder.Path("run.vxd"));
     EXPECT_EQ(StepsOf(values.traces[0][0]), "5..5 6..6 ");
+    EXPECT_EQ(
+        values.notes,
+        (std::vector<std::string>{"Only a part of the recording of A is shown, since the raw data file is damaged."}));
+}
+
+TEST(TraceReader, NotesTheFirstWellThatAHeaderDoesNotList) {
+    const CTempFolder folder;
+    WriteAll(folder.Path("run.vxd"), FileOf({{{11, 0, {1}}, {13, 0, {2}}, {14, 0, {3}}, {15, 0, {4}}}}));
+    CPlateValues values;
+    values.wells.resize(3);
+    for (std::size_t i = 0; i < 3; ++i)
+        values.wells[i].id = static_cast<std::int32_t>(11 + 2 * i);  // 11, 13 and 15; the header lists 11 and 12
+    values.recordings = {{"CompoundTest", 1000, "", "A"}};
+    ReadTraces(values, folder.Path("run.vxd"));
+    EXPECT_EQ(StepsOf(values.traces[0][1]), "2..2 ");
+    EXPECT_EQ(values.notes,
+              (std::vector<std::string>{"The header of the recording of A doesn't list each well that has samples; the "
+                                        "first is well 13. Traces without units are in AD steps. Run 'vxfile verify' "
+                                        "on the file."}));
 }
 
 TEST(TraceReader, NotesWellsWhoseUnitsAreNoNumber) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "tools/vxfile/report/Text.h"
@@ -19,6 +20,8 @@ constexpr std::size_t kFewestSteps = 16;
 
 /// The position of the segments in the header of a recording that its writer never finished.
 constexpr std::int64_t kUnfinished = -1;
+
+constexpr std::string_view kNoUnits = ". Traces without units are in AD steps. Run 'vxfile verify' on the file.";
 
 /// Returns the recordings of a task by their numbers.
 std::map<std::int32_t, std::size_t> RecordingsOf(const CRawDataFile& file, const std::string& task) {
@@ -68,6 +71,8 @@ void CTraceReader::Begin(std::size_t recording, const std::vector<CRawDataChanne
     const auto found = m_shown.find(recording);
     m_traces = nullptr;
     m_isMissing = false;
+    m_isUnlistedNoted = false;
+    m_listed.clear();
     if (found == m_shown.end()) return;
     const auto [line, length] = found->second;
     m_line = line;
@@ -75,6 +80,7 @@ void CTraceReader::Begin(std::size_t recording, const std::vector<CRawDataChanne
     std::ranges::fill(*m_traces, CTrace(m_steps, length, {}));
     std::vector<std::int32_t> withoutUnits;
     for (const CRawDataChannelInfo& well : wells) {
+        m_listed.insert(well.ID);
         const auto place = m_wells.find(well.ID);
         if (place == m_wells.end()) continue;
         (*m_traces)[place->second] = CTrace(m_steps, length, {well.UnitsPerAD, well.ADZero});
@@ -85,14 +91,22 @@ void CTraceReader::Begin(std::size_t recording, const std::vector<CRawDataChanne
 
 void CTraceReader::NoteUnits(const std::vector<std::int32_t>& wells) {
     m_values.notes.push_back("UnitsPerADs or ADZeros in the header of " + Name() + " has no number for " +
-                             (wells.size() == 1 ? "well " : "wells ") + ListText(wells) +
-                             ". Traces without units are in AD steps. Run 'vxfile verify' on the file.");
+                             (wells.size() == 1 ? "well " : "wells ") + ListText(wells) + std::string(kNoUnits));
+}
+
+void CTraceReader::NoteUnlisted(std::int32_t well) {
+    if (std::exchange(m_isUnlistedNoted, true)) return;
+    m_values.notes.push_back("The header of " + Name() +
+                             " doesn't list each well that has samples; the first is well " + std::to_string(well) +
+                             std::string(kNoUnits));
 }
 
 void CTraceReader::Take(const CSegmentSamples& samples) {
     if (m_traces == nullptr) return;
     const auto place = m_wells.find(samples.well);
-    if (place != m_wells.end()) (*m_traces)[place->second].Add(samples.timeFrom, samples.interval, samples.samples);
+    if (place == m_wells.end()) return;
+    if (!m_listed.contains(samples.well)) NoteUnlisted(samples.well);
+    (*m_traces)[place->second].Add(samples.timeFrom, samples.interval, samples.samples);
 }
 
 void CTraceReader::Miss() {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,7 @@ class CTraceReader : public CSampleReceiver {
 
     void FindLine(std::size_t line, std::size_t place, const CRawDataFile& file);
     void NoteUnits(const std::vector<std::int32_t>& wells);
+    void NoteUnlisted(std::int32_t well);
     std::string Name() const { return "the recording of " + m_values.recordings[m_line].name; }
 
     CPlateValues& m_values;
@@ -40,7 +42,9 @@ class CTraceReader : public CSampleReceiver {
     std::map<std::size_t, CShown> m_shown;        ///< By the number of the recording in the file.
     std::size_t m_line = 0;                       ///< Of the current recording.
     std::vector<CTrace>* m_traces = nullptr;      ///< Those of this line; null if the page doesn't show the recording.
+    std::set<std::int32_t> m_listed;              ///< The wells in the header of the current recording.
     bool m_isMissing = false;                     ///< Whether a note says that samples of the recording are missing.
+    bool m_isUnlistedNoted = false;               ///< Whether a note names a well that the header doesn't list.
 };
 
 }  // namespace vxfile::page
