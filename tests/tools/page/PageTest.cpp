@@ -512,8 +512,10 @@ TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
 TEST_F(ReportCommand, ShowsTheResultsIfTheRecordingCannotBeRead) {
     const std::string recording = Own("run.vxd");
     fs::copy_file(VXFILEIO_REFERENCE_DIR "/small_example.vxd", recording);
+    EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page}).status, 1)
+        << "the file is sound, but has other recordings";
     fs::resize_file(recording, 1240);  // within the first recording header
-    const CToolRun run = RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page});
+    const CToolRun run = RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page, "--force"});
     EXPECT_EQ(run.status, 1) << run.err;
     EXPECT_NE(PageText().find(fs::path(recording).filename().string() + ": Error reading Recording Header"),
               std::string::npos);
