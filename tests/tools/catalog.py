@@ -148,7 +148,7 @@ def check_names(folder):
     items = [json.loads(line) for line in run("odd", "--jsonl", status=2, folder=odd.parent)[0].splitlines()]
     assert [item["path"] for item in items] == [row["path"] for row in rows]
     database = str(folder.parent / "odd.db")
-    for read in 4, 0:
+    for read in 4, 1:  # the unreadable one is tried again
         assert f"4 files, {read} of them read now" in run(str(odd), "--sqlite", database, status=2)[1]
     assert sorted(path for path, in stored(database, "SELECT path FROM files")) == sorted(
         str(odd.parent / path) for path in expected)
@@ -188,6 +188,12 @@ def check_database(folder, database):
     assert stored(database, "SELECT file_state FROM files WHERE path LIKE '%/cut.vxd'") == [("finished",)]
     assert stored(database, "SELECT count(*) FROM files") == [(12,)]
     assert stored(database, "SELECT count(*) FROM recordings WHERE path NOT IN (SELECT path FROM files)") == [(0,)]
+
+    # A file that could not be read is tried again: new rights change neither its size nor its time.
+    with sqlite3.connect(database) as connection:
+        connection.execute("UPDATE files SET file_state = 'unreadable' WHERE path LIKE '%/cut.vxd'")
+    assert "12 files, 1 of them read now" in run(*options, status=1)[1]
+    assert stored(database, "SELECT count(*) FROM files WHERE file_state = 'unreadable'") == [(0,)]
 
     # Another folder doesn't remove the first one.
     other = folder.parent / "other"
@@ -236,6 +242,7 @@ with tempfile.TemporaryDirectory() as top:
     if os.name == "posix":
         check_names(root)
     assert "'0' isn't a number of files from 1" in run(".", "-j", "0", status=2)[1]
+    assert "--force excludes --sqlite" in run(".", "--sqlite", str(root.parent / "never.db"), "--force", status=2)[1]
     check_database(root, str(root.parent / "plates.db"))
     check_interruption(root, str(root.parent / "again.db"))
     assert run(str(root / "nowhere"), status=2)[1].startswith("vxfile: Can't look into the folder")

@@ -18,7 +18,7 @@ class CCatalogStore {
     CCatalogStore& operator=(const CCatalogStore&) = delete;
 
     /// Marks a file as existing, by its `PathText`, as all paths here. Returns true if its row has the same stamp, so
-    /// that it needn't be scanned.
+    /// that it needn't be scanned. An unreadable file is never known: new rights don't change its stamp.
     [[nodiscard]] virtual bool IsKnown(const std::string& path, const CStamp& stamp) = 0;
 
     /// Keeps the rows of files below a folder that can't be read now.

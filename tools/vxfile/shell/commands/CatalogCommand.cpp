@@ -53,17 +53,18 @@ class CCatalogCommand : public CCommand {
             {.names = "FOLDER", .target = &m_arguments, .text = "Folders, or files", .isRequired = true},
             {.names = "--recordings", .target = &m_hasRecordings, .text = "One row per recording instead of per file"},
         };
-        return Together(Together(own, m_form.Options(false)),
-                        {{.names = "--sqlite",
-                          .target = &m_database,
-                          .text = "Create or update this database, which has both tables",
-                          .value = "FILE",
-                          .excludes = {"--csv", "--tsv", "--jsonl", "--output", "--recordings", "--columns"}},
-                         {.names = "-j,--jobs",
-                          .target = &m_threads,
-                          .text = "Read this many files at once; by default one per processor",
-                          .wanted = "a number of files from 1",
-                          .least = 1}});
+        return Together(
+            Together(own, m_form.Options(false)),
+            {{.names = "--sqlite",
+              .target = &m_database,
+              .text = "Create or update this database, which has both tables",
+              .value = "FILE",
+              .excludes = {"--csv", "--tsv", "--jsonl", "--output", "--force", "--recordings", "--columns"}},
+             {.names = "-j,--jobs",
+              .target = &m_threads,
+              .text = "Read this many files at once; by default one per processor",
+              .wanted = "a number of files from 1",
+              .least = 1}});
     }
 
     int Run() override {
@@ -171,13 +172,17 @@ class CCatalogCommand : public CCommand {
             const CStamp stamp = StampOf(path);
             if (!stamp.modified.empty() && !store->IsKnown(PathText(path), stamp)) changed.push_back(std::move(path));
         }
-        Scan(changed, [&](const CCatalogEntry& entry) { store->Put(entry); });
+        std::uint64_t put = 0;
+        Scan(changed, [&](const CCatalogEntry& entry) {
+            store->Put(entry);
+            ++put;
+        });
         for (const auto& folder : m_folders)
             store->RemoveOthersBelow(PathText(folder));
         for (const auto& [state, count] : store->States())
             m_states[state] += count;
         store->Commit();
-        m_note = ", " + std::to_string(changed.size()) + " of them read now";
+        m_note = ", " + std::to_string(put) + " of them read now";
     }
 
     std::uint64_t CountOf(std::string_view state) { return m_states[std::string(state)]; }

@@ -33,7 +33,8 @@ constexpr CCommandText kDiffText = {
     .statuses =
         "  0  the contents are the same\n"
         "  1  they differ\n"
-        "  2  no difference was found, but some content could not be compared",
+        "  2  a file can't be read, the kinds differ, or no difference was found, but some\n"
+        "     content could not be compared",
 };
 
 constexpr std::size_t kMostPrinted = 50;

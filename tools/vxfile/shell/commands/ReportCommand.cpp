@@ -29,7 +29,8 @@ constexpr CCommandText kReportText = {
     .statuses =
         "  0  the page was written\n"
         "  1  written, but from damaged files or those of different runs; the page says so\n"
-        "  2  not written, or it exists already; nothing was replaced",
+        "  2  not written, or it exists already; nothing was replaced. With an index, also if\n"
+        "     some plates can't be read; the index has the reason",
 };
 
 class CReportCommand : public CCommand {
