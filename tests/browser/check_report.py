@@ -211,7 +211,8 @@ def check_print(browser, page):
     pdf = OUTPUT / "plate.pdf"
     pdf.write_bytes(browser.print_to_pdf())
     text = subprocess.run(["pdftotext", "-layout", pdf, "-"], check=True, stdout=subprocess.PIPE, text=True).stdout
-    for word in ("Example compound", "QT-Interval, normalised, 3 µM", "A1", "H3", "deselected", "plate.vxd"):
+    for word in ("Example compound", "QT-Interval, normalised, 3 µM", "A1", "H3", "deselected", "n=22",
+                 "Recorded signal at 3 µM", "plate.vxd"):
         assert word in text, f"the printed page lacks {word}"
 
 
