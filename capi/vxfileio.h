@@ -468,8 +468,9 @@ VX_API int VX_CALL vx_document_open(vx_document** out, int32_t kind, const char*
 VX_API int VX_CALL vx_document_get_faults(vx_document* document, char* buffer, int64_t* size);
 /* Writes a file, or replaces it once the new one is whole. Settings hold one compound and the marks of its active
  * wells: that at the index `compound` of the plate's list, or the first one with all active wells for -1. For results,
- * `compound` is -1. VX_ERROR_FILE if the new file can't be created, VX_ERROR_WRITE if the system refused something
- * else; the old file is unchanged then. */
+ * `compound` is -1. A settings file gets the current time as PropertyAnalyzer/AnalyzingDate; the document keeps its
+ * own. VX_ERROR_FILE if the new file can't be created, VX_ERROR_WRITE if the system refused something else; the old
+ * file is unchanged then. */
 VX_API int VX_CALL vx_document_save(vx_document* document, const char* path, int32_t compound);
 
 /* Returns what is at a path: one of vx_type. */

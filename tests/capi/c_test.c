@@ -587,6 +587,7 @@ static void change_settings(void) {
     vx_document* settings = open_document(VX_SETTINGS, "xml/settings.vxs");
     const char* const mark =
         "PropertyAnalyzer/AnalyzeSettings/Tasks/Series/Recordings/0/Wells/64/Responses/QT-Interval";
+    const char* const analyzed = "PropertyAnalyzer/AnalyzingDate";
     const char* const copy = own("settings.vxs");
     const int64_t doses[] = {10, 20, 30};
     int64_t count = 0;
@@ -612,6 +613,7 @@ static void change_settings(void) {
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
     WORKS(vx_document_save(settings, copy, -1));
+    EXPECT(text_is(settings, analyzed, "133512191990000000"));
     EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_ARGUMENT);
     EXPECT(vx_document_save(settings, own("no/such/folder.vxs"), -1) == VX_ERROR_FILE);
     WORKS(vx_close(settings));
@@ -619,6 +621,7 @@ static void change_settings(void) {
     WORKS(vx_document_open(&settings, VX_SETTINGS, copy));
     EXPECT(text_is(settings, mark, "Manually") && text_is(settings, "PropertyRecording/VoltPerADStep", "0.25"));
     EXPECT(whole_at(settings, "PropertyRecordPlate/Series/2") == 30);
+    EXPECT(whole_at(settings, analyzed) > 133512191990000000);
     WORKS(vx_document_get_count(settings, "PropertyQualityCheck/QualityChecks", &count));
     EXPECT(count == 1);
     WORKS(vx_close(settings));
