@@ -21,12 +21,14 @@ public sealed class VxException : Exception {
 public static class Vx {
     const string Library = "vxfileio_c";
 
-    /// <summary>Throws a VxException if a call with this handle returned anything but VX_OK.</summary>
+    /// <summary>Throws a VxException if a call returned anything but VX_OK. The handle is that of the call, or null.
+    /// </summary>
     public static void Check(int code, VxHandle handle) {
         if (code == VX_OK) return;
         var text = new byte[1000];
         long size = text.Length;
-        int found = code == VX_ERROR_BUSY ? code : vx_last_error(handle, text, ref size);
+        bool hasText = handle != null && code != VX_ERROR_BUSY;
+        int found = hasText ? vx_last_error(handle, text, ref size) : VX_ERROR_HANDLE;
         if (found == VX_ERROR_BUSY || found == VX_ERROR_HANDLE) vx_code_text(code, text, ref size);
         throw new VxException(code, Encoding.UTF8.GetString(text).TrimEnd('\0'));
     }
@@ -43,10 +45,11 @@ public static class Vx {
         return buffer;
     }
 
-    /// <summary>Returns a text that a call fills.</summary>
+    /// <summary>Returns a text that a call fills. What isn't UTF-8 is taken as Latin-1; Get has the bytes.</summary>
     public static string GetText(VxHandle handle, Fill<byte> call) {
-        byte[] bytes = Get(handle, call);
-        return Encoding.UTF8.GetString(bytes, 0, bytes.Length - 1);
+        byte[] stored = Get(handle, call);
+        byte[] text = Get(null, (byte[] to, ref long size) => vx_to_utf8(stored, stored.Length - 1, to, ref size));
+        return Encoding.UTF8.GetString(text, 0, text.Length - 1);
     }
 
     // <declarations> tests/capi/bindings.py makes them from the header.
@@ -428,7 +431,8 @@ public static class Vx {
         ref int type);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
-    public static extern int vx_document_get_count(VxHandle document, byte[] path, ref long count);
+    public static extern int vx_document_get_count(VxHandle document, [MarshalAs(UnmanagedType.LPUTF8Str)] string path,
+        ref long count);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
     public static extern int vx_document_get_name(VxHandle document, [MarshalAs(UnmanagedType.LPUTF8Str)] string path,

@@ -73,10 +73,11 @@ public interface VxFileIO extends Library {
         return buffer;
     }
 
-    /** Returns a text that a call fills. */
+    /** Returns a text that a call fills. What isn't UTF-8 is taken as Latin-1; get has the bytes. */
     static String getText(Pointer handle, Fill<byte[]> call) {
-        byte[] bytes = get(handle, byte[]::new, call);
-        return new String(bytes, 0, bytes.length - 1, StandardCharsets.UTF_8);
+        byte[] stored = get(handle, byte[]::new, call);
+        byte[] text = get(null, byte[]::new, (to, size) -> VX.vx_to_utf8(stored, stored.length - 1, to, size));
+        return new String(text, 0, text.length - 1, StandardCharsets.UTF_8);
     }
 
     // <declarations> tests/capi/bindings.py makes them from the header.
@@ -336,7 +337,7 @@ public interface VxFileIO extends Library {
     int vx_document_get_faults(Pointer document, byte[] buffer, LongByReference size);
     int vx_document_save(Pointer document, String path, int compound);
     int vx_document_get_type(Pointer document, String path, IntByReference type);
-    int vx_document_get_count(Pointer document, byte[] path, LongByReference count);
+    int vx_document_get_count(Pointer document, String path, LongByReference count);
     int vx_document_get_name(Pointer document, String path, long index, byte[] buffer, LongByReference size);
     int vx_document_get_text(Pointer document, String path, byte[] buffer, LongByReference size);
     int vx_document_set_text(Pointer document, String path, String text);

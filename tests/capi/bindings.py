@@ -19,18 +19,18 @@ from c_header import SCALARS, read_header
 def role_of(kind, following, handles):
     """Returns what a parameter or member is for, and its type without qualifiers."""
     base, is_const = kind.replace("const", "").rstrip("*"), kind.startswith("const")
-    is_array = following is not None and following[1] in ("count", "well_count", "length")
+    next_name = following and following[1]
     if base == "void":
         return "handle" if is_const else "address", base
     if base in handles:
         return "new handle" if kind.endswith("**") else "handle", base
     if base == "char":
-        return ("bytes" if is_array else "text") if is_const else "room for text", base
+        return ("bytes" if next_name == "length" else "text") if is_const else "room for text", base
     if not kind.endswith("*"):
         return "value", base
     if is_const:
         return "input array" if base in SCALARS else "input struct", base
-    return "array" if is_array else "place" if base in SCALARS else "struct", base
+    return "array" if next_name in ("count", "well_count") else "place" if base in SCALARS else "struct", base
 
 
 def spelled(declared, handles, types, roles):
