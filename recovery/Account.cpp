@@ -159,7 +159,14 @@ class CAccountant {
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
         Lose(Unused(EReason::NoHeader, begin));
         const bool hasRoom = begin - m_end >= FormOf(EKind::Recording, candidate.form->layout).size;
-        if (candidate.kind == EKind::Segment && hasRoom) DoubtPiece(EReason::OtherRecording, piece);
+        if (candidate.kind == EKind::Segment && (hasRoom || NextRecordingIn(begin)))
+            DoubtPiece(EReason::OtherRecording, piece);
+    }
+
+    /// Returns where the next recording header should begin, if that is in the gap up to `begin`.
+    std::optional<std::int64_t> NextRecordingIn(std::int64_t begin) const {
+        const std::int64_t next = PlaceOf(m_nextRecording);
+        return next >= m_end && next < begin ? std::optional(next) : std::nullopt;
     }
 
     /// Returns whether a position has another shift and no later one proves it wrong: bytes may be missing before it,
@@ -193,7 +200,7 @@ class CAccountant {
 
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
-        const CCandidate left = BestAt(m_window, EKind::Recording, m_end);
+        const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
         if (begin > m_end && left.end <= begin && left.whole > 0)
             return BeginRecording(FoundRecording(m_window, left, left.end), left.from);
         CFoundRecording lost;
@@ -394,9 +401,8 @@ std::optional<CFound> FollowPositions(CWindow& window, const CCandidates& candid
         if (recording == nullptr || recording->next == kUnset) return std::nullopt;
         found.recordings.push_back(FoundRecording(window, *recording, recording->end));
         next = recording->next;
-        bool isEmpty = next == recording->end;
+        const bool isEmpty = next == recording->end && candidates.WholeAt(EKind::Segment, next) == nullptr;
         while (const CCandidate* const segment = Take(candidates, EKind::Segment, next, taken)) {
-            isEmpty = false;
             const auto index = static_cast<std::uint32_t>(found.recordings.size() - 1);
             found.segments.push_back(FoundSegment(*segment, segment->size, index));
             next = segment->next;

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "vxfileio/helpers/NumberText.h"
 #include "vxfileio/rawdata/CellCodec.h"
@@ -66,6 +67,9 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
     }
     return candidate;
 }
+
+/// Returns whether the position of a file or recording header points at the end of the header.
+bool KnowsItsPlace(const CCandidate& candidate) { return candidate.next == candidate.end; }
 
 bool MostIsWhole(const CCandidate& candidate) { return candidate.whole >= candidate.damaged; }
 
@@ -139,7 +143,7 @@ class CSearch {
         if (MostIsWhole(candidate)) return true;
         if (candidate.kind == EKind::File) return candidate.begin <= 0 && candidate.whole >= 2;
         return candidate.kind == EKind::Recording && candidate.whole > 0 &&
-               BestAt(m_window, EKind::Segment, candidate.end).IsWhole();
+               (KnowsItsPlace(candidate) || BestAt(m_window, EKind::Segment, candidate.end).IsWhole());
     }
 
     void Keep(CCandidate candidate) {
@@ -233,9 +237,12 @@ const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
 
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
+    const auto rank = [](const CCandidate& candidate) {
+        return std::pair(KnowsItsPlace(candidate), candidate.whole - candidate.damaged);
+    };
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});
-        if (best.form == nullptr || candidate.whole - candidate.damaged >= best.whole - best.damaged) best = candidate;
+        if (best.form == nullptr || rank(candidate) >= rank(best)) best = candidate;
     }
     return best;
 }

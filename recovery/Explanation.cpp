@@ -325,7 +325,8 @@ class CExplainer {
         const bool hasRoom =
             node.gap + MissingBefore(node) >= static_cast<std::int64_t>(Layouts().front().recording.size);
         const bool hasEnded = node.parent->IsLastSegment() && node.gap > 0;
-        return (hasRoom || hasEnded ? costs::kLostRecording : costs::kForcedRecording) +
+        const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
+        return (hasRoom || hasEnded || isFirst ? costs::kLostRecording : costs::kForcedRecording) +
                (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
     }
 

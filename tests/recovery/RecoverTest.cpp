@@ -30,7 +30,9 @@
 
 namespace {
 
+using vxfileio::recovery::CRemark;
 using vxfileio::recovery::CReport;
+using vxfileio::recovery::EReason;
 
 /// One segment as the library reads it, with its recording.
 struct CSeen {
@@ -733,6 +735,75 @@ TEST_F(RecoverTest, LostRecordingHeadersAreReplaced) {
     ASSERT_EQ(wells.size(), 2U);
     EXPECT_EQ(wells[0].Ticks, 100);
     EXPECT_EQ(wells[1].Ticks, 50);
+}
+
+// Two recordings with two segments each. The second header begins at 4266, its data at 6726.
+TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
+    const std::string whole = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4266}) +
+                              ChainBytes({{11, 0, kWell11}, {12, 0, kWell12}}) +
+                              RecordingHdrBytes({.recording = 2, .data = 6726}) +
+                              ChainBytes({{11, 0, kWell11}, {12, 0, kWell12}}, 6726);
+    const auto patched = [](std::string bytes, std::size_t at, const std::string& by) {
+        return bytes.replace(at, by.size(), by);
+    };
+    const auto destroyed = [&](std::size_t from, std::size_t to) {
+        return patched(whole, from, std::string(to - from, '\xAA'));
+    };
+    using CNames = std::vector<std::string>;
+    const std::string one = "CompoundTest1";
+    const std::string two = "CompoundTest2";
+    const auto doubts = [&](EReason reason) {
+        return std::ranges::count(m_report.doubts.first, reason, &CRemark::reason);
+    };
+    const struct {
+        const char* what;
+        std::string bytes;
+        CNames recordings;
+        CNames segments;  ///< The recording of each.
+        std::ptrdiff_t wrongPositions;
+        std::ptrdiff_t otherRecordings;  ///< The number of segments that may be of another recording.
+    } cases[] = {
+        {"only the first cells are left", destroyed(4466, whole.size()), {one, two}, {one, one}, 0, 0},
+        {"a segment is lost that has no room for a header", destroyed(3650, 3950), {one, two}, {one, two, two}, 0, 0},
+        {"the segment before is lost, too",
+         destroyed(3958, 6726),
+         {one, "Recovered2"},
+         {one, "Recovered2", "Recovered2"},
+         0,
+         0},
+        {"the first segment points back at the lost header",
+         patched(destroyed(1190, 3650), 3750, Cell(50, "FPosNextSegmentHdr=1190")).substr(0, 3958),
+         {"Recovered1"},
+         {"Recovered1"},
+         1,
+         0},
+        {"an empty recording points at the segment of the next one",
+         FileHdrBytes(1190) + RecordingHdrBytes({.data = 6110, .next = 3650}) +
+             RecordingHdrBytes({.recording = 2, .data = 6110}) + ChainBytes({{11, 0, kWell11}}, 6110),
+         {one, two},
+         {two},
+         1,
+         0},
+        {"most of the header was removed, the rest and the segment before it are destroyed",
+         whole.substr(0, 3958) + std::string(800, '\xAA') + ChainBytes({{12, 400, kWell12}}, 6726),
+         {one},
+         {one, one},
+         1,
+         1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        CNames segments;
+        for (const CSeen& kept : Recovered(c.bytes))
+            segments.push_back(kept.recording);
+        CNames recordings;
+        for (const auto& recording : m_report.recordings)
+            recordings.push_back(recording.task + std::to_string(recording.number));
+        EXPECT_EQ(recordings, c.recordings);
+        EXPECT_EQ(segments, c.segments);
+        EXPECT_EQ(doubts(EReason::Position), c.wrongPositions);
+        EXPECT_EQ(doubts(EReason::OtherRecording), c.otherRecordings);
+    }
 }
 
 TEST_F(RecoverTest, ChainsThatRunBackwardsKeepTheirOrder) {
