@@ -73,7 +73,8 @@ class CPlateReporter {
             CompareRuns(values.notes, path, file->GetFileHdr().Guid);
             traces.emplace(values, *file);
         } else {
-            values.notes.push_back(NameOfFile(path) + ": " + failure);
+            values.notes.push_back(NameOfFile(path) + ": " + failure +
+                                   " (no signal is shown; run 'vxfile recover' and name the new file with --raw)");
         }
         values.files.push_back(Checked(EFileKind::RawData, path, [&](const std::string&, const CReach& reach) {
             return traces ? VerifyWithSamples(path, *traces, reach) : VerifyRawData(path, reach);
