@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over source files, several in one translation unit.
+"""Runs clang-tidy over source files, several in one translation unit, and checks that each compiles alone.
 
     tidy.py DATABASE_FOLDER SOURCE...
 
@@ -33,6 +33,12 @@ def tidy(source, flags):
     return run.returncode == 0, run.stdout
 
 
+def parse(source, flags):
+    """Parses a source alone, so that it can't rely on an include of another one. Returns the same as `tidy`."""
+    run = subprocess.run(["clang++", "-fsyntax-only", *flags, source], capture_output=True, text=True, check=False)
+    return run.returncode == 0, run.stderr
+
+
 def check(number, members, flags, folder):
     """Checks one group; returns whether nothing was found in its sources, and the text to print."""
     together = os.path.join(folder, f"group_{number}.cpp")
@@ -40,7 +46,8 @@ def check(number, members, flags, folder):
         file.writelines(f'#include "{source}"\n' for source in members)
     passed, text = tidy(together, flags)
     if passed:
-        return True, ""
+        parsed = [parse(source, flags) for source in members]
+        return all(ok for ok, _ in parsed), "".join(found for _, found in parsed)
     alone = [tidy(source, flags) for source in members]
     if all(ok for ok, _ in alone):
         return True, f"{together}: nothing in its sources one by one, but together:\n{text}"
