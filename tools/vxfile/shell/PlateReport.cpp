@@ -31,7 +31,7 @@ std::string NameOfFile(const std::string& path) { return Readable(fs::path(path)
 
 std::string StateText(const CFindings& findings) {
     if (StatusOf(findings) == kSound) return "sound";
-    const std::string count = StatusOf(findings) == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
+    std::string count = StatusOf(findings) == kTrouble ? "not usable" : Counted(findings.Count(), "finding");
     if (findings.Kept().empty()) return count;
     const CFinding& first = findings.Kept().front();
     return count + ": " + Readable(first.where + ": " + first.meaning);
