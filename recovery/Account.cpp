@@ -218,14 +218,15 @@ class CAccountant {
         if (before == nullptr || Before()->isCut) return;
         const bool isShort = candidate.begin < m_end || (piece.lostRecording && !isGap);
         const bool isAstray = IsAloneAstray(piece);
-        const std::int64_t by = isShort          ? 1
-                                : isAstray       ? piece.ownShift - m_shift
-                                : shift == kLost ? 0
-                                                 : shift - m_shift;
         if (!isShort && !isAstray && shift == kLost) {
             if (!LooksLikeHeader(m_window, m_end)) DoubtPiece(EReason::Unconfirmed, *Before());
-        } else if (by != 0) {
-            DoubtPiece(by > 0 ? EReason::TakenOut : EReason::PutIn, *Before());
+            return;
+        }
+        const std::int64_t shiftAfter = isAstray ? piece.ownShift : shift;
+        if (isShort || shiftAfter > m_shift) {
+            DoubtPiece(EReason::TakenOut, *Before());
+        } else if (shiftAfter < m_shift) {
+            DoubtPiece(EReason::PutIn, *Before());
         }
     }
 

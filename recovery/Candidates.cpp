@@ -84,14 +84,8 @@ class CSearch {
     CSearch(CWindow& window, const CReach& reach, CCandidates& found)
         : m_window(window), m_reach(reach), m_found(found) {
         for (const EKind kind : {EKind::File, EKind::Recording, EKind::Segment}) {
-            for (const CForm& form : FormsOf(kind)) {
-                for (const CFormCell& cell : form.cells) {
-                    if (cell.key.empty()) continue;
-                    auto& anchors = m_anchors[static_cast<unsigned char>(cell.key.back())];
-                    const CAnchor anchor{kind, cell.key, cell.offset, cell.width};
-                    if (std::ranges::find(anchors, anchor) == anchors.end()) anchors.push_back(anchor);
-                }
-            }
+            for (const CForm& form : FormsOf(kind))
+                AddAnchors(form);
         }
     }
 
@@ -114,6 +108,15 @@ class CSearch {
 
  private:
     static constexpr std::int64_t kLongestKey = 32;
+
+    void AddAnchors(const CForm& form) {
+        for (const CFormCell& cell : form.cells) {
+            if (cell.key.empty()) continue;
+            auto& anchors = m_anchors[static_cast<unsigned char>(cell.key.back())];
+            const CAnchor anchor{form.kind, cell.key, cell.offset, cell.width};
+            if (std::ranges::find(anchors, anchor) == anchors.end()) anchors.push_back(anchor);
+        }
+    }
 
     void Look(std::string_view before, std::int64_t position) {
         if (before.empty()) return;

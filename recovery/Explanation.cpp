@@ -20,9 +20,10 @@ namespace {
 
 /// The recording that segments belong to.
 struct CRecordingAround {
+    static inline const CWellList kNoWells;
+
     const CCandidate* header = nullptr;  ///< Null if it is lost.
     const CWellList* wells = &kNoWells;
-    static inline const CWellList kNoWells;
     std::map<std::int32_t, CTickRange> learned;  ///< Intervals by whole segments, for wells that the header lacks.
 
     /// Returns the interval of a segment's well from the recording header or earlier segments; 0 if unknown.

@@ -52,7 +52,7 @@ public static class Vx {
         return Encoding.UTF8.GetString(text, 0, text.Length - 1);
     }
 
-    // <declarations> tests/capi/bindings.py makes them from the header.
+    // <declarations> capi/tools/bindings.py makes them from the header.
     public const int VX_OK = 0;
     public const int VX_ERROR_ARGUMENT = 1;
     public const int VX_ERROR_HANDLE = 2;

@@ -80,7 +80,7 @@ public interface VxFileIO extends Library {
         return new String(text, 0, text.length - 1, StandardCharsets.UTF_8);
     }
 
-    // <declarations> tests/capi/bindings.py makes them from the header.
+    // <declarations> capi/tools/bindings.py makes them from the header.
     int VX_OK = 0;
     int VX_ERROR_ARGUMENT = 1;
     int VX_ERROR_HANDLE = 2;

@@ -84,7 +84,7 @@ def text_of(function, *arguments):
     return buffer.raw[:size.value - 1]
 
 
-# <declarations> tests/capi/bindings.py makes them from the header.
+# <declarations> capi/tools/bindings.py makes them from the header.
 VX_OK = 0
 VX_ERROR_ARGUMENT = 1
 VX_ERROR_HANDLE = 2

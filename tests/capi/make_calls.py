@@ -10,7 +10,8 @@ that its type and name allow. The list and the header must name the same functio
 import pathlib
 import sys
 
-from c_header import SCALARS, read_header
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "capi/tools"))
+from c_header import SCALARS, read_header  # noqa: E402
 
 
 def arguments_of(parameter, following, handles):

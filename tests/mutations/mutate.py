@@ -42,7 +42,7 @@ SCRIPTS = {
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
     "c_interface": ("capi_c_test", ["-c", "import subprocess, sys; sys.exit(subprocess.call(sys.argv[1:]))",
                                     "{}/bin/capi_c_test", "tests/reference", "{}/tests/capi/capi_c_test"]),
-    "bindings": ("capi_c_test", ["tests/capi/bindings.py", "."]),
+    "bindings": ("capi_c_test", ["capi/tools/bindings.py", "."]),
     "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
 }
 

@@ -73,8 +73,8 @@ class CDatabase : public CCatalogStore {
         if (Number("PRAGMA user_version") == 0) CreateSchema();
         Execute("CREATE TEMP TABLE seen (path TEXT PRIMARY KEY) WITHOUT ROWID");
         m_see = Prepare("INSERT OR IGNORE INTO seen VALUES (?)");
-        m_isKnown =
-            Prepare("SELECT 1 FROM files WHERE path = ? AND size = ? AND modified = ? AND file_state <> 'unreadable'");
+        m_isKnown = Prepare("SELECT 1 FROM files WHERE path = ? AND size = ? AND modified = ? AND file_state <> '" +
+                            std::string(kUnreadable) + "'");
         m_remove = Prepare("DELETE FROM files WHERE path = ?");
         m_putFile = Prepare("INSERT INTO files VALUES (" + Marks(FileColumns().size()).substr(1) + ")");
         m_putRecording = Prepare("INSERT INTO recordings VALUES (?" + Marks(RecordingColumns().size()) + ")");
