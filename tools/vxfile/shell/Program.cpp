@@ -8,7 +8,6 @@
 #include "tools/vxfile/shell/Command.h"
 #include "tools/vxfile/shell/CommandLine.h"
 #include "tools/vxfile/shell/Manual.h"
-#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/Interrupt.h"
 #include "tools/vxfile/system/MemoryReserve.h"
 #include "tools/vxfile/system/Output.h"
@@ -41,15 +40,6 @@ int RunWhole(int argc, const char* const* argv) {
 }
 
 }  // namespace
-
-CCommands MakeCommands() {
-    CCommands commands;
-    for (auto* const make : {MakeInfoCommand, MakeCatalogCommand, MakeVerifyCommand, MakeSealCommand,
-                             MakeRecoverCommand, MakeSamplesCommand, MakeTableCommand, MakeExportCommand,
-                             MakeReportCommand, MakeWatchCommand, MakePlanCommand, MakeDiffCommand})
-        commands.push_back(make());
-    return commands;
-}
 
 int RunProgram(int argc, const char* const* argv) noexcept try {
     KeepMemoryReserve();

@@ -15,13 +15,13 @@
 #include "tools/vxfile/report/Progress.h"
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/Command.h"
 #include "tools/vxfile/shell/FolderWalk.h"
 #include "tools/vxfile/shell/TableForm.h"
 #include "tools/vxfile/shell/catalog/CatalogEntry.h"
 #include "tools/vxfile/shell/catalog/CatalogRuns.h"
 #include "tools/vxfile/shell/catalog/CatalogStore.h"
 #include "tools/vxfile/shell/catalog/InOrder.h"
-#include "tools/vxfile/shell/commands/Commands.h"
 #include "verify/Failure.h"
 
 namespace vxfile {

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "tools/vxfile/report/Complaint.h"
+#include "tools/vxfile/shell/Command.h"
 #include "tools/vxfile/shell/FolderReport.h"
 #include "tools/vxfile/shell/PlateReport.h"
-#include "tools/vxfile/shell/commands/Commands.h"
 #include "tools/vxfile/system/ExitStatus.h"
 #include "tools/vxfile/system/Output.h"
 #include "verify/Failure.h"

@@ -8,8 +8,8 @@
 #include "tools/vxfile/raw/SampleSource.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Progress.h"
+#include "tools/vxfile/shell/Command.h"
 #include "tools/vxfile/shell/PlateOptions.h"
-#include "tools/vxfile/shell/commands/Commands.h"
 #include "verify/Failure.h"
 
 namespace vxfile {

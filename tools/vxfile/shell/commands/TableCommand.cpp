@@ -9,11 +9,11 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Table.h"
 #include "tools/vxfile/report/Text.h"
+#include "tools/vxfile/shell/Command.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/shell/ResultsPlate.h"
 #include "tools/vxfile/shell/TableForm.h"
-#include "tools/vxfile/shell/commands/Commands.h"
 #include "verify/Failure.h"
 #include "vxfileio/frame/VXFileIO.h"
 
