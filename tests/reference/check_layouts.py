@@ -1,10 +1,12 @@
 #!/usr/bin/python3
-"""Checks docs/raw-data-file.md and read_vxd.py against the layouts, which print_layouts prints.
+"""Checks docs/raw-data-file.md, read_vxd.py and the programs that choose cells against the layouts, which print_layouts
+prints.
 
     check_layouts.py PRINT_LAYOUTS
 
 The page has the tables of the newest version, and a paragraph about the others; read_vxd.py has the tables of all. Each
-version has a reference file. Prints one line for each disagreement and ends with 1 if there is any.
+version has a reference file. `vxfile info` and the C interface use each cell that they don't leave out on purpose.
+Prints one line for each disagreement and ends with 1 if there is any.
 """
 
 import contextlib
@@ -23,6 +25,14 @@ CELLS_OF_READER = {
     "Recording": read_vxd.recording_cells,
     "Segment": lambda version: read_vxd.SEGMENT_CELLS,
 }
+# The sources that choose which cells they use, and the cells that each leaves out on purpose.
+LEFT_OUT = {
+    "tools/vxfile/raw/RawInfo.cpp": {"CheckSum", "Reserved"},
+    "capi/RawReading.cpp": {"CheckSum", "Reserved"},
+    "capi/RawWriting.cpp": {"CheckSum", "Reserved", "PreQC", "CompoundTest", "PostQC"},
+}
+# Counts and lists, which the channels replace.
+OF_CHANNELS = {"NumberOfWells", "NumberOfAuxCh", "list of int32", "list of doubles"}
 
 
 def table_of_page(header):
@@ -66,6 +76,15 @@ def missing_in_rule(version, header, older, newest):
             yield f"the version rule in {PAGE.name} lacks {word}, of the {header.lower()} header of version {version}"
 
 
+def not_used(path, cells):
+    text = (ROOT / path).read_text("utf-8")
+    for _, _, key, kind in cells:
+        if kind == "position" or {key, kind} & OF_CHANNELS or key in LEFT_OUT[path]:
+            continue
+        if not re.search(rf"\b{key or 'HeaderID'}\b", text):
+            yield f"{path} doesn't use the cell {key}; use it, or add it to LEFT_OUT in check_layouts.py"
+
+
 def file_version(path):
     with contextlib.suppress(read_vxd.RawDataError), read_vxd.RawDataFile(path) as file:
         return file.header["FileVersion"]
@@ -90,6 +109,8 @@ def disagreements(tables):
                 yield f"{WRITER.name} doesn't say '{stated}' of the {header.lower()} header"
         else:
             yield from missing_in_rule(version, header, expected, tables[newest, header])
+    for path in LEFT_OUT:
+        yield from not_used(path, tables[newest, "File"] + tables[newest, "Recording"])
     with_file = {file_version(path) for path in ROOT.glob("tests/reference/*.vxd")}
     for version in sorted({version for version, _ in tables} - with_file):
         yield f"no reference file has version {version}; make_reference.py makes them"
