@@ -2,6 +2,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <limits>
@@ -98,13 +99,9 @@ bool IsHandedOut(const T& value) {
         return false;
     } else if constexpr (C::kIsList) {
         if constexpr (kIsLeaf<typename T::value_type>) return false;
-        for (const auto& entry : value)
-            if (IsHandedOut(entry)) return true;
-        return false;
+        return std::ranges::any_of(value, [](const auto& entry) { return IsHandedOut(entry); });
     } else if constexpr (C::kIsMap) {
-        for (const auto& entry : value)
-            if (IsHandedOut(entry.second)) return true;
-        return false;
+        return std::ranges::any_of(value, [](const auto& entry) { return IsHandedOut(entry.second); });
     } else if constexpr (C::kIsPointer) {
         return value && IsHandedOut(*value);
     } else {
@@ -168,7 +165,7 @@ bool BoolFromPython(py::handle value);
 template <class Enumeration>
 Enumeration WordFromPython(py::handle value) {
     const std::string word = TextFromPython(value);
-    const Enumeration found = base::ValueOf<Enumeration>(word);
+    const auto found = base::ValueOf<Enumeration>(word);
     if (base::WordOf(found) != word) WordsClass<Enumeration>()(value);  // raises ValueError
     return found;
 }

@@ -31,7 +31,7 @@ py::tuple ReadResults(const py::object& made, const std::string& path) {
 py::object WriteResults(const results::CResultsContent& content, const std::string& path) {
     results::CResultsWriter writer;
     writer.SetXmlFileHeader(content.Header);
-    const CResults copy = content;
+    const results::CResultsContent copy = content;
     WithoutLock(path, [&] { writer.WriteFile(path, copy); });
     return TextToPython(writer.GetWriteError());
 }
@@ -39,7 +39,7 @@ py::object WriteResults(const results::CResultsContent& content, const std::stri
 /// Returns the error of the system, or an empty text.
 py::object WriteWorkbooks(const results::CResultsContent& content, const settings::CSettings& settings,
                           const std::string& path) {
-    const CResults results = content;
+    const results::CResultsContent results = content;
     const CPropAnalyzer analyzer = settings.Analyzer;
     const CPropRecordPlate plate = settings.RecordPlate;
     workbook::CResultsExport writer;
