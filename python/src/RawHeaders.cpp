@@ -38,7 +38,8 @@ void BindRawHeaders(py::module_& module) {
     CRecordClass<CRawDataFileHdr> file(module, "RawDataFileHdr");
     file.Add("HeaderID", &CRawDataFileHdr::HeaderID);
     AddCells(file, rawdata::kFileCells);
-    module.def("make_file_hdr", [](const CRawDataFileHdr& fields) { return MakeFileHdr(fields); });
+    module.def(
+        "make_file_hdr", [](const CRawDataFileHdr& fields) { return MakeFileHdr(fields); }, py::arg("fields"));
 }
 
 }  // namespace vxfileio::python

@@ -107,8 +107,12 @@ void BindRawReading(py::module_& module) {
         .def(py::init(&OpenFile), py::arg("path"))
         .def("header", [](const CNamedFile& named) { return named.file.GetFileHdr(); })
         .def("recordings", [](const CNamedFile& named) { return named.file.GetRecordings(); })
-        .def("find", [](const CNamedFile& named, const py::str& task,
-                        std::int32_t number) { return named.file.FindRecording(TextFromPython(task), number); })
+        .def(
+            "find",
+            [](const CNamedFile& named, const py::str& task, std::int32_t number) {
+                return named.file.FindRecording(TextFromPython(task), number);
+            },
+            py::arg("task"), py::arg("number"))
         .def("index", &ReadIndex, py::arg("recording"), py::arg("unfinished"), py::arg("up_to_damage"));
 
     py::class_<CNamedIndex>(module, "RecordingIndex")
@@ -126,8 +130,8 @@ void BindRawReading(py::module_& module) {
                      wells.append(py::make_tuple(well.WellID, well.Samples, well.Missing));
                  return wells;
              })
-        .def("runs", &RunsOf)
-        .def("times", &TimesOf)
+        .def("runs", &RunsOf, py::arg("well"))
+        .def("times", &TimesOf, py::arg("well"))
         .def("read", &Read<std::uint16_t>, py::arg("arrays").noconvert())
         .def("read_scaled", &Read<double>, py::arg("arrays").noconvert());
 }

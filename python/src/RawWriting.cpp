@@ -43,19 +43,25 @@ void Write(CNamedWriter& named, std::int32_t well, std::int64_t start, std::int6
 void BindRawWriting(py::module_& module) {
     py::class_<CNamedWriter>(module, "RawDataWriter")
         .def(py::init(&OpenWriter), py::arg("path"), py::arg("new"), py::arg("strict"))
-        .def("write_file_hdr",
-             [](CNamedWriter& named, const CRawDataFileHdr& header) {
-                 WithoutLock(named.path, [&] { named.writer.WriteFileHdr(header); });
-             })
-        .def("write_recording_hdr",
-             [](CNamedWriter& named, const CRawDataRecordingHdr& header) {
-                 WithoutLock(named.path, [&] { named.writer.WriteRecordingHdr(header); });
-             })
+        .def(
+            "write_file_hdr",
+            [](CNamedWriter& named, const CRawDataFileHdr& header) {
+                WithoutLock(named.path, [&] { named.writer.WriteFileHdr(header); });
+            },
+            py::arg("header"))
+        .def(
+            "write_recording_hdr",
+            [](CNamedWriter& named, const CRawDataRecordingHdr& header) {
+                WithoutLock(named.path, [&] { named.writer.WriteRecordingHdr(header); });
+            },
+            py::arg("header"))
         .def("write_data", &Write, py::arg("well"), py::arg("start"), py::arg("tick"), py::arg("samples").noconvert())
-        .def("update_file_hdr",
-             [](CNamedWriter& named, const std::string& task, const std::vector<std::string>& values) {
-                 WithoutLock(named.path, [&] { named.writer.UpdateFileHdr(task, values); });
-             })
+        .def(
+            "update_file_hdr",
+            [](CNamedWriter& named, const std::string& task, const std::vector<std::string>& values) {
+                WithoutLock(named.path, [&] { named.writer.UpdateFileHdr(task, values); });
+            },
+            py::arg("task"), py::arg("values"))
         .def("flush_to_disk",
              [](CNamedWriter& named) { return WithoutLock(named.path, [&] { return named.writer.FlushToDisk(); }); })
         .def("close", [](CNamedWriter& named) { WithoutLock(named.path, [&] { named.writer.Close(); }); })

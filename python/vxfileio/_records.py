@@ -23,8 +23,8 @@ def fields_of(record: Any) -> dict[str, Any]:
     return {name: plain(getattr(record, name)) for name in record._fields}
 
 
-def to_dict(record: Any) -> dict[str, Any]:
-    """Returns the attributes of a record by their names, with nested records as `dict`, too."""
+def to_dict(self: Any) -> dict[str, Any]:
+    """Returns the attributes by their names, with nested records as `dict`, too."""
     def deep(value: Any) -> Any:
         if hasattr(value, "_fields"):
             return to_dict(value)
@@ -32,7 +32,7 @@ def to_dict(record: Any) -> dict[str, Any]:
             return {key: deep(entry) for key, entry in value.items()}
         return tuple(map(deep, value)) if isinstance(value, tuple) else value
 
-    return {name: deep(value) for name, value in fields_of(record).items()}
+    return {name: deep(value) for name, value in fields_of(self).items()}
 
 
 def rebuild(made: type, fields: dict[str, Any], more: dict[str, Any]) -> Any:
@@ -52,24 +52,24 @@ def brief(value: Any) -> str:
     return repr(value)
 
 
-def _repr(record: Any) -> str:
-    shown = ", ".join(f"{name}={brief(getattr(record, name))}" for name in record._fields)
-    return printable(f"{type(record).__name__}({shown})")
+def _repr(self: Any) -> str:
+    shown = ", ".join(f"{name}={brief(getattr(self, name))}" for name in self._fields)
+    return printable(f"{type(self).__name__}({shown})")
 
 
-def _repr_html(record: Any) -> str:
-    rows = [(name, brief(getattr(record, name))) for name in record._fields]
-    return table(type(record).__name__, ("attribute", "value"), rows, most_rows=len(rows))
+def _repr_html(self: Any) -> str:
+    rows = [(name, brief(getattr(self, name))) for name in self._fields]
+    return table(type(self).__name__, ("attribute", "value"), rows, most_rows=len(rows))
 
 
-def _reduce(record: Any) -> tuple:
-    return rebuild, (type(record), fields_of(record), getattr(record, "__dict__", {}))
+def _reduce(self: Any) -> tuple:
+    return rebuild, (type(self), fields_of(self), getattr(self, "__dict__", {}))
 
 
-def _equal(record: Any, other: Any) -> Any:
-    if not isinstance(other, type(record)) and not isinstance(record, type(other)):
+def _equal(self: Any, other: Any) -> Any:
+    if not isinstance(other, type(self)) and not isinstance(self, type(other)):
         return NotImplemented
-    return all(plain(getattr(record, name)) == plain(getattr(other, name)) for name in record._fields)
+    return all(plain(getattr(self, name)) == plain(getattr(other, name)) for name in self._fields)
 
 
 def adopt(classes: Iterable[type]) -> None:

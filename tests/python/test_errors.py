@@ -3,8 +3,6 @@
 import errno
 import os
 import signal
-import threading
-import time
 
 import numpy as np
 import pytest
@@ -119,29 +117,6 @@ def test_an_interrupt_ends_a_read_in_the_middle(tmp_path):
         signal.signal(signal.SIGALRM, handler)
     assert room[-1] == -1
     assert list(recording.samples(1, 0, 2)) == [0, 0]
-
-
-def test_reading_releases_the_lock(tmp_path):
-    path = REFERENCE / "xml" / "results.vxr"
-    big = tmp_path / "big.vxr"
-    text = path.read_bytes()
-    begin, end = text.index(b"<Task>"), text.rindex(b"</Task>") + len(b"</Task>")
-    big.write_bytes(text[:begin] + text[begin:end] * 2000 + text[end:])
-    steps, stop = 0, threading.Event()
-
-    def count():
-        nonlocal steps
-        while not stop.wait(0.001):
-            steps += 1
-
-    thread = threading.Thread(target=count)
-    thread.start()
-    start = time.monotonic()
-    vx.Results.read(big)
-    taken = time.monotonic() - start
-    stop.set()
-    thread.join()
-    assert steps > 100 * taken
 
 
 def test_the_interpreter_survives_a_thousand_failures():
