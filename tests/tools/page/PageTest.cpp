@@ -370,10 +370,20 @@ TEST_F(PlateValues, ComputesMeansOfMeasuredValuesAndReadsNormalizedOnesFromTheFi
     const CMeasure& measured = values.measures[1];
     EXPECT_EQ(measured.unit, "ticks");
     EXPECT_EQ(measured.means[0]->mean, 2.0);  // of 1 and 3; nan is ignored
-    EXPECT_DOUBLE_EQ(measured.means[0]->deviation, std::sqrt(2.0));
+    EXPECT_DOUBLE_EQ(measured.means[0]->deviation.value(), std::sqrt(2.0));
     EXPECT_EQ(measured.means[0]->wells, 2U);
     EXPECT_EQ(measured.least, 1.0);
     EXPECT_EQ(measured.greatest, 6.0);
+}
+
+TEST_F(PlateValues, HaveNoDeviationOfOneWell) {
+    Make({"A1"}, {0});
+    const CPlateValues values = Values();
+    EXPECT_EQ(values.measures.at(0).means.at(0)->wells, 1U);
+    EXPECT_EQ(values.measures.at(0).means.at(0)->deviation, std::nullopt);
+    const std::string page = PlatePage(values);
+    EXPECT_EQ(page.find("± 0"), std::string::npos);
+    EXPECT_NE(page.find("<td>1</td><td>–</td><td>1</td>"), std::string::npos);  // mean, deviation, wells
 }
 
 TEST_F(PlateValues, NamesDosesOfAnySizeAndTheTaskOnlyIfThereAreSeveral) {

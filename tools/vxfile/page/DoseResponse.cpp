@@ -15,9 +15,11 @@ CValueAxis AxisFor(const CMeasure& measure, const std::vector<std::size_t>& line
     double greatest = measure.greatest;
     for (const std::size_t line : lines) {
         const auto& mean = measure.means[line];
-        if (!mean || !std::isfinite(mean->mean) || !std::isfinite(mean->deviation)) continue;
-        least = std::min(least, mean->mean - mean->deviation);
-        greatest = std::max(greatest, mean->mean + mean->deviation);
+        if (!mean) continue;
+        const double deviation = mean->deviation.value_or(0.0);
+        if (!std::isfinite(mean->mean) || !std::isfinite(deviation)) continue;
+        least = std::min(least, mean->mean - deviation);
+        greatest = std::max(greatest, mean->mean + deviation);
     }
     return {least, greatest};
 }
@@ -151,9 +153,9 @@ class CDoseChart {
                 const std::string point = x + ' ' + PlaceText(m_axis.PlaceOf(mean->mean));
                 curve += (isJoined ? 'L' : 'M') + point;
                 marks += 'M' + point + "h0";
-                if (std::isfinite(mean->deviation))
-                    spread += 'M' + x + ' ' + PlaceText(m_axis.PlaceOf(mean->mean - mean->deviation)) + 'V' +
-                              PlaceText(m_axis.PlaceOf(mean->mean + mean->deviation));
+                if (mean->deviation && std::isfinite(*mean->deviation))
+                    spread += 'M' + x + ' ' + PlaceText(m_axis.PlaceOf(mean->mean - *mean->deviation)) + 'V' +
+                              PlaceText(m_axis.PlaceOf(mean->mean + *mean->deviation));
             }
             isJoined = isThere && !m_values.recordings[line].IsControl();
         }
@@ -197,7 +199,7 @@ void WriteMeanTable(CHtml& html, const CPlateValues& values, const CMeasure& mea
             html.Element("tr", {}, [&] {
                 html.Element("th", {{"scope", "row"}}, values.recordings[i].name);
                 html.Element("td", {}, mean ? ExactText(mean->mean) : "–");
-                html.Element("td", {}, mean ? ExactText(mean->deviation) : "–");
+                html.Element("td", {}, mean && mean->deviation ? ExactText(*mean->deviation) : "–");
                 html.Element("td", {}, mean ? std::to_string(mean->wells) : "0");
             });
         }

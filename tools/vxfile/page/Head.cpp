@@ -14,8 +14,9 @@ void WriteMean(CHtml& html, const std::optional<CMean>& mean, int decimals) {
     }
     html.Element("td", {}, [&] {
         html.Element("b", {}, RoundedText(mean->mean, decimals));
+        if (!mean->deviation) return;
         html.Text(" ");
-        html.Element("span", {{"class", "quiet"}}, "± " + RoundedText(mean->deviation, decimals));
+        html.Element("span", {{"class", "quiet"}}, "± " + RoundedText(*mean->deviation, decimals));
     });
 }
 

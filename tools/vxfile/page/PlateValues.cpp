@@ -69,7 +69,8 @@ EState StateOf(const CPropAnalyzer* analyzer, const CSourceRecording& recording,
     return mark == enAnalysisMark::Deselected ? EState::Deselected : EState::Counted;
 }
 
-/// Returns mean and sample standard deviation of the values that count; nothing without any.
+/// Returns mean and sample standard deviation of the values that count; nothing without any. One value has no
+/// deviation.
 std::optional<CMean> MeanOf(const std::vector<CWellValue>& values) {
     CMean mean;
     for (const CWellValue& value : values) {
@@ -79,10 +80,12 @@ std::optional<CMean> MeanOf(const std::vector<CWellValue>& values) {
     }
     if (mean.wells == 0) return {};
     mean.mean /= static_cast<double>(mean.wells);
+    if (mean.wells == 1) return mean;
+    double squares = 0.0;
     for (const CWellValue& value : values) {
-        if (value.Counts()) mean.deviation += (*value.value - mean.mean) * (*value.value - mean.mean);
+        if (value.Counts()) squares += (*value.value - mean.mean) * (*value.value - mean.mean);
     }
-    mean.deviation = mean.wells == 1 ? 0.0 : std::sqrt(mean.deviation / static_cast<double>(mean.wells - 1));
+    mean.deviation = std::sqrt(squares / static_cast<double>(mean.wells - 1));
     return mean;
 }
 

@@ -67,7 +67,7 @@ struct CWellValue {
 /// Mean and standard deviation of the wells of one recording.
 struct CMean {
     double mean = 0.0;
-    double deviation = 0.0;
+    std::optional<double> deviation;  ///< Nothing if it was computed from one well.
     std::uint64_t wells = 0;
 };
 
