@@ -185,6 +185,7 @@ T FromPython(py::handle value) {
     } else if constexpr (std::is_arithmetic_v<T>) {
         return NumberFromPython<T>(value);
     } else if constexpr (C::kIsMap) {
+        if (!py::hasattr(value, "items")) ThrowWrongType("a mapping", value);
         T entries;
         for (const py::handle item : value.attr("items")()) {
             const auto pair = py::reinterpret_borrow<py::tuple>(item);
@@ -195,12 +196,13 @@ T FromPython(py::handle value) {
         using Entry = typename T::element_type;
         return value.is_none() ? nullptr : std::make_unique<Entry>(FromPython<Entry>(value));
     } else if constexpr (C::kIsList && requires(T list) { list.push_back({}); }) {
-        if (PyUnicode_Check(value.ptr()) != 0) ThrowWrongType("a list", value);
+        if (PyUnicode_Check(value.ptr()) != 0 || !py::hasattr(value, "__iter__")) ThrowWrongType("a list", value);
         T entries;
         for (const py::handle entry : py::iter(value))
             entries.push_back(FromPython<typename T::value_type>(entry));
         return entries;
     } else if constexpr (C::kIsList) {
+        if (!py::hasattr(value, "__iter__")) ThrowWrongType("a list", value);
         const auto given = py::reinterpret_steal<py::tuple>(PySequence_Tuple(value.ptr()));
         if (!given) throw py::error_already_set();
         T entries{};

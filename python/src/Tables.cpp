@@ -68,7 +68,7 @@ py::dict ResultsTable(const results::CResultsContent& results, const std::string
 /// A raw data header may have a dose below 0.
 std::string DoseText(const py::int_& dose) {
     if (dose < py::int_(0)) return std::string(py::str(py::handle(dose))) + " pM";
-    return helpers::DoseWithUnit(dose.cast<std::uint64_t>());
+    return helpers::DoseWithUnit(FromPython<std::uint64_t>(dose));
 }
 
 }  // namespace

@@ -6,12 +6,12 @@ import contextlib
 import errno
 import os
 from collections.abc import Iterator
-from typing import TYPE_CHECKING, Any, Optional, TypeVar
+from typing import TYPE_CHECKING, Any, Optional, TypeVar, Union
 
 import numpy as np
 
 from . import _vxfileio
-from ._errors import DamagedFileError, FileError, UnknownFileError, refusal
+from ._errors import DamagedFileError, FileError, UnknownFileError, UsageError, refusal
 from ._text import printable, table
 from ._types import Path
 
@@ -112,6 +112,11 @@ class Settings(_Document, _vxfileio.SettingsContent):
         return table(f"Settings {self.path}", ("section", "attribute", "value"), rows, most_rows=len(rows))
 
 
+def settings_of(given: Union[None, Path, Settings]) -> Optional[Settings]:
+    """Returns settings. Reads them if a path is given."""
+    return given if given is None or isinstance(given, Settings) else Settings.read(given)
+
+
 class Results(_Document, _vxfileio.ResultsContent):
     """The results of an analysis, as a tree (`Tasks`) and as tables.
 
@@ -123,10 +128,10 @@ class Results(_Document, _vxfileio.ResultsContent):
     """The settings of the run, for labels, marks and workbooks, or None."""
 
     @classmethod
-    def read(cls, path: Path, partial: bool = False, settings: Optional[Settings] = None) -> Results:
+    def read(cls, path: Path, partial: bool = False, settings: Union[None, Path, Settings] = None) -> Results:
         """Reads a results file with any name. With `partial`, reads as much of a damaged file as possible."""
         results = _read(cls, _vxfileio.read_results, path, partial)
-        results.settings = settings
+        results.settings = settings_of(settings)
         return results
 
     @property
@@ -171,16 +176,16 @@ class Results(_Document, _vxfileio.ResultsContent):
         with _reserved(path, overwrite) as name:
             _raise_refused(_vxfileio.write_results(self, name), path)
 
-    def export(self, path: Path, settings: Optional[Settings] = None, *, overwrite: bool = False) -> None:
+    def export(self, path: Path, settings: Union[None, Path, Settings] = None, *, overwrite: bool = False) -> None:
         """Writes workbooks: one with all responses to `path`, and one for each well that the plate marks as new.
 
-        Uses these settings, or else those that the results were opened with. The name of a well's workbook has "-" and
-        the well's label before the extension. If any of the files exists and `overwrite` isn't set, raises
-        `FileExistsError` and writes nothing.
+        Uses these settings, an object or a path, or else those that the results were opened with. The name of a well's
+        workbook has "-" and the well's label before the extension. If any of the files exists and `overwrite` isn't
+        set, raises `FileExistsError` and writes nothing.
         """
-        known = settings or self.settings
+        known = settings_of(settings) or self.settings
         if known is None:
-            raise FileError(errno.EINVAL, "A workbook needs the settings of the run", os.fsdecode(path))
+            raise UsageError("A workbook needs the settings of the run: pass settings=...", os.fsdecode(path))
         with contextlib.ExitStack() as stack:
             for other in dict.fromkeys(_vxfileio.well_workbooks(known, os.fsencode(path))):
                 stack.enter_context(_reserved(os.fsdecode(other), overwrite))

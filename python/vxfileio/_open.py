@@ -40,7 +40,10 @@ def kind_of(path: Path) -> str:
     if stat.S_ISFIFO(os.stat(name).st_mode):
         return "pipe"
     with io.open(name, "rb") as file:
-        head = file.read(LOOK_AHEAD)
+        try:
+            head = file.read(LOOK_AHEAD)
+        except OSError as error:
+            raise OSError(error.errno, error.strerror, name) from None
     if not head:
         return "empty"
     if head.startswith(_marks["raw"]):
@@ -69,8 +72,6 @@ def open(path: Path, *, settings: Union[None, Path, Settings] = None, ticks_per_
     kind = kind_of(path)
     if kind == "settings":
         return Settings.read(path, partial)
-    if settings is not None and not isinstance(settings, Settings):
-        settings = Settings.read(settings)
     if kind == "results":
         return Results.read(path, partial, settings)
     if kind == "raw":

@@ -2,16 +2,18 @@
 
 from __future__ import annotations
 
+import numbers
 import operator
 import os
 import re
-from collections.abc import Iterator, Mapping, Sequence
+from collections.abc import Iterable, Iterator, Mapping, Sequence
 from typing import TYPE_CHECKING, Any, Optional, Union, overload
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _vxfileio
+from ._documents import Settings, settings_of
 from ._errors import MissingSamplesWarning, NoSuchRecordingError, NoSuchWellError, UsageError, warn
 from ._text import printable, table
 from ._types import Path, sample_type
@@ -19,8 +21,6 @@ from ._types import Path, sample_type
 if TYPE_CHECKING:
     import pandas
     import xarray
-
-    from ._documents import Settings
 
 Well = Union[int, str]
 """A well: its ID, or its label if the settings are known."""
@@ -43,11 +43,11 @@ class Recordings:
     again.
     """
 
-    def __init__(self, path: Path, *, settings: Optional[Settings] = None,
+    def __init__(self, path: Path, *, settings: Union[None, Path, Settings] = None,
                  ticks_per_second: Optional[float] = None, unfinished: bool = False, partial: bool = False) -> None:
         self.path: str = os.fsdecode(path)
-        self.settings = settings
-        if ticks_per_second is not None and not 0 < ticks_per_second < float("inf"):
+        self.settings = settings_of(settings)
+        if not (ticks_per_second is None or _is_rate(ticks_per_second)):
             raise UsageError(f"ticks_per_second must be a number above 0, not {ticks_per_second!r}", self.path)
         self.ticks_per_second = ticks_per_second
         self.unfinished = unfinished
@@ -91,6 +91,16 @@ class Recordings:
             raise NoSuchWellError(f"The settings have {'no' if not found else 'more than one'} well {well!r}", self.path)
         return found.pop()
 
+    def well_names(self, wells: Iterable[Well]) -> dict[int, Well]:
+        """Returns the names in a list of wells, by ID. A well that is named twice has its first name."""
+        names: dict[int, Well] = {}
+        if not isinstance(wells, (str, bytes)) and np.iterable(wells):
+            for name in wells:
+                names.setdefault(self.well_id(name), name)
+        if not names:
+            raise UsageError(f"wells must be a list of at least one well, not {wells!r}", self.path)
+        return names
+
     def label(self, well: Well) -> str:
         """Returns the label of a well, or its ID as text if it isn't known."""
         known = self.settings.RecordPlate.Data.Wells if self.settings is not None else ()
@@ -116,6 +126,10 @@ class Recordings:
         rows = [(i, r.task, r.number, r.dose, len(r.wells), r.finished) for i, r in enumerate(self.recordings)]
         heads = ("", "task", "number", "dose in pM", "wells", "finished")
         return table(f"Recordings {self.path}", heads, rows)
+
+
+def _is_rate(value: Any) -> bool:
+    return isinstance(value, numbers.Real) and 0 < value < float("inf")
 
 
 def _reopen(path: str, options: dict[str, Any]) -> Recordings:
@@ -151,10 +165,12 @@ class RecordingList(Sequence["Recording"]):
         if isinstance(key, slice):
             return self._items[key]
         place: Optional[int] = None
-        if isinstance(key, tuple):
-            task, number = key
+        if isinstance(key, tuple) and len(key) == 2 and isinstance(key[0], str):
+            task, number = key[0], operator.index(key[1])
             if -(2**31) <= number < 2**31:
-                place = self._run.open_file().find(str(task), number)
+                place = self._run.open_file().find(task, number)
+        elif not hasattr(key, "__index__"):
+            raise TypeError(f"A recording has an index or (task, number), not {key!r}")
         elif -len(self) <= operator.index(key) < len(self):
             place = range(len(self))[key]
         if place is None:
@@ -256,7 +272,8 @@ class Recording:
 
         Returns an array for each well, by the name used in `wells`; without `wells`, for all, by their IDs. Arrays are
         `uint16`, or `float64` in physical units if `scaled`. To fill existing arrays, pass them in `out` by the same
-        names: of that type, contiguous and large enough. The result then has the filled part of each.
+        names: of that type, contiguous and large enough. The result then has the filled part of each. A well that is
+        named twice is read once, by its first name.
         """
         names, selection = self._select(wells, start, stop)
         return self._read(names, selection, scaled, out)
@@ -265,6 +282,8 @@ class Recording:
               out: Optional[Mapping[Well, NDArray]] = None) -> dict[Well, NDArray]:
         counts = [count for _, count, _ in selection.wells()]
         dtype = sample_type(scaled)
+        if out is not None and not isinstance(out, Mapping):
+            raise UsageError(f"out must be a mapping from wells to arrays, not {type(out).__name__}", self.run.path)
         if out is None:
             arrays: list[NDArray[Any]] = [np.empty(count, dtype) for count in counts]
         else:
@@ -342,15 +361,9 @@ class Recording:
     def _select(self, wells: Optional[Sequence[Well]], start: Optional[int],
                 stop: Optional[int]) -> tuple[list[Well], _vxfileio.SampleSelection]:
         """Returns the names of the wells, each well once, and their selection."""
-        if isinstance(wells, (str, int, np.integer)) or wells is not None and len(wells) == 0:
-            raise UsageError(f"wells must be a list of at least one well, not {wells!r}", self.run.path)
         index = self.index()
         known = [channel.ID for channel in index.wells()]
-        names: dict[int, Well] = {well: well for well in known}
-        if wells is not None:
-            names = {}
-            for name in wells:
-                names.setdefault(self.run.well_id(name), name)
+        names: dict[int, Well] = {well: well for well in known} if wells is None else self.run.well_names(wells)
         for well, name in names.items():
             if well not in known:
                 raise NoSuchWellError(NO_WELL.format(name), self.run.path)

@@ -124,7 +124,7 @@ class RecordingWriter:
         """
         if self._writer._recording is not self:
             raise UsageError(f"The recording {self.task} {self.number} has ended", self._writer.path)
-        if well not in self._ticks:
+        if isinstance(well, str) or operator.index(well) not in self._ticks:
             raise UsageError(f"The recording header has no well {well!r}", self._writer.path)
         if not FIRST_TIME <= operator.index(start) <= LAST_TIME:
             raise UsageError(f"The time {start} has more than 64 bits", self._writer.path)
@@ -153,7 +153,7 @@ def _samples(given: ArrayLike, path: str) -> np.ndarray:
         raise UsageError(f"Samples must be a list of at least one, not an array of shape {array.shape}", path)
     if array.dtype != np.uint16:
         if array.dtype.kind not in "iu":
-            raise UsageError(f"Samples must be whole numbers, not {array.dtype}", path)
+            raise UsageError(f"Samples must be whole numbers from 0 to 65535, not {array.dtype}", path)
         if array.min() < 0 or array.max() > 0xFFFF:
-            raise UsageError("Samples must be from 0 to 65535", path)
+            raise UsageError(f"Samples must be from 0 to 65535, not {array.min()} to {array.max()}", path)
     return np.ascontiguousarray(array, np.uint16)

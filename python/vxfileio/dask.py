@@ -36,7 +36,7 @@ from numpy.typing import NDArray
 from ._documents import Results
 from ._errors import EmptyFileError, Error, FileError, UnknownFileError, UsageError
 from ._groups import Group, groups_of, read_run
-from ._open import kind_of, open_raw
+from ._open import KINDS_THAT_ARE_NOT_READ, kind_of, open_raw
 from ._raw import Recording, Well
 from ._types import Path, sample_type
 
@@ -48,6 +48,8 @@ Piece = Union[list[Row], pandas.DataFrame]
 """Rows of a table, in either form."""
 
 BAD_FILE = (Error, OSError)
+
+EMPTY = KINDS_THAT_ARE_NOT_READ["empty"]
 
 CATALOG = {"path": "object", "Guid": "object", "plate": "object", "compound": "object", "task": "object",
            "number": "Int64", "dose": "Int64", "wells": "Int64", "samples": "Int64", "state": "object",
@@ -66,9 +68,10 @@ def catalog(paths: Paths, files_per_partition: Optional[int] = None) -> dask.dat
     """Returns a table of raw data files with one row per recording. Reads no samples.
 
     Columns: `path`, `Guid`, `plate`, `compound`, `task`, `number`, `dose` in picomolar, `wells`, `samples` (of all
-    wells; only those that are certainly in the file), `state` and `error`. The state is "finished", "unfinished",
-    "damaged", or, if the system refuses to read the file, "unreadable". A file whose recordings can't be listed has one
-    row. Reads the headers of segments only if one of the last three columns is used.
+    wells; only those that are certainly in the file), `state` and `error`. The state is "finished", "unfinished" (also
+    if the file is empty), "damaged" (also if it isn't a raw data file), or, if the system refuses to read the file,
+    "unreadable". A path that can't be read, such as a dangling link, and a file whose recordings can't be listed have
+    one row each. Reads the headers of segments only if one of the last three columns is used.
     """
     return _table(_catalog_of, CATALOG, paths, files_per_partition)
 
@@ -112,10 +115,8 @@ def samples(path: Path, recording: Union[int, tuple[str, int]] = 0, wells: Optio
     """
     run = open_raw(os.path.abspath(os.fsdecode(path)), **options)
     found = run.recordings[recording]
-    known = [channel.ID for channel in found.index().wells()] if wells is None else wells
-    ids: dict[int, Well] = {}
-    for name in known:
-        ids.setdefault(run.well_id(name), name)
+    known: dict[int, Well] = {channel.ID: channel.ID for channel in found.index().wells()}
+    ids = known if wells is None else run.well_names(wells)
     rows: dict[int, dask.array.Array] = {}
     for group in groups_of(found, ids):
         lazy = _LazySamples(found, group, scaled)
@@ -215,6 +216,8 @@ def _list(paths: Paths) -> list[str]:
 
 def _table(read: Callable[[str, Sequence[str]], Iterator[Piece]], dtypes: Mapping[str, str], paths: Paths,
            files_per_partition: Optional[int]) -> dask.dataframe.DataFrame:
+    if files_per_partition is not None and files_per_partition < 1:
+        raise UsageError(f"files_per_partition must be at least 1, not {files_per_partition!r}")
     names = _list(paths)
     size = files_per_partition or max(min(MOST_FILES, len(names) // LEAST_PARTITIONS), 1)
     table = _Table(read, dtypes, tuple(dtypes))
@@ -224,7 +227,7 @@ def _table(read: Callable[[str, Sequence[str]], Iterator[Piece]], dtypes: Mappin
 
 
 def _state_of(error: Exception) -> str:
-    if isinstance(error, EmptyFileError):
+    if isinstance(error, EmptyFileError) or isinstance(error, FileError) and error.strerror == EMPTY:
         return "unfinished"
     return "damaged" if isinstance(error, FileError) else "unreadable"
 

@@ -67,7 +67,7 @@ def plate(recording: Recording, start: Optional[int] = None, stop: Optional[int]
     from matplotlib import pyplot
 
     run = recording.run
-    names = list(recording.wells if wells is None else wells)
+    names = list(recording.wells if wells is None else run.well_names(wells).values())
     if not names:
         raise UsageError("The recording has no wells to be drawn", run.path)
     known = {well: place_of(run.well_id(well), run.label(well), run.settings) for well in names}

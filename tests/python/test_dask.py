@@ -79,7 +79,7 @@ def test_the_catalog_has_a_row_for_each_recording_and_for_each_bad_file(plates):
         else:
             errors = rows[rows.error.notnull()]
             assert len(errors) == 1 and errors.error.iloc[0].startswith(ERRORS[damage]), damage
-            assert errors.state.iloc[0] == "damaged"
+            assert errors.state.iloc[0] == ("unfinished" if damage == "empty" else "damaged")
         if rows.number.notnull().all():
             assert list(zip(rows.task, rows.number, rows.dose)) == [
                 ("Series", place + 1, dose) for place, dose in enumerate(campaign.DOSES)]
@@ -138,6 +138,9 @@ def test_errors_of_a_function_are_raised_and_those_of_files_are_rows(plates):
     for returned, problem in (({"dose": 1}, "already"), ({"a": 1, "c": 2}, "c")):
         with pytest.raises(ValueError, match=problem):
             vxfileio.dask.map_recordings(path, lambda recording: returned, meta={"a": int}).compute()
+    for files in (0, -1):
+        with pytest.raises(vx.UsageError, match="at least 1"):
+            vxfileio.dask.catalog(path, files)
     with pytest.raises(vx.UsageError, match="meta"):
         vxfileio.dask.map_recordings([REFERENCE / "not_ours.vxd"], peak)
 
@@ -202,6 +205,9 @@ def test_chunks_of_arrays_end_at_gaps_and_overlaps_and_wells_of_other_times_have
     assert list(vxfileio.dask.samples(path, 0, [12])) == [12]
     with pytest.raises(vx.NoSuchWellError):
         vxfileio.dask.samples(path, 0, [14])
+    for wells in ("B7", []):
+        with pytest.raises(vx.UsageError, match="at least one well"):
+            vxfileio.dask.samples(path, 0, wells)
 
 
 def test_one_well_is_read_without_the_others_of_its_chunk(plates, monkeypatch):

@@ -122,7 +122,7 @@ def test_what_was_taken_from_a_list_stays_valid_after_it_is_replaced():
     before = [well.to_dict() for well in wells]
     for _ in range(50):
         plate.Data.Wells = [vx.PlateWell(WellID=number, Label="x" * 40) for number in range(100)]
-        gc.collect()
+    gc.collect()
     assert [well.to_dict() for well in wells] == before
     wells[0].Label = "changed"
     assert plate.Data.Wells[0].Label == "x" * 40
@@ -161,6 +161,8 @@ def test_lists_and_maps_cannot_be_changed_without_effect():
             container.append(1)
     with pytest.raises(TypeError):
         settings.QualityCheck.QualityChecks["PreQC"] = vx.QualityCheckRecord()
+    with pytest.raises(TypeError, match="expected a mapping"):
+        settings.QualityCheck.QualityChecks = [vx.QualityCheckRecord()]
 
 
 def test_sharing_a_list_between_objects_copies_it():
@@ -176,7 +178,8 @@ def test_sharing_a_list_between_objects_copies_it():
     ("CleanerID", 1.5, TypeError), ("CleanerID", 2**31, ValueError), ("CleanerID", "1", TypeError),
     ("IPAddress", b"x", TypeError), ("IPAddress", None, TypeError), ("TroughMediumNames", "text", TypeError),
     ("StockPlateIDL8x12", "AB", ValueError), ("StockPlateIDL8x12", "\u0100", ValueError),
-    ("Range", (1, 2), ValueError), ("Unknown", 1, AttributeError), ("RecordPlate", 1, TypeError),
+    ("Range", (1, 2), ValueError), ("Range", 1, TypeError), ("StockPlates", 1, TypeError),
+    ("Unknown", 1, AttributeError), ("RecordPlate", 1, TypeError),
 ])
 def test_values_of_another_type_are_refused(name, value, error):
     config = vx.RobotConfig()
@@ -263,6 +266,8 @@ def test_tables_of_nothing_have_their_columns():
 def test_dose_texts_have_the_largest_unit_without_a_fraction():
     doses = {0: "0 pM", 999: "999 pM", 1000: "1 nM", 1500: "1500 pM", 10**7: "10 \xb5M", 10**15: "1000 M"}
     assert {dose: vx.dose_text(dose) for dose in doses} == doses
+    with pytest.raises(ValueError, match="not 18446744073709551616"):
+        vx.dose_text(2**64)
 
 
 # ---- Saving ----------------------------------------------------------------------------------------------------------
@@ -299,8 +304,11 @@ def test_a_refused_save_leaves_no_file(tmp_path):
 
 
 def test_workbooks_are_exported_and_never_replaced(tmp_path):
-    results = vx.open(RESULTS, settings=SETTINGS)
-    results.export(tmp_path / "run.xls")
+    results = vx.open(RESULTS)
+    with pytest.raises(vx.UsageError, match="needs the settings"):
+        results.export(tmp_path / "run.xls")
+    results.export(tmp_path / "run.xls", SETTINGS)
+    results.settings = vx.open(SETTINGS)
     names = {path.name for path in tmp_path.iterdir()}
     assert names == {"run.xls", "run-A1.xls"} and {vx.kind_of(tmp_path / name) for name in names} == {"workbook"}
     (tmp_path / "run.xls").unlink()

@@ -81,8 +81,12 @@ def test_recordings_are_found_by_number_and_by_task():
     run = vx.open(RUN)
     assert run.recordings["Series", 2147483647] is run.recordings[2] is run.recordings[-2]
     assert [r.task for r in run.recordings[:2]] == ["PreQC", "CompoundTest"]
-    with pytest.raises(TypeError):
-        run.recordings["Series"]
+    for key in ("Series", ("Series",), ("Series", 1, 1), (b"Series", 1), None, 1.0):
+        with pytest.raises(TypeError, match=r"index or \(task, number\)"):
+            run.recordings[key]
+    for number in ("1", 1.0):
+        with pytest.raises(TypeError, match="as an integer"):
+            run.recordings["Series", number]
     for key in (4, -5, ("Series", 1), ("Series", 2**40)):
         with pytest.raises(vx.NoSuchRecordingError) as raised:
             run.recordings[key]
@@ -121,6 +125,9 @@ def test_read_fills_the_callers_arrays_and_leaves_the_rest():
     for wrong in (np.zeros(3, np.uint16), np.zeros(4), np.zeros(8, np.uint16)[::2], [0] * 4):
         with pytest.raises(vx.UsageError, match="contiguous"):
             recording.read([1], out={1: wrong})
+    with pytest.raises(vx.UsageError, match="out must be a mapping"):
+        recording.read([1], out=room)
+    assert recording.read(iter([1]), out={1: room})[1].base is room
     with pytest.raises(vx.UsageError, match=r"out\[2\] must be"):
         recording.read([1, 2], out={1: room})
     for first, second in ((room, room), (room[:4], room[3:])):
@@ -137,7 +144,7 @@ def test_wells_that_are_not_there_are_errors():
         recording.samples(5)
     with pytest.raises(vx.UsageError, match="needs the settings"):
         recording.samples("B7")
-    for wells in ([], 1, np.int64(1), "B7"):
+    for wells in ([], iter([]), 1, np.int64(1), "B7", b"B7"):
         with pytest.raises(vx.UsageError, match="at least one"):
             recording.read(wells)
 
@@ -146,7 +153,7 @@ def test_seconds_need_ticks_per_second():
     with pytest.raises(vx.UsageError, match="ticks_per_second"):
         vx.open(RUN).recordings[0].seconds(1)
     assert list(vx.open(RUN, ticks_per_second=1000).recordings[0].seconds(1)) == [0, 0.1, 0.2, 0.3]
-    for wrong in (0, -1, float("nan"), float("inf")):
+    for wrong in (0, -1, float("nan"), float("inf"), "1000"):
         with pytest.raises(vx.UsageError, match="above 0"):
             vx.open(RUN, ticks_per_second=wrong)
 
