@@ -129,7 +129,7 @@ class Recordings:
 
 
 def _is_rate(value: Any) -> bool:
-    return isinstance(value, numbers.Real) and 0 < value < float("inf")
+    return isinstance(value, numbers.Real) and 0 < float(value) < float("inf")
 
 
 def _reopen(path: str, options: dict[str, Any]) -> Recordings:
@@ -169,7 +169,7 @@ class RecordingList(Sequence["Recording"]):
             task, number = key[0], operator.index(key[1])
             if -(2**31) <= number < 2**31:
                 place = self._run.open_file().find(task, number)
-        elif not hasattr(key, "__index__"):
+        elif isinstance(key, tuple) or not hasattr(key, "__index__"):
             raise TypeError(f"A recording has an index or (task, number), not {key!r}")
         elif -len(self) <= operator.index(key) < len(self):
             place = range(len(self))[key]
