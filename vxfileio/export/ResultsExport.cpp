@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iterator>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "vxfileio/base/ExcVXReader.h"
@@ -166,6 +167,19 @@ constexpr CSheetPlan kResultsSheets[] = {{"Results", PutResults}};
 
 /// The sheets of the workbook of one well.
 constexpr CSheetPlan kWellSheets[] = {{"HB Time Stamps", PutBeats}, {"Averages", PutAverages}};
+
+/// Returns whether spreadsheet programs accept the names of a workbook's sheets: none is too long or used twice.
+constexpr bool AreNamesAccepted(std::span<const CSheetPlan> plans) {
+    constexpr std::size_t kMostBytes = 31;
+    for (std::size_t i = 0; i < plans.size(); ++i) {
+        const std::string_view name = plans[i].name;
+        if (name.empty() || name.size() > kMostBytes) return false;
+        for (const CSheetPlan& other : plans.first(i))
+            if (name == other.name) return false;
+    }
+    return true;
+}
+static_assert(AreNamesAccepted(kResultsSheets) && AreNamesAccepted(kWellSheets), "rename the new sheet");
 
 void MakeSheets(const CSource& source, std::span<const CSheetPlan> plans, std::int32_t wellID,
                 YExcel::Document& document) {
