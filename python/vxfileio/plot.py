@@ -49,20 +49,49 @@ def trace(recording: Recording, well: Well, start: Optional[int] = None, stop: O
     return ax
 
 
+LARGEST_PLATE = 64
+"""No plate has more rows or columns. A place beyond is damage."""
+
+EXTRA_COLUMNS = 12
+
+
 def place_of(well: int, label: str, settings: Optional[Settings]) -> Optional[tuple[int, int]]:
-    """Returns row and column of a well on its plate, from 0: those of the settings, or else those of its label."""
-    for record in settings.RecordPlate.Data.Wells if settings is not None else ():
-        if record is not None and record.WellID == well:
-            return record.PlateRow, record.PlateColumn
-    found = re.fullmatch(r"([A-Z])0*([1-9][0-9]*)", label)
-    return (ord(found[1]) - ord("A"), int(found[2]) - 1) if found else None
+    """Returns row and column of a well on its plate, from 0: those of the settings, or else those of its label.
+
+    Returns None if no plate has the place.
+    """
+    known = settings.RecordPlate.Data.Wells if settings is not None else ()
+    record = next((record for record in known if record is not None and record.WellID == well), None)
+    found = re.fullmatch(r"([A-Z])0*([1-9][0-9]?)", label)
+    if record is not None:
+        place = record.PlateRow, record.PlateColumn
+    elif found:
+        place = ord(found[1]) - ord("A"), int(found[2]) - 1
+    else:
+        return None
+    return place if all(0 <= number < LARGEST_PLATE for number in place) else None
+
+
+def _places_of(recording: Recording, wells: Sequence[Well]) -> dict[Well, tuple[int, int]]:
+    """Returns a place for each well: its own, or else one in an extra row."""
+    run = recording.run
+    places: dict[Well, tuple[int, int]] = {}
+    for well in wells:
+        place = place_of(run.well_id(well), run.label(well), run.settings)
+        if place is not None and place not in places.values():
+            places[well] = place
+    rows = max((row + 1 for row, _ in places.values()), default=0)
+    columns = max((column + 1 for _, column in places.values()), default=EXTRA_COLUMNS)
+    extra = (well for well in wells if well not in places)
+    return places | {well: (rows + i // columns, i % columns) for i, well in enumerate(extra)}
 
 
 def plate(recording: Recording, start: Optional[int] = None, stop: Optional[int] = None, *,
           wells: Optional[Sequence[Well]] = None) -> Figure:
     """Draws a small trace of each well at its place on the plate, all with the same scale.
 
-    The places come from the settings of the run, or else from the labels. Wells without a known place get an extra row.
+    The places come from the settings of the run, or else from the labels. Wells without a place of their own are in
+    extra rows.
     """
     from matplotlib import pyplot
 
@@ -70,10 +99,7 @@ def plate(recording: Recording, start: Optional[int] = None, stop: Optional[int]
     names = list(recording.wells if wells is None else run.well_names(wells).values())
     if not names:
         raise UsageError("The recording has no wells to be drawn", run.path)
-    known = {well: place_of(run.well_id(well), run.label(well), run.settings) for well in names}
-    rows = max((place[0] + 1 for place in known.values() if place), default=0)
-    unknown = [well for well in names if known[well] is None]
-    places = {well: place for well, place in known.items() if place} | {w: (rows, i) for i, w in enumerate(unknown)}
+    places = _places_of(recording, names)
     shape = [max(place[i] for place in places.values()) + 1 for i in (0, 1)]
     figure, axes = pyplot.subplots(*shape, sharex=True, sharey=True, squeeze=False, layout="constrained",
                                    figsize=(1.2 * shape[1] + 1, 0.8 * shape[0] + 1))
@@ -98,7 +124,7 @@ def heat_map(results: Results, response: str, recording: int = 0, *, task: str =
     for well, label, value in zip(table["well"], table["label"], table["value"]):
         place = place_of(well, label, results.settings)
         if place is not None:
-            places[place] = value
+            places.setdefault(place, value)
     if not places:
         raise UsageError(f"{task} {recording} has no {response} of wells whose place is known", results.path)
     values = np.full([max(place[i] for place in places) + 1 for i in (0, 1)], np.nan)

@@ -224,6 +224,7 @@ def test_pickling_keeps_everything_and_what_was_changed(path):
 
 def test_records_compare_by_their_attributes_and_show_them():
     assert vx.Response(Label="QT-Interval", Value=1) == vx.Response(Label="QT-Interval", Value=1) != vx.Response()
+    assert vx.Response() != vx.ResponseMean() and vx.Response() != 5
     assert repr(vx.Response(Label="<b>", Value=0.5)) == "Response(Label='<b>', Value=0.5)"
     assert "&lt;b&gt;" in vx.Response(Label="<b>")._repr_html_()
     for document in (vx.open(SETTINGS), vx.open(RESULTS)):

@@ -64,6 +64,13 @@ def test_failures_of_the_system_are_its_own(name, exception, tmp_path):
     assert (raised.value.errno, raised.value.filename) == (errno.ENOENT, str(tmp_path / "missing" / "run.vxd"))
 
 
+@pytest.mark.skipif(not os.path.exists("/proc/self/mem"), reason="no file that can be opened and not read")
+def test_a_failure_to_read_names_the_file():
+    with pytest.raises(OSError) as raised:
+        vx.open("/proc/self/mem")
+    assert (raised.value.errno, raised.value.filename) == (errno.EIO, "/proc/self/mem")
+
+
 def test_files_of_another_kind_are_unknown():
     for call in (vx.Settings.read, lambda path: vx.open(RUN, settings=path)):
         with pytest.raises(vx.UnknownFileError, match="not a settings file") as raised:

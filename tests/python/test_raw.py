@@ -140,8 +140,10 @@ def test_read_fills_the_callers_arrays_and_leaves_the_rest():
 
 def test_wells_that_are_not_there_are_errors():
     recording = vx.open(RUN).recordings[0]
-    with pytest.raises(vx.NoSuchWellError, match="no well 5"):
-        recording.samples(5)
+    assert (recording.channel(1).ADZero, recording.channel(1).Ticks) == (32768, 100)
+    for call in (recording.samples, recording.channel):
+        with pytest.raises(vx.NoSuchWellError, match="no well 5"):
+            call(5)
     with pytest.raises(vx.UsageError, match="needs the settings"):
         recording.samples("B7")
     for wells in ([], iter([]), 1, np.int64(1), "B7", b"B7"):

@@ -72,6 +72,8 @@ def test_strict_writers_refuse_and_others_warn(tmp_path):
 def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
     path = tmp_path / "run.vxd"
     with vx.RawWriter(path, HEADER) as writer:
+        with pytest.raises(vx.UsageError, match="No recording"):
+            writer.write(11, 0, [1])
         first = writer.recording(RECORDING)
         first.write(11, 0, [1, 2])
         for well, start in ((11, 5), (13, 100)):
@@ -80,6 +82,7 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
         writer.recording(RECORDING)
         with pytest.raises(vx.UsageError, match="has ended"):
             first.write(11, 20, [3])
+    writer.close()
     with pytest.raises(vx.UsageError, match="closed"):
         writer.recording(RECORDING)
     assert segments_of(path) == [(11, 0, 10, [1, 2])]

@@ -1,0 +1,83 @@
+"""Pictures: what they show, by the data of their axes."""
+
+import numpy as np
+import pytest
+import uneven_files
+import vxfileio as vx
+
+matplotlib = pytest.importorskip("matplotlib")
+matplotlib.use("agg")
+from matplotlib import pyplot  # noqa: E402
+from vxfileio import plot  # noqa: E402
+
+QT = "QT-Interval"
+PLACES = {1: (0, 0), 2: (1, 2), 3: (1, 2), 4: (-1, -1), 5: (2_000_000_000, 0)}
+
+
+@pytest.fixture(autouse=True)
+def closed_figures():
+    yield
+    pyplot.close("all")
+
+
+@pytest.fixture
+def results():
+    """Results of five wells with the value of their ID. Two are at one place, two at places that no plate has."""
+    settings = vx.Settings()
+    settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=well, Label=f"W{well}", PlateRow=row, PlateColumn=column)
+                                       for well, (row, column) in PLACES.items()]
+    responses = {well: {QT: vx.Response(Label=QT, Value=well)} for well in PLACES}
+    wells = {well: vx.ResultsWell(WellLabel=f"W{well}", Responses=responses[well]) for well in PLACES}
+    means = [vx.ResponseMean(Label=QT, normMean=mean, normStdDev=mean / 10, Samples=5) for mean in (1.0, 2.0)]
+    recordings = [vx.ResultsRecording(Dose=dose, Wells=wells, NormalizedResponses={QT: mean})
+                  for dose, mean in zip((3000, 0), means)]
+    made = vx.Results()
+    made.Tasks = {"Series": vx.ResultsTask(TaskName="Series", Recordings=recordings)}
+    made.settings = settings
+    return made
+
+
+def test_a_trace_has_the_values_of_a_well_and_no_line_across_a_gap(tmp_path):
+    run = vx.open(uneven_files.uneven(tmp_path / "uneven.vxd"), ticks_per_second=1000)
+    axes = pyplot.subplots()[1]
+    assert plot.trace(run.recordings[0], 11, ax=axes) is axes
+    times, values = axes.lines[0].get_data()
+    np.testing.assert_array_equal(times, [1, 1.1, 1.2, np.nan, 9, 9.1, 9.2, 9.3])
+    samples = np.array([1, 2, 9, np.nan, 14, 15, 16, 17])
+    np.testing.assert_array_equal(values, (samples - 1000) * 0.5)
+    assert axes.get_xlabel() == "time in s"
+
+
+def test_a_plate_has_each_well_at_its_place_and_the_others_below(tmp_path, results):
+    path = uneven_files.uneven(tmp_path / "uneven.vxd")
+    for record, well in zip(results.settings.RecordPlate.Data.Wells, (11, 12, 13)):
+        record.WellID = well
+    by_settings = ["W1", "", "", "", "", "W2", "W3", "", ""]
+    for settings, titles in ((results.settings, by_settings), (None, ["11", "12", "13"])):
+        figure = plot.plate(vx.open(path, settings=settings).recordings[0])
+        assert [axes.get_title() for axes in figure.axes] == titles
+    with pytest.raises(vx.UsageError, match="at least one well"):
+        plot.plate(vx.open(path).recordings[0], wells="A1")
+
+
+def test_a_heat_map_has_each_value_at_the_place_of_its_well(results):
+    axes = plot.heat_map(results, QT)
+    shown = axes.images[0].get_array().filled(np.nan)
+    np.testing.assert_array_equal(shown, [[1, np.nan, np.nan], [np.nan, np.nan, 2]])
+    assert [text.get_text() for text in axes.get_yticklabels()] == ["A", "B"]
+    results.settings = None
+    with pytest.raises(vx.UsageError, match="whose place is known"):
+        plot.heat_map(results, QT, 1, task="PreQC")
+    axes = plot.heat_map(results, QT)  # by the labels W1 to W5
+    assert axes.images[0].get_array().filled(-1)[22].tolist() == [1, 2, 3, 4, 5]
+
+
+def test_a_dose_response_has_means_in_the_order_of_doses_with_deviation_and_count(results):
+    axes = plot.dose_response(results, QT)
+    line, _, (bars,) = axes.containers[0]
+    assert [point.tolist() for point in line.get_data()] == [[0, 3000], [2, 1]]
+    assert [np.diff(bar[:, 1])[0] for bar in bars.get_segments()] == pytest.approx([0.4, 0.2])
+    assert [text.get_text() for text in axes.texts] == ["n = 5", "n = 5"]
+    assert [text.get_text() for text in axes.get_xticklabels()] == ["0 pM", "3 nM"]
+    with pytest.raises(vx.UsageError, match="no means of Nothing"):
+        plot.dose_response(results, "Nothing")
