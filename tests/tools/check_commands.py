@@ -4,8 +4,8 @@
     check_commands.py VXFILE
 
 Every source `commands/NAMECommand.cpp` must be a command that VXFILE knows, have a row in the table and a section `## name`
-in docs/vxfile.md, run in a session of that page or of golden.md, have a fault in tests/mutations/faults.txt, and be in
-CHANGELOG.md.
+in docs/vxfile.md, run in a session of that page or of golden.md, with --json too if it has that, have a fault in
+tests/mutations/faults.txt, and be in CHANGELOG.md.
 """
 import pathlib
 import re
@@ -17,8 +17,8 @@ COMMANDS = "tools/vxfile/shell/commands"
 
 
 def problems_of(name, source, program, page, golden, faults, changes):
-    known = subprocess.run([program, name, "--help"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
-    if not known:
+    told = subprocess.run([program, name, "--help"], capture_output=True, text=True, check=False)
+    if told.returncode != 0:
         yield f"vxfile has no command '{name}'; add it to the list in tools/CMakeLists.txt"
     if f"\n| `{name}` | " not in page:
         yield f"the table of commands in docs/vxfile.md has no row for `{name}`"
@@ -28,6 +28,8 @@ def problems_of(name, source, program, page, golden, faults, changes):
         yield f"docs/vxfile.md has no section '## {name}'"
     if not re.search(rf"(?m)^\$ .*vxfile {name}\b", page + golden):
         yield f"no session in docs/vxfile.md or tests/tools/golden.md runs 'vxfile {name}'"
+    if re.search(r"(?m)^  --json ", told.stdout) and not re.search(rf"(?m)^\$ .*vxfile {name}\b.*--json\b", page + golden):
+        yield f"no session in docs/vxfile.md or tests/tools/golden.md runs 'vxfile {name}' with --json"
     if f"@ {COMMANDS}/{source}\n" not in faults:
         yield f"tests/mutations/faults.txt has no fault for {source}"
 
