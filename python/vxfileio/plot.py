@@ -120,7 +120,7 @@ def heat_map(results: Results, response: str, recording: int = 0, *, task: str =
     table = results.responses
     table = table[(table["task"] == task) & (table["recording"] == recording) & (table["response"] == response)
                   & (table["normalized"] == normalized)]
-    places = {}
+    places: dict[tuple[int, int], float] = {}
     for well, label, value in zip(table["well"], table["label"], table["value"]):
         place = place_of(well, label, results.settings)
         if place is not None:
