@@ -6,7 +6,7 @@ import errno
 import operator
 import os
 import threading
-from typing import Any, Optional
+from typing import Any, NoReturn, Optional
 
 import numpy as np
 from numpy.typing import ArrayLike
@@ -102,6 +102,9 @@ class RawWriter:
 
     def __exit__(self, *_: object) -> None:
         self.close()
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError(f"A writer can't be pickled or copied; only one can write {self.path!r}")
 
     def __repr__(self) -> str:
         return printable(f"<vxfileio.RawWriter {self.path!r}{': closed' if self.closed else ''}>")

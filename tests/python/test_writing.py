@@ -1,6 +1,8 @@
 """Writing raw data files, read back with the second reader."""
 
+import copy
 import os
+import pickle
 import resource
 
 import numpy as np
@@ -83,6 +85,9 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
         with pytest.raises(vx.UsageError, match="has ended"):
             first.write(11, 20, [3])
     writer.close()
+    for refused in (pickle.dumps, copy.copy):
+        with pytest.raises(TypeError, match="can't be pickled or copied"):
+            refused(writer)
     with pytest.raises(vx.UsageError, match="closed"):
         writer.recording(RECORDING)
     assert segments_of(path) == [(11, 0, 10, [1, 2])]
