@@ -27,21 +27,24 @@ def private_names(text):
     return set(DEFINITION.findall("\n".join(parts))) | set(aliases) | set(constants)
 
 
-def groups_of(sources, key=lambda source: None):
-    """Divides sources into lists: those of one list have the same key, and no private name twice."""
-    groups = []  # (key, sources, names)
+def groups_of(sources):
+    """Divides sources into lists in which no private name occurs twice."""
+    alone, groups = [], []  # groups: (sources, names)
     for source in sources:
         with open(source, encoding="utf-8") as file:
             text = file.read()
-        names, own_key = private_names(text), source if ALONE.search(text) else key(source)
-        for group_key, members, taken in groups:
-            if group_key == own_key and len(members) < LARGEST_GROUP and not names & taken:
+        names = private_names(text)
+        if ALONE.search(text):
+            alone.append([source])
+            continue
+        for members, taken in groups:
+            if len(members) < LARGEST_GROUP and not names & taken:
                 members.append(source)
                 taken |= names
                 break
         else:
-            groups.append((own_key, [source], names))
-    return [members for _, members, _ in groups]
+            groups.append(([source], names))
+    return [members for members, _ in groups] + alone
 
 
 if __name__ == "__main__":

@@ -3,11 +3,11 @@
 
     tidy.py DATABASE_FOLDER SOURCE...
 
-clang-tidy spends nine tenths of its time on the standard library's headers. Sources that are compiled alike share one
-generated file, so those headers are read once per group, and checks see through calls from one source into another.
-Two sources that use the same private name can't share a group. If clang-tidy reports anything for a group, even that it
-doesn't compile, its sources are checked one by one, and the outcome of that counts. What only shows in the group is
-printed as a hint.
+clang-tidy spends most of its time on the standard library's headers. Many sources share one generated file, compiled
+with the flags of all of them, so those headers are read once per group, and checks see through calls from one source
+into another. Two sources that use the same private name can't share a group. If clang-tidy reports anything for a
+group, even that it doesn't compile, its sources are checked one by one, and the outcome of that counts. What only shows
+in the group is printed as a hint.
 """
 
 import concurrent.futures
@@ -19,15 +19,12 @@ import sys
 
 import source_groups
 
-COMPILED_ALONE = "/python/src/"
-"""The folder of the binding. scripts/demo and scripts/package compile each of its sources alone, which takes long."""
-
 
 def flags_of(entry):
-    """Returns the compiler's arguments without the source and the object file."""
-    words = shlex.split(entry["command"])[1:]
-    return tuple(word for before, word in zip([""] + words, words)
-                 if word not in ("-c", "-o", entry["file"]) and before != "-o" and not word.startswith("-DVXFILEIO_BUILD"))
+    """Returns the compiler's arguments that change what a source means."""
+    command = entry["command"].replace("-isystem ", "-isystem")
+    return [word for word in shlex.split(command) if word.startswith(("-D", "-I", "-isystem", "-std", "-W"))
+            and not word.startswith("-DVXFILEIO_BUILD")]
 
 
 def tidy(source, flags):
@@ -47,11 +44,11 @@ def check(number, members, flags, folder):
     together = os.path.join(folder, f"group_{number}.cpp")
     with open(together, "w", encoding="utf-8") as file:
         file.writelines(f'#include "{source}"\n' for source in members)
-    passed, text = tidy(together, flags)
+    passed, text = tidy(together, dict.fromkeys(flag for source in members for flag in flags[source]))
     if passed:
-        parsed = [parse(source, flags) for source in members if COMPILED_ALONE not in source]
+        parsed = [parse(source, flags[source]) for source in members]
         return all(ok for ok, _ in parsed), "".join(found for _, found in parsed)
-    alone = [tidy(source, flags) for source in members]
+    alone = [tidy(source, flags[source]) for source in members]
     if all(ok for ok, _ in alone):
         return True, f"{together}: nothing in its sources one by one, but together:\n{text}"
     return False, "".join(found for _, found in alone)
@@ -64,10 +61,10 @@ def main():
     folder = os.path.join(build, "tidy")
     os.makedirs(folder, exist_ok=True)
     flags = {source: flags_of(database[source]) for source in sources}
-    groups = source_groups.groups_of(sources, flags.get)
+    groups = source_groups.groups_of(sources)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         failed = False
-        for passed, text in pool.map(lambda number, group: check(number, group, flags[group[0]], folder),
+        for passed, text in pool.map(lambda number, group: check(number, group, flags, folder),
                                      range(len(groups)), groups):
             failed |= not passed
             print(text, end="", flush=True)
