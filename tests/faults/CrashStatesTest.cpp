@@ -268,7 +268,7 @@ constexpr std::size_t kMostStates = 2000;
 /// The first segment moves all that follows, so that page boundaries lie in different places.
 CPlan SmallPlan(std::int64_t first) { return {{{first, 700, 40}, {30, 900}}, 2, kAllStates}; }
 
-#if defined(VXFILEIO_SANITIZED)
+#if defined(VXFILEIO_FEWER_CASES)
 constexpr std::size_t kLargeStates = 600;
 #else
 constexpr std::size_t kLargeStates = 3000;
