@@ -492,11 +492,13 @@ static void take_paths_as_utf8(void) {
 #if defined(__linux__)
 /* The system refuses every byte. */
 static void report_a_full_disk(void) {
+    const int64_t dose = 1000;
     vx_writer* writer = NULL;
     vx_file_header file = VX_FILE_HEADER_INIT;
     WORKS(vx_writer_create(&writer, "/dev/full", VX_CREATE_REPLACE));
     EXPECT(vx_writer_write_file_header(writer, &file) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "No space left on device") != NULL);
+    WORKS(vx_writer_set_list(writer, VX_RAW_PRE_QC, &dose, 1)); /* nothing new */
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);
 }
@@ -608,8 +610,13 @@ static void change_settings(void) {
     EXPECT(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "BB") == VX_ERROR_VALUE);
     WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 3));
     EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Compounds", NULL, 0) == VX_ERROR_TYPE);
+    WORKS(vx_document_insert(settings, "PropertyRecordPlate/Compounds/1"));
+    EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/1/Label", ""));
+    WORKS(vx_document_remove(settings, "PropertyRecordPlate/Compounds/1"));
     WORKS(vx_document_get_count(settings, "PropertyRecordPlate/Compounds", &count));
-    EXPECT(count == 1);
+    EXPECT(count == 1 && text_is(settings, "PropertyRecordPlate/Compounds/0/Label", "C7"));
+    EXPECT(vx_document_set_int64(settings, "PropertyAnalyzer/FPfastAutoAdjust", 2) == VX_ERROR_VALUE);
+    EXPECT(vx_document_set_int64(settings, mark, 99) == VX_ERROR_VALUE);
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
     WORKS(vx_document_save(settings, copy, -1));
@@ -646,6 +653,12 @@ static void make_results(void) {
     EXPECT(vx_document_insert(results, "Tasks/Serious") == VX_ERROR_VALUE);
     EXPECT(vx_document_insert(results, "Tasks/Series/Recordings/5") == VX_ERROR_VALUE);
     EXPECT(text_is(results, "Tasks/Series/TaskName", "Series"));
+    WORKS(vx_document_set_text(results, "Tasks/Series/Recordings/0/Dose", "18446744073709551615"));
+    WORKS(vx_table_open(&table, results, VX_TABLE_MEANS));
+    WORKS(vx_table_get_int64s(table, 2, wholes, &count));
+    EXPECT(count == 1 && wholes[0] == INT64_MAX);
+    WORKS(vx_close(table));
+    count = 4;
     WORKS(vx_document_set_int64(results, "Tasks/Series/Recordings/0/Dose", 1000));
     WORKS(vx_document_set_text(results, "Tasks/Series/Recordings/0/Wells/11/WellLabel", "B7"));
     WORKS(vx_document_set_int64s(results, "Tasks/Series/Recordings/0/Wells/11/FPfastDetectionTimes", beats, 2));

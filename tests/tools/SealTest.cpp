@@ -205,6 +205,9 @@ TEST_F(Seals, DistinguishAFileThatGrewFromOneThatWasCutOrReplaced) {
         EXPECT_EQ(m_findings.Count(), c.findings) << c.where;
         EXPECT_EQ(m_findings.Kept().front().where, c.where);
         EXPECT_TRUE(m_findings.Kept().front().found.starts_with(c.found)) << m_findings.Kept().front().found;
+        const std::string& meaning = m_findings.Kept().back().meaning;
+        EXPECT_EQ(meaning.find("what was sealed is as it was") != std::string::npos, c.state == EState::Grown)
+            << meaning;
     }
 }
 

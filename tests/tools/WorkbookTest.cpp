@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
 #include <map>
 
 #include "tests/support/TempFolder.h"
@@ -43,8 +44,27 @@ TEST_F(WorkbookTest, TextsThatSpanRecordsAreReadAndFoundSound) {
             wide += "\xD1\x97";
         expected.push_back(wide + static_cast<char>('a' + row));
     }
+    At(30, 0).SetWideText(u"\u20AC");
+    expected.emplace_back("\xE2\x82\xAC");
     EXPECT_EQ(vxfile::SharedTextsOf(Stream()), expected);
     EXPECT_EQ(vxfile::VerifyWorkbook(m_path).Count(), 0U);
+}
+
+// The header lists 109 sectors of the FAT. A list of more sectors, the DIFAT, begins in another sector.
+TEST_F(WorkbookTest, ThatAreLargeAreSoundAndAFaultInTheListOfTheirFatIsFound) {
+    for (std::uint32_t row = 0; row < 60'000; ++row) {
+        for (std::uint32_t column = 0; column < 7; ++column)
+            At(row, column).SetDouble(row + 1.0 / 3.0);
+    }
+    EXPECT_TRUE(m_document.SaveToFile(m_path));
+    EXPECT_EQ(vxfile::VerifyWorkbook(m_path).Count(), 0U);
+    std::fstream file(m_path, std::ios::in | std::ios::out | std::ios::binary);
+    std::uint32_t sector = 0;
+    file.seekg(68).read(reinterpret_cast<char*>(&sector), sizeof sector);
+    file.seekp(512 * (std::streamoff{sector} + 1) + 500).put('x').flush();
+    const vxfile::CFindings findings = vxfile::VerifyWorkbook(m_path);
+    ASSERT_EQ(findings.Count(), 1U);
+    EXPECT_EQ(findings.Kept()[0].offset, 512 * (std::int64_t{sector} + 1) + 500);
 }
 
 TEST_F(WorkbookTest, ARecordIsReadByItsTypeAndMissingFieldsHaveDefaults) {

@@ -195,12 +195,19 @@ def check_database(folder, database):
     assert "12 files, 1 of them read now" in run(*options, status=1)[1]
     assert stored(database, "SELECT count(*) FROM files WHERE file_state = 'unreadable'") == [(0,)]
 
-    # Another folder doesn't remove the first one.
-    other = folder.parent / "other"
+    # Neither of two folders removes the files of the other, not even if its name begins with that of the other.
+    other = folder.parent / (folder.name + "-2")
     other.mkdir()
     shutil.copyfile(REFERENCE / "small_example.vxd", other / "one.vxd")
     run(str(other), "--sqlite", database, status=0)
+    run(*options, status=1)
     assert stored(database, "SELECT count(*) FROM files") == [(13,)]
+
+    # A folder that can't be looked into keeps its rows.
+    away = folder.rename(folder.parent / "away")
+    run(*options, status=2)
+    assert stored(database, "SELECT count(*) FROM files") == [(13,)]
+    away.rename(folder)
 
     # Newer and other databases are refused and unchanged.
     with sqlite3.connect(database) as connection:

@@ -213,6 +213,19 @@ TEST_F(ArchiveReadTest, AttributesAreFoundByTheirNames) {
         archive.GetValue(behind);
         EXPECT_EQ(behind, "text") << "the attributes are skipped";
     });
+    const std::string largest =
+        "a=\"65535\" b=\"4294967295\" c=\"-9223372036854775808\" d=\"18446744073709551615\" e=\"1\"";
+    ReadIn("<A " + largest + "/>", [](CXmlFileArchive& archive) {
+        const auto read = [&](const char* name, XmlValue value) {
+            EXPECT_EQ(archive.GetAttribute(name, value), 0);
+            return value;
+        };
+        EXPECT_EQ(read("a", std::uint16_t{0}).AsUInt16(), 65535U);
+        EXPECT_EQ(read("b", std::uint32_t{0}).AsUInt32(), 4294967295U);
+        EXPECT_EQ(read("c", std::int64_t{0}).AsInt64(), std::numeric_limits<std::int64_t>::min());
+        EXPECT_EQ(read("d", std::uint64_t{0}).AsUInt64(), std::numeric_limits<std::uint64_t>::max());
+        EXPECT_TRUE(read("e", false).AsBool());
+    });
 }
 
 TEST_F(ArchiveReadTest, SamplesEndAtTheirSemicolons) {

@@ -140,7 +140,7 @@ TEST_F(ArchiveWriteTest, FailureToOpenReturnsTheReason) {
     EXPECT_EQ(file.Open(m_path, "wb"), 0);
     const std::string large(200'000, 'x');
     EXPECT_EQ(file.Write("ab", 2) + file.Write(large.data(), large.size()) + file.Write("c", 1), large.size() + 3);
-    file.Close();
+    EXPECT_EQ(file.Open(m_folder.Path("next"), "wb"), 0) << "after it has closed the first";
     EXPECT_EQ(ReadAll(m_path), "ab" + large + "c");
     EXPECT_EQ(file.Open(m_path, "r"), 0);
     EXPECT_EQ(file.Write("d", 1), 0U) << "open for reading";

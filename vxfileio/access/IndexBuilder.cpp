@@ -117,7 +117,6 @@ bool CIndexBuilder::Settle(std::int64_t position, CSegmentHdr& header) {
     for (int rereads = 0; rereads < CRecordingHdrReader::kMostRereads; ++rereads) {
         const std::int64_t next = header.FPosNextSegmentHdr;
         if (next == kUnset || next == EndOf(m_layout, position, header)) break;
-        m_window.Forget();
         if (!ReadHdr(position, header)) return false;
         if (header.FPosNextSegmentHdr == next) break;
     }

@@ -107,6 +107,16 @@ TEST_F(RawDiff, ComparesWhatPositionsPointAtInsteadOfPositions) {
     EXPECT_EQ(lines, std::vector<std::string>{"recording 2 > state: finished | not finished"});
 }
 
+TEST_F(RawDiff, NamesTheFileWhoseChainOfSegmentsIsDamaged) {
+    const std::string whole = FileOf({{{11, 0, {1}}, {11, 100, {2}}}});
+    const std::string broken = WithCell(whole, "FPosNextSegmentHdr", "9");
+    const std::string chain = "recording 1 (CompoundTest 1) > chain of segments: ";
+    EXPECT_EQ(Differing(whole, broken).back(), chain + "whole | damaged");
+    EXPECT_TRUE(m_omission.starts_with(m_right + " has a damaged chain")) << m_omission;
+    EXPECT_EQ(Differing(broken, whole).back(), chain + "damaged | whole");
+    EXPECT_TRUE(m_omission.starts_with(m_left + " has a damaged chain")) << m_omission;
+}
+
 TEST_F(RawDiff, RefusesOverlappingSegments) {
     CSegmentTexts segments(2000, {11, 0, {1}});
     std::string bytes = FileOf({segments});

@@ -49,9 +49,10 @@ std::string Lines(ETableForm form, const std::vector<CRow>& rows) {
 TEST(Table, KeepsATextInItsField) {
     EXPECT_EQ(Lines(ETableForm::Csv, {WithName("a,\"b\"\n")}), "\"a,\"\"b\"\"\n\",,,,\n");
     EXPECT_EQ(Lines(ETableForm::Tsv, {WithName("a,b")}), "a,b\t\t\t\t\n");
+    EXPECT_EQ(Lines(ETableForm::Csv, {WithName("a\r")}), "\"a\r\",,,,\n");
     EXPECT_EQ(Lines(ETableForm::Csv, {WithName("=1+1")}), "'=1+1,,,,\n");
     EXPECT_EQ(Written(ETableForm::JsonLines, {WithName("a\"\n\x01")}).substr(0, 22), R"({"name":"a\"\n\u0001",)");
-    EXPECT_EQ(Written(ETableForm::Npy, {WithName("12345")}),
+    EXPECT_EQ(Written(ETableForm::Npy, {WithName("1234"), WithName("12345")}),
               "An array has 4 bytes for a name, too few for \"12345\"; choose --csv, --tsv or --jsonl.");
 }
 

@@ -103,6 +103,7 @@ TEST(Text, ReadsDosesOnlyWithAUnitAndWhole) {
              {"9223372036854775808pM", std::nullopt},
              {"0.5pM", std::nullopt},
              {"0.0005nM", std::nullopt},
+             {"0.0050nM", 5},
              {"1", std::nullopt},
              {"nM", std::nullopt},
              {".5nM", std::nullopt},

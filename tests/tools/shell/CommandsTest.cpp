@@ -117,23 +117,49 @@ TEST_F(Commands, VerifyPrintsFiftyFindingsAndCountsTheRest) {
 }
 
 TEST_F(Commands, DiffPrintsFiftyDifferencesAndCountsTheRest) {
-    const auto file = [](std::uint16_t sample) {
+    const auto file = [](std::size_t recordings, std::uint16_t sample) {
         CSegmentTexts segments;
         for (int i = 0; i < 5; ++i)
             segments.push_back({11, i * 100, {sample}});
-        return FileOf(std::vector<CSegmentTexts>(11, segments));
+        return FileOf(std::vector<CSegmentTexts>(recordings, segments));
     };
-    const CWords diff = {"diff", File("left.vxd", file(1)), File("right.vxd", file(2))};
-    const CToolRun run = RunTool(diff);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.out.ends_with("and 5 more differences\n")) << run.out;
-    EXPECT_EQ(std::ranges::count(run.out, '<'), 50);
+    for (const auto& [recordings, more] : std::vector<std::pair<std::size_t, std::string>>{{11, "5"}, {210, "1000"}}) {
+        const CWords diff = {"diff", File("left.vxd", file(recordings, 1)), File("right.vxd", file(recordings, 2))};
+        const CToolRun run = RunTool(diff);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(run.out.ends_with("\nand " + more + " more differences\n")) << run.out;
+        EXPECT_EQ(std::ranges::count(run.out, '<'), 50);
+    }
+}
+
+TEST_F(Commands, DiffAddsLabelsToTheWellsOfBothFiles) {
+    const CWords diff = {"diff", File("left.vxd", FileOf({{{64, 0, {1}}}})),
+                         File("right.vxd", FileOf({{{66, 0, {1}}}})), "--settings",
+                         VXFILEIO_REFERENCE_DIR "/xml/settings.vxs"};
+    const std::string out = RunTool(diff).out;
+    EXPECT_TRUE(Has(out, "  < well 64 (A1), from ")) << out;
+    EXPECT_TRUE(Has(out, "  > well 66 (C1), from ")) << out;
 }
 
 TEST_F(Commands, DiffDecodesReferencesOfDocuments) {
     const std::string references = File("a.vxs", "<Vexaprobe><Settings><A>&#128;&#65;&lt;</A></Settings></Vexaprobe>");
     const std::string bytes = File("b.vxs", "<Vexaprobe><Settings><A>\x80&#065;&#60;</A></Settings></Vexaprobe>");
     EXPECT_EQ(RunTool({"diff", references, bytes}).out, RunTool({"diff", bytes, bytes}).out);
+}
+
+TEST_F(Commands, TableHasADoseOf0ForARecordingWithoutOne) {
+    const std::string mean =
+        "<NormalizedResponses Size=\"1\"><Response><Label>QT-Interval</Label><normMean>2.</normMean>"
+        "</Response></NormalizedResponses></Recording>";
+    const std::string path =
+        File("run.vxr",
+             "<Vexaprobe><Header/><Results><Task><TaskName>Series</TaskName><Recordings Size=\"2\"><Recording>"
+             "<Dose>1000</Dose>" +
+                 mean + "<Recording>" + mean + "</Recordings></Task></Results></Vexaprobe>");
+    const std::string out = RunTool({"table", path, "--what", "means", "-o", m_folder.Path("out")}).err;
+    const std::string rows = ReadAll(m_folder.Path("out"));
+    EXPECT_TRUE(Has(rows, "\nSeries,0,1000,1 nM,")) << rows << out;
+    EXPECT_TRUE(Has(rows, "\nSeries,1,0,0 pM,")) << rows;
 }
 
 TEST_F(Commands, WatchWaitsForAFileThatDoesNotExistYet) {
