@@ -130,14 +130,6 @@ TEST_F(DamagedFileTest, RecordingLoopsAreReported) {
     EXPECT_EQ(Outcome(), kBadRecording);
 }
 
-TEST_F(DamagedFileTest, RecordingChainThatRunsBackwardsIsValid) {
-    m_bytes = FileHdrBytes(6110) + RecordingHdrBytes({.task = "C"}) + RecordingHdrBytes({.task = "B", .next = 1190}) +
-              RecordingHdrBytes({.task = "A", .next = 3650});
-    WriteAll(m_path, m_bytes);
-    m_reader.Open(m_path);
-    EXPECT_EQ(m_reader.GetTasks(), (std::vector<std::string>{"A", "B", "C"}));
-}
-
 TEST_F(DamagedFileTest, SegmentLoopsAreReportedAgainAfterEachJump) {
     SetCell(4058, 50, "FPosNextSegmentHdr=3650");
     WriteAll(m_path, m_bytes);
@@ -171,12 +163,6 @@ TEST_F(DamagedFileTest, OverlappingSegmentsAreReportedOnceTheyAreTooMany) {
     while (SegmentsOf(m_reader, 1) != kBadSegment)
         ++delivered;
     EXPECT_EQ(delivered, most);
-}
-
-TEST_F(DamagedFileTest, SegmentChainThatRunsBackwardsIsValid) {
-    m_bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3958}) + SegmentHdrBytes(12, -1, 5, 8, "4") +
-              SampleBytes(kWell12) + SegmentHdrBytes(11, 3650, 1, 4, "4") + SampleBytes(kWell11);
-    EXPECT_EQ(Outcome(), "CompoundTest1: 11[1..4]1,256,65535,32768 12[5..8]7,8,9,10 end");
 }
 
 TEST_F(DamagedFileTest, SegmentPositionsOutsideTheFileAreReported) {

@@ -414,34 +414,6 @@ TEST_F(PlateValues, HaveNoColourIfTheyDoNotCount) {
         EXPECT_NE(page.find(cell), std::string::npos) << cell;
 }
 
-TEST_F(PlateValues, DoNotCountIfTheSettingsExcludeThem) {
-    Make({"A1", "A2", "A3"}, {0});
-    const CTempFolder folder;
-    const std::string path = folder.Path("run.vxs");
-    CXmlFileHeader version;
-    version.FileVersion = 3;
-    CPropRecordPlate plate;
-    for (const std::int32_t id : {1, 2, 3})
-        plate.Data.AddWell(id, 0, id - 1, id, "");
-    CPropAnalyzer analyzer;
-    analyzer.InitTask(enTask::Series, 1, {1, 2, 3});
-    auto& marks = analyzer.AnalyzeSettings.at(enTask::Series).front();
-    marks.at(2).Analyze = false;
-    marks.at(3).Responses.at(enResponseType::QTInterval) = enAnalysisMark::Deselected;
-    CISettingsWriter writer;
-    writer.SetXmlFileHeader(version);
-    writer.SetRecordPlateProperty(plate);
-    writer.SetAnalyzerProperty(analyzer);
-    writer.WriteFile(path, -1);
-    CISettingsReader settings;
-    settings.ReadFile(path);
-    const std::string page =
-        PlatePage(MakePlateValues({.header = &header, .results = &results, .settings = &settings}));
-    for (const char* const cell : {"<i>A1</i> 1.00</td>", "<i>A2</i> 2.00<i>not analysed</i></td>",
-                                   "<i>A3</i> 3.00<i>deselected</i></td>", "<td>1</td><td>0</td><td>1</td>"})
-        EXPECT_NE(page.find(cell), std::string::npos) << cell;
-}
-
 TEST_F(PlateValues, OfTheControlAreNotJoinedWithTheFirstDose) {
     Make({"A1"}, {0, 10'000, 1'000'000});
     const std::string page = PlatePage(Values());

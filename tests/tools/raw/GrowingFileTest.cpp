@@ -148,12 +148,6 @@ TEST_F(GrowingFile, IsAwaitedBeforeItExistsAndAfterItIsDeleted) {
     EXPECT_EQ(LookAt(file, kFinished), EState::Finished);
 }
 
-TEST_F(GrowingFile, MustBeARawDataFile) {
-    WriteAll(m_path, "something else");
-    CGrowingFile file(m_path);
-    EXPECT_NE(FailureOf([&] { static_cast<void>(file.Look()); }), "");
-}
-
 TEST_F(GrowingFile, EndsForAScanWhereItEndedWhenItWasOpened) {
     WriteAll(m_path, kRunning.substr(0, kRunning.size() - 306));
     const CRawScan scan(m_path);

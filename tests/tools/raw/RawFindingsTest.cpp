@@ -114,23 +114,6 @@ TEST_F(RawFindings, AreOneForEachCutOfTheLastSegment) {
         ASSERT_EQ(StatusOf(Verified(kTwo.substr(0, size))), 1) << size;
 }
 
-TEST_F(RawFindings, OfInfoCountSegmentsSamplesAndWells) {
-    const CJson json = Told(kTwo).Json();
-    EXPECT_EQ(json["wells"], (std::vector<int>{11, 12}));
-    EXPECT_EQ(json["recordingCount"], 2);
-    EXPECT_EQ(json["lastFinished"], true);
-    EXPECT_EQ(json["chainDamaged"], false);
-    const CJson& first = json["recordings"][0];
-    EXPECT_EQ(first["segments"], 2);
-    EXPECT_EQ(first["samples"], 6);
-    EXPECT_EQ(first["offset"], 1190);
-    EXPECT_EQ(first["dose"], 1000);
-    EXPECT_EQ(first["startTime"], 1000000);
-    EXPECT_EQ(first["channels"][1]["id"], 12);
-    EXPECT_EQ(first["channels"][1]["interval"], 100);
-    EXPECT_EQ(json["recordings"][1]["samples"], 1);
-}
-
 TEST_F(RawFindings, OfInfoIncludeACutAtAnyOffset) {
     EXPECT_FALSE(Told(kTwo).IsDamaged());
     for (const std::size_t size : {kTwo.size() - 1, kTwo.size() - 2, kLast + 1, kSecond + 2000, kSecond, kSecond - 1,

@@ -177,15 +177,6 @@ TEST_F(Samples, InUnitsAreRefusedWithoutANumberForTheUnitsOfTheirWell) {
 }
 
 TEST_F(Samples, UnitsThatAreNoNumberAreDamageForInfo) {
-    WriteAll(m_path, WithCell(FileOf({{{11, 0, {10}}}}), "UnitsPerADs", "0,3:0.5"));
-    const CToolRun info = RunTool({"info", m_path});
-    EXPECT_EQ(info.status, 1);
-    EXPECT_NE(info.out.find(
-                  "UnitsPerADs of recording 1 (CompoundTest 1) has \"0,3\" for well 11, which isn't a valid number"),
-              std::string::npos)
-        << info.out;
-    EXPECT_NE(RunTool({"info", "--json", m_path}).out.find("\"unitsPerAD\": null"), std::string::npos);
-
     const std::string both = WithCell(FileOf({{{11, 0, {10}}}}), "UnitsPerADs", "0,3:0.5");
     WriteAll(m_path, WithCell(WithCell(both, "ADZeros", "x:0"), "FPosRecordingData", "999999"));
     const std::string json = RunTool({"info", "--json", m_path}).out;
@@ -221,13 +212,6 @@ TEST_F(Samples, AreSeparatedByTabsAndQuotedWhereTheTaskNeedsIt) {
     EXPECT_EQ(line("a,b", Csv), "\"a,b\",1,11,0,1\n");
     EXPECT_EQ(line("a\tb", Tsv), "\"a\tb\"\t1\t11\t0\t1\n");
     EXPECT_EQ(line("a\"b", Csv), "\"a\"\"b\",1,11,0,1\n");
-}
-
-TEST_F(Samples, NeverHaveATaskThatIsAFormula) {
-    for (const std::string task : {"+1", "-1", "@SUM(A1)"}) {
-        const std::string text = Written(WithCell(FileOf({{{11, 0, {1}}}}), "TaskName", task), {});
-        EXPECT_EQ(text, "task,recording,well,time,sample\n'" + task + ",1,11,0,1\n");
-    }
 }
 
 TEST_F(Samples, OfAWellWithoutAnIntervalHaveTheTimesOfTheirSegmentsAndADoubt) {
@@ -305,11 +289,6 @@ TEST_F(Samples, AreRefusedIfAChainContinuesInAnotherRecording) {
         EXPECT_NE(text.find("recording 1 (CompoundTest 1), which leads into another recording,"), std::string::npos)
             << text;
     }
-}
-
-TEST_F(Samples, OfSeveralWellsNeedATableOrAFileEach) {
-    const std::string text = Written(kFile, {}, {.kind = CSampleForm::EKind::NpyArray});
-    EXPECT_NE(text.find("--well"), std::string::npos) << text;
 }
 
 TEST_F(Samples, ArentReadIfTheCheckOfTheirIndexThrows) {

@@ -9,7 +9,6 @@
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Differences.h"
 #include "tools/vxfile/report/Page.h"
-#include "tools/vxfile/system/ExitStatus.h"
 #include "verify/Failure.h"
 #include "verify/Findings.h"
 #include "vxfileio/base/ExcVXReader.h"
@@ -54,15 +53,6 @@ TEST(Differences, OfLeavesAtOnePlaceAreThoseInTheirOrder) {
     EXPECT_EQ(Differing(several, {{"B", "2"}}), "A:1| A:3| ");
 }
 
-TEST(Findings, HaveTheStatusOfTheWorst) {
-    CFindings findings;
-    EXPECT_EQ(StatusOf(findings), 0);
-    findings.Add({});
-    EXPECT_EQ(StatusOf(findings), 1);
-    findings.MakeUnusable();
-    EXPECT_EQ(StatusOf(findings), 2);
-}
-
 TEST(Findings, AreAllCountedAndTheFirstThousandKept) {
     CFindings findings;
     CDifferences differences;
@@ -76,11 +66,6 @@ TEST(Findings, AreAllCountedAndTheFirstThousandKept) {
     EXPECT_EQ(differences.Count(), 1002U);
     ASSERT_EQ(differences.Kept().size(), 1000U);
     EXPECT_EQ(differences.Kept().back().where, "999");
-}
-
-TEST(Differences, NameEachPlaceThatDiffers) {
-    EXPECT_EQ(Differing({{"a", "1"}, {"b", "2"}}, {{"b", "2"}, {"a", "1"}}), "");
-    EXPECT_EQ(Differing({{"a", "1"}, {"b", "2"}}, {{"b", "3"}, {"c", "4"}}), "a:1| b:2|3 c:|4 ");
 }
 
 TEST(Differences, KeepTheFirstOmission) {

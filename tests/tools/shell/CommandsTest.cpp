@@ -78,11 +78,6 @@ TEST_F(Commands, EndWithTheWorstStatusOfAllFilesInAnyOrder) {
     }
 }
 
-TEST_F(Commands, VerifySaysHowManyFilesAreOfWhichStatus) {
-    const CToolRun run = RunTool({"verify", m_sound, m_flawed, m_cut, m_other, m_sound});
-    EXPECT_TRUE(Has(run.out, "5 files: 2 sound, 2 with findings, 1 not usable\n")) << run.out;
-}
-
 TEST_F(Commands, VerifyCountsTheOtherFilesOfAllFolders) {
     for (const char* const folder : {"a", "b"})
         std::filesystem::create_directory(m_folder.Path(folder));
@@ -132,34 +127,10 @@ TEST_F(Commands, DiffPrintsFiftyDifferencesAndCountsTheRest) {
     }
 }
 
-TEST_F(Commands, DiffAddsLabelsToTheWellsOfBothFiles) {
-    const CWords diff = {"diff", File("left.vxd", FileOf({{{64, 0, {1}}}})),
-                         File("right.vxd", FileOf({{{66, 0, {1}}}})), "--settings",
-                         VXFILEIO_REFERENCE_DIR "/xml/settings.vxs"};
-    const std::string out = RunTool(diff).out;
-    EXPECT_TRUE(Has(out, "  < well 64 (A1), from ")) << out;
-    EXPECT_TRUE(Has(out, "  > well 66 (C1), from ")) << out;
-}
-
 TEST_F(Commands, DiffDecodesReferencesOfDocuments) {
     const std::string references = File("a.vxs", "<Vexaprobe><Settings><A>&#128;&#65;&lt;</A></Settings></Vexaprobe>");
     const std::string bytes = File("b.vxs", "<Vexaprobe><Settings><A>\x80&#065;&#60;</A></Settings></Vexaprobe>");
     EXPECT_EQ(RunTool({"diff", references, bytes}).out, RunTool({"diff", bytes, bytes}).out);
-}
-
-TEST_F(Commands, TableHasADoseOf0ForARecordingWithoutOne) {
-    const std::string mean =
-        "<NormalizedResponses Size=\"1\"><Response><Label>QT-Interval</Label><normMean>2.</normMean>"
-        "</Response></NormalizedResponses></Recording>";
-    const std::string path =
-        File("run.vxr",
-             "<Vexaprobe><Header/><Results><Task><TaskName>Series</TaskName><Recordings Size=\"2\"><Recording>"
-             "<Dose>1000</Dose>" +
-                 mean + "<Recording>" + mean + "</Recordings></Task></Results></Vexaprobe>");
-    const std::string out = RunTool({"table", path, "--what", "means", "-o", m_folder.Path("out")}).err;
-    const std::string rows = ReadAll(m_folder.Path("out"));
-    EXPECT_TRUE(Has(rows, "\nSeries,0,1000,1 nM,")) << rows << out;
-    EXPECT_TRUE(Has(rows, "\nSeries,1,0,0 pM,")) << rows;
 }
 
 TEST_F(Commands, WatchWaitsForAFileThatDoesNotExistYet) {
