@@ -28,15 +28,8 @@ CFoundSegment FoundSegment(const CCandidate& segment, std::int64_t samples, std:
             .namesWell = !segment.noID};
 }
 
-/// Returns a recording with its header, whose cells after `cutAt` are lost.
-CFoundRecording FoundRecording(CWindow& window, const CCandidate& header, std::int64_t cutAt) {
-    CHdrPlace place = header.Place();
-    place.cutAt = cutAt;
-    return {.place = place,
-            .form = header.form,
-            .unfinished = header.next == kUnset,
-            .wellList = WellListOf(CellsAt(window, *header.form, place)),
-            .wells = {}};
+CFoundRecording FoundRecording(CWindow& window, const CCandidate& header) {
+    return {.header = header, .wellList = WellListOf(CellsAt(window, *header.form, header.Place())), .wells = {}};
 }
 
 class CAccountant {
@@ -72,19 +65,15 @@ class CAccountant {
     // ---- Headers ----------------------------------------------------------------------------------------------------
 
     void TakeFile(const CCandidate& file) {
-        if (Found().fileForm == nullptr && Found().recordings.empty()) {
-            Found().file = file.Place();
-            Found().fileForm = file.form;
-        }
+        if (Found().file.form == nullptr && Found().recordings.empty()) Found().file = file;
         m_nextRecording = file.next;
         m_nextKey = "FPosFirstRecordingHdr";
     }
 
     void TakeRecording(const CPiece& piece, const CCandidate& recording) {
         const bool isDirect = m_end == recording.begin;
-        BeginRecording(FoundRecording(m_window, recording, piece.end), recording.from);
-        const bool isCut = piece.end < recording.end || recording.moved < 0;
-        if (isCut) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
+        BeginRecording(FoundRecording(m_window, recording));
+        if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
         if (recording.moved > 0) DoubtMoved(piece);
         if (recording.next != kUnset)
@@ -92,10 +81,9 @@ class CAccountant {
                     {.from = recording.begin, .to = piece.end});
     }
 
-    /// Begins a recording. `next` is the position of the one after it, as its header says.
-    void BeginRecording(CFoundRecording recording, std::int64_t next) {
-        Compare(m_nextKey, m_nextRecording, recording.place.begin + m_shift, Here());
-        m_nextRecording = next;
+    void BeginRecording(CFoundRecording recording) {
+        Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
+        m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         Found().recordings.push_back(std::move(recording));
     }
@@ -112,17 +100,20 @@ class CAccountant {
 
     void Keep(const CPiece& piece, const CCandidate& segment, std::int64_t samples) {
         CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(Found().recordings.size() - 1));
-        if (piece.made == EMade::From)
-            found.from = TimeAfter(segment.to, 1 - samples, piece.tick).value_or(segment.from);
-        if (piece.made == EMade::To || piece.isCut)
-            found.to = TimeAfter(segment.from, samples - 1, piece.tick).value_or(segment.to);
+        found.made = piece.made;
+        if (piece.isCut) {
+            const std::int64_t tick = Found().recordings.back().wellList.TickOf(segment.well);
+            const std::int64_t interval =
+                IntervalOf(segment.from, segment.to, static_cast<std::uint32_t>(segment.size), tick);
+            found.to = TimeAfter(segment.from, samples - 1, interval).value_or(segment.to);
+        }
         Found().segments.push_back(found);
     }
 
     /// Takes the last segment if the input ends within its samples.
     void TakeCut(const CPiece& piece, const CCandidate& segment) {
         const std::int64_t there = (m_window.Size() - segment.end) / 2;
-        const bool canKeep = there > 0 && piece.tick > 0;
+        const bool canKeep = there > 0;
         CRemark remark{.reason = EReason::Cut,
                        .from = segment.begin,
                        .to = m_window.Size(),
@@ -201,11 +192,10 @@ class CAccountant {
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
-        if (begin > m_end && left.end <= begin && left.whole > 0)
-            return BeginRecording(FoundRecording(m_window, left, left.end), left.from);
+        if (begin > m_end && left.end <= begin && left.whole > 0) return BeginRecording(FoundRecording(m_window, left));
         CFoundRecording lost;
-        lost.place.begin = left.begin;
-        BeginRecording(std::move(lost), kLost);
+        lost.header.begin = left.begin;
+        BeginRecording(std::move(lost));
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
@@ -286,7 +276,7 @@ class CAccountant {
     void Compare(const char* key, std::int64_t position, std::int64_t should, const CRemark& where) {
         if (position == should || position == kLost) return;
         m_account.isStraight = false;
-        if (position == kUnset && (Found().recordings.empty() || Found().recordings.back().unfinished)) return;
+        if (position == kUnset && (Found().recordings.empty() || Found().recordings.back().IsUnfinished())) return;
         CRemark remark = where;
         remark.reason = EReason::Position;
         remark.value = position;
@@ -395,12 +385,11 @@ std::optional<CFound> FollowPositions(CWindow& window, const CCandidates& candid
     const CCandidate* const file = Take(candidates, EKind::File, 0, taken);
     if (file == nullptr) return std::nullopt;
     CFound found;
-    found.file = file->Place();
-    found.fileForm = file->form;
+    found.file = *file;
     for (std::int64_t next = file->next; next != kUnset;) {
         const CCandidate* const recording = Take(candidates, EKind::Recording, next, taken);
         if (recording == nullptr || recording->next == kUnset) return std::nullopt;
-        found.recordings.push_back(FoundRecording(window, *recording, recording->end));
+        found.recordings.push_back(FoundRecording(window, *recording));
         next = recording->next;
         const bool isEmpty = next == recording->end && candidates.WholeAt(EKind::Segment, next) == nullptr;
         while (const CCandidate* const segment = Take(candidates, EKind::Segment, next, taken)) {

@@ -149,12 +149,35 @@ class CSearch {
                (KnowsItsPlace(candidate) || BestAt(m_window, EKind::Segment, candidate.end).IsWhole());
     }
 
-    void Keep(CCandidate candidate) {
+    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there.
+    void Keep(const CCandidate& candidate) {
+        for (std::size_t i = m_found.list.size(); i > 0 && m_found.list[i - 1].end > candidate.begin; --i) {
+            const CCandidate around = m_found.list[i - 1];
+            if (around.kind == EKind::Recording && !around.IsWhole() && around.moved == 0 &&
+                around.begin < candidate.begin &&
+                (candidate.kind != EKind::Recording || candidate.begin == candidate.claim))
+                Add(Shortened(around, candidate.begin));
+        }
+        Add(candidate);
+    }
+
+    void Add(CCandidate candidate) {
         if (candidate.kind == EKind::Recording) {
             candidate.well = static_cast<std::int32_t>(m_found.wellLists.size());
             m_found.wellLists.push_back(WellListOf(CellsAt(m_window, *candidate.form, candidate.Place())));
         }
         m_found.list.push_back(candidate);
+    }
+
+    /// Returns a header from which bytes were removed, so that it ends early: the reading with the most whole cells.
+    CCandidate Shortened(const CCandidate& header, std::int64_t end) {
+        CCandidate best;
+        for (std::size_t row = 0; row < header.form->cells.size(); ++row) {
+            const CHdrPlace place{.begin = header.begin, .movedRow = row, .moved = end - header.end};
+            const CCandidate shortened = Read(m_window, *header.form, place);
+            if (shortened.whole >= best.whole) best = shortened;
+        }
+        return best;
     }
 
     /// Finds where the rest of a header is if bytes were inserted into it or removed from it: from the key of a cell

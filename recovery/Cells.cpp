@@ -98,8 +98,7 @@ CHdrCells CellsAt(CWindow& window, const CForm& form, const CHdrPlace& place) {
     CHdrCells cells{.form = &form, .bytes = std::string(static_cast<std::size_t>(form.size), '\0')};
     for (std::size_t row = 0; row < form.cells.size(); ++row) {
         const CFormCell& cell = form.cells[row];
-        const std::int64_t offset = place.OffsetOf(form, row);
-        const std::string_view found = window.At(offset, cell.width);
+        const std::string_view found = window.At(place.OffsetOf(form, row), cell.width);
         cells.bytes.replace(cell.offset, found.size(), found);
         const std::string_view bytes = cells.Cell(row);
         std::visit(
@@ -110,7 +109,6 @@ CHdrCells CellsAt(CWindow& window, const CForm& form, const CHdrPlace& place) {
                 cells.lost[row] = cells.damaged[row] && !IsLegible(*rule, bytes);
             },
             cell.rule);
-        if (offset + static_cast<std::int64_t>(cell.width) > place.cutAt) cells.Lose(row);
     }
     return cells;
 }

@@ -4,7 +4,6 @@
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -56,9 +55,8 @@ const CForm& FormOf(EKind kind, std::size_t layout);
 /// The location of a header. Bytes inserted into it or removed from it move the rows after that place.
 struct CHdrPlace {
     std::int64_t begin = 0;
-    std::size_t movedRow = 0;                                       ///< The first row that moved, if `moved` isn't 0.
-    std::int64_t moved = 0;                                         ///< By how many bytes it moved.
-    std::int64_t cutAt = std::numeric_limits<std::int64_t>::max();  ///< Cells that end after this are lost.
+    std::size_t movedRow = 0;  ///< The first row that moved, if `moved` isn't 0.
+    std::int64_t moved = 0;    ///< By how many bytes it moved.
 
     std::int64_t OffsetOf(const CForm& form, std::size_t row) const {
         return begin + static_cast<std::int64_t>(form.cells[row].offset) + (row >= movedRow ? moved : 0);

@@ -1,7 +1,6 @@
 #include "recovery/Explanation.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <iterator>
 #include <limits>
@@ -18,31 +17,8 @@ using namespace rawdata;
 
 namespace {
 
-/// The recording that segments belong to.
-struct CRecordingAround {
-    static inline const CWellList kNoWells;
-
-    const CCandidate* header = nullptr;  ///< Null if it is lost.
-    const CWellList* wells = &kNoWells;
-    std::map<std::int32_t, CTickRange> learned;  ///< Intervals by whole segments, for wells that the header lacks.
-
-    /// Returns the interval of a segment's well from the recording header or earlier segments; 0 if unknown.
-    std::int64_t TickOf(const CCandidate& segment) const {
-        const std::int64_t tick = segment.noID ? wells->CommonTick() : wells->TickOf(segment.well);
-        if (tick > 0) return tick;
-        const auto found = learned.find(segment.well);
-        return found == learned.end() || found->second.IsEmpty() || found->second.IsOpen() ? 0 : found->second.atMost;
-    }
-
-    /// Narrows the interval of a well that the recording header doesn't have.
-    void Learn(const CCandidate& segment) {
-        if (wells->TickOf(segment.well) > 0) return;
-        CTickRange& known = learned[segment.well];
-        const CTickRange own = TicksOf(segment.from, segment.to, segment.size);
-        known.atLeast = std::max(known.atLeast, own.atLeast);
-        known.atMost = std::min(known.atMost, own.atMost);
-    }
-};
+/// The recording of segments whose recording header is lost.
+constexpr CCandidate kLostRecording;
 
 /// One way to explain the input up to the end of a piece.
 struct CNode {
@@ -51,9 +27,10 @@ struct CNode {
     std::int64_t cost = 0;
     std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
-    bool cutsParent = false;                                        ///< It begins within the header of its parent.
     std::shared_ptr<CNode> parent;
-    std::shared_ptr<CRecordingAround> recording;  ///< Null before the first one of a file.
+    bool goesOn = false;                    ///< It continues after a file within samples.
+    const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
+    const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
 
     /// Releases the pieces before it one by one: there may be too many for one call within another.
     ~CNode() {
@@ -77,13 +54,6 @@ bool IsRecordingHdrSize(std::int64_t bytes) {
     return std::ranges::find(FormsOf(EKind::Recording), bytes, &CForm::size) != FormsOf(EKind::Recording).end();
 }
 
-/// Returns the number of samples between two times, or nothing if no segment can have that many.
-std::optional<std::int64_t> SamplesBetween(std::int64_t from, std::int64_t to, std::int64_t tick) {
-    const auto count = SampleCount(from, to, tick);
-    if (!count || *count > std::uint64_t{kMostSamples}) return std::nullopt;
-    return static_cast<std::int64_t>(*count);
-}
-
 class CExplainer {
  public:
     CExplainer(const CCandidates& candidates, std::int64_t size, const CReach& reach)
@@ -102,6 +72,7 @@ class CExplainer {
 
  private:
     static constexpr std::size_t kMostOpen = 16;
+    static constexpr int kMostFiles = 16;
     static constexpr std::size_t kMostPending = std::size_t{1} << 14;
 
     /// Opens the nodes that end at or before a position: something can follow them now.
@@ -109,10 +80,24 @@ class CExplainer {
         while (!m_pending.empty() && m_pending.begin()->first <= position) {
             const CNodePtr node = m_pending.begin()->second;
             m_pending.erase(m_pending.begin());
-            if (m_whole > node->wholeBefore) node->cost += costs::kHeaderWithin;
+            if (m_whole > node->wholeBefore) node->cost += costs::kHeaderWithin + CostWithin(*node, position);
             m_open.insert(std::ranges::upper_bound(m_open, node->cost, {}, &CNode::cost), node);
             if (m_open.size() > kMostOpen) m_open.pop_back();
         }
+    }
+
+    /// Returns the cost of the file that begins within the samples of a node, if they end where another header begins:
+    /// its headers count, too.
+    std::int64_t CostWithin(const CNode& node, std::int64_t next) const {
+        const bool isSound = node.Candidate().IsWhole() && node.piece.made == EMade::None;
+        if ((node.piece.end != next && !isSound) || node.piece.isCut || m_open.empty()) return 0;
+        const CNode* inner = m_open.front()->file;
+        for (int i = 0; i < kMostFiles && inner != nullptr; ++i, inner = inner->parent->file) {
+            if (inner->Candidate().begin < node.Candidate().end) return 0;
+            const CNode* const before = inner->parent.get();
+            if (before->piece.end <= node.Candidate().begin) return m_open.front()->cost - before->cost;
+        }
+        return 0;
     }
 
     /// Offers all ways to a candidate. Once one needs no assumption, clearly costlier ways are skipped.
@@ -121,56 +106,68 @@ class CExplainer {
         std::int64_t most = std::numeric_limits<std::int64_t>::max();
         for (const CNodePtr& parent : m_open) {
             if (parent->cost > most) break;
-            Follow(parent, candidate, false);
+            Follow(parent, candidate);
+            if (candidate.kind != EKind::File) FollowAround(*parent, candidate);
             const bool isFree = !m_offers.empty() && m_offers.front().piece.hasOwnShift &&
                                 m_offers.front().cost == parent->cost + costs::kHeader;
             if (isFree) most = std::min(most, parent->cost + costs::kNearlyEqual);
-        }
-        for (const CNodePtr& parent : m_recordings) {
-            if (parent == nullptr) continue;
-            const CCandidate& header = parent->Candidate();
-            if (!header.IsWhole() && header.begin < candidate.begin && candidate.begin < header.end)
-                Follow(parent, candidate, true);
         }
         for (const CNode& offer : m_offers)
             Add(std::make_shared<CNode>(offer));
     }
 
+    /// Offers the ways in which a candidate can continue a file around the one that a node is in, which is the samples
+    /// of a segment whose header is lost.
+    void FollowAround(const CNode& inner, const CCandidate& candidate) {
+        const CNode* file = inner.file;
+        for (int i = 0; i < kMostFiles && file != nullptr; ++i, file = file->parent->file) {
+            if (file->gap == 0 || !GoesOn(*file->parent, inner, candidate)) continue;
+            const auto around = std::make_shared<CNode>(*file->parent);
+            around->cost = inner.cost;
+            around->goesOn = true;
+            Follow(around, candidate);
+        }
+    }
+
+    /// Returns whether a header can continue a file after an inner one: it has the same shift, isn't at an earlier
+    /// place than where the next header should be, or is the last segment, of a well that the inner file doesn't
+    /// continue.
+    bool GoesOn(const CNode& node, const CNode& inner, const CCandidate& candidate) const {
+        if (node.recording == nullptr) return false;
+        if (candidate.kind == EKind::Segment && candidate.next == kUnset)
+            return WellsOf(node).Lists(candidate.well) &&
+                   (inner.IsLastSegment() || !WellsOf(inner).Lists(candidate.well));
+        const auto shift = candidate.OwnShift();
+        const std::int64_t next = node.Candidate().next;
+        return shift && (shift == node.piece.shift || (IsPosition(next) && candidate.begin + *shift >= next));
+    }
+
     /// Adds a way that ends later. If too many wait for their end, the last one to end is dropped.
     void Add(const CNodePtr& node) {
-        const CCandidate& candidate = node->Candidate();
-        const bool isRecording = candidate.kind == EKind::Recording;
-        if (isRecording || node->piece.lostRecording) node->recording = std::make_shared<CRecordingAround>();
-        if (isRecording) {
-            node->recording->header = &candidate;
-            node->recording->wells = &m_candidates.WellsOf(candidate);
-            m_recordings[m_nextRecording++ % m_recordings.size()] = node;
-        }
-        if (candidate.kind == EKind::Segment && candidate.IsWhole() && node->piece.made == EMade::None)
-            node->recording->Learn(candidate);
-        node->wholeBefore = m_whole + (candidate.IsWhole() ? 1 : 0);
-        m_pending.emplace(node->piece.end, node);
+        if (node->Is(EKind::File) && node->Candidate().begin > 0) node->file = node.get();
+        if (node->Is(EKind::Recording)) node->recording = &node->Candidate();
+        node->wholeBefore = m_whole + (node->Candidate().IsWhole() ? 1 : 0);
+        // Of those that end together, the last one to begin comes first: it may be within another one.
+        m_pending.emplace_hint(m_pending.lower_bound(node->piece.end), node->piece.end, node);
         if (m_pending.size() > kMostPending) m_pending.erase(std::prev(m_pending.end()));
     }
 
     /// Offers the ways in which a candidate can follow a node.
-    void Follow(const CNodePtr& parent, const CCandidate& candidate, bool cutsParent) {
-        const std::int64_t end = cutsParent ? candidate.begin : parent->piece.end;
+    void Follow(const CNodePtr& parent, const CCandidate& candidate) {
+        const std::int64_t end = parent->piece.end;
         if (end > candidate.claim) return;
-        CNode node{.piece = {.candidate = &candidate}, .parent = parent, .recording = parent->recording};
-        node.cutsParent = cutsParent;
+        CNode node{
+            .piece = {.candidate = &candidate}, .parent = parent, .file = parent->file, .recording = parent->recording};
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
-        node.cost = parent->cost + GapCost(node.gap) + (cutsParent ? CutCost(parent->Candidate(), end) : 0) +
+        node.cost = parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
-                    (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) +
-                    (candidate.moved != 0 ? costs::kValue : 0);
+                    (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + MovedCost(candidate);
         candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
     }
 
-    /// Returns the cost of ending a recording header early: an assumption, and the lost cells.
-    static int CutCost(const CCandidate& header, std::int64_t end) {
-        const std::int64_t lost = costs::kHeader * header.whole / (header.whole + header.damaged) * (header.end - end);
-        return costs::kCutHeader - static_cast<int>(lost / (header.end - header.begin));
+    static int MovedCost(const CCandidate& candidate) {
+        if (candidate.kind == EKind::Recording && candidate.moved < 0) return costs::kCutHeader;
+        return candidate.moved != 0 ? costs::kValue : 0;
     }
 
     void FollowWithHeader(CNode node) {
@@ -183,9 +180,8 @@ class CExplainer {
             node.piece.hasOwnShift = true;
             return Offer(node);
         }
-        if (node.parent->ExpectsSegment()) node.cost += costs::kPosition;
-        const CCandidate* const before = node.recording != nullptr ? node.recording->header : nullptr;
-        if (before != nullptr && before->form != header.form) node.cost += costs::kVersion;
+        if (node.parent->ExpectsSegment() && !node.parent->goesOn) node.cost += costs::kPosition;
+        if (HasRecordingHdr(node) && node.recording->form != header.form) node.cost += costs::kVersion;
         OfferShifts(node);
     }
 
@@ -193,9 +189,25 @@ class CExplainer {
         const int same = SameRecordingCost(node);
         if (node.recording != nullptr) OfferReadings(node, same);
         if (node.recording != nullptr && same == 0) return;
+        if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
         node.piece.lostRecording = true;
-        node.recording = nullptr;
+        node.recording = &kLostRecording;
         OfferReadings(node, LostRecordingCost(node));
+    }
+
+    static bool HasRecordingHdr(const CNode& node) {
+        return node.recording != nullptr && node.recording->form != nullptr;
+    }
+
+    /// Returns the wells of a node's recording; none if they are lost.
+    const CWellList& WellsOf(const CNode& node) const {
+        static const CWellList kNone;
+        return HasRecordingHdr(node) ? m_candidates.WellsOf(*node.recording) : kNone;
+    }
+
+    /// Returns the interval of a segment's well from the recording header; 0 if unknown.
+    std::int64_t TickOf(const CNode& node, const CCandidate& segment) const {
+        return segment.noID ? WellsOf(node).CommonTick() : WellsOf(node).TickOf(segment.well);
     }
 
     /// Offers each way to read a segment, with at most one computed value.
@@ -203,32 +215,42 @@ class CExplainer {
         const CCandidate& segment = node.Candidate();
         if (!IsReadable(node)) return;
         node.cost += cost;
-        const std::int64_t tick = node.recording != nullptr ? node.recording->TickOf(segment) : 0;
-        node.piece.tick = tick;
-        const auto samples = SamplesBetween(segment.from, segment.to, tick);
+        const std::int64_t tick = TickOf(node, segment);
         const CTickRange intervals = TicksOf(segment.from, segment.to, segment.size);
+        const auto byTimes = SizeByTimes(node, tick);
         if (segment.noSize) {
-            const std::int64_t room =
-                IsPosition(segment.next) ? (segment.next - node.parent->piece.shift - segment.end) / 2 : 0;
-            const bool fits = tick == 0 && room <= kMostSamples && !TicksOf(segment.from, segment.to, room).IsEmpty();
-            if (samples || fits) OfferReading(node, samples.value_or(room), EMade::Size);
-        } else if (segment.noFrom) {
-            if (TimeAfter(segment.to, 1 - segment.size, tick)) OfferReading(node, segment.size, EMade::From);
-        } else if (segment.noTo) {
-            if (TimeAfter(segment.from, segment.size - 1, tick)) OfferReading(node, segment.size, EMade::To);
+            if (byTimes) OfferReading(node, *byTimes, EMade::Size);
+        } else if (segment.noFrom || segment.noTo) {
+            // A single segment doesn't determine the interval.
+            if (!node.piece.lostRecording) OfferReading(node, segment.size, segment.noFrom ? EMade::From : EMade::To);
         } else if (tick > 0 ? intervals.Has(tick) : !intervals.IsEmpty()) {
             OfferReading(node, segment.size, EMade::None);
         } else {
             OfferReading(node, segment.size, EMade::Either);
-            if (samples) OfferReading(node, *samples, EMade::Size);
+            if (byTimes) OfferReading(node, *byTimes, EMade::Size);
         }
+    }
+
+    /// Returns the number of samples that a segment has by its times and the interval, or if that isn't known, by its
+    /// position, if the times fit. Nothing if no segment can have that many.
+    static std::optional<std::int64_t> SizeByTimes(const CNode& node, std::int64_t tick) {
+        const CCandidate& segment = node.Candidate();
+        if (tick > 0) {
+            const auto count = SampleCount(segment.from, segment.to, tick);
+            if (!count || *count > std::uint64_t{kMostSamples}) return std::nullopt;
+            return static_cast<std::int64_t>(*count);
+        }
+        if (!IsPosition(segment.next)) return std::nullopt;
+        const std::int64_t room = (segment.next - node.parent->piece.shift - segment.end) / 2;
+        const bool fits = room <= kMostSamples && !TicksOf(segment.from, segment.to, room).IsEmpty();
+        return fits ? std::optional(room) : std::nullopt;
     }
 
     /// Returns whether at most one cell of a segment is lost. Next to a place where bytes were removed, a cell may be a
     /// mixture of two.
-    static bool IsReadable(const CNode& node) {
+    bool IsReadable(const CNode& node) const {
         const CCandidate& segment = node.Candidate();
-        const bool knowsWells = node.recording != nullptr && !node.recording->wells->wells.empty();
+        const bool knowsWells = !WellsOf(node).wells.empty();
         const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
         return std::ranges::count(isLost, true) <= (segment.moved == 0 ? 1 : 0) &&
                (!segment.noID || segment.damaged <= 1 || knowsWells);
@@ -333,9 +355,8 @@ class CExplainer {
 
     /// Returns whether the gap before a node should hold the next recording header.
     static bool IsNextRecordingPassed(const CNode& node) {
-        const CRecordingAround* const around = node.recording.get();
-        if (node.gap == 0 || around == nullptr || around->header == nullptr) return false;
-        const std::int64_t next = around->header->from;
+        if (node.gap == 0 || !HasRecordingHdr(node)) return false;
+        const std::int64_t next = node.recording->from;
         return IsPosition(next) && next - node.parent->piece.shift >= node.parent->piece.end &&
                next - node.parent->piece.shift < node.Candidate().begin;
     }
@@ -350,10 +371,10 @@ class CExplainer {
                !next->IsWhole() || !Belongs(*node.parent, *next);
     }
 
-    static bool Belongs(const CNode& parent, const CCandidate& segment) {
-        const CWellList& wells = *parent.recording->wells;
+    bool Belongs(const CNode& parent, const CCandidate& segment) const {
+        const CWellList& wells = WellsOf(parent);
         if (!wells.wells.empty() && !wells.Lists(segment.well)) return false;
-        const std::int64_t tick = parent.recording->TickOf(segment);
+        const std::int64_t tick = TickOf(parent, segment);
         if (tick > 0 && !TicksOf(segment.from, segment.to, segment.size).Has(tick)) return false;
         constexpr int kMostSteps = 256;
         const CNode* node = &parent;
@@ -371,14 +392,11 @@ class CExplainer {
             return node->cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
         };
         std::vector<CPiece> pieces;
-        std::optional<std::int64_t> cutAt;
         const CNode* node = std::ranges::min_element(m_open, {}, cost)->get();
         for (; node->piece.candidate != nullptr; node = node->parent.get()) {
             pieces.push_back(node->piece);
-            if (cutAt) pieces.back().end = *cutAt;
             pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int64_t>::max() &&
                                         node->other - node->cost <= costs::kNearlyEqual;
-            cutAt = node->cutsParent ? std::optional(node->Candidate().begin) : std::nullopt;
         }
         std::ranges::reverse(pieces);
         return pieces;
@@ -390,8 +408,6 @@ class CExplainer {
     std::vector<CNodePtr> m_open;                     ///< The best ways that have ended, the best first.
     std::multimap<std::int64_t, CNodePtr> m_pending;  ///< Those that end later, by their end.
     std::vector<CNode> m_offers;
-    std::array<CNodePtr, 4> m_recordings;  ///< The latest recordings.
-    std::size_t m_nextRecording = 0;
     std::size_t m_extended = 0;
     std::int32_t m_whole = 0;
 };

@@ -4,7 +4,7 @@
 #include <map>
 #include <vector>
 
-#include "recovery/Candidates.h"
+#include "recovery/Explanation.h"
 #include "recovery/Report.h"
 
 namespace vxfileio::recovery {
@@ -17,11 +17,12 @@ struct CWellInterval {
 
 /// One recording of the new file.
 struct CFoundRecording {
-    CHdrPlace place;              ///< Of its header in the input, or where it would be.
-    const CForm* form = nullptr;  ///< Null if the header is lost.
-    bool unfinished = false;      ///< Its positions were never set.
+    CCandidate header;  ///< Without a form if it is lost: then it has only the offset where it would begin.
     CWellList wellList;
     std::map<std::int32_t, CWellInterval> wells;  ///< The wells that have segments, by ID.
+
+    /// Returns whether its positions were never set.
+    bool IsUnfinished() const { return header.next == rawdata::kUnset; }
 };
 
 /// One segment of the new file. There may be millions of them.
@@ -34,14 +35,14 @@ struct CFoundSegment {
     std::int32_t wellID = 0;
     std::uint32_t recording = 0;  ///< Index of its recording.
     bool namesWell = true;        ///< Its ID can be read.
+    EMade made = EMade::None;     ///< The time that follows from the other one and the interval, if any.
 
     std::int64_t End() const { return data + 2 * std::int64_t{samples}; }
 };
 
 /// The contents of the new file, in its order.
 struct CFound {
-    CHdrPlace file;
-    const CForm* fileForm = nullptr;  ///< Null if the file header is lost.
+    CCandidate file;  ///< Without a form if the file header is lost.
     std::vector<CFoundRecording> recordings;
     std::vector<CFoundSegment> segments;  ///< The segments of one recording are contiguous.
     CRemarks losses;

@@ -213,12 +213,13 @@ std::string EncodedWithRoom(const CLayout& layout, CRawDataRecordingHdr header, 
 /// Returns the layout of the new file: that of the input, or the oldest one that is still written.
 const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     std::int32_t version = 0;
-    if (found.fileForm != nullptr) {
-        const CHdrCells old = CellsAt(window, *found.fileForm, found.file);
+    if (found.file.form != nullptr) {
+        const CHdrCells old = CellsAt(window, *found.file.form, found.file.Place());
         if (!old.IsLost("FileVersion")) version = LayoutOf(helpers::ParseInt32(old.Value("FileVersion"))).version;
     }
     for (const CFoundRecording& recording : found.recordings) {
-        if (recording.form != nullptr) version = std::max(version, Layouts()[recording.form->layout].version);
+        if (recording.header.form != nullptr)
+            version = std::max(version, Layouts()[recording.header.form->layout].version);
     }
     return version == 0 ? Layouts().back() : LayoutForWriting(version);
 }
@@ -230,7 +231,7 @@ const CForm& NewForm(EKind kind, const CLayout& layout) {
 
 /// Returns the file header of the new file. Its position isn't set yet.
 std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout, std::vector<CNote>& notes) {
-    const CHdrCells old = OldHdr(window, found.fileForm, NewForm(EKind::File, layout), found.file);
+    const CHdrCells old = OldHdr(window, found.file.form, NewForm(EKind::File, layout), found.file.Place());
     NoteDamage(old, notes);
     CRawDataFileHdr was;
     Decode(layout, old.bytes, was);
@@ -238,7 +239,8 @@ std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
     if (now.HeaderID.empty()) now.HeaderID = kFileTypeText;
     if (now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version) {
         const bool lacksStart = std::ranges::any_of(found.recordings, [&](const CFoundRecording& recording) {
-            return recording.form != nullptr && Layouts()[recording.form->layout].version < layout.version;
+            return recording.header.form != nullptr &&
+                   Layouts()[recording.header.form->layout].version < layout.version;
         });
         if (!old.IsLost("FileVersion"))
             notes.push_back({.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
@@ -252,9 +254,9 @@ std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
 /// if its own is lost.
 std::string RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, const CLayout& layout,
                                 CReportedRecording& report) {
-    CHdrCells old = OldHdr(window, recording.form, NewForm(EKind::Recording, layout), recording.place);
+    CHdrCells old = OldHdr(window, recording.header.form, NewForm(EKind::Recording, layout), recording.header.Place());
     LoseWrongLists(layout, old);
-    if (recording.form == nullptr) {
+    if (recording.header.form == nullptr) {
         report.notes.push_back({.kind = CNote::EKind::MadeUp});
     } else {
         NoteDamage(old, report.notes);
@@ -269,7 +271,7 @@ std::string RebuildRecordingHdr(CWindow& window, const CFoundRecording& recordin
     if (const CLists aux = ListsOf(layout, old, kAux); aux.wrong.any()) {
         now.AuxChannels.clear();
         old.lost |= aux.rows;
-        if (recording.form != nullptr) report.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
+        if (recording.header.form != nullptr) report.notes.push_back({.kind = CNote::EKind::NoAuxChannels});
     }
     std::vector<CNote> unused;
     report.task = now.TaskName;
@@ -303,8 +305,8 @@ class CCopy {
     void PutRecording(std::uint32_t index) {
         const CFoundRecording& recording = m_found.recordings[index];
         CReportedRecording report{.number = static_cast<std::int32_t>(index + 1),
-                                  .position = recording.place.begin,
-                                  .unfinished = recording.unfinished};
+                                  .position = recording.header.begin,
+                                  .unfinished = recording.IsUnfinished()};
         std::string hdr = RebuildRecordingHdr(m_window, recording, m_layout, report);
         const std::int64_t data = m_report.bytes + static_cast<std::int64_t>(hdr.size());
         const auto end = std::find_if(m_segment, m_found.segments.end(),

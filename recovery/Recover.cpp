@@ -6,7 +6,6 @@
 
 #include "recovery/Account.h"
 #include "recovery/Explanation.h"
-#include "recovery/FilesWithin.h"
 #include "recovery/Wells.h"
 
 namespace vxfileio::recovery {
@@ -19,8 +18,7 @@ bool CReport::IsComplete() const {
 CReport Recover(const CInput& input, const COptions& options, const CSink& sink) {
     const std::int64_t size = input.Size();
     CWindow window(input, size);
-    CCandidates candidates = FindCandidates(window, options.searched);
-    LeaveOutFilesWithin(candidates, size);
+    const CCandidates candidates = FindCandidates(window, options.searched);
     const std::vector<CPiece> pieces = Explain(candidates, size, options.searched);
     CReport report;
     report.isGrowing = input.Size() > size;

@@ -105,12 +105,16 @@ class CRecordingWells {
         m_groups.clear();
         m_misfits.clear();
         m_nameless.clear();
-        for (CFoundSegment& segment : m_segments)
+        for (CFoundSegment& segment : m_segments) {
+            Complete(segment, {});
             (segment.namesWell ? m_groups[segment.wellID] : m_nameless).push_back(&segment);
+        }
         m_recording.wells.clear();
         m_isTrusted = MostGoWithTheHeader();
         for (auto& [well, group] : m_groups) {
             const CWellInterval interval = Elect(well, group);
+            for (CFoundSegment* const segment : group)
+                Complete(*segment, interval);
             const auto goes = [&](const CFoundSegment* segment) { return TicksOf(*segment).Has(interval.ticks); };
             const auto misfits = std::stable_partition(group.begin(), group.end(), goes);
             m_misfits.insert(m_misfits.end(), misfits, group.end());
@@ -118,6 +122,15 @@ class CRecordingWells {
             std::ranges::stable_sort(group, {}, &CFoundSegment::from);
             m_recording.wells[well] = interval;
         }
+    }
+
+    /// Computes the lost time of a segment. Until the interval of its well is known, it fits none.
+    static void Complete(CFoundSegment& segment, const CWellInterval& interval) {
+        using CLimits = std::numeric_limits<std::int64_t>;
+        const std::int64_t span = std::int64_t{segment.samples} - 1;
+        const std::int64_t tick = interval.isKnown ? interval.ticks : 0;
+        if (segment.made == EMade::From) segment.from = TimeAfter(segment.to, -span, tick).value_or(CLimits::max());
+        if (segment.made == EMade::To) segment.to = TimeAfter(segment.from, span, tick).value_or(CLimits::min());
     }
 
     /// Returns the interval of a well in the recording header; 0 if unknown.
