@@ -42,6 +42,7 @@ class ReadErrorTest : public testing::Test {
 
 TEST_F(ReadErrorTest, OtherKindsOfFilesAreNamed) {
     EXPECT_EQ(Settings(""), "This is an empty file, not a settings file.");
+    EXPECT_EQ(Results(std::string(4096, '\0')), "This is a file that begins with a NUL, not a results file.");
     EXPECT_EQ(Settings(ReadAll(ReferencePath("small_example.vxd"))), "This is a raw data file, not a settings file.");
     EXPECT_EQ(Results(ReadAll(ReferencePath("workbooks/small.xls"))), "This is a workbook, not a results file.");
     EXPECT_EQ(Settings(m_results), "This is a results file, not a settings file.");
@@ -176,6 +177,7 @@ TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsReported) {
     EXPECT_EQ(ResultsWith(name, "<CompoundName>C<X/>1</CompoundName>"), inName);
     EXPECT_EQ(ResultsWith(name, "<CompoundName><!-- note -->C1</CompoundName>"), cut("Header/", "CompoundName", ""));
     EXPECT_EQ(ResultsWith("<FileVersion>", "<FileVersion>7<!---->"), cut("Header/", "FileVersion", "7"));
+    EXPECT_NE(SettingsWith("<Recording>0<", "<Recording>0<!----><").find("ends the value \"0\""), std::string::npos);
     for (const std::string between : {"<!-- a -->", " <!-- < > -->\n<!---->", "\r\n\t", "text"})
         EXPECT_EQ(ResultsWith(name, name + between), "") << between;
 }
@@ -192,6 +194,11 @@ TEST_F(ReadErrorTest, AnElementWithoutContentOrKeyIsReported) {
     EXPECT_NE(Settings(moved).find("/Task/Recordings (offset "), std::string::npos);
     EXPECT_NE(Settings(moved).find("found <Recordings> instead of <TaskName> as the first child."), std::string::npos);
     EXPECT_NE(ResultsWith("<WellID>", "<ID>3</ID><WellID>").find("found <ID> instead of <WellID>"), std::string::npos);
+    EXPECT_NE(SettingsWith("<Recording>0</Recording>", "").find("found <Wells> instead of <Recording> as the first"),
+              std::string::npos);
+    const std::size_t average = m_results.find("<Average Size=\"7");
+    const std::string samples = m_results.substr(average, m_results.find("</Average>") + 10 - average);
+    EXPECT_NE(ResultsWith(samples, "<Average Size=\"0\"/>").find("/Well/Average (offset "), std::string::npos);
 }
 
 TEST_F(ReadErrorTest, EachFileHasItsOwnError) {

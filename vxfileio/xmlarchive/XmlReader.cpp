@@ -34,10 +34,11 @@ inline bool TakePlainSample(std::string_view& text, double& sample) {
     return true;
 }
 
-/// Returns the kind of a file that begins with these bytes, in words; empty if it isn't another kind than a document.
-std::string_view OtherKind(std::string_view beginning) {
+/// Returns the kind of a file that begins with these bytes, up to a NUL, in words; empty if it isn't another kind than a
+/// document.
+std::string_view OtherKind(std::string_view beginning, bool endsInNul) {
     using namespace vxfileio::base;
-    if (beginning.empty()) return "an empty file";
+    if (beginning.empty()) return endsInNul ? "a file that begins with a NUL" : "an empty file";
     if (beginning.starts_with(kRawDataMark)) return "a raw data file";
     if (beginning.starts_with(kCompoundMark)) return "a workbook";
     return {};
@@ -237,7 +238,7 @@ std::string XmlReader::Finish(std::string_view section) {
     const std::uint64_t end = Offset();
     std::string text;
     if (IsReadFailed()) text = std::string(kReadRefused) + std::to_string(end) + '.';
-    const std::string_view other = IsReadFailed() ? std::string_view() : OtherKind(Beginning());
+    const std::string_view other = IsReadFailed() ? std::string_view() : OtherKind(Beginning(), EndsInNul());
     if (!other.empty()) return "This is " + std::string(other) + ", not a " + NameOf(section) + '.';
     const auto add = [&](const std::string& sentence) {
         text += (text.empty() || sentence.empty() ? "" : " ") + sentence;

@@ -56,6 +56,9 @@ class XmlScanner {
     /// Returns whether reading ended before the end of the file, since the system refused more.
     bool IsReadFailed() const { return m_input.IsReadFailed(); }
 
+    /// Returns whether the document ended with a NUL rather than with its file.
+    bool EndsInNul() const { return m_input.EndsInNul(); }
+
     /// Returns the offset of the next byte in the document.
     std::uint64_t Offset() const { return m_input.Offset(); }
 

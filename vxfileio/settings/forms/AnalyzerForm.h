@@ -126,7 +126,7 @@ struct CMarkedRecordingForm {
     static constexpr auto kFields = std::tuple{settings::CMarkedWellsField{}};
 };
 
-/// The recordings of a task. Their numbers are those of the order in the document; the written ones aren't read.
+/// The recordings of a task. Their numbers are those of the order in the document; the written ones are only checked.
 struct CMarkedRecordingsField {
     using CEntryForm = CMarkedRecordingForm;
     std::string_view tag = "Recordings";
@@ -140,7 +140,8 @@ struct CMarkedRecordingsField {
     }
     void Get(CXmlFileArchive& archive, TaskAnalysis& recordings) const {
         LoadList(archive, tag, CEntryForm::kElement, [&] {
-            archive.NextElement();  // its number
+            archive.NextElement();
+            CEntryForm::kKey.Read(archive);
             RecordingAnalysis wells;
             LoadForm<CEntryForm>(archive, wells);
             recordings.push_back(std::move(wells));
