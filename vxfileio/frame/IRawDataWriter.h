@@ -77,11 +77,11 @@ class VXFILEIO_API CIRawDataWriter {
     /// - texts with control characters (NUL, CR and LF among them), and texts other than `HeaderID` with `=` or `:`,
     /// - units that aren't finite, an interval outside 1 to 2^31 - 1, a well that is listed twice,
     /// - a segment of a well that the recording doesn't list, with another `tick` than its `Ticks`, or one that doesn't
-    ///   begin after the end of the well's segment before, of those written while the writer was strict,
+    ///   begin after the end of the well's segment before,
     /// - `UpdateFileHdr` for a task without a list, or with a value that isn't a whole number of 64 bits.
     ///
     /// If a value doesn't fit its cell, the text also has the room, what is needed and how many wells would fit, as
-    /// `CheckRecordingFit` does. Strictness costs some memory per well of the recording, and no system call.
+    /// `CheckRecordingFit` does. Strictness costs no system call.
     void SetStrict(bool isStrict);
 
     /// Waits until the disk has everything written since `Open`, the name of the file included. Writes refused headers

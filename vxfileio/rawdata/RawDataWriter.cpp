@@ -199,7 +199,7 @@ void CRawDataWriter::WriteData(std::int32_t wellID, std::int64_t timeFrom, std::
     }
     if (m_latestSegment != kUnset) RewritePosition(m_latestSegment, *m_nextSegmentCell, position);
     m_latestSegment = position;
-    if (m_isStrict) m_segmentRules.Note(segment);
+    m_segmentRules.Note(segment);
 }
 
 void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vector<std::string>& values) {

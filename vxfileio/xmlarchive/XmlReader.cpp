@@ -34,8 +34,8 @@ inline bool TakePlainSample(std::string_view& text, double& sample) {
     return true;
 }
 
-/// Returns the kind of a file that begins with these bytes, up to a NUL, in words; empty if it isn't another kind than a
-/// document.
+/// Returns the kind of a file that begins with these bytes, up to a NUL, in words; empty if it isn't another kind than
+/// a document.
 std::string_view OtherKind(std::string_view beginning, bool endsInNul) {
     using namespace vxfileio::base;
     if (beginning.empty()) return endsInNul ? "a file that begins with a NUL" : "an empty file";

@@ -208,7 +208,9 @@ TEST_F(StrictWriterTest, JudgesEachWellAndEachRecordingSeparately) {
 
 TEST_F(StrictWriterTest, CanSwitchStrictnessWithinARecording) {
     BeginExample(m_writer, m_path);
+    Write(m_writer, 12, 0, 300, 100);
     m_writer.SetStrict(true);
+    ExpectRefused([&] { Write(m_writer, 12, 300, 600, 100); }, "TimeFrom is 300,");
     ExpectRefused([&] { Write(m_writer, 13, 0, 300, 100); }, "ID is 13,");
     Write(m_writer, 11, 0, 300, 100);
     ExpectRefused([&] { Write(m_writer, 11, 200, 300, 100); }, "TimeFrom is 200,");
