@@ -187,6 +187,7 @@ TEST_F(ReadErrorTest, AnElementWithoutContentOrKeyIsReported) {
                   .find("Vexaprobe/Header (offset 11): the element has no content."),
               0U)
         << m_io.GetResultsReader()->GetReadError();
+    EXPECT_NE(ResultsWith("<Task>", "<Task/><Task>").find("Results[0]/Task (offset "), std::string::npos);
     EXPECT_NE(SettingsWith("<QC>", "<QC/><QC>").find("QualityChecks[0]/QC (offset "), std::string::npos);
     const std::size_t task = m_settings.rfind("<Task><TaskName>");
     std::string moved = m_settings;

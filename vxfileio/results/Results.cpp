@@ -111,6 +111,7 @@ void CResults::Load(CXmlFileArchive& archive) {
     vxfileio::xmlarchive::ForEachEventOfSection(archive, vxfileio::results::kResultsElement, [&] {
         if (vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kResultsElement)) archive.CountEntries();
         if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement.tag)) return;
+        vxfileio::xmlarchive::NoteIfEmpty(archive);
         CResultsTask results;
         results.Load(archive);
         const enTask task = StringToTask(results.TaskName);

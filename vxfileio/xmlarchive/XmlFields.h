@@ -132,6 +132,11 @@ inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
+/// Reports a start tag without children, where they are needed: the elements after it are read as its own.
+inline void NoteIfEmpty(CXmlFileArchive& archive) {
+    if (!HasChildren(archive)) archive.NoteText(gd_xml_stream::XmlFault::NoContent);
+}
+
 /// Returns whether the current event is the start tag of an element with this tag and without content. No end tag
 /// follows.
 inline bool IsEmptyElement(CXmlFileArchive& archive, std::string_view tag) {

@@ -35,7 +35,10 @@ class CResultsWalk {
     void Walk() {
         ForEachEventOfSection(m_archive, kResultsElement, [&] {
             AtStart([&] {
-                if (m_archive.TagName() == CTaskForm::kElement) VisitTask();
+                if (m_archive.TagName() == kResultsElement) m_archive.CountEntries();
+                if (m_archive.TagName() != CTaskForm::kElement) return;
+                NoteIfEmpty(m_archive);
+                VisitTask();
             });
         });
     }
@@ -62,6 +65,17 @@ class CResultsWalk {
         if (HasChildren(m_archive)) ForEachEventUntil(m_archive, tag, [&] { AtStart(handle); });
     }
 
+    /// Calls `visit` at each entry of the current element, a list. Reports a wrong `Size`, and entries without content.
+    template <class Visit>
+    void ForEachEntry(std::string_view list, std::string_view entry, Visit visit) {
+        static_cast<void>(m_archive.ListHasEntries());  // notes the `Size`
+        ForEachStartInside(list, [&] {
+            if (m_archive.TagName() != entry) return;
+            NoteIfEmpty(m_archive);
+            visit();
+        });
+    }
+
     void VisitTask() {
         CResultsTask task;
         m_place = {.recording = -1};
@@ -79,9 +93,7 @@ class CResultsWalk {
     }
 
     void VisitRecordings() {
-        ForEachStartInside(kRecordings.tag, [&] {
-            if (m_archive.TagName() == CRecordingForm::kElement) VisitRecording();
-        });
+        ForEachEntry(kRecordings.tag, CRecordingForm::kElement, [&] { VisitRecording(); });
     }
 
     void VisitRecording() {
@@ -116,8 +128,8 @@ class CResultsWalk {
     }
 
     void VisitWells() {
-        ForEachStartInside(kWells.tag, [&] {
-            if (m_visitor.well && m_archive.TagName() == CWellForm::kElement && HasChildren(m_archive)) VisitWell();
+        ForEachEntry(kWells.tag, CWellForm::kElement, [&] {
+            if (m_visitor.well && HasChildren(m_archive)) VisitWell();
         });
     }
 

@@ -50,7 +50,7 @@ struct CAverageField {
     }
     void Get(CXmlFileArchive& archive, CResultsWell& well) const {
         well.Average.resize(archive.GetListSize());
-        if (!HasChildren(archive)) archive.NoteText(gd_xml_stream::XmlFault::NoContent);  // the next element is lost
+        NoteIfEmpty(archive);
         archive.NextElement();
         if (IsStartOf(archive, kSamples.tag)) archive.GetSamples(well.Average);
     }
