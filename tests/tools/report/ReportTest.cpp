@@ -8,7 +8,6 @@
 #include "tests/tools/ToolRun.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Differences.h"
-#include "tools/vxfile/report/Page.h"
 #include "verify/Failure.h"
 #include "verify/Findings.h"
 #include "vxfileio/base/ExcVXReader.h"
@@ -16,23 +15,6 @@
 using namespace vxfile;
 
 namespace {
-
-std::string Printed(const CPage& page) {
-    return Captured([&] {
-               page.Print();
-               return 0;
-           })
-        .out;
-}
-
-CPage WithRows(int rows) {
-    std::vector<CPage::CRow> table = {{"No", "State"}};
-    for (int i = 1; i <= rows; ++i)
-        table.push_back({std::to_string(i), "finished"});
-    CPage page;
-    page.SetTable(table);
-    return page;
-}
 
 std::string Differing(const std::vector<CLeaf>& left, const std::vector<CLeaf>& right) {
     CDifferences differences;
@@ -74,43 +56,6 @@ TEST(Differences, KeepTheFirstOmission) {
     differences.Omit("first");
     differences.Omit("second");
     EXPECT_EQ(differences.Omission(), "first");
-}
-
-TEST(Page, ShowsLinesInOneColumnAndLeavesOutEmptyTexts) {
-    CPage page;
-    page.Add("A", "a", "1");
-    page.AddText("Longer", "longer", "x\n");
-    page.AddText("None", "none", "");
-    EXPECT_EQ(Printed(page), "  A       1\n  Longer  x\\n\n");
-    EXPECT_EQ(page.Json().dump(), R"({"a":"1","longer":"x\\n","none":""})");
-}
-
-TEST(Page, CutsTextsAt160Characters) {
-    CPage page;
-    page.Add("A", "a", std::string(160, 'x'));
-    page.Add("B", "b", std::string(161, 'y'));
-    EXPECT_EQ(Printed(page), "  A  " + std::string(160, 'x') + "\n  B  " + std::string(160, 'y') + "...\n");
-    EXPECT_EQ(page.Json()["b"], std::string(161, 'y'));
-}
-
-TEST(Page, ShowsSixteenRowsOrFourteenAndTheLast) {
-    EXPECT_EQ(Printed(WithRows(0)), "");
-    const std::string all = Printed(WithRows(16));
-    EXPECT_NE(all.find("  1   finished\n"), std::string::npos) << all;
-    EXPECT_NE(all.find("  15  finished\n  16  finished\n"), std::string::npos) << all;
-    EXPECT_EQ(all.find("more"), std::string::npos) << all;
-    const std::string some = Printed(WithRows(17));
-    EXPECT_NE(some.find("  14  finished\n  2 more; --json lists them\n  17  finished\n"), std::string::npos) << some;
-}
-
-TEST(Page, SaysDamageToPeopleAndPrograms) {
-    CPage page;
-    page.SetDamage("");
-    EXPECT_FALSE(page.IsDamaged() || page.Json().contains("damage"));
-    page.SetRemark("Remark.");
-    page.SetDamage("Cut.");
-    EXPECT_EQ(Printed(page), "\n  Cut.\n\n  Remark.\n");
-    EXPECT_EQ(page.Json()["damage"], "Cut.");
 }
 
 TEST(Complaint, IsTheMessageOfAnyFailure) {
