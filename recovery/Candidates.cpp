@@ -151,10 +151,11 @@ class CSearch {
 
     /// Keeps a candidate. If it begins within a damaged recording header, that one may end there.
     void Keep(const CCandidate& candidate) {
-        for (std::size_t i = m_found.list.size(); i > 0 && m_found.list[i - 1].end > candidate.begin; --i) {
+        const auto size = static_cast<std::int64_t>(Layouts().back().recording.size);
+        for (std::size_t i = m_found.list.size(); i > 0 && m_found.list[i - 1].claim + size > candidate.begin; --i) {
             const CCandidate around = m_found.list[i - 1];
             if (around.kind == EKind::Recording && !around.IsWhole() && around.moved == 0 &&
-                around.begin < candidate.begin &&
+                around.begin < candidate.begin && candidate.begin < around.end &&
                 (candidate.kind != EKind::Recording || candidate.begin == candidate.claim))
                 Add(Shortened(around, candidate.begin));
         }
