@@ -113,15 +113,14 @@ class CAccountant {
     /// Takes the last segment if the input ends within its samples.
     void TakeCut(const CPiece& piece, const CCandidate& segment) {
         const std::int64_t there = (m_window.Size() - segment.end) / 2;
-        const bool canKeep = there > 0;
         CRemark remark{.reason = EReason::Cut,
                        .from = segment.begin,
                        .to = m_window.Size(),
                        .wellID = segment.well,
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
-        remark.should = canKeep && !m_keepCut ? 1 : 0;
-        if (canKeep && m_keepCut) {
+        remark.should = there > 0 && !m_keepCut ? 1 : 0;
+        if (there > 0 && m_keepCut) {
             Keep(piece, segment, there);
             remark.reason = EReason::CutKept;
             remark.from = segment.end + 2 * there;
@@ -238,9 +237,8 @@ class CAccountant {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
-        const bool isLast = end == m_window.Size();
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
-            !(isLast && m_isGrowing))
+            !(end == m_window.Size() && m_isGrowing))
             Doubt({.reason = EReason::MaybeEmpty, .from = end, .to = end});
     }
 

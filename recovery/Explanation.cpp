@@ -121,7 +121,8 @@ class CExplainer {
     void FollowAround(const CNode& inner, const CCandidate& candidate) {
         const CNode* file = inner.file;
         for (int i = 0; i < kMostFiles && file != nullptr; ++i, file = file->parent->file) {
-            if (file->gap == 0 || !GoesOn(*file->parent, inner, candidate)) continue;
+            const bool isLoss = file->gap > 0 || file->parent->Candidate().moved < 0;
+            if (!isLoss || !GoesOn(*file->parent, inner, candidate)) continue;
             const auto around = std::make_shared<CNode>(*file->parent);
             around->cost = inner.cost;
             around->goesOn = true;
