@@ -35,11 +35,3 @@ function(vxfileio_warnings target)
     endif()
   endif()
 endfunction()
-
-# vxfileio_unoptimized(TARGET): compiles a target without optimization if Clang checks it with sanitizers. That takes two
-# fifths of the time. For code in which the tests spend little of theirs.
-function(vxfileio_unoptimized target)
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
-    target_compile_options(${target} PRIVATE -O0)
-  endif()
-endfunction()
