@@ -168,7 +168,7 @@ constexpr CSheetPlan kResultsSheets[] = {{"Results", PutResults}};
 /// The sheets of the workbook of one well.
 constexpr CSheetPlan kWellSheets[] = {{"HB Time Stamps", PutBeats}, {"Averages", PutAverages}};
 
-/// Returns whether spreadsheet programs accept the names of a workbook's sheets: none is too long or used twice.
+/// Returns whether a workbook can have these sheets: each name is unique and short enough for spreadsheet programs.
 constexpr bool AreNamesAccepted(std::span<const CSheetPlan> plans) {
     constexpr std::size_t kMostBytes = 31;
     for (std::size_t i = 0; i < plans.size(); ++i) {
