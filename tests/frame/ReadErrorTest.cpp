@@ -59,10 +59,22 @@ TEST_F(ReadErrorTest, EveryTruncationIsReported) {
         ASSERT_NE(Settings(m_settings.substr(0, size)), "") << size;
     for (std::size_t size = 0; size < m_results.size(); ++size)
         ASSERT_NE(Results(m_results.substr(0, size)), "") << size;
-    const std::size_t cut = m_results.find("</Dose>") - 1;
-    EXPECT_EQ(Results(m_results.substr(0, cut)),
-              "The document ends at offset " + std::to_string(cut) +
-                  ", inside Vexaprobe/Results[0]/Task/Recordings[0]/Recording/Dose.");
+    const std::size_t dose = m_results.find("</Dose>");
+    const std::string path = "Vexaprobe/Results[0]/Task/Recordings[0]/Recording";
+    for (const auto& [cut, place] : std::vector<std::pair<std::size_t, std::string>>{
+             {dose - 1, path + "/Dose."},
+             {dose + 6, path + "/Dose."},
+             {dose + 7, path + "; <Dose> wasn't read, since no tag follows it."},
+             {dose + 8, path + '.'},
+             {m_results.find("</Header>") + 9, "Vexaprobe."}}) {
+        const std::string end = "at offset " + std::to_string(cut) + ", inside " + place;
+        const auto named = [&](const std::string& error) { return error.ends_with(end); };
+        EXPECT_PRED1(named, Results(m_results.substr(0, cut)));
+        EXPECT_PRED1(named, Results(m_results.substr(0, cut) + '\0' + m_results.substr(cut))) << "a NUL";
+    }
+    EXPECT_EQ(Results(m_results.substr(0, dose) + '\0' + m_results.substr(dose)),
+              "The document ends with a NUL at offset " + std::to_string(dose) + ", inside " + path + "/Dose.");
+    EXPECT_EQ(Results("<Vexaprobe></Vexaprobe>"), "The document has no elements that a results file has.");
 }
 
 TEST_F(ReadErrorTest, InvalidValuesAreReportedWithPathOffsetAndCount) {
@@ -140,7 +152,7 @@ TEST_F(ReadErrorTest, AHeaderAfterTheSectionIsReported) {
 
 TEST_F(ReadErrorTest, ContentAfterTheRootIsReported) {
     EXPECT_EQ(Settings(m_settings + "\n<!-- > --> <?end?>\n"), "");
-    for (const std::string& more : {std::string("x"), m_settings})
+    for (const std::string& more : {std::string("x"), std::string(1, '\0'), m_settings})
         EXPECT_EQ(Settings(m_settings + more).find("What follows the root, from offset "), 0U) << more.substr(0, 1);
 }
 

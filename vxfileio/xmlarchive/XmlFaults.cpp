@@ -8,18 +8,27 @@ namespace {
 
 using vxfileio::helpers::Quoted;
 
-/// Returns "PATH (offset N)".
+/// Returns "PATH (offset N)", or "Offset N" outside of the root.
 std::string PlaceOf(const XmlFaults::CFault& fault) {
-    const std::string offset = "offset " + std::to_string(fault.offset);
-    return fault.path.empty() ? offset : fault.path + " (" + offset + ')';
+    const std::string offset = std::to_string(fault.offset);
+    return fault.path.empty() ? "Offset " + offset : fault.path + " (offset " + offset + ')';
+}
+
+/// Describes the end of a document. What follows a NUL isn't part of it.
+std::string EndOf(const XmlFaults::CFault& fault) {
+    std::string text = "The document ends ";
+    if (!fault.expected.empty()) text += "with " + fault.expected + ' ';
+    text += "at offset " + std::to_string(fault.offset) + ", inside ";
+    text += fault.path.empty() ? "its first tag" : fault.path;
+    if (!fault.found.empty()) text += "; <" + fault.found + "> wasn't read, since no tag follows it";
+    return text + '.';
 }
 
 std::string SentenceOf(XmlFault kind, const XmlFaults::CFault& fault) {
     const std::string place = PlaceOf(fault);
     switch (kind) {
         case XmlFault::EndsInside:
-            return "The document ends at offset " + std::to_string(fault.offset) + ", inside " +
-                   (fault.path.empty() ? "its first tag" : fault.path) + '.';
+            return EndOf(fault);
         case XmlFault::WrongEndTag:
             return place + ": found </" + fault.found + "> instead of " + fault.expected + '.';
         case XmlFault::TooFew:

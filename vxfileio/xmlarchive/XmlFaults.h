@@ -36,7 +36,7 @@ class XmlFaults {
         std::uint64_t count = 0;    ///< The number of faults of this kind. What follows belongs to the first.
         std::uint64_t offset = 0;   ///< Bytes from the start of the document.
         std::string path = {};      ///< The tags from the root on, with `/` between them, and the numbers of entries.
-        std::string found = {};     ///< The beginning of a value, or a tag.
+        std::string found = {};     ///< The beginning of a value, or a tag; at the end, one that wasn't read.
         std::string expected = {};  ///< In words.
     };
 

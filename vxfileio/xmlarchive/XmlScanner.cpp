@@ -56,7 +56,7 @@ bool XmlScanner::SkipEpilog() {
     if (m_input.StandsOn(">")) m_input.Pass(1);
     while (true) {
         m_input.SkipWhile(kTextBlank);
-        if (m_input.AtEnd()) return true;
+        if (m_input.AtEnd()) return !m_input.EndsInNul();
         const bool isComment = m_input.StandsOn("<!--");
         if (!isComment && !m_input.StandsOn("<?")) return false;
         m_input.SkipToText(isComment ? kCommentEnd : kInstructionEnd);
@@ -181,15 +181,23 @@ bool XmlScanner::ReadStartTag() {
 
     m_input.SkipWhile(kBlank | kOpen);
     if (m_input.AtEnd()) return Fail(XmlError::EndInElement);
-    // The end tag of an element that has only text. Another name is reported, and otherwise ignored.
-    if (m_input.Peek() == '/') {
-        CheckLeafEnd();
-        return m_input.SkipTo('<') || Fail(XmlError::EndInElement);
-    }
+    if (m_input.Peek() == '/') return PassLeafEnd();
     OpenElement();
     m_state |= XmlState::kHasChildren;
     m_tagTaken = true;
     return true;
+}
+
+/// Moves past the end tag of an element that has only text, to the next tag. Another name is reported, and otherwise
+/// ignored. Returns false if no tag follows: the element then isn't delivered.
+bool XmlScanner::PassLeafEnd() {
+    CheckLeafEnd();
+    m_input.SkipWhile(kText);
+    const bool isWhole = m_input.Peek() == '>';
+    if (m_input.SkipTo('<')) return true;
+    m_lastError = XmlError::EndInElement;
+    NoteEndInside(isWhole ? Name() : std::string_view());
+    return false;
 }
 
 /// Notes if an end tag, here its part after the "</", isn't that of a leaf with this name. It is `at` bytes after the
@@ -257,14 +265,17 @@ void XmlScanner::CheckCount(const CLevel& list, std::uint64_t entries, std::stri
     }
 }
 
-/// Notes that the document ends where something is open.
-void XmlScanner::NoteEndInside() {
-    if (m_open.IsEmpty() && Element().empty()) return;
+/// Notes that the document ends where something is open. `undelivered` is empty, or the name of the current element if
+/// that is whole.
+void XmlScanner::NoteEndInside(std::string_view undelivered) {
+    if (m_open.IsEmpty() && (Element().empty() || !undelivered.empty())) return;
     m_endsInside = true;
     if (auto* const fault = m_faults.Add(XmlFault::EndsInside)) {
-        const bool inText = Element().find('>') != std::string_view::npos;  // end tags are without
+        const bool inText = undelivered.empty() && Element().find('>') != std::string_view::npos;
         fault->offset = m_input.Offset();
-        fault->path = PathTo(inText ? Element().substr(0, m_nameSize) : std::string_view());
+        fault->path = PathTo(inText ? Name() : std::string_view());  // end tags are without a ">"
+        fault->found = undelivered.substr(0, kMostNameShown);
+        fault->expected = m_input.EndsInNul() ? "a NUL" : "";
     }
 }
 

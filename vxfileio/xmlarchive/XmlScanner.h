@@ -73,8 +73,8 @@ class XmlScanner {
     /// Returns whether the root has a child with the name `first`, and it begins before any with the name `second`.
     bool IsAhead(std::string_view first, std::string_view second) const { return SectionAt(first) < SectionAt(second); }
 
-    /// Moves past blanks, comments and instructions. Returns false if something else follows. Requires: the root was
-    /// closed.
+    /// Moves past blanks, comments and instructions. Returns false if something else follows, a NUL for instance.
+    /// Requires: the root was closed.
     bool SkipEpilog();
 
     /// Returns the first bytes of the document, as `SkipProlog` found them.
@@ -134,10 +134,11 @@ class XmlScanner {
     bool Fail(XmlError error);
     void OpenElement();
     void FindLevel() { m_level = &m_levels[std::min(m_open.Size(), kMostLevels)]; }
+    bool PassLeafEnd();
     void CheckLeafEnd();
     void CheckNameEnd();
     void CheckPlainEnd(std::string_view name, std::string_view end, std::size_t at);
-    void NoteEndInside();
+    void NoteEndInside(std::string_view undelivered = {});
     void NoteWrongEnd(std::string_view found, std::string_view open, std::uint64_t offset, std::string_view leaf);
     std::string PathTo(std::string_view leaf) const;
 
