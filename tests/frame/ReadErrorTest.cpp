@@ -1,3 +1,4 @@
+#include <array>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,24 @@ class ReadErrorTest : public testing::Test {
         const std::size_t at = document.find(old);
         EXPECT_NE(at, std::string::npos) << old;
         return at == std::string::npos ? document : document.replace(at, old.size(), text);
+    }
+
+    /// Returns some of the values that were read, each after a list or an object.
+    static std::string SummaryOf(const CISettingsReader& reader) {
+        const auto& robot = reader.GetRobotProperty()->RobotConfig;
+        const auto& plate = reader.GetRecordPlateProperty()->Data;
+        const auto& marks = reader.GetAnalyzerProperty()->AnalyzeSettings;
+        std::string text = "version " + std::to_string(reader.GetXmlFileHeader()->FileVersion) + ", trough " +
+                           robot.TroughMediumNames.front() + ", waste " + std::to_string(robot.WasteID) + ", wells " +
+                           std::to_string(plate.Wells.size()) + ", doses " + std::to_string(plate.Series.size()) +
+                           ", plate " + plate.PlateID + ", checks " +
+                           std::to_string(reader.GetQualityCheckProperty()->QualityChecks.size()) + ", tasks " +
+                           std::to_string(marks.size() - marks.count(enTask::Series)) + ", marks";
+        if (const auto task = marks.find(enTask::PreQC); task != marks.end()) {
+            for (const auto& recording : task->second)
+                text += ' ' + std::to_string(recording.size());
+        }
+        return text + ", slope " + std::to_string(reader.GetAnalyzerProperty()->FPSlopeInterval);
     }
 
     CTempFolder m_folder;
@@ -143,6 +162,46 @@ TEST_F(ReadErrorTest, SectionsAfterOneWithoutContentAreRead) {
     }
 }
 
+TEST_F(ReadErrorTest, ElementsWithoutChildrenTakeNothingFromThoseAfterThem) {
+    const std::string header = "<Header><FileVersion>3</FileVersion></Header>";
+    const std::string troughs = "<TroughMediumNames Size=\"1\"><MediumName>m</MediumName></TroughMediumNames>";
+    const std::string plateWells = "<Wells Size=\"1\"><Well><WellID>1</WellID></Well></Wells>";
+    const std::string series = "<Series Size=\"2\"><Dose>5</Dose><Dose>6</Dose></Series>";
+    const std::string check = "<QC><TaskName>PreQC</TaskName></QC>";
+    const std::string well = "<Well><WellID>3</WellID><Analyze>0</Analyze></Well>";
+    const std::string first = "<Recording><Recording>0</Recording><Wells Size=\"0\"/></Recording>";
+    const std::string task = "<Task><TaskName>PreQC</TaskName><Recordings Size=\"2\">" + first +
+                             "<Recording><Recording>1</Recording><Wells Size=\"2\">" + well +
+                             "<Well><WellID>4</WellID></Well></Wells></Recording></Recordings></Task>";
+    const std::string tasks = "<Tasks Size=\"2\">" + task + "<Task><TaskName>PostQC</TaskName></Task></Tasks>";
+    const std::string document =
+        "<Vexaprobe>" + header + "<Settings><PropertyRobot>" + troughs + "<WasteID>8</WasteID></PropertyRobot>" +
+        "<PropertyRecordPlate>" + plateWells + series + "<PlateID>p</PlateID></PropertyRecordPlate>" +
+        "<PropertyQualityCheck><QualityChecks Size=\"2\">" + check + "<QC><TaskName>PostQC</TaskName></QC>" +
+        "</QualityChecks></PropertyQualityCheck><PropertyAnalyzer><AnalyzeSettings>" + tasks +
+        "</AnalyzeSettings><FPSlopeInterval>9</FPSlopeInterval></PropertyAnalyzer></Settings></Vexaprobe>";
+    const std::string whole =
+        "version 3, trough m, waste 8, wells 1, doses 2, plate p, checks 2, tasks 2, marks 0 2, slope 9";
+    for (const auto& [old, empty, part, change] :
+         std::vector<std::array<std::string, 4>>{{"", "", "", ""},
+                                                 {header, "<Header/>", "version 3", "version 0"},
+                                                 {troughs, "<TroughMediumNames Size=\"1\"/>", "trough m", "trough "},
+                                                 {plateWells, "<Wells Size=\"3\"/>", "wells 1", "wells 0"},
+                                                 {series, "<Series Size=\"9\"></Series>", "doses 2", "doses 0"},
+                                                 {check, "<QC/>", "", ""},
+                                                 {check, "<QC>text</QC>", "", ""},
+                                                 {tasks, "<Tasks Size=\"2\"/>", "tasks 2, marks 0 2", "tasks 0, marks"},
+                                                 {task, "<Task/>", "tasks 2, marks 0 2", "tasks 1, marks"},
+                                                 {first, "<Recording></Recording>", "", ""},
+                                                 {well, "<Well/>", "marks 0 2", "marks 0 1"}}) {
+        CVXFileIO io;
+        const std::string error = ErrorOf(*io.GetSettingsReader(), Replaced(document, old, empty));
+        EXPECT_EQ(SummaryOf(*io.GetSettingsReader()), Replaced(whole, part, change)) << empty;
+        EXPECT_EQ(error.empty(), old.empty()) << empty;
+        EXPECT_EQ(error.find("found <"), std::string::npos) << error;
+    }
+}
+
 TEST_F(ReadErrorTest, AHeaderAfterTheSectionIsReported) {
     const std::size_t begin = m_settings.find("<Header>");
     const std::string header = m_settings.substr(begin, m_settings.find("<Settings>") - begin);
@@ -195,10 +254,13 @@ TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsReported) {
 }
 
 TEST_F(ReadErrorTest, AnElementWithoutContentOrKeyIsReported) {
-    EXPECT_NE(Results("<Vexaprobe><Header/><Results><Task><X/></Task></Results></Vexaprobe>")
-                  .find("Vexaprobe/Header (offset 11): the element has no content."),
-              0U)
-        << m_io.GetResultsReader()->GetReadError();
+    EXPECT_EQ(Results("<Vexaprobe><Header/><Results><Task/><Task><TaskName>Series</TaskName><Recordings Size=\"2\">"
+                      "<Recording/><Recording><Wells Size=\"2\"><Well/><Well><WellID>5</WellID><Average Size=\"0\"/>"
+                      "<FPfastDetected>1</FPfastDetected></Well></Wells></Recording></Recordings></Task></Results>"
+                      "</Vexaprobe>"),
+              "Vexaprobe/Header (offset 20): the element has no content. There are 4 more of this kind.");
+    const auto* const read = m_io.GetResultsReader()->GetResults()->GetWellResults(enTask::Series, 1, 5);
+    EXPECT_TRUE(read != nullptr && read->FPfastDetected);
     EXPECT_NE(ResultsWith("<Task>", "<Task/><Task>").find("Results[0]/Task (offset "), std::string::npos);
     EXPECT_NE(SettingsWith("<QC>", "<QC/><QC>").find("QualityChecks[0]/QC (offset "), std::string::npos);
     const std::size_t task = m_settings.rfind("<Task><TaskName>");

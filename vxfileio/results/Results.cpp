@@ -111,9 +111,8 @@ void CResults::Load(CXmlFileArchive& archive) {
     vxfileio::xmlarchive::ForEachEventOfSection(archive, vxfileio::results::kResultsElement, [&] {
         if (vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kResultsElement)) archive.CountEntries();
         if (!vxfileio::xmlarchive::IsStartOf(archive, vxfileio::results::kTaskElement.tag)) return;
-        vxfileio::xmlarchive::NoteIfEmpty(archive);
         CResultsTask results;
-        results.Load(archive);
+        vxfileio::xmlarchive::LoadChildren(archive, [&] { results.Load(archive); });
         const enTask task = StringToTask(results.TaskName);
         Tasks[task] = std::move(results);
     });

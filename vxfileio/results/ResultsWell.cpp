@@ -59,5 +59,5 @@ void CResultsWell::Load(CXmlFileArchive& archive) {
     FPfastMaxAmp = FPfastMinAmp = 0.0;
     FPfastMaxAmpTimeStamp = FPfastMinAmpTimeStamp = 0;
     FPmaxType = enFPmaxType::Undefined;
-    vxfileio::xmlarchive::LoadElement(archive, *this);
+    vxfileio::xmlarchive::LoadFields<CForm>(archive, *this);
 }

@@ -50,7 +50,7 @@ void CSettingsReader::ReadFile(const std::string& path) {
         ForEachEventUntil(archive, CSettingsForm::kElement, [&] {
             if (GetField(archive, CSettingsForm::kFields, m_settings)) return;
             if (IsStartOf(archive, CXmlForm<CPropRecording>::kOlderElement))
-                LoadSection(archive, [&] { m_settings.Recording.Load(archive); });
+                LoadChildren(archive, [&] { m_settings.Recording.Load(archive); });
         });
     };
     ReadDocument(path, kSettingsOpenFailed, CSettingsForm::kElement, m_readError, load);

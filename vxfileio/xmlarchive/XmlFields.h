@@ -132,9 +132,23 @@ inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
-/// Reports a start tag without children, where they are needed: the elements after it are read as its own.
+/// Reports a start tag without children, where they are needed.
 inline void NoteIfEmpty(CXmlFileArchive& archive) {
     if (!HasChildren(archive)) archive.NoteText(gd_xml_stream::XmlFault::NoContent);
+}
+
+/// Reads the children of the current element, a start tag, by `load()`. Reports an element without children, which has
+/// no end tag to read up to.
+template <class Load>
+void LoadChildren(CXmlFileArchive& archive, Load load) {
+    NoteIfEmpty(archive);
+    if (HasChildren(archive)) load();
+}
+
+/// Returns the number of entries to be read from the current list: none if it has no children, whatever its `Size`.
+inline std::size_t EntriesOf(CXmlFileArchive& archive) {
+    const std::size_t size = archive.GetListSize();
+    return HasChildren(archive) ? size : 0;
 }
 
 /// Returns whether the current event is the start tag of an element with this tag and without content. No end tag
@@ -254,7 +268,7 @@ struct CValuesField : CListField<Object, Entry> {
     void Get(CXmlFileArchive& archive, Object& object) const {
         auto& values = object.*(this->member);
         values.clear();
-        for (std::size_t count = archive.GetListSize(); count > 0; --count) {
+        for (std::size_t count = EntriesOf(archive); count > 0; --count) {
             archive.NextElement();
             if (!IsStartOf(archive, this->entry.tag)) continue;
             Entry value{};
@@ -275,6 +289,7 @@ struct CPlacedValuesField : CListField<Object, Entry> {
     void Get(CXmlFileArchive& archive, Object& object) const {
         auto& values = object.*(this->member);
         values.assign(archive.GetListSize(), Entry{});
+        if (!HasChildren(archive)) return;
         for (Entry& value : values) {
             archive.NextElement();
             if (IsStartOf(archive, this->entry.tag)) archive.GetValue(value);
@@ -368,14 +383,22 @@ void SaveForm(CXmlFileArchive& archive, const Objects&... objects) {
     archive.CloseElement();
 }
 
-/// Reads the fields of a form up to its end tag. The archive may be before its start tag or after it. Reports an
-/// element without children, since it has no end tag.
+/// Reads the fields of a form up to its end tag. The archive is after its start tag.
+template <class Form, class... Objects>
+void LoadFields(CXmlFileArchive& archive, Objects&... objects) {
+    ForEachEventUntil(archive, Form::kElement, [&] { GetField(archive, Form::kFields, objects...); });
+}
+
+/// The same if the archive is before its start tag or at it. Reports an element without children, which ends at its
+/// start tag. What precedes the start tag is read, too.
 template <class Form, class... Objects>
 void LoadForm(CXmlFileArchive& archive, Objects&... objects) {
-    ForEachEventUntil(archive, Form::kElement, [&] {
-        if (GetField(archive, Form::kFields, objects...)) return;
-        if (IsEmptyElement(archive, Form::kElement)) archive.NoteText(gd_xml_stream::XmlFault::NoContent);
-    });
+    const auto load = [&] { LoadFields<Form>(archive, objects...); };
+    if (IsStartOf(archive, Form::kElement) && HasChildren(archive)) return load();
+    while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == Form::kElement)) {
+        if (IsStartOf(archive, Form::kElement)) return LoadChildren(archive, load);
+        GetField(archive, Form::kFields, objects...);
+    }
 }
 
 /// Writes the element of an object.
@@ -384,7 +407,7 @@ void SaveElement(CXmlFileArchive& archive, const Object& object) {
     SaveForm<CXmlForm<Object>>(archive, object);
 }
 
-/// Reads an object up to its end tag. The archive may be before its start tag or after it.
+/// Reads an object as `LoadForm` does.
 template <class Object>
 void LoadElement(CXmlFileArchive& archive, Object& object) {
     LoadForm<CXmlForm<Object>>(archive, object);
@@ -432,7 +455,7 @@ inline constexpr std::size_t kMostMissingEntries = 1000;
 template <class Entry, class KeepEntry>
 void GetEntries(CXmlFileArchive& archive, KeepEntry keep) {
     std::size_t missing = 0;
-    for (std::size_t count = archive.GetListSize(); count > 0 && missing < kMostMissingEntries; --count) {
+    for (std::size_t count = EntriesOf(archive); count > 0 && missing < kMostMissingEntries; --count) {
         keep(LoadEntry<Entry>(archive));
         missing = archive.TagName().empty() ? missing + 1 : 0;
     }

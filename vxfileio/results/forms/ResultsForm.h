@@ -50,9 +50,10 @@ struct CAverageField {
     }
     void Get(CXmlFileArchive& archive, CResultsWell& well) const {
         well.Average.resize(archive.GetListSize());
-        NoteIfEmpty(archive);
-        archive.NextElement();
-        if (IsStartOf(archive, kSamples.tag)) archive.GetSamples(well.Average);
+        LoadChildren(archive, [&] {
+            archive.NextElement();
+            if (IsStartOf(archive, kSamples.tag)) archive.GetSamples(well.Average);
+        });
     }
 };
 
@@ -122,7 +123,8 @@ struct CXmlForm<CResultsWell> {
 
 namespace vxfileio::results {
 
-/// The wells, each with its key as the first child. Wells and keys are found by their places alone.
+/// The wells, each with its key as the first child. Wells and keys are found by their places alone. A well without
+/// children is skipped.
 struct CResultsWellsField {
     using CObject = CResultsRecording;
     using CEntryForm = CXmlForm<CResultsWell>;
@@ -139,9 +141,14 @@ struct CResultsWellsField {
         });
     }
     void Get(CXmlFileArchive& archive, CResultsRecording& recording) const {
-        const std::size_t size = archive.GetListSize();
+        const std::size_t size = EntriesOf(archive);
         for (std::size_t count = 0; count < size; ++count) {
-            if (!archive.NextElement() || !archive.NextElement()) return;  // Well, then WellID
+            if (!archive.NextElement()) return;
+            if (IsStartOf(archive, CEntryForm::kElement) && !HasChildren(archive)) {
+                NoteIfEmpty(archive);
+                continue;
+            }
+            if (!archive.NextElement()) return;
             const std::int32_t wellID = CEntryForm::kKey.Read(archive);
             CResultsWell well;
             well.Load(archive);

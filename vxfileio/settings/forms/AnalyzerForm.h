@@ -34,9 +34,18 @@ struct CMarksToSave {
 /// even if its `Size` is above 0.
 template <class Load>
 void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view entryTag, Load load) {
-    if (!HasChildren(archive) || !archive.ListHasEntries()) return;
+    if (!archive.ListHasEntries() || !HasChildren(archive)) return;
     ForEachEventUntil(archive, tag, [&] {
         if (IsStartOf(archive, entryTag)) load();
+    });
+}
+
+/// Reads an entry with a key from its start tag on, by `load()` at its first child. Reports an entry without children.
+template <class Load>
+void LoadKeyed(CXmlFileArchive& archive, Load load) {
+    LoadChildren(archive, [&] {
+        archive.NextElement();
+        load();
     });
 }
 
@@ -107,15 +116,15 @@ struct CMarkedWellsField {
     }
     void Get(CXmlFileArchive& archive, RecordingAnalysis& wells) const {
         const WellAnalysis start;  // made once, since a copy is faster
-        LoadList(archive, tag, CEntryForm::kElement, [&] {
-            archive.NextElement();
+        const auto load = [&] {
             const std::int32_t wellID = CEntryForm::kKey.Read(archive);
             WellAnalysis well = start;
             ForEachEventUntil(archive, CEntryForm::kElement, [&] {
                 if (!GetField(archive, CEntryForm::kFields, well)) CResponseMarksField::LoadMark(archive, well);
             });
             wells.insert_or_assign(wells.end(), wellID, std::move(well));
-        });
+        };
+        LoadList(archive, tag, CEntryForm::kElement, [&] { LoadKeyed(archive, load); });
     }
 };
 
@@ -140,10 +149,11 @@ struct CMarkedRecordingsField {
     }
     void Get(CXmlFileArchive& archive, TaskAnalysis& recordings) const {
         LoadList(archive, tag, CEntryForm::kElement, [&] {
-            archive.NextElement();
-            CEntryForm::kKey.Read(archive);
             RecordingAnalysis wells;
-            LoadForm<CEntryForm>(archive, wells);
+            LoadKeyed(archive, [&] {
+                CEntryForm::kKey.Read(archive);
+                LoadFields<CEntryForm>(archive, wells);
+            });
             recordings.push_back(std::move(wells));
         });
     }
@@ -155,7 +165,7 @@ struct CMarkedTaskForm {
     static constexpr auto kFields = std::tuple{settings::CMarkedRecordingsField{}};
 };
 
-/// The tasks. One whose first child isn't its name is dropped.
+/// The tasks. One whose first child isn't its name is dropped, as is one without children.
 struct CMarkedTasksField {
     using CEntryForm = CMarkedTaskForm;
     std::string_view tag = "Tasks";
@@ -167,14 +177,14 @@ struct CMarkedTasksField {
         });
     }
     void Get(CXmlFileArchive& archive, CTaskMarks& tasks) const {
-        LoadList(archive, tag, CEntryForm::kElement, [&] {
-            archive.NextElement();
+        const auto load = [&] {
             const bool isNamed = IsStartOf(archive, CEntryForm::kKey.tag);
             const enTask task = CEntryForm::kKey.Read(archive);
             TaskAnalysis recordings;
-            LoadForm<CEntryForm>(archive, recordings);
+            LoadFields<CEntryForm>(archive, recordings);
             if (isNamed) tasks[task] = std::move(recordings);
-        });
+        };
+        LoadList(archive, tag, CEntryForm::kElement, [&] { LoadKeyed(archive, load); });
     }
 };
 
@@ -195,7 +205,7 @@ struct CMarksField {
         PutFields(archive, CMarksForm::kFields, source);
     }
     void Get(CXmlFileArchive& archive, CPropAnalyzer& analyzer) const {
-        if (HasChildren(archive)) LoadForm<CMarksForm>(archive, analyzer.AnalyzeSettings);
+        if (HasChildren(archive)) LoadFields<CMarksForm>(archive, analyzer.AnalyzeSettings);
     }
 };
 

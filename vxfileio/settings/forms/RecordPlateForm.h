@@ -18,7 +18,7 @@ struct CSoughtValuesField : CListField<Object, Entry> {
     void Get(CXmlFileArchive& archive, Object& object) const {
         auto& values = object.*(this->member);
         values.assign(archive.GetListSize(), Entry{});
-        if (values.empty()) return;  // such a list is self-closed and has no end tag
+        if (values.empty() || !HasChildren(archive)) return;  // such a list is self-closed and has no end tag
         std::size_t found = 0;
         while (found < values.size() && archive.NextElement()) {
             if (IsStartOf(archive, this->entry.tag)) archive.GetValue(values[found++]);

@@ -6,16 +6,6 @@
 
 namespace vxfileio::settings {
 
-/// Loads a property set from the current element, its start tag. One without children has no end tag to read up to.
-template <class Load>
-void LoadSection(CXmlFileArchive& archive, Load load) {
-    if (HasChildren(archive)) {
-        load();
-    } else {
-        archive.NoteText(gd_xml_stream::XmlFault::NoContent);
-    }
-}
-
 /// A section: a property set that saves and loads its own element.
 template <class Section, class Form = CXmlForm<Section>>
 struct CSectionField {
@@ -25,7 +15,7 @@ struct CSectionField {
 
     constexpr CXmlElement Element() const noexcept { return kElementOf<Form>; }
     void Get(CXmlFileArchive& archive, CSettings& settings) const {
-        LoadSection(archive, [&] {
+        LoadChildren(archive, [&] {
             if constexpr (std::is_same_v<Form, CShortPlateForm>) {
                 (settings.*member).LoadShort(archive);
             } else {
