@@ -65,9 +65,11 @@ py::dict ResultsTable(const results::CResultsContent& results, const std::string
     return columns;
 }
 
-/// A raw data header may have a dose below 0.
-std::string DoseText(const py::int_& dose) {
-    if (dose < py::int_(0)) return std::string(py::str(py::handle(dose))) + " pM";
+/// Takes any whole number, also one of NumPy. A raw data header may have a dose below 0.
+std::string DoseText(const py::object& number) {
+    const auto dose = py::reinterpret_steal<py::object>(PyNumber_Index(number.ptr()));
+    if (!dose) throw py::error_already_set();
+    if (dose < py::int_(0)) return std::string(py::str(dose)) + " pM";
     return helpers::DoseWithUnit(FromPython<std::uint64_t>(dose));
 }
 

@@ -22,7 +22,7 @@ Document = TypeVar("Document", bound="_Document")
 
 FIRST_COMPOUND = -1
 
-OTHER_KIND = "This is a "
+OTHER_KIND = "This is a"
 """The beginning of the library's error for a file of another kind."""
 
 
@@ -169,6 +169,9 @@ class Results(_Document, _vxfileio.ResultsContent):
 
     def save(self, path: Path, *, overwrite: bool = False) -> None:
         """Writes a results file.
+
+        The file keeps the findings and responses of a well only if it has `FPfastDetectionTimes`. `TaskName` of a task
+        and `Label` of a response must be their keys: reading finds the keys there.
 
         Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
         the new one is complete.

@@ -321,25 +321,25 @@ class Recording:
 
     def to_xarray(self, wells: Optional[Sequence[Well]] = None, start: Optional[int] = None,
                   stop: Optional[int] = None, scaled: bool = True) -> xarray.Dataset:
-        """Returns a dataset with one variable per well.
+        """Returns a dataset with one variable per well, named by its label.
 
-        Wells with the same times share a dimension; the dimensions are `time`, `time_2` and so on. Nothing is filled in
-        or sorted. Needs xarray.
+        Without settings, or if two wells have the same label, the names are the IDs. Wells with the same times share a
+        dimension; the dimensions are `time`, `time_2` and so on. Nothing is filled in or sorted. Needs xarray.
         """
         import xarray
 
-        names, selection = self._select(wells, start, stop)
-        arrays = self._read(names, selection, scaled)
+        given, selection = self._select(wells, start, stop)
+        arrays = self._read(given, selection, scaled)
+        ids = [well for well, _, _ in selection.wells()]
         dimensions: list[NDArray[np.int64]] = []
         variables = {}
-        for i, (name, array) in enumerate(arrays.items()):
+        for i, (name, well, array) in enumerate(zip(self._variable_names(ids), ids, arrays.values())):
             times = selection.times(i)
             known = (d for d, other in enumerate(dimensions) if np.array_equal(times, other))
             dimension = next(known, len(dimensions))
             if dimension == len(dimensions):
                 dimensions.append(times)
-            well = selection.wells()[i][0]
-            variables[self.run.label(name)] = (_dimension_name(dimension), array, {"well": well})
+            variables[name] = (_dimension_name(dimension), array, {"well": well})
         coordinates = {_dimension_name(d): times for d, times in enumerate(dimensions)}
         attributes = {"task": self.task, "recording": self.number, "dose": self.dose}
         if self.run.ticks_per_second is not None:
@@ -380,6 +380,12 @@ class Recording:
             raise UsageError(f"out[{name!r}] must be a contiguous, writable array of {dtype} with room for {count}",
                              self.run.path)
         return array[:count]
+
+    def _variable_names(self, wells: Sequence[int]) -> list[str]:
+        """Returns the labels of wells, or their IDs if labels are the same or could be names of dimensions."""
+        labels = [self.run.label(well) for well in wells]
+        usable = len(set(labels)) == len(labels) and not any(label.startswith(_dimension_name(0)) for label in labels)
+        return labels if usable else [str(well) for well in wells]
 
     def _warn_of_missing(self, selection: _vxfileio.SampleSelection) -> None:
         for well, _, missing in selection.wells():

@@ -134,6 +134,9 @@ class RecordingWriter:
         array = _samples(samples, self._writer.path)
         self._writer._call(self._writer._writer.write_data, well, start, self._ticks[well], array)
 
+    def __repr__(self) -> str:
+        return printable(f"<vxfileio.RecordingWriter {self.task} {self.number} of {self._writer.path!r}>")
+
     def __enter__(self) -> RecordingWriter:
         return self
 

@@ -187,7 +187,7 @@ class _Table:
         try:
             found = list(self.read(path, self.columns))
         except BAD_FILE as error:
-            return [[{"path": path, "state": _state_of(error), "error": _text_of(error)}]]
+            return [[{"path": path, "state": _state_of(error), "error": _text_of(error, path)}]]
         unknown = {column for piece in found for part in (piece if isinstance(piece, list) else [piece])
                    for column in part} - self.dtypes.keys()
         if unknown:
@@ -232,8 +232,11 @@ def _state_of(error: Exception) -> str:
     return "damaged" if isinstance(error, FileError) else "unreadable"
 
 
-def _text_of(error: Exception) -> str:
-    return getattr(error, "strerror", None) or getattr(error, "text", None) or str(error)
+def _text_of(error: Exception, path: str) -> str:
+    """Returns what is wrong, with the name of the file unless it is `path`."""
+    text = getattr(error, "strerror", None) or getattr(error, "text", None) or str(error)
+    file = getattr(error, "filename", None)
+    return text if file in (None, path) else f"{text}: {file!r}"
 
 
 def _missing_text(recording: Recording) -> Optional[str]:
@@ -278,7 +281,7 @@ def _results_of(function: Callable[..., Any], options: Mapping[str, Any], takes_
                 error = _missing_text(recording)
                 result = function(recording, **more)
             except BAD_FILE as failure:
-                yield [{**known, "error": _text_of(failure)}]
+                yield [{**known, "error": _text_of(failure, path)}]
                 continue
             yield _with_names(result, {**known, "error": error})
 
@@ -295,15 +298,19 @@ def _with_names(result: Any, known: Row) -> Piece:
 
 def _first_types(read: Callable[..., Iterator[Piece]], paths: Sequence[str]) -> Mapping[str, Any]:
     """Returns the columns of a function and their types, from its first result."""
+    errors: list[str] = []
     for path in paths:
         try:
             for piece in read(path, None):
-                types = pandas.DataFrame(piece).drop(columns=[*KNOWN, "error"]).dtypes
+                frame = pandas.DataFrame(piece)
+                types = frame.drop(columns=[*KNOWN, "error"]).dtypes
                 if len(types):
                     return types
-        except BAD_FILE:
-            continue
-    raise UsageError("No recording can be read; say with meta=... what the function returns")
+                errors.extend(frame["error"].dropna())
+        except BAD_FILE as error:
+            errors.append(str(error))
+    reason = f" ({errors[0]})" if errors else ""
+    raise UsageError(f"No recording can be read{reason}; say with meta=... what the function returns")
 
 
 def _nullable(dtype: Any) -> str:

@@ -42,8 +42,9 @@ def _lines(recording: Recording, well: Well, start: Optional[int], stop: Optiona
 def trace(recording: Recording, well: Well, start: Optional[int] = None, stop: Optional[int] = None, *,
           ax: Optional[Axes] = None) -> Axes:
     """Draws the signal of a well in its physical unit against time. Gaps stay empty."""
+    times, values = _lines(recording, well, start, stop)
     ax = _axes(ax)
-    ax.plot(*_lines(recording, well, start, stop), linewidth=0.8)
+    ax.plot(times, values, linewidth=0.8)
     ax.set(title=f"{recording.run.label(well)}, {recording.task} {recording.number}, {dose_text(max(recording.dose, 0))}",
            xlabel="time in s" if recording.run.ticks_per_second is not None else "time", ylabel="value")
     return ax

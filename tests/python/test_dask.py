@@ -141,8 +141,17 @@ def test_errors_of_a_function_are_raised_and_those_of_files_are_rows(plates):
     for files in (0, -1):
         with pytest.raises(vx.UsageError, match="at least 1"):
             vxfileio.dask.catalog(path, files)
-    with pytest.raises(vx.UsageError, match="meta"):
-        vxfileio.dask.map_recordings([REFERENCE / "not_ours.vxd"], peak)
+    opened = vxfileio.dask.map_recordings(path, lambda recording: open(path + "-"), meta={"value": int}).compute()
+    assert list(opened.error) == [f"{os.strerror(2)}: {path + '-'!r}"] * 4
+
+
+@pytest.mark.parametrize("name, function, reason", [
+    ("not_ours.vxd", peak, "isn't one of the system: '.*not_ours.vxd'"),
+    ("small_example.vxd", lambda recording: recording.samples("A1"), "'A1' needs the settings"),
+], ids=["file", "function"])
+def test_a_function_whose_types_are_unknown_is_refused_with_the_reason(name, function, reason):
+    with pytest.raises(vx.UsageError, match=rf"{reason}.*; say with meta"):
+        vxfileio.dask.map_recordings([REFERENCE / name], function)
 
 
 def test_responses_of_all_plates_and_their_errors(plates):

@@ -267,6 +267,9 @@ def test_tables_of_nothing_have_their_columns():
 def test_dose_texts_have_the_largest_unit_without_a_fraction():
     doses = {0: "0 pM", 999: "999 pM", 1000: "1 nM", 1500: "1500 pM", 10**7: "10 \xb5M", 10**15: "1000 M"}
     assert {dose: vx.dose_text(dose) for dose in doses} == doses
+    assert [vx.dose_text(dose) for dose in (np.uint64(2**63), np.int64(-5))] == ["9223372036854775808 pM", "-5 pM"]
+    with pytest.raises(TypeError, match="as an integer"):
+        vx.dose_text(1.5)
     with pytest.raises(ValueError, match="not 18446744073709551616"):
         vx.dose_text(2**64)
 

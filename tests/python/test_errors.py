@@ -76,6 +76,9 @@ def test_files_of_another_kind_are_unknown():
         with pytest.raises(vx.UnknownFileError, match="not a settings file") as raised:
             call(REFERENCE / "xml" / "results.vxr")
         assert raised.value.filename == str(REFERENCE / "xml" / "results.vxr")
+    for read in (vx.open, vx.Settings.read, vx.Results.read):
+        with pytest.raises(vx.UnknownFileError, match="empty"):
+            read(os.devnull)
 
 
 @pytest.mark.skipif(not hasattr(os, "mkfifo"), reason="no pipes with names")

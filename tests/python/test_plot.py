@@ -46,6 +46,10 @@ def test_a_trace_has_the_values_of_a_well_and_no_line_across_a_gap(tmp_path):
     samples = np.array([1, 2, 9, np.nan, 14, 15, 16, 17])
     np.testing.assert_array_equal(values, (samples - 1000) * 0.5)
     assert axes.get_xlabel() == "time in s"
+    before = pyplot.get_fignums()
+    with pytest.raises(vx.NoSuchWellError):
+        plot.trace(run.recordings[0], 99)
+    assert pyplot.get_fignums() == before
 
 
 def test_a_plate_has_each_well_at_its_place_and_the_others_below(tmp_path, results):

@@ -225,6 +225,11 @@ def test_datasets_share_dimensions_of_equal_times():
     assert data["11"].dims == data["12"].dims == ("time",)
     assert data["11"].values.tolist() == [1, 256, 65535, 32768] and data["time"].values.tolist() == [0, 100, 200, 300]
     assert vx.open(RUN).recordings[0].to_xarray()["2"].dims == ("time_2",)
+    for labels, names in (("AB", "AB"), ("AA", "12"), (("A", "time"), "12")):
+        settings = vx.Settings()
+        settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=i + 1, Label=label) for i, label in enumerate(labels)]
+        named = vx.open(RUN, settings=settings).recordings[0].to_xarray([1, 2])
+        assert [(name, named[name].attrs["well"]) for name in named] == list(zip(names, (1, 2)))
     assert len(vx.open(RUN).recordings[3].to_xarray()) == 0
 
 

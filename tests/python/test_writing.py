@@ -84,6 +84,7 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
         writer.recording(RECORDING)
         with pytest.raises(vx.UsageError, match="has ended"):
             first.write(11, 20, [3])
+        assert repr(first) == f"<vxfileio.RecordingWriter Series 1 of {str(path)!r}>"
     writer.close()
     for refused in (pickle.dumps, copy.copy):
         with pytest.raises(TypeError, match="can't be pickled or copied"):
