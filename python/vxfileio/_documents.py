@@ -170,8 +170,9 @@ class Results(_Document, _vxfileio.ResultsContent):
     def save(self, path: Path, *, overwrite: bool = False) -> None:
         """Writes a results file.
 
-        The file keeps the findings and responses of a well only if it has `FPfastDetectionTimes`. `TaskName` of a task
-        and `Label` of a response must be their keys: reading finds the keys there.
+        Files have an average's samples with six significant digits, and the findings and responses of a well only if it
+        has `FPfastDetectionTimes`. `TaskName` of a task and `Label` of a response must be their keys in the mappings:
+        reading takes the keys from there.
 
         Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
         the new one is complete.

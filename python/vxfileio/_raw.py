@@ -49,7 +49,7 @@ class Recordings:
         self.settings = settings_of(settings)
         if not (ticks_per_second is None or _is_rate(ticks_per_second)):
             raise UsageError(f"ticks_per_second must be a number above 0, not {ticks_per_second!r}", self.path)
-        self.ticks_per_second = ticks_per_second
+        self.ticks_per_second = None if ticks_per_second is None else float(ticks_per_second)
         self.unfinished = unfinished
         self.partial = partial
         self._absolute = os.path.abspath(self.path)

@@ -2,6 +2,7 @@
 
 import concurrent.futures
 import copy
+import fractions
 import pickle
 
 import numpy as np
@@ -154,7 +155,9 @@ def test_wells_that_are_not_there_are_errors():
 def test_seconds_need_ticks_per_second():
     with pytest.raises(vx.UsageError, match="ticks_per_second"):
         vx.open(RUN).recordings[0].seconds(1)
-    assert list(vx.open(RUN, ticks_per_second=1000).recordings[0].seconds(1)) == [0, 0.1, 0.2, 0.3]
+    for rate in (1000, np.float32(1000), fractions.Fraction(1000)):
+        seconds = vx.open(RUN, ticks_per_second=rate).recordings[0].seconds(1)
+        assert seconds.dtype == np.float64 and list(seconds) == [0, 0.1, 0.2, 0.3]
     for wrong in (0, -1, float("nan"), float("inf"), "1000"):
         with pytest.raises(vx.UsageError, match="above 0"):
             vx.open(RUN, ticks_per_second=wrong)
