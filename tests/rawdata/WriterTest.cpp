@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <system_error>
 
 #include "tests/rawdata/ExampleHdrs.h"
 #include "tests/rawdata/RawFileBytes.h"
@@ -29,10 +30,17 @@ TEST_F(WriterTest, OpenNewCreatesAFileButNeverChangesAnExistingOne) {
     EXPECT_EQ(before, FileHdrBytes(-1));
     EXPECT_EQ(TextOfFailure([&] { m_writer.OpenNew(m_path); }), "Cannot open file " + m_path + ", because it exists");
     EXPECT_EQ(Bytes(), before);
+    const std::string report = std::make_error_code(std::errc::file_exists).message() + ", opening " + m_path +
+                               "; choose another name, or move the file away; Open would replace it";
+    EXPECT_EQ(m_writer.GetWriteError(), report);
     EXPECT_EQ(TextOfFailure([&] { m_writer.WriteFileHdr(ExampleFileHdr()); }), "No raw data file is open for writing.");
+    EXPECT_FALSE(m_writer.FlushToDisk());
+    m_writer.Close();
+    EXPECT_EQ(m_writer.GetWriteError(), report) << "until the next file";
     const std::string nowhere = m_folder.Path("no folder/run.vxd");
     EXPECT_EQ(TextOfFailure([&] { m_writer.OpenNew(nowhere); }), "Cannot open file " + nowhere);
     m_writer.Open(m_path);
+    EXPECT_EQ(m_writer.GetWriteError(), "");
     EXPECT_EQ(Bytes(), "");
 }
 

@@ -43,7 +43,7 @@ class VXFILEIO_API CIRawDataWriter {
 
     /// Does the same, but only where no file exists: a program that is started again can't wipe an earlier recording.
     /// If there is one, or a link, throws `CExcVXReader` ("Cannot open file ", the path and ", because it exists") and
-    /// leaves it as it is.
+    /// leaves it as it is. `GetWriteError` then says so, too, until the next `Open`.
     void OpenNew(const std::string& path);
 
     /// Writes the file header, of 1190 bytes in version 2. Of the header's own fields, `FPosFirstRecordingHdr`, the

@@ -124,6 +124,7 @@ void CRawDataWriter::OpenNew(const std::string& path) {
     Prepare();
     if (!m_file.CreateLike(path, helpers::CFile())) {
         const bool exists = m_file.Failure().error == std::errc::file_exists;
+        if (exists) ReportOnce(kNameTaken);
         throw CExcVXReader(kCannotOpen + path + (exists ? kExists : ""));
     }
     m_stage = enStage::Opened;

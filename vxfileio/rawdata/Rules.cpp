@@ -237,7 +237,7 @@ void JudgeWells(const std::vector<CRawDataChannelInfo>& wells, std::size_t inter
             breaches.push_back({rule, key, layout.recording[key].offset, std::move(found), expected, meaning});
         };
         if (!ids.insert(well.ID).second)
-            add(ERule::WellOnce, "WellIDs", "well " + std::to_string(well.ID) + " twice", "each well once",
+            add(ERule::WellOnce, "WellIDs", "a list with well " + std::to_string(well.ID) + " twice", "each well once",
                 "It is unclear which channel a segment of this well belongs to.");
         if (index++ < intervals && (well.Ticks <= 0 || well.Ticks > kMostTicks))
             add(ERule::Interval, "Ticks", std::to_string(well.Ticks) + ofWell, "a sample interval from 1 to 2147483647",
@@ -246,6 +246,15 @@ void JudgeWells(const std::vector<CRawDataChannelInfo>& wells, std::size_t inter
             add(ERule::FiniteUnits, "UnitsPerADs", std::string(CNumberText::General(well.UnitsPerAD).View()) + ofWell,
                 "a finite number", "Its samples have no values in physical units.");
     }
+}
+
+/// Returns what readers would make of a list value that isn't the text of the number `taken`.
+std::string MeaningOfValue(std::string_view value, const std::string& taken) {
+    if (value.empty()) return "Readers would skip it.";
+    if (value.find('\0') != std::string_view::npos) return "Readers would take only what precedes the first NUL.";
+    if (value.find_first_of(kSeparators) != std::string_view::npos)
+        return "Readers would split it into several values.";
+    return "Readers would take it for " + taken + ".";
 }
 
 }  // namespace
@@ -309,7 +318,7 @@ std::optional<CBreach> BreachOfList(const char* list, std::string_view taskName,
                            .key = list,
                            .found = Quoted(value),
                            .expected = "the decimal text of a whole number of 64 bits",
-                           .meaning = "Readers would take it for " + fault->taken + "."};
+                           .meaning = MeaningOfValue(value, fault->taken)};
     }
     return std::nullopt;
 }

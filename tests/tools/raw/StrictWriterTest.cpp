@@ -55,7 +55,7 @@ const std::vector<CHeaderMistake<CRawDataFileHdr>> kFileMistakes = {
 const std::vector<CHeaderMistake<CRawDataRecordingHdr>> kRecordingMistakes = {
     {[](auto& h) { h.TaskName = "Series:1"; }, R"(TaskName is "Series:1", expected)"},
     {[](auto& h) { h.TaskName = "a\tb"; }, R"(TaskName is "a\x09b", expected a text without control)"},
-    {[](auto& h) { h.WellChannels[1].ID = 11; }, "WellIDs is well 11 twice, expected each well once."},
+    {[](auto& h) { h.WellChannels[1].ID = 11; }, "WellIDs is a list with well 11 twice, expected each well once."},
     {[](auto& h) { h.WellChannels[0].Ticks = 0; },
      "Ticks is 0 for well 11, expected a sample interval from 1 to 2147483647."},
     {[](auto& h) { h.WellChannels[1].Ticks = -5; }, "Ticks is -5 for well 12, expected a sample interval from 1"},
@@ -93,9 +93,13 @@ const std::vector<CCallMistake> kCallMistakes = {
     {[](auto& w) {
          w.UpdateFileHdr("CompoundTest", {"", "1"});
      },
-     R"(CompoundTest is "", expected the decimal)"},
-    {[](auto& w) { w.UpdateFileHdr("PreQC", {"1\0"s}); }, R"(PreQC is "1\x00", expected the decimal)", ETrace::None},
-    {[](auto& w) { w.UpdateFileHdr("PreQC", {"1:2"}); }, R"(PreQC is "1:2", expected the decimal)", ETrace::None},
+     R"(CompoundTest is "", expected the decimal text of a whole number of 64 bits. Readers would skip it.)"},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {"1\0"s}); },
+     R"(PreQC is "1\x00", expected the decimal text of a whole number of 64 bits. Readers would take only what)",
+     ETrace::None},
+    {[](auto& w) { w.UpdateFileHdr("PreQC", {"1:2"}); },
+     R"(PreQC is "1:2", expected the decimal text of a whole number of 64 bits. Readers would split it into)",
+     ETrace::None},
     {[](auto& w) { w.UpdateFileHdr("PreQC", {""}); }, R"(PreQC is "", expected the decimal)", ETrace::None},
     {[](auto& w) { w.UpdateFileHdr("Series", {"1"}); }, R"(taskName is "Series", expected PreQC, CompoundTest)",
      ETrace::None},
