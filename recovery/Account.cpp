@@ -116,7 +116,7 @@ class CAccountant {
         CRemark remark{.reason = EReason::Cut,
                        .from = segment.begin,
                        .to = m_window.Size(),
-                       .wellID = segment.well,
+                       .wellID = WellOf(segment),
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
         remark.should = there > 0 && !m_keepCut ? 1 : 0;
@@ -178,7 +178,7 @@ class CAccountant {
         const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
         CRemark remark{.reason = otherwise, .from = m_end, .to = end};
         if (segment.whole < segment.damaged || segment.end > m_window.Size()) return remark;
-        if (!segment.noID) remark.wellID = segment.well;
+        remark.wellID = WellOf(segment);
         remark.form = segment.form;
         remark.cells = CellsAt(m_window, *segment.form, segment.Place()).damaged;
         const bool isOverlapped = end < m_window.Size() && segment.end + 2 * segment.size > end;
@@ -265,8 +265,10 @@ class CAccountant {
     /// Returns the offset in the input that a position points at.
     std::int64_t PlaceOf(std::int64_t position) const { return IsPosition(position) ? position - m_shift : position; }
 
+    /// Returns the well of a segment whose ID can be read.
     static std::optional<std::int32_t> WellOf(const CCandidate& candidate) {
-        return candidate.kind == EKind::Segment ? std::optional(candidate.well) : std::nullopt;
+        if (candidate.kind != EKind::Segment || candidate.noID) return std::nullopt;
+        return candidate.well;
     }
 
     /// Compares a position with the actual offset, which is what the new file gets. In an unfinished recording, -1 may
@@ -308,7 +310,7 @@ class CAccountant {
         CRemark remark{.reason = EReason::DamagedCells,
                        .from = segment.begin,
                        .to = piece.end,
-                       .wellID = segment.well,
+                       .wellID = WellOf(segment),
                        .form = segment.form,
                        .cells = cells.damaged,
                        .lost = cells.lost};

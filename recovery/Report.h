@@ -44,7 +44,7 @@ enum class EReason : std::uint8_t {
     MaybeEmpty,       ///< The input ends after the header of a recording.
     Ambiguous,        ///< Another explanation is nearly as good.
     OtherRecording,   ///< It and those after it may be of a recording whose header was lost before it.
-    OtherWell,        ///< It names this well, but by its times it is of well `value`.
+    OtherWell,        ///< It names this well, or none, but by its times it is of well `value`.
     Unlisted,         ///< The recording doesn't list this well, which has `count` segments.
     SharedTimes,      ///< `count` segments overlap others of this well; well `value`, if any, has none then.
     LostPages,        ///< Its samples here are whole pages of zeros, as after a power cut.

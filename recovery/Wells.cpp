@@ -339,7 +339,7 @@ class CRecordingWells {
                 .from = segment.position,
                 .to = segment.End(),
                 .recording = m_number,
-                .wellID = segment.wellID,
+                .wellID = segment.namesWell ? std::optional(segment.wellID) : std::nullopt,
                 .value = value,
                 .count = count};
     }

@@ -26,6 +26,9 @@ class CFindings {
 
     void Add(CFinding finding);
 
+    /// Adds the findings of another check of the file, but not those elsewhere.
+    void Add(CFindings findings);
+
     /// Counts a finding about something that wasn't chosen.
     void AddElsewhere() { ++m_elsewhere; }
     std::size_t Elsewhere() const { return m_elsewhere; }

@@ -9,6 +9,14 @@
 
 namespace vxfile {
 
+/// Returns what to do about a path with a backslash that couldn't be opened: the library separates folders by it on
+/// every system. Empty for other paths.
+inline std::string BackslashAdvice(const std::string& path) {
+    const std::string opened = vxfileio::helpers::NativePath(path);
+    if (opened == path) return {};
+    return ". A backslash separates folders, so this is " + opened + "; use a name without it.";
+}
+
 /// Opens a file for reading. Throws `CFailure`, with advice, if it can't be opened, or if it is a pipe or a device,
 /// which can only be read sequentially.
 inline void OpenInput(vxfileio::helpers::CFile& file, const std::string& path) {
@@ -22,7 +30,9 @@ inline void OpenInput(vxfileio::helpers::CFile& file, const std::string& path) {
         throw CFailure("Standard input is read from front to back alone; put it into a file and name that.");
     if (std::filesystem::is_directory(status))
         throw CFailure(path + " is a folder; name a file in it. vxfile verify checks whole folders.");
-    throw CFailure("Can't open " + path + ": " + file.Failure().error.message() + "; check the name and its rights.");
+    const std::string advice = BackslashAdvice(path);
+    throw CFailure("Can't open " + path + ": " + file.Failure().error.message() +
+                   (advice.empty() ? "; check the name and its rights." : advice));
 }
 
 }  // namespace vxfile

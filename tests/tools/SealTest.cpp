@@ -200,7 +200,9 @@ TEST_F(Seals, DistinguishAFileThatGrewFromOneThatWasCutOrReplaced) {
              {kTwo.substr(0, 7023), EState::Changed, 1, "CompoundTest 2 > well 12, times 500 to 500", "301 bytes"},
              {kTwo.substr(0, 6722), EState::Changed, 1, "CompoundTest 2 > well 12, times 500 to 500", "0 bytes"},
              {"", EState::Changed, 6, "file header", "0 bytes"},
-             {other, EState::Changed, 6, "CompoundTest 1 > header", "XXH3"}}) {
+             {other, EState::Changed, 6, "CompoundTest 1 > header", "XXH3"},
+             {ReadAll(VXFILEIO_REFERENCE_DIR "/small_example.vxd"), EState::OtherFile, 1, "file",
+              "4266 bytes, none of the samples"}}) {
         EXPECT_EQ(Check(c.bytes), c.state) << c.where;
         EXPECT_EQ(m_findings.Count(), c.findings) << c.where;
         EXPECT_EQ(m_findings.Kept().front().where, c.where);

@@ -110,8 +110,8 @@ std::string DoubtText(const CRemark& remark) {
             return "a recording header may be among the bytes lost before it: it and the segments after it may be of "
                    "another recording";
         case EReason::OtherWell:
-            return "the segment names this well, but by its times it is one of well " + std::to_string(remark.value) +
-                   ", where it is kept";
+            return std::string(remark.wellID ? "the segment names this well, but" : "the ID of the segment is lost;") +
+                   " by its times it is one of well " + std::to_string(remark.value) + ", where it is kept";
         case EReason::Unlisted:
             return "the recording doesn't list this well, which has " + Counted(remark.count, "segment") +
                    "; an ID may be damaged";

@@ -190,17 +190,16 @@ void CSealReader::CompareWithRewritten() {
         if (!isRead || there != text) RefuseDamage();
         compared += static_cast<std::int64_t>(text.size());
     };
-    std::string name;
     std::string kind;
     std::array<unsigned char, 32> sha256{};
     ReadVersion();
-    ReadMember("file", name);
+    ReadMember("file", m_name);
     ReadMember("kind", kind);
     ReadMember("size", m_size);
     std::string line;
     if (!ReadLine(line)) RefuseDamage();
     const std::int64_t parts = m_blockEnd - static_cast<std::int64_t>(m_block.size() - m_passed);
-    CSealWriter again(compare, name, kind, m_size);
+    CSealWriter again(compare, m_name, kind, m_size);
     for (CSealedPart part; Next(part);)
         again.Add(part);
     ReadMember("sha256", sha256);

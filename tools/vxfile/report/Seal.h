@@ -93,6 +93,8 @@ class CSealReader {
     /// Throws `CSealFailure` if the seal can't be read, isn't exactly as a writer writes it, or has a newer version.
     explicit CSealReader(const std::string& path);
 
+    /// Returns the name that the file had when it was sealed.
+    const std::string& Name() const { return m_name; }
     /// Returns the size of the sealed file.
     std::int64_t Size() const { return m_size; }
     /// Returns its SHA-256 as hexadecimal digits.
@@ -113,6 +115,7 @@ class CSealReader {
     std::string m_block;
     std::size_t m_passed = 0;     ///< The number of bytes of the block already used.
     std::int64_t m_blockEnd = 0;  ///< Offset of the byte after the block.
+    std::string m_name;
     std::int64_t m_size = 0;
     std::int64_t m_reached = 0;  ///< The end of the last part in the sealed file.
     std::string m_sha256;

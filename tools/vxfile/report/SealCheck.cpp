@@ -22,9 +22,8 @@ using EState = CSealVerdict::EState;
 /// One comparison.
 class CSealCheck {
  public:
-    /// The findings must outlive this.
-    CSealCheck(const std::string& path, CFindings& findings)
-        : m_reader(SealOf(path)), m_findings(findings), m_progress("Comparing " + path, m_reader.Size()) {
+    explicit CSealCheck(const std::string& path)
+        : m_reader(SealOf(path)), m_progress("Comparing " + path, m_reader.Size()) {
         OpenInput(m_file, path);
         m_fileSize = m_file.Size();
         m_size = std::min(m_fileSize, m_reader.Size());
@@ -37,6 +36,7 @@ class CSealCheck {
             Compare(part);
             m_progress.Reach(part.End());
         }
+        if (IsOfAnotherFile()) return ReportOtherFile();
         if (m_size == m_reader.Size()) CompareSha256();
         if (m_fileSize > m_reader.Size())
             Add("file", m_reader.Size(), Counted(static_cast<std::uint64_t>(m_fileSize), "byte"),
@@ -50,8 +50,25 @@ class CSealCheck {
     }
 
     std::int64_t SealedSize() const { return m_reader.Size(); }
+    CFindings& Findings() { return m_findings; }
 
  private:
+    /// Returns whether nothing agrees that two files of one instrument don't have in common. One part is too little to
+    /// tell another file from a changed one.
+    bool IsOfAnotherFile() const { return !m_hasSame && m_compared > 1; }
+
+    EState ReportOtherFile() {
+        m_findings = {};
+        Add("file", 0,
+            Counted(static_cast<std::uint64_t>(m_fileSize), "byte") +
+                ", none of the samples or blocks that were sealed",
+            Quoted(m_reader.Name()) + " of " + Counted(static_cast<std::uint64_t>(m_reader.Size()), "byte") +
+                ", SHA-256 " + m_reader.Sha256(),
+            "The seal is of another file, or this file was replaced. Look for the sealed file by its SHA-256; if this "
+            "is the right one, seal it again with 'vxfile seal --force'.");
+        return EState::OtherFile;
+    }
+
     void Add(std::string where, std::int64_t offset, std::string found, std::string expected, std::string meaning) {
         m_findings.Add({std::move(where), offset, std::move(found), std::move(expected), std::move(meaning)});
     }
@@ -70,6 +87,7 @@ class CSealCheck {
                            Counted(static_cast<std::uint64_t>(m_reader.Size() - m_size), "byte") +
                            "; take it from a copy.");
         }
+        NoteCompared(part, part.kind == CSealedPart::EKind::Segment ? samplesSum == part.samplesSum : sum == part.sum);
         if (sum != part.sum)
             AddChange(part.Name() + (isSegment ? " > header" : ""), part.offset, sum, part.sum,
                       isSegment ? "The header of this segment changed after it was sealed; take the file from a copy."
@@ -77,6 +95,13 @@ class CSealCheck {
         if (samplesSum != part.samplesSum)
             AddChange(part.Name() + " > samples", part.offset + part.headerLength, samplesSum, part.samplesSum,
                       "At least one of these samples changed after the file was sealed; take it from a copy.");
+    }
+
+    /// Headers of recordings aren't compared here: files of the same plan can have the same ones.
+    void NoteCompared(const CSealedPart& part, bool isSame) {
+        if (part.kind == CSealedPart::EKind::RecordingHeader) return;
+        ++m_compared;
+        m_hasSame = m_hasSame || isSame;
     }
 
     void AddChange(std::string where, std::int64_t offset, const CXxh3Sum& found, const CXxh3Sum& sealed,
@@ -95,13 +120,15 @@ class CSealCheck {
     }
 
     CSealReader m_reader;
-    CFindings& m_findings;
+    CFindings m_findings;
     CProgress m_progress;
     vxfileio::helpers::CFile m_file;
     std::int64_t m_fileSize = 0;
     std::int64_t m_size = 0;  ///< The sealed bytes that the file has.
     std::optional<CFileDigest> m_digest;
     bool m_isChanged = false;
+    std::size_t m_compared = 0;  ///< The number of parts that are whole and typical of the file,
+    bool m_hasSame = false;      ///< and whether one of them is as it was.
 };
 
 }  // namespace
@@ -114,13 +141,15 @@ std::string CSealVerdict::Words() const {
             return Yellow("grown since it was sealed");
         case EState::Changed:
             return Red("changed since it was sealed");
+        case EState::OtherFile:
+            return Red("its seal is of another file");
         default:
             return Yellow("its seal can't be used");
     }
 }
 
 CJson CSealVerdict::Json() const {
-    constexpr std::array<std::string_view, 4> kWords = {"intact", "grown", "changed", "unusable"};
+    constexpr std::array<std::string_view, 5> kWords = {"intact", "grown", "changed", "other", "unusable"};
     return {{"path", Utf8(seal)},
             {"state", kWords[static_cast<std::size_t>(state)]},
             {"sealedSize", state == EState::Unusable ? CJson() : CJson(sealedSize)}};
@@ -130,8 +159,9 @@ std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findin
     if (!HasSeal(path)) return std::nullopt;
     CSealVerdict verdict{.seal = SealOf(path)};
     try {
-        CSealCheck check(path, findings);
+        CSealCheck check(path);
         verdict.state = check.Run();
+        findings.Add(std::move(check.Findings()));
         verdict.sealedSize = check.SealedSize();
     } catch (const CSealFailure& failure) {
         findings.Add({"seal", -1, "a seal that can't be used", "a seal of version " + std::to_string(kSealVersion),

@@ -12,10 +12,11 @@ namespace vxfile {
 /// The result of comparing a file with its seal.
 struct CSealVerdict {
     enum class EState : std::uint8_t {
-        Intact,   ///< The file is unchanged since it was sealed.
-        Grown,    ///< It grew; the sealed bytes are intact.
-        Changed,  ///< Sealed bytes are changed or missing.
-        Unusable  ///< The seal can't be used.
+        Intact,     ///< The file is unchanged since it was sealed.
+        Grown,      ///< It grew; the sealed bytes are intact.
+        Changed,    ///< Sealed bytes are changed or missing.
+        OtherFile,  ///< The seal is of another file.
+        Unusable    ///< The seal can't be used.
     };
 
     std::string seal;  ///< The path of the seal.

@@ -10,6 +10,7 @@
 
 #include "tools/vxfile/system/Interrupt.h"
 #include "verify/Failure.h"
+#include "verify/OpenInput.h"
 #include "vxfileio/helpers/NumberText.h"
 
 using vxfileio::helpers::CReplacingFile;
@@ -54,9 +55,10 @@ std::optional<int> OpenNumberOf(const std::string& path) {
 }
 
 [[noreturn]] void RefuseCreating(const std::string& path, const std::error_code& error) {
-    const bool isTooLong = error == std::errc::filename_too_long;
-    throw CFailure("Can't create " + path + ": " + error.message() +
-                   (isTooLong ? "; give the file a shorter name." : "; choose another folder."));
+    std::string advice = BackslashAdvice(path);
+    if (advice.empty()) advice = "; choose another folder.";
+    if (error == std::errc::filename_too_long) advice = "; give the file a shorter name.";
+    throw CFailure("Can't create " + path + ": " + error.message() + advice);
 }
 
 /// `error` is the system's number, or 0 if unknown. An interruption isn't a refusal.
