@@ -711,12 +711,14 @@ static void name_columns(void) {
         {"task", "recording", "dose", "dose_text", "well", "label", "beat", "time", "interval"},
         {"task", "recording", "dose", "dose_text", "well", "label", "sample", "time", "value"},
     };
-    vx_document* const results = open_document(VX_RESULTS, "xml/results.vxr");
+    vx_document* const results = open_document(VX_RESULTS, "two_tasks.vxr");
     int32_t kind;
     for (kind = VX_TABLE_RESPONSES; kind <= VX_TABLE_AVERAGES; ++kind) {
         vx_table* table = NULL;
-        int64_t rows, count, i;
+        int64_t rows, count = 20, i, doses[20];
         WORKS(vx_table_open(&table, results, kind));
+        WORKS(vx_table_get_int64s(table, 2, doses, &count));
+        EXPECT(doses[0] == 1000 && doses[count - 1] == (kind == VX_TABLE_MEANS ? 25000 : 0));
         WORKS(vx_table_get_size(table, &rows, &count));
         EXPECT(rows > 0 && count == (kind == VX_TABLE_MEANS ? 8 : 9));
         for (i = 0; i < count; ++i) {

@@ -262,6 +262,16 @@ std::string LostIn(const std::string& bytes, std::int64_t begin, std::int64_t en
     return text;
 }
 
+TEST(WindowTest, NamesTheFirstByteThatCannotBeRead) {
+    const CStringInput input(std::string(5000, 'x'));
+    try {
+        CWindow(input, 9000).At(4000, 100);
+        FAIL();
+    } catch (const CReadFailure& failure) {
+        EXPECT_EQ(failure.Position(), 5000);
+    }
+}
+
 TEST(LostPagesTest, LostPagesAreWholePagesOfZerosAfterANonzeroSample) {
     const std::string full(20'000, 'x');
     const auto zeros = [&](std::size_t from, std::size_t to) {

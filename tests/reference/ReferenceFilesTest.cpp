@@ -24,9 +24,22 @@
 namespace {
 
 constexpr std::array kNames = {
-    "small_example",      "no_recordings",        "not_ours",        "several_recordings", "unfinished",
-    "version_1",          "awkward_text",         "foreign_numbers", "backwards",          "cut_samples",
-    "circle_of_segments", "circle_of_recordings", "too_many_wells",  "cut_header",         "damaged_segments",
+    "small_example",
+    "no_recordings",
+    "not_ours",
+    "several_recordings",
+    "two_tasks",
+    "unfinished",
+    "version_1",
+    "awkward_text",
+    "foreign_numbers",
+    "backwards",
+    "cut_samples",
+    "circle_of_segments",
+    "circle_of_recordings",
+    "too_many_wells",
+    "cut_header",
+    "damaged_segments",
 };
 
 std::string FailureLine(const CExcVXReader& failure) {

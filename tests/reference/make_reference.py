@@ -177,6 +177,25 @@ def several_recordings():
                       (last, BAD_SEGMENT_HEADER))
 
 
+def two_tasks():
+    """Tasks, doses, wells, intervals and scales that all differ, so that a mix-up shows."""
+    header = file_header(PlateID=b"P7", CompoundID=3, PreQC=[0], CompoundTest=[1000, 25000])
+    a1, a2, b1 = Channel(1, 100, 0.25, 32768), Channel(2, 50, 1e-03, 100), Channel(3, 20, -2.0, 7)
+    check = recording(3650, 4564, b"PreQC", wells=[a1, a2], aux=[Channel(9, 10, 0.5, 3)], Dose=0, RecordingTime=400)
+    low = recording(7024, 7632, b"Series", 1, [b1, a1], RecordingStartTime=2000000, RecordingTime=200)
+    high = recording(10092, -1, b"Series", 2, [a1, Channel(2, 200, 0.001, 100), Channel(3, 20, -2.0, 9)], Dose=25000,
+                     RecordingStartTime=3500000, RecordingTime=600)
+    parts = ((check, segment(1, 0, 200, 40000, 32760, 65535), segment(2, 0, 50, 101, 99), segment(1, 300, 400, 6, 0)),
+             (low, segment(3, 20, 60, 30, 40, 50), segment(1, 100, 100, 20)),
+             (high, segment(2, 0, 400, 70, 80, 90), segment(3, 40, 60, 60, 61)))
+    data = encode_file_header(header)
+    for item, *segments in parts:
+        data += encode_recording(item)
+        for one in segments:
+            data += encode_segment(one, -1 if one is segments[-1] else len(data) + 300 + 2 * len(one.samples))
+    return data, twin(header, *parts)
+
+
 def unfinished():
     """The writer died: no position points to the two complete segments of the last recording."""
     header = file_header()
@@ -321,7 +340,7 @@ def too_many_wells():
     return encode_file_header(file_header()) + raw, refused(BAD_RECORDING_HEADER)
 
 
-FILES = (small_example, no_recordings, not_ours, several_recordings, unfinished, version_1, awkward_text,
+FILES = (small_example, no_recordings, not_ours, several_recordings, two_tasks, unfinished, version_1, awkward_text,
          foreign_numbers, backwards, circle_of_recordings, circle_of_segments, cut_samples, cut_header,
          damaged_segments, too_many_wells)
 

@@ -30,6 +30,9 @@ FILES = {
     "shuffled.vxr": "xml/results_shuffled.vxr",
     "small.xls": "workbooks/small.xls",
     "other.txt": "small_example.txt",
+    "two.vxd": "two_tasks.vxd",
+    "two.vxr": "two_tasks.vxr",
+    "two.vxs": "two_tasks.vxs",
 }
 
 

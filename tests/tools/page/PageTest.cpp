@@ -193,18 +193,19 @@ TEST(TraceReader, HasAGapWhereAFileIsCut) {
 
 TEST(TraceReader, NotesTheFirstWellThatAHeaderDoesNotList) {
     const CTempFolder folder;
-    WriteAll(folder.Path("run.vxd"), FileOf({{{11, 0, {1}}, {13, 0, {2}}, {14, 0, {3}}, {15, 0, {4}}}}));
+    const CSegmentTexts segments = {{11, 0, {1}}, {13, 0, {2}}, {14, 0, {3}}, {15, 0, {4}}};
+    WriteAll(folder.Path("run.vxd"), FileOf({segments, segments}));
     CPlateValues values;
     values.wells.resize(3);
     for (std::size_t i = 0; i < 3; ++i)
-        values.wells[i].id = static_cast<std::int32_t>(11 + 2 * i);  // 11, 13 and 15; the header lists 11 and 12
-    values.recordings = {{"CompoundTest", 1000, "", "A"}};
+        values.wells[i].id = static_cast<std::int32_t>(11 + 2 * i);  // 11, 13 and 15; the headers list 11 and 12
+    values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
     ReadTraces(values, folder.Path("run.vxd"));
     EXPECT_EQ(StepsOf(values.traces[0][1]), "2..2 ");
-    EXPECT_EQ(values.notes,
-              (std::vector<std::string>{"The header of the recording of A doesn't list each well that has samples; the "
-                                        "first is well 13. Traces without units are in AD steps. Run 'vxfile verify' "
-                                        "on the file."}));
+    ASSERT_EQ(values.notes.size(), 2U);
+    EXPECT_EQ(values.notes[1],
+              "The header of the recording of B doesn't list each well that has samples; the first is "
+              "well 13. Traces without units are in AD steps. Run 'vxfile verify' on the file.");
 }
 
 TEST(TraceReader, NotesWellsWhoseUnitsAreNoNumber) {
@@ -284,6 +285,8 @@ TEST(Numbers, AreShortOrExact) {
     EXPECT_EQ(ExactText(kNaN), "nan");
     EXPECT_EQ(RoundedText(1.2345, 2), "1.23");
     EXPECT_EQ(RoundedText(-1e300, 2), "-1e+300");
+    EXPECT_EQ(RoundedText(999'999'999, 0), "999999999");
+    EXPECT_EQ(RoundedText(1e9, 0), "1e+09");
     EXPECT_EQ(DecimalsFor(1.41), 2);
     EXPECT_EQ(DecimalsFor(0.0016), 5);
     EXPECT_EQ(DecimalsFor(247'242), 0);
@@ -311,6 +314,7 @@ TEST(Chart, PutsDosesAtTheirLogarithmAndTheControlApart) {
     EXPECT_GT(axis.PlaceOf(1'000), axis.Begin());
     EXPECT_NEAR(axis.PlaceOf(10'000) - axis.PlaceOf(1'000), axis.PlaceOf(100'000) - axis.PlaceOf(10'000), 1e-9);
     EXPECT_LT(axis.PlaceOf(100'000), CChartArea::kRight);
+    EXPECT_EQ(CDoseAxis({{"", 7, "", ""}}).PlaceOf(7), (CChartArea::kLeft + CChartArea::kRight) / 2);
 }
 
 TEST(Chart, PutsValuesBetweenTopAndBottom) {
