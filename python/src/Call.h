@@ -7,6 +7,7 @@
 #include <future>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <utility>
 
 #include "vxfileio/base/ExcVXReader.h"
@@ -45,13 +46,31 @@ auto WithPath(const std::string& path, Work work) {
 }
 
 /// Does the same without the interpreter's lock.
+///
+/// When the interpreter exits, taking the lock ends all threads but the main one. That unwinds the stack, which mustn't
+/// begin in a destructor, so a `py::gil_scoped_release` would abort the program here.
 template <class Work>
 auto WithoutLock(const std::string& path, Work work) {
-    const py::gil_scoped_release release;
-    return WithPath(path, std::move(work));
+    PyThreadState* const thread = PyEval_SaveThread();
+    const auto call = [&] {
+        try {
+            return WithPath(path, std::move(work));
+        } catch (...) {
+            PyEval_RestoreThread(thread);
+            throw;
+        }
+    };
+    if constexpr (std::is_void_v<decltype(call())>) {
+        call();
+        PyEval_RestoreThread(thread);
+    } else {
+        auto result = call();
+        PyEval_RestoreThread(thread);
+        return result;
+    }
 }
 
-/// Throws if Ctrl-C was pressed. Has an effect only in the main thread.
+/// Throws if Ctrl-C was pressed. Only for the main thread, which handles signals; it may be without the lock.
 void CheckSignals();
 
 /// Returns whether the caller is the thread that handles signals.

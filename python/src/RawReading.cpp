@@ -2,6 +2,7 @@
 #include <pybind11/stl.h>
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -71,11 +72,12 @@ py::array_t<std::int64_t> TimesOf(const CNamedSelection& named, std::size_t well
     const CWellSamples& samples = named.selection.GetWells().at(well);
     py::array_t<std::int64_t> times(static_cast<py::ssize_t>(samples.Samples));
     std::int64_t* to = times.mutable_data();
-    const py::gil_scoped_release release;
-    for (const CSampleRun& run : samples.Runs) {
-        for (std::uint64_t i = 0; i < run.Samples; ++i)
-            *to++ = TimeOf(run, i);
-    }
+    WithoutLock(named.path, [&] {
+        for (const CSampleRun& run : samples.Runs) {
+            for (std::uint64_t i = 0; i < run.Samples; ++i)
+                *to++ = TimeOf(run, i);
+        }
+    });
     return times;
 }
 
@@ -86,11 +88,12 @@ void Read(const CNamedSelection& named, const std::vector<py::array_t<Sample, py
     buffers.reserve(arrays.size());
     for (auto array : arrays)
         buffers.emplace_back(array.mutable_data(), static_cast<std::size_t>(array.size()));
+    const std::function<void()> check = IsMainThread() ? CheckSignals : [] {};
     WithoutLock(named.path, [&] {
         if constexpr (std::is_same_v<Sample, double>) {
-            named.selection.ReadScaled(buffers, CheckSignals);
+            named.selection.ReadScaled(buffers, check);
         } else {
-            named.selection.Read(buffers, CheckSignals);
+            named.selection.Read(buffers, check);
         }
     });
 }

@@ -6,6 +6,7 @@ import itertools
 import os
 import pathlib
 import re
+import subprocess
 import sys
 import threading
 import time
@@ -108,6 +109,32 @@ def test_reading_and_writing_release_the_lock(name, tmp_path):
 
 def test_a_function_that_keeps_the_lock_would_be_noticed():
     assert not lets_others_run(lambda: _vxfileio.dose_text(1), 0.2)
+
+
+@pytest.mark.parametrize("call", ["recording.read()", "recording.times(11)", "refused(lambda: vx.RawWriter('none/none'))"])
+def test_threads_may_still_run_when_the_program_exits(call):
+    program = f"""
+import threading, time
+import vxfileio as vx
+
+recording = vx.open({str(REFERENCE / "small_example.vxd")!r}).recordings[0]
+
+def refused(call):
+    try:
+        call()
+    except OSError:
+        pass
+
+def repeat():
+    while True:
+        {call}
+
+for _ in range(3):
+    threading.Thread(target=repeat, daemon=True).start()
+time.sleep(0.3)
+"""
+    ended = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True, timeout=60)
+    assert (ended.returncode, ended.stderr) == (0, "")
 
 
 def test_stubs_have_the_functions_of_the_binding_and_their_arguments():
