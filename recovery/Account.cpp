@@ -148,8 +148,9 @@ class CAccountant {
             return Lose(
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
         Lose(Unused(EReason::NoHeader, begin));
-        const bool hasRoom = begin - m_end >= FormOf(EKind::Recording, candidate.form->layout).size;
-        if (candidate.kind == EKind::Segment && (hasRoom || NextRecordingIn(begin)))
+        const std::int64_t lost = begin - m_end + (piece.hasOwnShift ? piece.ownShift - m_shift : 0);
+        const bool hasRoom = lost >= FormOf(EKind::Recording, candidate.form->layout).size;
+        if (candidate.kind == EKind::Segment && (hasRoom || lost < 0 || NextRecordingIn(begin)))
             DoubtPiece(EReason::OtherRecording, piece);
     }
 

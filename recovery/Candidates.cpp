@@ -250,7 +250,7 @@ std::int64_t CWellList::CommonTick() const {
 }
 
 std::optional<std::int64_t> CCandidate::OwnShift() const {
-    if (!IsWhole() || !IsPosition(next)) return std::nullopt;
+    if (noSize || !IsPosition(next)) return std::nullopt;
     if (kind == EKind::File) return -begin;
     return next - end + moved - (kind == EKind::Segment ? 2 * size : 0);
 }

@@ -28,6 +28,7 @@ struct CNode {
     std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
     std::shared_ptr<CNode> parent;
+    std::int64_t shiftBefore = kLost;       ///< The shift before the last gap that explains another one.
     bool goesOn = false;                    ///< It continues after a file within samples.
     const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
@@ -140,7 +141,8 @@ class CExplainer {
                    (inner.IsLastSegment() || !WellsOf(inner).Lists(candidate.well));
         const auto shift = candidate.OwnShift();
         const std::int64_t next = node.Candidate().next;
-        return shift && (shift == node.piece.shift || (IsPosition(next) && candidate.begin + *shift >= next));
+        return candidate.IsWhole() && shift &&
+               (shift == node.piece.shift || (IsPosition(next) && candidate.begin + *shift >= next));
     }
 
     /// Adds a way that ends later. If too many wait for their end, the last one to end is dropped.
@@ -159,6 +161,8 @@ class CExplainer {
         if (end > candidate.claim) return;
         CNode node{
             .piece = {.candidate = &candidate}, .parent = parent, .file = parent->file, .recording = parent->recording};
+        node.shiftBefore =
+            candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
         node.cost = parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
@@ -191,9 +195,10 @@ class CExplainer {
         if (node.recording != nullptr) OfferReadings(node, same);
         if (node.recording != nullptr && same == 0) return;
         if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
+        const int lost = LostRecordingCost(node);
         node.piece.lostRecording = true;
         node.recording = &kLostRecording;
-        OfferReadings(node, LostRecordingCost(node));
+        OfferReadings(node, lost);
     }
 
     static bool HasRecordingHdr(const CNode& node) {
@@ -289,9 +294,10 @@ class CExplainer {
         Offer(wrong);
         if (!node.piece.hasOwnShift) return;
         const std::int64_t by = node.piece.ownShift - shift;
-        const bool isByGap =
-            node.gap > 0 && (by == -node.gap || by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
+        const bool isByGap = node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
+                                              by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
         node.cost += isByGap ? costs::kShiftByGap : costs::kShift;
+        if (isByGap) node.shiftBefore = shift;
         node.piece.shift = node.piece.ownShift - moved;
         Offer(node);
     }
@@ -339,18 +345,26 @@ class CExplainer {
         return cost;
     }
 
+    /// Returns whether the current recording header seems to be of another file: a segment doesn't fit it, and has the
+    /// shift that positions had before that header.
+    bool IsHeaderForeign(const CNode& node) const {
+        const auto shift = HasRecordingHdr(node) ? node.recording->OwnShift() : std::nullopt;
+        return shift && shift != node.shiftBefore && node.Candidate().OwnShift() == node.shiftBefore && IsForeign(node);
+    }
+
     /// Returns how many bytes are missing before a segment by its own position; negative if there are too many.
     static std::int64_t MissingBefore(const CNode& node) {
         const std::int64_t shift = node.parent->piece.shift;
         return node.Candidate().OwnShift().value_or(shift) - shift;
     }
 
-    static int LostRecordingCost(const CNode& node) {
+    int LostRecordingCost(const CNode& node) const {
         const bool hasRoom =
             node.gap + MissingBefore(node) >= static_cast<std::int64_t>(Layouts().front().recording.size);
-        const bool hasEnded = node.parent->IsLastSegment() && node.gap > 0;
+        const bool hasEnded = node.parent->IsLastSegment() && (node.gap > 0 || MissingBefore(node) != 0);
         const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
-        return (hasRoom || hasEnded || isFirst ? costs::kLostRecording : costs::kForcedRecording) +
+        return (hasRoom || hasEnded || isFirst || IsHeaderForeign(node) ? costs::kLostRecording
+                                                                        : costs::kForcedRecording) +
                (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
     }
 
