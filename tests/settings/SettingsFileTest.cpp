@@ -124,4 +124,26 @@ TEST_F(SettingsFileTest, OnlyFailureToOpenThrows) {
     EXPECT_EQ(header.FileType, "X");
 }
 
+TEST_F(SettingsFileTest, TextsThatANulCutsAreReported) {
+    using std::string_literals::operator""s;
+    const std::string cut = ": the text has a NUL, and only what precedes it was written";
+    const std::string path = m_folder.Path("nul.vxs");
+    CPropNotebook notebook;
+    notebook.Comment = "ab\0cd"s;
+    m_writer.SetNotebookProperty(notebook);
+    m_writer.WriteFile(path);
+    EXPECT_EQ(m_writer.GetWriteError(), "Vexaprobe/Settings/PropertyNotebook/Comment" + cut);
+    EXPECT_NE(ReadAll(path).find("<Comment>ab</Comment>"), std::string::npos);
+    CPropRobot robot;
+    robot.RobotConfig.TroughMediumNames = {"\0"s, "\0"s};
+    m_writer.SetRobotProperty(robot);
+    m_writer.WriteFile(path);
+    EXPECT_EQ(m_writer.GetWriteError(),
+              "Vexaprobe/Settings/PropertyNotebook/Comment" + cut + ", and 2 more texts in this way");
+    m_writer.SetNotebookProperty({});
+    m_writer.SetRobotProperty({});
+    m_writer.WriteFile(path);
+    EXPECT_EQ(m_writer.GetWriteError(), "");
+}
+
 }  // namespace

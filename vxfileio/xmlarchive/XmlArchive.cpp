@@ -102,6 +102,7 @@ bool CXmlFileArchive::ListHasEntries() { return m_reader->ReadListClaim() > 0; }
 void CXmlFileArchive::GetSamples(std::vector<double>& samples) { m_reader->ReadSamples(samples); }
 
 void CXmlFileArchive::NoteText(XmlFault kind, std::span<const std::string_view> words) {
+    if (m_stores) return m_writer->NoteCutText();
     m_reader->NoteText(kind, words);
 }
 
@@ -109,7 +110,9 @@ void CXmlFileArchive::NoteMissingKey(std::string_view key) { m_reader->NoteMissi
 
 void CXmlFileArchive::CountEntries() { m_reader->MakeList(XmlReader::kAnyNumber); }
 
-std::string CXmlFileArchive::Finish(std::string_view section) { return m_reader->Finish(section); }
+std::string CXmlFileArchive::Finish(std::string_view section) {
+    return m_stores ? m_writer->CutTexts() : m_reader->Finish(section);
+}
 
 std::uint32_t CXmlFileArchive::ElementState() const noexcept {
     return m_stores ? m_writer->State() : m_reader->State();

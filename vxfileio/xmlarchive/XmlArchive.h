@@ -141,7 +141,7 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     void GetSamples(std::vector<double>& samples);
 
     /// Reports that the text of the current element isn't a value of its kind, for the text of `Finish`. `words` are
-    /// those that it could be.
+    /// those that it could be. Storing: reports that the text has a NUL.
     void NoteText(XmlFault kind, std::span<const std::string_view> words = {});
 
     /// Reports that the current element is in place of the key with this tag, if there is an element.
@@ -152,7 +152,8 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
 
     /// Moves past the end of the root. Returns sentences that describe what was wrong with the document, or an empty
     /// text if nothing was: another kind of file; no section with the tag `section`, which must be the last that was
-    /// read; and the first of each kind of fault, with its path and offset.
+    /// read; and the first of each kind of fault, with its path and offset. Storing: returns a sentence about the texts
+    /// that have a NUL.
     std::string Finish(std::string_view section);
 
     // ---- Both -------------------------------------------------------------------------------------------------------

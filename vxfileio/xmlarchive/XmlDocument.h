@@ -19,7 +19,7 @@ inline constexpr std::string_view kXmlVersion = "version=\"1.0\"";
 
 /// Writes a document whose root holds what `save(archive)` writes. Replaces a file of that name once the document is
 /// complete; until then the old file stays unchanged. Afterwards `writeError` is empty, or describes the first failure
-/// or the exception that ended the document.
+/// or the exception that ended the document, and the texts that a NUL cut.
 template <class Save>
 void WriteDocument(const std::string& path, std::string_view openFailed, std::string& writeError, Save save) {
     writeError = "Not finished: " + path;
@@ -35,6 +35,8 @@ void WriteDocument(const std::string& path, std::string_view openFailed, std::st
     archive.CloseElement();
     archive.FlushBuffer();
     writeError = file.Commit();
+    const std::string cut = archive.Finish({});
+    writeError += (writeError.empty() || cut.empty() ? "" : "; ") + cut;
 }
 
 /// Processes the events of a section, up to its end tag, or to its start tag if it is empty.

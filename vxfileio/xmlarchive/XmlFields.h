@@ -80,6 +80,12 @@ inline constexpr CXmlElement kElementOf{
 
 // ---- Single values --------------------------------------------------------------------------------------------------
 
+/// Writes a text. Reports one with a NUL, since only what precedes it is written.
+inline void PutText(CXmlFileArchive& archive, const std::string& text) {
+    archive.PutValue(text);
+    if (text.find('\0') != std::string::npos) archive.NoteText(gd_xml_stream::XmlFault::CutText);
+}
+
 /// Writes one value: an enumeration as its word, a character as a text.
 template <class Value>
 void PutPlain(CXmlFileArchive& archive, const Value& value) {
@@ -87,6 +93,8 @@ void PutPlain(CXmlFileArchive& archive, const Value& value) {
         archive.PutValue(std::string(base::WordOf(value)));
     } else if constexpr (std::is_same_v<Value, char>) {
         archive.PutValue(std::string(1, value));
+    } else if constexpr (std::is_same_v<Value, std::string>) {
+        PutText(archive, value);
     } else {
         archive.PutValue(value);
     }
@@ -181,7 +189,7 @@ struct CTextField {
 
     constexpr CXmlElement Element() const noexcept { return {.tag = tag}; }
     const std::string& Value(const Object& object) const noexcept { return object.*member; }
-    void Put(CXmlFileArchive& archive, const Object& object) const { archive.PutValue(object.*member); }
+    void Put(CXmlFileArchive& archive, const Object& object) const { PutText(archive, object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const { object.*member = archive.GetText(); }
 };
 template <class Object>

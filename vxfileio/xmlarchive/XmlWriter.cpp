@@ -114,6 +114,18 @@ void XmlWriter::PutSamples(const std::vector<double>& samples) {
     append();
 }
 
+void XmlWriter::NoteCutText() {
+    if (m_cuts++ > 0) return;
+    for (std::size_t depth = 0; depth < m_open.Size(); ++depth)
+        m_firstCut.append(depth == 0 ? "" : "/").append(m_open.At(depth));
+}
+
+std::string XmlWriter::CutTexts() const {
+    if (m_cuts == 0) return {};
+    const std::string others = m_cuts == 1 ? "" : ", and " + std::to_string(m_cuts - 1) + " more texts in this way";
+    return m_firstCut + ": the text has a NUL, and only what precedes it was written" + others;
+}
+
 void XmlWriter::CloseElement() {
     if (m_open.IsEmpty()) return;
     if ((m_state & (XmlState::kHasText | XmlState::kHasChildren)) != 0) {

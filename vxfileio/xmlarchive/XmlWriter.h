@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,6 +33,11 @@ class XmlWriter {
     void PutSamples(const std::vector<double>& samples);
     void CloseElement();
 
+    /// Notes that a NUL ended the text of the current element.
+    void NoteCutText();
+    /// Returns a sentence about the first of these texts, with its path, and the number of others; empty without them.
+    std::string CutTexts() const;
+
     /// State bits of the current element.
     std::uint32_t State() const { return m_state; }
 
@@ -53,6 +59,8 @@ class XmlWriter {
     XmlNameStack m_open;
     std::vector<std::uint32_t> m_outerStates;  ///< The states of the enclosing elements, innermost last.
     std::uint32_t m_state = 0;
+    std::string m_firstCut;  ///< The path of the first element whose text a NUL ended,
+    std::size_t m_cuts = 0;  ///< and the number of all.
 };
 
 }  // namespace gd_xml_stream

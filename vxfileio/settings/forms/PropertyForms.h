@@ -19,7 +19,7 @@ struct CVoltageRangeField : xmlarchive::CTextField<CPropRecording> {
 
     void Put(CXmlFileArchive& archive, const CPropRecording& recording) const {
         const std::string& range = recording.VoltageRange;
-        archive.PutValue(range.starts_with(kPlusMinus) ? range.substr(kPlusMinus.size()) : range);
+        xmlarchive::PutText(archive, range.starts_with(kPlusMinus) ? range.substr(kPlusMinus.size()) : range);
     }
 };
 
