@@ -108,10 +108,11 @@ class CExplainer {
         for (const CNodePtr& parent : m_open) {
             if (parent->cost > most) break;
             Follow(parent, candidate);
-            if (candidate.kind != EKind::File) FollowAround(*parent, candidate);
             const bool isFree = !m_offers.empty() && m_offers.front().piece.hasOwnShift &&
                                 m_offers.front().cost == parent->cost + costs::kHeader;
             if (isFree) most = std::min(most, parent->cost + costs::kNearlyEqual);
+            if (candidate.kind != EKind::File && parent->cost + costs::kFileWithin <= most)
+                FollowAround(*parent, candidate);
         }
         for (const CNode& offer : m_offers)
             Add(std::make_shared<CNode>(offer));
