@@ -3,14 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 #include <sstream>
 
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
-#include "tests/tools/ToolRun.h"
 #include "tools/vxfile/page/Assets.h"
 #include "tools/vxfile/page/Chart.h"
 #include "tools/vxfile/page/Colours.h"
@@ -24,13 +21,10 @@
 #include "tools/vxfile/page/Trace.h"
 #include "tools/vxfile/page/TraceReader.h"
 #include "verify/Failure.h"
-#include "verify/WholeText.h"
 #include "verify/raw/RawVerify.h"
 
 namespace vxfile::page {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -380,16 +374,6 @@ TEST_F(PlateValues, ComputesMeansOfMeasuredValuesAndReadsNormalizedOnesFromTheFi
     EXPECT_EQ(measured.greatest, 6.0);
 }
 
-TEST_F(PlateValues, HaveNoDeviationOfOneWell) {
-    Make({"A1"}, {0});
-    const CPlateValues values = Values();
-    EXPECT_EQ(values.measures.at(0).means.at(0)->wells, 1U);
-    EXPECT_EQ(values.measures.at(0).means.at(0)->deviation, std::nullopt);
-    const std::string page = PlatePage(values);
-    EXPECT_EQ(page.find("± 0"), std::string::npos);
-    EXPECT_NE(page.find("<td>1</td><td>–</td><td>1</td>"), std::string::npos);  // mean, deviation, wells
-}
-
 TEST_F(PlateValues, NamesDosesOfAnySizeAndTheTaskOnlyIfThereAreSeveral) {
     Make({"A1"}, {0, 10'000, std::numeric_limits<std::uint64_t>::max()});
     const CPlateValues values = Values();
@@ -479,160 +463,6 @@ TEST_F(PlateValues, MakeAPageWithoutAnyWell) {
     EXPECT_EQ(page, PlatePage(Values()));
 }
 
-class ReportCommand : public testing::Test {
- protected:
-    static std::string Reference(const std::string& name) { return VXFILEIO_REFERENCE_DIR "/xml/" + name; }
-
-    std::string PageText() const { return ReadAll(page); }
-    std::string Own(const std::string& name) const { return m_folder.Path(name); }
-
-    const CTempFolder m_folder;
-    const std::string page = Own("page.html");
-};
-
-TEST_F(ReportCommand, WritesThePageAndNamesNoFolder) {
-    const CToolRun run =
-        RunTool({"report", Reference("results.vxr"), "--settings", Reference("settings.vxs"), "-o", page});
-    EXPECT_NE(run.status, 2) << run.err;
-    EXPECT_NE(PageText().find("results.vxr"), std::string::npos);
-    EXPECT_EQ(PageText().find(VXFILEIO_REFERENCE_DIR), std::string::npos);
-}
-
-TEST_F(ReportCommand, LabelsWellsAsTheResultsDoIfTheSettingsDiffer) {
-    std::string text = ReadAll(Reference("results.vxr"));
-    WriteAll(Own("run.vxr"), text.replace(text.find("<WellLabel>A1<"), 14, "<WellLabel>Zulu<"));
-    RunTool({"report", Own("run.vxr"), "--settings", Reference("settings.vxs"), "-o", page});
-    EXPECT_NE(PageText().find("Zulu"), std::string::npos);
-}
-
-TEST_F(ReportCommand, ReplacesAPageOnlyIfToldTo) {
-    std::ofstream(page) << "old";
-    EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "-o", page}).status, 2);
-    EXPECT_EQ(PageText(), "old");
-    EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "-o", page, "--force"}).status, 0);
-    EXPECT_NE(PageText(), "old");
-}
-
-TEST_F(ReportCommand, SaysOnThePageAndByItsStatusThatAFileIsCut) {
-    const std::string cut = Own("cut.vxr");
-    fs::copy_file(Reference("results.vxr"), cut);
-    fs::resize_file(cut, fs::file_size(cut) / 2);
-    const CToolRun run = RunTool({"report", cut, "-o", page});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.err.find("cut.vxr: 1 finding: Vexaprobe/Results[0]/"), std::string::npos) << run.err;
-    EXPECT_NE(PageText().find("class=\"unsound\""), std::string::npos);
-}
-
-TEST_F(ReportCommand, ShowsTheResultsIfTheRecordingCannotBeRead) {
-    const std::string recording = Own("run.vxd");
-    fs::copy_file(VXFILEIO_REFERENCE_DIR "/small_example.vxd", recording);
-    EXPECT_EQ(RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page}).status, 1)
-        << "the file is sound, but has other recordings";
-    fs::resize_file(recording, 1240);  // within the first recording header
-    const CToolRun run = RunTool({"report", Reference("results.vxr"), "--raw", recording, "-o", page, "--force"});
-    EXPECT_EQ(run.status, 1) << run.err;
-    EXPECT_NE(PageText().find(fs::path(recording).filename().string() +
-                              ": Error reading Recording Header (no signal is shown; run"),
-              std::string::npos);
-}
-
-TEST_F(ReportCommand, UsesFilesNextToTheResultsOnlyIfTheyHaveTheGuid) {
-    const std::string results = Own("run.vxr");
-    const std::string settings = Own("other.VXS");
-    fs::copy_file(Reference("settings.vxs"), settings);  // its Guid is {0123}
-    for (const auto& [guid, isUsed] : {std::pair{"0123", true}, {"0124", false}, {"", false}}) {
-        std::string text = ReadWholeText(Reference("results.vxr"));
-        text.replace(text.find("<Guid></Guid>"), 13, "<Guid>" + std::string(guid) + "</Guid>");
-        std::ofstream(results, std::ios::binary) << text;
-        EXPECT_EQ(RunTool({"report", results, "-o", page, "--force"}).status, 0);
-        EXPECT_EQ(PageText().find("settings file") != std::string::npos, isUsed) << guid;
-        EXPECT_EQ(RunTool({"report", results, "-o", settings, "--force"}).status, isUsed ? 2 : 0) << guid;
-        std::ofstream(settings, std::ios::binary) << ReadWholeText(Reference("settings.vxs"));
-    }
-    EXPECT_EQ(RunTool({"report", results, "--settings", Reference("settings.vxs"), "-o", page, "--force"}).status, 0);
-    EXPECT_NE(PageText().find("settings file"), std::string::npos);
-}
-
-/// A folder with two plates, and a folder for the pages.
-class FolderReport : public ReportCommand {
- protected:
-    void SetUp() override {
-        fs::create_directories(folder);
-        fs::copy_file(Reference("results.vxr"), fs::path(folder) / "a.vxr");
-        fs::copy_file(Reference("results.vxr"), fs::path(folder) / "b.vxr");
-    }
-
-    std::string Path(const std::string& name) const { return (fs::path(folder) / name).string(); }
-    CToolRun Run() const { return RunTool({"report", folder, "-o", Path("pages")}); }
-
-    const std::string folder = Own("plates");
-};
-
-TEST_F(FolderReport, MakesOnlyPagesThatAreMissingOrWhoseFilesHaveChanged) {
-    EXPECT_NE(Run().out.find("2 plates, 2 pages made"), std::string::npos);
-    std::ofstream(Path("pages/a.html")) << "kept";
-    EXPECT_NE(Run().out.find("2 plates, 0 pages made"), std::string::npos);
-    EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "kept");
-    fs::remove(Path("pages/b.html"));
-    EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
-    EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "kept");
-    std::string text = ReadWholeText(Path("a.vxr"));
-    text.replace(text.find(">C1<"), 4, ">C2<");
-    std::ofstream(Path("a.vxr"), std::ios::binary) << text;
-    EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
-    EXPECT_NE(ReadWholeText(Path("pages/a.html")), "kept");
-    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("<td>C2</td>"), std::string::npos);
-}
-
-TEST_F(FolderReport, HasAPlateOnceThatIsNamedTwice) {
-    const CToolRun run = RunTool({"report", Path("a.vxr"), Path("pages/../a.vxr"), folder, "-o", Path("pages")});
-    EXPECT_NE(run.out.find("2 plates, 2 pages made"), std::string::npos) << run.out;
-}
-
-#if defined(__linux__)  // which allows links to themselves
-TEST_F(FolderReport, ComplainsAboutEachFileThatCannotBeOpened) {
-    for (const char* name : {"c.vxr", "d.vxr"})
-        fs::create_symlink(name, Path(name));
-    const CToolRun run = RunTool({"report", Path("c.vxr"), Path("d.vxr"), "-o", Path("pages")});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("c.vxr"), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("d.vxr"), std::string::npos) << run.err;
-}
-#endif
-
-TEST_F(FolderReport, ReplacesNoForeignPageAndContinues) {
-    fs::create_directories(Path("pages"));
-    std::ofstream(Path("pages/a.html")) << "mine";
-    const CToolRun run = Run();
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("a.html is there already"), std::string::npos) << run.err;
-    EXPECT_EQ(ReadWholeText(Path("pages/a.html")), "mine");
-    EXPECT_TRUE(fs::exists(Path("pages/b.html")));
-    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("a.html is there already"), std::string::npos);
-}
-
-TEST_F(FolderReport, EndsWithTheWorstStatusOfItsFiles) {
-    fs::resize_file(Path("a.vxr"), 0);
-    fs::resize_file(Path("b.vxr"), fs::file_size(Path("b.vxr")) / 2);
-    EXPECT_EQ(Run().status, 2);
-    EXPECT_NE(ReadWholeText(Path("pages/index.html")).find("a.vxr is an empty file; expected"), std::string::npos);
-    fs::remove(Path("a.vxr"));
-    const CToolRun again = Run();
-    EXPECT_NE(again.out.find("1 plate, 0 pages made"), std::string::npos) << again.out;
-    EXPECT_EQ(again.status, 1) << "the page that is kept says that its file is cut";
-}
-
-TEST_F(FolderReport, NamesPagesAfterTheirFilesAndMakesThemAgainIfTheNameChanges) {
-    fs::rename(Path("a.vxr"), Path("index.vxr"));
-    EXPECT_EQ(Run().status, 0);
-    EXPECT_TRUE(fs::exists(Path("pages/index-2.html")));
-#if defined(__linux__)  // where names differ by their case
-    fs::rename(Path("b.vxr"), Path("b.VXR"));
-    EXPECT_NE(Run().out.find("2 plates, 1 page made"), std::string::npos);
-    EXPECT_NE(ReadWholeText(Path("pages/b.html")).find("b.VXR"), std::string::npos);
-#endif
-}
-
 TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
     CIndexedPlate entry;
     entry.page = "a b\"<.html";
@@ -652,13 +482,6 @@ TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
     EXPECT_TRUE(EntriesOf(other.replace(other.rfind("\"page\""), 6, "\"pane\"")).empty()) << "of another version";
     EXPECT_TRUE(EntriesOf("<html>id=\"entries\">[{}]<").empty());
     EXPECT_TRUE(EntriesOf("").empty());
-}
-
-TEST_F(ReportCommand, RefusesFilesOfAnotherKind) {
-    const CToolRun run = RunTool({"report", Reference("settings.vxs"), "-o", page});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("is a settings file; expected a results file here"), std::string::npos) << run.err;
-    EXPECT_FALSE(fs::exists(page));
 }
 
 }  // namespace
