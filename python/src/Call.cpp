@@ -1,25 +1,22 @@
+#define PY_SSIZE_T_CLEAN
 #include "python/src/Call.h"
 
 #include <cstdint>
-#include <exception>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 namespace vxfileio::python {
 
-void RegisterFailures() {
-    py::register_exception_translator([](std::exception_ptr thrown) {
-        try {
-            if (thrown) std::rethrow_exception(thrown);
-        } catch (const CFailure& failure) {
-            try {
-                py::module_::import("vxfileio._errors")
-                    .attr("fail")(py::bytes(failure.text), py::bytes(failure.path), failure.code);
-            } catch (py::error_already_set& raised) {
-                raised.restore();
-            }
-        }
-    });
+/// Owns no object while Python's code runs: that may end the thread, and then the lock isn't held any more.
+void Raise(const CFailure& failure) {
+    PyObject* const module = PyImport_ImportModule("vxfileio._errors");
+    if (module != nullptr) {
+        PyObject_CallMethod(module, "fail", "y#y#i", failure.text.data(), std::ssize(failure.text), failure.path.data(),
+                            std::ssize(failure.path), failure.code);
+        Py_DECREF(module);
+    }
+    throw py::error_already_set();
 }
 
 void CheckSignals() {

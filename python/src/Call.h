@@ -7,7 +7,6 @@
 #include <future>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <utility>
 
 #include "vxfileio/base/ExcVXReader.h"
@@ -28,8 +27,8 @@ struct CFailure {
     int code = 0;      ///< `errno` after the failure, or 0.
 };
 
-/// Lets `vxfileio._errors.fail` raise failures as Python exceptions.
-void RegisterFailures();
+/// Raises a failure as the Python exception that `vxfileio._errors` maps it to.
+[[noreturn]] void Raise(const CFailure& failure);
 
 /// Calls `work()` and throws its failures as `CFailure` with this path.
 template <class Work>
@@ -45,29 +44,31 @@ auto WithPath(const std::string& path, Work work) {
     }
 }
 
-/// Does the same without the interpreter's lock.
+/// Returns what a call that has ended returned, or raises its failure.
 ///
-/// When the interpreter exits, taking the lock ends all threads but the main one. That unwinds the stack, which mustn't
-/// begin in a destructor, so a `py::gil_scoped_release` would abort the program here.
+/// When the interpreter exits, waiting for its lock ends all threads but the main one. That unwinds the stack, which
+/// may begin neither in a destructor, as that of `py::gil_scoped_release`, nor while an exception is handled. So the
+/// lock is taken and Python's code runs outside of both.
+template <class Result>
+Result ResultOf(std::future<Result>& ended) {
+    CFailure failure;
+    try {
+        return ended.get();
+    } catch (CFailure& thrown) {
+        failure = std::move(thrown);
+    }
+    Raise(failure);
+}
+
+/// Calls `work()` without the interpreter's lock, and raises its failures with this path.
 template <class Work>
 auto WithoutLock(const std::string& path, Work work) {
+    std::packaged_task task([&] { return WithPath(path, std::move(work)); });
+    auto result = task.get_future();
     PyThreadState* const thread = PyEval_SaveThread();
-    const auto call = [&] {
-        try {
-            return WithPath(path, std::move(work));
-        } catch (...) {
-            PyEval_RestoreThread(thread);
-            throw;
-        }
-    };
-    if constexpr (std::is_void_v<decltype(call())>) {
-        call();
-        PyEval_RestoreThread(thread);
-    } else {
-        auto result = call();
-        PyEval_RestoreThread(thread);
-        return result;
-    }
+    task();
+    PyEval_RestoreThread(thread);
+    return ResultOf(result);
 }
 
 /// Throws if Ctrl-C was pressed. Only for the main thread, which handles signals; it may be without the lock.
@@ -97,7 +98,7 @@ auto Interruptible(const std::string& path, Work work) {
         throw;
     }
     thread.join();
-    return result.get();
+    return ResultOf(result);
 }
 
 }  // namespace vxfileio::python

@@ -58,7 +58,6 @@ PYBIND11_MODULE(_vxfileio, module) {
     using namespace vxfileio::python;
     module.doc() = "The binding of the C++ library. Use it through the package vxfileio.";
     module.attr("_records") = py::list();
-    RegisterFailures();
     BindTexts(module);
     BindMarks(module);
     BindDocumentKinds(module);

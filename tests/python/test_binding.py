@@ -111,13 +111,19 @@ def test_a_function_that_keeps_the_lock_would_be_noticed():
     assert not lets_others_run(lambda: _vxfileio.dose_text(1), 0.2)
 
 
-@pytest.mark.parametrize("call", ["recording.read()", "recording.times(11)"])
+@pytest.mark.parametrize("call", ["recording.read()", "recording.times(11)", "refused(lambda: vx.RawWriter('none/none'))"])
 def test_threads_may_still_run_when_the_program_exits(call):
     program = f"""
 import threading, time
 import vxfileio as vx
 
 recording = vx.open({str(REFERENCE / "small_example.vxd")!r}).recordings[0]
+
+def refused(call):
+    try:
+        call()
+    except OSError:
+        pass
 
 def repeat():
     while True:
