@@ -212,6 +212,14 @@ def test_bytes_that_are_not_utf8_survive(tmp_path):
     assert again.RecordPlate.Data.PlateID == "\xb5"
 
 
+def test_saving_a_text_that_a_nul_cuts_raises(tmp_path):
+    settings = vx.Settings()
+    settings.Notebook.Comment = "before\0after"
+    with pytest.raises(vx.FileError, match="Notebook/Comment: the text has a NUL"):
+        settings.save(tmp_path / "a.vxs")
+    assert vx.open(tmp_path / "a.vxs").Notebook.Comment == "before"
+
+
 @pytest.mark.parametrize("path", [SETTINGS, RESULTS], ids=lambda path: path.name)
 def test_pickling_keeps_everything_and_what_was_changed(path):
     document = vx.open(path)
