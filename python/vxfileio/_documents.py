@@ -11,7 +11,7 @@ from typing import TYPE_CHECKING, Any, Optional, TypeVar, Union
 import numpy as np
 
 from . import _vxfileio
-from ._errors import DamagedFileError, FileError, UnknownFileError, UsageError, refusal
+from ._errors import DamagedFileError, FileError, UnknownFileError, UsageError, refusal, report
 from ._text import printable, table
 from ._types import Path
 
@@ -73,11 +73,6 @@ def _reserved(path: Path, overwrite: bool) -> Iterator[bytes]:
         os.unlink(path)
 
 
-def _raise_refused(error: str, path: Path) -> None:
-    if error:
-        raise refusal(error, os.fsdecode(path)) or FileError(errno.EIO, error, os.fsdecode(path))
-
-
 class Settings(_Document, _vxfileio.SettingsContent):
     """The settings of a run: a file header and the property sets.
 
@@ -95,10 +90,11 @@ class Settings(_Document, _vxfileio.SettingsContent):
         """Writes a settings file with the compound at this index of the plate's list, and its wells.
 
         Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
-        the new one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time.
+        the new one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time. Issues a `WriteWarning`
+        for texts with a NUL: only what precedes it is written.
         """
         with _reserved(path, overwrite) as name:
-            _raise_refused(_vxfileio.write_settings(self, name, compound), path)
+            report(_vxfileio.write_settings(self, name, compound), os.fsdecode(path))
 
     def __repr__(self) -> str:
         wells = sum(well is not None for well in self.RecordPlate.Data.Wells)
@@ -175,10 +171,10 @@ class Results(_Document, _vxfileio.ResultsContent):
         reading takes the keys from there.
 
         Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
-        the new one is complete.
+        the new one is complete. Issues a `WriteWarning` for texts with a NUL: only what precedes it is written.
         """
         with _reserved(path, overwrite) as name:
-            _raise_refused(_vxfileio.write_results(self, name), path)
+            report(_vxfileio.write_results(self, name), os.fsdecode(path))
 
     def export(self, path: Path, settings: Union[None, Path, Settings] = None, *, overwrite: bool = False) -> None:
         """Writes workbooks: one with all responses to `path`, and one for each well that the plate marks as new.
@@ -194,7 +190,9 @@ class Results(_Document, _vxfileio.ResultsContent):
             for other in dict.fromkeys(_vxfileio.well_workbooks(known, os.fsencode(path))):
                 stack.enter_context(_reserved(os.fsdecode(other), overwrite))
             name = stack.enter_context(_reserved(path, overwrite))
-            _raise_refused(_vxfileio.write_workbooks(self, known, name), path)
+            error = _vxfileio.write_workbooks(self, known, name)
+            if error:
+                raise refusal(error, os.fsdecode(path)) or FileError(errno.EIO, error, os.fsdecode(path))
 
     def __repr__(self) -> str:
         tasks = ", ".join(f"{name} with {len(task.Recordings)} recordings" for name, task in self.Tasks.items())

@@ -122,3 +122,13 @@ def refusal(text: str, path: str) -> Optional[OSError]:
         return None
     longest = max(found, key=lambda number: len(os.strerror(number)))  # "No such device or address", not "No such device"
     return OSError(longest, text, path)
+
+
+def report(text: str, path: str) -> None:
+    """Raises a text of `GetWriteError` that is about an error of the system, and warns of any other."""
+    if not text:
+        return
+    refused = refusal(text, path)
+    if refused is not None:
+        raise refused
+    warn(f"{path}: {text}", WriteWarning)

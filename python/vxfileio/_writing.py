@@ -12,7 +12,7 @@ import numpy as np
 from numpy.typing import ArrayLike
 
 from . import _vxfileio
-from ._errors import FileError, UsageError, WriteWarning, refusal, warn
+from ._errors import FileError, UsageError, report
 from ._raw import FIRST_TIME, LAST_TIME
 from ._text import printable
 from ._types import Path
@@ -90,11 +90,7 @@ class RawWriter:
             finally:
                 error = self._writer.write_error()
                 news, self._reported = (error if error != self._reported else ""), error
-        if news:
-            refused = refusal(news, self.path)
-            if refused is not None:
-                raise refused
-            warn(f"{self.path}: {news}", WriteWarning)
+        report(news, self.path)
         return result
 
     def __enter__(self) -> RawWriter:
