@@ -25,7 +25,7 @@ PROGRAMS = {
     "rawdata": ["rawdata_test", "access_test", "layout_test", "reference_test", "faults_test", "vxfile_test"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test"],
     "settings": ["settings_test", "reference_test", "results_test", "forms"],
-    "results": ["results_test", "reference_test", "forms", "tables"],
+    "results": ["results_test", "reference_test", "forms", "tables", "c_interface"],
     "export": ["export_test", "results_test", "faults_test"],
     "capi": ["c_interface", "bindings"],
     "recovery": ["recover_test", "sessions", "faults_test"],
