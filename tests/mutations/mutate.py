@@ -1,6 +1,7 @@
 """Plants small faults in a copy of the sources, one at a time, and checks that the tests notice.
 
 usage: mutate.py BUILD_FOLDER [WORD]
+       mutate.py --check               plants nothing; checks that each fault still has its place
 
 The faults are in faults.txt next to this script; with a WORD, only those whose file or text contains it. Each begins
 with a line "@ FILE". Lines with "-" are text that occurs exactly once in that file, lines with "+" replace it. It is an
@@ -61,7 +62,7 @@ class Fault:
     def plant(self, text):
         old = "\n".join(self.old)
         if text.count(old) != 1:
-            sys.exit("the text stands there %d times, not once: %s" % (text.count(old), self))
+            sys.exit("faults.txt: the text occurs %d times, not once: %s" % (text.count(old), self))
         return text.replace(old, "\n".join(self.new))
 
 
@@ -154,14 +155,16 @@ def is_noticed(folder, fault):
 
 
 def main():
-    if len(sys.argv) not in (2, 3) or sys.argv[1].startswith("-"):
+    if len(sys.argv) not in (2, 3) or (sys.argv[1].startswith("-") and sys.argv[1:] != ["--check"]):
         sys.exit(__doc__)
-    folder = pathlib.Path(sys.argv[1]).resolve()
-    if os.path.isdir("/dev/shm"):
-        os.environ["TMPDIR"] = "/dev/shm"  # files in memory: the tests take a tenth of the time
     faults = read_faults(pathlib.Path(__file__).with_name("faults.txt"))
     for fault in faults:
         fault.plant((ROOT / fault.file).read_text())
+    if sys.argv[1:] == ["--check"]:
+        return
+    folder = pathlib.Path(sys.argv[1]).resolve()
+    if os.path.isdir("/dev/shm"):
+        os.environ["TMPDIR"] = "/dev/shm"  # files in memory: the tests take a tenth of the time
     chosen = [fault for fault in faults if sys.argv[2:] == [] or sys.argv[2] in str(fault)]
     make_copy(folder, sorted({program for fault in chosen for program in fault.programs()}))
     noticed = [is_noticed(folder, fault) for fault in chosen]
