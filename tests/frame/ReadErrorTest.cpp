@@ -269,6 +269,7 @@ TEST_F(ReadErrorTest, AnElementWithoutContentOrKeyIsReported) {
     EXPECT_NE(Settings(moved).find("/Task/Recordings (offset "), std::string::npos);
     EXPECT_NE(Settings(moved).find("found <Recordings> instead of <TaskName> as the first child."), std::string::npos);
     EXPECT_NE(ResultsWith("<WellID>", "<ID>3</ID><WellID>").find("found <ID> instead of <WellID>"), std::string::npos);
+    EXPECT_NE(ResultsWith("<Ave>", "<X/><Ave>").find("found <X> instead of <Ave>"), std::string::npos);
     EXPECT_NE(SettingsWith("<Recording>0</Recording>", "").find("found <Wells> instead of <Recording> as the first"),
               std::string::npos);
     const std::size_t average = m_results.find("<Average Size=\"7");

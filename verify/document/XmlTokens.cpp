@@ -11,12 +11,13 @@ namespace {
 struct COtherForm {
     std::string_view begin;
     std::string_view end;
+    CXmlToken::EKind kind = CXmlToken::EKind::Other;
 };
 
 constexpr std::array kOtherForms = {
     COtherForm{"<?", "?>"},
     COtherForm{"<!--", "-->"},
-    COtherForm{"<![CDATA[", "]]>"},
+    COtherForm{"<![CDATA[", "]]>", CXmlToken::EKind::Section},
     COtherForm{"<!", ">"},
 };
 
@@ -42,12 +43,19 @@ std::size_t EndOfTag(std::string_view text) {
 CXmlToken CXmlTokens::Next() {
     const std::string_view rest = m_document.substr(m_offset);
     if (rest.empty()) return Take(CXmlToken::EKind::Nothing, 0);
-    if (rest.front() != '<') return Take(CXmlToken::EKind::Text, std::min(rest.find('<'), rest.size()));
+    if (rest.front() != '<') {
+        CXmlToken token = Take(CXmlToken::EKind::Text, std::min(rest.find('<'), rest.size()));
+        token.text = token.bytes;
+        return token;
+    }
     for (const auto& form : kOtherForms) {
         if (!rest.starts_with(form.begin)) continue;
         const auto end = rest.find(form.end, form.begin.size());
         if (end == std::string_view::npos) return Take(CXmlToken::EKind::Broken, rest.size());
-        return Take(CXmlToken::EKind::Other, end + form.end.size());
+        CXmlToken token = Take(form.kind, end + form.end.size());
+        if (form.kind == CXmlToken::EKind::Section)
+            token.text = rest.substr(form.begin.size(), end - form.begin.size());
+        return token;
     }
     return TakeTag(rest);
 }

@@ -12,7 +12,8 @@ struct CXmlToken {
         SelfClosed,  ///< `<tag ... />`
         End,         ///< `</tag>`
         Text,        ///< The bytes between two tags, undecoded.
-        Other,       ///< Declaration, comment, CDATA section or the like.
+        Section,     ///< A CDATA section.
+        Other,       ///< Declaration, comment or the like.
         Broken,      ///< A tag that is cut by the end of the document.
         Nothing,     ///< The end of the document.
     };
@@ -20,6 +21,7 @@ struct CXmlToken {
     EKind kind = EKind::Nothing;
     std::size_t offset = 0;
     std::string_view bytes = {};       ///< The whole token.
+    std::string_view text = {};        ///< Of a text or section, undecoded.
     std::string_view tag = {};         ///< Of an element.
     std::string_view attributes = {};  ///< The bytes after the tag, including the blank.
 };

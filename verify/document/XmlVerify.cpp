@@ -89,7 +89,7 @@ CXmlToken CXmlVerifier::NextToken() {
         } else if (token.kind == EToken::Text) {
             Add(token.offset, Quoted(token.bytes), "nothing between two tags",
                 "It belongs to no element; readers skip it.");
-        } else if (token.kind == EToken::Other) {
+        } else if (token.kind == EToken::Section || token.kind == EToken::Other) {
             Add(token.offset, Quoted(token.bytes), "only elements", "Another program wrote this; readers skip it.");
         } else {
             return token;
@@ -179,13 +179,20 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
         Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "Readers treat both alike.");
         return;
     }
-    std::string_view text;
+    std::string text;
     CXmlToken token = m_tokens.Next();
-    if (token.kind == EToken::Text) {
-        text = token.bytes;
-        token = m_tokens.Next();
+    for (; token.kind == EToken::Text || token.kind == EToken::Section; token = m_tokens.Next()) {
+        if (token.kind == EToken::Section)
+            Add(token.offset, Quoted(token.bytes), "text without a CDATA section",
+                "Another program wrote this; readers take the text in it.");
+        text += token.text;
     }
     JudgeText(rule, text, start.offset + start.bytes.size());
+    if (token.kind == EToken::Other) {
+        Add(token.offset, Quoted(token.bytes), "only a value",
+            "Another program wrote this; readers take only the text before it.");
+        token = NextToken();
+    }
     while (!Ends(rule, token)) {
         Add(token.offset, Quoted(token.bytes), "only a value", "Readers skip elements inside a value.");
         Skip(token);
@@ -270,6 +277,9 @@ void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
     const bool isAverage = rule.children.front().kind == EXmlKind::Samples;
     m_lastEntries = isAverage ? m_samples : entries;
     if (m_broken || rule.kind == EXmlKind::Entries) return;
+    if (isAverage && entries != 1)
+        return Add(begin, Counted(entries, "element"), "one <" + std::string(rule.children.front().tag) + '>',
+                   "Readers take the samples of the first child alone.");
     const std::string expected = " Size=\"" + std::to_string(m_lastEntries) + '"';
     if (start.attributes != expected)
         Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + ">",

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -60,7 +61,7 @@ class CXmlLeaves {
  private:
     struct CLevel {
         std::size_t pathSize;
-        std::string_view text = {};
+        std::string text = {};
         bool hasChildren = false;
         std::map<std::string_view, std::size_t> counts = {};
     };
@@ -78,7 +79,10 @@ class CXmlLeaves {
                 Close();
                 break;
             case CXmlToken::EKind::Text:
-                m_levels.back().text = token.bytes;
+                m_levels.back().text += Decoded(token.text);
+                break;
+            case CXmlToken::EKind::Section:
+                m_levels.back().text += token.text;
                 break;
             case CXmlToken::EKind::Broken:
                 throw CFailure(m_file + " ends inside a tag; run 'vxfile verify' for details.");
@@ -101,8 +105,8 @@ class CXmlLeaves {
     void Close() {
         if (m_levels.size() < 2)
             throw CFailure(m_file + " has an end tag without a start tag; run 'vxfile verify' for details.");
-        const CLevel& level = m_levels.back();
-        if (!level.hasChildren) m_leaves.push_back({m_path.substr(1), Decoded(level.text)});
+        CLevel& level = m_levels.back();
+        if (!level.hasChildren) m_leaves.push_back({m_path.substr(1), std::move(level.text)});
         m_path.resize(level.pathSize);
         m_levels.pop_back();
     }

@@ -52,7 +52,9 @@ struct CAverageField {
         well.Average.resize(archive.GetListSize());
         LoadChildren(archive, [&] {
             archive.NextElement();
-            if (IsStartOf(archive, kSamples.tag)) archive.GetSamples(well.Average);
+            if (archive.IsEndTag()) return;
+            if (archive.TagName() != kSamples.tag) return archive.NoteMissingKey(kSamples.tag);
+            archive.GetSamples(well.Average);
         });
     }
 };
