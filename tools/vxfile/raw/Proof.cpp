@@ -62,6 +62,9 @@ class CProver {
                 if (Proves(scan.File(), *segment, index)) ++m_proof.wells[i][segment->header.ID];
             }
         }
+        // One segment is too little to tell another file from a changed one.
+        m_proof.isOfAnotherFile =
+            m_proof.segments > 1 && m_sealed.size() > 1 && std::ranges::none_of(m_sealed, &CSealedSegment::isUsed);
         for (const CSealedSegment& sealed : m_sealed) {
             if (!sealed.isMet && !sealed.isUsed) Add(EKind::Missing, sealed.recording, sealed.place, sealed.offset);
         }
@@ -160,6 +163,11 @@ void CProof::Add(CRemark remark) {
 void CProof::Print(std::ostream& out) const {
     if (!failure.empty()) {
         out << "  " << Readable(failure) << '\n';
+        return;
+    }
+    if (isOfAnotherFile) {
+        out << "  The seal " << Readable(seal)
+            << " is of another file, or this file was replaced: it has none of these samples.\n";
         return;
     }
     const auto printed = std::span(remarks).first(std::min(remarks.size(), kMostPrinted));

@@ -40,6 +40,7 @@ class CProof {
     std::string failure;  ///< Why the seal can't be used; then nothing is proven.
     std::size_t segments = 0;
     std::size_t proven = 0;
+    bool isOfAnotherFile = false;                            ///< The seal has none of the samples.
     std::vector<std::map<std::int32_t, std::size_t>> wells;  ///< The proven segments of each recording, by well.
     std::vector<CRemark> remarks;                            ///< The first ones.
     std::size_t more = 0;                                    ///< The number of others.
