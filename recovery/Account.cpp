@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <string>
 #include <utility>
 
 #include "vxfileio/rawdata/SegmentTimes.h"
@@ -37,7 +36,7 @@ class CAccountant {
     CAccountant(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing)
         : m_window(window), m_pieces(pieces), m_keepCut(keepCut), m_isGrowing(isGrowing) {}
 
-    CAccount Run() {
+    CFound Run() {
         for (m_index = 0; m_index < m_pieces.size(); ++m_index) {
             const CPiece& piece = m_pieces[m_index];
             const CCandidate& candidate = *piece.candidate;
@@ -51,11 +50,10 @@ class CAccountant {
         }
         if (m_end < m_window.Size()) LoseEnd();
         EndFile(m_window.Size());
-        return std::move(m_account);
+        return std::move(m_found);
     }
 
  private:
-    CFound& Found() { return m_account.found; }
     const CPiece* Before() const { return m_index == 0 ? nullptr : &m_pieces[m_index - 1]; }
     const CCandidate* SegmentBefore() const {
         const CPiece* const before = Before();
@@ -65,7 +63,7 @@ class CAccountant {
     // ---- Headers ----------------------------------------------------------------------------------------------------
 
     void TakeFile(const CCandidate& file) {
-        if (Found().file.form == nullptr && Found().recordings.empty()) Found().file = file;
+        if (m_found.file.form == nullptr && m_found.recordings.empty()) m_found.file = file;
         m_nextRecording = file.next;
         m_nextKey = "FPosFirstRecordingHdr";
     }
@@ -85,7 +83,7 @@ class CAccountant {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
-        Found().recordings.push_back(std::move(recording));
+        m_found.recordings.push_back(std::move(recording));
     }
 
     void TakeSegment(const CPiece& piece, const CCandidate& segment) {
@@ -99,15 +97,15 @@ class CAccountant {
     }
 
     void Keep(const CPiece& piece, const CCandidate& segment, std::int64_t samples) {
-        CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(Found().recordings.size() - 1));
+        CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(m_found.recordings.size() - 1));
         found.made = piece.made;
         if (piece.isCut) {
-            const std::int64_t tick = Found().recordings.back().wellList.TickOf(segment.well);
+            const std::int64_t tick = m_found.recordings.back().wellList.TickOf(segment.well);
             const std::int64_t interval =
                 IntervalOf(segment.from, segment.to, static_cast<std::uint32_t>(segment.size), tick);
             found.to = TimeAfter(segment.from, samples - 1, interval).value_or(segment.to);
         }
-        Found().segments.push_back(found);
+        m_found.segments.push_back(found);
     }
 
     /// Takes the last segment if the input ends within its samples.
@@ -141,14 +139,14 @@ class CAccountant {
             DoubtSegmentBefore(piece, candidate, isGap);
         if (isFile) DoubtFile(candidate);
         if (isFile) EndFile(begin);
-        const bool isBeforeFile = isFile && Found().recordings.empty();
+        const bool isBeforeFile = isFile && m_found.recordings.empty();
         if (piece.lostRecording) BeginLostRecording(begin);
         if (!isGap) return;
         if (piece.lostRecording || isBeforeFile)
             return Lose(
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
         Lose(Unused(EReason::NoHeader, begin));
-        const std::int64_t lost = begin - m_end + (piece.hasOwnShift ? piece.ownShift - m_shift : 0);
+        const std::int64_t lost = begin - m_end + (piece.ownShift == kLost ? 0 : piece.ownShift - m_shift);
         const bool hasRoom = lost >= FormOf(EKind::Recording, candidate.form->layout).size;
         if (candidate.kind == EKind::Segment && (hasRoom || lost < 0 || NextRecordingIn(begin)))
             DoubtPiece(EReason::OtherRecording, piece);
@@ -163,7 +161,8 @@ class CAccountant {
     /// Returns whether a position has another shift and no later one proves it wrong: bytes may be missing before it,
     /// or inserted there.
     bool IsAloneAstray(const CPiece& piece) const {
-        return piece.hasOwnShift && piece.ownShift != m_shift && NextOwnShift(m_index + 1) == kLost;
+        const bool isShownLater = m_index + 1 < m_pieces.size() && m_pieces[m_index + 1].shownShift != kLost;
+        return piece.ownShift != kLost && piece.ownShift != m_shift && !isShownLater;
     }
 
     /// A file that begins among the samples of a segment was either appended to a cut file or stored as these samples.
@@ -201,7 +200,7 @@ class CAccountant {
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
     /// inserted into its samples or removed from them.
     void DoubtSegmentBefore(const CPiece& piece, const CCandidate& candidate, bool isGap) {
-        const std::int64_t shift = NextOwnShift(m_index);
+        const std::int64_t shift = piece.shownShift;
         if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
             DoubtPiece(EReason::OtherHeader, piece);
         const CCandidate* const before = SegmentBefore();
@@ -218,17 +217,6 @@ class CAccountant {
         } else if (shiftAfter < m_shift) {
             DoubtPiece(EReason::PutIn, *Before());
         }
-    }
-
-    /// Returns the shift of a piece, as it or the next piece with a correct position shows; `kLost` if there is none in
-    /// this file.
-    std::int64_t NextOwnShift(std::size_t index) const {
-        for (std::size_t i = index; i < m_pieces.size() && i < index + kMostSteps; ++i) {
-            const CPiece& piece = m_pieces[i];
-            if (piece.candidate->kind == EKind::File) return kLost;
-            if (piece.hasOwnShift && piece.ownShift - piece.candidate->moved == piece.shift) return piece.ownShift;
-        }
-        return kLost;
     }
 
     // ---- The end ----------------------------------------------------------------------------------------------------
@@ -276,8 +264,8 @@ class CAccountant {
     /// not have been replaced yet.
     void Compare(const char* key, std::int64_t position, std::int64_t should, const CRemark& where) {
         if (position == should || position == kLost) return;
-        m_account.isStraight = false;
-        if (position == kUnset && (Found().recordings.empty() || Found().recordings.back().IsUnfinished())) return;
+        m_found.isStraight = false;
+        if (position == kUnset && (m_found.recordings.empty() || m_found.recordings.back().IsUnfinished())) return;
         CRemark remark = where;
         remark.reason = EReason::Position;
         remark.value = position;
@@ -292,7 +280,7 @@ class CAccountant {
         if (before == nullptr || Before()->isCut) return;
         const CRemark where{.from = before->begin, .to = m_end, .wellID = WellOf(*before)};
         Compare(kNextSegment, before->next, isFollowed ? m_end + m_shift : kUnset, where);
-        if (m_shift != 0) m_account.isStraight = false;
+        if (m_shift != 0) m_found.isStraight = false;
     }
 
     CRemark Here() const { return {.from = m_end, .to = m_end}; }
@@ -328,22 +316,20 @@ class CAccountant {
         if (!m_isGrowing) Lose(std::move(remark));
     }
 
-    void Lose(CRemark remark) { Add(Found().losses, std::move(remark)); }
-    void Doubt(CRemark remark) { Add(Found().doubts, std::move(remark)); }
+    void Lose(CRemark remark) { Add(m_found.losses, std::move(remark)); }
+    void Doubt(CRemark remark) { Add(m_found.doubts, std::move(remark)); }
 
     void Add(CRemarks& remarks, CRemark remark) {
-        const std::size_t recordings = Found().recordings.size();
+        const std::size_t recordings = m_found.recordings.size();
         if (recordings > 0) remark.recording = static_cast<std::uint32_t>(recordings - 1);
         remarks.Add(std::move(remark));
     }
-
-    static constexpr std::size_t kMostSteps = 64;  ///< How many pieces to look ahead.
 
     CWindow& m_window;
     const std::vector<CPiece>& m_pieces;
     bool m_keepCut;
     bool m_isGrowing;
-    CAccount m_account;
+    CFound m_found;
     std::size_t m_index = 0;
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
@@ -376,7 +362,7 @@ bool LoseGaps(const CEnds& taken, std::int64_t size, CRemarks& losses) {
 
 }  // namespace
 
-CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing) {
+CFound AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing) {
     return CAccountant(window, pieces, keepCut, isGrowing).Run();
 }
 

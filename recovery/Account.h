@@ -11,15 +11,9 @@
 
 namespace vxfileio::recovery {
 
-/// The recordings and segments of the input, with losses and doubts.
-struct CAccount {
-    CFound found;
-    bool isStraight = true;  ///< Each position points at what comes next in the input.
-};
-
 /// Returns the recordings and segments of an explanation, with its losses and doubts. `keepCut` keeps the whole samples
 /// of a last segment that is cut.
-CAccount AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing);
+CFound AccountFor(CWindow& window, const std::vector<CPiece>& pieces, bool keepCut, bool isGrowing);
 
 /// Returns what a reader finds by following the positions, in that order. Returns nothing unless all pieces are found
 /// and every header on the way is whole.

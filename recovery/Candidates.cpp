@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 
 #include "vxfileio/helpers/NumberText.h"
@@ -237,6 +236,18 @@ class CSearch {
     std::int64_t m_goOn = 0;
 };
 
+/// Both versions may fit the end of a header: keeps the reading with more whole cells.
+void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
+    const auto rank = [](const CCandidate& candidate) {
+        return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.moved != 0, candidate.damaged);
+    };
+    std::ranges::sort(list, {}, rank);
+    const auto isSame = [](const CCandidate& one, const CCandidate& other) {
+        return one.end == other.end && one.kind == other.kind && one.kind != EKind::Segment && other.damaged > 0;
+    };
+    list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
+}
+
 }  // namespace
 
 std::int64_t CWellList::TickOf(std::int32_t well) const {
@@ -282,22 +293,6 @@ CWellList WellListOf(const CHdrCells& recording) {
         list.wells.emplace(well.ID, recording.IsLost("Ticks") ? 0 : std::max<std::int64_t>(well.Ticks, 0));
     return list;
 }
-
-namespace {
-
-/// Both versions may fit the end of a header: keeps the reading with more whole cells.
-void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
-    const auto rank = [](const CCandidate& candidate) {
-        return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.moved != 0, candidate.damaged);
-    };
-    std::ranges::sort(list, {}, rank);
-    const auto isSame = [](const CCandidate& one, const CCandidate& other) {
-        return one.end == other.end && one.kind == other.kind && one.kind != EKind::Segment && other.damaged > 0;
-    };
-    list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
-}
-
-}  // namespace
 
 CCandidates FindCandidates(CWindow& window, const CReach& reach) {
     CCandidates found;

@@ -62,7 +62,7 @@ class CExplainer {
 
     std::vector<CPiece> Run() {
         for (const CCandidate& candidate : m_candidates.list) {
-            if (m_extended++ % 1024 == 0) m_reach(candidate.begin);
+            m_reach(candidate.begin);
             Release(candidate.claim);
             Extend(candidate);
             m_whole += candidate.IsWhole() ? 1 : 0;
@@ -108,7 +108,7 @@ class CExplainer {
         for (const CNodePtr& parent : m_open) {
             if (parent->cost > most) break;
             Follow(parent, candidate);
-            const bool isFree = !m_offers.empty() && m_offers.front().piece.hasOwnShift &&
+            const bool isFree = !m_offers.empty() && m_offers.front().piece.ownShift != kLost &&
                                 m_offers.front().cost == parent->cost + costs::kHeader;
             if (isFree) most = std::min(most, parent->cost + costs::kNearlyEqual);
             if (candidate.kind != EKind::File && parent->cost + costs::kFileWithin <= most)
@@ -183,7 +183,7 @@ class CExplainer {
         if (header.kind == EKind::File) {
             node.recording = nullptr;
             node.piece.shift = -header.begin;
-            node.piece.hasOwnShift = true;
+            node.piece.ownShift = 0;
             return Offer(node);
         }
         if (node.parent->ExpectsSegment() && !node.parent->goesOn) node.cost += costs::kPosition;
@@ -287,13 +287,12 @@ class CExplainer {
         if (node.piece.isCut) node.piece.end = m_size;
         node.piece.shift = shift - moved;
         if (position == kLost || position == kUnset) return Offer(node);
-        node.piece.hasOwnShift = IsPosition(position);
-        node.piece.ownShift = node.piece.hasOwnShift ? position - (end - moved) : 0;
-        if (node.piece.hasOwnShift && node.piece.ownShift == shift) return Offer(node);
+        if (IsPosition(position)) node.piece.ownShift = position - (end - moved);
+        if (node.piece.ownShift == shift) return Offer(node);
         CNode wrong = node;
         wrong.cost += costs::kPosition;
         Offer(wrong);
-        if (!node.piece.hasOwnShift) return;
+        if (node.piece.ownShift == kLost) return;
         const std::int64_t by = node.piece.ownShift - shift;
         const bool isByGap = node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
                                               by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
@@ -334,7 +333,7 @@ class CExplainer {
         if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
         // Bytes that were put into a damaged header move its samples.
         if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
-        if (IsPosition(segment.next) && node.piece.ownShift == node.piece.shift) return 0;
+        if (node.piece.ownShift == node.piece.shift) return 0;
         return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
     }
 
@@ -408,11 +407,15 @@ class CExplainer {
             return node->cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
         };
         std::vector<CPiece> pieces;
+        std::int64_t shown = kLost;
         const CNode* node = std::ranges::min_element(m_open, {}, cost)->get();
         for (; node->piece.candidate != nullptr; node = node->parent.get()) {
-            pieces.push_back(node->piece);
-            pieces.back().isAmbiguous = node->other < std::numeric_limits<std::int64_t>::max() &&
-                                        node->other - node->cost <= costs::kNearlyEqual;
+            CPiece& piece = pieces.emplace_back(node->piece);
+            piece.isAmbiguous = node->other < std::numeric_limits<std::int64_t>::max() &&
+                                node->other - node->cost <= costs::kNearlyEqual;
+            if (piece.ownShift == piece.shift + piece.candidate->moved) shown = piece.ownShift;
+            if (node->Is(EKind::File)) shown = kLost;
+            piece.shownShift = shown;
         }
         std::ranges::reverse(pieces);
         return pieces;
@@ -424,7 +427,6 @@ class CExplainer {
     std::vector<CNodePtr> m_open;                     ///< The best ways that have ended, the best first.
     std::multimap<std::int64_t, CNodePtr> m_pending;  ///< Those that end later, by their end.
     std::vector<CNode> m_offers;
-    std::size_t m_extended = 0;
     std::int32_t m_whole = 0;
 };
 

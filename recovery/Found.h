@@ -47,6 +47,7 @@ struct CFound {
     std::vector<CFoundSegment> segments;  ///< The segments of one recording are contiguous.
     CRemarks losses;
     CRemarks doubts;
+    bool isStraight = true;  ///< Each position points at what comes next in the input.
 };
 
 }  // namespace vxfileio::recovery

@@ -1,7 +1,6 @@
 #include "recovery/Rebuild.h"
 
 #include <algorithm>
-#include <limits>
 #include <map>
 #include <optional>
 #include <set>

@@ -22,16 +22,16 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     const std::vector<CPiece> pieces = Explain(candidates, size, options.searched);
     CReport report;
     report.isGrowing = input.Size() > size;
-    CAccount account = AccountFor(window, pieces, options.keepCut, report.isGrowing);
+    CFound found = AccountFor(window, pieces, options.keepCut, report.isGrowing);
     // If all positions are correct and reach everything, their order is better than that of the input.
-    if (!account.isStraight) {
-        if (auto followed = FollowPositions(window, candidates, pieces)) account.found = std::move(*followed);
+    if (!found.isStraight) {
+        if (auto followed = FollowPositions(window, candidates, pieces)) found = std::move(*followed);
     }
-    if (account.found.recordings.empty()) return report;
-    SettleWells(account.found);
-    report.losses = std::move(account.found.losses);
-    report.doubts = std::move(account.found.doubts);
-    Rebuild(window, account.found, sink, options.saved, report);
+    if (found.recordings.empty()) return report;
+    SettleWells(found);
+    report.losses = std::move(found.losses);
+    report.doubts = std::move(found.doubts);
+    Rebuild(window, found, sink, options.saved, report);
     return report;
 }
 

@@ -87,8 +87,9 @@ class CRecordingWells {
 
     void Settle() {
         Group();
-        const bool anyReturned = Return(Strays());
-        if (anyReturned || !m_nameless.empty()) {
+        auto strays = Strays();
+        if (!strays.empty() || !m_nameless.empty()) {
+            Return(std::move(strays));
             for (CFoundSegment* const segment : m_nameless)
                 segment->namesWell = true;  // no well was found for it, so what is left of its ID must do
             Group();
@@ -169,26 +170,22 @@ class CRecordingWells {
         return found != m_recording.wells.end() ? found->second.ticks : m_listed.TickOf(well);
     }
 
-    /// Returns the last segment of a well that begins before a time, and the first one that doesn't; null if there is
-    /// none.
-    std::pair<const CFoundSegment*, const CFoundSegment*> NeighboursOf(std::int32_t well, std::int64_t time) const {
-        const auto found = m_groups.find(well);
-        if (found == m_groups.end()) return {nullptr, nullptr};
-        const CGroup& group = found->second;
-        const auto next = std::ranges::lower_bound(group, time, {}, &CFoundSegment::from);
-        return {next == group.begin() ? nullptr : *std::prev(next), next == group.end() ? nullptr : *next};
-    }
-
     /// Returns whether a segment fits the interval of a well that has nothing at its times. With `mustAdjoin`, the well
     /// must have samples right before or right after it, too.
     bool Lacks(std::int32_t well, const CFoundSegment& segment, bool mustAdjoin) const {
         const std::int64_t tick = TickOf(well);
         if (tick <= 0 || !TicksOf(segment).Has(tick)) return false;
-        const auto [before, next] = NeighboursOf(well, segment.from);
-        if ((next != nullptr && ShareTimes(*next, segment)) || (before != nullptr && ShareTimes(*before, segment)))
-            return false;
-        return !mustAdjoin || (next != nullptr && GoesOn(segment, *next, tick)) ||
-               (before != nullptr && GoesOn(*before, segment, tick));
+        const auto found = m_groups.find(well);
+        if (found == m_groups.end()) return !mustAdjoin;
+        const CGroup& group = found->second;
+        const auto next = std::ranges::lower_bound(group, segment.from, {}, &CFoundSegment::from);
+        const auto before = next == group.begin() ? next : std::prev(next);
+        const auto after = next == group.end() ? next : std::next(next);
+        const auto overlaps = [&](const auto* other) { return ShareTimes(*other, segment); };
+        const auto adjoins = [&](const auto* other) {
+            return GoesOn(segment, *other, tick) || GoesOn(*other, segment, tick);
+        };
+        return std::none_of(before, after, overlaps) && (!mustAdjoin || std::any_of(before, after, adjoins));
     }
 
     std::vector<std::int32_t> WellsLacking(const CFoundSegment& segment, bool mustAdjoin) const {
@@ -246,24 +243,21 @@ class CRecordingWells {
         const CFoundSegment* const end = begin + m_segments.size();
         const auto before = std::find_if(std::make_reverse_iterator(low), std::make_reverse_iterator(begin), isOfThem);
         const CFoundSegment* const next = std::find_if(high + 1, end, isOfThem);
-        const std::int32_t lowWell = low == &stray ? well : own.wellID;
-        const std::int32_t highWell = high == &stray ? well : own.wellID;
-        const auto isOther = [&](const CFoundSegment& neighbour, std::int32_t than) {
-            return neighbour.wellID != than && m_listed.Lists(neighbour.wellID);
+        const auto isOther = [&](const CFoundSegment& neighbour, const CFoundSegment* than) {
+            return neighbour.wellID != (than == &stray ? well : own.wellID) && m_listed.Lists(neighbour.wellID);
         };
-        return (before == std::make_reverse_iterator(begin) || isOther(*before, lowWell)) &&
-               (next == end || isOther(*next, highWell));
+        return (before == std::make_reverse_iterator(begin) || isOther(*before, low)) &&
+               (next == end || isOther(*next, high));
     }
 
-    /// Assigns strays to their wells, unless several would overlap there. Returns false if there was none.
-    bool Return(std::vector<CStray> strays) {
+    /// Assigns strays to their wells, unless several would overlap there.
+    void Return(std::vector<CStray> strays) {
         std::ranges::sort(strays, [](const CStray& one, const CStray& other) {
             return std::pair(one.well, one.segment->from) < std::pair(other.well, other.segment->from);
         });
         const auto collide = [](const CStray& one, const CStray& other) {
             return one.well == other.well && ShareTimes(*one.segment, *other.segment);
         };
-        bool any = false;
         for (std::size_t i = 0; i < strays.size(); ++i) {
             if (i > 0 && collide(strays[i - 1], strays[i])) continue;
             if (i + 1 < strays.size() && collide(strays[i], strays[i + 1])) continue;
@@ -271,9 +265,7 @@ class CRecordingWells {
             m_found.doubts.Add(RemarkOn(*segment, EReason::OtherWell, well));
             segment->wellID = well;
             segment->namesWell = true;
-            any = true;
         }
-        return any;
     }
 
     /// Reports what can't be decided, once for each well.
@@ -302,13 +294,13 @@ class CRecordingWells {
     /// Keeps segments with one damaged time if only one choice of the correct time continues the well's segments before
     /// or after it to the tick.
     void MendMisfits() {
-        bool any = false;
+        if (m_misfits.empty()) return;
         for (CFoundSegment* const segment : m_misfits)
-            any = MendTime(*segment) || any;
-        if (any) Group();
+            MendTime(*segment);
+        Group();
     }
 
-    bool MendTime(CFoundSegment& segment) {
+    void MendTime(CFoundSegment& segment) {
         const std::int64_t tick = TickOf(segment.wellID);
         const std::int64_t intervals = std::int64_t{segment.samples} - 1;
         CFoundSegment byFrom = segment;
@@ -316,12 +308,11 @@ class CRecordingWells {
         byFrom.to = TimeAfter(segment.from, intervals, tick).value_or(segment.to);
         byTo.from = TimeAfter(segment.to, -intervals, tick).value_or(segment.from);
         const bool isFrom = Lacks(segment.wellID, byFrom, true);
-        if (isFrom == Lacks(segment.wellID, byTo, true)) return false;
+        if (isFrom == Lacks(segment.wellID, byTo, true)) return;
         CRemark remark = RemarkOn(segment, EReason::MadeTime);
         remark.what = isFrom ? "TimeTo" : "TimeFrom";
         m_found.doubts.Add(std::move(remark));
         segment = isFrom ? byFrom : byTo;
-        return true;
     }
 
     void LoseMisfits() {
