@@ -67,7 +67,8 @@ void CRawParts::AddGaps() {
         reached = place.offset + place.length;
     }
     reach(m_scan.Size());
-    if (gaps > 0) m_doubts.push_back(Counted(static_cast<std::uint64_t>(gaps), "byte") + " belong to no segment");
+    if (gaps > 0)
+        m_doubts.push_back(Counted(static_cast<std::uint64_t>(gaps), "byte") + " outside of all headers and segments");
     m_places = std::move(all);
 }
 
