@@ -147,8 +147,9 @@ class CAccountant {
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
         Lose(Unused(EReason::NoHeader, begin));
         const std::int64_t lost = begin - m_end + (piece.ownShift == kLost ? 0 : piece.ownShift - m_shift);
-        const bool hasRoom = lost >= FormOf(EKind::Recording, candidate.form->layout).size;
-        if (candidate.kind == EKind::Segment && (hasRoom || lost < 0 || NextRecordingIn(begin)))
+        const bool hasRoom = lost >= FormOf(EKind::Recording, Layouts()[candidate.form->layout]).size;
+        const bool isConfirmed = piece.nextRecording != kLost && piece.nextRecording == m_nextRecording;
+        if (candidate.kind == EKind::Segment && !isConfirmed && (hasRoom || lost < 0 || NextRecordingIn(begin)))
             DoubtPiece(EReason::OtherRecording, piece);
     }
 

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "vxfileio/helpers/NumberText.h"
-#include "vxfileio/rawdata/CellCodec.h"
 #include "vxfileio/rawdata/HeaderCodec.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
 

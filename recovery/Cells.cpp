@@ -83,8 +83,8 @@ std::span<const CForm> FormsOf(EKind kind) {
     return kForms[static_cast<std::size_t>(kind)];
 }
 
-const CForm& FormOf(EKind kind, std::size_t layout) {
-    return *std::ranges::lower_bound(FormsOf(kind), layout, {}, &CForm::layout);
+const CForm& FormOf(EKind kind, const CLayout& layout) {
+    return *std::ranges::lower_bound(FormsOf(kind), &layout - Layouts().data(), {}, &CForm::layout);
 }
 
 std::string_view CHdrCells::Value(std::string_view key) const { return CellValue(Cell(form->RowOf(key))); }

@@ -50,7 +50,7 @@ struct CForm {
 std::span<const CForm> FormsOf(EKind kind);
 
 /// Returns the form that headers of a kind have in a layout.
-const CForm& FormOf(EKind kind, std::size_t layout);
+const CForm& FormOf(EKind kind, const rawdata::CLayout& layout);
 
 /// The location of a header. Bytes inserted into it or removed from it move the rows after that place.
 struct CHdrPlace {

@@ -408,6 +408,7 @@ class CExplainer {
         };
         std::vector<CPiece> pieces;
         std::int64_t shown = kLost;
+        std::int64_t nextRecording = kLost;
         const CNode* node = std::ranges::min_element(m_open, {}, cost)->get();
         for (; node->piece.candidate != nullptr; node = node->parent.get()) {
             CPiece& piece = pieces.emplace_back(node->piece);
@@ -416,6 +417,8 @@ class CExplainer {
             if (piece.ownShift == piece.shift + piece.candidate->moved) shown = piece.ownShift;
             if (node->Is(EKind::File)) shown = kLost;
             piece.shownShift = shown;
+            if (nextRecording != kLost && piece.ownShift != kLost) piece.nextRecording = nextRecording + piece.ownShift;
+            if (node->Is(EKind::Recording)) nextRecording = node->Candidate().begin;
         }
         std::ranges::reverse(pieces);
         return pieces;

@@ -43,11 +43,12 @@ enum class EMade : std::uint8_t {
 /// A candidate that the explanation uses.
 struct CPiece {
     const CCandidate* candidate = nullptr;
-    std::int64_t end = 0;             ///< Offset of the byte after the piece and its samples.
-    std::int64_t samples = 0;         ///< Segment: number of its samples, including those cut off.
-    std::int64_t shift = 0;           ///< By how much positions after this piece exceed the offsets they mean.
-    std::int64_t ownShift = kLost;    ///< The shift by its own position.
-    std::int64_t shownShift = kLost;  ///< The shift by the first correct position from here on in its file.
+    std::int64_t end = 0;                ///< Offset of the byte after the piece and its samples.
+    std::int64_t samples = 0;            ///< Segment: number of its samples, including those cut off.
+    std::int64_t shift = 0;              ///< By how much positions after this piece exceed the offsets they mean.
+    std::int64_t ownShift = kLost;       ///< The shift by its own position.
+    std::int64_t shownShift = kLost;     ///< The shift by the first correct position from here on in its file.
+    std::int64_t nextRecording = kLost;  ///< The position of the next recording header, by `ownShift`.
     EMade made = EMade::None;
     bool lostRecording = false;  ///< A recording whose header is lost begins before this segment.
     bool isCut = false;          ///< The input ends within its samples.

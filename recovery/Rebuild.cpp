@@ -223,14 +223,9 @@ const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     return version == 0 ? Layouts().back() : LayoutForWriting(version);
 }
 
-/// Returns the form that a kind of header has in the new file.
-const CForm& NewForm(EKind kind, const CLayout& layout) {
-    return FormOf(kind, static_cast<std::size_t>(&layout - Layouts().data()));
-}
-
 /// Returns the file header of the new file. Its position isn't set yet.
 std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout, std::vector<CNote>& notes) {
-    const CHdrCells old = OldHdr(window, found.file.form, NewForm(EKind::File, layout), found.file.Place());
+    const CHdrCells old = OldHdr(window, found.file.form, FormOf(EKind::File, layout), found.file.Place());
     NoteDamage(old, notes);
     CRawDataFileHdr was;
     Decode(layout, old.bytes, was);
@@ -253,7 +248,7 @@ std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
 /// if its own is lost.
 std::string RebuildRecordingHdr(CWindow& window, const CFoundRecording& recording, const CLayout& layout,
                                 CReportedRecording& report) {
-    CHdrCells old = OldHdr(window, recording.header.form, NewForm(EKind::Recording, layout), recording.header.Place());
+    CHdrCells old = OldHdr(window, recording.header.form, FormOf(EKind::Recording, layout), recording.header.Place());
     LoseWrongLists(layout, old);
     if (recording.header.form == nullptr) {
         report.notes.push_back({.kind = CNote::EKind::MadeUp});

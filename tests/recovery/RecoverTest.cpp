@@ -746,6 +746,15 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
     const auto patched = [](std::string bytes, std::size_t at, const std::string& by) {
         return bytes.replace(at, by.size(), by);
     };
+    // The first recording has twelve segments. Nine of them have room for a header.
+    const auto longer = [&](std::int64_t next, const std::string& by) {
+        CSegmentTexts links;
+        for (std::int64_t from = 0; from < 4800; from += 400)
+            links.push_back({11, from, kWell11});
+        return patched(FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = next}) + ChainBytes(links), 3958,
+                       by) +
+               RecordingHdrBytes({.recording = 2, .data = 9806}) + ChainBytes({{11, 0, kWell11}}, 9806);
+    };
     const auto destroyed = [&](std::size_t from, std::size_t to) {
         return patched(whole, from, std::string(to - from, '\xAA'));
     };
@@ -822,6 +831,25 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
          {one},
          {one, one, one},
          2,
+         1},
+        {"the positions of a header and a segment after a gap confirm the next header",
+         longer(7346, std::string(2772, '\xAA')),
+         {one, two},
+         {one, one, one, two},
+         0,
+         0},
+        {"the header before the gap has no next one",
+         longer(-1, std::string(2772, '\xAA')),
+         {one, two},
+         {one, one, one, two},
+         1,
+         1},
+        {"segments of another file overwrite some of many",
+         longer(7346, std::string(12, '\xAA') +
+                          ChainBytes({{11, 400, kWell11}, {12, 0, kWell12}, {12, 400, kWell12}}, 2000).substr(0, 616)),
+         {one, two},
+         {one, one, one, one, one, one, one, one, one, one, one, one, two},
+         0,
          1},
         {"pages of 512 bytes at the end of the header are swapped",
          TakingTurns(3).bytes.replace(3584, 1024,
