@@ -94,7 +94,8 @@ class Settings(_Document, _vxfileio.SettingsContent):
         for texts with a NUL: only what precedes it is written.
         """
         with _reserved(path, overwrite) as name:
-            report(_vxfileio.write_settings(self, name, compound), os.fsdecode(path))
+            error = _vxfileio.write_settings(self, name, compound)
+        report(error, os.fsdecode(path))
 
     def __repr__(self) -> str:
         wells = sum(well is not None for well in self.RecordPlate.Data.Wells)
@@ -174,7 +175,8 @@ class Results(_Document, _vxfileio.ResultsContent):
         the new one is complete. Issues a `WriteWarning` for texts with a NUL: only what precedes it is written.
         """
         with _reserved(path, overwrite) as name:
-            report(_vxfileio.write_results(self, name), os.fsdecode(path))
+            error = _vxfileio.write_results(self, name)
+        report(error, os.fsdecode(path))
 
     def export(self, path: Path, settings: Union[None, Path, Settings] = None, *, overwrite: bool = False) -> None:
         """Writes workbooks: one with all responses to `path`, and one for each well that the plate marks as new.

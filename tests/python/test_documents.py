@@ -4,6 +4,7 @@ import copy
 import gc
 import pickle
 import re
+import warnings
 
 import numpy as np
 import pytest
@@ -217,7 +218,12 @@ def test_saving_a_text_that_a_nul_cuts_warns(tmp_path):
     settings.Notebook.Comment = "before\0after"
     with pytest.warns(vx.WriteWarning, match="Notebook/Comment: the text has a NUL"):
         settings.save(tmp_path / "a.vxs")
-    assert vx.open(tmp_path / "a.vxs").Notebook.Comment == "before"
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        with pytest.raises(vx.WriteWarning):
+            settings.save(tmp_path / "b.vxs")
+    for name in ("a.vxs", "b.vxs"):
+        assert vx.open(tmp_path / name).Notebook.Comment == "before"
 
 
 @pytest.mark.parametrize("path", [SETTINGS, RESULTS], ids=lambda path: path.name)
