@@ -129,7 +129,10 @@ class Recordings:
 
 
 def _is_rate(value: Any) -> bool:
-    return isinstance(value, numbers.Real) and 0 < float(value) < float("inf")
+    try:
+        return isinstance(value, numbers.Real) and 0 < float(value) < float("inf")
+    except OverflowError:  # an int or a fraction beyond the largest float
+        return False
 
 
 def _reopen(path: str, options: dict[str, Any]) -> Recordings:
@@ -323,8 +326,9 @@ class Recording:
                   stop: Optional[int] = None, scaled: bool = True) -> xarray.Dataset:
         """Returns a dataset with one variable per well, named by its label.
 
-        Without settings, or if two wells have the same label, the names are the IDs. Wells with the same times share a
-        dimension; the dimensions are `time`, `time_2` and so on. Nothing is filled in or sorted. Needs xarray.
+        Without settings, or if two wells have the same label or one begins with `time`, the names are the IDs. Wells
+        with the same times share a dimension; the dimensions are `time`, `time_2` and so on. Nothing is filled in or
+        sorted. Needs xarray.
         """
         import xarray
 
