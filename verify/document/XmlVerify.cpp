@@ -185,6 +185,9 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
         if (token.kind == EToken::Section)
             Add(token.offset, Quoted(token.bytes), "text without a CDATA section",
                 "Another program wrote this; readers take the text in it.");
+        if (const auto nul = token.bytes.find('\0'); nul != std::string_view::npos)
+            Add(token.offset + nul, Quoted(token.bytes.substr(nul)), "no byte 0",
+                "For readers the document ends here.");
         text += token.text;
     }
     JudgeText(rule, text, start.offset + start.bytes.size());
@@ -201,8 +204,6 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
 }
 
 void CXmlVerifier::JudgeText(const CXmlElement& rule, std::string_view text, std::size_t offset) {
-    if (const auto nul = text.find('\0'); nul != std::string_view::npos)
-        Add(offset + nul, Quoted(text.substr(nul)), "no byte 0", "For readers the document ends here.");
     if (rule.kind == EXmlKind::Bool) m_trueBool = text == "1" ? rule.tag : "";
     if (rule.kind == EXmlKind::Samples) m_samples = CountSamples(text);
     if (!rule.onlyIf.empty() && m_trueBool != rule.onlyIf) {
