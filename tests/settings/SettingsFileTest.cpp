@@ -138,8 +138,7 @@ TEST_F(SettingsFileTest, TextsThatANulCutsAreReported) {
     robot.RobotConfig.TroughMediumNames = {"\0"s, "\0"s};
     m_writer.SetRobotProperty(robot);
     m_writer.WriteFile(path);
-    EXPECT_EQ(m_writer.GetWriteError(),
-              "Vexaprobe/Settings/PropertyNotebook/Comment" + cut + ", and 2 more texts in this way");
+    EXPECT_EQ(m_writer.GetWriteError(), "Vexaprobe/Settings/PropertyNotebook/Comment" + cut + "; 2 more of this kind");
     m_writer.SetNotebookProperty({});
     m_writer.SetRobotProperty({});
     m_writer.WriteFile(path);

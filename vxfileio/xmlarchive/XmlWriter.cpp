@@ -122,7 +122,7 @@ void XmlWriter::NoteCutText() {
 
 std::string XmlWriter::CutTexts() const {
     if (m_cuts == 0) return {};
-    const std::string others = m_cuts == 1 ? "" : ", and " + std::to_string(m_cuts - 1) + " more texts in this way";
+    const std::string others = m_cuts == 1 ? "" : "; " + std::to_string(m_cuts - 1) + " more of this kind";
     return m_firstCut + ": the text has a NUL, and only what precedes it was written" + others;
 }
 
