@@ -5,7 +5,7 @@
 
 A session is a block that begins with ```console; its lines that begin with "$ " are commands, the others their output.
 They run in a separate folder that has the files below. --update writes the real output into the pages. --sanitized skips
-commands that limit the address space, of which sanitizers need terabytes. The program's version is shown as VERSION on
+commands that limit the address space, because sanitizers need terabytes of it. The program's version is shown as VERSION on
 the pages, so that a release doesn't change them.
 """
 import os
