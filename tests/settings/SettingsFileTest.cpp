@@ -127,7 +127,7 @@ TEST_F(SettingsFileTest, OnlyFailureToOpenThrows) {
 TEST_F(SettingsFileTest, TextsThatANulCutsAreReported) {
     using std::string_literals::operator""s;
     const std::string cut = ": the text has a NUL, and only what precedes it was written";
-    const std::string path = m_folder.Path("nul.vxs");
+    const std::string path = m_folder.Path("cut.vxs");
     CPropNotebook notebook;
     notebook.Comment = "ab\0cd"s;
     m_writer.SetNotebookProperty(notebook);
