@@ -153,7 +153,7 @@ void LoadChildren(CXmlFileArchive& archive, Load load) {
     if (HasChildren(archive)) load();
 }
 
-/// Returns the number of entries to be read from the current list: none if it has no children, whatever its `Size`.
+/// Returns the number of entries to read from the current list: its `Size`, or 0 if it has no children.
 inline std::size_t EntriesOf(CXmlFileArchive& archive) {
     const std::size_t size = archive.GetListSize();
     return HasChildren(archive) ? size : 0;
