@@ -470,7 +470,7 @@ VX_API int VX_CALL vx_document_get_faults(vx_document* document, char* buffer, i
  * wells: that at the index `compound` of the plate's list, or the first one with all active wells for -1. For results,
  * `compound` is -1. A settings file gets the current time as PropertyAnalyzer/AnalyzingDate; the document keeps its
  * own. VX_ERROR_FILE if the new file can't be created, VX_ERROR_WRITE if the system refused something else; the old
- * file is unchanged then. VX_ERROR_WRITE also for a text with a NUL, which ends there in the new file. */
+ * file is unchanged then. Also VX_ERROR_WRITE if a text has a NUL; the new file has the text up to there. */
 VX_API int VX_CALL vx_document_save(vx_document* document, const char* path, int32_t compound);
 
 /* Returns what is at a path: one of vx_type. */

@@ -28,7 +28,7 @@ struct CNode {
     std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
     std::shared_ptr<CNode> parent;
-    std::int64_t shiftBefore = kLost;       ///< The shift before the last gap that explains another one.
+    std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
     bool goesOn = false;                    ///< It continues after a file within samples.
     const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.

@@ -90,8 +90,8 @@ class Settings(_Document, _vxfileio.SettingsContent):
         """Writes a settings file with the compound at this index of the plate's list, and its wells.
 
         Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
-        the new one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time. Issues a `WriteWarning`
-        for texts with a NUL: only what precedes it is written.
+        the new one is complete. Sets `Analyzer.AnalyzingDate` in the file to the current time. Cuts a text at its first
+        NUL, with a `WriteWarning`.
         """
         with _reserved(path, overwrite) as name:
             error = _vxfileio.write_settings(self, name, compound)
@@ -172,7 +172,8 @@ class Results(_Document, _vxfileio.ResultsContent):
         reading takes the keys from there.
 
         Raises `FileExistsError` if the file exists, unless `overwrite` is set. An existing file is replaced only when
-        the new one is complete. Issues a `WriteWarning` for texts with a NUL: only what precedes it is written.
+        the new one is complete. Cuts a text at its first NUL, with a
+        `WriteWarning`.
         """
         with _reserved(path, overwrite) as name:
             error = _vxfileio.write_results(self, name)

@@ -31,7 +31,7 @@ TEST_F(WriterTest, OpenNewCreatesAFileButNeverChangesAnExistingOne) {
     EXPECT_EQ(TextOfFailure([&] { m_writer.OpenNew(m_path); }), "Cannot open file " + m_path + ", because it exists");
     EXPECT_EQ(Bytes(), before);
     const std::string report = std::make_error_code(std::errc::file_exists).message() + ", opening " + m_path +
-                               "; choose another name, or move away what has this one; Open replaces files";
+                               "; choose another name, or move what is there; Open replaces files";
     EXPECT_EQ(m_writer.GetWriteError(), report);
     EXPECT_EQ(TextOfFailure([&] { m_writer.WriteFileHdr(ExampleFileHdr()); }), "No raw data file is open for writing.");
     EXPECT_FALSE(m_writer.FlushToDisk());

@@ -57,8 +57,8 @@ class VXFILEIO_API CISettingsWriter {
     void WriteFile(const std::string& path, std::int32_t compound);
 
     /// Returns an empty text if the last `WriteFile` passed everything to the operating system, otherwise a description
-    /// of the first failure: "No space left on device, writing 65536 bytes at 0 of run.vxs". Also reports texts with a
-    /// NUL, which the file has only up to there.
+    /// of the first failure: "No space left on device, writing 65536 bytes at 0 of run.vxs". Also reports texts that
+    /// were cut at a NUL.
     std::string GetWriteError() const;
 
  private:

@@ -8,7 +8,7 @@ namespace vxfileio::rawdata {
 // Files and disks. The path or the key follows where the text ends in a blank.
 inline constexpr const char* kCannotOpen = "Cannot open file ";
 inline constexpr const char* kExists = ", because it exists";  // after kCannotOpen and the path
-inline constexpr const char* kNameTaken = "choose another name, or move away what has this one; Open replaces files";
+inline constexpr const char* kNameTaken = "choose another name, or move what is there; Open replaces files";
 inline constexpr const char* kNotOurFile = "Opened file is not a Vexaprobe file.";
 inline constexpr const char* kEmptyFile = "Opened file is empty.";
 inline constexpr const char* kBadRecordingHdr = "Error reading Recording Header";

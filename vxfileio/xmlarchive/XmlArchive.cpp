@@ -65,6 +65,10 @@ CXmlFileArchive& CXmlFileArchive::CloseElement() {
     return *this;
 }
 
+void CXmlFileArchive::NoteCutText() { m_writer->NoteCutText(); }
+
+std::string CXmlFileArchive::CutTexts() const { return m_writer->CutTexts(); }
+
 std::int32_t CXmlFileArchive::SkipProlog() { return m_reader->SkipProlog() ? kDone : kFailed; }
 
 std::string_view CXmlFileArchive::TagName() const noexcept { return m_reader->Name(); }
@@ -102,7 +106,6 @@ bool CXmlFileArchive::ListHasEntries() { return m_reader->ReadListClaim() > 0; }
 void CXmlFileArchive::GetSamples(std::vector<double>& samples) { m_reader->ReadSamples(samples); }
 
 void CXmlFileArchive::NoteText(XmlFault kind, std::span<const std::string_view> words) {
-    if (m_stores) return m_writer->NoteCutText();
     m_reader->NoteText(kind, words);
 }
 
@@ -110,9 +113,7 @@ void CXmlFileArchive::NoteMissingKey(std::string_view key) { m_reader->NoteMissi
 
 void CXmlFileArchive::CountEntries() { m_reader->MakeList(XmlReader::kAnyNumber); }
 
-std::string CXmlFileArchive::Finish(std::string_view section) {
-    return m_stores ? m_writer->CutTexts() : m_reader->Finish(section);
-}
+std::string CXmlFileArchive::Finish(std::string_view section) { return m_reader->Finish(section); }
 
 std::uint32_t CXmlFileArchive::ElementState() const noexcept {
     return m_stores ? m_writer->State() : m_reader->State();

@@ -90,6 +90,12 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     /// Ends the current element. Does nothing if none is open.
     CXMLArchive& CloseElement();
 
+    /// Reports that the text of the current element has a NUL, for the text of `CutTexts`.
+    void NoteCutText();
+
+    /// Returns a sentence about the texts that were cut at a NUL, or an empty text if there are none.
+    std::string CutTexts() const;
+
     // ---- Loading ----------------------------------------------------------------------------------------------------
 
     /// Moves to the root element, past declaration, comments and the like. Returns 0, or 0x80004005 if text precedes
@@ -141,7 +147,7 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     void GetSamples(std::vector<double>& samples);
 
     /// Reports that the text of the current element isn't a value of its kind, for the text of `Finish`. `words` are
-    /// those that it could be. Storing: reports that the text has a NUL.
+    /// those that it could be.
     void NoteText(XmlFault kind, std::span<const std::string_view> words = {});
 
     /// Reports that the current element is in place of the key with this tag, if there is an element.
@@ -152,8 +158,7 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
 
     /// Moves past the end of the root. Returns sentences that describe what was wrong with the document, or an empty
     /// text if nothing was: another kind of file; no section with the tag `section`, which must be the last that was
-    /// read; and the first of each kind of fault, with its path and offset. Storing: returns a sentence about the texts
-    /// that have a NUL.
+    /// read; and the first of each kind of fault, with its path and offset.
     std::string Finish(std::string_view section);
 
     // ---- Both -------------------------------------------------------------------------------------------------------

@@ -35,7 +35,7 @@ void WriteDocument(const std::string& path, std::string_view openFailed, std::st
     archive.CloseElement();
     archive.FlushBuffer();
     writeError = file.Commit();
-    const std::string cut = archive.Finish({});
+    const std::string cut = archive.CutTexts();
     writeError += (writeError.empty() || cut.empty() ? "" : "; ") + cut;
 }
 

@@ -37,7 +37,7 @@ class XmlFaults {
         std::uint64_t offset = 0;   ///< Bytes from the start of the document.
         std::string path = {};      ///< The tags from the root on, with `/` between them, and the numbers of entries.
         std::string found = {};     ///< The beginning of a value, or a tag; at the end, one that wasn't read.
-        std::string expected = {};  ///< In words.
+        std::string expected = {};  ///< In words; at the end, what ended the document before its file.
     };
 
     /// Counts a fault. Returns where to describe it if it is the first of its kind, otherwise null.

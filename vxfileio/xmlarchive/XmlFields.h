@@ -83,7 +83,7 @@ inline constexpr CXmlElement kElementOf{
 /// Writes a text. Reports one with a NUL, since only what precedes it is written.
 inline void PutText(CXmlFileArchive& archive, const std::string& text) {
     archive.PutValue(text);
-    if (text.find('\0') != std::string::npos) archive.NoteText(gd_xml_stream::XmlFault::CutText);
+    if (text.find('\0') != std::string::npos) archive.NoteCutText();
 }
 
 /// Writes one value: an enumeration as its word, a character as a text.

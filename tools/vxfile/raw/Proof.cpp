@@ -167,7 +167,7 @@ void CProof::Print(std::ostream& out) const {
     }
     if (isOfAnotherFile) {
         out << "  The seal " << Readable(seal)
-            << " is of another file, or this file was replaced: it has none of these samples.\n";
+            << " belongs to another file, or this file was replaced: it has none of these samples.\n";
         return;
     }
     const auto printed = std::span(remarks).first(std::min(remarks.size(), kMostPrinted));

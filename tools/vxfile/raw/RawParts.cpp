@@ -68,7 +68,7 @@ void CRawParts::AddGaps() {
     }
     reach(m_scan.Size());
     if (gaps > 0)
-        m_doubts.push_back(Counted(static_cast<std::uint64_t>(gaps), "byte") + " outside of all headers and segments");
+        m_doubts.push_back(Counted(static_cast<std::uint64_t>(gaps), "byte") + " outside all headers and segments");
     m_places = std::move(all);
 }
 

@@ -64,7 +64,8 @@ class CSealCheck {
                 ", none of the samples or blocks that were sealed",
             Quoted(m_reader.Name()) + " of " + Counted(static_cast<std::uint64_t>(m_reader.Size()), "byte") +
                 ", SHA-256 " + m_reader.Sha256(),
-            "The seal is of another file, or this file was replaced. Look for the sealed file by its SHA-256; if this "
+            "The seal belongs to another file, or this file was replaced. Look for the sealed file by its SHA-256; if "
+            "this "
             "is the right one, seal it again with 'vxfile seal --force'.");
         return EState::OtherFile;
     }
@@ -142,7 +143,7 @@ std::string CSealVerdict::Words() const {
         case EState::Changed:
             return Red("changed since it was sealed");
         case EState::OtherFile:
-            return Red("its seal is of another file");
+            return Red("its seal belongs to another file");
         default:
             return Yellow("its seal can't be used");
     }

@@ -15,7 +15,7 @@ struct CSealVerdict {
         Intact,     ///< The file is unchanged since it was sealed.
         Grown,      ///< It grew; the sealed bytes are intact.
         Changed,    ///< Sealed bytes are changed or missing.
-        OtherFile,  ///< The seal is of another file.
+        OtherFile,  ///< The seal belongs to another file.
         Unusable    ///< The seal can't be used.
     };
 
