@@ -82,7 +82,7 @@ class Seals : public testing::Test {
 
     EState Check() {
         m_findings = {};
-        const auto verdict = CheckSeal(m_path, m_findings);
+        const auto verdict = CSealCheck(m_path).Finish(m_findings);
         return verdict ? verdict->state : EState::Unusable;
     }
 

@@ -15,15 +15,12 @@
 
 namespace vxfile {
 
-namespace {
-
 using EState = CSealVerdict::EState;
 
-/// One comparison.
-class CSealCheck {
+/// A file next to its seal.
+class CSealCheck::CComparison {
  public:
-    explicit CSealCheck(const std::string& path)
-        : m_reader(SealOf(path)), m_progress("Comparing " + path, m_reader.Size()) {
+    explicit CComparison(const std::string& path) : m_path(path), m_reader(SealOf(path)) {
         OpenInput(m_file, path);
         m_fileSize = m_file.Size();
         m_size = std::min(m_fileSize, m_reader.Size());
@@ -31,10 +28,11 @@ class CSealCheck {
     }
 
     EState Run() {
+        CProgress progress("Comparing " + m_path, m_reader.Size());
         CSealedPart part;
         while (m_reader.Next(part)) {
             Compare(part);
-            m_progress.Reach(part.End());
+            progress.Reach(part.End());
         }
         if (IsOfAnotherFile()) return ReportOtherFile();
         if (m_size == m_reader.Size()) CompareSha256();
@@ -120,9 +118,9 @@ class CSealCheck {
             "The file changed after it was sealed in a way that its other checksums don't show; take it from a copy.");
     }
 
+    std::string m_path;
     CSealReader m_reader;
     CFindings m_findings;
-    CProgress m_progress;
     vxfileio::helpers::CFile m_file;
     std::int64_t m_fileSize = 0;
     std::int64_t m_size = 0;  ///< The sealed bytes that the file has.
@@ -131,8 +129,6 @@ class CSealCheck {
     std::size_t m_compared = 0;  ///< The number of parts that are whole and typical of the file,
     bool m_hasSame = false;      ///< and whether one of them is as it was.
 };
-
-}  // namespace
 
 std::string CSealVerdict::Words() const {
     switch (state) {
@@ -156,14 +152,25 @@ CJson CSealVerdict::Json() const {
             {"sealedSize", state == EState::Unusable ? CJson() : CJson(sealedSize)}};
 }
 
-std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findings) {
-    if (!HasSeal(path)) return std::nullopt;
-    CSealVerdict verdict{.seal = SealOf(path)};
+CSealCheck::CSealCheck(const std::string& path) : m_seal(HasSeal(path) ? SealOf(path) : "") {
+    if (m_seal.empty()) return;
     try {
-        CSealCheck check(path);
-        verdict.state = check.Run();
-        findings.Add(std::move(check.Findings()));
-        verdict.sealedSize = check.SealedSize();
+        m_comparison = std::make_unique<CComparison>(path);
+    } catch (const CSealFailure& failure) {
+        m_failure = failure.what();
+    }
+}
+
+CSealCheck::~CSealCheck() = default;
+
+std::optional<CSealVerdict> CSealCheck::Finish(CFindings& findings) {
+    if (m_seal.empty()) return std::nullopt;
+    CSealVerdict verdict{.seal = m_seal};
+    try {
+        if (!m_comparison) throw CSealFailure(m_failure);
+        verdict.state = m_comparison->Run();
+        findings.Add(std::move(m_comparison->Findings()));
+        verdict.sealedSize = m_comparison->SealedSize();
     } catch (const CSealFailure& failure) {
         findings.Add({"seal", -1, "a seal that can't be used", "a seal of version " + std::to_string(kSealVersion),
                       failure.what()});

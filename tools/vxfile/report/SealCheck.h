@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -28,8 +29,26 @@ struct CSealVerdict {
     CJson Json() const;
 };
 
-/// Compares every byte of a file with its seal, and adds a finding for each changed part. Returns nothing if there is
-/// no seal. Throws `CFailure` if the file can't be read.
-std::optional<CSealVerdict> CheckSeal(const std::string& path, CFindings& findings);
+/// The comparison of every byte of a file with its seal.
+class CSealCheck {
+ public:
+    /// Starts to read the file if it has a seal, so that other checks before `Finish` find it in the page cache. Throws
+    /// `CFailure` if the file can't be opened.
+    explicit CSealCheck(const std::string& path);
+    ~CSealCheck();
+    CSealCheck(const CSealCheck&) = delete;
+    CSealCheck& operator=(const CSealCheck&) = delete;
+
+    /// Adds a finding for each changed part, and returns the result; nothing if there is no seal. Call it once. Throws
+    /// `CFailure` if the file can't be read.
+    std::optional<CSealVerdict> Finish(CFindings& findings);
+
+ private:
+    class CComparison;
+
+    std::string m_seal;                         ///< The path of the seal; empty if there is none.
+    std::string m_failure;                      ///< Why it can't be used.
+    std::unique_ptr<CComparison> m_comparison;  ///< Null without a seal that can be used.
+};
 
 }  // namespace vxfile

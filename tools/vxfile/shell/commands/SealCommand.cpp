@@ -64,7 +64,7 @@ CFileState StateOf(const std::string& path) {
 /// A file to seal.
 struct CSource {
     const std::string& path;
-    const CFile& file;
+    CFileDigest& digest;
     std::int64_t size = 0;
     CFileState before;  ///< The state before it was read.
 };
@@ -118,14 +118,16 @@ class CSealCommand : public CCommand {
             CFile file;
             OpenInput(file, path);
             const std::int64_t size = file.Size();
-            Write({path, file, size, before}, sealed, [&](const auto& take) { ForEachBlock(size, take); });
+            CFileDigest digest(file, path, size);
+            Write({path, digest, size, before}, sealed, [&](const auto& take) { ForEachBlock(size, take); });
             return sealed;
         }
         const CRawScan scan(path);
+        CFileDigest digest(scan.File(), path, scan.Size());  // first: it reads ahead of the walk over the headers
         const CRawParts parts(scan);
         sealed.segments = parts.Segments();
         sealed.doubts = parts.Doubts();
-        Write({path, scan.File(), scan.Size(), before}, sealed, [&](const auto& take) { parts.ForEach(take); });
+        Write({path, digest, scan.Size(), before}, sealed, [&](const auto& take) { parts.ForEach(take); });
         return sealed;
     }
 
@@ -147,12 +149,11 @@ class CSealCommand : public CCommand {
 
     /// Writes the seal of a file whose parts `forEach` delivers.
     void Write(const CSource& source, CSealed& sealed, const auto& forEach) const {
-        const auto& [path, file, size, before] = source;
+        const auto& [path, digest, size, before] = source;
         sealed.size = size;
         COutput output({.path = SealOf(path), .sources = {path}, .replace = m_force});
         CSealWriter seal([&](std::string_view text) { output.Write(text); },
                          Readable(fs::path(path).filename().string()), WordOf(sealed.kind), size);
-        CFileDigest digest(file, path, size);
         CProgress progress("Sealing " + path, size);
         forEach([&](CSealedPart& part) {
             part.sum = digest.HashNext(part.SumLength());

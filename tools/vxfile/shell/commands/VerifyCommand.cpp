@@ -179,9 +179,11 @@ class CVerifyCommand : public CCommand {
     /// Checks one file. Returns its entry for the JSON document; null without --json.
     CJson Tell(const std::string& path) {
         const EFileKind kind = FileKindOf(path);
+        std::optional<CSealCheck> sealCheck;
+        if (!m_noSeal) sealCheck.emplace(path);
         CVerdict verdict =
             kind == EFileKind::RawData ? VerifyPlate(path) : CVerdict{path, kind, VerifyKind(kind, path)};
-        if (!m_noSeal) verdict.seal = CheckSeal(path, verdict.findings);
+        if (sealCheck) verdict.seal = sealCheck->Finish(verdict.findings);
         ++m_counts[static_cast<std::size_t>(StatusOf(verdict.findings))];
         if (!m_json && !m_quiet) Print(verdict);
         return m_json ? ToJson(verdict) : CJson();
