@@ -36,11 +36,12 @@ void BindTexts(py::module_& module) {
     module.attr("_texts") = texts;
 }
 
-/// The bytes that files of a kind begin with.
+/// The bytes that files of a kind begin with, and the root of documents.
 void BindMarks(py::module_& module) {
     py::dict marks;
     marks["raw"] = py::bytes(base::kRawDataMark);
     marks["workbook"] = py::bytes(base::kCompoundMark);
+    marks["root"] = py::bytes(std::string(xmlarchive::kRootElement));
     module.attr("_marks") = marks;
 }
 

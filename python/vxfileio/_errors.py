@@ -2,6 +2,7 @@
 
 import errno
 import os
+import re
 import sys
 import warnings
 from typing import NamedTuple, NoReturn, Optional
@@ -115,11 +116,15 @@ def fail(text: bytes, path: bytes, code: int) -> NoReturn:
     raise exception_for(text.decode("utf-8", "surrogateescape"), os.fsdecode(path), code)
 
 
+REFUSED_STEP = re.compile(r".*?, (opening|closing|replacing|flushing|writing \d+ bytes at \d+ of) ")
+"""The beginning of a text of `GetWriteError` about what the system refused, whatever words it has for the reason."""
+
+
 def refusal(text: str, path: str) -> Optional[OSError]:
     """Returns the exception for a text of `GetWriteError`, or None if it isn't about an error of the system."""
     found = [number for number in errno.errorcode if text.startswith(os.strerror(number))]
     if not found:
-        return None
+        return FileError(errno.EIO, text, path) if REFUSED_STEP.match(text) else None
     longest = max(found, key=lambda number: len(os.strerror(number)))  # "No such device or address", not "No such device"
     return OSError(longest, text, path)
 

@@ -15,13 +15,15 @@ from ._raw import Recordings
 from ._types import Path
 from ._vxfileio import _document_kinds, _marks
 
-LOOK_AHEAD = 64 << 10
-"""The number of bytes of a document that are searched for its section."""
+USUAL_LOOK_AHEAD, LOOK_AHEAD = 64 << 10, 16 << 20
+"""The number of bytes of a document that are searched for its section; more only if they have our root."""
 
 DOCUMENT_MARKS = (
     *((rf"<{section}[\s/>]".encode(), section.lower()) for _, section, _ in _document_kinds),
     *((f"<FileType>{file_type}<".encode(), section.lower()) for _, section, file_type in _document_kinds),
 )
+
+ROOT_MARK = b"<" + _marks["root"] + rb"[\s/>]"
 
 KINDS_THAT_ARE_NOT_READ = {
     "workbook": "The file is a workbook; a spreadsheet program reads it",
@@ -29,6 +31,10 @@ KINDS_THAT_ARE_NOT_READ = {
     "pipe": "The file is a pipe; put what comes out of it into a file and open that",
     "unknown": "The file isn't one of the system",
 }
+
+
+def _may_be_document(head: bytes) -> bool:
+    return head.removeprefix(b"\xef\xbb\xbf").lstrip(b" \t\r\n").startswith(b"<")
 
 
 def kind_of(path: Path) -> str:
@@ -41,7 +47,10 @@ def kind_of(path: Path) -> str:
         return "pipe"
     with io.open(name, "rb") as file:
         try:
-            head = file.read(LOOK_AHEAD)
+            head = file.read(USUAL_LOOK_AHEAD)
+            if _may_be_document(head) and not any(re.search(mark, head) for mark, _ in DOCUMENT_MARKS):
+                more = head + file.read(LOOK_AHEAD - len(head))
+                head = more if re.search(ROOT_MARK, more) else head
         except OSError as error:
             raise OSError(error.errno, error.strerror, name) from None
     if not head:
@@ -50,7 +59,7 @@ def kind_of(path: Path) -> str:
         return "raw"
     if head.startswith(_marks["workbook"]):
         return "workbook"
-    if head.removeprefix(b"\xef\xbb\xbf").lstrip(b" \t\r\n").startswith(b"<"):
+    if _may_be_document(head):
         return next((kind for mark, kind in DOCUMENT_MARKS if re.search(mark, head)), "unknown")
     return "unknown"
 

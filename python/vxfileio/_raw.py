@@ -6,6 +6,7 @@ import numbers
 import operator
 import os
 import re
+import weakref
 from collections.abc import Iterable, Iterator, Mapping, Sequence
 from typing import TYPE_CHECKING, Any, Optional, Union, overload
 
@@ -55,13 +56,21 @@ class Recordings:
         self._absolute = os.path.abspath(self.path)
         self._file: Optional[_vxfileio.RawDataFile] = _vxfileio.RawDataFile(os.fsencode(path))
         self.header: _vxfileio.RawDataFileHdr = self._file.header()
-        self.recordings = RecordingList(self, self._file.recordings())
+        self._headers = self._file.recordings()
+        self._indexes: dict[int, _vxfileio.RecordingIndex] = {}
+        # Recordings keep their file. With references in both directions, a file that a program drops would stay open
+        # until the next garbage collection.
+        self._made: weakref.WeakValueDictionary[int, Recording] = weakref.WeakValueDictionary()
+
+    @property
+    def recordings(self) -> RecordingList:
+        """The recordings of the file, finished or not."""
+        return RecordingList(self)
 
     def close(self) -> None:
         """Closes the file. Closing it twice is not an error."""
         self._file = None
-        for recording in self.recordings:
-            recording._index = None
+        self._indexes.clear()
 
     @property
     def closed(self) -> bool:
@@ -149,15 +158,19 @@ class RecordingList(Sequence["Recording"]):
     If several recordings have the same task and number, that finds the last finished one.
     """
 
-    def __init__(self, run: Recordings, headers: Sequence[_vxfileio.RawDataRecordingHdr]) -> None:
+    def __init__(self, run: Recordings) -> None:
         self._run = run
-        self._items = [Recording(run, place, header) for place, header in enumerate(headers)]
+
+    def _at(self, place: int) -> Recording:
+        """Returns the recording at a place, the same object as before if it is still in use."""
+        made = self._run._made.get(place)
+        return self._run._made.setdefault(place, Recording(self._run, place)) if made is None else made
 
     def __len__(self) -> int:
-        return len(self._items)
+        return len(self._run._headers)
 
     def __iter__(self) -> Iterator[Recording]:
-        return iter(self._items)
+        return map(self._at, range(len(self)))
 
     @overload
     def __getitem__(self, key: Union[int, tuple[str, int]]) -> Recording: ...
@@ -166,7 +179,7 @@ class RecordingList(Sequence["Recording"]):
 
     def __getitem__(self, key: Union[int, slice, tuple[str, int]]) -> Union[Recording, list[Recording]]:
         if isinstance(key, slice):
-            return self._items[key]
+            return [self._at(place) for place in range(len(self))[key]]
         place: Optional[int] = None
         if isinstance(key, tuple) and len(key) == 2 and isinstance(key[0], str):
             task, number = key[0], operator.index(key[1])
@@ -178,10 +191,10 @@ class RecordingList(Sequence["Recording"]):
             place = range(len(self))[key]
         if place is None:
             raise NoSuchRecordingError(f"The file has no recording {key!r}", self._run.path)
-        return self._items[place]
+        return self._at(place)
 
     def __repr__(self) -> str:
-        return "[" + ",\n ".join(map(repr, self._items)) + "]"
+        return "[" + ",\n ".join(map(repr, self)) + "]"
 
     def _repr_html_(self) -> str:
         return self._run._repr_html_()
@@ -195,7 +208,8 @@ class Recording:
     doesn't follow the previous one after one interval, a new run begins (`runs`).
     """
 
-    def __init__(self, run: Recordings, place: int, header: _vxfileio.RawDataRecordingHdr) -> None:
+    def __init__(self, run: Recordings, place: int) -> None:
+        header = run._headers[place]
         self.run = run
         self.header = header
         self.task: str = header.TaskName
@@ -204,7 +218,6 @@ class Recording:
         self.wells: tuple[int, ...] = tuple(dict.fromkeys(channel.ID for channel in header.WellChannels))
         self.finished: bool = header.FPosRecordingData != -1
         self._place = place
-        self._index: Optional[_vxfileio.RecordingIndex] = None
 
     def channel(self, well: Well) -> _vxfileio.RawDataChannelInfo:
         """Returns the channel of a well: the scale and the interval of its samples."""
@@ -217,16 +230,18 @@ class Recording:
     def index(self) -> _vxfileio.RecordingIndex:
         """Returns the index of the segments. The first call reads it."""
         file = self.run.open_file()
-        if self._index is None:
-            self._index = file.index(self._place, self.run.unfinished, self.run.partial)
-        return self._index
+        index = self.run._indexes.get(self._place)
+        if index is None:
+            index = file.index(self._place, self.run.unfinished, self.run.partial)
+            self.run._indexes[self._place] = index
+        return index
 
     def refresh(self) -> None:
         """Discards the index, so that the next read includes segments that were recorded since.
 
         To see recordings that have begun or finished since, open the file again.
         """
-        self._index = None
+        self.run._indexes.pop(self._place, None)
 
     @property
     def certain_samples(self) -> int:

@@ -50,6 +50,9 @@ def test_refused_writes_have_the_number_of_their_text(number):
     error = _errors.refusal(os.strerror(number) + ". 3 segments missing", "run.vxd")
     assert (error.errno, error.filename) == (number, "run.vxd")
     assert _errors.refusal("PlateID has a separator", "run.vxd") is None
+    for step in ("replacing", "flushing the folder of", "writing 4096 bytes at 8192 of"):
+        error = _errors.refusal(f"Unknown error 523, {step} run.vxd", "run.vxd")
+        assert isinstance(error, vx.FileError) and error.errno == errno.EIO
 
 
 @pytest.mark.parametrize("name, exception", [("missing", FileNotFoundError), ("folder", IsADirectoryError)])

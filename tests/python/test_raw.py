@@ -3,7 +3,9 @@
 import concurrent.futures
 import copy
 import fractions
+import gc
 import pickle
+import weakref
 
 import numpy as np
 import pytest
@@ -194,6 +196,21 @@ def test_closing_ends_reading_but_arrays_stay():
     run.close()
 
 
+def test_a_file_that_a_program_drops_is_closed_at_once():
+    gc.disable()
+    try:
+        run = vx.open(RUN)
+        dropped = weakref.ref(run)
+        recording = run.recordings[0]
+        assert recording is run.recordings[0] and recording in run.recordings
+        del run
+        assert list(recording.samples(1)) == [1, 2, 3, 6]
+        del recording
+        assert dropped() is None
+    finally:
+        gc.enable()
+
+
 def test_pickles_reopen_the_file(tmp_path, monkeypatch):
     (tmp_path / "run.vxd").write_bytes(RUN.read_bytes())
     monkeypatch.chdir(tmp_path)
@@ -253,5 +270,11 @@ def test_representations_are_printable_and_escaped(tmp_path):
                                         ("read_vxd.py", "unknown")])
 def test_kind_is_that_of_the_content(name, kind, tmp_path):
     copied = tmp_path / "any name"
-    copied.write_bytes((REFERENCE / name).read_bytes())
+    content = (REFERENCE / name).read_bytes()
+    copied.write_bytes(content)
     assert vx.kind_of(copied) == kind
+    if content.startswith(b"<"):
+        copied.write_bytes(b"<!--" + b"x" * 200000 + b"-->" + content)
+        assert vx.kind_of(copied) == kind
+        copied.write_bytes(copied.read_bytes().replace(b"Vexaprobe", b"Other"))
+        assert vx.kind_of(copied) == "unknown"
