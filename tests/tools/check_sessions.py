@@ -8,6 +8,7 @@ They run in a separate folder that has the files below. --update writes the real
 commands that limit the address space, because sanitizers need terabytes of it. The program's version is shown as VERSION on
 the pages, so that a release doesn't change them.
 """
+import argparse
 import os
 import pathlib
 import shutil
@@ -68,18 +69,24 @@ def play(lines, folder, programs, skipped):
 
 
 def main():
-    arguments = [a for a in sys.argv[1:] if not a.startswith("--")]
-    skipped = "ulimit -v" if "--sanitized" in sys.argv else None
-    programs, pages = pathlib.Path(arguments[0]).resolve(), arguments[1:]
+    parser = argparse.ArgumentParser(allow_abbrev=False, description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    option = parser.add_mutually_exclusive_group()
+    option.add_argument("--update", action="store_true")
+    option.add_argument("--sanitized", action="store_true")
+    parser.add_argument("folder", type=pathlib.Path)
+    parser.add_argument("pages", nargs="+")
+    arguments = parser.parse_args()
+    skipped = "ulimit -v" if arguments.sanitized else None
+    programs = arguments.folder.resolve()
     wrong = 0
-    for page in pages:
+    for page in arguments.pages:
         said = pathlib.Path(page).read_text(encoding="utf-8").splitlines()
         with tempfile.TemporaryDirectory() as folder:
             for name, source in FILES.items():
                 shutil.copyfile(REFERENCE / source, pathlib.Path(folder) / name)
             real = play(said, folder, programs, skipped)
         commands = sum(line.startswith("$ ") for line in said)
-        if "--update" in sys.argv:
+        if arguments.update:
             pathlib.Path(page).write_text("\n".join(real) + "\n", encoding="utf-8")
         elif real != said or commands == 0:
             wrong += 1
