@@ -193,7 +193,12 @@ TEST_F(ReadErrorTest, ElementsWithoutChildrenTakeNothingFromThoseAfterThem) {
                                                  {tasks, "<Tasks Size=\"2\"/>", "tasks 2, marks 0 2", "tasks 0, marks"},
                                                  {task, "<Task/>", "tasks 2, marks 0 2", "tasks 1, marks"},
                                                  {first, "<Recording></Recording>", "", ""},
-                                                 {well, "<Well/>", "marks 0 2", "marks 0 1"}}) {
+                                                 {well, "<Well/>", "marks 0 2", "marks 0 1"},
+                                                 {header, "<Header><!----></Header>", "version 3", "version 0"},
+                                                 {check, "<QC><!-- a --></QC>", "", ""},
+                                                 {task, "<Task><!----></Task>", "tasks 2, marks 0 2", "tasks 1, marks"},
+                                                 {first, "<Recording><!----></Recording>", "", ""},
+                                                 {well, "<Well><!----></Well>", "marks 0 2", "marks 0 1"}}) {
         CVXFileIO io;
         const std::string error = ErrorOf(*io.GetSettingsReader(), Replaced(document, old, empty));
         EXPECT_EQ(SummaryOf(*io.GetSettingsReader()), Replaced(whole, part, change)) << empty;
@@ -255,10 +260,11 @@ TEST_F(ReadErrorTest, ACommentOrElementThatEndsAValueIsReported) {
 
 TEST_F(ReadErrorTest, AnElementWithoutContentOrKeyIsReported) {
     EXPECT_EQ(Results("<Vexaprobe><Header/><Results><Task/><Task><TaskName>Series</TaskName><Recordings Size=\"2\">"
-                      "<Recording/><Recording><Wells Size=\"2\"><Well/><Well><WellID>5</WellID><Average Size=\"0\"/>"
+                      "<Recording/><Recording><Wells "
+                      "Size=\"3\"><Well/><Well><!----></Well><Well><WellID>5</WellID><Average Size=\"0\"/>"
                       "<FPfastDetected>1</FPfastDetected></Well></Wells></Recording></Recordings></Task></Results>"
                       "</Vexaprobe>"),
-              "Vexaprobe/Header (offset 20): the element has no content. There are 4 more of this kind.");
+              "Vexaprobe/Header (offset 20): the element has no content. There are 5 more of this kind.");
     const auto* const read = m_io.GetResultsReader()->GetResults()->GetWellResults(enTask::Series, 1, 5);
     EXPECT_TRUE(read != nullptr && read->FPfastDetected);
     EXPECT_NE(ResultsWith("<Task>", "<Task/><Task>").find("Results[0]/Task (offset "), std::string::npos);

@@ -42,6 +42,7 @@ struct CXmlElement {
     std::string_view onlyIf = {};      ///< The tag of the bool before this element without which it has no text.
     bool mayBeEmpty = false;           ///< The word may be missing.
     bool isRead = true;                ///< False if it is written only for people.
+    bool isVerbatim = false;           ///< References in a text with a CDATA section aren't decoded.
 };
 
 /// Returns words as a choice: "one of the words Tecan, Norva".

@@ -140,10 +140,8 @@ inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
-/// Reports a start tag without children, where they are needed.
-inline void NoteIfEmpty(CXmlFileArchive& archive) {
-    if (!HasChildren(archive)) archive.NoteText(gd_xml_stream::XmlFault::NoContent);
-}
+/// Reports the current element, a start tag, if it turns out to have no children, where they are needed.
+inline void NoteIfEmpty(CXmlFileArchive& archive) { archive.NoteText(gd_xml_stream::XmlFault::NoContent); }
 
 /// Reads the children of the current element, a start tag, by `load()`. Reports an element without children, which has
 /// no end tag to read up to.
@@ -151,6 +149,15 @@ template <class Load>
 void LoadChildren(CXmlFileArchive& archive, Load load) {
     NoteIfEmpty(archive);
     if (HasChildren(archive)) load();
+}
+
+/// Reads an entry with a key from its start tag on, by `load()` at its first child. Reports an entry without children.
+template <class Load>
+void LoadKeyed(CXmlFileArchive& archive, Load load) {
+    LoadChildren(archive, [&] {
+        archive.NextElement();
+        if (!archive.IsEndTag()) load();  // a comment is no child
+    });
 }
 
 /// Returns the number of entries to read from the current list: its `Size`, or 0 if it has no children.
@@ -187,7 +194,7 @@ struct CTextField {
     std::string_view tag;
     std::string Object::*member;
 
-    constexpr CXmlElement Element() const noexcept { return {.tag = tag}; }
+    constexpr CXmlElement Element() const noexcept { return {.tag = tag, .isVerbatim = true}; }
     const std::string& Value(const Object& object) const noexcept { return object.*member; }
     void Put(CXmlFileArchive& archive, const Object& object) const { PutText(archive, object.*member); }
     void Get(CXmlFileArchive& archive, Object& object) const { object.*member = archive.GetText(); }
@@ -402,7 +409,7 @@ void LoadFields(CXmlFileArchive& archive, Objects&... objects) {
 template <class Form, class... Objects>
 void LoadForm(CXmlFileArchive& archive, Objects&... objects) {
     const auto load = [&] { LoadFields<Form>(archive, objects...); };
-    if (IsStartOf(archive, Form::kElement) && HasChildren(archive)) return load();
+    if (IsStartOf(archive, Form::kElement) && HasChildren(archive)) return LoadChildren(archive, load);
     while (archive.NextElement() && !(archive.IsEndTag() && archive.TagName() == Form::kElement)) {
         if (IsStartOf(archive, Form::kElement)) return LoadChildren(archive, load);
         GetField(archive, Form::kFields, objects...);

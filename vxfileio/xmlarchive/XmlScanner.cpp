@@ -141,6 +141,7 @@ inline bool XmlScanner::ReadEndTag() {
     if (!m_input.SkipTo('>')) return Fail(XmlError::EndInElement);
     m_state = XmlState::kEndTag;
     CheckCount(Level(), Level().children, {});
+    if (Level().neededAt != 0 && Level().children == 0) NoteNoContent(Level().neededAt, {});
     m_open.Pop();
     FindLevel();
     return true;
@@ -250,6 +251,21 @@ void XmlScanner::MakeList(std::int64_t claimed) {
         Level().isList = true;
     } else {
         CheckCount({.offset = m_elementAt - 1, .claimed = claimed}, 0, Name());
+    }
+}
+
+void XmlScanner::NeedChildren() {
+    if ((m_state & XmlState::kHasChildren) == 0) {
+        NoteNoContent(TextOffset(), Name());
+    } else if (&Level() != &m_levels.back()) {
+        Level().neededAt = TextOffset();
+    }
+}
+
+void XmlScanner::NoteNoContent(std::uint64_t offset, std::string_view leaf) {
+    if (auto* const fault = m_faults.Add(XmlFault::NoContent)) {
+        fault->offset = offset;
+        fault->path = PathTo(leaf);
     }
 }
 

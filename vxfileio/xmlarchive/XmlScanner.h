@@ -85,6 +85,9 @@ class XmlScanner {
     void MakeList(std::int64_t claimed);
     static constexpr std::int64_t kAnyNumber = INT64_MIN;
 
+    /// Reports if the current element, a start tag, turns out to have no children. Comments aren't children.
+    void NeedChildren();
+
     /// The reason for the last failure of `Next`. Never cleared, since after a failure every comment ends the document.
     XmlError LastError() const { return m_lastError; }
 
@@ -95,6 +98,7 @@ class XmlScanner {
         std::uint64_t children = 0;  ///< The number of children so far.
         std::int64_t claimed = kAnyNumber;
         bool isList = false;
+        std::uint64_t neededAt = 0;  ///< The offset of its content if it needs children, otherwise 0.
     };
 
     /// Returns the path of the current element: the tags from the root on, with `/` between them, and after a list the
@@ -121,6 +125,7 @@ class XmlScanner {
         return std::find(m_outline.begin() + 1, m_outline.end(), name);
     }
     void ForgetElement();
+    void NoteNoContent(std::uint64_t offset, std::string_view leaf);
     bool ReadEvent();
     bool FindTag();
     bool SkipComment();

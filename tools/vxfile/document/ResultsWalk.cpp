@@ -135,6 +135,7 @@ class CResultsWalk {
 
     void VisitWell() {
         m_archive.NextElement();
+        if (m_archive.IsEndTag()) return;  // it had a comment alone
         const std::int32_t wellID = CWellForm::kKey.Read(m_archive);
         CResultsWell well;
         well.Load(m_archive);

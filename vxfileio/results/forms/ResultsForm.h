@@ -146,11 +146,11 @@ struct CResultsWellsField {
         const std::size_t size = EntriesOf(archive);
         for (std::size_t count = 0; count < size; ++count) {
             if (!archive.NextElement()) return;
-            if (IsStartOf(archive, CEntryForm::kElement) && !HasChildren(archive)) {
-                NoteIfEmpty(archive);
-                continue;
-            }
+            const bool isWell = IsStartOf(archive, CEntryForm::kElement);
+            if (isWell) NoteIfEmpty(archive);
+            if (isWell && !HasChildren(archive)) continue;
             if (!archive.NextElement()) return;
+            if (isWell && archive.IsEndTag()) continue;  // it had a comment alone
             const std::int32_t wellID = CEntryForm::kKey.Read(archive);
             CResultsWell well;
             well.Load(archive);

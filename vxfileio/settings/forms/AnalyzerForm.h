@@ -40,15 +40,6 @@ void LoadList(CXmlFileArchive& archive, std::string_view tag, std::string_view e
     });
 }
 
-/// Reads an entry with a key from its start tag on, by `load()` at its first child. Reports an entry without children.
-template <class Load>
-void LoadKeyed(CXmlFileArchive& archive, Load load) {
-    LoadChildren(archive, [&] {
-        archive.NextElement();
-        load();
-    });
-}
-
 /// The mark of each response: an element whose tag is the response's word and whose text is the mark's.
 struct CResponseMarksField {
     using CObject = WellAnalysis;
