@@ -80,8 +80,8 @@ class VXFILEIO_API CIRawDataWriter {
     ///   begin after the end of the well's segment before,
     /// - `UpdateFileHdr` for a task without a list, or with a value that isn't a whole number of 64 bits.
     ///
-    /// If a value doesn't fit its cell, the text also has the room, what is needed and how many wells would fit, as
-    /// `CheckRecordingFit` does. Strictness costs no system call.
+    /// If a value doesn't fit its cell, the text also has the room, what is needed and how many wells or values would
+    /// fit, as with `CheckRecordingFit`. Strictness costs no system call.
     void SetStrict(bool isStrict);
 
     /// Waits until the disk has everything written since `Open`, the name of the file included. Writes refused headers

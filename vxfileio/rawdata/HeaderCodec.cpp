@@ -14,6 +14,11 @@ std::string NeedText(std::string_view key, std::size_t room, std::size_t needed)
     return std::string(key) + " has room for " + std::to_string(room) + " bytes, but needs " + std::to_string(needed);
 }
 
+std::string FittingText(std::size_t count, std::size_t fitting, std::string_view items) {
+    const std::string name = ' ' + std::string(items);
+    return " for " + std::to_string(count) + name + "; " + std::to_string(fitting) + " of these" + name + " would fit.";
+}
+
 void EncodeCell(std::string_view key, std::string_view value, std::span<char> cell) {
     CCellWriter writer(cell, key);
     writer.PutValue(value);

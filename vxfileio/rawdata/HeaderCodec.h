@@ -31,6 +31,10 @@ inline void Encode(const CLayout& layout, const CSegmentHdr& header, std::span<c
 /// 120".
 std::string NeedText(std::string_view key, std::size_t room, std::size_t needed);
 
+/// Returns the rest of the sentence for a cell with a list of `count` wells or values, of which the first `fitting`
+/// fit: " for 54 wells; 31 of these wells would fit."
+std::string FittingText(std::size_t count, std::size_t fitting, std::string_view items);
+
 /// Fills one cell, for rewriting it; `cell` is exactly as wide as the cell. Throws `CExcVXReader` if the value doesn't
 /// fit.
 void EncodeCell(std::string_view key, std::string_view value, std::span<char> cell);

@@ -45,11 +45,17 @@ void Refuse(const std::vector<CBreach>& breaches) {
     if (!breaches.empty()) throw CExcVXReader(TextOf(breaches.front()));
 }
 
-/// Throws if a value is longer than the room of its cell.
-void RefuseTooLong(const auto& cell, std::size_t needed) {
+/// Throws if a value is longer than the room of its cell. `rest` is the end of the sentence.
+void RefuseTooLong(const auto& cell, std::size_t needed, const std::string& rest = ".") {
     const std::string_view key = cell.key.empty() ? "HeaderID" : cell.key;
     const std::size_t room = RoomOf(cell);
-    if (needed > room) throw CExcVXReader(kDoesNotFit + NeedText(key, room, needed) + '.');
+    if (needed > room) throw CExcVXReader(kDoesNotFit + NeedText(key, room, needed) + rest);
+}
+
+/// Throws if a list of values is too long. `joined` is its text.
+void RefuseTooLong(const CFileCell& list, std::string_view joined, std::size_t values) {
+    const auto fitting = std::ranges::count(joined.substr(0, RoomOf(list) + 1), ':');
+    RefuseTooLong(list, joined.size(), FittingText(values, static_cast<std::size_t>(fitting), "values"));
 }
 
 void RefuseBadHdr(const CLayout& layout, const CRawDataFileHdr& header) {
@@ -210,7 +216,7 @@ void CRawDataWriter::UpdateFileHdr(const std::string& taskName, const std::vecto
     if (key == nullptr) return;
     const CFileCell& list = m_layout->file[key];
     const std::string joined = Join(values);
-    if (m_isStrict) RefuseTooLong(list, joined.size());
+    if (m_isStrict) RefuseTooLong(list, joined, values.size());
     std::string cell(list.width, '\0');
     EncodeCell(list.key, joined, cell);
     if (!std::ranges::all_of(values, ReadsBackWhole)) ReportOnce(kReadBackCut + std::string(list.key));

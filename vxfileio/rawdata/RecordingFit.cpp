@@ -84,7 +84,7 @@ std::string CRecordingFit::Text() const {
     const auto& [key, isList, room, needed, wells] = *tightest;
     const std::string need = NeedText(key, static_cast<std::size_t>(room), static_cast<std::size_t>(needed));
     if (!isList) return need + '.';
-    return need + " for " + std::to_string(Wells) + " wells; " + std::to_string(wells) + " of these wells would fit.";
+    return need + FittingText(static_cast<std::size_t>(Wells), static_cast<std::size_t>(wells), "wells");
 }
 
 CRecordingFit CheckRecordingFit(const CRawDataRecordingHdr& header, std::int32_t fileVersion) {

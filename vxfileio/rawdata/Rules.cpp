@@ -55,9 +55,9 @@ CWords WordsFor(const CCellFault& fault, const auto& cell) {
         case ECellFault::LoneSign:
             return {"the key alone if there is no value", "Some readers see an item where there is none."};
         case ECellFault::NoNumber:
-            return {"a number after " + Quoted(key + '='), "Readers take it for 0."};
+            return {"a number after " + Quoted(key + '='), "Readers read it as 0."};
         case ECellFault::OtherNumber:
-            return {"the number as it is written, " + Quoted(fault.taken), "Readers take it for " + fault.taken + "."};
+            return {"the number as it is written, " + Quoted(fault.taken), "Readers read it as " + fault.taken + "."};
         case ECellFault::Separator:
             return {"a text without '=', ':' and line ends", "Readers take only " + Quoted(fault.taken) + "."};
     }
@@ -129,7 +129,7 @@ CBreaches BreachesOfCells(const auto& cells, std::string_view bytes) {
     for (const auto& cell : cells) {
         if (bytes.size() < cell.End()) {
             breaches.push_back({ERule::WholeHeader, cell.key, cell.offset, "the end of the file",
-                                "the rest of the header", "The file was cut; readers take 0 for what is missing."});
+                                "the rest of the header", "The file was cut; readers use 0 for what is missing."});
             break;
         }
         if (auto breach = BreachOfCell(cell, CellIn(cell, bytes))) breaches.push_back(*std::move(breach));
@@ -254,7 +254,7 @@ std::string MeaningOfValue(std::string_view value, const std::string& taken) {
     if (value.find('\0') != std::string_view::npos) return "Readers would take only what precedes the first NUL.";
     if (value.find_first_of(kSeparators) != std::string_view::npos)
         return "Readers would split it into several values.";
-    return "Readers would take it for " + taken + ".";
+    return "Readers would read it as " + taken + ".";
 }
 
 }  // namespace
@@ -362,7 +362,8 @@ std::optional<CBreach> CSegmentRules::BreachOf(const CLayout& layout, const CSeg
                       "Size, a time or the interval is damaged; readers go by Size.");
     if (well->end && from <= *well->end)
         return breach(ERule::NoOverlap, "TimeFrom", from,
-                      "more than " + std::to_string(*well->end) + ", where the segment of this well before it ends",
+                      "more than " + std::to_string(*well->end) + ", where the previous segment of well " +
+                          std::to_string(id) + " ends",
                       "The times of these segments overlap or go backwards; readers return both.");
     return std::nullopt;
 }

@@ -79,13 +79,13 @@ const std::vector<CCallMistake> kCallMistakes = {
     {[](auto& w) { Write(w, 12, 0, 300, 301); }, "tick is 301, expected 100, the interval of well 12"},
     {[](auto& w) { Write(w, 12, 0, 0, 1); }, "tick is 1, expected 100, the interval of well 12", ETrace::None},
     {[](auto& w) { Write(w, 11, 300, 600, 100); },
-     "TimeFrom is 300, expected more than 300, where the segment of this well before it ends. The times of these"},
+     "TimeFrom is 300, expected more than 300, where the previous segment of well 11 ends. The times of these"},
     {[](auto& w) { Write(w, 11, 0, 300, 100); }, "TimeFrom is 0, expected more than 300,"},
     {[](auto& w) { Write(w, 11, -600, -300, 100); }, "TimeFrom is -600, expected more than 300,"},
     {[](auto& w) {
          w.UpdateFileHdr("PreQC", {"1", "x"});
      },
-     R"(PreQC is "x", expected the decimal text of a whole number of 64 bits. Readers would take it for 0.)"},
+     R"(PreQC is "x", expected the decimal text of a whole number of 64 bits. Readers would read it as 0.)"},
     {[](auto& w) { w.UpdateFileHdr("PostQC", {"1.5"}); }, R"(PostQC is "1.5", expected the decimal text)"},
     {[](auto& w) { w.UpdateFileHdr("PreQC", {"007"}); }, R"(PreQC is "007", expected the decimal text)"},
     {[](auto& w) { w.UpdateFileHdr("PreQC", {" 7"}); }, R"(PreQC is " 7", expected the decimal text)"},
@@ -250,7 +250,7 @@ TEST_F(StrictWriterTest, ReportsTheSizeOfAValueThatDoesNotFit) {
     recording.WellChannels.pop_back();
     m_writer.WriteRecordingHdr(recording);
     ExpectRefused([&] { m_writer.UpdateFileHdr("PreQC", std::vector<std::string>(47, "7")); },
-                  beyond + "PreQC has room for 91 bytes, but needs 93.");
+                  beyond + "PreQC has room for 91 bytes, but needs 93 for 47 values; 46 of these values would fit.");
     m_writer.UpdateFileHdr("PreQC", std::vector<std::string>(46, "7"));
     m_writer.Close();
     EXPECT_EQ(VerifiedCount(), 0U);
