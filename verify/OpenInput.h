@@ -24,10 +24,11 @@ inline void OpenInput(vxfileio::helpers::CFile& file, const std::string& path) {
     const auto status = std::filesystem::status(path, ignored);
     if (std::filesystem::is_other(status))
         throw CFailure(
-            path + " is a pipe or a device, which is read from front to back alone; put it into a file and name that.");
+            path +
+            " is a pipe or a device, which can only be read from front to back; save it to a file and name that.");
     if (file.OpenForReading(path)) return;
     if (path == "-")
-        throw CFailure("Standard input is read from front to back alone; put it into a file and name that.");
+        throw CFailure("Standard input can only be read from front to back; save it to a file and name that.");
     if (std::filesystem::is_directory(status))
         throw CFailure(path + " is a folder; name a file in it. vxfile verify checks whole folders.");
     const std::string advice = BackslashAdvice(path);

@@ -14,6 +14,7 @@
 #include "vxfileio/results/forms/ResultsForm.h"
 #include "vxfileio/settings/forms/SettingsForm.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
+#include "vxfileio/xmlarchive/XmlText.h"
 
 namespace vxfile {
 
@@ -170,7 +171,10 @@ void CXmlVerifier::JudgeElement(const CXmlElement& rule, const CXmlToken& start)
 
 void CXmlVerifier::JudgeAttributes(const CXmlElement& rule, const CXmlToken& start) {
     if (rule.kind == EXmlKind::List || IsBlank(start.attributes)) return;  // JudgeList checks those of a list
-    Add(start.offset, Quoted(start.bytes), "no attribute", "Readers ignore it.");
+    // Readers of most values take the first text in double quotes.
+    const bool isTaken = rule.children.empty() && !rule.isVerbatim && start.attributes.find('"') != std::string::npos;
+    Add(start.offset, Quoted(start.bytes), "no attribute",
+        isTaken ? "Readers take the attribute instead of the text." : "Readers ignore it.");
 }
 
 void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
@@ -179,7 +183,7 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
         Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "Readers treat both alike.");
         return;
     }
-    std::string text;
+    std::string text;  // as if it had no sections
     CXmlToken token = m_tokens.Next();
     for (; token.kind == EToken::Text || token.kind == EToken::Section; token = m_tokens.Next()) {
         if (token.kind == EToken::Section)
@@ -188,7 +192,11 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
         if (const auto nul = token.bytes.find('\0'); nul != std::string_view::npos)
             Add(token.offset + nul, Quoted(token.bytes.substr(nul)), "no byte 0",
                 "For readers the document ends here.");
-        text += token.text;
+        if (token.kind == EToken::Text) {
+            text += token.text;
+        } else {
+            gd_xml_stream::PutCoded(token.text, [&](std::string_view coded) { text += coded; });
+        }
     }
     JudgeText(rule, text, start.offset + start.bytes.size());
     if (token.kind == EToken::Other) {
@@ -258,6 +266,7 @@ void CXmlVerifier::AddMissing(const CXmlElement& rule, std::size_t from, std::si
 
 void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
     const std::size_t begin = start.offset;
+    const bool isAverage = rule.children.front().kind == EXmlKind::Samples;
     std::size_t entries = 0;
     m_samples = 0;
     if (start.kind == EToken::Start) {
@@ -265,7 +274,9 @@ void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
             const auto found = std::ranges::find(rule.children, token.tag, &CXmlElement::tag);
             if (found == rule.children.end()) {
                 Add(token.offset, Quoted(token.bytes), "<" + std::string(rule.children.front().tag) + ">",
-                    "The element is unknown here; readers count it as an entry.");
+                    !isAverage     ? "The element is unknown here; readers count it as an entry."
+                    : entries == 0 ? "Readers look for the samples in the first child alone, so each of them is 0."
+                                   : "The element is unknown here; readers skip it.");
                 Skip(token);
             } else {
                 m_path.back() = std::string(rule.tag) + '[' + std::to_string(entries) + ']';
@@ -275,12 +286,12 @@ void CXmlVerifier::JudgeList(const CXmlElement& rule, const CXmlToken& start) {
         }
         m_path.back() = rule.tag;
     }
-    const bool isAverage = rule.children.front().kind == EXmlKind::Samples;
     m_lastEntries = isAverage ? m_samples : entries;
     if (m_broken || rule.kind == EXmlKind::Entries) return;
     if (isAverage && entries != 1)
         return Add(begin, Counted(entries, "element"), "one <" + std::string(rule.children.front().tag) + '>',
-                   "Readers take the samples of the first child alone.");
+                   entries == 0 ? "Readers return a zero for each sample that Size claims."
+                                : "Readers take the samples of the first child alone.");
     const std::string expected = " Size=\"" + std::to_string(m_lastEntries) + '"';
     if (start.attributes != expected)
         Add(begin, Quoted(start.bytes), "<" + std::string(rule.tag) + expected + ">",

@@ -80,7 +80,7 @@ std::string LossText(const CRemark& remark) {
     }
     const bool hasRoom =
         remark.to - remark.from >= static_cast<std::int64_t>(vxfileio::rawdata::Layouts().back().recording.size);
-    return std::string("no conclusive header") + (hasRoom ? "; one of a recording may be among it" : "");
+    return std::string("no conclusive header") + (hasRoom ? "; a recording header may be among these bytes" : "");
 }
 
 std::string DoubtText(const CRemark& remark) {

@@ -3,127 +3,139 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <span>
 #include <string>
-#include <string_view>
 #include <utility>
+#include <vector>
 
-#include "tools/vxfile/report/Text.h"
 #include "verify/Failure.h"
 #include "verify/WholeText.h"
-#include "verify/document/XmlTokens.h"
-#include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/results/forms/ResultsForm.h"
+#include "vxfileio/settings/forms/SettingsForm.h"
+#include "vxfileio/xmlarchive/XmlDocument.h"
 
 namespace vxfile {
 
 namespace {
 
+using vxfileio::xmlarchive::CXmlElement;
+using vxfileio::xmlarchive::EXmlKind;
+
 /// More than twice the depth of any document that writers write. Limits memory, since each value keeps its path.
 constexpr std::size_t kMostDepth = 32;
 
-/// The length of "&#128;".
-constexpr std::size_t kLongestReference = 6;
+/// What a root can contain: a settings file has no results, and a results file no settings.
+constexpr std::array kSections = {vxfileio::settings::kSettingsRoot[0], vxfileio::settings::kSettingsRoot[1],
+                                  vxfileio::results::kResultsRoot[1]};
 
-/// Returns the decoded text of a value.
-std::string Decoded(std::string_view text) {
-    constexpr std::array<std::pair<std::string_view, char>, 5> kNames = {
-        {{"&quot;", '"'}, {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&apos;", '\''}}};
-    std::string decoded;
-    while (!text.empty()) {
-        const auto starts = [&](const auto& name) { return text.starts_with(name.first); };
-        const auto* const name = std::ranges::find_if(kNames, starts);
-        const auto end = text.substr(0, kLongestReference).find(';');
-        if (name != kNames.end()) {
-            decoded += name->second;
-            text.remove_prefix(name->first.size());
-        } else if (text.starts_with("&#") && end != std::string_view::npos) {
-            decoded += static_cast<char>(vxfileio::helpers::ParseUInt32(text.substr(2, end - 2)));
-            text.remove_prefix(end + 1);
-        } else {
-            decoded += text.front();
-            text.remove_prefix(1);
-        }
-    }
-    return decoded;
-}
+constexpr CXmlElement kRoot{.tag = vxfileio::xmlarchive::kRootElement, .kind = EXmlKind::Object, .children = kSections};
 
-/// Collects the values of a document with the paths of their elements. Paths number elements of the same tag.
+/// Collects the values of a document, as the library's readers take them, with the paths of their elements. Paths
+/// number elements of the same tag.
 class CXmlLeaves {
  public:
-    CXmlLeaves(std::string path, std::string_view document) : m_file(std::move(path)), m_tokens(document) {}
+    explicit CXmlLeaves(const std::string& path) : m_path(path) {
+        if (m_file.Open(path, "r") != 0) throw CFailure("Can't open " + path + "; check the name and its rights.");
+    }
 
     std::vector<CLeaf> Gather() {
-        for (CXmlToken token = m_tokens.Next(); token.kind != CXmlToken::EKind::Nothing; token = m_tokens.Next())
-            Take(token);
+        m_archive.SkipProlog();
+        while (m_archive.NextElement()) {
+            if (m_archive.IsEndTag()) {
+                Close();
+                continue;
+            }
+            Open();
+            if (!HasChildren(m_archive)) Close();
+        }
         return std::move(m_leaves);
+    }
+
+    /// Returns whether readers stop before the end of the root.
+    bool IsDamaged() const {
+        return m_levels.size() > 1 || m_archive.LastError() == gd_xml_stream::XmlError::WrongEndTag;
     }
 
  private:
     struct CLevel {
-        std::size_t pathSize;
+        std::size_t whereSize;
+        const CXmlElement* rule;  ///< Null for an element that readers don't know.
         std::string text = {};
-        bool hasChildren = false;
-        std::map<std::string_view, std::size_t> counts = {};
+        std::int64_t claimed = 0;  ///< The `Size` of a list,
+        std::int64_t entries = 0;  ///< and the number of its entries.
+        bool isLeaf = true;
+        std::map<std::string, std::size_t> counts = {};
     };
 
-    void Take(const CXmlToken& token) {
-        switch (token.kind) {
-            case CXmlToken::EKind::Start:
-                Open(token);
-                break;
-            case CXmlToken::EKind::SelfClosed:
-                Open(token);
-                Close();
-                break;
-            case CXmlToken::EKind::End:
-                Close();
-                break;
-            case CXmlToken::EKind::Text:
-                m_levels.back().text += Decoded(token.text);
-                break;
-            case CXmlToken::EKind::Section:
-                m_levels.back().text += token.text;
-                break;
-            case CXmlToken::EKind::Broken:
-                throw CFailure(m_file + " ends inside a tag; run 'vxfile verify' for details.");
-            default:
-                break;
+    void Open() {
+        if (m_levels.size() > kMostDepth)
+            throw CFailure(m_path + " nests elements deeper than any such file; run 'vxfile verify' for details.");
+        CLevel& parent = m_levels.back();
+        const std::string tag(m_archive.TagName());
+        const std::size_t number = parent.counts[tag]++;
+        const CXmlElement* const rule = RuleOf(parent, tag);
+        CLevel level{.whereSize = m_where.size(), .rule = rule};
+        ReadContent(level);
+        parent.isLeaf = parent.isLeaf && IsValue(parent.rule);
+        const bool areSamples = rule != nullptr && rule->kind == EXmlKind::Samples;
+        parent.entries += areSamples ? std::ranges::count(level.text, ';') : 1;
+        m_levels.push_back(std::move(level));
+        m_where += '/' + tag;
+        if (number > 0) m_where += '[' + std::to_string(number) + ']';
+    }
+
+    const CXmlElement* RuleOf(const CLevel& parent, const std::string& tag) const {
+        if (m_levels.size() == 1) return &kRoot;  // readers ignore its name
+        if (parent.rule == nullptr) return nullptr;
+        const auto rule = std::ranges::find(parent.rule->children, tag, &CXmlElement::tag);
+        return rule == parent.rule->children.end() ? nullptr : &*rule;
+    }
+
+    static bool IsValue(const CXmlElement* rule) { return rule != nullptr && rule->children.empty(); }
+
+    /// Reads the content of the current element: a value, or the `Size` of a list.
+    void ReadContent(CLevel& level) {
+        if (level.rule == nullptr || level.rule->isVerbatim) {
+            level.text = m_archive.GetText();
+        } else if (IsValue(level.rule)) {
+            m_archive.GetValue(level.text);
+        } else if (level.rule->kind == EXmlKind::List) {
+            gd_xml_stream::XmlValue size(std::int64_t{0});
+            m_archive.GetAttribute(gd_xml_stream::kListSize, size);
+            level.claimed = size.AsInt64();
         }
     }
 
-    void Open(const CXmlToken& token) {
-        if (m_levels.size() > kMostDepth)
-            throw CFailure(m_file + " nests elements deeper than any such file; run 'vxfile verify' for details.");
-        CLevel& parent = m_levels.back();
-        parent.hasChildren = true;
-        const std::size_t number = parent.counts[token.tag]++;
-        m_levels.push_back({m_path.size()});
-        m_path += '/' + std::string(token.tag);
-        if (number > 0) m_path += '[' + std::to_string(number) + ']';
-    }
-
     void Close() {
-        if (m_levels.size() < 2)
-            throw CFailure(m_file + " has an end tag without a start tag; run 'vxfile verify' for details.");
         CLevel& level = m_levels.back();
-        if (!level.hasChildren) m_leaves.push_back({m_path.substr(1), std::move(level.text)});
-        m_path.resize(level.pathSize);
+        const std::string where = m_where.substr(1);
+        if (level.isLeaf) m_leaves.push_back({where, std::move(level.text)});
+        if (level.rule != nullptr && level.rule->kind == EXmlKind::List && level.claimed != level.entries)
+            m_leaves.push_back({where + "/Size", std::to_string(level.claimed)});
+        m_where.resize(level.whereSize);
         m_levels.pop_back();
     }
 
-    std::string m_file;
-    CXmlTokens m_tokens;
     std::string m_path;
-    std::vector<CLevel> m_levels = {{0}};
+    gd_xml_stream::CFileBuffer m_file;
+    CXmlFileArchive m_archive{&m_file, gd_xml_stream::kLoad, gd_xml_stream::kBlockSize};
+    std::string m_where;
+    std::vector<CLevel> m_levels = {{0, nullptr}};
     std::vector<CLeaf> m_leaves;
 };
 
 }  // namespace
 
 void CompareDocuments(const std::string& left, const std::string& right, CDifferences& differences) {
-    const std::string leftText = ReadWholeText(left);
-    const std::string rightText = ReadWholeText(right);
-    CompareLeaves(CXmlLeaves(left, leftText).Gather(), CXmlLeaves(right, rightText).Gather(), differences);
+    CXmlLeaves leftLeaves(left);
+    CXmlLeaves rightLeaves(right);
+    CompareLeaves(leftLeaves.Gather(), rightLeaves.Gather(), differences);
+    if (!leftLeaves.IsDamaged() && !rightLeaves.IsDamaged()) return;
+    if (ReadWholeText(left) == ReadWholeText(right)) return;
+    differences.Omit((leftLeaves.IsDamaged() ? left : right) +
+                     " is cut or damaged, so not all of it was compared; run 'vxfile verify' for details.");
 }
 
 }  // namespace vxfile

@@ -185,6 +185,7 @@ void CProof::AddTo(CJson& json) const {
         object["error"] = Readable(failure);
         return;
     }
+    object["ofAnotherFile"] = isOfAnotherFile;
     object["segments"] = segments;
     object["proven"] = proven;
     object["remarks"] = CJson::array();

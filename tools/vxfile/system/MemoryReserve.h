@@ -7,7 +7,7 @@ namespace vxfile {
 
 /// The message in that case.
 inline constexpr const char* kNoMemory =
-    "There isn't enough memory for this; close other programs, or take a machine that has more.";
+    "There isn't enough memory for this; close other programs, or use a machine that has more.";
 
 /// Allocates a reserve in two parts, unless it exists. The first part is freed silently when memory runs out, since
 /// destructors must not fail; from then on `CheckMemory` throws. When it runs out again, the second part is freed and

@@ -74,7 +74,8 @@ void RefuseTarget(const std::string& target, const std::string& source) {
     std::error_code ignored;
     if (target.empty()) throw CFailure("The output has no name; name a file by -o.");
     if (target == "-")
-        throw CFailure("A file that appears only when it is whole can't go to standard output; name it by -o.");
+        throw CFailure(
+            "The new file appears only once it is complete, so it can't go to standard output; name a file after -o.");
     if (fs::equivalent(target, source, ignored))
         throw CFailure(target + " is the file itself, which is never written to; choose another name.");
 }

@@ -132,7 +132,7 @@ class CRecoverCommand : public CCommand {
             return vxfileio::recovery::Recover(vxfileio::recovery::CFileInput(source), options, write);
         } catch (const vxfileio::recovery::CReadFailure& failure) {
             throw CFailure("Can't read " + m_source + " at byte " + std::to_string(failure.Position()) +
-                           "; copy it with a program that passes over bad places of a disk, and recover the copy.");
+                           "; copy it with a program that skips bad sectors, and recover the copy.");
         }
     }
 
