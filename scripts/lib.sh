@@ -57,13 +57,14 @@ version() { sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' "$root/CMakeLists.txt"; }
 # configure_preset NAME [OPTION...]: configures the build folder of a preset.
 configure_preset() { (cd "$root" && cmake --preset "$1" "${@:2}" --log-level=WARNING >/dev/null); }
 
-# build_preset NAME [TARGET...]: configures a preset and builds all or some targets. Prints errors only.
+# build_preset NAME [-DOPTION...] [TARGET...]: configures a preset and builds all or some targets. Prints errors only.
 build_preset() {
-    local preset=$1 targets=()
+    local preset=$1 options=() targets=()
     shift
+    while [[ ${1-} == -D* ]]; do options+=("$1") && shift; done
     (($#)) && targets=(--target "$@")
     echo "Building $preset"
-    configure_preset "$preset"
+    configure_preset "$preset" "${options[@]}"
     (cd "$root" && cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet) ||
         die "can't build $preset; if two sources that are compiled as one define the same name, rename it in one"
 }

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Divides sources into groups that can be compiled as one, because no two define the same private name.
 
-    source_groups.py SOURCE...
+    source_groups.py <LINES
 
 Most of the time that a compiler takes goes into the standard library's headers and templates. A generated source that
-includes a whole group does this once. Prints one group per line, its sources separated by ";". A source remains
-alone if it changes what follows: defines a macro, includes a header of Windows, or has `using enum` at the top level.
+includes a whole group does this once. Each line names a target and its sources. Each line of the output has the target
+again, the number of a group, and its sources. "|" separates all of these. A source remains alone if it changes what
+follows: defines a macro, includes a header of Windows, or has `using enum` at the top level.
 """
 
 import re
@@ -48,5 +49,7 @@ def groups_of(sources):
 
 
 if __name__ == "__main__":
-    for group in groups_of(sys.argv[1:]):
-        print(";".join(group))
+    for line in sys.stdin:
+        target, *sources = line.strip().split("|")
+        for number, group in enumerate(groups_of(sources)):
+            print("|".join([target, str(number), *group]))
