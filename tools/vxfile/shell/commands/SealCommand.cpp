@@ -156,9 +156,9 @@ class CSealCommand : public CCommand {
                          Readable(fs::path(path).filename().string()), WordOf(sealed.kind), size);
         CProgress progress("Sealing " + path, size);
         forEach([&](CSealedPart& part) {
-            part.sum = digest.HashNext(part.SumLength());
+            part.sum = source.digest.HashNext(part.SumLength());
             if (part.kind == CSealedPart::EKind::Segment)
-                part.samplesSum = digest.HashNext(part.length - part.headerLength);
+                part.samplesSum = source.digest.HashNext(part.length - part.headerLength);
             seal.Add(part);
             progress.Reach(part.End());
         });
