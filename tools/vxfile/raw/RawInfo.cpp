@@ -19,7 +19,7 @@ namespace {
 /// The samples of files up to this size are always counted, since that takes no noticeable time.
 constexpr std::int64_t kSmallFile = std::int64_t{64} << 20;
 
-constexpr const char* kFinished = "finished";
+constexpr const char* kFinishedWord = "finished";
 
 constexpr int kAuxColumn = 5;  ///< The column of the table after the wells.
 
@@ -221,7 +221,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
                        std::to_string(wells.size()),
                        IntervalText(wells),
                        std::to_string(header.RecordingTime),
-                       recording.IsFinished() ? kFinished : "not finished"};
+                       recording.IsFinished() ? kFinishedWord : "not finished"};
     if (m_hasAux) row.insert(row.begin() + kAuxColumn, std::to_string(header.AuxChannels.size()));
     if (m_view.ticksPerSecond != 0) {
         row.insert(row.end() - 1, SecondsText(header.RecordingTime, m_view.ticksPerSecond));
@@ -235,7 +235,7 @@ CPage::CRow CRawInfo::TellRecording(std::size_t index, CJson& json) {
 /// Marks a recording as damaged. Its row keeps only the first damage.
 void CRawInfo::Mark(CPage::CRow& row, CJson& json, const char* word) {
     json["damaged"] = true;
-    if (row.back() == kFinished) row.back() += word;
+    if (row.back() == kFinishedWord) row.back() += word;
 }
 
 /// The same, and keeps the first of the file.
