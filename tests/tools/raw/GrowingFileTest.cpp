@@ -107,12 +107,6 @@ TEST_F(GrowingFile, HasNewsOnlyWhenSomethingIsComplete) {
     EXPECT_EQ(file.Latest()->segments, 1U);
 }
 
-TEST_F(GrowingFile, IsDamagedIfItIsClosedAndPositionsDoNotReachEverything) {
-    WriteAll(m_path, WithCell(kFinished, "FPosNextRecordingHdr", "-1"));
-    CGrowingFile file(m_path);
-    EXPECT_EQ(file.State(file.Look()), EState::Damaged);
-}
-
 TEST_F(GrowingFile, IsFollowedFromTheBeginningIfItIsReplaced) {
     const std::string larger = FileOf({{{11, 0, {9, 9, 9}}, {12, 0, {8}}}, {{12, 0, {3, 4, 5}}, {12, 300, {1}}}});
     for (const std::string& other : {larger, FileOf({{{11, 0, {1}}}}), SmallFileBytes()}) {
@@ -122,17 +116,6 @@ TEST_F(GrowingFile, IsFollowedFromTheBeginningIfItIsReplaced) {
         EXPECT_EQ(LookAt(file, other), EState::Finished);
         EXPECT_EQ(file.Position(), static_cast<std::int64_t>(other.size()));
     }
-}
-
-TEST_F(GrowingFile, IsFollowedFromTheBeginningIfTheReplacementIsStillBeingWritten) {
-    WriteAll(m_path, kRunning);
-    CGrowingFile file(m_path);
-    EXPECT_EQ(file.State(file.Look()), EState::Running);
-    const std::string other = WithCell(FileOf({{{11, 0, std::vector<std::uint16_t>(5000)}}}, false), "Guid", "other");
-    for (int look = 0; look < 3; ++look)
-        EXPECT_EQ(LookAt(file, other), EState::Running);
-    EXPECT_EQ(file.Replacements(), 1U);
-    EXPECT_EQ(file.Latest()->samples, 5000U);
 }
 
 TEST_F(GrowingFile, IsAwaitedBeforeItExistsAndAfterItIsDeleted) {

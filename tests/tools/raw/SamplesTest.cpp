@@ -5,14 +5,13 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <sstream>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "tests/support/TempFolder.h"
 #include "tests/tools/RawBytes.h"
-#include "tests/tools/ToolRun.h"
 #include "tools/vxfile/raw/DecimalScale.h"
 #include "tools/vxfile/raw/SampleSink.h"
 #include "tools/vxfile/raw/SampleSource.h"
@@ -40,14 +39,11 @@ class Samples : public testing::Test {
         form.target.sources = {m_path};
         form.target.path = m_folder.Path("out");
         form.target.replace = true;
-        m_doubts.clear();
         const std::string failure = FailureOf([&] {
             CSampleSource source(m_path, choice);
             const auto sink = MakeSampleSink(form, source);
             source.ForEach([&](const CPiece& piece) { sink->Put(piece); });
             source.RefuseNothing();
-            m_doubts = source.Doubts();
-            m_missing = source.MissingWells();
             sink->Commit();
         });
         return failure.empty() ? ReadAll(form.target.path) : failure;
@@ -68,8 +64,6 @@ class Samples : public testing::Test {
 
     CTempFolder m_folder;
     std::string m_path = m_folder.Path("run.vxd");
-    std::vector<std::string> m_doubts;
-    std::vector<std::int32_t> m_missing;
 };
 
 template <class Number>
@@ -101,14 +95,6 @@ TEST_F(Samples, AreThoseFromOneTimeToAnother) {
                             {501, kMost, "1000=30 "},
                             {kLeast, 0, "0=1 "}})
         EXPECT_EQ(Chosen({.plate = {.wells = {11}}, .from = from, .to = to}), samples) << from << " to " << to;
-}
-
-TEST_F(Samples, AreThoseOfTheWellsAndRecordingsChosen) {
-    EXPECT_EQ(Chosen({.recordings = {2}}), "1000=20 1100=21 1200=22 1000=30 ");
-    EXPECT_EQ(Chosen({.plate = {.wells = {12}}}), "0=5 100=6 200=7 300=8 1000=20 1100=21 1200=22 ");
-    EXPECT_EQ(Chosen({.plate = {.tasks = {"CompoundTest"}, .wells = {13, 11, 14}}, .recordings = {1}, .to = 0}),
-              "0=1 ");
-    EXPECT_EQ(m_missing, (std::vector<std::int32_t>{13, 14}));
 }
 
 TEST_F(Samples, AreRefusedIfTheRecordingsOfADoseHaveNone) {
@@ -159,36 +145,6 @@ TEST_F(Samples, InUnitsHaveTheScaleOfTheirOwnRecording) {
     EXPECT_EQ(At<double>(array, 200), -8189.5);
 }
 
-TEST_F(Samples, InUnitsAreRefusedWithoutANumberForTheUnitsOfTheirWell) {
-    const std::string file = FileOf({{{12, 0, {10}}}});
-    for (const auto& [key, value, fault] :
-         {std::tuple("ADZeros", "8", "no value for well 12"), std::tuple("ADZeros", "8:zero", "\"zero\" for well 12"),
-          std::tuple("ADZeros", "8:1.5", "\"1.5\" for well 12"),
-          std::tuple("UnitsPerADs", "0.2:0,3", "\"0,3\" for well 12"),
-          std::tuple("UnitsPerADs", "0.2:1,5", "\"1,5\" for well 12"),
-          std::tuple("UnitsPerADs", "0.2:nan", "\"nan\" for well 12"),
-          std::tuple("UnitsPerADs", "1:1e999", "\"1e999\" for well 12")}) {
-        const std::string failure = Written(WithCell(file, key, value), {}, {.units = true});
-        EXPECT_TRUE(failure.starts_with(m_path + ": " + key + " of recording 1 (CompoundTest 1) has " + fault))
-            << failure;
-    }
-    EXPECT_TRUE(Written(WithCell(file, "UnitsPerADs", "0,3:0.5"), {}, {.units = true}).ends_with(",0,-16379.0\n"))
-        << "other wells have theirs";
-}
-
-TEST_F(Samples, UnitsThatAreNoNumberAreDamageForInfo) {
-    const std::string both = WithCell(FileOf({{{11, 0, {10}}}}), "UnitsPerADs", "0,3:0.5");
-    WriteAll(m_path, WithCell(WithCell(both, "ADZeros", "x:0"), "FPosRecordingData", "999999"));
-    const std::string json = RunTool({"info", "--json", m_path}).out;
-    EXPECT_NE(json.find("\"unitsPerAD\": null"), std::string::npos) << json;
-    EXPECT_NE(json.find("\"adZero\": null"), std::string::npos) << json;
-    const std::string out = RunTool({"info", m_path}).out;
-    EXPECT_NE(out.find("The segments of recording 1 (CompoundTest 1) aren't in the file;"), std::string::npos) << out;
-
-    WriteAll(m_path, WithCell(WithCell(FileOf({{{11, 0, {10}}}}), "WellIDs", "11:11"), "UnitsPerADs", "0.5:0,3"));
-    EXPECT_EQ(RunTool({"info", m_path}).status, 0) << "the first entry of a well counts";
-}
-
 TEST(FileWindow, ReturnsBytesAcrossTheEndOfABlock) {
     const CTempFolder folder;
     std::string bytes(3 * CFileWindow::kRoom, 'x');
@@ -199,49 +155,6 @@ TEST(FileWindow, ReturnsBytesAcrossTheEndOfABlock) {
     EXPECT_EQ(window.BytesAt(0, 1, CFileWindow::kRoom).size(), CFileWindow::kRoom);
     EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 3, 6, 6).starts_with("across"));
     EXPECT_TRUE(window.BytesAt(CFileWindow::kRoom - 4, 7, 7).starts_with("xacross")) << "going backwards";
-}
-
-TEST_F(Samples, AreSeparatedByTabsAndQuotedWhereTheTaskNeedsIt) {
-    const auto line = [&](const std::string& task, CSampleForm::EKind kind) {
-        const std::string text = Written(WithCell(FileOf({{{11, 0, {1}}}}), "TaskName", task), {}, {.kind = kind});
-        return text.substr(text.find('\n') + 1);
-    };
-    using enum CSampleForm::EKind;
-    EXPECT_EQ(line("Series", Tsv), "Series\t1\t11\t0\t1\n");
-    EXPECT_EQ(line("a,b", Tsv), "a,b\t1\t11\t0\t1\n");
-    EXPECT_EQ(line("a,b", Csv), "\"a,b\",1,11,0,1\n");
-    EXPECT_EQ(line("a\tb", Tsv), "\"a\tb\"\t1\t11\t0\t1\n");
-    EXPECT_EQ(line("a\"b", Csv), "\"a\"\"b\",1,11,0,1\n");
-}
-
-TEST_F(Samples, OfAWellWithoutAnIntervalHaveTheTimesOfTheirSegmentsAndADoubt) {
-    const std::string bytes = WithCell(FileOf({{{11, 0, {1, 2, 3}, 50}}}), "Ticks", "0:100");
-    EXPECT_EQ(Chosen({}, bytes), "0=1 50=2 100=3 ");
-    ASSERT_EQ(m_doubts.size(), 1U);
-    EXPECT_NE(m_doubts[0].find("1 segment of a well without a sample interval"), std::string::npos) << m_doubts[0];
-    EXPECT_EQ(Chosen({}, FileOf({{{11, 0, {1, 2, 3}}}})), "0=1 100=2 200=3 ");
-    EXPECT_EQ(m_doubts, std::vector<std::string>());
-}
-
-TEST_F(Samples, BeforeTheFirstReachableRecordingAreInDoubt) {
-    const std::size_t second = kFile.find("TaskName=", 1190 + 2460);
-    EXPECT_EQ(Chosen({}, WithCell(kFile, "FPosFirstRecordingHdr", std::to_string(second))),
-              "1000=20 1100=21 1200=22 1000=30 ");
-    ASSERT_EQ(m_doubts.size(), 1U);
-    EXPECT_NE(m_doubts[0].find("At byte 1190, in or after the file header, is a recording"), std::string::npos)
-        << m_doubts[0];
-}
-
-TEST_F(Samples, AreInDoubtIfOnlyTheLow32BitsOfTheirSizeFitTheirTimes) {
-    const std::string doubt =
-        "1 segment with times that contradict Size, so they are in doubt; the first is of well "
-        "12, at byte 3952 in recording 1 (CompoundTest 1).";
-    for (const auto& [size, doubts] : {std::pair("4", std::vector<std::string>()),
-                                       {"4294967300", std::vector{doubt}},
-                                       {"-4294967292", std::vector{doubt}}}) {
-        EXPECT_EQ(Chosen({}, FileOf({{{11, 0, {1}}, {12, 0, {5, 6, 7, 8}, 100, size}}})), "0=1 0=5 100=6 200=7 300=8 ");
-        EXPECT_EQ(m_doubts, doubts) << size;
-    }
 }
 
 TEST_F(Samples, HaveTheSameDoubtsWhenTheyAreCounted) {
@@ -279,16 +192,6 @@ TEST_F(Samples, AreRefusedWithTheNameOfTheFileIfItIsCutWhileTheyAreRead) {
               m_path +
                   " is damaged or cut: recording 2 (CompoundTest 2) can't be read. Run 'vxfile recover' to save "
                   "what is intact.");
-}
-
-TEST_F(Samples, AreRefusedIfAChainContinuesInAnotherRecording) {
-    const std::size_t second = kFile.find("TaskName=", 1190 + 2460);
-    const std::size_t last = kFile.rfind("Type=Well", second);
-    for (const std::size_t into : {second + 2460, kFile.rfind("Type=Well")}) {
-        const std::string text = Written(WithCell(kFile, "FPosNextSegmentHdr", std::to_string(into), last), {});
-        EXPECT_NE(text.find("recording 1 (CompoundTest 1), which leads into another recording,"), std::string::npos)
-            << text;
-    }
 }
 
 TEST_F(Samples, ArentReadIfTheCheckOfTheirIndexThrows) {
