@@ -125,24 +125,27 @@ TEST(PackedCurves, HaveACurveScaledFromItsLeastToItsGreatestNumber) {
     EXPECT_EQ(TextOf(curves, curves.Add(std::array{7.0, 7.0})), "AAAA");
 }
 
-void ReadTraces(CPlateValues& values, const std::string& path) {
-    CTraceReader traces(values, CRawDataFile(path));
-    VerifyWithSamples(path, traces);
+/// Returns the traces of these wells in the recordings A and B of a file.
+CPlateValues TracesIn(const std::string& bytes, const std::vector<std::int32_t>& wells) {
+    const CTempFolder folder;
+    WriteAll(folder.Path("run.vxd"), bytes);
+    CPlateValues values;
+    values.wells.resize(wells.size());
+    for (std::size_t i = 0; i < wells.size(); ++i)
+        values.wells[i].id = wells[i];
+    values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
+    CTraceReader traces(values, CRawDataFile(folder.Path("run.vxd")));
+    VerifyWithSamples(folder.Path("run.vxd"), traces);
+    return values;
 }
 
 TEST(TraceReader, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
-    const CTempFolder folder;
     std::vector<std::uint16_t> many(600'000, 5);  // more than are read at once
     many.back() = 9;
     const CSegmentTexts segments = {{11, 0, many}, {12, 0, {1, 2}}, {11, 80'000'000, {7}}, {12, 200, {3}}};
     const std::size_t third = 1190 + 2460 + 300 + 2 * many.size() + 300 + 4;
-    WriteAll(folder.Path("run.vxd"), WithCell(FileOf({segments, segments}, false), "FPosNextSegmentHdr", "5", third));
-    CPlateValues values;
-    values.wells.resize(2);
-    values.wells[0].id = 11;
-    values.wells[1].id = 12;
-    values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
-    ReadTraces(values, folder.Path("run.vxd"));
+    const CPlateValues values =
+        TracesIn(WithCell(FileOf({segments, segments}, false), "FPosNextSegmentHdr", "5", third), {11, 12});
     const CTrace& trace = values.traces[0][0];
     const auto& steps = trace.Steps();
     EXPECT_EQ(steps[100 * (many.size() - 1) / static_cast<std::size_t>(trace.StepTime())].greatest, 9);
@@ -154,16 +157,10 @@ TEST(TraceReader, HasWhatIsBeforeDamageAndNotesWhatIsMissing) {
 }
 
 TEST(TraceReader, LosesNoSamplesAfterADamagedSize) {
-    const CTempFolder folder;
     const CSegmentTexts segments = {{11, 0, {1, 2}}, {11, 200, {3, 4}}};
     const std::string bytes = FileOf({segments, segments});
     for (const std::size_t segment : {std::size_t{1190 + 2460}, std::size_t{1190 + 2460 + 304}}) {
-        WriteAll(folder.Path("run.vxd"), WithCell(bytes, "Size", "100000", segment));
-        CPlateValues values;
-        values.wells.resize(1);
-        values.wells[0].id = 11;
-        values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
-        ReadTraces(values, folder.Path("run.vxd"));
+        const CPlateValues values = TracesIn(WithCell(bytes, "Size", "100000", segment), {11});
         EXPECT_EQ(StepsOf(values.traces[0][0]), "1..1 2..2 3..3 4..4 ");
         EXPECT_EQ(StepsOf(values.traces[1][0]), "1..1 2..2 3..3 4..4 ");
         EXPECT_TRUE(values.notes.empty());
@@ -171,62 +168,12 @@ TEST(TraceReader, LosesNoSamplesAfterADamagedSize) {
 }
 
 TEST(TraceReader, HasAGapWhereAFileIsCut) {
-    const CTempFolder folder;
-    const std::string bytes = FileOf({{{11, 0, {5, 6, 7, 8}}}});
-    WriteAll(folder.Path("run.vxd"), bytes.substr(0, bytes.size() - 3));
-    CPlateValues values;
-    values.wells.resize(1);
-    values.wells[0].id = 11;
-    values.recordings = {{"CompoundTest", 1000, "", "A"}};
-    ReadTraces(values, folder.Path("run.vxd"));
-    EXPECT_EQ(StepsOf(values.traces[0][0]), "5..5 6..6 ");
+    const std::string bytes = FileOf({{{11, 0, {1}}}, {{11, 0, {5, 6, 7, 8}}}});
+    const CPlateValues values = TracesIn(bytes.substr(0, bytes.size() - 3), {11});
+    EXPECT_EQ(StepsOf(values.traces[1][0]), "5..5 6..6 ");
     EXPECT_EQ(
         values.notes,
-        (std::vector<std::string>{"Only a part of the recording of A is shown, since the raw data file is damaged."}));
-}
-
-TEST(TraceReader, NotesTheFirstWellThatAHeaderDoesNotList) {
-    const CTempFolder folder;
-    const CSegmentTexts segments = {{11, 0, {1}}, {13, 0, {2}}, {14, 0, {3}}, {15, 0, {4}}};
-    WriteAll(folder.Path("run.vxd"), FileOf({segments, segments}));
-    CPlateValues values;
-    values.wells.resize(3);
-    for (std::size_t i = 0; i < 3; ++i)
-        values.wells[i].id = static_cast<std::int32_t>(11 + 2 * i);  // 11, 13 and 15; the headers list 11 and 12
-    values.recordings = {{"CompoundTest", 1000, "", "A"}, {"CompoundTest", 1000, "", "B"}};
-    ReadTraces(values, folder.Path("run.vxd"));
-    EXPECT_EQ(StepsOf(values.traces[0][1]), "2..2 ");
-    ASSERT_EQ(values.notes.size(), 2U);
-    EXPECT_EQ(values.notes[1],
-              "The header of the recording of B doesn't list each well that has samples; the first is "
-              "well 13. Traces without units are in AD steps. Run 'vxfile verify' on the file.");
-}
-
-TEST(TraceReader, NotesWellsWhoseUnitsAreNoNumber) {
-    const CTempFolder folder;
-    WriteAll(folder.Path("run.vxd"), WithCell(FileOf({{{11, 0, {5}}}}), "UnitsPerADs", "0,3:0.5"));
-    CPlateValues values;
-    values.wells.resize(2);
-    values.wells[0].id = 11;
-    values.wells[1].id = 12;
-    values.recordings = {{"CompoundTest", 1000, "", "A"}};
-    ReadTraces(values, folder.Path("run.vxd"));
-    EXPECT_EQ(values.notes, (std::vector<std::string>{
-                                "UnitsPerADs or ADZeros in the header of the recording of A has no number for well 11. "
-                                "Traces without units are in AD steps. Run 'vxfile verify' on the file."}));
-    EXPECT_EQ(values.traces[0][1].Scale().unitsPerAD, 0.5);
-}
-
-TEST(TraceReader, ShowsNoRecordingOfAnotherDoseOrTask) {
-    const CTempFolder folder;
-    WriteAll(folder.Path("run.vxd"), FileOf({{{11, 0, {1, 2}}}}));
-    CPlateValues values;
-    values.recordings = {{"CompoundTest", 2000, "", "A"}, {"Series", 1000, "", "B"}};
-    ReadTraces(values, folder.Path("run.vxd"));
-    EXPECT_EQ(values.notes,
-              (std::vector<std::string>{"The recording at the place of A has another dose in the raw data file, so its "
-                                        "trace isn't shown.",
-                                        "The raw data file has no recording of B."}));
+        (std::vector<std::string>{"Only a part of the recording of B is shown, since the raw data file is damaged."}));
 }
 
 TEST(PackedCurves, RoundTheStepsOfATraceAwayFromEachOther) {
