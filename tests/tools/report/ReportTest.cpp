@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/tools/ToolRun.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Differences.h"
 #include "verify/Failure.h"
@@ -50,27 +49,10 @@ TEST(Findings, AreAllCountedAndTheFirstThousandKept) {
     EXPECT_EQ(differences.Kept().back().where, "999");
 }
 
-TEST(Differences, KeepTheFirstOmission) {
-    CDifferences differences;
-    EXPECT_EQ(differences.Omission(), "");
-    differences.Omit("first");
-    differences.Omit("second");
-    EXPECT_EQ(differences.Omission(), "first");
-}
-
 TEST(Complaint, IsTheMessageOfAnyFailure) {
     EXPECT_EQ(FailureOf([] {}), "");
     EXPECT_EQ(FailureOf([] { throw CFailure("Own."); }), "Own.");
     EXPECT_EQ(FailureOf([] { throw CExcVXReader(-1, "Library."); }), "Library.");
     EXPECT_EQ(FailureOf([] { throw std::runtime_error("Other."); }), "Other.");
     EXPECT_NE(FailureOf([] { throw std::bad_alloc(); }), "");
-}
-
-TEST(Complaint, KeepsControlCharactersFromTheTerminal) {
-    const CToolRun run = Captured([] {
-        Complain("bell\a.vxd");
-        return 0;
-    });
-    EXPECT_EQ(run.err, "vxfile: bell\\x07.vxd\n");
-    EXPECT_EQ(run.out, "");
 }

@@ -3,12 +3,10 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 #include "tests/faults/SystemCalls.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "vxfileio/frame/IResultsReader.h"
 
 namespace {
 
@@ -45,33 +43,4 @@ TEST(ReadError, MakesExportWriteNothingAndNameTheFile) {
         EXPECT_FALSE(fs::exists(target)) << "read " << at;
     }
     EXPECT_GT(refused, 4) << "each input is read to find its kind, and again";
-}
-
-/// `table` doesn't build the results, but reports what the reader that does reports.
-TEST(ReadError, IsTheSameInATable) {
-    struct CDamage {
-        std::string_view old;
-        std::string_view text;
-    };
-    constexpr CDamage kDamages[] = {
-        {"<Recordings Size=\"3", "<Recordings Size=\"4"},
-        {"<Wells Size=\"3", "<Wells Size=\"-1"},
-        {"<Task>", "<Task/><Task>"},
-        {"</TaskName>", "</TaskNam>"},
-    };
-    const CTempFolder folder;
-    const std::string path = folder.Path("results.vxr");
-    const std::string whole = ReadAll(VXFILEIO_REFERENCE_DIR "/xml/results.vxr");
-    for (const CDamage& damage : kDamages) {
-        std::string document = whole;
-        const std::size_t at = document.find(damage.old);
-        if (at == std::string::npos) ADD_FAILURE() << damage.old;
-        WriteAll(path, document.replace(at, damage.old.size(), damage.text));
-        CIResultsReader reader;
-        reader.ReadFile(path);
-        const CToolRun table =
-            RunTool({"table", path, "--what", "responses", "-o", folder.Path("table.csv"), "--force"});
-        EXPECT_EQ(table.status, 1) << damage.text;
-        EXPECT_EQ(table.err, "vxfile: " + path + ": " + reader.GetReadError() + '\n');
-    }
 }
