@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "tests/support/TempFolder.h"
-#include "tests/tools/RawBytes.h"
 #include "tools/vxfile/shell/catalog/CatalogEntry.h"
 
 using namespace vxfile;
@@ -29,24 +28,4 @@ TEST(Catalog, AFileThatSeemsDamagedButChangesIsUnfinished) {
     isEnded = true;
     EXPECT_EQ(entry.state, kUnfinished);
     EXPECT_EQ(entry.reason, "It changed while it was read.");
-}
-
-TEST(Catalog, ARecordingWhoseUnitIsNoNumberIsDamagedAndSoIsItsFile) {
-    const CTempFolder folder;
-    const std::string path = folder.Path("run.vxd");
-    for (const bool isFinished : {true, false}) {
-        WriteAll(path, WithCell(FileOf({{{11, 0, {1, 2}}}}, isFinished), "UnitsPerADs", "1x:2"));
-        const CCatalogEntry entry = ScanFile(path);
-        EXPECT_EQ(entry.state, kDamaged);
-        ASSERT_EQ(entry.recordings.size(), 1U);
-        EXPECT_EQ(entry.recordings[0].state, kDamaged);
-    }
-}
-
-TEST(Catalog, AFileWithoutARecordingIsUnfinished) {
-    const CTempFolder folder;
-    WriteAll(folder.Path("run.vxd"), FileOf({}));
-    const CCatalogEntry entry = ScanFile(folder.Path("run.vxd"));
-    EXPECT_EQ(entry.state, kUnfinished);
-    EXPECT_EQ(entry.reason, "It has no recording yet.");
 }
