@@ -1,6 +1,5 @@
 """Raw data files, compared with the second reader in tests/reference."""
 
-import concurrent.futures
 import copy
 import fractions
 import gc
@@ -220,13 +219,6 @@ def test_pickles_reopen_the_file(tmp_path, monkeypatch):
         again = pickle.loads(pickle.dumps(run.recordings[0], protocol))
         assert list(again.samples(1)) == [1, 2, 3, 6] and again.run.ticks_per_second == 10
     assert len(copy.deepcopy(run).recordings) == 4
-
-
-def test_threads_read_at_once():
-    recordings = vx.open(RUN).recordings
-    with concurrent.futures.ThreadPoolExecutor(4) as pool:
-        results = list(pool.map(lambda _: recordings[0].samples(1).tolist(), range(200)))
-    assert results == [[1, 2, 3, 6]] * 200
 
 
 def test_frames_have_a_row_per_sample():
