@@ -156,6 +156,16 @@ CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
     return common;
 }
 
+/// Adds a note about a well, or adds the well to a note that says the same.
+void AddWell(std::int32_t well, CNote note, std::vector<CNote>& notes) {
+    const auto saysTheSame = [&](const CNote& other) {
+        return other.kind == note.kind && other.from == note.from && other.to == note.to;
+    };
+    auto same = std::ranges::find_if(notes, saysTheSame);
+    if (same == notes.end()) same = notes.insert(same, std::move(note));
+    same->wells.push_back(well);
+}
+
 /// Lists each well once, and adds wells that have segments, up to `most`. If an ID is listed twice, the second one was
 /// damaged; the first is kept.
 void MendWells(const CFoundRecording& recording, bool hasIDs, std::size_t most, std::vector<CRawDataChannelInfo>& wells,
@@ -166,7 +176,7 @@ void MendWells(const CFoundRecording& recording, bool hasIDs, std::size_t most, 
     std::set<std::int32_t> listed;
     std::erase_if(wells, [&](const auto& well) {
         if (listed.insert(well.ID).second) return false;
-        notes.push_back({.kind = CNote::EKind::ListedTwice, .wells = {well.ID}});
+        AddWell(well.ID, {.kind = CNote::EKind::ListedTwice}, notes);
         return true;
     });
     std::vector<std::int32_t> added;
@@ -187,10 +197,11 @@ void MendTicks(const CFoundRecording& recording, std::vector<CRawDataChannelInfo
                                        : well.Ticks > 0               ? CWellInterval{well.Ticks, true}
                                                                       : CWellInterval{1, false};
         if (well.Ticks == interval.ticks) continue;
-        notes.push_back({.kind = interval.isKnown ? CNote::EKind::Interval : CNote::EKind::NoInterval,
-                         .wells = {well.ID},
-                         .from = std::max<std::int64_t>(well.Ticks, 0),
-                         .to = interval.ticks});
+        AddWell(well.ID,
+                {.kind = interval.isKnown ? CNote::EKind::Interval : CNote::EKind::NoInterval,
+                 .from = std::max<std::int64_t>(well.Ticks, 0),
+                 .to = interval.ticks},
+                notes);
         well.Ticks = interval.ticks;
     }
 }

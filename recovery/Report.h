@@ -96,8 +96,8 @@ struct CNote {
         WellsOfSegments,
         ListedTwice,  ///< `wells`
         ListedNow,    ///< `wells`
-        Interval,     ///< The interval of the well is `to`; the header had `from`, if that isn't 0.
-        NoInterval,   ///< The interval of the well isn't known; the header had `from`.
+        Interval,     ///< The interval of the `wells` is `to`; the header had `from`, if that isn't 0.
+        NoInterval,   ///< The interval of the `wells` isn't known; the header had `from`.
         NoAuxChannels,
         TooManyWells,
         NewVersion,  ///< The version of the new file is `to`.

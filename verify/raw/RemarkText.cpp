@@ -137,7 +137,8 @@ std::string TextOf(const CRemark& remark) {
 
 std::string TextOf(const CNote& note, const std::string& header) {
     const std::string said = note.from > 0 ? "; the header said " + std::to_string(note.from) : "";
-    const std::string well = note.wells.empty() ? std::string() : std::to_string(note.wells.front());
+    const bool isOne = note.wells.size() == 1;
+    const std::string wells = (isOne ? "well " : "wells ") + ListText(note.wells);
     switch (note.kind) {
         case CNote::EKind::Lost:
             return "lost from " + header + ": " + note.keys;
@@ -148,20 +149,18 @@ std::string TextOf(const CNote& note, const std::string& header) {
         case CNote::EKind::Odd:
             return "with a separator in " + header + ", damaged or from another program: " + note.keys;
         case CNote::EKind::MadeUp:
-            return "its header is lost and was rebuilt";
+            return "its header is lost and was rebuilt; UnitsPerAD and ADZero of its wells are 0";
         case CNote::EKind::WellsOfSegments:
             return "the wells are those of its segments";
         case CNote::EKind::ListedTwice:
-            return "well " + well + " was listed twice";
+            return wells + (isOne ? " was" : " were") + " listed twice";
         case CNote::EKind::ListedNow:
-            return (note.wells.size() == 1 ? "listed now, as it has segments: well "
-                                           : "listed now, as they have segments: wells ") +
-                   ListText(note.wells);
+            return (isOne ? "listed now, as it has segments: " : "listed now, as they have segments: ") + wells;
         case CNote::EKind::Interval:
-            return "the interval of well " + well + " is " + std::to_string(note.to) + ", computed from its segments" +
+            return "the interval of " + wells + " is " + std::to_string(note.to) + ", computed from its segments" +
                    said;
         case CNote::EKind::NoInterval:
-            return "the interval of well " + well + " isn't known" + said;
+            return "the interval of " + wells + " isn't known" + said;
         case CNote::EKind::NoAuxChannels:
             return "auxiliary channels are left out: their cells don't agree";
         case CNote::EKind::TooManyWells:
