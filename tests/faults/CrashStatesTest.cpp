@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -416,5 +417,21 @@ TEST_P(ReplacingCrashTest, EveryStateIsTheOldFileOrTheNewOneAndLeavingOutAFlushS
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ReplacingCrashTest, testing::ValuesIn(Replacings()),
                          [](const auto& kind) { return kind.param.name; });
+
+// However many of the files have been moved.
+TEST(SeveralFilesTest, AFailedStepBringsBackEveryOldFileAndLeavesNoNewOne) {
+    const CTempFolder temp;
+    const std::string folder = temp.Path("");
+    for (const char* const name : {"a", "b"})
+        WriteAll(folder + name, kOld);
+    for (int at = 1; at <= 4; ++at) {  // three moves and a flush of the folder
+        BeginCalls(at, {.error = EIO, .calls = "rename fsync"});
+        EXPECT_FALSE(PlaySeveral(folder));
+        EndCalls();
+        for (const char* const name : {"a", "b"})
+            EXPECT_TRUE(ReadAll(folder + name) == kOld) << name << " after a fault at " << at;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2) << at;
+    }
+}
 
 }  // namespace
