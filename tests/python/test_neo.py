@@ -58,7 +58,10 @@ def test_neo_finds_its_contract_kept(name, contract, uneven):
 
 
 def test_each_run_is_a_signal_and_no_gap_is_filled(uneven):
-    block = adapter.VexaprobeIO(uneven, ticks_per_second=1000, units="mV").read_block()
+    reader = adapter.VexaprobeIO(uneven, ticks_per_second=1000, units="mV")
+    block = reader.read_block()
+    assert [(reader.segment_t_start(0, i), reader.segment_t_stop(0, i)) for i in range(3)] == [
+        (0.0, 1.3), (0.1, 9.4), (20.0, 21.0)]
     found = [[(list(signal.array_annotations["channel_ids"]), float(signal.t_start), signal.magnitude.tolist())
               for signal in part.analogsignals if len(signal)] for part in block.segments]
     first = [[(s11 - 1000) * 0.5, (s12 - 2000) * 0.25] for s11, s12 in ((1, 3), (2, 4), (9, 10))]
@@ -66,7 +69,7 @@ def test_each_run_is_a_signal_and_no_gap_is_filled(uneven):
     assert found == [
         [(["11", "12"], 1.0, first), (["13"], 0.0, [[(s - 1000) * 0.5] for s in (5, 6, 7, 8)])],
         [(["11", "12"], 9.0, second), (["13"], 0.1, [[(s - 1000) * 0.5] for s in (11, 12, 13)])],
-        [(["11"], 20.0, [[(s - 1000) * 0.5] for s in (22, 23, 24)]), (["12"], 20.0, [[(25 - 2000) * 0.25]])]]
+        [(["11"], 20.0, [[(s - 1000) * 0.5] for s in (22, 23, 24)]), (["12"], 20.9, [[(25 - 2000) * 0.25]])]]
     rates = [{int(signal.sampling_rate) for signal in part.analogsignals if len(signal)} for part in block.segments]
     assert rates == [{10, 20}, {10, 20}, {10}]
     annotations = [tuple(part.annotations[key] for key in ("task", "recording", "dose", "place", "run"))

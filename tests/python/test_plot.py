@@ -11,7 +11,7 @@ from matplotlib import pyplot  # noqa: E402
 from vxfileio import plot  # noqa: E402
 
 QT = "QT-Interval"
-PLACES = {1: (0, 0), 2: (1, 2), 3: (1, 2), 4: (-1, -1), 5: (2_000_000_000, 0)}
+PLACES = {1: (0, 0), 2: (1, 2), 3: (1, 2), 4: (-1, -1), 5: (64, 0)}
 
 
 @pytest.fixture(autouse=True)

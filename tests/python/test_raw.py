@@ -181,7 +181,7 @@ def test_missing_samples_are_reported_where_they_are_read():
     recording = vx.open(REFERENCE / "cut_samples.vxd").recordings[0]
     with pytest.warns(vx.MissingSamplesWarning, match="3 samples of well 12") as warned:
         assert list(recording.samples(12)) == [7, 52, 0, 0]
-        recording.read([12])
+        recording.read()
         recording.to_xarray([12])
     assert [warning.filename for warning in warned] == [__file__] * 3
 
@@ -221,23 +221,28 @@ def test_pickles_reopen_the_file(tmp_path, monkeypatch):
     assert len(copy.deepcopy(run).recordings) == 4
 
 
-def test_frames_have_a_row_per_sample():
+def test_frames_have_a_row_per_sample(tmp_path):
     pandas = pytest.importorskip("pandas")
     frame = vx.open(RUN, ticks_per_second=100).recordings[0].to_dataframe([1, 2], scaled=False)
     expected = pandas.DataFrame({"well": [1, 1, 1, 1, 2, 2, 2], "time": [0, 100, 200, 300, 0, 50, 100],
                                  "seconds": [0, 1, 2, 3, 0, 0.5, 1], "value": [1, 2, 3, 6, 4, 5, 65535]})
     pandas.testing.assert_frame_equal(frame, expected, check_dtype=False)
+    uneven = vx.open(uneven_files.uneven(tmp_path / "uneven.vxd")).recordings[0]
+    frame = uneven.to_dataframe()
+    assert frame["time"].tolist() == [time for well in (11, 12, 13) for time in uneven.times(well)]
     without_wells = vx.open(RUN).recordings[3].to_dataframe()
     assert without_wells.empty and list(without_wells) == ["well", "time", "value"]
 
 
-def test_datasets_share_dimensions_of_equal_times():
+def test_datasets_share_dimensions_of_equal_times(tmp_path):
     pytest.importorskip("xarray")
     data = vx.open(REFERENCE / "small_example.vxd").recordings[0].to_xarray(scaled=False)
     assert data["11"].dims == data["12"].dims == ("time",)
     assert data["11"].values.tolist() == [1, 256, 65535, 32768] and data["time"].values.tolist() == [0, 100, 200, 300]
+    data = vx.open(uneven_files.uneven(tmp_path / "uneven.vxd")).recordings[0].to_xarray([13, 11, 12])
+    assert [data[well].dims for well in data] == [("time",), ("time_2",), ("time_2",)]
     assert vx.open(RUN).recordings[0].to_xarray()["2"].dims == ("time_2",)
-    for labels, names in (("AB", "AB"), ("AA", "12"), (("A", "time"), "12")):
+    for labels, names in (("AB", "AB"), ("AA", "12"), (("A", "time"), "12"), (("A", "time_2"), "12")):
         settings = vx.Settings()
         settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=i + 1, Label=label) for i, label in enumerate(labels)]
         named = vx.open(RUN, settings=settings).recordings[0].to_xarray([1, 2])

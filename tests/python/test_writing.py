@@ -11,7 +11,7 @@ import read_vxd
 import vxfileio as vx
 
 HEADER = vx.RawDataFileHdr(PlateID="P1", CompoundName="C")
-CHANNELS = [vx.RawDataChannelInfo(ID=well, ADZero=32768, UnitsPerAD=0.0002, Ticks=10) for well in (11, 12)]
+CHANNELS = [vx.RawDataChannelInfo(ID=well, ADZero=32768, UnitsPerAD=0.0002, Ticks=ticks) for well, ticks in ((11, 10), (12, 20))]
 RECORDING = vx.RawDataRecordingHdr(TaskName="Series", Recording=1, Dose=1000, WellChannels=CHANNELS)
 
 
@@ -25,17 +25,18 @@ def test_written_segments_are_read_by_the_second_reader(tmp_path):
     with vx.RawWriter(path, HEADER) as writer:
         with writer.recording(RECORDING) as recording:
             recording.write(11, 0, np.array([1, 2, 65535], np.uint16))
-            writer.write(12, 5, [7])
+            writer.write(12, -2**63, [7, 8])
             recording.write(11, 30, np.arange(10, dtype=np.int64)[::-2])
         writer.update_header("PreQC", [7, -1])
         writer.flush()
-    assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, 5, 5, [7]), (11, 30, 70, [9, 7, 5, 3, 1])]
+    assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 20 - 2**63, [7, 8]),
+                                 (11, 30, 70, [9, 7, 5, 3, 1])]
     with read_vxd.RawDataFile(path) as file:
         header, recording = file.header, file.recordings[0]
     assert (header["PlateID"], header["CompoundName"], header["PreQC"]) == (b"P1", b"C", [7, -1])
     assert (recording.fields["TaskName"], recording.fields["Dose"]) == (b"Series", 1000)
     assert [(well.id, well.ad_zero, well.units_per_ad, well.ticks) for well in recording.wells] == [
-        (11, 32768, 0.0002, 10), (12, 32768, 0.0002, 10)]
+        (11, 32768, 0.0002, 10), (12, 32768, 0.0002, 20)]
 
 
 def test_an_existing_file_is_never_overwritten_unless_asked(tmp_path):
@@ -57,8 +58,9 @@ def test_samples_that_would_change_are_refused(samples, tmp_path):
         with pytest.raises(vx.UsageError) as raised:
             recording.write(11, 0, samples)
         assert raised.value.filename == str(tmp_path / "run.vxd")
-        with pytest.raises(vx.UsageError, match="64 bits"):
-            recording.write(11, 2**63, [1])
+        for start in (2**63, -2**63 - 1):
+            with pytest.raises(vx.UsageError, match="64 bits"):
+                recording.write(11, start, [1])
     assert vx.open(tmp_path / "run.vxd").recordings[0].segments().size == 0
 
 

@@ -27,7 +27,7 @@ def write(path, *recordings):
 
 def uneven(path):
     """Writes two recordings. In the first, wells 11 and 12 have a gap, and well 13 has the times 100 and 150 twice. In
-    the second, well 12 ends early, and well 13 has no samples."""
+    the second, well 12 has one sample, after those of well 11, and well 13 has none."""
     return write(
         path,
         ({"task": b"Series", "number": 1, "Dose": 7}, [
@@ -35,4 +35,4 @@ def uneven(path):
             segment(11, 100, 1200, 9), segment(12, 100, 1200, 10), segment(13, 50, 100, 11, 12, 13),
             segment(11, 100, 9000, 14, 15, 16, 17), segment(12, 100, 9000, 18, 19, 20, 21)]),
         ({"task": b"Series", "number": 2, "Dose": 8}, [
-            segment(11, 100, 20000, 22, 23, 24), segment(12, 100, 20000, 25)]))
+            segment(11, 100, 20000, 22, 23, 24), segment(12, 100, 20900, 25)]))
