@@ -207,6 +207,9 @@ TEST(WellsTest, EachSegmentThatContradictsItsRecordingIsInDoubt) {
         {{Segment(11, 0, 300, 4), Segment(11, 0, 300, 4)}, {EReason::SharedTimes}, 2},
         {{Segment(11, 0, 300, 4), Segment(13, 0, 300, 4)}, {EReason::Unlisted}, 2},
         {{Segment(11, 0, 300, 4), Segment(13, 400, 700, 4), Segment(11, 800, 1100, 4)}, {EReason::OtherWell}, 3},
+        {{Segment(11, 0, 300, 4), Segment(13, 400, 700, 4), Segment(14, 400, 700, 4), Segment(11, 800, 1100, 4)},
+         {EReason::Unlisted, EReason::Unlisted},
+         4},
         {{Segment(11, 0, 300, 4), Segment(11, 400, 900, 4), Segment(11, 800, 1100, 4)}, {EReason::MadeTime}, 3},
         {{Segment(11, 0, 300, 4), Segment(11, 410, 900, 4), Segment(11, 900, 1200, 4)}, {EReason::OtherInterval}, 2},
         // Most segments of well 13 have an interval that readers can't hold.

@@ -188,6 +188,11 @@ TEST_F(RecoverTest, EveryTruncationKeepsAllWholeSegmentsAndNothingElse) {
         // What the cut leaves of a segment. Half a sample can't be kept.
         const auto cut =
             std::ranges::find_if(all, [&](const CSeen& one) { return one.End() > size && one.position + 302 <= size; });
+        EXPECT_EQ(
+            std::ranges::any_of(m_report.losses.first,
+                                [](const CRemark& loss) { return loss.reason == EReason::Cut && loss.should != 0; }),
+            cut != all.end())
+            << "whether another option keeps samples";
         if (cut != all.end()) {
             CSeen part = *cut;
             part.samples.resize((size - cut->position - 300) / 2);
@@ -690,6 +695,9 @@ TEST_F(RecoverTest, FilesOneAfterAnotherAreSavedInAnyOrder) {
                 std::string lost = bytes;
                 lost.replace(size + 1190, 2460, std::string(2460, '\xAA'));
                 EXPECT_EQ(Recovered(lost).size(), expected.size()) << counts[0] << " segments come first";
+                lost = bytes;
+                EXPECT_EQ(Recovered(lost.replace(0, 1190, 1190, '\xAA')).size(), expected.size());
+                EXPECT_EQ(ReadAll(m_out).find("PlateID=P1"), std::string::npos) << "the second file's plate";
             }
             bytes.replace(size + files[1].bytes.size(), 1190, std::string(1190, '\xAA'));
             EXPECT_EQ(Placeless(Recovered(bytes)), Placeless(expected)) << counts[0] << " segments, cut by " << cut;

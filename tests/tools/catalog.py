@@ -83,6 +83,7 @@ def check_names(folder):
     database = str(folder / "odd.db")
     for read in 4, 1:  # the unreadable one is tried again
         assert f"4 files, {read} of them read now" in run(str(odd), "--sqlite", database, status=2)[1]
+    assert ", 2 unreadable" in run(str(odd), str(odd / "nowhere"), "--sqlite", database, status=2)[1]
     assert sorted(path for path, in stored(database, "SELECT path FROM files")) == sorted(
         str(folder / path) for path in expected)
 

@@ -15,6 +15,8 @@ using namespace vxfile;
 
 namespace {
 
+constexpr std::size_t kFirst = 1190;  ///< The offset of the first recording header.
+
 class RawFindings : public testing::Test {
  protected:
     CFindings Verified(const std::string& bytes) {
@@ -28,10 +30,19 @@ class RawFindings : public testing::Test {
 
 }  // namespace
 
+// No position points to it yet.
+TEST_F(RawFindings, IgnoreAHeaderThatAWriterHasBegun) {
+    const std::string file = FileOf({{{11, 0, {1, 2}}, {12, 0, {3}}, {11, 200, {4}}}}, false);
+    const std::string next = FileOf({{{12, 500, {7}}}}, false).substr(kFirst);
+    for (const std::size_t size : {0U, 1U, 49U, 2459U, 2460U, 2461U})
+        EXPECT_EQ(Verified(file + next.substr(0, size)).Count(), size <= 2460 ? 1U : 2U) << size;
+}
+
 TEST_F(RawFindings, ReachEveryByteOnce) {
     CCoverage coverage;
     std::vector<std::int64_t> seen;
-    for (const CRange range : {CRange{0, 10}, CRange{10, 20}, CRange{40, 50}, CRange{15, 30}, CRange{60, 60}})
+    for (const CRange range :
+         {CRange{0, 10}, CRange{10, 20}, CRange{40, 50}, CRange{42, 45}, CRange{15, 30}, CRange{60, 60}})
         coverage.Add(range);
     coverage.Inspect(
         100,
@@ -41,7 +52,7 @@ TEST_F(RawFindings, ReachEveryByteOnce) {
         [&](CRange overlap) {
             seen.insert(seen.end(), {-overlap.begin, -overlap.end});
         });
-    EXPECT_EQ(seen, (std::vector<std::int64_t>{-15, -20, 30, 40, 50, 100}));
+    EXPECT_EQ(seen, (std::vector<std::int64_t>{-15, -20, 30, 40, -42, -45, 50, 100}));
 }
 
 // The samples of segment 11 begin at 3950; the second page of the file begins among them.

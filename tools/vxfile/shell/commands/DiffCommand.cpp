@@ -108,7 +108,8 @@ class CDiffCommand : public CCommand {
         bool isLabeled = false;
         for (const auto& original : std::span(kept).first(std::min(kept.size(), kMostPrinted))) {
             const CDifference difference = Labeled(original);
-            isLabeled = isLabeled || difference.where != original.where || difference.left != original.left;
+            isLabeled = isLabeled || difference.where != original.where || difference.left != original.left ||
+                        difference.right != original.right;
             std::cout << Bold(Readable(difference.where)) << '\n';
             if (!difference.left.empty()) std::cout << "  < " << Readable(difference.left) << '\n';
             if (!difference.right.empty()) std::cout << "  > " << Readable(difference.right) << '\n';
