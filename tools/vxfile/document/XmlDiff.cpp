@@ -15,6 +15,7 @@
 #include "vxfileio/results/forms/ResultsForm.h"
 #include "vxfileio/settings/forms/SettingsForm.h"
 #include "vxfileio/xmlarchive/XmlDocument.h"
+#include "vxfileio/xmlarchive/XmlFields.h"
 
 namespace vxfile {
 
@@ -48,7 +49,7 @@ class CXmlLeaves {
                 continue;
             }
             Open();
-            if (!HasChildren(m_archive)) Close();
+            if (!vxfileio::xmlarchive::HasChildren(m_archive)) Close();
         }
         return std::move(m_leaves);
     }
