@@ -24,8 +24,8 @@ enum class EReason : std::uint8_t {
     LostRecording,     ///< The header of a recording is damaged or lost.
     DamagedSegment,    ///< Too many cells of the header, `cells`, are damaged.
     Contradiction,     ///< The values of a segment contradict one another.
-    TakenOutOf,        ///< Bytes were taken out: the next header begins within it.
-    TakenOutOfHeader,  ///< Bytes were taken out of a recording header.
+    TakenOutOf,        ///< Bytes were removed: the next header begins within it.
+    TakenOutOfHeader,  ///< Bytes were removed from a recording header.
     Cut,               ///< `missing` of a segment's `count` samples are missing.
     CutKept,           ///< The same, but the samples that are there are kept.
     MissingSegment,    ///< The input ends, but a segment should follow.

@@ -61,9 +61,9 @@ std::string LossText(const CRemark& remark) {
         case EReason::Contradiction:
             return "the cells of the segment header contradict one another";
         case EReason::TakenOutOf:
-            return "bytes were taken out of it: the next header begins within it";
+            return "bytes were removed from it: the next header begins within it";
         case EReason::TakenOutOfHeader:
-            return "bytes were taken out of the recording header";
+            return "bytes were removed from the recording header";
         case EReason::Cut:
         case EReason::CutKept:
             return CutText(remark);
@@ -89,19 +89,19 @@ std::string DoubtText(const CRemark& remark) {
             return DamagedText(remark);
         case EReason::Position:
             return remark.what + " is " + std::to_string(remark.value) + ", but should be " +
-                   std::to_string(remark.should) + ": it is damaged, or bytes were put in or taken out";
+                   std::to_string(remark.should) + ": it is damaged, or bytes were inserted or removed";
         case EReason::PutIn:
-            return "bytes were put in after it or within it: its samples may be wrong from there on";
+            return "bytes were inserted after it or within it: its samples may be wrong from there on";
         case EReason::TakenOut:
-            return "bytes were taken out after it or within it: its samples may be wrong from there on";
+            return "bytes were removed after it or within it: its samples may be wrong from there on";
         case EReason::Unconfirmed:
             return "nothing confirms where it ends: its last samples may be wrong";
         case EReason::PutIntoHeader:
-            return "bytes were put into its header; what follows it is whole";
+            return "bytes were inserted into its header; what follows it is whole";
         case EReason::TakenFromHeader:
-            return "bytes were taken out of its header; what follows it is whole";
+            return "bytes were removed from its header; what follows it is whole";
         case EReason::OtherHeader:
-            return "bytes were taken out ahead of it or within its header: it may be of another well";
+            return "bytes were removed before it or within its header: it may be of another well";
         case EReason::MaybeEmpty:
             return "the file ends after the header of this recording: if it had segments, they are gone";
         case EReason::Ambiguous:
