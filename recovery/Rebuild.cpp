@@ -156,12 +156,12 @@ CRawDataChannelInfo CommonOf(const std::vector<CRawDataChannelInfo>& wells) {
     return common;
 }
 
-/// Adds a note about a well, or adds the well to a note that says the same.
-void AddWell(std::int32_t well, CNote note, std::vector<CNote>& notes) {
-    const auto saysTheSame = [&](const CNote& other) {
+/// Adds a note about a well, or adds the well to one that differs in nothing else.
+void NoteWell(std::int32_t well, CNote note, std::vector<CNote>& notes) {
+    const auto isSame = [&](const CNote& other) {
         return other.kind == note.kind && other.from == note.from && other.to == note.to;
     };
-    auto same = std::ranges::find_if(notes, saysTheSame);
+    auto same = std::ranges::find_if(notes, isSame);
     if (same == notes.end()) same = notes.insert(same, std::move(note));
     same->wells.push_back(well);
 }
@@ -176,7 +176,7 @@ void MendWells(const CFoundRecording& recording, bool hasIDs, std::size_t most, 
     std::set<std::int32_t> listed;
     std::erase_if(wells, [&](const auto& well) {
         if (listed.insert(well.ID).second) return false;
-        AddWell(well.ID, {.kind = CNote::EKind::ListedTwice}, notes);
+        NoteWell(well.ID, {.kind = CNote::EKind::ListedTwice}, notes);
         return true;
     });
     std::vector<std::int32_t> added;
@@ -197,11 +197,11 @@ void MendTicks(const CFoundRecording& recording, std::vector<CRawDataChannelInfo
                                        : well.Ticks > 0               ? CWellInterval{well.Ticks, true}
                                                                       : CWellInterval{1, false};
         if (well.Ticks == interval.ticks) continue;
-        AddWell(well.ID,
-                {.kind = interval.isKnown ? CNote::EKind::Interval : CNote::EKind::NoInterval,
-                 .from = std::max<std::int64_t>(well.Ticks, 0),
-                 .to = interval.ticks},
-                notes);
+        NoteWell(well.ID,
+                 {.kind = interval.isKnown ? CNote::EKind::Interval : CNote::EKind::NoInterval,
+                  .from = std::max<std::int64_t>(well.Ticks, 0),
+                  .to = interval.ticks},
+                 notes);
         well.Ticks = interval.ticks;
     }
 }

@@ -19,11 +19,11 @@ import sys
 
 import source_groups
 
-# clang-tidy also checks what is included, for as long as a dozen of our sources, so its groups are larger than those of
-# compilers.
+# clang-tidy spends as much time on included headers as on a dozen of our sources, so its groups are larger than those
+# of compilers.
 LARGEST_GROUP = 60
-# Programs in this folder must compile, but clang-tidy doesn't check them, nor reserved names: one replaces functions of
-# the C library.
+# Sources in this folder only have to compile. One of them replaces functions of the C library, so reserved names are
+# allowed.
 PARSED_ONLY = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "bench", "")
 # Clang finds reserved names in a moment; clang-tidy's own check takes longer than any other.
 WARNINGS = ["-Wreserved-identifier", "-Wreserved-macro-identifier"]

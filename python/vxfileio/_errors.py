@@ -117,7 +117,7 @@ def fail(text: bytes, path: bytes, code: int) -> NoReturn:
 
 
 REFUSED_STEP = re.compile(r".*?, (opening|closing|replacing|flushing|writing \d+ bytes at \d+ of) ")
-"""The beginning of a text of `GetWriteError` about what the system refused, whatever words it has for the reason."""
+"""Matches a text of `GetWriteError` that reports a failed system call, for any reason."""
 
 
 def refusal(text: str, path: str) -> Optional[OSError]:

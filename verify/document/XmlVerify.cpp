@@ -183,7 +183,7 @@ void CXmlVerifier::JudgeValue(const CXmlElement& rule, const CXmlToken& start) {
         Add(start.offset, Quoted(start.bytes), "<" + tag + "></" + tag + ">", "Readers treat both alike.");
         return;
     }
-    std::string text;  // as if it had no sections
+    std::string text;  // coded, also what is in a section
     CXmlToken token = m_tokens.Next();
     for (; token.kind == EToken::Text || token.kind == EToken::Section; token = m_tokens.Next()) {
         if (token.kind == EToken::Section)

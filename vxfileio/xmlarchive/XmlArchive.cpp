@@ -105,8 +105,9 @@ bool CXmlFileArchive::ListHasEntries() { return m_reader->ReadListClaim() > 0; }
 
 void CXmlFileArchive::GetSamples(std::vector<double>& samples) { m_reader->ReadSamples(samples); }
 
+void CXmlFileArchive::NeedChildren() { m_reader->NeedChildren(); }
+
 void CXmlFileArchive::NoteText(XmlFault kind, std::span<const std::string_view> words) {
-    if (kind == XmlFault::NoContent) return m_reader->NeedChildren();
     m_reader->NoteText(kind, words);
 }
 

@@ -146,9 +146,11 @@ class VXFILEIO_API CXMLArchive<CFileBuffer> {
     /// entries as there are semicolons, and ignores numbers beyond the end of `samples`.
     void GetSamples(std::vector<double>& samples);
 
+    /// Reports the current element, a start tag, if it turns out to have no children.
+    void NeedChildren();
+
     /// Reports that the text of the current element isn't a value of its kind, for the text of `Finish`. `words` are
-    /// those that it could be. With `NoContent`, reports the current element, a start tag, only if it turns out to have
-    /// no children.
+    /// those that it could be.
     void NoteText(XmlFault kind, std::span<const std::string_view> words = {});
 
     /// Reports that the current element is in place of the key with this tag, if there is an element.

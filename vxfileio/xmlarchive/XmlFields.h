@@ -140,14 +140,11 @@ inline bool HasChildren(const CXmlFileArchive& archive) {
     return (archive.ElementState() & gd_xml_stream::XmlState::kHasChildren) != 0;
 }
 
-/// Reports the current element, a start tag, if it turns out to have no children, where they are needed.
-inline void NoteIfEmpty(CXmlFileArchive& archive) { archive.NoteText(gd_xml_stream::XmlFault::NoContent); }
-
 /// Reads the children of the current element, a start tag, by `load()`. Reports an element without children, which has
 /// no end tag to read up to.
 template <class Load>
 void LoadChildren(CXmlFileArchive& archive, Load load) {
-    NoteIfEmpty(archive);
+    archive.NeedChildren();
     if (HasChildren(archive)) load();
 }
 
@@ -156,7 +153,7 @@ template <class Load>
 void LoadKeyed(CXmlFileArchive& archive, Load load) {
     LoadChildren(archive, [&] {
         archive.NextElement();
-        if (!archive.IsEndTag()) load();  // a comment is no child
+        if (!archive.IsEndTag()) load();  // it may have only a comment
     });
 }
 

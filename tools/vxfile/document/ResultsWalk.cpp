@@ -37,7 +37,7 @@ class CResultsWalk {
             AtStart([&] {
                 if (m_archive.TagName() == kResultsElement) m_archive.CountEntries();
                 if (m_archive.TagName() != CTaskForm::kElement) return;
-                NoteIfEmpty(m_archive);
+                m_archive.NeedChildren();
                 VisitTask();
             });
         });
@@ -71,7 +71,7 @@ class CResultsWalk {
         static_cast<void>(m_archive.ListHasEntries());  // notes the `Size`
         ForEachStartInside(list, [&] {
             if (m_archive.TagName() != entry) return;
-            NoteIfEmpty(m_archive);
+            m_archive.NeedChildren();
             visit();
         });
     }
@@ -135,7 +135,7 @@ class CResultsWalk {
 
     void VisitWell() {
         m_archive.NextElement();
-        if (m_archive.IsEndTag()) return;  // it had a comment alone
+        if (m_archive.IsEndTag()) return;  // it has only a comment
         const std::int32_t wellID = CWellForm::kKey.Read(m_archive);
         CResultsWell well;
         well.Load(m_archive);

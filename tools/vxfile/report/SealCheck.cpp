@@ -167,13 +167,16 @@ std::optional<CSealVerdict> CSealCheck::Finish(CFindings& findings) {
     if (m_seal.empty()) return std::nullopt;
     CSealVerdict verdict{.seal = m_seal};
     try {
-        if (!m_comparison) throw CSealFailure(m_failure);
-        verdict.state = m_comparison->Run();
+        if (m_comparison) verdict.state = m_comparison->Run();
+    } catch (const CSealFailure& failure) {
+        m_failure = failure.what();
+    }
+    if (m_failure.empty()) {
         findings.Add(std::move(m_comparison->Findings()));
         verdict.sealedSize = m_comparison->SealedSize();
-    } catch (const CSealFailure& failure) {
-        findings.Add({"seal", -1, "a seal that can't be used", "a seal of version " + std::to_string(kSealVersion),
-                      failure.what()});
+    } else {
+        findings.Add(
+            {"seal", -1, "a seal that can't be used", "a seal of version " + std::to_string(kSealVersion), m_failure});
     }
     return verdict;
 }

@@ -47,7 +47,7 @@ class CSealCheck {
     class CComparison;
 
     std::string m_seal;                         ///< The path of the seal; empty if there is none.
-    std::string m_failure;                      ///< Why it can't be used.
+    std::string m_failure;                      ///< Why it can't be used; empty if it can.
     std::unique_ptr<CComparison> m_comparison;  ///< Null without a seal that can be used.
 };
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "verify/Failure.h"
 #include "verify/OpenInput.h"
@@ -16,12 +15,10 @@ namespace vxfile {
 
 namespace {
 
-/// How far into a document to search for its section. Headers are much shorter, but may be preceded by comments.
-constexpr std::size_t kLookAhead = std::size_t{16} << 20;
-
-/// The size of the blocks in which it is searched. They overlap by more than the longest text that is searched for.
-constexpr std::size_t kBlock = std::size_t{64} << 10;
-constexpr std::size_t kOverlap = 64;
+/// How far into a document to search for its section. Comments and attributes may precede it, but seldom so many that
+/// the first of these sizes isn't enough.
+constexpr std::int64_t kUsualLookAhead = std::int64_t{64} << 10;
+constexpr std::int64_t kLookAhead = std::int64_t{16} << 20;
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
@@ -50,46 +47,31 @@ EFileKind KindOfDocument(std::string_view text) {
     return EFileKind::Unknown;
 }
 
-/// Reads the blocks of a file.
-class CBlocks {
- public:
-    explicit CBlocks(const std::string& path) : m_path(path) { OpenInput(m_file, path); }
-
-    /// Returns the block at this offset, shorter than the others at the end of the file. Valid until the next call.
-    std::string_view At(std::size_t offset) {
-        const auto at = static_cast<std::int64_t>(offset);
-        const std::size_t size = m_file.ReadUpTo(at, std::as_writable_bytes(std::span(m_bytes)));
-        if (size < kBlock && m_file.Size() > at + static_cast<std::int64_t>(size))
-            throw CFailure("Can't read " + m_path + " beyond offset " + std::to_string(offset + size) +
-                           ", as the system refuses it; check the disk.");
-        return {m_bytes.data(), size};
-    }
-
- private:
-    const std::string& m_path;
-    vxfileio::helpers::CFile m_file;
-    std::vector<char> m_bytes = std::vector<char>(kBlock);
-};
+/// Returns the first bytes of a file, up to `most`.
+std::string HeadOf(const vxfileio::helpers::CFile& file, const std::string& path, std::int64_t most) {
+    std::string head(static_cast<std::size_t>(std::min(most, file.Size())), '\0');
+    const std::size_t size = file.ReadUpTo(0, std::as_writable_bytes(std::span(head)));
+    if (size < head.size())
+        throw CFailure("Can't read " + path + " beyond offset " + std::to_string(size) +
+                       ", as the system refuses it; check the disk.");
+    return head;
+}
 
 }  // namespace
 
 EFileKind FileKindOf(const std::string& path) {
-    CBlocks blocks(path);
-    std::string_view text = blocks.At(0);
-    if (text.empty()) return EFileKind::Empty;
-    if (text.starts_with(vxfileio::base::kRawDataMark)) return EFileKind::RawData;
-    if (text.starts_with(vxfileio::base::kCompoundMark)) return EFileKind::Workbook;
-    if (!BeginsDocument(text)) return EFileKind::Unknown;
-    EFileKind kind = KindOfDocument(text);
-    // Documents of other programs can have a section of this name, too, but not inside of this root.
-    bool hasRoot = HasTag(text, vxfileio::xmlarchive::kRootElement);
-    for (std::size_t at = kBlock - kOverlap; kind == EFileKind::Unknown && text.size() == kBlock && at < kLookAhead;
-         at += kBlock - kOverlap) {
-        text = blocks.At(at);
-        hasRoot = hasRoot || HasTag(text, vxfileio::xmlarchive::kRootElement);
-        if (hasRoot) kind = KindOfDocument(text);
-    }
-    return kind;
+    vxfileio::helpers::CFile file;
+    OpenInput(file, path);
+    std::string head = HeadOf(file, path, kUsualLookAhead);
+    if (head.empty()) return EFileKind::Empty;
+    if (head.starts_with(vxfileio::base::kRawDataMark)) return EFileKind::RawData;
+    if (head.starts_with(vxfileio::base::kCompoundMark)) return EFileKind::Workbook;
+    if (!BeginsDocument(head)) return EFileKind::Unknown;
+    const EFileKind kind = KindOfDocument(head);
+    if (kind != EFileKind::Unknown || file.Size() <= kUsualLookAhead) return kind;
+    head = HeadOf(file, path, kLookAhead);
+    // A document of another program can have such a section, too, but not such a root.
+    return HasTag(head, vxfileio::xmlarchive::kRootElement) ? KindOfDocument(head) : EFileKind::Unknown;
 }
 
 std::string_view NameOf(EFileKind kind) {

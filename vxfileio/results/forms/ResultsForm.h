@@ -147,10 +147,10 @@ struct CResultsWellsField {
         for (std::size_t count = 0; count < size; ++count) {
             if (!archive.NextElement()) return;
             const bool isWell = IsStartOf(archive, CEntryForm::kElement);
-            if (isWell) NoteIfEmpty(archive);
+            if (isWell) archive.NeedChildren();
             if (isWell && !HasChildren(archive)) continue;
             if (!archive.NextElement()) return;
-            if (isWell && archive.IsEndTag()) continue;  // it had a comment alone
+            if (isWell && archive.IsEndTag()) continue;  // it has only a comment
             const std::int32_t wellID = CEntryForm::kKey.Read(archive);
             CResultsWell well;
             well.Load(archive);

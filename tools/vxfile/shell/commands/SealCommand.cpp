@@ -64,7 +64,6 @@ CFileState StateOf(const std::string& path) {
 /// A file to seal.
 struct CSource {
     const std::string& path;
-    CFileDigest& digest;
     std::int64_t size = 0;
     CFileState before;  ///< The state before it was read.
 };
@@ -119,7 +118,7 @@ class CSealCommand : public CCommand {
             OpenInput(file, path);
             const std::int64_t size = file.Size();
             CFileDigest digest(file, path, size);
-            Write({path, digest, size, before}, sealed, [&](const auto& take) { ForEachBlock(size, take); });
+            Write({path, size, before}, digest, sealed, [&](const auto& take) { ForEachBlock(size, take); });
             return sealed;
         }
         const CRawScan scan(path);
@@ -127,7 +126,7 @@ class CSealCommand : public CCommand {
         const CRawParts parts(scan);
         sealed.segments = parts.Segments();
         sealed.doubts = parts.Doubts();
-        Write({path, digest, scan.Size(), before}, sealed, [&](const auto& take) { parts.ForEach(take); });
+        Write({path, scan.Size(), before}, digest, sealed, [&](const auto& take) { parts.ForEach(take); });
         return sealed;
     }
 
@@ -147,18 +146,18 @@ class CSealCommand : public CCommand {
         }
     }
 
-    /// Writes the seal of a file whose parts `forEach` delivers.
-    void Write(const CSource& source, CSealed& sealed, const auto& forEach) const {
-        const auto& [path, digest, size, before] = source;
+    /// Writes the seal of a file with this digest, whose parts `forEach` delivers.
+    void Write(const CSource& source, CFileDigest& digest, CSealed& sealed, const auto& forEach) const {
+        const auto& [path, size, before] = source;
         sealed.size = size;
         COutput output({.path = SealOf(path), .sources = {path}, .replace = m_force});
         CSealWriter seal([&](std::string_view text) { output.Write(text); },
                          Readable(fs::path(path).filename().string()), WordOf(sealed.kind), size);
         CProgress progress("Sealing " + path, size);
         forEach([&](CSealedPart& part) {
-            part.sum = source.digest.HashNext(part.SumLength());
+            part.sum = digest.HashNext(part.SumLength());
             if (part.kind == CSealedPart::EKind::Segment)
-                part.samplesSum = source.digest.HashNext(part.length - part.headerLength);
+                part.samplesSum = digest.HashNext(part.length - part.headerLength);
             seal.Add(part);
             progress.Reach(part.End());
         });
