@@ -621,7 +621,8 @@ static void change_settings(void) {
     WORKS(vx_document_get_count(settings, "PropertyRecordPlate/Compounds", &count));
     EXPECT(count == 1 && text_is(settings, "PropertyRecordPlate/Compounds/0/Label", "C7"));
     EXPECT(vx_document_set_int64(settings, "PropertyAnalyzer/FPfastAutoAdjust", 2) == VX_ERROR_VALUE);
-    EXPECT(vx_document_set_int64(settings, mark, 99) == VX_ERROR_VALUE);
+    EXPECT(vx_document_set_int64(settings, mark, -1) == VX_ERROR_VALUE);
+    EXPECT(vx_document_set_int64(settings, mark, 4) == VX_ERROR_VALUE); /* there are four marks */
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
     WORKS(vx_document_save(settings, copy, -1));
@@ -856,7 +857,8 @@ static void check_in_a_callback(void) {
     EXPECT(calls_of_check(own("long.vxd"), check_within) > 1);
 }
 
-/* The check of each kind of file reports progress, and ends if the caller wants no more. */
+/* The check of each kind of file reports progress, and ends if the caller wants no more. It says
+ * whether readers open the file. */
 static void check_each_kind(void) {
     static const char* const files[] = {"small_example.vxd", "xml/settings.vxs", "xml/results.vxr",
                                         "workbooks/big.xls"};
@@ -865,9 +867,15 @@ static void check_each_kind(void) {
         struct counted count = {0, 0, -1, -1};
         vx_callbacks callbacks = counting(&count, count_progress);
         vx_report* report = NULL;
-        WORKS(vx_verify(&report, given(files[kind]), kind, &callbacks));
+        vx_report_summary summary = VX_REPORT_SUMMARY_INIT;
+        WORKS(vx_verify(&report, given(kind == VX_FILE_RAW ? "circle_of_recordings.vxd" : files[0]), kind, NULL));
+        WORKS(vx_report_get_summary(report, &summary));
         WORKS(vx_close(report));
-        EXPECT(count.progress > 0);
+        EXPECT(!summary.is_sound && !summary.is_usable);
+        WORKS(vx_verify(&report, given(files[kind]), kind, &callbacks));
+        WORKS(vx_report_get_summary(report, &summary));
+        WORKS(vx_close(report));
+        EXPECT(count.progress > 0 && summary.is_usable);
         count.most = count.progress + 1;
         EXPECT(vx_verify(&report, given(files[kind]), kind, &callbacks) == VX_CANCELLED);
         WORKS(vx_close(report));
@@ -938,6 +946,17 @@ static void check_and_recover(void) {
     EXPECT(vx_report_get_summary(report, &summary) == VX_ERROR_STATE);
     WORKS(vx_close(report));
     EXPECT(content_of(own("small.vxd"), text, 1) < 0);
+}
+
+/* Only the handles that are open at once are limited in number. */
+static void make_a_million_handles(void) {
+    int i, code = VX_OK;
+    for (i = 0; i < 1100000 && code == VX_OK; ++i) {
+        vx_document* document = NULL;
+        code = vx_document_create(&document, VX_RESULTS);
+        vx_close(document);
+    }
+    WORKS(code);
 }
 
 #ifdef __cplusplus
@@ -1045,6 +1064,7 @@ static void (*const phases[])(void) = {
     check_and_recover,
     check_in_a_callback,
     check_each_kind,
+    make_a_million_handles,
 #ifdef __cplusplus
     use_threads,
 #endif
