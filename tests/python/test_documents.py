@@ -332,6 +332,8 @@ def test_workbooks_are_exported_and_never_replaced(tmp_path):
     names = {path.name for path in tmp_path.iterdir()}
     assert names == {"run.xls", "run-A1.xls"} and {vx.kind_of(tmp_path / name) for name in names} == {"workbook"}
     results.settings.RecordPlate.Data.Wells[1].State = results.settings.RecordPlate.Data.Wells[0].State
+    results.export(tmp_path / "b.xls", SETTINGS)  # these, not its own
+    assert {path.name for path in tmp_path.iterdir()} == names | {"b.xls", "b-A1.xls"}
     for name in ("run.xls", "run-A1.xls", "run-B1.xls"):
         for path in tmp_path.iterdir():
             path.unlink()

@@ -1,5 +1,6 @@
 """Failures, row by row, and what happens to them on their way to Python."""
 
+import concurrent.futures
 import errno
 import os
 import signal
@@ -62,6 +63,13 @@ def test_failures_of_the_system_are_its_own(name, exception, tmp_path):
         with pytest.raises(exception) as raised:
             call(tmp_path / name)
         assert raised.value.filename == str(tmp_path / name)
+
+    def read_after_another_failure():
+        assert not os.access(tmp_path / "none", os.F_OK)
+        vx.Settings.read(tmp_path / name)
+
+    with concurrent.futures.ThreadPoolExecutor() as pool, pytest.raises(exception):
+        pool.submit(read_after_another_failure).result()
     with pytest.raises(OSError) as raised:
         vx.RawWriter(tmp_path / "missing" / "run.vxd")
     assert (raised.value.errno, raised.value.filename) == (errno.ENOENT, str(tmp_path / "missing" / "run.vxd"))

@@ -22,17 +22,21 @@ def closed_figures():
 
 @pytest.fixture
 def results():
-    """Results of five wells with the value of their ID. Two are at one place, two at places that no plate has."""
+    """Results of five wells with their ID times the mean of their recording, and its negative as normalised response. Two
+    wells are at one place, two at places that no plate has."""
     settings = vx.Settings()
     settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=well, Label=f"W{well}", PlateRow=row, PlateColumn=column)
                                        for well, (row, column) in PLACES.items()]
-    responses = {well: {QT: vx.Response(Label=QT, Value=well)} for well in PLACES}
-    wells = {well: vx.ResultsWell(WellLabel=f"W{well}", Responses=responses[well]) for well in PLACES}
-    means = [vx.ResponseMean(Label=QT, normMean=mean, normStdDev=mean / 10, Samples=5) for mean in (1.0, 2.0)]
-    recordings = [vx.ResultsRecording(Dose=dose, Wells=wells, NormalizedResponses={QT: mean})
-                  for dose, mean in zip((3000, 0), means)]
+    recordings = []
+    for dose, mean in ((3000, 1.0), (0, 2.0)):
+        wells = {well: vx.ResultsWell(WellLabel=f"W{well}", Responses={QT: vx.Response(Label=QT, Value=mean * well)},
+                                      NormalizedResponses={QT: vx.Response(Label=QT, Value=-mean * well)})
+                 for well in PLACES}
+        means = {QT: vx.ResponseMean(Label=QT, normMean=mean, normStdDev=mean / 10, Samples=5)}
+        recordings.append(vx.ResultsRecording(Dose=dose, Wells=wells, NormalizedResponses=means))
     made = vx.Results()
-    made.Tasks = {"Series": vx.ResultsTask(TaskName="Series", Recordings=recordings)}
+    made.Tasks = {"Series": vx.ResultsTask(TaskName="Series", Recordings=recordings),
+                  "PreQC": vx.ResultsTask(TaskName="PreQC", Recordings=recordings[1:])}
     made.settings = settings
     return made
 
@@ -45,7 +49,7 @@ def test_a_trace_has_the_values_of_a_well_and_no_line_across_a_gap(tmp_path):
     np.testing.assert_array_equal(times, [1, 1.1, 1.2, np.nan, 9, 9.1, 9.2, 9.3])
     samples = np.array([1, 2, 9, np.nan, 14, 15, 16, 17])
     np.testing.assert_array_equal(values, (samples - 1000) * 0.5)
-    assert axes.get_xlabel() == "time in s"
+    assert (axes.get_title(), axes.get_xlabel()) == ("11, Series 1, 7 pM", "time in s")
     before = pyplot.get_fignums()
     with pytest.raises(vx.NoSuchWellError):
         plot.trace(run.recordings[0], 99)
@@ -58,16 +62,18 @@ def test_a_plate_has_each_well_at_its_place_and_the_others_below(tmp_path, resul
         record.WellID = well
     by_settings = ["W1", "", "", "", "", "W2", "W3", "", ""]
     for settings, titles in ((results.settings, by_settings), (None, ["11", "12", "13"])):
-        figure = plot.plate(vx.open(path, settings=settings).recordings[0])
+        figure = plot.plate(vx.open(path, settings=settings).recordings[0], 1100, 9100)
         assert [axes.get_title() for axes in figure.axes] == titles
+        np.testing.assert_array_equal(figure.axes[0].lines[0].get_xdata(), [1100, 1200, np.nan, 9000])
     with pytest.raises(vx.UsageError, match="at least one well"):
         plot.plate(vx.open(path).recordings[0], wells="A1")
 
 
 def test_a_heat_map_has_each_value_at_the_place_of_its_well(results):
-    axes = plot.heat_map(results, QT)
-    shown = axes.images[0].get_array().filled(np.nan)
-    np.testing.assert_array_equal(shown, [[1, np.nan, np.nan], [np.nan, np.nan, 2]])
+    for recording, task, normalized, factor in ((0, "PreQC", False, 2), (1, "Series", True, -2), (0, "Series", False, 1)):
+        axes = plot.heat_map(results, QT, recording, task=task, normalized=normalized)
+        shown = axes.images[0].get_array().filled(np.nan)
+        np.testing.assert_array_equal(shown / factor, [[1, np.nan, np.nan], [np.nan, np.nan, 2]])
     assert [text.get_text() for text in axes.get_yticklabels()] == ["A", "B"]
     results.settings = None
     with pytest.raises(vx.UsageError, match="whose place is known"):

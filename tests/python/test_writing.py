@@ -10,7 +10,7 @@ import pytest
 import read_vxd
 import vxfileio as vx
 
-HEADER = vx.RawDataFileHdr(PlateID="P1", CompoundName="C")
+HEADER = vx.RawDataFileHdr(HeaderID="OVL Vexaprobe 2", FileVersion=3, PlateID="P1", CompoundName="C")
 CHANNELS = [vx.RawDataChannelInfo(ID=well, ADZero=32768, UnitsPerAD=0.0002, Ticks=ticks) for well, ticks in ((11, 10), (12, 20))]
 RECORDING = vx.RawDataRecordingHdr(TaskName="Series", Recording=1, Dose=1000, WellChannels=CHANNELS)
 
@@ -25,15 +25,21 @@ def test_written_segments_are_read_by_the_second_reader(tmp_path):
     with vx.RawWriter(path, HEADER) as writer:
         with writer.recording(RECORDING) as recording:
             recording.write(11, 0, np.array([1, 2, 65535], np.uint16))
+            meanwhile = vx.open(path, unfinished=True).recordings[0]
+            assert list(meanwhile.samples(11)) == [1, 2, 65535]
             writer.write(12, -2**63, [7, 8])
             recording.write(11, 30, np.arange(10, dtype=np.int64)[::-2])
         writer.update_header("PreQC", [7, -1])
         writer.flush()
+        assert len(meanwhile.samples(11)) == 3
+        meanwhile.refresh()
+        assert len(meanwhile.samples(11)) == 8
     assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 20 - 2**63, [7, 8]),
                                  (11, 30, 70, [9, 7, 5, 3, 1])]
     with read_vxd.RawDataFile(path) as file:
         header, recording = file.header, file.recordings[0]
-    assert (header["PlateID"], header["CompoundName"], header["PreQC"]) == (b"P1", b"C", [7, -1])
+    assert [header[key] for key in ("HeaderID", "FileVersion", "PlateID", "CompoundName", "PreQC")] == [
+        b"OVL Vexaprobe 2", 3, b"P1", b"C", [7, -1]]
     assert (recording.fields["TaskName"], recording.fields["Dose"]) == (b"Series", 1000)
     assert [(well.id, well.ad_zero, well.units_per_ad, well.ticks) for well in recording.wells] == [
         (11, 32768, 0.0002, 10), (12, 32768, 0.0002, 20)]
