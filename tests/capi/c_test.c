@@ -641,9 +641,14 @@ static void change_settings(void) {
 }
 
 static void make_results(void) {
-    const char* const entries[] = {"Tasks/Series", "Tasks/Series/Recordings/0", "Tasks/Series/Recordings/0/Wells/11",
+    const char* const entries[] = {"Tasks/Series",
+                                   "Tasks/Series/Recordings/0",
+                                   "Tasks/Series/Recordings/0/Wells/11",
                                    "Tasks/Series/Recordings/0/Wells/11/Responses/Na-Slope",
-                                   "Tasks/Series/Recordings/0/NormalizedResponses/QT-Interval"};
+                                   "Tasks/Series/Recordings/0/NormalizedResponses/QT-Interval",
+                                   "Tasks/Analyze",
+                                   "Tasks/Analyze/Recordings/0",
+                                   "Tasks/Analyze/Recordings/0/NormalizedResponses/QT-Interval"};
     const double average[] = {1.5, -2.5};
     const int64_t beats[] = {100, 250};
     vx_document* results = NULL;
@@ -662,7 +667,9 @@ static void make_results(void) {
     WORKS(vx_document_set_text(results, "Tasks/Series/Recordings/0/Dose", "18446744073709551615"));
     WORKS(vx_table_open(&table, results, VX_TABLE_MEANS));
     WORKS(vx_table_get_int64s(table, 2, wholes, &count));
-    EXPECT(count == 1 && wholes[0] == INT64_MAX);
+    EXPECT(count == 2 && wholes[0] == INT64_MAX);
+    WORKS(vx_table_get_int64s(table, 1, wholes, &count));
+    EXPECT(wholes[0] == 0 && wholes[1] == 0); /* recordings are counted within their task */
     WORKS(vx_close(table));
     count = 4;
     WORKS(vx_document_set_int64(results, "Tasks/Series/Recordings/0/Dose", 1000));

@@ -15,7 +15,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-TIMEOUT = 120  # seconds; if a fault makes a test hang, it counts as noticed
+TIMEOUT = 300  # seconds; if a fault makes a test hang, it counts as noticed
 
 # The test programs for each folder, those most likely to notice first.
 PROGRAMS = {
@@ -30,12 +30,13 @@ PROGRAMS = {
     "results": ["results_test", "reference_test", "forms", "tables", "c_interface"],
     "export": ["export_test", "results_test", "faults_test"],
     "capi": ["c_interface", "bindings"],
+    "python": ["pytest"],
     "recovery": ["recover_test", "sessions", "faults_test"],
     "verify": ["vxfile_test", "sessions", "recover_test"],
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog", "tool_faults_test"],
 }
 
-# Checks by script: the target that each one needs, and its command. {} is the build folder; paths are those of the
+# Checks by script: the targets that each one needs, and its command. {} is the build folder; paths are those of the
 # sources.
 SCRIPTS = {
     "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
@@ -46,6 +47,8 @@ SCRIPTS = {
                                     "{}/bin/capi_c_test", "tests/reference", "{}/tests/capi/capi_c_test"]),
     "bindings": ("capi_c_test", ["capi/tools/bindings.py", "."]),
     "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
+    "pytest": ("vxfileio_python_package vxfile plate_run", ["-m", "pytest", "-x", "-p", "no:cacheprovider",
+                                                            "tests/python"]),
 }
 
 
@@ -85,16 +88,16 @@ def run(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
 
-def build(folder, target):
-    built = run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", target)
+def build(folder, targets):
+    built = run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", *targets.split())
     if built.returncode:
         sys.exit(built.stdout)
 
 
 def command_of(folder, program):
     """Builds what a program needs. Returns the command that runs it."""
-    target, words = SCRIPTS.get(program, (program, None))
-    build(folder, target)
+    targets, words = SCRIPTS.get(program, (program, None))
+    build(folder, targets)
     if words is None:
         return [str(folder / "bin" / program), "--gtest_brief=1", "--gtest_fail_fast"]
     return ["/usr/bin/python3", *(word.format(folder) for word in words)]
@@ -131,7 +134,7 @@ def make_copy(folder, programs):
     """Copies the sources. These tests must pass."""
     update_copy(folder / "source")
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
-                     "-DVXFILEIO_BUILD_TOOLS=ON",
+                     "-DVXFILEIO_BUILD_TOOLS=ON", f"-DVXFILEIO_BUILD_PYTHON={'pytest' in programs}",
                      "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
     if configured.returncode:
         sys.exit(configured.stdout)
@@ -164,6 +167,7 @@ def main():
     if sys.argv[1:] == ["--check"]:
         return
     folder = pathlib.Path(sys.argv[1]).resolve()
+    os.environ.update(PYTHONPATH=str(folder / "python"), PYTHONDONTWRITEBYTECODE="1")
     if os.path.isdir("/dev/shm"):
         os.environ["TMPDIR"] = "/dev/shm"  # files in memory: the tests take a tenth of the time
     chosen = [fault for fault in faults if sys.argv[2:] == [] or sys.argv[2] in str(fault)]
