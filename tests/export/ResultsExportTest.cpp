@@ -251,7 +251,7 @@ TEST_F(ResultsExportTest, CellsBeyondTheLimitsOfASheetAreLeftOut) {
         Well(recording, 5).AverageCount = 1;
         Well(recording, 5).AverageTick = std::numeric_limits<std::int64_t>::max();
     }
-    Well(254, 5).AverageTick = 1;  // the axis uses the tick of the first average
+    Well(255, 5).AverageTick = 1;  // the axis uses the tick of the first average
     Export();
     const WorkbookCells cells = Cells("run-B5.xls");
     EXPECT_EQ(cells.at("HB Time Stamps 65535 0") + cells.at("HB Time Stamps 65535 255"), "11");

@@ -134,7 +134,8 @@ def make_copy(folder, programs):
     """Copies the sources. These tests must pass."""
     update_copy(folder / "source")
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
-                     "-DVXFILEIO_BUILD_TOOLS=ON", f"-DVXFILEIO_BUILD_PYTHON={'pytest' in programs}",
+                     "-DVXFILEIO_BUILD_TOOLS=ON", "-DVXFILEIO_BUILD_EXAMPLES=ON",
+                     f"-DVXFILEIO_BUILD_PYTHON={'pytest' in programs}",
                      "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
     if configured.returncode:
         sys.exit(configured.stdout)

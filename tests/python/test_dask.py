@@ -122,8 +122,8 @@ def test_functions_return_values_rows_or_tables_and_can_receive_the_columns(plat
 
     table = vxfileio.dask.map_recordings(path, with_columns, meta={"a": int, "b": float})
     assert table["b"].sum().compute() == 10 and set(map(tuple, asked)) == {("b",)}
-    counts = vxfileio.dask.map_recordings(path, lambda recording: len(recording.segments()))
-    assert list(counts.compute()["value"]) == [12] * 4
+    lengths = vxfileio.dask.map_recordings(path, lambda recording: recording.seconds(12)[-1], ticks_per_second=5)
+    assert list(lengths.compute()["value"]) == [recording.times(12)[-1] / 5 for recording in vx.open(path).recordings]
     frames = vxfileio.dask.map_recordings(path, vx.Recording.to_dataframe)
     assert len(frames) == 4 * 6 * 1800
     assert set(frames.columns) == {"path", "task", "number", "dose", "well", "time", "value", "error"}
@@ -211,7 +211,9 @@ def test_chunks_of_arrays_end_at_gaps_and_overlaps_and_wells_of_other_times_have
         for well, array in arrays.items():
             assert pickle.loads(pickle.dumps(array)).compute().tolist() == expected[well].tolist()
             assert array[1:6].compute().tolist() == expected[well][1:6].tolist()
-    assert list(vxfileio.dask.samples(path, 0, [12])) == [12]
+    settings = vx.Settings()
+    settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=12, Label="B7")]
+    assert list(vxfileio.dask.samples(path, 0, ["B7"], settings=settings)) == ["B7"]
     with pytest.raises(vx.NoSuchWellError):
         vxfileio.dask.samples(path, 0, [14])
     for wells in ("B7", []):

@@ -366,6 +366,8 @@ def test_damaged_documents_are_errors_unless_partial(tmp_path):
     assert raised.value.filename == str(cut)
     results = vx.open(cut, partial=True)
     assert "offset 2500" in results.read_error and len(results.beats) > 0
+    cut.write_bytes(SETTINGS.read_bytes()[:2500])
+    assert "offset 2500" in vx.open(cut, partial=True).read_error
 
 
 def test_labels_name_wells_of_raw_data_with_or_without_zeros():

@@ -58,8 +58,11 @@ def test_neo_finds_its_contract_kept(name, contract, uneven):
 
 
 def test_each_run_is_a_signal_and_no_gap_is_filled(uneven):
-    reader = adapter.VexaprobeIO(uneven, ticks_per_second=1000, units="mV")
+    settings = vx.Settings()
+    settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=12, Label="B7")]
+    reader = adapter.VexaprobeIO(uneven, ticks_per_second=1000, units="mV", settings=settings)
     block = reader.read_block()
+    assert list(dict.fromkeys(reader.header["signal_channels"]["name"])) == ["11", "B7", "13"]
     assert [(reader.segment_t_start(0, i), reader.segment_t_stop(0, i)) for i in range(3)] == [
         (0.0, 1.3), (0.1, 9.4), (20.0, 21.0)]
     found = [[(list(signal.array_annotations["channel_ids"]), float(signal.t_start), signal.magnitude.tolist())
@@ -109,8 +112,9 @@ def test_errors_say_what_is_missing():
                           ("not_ours", vx.UnknownFileError)):
         with pytest.raises(failure):
             adapter.VexaprobeIO(REFERENCE / f"{name}.vxd", ticks_per_second=100)
-    block = adapter.VexaprobeIO(REFERENCE / "unfinished.vxd", ticks_per_second=100, unfinished=True).read_block()
-    assert sum(map(len, block.segments[-1].analogsignals)) > 0
+    for name, option in (("unfinished", "unfinished"), ("circle_of_segments", "partial")):
+        block = adapter.VexaprobeIO(REFERENCE / f"{name}.vxd", ticks_per_second=100, **{option: True}).read_block()
+        assert sum(map(len, block.segments[-1].analogsignals)) > 0
 
 
 def test_mne_reads_a_signal(tmp_path):

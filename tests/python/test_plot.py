@@ -22,8 +22,8 @@ def closed_figures():
 
 @pytest.fixture
 def results():
-    """Results of five wells with their ID times the mean of their recording, and its negative as normalised response. Two
-    wells are at one place, two at places that no plate has."""
+    """Results of five wells with their ID times the mean of their recording, and its negative as normalised response.
+    Two wells are at one place, two at places that no plate has."""
     settings = vx.Settings()
     settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=well, Label=f"W{well}", PlateRow=row, PlateColumn=column)
                                        for well, (row, column) in PLACES.items()]
@@ -50,6 +50,8 @@ def test_a_trace_has_the_values_of_a_well_and_no_line_across_a_gap(tmp_path):
     samples = np.array([1, 2, 9, np.nan, 14, 15, 16, 17])
     np.testing.assert_array_equal(values, (samples - 1000) * 0.5)
     assert (axes.get_title(), axes.get_xlabel()) == ("11, Series 1, 7 pM", "time in s")
+    part = plot.trace(run.recordings[0], 11, 1200, 9100)
+    np.testing.assert_array_equal(part.lines[0].get_xdata(), [1.2, np.nan, 9])
     before = pyplot.get_fignums()
     with pytest.raises(vx.NoSuchWellError):
         plot.trace(run.recordings[0], 99)
@@ -70,7 +72,8 @@ def test_a_plate_has_each_well_at_its_place_and_the_others_below(tmp_path, resul
 
 
 def test_a_heat_map_has_each_value_at_the_place_of_its_well(results):
-    for recording, task, normalized, factor in ((0, "PreQC", False, 2), (1, "Series", True, -2), (0, "Series", False, 1)):
+    for recording, task, normalized, factor in ((0, "PreQC", False, 2), (1, "Series", True, -2),
+                                                (0, "Series", False, 1)):
         axes = plot.heat_map(results, QT, recording, task=task, normalized=normalized)
         shown = axes.images[0].get_array().filled(np.nan)
         np.testing.assert_array_equal(shown / factor, [[1, np.nan, np.nan], [np.nan, np.nan, 2]])

@@ -160,6 +160,7 @@ def test_seconds_need_ticks_per_second():
     for rate in (1000, np.float32(1000), fractions.Fraction(1000)):
         seconds = vx.open(RUN, ticks_per_second=rate).recordings[0].seconds(1)
         assert seconds.dtype == np.float64 and list(seconds) == [0, 0.1, 0.2, 0.3]
+    assert list(vx.open(RUN, ticks_per_second=10).recordings[0].seconds(1, 100, 300)) == [10, 20]
     for wrong in (0, -1, float("nan"), float("inf"), 10**400, "1000"):
         with pytest.raises(vx.UsageError, match="above 0"):
             vx.open(RUN, ticks_per_second=wrong)
