@@ -24,7 +24,7 @@ def are_samples(array, rounds, samples, well):
 
 def main():
     mode, path, rounds, samples = sys.argv[1], sys.argv[2], int(sys.argv[3]), int(sys.argv[4])
-    arrays = {FIRST_WELL + well: np.ones(rounds * samples, np.uint16) for well in range(WELLS)}
+    arrays = {FIRST_WELL + well: row for well, row in enumerate(np.ones((WELLS, rounds * samples), np.uint16))}
     with vx.open(path) as run:
         recording = run.recordings[0]
         if mode == "bulk-read":

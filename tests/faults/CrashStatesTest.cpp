@@ -270,7 +270,7 @@ constexpr std::size_t kMostStates = 2000;
 CPlan SmallPlan(std::int64_t first) { return {{{first, 700, 40}, {30, 900}}, 2, kAllStates}; }
 
 #if defined(VXFILEIO_FEWER_CASES)
-constexpr std::size_t kLargeStates = 600;
+constexpr std::size_t kLargeStates = 300;
 #else
 constexpr std::size_t kLargeStates = 3000;
 #endif

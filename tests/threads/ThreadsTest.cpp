@@ -79,7 +79,7 @@ struct CProgress {
     std::atomic<std::int32_t> opens = 0;     ///< Number of times that the reader has opened a file.
 };
 
-constexpr std::int32_t kOpens = 5000;  ///< Per test.
+constexpr std::int32_t kOpens = 2000;  ///< Per test.
 constexpr std::int32_t kRecordingsPerFile = 50;
 
 std::string FileOf(const CTempFolder& folder, std::int32_t recording) {

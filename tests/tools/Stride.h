@@ -7,7 +7,7 @@
 #if defined(_WIN32)
 inline constexpr std::size_t kStride = 41;
 #elif defined(VXFILEIO_FEWER_CASES)
-inline constexpr std::size_t kStride = 5;
+inline constexpr std::size_t kStride = 13;
 #else
 inline constexpr std::size_t kStride = 1;
 #endif
