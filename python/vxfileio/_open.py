@@ -73,7 +73,8 @@ def open(path: Path, *, settings: Union[None, Path, Settings] = None, ticks_per_
     `settings` are those of the run, as an object or a path. With them, wells of raw data can be named by their labels,
     and tables of results have more columns. `ticks_per_second` is the number of the instrument's time units in a
     second, for times in seconds. With `unfinished`, a recording that is still being written can be read up to its last
-    complete segment. With `partial`, a damaged file is read up to the damage, which is otherwise an error.
+    complete segment. With `partial`, a damaged file is read up to the damage, which is otherwise an error. A segment
+    that claims far more samples than the file has is an error even then.
 
     Raises `OSError` if the system can't read the file, `UnknownFileError` if it isn't one of ours, and
     `DamagedFileError` if it is damaged.
