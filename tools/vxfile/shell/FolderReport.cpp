@@ -46,18 +46,12 @@ std::string ChecksumOf(const CRunPaths& paths) {
     return HexOf(sum.Take());
 }
 
-void WriteText(const std::string& path, const std::string& text, bool replace) {
-    COutput output({.path = path, .replace = replace});
-    output.Write(text);
-    output.Finish();
-    COutput* const finished = &output;
-    COutput::Commit({&finished, 1});
-}
-
 /// The folder of an index.
 class CFolderReport {
  public:
-    CFolderReport(std::string folder, bool replace) : m_folder(std::move(folder)), m_replace(replace) {
+    /// Requires: `results` outlives this object.
+    CFolderReport(const std::vector<std::string>& results, std::string folder, bool replace)
+        : m_results(results), m_folder(std::move(folder)), m_replace(replace) {
         std::error_code error;
         fs::create_directories(m_folder, error);
         if (error) throw CFailure("Can't make the folder " + m_folder + ": " + error.message() + '.');
@@ -82,7 +76,7 @@ class CFolderReport {
 
     /// Writes the index and returns the exit status.
     int Finish() {
-        WriteText(PathOf(kIndex), page::IndexPage(m_entries), m_replace || !m_earlier.empty());
+        Write(kIndex, page::IndexPage(m_entries), !m_earlier.empty());
         std::cout << PathOf(kIndex) << ": " << Counted(m_entries.size(), "plate") << ", " << Counted(m_made, "page")
                   << " made\n";
         return m_status;
@@ -112,7 +106,7 @@ class CFolderReport {
             return earlier->second;
         }
         CPlateReport report = MakePlateReport(paths);
-        WriteText(PathOf(name), report.page, m_replace || earlier != m_earlier.end());
+        Write(name, report.page, earlier != m_earlier.end());
         ++m_made;
         Judge(report.entry.isSound);
         std::ranges::for_each(report.notes, Complain);
@@ -121,10 +115,27 @@ class CFolderReport {
         return report.entry;
     }
 
+    /// Writes a file of this folder. Refuses to replace one of the results, which may have any name.
+    void Write(const std::string& name, const std::string& text, bool isOurs) const {
+        const bool replace = m_replace || isOurs;
+        COutput output({.path = PathOf(name), .sources = SourcesFor(name), .replace = replace});
+        output.Write(text);
+        output.Finish();
+        COutput* const finished = &output;
+        COutput::Commit({&finished, 1});
+    }
+
+    /// Returns the results if one of them may be there already.
+    std::vector<std::string> SourcesFor(const std::string& name) const {
+        std::error_code none;
+        return fs::exists(PathOf(name), none) ? m_results : std::vector<std::string>();
+    }
+
     void Judge(bool isSound) {
         if (!isSound) m_status = std::max<int>(m_status, kFindings);
     }
 
+    const std::vector<std::string>& m_results;
     std::string m_folder;
     bool m_replace;
     std::map<std::string, page::CIndexedPlate> m_earlier;  ///< The entries of the existing index, by page.
@@ -163,7 +174,7 @@ std::vector<std::string> ResultsIn(const std::vector<std::string>& paths) {
 }
 
 int ReportOnFolder(const std::vector<std::string>& results, const std::string& folder, bool replace) {
-    CFolderReport report(folder, replace);
+    CFolderReport report(results, folder, replace);
     for (const std::string& path : results)
         report.Add(path);
     return report.Finish();
