@@ -55,7 +55,9 @@ std::map<std::int32_t, std::string> LabelsOf(const std::vector<CSourceRecording>
     }
     if (plate == nullptr) return labels;
     for (const auto& well : plate->Data.Wells) {
-        if (well) labels.try_emplace(well->WellID, well->Label);
+        if (!well) continue;
+        std::string& label = labels[well->WellID];
+        if (label.empty()) label = well->Label;
     }
     return labels;
 }
