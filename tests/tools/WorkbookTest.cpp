@@ -51,10 +51,10 @@ TEST_F(WorkbookTest, TextsThatSpanRecordsAreReadAndFoundSound) {
 }
 
 // The header lists 109 sectors of the FAT. A list of more sectors, the DIFAT, begins in another sector. The second
-// sector of the FAT is sector 128 of the file; its first mark is its own.
+// sector of the FAT is sector 128 of the file; its first mark is its own. This list needs two.
 TEST_F(WorkbookTest, ThatAreLargeAreSoundAndFaultsInTheirFatAndItsListAreFound) {
     for (std::uint32_t row = 0; row < 60'000; ++row) {
-        for (std::uint32_t column = 0; column < 7; ++column)
+        for (std::uint32_t column = 0; column < 14; ++column)
             At(row, column).SetDouble(row + 1.0 / 3.0);
     }
     EXPECT_TRUE(m_document.SaveToFile(m_path));
@@ -62,13 +62,14 @@ TEST_F(WorkbookTest, ThatAreLargeAreSoundAndFaultsInTheirFatAndItsListAreFound) 
     std::fstream file(m_path, std::ios::in | std::ios::out | std::ios::binary);
     std::uint32_t sector = 0;
     file.seekg(68).read(reinterpret_cast<char*>(&sector), sizeof sector);
+    file.seekg(512 * (std::streamoff{sector} + 1) + 508).read(reinterpret_cast<char*>(&sector), sizeof sector);
     file.seekp(512 * 129).put('x');
     file.seekp(512 * (std::streamoff{sector} + 1) + 500).put('x').flush();
     const vxfile::CFindings findings = vxfile::VerifyWorkbook(m_path);
     ASSERT_EQ(findings.Count(), 2U);
     EXPECT_EQ(findings.Kept()[0].where, "FAT > mark 128");
     EXPECT_EQ(findings.Kept()[0].offset, 512 * 129);
-    EXPECT_EQ(findings.Kept()[1].where, "DIFAT > mark 125");
+    EXPECT_EQ(findings.Kept()[1].where, "DIFAT > mark 253");
     EXPECT_EQ(findings.Kept()[1].offset, 512 * (std::int64_t{sector} + 1) + 500);
 }
 

@@ -44,6 +44,9 @@ TEST(Findings, AreAllCountedAndTheFirstThousandKept) {
     EXPECT_EQ(findings.Count(), 1002U);
     ASSERT_EQ(findings.Kept().size(), 1000U);
     EXPECT_EQ(findings.Kept().back().where, "999");
+    CFindings all;
+    all.Add(findings);
+    EXPECT_EQ(all.Count(), 1002U);
     EXPECT_EQ(differences.Count(), 1002U);
     ASSERT_EQ(differences.Kept().size(), 1000U);
     EXPECT_EQ(differences.Kept().back().where, "999");
