@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <span>
@@ -49,12 +50,15 @@ std::string ChecksumOf(const CRunPaths& paths) {
 /// The folder of an index.
 class CFolderReport {
  public:
-    /// Requires: `results` outlives this object.
+    /// Never replaces one of the results.
     CFolderReport(const std::vector<std::string>& results, std::string folder, bool replace)
-        : m_results(results), m_folder(std::move(folder)), m_replace(replace) {
+        : m_folder(std::move(folder)), m_replace(replace) {
         std::error_code error;
         fs::create_directories(m_folder, error);
         if (error) throw CFailure("Can't make the folder " + m_folder + ": " + error.message() + '.');
+        const fs::path own = fs::canonical(m_folder, error);
+        const auto isHere = [&](const std::string& path) { return fs::canonical(path, error).parent_path() == own; };
+        std::ranges::copy_if(results, std::back_inserter(m_resultsHere), isHere);
         if (!fs::exists(PathOf(kIndex), error)) return;
         for (const page::CIndexedPlate& entry : page::EntriesOf(ReadWholeText(PathOf(kIndex))))
             m_earlier[entry.page] = entry;
@@ -115,29 +119,23 @@ class CFolderReport {
         return report.entry;
     }
 
-    /// Writes a file of this folder. Refuses to replace one of the results, which may have any name.
+    /// Writes a file of this folder.
     void Write(const std::string& name, const std::string& text, bool isOurs) const {
         const bool replace = m_replace || isOurs;
-        COutput output({.path = PathOf(name), .sources = SourcesFor(name), .replace = replace});
+        COutput output({.path = PathOf(name), .sources = m_resultsHere, .replace = replace});
         output.Write(text);
         output.Finish();
         COutput* const finished = &output;
         COutput::Commit({&finished, 1});
     }
 
-    /// Returns the results if one of them may be there already.
-    std::vector<std::string> SourcesFor(const std::string& name) const {
-        std::error_code none;
-        return fs::exists(PathOf(name), none) ? m_results : std::vector<std::string>();
-    }
-
     void Judge(bool isSound) {
         if (!isSound) m_status = std::max<int>(m_status, kFindings);
     }
 
-    const std::vector<std::string>& m_results;
     std::string m_folder;
     bool m_replace;
+    std::vector<std::string> m_resultsHere;                ///< Results may have any name, also that of a page.
     std::map<std::string, page::CIndexedPlate> m_earlier;  ///< The entries of the existing index, by page.
     std::set<std::string> m_names;
     std::vector<page::CIndexedPlate> m_entries;
