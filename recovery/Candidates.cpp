@@ -56,7 +56,8 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
         candidate.next = position("FPosNextSegmentHdr");
         candidate.from = number("TimeFrom");
         candidate.to = number("TimeTo");
-        candidate.size = number("Size");
+        // A lost one may be any number; sums with it must not overflow.
+        candidate.size = std::clamp(number("Size"), std::int64_t{0}, kMostSamples);
         candidate.well = helpers::ParseInt32(cells.Value("ID"));
         candidate.noID = cells.IsLost("ID");
         candidate.noFrom = cells.IsLost("TimeFrom");
