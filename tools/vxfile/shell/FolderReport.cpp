@@ -50,14 +50,16 @@ std::string ChecksumOf(const CRunPaths& paths) {
 /// The folder of an index.
 class CFolderReport {
  public:
-    /// Never replaces one of the results.
+    /// Requires: `results` outlives this object. None of them is ever replaced.
     CFolderReport(const std::vector<std::string>& results, std::string folder, bool replace)
-        : m_folder(std::move(folder)), m_replace(replace) {
+        : m_results(results), m_folder(std::move(folder)), m_replace(replace) {
         std::error_code error;
         fs::create_directories(m_folder, error);
         if (error) throw CFailure("Can't make the folder " + m_folder + ": " + error.message() + '.');
-        const fs::path own = fs::canonical(m_folder, error);
-        const auto isHere = [&](const std::string& path) { return fs::canonical(path, error).parent_path() == own; };
+        const auto isHere = [&](const std::string& path) {
+            std::error_code none;
+            return fs::equivalent(fs::canonical(path, none).parent_path(), m_folder, none);
+        };
         std::ranges::copy_if(results, std::back_inserter(m_resultsHere), isHere);
         if (!fs::exists(PathOf(kIndex), error)) return;
         for (const page::CIndexedPlate& entry : page::EntriesOf(ReadWholeText(PathOf(kIndex))))
@@ -122,17 +124,24 @@ class CFolderReport {
     /// Writes a file of this folder.
     void Write(const std::string& name, const std::string& text, bool isOurs) const {
         const bool replace = m_replace || isOurs;
-        COutput output({.path = PathOf(name), .sources = m_resultsHere, .replace = replace});
+        COutput output({.path = PathOf(name), .sources = SourcesFor(PathOf(name)), .replace = replace});
         output.Write(text);
         output.Finish();
         COutput* const finished = &output;
         COutput::Commit({&finished, 1});
     }
 
+    /// Returns the results that a file of this folder may be. A symbolic link may lead to any of them.
+    const std::vector<std::string>& SourcesFor(const std::string& path) const {
+        std::error_code none;
+        return fs::is_symlink(fs::symlink_status(path, none)) ? m_results : m_resultsHere;
+    }
+
     void Judge(bool isSound) {
         if (!isSound) m_status = std::max<int>(m_status, kFindings);
     }
 
+    const std::vector<std::string>& m_results;
     std::string m_folder;
     bool m_replace;
     std::vector<std::string> m_resultsHere;                ///< Results may have any name, also that of a page.
