@@ -35,12 +35,10 @@ class Bench:
     def path(self, owner):
         return os.path.join(self.folder, owner, "bench" + self.workload.suffix)
 
-    def run(self, binary, mode, path, size, ahead=(), more=None):
-        """Returns seconds, KiB added and allocations. `more` are variables for this run. Wrong data or a failure ends
-        the benchmark.
-        """
+    def run(self, binary, mode, path, size, ahead=(), variables=()):
+        """Returns seconds, KiB added and allocations. Wrong data or a failure ends the benchmark."""
         command = [*ahead, os.path.join(self.programs, binary), mode, path, *map(str, self.workload.arguments(size))]
-        environment = {**os.environ, **self.workload.environment, **(more or {})}
+        environment = {**os.environ, **self.workload.environment, **dict(variables)}
         done = subprocess.run(command, capture_output=True, text=True, env=environment, check=False)
         if done.returncode != 0:
             raise SystemExit(f"Wrong data or a failure ({done.returncode}): {' '.join(command)}\n{done.stderr}")
@@ -79,7 +77,7 @@ class Bench:
             return
         if self.workload.programs[0].source:
             for program in self.available:
-                self.measure(program, size, more=LOOKING_AT_ALL)
+                self.measure(program, size, variables=LOOKING_AT_ALL)
         else:
             self.check_written(size)
 
@@ -89,7 +87,7 @@ class Bench:
             if program.read_back == "xlsx":
                 check_cells(self.path(program.name), size)
             elif program.read_back:
-                self.run(program.binary, program.read_back, self.path(program.name), size, more=LOOKING_AT_ALL)
+                self.run(program.binary, program.read_back, self.path(program.name), size, variables=LOOKING_AT_ALL)
             elif program.name != LIMIT:
                 check_same_bytes(*(os.path.dirname(self.path(name)) for name in (LIMIT, program.name)))
         shutil.rmtree(self.folder)
@@ -98,7 +96,7 @@ class Bench:
         """Returns system calls and allocations per operation; None for allocations that can't be counted."""
         operations = self.workload.operations(size)
         counter = os.path.join(self.programs, "count_allocations.so")
-        allocations = self.measure(program, size, more={"LD_PRELOAD": counter})[2]
+        allocations = self.measure(program, size, variables={"LD_PRELOAD": counter})[2]
         trace = os.path.join(os.path.dirname(self.folder), "trace")
         self.measure(program, size, ahead=["strace", "-f", "-o", trace])
         with open(trace, encoding="utf-8", errors="replace") as lines:

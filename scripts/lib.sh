@@ -3,6 +3,13 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
 
+# Debian packages: what builds the library, its tools and tests needs besides a compiler, and what the tests of the
+# Python package need.
+build_packages="cmake ninja-build libgtest-dev libgmock-dev libcli11-dev nlohmann-json3-dev libsqlite3-dev libssl-dev \
+    libxxhash-dev libjs-dygraphs"
+pytest_packages="pybind11-dev python3-dev python3-pytest python3-pandas python3-xarray python3-matplotlib python3-neo \
+    python3-mne python3-dask python3-distributed"
+
 # CMake uses this generator for new build folders.
 export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}
 

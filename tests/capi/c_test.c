@@ -955,7 +955,7 @@ static void check_and_recover(void) {
     EXPECT(content_of(own("small.vxd"), text, 1) < 0);
 }
 
-/* Only the handles that are open at once are limited in number. */
+/* Only the handles that are open at once are limited in number, to nearly 2^20. */
 static void make_a_million_handles(void) {
     int i, code = VX_OK;
     for (i = 0; i < 1100000 && code == VX_OK; ++i) {

@@ -1,5 +1,6 @@
 """Finds the second readers, which share no code with the package."""
 
+import gc
 import pathlib
 import subprocess
 import sys
@@ -17,6 +18,18 @@ def built(name):
     if not program.exists():
         pytest.skip(f"{program} isn't built")
     return program
+
+
+@pytest.fixture(scope="session")
+def open_files():
+    """Returns a function that counts the files that this process has open; always 0 where the system doesn't say."""
+    folder = pathlib.Path("/proc/self/fd")
+
+    def count():
+        gc.collect()
+        return len(list(folder.iterdir())) if folder.is_dir() else 0
+
+    return count
 
 
 @pytest.fixture(scope="session")

@@ -51,7 +51,7 @@ TEST_F(WorkbookTest, TextsThatSpanRecordsAreReadAndFoundSound) {
 }
 
 // The header lists 109 sectors of the FAT. A list of more sectors, the DIFAT, begins in another sector. The second
-// sector of the FAT is sector 128 of the file; its first mark is its own. This list needs two.
+// sector of the FAT is sector 128 of the file; its first mark is its own. This one needs two.
 TEST_F(WorkbookTest, ThatAreLargeAreSoundAndFaultsInTheirFatAndItsListAreFound) {
     for (std::uint32_t row = 0; row < 4000; ++row)
         At(row, 0).SetText(std::to_string(row) + std::string(4090, 'n'));

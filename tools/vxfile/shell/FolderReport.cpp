@@ -50,7 +50,7 @@ std::string ChecksumOf(const CRunPaths& paths) {
 /// The folder of an index.
 class CFolderReport {
  public:
-    /// Requires: `results` outlives this object. None of them is ever replaced.
+    /// Requires: `results` outlives this object.
     CFolderReport(const std::vector<std::string>& results, std::string folder, bool replace)
         : m_results(results), m_folder(std::move(folder)), m_replace(replace) {
         std::error_code error;
