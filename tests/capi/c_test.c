@@ -349,6 +349,9 @@ static vx_writer* begin_small_example(const char* path) {
     WORKS(vx_writer_create(&writer, path, VX_CREATE_REPLACE));
     WORKS(vx_writer_set_strict(writer, 1));
     WORKS(vx_writer_write_file_header(writer, &file));
+    recording.reserved = 1;
+    EXPECT(vx_writer_begin_recording(writer, &recording, wells, zeros, units, intervals, 2) == VX_ERROR_ARGUMENT);
+    recording.reserved = 0;
     WORKS(vx_writer_begin_recording(writer, &recording, wells, zeros, units, intervals, 2));
     return writer;
 }
@@ -460,6 +463,7 @@ static void write_raw_data(void) {
     WORKS(vx_writer_write(writer, 11, 0, 300, 100, first, 4));
     EXPECT(vx_writer_write(writer, 12, 0, 300, 100, second, 3) == VX_ERROR_ARGUMENT);
     EXPECT(vx_writer_write(writer, 12, INT64_MIN, INT64_MAX, 1, NULL, 0) == VX_ERROR_ARGUMENT);
+    EXPECT(vx_writer_write(writer, 12, 0, 300, 0, second, 4) == VX_ERROR_REFUSED);
     EXPECT(vx_writer_write(writer, 13, 0, 300, 100, second, 4) == VX_ERROR_REFUSED);
     EXPECT(strstr(error_of(writer), "13") != NULL);
     WORKS(vx_writer_write(writer, 12, 0, 300, 100, second, 4));
@@ -496,6 +500,8 @@ static void take_paths_as_utf8(void) {
 static void report_a_full_disk(void) {
     const int64_t dose = 1000;
     vx_writer* writer = NULL;
+    vx_document* document = NULL;
+    int32_t kind;
     vx_file_header file = VX_FILE_HEADER_INIT;
     WORKS(vx_writer_create(&writer, "/dev/full", VX_CREATE_REPLACE));
     EXPECT(vx_writer_write_file_header(writer, &file) == VX_ERROR_WRITE);
@@ -503,6 +509,12 @@ static void report_a_full_disk(void) {
     WORKS(vx_writer_set_list(writer, VX_RAW_PRE_QC, &dose, 1)); /* nothing new */
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);
+    for (kind = VX_SETTINGS; kind <= VX_RESULTS; ++kind) {
+        WORKS(vx_document_create(&document, kind));
+        EXPECT(vx_document_save(document, "/dev/full", -1) == VX_ERROR_WRITE);
+        EXPECT(strstr(error_of(document), "No space left on device") != NULL);
+        WORKS(vx_close(document));
+    }
 }
 #endif
 
@@ -595,6 +607,7 @@ static void change_settings(void) {
     const char* const copy = own("settings.vxs");
     const int64_t doses[] = {10, 20, 30}, wrong[] = {5, -1};
     int64_t count = 3, kept[3];
+    vx_table* table = NULL;
     EXPECT(text_is(settings, mark, "Deselected"));
     EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/0/Label", "C7"));
     EXPECT(text_is(settings, "Header/RecordingDate", "18446744073709551615"));
@@ -628,6 +641,9 @@ static void change_settings(void) {
     WORKS(vx_document_save(settings, copy, -1));
     EXPECT(text_is(settings, analyzed, "133512191990000000"));
     EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_ARGUMENT);
+    EXPECT(vx_table_open(&table, settings, VX_TABLE_MEANS) == VX_ERROR_KIND);
+    EXPECT(strstr(error_of(table), "settings, not results") != NULL);
+    WORKS(vx_close(table));
     EXPECT(vx_document_save(settings, own("no/such/folder.vxs"), -1) == VX_ERROR_FILE);
     WORKS(vx_close(settings));
 
@@ -678,6 +694,7 @@ static void make_results(void) {
     WORKS(vx_document_set_doubles(results, "Tasks/Series/Recordings/0/Wells/11/Average", average, 2));
     WORKS(vx_document_set_int64(results, "Tasks/Series/Recordings/0/Wells/11/AverageCount", 2));
     WORKS(vx_document_set_double(results, "Tasks/Series/Recordings/0/Wells/11/Responses/Na-Slope/Value", 7.25));
+    EXPECT(vx_document_save(results, own("results.vxr"), 0) == VX_ERROR_ARGUMENT);
     WORKS(vx_document_save(results, own("results.vxr"), -1));
     WORKS(vx_close(results));
     WORKS(vx_document_open(&results, VX_RESULTS, own("results.vxr")));
@@ -809,7 +826,7 @@ static void plan_a_recording(void) {
         WORKS(vx_plan_get_key(plan, i, text, &size));
     }
     WORKS(vx_plan_get_cell(plan, i - 1, &cell));
-    EXPECT(cell.is_list && cell.room == 189 && cell.needed == 599);
+    EXPECT(cell.is_list && cell.room == 189 && cell.needed == 599 && cell.wells_that_fit == 31);
     WORKS(vx_close(plan));
 }
 
