@@ -206,11 +206,11 @@ def test_bools_and_words_are_strict():
 def test_bytes_that_are_not_utf8_survive(tmp_path):
     settings = vx.Settings()
     settings.Notebook.Comment = b"\xb5 \xff \xc3\xa4".decode("utf-8", "surrogateescape")
-    settings.RecordPlate.Data.PlateID = "\xb5"
+    settings.RecordPlate.Data.PlateID = "\xff"
     settings.save(tmp_path / "a.vxs")
     again = vx.open(tmp_path / "a.vxs")
     assert again.Notebook.Comment.encode("utf-8", "surrogateescape") == b"\xb5 \xff \xc3\xa4"
-    assert again.RecordPlate.Data.PlateID == "\xb5"
+    assert again.RecordPlate.Data.PlateID == "\xff"
 
 
 def test_saving_a_text_that_a_nul_cuts_warns(tmp_path):
