@@ -830,9 +830,10 @@ static void plan_a_recording(void) {
     WORKS(vx_close(plan));
 }
 
-/* Counts calls; ends the work at those that `most` and `most_findings` say. */
+/* Counts calls; ends the work at those that `most` and `most_findings` say. Keeps the texts of the last finding. */
 struct counted {
     int progress, findings, most, most_findings;
+    char where[300], meaning[300];
 };
 static int VX_CALL count_progress(void* user, int64_t done, int64_t total) {
     struct counted* const count = (struct counted*)user;
@@ -842,6 +843,8 @@ static int VX_CALL count_progress(void* user, int64_t done, int64_t total) {
 static int VX_CALL count_finding(void* user, int64_t offset, const char* where, const char* meaning) {
     struct counted* const count = (struct counted*)user;
     EXPECT(offset >= -1 && *where != '\0' && *meaning != '\0');
+    snprintf(count->where, sizeof count->where, "%s", where);
+    snprintf(count->meaning, sizeof count->meaning, "%s", meaning);
     return ++count->findings == count->most_findings;
 }
 
@@ -856,7 +859,7 @@ static vx_callbacks counting(struct counted* count, int(VX_CALL* progress)(void*
 
 /* Checks a raw data file and returns how often `progress` was called. */
 static int calls_of_check(const char* path, int(VX_CALL* progress)(void*, int64_t, int64_t)) {
-    struct counted count = {0, 0, -1, -1};
+    struct counted count = {0, 0, -1, -1, "", ""};
     const vx_callbacks callbacks = counting(&count, progress);
     vx_report* report = NULL;
     WORKS(vx_verify(&report, path, VX_FILE_RAW, &callbacks));
@@ -888,7 +891,7 @@ static void check_each_kind(void) {
                                         "workbooks/big.xls"};
     int kind;
     for (kind = VX_FILE_RAW; kind <= VX_FILE_WORKBOOK; ++kind) {
-        struct counted count = {0, 0, -1, -1};
+        struct counted count = {0, 0, -1, -1, "", ""};
         vx_callbacks callbacks = counting(&count, count_progress);
         vx_report* report = NULL;
         vx_report_summary summary = VX_REPORT_SUMMARY_INIT;
@@ -907,7 +910,7 @@ static void check_each_kind(void) {
 }
 
 static void check_and_recover(void) {
-    struct counted count = {0, 0, -1, -1};
+    struct counted count = {0, 0, -1, -1, "", ""};
     const vx_callbacks callbacks = counting(&count, count_progress);
     vx_recover_options options = VX_RECOVER_OPTIONS_INIT;
     vx_report* report = NULL;
@@ -928,6 +931,12 @@ static void check_and_recover(void) {
     WORKS(vx_report_get_finding(report, 0, &finding));
     WORKS(vx_report_get_text(report, 0, VX_FINDING_EXPECTED, text, &size));
     EXPECT(finding.offset > 0 && size > 1);
+    size = sizeof text;
+    WORKS(vx_report_get_text(report, summary.kept - 1, VX_FINDING_WHERE, text, &size));
+    EXPECT(strcmp(text, count.where) == 0);
+    size = sizeof text;
+    WORKS(vx_report_get_text(report, summary.kept - 1, VX_FINDING_MEANING, text, &size));
+    EXPECT(strcmp(text, count.meaning) == 0);
     WORKS(vx_close(report));
     EXPECT(vx_verify(&report, "no/such/file", VX_FILE_WORKBOOK, NULL) == VX_ERROR_FILE);
     WORKS(vx_close(report));
@@ -953,6 +962,9 @@ static void check_and_recover(void) {
     WORKS(vx_close(report));
     EXPECT(vx_recover(&report, given("small_example.vxd"), own("saved.vxd"), NULL, NULL) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(report), "choose another name") != NULL);
+    WORKS(vx_close(report));
+    EXPECT(vx_recover(&report, given("small_example.txt"), saved, &options, NULL) == VX_ERROR_FILE);
+    EXPECT(strstr(error_of(report), "There is nothing to save") != NULL);
     WORKS(vx_close(report));
 #if defined(_WIN32)
     EXPECT(vx_recover(&report, given("small_example.vxd"), own("\xFF.vxd"), &options, NULL) == VX_ERROR_ARGUMENT);
