@@ -85,9 +85,10 @@ void CReport::Deliver(const CCallbacks& callbacks) const {
         callbacks.Find(found.offset, found.texts[VX_FINDING_WHERE], found.texts[VX_FINDING_MEANING]);
 }
 
+/// Counts recordings from 1, as the checks do.
 std::string PlaceOf(const recovery::CRemark& remark) {
     std::string place;
-    if (remark.recording) place += "recording " + std::to_string(*remark.recording) + " > ";
+    if (remark.recording) place += "recording " + std::to_string(*remark.recording + std::uint64_t{1}) + " > ";
     if (remark.wellID) place += "well " + std::to_string(*remark.wellID) + " > ";
     return place + "bytes " + std::to_string(remark.from) + " to " + std::to_string(remark.to);
 }

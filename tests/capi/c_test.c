@@ -622,6 +622,7 @@ static void change_settings(void) {
     EXPECT(vx_document_set_double(settings, "PropertyRecording/ADMax", 1.0) == VX_ERROR_TYPE);
     WORKS(vx_document_set_double(settings, "PropertyRecording/VoltPerADStep", 0.25));
     WORKS(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "B"));
+    WORKS(vx_document_set_text(settings, "PropertyNotebook/Comment", "third"));
     EXPECT(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "BB") == VX_ERROR_VALUE);
     WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 3));
     EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", wrong, 2) == VX_ERROR_VALUE);
@@ -649,6 +650,7 @@ static void change_settings(void) {
 
     WORKS(vx_document_open(&settings, VX_SETTINGS, copy));
     EXPECT(text_is(settings, mark, "Manually") && text_is(settings, "PropertyRecording/VoltPerADStep", "0.25"));
+    EXPECT(text_is(settings, "PropertyNotebook/Comment", "third"));
     EXPECT(whole_at(settings, "PropertyRecordPlate/Series/2") == 30);
     EXPECT(whole_at(settings, analyzed) > 133512191990000000);
     WORKS(vx_document_get_count(settings, "PropertyQualityCheck/QualityChecks", &count));
@@ -791,7 +793,8 @@ static void export_workbooks(void) {
 
 /* ---- Planning, checking, recovering ---- */
 
-static vx_plan* make_plan(void) {
+/* Plans a recording of up to 100 wells. */
+static vx_plan* make_plan(int64_t count) {
     static int32_t wells[100], zeros[100];
     static double units[100];
     static int64_t intervals[100];
@@ -805,12 +808,12 @@ static vx_plan* make_plan(void) {
         intervals[i] = 100;
     }
     header.task = "Series";
-    WORKS(vx_plan_check(&plan, &header, wells, zeros, units, intervals, 100, 0));
+    WORKS(vx_plan_check(&plan, &header, wells, zeros, units, intervals, count, 0));
     return plan;
 }
 
 static void plan_a_recording(void) {
-    vx_plan* const plan = make_plan();
+    vx_plan* plan = make_plan(100);
     vx_plan_result result = VX_PLAN_RESULT_INIT;
     vx_plan_cell cell = VX_PLAN_CELL_INIT;
     char text[200];
@@ -827,6 +830,12 @@ static void plan_a_recording(void) {
     }
     WORKS(vx_plan_get_cell(plan, i - 1, &cell));
     EXPECT(cell.is_list && cell.room == 189 && cell.needed == 599 && cell.wells_that_fit == 31);
+    WORKS(vx_close(plan));
+    plan = make_plan(20);
+    size = sizeof text;
+    WORKS(vx_plan_get_result(plan, &result));
+    WORKS(vx_plan_get_text(plan, text, &size));
+    EXPECT(result.fits && *text == '\0');
     WORKS(vx_close(plan));
 }
 
@@ -948,6 +957,9 @@ static void check_and_recover(void) {
     size = sizeof text;
     WORKS(vx_report_get_text(report, 0, VX_FINDING_FOUND, text, &size));
     EXPECT(strcmp(text, "lost") == 0 && !summary.is_sound);
+    size = sizeof text;
+    WORKS(vx_report_get_text(report, 0, VX_FINDING_WHERE, text, &size));
+    EXPECT(strcmp(text, "recording 1 > well 12 > bytes 3958 to 4261") == 0);
     WORKS(vx_close(report));
     count.findings = count.progress = 0;
     WORKS(vx_recover(&report, given("unfinished.vxd"), saved, &options, &callbacks));
@@ -1054,7 +1066,7 @@ static void refuse_wrong_arguments(void) {
     WORKS(vx_document_create(&good_vx_document, VX_RESULTS));
     WORKS(vx_table_open(&good_vx_table, good_vx_document, VX_TABLE_BEATS));
     WORKS(vx_verify(&good_vx_report, given("damaged_segments.vxd"), VX_FILE_RAW, NULL));
-    good_vx_plan = make_plan();
+    good_vx_plan = make_plan(100);
     vx_document_open(&failed_vx_document, VX_RESULTS, "");
     vx_table_open(&failed_vx_table, good_vx_document, 99);
     vx_verify(&failed_vx_report, "", VX_FILE_RAW, NULL);
