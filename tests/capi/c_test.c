@@ -478,6 +478,8 @@ static void write_raw_data(void) {
     EXPECT(same_files(path, given("small_example.vxd")));
     EXPECT(vx_writer_create(&writer, path, VX_CREATE_NEW) == VX_ERROR_FILE);
     WORKS(vx_close(writer));
+    EXPECT(vx_writer_create(&writer, path, VX_CREATE_REPLACE + 1) == VX_ERROR_ARGUMENT);
+    WORKS(vx_close(writer));
 }
 
 #if defined(_WIN32)

@@ -279,3 +279,5 @@ def test_kind_is_that_of_the_content(name, kind, tmp_path):
         assert vx.kind_of(copied) == kind
         copied.write_bytes(copied.read_bytes().replace(b"Vexaprobe", b"Other"))
         assert vx.kind_of(copied) == "unknown"
+        copied.write_bytes(content.partition(b"</Header>")[0])
+        assert vx.kind_of(copied) == kind
