@@ -82,11 +82,6 @@ void ScanDocument(const std::string& path, CCatalogEntry& entry) {
     if (!EndsWithRoot(path)) Damage(entry, "The document is cut: it doesn't end with the end tag of its root.");
 }
 
-void ScanWorkbook(const std::string& path, CCatalogEntry& entry) {
-    const CJson info = InfoOfWorkbook(path).Json();
-    if (info.contains("damage")) Damage(entry, info["damage"]);
-}
-
 void ScanKind(EFileKind kind, const std::string& path, CCatalogEntry& entry) {
     switch (kind) {
         case EFileKind::RawData:
@@ -95,7 +90,8 @@ void ScanKind(EFileKind kind, const std::string& path, CCatalogEntry& entry) {
         case EFileKind::Results:
             return ScanDocument(path, entry);
         case EFileKind::Workbook:
-            return ScanWorkbook(path, entry);
+            static_cast<void>(InfoOfWorkbook(path));  // throws if it is damaged
+            return;
         case EFileKind::Unknown:
             return Damage(entry, "It isn't a file of this system, or its beginning is damaged.");
         case EFileKind::Empty:
