@@ -10,9 +10,6 @@ build_packages="cmake ninja-build libgtest-dev libgmock-dev libcli11-dev nlohman
 pytest_packages="pybind11-dev python3-dev python3-pytest python3-pandas python3-xarray python3-matplotlib python3-neo \
     python3-mne python3-dask python3-distributed"
 
-# Clang takes a quarter less time with its memory in huge pages.
-huge_pages=GLIBC_TUNABLES=glibc.malloc.hugetlb=1
-
 # CMake uses this generator for new build folders.
 export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}
 
@@ -67,6 +64,12 @@ version() { sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' "$root/CMakeLists.txt"; }
 # configure_preset NAME [OPTION...]: configures the build folder of a preset.
 configure_preset() { (cd "$root" && cmake --preset "$1" "${@:2}" --log-level=WARNING >/dev/null); }
 
+# build_configured NAME ARGUMENT...: builds a preset that is configured. Clang takes a quarter less time with its memory
+# in huge pages.
+build_configured() {
+    (cd "$root" && GLIBC_TUNABLES=glibc.malloc.hugetlb=1 cmake --build --preset "$1" --parallel "$jobs" "${@:2}")
+}
+
 # build_preset NAME [-DOPTION...] [TARGET...]: configures a preset and builds all or some targets. Prints errors only.
 build_preset() {
     local preset=$1 options=() targets=()
@@ -75,14 +78,14 @@ build_preset() {
     (($#)) && targets=(--target "$@")
     echo "Building $preset"
     configure_preset "$preset" "${options[@]}"
-    (cd "$root" && env "$huge_pages" cmake --build --preset "$preset" --parallel "$jobs" "${targets[@]}" -- --quiet) ||
+    build_configured "$preset" "${targets[@]}" -- --quiet ||
         die "can't build $preset; if two sources that are compiled as one define the same name, rename it in one"
 }
 
 # build_with_progress NAME TARGET...: the same, and prints how far it is at every tenth.
 build_with_progress() {
     configure_preset "$1"
-    (cd "$root" && env "$huge_pages" cmake --build --preset "$1" --parallel "$jobs" --target "${@:2}") | awk -F '[][/]' '
+    build_configured "$1" --target "${@:2}" | awk -F '[][/]' '
         !/^\[[0-9]+\/[0-9]+\]/ { print; next }
         int(10 * $2 / $3) > tenth { tenth = int(10 * $2 / $3); print "  " 10 * tenth " %"; fflush() }'
 }
