@@ -112,12 +112,7 @@ class CRawDiff {
           m_right(right),
           m_differences(differences),
           m_bytesLeft(kMostPasses * m_left.scan.Size()),
-          m_progress("Comparing", m_left.scan.Size()) {
-        for (const auto* side : {&m_left, &m_right}) {
-            if (side->scan.Break())
-                throw CFailure(side->path + " has a damaged chain of recordings; run 'vxfile verify' to see where.");
-        }
-    }
+          m_progress("Comparing", m_left.scan.Size()) {}
 
     void Compare() {
         const CPlateChoice& choice = m_view.choice;
@@ -126,7 +121,11 @@ class CRawDiff {
         for (std::size_t i = 0; i < count; ++i) {
             if (choice.HasRecording(m_left.scan.Recordings()[i].header)) CompareSegments(i);
         }
-        if (m_differences.Count() == 0 && choice.IsAll()) CompareUnreached();  // all segments were compared
+        m_told = 0;
+        CompareBreaks("recordings", "", m_left.scan.Break().has_value(), m_right.scan.Break().has_value());
+        // Bytes that no position leads to may be anything, so they must be identical.
+        if (m_differences.Count() == 0 && choice.IsAll() && IsRestTheSame()) return;
+        if (!m_omission.empty()) m_differences.Omit(m_omission);
     }
 
  private:
@@ -148,14 +147,19 @@ class CRawDiff {
             m_progress.Reach(left->position);
             CompareSegment(where, *left, *right);
         }
-        if (lefts.Break().has_value() != rights.Break().has_value())
-            Tell({name + " > chain of segments", lefts.Break() ? "damaged" : "whole",
-                  rights.Break() ? "damaged" : "whole"});
-        for (const auto& [side, walk] : {std::pair(&m_left, &lefts), std::pair(&m_right, &rights)}) {
-            if (walk->Break())
-                m_differences.Omit(side->path + " has a damaged chain of segments in " + name +
-                                   ", so what follows there wasn't compared; run 'vxfile verify' to see where.");
-        }
+        CompareBreaks("segments", name, lefts.Break().has_value(), rights.Break().has_value());
+    }
+
+    /// Tells if only one of two chains is damaged. `where` is the recording; empty for the chain of recordings.
+    void CompareBreaks(const std::string& chained, const std::string& where, bool isLeftBroken, bool isRightBroken) {
+        const std::string chain = "chain of " + chained;
+        if (isLeftBroken != isRightBroken)
+            Tell({where.empty() ? chain : where + " > " + chain, isLeftBroken ? "damaged" : "whole",
+                  isRightBroken ? "damaged" : "whole"});
+        if (!m_omission.empty() || (!isLeftBroken && !isRightBroken)) return;
+        m_omission = (isLeftBroken ? m_left : m_right).path + " has a damaged " + chain +
+                     (where.empty() ? "" : " in " + where) +
+                     ", so what follows there wasn't compared; run 'vxfile verify' to see where.";
     }
 
     /// Moves to the next segment of a chosen well; null after the last one.
@@ -192,18 +196,19 @@ class CRawDiff {
         }
     }
 
-    /// Bytes that no position leads to may be anything, so they must be identical.
-    void CompareUnreached() {
+    /// Returns whether the bytes that no position leads to are the same in both files.
+    bool IsRestTheSame() {
         const auto lefts = Unreached(m_left);
         const auto rights = Unreached(m_right);
         const auto size = [](CRange range) { return range.end - range.begin; };
         bool same = std::ranges::equal(lefts, rights, {}, size, size);
         for (std::size_t i = 0; same && i < lefts.size(); ++i)
             CompareBytes(lefts[i].begin, rights[i].begin, size(lefts[i]), [&](auto...) { same = false; });
-        if (!same)
-            m_differences.Omit("Bytes that no position leads to weren't compared: " + std::to_string(BytesOf(lefts)) +
-                               " in " + m_left.path + ", " + std::to_string(BytesOf(rights)) + " in " + m_right.path +
-                               "; run 'vxfile recover' to look for segments in them.");
+        if (!same && m_omission.empty())
+            m_omission = "Bytes that no position leads to weren't compared: " + std::to_string(BytesOf(lefts)) +
+                         " in " + m_left.path + ", " + std::to_string(BytesOf(rights)) + " in " + m_right.path +
+                         "; run 'vxfile recover' to look for segments in them.";
+        return same;
     }
 
     [[noreturn]] static void RefuseTangle() {
@@ -234,6 +239,7 @@ class CRawDiff {
     std::int64_t m_bytesLeft;  ///< The number of bytes to compare before giving up on overlapping segments.
     CProgress m_progress;
     int m_told = 0;
+    std::string m_omission;  ///< The first content that can't be compared.
 };
 
 }  // namespace

@@ -144,6 +144,8 @@ void CSampleSource::ForEach(const CTakePiece& take) {
         std::map<std::int32_t, std::string> faults;
         for (const auto& [well, fault] : ScaleFaultsOf(m_scan, recording))
             faults.try_emplace(well, m_path + ": " + TextOf(fault, recording, index, well));
+        for (const auto& [well, text] : ZeroUnitsOf(recording, index))
+            faults.try_emplace(well, m_path + ": " + text);
         StreamSamples(selection, [&](const CSamplePart& part) {
             const auto fault = faults.find(part.wellID);
             take({.recording = &recording.header,
