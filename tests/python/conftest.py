@@ -1,7 +1,10 @@
 """Finds the second readers, which share no code with the package."""
 
+import contextlib
 import gc
 import pathlib
+import resource
+import signal
 import subprocess
 import sys
 
@@ -18,6 +21,19 @@ def built(name):
     if not program.exists():
         pytest.skip(f"{program} isn't built")
     return program
+
+
+@contextlib.contextmanager
+def files_of_at_most(size):
+    """Within it, the system refuses to let a file of this process grow past a number of bytes."""
+    before = resource.getrlimit(resource.RLIMIT_FSIZE)
+    handler = signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (size, before[1]))
+    try:
+        yield
+    finally:
+        resource.setrlimit(resource.RLIMIT_FSIZE, before)
+        signal.signal(signal.SIGXFSZ, handler)
 
 
 @pytest.fixture(scope="session")

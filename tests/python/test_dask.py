@@ -211,6 +211,9 @@ def test_chunks_of_arrays_end_at_gaps_and_overlaps_and_wells_of_other_times_have
         for well, array in arrays.items():
             assert pickle.loads(pickle.dumps(array)).compute().tolist() == expected[well].tolist()
             assert array[1:6].compute().tolist() == expected[well][1:6].tolist()
+    shifted = uneven_files.write(tmp_path / "shifted.vxd", ({"task": b"Series", "number": 1, "Dose": 7}, [
+        uneven_files.segment(13, 50, 0, 1, 2, 3, 4), uneven_files.segment(13, 50, 130, 5, 6)]))
+    assert vxfileio.dask.samples(shifted, 0)[13].compute().tolist() == [1, 2, 3, 4, 5, 6]
     settings = vx.Settings()
     settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=12, Label="B7")]
     assert list(vxfileio.dask.samples(path, 0, ["B7"], settings=settings)) == ["B7"]

@@ -10,7 +10,7 @@ import numpy as np
 import pytest
 import read_xml
 import vxfileio as vx
-from conftest import REFERENCE
+from conftest import REFERENCE, files_of_at_most
 
 XML = REFERENCE / "xml"
 SETTINGS, RESULTS = XML / "settings.vxs", XML / "results.vxr"
@@ -320,6 +320,10 @@ def test_a_refused_save_leaves_no_file(tmp_path):
         settings.save(saved, compound=99)
     with pytest.raises(FileNotFoundError):
         settings.save(tmp_path / "no folder" / "a.vxs")
+    for document in (settings, vx.open(RESULTS)):
+        with files_of_at_most(100), pytest.raises(OSError) as raised:
+            document.save(saved)
+        assert raised.value.errno == 27 and raised.value.filename == str(saved)  # EFBIG
     assert list(tmp_path.iterdir()) == []
 
 
@@ -375,7 +379,7 @@ def test_labels_name_wells_of_raw_data_with_or_without_zeros():
     settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=1, Label="A1"), vx.PlateWell(WellID=2, Label="B07")]
     recording = vx.open(REFERENCE / "several_recordings.vxd", settings=settings).recordings[0]
     assert list(recording.samples("A01")) == list(recording.samples("A1")) == [1, 2, 3, 6]
-    assert list(recording.read(["B7", "A1"])) == ["B7", "A1"]
+    assert list(recording.read(["B7", 2, "A1"])) == ["B7", "A1"]
     assert list(recording.to_dataframe(["B7", "A1"])["label"]) == ["B07"] * 3 + ["A1"] * 4
     with pytest.raises(vx.NoSuchWellError, match="no well 'C1'"):
         recording.samples("C1")

@@ -3,12 +3,12 @@
 import copy
 import os
 import pickle
-import resource
 
 import numpy as np
 import pytest
 import read_vxd
 import vxfileio as vx
+from conftest import files_of_at_most
 
 HEADER = vx.RawDataFileHdr(HeaderID="OVL Vexaprobe 2", FileVersion=3, PlateID="P1", CompoundName="C")
 CHANNELS = [vx.RawDataChannelInfo(ID=well, ADZero=32768, UnitsPerAD=0.0002, Ticks=ticks) for well, ticks in ((11, 10), (12, 20))]
@@ -27,14 +27,14 @@ def test_written_segments_are_read_by_the_second_reader(tmp_path):
             recording.write(11, 0, np.array([1, 2, 65535], np.uint16))
             meanwhile = vx.open(path, unfinished=True).recordings[0]
             assert list(meanwhile.samples(11)) == [1, 2, 65535]
-            writer.write(12, -2**63, [7, 8])
+            writer.write(12, -2**63, [7, 65535])
             recording.write(11, 30, np.arange(10, dtype=np.int64)[::-2])
         writer.update_header("PreQC", [7, -1])
         writer.flush()
         assert len(meanwhile.samples(11)) == 3
         meanwhile.refresh()
         assert len(meanwhile.samples(11)) == 8
-    assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 20 - 2**63, [7, 8]),
+    assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 20 - 2**63, [7, 65535]),
                                  (11, 30, 70, [9, 7, 5, 3, 1])]
     with read_vxd.RawDataFile(path) as file:
         header, recording = file.header, file.recordings[0]
@@ -104,26 +104,16 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
 
 def test_what_the_system_refuses_is_raised_by_the_call_that_failed(tmp_path):
     path = tmp_path / "run.vxd"
-    before = resource.getrlimit(resource.RLIMIT_FSIZE)
-    import signal
-
-    handler = signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-    try:
-        writer = vx.RawWriter(path, HEADER)
-        recording = writer.recording(RECORDING)
-        recording.write(11, 0, [1, 2])
-        resource.setrlimit(resource.RLIMIT_FSIZE, (20000, before[1]))
-        with pytest.raises(OSError) as raised:
-            recording.write(11, 20, np.ones(50000, np.uint16))
-        assert raised.value.errno == 27 and raised.value.filename == str(path)  # EFBIG
-        resource.setrlimit(resource.RLIMIT_FSIZE, before)
-        recording.write(12, 20, [3])
-        with pytest.raises(OSError, match="segments missing"):
-            writer.flush()
-        writer.close()
-    finally:
-        resource.setrlimit(resource.RLIMIT_FSIZE, before)
-        signal.signal(signal.SIGXFSZ, handler)
+    writer = vx.RawWriter(path, HEADER)
+    recording = writer.recording(RECORDING)
+    recording.write(11, 0, [1, 2])
+    with files_of_at_most(20000), pytest.raises(OSError) as raised:
+        recording.write(11, 20, np.ones(50000, np.uint16))
+    assert raised.value.errno == 27 and raised.value.filename == str(path)  # EFBIG
+    recording.write(12, 20, [3])
+    with pytest.raises(OSError, match="segments missing"):
+        writer.flush()
+    writer.close()
     assert segments_of(path) == [(11, 0, 10, [1, 2]), (12, 20, 20, [3])]
 
 
