@@ -28,8 +28,7 @@ std::string FailureOf(const std::function<void()>& work) try {
 }
 
 void Complain(const std::string& sentence) {
-    std::cout.flush();
-    std::cerr << "vxfile: " << Readable(sentence) << '\n';
+    std::cerr << "vxfile: " << Readable(sentence) << '\n';  // flushes std::cout first, as it is tied to it
 }
 
 }  // namespace vxfile

@@ -9,8 +9,8 @@ namespace vxfile {
 /// empty if it succeeded. Doesn't catch `CInterruption`.
 [[nodiscard]] std::string FailureOf(const std::function<void()>& work);
 
-/// Flushes standard output, then prints the sentence to standard error. File names may contain control characters;
-/// these are escaped so that they don't reach the terminal.
+/// Prints the sentence to standard error, after all that was printed before it. File names may contain control
+/// characters; these are escaped so that they don't reach the terminal.
 void Complain(const std::string& sentence);
 
 }  // namespace vxfile
