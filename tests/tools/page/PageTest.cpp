@@ -239,6 +239,7 @@ TEST(Numbers, MarksCoverTheRangeInRoundSteps) {
     EXPECT_NEAR(marks.front(), 0.9, 1e-9);
     EXPECT_NEAR(marks[1], 1.0, 1e-9);
     EXPECT_GE(marks.back(), 1.41);
+    EXPECT_EQ(MarksBetween(0.0, 20.0), (std::vector<double>{0, 5, 10, 15, 20}));
     EXPECT_EQ(MarksBetween(3.0, 3.0).size(), 1U);
     EXPECT_LE(MarksBetween(-1.7e308, 1.7e308).size(), 16U);
     EXPECT_LE(MarksBetween(1e17, 1e17 + 64).size(), 16U);
