@@ -98,13 +98,18 @@ TEST_F(ReplacingFileTest, ANewFileIsRefusedIfOneExistsOrAppears) {
 }
 
 #if !defined(_WIN32)  // limits whole paths instead of names
-// The temporary file has a longer name.
+// The temporary file has a longer name. It is in the same folder, whose name is long, too.
 TEST_F(ReplacingFileTest, AFileWithTheLongestNameIsReplaced) {
-    const std::string path = m_folder.Path(std::string(255, 'n'));
+    const std::string folder = m_folder.Path(std::string(255, 'f')) + '/';
+    fs::create_directory(folder);
+    const std::string path = folder + std::string(255, 'n');
     Replace(path, "first");
     Replace(path, "second");
     EXPECT_EQ(ReadAll(path), "second");
-    EXPECT_EQ(CountFiles(), 1);
+    ASSERT_TRUE(m_file.Create(path));
+    EXPECT_EQ(m_file.WorkPath(), folder + std::string(240, 'n') + ".part1");
+    EXPECT_TRUE(m_file.Commit());
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
 }
 #endif
 

@@ -372,6 +372,11 @@ def test_damaged_documents_are_errors_unless_partial(tmp_path):
     assert "offset 2500" in results.read_error and len(results.beats) > 0
     cut.write_bytes(SETTINGS.read_bytes()[:2500])
     assert "offset 2500" in vx.open(cut, partial=True).read_error
+    older = SETTINGS.read_bytes().replace(b"Version>3<", b"Version>2<")
+    cut.write_bytes(older.replace(b"<Dose>1000<", b"<Dose>1000000000000000000<"))
+    with pytest.raises(vx.UsageError, match="Dose out of range") as raised:
+        vx.open(cut)
+    assert raised.value.filename == str(cut)
 
 
 def test_labels_name_wells_of_raw_data_with_or_without_zeros():

@@ -66,16 +66,27 @@ def test_samples_times_and_errors_are_those_of_the_second_reader(path):
                 assert list(ours.times(well)) == expected
 
 
-def test_header_has_every_cell():
-    with read_vxd.RawDataFile(RUN) as theirs, vx.open(RUN) as ours:
+def repeated(path):
+    """Makes a file whose first recording is followed by an empty one with the same channels."""
+    data, key = (REFERENCE / "two_tasks.vxd").read_bytes(), b"FPosNextRecordingHdr="
+    header = data[1190:3650].replace(key + b"4564", key + b"-1\0\0")
+    path.write_bytes(data.replace(key + b"4564\0", key + b"%d" % len(data)) + header)
+    return path
+
+
+@pytest.mark.parametrize("make", [lambda path: RUN, repeated], ids=["several", "repeated"])
+def test_header_has_every_cell(make, tmp_path):
+    path = make(tmp_path / "run.vxd")
+    with read_vxd.RawDataFile(path) as theirs, vx.open(path) as ours:
         for key, value in theirs.header.items():
             found = getattr(ours.header, key)
             if isinstance(value, bytes):
                 found = found.encode("utf-8", "surrogateescape")
             assert found == (tuple(value) if isinstance(value, list) else value), key
         for recording, expected in zip(ours.recordings, theirs.recordings):
-            channels = [read_vxd.Channel(c.ID, c.Ticks, c.UnitsPerAD, c.ADZero) for c in recording.header.WellChannels]
-            assert channels == expected.wells
+            for listed, channels in ((recording.header.WellChannels, expected.wells),
+                                     (recording.header.AuxChannels, expected.aux)):
+                assert [read_vxd.Channel(c.ID, c.Ticks, c.UnitsPerAD, c.ADZero) for c in listed] == channels
             assert recording.header.RecordingStartTime == expected.fields["RecordingStartTime"]
 
 
@@ -174,10 +185,11 @@ def test_unfinished_recording_is_read_on_request():
 
 
 def test_damaged_recording_is_read_up_to_the_damage_on_request():
-    recording = vx.open(REFERENCE / "circle_of_segments.vxd", partial=True).recordings[0]
-    for one in (recording, copy.deepcopy(recording)):
-        assert one.damage == "Error reading Data Segment Header"
-    assert recording.segments().size > 0
+    for unfinished in (False, True):
+        run = vx.open(REFERENCE / "circle_of_segments.vxd", partial=True, unfinished=unfinished)
+        for one in (run, copy.deepcopy(run)):
+            assert one.recordings[0].damage == "Error reading Data Segment Header"
+            assert one.recordings[0].segments().size > 0
 
 
 def test_missing_samples_are_reported_where_they_are_read():
