@@ -199,13 +199,16 @@ TEST_F(BulkAccessTest, ValuesWithoutUnitsAreNaN) {
 }
 
 TEST_F(BulkAccessTest, WrongBuffersAreRefused) {
-    const CSampleSelection selection = IndexOf({{11, 0, {1, 2}}, {12, 0, {3}}}).Select();
+    const CRecordingIndex index = IndexOf({{11, 0, {1, 2}}, {12, 0, {3}}});
+    const CSampleSelection selection = index.Select();
     std::vector<std::uint16_t> room(3, 9);
     const std::span<std::uint16_t> two(room.data(), 2);
     const std::span<std::uint16_t> one(room.data() + 2, 1);
     for (const auto& buffers :
          std::vector<std::vector<std::span<std::uint16_t>>>{{}, {two}, {two, one, one}, {one, two}})
         EXPECT_EQ(TextOfFailure([&] { selection.Read(buffers); }), "The buffers don't match the wells.");
+    for (const auto buffer : {one, std::span(room)})
+        EXPECT_EQ(TextOfFailure([&] { index.ReadSegment(0, buffer); }), "The buffer doesn't match the segment.");
     EXPECT_EQ(room, (std::vector<std::uint16_t>{9, 9, 9}));
 }
 

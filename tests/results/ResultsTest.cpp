@@ -87,8 +87,9 @@ TEST(ResultsTest, ValueTypesHaveSeparateMaps) {
     well.ClearNormalizedResponses();
     EXPECT_FALSE(well.ResultsExist(kAmplitude, kNormalized));
     EXPECT_TRUE(well.ResultsExist(kAmplitude, kPlain));
+    well.SetResults(kAmplitude, kNormalized, 3);
     well.ClearResponses();
-    EXPECT_TRUE(well.Responses.empty());
+    EXPECT_TRUE(well.Responses.empty() && well.NormalizedResponses.empty());
     well.FPfastDetectionTimes = {1};
     well.Average = {1};
     well.FPfastSlopeY1 = 1;
