@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tools/vxfile/document/DocumentHead.h"
+#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
 #include "tools/vxfile/page/TraceReader.h"
@@ -57,7 +58,9 @@ class CPlateReporter {
     void AddSettings() {
         if (m_paths.settings.empty()) return;
         m_source.files.push_back(Checked(EFileKind::Settings, m_paths.settings, VerifySettings));
-        m_settings.ReadFile(m_paths.settings);
+        const std::string damage = ReadDocument(m_settings, m_paths.settings);
+        if (!damage.empty() && m_source.files.back().isSound)
+            m_source.notes.push_back(NameOfFile(m_paths.settings) + ": " + damage);
         m_source.settings = &m_settings;
         CompareRuns(m_source.notes, m_paths.settings, m_settings.GetXmlFileHeader()->Guid);
     }

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -226,7 +227,7 @@ class CPlanCommand : public CCommand {
     std::vector<std::int32_t> TakeSettings() {
         RequireKind(EFileKind::Settings, m_settings);
         CISettingsReader reader;
-        reader.ReadFile(m_settings);
+        static_cast<void>(ReadDocument(reader, m_settings));  // no dose is needed
         const CPropRecording& recording = *reader.GetRecordingProperty();
         if (m_adZero == kNoNumber) m_adZero = recording.ADZero;
         if (std::isnan(m_units)) m_units = recording.VoltPerADStep;
