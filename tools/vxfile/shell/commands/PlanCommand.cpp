@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tools/vxfile/document/ReadDocument.h"
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -227,7 +228,8 @@ class CPlanCommand : public CCommand {
     std::vector<std::int32_t> TakeSettings() {
         RequireKind(EFileKind::Settings, m_settings);
         CISettingsReader reader;
-        static_cast<void>(ReadDocument(reader, m_settings));  // no dose is needed
+        const std::string damage = ReadDocument(reader, m_settings);
+        if (!damage.empty()) Complain(m_settings + ": " + damage);
         const CPropRecording& recording = *reader.GetRecordingProperty();
         if (m_adZero == kNoNumber) m_adZero = recording.ADZero;
         if (std::isnan(m_units)) m_units = recording.VoltPerADStep;
