@@ -1008,8 +1008,8 @@ static void check_and_recover(void) {
     EXPECT(content_of(own("small.vxd"), text, 1) < 0);
 }
 
-/* Only the first remarks are kept, but all are counted: those of 10002 segments that another one follows, and that
- * two of them have the same times. */
+/* Only the first 10000 remarks are kept, but all are counted: one for each of 10002 segments whose position says that
+ * none follows, and one because segments share their times. */
 static void count_every_remark(void) {
     static char bytes[10000];
     const int64_t size = content_of(given("small_example.vxd"), bytes, sizeof bytes), segment = 3958;

@@ -1,4 +1,4 @@
-"""Plants small faults in a copy of the sources, one at a time, and checks that the tests notice.
+"""Plants small faults in a copy of the sources and checks that the tests notice each of them.
 
 usage: mutate.py BUILD_FOLDER [WORD]
        mutate.py --check               plants nothing; checks that each fault still has its place
@@ -7,12 +7,23 @@ The faults are in faults.txt next to this script; with a WORD, only those whose 
 with a line "@ FILE". Lines with "-" are text that occurs exactly once in that file, lines with "+" replace it. It is an
 error if the text no longer occurs or the fault doesn't compile: the list must be updated. So is a fault that no test
 notices.
+
+First all faults that can have a guard are built together, and each is tried with the tests that reach it. The others,
+and those that no test has noticed, are then planted alone.
 """
 
+import collections
+import concurrent.futures
 import os
 import pathlib
+import re
+import signal
 import subprocess
 import sys
+import tempfile
+import time
+
+import guards
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TIMEOUT = 300  # seconds; if a fault makes a test hang, it counts as noticed
@@ -43,8 +54,9 @@ SCRIPTS = {
     "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference"]),
     "catalog": ("vxfile", ["tests/tools/catalog.py", "{}/bin/vxfile", "tests/reference"]),
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
-    "c_interface": ("capi_c_test", ["-c", "import subprocess, sys; sys.exit(subprocess.call(sys.argv[1:]))",
-                                    "{}/bin/capi_c_test", "tests/reference", "{}/tests/capi/capi_c_test"]),
+    "c_interface": ("capi_c_test", ["-c", "import subprocess, sys, tempfile\n"
+                                    "sys.exit(subprocess.call([*sys.argv[1:], tempfile.gettempdir()]))",
+                                    "{}/bin/capi_c_test", "tests/reference"]),
     "bindings": ("capi_c_test", ["capi/tools/bindings.py", "."]),
     "forms": ("print_forms", ["tests/reference/xml/check_forms.py", "{}/bin/print_forms"]),
     "pytest": ("vxfileio_python_package vxfile plate_run", ["-m", "pytest", "-x", "-p", "no:cacheprovider",
@@ -88,32 +100,66 @@ def run(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
 
-def build(folder, targets):
-    built = run("cmake", "--build", folder, "--parallel", "--target", "vxfileio", *targets.split())
-    if built.returncode:
-        sys.exit(built.stdout)
+def build(folder, program):
+    """Builds what a program needs. Returns the messages of the compiler if that fails."""
+    targets = SCRIPTS.get(program, (program, None))[0].split()
+    built = run("cmake", "--build", folder, "--parallel", str(os.cpu_count()), "--target", "vxfileio", *targets)
+    return built.stdout if built.returncode else ""
 
 
 def command_of(folder, program):
-    """Builds what a program needs. Returns the command that runs it."""
-    targets, words = SCRIPTS.get(program, (program, None))
-    build(folder, targets)
+    words = SCRIPTS.get(program, (program, None))[1]
     if words is None:
         return [str(folder / "bin" / program), "--gtest_brief=1", "--gtest_fail_fast"]
     return ["/usr/bin/python3", *(word.format(folder) for word in words)]
 
 
-def failing_program(folder, programs):
-    """Builds and runs one program after the other. Returns the first that doesn't pass, or None."""
-    for program in programs:
-        command = command_of(folder, program)
+def ends_with_0(folder, command, **variables):
+    """Runs a command in the copy of the sources. Returns whether it ends with 0, and in time."""
+    with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as scratch:
+        process = subprocess.Popen(command, cwd=folder / "source", env={**os.environ, "TMPDIR": scratch, **variables},
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
         try:
-            if subprocess.run(command, cwd=folder / "source", stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                              timeout=TIMEOUT).returncode:
-                return program
+            return process.wait(TIMEOUT) == 0
         except subprocess.TimeoutExpired:
-            return program
-    return None
+            return False
+        finally:
+            if process.poll() is None:
+                os.killpg(process.pid, signal.SIGKILL)  # also what it has started
+                process.wait()
+
+
+class Test:
+    """One test of a program, or a script."""
+
+    def __init__(self, program, command):
+        self.program, self.command = program, command
+        self.seconds, self.reached = 0.0, bytes()
+
+    def measure(self, folder):
+        """Measures how long it takes and which faults it reaches."""
+        with tempfile.NamedTemporaryFile() as file:
+            file.write(bytes(guards.SIZE))
+            file.flush()
+            begin = time.monotonic()
+            ends_with_0(folder, self.command, **{guards.REACHED: file.name})
+            self.seconds = time.monotonic() - begin
+            self.reached = pathlib.Path(file.name).read_bytes()
+
+
+def tests_of(folder, program):
+    """Returns the tests of a program. A script is one test."""
+    command = command_of(folder, program)
+    if program in SCRIPTS:
+        return [Test(program, command)]
+    tests, suite = [], ""
+    for line in run(*command, "--gtest_list_tests").stdout.splitlines():
+        name = line.split("#")[0].strip()
+        if line.startswith("  "):
+            tests.append(Test(program, [*command, "--gtest_filter=" + suite + name]))
+        else:
+            suite = name
+    return tests
 
 
 def update_copy(copy):
@@ -130,31 +176,96 @@ def update_copy(copy):
             path.unlink()
 
 
-def make_copy(folder, programs):
-    """Copies the sources. These tests must pass."""
-    update_copy(folder / "source")
+def configure(folder, programs):
+    """Makes a build folder for the copy of the sources."""
+    header = folder / "guards.h"
+    if not header.is_file() or header.read_text() != guards.HEADER:
+        header.write_text(guards.HEADER)
     configured = run("cmake", "-S", folder / "source", "-B", folder, "-DCMAKE_BUILD_TYPE=Debug",
                      "-DVXFILEIO_BUILD_TOOLS=ON", "-DVXFILEIO_BUILD_EXAMPLES=ON",
-                     f"-DVXFILEIO_BUILD_PYTHON={'pytest' in programs}",
-                     "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
+                     f"-DVXFILEIO_BUILD_PYTHON={'ON' if 'pytest' in programs else 'OFF'}",
+                     f"-DCMAKE_CXX_FLAGS=-w -include {folder}/guards.h",
+                     "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -D_GLIBCXX_ASSERTIONS", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
     if configured.returncode:
         sys.exit(configured.stdout)
-    program = failing_program(folder, programs)
-    if program:
-        sys.exit(program + " must pass before faults are planted")
 
 
-def is_noticed(folder, fault):
+def plant_guarded(folder, faults):
+    """Plants the faults that can have a guard, by number. Returns their numbers and the changed functions by file."""
+    by_file = collections.defaultdict(dict)
+    for number, fault in faults.items():
+        if fault.file.endswith((".cpp", ".h")):
+            by_file[fault.file][number] = fault
+    functions = {}
+    for file, ones in by_file.items():
+        text, functions[file] = guards.plant((ROOT / file).read_text(), ones)
+        path = folder / "source" / file
+        if path.read_text() != text:
+            path.write_text(text)
+    return {number for ones in functions.values() for _, _, numbers in ones for number in numbers}, functions
+
+
+def uncompilable(messages, functions):
+    """Returns the numbers of the faults in the functions that the compiler refuses."""
+    numbers = set()
+    for file, changed in functions.items():
+        lines = {int(line) for line in re.findall(re.escape(file) + r":(\d+):\d+: (?:fatal )?error", messages)}
+        numbers.update(*(ones for first, last, ones in changed if any(first <= line <= last for line in lines)))
+    return numbers
+
+
+def build_guarded(folder, faults, programs):
+    """Builds the programs with all faults that can have a guard, by number. Returns their numbers."""
+    faults = dict(faults)
+    while True:
+        planted, functions = plant_guarded(folder, faults)
+        messages = next(filter(None, (build(folder, program) for program in programs)), "")
+        if not messages:
+            return planted
+        refused = uncompilable(messages, functions)
+        if not refused:
+            sys.exit(messages)
+        for number in refused:
+            del faults[number]
+
+
+def noticed_with_guards(folder, faults, programs):
+    """Returns the numbers of the faults that were noticed while they were planted together."""
+    planted = build_guarded(folder, faults, programs)
+    for program in programs:
+        if not ends_with_0(folder, command_of(folder, program)):
+            sys.exit(program + " must pass without a fault")
+    tests = [test for program in programs for test in tests_of(folder, program)]
+
+    def is_noticed(number):
+        reaching = [test for test in tests if test.reached[number] and test.program in faults[number].programs()]
+        for test in sorted(reaching, key=lambda test: test.seconds):
+            fails = not ends_with_0(folder, test.command, **{guards.PLANTED: str(number)})
+            if fails and ends_with_0(folder, test.command):  # it doesn't fail by chance
+                print("%-16s %s" % (test.program, faults[number]), flush=True)
+                return True
+        return False
+
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as threads:
+        list(threads.map(lambda test: test.measure(folder), tests))
+        return {number for number, noticed in zip(planted, threads.map(is_noticed, planted)) if noticed}
+
+
+def is_noticed_alone(folder, fault):
+    """Plants a fault, and builds and runs one program after the other until one notices it."""
     path = folder / "source" / fault.file
     before = path.read_text()
-    path.write_text(fault.plant(before))
+    path.write_text(fault.plant((ROOT / fault.file).read_text()))
     try:
-        program = failing_program(folder, fault.programs())
-        print("%-16s %s" % (program or "NOT NOTICED", fault), flush=True)
-        return program is not None
-    except SystemExit:
-        print("doesn't compile: %s" % fault)
-        raise
+        for program in fault.programs():
+            messages = build(folder, program)
+            if messages:
+                sys.exit("%s\ndoesn't compile: %s" % (messages, fault))
+            if not ends_with_0(folder, command_of(folder, program)):
+                print("%-16s %s" % (program, fault), flush=True)
+                return True
+        print("%-16s %s" % ("NOT NOTICED", fault), flush=True)
+        return False
     finally:
         path.write_text(before)
 
@@ -170,12 +281,17 @@ def main():
     folder = pathlib.Path(sys.argv[1]).resolve()
     os.environ.update(PYTHONPATH=str(folder / "python"), PYTHONDONTWRITEBYTECODE="1")
     if os.path.isdir("/dev/shm"):
-        os.environ["TMPDIR"] = "/dev/shm"  # files in memory: the tests take a tenth of the time
-    chosen = [fault for fault in faults if sys.argv[2:] == [] or sys.argv[2] in str(fault)]
-    make_copy(folder, sorted({program for fault in chosen for program in fault.programs()}))
-    noticed = [is_noticed(folder, fault) for fault in chosen]
-    print("%d of %d faults noticed" % (sum(noticed), len(noticed)))
-    sys.exit(0 if all(noticed) and noticed else 1)
+        tempfile.tempdir = "/dev/shm"  # files in memory: the tests take a tenth of the time
+    if len(faults) >= guards.SIZE:
+        sys.exit("Make SIZE in guards.py larger.")
+    chosen = dict(enumerate((fault for fault in faults if sys.argv[2:] == [] or sys.argv[2] in str(fault)), start=1))
+    programs = sorted({program for fault in chosen.values() for program in fault.programs()})
+    update_copy(folder / "source")
+    configure(folder, programs)
+    noticed = noticed_with_guards(folder, chosen, programs)
+    noticed |= {number for number in chosen.keys() - noticed if is_noticed_alone(folder, chosen[number])}
+    print("%d of %d faults noticed" % (len(noticed), len(chosen)))
+    sys.exit(0 if noticed and len(noticed) == len(chosen) else 1)
 
 
 if __name__ == "__main__":

@@ -67,9 +67,9 @@ def test_samples_times_and_errors_are_those_of_the_second_reader(path):
 
 
 def repeated(path):
-    """Makes a file whose first recording is followed by an empty one with the same channels."""
+    """Makes a file whose first recording is followed by another header with the same channels and the same segments."""
     data, key = (REFERENCE / "two_tasks.vxd").read_bytes(), b"FPosNextRecordingHdr="
-    header = data[1190:3650].replace(key + b"4564", key + b"-1\0\0")
+    header = data[1190:1190 + 2460].replace(key + b"4564", key + b"-1\0\0")
     path.write_bytes(data.replace(key + b"4564\0", key + b"%d" % len(data)) + header)
     return path
 
@@ -83,7 +83,7 @@ def test_header_has_every_cell(make, tmp_path):
             if isinstance(value, bytes):
                 found = found.encode("utf-8", "surrogateescape")
             assert found == (tuple(value) if isinstance(value, list) else value), key
-        for recording, expected in zip(ours.recordings, theirs.recordings):
+        for recording, expected in zip(ours.recordings, theirs.recordings, strict=True):
             for listed, channels in ((recording.header.WellChannels, expected.wells),
                                      (recording.header.AuxChannels, expected.aux)):
                 assert [read_vxd.Channel(c.ID, c.Ticks, c.UnitsPerAD, c.ADZero) for c in listed] == channels

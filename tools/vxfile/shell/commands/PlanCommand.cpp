@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "tools/vxfile/document/ReadDocument.h"
-#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -229,7 +228,7 @@ class CPlanCommand : public CCommand {
         RequireKind(EFileKind::Settings, m_settings);
         CISettingsReader reader;
         const std::string damage = ReadDocument(reader, m_settings);
-        if (!damage.empty()) Complain(m_settings + ": " + damage);
+        if (!damage.empty()) throw CFailure(m_settings + ": " + damage + " Give the values as options instead.");
         const CPropRecording& recording = *reader.GetRecordingProperty();
         if (m_adZero == kNoNumber) m_adZero = recording.ADZero;
         if (std::isnan(m_units)) m_units = recording.VoltPerADStep;
