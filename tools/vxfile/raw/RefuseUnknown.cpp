@@ -1,5 +1,6 @@
 #include "tools/vxfile/raw/RefuseUnknown.h"
 
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "verify/Failure.h"
 
@@ -38,6 +39,15 @@ void RefuseUnknown(const CPlateView& view, const std::string& path, const std::v
             throw CFailure(view.labels.AddedTo(std::string(path).append(" has no well ").append(std::to_string(well)) +
                                                " in the chosen recordings; their wells: " + ListOrNone(wells) + '.'));
     }
+}
+
+void RefuseUnknown(const CPlateView& view, const std::string& path) {
+    const CRawScan scan(path);
+    const std::string refusal = FailureOf([&] { RefuseUnknown(view, path, scan.Recordings()); });
+    if (refusal.empty()) return;
+    throw CFailure(refusal + (scan.Break() ? " The chain of recordings is damaged after these; run 'vxfile recover' to "
+                                             "save what is intact."
+                                           : ""));
 }
 
 }  // namespace vxfile

@@ -21,6 +21,10 @@ void RefuseUnknownRecordings(const CPlateChoice& choice, const std::string& path
 /// Does the same, and throws if a chosen well is in none of the chosen recordings.
 void RefuseUnknown(const CPlateView& view, const std::string& path, const std::vector<CRecordingAt>& recordings);
 
+/// Does the same with the recordings of a raw data file. If their chain is damaged, the message says so, because what
+/// was chosen may follow the damage.
+void RefuseUnknown(const CPlateView& view, const std::string& path);
+
 /// Returns the wells of the recordings for whose header `isChosen` returns true.
 std::set<std::int32_t> WellsOf(const std::vector<CRecordingAt>& recordings, auto isChosen) {
     std::set<std::int32_t> wells;

@@ -17,7 +17,6 @@
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/workbook/WorkbookDiff.h"
 #include "verify/Failure.h"
-#include "verify/raw/RawScan.h"
 
 namespace vxfile {
 
@@ -77,7 +76,7 @@ class CDiffCommand : public CCommand {
         if (kind == EFileKind::Workbook) return CompareWorkbooks(m_left, m_right, differences);
         if (kind != EFileKind::RawData) return CompareDocuments(m_left, m_right, differences);
         m_view = m_plate.ViewOf(m_left);
-        RefuseUnknown(m_view, m_left, CRawScan(m_left).Recordings());
+        RefuseUnknown(m_view, m_left);
         if (!m_quiet) std::ranges::for_each(m_view.doubts, Complain);
         CompareRawData(m_left, m_right, differences, m_view);
     }

@@ -17,7 +17,6 @@
 #include "tools/vxfile/shell/PlateOptions.h"
 #include "tools/vxfile/workbook/WorkbookInfo.h"
 #include "verify/Failure.h"
-#include "verify/raw/RawScan.h"
 #include "vxfileio/helpers/File.h"
 
 namespace vxfile {
@@ -96,7 +95,7 @@ class CInfoCommand : public CCommand {
 
     CPage RawData(const std::string& path) const {
         const CPlateView view = m_plate.ViewOf(path);
-        RefuseUnknown(view, path, CRawScan(path).Recordings());
+        RefuseUnknown(view, path);
         std::ranges::for_each(view.doubts, Complain);
         return InfoOfRawData(path, m_full, true, view);
     }

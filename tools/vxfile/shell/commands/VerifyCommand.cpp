@@ -23,7 +23,6 @@
 #include "verify/Failure.h"
 #include "verify/Findings.h"
 #include "verify/document/XmlVerify.h"
-#include "verify/raw/RawScan.h"
 #include "verify/raw/RawVerify.h"
 #include "verify/workbook/WorkbookVerify.h"
 
@@ -194,7 +193,7 @@ class CVerifyCommand : public CCommand {
         CVerdict verdict{path, EFileKind::RawData, {}};
         if (m_plate.AreGiven()) {
             verdict.view = m_plate.ViewOf(path);
-            RefuseUnknown(verdict.view, path, CRawScan(path).Recordings());
+            RefuseUnknown(verdict.view, path);
         }
         verdict.findings =
             CheckWithBar(path, [&](const CReach& reach) { return VerifyChosen(path, verdict.view.choice, reach); });
