@@ -144,8 +144,12 @@ void CSampleSource::ForEach(const CTakePiece& take) {
         std::map<std::int32_t, std::string> faults;
         for (const auto& [well, fault] : ScaleFaultsOf(m_scan, recording))
             faults.try_emplace(well, m_path + ": " + TextOf(fault, recording, index, well));
-        for (const auto& [well, text] : ZeroUnitsOf(recording, index))
-            faults.try_emplace(well, m_path + ": " + text);
+        for (const auto& channel : recording.header.WellChannels) {
+            const std::int32_t well = channel.ID;
+            if (wells.Find(well)->UnitsPerAD == 0)  // as recover writes it for a lost header
+                faults.try_emplace(well, m_path + ": UnitsPerADs of " + NameOf(recording, index) + " has 0 for well " +
+                                             std::to_string(well));
+        }
         StreamSamples(selection, [&](const CSamplePart& part) {
             const auto fault = faults.find(part.wellID);
             take({.recording = &recording.header,

@@ -1,7 +1,5 @@
 #include "tools/vxfile/raw/UnitScales.h"
 
-#include <set>
-
 #include "verify/Text.h"
 
 namespace vxfile {
@@ -16,17 +14,6 @@ std::string TextOf(const CScaleFault& fault, const CRecordingAt& recording, std:
     const std::string ofWell = " for well " + std::to_string(well);
     return std::string(fault.key) + " of " + NameOf(recording, index) + " has " +
            (fault.text.empty() ? "no value" + ofWell : Quoted(fault.text) + ofWell + ", which isn't a valid number");
-}
-
-std::map<std::int32_t, std::string> ZeroUnitsOf(const CRecordingAt& recording, std::size_t index) {
-    std::map<std::int32_t, std::string> sentences;
-    std::set<std::int32_t> seen;  // of a well that is listed twice, the first entry counts
-    for (const auto& channel : recording.header.WellChannels) {
-        if (seen.insert(channel.ID).second && channel.UnitsPerAD == 0)
-            sentences[channel.ID] =
-                "UnitsPerADs of " + NameOf(recording, index) + " has 0 for well " + std::to_string(channel.ID);
-    }
-    return sentences;
 }
 
 }  // namespace vxfile

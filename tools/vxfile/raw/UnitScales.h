@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <string>
 
 #include "verify/raw/RawScan.h"
@@ -19,9 +18,5 @@ CScaleFaults ScaleFaultsOf(const CRawScan& scan, const CRecordingAt& recording);
 /// Returns the fault of a well as a sentence without its full stop, such as `UnitsPerADs of recording 1 (Series 1) has
 /// "0,3" for well 11, which isn't a valid number`. `index` is that of the recording in the file.
 std::string TextOf(const CScaleFault& fault, const CRecordingAt& recording, std::size_t index, std::int32_t well);
-
-/// Returns such a sentence for each well whose `UnitsPerAD` is 0, as `vxfile recover` writes it if a header is lost:
-/// all its samples would be 0 in units.
-std::map<std::int32_t, std::string> ZeroUnitsOf(const CRecordingAt& recording, std::size_t index);
 
 }  // namespace vxfile
