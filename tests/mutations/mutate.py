@@ -50,7 +50,8 @@ PROGRAMS = {
 # Checks by script: the targets that each one needs, and its command. {} is the build folder; paths are those of the
 # sources.
 SCRIPTS = {
-    "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "tests/tools/golden.md"]),
+    "sessions": ("vxfile", ["tests/tools/check_sessions.py", "{}/bin", "docs/vxfile.md", "docs/catalog.md",
+                            "tests/tools/golden.md"]),
     "samples": ("vxfile", ["tests/tools/samples_numpy.py", "{}/bin/vxfile", "tests/reference"]),
     "catalog": ("vxfile", ["tests/tools/catalog.py", "{}/bin/vxfile", "tests/reference"]),
     "tables": ("vxfile", ["tests/tools/table_readers.py", "{}/bin/vxfile", "tests/reference/xml"]),
@@ -130,7 +131,7 @@ def ends_with_0(folder, command, **variables):
 
 
 class Test:
-    """One test of a program, or a script."""
+    """One test of a program, one session, one file of Python tests, or a script."""
 
     def __init__(self, program, command):
         self.program, self.command = program, command
@@ -148,8 +149,14 @@ class Test:
 
 
 def tests_of(folder, program):
-    """Returns the tests of a program. A script is one test."""
+    """Returns the tests of a program, each with the command that runs it alone."""
     command = command_of(folder, program)
+    source = folder / "source"
+    if program == "sessions":
+        sessions = subprocess.run([*command, "--list"], cwd=source, stdout=subprocess.PIPE, text=True, check=True).stdout
+        return [Test(program, [*command[:3], session]) for session in sessions.split()]
+    if program == "pytest":
+        return [Test(program, [*command[:-1], str(file)]) for file in sorted(source.glob(command[-1] + "/test_*.py"))]
     if program in SCRIPTS:
         return [Test(program, command)]
     tests, suite = [], ""

@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Runs the console sessions of Markdown pages and compares what they print with what the pages say.
 
-    check_sessions.py [--update | --sanitized] FOLDER_OF_VXFILE PAGE...
+    check_sessions.py [--update | --sanitized | --list] FOLDER_OF_VXFILE PAGE...
 
 A session is a block that begins with ```console; its lines that begin with "$ " are commands, the others their output.
-They run in a separate folder that has the files below. --update writes the real output into the pages. --sanitized skips
-commands that limit the address space, because sanitizers need terabytes of it. The program's version is shown as VERSION on
-the pages, so that a release doesn't change them.
+Each session runs in a folder of its own that has the files below. PAGE:LINE is the session that begins in a line of a
+page. --list prints these. --update writes the real output into the pages. --sanitized skips commands that limit the
+address space, because sanitizers need terabytes of it. The program's version is shown as VERSION on the pages, so that
+a release doesn't change them.
 """
 import argparse
+import concurrent.futures
 import os
 import pathlib
 import shutil
@@ -35,6 +37,7 @@ FILES = {
     "two.vxd": "two_tasks.vxd",
     "two.vxr": "two_tasks.vxr",
     "two.vxs": "two_tasks.vxs",
+    "bend": "../tools/bend.sh",
 }
 
 
@@ -52,20 +55,61 @@ def version_of(programs):
     return subprocess.run([programs / "vxfile", "--version"], stdout=subprocess.PIPE, text=True).stdout.split()[-1]
 
 
-def play(lines, folder, programs, skipped):
-    """Returns the lines of a page with what its commands print now, but for those with the text `skipped`."""
-    version = version_of(programs)
-    played, in_session, output = [], False, None
-    for line in lines:
-        if in_session and (line.startswith("$ ") or line == "```") and output is not None:
-            played += output
-            output = None
-        if in_session and line.startswith("$ "):
-            output = None if skipped and skipped in line else run(line[2:], folder, programs, version)
-        if line == "```" or not in_session or line.startswith("$ ") or output is None:
-            played.append(line)
+class Session:
+    """A session of a page: its commands with what they print, and the line in which it begins, from 1."""
+
+    def __init__(self, page, line):
+        self.page, self.line, self.said = page, line, []
+
+    def __str__(self):
+        return f"{self.page}:{self.line}"
+
+    def play(self, programs, version, skipped):
+        """Returns its lines with what its commands print now, but for those with the text `skipped`."""
+        played, is_skipped = [], False
+        with tempfile.TemporaryDirectory() as folder:
+            for name, source in FILES.items():
+                shutil.copyfile(REFERENCE / source, pathlib.Path(folder) / name)
+            for line in self.said:
+                if line.startswith("$ "):
+                    is_skipped = bool(skipped and skipped in line)
+                    played += [line] if is_skipped else [line, *run(line[2:], folder, programs, version)]
+                elif is_skipped:
+                    played.append(line)
+        return played
+
+
+def sessions_of(name):
+    """Returns the sessions of PAGE, or the one of PAGE:LINE."""
+    page, _, wanted = name.partition(":")
+    sessions, in_session = [], False
+    for number, line in enumerate(pathlib.Path(page).read_text(encoding="utf-8").splitlines(), 1):
+        if line == "```console":
+            sessions.append(Session(page, number))
+        elif in_session and line != "```":
+            sessions[-1].said.append(line)
         in_session = line == "```console" or (in_session and line != "```")
-    return played
+    return [session for session in sessions if wanted in ("", str(session.line))]
+
+
+def update(sessions, played):
+    """Writes what the sessions of a page print now into it."""
+    page = pathlib.Path(sessions[0].page)
+    lines = page.read_text(encoding="utf-8").splitlines()
+    for session, real in reversed(list(zip(sessions, played))):
+        lines[session.line:session.line + len(session.said)] = real
+    page.write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
+def report(session, real):
+    """Prints the first line of a session that differs from what its commands print now. Returns whether one does."""
+    longest = max(len(session.said), len(real))
+    pairs = zip(session.said + [""] * (longest - len(session.said)), real + [""] * (longest - len(real)))
+    for number, (a, b) in enumerate(pairs, session.line + 1):
+        if a != b:
+            print(f"{session.page}:{number}: the page says\n    {a}\nbut the program\n    {b}")
+            return True
+    return session.said != real
 
 
 def main():
@@ -73,28 +117,26 @@ def main():
     option = parser.add_mutually_exclusive_group()
     option.add_argument("--update", action="store_true")
     option.add_argument("--sanitized", action="store_true")
+    option.add_argument("--list", action="store_true")
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("pages", nargs="+")
     arguments = parser.parse_args()
-    skipped = "ulimit -v" if arguments.sanitized else None
     programs = arguments.folder.resolve()
+    pages = {page: sessions_of(page) for page in arguments.pages}
+    if arguments.list:
+        print(*(session for sessions in pages.values() for session in sessions), sep="\n")
+        return 0
+    skipped = "ulimit -v" if arguments.sanitized else None
+    version = version_of(programs)
     wrong = 0
-    for page in arguments.pages:
-        said = pathlib.Path(page).read_text(encoding="utf-8").splitlines()
-        with tempfile.TemporaryDirectory() as folder:
-            for name, source in FILES.items():
-                shutil.copyfile(REFERENCE / source, pathlib.Path(folder) / name)
-            real = play(said, folder, programs, skipped)
-        commands = sum(line.startswith("$ ") for line in said)
-        if arguments.update:
-            pathlib.Path(page).write_text("\n".join(real) + "\n", encoding="utf-8")
-        elif real != said or commands == 0:
-            wrong += 1
-            for number, (a, b) in enumerate(zip(said + [""] * len(real), real + [""] * len(said)), 1):
-                if a != b:
-                    print(f"{page}:{number}: the page says\n    {a}\nbut the program\n    {b}")
-                    break
-        print(f"{page}: {commands} commands")
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as threads:
+        for page, sessions in pages.items():
+            played = list(threads.map(lambda session: session.play(programs, version, skipped), sessions))
+            if arguments.update:
+                update(sessions, played)
+            else:
+                wrong += sum(report(*pair) for pair in zip(sessions, played)) or not sessions
+            print(f"{page}: {sum(line.startswith('$ ') for session in sessions for line in session.said)} commands")
     return 1 if wrong else 0
 
 
