@@ -64,6 +64,7 @@ class CFolderReport {
         if (!fs::exists(PathOf(kIndex), error)) return;
         for (const page::CIndexedPlate& entry : page::EntriesOf(ReadWholeText(PathOf(kIndex))))
             m_earlier[entry.page] = entry;
+        RefusePlace(PathOf(kIndex), m_replace || !m_earlier.empty());  // before any page is made
     }
 
     void Add(const std::string& results) {
@@ -93,10 +94,10 @@ class CFolderReport {
 
     std::string PathOf(const std::string& name) const { return (fs::path(m_folder) / name).string(); }
 
-    /// Returns a name for a page that no other page of this run has.
+    /// Returns a name for a page that no other page of this run has, also where case is ignored.
     std::string FreeName(const std::string& stem) {
         std::string name = stem + ".html";
-        for (int number = 2; name == kIndex || !m_names.insert(name).second; ++number)
+        for (int number = 2; !m_names.insert(Lowered(name)).second; ++number)
             name = stem + '-' + std::to_string(number) + ".html";
         return name;
     }
@@ -146,7 +147,7 @@ class CFolderReport {
     bool m_replace;
     std::vector<std::string> m_resultsHere;                ///< Results may have any name, also that of a page.
     std::map<std::string, page::CIndexedPlate> m_earlier;  ///< The entries of the existing index, by page.
-    std::set<std::string> m_names;
+    std::set<std::string> m_names = {kIndex};              ///< Of all files of this run, in small letters.
     std::vector<page::CIndexedPlate> m_entries;
     std::size_t m_made = 0;
     int m_status = kSound;
