@@ -5,6 +5,7 @@
 #include "vxfileio/base/ExcVXReader.h"
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/settings/SettingsFile.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 namespace vxfileio::capi {
 
@@ -35,15 +36,13 @@ void CDocument::Read(const std::string& path) {
     m_isOpen = false;
     if (auto* const results = std::get_if<CResultsContent>(&m_content)) {
         results::CResultsReader reader;
-        reader.ReadFile(path);
+        m_faults = xmlarchive::ReadAndReport(reader, path);
         static_cast<CResults&>(*results) = *reader.GetResults();
         results->Header = *reader.GetXmlFileHeader();
-        m_faults = reader.GetReadError();
     } else {
         settings::CSettingsReader reader;
-        reader.ReadFile(path);
+        m_faults = xmlarchive::ReadAndReport(reader, path);
         m_content = reader.Get();
-        m_faults = reader.GetReadError();
     }
     m_isOpen = true;
     if (!m_faults.empty()) throw CFailed{VX_DAMAGED, m_faults};

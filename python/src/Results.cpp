@@ -10,6 +10,7 @@
 #include "vxfileio/results/ResultsFile.h"
 #include "vxfileio/results/forms/ResultsForm.h"
 #include "vxfileio/settings/Settings.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 namespace vxfileio::python {
 
@@ -18,12 +19,12 @@ namespace {
 /// Makes an object of a Python class with the content of a file. Returns it, and what is wrong with the document.
 py::tuple ReadResults(const py::object& made, const std::string& path) {
     const auto reader = std::make_shared<results::CResultsReader>();
-    Interruptible(path, [reader, path] { reader->ReadFile(path); });
+    const std::string damage = Interruptible(path, [reader, path] { return xmlarchive::ReadAndReport(*reader, path); });
     py::object object = made();
     auto& content = object.cast<results::CResultsContent&>();
     content.Header = *reader->GetXmlFileHeader();
     static_cast<CResults&>(content) = reader->TakeResults();
-    return py::make_tuple(object, TextToPython(reader->GetReadError()));
+    return py::make_tuple(object, TextToPython(damage));
 }
 
 /// Returns the error of the system, or an empty text. Writes a copy, so that other threads may change the results

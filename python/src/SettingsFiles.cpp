@@ -10,6 +10,7 @@
 #include "python/src/Records.h"
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/settings/forms/SettingsForm.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 namespace vxfileio::python {
 
@@ -68,10 +69,10 @@ void BindContent(py::module_& module) {
 /// Makes an object of a Python class with the content of a file. Returns it, and what is wrong with the document.
 py::tuple ReadSettings(const py::object& made, const std::string& path) {
     const auto reader = std::make_shared<settings::CSettingsReader>();
-    Interruptible(path, [reader, path] { reader->ReadFile(path); });
+    const std::string damage = Interruptible(path, [reader, path] { return xmlarchive::ReadAndReport(*reader, path); });
     py::object content = made();
     content.cast<CSettings&>() = reader->Get();
-    return py::make_tuple(content, TextToPython(reader->GetReadError()));
+    return py::make_tuple(content, TextToPython(damage));
 }
 
 /// Returns the error of the system, or an empty text.

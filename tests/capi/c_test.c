@@ -772,9 +772,10 @@ static void name_columns(void) {
 
 static void report_a_damaged_document(void) {
     static const char* const others[] = {"xml/results.vxr", "xml/settings.vxs"};
+    const int64_t dose = 1000000000000000000;
+    vx_document* document = NULL;
     int32_t kind;
     for (kind = VX_SETTINGS; kind <= VX_RESULTS; ++kind) {
-        vx_document* document = NULL;
         char text[300];
         int64_t size = sizeof text;
         EXPECT(vx_document_open(&document, kind, given(others[kind])) == VX_DAMAGED);
@@ -783,6 +784,14 @@ static void report_a_damaged_document(void) {
         EXPECT(text_is(document, "Header/FileType", kind == VX_RESULTS ? "VXSettings" : "VXResults"));
         WORKS(vx_close(document));
     }
+    document = open_document(VX_SETTINGS, "xml/settings.vxs");
+    WORKS(vx_document_set_int64(document, "Header/FileVersion", 2));
+    WORKS(vx_document_set_int64s(document, "PropertyRecordPlate/Series", &dose, 1));
+    WORKS(vx_document_save(document, own("older.vxs"), -1));
+    WORKS(vx_close(document));
+    EXPECT(vx_document_open(&document, VX_SETTINGS, own("older.vxs")) == VX_DAMAGED);
+    EXPECT(strstr(error_of(document), "Series[0]/Dose: 1000000000000000000 pM is too large to be shown") != NULL);
+    WORKS(vx_close(document));
 }
 
 static void export_workbooks(void) {

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Text.h"
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 namespace vxfile {
 
@@ -111,7 +111,7 @@ void AddResults(const std::string& task, std::size_t number, const CResultsRecor
 CPage InfoOfSettings(const std::string& path) {
     CPage page;
     CISettingsReader reader;
-    page.SetDamage(ReadDocument(reader, path));
+    page.SetDamage(vxfileio::xmlarchive::ReadAndReport(reader, path));
     AddHeader(*reader.GetXmlFileHeader(), page);
     AddNotebook(*reader.GetNotebookProperty(), page);
     AddRecording(*reader.GetRecordingProperty(), page);
@@ -123,7 +123,7 @@ CPage InfoOfSettings(const std::string& path) {
 CPage InfoOfResults(const std::string& path) {
     CPage page;
     CIResultsReader reader;
-    page.SetDamage(ReadDocument(reader, path));
+    page.SetDamage(vxfileio::xmlarchive::ReadAndReport(reader, path));
     AddHeader(*reader.GetXmlFileHeader(), page);
     std::vector<CPage::CRow> table = {{"Task", "Number", "Dose", "Wells", "Beats", "Averages", "Means"}};
     CJson list = CJson::array();

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <limits>
 
-#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/FileKind.h"
 #include "verify/Failure.h"
 #include "verify/raw/RawScan.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 namespace vxfile {
 
@@ -92,7 +92,7 @@ void CPlateOptions::ReadLabels(CPlateView& view, const std::string& path, const 
                                CISettingsReader& settings) {
     if (path.empty()) return;
     RequireKind(EFileKind::Settings, path);
-    const std::string damage = ReadDocument(settings, path);
+    const std::string damage = vxfileio::xmlarchive::ReadAndReport(settings, path);
     if (!damage.empty()) view.doubts.push_back(path + ": " + damage);
     const std::string other = DifferenceOfRuns({path, settings.GetXmlFileHeader()->Guid}, file);
     if (!other.empty()) view.doubts.push_back(other + " Labels may be those of another plate.");

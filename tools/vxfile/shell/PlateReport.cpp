@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "tools/vxfile/document/DocumentHead.h"
-#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/page/PlatePage.h"
 #include "tools/vxfile/page/PlateValues.h"
 #include "tools/vxfile/page/TraceReader.h"
@@ -21,6 +20,7 @@
 #include "verify/raw/RawVerify.h"
 #include "vxfileio/base/FileExtensions.h"
 #include "vxfileio/frame/VXFileIO.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 namespace vxfile {
 
@@ -58,7 +58,7 @@ class CPlateReporter {
     void AddSettings() {
         if (m_paths.settings.empty()) return;
         m_source.files.push_back(Checked(EFileKind::Settings, m_paths.settings, VerifySettings));
-        const std::string damage = ReadDocument(m_settings, m_paths.settings);
+        const std::string damage = vxfileio::xmlarchive::ReadAndReport(m_settings, m_paths.settings);
         if (!damage.empty() && m_source.files.back().isSound)
             m_source.notes.push_back(NameOfFile(m_paths.settings) + ": " + damage);
         m_source.settings = &m_settings;

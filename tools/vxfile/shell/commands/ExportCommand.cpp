@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "tools/vxfile/document/DocumentHead.h"
-#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Text.h"
 #include "tools/vxfile/shell/Command.h"
@@ -25,6 +24,7 @@
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/settings/SettingsFile.h"
 #include "vxfileio/xmlarchive/DocumentKinds.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 using vxfileio::base::CExcConversion;
 using vxfileio::helpers::CReplacingFile;
@@ -69,7 +69,7 @@ struct CInput {
 
     /// Throws `CFailure` if the system refuses to read the file to its end, since it is unknown what is missing.
     void Read() {
-        damage = ReadDocument(reader, path);
+        damage = vxfileio::xmlarchive::ReadAndReport(reader, path);
         if (damage.starts_with(vxfileio::xmlarchive::kReadRefused))
             throw CFailure("Can't export " + path + ". " + damage + " Check the disk.");
     }

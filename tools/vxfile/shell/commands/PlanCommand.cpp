@@ -13,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/document/ReadDocument.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -22,6 +21,7 @@
 #include "verify/Failure.h"
 #include "vxfileio/frame/VXFileIO.h"
 #include "vxfileio/helpers/NumberText.h"
+#include "vxfileio/xmlarchive/ReadAndReport.h"
 
 using vxfileio::helpers::CNumberText;
 using vxfileio::helpers::ParseDouble;
@@ -227,7 +227,7 @@ class CPlanCommand : public CCommand {
     std::vector<std::int32_t> TakeSettings() {
         RequireKind(EFileKind::Settings, m_settings);
         CISettingsReader reader;
-        const std::string damage = ReadDocument(reader, m_settings);
+        const std::string damage = vxfileio::xmlarchive::ReadAndReport(reader, m_settings);
         if (!damage.empty()) throw CFailure(m_settings + ": " + damage + " Give the values as options instead.");
         const CPropRecording& recording = *reader.GetRecordingProperty();
         if (m_adZero == kNoNumber) m_adZero = recording.ADZero;

@@ -4,18 +4,18 @@
 
 #include "vxfileio/base/VXExceptions.h"
 
-namespace vxfile {
+namespace vxfileio::xmlarchive {
 
 /// Reads a settings or results file with the library's reader. Returns what was wrong with it, or an empty text. This
 /// includes a dose too large to be shown with a unit, at which the reader stops in files of older versions. Throws
 /// `CExcVXReader` if the file can't be opened.
 template <class CReader>
-[[nodiscard]] std::string ReadDocument(CReader& reader, const std::string& path) {
+[[nodiscard]] std::string ReadAndReport(CReader& reader, const std::string& path) {
     try {
         reader.ReadFile(path);
-    } catch (const vxfileio::base::CExcConversion&) {  // the reader names the dose
+    } catch (const base::CExcConversion&) {  // the reader names the dose
     }
     return reader.GetReadError();
 }
 
-}  // namespace vxfile
+}  // namespace vxfileio::xmlarchive
