@@ -62,7 +62,8 @@ def main():
         path.write_text(new, encoding="utf-8")
         return 0
     difference = list(difflib.unified_diff(old.splitlines(), new.splitlines(), "stored", "made", lineterm=""))
-    print("\n".join(difference))
+    if difference:
+        print("\n".join(difference), f"{path} is out of date; make_stubs.py without --check writes it", sep="\n")
     return bool(difference)
 
 
