@@ -4,8 +4,8 @@
     check_commands.py VXFILE
 
 Every source `commands/NAMECommand.cpp` must be a command that VXFILE knows, have a row in the table and a section `## name`
-in docs/vxfile.md, run in a session of that page or of golden.md, with --json too if it has that, have a fault in
-tests/mutations/faults.txt, and be in CHANGELOG.md.
+in docs/vxfile.md, run in a session of that page or of golden.md, have a fault in tests/mutations/faults.txt, and be in
+CHANGELOG.md. If it has --json, it must run in a session with that, and docs/vxfile.md must describe its object.
 """
 import pathlib
 import re
@@ -28,8 +28,11 @@ def problems_of(name, source, program, page, golden, faults, changes):
         yield f"docs/vxfile.md has no section '## {name}'"
     if not re.search(rf"(?m)^\$ .*vxfile {name}\b", page + golden):
         yield f"no session in docs/vxfile.md or tests/tools/golden.md runs 'vxfile {name}'"
-    if re.search(r"(?m)^  --json ", told.stdout) and not re.search(rf"(?m)^\$ .*vxfile {name}\b.*--json\b", page + golden):
+    has_json = re.search(r"(?m)^  --json ", told.stdout)
+    if has_json and not re.search(rf"(?m)^\$ .*vxfile {name}\b.*--json\b", page + golden):
         yield f"no session in docs/vxfile.md or tests/tools/golden.md runs 'vxfile {name}' with --json"
+    if has_json and not re.search(rf"\b(Objects|object) of `{name}` ha(ve|s)\b", page):
+        yield f"docs/vxfile.md doesn't describe the object that --json prints; begin with 'Objects of `{name}` have' under JSON"
     if f"@ {COMMANDS}/{source}\n" not in faults:
         yield f"tests/mutations/faults.txt has no fault for {source}"
 
