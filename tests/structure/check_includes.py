@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
-"""Checks that includes follow the tables of rooms in CONTRIBUTING.md, and that no files include each other in a circle.
+"""Checks that includes follow the tables of rooms in CONTRIBUTING.md, that no files include each other in a circle, and
+that every test is built.
 
     check_includes.py [ROOT]
 
 A table of rooms has the heads "Room" and "May include". Each row names a folder and the rooms that its files may include.
 Names may be shortened to their last part, such as `base`; "nothing" and "everything" are words. Every source file below
 the folders in TREES belongs to the row that names its folder, or else the nearest folder above. The rows themselves must
-not allow a circle either. ROOT is the top folder; by default the one that this script is in.
+not allow a circle either. A test, tests/FOLDER/NAMETest.cpp, must be listed in a CMakeLists.txt below tests. ROOT is
+the top folder; by default the one that this script is in.
 """
 import pathlib
 import re
@@ -89,11 +91,20 @@ def problems_of(rules, includes):
             yield f"{what} in a circle: " + " -> ".join(circle)
 
 
+def unbuilt_tests(root):
+    """Yields a sentence for each test that nothing builds."""
+    listed = {(page.parent / name).resolve() for page in (root / "tests").rglob("CMakeLists.txt")
+              for name in re.findall(r"[\w./]+\.cpp", page.read_text(encoding="utf-8"))}
+    for test in sorted((root / "tests").rglob("*Test.cpp")):
+        if test not in listed:
+            yield f"{test.relative_to(root)}: no CMakeLists.txt lists it, so it isn't built; add it to tests/CMakeLists.txt"
+
+
 def main():
     root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2]).resolve()
     rules = read_rules((root / "CONTRIBUTING.md").read_text(encoding="utf-8"))
     includes = read_includes(root)
-    problems = list(problems_of(rules, includes))
+    problems = [*problems_of(rules, includes), *unbuilt_tests(root)]
     print("\n".join(problems + [f"{len(includes)} files in {len(rules)} rooms, {len(problems)} problems"]))
     return 1 if problems or not rules or not includes else 0
 
