@@ -258,8 +258,10 @@ std::size_t CXmlVerifier::JudgeChild(const CXmlElement& rule, const CXmlToken& s
 void CXmlVerifier::AddMissing(const CXmlElement& rule, std::size_t from, std::size_t to, std::size_t offset) {
     if (from >= to || rule.children.size() <= from) return;
     std::string tags;
-    for (const auto& child : rule.children.subspan(from, to - from))
-        tags += (tags.empty() ? "<" : ", <") + std::string(child.tag) + ">";
+    for (const auto& child : rule.children.subspan(from, to - from)) {
+        if (!child.isNew) tags += (tags.empty() ? "<" : ", <") + std::string(child.tag) + ">";
+    }
+    if (tags.empty()) return;
     Add(offset, "no " + tags + " up to here", "all elements, in their order",
         "It is missing or comes later; readers keep the default of a missing element.");
 }
@@ -314,11 +316,14 @@ void CXmlVerifier::Skip(const CXmlToken& start) {
 
 }  // namespace
 
+CFindings VerifyDocument(const std::string& path, std::span<const CXmlElement> children, const CReach& reach) {
+    return CXmlVerifier(path, children, reach).Verify();
+}
 CFindings VerifySettings(const std::string& path, const CReach& reach) {
-    return CXmlVerifier(path, vxfileio::settings::kSettingsRoot, reach).Verify();
+    return VerifyDocument(path, vxfileio::settings::kSettingsRoot, reach);
 }
 CFindings VerifyResults(const std::string& path, const CReach& reach) {
-    return CXmlVerifier(path, vxfileio::results::kResultsRoot, reach).Verify();
+    return VerifyDocument(path, vxfileio::results::kResultsRoot, reach);
 }
 
 }  // namespace vxfile

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "verify/Findings.h"
 #include "verify/Reach.h"
+#include "vxfileio/xmlarchive/XmlElement.h"
 
 namespace vxfile {
 
@@ -15,5 +17,9 @@ namespace vxfile {
 CFindings VerifySettings(const std::string& path, const CReach& reach = IgnoreReach);
 CFindings VerifyResults(const std::string& path, const CReach& reach = IgnoreReach);
 /// @}
+
+/// The same for a document whose root has these children, which outlive the call.
+CFindings VerifyDocument(const std::string& path, std::span<const vxfileio::xmlarchive::CXmlElement> children,
+                         const CReach& reach = IgnoreReach);
 
 }  // namespace vxfile

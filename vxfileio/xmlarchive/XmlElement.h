@@ -43,6 +43,7 @@ struct CXmlElement {
     bool mayBeEmpty = false;           ///< The word may be missing.
     bool isRead = true;                ///< False if it is written only for people.
     bool isVerbatim = false;           ///< References in a text with a CDATA section aren't decoded.
+    bool isNew = false;                ///< Files of earlier releases lack it, so it may be missing.
 };
 
 /// Returns words as a choice: "one of the words Tecan, Norva".

@@ -218,6 +218,18 @@ struct CKeyTextField : Field {
     }
 };
 
+/// A field that files of earlier releases lack. Checks don't miss its element.
+template <class Field>
+struct CNewField : Field {
+    constexpr explicit CNewField(const Field& field) : Field(field) {}
+
+    constexpr CXmlElement Element() const noexcept {
+        CXmlElement element = Field::Element();
+        element.isNew = true;
+        return element;
+    }
+};
+
 /// The key of an object that a map holds: the object's first child, which is found by its place alone.
 template <class Key>
 struct CKeyField {
