@@ -34,7 +34,7 @@ static void reset(void) {
     eight = 8;
     none = 0;
     minus_one = -1;
-    memset(room, 0, sizeof room);
+    memset(room, 1, sizeof room); /* a 0 would hide that a call sets a number to 0 */
 }
 
 static void* struct_of(int64_t size) {
@@ -57,8 +57,9 @@ static void* struct_with_tail(int64_t known) {
 
 /* The call fails and changes nothing that its arguments point to. */
 static void expect_wrong(int code, int expected, const char* function, const char* argument) {
-    static const double unchanged[sizeof room / sizeof *room] = {0};
+    static double unchanged[sizeof room / sizeof *room];
     const int is_right = expected == ANY_FAILURE ? code != VX_OK && code != VX_ERROR_INTERNAL : code == expected;
+    memset(unchanged, 1, sizeof unchanged);
     if (is_right && eight == 8 && minus_one == -1 && memcmp(room, unchanged, sizeof room) == 0) return;
     ++failures;
     printf("  %s, where %s: %d instead of %d, or a change\n", function, argument, code, expected);
@@ -258,23 +259,25 @@ static void read_segment_by_segment(void) {
 static void read_damaged_and_unfinished(void) {
     vx_recording_options options = VX_RECORDING_OPTIONS_INIT;
     vx_recording* recording = NULL;
-    vx_raw* raw = NULL;
+    vx_raw *damaged = NULL, *unfinished = NULL;
     char text[100];
-    int64_t size = sizeof text;
-    options.up_to_damage = 1;
-    recording = open_recording("damaged_segments.vxd", 1, &options);
-    WORKS(vx_recording_get_damage(recording, text, &size));
-    EXPECT(strcmp(text, "Error reading Data Segment Header") == 0);
-    WORKS(vx_close(recording));
-
-    WORKS(vx_raw_open(&raw, given("unfinished.vxd")));
-    EXPECT(vx_recording_open(&recording, raw, 1, NULL) == VX_ERROR_FILE);
-    EXPECT(strcmp(error_of(recording), "The recording isn't finished.") == 0);
-    WORKS(vx_close(recording));
-    options.unfinished = 1;
-    WORKS(vx_recording_open(&recording, raw, 1, &options));
-    WORKS(vx_close(recording));
-    WORKS(vx_close(raw));
+    int i;
+    WORKS(vx_raw_open(&damaged, given("damaged_segments.vxd")));
+    WORKS(vx_raw_open(&unfinished, given("unfinished.vxd")));
+    for (i = 0; i < 4; ++i) { /* each option does its own, with and without the other */
+        int64_t size = sizeof text;
+        options.up_to_damage = i % 2;
+        options.unfinished = i / 2;
+        EXPECT(vx_recording_open(&recording, damaged, 1, &options) == (options.up_to_damage ? VX_OK : VX_ERROR_FILE));
+        EXPECT(vx_recording_get_damage(recording, text, &size) == (options.up_to_damage ? VX_OK : VX_ERROR_STATE));
+        EXPECT(strcmp(options.up_to_damage ? text : error_of(recording), "Error reading Data Segment Header") == 0);
+        WORKS(vx_close(recording));
+        EXPECT(vx_recording_open(&recording, unfinished, 1, &options) == (options.unfinished ? VX_OK : VX_ERROR_FILE));
+        EXPECT(strcmp(error_of(recording), options.unfinished ? "" : "The recording isn't finished.") == 0);
+        WORKS(vx_close(recording));
+    }
+    WORKS(vx_close(damaged));
+    WORKS(vx_close(unfinished));
 }
 
 static void report_a_failed_open(void) {
@@ -623,6 +626,8 @@ static void change_settings(void) {
     WORKS(vx_document_set_int64(settings, "PropertyRecording/ADMax", 65535));
     EXPECT(vx_document_set_int64(settings, "PropertyRecording/ADMax", 65536) == VX_ERROR_VALUE);
     EXPECT(vx_document_set_double(settings, "PropertyRecording/ADMax", 1.0) == VX_ERROR_TYPE);
+    WORKS(vx_document_set_double(settings, "PropertyRecording/VoltPerADStep", 0.1 + 0.2));
+    EXPECT(text_is(settings, "PropertyRecording/VoltPerADStep", "0.30000000000000004")); /* 17 digits */
     WORKS(vx_document_set_double(settings, "PropertyRecording/VoltPerADStep", 0.25));
     WORKS(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "B"));
     WORKS(vx_document_set_text(settings, "PropertyNotebook/Comment", "third"));
@@ -795,10 +800,13 @@ static void report_a_damaged_document(void) {
 }
 
 static void export_workbooks(void) {
-    vx_document* const results = open_document(VX_RESULTS, "xml/results.vxr");
+    vx_document* const former = open_document(VX_RESULTS, "xml/results.vxr");
+    WORKS(vx_close(former));
+    vx_document* const results = open_document(VX_RESULTS, "xml/results.vxr"); /* in the place of the former */
     vx_document* const settings = open_document(VX_SETTINGS, "xml/settings.vxs");
     const int64_t doses[] = {10};
     char start[4] = "";
+    EXPECT(vx_export(results, former, own("wrong.xls")) == VX_ERROR_HANDLE); /* not busy */
     EXPECT(vx_export(settings, results, own("wrong.xls")) == VX_ERROR_KIND);
     EXPECT(vx_export(results, results, own("wrong.xls")) == VX_ERROR_BUSY);
     EXPECT(strstr(error_of(results), "Another call is using the handle") != NULL);
@@ -806,6 +814,7 @@ static void export_workbooks(void) {
     WORKS(vx_export(results, settings, own("results.xls")));
     EXPECT(content_of(own("results.xls"), start, 4) == 4 && memcmp(start, "\xD0\xCF\x11\xE0", 4) == 0);
     EXPECT(vx_export(results, settings, own("no/such/folder.xls")) == VX_ERROR_WRITE);
+    EXPECT(strchr(error_of(results), '\n') != NULL); /* a line for each workbook: that of all wells, and of one */
     WORKS(vx_close(results));
     WORKS(vx_close(settings));
 }
