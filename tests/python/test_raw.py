@@ -109,7 +109,7 @@ def test_recordings_are_found_by_number_and_by_task():
 def test_values_are_scaled_and_windows_are_half_open():
     recording = vx.open(RUN).recordings[0]
     assert recording.values(1) == pytest.approx([(s - 32768) * 0.0002 for s in (1, 2, 3, 6)])
-    assert list(recording.samples(1, 100, 300)) == [2, 3]
+    assert list(recording.samples(1, 100, 300)) == [2, 3] and list(recording.samples(1, 100, 101)) == [2]
     assert list(recording.times(1, start=101)) == [200, 300]
     assert recording.samples(1, 200, 200).size == recording.samples(1, stop=-(2**70)).size == 0
     assert list(recording.samples(1, -(2**70), 2**70)) == [1, 2, 3, 6]
@@ -127,6 +127,9 @@ def test_gaps_and_overlaps_begin_runs_and_segments_alone_do_not(tmp_path):
     assert uneven.runs(11).tolist() == [(1000, 100, 3, 0), (9000, 100, 4, 3)]
     assert uneven.runs(13).tolist() == [(0, 50, 4, 0), (100, 50, 3, 4)]
     assert uneven.runs(13, 100, 200).tolist() == [(100, 50, 2, 0), (100, 50, 2, 2)]
+    unlisted = [uneven_files.segment(14, 100, 0, 1, 2), uneven_files.segment(14, 10, 1000, 3, 4, 5)]
+    path = uneven_files.write(tmp_path / "unlisted.vxd", ({"task": b"Series", "number": 1}, unlisted))
+    assert list(vx.open(path).recordings[0].times(14)) == [0, 100, 1000, 1010, 1020]  # each segment has its interval
     assert recording.segments().dtype.names == ("well", "samples", "time_from", "time_to", "offset")
 
 

@@ -89,6 +89,9 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
         for well, start in ((11, 5), (13, 100)):
             with pytest.raises(vx.UsageError):
                 first.write(well, start, [3])
+        with pytest.raises(vx.UsageError, match="TaskName"):
+            writer.recording(vx.RawDataRecordingHdr(TaskName="a=b"))
+        first.write(11, 20, [4])  # what is refused doesn't end the recording
         writer.recording(RECORDING)
         with pytest.raises(vx.UsageError, match="has ended"):
             first.write(11, 20, [3])
@@ -99,7 +102,7 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
             refused(writer)
     with pytest.raises(vx.UsageError, match="closed"):
         writer.recording(RECORDING)
-    assert segments_of(path) == [(11, 0, 10, [1, 2])]
+    assert segments_of(path) == [(11, 0, 10, [1, 2]), (11, 20, 20, [4])]
 
 
 def test_what_the_system_refuses_is_raised_by_the_call_that_failed(tmp_path):
