@@ -506,14 +506,21 @@ static void take_paths_as_utf8(void) {
 /* The system refuses every byte. */
 static void report_a_full_disk(void) {
     const int64_t dose = 1000;
+    const uint16_t sample = 1;
     vx_writer* writer = NULL;
     vx_document* document = NULL;
     int32_t kind;
     vx_file_header file = VX_FILE_HEADER_INIT;
+    vx_recording_header recording = VX_RECORDING_HEADER_INIT;
     WORKS(vx_writer_create(&writer, "/dev/full", VX_CREATE_REPLACE));
     EXPECT(vx_writer_write_file_header(writer, &file) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "No space left on device") != NULL);
     WORKS(vx_writer_set_list(writer, VX_RAW_PRE_QC, &dose, 1)); /* nothing new */
+    WORKS(vx_writer_set_strict(writer, 0));
+    recording.task = "Series";
+    WORKS(vx_writer_begin_recording(writer, &recording, NULL, NULL, NULL, NULL, 0));
+    EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE);
+    EXPECT(strstr(error_of(writer), "segments missing: 1") != NULL);
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);
     for (kind = VX_SETTINGS; kind <= VX_RESULTS; ++kind) {
@@ -868,23 +875,24 @@ static void plan_a_recording(void) {
     WORKS(vx_close(plan));
 }
 
-/* Counts calls; ends the work at those that `most` and `most_findings` say. Keeps the texts of the last finding. */
+/* Counts calls; ends the work at those that `most` and `most_findings` say, by returning `end`. Keeps the texts of the
+ * last finding. */
 struct counted {
-    int progress, findings, most, most_findings;
+    int progress, findings, most, most_findings, end;
     char where[300], meaning[300];
 };
-static const struct counted without_limits = {0, 0, -1, -1, "", ""};
+static const struct counted without_limits = {0, 0, -1, -1, 1, "", ""};
 static int VX_CALL count_progress(void* user, int64_t done, int64_t total) {
     struct counted* const count = (struct counted*)user;
     EXPECT(done <= total || total <= 0);
-    return ++count->progress == count->most;
+    return ++count->progress == count->most ? count->end : 0;
 }
 static int VX_CALL count_finding(void* user, int64_t offset, const char* where, const char* meaning) {
     struct counted* const count = (struct counted*)user;
     EXPECT(offset >= -1 && *where != '\0' && *meaning != '\0');
     snprintf(count->where, sizeof count->where, "%s", where);
     snprintf(count->meaning, sizeof count->meaning, "%s", meaning);
-    return ++count->findings == count->most_findings;
+    return ++count->findings == count->most_findings ? count->end : 0;
 }
 
 /* Callbacks that count, with another one for progress. */
@@ -943,6 +951,7 @@ static void check_each_kind(void) {
         WORKS(vx_close(report));
         EXPECT(count.progress > 0 && summary.is_usable);
         count.most = count.progress + 1;
+        count.end = kind % 2 == 0 ? 1 : -1;
         EXPECT(vx_verify(&report, given(files[kind]), kind, &callbacks) == VX_CANCELLED);
         WORKS(vx_close(report));
     }
@@ -1018,7 +1027,7 @@ static void check_and_recover(void) {
     remove(own("small.vxd"));
     EXPECT(vx_recover(&report, given("unfinished.vxd"), own("small.vxd"), &options, &callbacks) == VX_CANCELLED);
     WORKS(vx_close(report));
-    count.most = -1;
+    count.most = count.end = -1;
     count.most_findings = count.findings + 1;
     EXPECT(vx_recover(&report, given("damaged_segments.vxd"), own("small.vxd"), &options, &callbacks) == VX_CANCELLED);
     EXPECT(vx_report_get_summary(report, &summary) == VX_ERROR_STATE);
