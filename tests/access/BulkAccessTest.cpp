@@ -266,6 +266,8 @@ TEST_F(BulkAccessTest, CutSamplesAreCountedAndReadAsZero) {
         const CSampleSelection selection = index.Select();
         EXPECT_EQ(selection.GetWells()[0].Missing, 0U);
         EXPECT_EQ(selection.GetWells()[1].Missing, 3U);
+        EXPECT_EQ(index.Select({.From = 100}).GetWells()[1].Missing, 3U);
+        EXPECT_EQ(index.Select({.To = 0}).GetWells()[1].Missing, 0U);
         EXPECT_EQ(CReaderTwin(m_path).Difference(), "");
     }
 }

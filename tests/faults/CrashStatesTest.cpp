@@ -330,12 +330,14 @@ bool PlayKind(const CKind& kind, const std::string& folder) {
     return kind.writeError(io).empty();
 }
 
+/// Two files replace others, and a new one is in another folder.
 bool PlaySeveral(const std::string& folder) {
+    std::filesystem::create_directory(folder + "other");
     CReplacingFile files[3];
     std::vector<CReplacingFile*> all;
     for (CReplacingFile& file : files) {
         const std::string bytes(5000, static_cast<char>('a' + all.size()));
-        const std::string path = folder + bytes.front();
+        const std::string path = folder + (all.size() < 2 ? "" : "other/") + bytes.front();
         if (!file.Create(path, CReplacingFile::ERule::Replace) ||
             !file.File().Append({std::as_bytes(std::span(bytes))}))
             return false;
@@ -385,8 +387,9 @@ std::string ExploreReplacing(const CReplacing& replacing, int leftOut, int& flus
     });
     flushes = run.Flushes();
     std::string broken;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         const std::string path = entry.path().string();
+        if (entry.is_directory()) continue;
         const bool isOld =
             std::find(replacing.files.begin(), replacing.files.end(), entry.path().filename()) != replacing.files.end();
         const std::string now = ReadAll(path);
@@ -424,13 +427,13 @@ TEST(SeveralFilesTest, AFailedStepBringsBackEveryOldFileAndLeavesNoNewOne) {
     const std::string folder = temp.Path("");
     for (const char* const name : {"a", "b"})
         WriteAll(folder + name, kOld);
-    for (int at = 1; at <= 4; ++at) {  // three moves and a flush of the folder
+    for (int at = 1; at <= 5; ++at) {  // three moves, and a flush of each folder
         BeginCalls(at, {.error = EIO, .calls = "rename fsync"});
         EXPECT_FALSE(PlaySeveral(folder));
         EndCalls();
         for (const char* const name : {"a", "b"})
             EXPECT_TRUE(ReadAll(folder + name) == kOld) << name << " after a fault at " << at;
-        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2) << at;
+        EXPECT_EQ(std::distance(std::filesystem::recursive_directory_iterator(folder), {}), 3) << at;
     }
 }
 
