@@ -93,6 +93,8 @@ def test_the_catalog_names_unfinished_empty_and_missing_files_and_reads_no_more_
     table = vxfileio.dask.catalog(paths).compute()
     assert list(table.state) == ["finished", "unfinished", "unfinished", "unreadable", "unreadable", "finished"]
     assert list(table.error.fillna("")) == ["", "", "Opened file is empty.", os.strerror(2), os.strerror(21), ""]
+    for column in ("samples", "state", "error"):
+        assert vxfileio.dask.catalog(paths)[[column]].compute()[column].equals(table[column])
     monkeypatch.setattr(vx.Recording, "index", lambda self: pytest.fail("segments were read"))
     narrow = vxfileio.dask.catalog(paths)[["dose", "path"]].compute()
     assert list(narrow.columns) == ["dose", "path"] and list(narrow.dose.dropna()) == [1000, 1000, 1000]
