@@ -119,7 +119,7 @@ def test_every_public_member_is_an_attribute():
 
 def test_what_was_taken_from_a_list_stays_valid_after_it_is_replaced():
     plate = vx.open(SETTINGS).RecordPlate
-    wells = plate.Data.Wells[1:]  # the first can be taken or not
+    wells = plate.Data.Wells[1:]  # not the first
     before = [well.to_dict() for well in wells]
     for _ in range(50):
         plate.Data.Wells = [vx.PlateWell(WellID=number, Label="x" * 40) for number in range(100)]

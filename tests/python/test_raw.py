@@ -281,6 +281,10 @@ def test_representations_are_printable_and_escaped(tmp_path):
         html.encode("utf-8")
         assert "<b>" not in html
     assert "&lt;b&gt;&amp;" in run._repr_html_()
+    for count, last in ((30, "True"), (31, "and 1 more")):
+        recordings = [({"task": b"Series", "number": number}, []) for number in range(count)]
+        run = vx.open(uneven_files.write(tmp_path / "many.vxd", *recordings))
+        assert run._repr_html_().endswith(f">{last}</td></tr></tbody></table>")
 
 
 @pytest.mark.parametrize("name, kind", [("small_example.vxd", "raw"), ("xml/settings.vxs", "settings"),
