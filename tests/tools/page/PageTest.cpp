@@ -350,12 +350,14 @@ TEST_F(PlateValues, HaveNoColourIfTheyDoNotCount) {
         EXPECT_NE(page.find(cell), std::string::npos) << cell;
 }
 
-TEST_F(PlateValues, OfTheControlAreNotJoinedWithTheFirstDose) {
-    Make({"A1"}, {0, 10'000, 1'000'000});
+TEST_F(PlateValues, AreNotJoinedAfterTheControlOrAcrossADoseWithoutAMean) {
+    Make({"A1"}, {0, 10'000, 100'000, 1'000'000, 10'000'000});
+    CResultsRecording& third = results.Tasks.at(enTask::Series).Recordings[2];
+    third.Wells.at(1).SetResults(enResponseType::QTInterval, enValueType::Plain, kNaN);
     const std::string page = PlatePage(Values());
     const std::size_t begin = page.find("<path class=\"mean\"");
     const std::string path = page.substr(begin, page.find('>', begin) - begin);
-    EXPECT_EQ(std::ranges::count(path, 'M'), 2) << path;
+    EXPECT_EQ(std::ranges::count(path, 'M'), 3) << path;
     EXPECT_EQ(std::ranges::count(path, 'L'), 1) << path;
 }
 
