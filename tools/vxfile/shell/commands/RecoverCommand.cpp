@@ -94,7 +94,6 @@ class CRecoverCommand : public CCommand {
         const std::string text = m_view.labels.AddedTo(out.str());
         std::cout << text;
         if (text != out.str()) std::cout << SourceText(m_view) << '\n';
-        std::ranges::for_each(m_view.doubts, Complain);
     }
 
     /// Recovers the file. Throws `CFailure` if there is nothing to save, if the target is the file itself, or if the
@@ -118,6 +117,7 @@ class CRecoverCommand : public CCommand {
         if (m_plate.AreGiven()) RefuseUnknown(m_view, m_source, CRawScan(whole.WorkPath()).Recordings());
         m_proof = ProveSegments(m_source, whole.WorkPath());
         if (!whole.Commit()) RefuseWrite(m_target, whole.Failure());
+        std::ranges::for_each(m_view.doubts, Complain);
         return report;
     }
 
