@@ -5,12 +5,13 @@
 
 A session is a block that begins with ```console; its lines that begin with "$ " are commands, the others their output.
 Each session runs in a folder of its own that has the files below. PAGE:LINE is the session that begins in a line of a
-page. --list prints these. --update writes the real output into the pages. --sanitized skips commands that limit the
+page. --list prints them. --update writes the real output into the pages. --sanitized skips commands that limit the
 address space, because sanitizers need terabytes of it. The program's version is shown as VERSION on the pages, so that
 a release doesn't change them.
 """
 import argparse
 import concurrent.futures
+import itertools
 import os
 import pathlib
 import shutil
@@ -43,9 +44,10 @@ FILES = {
 
 def run(command, folder, programs, version):
     environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", NO_COLOR="1", LC_ALL="C.UTF-8")
-    # timeout(1) also ends processes that the shell has started.
+    # timeout(1) also ends processes that the shell has started. Its processes can't use the user's terminal: pty.spawn
+    # would wait forever if that was its input.
     done = subprocess.run(["timeout", "60", "bash", "-c", command], cwd=folder, env=environment,
-                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     output = done.stdout.decode(errors="replace").replace("\r\n", "\n")
     output = output.replace(f"vxfile {version}", "vxfile VERSION").replace(f'"vxfile": "{version}"', '"vxfile": "VERSION"')
     return output.splitlines()
@@ -80,7 +82,7 @@ class Session:
 
 
 def sessions_of(name):
-    """Returns the sessions of PAGE, or the one of PAGE:LINE."""
+    """Returns the sessions of PAGE, or the one of PAGE:LINE. Ends the program if there is none."""
     page, _, wanted = name.partition(":")
     sessions, in_session = [], False
     for number, line in enumerate(pathlib.Path(page).read_text(encoding="utf-8").splitlines(), 1):
@@ -89,27 +91,26 @@ def sessions_of(name):
         elif in_session and line != "```":
             sessions[-1].said.append(line)
         in_session = line == "```console" or (in_session and line != "```")
-    return [session for session in sessions if wanted in ("", str(session.line))]
+    chosen = [session for session in sessions if wanted in ("", str(session.line))]
+    return chosen or sys.exit(f"{name}: there is no session; --list prints them")
 
 
-def update(sessions, played):
-    """Writes what the sessions of a page print now into it."""
-    page = pathlib.Path(sessions[0].page)
+def update(session, real):
+    """Writes what the commands of a session print now into its page. Changes the numbers of later lines."""
+    page = pathlib.Path(session.page)
     lines = page.read_text(encoding="utf-8").splitlines()
-    for session, real in reversed(list(zip(sessions, played))):
-        lines[session.line:session.line + len(session.said)] = real
+    lines[session.line:session.line + len(session.said)] = real
     page.write_text("\n".join(lines) + "\n", encoding="utf-8")
 
 
 def report(session, real):
     """Prints the first line of a session that differs from what its commands print now. Returns whether one does."""
-    longest = max(len(session.said), len(real))
-    pairs = zip(session.said + [""] * (longest - len(session.said)), real + [""] * (longest - len(real)))
+    pairs = itertools.zip_longest(session.said, real, fillvalue="(nothing)")
     for number, (a, b) in enumerate(pairs, session.line + 1):
         if a != b:
             print(f"{session.page}:{number}: the page says\n    {a}\nbut the program\n    {b}")
             return True
-    return session.said != real
+    return False
 
 
 def main():
@@ -122,21 +123,23 @@ def main():
     parser.add_argument("pages", nargs="+")
     arguments = parser.parse_args()
     programs = arguments.folder.resolve()
-    pages = {page: sessions_of(page) for page in arguments.pages}
+    sessions = {str(session): session for name in arguments.pages for session in sessions_of(name)}  # each once
     if arguments.list:
-        print(*(session for sessions in pages.values() for session in sessions), sep="\n")
+        print(*sessions, sep="\n")
         return 0
     skipped = "ulimit -v" if arguments.sanitized else None
     version = version_of(programs)
-    wrong = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as threads:
-        for page, sessions in pages.items():
-            played = list(threads.map(lambda session: session.play(programs, version, skipped), sessions))
-            if arguments.update:
-                update(sessions, played)
-            else:
-                wrong += sum(report(*pair) for pair in zip(sessions, played)) or not sessions
-            print(f"{page}: {sum(line.startswith('$ ') for session in sessions for line in session.said)} commands")
+        played = threads.map(lambda session: session.play(programs, version, skipped), sessions.values())
+        pairs = list(zip(sessions.values(), played))
+    wrong = 0
+    if arguments.update:
+        for pair in sorted(pairs, key=lambda pair: pair[0].line, reverse=True):
+            update(*pair)
+    else:
+        wrong = sum(report(*pair) for pair in pairs)
+    commands = sum(line.startswith("$ ") for session in sessions.values() for line in session.said)
+    print(f"{commands} commands in {len(sessions)} sessions")
     return 1 if wrong else 0
 
 
