@@ -31,7 +31,7 @@ def problems_of(name, source, program, page, golden, faults, changes):
     has_json = re.search(r"(?m)^  --json ", told.stdout)
     if has_json and not re.search(rf"(?m)^\$ .*vxfile {name}\b.*--json\b", page + golden):
         yield f"no session in docs/vxfile.md or tests/tools/golden.md runs 'vxfile {name}' with --json"
-    if has_json and not re.search(rf"\b(Objects|object) of `{name}` ha(ve|s)\b", page):
+    if has_json and not re.search(rf"\b(Objects|object)\s+of\s+`{name}`\s+ha(ve|s)\b", page):
         yield f"docs/vxfile.md doesn't describe the object that --json prints; begin with 'Objects of `{name}` have' under JSON"
     if f"@ {COMMANDS}/{source}\n" not in faults:
         yield f"tests/mutations/faults.txt has no fault for {source}"
