@@ -94,7 +94,7 @@ class CFolderReport {
 
     std::string PathOf(const std::string& name) const { return (fs::path(m_folder) / name).string(); }
 
-    /// Returns a name for a page that no other page of this run has, also where case is ignored.
+    /// Returns a name for a page that no other page of this run has, not even with other case in ASCII letters.
     std::string FreeName(const std::string& stem) {
         std::string name = stem + ".html";
         for (int number = 2; !m_names.insert(Lowered(name)).second; ++number)
