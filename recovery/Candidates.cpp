@@ -276,7 +276,7 @@ const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
     const auto rank = [](const CCandidate& candidate) {
-        return std::pair(KnowsItsPlace(candidate), candidate.whole - candidate.damaged);
+        return std::tuple(candidate.IsWhole(), KnowsItsPlace(candidate), candidate.whole - candidate.damaged);
     };
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});

@@ -89,12 +89,16 @@ TEST(CandidatesTest, PartsOfAHeaderWithInsertedBytesAreJoined) {
 }
 
 /// Two recordings; the last segment of the first has 60 samples.
-std::string TwoRecordings() {
-    return FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4378}) +
-           SegmentHdrBytes(11, 3958, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 5900, "60") +
-           std::string(120, '\x55') + RecordingHdrBytes({.recording = 2, .data = 6838}) +
-           SegmentHdrBytes(11, 7146, 0, 300, "4") + SampleBytes(kWell11) + SegmentHdrBytes(12, -1, 0, 300, "4") +
-           SampleBytes(kWell12);
+std::string TwoRecordings(int version = 2) {
+    const std::int64_t less = version == 1 ? 50 : 0;
+    const bool hasStart = version != 1;
+    return FileHdrBytes(1190, "CompoundTest", version) +
+           RecordingHdrBytes({.data = 3650 - less, .next = 4378 - less, .hasStartTime = hasStart}) +
+           SegmentHdrBytes(11, 3958 - less, 0, 300, "4") + SampleBytes(kWell11) +
+           SegmentHdrBytes(12, -1, 0, 5900, "60") + std::string(120, '\x55') +
+           RecordingHdrBytes({.recording = 2, .data = 6838 - 2 * less, .hasStartTime = hasStart}) +
+           SegmentHdrBytes(11, 7146 - 2 * less, 0, 300, "4") + SampleBytes(kWell11) +
+           SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12);
 }
 
 struct CExplanationCase {
@@ -132,6 +136,8 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
         {"a file as samples that lost their last bytes", goesOn.erase(8200, 6), "F0 R1190 S8212 S8520 "},
         {"bytes taken out of samples before a recording", std::string(two).erase(4300, 50),
          "F0 R1190 S3650 R4328 S6788 S7096 "},
+        {"as many as the next version's header is longer", TwoRecordings(1).erase(4250, 50),
+         "F0 R1190 S3600 R4278 S6688 S6996 "},
         {"bytes taken out across the header of a recording", std::string(two).erase(4300, 2460),
          "F0 R1190 S3650 S3958 S4378! S4686 "},
     };
