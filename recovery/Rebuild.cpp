@@ -242,16 +242,15 @@ std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
     Decode(layout, old.bytes, was);
     CRawDataFileHdr now = was;
     if (now.HeaderID.empty()) now.HeaderID = kFileTypeText;
-    if (now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version) {
-        const bool lacksStart = std::ranges::any_of(found.recordings, [&](const CFoundRecording& recording) {
-            return recording.header.form != nullptr &&
-                   Layouts()[recording.header.form->layout].version < layout.version;
-        });
-        if (!old.IsLost("FileVersion"))
-            notes.push_back({.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
-                             .to = layout.version});
-        now.FileVersion = layout.version;
-    }
+    const bool isChanged =
+        now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version;
+    const bool lacksStart = std::ranges::any_of(found.recordings, [&](const CFoundRecording& recording) {
+        return recording.header.form != nullptr && Layouts()[recording.header.form->layout].version < layout.version;
+    });
+    if (!old.IsLost("FileVersion") && (isChanged || lacksStart))
+        notes.push_back({.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
+                         .to = layout.version});
+    if (isChanged) now.FileVersion = layout.version;
     return Merged(old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
 }
 
