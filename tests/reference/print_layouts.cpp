@@ -16,9 +16,16 @@ using namespace vxfileio::rawdata;
 
 template <class Value>
 std::string NameOf() {
-    if constexpr (std::is_same_v<Value, std::string>) return "text";
-    if constexpr (std::is_same_v<Value, std::vector<std::int64_t>>) return "list of int64";
-    return (std::is_unsigned_v<Value> ? "uint" : "int") + std::to_string(8 * sizeof(Value));
+    if constexpr (std::is_same_v<Value, std::string>) {
+        return "text";
+    } else if constexpr (std::is_same_v<Value, std::vector<std::int64_t>>) {
+        return "list of int64";
+    } else if constexpr (std::is_same_v<Value, double>) {
+        return "double";
+    } else {
+        static_assert(std::is_integral_v<Value>, "give the new type the name that docs/raw-data-file.md uses");
+        return (std::is_unsigned_v<Value> ? "uint" : "int") + std::to_string(8 * sizeof(Value));
+    }
 }
 
 struct CTypeOf {
