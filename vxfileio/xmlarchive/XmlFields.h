@@ -218,7 +218,7 @@ struct CKeyTextField : Field {
     }
 };
 
-/// A field that files of earlier releases lack. Checks don't miss its element.
+/// A field that files of earlier releases lack. Checks don't report its element as missing.
 template <class Field>
 struct CNewField : Field {
     constexpr explicit CNewField(const Field& field) : Field(field) {}
