@@ -30,11 +30,17 @@ static int64_t eight, none, minus_one;
 static double room[64];
 static const char* texts = "no/such/file";
 
+/* Fills an array like `room`. A 0 would hide that a call sets a number to 0, but the last byte ends it as a text. */
+static void fill(double* array) {
+    memset(array, 1, sizeof room);
+    ((char*)array)[sizeof room - 1] = 0;
+}
+
 static void reset(void) {
     eight = 8;
     none = 0;
     minus_one = -1;
-    memset(room, 1, sizeof room); /* a 0 would hide that a call sets a number to 0 */
+    fill(room);
 }
 
 static void* struct_of(int64_t size) {
@@ -59,7 +65,7 @@ static void* struct_with_tail(int64_t known) {
 static void expect_wrong(int code, int expected, const char* function, const char* argument) {
     static double unchanged[sizeof room / sizeof *room];
     const int is_right = expected == ANY_FAILURE ? code != VX_OK && code != VX_ERROR_INTERNAL : code == expected;
-    memset(unchanged, 1, sizeof unchanged);
+    fill(unchanged);
     if (is_right && eight == 8 && minus_one == -1 && memcmp(room, unchanged, sizeof room) == 0) return;
     ++failures;
     printf("  %s, where %s: %d instead of %d, or a change\n", function, argument, code, expected);
