@@ -39,6 +39,7 @@ FILES = {
     "two.vxr": "two_tasks.vxr",
     "two.vxs": "two_tasks.vxs",
     "bend": "../tools/bend.sh",
+    "poke": "../tools/poke.sh",
 }
 
 
