@@ -234,6 +234,19 @@ const CLayout& LayoutForRebuilding(CWindow& window, const CFound& found) {
     return version == 0 ? Layouts().back() : LayoutForWriting(version);
 }
 
+/// Returns the keys of the cells that recording headers of older versions get in the layout of the new file.
+std::string AddedCells(const CFound& found, const CLayout& layout) {
+    std::string keys;
+    for (const CRecordingCell& cell : layout.recording.cells) {
+        const auto lacksCell = [&](const CFoundRecording& recording) {
+            const CForm* const form = recording.header.form;
+            return form != nullptr && Layouts()[form->layout].recording.Find(cell.key) == nullptr;
+        };
+        if (std::ranges::any_of(found.recordings, lacksCell)) keys.append(keys.empty() ? "" : ", ").append(cell.key);
+    }
+    return keys;
+}
+
 /// Returns the file header of the new file. Its position isn't set yet.
 std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& layout, std::vector<CNote>& notes) {
     const CHdrCells old = OldHdr(window, found.file.form, FormOf(EKind::File, layout), found.file.Place());
@@ -244,12 +257,9 @@ std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
     if (now.HeaderID.empty()) now.HeaderID = kFileTypeText;
     const bool isChanged =
         now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version;
-    const bool lacksStart = std::ranges::any_of(found.recordings, [&](const CFoundRecording& recording) {
-        return recording.header.form != nullptr && Layouts()[recording.header.form->layout].version < layout.version;
-    });
-    if (!old.IsLost("FileVersion") && (isChanged || lacksStart))
-        notes.push_back({.kind = lacksStart ? CNote::EKind::NewVersionWithoutStart : CNote::EKind::NewVersion,
-                         .to = layout.version});
+    const std::string added = AddedCells(found, layout);
+    if (!old.IsLost("FileVersion") && (isChanged || !added.empty()))
+        notes.push_back({.kind = CNote::EKind::NewVersion, .keys = added, .to = layout.version});
     if (isChanged) now.FileVersion = layout.version;
     return Merged(old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));
 }

@@ -100,8 +100,7 @@ struct CNote {
         NoInterval,   ///< The interval of the `wells` isn't known; the header had `from`.
         NoAuxChannels,
         TooManyWells,
-        NewVersion,  ///< The version of the new file is `to`.
-        NewVersionWithoutStart,
+        NewVersion,  ///< The version of the new file is `to`. Headers of older ones got the cells `keys`.
     };
     EKind kind = EKind::Lost;
     std::string keys = {};

@@ -166,9 +166,8 @@ std::string TextOf(const CNote& note, const std::string& header) {
         case CNote::EKind::TooManyWells:
             return "not all of its wells fit into the header";
         case CNote::EKind::NewVersion:
-            return "the file is of version " + std::to_string(note.to) + " now";
-        case CNote::EKind::NewVersionWithoutStart:
-            return "the file is of version " + std::to_string(note.to) + " now, with start times of 0";
+            return "the file is of version " + std::to_string(note.to) + " now" +
+                   (note.keys.empty() ? "" : "; cells added to its headers, with their defaults: " + note.keys);
     }
     return {};
 }
