@@ -42,7 +42,7 @@ struct CFileFailure {
 ///
 /// There is no current position: every operation names its own, apart from `Append`, which knows where the file ended
 /// when it was opened for writing. Paths are narrow bytes in the caller's code page; both slashes separate folders on
-/// every host. A file that is open here may be read and written by others at the same time.
+/// every host. Threads may read from one object at once, and others may read and write the file while it is open.
 ///
 /// Nothing throws, except that opening may throw `std::bad_alloc`. A failure is a result, and the first one of opening,
 /// writing, flushing or closing is kept for later, at no cost as long as there is none.
