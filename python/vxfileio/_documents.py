@@ -184,7 +184,8 @@ class Results(_Document, _vxfileio.ResultsContent):
 
         Uses these settings, an object or a path, or else those that the results were opened with. The name of a well's
         workbook has "-" and the well's label before the extension. If any of the files exists and `overwrite` isn't
-        set, raises `FileExistsError` and writes nothing.
+        set, raises `FileExistsError` and writes nothing. Workbooks that can't be written cause an error only after the
+        others were written.
         """
         known = settings_of(settings) or self.settings
         if known is None:
@@ -194,8 +195,8 @@ class Results(_Document, _vxfileio.ResultsContent):
                 stack.enter_context(_reserved(os.fsdecode(other), overwrite))
             name = stack.enter_context(_reserved(path, overwrite))
             error = _vxfileio.write_workbooks(self, known, name)
-            if error:
-                raise refusal(error, os.fsdecode(path)) or FileError(errno.EIO, error, os.fsdecode(path))
+        if error:
+            raise refusal(error, os.fsdecode(path)) or FileError(errno.EIO, error, os.fsdecode(path))
 
     def __repr__(self) -> str:
         tasks = ", ".join(f"{name} with {len(task.Recordings)} recordings" for name, task in self.Tasks.items())

@@ -89,15 +89,17 @@ def test_the_catalog_has_a_row_for_each_recording_and_for_each_bad_file(plates):
 
 def test_the_catalog_names_unfinished_empty_and_missing_files_and_reads_no_more_than_is_asked(tmp_path, monkeypatch):
     paths = [REFERENCE / "unfinished.vxd", REFERENCE / "no_recordings.vxd", tmp_path / "none.vxd", tmp_path,
-             REFERENCE / "small_example.vxd"]
+             REFERENCE / "small_example.vxd", REFERENCE / "cut_samples.vxd"]
     table = vxfileio.dask.catalog(paths).compute()
-    assert list(table.state) == ["finished", "unfinished", "unfinished", "unreadable", "unreadable", "finished"]
-    assert list(table.error.fillna("")) == ["", "", "Opened file is empty.", os.strerror(2), os.strerror(21), ""]
+    assert list(table.state) == ["finished", "unfinished", "unfinished", "unreadable", "unreadable", "finished",
+                                 "damaged"]
+    assert list(table.error.fillna("")) == ["", "", "Opened file is empty.", os.strerror(2), os.strerror(21), "",
+                                            "3 samples are beyond the end of the file"]
     for column in ("samples", "state", "error"):
         assert vxfileio.dask.catalog(paths)[[column]].compute()[column].equals(table[column])
     monkeypatch.setattr(vx.Recording, "index", lambda self: pytest.fail("segments were read"))
     narrow = vxfileio.dask.catalog(paths)[["dose", "path"]].compute()
-    assert list(narrow.columns) == ["dose", "path"] and list(narrow.dose.dropna()) == [1000, 1000, 1000]
+    assert list(narrow.columns) == ["dose", "path"] and list(narrow.dose.dropna()) == [1000] * 4
 
 
 @pytest.mark.parametrize("scheduler", ["synchronous", "threads", "processes"])
@@ -170,11 +172,14 @@ def test_responses_of_all_plates_and_their_errors(plates):
         assert rows.value.tolist() == expected.value.tolist() and rows.well.tolist() == expected.well.tolist()
 
 
-def test_a_pattern_finds_files_in_order_and_no_file_makes_an_empty_table(plates):
+def test_a_pattern_finds_files_in_order_and_no_file_makes_an_empty_table(plates, tmp_path):
     folder = pathlib.Path(plates[0][0]).parents[1]
     assert list(vxfileio.dask.catalog(folder / "**" / "*.vxd")[["path"]].compute().path.unique()) == plates[0]
     assert len(vxfileio.dask.catalog([]).compute()) == 0
     assert vxfileio.dask.catalog(folder / "*.none").compute().state.tolist() == ["unreadable"]
+    for name in ("run1.vxd", "run[1].vxd"):
+        (tmp_path / name).touch()
+    assert vxfileio.dask.catalog(tmp_path / "run[1].vxd").compute().path.tolist() == [str(tmp_path / "run[1].vxd")]
 
 
 # ---- Arrays ----------------------------------------------------------------------------------------------------------

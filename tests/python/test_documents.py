@@ -125,6 +125,7 @@ def test_what_was_taken_from_a_list_stays_valid_after_it_is_replaced():
         plate.Data.Wells = [vx.PlateWell(WellID=number, Label="x" * 40) for number in range(100)]
     gc.collect()
     assert [well.to_dict() for well in wells] == before
+    assert plate.Data.to_dict()["Wells"] == tuple(well.to_dict() for well in plate.Data.Wells)
     wells[0].Label = "changed"
     assert plate.Data.Wells[0].Label == "x" * 40
 
@@ -201,6 +202,10 @@ def test_bools_and_words_are_strict():
     assert plate.Layout is vx.PlateLayout.L8x12 and plate.Layout == "8x12" and plate.Layout.number == 1
     with pytest.raises(ValueError):
         plate.Layout = "9x9"
+    for layout, columns in (("8x12", 12), ("Ostrel6x9", 9)):
+        made = vx.PropRecordPlate(Data=vx.PlateData(Layout=layout))
+        made.BuildPlateMap()
+        assert len(made.Map.ColumnLabels) == columns
 
 
 def test_bytes_that_are_not_utf8_survive(tmp_path):
@@ -286,7 +291,7 @@ def test_dose_texts_have_the_largest_unit_without_a_fraction():
     assert [vx.dose_text(dose) for dose in (np.uint64(2**63), np.int64(-5))] == ["9223372036854775808 pM", "-5 pM"]
     with pytest.raises(TypeError, match="as an integer"):
         vx.dose_text(1.5)
-    with pytest.raises(ValueError, match="not 18446744073709551616"):
+    with pytest.raises(ValueError, match="to 18446744073709551615, not 18446744073709551616"):
         vx.dose_text(2**64)
 
 
@@ -357,9 +362,12 @@ def test_the_names_of_workbooks_are_those_of_the_library(tmp_path):
     (tmp_path / "-A1").touch()
     with pytest.raises(FileExistsError, match="-A1"):
         vx.open(RESULTS).export(tmp_path / ".xls", settings)
-    with pytest.raises(vx.FileError, match="Not the name of a file"):
-        vx.open(RESULTS).export(tmp_path / ".xls", settings, overwrite=True)
-    assert {path.name for path in tmp_path.iterdir()} == {".xls", "-A1"}
+    for overwrite in (False, True):
+        for path in tmp_path.iterdir():
+            path.write_bytes(b"old") if overwrite else path.unlink()
+        with pytest.raises(vx.FileError, match="Not the name of a file"):
+            vx.open(RESULTS).export(tmp_path / ".xls", settings, overwrite=overwrite)
+        assert {path.name: path.stat().st_size > 1000 for path in tmp_path.iterdir()} == {".xls": True, "-A1": True}
 
 
 def test_damaged_documents_are_errors_unless_partial(tmp_path):

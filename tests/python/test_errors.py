@@ -127,12 +127,14 @@ def test_an_interrupt_ends_a_read_in_the_middle(tmp_path):
     room = np.full(size, -1.0)
 
     def interrupt(*_):
-        raise KeyboardInterrupt
+        if room[0] == 0:  # the read has begun
+            signal.setitimer(signal.ITIMER_REAL, 0)
+            raise KeyboardInterrupt
 
     handler = signal.signal(signal.SIGALRM, interrupt)
     try:
         with pytest.raises(KeyboardInterrupt):
-            signal.setitimer(signal.ITIMER_REAL, 0.02)
+            signal.setitimer(signal.ITIMER_REAL, 0.005, 0.005)
             recording.read(scaled=True, out={1: room})
     finally:
         signal.setitimer(signal.ITIMER_REAL, 0)

@@ -11,7 +11,8 @@ import vxfileio as vx
 from conftest import files_of_at_most
 
 HEADER = vx.RawDataFileHdr(HeaderID="OVL Vexaprobe 2", FileVersion=3, PlateID="P1", CompoundName="C")
-CHANNELS = [vx.RawDataChannelInfo(ID=well, ADZero=32768, UnitsPerAD=0.0002, Ticks=ticks) for well, ticks in ((11, 10), (12, 20))]
+LONG = 2**31 - 1  # the longest interval
+CHANNELS = [vx.RawDataChannelInfo(ID=well, ADZero=32768, UnitsPerAD=0.0002, Ticks=ticks) for well, ticks in ((11, 10), (12, LONG))]
 RECORDING = vx.RawDataRecordingHdr(TaskName="Series", Recording=1, Dose=1000, WellChannels=CHANNELS)
 
 
@@ -27,14 +28,14 @@ def test_written_segments_are_read_by_the_second_reader(tmp_path):
             recording.write(11, 0, np.array([1, 2, 65535], np.uint16))
             meanwhile = vx.open(path, unfinished=True).recordings[0]
             assert list(meanwhile.samples(11)) == [1, 2, 65535]
-            writer.write(12, -2**63, [7, 65535])
+            writer.write(12, -2**63, [7, 65535, 8, 9])
             recording.write(11, 30, np.arange(10, dtype=np.int64)[::-2])
         writer.update_header("PreQC", [7, -1])
         writer.flush()
         assert len(meanwhile.samples(11)) == 3
         meanwhile.refresh()
         assert len(meanwhile.samples(11)) == 8
-    assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 20 - 2**63, [7, 65535]),
+    assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 3 * LONG - 2**63, [7, 65535, 8, 9]),
                                  (11, 30, 70, [9, 7, 5, 3, 1])]
     with read_vxd.RawDataFile(path) as file:
         header, recording = file.header, file.recordings[0]
@@ -42,7 +43,7 @@ def test_written_segments_are_read_by_the_second_reader(tmp_path):
         b"OVL Vexaprobe 2", 3, b"P1", b"C", [7, -1]]
     assert (recording.fields["TaskName"], recording.fields["Dose"]) == (b"Series", 1000)
     assert [(well.id, well.ad_zero, well.units_per_ad, well.ticks) for well in recording.wells] == [
-        (11, 32768, 0.0002, 10), (12, 32768, 0.0002, 20)]
+        (11, 32768, 0.0002, 10), (12, 32768, 0.0002, LONG)]
 
 
 def test_an_existing_file_is_never_overwritten_unless_asked(tmp_path):
