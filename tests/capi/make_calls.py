@@ -41,7 +41,7 @@ def arguments_of(parameter, following, handles):
         return f"({base}*)room", [("NULL", None)]
     if stars == 1:
         good = f"({base}*)struct_of(sizeof({base}))"
-        wrong = [(f"({base}*)struct_of({size})", None) for size in ("0", "-1", "7", "5000")]
+        wrong = [(f"({base}*)struct_of({size})", None) for size in ("0", "-1", "7", "4097")]
         if kind.startswith("const"):
             wrong.append((f"({base}*)struct_with_tail(sizeof({base}))", "VX_ERROR_STRUCT"))
         return good, wrong + ([] if name in ("options", "callbacks") else [("NULL", None)])
