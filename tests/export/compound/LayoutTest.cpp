@@ -27,7 +27,7 @@ Numbers ExpectedMarks(std::size_t size) {
 TEST_F(LayoutTest, StreamsOfEverySizeHaveTheExpectedLayout) {
     constexpr std::size_t kFullFat = 126 * kSector;                  // sectors 2 to 127
     constexpr std::size_t kFullHeader = 7087104;                     // 109 FAT sectors
-    constexpr std::size_t kFullDifat = (236 * 128 - 238) * kSector;  // 236 FAT sectors, one of the DIFAT, the directory
+    constexpr std::size_t kFullDifat = (363 * 128 - 366) * kSector;  // 363 FAT sectors, two of the DIFAT, the directory
     const std::vector<std::size_t> borders = {1,           64,
                                               512,         4032,
                                               4096,        4608,
