@@ -197,6 +197,7 @@ void CRecordsJudge::JudgeSheet(const CSheetName& sheet, bool isFirst) {
     if (sheet.position != m_position)
         Add(m_position, "a sheet that BoundSheet places at " + std::to_string(sheet.position),
             std::to_string(m_position), "Spreadsheet programs look for the sheet in the wrong place.");
+    m_run.reset();
     ExpectExactly(YExcel::BOF{.type = YExcel::BOF::kSheet});
     const auto index = Expect(YExcel::Index::kCode);
     const auto dimensions = Expect(YExcel::Dimensions::kCode);
