@@ -347,6 +347,7 @@ TEST_F(Seals, OfAnyLengthAreReadWhereverTheirLinesEnd) {
         WriteAll(m_seal, sealWith(nameSize));
         EXPECT_EQ(Check(bytes), EState::Changed) << nameSize;
         EXPECT_EQ(m_findings.Count(), 1U) << "only the SHA-256 differs";
+        EXPECT_EQ(Check(bytes + 'x'), EState::Changed) << "the same where the file grew";
     }
 }
 
