@@ -74,7 +74,7 @@ TEST(FileKind, FollowsFromTheFirstBytes) {
              {"<Vexaprobe><Settings>", "settings"},
              {"\xEF\xBB\xBF \r\n<Vexaprobe>\n<Results ", "results"},
              {"<Vexaprobe><SettingsX>", "unknown"},
-             {"<Vexaprobe>Settings<Results/>", "results"},
+             {"<Vexaprobe>Settings Results<Results/>", "results"},
              {"<Other><FileType>VXResults</FileType>", "results"},
              {"<Other><FileType>VXSettings</FileType>", "settings"},
              {"text <Settings>", "unknown"},
