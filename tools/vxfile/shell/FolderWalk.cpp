@@ -59,7 +59,7 @@ class CFolderWalk {
         }
         if (error)
             m_content.entries.push_back({folder.string(), "Can't look into the folder " + folder.string() + ": " +
-                                                              error.message() + "; its files weren't checked."});
+                                                              error.message() + "; its files are left out."});
     }
 
     void Take(const fs::directory_entry& entry) {

@@ -157,7 +157,7 @@ CCells CellsOf(const CCatalogEntry& entry) {
     const auto recordings = static_cast<std::int64_t>(entry.recordings.size());
     return {entry.path,
             entry.kind.empty() ? CCell() : CCell(entry.kind),
-            entry.stamp.size,
+            entry.stamp.modified.empty() ? CCell() : CCell(entry.stamp.size),
             TextOrMissing(entry.stamp.modified),
             TextOrMissing(entry.guid),
             TextOrMissing(entry.plate),

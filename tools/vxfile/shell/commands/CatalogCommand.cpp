@@ -44,6 +44,12 @@ constexpr CCommandText kCatalogText = {
         "  2  some files or folders can't be read, or there are none",
 };
 
+/// Returns whether this is a file, which has a stamp, or may be one, as the system refuses to say what it is.
+bool MayBeFile(const std::string& path, const CStamp& stamp) {
+    std::error_code none;
+    return !stamp.modified.empty() || fs::status(path, none).type() == fs::file_type::none;
+}
+
 class CCatalogCommand : public CCommand {
  public:
     const CCommandText& Text() const override { return kCatalogText; }
@@ -101,13 +107,13 @@ class CCatalogCommand : public CCommand {
                 continue;
             }
             m_folders.push_back(path.string());
-            for (auto& entry : WalkFolder(path.string()).entries)
+            for (auto& entry : WalkFolder(path.string()).entries) {
+                if (!entry.failure.empty()) Complain(entry.failure);
                 (entry.failure.empty() ? m_paths : m_unreadable).push_back(entry.path);
+            }
         }
         std::ranges::sort(m_paths);
         m_paths.erase(std::unique(m_paths.begin(), m_paths.end()), m_paths.end());
-        for (const auto& folder : m_unreadable)
-            Complain("Can't look into the folder " + folder + "; the catalogue lacks its files.");
         m_states[std::string(kUnreadable)] = m_unreadable.size();
         if (m_paths.empty() && m_unreadable.empty())
             throw CFailure(m_arguments.front() + " has no file of a known kind.");
@@ -123,7 +129,7 @@ class CCatalogCommand : public CCommand {
             paths.size(), threads == 0 ? processors : threads, [&](std::size_t i) { return ScanFile(paths[i]); },
             [&](std::size_t i, CCatalogEntry entry) {
                 progress.Reach(static_cast<std::int64_t>(i));
-                if (!entry.stamp.modified.empty()) put(entry);
+                if (MayBeFile(paths[i], entry.stamp)) put(entry);
             });
     }
 
@@ -170,7 +176,7 @@ class CCatalogCommand : public CCommand {
         std::vector<std::string> changed;
         for (auto& path : m_paths) {
             const CStamp stamp = StampOf(path);
-            if (!stamp.modified.empty() && !store->IsKnown(PathText(path), stamp)) changed.push_back(std::move(path));
+            if (MayBeFile(path, stamp) && !store->IsKnown(PathText(path), stamp)) changed.push_back(std::move(path));
         }
         std::uint64_t put = 0;
         Scan(changed, [&](const CCatalogEntry& entry) {
