@@ -258,7 +258,7 @@ std::string RebuildFileHdr(CWindow& window, const CFound& found, const CLayout& 
     const bool isChanged =
         now.FileVersion < kOldestWrittenVersion || LayoutOf(now.FileVersion).version != layout.version;
     const std::string added = AddedCells(found, layout);
-    if (!old.IsLost("FileVersion") && (isChanged || !added.empty()))
+    if (!added.empty() || (isChanged && !old.IsLost("FileVersion")))
         notes.push_back({.kind = CNote::EKind::NewVersion, .keys = added, .to = layout.version});
     if (isChanged) now.FileVersion = layout.version;
     return Merged(old, Encoded(layout, was, layout.file.size), Encoded(layout, now, layout.file.size));

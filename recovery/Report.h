@@ -100,7 +100,7 @@ struct CNote {
         NoInterval,   ///< The interval of the `wells` isn't known; the header had `from`.
         NoAuxChannels,
         TooManyWells,
-        NewVersion,  ///< The version of the new file is `to`. Headers of older ones got the cells `keys`.
+        NewVersion,  ///< The version of the new file is `to`. Recording headers of older ones got `keys`.
     };
     EKind kind = EKind::Lost;
     std::string keys = {};

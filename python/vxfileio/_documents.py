@@ -66,11 +66,10 @@ def _reserved(path: Path, overwrite: bool) -> Iterator[bytes]:
     os.close(os.open(path, os.O_WRONLY | os.O_CREAT | os.O_EXCL, 0o666))
     try:
         yield name
-    except BaseException:
-        os.unlink(path)
-        raise
-    if os.path.getsize(path) == 0:
-        os.unlink(path)
+    finally:
+        with contextlib.suppress(FileNotFoundError):
+            if os.path.getsize(path) == 0:
+                os.unlink(path)
 
 
 class Settings(_Document, _vxfileio.SettingsContent):
@@ -184,8 +183,8 @@ class Results(_Document, _vxfileio.ResultsContent):
 
         Uses these settings, an object or a path, or else those that the results were opened with. The name of a well's
         workbook has "-" and the well's label before the extension. If any of the files exists and `overwrite` isn't
-        set, raises `FileExistsError` and writes nothing. Workbooks that can't be written cause an error only after the
-        others were written.
+        set, raises `FileExistsError` and writes nothing. If some can't be written, the others are, and stay; then the
+        error is raised, and another try needs `overwrite`.
         """
         known = settings_of(settings) or self.settings
         if known is None:

@@ -1066,8 +1066,8 @@ static void count_every_remark(void) {
     WORKS(vx_close(report));
 }
 
-/* Only the handles that are open at once are limited in number, to nearly 2^20. A closed one never comes back, and one
- * that stays open, as those of every 500th document here, can still be used. */
+/* Only the handles that are open at once are limited in number, to nearly 2^20. A closed one never comes back. Every
+ * 500th document stays open here, and can still be closed at the end. */
 static void make_a_million_handles(void) {
     static vx_document* kept[2200];
     const void* first = NULL;

@@ -167,7 +167,8 @@ std::string TextOf(const CNote& note, const std::string& header) {
             return "not all of its wells fit into the header";
         case CNote::EKind::NewVersion:
             return "the file is of version " + std::to_string(note.to) + " now" +
-                   (note.keys.empty() ? "" : "; cells added to its headers, with their defaults: " + note.keys);
+                   (note.keys.empty() ? ""
+                                      : "; cells added to its recording headers, with their defaults: " + note.keys);
     }
     return {};
 }
