@@ -68,6 +68,8 @@ void SetPosition(const auto& layout, std::string_view key, std::int64_t position
     EncodePosition(key, position, std::span(header).subspan(cell.offset, cell.width));
 }
 
+void AppendKey(std::string& list, std::string_view key) { list.append(list.empty() ? "" : ", ").append(key); }
+
 /// Adds a note for each kind of damage.
 void NoteDamage(const CHdrCells& cells, std::vector<CNote>& notes) {
     std::map<CNote::EKind, std::string> keys;
@@ -79,8 +81,7 @@ void NoteDamage(const CHdrCells& cells, std::vector<CNote>& notes) {
                           : !cells.lost[row] ? CNote::EKind::Legible
                           : isRestored       ? CNote::EKind::Restored
                                              : CNote::EKind::Lost;
-        std::string& list = keys[kind];
-        list.append(list.empty() ? "" : ", ").append(key.empty() ? "the mark" : key);
+        AppendKey(keys[kind], key.empty() ? "the mark" : key);
     }
     for (auto& [kind, list] : keys)
         notes.push_back({.kind = kind, .keys = std::move(list)});
@@ -242,7 +243,7 @@ std::string AddedCells(const CFound& found, const CLayout& layout) {
             const CForm* const form = recording.header.form;
             return form != nullptr && Layouts()[form->layout].recording.Find(cell.key) == nullptr;
         };
-        if (std::ranges::any_of(found.recordings, lacksCell)) keys.append(keys.empty() ? "" : ", ").append(cell.key);
+        if (std::ranges::any_of(found.recordings, lacksCell)) AppendKey(keys, cell.key);
     }
     return keys;
 }
