@@ -235,8 +235,11 @@ def test_saving_a_text_that_a_nul_cuts_warns(tmp_path):
 def test_pickling_keeps_everything_and_what_was_changed(path):
     document = vx.open(path)
     document.Header.Guid = "changed"
-    for copied in (copy.deepcopy(document), pickle.loads(pickle.dumps(document)), pickle.loads(pickle.dumps(document, 0))):
+    for copied in (copy.copy(document), copy.deepcopy(document), pickle.loads(pickle.dumps(document)),
+                   pickle.loads(pickle.dumps(document, 0))):
         assert twin_of(copied) == twin_of(document) and copied == document and copied.path == document.path
+        copied.path = "elsewhere"
+        assert document.path == str(path)
     section = vx.open(SETTINGS).RecordPlate
     assert pickle.loads(pickle.dumps(section)).to_dict() == section.to_dict()
 

@@ -269,6 +269,11 @@ def test_datasets_share_dimensions_of_equal_times(tmp_path):
         named = vx.open(RUN, settings=settings).recordings[0].to_xarray([1, 2])
         assert [(name, named[name].attrs["well"]) for name in named] == list(zip(names, (1, 2)))
     assert len(vx.open(RUN).recordings[3].to_xarray()) == 0
+    path = uneven_files.write(tmp_path / "gaps.vxd", ({}, [
+        uneven_files.segment(11, 100, 0, 1, 2), uneven_files.segment(11, 100, 400, 3),
+        uneven_files.segment(12, 100, 0, 4), uneven_files.segment(12, 100, 300, 5, 6)]))
+    data = vx.open(path).recordings[0].to_xarray([11, 12], scaled=False)
+    assert data["time"].values.tolist() == [0, 100, 400] and data["time_2"].values.tolist() == [0, 300, 400]
 
 
 def test_representations_are_printable_and_escaped(tmp_path):

@@ -59,7 +59,7 @@ def test_an_existing_file_is_never_overwritten_unless_asked(tmp_path):
     assert vx.kind_of(path) == "raw"
 
 
-@pytest.mark.parametrize("samples", [[0.5], [-1], [65536], [], [[1]], ["a"], 5])
+@pytest.mark.parametrize("samples", [[0.5], [-1], [65536], np.array([65536], np.uint32), [], [[1]], ["a"], 5])
 def test_samples_that_would_change_are_refused(samples, tmp_path):
     with vx.RawWriter(tmp_path / "run.vxd", HEADER) as writer, writer.recording(RECORDING) as recording:
         with pytest.raises(vx.UsageError) as raised:
