@@ -9,7 +9,7 @@ error if the text no longer occurs or the fault doesn't compile: the list must b
 notices.
 
 First all faults that can have a guard are built together, and each is tried with the tests that reach it. The others,
-and those that no test has noticed, are then planted alone.
+and those that no test has noticed, "(not yet)", are then planted alone.
 """
 
 import collections
@@ -116,6 +116,11 @@ def command_of(folder, program):
     return ["/usr/bin/python3", *(word.format(folder) for word in words)]
 
 
+def tell(who, fault):
+    """Prints who noticed a fault."""
+    print("%-16s %s" % (who, fault), flush=True)
+
+
 def ends_with_0(folder, command, **variables):
     """Runs a command in the copy of the sources. Returns whether it ends with 0, and in time."""
     with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as scratch:
@@ -139,12 +144,13 @@ class Test:
         self.seconds, self.reached = 0.0, bytes()
 
     def measure(self, folder):
-        """Measures how long it takes and which faults it reaches."""
+        """Measures how long it takes and which faults it reaches. Ends the program if it fails without a fault."""
         with tempfile.NamedTemporaryFile() as file:
             file.write(bytes(guards.SIZE))
             file.flush()
             begin = time.monotonic()
-            ends_with_0(folder, self.command, **{guards.REACHED: file.name})
+            if not ends_with_0(folder, self.command, **{guards.REACHED: file.name}):
+                raise SystemExit("must pass without a fault: " + " ".join(self.command))
             self.seconds = time.monotonic() - begin
             self.reached = pathlib.Path(file.name).read_bytes()
 
@@ -240,9 +246,6 @@ def build_guarded(folder, faults, programs):
 def noticed_with_guards(folder, faults, programs):
     """Returns the numbers of the faults that were noticed while they were planted together."""
     planted = build_guarded(folder, faults, programs)
-    for program in programs:
-        if not ends_with_0(folder, command_of(folder, program)):
-            sys.exit(program + " must pass without a fault")
     tests = [test for program in programs for test in tests_of(folder, program)]
 
     def is_noticed(number):
@@ -250,8 +253,9 @@ def noticed_with_guards(folder, faults, programs):
         for test in sorted(reaching, key=lambda test: test.seconds):
             fails = not ends_with_0(folder, test.command, **{guards.PLANTED: str(number)})
             if fails and ends_with_0(folder, test.command):  # it doesn't fail by chance
-                print("%-16s %s" % (test.program, faults[number]), flush=True)
+                tell(test.program, faults[number])
                 return True
+        tell("(not yet)", faults[number])
         return False
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as threads:
@@ -270,9 +274,9 @@ def is_noticed_alone(folder, fault):
             if messages:
                 sys.exit("%s\ndoesn't compile: %s" % (messages, fault))
             if not ends_with_0(folder, command_of(folder, program)):
-                print("%-16s %s" % (program, fault), flush=True)
+                tell(program, fault)
                 return True
-        print("%-16s %s" % ("NOT NOTICED", fault), flush=True)
+        tell("NOT NOTICED", fault)
         return False
     finally:
         path.write_text(before)
