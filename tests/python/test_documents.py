@@ -4,6 +4,7 @@ import copy
 import gc
 import pickle
 import re
+import sys
 import warnings
 
 import numpy as np
@@ -189,6 +190,8 @@ def test_values_of_another_type_are_refused(name, value, error):
     with pytest.raises(error):
         setattr(config, name, value)
     assert config.to_dict() == before
+    with pytest.raises(error):
+        vx.RobotConfig(**{name: value})
 
 
 def test_bools_and_words_are_strict():
@@ -200,8 +203,9 @@ def test_bools_and_words_are_strict():
     assert analyzer.FPfastAutoAdjust is False
     plate.Layout = "8x12"
     assert plate.Layout is vx.PlateLayout.L8x12 and plate.Layout == "8x12" and plate.Layout.number == 1
-    with pytest.raises(ValueError):
-        plate.Layout = "9x9"
+    for word in ("9x9", ""):
+        with pytest.raises(ValueError):
+            plate.Layout = word
     for layout, columns in (("8x12", 12), ("Ostrel6x9", 9)):
         made = vx.PropRecordPlate(Data=vx.PlateData(Layout=layout))
         made.BuildPlateMap()
@@ -281,6 +285,16 @@ def test_tables_have_the_texts_of_the_objects(tmp_path):
     row = results.responses.iloc[0]
     assert row["label"] == "A\udcb5"
     assert results.Tasks[row["task"]].Recordings[0].Wells[row["well"]].WellLabel == row["label"]
+
+
+def test_tables_give_their_texts_back():
+    results = vx.open(RESULTS)
+    label = results.responses["label"][0]
+    before = sys.getallocatedblocks()
+    for _ in range(100):
+        assert results.responses["label"][0] == label
+    gc.collect()
+    assert sys.getallocatedblocks() - before < 100
 
 
 def test_tables_of_nothing_have_their_columns():

@@ -1,9 +1,12 @@
 """Failures, row by row, and what happens to them on their way to Python."""
 
 import concurrent.futures
+import contextlib
 import errno
 import os
+import re
 import signal
+import time
 
 import numpy as np
 import pytest
@@ -116,6 +119,24 @@ def test_exceptions_can_be_pickled():
     assert (damaged.errno, damaged.filename) == (74, "run.vxd")
 
 
+@contextlib.contextmanager
+def interrupted(is_due):
+    """Within it, a Ctrl-C comes as soon as `is_due()`, and is expected."""
+    def interrupt(*_):
+        if is_due():
+            signal.setitimer(signal.ITIMER_REAL, 0)
+            raise KeyboardInterrupt
+
+    handler = signal.signal(signal.SIGALRM, interrupt)
+    try:
+        with pytest.raises(KeyboardInterrupt):
+            signal.setitimer(signal.ITIMER_REAL, 0.005, 0.005)
+            yield
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, handler)
+
+
 def test_an_interrupt_ends_a_read_in_the_middle(tmp_path):
     path, size = tmp_path / "run.vxd", 50_000_000
     channel = vx.RawDataChannelInfo(ID=1, ADZero=0, UnitsPerAD=1, Ticks=1)
@@ -126,21 +147,27 @@ def test_an_interrupt_ends_a_read_in_the_middle(tmp_path):
     recording.index()
     room = np.full(size, -1.0)
 
-    def interrupt(*_):
-        if room[0] == 0:  # the read has begun
-            signal.setitimer(signal.ITIMER_REAL, 0)
-            raise KeyboardInterrupt
-
-    handler = signal.signal(signal.SIGALRM, interrupt)
-    try:
-        with pytest.raises(KeyboardInterrupt):
-            signal.setitimer(signal.ITIMER_REAL, 0.005, 0.005)
-            recording.read(scaled=True, out={1: room})
-    finally:
-        signal.setitimer(signal.ITIMER_REAL, 0)
-        signal.signal(signal.SIGALRM, handler)
+    with interrupted(lambda: room[0] == 0):  # the read has begun
+        recording.read(scaled=True, out={1: room})
     assert room[-1] == -1
     assert list(recording.samples(1, 0, 2)) == [0, 0]
+
+
+@pytest.mark.skipif(not os.path.isdir("/proc/self/task"), reason="the system doesn't list threads")
+def test_a_document_is_read_to_its_end_in_vain_after_an_interrupt(tmp_path):
+    def threads():
+        return len(os.listdir("/proc/self/task"))
+
+    well = re.search(b"<Well>.*?</Well>", (REFERENCE / "xml" / "settings.vxs").read_bytes()).group()
+    path, before = tmp_path / "large.vxs", threads()
+    path.write_bytes((REFERENCE / "xml" / "settings.vxs").read_bytes().replace(well, well * 200_000, 1))
+    with interrupted(lambda: threads() > before):
+        vx.Settings.read(path)
+    deadline = time.monotonic() + 60
+    while threads() > before:
+        assert time.monotonic() < deadline
+        time.sleep(0.01)
+    assert vx.Settings.read(REFERENCE / "xml" / "settings.vxs").RecordPlate.Data.Wells[0].Label == "A1"
 
 
 def test_the_interpreter_survives_a_thousand_failures(open_files):

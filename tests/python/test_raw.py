@@ -90,7 +90,10 @@ def test_header_has_every_cell(make, tmp_path):
             assert recording.header.RecordingStartTime == expected.fields["RecordingStartTime"]
 
 
-def test_recordings_are_found_by_number_and_by_task():
+def test_recordings_are_found_by_number_and_by_task(tmp_path):
+    path = uneven_files.write(tmp_path / "task.vxd", ({"task": b"\xff", "number": 3}, []))
+    run = vx.open(path)
+    assert run.recordings["\udcff", 3] is run.recordings[run.recordings[0].task, 3] is run.recordings[0]
     run = vx.open(RUN)
     assert run.recordings["Series", 2147483647] is run.recordings[2] is run.recordings[-2]
     assert [r.task for r in run.recordings[:2]] == ["PreQC", "CompoundTest"]
@@ -193,6 +196,9 @@ def test_damaged_recording_is_read_up_to_the_damage_on_request():
         for one in (run, copy.deepcopy(run)):
             assert one.recordings[0].damage == "Error reading Data Segment Header"
             assert one.recordings[0].segments().size > 0
+    for unfinished in (False, True):
+        with pytest.raises(vx.DamagedFileError):
+            vx.open(REFERENCE / "circle_of_segments.vxd", unfinished=unfinished).recordings[0].segments()
 
 
 def test_missing_samples_are_reported_where_they_are_read():
