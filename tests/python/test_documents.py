@@ -290,6 +290,7 @@ def test_tables_have_the_texts_of_the_objects(tmp_path):
 def test_tables_give_their_texts_back():
     results = vx.open(RESULTS)
     label = results.responses["label"][0]
+    gc.collect()
     before = sys.getallocatedblocks()
     for _ in range(100):
         assert results.responses["label"][0] == label
