@@ -531,6 +531,8 @@ static void report_a_full_disk(void) {
     WORKS(vx_writer_begin_recording(writer, &recording, NULL, NULL, NULL, NULL, 0));
     EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "segments missing: 1") != NULL);
+    EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE); /* also if the report is as long */
+    EXPECT(strstr(error_of(writer), "segments missing: 2") != NULL);
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);
     for (kind = VX_SETTINGS; kind <= VX_RESULTS; ++kind) {
@@ -664,6 +666,7 @@ static void change_settings(void) {
     EXPECT(vx_document_set_int64(settings, mark, 4) == VX_ERROR_VALUE); /* there are four marks */
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
+    EXPECT(vx_document_insert(settings, "PropertyQualityCheck/QualityChecks/postQC") == VX_ERROR_VALUE);
     WORKS(vx_document_save(settings, copy, -1));
     EXPECT(text_is(settings, analyzed, "133512191990000000"));
     EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_ARGUMENT);
@@ -859,6 +862,7 @@ static vx_plan* make_plan(int64_t count) {
 
 static void plan_a_recording(void) {
     vx_plan* plan = make_plan(100);
+    vx_recording_header header = VX_RECORDING_HEADER_INIT;
     vx_plan_result result = VX_PLAN_RESULT_INIT;
     vx_plan_cell cell = VX_PLAN_CELL_INIT;
     char text[200];
@@ -882,6 +886,13 @@ static void plan_a_recording(void) {
     WORKS(vx_plan_get_result(plan, &result));
     WORKS(vx_plan_get_text(plan, text, &size));
     EXPECT(result.fits && *text == '\0');
+    WORKS(vx_close(plan));
+    header.task = "a=b"; /* has room, but writers refuse it */
+    WORKS(vx_plan_check(&plan, &header, NULL, NULL, NULL, NULL, 0, 0));
+    size = sizeof text;
+    WORKS(vx_plan_get_result(plan, &result));
+    WORKS(vx_plan_get_text(plan, text, &size));
+    EXPECT(!result.fits && result.wells_that_fit == result.wells && strstr(text, "TaskName") != NULL);
     WORKS(vx_close(plan));
 }
 
@@ -1019,7 +1030,7 @@ static void check_and_recover(void) {
     WORKS(vx_report_get_summary(report, &summary));
     EXPECT(summary.is_sound);
     WORKS(vx_close(report));
-    EXPECT(vx_recover(&report, saved, saved, &options, NULL) == VX_ERROR_ARGUMENT);
+    EXPECT(vx_recover(&report, saved, own("./saved.vxd"), &options, NULL) == VX_ERROR_ARGUMENT);
     WORKS(vx_close(report));
     EXPECT(vx_recover(&report, given("small_example.vxd"), own("saved.vxd"), NULL, NULL) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(report), "choose another name") != NULL);
