@@ -595,6 +595,9 @@ static void read_results(void) {
     WORKS(vx_document_get_count(results, "Tasks/Analyze/Recordings/0/Wells", &count));
     WORKS(vx_document_get_name(results, "Tasks/Analyze/Recordings/0/Wells", 1, text, &size));
     EXPECT(count == 3 && strcmp(text, "64") == 0);
+    WORKS(vx_document_get_double(results, "Tasks/Analyze/Recordings/0/Wells/64/NormalizedResponses/NotDefined/Value", &value));
+    EXPECT(vx_document_get_double(results, "Tasks/Analyze/Recordings/0/Wells/64/NormalizedResponses/notDefined/Value",
+                                  &value) == VX_ERROR_NOT_FOUND);
     EXPECT(vx_document_get_double(results, "Tasks/Analyze/Recordings/9", &value) == VX_ERROR_NOT_FOUND);
     EXPECT(strcmp(error_of(results),
                   "\"Tasks/Analyze/Recordings/9\" has nothing of the name \"9\" after "
@@ -666,7 +669,6 @@ static void change_settings(void) {
     EXPECT(vx_document_set_int64(settings, mark, 4) == VX_ERROR_VALUE); /* there are four marks */
     WORKS(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC"));
     EXPECT(vx_document_remove(settings, "PropertyQualityCheck/QualityChecks/PostQC") == VX_ERROR_NOT_FOUND);
-    EXPECT(vx_document_insert(settings, "PropertyQualityCheck/QualityChecks/postQC") == VX_ERROR_VALUE);
     WORKS(vx_document_save(settings, copy, -1));
     EXPECT(text_is(settings, analyzed, "133512191990000000"));
     EXPECT(vx_document_save(settings, copy, 99) == VX_ERROR_ARGUMENT);
@@ -748,6 +750,11 @@ static void make_results(void) {
     count = 4;
     WORKS(vx_table_get_doubles(table, 8, values, &count));
     EXPECT(strcmp(text, "value") == 0 && type == VX_TYPE_DOUBLE && count == 2 && values[1] == -2.5);
+    WORKS(vx_close(table));
+    WORKS(vx_document_set_int64(results, "Tasks/Series/Recordings/0/Wells/11/AverageCount", 0)); /* no beat is in it */
+    WORKS(vx_table_open(&table, results, VX_TABLE_AVERAGES));
+    WORKS(vx_table_get_size(table, &rows, &columns));
+    EXPECT(rows == 0);
     WORKS(vx_close(table));
     WORKS(vx_table_open(&table, results, VX_TABLE_BEATS));
     WORKS(vx_close(results)); /* the table has its own copy */

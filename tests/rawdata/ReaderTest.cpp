@@ -173,6 +173,21 @@ TEST_F(ReaderTest, UnfinishedLastRecordingIsListedButNotDelivered) {
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
 }
 
+TEST_F(ReaderTest, OpeningReplacesTheListsOfTheFileBefore) {
+    auto& writer = *m_io.GetRawDateWriter();
+    writer.Open(m_path);
+    writer.WriteFileHdr(ExampleFileHdr());
+    writer.UpdateFileHdr("PreQC", {"7", "8"});
+    writer.WriteRecordingHdr(ExampleRecordingHdr("PreQC", 1));
+    writer.Close();
+    for (int i = 0; i < 2; ++i) {
+        m_reader.Open(m_path);
+        EXPECT_EQ(m_reader.GetFileHdr()->PreQC, (std::vector<std::int64_t>{7, 8}));
+    }
+    OpenBytes(SmallFileBytes());
+    EXPECT_TRUE(m_reader.GetFileHdr()->PreQC.empty());
+}
+
 TEST_F(ReaderTest, OtherFilesAreRefusedWithTheirText) {
     const auto refusal = [&](const std::string& bytes) { return TextOfFailure([&] { OpenBytes(bytes); }); };
     const std::string ours = SmallFileBytes();

@@ -1,0 +1,38 @@
+"""Tests what the client doesn't use of the declarations for ctypes.
+
+usage: bindings_test.py SETTINGS OUTPUT
+"""
+
+import pathlib
+import sys
+
+import vxfileio_c as vx
+
+
+def code_of(function, *arguments):
+    try:
+        return function(*arguments)
+    except vx.VxError as error:
+        return error.code
+
+
+def check_a_handle_is_closed_if_opening_fails():
+    made = []
+
+    def open_missing(place):
+        made.append(place._obj)
+        vx.vx_raw_open(place, b"missing.vxd")
+
+    assert code_of(vx.opened, open_missing) == vx.VX_ERROR_FILE
+    assert code_of(vx.vx_close, made[0]) == vx.VX_ERROR_HANDLE
+
+
+def check_a_text_with_a_nul_is_whole(settings, output):
+    output.write_bytes(settings.read_bytes().replace(b"<Label>A1<", b"<Label>A&#0;B<", 1))
+    document = vx.opened(vx.vx_document_open, vx.VX_SETTINGS, str(output).encode())
+    assert vx.text_of(vx.vx_document_get_text, document, b"PropertyRecordPlate/Wells/0/Label") == b"A\0B"
+    vx.vx_close(document)
+
+
+check_a_handle_is_closed_if_opening_fails()
+check_a_text_with_a_nul_is_whole(*map(pathlib.Path, sys.argv[1:]))
