@@ -8,6 +8,7 @@ PROGRAMS is the folder of vxfile and plate_run. Pages and pictures go to the fol
 
 import math
 import pathlib
+import re
 import subprocess
 import sys
 import urllib.parse
@@ -273,6 +274,13 @@ def check_other_plates(browser):
     means = list(table_of(browser, "#curve-0 .means").values())
     assert [round(float(row[0]), 4) for row in means] == [1.2643, 1.3643, 1.4643], "computed, as the file has none"
     assert [row[2] for row in means] == ["47", "47", "47"]
+
+    doses = [2000, 0, 1000]
+    page = made_up("unsorted", plates.results(["A1"], doses, lambda w, d: 1 + doses[d]))
+    check_common(browser, page)
+    path = browser.run("return document.querySelector('.choice.chosen .curve .one').getAttribute('d')")
+    heights = [float(point.split()[1]) for point in re.split("[ML]", path)[1:]]
+    assert heights == sorted(set(heights), reverse=True) and len(heights) == 3, "the line doesn't rise with the dose"
 
     values = {0: "nan", 1: "inf", 2: "-inf"}
     page = made_up("strange", plates.results(["A1", "A2", "A3", "A4"], [0, 2**64 - 1], lambda w, d: values.get(w, 1.5)))

@@ -89,6 +89,8 @@ TEST(Trace, HasGapsWithoutSamplesAndIgnoresSamplesThatAreTooEarly) {
     trace.Add(-10, 10, std::array<std::uint16_t, 1>{99});
     trace.Add(40, 0, std::array<std::uint16_t, 1>{99});
     EXPECT_EQ(StepsOf(trace), "5..5 - - 6..6 ");
+    trace.Add(400, 10, std::array<std::uint16_t, 2>{7, 8});
+    EXPECT_EQ(StepsOf(trace), "5..6 - - - - 7..8 ") << "after a long pause";
 }
 
 TEST(Trace, StaysSmallForAnyTimes) {

@@ -132,6 +132,7 @@ TEST(DecimalScale, HasTheDecimalsOfUnitsPerADAndNoErrorOfADouble) {
                             {1.5e10, -2'000'000'000, 5, "3.0000000075e+19"},
                             {1407396358.71744, 0, 65535, "92233720368547.43040"},
                             {1407396358.71745, 0, 65535, "92233720368548.08"},
+                            {1407396358.71745, 65535, 0, "-92233720368548.08"},
                             {0, 5, 7, "0"}}) {
         std::string written;
         CDecimalScale({.ADZero = zero, .UnitsPerAD = units}).AddTo(written, sample);
