@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+#ifndef _WIN32
+#include <pthread.h>
+#endif
+
 #include "recovery/Explanation.h"
 #include "recovery/LostPages.h"
 #include "recovery/Recover.h"
@@ -175,6 +179,39 @@ TEST(ExplanationTest, AFileFullOfHeadersHasNoMoreCandidatesThanFitIntoIt) {
     EXPECT_LE(CandidatesIn(bytes).size(), bytes.size() / 150);
 }
 
+#ifndef _WIN32
+
+// On a small stack a short chain shows what a long one would do on a usual one.
+TEST(ExplanationTest, AsManySegmentsAsThereAreFitOnTheStack) {
+    CCandidates chain;
+    for (std::int64_t at = 0; at < 308 * 100'000; at += 308) {
+        chain.list.push_back({.begin = at,
+                              .claim = at,
+                              .end = at + 300,
+                              .next = at + 308,
+                              .from = at,
+                              .to = at + 300,
+                              .size = 4,
+                              .well = 11,
+                              .whole = 6,
+                              .form = &FormsOf(EKind::Segment).back()});
+    }
+    const auto explain = [](void* list) -> void* {
+        const auto& candidates = *static_cast<const CCandidates*>(list);
+        EXPECT_EQ(Explain(candidates, 308 * 100'000, kNoReach).size(), candidates.list.size());
+        return nullptr;
+    };
+    pthread_attr_t small;
+    ASSERT_EQ(pthread_attr_init(&small), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&small, std::size_t{256} << 10), 0);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &small, explain, &chain), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&small);
+}
+
+#endif
+
 TEST(TimesTest, NoResultOverflows) {
     constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
     constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
@@ -259,6 +296,13 @@ TEST(GrowingTest, BytesAppendedDuringRecoveryAreNoDamage) {
         EXPECT_TRUE(report.IsComplete()) << first;
         EXPECT_EQ(report.recordings.at(0).wells.size(), first < 3958 ? 0U : 1U) << first;
     }
+    // A file before the growing one lacks its second segment.
+    const CGrowingInput two(file.substr(0, 3958) + file, 3958 + 3958);
+    const CReport report = Recover(two, {}, [](std::span<const std::byte>) {});
+    EXPECT_TRUE(report.isGrowing);
+    ASSERT_EQ(report.losses.first.size(), 1U);
+    EXPECT_EQ(report.losses.first[0].reason, EReason::MissingSegment);
+    EXPECT_EQ(report.losses.first[0].from, 3958);
 }
 
 /// Returns the runs of lost pages among the bytes [begin, end), such as "4096-8192 ".
@@ -274,11 +318,14 @@ std::string LostIn(const std::string& bytes, std::int64_t begin, std::int64_t en
 
 TEST(WindowTest, NamesTheFirstByteThatCannotBeRead) {
     const CStringInput input(std::string(5000, 'x'));
-    try {
-        CWindow(input, 9000).At(4000, 100);
-        FAIL();
-    } catch (const CReadFailure& failure) {
-        EXPECT_EQ(failure.Position(), 5000);
+    CWindow window(input, 9000);
+    for (const std::int64_t position : {4000, 4990}) {  // the second one in the block of the first
+        try {
+            window.At(position, 100);
+            FAIL() << position;
+        } catch (const CReadFailure& failure) {
+            EXPECT_EQ(failure.Position(), 5000);
+        }
     }
 }
 

@@ -420,6 +420,12 @@ TEST_F(RecoverTest, OneDamagedCellOfASegmentFollowsFromTheOthers) {
             }
         }
     }
+
+    // The intervals are lost, so a size follows from the position, which inserted bytes made wrong.
+    std::string moved = file.bytes;
+    moved.replace(moved.find("Ticks=") + 6, 7, "xxx:xxx");
+    moved[file.segments[3].position + 255] = 'x';
+    EXPECT_EQ(Placeless(Recovered(moved.insert(file.segments[1].position, 10, '\xAA'))), Placeless(file.segments));
 }
 
 /// A file with a segment whose samples look like a whole segment: of well 12, with the times that come next and a
@@ -587,6 +593,11 @@ TEST_F(RecoverTest, DamagedSizesThatEndAtAHeaderAreNotBelieved) {
             EXPECT_FALSE(m_report.IsComplete());
         }
     }
+    // This one seems to reach beyond the end of the file, over the last segment.
+    std::string beyond = file.bytes;
+    beyond.replace(file.segments[10].position + 250, 50, Cell(50, "Size=301"));
+    EXPECT_EQ(Recovered(beyond), file.segments);
+    EXPECT_FALSE(m_report.IsComplete());
     // A time that can't be read says nothing about the size, even if it begins with a number.
     std::string damaged = file.bytes;
     damaged.replace(file.segments[2].position + 200, 50, Cell(50, "TimeTo=16200\xD5"));
