@@ -31,8 +31,8 @@ TIMEOUT = 300  # seconds; if a fault makes a test hang, it counts as noticed
 # The test programs for each folder, those most likely to notice first.
 PROGRAMS = {
     "base": ["base_test", "settings_test", "rawdata_test"],
-    "access": ["access_test"],
-    "frame": ["rawdata_test", "settings_test", "results_test"],
+    "access": ["access_test", "samples", "pytest"],
+    "frame": ["rawdata_test", "settings_test", "results_test", "faults_test"],
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
     "rawdata": ["rawdata_test", "access_test", "layout_test", "reference_test", "faults_test", "vxfile_test",
                 "sessions", "pytest"],
