@@ -178,7 +178,6 @@ class CExplainer {
 
     void FollowWithHeader(CNode node) {
         const CCandidate& header = node.Candidate();
-        if (header.end > m_size) return;
         node.piece.end = header.end;
         if (header.kind == EKind::File) {
             node.recording = nullptr;

@@ -93,6 +93,9 @@ TEST_F(ReadErrorTest, EveryTruncationIsReported) {
     }
     EXPECT_EQ(Results(m_results.substr(0, dose) + '\0' + m_results.substr(dose)),
               "The document ends with a NUL at offset " + std::to_string(dose) + ", inside " + path + "/Dose.");
+    EXPECT_EQ(Results("<Vexa"),
+              "The document has no elements that a results file has. "
+              "The document ends at offset 5, inside its first tag.");
     EXPECT_EQ(Results("<Vexaprobe></Vexaprobe>"), "The document has no elements that a results file has.");
 }
 
@@ -112,7 +115,7 @@ TEST_F(ReadErrorTest, InvalidValuesAreReportedWithPathOffsetAndCount) {
                   "): \"Offlime\" isn't one of the words NotDefined, Online, Offline, Simulation.");
     std::string twice = Replaced(m_settings, "<ADMax>65535", "<ADMax>");
     twice = Replaced(twice, "<ADMin>", "<ADMin>-");
-    twice = Replaced(twice, "<Gain>", "<Gain>x");
+    twice = Replaced(twice, "<Gain>1100", "<Gain>-");
     twice = Replaced(twice, "<DataFormat>", "<DataFormat>x");
     EXPECT_NE(Settings(twice).find("There are 2 more of this kind."), std::string::npos) << Settings(twice);
 }

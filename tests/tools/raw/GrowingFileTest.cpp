@@ -118,6 +118,15 @@ TEST_F(GrowingFile, IsFollowedFromTheBeginningIfItIsReplaced) {
     }
 }
 
+TEST_F(GrowingFile, IsNotDamagedIfItIsRewrittenAndRunsAgainBetweenLookAndState) {
+    WriteAll(m_path, FileOf({{{11, 0, {1, 2}}}}) + "x");
+    CGrowingFile file(m_path);
+    EXPECT_EQ(file.State(file.Look()), EState::Running);
+    EXPECT_FALSE(file.Look());
+    std::ofstream(m_path, std::ios::binary) << kRunning;
+    EXPECT_EQ(file.State(false), EState::Running);
+}
+
 TEST_F(GrowingFile, IsAwaitedBeforeItExistsAndAfterItIsDeleted) {
     CGrowingFile file(m_path);
     EXPECT_FALSE(file.IsThere());
