@@ -67,7 +67,7 @@ class CExplainer {
             Extend(candidate);
             m_whole += candidate.IsWhole() ? 1 : 0;
         }
-        Release(m_size);
+        Release(m_size);  // what ends later stays closed: a header that the end of the input cuts explains nothing
         return Path();
     }
 

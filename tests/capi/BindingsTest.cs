@@ -13,6 +13,11 @@ static class BindingsTest {
         return VX_OK;
     }
 
+    static string TextOf(Action call) {
+        try { call(); } catch (VxException failure) { return failure.Message; }
+        return "";
+    }
+
     static void Main(string[] arguments) {
         VxHandle settings;
         Check(vx_document_open(out settings, VX_SETTINGS, arguments[0]), settings);
@@ -27,17 +32,11 @@ static class BindingsTest {
         Expect("\u00b1 10 \u00b1", GetText(settings, (byte[] to, ref long size) =>
             vx_document_get_text(settings, "PropertyRecording/VoltageRange", to, ref size)));
 
-        // The words of the code don't replace a text that is longer than the buffer.
+        // A failure's text is kept even if it is longer than the buffer.
         string path = string.Concat(Enumerable.Repeat("./", 600)) + "missing.vxs";
         VxHandle missing;
         int code = vx_document_open(out missing, VX_SETTINGS, path);
-        try {
-            Check(code, missing);
-        } catch (VxException failure) {
-            Expect("Could not open settings file: " + path.Substring(0, 100), failure.Message.Substring(0, 130));
-            path = null;
-        }
-        Expect(null, path);
+        Expect(true, TextOf(() => Check(code, missing)).StartsWith("Could not open settings file: ./././"));
 
         // A call without a handle has no text of its own.
         Expect(VX_ERROR_NOT_FOUND, CodeOf(() => Check(vx_code_text(99, null, ref count), null)));

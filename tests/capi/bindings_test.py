@@ -11,20 +11,21 @@ import vxfileio_c as vx
 
 def code_of(function, *arguments):
     try:
-        return function(*arguments)
+        function(*arguments)
     except vx.VxError as error:
         return error.code
+    return vx.VX_OK
 
 
-def check_a_handle_is_closed_if_opening_fails():
+def check_a_handle_is_closed_if_opening_fails(output):
     made = []
 
     def open_missing(place):
-        made.append(place._obj)
-        vx.vx_raw_open(place, b"missing.vxd")
+        made.append(place._obj)  # what byref refers to
+        vx.vx_raw_open(place, str(output / "missing.vxd").encode())  # no folder has this name
 
     assert code_of(vx.opened, open_missing) == vx.VX_ERROR_FILE
-    assert code_of(vx.vx_close, made[0]) == vx.VX_ERROR_HANDLE
+    assert made[0].value and code_of(vx.vx_close, made[0]) == vx.VX_ERROR_HANDLE
 
 
 def check_a_text_with_a_nul_is_whole(settings, output):
@@ -34,5 +35,6 @@ def check_a_text_with_a_nul_is_whole(settings, output):
     vx.vx_close(document)
 
 
-check_a_handle_is_closed_if_opening_fails()
-check_a_text_with_a_nul_is_whole(*map(pathlib.Path, sys.argv[1:]))
+settings_file, output_file = map(pathlib.Path, sys.argv[1:])
+check_a_text_with_a_nul_is_whole(settings_file, output_file)
+check_a_handle_is_closed_if_opening_fails(output_file)

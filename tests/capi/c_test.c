@@ -531,7 +531,7 @@ static void report_a_full_disk(void) {
     WORKS(vx_writer_begin_recording(writer, &recording, NULL, NULL, NULL, NULL, 0));
     EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "segments missing: 1") != NULL);
-    EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE); /* also if the report is as long */
+    EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE); /* the report has changed, but not its length */
     EXPECT(strstr(error_of(writer), "segments missing: 2") != NULL);
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);

@@ -14,6 +14,7 @@
 #include "tests/faults/SystemCalls.h"
 #include "tests/rawdata/SegmentsOf.h"
 #include "tests/support/TempFolder.h"
+#include "vxfileio/helpers/ReplacingFile.h"
 
 namespace {
 
@@ -280,6 +281,20 @@ TEST(RefusedReadsTest, AnUnreadableDocumentIsNotReportedAsEmpty) {
     io.GetResultsReader()->ReadFile(path);
     EXPECT_GT(EndCalls(), 0);
     EXPECT_EQ(io.GetResultsReader()->GetReadError(), "The system refused to read beyond offset 0.");
+}
+
+// As on a file system without hard links, where the file moves over an empty one that reserves the name.
+TEST(NewFileTest, LeavesNothingIfItCannotGetItsName) {
+    using vxfileio::helpers::CReplacingFile;
+    const CTempFolder folder;
+    {
+        CReplacingFile file;
+        ASSERT_TRUE(file.Create(folder.Path("new.vxd"), CReplacingFile::ERule::New));
+        BeginCalls(1, {.error = EPERM, .goesOn = true, .calls = "link rename"});
+        EXPECT_FALSE(file.Finish() && file.Commit());
+        EndCalls();
+    }
+    EXPECT_TRUE(FilesIn(folder.Path("")).empty());
 }
 
 class FlushToDiskTest : public testing::Test {

@@ -287,15 +287,17 @@ def test_tables_have_the_texts_of_the_objects(tmp_path):
     assert results.Tasks[row["task"]].Recordings[0].Wells[row["well"]].WellLabel == row["label"]
 
 
-def test_tables_give_their_texts_back():
+@pytest.mark.skipif(not sys.getallocatedblocks(), reason="this Python doesn't count its objects")
+def test_tables_release_their_texts():
+    pytest.importorskip("pandas")
     results = vx.open(RESULTS)
-    label = results.responses["label"][0]
+    for turn in range(402):
+        assert results.responses["task"][0] == "Analyze"
+        if turn == 1:
+            gc.collect()
+            before = sys.getallocatedblocks()
     gc.collect()
-    before = sys.getallocatedblocks()
-    for _ in range(100):
-        assert results.responses["label"][0] == label
-    gc.collect()
-    assert sys.getallocatedblocks() - before < 100
+    assert sys.getallocatedblocks() - before < 400
 
 
 def test_tables_of_nothing_have_their_columns():

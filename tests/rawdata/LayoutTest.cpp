@@ -147,7 +147,7 @@ TEST(LayoutTest, DamagedFilesOfEachVersionAreRecoveredByTheirLayout) {
         const std::string timeless = std::string(whole).replace(size, 10, 10, 'x');
         EXPECT_EQ(Recovered(timeless), Recovered(whole)) << version;
     }
-    // The newest of several versions has the cells of all.
+    // A file with parts of several versions is recovered in the newest one, which has the cells of all.
     EXPECT_NE(Recovered(FileOf(3) + FileOf(2)).find(Cell(60, "Note=CompoundTest")), std::string::npos);
 }
 

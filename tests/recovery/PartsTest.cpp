@@ -181,14 +181,16 @@ TEST(ExplanationTest, AFileFullOfHeadersHasNoMoreCandidatesThanFitIntoIt) {
 
 #ifndef _WIN32
 
-// On a small stack a short chain shows what a long one would do on a usual one.
+// If releasing the chain recursed, this many segments would overflow the small stack, and the program would crash.
 TEST(ExplanationTest, AsManySegmentsAsThereAreFitOnTheStack) {
+    constexpr std::int64_t kStep = 300 + 2 * 4;
+    constexpr std::int64_t kEnd = kStep * 100'000;
     CCandidates chain;
-    for (std::int64_t at = 0; at < 308 * 100'000; at += 308) {
+    for (std::int64_t at = 0; at < kEnd; at += kStep) {
         chain.list.push_back({.begin = at,
                               .claim = at,
                               .end = at + 300,
-                              .next = at + 308,
+                              .next = at + kStep,
                               .from = at,
                               .to = at + 300,
                               .size = 4,
@@ -198,15 +200,15 @@ TEST(ExplanationTest, AsManySegmentsAsThereAreFitOnTheStack) {
     }
     const auto explain = [](void* list) -> void* {
         const auto& candidates = *static_cast<const CCandidates*>(list);
-        EXPECT_EQ(Explain(candidates, 308 * 100'000, kNoReach).size(), candidates.list.size());
+        EXPECT_EQ(Explain(candidates, kEnd, kNoReach).size(), candidates.list.size());
         return nullptr;
     };
     pthread_attr_t small;
     ASSERT_EQ(pthread_attr_init(&small), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&small, std::size_t{256} << 10), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&small, std::size_t{1} << 20), 0);
     pthread_t thread;
     ASSERT_EQ(pthread_create(&thread, &small, explain, &chain), 0);
-    pthread_join(thread, nullptr);
+    EXPECT_EQ(pthread_join(thread, nullptr), 0);
     pthread_attr_destroy(&small);
 }
 
@@ -296,7 +298,7 @@ TEST(GrowingTest, BytesAppendedDuringRecoveryAreNoDamage) {
         EXPECT_TRUE(report.IsComplete()) << first;
         EXPECT_EQ(report.recordings.at(0).wells.size(), first < 3958 ? 0U : 1U) << first;
     }
-    // A file before the growing one lacks its second segment.
+    // Only the last file grows; one before it that lacks a segment is damaged.
     const CGrowingInput two(file.substr(0, 3958) + file, 3958 + 3958);
     const CReport report = Recover(two, {}, [](std::span<const std::byte>) {});
     EXPECT_TRUE(report.isGrowing);

@@ -123,7 +123,7 @@ TEST_F(GrowingFile, IsNotDamagedIfItIsRewrittenAndRunsAgainBetweenLookAndState) 
     CGrowingFile file(m_path);
     EXPECT_EQ(file.State(file.Look()), EState::Running);
     EXPECT_FALSE(file.Look());
-    std::ofstream(m_path, std::ios::binary) << kRunning;
+    std::ofstream(m_path, std::ios::binary) << kRunning;  // the same file, which stays open
     EXPECT_EQ(file.State(false), EState::Running);
 }
 
