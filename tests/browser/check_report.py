@@ -279,8 +279,8 @@ def check_other_plates(browser):
     page = made_up("unsorted", plates.results(["A1"], doses, lambda w, d: 1 + doses[d]))
     check_common(browser, page)
     path = browser.run("return document.querySelector('.choice.chosen .curve .one').getAttribute('d')")
-    heights = [float(point.split()[1]) for point in re.split("[ML]", path)[1:]]
-    assert heights == sorted(set(heights), reverse=True) and len(heights) == 3, "the line doesn't rise with the dose"
+    ys = [float(point.split()[1]) for point in re.split("[ML]", path)[1:]]  # from the top
+    assert ys == sorted(set(ys), reverse=True) and len(ys) == 3, "the line doesn't rise with the dose"
 
     values = {0: "nan", 1: "inf", 2: "-inf"}
     page = made_up("strange", plates.results(["A1", "A2", "A3", "A4"], [0, 2**64 - 1], lambda w, d: values.get(w, 1.5)))

@@ -531,7 +531,8 @@ static void report_a_full_disk(void) {
     WORKS(vx_writer_begin_recording(writer, &recording, NULL, NULL, NULL, NULL, 0));
     EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "segments missing: 1") != NULL);
-    EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE); /* the report has changed, but not its length */
+    /* The report changes, but not its length. */
+    EXPECT(vx_writer_write(writer, 1, 0, 0, 1, &sample, 1) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(writer), "segments missing: 2") != NULL);
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);
@@ -595,9 +596,10 @@ static void read_results(void) {
     WORKS(vx_document_get_count(results, "Tasks/Analyze/Recordings/0/Wells", &count));
     WORKS(vx_document_get_name(results, "Tasks/Analyze/Recordings/0/Wells", 1, text, &size));
     EXPECT(count == 3 && strcmp(text, "64") == 0);
-    WORKS(vx_document_get_double(results, "Tasks/Analyze/Recordings/0/Wells/64/NormalizedResponses/NotDefined/Value", &value));
-    EXPECT(vx_document_get_double(results, "Tasks/Analyze/Recordings/0/Wells/64/NormalizedResponses/notDefined/Value",
-                                  &value) == VX_ERROR_NOT_FOUND);
+    snprintf(path, sizeof path, "%s/NormalizedResponses/NotDefined/Value", well);
+    WORKS(vx_document_get_double(results, path, &value));
+    snprintf(path, sizeof path, "%s/NormalizedResponses/notDefined/Value", well); /* doesn't mean NotDefined */
+    EXPECT(vx_document_get_double(results, path, &value) == VX_ERROR_NOT_FOUND);
     EXPECT(vx_document_get_double(results, "Tasks/Analyze/Recordings/9", &value) == VX_ERROR_NOT_FOUND);
     EXPECT(strcmp(error_of(results),
                   "\"Tasks/Analyze/Recordings/9\" has nothing of the name \"9\" after "

@@ -33,7 +33,8 @@ PROGRAMS = {
     "base": ["base_test", "settings_test", "rawdata_test"],
     "access": ["access_test", "samples", "pytest"],
     "frame": ["rawdata_test", "settings_test", "results_test", "faults_test"],
-    "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "faults_test"],
+    "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "reference_test", "vxfile_test",
+                "faults_test"],
     "rawdata": ["rawdata_test", "access_test", "layout_test", "reference_test", "faults_test", "vxfile_test",
                 "sessions", "pytest"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test", "vxfile_test",
@@ -43,7 +44,7 @@ PROGRAMS = {
     "export": ["export_test", "results_test", "faults_test"],
     "capi": ["c_interface", "bindings"],
     "python": ["pytest"],
-    "recovery": ["recover_test", "sessions", "faults_test"],
+    "recovery": ["recover_test", "layout_test", "vxfile_test", "sessions", "faults_test"],
     "verify": ["vxfile_test", "sessions", "recover_test"],
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog", "tool_faults_test"],
 }

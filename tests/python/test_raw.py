@@ -191,14 +191,14 @@ def test_unfinished_recording_is_read_on_request():
 
 
 def test_damaged_recording_is_read_up_to_the_damage_on_request():
+    path = REFERENCE / "circle_of_segments.vxd"
     for unfinished in (False, True):
-        run = vx.open(REFERENCE / "circle_of_segments.vxd", partial=True, unfinished=unfinished)
+        with pytest.raises(vx.DamagedFileError):
+            vx.open(path, unfinished=unfinished).recordings[0].segments()
+        run = vx.open(path, partial=True, unfinished=unfinished)
         for one in (run, copy.deepcopy(run)):
             assert one.recordings[0].damage == "Error reading Data Segment Header"
             assert one.recordings[0].segments().size > 0
-    for unfinished in (False, True):
-        with pytest.raises(vx.DamagedFileError):
-            vx.open(REFERENCE / "circle_of_segments.vxd", unfinished=unfinished).recordings[0].segments()
 
 
 def test_missing_samples_are_reported_where_they_are_read():
