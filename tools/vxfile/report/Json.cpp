@@ -3,7 +3,7 @@
 #include <iostream>
 #include <utility>
 
-template class nlohmann::basic_json<nlohmann::ordered_map>;
+template std::string nlohmann::basic_json<nlohmann::ordered_map>::dump(int, char, bool, error_handler_t) const;
 
 namespace vxfile {
 

@@ -11,7 +11,7 @@ using CJson = nlohmann::ordered_json;
 }  // namespace vxfile
 
 // Compiled once, in Json.cpp, as it takes long.
-extern template class nlohmann::basic_json<nlohmann::ordered_map>;
+extern template std::string nlohmann::basic_json<nlohmann::ordered_map>::dump(int, char, bool, error_handler_t) const;
 
 namespace vxfile {
 
