@@ -114,7 +114,6 @@ CSampleSource::CSampleSource(const std::string& path, CSampleChoice choice)
     if (m_scan.Break()) RefuseBreak(recordings);
     RefuseUnknownRecordings(m_choice.plate, m_path, m_scan.Recordings());
     RefuseUnknownNumbers();
-    RefuseUnfinished();
     if (!m_scan.Recordings().empty()) Read(recordings, [&] { m_file.emplace(m_path); });
 }
 
@@ -130,11 +129,6 @@ void CSampleSource::RefuseUnknownNumbers() const {
                            (tasks.empty() ? "; its numbers: " : " in the chosen tasks; their numbers: ") +
                            ListOrNone(numbers) + '.');
     }
-}
-
-void CSampleSource::RefuseUnfinished() const {
-    const auto isReadable = [&](const auto& recording) { return IsChosen(recording.header) && recording.IsFinished(); };
-    if (!Unfinished().empty() && std::ranges::none_of(m_scan.Recordings(), isReadable)) RefuseWells();
 }
 
 void CSampleSource::ForEach(const CTakePiece& take) {

@@ -96,7 +96,6 @@ class CSampleSource {
     using CTakeSelection = std::function<void(std::size_t, const CRead&, const CSampleSelection&)>;
 
     void RefuseUnknownNumbers() const;
-    void RefuseUnfinished() const;
     [[noreturn]] void RefuseWells() const;
     void Walk(const CTakeSelection& take);
     void WalkRecording(std::size_t recording, const CTakeSelection& take);
