@@ -181,6 +181,15 @@ TEST_F(WriterTest, CheckRecordingFitAgreesWithTheWriter) {
     EXPECT_EQ(fit.Split, (std::vector<std::int64_t>{31, 23}));
     EXPECT_EQ(fit.Text(), "ADZeros has room for 189 bytes, but needs 323 for 54 wells; 31 of these wells would fit.");
 
+    // 31 ADZeros take 185 bytes, so the second part has room for one of three digits.
+    CRawDataRecordingHdr longer = header;
+    for (int well = 55; well <= 64; ++well)
+        longer.WellChannels.push_back({well, 32768, 0.000305176, 100});
+    longer.WellChannels[62].ADZero = 327;
+    EXPECT_EQ(CheckRecordingFit(longer).Split, (std::vector<std::int64_t>{31, 32, 1}));
+    longer.WellChannels[62].ADZero = 3276;
+    EXPECT_EQ(CheckRecordingFit(longer).Split, (std::vector<std::int64_t>{31, 31, 2}));
+
     // The writer accepts exactly what the plan says.
     m_writer.Open(m_path);
     m_writer.WriteFileHdr(ExampleFileHdr());
