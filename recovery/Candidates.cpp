@@ -180,16 +180,6 @@ class CSearch {
         return best;
     }
 
-    /// Returns whether the first rows of a header show that it isn't a copy of another one. Segments may have the same
-    /// times and sizes, so with them each legible row counts.
-    static bool IsOther(const CHdrCells& header, const CHdrCells& original, std::size_t rows) {
-        for (std::size_t row = 0; row < rows; ++row) {
-            const bool counts = header.form->kind == EKind::Segment || header.Cell(row) != original.Cell(row);
-            if (!header.lost[row] && counts) return true;
-        }
-        return false;
-    }
-
     /// Finds where the rest of a header is if bytes were inserted into it or removed from it: from the key of a cell
     /// after the last whole one, or from the line end of the last cell.
     void FindMoved(const CForm& form, std::int64_t begin) {
@@ -211,9 +201,10 @@ class CSearch {
                 const std::int64_t moved = static_cast<std::int64_t>(offset + at) - expected;
                 if (moved == 0 || std::abs(moved) >= form.size) continue;
                 const CCandidate found = Read(m_window, form, {.begin = begin, .movedRow = row, .moved = moved});
-                const bool isOther =
-                    row < rows && IsOther(CellsAt(m_window, form, {.begin = begin + moved}), cells, row);
-                if (std::size_t{4} * found.damaged <= rows && !isOther) Keep(found);
+                // A header that begins there is one of its own.
+                const bool isApart = row == rows || Read(m_window, form, {.begin = begin + moved}).claim >=
+                                                        begin + moved + static_cast<std::int64_t>(offset);
+                if (std::size_t{4} * found.damaged <= rows && isApart) Keep(found);
             }
         }
     }

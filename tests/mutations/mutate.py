@@ -242,7 +242,7 @@ def build_guarded(folder, faults, programs):
             sys.exit(messages)
         for number in refused:
             file = faults.pop(number).file
-            (folder / "source" / file).write_text((ROOT / file).read_text())  # its last fault may be gone
+            (folder / "source" / file).write_text((ROOT / file).read_text())  # plant_guarded skips files without faults
 
 
 def noticed_with_guards(folder, faults, programs):
