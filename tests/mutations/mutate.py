@@ -31,7 +31,7 @@ TIMEOUT = 300  # seconds; if a fault makes a test hang, it counts as noticed
 # The test programs for each folder, those most likely to notice first.
 PROGRAMS = {
     "base": ["base_test", "settings_test", "rawdata_test"],
-    "access": ["access_test", "samples", "pytest"],
+    "access": ["access_test", "vxfile_test", "samples", "pytest"],
     "frame": ["rawdata_test", "settings_test", "results_test", "faults_test"],
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "reference_test", "vxfile_test",
                 "faults_test"],
@@ -45,7 +45,7 @@ PROGRAMS = {
     "capi": ["c_interface", "bindings"],
     "python": ["pytest"],
     "recovery": ["recover_test", "layout_test", "vxfile_test", "sessions", "faults_test"],
-    "verify": ["vxfile_test", "sessions", "recover_test"],
+    "verify": ["vxfile_test", "sessions", "recover_test", "c_interface"],
     "vxfile": ["vxfile_test", "sessions", "samples", "tables", "catalog", "tool_faults_test"],
 }
 

@@ -144,6 +144,10 @@ TEST(ExplanationTest, TheFewestAssumptionsExplainAFile) {
          "F0 R1190 S3600 R4278 S6688 S6996 "},
         {"bytes taken out across the header of a recording", std::string(two).erase(4300, 2460),
          "F0 R1190 S3650 S3958 S4378! S4686 "},
+        {"other wells right after the bytes that were taken out",
+         two.substr(0, 3958) + SegmentHdrBytes(13, 7146, 0, 300, "4") + SampleBytes(kWell11) +
+             SegmentHdrBytes(14, -1, 0, 300, "4") + SampleBytes(kWell12),
+         "F0 R1190 S3650 S3958! S4266 "},
     };
     for (const CExplanationCase& one : cases) {
         if (one.pieces != nullptr) {
@@ -167,6 +171,9 @@ TEST(AccountTest, SamplesAreInDoubtIfTheNextHeaderDoesNotConfirmThem) {
     EXPECT_FALSE(HasDoubt(two, EReason::TakenOut, 3958));
     // The next segment follows directly, so samples or a recording header are missing.
     EXPECT_TRUE(HasDoubt(std::string(two).erase(4300, 2460), EReason::TakenOut, 3958));
+    // No position shows it, only the interval.
+    const std::string faster = SegmentHdrBytes(12, -1, 0, 150, "4") + SampleBytes(kWell12);
+    EXPECT_TRUE(HasDoubt(two.substr(0, 4378) + faster, EReason::TakenOut, 3958));
     // What follows the cut could also be samples.
     EXPECT_TRUE(HasDoubt(two.substr(0, 4300) + two, EReason::Ambiguous, 4300));
     EXPECT_FALSE(HasDoubt(two + two, EReason::Ambiguous, static_cast<std::int64_t>(two.size())));
@@ -319,14 +326,15 @@ std::string LostIn(const std::string& bytes, std::int64_t begin, std::int64_t en
 }
 
 TEST(WindowTest, NamesTheFirstByteThatCannotBeRead) {
-    const CStringInput input(std::string(5000, 'x'));
-    CWindow window(input, 9000);
-    for (const std::int64_t position : {4000, 4990}) {  // the second one in the block of the first
+    const CStringInput input(std::string(15'000, 'x'));
+    CWindow window(input, 19'000);
+    window.At(0, 10);                                     // reads a block of 8192 bytes
+    for (const std::int64_t position : {8100, 14'990}) {  // the first one in that block, the second one in the next
         try {
             window.At(position, 100);
             FAIL() << position;
         } catch (const CReadFailure& failure) {
-            EXPECT_EQ(failure.Position(), 5000);
+            EXPECT_EQ(failure.Position(), 15'000);
         }
     }
 }

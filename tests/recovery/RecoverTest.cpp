@@ -301,6 +301,15 @@ std::vector<CSeen> Without(std::vector<CSeen> segments, std::size_t one) {
     return segments;
 }
 
+TEST_F(RecoverTest, WellIDsCountMoreThanAnotherListOfAnotherLength) {
+    std::string bytes = SmallFileBytes();
+    bytes.replace(1190 + 400, 30, 30, '\xAA');  // the number of wells
+    bytes.replace(1190 + 430, 200, Cell(200, "WellIDs=11:12:13"));
+    bytes.replace(1190 + 830, 600, 600, '\xAA');  // two of the other three lists
+    EXPECT_EQ(Recovered(bytes).size(), 2U);
+    EXPECT_EQ(ReadAll(m_out).substr(1190 + 400, 230), Cell(30, "NumberOfWells=3") + Cell(200, "WellIDs=11:12:13"));
+}
+
 TEST_F(RecoverTest, DamagedWellIDsFollowFromTimesAndTurns) {
     const CWritten file = TakingTurns(4);
     ASSERT_EQ(Recovered(file.bytes), file.segments);

@@ -387,26 +387,29 @@ TEST_F(PlateValues, HaveBeatsAsWholeMultiplesOfTheirCommonDivisor) {
 
 TEST(PlateGrid, HasThePlacesOfTheSettingsAndTheWellsThatAreInactive) {
     CPropRecordPlate plate;
-    plate.Data.Layout = enPlateLayout::L16x6;
     struct CCase {
         std::int32_t id, row, column, state;
     };
     for (const CCase& c :
-         {CCase{1, 7, 11, PlateWell::kNew}, CCase{2, 0, 0, PlateWell::kInactive}, CCase{3, 0, 1, PlateWell::kActive}}) {
+         {CCase{1, 6, 10, PlateWell::kNew}, CCase{2, 0, 0, PlateWell::kInactive}, CCase{3, 0, 1, PlateWell::kActive}}) {
         PlateWell& well = *plate.Data.Wells.emplace_back(std::make_unique<PlateWell>());
         well.WellID = c.id;
         well.PlateRow = c.row;
         well.PlateColumn = c.column;
         well.State = c.state;
     }
-    CPlateValues values;
-    ArrangeWells(values, {{1, "H12"}, {2, "A1"}, {3, "A2"}}, &plate);
-    EXPECT_EQ(values.rowLabels.size(), 8U) << "the plate is numbered in the other way";
-    EXPECT_EQ(values.columnLabels.size(), 12U);
-    std::string wells;
-    for (const CWellPlace& well : values.wells)
-        wells += well.label + (well.isInactive ? " inactive, " : ", ");
-    EXPECT_EQ(wells, "A1 inactive, A2, H12, ");
+    // A plate of 16x6 may be numbered in the other way.
+    for (const enPlateLayout layout : {enPlateLayout::L8x12, enPlateLayout::L16x6}) {
+        plate.Data.Layout = layout;
+        CPlateValues values;
+        ArrangeWells(values, {{1, "G11"}, {2, "A1"}, {3, "A2"}}, &plate);
+        EXPECT_EQ(values.rowLabels.size(), 8U);
+        EXPECT_EQ(values.columnLabels.size(), 12U);
+        std::string wells;
+        for (const CWellPlace& well : values.wells)
+            wells += well.label + (well.isInactive ? " inactive, " : ", ");
+        EXPECT_EQ(wells, "A1 inactive, A2, G11, ");
+    }
 }
 
 TEST_F(PlateValues, MakeAPageWithoutAnyWell) {

@@ -44,3 +44,13 @@ TEST(ReadError, MakesExportWriteNothingAndNameTheFile) {
     }
     EXPECT_GT(refused, 4) << "each input is read to find its kind, and again";
 }
+
+TEST(ReadError, MakesVerifyNameAFileInAFolderEvenIfItsExtensionIsUnknown) {
+    const CTempFolder folder;
+    fs::copy_file(VXFILEIO_REFERENCE_DIR "/small_example.vxd", folder.Path("saved.dat"));
+    BeginCalls(1, {.error = EIO, .goesOn = true, .calls = "pread"});
+    const CToolRun run = RunTool({"verify", folder.Path("")});
+    EndCalls();
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("saved.dat"), std::string::npos) << run.err;
+}
