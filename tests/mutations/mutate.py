@@ -205,12 +205,15 @@ def configure(folder, programs):
         sys.exit(configured.stdout)
 
 
-def plant_guarded(folder, faults):
-    """Plants the faults that can have a guard, by number. Returns their numbers and the changed functions by file."""
+def plant_guarded(folder, faults, refused):
+    """Plants the faults that can have a guard, by number, except those that the compiler refused. Returns their numbers
+    and the changed functions by file."""
     by_file = collections.defaultdict(dict)
     for number, fault in faults.items():
         if fault.file.endswith((".cpp", ".h")):
-            by_file[fault.file][number] = fault
+            planted = by_file[fault.file]
+            if number not in refused:
+                planted[number] = fault
     functions = {}
     for file, ones in by_file.items():
         text, functions[file] = guards.plant((ROOT / file).read_text(), ones)
@@ -231,18 +234,16 @@ def uncompilable(messages, functions):
 
 def build_guarded(folder, faults, programs):
     """Builds the programs with all faults that can have a guard, by number. Returns their numbers."""
-    faults = dict(faults)
+    refused = set()
     while True:
-        planted, functions = plant_guarded(folder, faults)
+        planted, functions = plant_guarded(folder, faults, refused)
         messages = next(filter(None, (build(folder, program) for program in programs)), "")
         if not messages:
             return planted
-        refused = uncompilable(messages, functions)
-        if not refused:
+        more = uncompilable(messages, functions)
+        if not more:
             sys.exit(messages)
-        for number in refused:
-            file = faults.pop(number).file
-            (folder / "source" / file).write_text((ROOT / file).read_text())  # plant_guarded skips files without faults
+        refused |= more
 
 
 def noticed_with_guards(folder, faults, programs):

@@ -50,8 +50,8 @@ class CSampleSource {
  public:
     using CTakePiece = std::function<void(const CPiece&)>;
 
-    /// Throws `CFailure` if the file can't be opened, the chain of its recordings is broken, a chosen task, dose or
-    /// number doesn't exist, or no chosen recording is finished.
+    /// Throws `CFailure` if the file can't be opened, the chain of its recordings is broken, or a chosen task, dose or
+    /// number doesn't exist.
     CSampleSource(const std::string& path, CSampleChoice choice);
 
     /// Calls `take` for each piece. Throws `CFailure` if a chain of segments is broken, or if a header would yield
@@ -62,8 +62,8 @@ class CSampleSource {
     /// counts are needed first.
     const std::map<std::int32_t, std::uint64_t>& Counts();
 
-    /// Throws `CFailure` if there were no samples; its text says what the file has instead. Requires: `ForEach` or
-    /// `Counts` returned.
+    /// Throws `CFailure` if there were no samples, for example because no chosen recording is finished; its text says
+    /// what the file has instead. Requires: `ForEach` or `Counts` returned.
     void RefuseNothing() const;
 
     /// Returns the chosen wells without segments in the chosen recordings. Requires: `ForEach` or `Counts` returned.

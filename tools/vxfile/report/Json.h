@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 
 namespace vxfile {
@@ -10,7 +11,7 @@ using CJson = nlohmann::ordered_json;
 
 }  // namespace vxfile
 
-// Compiled once, in Json.cpp, as it takes long.
+// Takes long to compile, so only Json.cpp does.
 extern template std::string nlohmann::basic_json<nlohmann::ordered_map>::dump(int, char, bool, error_handler_t) const;
 
 namespace vxfile {
