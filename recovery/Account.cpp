@@ -81,6 +81,7 @@ class CAccountant {
 
     void BeginRecording(CFoundRecording recording) {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
+        DoubtUnshown(recording.header.begin + m_shift);
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
@@ -89,6 +90,7 @@ class CAccountant {
     void TakeSegment(const CPiece& piece, const CCandidate& segment) {
         if (piece.isCut) return TakeCut(piece, segment);
         Keep(piece, segment, piece.samples);
+        NoteUnshown(piece);
         if (segment.moved != 0) {
             DoubtMoved(piece);
         } else if (!segment.IsWhole() || piece.made == EMade::Size) {
@@ -141,16 +143,51 @@ class CAccountant {
         if (isFile) EndFile(begin);
         const bool isBeforeFile = isFile && m_found.recordings.empty();
         if (piece.lostRecording) BeginLostRecording(begin);
-        if (!isGap) return;
-        if (piece.lostRecording || isBeforeFile)
+        if (isGap && (piece.lostRecording || isBeforeFile))
             return Lose(
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
-        Lose(Unused(EReason::NoHeader, begin));
-        const std::int64_t lost = begin - m_end + (piece.ownShift == kLost ? 0 : piece.ownShift - m_shift);
-        const bool hasRoom = lost >= FormOf(EKind::Recording, Layouts()[candidate.form->layout]).size;
+        if (isGap) Lose(Unused(EReason::NoHeader, begin));
+        if (candidate.kind == EKind::Segment && !piece.lostRecording) DoubtAfterLoss(piece, begin);
+    }
+
+    /// Reports a segment up to whose beginning bytes belong to nothing or are missing, if a recording header may have
+    /// been among them.
+    void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
+        const bool isGap = begin > m_end;
+        const bool hasShift = piece.ownShift != kLost && (isGap || IsShown(piece));
+        const std::int64_t lost = begin - m_end + (hasShift ? piece.ownShift - m_shift : 0);
+        const bool hasRoom = lost >= FormOf(EKind::Recording, Layouts()[piece.candidate->form->layout]).size;
         const bool isConfirmed = piece.nextRecording != kLost && piece.nextRecording == m_nextRecording;
-        if (candidate.kind == EKind::Segment && !isConfirmed && (hasRoom || lost < 0 || NextRecordingIn(begin)))
-            DoubtPiece(EReason::OtherRecording, piece);
+        if (!isConfirmed && (hasRoom || (isGap && (lost < 0 || NextRecordingIn(begin))))) DoubtRecordingOf(piece);
+    }
+
+    /// Reports the segments since which no position shows where they are, if the next recording isn't where its
+    /// position should be: they may be of one between.
+    void DoubtUnshown(std::int64_t should) {
+        const bool isMissed = m_nextRecording != should && m_nextRecording != kLost && m_nextRecording != kUnset;
+        if (m_unshown != nullptr && isMissed) DoubtRecordingOf(*m_unshown);
+        m_unshown = nullptr;
+        m_isRecordingDoubted = false;
+    }
+
+    /// Reports, once for each recording, that a segment and those after it may be of another one.
+    void DoubtRecordingOf(const CPiece& piece) {
+        if (!std::exchange(m_isRecordingDoubted, true)) DoubtPiece(EReason::OtherRecording, piece);
+    }
+
+    /// Returns whether the position of a piece has the shift of the piece.
+    static bool IsShown(const CPiece& piece) { return piece.ownShift == piece.shift + piece.candidate->moved; }
+
+    /// Remembers a segment if neither its position nor that of the header before it shows where it is. A damaged
+    /// recording header may be parts of two.
+    void NoteUnshown(const CPiece& piece) {
+        const bool isPointedAt = m_end == piece.candidate->begin && Before() != nullptr && IsShown(*Before()) &&
+                                 (SegmentBefore() != nullptr || Before()->candidate->IsWhole());
+        if (IsShown(piece)) {
+            m_unshown = nullptr;
+        } else if (m_unshown == nullptr && !isPointedAt) {
+            m_unshown = &piece;
+        }
     }
 
     /// Returns where the next recording header should begin, if that is in the gap up to `begin`.
@@ -226,6 +263,7 @@ class CAccountant {
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
+        DoubtUnshown(kUnset);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(end == m_window.Size() && m_isGrowing))
@@ -334,6 +372,8 @@ class CAccountant {
     std::size_t m_index = 0;
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
+    bool m_isRecordingDoubted = false;       ///< The last segments may be of another recording than the last one.
+    const CPiece* m_unshown = nullptr;       ///< The first segment since which no position shows where they are.
     std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };

@@ -50,7 +50,9 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
     if (form.kind == EKind::File) {
         candidate.next = position("FPosFirstRecordingHdr");
     } else if (form.kind == EKind::Recording) {
-        candidate.next = position("FPosRecordingData");
+        // Next to the place where cells moved, a cell may be a mixture of two.
+        const bool isMixed = candidate.IsJoined() && cells.damaged[form.RowOf("FPosRecordingData")];
+        candidate.next = isMixed ? kLost : position("FPosRecordingData");
         candidate.from = position("FPosNextRecordingHdr");
     } else {
         candidate.next = position("FPosNextSegmentHdr");
@@ -131,14 +133,17 @@ class CSearch {
     }
 
     void Consider(EKind kind, std::int64_t begin) {
-        const CCandidate candidate = BestAt(m_window, kind, begin);
-        if (IsCredible(candidate)) Keep(candidate);
-        if (candidate.IsWhole()) {
-            if (kind == EKind::Segment) SkipSamples(candidate);
+        const CCandidate best = BestAt(m_window, kind, begin);
+        if (best.IsWhole()) {
+            Keep(best);
+            if (kind == EKind::Segment) SkipSamples(best);
             return;
         }
-        for (const CForm& form : FormsOf(kind))
+        for (const CForm& form : FormsOf(kind)) {
+            const CCandidate candidate = Read(m_window, form, {.begin = begin});
+            if (IsCredible(candidate)) Keep(candidate);
             FindMoved(form, begin);
+        }
     }
 
     bool IsCredible(const CCandidate& candidate) {
@@ -148,15 +153,16 @@ class CSearch {
                (KnowsItsPlace(candidate) || BestAt(m_window, EKind::Segment, candidate.end).IsWhole());
     }
 
-    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there.
+    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there. Two readings of one
+    /// header end together.
     void Keep(const CCandidate& candidate) {
         const auto size = static_cast<std::int64_t>(Layouts().back().recording.size);
         for (std::size_t i = m_found.list.size(); i > 0 && m_found.list[i - 1].claim + size > candidate.begin; --i) {
             const CCandidate around = m_found.list[i - 1];
             if (around.kind == EKind::Recording && !around.IsWhole() && around.moved == 0 &&
-                around.begin < candidate.begin && candidate.begin < around.end &&
-                (candidate.kind != EKind::Recording || candidate.begin == candidate.claim))
-                Add(Shortened(around, candidate.begin));
+                around.begin < candidate.claim && candidate.claim < around.end &&
+                (candidate.kind != EKind::Recording || candidate.end != around.end))
+                Add(Shortened(around, candidate.claim));
         }
         Add(candidate);
     }
@@ -169,13 +175,16 @@ class CSearch {
         m_found.list.push_back(candidate);
     }
 
-    /// Returns a header from which bytes were removed, so that it ends early: the reading with the most whole cells.
+    /// Returns a header that ends early: without its end, or if that makes more cells whole, without bytes before some
+    /// row.
     CCandidate Shortened(const CCandidate& header, std::int64_t end) {
-        CCandidate best;
-        for (std::size_t row = 0; row < header.form->cells.size(); ++row) {
-            const CHdrPlace place{.begin = header.begin, .movedRow = row, .moved = end - header.end};
-            const CCandidate shortened = Read(m_window, *header.form, place);
-            if (shortened.whole >= best.whole) best = shortened;
+        const auto read = [&](std::size_t row) {
+            return Read(m_window, *header.form, {.begin = header.begin, .movedRow = row, .moved = end - header.end});
+        };
+        CCandidate best = read(header.form->cells.size());
+        for (std::size_t row = header.form->cells.size(); row-- > 0;) {
+            const CCandidate shortened = read(row);
+            if (shortened.whole > best.whole) best = shortened;
         }
         return best;
     }
@@ -201,10 +210,11 @@ class CSearch {
                 const std::int64_t moved = static_cast<std::int64_t>(offset + at) - expected;
                 if (moved == 0 || std::abs(moved) >= form.size) continue;
                 const CCandidate found = Read(m_window, form, {.begin = begin, .movedRow = row, .moved = moved});
-                // A header that begins there is one of its own.
-                const bool isApart = row == rows || Read(m_window, form, {.begin = begin + moved}).claim >=
-                                                        begin + moved + static_cast<std::int64_t>(offset);
-                if (std::size_t{4} * found.damaged <= rows && isApart) Keep(found);
+                // A segment header that begins there is one of its own. Positions show whether a recording header is.
+                const bool isOne = row == rows || form.kind != EKind::Segment ||
+                                   Read(m_window, form, {.begin = begin + moved}).claim >=
+                                       begin + moved + static_cast<std::int64_t>(offset);
+                if (std::size_t{4} * found.damaged <= rows && isOne) Keep(found);
             }
         }
     }
@@ -236,14 +246,16 @@ class CSearch {
     std::int64_t m_goOn = 0;
 };
 
-/// Both versions may fit the end of a header: keeps the reading with more whole cells.
+/// Both versions may fit the end of a header: keeps the reading with more whole cells. Which of two readings is right
+/// that differ in how far cells moved, the positions show.
 void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
     const auto rank = [](const CCandidate& candidate) {
         return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.moved != 0, candidate.damaged);
     };
     std::ranges::sort(list, {}, rank);
     const auto isSame = [](const CCandidate& one, const CCandidate& other) {
-        return one.end == other.end && one.kind == other.kind && one.kind != EKind::Segment && other.damaged > 0;
+        return one.kind == other.kind && one.end == other.end && one.moved == other.moved &&
+               one.kind != EKind::Segment && (other.whole < one.whole || one.form == other.form);
     };
     list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
 }

@@ -38,7 +38,7 @@ struct CCandidate {
     std::uint8_t movedRow = 0;
     EKind kind = EKind::Segment;
     std::uint8_t damaged = 0;  ///< Number of damaged cells.
-    std::uint8_t whole = 0;    ///< Number of undamaged cells.
+    std::uint8_t whole = 0;    ///< Number of undamaged cells, wherever they are.
     /// @name Segment: cells that are lost
     /// @{
     bool noID = false;
@@ -50,7 +50,11 @@ struct CCandidate {
     const CForm* form = nullptr;
 
     CHdrPlace Place() const { return {.begin = begin, .movedRow = movedRow, .moved = moved}; }
-    bool IsWhole() const { return damaged == 0; }
+    bool IsWhole() const { return damaged == 0 && moved == 0; }
+    /// Returns whether it is a recording header in which cells moved. Its end may be that of another one.
+    bool IsJoined() const { return kind == EKind::Recording && moved != 0 && movedRow < form->cells.size(); }
+    /// Returns whether it is a recording header without its end.
+    bool IsCutShort() const { return kind == EKind::Recording && moved < 0 && movedRow == form->cells.size(); }
     /// Returns by how much its own position exceeds the offset that it means; nothing if it isn't reliable.
     std::optional<std::int64_t> OwnShift() const;
 };

@@ -30,6 +30,7 @@ struct CNode {
     std::shared_ptr<CNode> parent;
     std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
     bool goesOn = false;                    ///< It continues after a file within samples.
+    bool isJoined = false;                  ///< No position confirms how far cells moved in its recording header.
     const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
 
@@ -50,6 +51,9 @@ using CNodePtr = std::shared_ptr<CNode>;
 int GapCost(std::int64_t bytes) {
     return bytes <= 0 ? 0 : costs::kGap + 2 * static_cast<int>(std::bit_width(static_cast<std::uint64_t>(bytes)));
 }
+
+/// Returns the size of the smallest recording header.
+std::int64_t LeastRecordingHdr() { return static_cast<std::int64_t>(Layouts().front().recording.size); }
 
 bool IsRecordingHdrSize(std::int64_t bytes) {
     return std::ranges::find(FormsOf(EKind::Recording), bytes, &CForm::size) != FormsOf(EKind::Recording).end();
@@ -160,8 +164,11 @@ class CExplainer {
     void Follow(const CNodePtr& parent, const CCandidate& candidate) {
         const std::int64_t end = parent->piece.end;
         if (end > candidate.claim) return;
-        CNode node{
-            .piece = {.candidate = &candidate}, .parent = parent, .file = parent->file, .recording = parent->recording};
+        CNode node{.piece = {.candidate = &candidate},
+                   .parent = parent,
+                   .isJoined = parent->isJoined,
+                   .file = parent->file,
+                   .recording = parent->recording};
         node.shiftBefore =
             candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
@@ -172,8 +179,9 @@ class CExplainer {
     }
 
     static int MovedCost(const CCandidate& candidate) {
-        if (candidate.kind == EKind::Recording && candidate.moved < 0) return costs::kCutHeader;
-        return candidate.moved != 0 ? costs::kValue : 0;
+        if (candidate.IsCutShort()) return costs::kCutHeader;
+        const bool isTail = candidate.kind == EKind::Recording && candidate.claim > candidate.begin;
+        return candidate.moved != 0 || isTail ? costs::kValue : 0;
     }
 
     void FollowWithHeader(CNode node) {
@@ -181,7 +189,8 @@ class CExplainer {
         node.piece.end = header.end;
         if (header.kind == EKind::File) {
             node.recording = nullptr;
-            node.piece.shift = -header.begin;
+            node.isJoined = false;
+            node.piece.shift = -header.begin - header.moved;
             node.piece.ownShift = 0;
             return Offer(node);
         }
@@ -193,10 +202,15 @@ class CExplainer {
     void FollowWithSegment(CNode node) {
         const int same = SameRecordingCost(node);
         if (node.recording != nullptr) OfferReadings(node, same);
-        if (node.recording != nullptr && same == 0) return;
+        const std::int64_t shift = node.parent->piece.shift;
+        const bool isPassed = IsNextRecordingPassed(node, shift) ||
+                              IsNextRecordingPassed(node, node.Candidate().OwnShift().value_or(shift));
+        if (node.recording != nullptr && same == 0 && !isPassed) return;
         if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
         const int lost = LostRecordingCost(node);
         node.piece.lostRecording = true;
+        if (node.isJoined) node.cost += costs::kUnconfirmed;
+        node.isJoined = false;
         node.recording = &kLostRecording;
         OfferReadings(node, lost);
     }
@@ -284,20 +298,42 @@ class CExplainer {
         const std::int64_t shift = node.parent->piece.shift;
         const std::int64_t end = node.piece.end;
         if (node.piece.isCut) node.piece.end = m_size;
-        node.piece.shift = shift - moved;
-        if (position == kLost || position == kUnset) return Offer(node);
         if (IsPosition(position)) node.piece.ownShift = position - (end - moved);
-        if (node.piece.ownShift == shift) return Offer(node);
+        if (position == kLost || position == kUnset || node.piece.ownShift == shift) return OfferWith(node, shift);
+        if (HasMixedHeader(node)) node.cost += costs::kUnconfirmed;
         CNode wrong = node;
         wrong.cost += costs::kPosition;
-        Offer(wrong);
+        OfferWith(wrong, shift);
         if (node.piece.ownShift == kLost) return;
-        const std::int64_t by = node.piece.ownShift - shift;
-        const bool isByGap = node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
-                                              by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
+        const bool isByGap = ShiftsByGap(node);
         node.cost += isByGap ? costs::kShiftByGap : costs::kShift;
         if (isByGap) node.shiftBefore = shift;
-        node.piece.shift = node.piece.ownShift - moved;
+        OfferWith(node, node.piece.ownShift);
+    }
+
+    /// Returns whether the header of a node's recording seems to be the beginning of one and the end of another: the
+    /// first position after it shows that as many bytes are missing there as the one takes.
+    static bool HasMixedHeader(const CNode& node) {
+        return (node.isJoined || node.Candidate().IsJoined()) && node.piece.ownShift != kLost &&
+               node.piece.ownShift - node.parent->piece.shift >= LeastRecordingHdr();
+    }
+
+    /// Returns whether the position of a node shifts by the number of bytes that the gap before it shows to be missing
+    /// or too many, or back to the shift before. If a header was cut short, any number may be missing.
+    bool ShiftsByGap(const CNode& node) const {
+        const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
+        if (node.gap == 0)
+            return by > 0 && node.parent->piece.candidate != nullptr && node.parent->Candidate().IsCutShort();
+        return by == -node.gap || node.piece.ownShift == node.shiftBefore ||
+               by == OverlapOf(node.parent->piece.end, node.Candidate().begin);
+    }
+
+    /// Offers a node whose position has a shift, or would have it if it weren't wrong.
+    void OfferWith(CNode node, std::int64_t shift) {
+        const CCandidate& candidate = node.Candidate();
+        if (node.piece.ownShift == shift || candidate.kind == EKind::Recording) node.isJoined = candidate.IsJoined();
+        if (!node.piece.lostRecording && IsNextRecordingPassed(node, shift)) node.cost += costs::kPosition;
+        node.piece.shift = shift - candidate.moved;
         Offer(node);
     }
 
@@ -340,7 +376,6 @@ class CExplainer {
         int cost = node.parent->IsLastSegment() ? costs::kPosition : 0;
         if ((node.gap > 0 || MissingBefore(node) != 0) && node.recording != nullptr && IsForeign(node))
             cost += costs::kForeign;
-        if (IsNextRecordingPassed(node)) cost += costs::kPosition;
         return cost;
     }
 
@@ -358,8 +393,7 @@ class CExplainer {
     }
 
     int LostRecordingCost(const CNode& node) const {
-        const bool hasRoom =
-            node.gap + MissingBefore(node) >= static_cast<std::int64_t>(Layouts().front().recording.size);
+        const bool hasRoom = node.gap + MissingBefore(node) >= LeastRecordingHdr();
         const bool hasEnded = node.parent->IsLastSegment() && (node.gap > 0 || MissingBefore(node) != 0);
         const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
         return (hasRoom || hasEnded || isFirst || IsHeaderForeign(node) ? costs::kLostRecording
@@ -367,12 +401,12 @@ class CExplainer {
                (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
     }
 
-    /// Returns whether the gap before a node should hold the next recording header.
-    static bool IsNextRecordingPassed(const CNode& node) {
-        if (node.gap == 0 || !HasRecordingHdr(node)) return false;
+    /// Returns whether the next recording should begin before a segment that has a shift.
+    static bool IsNextRecordingPassed(const CNode& node, std::int64_t shift) {
+        if (!node.Is(EKind::Segment) || !HasRecordingHdr(node)) return false;
         const std::int64_t next = node.recording->from;
-        return IsPosition(next) && next - node.parent->piece.shift >= node.parent->piece.end &&
-               next - node.parent->piece.shift < node.Candidate().begin;
+        return IsPosition(next) && next >= node.parent->piece.end + node.parent->piece.shift &&
+               next < node.Candidate().begin + shift;
     }
 
     /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be

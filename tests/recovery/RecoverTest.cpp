@@ -580,6 +580,42 @@ TEST_F(RecoverTest, TwoHeadersWithoutTheBytesBetweenThemAreNotJoined) {
     EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(end, 180))), Without(Without(original, 3), 2));
 }
 
+// The end of a recording header, its segments and the beginning of the next header are removed. What is left has the
+// name of the first recording, but the segments of the second one.
+TEST_F(RecoverTest, SegmentsAfterThePartsOfTwoRecordingHeadersAreNotOfTheFirst) {
+    const auto chain = [](std::int64_t from, std::int64_t at) {
+        return ChainBytes(
+            {{11, from, kWell11}, {12, from, kWell12}, {11, from + 400, kWell11}, {12, from + 400, kWell12}}, at);
+    };
+    const std::string file = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 4882}) + chain(0, 3650) +
+                             RecordingHdrBytes({.recording = 2, .data = 7342}) + chain(10'000, 7342);
+    for (std::size_t first = 3; first < 2460; first += 117 * kStride) {
+        for (std::size_t second = 1; second < 2460 && !HasFailure(); second += 131) {
+            SCOPED_TRACE(testing::Message() << first << " bytes of one header, all but " << second << " of the other");
+            const std::vector<CSeen> kept = Recovered(std::string(file).erase(1190 + first, 3692 - first + second));
+            EXPECT_EQ(kept.size(), 4U);
+            const auto& doubts = m_report.doubts.first;
+            const bool isDoubted = std::ranges::count(doubts, EReason::OtherRecording, &CRemark::reason) > 0;
+            const auto isOfFirst = [](const CSeen& seen) { return seen.recording == "CompoundTest1"; };
+            // The position of the second recording header is whole in the first 300 bytes.
+            EXPECT_TRUE(std::ranges::none_of(kept, isOfFirst) || (first < 300 && isDoubted));
+        }
+    }
+}
+
+// Bytes of the header itself, and of what is before it.
+TEST_F(RecoverTest, CopiesInARecordingHeaderCostNothing) {
+    const CWritten file = TakingTurns(3);
+    for (std::size_t at = 1; at < 2460; at += 89 * kStride) {
+        for (const std::size_t size : {1U, 50U, 300U, 600U}) {
+            SCOPED_TRACE(testing::Message() << size << " bytes at " << at);
+            const std::size_t place = 1190 + at;
+            EXPECT_EQ(Recovered(std::string(file.bytes).insert(place, file.bytes, place - size, size)), file.segments);
+            EXPECT_FALSE(m_report.IsComplete());
+        }
+    }
+}
+
 // Exactly one segment's length is removed, so that another header is where the next one should be.
 TEST_F(RecoverTest, BytesRemovedByTheLengthOfASegmentAreReported) {
     const CWritten file = TakingTurns(4);
