@@ -70,7 +70,8 @@ class CAccountant {
 
     void TakeRecording(const CPiece& piece, const CCandidate& recording) {
         const bool isDirect = m_end == recording.begin;
-        BeginRecording(FoundRecording(m_window, recording));
+        BeginRecording(FoundRecording(m_window, recording), piece.shift + recording.moved);
+        if (isDirect) DoubtFirstCells(piece);
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
         if (recording.moved > 0) DoubtMoved(piece);
@@ -79,9 +80,10 @@ class CAccountant {
                     {.from = recording.begin, .to = piece.end});
     }
 
-    void BeginRecording(CFoundRecording recording) {
+    /// Begins a recording at whose header positions have a shift.
+    void BeginRecording(CFoundRecording recording, std::int64_t shift) {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
-        DoubtUnshown(recording.header.begin + m_shift);
+        DoubtUnshown(recording.header.begin + shift);
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
@@ -150,22 +152,24 @@ class CAccountant {
         if (candidate.kind == EKind::Segment && !piece.lostRecording) DoubtAfterLoss(piece, begin);
     }
 
-    /// Reports a segment up to whose beginning bytes belong to nothing or are missing, if a recording header may have
-    /// been among them.
+    /// Reports a segment before which a recording header may have been: among bytes that belong to nothing, or that are
+    /// missing by its position. After a gap, even a wrong position counts. If more bytes are too many than the gap has,
+    /// what is there is unknown.
     void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
-        const bool isGap = begin > m_end;
-        const bool hasShift = piece.ownShift != kLost && (isGap || IsShown(piece));
-        const std::int64_t lost = begin - m_end + (hasShift ? piece.ownShift - m_shift : 0);
+        const std::int64_t gap = std::max<std::int64_t>(begin - m_end, 0);
+        const bool hasShift = piece.ownShift != kLost && (gap > 0 || IsShown(piece));
+        const std::int64_t lost = gap + (hasShift ? piece.ownShift - m_shift : 0);
         const bool hasRoom = lost >= FormOf(EKind::Recording, Layouts()[piece.candidate->form->layout]).size;
         const bool isConfirmed = piece.nextRecording != kLost && piece.nextRecording == m_nextRecording;
-        if (!isConfirmed && (hasRoom || (isGap && (lost < 0 || NextRecordingIn(begin))))) DoubtRecordingOf(piece);
+        if (!isConfirmed && (hasRoom || lost < 0 || (gap > 0 && NextRecordingIn(begin)))) DoubtRecordingOf(piece);
     }
 
     /// Reports the segments since which no position shows where they are, if the next recording isn't where its
     /// position should be: they may be of one between.
     void DoubtUnshown(std::int64_t should) {
         const bool isMissed = m_nextRecording != should && m_nextRecording != kLost && m_nextRecording != kUnset;
-        if (m_unshown != nullptr && isMissed) DoubtRecordingOf(*m_unshown);
+        const auto isInParts = [this] { return m_found.recordings.back().header.moved != 0; };
+        if (m_unshown != nullptr && (isMissed || (should == kUnset && isInParts()))) DoubtRecordingOf(*m_unshown);
         m_unshown = nullptr;
         m_isRecordingDoubted = false;
     }
@@ -229,20 +233,20 @@ class CAccountant {
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
-        if (begin > m_end && left.end <= begin && left.whole > 0) return BeginRecording(FoundRecording(m_window, left));
+        if (begin > m_end && left.end <= begin && left.whole > 0)
+            return BeginRecording(FoundRecording(m_window, left), m_shift);
         CFoundRecording lost;
         lost.header.begin = left.begin;
-        BeginRecording(std::move(lost));
+        BeginRecording(std::move(lost), m_shift);
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
     /// inserted into its samples or removed from them.
     void DoubtSegmentBefore(const CPiece& piece, const CCandidate& candidate, bool isGap) {
-        const std::int64_t shift = piece.shownShift;
-        if (!isGap && shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
-            DoubtPiece(EReason::OtherHeader, piece);
+        if (!isGap && candidate.kind != EKind::Recording) DoubtFirstCells(piece);
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
+        const std::int64_t shift = piece.shownShift;
         const bool isShort = candidate.begin < m_end || (piece.lostRecording && !isGap);
         const bool isAstray = IsAloneAstray(piece);
         if (!isShort && !isAstray && shift == kLost) {
@@ -255,6 +259,14 @@ class CAccountant {
         } else if (shiftAfter < m_shift) {
             DoubtPiece(EReason::PutIn, *Before());
         }
+    }
+
+    /// Reports a header that follows another one directly if a header's worth of bytes is missing: the cut may be
+    /// within it.
+    void DoubtFirstCells(const CPiece& piece) {
+        const std::int64_t shift = piece.shownShift;
+        if (shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
+            DoubtPiece(EReason::OtherHeader, piece);
     }
 
     // ---- The end ----------------------------------------------------------------------------------------------------

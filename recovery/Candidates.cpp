@@ -50,9 +50,10 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
     if (form.kind == EKind::File) {
         candidate.next = position("FPosFirstRecordingHdr");
     } else if (form.kind == EKind::Recording) {
-        // Next to the place where cells moved, a cell may be a mixture of two.
-        const bool isMixed = candidate.IsJoined() && cells.damaged[form.RowOf("FPosRecordingData")];
-        candidate.next = isMixed ? kLost : position("FPosRecordingData");
+        // The cell before those that moved may lack its end.
+        const std::size_t row = form.RowOf("FPosRecordingData");
+        const bool isCut = candidate.IsJoined() && (cells.damaged[row] || row + 1 == place.movedRow);
+        candidate.next = isCut ? kLost : position("FPosRecordingData");
         candidate.from = position("FPosNextRecordingHdr");
     } else {
         candidate.next = position("FPosNextSegmentHdr");
@@ -153,8 +154,8 @@ class CSearch {
                (KnowsItsPlace(candidate) || BestAt(m_window, EKind::Segment, candidate.end).IsWhole());
     }
 
-    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there. Two readings of one
-    /// header end together.
+    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there, unless both are
+    /// readings of one header: those end together.
     void Keep(const CCandidate& candidate) {
         const auto size = static_cast<std::int64_t>(Layouts().back().recording.size);
         for (std::size_t i = m_found.list.size(); i > 0 && m_found.list[i - 1].claim + size > candidate.begin; --i) {
@@ -162,7 +163,7 @@ class CSearch {
             if (around.kind == EKind::Recording && !around.IsWhole() && around.moved == 0 &&
                 around.begin < candidate.claim && candidate.claim < around.end &&
                 (candidate.kind != EKind::Recording || candidate.end != around.end))
-                Add(Shortened(around, candidate.claim));
+                AddShortened(around, candidate.claim);
         }
         Add(candidate);
     }
@@ -175,18 +176,20 @@ class CSearch {
         m_found.list.push_back(candidate);
     }
 
-    /// Returns a header that ends early: without its end, or if that makes more cells whole, without bytes before some
+    /// Adds a header that ends early: without its end, and if that makes more cells whole, without bytes before some
     /// row.
-    CCandidate Shortened(const CCandidate& header, std::int64_t end) {
+    void AddShortened(const CCandidate& header, std::int64_t end) {
         const auto read = [&](std::size_t row) {
             return Read(m_window, *header.form, {.begin = header.begin, .movedRow = row, .moved = end - header.end});
         };
-        CCandidate best = read(header.form->cells.size());
+        const CCandidate cut = read(header.form->cells.size());
+        CCandidate best = cut;
         for (std::size_t row = header.form->cells.size(); row-- > 0;) {
-            const CCandidate shortened = read(row);
-            if (shortened.whole > best.whole) best = shortened;
+            const CCandidate joined = read(row);
+            if (joined.whole > best.whole) best = joined;
         }
-        return best;
+        Add(cut);
+        if (best.whole > cut.whole) Add(best);
     }
 
     /// Finds where the rest of a header is if bytes were inserted into it or removed from it: from the key of a cell
@@ -208,7 +211,7 @@ class CSearch {
             int left = kMostMarks;
             for (std::size_t at = text.find(mark); at < text.size() && left > 0; at = text.find(mark, at + 1), --left) {
                 const std::int64_t moved = static_cast<std::int64_t>(offset + at) - expected;
-                if (moved == 0 || std::abs(moved) >= form.size) continue;
+                if (moved == 0 || std::abs(moved) > form.size) continue;
                 const CCandidate found = Read(m_window, form, {.begin = begin, .movedRow = row, .moved = moved});
                 // A segment header that begins there is one of its own. Positions show whether a recording header is.
                 const bool isOne = row == rows || form.kind != EKind::Segment ||
@@ -246,18 +249,17 @@ class CSearch {
     std::int64_t m_goOn = 0;
 };
 
-/// Both versions may fit the end of a header: keeps the reading with more whole cells. Which of two readings is right
-/// that differ in how far cells moved, the positions show.
+/// Of the readings of one header that end together, with cells that moved equally far, keeps those with the most whole
+/// cells. If they moved differently, positions show which reading is right.
 void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
-    const auto rank = [](const CCandidate& candidate) {
-        return std::tuple(candidate.end, candidate.kind, -candidate.whole, candidate.moved != 0, candidate.damaged);
-    };
+    const auto group = [](const CCandidate& one) { return std::tuple(one.end, one.kind, one.moved, one.IsJoined()); };
+    const auto rank = [&](const CCandidate& one) { return std::tuple(group(one), -one.whole, one.damaged); };
     std::ranges::sort(list, {}, rank);
-    const auto isSame = [](const CCandidate& one, const CCandidate& other) {
-        return one.kind == other.kind && one.end == other.end && one.moved == other.moved &&
-               one.kind != EKind::Segment && (other.whole < one.whole || one.form == other.form);
+    const auto isWorse = [&](const CCandidate& kept, const CCandidate& one) {
+        return one.kind != EKind::Segment && group(one) == group(kept) &&
+               (one.whole < kept.whole || one.form == kept.form);
     };
-    list.erase(std::unique(list.begin(), list.end(), isSame), list.end());
+    list.erase(std::unique(list.begin(), list.end(), isWorse), list.end());
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ struct CCandidate {
     std::int64_t size = 0;  ///< Segment: number of samples.
     std::int32_t well = 0;  ///< Segment: well ID. Recording: index of its channels in `CCandidates`.
     std::int16_t moved = 0;
-    std::uint8_t movedRow = 0;
+    std::uint8_t movedRow = 0;  ///< The first row that moved; the number of rows if only the end of the header did.
     EKind kind = EKind::Segment;
     std::uint8_t damaged = 0;  ///< Number of damaged cells.
     std::uint8_t whole = 0;    ///< Number of undamaged cells, wherever they are.

@@ -28,10 +28,10 @@ struct CNode {
     std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
     std::shared_ptr<CNode> parent;
-    std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
-    bool goesOn = false;                    ///< It continues after a file within samples.
-    bool isJoined = false;                  ///< No position confirms how far cells moved in its recording header.
-    const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
+    std::int64_t shiftBefore = kLost;  ///< The shift before the last known change of it, or before the recording.
+    bool goesOn = false;               ///< It continues after a file within samples.
+    bool isUnconfirmedJoin = false;    ///< Cells moved in its recording header, and no position since confirms how far.
+    const CNode* file = nullptr;       ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
 
     /// Releases the pieces before it one by one: there may be too many for one call within another.
@@ -166,22 +166,31 @@ class CExplainer {
         if (end > candidate.claim) return;
         CNode node{.piece = {.candidate = &candidate},
                    .parent = parent,
-                   .isJoined = parent->isJoined,
+                   .isUnconfirmedJoin = parent->isUnconfirmedJoin,
                    .file = parent->file,
                    .recording = parent->recording};
         node.shiftBefore =
             candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
-        node.cost = parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
-                    costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
-                    (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + MovedCost(candidate);
+        // Without the header that contradicts it, a mixed one would seem to be sound.
+        if (parent->isUnconfirmedJoin && node.gap > 0 && IsWholeAt(end)) node.cost += costs::kMixedHeader;
+        node.cost += parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
+                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
+                     (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + PartsCost(candidate, end);
         candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
     }
 
-    static int MovedCost(const CCandidate& candidate) {
+    /// Returns whether a whole header begins at an offset.
+    bool IsWholeAt(std::int64_t offset) const {
+        return m_candidates.WholeAt(EKind::Segment, offset) != nullptr ||
+               m_candidates.WholeAt(EKind::Recording, offset) != nullptr;
+    }
+
+    /// Returns what the parts of a candidate cost that moved or are missing, if it follows a piece that ends at `end`.
+    static int PartsCost(const CCandidate& candidate, std::int64_t end) {
         if (candidate.IsCutShort()) return costs::kCutHeader;
-        const bool isTail = candidate.kind == EKind::Recording && candidate.claim > candidate.begin;
-        return candidate.moved != 0 || isTail ? costs::kValue : 0;
+        if (candidate.moved != 0) return costs::kValue;
+        return candidate.kind == EKind::Recording && candidate.begin < end ? costs::kNoBeginning : 0;
     }
 
     void FollowWithHeader(CNode node) {
@@ -189,7 +198,7 @@ class CExplainer {
         node.piece.end = header.end;
         if (header.kind == EKind::File) {
             node.recording = nullptr;
-            node.isJoined = false;
+            node.isUnconfirmedJoin = false;
             node.piece.shift = -header.begin - header.moved;
             node.piece.ownShift = 0;
             return Offer(node);
@@ -209,8 +218,8 @@ class CExplainer {
         if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
         const int lost = LostRecordingCost(node);
         node.piece.lostRecording = true;
-        if (node.isJoined) node.cost += costs::kUnconfirmed;
-        node.isJoined = false;
+        if (node.isUnconfirmedJoin) node.cost += costs::kMixedHeader;
+        node.isUnconfirmedJoin = false;
         node.recording = &kLostRecording;
         OfferReadings(node, lost);
     }
@@ -300,7 +309,7 @@ class CExplainer {
         if (node.piece.isCut) node.piece.end = m_size;
         if (IsPosition(position)) node.piece.ownShift = position - (end - moved);
         if (position == kLost || position == kUnset || node.piece.ownShift == shift) return OfferWith(node, shift);
-        if (HasMixedHeader(node)) node.cost += costs::kUnconfirmed;
+        if (HasMixedHeader(node)) node.cost += costs::kMixedHeader;
         CNode wrong = node;
         wrong.cost += costs::kPosition;
         OfferWith(wrong, shift);
@@ -311,11 +320,15 @@ class CExplainer {
         OfferWith(node, node.piece.ownShift);
     }
 
-    /// Returns whether the header of a node's recording seems to be the beginning of one and the end of another: the
-    /// first position after it shows that as many bytes are missing there as the one takes.
+    /// Returns whether a recording header in which cells moved seems to be the beginning of one header and the end of
+    /// another. Then the first position of the second one doesn't shift as the cells did. If it points back, the bytes
+    /// that are too many may be in the gap before it.
     static bool HasMixedHeader(const CNode& node) {
-        return (node.isJoined || node.Candidate().IsJoined()) && node.piece.ownShift != kLost &&
-               node.piece.ownShift - node.parent->piece.shift >= LeastRecordingHdr();
+        const CCandidate& candidate = node.Candidate();
+        const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
+        if (node.piece.ownShift == kLost || !(node.isUnconfirmedJoin || isOfEnd)) return false;
+        const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
+        return by > 0 || -by > node.gap;
     }
 
     /// Returns whether the position of a node shifts by the number of bytes that the gap before it shows to be missing
@@ -328,10 +341,14 @@ class CExplainer {
                by == OverlapOf(node.parent->piece.end, node.Candidate().begin);
     }
 
-    /// Offers a node whose position has a shift, or would have it if it weren't wrong.
+    /// Offers a node at which positions have a shift. Its own has another one if it is wrong.
     void OfferWith(CNode node, std::int64_t shift) {
         const CCandidate& candidate = node.Candidate();
-        if (node.piece.ownShift == shift || candidate.kind == EKind::Recording) node.isJoined = candidate.IsJoined();
+        if (candidate.kind == EKind::Recording) {
+            node.isUnconfirmedJoin = candidate.IsJoined();  // its own position may be of its beginning
+        } else if (node.piece.ownShift == shift) {
+            node.isUnconfirmedJoin = false;
+        }
         if (!node.piece.lostRecording && IsNextRecordingPassed(node, shift)) node.cost += costs::kPosition;
         node.piece.shift = shift - candidate.moved;
         Offer(node);
@@ -401,7 +418,7 @@ class CExplainer {
                (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
     }
 
-    /// Returns whether the next recording should begin before a segment that has a shift.
+    /// Returns whether the next recording should begin before a segment, if positions have a shift there.
     static bool IsNextRecordingPassed(const CNode& node, std::int64_t shift) {
         if (!node.Is(EKind::Segment) || !HasRecordingHdr(node)) return false;
         const std::int64_t next = node.recording->from;

@@ -13,20 +13,22 @@ namespace vxfileio::recovery {
 /// What an explanation costs, as in the table of `docs/recovery.md`, which has the reasons. The best explanation has
 /// the lowest sum.
 namespace costs {
-inline constexpr int kHeader = -240;  ///< A header, times the share of its undamaged cells.
-inline constexpr int kGap = 100;      ///< Bytes that belong to nothing, and twice the logarithm of their number.
-inline constexpr int kValue = 80;     ///< A value that contradicts the others or is computed; cells that moved or lack.
-inline constexpr int kVersion = 80;   ///< A recording of another version than the one before.
-inline constexpr int kHeaderWithin = 80;      ///< A whole header within samples.
-inline constexpr int kFileWithin = 100;       ///< A file within the samples of a segment whose header is lost.
-inline constexpr int kLostRecording = 80;     ///< A recording whose header is lost.
+inline constexpr int kHeader = -240;       ///< A header, times the share of its undamaged cells.
+inline constexpr int kGap = 100;           ///< Bytes that belong to nothing, and twice the logarithm of their number.
+inline constexpr int kValue = 80;          ///< A value that contradicts the others, or is computed; cells that moved.
+inline constexpr int kVersion = 80;        ///< A recording of another version than the one before.
+inline constexpr int kHeaderWithin = 80;   ///< A whole header within samples.
+inline constexpr int kFileWithin = 100;    ///< A file within the samples of a segment whose header is lost.
+inline constexpr int kLostRecording = 80;  ///< A recording whose header is lost.
 inline constexpr int kForcedRecording = 200;  ///< The same, where there is no room for a header.
 inline constexpr int kCutHeader = 160;        ///< A recording header without its end.
+inline constexpr int kNoBeginning = 80;       ///< A recording header without its beginning.
 inline constexpr int kForeign = 100;          ///< A segment after a gap that doesn't fit its recording.
 inline constexpr int kPosition = 150;         ///< A wrong position.
 inline constexpr int kShift = 160;            ///< From here on, all positions are wrong by the same distance.
 inline constexpr int kShiftByGap = 20;        ///< The same, by the number of missing or extra bytes here.
-inline constexpr int kUnconfirmed = 1000;     ///< Nothing confirms a damaged header, or a position contradicts it.
+inline constexpr int kUnconfirmed = 1000;     ///< Nothing confirms where a segment with a damaged header ends.
+inline constexpr int kMixedHeader = 1000;     ///< A recording header whose end seems to be that of another one.
 inline constexpr int kCut = 60;               ///< The input ends within the samples.
 inline constexpr int kNearlyEqual = 5;        ///< Two explanations this close are ambiguous.
 }  // namespace costs

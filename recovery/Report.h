@@ -40,7 +40,7 @@ enum class EReason : std::uint8_t {
     Unconfirmed,      ///< Nothing confirms that this segment ends here: its last samples may be wrong.
     PutIntoHeader,    ///< Bytes were inserted into its header; its samples are whole.
     TakenFromHeader,  ///< Bytes were removed from its header; its samples are whole.
-    OtherHeader,      ///< Bytes were removed before it or in its header: it may be of another well.
+    OtherHeader,      ///< Bytes were removed before it or in its header: its first cells may be of another one.
     MaybeEmpty,       ///< The input ends after the header of a recording.
     Ambiguous,        ///< Another explanation is nearly as good.
     OtherRecording,   ///< It and those after it may be of a recording whose header was lost before it.

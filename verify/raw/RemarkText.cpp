@@ -102,7 +102,8 @@ std::string DoubtText(const CRemark& remark) {
             return "bytes were removed from its header; what follows it is whole";
         case EReason::OtherHeader:
             return "bytes were removed before it or within its header: " +
-                   std::string(remark.wellID ? "it may be of another well" : "its first cells may be those of another");
+                   std::string(remark.wellID ? "it may be of another well"
+                                             : "its first cells may be of another recording");
         case EReason::MaybeEmpty:
             return "the file ends after the header of this recording: if it had segments, they are gone";
         case EReason::Ambiguous:
