@@ -47,27 +47,6 @@ TEST(CellTest, EmptyTextClears) {
     EXPECT_EQ(cell.Type(), CellType::Undefined);
 }
 
-TEST(CellTest, KeepsShortAndLongTexts) {
-    Cell cell;
-    for (std::size_t size = 1; size < 40; ++size) {
-        for (const std::size_t before : {1U, 30U}) {
-            cell.SetText(std::string(before, 'o'));
-            const std::string text = std::string(size - 1, 'n') + "t";
-            cell.SetText(text);
-            EXPECT_EQ(cell.GetText(), text);
-            cell.SetText(cell.GetText().substr(size / 2));  // part of its own text
-            EXPECT_EQ(cell.GetText(), text.substr(size / 2));
-            const std::u16string wide = std::u16string(size - 1, u'\u0457') + u"t";
-            cell.SetWideText(wide);
-            EXPECT_EQ(cell.GetWideText(), wide);
-            cell.SetWideText(cell.GetWideText().substr(size / 2));
-            EXPECT_EQ(cell.GetWideText(), wide.substr(size / 2));
-        }
-    }
-    cell.SetDouble(-2.75);
-    EXPECT_EQ(cell.GetDouble(), -2.75);
-}
-
 TEST(CellTest, TextEndsAtItsNulAndAtTheLimitOfSpreadsheets) {
     Cell cell;
     cell.SetText(std::string_view("ab\0cd", 5));

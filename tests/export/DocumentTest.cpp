@@ -19,47 +19,6 @@ std::string Names(const Document& document) {
     return names;
 }
 
-TEST(DocumentTest, CreateSheetsReplacesAllSheets) {
-    Document document;
-    EXPECT_EQ(document.FindSheet("Sheet1"), nullptr);
-    document.CreateSheets(3);
-    EXPECT_EQ(Names(document), "Sheet1 Sheet2 Sheet3 ");
-    document.FindSheet("Sheet1")->At(0, 0)->SetText("old");
-    for (const int count : {1, 0, -5}) {
-        document.CreateSheets(count);
-        EXPECT_EQ(Names(document), "Sheet1 ");
-        EXPECT_EQ(document.FindSheet("Sheet1")->RowCount(), 0U);
-    }
-}
-
-TEST(DocumentTest, SheetsKeepTheOrderInWhichTheyWereInserted) {
-    Document document;
-    document.CreateSheets(2);
-    Sheet* const second = document.FindSheet("Sheet2");
-    const Sheet* const first = document.AddSheet("first", 0);
-    EXPECT_EQ(document.FindSheet("first"), first);
-    document.AddSheet("third", 2);
-    document.AddSheet("last", -1);
-    document.AddSheet("beyond", 99);
-    EXPECT_EQ(Names(document), "first Sheet1 third Sheet2 last beyond ");
-    EXPECT_EQ(document.FindSheet("Sheet2"), second);
-    EXPECT_EQ(document.AddSheet("last"), nullptr);
-}
-
-TEST(DocumentTest, DefaultNamesSkipThoseInUse) {
-    Document document;
-    document.CreateSheets(1);
-    document.AddSheet("Sheet3");
-    document.AddSheet("Sheet4", 0);
-    const Sheet* const fifth = document.AddDefaultSheet(0);
-    const Sheet* const sixth = document.AddDefaultSheet();
-    EXPECT_EQ(document.FindSheet("Sheet5"), fifth);
-    EXPECT_EQ(document.FindSheet("Sheet6"), sixth);
-    document.AddSheet("Sheet7");
-    document.AddDefaultSheet();
-    EXPECT_EQ(Names(document), "Sheet5 Sheet4 Sheet1 Sheet3 Sheet6 Sheet7 Sheet8 ");
-}
-
 TEST(DocumentTest, RenameNeedsAnExistingNameAndAFreeOne) {
     Document document;
     document.CreateSheets(2);

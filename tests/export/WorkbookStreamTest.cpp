@@ -37,24 +37,6 @@ std::string TextCell(unsigned row, unsigned column, std::uint32_t index) {
     return U16(row) + U16(column) + U16(0) + U32(index);
 }
 
-TEST_F(WorkbookStreamTest, AWorkbookHasEachTextOnce) {
-    m_document.AddSheet("Averages");
-    Sheet& second = *m_document.FindSheet("Averages");
-    second.At(0, 0)->SetText("both");
-    First().At(5, 0)->SetText("both");
-    First().At(5, 1)->SetWideText(u"both");
-    First().At(5, 2)->SetText("");
-    First().At(4, 3)->SetText("used first");
-    second.At(0, 1)->SetWideText(u"both");
-    EXPECT_EQ(Cells(), (std::vector<std::string>{TextCell(4, 3, 0), TextCell(5, 0, 1), TextCell(5, 1, 2),
-                                                 TextCell(0, 0, 1), TextCell(0, 1, 2)}));
-    EXPECT_EQ(Table(), U32(5) + U32(3) +                      // total, unique
-                           U16(10) + U8(0) + "used first" +   //
-                           U16(4) + U8(0) + "both" +          //
-                           U16(4) + U8(1) + Units(u"both"));  //
-    EXPECT_EQ(StreamOf(m_document), StreamOf(m_document));
-}
-
 // Enough texts for the index to grow several times.
 TEST_F(WorkbookStreamTest, ThousandsOfTextsKeepTheirIndices) {
     constexpr unsigned kTexts = 3000;

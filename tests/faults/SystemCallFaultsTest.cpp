@@ -366,6 +366,12 @@ TEST_F(FlushToDiskTest, WritesWhatWasRefusedAndFailsIfASegmentIsMissing) {
     EndCalls();
     EXPECT_TRUE(m_writer.FlushToDisk());
     EXPECT_EQ(ReadAll(m_path).size(), 3650U);
+    BeginCalls(1, {.error = ENOSPC, .goesOn = true, .calls = "pwritev"});
+    m_writer.UpdateFileHdr("PostQC", {"8"});
+    EndCalls();
+    EXPECT_EQ(ReadAll(m_path).substr(790, 9), std::string("PostQC\0\0\0", 9));
+    EXPECT_TRUE(m_writer.FlushToDisk());
+    EXPECT_EQ(ReadAll(m_path).substr(790, 9), std::string("PostQC=8\0", 9));
     BeginCalls(1, {.error = ENOSPC, .calls = "pwritev"});
     m_writer.WriteData(7, 0, 0, 1, &sample);
     EndCalls();

@@ -57,22 +57,6 @@ TEST_F(ReaderTest, ListsAreInFileOrder) {
     EXPECT_EQ(m_reader.GetRecordingHdr("Series", 3), nullptr);
 }
 
-// There are more headers than are read at once.
-TEST_F(ReaderTest, ConsecutiveHeadersAreReadWhole) {
-    std::string bytes = FileHdrBytes(1190);
-    for (int i = 1; i <= 40; ++i) {
-        const auto end = static_cast<std::int64_t>(bytes.size()) + 2460;
-        bytes += RecordingHdrBytes({.recording = i, .data = end, .next = i < 40 ? end : -1});
-    }
-    OpenBytes(bytes);
-    EXPECT_EQ(m_reader.GetIndex()->GetCount(), 40);
-    for (int i = 1; i <= 40; ++i) {
-        const CRawDataRecordingHdr* const header = m_reader.GetRecordingHdr("CompoundTest", i);
-        ASSERT_NE(header, nullptr) << i;
-        EXPECT_TRUE(header->RecordingTime == 300 && header->WellChannels.at(1).ADZero == 32768) << i;
-    }
-}
-
 TEST_F(ReaderTest, DuplicateRecordingsUseTheFirstHeaderAndTheLastFinishedData) {
     const auto twin = [](std::int64_t data, std::int64_t next, const char* wells) {
         return RecordingHdrBytes({.data = data, .next = next, .wellIDs = wells});
@@ -83,29 +67,6 @@ TEST_F(ReaderTest, DuplicateRecordingsUseTheFirstHeaderAndTheLastFinishedData) {
     EXPECT_EQ(m_reader.GetRecordingHdr("CompoundTest", 1)->WellChannels[0].ID, 11);
     ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));  // the third isn't finished
     EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
-}
-
-TEST_F(ReaderTest, SelectedWellIsReadIntoABufferOfItsSize) {
-    OpenBytes(SmallFileBytes());
-    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
-    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
-    m_reader.SelectWellID(12);
-    EXPECT_EQ(SegmentsOf(m_reader), "12[0..300]7,8,9,10 end");
-}
-
-TEST_F(ReaderTest, SegmentsAreReadInOrderUntilTheChainEnds) {
-    OpenBytes(SmallFileBytes());
-    EXPECT_EQ(SegmentsOf(m_reader), "end");
-    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
-    EXPECT_EQ(SegmentsOf(m_reader), "11[0..300]1,256,65535,32768 12[0..300]7,8,9,10 end");
-    EXPECT_EQ(SegmentsOf(m_reader), "end");
-    EXPECT_FALSE(m_reader.JumpToData("CompoundTest", 2));
-    EXPECT_FALSE(m_reader.JumpToData("Compoundtest", 1));
-    EXPECT_EQ(SegmentsOf(m_reader), "end");
-    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
-    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
-    ASSERT_TRUE(m_reader.JumpToData("CompoundTest", 1));
-    EXPECT_EQ(SegmentsOf(m_reader, 1), "11[0..300]1,256,65535,32768");
 }
 
 TEST_F(ReaderTest, SelectionOfAWellSurvivesJumpsAndOpens) {

@@ -24,17 +24,4 @@ TEST(GlobalRecordsTest, SheetNamesAreCutToAOneByteLength) {
               U16(0x0085) + U16(263) + head + U8(255) + U8(0) + std::string(255, 'x'));
 }
 
-TEST(GlobalRecordsTest, SharedStringsAndTheirOffsets) {
-    ExpectRecord(SharedStringTable(), U16(0x00FC) + U16(8) + U32(0) + U32(0));
-    const SharedStringTable table{
-        .total = 9, .strings = {SstString(std::string_view("ab")), SstString(std::u16string_view(u"ab")), SstString()}};
-    ExpectRecord(table, U16(0x00FC) + U16(23) +              //
-                            U32(9) + U32(3) +                // total, unique
-                            U16(2) + U8(0) + "ab" +          // narrow
-                            U16(2) + U8(1) + Units(u"ab") +  // wide
-                            U16(0) + U8(0));                 // empty
-    const ExtSST where{.stringsPerBucket = 8, .buckets = {{.position = 700, .offset = 12}}};
-    ExpectRecord(where, U16(0x00FF) + U16(10) + U16(8) + U32(700) + U16(12) + U16(0), 1);
-}
-
 }  // namespace

@@ -52,15 +52,6 @@ TEST_F(DirectoryTest, SiblingsHangFromTheMiddleInTheOrderOfTheirNames) {
               (Lines{"Root Entry - - 4", "Z - - -", "a 1 - -", "e 2 - -", "\x80 3 5 -", "bb - 6 -", "ccc - - -"}));
 }
 
-TEST_F(DirectoryTest, EntriesKeepTheirLinksWhenOthersAreInserted) {
-    EXPECT_EQ(m_storage.MakeFile("S\\inner"), 1);
-    EXPECT_EQ(m_storage.MakeFile("T"), 1);
-    EXPECT_EQ(Links(Read()), (Lines{"Root Entry - - 2", "S - - 3", "T 1 - -", "inner - - -"}));
-    EXPECT_EQ(m_storage.MakeFile("S\\a"), 1);
-    EXPECT_EQ(m_storage.MakeDirectory("A"), 1);
-    EXPECT_EQ(Links(Read()), (Lines{"Root Entry - - 2", "A - - -", "S 1 3 5", "T - - -", "a - - -", "inner 4 - -"}));
-}
-
 TEST_F(DirectoryTest, PathsStartAtTheRootOrTheCurrentStorage) {
     EXPECT_EQ(m_storage.MakeFile("\\a\\b\\c"), 1);
     EXPECT_EQ(m_storage.ChangeDirectory(""), -1);
@@ -87,15 +78,6 @@ TEST_F(DirectoryTest, PathsStartAtTheRootOrTheCurrentStorage) {
                                                                   {"a/in a", "content in a"},
                                                                   {"also in root", ""},
                                                                   {"in root", "content in root"}}));
-}
-
-TEST_F(DirectoryTest, OnlyStreamsTakeData) {
-    EXPECT_EQ(m_storage.MakeDirectory("storage"), 1);
-    const std::string before = Bytes();
-    for (const std::string path : {"", "\\", ".", "..", "storage", "storage\\", "missing", "missing\\x", "Root Entry"})
-        EXPECT_EQ(Write(path, "data"), -4) << path;
-    EXPECT_EQ(Write(std::string(100000, '\\'), "data"), -4);
-    EXPECT_EQ(Bytes(), before);
 }
 
 TEST_F(DirectoryTest, DirectoryGrowsOverManySectors) {

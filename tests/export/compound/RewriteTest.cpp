@@ -66,15 +66,6 @@ TEST_F(RewriteTest, PiecesFollowAChainBackwardsAndEndAtTheDeclaredSize) {
     EXPECT_EQ(WriteInPieces("missing", "x", kSector, 1), -4);
 }
 
-TEST_F(RewriteTest, EmptyStreamNeedsNoSectorInAFullFat) {
-    Add("full", Pattern(126 * kSector));
-    Add("empty", "");
-    const std::string bytes = Bytes();
-    EXPECT_EQ(bytes.size(), 129 * kSector);
-    EXPECT_EQ(U32(bytes, 44), 1U);
-    EXPECT_EQ(U32(bytes, 64), 0U);
-}
-
 TEST_F(RewriteTest, StreamsStayWholeForAnyOrderOfSizes) {
     constexpr std::array<std::size_t, 12> kSizes = {0, 1, 64, 65, 700, 4095, 4096, 4097, 9000, 64512, 65025, 150000};
     auto random = [state = 1U]() mutable { return (state = state * 1664525U + 1013904223U) >> 16U; };
