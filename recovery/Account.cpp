@@ -164,12 +164,12 @@ class CAccountant {
         if (!isConfirmed && (hasRoom || lost < 0 || (gap > 0 && NextRecordingIn(begin)))) DoubtRecordingOf(piece);
     }
 
-    /// Reports the segments since which no position shows where they are, if the next recording isn't where its
-    /// position should be: they may be of one between.
+    /// Reports the segments since which no position shows where they are, if the position of the next recording isn't
+    /// what it should be, or nothing shows that either and their header is in parts: they may be of another recording.
     void DoubtUnshown(std::int64_t should) {
-        const bool isMissed = m_nextRecording != should && m_nextRecording != kLost && m_nextRecording != kUnset;
         const auto isInParts = [this] { return m_found.recordings.back().header.moved != 0; };
-        if (m_unshown != nullptr && (isMissed || (should == kUnset && isInParts()))) DoubtRecordingOf(*m_unshown);
+        const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
+        if (m_unshown != nullptr && (isKnown ? m_nextRecording != should : isInParts())) DoubtRecordingOf(*m_unshown);
         m_unshown = nullptr;
         m_isRecordingDoubted = false;
     }

@@ -20,6 +20,13 @@ namespace {
 /// The recording of segments whose recording header is lost.
 constexpr CCandidate kLostRecording;
 
+/// What a recording header that isn't sound consists of.
+enum class EParts : std::uint8_t {
+    None,
+    Cut,     ///< It lacks its end, so an unknown number of bytes is missing.
+    Joined,  ///< Cells moved: its end may be that of another header.
+};
+
 /// One way to explain the input up to the end of a piece.
 struct CNode {
     CPiece piece;          ///< Without a candidate: the beginning of the input.
@@ -28,10 +35,10 @@ struct CNode {
     std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
     std::shared_ptr<CNode> parent;
-    std::int64_t shiftBefore = kLost;  ///< The shift before the last known change of it, or before the recording.
-    bool goesOn = false;               ///< It continues after a file within samples.
-    bool isUnconfirmedJoin = false;    ///< Cells moved in its recording header, and no position since confirms how far.
-    const CNode* file = nullptr;       ///< The header of the file that it is in; null for the first one.
+    std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
+    bool goesOn = false;                    ///< It continues after a file within samples.
+    EParts parts = EParts::None;            ///< Of its recording header, if no position since confirms them.
+    const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
 
     /// Releases the pieces before it one by one: there may be too many for one call within another.
@@ -166,14 +173,14 @@ class CExplainer {
         if (end > candidate.claim) return;
         CNode node{.piece = {.candidate = &candidate},
                    .parent = parent,
-                   .isUnconfirmedJoin = parent->isUnconfirmedJoin,
+                   .parts = parent->parts,
                    .file = parent->file,
                    .recording = parent->recording};
         node.shiftBefore =
             candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
         // Without the header that contradicts it, a mixed one would seem to be sound.
-        if (parent->isUnconfirmedJoin && node.gap > 0 && IsWholeAt(end)) node.cost += costs::kMixedHeader;
+        if (parent->parts == EParts::Joined && node.gap > 0 && IsWholeAt(end)) node.cost += costs::kMixedHeader;
         node.cost += parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
                      costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
                      (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + PartsCost(candidate, end);
@@ -198,7 +205,7 @@ class CExplainer {
         node.piece.end = header.end;
         if (header.kind == EKind::File) {
             node.recording = nullptr;
-            node.isUnconfirmedJoin = false;
+            node.parts = EParts::None;
             node.piece.shift = -header.begin - header.moved;
             node.piece.ownShift = 0;
             return Offer(node);
@@ -218,8 +225,7 @@ class CExplainer {
         if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
         const int lost = LostRecordingCost(node);
         node.piece.lostRecording = true;
-        if (node.isUnconfirmedJoin) node.cost += costs::kMixedHeader;
-        node.isUnconfirmedJoin = false;
+        node.parts = EParts::None;
         node.recording = &kLostRecording;
         OfferReadings(node, lost);
     }
@@ -326,7 +332,7 @@ class CExplainer {
     static bool HasMixedHeader(const CNode& node) {
         const CCandidate& candidate = node.Candidate();
         const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
-        if (node.piece.ownShift == kLost || !(node.isUnconfirmedJoin || isOfEnd)) return false;
+        if (node.piece.ownShift == kLost || !(node.parts == EParts::Joined || isOfEnd)) return false;
         const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
         return by > 0 || -by > node.gap;
     }
@@ -335,19 +341,19 @@ class CExplainer {
     /// or too many, or back to the shift before. If a header was cut short, any number may be missing.
     bool ShiftsByGap(const CNode& node) const {
         const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
-        if (node.gap == 0)
-            return by > 0 && node.parent->piece.candidate != nullptr && node.parent->Candidate().IsCutShort();
-        return by == -node.gap || node.piece.ownShift == node.shiftBefore ||
-               by == OverlapOf(node.parent->piece.end, node.Candidate().begin);
+        if (by > 0 && node.parent->parts == EParts::Cut) return true;
+        return node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
+                                by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
     }
 
     /// Offers a node at which positions have a shift. Its own has another one if it is wrong.
     void OfferWith(CNode node, std::int64_t shift) {
         const CCandidate& candidate = node.Candidate();
         if (candidate.kind == EKind::Recording) {
-            node.isUnconfirmedJoin = candidate.IsJoined();  // its own position may be of its beginning
+            // Its own position may be of its beginning.
+            node.parts = candidate.IsJoined() ? EParts::Joined : candidate.IsCutShort() ? EParts::Cut : EParts::None;
         } else if (node.piece.ownShift == shift) {
-            node.isUnconfirmedJoin = false;
+            node.parts = EParts::None;
         }
         if (!node.piece.lostRecording && IsNextRecordingPassed(node, shift)) node.cost += costs::kPosition;
         node.piece.shift = shift - candidate.moved;
@@ -365,7 +371,8 @@ class CExplainer {
     void Offer(const CNode& node) {
         const auto isSame = [&](const CNode& other) {
             return other.piece.end == node.piece.end && other.piece.made == node.piece.made &&
-                   other.piece.shift == node.piece.shift && other.piece.samples == node.piece.samples;
+                   other.piece.shift == node.piece.shift && other.piece.samples == node.piece.samples &&
+                   other.parts == node.parts;
         };
         const auto same = std::ranges::find_if(m_offers, isSame);
         if (same == m_offers.end()) return m_offers.push_back(node);

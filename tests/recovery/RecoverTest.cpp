@@ -591,15 +591,17 @@ TEST_F(RecoverTest, SegmentsAfterThePartsOfTwoRecordingHeadersAreNotOfTheFirst) 
     };
     for (const std::size_t count : {1U, 2U, 3U, 4U}) {
         const std::int64_t next = 3650 + 308 * 4;
-        const std::string file = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = next}) +
-                                 chain(4, 0, 3650) + RecordingHdrBytes({.recording = 2, .data = next + 2460}) +
-                                 chain(count, 10'000, next + 2460);
+        const std::int64_t last = next + 2460 + 308 * static_cast<std::int64_t>(count);
+        const std::string file =
+            FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = next}) + chain(4, 0, 3650) +
+            RecordingHdrBytes({.recording = 2, .data = next + 2460, .next = last}) + chain(count, 10'000, next + 2460) +
+            RecordingHdrBytes({.recording = 3, .data = last + 2460}) + chain(1, 0, last + 2460);
         for (std::size_t first = 3; first < 2460; first += 117 * kStride) {
             for (std::size_t second = 1; second < 2460 && !HasFailure(); second += 131) {
                 SCOPED_TRACE(testing::Message() << count << " segments, " << first << " bytes of one header, all but "
                                                 << second << " of the other");
                 const auto kept = Recovered(std::string(file).erase(1190 + first, 3692 - first + second));
-                EXPECT_EQ(kept.size(), count);
+                EXPECT_EQ(kept.size(), count + 1);
                 const auto isDoubted = [](const CRemark& doubt) {
                     return doubt.reason == EReason::OtherRecording && doubt.recording == 0;
                 };
