@@ -80,7 +80,7 @@ class CAccountant {
                     {.from = recording.begin, .to = piece.end});
     }
 
-    /// Begins a recording at whose header positions have a shift.
+    /// Begins a recording. At its header, positions have a shift.
     void BeginRecording(CFoundRecording recording, std::int64_t shift) {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
         DoubtUnshown(recording.header.begin + shift);
@@ -122,6 +122,7 @@ class CAccountant {
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
         remark.should = there > 0 && !m_keepCut ? 1 : 0;
+        if (IsShown(piece) || (there > 0 && m_keepCut)) NoteUnshown(piece);
         if (there > 0 && m_keepCut) {
             Keep(piece, segment, there);
             remark.reason = EReason::CutKept;
@@ -152,38 +153,43 @@ class CAccountant {
         if (candidate.kind == EKind::Segment && !piece.lostRecording) DoubtAfterLoss(piece, begin);
     }
 
-    /// Reports a segment before which a recording header may have been: among bytes that belong to nothing, or that are
-    /// missing by its position. After a gap, even a wrong position counts. If more bytes are too many than the gap has,
-    /// what is there is unknown.
+    /// Reports a segment if a recording header may have been before it: in the gap, or among the bytes that its
+    /// position shows to be missing. Without a gap, only a correct position counts. If there are more extra bytes than
+    /// the gap has, nothing shows what was there.
     void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
         const std::int64_t gap = std::max<std::int64_t>(begin - m_end, 0);
         const bool hasShift = piece.ownShift != kLost && (gap > 0 || IsShown(piece));
         const std::int64_t lost = gap + (hasShift ? piece.ownShift - m_shift : 0);
-        const bool hasRoom = lost >= FormOf(EKind::Recording, Layouts()[piece.candidate->form->layout]).size;
-        const bool isConfirmed = piece.nextRecording != kLost && piece.nextRecording == m_nextRecording;
+        const bool hasRoom = lost >= static_cast<std::int64_t>(Layouts().front().recording.size);
+        // Right after the recording header, both positions may be of the same other recording.
+        const bool isConfirmed = (gap > 0 || SegmentBefore() != nullptr) && piece.nextRecording != kLost &&
+                                 piece.nextRecording == m_nextRecording;
         if (!isConfirmed && (hasRoom || lost < 0 || (gap > 0 && NextRecordingIn(begin)))) DoubtRecordingOf(piece);
     }
 
-    /// Reports the segments since which no position shows where they are, if the position of the next recording isn't
-    /// what it should be, or nothing shows that either and their header is in parts: they may be of another recording.
+    /// Reports the segments that no position places if they may be of another recording: the next one isn't where its
+    /// position says, or that is unknown and their header may be parts of two. `should` is the correct position of the
+    /// next recording; -1 if none follows.
     void DoubtUnshown(std::int64_t should) {
         const auto isInParts = [this] { return m_found.recordings.back().header.moved != 0; };
         const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
         if (m_unshown != nullptr && (isKnown ? m_nextRecording != should : isInParts())) DoubtRecordingOf(*m_unshown);
         m_unshown = nullptr;
-        m_isRecordingDoubted = false;
+        m_doubtedFrom = kFarthest;
     }
 
-    /// Reports, once for each recording, that a segment and those after it may be of another one.
+    /// Reports that a segment and those after it may be of another recording, unless that has been reported.
     void DoubtRecordingOf(const CPiece& piece) {
-        if (!std::exchange(m_isRecordingDoubted, true)) DoubtPiece(EReason::OtherRecording, piece);
+        if (piece.candidate->begin >= m_doubtedFrom) return;
+        m_doubtedFrom = piece.candidate->begin;
+        DoubtPiece(EReason::OtherRecording, piece);
     }
 
     /// Returns whether the position of a piece has the shift of the piece.
     static bool IsShown(const CPiece& piece) { return piece.ownShift == piece.shift + piece.candidate->moved; }
 
-    /// Remembers a segment if neither its position nor that of the header before it shows where it is. A damaged
-    /// recording header may be parts of two.
+    /// Remembers a segment if neither its position nor that of the header before it shows where it is. The position in
+    /// a damaged recording header doesn't count: the header may be parts of two.
     void NoteUnshown(const CPiece& piece) {
         const bool isPointedAt = m_end == piece.candidate->begin && Before() != nullptr && IsShown(*Before()) &&
                                  (SegmentBefore() != nullptr || Before()->candidate->IsWhole());
@@ -261,12 +267,12 @@ class CAccountant {
         }
     }
 
-    /// Reports a header that follows another one directly if a header's worth of bytes is missing: the cut may be
-    /// within it.
+    /// Reports a header right after a piece if at least as many bytes are missing as a header has: its first cells may
+    /// be of another one.
     void DoubtFirstCells(const CPiece& piece) {
         const std::int64_t shift = piece.shownShift;
-        if (shift != kLost && shift - m_shift >= static_cast<std::int64_t>(Layouts().front().segment.size))
-            DoubtPiece(EReason::OtherHeader, piece);
+        const bool hasRoom = shift != kLost && shift - m_shift >= FormsOf(piece.candidate->kind).front().size;
+        if (hasRoom) DoubtPiece(EReason::OtherHeader, piece);
     }
 
     // ---- The end ----------------------------------------------------------------------------------------------------
@@ -384,8 +390,8 @@ class CAccountant {
     std::size_t m_index = 0;
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
-    bool m_isRecordingDoubted = false;       ///< The last segments may be of another recording than the last one.
-    const CPiece* m_unshown = nullptr;       ///< The first segment since which no position shows where they are.
+    std::int64_t m_doubtedFrom = kFarthest;  ///< Segments from here on were reported as maybe of another recording.
+    const CPiece* m_unshown = nullptr;       ///< The first segment after the last one that a position places, if any.
     std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };

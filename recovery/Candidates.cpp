@@ -50,10 +50,10 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
     if (form.kind == EKind::File) {
         candidate.next = position("FPosFirstRecordingHdr");
     } else if (form.kind == EKind::Recording) {
-        // The cell before those that moved may lack its end.
+        // A cell at the place where two parts meet may be a mixture of both.
         const std::size_t row = form.RowOf("FPosRecordingData");
-        const bool isCut = candidate.IsJoined() && (cells.damaged[row] || row + 1 == place.movedRow);
-        candidate.next = isCut ? kLost : position("FPosRecordingData");
+        const bool isMixed = candidate.IsJoined() && (cells.damaged[row] || row + 1 == place.movedRow);
+        candidate.next = isMixed ? kLost : position("FPosRecordingData");
         candidate.from = position("FPosNextRecordingHdr");
     } else {
         candidate.next = position("FPosNextSegmentHdr");
@@ -158,20 +158,16 @@ class CSearch {
     /// readings of one header: those end together.
     void Keep(const CCandidate& candidate) {
         const auto size = static_cast<std::int64_t>(Layouts().back().recording.size);
-        for (std::size_t i = m_found.list.size(); i > 0 && m_found.list[i - 1].claim + size > candidate.begin; --i) {
+        int left = kMostShortened;
+        for (std::size_t i = m_found.list.size();
+             i > 0 && left > 0 && m_found.list[i - 1].claim + size > candidate.begin; --i) {
             const CCandidate around = m_found.list[i - 1];
-            if (around.kind == EKind::Recording && !around.IsWhole() && around.moved == 0 &&
-                around.begin < candidate.claim && candidate.claim < around.end &&
-                (candidate.kind != EKind::Recording || candidate.end != around.end))
-                AddShortened(around, candidate.claim);
-        }
-        Add(candidate);
-    }
-
-    void Add(CCandidate candidate) {
-        if (candidate.kind == EKind::Recording) {
-            candidate.well = static_cast<std::int32_t>(m_found.wellLists.size());
-            m_found.wellLists.push_back(WellListOf(CellsAt(m_window, *candidate.form, candidate.Place())));
+            if (around.kind != EKind::Recording || around.IsWhole() || around.moved != 0 ||
+                around.claim != around.begin || candidate.claim <= around.begin || candidate.claim >= around.end ||
+                (candidate.kind == EKind::Recording && candidate.end == around.end))
+                continue;
+            AddShortened(around, candidate.claim);
+            --left;
         }
         m_found.list.push_back(candidate);
     }
@@ -188,8 +184,8 @@ class CSearch {
             const CCandidate joined = read(row);
             if (joined.whole > best.whole) best = joined;
         }
-        Add(cut);
-        if (best.whole > cut.whole) Add(best);
+        m_found.list.push_back(cut);
+        if (best.whole > cut.whole) m_found.list.push_back(best);
     }
 
     /// Finds where the rest of a header is if bytes were inserted into it or removed from it: from the key of a cell
@@ -213,7 +209,7 @@ class CSearch {
                 const std::int64_t moved = static_cast<std::int64_t>(offset + at) - expected;
                 if (moved == 0 || std::abs(moved) > form.size) continue;
                 const CCandidate found = Read(m_window, form, {.begin = begin, .movedRow = row, .moved = moved});
-                // A segment header that begins there is one of its own. Positions show whether a recording header is.
+                // A segment header that begins there is one of its own. For a recording header, positions decide that.
                 const bool isOne = row == rows || form.kind != EKind::Segment ||
                                    Read(m_window, form, {.begin = begin + moved}).claim >=
                                        begin + moved + static_cast<std::int64_t>(offset);
@@ -238,6 +234,7 @@ class CSearch {
                next.OwnShift().value_or(segment.next - end) == segment.next - end;
     }
 
+    static constexpr int kMostShortened = 2;  ///< Both versions of one header.
     static constexpr std::size_t kMostSeen = 256;
     static constexpr int kMostMarks = 8;
 
@@ -253,13 +250,24 @@ class CSearch {
 /// cells. If they moved differently, positions show which reading is right.
 void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
     const auto group = [](const CCandidate& one) { return std::tuple(one.end, one.kind, one.moved, one.IsJoined()); };
-    const auto rank = [&](const CCandidate& one) { return std::tuple(group(one), -one.whole, one.damaged); };
+    const auto rank = [&](const CCandidate& one) {
+        return std::tuple(group(one), -one.whole, one.form->layout, one.movedRow);
+    };
     std::ranges::sort(list, {}, rank);
     const auto isWorse = [&](const CCandidate& kept, const CCandidate& one) {
         return one.kind != EKind::Segment && group(one) == group(kept) &&
                (one.whole < kept.whole || one.form == kept.form);
     };
     list.erase(std::unique(list.begin(), list.end(), isWorse), list.end());
+}
+
+/// Reads which wells the recording headers list.
+void ReadWellLists(CWindow& window, CCandidates& found) {
+    for (CCandidate& candidate : found.list) {
+        if (candidate.kind != EKind::Recording) continue;
+        candidate.well = static_cast<std::int32_t>(found.wellLists.size());
+        found.wellLists.push_back(WellListOf(CellsAt(window, *candidate.form, candidate.Place())));
+    }
 }
 
 }  // namespace
@@ -313,6 +321,7 @@ CCandidates FindCandidates(CWindow& window, const CReach& reach) {
     CWindow text = window;
     CSearch(window, reach, found).Run(text);
     LeaveOutWorseReadings(found.list);
+    ReadWellLists(window, found);
     std::ranges::stable_sort(found.list, {}, &CCandidate::claim);
     return found;
 }

@@ -51,7 +51,7 @@ struct CCandidate {
 
     CHdrPlace Place() const { return {.begin = begin, .movedRow = movedRow, .moved = moved}; }
     bool IsWhole() const { return damaged == 0 && moved == 0; }
-    /// Returns whether it is a recording header in which cells moved. Its end may be that of another one.
+    /// Returns whether it is a recording header whose last cells moved: they may be of another one.
     bool IsJoined() const { return kind == EKind::Recording && moved != 0 && movedRow < form->cells.size(); }
     /// Returns whether it is a recording header without its end.
     bool IsCutShort() const { return kind == EKind::Recording && moved < 0 && movedRow == form->cells.size(); }

@@ -20,7 +20,7 @@ namespace {
 /// The recording of segments whose recording header is lost.
 constexpr CCandidate kLostRecording;
 
-/// What a recording header that isn't sound consists of.
+/// What positions must still show about a recording header.
 enum class EParts : std::uint8_t {
     None,
     Cut,     ///< It lacks its end, so an unknown number of bytes is missing.
@@ -37,7 +37,7 @@ struct CNode {
     std::shared_ptr<CNode> parent;
     std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
     bool goesOn = false;                    ///< It continues after a file within samples.
-    EParts parts = EParts::None;            ///< Of its recording header, if no position since confirms them.
+    EParts parts = EParts::None;            ///< Of its recording header, until a position confirms it.
     const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
 
@@ -179,18 +179,20 @@ class CExplainer {
         node.shiftBefore =
             candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
-        // Without the header that contradicts it, a mixed one would seem to be sound.
-        if (parent->parts == EParts::Joined && node.gap > 0 && IsWholeAt(end)) node.cost += costs::kMixedHeader;
-        node.cost += parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
-                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
-                     (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + PartsCost(candidate, end);
+        node.cost = parent->cost + LeftOutCost(*parent, node.gap) +
+                    (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
+                    costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
+                    (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + PartsCost(candidate, end);
         candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
     }
 
-    /// Returns whether a whole header begins at an offset.
-    bool IsWholeAt(std::int64_t offset) const {
-        return m_candidates.WholeAt(EKind::Segment, offset) != nullptr ||
-               m_candidates.WholeAt(EKind::Recording, offset) != nullptr;
+    /// Returns the cost if a gap after a node leaves out a whole header that could contradict the node's recording
+    /// header. Otherwise, leaving it out would be cheaper than believing it.
+    int LeftOutCost(const CNode& node, std::int64_t gap) const {
+        if (gap == 0 || node.parts != EParts::Joined) return 0;
+        const bool isWhole = m_candidates.WholeAt(EKind::Segment, node.piece.end) != nullptr ||
+                             m_candidates.WholeAt(EKind::Recording, node.piece.end) != nullptr;
+        return isWhole ? costs::kMixedHeader : 0;
     }
 
     /// Returns what the parts of a candidate cost that moved or are missing, if it follows a piece that ends at `end`.
@@ -326,9 +328,8 @@ class CExplainer {
         OfferWith(node, node.piece.ownShift);
     }
 
-    /// Returns whether a recording header in which cells moved seems to be the beginning of one header and the end of
-    /// another. Then the first position of the second one doesn't shift as the cells did. If it points back, the bytes
-    /// that are too many may be in the gap before it.
+    /// Returns whether a recording header whose cells moved seems to be parts of two: the next position shows that
+    /// bytes are missing, or that more are extra than the gap before it has.
     static bool HasMixedHeader(const CNode& node) {
         const CCandidate& candidate = node.Candidate();
         const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
@@ -338,7 +339,7 @@ class CExplainer {
     }
 
     /// Returns whether the position of a node shifts by the number of bytes that the gap before it shows to be missing
-    /// or too many, or back to the shift before. If a header was cut short, any number may be missing.
+    /// or too many, or back to the shift before. After a header without its end, any number may be missing.
     bool ShiftsByGap(const CNode& node) const {
         const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
         if (by > 0 && node.parent->parts == EParts::Cut) return true;
@@ -346,11 +347,11 @@ class CExplainer {
                                 by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
     }
 
-    /// Offers a node at which positions have a shift. Its own has another one if it is wrong.
+    /// Offers a node from which on positions have a shift. If its own position has another one, it is wrong.
     void OfferWith(CNode node, std::int64_t shift) {
         const CCandidate& candidate = node.Candidate();
         if (candidate.kind == EKind::Recording) {
-            // Its own position may be of its beginning.
+            // Its own position confirms nothing: it may be in the first part.
             node.parts = candidate.IsJoined() ? EParts::Joined : candidate.IsCutShort() ? EParts::Cut : EParts::None;
         } else if (node.piece.ownShift == shift) {
             node.parts = EParts::None;
@@ -392,7 +393,7 @@ class CExplainer {
         if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
         // Bytes that were put into a damaged header move its samples.
         if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
-        if (node.piece.ownShift == node.piece.shift) return 0;
+        if (node.piece.ownShift == node.piece.shift + segment.moved) return 0;
         return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
     }
 
@@ -461,7 +462,7 @@ class CExplainer {
     std::vector<CPiece> Path() const {
         const auto cost = [&](const CNodePtr& node) {
             const std::int64_t gap = m_size - node->piece.end;
-            return node->cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
+            return node->cost + GapCost(gap) + LeftOutCost(*node, gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
         };
         std::vector<CPiece> pieces;
         std::int64_t shown = kLost;

@@ -28,7 +28,7 @@ inline constexpr int kPosition = 150;         ///< A wrong position.
 inline constexpr int kShift = 160;            ///< From here on, all positions are wrong by the same distance.
 inline constexpr int kShiftByGap = 20;        ///< The same, by the number of missing or extra bytes here.
 inline constexpr int kUnconfirmed = 1000;     ///< Nothing confirms where a segment with a damaged header ends.
-inline constexpr int kMixedHeader = 1000;     ///< A recording header whose end seems to be that of another one.
+inline constexpr int kMixedHeader = 1000;     ///< The end of a recording header seems to be that of another one.
 inline constexpr int kCut = 60;               ///< The input ends within the samples.
 inline constexpr int kNearlyEqual = 5;        ///< Two explanations this close are ambiguous.
 }  // namespace costs
