@@ -184,6 +184,16 @@ TEST(ExplanationTest, AFileFullOfHeadersHasNoMoreCandidatesThanFitIntoIt) {
     for (int i = 0; i < 1000; ++i)
         bytes += SegmentHdrBytes(11, -1, 0, 300, "4").substr(0, 150 + 50 * static_cast<std::size_t>(i % 4));
     EXPECT_LE(CandidatesIn(bytes).size(), bytes.size() / 150);
+    // Each cell points at the end of its recording header, which begins within those of many others.
+    bytes.clear();
+    while (bytes.size() < 50'000)
+        bytes += Cell(50, "FPosRecordingData=" + std::to_string(bytes.size() + 2310));
+    const CStringInput input(bytes);
+    CWindow window(input, input.Size());
+    const CCandidates found = FindCandidates(window, kNoReach);
+    EXPECT_GE(found.list.size(), bytes.size() / 100);
+    EXPECT_LE(found.list.size(), bytes.size() / 25);
+    EXPECT_EQ(found.wellLists.size(), found.list.size());
 }
 
 #ifndef _WIN32
