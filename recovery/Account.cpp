@@ -122,7 +122,7 @@ class CAccountant {
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
         remark.should = there > 0 && !m_keepCut ? 1 : 0;
-        if (IsShown(piece) || (there > 0 && m_keepCut)) NoteUnshown(piece);
+        if (piece.IsShown() || (there > 0 && m_keepCut)) NoteUnshown(piece);
         if (there > 0 && m_keepCut) {
             Keep(piece, segment, there);
             remark.reason = EReason::CutKept;
@@ -158,9 +158,9 @@ class CAccountant {
     /// the gap has, nothing shows what was there.
     void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
         const std::int64_t gap = std::max<std::int64_t>(begin - m_end, 0);
-        const bool hasShift = piece.ownShift != kLost && (gap > 0 || IsShown(piece));
+        const bool hasShift = piece.ownShift != kLost && (gap > 0 || piece.IsShown());
         const std::int64_t lost = gap + (hasShift ? piece.ownShift - m_shift : 0);
-        const bool hasRoom = lost >= static_cast<std::int64_t>(Layouts().front().recording.size);
+        const bool hasRoom = lost >= LeastSizeOf(EKind::Recording);
         // Right after the recording header, both positions may be of the same other recording.
         const bool isConfirmed = (gap > 0 || SegmentBefore() != nullptr) && piece.nextRecording != kLost &&
                                  piece.nextRecording == m_nextRecording;
@@ -185,15 +185,12 @@ class CAccountant {
         DoubtPiece(EReason::OtherRecording, piece);
     }
 
-    /// Returns whether the position of a piece has the shift of the piece.
-    static bool IsShown(const CPiece& piece) { return piece.ownShift == piece.shift + piece.candidate->moved; }
-
     /// Remembers a segment if neither its position nor that of the header before it shows where it is. The position in
     /// a damaged recording header doesn't count: the header may be parts of two.
     void NoteUnshown(const CPiece& piece) {
-        const bool isPointedAt = m_end == piece.candidate->begin && Before() != nullptr && IsShown(*Before()) &&
+        const bool isPointedAt = m_end == piece.candidate->begin && Before() != nullptr && Before()->IsShown() &&
                                  (SegmentBefore() != nullptr || Before()->candidate->IsWhole());
-        if (IsShown(piece)) {
+        if (piece.IsShown()) {
             m_unshown = nullptr;
         } else if (m_unshown == nullptr && !isPointedAt) {
             m_unshown = &piece;
@@ -271,8 +268,8 @@ class CAccountant {
     /// be of another one.
     void DoubtFirstCells(const CPiece& piece) {
         const std::int64_t shift = piece.shownShift;
-        const bool hasRoom = shift != kLost && shift - m_shift >= FormsOf(piece.candidate->kind).front().size;
-        if (hasRoom) DoubtPiece(EReason::OtherHeader, piece);
+        if (shift != kLost && shift - m_shift >= LeastSizeOf(piece.candidate->kind))
+            DoubtPiece(EReason::OtherHeader, piece);
     }
 
     // ---- The end ----------------------------------------------------------------------------------------------------

@@ -154,22 +154,26 @@ class CSearch {
                (KnowsItsPlace(candidate) || BestAt(m_window, EKind::Segment, candidate.end).IsWhole());
     }
 
-    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there, unless both are
-    /// readings of one header: those end together.
+    /// Keeps a candidate. If it begins within a damaged recording header, that one may end there.
     void Keep(const CCandidate& candidate) {
         const auto size = static_cast<std::int64_t>(Layouts().back().recording.size);
         int left = kMostShortened;
         for (std::size_t i = m_found.list.size();
              i > 0 && left > 0 && m_found.list[i - 1].claim + size > candidate.begin; --i) {
             const CCandidate around = m_found.list[i - 1];
-            if (around.kind != EKind::Recording || around.IsWhole() || around.moved != 0 ||
-                around.claim != around.begin || candidate.claim <= around.begin || candidate.claim >= around.end ||
-                (candidate.kind == EKind::Recording && candidate.end == around.end))
-                continue;
+            if (!MayEndAt(around, candidate)) continue;
             AddShortened(around, candidate.claim);
             --left;
         }
         m_found.list.push_back(candidate);
+    }
+
+    /// Returns whether a candidate is a damaged recording header with its beginning, in which another header begins.
+    /// Two readings of one recording header end together.
+    static bool MayEndAt(const CCandidate& header, const CCandidate& other) {
+        return header.kind == EKind::Recording && !header.IsWhole() && header.moved == 0 &&
+               header.claim == header.begin && header.begin < other.claim && other.claim < header.end &&
+               (other.kind != EKind::Recording || other.end != header.end);
     }
 
     /// Adds a header that ends early: without its end, and if that makes more cells whole, without bytes before some
@@ -254,11 +258,13 @@ void LeaveOutWorseReadings(std::vector<CCandidate>& list) {
         return std::tuple(group(one), -one.whole, one.form->layout, one.movedRow);
     };
     std::ranges::sort(list, {}, rank);
-    const auto isWorse = [&](const CCandidate& kept, const CCandidate& one) {
-        return one.kind != EKind::Segment && group(one) == group(kept) &&
-               (one.whole < kept.whole || one.form == kept.form);
-    };
-    list.erase(std::unique(list.begin(), list.end(), isWorse), list.end());
+    auto end = list.begin();  // of those that stay
+    for (const CCandidate& one : list) {
+        const bool isWorse = end != list.begin() && one.kind != EKind::Segment && group(one) == group(end[-1]) &&
+                             (one.whole < end[-1].whole || one.form == end[-1].form);
+        if (!isWorse) *end++ = one;
+    }
+    list.erase(end, list.end());
 }
 
 /// Reads which wells the recording headers list.

@@ -83,6 +83,8 @@ std::span<const CForm> FormsOf(EKind kind) {
     return kForms[static_cast<std::size_t>(kind)];
 }
 
+std::int64_t LeastSizeOf(EKind kind) { return std::ranges::min(FormsOf(kind), {}, &CForm::size).size; }
+
 const CForm& FormOf(EKind kind, const CLayout& layout) {
     return *std::ranges::lower_bound(FormsOf(kind), &layout - Layouts().data(), {}, &CForm::layout);
 }

@@ -49,6 +49,9 @@ struct CForm {
 /// Returns the forms of one kind of header, the newest last. Of equal forms, there is only the newest.
 std::span<const CForm> FormsOf(EKind kind);
 
+/// Returns the size of the smallest header of a kind.
+std::int64_t LeastSizeOf(EKind kind);
+
 /// Returns the form that headers of a kind have in a layout.
 const CForm& FormOf(EKind kind, const rawdata::CLayout& layout);
 

@@ -21,7 +21,7 @@ namespace {
 constexpr CCandidate kLostRecording;
 
 /// What positions must still show about a recording header.
-enum class EParts : std::uint8_t {
+enum class EUnproven : std::uint8_t {
     None,
     Cut,     ///< It lacks its end, so an unknown number of bytes is missing.
     Joined,  ///< Cells moved: its end may be that of another header.
@@ -37,7 +37,7 @@ struct CNode {
     std::shared_ptr<CNode> parent;
     std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
     bool goesOn = false;                    ///< It continues after a file within samples.
-    EParts parts = EParts::None;            ///< Of its recording header, until a position confirms it.
+    EUnproven unproven = EUnproven::None;   ///< Its recording header, until a position confirms it.
     const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
     const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
 
@@ -58,9 +58,6 @@ using CNodePtr = std::shared_ptr<CNode>;
 int GapCost(std::int64_t bytes) {
     return bytes <= 0 ? 0 : costs::kGap + 2 * static_cast<int>(std::bit_width(static_cast<std::uint64_t>(bytes)));
 }
-
-/// Returns the size of the smallest recording header.
-std::int64_t LeastRecordingHdr() { return static_cast<std::int64_t>(Layouts().front().recording.size); }
 
 bool IsRecordingHdrSize(std::int64_t bytes) {
     return std::ranges::find(FormsOf(EKind::Recording), bytes, &CForm::size) != FormsOf(EKind::Recording).end();
@@ -173,26 +170,16 @@ class CExplainer {
         if (end > candidate.claim) return;
         CNode node{.piece = {.candidate = &candidate},
                    .parent = parent,
-                   .parts = parent->parts,
+                   .unproven = parent->unproven,
                    .file = parent->file,
                    .recording = parent->recording};
         node.shiftBefore =
             candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
-        node.cost = parent->cost + LeftOutCost(*parent, node.gap) +
-                    (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
+        node.cost = parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
                     (end == candidate.begin ? 0 : UnconfirmedCost(*parent, node.gap)) + PartsCost(candidate, end);
         candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
-    }
-
-    /// Returns the cost if a gap after a node leaves out a whole header that could contradict the node's recording
-    /// header. Otherwise, leaving it out would be cheaper than believing it.
-    int LeftOutCost(const CNode& node, std::int64_t gap) const {
-        if (gap == 0 || node.parts != EParts::Joined) return 0;
-        const bool isWhole = m_candidates.WholeAt(EKind::Segment, node.piece.end) != nullptr ||
-                             m_candidates.WholeAt(EKind::Recording, node.piece.end) != nullptr;
-        return isWhole ? costs::kMixedHeader : 0;
     }
 
     /// Returns what the parts of a candidate cost that moved or are missing, if it follows a piece that ends at `end`.
@@ -207,7 +194,7 @@ class CExplainer {
         node.piece.end = header.end;
         if (header.kind == EKind::File) {
             node.recording = nullptr;
-            node.parts = EParts::None;
+            node.unproven = EUnproven::None;
             node.piece.shift = -header.begin - header.moved;
             node.piece.ownShift = 0;
             return Offer(node);
@@ -220,14 +207,11 @@ class CExplainer {
     void FollowWithSegment(CNode node) {
         const int same = SameRecordingCost(node);
         if (node.recording != nullptr) OfferReadings(node, same);
-        const std::int64_t shift = node.parent->piece.shift;
-        const bool isPassed = IsNextRecordingPassed(node, shift) ||
-                              IsNextRecordingPassed(node, node.Candidate().OwnShift().value_or(shift));
-        if (node.recording != nullptr && same == 0 && !isPassed) return;
+        if (node.recording != nullptr && same == 0 && !MayPassNextRecording(node)) return;
         if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
         const int lost = LostRecordingCost(node);
         node.piece.lostRecording = true;
-        node.parts = EParts::None;
+        node.unproven = EUnproven::None;
         node.recording = &kLostRecording;
         OfferReadings(node, lost);
     }
@@ -333,16 +317,17 @@ class CExplainer {
     static bool HasMixedHeader(const CNode& node) {
         const CCandidate& candidate = node.Candidate();
         const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
-        if (node.piece.ownShift == kLost || !(node.parts == EParts::Joined || isOfEnd)) return false;
+        if (node.piece.ownShift == kLost || !(node.unproven == EUnproven::Joined || isOfEnd)) return false;
         const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
         return by > 0 || -by > node.gap;
     }
 
     /// Returns whether the position of a node shifts by the number of bytes that the gap before it shows to be missing
-    /// or too many, or back to the shift before. After a header without its end, any number may be missing.
+    /// or too many, or back to the shift before. After a recording header without its end, any number may be missing,
+    /// with another header among them.
     bool ShiftsByGap(const CNode& node) const {
         const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
-        if (by > 0 && node.parent->parts == EParts::Cut) return true;
+        if (by > 0 && node.parent->unproven == EUnproven::Cut) return true;
         return node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
                                 by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
     }
@@ -352,9 +337,11 @@ class CExplainer {
         const CCandidate& candidate = node.Candidate();
         if (candidate.kind == EKind::Recording) {
             // Its own position confirms nothing: it may be in the first part.
-            node.parts = candidate.IsJoined() ? EParts::Joined : candidate.IsCutShort() ? EParts::Cut : EParts::None;
+            node.unproven = candidate.IsJoined()     ? EUnproven::Joined
+                            : candidate.IsCutShort() ? EUnproven::Cut
+                                                     : EUnproven::None;
         } else if (node.piece.ownShift == shift) {
-            node.parts = EParts::None;
+            node.unproven = EUnproven::None;
         }
         if (!node.piece.lostRecording && IsNextRecordingPassed(node, shift)) node.cost += costs::kPosition;
         node.piece.shift = shift - candidate.moved;
@@ -373,7 +360,7 @@ class CExplainer {
         const auto isSame = [&](const CNode& other) {
             return other.piece.end == node.piece.end && other.piece.made == node.piece.made &&
                    other.piece.shift == node.piece.shift && other.piece.samples == node.piece.samples &&
-                   other.parts == node.parts;
+                   other.unproven == node.unproven;
         };
         const auto same = std::ranges::find_if(m_offers, isSame);
         if (same == m_offers.end()) return m_offers.push_back(node);
@@ -393,7 +380,7 @@ class CExplainer {
         if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
         // Bytes that were put into a damaged header move its samples.
         if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
-        if (node.piece.ownShift == node.piece.shift + segment.moved) return 0;
+        if (node.piece.IsShown()) return 0;
         return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
     }
 
@@ -418,7 +405,7 @@ class CExplainer {
     }
 
     int LostRecordingCost(const CNode& node) const {
-        const bool hasRoom = node.gap + MissingBefore(node) >= LeastRecordingHdr();
+        const bool hasRoom = node.gap + MissingBefore(node) >= LeastSizeOf(EKind::Recording);
         const bool hasEnded = node.parent->IsLastSegment() && (node.gap > 0 || MissingBefore(node) != 0);
         const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
         return (hasRoom || hasEnded || isFirst || IsHeaderForeign(node) ? costs::kLostRecording
@@ -432,6 +419,13 @@ class CExplainer {
         const std::int64_t next = node.recording->from;
         return IsPosition(next) && next >= node.parent->piece.end + node.parent->piece.shift &&
                next < node.Candidate().begin + shift;
+    }
+
+    /// Returns whether that is so by the shift before a segment, or by its own.
+    static bool MayPassNextRecording(const CNode& node) {
+        const std::int64_t shift = node.parent->piece.shift;
+        return IsNextRecordingPassed(node, shift) ||
+               IsNextRecordingPassed(node, node.Candidate().OwnShift().value_or(shift));
     }
 
     /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be
@@ -462,7 +456,7 @@ class CExplainer {
     std::vector<CPiece> Path() const {
         const auto cost = [&](const CNodePtr& node) {
             const std::int64_t gap = m_size - node->piece.end;
-            return node->cost + GapCost(gap) + LeftOutCost(*node, gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
+            return node->cost + GapCost(gap) + (gap > 0 ? UnconfirmedCost(*node, gap) : 0);
         };
         std::vector<CPiece> pieces;
         std::int64_t shown = kLost;
@@ -472,7 +466,7 @@ class CExplainer {
             CPiece& piece = pieces.emplace_back(node->piece);
             piece.isAmbiguous = node->other < std::numeric_limits<std::int64_t>::max() &&
                                 node->other - node->cost <= costs::kNearlyEqual;
-            if (piece.ownShift == piece.shift + piece.candidate->moved) shown = piece.ownShift;
+            if (piece.IsShown()) shown = piece.ownShift;
             if (node->Is(EKind::File)) shown = kLost;
             piece.shownShift = shown;
             if (nextRecording != kLost && piece.ownShift != kLost) piece.nextRecording = nextRecording + piece.ownShift;

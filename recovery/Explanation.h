@@ -55,6 +55,9 @@ struct CPiece {
     bool lostRecording = false;  ///< A recording whose header is lost begins before this segment.
     bool isCut = false;          ///< The input ends within its samples.
     bool isAmbiguous = false;    ///< What is before it could also be something else.
+
+    /// Returns whether its own position is right.
+    bool IsShown() const { return ownShift == shift + candidate->moved; }
 };
 
 /// Returns the pieces of the best explanation in the order of the input, which has `size` bytes.

@@ -618,7 +618,7 @@ TEST_F(RecoverTest, SegmentsAfterThePartsOfTwoRecordingHeadersAreNotOfTheFirst) 
 // A file that ends within a recording header, and another one without its file header and the beginning of its first
 // recording header. The positions of the second one point back.
 TEST_F(RecoverTest, FilesJoinedWithinTheirHeadersStayApart) {
-    const std::string first = TakingTurns(2).bytes + RecordingHdrBytes({.recording = 2, .data = 99'999, .next = -1});
+    const std::string first = TakingTurns(2).bytes + RecordingHdrBytes({.recording = 2, .data = 99'999});
     const std::string second = RecordingHdrBytes({.task = "Series", .data = 3650}) +
                                ChainBytes({{11, 50'000, kWell11}, {12, 50'000, kWell12}, {11, 50'400, kWell11}});
     for (std::size_t end = 60; end < 2460; end += 170) {
@@ -644,10 +644,10 @@ TEST_F(RecoverTest, FilesJoinedWithinTheirHeadersStayApart) {
 TEST_F(RecoverTest, TwoDamagedHeadersNextToEachOtherAreBothKept) {
     // The file header is 17 bytes shorter, so all positions are too large; then 5 bytes are repeated in the next
     // header.
-    const std::string small = ReadAll(Reference("small_example.vxd"));
-    std::string bytes = small;
+    std::string bytes = ReadAll(Reference("small_example.vxd"));
     bytes.erase(1050, 17).insert(1623, bytes.substr(1618, 5));
     EXPECT_EQ(Recovered(bytes), SeenIn(Reference("small_example.vxd")));
+    EXPECT_EQ(std::ranges::count(m_report.doubts.first, EReason::Position, &CRemark::reason), 0);
     // Recordings without segments: with the end of one header and the beginning of the next one, each looks whole.
     bytes = ReadAll(Reference("awkward_text.vxd"));
     bytes.erase(8512, 1).insert(9779, bytes.substr(9778, 1));
@@ -677,6 +677,10 @@ TEST_F(RecoverTest, CopiesInARecordingHeaderCostNothing) {
         EXPECT_TRUE(std::ranges::none_of(kept, [](const CSeen& one) { return one.recording == "CompoundTest7"; }));
         EXPECT_FALSE(m_report.IsComplete());
     }
+    // The last cells again, after the whole header, are no header of their own.
+    std::string twice = ReadAll(Reference("two_tasks.vxd"));
+    Recovered(twice.insert(3566, twice.substr(2966, 600)));
+    EXPECT_EQ(m_report.recordings.size(), 3U);
 }
 
 // Exactly one segment's length is removed, so that another header is where the next one should be.
