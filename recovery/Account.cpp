@@ -70,7 +70,8 @@ class CAccountant {
 
     void TakeRecording(const CPiece& piece, const CCandidate& recording) {
         const bool isDirect = m_end == recording.begin;
-        BeginRecording(FoundRecording(m_window, recording), piece.shift + recording.moved);
+        BeginRecording(FoundRecording(m_window, recording),
+                       IsAloneAstray(piece) ? piece.ownShift : piece.shift + recording.moved);
         if (isDirect) DoubtFirstCells(piece);
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
@@ -82,8 +83,9 @@ class CAccountant {
 
     /// Begins a recording. At its header, positions have a shift.
     void BeginRecording(CFoundRecording recording, std::int64_t shift) {
-        Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
-        DoubtUnshown(recording.header.begin + shift);
+        const std::int64_t should = recording.header.begin + m_shift;
+        Compare(m_nextKey, m_nextRecording, should, Here());
+        DoubtUnshown(should, shift);
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
@@ -154,11 +156,11 @@ class CAccountant {
     }
 
     /// Reports a segment if a recording header may have been before it: in the gap, or among the bytes that its
-    /// position shows to be missing. Without a gap, only a correct position counts. If there are more extra bytes than
-    /// the gap has, nothing shows what was there.
+    /// position shows to be missing. Only a correct position counts, or a larger one that none proves wrong. If there
+    /// are more extra bytes than the gap has, nothing shows what was there.
     void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
         const std::int64_t gap = std::max<std::int64_t>(begin - m_end, 0);
-        const bool hasShift = piece.ownShift != kLost && (gap > 0 || piece.IsShown());
+        const bool hasShift = piece.IsShown() || (IsAloneAstray(piece) && piece.ownShift > m_shift);
         const std::int64_t lost = gap + (hasShift ? piece.ownShift - m_shift : 0);
         const bool hasRoom = lost >= LeastSizeOf(EKind::Recording);
         // Right after the recording header, both positions may be of the same other recording.
@@ -168,12 +170,14 @@ class CAccountant {
     }
 
     /// Reports the segments that no position places if they may be of another recording: the next one isn't where its
-    /// position says, or that is unknown and their header may be parts of two. `should` is the correct position of the
-    /// next recording; -1 if none follows.
-    void DoubtUnshown(std::int64_t should) {
-        const auto isInParts = [this] { return m_found.recordings.back().header.moved != 0; };
-        const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
-        if (m_unshown != nullptr && (isKnown ? m_nextRecording != should : isInParts())) DoubtRecordingOf(*m_unshown);
+    /// position says, that is unknown and their header may be parts of two, or positions shift there. `should` is the
+    /// correct position of the next recording; -1 if none follows.
+    void DoubtUnshown(std::int64_t should, std::int64_t shift) {
+        if (m_unshown != nullptr) {
+            const bool isInParts = m_found.recordings.back().header.moved != 0;
+            const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
+            if (shift != m_shift || (isKnown ? m_nextRecording != should : isInParts)) DoubtRecordingOf(*m_unshown);
+        }
         m_unshown = nullptr;
         m_doubtedFrom = kFarthest;
     }
@@ -185,11 +189,10 @@ class CAccountant {
         DoubtPiece(EReason::OtherRecording, piece);
     }
 
-    /// Remembers a segment if neither its position nor that of the header before it shows where it is. The position in
-    /// a damaged recording header doesn't count: the header may be parts of two.
+    /// Remembers a segment if neither its position nor that of the segment before it shows where it is. The position in
+    /// a recording header doesn't count: the header may be parts of two.
     void NoteUnshown(const CPiece& piece) {
-        const bool isPointedAt = m_end == piece.candidate->begin && Before() != nullptr && Before()->IsShown() &&
-                                 (SegmentBefore() != nullptr || Before()->candidate->IsWhole());
+        const bool isPointedAt = m_end == piece.candidate->begin && SegmentBefore() != nullptr && Before()->IsShown();
         if (piece.IsShown()) {
             m_unshown = nullptr;
         } else if (m_unshown == nullptr && !isPointedAt) {
@@ -209,6 +212,9 @@ class CAccountant {
         const bool isShownLater = m_index + 1 < m_pieces.size() && m_pieces[m_index + 1].shownShift != kLost;
         return piece.ownShift != kLost && piece.ownShift != m_shift && !isShownLater;
     }
+
+    /// Returns the shift that the position of a piece or a later one shows; if none does, that of its wrong position.
+    std::int64_t ShiftAt(const CPiece& piece) const { return IsAloneAstray(piece) ? piece.ownShift : piece.shownShift; }
 
     /// A file that begins among the samples of a segment was either appended to a cut file or stored as these samples.
     void DoubtFile(const CCandidate& file) {
@@ -249,25 +255,20 @@ class CAccountant {
         if (!isGap && candidate.kind != EKind::Recording) DoubtFirstCells(piece);
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
-        const std::int64_t shift = piece.shownShift;
-        const bool isShort = candidate.begin < m_end || (piece.lostRecording && !isGap);
-        const bool isAstray = IsAloneAstray(piece);
-        if (!isShort && !isAstray && shift == kLost) {
-            if (!LooksLikeHeader(m_window, m_end)) DoubtPiece(EReason::Unconfirmed, *Before());
-            return;
-        }
-        const std::int64_t shiftAfter = isAstray ? piece.ownShift : shift;
-        if (isShort || shiftAfter > m_shift) {
+        const std::int64_t shift = ShiftAt(piece);
+        if (candidate.begin < m_end || (piece.lostRecording && !isGap)) {
             DoubtPiece(EReason::TakenOut, *Before());
-        } else if (shiftAfter < m_shift) {
-            DoubtPiece(EReason::PutIn, *Before());
+        } else if (shift == kLost) {
+            if (!LooksLikeHeader(m_window, m_end)) DoubtPiece(EReason::Unconfirmed, *Before());
+        } else if (shift != m_shift) {
+            DoubtPiece(shift > m_shift ? EReason::TakenOut : EReason::PutIn, *Before());
         }
     }
 
     /// Reports a header right after a piece if at least as many bytes are missing as a header has: its first cells may
     /// be of another one.
     void DoubtFirstCells(const CPiece& piece) {
-        const std::int64_t shift = piece.shownShift;
+        const std::int64_t shift = ShiftAt(piece);
         if (shift != kLost && shift - m_shift >= LeastSizeOf(piece.candidate->kind))
             DoubtPiece(EReason::OtherHeader, piece);
     }
@@ -278,7 +279,7 @@ class CAccountant {
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
-        DoubtUnshown(kUnset);
+        DoubtUnshown(kUnset, m_shift);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(end == m_window.Size() && m_isGrowing))

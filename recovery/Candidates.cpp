@@ -50,10 +50,7 @@ CCandidate Read(CWindow& window, const CForm& form, const CHdrPlace& place) {
     if (form.kind == EKind::File) {
         candidate.next = position("FPosFirstRecordingHdr");
     } else if (form.kind == EKind::Recording) {
-        // A cell at the place where two parts meet may be a mixture of both.
-        const std::size_t row = form.RowOf("FPosRecordingData");
-        const bool isMixed = candidate.IsJoined() && (cells.damaged[row] || row + 1 == place.movedRow);
-        candidate.next = isMixed ? kLost : position("FPosRecordingData");
+        candidate.next = position("FPosRecordingData");
         candidate.from = position("FPosNextRecordingHdr");
     } else {
         candidate.next = position("FPosNextSegmentHdr");

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <initializer_list>
 #include <iterator>
@@ -580,28 +581,30 @@ TEST_F(RecoverTest, TwoHeadersWithoutTheBytesBetweenThemAreNotJoined) {
     EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(end, 180))), Without(Without(original, 3), 2));
 }
 
+/// Returns segments of two wells in turns, from some time and at some position on. Each has 308 bytes.
+std::string Turns(std::int64_t count, std::int64_t from, std::int64_t at) {
+    CSegmentTexts segments;
+    for (const std::int64_t end = from + 400 * count; from < end; from += 400)
+        segments.push_back({from % 800 == 0 ? 11 : 12, from, from % 800 == 0 ? kWell11 : kWell12});
+    return ChainBytes(segments, at);
+}
+
 // The end of a recording header, its segments and the beginning of the next header are removed. What is left has the
 // name of the first recording, but the segments of the second one.
 TEST_F(RecoverTest, SegmentsAfterThePartsOfTwoRecordingHeadersAreNotOfTheFirst) {
-    const auto chain = [](std::size_t count, std::int64_t from, std::int64_t at) {
-        CSegmentTexts segments;
-        for (std::int64_t end = from + 400 * static_cast<std::int64_t>(count); from < end; from += 400)
-            segments.push_back({from % 800 == 0 ? 11 : 12, from, from % 800 == 0 ? kWell11 : kWell12});
-        return ChainBytes(segments, at);
-    };
-    for (const std::size_t count : {1U, 2U, 3U, 4U}) {
+    for (const int count : {1, 2, 3, 4}) {
         const std::int64_t next = 3650 + 308 * 4;
-        const std::int64_t last = next + 2460 + 308 * static_cast<std::int64_t>(count);
+        const std::int64_t last = next + 2460 + 308 * count;
         const std::string file =
-            FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = next}) + chain(4, 0, 3650) +
-            RecordingHdrBytes({.recording = 2, .data = next + 2460, .next = last}) + chain(count, 10'000, next + 2460) +
-            RecordingHdrBytes({.recording = 3, .data = last + 2460}) + chain(1, 0, last + 2460);
+            FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = next}) + Turns(4, 0, 3650) +
+            RecordingHdrBytes({.recording = 2, .data = next + 2460, .next = last}) + Turns(count, 10'000, next + 2460) +
+            RecordingHdrBytes({.recording = 3, .data = last + 2460}) + Turns(1, 0, last + 2460);
         for (std::size_t first = 3; first < 2460; first += 117 * kStride) {
             for (std::size_t second = 1; second < 2460 && !HasFailure(); second += 131) {
                 SCOPED_TRACE(testing::Message() << count << " segments, " << first << " bytes of one header, all but "
                                                 << second << " of the other");
                 const auto kept = Recovered(std::string(file).erase(1190 + first, 3692 - first + second));
-                EXPECT_EQ(kept.size(), count + 1);
+                EXPECT_EQ(kept.size(), static_cast<std::size_t>(count) + 1);
                 const auto isDoubted = [](const CRemark& doubt) {
                     return doubt.reason == EReason::OtherRecording && doubt.recording == 0;
                 };
@@ -615,18 +618,56 @@ TEST_F(RecoverTest, SegmentsAfterThePartsOfTwoRecordingHeadersAreNotOfTheFirst) 
     }
 }
 
+// The same, but at the same offset of both headers: what is left is a whole header, so only positions show it.
+TEST_F(RecoverTest, AWholeHeaderThatIsMadeOfTwoIsInDoubt) {
+    for (const auto& [recordings, count] : {std::pair(2, 1), {2, 2}, {3, 1}, {3, 2}, {4, 1}}) {
+        std::string file = FileHdrBytes(1190);
+        const std::int64_t size = 2460 + 308 * count;
+        for (int i = 0; i < recordings; ++i) {
+            const std::int64_t data = 3650 + i * size;
+            file += RecordingHdrBytes(
+                        {.recording = i + 1, .data = data, .next = i + 1 < recordings ? data + 308 * count : -1}) +
+                    Turns(count, 10'000 * i, data);
+        }
+        for (int first = 0; first + 1 < recordings; ++first) {
+            for (std::size_t offset = 95; offset < 2460 && !HasFailure(); offset += 50) {
+                SCOPED_TRACE(testing::Message() << recordings << " recordings, " << count << " segments, offset "
+                                                << offset << " of header " << first);
+                const auto kept = Recovered(std::string(file).erase(1190 + first * size + offset, size));
+                const auto isDoubted = [&](int recording) {
+                    return std::ranges::any_of(m_report.doubts.first, [&](const CRemark& doubt) {
+                        const bool isOfHeader = doubt.reason == EReason::OtherHeader && !doubt.wellID;
+                        return (isOfHeader || doubt.reason == EReason::OtherRecording) &&
+                               doubt.recording == static_cast<std::uint32_t>(recording);
+                    });
+                };
+                const auto isOfFirst = [&](const CSeen& seen) {
+                    return seen.recording == "CompoundTest" + std::to_string(first + 1);
+                };
+                EXPECT_EQ(kept.size(), static_cast<std::size_t>(count * (recordings - 1)));
+                // With its own position from the first header and -1 from the last one, it is as sound as any.
+                const bool isSound = first + 2 == recordings && count == 1 && (offset == 195 || offset == 245);
+                EXPECT_EQ(std::ranges::none_of(kept, isOfFirst) || isDoubted(first), !isSound);
+                // The headers before and after it could be the one as well.
+                for (int i = 0; i + 1 < recordings; ++i)
+                    EXPECT_FALSE(std::abs(i - first) > 1 && isDoubted(i)) << i;
+            }
+        }
+    }
+}
+
 // A file that ends within a recording header, and another one without its file header and the beginning of its first
 // recording header. The positions of the second one point back.
 TEST_F(RecoverTest, FilesJoinedWithinTheirHeadersStayApart) {
     const std::string first = TakingTurns(2).bytes + RecordingHdrBytes({.recording = 2, .data = 99'999});
-    const std::string second = RecordingHdrBytes({.task = "Series", .data = 3650}) +
-                               ChainBytes({{11, 50'000, kWell11}, {12, 50'000, kWell12}, {11, 50'400, kWell11}});
     for (std::size_t end = 60; end < 2460; end += 170) {
         for (std::size_t begin = 1; begin < 2460 && !HasFailure(); begin += 190) {
             SCOPED_TRACE(testing::Message() << end << " bytes of one header, all but " << begin << " of the other");
+            const int count = begin % 20 == 1 ? 3 : 1;
+            const std::string second = RecordingHdrBytes({.task = "Series", .data = 3650}) + Turns(count, 50'000, 3650);
             const std::size_t kept = TakingTurns(2).bytes.size() + end;
             const std::vector<CSeen> seen = Recovered(first.substr(0, kept) + second.substr(begin));
-            EXPECT_EQ(seen.size(), 7U);
+            EXPECT_EQ(seen.size(), 4U + count);
             const auto isDoubted = [](const CRemark& doubt) {
                 return doubt.reason == EReason::OtherRecording && doubt.recording == 1;
             };

@@ -89,7 +89,8 @@ std::string DoubtText(const CRemark& remark) {
             return DamagedText(remark);
         case EReason::Position:
             return remark.what + " is " + std::to_string(remark.value) + ", but should be " +
-                   std::to_string(remark.should) + ": it is damaged, or bytes were inserted or removed";
+                   std::to_string(remark.should) +
+                   ": it is damaged, its header belongs elsewhere, or bytes were inserted or removed";
         case EReason::PutIn:
             return "bytes were inserted after it or within it: its samples may be wrong from there on";
         case EReason::TakenOut:
