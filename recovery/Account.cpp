@@ -70,8 +70,7 @@ class CAccountant {
 
     void TakeRecording(const CPiece& piece, const CCandidate& recording) {
         const bool isDirect = m_end == recording.begin;
-        BeginRecording(FoundRecording(m_window, recording),
-                       IsAloneAstray(piece) ? piece.ownShift : piece.shift + recording.moved);
+        BeginRecording(FoundRecording(m_window, recording), ShiftAt(piece));
         if (isDirect) DoubtFirstCells(piece);
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
@@ -81,11 +80,10 @@ class CAccountant {
                     {.from = recording.begin, .to = piece.end});
     }
 
-    /// Begins a recording. At its header, positions have a shift.
-    void BeginRecording(CFoundRecording recording, std::int64_t shift) {
-        const std::int64_t should = recording.header.begin + m_shift;
-        Compare(m_nextKey, m_nextRecording, should, Here());
-        DoubtUnshown(should, shift);
+    /// Begins a recording. `shift` is what positions show at its header, or `kLost`.
+    void BeginRecording(CFoundRecording recording, std::int64_t shift = kLost) {
+        Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
+        DoubtUnshown(recording.header.begin, shift);
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
@@ -169,18 +167,25 @@ class CAccountant {
         if (!isConfirmed && (hasRoom || lost < 0 || (gap > 0 && NextRecordingIn(begin)))) DoubtRecordingOf(piece);
     }
 
-    /// Reports the segments that no position places if they may be of another recording: the next one isn't where its
-    /// position says, that is unknown and their header may be parts of two, or positions shift there. `should` is the
-    /// correct position of the next recording; -1 if none follows.
-    void DoubtUnshown(std::int64_t should, std::int64_t shift) {
-        if (m_unshown != nullptr) {
-            const bool isInParts = m_found.recordings.back().header.moved != 0;
-            const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
-            if (shift != m_shift || (isKnown ? m_nextRecording != should : isInParts)) DoubtRecordingOf(*m_unshown);
-        }
+    /// Reports the segments that no position places if they may be of another recording: positions show that before the
+    /// next one, at `begin`, a recording header is missing or a segment was inserted; that isn't where its position
+    /// says; or positions show nothing, and the header before the segments may be parts of two. `shift` is what
+    /// positions show at `begin`, or `kLost`.
+    void DoubtUnshown(std::int64_t begin, std::int64_t shift) {
+        const std::int64_t by = shift == kLost ? 0 : shift - m_shift;
+        const bool hasRoom = by >= LeastSizeOf(EKind::Recording) || -by >= LeastSizeOf(EKind::Segment);
+        if (m_unshown != nullptr && (hasRoom || IsNextAstray(begin + m_shift, by) || (shift == kLost && IsInParts())))
+            DoubtRecordingOf(*m_unshown);
         m_unshown = nullptr;
         m_doubtedFrom = kFarthest;
     }
+
+    bool IsNextAstray(std::int64_t should, std::int64_t by) const {
+        const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
+        return isKnown && m_nextRecording != should && m_nextRecording != should + by;
+    }
+
+    bool IsInParts() const { return m_found.recordings.back().header.moved != 0; }
 
     /// Reports that a segment and those after it may be of another recording, unless that has been reported.
     void DoubtRecordingOf(const CPiece& piece) {
@@ -242,11 +247,10 @@ class CAccountant {
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
-        if (begin > m_end && left.end <= begin && left.whole > 0)
-            return BeginRecording(FoundRecording(m_window, left), m_shift);
+        if (begin > m_end && left.end <= begin && left.whole > 0) return BeginRecording(FoundRecording(m_window, left));
         CFoundRecording lost;
         lost.header.begin = left.begin;
-        BeginRecording(std::move(lost), m_shift);
+        BeginRecording(std::move(lost));
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
@@ -279,7 +283,9 @@ class CAccountant {
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
-        DoubtUnshown(kUnset, m_shift);
+        // The next recording may have begun where the last segment should end.
+        const CCandidate* const cut = Before() != nullptr && Before()->isCut ? SegmentBefore() : nullptr;
+        DoubtUnshown(cut != nullptr ? cut->end + 2 * cut->size : m_end, kLost);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(end == m_window.Size() && m_isGrowing))

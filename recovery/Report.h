@@ -43,7 +43,7 @@ enum class EReason : std::uint8_t {
     OtherHeader,      ///< Bytes were removed before it or in its header: its first cells may be of another one.
     MaybeEmpty,       ///< The input ends after the header of a recording.
     Ambiguous,        ///< Another explanation is nearly as good.
-    OtherRecording,   ///< It and those after it may be of a recording whose header was lost before it.
+    OtherRecording,   ///< It and those after it may be of a recording whose header is lost, whole or in part.
     OtherWell,        ///< It names this well, or none, but by its times it is of well `value`.
     Unlisted,         ///< The recording doesn't list this well, which has `count` segments.
     SharedTimes,      ///< `count` segments overlap others of this well; well `value`, if any, has none then.

@@ -315,9 +315,14 @@ TEST(GrowingTest, BytesAppendedDuringRecoveryAreNoDamage) {
         EXPECT_TRUE(report.IsComplete()) << first;
         EXPECT_EQ(report.recordings.at(0).wells.size(), first < 3958 ? 0U : 1U) << first;
     }
+    const std::string two = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 3958}) +
+                            ChainBytes({{11, 0, kWell11}}) + RecordingHdrBytes({.recording = 2, .data = 6418}) +
+                            ChainBytes({{11, 1000, kWell11}}, 6418);
+    for (std::size_t first = 3958; first < two.size(); first += kStride)
+        EXPECT_TRUE(Recover(CGrowingInput(two, first), {}, [](std::span<const std::byte>) {}).doubts.first.empty());
     // Only the last file grows; one before it that lacks a segment is damaged.
-    const CGrowingInput two(file.substr(0, 3958) + file, 3958 + 3958);
-    const CReport report = Recover(two, {}, [](std::span<const std::byte>) {});
+    const CGrowingInput joined(file.substr(0, 3958) + file, 3958 + 3958);
+    const CReport report = Recover(joined, {}, [](std::span<const std::byte>) {});
     EXPECT_TRUE(report.isGrowing);
     ASSERT_EQ(report.losses.first.size(), 1U);
     EXPECT_EQ(report.losses.first[0].reason, EReason::MissingSegment);

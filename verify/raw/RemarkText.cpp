@@ -89,8 +89,7 @@ std::string DoubtText(const CRemark& remark) {
             return DamagedText(remark);
         case EReason::Position:
             return remark.what + " is " + std::to_string(remark.value) + ", but should be " +
-                   std::to_string(remark.should) +
-                   ": it is damaged, its header belongs elsewhere, or bytes were inserted or removed";
+                   std::to_string(remark.should) + ": it is damaged, or bytes were inserted, removed or copied";
         case EReason::PutIn:
             return "bytes were inserted after it or within it: its samples may be wrong from there on";
         case EReason::TakenOut:
@@ -110,7 +109,7 @@ std::string DoubtText(const CRemark& remark) {
         case EReason::Ambiguous:
             return "what lies here may be something else: two explanations are nearly equally good";
         case EReason::OtherRecording:
-            return "a recording header may be among the bytes lost before it: it and the segments after it may be of "
+            return "a recording header may be lost before it, whole or in part: it and the segments after it may be of "
                    "another recording";
         case EReason::OtherWell:
             return std::string(remark.wellID ? "the segment names this well, but" : "the ID of the segment is lost;") +
