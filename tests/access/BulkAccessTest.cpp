@@ -186,7 +186,7 @@ TEST_F(BulkAccessTest, WellsAreInTheRequestedOrder) {
     EXPECT_TRUE(std::isnan(unlisted));
 }
 
-TEST_F(BulkAccessTest, ValuesWithoutUnitsAreNaN) {
+TEST_F(BulkAccessTest, ValuesAreNaNOnlyIfTheirWellHasNoUnits) {
     std::string bytes = RecordingHdrBytes({.data = kFirstSegment}) + ChainBytes({{11, 0, {1}}, {12, 0, {2}}});
     bytes.replace(bytes.find("0.0002:"), 6, "1,0002");
     Write(bytes);
@@ -196,6 +196,13 @@ TEST_F(BulkAccessTest, ValuesWithoutUnitsAreNaN) {
     EXPECT_TRUE(std::isnan(values[0])) << "a reader takes 1";
     EXPECT_EQ(values[1], (2 - 32768) * 0.0002);
     EXPECT_EQ(index.GetRecordingHdr().WellChannels[0].UnitsPerAD, 1);
+    // The units of a well that is listed twice are the first ones, and not those of the next well.
+    bytes = RecordingHdrBytes({.data = kFirstSegment, .wells = "3", .wellIDs = "=11:11:12"});
+    bytes.replace(bytes.find("Ticks=100"), 600,
+                  Cell(200, "Ticks=100:100:100") + Cell(400, "UnitsPerADs=0.0001:0.0002:0.0003"));
+    Write(bytes.replace(bytes.find("ADZeros="), 200, Cell(200, "ADZeros=0:0:12")) + ChainBytes({{12, 0, {2}}}));
+    CRawDataFile(m_path).ReadIndex(0).Select().ReadScaled({{std::span(values, 0), std::span(values, 1)}});
+    EXPECT_EQ(values[0], (2 - 12) * 0.0003);
 }
 
 TEST_F(BulkAccessTest, WrongBuffersAreRefused) {

@@ -151,6 +151,16 @@ def test_replacing_a_section_keeps_what_was_taken_from_the_old_one():
     assert old.Wells == () and wells[0].Label == "A1"
 
 
+def test_objects_that_are_held_survive_a_refused_value_and_one_of_their_own():
+    settings = vx.open(SETTINGS)
+    plate, before = settings.RecordPlate, settings.to_dict()
+    with pytest.raises(TypeError):
+        settings.RecordPlate = 1
+    settings.RecordPlate = plate
+    settings.RecordPlate = settings.RecordPlate
+    assert settings.to_dict() == before and plate.Data.Wells[0].Label == "A1"
+
+
 def test_objects_in_lists_are_changed_in_place():
     results = vx.open(RESULTS)
     results.Tasks[vx.Task.Analyze].Recordings[0].Wells[64].Responses["Na-Slope"].Value = 7

@@ -230,6 +230,15 @@ TEST_F(PropertiesTest, MarksOfOneTaskAreReplacedTogether) {
     EXPECT_EQ(other.AnalyzeSettings.size(), 4U);
     EXPECT_EQ(other.AnalyzeSettings[enTask::Series].size(), 2U);
     EXPECT_EQ(other.GetResponseMark(enTask::Series, 1, 11, enResponseType::QTInterval), enAnalysisMark::Deselected);
+
+    // What the file doesn't have is the default, not that of the well before.
+    analyzer.AnalyzeSettings[enTask::Series][0][11].Analyze = false;
+    std::string partial = Saved(analyzer);
+    const std::string absent = "<Analyze>0</Analyze>";
+    partial.erase(partial.find(absent, partial.find("<WellID>12<")), absent.size());
+    other = Loaded(partial, CPropAnalyzer());
+    EXPECT_FALSE(other.IsWellAnalyzed(enTask::Series, 0, 11));
+    EXPECT_TRUE(other.IsWellAnalyzed(enTask::Series, 0, 12));
 }
 
 TEST_F(PropertiesTest, SavingTheAnalyzerSetsItsDate) {

@@ -93,6 +93,17 @@ def stored(path, sql):
         return connection.execute(sql).fetchall()
 
 
+def check_large_numbers(folder):
+    """Doses beyond 32 bits are the same in each form."""
+    large = folder / "large"
+    large.mkdir()
+    raw = (REFERENCE / "small_example.vxd").read_bytes()
+    (large / "run.vxd").write_bytes(raw.replace(b"Dose=1000".ljust(16, b"\0"), b"Dose=30000000000", 1))
+    database = str(folder / "large.db")
+    run(str(large), "--sqlite", database, status=0)
+    assert stored(database, "SELECT dose, dose_text FROM recordings") == [(30000000000, "30 mM")]
+
+
 def check_interruption(folder):
     """Ctrl-C leaves an existing database unchanged, and no new one."""
     many = folder / "many"
@@ -118,6 +129,7 @@ with tempfile.TemporaryDirectory() as top:
     check_changes(root)
     if os.name == "posix":
         check_names(root)
+    check_large_numbers(root)
     check_interruption(root)
 
 print("the catalogue agrees with the folders")
