@@ -168,9 +168,9 @@ class CAccountant {
     }
 
     /// Reports the segments that no position places if they may be of another recording: positions show that before the
-    /// next one, at `begin`, a recording header is missing or a segment was inserted; that isn't where its position
-    /// says; or positions show nothing, and the header before the segments may be parts of two. `shift` is what
-    /// positions show at `begin`, or `kLost`.
+    /// next one, at `begin`, a recording header is missing or a segment was inserted; the next one isn't where its
+    /// position says; or positions show nothing, and the header before the segments may be parts of two. `shift` is
+    /// what positions show at `begin`, or `kLost`.
     void DoubtUnshown(std::int64_t begin, std::int64_t shift) {
         const std::int64_t by = shift == kLost ? 0 : shift - m_shift;
         const bool hasRoom = by >= LeastSizeOf(EKind::Recording) || -by >= LeastSizeOf(EKind::Segment);
@@ -180,11 +180,13 @@ class CAccountant {
         m_doubtedFrom = kFarthest;
     }
 
+    /// Returns whether the position of the next recording is wrong, with and without the shift `by` before that.
     bool IsNextAstray(std::int64_t should, std::int64_t by) const {
         const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
         return isKnown && m_nextRecording != should && m_nextRecording != should + by;
     }
 
+    /// Returns whether cells of the current recording header moved: it may be parts of two.
     bool IsInParts() const { return m_found.recordings.back().header.moved != 0; }
 
     /// Reports that a segment and those after it may be of another recording, unless that has been reported.

@@ -581,7 +581,7 @@ TEST_F(RecoverTest, TwoHeadersWithoutTheBytesBetweenThemAreNotJoined) {
     EXPECT_EQ(Placeless(Recovered(std::string(file.bytes).erase(end, 180))), Without(Without(original, 3), 2));
 }
 
-/// Returns segments of two wells in turns, from some time and at some position on. Each has 308 bytes.
+/// Returns a chain of segments of two wells in turns, 308 bytes each. It begins at the time `from` and the offset `at`.
 std::string Turns(std::int64_t count, std::int64_t from, std::int64_t at) {
     CSegmentTexts segments;
     for (const std::int64_t end = from + 400 * count; from < end; from += 400)
@@ -634,7 +634,8 @@ bool MayBeOfAnotherRecording(const CRemark& doubt) {
     return doubt.reason == EReason::OtherRecording || (doubt.reason == EReason::OtherHeader && !doubt.wellID);
 }
 
-// The same, but at the same offset of both headers: what is left is a whole header, so only positions show it.
+// The bytes between the same offset of two recording headers are removed. What is left is a whole header, so only
+// positions show that it is of two recordings.
 TEST_F(RecoverTest, AWholeHeaderThatIsMadeOfTwoIsInDoubt) {
     const std::vector<std::vector<int>> files = {{2, 1}, {1, 2}, {1, 1, 2}, {2, 1, 2}, {2, 2, 1}, {1, 2, 1, 2}};
     for (const std::vector<int>& counts : files) {
@@ -702,7 +703,6 @@ TEST_F(RecoverTest, ShortRecordingsWithOtherDamageAreOfNoOtherRecording) {
         {"a header of zeros", std::string(file).replace(6726, 2460, 2460, '\0')},
         {"an inserted byte", std::string(file).insert(3958, "x")},
         {"299 bytes inserted in samples", std::string(file).insert(3952, 299, 'x')},
-
         {"a wrong own position", std::string(file).replace(6894, 4, "9177")},
     };
     for (const auto& [name, bytes] : damaged) {
