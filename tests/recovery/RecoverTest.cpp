@@ -722,7 +722,7 @@ TEST_F(RecoverTest, FilesJoinedWithinTheirHeadersStayApart) {
             const std::string second = RecordingHdrBytes({.task = "Series", .data = 3650}) + Turns(count, 50'000, 3650);
             const std::size_t kept = TakingTurns(2).bytes.size() + end;
             const std::vector<CSeen> seen = Recovered(first.substr(0, kept) + second.substr(begin));
-            EXPECT_EQ(seen.size(), 4U + count);
+            EXPECT_EQ(seen.size(), static_cast<std::size_t>(4 + count));
             const auto isDoubted = [](const CRemark& doubt) {
                 return doubt.reason == EReason::OtherRecording && doubt.recording == 1;
             };
