@@ -127,7 +127,7 @@ class CAccountant {
             Keep(piece, segment, there);
             remark.reason = EReason::CutKept;
             remark.from = segment.end + 2 * there;
-            remark.to = segment.end + 2 * segment.size;
+            remark.to = segment.DataEnd();
         }
         LoseAtEnd(std::move(remark));
     }
@@ -226,7 +226,7 @@ class CAccountant {
     /// A file that begins among the samples of a segment was either appended to a cut file or stored as these samples.
     void DoubtFile(const CCandidate& file) {
         const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
-        const std::int64_t end = segment.end + 2 * segment.size;
+        const std::int64_t end = segment.DataEnd();
         if (segment.IsWhole() && segment.end <= file.begin && file.begin < end)
             Doubt({.reason = EReason::Ambiguous, .from = file.begin, .to = std::min(end, m_window.Size())});
     }
@@ -239,7 +239,7 @@ class CAccountant {
         remark.wellID = WellOf(segment);
         remark.form = segment.form;
         remark.cells = CellsAt(m_window, *segment.form, segment.Place()).damaged;
-        const bool isOverlapped = end < m_window.Size() && segment.end + 2 * segment.size > end;
+        const bool isOverlapped = end < m_window.Size() && segment.DataEnd() > end;
         remark.reason = !segment.IsWhole() ? EReason::DamagedSegment
                         : isOverlapped     ? EReason::TakenOutOf
                                            : EReason::Contradiction;
@@ -286,8 +286,8 @@ class CAccountant {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
         // The next recording may have begun where the last segment should end.
-        const CCandidate* const cut = Before() != nullptr && Before()->isCut ? SegmentBefore() : nullptr;
-        DoubtUnshown(cut != nullptr ? cut->end + 2 * cut->size : m_end, kLost);
+        const bool isCut = Before() != nullptr && Before()->isCut;
+        DoubtUnshown(isCut ? Before()->candidate->DataEnd() : m_end, kLost);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(end == m_window.Size() && m_isGrowing))
@@ -410,7 +410,7 @@ const CCandidate* Take(const CCandidates& candidates, EKind kind, std::int64_t p
     const CCandidate* const header = candidates.WholeAt(kind, position);
     if (header == nullptr || (kind == EKind::Segment && TicksOf(header->from, header->to, header->size).IsEmpty()))
         return nullptr;
-    return taken.emplace(header->begin, header->end + 2 * header->size).second ? header : nullptr;
+    return taken.emplace(header->begin, header->DataEnd()).second ? header : nullptr;
 }
 
 /// Reports the bytes that no position points at as lost. Returns false if headers or samples overlap or are cut.

@@ -223,7 +223,7 @@ class CSearch {
     /// shift.
     void SkipSamples(const CCandidate& segment) {
         if (!IsConsistent(segment)) return;
-        const std::int64_t end = segment.end + 2 * segment.size;
+        const std::int64_t end = segment.DataEnd();
         if (end > m_window.Size()) return;
         if (end == m_window.Size() || IsProvedBy(segment, end)) m_goOn = std::max(m_goOn, end);
     }
@@ -288,7 +288,7 @@ std::int64_t CWellList::CommonTick() const {
 std::optional<std::int64_t> CCandidate::OwnShift() const {
     if (noSize || !IsPosition(next)) return std::nullopt;
     if (kind == EKind::File) return -begin;
-    return next - end + moved - (kind == EKind::Segment ? 2 * size : 0);
+    return next - DataEnd() + moved;
 }
 
 const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {

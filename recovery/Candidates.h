@@ -32,7 +32,7 @@ struct CCandidate {
     std::int64_t next = kLost;
     std::int64_t from = 0;  ///< Segment: time of the first sample. Recording: the position of the next one, or `kLost`.
     std::int64_t to = 0;    ///< Segment: time of the last sample.
-    std::int64_t size = 0;  ///< Segment: number of samples.
+    std::int64_t size = 0;  ///< Segment: number of samples. Others have none.
     std::int32_t well = 0;  ///< Segment: well ID. Recording: index of its channels in `CCandidates`.
     std::int16_t moved = 0;
     std::uint8_t movedRow = 0;  ///< The first row that moved; the number of rows if only the end of the header did.
@@ -51,6 +51,8 @@ struct CCandidate {
 
     CHdrPlace Place() const { return {.begin = begin, .movedRow = movedRow, .moved = moved}; }
     bool IsWhole() const { return damaged == 0 && moved == 0; }
+    /// Returns the offset of the byte after its samples, by its own size.
+    std::int64_t DataEnd() const { return end + 2 * size; }
     /// Returns whether it is a recording header whose last cells moved: they may be of another one.
     bool IsJoined() const { return kind == EKind::Recording && moved != 0 && movedRow < form->cells.size(); }
     /// Returns whether it is a recording header without its end.

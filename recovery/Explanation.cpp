@@ -352,7 +352,7 @@ class CExplainer {
     /// such segment.
     std::int64_t OverlapOf(std::int64_t begin, std::int64_t next) const {
         const CCandidate* const segment = m_candidates.WholeAt(EKind::Segment, begin);
-        return segment == nullptr ? 0 : std::max<std::int64_t>(0, segment->end + 2 * segment->size - next);
+        return segment == nullptr ? 0 : std::max<std::int64_t>(0, segment->DataEnd() - next);
     }
 
     /// Keeps the cheaper of two ways to the same state.

@@ -718,7 +718,7 @@ TEST_F(RecoverTest, FilesJoinedWithinTheirHeadersStayApart) {
     for (std::size_t end = 60; end < 2460; end += 170) {
         for (std::size_t begin = 1; begin < 2460 && !HasFailure(); begin += 190) {
             SCOPED_TRACE(testing::Message() << end << " bytes of one header, all but " << begin << " of the other");
-            const int count = begin % 20 == 1 ? 3 : 1;
+            const int count = begin % 20 == 1 ? 3 : 1;  // of both in turns
             const std::string second = RecordingHdrBytes({.task = "Series", .data = 3650}) + Turns(count, 50'000, 3650);
             const std::size_t kept = TakingTurns(2).bytes.size() + end;
             const std::vector<CSeen> seen = Recovered(first.substr(0, kept) + second.substr(begin));

@@ -93,8 +93,8 @@ def stored(path, sql):
         return connection.execute(sql).fetchall()
 
 
-def check_large_numbers(folder):
-    """Doses beyond 32 bits are the same in each form."""
+def check_large_doses(folder):
+    """The database has doses beyond 32 bits."""
     large = folder / "large"
     large.mkdir()
     raw = (REFERENCE / "small_example.vxd").read_bytes()
@@ -129,7 +129,7 @@ with tempfile.TemporaryDirectory() as top:
     check_changes(root)
     if os.name == "posix":
         check_names(root)
-    check_large_numbers(root)
+    check_large_doses(root)
     check_interruption(root)
 
 print("the catalogue agrees with the folders")
