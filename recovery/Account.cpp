@@ -75,9 +75,10 @@ class CAccountant {
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
         if (recording.moved > 0) DoubtMoved(piece);
-        if (recording.next != kUnset)
-            Compare("FPosRecordingData", recording.next, piece.end + piece.shift,
-                    {.from = recording.begin, .to = piece.end});
+        if (recording.next == kUnset) return;
+        const std::int64_t data = piece.end + piece.shift;
+        Compare("FPosRecordingData", recording.next, data, {.from = recording.begin, .to = piece.end});
+        m_isAstray = recording.next != kLost && recording.next != data;
     }
 
     /// Begins a recording. `shift` is what positions show at its header, or `kLost`.
@@ -87,6 +88,7 @@ class CAccountant {
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
+        m_isAstray = false;
     }
 
     void TakeSegment(const CPiece& piece, const CCandidate& segment) {
@@ -145,7 +147,7 @@ class CAccountant {
         if (isFile) DoubtFile(candidate);
         if (isFile) EndFile(begin);
         const bool isBeforeFile = isFile && m_found.recordings.empty();
-        if (piece.lostRecording) BeginLostRecording(begin);
+        if (piece.lostRecording) BeginLostRecording(piece, begin);
         if (isGap && (piece.lostRecording || isBeforeFile))
             return Lose(
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
@@ -162,15 +164,19 @@ class CAccountant {
         const std::int64_t lost = gap + (hasShift ? piece.ownShift - m_shift : 0);
         const bool hasRoom = lost >= LeastSizeOf(EKind::Recording);
         // Right after the recording header, both positions may be of the same other recording.
-        const bool isConfirmed = (gap > 0 || SegmentBefore() != nullptr) && piece.nextRecording != kLost &&
-                                 piece.nextRecording == m_nextRecording;
+        const bool isConfirmed = (gap > 0 || SegmentBefore() != nullptr) && IsNextConfirmed(piece);
         if (!isConfirmed && (hasRoom || lost < 0 || (gap > 0 && NextRecordingIn(begin)))) DoubtRecordingOf(piece);
     }
 
-    /// Reports the segments that no position places if they may be of another recording: positions show that before the
-    /// next one, at `begin`, a recording header is missing or a segment was inserted; the next one isn't where its
-    /// position says; or positions show nothing, and the header before the segments may be parts of two. `shift` is
-    /// what positions show at `begin`, or `kLost`.
+    /// Returns whether the shift of a segment confirms the position of the next recording.
+    bool IsNextConfirmed(const CPiece& segment) const {
+        return segment.nextRecording != kLost && segment.nextRecording == m_nextRecording;
+    }
+
+    /// Reports the segments that no position places, or whose recording header has a wrong one, if they may be of
+    /// another recording: positions show that before the next one, at `begin`, a recording header is missing or a
+    /// segment was inserted; the next one isn't where its position says; or positions show nothing, and the header
+    /// before the segments may be parts of two. `shift` is what positions show at `begin`, or `kLost`.
     void DoubtUnshown(std::int64_t begin, std::int64_t shift) {
         const std::int64_t by = shift == kLost ? 0 : shift - m_shift;
         const bool hasRoom = by >= LeastSizeOf(EKind::Recording) || -by >= LeastSizeOf(EKind::Segment);
@@ -182,8 +188,8 @@ class CAccountant {
 
     /// Returns whether the position of the next recording is wrong, with and without the shift `by` before that.
     bool IsNextAstray(std::int64_t should, std::int64_t by) const {
-        const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
-        return isKnown && m_nextRecording != should && m_nextRecording != should + by;
+        const bool isSet = m_nextRecording != kUnset || !m_found.recordings.back().IsUnfinished();
+        return m_nextRecording != kLost && isSet && m_nextRecording != should && m_nextRecording != should + by;
     }
 
     /// Returns whether cells of the current recording header moved: it may be parts of two.
@@ -196,13 +202,14 @@ class CAccountant {
         DoubtPiece(EReason::OtherRecording, piece);
     }
 
-    /// Remembers a segment if neither its position nor that of the segment before it shows where it is. The position in
-    /// a recording header doesn't count: the header may be parts of two.
+    /// Remembers a segment if the position in its recording header is wrong, or if neither its own position nor that of
+    /// the segment before it shows where it is. A correct one in the header shows nothing: the header may be parts of
+    /// two.
     void NoteUnshown(const CPiece& piece) {
         const bool isPointedAt = m_end == piece.candidate->begin && SegmentBefore() != nullptr && Before()->IsShown();
-        if (piece.IsShown()) {
+        if (piece.IsShown() && !m_isAstray) {
             m_unshown = nullptr;
-        } else if (m_unshown == nullptr && !isPointedAt) {
+        } else if (m_unshown == nullptr && (!isPointedAt || m_isAstray)) {
             m_unshown = &piece;
         }
     }
@@ -246,13 +253,16 @@ class CAccountant {
         return remark;
     }
 
-    /// Begins a recording whose header is lost. Keeps the cells that are left.
-    void BeginLostRecording(std::int64_t begin) {
+    /// Begins a recording whose header is lost, with its first segment. Keeps the cells that are left. If another
+    /// header has room after them, they may be of another recording.
+    void BeginLostRecording(const CPiece& first, std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
-        if (begin > m_end && left.end <= begin && left.whole > 0) return BeginRecording(FoundRecording(m_window, left));
+        const bool isLeft = begin > m_end && left.end <= begin && left.whole > 0;
         CFoundRecording lost;
         lost.header.begin = left.begin;
-        BeginRecording(std::move(lost));
+        BeginRecording(isLeft ? FoundRecording(m_window, left) : std::move(lost));
+        if (isLeft && begin - left.end >= LeastSizeOf(EKind::Recording) && !IsNextConfirmed(first))
+            DoubtRecordingOf(first);
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
@@ -285,6 +295,7 @@ class CAccountant {
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
+        if (m_nextRecording == kUnset) m_nextRecording = kLost;  // nothing to compare: no recording follows
         // The next recording may have begun where the last segment should end.
         const bool isCut = Before() != nullptr && Before()->isCut;
         DoubtUnshown(isCut ? Before()->candidate->DataEnd() : m_end, kLost);
@@ -397,7 +408,8 @@ class CAccountant {
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
     std::int64_t m_doubtedFrom = kFarthest;  ///< Segments from here on were reported as maybe of another recording.
-    const CPiece* m_unshown = nullptr;       ///< The first segment after the last one that a position places, if any.
+    bool m_isAstray = false;                 ///< The position in the header of the recording is wrong.
+    const CPiece* m_unshown = nullptr;       ///< The first segment from which on none is placed, if any.
     std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };

@@ -668,6 +668,35 @@ TEST_F(RecoverTest, AWholeHeaderThatIsMadeOfTwoIsInDoubt) {
     }
 }
 
+// Its positions are those of the other one, so they show what happened. One wrong position is no more than that.
+TEST_F(RecoverTest, SegmentsAfterTheHeaderOfAnotherRecordingAreInDoubt) {
+    const std::vector<int> counts = {2, 1, 3};
+    const std::string file = RecordingsOf(counts);
+    const std::array<std::size_t, 3> headers = {1190, 4266, 7034};
+    for (std::uint32_t place = 0; place < 3; ++place) {
+        for (std::uint32_t other = 0; other < 3; ++other) {
+            SCOPED_TRACE(testing::Message() << "header " << other + 1 << " at the place of header " << place + 1);
+            std::string bytes = file;
+            for (const CSeen& one : Recovered(bytes.replace(headers[place], 2460, file, headers[other], 2460)))
+                EXPECT_NE(one.recording, "CompoundTest" + std::to_string(place + 1 + (other == place ? 3 : 0)));
+            const auto isDoubted = [&](const CRemark& doubt) {
+                return doubt.reason == EReason::OtherRecording && doubt.recording == place &&
+                       doubt.from == static_cast<std::int64_t>(headers[place]) + 2460;
+            };
+            EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, isDoubted), other != place);
+            EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, MayBeOfAnotherRecording), other != place);
+        }
+        for (const std::size_t cell : {150U, 250U}) {
+            std::string bytes = file;
+            const char* const key = cell == 150 ? "FPosRecordingData=77" : "FPosNextRecordingHdr=77";
+            EXPECT_EQ(Recovered(bytes.replace(headers[place] + cell, 50, Cell(50, key))).size(), 6U);
+            // The last segment has no position, so a single one may be of the next recording.
+            const bool isUnshown = counts[place] == 1 && cell == 250;
+            EXPECT_EQ(std::ranges::any_of(m_report.doubts.first, MayBeOfAnotherRecording), isUnshown) << place << key;
+        }
+    }
+}
+
 // What is doubted in one recording doesn't hide the same doubt in the next one.
 TEST_F(RecoverTest, EachRecordingHasItsOwnDoubts) {
     std::string file = RecordingsOf({12, 12});  // data at 3650 and 9806
@@ -1012,6 +1041,10 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
         {"a segment is lost that has no room for a header", destroyed(3650, 3950),
          "CompoundTest1: 1  CompoundTest2: 2"},
         {"the segment before is lost, too", destroyed(3958, 6726), "CompoundTest1: 1  Recovered2: 2"},
+        {"only the name is left of a header, and the segment after it is damaged", destroyed(1290, 3700),
+         "CompoundTest1: 2  CompoundTest2: 2"},
+        {"only the name is left of a recording with one segment, and nothing of the next header", destroyed(1290, 6726),
+         "CompoundTest1: 2  other?"},
         {"the first segment points back at the lost header",
          patched(destroyed(1190, 3650), 3750, Cell(50, "FPosNextSegmentHdr=1190")).substr(0, 3958),
          "Recovered1: 1  position?"},
@@ -1044,6 +1077,9 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
          "CompoundTest1: 3  position? position? other?"},
         {"the positions of a header and a segment after a gap confirm the next header",
          longer(7346, std::string(2772, '\xAA')), "CompoundTest1: 3  CompoundTest2: 1"},
+        {"only the first cells of that header are left, and not its own position",
+         patched(patched(longer(7346, ""), 1490, std::string(5240, '\xAA')), 1340, std::string(50, '\xAA')),
+         "CompoundTest1: 2  CompoundTest2: 1"},
         {"the header before the gap has no next one", longer(-1, std::string(2772, '\xAA')),
          "CompoundTest1: 3  CompoundTest2: 1  position? other?"},
         {"segments of another file overwrite some of many",
