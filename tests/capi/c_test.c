@@ -216,6 +216,28 @@ static void read_samples(void) {
     WORKS(vx_close(selection));
 }
 
+static void read_a_cut_file(void) {
+    vx_recording* const recording = open_recording("cut_samples.vxd", 0, NULL);
+    vx_selection* selection = NULL;
+    vx_selected_well selected = VX_SELECTED_WELL_INIT;
+    const int32_t chosen[] = {12, 11};
+    uint16_t samples[8] = {0};
+    int64_t count = 8;
+    WORKS(vx_recording_select(&selection, recording, chosen, 2, VX_TIME_FIRST, VX_TIME_LAST));
+    WORKS(vx_selection_get_well(selection, 0, &selected));
+    EXPECT(selected.well == 12 && selected.first == 0 && selected.samples == 4 && selected.missing == 3);
+    WORKS(vx_selection_get_well(selection, 1, &selected));
+    EXPECT(selected.well == 11 && selected.first == 4 && selected.samples == 4 && selected.missing == 0);
+    WORKS(vx_selection_read(selection, samples, &count));
+    EXPECT(count == 8 && samples[0] == 7 && samples[1] == 52 && samples[2] == 0 && samples[4] == 1);
+    WORKS(vx_close(selection));
+    WORKS(vx_recording_select(&selection, recording, chosen, 1, VX_TIME_FIRST, 99));
+    WORKS(vx_selection_get_well(selection, 0, &selected));
+    EXPECT(selected.samples == 1 && selected.missing == 0); /* this time comes before the cut */
+    WORKS(vx_close(selection));
+    WORKS(vx_close(recording));
+}
+
 static vx_segments* open_segments(const char* path, int64_t index, int32_t well, int expected) {
     vx_raw* raw = NULL;
     vx_segments* segments = NULL;
@@ -1195,6 +1217,7 @@ static void refuse_wrong_arguments(void) {
 static void (*const phases[])(void) = {
     read_headers,
     read_samples,
+    read_a_cut_file,
     read_damaged_and_unfinished,
     report_a_failed_open,
     accept_structs_of_later_versions,

@@ -131,6 +131,9 @@ def test_functions_return_values_rows_or_tables_and_can_receive_the_columns(plat
     frames = vxfileio.dask.map_recordings(path, vx.Recording.to_dataframe)
     assert len(frames) == 4 * 6 * 1800
     assert set(frames.columns) == {"path", "task", "number", "dose", "well", "time", "value", "error"}
+    kept = pandas.DataFrame({"a": [7]})
+    again = vxfileio.dask.map_recordings(path, lambda recording: kept, meta={"a": int}).compute(scheduler="synchronous")
+    assert list(again.a) == [7] * 4 and list(kept.columns) == ["a"]
 
 
 def test_errors_of_a_function_are_raised_and_those_of_files_are_rows(plates):

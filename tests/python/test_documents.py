@@ -161,6 +161,11 @@ def test_objects_that_are_held_survive_a_refused_value_and_one_of_their_own():
     assert settings.to_dict() == before and plate.Data.Wells[0].Label == "A1"
 
 
+def test_mappings_end_with_their_last_reference_and_keep_their_owner_until_then():
+    tasks = vx.open(RESULTS).Tasks
+    assert sys.getrefcount(tasks) == 2 and tasks["Analyze"].TaskName == "Analyze"
+
+
 def test_objects_in_lists_are_changed_in_place():
     results = vx.open(RESULTS)
     results.Tasks[vx.Task.Analyze].Recordings[0].Wells[64].Responses["Na-Slope"].Value = 7
@@ -219,6 +224,8 @@ def test_bools_and_words_are_strict():
     for layout, columns in (("8x12", 12), ("Ostrel6x9", 9)):
         made = vx.PropRecordPlate(Data=vx.PlateData(Layout=layout))
         made.BuildPlateMap()
+        made.Data.Layout = vx.PlateData().Layout  # not defined, so it has no map
+        made.BuildPlateMap()
         assert len(made.Map.ColumnLabels) == columns
 
 
@@ -256,6 +263,12 @@ def test_pickling_keeps_everything_and_what_was_changed(path):
         assert document.path == str(path)
     section = vx.open(SETTINGS).RecordPlate
     assert pickle.loads(pickle.dumps(section)).to_dict() == section.to_dict()
+
+
+def test_dicts_of_records_have_no_records_within():
+    recording = vx.open(RESULTS).to_dict()["Tasks"]["Analyze"]["Recordings"][0]
+    assert recording["Wells"][64]["Responses"]["Na-Amplitude"]["Value"] == 0.5
+    assert type(recording["Wells"]) is dict and type(recording["Wells"][64]["Responses"]) is dict
 
 
 def test_records_compare_by_their_attributes_and_show_them():
@@ -388,7 +401,7 @@ def test_the_names_of_workbooks_are_those_of_the_library(tmp_path):
     twin, outside = copy.deepcopy(first), copy.deepcopy(first)
     twin.Label = "the same ID"
     outside.WellID, outside.Label = 99, "../outside"
-    settings.RecordPlate.Data.Wells = [first, twin, outside]
+    settings.RecordPlate.Data.Wells = [outside, first, twin]
     (tmp_path / "-A1").touch()
     with pytest.raises(FileExistsError, match="-A1"):
         vx.open(RESULTS).export(tmp_path / ".xls", settings)

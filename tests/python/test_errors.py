@@ -99,8 +99,10 @@ def test_files_of_another_kind_are_unknown():
 @pytest.mark.skipif(not hasattr(os, "mkfifo"), reason="no pipes with names")
 def test_a_pipe_is_refused_without_waiting_for_it(tmp_path):
     os.mkfifo(tmp_path / "pipe")
-    with pytest.raises(vx.UnknownFileError, match="is a pipe"):
-        vx.open(tmp_path / "pipe")
+    (tmp_path / "link").symlink_to("pipe")
+    for name in ("pipe", "link"):
+        with pytest.raises(vx.UnknownFileError, match="is a pipe"):
+            vx.open(tmp_path / name)
 
 
 @pytest.mark.parametrize("value, exception", [("x", TypeError), (2**40, ValueError), (1.5, TypeError)])

@@ -78,6 +78,8 @@ def test_a_heat_map_has_each_value_at_the_place_of_its_well(results):
         shown = axes.images[0].get_array().filled(np.nan)
         np.testing.assert_array_equal(shown / factor, [[1, np.nan, np.nan], [np.nan, np.nan, 2]])
     assert [text.get_text() for text in axes.get_yticklabels()] == ["A", "B"]
+    places = [plot.place_of(1, label, None) for label in ("A1", "Z064", "Z65", "B123", "A1-ref", "xA1", "A0", "")]
+    assert places == [(0, 0), (25, 63)] + 6 * [None]
     results.settings = None
     with pytest.raises(vx.UsageError, match="whose place is known"):
         plot.heat_map(results, QT, 1, task="PreQC")
