@@ -3,6 +3,13 @@
  *   c_test REFERENCE_FOLDER SCRATCH_FOLDER
  *
  * Each phase prints its name. Ends with 1 if anything isn't as it should be. */
+#if defined(__linux__)
+#define _POSIX_C_SOURCE 200809L
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+#include <inttypes.h>
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -295,8 +302,8 @@ static void read_damaged_and_unfinished(void) {
     WORKS(vx_raw_open(&unfinished, given("unfinished.vxd")));
     for (i = 0; i < 4; ++i) { /* each option does its own, with and without the other */
         int64_t size = sizeof text;
-        options.up_to_damage = i % 2;
-        options.unfinished = i / 2;
+        options.up_to_damage = -(i % 2); /* in some languages, true is -1 */
+        options.unfinished = -(i / 2);
         EXPECT(vx_recording_open(&recording, damaged, 1, &options) == (options.up_to_damage ? VX_OK : VX_ERROR_FILE));
         EXPECT(vx_recording_get_damage(recording, text, &size) == (options.up_to_damage ? VX_OK : VX_ERROR_STATE));
         EXPECT(strcmp(options.up_to_damage ? text : error_of(recording), "Error reading Data Segment Header") == 0);
@@ -493,9 +500,10 @@ static void write_raw_data(void) {
     const char* const path = own("written.vxd");
     vx_writer* writer = begin_small_example(path);
     const uint16_t first[] = {1, 256, 65535, 32768}, second[] = {7, 8, 9, 10};
-    const int64_t list[] = {1000, 2000};
+    const int64_t list[] = {1000, 2000}, limits[] = {INT64_MAX, INT64_MIN};
     char text[100];
-    int64_t size = sizeof text;
+    int64_t size = sizeof text, kept[2], count = 2;
+    vx_raw* raw = NULL;
     WORKS(vx_writer_write(writer, 11, 0, 300, 100, first, 4));
     EXPECT(vx_writer_write(writer, 12, 0, 300, 100, second, 3) == VX_ERROR_ARGUMENT);
     EXPECT(vx_writer_write(writer, 12, 300, 300, 100, second, 4) == VX_ERROR_ARGUMENT);
@@ -517,6 +525,13 @@ static void write_raw_data(void) {
     WORKS(vx_close(writer));
     EXPECT(vx_writer_create(&writer, path, VX_CREATE_REPLACE + 1) == VX_ERROR_ARGUMENT);
     WORKS(vx_close(writer));
+    writer = begin_small_example(own("lists.vxd"));
+    WORKS(vx_writer_set_list(writer, VX_RAW_POST_QC, limits, 2));
+    WORKS(vx_close(writer));
+    WORKS(vx_raw_open(&raw, own("lists.vxd")));
+    WORKS(vx_raw_get_list(raw, VX_RAW_POST_QC, kept, &count));
+    EXPECT(count == 2 && memcmp(kept, limits, sizeof limits) == 0);
+    WORKS(vx_close(raw));
 }
 
 #if defined(_WIN32)
@@ -709,6 +724,13 @@ static void change_settings(void) {
     EXPECT(whole_at(settings, analyzed) > 133512191990000000);
     WORKS(vx_document_get_count(settings, "PropertyQualityCheck/QualityChecks", &count));
     EXPECT(count == 1);
+    WORKS(vx_close(settings));
+
+    WORKS(vx_document_create(&settings, VX_SETTINGS));
+    WORKS(vx_document_save(settings, copy, -1));
+    WORKS(vx_close(settings));
+    WORKS(vx_document_open(&settings, VX_SETTINGS, copy));
+    EXPECT(text_is(settings, "Header/FileType", "VXSettings"));
     WORKS(vx_close(settings));
 }
 
@@ -933,6 +955,13 @@ static void plan_a_recording(void) {
     WORKS(vx_plan_get_text(plan, text, &size));
     EXPECT(!result.fits && result.wells_that_fit == result.wells && strstr(text, "TaskName") != NULL);
     WORKS(vx_close(plan));
+    header.task = "a name that is longer than the room of its cell";
+    WORKS(vx_plan_check(&plan, &header, NULL, NULL, NULL, NULL, 0, 0));
+    size = sizeof text;
+    WORKS(vx_plan_get_result(plan, &result));
+    WORKS(vx_plan_get_text(plan, text, &size));
+    EXPECT(!result.fits && result.wells_that_fit == result.wells && strstr(text, "TaskName has room for") == text);
+    WORKS(vx_close(plan));
 }
 
 /* Counts calls; ends the work at those that `most` and `most_findings` say, by returning `end`. Keeps the texts of the
@@ -1095,6 +1124,66 @@ static void check_and_recover(void) {
     EXPECT(content_of(own("small.vxd"), text, 1) < 0);
 }
 
+#if defined(__linux__)
+static int VX_CALL make_folder_there(void* path, int64_t done, int64_t total) {
+    (void)done, (void)total;
+    mkdir((const char*)path, 0700);
+    return 0;
+}
+
+/* The new file can't get its name, so there is nothing to report on. */
+static void report_a_recovery_without_a_file(void) {
+    static char folder[1100];
+    vx_callbacks callbacks = VX_CALLBACKS_INIT;
+    vx_report* report = NULL;
+    vx_report_summary summary = VX_REPORT_SUMMARY_INIT;
+    snprintf(folder, sizeof folder, "%s", own("folder.vxd"));
+    callbacks.user = folder;
+    callbacks.progress = make_folder_there;
+    EXPECT(vx_recover(&report, given("cut_samples.vxd"), folder, NULL, &callbacks) == VX_ERROR_WRITE);
+    EXPECT(strstr(error_of(report), folder) != NULL);
+    EXPECT(vx_report_get_summary(report, &summary) == VX_ERROR_STATE);
+    WORKS(vx_close(report));
+    EXPECT(rmdir(folder) == 0);
+}
+
+static void write_cell(FILE* file, const char* key, int64_t value) {
+    char cell[50] = {0};
+    snprintf(cell, sizeof cell, "%s=%" PRId64, key, value);
+    memcpy(cell + 48, "\r\n", 2);
+    fwrite(cell, 1, sizeof cell, file);
+}
+
+/* Two segments have more samples than 32 bits can count. The file has holes, so it takes no room. */
+static void count_more_than_32_bits(void) {
+    static char bytes[10000];
+    const int64_t half = INT64_C(1) << 31, header = 3650, size = 300 + 2 * half;
+    FILE* file = fopen(own("huge.vxd"), "wb");
+    vx_raw* raw = NULL;
+    vx_recording* recording = NULL;
+    int64_t count = 0, i;
+    content_of(given("small_example.vxd"), bytes, sizeof bytes);
+    EXPECT(file != NULL && fwrite(bytes, 1, (size_t)header, file) == (size_t)header);
+    for (i = 0; i < 2; ++i) {
+        EXPECT(fseeko(file, header + i * size, SEEK_SET) == 0);
+        fwrite(bytes + header, 1, 100, file); /* Type and ID */
+        write_cell(file, "FPosNextSegmentHdr", i == 0 ? header + size : -1);
+        write_cell(file, "TimeFrom", 100 * half * i);
+        write_cell(file, "TimeTo", 100 * (half * i + half - 1));
+        write_cell(file, "Size", half);
+    }
+    fclose(file);
+    EXPECT(truncate(own("huge.vxd"), header + 2 * size) == 0);
+    WORKS(vx_raw_open(&raw, own("huge.vxd")));
+    WORKS(vx_recording_open(&recording, raw, 0, NULL));
+    WORKS(vx_recording_read(recording, 11, VX_TIME_FIRST, VX_TIME_LAST, NULL, &count));
+    EXPECT(count == 2 * half);
+    WORKS(vx_close(recording));
+    WORKS(vx_close(raw));
+    EXPECT(remove(own("huge.vxd")) == 0);
+}
+#endif
+
 /* Only the first 10000 remarks are kept, but all are counted: one for each of 10002 segments whose position says that
  * none follows, and one because segments share their times. */
 static void count_every_remark(void) {
@@ -1243,6 +1332,10 @@ static void (*const phases[])(void) = {
     plan_a_recording,
     check_and_recover,
     count_every_remark,
+#if defined(__linux__)
+    report_a_recovery_without_a_file,
+    count_more_than_32_bits,
+#endif
     check_in_a_callback,
     check_each_kind,
     make_a_million_handles,
