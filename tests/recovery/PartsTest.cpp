@@ -296,6 +296,20 @@ TEST(WellsTest, EachSegmentThatContradictsItsRecordingIsInDoubt) {
     }
 }
 
+// Another well lacks only the later ones of the times that are there twice. The unlisted well could be any.
+TEST(WellsTest, OverlapsOfAWellAreCountedAndOneThatFitsAnotherWellIsShown) {
+    CFound found;
+    found.recordings.resize(1);
+    found.recordings[0].wellList = {{{11, 100}, {12, 100}}};
+    found.segments = {Segment(11, 0, 300, 4),     Segment(12, 0, 300, 4),   Segment(11, 0, 300, 4),
+                      Segment(13, 5000, 5300, 4), Segment(11, 400, 700, 4), Segment(11, 400, 700, 4)};
+    SettleWells(found);
+    const auto shared = std::ranges::find(found.doubts.first, EReason::SharedTimes, &CRemark::reason);
+    ASSERT_NE(shared, found.doubts.first.end());
+    EXPECT_EQ(shared->count, 2U);
+    EXPECT_EQ(shared->value, 12);
+}
+
 /// An input that grows while it is read, as with a running writer.
 class CGrowingInput : public CStringInput {
  public:

@@ -1098,6 +1098,24 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
         EXPECT_EQ(outcome(c.bytes), c.outcome) << c.what;
 }
 
+TEST_F(RecoverTest, PositionsInAnotherOrderAreFollowedUnlessSamplesAreMissing) {
+    const std::string file = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3958}) +
+                             SegmentHdrBytes(12, -1, 0, 300, "4") + SampleBytes(kWell12) +
+                             SegmentHdrBytes(11, 3650, 0, 300, "4") + SampleBytes(kWell11);
+    const auto wells = [&](std::size_t size) {
+        std::vector<std::int32_t> found;
+        for (const CSeen& one : Recovered(file.substr(0, size)))
+            found.push_back(one.well);
+        return found;
+    };
+    EXPECT_EQ(wells(4266), (std::vector<std::int32_t>{11, 12}));
+    EXPECT_TRUE(m_report.IsComplete());
+    for (std::size_t size = 3959; size < 4266; ++size) {
+        EXPECT_EQ(wells(size), std::vector<std::int32_t>{12}) << size;
+        EXPECT_FALSE(m_report.losses.None()) << size;
+    }
+}
+
 TEST_F(RecoverTest, TheNewFileIsAlwaysSound) {
     for (const auto& entry : std::filesystem::directory_iterator(VXFILEIO_REFERENCE_DIR)) {
         if (entry.path().extension() != ".vxd") continue;

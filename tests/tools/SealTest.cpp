@@ -325,6 +325,16 @@ TEST_F(Seals, AreMadeForEachKindOfFileAndReportUnfinishedOnes) {
     }
 }
 
+TEST_F(Seals, KeepNamesWithCharactersThatJsonEscapes) {
+    for (const char* const task : {"a\\", "\"", "\\\"\\\\", "\xff\t"}) {
+        const std::string bytes = WithCell(kTwo, "TaskName", task);
+        SealFile(bytes);
+        EXPECT_EQ(Check(bytes), EState::Intact) << task;
+        EXPECT_EQ(Check(Flipped(bytes, 3952)), EState::Changed) << task;
+        EXPECT_EQ(m_findings.Count(), 1U) << task;
+    }
+}
+
 TEST_F(Seals, OfAnyLengthAreReadWhereverTheirLinesEnd) {
     constexpr std::size_t kBlock = std::size_t{256} << 10;  // what is read at once
     const std::string bytes(4000, 'x');
