@@ -276,7 +276,15 @@ def test_records_compare_by_their_attributes_and_show_them():
     assert vx.Response() != vx.ResponseMean() and vx.Response() != 5
     assert repr(vx.Response(Label="<b>", Value=0.5)) == "Response(Label='<b>', Value=0.5)"
     assert "&lt;b&gt;" in vx.Response(Label="<b>")._repr_html_()
-    for document in (vx.open(SETTINGS), vx.open(RESULTS)):
+    settings, results = vx.open(SETTINGS), vx.open(RESULTS)
+    assert repr(settings) == f"<vxfileio.Settings {str(SETTINGS)!r}: plate 'A', 4 wells, 2 doses>"
+    assert repr(results) == f"<vxfileio.Results {str(RESULTS)!r}: Analyze with 3 recordings, Nil with 0 recordings>"
+    assert repr(vx.Results()) == "<vxfileio.Results None: no tasks>"
+    assert "<td>Analyze</td><td>0</td><td>1 \xb5M</td><td>3</td>" in results._repr_html_()
+    assert "<td>FMax</td>" in settings._repr_html_() and "QualityChecks" not in settings._repr_html_()
+    assert (vx.RawDataFileHdr.__doc__, vx.RawDataFileHdr.PlateID.__doc__) == (
+        "The header of a raw data file.", "str: Plate identifier.")
+    for document in (settings, results):
         (repr(document) + document._repr_html_() + repr(document.Header)).encode("utf-8")
 
 

@@ -63,10 +63,14 @@ def test_a_plate_has_each_well_at_its_place_and_the_others_below(tmp_path, resul
     for record, well in zip(results.settings.RecordPlate.Data.Wells, (11, 12, 13)):
         record.WellID = well
     by_settings = ["W1", "", "", "", "", "W2", "W3", "", ""]
-    for settings, titles in ((results.settings, by_settings), (None, ["11", "12", "13"])):
+    one = vx.Settings()
+    one.RecordPlate.Data.Wells = [vx.PlateWell(WellID=12, Label="W2", PlateRow=0, PlateColumn=1)]
+    for settings, titles in ((results.settings, by_settings), (None, ["11", "12", "13"]), (one, ["", "W2", "11", "13"])):
         figure = plot.plate(vx.open(path, settings=settings).recordings[0], 1100, 9100)
         assert [axes.get_title() for axes in figure.axes] == titles
-        np.testing.assert_array_equal(figure.axes[0].lines[0].get_xdata(), [1100, 1200, np.nan, 9000])
+        lines = figure.axes[titles.index("11") if "11" in titles else 0].lines
+        np.testing.assert_array_equal(lines[0].get_xdata(), [1100, 1200, np.nan, 9000])
+        assert figure.texts[0].get_text() == "Series 1, 7 pM"
     with pytest.raises(vx.UsageError, match="at least one well"):
         plot.plate(vx.open(path).recordings[0], wells="A1")
 
@@ -94,5 +98,6 @@ def test_a_dose_response_has_means_in_the_order_of_doses_with_deviation_and_coun
     assert [np.diff(bar[:, 1])[0] for bar in bars.get_segments()] == pytest.approx([0.4, 0.2])
     assert [text.get_text() for text in axes.texts] == ["n = 5", "n = 5"]
     assert [text.get_text() for text in axes.get_xticklabels()] == ["0 pM", "3 nM"]
+    assert (axes.get_title(), axes.get_xlabel(), axes.get_ylabel()) == (QT, "dose", "mean of the normalised response")
     with pytest.raises(vx.UsageError, match="no means of Nothing"):
         plot.dose_response(results, "Nothing")

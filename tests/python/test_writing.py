@@ -30,13 +30,14 @@ def test_written_segments_are_read_by_the_second_reader(tmp_path):
             assert list(meanwhile.samples(11)) == [1, 2, 65535]
             writer.write(12, -2**63, [7, 65535, 8, 9])
             recording.write(11, 30, np.arange(10, dtype=np.int64)[::-2])
+            recording.write(11, 2**63 - 1, [4])
         writer.update_header("PreQC", [7, -1])
         writer.flush()
         assert len(meanwhile.samples(11)) == 3
         meanwhile.refresh()
-        assert len(meanwhile.samples(11)) == 8
+        assert len(meanwhile.samples(11)) == 9
     assert segments_of(path) == [(11, 0, 20, [1, 2, 65535]), (12, -2**63, 3 * LONG - 2**63, [7, 65535, 8, 9]),
-                                 (11, 30, 70, [9, 7, 5, 3, 1])]
+                                 (11, 30, 70, [9, 7, 5, 3, 1]), (11, 2**63 - 1, 2**63 - 1, [4])]
     assert list(vx.open(path).recordings[0].times(12)) == [i * LONG - 2**63 for i in range(4)]
     with read_vxd.RawDataFile(path) as file:
         header, recording = file.header, file.recordings[0]
