@@ -36,7 +36,7 @@ PROGRAMS = {
     "helpers": ["helpers_test", "rawdata_test", "xmlarchive_test", "results_test", "reference_test", "vxfile_test",
                 "faults_test"],
     "rawdata": ["rawdata_test", "access_test", "layout_test", "reference_test", "faults_test", "vxfile_test",
-                "sessions", "pytest"],
+                "sessions", "pytest", "c_interface"],
     "xmlarchive": ["xmlarchive_test", "settings_test", "reference_test", "faults_test", "vxfile_test",
                    "sessions"],
     "settings": ["settings_test", "reference_test", "results_test", "forms"],

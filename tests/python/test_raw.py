@@ -292,6 +292,9 @@ def test_representations_are_printable_and_escaped(tmp_path):
         html.encode("utf-8")
         assert "<b>" not in html
     assert "&lt;b&gt;&amp;" in run._repr_html_()
+    with vx.open(RUN) as run:
+        assert repr(run).endswith(": 4 recordings of PreQC, CompoundTest, Series, PostQC>")
+    assert repr(run).endswith(": closed>")
     for count, last in ((30, "True"), (31, "and 1 more")):
         recordings = [({"task": b"Series", "number": number}, []) for number in range(count)]
         run = vx.open(uneven_files.write(tmp_path / "many.vxd", *recordings))
