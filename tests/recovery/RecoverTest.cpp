@@ -998,6 +998,16 @@ TEST_F(RecoverTest, LostRecordingHeadersAreReplaced) {
     ASSERT_EQ(wells.size(), 2U);
     EXPECT_EQ(wells[0].Ticks, 100);
     EXPECT_EQ(wells[1].Ticks, 50);
+
+    // Without the IDs, the wells of the segments have the scale that all wells had.
+    bytes = ReadAll(Reference("small_example.vxd"));
+    kept = Recovered(bytes.replace(1190 + 430, 200, 200, '\xAA'));
+    ASSERT_EQ(kept.size(), 2U);
+    io.GetRawDataReader()->Open(m_out);
+    for (const auto& well : io.GetRawDataReader()->GetRecordingHdr("CompoundTest", 1)->WellChannels) {
+        EXPECT_EQ(well.UnitsPerAD, 0.0002) << well.ID;
+        EXPECT_EQ(well.ADZero, 32768) << well.ID;
+    }
 }
 
 // Two recordings with two segments each. The second header begins at 4266, its data at 6726.
