@@ -75,20 +75,20 @@ class CAccountant {
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
         if (recording.moved > 0) DoubtMoved(piece);
-        if (recording.next == kUnset) return;
         const std::int64_t data = piece.end + piece.shift;
-        Compare("FPosRecordingData", recording.next, data, {.from = recording.begin, .to = piece.end});
-        m_isAstray = recording.next != kLost && recording.next != data;
+        m_isDataWrong = recording.next != kLost && recording.next != data;
+        if (recording.next != kUnset)
+            Compare("FPosRecordingData", recording.next, data, {.from = recording.begin, .to = piece.end});
     }
 
     /// Begins a recording. `shift` is what positions show at its header, or `kLost`.
     void BeginRecording(CFoundRecording recording, std::int64_t shift = kLost) {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
-        DoubtUnshown(recording.header.begin, shift);
+        const std::int64_t begin = recording.header.begin;
+        EndRecording(begin, shift, m_nextRecording == kUnset ? HasSegment() : IsNextAstray(begin, shift));
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
-        m_isAstray = false;
     }
 
     void TakeSegment(const CPiece& piece, const CCandidate& segment) {
@@ -103,6 +103,7 @@ class CAccountant {
     }
 
     void Keep(const CPiece& piece, const CCandidate& segment, std::int64_t samples) {
+        if (m_first == nullptr) m_first = &piece;
         CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(m_found.recordings.size() - 1));
         found.made = piece.made;
         if (piece.isCut) {
@@ -155,13 +156,18 @@ class CAccountant {
         if (candidate.kind == EKind::Segment && !piece.lostRecording) DoubtAfterLoss(piece, begin);
     }
 
-    /// Reports a segment if a recording header may have been before it: in the gap, or among the bytes that its
-    /// position shows to be missing. Only a correct position counts, or a larger one that none proves wrong. If there
-    /// are more extra bytes than the gap has, nothing shows what was there.
+    /// Returns how many bytes the position of a segment shows to be missing before it; less than 0 if there are extra
+    /// bytes. Only a correct position counts, or a larger one that none proves wrong.
+    std::int64_t MissingBefore(const CPiece& segment) const {
+        const bool hasShift = segment.IsShown() || (IsAloneAstray(segment) && segment.ownShift > m_shift);
+        return hasShift ? segment.ownShift - m_shift : 0;
+    }
+
+    /// Reports a segment if a recording header may have been before it: in the gap, or among the missing bytes. If
+    /// there are more extra bytes than the gap has, nothing shows what was there.
     void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
         const std::int64_t gap = std::max<std::int64_t>(begin - m_end, 0);
-        const bool hasShift = piece.IsShown() || (IsAloneAstray(piece) && piece.ownShift > m_shift);
-        const std::int64_t lost = gap + (hasShift ? piece.ownShift - m_shift : 0);
+        const std::int64_t lost = gap + MissingBefore(piece);
         const bool hasRoom = lost >= LeastSizeOf(EKind::Recording);
         // Right after the recording header, both positions may be of the same other recording.
         const bool isConfirmed = (gap > 0 || SegmentBefore() != nullptr) && IsNextConfirmed(piece);
@@ -173,23 +179,40 @@ class CAccountant {
         return segment.nextRecording != kLost && segment.nextRecording == m_nextRecording;
     }
 
-    /// Reports the segments that no position places, or whose recording header has a wrong one, if they may be of
-    /// another recording: positions show that before the next one, at `begin`, a recording header is missing or a
-    /// segment was inserted; the next one isn't where its position says; or positions show nothing, and the header
-    /// before the segments may be parts of two. `shift` is what positions show at `begin`, or `kLost`.
-    void DoubtUnshown(std::int64_t begin, std::int64_t shift) {
-        const std::int64_t by = shift == kLost ? 0 : shift - m_shift;
-        const bool hasRoom = by >= LeastSizeOf(EKind::Recording) || -by >= LeastSizeOf(EKind::Segment);
-        if (m_unshown != nullptr && (hasRoom || IsNextAstray(begin + m_shift, by) || (shift == kLost && IsInParts())))
-            DoubtRecordingOf(*m_unshown);
+    /// Ends a recording. Reports its segments if they may be of another one. The next recording begins at `begin`,
+    /// where positions show `shift`, or `kLost`; `isNextWrong` is whether the position of the next one in the header is
+    /// wrong.
+    void EndRecording(std::int64_t begin, std::int64_t shift, bool isNextWrong) {
+        if (m_isDataWrong && isNextWrong && m_first != nullptr) DoubtRecordingOf(*m_first);  // a copy of another header
+        DoubtUnshown(begin, shift);
+        m_first = nullptr;
         m_unshown = nullptr;
+        m_isDataWrong = false;
         m_doubtedFrom = kFarthest;
     }
 
-    /// Returns whether the position of the next recording is wrong, with and without the shift `by` before that.
-    bool IsNextAstray(std::int64_t should, std::int64_t by) const {
-        const bool isSet = m_nextRecording != kUnset || !m_found.recordings.back().IsUnfinished();
-        return m_nextRecording != kLost && isSet && m_nextRecording != should && m_nextRecording != should + by;
+    /// Reports the segments that no position places if they may be of another recording: positions show that before the
+    /// next one, at `begin`, a recording header is missing or a segment was inserted; the next one isn't where its
+    /// position says; or positions show nothing, and the header before the segments may be parts of two.
+    void DoubtUnshown(std::int64_t begin, std::int64_t shift) {
+        const std::int64_t by = shift == kLost ? 0 : shift - m_shift;
+        const bool hasRoom = by >= LeastSizeOf(EKind::Recording) || -by >= LeastSizeOf(EKind::Segment);
+        if (m_unshown != nullptr && (hasRoom || IsNextAstray(begin, shift) || (shift == kLost && IsInParts())))
+            DoubtRecordingOf(*m_unshown);
+    }
+
+    /// Returns whether the position of the next recording, which begins at `begin`, is wrong with and without its
+    /// shift.
+    bool IsNextAstray(std::int64_t begin, std::int64_t shift) const {
+        const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
+        return isKnown && m_nextRecording != begin + m_shift && (shift == kLost || m_nextRecording != begin + shift);
+    }
+
+    /// Returns whether the recording that begins with the current piece has a segment. A writer replaces the -1 of the
+    /// recording before it first.
+    bool HasSegment() const {
+        const std::size_t first = m_index + (m_pieces[m_index].lostRecording ? 0 : 1);
+        return first < m_pieces.size() && m_pieces[first].candidate->kind == EKind::Segment;
     }
 
     /// Returns whether cells of the current recording header moved: it may be parts of two.
@@ -202,14 +225,13 @@ class CAccountant {
         DoubtPiece(EReason::OtherRecording, piece);
     }
 
-    /// Remembers a segment if the position in its recording header is wrong, or if neither its own position nor that of
-    /// the segment before it shows where it is. A correct one in the header shows nothing: the header may be parts of
-    /// two.
+    /// Remembers a segment if neither its position nor that of the segment before it shows where it is. The position in
+    /// a recording header doesn't count: the header may be parts of two.
     void NoteUnshown(const CPiece& piece) {
         const bool isPointedAt = m_end == piece.candidate->begin && SegmentBefore() != nullptr && Before()->IsShown();
-        if (piece.IsShown() && !m_isAstray) {
+        if (piece.IsShown()) {
             m_unshown = nullptr;
-        } else if (m_unshown == nullptr && (!isPointedAt || m_isAstray)) {
+        } else if (m_unshown == nullptr && !isPointedAt) {
             m_unshown = &piece;
         }
     }
@@ -254,15 +276,15 @@ class CAccountant {
     }
 
     /// Begins a recording whose header is lost, with its first segment. Keeps the cells that are left. If another
-    /// header has room after them, they may be of another recording.
+    /// header has room after them, the segments may be of that.
     void BeginLostRecording(const CPiece& first, std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
         const bool isLeft = begin > m_end && left.end <= begin && left.whole > 0;
         CFoundRecording lost;
         lost.header.begin = left.begin;
         BeginRecording(isLeft ? FoundRecording(m_window, left) : std::move(lost));
-        if (isLeft && begin - left.end >= LeastSizeOf(EKind::Recording) && !IsNextConfirmed(first))
-            DoubtRecordingOf(first);
+        const bool hasRoom = begin - left.end + MissingBefore(first) >= LeastSizeOf(EKind::Recording);
+        if (isLeft && hasRoom && !IsNextConfirmed(first)) DoubtRecordingOf(first);  // by the position that is left
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
@@ -295,10 +317,10 @@ class CAccountant {
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
-        if (m_nextRecording == kUnset) m_nextRecording = kLost;  // nothing to compare: no recording follows
         // The next recording may have begun where the last segment should end.
         const bool isCut = Before() != nullptr && Before()->isCut;
-        DoubtUnshown(isCut ? Before()->candidate->DataEnd() : m_end, kLost);
+        const bool isNextWrong = IsPosition(m_nextRecording) && PlaceOf(m_nextRecording) < m_end;
+        EndRecording(isCut ? Before()->candidate->DataEnd() : m_end, kLost, isNextWrong);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(end == m_window.Size() && m_isGrowing))
@@ -408,8 +430,9 @@ class CAccountant {
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
     std::int64_t m_doubtedFrom = kFarthest;  ///< Segments from here on were reported as maybe of another recording.
-    bool m_isAstray = false;                 ///< The position in the header of the recording is wrong.
-    const CPiece* m_unshown = nullptr;       ///< The first segment from which on none is placed, if any.
+    const CPiece* m_first = nullptr;         ///< The first segment of the current recording, if any.
+    bool m_isDataWrong = false;              ///< The position of the data in its header is wrong.
+    const CPiece* m_unshown = nullptr;       ///< The first segment after the last one that a position places, if any.
     std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };

@@ -300,12 +300,10 @@ const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
 
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
-    const auto rank = [](const CCandidate& candidate) {
-        return std::tuple(candidate.IsWhole(), KnowsItsPlace(candidate), candidate.whole - candidate.damaged);
-    };
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});
-        if (best.form == nullptr || rank(candidate) >= rank(best)) best = candidate;
+        const bool isBetter = candidate.whole - candidate.damaged >= best.whole - best.damaged;
+        if (best.form == nullptr || isBetter) best = candidate;
     }
     return best;
 }

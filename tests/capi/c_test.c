@@ -1208,8 +1208,9 @@ static void count_every_remark(void) {
 /* Only the handles that are open at once are limited in number, to nearly 2^20. A closed one never comes back. Every
  * 5000th document stays open here, and can still be closed at the end. */
 static void make_a_million_handles(void) {
-    static vx_document* kept[220];
+    static vx_document *kept[220], *many[3000];
     const void* first = NULL;
+    char text[10];
     int i, again = 0, code = VX_OK;
     for (i = 0; i < 1100000 && code == VX_OK; ++i) {
         vx_document* document = NULL;
@@ -1225,6 +1226,17 @@ static void make_a_million_handles(void) {
     EXPECT(again == 1);
     for (i = 0; i < 220; ++i)
         WORKS(vx_close(kept[i]));
+    /* Each of many that are open at once has its own place. */
+    for (i = 0; i < 3000; ++i) {
+        WORKS(vx_document_create(&many[i], VX_RESULTS));
+        snprintf(text, sizeof text, "%d", i);
+        WORKS(vx_document_set_text(many[i], "Header/Guid", text));
+    }
+    for (i = 0; i < 3000; ++i) {
+        snprintf(text, sizeof text, "%d", i);
+        EXPECT(text_is(many[i], "Header/Guid", text));
+        WORKS(vx_close(many[i]));
+    }
 }
 
 #ifdef __cplusplus

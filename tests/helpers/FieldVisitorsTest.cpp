@@ -86,6 +86,17 @@ TEST(FieldVisitorsTest, AnIncompleteFieldAndAllAfterItKeepTheirValues) {
     EXPECT_EQ(cell.value, 7) << "the byte that is left isn't used";
 }
 
+// The list takes what the field after it leaves, which is as large as an item.
+TEST(FieldVisitorsTest, AListWithoutACountEndsBeforeTheFieldAfterIt) {
+    const std::string bytes("\x01\0\x02\0\x03\0\x04\0\x05\0", 10);
+    CFieldLoad load(std::as_bytes(std::span(bytes)));
+    YExcel::MulBlank cells;
+    load(cells);
+    EXPECT_TRUE(load.TookAll());
+    EXPECT_EQ(std::vector(cells.xfs.begin(), cells.xfs.end()), (std::vector<std::uint16_t>{3, 4}));
+    EXPECT_EQ(cells.lastColumn, 5);
+}
+
 TEST(FieldVisitorsTest, ATooLargeCountLoadsTheExistingItems) {
     const std::string bytes("\x09\0\0\0\xFF\xFF\xFF\xFF\x01\0\0a\x02\0\0b", 16);
     CFieldLoad load(std::as_bytes(std::span(bytes)));

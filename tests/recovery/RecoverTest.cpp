@@ -103,6 +103,17 @@ class RecoverTest : public testing::Test {
         return SeenIn(m_out);
     }
 
+    /// Recovers the bytes for the report alone. Returns how many segments are kept.
+    std::uint64_t KeptOf(const std::string& bytes) {
+        m_report = vxfileio::recovery::Recover(CStringInput(bytes), {}, [](std::span<const std::byte>) {});
+        std::uint64_t segments = 0;
+        for (const auto& recording : m_report.recordings) {
+            for (const auto& [well, kept] : recording.wells)
+                segments += kept.segments;
+        }
+        return segments;
+    }
+
     /// Verifies the new file. Recovery doesn't repair texts and times, so some findings are allowed.
     void ExpectSound() const {
         const std::set<std::string> allowed = {"no-separator", "no-controls", "no-overlap"};
@@ -675,30 +686,50 @@ TEST_F(RecoverTest, AWholeHeaderThatIsMadeOfTwoIsInDoubt) {
 // Its positions are those of the other one, so they show what happened. One wrong position is no more than that.
 TEST_F(RecoverTest, SegmentsAfterTheHeaderOfAnotherRecordingAreInDoubt) {
     const std::vector<int> counts = {2, 1, 3};
-    const std::string file = RecordingsOf(counts);
+    const std::string whole = RecordingsOf(counts);
     const std::array<std::size_t, 3> headers = {1190, 4266, 7034};
+    const auto withCell = [](std::string bytes, std::size_t header, const char* key, const char* value) {
+        const std::size_t cell = header + (key[4] == 'R' ? 150 : 250);
+        return bytes.replace(cell, 50, Cell(50, std::string(key) + "=" + value));
+    };
+    const std::string unfinished = withCell(whole, headers[2], "FPosRecordingData", "-1");
     for (std::uint32_t place = 0; place < 3; ++place) {
-        for (std::uint32_t other = 0; other < 3; ++other) {
-            SCOPED_TRACE(testing::Message() << "header " << other + 1 << " at the place of header " << place + 1);
-            std::string bytes = file;
-            for (const CSeen& one : Recovered(bytes.replace(headers[place], 2460, file, headers[other], 2460)))
-                EXPECT_NE(one.recording, "CompoundTest" + std::to_string(place + 1 + (other == place ? 3 : 0)));
-            const auto isDoubted = [&](const CRemark& doubt) {
-                return doubt.reason == EReason::OtherRecording && doubt.recording == place &&
-                       doubt.from == static_cast<std::int64_t>(headers[place]) + 2460;
-            };
-            EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, isDoubted), other != place);
-            EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, MayBeOfAnotherRecording), other != place);
+        for (const std::string& file : {whole, unfinished}) {
+            for (std::uint32_t other = 0; other < 3; ++other) {
+                SCOPED_TRACE(testing::Message() << "header " << other + 1 << " at the place of header " << place + 1);
+                std::string bytes = file;
+                EXPECT_EQ(KeptOf(bytes.replace(headers[place], 2460, file, headers[other], 2460)), 6U);
+                const auto isDoubted = [&](const CRemark& doubt) {
+                    return doubt.reason == EReason::OtherRecording && doubt.recording == place &&
+                           doubt.from == static_cast<std::int64_t>(headers[place]) + 2460;
+                };
+                EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, isDoubted), other != place);
+                EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, MayBeOfAnotherRecording), other != place);
+            }
         }
-        for (const std::size_t cell : {150U, 250U}) {
-            std::string bytes = file;
-            const char* const key = cell == 150 ? "FPosRecordingData=77" : "FPosNextRecordingHdr=77";
-            EXPECT_EQ(Recovered(bytes.replace(headers[place] + cell, 50, Cell(50, key))).size(), 6U);
+        for (const char* const key : {"FPosRecordingData", "FPosNextRecordingHdr"}) {
+            SCOPED_TRACE(testing::Message() << key << " of header " << place + 1);
+            EXPECT_EQ(KeptOf(withCell(whole, headers[place], key, "77")), 6U);
             // The last segment has no position, so a single one may be of the next recording.
-            const bool isUnshown = counts[place] == 1 && cell == 250;
-            EXPECT_EQ(std::ranges::any_of(m_report.doubts.first, MayBeOfAnotherRecording), isUnshown) << place << key;
+            const bool isUnshown = counts[place] == 1 && key[4] == 'N';
+            EXPECT_EQ(std::ranges::any_of(m_report.doubts.first, MayBeOfAnotherRecording), isUnshown);
+            KeptOf(withCell(whole, headers[place], key, "-1"));
+            EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
         }
     }
+    // A position beyond the end isn't wrong: what it points at may have been cut off. Nor is -1 before a header that a
+    // killed writer has just begun. A segment that isn't kept is in no doubt.
+    const std::string first = withCell(whole, headers[0], "FPosRecordingData", "77");
+    const std::string killed =
+        withCell(withCell(unfinished, headers[0], "FPosRecordingData", "-1"), headers[0], "FPosNextRecordingHdr", "-1");
+    for (const std::string& bytes : {first.substr(0, 4266), first.substr(0, 4000), first.substr(0, 3700),
+                                     killed.substr(0, headers[1]) + killed.substr(headers[2], 2460)}) {
+        KeptOf(bytes);
+        EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording)) << bytes.size();
+    }
+    std::string copied = whole;
+    KeptOf(copied.replace(headers[2], 2460, whole, headers[0], 2460).substr(0, headers[2] + 2460 + 304));
+    EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
 }
 
 // What is doubted in one recording doesn't hide the same doubt in the next one.
@@ -1090,6 +1121,10 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
         {"segments of another file overwrite one",
          whole.substr(0, 3958) + std::string(12, '\xAA') + ChainBytes({{11, 400, kWell11}, {12, 0, kWell12}}, 2000),
          "CompoundTest1: 3  position? position? other?"},
+        {"only the name is left of a header, and the bytes of its segments and of the next header are missing",
+         destroyed(4366, 6726).substr(0, 6726) + std::string(300, '\xAA') +
+             ChainBytes({{11, 5000, kWell11}, {12, 5000, kWell12}}, 20'000),
+         "CompoundTest1: 2  CompoundTest2: 2  position? other?"},
         {"the positions of a header and a segment after a gap confirm the next header",
          longer(7346, std::string(2772, '\xAA')), "CompoundTest1: 3  CompoundTest2: 1"},
         {"only the first cells of that header are left, and not its own position",
@@ -1128,6 +1163,32 @@ TEST_F(RecoverTest, PositionsInAnotherOrderAreFollowedUnlessSamplesAreMissing) {
     for (std::size_t size = 3959; size < 4266; ++size) {
         EXPECT_EQ(wells(size), std::vector<std::int32_t>{12}) << size;
         EXPECT_FALSE(m_report.losses.None()) << size;
+    }
+}
+
+// Read in the layout of version 2, the header is damaged, but ends where its position points.
+TEST_F(RecoverTest, HeadersAreReadInTheirOwnVersion) {
+    std::string bytes = ReadAll(Reference("version_1.vxd"));
+    bytes.replace(1340, 22, "FPosRecordingData=3650");
+    EXPECT_EQ(Placeless(Recovered(bytes)), Placeless(SeenIn(Reference("version_1.vxd"))));
+    EXPECT_EQ(std::ranges::count(m_report.doubts.first, EReason::Position, &CRemark::reason), 1);
+    EXPECT_TRUE(m_report.losses.None());
+
+    // Of the header, only the name and the lists of the wells are left, and the segment after it is damaged.
+    bytes = ReadAll(Reference("version_1.vxd"));
+    bytes.replace(1240, 330, 330, '\xAA').replace(2570, 1130, 1130, '\xAA');
+    Recovered(bytes);
+    CVXFileIO io;
+    io.GetRawDataReader()->Open(Reference("version_1.vxd"));
+    const auto expected = io.GetRawDataReader()->GetRecordingHdr("CompoundTest", 1)->WellChannels;
+    io.GetRawDataReader()->Open(m_out);
+    const CRawDataRecordingHdr* const header = io.GetRawDataReader()->GetRecordingHdr("CompoundTest", 1);
+    ASSERT_NE(header, nullptr);
+    ASSERT_EQ(header->WellChannels.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(header->WellChannels[i].ID, expected[i].ID);
+        EXPECT_EQ(header->WellChannels[i].UnitsPerAD, expected[i].UnitsPerAD);
+        EXPECT_EQ(header->WellChannels[i].ADZero, expected[i].ADZero);
     }
 }
 
