@@ -85,7 +85,7 @@ class CAccountant {
     void BeginRecording(CFoundRecording recording, std::int64_t shift = kLost) {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
         const std::int64_t begin = recording.header.begin;
-        EndRecording(begin, shift, m_nextRecording == kUnset ? HasSegment() : IsNextAstray(begin, shift));
+        EndRecording(begin, shift, IsNextAstray(begin, shift) || (m_nextRecording == kUnset && IsFollowed()));
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
@@ -115,6 +115,11 @@ class CAccountant {
         m_found.segments.push_back(found);
     }
 
+    /// Returns whether the new file gets a segment: it isn't cut, or a sample is left that is asked for.
+    bool IsKept(const CPiece& piece) const {
+        return !piece.isCut || (m_keepCut && m_window.Size() - piece.candidate->end >= 2);
+    }
+
     /// Takes the last segment if the input ends within its samples.
     void TakeCut(const CPiece& piece, const CCandidate& segment) {
         const std::int64_t there = (m_window.Size() - segment.end) / 2;
@@ -125,8 +130,8 @@ class CAccountant {
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
         remark.should = there > 0 && !m_keepCut ? 1 : 0;
-        if (piece.IsShown() || (there > 0 && m_keepCut)) NoteUnshown(piece);
-        if (there > 0 && m_keepCut) {
+        NoteUnshown(piece);
+        if (IsKept(piece)) {
             Keep(piece, segment, there);
             remark.reason = EReason::CutKept;
             remark.from = segment.end + 2 * there;
@@ -179,11 +184,11 @@ class CAccountant {
         return segment.nextRecording != kLost && segment.nextRecording == m_nextRecording;
     }
 
-    /// Ends a recording. Reports its segments if they may be of another one. The next recording begins at `begin`,
-    /// where positions show `shift`, or `kLost`; `isNextWrong` is whether the position of the next one in the header is
-    /// wrong.
+    /// Ends a recording. Reports its segments if they may be of another one. The next one begins at `begin`, where
+    /// positions show `shift`, or `kLost`. `isNextWrong` says whether the position of the next one is wrong: if that of
+    /// the data is, too, the header may be a copy of another one.
     void EndRecording(std::int64_t begin, std::int64_t shift, bool isNextWrong) {
-        if (m_isDataWrong && isNextWrong && m_first != nullptr) DoubtRecordingOf(*m_first);  // a copy of another header
+        if (m_isDataWrong && isNextWrong && m_first != nullptr) DoubtRecordingOf(*m_first);
         DoubtUnshown(begin, shift);
         m_first = nullptr;
         m_unshown = nullptr;
@@ -201,26 +206,28 @@ class CAccountant {
             DoubtRecordingOf(*m_unshown);
     }
 
-    /// Returns whether the position of the next recording, which begins at `begin`, is wrong with and without its
-    /// shift.
+    /// Returns whether the position of the next recording, which begins at `begin`, fits neither the shift before that
+    /// nor `shift`, if known.
     bool IsNextAstray(std::int64_t begin, std::int64_t shift) const {
         const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
         return isKnown && m_nextRecording != begin + m_shift && (shift == kLost || m_nextRecording != begin + shift);
     }
 
-    /// Returns whether the recording that begins with the current piece has a segment. A writer replaces the -1 of the
-    /// recording before it first.
-    bool HasSegment() const {
-        const std::size_t first = m_index + (m_pieces[m_index].lostRecording ? 0 : 1);
-        return first < m_pieces.size() && m_pieces[first].candidate->kind == EKind::Segment;
+    /// Returns whether more of the file follows the recording header that begins with the current piece. Before a
+    /// writer continues after a header, it replaces the -1 that doesn't point at that yet.
+    bool IsFollowed() const {
+        const std::size_t next = m_index + 1;
+        return m_pieces[m_index].lostRecording ||
+               (next < m_pieces.size() && m_pieces[next].candidate->kind != EKind::File);
     }
 
     /// Returns whether cells of the current recording header moved: it may be parts of two.
     bool IsInParts() const { return m_found.recordings.back().header.moved != 0; }
 
-    /// Reports that a segment and those after it may be of another recording, unless that has been reported.
+    /// Reports that a segment and those after it may be of another recording, unless that has been reported, or the
+    /// segment isn't kept.
     void DoubtRecordingOf(const CPiece& piece) {
-        if (piece.candidate->begin >= m_doubtedFrom) return;
+        if (piece.candidate->begin >= m_doubtedFrom || !IsKept(piece)) return;
         m_doubtedFrom = piece.candidate->begin;
         DoubtPiece(EReason::OtherRecording, piece);
     }
@@ -276,15 +283,17 @@ class CAccountant {
     }
 
     /// Begins a recording whose header is lost, with its first segment. Keeps the cells that are left. If another
-    /// header has room after them, the segments may be of that.
+    /// header has room after that one, the segments may be of the other.
     void BeginLostRecording(const CPiece& first, std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
         const bool isLeft = begin > m_end && left.end <= begin && left.whole > 0;
         CFoundRecording lost;
         lost.header.begin = left.begin;
         BeginRecording(isLeft ? FoundRecording(m_window, left) : std::move(lost));
+        if (!isLeft) return;
+        // Now, `m_nextRecording` is the position among the cells that are left.
         const bool hasRoom = begin - left.end + MissingBefore(first) >= LeastSizeOf(EKind::Recording);
-        if (isLeft && hasRoom && !IsNextConfirmed(first)) DoubtRecordingOf(first);  // by the position that is left
+        if (hasRoom && !IsNextConfirmed(first)) DoubtRecordingOf(first);
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
@@ -430,7 +439,7 @@ class CAccountant {
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
     std::int64_t m_doubtedFrom = kFarthest;  ///< Segments from here on were reported as maybe of another recording.
-    const CPiece* m_first = nullptr;         ///< The first segment of the current recording, if any.
+    const CPiece* m_first = nullptr;         ///< The first kept segment of the current recording, if any.
     bool m_isDataWrong = false;              ///< The position of the data in its header is wrong.
     const CPiece* m_unshown = nullptr;       ///< The first segment after the last one that a position places, if any.
     std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.

@@ -302,7 +302,7 @@ CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});
-        const bool isBetter = candidate.whole - candidate.damaged >= best.whole - best.damaged;
+        const bool isBetter = candidate.whole - candidate.damaged > best.whole - best.damaged;
         if (best.form == nullptr || isBetter) best = candidate;
     }
     return best;

@@ -683,7 +683,7 @@ TEST_F(RecoverTest, AWholeHeaderThatIsMadeOfTwoIsInDoubt) {
     }
 }
 
-// Its positions are those of the other one, so they show what happened. One wrong position is no more than that.
+// The positions of the copy are those of the other one. One wrong position alone doesn't make a header a copy.
 TEST_F(RecoverTest, SegmentsAfterTheHeaderOfAnotherRecordingAreInDoubt) {
     const std::vector<int> counts = {2, 1, 3};
     const std::string whole = RecordingsOf(counts);
@@ -718,17 +718,21 @@ TEST_F(RecoverTest, SegmentsAfterTheHeaderOfAnotherRecordingAreInDoubt) {
         }
     }
     // A position beyond the end isn't wrong: what it points at may have been cut off. Nor is -1 before a header that a
-    // killed writer has just begun. A segment that isn't kept is in no doubt.
-    const std::string first = withCell(whole, headers[0], "FPosRecordingData", "77");
+    // killed writer has just begun.
+    const std::string wrongData = withCell(whole, headers[0], "FPosRecordingData", "77");
     const std::string killed =
         withCell(withCell(unfinished, headers[0], "FPosRecordingData", "-1"), headers[0], "FPosNextRecordingHdr", "-1");
-    for (const std::string& bytes : {first.substr(0, 4266), first.substr(0, 4000), first.substr(0, 3700),
+    for (const std::string& bytes : {wrongData.substr(0, 4266), wrongData.substr(0, 4000),
                                      killed.substr(0, headers[1]) + killed.substr(headers[2], 2460)}) {
         KeptOf(bytes);
         EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording)) << bytes.size();
     }
+    // A segment that isn't kept is in no doubt.
     std::string copied = whole;
     KeptOf(copied.replace(headers[2], 2460, whole, headers[0], 2460).substr(0, headers[2] + 2460 + 304));
+    EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
+    std::string lost = RecordingsOf({12, 12}).substr(0, 3650 + 308 * 9 + 302);
+    KeptOf(lost.replace(1290, 3650 + 308 * 9 - 1290, 3650 + 308 * 9 - 1290, 'x'));
     EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
 }
 
@@ -1035,7 +1039,10 @@ TEST_F(RecoverTest, LostRecordingHeadersAreReplaced) {
     kept = Recovered(bytes.replace(1190 + 430, 200, 200, '\xAA'));
     ASSERT_EQ(kept.size(), 2U);
     io.GetRawDataReader()->Open(m_out);
-    for (const auto& well : io.GetRawDataReader()->GetRecordingHdr("CompoundTest", 1)->WellChannels) {
+    const CRawDataRecordingHdr* const header = io.GetRawDataReader()->GetRecordingHdr("CompoundTest", 1);
+    ASSERT_NE(header, nullptr);
+    ASSERT_EQ(header->WellChannels.size(), 2U);
+    for (const auto& well : header->WellChannels) {
         EXPECT_EQ(well.UnitsPerAD, 0.0002) << well.ID;
         EXPECT_EQ(well.ADZero, 32768) << well.ID;
     }
@@ -1089,7 +1096,7 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
         {"the segment before is lost, too", destroyed(3958, 6726), "CompoundTest1: 1  Recovered2: 2"},
         {"only the name is left of a header, and the segment after it is damaged", destroyed(1290, 3700),
          "CompoundTest1: 2  CompoundTest2: 2"},
-        {"only the name is left of a recording with one segment, and nothing of the next header", destroyed(1290, 6726),
+        {"only the name is left of a recording, and nothing of the next header", destroyed(1290, 6726),
          "CompoundTest1: 2  other?"},
         {"the first segment points back at the lost header",
          patched(destroyed(1190, 3650), 3750, Cell(50, "FPosNextSegmentHdr=1190")).substr(0, 3958),
@@ -1127,7 +1134,7 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
          "CompoundTest1: 2  CompoundTest2: 2  position? other?"},
         {"the positions of a header and a segment after a gap confirm the next header",
          longer(7346, std::string(2772, '\xAA')), "CompoundTest1: 3  CompoundTest2: 1"},
-        {"only the first cells of that header are left, and not its own position",
+        {"only the first cells of the header before are left, with the position of the next header alone",
          patched(patched(longer(7346, ""), 1490, std::string(5240, '\xAA')), 1340, std::string(50, '\xAA')),
          "CompoundTest1: 2  CompoundTest2: 1"},
         {"the header before the gap has no next one", longer(-1, std::string(2772, '\xAA')),
