@@ -3,6 +3,7 @@
 usage: bindings_test.py SETTINGS OUTPUT
 """
 
+import ctypes
 import pathlib
 import sys
 
@@ -35,6 +36,17 @@ def check_a_text_with_a_nul_is_whole(settings, output):
     vx.vx_close(document)
 
 
+def check_numbers_of_another_type_are_converted(settings):
+    document = vx.opened(vx.vx_document_open, vx.VX_SETTINGS, str(settings).encode())
+    kept, count = (ctypes.c_int64 * 3)(), ctypes.c_int64(3)
+    for doses in ((ctypes.c_int32 * 3)(7, 8, 9), [7, 8, 9], (ctypes.c_int64 * 3)(7, 8, 9)):
+        vx.vx_document_set_int64s(document, b"PropertyRecordPlate/Series", doses, 3)
+        vx.vx_document_get_int64s(document, b"PropertyRecordPlate/Series", kept, ctypes.byref(count))
+        assert list(kept) == [7, 8, 9]
+    vx.vx_close(document)
+
+
 settings_file, output_file = map(pathlib.Path, sys.argv[1:])
 check_a_text_with_a_nul_is_whole(settings_file, output_file)
 check_a_handle_is_closed_if_opening_fails(output_file)
+check_numbers_of_another_type_are_converted(settings_file)

@@ -677,7 +677,7 @@ static void change_settings(void) {
         "PropertyAnalyzer/AnalyzeSettings/Tasks/Series/Recordings/0/Wells/64/Responses/QT-Interval";
     const char* const analyzed = "PropertyAnalyzer/AnalyzingDate";
     const char* const copy = own("settings.vxs");
-    const int64_t doses[] = {10, 20, 30}, wrong[] = {5, -1};
+    const int64_t doses[] = {10, 20, 30}, wrong[] = {5, 6, -1};
     int64_t count = 3, kept[3];
     EXPECT(text_is(settings, mark, "Deselected"));
     EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/0/Label", "C7"));
@@ -698,7 +698,8 @@ static void change_settings(void) {
     WORKS(vx_document_set_text(settings, "PropertyNotebook/Comment", "third"));
     EXPECT(vx_document_set_text(settings, "PropertyRecordPlate/PlateID", "BB") == VX_ERROR_VALUE);
     WORKS(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", doses, 3));
-    EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", wrong, 2) == VX_ERROR_VALUE);
+    EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Series", wrong, 3) == VX_ERROR_VALUE);
+    EXPECT(vx_document_get_int64(settings, "PropertyRecordPlate/Series/00", &count) == VX_ERROR_NOT_FOUND);
     WORKS(vx_document_get_int64s(settings, "PropertyRecordPlate/Series", kept, &count));
     EXPECT(count == 3 && memcmp(kept, doses, sizeof doses) == 0); /* none of a list that is refused */
     EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Compounds", NULL, 0) == VX_ERROR_TYPE);
@@ -1163,6 +1164,8 @@ static void count_more_than_32_bits(void) {
     FILE* file = fopen(own("huge.vxd"), "wb");
     vx_raw* raw = NULL;
     vx_recording* recording = NULL;
+    vx_segments* segments;
+    vx_segment_info segment = VX_SEGMENT_INFO_INIT;
     int64_t count = 0, i;
     EXPECT(content_of(given("small_example.vxd"), bytes, sizeof bytes) > first + 100);
     EXPECT(file != NULL && fwrite(bytes, 1, (size_t)first, file) == (size_t)first);
@@ -1183,9 +1186,38 @@ static void count_more_than_32_bits(void) {
     EXPECT(count == 2 * half);
     WORKS(vx_close(recording));
     WORKS(vx_close(raw));
+    EXPECT((file = fopen(own("huge.vxd"), "r+b")) != NULL && fseeko(file, 1190 + 150, SEEK_SET) == 0);
+    if (file == NULL) return;
+    write_cell(file, "FPosRecordingData", first + size); /* the recording begins with the second segment */
+    fclose(file);
+    segments = open_segments(own("huge.vxd"), 0, VX_ALL_WELLS, VX_OK);
+    WORKS(vx_segments_next(segments, &segment, NULL, &count));
+    EXPECT(count == half && segment.offset == first + size + 300);
+    WORKS(vx_close(segments));
     EXPECT(remove(own("huge.vxd")) == 0);
 }
 #endif
+
+/* The ID 0 is one as any other. */
+static void report_a_loss_of_well_0(void) {
+    static char bytes[10000];
+    const int64_t size = content_of(given("cut_samples.vxd"), bytes, sizeof bytes);
+    FILE* const file = fopen(own("well0.vxd"), "wb");
+    vx_recover_options options = VX_RECOVER_OPTIONS_INIT;
+    vx_report* report = NULL;
+    char text[100];
+    int64_t length = sizeof text;
+    options.replace = 1;
+    EXPECT(size > 3958 && memcmp(bytes + 1190 + 430, "WellIDs=11:12", 14) == 0 &&
+           memcmp(bytes + 4008, "ID=12", 6) == 0);
+    memcpy(bytes + 1190 + 430, "WellIDs=11:0\0", 14);
+    memcpy(bytes + 4008, "ID=0\0", 6);
+    EXPECT(file != NULL && fwrite(bytes, 1, (size_t)size, file) == (size_t)size && fclose(file) == 0);
+    WORKS(vx_recover(&report, own("well0.vxd"), own("saved0.vxd"), &options, NULL));
+    WORKS(vx_report_get_text(report, 0, VX_FINDING_WHERE, text, &length));
+    EXPECT(strcmp(text, "recording 1 > well 0 > bytes 3958 to 4261") == 0);
+    WORKS(vx_close(report));
+}
 
 /* Only the first 10000 remarks are kept, but all are counted: one for each of 10002 segments whose position says that
  * none follows, and one because segments share their times. */
@@ -1346,6 +1378,7 @@ static void (*const phases[])(void) = {
     export_workbooks,
     plan_a_recording,
     check_and_recover,
+    report_a_loss_of_well_0,
     count_every_remark,
 #if defined(__linux__)
     report_a_recovery_without_a_file,

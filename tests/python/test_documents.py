@@ -196,7 +196,7 @@ def test_sharing_a_list_between_objects_copies_it():
     ("CleanerID", 1.5, TypeError), ("CleanerID", 2**31, ValueError), ("CleanerID", "1", TypeError),
     ("IPAddress", b"x", TypeError), ("IPAddress", None, TypeError), ("TroughMediumNames", "text", TypeError),
     ("StockPlateIDL8x12", "AB", ValueError), ("StockPlateIDL8x12", "\u0100", ValueError),
-    ("Range", (1, 2), ValueError), ("Range", 1, TypeError), ("StockPlates", 1, TypeError),
+    ("Range", (1, 2), ValueError), ("Range", range(7), ValueError), ("Range", 1, TypeError), ("StockPlates", 1, TypeError),
     ("Unknown", 1, AttributeError), ("RecordPlate", 1, TypeError),
 ])
 def test_values_of_another_type_are_refused(name, value, error):
@@ -440,10 +440,11 @@ def test_damaged_documents_are_errors_unless_partial(tmp_path):
 
 def test_labels_name_wells_of_raw_data_with_or_without_zeros():
     settings = vx.Settings()
-    settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=1, Label="A1"), vx.PlateWell(WellID=2, Label="B07")]
+    settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=well, Label=label) for well, label in
+                                       ((1, "A1"), (2, "B07"), (96, "C101"), (97, "C11"))]
     recording = vx.open(REFERENCE / "several_recordings.vxd", settings=settings).recordings[0]
     assert list(recording.samples("A01")) == list(recording.samples("A1")) == [1, 2, 3, 6]
-    assert list(recording.read(["B7", 2, "A1"])) == ["B7", "A1"]
+    assert list(recording.read(["B7", 2, "A1"])) == ["B7", "A1"] and recording.samples("C0101").size == 0
     assert list(recording.to_dataframe(["B7", "A1"])["label"]) == ["B07"] * 3 + ["A1"] * 4
     with pytest.raises(vx.NoSuchWellError, match="no well 'C1'"):
         recording.samples("C1")

@@ -77,6 +77,10 @@ def test_failures_of_the_system_are_its_own(name, exception, tmp_path):
     with pytest.raises(OSError) as raised:
         vx.RawWriter(tmp_path / "missing" / "run.vxd")
     assert (raised.value.errno, raised.value.filename) == (errno.ENOENT, str(tmp_path / "missing" / "run.vxd"))
+    for call in (vx.RawWriter, vx.Settings.read):
+        with pytest.raises(OSError) as raised:
+            call(f"{tmp_path}/run.vxd\0old")
+        assert raised.value.filename == f"{tmp_path}/run.vxd\0old" and list(tmp_path.iterdir()) == [tmp_path / "folder"]
 
 
 @pytest.mark.skipif(not os.path.exists("/proc/self/mem"), reason="no file that can be opened and not read")
