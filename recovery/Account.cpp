@@ -214,7 +214,7 @@ class CAccountant {
     }
 
     /// Returns whether more of the file follows the recording header that begins with the current piece. Before a
-    /// writer continues after a header, it replaces the -1 that doesn't point at that yet.
+    /// writer continues after a header, it replaces the -1 in the recording header before.
     bool IsFollowed() const {
         const std::size_t next = m_index + 1;
         return m_pieces[m_index].lostRecording ||

@@ -683,57 +683,68 @@ TEST_F(RecoverTest, AWholeHeaderThatIsMadeOfTwoIsInDoubt) {
     }
 }
 
-// The positions of the copy are those of the other one. One wrong position alone doesn't make a header a copy.
+constexpr std::size_t kDataCell = 150;  ///< The offset of the position of the data in a recording header.
+constexpr std::size_t kNextCell = 250;  ///< The same of the next recording.
+
+std::string WithPosition(std::string bytes, std::size_t cell, const char* value) {
+    const auto size = bytes.find('=', cell) + 1 - cell;
+    return bytes.replace(cell, 50, Cell(50, bytes.substr(cell, size) + value));
+}
+
+// Recordings of 2, 1 and 3 segments, and the offsets of their headers.
+const std::string kThreeRecordings = RecordingsOf({2, 1, 3});
+constexpr std::array<std::size_t, 3> kThreeHeaders = {1190, 4266, 7034};
+
+// The positions of the copy are those of the other one.
 TEST_F(RecoverTest, SegmentsAfterTheHeaderOfAnotherRecordingAreInDoubt) {
-    const std::vector<int> counts = {2, 1, 3};
-    const std::string whole = RecordingsOf(counts);
-    const std::array<std::size_t, 3> headers = {1190, 4266, 7034};
-    const auto withCell = [](std::string bytes, std::size_t header, const char* key, const char* value) {
-        const std::size_t cell = header + (key[4] == 'R' ? 150 : 250);
-        return bytes.replace(cell, 50, Cell(50, std::string(key) + "=" + value));
-    };
-    const std::string unfinished = withCell(whole, headers[2], "FPosRecordingData", "-1");
+    const std::string unfinished = WithPosition(kThreeRecordings, kThreeHeaders[2] + kDataCell, "-1");
     for (std::uint32_t place = 0; place < 3; ++place) {
-        for (const std::string& file : {whole, unfinished}) {
+        for (const std::string& file : {kThreeRecordings, unfinished}) {
             for (std::uint32_t other = 0; other < 3; ++other) {
                 SCOPED_TRACE(testing::Message() << "header " << other + 1 << " at the place of header " << place + 1);
                 std::string bytes = file;
-                EXPECT_EQ(KeptOf(bytes.replace(headers[place], 2460, file, headers[other], 2460)), 6U);
+                EXPECT_EQ(KeptOf(bytes.replace(kThreeHeaders[place], 2460, file, kThreeHeaders[other], 2460)), 6U);
                 const auto isDoubted = [&](const CRemark& doubt) {
                     return doubt.reason == EReason::OtherRecording && doubt.recording == place &&
-                           doubt.from == static_cast<std::int64_t>(headers[place]) + 2460;
+                           doubt.from == static_cast<std::int64_t>(kThreeHeaders[place]) + 2460;
                 };
                 EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, isDoubted), other != place);
                 EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, MayBeOfAnotherRecording), other != place);
             }
         }
-        for (const char* const key : {"FPosRecordingData", "FPosNextRecordingHdr"}) {
-            SCOPED_TRACE(testing::Message() << key << " of header " << place + 1);
-            EXPECT_EQ(KeptOf(withCell(whole, headers[place], key, "77")), 6U);
+    }
+    // A segment that isn't kept is in no doubt.
+    std::string copied = kThreeRecordings;
+    KeptOf(copied.replace(kThreeHeaders[2], 2460, kThreeRecordings, 1190, 2460).substr(0, kThreeHeaders[2] + 2764));
+    EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
+    std::string lost = RecordingsOf({12, 12}).substr(0, 3650 + 308 * 9 + 302);
+    KeptOf(lost.replace(1290, 3650 + 308 * 9 - 1290, 3650 + 308 * 9 - 1290, 'x'));
+    EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
+}
+
+TEST_F(RecoverTest, OneWrongPositionDoesNotMakeAHeaderACopy) {
+    for (const std::size_t header : kThreeHeaders) {
+        for (const std::size_t cell : {kDataCell, kNextCell}) {
+            SCOPED_TRACE(testing::Message() << "the cell at " << cell << " of the header at " << header);
+            EXPECT_EQ(KeptOf(WithPosition(kThreeRecordings, header + cell, "77")), 6U);
             // The last segment has no position, so a single one may be of the next recording.
-            const bool isUnshown = counts[place] == 1 && key[4] == 'N';
+            const bool isUnshown = header == kThreeHeaders[1] && cell == kNextCell;
             EXPECT_EQ(std::ranges::any_of(m_report.doubts.first, MayBeOfAnotherRecording), isUnshown);
-            KeptOf(withCell(whole, headers[place], key, "-1"));
+            EXPECT_EQ(KeptOf(WithPosition(kThreeRecordings, header + cell, "-1")), 6U);
             EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
         }
     }
     // A position beyond the end isn't wrong: what it points at may have been cut off. Nor is -1 before a header that a
     // killed writer has just begun.
-    const std::string wrongData = withCell(whole, headers[0], "FPosRecordingData", "77");
+    const std::string wrongData = WithPosition(kThreeRecordings, 1190 + kDataCell, "77");
     const std::string killed =
-        withCell(withCell(unfinished, headers[0], "FPosRecordingData", "-1"), headers[0], "FPosNextRecordingHdr", "-1");
-    for (const std::string& bytes : {wrongData.substr(0, 4266), wrongData.substr(0, 4000),
-                                     killed.substr(0, headers[1]) + killed.substr(headers[2], 2460)}) {
+        WithPosition(WithPosition(kThreeRecordings, 1190 + kDataCell, "-1"), 1190 + kNextCell, "-1");
+    for (const std::string& bytes :
+         {wrongData.substr(0, 4266), wrongData.substr(0, 4000),
+          killed.substr(0, 4266) + WithPosition(killed, kThreeHeaders[2] + kDataCell, "-1").substr(7034, 2460)}) {
         KeptOf(bytes);
         EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording)) << bytes.size();
     }
-    // A segment that isn't kept is in no doubt.
-    std::string copied = whole;
-    KeptOf(copied.replace(headers[2], 2460, whole, headers[0], 2460).substr(0, headers[2] + 2460 + 304));
-    EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
-    std::string lost = RecordingsOf({12, 12}).substr(0, 3650 + 308 * 9 + 302);
-    KeptOf(lost.replace(1290, 3650 + 308 * 9 - 1290, 3650 + 308 * 9 - 1290, 'x'));
-    EXPECT_TRUE(std::ranges::none_of(m_report.doubts.first, MayBeOfAnotherRecording));
 }
 
 // What is doubted in one recording doesn't hide the same doubt in the next one.
