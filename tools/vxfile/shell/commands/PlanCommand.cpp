@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -185,19 +186,31 @@ class CPlanCommand : public CCommand {
     }
 
     int Run() override {
+        if (!m_json) return Check();
+        int status = kTrouble;
+        const std::string failure = FailureOf([&] { status = Check(); });
+        if (!failure.empty()) PrintDocument({{"error", failure}});
+        return status;
+    }
+
+ private:
+    int Check() {
         const CRecordingFit fit = CheckRecordingFit(Header());
         const auto advice = AdviceFor(fit, m_units);
         if (m_json) {
-            CJson json = {{"path", m_settings.empty() ? CJson() : CJson(Utf8(m_settings))}};
-            json.update(ToJson(fit, advice));
-            PrintJson(kPlanText.name, CJson::array({std::move(json)}));
+            PrintDocument(ToJson(fit, advice));
         } else {
             Print(fit, advice);
         }
         return fit.Fits() ? kSound : kFindings;
     }
 
- private:
+    void PrintDocument(const CJson& members) const {
+        CJson json = {{"path", m_settings.empty() ? CJson() : CJson(Utf8(m_settings))}};
+        json.update(members);
+        PrintJson(kPlanText.name, CJson::array({std::move(json)}));
+    }
+
     /// Returns the header of a recording as `examples/plate_run` would write it.
     CRawDataRecordingHdr Header() {
         std::vector<std::int32_t> ids;
