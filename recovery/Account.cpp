@@ -70,22 +70,17 @@ class CAccountant {
 
     void TakeRecording(const CPiece& piece, const CCandidate& recording) {
         const bool isDirect = m_end == recording.begin;
-        BeginRecording(FoundRecording(m_window, recording), ShiftAt(piece));
+        BeginRecording(FoundRecording(m_window, recording));
         if (isDirect) DoubtFirstCells(piece);
         if (recording.moved < 0) Lose({.reason = EReason::TakenOutOfHeader, .from = recording.begin, .to = piece.end});
         if (isDirect) CompareNext(false);
         if (recording.moved > 0) DoubtMoved(piece);
-        const std::int64_t data = piece.end + piece.shift;
-        m_isDataWrong = recording.next != kLost && recording.next != data;
-        if (recording.next != kUnset)
-            Compare("FPosRecordingData", recording.next, data, {.from = recording.begin, .to = piece.end});
+        const CRemark where{.from = recording.begin, .to = piece.end};
+        if (recording.next != kUnset) Compare("FPosRecordingData", recording.next, piece.end + piece.shift, where);
     }
 
-    /// Begins a recording. `shift` is what positions show at its header, or `kLost`.
-    void BeginRecording(CFoundRecording recording, std::int64_t shift = kLost) {
+    void BeginRecording(CFoundRecording recording) {
         Compare(m_nextKey, m_nextRecording, recording.header.begin + m_shift, Here());
-        const std::int64_t begin = recording.header.begin;
-        EndRecording(begin, shift, IsNextAstray(begin, shift) || (m_nextRecording == kUnset && IsFollowed()));
         m_nextRecording = recording.header.form == nullptr ? kLost : recording.header.from;
         m_nextKey = kNextRecording;
         m_found.recordings.push_back(std::move(recording));
@@ -94,7 +89,6 @@ class CAccountant {
     void TakeSegment(const CPiece& piece, const CCandidate& segment) {
         if (piece.isCut) return TakeCut(piece, segment);
         Keep(piece, segment, piece.samples);
-        NoteUnshown(piece);
         if (segment.moved != 0) {
             DoubtMoved(piece);
         } else if (!segment.IsWhole() || piece.made == EMade::Size) {
@@ -103,7 +97,6 @@ class CAccountant {
     }
 
     void Keep(const CPiece& piece, const CCandidate& segment, std::int64_t samples) {
-        if (m_first == nullptr) m_first = &piece;
         CFoundSegment found = FoundSegment(segment, samples, static_cast<std::uint32_t>(m_found.recordings.size() - 1));
         found.made = piece.made;
         if (piece.isCut) {
@@ -113,11 +106,6 @@ class CAccountant {
             found.to = TimeAfter(segment.from, samples - 1, interval).value_or(segment.to);
         }
         m_found.segments.push_back(found);
-    }
-
-    /// Returns whether the new file gets a segment: it isn't cut, or a sample is left that is asked for.
-    bool IsKept(const CPiece& piece) const {
-        return !piece.isCut || (m_keepCut && m_window.Size() - piece.candidate->end >= 2);
     }
 
     /// Takes the last segment if the input ends within its samples.
@@ -130,8 +118,7 @@ class CAccountant {
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
         remark.should = there > 0 && !m_keepCut ? 1 : 0;
-        NoteUnshown(piece);
-        if (IsKept(piece)) {
+        if (there > 0 && m_keepCut) {
             Keep(piece, segment, there);
             remark.reason = EReason::CutKept;
             remark.from = segment.end + 2 * there;
@@ -148,99 +135,16 @@ class CAccountant {
         const bool isFile = candidate.kind == EKind::File;
         if (candidate.kind == EKind::Segment && !(piece.lostRecording && isGap)) CompareNext(!piece.lostRecording);
         if (isGap || piece.lostRecording || (!isFile && piece.shift != m_shift - candidate.moved) ||
-            candidate.begin < m_end || IsAloneAstray(piece))
+            candidate.begin < m_end || piece.isAstray)
             DoubtSegmentBefore(piece, candidate, isGap);
         if (isFile) DoubtFile(candidate);
         if (isFile) EndFile(begin);
         const bool isBeforeFile = isFile && m_found.recordings.empty();
-        if (piece.lostRecording) BeginLostRecording(piece, begin);
+        if (piece.lostRecording) BeginLostRecording(begin);
         if (isGap && (piece.lostRecording || isBeforeFile))
             return Lose(
                 {.reason = isBeforeFile ? EReason::BeforeFile : EReason::LostRecording, .from = m_end, .to = begin});
         if (isGap) Lose(Unused(EReason::NoHeader, begin));
-        if (candidate.kind == EKind::Segment && !piece.lostRecording) DoubtAfterLoss(piece, begin);
-    }
-
-    /// Returns how many bytes the position of a segment shows to be missing before it; less than 0 if there are extra
-    /// bytes. Only a correct position counts, or a larger one that none proves wrong.
-    std::int64_t MissingBefore(const CPiece& segment) const {
-        const bool hasShift = segment.IsShown() || (IsAloneAstray(segment) && segment.ownShift > m_shift);
-        return hasShift ? segment.ownShift - m_shift : 0;
-    }
-
-    /// Reports a segment if a recording header may have been before it: in the gap, or among the missing bytes. If
-    /// there are more extra bytes than the gap has, nothing shows what was there.
-    void DoubtAfterLoss(const CPiece& piece, std::int64_t begin) {
-        const std::int64_t gap = std::max<std::int64_t>(begin - m_end, 0);
-        const std::int64_t lost = gap + MissingBefore(piece);
-        const bool hasRoom = lost >= LeastSizeOf(EKind::Recording);
-        // Right after the recording header, both positions may be of the same other recording.
-        const bool isConfirmed = (gap > 0 || SegmentBefore() != nullptr) && IsNextConfirmed(piece);
-        if (!isConfirmed && (hasRoom || lost < 0 || (gap > 0 && NextRecordingIn(begin)))) DoubtRecordingOf(piece);
-    }
-
-    /// Returns whether the shift of a segment confirms the position of the next recording.
-    bool IsNextConfirmed(const CPiece& segment) const {
-        return segment.nextRecording != kLost && segment.nextRecording == m_nextRecording;
-    }
-
-    /// Ends a recording. Reports its segments if they may be of another one. The next one begins at `begin`, where
-    /// positions show `shift`, or `kLost`. `isNextWrong` says whether the position of the next one is wrong: if that of
-    /// the data is, too, the header may be a copy of another one.
-    void EndRecording(std::int64_t begin, std::int64_t shift, bool isNextWrong) {
-        if (m_isDataWrong && isNextWrong && m_first != nullptr) DoubtRecordingOf(*m_first);
-        DoubtUnshown(begin, shift);
-        m_first = nullptr;
-        m_unshown = nullptr;
-        m_isDataWrong = false;
-        m_doubtedFrom = kFarthest;
-    }
-
-    /// Reports the segments that no position places if they may be of another recording: positions show that before the
-    /// next one, at `begin`, a recording header is missing or a segment was inserted; the next one isn't where its
-    /// position says; or positions show nothing, and the header before the segments may be parts of two.
-    void DoubtUnshown(std::int64_t begin, std::int64_t shift) {
-        const std::int64_t by = shift == kLost ? 0 : shift - m_shift;
-        const bool hasRoom = by >= LeastSizeOf(EKind::Recording) || -by >= LeastSizeOf(EKind::Segment);
-        if (m_unshown != nullptr && (hasRoom || IsNextAstray(begin, shift) || (shift == kLost && IsInParts())))
-            DoubtRecordingOf(*m_unshown);
-    }
-
-    /// Returns whether the position of the next recording, which begins at `begin`, fits neither the shift before that
-    /// nor `shift`, if known.
-    bool IsNextAstray(std::int64_t begin, std::int64_t shift) const {
-        const bool isKnown = m_nextRecording != kLost && m_nextRecording != kUnset;
-        return isKnown && m_nextRecording != begin + m_shift && (shift == kLost || m_nextRecording != begin + shift);
-    }
-
-    /// Returns whether more of the file follows the recording header that begins with the current piece. Before a
-    /// writer continues after a header, it replaces the -1 in the recording header before.
-    bool IsFollowed() const {
-        const std::size_t next = m_index + 1;
-        return m_pieces[m_index].lostRecording ||
-               (next < m_pieces.size() && m_pieces[next].candidate->kind != EKind::File);
-    }
-
-    /// Returns whether cells of the current recording header moved: it may be parts of two.
-    bool IsInParts() const { return m_found.recordings.back().header.moved != 0; }
-
-    /// Reports that a segment and those after it may be of another recording, unless that has been reported, or the
-    /// segment isn't kept.
-    void DoubtRecordingOf(const CPiece& piece) {
-        if (piece.candidate->begin >= m_doubtedFrom || !IsKept(piece)) return;
-        m_doubtedFrom = piece.candidate->begin;
-        DoubtPiece(EReason::OtherRecording, piece);
-    }
-
-    /// Remembers a segment if neither its position nor that of the segment before it shows where it is. The position in
-    /// a recording header doesn't count: the header may be parts of two.
-    void NoteUnshown(const CPiece& piece) {
-        const bool isPointedAt = m_end == piece.candidate->begin && SegmentBefore() != nullptr && Before()->IsShown();
-        if (piece.IsShown()) {
-            m_unshown = nullptr;
-        } else if (m_unshown == nullptr && !isPointedAt) {
-            m_unshown = &piece;
-        }
     }
 
     /// Returns where the next recording header should begin, if that is in the gap up to `begin`.
@@ -248,16 +152,6 @@ class CAccountant {
         const std::int64_t next = PlaceOf(m_nextRecording);
         return next >= m_end && next < begin ? std::optional(next) : std::nullopt;
     }
-
-    /// Returns whether a position has another shift and no later one proves it wrong: bytes may be missing before it,
-    /// or inserted there.
-    bool IsAloneAstray(const CPiece& piece) const {
-        const bool isShownLater = m_index + 1 < m_pieces.size() && m_pieces[m_index + 1].shownShift != kLost;
-        return piece.ownShift != kLost && piece.ownShift != m_shift && !isShownLater;
-    }
-
-    /// Returns the shift that the position of a piece or a later one shows; if none does, that of its wrong position.
-    std::int64_t ShiftAt(const CPiece& piece) const { return IsAloneAstray(piece) ? piece.ownShift : piece.shownShift; }
 
     /// A file that begins among the samples of a segment was either appended to a cut file or stored as these samples.
     void DoubtFile(const CCandidate& file) {
@@ -282,18 +176,13 @@ class CAccountant {
         return remark;
     }
 
-    /// Begins a recording whose header is lost, with its first segment. Keeps the cells that are left. If another
-    /// header has room after that one, the segments may be of the other.
-    void BeginLostRecording(const CPiece& first, std::int64_t begin) {
+    /// Begins a recording whose header is lost. Keeps the cells that are left.
+    void BeginLostRecording(std::int64_t begin) {
         const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
         const bool isLeft = begin > m_end && left.end <= begin && left.whole > 0;
         CFoundRecording lost;
         lost.header.begin = left.begin;
         BeginRecording(isLeft ? FoundRecording(m_window, left) : std::move(lost));
-        if (!isLeft) return;
-        // Now, `m_nextRecording` is the position among the cells that are left.
-        const bool hasRoom = begin - left.end + MissingBefore(first) >= LeastSizeOf(EKind::Recording);
-        if (hasRoom && !IsNextConfirmed(first)) DoubtRecordingOf(first);
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been
@@ -302,7 +191,7 @@ class CAccountant {
         if (!isGap && candidate.kind != EKind::Recording) DoubtFirstCells(piece);
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
-        const std::int64_t shift = ShiftAt(piece);
+        const std::int64_t shift = piece.evidentShift;
         if (candidate.begin < m_end || (piece.lostRecording && !isGap)) {
             DoubtPiece(EReason::TakenOut, *Before());
         } else if (shift == kLost) {
@@ -315,7 +204,7 @@ class CAccountant {
     /// Reports a header right after a piece if at least as many bytes are missing as a header has: its first cells may
     /// be of another one.
     void DoubtFirstCells(const CPiece& piece) {
-        const std::int64_t shift = ShiftAt(piece);
+        const std::int64_t shift = piece.evidentShift;
         if (shift != kLost && shift - m_shift >= LeastSizeOf(piece.candidate->kind))
             DoubtPiece(EReason::OtherHeader, piece);
     }
@@ -326,10 +215,6 @@ class CAccountant {
     void EndFile(std::int64_t end) {
         if (m_end == end && SegmentBefore() != nullptr && !Before()->isCut)
             EndPosition(kNextSegment, SegmentBefore()->next, end, EReason::MissingSegment);
-        // The next recording may have begun where the last segment should end.
-        const bool isCut = Before() != nullptr && Before()->isCut;
-        const bool isNextWrong = IsPosition(m_nextRecording) && PlaceOf(m_nextRecording) < m_end;
-        EndRecording(isCut ? Before()->candidate->DataEnd() : m_end, kLost, isNextWrong);
         EndPosition(m_nextKey, m_nextRecording, end, EReason::MissingRecording);
         if (m_end == end && Before() != nullptr && Before()->candidate->kind == EKind::Recording &&
             !(end == m_window.Size() && m_isGrowing))
@@ -438,10 +323,6 @@ class CAccountant {
     std::size_t m_index = 0;
     std::int64_t m_end = 0;                  ///< The end of the last piece.
     std::int64_t m_shift = 0;                ///< The shift of the last piece.
-    std::int64_t m_doubtedFrom = kFarthest;  ///< Segments from here on were reported as maybe of another recording.
-    const CPiece* m_first = nullptr;         ///< The first kept segment of the current recording, if any.
-    bool m_isDataWrong = false;              ///< The position of the data in its header is wrong.
-    const CPiece* m_unshown = nullptr;       ///< The first segment after the last one that a position places, if any.
     std::int64_t m_nextRecording = kLost;    ///< The position of the next recording, from the last header.
     const char* m_nextKey = kNextRecording;  ///< The key of its cell.
 };

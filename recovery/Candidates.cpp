@@ -298,6 +298,12 @@ const CCandidate* CCandidates::WholeAt(EKind kind, std::int64_t offset) const {
     return found != list.end() && found->claim == offset ? &*found : nullptr;
 }
 
+const CWellList& CCandidates::WellsOf(const CCandidate* recording) const {
+    static const CWellList kNone;
+    const bool isKnown = recording != nullptr && recording->form != nullptr;
+    return isKnown ? wellLists[static_cast<std::size_t>(recording->well)] : kNone;
+}
+
 CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
     CCandidate best;
     for (const CForm& form : FormsOf(kind)) {

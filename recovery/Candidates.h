@@ -67,6 +67,8 @@ struct CWellList {
 
     /// Returns the interval of a well; 0 if it isn't known.
     std::int64_t TickOf(std::int32_t well) const;
+    /// Returns the interval of a segment's well, or if its ID is lost, the one that all wells share; 0 if unknown.
+    std::int64_t TickOf(const CCandidate& segment) const { return segment.noID ? CommonTick() : TickOf(segment.well); }
     /// Returns the interval that all wells share; 0 if they differ.
     std::int64_t CommonTick() const;
     bool Lists(std::int32_t well) const { return wells.contains(well); }
@@ -78,9 +80,8 @@ struct CCandidates {
 
     /// Returns the undamaged header of a kind at an offset; null if there is none.
     const CCandidate* WholeAt(EKind kind, std::int64_t offset) const;
-    const CWellList& WellsOf(const CCandidate& recording) const {
-        return wellLists[static_cast<std::size_t>(recording.well)];
-    }
+    /// Returns the wells of a recording header; none if it is null or has no form, because it is lost.
+    const CWellList& WellsOf(const CCandidate* recording) const;
 };
 
 /// Receives the offset reached so far. May throw to stop.

@@ -1,7 +1,6 @@
 #include "recovery/Explanation.h"
 
 #include <algorithm>
-#include <bit>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -9,6 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include "recovery/Costs.h"
+#include "recovery/Node.h"
 #include "vxfileio/rawdata/SegmentTimes.h"
 
 namespace vxfileio::recovery {
@@ -20,53 +21,14 @@ namespace {
 /// The recording of segments whose recording header is lost.
 constexpr CCandidate kLostRecording;
 
-/// What positions must still show about a recording header.
-enum class EUnproven : std::uint8_t {
-    None,
-    Cut,     ///< It lacks its end, so an unknown number of bytes is missing.
-    Joined,  ///< Cells moved: its end may be that of another header.
-};
-
-/// One way to explain the input up to the end of a piece.
-struct CNode {
-    CPiece piece;          ///< Without a candidate: the beginning of the input.
-    std::int64_t gap = 0;  ///< Number of bytes before the piece that belong to nothing.
-    std::int64_t cost = 0;
-    std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
-    std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
-    std::shared_ptr<CNode> parent;
-    std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
-    bool goesOn = false;                    ///< It continues after a file within samples.
-    EUnproven unproven = EUnproven::None;   ///< Its recording header, until a position confirms it.
-    const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
-    const CCandidate* recording = nullptr;  ///< The header of the current recording; null before the first of a file.
-
-    /// Releases the pieces before it one by one: there may be too many for one call within another.
-    ~CNode() {
-        while (parent != nullptr && parent.use_count() == 1)
-            parent = std::move(parent->parent);
-    }
-
-    const CCandidate& Candidate() const { return *piece.candidate; }
-    bool Is(EKind kind) const { return piece.candidate != nullptr && Candidate().kind == kind; }
-    bool IsLastSegment() const { return Is(EKind::Segment) && Candidate().next == kUnset; }
-    bool ExpectsSegment() const { return Is(EKind::Segment) && IsPosition(Candidate().next); }
-};
-
-using CNodePtr = std::shared_ptr<CNode>;
-
-int GapCost(std::int64_t bytes) {
-    return bytes <= 0 ? 0 : costs::kGap + 2 * static_cast<int>(std::bit_width(static_cast<std::uint64_t>(bytes)));
-}
-
-bool IsRecordingHdrSize(std::int64_t bytes) {
-    return std::ranges::find(FormsOf(EKind::Recording), bytes, &CForm::size) != FormsOf(EKind::Recording).end();
-}
-
 class CExplainer {
  public:
     CExplainer(const CCandidates& candidates, std::int64_t size, const CReach& reach)
-        : m_candidates(candidates), m_size(size), m_reach(reach), m_open{std::make_shared<CNode>()} {}
+        : m_candidates(candidates),
+          m_costs(candidates),
+          m_size(size),
+          m_reach(reach),
+          m_open{std::make_shared<CNode>()} {}
 
     std::vector<CPiece> Run() {
         for (const CCandidate& candidate : m_candidates.list) {
@@ -146,8 +108,8 @@ class CExplainer {
     bool GoesOn(const CNode& node, const CNode& inner, const CCandidate& candidate) const {
         if (node.recording == nullptr) return false;
         if (candidate.kind == EKind::Segment && candidate.next == kUnset)
-            return WellsOf(node).Lists(candidate.well) &&
-                   (inner.IsLastSegment() || !WellsOf(inner).Lists(candidate.well));
+            return m_candidates.WellsOf(node.recording).Lists(candidate.well) &&
+                   (inner.IsLastSegment() || !m_candidates.WellsOf(inner.recording).Lists(candidate.well));
         const auto shift = candidate.OwnShift();
         const std::int64_t next = node.Candidate().next;
         return candidate.IsWhole() && shift &&
@@ -182,13 +144,6 @@ class CExplainer {
         candidate.kind == EKind::Segment ? FollowWithSegment(node) : FollowWithHeader(node);
     }
 
-    /// Returns what the parts of a candidate cost that moved or are missing, if it follows a piece that ends at `end`.
-    static int PartsCost(const CCandidate& candidate, std::int64_t end) {
-        if (candidate.IsCutShort()) return costs::kCutHeader;
-        if (candidate.moved != 0) return costs::kValue;
-        return candidate.kind == EKind::Recording && candidate.begin < end ? costs::kNoBeginning : 0;
-    }
-
     void FollowWithHeader(CNode node) {
         const CCandidate& header = node.Candidate();
         node.piece.end = header.end;
@@ -200,35 +155,20 @@ class CExplainer {
             return Offer(node);
         }
         if (node.parent->ExpectsSegment() && !node.parent->goesOn) node.cost += costs::kPosition;
-        if (HasRecordingHdr(node) && node.recording->form != header.form) node.cost += costs::kVersion;
+        if (node.HasRecordingHdr() && node.recording->form != header.form) node.cost += costs::kVersion;
         OfferShifts(node);
     }
 
     void FollowWithSegment(CNode node) {
-        const int same = SameRecordingCost(node);
+        const int same = m_costs.SameRecordingCost(node);
         if (node.recording != nullptr) OfferReadings(node, same);
         if (node.recording != nullptr && same == 0 && !MayPassNextRecording(node)) return;
         if (node.parent->goesOn && node.Candidate().OwnShift() != node.parent->piece.shift) return;
-        const int lost = LostRecordingCost(node);
+        const int lost = m_costs.LostRecordingCost(node);
         node.piece.lostRecording = true;
         node.unproven = EUnproven::None;
         node.recording = &kLostRecording;
         OfferReadings(node, lost);
-    }
-
-    static bool HasRecordingHdr(const CNode& node) {
-        return node.recording != nullptr && node.recording->form != nullptr;
-    }
-
-    /// Returns the wells of a node's recording; none if they are lost.
-    const CWellList& WellsOf(const CNode& node) const {
-        static const CWellList kNone;
-        return HasRecordingHdr(node) ? m_candidates.WellsOf(*node.recording) : kNone;
-    }
-
-    /// Returns the interval of a segment's well from the recording header; 0 if unknown.
-    std::int64_t TickOf(const CNode& node, const CCandidate& segment) const {
-        return segment.noID ? WellsOf(node).CommonTick() : WellsOf(node).TickOf(segment.well);
     }
 
     /// Offers each way to read a segment, with at most one computed value.
@@ -236,7 +176,7 @@ class CExplainer {
         const CCandidate& segment = node.Candidate();
         if (!IsReadable(node)) return;
         node.cost += cost;
-        const std::int64_t tick = TickOf(node, segment);
+        const std::int64_t tick = m_candidates.WellsOf(node.recording).TickOf(segment);
         const CTickRange intervals = TicksOf(segment.from, segment.to, segment.size);
         const auto byTimes = SizeByTimes(node, tick);
         if (segment.noSize) {
@@ -271,7 +211,7 @@ class CExplainer {
     /// mixture of two.
     bool IsReadable(const CNode& node) const {
         const CCandidate& segment = node.Candidate();
-        const bool knowsWells = !WellsOf(node).wells.empty();
+        const bool knowsWells = !m_candidates.WellsOf(node.recording).wells.empty();
         const auto isLost = {segment.noID, segment.noFrom, segment.noTo, segment.noSize, segment.next == kLost};
         return std::ranges::count(isLost, true) <= (segment.moved == 0 ? 1 : 0) &&
                (!segment.noID || segment.damaged <= 1 || knowsWells);
@@ -306,30 +246,10 @@ class CExplainer {
         wrong.cost += costs::kPosition;
         OfferWith(wrong, shift);
         if (node.piece.ownShift == kLost) return;
-        const bool isByGap = ShiftsByGap(node);
+        const bool isByGap = m_costs.ShiftsByGap(node);
         node.cost += isByGap ? costs::kShiftByGap : costs::kShift;
         if (isByGap) node.shiftBefore = shift;
         OfferWith(node, node.piece.ownShift);
-    }
-
-    /// Returns whether a recording header whose cells moved seems to be parts of two: the next position shows that
-    /// bytes are missing, or that more are extra than the gap before it has.
-    static bool HasMixedHeader(const CNode& node) {
-        const CCandidate& candidate = node.Candidate();
-        const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
-        if (node.piece.ownShift == kLost || !(node.unproven == EUnproven::Joined || isOfEnd)) return false;
-        const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
-        return by > 0 || -by > node.gap;
-    }
-
-    /// Returns whether the position of a node shifts by the number of bytes that the gap before it shows to be missing
-    /// or too many, or back to the shift before. After a recording header without its end, any number may be missing,
-    /// with another header among them.
-    bool ShiftsByGap(const CNode& node) const {
-        const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
-        if (by > 0 && node.parent->unproven == EUnproven::Cut) return true;
-        return node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
-                                by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
     }
 
     /// Offers a node from which on positions have a shift. If its own position has another one, it is wrong.
@@ -346,13 +266,6 @@ class CExplainer {
         if (!node.piece.lostRecording && IsNextRecordingPassed(node, shift)) node.cost += costs::kPosition;
         node.piece.shift = shift - candidate.moved;
         Offer(node);
-    }
-
-    /// Returns how many bytes the whole segment at `begin` lacks if the next header begins at `next`; 0 if there is no
-    /// such segment.
-    std::int64_t OverlapOf(std::int64_t begin, std::int64_t next) const {
-        const CCandidate* const segment = m_candidates.WholeAt(EKind::Segment, begin);
-        return segment == nullptr ? 0 : std::max<std::int64_t>(0, segment->DataEnd() - next);
     }
 
     /// Keeps the cheaper of two ways to the same state.
@@ -373,85 +286,6 @@ class CExplainer {
         }
     }
 
-    /// Returns the cost if no header follows right after a node.
-    static int UnconfirmedCost(const CNode& node, std::int64_t gap) {
-        if (!node.Is(EKind::Segment)) return 0;
-        const CCandidate& segment = node.Candidate();
-        if (segment.IsWhole() && node.piece.made == EMade::None) return 0;
-        // Bytes that were put into a damaged header move its samples.
-        if (gap < segment.end - segment.begin && !segment.IsWhole() && segment.moved == 0) return costs::kUnconfirmed;
-        if (node.piece.IsShown()) return 0;
-        return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
-    }
-
-    int SameRecordingCost(const CNode& node) const {
-        int cost = node.parent->IsLastSegment() ? costs::kPosition : 0;
-        if ((node.gap > 0 || MissingBefore(node) != 0) && node.recording != nullptr && IsForeign(node))
-            cost += costs::kForeign;
-        return cost;
-    }
-
-    /// Returns whether the current recording header seems to be of another file: a segment doesn't fit it, and has the
-    /// shift that positions had before that header.
-    bool IsHeaderForeign(const CNode& node) const {
-        const auto shift = HasRecordingHdr(node) ? node.recording->OwnShift() : std::nullopt;
-        return shift && shift != node.shiftBefore && node.Candidate().OwnShift() == node.shiftBefore && IsForeign(node);
-    }
-
-    /// Returns how many bytes are missing before a segment by its own position; negative if there are too many.
-    static std::int64_t MissingBefore(const CNode& node) {
-        const std::int64_t shift = node.parent->piece.shift;
-        return node.Candidate().OwnShift().value_or(shift) - shift;
-    }
-
-    int LostRecordingCost(const CNode& node) const {
-        const bool hasRoom = node.gap + MissingBefore(node) >= LeastSizeOf(EKind::Recording);
-        const bool hasEnded = node.parent->IsLastSegment() && (node.gap > 0 || MissingBefore(node) != 0);
-        const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
-        return (hasRoom || hasEnded || isFirst || IsHeaderForeign(node) ? costs::kLostRecording
-                                                                        : costs::kForcedRecording) +
-               (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
-    }
-
-    /// Returns whether the next recording should begin before a segment, if positions have a shift there.
-    static bool IsNextRecordingPassed(const CNode& node, std::int64_t shift) {
-        if (!node.Is(EKind::Segment) || !HasRecordingHdr(node)) return false;
-        const std::int64_t next = node.recording->from;
-        return IsPosition(next) && next >= node.parent->piece.end + node.parent->piece.shift &&
-               next < node.Candidate().begin + shift;
-    }
-
-    /// Returns whether that is so by the shift before a segment, or by its own.
-    static bool MayPassNextRecording(const CNode& node) {
-        const std::int64_t shift = node.parent->piece.shift;
-        return IsNextRecordingPassed(node, shift) ||
-               IsNextRecordingPassed(node, node.Candidate().OwnShift().value_or(shift));
-    }
-
-    /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be
-    /// damaged.
-    bool IsForeign(const CNode& node) const {
-        const CCandidate* const segment = node.piece.candidate;
-        if (Belongs(*node.parent, *segment)) return false;
-        const CCandidate* const next = segment + 1;
-        return next == m_candidates.list.data() + m_candidates.list.size() || next->kind != EKind::Segment ||
-               !next->IsWhole() || !Belongs(*node.parent, *next);
-    }
-
-    bool Belongs(const CNode& parent, const CCandidate& segment) const {
-        const CWellList& wells = WellsOf(parent);
-        if (!wells.wells.empty() && !wells.Lists(segment.well)) return false;
-        const std::int64_t tick = TickOf(parent, segment);
-        if (tick > 0 && !TicksOf(segment.from, segment.to, segment.size).Has(tick)) return false;
-        constexpr int kMostSteps = 256;
-        const CNode* node = &parent;
-        for (int i = 0; i < kMostSteps && node->Is(EKind::Segment); ++i) {
-            if (node->Candidate().well == segment.well) return segment.from > node->Candidate().to;
-            node = node->parent.get();
-        }
-        return true;
-    }
-
     /// Returns the pieces of the best explanation.
     std::vector<CPiece> Path() const {
         const auto cost = [&](const CNodePtr& node) {
@@ -466,9 +300,11 @@ class CExplainer {
             CPiece& piece = pieces.emplace_back(node->piece);
             piece.isAmbiguous = node->other < std::numeric_limits<std::int64_t>::max() &&
                                 node->other - node->cost <= costs::kNearlyEqual;
+            piece.shiftBefore = node->parent->piece.shift;
+            piece.isAstray = piece.ownShift != kLost && piece.ownShift != piece.shiftBefore && shown == kLost;
             if (piece.IsShown()) shown = piece.ownShift;
             if (node->Is(EKind::File)) shown = kLost;
-            piece.shownShift = shown;
+            piece.evidentShift = piece.isAstray ? piece.ownShift : shown;
             if (nextRecording != kLost && piece.ownShift != kLost) piece.nextRecording = nextRecording + piece.ownShift;
             if (node->Is(EKind::Recording)) nextRecording = node->Candidate().begin;
         }
@@ -477,6 +313,7 @@ class CExplainer {
     }
 
     const CCandidates& m_candidates;
+    CCosts m_costs;
     std::int64_t m_size;
     const CReach& m_reach;
     std::vector<CNodePtr> m_open;                     ///< The best ways that have ended, the best first.

@@ -6,6 +6,7 @@
 
 #include "recovery/Account.h"
 #include "recovery/Explanation.h"
+#include "recovery/Membership.h"
 #include "recovery/Wells.h"
 
 namespace vxfileio::recovery {
@@ -23,6 +24,7 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     CReport report;
     report.isGrowing = input.Size() > size;
     CFound found = AccountFor(window, pieces, options.keepCut, report.isGrowing);
+    DoubtMembership(pieces, found);
     // If all positions are correct and reach everything, their order is better than that of the input.
     if (!found.isStraight) {
         if (auto followed = FollowPositions(window, candidates, pieces)) found = std::move(*followed);
@@ -32,6 +34,8 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     report.losses = std::move(found.losses);
     report.doubts = std::move(found.doubts);
     Rebuild(window, found, sink, options.saved, report);
+    for (CRemarks* const remarks : {&report.losses, &report.doubts})
+        std::ranges::stable_sort(remarks->first, {}, &CRemark::from);
     return report;
 }
 

@@ -163,8 +163,8 @@ TEST_F(RecoverTest, WholeFilesComeOutByteForByte) {
                         Cell(400, "UnitsPerADs=-2.5e+06:-2.5e+06") + Cell(200, "ADZeros=0:0"));
     EXPECT_EQ(ReadAll(m_out), several);
     ASSERT_EQ(m_report.doubts.first.size(), 2U);
-    EXPECT_EQ(m_report.doubts.first[0].from, 13160) << "the last recording is empty or lost its segments";
-    EXPECT_EQ(m_report.doubts.first[1].from, 10392);
+    EXPECT_EQ(m_report.doubts.first[0].from, 10392);
+    EXPECT_EQ(m_report.doubts.first[1].from, 13160) << "the last recording is empty or lost its segments";
 }
 
 TEST_F(RecoverTest, SegmentsOfAnyLengthAndOrderComeOutByteForByte) {

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Checks the table of costs in docs/recovery.md against recovery/Explanation.h. Prints each difference."""
+"""Checks the table of costs in docs/recovery.md against recovery/Costs.h. Prints each difference."""
 
 import pathlib
 import re
@@ -13,7 +13,7 @@ def pairs(path, pattern):
 
 
 page = pairs("docs/recovery.md", r"^\|[^|]*\| `(k\w+)` \| (-?\d+)")
-code = pairs("recovery/Explanation.h", r"^inline constexpr int (k\w+) = (-?\d+);")
+code = pairs("recovery/Costs.h", r"^inline constexpr int (k\w+) = (-?\d+);")
 for name in sorted(page.keys() | code.keys()):
     if page.get(name) != code.get(name):
         print(f"{name} is {page.get(name, 'missing')} on the page and {code.get(name, 'missing')} in the code")
