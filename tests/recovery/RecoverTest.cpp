@@ -388,6 +388,10 @@ TEST_F(RecoverTest, TheIntervalIsTheOneThatMostSegmentsFit) {
     // A size that contradicts the other values is damaged, even if it can be read.
     EXPECT_EQ(Recovered(damage(file.bytes, file.segments[2].position, "Size=", "5")), file.segments);
     EXPECT_EQ(ReadAll(m_out), file.bytes);
+    ASSERT_EQ(m_report.doubts.first.size(), 1U);
+    const CRemark& doubt = m_report.doubts.first.front();
+    ASSERT_EQ(doubt.reason, EReason::DamagedCells);
+    EXPECT_TRUE(doubt.cells[doubt.form->RowOf("Size")] && doubt.lost[doubt.form->RowOf("Size")]);
 }
 
 // Readers hold an interval in 32 bits.
@@ -441,6 +445,14 @@ TEST_F(RecoverTest, OneDamagedCellOfASegmentFollowsFromTheOthers) {
             }
         }
     }
+
+    // Nothing follows the damaged header's samples, so only its position confirms where they end.
+    std::string alone = file.bytes;
+    alone.replace(file.segments[3].position, 300, 300, 'x');
+    alone[file.segments[2].position + 40] = 'x';
+    EXPECT_EQ(Placeless(Recovered(alone)), Without(Placeless(file.segments), 3));
+    alone[file.segments[2].position + 119] = 'x';
+    EXPECT_EQ(Placeless(Recovered(alone)), Without(Without(Placeless(file.segments), 3), 2));
 
     // The intervals are lost, so a size follows from the position, which inserted bytes made wrong.
     std::string moved = file.bytes;
@@ -1068,6 +1080,8 @@ TEST_F(RecoverTest, DamagedRecordingHeadersKeepTheirPlaceAndTheirSegments) {
     const auto patched = [](std::string bytes, std::size_t at, const std::string& by) {
         return bytes.replace(at, by.size(), by);
     };
+    Recovered(patched(whole, 1390, Cell(50, "FPosRecordingTrailer=77")));
+    EXPECT_EQ(ReadAll(m_out), whole) << "no recording has a trailer";
     // The first recording has twelve segments. Nine of them have room for a header.
     const auto longer = [&](std::int64_t next, const std::string& by) {
         CSegmentTexts links;

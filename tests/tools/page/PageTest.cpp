@@ -269,6 +269,19 @@ TEST(Chart, PutsValuesBetweenTopAndBottom) {
     }
 }
 
+/// Returns the number of cells in each row of a table that begins with `tag`.
+std::vector<std::size_t> CellsOfRows(const std::string& page, const std::string& tag) {
+    std::vector<std::size_t> cells;
+    const std::size_t table = page.find(tag);
+    const std::size_t end = page.find("</table>", table);
+    for (std::size_t at = page.find('<', table); at < end; at = page.find('<', at + 1)) {
+        const std::string name = page.substr(at + 1, page.find_first_of(" >", at) - at - 1);
+        if (name == "tr") cells.push_back(0);
+        if (name == "td" || name == "th") ++cells.back();
+    }
+    return cells;
+}
+
 /// Results of two doses, a control and 10 nM, in the wells with these labels. The values count up from 1.
 class PlateValues : public testing::Test {
  protected:
@@ -301,6 +314,7 @@ TEST_F(PlateValues, ArrangesWellsByTheirLabelsWithoutSettings) {
     EXPECT_EQ(values.WellAt(0, 1), std::nullopt);
     EXPECT_EQ(values.wells.size(), 5U);
     EXPECT_FALSE(values.wells[2].row.has_value());
+    EXPECT_EQ(CellsOfRows(PlatePage(values), "<table class=\"plate choice\""), (std::vector<std::size_t>{4, 4, 4, 4}));
 }
 
 TEST_F(PlateValues, ComputesMeansOfMeasuredValuesAndReadsNormalizedOnesFromTheFile) {
@@ -356,11 +370,18 @@ TEST_F(PlateValues, AreNotJoinedAfterTheControlOrAcrossADoseWithoutAMean) {
     Make({"A1"}, {0, 10'000, 100'000, 1'000'000, 10'000'000});
     CResultsRecording& third = results.Tasks.at(enTask::Series).Recordings[2];
     third.Wells.at(1).SetResults(enResponseType::QTInterval, enValueType::Plain, kNaN);
-    const std::string page = PlatePage(Values());
-    const std::size_t begin = page.find("<path class=\"mean\"");
-    const std::string path = page.substr(begin, page.find('>', begin) - begin);
-    EXPECT_EQ(std::ranges::count(path, 'M'), 3) << path;
-    EXPECT_EQ(std::ranges::count(path, 'L'), 1) << path;
+    const auto path = [](const std::string& page) {
+        const std::size_t begin = page.find("<path class=\"mean\"");
+        return page.substr(begin, page.find('>', begin) - begin);
+    };
+    const std::string means = path(PlatePage(Values()));
+    EXPECT_EQ(std::ranges::count(means, 'M'), 3) << means;
+    EXPECT_EQ(std::ranges::count(means, 'L'), 1) << means;
+
+    third.Wells.at(1).SetResults(enResponseType::QTInterval, enValueType::Normalized, 5.0);
+    results.SetCompoundResults(enTask::Series, 1, enResponseType::QTInterval, 2.5, kInfinity, 7);
+    const std::string endless = path(PlatePage(Values()));
+    EXPECT_EQ(endless.find("nan"), std::string::npos) << "a deviation without end: " << endless;
 }
 
 TEST_F(PlateValues, OfTheHighestDoseAreInTheIndex) {
@@ -425,6 +446,7 @@ TEST(IndexPage, HoldsTheEntriesThatItWasMadeFrom) {
     entry.colours = {{0, -1}, {63, 5}};
     entry.isSound = false;
     const std::string index = IndexPage({entry, {}});
+    EXPECT_NE(index.find("<tr><th scope=\"col\">Map</th>"), std::string::npos);
     EXPECT_NE(index.find("href=\"a%20b%22%3C.html\""), std::string::npos);
     EXPECT_EQ(index.find("<b>"), std::string::npos);
     const std::vector<CIndexedPlate> read = EntriesOf(index);

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "tests/faults/SystemCalls.h"
@@ -53,4 +54,18 @@ TEST(ReadError, MakesVerifyNameAFileInAFolderEvenIfItsExtensionIsUnknown) {
     EndCalls();
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.err.find("saved.dat"), std::string::npos) << run.err;
+}
+
+TEST(RefusedRename, MakesExportNameTheWorkbookAndLeaveNone) {
+    const CTempFolder folder;
+    for (const std::string name : {"results.vxr", "settings.vxs"})
+        fs::copy_file(VXFILEIO_REFERENCE_DIR "/xml/" + name, folder.Path(name));
+    BeginCalls(1, {.error = ENOSPC, .goesOn = true, .calls = "rename link"});
+    const CToolRun run =
+        RunTool({"export", folder.Path("results.vxr"), folder.Path("settings.vxs"), "-o", folder.Path("run.xls")});
+    EXPECT_GT(EndCalls(), 0);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_NE(run.err.find(folder.Path("run")), std::string::npos) << run.err;
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path("")), fs::directory_iterator()), 2);
 }
