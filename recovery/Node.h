@@ -38,7 +38,7 @@ struct CNode {
 
     const CCandidate& Candidate() const { return *piece.candidate; }
     bool Is(EKind kind) const { return piece.candidate != nullptr && Candidate().kind == kind; }
-    bool IsLastSegment() const { return Is(EKind::Segment) && Candidate().next == kUnset; }
+    bool IsLastSegment() const { return Is(EKind::Segment) && Candidate().next == rawdata::kUnset; }
     /// Returns whether the header of its recording is known.
     bool HasRecordingHdr() const { return recording != nullptr && recording->form != nullptr; }
     bool ExpectsSegment() const { return Is(EKind::Segment) && IsPosition(Candidate().next); }

@@ -206,6 +206,8 @@ TEST_P(SystemCallFaultsTest, FilesAreWrittenInPlaceIfTheFolderRefusesASecondOne)
     EXPECT_EQ(Play(1, {.error = EXDEV, .goesOn = true, .calls = "rename pread"}),
               "Input/output error, replacing " + m_path)
         << "the new file can't be read for copying it over the old one";
+    EXPECT_NE(Play(3, {.error = EACCES, .goesOn = true, .calls = "rename open"}), "") << "nor opened for that";
+    ExpectReplacedOrOld(false);
 }
 
 TEST_P(SystemCallFaultsTest, AGroupThatCannotBeKeptGetsNoRights) {

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "vxfileio/helpers/PrintableText.h"
+
 using namespace vxfile;
 
 namespace {
@@ -44,6 +46,7 @@ TEST(Text, ReadsBytesAsUtf8OrElseAsLatin1) {
                                                          {"\xF4\x90\x80\x80", R"(ô\x90\x80\x80)"},
                                                          {"\xC2\x9B", R"(Â\x9b)"}})
         EXPECT_EQ(Readable(bytes), text);
+    EXPECT_EQ(vxfileio::helpers::Utf8("\x7F\x80\xFF"), "\x7F\xC2\x80\xC3\xBF");
 }
 
 TEST(Text, CountsAndCutsCharactersNotBytes) {
