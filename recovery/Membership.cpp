@@ -4,6 +4,8 @@
 
 namespace vxfileio::recovery {
 
+using namespace rawdata;
+
 namespace {
 
 /// The beginning of the next recording, or the end of the file.
