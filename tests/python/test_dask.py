@@ -128,6 +128,9 @@ def test_functions_return_values_rows_or_tables_and_can_receive_the_columns(plat
     assert table["b"].sum().compute() == 10 and set(map(tuple, asked)) == {("b",)}
     lengths = vxfileio.dask.map_recordings(path, lambda recording: recording.seconds(12)[-1], ticks_per_second=5)
     assert list(lengths.compute()["value"]) == [recording.times(12)[-1] / 5 for recording in vx.open(path).recordings]
+    greatest = vxfileio.dask.map_recordings(path, lambda recording: recording.samples(12).max()).compute()["value"]
+    assert greatest.dtype == "UInt16"
+    assert list(greatest) == [recording.samples(12).max() for recording in vx.open(path).recordings]
     frames = vxfileio.dask.map_recordings(path, vx.Recording.to_dataframe)
     assert len(frames) == 4 * 6 * 1800
     assert set(frames.columns) == {"path", "task", "number", "dose", "well", "time", "value", "error"}

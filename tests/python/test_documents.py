@@ -308,6 +308,19 @@ def test_tables_are_those_of_the_program(what, settings, vxfile, tmp_path):
     pandas.testing.assert_frame_equal(ours, theirs, check_dtype=False)
 
 
+def test_only_the_first_beat_has_no_interval(tmp_path):
+    pandas = pytest.importorskip("pandas")
+    results = vx.open(RESULTS)
+    recording = next(iter(results.Tasks.values())).Recordings[0]
+    recording.Wells = {7: vx.ResultsWell(FPfastDetectionTimes=[5, 5, 3, 2**31 - 1])}
+    path = tmp_path / "beats.vxr"
+    results.save(path)
+    beats = vx.open(path).beats
+    intervals = beats[beats["well"] == 7]["interval"]
+    assert intervals.isna().tolist() == [True, False, False, False]
+    assert intervals.tolist()[1:] == [0, -2, 2**31 - 4] and isinstance(intervals.dtype, pandas.Int64Dtype)
+
+
 def test_tables_have_the_texts_of_the_objects(tmp_path):
     pytest.importorskip("pandas")
     document = RESULTS.read_bytes().replace(b"<WellLabel>A1<", b"<WellLabel>A\xb5<")
@@ -441,7 +454,7 @@ def test_damaged_documents_are_errors_unless_partial(tmp_path):
 def test_labels_name_wells_of_raw_data_with_or_without_zeros():
     settings = vx.Settings()
     settings.RecordPlate.Data.Wells = [vx.PlateWell(WellID=well, Label=label) for well, label in
-                                       ((1, "A1"), (2, "B07"), (96, "C101"), (97, "C11"))]
+                                       ((1, "A1"), (2, "B07"), (96, "C101"), (97, "C11"), (2, "B07"))]
     recording = vx.open(REFERENCE / "several_recordings.vxd", settings=settings).recordings[0]
     assert list(recording.samples("A01")) == list(recording.samples("A1")) == [1, 2, 3, 6]
     assert list(recording.read(["B7", 2, "A1"])) == ["B7", "A1"] and recording.samples("C0101").size == 0

@@ -81,6 +81,15 @@ def test_each_run_is_a_signal_and_no_gap_is_filled(uneven):
     assert (block.annotations["Guid"], block.annotations["PlateID"]) == ("0123", "P1")
 
 
+def test_runs_of_different_intervals_are_signals_of_one_segment(tmp_path, monkeypatch):
+    monkeypatch.setattr(uneven_files, "WELLS", (uneven_files.Channel(11, 0, 0.5, 1000),))
+    path = uneven_files.write(tmp_path / "run.vxd", ({}, [
+        uneven_files.segment(11, 100, 0, 1, 2, 3), uneven_files.segment(11, 50, 1000, 4, 5)]))
+    block = adapter.VexaprobeIO(path, 1000).read_block()
+    assert [[(int(signal.sampling_rate), len(signal)) for signal in part.analogsignals] for part in block.segments] == [
+        [(10, 3), (20, 2)]]
+
+
 @pytest.mark.parametrize("first, stop, channels, expected", [
     (0, 2, None, [[11], [12]]), (1, 3, [0], [[12], [13]]), (None, None, slice(0, 1), [[11], [12], [13]]),
     (2, 2, None, []), (-1, None, [0, 0], [[13, 13]]), (1, 99, np.array([True]), [[12], [13]])])

@@ -92,6 +92,9 @@ def test_a_segment_out_of_order_is_refused_and_the_file_stays_valid(tmp_path):
         for well, start in ((11, 5), (13, 100)):
             with pytest.raises(vx.UsageError):
                 first.write(well, start, [3])
+        for wrong in ([], [[3]], [0.5], [-1], [65536], [True], np.array([-1], np.int16), np.array([3], np.float16)):
+            with pytest.raises(vx.UsageError, match="^Samples must be"):
+                first.write(11, 20, wrong)
         with pytest.raises(vx.UsageError, match="TaskName"):
             writer.recording(vx.RawDataRecordingHdr(TaskName="a=b"))
         first.write(11, 20, [4])  # what is refused doesn't end the recording
