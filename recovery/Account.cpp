@@ -178,11 +178,10 @@ class CAccountant {
 
     /// Begins a recording whose header is lost. Keeps the cells that are left.
     void BeginLostRecording(std::int64_t begin) {
-        const CCandidate left = BestAt(m_window, EKind::Recording, NextRecordingIn(begin).value_or(m_end));
-        const bool isLeft = begin > m_end && left.end <= begin && left.whole > 0;
         CFoundRecording lost;
-        lost.header.begin = left.begin;
-        BeginRecording(isLeft ? FoundRecording(m_window, left) : std::move(lost));
+        lost.header.begin = NextRecordingIn(begin).value_or(m_end);
+        const CCandidate left = BestAt(m_window, EKind::Recording, lost.header.begin, begin);
+        BeginRecording(left.whole > 0 ? FoundRecording(m_window, left) : std::move(lost));
     }
 
     /// Reports that the segment before a gap, or before a change of the shift, is in doubt: bytes may have been

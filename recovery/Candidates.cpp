@@ -304,12 +304,11 @@ const CWellList& CCandidates::WellsOf(const CCandidate* recording) const {
     return isKnown ? wellLists[static_cast<std::size_t>(recording->well)] : kNone;
 }
 
-CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset) {
+CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset, std::int64_t end) {
     CCandidate best;
     for (const CForm& form : FormsOf(kind)) {
         const CCandidate candidate = Read(window, form, {.begin = offset});
-        const bool isBetter = candidate.whole - candidate.damaged > best.whole - best.damaged;
-        if (best.form == nullptr || isBetter) best = candidate;
+        if (candidate.end <= end && candidate.whole >= best.whole) best = candidate;
     }
     return best;
 }

@@ -91,8 +91,9 @@ using CReach = std::function<void(std::int64_t)>;
 /// samples confirms it.
 CCandidates FindCandidates(CWindow& window, const CReach& reach);
 
-/// Reads a header at an offset, in the layout that fits best. Few or no cells may be whole.
-CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset);
+/// Reads a header at an offset, in the layout with the most whole cells, the newest of those. Few or none may be whole.
+/// Returns a candidate without a form if no header ends at or before `end`.
+CCandidate BestAt(CWindow& window, EKind kind, std::int64_t offset, std::int64_t end = kFarthest);
 
 /// Returns the wells that a recording header lists.
 CWellList WellListOf(const CHdrCells& recording);

@@ -16,7 +16,7 @@ bool IsRecordingHdrSize(std::int64_t bytes) {
 }
 
 /// Returns how many bytes are missing before a segment by its own position; negative if there are too many.
-std::int64_t MissingBefore(const CNode& node) {
+std::int64_t MissingByOwnPosition(const CNode& node) {
     const std::int64_t shift = node.parent->piece.shift;
     return node.Candidate().OwnShift().value_or(shift) - shift;
 }
@@ -43,26 +43,6 @@ int UnconfirmedCost(const CNode& node, std::int64_t gap) {
     return segment.next == kUnset && IsRecordingHdrSize(gap) ? 0 : costs::kUnconfirmed;
 }
 
-int CCosts::SameRecordingCost(const CNode& node) const {
-    int cost = node.parent->IsLastSegment() ? costs::kPosition : 0;
-    if ((node.gap > 0 || MissingBefore(node) != 0) && node.recording != nullptr && IsForeign(node))
-        cost += costs::kForeign;
-    return cost;
-}
-
-bool CCosts::IsHeaderForeign(const CNode& node) const {
-    const auto shift = node.HasRecordingHdr() ? node.recording->OwnShift() : std::nullopt;
-    return shift && shift != node.shiftBefore && node.Candidate().OwnShift() == node.shiftBefore && IsForeign(node);
-}
-
-int CCosts::LostRecordingCost(const CNode& node) const {
-    const bool hasRoom = node.gap + MissingBefore(node) >= LeastSizeOf(EKind::Recording);
-    const bool hasEnded = node.parent->IsLastSegment() && (node.gap > 0 || MissingBefore(node) != 0);
-    const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
-    return (hasRoom || hasEnded || isFirst || IsHeaderForeign(node) ? costs::kLostRecording : costs::kForcedRecording) +
-           (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
-}
-
 bool IsNextRecordingPassed(const CNode& node, std::int64_t shift) {
     if (!node.Is(EKind::Segment) || !node.HasRecordingHdr()) return false;
     const std::int64_t next = node.recording->from;
@@ -74,6 +54,41 @@ bool MayPassNextRecording(const CNode& node) {
     const std::int64_t shift = node.parent->piece.shift;
     return IsNextRecordingPassed(node, shift) ||
            IsNextRecordingPassed(node, node.Candidate().OwnShift().value_or(shift));
+}
+
+bool HasMixedHeader(const CNode& node) {
+    const CCandidate& candidate = node.Candidate();
+    const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
+    if (node.piece.ownShift == kLost || !(node.unproven == EUnproven::Joined || isOfEnd)) return false;
+    const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
+    return by > 0 || -by > node.gap;
+}
+
+int CCosts::SameRecordingCost(const CNode& node) const {
+    int cost = node.parent->IsLastSegment() ? costs::kPosition : 0;
+    if ((node.gap > 0 || MissingByOwnPosition(node) != 0) && node.recording != nullptr && IsForeign(node))
+        cost += costs::kForeign;
+    return cost;
+}
+
+int CCosts::LostRecordingCost(const CNode& node) const {
+    const bool hasRoom = node.gap + MissingByOwnPosition(node) >= LeastSizeOf(EKind::Recording);
+    const bool hasEnded = node.parent->IsLastSegment() && (node.gap > 0 || MissingByOwnPosition(node) != 0);
+    const bool isFirst = node.parent->Is(EKind::File) && node.gap > 0;
+    return (hasRoom || hasEnded || isFirst || IsHeaderForeign(node) ? costs::kLostRecording : costs::kForcedRecording) +
+           (node.parent->ExpectsSegment() && IsRecordingHdrSize(node.gap) ? costs::kPosition : 0);
+}
+
+bool CCosts::ShiftsByGap(const CNode& node) const {
+    const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
+    if (by > 0 && node.parent->unproven == EUnproven::Cut) return true;
+    return node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.earlierShift ||
+                            by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
+}
+
+bool CCosts::IsHeaderForeign(const CNode& node) const {
+    const auto shift = node.HasRecordingHdr() ? node.recording->OwnShift() : std::nullopt;
+    return shift && shift != node.earlierShift && node.Candidate().OwnShift() == node.earlierShift && IsForeign(node);
 }
 
 bool CCosts::IsForeign(const CNode& node) const {
@@ -96,21 +111,6 @@ bool CCosts::Belongs(const CNode& parent, const CCandidate& segment) const {
         node = node->parent.get();
     }
     return true;
-}
-
-bool HasMixedHeader(const CNode& node) {
-    const CCandidate& candidate = node.Candidate();
-    const bool isOfEnd = candidate.IsJoined() && candidate.movedRow <= candidate.form->RowOf("FPosRecordingData");
-    if (node.piece.ownShift == kLost || !(node.unproven == EUnproven::Joined || isOfEnd)) return false;
-    const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
-    return by > 0 || -by > node.gap;
-}
-
-bool CCosts::ShiftsByGap(const CNode& node) const {
-    const std::int64_t by = node.piece.ownShift - node.parent->piece.shift;
-    if (by > 0 && node.parent->unproven == EUnproven::Cut) return true;
-    return node.gap > 0 && (by == -node.gap || node.piece.ownShift == node.shiftBefore ||
-                            by == OverlapOf(node.parent->piece.end, node.Candidate().begin));
 }
 
 std::int64_t CCosts::OverlapOf(std::int64_t begin, std::int64_t next) const {

@@ -32,17 +32,23 @@ inline constexpr int kCut = 60;               ///< The input ends within the sam
 inline constexpr int kNearlyEqual = 5;        ///< Two explanations this close are ambiguous.
 }  // namespace costs
 
+/// @name What a step costs by itself
+/// A node needs a candidate and a parent, except in `UnconfirmedCost`.
+/// @{
+
 /// Returns the cost of bytes that belong to nothing.
 int GapCost(std::int64_t bytes);
-
-/// @name The costs and facts of a node, whose parent is the node before
-/// @{
 
 /// Returns what the parts of a candidate cost that moved or are missing, if it follows a piece that ends at `end`.
 int PartsCost(const CCandidate& candidate, std::int64_t end);
 
-/// Returns the cost if no header follows right after a node, but after a gap, which may be empty at the end.
+/// Returns the cost of a node if the next header doesn't begin at its end. `gap` is the number of bytes up to that
+/// header, to its first cell that is left, or to the end of the input.
 int UnconfirmedCost(const CNode& node, std::int64_t gap);
+
+/// @}
+/// @name What a node contradicts
+/// @{
 
 /// Returns whether the next recording should begin before a segment, if positions have a shift there.
 bool IsNextRecordingPassed(const CNode& node, std::int64_t shift);
@@ -50,13 +56,13 @@ bool IsNextRecordingPassed(const CNode& node, std::int64_t shift);
 /// Returns whether that is so by the shift before a segment, or by its own.
 bool MayPassNextRecording(const CNode& node);
 
-/// Returns whether a recording header whose cells moved seems to be parts of two: the next position shows that
-/// bytes are missing, or that more are extra than the gap before it has.
+/// Returns whether a recording header whose cells moved seems to be parts of two: the next position shows that bytes
+/// are missing, or that more are extra than the gap before it has.
 bool HasMixedHeader(const CNode& node);
 
 /// @}
 
-/// Those that depend on other candidates, too.
+/// The costs that need the wells of a recording, or the other candidates.
 class CCosts {
  public:
     /// The candidates must outlive this object.
@@ -68,7 +74,7 @@ class CCosts {
     int LostRecordingCost(const CNode& node) const;
     /// Returns whether the position of a node shifts by the number of bytes that the gap before it shows to be missing
     /// or too many, or back to the shift before. After a recording header without its end, any number may be missing,
-    /// with another header among them.
+    /// with another header among them. Requires: the node's own shift is known.
     bool ShiftsByGap(const CNode& node) const;
 
  private:
@@ -78,7 +84,8 @@ class CCosts {
     /// Returns whether neither a segment nor the one after it fits the current recording. A single misfit may be
     /// damaged.
     bool IsForeign(const CNode& node) const;
-    /// Returns whether a segment fits the wells and intervals of the recording of `parent`, and the times in it.
+    /// Returns whether a segment fits the wells and intervals of the recording of `parent`, and the times of its last
+    /// 256 segments.
     bool Belongs(const CNode& parent, const CCandidate& segment) const;
     /// Returns how many bytes the whole segment at `begin` lacks if the next header begins at `next`; 0 if there is no
     /// such segment.

@@ -6,7 +6,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <utility>
 
 #include "recovery/Costs.h"
 #include "recovery/Node.h"
@@ -135,8 +134,8 @@ class CExplainer {
                    .unproven = parent->unproven,
                    .file = parent->file,
                    .recording = parent->recording};
-        node.shiftBefore =
-            candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->shiftBefore;
+        node.earlierShift =
+            candidate.moved != 0 || candidate.kind == EKind::Recording ? parent->piece.shift : parent->earlierShift;
         node.gap = end <= candidate.begin ? candidate.begin - end : candidate.claim - end;
         node.cost = parent->cost + (parent->goesOn ? costs::kFileWithin : GapCost(node.gap)) +
                     costs::kHeader * candidate.whole / (candidate.whole + candidate.damaged) +
@@ -248,7 +247,7 @@ class CExplainer {
         if (node.piece.ownShift == kLost) return;
         const bool isByGap = m_costs.ShiftsByGap(node);
         node.cost += isByGap ? costs::kShiftByGap : costs::kShift;
-        if (isByGap) node.shiftBefore = shift;
+        if (isByGap) node.earlierShift = shift;
         OfferWith(node, node.piece.ownShift);
     }
 

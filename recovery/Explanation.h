@@ -25,18 +25,23 @@ struct CPiece {
     std::int64_t end = 0;           ///< Offset of the byte after the piece and its samples.
     std::int64_t samples = 0;       ///< Segment: number of its samples, including those cut off.
     std::int64_t shift = 0;         ///< By how much positions after this piece exceed the offsets they mean.
-    std::int64_t shiftBefore = 0;   ///< The same for positions before it.
     std::int64_t ownShift = kLost;  ///< The shift by its own position.
-    /// The shift by the first correct position from here on in its file. If there is none, and if `isAstray`, its own.
-    std::int64_t evidentShift = kLost;
-    std::int64_t nextRecording = kLost;  ///< The position of the next recording header, by `ownShift`.
     EMade made = EMade::None;
     bool lostRecording = false;  ///< A recording whose header is lost begins before this segment.
     bool isCut = false;          ///< The input ends within its samples.
+
+    /// @name Set once the best explanation is known
+    /// @{
+    std::int64_t shiftBefore = 0;  ///< By how much positions before it exceed the offsets they mean.
+    /// Its own shift if `isAstray`; otherwise the one that the first correct position from here on in its file shows,
+    /// or `kLost`.
+    std::int64_t evidentShift = kLost;
+    std::int64_t nextRecording = kLost;  ///< The position of the next recording header, by `ownShift`.
     /// Its own position has another shift than those before, and no later one proves it wrong: bytes may be missing
     /// before it, or inserted there.
     bool isAstray = false;
     bool isAmbiguous = false;  ///< What is before it could also be something else.
+    /// @}
 
     /// Returns whether its own position is right.
     bool IsShown() const { return ownShift == shift + candidate->moved; }

@@ -10,8 +10,8 @@
 
 namespace vxfileio::recovery {
 
-/// Adds a doubt to each recording with segments that may be of another one: about the first of these, and all after it.
-/// `found` is what the pieces contain.
+/// Adds at most one doubt to each recording: about its first segment that may be of another one, and so about those
+/// after it. `found` must be what `AccountFor` returned for these pieces.
 void DoubtMembership(const std::vector<CPiece>& pieces, CFound& found);
 
 }  // namespace vxfileio::recovery

@@ -7,6 +7,9 @@
 
 #include "recovery/Explanation.h"
 
+/// @file
+/// Step 2: one way to explain the beginning of the input.
+
 namespace vxfileio::recovery {
 
 /// What positions must still show about a recording header.
@@ -24,7 +27,7 @@ struct CNode {
     std::int64_t other = std::numeric_limits<std::int64_t>::max();  ///< Cost of the best way with another piece before.
     std::int32_t wholeBefore = 0;                                   ///< Number of whole candidates up to this one.
     std::shared_ptr<CNode> parent;
-    std::int64_t shiftBefore = kLost;       ///< The shift before the last known change of it, or before the recording.
+    std::int64_t earlierShift = kLost;      ///< The shift before the last known change of it, or before the recording.
     bool goesOn = false;                    ///< It continues after a file within samples.
     EUnproven unproven = EUnproven::None;   ///< Its recording header, until a position confirms it.
     const CNode* file = nullptr;            ///< The header of the file that it is in; null for the first one.
@@ -38,9 +41,11 @@ struct CNode {
 
     const CCandidate& Candidate() const { return *piece.candidate; }
     bool Is(EKind kind) const { return piece.candidate != nullptr && Candidate().kind == kind; }
+    /// Returns whether it is a segment whose position says that none follows.
     bool IsLastSegment() const { return Is(EKind::Segment) && Candidate().next == rawdata::kUnset; }
     /// Returns whether the header of its recording is known.
     bool HasRecordingHdr() const { return recording != nullptr && recording->form != nullptr; }
+    /// Returns whether it is a segment whose position says that another follows.
     bool ExpectsSegment() const { return Is(EKind::Segment) && IsPosition(Candidate().next); }
 };
 

@@ -34,8 +34,8 @@ CReport Recover(const CInput& input, const COptions& options, const CSink& sink)
     report.losses = std::move(found.losses);
     report.doubts = std::move(found.doubts);
     Rebuild(window, found, sink, options.saved, report);
-    for (CRemarks* const remarks : {&report.losses, &report.doubts})
-        std::ranges::stable_sort(remarks->first, {}, &CRemark::from);
+    report.losses.Sort();
+    report.doubts.Sort();
     return report;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -83,6 +84,8 @@ struct CRemarks {
         }
     }
     bool None() const { return first.empty(); }
+    /// Sorts the kept ones by offset. Those at one offset stay in the order in which they were found.
+    void Sort() { std::ranges::stable_sort(first, {}, &CRemark::from); }
 };
 
 /// What was replaced in a header.

@@ -774,6 +774,22 @@ TEST_F(RecoverTest, EachRecordingHasItsOwnDoubts) {
     }
 }
 
+// Of a recording header, only the position of the next recording is left. It isn't confirmed by a segment right after it,
+// whatever is before the header.
+TEST_F(RecoverTest, APositionConfirmsNoRecordingRightAfterIt) {
+    for (const std::size_t header : {1190U, 7346U}) {
+        SCOPED_TRACE(testing::Message() << "the header at " << header);
+        std::string file = RecordingsOf({12, 12, 1});
+        file.replace(header, kNextCell, kNextCell, 'x').replace(header + kNextCell + 50, 2160, 2160, 'x');
+        file.erase(header + 2460, 308 * 8).replace(header + 2460, 50, 50, 'x');
+        KeptOf(file);
+        const auto isIt = [&](const CRemark& doubt) {
+            return MayBeOfAnotherRecording(doubt) && doubt.from == static_cast<std::int64_t>(header) + 2460;
+        };
+        EXPECT_EQ(std::ranges::count_if(m_report.doubts.first, isIt), 1);
+    }
+}
+
 // More samples than a signed number of 32 bits can count. The file has the first four.
 TEST_F(RecoverTest, TheBeginningOfAHugeSegmentIsKept) {
     const std::string file = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650}) +
