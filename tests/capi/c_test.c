@@ -528,10 +528,13 @@ static void write_raw_data(void) {
     WORKS(vx_close(writer));
     writer = begin_small_example(own("lists.vxd"));
     WORKS(vx_writer_set_list(writer, VX_RAW_POST_QC, limits, 2));
+    WORKS(vx_writer_set_list(writer, VX_RAW_COMPOUND_TEST, NULL, 0));
     WORKS(vx_close(writer));
     WORKS(vx_raw_open(&raw, own("lists.vxd")));
     WORKS(vx_raw_get_list(raw, VX_RAW_POST_QC, kept, &count));
     EXPECT(count == 2 && memcmp(kept, limits, sizeof limits) == 0);
+    WORKS(vx_raw_get_list(raw, VX_RAW_COMPOUND_TEST, kept, &count));
+    EXPECT(count == 0);
     WORKS(vx_close(raw));
 }
 
@@ -577,6 +580,7 @@ static void report_a_full_disk(void) {
     EXPECT(strstr(error_of(writer), "segments missing: 2") != NULL);
     EXPECT(vx_writer_finish(writer) == VX_ERROR_WRITE);
     EXPECT(vx_close(writer) == VX_ERROR_WRITE);
+    EXPECT(vx_close(writer) == VX_ERROR_HANDLE);
     for (kind = VX_SETTINGS; kind <= VX_RESULTS; ++kind) {
         WORKS(vx_document_create(&document, kind));
         EXPECT(vx_document_save(document, "/dev/full", -1) == VX_ERROR_WRITE);
@@ -705,6 +709,13 @@ static void change_settings(void) {
     EXPECT(vx_document_set_int64s(settings, "PropertyRecordPlate/Compounds", NULL, 0) == VX_ERROR_TYPE);
     WORKS(vx_document_insert(settings, "PropertyRecordPlate/Compounds/1"));
     EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/1/Label", ""));
+    WORKS(vx_document_insert(settings, "PropertyRecordPlate/Compounds/2"));
+    WORKS(vx_document_insert(settings, "PropertyRecordPlate/Compounds/3"));
+    WORKS(vx_document_set_text(settings, "PropertyRecordPlate/Compounds/2/Label", "two"));
+    WORKS(vx_document_remove(settings, "PropertyRecordPlate/Compounds/1"));
+    EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/1/Label", "two")); /* the others keep their order */
+    EXPECT(text_is(settings, "PropertyRecordPlate/Compounds/2/Label", ""));
+    WORKS(vx_document_remove(settings, "PropertyRecordPlate/Compounds/2"));
     WORKS(vx_document_remove(settings, "PropertyRecordPlate/Compounds/1"));
     WORKS(vx_document_get_count(settings, "PropertyRecordPlate/Compounds", &count));
     EXPECT(count == 1 && text_is(settings, "PropertyRecordPlate/Compounds/0/Label", "C7"));
@@ -761,6 +772,8 @@ static void make_results(void) {
     EXPECT(vx_document_insert(results, "Tasks/Series/Recordings/5") == VX_ERROR_VALUE);
     EXPECT(text_is(results, "Tasks/Series/TaskName", "Series"));
     WORKS(vx_document_set_text(results, "Tasks/Series/Recordings/0/Dose", "18446744073709551615"));
+    EXPECT(vx_document_set_text(results, "Tasks/Series/Recordings/0/Dose", "-1") == VX_ERROR_VALUE);
+    EXPECT(vx_document_set_text(results, "Tasks/Series/Recordings/0/Dose", "18446744073709551616") == VX_ERROR_VALUE);
     WORKS(vx_table_open(&table, results, VX_TABLE_MEANS));
     WORKS(vx_table_get_int64s(table, 2, wholes, &count));
     EXPECT(count == 2 && wholes[0] == INT64_MAX);
@@ -943,6 +956,9 @@ static void plan_a_recording(void) {
     WORKS(vx_plan_get_cell(plan, i - 1, &cell));
     EXPECT(cell.is_list && cell.room == 189 && cell.needed == 289 && cell.wells_that_fit == 66);
     EXPECT(result.wells_that_fit == 31); /* the zeros need the most room */
+    EXPECT(vx_plan_get_cell(plan, INT64_C(1) << 32, &cell) == VX_ERROR_ARGUMENT);
+    WORKS(vx_plan_get_cell(plan, 0, &cell)); /* the name of the task has room for any number of wells */
+    EXPECT(!cell.is_list && cell.wells_that_fit == 100);
     WORKS(vx_close(plan));
     plan = make_plan(20);
     size = sizeof text;
@@ -1102,6 +1118,12 @@ static void check_and_recover(void) {
     WORKS(vx_close(report));
     EXPECT(vx_recover(&report, saved, own("./saved.vxd"), &options, NULL) == VX_ERROR_ARGUMENT);
     WORKS(vx_close(report));
+#if defined(__linux__)
+    remove(own("link.vxd"));
+    EXPECT(symlink(saved, own("link.vxd")) == 0);
+    EXPECT(vx_recover(&report, saved, own("link.vxd"), &options, NULL) == VX_ERROR_ARGUMENT);
+    WORKS(vx_close(report));
+#endif
     EXPECT(vx_recover(&report, given("small_example.vxd"), own("saved.vxd"), NULL, NULL) == VX_ERROR_WRITE);
     EXPECT(strstr(error_of(report), "choose another name") != NULL);
     WORKS(vx_close(report));
@@ -1216,6 +1238,24 @@ static void report_a_loss_of_well_0(void) {
     WORKS(vx_recover(&report, own("well0.vxd"), own("saved0.vxd"), &options, NULL));
     WORKS(vx_report_get_text(report, 0, VX_FINDING_WHERE, text, &length));
     EXPECT(strcmp(text, "recording 1 > well 0 > bytes 3958 to 4261") == 0);
+    WORKS(vx_close(report));
+}
+
+/* A lost cell of a recording header is neither a loss nor a doubt about bytes, but the file isn't sound. */
+static void report_a_lost_cell(void) {
+    static char bytes[10000];
+    const int64_t size = content_of(given("small_example.vxd"), bytes, sizeof bytes);
+    FILE* const file = fopen(own("no_dose.vxd"), "wb");
+    vx_recover_options options = VX_RECOVER_OPTIONS_INIT;
+    vx_report* report = NULL;
+    vx_report_summary summary = VX_REPORT_SUMMARY_INIT;
+    options.replace = 1;
+    EXPECT(memcmp(bytes + 1190 + 100, "Dose=", 5) == 0);
+    memcpy(bytes + 1190 + 100, "x", 1);
+    EXPECT(file != NULL && fwrite(bytes, 1, (size_t)size, file) == (size_t)size && fclose(file) == 0);
+    WORKS(vx_recover(&report, own("no_dose.vxd"), own("saved_dose.vxd"), &options, NULL));
+    WORKS(vx_report_get_summary(report, &summary));
+    EXPECT(summary.findings == 0 && !summary.is_sound);
     WORKS(vx_close(report));
 }
 
@@ -1379,6 +1419,7 @@ static void (*const phases[])(void) = {
     plan_a_recording,
     check_and_recover,
     report_a_loss_of_well_0,
+    report_a_lost_cell,
     count_every_remark,
 #if defined(__linux__)
     report_a_recovery_without_a_file,
