@@ -385,8 +385,9 @@ def test_saving_never_replaces_a_file_unless_asked(tmp_path):
 
 def test_a_refused_save_leaves_no_file(tmp_path):
     settings, saved = vx.open(SETTINGS), tmp_path / "saved"
-    with pytest.raises(vx.UsageError):
-        settings.save(saved, compound=99)
+    for compound in (-2, 99):
+        with pytest.raises(vx.UsageError):
+            settings.save(saved, compound=compound)
     with pytest.raises(FileNotFoundError):
         settings.save(tmp_path / "no folder" / "a.vxs")
     for document in (settings, vx.open(RESULTS)):
@@ -442,6 +443,7 @@ def test_damaged_documents_are_errors_unless_partial(tmp_path):
     assert raised.value.filename == str(cut)
     results = vx.open(cut, partial=True)
     assert "offset 2500" in results.read_error and len(results.beats) > 0
+    assert results.Header == vx.open(RESULTS).Header and results.Header.CompoundName == "C1"
     cut.write_bytes(SETTINGS.read_bytes()[:2500])
     assert "offset 2500" in vx.open(cut, partial=True).read_error
     older = SETTINGS.read_bytes().replace(b"Version>3<", b"Version>2<")

@@ -57,6 +57,23 @@ TEST_F(ReaderTest, ListsAreInFileOrder) {
     EXPECT_EQ(m_reader.GetRecordingHdr("Series", 3), nullptr);
 }
 
+// Headers with equal lists are decoded once.
+TEST_F(ReaderTest, EqualRecordingsHaveNoAuxiliaryChannelsOfAnother) {
+    std::string bytes = FileHdrBytes(1190) + RecordingHdrBytes({.data = 3650, .next = 3650}) +
+                        RecordingHdrBytes({.recording = 2, .data = 6110, .next = 6110}) +
+                        RecordingHdrBytes({.recording = 3, .data = 8570});
+    bytes.replace(1190 + 1430, 1030,
+                  Cell(30, "NumberOfAuxCh=1") + Cell(200, "AuxIDs=5") + Cell(200, "Ticks=10") +
+                      Cell(400, "UnitsPerADs=2") + Cell(200, "ADZeros=3"));
+    OpenBytes(bytes);
+    const auto channels = [&](int recording) {
+        return m_reader.GetRecordingHdr("CompoundTest", recording)->AuxChannels.size();
+    };
+    EXPECT_EQ(channels(1), 1U);
+    EXPECT_EQ(channels(2), 0U);
+    EXPECT_EQ(channels(3), 0U);
+}
+
 TEST_F(ReaderTest, DuplicateRecordingsUseTheFirstHeaderAndTheLastFinishedData) {
     const auto twin = [](std::int64_t data, std::int64_t next, const char* wells) {
         return RecordingHdrBytes({.data = data, .next = next, .wellIDs = wells});

@@ -210,6 +210,11 @@ TEST_F(ResultsFileTest, TasksAreRestoredUnderTheirKeysAndOthersStay) {
     EXPECT_EQ(results.GetTasks(), (std::vector<enTask>{enTask::Series, enTask::Analyze, enTask::Nil}));
     EXPECT_EQ(results.GetCompoundID(), 7);
     EXPECT_EQ(results.GetWellIDs(enTask::Nil, 1), (std::vector<std::int32_t>{0, 3}));
+    const CResults twice = Loaded(
+        "<Task><TaskName>Series</TaskName><Recordings Size=\"1\"><Recording><Wells Size=\"2\"><Well><WellID>3</WellID>"
+        "<WellLabel>first</WellLabel></Well><Well><WellID>3</WellID><WellLabel>last</WellLabel></Well></Wells>"
+        "</Recording></Recordings></Task>");
+    EXPECT_EQ(twice.Tasks.at(enTask::Series).Recordings.at(0).Wells.at(3).WellLabel, "last");
     EXPECT_EQ(Loaded("<Task><TaskName>Series</TaskName><Recordings Size=\"1\"><Recording><Dose>1</Dose></Recording>"
                      "</Recordings><Recordings Size=\"1\"><Recording><Dose>2</Dose></Recording></Recordings></Task>")
                   .GetRecordingCount(enTask::Series),

@@ -84,6 +84,14 @@ def check_names(folder):
     for read in 4, 1:  # the unreadable one is tried again
         assert f"4 files, {read} of them read now" in run(str(odd), "--sqlite", database, status=2)[1]
     assert ", 2 unreadable" in run(str(odd), str(odd / "nowhere"), "--sqlite", database, status=2)[1]
+    latin = os.fsencode(folder) + b"/l\xe4tin"
+    os.mkdir(latin)
+    for name in b"kept.vxd", b"deleted.vxd":
+        shutil.copyfile(REFERENCE / "small_example.vxd", latin + b"/" + name)
+    for listed in 2, 1:
+        run(os.fsdecode(latin), "--sqlite", str(folder / "latin.db"), status=0)
+        assert stored(str(folder / "latin.db"), "SELECT COUNT(*) FROM files") == [(listed,)]
+        (pathlib.Path(os.fsdecode(latin)) / "deleted.vxd").unlink(missing_ok=True)
     assert sorted(path for path, in stored(database, "SELECT path FROM files")) == sorted(
         str(folder / path) for path in expected)
 
