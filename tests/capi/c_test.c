@@ -528,6 +528,7 @@ static void write_raw_data(void) {
     WORKS(vx_close(writer));
     writer = begin_small_example(own("lists.vxd"));
     WORKS(vx_writer_set_list(writer, VX_RAW_POST_QC, limits, 2));
+    WORKS(vx_writer_set_list(writer, VX_RAW_COMPOUND_TEST, list, 2));
     WORKS(vx_writer_set_list(writer, VX_RAW_COMPOUND_TEST, NULL, 0));
     WORKS(vx_close(writer));
     WORKS(vx_raw_open(&raw, own("lists.vxd")));

@@ -774,8 +774,8 @@ TEST_F(RecoverTest, EachRecordingHasItsOwnDoubts) {
     }
 }
 
-// Of a recording header, only the position of the next recording is left. It isn't confirmed by a segment right after it,
-// whatever is before the header.
+// Of a recording header, only the position of the next recording is left. It isn't confirmed by a segment right after
+// it, whatever is before the header.
 TEST_F(RecoverTest, APositionConfirmsNoRecordingRightAfterIt) {
     for (const std::size_t header : {1190U, 7346U}) {
         SCOPED_TRACE(testing::Message() << "the header at " << header);
