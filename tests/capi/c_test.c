@@ -1180,10 +1180,11 @@ static void write_cell(FILE* file, const char* key, int64_t value) {
     fwrite(cell, 1, sizeof cell, file);
 }
 
-/* Two segments have more samples than 32 bits can count. The samples are holes in the file, which take no room. */
+/* Two segments have more samples than 32 bits can count. The samples are holes in the file, which take no room. A third
+ * one lies beyond what 32 bits can address; it is short, since its samples are read. */
 static void count_more_than_32_bits(void) {
     static char bytes[10000];
-    const int64_t half = INT64_C(1) << 31, first = 3650, size = 300 + 2 * half;
+    const int64_t half = INT64_C(1) << 31, first = 3650, size = 300 + 2 * half, last = first + 2 * size;
     FILE* file = fopen(own("huge.vxd"), "wb");
     vx_raw* raw = NULL;
     vx_recording* recording = NULL;
@@ -1193,29 +1194,30 @@ static void count_more_than_32_bits(void) {
     EXPECT(content_of(given("small_example.vxd"), bytes, sizeof bytes) > first + 100);
     EXPECT(file != NULL && fwrite(bytes, 1, (size_t)first, file) == (size_t)first);
     if (file == NULL) return;
-    for (i = 0; i < 2; ++i) {
+    for (i = 0; i < 3; ++i) {
+        const int64_t samples = i < 2 ? half : 4;
         EXPECT(fseeko(file, first + i * size, SEEK_SET) == 0);
         fwrite(bytes + first, 1, 100, file); /* Type and ID */
-        write_cell(file, "FPosNextSegmentHdr", i == 0 ? first + size : -1);
+        write_cell(file, "FPosNextSegmentHdr", i < 2 ? first + (i + 1) * size : -1);
         write_cell(file, "TimeFrom", 100 * half * i);
-        write_cell(file, "TimeTo", 100 * (half * i + half - 1));
-        write_cell(file, "Size", half);
+        write_cell(file, "TimeTo", 100 * (half * i + samples - 1));
+        write_cell(file, "Size", samples);
     }
     fclose(file);
-    EXPECT(truncate(own("huge.vxd"), first + 2 * size) == 0);
+    EXPECT(truncate(own("huge.vxd"), last + 300 + 2 * 4) == 0);
     WORKS(vx_raw_open(&raw, own("huge.vxd")));
     WORKS(vx_recording_open(&recording, raw, 0, NULL));
     WORKS(vx_recording_read(recording, 11, VX_TIME_FIRST, VX_TIME_LAST, NULL, &count));
-    EXPECT(count == 2 * half);
+    EXPECT(count == 2 * half + 4);
     WORKS(vx_close(recording));
     WORKS(vx_close(raw));
     EXPECT((file = fopen(own("huge.vxd"), "r+b")) != NULL && fseeko(file, 1190 + 150, SEEK_SET) == 0);
     if (file == NULL) return;
-    write_cell(file, "FPosRecordingData", first + size); /* the recording begins with the second segment */
+    write_cell(file, "FPosRecordingData", last); /* the recording begins with the third segment */
     fclose(file);
     segments = open_segments(own("huge.vxd"), 0, VX_ALL_WELLS, VX_OK);
     WORKS(vx_segments_next(segments, &segment, NULL, &count));
-    EXPECT(count == half && segment.offset == first + size + 300);
+    EXPECT(count == 4 && segment.offset == last + 300);
     WORKS(vx_close(segments));
     EXPECT(remove(own("huge.vxd")) == 0);
 }
