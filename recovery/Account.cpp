@@ -114,7 +114,7 @@ class CAccountant {
         CRemark remark{.reason = EReason::Cut,
                        .from = segment.begin,
                        .to = m_window.Size(),
-                       .wellID = WellOf(segment),
+                       .wellID = segment.NamedWell(),
                        .count = static_cast<std::uint64_t>(segment.size),
                        .missing = static_cast<std::uint64_t>(segment.size - there)};
         remark.should = there > 0 && !m_keepCut ? 1 : 0;
@@ -166,7 +166,7 @@ class CAccountant {
         const CCandidate segment = BestAt(m_window, EKind::Segment, m_end);
         CRemark remark{.reason = otherwise, .from = m_end, .to = end};
         if (segment.whole < segment.damaged || segment.end > m_window.Size()) return remark;
-        remark.wellID = WellOf(segment);
+        remark.wellID = segment.NamedWell();
         remark.form = segment.form;
         remark.cells = CellsAt(m_window, *segment.form, segment.Place()).damaged;
         const bool isOverlapped = end < m_window.Size() && segment.DataEnd() > end;
@@ -243,12 +243,6 @@ class CAccountant {
     /// Returns the offset in the input that a position points at.
     std::int64_t PlaceOf(std::int64_t position) const { return IsPosition(position) ? position - m_shift : position; }
 
-    /// Returns the well of a segment whose ID can be read.
-    static std::optional<std::int32_t> WellOf(const CCandidate& candidate) {
-        if (candidate.kind != EKind::Segment || candidate.noID) return std::nullopt;
-        return candidate.well;
-    }
-
     /// Compares a position with the actual offset, which is what the new file gets. In an unfinished recording, -1 may
     /// not have been replaced yet.
     void Compare(const char* key, std::int64_t position, std::int64_t should, const CRemark& where) {
@@ -267,7 +261,7 @@ class CAccountant {
     void CompareNext(bool isFollowed) {
         const CCandidate* const before = SegmentBefore();
         if (before == nullptr || Before()->isCut) return;
-        const CRemark where{.from = before->begin, .to = m_end, .wellID = WellOf(*before)};
+        const CRemark where{.from = before->begin, .to = m_end, .wellID = before->NamedWell()};
         Compare(kNextSegment, before->next, isFollowed ? m_end + m_shift : kUnset, where);
         if (m_shift != 0) m_found.isStraight = false;
     }
@@ -276,7 +270,7 @@ class CAccountant {
 
     void DoubtPiece(EReason reason, const CPiece& piece) {
         const CCandidate& candidate = *piece.candidate;
-        Doubt({.reason = reason, .from = candidate.begin, .to = piece.end, .wellID = WellOf(candidate)});
+        Doubt({.reason = reason, .from = candidate.begin, .to = piece.end, .wellID = candidate.NamedWell()});
     }
 
     void DoubtMoved(const CPiece& piece) {
@@ -288,7 +282,7 @@ class CAccountant {
         CRemark remark{.reason = EReason::DamagedCells,
                        .from = segment.begin,
                        .to = piece.end,
-                       .wellID = WellOf(segment),
+                       .wellID = segment.NamedWell(),
                        .form = segment.form,
                        .cells = cells.damaged,
                        .lost = cells.lost};

@@ -49,6 +49,10 @@ struct CCandidate {
 
     const CForm* form = nullptr;
 
+    /// Returns the well that it names: nothing if it is no segment, or if its ID is lost.
+    std::optional<std::int32_t> NamedWell() const {
+        return kind == EKind::Segment && !noID ? std::optional(well) : std::nullopt;
+    }
     CHdrPlace Place() const { return {.begin = begin, .movedRow = movedRow, .moved = moved}; }
     bool IsWhole() const { return damaged == 0 && moved == 0; }
     /// Returns the offset of the byte after its samples, by its own size.

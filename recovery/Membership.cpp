@@ -1,7 +1,6 @@
 #include "recovery/Membership.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace vxfileio::recovery {
 
@@ -90,10 +89,11 @@ class CMembership {
 
     void Report(const CPiece& piece) {
         const CCandidate& segment = *piece.candidate;
-        CRemark remark{.reason = EReason::OtherRecording, .from = segment.begin, .to = piece.end};
-        remark.recording = static_cast<std::uint32_t>(m_recordings - 1);
-        if (!segment.noID) remark.wellID = segment.well;
-        m_found.doubts.Add(std::move(remark));
+        m_found.doubts.Add({.reason = EReason::OtherRecording,
+                            .from = segment.begin,
+                            .to = piece.end,
+                            .recording = static_cast<std::uint32_t>(m_recordings - 1),
+                            .wellID = segment.NamedWell()});
     }
 
     /// Returns whether the position of the next recording fits neither the shift before `end` nor the one there.

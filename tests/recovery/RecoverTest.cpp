@@ -774,8 +774,7 @@ TEST_F(RecoverTest, EachRecordingHasItsOwnDoubts) {
     }
 }
 
-// Of a recording header, only the position of the next recording is left. It isn't confirmed by a segment right after
-// it, whatever is before the header.
+// Only the position of the next recording is left of a header. A segment right after the header can't confirm it.
 TEST_F(RecoverTest, APositionConfirmsNoRecordingRightAfterIt) {
     for (const std::size_t header : {1190U, 7346U}) {
         SCOPED_TRACE(testing::Message() << "the header at " << header);

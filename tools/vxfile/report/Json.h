@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -18,5 +19,9 @@ namespace vxfile {
 
 /// Prints the document that a command answers `--json` with: the program and its version, the command, and `files`.
 void PrintJson(std::string_view command, CJson files);
+
+/// Runs `work` and returns its exit status. If it fails, prints a document whose only file is `file` with the error,
+/// and returns `kTrouble`.
+[[nodiscard]] int RunForJson(std::string_view command, CJson file, const std::function<int()>& work);
 
 }  // namespace vxfile

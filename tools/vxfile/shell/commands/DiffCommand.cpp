@@ -53,11 +53,8 @@ class CDiffCommand : public CCommand {
     }
 
     int Run() override {
-        if (!m_json || m_quiet) return Compare();
-        int status = kTrouble;
-        const std::string failure = FailureOf([&] { status = Compare(); });
-        if (!failure.empty()) PrintDocument({{"error", failure}});
-        return status;
+        const bool printsJson = m_json && !m_quiet;
+        return printsJson ? RunForJson(kDiffText.name, File(), [&] { return Compare(); }) : Compare();
     }
 
  private:
@@ -67,7 +64,7 @@ class CDiffCommand : public CCommand {
         Compare(kind, differences);
         const std::string& omission = differences.Omission();
         if (differences.Count() == 0 && !omission.empty()) throw CFailure(omission);
-        if (m_json && !m_quiet) PrintDocument(ToJson(kind, differences));
+        if (m_json && !m_quiet) PrintJson(kDiffText.name, CJson::array({ToJson(kind, differences)}));
         if (!m_json && !m_quiet) Print(differences);
         return differences.Count() == 0 ? kSound : kFindings;
     }
@@ -127,21 +124,17 @@ class CDiffCommand : public CCommand {
                             {"left", Readable(difference.left)},
                             {"right", Readable(difference.right)}});
         }
-        CJson json = {{"kind", WordOf(kind)},
-                      {"equal", differences.Count() == 0},
-                      {"differenceCount", differences.Count()},
-                      {"differences", std::move(list)}};
+        CJson json = File();
+        json["kind"] = WordOf(kind);
+        json["equal"] = differences.Count() == 0;
+        json["differenceCount"] = differences.Count();
+        json["differences"] = std::move(list);
         if (!differences.Omission().empty()) json["omission"] = differences.Omission();
         if (m_view.labels.AreKnown()) json["settings"] = Utf8(m_view.labels.Source());
         return json;
     }
 
-    /// Prints the JSON document about the two files.
-    void PrintDocument(const CJson& told) const {
-        CJson json = {{"left", m_left}, {"right", m_right}};
-        json.update(told);
-        PrintJson(kDiffText.name, CJson::array({std::move(json)}));
-    }
+    CJson File() const { return {{"left", m_left}, {"right", m_right}}; }
 
     std::string m_left;
     std::string m_right;

@@ -13,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vxfile/report/Complaint.h"
 #include "tools/vxfile/report/Json.h"
 #include "tools/vxfile/report/Style.h"
 #include "tools/vxfile/report/Text.h"
@@ -186,11 +185,7 @@ class CPlanCommand : public CCommand {
     }
 
     int Run() override {
-        if (!m_json) return Check();
-        int status = kTrouble;
-        const std::string failure = FailureOf([&] { status = Check(); });
-        if (!failure.empty()) PrintDocument({{"error", failure}});
-        return status;
+        return m_json ? RunForJson(kPlanText.name, File(), [&] { return Check(); }) : Check();
     }
 
  private:
@@ -198,18 +193,16 @@ class CPlanCommand : public CCommand {
         const CRecordingFit fit = CheckRecordingFit(Header());
         const auto advice = AdviceFor(fit, m_units);
         if (m_json) {
-            PrintDocument(ToJson(fit, advice));
+            CJson json = File();
+            json.update(ToJson(fit, advice));
+            PrintJson(kPlanText.name, CJson::array({std::move(json)}));
         } else {
             Print(fit, advice);
         }
         return fit.Fits() ? kSound : kFindings;
     }
 
-    void PrintDocument(const CJson& members) const {
-        CJson json = {{"path", m_settings.empty() ? CJson() : CJson(Utf8(m_settings))}};
-        json.update(members);
-        PrintJson(kPlanText.name, CJson::array({std::move(json)}));
-    }
+    CJson File() const { return {{"path", m_settings.empty() ? CJson() : CJson(Utf8(m_settings))}}; }
 
     /// Returns the header of a recording as `examples/plate_run` would write it.
     CRawDataRecordingHdr Header() {

@@ -70,15 +70,13 @@ class CRecoverCommand : public CCommand {
             Print(report, names);
             return StatusOf(report);
         }
-        CJson json;
-        const std::string failure = FailureOf([&] {
+        return RunForJson(kRecoverText.name, {{"file", m_source}}, [&] {
             report = Recover();
-            json = ToJson(report, names, m_view);
+            CJson json = ToJson(report, names, m_view);
             if (m_proof) m_proof->AddTo(json);
+            PrintJson(kRecoverText.name, CJson::array({std::move(json)}));
+            return StatusOf(report);
         });
-        PrintJson(kRecoverText.name,
-                  CJson::array({failure.empty() ? std::move(json) : CJson{{"file", m_source}, {"error", failure}}}));
-        return failure.empty() ? StatusOf(report) : kTrouble;
     }
 
  private:
